@@ -1,0 +1,29 @@
+# Compiler, cache and sanitizer settings that every target shares.
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/lib)
+set(CMAKE_CXX_FLAGS_RELEASE "-O2 -DNDEBUG")
+
+option(HALCYRA_FUZZ "build the fuzz targets only, with libFuzzer" OFF)
+set(HALCYRA_SANITIZE "" CACHE STRING "sanitizers, as -fsanitize takes them")
+
+if(HALCYRA_SANITIZE)
+  add_compile_options(-fsanitize=${HALCYRA_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+  add_link_options(-fsanitize=${HALCYRA_SANITIZE})
+endif()
+
+# The cache is shared between checkouts: paths are relative to this one, precompiled headers included.
+find_program(CCACHE ccache)
+if(CCACHE)
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_COMMAND} -E env
+    CCACHE_BASEDIR=${CMAKE_SOURCE_DIR} CCACHE_NOHASHDIR=1
+    CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime ${CCACHE})
+endif()
+find_program(LLD ld.lld)
+if(LLD)
+  add_link_options(-fuse-ld=lld)
+endif()

@@ -1,0 +1,17 @@
+# Fuzz targets: fuzz/<name>.cpp becomes fuzz_<name>, built with clang's libFuzzer under address and
+# undefined-behaviour sanitizers. Seeds stand in fuzz/corpus/<name>/.
+find_package(Boost 1.81 REQUIRED)
+find_package(nlohmann_json REQUIRED)
+find_package(Threads REQUIRED)
+add_compile_options(-fsanitize=fuzzer-no-link,address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+add_link_options(-fsanitize=address,undefined)
+
+halcyra_library(tarn STATIC tarn EXCLUDE tarn/qt LINK Boost::headers Threads::Threads nlohmann_json::nlohmann_json)
+
+file(GLOB targets CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/fuzz/*.cpp)
+foreach(source IN LISTS targets)
+  get_filename_component(name ${source} NAME_WE)
+  add_executable(fuzz_${name} ${source})
+  target_link_libraries(fuzz_${name} PRIVATE tarn)
+  target_link_options(fuzz_${name} PRIVATE -fsanitize=fuzzer)
+endforeach()

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "tarn/json/patch.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace vantrel {
+
+/// The frames of the scene link, for both ends: a 4-byte big-endian length, then that many bytes of UTF-8 JSON, one
+/// array of operations.
+namespace linkframe {
+
+inline constexpr std::size_t maxPayload = 64u * 1024 * 1024;
+
+std::string encode(const Patch& patch);
+
+/// Collects received bytes and gives out whole patches.
+class Decoder
+{
+public:
+    enum class Result { Patch, NeedMore, Error };
+    void feed(std::string_view bytes);
+    /// The next patch in out. Error is final: the link must end, message() says why.
+    Result next(Patch& out);
+    const std::string& message() const { return m_message; }
+
+private:
+    std::string m_buffer;
+    std::size_t m_offset = 0;
+    std::string m_message;
+};
+
+} // namespace linkframe
+} // namespace vantrel

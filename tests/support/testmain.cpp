@@ -1,0 +1,112 @@
+#include "tests/support/testmain.h"
+
+#include <QApplication>
+#include <QMutex>
+#include <QStandardPaths>
+#include <QStringList>
+#include <QTest>
+
+#include <memory>
+#include <vector>
+
+namespace vantrel::test {
+
+namespace {
+
+struct Entry
+{
+    const char* name;
+    std::function<QObject*()> make;
+};
+
+std::vector<Entry>& entries()
+{
+    static std::vector<Entry> all;
+    return all;
+}
+
+QMutex mutex;
+QStringList expected;
+QStringList allowed;
+QStringList unexpected;
+QtMessageHandler previous = nullptr;
+
+bool isAnnounced(const QString& message)
+{
+    for (qsizetype i = 0; i < expected.size(); ++i) {
+        if (message.contains(expected[i])) {
+            expected.removeAt(i);
+            return true;
+        }
+    }
+    return std::any_of(allowed.cbegin(), allowed.cend(), [&](const QString& part) { return message.contains(part); });
+}
+
+void watchMessages(QtMsgType type, const QMessageLogContext& context, const QString& message)
+{
+    if (type == QtWarningMsg || type == QtCriticalMsg) {
+        const QMutexLocker lock(&mutex);
+        if (!isAnnounced(message))
+            unexpected.append(message);
+    }
+    if (previous)
+        previous(type, context, message);
+}
+
+/// What is wrong with the log after a test class; empty when it holds just what was announced. Starts anew.
+QString takeVerdict()
+{
+    const QMutexLocker lock(&mutex);
+    QString text;
+    for (const QString& message : std::as_const(unexpected))
+        text += QStringLiteral("unexpected warning: ") + message + u'\n';
+    for (const QString& part : std::as_const(expected))
+        text += QStringLiteral("announced warning never came: ") + part + u'\n';
+    unexpected.clear();
+    expected.clear();
+    allowed.clear();
+    return text;
+}
+
+} // namespace
+
+Registration::Registration(const char* name, std::function<QObject*()> make)
+{
+    entries().push_back({name, std::move(make)});
+}
+
+void expectWarning(const QString& part)
+{
+    const QMutexLocker lock(&mutex);
+    expected.append(part);
+}
+
+void allowWarnings(const QString& part)
+{
+    const QMutexLocker lock(&mutex);
+    allowed.append(part);
+}
+
+} // namespace vantrel::test
+
+int main(int argc, char** argv)
+{
+    using namespace vantrel::test;
+    QStandardPaths::setTestModeEnabled(true);
+    QApplication app(argc, argv);
+    QCoreApplication::setOrganizationName(QStringLiteral("HalcyraTest"));
+    QCoreApplication::setApplicationName(QStringLiteral("test-%1").arg(QCoreApplication::applicationPid()));
+
+    int failures = 0;
+    for (const Entry& entry : entries()) {
+        const std::unique_ptr<QObject> test(entry.make());
+        previous = qInstallMessageHandler(watchMessages);
+        failures += QTest::qExec(test.get(), app.arguments());
+        qInstallMessageHandler(previous);
+        if (const QString verdict = takeVerdict(); !verdict.isEmpty()) {
+            ++failures;
+            fprintf(stderr, "FAIL!  : %s left in the log:\n%s", entry.name, qPrintable(verdict));
+        }
+    }
+    return failures == 0 ? 0 : 1;
+}
