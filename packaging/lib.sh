@@ -1,0 +1,59 @@
+# Shared by ./run and ./test: one clear line for what is done, one for what went wrong.
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+build_dir=$root/build/release
+bin_dir=$build_dir/bin
+
+say() { printf '==> %s\n' "$*" >&2; }
+fail() { printf 'error: %s\n' "$*" >&2; exit 1; }
+
+as_root() {
+  if [ "$(id -u)" -eq 0 ]; then "$@"; else command -v sudo >/dev/null || fail "sudo or root is needed for: $*"; sudo "$@"; fi
+}
+
+# The packages of the given lists that this machine lacks.
+missing_packages() {
+  local wanted have
+  wanted=$(sed -e 's/#.*//' -e '/^[[:space:]]*$/d' "$@" | sort -u)
+  # shellcheck disable=SC2086
+  have=$(dpkg-query -W -f='${db:Status-Status} ${Package}\n' $wanted 2>/dev/null | sed -n 's/^installed //p' | sort -u)
+  comm -23 <(printf '%s\n' "$wanted") <(printf '%s\n' "$have")
+}
+
+install_packages() {
+  command -v dpkg-query >/dev/null || fail "this machine is no Debian: install what packaging/debian-packages.txt lists by hand"
+  local missing log
+  missing=$(missing_packages "$@")
+  [ -z "$missing" ] && return 0
+  log=$(mktemp)
+  say "installing $(printf '%s\n' "$missing" | wc -l) packages"
+  # shellcheck disable=SC2086
+  { as_root apt-get update -q && as_root env DEBIAN_FRONTEND=noninteractive \
+      apt-get install -q -y --no-install-recommends $missing; } >"$log" 2>&1 \
+    || { tail -n 20 "$log" >&2; fail "installing the packages failed; the whole log is in $log"; }
+  rm -f "$log"
+}
+
+# build TARGET...: configures once, then builds what changed.
+build() {
+  local log=$build_dir/build.log
+  mkdir -p "$build_dir"
+  if [ ! -e "$build_dir/build.ninja" ]; then
+    say "configuring"
+    (cd "$root" && cmake --preset release) >"$log" 2>&1 || { tail -n 20 "$log" >&2; fail "configuring failed; see $log"; }
+  fi
+  say "building (a first build takes some minutes)"
+  ninja -C "$build_dir" "$@" >"$log" 2>&1 || { grep -E 'error|FAILED' -A 5 "$log" | head -n 40 >&2; fail "the build failed; see $log"; }
+}
+
+# Sets DISPLAY, to an Xvfb of our own where there is no display; that Xvfb's process id is then in xvfb_pid.
+need_display() {
+  [ -n "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ] && return 0
+  say "no display here: starting Xvfb"
+  local number fifo
+  fifo=$(mktemp -u) && mkfifo "$fifo"
+  Xvfb -displayfd 3 -screen 0 1600x1000x24 -nolisten tcp 3>"$fifo" >/dev/null 2>&1 &
+  xvfb_pid=$!
+  read -r -t 20 number <"$fifo" || fail "Xvfb did not start"
+  rm -f "$fifo"
+  export DISPLAY=:$number
+}
