@@ -1,0 +1,34 @@
+#pragma once
+
+#include "tarn/media/enums.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string>
+
+namespace vantrel::ombra {
+
+/// What a media file holds.
+struct MediaInfo
+{
+    MediaType type = MediaType::Unknown;
+    double duration = 0; // seconds; 0 for stills
+    double fps = 0;      // pictures a second; 0 without moving pictures
+    int width = 0;       // pixels as shown, that is, after rotation
+    int height = 0;
+    std::string codec;      // of the pictures, or of the sound where there are none
+    std::string audioCodec; // empty without sound
+    int audioChannels = 0;
+    int sampleRate = 0; // Hz
+    bool playable = false;
+    bool unsupportedAudio = false; // there is sound, but nothing here decodes it
+    std::int64_t frames = 0;       // 1 for stills
+};
+
+/// Opens a file, or the first picture of a sequence ("frame_%05d.png"), and decodes a picture of it, so that
+/// playable holds what it says. Nothing, and the reason, when the file is missing; a damaged file gives a
+/// record that is not playable, and the reason. Blocks; any thread.
+std::optional<MediaInfo> probeMedia(const std::filesystem::path& file, std::string* error);
+
+} // namespace vantrel::ombra

@@ -1,0 +1,74 @@
+#pragma once
+
+#include "tarn/json/json.h"
+#include "tarn/json/path.h"
+#include "tarn/preview/frame.h"
+#include "tarn/ref.h"
+
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <string>
+
+namespace boost::asio {
+class io_context;
+}
+
+namespace vantrel {
+class MediaLibrary;
+class Object;
+class Scene;
+struct PropertyInfo;
+} // namespace vantrel
+
+namespace vantrel::ombra {
+
+/// A picture of what a playback shows, 24-bit RGB (Surface::formatRgb24), EngineConfig::previewWidth wide.
+/// The surface may be shared with later pictures: never write into it.
+struct PreviewPicture
+{
+    std::string source; // path of the playback, "/device/channels/0/preview"
+    int stream = 0;
+    long long timeNs = 0; // when it was shown, nanoseconds since 1970
+    Ref<Surface> surface;
+};
+
+struct EngineConfig
+{
+    std::filesystem::path mediaFolder;
+    int previewWidth = 480; // pixels; pictures are 16:9
+    int framesPerSecond = 25;
+};
+
+/// Plays the library's media on the scene's channels and publishes what happens into the scene. Made, used
+/// and destroyed on the io_context's thread; decoding and mixing run on threads of its own.
+class Engine
+{
+public:
+    Engine(boost::asio::io_context& io, Scene& scene, MediaLibrary& library, EngineConfig config);
+    /// Stops and joins all threads; the sink is not called afterwards.
+    ~Engine();
+    Engine(const Engine&) = delete;
+    Engine& operator=(const Engine&) = delete;
+
+    /// Called on the mixing thread: at every new picture, and a few times a second while nothing changes.
+    void setPreviewSink(std::function<void(PreviewPicture)> sink);
+
+    /// A method of a channel or of a playback that a client invoked, "/device/channels/0/methods/take".
+    /// False, and a message for the client, when there is no such object, method or argument.
+    bool invoke(PathView methodPath, const Json& args, std::string* error);
+
+    /// A client wrote a property that the scene holds already: state, media, endAction, volume or muted of a
+    /// playback. Everything else is ignored.
+    void propertyWritten(Object* object, const PropertyInfo* property);
+
+    /// The library changed: players take over new in and out points, end actions and durations, and stop
+    /// where their media is gone.
+    void libraryChanged();
+
+private:
+    class Impl;
+    std::unique_ptr<Impl> m_impl;
+};
+
+} // namespace vantrel::ombra
