@@ -1,0 +1,25 @@
+#pragma once
+
+#include <QUndoCommand>
+
+namespace vantrel {
+
+/// Base of every change that an operator makes. The caller builds and initialises a command and pushes it
+/// with Session::executeCommand only when its init returned true; from then on the undo stack owns it. Main
+/// thread only.
+class AbstractSessionCommand : public QUndoCommand
+{
+public:
+    explicit AbstractSessionCommand(QUndoCommand* parent = nullptr)
+        : QUndoCommand(parent)
+    {
+    }
+
+    bool initialized() const { return m_initialized; }
+    void setInitialized(bool initialized) { m_initialized = initialized; }
+
+private:
+    bool m_initialized = false;
+};
+
+} // namespace vantrel

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "common/command/abstractscenecommand.h"
+
+#include <QString>
+
+namespace vantrel {
+
+/// Calls a method of a scene object on the server; the result comes back as ordinary patches. Without undo
+/// data it leaves the stack right after its first run.
+class InvokeMethodCommand : public AbstractSceneCommand
+{
+public:
+    explicit InvokeMethodCommand(QUndoCommand* parent = nullptr)
+        : AbstractSceneCommand(parent)
+    {
+    }
+
+    /// False, with a warning, when the object is missing, is not in the scene, or has no such method.
+    bool init(Object* object, const QString& method, const VariantMap& args);
+    /// After init() only; makes the command undoable.
+    bool setUndo(const QString& method, const VariantMap& args);
+    virtual bool isUndoSupported() const { return m_undoSupported; }
+
+    void redo() override;
+    void undo() override;
+
+private:
+    bool resolve(Object* object, const QString& method, Path& path) const;
+    void send(const Path& path, const VariantMap& args) const;
+
+    Ref<Object> m_object;
+    Path m_redoPath;
+    VariantMap m_redoArgs;
+    bool m_undoSupported = false;
+    Path m_undoPath;
+    VariantMap m_undoArgs;
+};
+
+} // namespace vantrel

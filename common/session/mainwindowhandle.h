@@ -1,0 +1,14 @@
+#pragma once
+
+class QWidget;
+
+namespace vantrel {
+
+/// The main window as the rooms below it may know it: a plain widget, to parent a dialog or to hold its
+/// repaints. Main thread only.
+void setMainWindowWidget(QWidget* window);
+
+/// Null before the window stands and after it is gone.
+QWidget* mainWindowWidget();
+
+} // namespace vantrel

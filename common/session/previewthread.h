@@ -1,0 +1,61 @@
+#pragma once
+
+#include "tarn/preview/previewclient.h"
+
+#include <QImage>
+#include <QMetaType>
+#include <QMutex>
+#include <QPixmap>
+#include <QThread>
+#include <boost/asio/ip/tcp.hpp>
+
+#include <deque>
+#include <optional>
+
+namespace vantrel {
+
+/// Reads the server's live pictures on a thread of its own and hands them to the main thread as pixmaps. Only
+/// the newest waiting picture of each source and stream is kept, so that a busy main thread never falls
+/// behind. The object lives on the main thread; the session owns it.
+class PreviewThread : public QThread
+{
+    Q_OBJECT
+
+public:
+    /// previewPort: the TCP port of the server's preview stream.
+    explicit PreviewThread(quint16 previewPort, QObject* parent = nullptr);
+    ~PreviewThread() override;
+
+    /// Reads from this server from now on, in place of an earlier one. Any thread; waits for the earlier run.
+    void subscribe(const boost::asio::ip::address& address);
+    /// Ends the stream. Any thread; does not wait.
+    void unsubscribe();
+
+Q_SIGNALS:
+    void previewFrame(vantrel::PreviewFrame frame, QPixmap pixmap);
+    void onPendingFrames();
+
+protected:
+    void run() override;
+
+private:
+    struct Pending
+    {
+        PreviewFrame frame;
+        QImage image; // null for what cannot be shown
+    };
+    void onFrameAvailable();
+    void processPending();
+    std::optional<boost::asio::ip::tcp::endpoint> endpoint() const;
+
+    PreviewClient m_client;
+    mutable QMutex m_mutex; // guards the fields below
+    std::deque<Pending> m_pending;
+    bool m_posted = false; // a processPending() is on its way
+    std::optional<boost::asio::ip::tcp::endpoint> m_endpoint;
+    const quint16 m_previewPort;
+};
+
+} // namespace vantrel
+
+Q_DECLARE_METATYPE(vantrel::PreviewFrame)
