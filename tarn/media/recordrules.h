@@ -1,0 +1,46 @@
+#pragma once
+
+#include "tarn/json/json.h"
+#include "tarn/media/enums.h"
+
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace vantrel::recordrules {
+
+/// The longest time that a record may hold, in seconds: far above any media, far below what nanoseconds can
+/// count.
+inline constexpr double maxSeconds = 1e7;
+
+/// What one member of a record must be.
+struct Rule
+{
+    std::string_view key;
+    bool (*valid)(const Json& value);
+};
+
+bool isText(const Json& value);
+bool isFlag(const Json& value);
+bool isSeconds(const Json& value); // 0 to maxSeconds
+bool isSecondsOrNull(const Json& value);
+
+template <typename Enum>
+bool isEnum(const Json& value)
+{
+    Enum out{};
+    return value.isString() && fromStr(value.stringView(), out);
+}
+
+/// Checks every member of a record against its rule and fills in what is missing from the prototype, so that
+/// a whole record keeps its node. False, with the record as it was, on an unknown member or a value against
+/// its rule.
+bool check(Json& record, std::span<const Rule> rules, const Json& prototype, std::string* error);
+
+/// A canonical decimal index from min to max; false on anything else, also on a leading zero.
+bool parseIndex(std::string_view text, int min, int max, int& out);
+
+/// Sets the error text, where one is wanted; always false.
+bool fail(std::string* error, std::string message);
+
+} // namespace vantrel::recordrules
