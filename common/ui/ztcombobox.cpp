@@ -1,0 +1,45 @@
+#include "common/ui/ztcombobox.h"
+
+#include "common/ui/colors.h"
+#include "common/ui/iconcache.h"
+
+#include <QAbstractItemView>
+#include <QPainter>
+#include <QStyledItemDelegate>
+#include <QWheelEvent>
+
+namespace vantrel {
+
+ZTComboBox::ZTComboBox(QWidget* parent)
+    : QComboBox(parent)
+{
+    setFocusPolicy(Qt::StrongFocus);
+    // The default delegate of the popup draws menu entries of the platform's style, past the style sheet.
+    setItemDelegate(new QStyledItemDelegate(this));
+}
+
+void ZTComboBox::setObjectNames(const QString& base)
+{
+    setObjectName(base);
+}
+
+void ZTComboBox::wheelEvent(QWheelEvent* event)
+{
+    if (hasFocus())
+        QComboBox::wheelEvent(event);
+    else
+        event->ignore();
+}
+
+void ZTComboBox::paintEvent(QPaintEvent* event)
+{
+    QComboBox::paintEvent(event);
+    QPainter painter(this);
+    const int side = qMin(height() / 2, 18);
+    const QColor colour = colors::getColor(isEnabled() ? colors::Zt_white_70 : colors::Zt_white_30);
+    painter.drawPixmap(
+        width() - side - 8, (height() - side) / 2,
+        IconCache::pixmap(QStringLiteral("chevron_down"), colour, QSize(side, side), devicePixelRatioF()));
+}
+
+} // namespace vantrel

@@ -1,0 +1,31 @@
+#include "common/ui/ztlabel.h"
+
+#include "common/ui/dynamicstyle.h"
+
+#include <QVariant>
+
+namespace vantrel {
+
+ZTLabel::ZTLabel(QWidget* parent)
+    : ZTLabel(QString(), parent)
+{
+}
+
+ZTLabel::ZTLabel(const QString& text, QWidget* parent)
+    : QLabel(parent)
+{
+    setTextFormat(Qt::PlainText);
+    setText(text);
+}
+
+void ZTLabel::setObjectNames(const QString& base)
+{
+    setObjectName(base);
+}
+
+void ZTLabel::setStyleClass(const QString& name)
+{
+    setDynamicStyle(this, "class", name);
+}
+
+} // namespace vantrel
