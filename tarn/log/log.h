@@ -19,11 +19,12 @@ struct LogLoc
 class Log
 {
 public:
-    using Sink = std::function<void(LogLevel, const LogLoc&, std::string_view module, std::string_view message)>;
+    using Sink =
+        std::function<void(LogLevel, const LogLoc&, std::string_view module, std::string_view message)>;
 
     static void setSink(Sink sink);
-    static void write_fmt(LogLevel level, const LogLoc& location, const std::string& module, const char* format, ...)
-        __attribute__((format(printf, 4, 5)));
+    static void write_fmt(LogLevel level, const LogLoc& location, const std::string& module,
+                          const char* format, ...) __attribute__((format(printf, 4, 5)));
 };
 
 } // namespace vantrel
