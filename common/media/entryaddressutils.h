@@ -1,0 +1,26 @@
+#pragma once
+
+#include "tarn/media/entryaddress.h"
+
+#include <QList>
+#include <QString>
+
+namespace vantrel {
+
+/// Writes and reads lists of entry addresses as ranges ("1-3,5.1-5.2,7").
+class EntryAddressUtils
+{
+public:
+    EntryAddressUtils() = delete;
+
+    /// Whether b directly follows a, counting in whole numbers or in decimals.
+    static bool areEntriesAdjacent(EntryAddress a, EntryAddress b);
+    /// What two addresses step by: 2 for decimals of one number, 1 for whole numbers.
+    static int getIncrement(EntryAddress a, EntryAddress b);
+    static QString entriesToRanges(const QList<EntryAddress>& entries);
+    /// An address that is none comes out invalid; a range of more than 100,000 addresses is left out, since
+    /// the text may be anyone's.
+    static QList<EntryAddress> rangesToEntries(const QString& text);
+};
+
+} // namespace vantrel

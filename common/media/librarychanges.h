@@ -1,0 +1,38 @@
+#pragma once
+
+#include "tarn/media/entryaddress.h"
+
+#include <set>
+#include <utility>
+
+namespace vantrel {
+
+class Patch;
+
+/// What a patch of the library touches. A change stands in a set once however often the patch touches it, and
+/// the sets are walked in ascending order.
+struct LibraryChanges
+{
+    using Entry = std::pair<int, EntryAddress>; // playlist number, address
+    using Slot = std::pair<int, int>;           // collection index, slot index
+
+    std::set<int> playlistsAdded;
+    std::set<int> playlistsChanged;
+    std::set<int> playlistsRemoved;
+    std::set<Entry> entriesAdded;
+    std::set<Entry> entriesChanged;
+    std::set<Entry> entriesRemoved;
+    std::set<int> collectionsAdded;
+    std::set<int> collectionsRemoved;
+    std::set<int> collectionsChanged;
+    std::set<Slot> mediaChanged;
+    std::set<Slot> mediaAdded;
+    std::set<Slot> mediaRemoved;
+
+    /// Judges each operation by its kind and its path alone. Three rules are as listeners expect them: an add
+    /// below a slot or an entry counts as its addition, a removal below a slot as nothing, a removal below an
+    /// entry as that of the entry.
+    static LibraryChanges fromPatch(const Patch& patch);
+};
+
+} // namespace vantrel

@@ -1,0 +1,103 @@
+#pragma once
+
+#include "common/media/eventstream.h"
+#include "tarn/json/json.h"
+#include "tarn/json/patch.h"
+#include "tarn/media/entryaddress.h"
+#include "tarn/media/mediaaddress.h"
+#include "tarn/media/mediacollection.h"
+#include "tarn/media/playlist.h"
+#include "tarn/ref.h"
+
+#include <QJsonDocument>
+#include <QList>
+#include <QObject>
+#include <QPointer>
+
+#include <utility>
+
+class QNetworkAccessManager;
+class QNetworkReply;
+class QNetworkRequest;
+class QUrl;
+
+namespace vantrel {
+
+class MediaLibrary;
+struct LibraryChanges;
+
+using CollectionAndIndex = std::pair<MediaCollection, int>;
+
+/// Client of the server's media library. It fetches the library once, then applies the patches of the event
+/// stream to it and tells by signals what each touched. Writes go to the server only, and come back on the
+/// stream. The session makes one for each connection; main thread only.
+class MediaLibraryApi : public QObject
+{
+    Q_OBJECT
+
+public:
+    MediaLibraryApi(const QString& host, QNetworkAccessManager* manager, MediaLibrary* library,
+                    QObject* parent = nullptr);
+    ~MediaLibraryApi() override;
+
+    void setPort(int port) { m_port = port; }
+
+    // Requests. The caller owns the reply; null when the content has no JSON form.
+    QNetworkReply* getMediaLibrary();
+    QNetworkReply* getCollections();
+    QNetworkReply* getPlaylists();
+    QNetworkReply* replaceMediaLibrary(const MediaLibrary& library);
+    QNetworkReply* replacePlaylists(const QList<Playlist>& playlists);
+    QNetworkReply* patchMediaLibrary(const Patch& patch);
+    QNetworkReply* openSSE();
+
+    /// Follows the event stream until it ends; nothing starts it again.
+    void listenChanges();
+    void stopListening();
+    /// Fetches the whole library and replaces the local one.
+    void requestMediaLibrary();
+
+    static bool replyToSdkJson(QNetworkReply* reply, Json* json);
+    static QJsonDocument sdkJsonToQJsonDocument(Json* json);
+    static bool sdkJsonToQJsonDocument(Json* json, QJsonDocument* document);
+
+Q_SIGNALS:
+    void mediaLibraryRequestFailed();
+    void collectionsReceived(QList<vantrel::CollectionAndIndex> collections);
+    void playlistsReceived(QList<vantrel::Playlist> playlists);
+    void mediaLibraryReplaced();
+    void mediaLibraryChanged();
+    void mediaCollectionChanged(uint collection);
+    void mediaCollectionRemoved(uint collection);
+    void mediaCollectionAdded(uint collection);
+    void playlistAdded(uint playlist);
+    void playlistChanged(uint playlist);
+    void playlistRemoved(uint playlist);
+    void playlistEntryAdded(uint playlist, vantrel::EntryAddress entry);
+    void playlistEntryChanged(uint playlist, vantrel::EntryAddress entry);
+    void playlistEntryRemoved(uint playlist, vantrel::EntryAddress entry);
+    void mediaAdded(vantrel::MediaAddress address);
+    void mediaChanged(vantrel::MediaAddress address);
+    void mediaRemoved(vantrel::MediaAddress address);
+
+private:
+    QUrl buildUrl(const QString& path, const QString& query = {}) const;
+    QNetworkRequest jsonRequest(const QString& path) const;
+    void onLibraryReceived(QNetworkReply* reply);
+    void onStreamData();
+    void handleMessage(const QByteArray& data);
+    void applyMediaLibraryPatch(const Patch& patch);
+    void emitLibraryChanges(const LibraryChanges& changes);
+    void emitCollectionChanges(const LibraryChanges& changes);
+    void emitPlaylistChanges(const LibraryChanges& changes);
+
+    Ref<MediaLibrary> m_library;
+    QPointer<QNetworkAccessManager> m_manager;
+    QString m_host;
+    QString m_scheme;
+    int m_port = 80;
+    QNetworkReply* m_stream = nullptr;
+    EventStream m_events;
+};
+
+} // namespace vantrel

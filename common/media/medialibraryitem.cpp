@@ -1,0 +1,36 @@
+#include "common/media/medialibraryitem.h"
+
+#include "tarn/media/mediaslot.h"
+
+namespace vantrel {
+
+MediaLibraryItem::MediaLibraryItem(int number, const QString& name)
+    : m_number(number)
+    , m_name(name)
+{
+}
+
+MediaLibraryItem::MediaLibraryItem(int number, const MediaSlot& slot)
+    : m_number(number)
+    , m_name(QString::fromStdString(slot.getName()))
+    , m_url(QString::fromStdString(slot.getUrl()))
+    , m_inpoint(slot.getInpoint())
+    , m_outpoint(slot.getOutpoint())
+    , m_effectiveDuration(slot.getEffectiveMediaDuration())
+    , m_scaleMode(slot.getScaleMode())
+    , m_isPlayable(slot.getIsPlayable())
+    , m_durationType(slot.getDurationType())
+{
+}
+
+const MediaLibraryItem* MediaLibraryItem::child(int row) const
+{
+    return row >= 0 && row < childCount() ? m_children[static_cast<std::size_t>(row)].get() : nullptr;
+}
+
+void MediaLibraryItem::setChild(int row, std::unique_ptr<MediaLibraryItem> item)
+{
+    m_children[static_cast<std::size_t>(row)] = std::move(item);
+}
+
+} // namespace vantrel
