@@ -26,12 +26,12 @@ enum class PatchOpType : std::int32_t {
 /// Why a patch was refused.
 enum class PatchError {
     None = 0,
-    PathNotFound,   // a path, or the parent of a target, is not in the document
-    InvalidIndex,   // an array index that is out of range, has leading zeros or is no number
-    TestFailed,     // a test found another value
-    InvalidTarget,  // a move into its own child, a removal of the root, a scalar where a container is needed
-    Unsupported,    // get or invoke, which mean nothing to a document
-    Malformed,      // the patch itself is no array of operations
+    PathNotFound,  // a path, or the parent of a target, is not in the document
+    InvalidIndex,  // an array index that is out of range, has leading zeros or is no number
+    TestFailed,    // a test found another value
+    InvalidTarget, // a move into its own child, a removal of the root, a scalar where a container is needed
+    Unsupported,   // get or invoke, which mean nothing to a document
+    Malformed,     // the patch itself is no array of operations
 };
 
 struct PatchResult
@@ -41,8 +41,8 @@ struct PatchResult
     explicit operator bool() const noexcept { return error == PatchError::None; }
 };
 
-/// One operation: those of RFC 6902, and "get" and "invoke", by which a client asks the server for a subtree and
-/// calls a method. An invoke carries its arguments as the object in value.
+/// One operation: those of RFC 6902, and "get" and "invoke", by which a client asks the server for a subtree
+/// and calls a method. An invoke carries its arguments as the object in value.
 struct PatchOp
 {
     PatchOpType op = PatchOpType::Add;

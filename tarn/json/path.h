@@ -13,7 +13,10 @@ class PathElement
 {
 public:
     PathElement() = default;
-    explicit PathElement(std::string text) : m_text(std::move(text)) {}
+    explicit PathElement(std::string text)
+        : m_text(std::move(text))
+    {
+    }
 
     const std::string& text() const noexcept { return m_text; }
     /// True, and the number in out, when the text is a decimal index that fits.
@@ -25,14 +28,15 @@ private:
     std::string m_text;
 };
 
-/// An ordered list of elements. The text form is that of RFC 6901: "/" before each element, "~" written "~0" and
+/// An ordered list of elements. The text form is that of RFC 6901: "/" before each element, "~" written "~0"
+/// and
 /// "/" written "~1"; the empty path is the empty text and names the whole document.
 class Path
 {
 public:
     Path() = default;
-    /// Reads the text form; text without a leading "/" gets one, a trailing "/" is dropped, and a "~" that escapes
-    /// nothing stands for itself. Use parse() where the text comes from outside.
+    /// Reads the text form; text without a leading "/" gets one, a trailing "/" is dropped, and a "~" that
+    /// escapes nothing stands for itself. Use parse() where the text comes from outside.
     explicit Path(std::string_view text);
     Path(std::initializer_list<std::string_view> elements);
 
@@ -62,8 +66,16 @@ class PathView
 {
 public:
     PathView() = default;
-    PathView(const Path& path) noexcept : m_begin(path.empty() ? nullptr : &path[0]), m_size(path.size()) {}
-    PathView(const PathElement* begin, std::size_t size) noexcept : m_begin(begin), m_size(size) {}
+    PathView(const Path& path) noexcept
+        : m_begin(path.empty() ? nullptr : &path[0])
+        , m_size(path.size())
+    {
+    }
+    PathView(const PathElement* begin, std::size_t size) noexcept
+        : m_begin(begin)
+        , m_size(size)
+    {
+    }
 
     bool empty() const noexcept { return m_size == 0; }
     std::size_t size() const noexcept { return m_size; }

@@ -1,0 +1,384 @@
+#include "tarn/json/jsonparser.h"
+
+#include "tarn/json/jsontree.h"
+#include "tarn/json/utf8.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cstdlib>
+#include <new>
+
+namespace vantrel {
+
+namespace {
+
+constexpr std::uint64_t ones = 0x0101010101010101u;
+constexpr std::uint64_t highs = 0x8080808080808080u;
+
+/// The high bit of each byte that ends a run of plain ASCII in a string: quote, backslash, control, not
+/// ASCII. A byte above a marked one may be marked in error; the lowest mark is always right.
+std::uint64_t stops(std::uint64_t word) noexcept
+{
+    const std::uint64_t quote = word ^ (ones * '"');
+    const std::uint64_t backslash = word ^ (ones * '\\');
+    return ((quote - ones) | (backslash - ones) | (word - ones * 0x20) | word) & highs;
+}
+
+bool isDigit(char c) noexcept
+{
+    return c >= '0' && c <= '9';
+}
+
+} // namespace
+
+JsonParser::~JsonParser()
+{
+    for (std::size_t i = 0; i < m_size; ++i)
+        m_stack[i].~Json();
+    std::free(m_stack);
+}
+
+bool JsonParser::parse(Json& out, std::string* error)
+{
+    skipBlanks();
+    bool good = value();
+    if (good) {
+        skipBlanks();
+        good = m_at == m_end || fail("text after the value");
+    }
+    if (!good) {
+        if (error)
+            *error = std::string(m_what) + " at byte " + std::to_string(m_at - m_begin);
+        return false;
+    }
+    out = std::move(m_stack[0]);
+    return true;
+}
+
+bool JsonParser::fail(const char* what)
+{
+    m_what = what;
+    return false;
+}
+
+void JsonParser::push(Json value)
+{
+    if (m_size == m_capacity) {
+        const std::size_t grown = m_capacity < 64 ? 128 : m_capacity * 2;
+        void* memory = std::realloc(static_cast<void*>(m_stack), grown * sizeof(Json));
+        if (!memory)
+            throw std::bad_alloc();
+        m_stack = static_cast<Json*>(memory);
+        m_capacity = grown;
+    }
+    new (m_stack + m_size++) Json(std::move(value));
+}
+
+void JsonParser::skipBlanks() noexcept
+{
+    while (m_at < m_end && (*m_at == ' ' || *m_at == '\n' || *m_at == '\r' || *m_at == '\t'))
+        ++m_at;
+}
+
+bool JsonParser::next(char c) noexcept
+{
+    if (m_at == m_end || *m_at != c)
+        return false;
+    ++m_at;
+    return true;
+}
+
+bool JsonParser::value()
+{
+    if (m_at == m_end)
+        return fail("unexpected end");
+    switch (*m_at) {
+    case '{':
+        return object();
+    case '[':
+        return array();
+    case '"':
+        ++m_at;
+        return string(Role::Value);
+    case 't':
+        return literal("true", true);
+    case 'f':
+        return literal("false", false);
+    case 'n':
+        return literal("null", Json());
+    default:
+        return *m_at == '-' || isDigit(*m_at) ? number() : fail("unexpected character");
+    }
+}
+
+bool JsonParser::literal(std::string_view word, Json value)
+{
+    if (static_cast<std::size_t>(m_end - m_at) < word.size() || std::string_view(m_at, word.size()) != word)
+        return fail("unexpected character");
+    m_at += word.size();
+    push(std::move(value));
+    return true;
+}
+
+bool JsonParser::object()
+{
+    if (m_depth == Json::maxDepth)
+        return fail("nested too deep");
+    ++m_depth;
+    ++m_at;
+    const std::size_t base = m_size;
+    skipBlanks();
+    if (!next('}') && !members())
+        return false;
+    --m_depth;
+    return closeObject(base);
+}
+
+bool JsonParser::members()
+{
+    do {
+        skipBlanks();
+        if (!next('"'))
+            return fail("a member's name expected");
+        if (!string(Role::Key))
+            return false;
+        skipBlanks();
+        if (!next(':'))
+            return fail("':' expected");
+        skipBlanks();
+        if (!value())
+            return false;
+        skipBlanks();
+    } while (next(','));
+    return next('}') || fail("',' or '}' expected");
+}
+
+bool JsonParser::closeObject(std::size_t base)
+{
+    struct Member
+    {
+        Json key;
+        Json value;
+    };
+    const std::size_t count = (m_size - base) / 2;
+    auto* const first = reinterpret_cast<Member*>(m_stack + base);
+    const auto before = [](const Member& a, const Member& b) {
+        return a.key.stringView() < b.key.stringView();
+    };
+    const auto notBefore = [&](const Member& a, const Member& b) { return !before(a, b); };
+    if (std::adjacent_find(first, first + count, notBefore) != first + count) {
+        std::sort(first, first + count, before);
+        if (std::adjacent_find(first, first + count, notBefore) != first + count)
+            return fail("a member given twice");
+    }
+    Json built = JsonTree::build(JsonType::Object, m_stack + base, count);
+    m_size = base;
+    push(std::move(built));
+    return true;
+}
+
+bool JsonParser::array()
+{
+    if (m_depth == Json::maxDepth)
+        return fail("nested too deep");
+    ++m_depth;
+    ++m_at;
+    const std::size_t base = m_size;
+    skipBlanks();
+    if (!next(']')) {
+        do {
+            skipBlanks();
+            if (!value())
+                return false;
+            skipBlanks();
+        } while (next(','));
+        if (!next(']'))
+            return fail("',' or ']' expected");
+    }
+    --m_depth;
+    Json built = JsonTree::build(JsonType::Array, m_stack + base, m_size - base);
+    m_size = base;
+    push(std::move(built));
+    return true;
+}
+
+/// Past the bytes that stand for themselves: to a quote, a backslash, or what may not be in a string.
+const char* JsonParser::plainRun(const char* p) noexcept
+{
+    for (;;) {
+        while (m_end - p >= 8) {
+            std::uint64_t word = 0;
+            std::memcpy(&word, p, sizeof word);
+            if (stops(word) != 0)
+                break;
+            p += 8;
+        }
+        while (p < m_end && *p != '"' && *p != '\\' && static_cast<signed char>(*p) >= 0x20)
+            ++p;
+        if (p == m_end || static_cast<signed char>(*p) >= 0)
+            return p;
+        const char* const after = utf8::skipSequence(p, m_end);
+        if (!after)
+            return p;
+        p = after;
+    }
+}
+
+bool JsonParser::string(Role role)
+{
+    const char* const start = m_at;
+    m_at = plainRun(start);
+    if (m_at == m_end || *m_at != '"')
+        return escapedString(start, role);
+    const std::string_view text(start, static_cast<std::size_t>(m_at - start));
+    ++m_at;
+    push(role == Role::Key ? JsonTree::makeKey(text) : JsonTree::makeText(text));
+    return true;
+}
+
+bool JsonParser::escapedString(const char* start, Role role)
+{
+    m_text.assign(start, m_at);
+    for (;;) {
+        if (m_at == m_end)
+            return fail("unexpected end in a string");
+        if (*m_at == '"')
+            break;
+        if (*m_at != '\\')
+            return fail(static_cast<signed char>(*m_at) < 0 ? "text that is no UTF-8"
+                                                            : "control character in a string");
+        ++m_at;
+        if (!escape())
+            return false;
+        start = m_at;
+        m_at = plainRun(start);
+        m_text.append(start, m_at);
+    }
+    ++m_at;
+    push(role == Role::Key ? JsonTree::makeKey(m_text) : JsonTree::makeText(m_text));
+    return true;
+}
+
+bool JsonParser::escape()
+{
+    if (m_at == m_end)
+        return fail("unexpected end in a string");
+    constexpr std::string_view letters = "\"\\/bfnrt";
+    constexpr std::string_view meanings = "\"\\/\b\f\n\r\t";
+    const char letter = *m_at;
+    if (const auto i = letters.find(letter); i != std::string_view::npos) {
+        ++m_at;
+        m_text += meanings[i];
+        return true;
+    }
+    if (letter != 'u')
+        return fail("unknown escape");
+    ++m_at;
+    char32_t unit = 0;
+    if (!hexQuad(unit))
+        return false;
+    if (unit >= 0xDC00 && unit <= 0xDFFF)
+        return fail("lone surrogate");
+    if (unit >= 0xD800 && unit <= 0xDBFF) {
+        char32_t low = 0;
+        if (m_end - m_at < 2 || m_at[0] != '\\' || m_at[1] != 'u')
+            return fail("lone surrogate");
+        m_at += 2;
+        if (!hexQuad(low))
+            return false;
+        if (low < 0xDC00 || low > 0xDFFF)
+            return fail("lone surrogate");
+        unit = 0x10000 + ((unit - 0xD800) << 10) + (low - 0xDC00);
+    }
+    utf8::append(m_text, unit);
+    return true;
+}
+
+bool JsonParser::hexQuad(char32_t& out)
+{
+    std::uint32_t unit = 0;
+    if (m_end - m_at < 4)
+        return fail("unexpected end in a string");
+    const auto [end, code] = std::from_chars(m_at, m_at + 4, unit, 16);
+    if (code != std::errc() || end != m_at + 4)
+        return fail("four hexadecimal digits expected");
+    m_at += 4;
+    out = unit;
+    return true;
+}
+
+bool JsonParser::digits()
+{
+    if (m_at == m_end || !isDigit(*m_at))
+        return fail("a digit expected");
+    while (m_at < m_end && isDigit(*m_at))
+        ++m_at;
+    return true;
+}
+
+bool JsonParser::number()
+{
+    const char* const start = m_at;
+    next('-');
+    if (next('0')) {
+        if (m_at < m_end && isDigit(*m_at))
+            return fail("a number with a leading zero");
+    } else if (!digits()) {
+        return false;
+    }
+    bool real = false;
+    if (next('.')) {
+        real = true;
+        if (!digits())
+            return false;
+    }
+    if (next('e') || next('E')) {
+        real = true;
+        if (!next('+'))
+            next('-');
+        if (!digits())
+            return false;
+    }
+    return real ? realNumber(start) : wholeNumber(start);
+}
+
+bool JsonParser::wholeNumber(const char* start)
+{
+    std::errc code{};
+    if (*start != '-') {
+        std::uint64_t natural = 0;
+        code = std::from_chars(start, m_at, natural).ec;
+        push(Json(natural));
+    } else {
+        std::int64_t integer = 0;
+        code = std::from_chars(start, m_at, integer).ec;
+        push(integer != 0 ? Json(integer) : Json(-0.0));
+    }
+    return code == std::errc() || fail("a number out of range");
+}
+
+bool JsonParser::realNumber(const char* start)
+{
+    static constexpr double powers[] = {1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9};
+    const std::string_view text(start, static_cast<std::size_t>(m_at - start));
+    const std::size_t point = text.find('.');
+    // Up to 15 digits, few decimals: both integers are exact, so that their quotient is rounded once.
+    if (text.size() <= 16 && point != std::string_view::npos && text.size() - point <= 10 &&
+        text.find_first_of("eE") == std::string_view::npos) {
+        std::int64_t mantissa = 0;
+        for (const char c : text) {
+            if (isDigit(c))
+                mantissa = mantissa * 10 + (c - '0');
+        }
+        const double magnitude = static_cast<double>(mantissa) / powers[text.size() - point - 1];
+        push(Json(*start == '-' ? -magnitude : magnitude));
+        return true;
+    }
+    double real = 0;
+    if (std::from_chars(start, m_at, real).ec != std::errc())
+        return fail("a number out of range");
+    push(Json(real));
+    return true;
+}
+
+} // namespace vantrel
