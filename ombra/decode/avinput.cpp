@@ -1,0 +1,146 @@
+#include "ombra/decode/avinput.h"
+
+#include <algorithm>
+#include <cmath>
+#include <string_view>
+
+extern "C" {
+#include <libavutil/display.h>
+}
+
+namespace vantrel::ombra {
+
+namespace {
+
+constexpr double fallbackFps = 25;
+
+void setError(std::string* error, std::string text)
+{
+    if (error)
+        *error = std::move(text);
+}
+
+AVStream* bestStream(AVFormatContext* format, AVMediaType type)
+{
+    const int index = av_find_best_stream(format, type, -1, -1, nullptr, 0);
+    return index < 0 ? nullptr : format->streams[index];
+}
+
+} // namespace
+
+std::unique_ptr<AvInput> AvInput::open(const std::filesystem::path& file, const std::atomic<bool>& stop,
+                                       std::string* error)
+{
+    routeAvLog();
+    std::unique_ptr<AvInput> input(new AvInput(stop));
+    AVFormatContext* format = avformat_alloc_context();
+    if (!format) {
+        setError(error, "out of memory");
+        return nullptr;
+    }
+    input->m_gate = {"file:" + file.string(), format->io_open};
+    format->opaque = &input->m_gate;
+    format->io_open = openOnlyOwn;
+    format->interrupt_callback = {
+        [](void* flag) { return static_cast<const std::atomic<bool>*>(flag)->load() ? 1 : 0; },
+        const_cast<std::atomic<bool>*>(&stop)};
+
+    AVDictionary* options = nullptr;
+    av_dict_set(&options, "pattern_type", "none", 0); // a "%" in a still's name is just a character
+    const int opened = avformat_open_input(&format, input->m_gate.url.c_str(), nullptr, &options);
+    av_dict_free(&options);
+    if (opened < 0) {
+        setError(error, avErrorText(opened));
+        return nullptr;
+    }
+    input->m_format.reset(format);
+    if (const int found = avformat_find_stream_info(format, nullptr); found < 0) {
+        setError(error, avErrorText(found));
+        return nullptr;
+    }
+    input->m_video = bestStream(format, AVMEDIA_TYPE_VIDEO);
+    if (input->m_video && (input->m_video->disposition & AV_DISPOSITION_ATTACHED_PIC))
+        input->m_video = nullptr;
+    input->m_audio = bestStream(format, AVMEDIA_TYPE_AUDIO);
+    if (!input->m_video && !input->m_audio) {
+        setError(error, "there is neither picture nor sound in it");
+        return nullptr;
+    }
+    for (unsigned i = 0; i < format->nb_streams; ++i) {
+        AVStream* stream = format->streams[i];
+        stream->discard = stream == input->m_video || (!input->m_video && stream == input->m_audio)
+                              ? AVDISCARD_DEFAULT
+                              : AVDISCARD_ALL;
+    }
+    return input;
+}
+
+int AvInput::openOnlyOwn(AVFormatContext* context, AVIOContext** out, const char* url, int flags,
+                         AVDictionary** options)
+{
+    const auto* gate = static_cast<const Gate*>(context->opaque);
+    if (gate->url != url)
+        return AVERROR(EACCES);
+    return gate->open(context, out, url, flags, options);
+}
+
+bool AvInput::isStill() const
+{
+    const std::string_view name = m_format->iformat->name;
+    return m_video && (name == "image2" || name.ends_with("_pipe")) && m_video->nb_frames <= 1;
+}
+
+double AvInput::fps() const
+{
+    if (!m_video)
+        return fallbackFps;
+    const double rate = av_q2d(av_guess_frame_rate(m_format.get(), m_video, nullptr));
+    return std::isfinite(rate) && rate > 0 && rate <= 1000 ? rate : fallbackFps;
+}
+
+double AvInput::duration() const
+{
+    const AVStream* stream = m_video ? m_video : m_audio;
+    if (stream->duration != AV_NOPTS_VALUE && stream->duration > 0)
+        return static_cast<double>(stream->duration) * av_q2d(stream->time_base);
+    if (m_video && m_video->nb_frames > 0)
+        return static_cast<double>(m_video->nb_frames) / fps();
+    if (m_format->duration != AV_NOPTS_VALUE && m_format->duration > 0)
+        return static_cast<double>(m_format->duration) / AV_TIME_BASE;
+    return 0;
+}
+
+int AvInput::quarterTurns() const
+{
+    if (!m_video)
+        return 0;
+    std::size_t size = 0;
+    const std::uint8_t* matrix = av_stream_get_side_data(m_video, AV_PKT_DATA_DISPLAYMATRIX, &size);
+    if (!matrix || size < 9 * sizeof(std::int32_t))
+        return 0;
+    const double angle = av_display_rotation_get(reinterpret_cast<const std::int32_t*>(matrix));
+    return std::isfinite(angle) ? (static_cast<int>(std::lround(-angle / 90)) % 4 + 4) % 4 : 0;
+}
+
+AvPtr<AVCodecContext> AvInput::openDecoder(AVStream* stream, std::string* error) const
+{
+    const AVCodec* codec = avcodec_find_decoder(stream->codecpar->codec_id);
+    if (!codec) {
+        setError(error, std::string("no decoder for ") + avcodec_get_name(stream->codecpar->codec_id));
+        return nullptr;
+    }
+    AvPtr<AVCodecContext> decoder(avcodec_alloc_context3(codec));
+    int result = decoder ? avcodec_parameters_to_context(decoder.get(), stream->codecpar) : AVERROR(ENOMEM);
+    if (result >= 0) {
+        decoder->pkt_timebase = stream->time_base;
+        decoder->thread_count = isStill() ? 1 : 2;
+        result = avcodec_open2(decoder.get(), codec, nullptr);
+    }
+    if (result < 0) {
+        setError(error, avErrorText(result));
+        return nullptr;
+    }
+    return decoder;
+}
+
+} // namespace vantrel::ombra

@@ -1,0 +1,119 @@
+#include "ombra/decode/mediaprobe.h"
+
+#include "ombra/decode/avinput.h"
+#include "ombra/decode/mediaurl.h"
+#include "ombra/decode/videoreader.h"
+
+#include <cmath>
+
+namespace vantrel::ombra {
+
+namespace {
+
+const std::atomic<bool> never{false};
+
+void setError(std::string* error, const char* text)
+{
+    if (error)
+        *error = text;
+}
+
+/// Whether the first packets of the sound decode.
+bool soundDecodes(const AvInput& input)
+{
+    const AvPtr<AVCodecContext> decoder = input.openDecoder(input.audio(), nullptr);
+    const AvPtr<AVPacket> packet(av_packet_alloc());
+    const AvPtr<AVFrame> frame(av_frame_alloc());
+    for (int tries = 0; decoder && tries < 50 && av_read_frame(input.format(), packet.get()) >= 0; ++tries) {
+        if (packet->stream_index == input.audio()->index)
+            avcodec_send_packet(decoder.get(), packet.get());
+        av_packet_unref(packet.get());
+        if (avcodec_receive_frame(decoder.get(), frame.get()) >= 0)
+            return true;
+    }
+    return false;
+}
+
+void describeSound(const AvInput& input, MediaInfo& info)
+{
+    const AVCodecParameters& sound = *input.audio()->codecpar;
+    info.audioCodec = avcodec_get_name(sound.codec_id);
+    info.audioChannels = sound.ch_layout.nb_channels;
+    info.sampleRate = sound.sample_rate;
+    info.unsupportedAudio = avcodec_find_decoder(sound.codec_id) == nullptr;
+}
+
+void describePictures(const AvInput& input, MediaInfo& info)
+{
+    const AVCodecParameters& pictures = *input.video()->codecpar;
+    info.codec = avcodec_get_name(pictures.codec_id);
+    const bool turned = input.quarterTurns() % 2;
+    info.width = turned ? pictures.height : pictures.width;
+    info.height = turned ? pictures.width : pictures.height;
+    if (input.isStill()) {
+        info.type = MediaType::ImageFile;
+        info.frames = 1;
+        return;
+    }
+    info.type = MediaType::VideoFile;
+    info.fps = input.fps();
+    info.duration = input.duration();
+    info.frames =
+        input.video()->nb_frames > 0 ? input.video()->nb_frames : std::llround(info.duration * info.fps);
+}
+
+std::optional<MediaInfo> probeFile(const std::filesystem::path& file, std::string* error)
+{
+    std::error_code code;
+    if (!std::filesystem::is_regular_file(file, code)) {
+        setError(error, "there is no such file");
+        return std::nullopt;
+    }
+    MediaInfo info;
+    std::unique_ptr<AvInput> input = AvInput::open(file, never, error);
+    if (!input)
+        return info;
+    if (input->audio())
+        describeSound(*input, info);
+    if (!input->video()) {
+        info.type = MediaType::AudioFile;
+        info.codec = info.audioCodec;
+        info.duration = input->duration();
+        info.playable = soundDecodes(*input);
+        if (!info.playable)
+            setError(error, "its sound cannot be decoded");
+        return info;
+    }
+    describePictures(*input, info);
+    const auto reader = VideoReader::open(std::move(input), {160, 90}, error);
+    Picture picture;
+    info.playable = reader && reader->seek(0, picture);
+    if (reader && !info.playable)
+        setError(error, "no picture of it can be decoded");
+    return info;
+}
+
+} // namespace
+
+std::optional<MediaInfo> probeMedia(const std::filesystem::path& file, std::string* error)
+{
+    const auto pattern = parseSequencePattern(file);
+    std::error_code code;
+    if (!pattern || std::filesystem::exists(file, code))
+        return probeFile(file, error);
+    const auto range = findSequenceRange(*pattern);
+    if (!range) {
+        setError(error, "the image sequence has no pictures");
+        return std::nullopt;
+    }
+    std::optional<MediaInfo> info = probeFile(pattern->file(range->first), error);
+    if (info) {
+        info->type = MediaType::ImageSequence;
+        info->frames = static_cast<std::int64_t>(range->second) - range->first + 1;
+        info->fps = 25;
+        info->duration = static_cast<double>(info->frames) / info->fps;
+    }
+    return info;
+}
+
+} // namespace vantrel::ombra

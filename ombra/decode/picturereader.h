@@ -1,0 +1,80 @@
+#pragma once
+
+#include "tarn/media/enums.h"
+#include "tarn/preview/frame.h"
+#include "tarn/ref.h"
+
+#include <atomic>
+#include <filesystem>
+#include <limits>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace vantrel::ombra {
+
+/// The size of the pictures that a reader makes, in pixels. The media's picture is fitted into it with black
+/// bars; with a height of 0 there are none: the surface is as high as the picture needs, and never enlarged.
+struct Canvas
+{
+    int width = 480;
+    int height = 270;
+};
+
+/// One decoded picture. Its surface may be shared with others: never write into it.
+struct Picture
+{
+    Ref<Surface> surface;
+    double time = 0;     // seconds from the start of the media
+    double duration = 0; // seconds for which it stands
+};
+
+/// How an image sequence runs: pictures a second, and the first and last number where they are limited.
+struct SequenceRun
+{
+    double framerate = 25;
+    std::optional<int> firstFrame;
+    std::optional<int> lastFrame;
+    friend bool operator==(const SequenceRun&, const SequenceRun&) = default;
+};
+
+/// What to open: a file, or the printf pattern of an image sequence and how it runs.
+struct MediaSource
+{
+    std::filesystem::path file;
+    std::optional<SequenceRun> sequence;
+    friend bool operator==(const MediaSource&, const MediaSource&) = default;
+};
+
+/// Reads the pictures of one medium in order. One thread at a time; calls block while they decode. The flag
+/// given on opening ends a call early, which then fails.
+class PictureReader
+{
+public:
+    static constexpr double endless = std::numeric_limits<double>::infinity();
+    /// A time that falls short of a picture's by less still means that picture: clients round to
+    /// milliseconds.
+    static constexpr double tolerance = 0.0006;
+
+    virtual ~PictureReader() = default;
+
+    virtual MediaType type() const = 0;
+    virtual double fps() const = 0;
+    virtual double duration() const = 0; // seconds; endless for stills
+
+    /// The last picture whose time is at or before the given one (seconds); the first one where there is no
+    /// such.
+    virtual bool seek(double time, Picture& out) = 0;
+    /// The picture after the one read last; false at the end.
+    virtual bool next(Picture& out) = 0;
+};
+
+/// Opens what the source names, whatever kind it is. Sound without pictures reads as black. Null, and the
+/// reason.
+std::unique_ptr<PictureReader> openReader(const MediaSource& source, Canvas canvas,
+                                          const std::atomic<bool>& stop, std::string* error);
+
+/// A black surface of the canvas's size.
+Ref<Surface> blackSurface(Canvas canvas);
+
+} // namespace vantrel::ombra

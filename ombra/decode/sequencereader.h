@@ -1,0 +1,44 @@
+#pragma once
+
+#include "ombra/decode/mediaurl.h"
+#include "ombra/decode/picturereader.h"
+
+namespace vantrel::ombra {
+
+/// An image sequence: one file a picture. A missing or damaged file shows the picture before it.
+class SequenceReader : public PictureReader
+{
+public:
+    /// Null, and the reason, when there is no file of the pattern in the run.
+    static std::unique_ptr<SequenceReader> open(const SequencePattern& pattern, const SequenceRun& run,
+                                                Canvas canvas, const std::atomic<bool>& stop,
+                                                std::string* error);
+
+    MediaType type() const override { return MediaType::ImageSequence; }
+    double fps() const override { return m_fps; }
+    double duration() const override { return count() / m_fps; }
+    bool seek(double time, Picture& out) override;
+    bool next(Picture& out) override;
+
+private:
+    SequenceReader(SequencePattern pattern, Canvas canvas, const std::atomic<bool>& stop)
+        : m_pattern(std::move(pattern))
+        , m_canvas(canvas)
+        , m_stop(stop)
+    {
+    }
+    double count() const { return double(m_last) - m_first + 1; }
+    bool load(int index, Picture& out);
+
+    SequencePattern m_pattern;
+    Canvas m_canvas;
+    const std::atomic<bool>& m_stop;
+    double m_fps = 25;
+    int m_first = 0;
+    int m_last = 0;
+    int m_index = -1; // of the picture read last, from 0
+    Ref<Surface> m_surface;
+    bool m_complained = false;
+};
+
+} // namespace vantrel::ombra

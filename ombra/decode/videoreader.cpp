@@ -1,0 +1,177 @@
+#include "ombra/decode/videoreader.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace vantrel::ombra {
+
+namespace {
+
+constexpr int damagedPacketsAtMost = 500;
+constexpr double forwardReach = 0.8; // seconds that are decoded rather than sought
+
+} // namespace
+
+std::unique_ptr<VideoReader> VideoReader::open(std::unique_ptr<AvInput> input, Canvas canvas,
+                                               std::string* error)
+{
+    AvPtr<AVCodecContext> decoder = input->openDecoder(input->video(), error);
+    if (!decoder)
+        return nullptr;
+    return std::unique_ptr<VideoReader>(new VideoReader(std::move(input), std::move(decoder), canvas));
+}
+
+VideoReader::VideoReader(std::unique_ptr<AvInput> input, AvPtr<AVCodecContext> decoder, Canvas canvas)
+    : m_input(std::move(input))
+    , m_decoder(std::move(decoder))
+    , m_scaler(canvas)
+    , m_packet(av_packet_alloc())
+    , m_current(av_frame_alloc())
+    , m_ahead(av_frame_alloc())
+    , m_fps(m_input->fps())
+    , m_duration(m_input->duration())
+    , m_turns(m_input->quarterTurns())
+{
+}
+
+bool VideoReader::seek(double time, Picture& out)
+{
+    time = std::max(0.0, time);
+    if (m_atStart && !decodeAhead())
+        return false;
+    const double from = m_hasCurrent ? m_currentTime : 0;
+    const bool near = (m_hasCurrent || m_hasAhead) && time >= from - tolerance && time < from + forwardReach;
+    m_atStart = false;
+    if (!near && !reposition(time))
+        return false;
+    return walkTo(time) && deliver(out);
+}
+
+bool VideoReader::next(Picture& out)
+{
+    m_atStart = false;
+    m_atStart = false;
+    if (!m_hasAhead && !decodeAhead())
+        return false;
+    std::swap(m_current, m_ahead);
+    m_currentTime = m_aheadTime;
+    m_hasCurrent = true;
+    m_hasAhead = false;
+    return deliver(out);
+}
+
+bool VideoReader::reposition(double time)
+{
+    // The index may point behind the time, or to a picture that does not decode: try from further and further
+    // back.
+    for (const double back : {0.0, 1.0, 5.0, 30.0}) {
+        if (m_untimed || !m_start || back >= time + 1)
+            break;
+        const double unit = av_q2d(m_input->video()->time_base);
+        const auto stamp = static_cast<std::int64_t>(std::floor((*m_start + time - back + tolerance) / unit));
+        if (av_seek_frame(m_input->format(), m_input->video()->index, stamp, AVSEEK_FLAG_BACKWARD) < 0)
+            break;
+        avcodec_flush_buffers(m_decoder.get());
+        m_hasCurrent = m_hasAhead = m_draining = false;
+        m_lastTime = -1;
+        if (decodeAhead() && !m_untimed && m_aheadTime <= time + tolerance)
+            return true;
+        if (m_input->stopped())
+            return false;
+    }
+    rewind();
+    return decodeAhead();
+}
+
+void VideoReader::rewind()
+{
+    AVFormatContext* format = m_input->format();
+    const std::int64_t start = m_input->video()->start_time;
+    const std::int64_t first = start == AV_NOPTS_VALUE ? 0 : start;
+    // Transport streams have no index: a seek by time may pass over their first pictures.
+    const bool byPosition = format->iformat->flags & AVFMT_TS_DISCONT;
+    if (byPosition || avformat_seek_file(format, m_input->video()->index, INT64_MIN, first, first, 0) < 0)
+        av_seek_frame(format, -1, 0, AVSEEK_FLAG_BYTE);
+    avcodec_flush_buffers(m_decoder.get());
+    m_hasCurrent = m_hasAhead = m_draining = false;
+    m_lastTime = -1;
+}
+
+bool VideoReader::walkTo(double time)
+{
+    for (;;) {
+        if (!m_hasAhead && !decodeAhead())
+            return m_hasCurrent && !m_input->stopped();
+        if (m_hasCurrent && m_aheadTime > time + std::min(tolerance, 0.25 / m_fps))
+            return true;
+        std::swap(m_current, m_ahead);
+        m_currentTime = m_aheadTime;
+        m_hasCurrent = true;
+        m_hasAhead = false;
+    }
+}
+
+bool VideoReader::decodeAhead()
+{
+    for (;;) {
+        const int result = avcodec_receive_frame(m_decoder.get(), m_ahead.get());
+        if (result == AVERROR(EAGAIN)) {
+            if (!feedDecoder())
+                return false;
+            continue;
+        }
+        if (result == AVERROR_EOF || m_input->stopped())
+            return false;
+        if (result < 0)
+            continue; // a picture that did not decode; the next packet brings another
+        const std::int64_t stamp = m_ahead->best_effort_timestamp;
+        if (stamp == AV_NOPTS_VALUE) {
+            m_untimed = true;
+            m_aheadTime = m_lastTime < 0 ? 0 : m_lastTime + 1 / m_fps;
+        } else {
+            const double time = static_cast<double>(stamp) * av_q2d(m_input->video()->time_base);
+            if (!m_start)
+                m_start = time;
+            m_aheadTime = time - *m_start;
+        }
+        m_lastTime = m_aheadTime;
+        m_hasAhead = true;
+        return true;
+    }
+}
+
+/// One more packet for the decoder, or the word that there are no more; false when it has both had.
+bool VideoReader::feedDecoder()
+{
+    if (m_draining)
+        return false;
+    for (int damaged = 0; damaged < damagedPacketsAtMost && !m_input->stopped();) {
+        const int read = av_read_frame(m_input->format(), m_packet.get());
+        if (read == AVERROR(EAGAIN) || read == AVERROR_INVALIDDATA) {
+            ++damaged;
+            continue;
+        }
+        if (read < 0) {
+            m_draining = true;
+            return avcodec_send_packet(m_decoder.get(), nullptr) >= 0;
+        }
+        const bool ours = m_packet->stream_index == m_input->video()->index;
+        const int sent = ours ? avcodec_send_packet(m_decoder.get(), m_packet.get()) : 0;
+        av_packet_unref(m_packet.get());
+        if (sent < 0)
+            ++damaged;
+        else if (ours)
+            return true;
+    }
+    return false;
+}
+
+bool VideoReader::deliver(Picture& out)
+{
+    out.surface = m_scaler.scale(*m_current, m_turns, m_input->video()->sample_aspect_ratio);
+    out.time = std::max(0.0, m_currentTime);
+    out.duration = m_hasAhead && m_aheadTime > m_currentTime ? m_aheadTime - m_currentTime : 1 / m_fps;
+    return bool(out.surface);
+}
+
+} // namespace vantrel::ombra

@@ -1,0 +1,59 @@
+#pragma once
+
+#include "ombra/decode/avinput.h"
+#include "ombra/decode/framescaler.h"
+#include "ombra/decode/picturereader.h"
+
+namespace vantrel::ombra {
+
+/// The pictures of a video file, found exactly: a seek goes to a key picture before the time and decodes from
+/// there. Damaged packets are skipped.
+class VideoReader : public PictureReader
+{
+public:
+    /// Null, and the reason, when the input's pictures have no decoder.
+    static std::unique_ptr<VideoReader> open(std::unique_ptr<AvInput> input, Canvas canvas,
+                                             std::string* error);
+
+    MediaType type() const override
+    {
+        return m_input->isStill() ? MediaType::ImageFile : MediaType::VideoFile;
+    }
+    double fps() const override { return m_fps; }
+    double duration() const override { return m_duration; }
+    bool seek(double time, Picture& out) override;
+    bool next(Picture& out) override;
+
+private:
+    VideoReader(std::unique_ptr<AvInput> input, AvPtr<AVCodecContext> decoder, Canvas canvas);
+
+    /// Decodes into m_ahead and sets its time; false at the end or when stopped.
+    bool decodeAhead();
+    bool feedDecoder();
+    bool reposition(double time);
+    void rewind();
+    /// From m_ahead on, the last picture at or before the time, into m_current.
+    bool walkTo(double time);
+    bool deliver(Picture& out);
+
+    std::unique_ptr<AvInput> m_input;
+    AvPtr<AVCodecContext> m_decoder;
+    FrameScaler m_scaler;
+    AvPtr<AVPacket> m_packet;
+    AvPtr<AVFrame> m_current; // the one delivered last
+    AvPtr<AVFrame> m_ahead;   // the one after it, where it is decoded already
+    double m_currentTime = 0;
+    double m_aheadTime = 0;
+    bool m_hasCurrent = false;
+    bool m_hasAhead = false;
+    bool m_draining = false;
+    bool m_atStart = true;  // nothing is decoded yet
+    bool m_untimed = false; // pictures carry no times: count them from the start
+    double m_lastTime = -1; // of the picture decoded last
+    double m_fps = 25;
+    double m_duration = 0;
+    std::optional<double> m_start; // of the first picture, seconds of the stream's own clock
+    int m_turns = 0;
+};
+
+} // namespace vantrel::ombra

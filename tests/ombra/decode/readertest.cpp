@@ -1,0 +1,227 @@
+#include "ombra/decode/picturereader.h"
+#include "tests/ombra/decode/testmedia.h"
+#include "tests/support/testmain.h"
+
+#include <QFile>
+
+using namespace vantrel;
+using namespace vantrel::ombra;
+using namespace vantrel::test;
+
+namespace {
+
+QStringList words(const char* text)
+{
+    return QString::fromLatin1(text).split(u' ', Qt::SkipEmptyParts);
+}
+
+} // namespace
+
+class ReaderTest : public QObject
+{
+    Q_OBJECT
+
+private:
+    std::unique_ptr<PictureReader> open(const char* name, Canvas canvas = {},
+                                        std::optional<SequenceRun> run = std::nullopt)
+    {
+        return openReader({m_media.file(name), run}, canvas, m_stop, &m_error);
+    }
+
+    TestMedia m_media;
+    std::atomic<bool> m_stop{false};
+    std::string m_error;
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        QVERIFY(m_media.make(TestMedia::numbered(2) + TestMedia::h264(12), QStringLiteral("gop.mp4")));
+        QVERIFY(m_media.make(TestMedia::numbered(2) + TestMedia::h264(250), QStringLiteral("long.mkv")));
+        QVERIFY(m_media.make(TestMedia::numbered(2) + TestMedia::h264(12), QStringLiteral("stream.ts")));
+        QVERIFY(
+            m_media.make(TestMedia::numbered(2) + words("-c:v mpeg4 -bf 2 -q:v 2"), QStringLiteral("b.avi")));
+        QVERIFY(
+            m_media.make(TestMedia::numbered(2) + words("-c:v mjpeg -q:v 2"), QStringLiteral("intra.mov")));
+        QVERIFY(m_media.make(TestMedia::numbered(2) + TestMedia::h264(12), QStringLiteral("raw.h264")));
+    }
+
+    void findsEveryPictureExactly_data()
+    {
+        QTest::addColumn<QByteArray>("name");
+        for (const char* name : {"gop.mp4", "long.mkv", "stream.ts", "b.avi", "intra.mov", "raw.h264"})
+            QTest::newRow(name) << QByteArray(name);
+    }
+
+    void findsEveryPictureExactly()
+    {
+        QFETCH(QByteArray, name);
+        const auto reader = open(name.constData());
+        QVERIFY2(reader, m_error.c_str());
+        QCOMPARE(reader->type(), MediaType::VideoFile);
+        QCOMPARE(reader->fps(), 25.0);
+        Picture picture;
+        // In an order that goes forth and back, so that no seek profits from the one before it.
+        for (int i = 0; i < 50; ++i) {
+            const int frame = i * 17 % 50;
+            QVERIFY(reader->seek(frame / 25.0, picture));
+            QCOMPARE(numberOn(picture.surface.get()), frame);
+            QVERIFY(std::abs(picture.time - frame / 25.0) < 0.002);
+            QVERIFY(reader->seek(frame / 25.0 + 0.035, picture));
+            QCOMPARE(numberOn(picture.surface.get()), frame);
+        }
+        QVERIFY(reader->seek(99, picture));
+        QCOMPARE(numberOn(picture.surface.get()), 49);
+        QVERIFY(!reader->next(picture));
+        QVERIFY(reader->seek(0, picture));
+        for (int frame = 1; frame < 50; ++frame) {
+            QVERIFY(reader->next(picture));
+            QCOMPARE(numberOn(picture.surface.get()), frame);
+        }
+        QVERIFY(!reader->next(picture));
+    }
+
+    void fitsThePictureIntoTheCanvas_data()
+    {
+        QTest::addColumn<QStringList>("how");
+        QTest::addColumn<QRect>("shown");
+        QTest::newRow("wide") << words("-vf scale=160:45,setsar=1") << QRect(0, 68, 480, 135);
+        QTest::newRow("odd and tall") << words("-vf scale=45:135,setsar=1") << QRect(195, 0, 90, 270);
+        QTest::newRow("narrow pixels") << words("-vf scale=160:90,setsar=1/2") << QRect(120, 0, 240, 270);
+    }
+
+    void fitsThePictureIntoTheCanvas()
+    {
+        QFETCH(QStringList, how);
+        QFETCH(QRect, shown);
+        const QStringList red = TestMedia::colour(QStringLiteral("red"), 0.2) + how;
+        QVERIFY(m_media.make(red + words("-c:v ffv1"), QStringLiteral("shape.mkv")));
+        const auto reader = open("shape.mkv");
+        QVERIFY2(reader, m_error.c_str());
+        Picture picture;
+        QVERIFY(reader->seek(0, picture));
+        QCOMPARE(QSize(picture.surface->width, picture.surface->height), QSize(480, 270));
+        const auto isRed = [&](QPoint at) { return pixelAt(*picture.surface, at.x(), at.y()).red > 200; };
+        const QRect inside = shown.adjusted(2, 2, -2, -2);
+        QVERIFY(isRed(inside.topLeft()) && isRed(inside.bottomRight()));
+        const QRect outside = shown.adjusted(-3, -3, 3, 3) & QRect(0, 0, 480, 270);
+        QVERIFY(!isRed(outside.topLeft()) && !isRed(outside.bottomRight()));
+    }
+
+    void turnsThePictureUpright()
+    {
+        const QStringList input = TestMedia::numbered(0.4) + TestMedia::h264(5);
+        QVERIFY(m_media.make(input, QStringLiteral("flat.mp4")));
+        QVERIFY(m_media.make({QStringLiteral("-i"), QString::fromStdString(m_media.file("flat.mp4")),
+                              QStringLiteral("-c"), QStringLiteral("copy"), QStringLiteral("-metadata:s:v"),
+                              QStringLiteral("rotate=90")},
+                             QStringLiteral("turned.mp4")));
+        const auto reader = open("turned.mp4", {480, 0});
+        QVERIFY2(reader, m_error.c_str());
+        Picture picture;
+        QVERIFY(reader->seek(1 / 25.0, picture));
+        QCOMPARE(QSize(picture.surface->width, picture.surface->height), QSize(90, 160));
+        // The tool's sense is against the clock: the leftmost stripe, white in picture 1, is the lowest.
+        QVERIFY(pixelAt(*picture.surface, 45, 150).green > 176);
+        QVERIFY(pixelAt(*picture.surface, 45, 8).green < 80);
+    }
+
+    void showsTransparentStillsOnBlack()
+    {
+        QVERIFY(m_media.make(words("-f lavfi -i color=white@0.5:s=32x18,format=rgba -frames:v 1"),
+                             QStringLiteral("half %d.png")));
+        const auto reader = open("half %d.png");
+        QVERIFY2(!reader, "the tool numbers its files");
+        QVERIFY(QFile::rename(QString::fromStdString(m_media.file("half 1.png")),
+                              QString::fromStdString(m_media.file("half %d.png"))));
+        const auto still = open("half %d.png");
+        QVERIFY2(still, m_error.c_str());
+        QCOMPARE(still->type(), MediaType::ImageFile);
+        Picture picture;
+        QVERIFY(still->seek(1000.02, picture));
+        QCOMPARE(picture.time, 1000.0);
+        QVERIFY(std::abs(pixelAt(*picture.surface, 240, 135).red - 128) < 4);
+    }
+
+    void readsSequencesByNumber()
+    {
+        QVERIFY(m_media.make(TestMedia::numbered(0.4) + words("-start_number 7"),
+                             QStringLiteral("seq_%03d.png")));
+        QVERIFY(QFile::remove(QString::fromStdString(m_media.file("seq_012.png"))));
+        const auto reader = open("seq_%03d.png", {}, SequenceRun{10, 8, 14});
+        QVERIFY2(reader, m_error.c_str());
+        QCOMPARE(reader->duration(), 0.7);
+        Picture picture;
+        QVERIFY(reader->seek(0.25, picture));
+        QCOMPARE(numberOn(picture.surface.get()), 3);
+        QCOMPARE(picture.time, 0.2);
+        for (const int number : {4, 4, 6, 7}) { // the missing one repeats what came before it
+            QVERIFY(reader->next(picture));
+            QCOMPARE(numberOn(picture.surface.get()), number);
+        }
+        QVERIFY(!reader->next(picture));
+        QVERIFY(!open("seq_%03d.png", {}, SequenceRun{10, 90, 99}));
+        QVERIFY(!m_error.empty());
+    }
+
+    void readsSoundAsBlack()
+    {
+        QVERIFY(m_media.make(words("-f lavfi -i sine=d=1"), QStringLiteral("tone.wav")));
+        const auto reader = open("tone.wav");
+        QVERIFY2(reader, m_error.c_str());
+        QCOMPARE(reader->type(), MediaType::AudioFile);
+        Picture picture;
+        QVERIFY(reader->seek(0.96, picture));
+        QCOMPARE(picture.time, 0.96);
+        QCOMPARE(numberOn(picture.surface.get()), 0);
+        QVERIFY(!reader->next(picture));
+    }
+
+    void survivesDamage()
+    {
+        QFile file(QString::fromStdString(m_media.file("stream.ts")));
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QByteArray bytes = file.readAll();
+        for (qsizetype i = bytes.size() / 3; i < bytes.size() * 2 / 3; i += 7)
+            bytes[i] = char(bytes[i] ^ 0x5a);
+        QFile damaged(QString::fromStdString(m_media.file("damaged.ts")));
+        QVERIFY(damaged.open(QIODevice::WriteOnly) && damaged.write(bytes) == bytes.size());
+        damaged.close();
+        const auto reader = open("damaged.ts");
+        QVERIFY2(reader, m_error.c_str());
+        Picture picture;
+        QVERIFY(reader->seek(0, picture));
+        QCOMPARE(numberOn(picture.surface.get()), 0);
+        double last = picture.time;
+        while (reader->next(picture)) {
+            QVERIFY(picture.time > last);
+            last = picture.time;
+        }
+        QVERIFY(reader->seek(1.9, picture));
+    }
+
+    void opensNoOtherFile()
+    {
+        QFile list(QString::fromStdString(m_media.file("list.mp4")));
+        QVERIFY(list.open(QIODevice::WriteOnly));
+        list.write("#EXTM3U\n#EXT-X-TARGETDURATION:2\n#EXTINF:2,\nstream.ts\n#EXT-X-ENDLIST\n");
+        list.close();
+        QVERIFY(!open("list.mp4"));
+        QVERIFY(!open("missing.mp4"));
+        QVERIFY(!m_error.empty());
+    }
+
+    void endsEarlyWhenStopped()
+    {
+        const auto reader = open("long.mkv");
+        QVERIFY(reader);
+        Picture picture;
+        m_stop = true;
+        QVERIFY(!reader->seek(1.9, picture));
+        m_stop = false;
+        QVERIFY(reader->seek(1.9, picture));
+        QCOMPARE(numberOn(picture.surface.get()), 47);
+    }
+};
+
+HALCYRA_TEST(ReaderTest)
+#include "readertest.moc"

@@ -1,0 +1,92 @@
+#pragma once
+
+#include "tarn/preview/frame.h"
+
+#include <QProcess>
+#include <QStringList>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <filesystem>
+
+namespace vantrel::test {
+
+/// A temporary media folder, filled by the ffmpeg tool. Pictures carry their own number as eight upright
+/// stripes, white for a bit that is set, the lowest bit on the left.
+class TestMedia
+{
+public:
+    std::filesystem::path folder() const { return m_folder.path().toStdString(); }
+    std::filesystem::path file(const char* name) const { return folder() / name; }
+
+    /// Runs the tool on "arguments name"; false, with its output, when it fails.
+    bool make(const QStringList& arguments, const QString& name) const
+    {
+        QProcess tool;
+        tool.setProcessChannelMode(QProcess::MergedChannels);
+        tool.start(QStringLiteral("ffmpeg"),
+                   QStringList{QStringLiteral("-y"), QStringLiteral("-loglevel"), QStringLiteral("error"),
+                               QStringLiteral("-nostdin")} +
+                       arguments + QStringList{m_folder.filePath(name)});
+        if (tool.waitForFinished(60000) && tool.exitCode() == 0)
+            return true;
+        qCritical("ffmpeg failed for %s: %s", qPrintable(name), tool.readAll().constData());
+        return false;
+    }
+
+    /// Numbered pictures, 25 a second, as input arguments for make().
+    static QStringList numbered(double seconds, const QString& size = QStringLiteral("160x90"))
+    {
+        return {QStringLiteral("-f"), QStringLiteral("lavfi"), QStringLiteral("-i"),
+                QStringLiteral("color=black:s=%1:r=25:d=%2,format=yuv420p,"
+                               "geq=lum='16+219*mod(floor(N/pow(2,floor(X*8/W))),2)':cb=128:cr=128")
+                    .arg(size)
+                    .arg(seconds)};
+    }
+
+    static QStringList colour(const QString& name, double seconds)
+    {
+        return {QStringLiteral("-f"), QStringLiteral("lavfi"), QStringLiteral("-i"),
+                QStringLiteral("color=%1:s=160x90:r=25:d=%2").arg(name).arg(seconds)};
+    }
+
+    static QStringList h264(int keyEvery)
+    {
+        return {QStringLiteral("-c:v"),      QStringLiteral("libx264"), QStringLiteral("-preset"),
+                QStringLiteral("ultrafast"), QStringLiteral("-bf"),     QStringLiteral("2"),
+                QStringLiteral("-g"),        QString::number(keyEvery), QStringLiteral("-pix_fmt"),
+                QStringLiteral("yuv420p")};
+    }
+
+private:
+    QTemporaryDir m_folder;
+};
+
+struct Rgb
+{
+    int red, green, blue;
+};
+
+inline Rgb pixelAt(const Surface& surface, int x, int y)
+{
+    const std::uint8_t* p =
+        surface.pixels.data() + std::size_t(y) * surface.bytesPerLine + std::size_t(x) * 3;
+    return {p[0], p[1], p[2]};
+}
+
+/// The number that a picture carries; -1 for a null surface, -2 where a stripe is neither black nor white.
+inline int numberOn(const Surface* surface)
+{
+    if (!surface)
+        return -1;
+    int number = 0;
+    for (int bit = 0; bit < 8; ++bit) {
+        const int green = pixelAt(*surface, surface->width * (2 * bit + 1) / 16, surface->height / 2).green;
+        if (green > 80 && green < 176)
+            return -2;
+        number |= (green >= 176) << bit;
+    }
+    return number;
+}
+
+} // namespace vantrel::test
