@@ -8,10 +8,10 @@
 
 namespace vantrel {
 
-/// The client's end of the scene link: frames of JSON patches over TCP (format: tarn/net/linkframe.h). run() blocks
-/// on the connection thread; sendPatch, recvPatch and disconnect may come from the main thread meanwhile. Frames are
-/// parsed on the thread in run(), and large patches are queued in pieces of at most chunkSize operations, so that
-/// the main thread can apply them without stalling.
+/// The client's end of the scene link: frames of JSON patches over TCP (format: tarn/net/linkframe.h). run()
+/// blocks on the connection thread; sendPatch, recvPatch and disconnect may come from the main thread
+/// meanwhile. Frames are parsed on the thread in run(), and large patches are queued in pieces of at most
+/// chunkSize operations, so that the main thread can apply them without stalling.
 class JsonClient
 {
 public:
@@ -22,7 +22,8 @@ public:
 
     void setRecvCallback(void (*callback)(JsonClient*, void*), void* user);
     void setVerbose(bool verbose);
-    bool connect(const boost::asio::ip::address& address, unsigned short port, unsigned int timeoutMs, int* error);
+    bool connect(const boost::asio::ip::address& address, unsigned short port, unsigned int timeoutMs,
+                 int* error);
     void run();
     void disconnect();
     /// Never blocks: writes from a queue on the link's own thread; dropped when there is no link.
@@ -31,6 +32,7 @@ public:
     bool recvPatch(Patch& out);
 
 private:
+    struct Connection;
     struct Impl;
     std::unique_ptr<Impl> m_impl;
 };

@@ -9,12 +9,14 @@
 
 namespace vantrel {
 
-/// The frames of the scene link, for both ends: a 4-byte big-endian length, then that many bytes of UTF-8 JSON, one
-/// array of operations.
+/// The frames of the scene link, for both ends: a 4-byte big-endian length, then that many bytes of UTF-8
+/// JSON, one array of operations.
 namespace linkframe {
 
+inline constexpr std::size_t headerSize = 4;
 inline constexpr std::size_t maxPayload = 64u * 1024 * 1024;
 
+/// The patch as one frame, or as several where one would be too large.
 std::string encode(const Patch& patch);
 
 /// Collects received bytes and gives out whole patches.
@@ -28,6 +30,8 @@ public:
     const std::string& message() const { return m_message; }
 
 private:
+    static constexpr std::size_t keptCapacity = 1024 * 1024;
+
     std::string m_buffer;
     std::size_t m_offset = 0;
     std::string m_message;

@@ -15,8 +15,8 @@ public:
     static constexpr int formatRgb24 = 33;
 
     int format = 0;
-    int width = 0;        // pixels
-    int height = 0;       // pixels
+    int width = 0;  // pixels
+    int height = 0; // pixels
     int bytesPerLine = 0;
     std::vector<std::uint8_t> pixels; // height * bytesPerLine bytes
 };
@@ -26,7 +26,11 @@ class Frame
 {
 public:
     Frame() = default;
-    Frame(Surface* surface, long long time) : m_surface(surface), m_time(time) {}
+    Frame(Surface* surface, long long time)
+        : m_surface(surface)
+        , m_time(time)
+    {
+    }
 
     Surface* getSurface() const noexcept { return m_surface.get(); }
     long long getTime() const noexcept { return m_time; }
