@@ -1,0 +1,66 @@
+#pragma once
+
+#include <QAbstractItemModel>
+#include <QList>
+#include <QObject>
+#include <QPersistentModelIndex>
+#include <QPointer>
+
+namespace vantrel {
+
+/// Keeps one object for each row below an index of a model, or only tells of the rows when no object type is set.
+/// The objects are made through their Q_INVOKABLE constructor and owned by the mapper. Main thread only.
+class ObjectMapper : public QObject
+{
+    Q_OBJECT
+
+public:
+    struct MappedObject
+    {
+        QPersistentModelIndex index;
+        QObject* object = nullptr;
+    };
+
+    explicit ObjectMapper(QObject* parent = nullptr);
+    ~ObjectMapper() override;
+
+    void setObjectType(const QMetaObject* type) { m_objectType = type; }
+    const QMetaObject* objectType() const { return m_objectType; }
+    /// Tells of the removal of all rows mapped so far, then of each row below root.
+    void setModel(QAbstractItemModel* model, const QModelIndex& root);
+    void setModel(const QModelIndex& root);
+    void setRoot(const QModelIndex& root);
+    QModelIndex root() const { return m_root; }
+    QAbstractItemModel* model() const { return m_model; }
+    const QList<MappedObject>& mapped() const { return m_mapped; }
+
+Q_SIGNALS:
+    /// object is null when no object type is set.
+    void objectAdded(QObject* object, QModelIndex idx);
+    void objectRemoved(QObject* object, QModelIndex idx);
+
+protected:
+    virtual bool initialized() const;
+    virtual QObject* createInstance();
+    virtual void postPopulateHook(MappedObject& mapped);
+    virtual void objectRemovedHook(const MappedObject& mapped);
+
+    void populate();
+
+private:
+    void populate(const QModelIndex& index);
+    void depopulate();
+    void depopulate(int first, int last);
+    void drop(const MappedObject& mapped);
+    bool concerns(const QModelIndex& parent) const;
+    void onModelReset();
+    void onRowsInserted(const QModelIndex& parent, int first, int last);
+    void onRowsAboutToBeRemoved(const QModelIndex& parent, int first, int last);
+
+    const QMetaObject* m_objectType = nullptr;
+    QPersistentModelIndex m_root;
+    QPointer<QAbstractItemModel> m_model;
+    QList<MappedObject> m_mapped;
+};
+
+} // namespace vantrel
