@@ -10,7 +10,10 @@ class GUIChannel : public SceneObjectWrapper
     Q_OBJECT
 
 public:
-    explicit GUIChannel(QObject* parent = nullptr) : SceneObjectWrapper(QStringLiteral("Channel"), parent) {}
+    explicit GUIChannel(QObject* parent = nullptr)
+        : SceneObjectWrapper(QStringLiteral("Channel"), parent)
+    {
+    }
 };
 
 } // namespace vantrel

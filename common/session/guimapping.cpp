@@ -2,7 +2,8 @@
 
 namespace vantrel {
 
-GUIMapping::GUIMapping(QObject* parent) : SceneObjectWrapper(QStringLiteral("GpuMapping"), parent)
+GUIMapping::GUIMapping(QObject* parent)
+    : SceneObjectWrapper(QStringLiteral("GpuMapping"), parent)
 {
     cacheProperties();
 }

@@ -6,14 +6,15 @@
 
 namespace vantrel {
 
-/// One mapping of a channel to an output. Its scaling shows through reset() and fresh reads; a change of it alone
-/// raises no signal.
+/// One mapping of a channel to an output. Its scaling shows through reset() and fresh reads; a change of it
+/// alone raises no signal.
 class GUIMapping : public SceneObjectWrapper
 {
     Q_OBJECT
     Q_PROPERTY(QString target READ target WRITE setTarget NOTIFY targetChanged)
     Q_PROPERTY(QString scaling READ scaling WRITE setScaling NOTIFY scalingChanged)
-    Q_PROPERTY(QColor backgroundColor READ backgroundColor WRITE setBackgroundColor NOTIFY backgroundColorChanged)
+    Q_PROPERTY(
+        QColor backgroundColor READ backgroundColor WRITE setBackgroundColor NOTIFY backgroundColorChanged)
 
 public:
     explicit GUIMapping(QObject* parent = nullptr);

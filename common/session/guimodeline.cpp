@@ -2,7 +2,8 @@
 
 namespace vantrel {
 
-GUIModeline::GUIModeline(QObject* parent) : SceneObjectWrapper(QStringLiteral("Modeline"), parent)
+GUIModeline::GUIModeline(QObject* parent)
+    : SceneObjectWrapper(QStringLiteral("Modeline"), parent)
 {
     cacheProperties();
 }

@@ -2,7 +2,8 @@
 
 namespace vantrel {
 
-GUIOutput::GUIOutput(QObject* parent) : SceneObjectWrapper(QStringLiteral("Output"), parent)
+GUIOutput::GUIOutput(QObject* parent)
+    : SceneObjectWrapper(QStringLiteral("Output"), parent)
 {
     cacheProperties();
 }

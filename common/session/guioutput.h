@@ -19,22 +19,30 @@ class GUIOutput : public SceneObjectWrapper
     Q_PROPERTY(int dotClock READ dotClock WRITE setDotClock NOTIFY dotClockChanged)
     Q_PROPERTY(int bpc READ bpc WRITE setBpc NOTIFY bpcChanged)
     Q_PROPERTY(QString colorspace READ colorspace WRITE setColorspace NOTIFY colorspaceChanged)
-    Q_PROPERTY(int currentLaneCount READ currentLaneCount WRITE setCurrentLaneCount NOTIFY currentLaneCountChanged)
-    Q_PROPERTY(int currentLinkRate READ currentLinkRate WRITE setCurrentLinkRate NOTIFY currentLinkRateChanged)
-    Q_PROPERTY(int reportedLaneCount READ reportedLaneCount WRITE setReportedLaneCount NOTIFY reportedLaneCountChanged)
-    Q_PROPERTY(int reportedLinkRate READ reportedLinkRate WRITE setReportedLinkRate NOTIFY reportedLinkRateChanged)
+    Q_PROPERTY(
+        int currentLaneCount READ currentLaneCount WRITE setCurrentLaneCount NOTIFY currentLaneCountChanged)
+    Q_PROPERTY(
+        int currentLinkRate READ currentLinkRate WRITE setCurrentLinkRate NOTIFY currentLinkRateChanged)
+    Q_PROPERTY(int reportedLaneCount READ reportedLaneCount WRITE setReportedLaneCount NOTIFY
+                   reportedLaneCountChanged)
+    Q_PROPERTY(
+        int reportedLinkRate READ reportedLinkRate WRITE setReportedLinkRate NOTIFY reportedLinkRateChanged)
     Q_PROPERTY(bool connected READ connected WRITE setConnected NOTIFY connectedChanged)
     Q_PROPERTY(bool error READ error WRITE setError NOTIFY errorChanged)
     Q_PROPERTY(QString errorText READ errorText WRITE setErrorText NOTIFY errorTextChanged)
     Q_PROPERTY(QString product READ product WRITE setProduct NOTIFY productChanged)
     Q_PROPERTY(QString modelineId READ modelineId WRITE setModelineId NOTIFY modelineIdChanged)
-    Q_PROPERTY(QString preferredModelineId READ preferredModelineId WRITE setPreferredModelineId NOTIFY preferredModelineIdChanged)
+    Q_PROPERTY(QString preferredModelineId READ preferredModelineId WRITE setPreferredModelineId NOTIFY
+                   preferredModelineIdChanged)
     Q_PROPERTY(QString edid READ edid WRITE setEdid NOTIFY edidChanged)
     Q_PROPERTY(QString edidOverride READ edidOverride WRITE setEdidOverride NOTIFY edidOverrideChanged)
-    Q_PROPERTY(QString edidOverrideFilename READ edidOverrideFilename WRITE setEdidOverrideFilename NOTIFY edidOverrideFilenameChanged)
+    Q_PROPERTY(QString edidOverrideFilename READ edidOverrideFilename WRITE setEdidOverrideFilename NOTIFY
+                   edidOverrideFilenameChanged)
     Q_PROPERTY(bool maxLinkRate READ maxLinkRate WRITE setMaxLinkRate NOTIFY maxLinkRateChanged)
-    Q_PROPERTY(int phyRepeaterCount READ phyRepeaterCount WRITE setPhyRepeaterCount NOTIFY phyRepeaterCountChanged)
-    Q_PROPERTY(QString phyRepeaterMode READ phyRepeaterMode WRITE setPhyRepeaterMode NOTIFY phyRepeaterModeChanged)
+    Q_PROPERTY(
+        int phyRepeaterCount READ phyRepeaterCount WRITE setPhyRepeaterCount NOTIFY phyRepeaterCountChanged)
+    Q_PROPERTY(
+        QString phyRepeaterMode READ phyRepeaterMode WRITE setPhyRepeaterMode NOTIFY phyRepeaterModeChanged)
     Q_PROPERTY(QString subconnector READ subconnector WRITE setSubconnector NOTIFY subconnectorChanged)
     Q_PROPERTY(bool fec READ fec WRITE setFec NOTIFY fecChanged)
     Q_PROPERTY(bool dsc READ dsc WRITE setDsc NOTIFY dscChanged)

@@ -12,10 +12,11 @@ namespace vantrel {
 
 using media::MediaUtils;
 
-GUIPlayback::GUIPlayback(AbstractPlaylistProvider* playlistProvider, AbstractMediaLibraryProvider* libraryProvider,
-                         QObject* parent)
-    : SceneObjectWrapper(QStringLiteral("Playback"), parent), m_playlistProvider(playlistProvider),
-      m_libraryProvider(libraryProvider)
+GUIPlayback::GUIPlayback(AbstractPlaylistProvider* playlistProvider,
+                         AbstractMediaLibraryProvider* libraryProvider, QObject* parent)
+    : SceneObjectWrapper(QStringLiteral("Playback"), parent)
+    , m_playlistProvider(playlistProvider)
+    , m_libraryProvider(libraryProvider)
 {
     cacheProperties();
     if (playlistProvider) {
@@ -122,8 +123,9 @@ void GUIPlayback::updateEntry()
 {
     const auto parsed = MediaUtils::parsePlaylistAddress(media());
     m_playingEntryAddress = parsed.valid ? parsed.entry : EntryAddress();
-    m_playingEntry =
-        parsed.valid && m_playlistProvider ? m_playlistProvider->entry(uint(parsed.playlist), parsed.entry) : nullptr;
+    m_playingEntry = parsed.valid && m_playlistProvider
+                         ? m_playlistProvider->entry(uint(parsed.playlist), parsed.entry)
+                         : nullptr;
 }
 
 void GUIPlayback::updateSlot()

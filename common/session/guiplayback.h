@@ -15,16 +15,16 @@ class AbstractPlaylistProvider;
 class GuiMediaSlot;
 class GuiPlaylistEntry;
 
-/// Mirror of one playback of a channel (preview or program), joined with what the library knows of the media that
-/// plays: in point, out point and duration are the playing slot's. All times are seconds.
+/// Mirror of one playback of a channel (preview or program), joined with what the library knows of the media
+/// that plays: in point, out point and duration are the playing slot's. All times are seconds.
 class GUIPlayback : public SceneObjectWrapper
 {
     Q_OBJECT
     Q_PROPERTY(QString media READ media WRITE setMedia NOTIFY mediaChanged)
     Q_PROPERTY(vantrel::EndAction endAction READ endAction WRITE setEndAction NOTIFY endActionChanged)
     Q_PROPERTY(vantrel::SourceMode sourceMode READ sourceMode NOTIFY sourceModeChanged)
-    Q_PROPERTY(
-        vantrel::AudioPlaybackDevice audioDevice READ audioDevice WRITE setAudioDevice NOTIFY audioDeviceChanged)
+    Q_PROPERTY(vantrel::AudioPlaybackDevice audioDevice READ audioDevice WRITE setAudioDevice NOTIFY
+                   audioDeviceChanged)
     Q_PROPERTY(double volume READ volume WRITE setVolume NOTIFY volumeChanged)
     Q_PROPERTY(bool muted READ muted WRITE setMuted NOTIFY mutedChanged)
     Q_PROPERTY(double inpoint READ inpoint WRITE setInpoint NOTIFY inpointChanged)

@@ -2,7 +2,8 @@
 
 namespace vantrel {
 
-GUIShowConfiguration::GUIShowConfiguration(QObject* parent) : SceneObjectWrapper(QStringLiteral("ShowConfiguration"), parent)
+GUIShowConfiguration::GUIShowConfiguration(QObject* parent)
+    : SceneObjectWrapper(QStringLiteral("ShowConfiguration"), parent)
 {
     cacheProperties();
 }

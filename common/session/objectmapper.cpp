@@ -6,7 +6,10 @@
 
 namespace vantrel {
 
-ObjectMapper::ObjectMapper(QObject* parent) : QObject(parent) {}
+ObjectMapper::ObjectMapper(QObject* parent)
+    : QObject(parent)
+{
+}
 
 ObjectMapper::~ObjectMapper()
 {
@@ -26,7 +29,8 @@ void ObjectMapper::setModel(QAbstractItemModel* model, const QModelIndex& root)
     if (model) {
         connect(model, &QAbstractItemModel::modelReset, this, &ObjectMapper::onModelReset);
         connect(model, &QAbstractItemModel::rowsInserted, this, &ObjectMapper::onRowsInserted);
-        connect(model, &QAbstractItemModel::rowsAboutToBeRemoved, this, &ObjectMapper::onRowsAboutToBeRemoved);
+        connect(model, &QAbstractItemModel::rowsAboutToBeRemoved, this,
+                &ObjectMapper::onRowsAboutToBeRemoved);
     }
     populate();
 }
@@ -52,9 +56,9 @@ QObject* ObjectMapper::createInstance()
         return nullptr;
     QObject* instance = m_objectType->newInstance();
     if (!instance)
-        qCWarning(lcSession).noquote() << QStringLiteral("Could not create instance of ")
-                + QLatin1String(m_objectType->className())
-                + QStringLiteral(" is the constructor Q_INVOKABLE?");
+        qCWarning(lcSession).noquote() << QStringLiteral("Could not create instance of ") +
+                                              QLatin1String(m_objectType->className()) +
+                                              QStringLiteral(" is the constructor Q_INVOKABLE?");
     return instance;
 }
 
@@ -121,8 +125,8 @@ bool ObjectMapper::concerns(const QModelIndex& parent) const
 {
     if (m_root == parent)
         return true;
-    if (m_root.isValid() && parent.isValid() && m_root.internalPointer() == parent.internalPointer()
-        && m_root.internalPointer())
+    if (m_root.isValid() && parent.isValid() && m_root.internalPointer() == parent.internalPointer() &&
+        m_root.internalPointer())
         qCWarning(lcSession) << "Not equal, but internal pointer is correct";
     return false;
 }

@@ -8,8 +8,8 @@
 
 namespace vantrel {
 
-/// Keeps one object for each row below an index of a model, or only tells of the rows when no object type is set.
-/// The objects are made through their Q_INVOKABLE constructor and owned by the mapper. Main thread only.
+/// Keeps one object for each row below an index of a model, or only tells of the rows when no object type is
+/// set. The objects are made through their Q_INVOKABLE constructor and owned by the mapper. Main thread only.
 class ObjectMapper : public QObject
 {
     Q_OBJECT

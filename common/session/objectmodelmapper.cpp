@@ -6,7 +6,9 @@
 
 namespace vantrel {
 
-ObjectModelMapper::ObjectModelMapper(QAbstractItemModel* model, QObject* parent) : QObject(parent), m_model(model)
+ObjectModelMapper::ObjectModelMapper(QAbstractItemModel* model, QObject* parent)
+    : QObject(parent)
+    , m_model(model)
 {
     if (!model)
         return;
@@ -90,8 +92,8 @@ void ObjectModelMapper::onPropertyChange()
     const int signal = senderSignalIndex();
     for (const PropertyMapping& mapping : std::as_const(m_mappings))
         if (mapping.object == source && mapping.property.notifySignalIndex() == signal)
-            m_model->setData(m_model->index(m_currentIndex, mapping.column), mapping.property.read(mapping.object),
-                             Qt::EditRole);
+            m_model->setData(m_model->index(m_currentIndex, mapping.column),
+                             mapping.property.read(mapping.object), Qt::EditRole);
 }
 
 void ObjectModelMapper::onModelDataChanged(const QModelIndex& topLeft, const QModelIndex& bottomRight)

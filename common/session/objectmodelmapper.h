@@ -8,8 +8,8 @@
 
 namespace vantrel {
 
-/// Binds properties of objects to the columns of one row of a model, both ways. The targets and the model are the
-/// caller's. Main thread only.
+/// Binds properties of objects to the columns of one row of a model, both ways. The targets and the model are
+/// the caller's. Main thread only.
 class ObjectModelMapper : public QObject
 {
     Q_OBJECT

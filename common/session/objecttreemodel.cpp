@@ -6,122 +6,65 @@
 
 namespace vantrel {
 
-ObjectTreeModel::ObjectTreeModel(QObject* parent) : QAbstractItemModel(parent) {}
+ObjectTreeModel::ObjectTreeModel(QObject* parent)
+    : QAbstractItemModel(parent)
+{
+}
 
 ObjectTreeModel::~ObjectTreeModel()
 {
     if (m_scene)
-        m_scene->removeChangeCallback(&ObjectTreeModel::onSceneChangeStatic, this);
+        m_scene->removeStructureObserver(this);
 }
 
 void ObjectTreeModel::setScene(Scene* scene)
 {
     if (m_scene.get() == scene)
         return;
+    beginResetModel();
     if (m_scene)
-        m_scene->removeChangeCallback(&ObjectTreeModel::onSceneChangeStatic, this);
+        m_scene->removeStructureObserver(this);
     m_scene = Ref<Scene>(scene);
     if (m_scene)
-        m_scene->addChangeCallback(&ObjectTreeModel::onSceneChangeStatic, this);
-    beginResetModel();
-    rebuild();
+        m_scene->addStructureObserver(this);
     endResetModel();
 }
 
-void ObjectTreeModel::rebuild()
+Object* ObjectTreeModel::nodeOf(const QModelIndex& index) const
 {
-    m_nodes.clear();
-    m_root.reset();
-    Object* root = m_scene ? m_scene->find(PathView()).deref() : nullptr;
-    if (root)
-        m_root = build(root, nullptr, 0);
+    if (index.isValid())
+        return static_cast<Object*>(index.internalPointer());
+    return m_scene ? m_scene->root() : nullptr;
 }
 
-std::unique_ptr<ObjectTreeModel::Node> ObjectTreeModel::build(Object* object, Node* parent, int row)
+Object* ObjectTreeModel::object(const QModelIndex& index) const
 {
-    auto node = std::make_unique<Node>();
-    node->object = object;
-    node->parent = parent;
-    node->row = row;
-    m_nodes[object] = node.get();
-    const std::vector<Object*> children = object->getChildren();
-    node->children.reserve(children.size());
-    for (Object* child : children)
-        node->children.push_back(build(child, node.get(), int(node->children.size())));
-    return node;
-}
-
-void ObjectTreeModel::forget(const Node* node)
-{
-    m_nodes.erase(node->object);
-    for (const auto& child : node->children)
-        forget(child.get());
-}
-
-ObjectTreeModel::Node* ObjectTreeModel::nodeOf(const Object* object) const
-{
-    const auto found = m_nodes.find(object);
-    return found == m_nodes.end() ? nullptr : found->second;
-}
-
-ObjectTreeModel::Node* ObjectTreeModel::nodeOf(const QModelIndex& index) const
-{
-    return index.isValid() ? nodeOf(static_cast<const Object*>(index.internalPointer())) : m_root.get();
-}
-
-int ObjectTreeModel::rowOf(const Node* node) const
-{
-    const auto& siblings = node->parent->children;
-    const int size = int(siblings.size());
-    const auto stands = [&](int row) { return row >= 0 && row < size && siblings[row].get() == node; };
-    // Rows move by what was put in or taken out before them, so the last known place is the best start.
-    const int start = std::clamp(node->row, 0, std::max(0, size - 1));
-    for (int distance = 0; distance < size; ++distance) {
-        if (stands(start - distance))
-            return node->row = start - distance;
-        if (stands(start + distance))
-            return node->row = start + distance;
-    }
-    return -1;
-}
-
-QModelIndex ObjectTreeModel::indexOf(const Node* node) const
-{
-    if (!node || !node->parent)
-        return {};
-    const int row = rowOf(node);
-    if (row < 0) {
-        qCWarning(lcSession) << "Child not found in parent array";
-        return {};
-    }
-    return createIndex(row, 0, node->object);
+    return index.isValid() ? static_cast<Object*>(index.internalPointer()) : nullptr;
 }
 
 QModelIndex ObjectTreeModel::index(int row, int column, const QModelIndex& parent) const
 {
-    const Node* node = nodeOf(parent);
+    const Object* node = nodeOf(parent);
     if (!node || row < 0 || column != 0)
         return {};
-    if (row >= int(node->children.size())) {
-        const bool list = dynamic_cast<ObjectArray*>(node->object) || dynamic_cast<ObjectMap*>(node->object);
-        qCWarning(lcSession) << (list ? "index out of range" : "child row out of range");
-        return {};
-    }
-    const Node* child = node->children[row].get();
-    child->row = row;
-    return createIndex(row, 0, child->object);
+    if (Object* child = node->childAt(row))
+        return createIndex(row, 0, child);
+    const bool list = dynamic_cast<const ObjectArray*>(node) || dynamic_cast<const ObjectMap*>(node);
+    qCWarning(lcSession) << (list ? "index out of range" : "child row out of range");
+    return {};
 }
 
 QModelIndex ObjectTreeModel::index(Object* object) const
 {
-    if (!object)
+    if (!object || !m_scene || object == m_scene->root())
         return {};
-    const Node* node = nodeOf(object);
-    if (!node) {
+    const Object* parent = object->getParent();
+    const int row = parent ? parent->childIndex(object) : -1;
+    if (row < 0) {
         qCWarning(lcSession) << "Child not found in parent array";
         return {};
     }
-    return indexOf(node);
+    return createIndex(row, 0, object);
 }
 
 QModelIndex ObjectTreeModel::index(const QString& path) const
@@ -141,25 +84,20 @@ bool ObjectTreeModel::hasPath(const QString& path) const
 
 QModelIndex ObjectTreeModel::index(const QString& name, const QModelIndex& parent) const
 {
-    const Node* node = nodeOf(parent);
-    return node ? index(node->object->findChildByName(name.toStdString(), true)) : QModelIndex();
-}
-
-Object* ObjectTreeModel::object(const QModelIndex& index) const
-{
-    return index.isValid() ? static_cast<Object*>(index.internalPointer()) : nullptr;
+    const Object* node = nodeOf(parent);
+    return node ? index(node->findChildByName(name.toStdString(), true)) : QModelIndex();
 }
 
 QModelIndex ObjectTreeModel::parent(const QModelIndex& index) const
 {
-    const Node* node = index.isValid() ? nodeOf(index) : nullptr;
-    return node ? indexOf(node->parent) : QModelIndex();
+    const Object* node = object(index);
+    return node ? this->index(node->getParent()) : QModelIndex();
 }
 
 int ObjectTreeModel::rowCount(const QModelIndex& parent) const
 {
-    const Node* node = parent.column() > 0 ? nullptr : nodeOf(parent);
-    return node ? int(node->children.size()) : 0;
+    const Object* node = parent.column() > 0 ? nullptr : nodeOf(parent);
+    return node ? node->childCount() : 0;
 }
 
 int ObjectTreeModel::columnCount(const QModelIndex&) const
@@ -174,18 +112,18 @@ Qt::ItemFlags ObjectTreeModel::flags(const QModelIndex& index) const
 
 QVariant ObjectTreeModel::data(const QModelIndex& index, int role) const
 {
-    const Node* node = index.isValid() ? nodeOf(index) : nullptr;
+    Object* node = object(index);
     if (!node)
         return {};
     switch (role) {
     case Qt::DisplayRole:
         return displayName(node);
     case Qt::ToolTipRole:
-        return QString::fromStdString(node->object->getTypeName());
+        return QString::fromStdString(node->getTypeName());
     case Qt::DecorationRole:
-        return icon(node->object);
+        return icon(node);
     case ObjectRole:
-        return QVariant::fromValue(node->object);
+        return QVariant::fromValue(node);
     case SceneRole:
         return QVariant::fromValue(m_scene.get());
     default:
@@ -193,16 +131,11 @@ QVariant ObjectTreeModel::data(const QModelIndex& index, int role) const
     }
 }
 
-QString ObjectTreeModel::displayName(const Node* node) const
+/// The index within an array, the key within a map, the child's name otherwise.
+QString ObjectTreeModel::displayName(const Object* object)
 {
-    Object* container = node->parent ? node->parent->object : nullptr;
-    if (!container)
-        return {};
-    if (dynamic_cast<ObjectArray*>(container))
-        return QString::number(rowOf(node));
-    if (const auto* map = dynamic_cast<ObjectMap*>(container))
-        return QString::fromStdString(map->indexOf(node->object));
-    return QString::fromStdString(container->childName(rowOf(node)));
+    const Object* parent = object->getParent();
+    return parent ? QString::fromStdString(parent->childName(parent->childIndex(object))) : QString();
 }
 
 QVariant ObjectTreeModel::icon(const Object* object) const
@@ -227,75 +160,24 @@ QVariant ObjectTreeModel::icon(const Object* object) const
     return found->isNull() ? QVariant() : QVariant(*found);
 }
 
-void ObjectTreeModel::onSceneChangeStatic(Scene*, int count, const SceneChange* changes, void* user)
+void ObjectTreeModel::rowAboutToBeInserted(Object* parent, int row)
 {
-    static_cast<ObjectTreeModel*>(user)->onSceneChange(count, changes);
+    beginInsertRows(index(parent), row, row);
 }
 
-void ObjectTreeModel::onSceneChange(int count, const SceneChange* changes)
+void ObjectTreeModel::rowInserted(Object*, int)
 {
-    for (int i = 0; i < count;) {
-        if (changes[i].kind == SceneChange::Removed) {
-            i += onObjectsRemoved(count - i, changes + i);
-            continue;
-        }
-        if (changes[i].kind == SceneChange::Added)
-            onObjectAdded(changes[i].object);
-        ++i;
-    }
-}
-
-void ObjectTreeModel::onObjectAdded(Object* object)
-{
-    if (nodeOf(object))
-        return; // came with the subtree of an ancestor
-    Object* container = object->getParent();
-    Node* parent = container ? nodeOf(container) : nullptr;
-    Path path;
-    if (!parent || !m_scene->pathOf(object, path)) {
-        qCWarning(lcSession) << "Could not resolve path";
-        return;
-    }
-    const int place = container->childIndex(object);
-    // Later changes of the same batch may have moved the place already; they are told next.
-    const int row = std::clamp(place, 0, int(parent->children.size()));
-    beginInsertRows(indexOf(parent), row, row);
-    parent->children.insert(parent->children.begin() + row, build(object, parent, row));
     endInsertRows();
 }
 
-/// Takes out as many of the removed objects at once as stood next to each other; gives their number.
-int ObjectTreeModel::onObjectsRemoved(int count, const SceneChange* changes)
+void ObjectTreeModel::rowAboutToBeRemoved(Object* parent, int row)
 {
-    Node* node = nodeOf(changes[0].object);
-    if (!node || !node->parent) {
-        qCWarning(lcSession) << "No valid index found";
-        return 1;
-    }
-    Node* parent = node->parent;
-    int first = rowOf(node);
-    int last = first;
-    int taken = 1;
-    for (; taken < count && changes[taken].kind == SceneChange::Removed; ++taken) {
-        Node* next = nodeOf(changes[taken].object);
-        if (!next || next->parent != parent)
-            break;
-        const int size = int(parent->children.size());
-        if (last + 1 < size && parent->children[last + 1].get() == next)
-            ++last;
-        else if (first > 0 && parent->children[first - 1].get() == next)
-            --first;
-        else
-            break;
-    }
-    beginRemoveRows(indexOf(parent), first, last);
-    const auto begin = parent->children.begin() + first;
-    const auto end = parent->children.begin() + last + 1;
-    for (auto child = begin; child != end; ++child)
-        forget(child->get());
-    parent->children.erase(begin, end);
+    beginRemoveRows(index(parent), row, row);
+}
+
+void ObjectTreeModel::rowRemoved(Object*, int)
+{
     endRemoveRows();
-    return taken;
 }
 
 } // namespace vantrel

@@ -1,21 +1,17 @@
 #pragma once
 
 #include "tarn/scene/scene.h"
+#include "tarn/scene/scenestructureobserver.h"
 
 #include <QAbstractItemModel>
 #include <QHash>
 #include <QIcon>
 
-#include <memory>
-#include <unordered_map>
-#include <vector>
-
 namespace vantrel {
 
-/// The whole scene as an item model of one column; the internal pointer of an index is its Object. It keeps its
-/// own record of the rows, since a scene reports its changes after it has made them and a model must announce them
-/// before. Owned by the session; main thread only.
-class ObjectTreeModel : public QAbstractItemModel
+/// The whole scene as an item model of one column; the internal pointer of an index is its Object, and the
+/// invalid index stands for the root. Owned by the session; main thread only.
+class ObjectTreeModel : public QAbstractItemModel, private SceneStructureObserver
 {
     Q_OBJECT
 
@@ -48,31 +44,17 @@ public:
     Qt::ItemFlags flags(const QModelIndex& index) const override;
 
 private:
-    struct Node
-    {
-        Object* object = nullptr;
-        Node* parent = nullptr;
-        std::vector<std::unique_ptr<Node>> children;
-        mutable int row = 0; // where it stood when last looked up
-    };
+    void rowAboutToBeInserted(Object* parent, int row) override;
+    void rowInserted(Object* parent, int row) override;
+    void rowAboutToBeRemoved(Object* parent, int row) override;
+    void rowRemoved(Object* parent, int row) override;
 
-    static void onSceneChangeStatic(Scene* scene, int count, const SceneChange* changes, void* user);
-    void onSceneChange(int count, const SceneChange* changes);
-    void onObjectAdded(Object* object);
-    int onObjectsRemoved(int count, const SceneChange* changes);
-    void rebuild();
-    std::unique_ptr<Node> build(Object* object, Node* parent, int row);
-    void forget(const Node* node);
-    Node* nodeOf(const Object* object) const;
-    Node* nodeOf(const QModelIndex& index) const;
-    int rowOf(const Node* node) const;
-    QModelIndex indexOf(const Node* node) const;
-    QString displayName(const Node* node) const;
+    /// The object that an index stands for; the root for the invalid one, null without a scene.
+    Object* nodeOf(const QModelIndex& index) const;
+    static QString displayName(const Object* object);
     QVariant icon(const Object* object) const;
 
     Ref<Scene> m_scene;
-    std::unique_ptr<Node> m_root;
-    std::unordered_map<const Object*, Node*> m_nodes;
     mutable QHash<QString, QIcon> m_objectIcons; // by type name
     mutable QHash<QString, QIcon> m_arrayIcons;  // by the type name of the items
 };

@@ -41,18 +41,25 @@ ObjectArray* arrayOf(Object* object, const char* name)
 }
 } // namespace
 
-SceneObjectProvider::SceneObjectProvider(ObjectTreeModel* objectTree, AbstractPlaylistProvider* playlistProvider,
+SceneObjectProvider::SceneObjectProvider(ObjectTreeModel* objectTree,
+                                         AbstractPlaylistProvider* playlistProvider,
                                          AbstractMediaLibraryProvider* libraryProvider, QObject* parent)
-    : QObject(parent), m_objectTree(objectTree), m_channelMapper(new ObjectMapper(this)),
-      m_outputMapper(new ObjectMapper(this)), m_configurationMapper(new ObjectMapper(this)),
-      m_previewPlayback(std::make_shared<GUIPlayback>(playlistProvider, libraryProvider)),
-      m_programPlayback(std::make_shared<GUIPlayback>(playlistProvider, libraryProvider)),
-      m_output1(std::make_shared<GUIOutput>()), m_output2(std::make_shared<GUIOutput>()),
-      m_channel(std::make_shared<GUIChannel>()), m_previewMapping(std::make_shared<GUIMapping>()),
-      m_programMapping(std::make_shared<GUIMapping>()), m_showConfiguration(std::make_shared<GUIShowConfiguration>())
+    : QObject(parent)
+    , m_objectTree(objectTree)
+    , m_channelMapper(new ObjectMapper(this))
+    , m_outputMapper(new ObjectMapper(this))
+    , m_configurationMapper(new ObjectMapper(this))
+    , m_previewPlayback(std::make_shared<GUIPlayback>(playlistProvider, libraryProvider))
+    , m_programPlayback(std::make_shared<GUIPlayback>(playlistProvider, libraryProvider))
+    , m_output1(std::make_shared<GUIOutput>())
+    , m_output2(std::make_shared<GUIOutput>())
+    , m_channel(std::make_shared<GUIChannel>())
+    , m_previewMapping(std::make_shared<GUIMapping>())
+    , m_programMapping(std::make_shared<GUIMapping>())
+    , m_showConfiguration(std::make_shared<GUIShowConfiguration>())
 {
     const std::initializer_list<SceneObjectWrapper*> mirrors = {
-        m_previewPlayback.get(), m_programPlayback.get(), m_output1.get(),       m_output2.get(),
+        m_previewPlayback.get(), m_programPlayback.get(), m_output1.get(),        m_output2.get(),
         m_channel.get(),         m_previewMapping.get(),  m_programMapping.get(), m_showConfiguration.get()};
     for (SceneObjectWrapper* mirror : mirrors)
         mirror->init();
@@ -185,7 +192,8 @@ void SceneObjectProvider::addMappings(Scene* scene, Object* channel)
     }
     install(*m_previewMapping, scene, mappings->at(0));
     install(*m_programMapping, scene, mappings->at(1));
-    qCInfo(lcSession) << "Adding mappings (targets =" << m_previewMapping->target() << m_programMapping->target() << ")";
+    qCInfo(lcSession) << "Adding mappings (targets =" << m_previewMapping->target()
+                      << m_programMapping->target() << ")";
 }
 
 void SceneObjectProvider::addOutputs(Scene* scene, Object* gpu)

@@ -23,9 +23,9 @@ class ObjectMapper;
 class ObjectTreeModel;
 class Scene;
 
-/// Owner of the mirrors of the scene objects that the application knows by name. They exist from the start and
-/// survive reconnections; mappers on the object tree move them from placeholders to live objects and back. Owned
-/// by the session; main thread only.
+/// Owner of the mirrors of the scene objects that the application knows by name. They exist from the start
+/// and survive reconnections; mappers on the object tree move them from placeholders to live objects and
+/// back. Owned by the session; main thread only.
 class SceneObjectProvider : public QObject
 {
     Q_OBJECT

@@ -8,7 +8,9 @@
 namespace vantrel {
 
 SceneObjectWrapper::SceneObjectWrapper(const QString& typeName, QObject* parent)
-    : QObject(parent), m_typeName(typeName), m_object(makePlaceholder())
+    : QObject(parent)
+    , m_typeName(typeName)
+    , m_object(makePlaceholder())
 {
 }
 

@@ -9,9 +9,9 @@
 
 namespace vantrel {
 
-/// Mirror of one scene object as QObject properties. It stands on a placeholder of the right type until the real
-/// object arrives and goes back to one when that leaves, so that widgets bind once at start-up; reset() tells of
-/// both. Writes go to the scene and from there to the server. Main thread only.
+/// Mirror of one scene object as QObject properties. It stands on a placeholder of the right type until the
+/// real object arrives and goes back to one when that leaves, so that widgets bind once at start-up; reset()
+/// tells of both. Writes go to the scene and from there to the server. Main thread only.
 class SceneObjectWrapper : public QObject
 {
     Q_OBJECT

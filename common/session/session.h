@@ -111,7 +111,6 @@ private:
     void onDisconnect();
     void onPatchAvailable();
     void initConnection();
-    void initMedia();
     void wireProviders();
     void connectMediaLibraryApi();
     void initMediaLibraryHelpers(const QString& host);
@@ -122,7 +121,7 @@ private:
 
     ServerPorts m_ports;
     QAbstractItemModel* m_remoteFileSystemModel = nullptr;
-    QFileSystemModel* m_localFileSystemModel = nullptr;
+    std::unique_ptr<QFileSystemModel> m_localFileSystemModel;
     Ref<Scene> m_scene;
     std::unique_ptr<QUndoStack> m_undoStack;
     std::unique_ptr<Configuration> m_configuration;
@@ -146,6 +145,7 @@ private:
     MediaLibraryApi* m_mediaLibraryApi = nullptr;
     MetadataClient* m_metadataClient = nullptr;
     MediaDataAggregator* m_mediaDataAggregator = nullptr;
+    MediaDataAggregator* m_formerAggregator = nullptr; // of the connection before
     MediaStateProvider* m_mediaStateProvider = nullptr;
     std::unique_ptr<DefaultResourceStatusProvider> m_resourceStatus;
 

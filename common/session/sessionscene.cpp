@@ -1,0 +1,98 @@
+// How the session keeps its scene and the server's the same.
+
+#include "common/session/connectionhandler.h"
+#include "common/session/mainwindowhandle.h"
+#include "common/session/session.h"
+#include "tarn/json/patch.h"
+#include "tarn/scene/scene.h"
+
+#include <QElapsedTimer>
+#include <QScopedValueRollback>
+#include <QTimer>
+#include <QWidget>
+
+namespace vantrel {
+
+namespace {
+constexpr std::size_t quietThreshold = 20; // operations of a patch that are still painted one by one
+constexpr qint64 sliceTime = 8;            // milliseconds of applying before the window may breathe
+
+bool operationOf(const Scene& scene, const SceneChange& change, PatchOp& op)
+{
+    switch (change.kind) {
+    case SceneChange::Added:
+        op.op = PatchOpType::Add;
+        op.value = Json::object();
+        return scene.pathOf(change.object, op.path);
+    case SceneChange::Removed:
+        op.op = PatchOpType::Remove;
+        return scene.pathOf(change.object, op.path);
+    case SceneChange::PropertyChanged:
+        op.op = PatchOpType::Replace;
+        Json::fromVariant(change.value, op.value);
+        return scene.pathOf(change.object, change.property, op.path);
+    default:
+        return false;
+    }
+}
+} // namespace
+
+void Session::onPatchAvailable()
+{
+    if (m_drainPosted)
+        return;
+    QWidget* window = mainWindowWidget();
+    if (m_sceneLoading && !std::exchange(m_sceneCleared, true)) {
+        // The first patches after a connection replace everything.
+        if (window)
+            window->setUpdatesEnabled(false);
+        const QScopedValueRollback applying(m_applyingPatch, true);
+        m_scene->clear();
+    }
+    if (!applyPatches(window)) {
+        m_drainPosted = true;
+        QTimer::singleShot(0, this, [this] {
+            m_drainPosted = false;
+            onPatchAvailable();
+        });
+        return;
+    }
+    if (std::exchange(m_sceneLoading, false))
+        Q_EMIT sceneLoaded();
+    if (window && !window->updatesEnabled())
+        window->setUpdatesEnabled(true);
+}
+
+/// Applies what has come in, for a slice of time; false when there may be more.
+bool Session::applyPatches(QWidget* window)
+{
+    // Only while applying: what the operator changes between two slices goes to the server.
+    const QScopedValueRollback applying(m_applyingPatch, true);
+    QElapsedTimer clock;
+    clock.start();
+    Patch patch;
+    while (m_connection->recvPatch(patch)) {
+        if (window && window->updatesEnabled() && patch.size() > quietThreshold)
+            window->setUpdatesEnabled(false);
+        m_scene->apply(patch, false);
+        if (clock.elapsed() >= sliceTime)
+            return false;
+    }
+    return true;
+}
+
+void Session::onSceneChange(Scene* scene, int count, const SceneChange* changes, void* user)
+{
+    auto* session = static_cast<Session*>(user);
+    if (session->m_applyingPatch)
+        return;
+    Patch patch;
+    for (int i = 0; i < count; ++i) {
+        PatchOp op;
+        if (operationOf(*scene, changes[i], op))
+            patch.append(std::move(op));
+    }
+    session->m_connection->sendPatch(patch);
+}
+
+} // namespace vantrel
