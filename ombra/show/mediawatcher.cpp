@@ -1,0 +1,201 @@
+#include "ombra/show/mediawatcher.h"
+
+#include "ombra/serverlog.h"
+#include "ombra/show/contenturl.h"
+
+#include <boost/asio/buffer.hpp>
+
+#include <cerrno>
+#include <chrono>
+#include <cstring>
+#include <sys/inotify.h>
+#include <vector>
+
+namespace vantrel::ombra {
+
+namespace {
+
+constexpr std::uint32_t watched =
+    IN_CLOSE_WRITE | IN_CREATE | IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO | IN_ONLYDIR;
+constexpr auto settleTime = std::chrono::milliseconds(100);
+
+} // namespace
+
+MediaWatcher::MediaWatcher(boost::asio::io_context& io, std::filesystem::path mediaFolder, Listener listener)
+    : m_stream(io)
+    , m_timer(io)
+    , m_folder(std::move(mediaFolder))
+    , m_listener(std::move(listener))
+{
+}
+
+MediaWatcher::~MediaWatcher() = default;
+
+bool MediaWatcher::start(std::string* error)
+{
+    const int fd = ::inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
+    if (fd < 0) {
+        *error = std::string("cannot watch ") + m_folder.string() + ": " + std::strerror(errno);
+        return false;
+    }
+    m_stream.assign(fd);
+    if (!watchFolder({})) {
+        *error = "cannot watch " + m_folder.string() + ": " + std::strerror(errno);
+        return false;
+    }
+    watchTree({}, false);
+    read();
+    return true;
+}
+
+bool MediaWatcher::watchFolder(const std::filesystem::path& relative)
+{
+    const std::filesystem::path path = relative.empty() ? m_folder : m_folder / relative;
+    const int watch = ::inotify_add_watch(m_stream.native_handle(), path.c_str(), watched);
+    if (watch < 0)
+        return false;
+    m_watches[watch] = relative;
+    return true;
+}
+
+void MediaWatcher::watchTree(const std::filesystem::path& relative, bool announce)
+{
+    // Each folder is watched before it is listed, so that what comes meanwhile is seen at least once.
+    std::vector<std::filesystem::path> folders{relative};
+    while (!folders.empty()) {
+        const std::filesystem::path folder = std::move(folders.back());
+        folders.pop_back();
+        if (!watchFolder(folder))
+            logLine(LogLevel::Warning, "vantrel.show",
+                    "cannot watch " + (m_folder / folder).string() + ": " + std::strerror(errno));
+        std::error_code code;
+        for (std::filesystem::directory_iterator it(m_folder / folder, code), end; !code && it != end;
+             it.increment(code)) {
+            std::error_code ignored;
+            const std::filesystem::path entry = folder / it->path().filename();
+            if (it->is_directory(ignored) && !it->is_symlink(ignored))
+                folders.push_back(entry);
+            else if (m_known.insert(entry).second && announce)
+                note(Event::Added, entry);
+        }
+    }
+}
+
+void MediaWatcher::read()
+{
+    m_stream.async_read_some(boost::asio::buffer(m_buffer),
+                             [this](boost::system::error_code code, std::size_t size) {
+                                 if (code == boost::asio::error::operation_aborted)
+                                     return;
+                                 if (code) {
+                                     logLine(LogLevel::Warning, "vantrel.show",
+                                             "the watch of the media folder ended: " + code.message());
+                                     return;
+                                 }
+                                 handle(m_buffer.data(), size);
+                                 read();
+                             });
+}
+
+void MediaWatcher::handle(const char* bytes, std::size_t size)
+{
+    while (size >= sizeof(inotify_event)) {
+        inotify_event event;
+        std::memcpy(&event, bytes, sizeof event);
+        const std::size_t whole = sizeof event + event.len;
+        if (whole > size)
+            return;
+        handle(event.wd, event.mask, event.len ? std::string(bytes + sizeof event) : std::string());
+        bytes += whole;
+        size -= whole;
+    }
+}
+
+void MediaWatcher::handle(int watch, std::uint32_t mask, const std::string& name)
+{
+    if (mask & IN_Q_OVERFLOW) {
+        watchTree({}, true); // events were lost: look at everything again
+        return;
+    }
+    if (mask & IN_IGNORED) {
+        m_watches.erase(watch);
+        return;
+    }
+    const auto folder = m_watches.find(watch);
+    if (folder == m_watches.end() || name.empty())
+        return;
+    const std::filesystem::path path = folder->second / name;
+    if (mask & IN_ISDIR) {
+        if (mask & (IN_CREATE | IN_MOVED_TO))
+            watchTree(path, true);
+        else if (mask & (IN_DELETE | IN_MOVED_FROM))
+            forgetTree(path);
+    } else if (mask & (IN_DELETE | IN_MOVED_FROM)) {
+        m_known.erase(path);
+        note(Event::Removed, path);
+    } else if (mask & (IN_CLOSE_WRITE | IN_MOVED_TO)) {
+        note(m_known.insert(path).second ? Event::Added : Event::Changed, path);
+    }
+}
+
+void MediaWatcher::forgetTree(const std::filesystem::path& relative)
+{
+    const auto below = [&](const std::filesystem::path& path) {
+        return std::mismatch(relative.begin(), relative.end(), path.begin(), path.end()).first ==
+               relative.end();
+    };
+    for (auto it = m_known.begin(); it != m_known.end();) {
+        if (below(*it)) {
+            note(Event::Removed, *it);
+            it = m_known.erase(it);
+        } else {
+            ++it;
+        }
+    }
+    for (auto it = m_watches.begin(); it != m_watches.end();) {
+        if (below(it->second)) {
+            ::inotify_rm_watch(m_stream.native_handle(), it->first);
+            it = m_watches.erase(it);
+        } else {
+            ++it;
+        }
+    }
+}
+
+void MediaWatcher::note(Event event, const std::filesystem::path& relative)
+{
+    noteUrl(event, contentUrl(relative));
+    int number = 0;
+    const std::string pattern = sequencePattern(relative.filename().string(), number);
+    if (!pattern.empty())
+        noteUrl(Event::Changed, contentUrl(relative.parent_path() / pattern));
+    if (m_timerRuns)
+        return;
+    m_timerRuns = true;
+    m_timer.expires_after(settleTime);
+    m_timer.async_wait([this](boost::system::error_code code) {
+        if (!code)
+            flush();
+    });
+}
+
+void MediaWatcher::noteUrl(Event event, const std::string& url)
+{
+    const auto [pending, fresh] = m_pending.emplace(url, event);
+    if (fresh)
+        return;
+    if (pending->second == Event::Removed && event == Event::Added)
+        pending->second = Event::Changed; // replaced by another file
+    else if (!(pending->second == Event::Added && event == Event::Changed))
+        pending->second = event;
+}
+
+void MediaWatcher::flush()
+{
+    m_timerRuns = false;
+    const std::map<std::string, Event> events = std::exchange(m_pending, {});
+    for (const auto& [url, event] : events)
+        m_listener(event, url);
+}
+
+} // namespace vantrel::ombra

@@ -1,0 +1,191 @@
+#include "ombra/show/showstore.h"
+
+#include "ombra/serverlog.h"
+#include "ombra/show/atomicfile.h"
+#include "ombra/show/journalline.h"
+
+#include <boost/asio/post.hpp>
+
+#include <utility>
+
+namespace vantrel::ombra {
+
+ShowStore::ShowStore(boost::asio::io_context& io, std::filesystem::path stateFolder)
+    : m_io(io)
+    , m_folder(std::move(stateFolder))
+    , m_disk(std::make_unique<ShowDisk>(m_folder))
+    , m_library(makeRef<MediaLibrary>())
+{
+}
+
+ShowStore::~ShowStore()
+{
+    m_alive.reset();
+    flushSettings();
+    m_writer.reset();
+}
+
+bool ShowStore::open(const std::function<MediaLibrary()>& makeInitial, std::string* error)
+{
+    ShowDisk::Loaded loaded;
+    if (!m_disk->open(error) || !m_disk->load(loaded, error))
+        return false;
+    std::string why;
+    if (loaded.found && !restore(loaded, why)) {
+        // Sound JSON with content that this version does not take: kept, like any other damage.
+        const std::filesystem::path show = m_folder / "show.json";
+        const std::filesystem::path kept = moveAside(show);
+        if (kept.empty()) {
+            *error = show.string() + " cannot be used (" + why + ") and cannot be moved aside";
+            return false;
+        }
+        moveAside(m_folder / "journal.ndjson");
+        logLine(LogLevel::Error, "vantrel.show",
+                "show.json cannot be used (" + why + "); kept as " + kept.filename().string());
+        loaded.found = false;
+    }
+    if (!loaded.found) {
+        m_latest = makeInitial();
+        m_settings = Json::object();
+    }
+    *m_library = m_latest;
+    if (!m_disk->writeSnapshot(m_latest.toJson(), m_settings, error))
+        return false;
+    m_writer = std::make_unique<ShowWriter>(*m_disk);
+    return true;
+}
+
+bool ShowStore::restore(const ShowDisk::Loaded& loaded, std::string& why)
+{
+    if (!m_latest.parseJson(loaded.library, &why))
+        return false;
+    m_settings = loaded.settings;
+    std::size_t line = 0;
+    for (const Json& entry : loaded.entries) {
+        ++line;
+        if (!replay(entry, why)) {
+            // Each line was accepted once, so this is damage; what stands before it is sound.
+            const std::filesystem::path kept = moveAside(m_folder / "journal.ndjson");
+            logLine(LogLevel::Error, "vantrel.show",
+                    "edit " + std::to_string(line) + " of the journal does not fit (" + why + "); kept as " +
+                        kept.filename().string());
+            break;
+        }
+    }
+    return true;
+}
+
+bool ShowStore::replay(const Json& entry, std::string& why)
+{
+    if (const Json* operations = entry.find("library")) {
+        Patch patch;
+        return Patch::fromJson(*operations, patch, &why) && m_latest.applyDiff(patch, &why) == 0;
+    }
+    if (const Json* changed = entry.find("settings")) {
+        changed->forEachMember([this](std::string_view path, const Json& value) {
+            m_settings.set(path, value);
+            return true;
+        });
+        return true;
+    }
+    why = "unknown kind of edit";
+    return false;
+}
+
+void ShowStore::patchLibrary(const Patch& patch, Answer answer)
+{
+    const Json before = m_latest.toJson();
+    std::string message;
+    const int code = m_latest.applyDiff(patch, &message);
+    if (code != 0) {
+        const bool rules = code == MediaLibrary::invalidContent;
+        answer({rules ? EditResult::Status::BreaksRules : EditResult::Status::DoesNotFit, message});
+        return;
+    }
+    auto after = std::make_shared<MediaLibrary>(m_latest);
+    save(Json::object({{"library", patch.toJson()}}),
+         [this, patch, after, answer = std::move(answer)](bool ok, const std::string& error) {
+             if (ok)
+                 librarySaved(patch, *after);
+             answer({ok ? EditResult::Status::Saved : EditResult::Status::NotSaved, error});
+         });
+}
+
+void ShowStore::replaceLibrary(const MediaLibrary& library, Answer answer)
+{
+    Patch patch;
+    Patch::diff(m_latest.toJson(), library.toJson(), patch);
+    patchLibrary(patch, std::move(answer));
+}
+
+void ShowStore::changeSetting(const std::string& path, const Json& value)
+{
+    const Json* old = m_settings.find(path);
+    if (old && *old == value)
+        return;
+    m_settings.set(path, value);
+    m_changedSettings.set(path, value);
+    if (std::exchange(m_flushPosted, true))
+        return;
+    boost::asio::post(m_io, [this, alive = std::weak_ptr(m_alive)] {
+        if (!alive.expired())
+            flushSettings();
+    });
+}
+
+void ShowStore::flushSettings()
+{
+    m_flushPosted = false;
+    if (m_changedSettings.size() == 0 || !m_writer)
+        return;
+    const Json changed = std::exchange(m_changedSettings, Json::object());
+    save(Json::object({{"settings", changed}}), [this, changed](bool ok, const std::string&) {
+        if (ok)
+            return;
+        changed.forEachMember([this](std::string_view path, const Json&) {
+            m_changedSettings.set(path, m_settings.get(path)); // goes with the next change
+            return true;
+        });
+    });
+}
+
+void ShowStore::save(const Json& entry, std::function<void(bool, const std::string&)> done)
+{
+    ShowWriter::Job job;
+    job.epoch = m_epoch;
+    job.line = encodeJournalLine(entry);
+    job.library = m_latest.toJson();
+    job.settings = m_settings;
+    job.done = [this, alive = std::weak_ptr(m_alive), epoch = m_epoch,
+                done = std::move(done)](bool ok, const std::string& error) {
+        boost::asio::post(m_io, [this, alive, epoch, done, ok, error] {
+            if (alive.expired())
+                return;
+            if (!ok) {
+                logLine(LogLevel::Error, "vantrel.show", error);
+                goBack(epoch);
+            }
+            done(ok, error);
+        });
+    };
+    m_writer->submit(std::move(job));
+}
+
+void ShowStore::librarySaved(const Patch& patch, const MediaLibrary& after)
+{
+    *m_library = after;
+    if (patch.empty())
+        return;
+    for (const LibraryListener& listener : m_listeners)
+        listener(patch);
+}
+
+void ShowStore::goBack(std::uint64_t epoch)
+{
+    if (epoch != m_epoch)
+        return; // by an earlier edit of the same epoch
+    ++m_epoch;
+    m_latest = *m_library;
+}
+
+} // namespace vantrel::ombra

@@ -1,0 +1,86 @@
+#pragma once
+
+#include "ombra/show/showdisk.h"
+#include "ombra/show/showwriter.h"
+#include "tarn/json/patch.h"
+#include "tarn/media/medialibrary.h"
+
+#include <boost/asio/io_context.hpp>
+
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace vantrel::ombra {
+
+/// What became of an edit.
+struct EditResult
+{
+    enum class Status { Saved, DoesNotFit, BreaksRules, NotSaved };
+    Status status = Status::Saved;
+    std::string message;
+};
+
+/// The show: the media library and the settings of the scene that last. An edit is checked at once against
+/// all that was accepted before it, and answered, published and told to the listeners when it is safe on the
+/// disk. One thread, that of the io_context.
+class ShowStore
+{
+public:
+    using Answer = std::function<void(const EditResult&)>;
+    using LibraryListener = std::function<void(const Patch&)>;
+
+    ShowStore(boost::asio::io_context& io, std::filesystem::path stateFolder);
+    /// Saves what was accepted; no answer is called any more.
+    ~ShowStore();
+    ShowStore(const ShowStore&) = delete;
+    ShowStore& operator=(const ShowStore&) = delete;
+
+    /// Loads the show; on a first start takes the library that makeInitial gives. False, with the reason,
+    /// when the folder cannot be used.
+    bool open(const std::function<MediaLibrary()>& makeInitial, std::string* error);
+
+    /// The library as it is saved.
+    MediaLibrary& library() noexcept { return *m_library; }
+    /// With the edits that are accepted and not saved yet: what the next edit will be applied to.
+    const MediaLibrary& latestLibrary() const noexcept { return m_latest; }
+    /// Values of lasting scene properties by their path.
+    const Json& settings() const noexcept { return m_settings; }
+
+    void patchLibrary(const Patch& patch, Answer answer);
+    /// Replaces the whole; listeners get what differs.
+    void replaceLibrary(const MediaLibrary& library, Answer answer);
+    void changeSetting(const std::string& path, const Json& value);
+
+    /// Called after each saved edit of the library that changed something.
+    void addLibraryListener(LibraryListener listener) { m_listeners.push_back(std::move(listener)); }
+
+private:
+    struct Alive
+    {
+    };
+
+    bool restore(const ShowDisk::Loaded& loaded, std::string& why);
+    bool replay(const Json& entry, std::string& why);
+    void save(const Json& entry, std::function<void(bool, const std::string&)> done);
+    void librarySaved(const Patch& patch, const MediaLibrary& after);
+    void goBack(std::uint64_t epoch);
+    void flushSettings();
+
+    boost::asio::io_context& m_io;
+    std::filesystem::path m_folder;
+    std::unique_ptr<ShowDisk> m_disk;
+    std::unique_ptr<ShowWriter> m_writer;
+    Ref<MediaLibrary> m_library;
+    MediaLibrary m_latest;
+    Json m_settings = Json::object();
+    Json m_changedSettings = Json::object(); // of this turn
+    bool m_flushPosted = false;
+    std::uint64_t m_epoch = 1; // see ShowWriter
+    std::vector<LibraryListener> m_listeners;
+    std::shared_ptr<Alive> m_alive = std::make_shared<Alive>(); // completions hold it weakly
+};
+
+} // namespace vantrel::ombra

@@ -1,0 +1,73 @@
+#include "ombra/show/showwriter.h"
+
+#include "ombra/serverlog.h"
+
+#include <utility>
+
+namespace vantrel::ombra {
+
+ShowWriter::ShowWriter(ShowDisk& disk)
+    : m_disk(disk)
+    , m_thread([this] { run(); })
+{
+}
+
+ShowWriter::~ShowWriter()
+{
+    {
+        const std::lock_guard lock(m_mutex);
+        m_stop = true;
+    }
+    m_wake.notify_one();
+    m_thread.join();
+}
+
+void ShowWriter::submit(Job job)
+{
+    {
+        const std::lock_guard lock(m_mutex);
+        m_queue.push_back(std::move(job));
+    }
+    m_wake.notify_one();
+}
+
+void ShowWriter::run()
+{
+    for (;;) {
+        std::vector<Job> jobs;
+        {
+            std::unique_lock lock(m_mutex);
+            m_wake.wait(lock, [this] { return m_stop || !m_queue.empty(); });
+            if (m_queue.empty())
+                return;
+            jobs.swap(m_queue);
+        }
+        std::erase_if(jobs, [this](const Job& job) {
+            if (job.epoch > m_failedEpoch)
+                return false;
+            job.done(false, "an earlier edit could not be saved");
+            return true;
+        });
+        if (!jobs.empty())
+            write(jobs);
+    }
+}
+
+void ShowWriter::write(std::vector<Job>& jobs)
+{
+    std::vector<std::string> lines;
+    lines.reserve(jobs.size());
+    for (Job& job : jobs)
+        lines.push_back(std::move(job.line));
+    std::string error;
+    const bool ok = m_disk.append(lines, &error);
+    if (!ok)
+        m_failedEpoch = jobs.back().epoch;
+    for (const Job& job : jobs)
+        job.done(ok, error);
+    if (ok && m_disk.wantsSnapshot() &&
+        !m_disk.writeSnapshot(jobs.back().library, jobs.back().settings, &error))
+        logLine(LogLevel::Error, "vantrel.show", error);
+}
+
+} // namespace vantrel::ombra
