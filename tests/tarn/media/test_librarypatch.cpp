@@ -1,0 +1,233 @@
+#include "tarn/json/jsoncounters.h"
+#include "tarn/media/medialibrary.h"
+#include "tests/support/testmain.h"
+
+#include <QTest>
+
+#include <random>
+
+using namespace vantrel;
+
+namespace {
+
+constexpr int bigCollections = 20;
+constexpr int bigSlots = 5000;
+
+const MediaLibrary& bigLibrary()
+{
+    static const MediaLibrary* const library = [] {
+        auto* made = new MediaLibrary;
+        for (int c = 1; c <= bigCollections; ++c) {
+            MediaCollection collection("Collection " + std::to_string(c));
+            for (int s = 1; s <= bigSlots; ++s)
+                collection.insertMediaSlot(s, MediaSlot("clip " + std::to_string(s), "file:///clip.mp4"),
+                                           true);
+            made->insertMediaCollection(c, collection, true);
+        }
+        made->toJson();
+        return made;
+    }();
+    return *library;
+}
+
+Patch patchOf(const std::string& text)
+{
+    Patch patch;
+    std::string error;
+    if (!Patch::parseString(text, patch, &error))
+        qFatal("%s", error.c_str());
+    return patch;
+}
+
+/// What the typed maps say, written anew without any node that the library kept.
+QString spelled(const MediaLibrary& library)
+{
+    QString text;
+    for (const auto& [index, collection] : library.getCollections()) {
+        text += QStringLiteral("c%1 %2\n").arg(index).arg(QString::fromStdString(collection.getName()));
+        for (const auto& [number, slot] : collection.getSlots())
+            text +=
+                QStringLiteral(" %1 %2\n").arg(number).arg(QString::fromStdString(slot.toJson().toString()));
+    }
+    for (const auto& [number, playlist] : library.getPlaylists()) {
+        text += QStringLiteral("p%1 %2\n").arg(number).arg(QString::fromStdString(playlist.getName()));
+        for (const auto& [address, entry] : playlist.getEntries())
+            text +=
+                QString::fromStdString(" " + address.toString(true) + " " + entry.toJson().toString() + "\n");
+    }
+    return text;
+}
+
+class RandomEdits
+{
+public:
+    explicit RandomEdits(unsigned seed)
+        : m_random(seed)
+    {
+    }
+
+    std::string operation()
+    {
+        static constexpr const char* ops[] = {"add", "add", "replace", "remove", "move", "copy", "test"};
+        const std::string op = ops[m_random() % 7];
+        std::string text = "{\"op\":\"" + op + "\",\"path\":\"" + path() + "\"";
+        if (op == "move" || op == "copy")
+            text += ",\"from\":\"" + path() + "\"";
+        else if (op != "remove")
+            text += ",\"value\":" + value();
+        return text + "}";
+    }
+
+private:
+    std::string number() { return std::to_string(m_random() % 4); } // 0 is no valid index
+    std::string path()
+    {
+        switch (m_random() % 9) {
+        case 0:
+            return m_random() % 4 ? "/collections" : "";
+        case 1:
+        case 2:
+            return "/collections/" + number();
+        case 3:
+            return "/collections/" + number() + "/name";
+        case 4:
+        case 5:
+            return "/collections/" + number() + "/slots/" + number();
+        case 6:
+            return "/collections/" + number() + "/slots/" + number() + "/inpoint";
+        case 7:
+            return "/playlists/" + number();
+        default:
+            return "/playlists/" + number() + "/entries/" + number() + (m_random() % 2 ? ".2" : "");
+        }
+    }
+    std::string value()
+    {
+        static constexpr const char* values[] = {
+            R"({"name":"n"})",
+            R"({"name":"n","slots":{"1":{"inpoint":3}}})",
+            R"({"entries":{"1.2":{"slotUrl":"u"}}})",
+            R"({})",
+            R"("text")",
+            R"(4.5)",
+            R"({"collections":{"2":{"slots":{"1":{"name":"x"}}}},"playlists":{}})",
+            R"({"slotUrl":"v"})",
+            R"({"inpoint":1,"name":"slot"})",
+        };
+        return values[m_random() % std::size(values)];
+    }
+
+    std::mt19937 m_random;
+};
+
+} // namespace
+
+class TestLibraryPatch : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    /// After any patch the typed records, the library's JSON and a whole reading of the patched document
+    /// agree, and a refused patch leaves all as it was.
+    void equalsAWholeReading()
+    {
+        RandomEdits edits(3);
+        MediaLibrary library;
+        int applied = 0;
+        int broken = 0;
+        for (int round = 0; round < 6000; ++round) {
+            std::string text = "[" + edits.operation();
+            for (int more = round % 3; more > 0; --more)
+                text += "," + edits.operation();
+            const Patch patch = patchOf(text + "]");
+            Json document = library.toJson();
+            const Json before = document;
+            const QString wordsBefore = spelled(library);
+            const bool fits = static_cast<bool>(patch.apply(document));
+            MediaLibrary whole;
+            const bool valid = fits && whole.parseJson(document);
+            const int code = library.applyDiff(patch);
+            QVERIFY2((code == 0) == valid, text.c_str());
+            if (!valid) {
+                QVERIFY2(library.toJson().sameNode(before), text.c_str());
+                QCOMPARE(spelled(library), wordsBefore);
+                broken += fits;
+                continue;
+            }
+            ++applied;
+            QVERIFY2(spelled(library) == spelled(whole), text.c_str());
+            QVERIFY2(library.toJson() == whole.toJson(), text.c_str());
+            MediaLibrary reread;
+            Json copy;
+            QVERIFY(Json::parseString(library.toJson().toString(), copy) && reread.parseJson(copy));
+            QCOMPARE(spelled(reread), spelled(library));
+        }
+        QVERIFY(applied > 500 && broken > 500);
+    }
+
+    void sharesWhatIsUnchanged()
+    {
+        MediaLibrary copy(bigLibrary());
+        const Json before = bigLibrary().toJson();
+        QVERIFY(copy.toJson().sameNode(before));
+        copy.findSlot(3, 4000)->setInpoint(1);
+        const Json after = copy.toJson();
+        QVERIFY(!after.sameNode(before));
+        QVERIFY(bigLibrary().toJson().sameNode(before));
+        QCOMPARE(bigLibrary().findSlot(3, 4000)->getInpoint(), 0.0);
+        QCOMPARE(after.get("collections").get("3").get("slots").get("4000").get("inpoint").asDouble(), 1.0);
+        QVERIFY(after.get("collections").get("4").sameNode(before.get("collections").get("4")));
+        QVERIFY(after.get("collections")
+                    .get("3")
+                    .get("slots")
+                    .get("3999")
+                    .sameNode(before.get("collections").get("3").get("slots").get("3999")));
+        Patch redo;
+        Patch::diff(before, after, redo);
+        QCOMPARE(redo.toJson().toString(),
+                 std::string(R"([{"op":"replace","path":"/collections/3/slots/4000/inpoint","value":1.0}])"));
+    }
+
+    /// The steps of a rehearsed edit on 100,000 slots: they may touch the way to the slot, never the library.
+    void costsWhatTheEditCosts()
+    {
+        const Json before = bigLibrary().toJson();
+        const Patch patch =
+            patchOf(R"([{"op":"replace","path":"/collections/7/slots/77/inpoint","value":2.5}])");
+        JsonCounters::start();
+        MediaLibrary rehearsal;
+        QVERIFY(rehearsal.parseJson(before));
+        rehearsal.findSlot(7, 77)->setInpoint(2.5);
+        const Json after = rehearsal.toJson();
+        MediaLibrary second;
+        QVERIFY(second.parseJson(after));
+        QCOMPARE(second.applyDiff(patch), 0);
+        QVERIFY(second.toJson() == after);
+        JsonCounters::stop();
+        QVERIFY2(JsonCounters::nodesMade < 120, qPrintable(QString::number(JsonCounters::nodesMade)));
+        QVERIFY2(JsonCounters::nodesVisited < 400, qPrintable(QString::number(JsonCounters::nodesVisited)));
+    }
+
+    void removesAnOptionalMember()
+    {
+        MediaLibrary library;
+        QCOMPARE(library.applyDiff(patchOf(R"([{"op":"add","path":"/collections/1","value":{"name":"c"}},
+            {"op":"add","path":"/collections/1/slots/4","value":{"outpoint":5}}])")),
+                 static_cast<int>(
+                     PatchError::PathNotFound)); // "slots" is filled in only when the patch is through
+        QCOMPARE(library.applyDiff(
+                     patchOf(R"([{"op":"add","path":"/collections/1","value":{"name":"c","slots":{}}},
+            {"op":"add","path":"/collections/1/slots/4","value":{"outpoint":5}}])")),
+                 0);
+        QCOMPARE(library.findSlot(1, 4)->getOutpoint().value_or(0), 5.0);
+        QCOMPARE(library.applyDiff(patchOf(R"([{"op":"remove","path":"/collections/1/slots/4/outpoint"}])")),
+                 0);
+        QVERIFY(!library.findSlot(1, 4)->getOutpoint());
+        QVERIFY(library.toJson().get("collections").get("1").get("slots").get("4").find("outpoint"));
+        QCOMPARE(library.applyDiff(patchOf(R"([{"op":"test","path":"/collections/1/name","value":"d"}])")),
+                 static_cast<int>(PatchError::TestFailed));
+    }
+};
+
+HALCYRA_TEST(TestLibraryPatch)
+#include "test_librarypatch.moc"
