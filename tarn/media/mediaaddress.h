@@ -2,7 +2,6 @@
 
 #include "tarn/media/entryaddress.h"
 
-#include <compare>
 #include <cstdint>
 #include <string>
 #include <string_view>
