@@ -32,7 +32,7 @@ NetworkReplyPtr NetworkAccessManager::createAndConnectReplyWrapper(QNetworkReply
 {
     if (!reply)
         return {};
-    const auto wrapper = QSharedPointer<NetworkReply>(new NetworkReply(reply), &QObject::deleteLater);
+    NetworkReplyPtr wrapper(new NetworkReply(reply), &QObject::deleteLater);
     // The connection holds the wrapper and ends with the answer: a caller that only waits for a signal need
     // not keep the pointer.
     connect(reply, &QNetworkReply::finished, this, [this, reply, wrapper] {
