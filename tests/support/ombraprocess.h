@@ -1,0 +1,58 @@
+#pragma once
+
+#include "common/session/serverports.h"
+
+#include <QByteArray>
+#include <QProcess>
+#include <QString>
+#include <QTemporaryDir>
+
+#include <memory>
+
+namespace vantrel::test {
+
+/// A live server for tests, on free ports of the loopback interface, with a media folder and a state folder
+/// of its own. Needs the environment variable HALCYRA_BIN to name the folder that holds the binary.
+class OmbraProcess
+{
+public:
+    OmbraProcess();
+    ~OmbraProcess();
+
+    /// False where HALCYRA_BIN names no folder with the server in it: skip the test then.
+    static bool isAvailable();
+    /// The path of a built program.
+    static QString binary(const QString& name);
+
+    /// Starts and waits for the line that says that it serves. After the first time it takes the same ports
+    /// again.
+    bool start(int timeout = 15000);
+    /// Ends it as a power failure would; the folders stay.
+    void kill();
+    /// kill() and start() on the same ports.
+    bool restart(int timeout = 15000);
+    /// Asks it to end; kills it after the time-out (milliseconds).
+    void stop(int timeout = 5000);
+    bool isRunning() const;
+
+    /// Before start(): serve this folder, which stays the caller's, in place of an own one.
+    void setMediaFolder(const QString& folder) { m_mediaFolder = folder; }
+    QString mediaFolder() const { return m_mediaFolder; }
+    QString stateFolder() const;
+    /// Of the interfaces that it told; ftp is 0 when it serves none.
+    ServerPorts ports() const { return m_ports; }
+    QString host() const { return QStringLiteral("127.0.0.1"); }
+    /// What it wrote so far, for the message of a failed test.
+    QByteArray output();
+
+private:
+    bool readPorts(const QByteArray& line);
+
+    QTemporaryDir m_folder;
+    QString m_mediaFolder;
+    std::unique_ptr<QProcess> m_process;
+    QByteArray m_output;
+    ServerPorts m_ports{0, 0, 0, 0, 0};
+};
+
+} // namespace vantrel::test
