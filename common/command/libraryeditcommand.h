@@ -1,0 +1,34 @@
+#pragma once
+
+#include "common/command/abstractdiffapicommand.h"
+
+#include <functional>
+
+namespace vantrel {
+
+class MediaLibrary;
+
+/// Base of the commands that edit collections, slots and playlists. A derived init() gives the edit as a
+/// function of a library; it runs on a private copy, and both patches are what the documents before and after
+/// differ by.
+class LibraryEditCommand : public AbstractDiffApiCommand
+{
+    Q_OBJECT
+
+public:
+    using AbstractDiffApiCommand::AbstractDiffApiCommand;
+
+protected:
+    /// Edits the copy. False, after a warning of its own, when that cannot be.
+    using Edit = std::function<bool(MediaLibrary& library)>;
+
+    /// Rehearses the edit; on success both patches and the text stand and the command is initialised.
+    bool rehearse(const MediaLibrary* library, const QString& text, const Edit& edit);
+    /// The same with an edit that takes the first one back; the undo patch is what that one makes.
+    bool rehearse(const MediaLibrary* library, const QString& text, const Edit& edit, const Edit& inverse);
+
+    /// Whether there is a server to send the patches to; warns when there is none.
+    virtual bool hasApi() const;
+};
+
+} // namespace vantrel
