@@ -1,0 +1,129 @@
+#include "common/media/thumbnailprovider.h"
+
+#include "common/media/abstractnetworkaccessmanager.h"
+#include "common/media/medialogging.h"
+#include "common/media/networkresourcecollection.h"
+#include "common/media/resourceurl.h"
+
+#include <QBuffer>
+#include <QImageReader>
+#include <QThreadPool>
+
+namespace vantrel {
+
+namespace {
+
+constexpr int maxCached = 5000;
+constexpr uint retryCount = 3;
+constexpr int timeoutMs = 5000;
+// A JPEG of this many bytes decodes in well under 4 ms; a larger one would hold up the interface.
+constexpr qsizetype maxInlineBytes = 48 * 1024;
+// No view shows more pixels than these, and the cache holds thousands.
+constexpr int maxSide = 640;
+
+QImage decode(const QByteArray& data)
+{
+    QBuffer buffer;
+    buffer.setData(data);
+    QImageReader reader(&buffer, QByteArrayLiteral("JPG"));
+    const QSize size = reader.size();
+    if (size.width() > maxSide || size.height() > maxSide)
+        reader.setScaledSize(size.scaled(maxSide, maxSide, Qt::KeepAspectRatio));
+    return reader.read();
+}
+
+} // namespace
+
+const QString ThumbnailProvider::_apiPath = QStringLiteral("/api/brume/v1/thumbnails/");
+
+ThumbnailProvider::ThumbnailProvider(const QString& host, AbstractNetworkAccessManager* manager,
+                                     long long maxCost, QObject* parent)
+    : QObject(parent)
+    , m_resources(new NetworkResourceCollection(manager, retryCount, timeoutMs, this))
+    , m_cache(maxCached)
+    , m_host(host)
+    , m_decoders(std::make_unique<QThreadPool>())
+{
+    Q_UNUSED(maxCost);
+    m_decoders->setMaxThreadCount(1);
+    connect(m_resources, &NetworkResourceCollection::dataReceived, this,
+            &ThumbnailProvider::handleDataReceived);
+}
+
+ThumbnailProvider::~ThumbnailProvider()
+{
+    m_decoders->clear();
+    m_decoders->waitForDone();
+}
+
+ThumbnailPtr ThumbnailProvider::getThumbnail(const QUrl& url)
+{
+    if (url.isEmpty())
+        return nullptr;
+    if (ThumbnailPtr cached = getThumbnailFromCache(url))
+        return cached;
+    if (!m_decoding.contains(url))
+        m_resources->fetch(url.toString(QUrl::FullyEncoded), resourceUrl(m_host, m_port, _apiPath, url));
+    return nullptr;
+}
+
+ThumbnailPtr ThumbnailProvider::getThumbnailFromCache(const QUrl& url) const
+{
+    const ThumbnailPtr* cached = m_cache.object(url);
+    return cached ? *cached : nullptr;
+}
+
+void ThumbnailProvider::handleDataReceived(const QString& url, const QByteArray& data)
+{
+    const QUrl mediaUrl(url);
+    if (data.size() <= maxInlineBytes) {
+        store(mediaUrl, decode(data));
+        return;
+    }
+    const int number = ++m_lastDecoding;
+    m_decoding.insert(mediaUrl, number);
+    m_decoders->start([this, mediaUrl, data, number] {
+        const QImage image = decode(data);
+        // The destructor waits for this: the object is still here.
+        QMetaObject::invokeMethod(
+            this,
+            [this, mediaUrl, image, number] {
+                if (m_decoding.value(mediaUrl) != number)
+                    return;
+                m_decoding.remove(mediaUrl);
+                store(mediaUrl, image);
+            },
+            Qt::QueuedConnection);
+    });
+}
+
+void ThumbnailProvider::store(const QUrl& url, const QImage& image)
+{
+    if (image.isNull())
+        qCDebug(lcMedia) << "Thumbnail is no JPEG:" << url;
+    const auto pixmap = std::make_shared<const QPixmap>(QPixmap::fromImage(image));
+    m_cache.insert(url, new ThumbnailPtr(pixmap));
+    Q_EMIT thumbnailChanged(url, pixmap);
+}
+
+void ThumbnailProvider::invalidateThumbnail(const QUrl& url, bool terminate)
+{
+    const QString text = url.toString(QUrl::FullyEncoded);
+    if (terminate && m_resources->isFetching(text))
+        m_resources->terminateFetch(text);
+    m_decoding.remove(url);
+    m_cache.remove(url);
+    Q_EMIT thumbnailInvalidated(url);
+}
+
+void ThumbnailProvider::invalidateAll()
+{
+    m_resources->terminateAll();
+    m_decoding.clear();
+    const QList<QUrl> urls = m_cache.keys();
+    m_cache.clear();
+    for (const QUrl& url : urls)
+        Q_EMIT thumbnailInvalidated(url);
+}
+
+} // namespace vantrel
