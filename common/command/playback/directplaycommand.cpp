@@ -1,0 +1,31 @@
+#include "common/command/playback/directplaycommand.h"
+
+#include "common/command/playback/playbackpath.h"
+#include "common/media/mediautils.h"
+#include "tarn/qt/variantqt.h"
+
+namespace vantrel {
+
+using media::MediaUtils;
+
+bool DirectPlayCommand::init(bool preview, int channel, const QString& url)
+{
+    if (url.isEmpty())
+        return false;
+    disableUndo();
+    const QString path = playbackPath(channel, preview) + QStringLiteral("/properties/media");
+    SetCommand::init(Path(path.toStdString()), Variant::from(url));
+    return true;
+}
+
+bool DirectPlayCommand::init(bool preview, int channel, int collection, int slot)
+{
+    return init(preview, channel, MediaUtils::toSlotAddress(collection, slot));
+}
+
+bool DirectPlayCommand::init(bool preview, int channel, int playlist, EntryAddress entry)
+{
+    return init(preview, channel, MediaUtils::toPlaylistAddress(playlist, entry));
+}
+
+} // namespace vantrel

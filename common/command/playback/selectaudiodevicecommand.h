@@ -1,0 +1,19 @@
+#pragma once
+
+#include "common/command/invokemethodcommand.h"
+
+#include <string>
+
+namespace vantrel {
+
+/// Chooses where a channel's sound goes.
+class SelectAudioDeviceCommand : public InvokeMethodCommand
+{
+public:
+    using InvokeMethodCommand::InvokeMethodCommand;
+
+    /// device: the text that the scene has for it, for example "embedded".
+    bool initialize(Object* playback, const std::string& device);
+};
+
+} // namespace vantrel

@@ -1,0 +1,7 @@
+#include "common/notification/notificationlogging.h"
+
+namespace vantrel {
+
+Q_LOGGING_CATEGORY(lcNotification, "vantrel.notification")
+
+} // namespace vantrel
