@@ -50,7 +50,6 @@ bool VideoReader::seek(double time, Picture& out)
 bool VideoReader::next(Picture& out)
 {
     m_atStart = false;
-    m_atStart = false;
     if (!m_hasAhead && !decodeAhead())
         return false;
     std::swap(m_current, m_ahead);

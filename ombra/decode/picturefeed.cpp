@@ -1,0 +1,150 @@
+#include "ombra/decode/picturefeed.h"
+
+#include "tarn/log/log.h"
+
+#include <algorithm>
+
+namespace vantrel::ombra {
+
+PictureFeed::PictureFeed(MediaSource source, Canvas canvas, double start, std::string name,
+                         std::function<void()> arrived)
+    : m_source(std::move(source))
+    , m_canvas(canvas)
+    , m_name(std::move(name))
+    , m_arrived(std::move(arrived))
+    , m_seekTo(start)
+    , m_thread([this] { run(); })
+{
+}
+
+PictureFeed::~PictureFeed()
+{
+    {
+        const std::lock_guard lock(m_mutex);
+        m_stop = true;
+    }
+    m_work.notify_all();
+    m_thread.join();
+}
+
+void PictureFeed::seek(double time)
+{
+    {
+        const std::lock_guard lock(m_mutex);
+        if (!m_seekTo && reuse(time)) {
+            m_first = true;
+        } else {
+            m_queue.clear();
+            m_taken.reset();
+            m_first = true;
+            m_status.ended = false;
+            m_status.failed = m_status.failed && !m_status.opened; // another place may be whole
+            m_seekTo = time;
+        }
+    }
+    m_work.notify_all();
+    m_arrived(); // harmless where nothing arrived, and needed where it was there already
+}
+
+/// Whether the picture of the time is at hand, and then the queue begins with it.
+bool PictureFeed::reuse(double time)
+{
+    std::deque<Picture> known = m_queue;
+    if (m_taken)
+        known.push_front(*m_taken);
+    const auto later = std::ranges::find_if(
+        known, [&](const Picture& picture) { return picture.time > time + PictureReader::tolerance; });
+    const bool isLast = later == known.end() && m_status.ended;
+    if (later == known.begin() || (later == known.end() && !isLast))
+        return false;
+    known.erase(known.begin(), std::prev(later));
+    m_queue = std::move(known);
+    m_taken.reset();
+    return true;
+}
+
+std::optional<Picture> PictureFeed::take(double time)
+{
+    std::optional<Picture> picture;
+    {
+        const std::lock_guard lock(m_mutex);
+        const double limit = time + PictureReader::tolerance;
+        if (m_queue.empty() || (!m_first && m_queue.front().time > limit))
+            return std::nullopt;
+        m_first = false;
+        while (m_queue.size() > 1 && m_queue[1].time <= limit)
+            m_queue.pop_front();
+        picture = m_queue.front();
+        m_taken = picture;
+        m_queue.pop_front();
+    }
+    m_work.notify_all();
+    return picture;
+}
+
+PictureFeed::Status PictureFeed::status() const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_status;
+}
+
+void PictureFeed::run()
+{
+    std::string error;
+    const std::unique_ptr<PictureReader> reader = openReader(m_source, m_canvas, m_stop, &error);
+    std::unique_lock lock(m_mutex);
+    if (!reader) {
+        fail(lock, error);
+        return;
+    }
+    m_status.opened = true;
+    m_status.type = reader->type();
+    m_status.fps = reader->fps();
+    m_status.duration = reader->duration();
+    while (!m_stop) {
+        if (!m_seekTo && (m_queue.size() >= ahead || m_status.ended || m_status.failed)) {
+            m_work.wait(lock);
+            continue;
+        }
+        const std::optional<double> target = std::exchange(m_seekTo, std::nullopt);
+        lock.unlock();
+        Picture picture;
+        const bool found = target ? reader->seek(*target, picture) : reader->next(picture);
+        lock.lock();
+        if (!m_seekTo && !m_stop)
+            accept(lock, found, std::move(picture), target.has_value());
+    }
+}
+
+void PictureFeed::accept(std::unique_lock<std::mutex>& lock, bool found, Picture picture, bool sought)
+{
+    if (!found && sought) {
+        fail(lock, "no picture of it can be decoded");
+        return;
+    }
+    if (!found) {
+        m_status.ended = true;
+        return;
+    }
+    m_status.endTime = picture.time + picture.duration;
+    m_queue.push_back(std::move(picture));
+    if (sought) {
+        lock.unlock();
+        m_arrived();
+        lock.lock();
+    }
+}
+
+void PictureFeed::fail(std::unique_lock<std::mutex>& lock, const std::string& error)
+{
+    m_status.failed = true;
+    if (m_stop)
+        return;
+    lock.unlock();
+    Log::write_fmt(LogLevel::Warning, {"picturefeed", "fail"}, "vantrel.decode", "Cannot play '%s': %s",
+                   m_name.c_str(), error.c_str());
+    m_arrived();
+    lock.lock();
+}
+
+} // namespace vantrel::ombra

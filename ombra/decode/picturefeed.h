@@ -1,0 +1,69 @@
+#pragma once
+
+#include "ombra/decode/picturereader.h"
+
+#include <condition_variable>
+#include <deque>
+#include <functional>
+#include <mutex>
+#include <optional>
+#include <thread>
+
+namespace vantrel::ombra {
+
+/// Decodes one medium ahead of its playback on a thread of its own, which ends with the feed. The functions
+/// only take and give what is there: none waits for a decoder. Any thread.
+class PictureFeed
+{
+public:
+    struct Status
+    {
+        bool opened = false;
+        bool failed = false; // it will never have a picture
+        bool ended = false;  // the queue holds the last picture of the medium, or it was taken
+        double endTime = 0;  // seconds, when that picture ends
+        MediaType type = MediaType::Unknown;
+        double fps = 0;
+        double duration = 0; // seconds; endless for stills
+    };
+
+    /// Opens the medium and decodes from start (seconds) on. arrived is called on the feed's thread when the
+    /// first picture after a seek, or a failure, is there; name stands for the medium in the log.
+    PictureFeed(MediaSource source, Canvas canvas, double start, std::string name,
+                std::function<void()> arrived);
+    ~PictureFeed();
+    PictureFeed(const PictureFeed&) = delete;
+    PictureFeed& operator=(const PictureFeed&) = delete;
+
+    /// Throws away what is decoded, unless the picture of that time is among it.
+    void seek(double time);
+    /// The newest picture at or before the time that was not taken yet, older ones are dropped. The first
+    /// after a seek comes whatever its time.
+    std::optional<Picture> take(double time);
+    Status status() const;
+
+private:
+    static constexpr std::size_t ahead = 6; // pictures
+
+    void run();
+    bool reuse(double time);
+    void accept(std::unique_lock<std::mutex>& lock, bool found, Picture picture, bool sought);
+    void fail(std::unique_lock<std::mutex>& lock, const std::string& error);
+
+    const MediaSource m_source;
+    const Canvas m_canvas;
+    const std::string m_name;
+    const std::function<void()> m_arrived;
+    std::atomic<bool> m_stop{false};
+
+    mutable std::mutex m_mutex;
+    std::condition_variable m_work;
+    std::deque<Picture> m_queue;
+    std::optional<Picture> m_taken; // the one taken last, while it lies directly before the queue
+    std::optional<double> m_seekTo; // asked for, not begun
+    bool m_first = true;            // the next picture is the first after a seek
+    Status m_status;
+    std::thread m_thread; // last: it uses all of the above
+};
+
+} // namespace vantrel::ombra

@@ -1,0 +1,93 @@
+#include "ombra/engine/channel.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace vantrel::ombra {
+
+namespace {
+
+constexpr double longestTransition = 60; // seconds
+
+struct TakeOptions
+{
+    bool swap = true;
+    PlayheadOption playhead = PlayheadOption::FromInpoint;
+    TakeTransitionType transition = TakeTransitionType::Crossfade;
+    double duration = 0;
+};
+
+template <typename T>
+bool readText(const Json& args, const char* name, T& out)
+{
+    const Json* value = args.find(name);
+    return !value || (value->isString() && fromStr(value->stringView(), out));
+}
+
+/// The name of the argument that is wrong, or null.
+const char* readOptions(const Json& args, TakeOptions& out)
+{
+    const Json* toggle = args.find("presetToggle");
+    if (toggle && toggle->type() != JsonType::Bool)
+        return "presetToggle";
+    out.swap = !toggle || toggle->asBool();
+    if (!readText(args, "playheadOption", out.playhead))
+        return "playheadOption";
+    if (!readText(args, "transitionType", out.transition))
+        return "transitionType";
+    const Json* duration = args.find("transitionDuration");
+    if (duration && (!duration->isNumber() || duration->asDouble() < 0))
+        return "transitionDuration";
+    out.duration = duration ? std::min(duration->asDouble(), longestTransition) : 0;
+    return nullptr;
+}
+
+std::optional<double> positionOf(Player& player)
+{
+    return player.deck() ? std::optional(player.deck()->position()) : std::nullopt;
+}
+
+} // namespace
+
+bool Channel::take(const Json& args, std::string* error)
+{
+    TakeOptions options;
+    const char* wrong = readOptions(args, options);
+    if (!wrong && m_preview.loaded().url.empty())
+        wrong = "preview";
+    if (wrong) {
+        if (error)
+            *error = std::string("a take needs a valid '") + wrong + "'";
+        return false;
+    }
+
+    const std::lock_guard lock(m_studio.lock);
+    const bool fromInpoint = options.playhead == PlayheadOption::FromInpoint;
+    const auto keep = [&](Playback& playback) {
+        return fromInpoint ? std::nullopt : positionOf(playback.player());
+    };
+    const Playback::Loaded cued = m_preview.loaded();
+    const Playback::Loaded onAir = m_program.loaded();
+    const std::optional<double> onAirAt = keep(m_program);
+    std::shared_ptr<Deck> deck;
+    if (!options.swap) {
+        deck = m_preview.makeDeck(cued, keep(m_preview), SourcePlayState::Play);
+    } else if ((deck = m_preview.player().release())) {
+        // The very deck goes over, so that a playing preview runs on without a break.
+        if (fromInpoint)
+            deck->seekInpoint();
+        deck->setState(SourcePlayState::Play);
+    }
+    m_program.player().load(std::move(deck), options.transition, options.duration);
+    m_program.setLoaded(cued);
+    m_program.beginTake();
+    if (options.swap) {
+        m_preview.setLoaded(onAir);
+        m_preview.player().load(m_preview.makeDeck(onAir, onAirAt, SourcePlayState::Pause),
+                                TakeTransitionType::DirectCut, 0);
+    }
+    m_studio.wake();
+    return true;
+}
+
+} // namespace vantrel::ombra

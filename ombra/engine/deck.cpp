@@ -1,0 +1,191 @@
+#include "ombra/engine/deck.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace vantrel::ombra {
+
+namespace {
+
+/// Less than any picture, more than the tolerance of a seek: a time this much before an end means the picture
+/// before.
+constexpr double beforeEnd = 0.001;
+
+} // namespace
+
+Deck::Deck(MediaSource source, const MediaItem& item, EndAction endAction, Canvas canvas,
+           std::optional<double> position, SourcePlayState state, std::function<void()> wake)
+    : m_item(item)
+    , m_endAction(endAction)
+    , m_state(state)
+    , m_target(position.value_or(item.inpoint))
+    , m_position(m_target)
+    , m_feed(std::move(source), canvas, m_target, item.contentUrl, std::move(wake))
+{
+}
+
+void Deck::setState(SourcePlayState state)
+{
+    if (state == SourcePlayState::Stop && m_state != SourcePlayState::Stop)
+        start(m_item.inpoint);
+    if (state == SourcePlayState::Play && m_atEnd)
+        start(m_item.inpoint);
+    if (state != m_state)
+        m_clockStart.reset();
+    m_state = state;
+}
+
+void Deck::setItem(const MediaItem& item)
+{
+    const bool moved = item.inpoint != m_item.inpoint;
+    m_item = item;
+    if (moved && m_state == SourcePlayState::Stop)
+        start(m_item.inpoint);
+}
+
+void Deck::seek(double position)
+{
+    start(std::clamp(position, 0.0, std::max(0.0, seekLimit())));
+    if (m_state == SourcePlayState::Stop)
+        m_state = SourcePlayState::Pause;
+}
+
+void Deck::seekOutpoint()
+{
+    const double limit = end(m_feed.status(), false);
+    if (std::isinf(limit) && !m_feed.status().opened) {
+        m_toOutpoint = true;
+        return;
+    }
+    seek(std::isinf(limit) ? m_item.inpoint : limit - beforeEnd);
+}
+
+void Deck::step(int pictures)
+{
+    const double fps = m_feed.status().fps > 0 ? m_feed.status().fps : 25;
+    // From the middle of a picture, so that no rounding decides which one is hit.
+    const double from = m_awaiting ? m_target : m_position + 0.5 / fps;
+    const double last = std::max(m_item.inpoint, end(m_feed.status(), false) - beforeEnd);
+    start(std::clamp(from + pictures / fps, m_item.inpoint, last));
+    m_state = SourcePlayState::Pause;
+}
+
+void Deck::start(double position)
+{
+    m_target = position;
+    m_awaiting = true;
+    m_toOutpoint = false;
+    m_atEnd = false;
+    m_endedNews = false;
+    m_clockStart.reset();
+    m_feed.seek(position);
+}
+
+void Deck::advance(double now)
+{
+    const PictureFeed::Status status = m_feed.status();
+    if (status.failed) {
+        m_awaiting = false;
+        m_surface = nullptr;
+        if (m_state == SourcePlayState::Play && !m_atEnd) {
+            m_atEnd = true;
+            m_endedNews = m_endAction == EndAction::Next;
+            if (!m_endedNews)
+                m_state = SourcePlayState::Stop;
+        }
+        return;
+    }
+    if (m_toOutpoint && status.opened)
+        seekOutpoint();
+    if (m_awaiting) {
+        const std::optional<Picture> picture = m_feed.take(m_target);
+        if (!picture)
+            return;
+        show(*picture);
+        m_awaiting = false;
+    }
+    if (m_state != SourcePlayState::Play || m_atEnd)
+        return;
+    if (!m_clockStart) {
+        m_clockStart = now;
+        m_clockPosition = m_position;
+    }
+    const double position = m_clockPosition + now - *m_clockStart;
+    const double limit = end(status, true);
+    if (position > limit - PictureReader::tolerance)
+        finish(limit);
+    else if (const std::optional<Picture> picture = m_feed.take(position))
+        show(*picture);
+}
+
+void Deck::show(const Picture& picture)
+{
+    m_surface = picture.surface;
+    m_position = picture.time;
+}
+
+void Deck::finish(double end)
+{
+    if (const std::optional<Picture> picture = m_feed.take(end - beforeEnd))
+        show(*picture);
+    m_atEnd = true;
+    m_clockStart.reset();
+    switch (m_endAction) {
+    case EndAction::Repeat:
+        // What is no longer than a picture has nothing to repeat, and would seek for ever.
+        if (end - m_item.inpoint > 0.05)
+            start(m_item.inpoint);
+        else
+            m_state = SourcePlayState::Pause;
+        break;
+    case EndAction::Stop:
+        setState(SourcePlayState::Stop);
+        break;
+    case EndAction::Next:
+        m_endedNews = true;
+        break;
+    case EndAction::Pause:
+    case EndAction::GoTo:
+        m_state = SourcePlayState::Pause;
+        break;
+    }
+}
+
+double Deck::end(const PictureFeed::Status& status, bool playing) const
+{
+    if (status.type == MediaType::ImageFile)
+        return m_item.stillDuration.value_or(PictureReader::endless);
+    double limit = m_item.outpoint.value_or(PictureReader::endless);
+    if (status.ended)
+        limit = std::min(limit, status.endTime);
+    else if (status.duration > 0 && !playing)
+        limit = std::min(limit, status.duration);
+    return limit;
+}
+
+double Deck::seekLimit() const
+{
+    const PictureFeed::Status status = m_feed.status();
+    if (status.type == MediaType::ImageFile)
+        return end(status, false);
+    return status.duration > 0 ? status.duration : PictureReader::endless;
+}
+
+double Deck::outpoint() const
+{
+    const PictureFeed::Status status = m_feed.status();
+    if (status.type == MediaType::ImageFile)
+        return m_item.stillDuration.value_or(0);
+    const double whole = std::isinf(status.duration) ? 0 : status.duration;
+    return m_item.outpoint ? (whole > 0 ? std::min(*m_item.outpoint, whole) : *m_item.outpoint) : whole;
+}
+
+double Deck::duration() const
+{
+    const PictureFeed::Status status = m_feed.status();
+    if (status.type == MediaType::ImageFile)
+        return m_item.stillDuration.value_or(0);
+    return std::isinf(status.duration) ? 0 : status.duration;
+}
+
+} // namespace vantrel::ombra

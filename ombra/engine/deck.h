@@ -1,0 +1,72 @@
+#pragma once
+
+#include "ombra/decode/picturefeed.h"
+#include "ombra/engine/slotsource.h"
+#include "tarn/media/enums.h"
+
+#include <functional>
+#include <memory>
+#include <optional>
+
+namespace vantrel::ombra {
+
+/// One medium being played: its feed, its clock and what happens at its end. Belongs to a Player; both the
+/// controlling and the mixing thread call it under the engine's lock, and nothing here waits. Times are
+/// seconds of the media; "now" is the mixing clock in seconds.
+class Deck
+{
+public:
+    /// Starts to decode at the position (at the in point where there is none), in the given state.
+    Deck(MediaSource source, const MediaItem& item, EndAction endAction, Canvas canvas,
+         std::optional<double> position, SourcePlayState state, std::function<void()> wake);
+
+    void setState(SourcePlayState state);
+    void setEndAction(EndAction action) { m_endAction = action; }
+    /// New in and out points and duration of the same medium; playback goes on where it is.
+    void setItem(const MediaItem& item);
+    void seek(double position);
+    void seekInpoint() { seek(m_item.inpoint); }
+    /// To the last picture before the out point.
+    void seekOutpoint();
+    /// Pauses, and goes on (or back) by whole pictures between the in and the out point.
+    void step(int pictures);
+
+    /// Takes what the feed has for this moment. At the end it does as the end action says.
+    void advance(double now);
+
+    const Ref<Surface>& surface() const { return m_surface; } // null before the first picture
+    double position() const { return m_position; }            // of the surface
+    SourcePlayState state() const { return m_state; }
+    bool landed() const { return !m_awaiting; } // what is shown is what was sought last
+    bool failed() const { return m_feed.status().failed; }
+    /// Whether the end was reached and the end action Next is due; tells it once.
+    bool takeEnded() { return std::exchange(m_endedNews, false); }
+    PictureFeed::Status status() const { return m_feed.status(); }
+    double outpoint() const; // the out point, else the end of the media; 0 while that is unknown or endless
+    double duration() const; // of the media untrimmed, 0 as above
+
+private:
+    /// The out point or the end of the media. While it plays, only the last picture itself ends a medium,
+    /// since files are often a little longer or shorter than they say.
+    double end(const PictureFeed::Status& status, bool playing) const;
+    double seekLimit() const;
+    void start(double position);
+    void show(const Picture& picture);
+    void finish(double end);
+
+    MediaItem m_item;
+    EndAction m_endAction;
+    SourcePlayState m_state;
+    double m_target; // sought last
+    bool m_awaiting = true;
+    bool m_toOutpoint = false; // the target is the out point, which is not known yet
+    bool m_atEnd = false;
+    bool m_endedNews = false;
+    std::optional<double> m_clockStart; // "now" at which m_clockPosition was shown, while playing
+    double m_clockPosition = 0;
+    Ref<Surface> m_surface;
+    double m_position;
+    PictureFeed m_feed; // last: its thread calls wake
+};
+
+} // namespace vantrel::ombra

@@ -1,0 +1,240 @@
+#include "ombra/engine/engine.h"
+
+#include "ombra/engine/channel.h"
+#include "ombra/engine/librarysource.h"
+#include "ombra/engine/mixer.h"
+#include "tarn/log/log.h"
+#include "tarn/media/medialibrary.h"
+#include "tarn/scene/scene.h"
+
+#include <boost/asio/io_context.hpp>
+#include <boost/asio/post.hpp>
+
+#include <atomic>
+
+namespace vantrel::ombra {
+
+namespace {
+
+constexpr const char* channelsPath = "/device/channels";
+
+/// The place below /device/channels that a path names.
+struct Place
+{
+    long long channel = -1;
+    std::string child;  // "preview", "program", or empty for the channel itself
+    std::string method; // empty for a path without one
+};
+
+bool parsePlace(PathView path, Place& out)
+{
+    if (path.size() < 3 || path[0].text() != "device" || path[1].text() != "channels" ||
+        !path[2].parseIndex(&out.channel))
+        return false;
+    PathView rest = path.from(3);
+    if (!rest.empty() && rest[0].text() != "methods") {
+        out.child = rest[0].text();
+        rest = rest.from(1);
+    }
+    if (rest.size() == 2 && rest[0].text() == "methods")
+        out.method = rest[1].text();
+    else if (!rest.empty())
+        return false;
+    return true;
+}
+
+} // namespace
+
+class Engine::Impl
+{
+public:
+    Impl(boost::asio::io_context& io, Scene& scene, MediaLibrary& library, EngineConfig config)
+        : m_io(io)
+        , m_scene(scene)
+        , m_source(library)
+        , m_studio{m_source, std::move(config.mediaFolder),
+                   Canvas{config.previewWidth, config.previewWidth * 9 / 16},
+                   blackSurface({config.previewWidth, config.previewWidth * 9 / 16}),
+                   [this] { m_mixer.wake(); }}
+        , m_mixer(m_studio.lock, config.framesPerSecond, [this] { schedulePublish(); })
+    {
+        addChannels();
+        m_mixer.start();
+    }
+
+    ~Impl() { m_mixer.stop(); }
+
+    Mixer& mixer() { return m_mixer; }
+
+    bool invoke(PathView methodPath, const Json& args, std::string* error)
+    {
+        Place place;
+        if (!parsePlace(methodPath, place) || place.method.empty())
+            return refuse(methodPath, error);
+        Channel* channel = channelAt(place.channel);
+        if (!channel)
+            return refuse(methodPath, error);
+        bool done = false;
+        if (Playback* playback = playbackOf(*channel, place.child)) {
+            if (place.method == "selectAudioDevice")
+                return selectAudioDevice(playback->path(), args, error);
+            done = playback->invoke(place.method, args, error);
+        } else if (place.child.empty() && place.method == "take") {
+            done = channel->take(args, error);
+        } else {
+            return refuse(methodPath, error);
+        }
+        if (done)
+            publish(); // clients see the new media and state before the first picture
+        return done;
+    }
+
+    void propertyWritten(Object* object, const PropertyInfo* property)
+    {
+        Path path;
+        Place place;
+        Variant value;
+        if (!object || !property || !m_scene.pathOf(object, path) || !parsePlace(path, place) ||
+            !object->getProperty(property, value))
+            return;
+        Channel* channel = channelAt(place.channel);
+        Playback* playback = channel ? playbackOf(*channel, place.child) : nullptr;
+        if (!playback)
+            return;
+        if (property->name == "state") {
+            SourcePlayState state;
+            if (readEnum(value, state))
+                playback->setState(state);
+        } else if (property->name == "endAction") {
+            EndAction action;
+            if (readEnum(value, action))
+                playback->setEndAction(action);
+        } else if (property->name == "media") {
+            playback->setMedia(value.asString());
+        }
+        publish(); // also puts right what a client may not write
+    }
+
+    void libraryChanged()
+    {
+        for (const std::unique_ptr<Channel>& channel : m_channels) {
+            channel->preview().libraryChanged();
+            channel->program().libraryChanged();
+        }
+        publish();
+    }
+
+private:
+    template <typename T>
+    static bool readEnum(const Variant& value, T& out)
+    {
+        if (value.type() == VariantType::String)
+            return fromStr(value.asString(), out);
+        out = value.as<T>();
+        return true;
+    }
+
+    static bool refuse(PathView path, std::string* error)
+    {
+        if (error)
+            *error = "there is nothing to invoke at '" + path.toString() + "'";
+        return false;
+    }
+
+    static Playback* playbackOf(Channel& channel, const std::string& child)
+    {
+        return child == "preview" ? &channel.preview() : child == "program" ? &channel.program() : nullptr;
+    }
+
+    Channel* channelAt(long long index)
+    {
+        addChannels();
+        const bool known = index >= 0 && index < static_cast<long long>(m_channels.size());
+        return known ? m_channels[static_cast<std::size_t>(index)].get() : nullptr;
+    }
+
+    void addChannels()
+    {
+        const auto* array = dynamic_cast<ObjectArray*>(m_scene.findObject(channelsPath));
+        const std::size_t count = array ? static_cast<std::size_t>(array->size()) : 0;
+        while (m_channels.size() < count) {
+            const std::string path = std::string(channelsPath) + '/' + std::to_string(m_channels.size());
+            m_channels.push_back(std::make_unique<Channel>(m_studio, path));
+            m_mixer.add(m_channels.back()->preview());
+            m_mixer.add(m_channels.back()->program());
+        }
+    }
+
+    bool selectAudioDevice(const std::string& path, const Json& args, std::string* error)
+    {
+        const Json* device = args.find("device");
+        AudioPlaybackDevice value;
+        if (!device || !device->isString() || !fromStr(device->stringView(), value)) {
+            if (error)
+                *error = "the argument 'device' must name an audio device";
+            return false;
+        }
+        m_scene.replaceProperty(m_scene.find(path + "/properties/audioDevice"), Variant::from(value));
+        return true;
+    }
+
+    /// On the mixing thread. One publication at a time waits: a busy thread gets the newest values, not all.
+    void schedulePublish()
+    {
+        if (m_scheduled.exchange(true))
+            return;
+        boost::asio::post(m_io, [this, alive = std::weak_ptr<bool>(m_alive)] {
+            if (!alive.lock())
+                return;
+            m_scheduled = false;
+            publish();
+        });
+    }
+
+    void publish()
+    {
+        addChannels();
+        for (const std::unique_ptr<Channel>& channel : m_channels) {
+            channel->preview().publish(m_scene);
+            channel->program().publish(m_scene);
+        }
+    }
+
+    boost::asio::io_context& m_io;
+    Scene& m_scene;
+    LibrarySource m_source;
+    Studio m_studio;
+    std::atomic<bool> m_scheduled{false};
+    std::shared_ptr<bool> m_alive = std::make_shared<bool>(true);
+    Mixer m_mixer;                                    // stopped before anything goes
+    std::vector<std::unique_ptr<Channel>> m_channels; // their decks wake the mixer to the last
+};
+
+Engine::Engine(boost::asio::io_context& io, Scene& scene, MediaLibrary& library, EngineConfig config)
+    : m_impl(std::make_unique<Impl>(io, scene, library, std::move(config)))
+{
+}
+
+Engine::~Engine() = default;
+
+void Engine::setPreviewSink(std::function<void(PreviewPicture)> sink)
+{
+    m_impl->mixer().setSink(std::move(sink));
+}
+
+bool Engine::invoke(PathView methodPath, const Json& args, std::string* error)
+{
+    return m_impl->invoke(methodPath, args, error);
+}
+
+void Engine::propertyWritten(Object* object, const PropertyInfo* property)
+{
+    m_impl->propertyWritten(object, property);
+}
+
+void Engine::libraryChanged()
+{
+    m_impl->libraryChanged();
+}
+
+} // namespace vantrel::ombra

@@ -1,0 +1,13 @@
+#pragma once
+
+#include "tarn/media/enums.h"
+#include "tarn/preview/frame.h"
+#include "tarn/ref.h"
+
+namespace vantrel::ombra {
+
+/// A moment of a transition as a new surface. Weight 0 is all of from, 1 all of to; a dip is black in the
+/// middle. Both surfaces must be 24-bit RGB of one size, or else the result is to.
+Ref<Surface> mix(const Ref<Surface>& from, const Ref<Surface>& to, TakeTransitionType type, double weight);
+
+} // namespace vantrel::ombra

@@ -1,0 +1,128 @@
+#include "ombra/engine/mixer.h"
+
+#include "ombra/engine/mix.h"
+
+#include <algorithm>
+
+namespace vantrel::ombra {
+
+namespace {
+
+constexpr double repeatAfter = 0.24; // seconds after which an unchanged picture is sent again
+constexpr int roundsLeftOut = 5;     // when this late, go on from now rather than catch up
+
+} // namespace
+
+Mixer::Mixer(std::mutex& lock, int framesPerSecond, std::function<void()> ticked)
+    : m_lock(lock)
+    , m_period(std::chrono::nanoseconds(1'000'000'000 / std::clamp(framesPerSecond, 1, 240)))
+    , m_ticked(std::move(ticked))
+{
+}
+
+Mixer::~Mixer()
+{
+    stop();
+}
+
+void Mixer::add(Playback& playback)
+{
+    const std::lock_guard lock(m_lock);
+    m_outputs.push_back(std::make_unique<Output>(Output{&playback, nullptr}));
+}
+
+void Mixer::start()
+{
+    m_thread = std::thread([this] { run(); });
+}
+
+void Mixer::stop()
+{
+    {
+        const std::lock_guard lock(m_wakeMutex);
+        m_stop = true;
+    }
+    m_wake.notify_all();
+    if (m_thread.joinable())
+        m_thread.join();
+}
+
+void Mixer::wake()
+{
+    {
+        const std::lock_guard lock(m_wakeMutex);
+        m_woken = true;
+    }
+    m_wake.notify_all();
+}
+
+void Mixer::setSink(std::function<void(PreviewPicture)> sink)
+{
+    const std::lock_guard lock(m_sinkMutex);
+    m_sink = std::move(sink);
+}
+
+void Mixer::run()
+{
+    const Clock::time_point begin = Clock::now();
+    Clock::time_point next = begin;
+    std::unique_lock lock(m_wakeMutex);
+    while (!m_stop) {
+        m_wake.wait_until(lock, next, [this] { return m_woken || m_stop; });
+        m_woken = false;
+        if (m_stop)
+            break;
+        Clock::time_point now = Clock::now();
+        if (now >= next) {
+            // Rounds count by the rate and not by when they came: 25 pictures a second meet 25 rounds
+            // exactly.
+            if (now > next + roundsLeftOut * m_period)
+                next = now;
+            now = next;
+            next += m_period;
+        }
+        lock.unlock();
+        round(std::chrono::duration<double>(now - begin).count());
+        m_ticked();
+        lock.lock();
+    }
+}
+
+void Mixer::round(double now)
+{
+    for (std::size_t i = 0;; ++i) {
+        Output* output = nullptr;
+        Player::Moment moment;
+        std::vector<std::shared_ptr<Deck>> retired; // let go after the lock
+        {
+            const std::lock_guard lock(m_lock);
+            if (i >= m_outputs.size())
+                return;
+            output = m_outputs[i].get();
+            moment = output->playback->player().advance(now);
+            retired = output->playback->player().takeRetired();
+        }
+        const Ref<Surface> surface =
+            moment.from ? mix(moment.from, moment.to, moment.type, moment.weight) : moment.to;
+        {
+            const std::lock_guard lock(m_lock);
+            output->playback->player().setShown(surface);
+        }
+        send(*output, surface, now);
+    }
+}
+
+void Mixer::send(Output& output, const Ref<Surface>& surface, double now)
+{
+    if (surface == output.sent && now < output.sentAt + repeatAfter)
+        return;
+    output.sent = surface;
+    output.sentAt = now;
+    const auto wall = std::chrono::system_clock::now().time_since_epoch();
+    const std::lock_guard lock(m_sinkMutex);
+    if (m_sink)
+        m_sink({output.playback->path(), 0,
+                std::chrono::duration_cast<std::chrono::nanoseconds>(wall).count(), surface});
+}
+
+} // namespace vantrel::ombra

@@ -1,0 +1,61 @@
+#pragma once
+
+#include "ombra/engine/engine.h"
+#include "ombra/engine/playback.h"
+
+#include <atomic>
+#include <condition_variable>
+#include <functional>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+namespace vantrel::ombra {
+
+/// The thread that moves all players on at a steady rate, mixes what they show and gives it to the sink. Made
+/// and stopped on the io_context's thread.
+class Mixer
+{
+public:
+    /// The lock guards the players; ticked is called on the mixing thread after every round.
+    Mixer(std::mutex& lock, int framesPerSecond, std::function<void()> ticked);
+    ~Mixer();
+
+    void add(Playback& playback); // before it shows anything; the playback outlives the thread
+    void start();
+    void stop();
+    /// A round at once rather than at the next moment of the rate. Any thread.
+    void wake();
+    /// After this returns the sink before is not called any more.
+    void setSink(std::function<void(PreviewPicture)> sink);
+
+private:
+    using Clock = std::chrono::steady_clock;
+
+    struct Output
+    {
+        Playback* playback;
+        Ref<Surface> sent;
+        double sentAt = 0;
+    };
+
+    void run();
+    void round(double now);
+    void send(Output& output, const Ref<Surface>& surface, double now);
+
+    std::mutex& m_lock;
+    const Clock::duration m_period;
+    const std::function<void()> m_ticked;
+    std::vector<std::unique_ptr<Output>> m_outputs; // under m_lock
+
+    std::mutex m_sinkMutex;
+    std::function<void(PreviewPicture)> m_sink;
+
+    std::mutex m_wakeMutex;
+    std::condition_variable m_wake;
+    bool m_woken = false;
+    bool m_stop = false;
+    std::thread m_thread;
+};
+
+} // namespace vantrel::ombra

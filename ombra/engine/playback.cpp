@@ -1,0 +1,260 @@
+#include "ombra/engine/playback.h"
+
+#include "ombra/decode/mediaurl.h"
+#include "tarn/log/log.h"
+#include "tarn/media/enums.h"
+#include "tarn/scene/scene.h"
+
+#include <cmath>
+
+namespace vantrel::ombra {
+
+namespace {
+
+bool fail(std::string* error, std::string text)
+{
+    if (error)
+        *error = std::move(text);
+    return false;
+}
+
+bool numberArgument(const Json& args, const char* name, double& out, std::string* error)
+{
+    const Json* value = args.find(name);
+    if (!value || !value->isNumber() || !std::isfinite(value->asDouble()))
+        return fail(error, std::string("the argument '") + name + "' must be a number");
+    out = value->asDouble();
+    return true;
+}
+
+bool textArgument(const Json& args, const char* name, std::string& out, std::string* error)
+{
+    const Json* value = args.find(name);
+    if (!value || !value->isString())
+        return fail(error, std::string("the argument '") + name + "' must be a text");
+    out = value->asString();
+    return true;
+}
+
+/// Writes a property and tells the scene's listeners, where the value differs.
+void put(Scene& scene, Object& object, const char* name, const Variant& value)
+{
+    const PropertyInfo* property = object.findProperty(name);
+    Variant present;
+    if (property && object.getProperty(property, present) && !(present == value) &&
+        object.setProperty(property, value))
+        scene.notifyPropertyChange(&object, property, value);
+}
+
+} // namespace
+
+Playback::Playback(Studio& studio, std::string path, bool isProgram)
+    : m_studio(studio)
+    , m_path(std::move(path))
+    , m_player(studio.black, isProgram)
+{
+}
+
+bool Playback::invoke(std::string_view method, const Json& args, std::string* error)
+{
+    double number = 0;
+    std::string text;
+    if (method == "playMedia")
+        return textArgument(args, "mediaUrl", text, error) && playMedia(text, error);
+    if (method == "nextMedia" || method == "prevMedia") {
+        move(method == "nextMedia" ? 1 : -1, method == "nextMedia");
+        return true;
+    }
+    if (method == "seekMedia" && !numberArgument(args, "mediaPosition", number, error))
+        return false;
+    if (method == "seekMedia" && number < 0)
+        return fail(error, "there is no position before 0");
+    if (method == "step" && !numberArgument(args, "frameCount", number, error))
+        return false;
+    if (method != "seekMedia" && method != "step" && method != "seekInpoint" && method != "seekOutpoint")
+        return fail(error, "a playback has no method '" + std::string(method) + "'");
+
+    const std::lock_guard lock(m_studio.lock);
+    const std::shared_ptr<Deck>& deck = m_player.deck();
+    if (!deck)
+        return true;
+    if (method == "seekMedia")
+        deck->seek(number);
+    else if (method == "step")
+        deck->step(static_cast<int>(std::clamp(number, -1e6, 1e6)));
+    else if (method == "seekInpoint")
+        deck->seekInpoint();
+    else
+        deck->seekOutpoint();
+    return true;
+}
+
+void Playback::setState(SourcePlayState state)
+{
+    const std::lock_guard lock(m_studio.lock);
+    if (m_player.deck())
+        m_player.deck()->setState(state);
+    m_studio.wake();
+}
+
+void Playback::setEndAction(EndAction action)
+{
+    m_loaded.endAction = action;
+    const std::lock_guard lock(m_studio.lock);
+    if (m_player.deck())
+        m_player.deck()->setEndAction(action);
+}
+
+void Playback::setMedia(const std::string& url)
+{
+    std::optional<MediaItem> item = m_studio.source.resolve(url);
+    if (!item && !url.empty())
+        Log::write_fmt(LogLevel::Warning, {"playback", "setMedia"}, "vantrel.engine",
+                       "There is no media '%s' to show on %s", url.c_str(), m_path.c_str());
+    load(url, std::move(item), SourcePlayState::Play, false);
+}
+
+bool Playback::playMedia(const std::string& url, std::string* error)
+{
+    std::optional<MediaItem> item = m_studio.source.resolve(url);
+    if (!item)
+        return fail(error, "there is no media '" + url + "'");
+    load(url, std::move(item), SourcePlayState::Play, false);
+    return true;
+}
+
+void Playback::load(const std::string& url, std::optional<MediaItem> item, SourcePlayState state,
+                    bool transition)
+{
+    const std::lock_guard lock(m_studio.lock);
+    const EndAction before = m_loaded.endAction;
+    m_loaded = {url, std::move(item), before};
+    const std::optional<MediaItem>& now = m_loaded.item;
+    if (now && now->mode == SourceMode::Playlist)
+        m_loaded.endAction = now->endAction;
+    else if (now && (before == EndAction::Next || before == EndAction::GoTo))
+        m_loaded.endAction = EndAction::Pause;
+    const bool mixes = now && transition && now->mode == SourceMode::Playlist;
+    m_taking = false;
+    m_player.load(makeDeck(m_loaded, std::nullopt, state),
+                  mixes ? now->transition : TakeTransitionType::DirectCut,
+                  mixes ? now->transitionDuration : 0);
+    m_studio.wake();
+}
+
+std::shared_ptr<Deck> Playback::makeDeck(const Loaded& loaded, std::optional<double> position,
+                                         SourcePlayState state) const
+{
+    if (!loaded.item)
+        return nullptr;
+    // A URL that leads out of the folder gives an empty path, which plays like any other missing file.
+    MediaSource source{resolveMediaUrl(m_studio.mediaFolder, loaded.item->contentUrl).value_or(""),
+                       loaded.item->sequence};
+    return std::make_shared<Deck>(std::move(source), *loaded.item, loaded.endAction, m_studio.canvas,
+                                  position, state, m_studio.wake);
+}
+
+bool Playback::move(int direction, bool transition)
+{
+    const std::string url = m_studio.source.neighbour(m_loaded.url, direction);
+    std::optional<MediaItem> item = url.empty() ? std::nullopt : m_studio.source.resolve(url);
+    if (!item)
+        return false;
+    SourcePlayState state = SourcePlayState::Pause;
+    {
+        const std::lock_guard lock(m_studio.lock);
+        if (m_player.deck())
+            state = m_player.deck()->state();
+    }
+    load(url, std::move(item), state, transition && state == SourcePlayState::Play);
+    return true;
+}
+
+void Playback::libraryChanged()
+{
+    if (m_loaded.url.empty())
+        return;
+    std::optional<MediaItem> item = m_studio.source.resolve(m_loaded.url);
+    if (item == m_loaded.item)
+        return;
+    if (!item || !m_loaded.item) {
+        load(m_loaded.url, std::move(item), SourcePlayState::Stop, false);
+        return;
+    }
+    const std::lock_guard lock(m_studio.lock);
+    if (item->mode == SourceMode::Playlist && item->endAction != m_loaded.item->endAction)
+        m_loaded.endAction = item->endAction;
+    const bool sameFile =
+        item->contentUrl == m_loaded.item->contentUrl && item->sequence == m_loaded.item->sequence;
+    m_loaded.item = std::move(item);
+    const std::shared_ptr<Deck>& deck = m_player.deck();
+    if (!deck)
+        return;
+    if (!sameFile) {
+        m_player.load(makeDeck(m_loaded, std::nullopt, deck->state()), TakeTransitionType::DirectCut, 0);
+        return;
+    }
+    deck->setItem(*m_loaded.item);
+    deck->setEndAction(m_loaded.endAction);
+}
+
+void Playback::goOn()
+{
+    if (move(1, true))
+        return;
+    const std::lock_guard lock(m_studio.lock);
+    if (const std::shared_ptr<Deck>& deck = m_player.deck())
+        deck->setState(deck->failed() ? SourcePlayState::Stop : SourcePlayState::Pause);
+}
+
+void Playback::publish(Scene& scene)
+{
+    bool ended = false;
+    {
+        const std::lock_guard lock(m_studio.lock);
+        ended = m_player.deck() && m_player.deck()->takeEnded();
+    }
+    if (ended)
+        goOn();
+
+    PictureFeed::Status status;
+    SourcePlayState state = SourcePlayState::Stop;
+    double position = 0, outpoint = 0, duration = 0, progress = 0;
+    {
+        const std::lock_guard lock(m_studio.lock);
+        if (const std::shared_ptr<Deck>& deck = m_player.deck()) {
+            status = deck->status();
+            state = deck->state();
+            position = deck->position();
+            outpoint = deck->outpoint();
+            duration = deck->duration();
+        }
+        m_taking = m_taking && m_player.inTransition();
+        progress = m_taking ? m_player.progress() : 0;
+    }
+    Object* object = scene.findObject(m_path);
+    if (!object)
+        return;
+    const Ref<Object> keep(object);
+    const std::optional<MediaItem>& item = m_loaded.item;
+    put(scene, *object, "media", Variant::from(m_loaded.url));
+    put(scene, *object, "sourceMode", Variant::from(item ? item->mode : SourceMode::None));
+    put(scene, *object, "endAction", Variant::from(m_loaded.endAction));
+    put(scene, *object, "state", Variant::from(state));
+    put(scene, *object, "inpoint", Variant::from(item ? item->inpoint : 0.0));
+    put(scene, *object, "outpoint", Variant::from(outpoint));
+    put(scene, *object, "duration", Variant::from(duration));
+    put(scene, *object, "fps", Variant::from(status.fps));
+    put(scene, *object, "mediaPosition", Variant::from(position));
+    publishProgress(scene, *object, progress);
+}
+
+/// A transition always ends at 1 before it goes back to 0, also when no picture fell on its last moment.
+void Playback::publishProgress(Scene& scene, Object& object, double progress)
+{
+    const bool ends = progress == 0 && m_progress > 0 && m_progress < 1;
+    m_progress = ends ? 1 : progress;
+    put(scene, object, "takeProgress", Variant::from(m_progress));
+}
+
+} // namespace vantrel::ombra

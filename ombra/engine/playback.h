@@ -1,0 +1,87 @@
+#pragma once
+
+#include "ombra/engine/player.h"
+#include "ombra/engine/slotsource.h"
+#include "tarn/json/json.h"
+
+#include <filesystem>
+#include <functional>
+#include <mutex>
+#include <string>
+
+namespace vantrel {
+class Object;
+class Scene;
+} // namespace vantrel
+
+namespace vantrel::ombra {
+
+/// What the playbacks of an engine share.
+struct Studio
+{
+    const SlotSource& source;
+    std::filesystem::path mediaFolder;
+    Canvas canvas;
+    Ref<Surface> black;
+    std::function<void()> wake; // the mixing thread; called from any thread, also under the lock
+    std::mutex lock{};          // guards all players and decks
+};
+
+/// One of the two playbacks of a channel as clients see it: what is loaded, and the methods and properties.
+/// The io_context's thread, but for player(), which the mixing thread uses under the studio's lock.
+///
+/// A stopped playback waits at the in point; program is black meanwhile, preview shows the picture. A seek or
+/// a step turns stop into pause. Slots have no end action of their own: loading one turns "next" into
+/// "pause". At the end of a list "next" pauses on the last picture; media that do not play are passed over in
+/// a list and stop elsewhere.
+class Playback
+{
+public:
+    /// What is loaded. The item is empty where the library has no such media.
+    struct Loaded
+    {
+        std::string url;
+        std::optional<MediaItem> item;
+        EndAction endAction = EndAction::Next;
+    };
+
+    Playback(Studio& studio, std::string path, bool isProgram);
+
+    /// A client's call; false, and a message, when there is no such method or argument.
+    bool invoke(std::string_view method, const Json& args, std::string* error);
+    /// A client's writes.
+    void setState(SourcePlayState state);
+    void setEndAction(EndAction action);
+    void setMedia(const std::string& url);
+
+    void libraryChanged();
+    /// Goes on after an end, and writes into the scene what has changed.
+    void publish(Scene& scene);
+
+    const std::string& path() const { return m_path; }
+    Player& player() { return m_player; }
+    const Loaded& loaded() const { return m_loaded; }
+
+    // For a take, under the studio's lock.
+    void setLoaded(Loaded loaded) { m_loaded = std::move(loaded); }
+    std::shared_ptr<Deck> makeDeck(const Loaded& loaded, std::optional<double> position,
+                                   SourcePlayState state) const;
+    void beginTake() { m_taking = true; }
+
+private:
+    bool playMedia(const std::string& url, std::string* error);
+    void load(const std::string& url, std::optional<MediaItem> item, SourcePlayState state, bool transition);
+    /// To the next or the previous slot or entry; false when there is none.
+    bool move(int direction, bool transition);
+    void goOn();
+    void publishProgress(Scene& scene, Object& object, double progress);
+
+    Studio& m_studio;
+    const std::string m_path;
+    Loaded m_loaded;
+    Player m_player;
+    bool m_taking = false;
+    double m_progress = 0; // published
+};
+
+} // namespace vantrel::ombra

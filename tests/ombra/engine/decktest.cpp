@@ -1,0 +1,171 @@
+#include "ombra/engine/deck.h"
+
+#include "tests/ombra/decode/testmedia.h"
+#include "tests/support/testmain.h"
+
+using namespace vantrel;
+using namespace vantrel::ombra;
+using namespace vantrel::test;
+
+/// Plays decks by a clock that the test moves: what is due at a moment is waited for, never slept for.
+class DeckTest : public QObject
+{
+    Q_OBJECT
+
+private:
+    std::unique_ptr<Deck> make(const char* name, MediaItem item, EndAction endAction,
+                               SourcePlayState state = SourcePlayState::Play)
+    {
+        m_now = 0;
+        return std::make_unique<Deck>(MediaSource{m_media.file(name), std::nullopt}, item, endAction,
+                                      Canvas{}, std::nullopt, state, [] {});
+    }
+
+    int shown(Deck& deck)
+    {
+        deck.advance(m_now);
+        return numberOn(deck.surface().get());
+    }
+
+    static MediaItem range(double inpoint, std::optional<double> outpoint)
+    {
+        MediaItem item;
+        item.inpoint = inpoint;
+        item.outpoint = outpoint;
+        return item;
+    }
+
+    TestMedia m_media;
+    double m_now = 0;
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        QVERIFY(m_media.make(TestMedia::numbered(2) + TestMedia::h264(12), QStringLiteral("clip.mp4")));
+        QVERIFY(m_media.make(TestMedia::numbered(0.04), QStringLiteral("still.png")));
+    }
+
+    void showsEveryPictureInItsTime()
+    {
+        const auto deck = make("clip.mp4", range(0.2, std::nullopt), EndAction::Pause);
+        for (int frame = 5; frame < 50; ++frame, m_now += 0.04) {
+            QTRY_COMPARE(shown(*deck), frame);
+            QVERIFY(std::abs(deck->position() - frame / 25.0) < 1e-3);
+        }
+        m_now += 0.04;
+        QTRY_COMPARE((shown(*deck), deck->state()), SourcePlayState::Pause);
+        QCOMPARE(numberOn(deck->surface().get()), 49);
+        QCOMPARE(deck->status().fps, 25.0);
+        QCOMPARE(deck->duration(), 2.0);
+        deck->setState(SourcePlayState::Play); // at the end: once more from the in point
+        QTRY_COMPARE(shown(*deck), 5);
+    }
+
+    void endsAsItIsTold_data()
+    {
+        QTest::addColumn<int>("action");
+        QTest::addColumn<int>("picture");
+        QTest::addColumn<int>("state");
+        QTest::addColumn<bool>("news");
+        QTest::newRow("repeat") << int(EndAction::Repeat) << 5 << int(SourcePlayState::Play) << false;
+        QTest::newRow("pause") << int(EndAction::Pause) << 9 << int(SourcePlayState::Pause) << false;
+        QTest::newRow("goTo") << int(EndAction::GoTo) << 9 << int(SourcePlayState::Pause) << false;
+        QTest::newRow("stop") << int(EndAction::Stop) << 5 << int(SourcePlayState::Stop) << false;
+        QTest::newRow("next") << int(EndAction::Next) << 9 << int(SourcePlayState::Play) << true;
+    }
+
+    void endsAsItIsTold()
+    {
+        QFETCH(int, action);
+        const auto deck = make("clip.mp4", range(0.2, 0.4), EndAction(action));
+        for (int frame = 5; frame < 10; ++frame, m_now += 0.04)
+            QTRY_COMPARE(shown(*deck), frame);
+        (void)shown(*deck); // at the out point
+        QTRY_VERIFY((shown(*deck), deck->landed()));
+        QTEST(numberOn(deck->surface().get()), "picture");
+        QTEST(int(deck->state()), "state");
+        QTEST(deck->takeEnded(), "news");
+        QVERIFY(!deck->takeEnded());
+        m_now += 0.04;
+        if (EndAction(action) == EndAction::Repeat)
+            QTRY_COMPARE(shown(*deck), 6);
+        else
+            QTEST(shown(*deck), "picture");
+    }
+
+    void seeksAndStepsExactly()
+    {
+        const auto deck = make("clip.mp4", range(0.2, 1.6), EndAction::Pause, SourcePlayState::Stop);
+        QTRY_COMPARE(shown(*deck), 5);
+        deck->seek(1.0);
+        QCOMPARE(deck->state(), SourcePlayState::Pause);
+        QTRY_COMPARE(shown(*deck), 25);
+        const std::pair<int, int> steps[] = {{1, 26},  {1, 27},   {-1, 26}, {-1, 25},   {-1, 24},
+                                             {10, 34}, {-20, 14}, {99, 39}, {-1000, 5}, {-1, 5}};
+        for (const auto& [step, frame] : steps) {
+            deck->step(step);
+            QTRY_COMPARE(shown(*deck), frame);
+            QTRY_VERIFY((shown(*deck), deck->landed()));
+        }
+        for (int i = 0; i < 7; ++i)
+            deck->step(3); // faster than they can be decoded
+        QTRY_COMPARE(shown(*deck), 26);
+        deck->seekOutpoint();
+        QTRY_COMPARE(shown(*deck), 39);
+        deck->seekInpoint();
+        QTRY_COMPARE(shown(*deck), 5);
+        deck->seek(99);
+        QTRY_COMPARE(shown(*deck), 49);
+    }
+
+    void seeksTheEndBeforeItIsKnown()
+    {
+        const auto deck = make("clip.mp4", range(0, std::nullopt), EndAction::Pause, SourcePlayState::Pause);
+        deck->seekOutpoint();
+        QTRY_COMPARE(shown(*deck), 49);
+    }
+
+    void pausesAndStops()
+    {
+        const auto deck = make("clip.mp4", range(0.2, std::nullopt), EndAction::Pause);
+        QTRY_COMPARE(shown(*deck), 5);
+        m_now += 0.4;
+        QTRY_COMPARE(shown(*deck), 15);
+        deck->setState(SourcePlayState::Pause);
+        m_now += 10;
+        QCOMPARE(shown(*deck), 15);
+        deck->setState(SourcePlayState::Play);
+        QCOMPARE(shown(*deck), 15);
+        m_now += 0.04;
+        QTRY_COMPARE(shown(*deck), 16);
+        deck->setState(SourcePlayState::Stop);
+        QTRY_COMPARE(shown(*deck), 5);
+        deck->setItem(range(0.6, std::nullopt));
+        QTRY_COMPARE(shown(*deck), 15);
+    }
+
+    void stillsStandAsLongAsTheyShould()
+    {
+        MediaItem item;
+        item.stillDuration = 3.5;
+        const auto deck = make("still.png", item, EndAction::Pause);
+        QTRY_COMPARE((shown(*deck), deck->landed()), true);
+        QCOMPARE(deck->outpoint(), 3.5);
+        m_now = 3.48;
+        QTRY_COMPARE((shown(*deck), deck->position()), 3.48);
+        QCOMPARE(deck->state(), SourcePlayState::Play);
+        m_now = 3.5;
+        (void)shown(*deck);
+        QCOMPARE(deck->state(), SourcePlayState::Pause);
+
+        const auto endless = make("still.png", MediaItem(), EndAction::Stop);
+        QTRY_COMPARE((shown(*endless), endless->landed()), true);
+        m_now = 0.04;
+        QTRY_COMPARE((shown(*endless), endless->position()), 0.04);
+        QCOMPARE(endless->duration(), 0.0);
+        QCOMPARE(endless->state(), SourcePlayState::Play);
+    }
+};
+
+HALCYRA_TEST(DeckTest)
+#include "decktest.moc"
