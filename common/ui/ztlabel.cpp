@@ -28,4 +28,10 @@ void ZTLabel::setStyleClass(const QString& name)
     setDynamicStyle(this, "class", name);
 }
 
+void ZTLabel::mouseDoubleClickEvent(QMouseEvent* event)
+{
+    QLabel::mouseDoubleClickEvent(event);
+    Q_EMIT mouseDoubleClicked();
+}
+
 } // namespace vantrel

@@ -16,6 +16,12 @@ public:
 
     void setObjectNames(const QString& base);
     void setStyleClass(const QString& name);
+
+Q_SIGNALS:
+    void mouseDoubleClicked();
+
+protected:
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
 };
 
 } // namespace vantrel

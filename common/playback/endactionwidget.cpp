@@ -1,0 +1,145 @@
+#include "common/playback/endactionwidget.h"
+
+#include "common/playback/playbacklogging.h"
+#include "common/ui/iconbutton.h"
+
+#include <QButtonGroup>
+#include <QEvent>
+#include <QHBoxLayout>
+
+#include <array>
+
+namespace vantrel {
+
+namespace {
+
+struct EndActionSpec
+{
+    EndAction action;
+    const char* icon;
+    const char* tip;
+    const char* suffix;
+};
+
+constexpr std::array<EndActionSpec, 5> specs{{
+    {EndAction::Next, "mc_next", QT_TRANSLATE_NOOP("vantrel::EndActionWidget", "End action: Next"),
+     "-next-button"},
+    {EndAction::Pause, "mc_pause", QT_TRANSLATE_NOOP("vantrel::EndActionWidget", "End action: Pause"),
+     "-pause-button"},
+    {EndAction::Stop, "mc_stop", QT_TRANSLATE_NOOP("vantrel::EndActionWidget", "End action: Stop"),
+     "-stop-button"},
+    {EndAction::Repeat, "repeat", QT_TRANSLATE_NOOP("vantrel::EndActionWidget", "End action: Repeat"),
+     "-repeat-button"},
+    {EndAction::GoTo, "go_to_clip", QT_TRANSLATE_NOOP("vantrel::EndActionWidget", "End action: Go to"),
+     nullptr},
+}};
+
+} // namespace
+
+EndActionWidget::EndActionWidget(QWidget* parent)
+    : ZTFrame(parent)
+    , m_group(new QButtonGroup(this))
+{
+    auto* layout = new QHBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(2);
+    for (const EndActionSpec& spec : specs) {
+        const QString icon = QStringLiteral(":/icons/") + QLatin1String(spec.icon);
+        auto* button = new IconButton(this);
+        button->setToggleIcons(icon + QStringLiteral(".svg"), icon + QStringLiteral("_off.svg"));
+        button->setToolTip(tr(spec.tip));
+        button->setAccessibleName(tr(spec.tip));
+        m_group->addButton(button, static_cast<int>(spec.action));
+        layout->addWidget(button);
+    }
+    populateButtonToEndActionMap();
+    button(m_endAction)->setChecked(true);
+    connect(m_group, &QButtonGroup::buttonClicked, this, &EndActionWidget::handleButtonPress);
+    updateButtonEnabledState();
+}
+
+void EndActionWidget::populateButtonToEndActionMap()
+{
+    for (QAbstractButton* button : m_group->buttons())
+        m_buttonToEndAction.insert(button, m_group->id(button));
+}
+
+IconButton* EndActionWidget::button(int endAction) const
+{
+    return static_cast<IconButton*>(m_group->button(endAction));
+}
+
+void EndActionWidget::setObjectNames(const QString& base)
+{
+    setObjectName(base);
+    for (const EndActionSpec& spec : specs) {
+        if (spec.suffix)
+            button(static_cast<int>(spec.action))->setObjectName(base + QLatin1String(spec.suffix));
+    }
+}
+
+void EndActionWidget::setEndAction(int endAction)
+{
+    if (endAction == m_endAction)
+        return;
+    m_endAction = endAction;
+    if (IconButton* checked = button(endAction))
+        checked->setChecked(true);
+    Q_EMIT endActionChanged();
+}
+
+void EndActionWidget::setEndActionMode(int mode)
+{
+    if (mode == m_endActionMode)
+        return;
+    m_endActionMode = mode;
+    updateButtonEnabledState();
+    Q_EMIT endActionModeChanged();
+}
+
+void EndActionWidget::handleButtonPress(QAbstractButton* button)
+{
+    const auto found = m_buttonToEndAction.constFind(button);
+    if (found == m_buttonToEndAction.constEnd()) {
+        qCWarning(lcPlayback) << "Button missing from map in EndActionWidget";
+        return;
+    }
+    setEndAction(*found);
+}
+
+void EndActionWidget::updateButtonEnabledState()
+{
+    switch (m_endActionMode) {
+    case PlaybackModel::ENTRY:
+        setEnabled(true);
+        break;
+    case PlaybackModel::SLOT:
+        setPartialEnabled();
+        break;
+    default:
+        setEnabled(false);
+        break;
+    }
+}
+
+void EndActionWidget::setEnabled(bool enabled)
+{
+    for (QAbstractButton* button : m_group->buttons())
+        button->setEnabled(enabled && isEnabled());
+}
+
+void EndActionWidget::setPartialEnabled()
+{
+    setEnabled(true);
+    button(static_cast<int>(EndAction::Next))->setEnabled(false);
+    button(static_cast<int>(EndAction::GoTo))->setEnabled(false);
+}
+
+void EndActionWidget::changeEvent(QEvent* event)
+{
+    ZTFrame::changeEvent(event);
+    if (event->type() == QEvent::EnabledChange)
+        updateButtonEnabledState();
+}
+
+} // namespace vantrel

@@ -1,0 +1,34 @@
+#include "common/playback/endpointtimecodes.h"
+
+#include "common/playback/timecodedisplay.h"
+#include "common/ui/ztlabel.h"
+
+#include <QHBoxLayout>
+
+namespace vantrel {
+
+EndpointTimecodes::EndpointTimecodes(QWidget* parent)
+    : ZTFrame(parent)
+    , m_inpoint(new TimecodeDisplay(this))
+    , m_outpoint(new TimecodeDisplay(this))
+{
+    auto* layout = new QHBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(6);
+    layout->addWidget(new ZTLabel(tr("In:"), this));
+    layout->addWidget(m_inpoint);
+    layout->addStretch(1);
+    layout->addWidget(new ZTLabel(tr("Out:"), this));
+    layout->addWidget(m_outpoint);
+    m_inpoint->setAccessibleName(tr("In point"));
+    m_outpoint->setAccessibleName(tr("Out point"));
+}
+
+void EndpointTimecodes::setObjectNames(const QString& base)
+{
+    setObjectName(base);
+    m_inpoint->setObjectName(base + QStringLiteral("-Inpoint"));
+    m_outpoint->setObjectName(base + QStringLiteral("-Outpoint"));
+}
+
+} // namespace vantrel

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "common/ui/ztframe.h"
+
+namespace vantrel {
+
+class TimecodeDisplay;
+
+/// The in and out point of the media on a channel. Owned by its parent widget; main thread.
+class EndpointTimecodes : public ZTFrame
+{
+    Q_OBJECT
+
+public:
+    explicit EndpointTimecodes(QWidget* parent = nullptr);
+
+    TimecodeDisplay* inpoint() const { return m_inpoint; }
+    TimecodeDisplay* outpoint() const { return m_outpoint; }
+    /// base for this widget, base + "-Inpoint" and base + "-Outpoint" for its displays.
+    void setObjectNames(const QString& base) override;
+
+private:
+    TimecodeDisplay* m_inpoint;
+    TimecodeDisplay* m_outpoint;
+};
+
+} // namespace vantrel

@@ -1,0 +1,7 @@
+#include "common/playback/playbacklogging.h"
+
+namespace vantrel {
+
+Q_LOGGING_CATEGORY(lcPlayback, "vantrel.playback")
+
+} // namespace vantrel

@@ -1,0 +1,139 @@
+#include "common/playback/playbackpreview.h"
+
+#include "common/media/guimediaitem.h"
+#include "common/media/mimedata.h"
+#include "common/ui/colors.h"
+#include "common/ui/fontsizefollower.h"
+
+#include <QDropEvent>
+#include <QJsonObject>
+#include <QMap>
+#include <QPainter>
+
+namespace vantrel {
+
+namespace {
+
+struct PointSizes
+{
+    int title, detail;
+};
+
+const QMap<FontSize, PointSizes> pointSizes{{FontSize::Small, {16, 14}},
+                                            {FontSize::Medium, {24, 18}},
+                                            {FontSize::Large, {32, 24}},
+                                            {FontSize::Huge, {44, 32}}};
+
+} // namespace
+
+PlaybackPreview::PlaybackPreview(QWidget* parent)
+    : ZTFrame(parent)
+{
+    setAcceptDrops(true);
+    setAttribute(Qt::WA_OpaquePaintEvent);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
+    setAccessibleName(tr("Live picture"));
+    setToolTip(tr("Drop media or a playlist here to play it"));
+    followFontSize(this, [this](FontSize) { update(); });
+}
+
+void PlaybackPreview::setSource(const std::string& path, int streamIndex)
+{
+    m_source = path;
+    m_streamIndex = streamIndex;
+}
+
+void PlaybackPreview::setResourceConstrained(bool constrained)
+{
+    if (constrained == m_resourceConstrained)
+        return;
+    m_resourceConstrained = constrained;
+    update();
+}
+
+void PlaybackPreview::onFrame(const PreviewFrame& frame, const QPixmap& pixmap)
+{
+    if (frame.source != m_source || frame.frame.getStreamIndex() != m_streamIndex)
+        return;
+    m_pixmap = pixmap;
+    update();
+}
+
+QSize PlaybackPreview::sizeHint() const
+{
+    return {400, 225};
+}
+
+QSize PlaybackPreview::minimumSizeHint() const
+{
+    return {160, 90};
+}
+
+QRectF PlaybackPreview::pictureRect() const
+{
+    QSizeF size = m_pixmap.size();
+    size.scale(QSizeF(contentsRect().size()), Qt::KeepAspectRatio);
+    QRectF picture(QPointF(), size);
+    picture.moveCenter(QRectF(contentsRect()).center());
+    return picture;
+}
+
+void PlaybackPreview::paintEvent(QPaintEvent*)
+{
+    QPainter painter(this);
+    painter.fillRect(rect(), Qt::black);
+    if (m_resourceConstrained) {
+        paintConstrained(painter);
+    } else if (!m_pixmap.isNull()) {
+        painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
+        painter.drawPixmap(pictureRect(), m_pixmap, QRectF(m_pixmap.rect()));
+    }
+    if (m_isDropTarget) {
+        painter.setPen(QPen(colors::getColor(colors::Zt_orange), 2));
+        painter.drawRect(rect().adjusted(1, 1, -1, -1));
+    }
+}
+
+void PlaybackPreview::paintConstrained(QPainter& painter) const
+{
+    const PointSizes sizes = pointSizes.value(currentFontSize());
+    const QString title = tr("Preview not available");
+    const QString detail = tr("All rendering resources busy");
+    painter.setPen(colors::getColor(colors::Zt_white_80));
+    QFont textFont = font();
+    textFont.setPointSize(sizes.title);
+    painter.setFont(textFont);
+    QRect titleRect;
+    painter.drawText(rect(), Qt::AlignCenter, title, &titleRect);
+    textFont.setPointSize(sizes.detail);
+    painter.setFont(textFont);
+    const QRect below(0, titleRect.bottom() + 1, width(), height() - titleRect.bottom() - 1);
+    painter.drawText(below, Qt::AlignHCenter | Qt::AlignTop, detail);
+}
+
+void PlaybackPreview::dragEnterEvent(QDragEnterEvent* event)
+{
+    m_isDropTarget = true;
+    update();
+    event->acceptProposedAction();
+}
+
+void PlaybackPreview::dragLeaveEvent(QDragLeaveEvent* event)
+{
+    m_isDropTarget = false;
+    update();
+    ZTFrame::dragLeaveEvent(event);
+}
+
+void PlaybackPreview::dropEvent(QDropEvent* event)
+{
+    m_isDropTarget = false;
+    update();
+    const QList<QJsonObject> objects = jsonFromMimeData(event->mimeData());
+    if (objects.isEmpty())
+        return;
+    Q_EMIT dragAndDropEntry(mediaItemFromMimeData(event->mimeData(), objects.first()));
+    event->acceptProposedAction();
+}
+
+} // namespace vantrel

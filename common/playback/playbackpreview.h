@@ -1,0 +1,59 @@
+#pragma once
+
+#include "common/session/configuration.h"
+#include "common/ui/ztframe.h"
+#include "tarn/preview/frame.h"
+
+#include <QPixmap>
+
+#include <memory>
+#include <string>
+
+namespace vantrel {
+
+class GuiMediaItem;
+
+/// The live picture of a channel, as large as its frame allows. Takes drops of media to play. Owned by
+/// PlaybackWidget; main thread.
+class PlaybackPreview : public ZTFrame
+{
+    Q_OBJECT
+    Q_PROPERTY(bool resourceConstrained READ isResourceConstrained WRITE setResourceConstrained)
+
+public:
+    explicit PlaybackPreview(QWidget* parent = nullptr);
+
+    /// The scene path and the stream whose frames are shown; before this none are.
+    void setSource(const std::string& path, int streamIndex);
+    void setResourceConstrained(bool constrained);
+    bool isResourceConstrained() const { return m_resourceConstrained; }
+    /// Every frame of the server; one of another source or stream is not for this widget.
+    void onFrame(const PreviewFrame& frame, const QPixmap& pixmap);
+    /// The picture shown last; null before the first.
+    const QPixmap& pixmap() const { return m_pixmap; }
+    /// Where the picture stands in this widget.
+    QRectF pictureRect() const;
+
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+
+Q_SIGNALS:
+    void dragAndDropEntry(std::shared_ptr<vantrel::GuiMediaItem> item);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dragLeaveEvent(QDragLeaveEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+
+private:
+    void paintConstrained(QPainter& painter) const;
+
+    std::string m_source;
+    int m_streamIndex = -1;
+    QPixmap m_pixmap;
+    bool m_resourceConstrained = false;
+    bool m_isDropTarget = false;
+};
+
+} // namespace vantrel

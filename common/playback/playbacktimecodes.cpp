@@ -1,0 +1,122 @@
+#include "common/playback/playbacktimecodes.h"
+
+#include "common/playback/timecodedisplay.h"
+#include "common/ui/ztlabel.h"
+
+#include <QGridLayout>
+
+namespace vantrel {
+
+namespace {
+
+/// What a single row needs besides its four items.
+constexpr int rowSlack = 23;
+
+} // namespace
+
+PlaybackTimecodes::PlaybackTimecodes(QWidget* parent)
+    : ZTFrame(parent)
+    , m_layout(new QGridLayout(this))
+    , m_playheadLabel(new ZTLabel(tr("Playhead (abs):"), this))
+    , m_playhead(new TimecodeDisplay(this))
+    , m_remainingLabel(new ZTLabel(tr("Time left:"), this))
+    , m_remaining(new TimecodeDisplay(this))
+{
+    m_layout->setContentsMargins(0, 0, 0, 0);
+    m_layout->setHorizontalSpacing(6);
+    m_layout->setVerticalSpacing(2);
+    m_layout->setColumnStretch(2, 1);
+    m_layout->addWidget(m_playheadLabel, 0, 0);
+    m_layout->addWidget(m_playhead, 0, 1);
+    m_playhead->setProperty("class", QStringLiteral("timecode"));
+    m_remaining->setProperty("class", QStringLiteral("timecode"));
+    m_playhead->setAccessibleName(tr("Playhead position"));
+    m_remaining->setAccessibleName(tr("Time left"));
+    unstackLayout();
+}
+
+void PlaybackTimecodes::setObjectNames(const QString& base)
+{
+    setObjectName(base);
+    m_playhead->setObjectName(base + QStringLiteral("-Playhead"));
+    m_remaining->setObjectName(base + QStringLiteral("-Remaining"));
+}
+
+QSize PlaybackTimecodes::sizeHint() const
+{
+    return {m_playhead->sizeHint().width() + m_remaining->sizeHint().width(), m_layout->sizeHint().height()};
+}
+
+QSize PlaybackTimecodes::minimumSizeHint() const
+{
+    return {m_playheadLabel->sizeHint().width() + m_playhead->sizeHint().width() + 6,
+            m_layout->minimumSize().height()};
+}
+
+void PlaybackTimecodes::setPosition(double seconds)
+{
+    m_position = seconds;
+    m_playhead->setTime(seconds);
+    updateRemaining();
+}
+
+void PlaybackTimecodes::setOutpoint(double seconds)
+{
+    m_outpoint = seconds;
+    m_hasOutpoint = true;
+    updateRemaining();
+}
+
+void PlaybackTimecodes::setFps(double mediaFps)
+{
+    if (mediaFps == m_fps)
+        return;
+    m_fps = mediaFps;
+    m_playhead->setFps(mediaFps);
+    m_remaining->setFps(mediaFps);
+}
+
+void PlaybackTimecodes::setRemainingTimeVisible(bool visible)
+{
+    m_remainingLabel->setVisible(visible);
+    m_remaining->setVisible(visible);
+}
+
+void PlaybackTimecodes::updateRemaining()
+{
+    const double left = m_outpoint - m_position;
+    m_remaining->setTime(m_hasOutpoint && left > 0.0 ? left : 0.0);
+}
+
+void PlaybackTimecodes::resizeEvent(QResizeEvent* event)
+{
+    ZTFrame::resizeEvent(event);
+    arrange();
+}
+
+void PlaybackTimecodes::arrange()
+{
+    const int used = m_playheadLabel->sizeHint().width() + m_playhead->sizeHint().width() +
+                     m_remainingLabel->sizeHint().width() + m_remaining->sizeHint().width();
+    const bool fitsInARow = width() - used > rowSlack;
+    if (fitsInARow && m_isStacked)
+        unstackLayout();
+    else if (!fitsInARow && !m_isStacked)
+        stackLayout();
+}
+
+void PlaybackTimecodes::stackLayout()
+{
+    m_isStacked = true;
+    m_layout->addWidget(m_remainingLabel, 1, 0);
+    m_layout->addWidget(m_remaining, 1, 1);
+}
+
+void PlaybackTimecodes::unstackLayout()
+{
+    m_isStacked = false;
+    m_layout->addWidget(m_remainingLabel, 0, 3);
+    m_layout->addWidget(m_remaining, 0, 4);
+}
+
+} // namespace vantrel

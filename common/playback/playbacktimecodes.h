@@ -1,0 +1,55 @@
+#pragma once
+
+#include "common/ui/ztframe.h"
+
+class QGridLayout;
+
+namespace vantrel {
+
+class TimecodeDisplay;
+class ZTLabel;
+
+/// Where the playhead stands and what is left to the out point. The two readouts share a row as long as they
+/// fit. Owned by its parent widget; main thread.
+class PlaybackTimecodes : public ZTFrame
+{
+    Q_OBJECT
+
+public:
+    explicit PlaybackTimecodes(QWidget* parent = nullptr);
+
+    /// base for this widget, base + "-Playhead" and base + "-Remaining" for its displays.
+    void setObjectNames(const QString& base) override;
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+
+public Q_SLOTS:
+    /// Seconds.
+    void setPosition(double seconds);
+    /// Seconds; until it is called nothing remains.
+    void setOutpoint(double seconds);
+    void setFps(double mediaFps);
+    void setRemainingTimeVisible(bool visible);
+
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    void updateRemaining();
+    void arrange();
+    void stackLayout();
+    void unstackLayout();
+
+    QGridLayout* m_layout;
+    ZTLabel* m_playheadLabel;
+    TimecodeDisplay* m_playhead;
+    ZTLabel* m_remainingLabel;
+    TimecodeDisplay* m_remaining;
+    double m_position = 0.0;
+    double m_outpoint = 0.0;
+    bool m_hasOutpoint = false;
+    double m_fps = 0.0;
+    bool m_isStacked = false;
+};
+
+} // namespace vantrel

@@ -1,0 +1,88 @@
+#include "common/playback/playbackwidgetfooter.h"
+
+#include "common/playback/endactionwidget.h"
+#include "common/playback/volumecontrolpopup.h"
+#include "common/ui/iconbutton.h"
+#include "common/ui/ztlabel.h"
+
+#include <QHBoxLayout>
+
+namespace vantrel {
+
+namespace {
+
+constexpr int spacingOnPreview = 80; // pixels between and around the buttons
+constexpr int spacingOnProgram = 48;
+
+} // namespace
+
+PlaybackWidgetFooter::PlaybackWidgetFooter(PlaybackViewMode viewMode, QWidget* parent)
+    : ZTFrame(parent)
+    , m_viewMode(viewMode)
+    , m_volume(new IconButton(QStringLiteral(":/icons/volume.svg"), {}, this))
+    , m_endActionLabel(new ZTLabel(tr("Media end action:"), this))
+    , m_endAction(new EndActionWidget(this))
+    , m_popup(new VolumeControlPopup(this))
+{
+    m_volume->setToolTip(tr("Playback control: Adjust audio volume"));
+    m_volume->setAccessibleName(tr("Volume"));
+    m_endActionLabel->setStyleClass(QStringLiteral("dim"));
+    connect(m_volume, &QPushButton::clicked, this, &PlaybackWidgetFooter::showVolume);
+
+    auto* layout = new QHBoxLayout(this);
+    layout->setContentsMargins(10, 10, 10, 10);
+    layout->setSpacing(4);
+    layout->addWidget(m_volume);
+    layout->addStretch(1);
+    layout->addStretch(1);
+    layout->addWidget(m_endActionLabel);
+    layout->addWidget(m_endAction);
+    createReservedButtons();
+}
+
+PlaybackWidgetFooter::~PlaybackWidgetFooter() = default;
+
+void PlaybackWidgetFooter::createReservedButtons()
+{
+    const auto reserve = [this](const QString& icon, const QString& tip) {
+        auto button = std::make_unique<IconButton>(icon);
+        button->setToolTip(tip);
+        button->resize(button->sizeHint());
+        m_reserved.push_back(std::move(button));
+    };
+    reserve(QStringLiteral(":/icons/scaling.svg"), tr("Select scaling method"));
+    reserve(QStringLiteral(":/icons/fade.svg"), tr("Open fade controls"));
+    if (m_viewMode == Program)
+        return;
+    reserve(QStringLiteral(":/icons/insert_before.svg"), tr("Insert before selected media in playlist"));
+    reserve(QStringLiteral(":/icons/replace_media.svg"), tr("Replace selected media in playlist"));
+    reserve(QStringLiteral(":/icons/insert_after.svg"), tr("Insert after selected media in playlist"));
+    reserve(QStringLiteral(":/icons/insert_end.svg"), tr("Insert at the end of the playlist"));
+}
+
+void PlaybackWidgetFooter::setObjectNames(const QString& base)
+{
+    setObjectName(base);
+    m_volume->setObjectName(base + QStringLiteral("-Volume"));
+    m_popup->setObjectName(base + QStringLiteral("-VolumePopup"));
+    m_endAction->setObjectNames(base + QStringLiteral("-EndAction"));
+}
+
+void PlaybackWidgetFooter::resizeEvent(QResizeEvent* event)
+{
+    ZTFrame::resizeEvent(event);
+    int used = m_volume->width() + m_endAction->width();
+    for (const auto& button : m_reserved)
+        used += button->width();
+    used += m_viewMode == Program ? spacingOnProgram : spacingOnPreview;
+    m_endActionLabel->setVisible(m_endActionLabel->sizeHint().width() + 4 < width() - used);
+}
+
+void PlaybackWidgetFooter::showVolume()
+{
+    const QPoint above(m_volume->width() - 8, m_volume->height() - m_popup->height() + 32);
+    m_popup->move(m_volume->mapToGlobal(above));
+    m_popup->show();
+}
+
+} // namespace vantrel

@@ -1,0 +1,46 @@
+#pragma once
+
+#include "common/ui/ztframe.h"
+#include "tarn/media/enums.h"
+
+#include <memory>
+#include <vector>
+
+namespace vantrel {
+
+class EndActionWidget;
+class IconButton;
+class VolumeControlPopup;
+class ZTLabel;
+
+/// The volume and the end action of a channel. Owned by PlaybackWidget; main thread.
+class PlaybackWidgetFooter : public ZTFrame
+{
+    Q_OBJECT
+
+public:
+    explicit PlaybackWidgetFooter(PlaybackViewMode viewMode, QWidget* parent = nullptr);
+    ~PlaybackWidgetFooter() override;
+
+    EndActionWidget* endAction() const { return m_endAction; }
+    VolumeControlPopup* volumeControlPopup() const { return m_popup; }
+    /// base for this widget, base + "-Volume" and base + "-EndAction" for its parts.
+    void setObjectNames(const QString& base) override;
+
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    void createReservedButtons();
+    void showVolume();
+
+    PlaybackViewMode m_viewMode;
+    IconButton* m_volume;
+    ZTLabel* m_endActionLabel;
+    EndActionWidget* m_endAction;
+    VolumeControlPopup* m_popup;
+    std::vector<std::unique_ptr<IconButton>>
+        m_reserved; // laid out nowhere: their widths keep their future places
+};
+
+} // namespace vantrel

@@ -1,0 +1,52 @@
+#pragma once
+
+#include "common/ui/ztframe.h"
+#include "tarn/media/enums.h"
+
+class QStackedWidget;
+
+namespace vantrel {
+
+class ElidedLabel;
+class MuteButton;
+class TimecodeDisplay;
+class ZTLabel;
+
+/// Which channel it is and what plays on it; on program also its duration and the mute. Owned by
+/// PlaybackWidget; main thread.
+class PlaybackWidgetHeader : public ZTFrame
+{
+    Q_OBJECT
+    Q_PROPERTY(bool hasInfiniteDuration READ hasInfiniteDuration WRITE setHasInfiniteDuration NOTIFY
+                   hasInfiniteDurationChanged)
+
+public:
+    explicit PlaybackWidgetHeader(PlaybackViewMode viewMode, QWidget* parent = nullptr);
+
+    void setMediaName(const QString& name);
+    /// A slot's address is shown as "1-5:", an entry's as "5.1:", anything else not at all.
+    void setMediaAddress(const QString& address);
+    TimecodeDisplay* duration() const { return m_duration; }
+    /// Null on preview.
+    MuteButton* muteButton() const { return m_mute; }
+    bool hasInfiniteDuration() const { return m_hasInfiniteDuration; }
+    void setHasInfiniteDuration(bool infinite);
+    /// base for this widget, base + "-MediaName" and "-MediaLocation" for its labels.
+    void setObjectNames(const QString& base) override;
+
+Q_SIGNALS:
+    /// Reserved for a channel lock.
+    void locked(bool locked);
+    void hasInfiniteDurationChanged();
+
+private:
+    ZTLabel* m_location;
+    ElidedLabel* m_name;
+    TimecodeDisplay* m_duration;
+    ZTLabel* m_infinite = nullptr;
+    QStackedWidget* m_durationStack = nullptr;
+    MuteButton* m_mute = nullptr;
+    bool m_hasInfiniteDuration = false;
+};
+
+} // namespace vantrel

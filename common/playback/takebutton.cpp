@@ -1,0 +1,135 @@
+#include "common/playback/takebutton.h"
+
+#include "common/ui/dynamicstyle.h"
+
+#include <QFocusEvent>
+#include <QGraphicsDropShadowEffect>
+#include <QLabel>
+
+#include <algorithm>
+#include <cmath>
+
+namespace vantrel {
+
+TakeButton::TakeButton(QWidget* parent)
+    : QPushButton(parent)
+    , m_sizes({{FontSize::Small, {60, 73}},
+               {FontSize::Medium, {80, 95}},
+               {FontSize::Large, {120, 142}},
+               {FontSize::Huge, {160, 190}}})
+    , m_bar(new QWidget(this))
+    , m_label(new QLabel(tr("TAKE"), this))
+    , m_shadow(new QGraphicsDropShadowEffect(this))
+{
+    setObjectName(QStringLiteral("Take"));
+    setToolTip(tr("Perform take"));
+    setAccessibleName(tr("Take"));
+    setCursor(Qt::PointingHandCursor);
+    setFocusPolicy(Qt::StrongFocus);
+    setAutoDefault(false);
+
+    m_bar->setObjectName(QStringLiteral("TakeProgressBar"));
+    m_bar->setAttribute(Qt::WA_TransparentForMouseEvents);
+    m_bar->setAttribute(Qt::WA_StyledBackground);
+    m_bar->hide();
+    m_label->setObjectName(QStringLiteral("TakeLabel"));
+    m_label->setAttribute(Qt::WA_TransparentForMouseEvents);
+    m_label->setAlignment(Qt::AlignCenter);
+
+    m_shadow->setBlurRadius(18);
+    m_shadow->setColor(QColor(245, 169, 54, 94));
+    m_shadow->setOffset(0, 2);
+    setGraphicsEffect(m_shadow);
+
+    connect(this, &QPushButton::pressed, this, &TakeButton::onPressed);
+    connect(this, &QPushButton::released, this, &TakeButton::onReleased);
+    if (const Configuration* settings = configuration())
+        connect(settings, &Configuration::optionChanged, this, &TakeButton::onStyleChange);
+    updateSizes(currentFontSize());
+}
+
+void TakeButton::setTakeProgress(double progress)
+{
+    const double clamped = std::isnan(progress) ? 0.0 : std::clamp(progress, 0.0, 1.0);
+    if (clamped == m_takeProgress)
+        return;
+    m_takeProgress = clamped;
+    updateProgressBar();
+}
+
+void TakeButton::onPressed()
+{
+    setParts("pressed", true);
+    m_shadow->setEnabled(false);
+}
+
+void TakeButton::onReleased()
+{
+    setParts("pressed", false);
+    m_shadow->setEnabled(true);
+}
+
+void TakeButton::onStyleChange(ConfigurationOption option, const QVariant& value)
+{
+    if (option == TEXT_SIZE)
+        updateSizes(fontSizeFrom(value));
+}
+
+void TakeButton::updateSizes(FontSize size)
+{
+    setDynamicStyle(m_label, "fontsize", toString(size));
+    setFixedSize(m_sizes.value(size));
+}
+
+void TakeButton::updateProgressBar()
+{
+    const int width = m_bar->width();
+    const int shown = std::min(static_cast<int>(std::lround(width * m_takeProgress)), width);
+    m_bar->setVisible(shown > 0);
+    if (shown > 0)
+        m_bar->setMask(QRegion(m_bar->x(), m_bar->y(), shown, m_bar->height()));
+}
+
+void TakeButton::enterEvent(QEnterEvent* event)
+{
+    setParts("hover", true);
+    QPushButton::enterEvent(event);
+}
+
+void TakeButton::leaveEvent(QEvent* event)
+{
+    setParts("hover", false);
+    QPushButton::leaveEvent(event);
+}
+
+void TakeButton::focusInEvent(QFocusEvent* event)
+{
+    const bool byKeyboard =
+        event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason;
+    setDynamicStyle(this, "keyboardfocus", byKeyboard);
+    setDynamicStyle(m_bar, "keyboardfocus", byKeyboard);
+    QPushButton::focusInEvent(event);
+}
+
+void TakeButton::focusOutEvent(QFocusEvent* event)
+{
+    setDynamicStyle(this, "keyboardfocus", false);
+    setDynamicStyle(m_bar, "keyboardfocus", false);
+    QPushButton::focusOutEvent(event);
+}
+
+void TakeButton::resizeEvent(QResizeEvent* event)
+{
+    QPushButton::resizeEvent(event);
+    m_bar->setGeometry(rect());
+    m_label->setGeometry(rect());
+    updateProgressBar();
+}
+
+void TakeButton::setParts(const char* property, bool value)
+{
+    setDynamicStyle(m_bar, property, value);
+    setDynamicStyle(m_label, property, value);
+}
+
+} // namespace vantrel

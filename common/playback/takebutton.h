@@ -1,0 +1,55 @@
+#pragma once
+
+#include "common/session/configuration.h"
+
+#include <QMap>
+#include <QPushButton>
+
+class QGraphicsDropShadowEffect;
+class QLabel;
+
+namespace vantrel {
+
+/// The button that takes preview to program. While the server carries out a transition, the bar under the
+/// text uncovers from the left. Owned by TakeControls; main thread.
+class TakeButton : public QPushButton
+{
+    Q_OBJECT
+    Q_PROPERTY(double takeProgress READ takeProgress WRITE setTakeProgress NOTIFY takeProgressChanged)
+
+public:
+    explicit TakeButton(QWidget* parent = nullptr);
+
+    double takeProgress() const { return m_takeProgress; }
+    /// 0.0 to 1.0, anything else counts as the nearer end. Emits nothing: progress only ever comes from the
+    /// server.
+    void setTakeProgress(double progress);
+
+Q_SIGNALS:
+    void takeProgressChanged(double progress);
+
+public Q_SLOTS:
+    void onPressed();
+    void onReleased();
+    void onStyleChange(vantrel::ConfigurationOption option, const QVariant& value);
+    void updateSizes(vantrel::FontSize size);
+    void updateProgressBar();
+
+protected:
+    void enterEvent(QEnterEvent* event) override;
+    void leaveEvent(QEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    void setParts(const char* property, bool value);
+
+    const QMap<FontSize, QSize> m_sizes;
+    QWidget* m_bar;
+    QLabel* m_label;
+    QGraphicsDropShadowEffect* m_shadow;
+    double m_takeProgress = 0.0;
+};
+
+} // namespace vantrel

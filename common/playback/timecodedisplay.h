@@ -1,0 +1,49 @@
+#pragma once
+
+#include "common/session/configuration.h"
+#include "common/session/timecodeviewmode.h"
+#include "common/ui/ztlabel.h"
+
+namespace vantrel {
+
+/// A time in the format the operator has chosen for all displays, in figures of one width so that a running
+/// time stands still. Owned by its parent widget; main thread.
+class TimecodeDisplay : public ZTLabel
+{
+    Q_OBJECT
+    Q_PROPERTY(double time READ getTime WRITE setTime NOTIFY timeChanged)
+    Q_PROPERTY(double fps READ getFps WRITE setFps NOTIFY fpsChanged)
+
+public:
+    explicit TimecodeDisplay(QWidget* parent = nullptr);
+
+    double getTime() const { return m_time; }
+    double getFps() const { return m_fps; }
+    /// Seconds; the signals stay silent, the display being the end of the line.
+    void setTime(double seconds);
+    /// The real rate, 29.97 say; the nominal one is its nearest whole number.
+    void setFps(double fps);
+    void setTimecodeViewMode(TimecodeViewMode mode);
+
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+
+public Q_SLOTS:
+    void onTimecodeViewModeChange(vantrel::ConfigurationOption option, const QVariant& value);
+
+Q_SIGNALS:
+    void timeChanged();
+    void fpsChanged();
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    void updateText();
+
+    TimecodeViewMode m_viewMode = TimecodeViewMode::Time;
+    double m_time = 0.0;
+    double m_fps = 30.0;
+};
+
+} // namespace vantrel
