@@ -1,0 +1,103 @@
+#include "common/ui/inspectorwidget.h"
+
+#include "common/notification/notificationmanager.h"
+#include "common/ui/ztlabel.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QFormLayout>
+#include <QHeaderView>
+#include <QMenu>
+#include <QMetaEnum>
+#include <QPushButton>
+#include <QTableWidget>
+#include <QVBoxLayout>
+
+namespace vantrel {
+
+namespace {
+void fillTable(QTableWidget* table, const NotificationManager* manager)
+{
+    const auto list = manager->notifications();
+    table->setRowCount(int(list.size()));
+    for (int row = 0; row < table->rowCount(); ++row) {
+        const Notification& notification = *list[row];
+        const auto type = QMetaEnum::fromType<Notification::MessageType>().valueToKey(notification.type());
+        const QStringList texts = {notification.dateTime().toString(QStringLiteral("HH:mm:ss.zzz")),
+                                   QLatin1String(type), notification.title(), notification.details(),
+                                   notification.isAccepted() ? InspectorWidget::tr("yes") : QString()};
+        for (int column = 0; column < int(texts.size()); ++column)
+            table->setItem(row, column, new QTableWidgetItem(texts[column]));
+    }
+}
+} // namespace
+
+InspectorWidget::InspectorWidget(QMenu* menu, NotificationManager* manager, QWidget* parent)
+    : QWidget(parent, Qt::Window)
+    , m_class(new ZTLabel(this))
+    , m_name(new ZTLabel(this))
+    , m_manager(manager)
+{
+    setObjectName(QStringLiteral("InspectorWidget"));
+    setWindowTitle(tr("Inspector"));
+    m_class->setObjectName(QStringLiteral("InspectorWidget-class"));
+    m_name->setObjectName(QStringLiteral("InspectorWidget-name"));
+    m_name->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    auto* info = new QFormLayout;
+    info->addRow(tr("Class:"), m_class);
+    info->addRow(tr("Object name:"), m_name);
+    auto* notifications = new QPushButton(tr("Notifications"), this);
+    connect(notifications, &QPushButton::clicked, this, [this] { showNotifications(m_manager); });
+    auto* layout = new QVBoxLayout(this);
+    layout->addLayout(info);
+    layout->addWidget(notifications);
+    if (menu) {
+        auto* more = new QPushButton(tr("Developer"), this);
+        more->setMenu(menu);
+        layout->addWidget(more);
+    }
+}
+
+QWidget* InspectorWidget::showNotifications(NotificationManager* manager)
+{
+    if (!manager)
+        return nullptr;
+    auto* table = new QTableWidget(0, 5);
+    table->setAttribute(Qt::WA_DeleteOnClose);
+    table->setObjectName(QStringLiteral("NotificationInspector"));
+    table->setWindowTitle(tr("Notifications"));
+    table->setHorizontalHeaderLabels(
+        {tr("Created"), tr("Message type"), tr("Title"), tr("Details"), tr("Accepted")});
+    table->horizontalHeader()->setStretchLastSection(true);
+    table->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    const auto refill = [table, manager] { fillTable(table, manager); };
+    connect(manager, &NotificationManager::notificationsChanged, table, refill);
+    connect(manager, &NotificationManager::notificationChanged, table, refill);
+    refill();
+    table->resize(720, 320);
+    table->show();
+    return table;
+}
+
+bool InspectorWidget::eventFilter(QObject* watched, QEvent* event)
+{
+    if (event->type() == QEvent::MouseMove || event->type() == QEvent::Enter)
+        setInspectorInfo(QApplication::widgetAt(QCursor::pos()));
+    return QWidget::eventFilter(watched, event);
+}
+
+void InspectorWidget::setInspectorInfo(const QWidget* widget)
+{
+    if (!widget || widget->window() == this)
+        return;
+    m_class->setText(QLatin1String(widget->metaObject()->className()));
+    m_name->setText(widget->objectName());
+}
+
+void InspectorWidget::closeEvent(QCloseEvent* event)
+{
+    QWidget::closeEvent(event);
+    Q_EMIT closed();
+}
+
+} // namespace vantrel
