@@ -197,7 +197,7 @@ std::size_t Json::size() const noexcept
 
 const Json* Json::find(std::string_view key) const noexcept
 {
-    return isObject() ? JsonTree::find(*this, key) : nullptr;
+    return m_wide.tag == Tag::Object ? JsonTree::find(*this, JsonName(key)) : nullptr;
 }
 
 Json Json::get(std::string_view key) const
@@ -208,36 +208,35 @@ Json Json::get(std::string_view key) const
 
 Json* Json::edit(std::string_view key)
 {
-    return find(key) ? JsonTree::edit(*this, key) : nullptr;
+    const JsonName name(key);
+    const bool there = isObject() && JsonTree::find(*this, name);
+    return there ? JsonTree::edit(*this, name) : nullptr;
 }
 
 void Json::set(std::string_view key, Json value)
 {
     if (isNull())
         *this = object();
-    if (Json* place = edit(key)) {
-        *place = std::move(value);
-    } else if (isObject()) {
-        std::string valid;
-        if (!utf8::isValid(key)) {
-            valid = utf8::repaired(key);
-            if (find(valid))
-                return set(valid, std::move(value));
-            key = valid;
-        }
+    if (!isObject())
+        return;
+    const JsonName name(key);
+    if (JsonTree::find(*this, name)) {
+        *JsonTree::edit(*this, name) = std::move(value);
+    } else if (utf8::isValid(key)) {
         Json member[2] = {JsonTree::makeKey(key), std::move(value)};
-        JsonTree::insert(*this, JsonTree::rank(*this, key).position, member);
+        JsonTree::insert(*this, JsonTree::Place(name), member);
+    } else {
+        set(utf8::repaired(key), std::move(value));
     }
 }
 
 bool Json::erase(std::string_view key)
 {
-    if (!isObject())
+    const JsonName name(key);
+    if (!isObject() || !JsonTree::find(*this, name))
         return false;
-    const JsonTree::Rank rank = JsonTree::rank(*this, key);
-    if (rank.found)
-        JsonTree::erase(*this, rank.position);
-    return rank.found;
+    JsonTree::erase(*this, JsonTree::Place(name));
+    return true;
 }
 
 const Json* Json::at(std::size_t index) const noexcept
@@ -261,14 +260,14 @@ void Json::insert(std::size_t index, Json value)
     if (isNull())
         *this = array();
     if (isArray())
-        JsonTree::insert(*this, index < size() ? index : size(), &value);
+        JsonTree::insert(*this, JsonTree::Place(index < size() ? index : size()), &value);
 }
 
 bool Json::erase(std::size_t index)
 {
     if (!isArray() || index >= size())
         return false;
-    JsonTree::erase(*this, index);
+    JsonTree::erase(*this, JsonTree::Place(index));
     return true;
 }
 
@@ -316,7 +315,7 @@ bool operator==(const Json& a, const Json& b) noexcept
     JsonCursor x(a);
     JsonCursor y(b);
     while (JsonCursor::skipShared(x, y)) {
-        if (tag == Tag::Object && x.key() != y.key())
+        if (tag == Tag::Object && JsonName::compare(x.key(), y.key()) != 0)
             return false;
         if (!(x.value() == y.value()))
             return false;

@@ -171,7 +171,9 @@ public:
 private:
     friend struct JsonTree;
     friend struct JsonNode;
+    friend class JsonName;
     friend class JsonParser;
+    friend class JsonWriter;
 
     // Order matters: from Text on, the payload is a node.
     enum class Tag : std::uint8_t { Null, Bool, Int, Natural, Double, Short, Text, Object, Array };

@@ -3,8 +3,6 @@
 #include "tarn/json/jsoncounters.h"
 #include "tarn/json/jsonnode.h"
 
-#include <string_view>
-
 namespace vantrel {
 
 /// A place in the tree of an object or array that opens nodes as late as it can: it stands on a member (or
@@ -26,8 +24,7 @@ public:
     /// 0 on a member or item, otherwise one more than the level of the subtree's root.
     unsigned height() const noexcept { return top().node->level; }
     /// The member's name; on a subtree the first name in it.
-    std::string_view key() const noexcept { return top().node->key(top().index).stringView(); }
-    const Json& keyNode() const noexcept { return top().node->key(top().index); }
+    const Json& key() const noexcept { return top().node->key(top().index); }
     const Json& value() const noexcept { return top().node->value(top().index); }
 
     /// Goes into the subtree.

@@ -1,6 +1,8 @@
 #include "tarn/json/jsonparser.h"
 
+#include "tarn/json/jsonname.h"
 #include "tarn/json/jsontree.h"
+#include "tarn/json/swar.h"
 #include "tarn/json/utf8.h"
 
 #include <algorithm>
@@ -11,18 +13,6 @@
 namespace vantrel {
 
 namespace {
-
-constexpr std::uint64_t ones = 0x0101010101010101u;
-constexpr std::uint64_t highs = 0x8080808080808080u;
-
-/// The high bit of each byte that ends a run of plain ASCII in a string: quote, backslash, control, not
-/// ASCII. A byte above a marked one may be marked in error; the lowest mark is always right.
-std::uint64_t stops(std::uint64_t word) noexcept
-{
-    const std::uint64_t quote = word ^ (ones * '"');
-    const std::uint64_t backslash = word ^ (ones * '\\');
-    return ((quote - ones) | (backslash - ones) | (word - ones * 0x20) | word) & highs;
-}
 
 bool isDigit(char c) noexcept
 {
@@ -61,31 +51,14 @@ bool JsonParser::fail(const char* what)
     return false;
 }
 
-void JsonParser::push(Json value)
+void JsonParser::grow()
 {
-    if (m_size == m_capacity) {
-        const std::size_t grown = m_capacity < 64 ? 128 : m_capacity * 2;
-        void* memory = std::realloc(static_cast<void*>(m_stack), grown * sizeof(Json));
-        if (!memory)
-            throw std::bad_alloc();
-        m_stack = static_cast<Json*>(memory);
-        m_capacity = grown;
-    }
-    new (m_stack + m_size++) Json(std::move(value));
-}
-
-void JsonParser::skipBlanks() noexcept
-{
-    while (m_at < m_end && (*m_at == ' ' || *m_at == '\n' || *m_at == '\r' || *m_at == '\t'))
-        ++m_at;
-}
-
-bool JsonParser::next(char c) noexcept
-{
-    if (m_at == m_end || *m_at != c)
-        return false;
-    ++m_at;
-    return true;
+    const std::size_t grown = m_capacity < 64 ? 128 : m_capacity * 2;
+    void* memory = std::realloc(static_cast<void*>(m_stack), grown * sizeof(Json));
+    if (!memory)
+        throw std::bad_alloc();
+    m_stack = static_cast<Json*>(memory);
+    m_capacity = grown;
 }
 
 bool JsonParser::value()
@@ -162,13 +135,17 @@ bool JsonParser::closeObject(std::size_t base)
     };
     const std::size_t count = (m_size - base) / 2;
     auto* const first = reinterpret_cast<Member*>(m_stack + base);
-    const auto before = [](const Member& a, const Member& b) {
-        return a.key.stringView() < b.key.stringView();
+    const auto before = [](const Member& a, const Member& b) { return JsonName::compare(a.key, b.key) < 0; };
+    const auto inOrder = [&] {
+        for (std::size_t i = 1; i < count; ++i) {
+            if (!before(first[i - 1], first[i]))
+                return false;
+        }
+        return true;
     };
-    const auto notBefore = [&](const Member& a, const Member& b) { return !before(a, b); };
-    if (std::adjacent_find(first, first + count, notBefore) != first + count) {
+    if (!inOrder()) {
         std::sort(first, first + count, before);
-        if (std::adjacent_find(first, first + count, notBefore) != first + count)
+        if (!inOrder())
             return fail("a member given twice");
     }
     Json built = JsonTree::build(JsonType::Object, m_stack + base, count);
@@ -203,14 +180,16 @@ bool JsonParser::array()
 }
 
 /// Past the bytes that stand for themselves: to a quote, a backslash, or what may not be in a string.
-const char* JsonParser::plainRun(const char* p) noexcept
+const char* JsonParser::plainRun(const char* p) const noexcept
 {
     for (;;) {
         while (m_end - p >= 8) {
             std::uint64_t word = 0;
             std::memcpy(&word, p, sizeof word);
-            if (stops(word) != 0)
+            if (const std::uint64_t found = swar::stops(word)) {
+                p += swar::firstMark(found);
                 break;
+            }
             p += 8;
         }
         while (p < m_end && *p != '"' && *p != '\\' && static_cast<signed char>(*p) >= 0x20)
@@ -224,8 +203,42 @@ const char* JsonParser::plainRun(const char* p) noexcept
     }
 }
 
+/// Takes a string of ASCII that fits into the value itself, if one stands here; most do.
+bool JsonParser::shortString()
+{
+    constexpr std::size_t room = sizeof(Json::Short::text);
+    if (m_end - m_at < 16)
+        return false;
+    std::uint64_t words[2];
+    std::memcpy(words, m_at, sizeof words);
+    std::size_t size = 0;
+    if (const std::uint64_t low = swar::stops(words[0])) {
+        size = swar::firstMark(low);
+        words[0] = swar::firstBytes(words[0], size);
+        words[1] = 0;
+    } else if (const std::uint64_t high = swar::stops(words[1])) {
+        size = swar::firstMark(high);
+        words[1] = swar::firstBytes(words[1], size);
+        size += 8;
+    } else {
+        return false;
+    }
+    if (size > room || m_at[size] != '"')
+        return false;
+    if (m_size == m_capacity)
+        grow();
+    Json* json = new (m_stack + m_size++) Json;
+    json->m_short.tag = Json::Tag::Short;
+    json->m_short.size = static_cast<std::uint8_t>(size);
+    std::memcpy(json->m_short.text, words, room);
+    m_at += size + 1;
+    return true;
+}
+
 bool JsonParser::string(Role role)
 {
+    if (shortString())
+        return true;
     const char* const start = m_at;
     m_at = plainRun(start);
     if (m_at == m_end || *m_at != '"')
@@ -307,70 +320,76 @@ bool JsonParser::hexQuad(char32_t& out)
     return true;
 }
 
-bool JsonParser::digits()
+/// Reads digits on into number, which means nothing past its range.
+bool JsonParser::digits(std::uint64_t& number)
 {
-    if (m_at == m_end || !isDigit(*m_at))
+    const char* p = m_at;
+    while (p < m_end && isDigit(*p))
+        number = number * 10 + static_cast<std::uint64_t>(*p++ - '0');
+    if (p == m_at)
         return fail("a digit expected");
-    while (m_at < m_end && isDigit(*m_at))
-        ++m_at;
+    m_at = p;
     return true;
 }
 
 bool JsonParser::number()
 {
     const char* const start = m_at;
+    std::uint64_t magnitude = 0;
     next('-');
     if (next('0')) {
         if (m_at < m_end && isDigit(*m_at))
             return fail("a number with a leading zero");
-    } else if (!digits()) {
+    } else if (!digits(magnitude)) {
         return false;
     }
-    bool real = false;
+    if (m_at < m_end && (*m_at == '.' || *m_at == 'e' || *m_at == 'E'))
+        return fractionOrExponent(start, magnitude);
+    return wholeNumber(start, magnitude);
+}
+
+bool JsonParser::wholeNumber(const char* start, std::uint64_t magnitude)
+{
+    const bool negative = *start == '-';
+    if (negative && magnitude == 0) {
+        push(Json(-0.0));
+    } else if (m_at - start <= 18) {
+        const auto integer = static_cast<std::int64_t>(magnitude);
+        push(Json(negative ? -integer : integer));
+    } else if (negative) {
+        std::int64_t integer = 0;
+        if (std::from_chars(start, m_at, integer).ec != std::errc())
+            return fail("a number out of range");
+        push(Json(integer));
+    } else {
+        std::uint64_t natural = 0;
+        if (std::from_chars(start, m_at, natural).ec != std::errc())
+            return fail("a number out of range");
+        push(Json(natural));
+    }
+    return true;
+}
+
+bool JsonParser::fractionOrExponent(const char* start, std::uint64_t mantissa)
+{
+    static constexpr double powers[] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6, 1e7,
+                                        1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14};
+    std::size_t decimals = 0;
     if (next('.')) {
-        real = true;
-        if (!digits())
+        const char* const first = m_at;
+        if (!digits(mantissa))
             return false;
+        decimals = static_cast<std::size_t>(m_at - first);
     }
     if (next('e') || next('E')) {
-        real = true;
+        std::uint64_t exponent = 0;
         if (!next('+'))
             next('-');
-        if (!digits())
+        if (!digits(exponent))
             return false;
-    }
-    return real ? realNumber(start) : wholeNumber(start);
-}
-
-bool JsonParser::wholeNumber(const char* start)
-{
-    std::errc code{};
-    if (*start != '-') {
-        std::uint64_t natural = 0;
-        code = std::from_chars(start, m_at, natural).ec;
-        push(Json(natural));
-    } else {
-        std::int64_t integer = 0;
-        code = std::from_chars(start, m_at, integer).ec;
-        push(integer != 0 ? Json(integer) : Json(-0.0));
-    }
-    return code == std::errc() || fail("a number out of range");
-}
-
-bool JsonParser::realNumber(const char* start)
-{
-    static constexpr double powers[] = {1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9};
-    const std::string_view text(start, static_cast<std::size_t>(m_at - start));
-    const std::size_t point = text.find('.');
-    // Up to 15 digits, few decimals: both integers are exact, so that their quotient is rounded once.
-    if (text.size() <= 16 && point != std::string_view::npos && text.size() - point <= 10 &&
-        text.find_first_of("eE") == std::string_view::npos) {
-        std::int64_t mantissa = 0;
-        for (const char c : text) {
-            if (isDigit(c))
-                mantissa = mantissa * 10 + (c - '0');
-        }
-        const double magnitude = static_cast<double>(mantissa) / powers[text.size() - point - 1];
+    } else if (m_at - start <= 16) {
+        // Up to 15 digits: both integers are exact, so that their quotient is rounded once.
+        const double magnitude = static_cast<double>(static_cast<std::int64_t>(mantissa)) / powers[decimals];
         push(Json(*start == '-' ? -magnitude : magnitude));
         return true;
     }

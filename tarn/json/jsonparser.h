@@ -33,19 +33,38 @@ private:
     bool members();
     bool closeObject(std::size_t base);
     bool string(Role role);
+    bool shortString();
     bool escapedString(const char* start, Role role);
     bool escape();
     bool hexQuad(char32_t& out);
     bool number();
-    bool digits();
-    bool wholeNumber(const char* start);
-    bool realNumber(const char* start);
+    bool digits(std::uint64_t& number);
+    bool fractionOrExponent(const char* start, std::uint64_t mantissa);
+    bool wholeNumber(const char* start, std::uint64_t magnitude);
     bool literal(std::string_view word, Json value);
     bool fail(const char* what);
-    void skipBlanks() noexcept;
-    bool next(char c) noexcept;
-    const char* plainRun(const char* p) noexcept;
-    void push(Json value);
+    const char* plainRun(const char* p) const noexcept;
+
+    void skipBlanks() noexcept
+    {
+        while (m_at < m_end && static_cast<unsigned char>(*m_at) <= ' ' &&
+               (*m_at == ' ' || *m_at == '\n' || *m_at == '\r' || *m_at == '\t'))
+            ++m_at;
+    }
+    bool next(char c) noexcept
+    {
+        if (m_at == m_end || *m_at != c)
+            return false;
+        ++m_at;
+        return true;
+    }
+    void push(Json value)
+    {
+        if (m_size == m_capacity)
+            grow();
+        new (m_stack + m_size++) Json(std::move(value));
+    }
+    void grow();
 
     const char* m_begin;
     const char* m_at;

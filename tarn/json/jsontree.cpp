@@ -28,30 +28,6 @@ void* allocateBytes(std::size_t size)
     return memory;
 }
 
-/// Index of the first entry whose name is not below key.
-unsigned lowerBound(const JsonNode& node, std::string_view key) noexcept
-{
-    unsigned low = 0;
-    unsigned high = node.count;
-    while (low < high) {
-        const unsigned middle = (low + high) / 2;
-        if (node.key(middle).stringView() < key)
-            low = middle + 1;
-        else
-            high = middle;
-    }
-    return low;
-}
-
-/// Index of the subtree in which key stands if anywhere.
-unsigned childFor(const JsonNode& node, std::string_view key) noexcept
-{
-    const unsigned i = lowerBound(node, key);
-    if (i < node.count && node.key(i).stringView() == key)
-        return i;
-    return i > 0 ? i - 1 : 0;
-}
-
 } // namespace
 
 JsonNode* JsonTree::allocate(unsigned width, unsigned level, unsigned capacity)
@@ -74,6 +50,16 @@ Json JsonTree::wrap(Json::Tag tag, JsonNode* node) noexcept
     return tree;
 }
 
+/// Whoever goes through all values of a node touches a count elsewhere in memory for each: have them all on
+/// the way before the first is needed. The first entry may be gone already.
+void JsonTree::fetchAhead(const JsonNode& node) noexcept
+{
+    for (unsigned i = 1; i < node.count; ++i) {
+        if (node.value(i).onHeap())
+            __builtin_prefetch(node.value(i).m_wide.payload.heap, 1);
+    }
+}
+
 /// The root of tree as a node that only tree holds, with room for more entries, though never past maxEntries.
 JsonNode* JsonTree::unique(Json& tree, unsigned room)
 {
@@ -91,6 +77,7 @@ JsonNode* JsonTree::unique(Json& tree, unsigned room)
         return bigger;
     }
     JsonNode* copy = allocate(node->width, node->level, wanted);
+    fetchAhead(*node);
     for (unsigned i = 0; i < unsigned(node->count) * node->width; ++i)
         new (copy->slots() + i) Json(node->slots()[i]);
     copy->count = node->count;
@@ -130,6 +117,7 @@ void JsonTree::release(JsonNode* node) noexcept
     while (waiting) {
         JsonNode* dead = waiting;
         std::memcpy(&waiting, static_cast<void*>(dead->slots()), sizeof waiting);
+        fetchAhead(*dead);
         for (unsigned i = dead->width; i < unsigned(dead->count) * dead->width; ++i) {
             if (JsonNode* next = dropValue(dead->slots()[i]))
                 push(next);
@@ -138,67 +126,70 @@ void JsonTree::release(JsonNode* node) noexcept
     }
 }
 
-const Json* JsonTree::find(const Json& object, std::string_view key) noexcept
+unsigned JsonTree::Place::child(const JsonNode& node, bool inserting) noexcept
+{
+    if (m_name)
+        return m_name->childOf(node);
+    unsigned i = 0;
+    for (; i + 1u < node.count; ++i) {
+        const std::size_t size = count(node.value(i));
+        if (m_position < size || (inserting && m_position == size))
+            break;
+        m_position -= size;
+    }
+    return i;
+}
+
+unsigned JsonTree::Place::index(const JsonNode& leaf) const noexcept
+{
+    return m_name ? m_name->lowerBound(leaf) : static_cast<unsigned>(m_position);
+}
+
+const Json* JsonTree::find(const Json& object, const JsonName& name) noexcept
 {
     const JsonNode* node = JsonNode::of(object);
     if (!node)
         return nullptr;
     while (node->level > 0)
-        node = JsonNode::of(node->value(childFor(*node, key)));
-    const unsigned i = lowerBound(*node, key);
-    return i < node->count && node->key(i).stringView() == key ? &node->value(i) : nullptr;
+        node = JsonNode::of(node->value(name.childOf(*node)));
+    const unsigned i = name.lowerBound(*node);
+    return i < node->count && name.compare(node->key(i)) == 0 ? &node->value(i) : nullptr;
 }
 
 const Json* JsonTree::at(const Json& tree, std::size_t position) noexcept
 {
+    Place place(position);
     const JsonNode* node = JsonNode::of(tree);
-    while (node->level > 0) {
-        unsigned i = 0;
-        for (; position >= count(node->value(i)); ++i)
-            position -= count(node->value(i));
-        node = JsonNode::of(node->value(i));
-    }
-    return &node->value(static_cast<unsigned>(position));
+    while (node->level > 0)
+        node = JsonNode::of(node->value(place.child(*node, false)));
+    return &node->value(place.index(*node));
 }
 
-JsonTree::Rank JsonTree::rank(const Json& object, std::string_view key) noexcept
-{
-    const JsonNode* node = JsonNode::of(object);
-    if (!node)
-        return {0, false};
-    std::size_t position = 0;
-    while (node->level > 0) {
-        const unsigned child = childFor(*node, key);
-        for (unsigned i = 0; i < child; ++i)
-            position += count(node->value(i));
-        node = JsonNode::of(node->value(child));
-    }
-    const unsigned i = lowerBound(*node, key);
-    return {position + i, i < node->count && node->key(i).stringView() == key};
-}
-
-Json* JsonTree::edit(Json& object, std::string_view key)
+Json* JsonTree::edit(Json& object, const JsonName& name)
 {
     Json* tree = &object;
+    if (!JsonNode::of(object))
+        return nullptr;
     for (;;) {
         JsonNode* node = unique(*tree, 0);
-        if (node->level == 0)
-            return &node->value(lowerBound(*node, key));
-        tree = &node->value(childFor(*node, key));
+        if (node->level > 0) {
+            tree = &node->value(name.childOf(*node));
+            continue;
+        }
+        const unsigned i = name.lowerBound(*node);
+        return i < node->count && name.compare(node->key(i)) == 0 ? &node->value(i) : nullptr;
     }
 }
 
 Json* JsonTree::edit(Json& root, std::size_t position)
 {
+    Place place(position);
     Json* tree = &root;
     for (;;) {
         JsonNode* node = unique(*tree, 0);
         if (node->level == 0)
-            return &node->value(static_cast<unsigned>(position));
-        unsigned i = 0;
-        for (; position >= count(node->value(i)); ++i)
-            position -= count(node->value(i));
-        tree = &node->value(i);
+            return &node->value(place.index(*node));
+        tree = &node->value(place.child(*node, false));
     }
 }
 
@@ -258,19 +249,15 @@ bool JsonTree::insertHere(Json& tree, unsigned index, Json* entry, Json& right)
     return split;
 }
 
-bool JsonTree::insertBelow(Json& tree, std::size_t position, Json* entry, Json& right)
+bool JsonTree::insertBelow(Json& tree, Place place, Json* entry, Json& right)
 {
     JsonNode* node = unique(tree, 1);
-    if (node->level == 0) {
-        ++tree.m_wide.count;
-        return insertHere(tree, static_cast<unsigned>(position), entry, right);
-    }
-    unsigned i = 0;
-    for (; i + 1u < node->count && position > count(node->value(i)); ++i)
-        position -= count(node->value(i));
-    Json pair[2];
-    const bool split = insertBelow(node->value(i), position, entry, pair[1]);
     ++tree.m_wide.count;
+    if (node->level == 0)
+        return insertHere(tree, place.index(*node), entry, right);
+    const unsigned i = place.child(*node, true);
+    Json pair[2];
+    const bool split = insertBelow(node->value(i), place, entry, pair[1]);
     refreshKey(*node, i);
     if (!split)
         return false;
@@ -282,7 +269,7 @@ bool JsonTree::insertBelow(Json& tree, std::size_t position, Json* entry, Json& 
     return splitToo;
 }
 
-void JsonTree::insert(Json& tree, std::size_t position, Json* entry)
+void JsonTree::insert(Json& tree, Place place, Json* entry)
 {
     const unsigned width = tree.m_wide.tag == Json::Tag::Object ? 2 : 1;
     if (tree.m_wide.count == UINT32_MAX)
@@ -294,7 +281,7 @@ void JsonTree::insert(Json& tree, std::size_t position, Json* entry)
         tree.m_wide.count = 1;
     } else {
         Json right;
-        if (insertBelow(tree, position, entry, right)) {
+        if (insertBelow(tree, place, entry, right)) {
             JsonNode* root = allocate(width, JsonNode::of(tree)->level + 1u, 4);
             for (Json* half : {&tree, &right}) {
                 Json pair[2] = {width == 2 ? JsonNode::of(*half)->key(0) : Json(), std::move(*half)};
@@ -350,26 +337,24 @@ void JsonTree::mend(JsonNode& parent, unsigned child)
     refreshKey(parent, l);
 }
 
-void JsonTree::eraseBelow(Json& tree, std::size_t position)
+void JsonTree::eraseBelow(Json& tree, Place place)
 {
     JsonNode* node = unique(tree, 0);
     --tree.m_wide.count;
     if (node->level == 0) {
-        eraseHere(*node, static_cast<unsigned>(position));
+        eraseHere(*node, place.index(*node));
         return;
     }
-    unsigned i = 0;
-    for (; position >= count(node->value(i)); ++i)
-        position -= count(node->value(i));
-    eraseBelow(node->value(i), position);
+    const unsigned i = place.child(*node, false);
+    eraseBelow(node->value(i), place);
     refreshKey(*node, i);
     if (JsonNode::of(node->value(i))->count < JsonNode::minEntries)
         mend(*node, i);
 }
 
-void JsonTree::erase(Json& tree, std::size_t position)
+void JsonTree::erase(Json& tree, Place place)
 {
-    eraseBelow(tree, position);
+    eraseBelow(tree, place);
     JsonNode* node = JsonNode::of(tree);
     if (node->count == 0) {
         std::free(node);
@@ -380,40 +365,49 @@ void JsonTree::erase(Json& tree, std::size_t position)
     }
 }
 
+JsonNode* JsonTree::fill(unsigned width, unsigned level, const Json* entries, std::size_t count)
+{
+    JsonNode* node = allocate(width, level, static_cast<unsigned>(count));
+    move(node->slots(), entries, count * width);
+    node->count = static_cast<std::uint8_t>(count);
+    return node;
+}
+
 Json JsonTree::build(JsonType type, Json* entries, std::size_t total)
 {
-    const auto tag = type == JsonType::Object ? Json::Tag::Object : Json::Tag::Array;
     const unsigned width = type == JsonType::Object ? 2 : 1;
     Json tree;
-    tree.m_wide.tag = tag;
+    tree.m_wide.tag = type == JsonType::Object ? Json::Tag::Object : Json::Tag::Array;
+    if (total == 0)
+        return tree;
     if (total > UINT32_MAX)
         throw std::length_error("json: too many entries");
-    std::vector<Json> level; // the entries of the level above, as it is being made
-    for (unsigned height = 0; total > 0; ++height) {
-        const std::size_t nodes = total <= JsonNode::maxEntries ? 1 : (total + fillTarget - 1) / fillTarget;
+    std::vector<Json> level; // the entries to put into nodes next, where they are not those given
+    const auto forget = [](std::vector<Json>& moved) {
+        for (Json& json : moved)
+            json.m_wide = {Json::Tag::Null, 0, {0}};
+    };
+    unsigned height = 0;
+    for (; total > JsonNode::maxEntries; ++height) {
+        const std::size_t nodes = (total + fillTarget - 1) / fillTarget;
         std::vector<Json> above;
-        above.reserve(nodes > 1 ? nodes * width : 0);
+        above.reserve(nodes * width);
         for (std::size_t i = 0; i < nodes; ++i) {
-            const auto share = static_cast<unsigned>(total / nodes + (i < total % nodes ? 1 : 0));
-            JsonNode* node = allocate(width, height, share);
-            move(node->slots(), entries, std::size_t(share) * width);
-            entries += std::size_t(share) * width;
-            node->count = static_cast<std::uint8_t>(share);
-            if (nodes == 1) {
-                for (Json& moved : level)
-                    moved.m_wide = {Json::Tag::Null, 0, {0}};
-                return wrap(tag, node);
-            }
+            const std::size_t share = total / nodes + (i < total % nodes ? 1 : 0);
+            JsonNode* node = fill(width, height, entries, share);
+            entries += share * width;
             if (width == 2)
                 above.push_back(node->key(0));
-            above.push_back(wrap(tag, node));
+            above.push_back(wrap(tree.m_wide.tag, node));
         }
-        for (Json& moved : level)
-            moved.m_wide = {Json::Tag::Null, 0, {0}};
+        forget(level);
         level = std::move(above);
         entries = level.data();
         total = nodes;
     }
+    tree.m_wide.payload.heap = fill(width, height, entries, total);
+    forget(level);
+    recount(tree);
     return tree;
 }
 

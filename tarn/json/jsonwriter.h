@@ -7,7 +7,7 @@
 namespace vantrel {
 
 /// Writes a value as RFC 8259 text. One use each.
-class JsonWriter
+class [[gnu::visibility("hidden")]] JsonWriter
 {
 public:
     explicit JsonWriter(bool pretty)
@@ -19,14 +19,28 @@ public:
 
 private:
     void value(const Json& json);
-    void object(const Json& json);
-    void array(const Json& json);
+    void container(const Json& json);
+    void entries(const JsonNode& node, bool first);
     void text(std::string_view text);
+    static bool copyPlain(char* to, std::string_view text) noexcept;
+    void escapedText(std::string_view text);
+    void whole(std::uint64_t number, bool negative);
     void real(double number);
     void lineBreak();
-    void put(char c) { *room(1) = c, ++m_used; }
+    void put(char c)
+    {
+        *room(1) = c;
+        ++m_used;
+    }
     void put(std::string_view piece);
-    char* room(std::size_t bytes);
+    void flush();
+    /// Where to write up to bytes (no more than the buffer) more.
+    char* room(std::size_t bytes)
+    {
+        if (bufferSize - m_used < bytes)
+            flush();
+        return m_buffer + m_used;
+    }
 
     static constexpr std::size_t bufferSize = 16384;
     std::string m_out;

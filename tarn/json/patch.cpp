@@ -134,19 +134,24 @@ private:
         return PatchError::None;
     }
 
-    /// The container at path, ready for a change in its place.
+    /// The value at path, ready for a change in its place.
     PatchError edit(PathView path, Json*& out)
     {
-        const Json* there = nullptr;
-        if (const PatchError error = find(path, there); error != PatchError::None)
-            return error;
         out = &m_root;
         for (const PathElement& element : path) {
+            Json& parent = *out;
             long long index = 0;
-            if (out->isObject())
-                out = JsonTree::edit(*out, element.text());
-            else if (element.parseIndex(&index))
-                out = JsonTree::edit(*out, static_cast<std::size_t>(index));
+            if (parent.isObject()) {
+                out = JsonTree::edit(parent, JsonName(element.text()));
+                if (!out)
+                    return PatchError::PathNotFound;
+            } else if (!parent.isArray()) {
+                return PatchError::InvalidTarget;
+            } else if (element.parseIndex(&index) && static_cast<std::size_t>(index) < parent.size()) {
+                out = JsonTree::edit(parent, static_cast<std::size_t>(index));
+            } else {
+                return PatchError::InvalidIndex;
+            }
         }
         return PatchError::None;
     }
@@ -187,19 +192,19 @@ private:
 
     PatchError remove(PathView path)
     {
-        const Json* there = nullptr;
         if (path.empty())
             return PatchError::InvalidTarget;
-        if (const PatchError error = find(path, there); error != PatchError::None)
-            return error;
         Json* parent = nullptr;
-        edit(path.first(path.size() - 1), parent);
-        long long index = 0;
+        if (const PatchError error = edit(path.first(path.size() - 1), parent); error != PatchError::None)
+            return error;
+        const PathElement& last = path.back();
         if (parent->isObject())
-            parent->erase(path.back().text());
-        else if (path.back().parseIndex(&index))
-            parent->erase(static_cast<std::size_t>(index));
-        return PatchError::None;
+            return parent->erase(last.text()) ? PatchError::None : PatchError::PathNotFound;
+        if (!parent->isArray())
+            return PatchError::InvalidTarget;
+        long long index = 0;
+        const bool removed = last.parseIndex(&index) && parent->erase(static_cast<std::size_t>(index));
+        return removed ? PatchError::None : PatchError::InvalidIndex;
     }
 
     PatchError test(PathView path, const Json& value) const

@@ -1,4 +1,5 @@
 #include "tarn/json/jsoncursor.h"
+#include "tarn/json/jsonname.h"
 #include "tarn/json/patch.h"
 
 #include <algorithm>
@@ -66,13 +67,13 @@ private:
             return;
         }
         // A member that stands before all of an unopened subtree needs no look into it.
-        const int order = high > 0 && other > 0 ? 0 : a.key().compare(b.key());
+        const int order = high > 0 && other > 0 ? 0 : JsonName::compare(a.key(), b.key());
         if (high == 0 && order < 0) {
             one(a, PatchOpType::Remove);
         } else if (other == 0 && order > 0) {
             one(b, PatchOpType::Add);
         } else if (high == 0 && other == 0) {
-            m_path.push_back({&a.keyNode(), 0});
+            m_path.push_back({&a.key(), 0});
             values(a.value(), b.value());
             m_path.pop_back();
             a.advance();
@@ -90,7 +91,7 @@ private:
             return;
         }
         const bool added = type == PatchOpType::Add;
-        m_path.push_back({&cursor.keyNode(), 0});
+        m_path.push_back({&cursor.key(), 0});
         emit(m_redo, type, added ? cursor.value() : Json());
         if (m_undo)
             emit(*m_undo, added ? PatchOpType::Remove : PatchOpType::Add, added ? Json() : cursor.value());
