@@ -1,0 +1,161 @@
+#include "common/ui/clicktestserver.h"
+
+#include "common/ui/clicktestevents.h"
+#include "common/ui/clicktestreport.h"
+
+#include <QApplication>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QLoggingCategory>
+#include <QMenu>
+#include <QQuickItem>
+#include <QQuickWidget>
+#include <QTcpServer>
+#include <QTcpSocket>
+#include <QTimer>
+
+namespace vantrel {
+
+namespace {
+
+Q_LOGGING_CATEGORY(log, "vantrel.uitest")
+
+void traverseQQuickItem(QQuickItem* item, const ClickTestRequest& request, QList<QPointer<QQuickItem>>& found)
+{
+    if (!item || found.size() >= request.maxResults)
+        return;
+    if (request.matches(item))
+        found.append(item);
+    for (QQuickItem* child : item->childItems())
+        traverseQQuickItem(child, request, found);
+}
+
+} // namespace
+
+ClickTestServer::ClickTestServer(QObject* parent, quint16 port)
+    : QObject(parent)
+    , m_server(new QTcpServer(this))
+{
+    connect(m_server, &QTcpServer::newConnection, this, &ClickTestServer::onConnection);
+    if (!m_server->listen(QHostAddress::LocalHost, port))
+        qCWarning(log) << "The UI test server cannot listen on port" << port << m_server->errorString();
+}
+
+ClickTestServer::~ClickTestServer() = default;
+
+quint16 ClickTestServer::port() const
+{
+    return m_server->serverPort();
+}
+
+void ClickTestServer::onConnection()
+{
+    while (QTcpSocket* socket = m_server->nextPendingConnection()) {
+        connect(socket, &QTcpSocket::readyRead, this, &ClickTestServer::onClientData);
+        connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
+    }
+}
+
+void ClickTestServer::onClientData()
+{
+    auto* socket = qobject_cast<QTcpSocket*>(sender());
+    if (!socket)
+        return;
+    const QByteArray bytes = socket->readAll();
+    const QJsonDocument document = QJsonDocument::fromJson(bytes);
+    qCDebug(log) << "Received: " << document;
+    if (!document.isObject()) {
+        qCInfo(log) << "Invalid request: " << bytes.left(200);
+        socket->write("{}");
+        return;
+    }
+    processRequestJson(document.object());
+    processRequest();
+    qCDebug(log) << "Reply: " << m_results;
+    // The event loop runs before the reply, so that a robot that reads it sees what its events did.
+    QTimer::singleShot(m_request.replyDelay(), socket, [socket, results = m_results] {
+        qCDebug(log) << "replied";
+        socket->write(QJsonDocument(results).toJson(QJsonDocument::Compact));
+        socket->flush();
+    });
+}
+
+void ClickTestServer::processRequestJson(const QJsonObject& json)
+{
+    m_widgets.clear();
+    m_items.clear();
+    m_results = {};
+    m_request = ClickTestRequest::fromJson(json);
+}
+
+void ClickTestServer::processRequest()
+{
+    findWidgets();
+    findQmlItems();
+    const QString& operation = m_request.operation;
+    if (operation == QLatin1String("info"))
+        buildReply();
+    else if (operation == QLatin1String("key_press"))
+        clicktest::handleKeyPress(m_request.keyName);
+    else if (operation == QLatin1String("focus") || operation == QLatin1String("raise"))
+        handleFirstWidget();
+    else
+        handleMouse();
+}
+
+void ClickTestServer::findWidgets()
+{
+    const QWidgetList all = QApplication::allWidgets();
+    for (QWidget* widget : all) {
+        if (m_widgets.size() >= m_request.maxResults)
+            return;
+        if (qobject_cast<QMenu*>(widget) || !m_request.matches(widget))
+            continue;
+        qCInfo(log) << "Found " << widget->objectName();
+        m_widgets.append(widget);
+    }
+}
+
+void ClickTestServer::findQmlItems()
+{
+    if (m_request.isOpen())
+        return; // an open request is about widgets
+    const QWidgetList all = QApplication::allWidgets();
+    for (QWidget* widget : all) {
+        auto* view = qobject_cast<QQuickWidget*>(widget);
+        if (view && (m_request.rootItem.isEmpty() || view->objectName() == m_request.rootItem))
+            traverseQQuickItem(view->rootObject(), m_request, m_items);
+    }
+}
+
+void ClickTestServer::buildReply()
+{
+    for (const QPointer<QWidget>& widget : std::as_const(m_widgets))
+        m_results.append(clicktest::widgetJson(widget));
+    clicktest::appendMenus(m_request, m_results);
+    for (const QPointer<QWidget>& widget : std::as_const(m_widgets))
+        clicktest::appendDelegates(widget, m_results);
+    for (const QPointer<QQuickItem>& item : std::as_const(m_items))
+        m_results.append(clicktest::quickItemJson(item));
+}
+
+void ClickTestServer::handleMouse()
+{
+    if (const std::optional<QPoint> global = m_request.globalPosition())
+        clicktest::handleMouse(m_request, *global);
+}
+
+void ClickTestServer::handleFirstWidget()
+{
+    if (m_widgets.isEmpty() || !m_widgets.first())
+        return;
+    QWidget* widget = m_widgets.first();
+    if (m_request.operation == QLatin1String("focus")) {
+        widget->setFocus(Qt::OtherFocusReason);
+    } else {
+        widget->activateWindow();
+        widget->raise();
+    }
+}
+
+} // namespace vantrel

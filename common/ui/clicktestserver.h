@@ -1,0 +1,54 @@
+#pragma once
+
+#include "common/ui/clicktestrequest.h"
+
+#include <QJsonArray>
+#include <QList>
+#include <QObject>
+#include <QPointer>
+
+#include <memory>
+
+class QQuickItem;
+class QTcpServer;
+class QWidget;
+
+namespace vantrel {
+
+/// Lets a robot on this machine drive the running interface: one JSON object a request, on plain TCP,
+/// loopback only. It lists widgets, menus, cells and declarative items with their geometry and synthesises
+/// mouse and key events. A request that makes no sense never closes the connection. Owned by the main window;
+/// main thread.
+class ClickTestServer : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// port 0 picks a free one.
+    ClickTestServer(QObject* parent, quint16 port);
+    ~ClickTestServer() override;
+
+    /// The port in use; 0 when it could not listen (which is logged).
+    quint16 port() const;
+
+public Q_SLOTS:
+    void onConnection();
+    void onClientData();
+
+private:
+    void processRequestJson(const QJsonObject& json);
+    void processRequest();
+    void findWidgets();
+    void findQmlItems();
+    void buildReply();
+    void handleMouse();
+    void handleFirstWidget();
+
+    QTcpServer* m_server;
+    ClickTestRequest m_request;
+    QList<QPointer<QWidget>> m_widgets;
+    QList<QPointer<QQuickItem>> m_items;
+    QJsonArray m_results;
+};
+
+} // namespace vantrel

@@ -1,0 +1,122 @@
+#include "common/ui/hotkeys.h"
+
+#include "common/session/configuration.h"
+#include "common/session/keymap.h"
+#include "common/session/session.h"
+
+#include <QShortcut>
+#include <QUndoStack>
+#include <QWidget>
+
+namespace vantrel {
+
+namespace {
+
+QUndoStack* undoStack()
+{
+    const Session* session = Session::instance();
+    return session ? session->getQUndoStack() : nullptr;
+}
+
+void undo()
+{
+    if (QUndoStack* stack = undoStack())
+        stack->undo();
+}
+
+void redo()
+{
+    if (QUndoStack* stack = undoStack())
+        stack->redo();
+}
+
+} // namespace
+
+Hotkeys::Hotkeys(QWidget* parent)
+    : QObject(parent)
+{
+    setDefaults();
+}
+
+QMap<QString, QVariant> Hotkeys::defaultKeymap()
+{
+    return vantrel::defaultKeymap();
+}
+
+void Hotkeys::setDefaults()
+{
+    m_keymap = defaultKeymap();
+    // The two of this object's own are made once; a second call only brings their keys back.
+    if (m_shortcuts.isEmpty()) {
+        addShortcut(QStringLiteral("undo"), undo, Qt::WindowShortcut);
+        addShortcut(QStringLiteral("redo"), redo, Qt::WindowShortcut);
+    }
+    remap();
+}
+
+QKeySequence Hotkeys::mapping(const QString& name) const
+{
+    return m_keymap.value(name).value<QKeySequence>();
+}
+
+bool Hotkeys::hasMapping(const QString& name) const
+{
+    return m_keymap.contains(name);
+}
+
+QShortcut* Hotkeys::shortcut(const QString& name) const
+{
+    const QList<QShortcut*> all = m_shortcuts.value(name);
+    return all.isEmpty() ? nullptr : all.first();
+}
+
+void Hotkeys::addMapping(const QString& name, const QKeySequence& sequence)
+{
+    m_keymap.insert(name, QVariant::fromValue(sequence));
+}
+
+QShortcut* Hotkeys::addShortcut(const QString& name, void (*function)(), Qt::ShortcutContext context,
+                                QObject* parent)
+{
+    QObject* owner = parent ? parent : this->parent();
+    if (!owner || !hasMapping(name))
+        return nullptr;
+    auto* shortcut = new QShortcut(mapping(name), owner);
+    shortcut->setContext(context);
+    connect(shortcut, &QShortcut::activated, this, [function] { function(); });
+    connect(shortcut, &QObject::destroyed, this,
+            [this, name, shortcut] { m_shortcuts[name].removeAll(shortcut); });
+    m_shortcuts[name].append(shortcut);
+    return shortcut;
+}
+
+void Hotkeys::remap(const QString& name, const QKeySequence& sequence)
+{
+    addMapping(name, sequence);
+    for (QShortcut* shortcut : m_shortcuts.value(name))
+        shortcut->setKey(sequence);
+}
+
+void Hotkeys::remap()
+{
+    remap(QMap<QString, QVariant>(m_keymap));
+}
+
+void Hotkeys::remap(const QMap<QString, QVariant>& keymap)
+{
+    for (auto it = keymap.cbegin(); it != keymap.cend(); ++it)
+        remap(it.key(), it.value().value<QKeySequence>());
+}
+
+void Hotkeys::saveKeymap() const
+{
+    if (Configuration* settings = configuration())
+        settings->setValue(KEYMAP, m_keymap);
+}
+
+void Hotkeys::loadKeymapFromConfiguration()
+{
+    remap(configurationValue(KEYMAP).toMap());
+}
+
+} // namespace vantrel

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <QMap>
+#include <QWidget>
+
+class QHBoxLayout;
+
+namespace vantrel {
+
+class PushButton;
+
+/// Square size and icon of a button of the main navigation bar, kept by text size.
+void sizeNavButton(PushButton* button);
+
+/// The bar at the top of the window: the menu's button, the logo, the tabs, further buttons at the right.
+/// Ctrl+1 to Ctrl+9 choose a tab. Owned by the main window.
+class MainNavigationBar : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit MainNavigationBar(QWidget* parent = nullptr);
+
+    void addMainMenu(QWidget* button);
+    void addTab(int index, PushButton* button);
+    void addButton(QWidget* button);
+    int activeTab() const { return m_active; }
+    PushButton* button(int index) const { return m_buttons.value(index); }
+
+public Q_SLOTS:
+    /// Marks the tab and emits tabSelected on a change; an unknown or disabled tab leaves things as they are.
+    void setActiveTab(int index);
+    void setEnabled(int index);
+    void setDisabled(int index);
+    void updateTabStyles();
+
+Q_SIGNALS:
+    void tabSelected(int index);
+
+private:
+    QHBoxLayout* m_layout;
+    QHBoxLayout* m_tabs;
+    QMap<int, PushButton*> m_buttons;
+    int m_active = -1;
+};
+
+} // namespace vantrel

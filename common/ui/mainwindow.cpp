@@ -1,0 +1,344 @@
+#include "common/ui/mainwindow.h"
+
+#include "common/notification/notificationmanagerimpl.h"
+#include "common/session/configuration.h"
+#include "common/session/connectionhandler.h"
+#include "common/session/mainwindowhandle.h"
+#include "common/session/session.h"
+#include "common/ui/clicktestserver.h"
+#include "common/ui/configurationdialog.h"
+#include "common/ui/connectdialog.h"
+#include "common/ui/developermenu.h"
+#include "common/ui/hotkeys.h"
+#include "common/ui/iconbutton.h"
+#include "common/ui/mainmenu.h"
+#include "common/ui/mainnavigationbar.h"
+#include "common/ui/navbutton.h"
+#include "common/ui/notificationdialogwrapper.h"
+#include "common/ui/notificationpresenter.h"
+#include "common/ui/notificationstatusbar.h"
+#include "common/ui/placeholderview.h"
+#include "common/ui/stackedtabwidget.h"
+#include "common/ui/statusbar.h"
+
+#include <QApplication>
+#include <QKeyEvent>
+#include <QLoggingCategory>
+#include <QQuickWidget>
+#include <QResizeEvent>
+#include <QTimer>
+#include <QVBoxLayout>
+
+namespace vantrel {
+
+namespace {
+
+Q_LOGGING_CATEGORY(log, "vantrel.ui")
+
+constexpr int startDelay = 200; // milliseconds until the window is up
+constexpr auto tabClickWheel = static_cast<Qt::FocusPolicy>(11);
+
+enum Tab : int { OutputsTab = 0, FilesTab = 1, MediaTab = 2, PlayerTab = 3 };
+
+MainWindow*& instance()
+{
+    static MainWindow* window = nullptr;
+    return window;
+}
+
+ConnectionHandler* connectionHandler()
+{
+    const Session* session = Session::instance();
+    return session ? session->connectionHandler() : nullptr;
+}
+
+} // namespace
+
+MainWindow::MainWindow(QWidget* parent)
+    : QMainWindow(parent)
+    , m_central(new QWidget(this))
+    , m_layout(new QVBoxLayout(m_central))
+    , m_hotkeys(new Hotkeys(this))
+{
+    instance() = this;
+    setMainWindowWidget(this);
+    setObjectName(QStringLiteral("MainWindow"));
+    setWindowTitle(QStringLiteral("Halcyra"));
+    m_hotkeys->loadKeymapFromConfiguration();
+    if (Session* session = Session::instance())
+        session->setHotkeys(m_hotkeys);
+    m_central->setObjectName(QStringLiteral("central"));
+    m_layout->setContentsMargins(6, 0, 6, 0);
+    m_layout->setSpacing(0);
+
+    m_navigationBar = new MainNavigationBar(m_central);
+    m_tabs = new StackedTabWidget(m_central);
+    m_tabs->setObjectNames(QStringLiteral("MainTabs"));
+    connect(m_navigationBar, &MainNavigationBar::tabSelected, m_tabs, &QStackedWidget::setCurrentIndex);
+    m_notificationPresenter = new NotificationPresenter(NotificationManagerImpl::instance(), this);
+    initStatusBar();
+    initMainMenu();
+    initOutputView();
+    initFileView();
+    initMediaView();
+    initPlayerView();
+    m_layout->addWidget(m_navigationBar);
+    m_layout->addSpacing(6);
+    m_layout->addWidget(m_tabs, 1);
+    m_layout->addSpacing(6);
+    m_layout->addWidget(m_statusBar);
+    m_layout->addSpacing(6);
+    m_navigationBar->setActiveTab(PlayerTab);
+    setCentralWidget(m_central);
+    initConnection();
+    if (const Configuration* settings = configuration()) {
+        connect(settings, &Configuration::optionChanged, this, [this](ConfigurationOption option) {
+            if (option == TEXT_SIZE)
+                repositionNotifications();
+        });
+    }
+    m_notificationPresenter->installEventFilter(this);
+    setFocus();
+    setFocusPolicy(tabClickWheel);
+    raise();
+    m_developerMenu = new DeveloperMenu(this);
+    resize(1600, 1000);
+}
+
+MainWindow::~MainWindow()
+{
+    for (const QPointer<QWidget>& view : std::as_const(m_views))
+        delete view;
+    if (Session* session = Session::instance(); session && session->hotkeys() == m_hotkeys)
+        session->setHotkeys(nullptr);
+    setMainWindowWidget(nullptr);
+    instance() = nullptr;
+}
+
+MainWindow* MainWindow::get()
+{
+    return instance();
+}
+
+void MainWindow::initStatusBar()
+{
+    const Session* session = Session::instance();
+    m_statusBar = new StatusBar(session ? session->systemProxy() : nullptr,
+                                session ? session->connectionProvider() : nullptr, m_central);
+    connect(m_statusBar, &StatusBar::connectClicked, this, &MainWindow::handleConnectRequest);
+    connect(m_statusBar, &StatusBar::disconnectClicked, this, &MainWindow::handleDisconnectRequest);
+
+    m_notificationDialog = new NotificationDialogWrapper(NotificationManagerImpl::instance(), this);
+    auto* counts = new NotificationStatusBar(m_statusBar);
+    counts->setManager(NotificationManagerImpl::instance());
+    m_statusBar->addWidget(counts);
+    connect(counts, &NotificationStatusBar::clicked, m_notificationDialog, &NotificationDialogWrapper::show);
+    connect(m_notificationPresenter, &NotificationPresenter::detailsClicked, m_notificationDialog,
+            &NotificationDialogWrapper::show);
+}
+
+void MainWindow::initMainMenu()
+{
+    m_mainMenu = new MainMenu(this);
+    auto* button = new IconButton(QStringLiteral(":/icons/hamburger.svg"), {}, m_navigationBar);
+    button->setObjectName(QStringLiteral("MainNavigationBar-mainmenu-button"));
+    button->setToolTip(tr("Main menu"));
+    button->setAccessibleName(tr("Main menu"));
+    sizeNavButton(button);
+    m_navigationBar->addMainMenu(button);
+    connect(button, &IconButton::clicked, m_mainMenu, [this] { m_mainMenu->popup(QCursor::pos()); });
+    connect(m_mainMenu, &MainMenu::connectClicked, this, &MainWindow::handleConnectRequest);
+    connect(m_mainMenu, &MainMenu::disconnectClicked, this, &MainWindow::handleDisconnectRequest);
+    connect(m_mainMenu, &MainMenu::notificationsClicked, m_notificationDialog,
+            &NotificationDialogWrapper::show);
+    connect(m_mainMenu, &MainMenu::configurationClicked, this, &MainWindow::openConfigurationDialog);
+    m_configurationDialog = new ConfigurationDialog(this);
+}
+
+void MainWindow::addView(int index, const QString& caption, const QString& icon, const QString& name,
+                         QWidget* view)
+{
+    m_views.append(view);
+    m_tabs->insertWidget(index, view);
+    auto* button = new NavButton(QStringLiteral("  ") + caption, icon, m_navigationBar);
+    button->setObjectName(name);
+    button->setAccessibleName(caption);
+    m_navigationBar->addTab(index, button);
+}
+
+void MainWindow::initOutputView()
+{
+    const QString icon = QStringLiteral(":/icons/output.svg");
+    addView(OutputsTab, tr("OUTPUTS"), icon, QStringLiteral("MainNavigationBar-outputs-button"),
+            new PlaceholderView(icon, tr("Video outputs are not part of this version yet."), m_tabs));
+}
+
+void MainWindow::initFileView()
+{
+    const QString icon = QStringLiteral(":/icons/file.svg");
+    addView(FilesTab, tr("FILES"), icon, QStringLiteral("MainNavigationBar-files-button"),
+            new PlaceholderView(icon, tr("File transfers are not part of this version yet."), m_tabs));
+}
+
+void MainWindow::initMediaView()
+{
+    const QString icon = QStringLiteral(":/icons/media.svg");
+    addView(MediaTab, tr("MEDIA"), icon, QStringLiteral("MainNavigationBar-media-button"),
+            new PlaceholderView(icon, tr("Editing of collections is not part of this version yet."), m_tabs));
+}
+
+void MainWindow::initPlayerView()
+{
+    const QString icon = QStringLiteral(":/icons/mc_play.svg");
+    addView(PlayerTab, tr("PLAYER"), icon, QStringLiteral("MainNavigationBar-player-button"),
+            new PlaceholderView(icon, tr("The player is not part of this version yet."), m_tabs));
+}
+
+void MainWindow::initConnection()
+{
+    ConnectionHandler* handler = connectionHandler();
+    if (!handler)
+        return;
+    connect(handler, &ConnectionHandler::connecting, this, &MainWindow::onConnecting);
+    connect(handler, &ConnectionHandler::connected, this, &MainWindow::onConnected);
+    connect(handler, &ConnectionHandler::disconnected, this, &MainWindow::onDisconnected);
+    connect(handler, &ConnectionHandler::connected, m_mainMenu, &MainMenu::handleConnected);
+    connect(handler, &ConnectionHandler::disconnected, m_mainMenu, &MainMenu::handleDisconnected);
+    connect(handler, &ConnectionHandler::connected, m_statusBar, &StatusBar::onConnected);
+    connect(handler, &ConnectionHandler::disconnected, m_statusBar, &StatusBar::onDisconnected);
+    connect(handler, &ConnectionHandler::reconnecting, m_statusBar, &StatusBar::onReconnecting);
+    connect(handler, &ConnectionHandler::connected, m_configurationDialog, &ConfigurationDialog::onConnected);
+    connect(handler, &ConnectionHandler::disconnected, m_configurationDialog,
+            &ConfigurationDialog::onDisconnected);
+}
+
+void MainWindow::autoConnect(const QString& host)
+{
+    QTimer::singleShot(startDelay, this, [host] {
+        if (ConnectionHandler* handler = connectionHandler())
+            handler->connect(host);
+    });
+}
+
+void MainWindow::showConnectDialog()
+{
+    QTimer::singleShot(startDelay, this, &MainWindow::showConnectDialogImmediate);
+}
+
+void MainWindow::showConnectDialogImmediate()
+{
+    if (!m_connectDialog) {
+        m_connectDialog = new ConnectDialog(this);
+        connect(m_connectDialog, &ConnectDialog::stop, this, &MainWindow::handleDisconnectRequest);
+        connect(m_connectDialog, &ConnectDialog::disconnectRequested, this,
+                &MainWindow::handleDisconnectRequest);
+        if (ConnectionHandler* handler = connectionHandler()) {
+            connect(m_connectDialog, &ConnectDialog::connectRequested, handler,
+                    [handler](const QString& host) { handler->connect(host); });
+            connect(handler, &ConnectionHandler::connected, m_connectDialog, &ConnectDialog::onConnected);
+            connect(handler, &ConnectionHandler::disconnected, m_connectDialog,
+                    &ConnectDialog::onDisconnected);
+        }
+        if (const Session* session = Session::instance(); session && session->isConnected())
+            m_connectDialog->onConnected();
+    }
+    m_connectDialog->showConnectDialog();
+    m_connectDialog->activateWindow();
+}
+
+quint16 MainWindow::startClickTestServer(quint16 port)
+{
+    if (!m_clickTestServer)
+        m_clickTestServer = new ClickTestServer(this, port);
+    return m_clickTestServer->port();
+}
+
+void MainWindow::repositionNotifications()
+{
+    m_notificationPresenter->move((width() - m_notificationPresenter->width()) / 2,
+                                  height() - m_notificationPresenter->height() - m_statusBar->height());
+}
+
+void MainWindow::handleConnectRequest()
+{
+    showConnectDialogImmediate();
+}
+
+void MainWindow::handleDisconnectRequest()
+{
+    if (ConnectionHandler* handler = connectionHandler())
+        handler->disconnect();
+}
+
+void MainWindow::handleCollectionEditRequested(int collection)
+{
+    // The media page is known by its one operation, so that this room need not know its type.
+    QWidget* page = m_tabs->widget(MediaTab);
+    if (!page || page->metaObject()->indexOfMethod("selectCollection(int)") < 0 ||
+        !QMetaObject::invokeMethod(page, "selectCollection", Q_ARG(int, collection))) {
+        qCWarning(log) << "Failed to find media view page";
+        return;
+    }
+    m_navigationBar->setActiveTab(MediaTab);
+}
+
+void MainWindow::onConnecting(const QString& address)
+{
+    if (m_connectDialog)
+        m_connectDialog->setConnectingDialog(address);
+}
+
+void MainWindow::onConnected()
+{
+    if (m_connectDialog)
+        m_connectDialog->hide();
+}
+
+void MainWindow::onDisconnected(const QString& address)
+{
+    if (m_connectDialog && m_connectDialog->isVisible())
+        m_connectDialog->setDisconnectionDialog(address);
+}
+
+void MainWindow::openConfigurationDialog()
+{
+    m_configurationDialog->open();
+}
+
+bool MainWindow::eventFilter(QObject* watched, QEvent* event)
+{
+    if (watched == m_notificationPresenter && event->type() == QEvent::Resize) {
+        m_notificationPresenter->resize(static_cast<QResizeEvent*>(event)->size());
+        repositionNotifications();
+    }
+    return QMainWindow::eventFilter(watched, event);
+}
+
+void MainWindow::resizeEvent(QResizeEvent* event)
+{
+    QMainWindow::resizeEvent(event);
+    repositionNotifications();
+}
+
+void MainWindow::keyPressEvent(QKeyEvent* event)
+{
+    if (event->key() == Qt::Key_F10)
+        m_notificationDialog->show();
+    else if (event->key() == Qt::Key_F11)
+        m_developerMenu->popup(QCursor::pos());
+    else
+        QMainWindow::keyPressEvent(event);
+}
+
+void MainWindow::mousePressEvent(QMouseEvent* event)
+{
+    // A click on the background ends what is being typed, but leaves declarative views and file lists alone.
+    QWidget* focused = QApplication::focusWidget();
+    const bool keeps =
+        qobject_cast<QQuickWidget*>(focused) || (focused && focused->property("fileview").toBool());
+    if (focused && !keeps)
+        focused->clearFocus();
+    QMainWindow::mousePressEvent(event);
+}
+
+} // namespace vantrel

@@ -1,0 +1,92 @@
+#pragma once
+
+#include <QMainWindow>
+#include <QPointer>
+
+class QAction;
+class QVBoxLayout;
+
+namespace vantrel {
+
+class ClickTestServer;
+class ConfigurationDialog;
+class ConnectDialog;
+class DeveloperMenu;
+class Hotkeys;
+class MainMenu;
+class MainNavigationBar;
+class NotificationDialogWrapper;
+class NotificationPresenter;
+class NotificationStatusBar;
+class PushButton;
+class StackedTabWidget;
+class StatusBar;
+
+/// The window of the application: the four views under their tabs, the menu, the status bar and the dialogs
+/// of the connection. One a process, made after the session; the launcher owns it.
+class MainWindow : public QMainWindow
+{
+    Q_OBJECT
+
+public:
+    explicit MainWindow(QWidget* parent = nullptr);
+    ~MainWindow() override;
+
+    /// Null before the window is made and after it is gone.
+    static MainWindow* get();
+
+    /// Connects to the host in a moment, once the event loop runs.
+    void autoConnect(const QString& host);
+    /// Opens the connect dialog in a moment, once the event loop runs.
+    void showConnectDialog();
+    /// Lets a robot on this machine drive the window; port 0 picks a free one. The port in use, 0 on failure.
+    quint16 startClickTestServer(quint16 port);
+    void repositionNotifications();
+
+    MainNavigationBar* navigationBar() const { return m_navigationBar; }
+    StatusBar* statusLine() const { return m_statusBar; }
+    ConnectDialog* connectDialog() const { return m_connectDialog; }
+
+public Q_SLOTS:
+    void showConnectDialogImmediate();
+    void handleConnectRequest();
+    void handleDisconnectRequest();
+    void handleCollectionEditRequested(int collection);
+    void onConnecting(const QString& address);
+    void onConnected();
+    void onDisconnected(const QString& address);
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+
+private:
+    void initMainMenu();
+    void initOutputView();
+    void initFileView();
+    void initMediaView();
+    void initPlayerView();
+    void initStatusBar();
+    void initConnection();
+    void addView(int index, const QString& caption, const QString& icon, const QString& name, QWidget* view);
+    void openConfigurationDialog();
+
+    QWidget* m_central;
+    QVBoxLayout* m_layout;
+    Hotkeys* m_hotkeys;
+    MainNavigationBar* m_navigationBar = nullptr;
+    StackedTabWidget* m_tabs = nullptr;
+    MainMenu* m_mainMenu = nullptr;
+    StatusBar* m_statusBar = nullptr;
+    NotificationPresenter* m_notificationPresenter = nullptr;
+    NotificationDialogWrapper* m_notificationDialog = nullptr;
+    ConfigurationDialog* m_configurationDialog = nullptr;
+    ConnectDialog* m_connectDialog = nullptr;
+    DeveloperMenu* m_developerMenu = nullptr;
+    ClickTestServer* m_clickTestServer = nullptr;
+    QList<QPointer<QWidget>> m_views;
+};
+
+} // namespace vantrel

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "common/notification/notification.h"
+
+#include <QColor>
+#include <QString>
+
+namespace vantrel {
+
+/// The icon and the colour that mark a kind of message.
+QString notificationIcon(Notification::MessageType type);
+QColor notificationColor(Notification::MessageType type);
+/// "Error", "Warning", ...: for tooltips and accessible names.
+QString notificationName(Notification::MessageType type);
+
+} // namespace vantrel

@@ -1,0 +1,66 @@
+#include "common/ui/reconnectdialog.h"
+
+#include "common/ui/pushbutton.h"
+#include "common/ui/ztlabel.h"
+
+#include <QVBoxLayout>
+
+namespace vantrel {
+
+namespace {
+
+constexpr int dotMilliseconds = 1000;
+constexpr int maxDots = 4;
+constexpr int topOffset = 56; // below the navigation bar
+
+} // namespace
+
+ReconnectDialog::ReconnectDialog(QWidget* parent)
+    : ZTDialog(tr("Connection to the server lost"), parent)
+    , m_label(new ZTLabel(this))
+{
+    setObjectNames(QStringLiteral("ReconnectDialog"));
+    setModal(false);
+    setAttribute(Qt::WA_ShowWithoutActivating);
+    m_label->setObjectName(QStringLiteral("ReconnectDialog-text"));
+    m_label->setStyleClass(QStringLiteral("dim"));
+    contentLayout()->addWidget(m_label);
+    setAcceptText(tr("STOP"));
+    setAcceptClass(QStringLiteral("cancel"));
+    setCancelText(QString());
+    acceptButton()->setToolTip(tr("Stop trying to reconnect"));
+    connect(this, &ZTDialog::confirmed, this, &ReconnectDialog::stop);
+    m_dotTimer.setInterval(dotMilliseconds);
+    connect(&m_dotTimer, &QTimer::timeout, this, &ReconnectDialog::updateText);
+}
+
+void ReconnectDialog::displayDialog()
+{
+    m_dots = 0;
+    updateText();
+    show();
+}
+
+void ReconnectDialog::updateText()
+{
+    m_dotTimer.start();
+    // Blanks fill the line up, so that it keeps its width.
+    m_label->setText(tr("Attempting to reconnect to the server") + QString(m_dots, u'.') +
+                     QString(maxDots - m_dots, u' '));
+    m_dots = (m_dots + 1) % (maxDots + 1);
+}
+
+void ReconnectDialog::showEvent(QShowEvent* event)
+{
+    ZTDialog::showEvent(event);
+    if (const QWidget* over = parentWidget() ? parentWidget()->window() : nullptr)
+        move(x(), over->geometry().top() + topOffset);
+}
+
+void ReconnectDialog::hideEvent(QHideEvent* event)
+{
+    m_dotTimer.stop();
+    ZTDialog::hideEvent(event);
+}
+
+} // namespace vantrel

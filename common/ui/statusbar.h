@@ -1,0 +1,62 @@
+#pragma once
+
+#include <QWidget>
+
+#include <memory>
+
+class QHBoxLayout;
+
+namespace vantrel {
+
+class ClickableLayoutWidget;
+class ConnectionProvider;
+class ElidedLabel;
+class IconButton;
+class ReconnectDialog;
+class StatusBarMenu;
+class SystemProxy;
+class ZTLabel;
+
+/// The bottom line of the window: to which server the link stands, and at its right end the notifications. A
+/// click on its left part opens the connection's dialog. Owned by the main window.
+class StatusBar : public QWidget
+{
+    Q_OBJECT
+
+public:
+    /// The sources of the server's name, version and address; either may be null, and outlives this.
+    StatusBar(const SystemProxy* system, const ConnectionProvider* connection, QWidget* parent = nullptr);
+
+    /// Puts a widget at the right end.
+    void addWidget(QWidget* widget);
+    /// Null until the first loss of a link.
+    ReconnectDialog* reconnectDialog() const { return m_reconnectDialog; }
+    StatusBarMenu* menu() const { return m_menu; }
+
+public Q_SLOTS:
+    void updateData();
+    void onConnected();
+    void onDisconnected(const QString& address);
+    void onReconnecting(int milliseconds);
+
+Q_SIGNALS:
+    void connectClicked();
+    void disconnectClicked();
+
+private:
+    void showConnected(bool connected);
+
+    const SystemProxy* m_system;
+    const ConnectionProvider* m_connection;
+    QHBoxLayout* m_layout;
+    ClickableLayoutWidget* m_area;
+    IconButton* m_toggle;
+    ZTLabel* m_label;
+    ElidedLabel* m_name;
+    ElidedLabel* m_address;
+    ZTLabel* m_disconnected;
+    StatusBarMenu* m_menu;
+    ReconnectDialog* m_reconnectDialog = nullptr;
+};
+
+} // namespace vantrel

@@ -1,0 +1,114 @@
+#include "common/session/serverports.h"
+#include "common/session/session.h"
+#include "common/ui/logmanager.h"
+#include "common/ui/mainwindow.h"
+#include "common/ui/stylesheet.h"
+
+#include <QApplication>
+#include <QCommandLineParser>
+#include <QTimer>
+
+#include <cstdio>
+#include <memory>
+
+namespace {
+
+struct Options
+{
+    QString host;
+    vantrel::ServerPorts ports;
+    bool uiTest = false;
+    QString screenshot;
+    int seconds = 0;
+};
+
+/// The number of an option, if it lies within the range; ends the program with a message if it does not.
+int number(const QCommandLineParser& parser, const QString& name, int minimum, int maximum)
+{
+    bool ok = false;
+    const int value = parser.value(name).toInt(&ok);
+    if (!ok || value < minimum || value > maximum) {
+        fprintf(stderr, "halcyra: --%s takes a number from %d to %d\n", qPrintable(name), minimum, maximum);
+        exit(2);
+    }
+    return value;
+}
+
+Options parse(const QCoreApplication& application)
+{
+    QCommandLineParser parser;
+    parser.setApplicationDescription(QStringLiteral("Operates a media server: library, preview, program."));
+    parser.addHelpOption();
+    parser.addVersionOption();
+    const vantrel::ServerPorts defaults;
+    const auto add = [&parser](const char* name, const char* text, const char* value, const QString& preset) {
+        parser.addOption(QCommandLineOption(QString::fromLatin1(name), QString::fromLatin1(text),
+                                            QString::fromLatin1(value), preset));
+    };
+    add("connect", "Connect to this server at once.", "host", {});
+    add("http-port", "The server's HTTP port.", "port", QString::number(defaults.http));
+    add("link-port", "The server's scene link port.", "port", QString::number(defaults.link));
+    add("preview-port", "The server's preview port.", "port", QString::number(defaults.preview));
+    add("ftp-port", "The server's FTP port.", "port", QString::number(defaults.ftp));
+    add("ui-test", "Let a robot on this machine drive the window.", "", {});
+    add("ui-test-port", "Port of the UI test server; 0 picks a free one.", "port",
+        QString::number(defaults.uiTest));
+    add("screenshot", "Save a picture of the window to this file, then quit.", "file", {});
+    add("seconds", "Seconds until the picture is taken.", "seconds", QStringLiteral("5"));
+    parser.process(application);
+
+    Options options;
+    options.host = parser.value(QStringLiteral("connect"));
+    const auto port = [&parser](const char* name, int minimum) {
+        return static_cast<quint16>(number(parser, QString::fromLatin1(name), minimum, 65535));
+    };
+    options.ports = {port("http-port", 1), port("link-port", 1), port("preview-port", 1), port("ftp-port", 1),
+                     port("ui-test-port", 0)};
+    options.uiTest = parser.isSet(QStringLiteral("ui-test"));
+    options.screenshot = parser.value(QStringLiteral("screenshot"));
+    options.seconds = number(parser, QStringLiteral("seconds"), 0, 24 * 60 * 60);
+    return options;
+}
+
+void scheduleScreenshot(vantrel::MainWindow& window, const Options& options)
+{
+    QTimer::singleShot(options.seconds * 1000, &window, [&window, file = options.screenshot] {
+        const bool saved = window.grab().save(file);
+        if (!saved)
+            fprintf(stderr, "halcyra: cannot save a picture to %s\n", qPrintable(file));
+        QCoreApplication::exit(saved ? 0 : 1);
+    });
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    QCoreApplication::setOrganizationName(QStringLiteral("Halcyra"));
+    QCoreApplication::setApplicationName(QStringLiteral("halcyra"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(HALCYRA_VERSION));
+    QApplication application(argc, argv);
+    const Options options = parse(application);
+
+    vantrel::LogManager::instance().install();
+    vantrel::Session::initialize(options.ports);
+    // Outlives the window, and ends the link's thread.
+    const std::unique_ptr<vantrel::Session> session(vantrel::Session::instance());
+    vantrel::StyleSheet::apply(application);
+    vantrel::MainWindow window;
+    window.show();
+    if (options.uiTest) {
+        const quint16 port = window.startClickTestServer(options.ports.uiTest);
+        if (port == 0)
+            return 1;
+        printf("ui-test ready port=%d\n", port);
+        fflush(stdout);
+    }
+    if (options.host.isEmpty())
+        window.showConnectDialog();
+    else
+        window.autoConnect(options.host);
+    if (!options.screenshot.isEmpty())
+        scheduleScreenshot(window, options);
+    return QApplication::exec();
+}
