@@ -36,6 +36,7 @@ public:
 
     const Ref<Surface>& surface() const { return m_surface; } // null before the first picture
     double position() const { return m_position; }            // of the surface
+    double target() const { return m_target; }                // what was sought last
     SourcePlayState state() const { return m_state; }
     bool landed() const { return !m_awaiting; } // what is shown is what was sought last
     bool failed() const { return m_feed.status().failed; }

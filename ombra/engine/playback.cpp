@@ -225,7 +225,7 @@ void Playback::publish(Scene& scene)
         if (const std::shared_ptr<Deck>& deck = m_player.deck()) {
             status = deck->status();
             state = deck->state();
-            position = deck->position();
+            position = m_player.waiting() ? deck->target() : deck->position();
             outpoint = deck->outpoint();
             duration = deck->duration();
         }

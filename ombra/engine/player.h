@@ -40,6 +40,7 @@ public:
     void setShown(Ref<Surface> surface) { m_shown = std::move(surface); }
 
     bool inTransition() const { return m_type != TakeTransitionType::DirectCut; }
+    bool waiting() const { return m_waiting; }     // nothing of the deck was shown yet
     double progress() const { return m_progress; } // of the transition, 0 to 1
 
     /// Decks that are done with, to be let go where waiting for their threads holds nobody up.
