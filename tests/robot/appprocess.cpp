@@ -1,0 +1,51 @@
+#include "tests/robot/appprocess.h"
+
+#include <QRegularExpression>
+#include <QTest>
+
+namespace vantrel::test {
+
+AppProcess::~AppProcess()
+{
+    if (isRunning())
+        stop();
+}
+
+bool AppProcess::start(const QStringList& arguments)
+{
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("HOME"), m_home.path());
+    environment.insert(QStringLiteral("XDG_CONFIG_HOME"), m_home.filePath(QStringLiteral("config")));
+    environment.insert(QStringLiteral("XDG_DATA_HOME"), m_home.filePath(QStringLiteral("data")));
+    if (!environment.contains(QStringLiteral("QT_QPA_PLATFORM")))
+        environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+    m_process.setProcessEnvironment(environment);
+    m_process.setProcessChannelMode(QProcess::MergedChannels);
+
+    const QString program = qEnvironmentVariable("HALCYRA_BIN") + QStringLiteral("/halcyra");
+    m_process.start(program, QStringList{QStringLiteral("--ui-test"), QStringLiteral("--ui-test-port"),
+                                         QStringLiteral("0")} + arguments);
+    static const QRegularExpression ready(QStringLiteral("ui-test ready port=(\\d+)"));
+    return QTest::qWaitFor(
+        [this] {
+            m_output += m_process.readAll();
+            const QRegularExpressionMatch match = ready.match(QString::fromUtf8(m_output));
+            m_port = match.hasMatch() ? quint16(match.captured(1).toUInt()) : quint16(0);
+            return m_port != 0;
+        },
+        20000);
+}
+
+int AppProcess::stop()
+{
+    m_process.terminate();
+    if (!m_process.waitForFinished(5000)) {
+        m_process.kill();
+        m_process.waitForFinished(5000);
+        return -1;
+    }
+    m_output += m_process.readAll();
+    return m_process.exitStatus() == QProcess::NormalExit ? m_process.exitCode() : -1;
+}
+
+} // namespace vantrel::test

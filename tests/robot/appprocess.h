@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QProcess>
+#include <QStringList>
+#include <QTemporaryDir>
+
+namespace vantrel::test {
+
+/// A halcyra of the test's own: settings in a folder of its own, UI test server on a free port.
+class AppProcess
+{
+public:
+    ~AppProcess();
+
+    /// Starts the built application; false when it did not name the port of its UI test server within 20 s.
+    bool start(const QStringList& arguments);
+    quint16 uiTestPort() const { return m_port; }
+    bool isRunning() const { return m_process.state() == QProcess::Running; }
+    /// Asks it to end and waits; its exit code, -1 after a crash or the limit.
+    int stop();
+    QString output() const { return QString::fromUtf8(m_output); }
+
+private:
+    QProcess m_process;
+    QTemporaryDir m_home;
+    QByteArray m_output;
+    quint16 m_port = 0;
+};
+
+} // namespace vantrel::test

@@ -1,0 +1,129 @@
+#include "tests/robot/robotclient.h"
+
+#include <QDeadlineTimer>
+#include <QImage>
+#include <QJsonDocument>
+#include <QTcpSocket>
+#include <QTest>
+
+namespace vantrel::test {
+
+RobotClient::RobotClient() : m_socket(std::make_unique<QTcpSocket>()) {}
+
+RobotClient::~RobotClient() = default;
+
+bool RobotClient::connectTo(quint16 port)
+{
+    m_socket->connectToHost(QStringLiteral("127.0.0.1"), port);
+    return m_socket->waitForConnected(10000);
+}
+
+QJsonArray RobotClient::ask(const QJsonObject& request)
+{
+    m_socket->write(QJsonDocument(request).toJson(QJsonDocument::Compact));
+    const QDeadlineTimer limit(10000);
+    QByteArray reply;
+    while (!limit.hasExpired()) {
+        if (!m_socket->waitForReadyRead(int(limit.remainingTime())))
+            return {};
+        reply += m_socket->readAll();
+        const QJsonDocument document = QJsonDocument::fromJson(reply);
+        if (!document.isNull())
+            return document.array();
+    }
+    return {};
+}
+
+QJsonObject RobotClient::find(const QString& objectName)
+{
+    for (const QJsonValue& value : ask({{"objectName", objectName}, {"maxResults", 1}})) {
+        if (value["objectName"].toString() == objectName)
+            return value.toObject();
+    }
+    return {};
+}
+
+QJsonObject RobotClient::waitFor(const QString& objectName, int msLimit)
+{
+    QJsonObject found;
+    const bool came = QTest::qWaitFor(
+        [&] {
+            found = find(objectName);
+            return found["visible"].toBool();
+        },
+        msLimit);
+    return came ? found : QJsonObject();
+}
+
+QString RobotClient::text(const QString& objectName)
+{
+    return find(objectName)["text"].toString();
+}
+
+bool RobotClient::mouse(const QString& operation, const QJsonObject& target)
+{
+    if (target.isEmpty())
+        return false;
+    ask({{"operation", operation},
+         {"global_x", target["global_x"]},
+         {"global_y", target["global_y"]},
+         {"local_x", target["local_x"]},
+         {"local_y", target["local_y"]}});
+    return true;
+}
+
+bool RobotClient::click(const QString& objectName)
+{
+    return mouse(QStringLiteral("click"), waitFor(objectName));
+}
+
+bool RobotClient::doubleClick(const QString& objectName)
+{
+    return mouse(QStringLiteral("double_click"), waitFor(objectName));
+}
+
+QJsonArray RobotClient::cells(const QString& view)
+{
+    QJsonArray all = ask({{"objectName", view}, {"maxResults", 1}});
+    if (!all.isEmpty())
+        all.removeFirst(); // the view itself
+    return all;
+}
+
+bool RobotClient::doubleClickCell(const QString& view, int row, int column, int msLimit)
+{
+    const QString name = QStringLiteral("%1-row%2-col%3").arg(view).arg(row).arg(column);
+    QJsonObject cell;
+    const auto isThere = [&] {
+        for (const QJsonValue& value : cells(view)) {
+            if (value["objectName"].toString() == name)
+                cell = value.toObject();
+        }
+        return !cell.isEmpty();
+    };
+    return QTest::qWaitFor(isThere, msLimit) && mouse(QStringLiteral("double_click"), cell);
+}
+
+void RobotClient::key(const QString& keyName)
+{
+    ask({{"operation", "key_press"}, {"keyName", keyName}});
+}
+
+void RobotClient::type(const QString& text)
+{
+    for (const QChar c : text)
+        key(QString(c));
+}
+
+QImage RobotClient::grab(const QString& objectName)
+{
+    const QJsonArray reply = ask({{"operation", "grab"}, {"objectName", objectName}});
+    return QImage::fromData(QByteArray::fromBase64(reply.first()["png"].toString().toLatin1()), "PNG");
+}
+
+QJsonObject RobotClient::figures(bool reset)
+{
+    return ask({{"operation", reset ? "figures_reset" : "figures"}}).first().toObject();
+}
+
+} // namespace vantrel::test

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <QJsonArray>
+#include <QJsonObject>
+#include <QString>
+
+#include <memory>
+
+class QImage;
+class QTcpSocket;
+
+namespace vantrel::test {
+
+/// Drives a running halcyra through its UI test server, by object name, as an operator would. Blocking; each request
+/// waits for its reply with a limit.
+class RobotClient
+{
+public:
+    RobotClient();
+    ~RobotClient();
+
+    bool connectTo(quint16 port);
+    /// The reply to a raw request; empty when none came within 10 s.
+    QJsonArray ask(const QJsonObject& request);
+
+    /// The widget, menu action or cell of that name; empty when there is none.
+    QJsonObject find(const QString& objectName);
+    /// Waits until the named thing is visible; empty after the limit.
+    QJsonObject waitFor(const QString& objectName, int msLimit = 15000);
+    QString text(const QString& objectName);
+
+    bool click(const QString& objectName);
+    bool doubleClick(const QString& objectName);
+    /// A cell of an item view, "<view>-row<row>-col<column>", once it is there.
+    bool doubleClickCell(const QString& view, int row, int column, int msLimit = 15000);
+    QJsonArray cells(const QString& view);
+    void key(const QString& keyName);
+    void type(const QString& text);
+
+    /// What the named widget shows now; null when it is not there.
+    QImage grab(const QString& objectName);
+    /// Figures that the application keeps of itself: "longestStallMs", "previewPictures", "previewMsMean", ...
+    QJsonObject figures(bool reset = false);
+
+private:
+    bool mouse(const QString& operation, const QJsonObject& target);
+
+    std::unique_ptr<QTcpSocket> m_socket;
+};
+
+} // namespace vantrel::test
