@@ -39,7 +39,8 @@ public:
 
     /// What the named widget shows now; null when it is not there.
     QImage grab(const QString& objectName);
-    /// Figures that the application keeps of itself: "longestStallMs", "previewPictures", "previewMsMean", ...
+    /// Figures that the application keeps of itself: "longestStallMs" of the main thread, "previewPictures" since the
+    /// start or the last reset, "mainThreadCpuMs" since the start.
     QJsonObject figures(bool reset = false);
 
 private:

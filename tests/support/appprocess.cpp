@@ -1,4 +1,4 @@
-#include "tests/robot/appprocess.h"
+#include "tests/support/appprocess.h"
 
 #include <QRegularExpression>
 #include <QTest>

@@ -1,4 +1,4 @@
-#include "tests/robot/robotclient.h"
+#include "tests/support/robotclient.h"
 
 #include <QDeadlineTimer>
 #include <QImage>

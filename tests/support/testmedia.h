@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QColor>
+#include <QImage>
+#include <QString>
+
+#include <array>
+
+namespace vantrel::test {
+
+/// Four colours, by quadrant: upper left, upper right, lower left, lower right. What a test clip shows all along.
+using Quadrants = std::array<QColor, 4>;
+
+/// Makes a clip of 320 x 180 pixels, 25 frames a second, with a quiet tone, by the ffmpeg tool. False on failure.
+bool makeClip(const QString& file, const Quadrants& colours, double seconds);
+
+/// The colours that a picture shows, read in the middle of the quadrants of the 16:9 area centred in it.
+Quadrants quadrantsOf(const QImage& picture);
+
+/// The picture of a media file itself, decoded by the ffmpeg tool.
+QImage frameOf(const QString& file, double seconds);
+
+/// Whether no channel of any quadrant is further apart than the tolerance (0 to 255).
+bool alike(const Quadrants& a, const Quadrants& b, int tolerance = 28);
+
+} // namespace vantrel::test
