@@ -1,4 +1,5 @@
-// What the running application costs: time to its window, stalls while a large scene loads, a preview picture.
+// What the running application costs: time to its window, stalls while a large scene loads, a preview
+// picture.
 #include "tarn/net/linkframe.h"
 #include "tests/support/appprocess.h"
 #include "tests/support/fakelink.h"
@@ -25,9 +26,10 @@ namespace {
 void row(const char* name, const char* peer, double ours, double theirs, const char* unit, double goal)
 {
     const double ratio = theirs / ours;
-    std::printf("{\"name\":\"%s\",\"peer\":\"%s\",\"ours\":%.4f,\"theirs\":%.4f,\"unit\":\"%s\",\"ratio\":%.4f,"
-                "\"goal\":%.4f,\"met\":%s}\n",
-                name, peer, ours, theirs, unit, ratio, goal, ratio >= goal ? "true" : "false");
+    std::printf(
+        "{\"name\":\"%s\",\"peer\":\"%s\",\"ours\":%.4f,\"theirs\":%.4f,\"unit\":\"%s\",\"ratio\":%.4f,"
+        "\"goal\":%.4f,\"met\":%s}\n",
+        name, peer, ours, theirs, unit, ratio, goal, ratio >= goal ? "true" : "false");
     std::fflush(stdout);
 }
 
@@ -37,7 +39,8 @@ double median(std::vector<double> values)
     return values.empty() ? 0 : values[values.size() / 2];
 }
 
-/// Milliseconds from the start of a program to the line "painted" on its standard output; negative on failure.
+/// Milliseconds from the start of a program to the line "painted" on its standard output; negative on
+/// failure.
 double msToPaint(const QString& program, const QStringList& arguments)
 {
     QProcess process;
@@ -65,12 +68,14 @@ bool measureWindow()
     std::vector<double> ours, theirs;
     for (int i = 0; i < 7; ++i) {
         theirs.push_back(msToPaint(bin + "/bench_emptywindow", {}));
-        ours.push_back(msToPaint(bin + "/halcyra", {"--ui-test", "--ui-test-port", "0", "--connect", "127.0.0.1",
-                                                    "--link-port", "1", "--preview-port", "1", "--http-port", "1"}));
+        ours.push_back(msToPaint(bin + "/halcyra", QStringList{"--ui-test", "--ui-test-port", "0"} +
+                                                       AppProcess::connectTo(ServerPorts{0, 0, 0, 0, 0})));
     }
-    if (*std::min_element(ours.begin(), ours.end()) < 0 || *std::min_element(theirs.begin(), theirs.end()) < 0)
+    if (*std::min_element(ours.begin(), ours.end()) < 0 ||
+        *std::min_element(theirs.begin(), theirs.end()) < 0)
         return false;
-    row("window/on-screen", "an empty Qt window with one QQuickWidget", median(ours), median(theirs), "ms", 0.5);
+    row("window/on-screen", "an empty Qt window with one QQuickWidget", median(ours), median(theirs), "ms",
+        0.5);
     return true;
 }
 
@@ -82,9 +87,8 @@ bool measureLoad()
         return false;
     AppProcess app;
     RobotClient robot;
-    if (!app.start({"--connect", "127.0.0.1", "--link-port", QString::number(link.serverPort()), "--preview-port", "1",
-                    "--http-port", "1"}) ||
-        !robot.connectTo(app.uiTestPort()))
+    ServerPorts ports{0, link.serverPort(), 0, 0, 0};
+    if (!app.start(AppProcess::connectTo(ports)) || !robot.connectTo(app.uiTestPort()))
         return false;
     if (!QTest::qWaitFor([&] { return link.answered() > 0; }, 15000))
         return false;
@@ -102,18 +106,19 @@ bool measurePreview()
     QDir(folder.path()).mkpath("media");
     const Quadrants colours{Qt::red, Qt::green, Qt::blue, Qt::gray};
     OmbraProcess ombra;
+    ombra.setMediaFolder(folder.filePath("media"));
     AppProcess app;
     RobotClient robot;
-    if (!makeClip(folder.filePath("media/1.mp4"), colours, 60) || !makeClip(folder.filePath("media/2.mp4"), colours, 60) ||
-        !ombra.start(folder.filePath("media"), folder.filePath("state")) ||
-        !app.start({"--connect", "127.0.0.1", "--http-port", QString::number(ombra.httpPort()), "--link-port",
-                    QString::number(ombra.linkPort()), "--preview-port", QString::number(ombra.previewPort())}) ||
-        !robot.connectTo(app.uiTestPort()) || !robot.doubleClickCell("MediaPanel-slots-view", 0, 0) ||
-        !robot.click("TakeControls-Take-Button") || !robot.doubleClickCell("MediaPanel-slots-view", 1, 0))
+    if (!makeClip(folder.filePath("media/1.mp4"), colours, 60) ||
+        !makeClip(folder.filePath("media/2.mp4"), colours, 60) || !ombra.start() ||
+        !app.start(AppProcess::connectTo(ombra.ports())) || !robot.connectTo(app.uiTestPort()) ||
+        !robot.doubleClickCell("MediaPanel-slots-view", 0, 0) || !robot.click("TakeControls-Take-Button") ||
+        !robot.doubleClickCell("MediaPanel-slots-view", 1, 0))
         return false;
     QTest::qWaitFor([&] { return robot.figures()["previewPictures"].toInt() > 100; }, 20000);
     const QJsonObject before = robot.figures(true);
-    const bool ran = QTest::qWaitFor([&] { return robot.figures()["previewPictures"].toInt() >= 250; }, 20000);
+    const bool ran =
+        QTest::qWaitFor([&] { return robot.figures()["previewPictures"].toInt() >= 250; }, 20000);
     const QJsonObject after = robot.figures();
     const double cost = (after["mainThreadCpuMs"].toDouble() - before["mainThreadCpuMs"].toDouble()) /
                         after["previewPictures"].toDouble();

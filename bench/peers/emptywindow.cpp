@@ -1,4 +1,5 @@
-// The peer of "window/on-screen": what any Qt program with one declarative view pays before it can show itself.
+// The peer of "window/on-screen": what any Qt program with one declarative view pays before it can show
+// itself.
 #include <QApplication>
 #include <QMainWindow>
 #include <QQuickWidget>

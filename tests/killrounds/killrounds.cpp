@@ -10,7 +10,6 @@
 #include <QPointer>
 #include <QRandomGenerator>
 #include <QSignalSpy>
-#include <QTemporaryDir>
 #include <QTest>
 
 #include <map>
@@ -18,8 +17,9 @@
 using namespace vantrel;
 using namespace vantrel::test;
 
-/// The server is killed at random moments while a client edits. What was answered with 200 must be there afterwards,
-/// and the client must be connected again each time. HALCYRA_KILL_ROUNDS sets the number of rounds, 10 by default.
+/// The server is killed at random moments while a client edits. What was answered with 200 must be there
+/// afterwards, and the client must be connected again each time. HALCYRA_KILL_ROUNDS sets the number of
+/// rounds, 10 by default.
 class KillRounds : public QObject
 {
     Q_OBJECT
@@ -43,7 +43,8 @@ QNetworkReply* KillRounds::sendEdit(QRandomGenerator& random)
     if (!api)
         return nullptr;
     const bool rename = !m_answered.empty() && random.bounded(3) == 0;
-    const int collection = rename ? std::next(m_answered.begin(), random.bounded(int(m_answered.size())))->first : m_next++;
+    const int collection =
+        rename ? std::next(m_answered.begin(), random.bounded(int(m_answered.size())))->first : m_next++;
     const QString name = QStringLiteral("edit %1").arg(random.generate());
 
     PatchOp op;
@@ -100,23 +101,17 @@ void KillRounds::everyAnsweredEditSurvives()
     const int rounds = qEnvironmentVariableIntValue("HALCYRA_KILL_ROUNDS") > 0
                            ? qEnvironmentVariableIntValue("HALCYRA_KILL_ROUNDS")
                            : 10;
-    QTemporaryDir folder;
-    QVERIFY(QDir(folder.path()).mkpath(QStringLiteral("media")));
     OmbraProcess ombra;
-    QVERIFY(ombra.start(folder.filePath(QStringLiteral("media")), folder.filePath(QStringLiteral("state"))));
-
-    ServerPorts ports;
-    ports.http = ombra.httpPort();
-    ports.link = ombra.linkPort();
-    ports.preview = ombra.previewPort();
-    Session::initialize(ports);
+    QVERIFY2(ombra.start(), ombra.output().constData());
+    Session::initialize(ombra.ports());
     QSignalSpy connected(Session::instance(), &Session::connected);
     Session::instance()->connectionHandler()->connect(QStringLiteral("127.0.0.1"));
 
     QRandomGenerator random(20261124);
     for (int round = 0; round < rounds; ++round) {
         QTRY_COMPARE_WITH_TIMEOUT(connected.count(), round + 1, 20000);
-        QVERIFY2(libraryHolds(m_answered), qPrintable(QStringLiteral("an answered edit is gone in round %1").arg(round)));
+        QVERIFY2(libraryHolds(m_answered),
+                 qPrintable(QStringLiteral("an answered edit is gone in round %1").arg(round)));
 
         const int target = m_answers + 1 + random.bounded(25);
         while (m_answers < target && !QTest::currentTestFailed())

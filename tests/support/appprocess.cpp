@@ -11,6 +11,16 @@ AppProcess::~AppProcess()
         stop();
 }
 
+QStringList AppProcess::connectTo(const ServerPorts& ports)
+{
+    const auto port = [](quint16 number) { return QString::number(number == 0 ? 1 : number); };
+    return {QStringLiteral("--connect"),      QStringLiteral("127.0.0.1"),
+            QStringLiteral("--http-port"),    port(ports.http),
+            QStringLiteral("--link-port"),    port(ports.link),
+            QStringLiteral("--preview-port"), port(ports.preview),
+            QStringLiteral("--ftp-port"),     port(ports.ftp)};
+}
+
 bool AppProcess::start(const QStringList& arguments)
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
@@ -24,7 +34,8 @@ bool AppProcess::start(const QStringList& arguments)
 
     const QString program = qEnvironmentVariable("HALCYRA_BIN") + QStringLiteral("/halcyra");
     m_process.start(program, QStringList{QStringLiteral("--ui-test"), QStringLiteral("--ui-test-port"),
-                                         QStringLiteral("0")} + arguments);
+                                         QStringLiteral("0")} +
+                                 arguments);
     static const QRegularExpression ready(QStringLiteral("ui-test ready port=(\\d+)"));
     return QTest::qWaitFor(
         [this] {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "common/session/serverports.h"
+
 #include <QProcess>
 #include <QStringList>
 #include <QTemporaryDir>
@@ -14,6 +16,9 @@ public:
 
     /// Starts the built application; false when it did not name the port of its UI test server within 20 s.
     bool start(const QStringList& arguments);
+    /// The arguments that connect it to a server on this machine; a port of 0 stands for one where nobody
+    /// listens.
+    static QStringList connectTo(const ServerPorts& ports);
     quint16 uiTestPort() const { return m_port; }
     bool isRunning() const { return m_process.state() == QProcess::Running; }
     /// Asks it to end and waits; its exit code, -1 after a crash or the limit.

@@ -4,7 +4,9 @@
 
 namespace vantrel::test {
 
-FakeLink::FakeLink(QByteArray answer, QObject* parent) : QTcpServer(parent), m_answer(std::move(answer))
+FakeLink::FakeLink(QByteArray answer, QObject* parent)
+    : QTcpServer(parent)
+    , m_answer(std::move(answer))
 {
     connect(this, &QTcpServer::newConnection, this, [this] {
         QTcpSocket* socket = nextPendingConnection();
@@ -28,7 +30,8 @@ Patch largeScene(int operations)
         PatchOp add;
         add.op = PatchOpType::Add;
         add.path = Path{"device", "surfaces", "-"};
-        add.value = Json::object({{"type", Json("Surface")}, {"properties", Json::object({{"name", Json("surface")}})}});
+        add.value = Json::object(
+            {{"type", Json("Surface")}, {"properties", Json::object({{"name", Json("surface")}})}});
         patch.append(std::move(add));
     }
     for (int i = surfaces; i < operations; ++i) {

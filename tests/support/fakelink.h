@@ -7,7 +7,8 @@
 
 namespace vantrel::test {
 
-/// A server's end of the scene link that answers the first bytes of each client with prepared bytes, and nothing else.
+/// A server's end of the scene link that answers the first bytes of each client with prepared bytes, and
+/// nothing else.
 class FakeLink : public QTcpServer
 {
 public:

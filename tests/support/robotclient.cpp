@@ -8,7 +8,10 @@
 
 namespace vantrel::test {
 
-RobotClient::RobotClient() : m_socket(std::make_unique<QTcpSocket>()) {}
+RobotClient::RobotClient()
+    : m_socket(std::make_unique<QTcpSocket>())
+{
+}
 
 RobotClient::~RobotClient() = default;
 

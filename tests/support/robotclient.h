@@ -11,8 +11,8 @@ class QTcpSocket;
 
 namespace vantrel::test {
 
-/// Drives a running halcyra through its UI test server, by object name, as an operator would. Blocking; each request
-/// waits for its reply with a limit.
+/// Drives a running halcyra through its UI test server, by object name, as an operator would. Blocking; each
+/// request waits for its reply with a limit.
 class RobotClient
 {
 public:
@@ -39,8 +39,8 @@ public:
 
     /// What the named widget shows now; null when it is not there.
     QImage grab(const QString& objectName);
-    /// Figures that the application keeps of itself: "longestStallMs" of the main thread, "previewPictures" since the
-    /// start or the last reset, "mainThreadCpuMs" since the start.
+    /// Figures that the application keeps of itself: "longestStallMs" of the main thread, "previewPictures"
+    /// since the start or the last reset, "mainThreadCpuMs" since the start.
     QJsonObject figures(bool reset = false);
 
 private:

@@ -39,7 +39,8 @@ bool isAnnounced(const QString& message)
             return true;
         }
     }
-    return std::any_of(allowed.cbegin(), allowed.cend(), [&](const QString& part) { return message.contains(part); });
+    return std::any_of(allowed.cbegin(), allowed.cend(),
+                       [&](const QString& part) { return message.contains(part); });
 }
 
 void watchMessages(QtMsgType type, const QMessageLogContext& context, const QString& message)

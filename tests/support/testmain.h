@@ -13,16 +13,18 @@ public:
     Registration(const char* name, std::function<QObject*()> make);
 };
 
-/// Announces a log message of warning level or above that the running test provokes on purpose. Matching is by
-/// substring; each call expects one message. A warning that nobody announced fails the test, and so does an
-/// announced one that never came by the end of the test class.
+/// Announces a log message of warning level or above that the running test provokes on purpose. Matching is
+/// by substring; each call expects one message. A warning that nobody announced fails the test, and so does
+/// an announced one that never came by the end of the test class.
 void expectWarning(const QString& part);
 
-/// Announces any number (also none) of messages that contain the text, for tests in which a peer dies at random.
+/// Announces any number (also none) of messages that contain the text, for tests in which a peer dies at
+/// random.
 void allowWarnings(const QString& part);
 
 } // namespace vantrel::test
 
-/// Puts the class into this executable's run; stands once, at the end of the test's .cpp, before the moc include.
-#define HALCYRA_TEST(Class) \
+/// Puts the class into this executable's run; stands once, at the end of the test's .cpp, before the moc
+/// include.
+#define HALCYRA_TEST(Class)                                                                                  \
     static const vantrel::test::Registration registration##Class(#Class, [] { return new Class; });

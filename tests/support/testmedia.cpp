@@ -39,13 +39,17 @@ QColor meanColour(const QImage& picture, QPoint centre, int radius)
 bool makeClip(const QString& file, const Quadrants& colours, double seconds)
 {
     const auto source = [&](int i) {
-        return QStringLiteral("color=c=0x%1:s=160x90:r=25:d=%2[q%3]").arg(colours[size_t(i)].name().mid(1)).arg(seconds).arg(i);
+        return QStringLiteral("color=c=0x%1:s=160x90:r=25:d=%2[q%3]")
+            .arg(colours[size_t(i)].name().mid(1))
+            .arg(seconds)
+            .arg(i);
     };
-    const QString filter = source(0) + ';' + source(1) + ';' + source(2) + ';' + source(3) +
-                           QStringLiteral(";[q0][q1]hstack[top];[q2][q3]hstack[low];[top][low]vstack,format=yuv420p[v]");
-    return runFfmpeg({"-f", "lavfi", "-i", QStringLiteral("sine=frequency=330:duration=%1").arg(seconds), "-filter_complex",
-                      filter, "-map", "[v]", "-map", "0:a", "-c:v", "libx264", "-preset", "ultrafast", "-g", "25", "-c:a",
-                      "aac", file});
+    const QString filter =
+        source(0) + ';' + source(1) + ';' + source(2) + ';' + source(3) +
+        QStringLiteral(";[q0][q1]hstack[top];[q2][q3]hstack[low];[top][low]vstack,format=yuv420p[v]");
+    return runFfmpeg({"-f", "lavfi", "-i", QStringLiteral("sine=frequency=330:duration=%1").arg(seconds),
+                      "-filter_complex", filter, "-map", "[v]", "-map", "0:a", "-c:v", "libx264", "-preset",
+                      "ultrafast", "-g", "25", "-c:a", "aac", file});
 }
 
 Quadrants quadrantsOf(const QImage& picture)

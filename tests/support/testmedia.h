@@ -8,10 +8,12 @@
 
 namespace vantrel::test {
 
-/// Four colours, by quadrant: upper left, upper right, lower left, lower right. What a test clip shows all along.
+/// Four colours, by quadrant: upper left, upper right, lower left, lower right. What a test clip shows all
+/// along.
 using Quadrants = std::array<QColor, 4>;
 
-/// Makes a clip of 320 x 180 pixels, 25 frames a second, with a quiet tone, by the ffmpeg tool. False on failure.
+/// Makes a clip of 320 x 180 pixels, 25 frames a second, with a quiet tone, by the ffmpeg tool. False on
+/// failure.
 bool makeClip(const QString& file, const Quadrants& colours, double seconds);
 
 /// The colours that a picture shows, read in the middle of the quadrants of the 16:9 area centred in it.
