@@ -94,7 +94,7 @@ bool measureLoad()
         return false;
     robot.figures(true);
     const bool loaded =
-        QTest::qWaitFor([&] { return robot.figures()["sceneObjects"].toInt() >= operations / 2; }, 30000);
+        QTest::qWaitFor([&] { return robot.figures()["sceneSurfaces"].toInt() >= operations / 2; }, 30000);
     const double stall = robot.figures()["longestStallMs"].toDouble();
     row("load/longest-stall", "the limit of 50 ms", stall, 50, "ms", 1);
     return loaded;

@@ -6,6 +6,7 @@
 
 #include <QApplication>
 #include <QCommandLineParser>
+#include <QEvent>
 #include <QTimer>
 
 #include <cstdio>
@@ -70,6 +71,30 @@ Options parse(const QCoreApplication& application)
     return options;
 }
 
+/// Says once that the window is on the screen, so that a robot can tell how long that took.
+class FirstPaint : public QObject
+{
+public:
+    explicit FirstPaint(QWidget* window)
+    {
+        if (window)
+            window->installEventFilter(this);
+    }
+
+private:
+    bool eventFilter(QObject* window, QEvent* event) override
+    {
+        if (event->type() == QEvent::Paint) {
+            window->removeEventFilter(this);
+            QTimer::singleShot(0, window, [] {
+                puts("ui-test painted");
+                fflush(stdout);
+            });
+        }
+        return false;
+    }
+};
+
 void scheduleScreenshot(vantrel::MainWindow& window, const Options& options)
 {
     QTimer::singleShot(options.seconds * 1000, &window, [&window, file = options.screenshot] {
@@ -96,6 +121,7 @@ int main(int argc, char** argv)
     const std::unique_ptr<vantrel::Session> session(vantrel::Session::instance());
     vantrel::StyleSheet::apply(application);
     vantrel::MainWindow window;
+    const FirstPaint firstPaint(options.uiTest ? &window : nullptr);
     window.show();
     if (options.uiTest) {
         const quint16 port = window.startClickTestServer(options.ports.uiTest);

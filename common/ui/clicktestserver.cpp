@@ -2,8 +2,10 @@
 
 #include "common/ui/clicktestevents.h"
 #include "common/ui/clicktestreport.h"
+#include "common/ui/uifigures.h"
 
 #include <QApplication>
+#include <QBuffer>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QLoggingCategory>
@@ -35,6 +37,7 @@ void traverseQQuickItem(QQuickItem* item, const ClickTestRequest& request, QList
 ClickTestServer::ClickTestServer(QObject* parent, quint16 port)
     : QObject(parent)
     , m_server(new QTcpServer(this))
+    , m_figures(new UiFigures(this))
 {
     connect(m_server, &QTcpServer::newConnection, this, &ClickTestServer::onConnection);
     if (!m_server->listen(QHostAddress::LocalHost, port))
@@ -99,6 +102,10 @@ void ClickTestServer::processRequest()
         clicktest::handleKeyPress(m_request.keyName);
     else if (operation == QLatin1String("focus") || operation == QLatin1String("raise"))
         handleFirstWidget();
+    else if (operation == QLatin1String("grab"))
+        grabFirstWidget();
+    else if (operation == QLatin1String("figures") || operation == QLatin1String("figures_reset"))
+        handleFigures();
     else
         handleMouse();
 }
@@ -143,6 +150,26 @@ void ClickTestServer::handleMouse()
 {
     if (const std::optional<QPoint> global = m_request.globalPosition())
         clicktest::handleMouse(m_request, *global);
+}
+
+/// The pixels of the first found widget, as the operator sees them: a PNG in base64.
+void ClickTestServer::grabFirstWidget()
+{
+    if (m_widgets.isEmpty() || !m_widgets.first())
+        return;
+    QByteArray png;
+    QBuffer buffer(&png);
+    buffer.open(QIODevice::WriteOnly);
+    m_widgets.first()->grab().save(&buffer, "PNG");
+    m_results.append(QJsonObject{{"objectName", m_widgets.first()->objectName()},
+                                 {"png", QString::fromLatin1(png.toBase64())}});
+}
+
+void ClickTestServer::handleFigures()
+{
+    m_results.append(m_figures->toJson());
+    if (m_request.operation == QLatin1String("figures_reset"))
+        m_figures->reset();
 }
 
 void ClickTestServer::handleFirstWidget()

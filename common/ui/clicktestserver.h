@@ -15,10 +15,12 @@ class QWidget;
 
 namespace vantrel {
 
+class UiFigures;
+
 /// Lets a robot on this machine drive the running interface: one JSON object a request, on plain TCP,
 /// loopback only. It lists widgets, menus, cells and declarative items with their geometry and synthesises
-/// mouse and key events. A request that makes no sense never closes the connection. Owned by the main window;
-/// main thread.
+/// mouse and key events; beyond that it gives the pixels of a widget and the figures of the run. A request
+/// that makes no sense never closes the connection. Owned by the main window; main thread.
 class ClickTestServer : public QObject
 {
     Q_OBJECT
@@ -43,8 +45,11 @@ private:
     void buildReply();
     void handleMouse();
     void handleFirstWidget();
+    void grabFirstWidget();
+    void handleFigures();
 
     QTcpServer* m_server;
+    UiFigures* m_figures;
     ClickTestRequest m_request;
     QList<QPointer<QWidget>> m_widgets;
     QList<QPointer<QQuickItem>> m_items;

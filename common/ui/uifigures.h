@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QElapsedTimer>
+#include <QJsonObject>
+#include <QObject>
+#include <QTimer>
+
+namespace vantrel {
+
+/// Figures that the running interface keeps of itself for a robot: how long the main thread once stood still,
+/// how many preview pictures came, what processor time the main thread took. Costs a tick each millisecond,
+/// so it lives only as long as the UI test server. Main thread.
+class UiFigures : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit UiFigures(QObject* parent);
+
+    /// Starts the longest stall and the number of pictures anew.
+    void reset();
+    QJsonObject toJson() const;
+
+private:
+    QTimer m_tick;
+    QElapsedTimer m_sinceTick;
+    double m_longestStallMs = 0;
+    int m_previewPictures = 0;
+};
+
+} // namespace vantrel
