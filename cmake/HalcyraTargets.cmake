@@ -31,7 +31,7 @@ function(halcyra_qt_definitions name)
 endfunction()
 
 function(halcyra_warnings name)
-  target_compile_options(${name} PRIVATE -Wall -Wextra -Wpedantic -Wnon-virtual-dtor -Wshadow=local -Werror)
+  target_compile_options(${name} PRIVATE -Wall -Wextra -Wpedantic -Wnon-virtual-dtor $<$<CXX_COMPILER_ID:GNU>:-Wshadow=local> -Werror)
 endfunction()
 
 # halcyra_test(NAME DIRECTORY [LABEL label] [LINK target...])
