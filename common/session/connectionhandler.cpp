@@ -216,6 +216,7 @@ bool ConnectionHandler::settle(const Attempt& attempt, bool success, int error)
     }
     m_state = ConnectionState::Connected;
     m_autoReconnect = true;
+    ++m_linkCount;
     Q_EMIT connectionAddr(m_host);
     Q_EMIT connected();
     if (PreviewThread* preview = previewThread())

@@ -9,6 +9,7 @@
 #include <QWaitCondition>
 #include <boost/asio/ip/address.hpp>
 
+#include <atomic>
 #include <memory>
 
 namespace vantrel {
@@ -45,6 +46,9 @@ public:
     QString getConnectedHost() const;
     /// The connected address; unspecified unless the link stands. Main thread.
     boost::asio::ip::address getConnectedAddress() const;
+
+    /// The links made so far; the patches to be taken are those of the last one. Any thread.
+    int linkCount() const { return m_linkCount; }
 
     /// Straight to the link; dropped where there is none.
     void sendPatch(const Patch& patch);
@@ -100,6 +104,7 @@ private:
     bool m_autoReconnect = true;
     ConnectionState m_state = ConnectionState::Idle;
     QTimer m_reconnectTimer;
+    std::atomic<int> m_linkCount{0};
     const quint16 m_linkPort;
 };
 

@@ -9,6 +9,7 @@
 #include "common/media/mediastateprovider.h"
 #include "common/media/metadataprovider.h"
 #include "common/media/networkaccessmanager.h"
+#include "common/media/playbackmodel.h"
 #include "common/media/playlistprovider.h"
 #include "common/media/thumbnailprovider.h"
 #include "common/session/configuration.h"
@@ -60,6 +61,8 @@ Session::~Session()
     delete m_metadataClient;
     delete m_mediaDataAggregator;
     delete m_formerAggregator;
+    delete m_previewPlaybackModel;
+    delete m_programPlaybackModel;
     delete m_mediaLibraryModel;
     delete m_sceneObjects;
     delete m_playlistProvider;
@@ -158,6 +161,8 @@ void Session::doInit()
     m_preview = std::make_unique<PreviewThread>(m_ports.preview);
     m_signalRelay = std::make_unique<SignalRelay>();
     initConnection();
+    m_previewPlaybackModel = new PlaybackModel(preview, m_playlistProvider, this);
+    m_programPlaybackModel = new PlaybackModel(program, m_playlistProvider, this);
     wireProviders();
 }
 
@@ -184,10 +189,17 @@ void Session::wireProviders()
             &PlaylistProvider::onSlotModified);
     connect(library, &MediaLibraryProvider::slotRemoved, m_playlistProvider,
             &PlaylistProvider::onSlotModified);
+    for (PlaybackModel* model : {m_previewPlaybackModel, m_programPlaybackModel}) {
+        connect(library, &MediaLibraryProvider::slotAdded, model, &PlaybackModel::onSlotModified);
+        connect(library, &MediaLibraryProvider::slotChanged, model, &PlaybackModel::onSlotModified);
+        connect(library, &MediaLibraryProvider::slotRemoved, model, &PlaybackModel::onSlotModified);
+        connect(library, &MediaLibraryProvider::reset, model, &PlaybackModel::refreshSlot);
+    }
 }
 
 void Session::onConnect()
 {
+    ++m_linksSeen;
     const QString host = m_connection->getConnectedHost();
     if (host.isEmpty())
         return; // the operator left before this signal came through

@@ -114,6 +114,7 @@ private:
     void wireProviders();
     void connectMediaLibraryApi();
     void initMediaLibraryHelpers(const QString& host);
+    void clearForLoading(QWidget* window);
     bool applyPatches(QWidget* window);
     static void onSceneChange(Scene* scene, int count, const SceneChange* changes, void* user);
 
@@ -149,6 +150,7 @@ private:
     MediaStateProvider* m_mediaStateProvider = nullptr;
     std::unique_ptr<DefaultResourceStatusProvider> m_resourceStatus;
 
+    int m_linksSeen = 0; // of ConnectionHandler::linkCount()
     bool m_sceneLoading = false;
     bool m_sceneCleared = false; // the first slice after a connection has emptied the scene
     bool m_drainPosted = false;  // more patches wait for the next turn of the event loop

@@ -42,25 +42,34 @@ void Session::onPatchAvailable()
     if (m_drainPosted)
         return;
     QWidget* window = mainWindowWidget();
-    if (m_sceneLoading && !std::exchange(m_sceneCleared, true)) {
-        // The first patches after a connection replace everything.
-        if (window)
-            window->setUpdatesEnabled(false);
-        const QScopedValueRollback applying(m_applyingPatch, true);
-        m_scene->clear();
+    // Of a newer link than onConnect() has heard of nothing is taken yet: its patches need the scene cleared
+    // first.
+    if (m_linksSeen == m_connection->linkCount()) {
+        clearForLoading(window);
+        if (!applyPatches(window)) {
+            m_drainPosted = true;
+            QTimer::singleShot(0, this, [this] {
+                m_drainPosted = false;
+                onPatchAvailable();
+            });
+            return;
+        }
+        if (std::exchange(m_sceneLoading, false))
+            Q_EMIT sceneLoaded();
     }
-    if (!applyPatches(window)) {
-        m_drainPosted = true;
-        QTimer::singleShot(0, this, [this] {
-            m_drainPosted = false;
-            onPatchAvailable();
-        });
-        return;
-    }
-    if (std::exchange(m_sceneLoading, false))
-        Q_EMIT sceneLoaded();
     if (window && !window->updatesEnabled())
         window->setUpdatesEnabled(true);
+}
+
+/// The first patches after a connection replace everything.
+void Session::clearForLoading(QWidget* window)
+{
+    if (!m_sceneLoading || std::exchange(m_sceneCleared, true))
+        return;
+    if (window)
+        window->setUpdatesEnabled(false);
+    const QScopedValueRollback applying(m_applyingPatch, true);
+    m_scene->clear();
 }
 
 /// Applies what has come in, for a slice of time; false when there may be more.
