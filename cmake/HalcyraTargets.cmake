@@ -56,5 +56,6 @@ function(halcyra_test name directory)
     set(ARG_TIMEOUT 120)
   endif()
   set_tests_properties(${name} PROPERTIES LABELS ${ARG_LABEL} TIMEOUT ${ARG_TIMEOUT}
-    ENVIRONMENT "QT_QPA_PLATFORM=offscreen;HALCYRA_BIN=${CMAKE_RUNTIME_OUTPUT_DIRECTORY}")
+    # die_after_fork: a test that starts a tool goes on with threads of its own.
+    ENVIRONMENT "QT_QPA_PLATFORM=offscreen;TSAN_OPTIONS=die_after_fork=0;HALCYRA_BIN=${CMAKE_RUNTIME_OUTPUT_DIRECTORY}")
 endfunction()
