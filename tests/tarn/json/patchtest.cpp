@@ -108,7 +108,7 @@ private Q_SLOTS:
     {
         QTest::addColumn<QByteArray>("json");
         for (const char* name : {"tests.json", "spec_tests.json"}) {
-            QFile file(QFINDTESTDATA(QByteArray("conformance/") + name));
+            QFile file(QFINDTESTDATA(QStringLiteral("tarn/json/conformance/") + QLatin1String(name)));
             QVERIFY(file.open(QIODevice::ReadOnly));
             int number = 0;
             parsed(file.readAll()).forEachItem([&](const Json& one) {

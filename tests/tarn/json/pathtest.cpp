@@ -38,7 +38,7 @@ private Q_SLOTS:
         row("/a", "[a]", true, "[a]");
         row("/device/channels/0/", "[device][channels][0]", true, "[device][channels][0][]");
         row("a/b", "[a][b]", false, "");
-        row("//", "[]", true, "[][]");
+        row("//", "", true, "[][]");
         row("//a", "[][a]", true, "[][a]");
         row("/a~1b/m~0n/~01", "[a/b][m~n][~1]", true, "[a/b][m~n][~1]");
         row("/a~/b", "[a~][b]", false, "");
