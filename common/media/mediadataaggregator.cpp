@@ -50,11 +50,16 @@ ThumbnailPtr MediaDataAggregator::thumbnail(const QUrl& mediaUrl)
     return found && !found->isNull() ? found : getPlaceholderThumbnail(mediaUrl);
 }
 
-ThumbnailPtr MediaDataAggregator::cachedThumbnail(const QUrl& mediaUrl) const
+ThumbnailPtr MediaDataAggregator::knownThumbnail(const QUrl& mediaUrl) const
 {
     const ThumbnailPtr found =
         m_thumbnailProvider ? m_thumbnailProvider->getThumbnailFromCache(mediaUrl) : nullptr;
-    return found && !found->isNull() ? found : getPlaceholderThumbnail(mediaUrl);
+    return found && !found->isNull() ? found : nullptr;
+}
+
+MediaMetadataPtr MediaDataAggregator::knownMetadata(const QUrl& mediaUrl) const
+{
+    return m_metadataProvider ? m_metadataProvider->getMetadataFromCache(mediaUrl) : nullptr;
 }
 
 MediaState MediaDataAggregator::mediaState(const QUrl& mediaUrl) const

@@ -27,8 +27,9 @@ public:
     MediaMetadataPtr metadata(const QUrl& mediaUrl);
     /// The thumbnail, or a placeholder while there is none.
     ThumbnailPtr thumbnail(const QUrl& mediaUrl);
-    /// Asks for nothing: the thumbnail where it is here already, else the placeholder.
-    ThumbnailPtr cachedThumbnail(const QUrl& mediaUrl) const;
+    /// What is here already, asking nobody; null for none.
+    ThumbnailPtr knownThumbnail(const QUrl& mediaUrl) const;
+    MediaMetadataPtr knownMetadata(const QUrl& mediaUrl) const;
     MediaState mediaState(const QUrl& mediaUrl) const;
     MediaState metadataMediaState(const QUrl& mediaUrl);
     MediaState previewMediaState(int channel) const;

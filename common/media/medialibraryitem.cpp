@@ -19,6 +19,7 @@ MediaLibraryItem::MediaLibraryItem(int number, const MediaSlot& slot)
     , m_effectiveDuration(slot.getEffectiveMediaDuration())
     , m_scaleMode(slot.getScaleMode())
     , m_isPlayable(slot.getIsPlayable())
+    , m_mediaType(slot.getMediaType())
     , m_durationType(slot.getDurationType())
 {
 }

@@ -33,6 +33,7 @@ public:
     double getDuration() const { return getOutpoint() - m_inpoint; }
     ScaleMode scaleMode() const { return m_scaleMode; }
     bool isPlayable() const { return m_isPlayable; }
+    MediaType mediaType() const { return m_mediaType; }
     bool hasInfiniteDuration() const { return m_durationType == MediaDurationType::Infinite; }
 
     int childCount() const { return static_cast<int>(m_children.size()); }
@@ -50,6 +51,7 @@ private:
     double m_effectiveDuration = 0;
     ScaleMode m_scaleMode = ScaleMode::Default;
     bool m_isPlayable = false;
+    MediaType m_mediaType = MediaType::Unknown;
     MediaDurationType m_durationType = MediaDurationType::Manual;
     std::vector<std::unique_ptr<MediaLibraryItem>> m_children;
 };

@@ -6,6 +6,7 @@
 #include "common/media/mediafiles.h"
 #include "common/media/medialibraryitem.h"
 #include "common/media/medialogging.h"
+#include "common/media/mediasloteditfunctional.h"
 #include "common/media/mediastateprovider.h"
 #include "common/session/guiplayback.h"
 #include "common/session/timeutils.h"
@@ -230,6 +231,34 @@ QVariant MediaLibraryModel::slotData(const MediaLibraryItem& item, const QModelI
         return item.url();
     case CollectionNumberRole:
         return getCollectionIndexNumber(index);
+    case Qt::EditRole:
+        return index.column() == NameColumn ? QVariant(item.name()) : QVariant();
+    case Qt::ToolTipRole:
+        // Escaped: a tooltip takes a name that looks like markup for markup.
+        return QStringLiteral("<p style='white-space:pre'>%1\n%2</p>")
+            .arg(item.name().toHtmlEscaped(), item.url().toDisplayString().toHtmlEscaped());
+    default:
+        return knownData(item, index, role);
+    }
+}
+
+QVariant MediaLibraryModel::knownData(const MediaLibraryItem& item, const QModelIndex& index, int role) const
+{
+    switch (role) {
+    case KnownThumbnailRole: {
+        const ThumbnailPtr pixmap = m_aggregator ? m_aggregator->knownThumbnail(item.url()) : nullptr;
+        return pixmap ? QVariant(*pixmap) : QVariant();
+    }
+    case KnownStateRole: {
+        const MediaAddress address(getCollectionIndexNumber(index), index.row());
+        const MediaState state = m_stateProvider ? m_stateProvider->knownMediaState(address, item.url())
+                                                 : MediaState::UnknownState;
+        return static_cast<int>(state);
+    }
+    case KnownTypeRole: {
+        const MediaMetadataPtr metadata = m_aggregator ? m_aggregator->knownMetadata(item.url()) : nullptr;
+        return static_cast<int>(metadata ? metadata->getMediaType() : item.mediaType());
+    }
     default:
         return {};
     }
@@ -279,18 +308,31 @@ bool MediaLibraryModel::setData(const QModelIndex& index, const QVariant& value,
         qCWarning(lcMedia) << "Invalid index when saving duration value";
         return false;
     }
-    const MediaLibraryItem* collection = collectionItem(index.parent());
-    if (!collection) {
+    if (!collectionItem(index.parent())) {
         qCWarning(lcMedia) << "Unable to read collection from parent index";
         return false;
     }
+    if (!slotItem(index))
+        return false;
+    return role == Qt::EditRole && index.column() == NameColumn ? setName(index, value.toString())
+                                                                : setDuration(index, value);
+}
+
+bool MediaLibraryModel::setDuration(const QModelIndex& index, const QVariant& value)
+{
     bool isNumber = false;
     const double seconds = value.toDouble(&isNumber);
-    const MediaLibraryItem* slot = slotItem(index);
-    if (!slot || !isNumber)
+    return isNumber &&
+           ImplMediaCollectionManager().updateMediaDuration(getCollectionIndexNumber(index), index.row(),
+                                                            seconds, slotItem(index)->hasInfiniteDuration());
+}
+
+bool MediaLibraryModel::setName(const QModelIndex& index, const QString& name)
+{
+    const QString trimmed = name.trimmed();
+    if (trimmed.isEmpty() || trimmed == slotItem(index)->name())
         return false;
-    return ImplMediaCollectionManager().updateMediaDuration(collection->number(), index.row(), seconds,
-                                                            slot->hasInfiniteDuration());
+    return MediaSlotEditFunctional::rename({getCollectionIndexNumber(index), index.row(), true}, trimmed);
 }
 
 QVariant MediaLibraryModel::headerData(int section, Qt::Orientation orientation, int role) const
@@ -321,8 +363,12 @@ QVariant MediaLibraryModel::headerData(int section, Qt::Orientation orientation,
 
 Qt::ItemFlags MediaLibraryModel::flags(const QModelIndex& index) const
 {
-    const Qt::ItemFlags flags = QAbstractItemModel::flags(index);
-    return index.isValid() && index.internalPointer() ? flags | Qt::ItemNeverHasChildren : flags;
+    Qt::ItemFlags flags = QAbstractItemModel::flags(index);
+    if (!index.isValid() || !index.internalPointer())
+        return flags;
+    if (slotItem(index) && index.column() == NameColumn)
+        flags |= Qt::ItemIsEditable;
+    return flags | Qt::ItemNeverHasChildren | Qt::ItemIsDragEnabled;
 }
 
 QHash<int, QByteArray> MediaLibraryModel::roleNames() const

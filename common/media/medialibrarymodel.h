@@ -60,6 +60,10 @@ public:
         HasInfiniteDurationRole = 269,
         UrlRole = 270,
         CollectionNumberRole = 271, // of a slot's collection, or the collection's own
+        // What is known already, asking nobody: for views while they scroll past.
+        KnownThumbnailRole = 272, // nothing while there is only a placeholder
+        KnownStateRole = 273,
+        KnownTypeRole = 274,
     };
     Q_ENUM(Roles)
 
@@ -143,6 +147,9 @@ private:
     QVariant thumbnail(const MediaLibraryItem& item) const;
     int stateOf(const QModelIndex& index) const;
     int mediaType(const MediaLibraryItem& item) const;
+    QVariant knownData(const MediaLibraryItem& item, const QModelIndex& index, int role) const;
+    bool setName(const QModelIndex& index, const QString& name);
+    bool setDuration(const QModelIndex& index, const QVariant& value);
 
     Ref<MediaLibrary> m_library;
     QPointer<GUIPlayback> m_preview;

@@ -86,6 +86,15 @@ MediaState MediaStateProvider::mediaState(const MediaAddress& address)
     return slotState(m_libraryProvider ? m_libraryProvider->slot(address) : nullptr);
 }
 
+MediaState MediaStateProvider::knownMediaState(const MediaAddress& address, const QUrl& mediaUrl) const
+{
+    if (const MediaState program = programMediaState(address); isPlayingState(program))
+        return program;
+    if (const MediaState preview = previewMediaState(address); isPlayingState(preview))
+        return preview;
+    return mediaState(mediaUrl);
+}
+
 MediaState MediaStateProvider::mediaState(int playlist, const EntryAddress& address)
 {
     if (const MediaState program = programMediaState(playlist, address); isPlayingState(program))

@@ -35,6 +35,8 @@ public:
     /// By slot or entry: a channel that plays it wins, program before preview.
     MediaState mediaState(const MediaAddress& address);
     MediaState mediaState(int playlist, const EntryAddress& address);
+    /// The same, asking nobody for what is not known yet.
+    MediaState knownMediaState(const MediaAddress& address, const QUrl& mediaUrl) const;
     MediaState programMediaState(int channel) const;
     MediaState previewMediaState(int channel) const;
     /// UnknownState when the channel does not play it.

@@ -7,19 +7,31 @@ namespace vantrel {
 
 bool ClearSlotFromCollectionCommand::init(const MediaLibrary* library, int collection, int slot)
 {
-    const QString text =
-        "Cleared slot " + QString::number(slot) + " from collection " + QString::number(collection);
+    return init(library, collection, QList<int>{slot});
+}
+
+bool ClearSlotFromCollectionCommand::init(const MediaLibrary* library, int collection,
+                                          const QList<int>& slotNumbers)
+{
+    QStringList numbers;
+    for (const int slot : slotNumbers)
+        numbers.append(QString::number(slot));
+    const QString text = "Cleared slot " + numbers.join(QStringLiteral(", ")) + " from collection " +
+                         QString::number(collection);
     return rehearse(library, tr(text.toUtf8().constData()), [&](MediaLibrary& copy) {
         MediaCollection* target = copy.findCollection(collection);
         if (!target) {
             qCWarning(lcCommand) << "Unable to find collection";
             return false;
         }
-        if (!std::as_const(*target).findMediaSlot(slot)) {
-            qCWarning(lcCommand) << "Unable to find slot";
-            return false;
+        for (const int slot : slotNumbers) {
+            if (!std::as_const(*target).findMediaSlot(slot)) {
+                qCWarning(lcCommand) << "Unable to find slot";
+                return false;
+            }
+            target->insertMediaSlot(slot, MediaSlot(), true);
         }
-        return target->insertMediaSlot(slot, MediaSlot(), true);
+        return true;
     });
 }
 

@@ -1,0 +1,38 @@
+#include "common/views/mediapanelmodel.h"
+
+#include "common/media/medialibrarymodel.h"
+
+#include <QUrl>
+
+namespace vantrel {
+
+MediaPanelModel::MediaPanelModel(MediaLibraryModel* model, QObject* parent)
+    : SortedLibraryModel(model, parent)
+{
+}
+
+void MediaPanelModel::setSearchText(const QString& text)
+{
+    const QString trimmed = text.trimmed();
+    if (m_searchText == trimmed)
+        return;
+    m_searchText = trimmed;
+    invalidateFilter();
+}
+
+bool MediaPanelModel::filterAcceptsRow(int row, const QModelIndex& parent) const
+{
+    if (!SortedLibraryModel::filterAcceptsRow(row, parent))
+        return false;
+    if (!parent.isValid())
+        return true;
+    const QModelIndex index = sourceModel()->index(row, 0, parent);
+    const QUrl url = index.data(MediaLibraryModel::UrlRole).toUrl();
+    if (url.isEmpty())
+        return false;
+    return m_searchText.isEmpty() || QString::number(row).startsWith(m_searchText) ||
+           index.data(MediaLibraryModel::NameRole).toString().contains(m_searchText, Qt::CaseInsensitive) ||
+           url.fileName().contains(m_searchText, Qt::CaseInsensitive);
+}
+
+} // namespace vantrel

@@ -1,0 +1,393 @@
+#include "common/views/mediapanelwidget.h"
+
+#include "common/media/collectionselectormodel.h"
+#include "common/media/implmediacollectionmanager.h"
+#include "common/media/medialibrarymodel.h"
+#include "common/media/medialibraryprovider.h"
+#include "common/media/mediasloteditfunctional.h"
+#include "common/media/sortedcollectionselectormodel.h"
+#include "common/session/session.h"
+#include "common/session/signalrelay.h"
+#include "common/ui/confirmationdialog.h"
+#include "common/ui/iconbutton.h"
+#include "common/ui/iconcache.h"
+#include "common/ui/textinputdialog.h"
+#include "common/ui/ztcombobox.h"
+#include "common/ui/ztedit.h"
+#include "common/ui/ztmenu.h"
+#include "common/views/mediapanelmodel.h"
+#include "common/views/slotdelegate.h"
+#include "common/views/slotlistview.h"
+
+#include <QAction>
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QScrollBar>
+#include <QVBoxLayout>
+
+#include <array>
+
+namespace vantrel {
+
+namespace {
+
+constexpr int scrollRestMs = 120;
+
+} // namespace
+
+MediaPanelWidget::MediaPanelWidget(QWidget* parent)
+    : MediaPanelWidget(Session::instance()->mediaLibraryModel(), Session::instance()->mediaLibraryProvider(),
+                       new ImplMediaCollectionManager, parent)
+{
+    dynamic_cast<ImplMediaCollectionManager*>(m_manager)->setParent(this);
+    Session* session = Session::instance();
+    connect(this, &MediaPanelWidget::directPlayRequested, session->signalRelay(),
+            &SignalRelay::handleDirectPlay);
+    connect(session, &Session::connected, this, [this] { setConnected(true); });
+    connect(session, &Session::disconnected, this, [this] { setConnected(false); });
+    setConnected(session->isConnected());
+}
+
+MediaPanelWidget::MediaPanelWidget(MediaLibraryModel* library, AbstractMediaLibraryProvider* provider,
+                                   MediaCollectionManager* manager, QWidget* parent)
+    : ZTFrame(parent)
+    , m_library(library)
+    , m_manager(manager)
+    , m_selector(new CollectionSelectorModel(provider, this))
+    , m_sortedSelector(new SortedCollectionSelectorModel(m_selector, this))
+    , m_model(new MediaPanelModel(library, this))
+    , m_delegate(new SlotDelegate(this))
+{
+    setObjectName(QStringLiteral("PlayerTab-mediapanel-widget"));
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(8, 8, 8, 8);
+    layout->setSpacing(8);
+    buildHeader();
+    buildList();
+    buildMenu();
+    connectModels();
+    m_scrollRest.setSingleShot(true);
+    m_scrollRest.setInterval(scrollRestMs);
+    connect(&m_scrollRest, &QTimer::timeout, this, [this] {
+        m_delegate->setFetching(true);
+        m_view->viewport()->update();
+    });
+    updateChooser();
+    showCollection();
+}
+
+MediaPanelWidget::~MediaPanelWidget() = default;
+
+void MediaPanelWidget::buildHeader()
+{
+    m_chooser = new ZTComboBox(this);
+    m_chooser->setObjectNames(QStringLiteral("MediaPanel-collection-chooser"));
+    m_chooser->setToolTip(tr("The collection whose media is listed"));
+    m_chooser->setAccessibleName(tr("Collection"));
+    m_chooser->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    m_chooser->setMinimumContentsLength(8);
+    m_chooser->setMaxVisibleItems(20);
+    m_chooser->setPlaceholderText(tr("No collections"));
+    m_chooser->setModel(m_sortedSelector);
+    m_chooser->setModelColumn(1);
+
+    m_addButton = new IconButton(QStringLiteral("plus"), {}, this);
+    m_addButton->setObjectName(QStringLiteral("MediaPanel-add-collection-button"));
+    m_addButton->setToolTip(tr("New collection"));
+    m_addButton->setAccessibleName(tr("New collection"));
+    connect(m_addButton, &QAbstractButton::clicked, this, &MediaPanelWidget::askForNewCollection);
+
+    m_menuButton = new IconButton(QStringLiteral("more"), {}, this);
+    m_menuButton->setObjectName(QStringLiteral("MediaPanel-menu-button"));
+    m_menuButton->setToolTip(tr("What can be done with this collection"));
+    m_menuButton->setAccessibleName(tr("Collection menu"));
+
+    m_search = new ZTEdit(this);
+    m_search->setObjectNames(QStringLiteral("MediaPanel-search"));
+    m_search->setPlaceholderText(tr("Search"));
+    m_search->setToolTip(tr("Lists the slots whose name, file or number holds the text (Ctrl+F)"));
+    m_search->setAccessibleName(tr("Search the collection"));
+    m_search->setClearButtonEnabled(true);
+    m_search->addAction(tintedIcon(QStringLiteral("search")), QLineEdit::LeadingPosition);
+    m_search->installEventFilter(this);
+    auto* find = new QAction(this);
+    find->setShortcut(QKeySequence::Find);
+    find->setShortcutContext(Qt::WidgetWithChildrenShortcut);
+    connect(find, &QAction::triggered, this, [this] {
+        m_search->setFocus(Qt::ShortcutFocusReason);
+        m_search->selectAll();
+    });
+    addAction(find);
+    connect(m_search, &QLineEdit::textChanged, this, [this](const QString& text) {
+        m_model->setSearchText(text);
+        updateEmptyText();
+    });
+
+    auto* row = new QHBoxLayout;
+    row->setSpacing(4);
+    row->addWidget(m_chooser, 1);
+    row->addWidget(m_addButton);
+    row->addWidget(m_menuButton);
+    auto* column = static_cast<QVBoxLayout*>(layout());
+    column->addLayout(row);
+    column->addWidget(m_search);
+}
+
+void MediaPanelWidget::buildList()
+{
+    m_view = new SlotListView(this);
+    m_view->setObjectName(QStringLiteral("MediaPanel-slots-view"));
+    m_view->setAccessibleName(tr("Slots"));
+    m_view->setItemDelegate(m_delegate);
+    m_view->setContextMenuPolicy(Qt::CustomContextMenu);
+    static_cast<QVBoxLayout*>(layout())->addWidget(m_view, 1);
+    connect(m_view, &QAbstractItemView::activated, this, &MediaPanelWidget::onActivated);
+    connect(m_view, &QWidget::customContextMenuRequested, this, &MediaPanelWidget::showSlotMenu);
+    connect(m_view, &SlotListView::deleteRequested, this, &MediaPanelWidget::clearSelectedSlots);
+    connect(m_view, &SlotListView::textTyped, this, [this](const QString& text) {
+        m_search->setFocus(Qt::OtherFocusReason);
+        m_search->insert(text);
+    });
+    connect(m_view->verticalScrollBar(), &QScrollBar::valueChanged, this, &MediaPanelWidget::onScrolled);
+}
+
+void MediaPanelWidget::buildMenu()
+{
+    auto* menu = new ZTMenu(this);
+    menu->setObjectNames(QStringLiteral("MediaPanel-menu"));
+    m_menu = menu;
+    const auto add = [this, menu](const char* icon, const QString& text, void (MediaPanelWidget::*slot)()) {
+        connect(menu->addEntry(QString::fromLatin1(icon), text), &QAction::triggered, this, slot);
+    };
+    connect(menu->addEntry(QStringLiteral("media"), tr("Open in the media tab")), &QAction::triggered, this,
+            [this] { Q_EMIT collectionEditRequested(selectedCollection()); });
+    add("edit", tr("Rename collection..."), &MediaPanelWidget::askForName);
+    connect(menu->addEntry(QStringLiteral("copy"), tr("Duplicate collection")), &QAction::triggered, this,
+            [this] { m_choosesAdded = m_manager->copyCollection(selectedCollection(), -1); });
+    menu->addSeparator();
+    add("trash", tr("Remove collection..."), &MediaPanelWidget::askForRemoval);
+    connect(m_menuButton, &QAbstractButton::clicked, this,
+            [this] { m_menu->popup(m_menuButton->mapToGlobal(QPoint(0, m_menuButton->height() + 2))); });
+}
+
+void MediaPanelWidget::connectModels()
+{
+    connect(m_chooser, &QComboBox::activated, this, [this](int row) {
+        m_selector->setSelectedCollectionIndex(
+            m_chooser->itemData(row, CollectionSelectorModel::CollectionNumberRole).toInt());
+    });
+    connect(m_selector, &CollectionSelectorModel::selectionChanged, this, [this] {
+        updateChooser();
+        showCollection();
+    });
+    connect(m_selector, &QAbstractItemModel::rowsInserted, this, [this](const QModelIndex&, int first) {
+        if (std::exchange(m_choosesAdded, false))
+            selectCollection(
+                m_selector->index(first, 0).data(CollectionSelectorModel::CollectionNumberRole).toInt());
+    });
+    // Queued: the chooser and the list have heard of the change by then, and let go of their places.
+    for (QAbstractItemModel* model :
+         {static_cast<QAbstractItemModel*>(m_sortedSelector), static_cast<QAbstractItemModel*>(m_model)}) {
+        const auto update = [this] {
+            updateChooser();
+            showCollection();
+        };
+        connect(model, &QAbstractItemModel::modelReset, this, update, Qt::QueuedConnection);
+        connect(model, &QAbstractItemModel::rowsInserted, this, update, Qt::QueuedConnection);
+        connect(model, &QAbstractItemModel::rowsRemoved, this, update, Qt::QueuedConnection);
+    }
+}
+
+int MediaPanelWidget::selectedCollection() const
+{
+    return m_selector->selectedCollectionIndex();
+}
+
+void MediaPanelWidget::selectCollection(int collection)
+{
+    m_selector->setSelectedCollectionIndex(collection);
+}
+
+void MediaPanelWidget::setConnected(bool connected)
+{
+    m_connected = connected;
+    m_addButton->setEnabled(connected);
+    m_menuButton->setEnabled(connected && selectedCollection() >= 0);
+    updateEmptyText();
+}
+
+void MediaPanelWidget::updateChooser()
+{
+    const int number = selectedCollection();
+    m_chooser->setCurrentIndex(
+        number < 0 ? -1 : m_chooser->findData(number, CollectionSelectorModel::CollectionNumberRole));
+    m_menuButton->setEnabled(m_connected && number >= 0);
+}
+
+void MediaPanelWidget::showCollection()
+{
+    const QModelIndex root = m_model->mapFromSource(m_library->collectionIndex(selectedCollection()));
+    // Without a root the list would show the collections themselves.
+    QAbstractItemModel* shown = root.isValid() ? m_model : nullptr;
+    if (m_view->model() != shown) {
+        m_view->setModel(shown);
+        m_view->setModelColumn(MediaLibraryModel::NameColumn);
+    }
+    if (shown && m_view->rootIndex() != root) {
+        m_view->setRootIndex(root);
+        m_view->scrollToTop();
+    }
+    updateEmptyText();
+}
+
+void MediaPanelWidget::updateEmptyText()
+{
+    const bool hasCollection = selectedCollection() >= 0;
+    if (!hasCollection && !m_connected)
+        m_view->setEmpty(QStringLiteral("media"),
+                         tr("No server connected. Connect from the menu to see its media."));
+    else if (!hasCollection)
+        m_view->setEmpty(QStringLiteral("folder"),
+                         tr("There are no collections yet. Add one with the + button above."));
+    else if (!m_model->searchText().isEmpty())
+        m_view->setEmpty(QStringLiteral("search"), tr("No slot matches \"%1\".").arg(m_model->searchText()));
+    else
+        m_view->setEmpty(
+            QStringLiteral("import"),
+            tr("This collection is empty. Drop files on its slots in the media tab to fill it."));
+}
+
+void MediaPanelWidget::onActivated(const QModelIndex& index)
+{
+    const QModelIndex source = m_model->mapToSource(index.siblingAtColumn(0));
+    if (source.isValid())
+        Q_EMIT directPlayRequested(source);
+}
+
+void MediaPanelWidget::onScrolled()
+{
+    m_delegate->setFetching(false);
+    m_scrollRest.start();
+}
+
+QList<int> MediaPanelWidget::selectedSlots() const
+{
+    QList<int> numbers;
+    if (!m_view->selectionModel())
+        return numbers;
+    for (const QModelIndex& index : m_view->selectionModel()->selectedIndexes())
+        numbers.append(index.data(MediaLibraryModel::NumberRole).toInt());
+    std::sort(numbers.begin(), numbers.end());
+    numbers.erase(std::unique(numbers.begin(), numbers.end()), numbers.end());
+    return numbers;
+}
+
+void MediaPanelWidget::clearSelectedSlots()
+{
+    const QList<int> numbers = selectedSlots();
+    if (!numbers.isEmpty() && m_connected)
+        MediaSlotEditFunctional::clearSlots(selectedCollection(), numbers);
+}
+
+void MediaPanelWidget::showSlotMenu(const QPoint& position)
+{
+    const QModelIndex index = m_view->indexAt(position);
+    if (!index.isValid())
+        return;
+    auto* menu = new ZTMenu(this);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    menu->setObjectNames(QStringLiteral("MediaPanel-slot-menu"));
+    const QPersistentModelIndex kept = index;
+    connect(menu->addEntry(QStringLiteral("mc_play"), tr("Play on preview")), &QAction::triggered, this,
+            [this, kept] { onActivated(kept); });
+    menu->addSeparator();
+    QAction* rename = menu->addEntry(QStringLiteral("edit"), tr("Rename"));
+    rename->setShortcut(Qt::Key_F2);
+    connect(rename, &QAction::triggered, this, [this, kept] { m_view->edit(kept); });
+    QMenu* scaling = menu->addMenu(tr("Scaling"));
+    const auto current = static_cast<ScaleMode>(index.data(MediaLibraryModel::ScaleModeRole).toInt());
+    const media::ColSlot slot{selectedCollection(), index.data(MediaLibraryModel::NumberRole).toInt(), true};
+    static constexpr std::array modes{ScaleMode::Default,  ScaleMode::Fit,        ScaleMode::Clip,
+                                      ScaleMode::Stretch,  ScaleMode::Centered,   ScaleMode::TopLeft,
+                                      ScaleMode::TopRight, ScaleMode::BottomLeft, ScaleMode::BottomRight};
+    for (const ScaleMode mode : modes) {
+        QAction* action = scaling->addAction(scaleModeToPrettyString(mode));
+        action->setCheckable(true);
+        action->setChecked(mode == current);
+        connect(action, &QAction::triggered, this,
+                [slot, mode] { MediaSlotEditFunctional::setScalingMode(slot, mode); });
+    }
+    menu->addSeparator();
+    QAction* clear = menu->addEntry(QStringLiteral("trash"), tr("Clear"));
+    clear->setShortcut(Qt::Key_Delete);
+    connect(clear, &QAction::triggered, this, &MediaPanelWidget::clearSelectedSlots);
+    for (QAction* action : {rename, scaling->menuAction(), clear})
+        action->setEnabled(m_connected);
+    menu->popup(m_view->viewport()->mapToGlobal(position));
+}
+
+QString MediaPanelWidget::collectionName() const
+{
+    return m_chooser->itemData(m_chooser->currentIndex(), CollectionSelectorModel::EditTextRole).toString();
+}
+
+void MediaPanelWidget::askForNewCollection()
+{
+    auto* dialog = new TextInputDialog(tr("New collection"), tr("Name"), tr("CREATE"), this);
+    dialog->setObjectNames(QStringLiteral("MediaPanel-new-collection"));
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    connect(dialog, &TextInputDialog::valuesConfirmed, this, [this](const QStringList& values) {
+        m_choosesAdded = m_manager->appendCollection(values.value(0));
+    });
+    dialog->open();
+}
+
+void MediaPanelWidget::askForName()
+{
+    const int collection = selectedCollection();
+    auto* dialog = new TextInputDialog(tr("Rename collection"), tr("Name"), tr("RENAME"), this);
+    dialog->setObjectNames(QStringLiteral("MediaPanel-rename-collection"));
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setValue(0, collectionName());
+    connect(dialog, &TextInputDialog::valuesConfirmed, this, [this, collection](const QStringList& values) {
+        m_manager->renameCollection(collection, values.value(0));
+    });
+    dialog->open();
+}
+
+void MediaPanelWidget::askForRemoval()
+{
+    const int collection = selectedCollection();
+    auto* dialog = new ConfirmationDialog(
+        tr("Remove collection %1?").arg(collection),
+        tr("\"%1\" goes with all its slots. Playlists that play them lose their media. It can be undone.")
+            .arg(collectionName()),
+        tr("REMOVE"), this);
+    dialog->setObjectNames(QStringLiteral("MediaPanel-remove-collection"));
+    dialog->setAcceptClass(QStringLiteral("red"));
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    connect(dialog, &ZTDialog::confirmed, this,
+            [this, collection] { m_manager->removeCollection(collection); });
+    dialog->open();
+}
+
+bool MediaPanelWidget::eventFilter(QObject* watched, QEvent* event)
+{
+    if (watched != m_search || event->type() != QEvent::KeyPress)
+        return ZTFrame::eventFilter(watched, event);
+    const int key = static_cast<QKeyEvent*>(event)->key();
+    if (key == Qt::Key_Escape && !m_search->text().isEmpty()) {
+        m_search->clear();
+        return true;
+    }
+    if (key != Qt::Key_Down && key != Qt::Key_Return && key != Qt::Key_Enter)
+        return false;
+    if (m_view->model() && m_model->rowCount(m_view->rootIndex()) > 0) {
+        if (!m_view->currentIndex().isValid())
+            m_view->setCurrentIndex(m_model->index(0, MediaLibraryModel::NameColumn, m_view->rootIndex()));
+        m_view->setFocus(Qt::OtherFocusReason);
+    }
+    return true;
+}
+
+} // namespace vantrel

@@ -1,0 +1,84 @@
+#pragma once
+
+#include "common/ui/ztframe.h"
+
+#include <QModelIndex>
+#include <QTimer>
+
+class QMenu;
+
+namespace vantrel {
+
+class AbstractMediaLibraryProvider;
+class CollectionSelectorModel;
+class IconButton;
+class MediaCollectionManager;
+class MediaLibraryModel;
+class MediaPanelModel;
+class SlotDelegate;
+class SlotListView;
+class SortedCollectionSelectorModel;
+class ZTComboBox;
+class ZTEdit;
+
+/// The media library beside the player: a collection is chosen, its slots are listed and searched, and a
+/// double click or Enter on one plays it. Main thread; everything it is given must outlive it.
+class MediaPanelWidget : public ZTFrame
+{
+    Q_OBJECT
+
+public:
+    /// On the session's library; what is to be played goes to its SignalRelay.
+    explicit MediaPanelWidget(QWidget* parent = nullptr);
+    MediaPanelWidget(MediaLibraryModel* library, AbstractMediaLibraryProvider* provider,
+                     MediaCollectionManager* manager, QWidget* parent = nullptr);
+    ~MediaPanelWidget() override;
+
+    /// -1 while there is none.
+    int selectedCollection() const;
+    void selectCollection(int collection);
+    /// Without a server an empty panel says so.
+    void setConnected(bool connected);
+
+Q_SIGNALS:
+    /// An index of MediaLibraryModel.
+    void directPlayRequested(QModelIndex index);
+    void collectionEditRequested(int collection);
+
+private:
+    void buildHeader();
+    void buildList();
+    void buildMenu();
+    void connectModels();
+    void showCollection();
+    void updateChooser();
+    void updateEmptyText();
+    void onActivated(const QModelIndex& index);
+    void onScrolled();
+    void showSlotMenu(const QPoint& position);
+    QList<int> selectedSlots() const;
+    void clearSelectedSlots();
+    void askForNewCollection();
+    void askForName();
+    void askForRemoval();
+    QString collectionName() const;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+    MediaLibraryModel* m_library;
+    MediaCollectionManager* m_manager;
+    CollectionSelectorModel* m_selector;
+    SortedCollectionSelectorModel* m_sortedSelector;
+    MediaPanelModel* m_model;
+    SlotDelegate* m_delegate;
+    ZTComboBox* m_chooser = nullptr;
+    IconButton* m_addButton = nullptr;
+    IconButton* m_menuButton = nullptr;
+    QMenu* m_menu = nullptr;
+    ZTEdit* m_search = nullptr;
+    SlotListView* m_view = nullptr;
+    QTimer m_scrollRest;
+    bool m_connected = false;
+    bool m_choosesAdded = false; // the next collection that comes is the one made here
+};
+
+} // namespace vantrel

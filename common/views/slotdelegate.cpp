@@ -1,0 +1,305 @@
+#include "common/views/slotdelegate.h"
+
+#include "common/media/medialibrarymodel.h"
+#include "common/media/mediastateprovider.h"
+#include "common/session/timeutils.h"
+#include "common/ui/colors.h"
+#include "common/ui/iconcache.h"
+#include "util/clocktime.h"
+
+#include <QFontMetrics>
+#include <QPainter>
+#include <QPainterPath>
+#include <QPixmapCache>
+
+#include <algorithm>
+#include <cmath>
+
+namespace vantrel {
+
+using colors::getColor;
+
+namespace {
+
+constexpr int margin = 8;  // between the parts of a row
+constexpr int padding = 6; // above and below them
+constexpr int lineGap = 2;
+constexpr qreal radius = 4;
+
+QFont captionFont(const QFont& font)
+{
+    QFont caption = font;
+    if (font.pixelSize() > 0)
+        caption.setPixelSize(std::max(9, qRound(font.pixelSize() * 0.86)));
+    else
+        caption.setPointSizeF(font.pointSizeF() * 0.86);
+    return caption;
+}
+
+QFont nameFont(const QFont& font)
+{
+    QFont name = font;
+    name.setWeight(QFont::Medium);
+    return name;
+}
+
+int textHeight(const QFont& font)
+{
+    return QFontMetrics(nameFont(font)).height() + lineGap + QFontMetrics(captionFont(font)).height();
+}
+
+/// A channel's mark on a slot: its name, its colours and what it does.
+struct Mark
+{
+    QString text;
+    colors::ColorCode colour = colors::Transparent;
+    colors::ColorCode background = colors::Transparent;
+    QString icon;
+};
+
+std::optional<Mark> markOf(MediaState state)
+{
+    const auto program = [](const char* icon) {
+        return Mark{QStringLiteral("PGM"), colors::Red_red, colors::Zt_red_10, QString::fromLatin1(icon)};
+    };
+    const auto preview = [](const char* icon) {
+        return Mark{QStringLiteral("PRW"), colors::Green_primary, colors::Zt_green_10,
+                    QString::fromLatin1(icon)};
+    };
+    switch (state) {
+    case MediaState::ProgramPlay:
+        return program("mc_play");
+    case MediaState::ProgramPause:
+        return program("mc_pause");
+    case MediaState::ProgramStop:
+        return program("mc_stop");
+    case MediaState::PreviewPlay:
+        return preview("mc_play");
+    case MediaState::PreviewPause:
+        return preview("mc_pause");
+    case MediaState::PreviewStop:
+        return preview("mc_stop");
+    default:
+        return std::nullopt;
+    }
+}
+
+QString placeholderIcon(MediaType type)
+{
+    switch (type) {
+    case MediaType::AudioFile:
+        return QStringLiteral("audio");
+    case MediaType::ImageFile:
+        return QStringLiteral("image");
+    case MediaType::ImageSequence:
+        return QStringLiteral("image_sequence");
+    default:
+        return QStringLiteral("media");
+    }
+}
+
+/// The picture cut to a rounded box, rendered once for each size.
+QPixmap boxed(const QPixmap& picture, const QSize& size, qreal ratio)
+{
+    const QString key = QStringLiteral("slot-%1-%2x%3-%4")
+                            .arg(picture.cacheKey())
+                            .arg(size.width())
+                            .arg(size.height())
+                            .arg(ratio);
+    QPixmap box;
+    if (QPixmapCache::find(key, &box))
+        return box;
+    const QSize pixels = size * ratio;
+    const QPixmap scaled = picture.scaled(pixels, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+    box = QPixmap(pixels);
+    box.fill(Qt::transparent);
+    QPainter painter(&box);
+    painter.setRenderHint(QPainter::Antialiasing);
+    QPainterPath path;
+    path.addRoundedRect(box.rect(), 3 * ratio, 3 * ratio);
+    painter.fillPath(path, Qt::black);
+    painter.setClipPath(path);
+    painter.drawPixmap((pixels.width() - scaled.width()) / 2, (pixels.height() - scaled.height()) / 2,
+                       scaled);
+    painter.end();
+    box.setDevicePixelRatio(ratio);
+    QPixmapCache::insert(key, box);
+    return box;
+}
+
+QString lengthText(const QModelIndex& index)
+{
+    if (index.data(MediaLibraryModel::HasInfiniteDurationRole).toBool())
+        return index.data(MediaLibraryModel::DurationRole).toString();
+    const double length = index.data(MediaLibraryModel::OutpointRole).toDouble() -
+                          index.data(MediaLibraryModel::InpointRole).toDouble();
+    return TimeUtils::formatClockTimeShort(clocktime::fromSeconds(std::max(0.0, length)));
+}
+
+void paintBackground(QPainter* painter, const QStyleOptionViewItem& option, const std::optional<Mark>& mark)
+{
+    const QRectF row = QRectF(option.rect).adjusted(2.5, 1.5, -2.5, -1.5);
+    const bool selected = option.state.testFlag(QStyle::State_Selected);
+    if (mark) {
+        painter->setBrush(getColor(mark->background));
+        painter->drawRoundedRect(row, radius, radius);
+        painter->setBrush(getColor(mark->colour));
+        painter->drawRoundedRect(QRectF(row.left(), row.top(), 3, row.height()), 1.5, 1.5);
+    }
+    if (selected || option.state.testFlag(QStyle::State_MouseOver)) {
+        painter->setBrush(getColor(selected ? colors::Zt_orange_20 : colors::Zt_white_4));
+        painter->drawRoundedRect(row, radius, radius);
+    }
+    if (option.state.testFlag(QStyle::State_HasFocus) && option.state.testFlag(QStyle::State_Active)) {
+        painter->setBrush(Qt::NoBrush);
+        painter->setPen(QPen(getColor(colors::Zt_blue_lighter), 1));
+        painter->drawRoundedRect(row, radius, radius);
+        painter->setPen(Qt::NoPen);
+    }
+}
+
+void paintThumbnail(QPainter* painter, const QRect& rect, const QModelIndex& index)
+{
+    const qreal ratio = painter->device()->devicePixelRatioF();
+    const auto picture = index.data(MediaLibraryModel::KnownThumbnailRole).value<QPixmap>();
+    if (!picture.isNull()) {
+        painter->drawPixmap(rect.topLeft(), boxed(picture, rect.size(), ratio));
+        return;
+    }
+    painter->setBrush(getColor(colors::Zt_black_30));
+    painter->drawRoundedRect(rect, 3, 3);
+    const auto type = static_cast<MediaType>(index.data(MediaLibraryModel::KnownTypeRole).toInt());
+    const int side = rect.height() * 3 / 5;
+    const QPixmap icon =
+        IconCache::pixmap(placeholderIcon(type), getColor(colors::Zt_white_30), QSize(side, side), ratio);
+    painter->drawPixmap(rect.center() - QPoint(side / 2, side / 2), icon);
+}
+
+/// Draws the mark at the right end of the line and returns how much it took.
+int paintMark(QPainter* painter, const QRect& line, const QFont& font, const Mark& mark)
+{
+    QFont bold = font;
+    bold.setWeight(QFont::DemiBold);
+    const QFontMetrics metrics(bold);
+    const int side = metrics.height() - 2;
+    const int width = side + metrics.horizontalAdvance(mark.text) + 10;
+    const QRect chip(line.right() - width + 1, line.top(), width, line.height());
+    painter->setBrush(getColor(mark.colour));
+    painter->drawRoundedRect(chip, 3, 3);
+    const QPixmap icon = IconCache::pixmap(mark.icon, getColor(colors::White), QSize(side, side),
+                                           painter->device()->devicePixelRatioF());
+    painter->drawPixmap(chip.left() + 3, chip.center().y() - side / 2, icon);
+    painter->setFont(bold);
+    painter->setPen(getColor(colors::White));
+    painter->drawText(chip.adjusted(side + 5, 0, -3, 0), Qt::AlignVCenter | Qt::AlignLeft, mark.text);
+    painter->setPen(Qt::NoPen);
+    return width + margin;
+}
+
+/// Draws what is wrong with a file that does not play, or not whole.
+int paintWarning(QPainter* painter, const QRect& line, MediaState state)
+{
+    if (state != MediaState::NotPlayable && state != MediaState::PlayableWithCaveats)
+        return 0;
+    const int side = line.height();
+    const auto colour = state == MediaState::NotPlayable ? colors::Red_error : colors::Zt_orange;
+    const QPixmap icon = IconCache::pixmap(QStringLiteral("error"), getColor(colour), QSize(side, side),
+                                           painter->device()->devicePixelRatioF());
+    painter->drawPixmap(line.right() - side + 1, line.top(), icon);
+    return side + margin;
+}
+
+} // namespace
+
+struct SlotDelegate::Layout
+{
+    QRect number;
+    QRect thumbnail;
+    QRect name;
+    QRect details;
+};
+
+SlotDelegate::Layout SlotDelegate::layoutOf(const QStyleOptionViewItem& option,
+                                            const QModelIndex& index) const
+{
+    Layout layout;
+    const QRect row = option.rect.adjusted(margin, padding, -margin, -padding);
+    // As wide as the last number of the collection: all rows line up, and small collections waste nothing.
+    const QAbstractItemModel* model = index.model();
+    const int last = model->index(model->rowCount(index.parent()) - 1, 0, index.parent())
+                         .data(MediaLibraryModel::NumberRole)
+                         .toInt();
+    const int digits = std::max<int>(2, static_cast<int>(QString::number(last).size()));
+    const int numberWidth = QFontMetrics(option.font).horizontalAdvance(u'0') * digits;
+    layout.number = QRect(row.left() + 2, row.top(), numberWidth, row.height());
+    const int height = row.height();
+    layout.thumbnail = QRect(layout.number.right() + margin + 1, row.top(), height * 16 / 9, height);
+    const int left = layout.thumbnail.right() + margin + 2;
+    const int nameHeight = QFontMetrics(nameFont(option.font)).height();
+    const int top = row.center().y() - textHeight(option.font) / 2;
+    layout.name = QRect(left, top, row.right() - left, nameHeight);
+    layout.details = QRect(left, layout.name.bottom() + 1 + lineGap, row.right() - left,
+                           QFontMetrics(captionFont(option.font)).height());
+    return layout;
+}
+
+void SlotDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
+                         const QModelIndex& index) const
+{
+    QStyleOptionViewItem row = option;
+    initStyleOption(&row, index);
+    if (m_fetching)
+        index.data(Qt::DecorationRole); // asks for the picture, which comes with a change of the row
+    const int role = m_fetching ? MediaLibraryModel::StateRole : MediaLibraryModel::KnownStateRole;
+    const auto state = static_cast<MediaState>(index.data(role).toInt());
+    const std::optional<Mark> mark = markOf(state);
+    const Layout layout = layoutOf(row, index);
+    const QFont caption = captionFont(row.font);
+
+    painter->save();
+    painter->setRenderHint(QPainter::Antialiasing);
+    painter->setPen(Qt::NoPen);
+    paintBackground(painter, row, mark);
+    paintThumbnail(painter, layout.thumbnail, index);
+
+    painter->setFont(row.font);
+    painter->setPen(getColor(colors::Zt_white_50));
+    painter->drawText(layout.number, Qt::AlignRight | Qt::AlignVCenter,
+                      QString::number(index.data(MediaLibraryModel::NumberRole).toInt()));
+    painter->setPen(Qt::NoPen);
+    const int taken = mark ? paintMark(painter, layout.details, caption, *mark)
+                           : paintWarning(painter, layout.details, state);
+
+    const bool bright = mark || row.state.testFlag(QStyle::State_Selected);
+    const QFont name = nameFont(row.font);
+    painter->setFont(name);
+    painter->setPen(state == MediaState::NotPlayable
+                        ? getColor(colors::Zt_white_50)
+                        : getColor(bright ? colors::White : colors::Zt_white_80));
+    painter->drawText(layout.name, Qt::AlignVCenter | Qt::AlignLeft | Qt::TextSingleLine,
+                      QFontMetrics(name).elidedText(index.data(MediaLibraryModel::NameRole).toString(),
+                                                    Qt::ElideRight, layout.name.width()));
+    painter->setFont(caption);
+    painter->setPen(getColor(colors::Zt_white_50));
+    const QRect details = layout.details.adjusted(0, 0, -taken, 0);
+    painter->drawText(details, Qt::AlignVCenter | Qt::AlignLeft | Qt::TextSingleLine,
+                      QFontMetrics(caption).elidedText(lengthText(index), Qt::ElideRight, details.width()));
+    painter->restore();
+}
+
+QSize SlotDelegate::sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const
+{
+    Q_UNUSED(index);
+    return {160, textHeight(option.font) + 2 * padding + 2};
+}
+
+void SlotDelegate::updateEditorGeometry(QWidget* editor, const QStyleOptionViewItem& option,
+                                        const QModelIndex& index) const
+{
+    const Layout layout = layoutOf(option, index);
+    const int height = std::min(editor->sizeHint().height(), option.rect.height());
+    editor->setGeometry(layout.name.left() - 4, option.rect.center().y() - height / 2,
+                        layout.name.width() + 8, height);
+}
+
+} // namespace vantrel

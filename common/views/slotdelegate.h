@@ -1,0 +1,32 @@
+#pragma once
+
+#include <QStyledItemDelegate>
+
+namespace vantrel {
+
+/// Paints a row of the media panel: number, picture, name, length, and what plays where. Heights follow the
+/// text size. Owned by its view.
+class SlotDelegate : public QStyledItemDelegate
+{
+    Q_OBJECT
+
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+    /// Off while rows fly past: what is not known yet is then not asked for.
+    void setFetching(bool fetching) { m_fetching = fetching; }
+
+    void paint(QPainter* painter, const QStyleOptionViewItem& option,
+               const QModelIndex& index) const override;
+    QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override;
+    void updateEditorGeometry(QWidget* editor, const QStyleOptionViewItem& option,
+                              const QModelIndex& index) const override;
+
+private:
+    struct Layout;
+    Layout layoutOf(const QStyleOptionViewItem& option, const QModelIndex& index) const;
+
+    bool m_fetching = true;
+};
+
+} // namespace vantrel

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QListView>
+
+namespace vantrel {
+
+/// The list of the media panel: one height for all rows, a text in its middle while it is empty, and keys
+/// that go to the search field when they are text.
+class SlotListView : public QListView
+{
+    Q_OBJECT
+
+public:
+    explicit SlotListView(QWidget* parent = nullptr);
+
+    const QString& emptyText() const { return m_emptyText; }
+    void setEmpty(const QString& icon, const QString& text);
+
+    void keyboardSearch(const QString& text) override;
+
+Q_SIGNALS:
+    void textTyped(QString text);
+    void deleteRequested();
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void changeEvent(QEvent* event) override;
+
+private:
+    QString m_emptyIcon;
+    QString m_emptyText;
+};
+
+} // namespace vantrel
