@@ -1,0 +1,63 @@
+#pragma once
+
+#include "ombra/link/changebatch.h"
+#include "tarn/net/linkframe.h"
+
+#include <boost/asio/ip/tcp.hpp>
+
+#include <array>
+#include <deque>
+#include <functional>
+#include <memory>
+#include <string>
+
+namespace vantrel::ombra {
+
+/// One client's end of the link. At most one frame is on its way; what changes meanwhile waits in a batch, so that a
+/// slow client gets fewer and newer values. Lives by its pending operations; the thread of the io_context.
+class LinkClient : public std::enable_shared_from_this<LinkClient>
+{
+public:
+    /// The most bytes that may wait for a client before its link is ended.
+    static constexpr std::size_t maxWaiting = 64u * 1024 * 1024;
+
+    struct Handlers
+    {
+        std::function<void(LinkClient&, const Patch&)> patch;
+        std::function<void(LinkClient&)> closed; // once
+    };
+
+    LinkClient(boost::asio::ip::tcp::socket socket, std::shared_ptr<const Handlers> handlers);
+
+    void start();
+    void close();
+    bool isOpen() const noexcept { return m_open; }
+    const std::string& name() const noexcept { return m_name; } // for the log
+
+    /// Puts a change where the next flush() takes it from.
+    void add(const PatchOp& op) { m_batch.add(op); }
+    /// Sends whole operations after all that was added before.
+    void send(const Patch& patch);
+    /// Writes what waits, if nothing is being written.
+    void flush();
+
+private:
+    void read();
+    void received(std::size_t count);
+    void write();
+    void queueBatch();
+    bool checkWaiting();
+
+    boost::asio::ip::tcp::socket m_socket;
+    std::shared_ptr<const Handlers> m_handlers;
+    std::string m_name;
+    linkframe::Decoder m_decoder;
+    std::array<char, 64 * 1024> m_readBuffer{};
+    ChangeBatch m_batch;
+    std::deque<std::string> m_frames; // the front one is being written while m_writing
+    std::size_t m_frameBytes = 0;
+    bool m_writing = false;
+    bool m_open = true;
+};
+
+} // namespace vantrel::ombra

@@ -1,0 +1,19 @@
+#pragma once
+
+#include "tarn/json/json.h"
+#include "tarn/json/path.h"
+#include "tarn/scene/object.h"
+
+#include <string>
+
+namespace vantrel::ombra {
+
+/// Whether a client may write this value to a property of the scene: only what an operator sets, and only values
+/// that mean something. On false, why says the reason.
+bool clientMayWrite(const Object* object, const PropertyInfo* property, const Json& value, std::string& why);
+
+/// Whether a client may add, remove, move or copy the object at a path: only surfaces of the mapping editor, and
+/// what lies below them.
+bool clientMayRestructure(PathView path);
+
+} // namespace vantrel::ombra

@@ -1,0 +1,287 @@
+#include "ombra/link/linkserver.h"
+
+#include "ombra/link/linkpolicy.h"
+#include "ombra/serverlog.h"
+#include "tarn/net/tcplink.h"
+
+#include <boost/asio/post.hpp>
+
+#include <algorithm>
+#include <chrono>
+#include <utility>
+
+namespace vantrel::ombra {
+
+namespace {
+
+constexpr std::size_t maxClients = 64;
+
+const char* nameOf(PatchOpType op)
+{
+    static constexpr const char* names[] = {"add", "test", "replace", "remove", "move", "copy", "get", "invoke"};
+    return names[static_cast<std::size_t>(op)];
+}
+
+} // namespace
+
+LinkServer::LinkServer(boost::asio::io_context& io, Scene& scene, Handlers handlers)
+    : m_io(io)
+    , m_scene(scene)
+    , m_handlers(std::move(handlers))
+    , m_acceptor(io)
+    , m_retry(io)
+{
+    m_callback = [](Scene*, int count, const SceneChange* changes, void* user) {
+        static_cast<LinkServer*>(user)->onSceneChange(count, changes);
+    };
+    m_scene.addChangeCallback(m_callback, this);
+    LinkClient::Handlers clientHandlers;
+    clientHandlers.patch = [this, alive = std::weak_ptr(m_alive)](LinkClient& client, const Patch& patch) {
+        for (const PatchOp& op : patch) {
+            if (alive.expired() || !client.isOpen())
+                return;
+            handle(client, op);
+        }
+    };
+    clientHandlers.closed = [this, alive = std::weak_ptr(m_alive)](LinkClient& client) {
+        if (alive.expired())
+            return;
+        logLine(LogLevel::Info, "vantrel.link", client.name() + " has left");
+        std::erase_if(m_clients, [&](const auto& held) { return held.get() == &client; });
+    };
+    m_clientHandlers = std::make_shared<const LinkClient::Handlers>(std::move(clientHandlers));
+}
+
+LinkServer::~LinkServer()
+{
+    m_alive.reset();
+    m_scene.removeChangeCallback(m_callback, this);
+    for (const auto& client : m_clients)
+        client->close();
+}
+
+bool LinkServer::listen(const boost::asio::ip::address& address, unsigned short port, std::string* error)
+{
+    const boost::asio::ip::tcp::endpoint endpoint(address, port);
+    boost::system::error_code code;
+    m_acceptor.open(endpoint.protocol(), code);
+    if (!code)
+        m_acceptor.set_option(boost::asio::socket_base::reuse_address(true), code);
+    if (!code)
+        m_acceptor.bind(endpoint, code);
+    if (!code)
+        m_acceptor.listen(boost::asio::socket_base::max_listen_connections, code);
+    if (code) {
+        *error = "cannot listen on " + address.to_string() + " port " + std::to_string(port) + ": " + code.message();
+        return false;
+    }
+    accept();
+    return true;
+}
+
+unsigned short LinkServer::port() const
+{
+    boost::system::error_code code;
+    return m_acceptor.local_endpoint(code).port();
+}
+
+void LinkServer::accept()
+{
+    m_acceptor.async_accept([this](boost::system::error_code code, boost::asio::ip::tcp::socket socket) {
+        if (code == boost::asio::error::operation_aborted)
+            return;
+        if (code) {
+            logLine(LogLevel::Warning, "vantrel.link", "cannot accept a client: " + code.message());
+            m_retry.expires_after(std::chrono::milliseconds(200));
+            m_retry.async_wait([this](boost::system::error_code waited) {
+                if (!waited)
+                    accept();
+            });
+            return;
+        }
+        if (m_clients.size() >= maxClients) {
+            logLine(LogLevel::Warning, "vantrel.link", "too many clients: refusing one");
+        } else {
+            setLinkOptions(socket);
+            m_clients.push_back(std::make_shared<LinkClient>(std::move(socket), m_clientHandlers));
+            logLine(LogLevel::Info, "vantrel.link", m_clients.back()->name() + " has joined");
+            m_clients.back()->start();
+        }
+        accept();
+    });
+}
+
+void LinkServer::handle(LinkClient& client, const PatchOp& op)
+{
+    switch (op.op) {
+    case PatchOpType::Get:
+        return answerGet(client, op.path);
+    case PatchOpType::Invoke: {
+        std::string error;
+        if (!m_handlers.invoke(op.path, op.value, &error))
+            logLine(LogLevel::Warning, "vantrel.link",
+                    client.name() + ": cannot call " + op.path.toString() + ": " + error);
+        return;
+    }
+    case PatchOpType::Replace:
+        return writeProperty(client, op);
+    case PatchOpType::Add:
+    case PatchOpType::Remove:
+    case PatchOpType::Move:
+    case PatchOpType::Copy:
+        return restructure(client, op);
+    case PatchOpType::Test:
+        return; // asks for nothing
+    }
+}
+
+void LinkServer::answerGet(LinkClient& client, PathView path)
+{
+    Patch answer;
+    if (path.empty()) {
+        answer = m_scene.snapshot();
+    } else {
+        sendBack(client, path.toPath());
+        return scheduleFlush();
+    }
+    Patch piece;
+    for (const PatchOp& op : answer) {
+        piece.append(op);
+        if (piece.size() == operationsPerFrame)
+            client.send(std::exchange(piece, {}));
+    }
+    client.send(piece); // also an empty one: a scene of nothing is an answer too
+    scheduleFlush();
+}
+
+/// Sends what the scene holds at a path; nothing, with a log line, when there is nothing.
+void LinkServer::sendBack(LinkClient& client, const Path& path)
+{
+    const ScenePointer at = m_scene.find(path);
+    PatchOp op;
+    op.path = path;
+    Variant value;
+    if (at.property() && m_scene.getProperty(at, value)) {
+        op.op = PatchOpType::Replace;
+        Json::fromVariant(value, op.value);
+    } else if (at.deref() && !at.property() && !at.method()) {
+        op.op = PatchOpType::Add;
+        op.value = Scene::toJson(at.deref());
+    } else {
+        logLine(LogLevel::Debug, "vantrel.link", client.name() + ": nothing is at " + path.toString());
+        return;
+    }
+    Patch patch;
+    patch.append(op);
+    client.send(patch);
+}
+
+void LinkServer::writeProperty(LinkClient& client, const PatchOp& op)
+{
+    const ScenePointer at = m_scene.find(op.path);
+    if (!at.deref() || !at.property())
+        return refuse(client, op, "no such property");
+    std::string why;
+    if (!clientMayWrite(at.deref(), at.property(), op.value, why))
+        return refuse(client, op, why);
+    const Ref<Object> object(at.deref());
+    const PropertyInfo* property = at.property();
+    Patch patch;
+    patch.append(op);
+    m_origin = &client;
+    const bool fits = m_scene.apply(patch, true);
+    m_origin = nullptr;
+    if (!fits)
+        return refuse(client, op, "the value is of another type");
+    Variant now;
+    Json json;
+    object->getProperty(property, now);
+    Json::fromVariant(now, json);
+    if (!(json == op.value)) { // taken, but not as it was written
+        PatchOp correction = op;
+        correction.value = json;
+        client.add(correction);
+    }
+    m_handlers.written(object.get(), property);
+    scheduleFlush();
+}
+
+void LinkServer::restructure(LinkClient& client, const PatchOp& op)
+{
+    const bool hasSource = op.op == PatchOpType::Move || op.op == PatchOpType::Copy;
+    if (!clientMayRestructure(op.path) || (hasSource && !clientMayRestructure(op.from)))
+        return refuse(client, op, "this part of the scene is the server's");
+    Patch patch;
+    patch.append(op);
+    m_origin = &client;
+    const bool fits = m_scene.apply(patch, true);
+    m_origin = nullptr;
+    if (!fits)
+        return refuse(client, op, "it does not fit");
+    scheduleFlush();
+}
+
+/// Says so in the log, and puts the client's copy right where that can be done.
+void LinkServer::refuse(LinkClient& client, const PatchOp& op, const std::string& why)
+{
+    logLine(LogLevel::Warning, "vantrel.link",
+            client.name() + ": refused to " + nameOf(op.op) + " " + op.path.toString() + ": " + why);
+    if (op.op == PatchOpType::Replace || op.op == PatchOpType::Remove)
+        sendBack(client, op.path);
+    scheduleFlush();
+}
+
+void LinkServer::onSceneChange(int count, const SceneChange* changes)
+{
+    for (int i = 0; i < count; ++i) {
+        const SceneChange& change = changes[i];
+        PatchOp op;
+        bool known = false;
+        switch (change.kind) {
+        case SceneChange::Added:
+            op.op = PatchOpType::Add;
+            known = m_scene.pathOf(change.object, op.path);
+            op.value = Scene::toJson(change.object);
+            break;
+        case SceneChange::Removed:
+            op.op = PatchOpType::Remove;
+            known = m_scene.pathOf(change.object, op.path);
+            break;
+        case SceneChange::PropertyChanged:
+            op.op = PatchOpType::Replace;
+            known = m_scene.pathOf(change.object, change.property, op.path);
+            Json::fromVariant(change.value, op.value);
+            break;
+        default:
+            break;
+        }
+        if (known)
+            publish(op);
+    }
+}
+
+void LinkServer::publish(const PatchOp& op)
+{
+    for (const auto& client : m_clients) {
+        if (client.get() != m_origin)
+            client->add(op);
+    }
+    if (!m_clients.empty())
+        scheduleFlush();
+}
+
+void LinkServer::scheduleFlush()
+{
+    if (std::exchange(m_flushPosted, true))
+        return;
+    boost::asio::post(m_io, [this, alive = std::weak_ptr(m_alive)] {
+        if (alive.expired())
+            return;
+        m_flushPosted = false;
+        const auto clients = m_clients; // one may go while it is flushed
+        for (const auto& client : clients)
+            client->flush();
+    });
+}
+
+} // namespace vantrel::ombra

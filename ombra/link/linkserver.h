@@ -1,0 +1,68 @@
+#pragma once
+
+#include "ombra/link/linkclient.h"
+#include "tarn/scene/scene.h"
+
+#include <boost/asio/io_context.hpp>
+#include <boost/asio/ip/tcp.hpp>
+#include <boost/asio/steady_timer.hpp>
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace vantrel::ombra {
+
+/// The server's end of the scene link, for any number of clients: answers gets with snapshots, applies what clients
+/// may write, calls methods, and sends every change of the scene to all clients but the one that made it. The changes
+/// of one turn of the loop go as one frame. One thread, that of the io_context and the scene.
+class LinkServer
+{
+public:
+    struct Handlers
+    {
+        /// Calls a method; false, with the reason, when that failed.
+        std::function<bool(PathView methodPath, const Json& args, std::string* error)> invoke;
+        /// A client wrote a property; the scene holds the value already.
+        std::function<void(Object* object, const PropertyInfo* property)> written;
+    };
+
+    static constexpr std::size_t operationsPerFrame = 1000; // of a snapshot
+
+    LinkServer(boost::asio::io_context& io, Scene& scene, Handlers handlers);
+    ~LinkServer();
+    LinkServer(const LinkServer&) = delete;
+    LinkServer& operator=(const LinkServer&) = delete;
+
+    /// False, with the reason, when the port is not to be had. Port 0 takes a free one.
+    bool listen(const boost::asio::ip::address& address, unsigned short port, std::string* error);
+    unsigned short port() const;
+
+private:
+    void accept();
+    void handle(LinkClient& client, const PatchOp& op);
+    void answerGet(LinkClient& client, PathView path);
+    void writeProperty(LinkClient& client, const PatchOp& op);
+    void restructure(LinkClient& client, const PatchOp& op);
+    void refuse(LinkClient& client, const PatchOp& op, const std::string& why);
+    void sendBack(LinkClient& client, const Path& path);
+
+    void onSceneChange(int count, const SceneChange* changes);
+    void publish(const PatchOp& op);
+    void scheduleFlush();
+
+    boost::asio::io_context& m_io;
+    Scene& m_scene;
+    Handlers m_handlers;
+    boost::asio::ip::tcp::acceptor m_acceptor;
+    boost::asio::steady_timer m_retry;
+    std::shared_ptr<const LinkClient::Handlers> m_clientHandlers;
+    std::vector<std::shared_ptr<LinkClient>> m_clients;
+    LinkClient* m_origin = nullptr; // whose operation is being applied
+    bool m_flushPosted = false;
+    std::shared_ptr<int> m_alive = std::make_shared<int>(0);
+    Scene::ChangeCallback m_callback;
+};
+
+} // namespace vantrel::ombra

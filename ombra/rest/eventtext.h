@@ -1,0 +1,14 @@
+#pragma once
+
+#include "tarn/json/patch.h"
+
+#include <string>
+
+namespace vantrel::ombra {
+
+/// A patch as one message of the event stream: "data: [...]" and an empty line. Readers fold runs of blanks and may
+/// trim other kinds of space, so inside strings a blank that follows a blank, and every space beyond ASCII, is
+/// written as an escape: the folding then loses nothing.
+std::string eventStreamMessage(const Patch& patch);
+
+} // namespace vantrel::ombra

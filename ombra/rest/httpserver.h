@@ -1,0 +1,57 @@
+#pragma once
+
+#include "ombra/rest/http.h"
+
+#include <boost/asio/io_context.hpp>
+#include <boost/asio/ip/tcp.hpp>
+#include <boost/asio/steady_timer.hpp>
+
+#include <functional>
+#include <memory>
+#include <string>
+
+namespace vantrel::ombra {
+
+class BroadcastHub;
+
+/// What the server does with what it reads.
+struct HttpHandlers
+{
+    std::function<void(HttpRequest, HttpAnswer)> request;
+    std::string streamPath; // a GET of it opens an event stream
+    std::string socketPath; // a WebSocket may be opened here
+};
+
+/// An HTTP/1.1 server with event streams and WebSockets. Sizes and times are limited, so that nothing outside can
+/// hold it up: 16 KiB of header, 64 MiB of body, 60 s for a request, 64 MiB of unread events. One thread, that of
+/// the io_context.
+class HttpServer
+{
+public:
+    HttpServer(boost::asio::io_context& io, HttpHandlers handlers);
+    ~HttpServer();
+    HttpServer(const HttpServer&) = delete;
+    HttpServer& operator=(const HttpServer&) = delete;
+
+    /// False, with the reason, when the port is not to be had. Port 0 takes a free one.
+    bool listen(const boost::asio::ip::address& address, unsigned short port, std::string* error);
+    unsigned short port() const;
+
+    /// To all open event streams: a whole message with its empty line.
+    void broadcastStream(const std::string& message);
+    /// To all open WebSockets: one text message.
+    void broadcastSocket(const std::string& message);
+
+private:
+    void accept();
+
+    boost::asio::io_context& m_io;
+    boost::asio::ip::tcp::acceptor m_acceptor;
+    boost::asio::steady_timer m_retry;
+    std::shared_ptr<const HttpHandlers> m_handlers;
+    std::shared_ptr<BroadcastHub> m_streams;
+    std::shared_ptr<BroadcastHub> m_sockets;
+    std::shared_ptr<int> m_openSessions = std::make_shared<int>(0);
+};
+
+} // namespace vantrel::ombra

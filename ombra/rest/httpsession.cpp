@@ -1,0 +1,261 @@
+#include "ombra/rest/httpsession.h"
+
+#include "ombra/rest/websocketsession.h"
+#include "ombra/serverlog.h"
+
+#include <boost/asio/write.hpp>
+#include <boost/beast/core.hpp>
+#include <boost/beast/http.hpp>
+#include <boost/beast/websocket/rfc6455.hpp>
+
+#include <chrono>
+#include <deque>
+#include <optional>
+
+namespace vantrel::ombra {
+
+namespace beast = boost::beast;
+namespace http = boost::beast::http;
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr std::uint32_t maxHeader = 16 * 1024;
+constexpr std::uint64_t maxBody = 64u * 1024 * 1024;
+constexpr auto requestTime = 60s; // to send a request, and to read its answer
+constexpr auto lingerTime = 3s;   // to take a refused request off the wire
+
+class HttpSession : public Subscriber, public std::enable_shared_from_this<HttpSession>
+{
+public:
+    HttpSession(boost::asio::ip::tcp::socket socket, std::shared_ptr<const HttpHandlers> handlers,
+                std::shared_ptr<BroadcastHub> streams, std::shared_ptr<BroadcastHub> sockets,
+                std::shared_ptr<int> openSessions)
+        : m_stream(std::move(socket))
+        , m_handlers(std::move(handlers))
+        , m_streams(std::move(streams))
+        , m_sockets(std::move(sockets))
+        , m_openSessions(std::move(openSessions))
+    {
+        ++*m_openSessions;
+    }
+    ~HttpSession() override { --*m_openSessions; }
+
+    void readHeader();
+    void send(const std::shared_ptr<const std::string>& message) override;
+
+private:
+    void headerRead(beast::error_code code);
+    void readBody();
+    void bodyRead(beast::error_code code);
+    void refuse(beast::error_code code);
+    void answer(HttpReply reply);
+    void written(beast::error_code code, bool keepAlive);
+    void linger();
+
+    void startStream();
+    void watchStream();
+    void writeStream();
+    void close();
+
+    beast::tcp_stream m_stream;
+    beast::flat_buffer m_buffer;
+    std::optional<http::request_parser<http::string_body>> m_parser;
+    std::optional<http::response<http::string_body>> m_reply;
+    std::shared_ptr<const HttpHandlers> m_handlers;
+    std::shared_ptr<BroadcastHub> m_streams;
+    std::shared_ptr<BroadcastHub> m_sockets;
+    std::shared_ptr<int> m_openSessions;
+    std::deque<std::shared_ptr<const std::string>> m_waiting; // the front one is being written
+    std::size_t m_waitingBytes = 0;
+    std::array<char, 1024> m_discard{};
+    bool m_closing = false;
+};
+
+void HttpSession::readHeader()
+{
+    m_parser.emplace();
+    m_parser->header_limit(maxHeader);
+    m_parser->body_limit(maxBody);
+    m_stream.expires_after(requestTime);
+    http::async_read_header(m_stream, m_buffer, *m_parser,
+                            [self = shared_from_this()](beast::error_code code, std::size_t) { self->headerRead(code); });
+}
+
+void HttpSession::headerRead(beast::error_code code)
+{
+    if (code)
+        return refuse(code);
+    const auto& request = m_parser->get();
+    const std::string path(request.target().substr(0, request.target().find('?')));
+    if (path == m_handlers->socketPath && beast::websocket::is_upgrade(request)) {
+        m_stream.expires_never();
+        startWebSocket(std::move(m_stream), m_parser->release(), m_sockets, m_openSessions);
+        return;
+    }
+    if (path == m_handlers->streamPath && request.method() == http::verb::get)
+        return startStream();
+    if (!beast::iequals(request[http::field::expect], "100-continue"))
+        return readBody();
+    static const std::string goOn = "HTTP/1.1 100 Continue\r\n\r\n";
+    boost::asio::async_write(m_stream, boost::asio::buffer(goOn),
+                             [self = shared_from_this()](beast::error_code failed, std::size_t) {
+                                 if (!failed)
+                                     self->readBody();
+                             });
+}
+
+void HttpSession::readBody()
+{
+    m_stream.expires_after(requestTime);
+    http::async_read(m_stream, m_buffer, *m_parser,
+                     [self = shared_from_this()](beast::error_code code, std::size_t) { self->bodyRead(code); });
+}
+
+void HttpSession::bodyRead(beast::error_code code)
+{
+    if (code)
+        return refuse(code);
+    m_stream.expires_never(); // the time that an answer takes is ours
+    auto& request = m_parser->get();
+    HttpRequest plain;
+    plain.method = request.method_string();
+    const auto target = request.target();
+    const std::size_t mark = target.find('?');
+    plain.path = target.substr(0, mark);
+    if (mark != beast::string_view::npos)
+        plain.query = target.substr(mark + 1);
+    plain.body = std::move(request.body());
+    m_handlers->request(std::move(plain),
+                        [self = shared_from_this()](HttpReply reply) { self->answer(std::move(reply)); });
+}
+
+void HttpSession::refuse(beast::error_code code)
+{
+    unsigned status = 400;
+    if (code == http::error::body_limit)
+        status = 413;
+    else if (code == http::error::header_limit || code == http::error::buffer_overflow)
+        status = 431;
+    else if (code == beast::error::timeout)
+        status = 408;
+    else if (code.category() != http::make_error_code(http::error::end_of_stream).category())
+        return close(); // the connection is gone
+    if (code == http::error::end_of_stream || code == http::error::partial_message)
+        return close();
+    m_closing = true;
+    answer(httpError(status, code.message()));
+}
+
+void HttpSession::answer(HttpReply reply)
+{
+    const auto& request = m_parser->get();
+    m_reply.emplace(static_cast<http::status>(reply.status), 11);
+    m_reply->set(http::field::server, "ombra");
+    m_reply->set(http::field::content_type, reply.contentType);
+    m_reply->set(http::field::cache_control, "no-store");
+    if (!reply.allow.empty())
+        m_reply->set(http::field::allow, reply.allow);
+    m_reply->keep_alive(!m_closing && request.keep_alive());
+    m_reply->body() = std::move(reply.body);
+    if (reply.status == 204)
+        m_reply->erase(http::field::content_type);
+    m_reply->prepare_payload();
+    m_stream.expires_after(requestTime);
+    http::async_write(m_stream, *m_reply, [self = shared_from_this()](beast::error_code code, std::size_t) {
+        self->written(code, self->m_reply->keep_alive());
+    });
+}
+
+void HttpSession::written(beast::error_code code, bool keepAlive)
+{
+    m_reply.reset();
+    if (code)
+        return close();
+    if (keepAlive)
+        return readHeader();
+    // A peer that is still sending would lose the answer to a reset: take its bytes for a moment.
+    beast::error_code ignored;
+    m_stream.socket().shutdown(boost::asio::ip::tcp::socket::shutdown_send, ignored);
+    m_stream.expires_after(lingerTime);
+    linger();
+}
+
+void HttpSession::linger()
+{
+    m_stream.async_read_some(boost::asio::buffer(m_discard),
+                             [self = shared_from_this()](beast::error_code code, std::size_t) {
+                                 if (code)
+                                     self->close();
+                                 else
+                                     self->linger();
+                             });
+}
+
+void HttpSession::startStream()
+{
+    m_stream.expires_never();
+    m_streams->add(shared_from_this());
+    send(std::make_shared<const std::string>("HTTP/1.1 200 OK\r\nServer: ombra\r\n"
+                                             "Content-Type: text/event-stream\r\nCache-Control: no-store\r\n"
+                                             "Connection: close\r\n\r\n"));
+    watchStream();
+}
+
+void HttpSession::watchStream()
+{
+    m_stream.async_read_some(boost::asio::buffer(m_discard),
+                             [self = shared_from_this()](beast::error_code code, std::size_t) {
+                                 if (code)
+                                     self->close();
+                                 else
+                                     self->watchStream();
+                             });
+}
+
+void HttpSession::send(const std::shared_ptr<const std::string>& message)
+{
+    if (m_closing)
+        return;
+    if (m_waitingBytes + message->size() > BroadcastHub::maxWaiting && !m_waiting.empty()) {
+        logLine(LogLevel::Warning, "vantrel.rest", "dropping an event stream that does not read");
+        return close();
+    }
+    m_waiting.push_back(message);
+    m_waitingBytes += message->size();
+    if (m_waiting.size() == 1)
+        writeStream();
+}
+
+void HttpSession::writeStream()
+{
+    boost::asio::async_write(m_stream, boost::asio::buffer(*m_waiting.front()),
+                             [self = shared_from_this()](beast::error_code code, std::size_t) {
+                                 if (code)
+                                     return self->close();
+                                 self->m_waitingBytes -= self->m_waiting.front()->size();
+                                 self->m_waiting.pop_front();
+                                 if (!self->m_waiting.empty() && !self->m_closing)
+                                     self->writeStream();
+                             });
+}
+
+void HttpSession::close()
+{
+    m_closing = true;
+    m_stream.close();
+}
+
+} // namespace
+
+void startHttpSession(boost::asio::ip::tcp::socket socket, std::shared_ptr<const HttpHandlers> handlers,
+                      std::shared_ptr<BroadcastHub> streams, std::shared_ptr<BroadcastHub> sockets,
+                      std::shared_ptr<int> openSessions)
+{
+    std::make_shared<HttpSession>(std::move(socket), std::move(handlers), std::move(streams), std::move(sockets),
+                                  std::move(openSessions))
+        ->readHeader();
+}
+
+} // namespace vantrel::ombra

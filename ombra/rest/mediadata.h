@@ -1,0 +1,51 @@
+#pragma once
+
+#include "ombra/rest/http.h"
+
+#include <boost/asio/io_context.hpp>
+#include <boost/asio/thread_pool.hpp>
+
+#include <filesystem>
+#include <list>
+#include <map>
+#include <memory>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+namespace vantrel::ombra {
+
+/// Answers for metadata and thumbnails of media files. Files are opened on one worker thread, in the order of the
+/// requests; requests for the same file wait for one piece of work, and answers are kept until the file changes.
+class MediaData
+{
+public:
+    MediaData(boost::asio::io_context& io, std::filesystem::path mediaFolder);
+    /// Waits for the work at hand; answers that are still due are not given.
+    ~MediaData();
+    MediaData(const MediaData&) = delete;
+    MediaData& operator=(const MediaData&) = delete;
+
+    /// JSON as MediaMetadata reads it; 404 when there is no such file.
+    void metadata(const std::string& contentUrl, HttpAnswer answer);
+    /// A JPEG; 404 when there is no such file or no picture in it.
+    void thumbnail(const std::string& contentUrl, HttpAnswer answer);
+
+private:
+    using Work = HttpReply (*)(const std::filesystem::path& file);
+
+    void serve(const char* kind, const std::string& contentUrl, Work work, HttpAnswer answer);
+    void finish(const std::string& key, const HttpReply& reply);
+    const HttpReply* cached(const std::string& key);
+
+    boost::asio::io_context& m_io;
+    std::filesystem::path m_folder;
+    std::map<std::string, std::vector<HttpAnswer>> m_waiting; // by key
+    std::list<std::pair<std::string, HttpReply>> m_recent;    // newest first
+    std::unordered_map<std::string, std::list<std::pair<std::string, HttpReply>>::iterator> m_cache;
+    std::size_t m_cacheBytes = 0;
+    std::shared_ptr<int> m_alive = std::make_shared<int>(0);
+    boost::asio::thread_pool m_worker{1};
+};
+
+} // namespace vantrel::ombra
