@@ -1,0 +1,128 @@
+#include "ombra/server.h"
+#include "ombra/serverlog.h"
+#include "ombra/version.h"
+
+#include <boost/asio/signal_set.hpp>
+
+#include <charconv>
+#include <csignal>
+#include <cstdio>
+#include <cstring>
+#include <optional>
+#include <string_view>
+
+namespace {
+
+using namespace vantrel;
+using namespace vantrel::ombra;
+
+constexpr const char* usage =
+    "usage: ombra --media DIR --state DIR [--bind ADDR] [--http-port N] [--link-port N] [--preview-port N]\n"
+    "             [--no-discovery]\n"
+    "\n"
+    "  --media DIR        the folder of the media files\n"
+    "  --state DIR        where the show is kept; made where needed\n"
+    "  --bind ADDR        the address to serve on (127.0.0.1)\n"
+    "  --http-port N      of the library and the media data (80); 0 takes a free port, as for the others\n"
+    "  --link-port N      of the scene (11060)\n"
+    "  --preview-port N   of the preview pictures (11061)\n"
+    "  --no-discovery     do not answer searches of the network\n";
+
+bool parsePort(std::string_view text, unsigned short& out)
+{
+    const auto [end, code] = std::from_chars(text.data(), text.data() + text.size(), out);
+    return code == std::errc() && end == text.data() + text.size();
+}
+
+bool parseOption(std::string_view name, const char* value, ServerOptions& options)
+{
+    if (name == "--media")
+        options.media = value;
+    else if (name == "--state")
+        options.state = value;
+    else if (name == "--http-port")
+        return parsePort(value, options.httpPort);
+    else if (name == "--link-port")
+        return parsePort(value, options.linkPort);
+    else if (name == "--preview-port")
+        return parsePort(value, options.previewPort);
+    else if (name == "--bind") {
+        boost::system::error_code code;
+        options.bind = boost::asio::ip::make_address(value, code);
+        return !code;
+    } else
+        return false;
+    return true;
+}
+
+/// Nothing, with a line of what is wrong, when the arguments make no sense.
+std::optional<ServerOptions> parseArguments(int argc, char** argv)
+{
+    ServerOptions options;
+    for (int i = 1; i < argc; ++i) {
+        if (std::strcmp(argv[i], "--no-discovery") == 0) {
+            options.discovery = false;
+        } else if (i + 1 >= argc || !parseOption(argv[i], argv[i + 1], options)) {
+            std::fprintf(stderr, "ombra: cannot use \"%s%s%s\"\n%s", argv[i], i + 1 < argc ? " " : "",
+                         i + 1 < argc ? argv[i + 1] : "", usage);
+            return std::nullopt;
+        } else {
+            ++i;
+        }
+    }
+    if (options.media.empty() || options.state.empty()) {
+        std::fprintf(stderr, "ombra: --media and --state are needed\n%s", usage);
+        return std::nullopt;
+    }
+    return options;
+}
+
+int serve(const ServerOptions& options)
+{
+    boost::asio::io_context io{1};
+    boost::asio::signal_set signals(io, SIGINT, SIGTERM);
+    signals.async_wait([&io](boost::system::error_code code, int) {
+        if (!code)
+            io.stop();
+    });
+    Server server(io, options);
+    std::string error;
+    if (!server.start(&error)) {
+        std::fprintf(stderr, "ombra: %s\n", error.c_str());
+        return 1;
+    }
+    std::printf("ombra ready http=%u link=%u preview=%u\n", server.httpPort(), server.linkPort(),
+                server.previewPort());
+    std::fflush(stdout);
+    while (!io.stopped()) {
+        try {
+            io.run();
+        } catch (const std::exception& e) {
+            logLine(LogLevel::Error, "vantrel.server", std::string("an operation failed: ") + e.what());
+        }
+    }
+    return 0;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    std::signal(SIGPIPE, SIG_IGN);
+    if (argc == 2 && (std::strcmp(argv[1], "--help") == 0 || std::strcmp(argv[1], "--version") == 0)) {
+        if (std::strcmp(argv[1], "--help") == 0)
+            std::fputs(usage, stdout);
+        else
+            std::printf("ombra %s\n", versionText().c_str());
+        return 0;
+    }
+    const auto options = parseArguments(argc, argv);
+    if (!options)
+        return 2;
+    try {
+        return serve(*options);
+    } catch (const std::exception& e) {
+        std::fprintf(stderr, "ombra: %s\n", e.what());
+        return 1;
+    }
+}

@@ -1,0 +1,195 @@
+#include "ombra/preview/previewserver.h"
+
+#include "ombra/serverlog.h"
+#include "tarn/net/tcplink.h"
+#include "tarn/preview/previewwire.h"
+
+#include <boost/asio/buffer.hpp>
+#include <boost/asio/post.hpp>
+#include <boost/asio/write.hpp>
+
+#include <array>
+#include <chrono>
+#include <deque>
+
+namespace vantrel::ombra {
+
+namespace {
+
+constexpr std::size_t maxReaders = 64;
+
+}
+
+/// Lives by its pending operations.
+class PreviewServer::Reader : public std::enable_shared_from_this<Reader>
+{
+public:
+    explicit Reader(boost::asio::ip::tcp::socket socket)
+        : m_socket(std::move(socket))
+    {
+    }
+
+    /// Notices the end; what a reader sends means nothing.
+    void watch()
+    {
+        m_socket.async_read_some(boost::asio::buffer(m_discard),
+                                 [self = shared_from_this()](boost::system::error_code code, std::size_t) {
+                                     if (code)
+                                         self->close();
+                                     else
+                                         self->watch();
+                                 });
+    }
+
+    void offer(const Key& key, const Bytes& bytes)
+    {
+        if (!m_socket.is_open())
+            return;
+        for (auto& [waitingKey, waiting] : m_waiting) {
+            if (waitingKey == key) {
+                waiting = bytes;
+                return;
+            }
+        }
+        m_waiting.emplace_back(key, bytes);
+        if (!m_current)
+            write();
+    }
+
+    void close()
+    {
+        boost::system::error_code ignored;
+        m_socket.close(ignored);
+        m_waiting.clear();
+    }
+
+private:
+    void write()
+    {
+        m_current = std::move(m_waiting.front().second);
+        m_waiting.pop_front();
+        boost::asio::async_write(m_socket, boost::asio::buffer(*m_current),
+                                 [self = shared_from_this()](boost::system::error_code code, std::size_t) {
+                                     self->m_current.reset();
+                                     if (code)
+                                         self->close();
+                                     else if (!self->m_waiting.empty())
+                                         self->write();
+                                 });
+    }
+
+    boost::asio::ip::tcp::socket m_socket;
+    std::array<char, 1024> m_discard{};
+    Bytes m_current; // on its way
+    std::deque<std::pair<Key, Bytes>> m_waiting;
+};
+
+PreviewServer::PreviewServer(boost::asio::io_context& io)
+    : m_io(io)
+    , m_acceptor(io)
+    , m_retry(io)
+{
+}
+
+PreviewServer::~PreviewServer()
+{
+    m_alive.reset();
+    for (const auto& weak : m_readers) {
+        if (const auto reader = weak.lock())
+            reader->close();
+    }
+}
+
+bool PreviewServer::listen(const boost::asio::ip::address& address, unsigned short port, std::string* error)
+{
+    const boost::asio::ip::tcp::endpoint endpoint(address, port);
+    boost::system::error_code code;
+    m_acceptor.open(endpoint.protocol(), code);
+    if (!code)
+        m_acceptor.set_option(boost::asio::socket_base::reuse_address(true), code);
+    if (!code)
+        m_acceptor.bind(endpoint, code);
+    if (!code)
+        m_acceptor.listen(boost::asio::socket_base::max_listen_connections, code);
+    if (code) {
+        *error = "cannot listen on " + address.to_string() + " port " + std::to_string(port) + ": " +
+                 code.message();
+        return false;
+    }
+    accept();
+    return true;
+}
+
+unsigned short PreviewServer::port() const
+{
+    boost::system::error_code code;
+    return m_acceptor.local_endpoint(code).port();
+}
+
+void PreviewServer::accept()
+{
+    m_acceptor.async_accept([this](boost::system::error_code code, boost::asio::ip::tcp::socket socket) {
+        if (code == boost::asio::error::operation_aborted)
+            return;
+        if (code) {
+            logLine(LogLevel::Warning, "vantrel.preview", "cannot accept a reader: " + code.message());
+            m_retry.expires_after(std::chrono::milliseconds(200));
+            m_retry.async_wait([this](boost::system::error_code waited) {
+                if (!waited)
+                    accept();
+            });
+            return;
+        }
+        std::erase_if(m_readers, [](const auto& weak) { return weak.expired(); });
+        if (m_readers.size() >= maxReaders) {
+            logLine(LogLevel::Warning, "vantrel.preview", "too many readers: refusing one");
+        } else {
+            setLinkOptions(socket);
+            // A small send buffer: what lies in it is old by the time it is read.
+            boost::system::error_code ignored;
+            socket.set_option(boost::asio::socket_base::send_buffer_size(512 * 1024), ignored);
+            const auto reader = std::make_shared<Reader>(std::move(socket));
+            m_readers.push_back(reader);
+            reader->watch();
+            for (const auto& [key, frame] : m_latest)
+                reader->offer(key, std::make_shared<const std::string>(previewwire::encode(frame)));
+        }
+        accept();
+    });
+}
+
+void PreviewServer::show(PreviewFrame frame)
+{
+    const std::lock_guard lock(m_mutex);
+    Key key(frame.source, frame.frame.getStreamIndex());
+    m_incoming[std::move(key)] = std::move(frame);
+    if (std::exchange(m_posted, true))
+        return;
+    boost::asio::post(m_io, [this, alive = std::weak_ptr(m_alive)] {
+        if (!alive.expired())
+            distribute();
+    });
+}
+
+void PreviewServer::distribute()
+{
+    std::map<Key, PreviewFrame> frames;
+    {
+        const std::lock_guard lock(m_mutex);
+        frames.swap(m_incoming);
+        m_posted = false;
+    }
+    std::erase_if(m_readers, [](const auto& weak) { return weak.expired(); });
+    for (auto& [key, frame] : frames) {
+        if (!m_readers.empty()) {
+            const auto bytes = std::make_shared<const std::string>(previewwire::encode(frame));
+            for (const auto& weak : m_readers) {
+                if (const auto reader = weak.lock(); reader && !bytes->empty())
+                    reader->offer(key, bytes);
+            }
+        }
+        m_latest[key] = std::move(frame);
+    }
+}
+
+} // namespace vantrel::ombra

@@ -1,0 +1,56 @@
+#pragma once
+
+#include "tarn/preview/frame.h"
+
+#include <boost/asio/io_context.hpp>
+#include <boost/asio/ip/tcp.hpp>
+#include <boost/asio/steady_timer.hpp>
+
+#include <map>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace vantrel::ombra {
+
+/// Streams preview pictures (format: tarn/preview/previewwire.h) to any number of readers. Each reader has at
+/// most one frame on its way; behind it waits only the newest of each source and stream. A new reader gets
+/// the latest pictures at once. Lives on the thread of the io_context; show() may come from any thread.
+class PreviewServer
+{
+public:
+    explicit PreviewServer(boost::asio::io_context& io);
+    ~PreviewServer();
+    PreviewServer(const PreviewServer&) = delete;
+    PreviewServer& operator=(const PreviewServer&) = delete;
+
+    /// False, with the reason, when the port is not to be had. Port 0 takes a free one.
+    bool listen(const boost::asio::ip::address& address, unsigned short port, std::string* error);
+    unsigned short port() const;
+
+    /// A new picture; replaces an earlier one of the same source and stream that was not passed on yet.
+    void show(PreviewFrame frame);
+
+private:
+    class Reader;
+    using Key = std::pair<std::string, int>; // source and stream
+    using Bytes = std::shared_ptr<const std::string>;
+
+    void accept();
+    void distribute();
+
+    boost::asio::io_context& m_io;
+    boost::asio::ip::tcp::acceptor m_acceptor;
+    boost::asio::steady_timer m_retry;
+    std::vector<std::weak_ptr<Reader>> m_readers;
+    std::map<Key, PreviewFrame> m_latest;
+    std::shared_ptr<int> m_alive = std::make_shared<int>(0);
+
+    std::mutex m_mutex; // guards what follows
+    std::map<Key, PreviewFrame> m_incoming;
+    bool m_posted = false;
+};
+
+} // namespace vantrel::ombra

@@ -1,0 +1,239 @@
+#include "ombra/server.h"
+
+#include "ombra/engine/engine.h"
+#include "ombra/link/linkserver.h"
+#include "ombra/outputs/outputs.h"
+#include "ombra/preview/previewserver.h"
+#include "ombra/rest/eventtext.h"
+#include "ombra/rest/httpserver.h"
+#include "ombra/rest/mediadata.h"
+#include "ombra/rest/restapi.h"
+#include "ombra/serverlog.h"
+#include "ombra/show/initiallibrary.h"
+#include "ombra/show/mediawatcher.h"
+#include "ombra/show/scenesettings.h"
+#include "ombra/show/showfiles.h"
+#include "ombra/show/showstore.h"
+#include "ombra/version.h"
+#include "tarn/discovery/networklocator.h"
+
+#include <boost/asio/post.hpp>
+
+#include <chrono>
+
+namespace vantrel::ombra {
+
+namespace {
+
+constexpr auto probeBudget = std::chrono::seconds(3); // of a first start; the rest follows while it serves
+
+/// Probes slots whose media nobody has looked at yet, until the time is over.
+void probeSome(const std::filesystem::path& media, MediaLibrary& library)
+{
+    const auto deadline = std::chrono::steady_clock::now() + probeBudget;
+    const MediaCollectionMap collections = library.getCollections();
+    for (const auto& [index, collection] : collections) {
+        for (const auto& [number, slot] : collection.getSlots()) {
+            if (std::chrono::steady_clock::now() > deadline)
+                return;
+            MediaSlot probed = slot;
+            if (probeSlot(media, probed))
+                library.findCollection(index)->insertMediaSlot(number, probed, true);
+        }
+    }
+}
+
+/// What probing changed of one slot, on condition that it still has the same media.
+Patch probePatch(const MediaAddress& address, const MediaSlot& before, const MediaSlot& after)
+{
+    const std::string base =
+        "/collections/" + std::to_string(address.collection) + "/slots/" + std::to_string(address.slot);
+    Patch patch;
+    PatchOp op;
+    op.op = PatchOpType::Test;
+    op.path = Path(base + "/contentUrl");
+    op.value = before.getUrl();
+    patch.append(op);
+    op.op = PatchOpType::Replace;
+    after.toJson().forEachMember([&](std::string_view key, const Json& value) {
+        if (!(before.toJson().get(key) == value)) {
+            op.path = Path(base + "/" + std::string(key));
+            op.value = value;
+            patch.append(op);
+        }
+        return true;
+    });
+    return patch;
+}
+
+} // namespace
+
+Server::Server(boost::asio::io_context& io, ServerOptions options)
+    : m_io(io)
+    , m_options(std::move(options))
+    , m_scene(makeRef<Scene>())
+{
+}
+
+Server::~Server()
+{
+    m_stopProbing = true;
+    if (m_prober.joinable())
+        m_prober.join();
+    m_engine.reset(); // before what its sink and its scene feed
+}
+
+bool Server::start(std::string* error)
+{
+    std::error_code code;
+    if (!std::filesystem::is_directory(m_options.media, code)) {
+        *error = "there is no media folder " + m_options.media.string();
+        return false;
+    }
+    m_options.media = std::filesystem::canonical(m_options.media, code);
+    if (!openShow(error))
+        return false;
+    m_preview = std::make_unique<PreviewServer>(m_io);
+    m_mediaData = std::make_unique<MediaData>(m_io, m_options.media);
+    m_rest = std::make_unique<RestApi>(*m_store, *m_mediaData, *m_showFiles);
+    const std::string root(RestApi::root);
+    m_http = std::make_unique<HttpServer>(
+        m_io, HttpHandlers{[this](const HttpRequest& request, const HttpAnswer& answer) {
+                               m_rest->handle(request, answer);
+                           },
+                           root + "/sse", root + "/events"});
+    m_link = std::make_unique<LinkServer>(
+        m_io, *m_scene,
+        LinkServer::Handlers{
+            [this](PathView path, const Json& args, std::string* why) { return invoke(path, args, why); },
+            [this](Object* object, const PropertyInfo* property) { propertyWritten(object, property); }});
+    if (!openPorts(error))
+        return false;
+    startEngine();
+    m_settings->apply(m_store->settings(), SceneSettings::sections());
+    m_store->addLibraryListener([this](const Patch& patch) {
+        m_engine->libraryChanged();
+        m_http->broadcastStream(eventStreamMessage(patch));
+    });
+    watchMedia();
+    probeRest();
+    return true;
+}
+
+bool Server::openShow(std::string* error)
+{
+    m_store = std::make_unique<ShowStore>(m_io, m_options.state);
+    const auto makeInitial = [this] {
+        logLine(LogLevel::Info, "vantrel.show", "a new show from " + m_options.media.string());
+        MediaLibrary library = makeInitialLibrary(m_options.media);
+        probeSome(m_options.media, library);
+        return library;
+    };
+    if (!m_store->open(makeInitial, error))
+        return false;
+    m_outputs = std::make_unique<Outputs>(*m_scene);
+    m_outputs->build();
+    m_settings = std::make_unique<SceneSettings>(
+        *m_scene, *m_store,
+        [this](Object* object, const PropertyInfo* property) { propertyWritten(object, property); });
+    m_showFiles = std::make_unique<ShowFiles>(*m_store, *m_settings, *m_outputs, m_options.state);
+    return true;
+}
+
+bool Server::openPorts(std::string* error)
+{
+    if (!m_http->listen(m_options.bind, m_options.httpPort, error) ||
+        !m_link->listen(m_options.bind, m_options.linkPort, error) ||
+        !m_preview->listen(m_options.bind, m_options.previewPort, error))
+        return false;
+    if (m_options.discovery) {
+        m_responder = std::make_unique<NetworkResponder>(
+            m_io, std::map<std::string, std::string>{{"name", hostName()}, {"version", versionText()}});
+        m_responder->start(m_options.bind);
+    }
+    return true;
+}
+
+void Server::startEngine()
+{
+    m_engine.reset(); // never two at once
+    m_engine = std::make_unique<Engine>(m_io, *m_scene, m_store->library(), EngineConfig{m_options.media});
+    m_engine->setPreviewSink([preview = m_preview.get()](PreviewPicture picture) {
+        PreviewFrame frame{std::move(picture.source), Frame(picture.surface.get(), picture.timeNs)};
+        frame.frame.setStreamIndex(picture.stream);
+        preview->show(std::move(frame));
+    });
+}
+
+void Server::watchMedia()
+{
+    m_watcher = std::make_unique<MediaWatcher>(
+        m_io, m_options.media, [this](MediaWatcher::Event event, const std::string& url) {
+            const char* type = event == MediaWatcher::Event::Added     ? "metadata-added"
+                               : event == MediaWatcher::Event::Changed ? "metadata-changed"
+                                                                       : "metadata-removed";
+            m_http->broadcastSocket(Json::object({{"type", type}, {"mediaUrl", url}}).toString());
+        });
+    std::string why;
+    if (!m_watcher->start(&why))
+        logLine(LogLevel::Warning, "vantrel.show", why);
+}
+
+bool Server::invoke(PathView methodPath, const Json& args, std::string* error)
+{
+    if (const auto done = m_outputs->invoke(methodPath, args, error))
+        return *done;
+    const ScenePointer at = m_scene->find(methodPath);
+    if (at.deref() && at.method() && at.deref()->getTypeName() == "ShowConfiguration")
+        return m_showFiles->invoke(at.method()->name, args, error);
+    if (at.deref() && at.method() && at.deref()->getTypeName() == "System" && at.method()->name == "reboot") {
+        logLine(LogLevel::Info, "vantrel.server", "restarting the players");
+        startEngine();
+        return true;
+    }
+    return m_engine->invoke(methodPath, args, error);
+}
+
+void Server::propertyWritten(Object* object, const PropertyInfo* property)
+{
+    m_outputs->propertyWritten(object, property);
+    if (m_engine)
+        m_engine->propertyWritten(object, property);
+}
+
+/// Looks at the media of slots that are still unknown, on a thread of its own, and edits them one by one.
+void Server::probeRest()
+{
+    m_prober = std::thread([this, collections = m_store->library().getCollections()] {
+        for (const auto& [index, collection] : collections) {
+            for (const auto& [number, slot] : collection.getSlots()) {
+                if (m_stopProbing)
+                    return;
+                MediaSlot probed = slot;
+                if (slot.getMediaType() != MediaType::Unknown || !probeSlot(m_options.media, probed))
+                    continue;
+                boost::asio::post(m_io, [this, patch = probePatch({index, number}, slot, probed)] {
+                    m_store->patchLibrary(patch,
+                                          [](const EditResult&) {}); // an edit came first where it fails
+                });
+            }
+        }
+    });
+}
+
+unsigned short Server::httpPort() const
+{
+    return m_http->port();
+}
+
+unsigned short Server::linkPort() const
+{
+    return m_link->port();
+}
+
+unsigned short Server::previewPort() const
+{
+    return m_preview->port();
+}
+
+} // namespace vantrel::ombra

@@ -1,0 +1,88 @@
+#pragma once
+
+#include "tarn/scene/scene.h"
+
+#include <boost/asio/io_context.hpp>
+#include <boost/asio/ip/address.hpp>
+
+#include <atomic>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <thread>
+
+namespace vantrel {
+class NetworkResponder;
+}
+
+namespace vantrel::ombra {
+
+class Engine;
+class HttpServer;
+class LinkServer;
+class MediaData;
+class MediaWatcher;
+class Outputs;
+class PreviewServer;
+class RestApi;
+class SceneSettings;
+class ShowFiles;
+class ShowStore;
+
+struct ServerOptions
+{
+    std::filesystem::path media; // folder
+    std::filesystem::path state; // folder, made where needed
+    boost::asio::ip::address bind = boost::asio::ip::address_v4::loopback();
+    // 0 takes a free one.
+    unsigned short httpPort = 80;
+    unsigned short linkPort = 11060;
+    unsigned short previewPort = 11061;
+    bool discovery = true; // answer searches of the network
+};
+
+/// The whole server: the show, the scene, the players and every interface. Lives on the io_context's thread.
+class Server
+{
+public:
+    Server(boost::asio::io_context& io, ServerOptions options);
+    ~Server();
+    Server(const Server&) = delete;
+    Server& operator=(const Server&) = delete;
+
+    /// Loads the show and opens the ports. False, with the reason in one line, when that cannot be done.
+    bool start(std::string* error);
+
+    unsigned short httpPort() const;
+    unsigned short linkPort() const;
+    unsigned short previewPort() const;
+
+private:
+    bool openShow(std::string* error);
+    bool openPorts(std::string* error);
+    void startEngine();
+    void watchMedia();
+    bool invoke(PathView methodPath, const Json& args, std::string* error);
+    void propertyWritten(Object* object, const PropertyInfo* property);
+    void probeRest();
+
+    boost::asio::io_context& m_io;
+    ServerOptions m_options;
+    Ref<Scene> m_scene;
+    std::unique_ptr<ShowStore> m_store;
+    std::unique_ptr<Outputs> m_outputs;
+    std::unique_ptr<SceneSettings> m_settings;
+    std::unique_ptr<ShowFiles> m_showFiles;
+    std::unique_ptr<PreviewServer> m_preview;
+    std::unique_ptr<Engine> m_engine;
+    std::unique_ptr<MediaData> m_mediaData;
+    std::unique_ptr<RestApi> m_rest;
+    std::unique_ptr<HttpServer> m_http;
+    std::unique_ptr<LinkServer> m_link;
+    std::unique_ptr<MediaWatcher> m_watcher;
+    std::unique_ptr<NetworkResponder> m_responder;
+    std::atomic<bool> m_stopProbing{false};
+    std::thread m_prober;
+};
+
+} // namespace vantrel::ombra

@@ -1,0 +1,155 @@
+#include "ombra/show/scenesettings.h"
+
+#include "ombra/serverlog.h"
+#include "ombra/show/showstore.h"
+
+#include <map>
+#include <string_view>
+#include <vector>
+
+namespace vantrel::ombra {
+
+namespace {
+
+using Properties = std::map<std::string, const char*, std::less<>>; // name to section
+
+/// What lasts of the scene, by the type of the object.
+const std::map<std::string, Properties, std::less<>>& lasting()
+{
+    static const std::map<std::string, Properties, std::less<>> table = {
+        {"Playback",
+         {{"media", "playback"},
+          {"endAction", "playback"},
+          {"volume", "playback"},
+          {"muted", "playback"},
+          {"audioDevice", "audio"}}},
+        {"GpuMapping", {{"target", "output"}, {"defaultScaleMode", "output"}, {"backgroundColor", "output"}}},
+        {"Output",
+         {{"modelineId", "output"},
+          {"maxLinkRate", "output"},
+          {"edidOverride", "output"},
+          {"edidOverrideFilename", "output"}}},
+        {"ShowConfiguration", {{"autoSave", "playback"}, {"autoStartShow", "playback"}}},
+    };
+    return table;
+}
+
+const char* sectionOf(const Object* object, const PropertyInfo* property)
+{
+    const auto type = lasting().find(object->getTypeName());
+    if (type == lasting().end())
+        return nullptr;
+    const auto section = type->second.find(property->name);
+    return section == type->second.end() ? nullptr : section->second;
+}
+
+} // namespace
+
+const std::set<std::string>& SceneSettings::sections()
+{
+    static const std::set<std::string> all = {"output", "audio", "playback"};
+    return all;
+}
+
+SceneSettings::SceneSettings(Scene& scene, ShowStore& store,
+                             std::function<void(Object*, const PropertyInfo*)> written)
+    : m_scene(scene)
+    , m_store(store)
+    , m_written(std::move(written))
+{
+    m_callback = [](Scene*, int count, const SceneChange* changes, void* user) {
+        static_cast<SceneSettings*>(user)->onSceneChange(count, changes);
+    };
+    m_scene.addChangeCallback(m_callback, this);
+}
+
+SceneSettings::~SceneSettings()
+{
+    m_scene.removeChangeCallback(m_callback, this);
+}
+
+void SceneSettings::apply(const Json& settings, const std::set<std::string>& sections)
+{
+    settings.forEachMember([&](std::string_view path, const Json& value) {
+        const ScenePointer at = m_scene.find(path);
+        const char* section = at.deref() && at.property() ? sectionOf(at.deref(), at.property()) : nullptr;
+        if (!section)
+            logLine(LogLevel::Warning, "vantrel.show",
+                    "the show sets what is not here: " + std::string(path));
+        else if (sections.contains(section) && !write(std::string(path), value))
+            logLine(LogLevel::Warning, "vantrel.show", "the show's value does not fit: " + std::string(path));
+        return true;
+    });
+}
+
+bool SceneSettings::write(const std::string& path, const Json& value)
+{
+    const ScenePointer at = m_scene.find(path);
+    Patch patch;
+    PatchOp op;
+    op.op = PatchOpType::Replace;
+    op.path = Path(path);
+    op.value = value;
+    patch.append(op);
+    const Ref<Object> object(at.deref());
+    if (!m_scene.apply(patch, true))
+        return false;
+    m_written(object.get(), at.property());
+    return true;
+}
+
+Json SceneSettings::current() const
+{
+    Json all = Json::object();
+    collect(m_scene.root(), all);
+    return all;
+}
+
+void SceneSettings::collect(const Object* object, Json& out) const
+{
+    for (const PropertyInfo* property : object->getProperties()) {
+        if (!sectionOf(object, property))
+            continue;
+        Path path;
+        Variant value;
+        Json json;
+        if (m_scene.pathOf(object, property, path) && object->getProperty(property, value)) {
+            Json::fromVariant(value, json);
+            out.set(path.toString(), json);
+        }
+    }
+    for (int i = 0; i < object->childCount(); ++i)
+        collect(object->childAt(i), out);
+}
+
+void SceneSettings::resetPlayback()
+{
+    for (const char* side : {"preview", "program"}) {
+        const std::string path = std::string("/device/channels/0/") + side;
+        const Object* playback = m_scene.findObject(path);
+        if (!playback)
+            continue;
+        write(path + "/properties/state", "stop");
+        for (const auto& [name, section] : lasting().at("Playback")) {
+            Json value;
+            Json::fromVariant(playback->findProperty(name)->def, value);
+            write(path + "/properties/" + name, value);
+        }
+    }
+}
+
+void SceneSettings::onSceneChange(int count, const SceneChange* changes)
+{
+    for (int i = 0; i < count; ++i) {
+        if (changes[i].kind != SceneChange::PropertyChanged ||
+            !sectionOf(changes[i].object, changes[i].property))
+            continue;
+        Path path;
+        Json value;
+        Json::fromVariant(changes[i].value, value);
+        if (m_scene.pathOf(changes[i].object, changes[i].property, path))
+            m_store.changeSetting(path.toString(), value);
+    }
+}
+
+} // namespace vantrel::ombra

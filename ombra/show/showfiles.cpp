@@ -1,0 +1,161 @@
+#include "ombra/show/showfiles.h"
+
+#include "ombra/outputs/outputs.h"
+#include "ombra/serverlog.h"
+#include "ombra/show/atomicfile.h"
+#include "ombra/show/scenesettings.h"
+#include "ombra/show/showstore.h"
+#include "ombra/version.h"
+
+#include <set>
+#include <string_view>
+
+namespace vantrel::ombra {
+
+namespace {
+
+constexpr std::string_view formatName = "halcyra-show";
+constexpr std::size_t maxFile = 64u * 1024 * 1024;
+constexpr std::size_t longestName = 80; // bytes; three times that, escaped, must fit a file name
+
+bool fail(std::string* error, const std::string& text)
+{
+    if (error)
+        *error = text;
+    return false;
+}
+
+/// The sections that an import names; false on an unknown one.
+bool parseSections(std::string_view include, std::set<std::string>& out)
+{
+    std::set<std::string> known = SceneSettings::sections();
+    known.insert("medialibrary");
+    if (include.empty())
+        out = known;
+    while (!include.empty()) {
+        const std::size_t comma = include.find(',');
+        const std::string name(include.substr(0, comma));
+        include = comma == std::string_view::npos ? std::string_view() : include.substr(comma + 1);
+        if (!known.contains(name))
+            return false;
+        out.insert(name);
+    }
+    return true;
+}
+
+} // namespace
+
+ShowFiles::ShowFiles(ShowStore& store, SceneSettings& settings, Outputs& outputs,
+                     std::filesystem::path stateFolder)
+    : m_store(store)
+    , m_settings(settings)
+    , m_outputs(outputs)
+    , m_folder(std::move(stateFolder))
+{
+}
+
+std::string ShowFiles::exportShow() const
+{
+    return Json::object({{"format", formatName},
+                         {"version", formatVersion},
+                         {"server", versionText()},
+                         {"library", m_store.library().toJson()},
+                         {"settings", m_settings.current()}})
+        .toString(true);
+}
+
+void ShowFiles::importShow(const std::string& file, const std::string& include, bool forced, Done done)
+{
+    Json show;
+    std::string why;
+    if (!Json::parseString(file, show, &why) || show.get("format").stringView() != formatName)
+        return done(400, "this is no show file" + (why.empty() ? why : ": " + why));
+    std::set<std::string> sections;
+    if (!parseSections(include, sections))
+        return done(400, "unknown section in \"" + include + "\"");
+    if (show.get("version").asInt() != formatVersion && !forced)
+        return done(409, "the show is of another version");
+    MediaLibrary library;
+    if (sections.contains("medialibrary") && !library.parseJson(show.get("library"), &why))
+        return done(422, why);
+    const Json settings = show.get("settings");
+    const auto rest = [this, settings, sections, done](const EditResult& result) {
+        if (result.status != EditResult::Status::Saved)
+            return done(500, result.message);
+        m_settings.apply(settings, sections);
+        done(200, {});
+    };
+    if (sections.contains("medialibrary"))
+        m_store.replaceLibrary(library, rest);
+    else
+        rest({});
+}
+
+bool ShowFiles::invoke(const std::string& method, const Json& args, std::string* error)
+{
+    const std::string name(args.get("showName").stringView());
+    if (name.empty() || name.size() > longestName)
+        return fail(error, "\"showName\" must be a text of 1 to 80 bytes");
+    if (method == "saveShow")
+        return saveShow(name, error);
+    if (method == "revertShow")
+        return revertShow(name, error);
+    if (method == "clearShow") {
+        clearShow();
+        return true;
+    }
+    return fail(error, "unknown method");
+}
+
+bool ShowFiles::saveShow(const std::string& name, std::string* error)
+{
+    const std::filesystem::path path = pathOf(name);
+    std::error_code code;
+    std::filesystem::create_directories(path.parent_path(), code);
+    return writeFileAtomically(path, exportShow(), error);
+}
+
+bool ShowFiles::revertShow(const std::string& name, std::string* error)
+{
+    std::string why;
+    const auto text = readWholeFile(pathOf(name), maxFile, &why);
+    if (!text)
+        return fail(error, why.empty() ? "no show was saved as \"" + name + "\"" : why);
+    importShow(*text, {}, false, [name](unsigned status, const std::string& message) {
+        if (status != 200)
+            logLine(LogLevel::Error, "vantrel.show", "cannot revert to \"" + name + "\": " + message);
+    });
+    return true;
+}
+
+void ShowFiles::clearShow()
+{
+    m_outputs.reset();
+    m_settings.resetPlayback();
+    m_store.replaceLibrary(MediaLibrary(), [](const EditResult& result) {
+        if (result.status != EditResult::Status::Saved)
+            logLine(LogLevel::Error, "vantrel.show", "cannot clear the show: " + result.message);
+    });
+}
+
+std::filesystem::path ShowFiles::pathOf(const std::string& name) const
+{
+    // The name comes from outside: encoded, and "/" and a leading "." with it, it is one harmless file name.
+    std::string file;
+    for (const char c : name) {
+        const bool plain =
+            (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-';
+        if (plain) {
+            file += c;
+        } else {
+            constexpr char digits[] = "0123456789abcdef";
+            const auto byte = static_cast<unsigned char>(c);
+            file += '%';
+            file += digits[byte >> 4];
+            file += digits[byte & 15];
+        }
+    }
+    return m_folder / "shows" / (file + ".show");
+}
+
+} // namespace vantrel::ombra
