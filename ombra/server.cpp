@@ -187,11 +187,24 @@ bool Server::invoke(PathView methodPath, const Json& args, std::string* error)
     if (at.deref() && at.method() && at.deref()->getTypeName() == "ShowConfiguration")
         return m_showFiles->invoke(at.method()->name, args, error);
     if (at.deref() && at.method() && at.deref()->getTypeName() == "System" && at.method()->name == "reboot") {
-        logLine(LogLevel::Info, "vantrel.server", "restarting the players");
-        startEngine();
+        restartPlayers();
         return true;
     }
     return m_engine->invoke(methodPath, args, error);
+}
+
+/// What "reboot" means to this machine: everything stops, and the players start anew with the media that they
+/// had.
+void Server::restartPlayers()
+{
+    logLine(LogLevel::Info, "vantrel.server", "restarting the players");
+    m_engine.reset();
+    for (const char* side : {"preview", "program"})
+        m_scene->replaceProperty(
+            m_scene->find("/device/channels/0/" + std::string(side) + "/properties/state"),
+            Variant::from(SourcePlayState::Stop));
+    startEngine();
+    m_settings->apply(m_settings->current(), {"playback", "audio"});
 }
 
 void Server::propertyWritten(Object* object, const PropertyInfo* property)

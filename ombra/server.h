@@ -61,6 +61,7 @@ private:
     bool openShow(std::string* error);
     bool openPorts(std::string* error);
     void startEngine();
+    void restartPlayers();
     void watchMedia();
     bool invoke(PathView methodPath, const Json& args, std::string* error);
     void propertyWritten(Object* object, const PropertyInfo* property);
