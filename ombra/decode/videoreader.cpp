@@ -8,6 +8,7 @@ namespace vantrel::ombra {
 namespace {
 
 constexpr int damagedPacketsAtMost = 500;
+constexpr double decodedBefore = 1;  // seconds before a sought time from which every picture is decoded
 constexpr double forwardReach = 0.8; // seconds that are decoded rather than sought
 
 } // namespace
@@ -42,9 +43,20 @@ bool VideoReader::seek(double time, Picture& out)
     const double from = m_hasCurrent ? m_currentTime : 0;
     const bool near = (m_hasCurrent || m_hasAhead) && time >= from - tolerance && time < from + forwardReach;
     m_atStart = false;
-    if (!near && !reposition(time))
-        return false;
-    return walkTo(time) && deliver(out);
+    return (near ? walkTo(time) : walkFromKey(time)) && deliver(out);
+}
+
+bool VideoReader::walkFromKey(double time)
+{
+    // Pictures that no other is built on need no decoding far before the time. Where that left out the very
+    // one that still stands then, everything is decoded after all.
+    const double skipped = std::min(time, m_duration > 0 ? m_duration : time) - decodedBefore;
+    m_skipUntil = skipped;
+    const bool found = reposition(time) && walkTo(time);
+    m_skipUntil = 0;
+    if (found && m_currentTime < skipped)
+        return reposition(time) && walkTo(time);
+    return found;
 }
 
 bool VideoReader::next(Picture& out)
@@ -52,11 +64,16 @@ bool VideoReader::next(Picture& out)
     m_atStart = false;
     if (!m_hasAhead && !decodeAhead())
         return false;
+    stepAhead();
+    return deliver(out);
+}
+
+void VideoReader::stepAhead()
+{
     std::swap(m_current, m_ahead);
     m_currentTime = m_aheadTime;
     m_hasCurrent = true;
     m_hasAhead = false;
-    return deliver(out);
 }
 
 bool VideoReader::reposition(double time)
@@ -103,10 +120,7 @@ bool VideoReader::walkTo(double time)
             return m_hasCurrent && !m_input->stopped();
         if (m_hasCurrent && m_aheadTime > time + std::min(tolerance, 0.25 / m_fps))
             return true;
-        std::swap(m_current, m_ahead);
-        m_currentTime = m_aheadTime;
-        m_hasCurrent = true;
-        m_hasAhead = false;
+        stepAhead();
     }
 }
 
@@ -155,6 +169,7 @@ bool VideoReader::feedDecoder()
             return avcodec_send_packet(m_decoder.get(), nullptr) >= 0;
         }
         const bool ours = m_packet->stream_index == m_input->video()->index;
+        m_decoder->skip_frame = isSkipped(*m_packet) ? AVDISCARD_NONREF : AVDISCARD_DEFAULT;
         const int sent = ours ? avcodec_send_packet(m_decoder.get(), m_packet.get()) : 0;
         av_packet_unref(m_packet.get());
         if (sent < 0)
@@ -163,6 +178,12 @@ bool VideoReader::feedDecoder()
             return true;
     }
     return false;
+}
+
+bool VideoReader::isSkipped(const AVPacket& packet) const
+{
+    return m_skipUntil > 0 && m_start && packet.pts != AV_NOPTS_VALUE &&
+           static_cast<double>(packet.pts) * av_q2d(m_input->video()->time_base) - *m_start < m_skipUntil;
 }
 
 bool VideoReader::deliver(Picture& out)

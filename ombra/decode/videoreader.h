@@ -34,6 +34,9 @@ private:
     void rewind();
     /// From m_ahead on, the last picture at or before the time, into m_current.
     bool walkTo(double time);
+    bool walkFromKey(double time);
+    void stepAhead();
+    bool isSkipped(const AVPacket& packet) const;
     bool deliver(Picture& out);
 
     std::unique_ptr<AvInput> m_input;
@@ -50,6 +53,7 @@ private:
     bool m_atStart = true;  // nothing is decoded yet
     bool m_untimed = false; // pictures carry no times: count them from the start
     double m_lastTime = -1; // of the picture decoded last
+    double m_skipUntil = 0; // seconds; pictures before it are decoded only where others need them
     double m_fps = 25;
     double m_duration = 0;
     std::optional<double> m_start; // of the first picture, seconds of the stream's own clock

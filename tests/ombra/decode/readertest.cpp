@@ -80,6 +80,28 @@ private Q_SLOTS:
         QVERIFY(!reader->next(picture));
     }
 
+    void findsPicturesFarFromAKeyAndThoseThatStandLong()
+    {
+        // Ten seconds, one key picture, B pictures; then one in which a picture stands for four seconds.
+        QVERIFY(m_media.make(TestMedia::numbered(10) + TestMedia::h264(999), QStringLiteral("far.mp4")));
+        QVERIFY(
+            m_media.make(QStringList{QStringLiteral("-i"), QString::fromStdString(m_media.file("far.mp4")),
+                                     QStringLiteral("-vf"), QStringLiteral("select='lt(n,76)+gt(n,175)'"),
+                                     QStringLiteral("-vsync"), QStringLiteral("vfr")} +
+                             TestMedia::h264(999),
+                         QStringLiteral("gap.mp4")));
+        for (const char* name : {"far.mp4", "gap.mp4"}) {
+            const auto reader = open(name);
+            QVERIFY2(reader, m_error.c_str());
+            for (const int frame : {249, 100, 77, 74, 75, 173, 230, 60, 190, 9}) {
+                const bool gone = name == QByteArray("gap.mp4") && frame > 75 && frame < 176;
+                Picture picture;
+                QVERIFY(reader->seek(frame / 25.0, picture));
+                QCOMPARE(numberOn(picture.surface.get()), gone ? 75 : frame);
+            }
+        }
+    }
+
     void fitsThePictureIntoTheCanvas_data()
     {
         QTest::addColumn<QStringList>("how");
