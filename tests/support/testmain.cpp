@@ -98,11 +98,13 @@ int main(int argc, char** argv)
     QCoreApplication::setOrganizationName(QStringLiteral("HalcyraTest"));
     QCoreApplication::setApplicationName(QStringLiteral("test-%1").arg(QCoreApplication::applicationPid()));
 
+    // A crash must end the test: the crash handler's debugger may hang on a stopped process for minutes.
+    const QStringList arguments = app.arguments() << QStringLiteral("-nocrashhandler");
     int failures = 0;
     for (const Entry& entry : entries()) {
         const std::unique_ptr<QObject> test(entry.make());
         previous = qInstallMessageHandler(watchMessages);
-        failures += QTest::qExec(test.get(), app.arguments());
+        failures += QTest::qExec(test.get(), arguments);
         qInstallMessageHandler(previous);
         if (const QString verdict = takeVerdict(); !verdict.isEmpty()) {
             ++failures;
