@@ -207,7 +207,7 @@ bool JsonClient::connect(const asio::ip::address& address, unsigned short port, 
     const auto result = fresh->link.connect({address, port}, timeoutMs);
     if (error)
         *error = result.value();
-    if (result)
+    if (result && result != asio::error::operation_aborted)
         m_impl->log("connect", "Connecting to " + address.to_string() + " failed: " + result.message());
     return !result;
 }

@@ -3,7 +3,6 @@
 #include "tests/tarn/logcapture.h"
 
 #include <QTest>
-#include <QUdpSocket>
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/ip/multicast.hpp>
 
@@ -17,10 +16,9 @@ const auto loopback = boost::asio::ip::make_address("127.0.0.1");
 
 quint16 freePort()
 {
-    QUdpSocket socket;
-    if (!socket.bind(QHostAddress::LocalHost, 0))
-        qFatal("no port to be had");
-    return socket.localPort();
+    boost::asio::io_context loop;
+    const boost::asio::ip::udp::socket socket(loop, {loopback, 0});
+    return socket.local_endpoint().port();
 }
 
 /// The peers on the loopback interface; those of the machine's other networks are none of the test's.
