@@ -1,0 +1,281 @@
+#include "common/media/mimedata.h"
+#include "common/playback/endactionwidget.h"
+#include "common/playback/mutebutton.h"
+#include "common/playback/playbackpreview.h"
+#include "common/playback/playbackwidgetheader.h"
+#include "common/playback/takebutton.h"
+#include "common/playback/timecodedisplay.h"
+#include "common/playback/volumecontrolpopup.h"
+#include "common/playback/volumeslider.h"
+#include "common/session/configuration.h"
+#include "common/ui/elidedlabel.h"
+#include "common/ui/ztlabel.h"
+#include "tests/support/testmain.h"
+
+#include <QAbstractButton>
+#include <QDropEvent>
+#include <QMimeData>
+#include <QSignalSpy>
+#include <QTest>
+
+using namespace vantrel;
+using vantrel::test::expectWarning;
+
+class TestSmallControls : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void takeProgressUncoversTheBar_data()
+    {
+        QTest::addColumn<double>("progress");
+        QTest::addColumn<double>("stored");
+        QTest::addColumn<int>("shown");
+        QTest::newRow("nothing") << 0.0 << 0.0 << 0;
+        QTest::newRow("less than half a pixel") << 0.006 << 0.006 << 0;
+        QTest::newRow("half a pixel rounds up") << 0.00625 << 0.00625 << 1;
+        QTest::newRow("half") << 0.5 << 0.5 << 40;
+        QTest::newRow("all") << 1.0 << 1.0 << 80;
+        QTest::newRow("too much") << 1.7 << 1.0 << 80;
+        QTest::newRow("too little") << -0.2 << 0.0 << 0;
+        QTest::newRow("no number") << std::numeric_limits<double>::quiet_NaN() << 0.0 << 0;
+    }
+    void takeProgressUncoversTheBar()
+    {
+        QFETCH(double, progress);
+        QFETCH(double, stored);
+        QFETCH(int, shown);
+        TakeButton button;
+        button.show();
+        QCOMPARE(button.size(), QSize(80, 95));
+        QSignalSpy changed(&button, &TakeButton::takeProgressChanged);
+        button.setTakeProgress(0.25);
+        button.setTakeProgress(progress);
+        const auto* bar = button.findChild<QWidget*>(QStringLiteral("TakeProgressBar"));
+        QCOMPARE(button.takeProgress(), stored);
+        QCOMPARE(bar->isVisible(), shown > 0);
+        if (shown > 0)
+            QCOMPARE(bar->mask().boundingRect(), QRect(0, 0, shown, 95));
+        QCOMPARE(changed.size(), 0);
+    }
+
+    void takeButtonFollowsTheTextSize()
+    {
+        Configuration settings;
+        TakeButton button;
+        const auto* label = button.findChild<QWidget*>(QStringLiteral("TakeLabel"));
+        settings.setValue(TEXT_SIZE, QVariant::fromValue(FontSize::Huge));
+        QCOMPARE(button.size(), QSize(160, 190));
+        QCOMPARE(label->property("fontsize").toString(), QStringLiteral("huge"));
+        settings.resetValue(TEXT_SIZE);
+        QCOMPARE(button.size(), QSize(80, 95));
+    }
+
+    void previewFiltersFrames_data()
+    {
+        QTest::addColumn<QByteArray>("source");
+        QTest::addColumn<int>("stream");
+        QTest::addColumn<bool>("taken");
+        QTest::newRow("its own") << QByteArray("/device/channels/0/preview") << 0 << true;
+        QTest::newRow("another stream") << QByteArray("/device/channels/0/preview") << 1 << false;
+        QTest::newRow("another channel") << QByteArray("/device/channels/0/program") << 0 << false;
+    }
+    void previewFiltersFrames()
+    {
+        QFETCH(QByteArray, source);
+        QFETCH(int, stream);
+        QFETCH(bool, taken);
+        PreviewFrame frame;
+        frame.source = source.toStdString();
+        frame.frame.setStreamIndex(stream);
+        QPixmap picture(160, 90);
+        picture.fill(Qt::red);
+        PlaybackPreview preview;
+        preview.onFrame(frame, picture);
+        QVERIFY(preview.pixmap().isNull()); // no source yet
+        preview.setSource("/device/channels/0/preview", 0);
+        preview.onFrame(frame, picture);
+        QCOMPARE(!preview.pixmap().isNull(), taken);
+    }
+
+    void previewFitsThePicture()
+    {
+        PlaybackPreview preview;
+        preview.setSource("a", 0);
+        PreviewFrame frame;
+        frame.source = "a";
+        QPixmap picture(160, 90);
+        picture.fill(Qt::red);
+        preview.onFrame(frame, picture);
+        preview.resize(320, 320);
+        QCOMPARE(preview.pictureRect(), QRectF(0, 70, 320, 180));
+        QImage image = preview.grab().toImage();
+        QCOMPARE(image.pixelColor(160, 160), QColor(Qt::red));
+        QCOMPARE(image.pixelColor(160, 60), QColor(Qt::black));
+        preview.setResourceConstrained(true);
+        image = preview.grab().toImage();
+        QVERIFY(image.pixelColor(2, 160) != QColor(Qt::red));
+    }
+
+    void previewTakesDrops_data()
+    {
+        QTest::addColumn<QByteArray>("json");
+        QTest::addColumn<int>("drops");
+        QTest::newRow("a playlist") << QByteArray(R"([{"name":"A","number":3,"entryCount":1,"duration":2}])")
+                                    << 1;
+        QTest::newRow("nothing") << QByteArray("[]") << 0;
+        QTest::newRow("no JSON") << QByteArray("oh") << 0;
+    }
+    void previewTakesDrops()
+    {
+        QFETCH(QByteArray, json);
+        QFETCH(int, drops);
+        QMimeData data;
+        data.setData(mimeformat::json, json);
+        data.setData(mimeformat::type, "3");
+        PlaybackPreview preview;
+        QSignalSpy spy(&preview, &PlaybackPreview::dragAndDropEntry);
+        QDropEvent drop(QPointF(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(&preview, &drop);
+        QCOMPARE(spy.size(), drops);
+        if (drops > 0)
+            QVERIFY(spy.first().first().value<std::shared_ptr<GuiMediaItem>>());
+    }
+
+    void headerTellsTheLocation_data()
+    {
+        QTest::addColumn<QString>("address");
+        QTest::addColumn<QString>("text");
+        QTest::newRow("slot") << "brume://collections/1/slots/5"
+                              << "1-5:";
+        QTest::newRow("entry") << "brume://playlists/2/entries/5.1"
+                               << "5.1:";
+        QTest::newRow("nothing") << ""
+                                 << "";
+        QTest::newRow("nonsense") << "file:///a.mp4"
+                                  << "";
+    }
+    void headerTellsTheLocation()
+    {
+        QFETCH(QString, address);
+        PlaybackWidgetHeader header(Preview);
+        header.setObjectNames(QStringLiteral("H"));
+        header.setMediaAddress(QStringLiteral("brume://collections/9/slots/9"));
+        header.setMediaAddress(address);
+        QTEST(header.findChild<ZTLabel*>(QStringLiteral("H-MediaLocation"))->text(), "text");
+        header.setMediaName(QStringLiteral("<b>Walk-in</b>"));
+        QCOMPARE(header.findChild<ElidedLabel*>(QStringLiteral("H-MediaName"))->text(),
+                 QStringLiteral("<b>Walk-in</b>"));
+    }
+
+    void headerSwitchesToInfinite()
+    {
+        PlaybackWidgetHeader header(Program);
+        header.show();
+        QSignalSpy changed(&header, &PlaybackWidgetHeader::hasInfiniteDurationChanged);
+        QVERIFY(header.duration()->isVisible());
+        header.setHasInfiniteDuration(true);
+        header.setHasInfiniteDuration(true);
+        QVERIFY(!header.duration()->isVisible());
+        QCOMPARE(changed.size(), 1);
+        QVERIFY(!PlaybackWidgetHeader(Preview).muteButton());
+    }
+
+    void endActionsFollowTheMode_data()
+    {
+        QTest::addColumn<int>("mode");
+        QTest::addColumn<bool>("disabled");
+        QTest::addColumn<QList<bool>>("enabled"); // next, pause, stop, repeat, go to
+        using B = QList<bool>;
+        QTest::newRow("disabled") << 0 << false << B{false, false, false, false, false};
+        QTest::newRow("entry") << 1 << false << B{true, true, true, true, true};
+        QTest::newRow("slot") << 2 << false << B{false, true, true, true, false};
+        QTest::newRow("infinite media") << 1 << true << B{false, false, false, false, false};
+    }
+    void endActionsFollowTheMode()
+    {
+        QFETCH(int, mode);
+        QFETCH(bool, disabled);
+        QFETCH(QList<bool>, enabled);
+        EndActionWidget widget;
+        widget.setEndActionMode(PlaybackModel::SLOT);
+        widget.QWidget::setDisabled(true);
+        widget.setEndActionMode(mode);
+        widget.QWidget::setDisabled(disabled);
+        QList<bool> states;
+        for (const QAbstractButton* button : widget.findChildren<QAbstractButton*>())
+            states.append(button->isEnabled());
+        QCOMPARE(states, enabled);
+    }
+
+    void endActionTellsOfChangesOnly()
+    {
+        EndActionWidget widget;
+        widget.setObjectNames(QStringLiteral("E"));
+        widget.setEndActionMode(PlaybackModel::ENTRY);
+        QSignalSpy changed(&widget, &EndActionWidget::endActionChanged);
+        auto* repeat = widget.findChild<QAbstractButton*>(QStringLiteral("E-repeat-button"));
+        repeat->click();
+        repeat->click();
+        QCOMPARE(changed.size(), 1);
+        QCOMPARE(widget.endAction(), 3);
+        widget.setEndAction(1);
+        QCOMPARE(changed.size(), 2);
+        QVERIFY(widget.findChild<QAbstractButton*>(QStringLiteral("E-pause-button"))->isChecked());
+        expectWarning(QStringLiteral("Button missing from map in EndActionWidget"));
+        widget.handleButtonPress(nullptr);
+    }
+
+    void volumeTellsDecibels_data()
+    {
+        QTest::addColumn<int>("set");
+        QTest::addColumn<int>("value");
+        QTest::addColumn<QString>("text");
+        QTest::newRow("unity") << 0 << 0 << "+0 dB";
+        QTest::newRow("down") << -12 << -12 << "-12 dB";
+        QTest::newRow("lowest") << -60 << -60 << "Mute";
+        QTest::newRow("below") << -500 << -60 << "Mute";
+        QTest::newRow("above") << 500 << 0 << "+0 dB";
+    }
+    void volumeTellsDecibels()
+    {
+        QFETCH(int, set);
+        VolumeControlPopup popup;
+        popup.slider()->setValue(-3);
+        popup.slider()->setValue(set);
+        QTEST(popup.slider()->value(), "value");
+        QTEST(popup.findChild<ZTLabel*>(QStringLiteral("VolumeIndicator"))->text(), "text");
+    }
+
+    void volumeKeepsTheScenesValue()
+    {
+        VolumeControlPopup popup;
+        QSignalSpy changed(&popup, &VolumeControlPopup::volumeChanged);
+        popup.setVolume(0.4987654321);
+        QCOMPARE(popup.volume(), 0.4987654321); // and not the amplitude of the -6 dB that it shows
+        QCOMPARE(popup.slider()->value(), -6);
+        popup.setVolume(0.4987654321);
+        QCOMPARE(changed.size(), 1);
+        QTest::keyClick(popup.slider(), Qt::Key_Down);
+        QCOMPARE(popup.slider()->value(), -7);
+        QVERIFY(qAbs(popup.volume() - 0.446684) < 1e-6);
+        popup.slider()->setValue(-60);
+        QCOMPARE(popup.volume(), 0.0);
+        QCOMPARE(changed.size(), 3);
+    }
+
+    void muteTellsWishesOnly()
+    {
+        MuteButton button;
+        QSignalSpy wished(&button, &MuteButton::muteStateChanged);
+        button.setMuted(true);
+        QVERIFY(button.isMuted());
+        QCOMPARE(wished.size(), 0);
+        button.click();
+        QCOMPARE(wished.size(), 1);
+        QCOMPARE(wished.first().at(0).toBool(), false);
+    }
+};
+
+HALCYRA_TEST(TestSmallControls)
+#include "test_smallcontrols.moc"
