@@ -51,6 +51,13 @@ TimecodeEdit::TimecodeEdit(QWidget* parent)
     QTimer::singleShot(0, this, [this] { stopEditing(false); });
 }
 
+TimecodeEdit::~TimecodeEdit()
+{
+    // An open field loses the focus while it is destroyed, and would tell of it.
+    for (const ValueWidgets& field : std::as_const(m_fields))
+        field.edit->disconnect(this);
+}
+
 void TimecodeEdit::addField(ValueType type, int maximum)
 {
     ValueWidgets field;

@@ -40,6 +40,7 @@ public:
     };
 
     explicit TimecodeEdit(QWidget* parent = nullptr);
+    ~TimecodeEdit() override;
 
     ClockTime timecode() const { return m_timecode; }
     ClockTime minTimecode() const { return m_minTimecode; }

@@ -1,9 +1,11 @@
 #include "common/ui/mainwindow.h"
 
 #include "common/notification/notificationmanagerimpl.h"
+#include "common/playback/playerplaybackview.h"
 #include "common/session/configuration.h"
 #include "common/session/connectionhandler.h"
 #include "common/session/mainwindowhandle.h"
+#include "common/session/objecttreemodel.h"
 #include "common/session/session.h"
 #include "common/ui/clicktestserver.h"
 #include "common/ui/configurationdialog.h"
@@ -190,8 +192,10 @@ void MainWindow::initMediaView()
 void MainWindow::initPlayerView()
 {
     const QString icon = QStringLiteral(":/icons/mc_play.svg");
-    addView(PlayerTab, tr("PLAYER"), icon, QStringLiteral("MainNavigationBar-player-button"),
-            new PlaceholderView(icon, tr("The player is not part of this version yet."), m_tabs));
+    auto* view = new PlayerPlaybackView(m_tabs);
+    addView(PlayerTab, tr("PLAYER"), icon, QStringLiteral("MainNavigationBar-player-button"), view);
+    if (const Session* session = Session::instance())
+        view->setModel(session->objectTreeModel()->index(QStringLiteral("/device/channels")));
 }
 
 void MainWindow::initConnection()

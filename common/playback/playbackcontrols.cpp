@@ -1,0 +1,241 @@
+#include "common/playback/playbackcontrols.h"
+
+#include "common/command/invokemethodcommand.h"
+#include "common/command/playback/seekcommand.h"
+#include "common/command/playback/stepcommand.h"
+#include "common/playback/playbacklogging.h"
+#include "common/session/session.h"
+#include "common/ui/iconbutton.h"
+#include "tarn/scene/object.h"
+
+#include <QHBoxLayout>
+
+namespace vantrel {
+
+namespace {
+
+constexpr QRgb hoverColor = 0xff2493e6;
+constexpr QRgb pressedColor = 0xff2185d0;
+
+struct ButtonSpec
+{
+    const char* icon;
+    const char* suffix;
+    const char* tip;
+    void (PlaybackControls::*action)();
+};
+
+constexpr std::array<ButtonSpec, 9> specs{{
+    {"mc_set_inpoint", "SetInpoint",
+     QT_TRANSLATE_NOOP("vantrel::PlaybackControls",
+                       "Playback control: Set inpoint to current playhead position"),
+     &PlaybackControls::handleSetInpoint},
+    {"mc_seek_inpoint", "SeekInpoint",
+     QT_TRANSLATE_NOOP("vantrel::PlaybackControls", "Playback control: Seek to inpoint"),
+     &PlaybackControls::handleSeekInpoint},
+    {"mc_previous", "Previous", QT_TRANSLATE_NOOP("vantrel::PlaybackControls", "Playback control: Previous"),
+     &PlaybackControls::handlePrevious},
+    {"mc_pause", "Pause", QT_TRANSLATE_NOOP("vantrel::PlaybackControls", "Playback control: Pause"),
+     &PlaybackControls::handlePause},
+    {"mc_play", "Play", QT_TRANSLATE_NOOP("vantrel::PlaybackControls", "Playback control: Play"),
+     &PlaybackControls::handlePlay},
+    {"mc_stop", "Stop", QT_TRANSLATE_NOOP("vantrel::PlaybackControls", "Playback control: Stop"),
+     &PlaybackControls::handleStop},
+    {"mc_next", "Next", QT_TRANSLATE_NOOP("vantrel::PlaybackControls", "Playback control: Next"),
+     &PlaybackControls::handleNext},
+    {"mc_seek_outpoint", "SeekOutpoint",
+     QT_TRANSLATE_NOOP("vantrel::PlaybackControls", "Playback control: Seek to outpoint"),
+     &PlaybackControls::handleSeekOutpoint},
+    {"mc_set_outpoint", "SetOutpoint",
+     QT_TRANSLATE_NOOP("vantrel::PlaybackControls",
+                       "Playback control: Set outpoint to current playhead position"),
+     &PlaybackControls::handleSetOutpoint},
+}};
+
+} // namespace
+
+PlaybackControls::PlaybackControls(PlaybackViewMode viewMode, QWidget* parent)
+    : ZTFrame(parent)
+    , m_viewMode(viewMode)
+    , m_layout(new QHBoxLayout(this))
+{
+    static_assert(specs.size() == ButtonCount);
+    m_layout->setContentsMargins(0, 0, 0, 0);
+    m_layout->setSpacing(4);
+    m_layout->addStretch(1);
+    const QString channel = viewMode == Program ? QStringLiteral("Program") : QStringLiteral("Preview");
+    for (int i = 0; i < ButtonCount; ++i) {
+        const ButtonSpec& spec = specs[i];
+        const QString icon = QStringLiteral(":/icons/") + QLatin1String(spec.icon);
+        auto* button =
+            new IconButton(icon + QStringLiteral(".svg"), icon + QStringLiteral("_disabled.svg"), this);
+        button->setObjectName(channel + QStringLiteral("-PlaybackControls-") + QLatin1String(spec.suffix));
+        button->setToolTip(tr(spec.tip));
+        button->setAccessibleName(tr(spec.tip));
+        if (i == Pause || i == Play || i == Stop)
+            button->setCheckable(true);
+        else
+            button->setEffects(QColor(hoverColor), QColor(pressedColor));
+        connect(button, &QPushButton::clicked, this, spec.action);
+        m_layout->addWidget(button);
+        m_buttons[i] = button;
+    }
+    m_layout->addStretch(1);
+    if (viewMode == Program) {
+        m_buttons[SetIn]->hide();
+        m_buttons[SetOut]->hide();
+    }
+}
+
+PlaybackControls::~PlaybackControls() = default;
+
+void PlaybackControls::setState(const QString& state)
+{
+    m_state = state;
+    const bool isKnown =
+        state == QLatin1String("play") || state == QLatin1String("pause") || state == QLatin1String("stop");
+    if (isKnown) {
+        m_buttons[Play]->setChecked(state == QLatin1String("play"));
+        m_buttons[Pause]->setChecked(state == QLatin1String("pause"));
+        m_buttons[Stop]->setChecked(state == QLatin1String("stop"));
+    } else {
+        qCWarning(lcPlayback) << "Unknown state" << state;
+    }
+    Q_EMIT stateChangeDone();
+}
+
+void PlaybackControls::setObject(Object* object)
+{
+    m_object = Ref<Object>(object);
+}
+
+std::array<IconButton*, 4> PlaybackControls::seekButtons() const
+{
+    return {m_buttons[SeekIn], m_buttons[SeekOut], m_buttons[SetIn], m_buttons[SetOut]};
+}
+
+void PlaybackControls::setSeekButtonsVisible(bool visible)
+{
+    for (IconButton* button : seekButtons())
+        button->setVisible(visible);
+}
+
+void PlaybackControls::setSeekButtonsEnabled(bool enabled)
+{
+    for (IconButton* button : seekButtons())
+        button->setEnabled(enabled);
+}
+
+void PlaybackControls::handleSetInpoint()
+{
+    Q_EMIT setInpoint();
+}
+
+void PlaybackControls::handleSetOutpoint()
+{
+    Q_EMIT setOutpoint();
+}
+
+void PlaybackControls::handlePause()
+{
+    setState(QStringLiteral("pause"));
+    Q_EMIT stateChanged();
+}
+
+void PlaybackControls::handlePlay()
+{
+    setState(QStringLiteral("play"));
+    Q_EMIT stateChanged();
+}
+
+void PlaybackControls::handleStop()
+{
+    setState(QStringLiteral("stop"));
+    Q_EMIT stateChanged();
+}
+
+void PlaybackControls::handleSeekInpoint()
+{
+    invoke(QStringLiteral("seekInpoint"), tr("Seek inpoint"));
+}
+
+void PlaybackControls::handleSeekOutpoint()
+{
+    invoke(QStringLiteral("seekOutpoint"), tr("Seek outpoint"));
+}
+
+void PlaybackControls::handlePrevious()
+{
+    invoke(QStringLiteral("prevMedia"), tr("Previous"));
+}
+
+void PlaybackControls::handleNext()
+{
+    invoke(QStringLiteral("nextMedia"), tr("Next"));
+}
+
+void PlaybackControls::handlePrevFrame()
+{
+    step(-1);
+}
+
+void PlaybackControls::handleNextFrame()
+{
+    step(1);
+}
+
+void PlaybackControls::handleSeekPosition(double position)
+{
+    auto command = std::make_unique<SeekCommand>();
+    if (!command->init(m_object.get(), position)) {
+        qCWarning(lcPlayback) << "Failed to init SeekCommand";
+        return;
+    }
+    push(std::move(command));
+    Q_EMIT seekPosition();
+}
+
+void PlaybackControls::handleSeekStarting()
+{
+    m_stateBeforeSeek = m_state;
+    setState(QStringLiteral("pause"));
+    Q_EMIT stateChanged();
+}
+
+void PlaybackControls::handleSeekEnding()
+{
+    // A stopped channel is left paused, so that the picture just sought stays.
+    if (m_stateBeforeSeek == QLatin1String("play"))
+        handlePlay();
+    else
+        handlePause();
+}
+
+void PlaybackControls::invoke(const QString& method, const QString& text)
+{
+    auto command = std::make_unique<InvokeMethodCommand>();
+    if (!command->init(m_object.get(), method, {})) {
+        const QString name = method.startsWith(QLatin1String("seek")) ? text.toLower() : method;
+        qCWarning(lcPlayback).noquote() << "Failed to init" << name;
+        return;
+    }
+    command->setText(text);
+    push(std::move(command));
+}
+
+void PlaybackControls::step(int frames)
+{
+    auto command = std::make_unique<StepCommand>();
+    if (!command->init(m_object.get(), frames)) {
+        qCWarning(lcPlayback) << "Failed to init StepCommand";
+        return;
+    }
+    push(std::move(command));
+}
+
+void PlaybackControls::push(std::unique_ptr<AbstractSessionCommand> command)
+{
+    Session::instance()->executeCommand(command.release());
+}
+
+} // namespace vantrel

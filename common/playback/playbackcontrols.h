@@ -1,0 +1,78 @@
+#pragma once
+
+#include "common/ui/ztframe.h"
+#include "tarn/media/enums.h"
+#include "tarn/ref.h"
+
+#include <array>
+#include <memory>
+
+class QHBoxLayout;
+
+namespace vantrel {
+
+class AbstractSessionCommand;
+class IconButton;
+class Object;
+
+/// The transport of a channel. The state follows the scene through the property "state"; the operator's click
+/// sets it at once, and the server's next word decides. Owned by PlaybackWidget; main thread.
+class PlaybackControls : public ZTFrame
+{
+    Q_OBJECT
+    Q_PROPERTY(QString state READ state WRITE setState NOTIFY stateChanged)
+
+public:
+    explicit PlaybackControls(PlaybackViewMode viewMode, QWidget* parent = nullptr);
+    ~PlaybackControls() override;
+
+    QString state() const { return m_state; }
+    /// "play", "pause" or "stop"; anything else is logged and leaves the buttons alone.
+    void setState(const QString& state);
+    /// The playback object that the commands go to, or null.
+    void setObject(Object* object);
+    void setSeekButtonsVisible(bool visible);
+    void setSeekButtonsEnabled(bool enabled);
+
+public Q_SLOTS:
+    void handleSeekInpoint();
+    void handleSetInpoint();
+    void handlePrevFrame();
+    void handlePrevious();
+    void handlePause();
+    void handlePlay();
+    void handleStop();
+    void handleNext();
+    void handleNextFrame();
+    void handleSeekOutpoint();
+    void handleSetOutpoint();
+    /// Seconds.
+    void handleSeekPosition(double position);
+    void handleSeekStarting();
+    void handleSeekEnding();
+
+Q_SIGNALS:
+    /// The operator chose another state; "state" goes to the scene.
+    void stateChanged();
+    void stateChangeDone();
+    void setInpoint();
+    void seekPosition();
+    void setOutpoint();
+
+private:
+    enum Button { SetIn, SeekIn, Previous, Pause, Play, Stop, Next, SeekOut, SetOut, ButtonCount };
+
+    void invoke(const QString& method, const QString& text);
+    void step(int frames);
+    void push(std::unique_ptr<AbstractSessionCommand> command);
+    std::array<IconButton*, 4> seekButtons() const;
+
+    PlaybackViewMode m_viewMode;
+    QHBoxLayout* m_layout;
+    std::array<IconButton*, ButtonCount> m_buttons{};
+    QString m_state = QStringLiteral("play");
+    QString m_stateBeforeSeek = QStringLiteral("play");
+    Ref<Object> m_object;
+};
+
+} // namespace vantrel

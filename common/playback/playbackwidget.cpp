@@ -1,0 +1,272 @@
+#include "common/playback/playbackwidget.h"
+
+#include "common/command/playback/mutecommand.h"
+#include "common/media/defaultresourcestatusprovider.h"
+#include "common/media/mediadataaggregator.h"
+#include "common/media/playbackmodel.h"
+#include "common/playback/durationeditwidget.h"
+#include "common/playback/endactionwidget.h"
+#include "common/playback/endpointtimecodes.h"
+#include "common/playback/mutebutton.h"
+#include "common/playback/playbackcontrols.h"
+#include "common/playback/playbackpreview.h"
+#include "common/playback/playbacktimecodes.h"
+#include "common/playback/playbackwidgetfooter.h"
+#include "common/playback/playbackwidgetheader.h"
+#include "common/playback/seekslider.h"
+#include "common/playback/timecodedisplay.h"
+#include "common/playback/volumecontrolpopup.h"
+#include "common/session/guiplayback.h"
+#include "common/session/objectmodelmapper.h"
+#include "common/session/previewthread.h"
+#include "common/session/sceneobjectprovider.h"
+#include "common/session/session.h"
+#include "common/ui/dynamicstyle.h"
+#include "common/ui/propertiesmapper.h"
+#include "tarn/scene/scene.h"
+
+#include <QEvent>
+#include <QVBoxLayout>
+
+namespace vantrel {
+
+namespace {
+
+constexpr QRgb programColor = 0xffd3191d;
+
+} // namespace
+
+PlaybackWidget::PlaybackWidget(PlaybackViewMode viewMode, QWidget* parent)
+    : ZTFrame(parent)
+    , m_model(viewMode == Preview ? Session::instance()->previewPlaybackModel()
+                                  : Session::instance()->programPlaybackModel())
+    , m_playback(viewMode == Preview ? Session::instance()->sceneObjectProvider()->previewPlayback()
+                                     : Session::instance()->sceneObjectProvider()->programPlayback())
+    , m_viewMode(viewMode)
+    , m_propertiesMapper(new PropertiesMapper(this))
+    , m_resourceStatusProvider(Session::instance()->resourceStatusProvider())
+{
+    setDynamicStyle(this, "class", QStringLiteral("panel"));
+    setDynamicStyle(this, "mode", isPreview() ? QStringLiteral("preview") : QStringLiteral("program"));
+    setDynamicStyle(this, "hasfocus", QStringLiteral("false"));
+    installEventFilter(this);
+    setFocusPolicy(Qt::StrongFocus);
+    createChildren();
+    layOut();
+    nameChildren();
+    connectChildren();
+    connectSources();
+
+    auto* mapper = new ObjectModelMapper(m_model, this);
+    mapper->addMapping(m_footer->endAction(), QStringLiteral("endAction"), PlaybackModel::EndActionColumn);
+    mapper->addMapping(m_footer->endAction(), QStringLiteral("endActionMode"),
+                       PlaybackModel::EndActionModeColumn);
+    mapper->toFirst();
+
+    for (int column = PlaybackModel::MediaUrlColumn; column < PlaybackModel::ColumnCount; ++column)
+        applyCell(column, m_model->index(0, column).data());
+    handleMediaChanged();
+    refreshPlaybackControls();
+}
+
+PlaybackWidget::~PlaybackWidget() = default;
+
+void PlaybackWidget::createChildren()
+{
+    m_header = new PlaybackWidgetHeader(m_viewMode, this);
+    m_preview = new PlaybackPreview(this);
+    m_timecodes = new PlaybackTimecodes(this);
+    m_endpoints = new EndpointTimecodes(this);
+    m_slider = new SeekSlider(this);
+    m_controls = new PlaybackControls(m_viewMode, this);
+    m_durationEdit = new DurationEditWidget(this);
+    m_footer = new PlaybackWidgetFooter(m_viewMode, this);
+    m_slider->setInpointOutpointEnabled(isPreview());
+    if (!isPreview())
+        m_slider->setMarkerColor(QColor(programColor));
+    m_durationEdit->setEnabled(isPreview());
+}
+
+void PlaybackWidget::layOut()
+{
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(8, 8, 8, 0);
+    layout->setSpacing(6);
+    layout->addWidget(m_header);
+    layout->addWidget(m_preview, 1);
+    layout->addWidget(m_timecodes);
+    layout->addWidget(m_slider);
+    layout->addWidget(m_endpoints);
+    layout->addWidget(m_durationEdit);
+    layout->addWidget(m_controls);
+    layout->addWidget(m_footer);
+}
+
+void PlaybackWidget::nameChildren()
+{
+    const QString prefix = (isPreview() ? QStringLiteral("Preview") : QStringLiteral("Program")) +
+                           QStringLiteral("-PlaybackWidget-");
+    setObjectName(prefix.chopped(1));
+    m_slider->setObjectNames(prefix + QStringLiteral("SeekSlider"));
+    m_preview->setObjectName(prefix + QStringLiteral("PreviewWidget"));
+    m_timecodes->setObjectNames(prefix + QStringLiteral("PlaybackTimecodes"));
+    m_endpoints->setObjectNames(prefix + QStringLiteral("EndpointTimecodes"));
+    m_footer->setObjectNames(prefix + QStringLiteral("Footer"));
+    m_durationEdit->setObjectNames(prefix + QStringLiteral("DurationEdit"));
+    m_header->setObjectNames(prefix + QStringLiteral("Header"));
+}
+
+void PlaybackWidget::connectChildren()
+{
+    connect(m_durationEdit, &DurationEditWidget::durationEdited, this,
+            &PlaybackWidget::handleDurationChanged);
+    connect(m_controls, &PlaybackControls::setInpoint, m_slider, &SeekSlider::handleInpointSetting);
+    connect(m_controls, &PlaybackControls::setOutpoint, m_slider, &SeekSlider::handleOutpointSetting);
+    connect(m_slider, &SeekSlider::inpointSet, this, &PlaybackWidget::handleInpointSet);
+    connect(m_slider, &SeekSlider::outpointSet, this, &PlaybackWidget::handleOutpointSet);
+    connect(m_slider, &SeekSlider::seekPosition, m_controls, &PlaybackControls::handleSeekPosition);
+    connect(m_slider, &SeekSlider::seekStarting, m_controls, &PlaybackControls::handleSeekStarting);
+    connect(m_slider, &SeekSlider::seekEnding, m_controls, &PlaybackControls::handleSeekEnding);
+    connect(m_preview, &PlaybackPreview::dragAndDropEntry, this, &PlaybackWidget::handleDragAndDrop);
+}
+
+void PlaybackWidget::setObject(Object* object, Scene* scene)
+{
+    m_propertiesMapper->setObject(scene, object);
+    m_controls->setObject(object);
+    if (!object) {
+        connectMute({});
+        m_preview->setSource({}, -1);
+        return;
+    }
+    m_propertiesMapper->addMapping(QStringLiteral("state"), m_controls, "state");
+    m_propertiesMapper->addMapping(QStringLiteral("sourceMode"), m_model, "sourceMode");
+    m_propertiesMapper->addMapping(QStringLiteral("volume"), m_footer->volumeControlPopup(), "volume");
+    if (m_header->muteButton())
+        m_propertiesMapper->addMapping(QStringLiteral("muted"), m_header->muteButton(), "muted");
+    m_propertiesMapper->addMapping(QStringLiteral("resourceConstrained"), this, "isResourceConstrained");
+
+    Path path;
+    if (scene)
+        scene->pathOf(object, path);
+    connectMute(path);
+    m_preview->setSource(path.toString(), 0);
+}
+
+void PlaybackWidget::connectMute(const Path& objectPath)
+{
+    MuteButton* button = m_header->muteButton();
+    if (!button)
+        return;
+    disconnect(button, &MuteButton::muteStateChanged, this, nullptr);
+    connect(button, &MuteButton::muteStateChanged, this, [button, objectPath](bool muted) {
+        if (button->isMuted() != muted)
+            button->setMuted(muted);
+        auto command = std::make_unique<MuteCommand>();
+        if (command->init(objectPath, muted))
+            Session::instance()->executeCommand(command.release());
+    });
+}
+
+void PlaybackWidget::setIsResourceConstrained(bool constrained)
+{
+    if (!isPreview() || constrained == m_isResourceConstrained)
+        return;
+    m_isResourceConstrained = constrained;
+    m_preview->setResourceConstrained(constrained);
+    if (m_resourceStatusProvider)
+        m_resourceStatusProvider->setIsConstrained(m_viewMode, constrained);
+    Q_EMIT isResourceConstrainedChanged();
+}
+
+void PlaybackWidget::setHasValidMedia(bool valid)
+{
+    m_controls->setEnabled(valid);
+    m_slider->setEnabled(valid);
+    m_hasValidMedia = valid;
+}
+
+double PlaybackWidget::modelSeconds(int column) const
+{
+    return m_model->index(0, column).data().toDouble();
+}
+
+void PlaybackWidget::resetEndPoints()
+{
+    m_slider->setOutpoint(modelSeconds(PlaybackModel::OutpointColumn));
+    m_slider->setInpoint(modelSeconds(PlaybackModel::InpointColumn));
+}
+
+void PlaybackWidget::onPlaybackDataChanged(const QModelIndex& topLeft, const QModelIndex&, const QList<int>&)
+{
+    const QVariant value = topLeft.data();
+    if (value.isValid() && topLeft.column() < PlaybackModel::ColumnCount)
+        applyCell(topLeft.column(), value);
+}
+
+void PlaybackWidget::applyCell(int column, const QVariant& value)
+{
+    const double seconds = value.toDouble();
+    switch (column) {
+    case PlaybackModel::PlaylistNumberColumn:
+    case PlaybackModel::EntryAddressColumn:
+    case PlaybackModel::ReservedColumn:
+        refreshPlaybackControls();
+        break;
+    case PlaybackModel::MediaUrlColumn:
+        m_mediaAddress = value.toString();
+        updateMediaAddress();
+        m_header->duration()->setTime(modelSeconds(PlaybackModel::DurationColumn));
+        resetEndPoints();
+        refreshPlaybackControls();
+        break;
+    case PlaybackModel::InpointColumn:
+        m_endpoints->inpoint()->setTime(seconds);
+        m_slider->setInpoint(seconds);
+        break;
+    case PlaybackModel::OutpointColumn:
+        m_endpoints->outpoint()->setTime(seconds);
+        m_timecodes->setOutpoint(seconds);
+        m_slider->setOutpoint(seconds);
+        break;
+    case PlaybackModel::DurationColumn:
+        m_header->duration()->setTime(seconds);
+        m_slider->setDuration(seconds);
+        resetEndPoints();
+        refreshPlaybackControls();
+        break;
+    case PlaybackModel::MediaPositionColumn:
+        m_timecodes->setPosition(seconds);
+        m_slider->setPosition(seconds);
+        break;
+    case PlaybackModel::FpsColumn:
+        m_header->duration()->setFps(seconds);
+        m_timecodes->setFps(seconds);
+        m_endpoints->inpoint()->setFps(seconds);
+        m_endpoints->outpoint()->setFps(seconds);
+        break;
+    default:
+        break;
+    }
+}
+
+void PlaybackWidget::handleInpointSet(double seconds)
+{
+    m_model->setData(m_model->index(0, PlaybackModel::InpointColumn), seconds, Qt::EditRole);
+}
+
+void PlaybackWidget::handleOutpointSet(double seconds)
+{
+    m_model->setData(m_model->index(0, PlaybackModel::OutpointColumn), seconds, Qt::EditRole);
+}
+
+bool PlaybackWidget::eventFilter(QObject* watched, QEvent* event)
+{
+    if (watched == this && event->type() == QEvent::FocusIn)
+        setDynamicStyle(this, "hasfocus", QStringLiteral("true"));
+    else if (watched == this && event->type() == QEvent::FocusOut)
+        setDynamicStyle(this, "hasfocus", QStringLiteral("false"));
+    return ZTFrame::eventFilter(watched, event);
+}
+
+} // namespace vantrel

@@ -1,0 +1,123 @@
+#pragma once
+
+#include "common/ui/ztframe.h"
+#include "tarn/media/enums.h"
+
+#include <QModelIndex>
+#include <QPointer>
+#include <QUrl>
+
+#include <memory>
+
+namespace vantrel {
+
+class DefaultResourceStatusProvider;
+class DurationEditWidget;
+class EndpointTimecodes;
+class GUIPlayback;
+class GuiMediaItem;
+class MediaMetadata;
+class Object;
+class Path;
+class PlaybackControls;
+class PlaybackModel;
+class PlaybackPreview;
+class PlaybackTimecodes;
+class PlaybackWidgetFooter;
+class PlaybackWidgetHeader;
+class PropertiesMapper;
+class Scene;
+class SeekSlider;
+
+/// One channel as the operator handles it: picture, timeline, transport, volume and end action. It holds no
+/// state of its own; the truth is the channel's scene object, seen through its model. Owned by ChannelWidget;
+/// main thread.
+class PlaybackWidget : public ZTFrame
+{
+    Q_OBJECT
+    Q_PROPERTY(bool isResourceConstrained READ isResourceConstrained WRITE setIsResourceConstrained NOTIFY
+                   isResourceConstrainedChanged)
+
+public:
+    explicit PlaybackWidget(PlaybackViewMode viewMode, QWidget* parent = nullptr);
+    ~PlaybackWidget() override;
+
+    /// Binds the widgets to a playback object of the scene.
+    void setObject(Object* object, Scene* scene);
+    /// The address (brume URL) of what plays.
+    QString mediaAddress() const { return m_mediaAddress; }
+    /// Whether it exists in the library.
+    bool hasValidMedia() const { return m_hasValidMedia; }
+    void setHasValidMedia(bool valid);
+    /// Followed on preview alone.
+    bool isResourceConstrained() const { return m_isResourceConstrained; }
+    void setIsResourceConstrained(bool constrained);
+    void resetEndPoints();
+    /// Null while nothing plays or the metadata has not come yet.
+    std::shared_ptr<MediaMetadata> getMediaMetadata() const;
+    /// The slot behind what plays; empty when there is none.
+    QString getPlayedSlotUrl() const;
+
+    PlaybackPreview* preview() const { return m_preview; }
+    PlaybackControls* controls() const { return m_controls; }
+    SeekSlider* slider() const { return m_slider; }
+
+public Q_SLOTS:
+    /// Takes the library's mark off the slot that was on this channel.
+    void clearMediaState();
+    void onPlaybackDataChanged(const QModelIndex& topLeft, const QModelIndex& bottomRight,
+                               const QList<int>& roles);
+    /// Seconds.
+    void handleInpointSet(double seconds);
+    void handleOutpointSet(double seconds);
+    void handlePlaylistReset();
+    void handleDragAndDrop(std::shared_ptr<vantrel::GuiMediaItem> item);
+    void handleMediaChanged();
+    void handleMetadataChanged(QUrl url, std::shared_ptr<vantrel::MediaMetadata> metadata);
+    /// What is enabled and shown for the kind of media that plays.
+    void refreshPlaybackControls();
+    void handleDurationChanged();
+
+Q_SIGNALS:
+    /// The number of the playlist that plays, -1 when none does.
+    void mediaAddressPlaylist(int playlistNumber);
+    void dropObjectReceived(std::shared_ptr<vantrel::GuiMediaItem> item);
+    void isResourceConstrainedChanged();
+    void stillImageDurationChanged(double durationSeconds, bool isInfinite);
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    bool isPreview() const { return m_viewMode == Preview; }
+    void createChildren();
+    void layOut();
+    void nameChildren();
+    void connectChildren();
+    void connectSources();
+    void connectMute(const Path& objectPath);
+    void updateMediaAddress();
+    bool findMediaName(QString& name) const;
+    double modelSeconds(int column) const;
+    void applyCell(int column, const QVariant& value);
+    void playDroppedItem(const GuiMediaItem& item);
+
+    PlaybackModel* m_model;
+    QPointer<GUIPlayback> m_playback;
+    PlaybackViewMode m_viewMode;
+    PlaybackWidgetHeader* m_header = nullptr;
+    PlaybackPreview* m_preview = nullptr;
+    PlaybackTimecodes* m_timecodes = nullptr;
+    EndpointTimecodes* m_endpoints = nullptr;
+    SeekSlider* m_slider = nullptr;
+    PlaybackControls* m_controls = nullptr;
+    PlaybackWidgetFooter* m_footer = nullptr;
+    DurationEditWidget* m_durationEdit = nullptr;
+    PropertiesMapper* m_propertiesMapper;
+    QString m_mediaAddress;
+    bool m_hasValidMedia = false;
+    bool m_isResourceConstrained = false;
+    DefaultResourceStatusProvider* m_resourceStatusProvider;
+};
+
+} // namespace vantrel

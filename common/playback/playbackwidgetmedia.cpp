@@ -1,0 +1,240 @@
+// What PlaybackWidget shows and allows for the media on its channel.
+#include "common/command/playback/playmediacommand.h"
+#include "common/media/abstractplaylistprovider.h"
+#include "common/media/guimediaslot.h"
+#include "common/media/guiplaylist.h"
+#include "common/media/guiplaylistentry.h"
+#include "common/media/implmediacollectionmanager.h"
+#include "common/media/mediadataaggregator.h"
+#include "common/media/medialibrarymodel.h"
+#include "common/media/mediautils.h"
+#include "common/media/playbackmodel.h"
+#include "common/media/playlistprovider.h"
+#include "common/playback/durationeditwidget.h"
+#include "common/playback/endactionwidget.h"
+#include "common/playback/endpointtimecodes.h"
+#include "common/playback/playbackcontrols.h"
+#include "common/playback/playbacklogging.h"
+#include "common/playback/playbackpreview.h"
+#include "common/playback/playbacktimecodes.h"
+#include "common/playback/playbackwidget.h"
+#include "common/playback/playbackwidgetfooter.h"
+#include "common/playback/playbackwidgetheader.h"
+#include "common/playback/seekslider.h"
+#include "common/session/guiplayback.h"
+#include "common/session/previewthread.h"
+#include "common/session/session.h"
+#include "common/session/signalrelay.h"
+#include "tarn/media/medialibrary.h"
+#include "tarn/media/mediametadata.h"
+
+namespace vantrel {
+
+using media::MediaUtils;
+
+void PlaybackWidget::connectSources()
+{
+    const Session* session = Session::instance();
+    connect(m_model, &PlaybackModel::dataChanged, this, &PlaybackWidget::onPlaybackDataChanged);
+    connect(session->preview(), &PreviewThread::previewFrame, m_preview, &PlaybackPreview::onFrame);
+    connect(session->playlistProvider(), &PlaylistProvider::reset, this,
+            &PlaybackWidget::handlePlaylistReset);
+    if (const MediaDataAggregator* aggregator = session->mediaDataAggregator())
+        connect(aggregator, &MediaDataAggregator::metadataChanged, this,
+                &PlaybackWidget::handleMetadataChanged);
+    if (m_playback)
+        connect(m_playback, &GUIPlayback::mediaChanged, this, &PlaybackWidget::handleMediaChanged);
+}
+
+std::shared_ptr<MediaMetadata> PlaybackWidget::getMediaMetadata() const
+{
+    const auto slot = m_playback ? m_playback->playingSlot() : nullptr;
+    MediaDataAggregator* aggregator = Session::instance()->mediaDataAggregator();
+    return slot && aggregator ? aggregator->metadata(slot->contentUrl()) : nullptr;
+}
+
+void PlaybackWidget::updateMediaAddress()
+{
+    if (MediaUtils::isPlaylistAddress(m_mediaAddress)) {
+        const auto entry = MediaUtils::parsePlaylistAddress(m_mediaAddress);
+        Q_EMIT mediaAddressPlaylist(entry.valid ? entry.playlist : -1);
+    } else {
+        Q_EMIT mediaAddressPlaylist(-1);
+    }
+    if (!MediaUtils::isMediaAddress(m_mediaAddress)) {
+        setHasValidMedia(false);
+        clearMediaState();
+        m_header->setMediaAddress({});
+        m_header->setMediaName({});
+        return;
+    }
+    QString name;
+    const bool isFound = findMediaName(name);
+    setHasValidMedia(isFound);
+    m_header->setMediaAddress(isFound ? m_mediaAddress : QString());
+    m_header->setMediaName(isFound ? name : QString());
+}
+
+bool PlaybackWidget::findMediaName(QString& name) const
+{
+    MediaLibraryModel* library = Session::instance()->mediaLibraryModel();
+    const QModelIndex index = library->getSlotIndexFromMediaAddress(m_mediaAddress);
+    if (!index.isValid()) {
+        qCWarning(lcPlayback) << "Invalid model index, Failed to acquire media name";
+        return false;
+    }
+    const QVariant slot = library->data(index, MediaLibraryModel::NumberRole);
+    if (!slot.isValid() || slot.toInt() < 1) {
+        qCWarning(lcPlayback) << "Invalid slot number, cannot use:" << slot;
+        return false;
+    }
+    const QVariant text = library->data(index, MediaLibraryModel::NameRole);
+    if (!text.isValid()) {
+        qCWarning(lcPlayback) << "Invalid model name, Failed to acquire media name";
+        return false;
+    }
+    if (!text.canConvert<QString>()) {
+        qCWarning(lcPlayback) << "Invalid name, cannot use:" << text;
+        return false;
+    }
+    name = text.toString();
+    if (name.isEmpty())
+        name = tr("Unnamed media");
+    return true;
+}
+
+void PlaybackWidget::clearMediaState()
+{
+    MediaLibraryModel* library = Session::instance()->mediaLibraryModel();
+    if (isPreview())
+        library->setPreviewState(0, QString(), m_controls->state());
+    else
+        library->setProgramState(0, QString(), m_controls->state());
+}
+
+void PlaybackWidget::handlePlaylistReset()
+{
+    // A library that comes late heals a channel that knew no name.
+    if (!m_hasValidMedia)
+        updateMediaAddress();
+}
+
+void PlaybackWidget::handleMediaChanged()
+{
+    const auto slot = m_playback ? m_playback->playingSlot() : nullptr;
+    if (slot)
+        handleMetadataChanged(slot->contentUrl(), getMediaMetadata());
+}
+
+void PlaybackWidget::handleMetadataChanged(QUrl url, std::shared_ptr<MediaMetadata> metadata)
+{
+    const auto slot = m_playback ? m_playback->playingSlot() : nullptr;
+    if (!slot || slot->contentUrl() != url)
+        return;
+    if (metadata)
+        qCDebug(lcPlayback) << "Media" << m_mediaAddress
+                            << "metadata changed. Media type:" << toStr(metadata->getMediaType());
+    else
+        qCDebug(lcPlayback) << "Media" << m_mediaAddress << "metadata cleared";
+    refreshPlaybackControls();
+}
+
+void PlaybackWidget::refreshPlaybackControls()
+{
+    const auto metadata = getMediaMetadata();
+    const bool isStill = metadata && metadata->getMediaType() == MediaType::ImageFile;
+    const auto slot = m_playback ? m_playback->playingSlot() : nullptr;
+    const bool isInfinite = slot && slot->durationType() == MediaDurationType::Infinite;
+
+    m_header->setHasInfiniteDuration(isInfinite);
+    m_endpoints->setVisible(!isStill);
+    m_timecodes->setRemainingTimeVisible(!isInfinite);
+    m_footer->endAction()->setDisabled(isInfinite);
+    m_controls->setSeekButtonsEnabled(!isStill);
+    m_slider->setSeekBarEnabled(!isStill);
+    m_slider->setInpointOutpointEnabled(!isStill);
+    m_slider->setInpointOutpointHidden(isInfinite);
+    m_slider->setPlayheadFixed(isInfinite);
+    m_durationEdit->setVisible(isStill);
+    m_durationEdit->setEnabled(isPreview());
+    m_durationEdit->setDurationType(isInfinite ? DurationTypeWidget::Infinite : DurationTypeWidget::Manual);
+    m_durationEdit->setDurationSeconds(slot ? slot->duration() : 0.0);
+}
+
+QString PlaybackWidget::getPlayedSlotUrl() const
+{
+    const QString media = m_playback ? m_playback->media() : QString();
+    if (media.isEmpty())
+        return {};
+    switch (m_playback->sourceMode()) {
+    case SourceMode::Slot:
+        return media;
+    case SourceMode::Playlist: {
+        const auto slot = m_playback->playingSlot();
+        return slot ? MediaUtils::toSlotAddress(slot->address()) : QString();
+    }
+    default:
+        return {};
+    }
+}
+
+void PlaybackWidget::handleDurationChanged()
+{
+    const auto metadata = getMediaMetadata();
+    if (!metadata || metadata->getMediaType() != MediaType::ImageFile) {
+        qCWarning(lcPlayback) << "Duration was changed from the UI to non-still image media";
+        return;
+    }
+    const double seconds = m_durationEdit->durationSeconds();
+    const QString url = getPlayedSlotUrl();
+    qCDebug(lcPlayback) << "Requested changing new duration" << seconds << "s for" << url;
+    const media::ColSlot slot = MediaUtils::parseSlotAddress(url);
+    if (!slot.valid) {
+        qCWarning(lcPlayback) << "Unable to get slot from played media" << m_mediaAddress;
+        return;
+    }
+    const bool isInfinite = m_durationEdit->durationType() == DurationTypeWidget::Infinite;
+    ImplMediaCollectionManager manager(nullptr);
+    manager.updateMediaDuration(slot.collection, slot.slot, seconds, isInfinite);
+    Q_EMIT stillImageDurationChanged(seconds, isInfinite);
+}
+
+void PlaybackWidget::handleDragAndDrop(std::shared_ptr<GuiMediaItem> item)
+{
+    if (!item)
+        return;
+    if (m_isResourceConstrained) {
+        qCDebug(lcPlayback) << "Ignoring a drop on the preview due resource constraints";
+        return;
+    }
+    playDroppedItem(*item);
+    Q_EMIT dropObjectReceived(item);
+}
+
+void PlaybackWidget::playDroppedItem(const GuiMediaItem& item)
+{
+    auto command = std::make_unique<PlayMediaCommand>();
+    bool isReady = false;
+    if (const auto* entry = dynamic_cast<const GuiPlaylistEntry*>(&item)) {
+        isReady =
+            command->initialize(isPreview(), 0, static_cast<int>(entry->playlistNumber()), entry->address());
+    } else if (const auto* slot = dynamic_cast<const GuiMediaSlot*>(&item)) {
+        isReady = command->initialize(isPreview(), 0, slot->address().collection, slot->address().slot);
+        if (isPreview())
+            Session::instance()->signalRelay()->handleSetNavBar(1);
+    } else if (const auto* playlist = dynamic_cast<const GuiPlaylist*>(&item)) {
+        const auto entries = Session::instance()->playlistProvider()->entries(playlist->number());
+        if (entries.isEmpty())
+            return;
+        isReady = command->initialize(isPreview(), 0, static_cast<int>(playlist->number()),
+                                      entries.first()->address());
+    } else {
+        return;
+    }
+    if (isReady)
+        Session::instance()->executeCommand(command.release());
+    else
+        qCWarning(lcPlayback) << "Failed to init PlayMediaCommand";
+}
+
+} // namespace vantrel

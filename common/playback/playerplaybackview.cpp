@@ -1,0 +1,162 @@
+#include "common/playback/playerplaybackview.h"
+
+#include "common/command/playback/playmediacommand.h"
+#include "common/media/defaultresourcestatusprovider.h"
+#include "common/media/mediautils.h"
+#include "common/playback/channelwidget.h"
+#include "common/playback/playbacklogging.h"
+#include "common/session/objecttreemodel.h"
+#include "common/session/session.h"
+#include "common/session/signalrelay.h"
+#include "common/ui/colors.h"
+#include "common/ui/iconcache.h"
+#include "common/ui/widgetmapper.h"
+#include "common/ui/ztlabel.h"
+#include "common/ui/ztsplitter.h"
+#include "common/views/mediapanelwidget.h"
+#include "tarn/scene/object.h"
+#include "tarn/scene/scene.h"
+
+#include <QHBoxLayout>
+#include <QStackedWidget>
+
+namespace vantrel {
+
+namespace {
+
+constexpr int objectRole = 257; // of the scene's tree model
+constexpr int sceneRole = 258;
+
+} // namespace
+
+PlayerPlaybackView::PlayerPlaybackView(QWidget* parent)
+    : QWidget(parent)
+    , m_mapper(new WidgetMapper(this))
+    , m_stack(new QStackedWidget(this))
+{
+    auto* panel = new MediaPanelWidget(this);
+    panel->setObjectName(QStringLiteral("PlayerTab-mediapanel-widget"));
+    connect(panel, &MediaPanelWidget::collectionEditRequested, this,
+            &PlayerPlaybackView::collectionEditRequested);
+
+    m_stack->addWidget(createEmptyState());
+    m_stack->addWidget(createChannelArea());
+
+    auto* splitter = new ZTSplitter(Qt::Horizontal, this);
+    splitter->addWidget(panel);
+    splitter->addWidget(m_stack);
+    splitter->setCollapsible(1, false);
+    splitter->setStretchFactor(0, 0);
+    splitter->setStretchFactor(1, 1);
+    auto* layout = new QHBoxLayout(this);
+    layout->setContentsMargins(0, 6, 0, 6);
+    layout->addWidget(splitter);
+
+    m_mapper->setObjectName(QStringLiteral("playbacksMapper"));
+    m_mapper->setObjectType(&ChannelWidget::staticMetaObject);
+    connect(m_mapper, &WidgetMapper::widgetAdded, this, &PlayerPlaybackView::onWidgetAdded);
+    connect(m_mapper, &WidgetMapper::widgetRemoved, this, [this] {
+        --m_channelCount;
+        updateState();
+    });
+    connectSession();
+    updateState();
+}
+
+QWidget* PlayerPlaybackView::createEmptyState()
+{
+    auto* page = new QWidget(this);
+    auto* icon = new ZTLabel(page);
+    icon->setPixmap(IconCache::pixmap(QStringLiteral("unlinked"), colors::getColor(colors::Zt_white_30),
+                                      {48, 48}, devicePixelRatioF()));
+    m_emptyTitle = new ZTLabel(page);
+    m_emptyTitle->setStyleClass(QStringLiteral("title"));
+    m_emptyHint = new ZTLabel(page);
+    m_emptyHint->setStyleClass(QStringLiteral("dim"));
+    m_emptyHint->setAlignment(Qt::AlignCenter);
+    m_emptyHint->setWordWrap(true);
+
+    auto* layout = new QVBoxLayout(page);
+    layout->setSpacing(12);
+    layout->addStretch(1);
+    layout->addWidget(icon, 0, Qt::AlignHCenter);
+    layout->addWidget(m_emptyTitle, 0, Qt::AlignHCenter);
+    layout->addWidget(m_emptyHint);
+    layout->addStretch(2);
+    return page;
+}
+
+QWidget* PlayerPlaybackView::createChannelArea()
+{
+    auto* page = new QWidget(this);
+    m_lostNotice = new ZTLabel(tr("Connection lost. What you see is the last known state."), page);
+    m_lostNotice->setStyleClass(QStringLiteral("error"));
+    m_lostNotice->setAlignment(Qt::AlignCenter);
+    m_lostNotice->hide();
+    auto* channels = new QWidget(page);
+    auto* channelLayout = new QVBoxLayout(channels);
+    channelLayout->setContentsMargins(0, 0, 0, 0);
+    m_mapper->setLayout(channelLayout);
+
+    auto* layout = new QVBoxLayout(page);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(m_lostNotice);
+    layout->addWidget(channels, 1);
+    return page;
+}
+
+void PlayerPlaybackView::connectSession()
+{
+    const Session* session = Session::instance();
+    connect(session, &Session::connected, this, &PlayerPlaybackView::updateState);
+    connect(session, &Session::disconnected, this, &PlayerPlaybackView::updateState);
+    connect(session->signalRelay(), &SignalRelay::directPlay, this,
+            &PlayerPlaybackView::handleMediaDirectPlay);
+}
+
+void PlayerPlaybackView::setModel(const QModelIndex& channels)
+{
+    m_mapper->setModel(const_cast<QAbstractItemModel*>(channels.model()), channels);
+}
+
+void PlayerPlaybackView::onWidgetAdded(QWidget* widget, const QModelIndex& index)
+{
+    ++m_channelCount;
+    if (auto* channel = qobject_cast<ChannelWidget*>(widget))
+        channel->setObject(index.data(objectRole).value<Object*>(), index.data(sceneRole).value<Scene*>());
+    updateState();
+}
+
+void PlayerPlaybackView::updateState()
+{
+    const bool isConnected = Session::instance()->isConnected();
+    m_emptyTitle->setText(isConnected ? tr("Waiting for the server") : tr("Not connected"));
+    m_emptyHint->setText(isConnected ? tr("The server has not told of a channel yet.")
+                                     : tr("Choose \"Connect to server...\" in the menu, or click "
+                                          "\"Server Connection\" below, to see its channels."));
+    m_lostNotice->setVisible(!isConnected);
+    m_stack->setCurrentIndex(m_channelCount > 0 ? 1 : 0);
+}
+
+void PlayerPlaybackView::handleMediaDirectPlay(const QModelIndex& index)
+{
+    const media::ColSlot slot = media::MediaUtils::parseCollectionIndex(index);
+    if (!slot.valid) {
+        qCWarning(lcPlayback) << "Could not parse collection and index.";
+        return;
+    }
+    Session* session = Session::instance();
+    const ResourceStatusProvider* status = session->resourceStatusProvider();
+    if (status && status->isConstrained(Preview)) {
+        qCWarning(lcPlayback) << "Preview is resource constrained. Skipping media direct play request";
+        return;
+    }
+    auto command = std::make_unique<PlayMediaCommand>();
+    if (!command->initialize(true, 0, slot.collection, slot.slot)) {
+        qCWarning(lcPlayback) << "Failed to init PlayMediaCommand";
+        return;
+    }
+    session->executeCommand(command.release());
+}
+
+} // namespace vantrel

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <QModelIndex>
+#include <QWidget>
+
+class QStackedWidget;
+
+namespace vantrel {
+
+class MediaPanelWidget;
+class WidgetMapper;
+class ZTLabel;
+
+/// The player tab: the media library on the left and a ChannelWidget for each channel of the server. Without
+/// one it says what to do. Owned by the main window; main thread.
+class PlayerPlaybackView : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit PlayerPlaybackView(QWidget* parent = nullptr);
+
+    /// The tree index of the channels ("/device/channels").
+    void setModel(const QModelIndex& channels);
+
+public Q_SLOTS:
+    /// Plays a slot of the media library on preview.
+    void handleMediaDirectPlay(const QModelIndex& index);
+
+Q_SIGNALS:
+    void collectionEditRequested(int collection);
+
+private:
+    QWidget* createEmptyState();
+    QWidget* createChannelArea();
+    void connectSession();
+    void onWidgetAdded(QWidget* widget, const QModelIndex& index);
+    void updateState();
+
+    WidgetMapper* m_mapper;
+    QStackedWidget* m_stack;
+    ZTLabel* m_emptyTitle = nullptr;
+    ZTLabel* m_emptyHint = nullptr;
+    ZTLabel* m_lostNotice = nullptr;
+    int m_channelCount = 0;
+};
+
+} // namespace vantrel

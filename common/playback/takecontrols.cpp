@@ -1,0 +1,278 @@
+#include "common/playback/takecontrols.h"
+
+#include "common/command/playback/takecommand.h"
+#include "common/playback/playbacklogging.h"
+#include "common/playback/takebutton.h"
+#include "common/session/configuration.h"
+#include "common/session/session.h"
+#include "common/ui/doubleedit.h"
+#include "common/ui/iconbutton.h"
+#include "common/ui/propertiesmapper.h"
+#include "common/ui/pushbutton.h"
+#include "common/ui/ztlabel.h"
+#include "tarn/scene/object.h"
+
+#include <QButtonGroup>
+#include <QGridLayout>
+#include <QVBoxLayout>
+
+namespace vantrel {
+
+namespace {
+
+IconButton* makeOption(const QString& icon, const QString& name, const QString& tip, QButtonGroup* group,
+                       int id, QWidget* parent)
+{
+    auto* button = new IconButton(icon, {}, parent);
+    button->setObjectName(name);
+    button->setToolTip(tip);
+    button->setAccessibleName(tip);
+    button->setCheckable(true);
+    button->setStyleClass(QStringLiteral("segment"));
+    group->addButton(button, id);
+    return button;
+}
+
+PushButton* makePreset(const QString& text, const QString& name, const QString& tip, QButtonGroup* group,
+                       QWidget* parent)
+{
+    auto* button = new PushButton(text, parent);
+    button->setObjectName(name);
+    button->setToolTip(tip);
+    button->setCheckable(true);
+    button->setStyleClass(QStringLiteral("segment"));
+    group->addButton(button);
+    return button;
+}
+
+} // namespace
+
+TakeControls::TakeControls(QWidget* parent)
+    : ZTFrame(parent)
+    , m_propertiesMapper(new PropertiesMapper(this))
+    , m_takeButton(new TakeButton(this))
+    , m_fromGroup(new QButtonGroup(this))
+    , m_transitionGroup(new QButtonGroup(this))
+    , m_presetGroup(new QButtonGroup(this))
+{
+    setObjectName(QStringLiteral("TakeControls"));
+    createControls();
+    layOut();
+    restoreButtonStates();
+
+    connect(m_takeButton, &QPushButton::clicked, this, &TakeControls::handleTake);
+    for (const QButtonGroup* group : {m_fromGroup, m_transitionGroup, m_presetGroup})
+        connect(group, &QButtonGroup::buttonClicked, this, &TakeControls::handleButtonChanged);
+    connect(m_duration, &DoubleEdit::valueChanged, this, &TakeControls::handleDurationChanged);
+}
+
+TakeControls::~TakeControls() = default;
+
+void TakeControls::createControls()
+{
+    m_takeButton->setObjectName(QStringLiteral("TakeControls-Take-Button"));
+
+    using enum TakeTransitionType;
+    m_fromInpoint =
+        makeOption(QStringLiteral(":/icons/take_from_inpoint.svg"),
+                   QStringLiteral("TakeControls-Inpoint-Button"), tr("Playhead option: From inpoint"),
+                   m_fromGroup, static_cast<int>(PlayheadOption::FromInpoint), this);
+    m_fromCurrent = makeOption(QStringLiteral(":/icons/take_from_current.svg"),
+                               QStringLiteral("TakeControls-Current-Button"),
+                               tr("Playhead option: From current position in preview"), m_fromGroup,
+                               static_cast<int>(PlayheadOption::FromPosition), this);
+    m_directCut = makeOption(
+        QStringLiteral(":/icons/direct_cut.svg"), QStringLiteral("TakeControls-DirectCut-Button"),
+        tr("Take transition type: Direct cut"), m_transitionGroup, static_cast<int>(DirectCut), this);
+    m_crossfade = makeOption(
+        QStringLiteral(":/icons/crossfade.svg"), QStringLiteral("TakeControls-Crossfade-Button"),
+        tr("Take transition type: Crossfade"), m_transitionGroup, static_cast<int>(Crossfade), this);
+    m_dip = makeOption(QStringLiteral(":/icons/dip.svg"), QStringLiteral("TakeControls-Dip-Button"),
+                       tr("Take transition type: Dip to color"), m_transitionGroup,
+                       static_cast<int>(DipToColor), this);
+
+    m_duration = new DoubleEdit(this);
+    m_duration->setObjectName(QStringLiteral("TakeControls-Duration"));
+    m_duration->setUnit(QStringLiteral("s"));
+    m_duration->setRange(0.0, 10.0);
+    m_duration->setAccessibleName(tr("Take transition duration"));
+    m_duration->setToolTip(tr("Take transition duration can be specified from 0.0 to 10.0 seconds.\n"
+                              "Duration does not apply to direct cut."));
+    m_presetLabel = new ZTLabel(tr("PRW on Take:"), this);
+    m_swap = makePreset(tr("Swap"), QStringLiteral("TakeControls-Swap-Button"),
+                        tr("Preset toggle: Swap preview and program on take"), m_presetGroup, this);
+    m_copy = makePreset(tr("Copy"), QStringLiteral("TakeControls-Copy-Button"),
+                        tr("Preset toggle: Copy preview to program on take"), m_presetGroup, this);
+}
+
+void TakeControls::layOut()
+{
+    auto* from = new QHBoxLayout;
+    from->setSpacing(2);
+    from->addStretch(1);
+    from->addWidget(m_fromInpoint);
+    from->addWidget(m_fromCurrent);
+    from->addStretch(1);
+    auto* transition = new QHBoxLayout;
+    transition->setSpacing(2);
+    transition->addStretch(1);
+    for (IconButton* button : {m_directCut, m_crossfade, m_dip})
+        transition->addWidget(button);
+    transition->addStretch(1);
+    auto* preset = new QHBoxLayout;
+    preset->setSpacing(2);
+    preset->addWidget(m_swap);
+    preset->addWidget(m_copy);
+
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(8, 12, 8, 12);
+    layout->setSpacing(10);
+    layout->addWidget(m_takeButton, 0, Qt::AlignHCenter);
+    layout->addSpacing(8);
+    layout->addLayout(from);
+    layout->addLayout(transition);
+    layout->addWidget(m_duration);
+    layout->addSpacing(8);
+    layout->addWidget(m_presetLabel, 0, Qt::AlignHCenter);
+    layout->addLayout(preset);
+    layout->addStretch(1);
+}
+
+TakeTransitionType TakeControls::takeTransition() const
+{
+    const int id = m_transitionGroup->checkedId();
+    if (id < 0) {
+        qCWarning(lcPlayback) << "Unknown Take transition selected";
+        return TakeTransitionType::Crossfade;
+    }
+    return static_cast<TakeTransitionType>(id);
+}
+
+PlayheadOption TakeControls::transitionFrom() const
+{
+    const int id = m_fromGroup->checkedId();
+    if (id < 0) {
+        qCWarning(lcPlayback) << "Unknown Take transition selected";
+        return PlayheadOption::FromInpoint;
+    }
+    return static_cast<PlayheadOption>(id);
+}
+
+void TakeControls::setTransitionType(TakeTransitionType type)
+{
+    if (QAbstractButton* button = m_transitionGroup->button(static_cast<int>(type)))
+        button->setChecked(true);
+}
+
+void TakeControls::setTransitionFrom(PlayheadOption option)
+{
+    if (QAbstractButton* button = m_fromGroup->button(static_cast<int>(option)))
+        button->setChecked(true);
+}
+
+double TakeControls::takeDuration() const
+{
+    return m_duration->value();
+}
+
+void TakeControls::setTakeDuration(double seconds)
+{
+    m_duration->setValue(seconds);
+}
+
+bool TakeControls::takePreset() const
+{
+    return m_presetGroup->checkedButton() == m_swap;
+}
+
+void TakeControls::setTakePreset(bool swap)
+{
+    (swap ? m_swap : m_copy)->setChecked(true);
+}
+
+void TakeControls::setObject(Object* object, Scene* scene)
+{
+    saveButtonStates();
+    m_object = Ref<Object>(object);
+    m_scene = scene;
+    if (Object* program = object ? object->findChildByName("program", false) : nullptr) {
+        m_propertiesMapper->setObject(scene, program);
+        m_propertiesMapper->addMapping(QStringLiteral("takeProgress"), m_takeButton, "takeProgress");
+    }
+    restoreButtonStates();
+}
+
+void TakeControls::updateDurationEditReadOnlyState()
+{
+    m_duration->setReadOnly(m_directCut->isChecked());
+}
+
+QString TakeControls::getConfigGroup() const
+{
+    if (!m_object)
+        return QStringLiteral("Playback_default");
+    return QStringLiteral("Playback_%1").arg(0); // one channel so far
+}
+
+void TakeControls::saveButtonStates()
+{
+    Configuration* settings = configuration();
+    if (!settings)
+        return;
+    settings->beginGroup(getConfigGroup());
+    settings->setValue(TAKE_DURATION, takeDuration());
+    settings->setValue(TAKE_FROM, QVariant::fromValue(transitionFrom()));
+    settings->setValue(TAKE_TRANSITION, QVariant::fromValue(takeTransition()));
+    settings->setValue(TAKE_PRESET_TOGGLE, takePreset());
+    settings->endGroup();
+}
+
+void TakeControls::restoreButtonStates()
+{
+    // Read first: setting the duration saves, and would overwrite what has not been read yet.
+    Configuration* settings = configuration();
+    if (settings)
+        settings->beginGroup(getConfigGroup());
+    const QVariant from = configurationValue(TAKE_FROM);
+    const QVariant transition = configurationValue(TAKE_TRANSITION);
+    const QVariant duration = configurationValue(TAKE_DURATION);
+    const QVariant preset = configurationValue(TAKE_PRESET_TOGGLE);
+    if (settings)
+        settings->endGroup();
+
+    setTransitionFrom(static_cast<PlayheadOption>(from.toInt()));
+    setTransitionType(static_cast<TakeTransitionType>(transition.toInt()));
+    setTakePreset(preset.toBool());
+    setTakeDuration(duration.toDouble());
+    updateDurationEditReadOnlyState();
+}
+
+void TakeControls::handleTake()
+{
+    bool swap = true;
+    if (Configuration* settings = configuration()) {
+        settings->beginGroup(getConfigGroup());
+        swap = settings->value(TAKE_PRESET_TOGGLE).toBool();
+        settings->endGroup();
+    }
+    auto command = std::make_unique<TakeCommand>(nullptr);
+    if (!command->initTake(m_object.get(), swap, transitionFrom(), takeTransition(), takeDuration())) {
+        qCWarning(lcPlayback) << "Failed to init take command";
+        return;
+    }
+    Session::instance()->executeCommand(command.release());
+}
+
+void TakeControls::handleButtonChanged(QAbstractButton* button)
+{
+    if (m_transitionGroup->buttons().contains(button))
+        updateDurationEditReadOnlyState();
+    saveButtonStates();
+}
+
+void TakeControls::handleDurationChanged()
+{
+    saveButtonStates();
+}
+
+} // namespace vantrel

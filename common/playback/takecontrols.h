@@ -1,0 +1,80 @@
+#pragma once
+
+#include "common/ui/ztframe.h"
+#include "tarn/media/enums.h"
+#include "tarn/ref.h"
+
+#include <memory>
+
+class QAbstractButton;
+class QButtonGroup;
+
+namespace vantrel {
+
+class DoubleEdit;
+class IconButton;
+class Object;
+class PropertiesMapper;
+class PushButton;
+class Scene;
+class TakeButton;
+class ZTLabel;
+
+/// The take button with the options of the take, which live in the settings by channel group. Pressing it
+/// calls one method of the channel; the server does the rest and reports progress. Owned by ChannelWidget;
+/// main thread.
+class TakeControls : public ZTFrame
+{
+    Q_OBJECT
+
+public:
+    explicit TakeControls(QWidget* parent = nullptr);
+    ~TakeControls() override;
+
+    /// With nothing chosen these warn and give the first value.
+    TakeTransitionType takeTransition() const;
+    PlayheadOption transitionFrom() const;
+    void setTransitionType(TakeTransitionType type);
+    void setTransitionFrom(PlayheadOption option);
+    /// Seconds.
+    double takeDuration() const;
+    void setTakeDuration(double seconds);
+    /// True swaps preview and program on take, false copies preview.
+    bool takePreset() const;
+    void setTakePreset(bool swap);
+
+    /// The channel, or null; what was chosen so far stays with the group it was chosen under.
+    void setObject(Object* object, Scene* scene);
+    void updateDurationEditReadOnlyState();
+    QString getConfigGroup() const;
+    void saveButtonStates();
+    void restoreButtonStates();
+
+public Q_SLOTS:
+    void handleTake();
+    void handleButtonChanged(QAbstractButton* button);
+    void handleDurationChanged();
+
+private:
+    void createControls();
+    void layOut();
+
+    PropertiesMapper* m_propertiesMapper;
+    TakeButton* m_takeButton;
+    IconButton* m_fromInpoint = nullptr;
+    IconButton* m_fromCurrent = nullptr;
+    IconButton* m_directCut = nullptr;
+    IconButton* m_crossfade = nullptr;
+    IconButton* m_dip = nullptr;
+    DoubleEdit* m_duration = nullptr;
+    ZTLabel* m_presetLabel = nullptr;
+    PushButton* m_swap = nullptr;
+    PushButton* m_copy = nullptr;
+    QButtonGroup* m_fromGroup;
+    QButtonGroup* m_transitionGroup;
+    QButtonGroup* m_presetGroup;
+    Scene* m_scene = nullptr;
+    Ref<Object> m_object;
+};
+
+} // namespace vantrel
