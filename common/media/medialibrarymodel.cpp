@@ -230,7 +230,7 @@ QVariant MediaLibraryModel::slotData(const MediaLibraryItem& item, const QModelI
     case UrlRole:
         return item.url();
     case CollectionNumberRole:
-        return getCollectionIndexNumber(index);
+        return static_cast<const MediaLibraryItem*>(index.internalPointer())->number();
     case Qt::EditRole:
         return index.column() == NameColumn ? QVariant(item.name()) : QVariant();
     case Qt::ToolTipRole:
