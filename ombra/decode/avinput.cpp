@@ -32,6 +32,11 @@ std::unique_ptr<AvInput> AvInput::open(const std::filesystem::path& file, const 
                                        std::string* error)
 {
     routeAvLog();
+    std::error_code code;
+    if (!std::filesystem::is_regular_file(file, code)) { // a pipe would block for ever
+        setError(error, "there is no such file");
+        return nullptr;
+    }
     std::unique_ptr<AvInput> input(new AvInput(stop));
     AVFormatContext* format = avformat_alloc_context();
     if (!format) {

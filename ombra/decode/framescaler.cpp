@@ -24,7 +24,7 @@ Fit fitInto(Canvas canvas, double width, double height)
     if (canvas.height <= 0) {
         const double scale = std::min(1.0, canvas.width / width);
         const int w = std::max(1, static_cast<int>(std::lround(width * scale)));
-        const int h = std::clamp(static_cast<int>(std::lround(height * scale)), 1, 16 * canvas.width);
+        const int h = std::clamp(static_cast<int>(std::lround(height * scale)), 1, 4 * canvas.width);
         return {w, h, 0, 0, w, h};
     }
     const double scale = std::min(canvas.width / width, canvas.height / height);

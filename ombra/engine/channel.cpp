@@ -53,7 +53,7 @@ bool Channel::take(const Json& args, std::string* error)
 {
     TakeOptions options;
     const char* wrong = readOptions(args, options);
-    if (!wrong && m_preview.loaded().url.empty())
+    if (!wrong && !m_preview.loaded().item)
         wrong = "preview";
     if (wrong) {
         if (error)

@@ -4,6 +4,8 @@
 
 #include <QFile>
 
+#include <sys/stat.h>
+
 using namespace vantrel;
 using namespace vantrel::ombra;
 using namespace vantrel::test;
@@ -229,6 +231,8 @@ private Q_SLOTS:
         list.close();
         QVERIFY(!open("list.mp4"));
         QVERIFY(!open("missing.mp4"));
+        QCOMPARE(mkfifo(m_media.file("pipe.mp4").c_str(), 0600), 0);
+        QVERIFY(!open("pipe.mp4")); // and does not wait for a writer
         QVERIFY(!m_error.empty());
     }
 
