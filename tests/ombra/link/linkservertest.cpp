@@ -1,0 +1,302 @@
+#include "ombra/link/linkserver.h"
+
+#include "ombra/link/changebatch.h"
+#include "ombra/outputs/outputs.h"
+#include "tarn/net/linkframe.h"
+#include "tests/support/testmain.h"
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QTcpSocket>
+#include <QTest>
+#include <boost/asio/io_context.hpp>
+
+using namespace vantrel;
+using namespace vantrel::ombra;
+
+namespace {
+
+/// A client by its bytes: what it sends, and the scene that what it got makes.
+class Client
+{
+public:
+    explicit Client(unsigned short port) { socket.connectToHost(QStringLiteral("127.0.0.1"), port); }
+
+    void send(const std::string& operations)
+    {
+        Patch patch;
+        std::string error;
+        if (!Patch::parseString(operations, patch, &error))
+            qFatal("%s", error.c_str());
+        const std::string frame = linkframe::encode(patch);
+        socket.write(frame.data(), qint64(frame.size()));
+    }
+
+    void read()
+    {
+        const QByteArray bytes = socket.readAll();
+        decoder.feed({bytes.constData(), std::size_t(bytes.size())});
+        for (Patch patch; decoder.next(patch) == linkframe::Decoder::Result::Patch;) {
+            ++frames;
+            largest = std::max(largest, patch.size());
+            for (const PatchOp& op : patch)
+                operations.push_back(op);
+            fits = fits && scene.apply(patch, true);
+        }
+    }
+
+    std::string value(const std::string& path)
+    {
+        Variant value;
+        return scene.getProperty(scene.find(path), value) ? value.asString() : "absent";
+    }
+
+    QTcpSocket socket;
+    linkframe::Decoder decoder;
+    Scene scene;
+    std::vector<PatchOp> operations;
+    int frames = 0;
+    std::size_t largest = 0;
+    bool fits = true;
+};
+
+const std::string volume = "/device/channels/0/program/properties/volume";
+
+std::string replaceOf(const std::string& path, const std::string& value)
+{
+    return R"([{"op":"replace","path":")" + path + R"(","value":)" + value + "}]";
+}
+
+} // namespace
+
+class LinkServerTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        m_scene = makeRef<Scene>();
+        Outputs(*m_scene).build();
+        m_invoked.clear();
+        m_written.clear();
+        m_server = std::make_unique<LinkServer>(
+            m_io, *m_scene,
+            LinkServer::Handlers{[this](PathView path, const Json& args, std::string* error) {
+                                     m_invoked.append(
+                                         QString::fromStdString(path.toString() + args.toString()));
+                                     *error = "refused";
+                                     return false;
+                                 },
+                                 [this](Object*, const PropertyInfo* property) {
+                                     m_written.append(QString::fromStdString(property->name));
+                                 }});
+        std::string error;
+        QVERIFY2(m_server->listen(boost::asio::ip::address_v4::loopback(), 0, &error), error.c_str());
+    }
+
+    void cleanup()
+    {
+        m_server.reset();
+        m_io.restart();
+        m_io.poll();
+    }
+
+    void sendsTheWholeSceneInPieces()
+    {
+        Patch many;
+        for (int i = 0; i < 2500; ++i)
+            many.append({PatchOpType::Add,
+                         Path("/device/surfaces/-"),
+                         {},
+                         Json::object({{"type", "Surface"},
+                                       {"properties", Json::object({{"name", std::to_string(i)}})}})});
+        QVERIFY(m_scene->apply(many, true));
+        Client client(m_server->port());
+        client.send(R"([{"op":"get","path":""}])");
+        QVERIFY(waitFor([&] { return Scene::toJson(client.scene.root()) == Scene::toJson(m_scene->root()); },
+                        {&client}));
+        QVERIFY(client.fits);
+        QVERIFY(client.frames >= 3);
+        QVERIFY(client.largest <= LinkServer::operationsPerFrame);
+    }
+
+    void tellsTheOthers()
+    {
+        Client writer(m_server->port());
+        Client reader(m_server->port());
+        for (Client* client : {&writer, &reader})
+            client->send(R"([{"op":"get","path":""}])");
+        QVERIFY(waitFor([&] { return writer.frames > 0 && reader.frames > 0; }, {&writer, &reader}));
+        writer.operations.clear();
+        writer.send(replaceOf(volume, "0.25"));
+        QVERIFY(waitFor([&] { return reader.value(volume) == "0.25"; }, {&writer, &reader}));
+        QCOMPARE(m_written, QStringList{QStringLiteral("volume")});
+
+        // What the server does goes to both; the writer got nothing of its own change before that.
+        m_scene->replaceProperty(m_scene->find("/device/channels/0/program/properties/mediaPosition"),
+                                 Variant::from(3.5));
+        const std::string position = "/device/channels/0/program/properties/mediaPosition";
+        QVERIFY(waitFor([&] { return writer.value(position) == "3.5" && reader.value(position) == "3.5"; },
+                        {&writer, &reader}));
+        QCOMPARE(writer.operations.size(), std::size_t(1));
+
+        reader.send(R"([{"op":"add","path":"/device/surfaces/0","value":{}}])");
+        QVERIFY(waitFor([&] { return writer.scene.findObject("/device/surfaces/0") != nullptr; },
+                        {&writer, &reader}));
+        QVERIFY(writer.fits && reader.fits);
+    }
+
+    void answersGets_data()
+    {
+        QTest::addColumn<QByteArray>("path");
+        QTest::addColumn<int>("kind"); // of the answer's operation, -1 for none
+        QTest::newRow("property") << QByteArray(volume.c_str()) << static_cast<int>(PatchOpType::Replace);
+        QTest::newRow("object") << QByteArray("/device/channels/0/preview")
+                                << static_cast<int>(PatchOpType::Add);
+        QTest::newRow("nothing") << QByteArray("/device/channels/7") << -1;
+    }
+
+    void answersGets()
+    {
+        QFETCH(QByteArray, path);
+        QFETCH(int, kind);
+        Client client(m_server->port());
+        client.send(R"([{"op":"get","path":")" + path.toStdString() +
+                    R"("},{"op":"get","path":"/device/showConfiguration"}])");
+        QVERIFY(waitFor([&] { return client.operations.size() == (kind < 0 ? 1u : 2u); }, {&client}));
+        if (kind >= 0) {
+            QCOMPARE(static_cast<int>(client.operations[0].op), kind);
+            QCOMPARE(client.operations[0].path.toString(), path.toStdString());
+        }
+    }
+
+    /// A refused write leaves the scene alone and puts the client's copy right.
+    void refusesWrites_data()
+    {
+        QTest::addColumn<QByteArray>("path");
+        QTest::addColumn<QByteArray>("value");
+        const QByteArray program("/device/channels/0/program/properties/");
+        QTest::newRow("volume above 1") << program + "volume" << QByteArray("1.5");
+        QTest::newRow("text as volume") << program + "volume" << QByteArray("\"1\"");
+        QTest::newRow("position") << program + "mediaPosition" << QByteArray("9");
+        QTest::newRow("source mode") << program + "sourceMode" << QByteArray("1");
+        QTest::newRow("unknown state") << program + "state" << QByteArray("\"run\"");
+        QTest::newRow("output width")
+            << QByteArray("/device/system/gpus/0/outputs/0/properties/width") << QByteArray("1");
+        QTest::newRow("scale mode") << QByteArray("/device/channels/0/mappings/0/properties/defaultScaleMode")
+                                    << QByteArray("\"huge\"");
+        QTest::newRow("object") << QByteArray("/device/channels/0") << QByteArray("{}");
+    }
+
+    void refusesWrites()
+    {
+        QFETCH(QByteArray, path);
+        QFETCH(QByteArray, value);
+        const Json before = Scene::toJson(m_scene->root());
+        Client client(m_server->port());
+        client.send(replaceOf(path.toStdString(), value.toStdString()));
+        QVERIFY(waitFor([&] { return client.operations.size() == 1; }, {&client}));
+        QCOMPARE(client.operations[0].path.toString(), path.toStdString());
+        QVERIFY(Scene::toJson(m_scene->root()) == before);
+        QVERIFY(m_written.isEmpty());
+    }
+
+    void passesCallsOn()
+    {
+        Client client(m_server->port());
+        client.send(
+            R"([{"op":"invoke","path":"/device/channels/0/methods/take","value":{"transitionType":0}}])");
+        QVERIFY(waitFor([&] { return !m_invoked.isEmpty(); }, {&client}));
+        QCOMPARE(m_invoked.first(), QStringLiteral(R"(/device/channels/0/methods/take{"transitionType":0})"));
+    }
+
+    void badBytesEndOneLinkOnly_data()
+    {
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::newRow("too long") << QByteArray("\xff\xff\xff\xff", 4);
+        QTest::newRow("no json") << QByteArray("\0\0\0\2[{", 6);
+        QTest::newRow("no operations") << QByteArray("\0\0\0\2{}", 6);
+        QTest::newRow("unknown operation") << QByteArray("\0\0\0\x1b[{\"op\":\"burn\",\"path\":\"/a\"}]", 31);
+    }
+
+    void badBytesEndOneLinkOnly()
+    {
+        QFETCH(QByteArray, bytes);
+        Client good(m_server->port());
+        Client bad(m_server->port());
+        good.send(R"([{"op":"get","path":""}])");
+        QVERIFY(waitFor([&] { return good.frames > 0; }, {&good}));
+        bad.socket.write(bytes);
+        QVERIFY(waitFor([&] { return bad.socket.state() == QAbstractSocket::UnconnectedState; }, {&bad}));
+        m_scene->replaceProperty(m_scene->find(volume), Variant::from(0.5));
+        QVERIFY(waitFor([&] { return good.value(volume) == "0.5"; }, {&good}));
+    }
+
+    /// While a client does not read, its changes fold; it ends with the newest values.
+    void foldsForSlowClients()
+    {
+        Client slow(m_server->port());
+        slow.socket.setReadBufferSize(4096);
+        slow.send(R"([{"op":"get","path":""}])");
+        QVERIFY(waitFor([&] { return slow.frames > 0; }, {&slow}));
+        const std::string text(200'000, 'x'); // large values fill the buffers of the system soon
+        for (int i = 0; i < 200; ++i) {
+            m_scene->replaceProperty(m_scene->find("/device/channels/0/program/properties/media"),
+                                     Variant::from(text + std::to_string(i)));
+            m_io.restart();
+            m_io.poll();
+        }
+        slow.socket.setReadBufferSize(0);
+        QVERIFY(
+            waitFor([&] { return slow.value("/device/channels/0/program/properties/media") == text + "199"; },
+                    {&slow}));
+        QVERIFY2(slow.frames < 150, qPrintable(QString::number(slow.frames)));
+    }
+
+    void batchesKeepTheOrderAroundStructure()
+    {
+        ChangeBatch batch;
+        const auto replace = [&](const char* path, int value) {
+            batch.add({PatchOpType::Replace, Path(path), {}, Json(value)});
+        };
+        replace("/a/0/properties/x", 1);
+        replace("/a/0/properties/y", 2);
+        replace("/a/0/properties/x", 3);
+        batch.add({PatchOpType::Remove, Path("/a/0"), {}, {}});
+        replace("/a/0/properties/x", 4);
+        QVERIFY(batch.bytes() > 0);
+        QCOMPARE(
+            batch.take().toJson().toString(),
+            std::string(
+                R"([{"op":"replace","path":"/a/0/properties/x","value":3},)"
+                R"({"op":"replace","path":"/a/0/properties/y","value":2},)"
+                R"({"op":"remove","path":"/a/0"},{"op":"replace","path":"/a/0/properties/x","value":4}])"));
+        QVERIFY(batch.empty() && batch.bytes() == 0);
+    }
+
+private:
+    bool waitFor(const std::function<bool()>& condition, std::initializer_list<Client*> clients)
+    {
+        QElapsedTimer timer;
+        for (timer.start(); timer.elapsed() < 10000;) {
+            if (condition())
+                return true;
+            m_io.restart();
+            m_io.run_for(std::chrono::milliseconds(1));
+            QCoreApplication::processEvents();
+            for (Client* client : clients)
+                client->read();
+        }
+        return false;
+    }
+
+    boost::asio::io_context m_io;
+    Ref<Scene> m_scene;
+    std::unique_ptr<LinkServer> m_server;
+    QStringList m_invoked;
+    QStringList m_written;
+};
+
+HALCYRA_TEST(LinkServerTest)
+#include "linkservertest.moc"

@@ -1,0 +1,98 @@
+#pragma once
+
+#include "ombra/server.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QTcpSocket>
+#include <QTemporaryDir>
+#include <QTest>
+#include <boost/asio/io_context.hpp>
+
+#include <chrono>
+#include <functional>
+#include <memory>
+
+namespace vantrel::ombra::test {
+
+/// The whole server inside the test, on free ports, run by the test's own thread: whoever waits serves.
+class LiveServer
+{
+public:
+    QString mediaFolder() const { return m_folder.filePath(QStringLiteral("media")); }
+    QString stateFolder() const { return m_folder.filePath(QStringLiteral("state")); }
+
+    bool start()
+    {
+        QDir(m_folder.path()).mkpath(QStringLiteral("media"));
+        ServerOptions options;
+        options.media = mediaFolder().toStdString();
+        options.state = stateFolder().toStdString();
+        options.httpPort = options.linkPort = options.previewPort = 0;
+        options.discovery = false;
+        m_server = std::make_unique<Server>(m_io, options);
+        std::string error;
+        const bool started = m_server->start(&error);
+        if (!started)
+            qInfo("%s", error.c_str());
+        return started;
+    }
+    void stop() { m_server.reset(); }
+    Server& server() { return *m_server; }
+
+    /// Serves until the condition holds; false after ten seconds.
+    bool waitFor(const std::function<bool()>& condition)
+    {
+        QElapsedTimer timer;
+        for (timer.start(); timer.elapsed() < 10000;) {
+            if (condition())
+                return true;
+            m_io.restart();
+            m_io.run_for(std::chrono::milliseconds(1));
+            QCoreApplication::processEvents();
+        }
+        return false;
+    }
+
+    /// Sends an HTTP request of these bytes and gives the whole answer; empty when none came.
+    QByteArray exchange(const QByteArray& request)
+    {
+        QTcpSocket socket;
+        socket.connectToHost(QStringLiteral("127.0.0.1"), m_server->httpPort());
+        socket.write(request);
+        QByteArray answer;
+        waitFor([&] {
+            answer += socket.readAll();
+            const qsizetype end = answer.indexOf("\r\n\r\n");
+            if (socket.state() == QAbstractSocket::UnconnectedState)
+                return true;
+            const qsizetype field = answer.indexOf("Content-Length: ");
+            return end >= 0 && field >= 0 && field < end &&
+                   answer.size() >=
+                       end + 4 +
+                           answer.mid(field + 16, answer.indexOf('\r', field) - field - 16).toLongLong();
+        });
+        return answer;
+    }
+
+    struct Answer
+    {
+        int status = 0;
+        QByteArray body;
+    };
+    Answer request(const QByteArray& method, const QByteArray& path, const QByteArray& body = {})
+    {
+        const QByteArray answer =
+            exchange(method + " /api/brume/v1" + path + " HTTP/1.1\r\nHost: test\r\nContent-Length: " +
+                     QByteArray::number(body.size()) + "\r\n\r\n" + body);
+        const qsizetype end = answer.indexOf("\r\n\r\n");
+        return {answer.mid(9, 3).toInt(), end < 0 ? QByteArray() : answer.mid(end + 4)};
+    }
+
+private:
+    boost::asio::io_context m_io;
+    QTemporaryDir m_folder;
+    std::unique_ptr<Server> m_server;
+};
+
+} // namespace vantrel::ombra::test

@@ -1,0 +1,280 @@
+#include "tarn/media/medialibrary.h"
+#include "tarn/media/mediametadata.h"
+#include "tests/ombra/liveserver.h"
+#include "tests/support/testmain.h"
+#include "tests/support/testmedia.h"
+
+#include <QFile>
+#include <QImage>
+
+using namespace vantrel;
+using namespace vantrel::ombra::test;
+
+namespace {
+
+const QByteArray library =
+    R"({"collections":{"1":{"name":"one","slots":{"1":{"name":"clip","contentUrl":"file:///a"}}}},
+    "playlists":{"2":{"name":"list","entries":{"1.5":{"slotUrl":"brume://collections/1/slots/1"}}}}})";
+
+Json parsed(const QByteArray& text)
+{
+    Json json;
+    Json::parseString(text.toStdString(), json);
+    return json;
+}
+
+} // namespace
+
+class RestApiTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        QVERIFY(QDir().mkpath(m_live.mediaFolder()));
+        QVERIFY(m_live.start());
+    }
+
+    void init() { QCOMPARE(m_live.request("POST", "/medialibrary", library).status, 200); }
+
+    void answers_data()
+    {
+        QTest::addColumn<QByteArray>("method");
+        QTest::addColumn<QByteArray>("path");
+        QTest::addColumn<QByteArray>("body");
+        QTest::addColumn<int>("status");
+
+        const auto row = [](const char* name, const char* method, const char* path, const char* body,
+                            int status) {
+            QTest::newRow(name) << QByteArray(method) << QByteArray(path) << QByteArray(body) << status;
+        };
+        row("rename", "PATCH", "/medialibrary",
+            R"([{"op":"replace","path":"/collections/1/name","value":"x"}])", 200);
+        row("nothing", "PATCH", "/medialibrary", "[]", 200);
+        row("no json", "PATCH", "/medialibrary", "[{", 400);
+        row("empty body", "PATCH", "/medialibrary", "", 400);
+        row("object", "PATCH", "/medialibrary", "{}", 400);
+        row("unknown op", "PATCH", "/medialibrary", R"([{"op":"burn","path":""}])", 400);
+        row("get op", "PATCH", "/medialibrary", R"([{"op":"get","path":""}])", 400);
+        row("invoke op", "PATCH", "/medialibrary", R"([{"op":"invoke","path":"/a","value":{}}])", 400);
+        row("no such path", "PATCH", "/medialibrary", R"([{"op":"remove","path":"/collections/7"}])", 409);
+        row("failed test", "PATCH", "/medialibrary",
+            R"([{"op":"replace","path":"/collections/1/name","value":"x"},{"op":"test","path":"/collections/1/name","value":"y"}])",
+            409);
+        row("wrong type", "PATCH", "/medialibrary",
+            R"([{"op":"replace","path":"/collections/1/name","value":7}])", 422);
+        row("slot 10000", "PATCH", "/medialibrary",
+            R"([{"op":"add","path":"/collections/1/slots/10000","value":{}}])", 422);
+        row("no library", "PATCH", "/medialibrary", R"([{"op":"replace","path":"","value":[]}])", 422);
+        row("library", "GET", "/medialibrary", "", 200);
+        row("library with query", "GET", "/medialibrary?x=1", "", 200);
+        row("collections", "GET", "/collections", "", 200);
+        row("playlists", "GET", "/playlists", "", 200);
+        row("bad replacement", "POST", "/medialibrary", R"({"collections":[]})", 422);
+        row("torn replacement", "POST", "/medialibrary", R"({"collections":)", 400);
+        row("new playlists", "POST", "/playlists", R"([{"name":"p","entries":{}}])", 200);
+        row("playlists as object", "POST", "/playlists", "{}", 422);
+        row("bad playlist", "POST", "/playlists", R"([{"entries":{"0":{}}}])", 422);
+        row("wrong method", "DELETE", "/medialibrary", "", 405);
+        row("post to stream", "POST", "/sse", "", 405);
+        row("plain events", "GET", "/events", "", 405);
+        row("unknown", "GET", "/nothing", "", 404);
+        row("root", "GET", "", "", 404);
+        row("deeper", "GET", "/medialibrary/collections", "", 404);
+        row("missing media", "GET", "/metadata/?file=file:///none.mp4", "", 404);
+        row("climbing out", "GET", "/metadata/?file=file:///../../etc/passwd", "", 404);
+        row("climbing out encoded", "GET", "/thumbnails/?file=file:///%252e%252e%2fetc%2fpasswd", "", 404);
+        row("other scheme", "GET", "/metadata/?file=http://localhost/a.mp4", "", 404);
+        row("no file", "GET", "/thumbnails/", "", 400);
+        row("bad escape", "GET", "/metadata/?file=%zz", "", 400);
+        row("bad show", "POST", "/show/current", "{}", 400);
+        row("bad section", "POST", "/show/current?include=lights",
+            R"({"format":"halcyra-show","version":1,"library":{},"settings":{}})", 400);
+        row("other version", "POST", "/show/current",
+            R"({"format":"halcyra-show","version":9,"library":{},"settings":{}})", 409);
+        row("other version forced", "POST", "/show/current?include=output&force",
+            R"({"format":"halcyra-show","version":9,"library":{},"settings":{}})", 200);
+    }
+
+    void answers()
+    {
+        QFETCH(QByteArray, method);
+        QFETCH(QByteArray, path);
+        QFETCH(QByteArray, body);
+        QFETCH(int, status);
+        const Json before = parsed(m_live.request("GET", "/medialibrary").body);
+        const LiveServer::Answer answer = m_live.request(method, path, body);
+        QCOMPARE(answer.status, status);
+        const Json json = parsed(answer.body);
+        if (status >= 400) {
+            QVERIFY2(!json.get("error").asString().empty() && json.get("error").isString(),
+                     answer.body.constData());
+            QVERIFY(parsed(m_live.request("GET", "/medialibrary").body) == before);
+        } else {
+            QVERIFY2(json.isObject(), answer.body.constData());
+        }
+    }
+
+    void refusesWhatIsNoRequest_data()
+    {
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::addColumn<QByteArray>("status");
+        QTest::newRow("garbage") << QByteArray("\x01\x02\x03\r\n\r\n") << QByteArray("400");
+        QTest::newRow("long header") << "GET / HTTP/1.1\r\nX: " + QByteArray(40000, 'x') + "\r\n\r\n"
+                                     << QByteArray("431");
+        QTest::newRow("large body") << QByteArray("PATCH /api/brume/v1/medialibrary HTTP/1.1\r\n"
+                                                  "Content-Length: 70000000\r\n\r\n[")
+                                    << QByteArray("413");
+        QTest::newRow("bad length") << QByteArray("GET / HTTP/1.1\r\nContent-Length: -1\r\n\r\n")
+                                    << QByteArray("400");
+    }
+
+    void refusesWhatIsNoRequest()
+    {
+        QFETCH(QByteArray, bytes);
+        QFETCH(QByteArray, status);
+        const QByteArray answer = m_live.exchange(bytes);
+        QVERIFY2(answer.startsWith("HTTP/1.1 " + status), answer.constData());
+        QCOMPARE(m_live.request("GET", "/system").status, 200);
+    }
+
+    /// Each accepted patch is one message; a client that folds blanks as the application does ends with the
+    /// same library as the server.
+    void streamsEachPatchOnce()
+    {
+        MediaLibrary mirror;
+        QVERIFY(mirror.parseJson(parsed(m_live.request("GET", "/medialibrary").body)));
+        QTcpSocket stream;
+        const QByteArray opened = openStream(stream);
+        QVERIFY2(opened.startsWith("HTTP/1.1 200") && opened.contains("text/event-stream"),
+                 opened.constData());
+
+        const QList<QByteArray> patches = {
+            R"([{"op":"replace","path":"/collections/1/name","value":"two  three   \ttab\u00a0\u2003wide \\  end "}])",
+            R"([{"op":"add","path":"/collections/1/slots/5","value":{"name":" x  y"}},
+                {"op":"move","from":"/collections/1/slots/5","path":"/collections/1/slots/6"}])",
+            R"([{"op":"remove","path":"/collections/1/slots/1/outpoint"}])",
+            R"([{"op":"remove","path":"/nothing"}])",
+            R"([{"op":"add","path":"/playlists/3","value":{"name":"\n","entries":{}}}])",
+        };
+        QByteArray received;
+        int accepted = 0;
+        for (const QByteArray& patch : patches)
+            accepted += m_live.request("PATCH", "/medialibrary", patch).status == 200;
+        QCOMPARE(accepted, 4);
+        QVERIFY(m_live.waitFor([&] {
+            received += stream.readAll();
+            return received.count("\n\n") >= accepted;
+        }));
+        QCOMPARE(m_live.request("PATCH", "/medialibrary", "[]").status, 200); // changes nothing, says nothing
+        const QList<QByteArray> lines = received.split('\n');
+        int messages = 0;
+        for (const QByteArray& line : lines) {
+            if (line.isEmpty())
+                continue;
+            QVERIFY2(line.startsWith("data:"), line.constData());
+            Patch patch;
+            const QString value = QString::fromUtf8(line.mid(5)).simplified();
+            QVERIFY2(Patch::parseString(value.toStdString(), patch), line.constData());
+            QCOMPARE(mirror.applyDiff(patch), 0);
+            ++messages;
+        }
+        QCOMPARE(messages, accepted);
+        QVERIFY(mirror.toJson() == parsed(m_live.request("GET", "/medialibrary").body));
+
+        // A replaced library comes as what differs.
+        QCOMPARE(m_live.request("POST", "/medialibrary", library).status, 200);
+        received.clear();
+        QVERIFY(m_live.waitFor([&] {
+            received += stream.readAll();
+            return received.endsWith("\n\n");
+        }));
+        Patch difference;
+        QVERIFY(Patch::parseString(received.mid(5).trimmed().toStdString(), difference));
+        QCOMPARE(mirror.applyDiff(difference), 0);
+        QVERIFY(mirror.toJson() == parsed(m_live.request("GET", "/medialibrary").body));
+    }
+
+    void numbersNewPlaylists()
+    {
+        QCOMPARE(m_live.request("POST", "/playlists", R"([{"name":"a"},{"name":"b","entries":{}}])").status,
+                 200);
+        const Json playlists = parsed(m_live.request("GET", "/playlists").body);
+        QCOMPARE(playlists.size(), std::size_t(2));
+        QCOMPARE(playlists.get("2").get("name").asString(), std::string("b"));
+        QCOMPARE(parsed(m_live.request("GET", "/collections").body).get("1").get("name").asString(),
+                 std::string("one"));
+    }
+
+    /// A file that appears is told on the WebSocket, described, and shown; when it goes it is missing.
+    void followsTheMediaFolder()
+    {
+        QTcpSocket socket;
+        socket.connectToHost(QStringLiteral("127.0.0.1"), m_live.server().httpPort());
+        socket.write(
+            "GET /api/brume/v1/events HTTP/1.1\r\nHost: test\r\nUpgrade: websocket\r\nConnection: Upgrade\r\n"
+            "Sec-WebSocket-Key: dGhlIHNhbXBsZSBub25jZQ==\r\nSec-WebSocket-Version: 13\r\n\r\n");
+        QByteArray received;
+        const auto comes = [&](const QByteArray& text) {
+            return m_live.waitFor([&] {
+                received += socket.readAll();
+                return received.contains(text);
+            });
+        };
+        QVERIFY(comes("s3pPLMBiTxaQ9kYGzzhZRbK+xOo="));
+
+        const test::Quadrants colours = {Qt::red, Qt::green, Qt::blue, Qt::white};
+        const QString file = m_live.mediaFolder() + QStringLiteral("/new clip & co.mp4");
+        if (!test::makeClip(m_live.mediaFolder() + QStringLiteral("/.part.mp4"), colours, 2))
+            QSKIP("the ffmpeg tool is missing");
+        QVERIFY(QFile::rename(m_live.mediaFolder() + QStringLiteral("/.part.mp4"), file));
+        QVERIFY(comes(R"({"mediaUrl":"file:///new%20clip%20&%20co.mp4","type":"metadata-added"})"));
+
+        const QByteArray query = "?file=file:///new%2520clip%2520%26%2520co.mp4";
+        const LiveServer::Answer described = m_live.request("GET", "/metadata/" + query);
+        MediaMetadata metadata;
+        QVERIFY2(metadata.parseJson(parsed(described.body)), described.body.constData());
+        QVERIFY(metadata.getIsPlayable());
+        QCOMPARE(metadata.getMediaType(), MediaType::VideoFile);
+        QCOMPARE(metadata.getWidth().value_or(0), 320);
+        QVERIFY(qAbs(metadata.getDuration().value_or(0) - 2) < 0.1);
+        const QImage picture = QImage::fromData(m_live.request("GET", "/thumbnails/" + query).body, "JPG");
+        QVERIFY(test::alike(test::quadrantsOf(picture), colours));
+
+        QVERIFY(QFile::remove(file));
+        QVERIFY(comes("metadata-removed"));
+        QCOMPARE(m_live.request("GET", "/metadata/" + query).status, 404);
+    }
+
+    void exportsAndImportsTheShow()
+    {
+        const LiveServer::Answer show = m_live.request("GET", "/show/current");
+        QCOMPARE(show.status, 200);
+        QCOMPARE(m_live.request("POST", "/medialibrary", R"({"collections":{},"playlists":{}})").status, 200);
+        QCOMPARE(m_live.request("POST", "/show/current?include=output,audio", show.body).status, 200);
+        QCOMPARE(parsed(m_live.request("GET", "/collections").body).size(), std::size_t(0));
+        QCOMPARE(m_live.request("POST", "/show/current?include=medialibrary,playback", show.body).status,
+                 200);
+        QCOMPARE(parsed(m_live.request("GET", "/collections").body).size(), std::size_t(1));
+    }
+
+private:
+    QByteArray openStream(QTcpSocket& stream)
+    {
+        stream.connectToHost(QStringLiteral("127.0.0.1"), m_live.server().httpPort());
+        stream.write(
+            "GET /api/brume/v1/sse?topic=collections&topic=playlists HTTP/1.1\r\nHost: test\r\n\r\n");
+        QByteArray head;
+        m_live.waitFor([&] {
+            head += stream.readAll();
+            return head.contains("\r\n\r\n");
+        });
+        return head;
+    }
+
+    LiveServer m_live;
+};
+
+HALCYRA_TEST(RestApiTest)
+#include "restapitest.moc"
