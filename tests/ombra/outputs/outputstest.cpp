@@ -53,44 +53,43 @@ private Q_SLOTS:
         const QByteArray mapping("/device/channels/0/mappings/0");
         const QByteArray edid = QByteArray::fromStdString(makeEdid(videoModes()[9], "Other"));
         QTest::newRow("mode") << output + "/methods/selectModeline"
-                              << QByteArray(R"({"modelineId":"3840x2160p50","maxLinkRate":true})") << true
+                              << QByteArray("{'modelineId':'3840x2160p50','maxLinkRate':true}") << true
                               << output + "/properties/hTotal" << QByteArray("5280");
         QTest::newRow("display's mode")
-            << output + "/methods/selectModeline" << QByteArray(R"({"modelineId":"edid-1280x720p60"})")
-            << true << output + "/properties/height" << QByteArray("720");
+            << output + "/methods/selectModeline" << QByteArray("{'modelineId':'edid-1280x720p60'}") << true
+            << output + "/properties/height" << QByteArray("720");
         QTest::newRow("unknown mode")
-            << output + "/methods/selectModeline" << QByteArray(R"({"modelineId":"8k"})") << false
+            << output + "/methods/selectModeline" << QByteArray("{'modelineId':'8k'}") << false
             << output + "/properties/width" << QByteArray("1920");
         QTest::newRow("mode not of the display")
-            << output + "/methods/selectModeline" << QByteArray(R"({"modelineId":"edid-3840x2160p60"})")
-            << false << output + "/properties/width" << QByteArray("1920");
+            << output + "/methods/selectModeline" << QByteArray("{'modelineId':'edid-3840x2160p60'}") << false
+            << output + "/properties/width" << QByteArray("1920");
         QTest::newRow("no mode") << output + "/methods/selectModeline" << QByteArray("{}") << false
                                  << output + "/properties/width" << QByteArray("1920");
         QTest::newRow("edid") << output + "/methods/setEdidOverride"
-                              << R"({"edid":")" + edid +
-                                     R"(","filename":"a.bin","modelineId":"","maxLinkRate":false})"
-                              << true << output + "/properties/edidOverrideFilename" << QByteArray("a.bin");
-        QTest::newRow("bad edid") << output + "/methods/setEdidOverride" << QByteArray(R"({"edid":"00ff"})")
+                              << "{'edid':'" + edid + "','filename':'a.bin','modelineId':''}" << true
+                              << output + "/properties/edidOverrideFilename" << QByteArray("a.bin");
+        QTest::newRow("bad edid") << output + "/methods/setEdidOverride" << QByteArray("{'edid':'00ff'}")
                                   << false << output + "/properties/edidOverride" << QByteArray("");
         QTest::newRow("scaling") << mapping + "/methods/selectDefaultScaleMode"
-                                 << QByteArray(R"({"mode":"clip"})") << true
+                                 << QByteArray("{'mode':'clip'}") << true
                                  << mapping + "/properties/defaultScaleMode" << QByteArray("clip");
         QTest::newRow("bad scaling") << mapping + "/methods/selectDefaultScaleMode"
-                                     << QByteArray(R"({"mode":7})") << false
+                                     << QByteArray("{'mode':7}") << false
                                      << mapping + "/properties/defaultScaleMode" << QByteArray("fit");
         QTest::newRow("colour") << mapping + "/methods/selectBackgroundColor"
-                                << QByteArray(R"({"color":"#102030"})") << true
+                                << QByteArray("{'color':'#102030'}") << true
                                 << mapping + "/properties/backgroundColor" << QByteArray("#102030");
         QTest::newRow("bad colour") << mapping + "/methods/selectBackgroundColor"
-                                    << QByteArray(R"({"color":"red!"})") << false
+                                    << QByteArray("{'color':'red!'}") << false
                                     << mapping + "/properties/backgroundColor" << QByteArray("#000000");
         QTest::newRow("swap") << QByteArray("/device/channels/0/methods/configure")
-                              << QByteArray(R"({"target1":"DP-2","mode1":"clip","bg1":"#ffffff",
-                                                "target2":"DP-1","mode2":"fit","bg2":"#000000"})")
+                              << QByteArray("{'target1':'DP-2','mode1':'clip','bg1':'#ffffff',"
+                                            "'target2':'DP-1','mode2':'fit','bg2':'#000000'}")
                               << true << mapping + "/properties/target" << QByteArray("DP-2");
         QTest::newRow("same target") << QByteArray("/device/channels/0/methods/configure")
-                                     << QByteArray(R"({"target1":"DP-2","mode1":"clip","bg1":"#ffffff",
-                                                       "target2":"DP-2","mode2":"fit","bg2":"#000000"})")
+                                     << QByteArray("{'target1':'DP-2','mode1':'clip','bg1':'#ffffff',"
+                                                   "'target2':'DP-2','mode2':'fit','bg2':'#000000'}")
                                      << false << mapping + "/properties/target" << QByteArray("DP-1");
     }
 
@@ -98,6 +97,7 @@ private Q_SLOTS:
     {
         QFETCH(QByteArray, path);
         QFETCH(QByteArray, args);
+        args.replace('\'', '"');
         QFETCH(bool, done);
         QFETCH(QByteArray, property);
         QFETCH(QByteArray, value);

@@ -13,8 +13,8 @@ using namespace vantrel::ombra::test;
 namespace {
 
 const QByteArray library =
-    R"({"collections":{"1":{"name":"one","slots":{"1":{"name":"clip","contentUrl":"file:///a"}}}},
-    "playlists":{"2":{"name":"list","entries":{"1.5":{"slotUrl":"brume://collections/1/slots/1"}}}}})";
+    R"({"collections":{"1":{"name":"one","slots":{"1":{"name":"clip","contentUrl":"file:///a"}}}},)"
+    R"("playlists":{"2":{"name":"list","entries":{"1.5":{"slotUrl":"brume://collections/1/slots/1"}}}}})";
 
 Json parsed(const QByteArray& text)
 {
@@ -152,8 +152,8 @@ private Q_SLOTS:
 
         const QList<QByteArray> patches = {
             R"([{"op":"replace","path":"/collections/1/name","value":"two  three   \ttab\u00a0\u2003wide \\  end "}])",
-            R"([{"op":"add","path":"/collections/1/slots/5","value":{"name":" x  y"}},
-                {"op":"move","from":"/collections/1/slots/5","path":"/collections/1/slots/6"}])",
+            R"([{"op":"add","path":"/collections/1/slots/5","value":{"name":" x  y"}},)"
+            R"({"op":"move","from":"/collections/1/slots/5","path":"/collections/1/slots/6"}])",
             R"([{"op":"remove","path":"/collections/1/slots/1/outpoint"}])",
             R"([{"op":"remove","path":"/nothing"}])",
             R"([{"op":"add","path":"/playlists/3","value":{"name":"\n","entries":{}}}])",
@@ -229,7 +229,9 @@ private Q_SLOTS:
         if (!test::makeClip(m_live.mediaFolder() + QStringLiteral("/.part.mp4"), colours, 2))
             QSKIP("the ffmpeg tool is missing");
         QVERIFY(QFile::rename(m_live.mediaFolder() + QStringLiteral("/.part.mp4"), file));
-        QVERIFY(comes(R"({"mediaUrl":"file:///new%20clip%20&%20co.mp4","type":"metadata-added"})"));
+        const QByteArray event =
+            R"({"mediaUrl":"file:///new%20clip%20&%20co.mp4","type":"metadata-added"})";
+        QVERIFY(comes(event));
 
         const QByteArray query = "?file=file:///new%2520clip%2520%26%2520co.mp4";
         const LiveServer::Answer described = m_live.request("GET", "/metadata/" + query);
