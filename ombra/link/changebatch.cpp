@@ -9,7 +9,8 @@ namespace {
 std::size_t sizeOf(const PatchOp& op)
 {
     constexpr std::size_t frame = 48;
-    return frame + op.path.size() * 24 + (op.op == PatchOpType::Add ? op.value.toString().size() : op.value.stringView().size());
+    return frame + op.path.size() * 24 +
+           (op.op == PatchOpType::Add ? op.value.toString().size() : op.value.stringView().size());
 }
 
 } // namespace

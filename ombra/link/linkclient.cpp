@@ -48,7 +48,8 @@ void LinkClient::received(std::size_t count)
         if (result == linkframe::Decoder::Result::NeedMore)
             break;
         if (result == linkframe::Decoder::Result::Error) {
-            logLine(LogLevel::Warning, "vantrel.link", "ending the link of " + m_name + ": " + m_decoder.message());
+            logLine(LogLevel::Warning, "vantrel.link",
+                    "ending the link of " + m_name + ": " + m_decoder.message());
             return close();
         }
         m_handlers->patch(*this, patch);

@@ -79,7 +79,8 @@ bool inRange(const PropertyInfo* property, const Json& value)
 bool clientMayWrite(const Object* object, const PropertyInfo* property, const Json& value, std::string& why)
 {
     const auto type = table().find(object->getTypeName());
-    const auto rule = type == table().end() ? decltype(type->second.find(""))() : type->second.find(property->name);
+    const auto rule =
+        type == table().end() ? decltype(type->second.find(""))() : type->second.find(property->name);
     if (type == table().end() || rule == type->second.end() || property->readOnly) {
         why = "the property is the server's";
         return false;

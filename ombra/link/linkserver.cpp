@@ -18,7 +18,8 @@ constexpr std::size_t maxClients = 64;
 
 const char* nameOf(PatchOpType op)
 {
-    static constexpr const char* names[] = {"add", "test", "replace", "remove", "move", "copy", "get", "invoke"};
+    static constexpr const char* names[] = {"add",  "test", "replace", "remove",
+                                            "move", "copy", "get",     "invoke"};
     return names[static_cast<std::size_t>(op)];
 }
 
@@ -72,7 +73,8 @@ bool LinkServer::listen(const boost::asio::ip::address& address, unsigned short 
     if (!code)
         m_acceptor.listen(boost::asio::socket_base::max_listen_connections, code);
     if (code) {
-        *error = "cannot listen on " + address.to_string() + " port " + std::to_string(port) + ": " + code.message();
+        *error = "cannot listen on " + address.to_string() + " port " + std::to_string(port) + ": " +
+                 code.message();
         return false;
     }
     accept();
@@ -141,7 +143,7 @@ void LinkServer::answerGet(LinkClient& client, PathView path)
     if (path.empty()) {
         answer = m_scene.snapshot();
     } else {
-        sendBack(client, path.toPath());
+        sendBack(client, path.toPath(), false);
         return scheduleFlush();
     }
     Patch piece;
@@ -154,8 +156,9 @@ void LinkServer::answerGet(LinkClient& client, PathView path)
     scheduleFlush();
 }
 
-/// Sends what the scene holds at a path; nothing, with a log line, when there is nothing.
-void LinkServer::sendBack(LinkClient& client, const Path& path)
+/// Sends what the scene holds at a path; nothing, with a log line, when there is nothing. missing: the client
+/// has no such object any more.
+void LinkServer::sendBack(LinkClient& client, const Path& path, bool missing)
 {
     const ScenePointer at = m_scene.find(path);
     PatchOp op;
@@ -165,7 +168,7 @@ void LinkServer::sendBack(LinkClient& client, const Path& path)
         op.op = PatchOpType::Replace;
         Json::fromVariant(value, op.value);
     } else if (at.deref() && !at.property() && !at.method()) {
-        op.op = PatchOpType::Add;
+        op.op = missing ? PatchOpType::Add : PatchOpType::Replace; // in an array an add would be one more
         op.value = Scene::toJson(at.deref());
     } else {
         logLine(LogLevel::Debug, "vantrel.link", client.name() + ": nothing is at " + path.toString());
@@ -227,7 +230,7 @@ void LinkServer::refuse(LinkClient& client, const PatchOp& op, const std::string
     logLine(LogLevel::Warning, "vantrel.link",
             client.name() + ": refused to " + nameOf(op.op) + " " + op.path.toString() + ": " + why);
     if (op.op == PatchOpType::Replace || op.op == PatchOpType::Remove)
-        sendBack(client, op.path);
+        sendBack(client, op.path, op.op == PatchOpType::Remove);
     scheduleFlush();
 }
 

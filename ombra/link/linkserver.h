@@ -46,7 +46,7 @@ private:
     void writeProperty(LinkClient& client, const PatchOp& op);
     void restructure(LinkClient& client, const PatchOp& op);
     void refuse(LinkClient& client, const PatchOp& op, const std::string& why);
-    void sendBack(LinkClient& client, const Path& path);
+    void sendBack(LinkClient& client, const Path& path, bool missing);
 
     void onSceneChange(int count, const SceneChange* changes);
     void publish(const PatchOp& op);
