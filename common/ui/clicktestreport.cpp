@@ -178,10 +178,13 @@ void appendDelegates(const QWidget* widget, QJsonArray& results)
     if (!model)
         return;
     const QModelIndex root = view->rootIndex();
-    const bool isList = qobject_cast<const QListView*>(view) != nullptr;
+    // A list shows one column of its model, and calls it the first.
+    const auto* list = qobject_cast<const QListView*>(view);
+    const int firstColumn = list ? list->modelColumn() : 0;
+    const int columns = list ? 1 : model->columnCount(root);
     for (int row = 0; row < model->rowCount(root); ++row) {
-        for (int column = 0; column < (isList ? 1 : model->columnCount(root)); ++column)
-            results.append(processDelegate(view, model->index(row, column, root), row, column));
+        for (int column = 0; column < columns; ++column)
+            results.append(processDelegate(view, model->index(row, firstColumn + column, root), row, column));
     }
 }
 
