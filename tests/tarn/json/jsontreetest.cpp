@@ -8,6 +8,7 @@
 
 #include <map>
 #include <random>
+#include <thread>
 #include <vector>
 
 using namespace vantrel;
@@ -187,6 +188,37 @@ private Q_SLOTS:
         QCOMPARE(changed, 1);
         QCOMPARE(oldSlots.get("77").get("inpoint").asInt(-1), 0);
         QCOMPARE(newSlots.get("77").get("inpoint").asInt(-1), 2);
+    }
+
+    void threadsEditTheirOwnCopies()
+    {
+        const Json shared = library(2000, true);
+        std::vector<Json> results(4);
+        std::vector<std::thread> threads;
+        for (unsigned t = 0; t < results.size(); ++t) {
+            threads.emplace_back([&shared, &results, t] {
+                std::mt19937 random(t);
+                std::vector<Json> versions{shared};
+                for (int i = 0; i < 400; ++i) {
+                    Json next = versions[random() % versions.size()];
+                    Json* slots = next.edit("collections")->edit("1")->edit("slots");
+                    slots->set("a long name of thread " + std::to_string(t), i);
+                    slots->erase(std::to_string(random() % 2000 + 1));
+                    versions.push_back(std::move(next));
+                    if (versions.size() > 20)
+                        versions.erase(versions.begin() + 1);
+                }
+                results[t] = versions.back();
+            });
+        }
+        for (std::thread& thread : threads)
+            thread.join();
+        QVERIFY(shared == library(2000, true));
+        for (unsigned t = 0; t < results.size(); ++t) {
+            const Json slots = results[t].get("collections").get("1").get("slots");
+            QVERIFY2(JsonTree::fault(slots).empty(), JsonTree::fault(slots).c_str());
+            QCOMPARE(slots.get("a long name of thread " + std::to_string(t)).asInt(-1), 399);
+        }
     }
 
     /// The cost of an edit command, in nodes: it holds on any machine.

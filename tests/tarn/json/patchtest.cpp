@@ -223,7 +223,8 @@ private Q_SLOTS:
         bad("get", "{}", R"([{"op":"get","path":""}])", Unsupported);
         bad("invoke", "{}", R"([{"op":"invoke","path":"/methods/take","value":{}}])", Unsupported);
         bad("all or nothing", R"({"a":{"b":[1]}})",
-            R"([{"op":"add","path":"/a/b/-","value":2},{"op":"remove","path":"/a/b/0"},{"op":"test","path":"/a/b/0","value":1}])",
+            R"([{"op":"add","path":"/a/b/-","value":2},{"op":"remove","path":"/a/b/0"},)"
+            R"({"op":"test","path":"/a/b/0","value":1}])",
             TestFailed);
     }
     void applies()
@@ -357,8 +358,10 @@ private Q_SLOTS:
         row("inside an item", R"([1,{"a":1},2])", R"([1,{"a":5},2])",
             R"([{"op":"replace","path":"/1/a","value":5}])", R"([{"op":"replace","path":"/1/a","value":1}])");
         row("one changed, two gone", "[1,2,3,4,5]", "[1,9,5]",
-            R"([{"op":"replace","path":"/1","value":9},{"op":"remove","path":"/3"},{"op":"remove","path":"/2"}])",
-            R"([{"op":"replace","path":"/1","value":2},{"op":"add","path":"/2","value":4},{"op":"add","path":"/2","value":3}])");
+            R"([{"op":"replace","path":"/1","value":9},{"op":"remove","path":"/3"},)"
+            R"({"op":"remove","path":"/2"}])",
+            R"([{"op":"replace","path":"/1","value":2},{"op":"add","path":"/2","value":4},)"
+            R"({"op":"add","path":"/2","value":3}])");
         row("all equal items", "[1,1,1]", "[1,1]", R"([{"op":"remove","path":"/2"}])",
             R"([{"op":"add","path":"/2","value":1}])");
     }
@@ -382,7 +385,7 @@ private Q_SLOTS:
     /// that was written before changes.
     void randomEditsLeadThereAndBack()
     {
-        for (unsigned seed = 0; seed < 3000; ++seed) {
+        for (unsigned seed = 0; seed < 2000; ++seed) {
             RandomDocument source(seed);
             const Json before = source.container(3, seed % 4 != 0, seed % 10 == 0 ? 200 : source.draw(8));
             const std::string textBefore = before.toString();
