@@ -21,7 +21,9 @@ public:
     QString autoStartShow() const { return getProperty<QString>(m_info.autoStartShow); }
     void setAutoStartShow(const QString& value) { setProperty(m_info.autoStartShow, value); }
     QString autoStartPlayState() const { return getProperty<QString>(m_info.autoStartPlayState); }
+    void setAutoStartPlayState(const QString& value) { setProperty(m_info.autoStartPlayState, value); }
     QString autoStartShowList() const { return getProperty<QString>(m_info.autoStartShowList); }
+    void setAutoStartShowList(const QString& value) { setProperty(m_info.autoStartShowList, value); }
 
 Q_SIGNALS:
     void autoSaveChanged();

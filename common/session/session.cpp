@@ -20,6 +20,7 @@
 #include "common/session/objecttreemodel.h"
 #include "common/session/previewthread.h"
 #include "common/session/sceneobjectprovider.h"
+#include "common/session/serverconfigurationmodel.h"
 #include "common/session/sessionlogging.h"
 #include "common/session/signalrelay.h"
 #include "common/session/systemproxy.h"
@@ -161,6 +162,8 @@ void Session::doInit()
     m_preview = std::make_unique<PreviewThread>(m_ports.preview);
     m_signalRelay = std::make_unique<SignalRelay>();
     initConnection();
+    m_serverConfiguration = std::make_shared<ServerConfigurationModel>();
+    m_serverConfiguration->setShowConfiguration(m_sceneObjects->showConfiguration());
     m_previewPlaybackModel = new PlaybackModel(preview, m_playlistProvider, this);
     m_programPlaybackModel = new PlaybackModel(program, m_playlistProvider, this);
     wireProviders();

@@ -35,6 +35,7 @@ class PlaylistProvider;
 class PreviewThread;
 class Scene;
 class SceneObjectProvider;
+class ServerConfigurationModel;
 class SignalRelay;
 class SystemProxy;
 struct SceneChange;
@@ -84,6 +85,10 @@ public:
     SignalRelay* signalRelay() const { return m_signalRelay.get(); }
     SystemProxy* systemProxy() const { return m_systemProxy.get(); }
     SceneObjectProvider* sceneObjectProvider() const { return m_sceneObjects; }
+    std::shared_ptr<ServerConfigurationModel> serverConfigurationModel() const
+    {
+        return m_serverConfiguration;
+    }
     ObjectTreeModel* objectTreeModel() const { return m_objectTree.get(); }
     Hotkeys* hotkeys() const { return m_hotkeys; }
     /// The main window's; null clears it.
@@ -135,6 +140,7 @@ private:
     std::unique_ptr<PreviewThread> m_preview;
     ConnectionHandler* m_connection = nullptr;
     SceneObjectProvider* m_sceneObjects = nullptr;
+    std::shared_ptr<ServerConfigurationModel> m_serverConfiguration;
     Hotkeys* m_hotkeys = nullptr;
 
     Ref<MediaLibrary> m_mediaLibrary;

@@ -1,7 +1,7 @@
 #include "common/ui/configurationdialog.h"
 
 #include "common/session/configuration.h"
-#include "common/session/serverconfigurationcolumns.h"
+#include "common/session/serverconfigurationmodel.h"
 #include "common/session/timecodeviewmode.h"
 #include "common/ui/fontsizefollower.h"
 #include "common/ui/navbutton.h"
@@ -104,25 +104,27 @@ QWidget* ConfigurationDialog::makeServerPage()
     m_playState->addItem(tr("Play"), QStringLiteral("play"), tr("Start Program in Play state"));
     m_playState->addItem(tr("Pause"), QStringLiteral("pause"), tr("Start Program in Pause state"));
     m_playState->addItem(tr("Stop"), QStringLiteral("stop"), tr("Start Program in Stop state"));
-    connect(m_playState, &SwitchSelect::selected, this,
-            [this](const QVariant& value) { setServerData(AutoStartPlayStateColumn, value); });
+    connect(m_playState, &SwitchSelect::selected, this, [this](const QVariant& value) {
+        setServerData(ServerConfigurationModel::AutoStartPlayStateColumn, value);
+    });
     addRow(form, tr("Autostart playstate:"), m_playState);
 
     m_startShow = new ZTComboBox(page);
     m_startShow->setSizeAdjustPolicy(QComboBox::AdjustToContents);
-    connect(m_startShow, &QComboBox::activated, this,
-            [this] { setServerData(AutoStartShowColumn, m_startShow->currentData()); });
+    connect(m_startShow, &QComboBox::activated, this, [this] {
+        setServerData(ServerConfigurationModel::AutoStartShowColumn, m_startShow->currentData());
+    });
     addRow(form, tr("Autostart show:"), m_startShow);
 
     m_autoSave = new ZTCheckBox(tr("Save the show on every change"), page);
     connect(m_autoSave, &ZTCheckBox::clicked, this,
-            [this](bool checked) { setServerData(AutoSaveColumn, checked); });
+            [this](bool checked) { setServerData(ServerConfigurationModel::AutoSaveColumn, checked); });
     addRow(form, tr("Auto save:"), m_autoSave);
     initAutoStartShow({}, QString());
     return page;
 }
 
-void ConfigurationDialog::setModel(std::shared_ptr<QAbstractItemModel> model)
+void ConfigurationDialog::setModel(std::shared_ptr<ServerConfigurationModel> model)
 {
     if (m_model)
         m_model->disconnect(this);
@@ -192,9 +194,10 @@ void ConfigurationDialog::updateServerConfigurationData()
     if (!m_model || m_model->rowCount() == 0)
         return;
     const auto read = [this](int column) { return m_model->index(0, column).data(); };
-    m_autoSave->setChecked(read(AutoSaveColumn).toBool());
-    m_playState->setValue(read(AutoStartPlayStateColumn));
-    initAutoStartShow(read(AutoStartShowListColumn).toStringList(), read(AutoStartShowColumn).toString());
+    m_autoSave->setChecked(read(ServerConfigurationModel::AutoSaveColumn).toBool());
+    m_playState->setValue(read(ServerConfigurationModel::AutoStartPlayStateColumn));
+    initAutoStartShow(read(ServerConfigurationModel::AutoStartShowListColumn).toStringList(),
+                      read(ServerConfigurationModel::AutoStartShowColumn).toString());
 }
 
 void ConfigurationDialog::initAutoStartShow(const QStringList& shows, const QString& current)

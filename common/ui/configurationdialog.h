@@ -2,9 +2,6 @@
 
 #include "common/ui/ztdialog.h"
 
-#include <QAbstractItemModel>
-#include <QPersistentModelIndex>
-
 #include <memory>
 
 class QStackedWidget;
@@ -12,6 +9,7 @@ class QStackedWidget;
 namespace vantrel {
 
 class NavigationBar;
+class ServerConfigurationModel;
 class SwitchSelect;
 class ZTCheckBox;
 class ZTComboBox;
@@ -25,8 +23,8 @@ class ConfigurationDialog : public ZTDialog
 public:
     explicit ConfigurationDialog(QWidget* parent = nullptr);
 
-    /// The model of the server's settings (see ServerConfigurationModel for the columns); may be null.
-    void setModel(std::shared_ptr<QAbstractItemModel> model);
+    /// The model of the server's settings ; may be null.
+    void setModel(std::shared_ptr<ServerConfigurationModel> model);
     void loadConfiguration();
     void saveConfiguration();
     void setObjectNames(const QString& base) override;
@@ -55,7 +53,7 @@ private:
     SwitchSelect* m_playState = nullptr;
     ZTComboBox* m_startShow = nullptr;
     ZTCheckBox* m_autoSave = nullptr;
-    std::shared_ptr<QAbstractItemModel> m_model;
+    std::shared_ptr<ServerConfigurationModel> m_model;
 };
 
 } // namespace vantrel

@@ -155,6 +155,8 @@ void MainWindow::initMainMenu()
             &NotificationDialogWrapper::show);
     connect(m_mainMenu, &MainMenu::configurationClicked, this, &MainWindow::openConfigurationDialog);
     m_configurationDialog = new ConfigurationDialog(this);
+    if (const Session* session = Session::instance())
+        m_configurationDialog->setModel(session->serverConfigurationModel());
 }
 
 void MainWindow::addView(int index, const QString& caption, const QString& icon, const QString& name,
