@@ -1,0 +1,308 @@
+#include "common/notification/notificationmanagerimpl.h"
+#include "common/session/guishowconfiguration.h"
+#include "common/session/locatormodel.h"
+#include "common/session/serverconfigurationmodel.h"
+#include "common/ui/configurationdialog.h"
+#include "common/ui/connectdialog.h"
+#include "common/ui/mainmenu.h"
+#include "common/ui/mainnavigationbar.h"
+#include "common/ui/mainwindow.h"
+#include "common/ui/navbutton.h"
+#include "common/ui/navigationbar.h"
+#include "common/ui/notificationpresenter.h"
+#include "common/ui/notificationstatusbar.h"
+#include "common/ui/pushbutton.h"
+#include "common/ui/reconnectdialog.h"
+#include "common/ui/statusbar.h"
+#include "common/ui/statusbarmenu.h"
+#include "common/ui/stylesheet.h"
+#include "common/ui/switchselect.h"
+#include "common/ui/ztedit.h"
+#include "common/ui/ztlabel.h"
+#include "tests/common/ui/testsettings.h"
+#include "tests/support/testmain.h"
+
+#include <QAbstractItemModelTester>
+#include <QDirIterator>
+#include <QSignalSpy>
+#include <QSvgRenderer>
+#include <QTest>
+
+using namespace vantrel;
+
+class ShellTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void menuFollowsTheLink()
+    {
+        MainMenu menu;
+        const QStringList needsLink = {QStringLiteral("Disconnect from server"),
+                                       QStringLiteral("Device Reboot"), QStringLiteral("Clear show")};
+        const QStringList needsNone = {QStringLiteral("Connect to server...")};
+        const auto check = [&](bool connected) {
+            for (const QAction* action : menu.actions()) {
+                const bool expected = needsLink.contains(action->text())   ? connected
+                                      : needsNone.contains(action->text()) ? !connected
+                                                                           : true;
+                QVERIFY2(action->isEnabled() == expected, qPrintable(action->text()));
+            }
+        };
+        check(false);
+        menu.handleConnected();
+        check(true);
+        menu.handleDisconnected();
+        check(false);
+    }
+
+    void menuHoldsItsEntriesInOrder()
+    {
+        MainMenu menu;
+        QStringList texts;
+        for (const QAction* action : menu.actions()) {
+            if (!action->isSeparator())
+                texts.append(action->text());
+        }
+        const QStringList expected = {QStringLiteral("Connect to server..."),
+                                      QStringLiteral("Disconnect from server"),
+                                      QStringLiteral("Device Reboot"),
+                                      QStringLiteral("Clear show"),
+                                      QStringLiteral("Import show"),
+                                      QStringLiteral("Export show"),
+                                      QStringLiteral("Save diagnostics..."),
+                                      QStringLiteral("Notifications"),
+                                      QStringLiteral("Configuration"),
+                                      QStringLiteral("About"),
+                                      QStringLiteral("Exit")};
+        QCOMPARE(texts, expected);
+    }
+
+    void statusBarShowsTheLink()
+    {
+        StatusBar bar(nullptr, nullptr);
+        const auto shown = [&bar](const char* name) {
+            return !bar.findChild<QWidget*>(QLatin1String(name))->isHidden();
+        };
+        QVERIFY(shown("StatusBar-Disconnected") && !shown("StatusBar-ServerLabel"));
+        bar.onConnected();
+        QVERIFY(!shown("StatusBar-Disconnected") && shown("StatusBar-ServerLabel") &&
+                shown("StatusBar-ServerName"));
+        QAction* disconnect = bar.menu()->actions().at(1);
+        QVERIFY(disconnect->isEnabled());
+        QSignalSpy stop(&bar, &StatusBar::disconnectClicked);
+        bar.onDisconnected(QString());
+        bar.onReconnecting(2000);
+        QVERIFY(shown("StatusBar-Disconnected") && !disconnect->isEnabled());
+        QVERIFY(bar.reconnectDialog()->isVisible() && !bar.reconnectDialog()->isModal());
+        bar.reconnectDialog()->acceptButton()->click();
+        QCOMPARE(stop.size(), 1);
+        bar.onReconnecting(2000);
+        bar.onConnected();
+        QVERIFY(!bar.reconnectDialog()->isVisible());
+    }
+
+    void reconnectDotsKeepTheLineLong()
+    {
+        ReconnectDialog dialog;
+        const auto* label = dialog.findChild<ZTLabel*>(QStringLiteral("ReconnectDialog-text"));
+        QSet<QString> texts;
+        qsizetype length = -1;
+        for (int i = 0; i < 5; ++i) {
+            dialog.updateText();
+            texts.insert(label->text());
+            QVERIFY(length < 0 || length == label->text().size());
+            length = label->text().size();
+        }
+        QCOMPARE(texts.size(), 5);
+    }
+
+    void navigationSkipsWhatIsDisabled()
+    {
+        NavigationBar bar;
+        for (int i = 0; i < 3; ++i)
+            bar.addTab(i, new NavButton(QString::number(i), {}, &bar));
+        QSignalSpy selected(&bar, &NavigationBar::tabSelected);
+        bar.setActiveTab(0);
+        bar.setActiveTab(0);
+        bar.setDisabled(1);
+        bar.setActiveTab(1);
+        bar.setActiveTab(7);
+        QCOMPARE(bar.activeTab(), 0);
+        QTest::keyClick(&bar, Qt::Key_Right);
+        QCOMPARE(bar.activeTab(), 2);
+        QCOMPARE(selected.size(), 2);
+        QVERIFY(bar.button(2)->isActive() && !bar.button(0)->isActive());
+    }
+
+    void navButtonsFollowTheTextSize_data()
+    {
+        QTest::addColumn<FontSize>("size");
+        QTest::addColumn<int>("side");
+        QTest::addColumn<int>("icon");
+        QTest::newRow("small") << FontSize::Small << 27 << 15;
+        QTest::newRow("medium") << FontSize::Medium << 36 << 20;
+        QTest::newRow("large") << FontSize::Large << 48 << 30;
+        QTest::newRow("huge") << FontSize::Huge << 72 << 40;
+    }
+
+    void navButtonsFollowTheTextSize()
+    {
+        QFETCH(FontSize, size);
+        QFETCH(int, side);
+        QFETCH(int, icon);
+        const test::TestSettings settings;
+        PushButton button;
+        sizeNavButton(&button);
+        settings->setValue(TEXT_SIZE, QVariant::fromValue(size));
+        QCOMPARE(button.size(), QSize(side, side));
+        QCOMPARE(button.iconSize(), QSize(icon, icon));
+    }
+
+    void everyTokenOfTheSheetHasAMeaning()
+    {
+        for (const auto size : {FontSize::Small, FontSize::Medium, FontSize::Large, FontSize::Huge}) {
+            const QString sheet = StyleSheet::load(size); // an unknown token warns, and so fails the test
+            QVERIFY(sheet.size() > 1000);
+            QVERIFY(!sheet.contains(u'@'));
+        }
+        QVERIFY(StyleSheet::load(FontSize::Small) != StyleSheet::load(FontSize::Huge));
+    }
+
+    void everyIconIsADrawing()
+    {
+        int count = 0;
+        for (QDirIterator it(QStringLiteral(":/icons")); it.hasNext(); ++count) {
+            const QString path = it.next();
+            QVERIFY2(QSvgRenderer(path).isValid(), qPrintable(path));
+        }
+        QVERIFY(count > 60);
+    }
+
+    void connectDialogWantsAnAddress_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<bool>("valid");
+        QTest::newRow("empty") << "" << false;
+        QTest::newRow("blanks") << "   " << false;
+        QTest::newRow("host") << " stage-left " << true;
+    }
+
+    void connectDialogWantsAnAddress()
+    {
+        QFETCH(QString, text);
+        QFETCH(bool, valid);
+        const test::TestSettings settings;
+        ConnectDialog dialog;
+        QSignalSpy requested(&dialog, &ConnectDialog::connectRequested);
+        dialog.findChild<ZTEdit*>(QStringLiteral("ConnectDialog-input-AddressBar"))->setText(text);
+        QCOMPARE(dialog.acceptButton()->isEnabled(), valid);
+        dialog.doConnect();
+        QCOMPARE(requested.size(), valid ? 1 : 0);
+        if (valid)
+            QCOMPARE(settings->value(CONNECTION_HOST).toString(), text.trimmed());
+    }
+
+    void connectDialogChangesItsFaces()
+    {
+        const test::TestSettings settings;
+        ConnectDialog dialog;
+        QSignalSpy stopped(&dialog, &ConnectDialog::stop);
+        QSignalSpy requested(&dialog, &ConnectDialog::connectRequested);
+        dialog.showConnectDialog();
+        dialog.acceptButton()->click();
+        QCOMPARE(requested.size(), 1);
+        dialog.setConnectingDialog(QStringLiteral("<b>host</b>"));
+        QCOMPARE(dialog.title(), QStringLiteral("Connecting..."));
+        QCOMPARE(dialog.findChild<ZTLabel*>(QStringLiteral("ConnectDialog-text"))->text(),
+                 QStringLiteral("Connecting to <b>host</b>"));
+        dialog.setDisconnectionDialog(QStringLiteral("host"));
+        QCOMPARE(dialog.title(), QStringLiteral("Connection failed"));
+        dialog.acceptButton()->click(); // back to the form
+        QCOMPARE(dialog.title(), QStringLiteral("Connect to server"));
+        QCOMPARE(stopped.size(), 0);
+        dialog.setConnectingDialog(QStringLiteral("host"));
+        dialog.acceptButton()->click();
+        QCOMPARE(stopped.size(), 1);
+        QVERIFY(!dialog.isVisible());
+        QCOMPARE(requested.size(), 1);
+    }
+
+    void foundServersStayPut()
+    {
+        LocatorModel model(nullptr);
+        const QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::Fatal);
+        const NetworkPeer a{"10.0.0.1", {{"version", "1.4"}}};
+        const NetworkPeer b{"10.0.0.2", {}};
+        model.setPeers({b, a});
+        QSignalSpy reset(&model, &QAbstractItemModel::modelReset);
+        model.setPeers({a, b});
+        QCOMPARE(reset.size(), 0);
+        QCOMPARE(model.index(0, 0).data().toString(), QStringLiteral("10.0.0.1"));
+        QCOMPARE(model.index(0, 1).data().toString(), QStringLiteral("1.4"));
+        QVERIFY(!model.index(1, 1).data().isValid());
+        model.setPeers({a, {"10.0.0.2", {{"version", "2"}}}});
+        QCOMPARE(reset.size(), 1);
+    }
+
+    void showListHoldsEachNameOnce()
+    {
+        auto mirror = std::make_shared<GUIShowConfiguration>();
+        mirror->init();
+        ServerConfigurationModel model;
+        const QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::Fatal);
+        model.setShowConfiguration(mirror);
+        model.addShow(QStringLiteral("gala"));
+        model.addShow(QStringLiteral("matinee"));
+        model.addShow(QStringLiteral("gala"));
+        QCOMPARE(mirror->autoStartShowList(), QStringLiteral("gala,matinee"));
+        model.deleteShow(QStringLiteral("gala"));
+        QCOMPARE(model.index(0, ServerConfigurationModel::AutoStartShowListColumn).data().toStringList(),
+                 QStringList{QStringLiteral("matinee")});
+        QVERIFY(model.setData(model.index(0, ServerConfigurationModel::AutoSaveColumn), true));
+        QVERIFY(mirror->autoSave());
+    }
+
+    void configurationDialogWritesAtOnce()
+    {
+        const test::TestSettings settings;
+        ConfigurationDialog dialog;
+        dialog.open();
+        auto* bar = dialog.findChild<NavigationBar*>();
+        bar->setActiveTab(1);
+        QCOMPARE(bar->activeTab(), 0); // no link, no server page
+        dialog.onConnected();
+        bar->setActiveTab(1);
+        QCOMPARE(bar->activeTab(), 1);
+        dialog.onDisconnected();
+        QCOMPARE(bar->activeTab(), 0);
+        dialog.findChild<PushButton*>(QStringLiteral("ConfigurationDialog-TextSize-small"))->click();
+        dialog.findChild<PushButton*>(QStringLiteral("ConfigurationDialog-TimeFormat-df"))->click();
+        QVERIFY(currentFontSize() == FontSize::Small);
+        QCOMPARE(settings->value(TIMECODE_DISPLAY_MODE).toInt(), 3);
+    }
+
+    void notificationsAreCountedAndShownBySeverity()
+    {
+        NotificationManagerImpl manager;
+        QWidget window;
+        NotificationStatusBar counts(&window);
+        counts.setManager(&manager);
+        NotificationPresenter presenter(&manager, &window);
+        QVERIFY(presenter.testAttribute(Qt::WA_TransparentForMouseEvents));
+        const auto warning =
+            manager.createNotification(Notification::WarningMessage, QStringLiteral("w"), {});
+        const auto error = manager.createNotification(Notification::ErrorMessage, QStringLiteral("e"), {});
+        QCOMPARE(presenter.pending(), error);
+        QCOMPARE(counts.count(Notification::ErrorMessage), 1);
+        QVERIFY(!presenter.testAttribute(Qt::WA_TransparentForMouseEvents));
+        error->setIsAccepted(true);
+        QCOMPARE(presenter.pending(), warning);
+        QCOMPARE(counts.count(Notification::ErrorMessage), 0);
+        warning->setIsAccepted(true);
+        QVERIFY(presenter.testAttribute(Qt::WA_TransparentForMouseEvents) && presenter.isHidden());
+    }
+};
+
+HALCYRA_TEST(ShellTest)
+#include "shell.moc"
