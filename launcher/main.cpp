@@ -7,10 +7,14 @@
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QEvent>
+#include <QSocketNotifier>
 #include <QTimer>
 
+#include <array>
+#include <csignal>
 #include <cstdio>
 #include <memory>
+#include <unistd.h>
 
 namespace {
 
@@ -95,6 +99,38 @@ private:
     }
 };
 
+/// Ends the event loop when the system or a terminal asks the process to end, so that everything closes in
+/// order.
+class EndSignals
+{
+public:
+    EndSignals()
+        : m_notifier(ends()[0], QSocketNotifier::Read)
+    {
+        QObject::connect(&m_notifier, &QSocketNotifier::activated, qApp, [] { QCoreApplication::quit(); });
+        for (const int signal : {SIGTERM, SIGINT, SIGHUP})
+            std::signal(signal, [](int) {
+                const char byte = 0;
+                [[maybe_unused]] const auto written = write(ends()[1], &byte, 1);
+            });
+    }
+
+private:
+    /// A pipe: a signal's handler may do little more than write to it.
+    static const int* ends()
+    {
+        static const std::array<int, 2> pair = [] {
+            std::array<int, 2> made{-1, -1};
+            if (pipe(made.data()) != 0)
+                qWarning() << "no pipe for signals: the process will end on them at once";
+            return made;
+        }();
+        return pair.data();
+    }
+
+    QSocketNotifier m_notifier;
+};
+
 void scheduleScreenshot(vantrel::MainWindow& window, const Options& options)
 {
     QTimer::singleShot(options.seconds * 1000, &window, [&window, file = options.screenshot] {
@@ -114,6 +150,7 @@ int main(int argc, char** argv)
     QCoreApplication::setApplicationVersion(QStringLiteral(HALCYRA_VERSION));
     QApplication application(argc, argv);
     const Options options = parse(application);
+    const EndSignals endSignals;
 
     vantrel::LogManager::instance().install();
     vantrel::Session::initialize(options.ports);

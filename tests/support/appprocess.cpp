@@ -1,5 +1,6 @@
 #include "tests/support/appprocess.h"
 
+#include <QFile>
 #include <QRegularExpression>
 #include <QTest>
 
@@ -27,8 +28,15 @@ bool AppProcess::start(const QStringList& arguments)
     environment.insert(QStringLiteral("HOME"), m_home.path());
     environment.insert(QStringLiteral("XDG_CONFIG_HOME"), m_home.filePath(QStringLiteral("config")));
     environment.insert(QStringLiteral("XDG_DATA_HOME"), m_home.filePath(QStringLiteral("data")));
-    if (!environment.contains(QStringLiteral("QT_QPA_PLATFORM")))
-        environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+    // A screen that holds the whole window: outside of it no mouse finds a widget.
+    QFile screens(m_home.filePath(QStringLiteral("screens.json")));
+    if (!screens.open(QIODevice::WriteOnly))
+        return false;
+    screens.write(R"({"screens": [{"name": "desk", "x": 0, "y": 0, "width": 1920, "height": 1200, "dpr": 1,
+                      "logicalDpi": 96, "logicalBaseDpi": 96}]})");
+    screens.close();
+    environment.insert(QStringLiteral("QT_QPA_PLATFORM"),
+                       QStringLiteral("offscreen:configfile=") + screens.fileName());
     m_process.setProcessEnvironment(environment);
     m_process.setProcessChannelMode(QProcess::MergedChannels);
 
