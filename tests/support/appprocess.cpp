@@ -38,7 +38,9 @@ bool AppProcess::start(const QStringList& arguments)
     environment.insert(QStringLiteral("QT_QPA_PLATFORM"),
                        QStringLiteral("offscreen:configfile=") + screens.fileName());
     m_process.setProcessEnvironment(environment);
+    // Into a file: a pipe that nobody empties would hold the application up at its next line of log.
     m_process.setProcessChannelMode(QProcess::MergedChannels);
+    m_process.setStandardOutputFile(outputFile());
 
     const QString program = qEnvironmentVariable("HALCYRA_BIN") + QStringLiteral("/halcyra");
     m_process.start(program, QStringList{QStringLiteral("--ui-test"), QStringLiteral("--ui-test-port"),
@@ -47,12 +49,22 @@ bool AppProcess::start(const QStringList& arguments)
     static const QRegularExpression ready(QStringLiteral("ui-test ready port=(\\d+)"));
     return QTest::qWaitFor(
         [this] {
-            m_output += m_process.readAll();
-            const QRegularExpressionMatch match = ready.match(QString::fromUtf8(m_output));
+            const QRegularExpressionMatch match = ready.match(output());
             m_port = match.hasMatch() ? quint16(match.captured(1).toUInt()) : quint16(0);
             return m_port != 0;
         },
         20000);
+}
+
+QString AppProcess::outputFile() const
+{
+    return m_home.filePath(QStringLiteral("output.txt"));
+}
+
+QString AppProcess::output() const
+{
+    QFile file(outputFile());
+    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
 }
 
 int AppProcess::stop()
@@ -63,7 +75,6 @@ int AppProcess::stop()
         m_process.waitForFinished(5000);
         return -1;
     }
-    m_output += m_process.readAll();
     return m_process.exitStatus() == QProcess::NormalExit ? m_process.exitCode() : -1;
 }
 

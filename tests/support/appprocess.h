@@ -23,12 +23,14 @@ public:
     bool isRunning() const { return m_process.state() == QProcess::Running; }
     /// Asks it to end and waits; its exit code, -1 after a crash or the limit.
     int stop();
-    QString output() const { return QString::fromUtf8(m_output); }
+    /// All that it wrote so far, its log included.
+    QString output() const;
 
 private:
+    QString outputFile() const;
+
     QProcess m_process;
     QTemporaryDir m_home;
-    QByteArray m_output;
     quint16 m_port = 0;
 };
 
