@@ -97,6 +97,9 @@ QColor IconButton::currentColor() const
         return m_normal;
     if (isDown())
         return m_pressed;
+    // A segment is filled with the accent while checked, and its icon must stand out from that.
+    if (isChecked() && property("class") == QLatin1String("segment"))
+        return getColor(colors::White);
     if (isChecked() && m_checked.isValid())
         return m_checked;
     return underMouse() ? m_hover : m_normal;

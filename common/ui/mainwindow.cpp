@@ -193,11 +193,13 @@ void MainWindow::initMediaView()
 
 void MainWindow::initPlayerView()
 {
-    const QString icon = QStringLiteral(":/icons/mc_play.svg");
     auto* view = new PlayerPlaybackView(m_tabs);
-    addView(PlayerTab, tr("PLAYER"), icon, QStringLiteral("MainNavigationBar-player-button"), view);
+    connect(view, &PlayerPlaybackView::collectionEditRequested, this,
+            &MainWindow::handleCollectionEditRequested);
     if (const Session* session = Session::instance())
         view->setModel(session->objectTreeModel()->index(QStringLiteral("/device/channels")));
+    addView(PlayerTab, tr("PLAYER"), QStringLiteral(":/icons/mc_play.svg"),
+            QStringLiteral("MainNavigationBar-player-button"), view);
 }
 
 void MainWindow::initConnection()
