@@ -19,13 +19,18 @@ HttpServer::HttpServer(boost::asio::io_context& io, HttpHandlers handlers)
     : m_io(io)
     , m_acceptor(io)
     , m_retry(io)
-    , m_handlers(std::make_shared<const HttpHandlers>(std::move(handlers)))
+    , m_handlers(std::make_shared<HttpHandlers>(std::move(handlers)))
     , m_streams(std::make_shared<BroadcastHub>())
     , m_sockets(std::make_shared<BroadcastHub>())
 {
 }
 
-HttpServer::~HttpServer() = default;
+HttpServer::~HttpServer()
+{
+    m_handlers->request = [](const HttpRequest&, const HttpAnswer& answer) {
+        answer(httpError(503, "the server is ending"));
+    };
+}
 
 bool HttpServer::listen(const boost::asio::ip::address& address, unsigned short port, std::string* error)
 {
@@ -39,7 +44,8 @@ bool HttpServer::listen(const boost::asio::ip::address& address, unsigned short 
     if (!code)
         m_acceptor.listen(boost::asio::socket_base::max_listen_connections, code);
     if (code) {
-        *error = "cannot listen on " + address.to_string() + " port " + std::to_string(port) + ": " + code.message();
+        *error = "cannot listen on " + address.to_string() + " port " + std::to_string(port) + ": " +
+                 code.message();
         return false;
     }
     accept();

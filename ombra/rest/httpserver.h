@@ -22,9 +22,9 @@ struct HttpHandlers
     std::string socketPath; // a WebSocket may be opened here
 };
 
-/// An HTTP/1.1 server with event streams and WebSockets. Sizes and times are limited, so that nothing outside can
-/// hold it up: 16 KiB of header, 64 MiB of body, 60 s for a request, 64 MiB of unread events. One thread, that of
-/// the io_context.
+/// An HTTP/1.1 server with event streams and WebSockets. Sizes and times are limited, so that nothing outside
+/// can hold it up: 16 KiB of header, 64 MiB of body, 60 s for a request, 64 MiB of unread events. One thread,
+/// that of the io_context.
 class HttpServer
 {
 public:
@@ -48,7 +48,7 @@ private:
     boost::asio::io_context& m_io;
     boost::asio::ip::tcp::acceptor m_acceptor;
     boost::asio::steady_timer m_retry;
-    std::shared_ptr<const HttpHandlers> m_handlers;
+    std::shared_ptr<HttpHandlers> m_handlers; // shared with the sessions, which may outlive this
     std::shared_ptr<BroadcastHub> m_streams;
     std::shared_ptr<BroadcastHub> m_sockets;
     std::shared_ptr<int> m_openSessions = std::make_shared<int>(0);

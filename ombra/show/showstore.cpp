@@ -94,7 +94,6 @@ bool ShowStore::replay(const Json& entry, std::string& why)
 
 void ShowStore::patchLibrary(const Patch& patch, Answer answer)
 {
-    const Json before = m_latest.toJson();
     std::string message;
     const int code = m_latest.applyDiff(patch, &message);
     if (code != 0) {

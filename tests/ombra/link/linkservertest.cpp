@@ -2,63 +2,19 @@
 
 #include "ombra/link/changebatch.h"
 #include "ombra/outputs/outputs.h"
-#include "tarn/net/linkframe.h"
+#include "tests/ombra/linkpeer.h"
 #include "tests/support/testmain.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
-#include <QTcpSocket>
 #include <QTest>
 #include <boost/asio/io_context.hpp>
 
 using namespace vantrel;
 using namespace vantrel::ombra;
+using Client = vantrel::ombra::test::LinkPeer;
 
 namespace {
-
-/// A client by its bytes: what it sends, and the scene that what it got makes.
-class Client
-{
-public:
-    explicit Client(unsigned short port) { socket.connectToHost(QStringLiteral("127.0.0.1"), port); }
-
-    void send(const std::string& operations)
-    {
-        Patch patch;
-        std::string error;
-        if (!Patch::parseString(operations, patch, &error))
-            qFatal("%s", error.c_str());
-        const std::string frame = linkframe::encode(patch);
-        socket.write(frame.data(), qint64(frame.size()));
-    }
-
-    void read()
-    {
-        const QByteArray bytes = socket.readAll();
-        decoder.feed({bytes.constData(), std::size_t(bytes.size())});
-        for (Patch patch; decoder.next(patch) == linkframe::Decoder::Result::Patch;) {
-            ++frames;
-            largest = std::max(largest, patch.size());
-            for (const PatchOp& op : patch)
-                operations.push_back(op);
-            fits = fits && scene.apply(patch, true);
-        }
-    }
-
-    std::string value(const std::string& path)
-    {
-        Variant value;
-        return scene.getProperty(scene.find(path), value) ? value.asString() : "absent";
-    }
-
-    QTcpSocket socket;
-    linkframe::Decoder decoder;
-    Scene scene;
-    std::vector<PatchOp> operations;
-    int frames = 0;
-    std::size_t largest = 0;
-    bool fits = true;
-};
 
 const std::string volume = "/device/channels/0/program/properties/volume";
 

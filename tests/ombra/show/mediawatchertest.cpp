@@ -1,0 +1,107 @@
+#include "ombra/show/mediawatcher.h"
+
+#include "tests/support/testmain.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+#include <boost/asio/io_context.hpp>
+
+using namespace vantrel::ombra;
+
+class MediaWatcherTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        m_folder = std::make_unique<QTemporaryDir>();
+        m_told.clear();
+        touch(QStringLiteral("old.mp4"));
+        m_watcher = std::make_unique<MediaWatcher>(
+            m_io, m_folder->filePath(QStringLiteral("media")).toStdString(),
+            [this](MediaWatcher::Event event, const std::string& url) {
+                static constexpr const char* names[] = {"added ", "changed ", "removed "};
+                m_told += QLatin1String(names[static_cast<int>(event)]) + QString::fromStdString(url);
+            });
+        std::string error;
+        QVERIFY2(m_watcher->start(&error), error.c_str());
+    }
+
+    void cleanup()
+    {
+        m_watcher.reset();
+        m_io.restart();
+        m_io.poll();
+    }
+
+    void files()
+    {
+        touch(QStringLiteral("old.mp4"));
+        touch(QStringLiteral("new.mp4"));
+        QVERIFY(comes({QStringLiteral("added file:///new.mp4"), QStringLiteral("changed file:///old.mp4")}));
+        QVERIFY(QFile::rename(path(QStringLiteral("old.mp4")), path(QStringLiteral("renamed.mp4"))));
+        QVERIFY(
+            comes({QStringLiteral("added file:///renamed.mp4"), QStringLiteral("removed file:///old.mp4")}));
+        touch(QStringLiteral("f_0001.png"));
+        QVERIFY(comes(
+            {QStringLiteral("added file:///f_0001.png"), QStringLiteral("changed file:///f_%2504d.png")}));
+    }
+
+    void folders()
+    {
+        const QString outside = m_folder->filePath(QStringLiteral("outside/deep"));
+        QVERIFY(QDir().mkpath(outside));
+        QFile file(outside + QStringLiteral("/a.mp4"));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.close();
+        QVERIFY(QDir().rename(m_folder->filePath(QStringLiteral("outside")), path(QStringLiteral("in"))));
+        QVERIFY(comes({QStringLiteral("added file:///in/deep/a.mp4")}));
+        touch(QStringLiteral("in/deep/b.mp4")); // what came along is watched too
+        QVERIFY(comes({QStringLiteral("added file:///in/deep/b.mp4")}));
+        QVERIFY(QDir().rename(path(QStringLiteral("in")), m_folder->filePath(QStringLiteral("gone"))));
+        QVERIFY(comes({QStringLiteral("removed file:///in/deep/a.mp4"),
+                       QStringLiteral("removed file:///in/deep/b.mp4")}));
+        QVERIFY(QDir().mkpath(path(QStringLiteral("x/y/z"))));
+        touch(QStringLiteral("x/y/z/c.mp4"));
+        QVERIFY(comes({QStringLiteral("added file:///x/y/z/c.mp4")}));
+    }
+
+private:
+    QString path(const QString& name) const { return m_folder->filePath(QStringLiteral("media/") + name); }
+
+    void touch(const QString& name)
+    {
+        QVERIFY(QDir().mkpath(QFileInfo(path(name)).path()));
+        QFile file(path(name));
+        QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Append));
+        file.write("x");
+    }
+
+    /// Whether just these are told next, in any order.
+    bool comes(QStringList expected)
+    {
+        QElapsedTimer timer;
+        for (timer.start(); timer.elapsed() < 5000 && m_told.size() < expected.size();) {
+            m_io.restart();
+            m_io.run_one_for(std::chrono::milliseconds(5));
+        }
+        QStringList told = std::exchange(m_told, {});
+        told.sort();
+        expected.sort();
+        if (told != expected)
+            qInfo() << told;
+        return told == expected;
+    }
+
+    boost::asio::io_context m_io;
+    std::unique_ptr<QTemporaryDir> m_folder;
+    std::unique_ptr<MediaWatcher> m_watcher;
+    QStringList m_told;
+};
+
+HALCYRA_TEST(MediaWatcherTest)
+#include "mediawatchertest.moc"

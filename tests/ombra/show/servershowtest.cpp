@@ -1,0 +1,122 @@
+#include "tarn/json/json.h"
+#include "tests/ombra/linkpeer.h"
+#include "tests/ombra/liveserver.h"
+#include "tests/support/testmain.h"
+
+#include <QFile>
+
+using namespace vantrel;
+using namespace vantrel::ombra::test;
+
+namespace {
+
+const std::string program = "/device/channels/0/program";
+const std::string configuration = "/device/showConfiguration";
+const QByteArray media = "brume://collections/1/slots/1";
+
+} // namespace
+
+/// Shows as the operator handles them: what lasts, what is saved and taken back, what is cleared.
+class ServerShowTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        m_live = std::make_unique<LiveServer>();
+        QVERIFY(m_live->start());
+        connectPeer();
+        const QByteArray library = R"({"collections":{"1":{"name":"one","slots":{}}},"playlists":{}})";
+        QCOMPARE(m_live->request("POST", "/medialibrary", library).status, 200);
+        write(program + "/properties/volume", "0.25");
+        write(program + "/properties/media", "\"" + media.toStdString() + "\"");
+        write("/device/channels/0/mappings/0/properties/backgroundColor", "\"#112233\"");
+        QVERIFY(settled());
+    }
+
+    void settingsLast()
+    {
+        m_peer.reset();
+        m_live->stop();
+        QVERIFY(m_live->start());
+        connectPeer();
+        QCOMPARE(value(program + "/properties/volume"), std::string("0.25"));
+        QCOMPARE(value(program + "/properties/media"), media.toStdString());
+        QCOMPARE(value("/device/channels/0/mappings/0/properties/backgroundColor"), std::string("#112233"));
+        QCOMPARE(value(program + "/properties/state"), std::string("stop"));
+    }
+
+    void savesClearsAndReverts()
+    {
+        invoke(configuration + "/methods/saveShow", "{\"showName\":\"../my show\"}");
+        invoke(configuration + "/methods/clearShow", "{\"showName\":\"default\"}");
+        QVERIFY(m_live->waitFor([&] {
+            m_peer->read();
+            return m_live->request("GET", "/collections").body == "{}" &&
+                   value(program + "/properties/volume") == "1";
+        }));
+        QCOMPARE(value(program + "/properties/media"), std::string());
+        QCOMPARE(value("/device/channels/0/mappings/0/properties/backgroundColor"), std::string("#000000"));
+        QVERIFY(!QFile::exists(m_live->stateFolder() + QStringLiteral("/my show.show"))); // names stay names
+
+        invoke(configuration + "/methods/revertShow", "{\"showName\":\"no such show\"}");
+        QVERIFY(settled());
+        QCOMPARE(value(program + "/properties/volume"), std::string("1"));
+        invoke(configuration + "/methods/revertShow", "{\"showName\":\"../my show\"}");
+        QVERIFY(m_live->waitFor([&] {
+            m_peer->read();
+            return value(program + "/properties/media") == media.toStdString();
+        }));
+        QCOMPARE(value(program + "/properties/volume"), std::string("0.25"));
+        QVERIFY(m_live->request("GET", "/collections").body.contains("one"));
+    }
+
+    void rebootRestartsThePlayers()
+    {
+        invoke("/device/system/methods/reboot", "{}");
+        QVERIFY(settled());
+        QCOMPARE(value(program + "/properties/media"), media.toStdString());
+        QCOMPARE(value(program + "/properties/volume"), std::string("0.25"));
+        QCOMPARE(m_live->request("GET", "/system").status, 200);
+    }
+
+private:
+    void connectPeer()
+    {
+        m_peer = std::make_unique<LinkPeer>(m_live->server().linkPort());
+        m_peer->send("[{\"op\":\"get\",\"path\":\"\"}]");
+        QVERIFY(m_live->waitFor([&] {
+            m_peer->read();
+            return m_peer->scene.findObject(program) != nullptr;
+        }));
+    }
+    void write(const std::string& path, const std::string& value)
+    {
+        m_peer->send("[{\"op\":\"replace\",\"path\":\"" + path + "\",\"value\":" + value + "}]");
+    }
+    void invoke(const std::string& path, const std::string& args)
+    {
+        m_peer->send("[{\"op\":\"invoke\",\"path\":\"" + path + "\",\"value\":" + args + "}]");
+    }
+    std::string value(const std::string& path) { return m_peer->value(path); }
+
+    /// Whether all that was sent has been handled: a fresh look at the scene came after it.
+    bool settled()
+    {
+        const int frames = m_peer->frames;
+        m_peer->send("[{\"op\":\"get\",\"path\":\"\"}]");
+        m_peer->scene.clear();
+        return m_live->waitFor([&] {
+            m_peer->read();
+            return m_peer->frames > frames && m_peer->scene.findObject(program) &&
+                   m_peer->scene.findObject("/device/system/gpus/0");
+        });
+    }
+
+    std::unique_ptr<LiveServer> m_live;
+    std::unique_ptr<LinkPeer> m_peer;
+};
+
+HALCYRA_TEST(ServerShowTest)
+#include "servershowtest.moc"
