@@ -68,7 +68,8 @@ SceneSettings::~SceneSettings()
     m_scene.removeChangeCallback(m_callback, this);
 }
 
-void SceneSettings::apply(const Json& settings, const std::set<std::string>& sections)
+// The settings come as a copy of their own, since what is saved changes while they are applied.
+void SceneSettings::apply(Json settings, const std::set<std::string>& sections)
 {
     settings.forEachMember([&](std::string_view path, const Json& value) {
         const ScenePointer at = m_scene.find(path);

@@ -26,7 +26,7 @@ public:
 
     /// Puts settings of these sections into the scene. What is not there any more, or does not fit, is passed
     /// over with a log line.
-    void apply(const Json& settings, const std::set<std::string>& sections);
+    void apply(Json settings, const std::set<std::string>& sections);
     /// Everything that lasts, as the scene has it now.
     Json current() const;
     /// Plays nothing and sets what belongs to playback and audio to its defaults.

@@ -35,7 +35,7 @@ public:
             largest = std::max(largest, patch.size());
             for (const PatchOp& op : patch)
                 operations.push_back(op);
-            fits = fits && scene.apply(patch, true);
+            fits = scene.apply(patch, true) && fits;
         }
     }
 

@@ -91,9 +91,13 @@ private:
             return m_peer->scene.findObject(program) != nullptr;
         }));
     }
+    /// As the application does: in the own scene first, since the server tells only the others.
     void write(const std::string& path, const std::string& value)
     {
-        m_peer->send("[{\"op\":\"replace\",\"path\":\"" + path + "\",\"value\":" + value + "}]");
+        const std::string text = "[{\"op\":\"replace\",\"path\":\"" + path + "\",\"value\":" + value + "}]";
+        Patch patch;
+        QVERIFY(Patch::parseString(text, patch) && m_peer->scene.apply(patch, true));
+        m_peer->send(text);
     }
     void invoke(const std::string& path, const std::string& args)
     {
@@ -101,16 +105,16 @@ private:
     }
     std::string value(const std::string& path) { return m_peer->value(path); }
 
-    /// Whether all that was sent has been handled: a fresh look at the scene came after it.
+    /// Whether all that was sent has been handled: the answer to a last question came.
     bool settled()
     {
-        const int frames = m_peer->frames;
-        m_peer->send("[{\"op\":\"get\",\"path\":\"\"}]");
-        m_peer->scene.clear();
+        const std::string last = configuration + "/properties/autoSave";
+        const std::size_t before = m_peer->operations.size();
+        m_peer->send("[{\"op\":\"get\",\"path\":\"" + last + "\"}]");
         return m_live->waitFor([&] {
             m_peer->read();
-            return m_peer->frames > frames && m_peer->scene.findObject(program) &&
-                   m_peer->scene.findObject("/device/system/gpus/0");
+            return std::any_of(m_peer->operations.begin() + std::ptrdiff_t(before), m_peer->operations.end(),
+                               [&](const PatchOp& op) { return op.path.toString() == last; });
         });
     }
 
