@@ -15,10 +15,14 @@ EndpointTimecodes::EndpointTimecodes(QWidget* parent)
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(6);
-    layout->addWidget(new ZTLabel(tr("In:"), this));
+    auto* inLabel = new ZTLabel(tr("In:"), this);
+    auto* outLabel = new ZTLabel(tr("Out:"), this);
+    inLabel->setStyleClass(QStringLiteral("dim"));
+    outLabel->setStyleClass(QStringLiteral("dim"));
+    layout->addWidget(inLabel);
     layout->addWidget(m_inpoint);
     layout->addStretch(1);
-    layout->addWidget(new ZTLabel(tr("Out:"), this));
+    layout->addWidget(outLabel);
     layout->addWidget(m_outpoint);
     m_inpoint->setAccessibleName(tr("In point"));
     m_outpoint->setAccessibleName(tr("Out point"));

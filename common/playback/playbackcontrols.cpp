@@ -17,6 +17,11 @@ namespace {
 constexpr QRgb hoverColor = 0xff2493e6;
 constexpr QRgb pressedColor = 0xff2185d0;
 
+const QMap<FontSize, QSize> buttonSizes{{FontSize::Small, {30, 30}},
+                                        {FontSize::Medium, {38, 38}},
+                                        {FontSize::Large, {50, 50}},
+                                        {FontSize::Huge, {64, 64}}};
+
 struct ButtonSpec
 {
     const char* icon;
@@ -70,6 +75,7 @@ PlaybackControls::PlaybackControls(PlaybackViewMode viewMode, QWidget* parent)
         auto* button =
             new IconButton(icon + QStringLiteral(".svg"), icon + QStringLiteral("_disabled.svg"), this);
         button->setObjectName(channel + QStringLiteral("-PlaybackControls-") + QLatin1String(spec.suffix));
+        button->setSizes(buttonSizes);
         button->setToolTip(tr(spec.tip));
         button->setAccessibleName(tr(spec.tip));
         if (i == Pause || i == Play || i == Stop)

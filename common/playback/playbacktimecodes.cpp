@@ -28,8 +28,10 @@ PlaybackTimecodes::PlaybackTimecodes(QWidget* parent)
     m_layout->setColumnStretch(2, 1);
     m_layout->addWidget(m_playheadLabel, 0, 0);
     m_layout->addWidget(m_playhead, 0, 1);
-    m_playhead->setProperty("class", QStringLiteral("timecode"));
-    m_remaining->setProperty("class", QStringLiteral("timecode"));
+    m_playhead->setStyleClass(QStringLiteral("time"));
+    m_remaining->setStyleClass(QStringLiteral("time"));
+    m_playheadLabel->setStyleClass(QStringLiteral("dim"));
+    m_remainingLabel->setStyleClass(QStringLiteral("dim"));
     m_playhead->setAccessibleName(tr("Playhead position"));
     m_remaining->setAccessibleName(tr("Time left"));
     unstackLayout();

@@ -21,6 +21,7 @@
 #include "common/session/previewthread.h"
 #include "common/session/sceneobjectprovider.h"
 #include "common/session/session.h"
+#include "common/ui/colors.h"
 #include "common/ui/dynamicstyle.h"
 #include "common/ui/propertiesmapper.h"
 #include "tarn/scene/scene.h"
@@ -29,12 +30,6 @@
 #include <QVBoxLayout>
 
 namespace vantrel {
-
-namespace {
-
-constexpr QRgb programColor = 0xffd3191d;
-
-} // namespace
 
 PlaybackWidget::PlaybackWidget(PlaybackViewMode viewMode, QWidget* parent)
     : ZTFrame(parent)
@@ -83,7 +78,7 @@ void PlaybackWidget::createChildren()
     m_footer = new PlaybackWidgetFooter(m_viewMode, this);
     m_slider->setInpointOutpointEnabled(isPreview());
     if (!isPreview())
-        m_slider->setMarkerColor(QColor(programColor));
+        m_slider->setMarkerColor(colors::getColor(colors::Zt_red));
     m_durationEdit->setEnabled(isPreview());
 }
 

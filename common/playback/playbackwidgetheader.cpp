@@ -4,12 +4,19 @@
 #include "common/playback/mutebutton.h"
 #include "common/playback/timecodedisplay.h"
 #include "common/ui/elidedlabel.h"
+#include "common/ui/fontsizefollower.h"
 #include "common/ui/ztlabel.h"
 
 #include <QHBoxLayout>
 #include <QStackedWidget>
 
 namespace vantrel {
+
+namespace {
+
+constexpr int headerHeight = 32; // pixels at the medium text size: that of the mute button, on both channels
+
+} // namespace
 
 PlaybackWidgetHeader::PlaybackWidgetHeader(PlaybackViewMode viewMode, QWidget* parent)
     : ZTFrame(parent)
@@ -25,10 +32,12 @@ PlaybackWidgetHeader::PlaybackWidgetHeader(PlaybackViewMode viewMode, QWidget* p
     m_name->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     m_duration->setAccessibleName(tr("Duration"));
 
+    followFontSize(this, [this](FontSize size) { setMinimumHeight(scaled(headerHeight, size)); });
+
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(6);
-    layout->addWidget(channel);
+    layout->addWidget(channel, 0, Qt::AlignVCenter);
     layout->addSpacing(6);
     layout->addWidget(m_location);
     layout->addWidget(m_name, 1);

@@ -7,6 +7,12 @@
 
 namespace vantrel {
 
+namespace {
+
+constexpr double bracketHeight = 16.0; // units of the 24 that the drawing has
+
+} // namespace
+
 SeekSliderMarker::SeekSliderMarker(const QString& icon, double fraction, QWidget* parent)
     : QWidget(parent)
     , m_icon(icon)
@@ -45,10 +51,12 @@ void SeekSliderMarker::render()
     m_pixmap.fill(Qt::transparent);
     QPainter painter(&m_pixmap);
     painter.setRenderHint(QPainter::Antialiasing);
-    // The drawing keeps its height and is cut to the mark's narrow width around its middle.
+    // The bracket of the drawing alone, as high as the slider: its stem stands in the column of the mark's
+    // time.
     QSvgRenderer renderer(m_icon);
-    const int side = height();
-    renderer.render(&painter, QRectF((width() - side) / 2.0, 0, side, side));
+    const double side = height() * 24.0 / bracketHeight;
+    const double stem = (m_fraction < 0.5 ? 8.0 : 16.0) / 24.0 * side;
+    renderer.render(&painter, QRectF(markerOffset() + 0.5 - stem, (height() - side) / 2.0, side, side));
     painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
     painter.fillRect(rect(), hasFocus() ? colors::getColor(colors::Blue_button_focus) : m_color);
 }

@@ -78,7 +78,8 @@ void TakeButton::onStyleChange(ConfigurationOption option, const QVariant& value
 void TakeButton::updateSizes(FontSize size)
 {
     setDynamicStyle(m_label, "fontsize", toString(size));
-    setFixedSize(m_sizes.value(size));
+    m_size = m_sizes.value(size);
+    setFixedSize(m_size);
 }
 
 void TakeButton::updateProgressBar()

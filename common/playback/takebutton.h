@@ -20,6 +20,8 @@ class TakeButton : public QPushButton
 public:
     explicit TakeButton(QWidget* parent = nullptr);
 
+    QSize sizeHint() const override { return m_size; }
+    QSize minimumSizeHint() const override { return m_size; }
     double takeProgress() const { return m_takeProgress; }
     /// 0.0 to 1.0, anything else counts as the nearer end. Emits nothing: progress only ever comes from the
     /// server.
@@ -46,6 +48,7 @@ private:
     void setParts(const char* property, bool value);
 
     const QMap<FontSize, QSize> m_sizes;
+    QSize m_size;
     QWidget* m_bar;
     QLabel* m_label;
     QGraphicsDropShadowEffect* m_shadow;

@@ -28,7 +28,7 @@ IconButton* makeOption(const QString& icon, const QString& name, const QString& 
     button->setToolTip(tip);
     button->setAccessibleName(tip);
     button->setCheckable(true);
-    button->setStyleClass(QStringLiteral("segment"));
+    button->setStyleClass(QStringLiteral("boxed"));
     group->addButton(button, id);
     return button;
 }
@@ -99,6 +99,7 @@ void TakeControls::createControls()
     m_duration->setToolTip(tr("Take transition duration can be specified from 0.0 to 10.0 seconds.\n"
                               "Duration does not apply to direct cut."));
     m_presetLabel = new ZTLabel(tr("PRW on Take:"), this);
+    m_presetLabel->setStyleClass(QStringLiteral("dim"));
     m_swap = makePreset(tr("Swap"), QStringLiteral("TakeControls-Swap-Button"),
                         tr("Preset toggle: Swap preview and program on take"), m_presetGroup, this);
     m_copy = makePreset(tr("Copy"), QStringLiteral("TakeControls-Copy-Button"),
@@ -108,13 +109,13 @@ void TakeControls::createControls()
 void TakeControls::layOut()
 {
     auto* from = new QHBoxLayout;
-    from->setSpacing(2);
+    from->setSpacing(4);
     from->addStretch(1);
     from->addWidget(m_fromInpoint);
     from->addWidget(m_fromCurrent);
     from->addStretch(1);
     auto* transition = new QHBoxLayout;
-    transition->setSpacing(2);
+    transition->setSpacing(4);
     transition->addStretch(1);
     for (IconButton* button : {m_directCut, m_crossfade, m_dip})
         transition->addWidget(button);

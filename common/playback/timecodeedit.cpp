@@ -242,8 +242,10 @@ bool TimecodeEdit::eventFilter(QObject* watched, QEvent* event)
             const int key = static_cast<QKeyEvent*>(event)->key();
             if (key == Qt::Key_Tab || key == Qt::Key_Backtab)
                 return moveEditing(*m_editing, key == Qt::Key_Tab);
-            if (key == Qt::Key_Escape) {
-                stopEditing(false);
+            const bool isReturn = key == Qt::Key_Return || key == Qt::Key_Enter;
+            if (key == Qt::Key_Escape || (isReturn && m_fields[*m_editing].edit->hasAcceptableInput())) {
+                // Kept from this widget itself, which Return would make open a field again.
+                stopEditing(isReturn);
                 setFocus(Qt::OtherFocusReason);
                 return true;
             }

@@ -135,6 +135,9 @@ private Q_SLOTS:
         data.setData(mimeformat::type, "3");
         PlaybackPreview preview;
         QSignalSpy spy(&preview, &PlaybackPreview::dragAndDropEntry);
+        QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(&preview, &enter);
+        QVERIFY(enter.isAccepted());
         QDropEvent drop(QPointF(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
         QCoreApplication::sendEvent(&preview, &drop);
         QCOMPARE(spy.size(), drops);
