@@ -15,8 +15,8 @@ inline constexpr int patch = 0;
 /// "major.minor.patch".
 inline std::string versionText()
 {
-    return std::to_string(version::major) + "." + std::to_string(version::minor) + "."
-        + std::to_string(version::patch);
+    return std::to_string(version::major) + "." + std::to_string(version::minor) + "." +
+           std::to_string(version::patch);
 }
 
 /// The machine's name.

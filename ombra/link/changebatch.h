@@ -9,8 +9,8 @@
 
 namespace vantrel::ombra {
 
-/// The changes of the scene that a client has not been sent yet. A property's later value takes the place of an
-/// earlier one, so that a batch grows with what changes, not with how often.
+/// The changes of the scene that a client has not been sent yet. A property's later value takes the place of
+/// an earlier one, so that a batch grows with what changes, not with how often.
 class ChangeBatch
 {
 public:

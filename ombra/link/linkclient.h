@@ -13,8 +13,9 @@
 
 namespace vantrel::ombra {
 
-/// One client's end of the link. At most one frame is on its way; what changes meanwhile waits in a batch, so that a
-/// slow client gets fewer and newer values. Lives by its pending operations; the thread of the io_context.
+/// One client's end of the link. At most one frame is on its way; what changes meanwhile waits in a batch, so
+/// that a slow client gets fewer and newer values. Lives by its pending operations; the thread of the
+/// io_context.
 class LinkClient : public std::enable_shared_from_this<LinkClient>
 {
 public:

@@ -8,12 +8,12 @@
 
 namespace vantrel::ombra {
 
-/// Whether a client may write this value to a property of the scene: only what an operator sets, and only values
-/// that mean something. On false, why says the reason.
+/// Whether a client may write this value to a property of the scene: only what an operator sets, and only
+/// values that mean something. On false, why says the reason.
 bool clientMayWrite(const Object* object, const PropertyInfo* property, const Json& value, std::string& why);
 
-/// Whether a client may add, remove, move or copy the object at a path: only surfaces of the mapping editor, and
-/// what lies below them.
+/// Whether a client may add, remove, move or copy the object at a path: only surfaces of the mapping editor,
+/// and what lies below them.
 bool clientMayRestructure(PathView path);
 
 } // namespace vantrel::ombra

@@ -14,9 +14,9 @@
 
 namespace vantrel::ombra {
 
-/// The server's end of the scene link, for any number of clients: answers gets with snapshots, applies what clients
-/// may write, calls methods, and sends every change of the scene to all clients but the one that made it. The changes
-/// of one turn of the loop go as one frame. One thread, that of the io_context and the scene.
+/// The server's end of the scene link, for any number of clients: answers gets with snapshots, applies what
+/// clients may write, calls methods, and sends every change of the scene to all clients but the one that made
+/// it. The changes of one turn of the loop go as one frame. One thread, that of the io_context and the scene.
 class LinkServer
 {
 public:

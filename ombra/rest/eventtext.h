@@ -6,9 +6,9 @@
 
 namespace vantrel::ombra {
 
-/// A patch as one message of the event stream: "data: [...]" and an empty line. Readers fold runs of blanks and may
-/// trim other kinds of space, so inside strings a blank that follows a blank, and every space beyond ASCII, is
-/// written as an escape: the folding then loses nothing.
+/// A patch as one message of the event stream: "data: [...]" and an empty line. Readers fold runs of blanks
+/// and may trim other kinds of space, so inside strings a blank that follows a blank, and every space beyond
+/// ASCII, is written as an escape: the folding then loses nothing.
 std::string eventStreamMessage(const Patch& patch);
 
 } // namespace vantrel::ombra

@@ -50,8 +50,8 @@ bool queryValue(std::string_view query, std::string_view name, std::string& out)
         query = end == std::string_view::npos ? std::string_view() : query.substr(end + 1);
         const std::size_t equals = field.find('=');
         if (field.substr(0, equals) == name)
-            return decodePercent(equals == std::string_view::npos ? std::string_view() : field.substr(equals + 1),
-                                 out);
+            return decodePercent(
+                equals == std::string_view::npos ? std::string_view() : field.substr(equals + 1), out);
     }
     return false;
 }

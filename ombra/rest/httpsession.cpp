@@ -79,8 +79,9 @@ void HttpSession::readHeader()
     m_parser->header_limit(maxHeader);
     m_parser->body_limit(maxBody);
     m_stream.expires_after(requestTime);
-    http::async_read_header(m_stream, m_buffer, *m_parser,
-                            [self = shared_from_this()](beast::error_code code, std::size_t) { self->headerRead(code); });
+    http::async_read_header(
+        m_stream, m_buffer, *m_parser,
+        [self = shared_from_this()](beast::error_code code, std::size_t) { self->headerRead(code); });
 }
 
 void HttpSession::headerRead(beast::error_code code)
@@ -109,8 +110,9 @@ void HttpSession::headerRead(beast::error_code code)
 void HttpSession::readBody()
 {
     m_stream.expires_after(requestTime);
-    http::async_read(m_stream, m_buffer, *m_parser,
-                     [self = shared_from_this()](beast::error_code code, std::size_t) { self->bodyRead(code); });
+    http::async_read(
+        m_stream, m_buffer, *m_parser,
+        [self = shared_from_this()](beast::error_code code, std::size_t) { self->bodyRead(code); });
 }
 
 void HttpSession::bodyRead(beast::error_code code)
@@ -253,8 +255,8 @@ void startHttpSession(boost::asio::ip::tcp::socket socket, std::shared_ptr<const
                       std::shared_ptr<BroadcastHub> streams, std::shared_ptr<BroadcastHub> sockets,
                       std::shared_ptr<int> openSessions)
 {
-    std::make_shared<HttpSession>(std::move(socket), std::move(handlers), std::move(streams), std::move(sockets),
-                                  std::move(openSessions))
+    std::make_shared<HttpSession>(std::move(socket), std::move(handlers), std::move(streams),
+                                  std::move(sockets), std::move(openSessions))
         ->readHeader();
 }
 

@@ -15,8 +15,8 @@ namespace {
 
 constexpr std::size_t maxWaiting = 4000;
 constexpr std::size_t maxCacheBytes = 64u * 1024 * 1024;
-constexpr int thumbnailWidth = 320;    // pixels
-constexpr double thumbnailTime = 1.0;  // seconds: the very first picture is often black
+constexpr int thumbnailWidth = 320;   // pixels
+constexpr double thumbnailTime = 1.0; // seconds: the very first picture is often black
 
 /// Changes when the file does; for a sequence when its folder does. Nothing when it is missing.
 std::optional<std::string> stampOf(const std::filesystem::path& file)
@@ -26,7 +26,8 @@ std::optional<std::string> stampOf(const std::filesystem::path& file)
     const auto time = std::filesystem::last_write_time(seen, code);
     if (code)
         return std::nullopt;
-    const auto size = std::filesystem::is_regular_file(seen, code) ? std::filesystem::file_size(seen, code) : 0;
+    const auto size =
+        std::filesystem::is_regular_file(seen, code) ? std::filesystem::file_size(seen, code) : 0;
     return std::to_string(time.time_since_epoch().count()) + "/" + std::to_string(size);
 }
 

@@ -15,8 +15,9 @@
 
 namespace vantrel::ombra {
 
-/// Answers for metadata and thumbnails of media files. Files are opened on one worker thread, in the order of the
-/// requests; requests for the same file wait for one piece of work, and answers are kept until the file changes.
+/// Answers for metadata and thumbnails of media files. Files are opened on one worker thread, in the order of
+/// the requests; requests for the same file wait for one piece of work, and answers are kept until the file
+/// changes.
 class MediaData
 {
 public:

@@ -8,7 +8,6 @@
 
 #include <algorithm>
 
-
 namespace vantrel::ombra {
 
 namespace {
@@ -30,7 +29,9 @@ RestApi::RestApi(ShowStore& store, MediaData& mediaData, ShowFiles& showFiles)
     , m_showFiles(showFiles)
     , m_routes{
           {"/medialibrary",
-           {{"GET", &RestApi::getLibrary}, {"POST", &RestApi::postLibrary}, {"PATCH", &RestApi::patchLibrary}}},
+           {{"GET", &RestApi::getLibrary},
+            {"POST", &RestApi::postLibrary},
+            {"PATCH", &RestApi::patchLibrary}}},
           {"/collections", {{"GET", &RestApi::getCollections}}},
           {"/playlists", {{"GET", &RestApi::getPlaylists}, {"POST", &RestApi::postPlaylists}}},
           {"/metadata/", {{"GET", &RestApi::getMetadata}}},
@@ -163,9 +164,10 @@ void RestApi::postShow(const HttpRequest& request, const HttpAnswer& answer)
     std::string force;
     queryValue(request.query, "include", include);
     const bool forced = queryValue(request.query, "force", force);
-    m_showFiles.importShow(request.body, include, forced, [answer](unsigned status, const std::string& message) {
-        answer(status == 200 ? HttpReply{.body = "{}"} : httpError(status, message));
-    });
+    m_showFiles.importShow(request.body, include, forced,
+                           [answer](unsigned status, const std::string& message) {
+                               answer(status == 200 ? HttpReply{.body = "{}"} : httpError(status, message));
+                           });
 }
 
 void RestApi::answerEdit(const HttpAnswer& answer, const EditResult& result)

@@ -15,8 +15,8 @@ class ShowStore;
 class ShowFiles;
 struct EditResult;
 
-/// The routes below /api/brume/v1. A refused request changes nothing and says why: 400 what is malformed, 409 a
-/// patch that does not fit the library, 422 one that would break its rules.
+/// The routes below /api/brume/v1. A refused request changes nothing and says why: 400 what is malformed, 409
+/// a patch that does not fit the library, 422 one that would break its rules.
 class RestApi
 {
 public:
@@ -46,7 +46,7 @@ private:
     MediaData& m_mediaData;
     ShowFiles& m_showFiles;
     std::map<std::string, std::map<std::string, Route>, std::less<>> m_routes; // by path, then method
-    Json m_libraryJson; // the text's source
+    Json m_libraryJson;                                                        // the text's source
     std::string m_libraryText;
 };
 

@@ -10,8 +10,8 @@
 
 namespace vantrel::ombra {
 
-/// Takes the connection over as a WebSocket that is told what the hub broadcasts; what the client sends is ignored,
-/// but for pings.
+/// Takes the connection over as a WebSocket that is told what the hub broadcasts; what the client sends is
+/// ignored, but for pings.
 void startWebSocket(boost::beast::tcp_stream stream,
                     boost::beast::http::request<boost::beast::http::string_body> request,
                     const std::shared_ptr<BroadcastHub>& hub, std::shared_ptr<int> openSessions);

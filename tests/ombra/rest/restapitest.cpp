@@ -229,8 +229,7 @@ private Q_SLOTS:
         if (!test::makeClip(m_live.mediaFolder() + QStringLiteral("/.part.mp4"), colours, 2))
             QSKIP("the ffmpeg tool is missing");
         QVERIFY(QFile::rename(m_live.mediaFolder() + QStringLiteral("/.part.mp4"), file));
-        const QByteArray event =
-            R"({"mediaUrl":"file:///new%20clip%20&%20co.mp4","type":"metadata-added"})";
+        const QByteArray event = R"({"mediaUrl":"file:///new%20clip%20&%20co.mp4","type":"metadata-added"})";
         QVERIFY(comes(event));
 
         const QByteArray query = "?file=file:///new%2520clip%2520%26%2520co.mp4";
