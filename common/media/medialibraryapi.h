@@ -57,6 +57,10 @@ public:
     /// Fetches the whole library and replaces the local one.
     void requestMediaLibrary();
 
+    /// What a message of the stream does: changes the library, then tells what the patch touched, collections
+    /// before playlists. A patch that does not fit changes nothing and tells nothing.
+    void applyMediaLibraryPatch(const Patch& patch);
+
     static bool replyToSdkJson(QNetworkReply* reply, Json* json);
     static QJsonDocument sdkJsonToQJsonDocument(Json* json);
     static bool sdkJsonToQJsonDocument(Json* json, QJsonDocument* document);
@@ -86,7 +90,6 @@ private:
     void onLibraryReceived(QNetworkReply* reply);
     void onStreamData();
     void handleMessage(const QByteArray& data);
-    void applyMediaLibraryPatch(const Patch& patch);
     void emitLibraryChanges(const LibraryChanges& changes);
     void emitCollectionChanges(const LibraryChanges& changes);
     void emitPlaylistChanges(const LibraryChanges& changes);

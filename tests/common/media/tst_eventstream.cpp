@@ -1,0 +1,115 @@
+#include "common/media/eventstream.h"
+#include "tests/support/loggedwarning.h"
+#include "tests/support/testmain.h"
+
+#include <QTest>
+
+#include <random>
+
+using namespace vantrel;
+
+namespace {
+
+/// Feeds the pieces and parses as a client does.
+QList<QByteArray> read(EventStream& stream, const QList<QByteArray>& pieces)
+{
+    QList<QByteArray> messages;
+    for (const QByteArray& piece : pieces) {
+        if (stream.assemble(piece) == EventStream::State::Complete)
+            stream.parse([&](const QByteArray& data) { messages.append(data); });
+    }
+    return messages;
+}
+
+} // namespace
+
+class TestEventStream : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void messages_data();
+    void messages();
+    void commentsWaitForAMessage();
+    void randomCutsChangeNothing();
+    void endlessMessageIsDropped();
+};
+
+void TestEventStream::messages_data()
+{
+    QTest::addColumn<QList<QByteArray>>("pieces");
+    QTest::addColumn<QList<QByteArray>>("data");
+    using List = QList<QByteArray>;
+    QTest::newRow("one") << List{"data: [1]\n\n"} << List{"[1]\n"};
+    QTest::newRow("boundary later") << List{"data: [1]\n", "\n"} << List{"[1]\n"};
+    QTest::newRow("two in one read") << List{"data: [1]\n\ndata: [2]\n\n"} << List{"[1]\n", "[2]\n"};
+    QTest::newRow("second is cut") << List{"data: [1]\n\nda", "ta: [2]\n\n"} << List{"[1]\n", "[2]\n"};
+    QTest::newRow("lines are joined") << List{"data: [\ndata: 1]\n\n"} << List{"[\n1]\n"};
+    QTest::newRow("blanks collapse") << List{"data:  a   b \n\n"} << List{"a b\n"};
+    QTest::newRow("no end") << List{"data: [1]\n"} << List{};
+}
+
+void TestEventStream::messages()
+{
+    QFETCH(QList<QByteArray>, pieces);
+    EventStream stream;
+    QTEST(read(stream, pieces), "data");
+}
+
+void TestEventStream::commentsWaitForAMessage()
+{
+    EventStream stream;
+    test::expectLoggedWarning(QStringLiteral("Invalid line in SSE stream: "));
+    QVERIFY(read(stream, {": keep-alive\n\n"}).isEmpty());
+    QVERIFY(stream.buffered() > 0);
+    test::expectLoggedWarning(QStringLiteral("Invalid line in SSE stream: "));
+    test::expectLoggedWarning(QStringLiteral("Unhandled field in SSE stream: "));
+    QCOMPARE(read(stream, {"event: x\ndata: [1]\n\n"}), QList<QByteArray>{"[1]\n"});
+    QCOMPARE(stream.buffered(), 0);
+
+    // Comments alone do not pile up.
+    const QByteArray comment = ": " + QByteArray(500, 'x') + "\n\n";
+    for (int i = 0; i < 10; ++i) {
+        for (qsizetype lines = stream.buffered() / comment.size() + 1; lines > 0; --lines)
+            test::expectLoggedWarning(QStringLiteral("Invalid line in SSE stream: "));
+        read(stream, {comment});
+        QVERIFY(stream.buffered() < 2048);
+    }
+}
+
+void TestEventStream::randomCutsChangeNothing()
+{
+    std::mt19937 random(7);
+    QByteArray text;
+    QList<QByteArray> expected;
+    for (int i = 0; i < 50; ++i) {
+        const QByteArray body(static_cast<qsizetype>(1 + random() % 200), static_cast<char>('a' + i % 26));
+        text += "data: " + body + "\n\n";
+        expected.append(body + '\n');
+    }
+    for (int round = 0; round < 200; ++round) {
+        QList<QByteArray> pieces;
+        for (qsizetype at = 0; at < text.size();) {
+            const qsizetype size = 1 + static_cast<qsizetype>(random() % 400);
+            pieces.append(text.mid(at, size));
+            at += size;
+        }
+        EventStream stream;
+        QCOMPARE(read(stream, pieces), expected);
+    }
+}
+
+void TestEventStream::endlessMessageIsDropped()
+{
+    EventStream stream;
+    const QByteArray piece(8 * 1024 * 1024, 'x');
+    int fed = 0;
+    while (fed < 20 && stream.assemble(piece) == EventStream::State::Waiting)
+        ++fed;
+    QCOMPARE(fed, 8);
+    QCOMPARE(stream.buffered(), 0);
+    QCOMPARE(read(stream, {"data: [1]\n\n"}), QList<QByteArray>{"[1]\n"});
+}
+
+HALCYRA_TEST(TestEventStream)
+#include "tst_eventstream.moc"
