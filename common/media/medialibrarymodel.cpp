@@ -133,6 +133,12 @@ const MediaLibraryItem* MediaLibraryModel::slotItem(const QModelIndex& index) co
     return collection ? collection->child(index.row()) : nullptr;
 }
 
+MediaAddress MediaLibraryModel::addressOf(const QModelIndex& index) const
+{
+    const auto* collection = static_cast<const MediaLibraryItem*>(index.internalPointer());
+    return collection ? MediaAddress(collection->number(), index.row()) : MediaAddress();
+}
+
 QVariant MediaLibraryModel::data(const QModelIndex& index, int role) const
 {
     if (!checkIndex(index, CheckIndexOption::IndexIsValid))
@@ -145,7 +151,7 @@ QVariant MediaLibraryModel::data(const QModelIndex& index, int role) const
     if (role == NumberRole || (role == Qt::DisplayRole && index.column() == NumberColumn))
         return index.row();
     if (role == CollectionNumberRole)
-        return static_cast<const MediaLibraryItem*>(index.internalPointer())->number();
+        return addressOf(index).collection;
     return {};
 }
 
@@ -230,7 +236,7 @@ QVariant MediaLibraryModel::slotData(const MediaLibraryItem& item, const QModelI
     case UrlRole:
         return item.url();
     case CollectionNumberRole:
-        return static_cast<const MediaLibraryItem*>(index.internalPointer())->number();
+        return addressOf(index).collection;
     case Qt::EditRole:
         return index.column() == NameColumn ? QVariant(item.name()) : QVariant();
     case Qt::ToolTipRole:
@@ -250,9 +256,9 @@ QVariant MediaLibraryModel::knownData(const MediaLibraryItem& item, const QModel
         return pixmap ? QVariant(*pixmap) : QVariant();
     }
     case KnownStateRole: {
-        const MediaAddress address(getCollectionIndexNumber(index), index.row());
-        const MediaState state = m_stateProvider ? m_stateProvider->knownMediaState(address, item.url())
-                                                 : MediaState::UnknownState;
+        const MediaState state = m_stateProvider
+                                     ? m_stateProvider->knownMediaState(addressOf(index), item.url())
+                                     : MediaState::UnknownState;
         return static_cast<int>(state);
     }
     case KnownTypeRole: {
@@ -276,7 +282,7 @@ int MediaLibraryModel::stateOf(const QModelIndex& index) const
 {
     if (!m_stateProvider)
         return static_cast<int>(MediaState::UnknownState);
-    return static_cast<int>(m_stateProvider->mediaState({getCollectionIndexNumber(index), index.row()}));
+    return static_cast<int>(m_stateProvider->mediaState(addressOf(index)));
 }
 
 int MediaLibraryModel::mediaType(const MediaLibraryItem& item) const

@@ -132,6 +132,7 @@ private:
     rowOf(int collection) const; // the row of the collection, or the one where it would stand, negated - 1
     const MediaLibraryItem* collectionItem(const QModelIndex& index) const;
     const MediaLibraryItem* slotItem(const QModelIndex& index) const;
+    MediaAddress addressOf(const QModelIndex& slot) const;
     Item makeCollection(int collection);
     void updateCollectionSlots(MediaLibraryItem& item, int collection);
     void updateSlot(const MediaAddress& address);

@@ -113,4 +113,4 @@ void TestLibraryChanges::classification()
 }
 
 HALCYRA_TEST(TestLibraryChanges)
-#include "tst_librarychanges.moc"
+#include "test_librarychanges.moc"

@@ -1,5 +1,4 @@
 #include "common/media/eventstream.h"
-#include "tests/support/loggedwarning.h"
 #include "tests/support/testmain.h"
 
 #include <QTest>
@@ -59,11 +58,11 @@ void TestEventStream::messages()
 void TestEventStream::commentsWaitForAMessage()
 {
     EventStream stream;
-    test::expectLoggedWarning(QStringLiteral("Invalid line in SSE stream: "));
+    test::expectWarning(QStringLiteral("Invalid line in SSE stream: "));
     QVERIFY(read(stream, {": keep-alive\n\n"}).isEmpty());
     QVERIFY(stream.buffered() > 0);
-    test::expectLoggedWarning(QStringLiteral("Invalid line in SSE stream: "));
-    test::expectLoggedWarning(QStringLiteral("Unhandled field in SSE stream: "));
+    test::expectWarning(QStringLiteral("Invalid line in SSE stream: "));
+    test::expectWarning(QStringLiteral("Unhandled field in SSE stream: "));
     QCOMPARE(read(stream, {"event: x\ndata: [1]\n\n"}), QList<QByteArray>{"[1]\n"});
     QCOMPARE(stream.buffered(), 0);
 
@@ -71,7 +70,7 @@ void TestEventStream::commentsWaitForAMessage()
     const QByteArray comment = ": " + QByteArray(500, 'x') + "\n\n";
     for (int i = 0; i < 10; ++i) {
         for (qsizetype lines = stream.buffered() / comment.size() + 1; lines > 0; --lines)
-            test::expectLoggedWarning(QStringLiteral("Invalid line in SSE stream: "));
+            test::expectWarning(QStringLiteral("Invalid line in SSE stream: "));
         read(stream, {comment});
         QVERIFY(stream.buffered() < 2048);
     }
@@ -112,4 +111,4 @@ void TestEventStream::endlessMessageIsDropped()
 }
 
 HALCYRA_TEST(TestEventStream)
-#include "tst_eventstream.moc"
+#include "test_eventstream.moc"

@@ -1,7 +1,6 @@
 #include "common/media/entryaddressutils.h"
 #include "common/media/mediafiles.h"
 #include "common/media/mediautils.h"
-#include "tests/support/loggedwarning.h"
 #include "tests/support/testmain.h"
 
 #include <QTest>
@@ -155,7 +154,7 @@ void TestAddresses::mediaTypes()
     QFETCH(QString, path);
     QFETCH(bool, warns);
     if (warns)
-        test::expectLoggedWarning(QStringLiteral("Unknown file media type for"));
+        test::expectWarning(QStringLiteral("Unknown file media type for"));
     QTEST(MediaUtils::getMediaType(path), "type");
 }
 
@@ -196,7 +195,7 @@ void TestAddresses::rangesRead()
 {
     QFETCH(QString, text);
     QTEST(EntryAddressUtils::rangesToEntries(text), "entries");
-    test::expectLoggedWarning(QStringLiteral("Range of entries is too long"));
+    test::expectWarning(QStringLiteral("Range of entries is too long"));
     QVERIFY(EntryAddressUtils::rangesToEntries(QStringLiteral("1-900000")).isEmpty());
 }
 
@@ -251,4 +250,4 @@ void TestAddresses::states()
 }
 
 HALCYRA_TEST(TestAddresses)
-#include "tst_addresses.moc"
+#include "test_addresses.moc"

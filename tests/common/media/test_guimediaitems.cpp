@@ -5,7 +5,6 @@
 #include "common/media/guiplaylistentry.h"
 #include "tarn/media/mediaslot.h"
 #include "tarn/media/playlistentry.h"
-#include "tests/support/loggedwarning.h"
 #include "tests/support/testmain.h"
 
 #include <QJsonObject>
@@ -116,7 +115,7 @@ void TestGuiMediaItems::badSlots()
     else
         json.insert(key, value);
     if (key == QStringLiteral("scaleMode"))
-        test::expectLoggedWarning(QStringLiteral("Invalid scale mode:"));
+        test::expectWarning(QStringLiteral("Invalid scale mode:"));
     GuiMediaSlot read;
     read.setName(QStringLiteral("kept"));
     const GuiMediaSlot before = read;
@@ -196,4 +195,4 @@ void TestGuiMediaItems::factory()
 }
 
 HALCYRA_TEST(TestGuiMediaItems)
-#include "tst_guimediaitems.moc"
+#include "test_guimediaitems.moc"
