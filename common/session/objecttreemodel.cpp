@@ -165,9 +165,10 @@ void ObjectTreeModel::rowAboutToBeInserted(Object* parent, int row)
     beginInsertRows(index(parent), row, row);
 }
 
-void ObjectTreeModel::rowInserted(Object*, int)
+void ObjectTreeModel::rowInserted(Object* parent, int row)
 {
     endInsertRows();
+    renumberFrom(parent, row + 1);
 }
 
 void ObjectTreeModel::rowAboutToBeRemoved(Object* parent, int row)
@@ -175,9 +176,19 @@ void ObjectTreeModel::rowAboutToBeRemoved(Object* parent, int row)
     beginRemoveRows(index(parent), row, row);
 }
 
-void ObjectTreeModel::rowRemoved(Object*, int)
+void ObjectTreeModel::rowRemoved(Object* parent, int row)
 {
     endRemoveRows();
+    renumberFrom(parent, row);
+}
+
+/// The items of an array are shown by their index, which has changed for those from this row on.
+void ObjectTreeModel::renumberFrom(Object* parent, int row)
+{
+    const int last = parent->childCount() - 1;
+    if (row <= last && dynamic_cast<ObjectArray*>(parent))
+        Q_EMIT dataChanged(createIndex(row, 0, parent->childAt(row)),
+                           createIndex(last, 0, parent->childAt(last)), {Qt::DisplayRole});
 }
 
 } // namespace vantrel

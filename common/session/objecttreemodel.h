@@ -49,6 +49,7 @@ private:
     void rowAboutToBeRemoved(Object* parent, int row) override;
     void rowRemoved(Object* parent, int row) override;
 
+    void renumberFrom(Object* parent, int row);
     /// The object that an index stands for; the root for the invalid one, null without a scene.
     Object* nodeOf(const QModelIndex& index) const;
     static QString displayName(const Object* object);

@@ -44,7 +44,7 @@ int PropertiesModel::columnCount(const QModelIndex& parent) const
 
 const PropertyInfo* PropertiesModel::info(const QModelIndex& index) const
 {
-    return checkIndex(index, CheckIndexOption::IndexIsValid) ? m_properties[index.row()] : nullptr;
+    return index.isValid() && index.row() < int(m_properties.size()) ? m_properties[index.row()] : nullptr;
 }
 
 QVariant PropertiesModel::data(const QModelIndex& index, int role) const

@@ -4,13 +4,14 @@
 #include <QTcpServer>
 #include <QTcpSocket>
 
+#include <algorithm>
 #include <functional>
 #include <vector>
 
 namespace vantrel::test {
 
 /// A web server on the test's thread that answers what it is told to. Without a handler it answers 404; one
-/// that gives the status 0 leaves the request open.
+/// that gives the status 0 leaves the request open, and a negative one breaks the connection.
 class ScriptedHttp : public QObject
 {
 public:
@@ -73,6 +74,10 @@ private:
         const Reply reply = handler ? handler(request) : Reply{404, {}, "text/plain"};
         if (reply.status == 0)
             return;
+        if (reply.status < 0) {
+            socket->abort();
+            return;
+        }
         socket->write("HTTP/1.1 " + QByteArray::number(reply.status) + " Scripted\r\nContent-Type: " +
                       reply.contentType + "\r\nContent-Length: " + QByteArray::number(reply.body.size()) +
                       "\r\nConnection: close\r\n\r\n" + reply.body);

@@ -17,7 +17,7 @@ namespace vantrel::test {
 namespace {
 
 const char* const smallScene = R"([{"op":"add","path":"/device/channels/0","value":{"type":"Channel",
-    "preview":{"type":"Playback","properties":{"media":"brume://collections/1/slots/1"}}}}])";
+    "preview":{"type":"Playback","properties":{"media":"brume:\/\/collections/1/slots/1"}}}}])";
 
 int surfaceCount(const Session* session)
 {
