@@ -115,7 +115,8 @@ bool measurePreview()
         !robot.doubleClickCell("MediaPanel-slots-view", 0, 0) || !robot.click("TakeControls-Take-Button") ||
         !robot.doubleClickCell("MediaPanel-slots-view", 1, 0))
         return false;
-    QTest::qWaitFor([&] { return robot.figures()["previewPictures"].toInt() > 100; }, 20000);
+    if (!QTest::qWaitFor([&] { return robot.figures()["previewPictures"].toInt() > 100; }, 20000))
+        return false;
     const QJsonObject before = robot.figures(true);
     const bool ran =
         QTest::qWaitFor([&] { return robot.figures()["previewPictures"].toInt() >= 250; }, 20000);
