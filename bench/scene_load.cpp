@@ -106,9 +106,9 @@ int main()
     }
     const double mine = *std::ranges::min_element(ours);
     const double peer = *std::ranges::min_element(theirs);
-    const double goal = 0.5;
+    const double goal = 2;
     std::printf("{\"name\":\"scene/load-100000-ops\",\"peer\":\"nlohmann::json parse + patch\",\"ours\":%.1f,"
                 "\"theirs\":%.1f,\"unit\":\"ms\",\"ratio\":%.3f,\"goal\":%.1f,\"met\":%s}\n",
-                mine, peer, mine / peer, goal, mine <= goal * peer ? "true" : "false");
+                mine, peer, peer / mine, goal, peer >= goal * mine ? "true" : "false");
     return 0;
 }

@@ -124,7 +124,7 @@ bool measurePreview()
     const double cost = (after["mainThreadCpuMs"].toDouble() - before["mainThreadCpuMs"].toDouble()) /
                         after["previewPictures"].toDouble();
     row("preview/main-thread-per-picture", "the limit of 2 ms", cost, 2, "ms", 1);
-    return ran;
+    return after["previewPictures"].toInt() > 200;
 }
 
 } // namespace

@@ -28,6 +28,7 @@ public:
 
 private:
     QString outputFile() const;
+    QString offscreenPlatform() const;
 
     QProcess m_process;
     QTemporaryDir m_home;
