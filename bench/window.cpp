@@ -118,8 +118,7 @@ bool measurePreview()
     if (!QTest::qWaitFor([&] { return robot.figures()["previewPictures"].toInt() > 100; }, 20000))
         return false;
     const QJsonObject before = robot.figures(true);
-    const bool ran =
-        QTest::qWaitFor([&] { return robot.figures()["previewPictures"].toInt() >= 250; }, 20000);
+    QTest::qWait(6000); // undisturbed: a robot that asks all the time would be measured too
     const QJsonObject after = robot.figures();
     const double cost = (after["mainThreadCpuMs"].toDouble() - before["mainThreadCpuMs"].toDouble()) /
                         after["previewPictures"].toDouble();
