@@ -1,0 +1,244 @@
+#include "common/command/playlist/addplaylistcommand.h"
+#include "common/command/playlist/removeplaylistcommand.h"
+#include "common/command/playlist/renameplaylistcommand.h"
+#include "common/command/slot/addmediatocollectioncommand.h"
+#include "common/command/slot/clearslotfromcollectioncommand.h"
+#include "common/command/slot/copycollectioncommand.h"
+#include "common/command/slot/editslotscalingcommand.h"
+#include "common/command/slot/insertcollectioncommand.h"
+#include "common/command/slot/moveslotincollectioncommand.h"
+#include "common/command/slot/removecollectioncommand.h"
+#include "common/command/slot/renamecollectioncommand.h"
+#include "common/command/slot/renameslotcommand.h"
+#include "common/command/slot/setdurationcommand.h"
+#include "common/command/slot/setinpointcommand.h"
+#include "common/command/slot/setoutpointcommand.h"
+#include "common/media/guimediaslot.h"
+#include "tests/support/librarymaker.h"
+#include "tests/support/testmain.h"
+
+#include <QTest>
+
+#include <functional>
+
+using namespace vantrel;
+
+namespace {
+
+/// A command that takes a server for granted.
+template <typename Command>
+class Online : public Command
+{
+protected:
+    bool hasApi() const override { return true; }
+};
+
+using Make = std::function<std::unique_ptr<LibraryEditCommand>(const MediaLibrary*, bool& ok)>;
+
+template <typename Command, typename... Args>
+Make make(Args... args)
+{
+    return [=](const MediaLibrary* library, bool& ok) {
+        auto command = std::make_unique<Online<Command>>();
+        ok = command->init(library, args...);
+        return command;
+    };
+}
+
+Make makeScaling(int collection, int slot, ScaleMode mode)
+{
+    return [=](const MediaLibrary* library, bool& ok) {
+        auto command = std::make_unique<Online<EditSlotScalingCommand>>();
+        ok = command->initCmd(library, collection, slot, mode);
+        return command;
+    };
+}
+
+QList<GuiMediaSlot> medias(int count)
+{
+    QList<GuiMediaSlot> list;
+    for (int i = 0; i < count; ++i) {
+        GuiMediaSlot slot;
+        slot.setName(QStringLiteral("new%1").arg(i));
+        slot.setContentUrl(QUrl(QStringLiteral("file:///new%1.mp4").arg(i)));
+        list.append(slot);
+    }
+    return list;
+}
+
+/// Two collections of four slots, the fourth of each empty, and a playlist with an entry.
+Ref<MediaLibrary> sample()
+{
+    auto library = test::makeLibrary(2, 4);
+    for (int collection : {1, 2})
+        library->findCollection(collection)->insertMediaSlot(4, MediaSlot(), true);
+    library->addPlaylist(1, Playlist("Show"));
+    library->findPlaylist(1)->addEntry({1, 0}, PlaylistEntry());
+    return library;
+}
+
+} // namespace
+
+Q_DECLARE_METATYPE(Make)
+using Check = std::function<bool(const MediaLibrary&)>;
+Q_DECLARE_METATYPE(Check)
+
+class TestLibraryCommands : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void edits_data();
+    void edits();
+    void refusals_data();
+    void refusals();
+    void withoutServer();
+    void ids();
+};
+
+void TestLibraryCommands::edits_data()
+{
+    QTest::addColumn<Make>("make");
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<Check>("check");
+    const auto row = [](const char* text, const Make& command, const Check& check) {
+        QTest::newRow(text) << command << QString::fromLatin1(text) << check;
+    };
+    const QString slot = QStringLiteral("brume://collections/1/slots/2");
+    const auto at = [](const MediaLibrary& l, int c, int s) { return l.findSlot(c, s); };
+    row("Set inpoint to 1.5", make<SetInpointCommand>(slot, 1.5),
+        [=](const auto& l) { return at(l, 1, 2)->getInpoint() == 1.5; });
+    row("Set outpoint to 2.25", make<SetOutpointCommand>(slot, std::optional(2.25)),
+        [=](const auto& l) { return at(l, 1, 2)->getOutpoint() == 2.25; });
+    row("Reset outpoint", make<SetOutpointCommand>(slot, std::optional<double>()),
+        [=](const auto& l) { return !at(l, 1, 2)->getOutpoint(); });
+    row("Add media to slot 3 in collection 2", make<AddMediaToCollectionCommand>(2, 3, medias(3)),
+        [=](const auto& l) { return at(l, 2, 3)->getName() == "new0" && at(l, 2, 5)->getName() == "new2"; });
+    row("Cleared slot 2 from collection 1", make<ClearSlotFromCollectionCommand>(1, 2),
+        [=](const auto& l) { return at(l, 1, 2) && at(l, 1, 2)->getUrl().empty(); });
+    row("Cleared slot 1, 3 from collection 1", make<ClearSlotFromCollectionCommand>(1, QList<int>{1, 3}),
+        [=](const auto& l) { return at(l, 1, 1)->getUrl().empty() && at(l, 1, 3)->getUrl().empty(); });
+    row("Move slot 2 to 9 in collection 1", make<MoveSlotInCollectionCommand>(1, 2, 9),
+        [=](const auto& l) { return at(l, 1, 9)->getName() == "c1s2" && at(l, 1, 2)->getUrl().empty(); });
+    row("Move slot 2 to 4 in collection 1", make<MoveSlotInCollectionCommand>(1, 2, 4), // over an empty one
+        [=](const auto& l) { return at(l, 1, 4)->getName() == "c1s2"; });
+    row("Rename collection 2", make<RenameCollectionCommand>(2, QStringLiteral("Neu")),
+        [](const auto& l) { return l.findCollection(2)->getName() == "Neu"; });
+    row("Rename slot 2 in collection 1", make<RenameSlotCommand>(1, 2, QStringLiteral("Neu")),
+        [=](const auto& l) { return at(l, 1, 2)->getName() == "Neu"; });
+    row("Set scaling to 'Fit' for slot 2 in collection 1", makeScaling(1, 2, ScaleMode::Fit),
+        [=](const auto& l) { return at(l, 1, 2)->getScaleMode() == ScaleMode::Fit; });
+    row("Set duration to 7.5", make<SetDurationCommand>(QUrl(slot), 7.5, false), [=](const auto& l) {
+        return at(l, 1, 2)->getEffectiveMediaDuration() == 7.5 && at(l, 1, 2)->isFinite();
+    });
+    row("Set duration to 0", make<SetDurationCommand>(QUrl(slot), 0.0, true),
+        [=](const auto& l) { return !at(l, 1, 2)->isFinite(); });
+    row("Insert collection 7", make<InsertCollectionCommand>(7, QStringLiteral("Seven")),
+        [](const auto& l) { return l.findCollection(7)->getName() == "Seven"; });
+    row("Remove collection 2", make<RemoveCollectionCommand>(2),
+        [](const auto& l) { return !l.findCollection(2) && l.findCollection(1); });
+    row("Copy collection from 1 to 5", make<CopyCollectionCommand>(1, 5), [=](const auto& l) {
+        return l.findCollection(5)->getName() == "Duplicate of Collection 1" &&
+               at(l, 5, 3)->getName() == "c1s3";
+    });
+    row("Add new playlist 2", make<AddPlaylistCommand>(2, QStringLiteral("Second")),
+        [](const auto& l) { return l.findPlaylist(2)->getName() == "Second"; });
+    row("Remove playlist 1", make<RemovePlaylistCommand>(1),
+        [](const auto& l) { return !l.findPlaylist(1); });
+    row("Rename playlist 1", make<RenamePlaylistCommand>(1, QStringLiteral("Neu")),
+        [](const auto& l) { return l.findPlaylist(1)->getName() == "Neu"; });
+}
+
+void TestLibraryCommands::edits()
+{
+    QFETCH(Make, make);
+    QFETCH(Check, check);
+    const auto library = sample();
+    const Json before = library->toJson();
+    bool ok = false;
+    const auto command = make(library.get(), ok);
+    QVERIFY(ok);
+    QVERIFY(command->initialized());
+    QVERIFY(command->isUndoSupported());
+    QTEST(command->text(), "text");
+    QVERIFY(library->toJson() == before); // only a rehearsal so far
+
+    QCOMPARE(library->applyDiff(command->redoPatch()), 0);
+    QVERIFY(check(*library));
+    QCOMPARE(library->applyDiff(command->undoPatch()), 0);
+    QVERIFY(library->toJson() == before);
+    QCOMPARE(library->applyDiff(command->redoPatch()), 0);
+    QVERIFY(check(*library));
+}
+
+void TestLibraryCommands::refusals_data()
+{
+    QTest::addColumn<Make>("make");
+    QTest::addColumn<QString>("warning");
+    const auto row = [](const char* name, const Make& command, const char* warning) {
+        QTest::newRow(name) << command << QString::fromLatin1(warning);
+    };
+    const QString gone = QStringLiteral("brume://collections/1/slots/99");
+    row("inpoint", make<SetInpointCommand>(gone, 1.0), "Media slot not found for setting inpoint");
+    row("outpoint", make<SetOutpointCommand>(gone, std::optional(1.0)),
+        "Media slot not found for setting outpoint");
+    row("no media", make<AddMediaToCollectionCommand>(1, 1, medias(0)), "No medias to add to collection");
+    row("no collection", make<AddMediaToCollectionCommand>(9, 1, medias(1)), "Unable to find collection");
+    row("no room",
+        make<AddMediaToCollectionCommand>(1, MediaCollection::getMediaSlotIndexMax() - 1, medias(3)),
+        "Not enough slots to add media");
+    row("no such number", make<AddMediaToCollectionCommand>(1, -1, medias(1)),
+        "Not enough slots to add media");
+    row("clear, collection", make<ClearSlotFromCollectionCommand>(9, 1), "Unable to find collection");
+    row("clear, slot", make<ClearSlotFromCollectionCommand>(1, 9), "Unable to find slot");
+    row("move, collection", make<MoveSlotInCollectionCommand>(9, 1, 2), "Unable to find collection");
+    row("move, slot", make<MoveSlotInCollectionCommand>(1, 9, 10), "Unable to find source slot");
+    row("move onto another", make<MoveSlotInCollectionCommand>(1, 1, 2), ""); // refused without a warning
+    row("rename", make<RenameCollectionCommand>(9, QString()), "Unable to find media collection.");
+    row("scaling, collection", makeScaling(9, 1, ScaleMode::Fit), "Unable to find collection");
+    row("scaling, slot", makeScaling(1, 9, ScaleMode::Fit), "Unable to find slot");
+    row("duration", make<SetDurationCommand>(QUrl(gone), 1.0, false), "because a slot was not found");
+    row("remove", make<RemoveCollectionCommand>(9), "Unable to find media collection.");
+    row("copy", make<CopyCollectionCommand>(9, 10), "Unable to find source media collection.");
+    row("copy onto another", make<CopyCollectionCommand>(1, 2), "Unable to copy media collection");
+    row("playlist taken", make<AddPlaylistCommand>(1, QString()),
+        "Unable to build redo Patch due failed addPlaylist");
+    row("no playlist", make<RemovePlaylistCommand>(9),
+        "Unable to build redo Patch due failed removePlaylist");
+    row("no playlist to rename", make<RenamePlaylistCommand>(9, QString()), "Unable to find playlist");
+}
+
+void TestLibraryCommands::refusals()
+{
+    QFETCH(Make, make);
+    QFETCH(QString, warning);
+    const auto library = sample();
+    const Json before = library->toJson();
+    if (!warning.isEmpty())
+        test::expectWarning(warning);
+    bool ok = true;
+    const auto command = make(library.get(), ok);
+    QVERIFY(!ok);
+    QVERIFY(!command->initialized());
+    QVERIFY(library->toJson() == before);
+}
+
+void TestLibraryCommands::withoutServer()
+{
+    const auto library = sample();
+    RenameCollectionCommand command;
+    test::expectWarning(QStringLiteral("No api available, check connection?"));
+    QVERIFY(!command.init(library.get(), 1, QStringLiteral("x")));
+    QVERIFY(!command.initialized());
+}
+
+void TestLibraryCommands::ids()
+{
+    QCOMPARE(RemoveCollectionCommand().id(), 33);
+    QCOMPARE(InsertCollectionCommand().id(), 34);
+    QCOMPARE(CopyCollectionCommand().id(), 35);
+    QCOMPARE(RenameCollectionCommand().id(), -1);
+}
+
+HALCYRA_TEST(TestLibraryCommands)
+#include "test_librarycommands.moc"
