@@ -81,13 +81,29 @@ QWidget* ConnectDialog::makeForm()
     });
     connect(m_servers, &QTableView::doubleClicked, this, [this] { doConnect(); });
 
+    m_noServers = new ZTLabel(tr("Searching. None has answered yet: type the address above."), form);
+    m_noServers->setStyleClass(QStringLiteral("dim"));
+    m_noServers->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+    m_noServers->setWordWrap(true);
+    m_noServers->setMinimumHeight(120);
+
     layout->addWidget(section);
     layout->addWidget(label);
     layout->addWidget(m_address);
     layout->addSpacing(8);
     layout->addWidget(found);
     layout->addWidget(m_servers, 1);
+    layout->addWidget(m_noServers, 1);
+    connect(m_locator, &LocatorModel::modelReset, this, &ConnectDialog::showServers);
+    showServers();
     return form;
+}
+
+void ConnectDialog::showServers()
+{
+    const bool found = m_locator->rowCount() > 0;
+    m_servers->setVisible(found);
+    m_noServers->setVisible(!found);
 }
 
 QWidget* ConnectDialog::makeMessage()

@@ -48,6 +48,7 @@ Q_SIGNALS:
 private:
     QWidget* makeForm();
     QWidget* makeMessage();
+    void showServers();
     void setFace(const QString& title, const QString& accept, const QString& styleClass,
                  const std::function<void()>& action);
     void showMessage(const QString& text, bool busy);
@@ -56,6 +57,7 @@ private:
     ZTEdit* m_address = nullptr;
     QTableView* m_servers = nullptr;
     LocatorModel* m_locator;
+    ZTLabel* m_noServers = nullptr;
     ZTLabel* m_message = nullptr;
     QProgressBar* m_progress = nullptr;
     PushButton* m_disconnect;

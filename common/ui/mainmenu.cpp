@@ -53,8 +53,7 @@ void MainMenu::addEntries()
             this, &MainMenu::configurationClicked);
     connect(addEntry(QStringLiteral(":/icons/question.svg"), tr("About")), &QAction::triggered, this,
             &MainMenu::openAboutDialog);
-    connect(addEntry(QStringLiteral(":/icons/export.svg"), tr("Exit")), &QAction::triggered, this,
-            [] { QCoreApplication::quit(); });
+    connect(addAction(tr("Exit")), &QAction::triggered, this, [] { QCoreApplication::quit(); });
 }
 
 void MainMenu::handleConnected()

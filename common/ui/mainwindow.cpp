@@ -28,6 +28,8 @@
 #include <QLoggingCategory>
 #include <QQuickWidget>
 #include <QResizeEvent>
+#include <QScreen>
+#include <QScrollArea>
 #include <QTimer>
 #include <QVBoxLayout>
 
@@ -104,7 +106,7 @@ MainWindow::MainWindow(QWidget* parent)
     setFocusPolicy(tabClickWheel);
     raise();
     m_developerMenu = new DeveloperMenu(this);
-    resize(1600, 1000);
+    resize(QSize(1600, 1000).boundedTo(screen()->availableSize()));
 }
 
 MainWindow::~MainWindow()
@@ -198,8 +200,15 @@ void MainWindow::initPlayerView()
             &MainWindow::handleCollectionEditRequested);
     if (const Session* session = Session::instance())
         view->setModel(session->objectTreeModel()->index(QStringLiteral("/device/channels")));
+    // With large text two channels can need more width than the screen has.
+    auto* area = new QScrollArea(m_tabs);
+    area->setObjectName(QStringLiteral("PlayerTab-scroll-area"));
+    area->setFrameShape(QFrame::NoFrame);
+    area->setFocusPolicy(Qt::NoFocus);
+    area->setWidgetResizable(true);
+    area->setWidget(view);
     addView(PlayerTab, tr("PLAYER"), QStringLiteral(":/icons/mc_play.svg"),
-            QStringLiteral("MainNavigationBar-player-button"), view);
+            QStringLiteral("MainNavigationBar-player-button"), area);
 }
 
 void MainWindow::initConnection()

@@ -5,7 +5,8 @@
 namespace vantrel {
 
 /// A label that shows its text as it is: a name from the server never becomes markup. The dynamic style
-/// "class" chooses among "caption", "title", "display", "time" (tabular figures), "dim" and "error".
+/// "class" chooses among "caption", "title", "display", "section", "dim" and
+/// "error".
 class ZTLabel : public QLabel
 {
     Q_OBJECT
