@@ -31,6 +31,11 @@ GUIPlayback::GUIPlayback(AbstractPlaylistProvider* playlistProvider,
     if (libraryProvider) {
         using Provider = AbstractMediaLibraryProvider;
         connect(libraryProvider, &Provider::reset, this, &GUIPlayback::refreshMediaData);
+        connect(libraryProvider, &Provider::collectionAdded, this, [this](uint collection) {
+            // Comes with its slots, in place of one that may have been there before.
+            if (m_playingSlotAddress.isValid() && uint(m_playingSlotAddress.collection) == collection)
+                refreshMediaData();
+        });
         connect(libraryProvider, &Provider::slotAdded, this, &GUIPlayback::handleSlotModified);
         connect(libraryProvider, &Provider::slotChanged, this, &GUIPlayback::handleSlotModified);
         connect(libraryProvider, &Provider::slotRemoved, this, &GUIPlayback::handleSlotModified);

@@ -46,10 +46,10 @@ bool OmbraProcess::start(int timeout)
     m_process->setProcessChannelMode(QProcess::MergedChannels);
     m_process->start(binary(QStringLiteral("ombra")),
                      {QStringLiteral("--media"), m_mediaFolder, QStringLiteral("--state"), stateFolder(),
-                      QStringLiteral("--bind"), host(), QStringLiteral("--http-port"),
-                      QString::number(m_ports.http), QStringLiteral("--link-port"),
-                      QString::number(m_ports.link), QStringLiteral("--preview-port"),
-                      QString::number(m_ports.preview)});
+                      QStringLiteral("--bind"), host(), QStringLiteral("--no-discovery"),
+                      QStringLiteral("--http-port"), QString::number(m_ports.http),
+                      QStringLiteral("--link-port"), QString::number(m_ports.link),
+                      QStringLiteral("--preview-port"), QString::number(m_ports.preview)});
     QElapsedTimer clock;
     clock.start();
     while (clock.elapsed() < timeout) {

@@ -1,0 +1,185 @@
+#include "common/command/playback/playmediacommand.h"
+#include "common/command/playback/setvolumecommand.h"
+#include "common/media/guimediaslot.h"
+#include "common/media/medialibraryapi.h"
+#include "common/media/medialibraryprovider.h"
+#include "common/session/connectionhandler.h"
+#include "common/session/guimapping.h"
+#include "common/session/guioutput.h"
+#include "common/session/guiplayback.h"
+#include "common/session/previewthread.h"
+#include "common/session/sceneobjectprovider.h"
+#include "common/session/session.h"
+#include "common/session/systemproxy.h"
+#include "tarn/scene/scene.h"
+#include "tests/support/ombraprocess.h"
+#include "tests/support/testmain.h"
+
+#include <QImage>
+#include <QNetworkReply>
+#include <QSignalSpy>
+#include <QTest>
+#include <QUndoStack>
+
+namespace vantrel::test {
+
+namespace {
+
+const char* const library = R"([{"op":"add","path":"/collections/7","value":{"name":"Main","slots":{"1":{
+    "name":"Red","contentUrl":"file:\/\/\/red.png","inpoint":0,"outpoint":null,"duration":5,"mediaDuration":null,
+    "scaleMode":"fit","isPlayable":true,"durationType":"manual","imageSequence":null,"type":"imageFile"}}}}])";
+
+/// A second operator's program, reduced to its copy of the scene.
+class SecondClient
+{
+public:
+    explicit SecondClient(quint16 port)
+        : handler(port)
+        , scene(makeRef<Scene>())
+    {
+        QObject::connect(&handler, &ConnectionHandler::patchAvailable, &handler, [this] {
+            Patch patch;
+            while (handler.recvPatch(patch))
+                scene->apply(patch, false);
+        });
+        handler.start();
+        handler.connect(QStringLiteral("127.0.0.1"));
+    }
+    ~SecondClient() { handler.shutDown(5000); }
+    double volume() const
+    {
+        Variant value;
+        scene->getProperty(scene->find("/device/channels/0/preview/properties/volume"), value);
+        return value.as<double>();
+    }
+    ConnectionHandler handler;
+    Ref<Scene> scene;
+};
+
+} // namespace
+
+/// The session beside a live server.
+class TestLiveSession : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        if (!OmbraProcess::isAvailable())
+            QSKIP("HALCYRA_BIN names no folder with ombra in it");
+    }
+    void init()
+    {
+        // Requests in flight when a server is killed fail; what they say is not the subject here.
+        allowWarnings(QStringLiteral("Getting system property failed"));
+        allowWarnings(QStringLiteral("Failed to get media library"));
+        m_server = std::make_unique<OmbraProcess>();
+        QImage red(64, 36, QImage::Format_RGB32);
+        red.fill(QColor(220, 10, 10));
+        QVERIFY(red.save(m_server->mediaFolder() + QStringLiteral("/red.png")));
+        QVERIFY(m_server->start());
+        m_session = new Session;
+        Session::initializeWith(m_session, m_server->ports());
+    }
+    void cleanup()
+    {
+        delete std::exchange(m_session, nullptr);
+        m_server.reset();
+    }
+
+    void loadsSceneAndLibrary()
+    {
+        QVERIFY(connectAndLoad());
+        const SceneObjectProvider* objects = m_session->sceneObjectProvider();
+        QCOMPARE(objects->previewPlayback()->object(), at("/device/channels/0/preview"));
+        QCOMPARE(objects->programPlayback()->object(), at("/device/channels/0/program"));
+        QTRY_COMPARE(objects->programMapping()->object(), at("/device/channels/0/mappings/1"));
+        QTRY_COMPARE(objects->output1()->object(), at("/device/system/gpus/0/outputs/0"));
+        QVERIFY(!objects->modelines(0)->isEmpty());
+        QTRY_VERIFY(!m_session->systemProxy()->version().isEmpty());
+        QVERIFY(addSlot());
+    }
+
+    void showsAnOthersChanges()
+    {
+        QVERIFY(connectAndLoad());
+        const SecondClient second(m_server->ports().link);
+        QTRY_COMPARE(second.volume(), 1.0);
+        using ByChannel = bool (SetVolumeCommand::*)(int, bool, double, double);
+        auto* command = new SetVolumeCommand;
+        QVERIFY((command->*static_cast<ByChannel>(&SetVolumeCommand::init))(0, false, 0.25, 1.0));
+        m_session->executeCommand(command);
+        QTRY_COMPARE(second.volume(), 0.25);
+        m_session->getQUndoStack()->undo();
+        QTRY_COMPARE(second.volume(), 1.0);
+    }
+
+    void playsAndShowsThePicture()
+    {
+        QVERIFY(connectAndLoad());
+        QVERIFY(addSlot());
+        QColor seen;
+        connect(m_session->preview(), &PreviewThread::previewFrame, this,
+                [&](const PreviewFrame& frame, const QPixmap& pixmap) {
+                    if (frame.source.find("/preview") != std::string::npos)
+                        seen = pixmap.toImage().pixelColor(pixmap.width() / 2, pixmap.height() / 2);
+                });
+        auto* command = new PlayMediaCommand;
+        QVERIFY(command->initialize(true, 0, 7, 1));
+        m_session->executeCommand(command);
+        const GUIPlayback* playback = m_session->sceneObjectProvider()->previewPlayback();
+        QTRY_COMPARE(playback->playingSlotAddress(), MediaAddress(7, 1));
+        QTRY_COMPARE(playback->state(), SourcePlayState::Play);
+        QTRY_COMPARE(playback->duration(), 5.0);
+        QTRY_VERIFY(seen.red() > 180 && seen.green() < 60 && seen.blue() < 60);
+    }
+
+    void comesBackAfterTheServerWasKilled()
+    {
+        QVERIFY(connectAndLoad());
+        QVERIFY(addSlot());
+        QSignalSpy gone(m_session, &Session::disconnected);
+        QSignalSpy loaded(m_session, &Session::sceneLoaded);
+        m_server->kill();
+        QTRY_COMPARE(gone.count(), 1);
+        QVERIFY(m_session->getScene()->findObject("/device/channels/0"));
+        QVERIFY(m_session->mediaLibraryProvider()->slot(MediaAddress(7, 1)));
+        QSignalSpy reset(m_session->mediaLibraryProvider(), &MediaLibraryProvider::reset);
+        QVERIFY(m_server->start());
+        QTRY_COMPARE_WITH_TIMEOUT(loaded.count(), 1, 20000);
+        QVERIFY(m_session->isConnected());
+        QCOMPARE(m_session->sceneObjectProvider()->previewPlayback()->object(),
+                 at("/device/channels/0/preview"));
+        QTRY_COMPARE(reset.count(), 1);
+        QVERIFY(m_session->mediaLibraryProvider()->slot(MediaAddress(7, 1)));
+    }
+
+private:
+    bool connectAndLoad()
+    {
+        QSignalSpy loaded(m_session, &Session::sceneLoaded);
+        m_session->connectionHandler()->connect(m_server->host());
+        return loaded.count() > 0 || loaded.wait(15000);
+    }
+    bool addSlot()
+    {
+        Patch patch;
+        if (!Patch::parseString(library, patch) || !m_session->getMediaLibraryApi())
+            return false;
+        QNetworkReply* reply = m_session->getMediaLibraryApi()->patchMediaLibrary(patch);
+        connect(reply, &QNetworkReply::finished, reply, &QObject::deleteLater);
+        return QTest::qWaitFor(
+            [this] { return m_session->mediaLibraryProvider()->slot(MediaAddress(7, 1)) != nullptr; });
+    }
+    Object* at(const char* path) const { return m_session->getScene()->findObject(path); }
+
+    std::unique_ptr<OmbraProcess> m_server;
+    Session* m_session = nullptr;
+};
+
+HALCYRA_TEST(TestLiveSession)
+
+} // namespace vantrel::test
+
+#include "test_livesession.moc"
