@@ -60,9 +60,11 @@ class Robot:
 
 def main():
     robot = Robot(port_of(sys.argv[1]))
+    robot.ask(operation="raise", objectName="MainWindow")  # without a window manager nobody else gives it the keys
     take = robot.find("TakeControls-Take-Button")
     robot.mouse("double_click", robot.slot(0))
     time.sleep(1)
+    robot.mouse("click", robot.find("TakeControls-Swap-Button"))
     robot.mouse("click", take)
     time.sleep(2)
     robot.mouse("double_click", robot.slot(1))

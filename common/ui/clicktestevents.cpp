@@ -1,5 +1,6 @@
 #include "common/ui/clicktestevents.h"
 
+#include "common/session/mainwindowhandle.h"
 #include "common/ui/clicktestrequest.h"
 
 #include <QApplication>
@@ -117,8 +118,18 @@ void sendMouse(const ClickTestRequest& request, const QPoint& global, QEvent::Ty
     QCursor::setPos(global);
 }
 
+/// A real press gives focus before it arrives; Qt leaves a synthesised one without.
+void giveFocus(QWidget* widget)
+{
+    while (widget && !((widget->focusPolicy() & Qt::ClickFocus) == Qt::ClickFocus && widget->isEnabled()))
+        widget = widget->isWindow() ? nullptr : widget->parentWidget();
+    if (widget)
+        widget->setFocus(Qt::MouseFocusReason);
+}
+
 void press(const ClickTestRequest& request, const QPoint& global, Qt::MouseButton button)
 {
+    giveFocus(QApplication::widgetAt(global));
     sendMouse(request, global, QEvent::MouseButtonPress, button, button);
 }
 
@@ -201,10 +212,19 @@ void handleMouse(const ClickTestRequest& request, const QPoint& global)
         (*found)(request, global);
 }
 
+/// The widget with focus. Where no window manager has made a window active, the one that would have it.
+static QWidget* keyTarget()
+{
+    if (QWidget* widget = QApplication::focusWidget())
+        return widget;
+    QWidget* window = mainWindowWidget();
+    return window ? window->focusWidget() : nullptr;
+}
+
 void handleKeyPress(const QString& keyName)
 {
     const Key key = keyOf(keyName);
-    const QPointer<QWidget> widget = QApplication::focusWidget();
+    const QPointer<QWidget> widget = keyTarget();
     if (key.key == 0 || !widget || triggerShortcut(widget, key))
         return;
     QKeyEvent down(QEvent::KeyPress, key.key, key.modifiers, key.text);

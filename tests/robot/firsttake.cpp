@@ -53,7 +53,7 @@ bool FirstTake::setTakeDuration(const QString& seconds)
     m_robot.key(QStringLiteral("CtrlA"));
     m_robot.type(seconds);
     m_robot.key(QStringLiteral("Enter"));
-    return true;
+    return m_robot.text(QStringLiteral("TakeControls-Duration")).startsWith(seconds);
 }
 
 void FirstTake::initTestCase()
