@@ -243,6 +243,10 @@ void PlaybackWidget::applyCell(int column, const QVariant& value)
     default:
         break;
     }
+    // The slider limits the position to its range: a range that comes late must not leave it at the start.
+    const bool isRange = column >= PlaybackModel::InpointColumn && column <= PlaybackModel::DurationColumn;
+    if (isRange || column == PlaybackModel::MediaUrlColumn)
+        m_slider->setPosition(modelSeconds(PlaybackModel::MediaPositionColumn));
 }
 
 void PlaybackWidget::handleInpointSet(double seconds)

@@ -24,7 +24,8 @@ namespace vantrel {
 
 namespace {
 
-constexpr int objectRole = 257; // of the scene's tree model
+constexpr int leastPanelWidth = 140; // pixels, so that the window fits 1280 beside both channels
+constexpr int objectRole = 257;      // of the scene's tree model
 constexpr int sceneRole = 258;
 
 } // namespace
@@ -35,6 +36,7 @@ PlayerPlaybackView::PlayerPlaybackView(QWidget* parent)
     , m_stack(new QStackedWidget(this))
 {
     auto* panel = new MediaPanelWidget(this);
+    panel->setMinimumWidth(leastPanelWidth);
     panel->setObjectName(QStringLiteral("PlayerTab-mediapanel-widget"));
     connect(panel, &MediaPanelWidget::collectionEditRequested, this,
             &PlayerPlaybackView::collectionEditRequested);

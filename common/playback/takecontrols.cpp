@@ -95,6 +95,7 @@ void TakeControls::createControls()
     m_duration->setObjectName(QStringLiteral("TakeControls-Duration"));
     m_duration->setUnit(QStringLiteral("s"));
     m_duration->setRange(0.0, 10.0);
+    m_duration->setMinimumWidth(60);
     m_duration->setAccessibleName(tr("Take transition duration"));
     m_duration->setToolTip(tr("Take transition duration can be specified from 0.0 to 10.0 seconds.\n"
                               "Duration does not apply to direct cut."));
@@ -120,13 +121,16 @@ void TakeControls::layOut()
     for (IconButton* button : {m_directCut, m_crossfade, m_dip})
         transition->addWidget(button);
     transition->addStretch(1);
-    auto* preset = new QHBoxLayout;
+    auto* presetFrame = new ZTFrame(this);
+    presetFrame->setObjectName(QStringLiteral("TakeControls-Preset"));
+    auto* preset = new QHBoxLayout(presetFrame);
+    preset->setContentsMargins(2, 2, 2, 2);
     preset->setSpacing(2);
     preset->addWidget(m_swap);
     preset->addWidget(m_copy);
 
     auto* layout = new QVBoxLayout(this);
-    layout->setContentsMargins(8, 12, 8, 12);
+    layout->setContentsMargins(4, 12, 4, 12);
     layout->setSpacing(10);
     layout->addWidget(m_takeButton, 0, Qt::AlignHCenter);
     layout->addSpacing(8);
@@ -135,7 +139,7 @@ void TakeControls::layOut()
     layout->addWidget(m_duration);
     layout->addSpacing(8);
     layout->addWidget(m_presetLabel, 0, Qt::AlignHCenter);
-    layout->addLayout(preset);
+    layout->addWidget(presetFrame);
     layout->addStretch(1);
 }
 
