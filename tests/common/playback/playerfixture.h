@@ -1,0 +1,108 @@
+#pragma once
+
+#include "common/playback/channelwidget.h"
+#include "common/playback/playerplaybackview.h"
+#include "common/session/configuration.h"
+#include "common/session/objecttreemodel.h"
+#include "tests/common/session/scriptedpeer.h"
+#include "tests/support/testmain.h"
+
+#include <QTest>
+
+#include <memory>
+
+namespace vantrel::test {
+
+/// The player tab beside a scripted server with a library of one video, one still and one nameless slot.
+class PlayerFixture
+{
+public:
+    PlayerFixture()
+    {
+        allowWarnings(QStringLiteral("Failed due network error"));
+        allowWarnings(QStringLiteral("Invalid model index, Failed to acquire media name"));
+        const ScriptedHttp::Handler rest = peer.http.handler;
+        peer.http.handler = [this, rest](const ScriptedHttp::Request& request) -> ScriptedHttp::Reply {
+            if (request.method == "PATCH") {
+                patches.append(request.body);
+                return {204, {}};
+            }
+            if (request.target.endsWith("/medialibrary"))
+                return {200, QByteArray(library).replace("STILL", stillDurationType)};
+            if (request.target.contains("/metadata/"))
+                return {200, request.target.contains("logo.png")
+                                 ? R"({"type":"imageFile","isPlayable":true})"
+                                 : R"({"type":"videoFile","isPlayable":true})"};
+            return rest(request);
+        };
+        view = std::make_unique<PlayerPlaybackView>();
+        view->setModel(peer.session->objectTreeModel()->index(QStringLiteral("/device/channels")));
+        view->resize(1400, 800);
+        view->show();
+    }
+
+    /// Connects, and has the server tell of one channel.
+    bool connect()
+    {
+        if (!peer.connect() || !QTest::qWaitFor([this] { return !peer.link.received.empty(); }))
+            return false;
+        peer.send(R"([{"op":"add","path":"/device/channels/0","value":{"type":"Channel"}}])");
+        return QTest::qWaitFor([this] { return channel(); });
+    }
+
+    ChannelWidget* channel() const { return view->findChild<ChannelWidget*>(); }
+
+    template <typename T>
+    T* part(const char* name) const
+    {
+        return view->findChild<T*>(QLatin1String(name));
+    }
+
+    /// The server changes a property of preview or program; the value is JSON.
+    void set(const char* playback, const char* property, const QByteArray& value)
+    {
+        const QByteArray patch = QByteArray(R"([{"op":"replace","path":"/device/channels/0/)") + playback +
+                                 "/properties/" + property + R"(","value":)" + value + "}]";
+        peer.send(patch.constData());
+    }
+
+    /// What went over the link since the last call, one operation a line.
+    QString takeSent()
+    {
+        QStringList lines;
+        for (; m_seen < peer.link.received.size(); ++m_seen)
+            lines.append(describe(peer.link.received[m_seen]));
+        lines.removeAll(QString());
+        return lines.join(u'\n');
+    }
+
+    /// The same, once there is something; empty when nothing came in time.
+    QString waitForSent()
+    {
+        QString sent;
+        return QTest::qWaitFor([&] { return !(sent = takeSent()).isEmpty(); }) ? sent : QString();
+    }
+
+    QByteArray library = R"({"collections":{"1":{"name":"Main","slots":{
+        "1":{"name":"Walk-in","contentUrl":"file:///a.mp4","inpoint":1.0,"outpoint":8.0,"duration":null,
+             "mediaDuration":10.0,"scaleMode":"default","isPlayable":true,"durationType":"manual",
+             "imageSequence":null,"type":"videoFile"},
+        "2":{"name":"Logo","contentUrl":"file:///logo.png","inpoint":0.0,"outpoint":null,"duration":12.3,
+             "mediaDuration":null,"scaleMode":"default","isPlayable":true,"durationType":"STILL",
+             "imageSequence":null,"type":"imageFile"},
+        "3":{"name":"","contentUrl":"file:///b.mp4","inpoint":0.0,"outpoint":null,"duration":null,
+             "mediaDuration":4.0,"scaleMode":"default","isPlayable":true,"durationType":"manual",
+             "imageSequence":null,"type":"videoFile"}}}},
+        "playlists":{"2":{"name":"Show","entries":{
+        "5.1":{"slotUrl":"brume://collections/1/slots/1","endAction":"next","transitionType":"crossfade",
+               "transitionDuration":1.0}}}}})";
+    QByteArray stillDurationType = "manual"; // before connect()
+    QList<QByteArray> patches;               // bodies that came by HTTP
+    ScriptedPeer peer;
+    std::unique_ptr<PlayerPlaybackView> view;
+
+private:
+    std::size_t m_seen = 0;
+};
+
+} // namespace vantrel::test
