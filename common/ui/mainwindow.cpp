@@ -20,6 +20,7 @@
 #include "common/ui/notificationpresenter.h"
 #include "common/ui/notificationstatusbar.h"
 #include "common/ui/placeholderview.h"
+#include "common/ui/showmanager.h"
 #include "common/ui/stackedtabwidget.h"
 #include "common/ui/statusbar.h"
 
@@ -156,6 +157,10 @@ void MainWindow::initMainMenu()
     connect(m_mainMenu, &MainMenu::notificationsClicked, m_notificationDialog,
             &NotificationDialogWrapper::show);
     connect(m_mainMenu, &MainMenu::configurationClicked, this, &MainWindow::openConfigurationDialog);
+    auto* shows = new ShowManager(this);
+    connect(m_mainMenu, &MainMenu::clearShowClicked, shows, &ShowManager::handleClearShow);
+    connect(m_mainMenu, &MainMenu::importShowClicked, shows, &ShowManager::handleImport);
+    connect(m_mainMenu, &MainMenu::exportShowClicked, shows, &ShowManager::handleExport);
     m_configurationDialog = new ConfigurationDialog(this);
     if (const Session* session = Session::instance())
         m_configurationDialog->setModel(session->serverConfigurationModel());

@@ -1,0 +1,64 @@
+#pragma once
+
+#include <QByteArray>
+#include <QObject>
+#include <QStringList>
+
+class QUrl;
+
+namespace vantrel {
+
+class ConfirmationDialog;
+class ImportShowDialog;
+class Object;
+class ShowCommand;
+class TextInputDialog;
+
+/// Clears, reverts, saves, imports and exports the server's show, each behind its dialog. The results reach
+/// the application as ordinary changes of the server. Owned by the main window; main thread.
+class ShowManager : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// parent: the window that the dialogs open over.
+    explicit ShowManager(QWidget* parent);
+
+    void clearShow();
+    void revertShow();
+    void saveShow();
+    /// Only with exactly one name: it joins the server's list of shows, and the show is saved under it.
+    void saveShowAs(const QStringList& values);
+    void exportShow(const QString& fileName);
+    void sendImportRequest(bool force);
+    void sendClearShowCommand(const QString& showName);
+    void sendRevertShowCommand(const QString& showName);
+    void sendSaveShowCommand(const QString& showName);
+    /// Null while the scene has no such object.
+    Object* getObject(const QString& path) const;
+    ConfirmationDialog* forceImportDialog() const { return m_forceImportDialog; }
+
+public Q_SLOTS:
+    void handleSaveAs();
+    void handleRevertShow();
+    void handleClearShow();
+    void handleImport();
+    void handleExport();
+    void importShow(QString fileName, QStringList imports);
+    void forceImport();
+
+private:
+    void send(ShowCommand* command, const QString& showName, const char* name);
+    QUrl showUrl() const;
+    static void saveReply(const QByteArray& bytes, const QString& fileName);
+
+    QByteArray m_importData; // kept for a forced second try
+    QStringList m_importSections;
+    ConfirmationDialog* m_clearDialog;
+    ConfirmationDialog* m_revertDialog;
+    TextInputDialog* m_saveAsDialog;
+    ImportShowDialog* m_importDialog;
+    ConfirmationDialog* m_forceImportDialog;
+};
+
+} // namespace vantrel

@@ -1,0 +1,133 @@
+#include "common/ui/showmanager.h"
+
+#include "common/session/connectionhandler.h"
+#include "common/session/guishowconfiguration.h"
+#include "common/session/sceneobjectprovider.h"
+#include "common/session/session.h"
+#include "common/ui/confirmationdialog.h"
+#include "common/ui/importshowdialog.h"
+#include "common/ui/pushbutton.h"
+#include "common/ui/ztcheckbox.h"
+#include "common/ui/ztedit.h"
+#include "tests/common/ui/testsettings.h"
+#include "tests/support/ombraprocess.h"
+#include "tests/support/testmain.h"
+
+#include <QDirIterator>
+#include <QFile>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace vantrel;
+
+class ShowManagerTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        if (!test::OmbraProcess::isAvailable())
+            QSKIP("the server is not built");
+        QVERIFY2(m_server.start(), m_server.output().constData());
+        Session::initialize(m_server.ports());
+        m_session.reset(Session::instance());
+        QSignalSpy loaded(m_session.get(), &Session::sceneLoaded);
+        m_session->connectionHandler()->connect(m_server.host());
+        QVERIFY(loaded.wait(10000));
+        m_shows = std::make_unique<ShowManager>(&m_window);
+    }
+
+    void cleanupTestCase()
+    {
+        m_shows.reset();
+        m_session.reset();
+        m_server.stop();
+    }
+
+    void exportsWhatImportTakes()
+    {
+        const QString file = m_folder.filePath(QStringLiteral("gala.show"));
+        m_shows->exportShow(file);
+        QTRY_VERIFY(QFile(file).size() > 0);
+        m_shows->importShow(file, {QStringLiteral("output"), QStringLiteral("medialibrary")});
+        const QString second = m_folder.filePath(QStringLiteral("again.show"));
+        m_shows->exportShow(second); // its answer comes after that of the import
+        QTRY_VERIFY(QFile(second).size() > 0);
+        QVERIFY(!m_shows->forceImportDialog()->isVisible());
+    }
+
+    void anImportThatFailsMayBeForcedOnce()
+    {
+        const QString file = m_folder.filePath(QStringLiteral("broken.show"));
+        QFile broken(file);
+        QVERIFY(broken.open(QIODevice::WriteOnly));
+        broken.write("this is no show");
+        broken.close();
+        m_shows->importShow(file, {QStringLiteral("audio")});
+        QTRY_VERIFY(m_shows->forceImportDialog()->isVisible());
+        QFile::remove(file); // the second try must not need it
+        m_shows->forceImportDialog()->acceptButton()->click();
+        QVERIFY(!m_shows->forceImportDialog()->isVisible());
+        const QString after = m_folder.filePath(QStringLiteral("after.show"));
+        m_shows->exportShow(after);
+        QTRY_VERIFY(QFile(after).size() > 0);
+        QVERIFY(!m_shows->forceImportDialog()->isVisible()); // a forced import that fails only logs
+    }
+
+    void aFileThatCannotBeReadIsLogged()
+    {
+        test::expectWarning(QStringLiteral("Failed to open import file:"));
+        m_shows->importShow(m_folder.filePath(QStringLiteral("nothing.show")), {});
+    }
+
+    void savesUnderANewName()
+    {
+        const auto saved = [this](const QString& name) {
+            return QDirIterator(m_server.stateFolder(), {name}, QDir::Files, QDirIterator::Subdirectories)
+                .hasNext();
+        };
+        m_shows->saveShowAs({});
+        m_shows->saveShowAs({QStringLiteral("a"), QStringLiteral("b")});
+        m_shows->saveShowAs({QStringLiteral("gala")});
+        QTRY_VERIFY(saved(QStringLiteral("gala*")));
+        QVERIFY(!saved(QStringLiteral("a.*")) && !saved(QStringLiteral("b.*")));
+        QCOMPARE(m_session->sceneObjectProvider()->showConfiguration()->autoStartShowList(),
+                 QStringLiteral("gala"));
+    }
+
+    void importDialogNeedsAFileAndASection()
+    {
+        ImportShowDialog dialog;
+        dialog.show();
+        QSignalSpy confirmed(&dialog, &ImportShowDialog::importShow);
+        QVERIFY(!dialog.acceptButton()->isEnabled());
+        auto* path = dialog.findChild<ZTEdit*>(QStringLiteral("ImportShowDialog-path"));
+        path->setText(QStringLiteral("/a.show"));
+        QVERIFY(dialog.acceptButton()->isEnabled());
+        QCOMPARE(dialog.imports(), (QStringList{QStringLiteral("output"), QStringLiteral("audio"),
+                                                QStringLiteral("playback"), QStringLiteral("medialibrary")}));
+        QTest::keyClick(path, Qt::Key_Return);
+        QVERIFY(dialog.isVisible() && confirmed.isEmpty());
+        const QList<ZTCheckBox*> boxes = dialog.findChildren<ZTCheckBox*>();
+        for (ZTCheckBox* box : boxes)
+            box->setChecked(false);
+        QVERIFY(!dialog.acceptButton()->isEnabled());
+        dialog.findChild<ZTCheckBox*>(QStringLiteral("ImportShowDialog-audio"))->setChecked(true);
+        dialog.acceptButton()->click();
+        QCOMPARE(confirmed.size(), 1);
+        QCOMPARE(confirmed.at(0).at(1).toStringList(), QStringList{QStringLiteral("audio")});
+        QVERIFY(!dialog.isVisible());
+    }
+
+private:
+    test::OmbraProcess m_server;
+    std::unique_ptr<Session> m_session;
+    QWidget m_window;
+    std::unique_ptr<ShowManager> m_shows;
+    QTemporaryDir m_folder;
+};
+
+HALCYRA_TEST(ShowManagerTest)
+#include "showmanager.moc"
