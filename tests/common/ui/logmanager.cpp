@@ -120,7 +120,8 @@ private Q_SLOTS:
         qt_message_output(QtInfoMsg, bare, QStringLiteral("second"));
         QCOMPARE(m_folder.entryList({QStringLiteral("halcyra_log_*.txt")}).size(), 1);
         LogManager::instance().rotateLogs();
-        // A file named within the same millisecond is there already; its line is lost, and the next one tries again.
+        // A file named within the same millisecond is there already; its line is lost, and the next one tries
+        // again.
         const bool second = QTest::qWaitFor([&] {
             qt_message_output(QtInfoMsg, bare, QStringLiteral("third"));
             return m_folder.entryList({QStringLiteral("halcyra_log_*.txt")}).size() == 2;

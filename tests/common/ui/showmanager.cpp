@@ -1,8 +1,6 @@
 #include "common/ui/showmanager.h"
 
 #include "common/session/connectionhandler.h"
-#include "common/session/guishowconfiguration.h"
-#include "common/session/sceneobjectprovider.h"
 #include "common/session/session.h"
 #include "common/ui/confirmationdialog.h"
 #include "common/ui/importshowdialog.h"
@@ -93,8 +91,6 @@ private Q_SLOTS:
         m_shows->saveShowAs({QStringLiteral("gala")});
         QTRY_VERIFY(saved(QStringLiteral("gala*")));
         QVERIFY(!saved(QStringLiteral("a.*")) && !saved(QStringLiteral("b.*")));
-        QCOMPARE(m_session->sceneObjectProvider()->showConfiguration()->autoStartShowList(),
-                 QStringLiteral("gala"));
     }
 
     void importDialogNeedsAFileAndASection()
