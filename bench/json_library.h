@@ -14,11 +14,12 @@
 
 namespace vantrel::bench {
 
-/// The shape of a synthetic media library: a fifth as many entries as slots, 50 entries a playlist.
+/// The shape of a synthetic media library: a fifth as many entries as slots.
 struct LibraryShape
 {
     int slots = 1000;
     int perCollection = 100; // 0: all in one
+    int perPlaylist = 50;
     std::string suffix() const
     {
         return std::to_string(slots) + "-slots/" +
@@ -93,8 +94,8 @@ private:
         static constexpr std::array<const char*, 15> stems = {"opening", "forest", "aerial", "night", "crowd",
                                                               "stage",   "loop",   "intro",  "dance", "ocean",
                                                               "fire",    "neon",   "grid",   "logo",  "wave"};
-        static constexpr std::array<const char*, 5> scales = {"fit", "fill", "stretch", "pixel", "original"};
-        static constexpr std::array<const char*, 3> durations = {"media", "manual", "infinite"};
+        static constexpr std::array<const char*, 5> scales = {"fit", "clip", "stretch", "centered",
+                                                              "default"};
         const std::string kind = pick(kinds);
         const bool sequence = kind == "tiff";
         const bool still = kind == "png" || kind == "jpg";
@@ -105,7 +106,8 @@ private:
                          std::to_string(place));
         m_out += quoted(std::to_string(place)) + ":{\"contentUrl\":" + quoted(url.data());
         m_out += ",\"duration\":" + (draw(0, 3) ? "null" : seconds(600000));
-        m_out += std::string(",\"durationType\":\"") + pick(durations) + "\",\"imageSequence\":";
+        m_out += std::string(",\"durationType\":\"") + (draw(0, 31) ? "manual" : "infinite");
+        m_out += "\",\"imageSequence\":";
         m_out += sequence ? "{\"firstFrame\":" + std::to_string(draw(0, 9)) +
                                 ",\"framerate\":29.97,\"lastFrame\":" + std::to_string(draw(10, 9999)) + "}"
                           : "null";
@@ -115,15 +117,18 @@ private:
         m_out += ",\"name\":" + quoted(words(draw(1, 4)));
         m_out += ",\"outpoint\":" + (draw(0, 1) ? seconds(600000) : "null");
         m_out += std::string(",\"scaleMode\":\"") + pick(scales) + "\",\"type\":\"";
-        m_out += sequence ? "imageSequence\"}" : still ? "image\"}" : kind == "wav" ? "audio\"}" : "video\"}";
+        m_out += sequence        ? "imageSequence\"}"
+                 : still         ? "imageFile\"}"
+                 : kind == "wav" ? "audioFile\"}"
+                                 : "videoFile\"}";
     }
 
     void addEntry(int entry)
     {
-        static constexpr std::array<const char*, 4> ends = {"next", "stop", "loop", "holdLastFrame"};
-        static constexpr std::array<const char*, 4> transitions = {"cut", "crossfade", "fadeToBlack", "wipe"};
-        if (entry % 50 == 0) {
-            const std::string number = std::to_string(entry / 50 + 1);
+        static constexpr std::array<const char*, 4> ends = {"next", "stop", "pause", "repeat"};
+        static constexpr std::array<const char*, 3> transitions = {"directCut", "crossfade", "dipToColor"};
+        if (entry % m_shape.perPlaylist == 0) {
+            const std::string number = std::to_string(entry / m_shape.perPlaylist + 1);
             m_out += (entry ? "}}," : "") + quoted(number) + ":{\"name\":\"Playlist " + number +
                      "\",\"entries\":{";
             m_major = m_minor = 0;

@@ -96,14 +96,23 @@ QNetworkReply* MediaLibraryApi::replacePlaylists(const QList<Playlist>& playlist
 
 QNetworkReply* MediaLibraryApi::patchMediaLibrary(const Patch& patch)
 {
-    Json json = patch.toJson();
-    QJsonDocument document;
-    if (!sdkJsonToQJsonDocument(&json, &document)) {
+    QByteArray body;
+    if (!patchBody(patch, &body)) {
         qCWarning(lcMedia) << "[patchMediaLibrary] Failed to convert SDK JSON to QT JSON";
         return nullptr;
     }
     return m_manager->sendCustomRequest(jsonRequest(QStringLiteral("/medialibrary")),
-                                        QByteArrayLiteral("PATCH"), document.toJson(QJsonDocument::Compact));
+                                        QByteArrayLiteral("PATCH"), body);
+}
+
+bool MediaLibraryApi::patchBody(const Patch& patch, QByteArray* body)
+{
+    Json json = patch.toJson();
+    QJsonDocument document;
+    if (!sdkJsonToQJsonDocument(&json, &document))
+        return false;
+    *body = document.toJson(QJsonDocument::Compact);
+    return true;
 }
 
 QNetworkReply* MediaLibraryApi::openSSE()

@@ -61,6 +61,8 @@ public:
     /// before playlists. A patch that does not fit changes nothing and tells nothing.
     void applyMediaLibraryPatch(const Patch& patch);
 
+    /// The bytes that patchMediaLibrary() sends; false when the patch has no JSON form.
+    static bool patchBody(const Patch& patch, QByteArray* body);
     static bool replyToSdkJson(QNetworkReply* reply, Json* json);
     static QJsonDocument sdkJsonToQJsonDocument(Json* json);
     static bool sdkJsonToQJsonDocument(Json* json, QJsonDocument* document);
