@@ -15,6 +15,7 @@ namespace {
 
 constexpr int margin = 8; // pixels
 constexpr int sliderWidth = 26;
+constexpr int tickGap = 6;
 constexpr int heightBesideSlider = 21;
 
 const QMap<FontSize, int> sliderHeights{
@@ -78,7 +79,7 @@ void VolumeControlPopup::setSize(FontSize size)
     m_tickColumn->setGeometry(margin, heightBesideSlider / 2, columnWidth, height);
     m_slider->setFixedHeight(height);
     m_slider->setGeometry(margin + columnWidth, heightBesideSlider / 2, sliderWidth, height);
-    m_slider->placeTicks(columnWidth);
+    m_slider->placeTicks(columnWidth - tickGap);
     m_slider->updateIndicator();
 }
 

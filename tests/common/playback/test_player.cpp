@@ -1,6 +1,7 @@
 #include "common/media/guimediaslot.h"
 #include "common/media/medialibraryprovider.h"
 #include "common/media/playbackmodel.h"
+#include "common/playback/audiooutputitem.h"
 #include "common/playback/durationeditwidget.h"
 #include "common/playback/endactionwidget.h"
 #include "common/playback/mutebutton.h"
@@ -16,6 +17,7 @@
 #include "common/session/sceneobjectprovider.h"
 #include "common/ui/doubleedit.h"
 #include "common/ui/elidedlabel.h"
+#include "common/ui/switchselect.h"
 #include "tests/common/playback/playerfixture.h"
 
 #include <QAbstractItemModelTester>
@@ -370,6 +372,27 @@ private Q_SLOTS:
         QCOMPARE(m_fixture->waitForSent(),
                  QStringLiteral("invoke /device/channels/0/program/methods/playMedia "
                                 "{\"mediaUrl\":\"brume://collections/1/slots/2\"}"));
+    }
+
+    void audioDevicesAreChosen()
+    {
+        AudioOutputItem item;
+        item.show();
+        auto* program = item.findChild<SwitchSelect*>(QStringLiteral("programAudioOutputSwitch"));
+        const auto* message = item.findChild<QWidget*>(QStringLiteral("danteEnabledMessage"));
+        QVERIFY(!program->isEnabled());
+        QVERIFY(m_fixture->connect());
+        QVERIFY(program->isEnabled());
+        QVERIFY(item.title().contains(QStringLiteral("127.0.0.1")));
+        m_fixture->set("program", "audioDevice", quoted("xlr"));
+        QTRY_COMPARE(program->value().toInt(), 2);
+        QVERIFY(!message->isVisible());
+        m_fixture->takeSent();
+        program->button(3)->click();
+        QCOMPARE(m_fixture->waitForSent(),
+                 QStringLiteral(
+                     "invoke /device/channels/0/program/methods/selectAudioDevice {\"device\":\"dante\"}"));
+        QVERIFY(message->isVisible());
     }
 
     void modelJoinsSceneAndLibrary()
