@@ -11,7 +11,7 @@ namespace {
 
 constexpr int dotMilliseconds = 1000;
 constexpr int maxDots = 4;
-constexpr int topOffset = 56; // below the navigation bar
+constexpr int margin = 6;
 
 } // namespace
 
@@ -21,6 +21,7 @@ ReconnectDialog::ReconnectDialog(QWidget* parent)
 {
     setObjectNames(QStringLiteral("ReconnectDialog"));
     setModal(false);
+    setMinimumWidth(0);
     setAttribute(Qt::WA_ShowWithoutActivating);
     m_label->setObjectName(QStringLiteral("ReconnectDialog-text"));
     m_label->setStyleClass(QStringLiteral("dim"));
@@ -53,8 +54,10 @@ void ReconnectDialog::updateText()
 void ReconnectDialog::showEvent(QShowEvent* event)
 {
     ZTDialog::showEvent(event);
-    if (const QWidget* over = parentWidget() ? parentWidget()->window() : nullptr)
-        move(x(), over->geometry().top() + topOffset);
+    // Above the connection's state in the status bar, away from the pictures and from TAKE.
+    const QWidget* bar = parentWidget();
+    if (bar && bar->isVisible())
+        move(bar->mapToGlobal(QPoint(0, -height() - margin)));
 }
 
 void ReconnectDialog::hideEvent(QHideEvent* event)

@@ -6,8 +6,9 @@
 
 namespace vantrel {
 
-/// Says that the link is gone and being retried. It stands at the top of the window and takes neither the
-/// focus nor the clicks beside it: what the operator sees below is the last known state, and stays in use.
+/// Says that the link is gone and being retried. It stands above its parent, the status bar, and takes
+/// neither the focus nor the clicks beside it: what the operator sees below is the last known state, and
+/// stays in use.
 class ReconnectDialog : public ZTDialog
 {
     Q_OBJECT
