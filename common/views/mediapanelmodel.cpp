@@ -17,7 +17,7 @@ void MediaPanelModel::setSearchText(const QString& text)
     if (m_searchText == trimmed)
         return;
     m_searchText = trimmed;
-    invalidateFilter();
+    invalidate(); // all at once: told row by row, a few matches among thousands take seconds
 }
 
 bool MediaPanelModel::filterAcceptsRow(int row, const QModelIndex& parent) const

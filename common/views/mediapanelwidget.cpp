@@ -185,16 +185,18 @@ void MediaPanelWidget::connectModels()
             selectCollection(
                 m_selector->index(first, 0).data(CollectionSelectorModel::CollectionNumberRole).toInt());
     });
-    // Queued: the chooser and the list have heard of the change by then, and let go of their places.
-    for (QAbstractItemModel* model :
+    // In the next turn, once for all: the chooser and the list have heard of the changes by then.
+    m_refresh.setSingleShot(true);
+    connect(&m_refresh, &QTimer::timeout, this, [this] {
+        updateChooser();
+        showCollection();
+    });
+    for (const QAbstractItemModel* model :
          {static_cast<QAbstractItemModel*>(m_sortedSelector), static_cast<QAbstractItemModel*>(m_model)}) {
-        const auto update = [this] {
-            updateChooser();
-            showCollection();
-        };
-        connect(model, &QAbstractItemModel::modelReset, this, update, Qt::QueuedConnection);
-        connect(model, &QAbstractItemModel::rowsInserted, this, update, Qt::QueuedConnection);
-        connect(model, &QAbstractItemModel::rowsRemoved, this, update, Qt::QueuedConnection);
+        const auto refresh = [this] { m_refresh.start(0); };
+        connect(model, &QAbstractItemModel::modelReset, this, refresh);
+        connect(model, &QAbstractItemModel::rowsInserted, this, refresh);
+        connect(model, &QAbstractItemModel::rowsRemoved, this, refresh);
     }
 }
 

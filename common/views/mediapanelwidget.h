@@ -77,6 +77,7 @@ private:
     ZTEdit* m_search = nullptr;
     SlotListView* m_view = nullptr;
     QTimer m_scrollRest;
+    QTimer m_refresh;
     bool m_connected = false;
     bool m_choosesAdded = false; // the next collection that comes is the one made here
 };

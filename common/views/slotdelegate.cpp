@@ -246,8 +246,7 @@ SlotDelegate::Layout SlotDelegate::layoutOf(const QStyleOptionViewItem& option,
 void SlotDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
                          const QModelIndex& index) const
 {
-    QStyleOptionViewItem row = option;
-    initStyleOption(&row, index);
+    const QStyleOptionViewItem& row = option; // the base's form of it would ask for the picture each time
     if (m_fetching)
         index.data(Qt::DecorationRole); // asks for the picture, which comes with a change of the row
     const int role = m_fetching ? MediaLibraryModel::StateRole : MediaLibraryModel::KnownStateRole;
