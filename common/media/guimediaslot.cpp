@@ -72,7 +72,8 @@ GuiMediaSlot::GuiMediaSlot(MediaAddress address, const MediaSlot& slot)
     , m_firstFrame(slot.getFirstFrameNum())
     , m_lastFrame(slot.getLastFrameNum())
 {
-    m_mediaType = slot.getMetadata().getMediaType();
+    if (const MediaType type = slot.getMetadata().getMediaType(); type != MediaType::Unknown)
+        m_mediaType = type;
 }
 
 MediaSlot GuiMediaSlot::toSdkMediaSlot() const

@@ -84,6 +84,10 @@ public:
     QVariant headerData(int section, Qt::Orientation orientation, int role = Qt::DisplayRole) const override;
     Qt::ItemFlags flags(const QModelIndex& index) const override;
     QHash<int, QByteArray> roleNames() const override;
+    QStringList mimeTypes() const override;
+    /// The slots as items that a playlist or a playback takes in.
+    QMimeData* mimeData(const QModelIndexList& indexes) const override;
+    Qt::DropActions supportedDragActions() const override { return Qt::CopyAction | Qt::MoveAction; }
 
     MediaLibrary* mediaLibrary() const { return m_library.get(); }
     /// The collection that an index of this model or of a proxy of it stands in; -1 for none.

@@ -1,11 +1,16 @@
-// How MediaLibraryModel keeps its rows in step with the library.
+// How MediaLibraryModel keeps its rows in step with the library, and what it gives away in a drag.
 
+#include "common/media/guimediaslot.h"
 #include "common/media/medialibraryitem.h"
 #include "common/media/medialibrarymodel.h"
 #include "common/media/medialogging.h"
+#include "common/media/mimedata.h"
 #include "tarn/media/medialibrary.h"
 
+#include <QJsonObject>
+
 #include <algorithm>
+#include <set>
 
 namespace vantrel {
 
@@ -151,6 +156,31 @@ void MediaLibraryModel::updateSlot(const MediaAddress& address)
     collection.resizeChildren(address.slot + 1);
     setSlot(collection, address.slot, std::move(item));
     endInsertRows();
+}
+
+QStringList MediaLibraryModel::mimeTypes() const
+{
+    return {mimeformat::json, mimeformat::category, mimeformat::type};
+}
+
+QMimeData* MediaLibraryModel::mimeData(const QModelIndexList& indexes) const
+{
+    std::set<MediaAddress> addresses; // in order, and once, whatever columns are selected
+    for (const QModelIndex& index : indexes) {
+        if (slotItem(index))
+            addresses.insert(addressOf(index));
+    }
+    QList<QJsonObject> objects;
+    for (const MediaAddress& address : addresses) {
+        const MediaSlot* record = std::as_const(*m_library).findSlot(address.collection, address.slot);
+        if (!record)
+            continue;
+        GuiMediaSlot slot(address, *record);
+        slot.setMediaType(std::nullopt); // whoever takes it in refuses a type: that is the server's to tell
+        objects.append(slot.toJson());
+    }
+    return objects.isEmpty() ? nullptr
+                             : createMimeData(objects, MimeItemCategory::MediaLibrary, MediaItemType::Slot);
 }
 
 } // namespace vantrel

@@ -22,6 +22,7 @@
 #include <QAction>
 #include <QHBoxLayout>
 #include <QKeyEvent>
+#include <QMetaMethod>
 #include <QScrollBar>
 #include <QVBoxLayout>
 
@@ -144,6 +145,7 @@ void MediaPanelWidget::buildList()
     connect(m_view, &QAbstractItemView::activated, this, &MediaPanelWidget::onActivated);
     connect(m_view, &QWidget::customContextMenuRequested, this, &MediaPanelWidget::showSlotMenu);
     connect(m_view, &SlotListView::deleteRequested, this, &MediaPanelWidget::clearSelectedSlots);
+    connect(m_view, &SlotListView::moveRequested, this, &MediaPanelWidget::moveSlot);
     connect(m_view, &SlotListView::textTyped, this, [this](const QString& text) {
         m_search->setFocus(Qt::OtherFocusReason);
         m_search->insert(text);
@@ -159,8 +161,13 @@ void MediaPanelWidget::buildMenu()
     const auto add = [this, menu](const char* icon, const QString& text, void (MediaPanelWidget::*slot)()) {
         connect(menu->addEntry(QString::fromLatin1(icon), text), &QAction::triggered, this, slot);
     };
-    connect(menu->addEntry(QStringLiteral("media"), tr("Open in the media tab")), &QAction::triggered, this,
+    QAction* edit = menu->addEntry(QStringLiteral("media"), tr("Edit collection"));
+    connect(edit, &QAction::triggered, this,
             [this] { Q_EMIT collectionEditRequested(selectedCollection()); });
+    connect(menu, &QMenu::aboutToShow, this, [this, edit] {
+        edit->setVisible(
+            isSignalConnected(QMetaMethod::fromSignal(&MediaPanelWidget::collectionEditRequested)));
+    });
     add("edit", tr("Rename collection..."), &MediaPanelWidget::askForName);
     connect(menu->addEntry(QStringLiteral("copy"), tr("Duplicate collection")), &QAction::triggered, this,
             [this] { m_choosesAdded = m_manager->copyCollection(selectedCollection(), -1); });
@@ -270,6 +277,26 @@ void MediaPanelWidget::onScrolled()
 {
     m_delegate->setFetching(false);
     m_scrollRest.start();
+}
+
+void MediaPanelWidget::moveSlot(const QModelIndex& source, int beforeRow)
+{
+    const QModelIndex root = m_view->rootIndex();
+    const auto numberAt = [this, &root](int row) {
+        return m_model->index(row, 0, root).data(MediaLibraryModel::NumberRole).toInt();
+    };
+    const int from = source.data(MediaLibraryModel::NumberRole).toInt();
+    const int rows = m_model->rowCount(root);
+    const int last = m_manager->lastSlotInCollection(selectedCollection());
+    const int end = beforeRow < rows ? numberAt(beforeRow) : last + 1;
+    // The first number in the gap that holds no media; a search may hide some that do.
+    int to = beforeRow > 0 ? numberAt(beforeRow - 1) + 1 : 1;
+    const QModelIndex collection = m_library->collectionIndex(selectedCollection());
+    while (to < end &&
+           !m_library->index(to, 0, collection).data(MediaLibraryModel::UrlRole).toUrl().isEmpty())
+        ++to;
+    if (to < end && to != from && m_connected)
+        m_manager->moveSlot(selectedCollection(), from, to);
 }
 
 QList<int> MediaPanelWidget::selectedSlots() const

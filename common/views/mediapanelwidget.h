@@ -55,6 +55,7 @@ private:
     void updateEmptyText();
     void onActivated(const QModelIndex& index);
     void onScrolled();
+    void moveSlot(const QModelIndex& source, int beforeRow);
     void showSlotMenu(const QPoint& position);
     QList<int> selectedSlots() const;
     void clearSelectedSlots();

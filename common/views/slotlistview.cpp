@@ -3,6 +3,9 @@
 #include "common/ui/colors.h"
 #include "common/ui/iconcache.h"
 
+#include <QDragEnterEvent>
+#include <QDragMoveEvent>
+#include <QDropEvent>
 #include <QKeyEvent>
 #include <QPainter>
 
@@ -19,6 +22,9 @@ SlotListView::SlotListView(QWidget* parent)
     setVerticalScrollMode(ScrollPerPixel);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setMouseTracking(true);
+    setDragEnabled(true);
+    setAcceptDrops(true);
+    setDropIndicatorShown(false); // our own stands between the rows
     viewport()->setAttribute(Qt::WA_Hover);
 }
 
@@ -34,6 +40,13 @@ void SlotListView::setEmpty(const QString& icon, const QString& text)
 void SlotListView::paintEvent(QPaintEvent* event)
 {
     QListView::paintEvent(event);
+    if (m_gap >= 0) {
+        const int rows = model()->rowCount(rootIndex());
+        const QRect row = visualRect(model()->index(std::min(m_gap, rows - 1), modelColumn(), rootIndex()));
+        QPainter painter(viewport());
+        painter.fillRect(row.left(), (m_gap < rows ? row.top() : row.bottom() + 1) - 1, row.width(), 2,
+                         getColor(colors::Zt_orange));
+    }
     if (m_emptyText.isEmpty() || (model() && model()->rowCount(rootIndex()) > 0))
         return;
     QPainter painter(viewport());
@@ -71,6 +84,55 @@ void SlotListView::changeEvent(QEvent* event)
     // The one height that all rows share is the text's.
     if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange)
         scheduleDelayedItemsLayout();
+}
+
+bool SlotListView::isOwnRow(const QDropEvent* event) const
+{
+    return event->source() == this && selectionModel() && selectionModel()->selectedIndexes().size() == 1;
+}
+
+int SlotListView::gapAt(const QPoint& position) const
+{
+    const QModelIndex index = indexAt(position);
+    if (!index.isValid())
+        return model()->rowCount(rootIndex());
+    return position.y() < visualRect(index).center().y() ? index.row() : index.row() + 1;
+}
+
+void SlotListView::showGap(int row)
+{
+    if (m_gap == row)
+        return;
+    m_gap = row;
+    viewport()->update();
+}
+
+void SlotListView::dragEnterEvent(QDragEnterEvent* event)
+{
+    event->setAccepted(isOwnRow(event));
+}
+
+void SlotListView::dragMoveEvent(QDragMoveEvent* event)
+{
+    event->setAccepted(isOwnRow(event));
+    showGap(event->isAccepted() ? gapAt(event->position().toPoint()) : -1);
+}
+
+void SlotListView::dragLeaveEvent(QDragLeaveEvent* event)
+{
+    showGap(-1);
+    QListView::dragLeaveEvent(event);
+}
+
+void SlotListView::dropEvent(QDropEvent* event)
+{
+    showGap(-1);
+    if (!isOwnRow(event))
+        return;
+    // A copy to the drag: the row goes where it goes when the server says so, never by the view's own hand.
+    event->setDropAction(Qt::CopyAction);
+    event->accept();
+    Q_EMIT moveRequested(selectionModel()->selectedIndexes().first(), gapAt(event->position().toPoint()));
 }
 
 } // namespace vantrel

@@ -21,13 +21,24 @@ public:
 Q_SIGNALS:
     void textTyped(QString text);
     void deleteRequested();
+    /// One of our own rows was dropped before this one; the row count for the end.
+    void moveRequested(QModelIndex source, int beforeRow);
 
 protected:
     void paintEvent(QPaintEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void changeEvent(QEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dragMoveEvent(QDragMoveEvent* event) override;
+    void dragLeaveEvent(QDragLeaveEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
 
 private:
+    bool isOwnRow(const QDropEvent* event) const;
+    int gapAt(const QPoint& position) const;
+    void showGap(int row);
+
+    int m_gap = -1; // the row before which a drop would go
     QString m_emptyIcon;
     QString m_emptyText;
 };

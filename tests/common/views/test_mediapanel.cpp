@@ -1,0 +1,309 @@
+#include "common/media/collectionselectormodel.h"
+#include "common/media/guimediaslot.h"
+#include "common/media/implmediacollectionmanager.h"
+#include "common/media/mediadataaggregator.h"
+#include "common/media/mediastateprovider.h"
+#include "common/media/mimedata.h"
+#include "common/session/guiplayback.h"
+#include "common/views/mediapanelmodel.h"
+#include "common/views/mediapanelwidget.h"
+#include "common/views/slotlistview.h"
+#include "tests/support/librarymaker.h"
+#include "tests/support/mediamirror.h"
+#include "tests/support/mocknetworkaccessmanager.h"
+#include "tests/support/testmain.h"
+
+#include <QAbstractItemModelTester>
+#include <QComboBox>
+#include <QLineEdit>
+#include <QMimeData>
+#include <QSignalSpy>
+#include <QTest>
+
+using namespace vantrel;
+using test::MediaMirror;
+
+namespace {
+
+/// Keeps what is asked of it as text.
+class Manager : public ImplMediaCollectionManager
+{
+public:
+    void moveSlot(int collection, int from, int to) override
+    {
+        asked.append(QStringLiteral("move %1/%2 to %3").arg(collection).arg(from).arg(to));
+    }
+
+    QStringList asked;
+};
+
+struct Panel
+{
+    explicit Panel(const Ref<MediaLibrary>& library)
+        : mirror(library)
+        , widget(&mirror.model, &mirror.provider, &manager)
+        , view(widget.findChild<SlotListView*>(QStringLiteral("MediaPanel-slots-view")))
+        , chooser(widget.findChild<QComboBox*>(QStringLiteral("MediaPanel-collection-chooser")))
+        , search(widget.findChild<QLineEdit*>(QStringLiteral("MediaPanel-search")))
+    {
+        widget.setConnected(true);
+        widget.resize(300, 600);
+    }
+
+    /// The numbers of the listed slots.
+    QString listed() const
+    {
+        QStringList numbers;
+        const QAbstractItemModel* model = view->model();
+        for (int row = 0; model && row < model->rowCount(view->rootIndex()); ++row)
+            numbers.append(model->index(row, 0, view->rootIndex()).data().toString());
+        return numbers.join(u' ');
+    }
+    QModelIndex row(int row) const
+    {
+        return view->model()->index(row, MediaLibraryModel::NameColumn, view->rootIndex());
+    }
+
+    Manager manager;
+    MediaMirror mirror;
+    MediaPanelWidget widget;
+    SlotListView* view;
+    QComboBox* chooser;
+    QLineEdit* search;
+};
+
+} // namespace
+
+class TestMediaPanel : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void followsTheLibrary();
+    void searches_data();
+    void searches();
+    void searchingModelIsSound();
+    void playsWhatIsActivated();
+    void emptyTexts();
+    void dragPayloadReadsBack();
+    void movesIntoGaps_data();
+    void movesIntoGaps();
+    void asksOnlyForWhatIsSeen();
+    void marksWhatPlays();
+};
+
+void TestMediaPanel::followsTheLibrary()
+{
+    Panel panel(test::makeLibrary(3, 3));
+    QCOMPARE(panel.chooser->currentText(), QStringLiteral("1: Collection 1"));
+    QCOMPARE(panel.listed(), QStringLiteral("1 2 3"));
+    panel.widget.selectCollection(2);
+    QCOMPARE(panel.chooser->currentText(), QStringLiteral("2: Collection 2"));
+    panel.mirror.edit([](MediaLibrary& library) {
+        library.findCollection(2)->insertMediaSlot(7, test::makeSlot("seven"), true);
+        library.findCollection(2)->insertMediaSlot(2, MediaSlot(), true); // cleared
+        library.findCollection(2)->setName("Zwei");
+    });
+    QCOMPARE(panel.listed(), QStringLiteral("1 3 7"));
+    QCOMPARE(panel.chooser->currentText(), QStringLiteral("2: Zwei"));
+    panel.mirror.load();
+    QTRY_COMPARE(panel.listed(), QStringLiteral("1 3 7"));
+    QCOMPARE(panel.chooser->currentText(), QStringLiteral("2: Zwei"));
+    panel.mirror.edit([](MediaLibrary& library) { library.removeCollection(2); });
+    QTRY_COMPARE(panel.chooser->currentText(), QStringLiteral("3: Collection 3"));
+    QTRY_COMPARE(panel.listed(), QStringLiteral("1 2 3"));
+
+    panel.chooser->setCurrentIndex(0);
+    Q_EMIT panel.chooser->activated(0);
+    QCOMPARE(panel.widget.selectedCollection(), 1);
+}
+
+void TestMediaPanel::searches_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("listed");
+    QTest::newRow("nothing") << QString() << QStringLiteral("1 2 3 4 5 6 7 8 9 10 11 12");
+    QTest::newRow("number's beginning") << QStringLiteral("1") << QStringLiteral("1 10 11 12");
+    QTest::newRow("name, case ignored") << QStringLiteral("LOGO") << QStringLiteral("3");
+    QTest::newRow("file") << QStringLiteral("intro") << QStringLiteral("5");
+    QTest::newRow("file with extension") << QStringLiteral("intro.mov") << QStringLiteral("5");
+    QTest::newRow("no extension alone") << QStringLiteral("4") << QStringLiteral("4");
+    QTest::newRow("blanks around") << QStringLiteral(" logo ") << QStringLiteral("3");
+    QTest::newRow("no pattern") << QStringLiteral(".*") << QString();
+}
+
+void TestMediaPanel::searches()
+{
+    QFETCH(QString, text);
+    Panel panel(test::makeLibrary(1, 12));
+    panel.mirror.edit([](MediaLibrary& library) {
+        for (int slot = 1; slot <= 12; ++slot) {
+            library.findSlot(1, slot)->setName(slot == 3 ? "The logo" : "x");
+            library.findSlot(1, slot)->setUrl(slot == 5 ? "file:///a/intro.mov" : "file:///a/y.mp4");
+        }
+    });
+    panel.search->setText(text);
+    QTEST(panel.listed(), "listed");
+    panel.search->clear();
+    QCOMPARE(panel.listed(), QStringLiteral("1 2 3 4 5 6 7 8 9 10 11 12"));
+}
+
+void TestMediaPanel::searchingModelIsSound()
+{
+    test::allowWarnings(QStringLiteral("Missing slot: '")); // entries may name any slot
+    MediaMirror mirror(test::makeLibrary(2, 20));
+    MediaPanelModel model(&mirror.model);
+    const QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::Fatal);
+    test::RandomEdits random(99);
+    for (int step = 0; step < 60; ++step) {
+        model.setSearchText(QString::number(random.below(3)));
+        const QModelIndex root = model.mapFromSource(mirror.model.collectionIndex(1));
+        for (int row = 0; row < model.rowCount(root); ++row)
+            QVERIFY(!model.index(row, 0, root).data(MediaLibraryModel::UrlRole).toUrl().isEmpty());
+        mirror.edit([&](MediaLibrary& library) { random.edit(library); });
+    }
+}
+
+void TestMediaPanel::playsWhatIsActivated()
+{
+    Panel panel(test::makeLibrary(2, 5));
+    panel.widget.show();
+    panel.widget.selectCollection(2);
+    panel.search->setText(QStringLiteral("4"));
+    QSignalSpy played(&panel.widget, &MediaPanelWidget::directPlayRequested);
+    const auto slot = [&played] {
+        const QModelIndex index = played.takeFirst().first().toModelIndex();
+        const media::ColSlot address = media::MediaUtils::parseCollectionIndex(index);
+        return address.valid ? address.collection * 100 + address.slot : -1;
+    };
+    const QPoint place = panel.view->visualRect(panel.row(0)).center();
+    QTest::mouseClick(panel.view->viewport(), Qt::LeftButton, {}, place);
+    QTest::mouseDClick(panel.view->viewport(), Qt::LeftButton, {}, place);
+    QCOMPARE(played.size(), 1);
+    QCOMPARE(slot(), 204);
+
+    panel.search->clear();
+    QTest::keyClick(panel.search, Qt::Key_Down);
+    panel.view->setCurrentIndex(panel.row(1));
+    QTest::keyClick(panel.view, Qt::Key_Return);
+    QCOMPARE(played.size(), 1);
+    QCOMPARE(slot(), 202);
+    // Text typed on the list searches.
+    QTest::keyClicks(panel.view, QStringLiteral("5"));
+    QCOMPARE(panel.search->text(), QStringLiteral("5"));
+    QCOMPARE(panel.listed(), QStringLiteral("5"));
+}
+
+void TestMediaPanel::emptyTexts()
+{
+    Panel panel(makeRef<MediaLibrary>());
+    QVERIFY(panel.view->emptyText().startsWith(QStringLiteral("There are no collections yet.")));
+    panel.widget.setConnected(false);
+    QCOMPARE(panel.view->emptyText(),
+             QStringLiteral("No server connected. Connect from the menu to see its media."));
+    panel.mirror.edit(
+        [](MediaLibrary& library) { library.insertMediaCollection(1, MediaCollection("c"), true); });
+    QTRY_VERIFY(panel.view->emptyText().startsWith(QStringLiteral("This collection is empty.")));
+    panel.search->setText(QStringLiteral("<b>x"));
+    QCOMPARE(panel.view->emptyText(), QStringLiteral("No slot matches \"<b>x\"."));
+}
+
+void TestMediaPanel::dragPayloadReadsBack()
+{
+    Panel panel(test::makeLibrary(1, 3));
+    panel.mirror.edit(
+        [](MediaLibrary& library) { library.findSlot(1, 2)->setMediaType(MediaType::VideoFile); });
+    const std::unique_ptr<QMimeData> mime(
+        panel.view->model()->mimeData({panel.row(1), panel.row(0), panel.row(1).siblingAtColumn(0)}));
+    const QList<QJsonObject> objects = jsonFromMimeData(mime.get());
+    QCOMPARE(objects.size(), 2);
+    const auto item = std::dynamic_pointer_cast<GuiMediaSlot>(mediaItemFromMimeData(mime.get(), objects[1]));
+    QVERIFY(item);
+    QVERIFY(item->address() == MediaAddress(1, 2));
+}
+
+void TestMediaPanel::movesIntoGaps_data()
+{
+    QTest::addColumn<int>("beforeRow");
+    QTest::addColumn<QString>("asked");
+    QTest::newRow("no gap") << 1 << QString();
+    QTest::newRow("gap") << 2 << QStringLiteral("move 1/1 to 3");
+    QTest::newRow("end") << 3 << QStringLiteral("move 1/1 to 8");
+    QTest::newRow("front") << 0 << QString();
+}
+
+void TestMediaPanel::movesIntoGaps()
+{
+    QFETCH(int, beforeRow);
+    Panel panel(test::makeLibrary(1, 2));
+    panel.mirror.edit([](MediaLibrary& library) {
+        library.findCollection(1)->insertMediaSlot(7, test::makeSlot("seven"), true);
+    });
+    Q_EMIT panel.view->moveRequested(panel.row(0), beforeRow);
+    QTEST(panel.manager.asked.join(u' '), "asked");
+}
+
+void TestMediaPanel::asksOnlyForWhatIsSeen()
+{
+    Panel panel(test::makeLibrary(1, 5000));
+    test::MockNetworkAccessManager network;
+    MetadataProvider metadata(QStringLiteral("h"), &network, 1000);
+    ThumbnailProvider thumbnails(QStringLiteral("h"), &network, 100);
+    MediaStateProvider states(nullptr, nullptr, &panel.mirror.playlists, &panel.mirror.provider, &metadata);
+    MediaDataAggregator aggregator(&metadata, &thumbnails, &states);
+    panel.mirror.model.setMediaDataAggregator(&aggregator);
+    panel.mirror.model.setMediaStateProvider(&states);
+    panel.widget.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&panel.widget));
+    panel.view->viewport()->repaint();
+    const qsizetype seen = network.urls.size();
+    QVERIFY(seen > 0);
+    QVERIFY2(seen <= 2 * 30, qPrintable(QString::number(seen)));
+    // What flies past is not asked for; what stays is.
+    QScrollBar* bar = panel.view->verticalScrollBar();
+    for (int value = 0; value < bar->maximum(); value += bar->maximum() / 50) {
+        bar->setValue(value);
+        panel.view->viewport()->repaint();
+    }
+    QCOMPARE(network.urls.size(), seen);
+    QTRY_VERIFY(network.urls.size() > seen);
+    QVERIFY(network.urls.size() <= 2 * seen + 4);
+    panel.search->setText(QStringLiteral("s49"));
+    QVERIFY(!panel.listed().isEmpty());
+    QVERIFY(network.urls.size() <= 2 * seen + 4);
+}
+
+void TestMediaPanel::marksWhatPlays()
+{
+    Panel panel(test::makeLibrary(1, 3));
+    GUIPlayback preview(&panel.mirror.playlists, &panel.mirror.provider);
+    GUIPlayback program(&panel.mirror.playlists, &panel.mirror.provider);
+    preview.init();
+    program.init();
+    MediaStateProvider states(&preview, &program, &panel.mirror.playlists, &panel.mirror.provider, nullptr);
+    panel.mirror.model.setMediaStateProvider(&states);
+    preview.setMedia(QStringLiteral("brume://collections/1/slots/1"));
+    program.setMedia(QStringLiteral("brume://collections/1/slots/2"));
+    states.reset();
+    panel.widget.show();
+    const QImage image = panel.view->viewport()->grab().toImage();
+    const auto share = [&](int row) {
+        const QRect rect = panel.view->visualRect(panel.row(row));
+        int green = 0;
+        int red = 0;
+        for (int y = rect.top(); y < rect.bottom(); ++y) {
+            const QColor colour = image.pixelColor(rect.left() + 4, y);
+            green += colour.green() > 2 * colour.red() && colour.green() > 80;
+            red += colour.red() > 2 * colour.green() && colour.red() > 80;
+        }
+        return green > 20 ? QStringLiteral("green")
+               : red > 20 ? QStringLiteral("red")
+                          : QStringLiteral("none");
+    };
+    QCOMPARE(share(0), QStringLiteral("green"));
+    QCOMPARE(share(1), QStringLiteral("red"));
+    QCOMPARE(share(2), QStringLiteral("none"));
+}
+
+HALCYRA_TEST(TestMediaPanel)
+#include "test_mediapanel.moc"
