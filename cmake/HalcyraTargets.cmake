@@ -26,9 +26,16 @@ endfunction()
 
 # moc runs again when a source joins or goes: its own time stamp does not see the list change.
 function(halcyra_moc name sources)
-  file(CONFIGURE OUTPUT ${CMAKE_CURRENT_BINARY_DIR}/${name}.sources CONTENT "${sources}" @ONLY)
-  set_target_properties(${name} PROPERTIES AUTOMOC ON
-    AUTOGEN_TARGET_DEPENDS ${CMAKE_CURRENT_BINARY_DIR}/${name}.sources)
+  set(list ${CMAKE_CURRENT_BINARY_DIR}/${name}.sources)
+  set(before)
+  if(EXISTS ${list})
+    file(READ ${list} before)
+  endif()
+  if(NOT "${before}" STREQUAL "${sources}")
+    file(WRITE ${list} "${sources}")
+    file(REMOVE ${CMAKE_CURRENT_BINARY_DIR}/${name}_autogen/timestamp)
+  endif()
+  set_target_properties(${name} PROPERTIES AUTOMOC ON)
 endfunction()
 
 function(halcyra_qt_definitions name)
