@@ -1,5 +1,6 @@
 #include "common/session/serverports.h"
 #include "common/session/session.h"
+#include "common/ui/librarylogs.h"
 #include "common/ui/logmanager.h"
 #include "common/ui/mainwindow.h"
 #include "common/ui/stylesheet.h"
@@ -153,6 +154,7 @@ int main(int argc, char** argv)
     const EndSignals endSignals;
 
     vantrel::LogManager::instance().install();
+    vantrel::routeLibraryLogs();
     vantrel::Session::initialize(options.ports);
     // Outlives the window, and ends the link's thread.
     const std::unique_ptr<vantrel::Session> session(vantrel::Session::instance());
