@@ -2,12 +2,10 @@
 
 #include "ombra/link/linkpolicy.h"
 #include "ombra/serverlog.h"
-#include "tarn/net/tcplink.h"
 
 #include <boost/asio/post.hpp>
 
 #include <algorithm>
-#include <chrono>
 #include <utility>
 
 namespace vantrel::ombra {
@@ -29,8 +27,8 @@ LinkServer::LinkServer(boost::asio::io_context& io, Scene& scene, Handlers handl
     : m_io(io)
     , m_scene(scene)
     , m_handlers(std::move(handlers))
-    , m_acceptor(io)
-    , m_retry(io)
+    , m_listener(io, "vantrel.link",
+                 [this](boost::asio::ip::tcp::socket socket) { return accept(std::move(socket)); })
 {
     m_callback = [](Scene*, int count, const SceneChange* changes, void* user) {
         static_cast<LinkServer*>(user)->onSceneChange(count, changes);
@@ -63,54 +61,22 @@ LinkServer::~LinkServer()
 
 bool LinkServer::listen(const boost::asio::ip::address& address, unsigned short port, std::string* error)
 {
-    const boost::asio::ip::tcp::endpoint endpoint(address, port);
-    boost::system::error_code code;
-    m_acceptor.open(endpoint.protocol(), code);
-    if (!code)
-        m_acceptor.set_option(boost::asio::socket_base::reuse_address(true), code);
-    if (!code)
-        m_acceptor.bind(endpoint, code);
-    if (!code)
-        m_acceptor.listen(boost::asio::socket_base::max_listen_connections, code);
-    if (code) {
-        *error = "cannot listen on " + address.to_string() + " port " + std::to_string(port) + ": " +
-                 code.message();
-        return false;
-    }
-    accept();
-    return true;
+    return m_listener.listen(address, port, error);
 }
 
 unsigned short LinkServer::port() const
 {
-    boost::system::error_code code;
-    return m_acceptor.local_endpoint(code).port();
+    return m_listener.port();
 }
 
-void LinkServer::accept()
+bool LinkServer::accept(boost::asio::ip::tcp::socket socket)
 {
-    m_acceptor.async_accept([this](boost::system::error_code code, boost::asio::ip::tcp::socket socket) {
-        if (code == boost::asio::error::operation_aborted)
-            return;
-        if (code) {
-            logLine(LogLevel::Warning, "vantrel.link", "cannot accept a client: " + code.message());
-            m_retry.expires_after(std::chrono::milliseconds(200));
-            m_retry.async_wait([this](boost::system::error_code waited) {
-                if (!waited)
-                    accept();
-            });
-            return;
-        }
-        if (m_clients.size() >= maxClients) {
-            logLine(LogLevel::Warning, "vantrel.link", "too many clients: refusing one");
-        } else {
-            setLinkOptions(socket);
-            m_clients.push_back(std::make_shared<LinkClient>(std::move(socket), m_clientHandlers));
-            logLine(LogLevel::Info, "vantrel.link", m_clients.back()->name() + " has joined");
-            m_clients.back()->start();
-        }
-        accept();
-    });
+    if (m_clients.size() >= maxClients)
+        return false;
+    m_clients.push_back(std::make_shared<LinkClient>(std::move(socket), m_clientHandlers));
+    logLine(LogLevel::Info, "vantrel.link", m_clients.back()->name() + " has joined");
+    m_clients.back()->start();
+    return true;
 }
 
 void LinkServer::handle(LinkClient& client, const PatchOp& op)

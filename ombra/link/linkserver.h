@@ -1,11 +1,11 @@
 #pragma once
 
 #include "ombra/link/linkclient.h"
+#include "ombra/listener.h"
 #include "tarn/scene/scene.h"
 
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/ip/tcp.hpp>
-#include <boost/asio/steady_timer.hpp>
 
 #include <functional>
 #include <memory>
@@ -40,7 +40,7 @@ public:
     unsigned short port() const;
 
 private:
-    void accept();
+    bool accept(boost::asio::ip::tcp::socket socket);
     void handle(LinkClient& client, const PatchOp& op);
     void answerGet(LinkClient& client, PathView path);
     void writeProperty(LinkClient& client, const PatchOp& op);
@@ -55,8 +55,7 @@ private:
     boost::asio::io_context& m_io;
     Scene& m_scene;
     Handlers m_handlers;
-    boost::asio::ip::tcp::acceptor m_acceptor;
-    boost::asio::steady_timer m_retry;
+    Listener m_listener;
     std::shared_ptr<const LinkClient::Handlers> m_clientHandlers;
     std::vector<std::shared_ptr<LinkClient>> m_clients;
     LinkClient* m_origin = nullptr; // whose operation is being applied

@@ -1,7 +1,6 @@
 #include "ombra/preview/previewserver.h"
 
 #include "ombra/serverlog.h"
-#include "tarn/net/tcplink.h"
 #include "tarn/preview/previewwire.h"
 
 #include <boost/asio/buffer.hpp>
@@ -9,7 +8,6 @@
 #include <boost/asio/write.hpp>
 
 #include <array>
-#include <chrono>
 #include <deque>
 
 namespace vantrel::ombra {
@@ -86,8 +84,8 @@ private:
 
 PreviewServer::PreviewServer(boost::asio::io_context& io)
     : m_io(io)
-    , m_acceptor(io)
-    , m_retry(io)
+    , m_listener(io, "vantrel.preview",
+                 [this](boost::asio::ip::tcp::socket socket) { return accept(std::move(socket)); })
 {
 }
 
@@ -102,60 +100,28 @@ PreviewServer::~PreviewServer()
 
 bool PreviewServer::listen(const boost::asio::ip::address& address, unsigned short port, std::string* error)
 {
-    const boost::asio::ip::tcp::endpoint endpoint(address, port);
-    boost::system::error_code code;
-    m_acceptor.open(endpoint.protocol(), code);
-    if (!code)
-        m_acceptor.set_option(boost::asio::socket_base::reuse_address(true), code);
-    if (!code)
-        m_acceptor.bind(endpoint, code);
-    if (!code)
-        m_acceptor.listen(boost::asio::socket_base::max_listen_connections, code);
-    if (code) {
-        *error = "cannot listen on " + address.to_string() + " port " + std::to_string(port) + ": " +
-                 code.message();
-        return false;
-    }
-    accept();
-    return true;
+    return m_listener.listen(address, port, error);
 }
 
 unsigned short PreviewServer::port() const
 {
-    boost::system::error_code code;
-    return m_acceptor.local_endpoint(code).port();
+    return m_listener.port();
 }
 
-void PreviewServer::accept()
+bool PreviewServer::accept(boost::asio::ip::tcp::socket socket)
 {
-    m_acceptor.async_accept([this](boost::system::error_code code, boost::asio::ip::tcp::socket socket) {
-        if (code == boost::asio::error::operation_aborted)
-            return;
-        if (code) {
-            logLine(LogLevel::Warning, "vantrel.preview", "cannot accept a reader: " + code.message());
-            m_retry.expires_after(std::chrono::milliseconds(200));
-            m_retry.async_wait([this](boost::system::error_code waited) {
-                if (!waited)
-                    accept();
-            });
-            return;
-        }
-        std::erase_if(m_readers, [](const auto& weak) { return weak.expired(); });
-        if (m_readers.size() >= maxReaders) {
-            logLine(LogLevel::Warning, "vantrel.preview", "too many readers: refusing one");
-        } else {
-            setLinkOptions(socket);
-            // A small send buffer: what lies in it is old by the time it is read.
-            boost::system::error_code ignored;
-            socket.set_option(boost::asio::socket_base::send_buffer_size(512 * 1024), ignored);
-            const auto reader = std::make_shared<Reader>(std::move(socket));
-            m_readers.push_back(reader);
-            reader->watch();
-            for (const auto& [key, frame] : m_latest)
-                reader->offer(key, std::make_shared<const std::string>(previewwire::encode(frame)));
-        }
-        accept();
-    });
+    std::erase_if(m_readers, [](const auto& weak) { return weak.expired(); });
+    if (m_readers.size() >= maxReaders)
+        return false;
+    // A small send buffer: what lies in it is old by the time it is read.
+    boost::system::error_code ignored;
+    socket.set_option(boost::asio::socket_base::send_buffer_size(512 * 1024), ignored);
+    const auto reader = std::make_shared<Reader>(std::move(socket));
+    m_readers.push_back(reader);
+    reader->watch();
+    for (const auto& [key, frame] : m_latest)
+        reader->offer(key, std::make_shared<const std::string>(previewwire::encode(frame)));
+    return true;
 }
 
 void PreviewServer::show(PreviewFrame frame)

@@ -1,10 +1,10 @@
 #pragma once
 
+#include "ombra/listener.h"
 #include "tarn/preview/frame.h"
 
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/ip/tcp.hpp>
-#include <boost/asio/steady_timer.hpp>
 
 #include <map>
 #include <memory>
@@ -38,12 +38,11 @@ private:
     using Key = std::pair<std::string, int>; // source and stream
     using Bytes = std::shared_ptr<const std::string>;
 
-    void accept();
+    bool accept(boost::asio::ip::tcp::socket socket);
     void distribute();
 
     boost::asio::io_context& m_io;
-    boost::asio::ip::tcp::acceptor m_acceptor;
-    boost::asio::steady_timer m_retry;
+    Listener m_listener;
     std::vector<std::weak_ptr<Reader>> m_readers;
     std::map<Key, PreviewFrame> m_latest;
     std::shared_ptr<int> m_alive = std::make_shared<int>(0);

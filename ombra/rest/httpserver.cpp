@@ -3,9 +3,6 @@
 #include "ombra/rest/broadcasthub.h"
 #include "ombra/rest/httpsession.h"
 #include "ombra/serverlog.h"
-#include "tarn/net/tcplink.h"
-
-#include <chrono>
 
 namespace vantrel::ombra {
 
@@ -17,8 +14,8 @@ constexpr int maxSessions = 512;
 
 HttpServer::HttpServer(boost::asio::io_context& io, HttpHandlers handlers)
     : m_io(io)
-    , m_acceptor(io)
-    , m_retry(io)
+    , m_listener(io, "vantrel.rest",
+                 [this](boost::asio::ip::tcp::socket socket) { return accept(std::move(socket)); })
     , m_handlers(std::make_shared<HttpHandlers>(std::move(handlers)))
     , m_streams(std::make_shared<BroadcastHub>())
     , m_sockets(std::make_shared<BroadcastHub>())
@@ -34,53 +31,20 @@ HttpServer::~HttpServer()
 
 bool HttpServer::listen(const boost::asio::ip::address& address, unsigned short port, std::string* error)
 {
-    const boost::asio::ip::tcp::endpoint endpoint(address, port);
-    boost::system::error_code code;
-    m_acceptor.open(endpoint.protocol(), code);
-    if (!code)
-        m_acceptor.set_option(boost::asio::socket_base::reuse_address(true), code);
-    if (!code)
-        m_acceptor.bind(endpoint, code);
-    if (!code)
-        m_acceptor.listen(boost::asio::socket_base::max_listen_connections, code);
-    if (code) {
-        *error = "cannot listen on " + address.to_string() + " port " + std::to_string(port) + ": " +
-                 code.message();
-        return false;
-    }
-    accept();
-    return true;
+    return m_listener.listen(address, port, error);
 }
 
 unsigned short HttpServer::port() const
 {
-    boost::system::error_code code;
-    return m_acceptor.local_endpoint(code).port();
+    return m_listener.port();
 }
 
-void HttpServer::accept()
+bool HttpServer::accept(boost::asio::ip::tcp::socket socket)
 {
-    m_acceptor.async_accept([this](boost::system::error_code code, boost::asio::ip::tcp::socket socket) {
-        if (code == boost::asio::error::operation_aborted)
-            return;
-        if (code) {
-            // Out of descriptors, most likely: wait until some are free again.
-            logLine(LogLevel::Warning, "vantrel.rest", "cannot accept a connection: " + code.message());
-            m_retry.expires_after(std::chrono::milliseconds(200));
-            m_retry.async_wait([this](boost::system::error_code waited) {
-                if (!waited)
-                    accept();
-            });
-            return;
-        }
-        if (*m_openSessions >= maxSessions) {
-            logLine(LogLevel::Warning, "vantrel.rest", "too many connections: refusing one");
-        } else {
-            setLinkOptions(socket);
-            startHttpSession(std::move(socket), m_handlers, m_streams, m_sockets, m_openSessions);
-        }
-        accept();
-    });
+    if (*m_openSessions >= maxSessions)
+        return false;
+    startHttpSession(std::move(socket), m_handlers, m_streams, m_sockets, m_openSessions);
+    return true;
 }
 
 void HttpServer::broadcastStream(const std::string& message)

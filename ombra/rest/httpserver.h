@@ -1,10 +1,10 @@
 #pragma once
 
+#include "ombra/listener.h"
 #include "ombra/rest/http.h"
 
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/ip/tcp.hpp>
-#include <boost/asio/steady_timer.hpp>
 
 #include <functional>
 #include <memory>
@@ -43,11 +43,10 @@ public:
     void broadcastSocket(const std::string& message);
 
 private:
-    void accept();
+    bool accept(boost::asio::ip::tcp::socket socket);
 
     boost::asio::io_context& m_io;
-    boost::asio::ip::tcp::acceptor m_acceptor;
-    boost::asio::steady_timer m_retry;
+    Listener m_listener;
     std::shared_ptr<HttpHandlers> m_handlers; // shared with the sessions, which may outlive this
     std::shared_ptr<BroadcastHub> m_streams;
     std::shared_ptr<BroadcastHub> m_sockets;

@@ -1,0 +1,66 @@
+#include "ombra/listener.h"
+
+#include "ombra/serverlog.h"
+#include "tarn/net/tcplink.h"
+
+#include <chrono>
+
+namespace vantrel::ombra {
+
+Listener::Listener(boost::asio::io_context& io, const char* module, Accepted accepted)
+    : m_module(module)
+    , m_accepted(std::move(accepted))
+    , m_acceptor(io)
+    , m_retry(io)
+{
+}
+
+bool Listener::listen(const boost::asio::ip::address& address, unsigned short port, std::string* error)
+{
+    const boost::asio::ip::tcp::endpoint endpoint(address, port);
+    boost::system::error_code code;
+    m_acceptor.open(endpoint.protocol(), code);
+    if (!code)
+        m_acceptor.set_option(boost::asio::socket_base::reuse_address(true), code);
+    if (!code)
+        m_acceptor.bind(endpoint, code);
+    if (!code)
+        m_acceptor.listen(boost::asio::socket_base::max_listen_connections, code);
+    if (code) {
+        *error = "cannot listen on " + address.to_string() + " port " + std::to_string(port) + ": " +
+                 code.message();
+        return false;
+    }
+    accept();
+    return true;
+}
+
+unsigned short Listener::port() const
+{
+    boost::system::error_code code;
+    return m_acceptor.local_endpoint(code).port();
+}
+
+void Listener::accept()
+{
+    m_acceptor.async_accept([this](boost::system::error_code code, boost::asio::ip::tcp::socket socket) {
+        if (code == boost::asio::error::operation_aborted)
+            return;
+        if (code) {
+            // Out of descriptors, most likely: wait until some are free again.
+            logLine(LogLevel::Warning, m_module, "cannot accept a connection: " + code.message());
+            m_retry.expires_after(std::chrono::milliseconds(200));
+            m_retry.async_wait([this](boost::system::error_code waited) {
+                if (!waited)
+                    accept();
+            });
+            return;
+        }
+        setLinkOptions(socket);
+        if (!m_accepted(std::move(socket)))
+            logLine(LogLevel::Warning, m_module, "too many connections: refusing one");
+        accept();
+    });
+}
+
+} // namespace vantrel::ombra
