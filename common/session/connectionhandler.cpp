@@ -7,6 +7,8 @@
 
 #include <QElapsedTimer>
 
+#include <chrono>
+
 namespace vantrel {
 
 namespace {
@@ -14,7 +16,7 @@ constexpr unsigned int connectTimeout = 30000; // milliseconds
 constexpr int errorRefused = 111;
 // An attempt that fails at once is not repeated at once: a host without a route would else keep a core busy
 // and flood the main thread with signals.
-constexpr int repeatPause = 250; // milliseconds
+constexpr std::chrono::milliseconds repeatPause{250};
 
 PreviewThread* previewThread()
 {
@@ -45,7 +47,7 @@ void ConnectionHandler::connect(const QString& host)
         m_client->disconnect();
     }
     m_host = host;
-    m_condition.wakeAll();
+    m_condition.notify_all();
 }
 
 void ConnectionHandler::disconnect()
@@ -56,7 +58,7 @@ void ConnectionHandler::disconnect()
     Q_EMIT connectionAddr(QString());
     m_client->disconnect();
     m_state = ConnectionState::Idle;
-    m_condition.wakeAll();
+    m_condition.notify_all();
     if (PreviewThread* preview = previewThread())
         preview->unsubscribe();
 }
@@ -119,7 +121,7 @@ bool ConnectionHandler::shutDown(int milliseconds)
     m_host.clear();
     m_state = ConnectionState::Idle;
     m_client->disconnect();
-    m_condition.wakeAll();
+    m_condition.notify_all();
     m_mutex.unlock();
     return wait(QDeadlineTimer(std::max<qint64>(0, milliseconds - clock.elapsed())));
 }
@@ -155,7 +157,7 @@ bool ConnectionHandler::prepare(Attempt& attempt)
         return false;
     attempt.stateBefore = m_state;
     if (m_host.isEmpty()) {
-        m_condition.wait(&m_mutex);
+        m_condition.wait(m_mutex);
         return false;
     }
     attempt.host = m_host;
@@ -231,7 +233,7 @@ void ConnectionHandler::handleFailure(const Attempt& attempt, int error)
     if (m_state == ConnectionState::Reconnecting) {
         reconnectStep(m_host);
     } else if (error != errorRefused) {
-        m_condition.wait(&m_mutex, repeatPause);
+        m_condition.wait_for(m_mutex, repeatPause);
     } else {
         m_state = ConnectionState::Idle;
         Q_EMIT disconnected(std::exchange(m_host, QString()));

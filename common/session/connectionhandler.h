@@ -6,10 +6,10 @@
 #include <QString>
 #include <QThread>
 #include <QTimer>
-#include <QWaitCondition>
 #include <boost/asio/ip/address.hpp>
 
 #include <atomic>
+#include <condition_variable>
 #include <memory>
 
 namespace vantrel {
@@ -93,8 +93,8 @@ private:
     void followLink(const Attempt& attempt);
     void reconnectStep(const QString& host);
 
-    mutable QMutex m_mutex; // guards every field below
-    QWaitCondition m_condition;
+    mutable QMutex m_mutex;                  // guards every field below
+    std::condition_variable_any m_condition; // which, unlike Qt's own, the thread sanitizer can follow
     QString m_host;
     QString m_reconnectHost;
     boost::asio::ip::address m_address;

@@ -119,7 +119,7 @@ private:
     void wireProviders();
     void connectMediaLibraryApi();
     void initMediaLibraryHelpers(const QString& host);
-    void clearForLoading(QWidget* window);
+    bool clearForLoading(QWidget* window);
     bool applyPatches(QWidget* window);
     static void onSceneChange(Scene* scene, int count, const SceneChange* changes, void* user);
 

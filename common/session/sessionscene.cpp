@@ -11,6 +11,9 @@
 #include <QTimer>
 #include <QWidget>
 
+#include <algorithm>
+#include <string>
+
 namespace vantrel {
 
 namespace {
@@ -35,6 +38,26 @@ bool operationOf(const Scene& scene, const SceneChange& change, PatchOp& op)
         return false;
     }
 }
+/// Takes the items out of the arrays of the scene's skeleton; false when the slice of time was over before.
+bool emptyArrays(Scene& scene, Object* below, const QElapsedTimer& clock)
+{
+    const auto* array = dynamic_cast<ObjectArray*>(below);
+    if (!array)
+        return std::ranges::all_of(below->getChildren(),
+                                   [&](Object* child) { return emptyArrays(scene, child, clock); });
+    Path path;
+    if (array->size() == 0 || !scene.pathOf(array, path))
+        return true;
+    while (array->size() > 0) {
+        if (clock.elapsed() >= sliceTime)
+            return false;
+        Path item = path;
+        item.append(std::to_string(array->size() - 1));
+        if (!scene.removeObject(scene.find(PathView(item))))
+            return true;
+    }
+    return true;
+}
 } // namespace
 
 void Session::onPatchAvailable()
@@ -45,8 +68,7 @@ void Session::onPatchAvailable()
     // Of a newer link than onConnect() has heard of nothing is taken yet: its patches need the scene cleared
     // first.
     if (m_linksSeen == m_connection->linkCount()) {
-        clearForLoading(window);
-        if (!applyPatches(window)) {
+        if (!clearForLoading(window) || !applyPatches(window)) {
             m_drainPosted = true;
             QTimer::singleShot(0, this, [this] {
                 m_drainPosted = false;
@@ -61,15 +83,21 @@ void Session::onPatchAvailable()
         window->setUpdatesEnabled(true);
 }
 
-/// The first patches after a connection replace everything.
-void Session::clearForLoading(QWidget* window)
+/// The first patches after a connection replace everything; false when the slice of time was over before.
+bool Session::clearForLoading(QWidget* window)
 {
-    if (!m_sceneLoading || std::exchange(m_sceneCleared, true))
-        return;
+    if (!m_sceneLoading || m_sceneCleared)
+        return true;
     if (window)
         window->setUpdatesEnabled(false);
     const QScopedValueRollback applying(m_applyingPatch, true);
+    QElapsedTimer clock;
+    clock.start();
+    if (!emptyArrays(*m_scene, m_scene->root(), clock))
+        return false;
     m_scene->clear();
+    m_sceneCleared = true;
+    return true;
 }
 
 /// Applies what has come in, for a slice of time; false when there may be more.
