@@ -51,6 +51,10 @@ Key keyOf(const QString& name)
         {QStringLiteral("ShiftRight"), {Qt::Key_Right, Qt::ShiftModifier, {}}},
         {QStringLiteral("CtrlA"), {Qt::Key_A, Qt::ControlModifier, {}}},
         {QStringLiteral("CtrlZ"), {Qt::Key_Z, Qt::ControlModifier, {}}},
+        {QStringLiteral("CtrlShiftZ"), {Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier, {}}},
+        {QStringLiteral("CtrlY"), {Qt::Key_Y, Qt::ControlModifier, {}}},
+        {QStringLiteral("Delete"), {Qt::Key_Delete, Qt::NoModifier, {}}},
+        {QStringLiteral("F2"), {Qt::Key_F2, Qt::NoModifier, {}}},
     };
     if (const auto found = keys.constFind(name); found != keys.cend())
         return *found;

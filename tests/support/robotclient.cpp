@@ -93,7 +93,7 @@ QJsonArray RobotClient::cells(const QString& view)
     return all;
 }
 
-bool RobotClient::doubleClickCell(const QString& view, int row, int column, int msLimit)
+QJsonObject RobotClient::waitForCell(const QString& view, int row, int column, int msLimit)
 {
     const QString name = QStringLiteral("%1-row%2-col%3").arg(view).arg(row).arg(column);
     QJsonObject cell;
@@ -104,7 +104,30 @@ bool RobotClient::doubleClickCell(const QString& view, int row, int column, int 
         }
         return !cell.isEmpty();
     };
-    return QTest::qWaitFor(isThere, msLimit) && mouse(QStringLiteral("double_click"), cell);
+    return QTest::qWaitFor(isThere, msLimit) ? cell : QJsonObject();
+}
+
+bool RobotClient::doubleClickCell(const QString& view, int row, int column, int msLimit)
+{
+    return mouse(QStringLiteral("double_click"), waitForCell(view, row, column, msLimit));
+}
+
+bool RobotClient::clickCell(const QString& view, int row, int column)
+{
+    return mouse(QStringLiteral("click"), waitForCell(view, row, column, 15000));
+}
+
+bool RobotClient::clickMenuEntry(const QString& menu, const QString& text)
+{
+    QJsonObject entry;
+    const auto isThere = [&] {
+        for (const QJsonValue& value : ask({{"objectName", menu}, {"maxResults", 100}})) {
+            if (value["text"].toString() == text && value["visible"].toBool())
+                entry = value.toObject();
+        }
+        return !entry.isEmpty();
+    };
+    return QTest::qWaitFor(isThere, 5000) && mouse(QStringLiteral("click"), entry);
 }
 
 void RobotClient::key(const QString& keyName)

@@ -33,7 +33,10 @@ public:
     bool doubleClick(const QString& objectName);
     /// A cell of an item view, "<view>-row<row>-col<column>", once it is there.
     bool doubleClickCell(const QString& view, int row, int column, int msLimit = 15000);
+    bool clickCell(const QString& view, int row, int column);
     QJsonArray cells(const QString& view);
+    /// Clicks the entry of an open menu.
+    bool clickMenuEntry(const QString& menu, const QString& text);
     void key(const QString& keyName);
     void type(const QString& text);
 
@@ -45,6 +48,7 @@ public:
 
 private:
     bool mouse(const QString& operation, const QJsonObject& target);
+    QJsonObject waitForCell(const QString& view, int row, int column, int msLimit);
 
     std::unique_ptr<QTcpSocket> m_socket;
 };
