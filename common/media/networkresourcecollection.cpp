@@ -91,7 +91,8 @@ void NetworkResourceCollection::onReplyFinished(const QString& url)
         handleNotFound(url);
     else if (error == QNetworkReply::NoError)
         qCWarning(lcMedia) << "Invalid reply for url" << url << ":" << status;
-    // Any other error waits for the timeout, which sends the request again.
+    else // waits for the timeout, which sends the request again
+        qCDebug(lcMedia) << "Failed to fetch" << url << ":" << reply->errorString();
 }
 
 void NetworkResourceCollection::onReplyTimeout(const QString& url)

@@ -133,6 +133,9 @@ QString lengthText(const QModelIndex& index)
         return index.data(MediaLibraryModel::DurationRole).toString();
     const double length = index.data(MediaLibraryModel::OutpointRole).toDouble() -
                           index.data(MediaLibraryModel::InpointRole).toDouble();
+    const auto type = static_cast<MediaType>(index.data(MediaLibraryModel::KnownTypeRole).toInt());
+    if (length <= 0 && type == MediaType::ImageFile)
+        return SlotDelegate::tr("Image");
     return TimeUtils::formatClockTimeShort(clocktime::fromSeconds(std::max(0.0, length)));
 }
 
@@ -232,9 +235,16 @@ SlotDelegate::Layout SlotDelegate::layoutOf(const QStyleOptionViewItem& option,
     const int digits = std::max<int>(2, static_cast<int>(QString::number(last).size()));
     const int numberWidth = QFontMetrics(option.font).horizontalAdvance(u'0') * digits;
     layout.number = QRect(row.left() + 2, row.top(), numberWidth, row.height());
-    const int height = row.height();
-    layout.thumbnail = QRect(layout.number.right() + margin + 1, row.top(), height * 16 / 9, height);
-    const int left = layout.thumbnail.right() + margin + 2;
+    // The name comes first: in a narrow panel the picture gives way, and goes before it is a speck.
+    const int room =
+        row.width() - numberWidth - 3 * margin - QFontMetrics(option.font).averageCharWidth() * 14;
+    int width = std::min(row.height() * 16 / 9, room);
+    if (width < 28)
+        width = 0;
+    const int height = width * 9 / 16;
+    layout.thumbnail =
+        QRect(layout.number.right() + margin + 1, row.center().y() - height / 2 + 1, width, height);
+    const int left = layout.thumbnail.left() + (width > 0 ? width + margin + 2 : 0);
     const int nameHeight = QFontMetrics(nameFont(option.font)).height();
     const int top = row.center().y() - textHeight(option.font) / 2;
     layout.name = QRect(left, top, row.right() - left, nameHeight);
@@ -259,7 +269,8 @@ void SlotDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
     painter->setRenderHint(QPainter::Antialiasing);
     painter->setPen(Qt::NoPen);
     paintBackground(painter, row, mark);
-    paintThumbnail(painter, layout.thumbnail, index);
+    if (!layout.thumbnail.isEmpty())
+        paintThumbnail(painter, layout.thumbnail, index);
 
     painter->setFont(row.font);
     painter->setPen(getColor(colors::Zt_white_50));
