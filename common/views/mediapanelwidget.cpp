@@ -9,6 +9,8 @@
 #include "common/session/session.h"
 #include "common/session/signalrelay.h"
 #include "common/ui/confirmationdialog.h"
+#include "common/ui/dynamicstyle.h"
+#include "common/ui/fontsizefollower.h"
 #include "common/ui/iconbutton.h"
 #include "common/ui/iconcache.h"
 #include "common/ui/textinputdialog.h"
@@ -33,6 +35,7 @@ namespace vantrel {
 namespace {
 
 constexpr int scrollRestMs = 120;
+constexpr int minimumPanelWidth = 220;
 
 } // namespace
 
@@ -60,6 +63,8 @@ MediaPanelWidget::MediaPanelWidget(MediaLibraryModel* library, AbstractMediaLibr
     , m_delegate(new SlotDelegate(this))
 {
     setObjectName(QStringLiteral("PlayerTab-mediapanel-widget"));
+    setDynamicStyle(this, "class", QStringLiteral("panel"));
+    followFontSize(this, [this](FontSize size) { setMinimumWidth(scaled(minimumPanelWidth, size)); });
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(8, 8, 8, 8);
     layout->setSpacing(8);
@@ -124,14 +129,15 @@ void MediaPanelWidget::buildHeader()
         updateEmptyText();
     });
 
+    // The chooser has a line of its own: a collection's name is what the operator looks for.
     auto* row = new QHBoxLayout;
     row->setSpacing(4);
-    row->addWidget(m_chooser, 1);
+    row->addWidget(m_search, 1);
     row->addWidget(m_addButton);
     row->addWidget(m_menuButton);
     auto* column = static_cast<QVBoxLayout*>(layout());
+    column->addWidget(m_chooser);
     column->addLayout(row);
-    column->addWidget(m_search);
 }
 
 void MediaPanelWidget::buildList()
