@@ -9,6 +9,16 @@ namespace vantrel {
 
 namespace {
 
+/// The slot that an entry plays; null when there is none. Entries name slots by address as a rule.
+const MediaSlot* slotOf(const MediaLibrary& library, const PlaylistEntry& entry)
+{
+    const Json* url = entry.toJson().find("slotUrl");
+    MediaAddress address;
+    if (url && address.parseString(url->stringView()))
+        return library.findSlot(address.collection, address.slot);
+    return library.findSlot(entry.getMediaUrl());
+}
+
 double overlapInto(const PlaylistEntry& entry, double previous, double duration)
 {
     if (entry.getTransitionType() == TakeTransitionType::DirectCut)
@@ -25,10 +35,11 @@ PlaylistRuntimeInfo calculatePlaylistRuntime(const MediaLibrary& library, int pl
     if (!list)
         return info;
     constexpr double never = std::numeric_limits<double>::infinity();
+    info.entries.reserve(list->getEntries().size());
     double previous = 0; // trimmed duration of the entry before
     double end = 0;      // when it ends
     for (const auto& [address, entry] : list->getEntries()) {
-        const MediaSlot* slot = library.findSlot(entry.getMediaUrl());
+        const MediaSlot* slot = slotOf(library, entry);
         const double duration = !slot ? 0 : slot->isFinite() ? slot->getTrimmedDuration() : never;
         if (info.isInfinite) {
             info.entries.push_back({address, never, never});

@@ -49,6 +49,8 @@ public:
     const_iterator lower_bound(const Key& key) const { return m_map.lower_bound(key); }
     bool contains(const Key& key) const { return m_map.contains(key); }
     const Record* get(const Key& key) const { return m_map.get(key); }
+    /// The records alone; copies in O(1).
+    const Map& records() const noexcept { return m_map; }
 
     Record* edit(const Key& key)
     {

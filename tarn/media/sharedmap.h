@@ -4,6 +4,7 @@
 #include <atomic>
 #include <cstddef>
 #include <iterator>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -75,6 +76,16 @@ public:
     using Item = std::pair<Key, Value>;
     static constexpr std::size_t maxChunk = 64;
 
+private:
+    using Items = std::vector<Item>;
+    struct Chunk
+    {
+        Key first{}; // of the items, so that a search need not open every chunk on its way
+        CowPtr<Items> items;
+    };
+    using Chunks = std::vector<Chunk>;
+
+public:
     class const_iterator
     {
     public:
@@ -85,11 +96,11 @@ public:
         using reference = const Item&;
 
         const_iterator() = default;
-        reference operator*() const { return (*m_chunks)[m_chunk].operator*()[m_item]; }
+        reference operator*() const { return (*(*m_chunks)[m_chunk].items)[m_item]; }
         pointer operator->() const { return &**this; }
         const_iterator& operator++()
         {
-            if (++m_item == (*m_chunks)[m_chunk]->size()) {
+            if (++m_item == (*m_chunks)[m_chunk].items->size()) {
                 ++m_chunk;
                 m_item = 0;
             }
@@ -98,7 +109,7 @@ public:
         const_iterator& operator--()
         {
             if (m_item == 0)
-                m_item = (*m_chunks)[--m_chunk]->size();
+                m_item = (*m_chunks)[--m_chunk].items->size();
             --m_item;
             return *this;
         }
@@ -121,7 +132,6 @@ public:
 
     private:
         friend class SharedMap;
-        using Chunks = std::vector<CowPtr<std::vector<Item>>>;
         const_iterator(const Chunks* chunks, std::size_t chunk, std::size_t item)
             : m_chunks(chunks)
             , m_chunk(chunk)
@@ -146,8 +156,9 @@ public:
         if (empty())
             return end();
         const std::size_t chunk = chunkFor(key);
-        const std::size_t item = itemFor(*(*m_chunks)[chunk], key);
-        if (item == (*m_chunks)[chunk]->size())
+        const Items& items = *(*m_chunks)[chunk].items;
+        const std::size_t item = itemFor(items, key);
+        if (item == items.size())
             return {m_chunks.address(), chunk + 1, 0};
         return {m_chunks.address(), chunk, item};
     }
@@ -170,7 +181,7 @@ public:
         const const_iterator at = find(key);
         if (at == end())
             return nullptr;
-        return &m_chunks.edit()[at.m_chunk].edit()[at.m_item].second;
+        return &m_chunks.edit()[at.m_chunk].items.edit()[at.m_item].second;
     }
     void set(const Key& key, Value value)
     {
@@ -182,11 +193,12 @@ public:
         if (chunks.empty())
             chunks.emplace_back();
         const std::size_t at = chunkFor(key);
-        Chunk& chunk = chunks[at].edit();
-        chunk.emplace(chunk.begin() + static_cast<std::ptrdiff_t>(itemFor(chunk, key)), key,
+        Items& items = chunks[at].items.edit();
+        items.emplace(items.begin() + static_cast<std::ptrdiff_t>(itemFor(items, key)), key,
                       std::move(value));
+        chunks[at].first = items.front().first;
         ++m_size;
-        if (chunk.size() > maxChunk)
+        if (items.size() > maxChunk)
             split(chunks, at);
     }
     bool erase(const Key& key)
@@ -195,51 +207,59 @@ public:
         if (at == end())
             return false;
         Chunks& chunks = m_chunks.edit();
-        Chunk& chunk = chunks[at.m_chunk].edit();
-        chunk.erase(chunk.begin() + static_cast<std::ptrdiff_t>(at.m_item));
+        Items& items = chunks[at.m_chunk].items.edit();
+        items.erase(items.begin() + static_cast<std::ptrdiff_t>(at.m_item));
+        if (!items.empty())
+            chunks[at.m_chunk].first = items.front().first;
         --m_size;
         mergeSmall(chunks, at.m_chunk);
         return true;
     }
 
 private:
-    using Chunk = std::vector<Item>;
-    using Chunks = std::vector<CowPtr<Chunk>>;
-
     /// The chunk that holds the key or would; there is at least one.
     std::size_t chunkFor(const Key& key) const
     {
         const Chunks& chunks = *m_chunks;
-        const auto after =
-            std::upper_bound(chunks.begin(), chunks.end(), key, [](const Key& k, const auto& chunk) {
-                return !chunk->empty() && k < chunk->front().first;
-            });
+        const auto after = std::upper_bound(chunks.begin(), chunks.end(), key,
+                                            [](const Key& k, const Chunk& chunk) { return k < chunk.first; });
         return after == chunks.begin() ? 0 : static_cast<std::size_t>(after - chunks.begin()) - 1;
     }
-    static std::size_t itemFor(const Chunk& chunk, const Key& key)
+    static std::size_t itemFor(const Items& items, const Key& key)
     {
-        const auto at = std::lower_bound(chunk.begin(), chunk.end(), key,
+        if constexpr (std::is_integral_v<Key>) {
+            // Numbers mostly follow each other without a gap.
+            const Key guess = items.empty() || key < items.front().first ? 0 : key - items.front().first;
+            if (static_cast<std::size_t>(guess) < items.size() &&
+                items[static_cast<std::size_t>(guess)].first == key)
+                return static_cast<std::size_t>(guess);
+        }
+        const auto at = std::lower_bound(items.begin(), items.end(), key,
                                          [](const Item& item, const Key& k) { return item.first < k; });
-        return static_cast<std::size_t>(at - chunk.begin());
+        return static_cast<std::size_t>(at - items.begin());
     }
     static void split(Chunks& chunks, std::size_t at)
     {
-        Chunk& full = chunks[at].edit();
+        Items& full = chunks[at].items.edit();
         const auto middle = full.begin() + static_cast<std::ptrdiff_t>(full.size() / 2);
-        Chunk upper(std::make_move_iterator(middle), std::make_move_iterator(full.end()));
+        Items upper(std::make_move_iterator(middle), std::make_move_iterator(full.end()));
         full.erase(middle, full.end());
-        chunks.emplace(chunks.begin() + static_cast<std::ptrdiff_t>(at) + 1, std::move(upper));
+        const Key first = upper.front().first;
+        chunks.insert(chunks.begin() + static_cast<std::ptrdiff_t>(at) + 1,
+                      Chunk{first, CowPtr<Items>(std::move(upper))});
     }
     /// Keeps many removals from leaving many tiny chunks.
     static void mergeSmall(Chunks& chunks, std::size_t at)
     {
-        if (at + 1 < chunks.size() && chunks[at]->size() + chunks[at + 1]->size() <= maxChunk / 2) {
-            const Chunk& next = *chunks[at + 1];
-            Chunk& here = chunks[at].edit();
+        if (at + 1 < chunks.size() &&
+            chunks[at].items->size() + chunks[at + 1].items->size() <= maxChunk / 2) {
+            const Items& next = *chunks[at + 1].items;
+            Items& here = chunks[at].items.edit();
             here.insert(here.end(), next.begin(), next.end());
+            chunks[at].first = here.front().first;
             chunks.erase(chunks.begin() + static_cast<std::ptrdiff_t>(at) + 1);
         }
-        if (chunks[at]->empty())
+        if (chunks[at].items->empty())
             chunks.erase(chunks.begin() + static_cast<std::ptrdiff_t>(at));
     }
 
