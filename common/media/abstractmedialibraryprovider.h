@@ -33,6 +33,8 @@ public:
     virtual QList<std::shared_ptr<const GuiMediaSlot>> slots_(int collection) const = 0;
     /// Null when absent.
     virtual std::shared_ptr<const GuiMediaSlot> slot(MediaAddress address) const = 0;
+    /// Whether slot() would give one.
+    virtual bool hasSlot(MediaAddress address) const { return slot(address) != nullptr; }
     /// Seconds; the change is a command, and shows once the server has sent it back.
     virtual void setInpoint(const MediaAddress& address, double inpoint) = 0;
     /// Seconds, or nothing for the end of the media.

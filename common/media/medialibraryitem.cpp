@@ -24,14 +24,12 @@ MediaLibraryItem::MediaLibraryItem(int number, const MediaSlot& slot)
 {
 }
 
-const MediaLibraryItem* MediaLibraryItem::child(int row) const
+void MediaLibraryItem::setRecord(int row, const MediaSlot* record)
 {
-    return row >= 0 && row < childCount() ? m_children[static_cast<std::size_t>(row)].get() : nullptr;
-}
-
-void MediaLibraryItem::setChild(int row, std::unique_ptr<MediaLibraryItem> item)
-{
-    m_children[static_cast<std::size_t>(row)] = std::move(item);
+    if (record)
+        m_records.set(row, *record);
+    else
+        m_records.erase(row);
 }
 
 } // namespace vantrel

@@ -1,17 +1,15 @@
 #pragma once
 
 #include "tarn/media/enums.h"
+#include "tarn/media/mediaslot.h"
+#include "tarn/media/sharedmap.h"
 
 #include <QString>
 #include <QUrl>
 
-#include <memory>
 #include <optional>
-#include <vector>
 
 namespace vantrel {
-
-class MediaSlot;
 
 /// A row of MediaLibraryModel: a collection with its slots, or a slot. Slots stand in their collection by
 /// number, and a number without one has no item.
@@ -36,11 +34,14 @@ public:
     MediaType mediaType() const { return m_mediaType; }
     bool hasInfiniteDuration() const { return m_durationType == MediaDurationType::Infinite; }
 
-    int childCount() const { return static_cast<int>(m_children.size()); }
-    /// Null for a number without a slot.
-    const MediaLibraryItem* child(int row) const;
-    void setChild(int row, std::unique_ptr<MediaLibraryItem> item);
-    void resizeChildren(int count) { m_children.resize(static_cast<std::size_t>(count)); }
+    // A collection keeps its slots as the library's records: few of them are ever looked at.
+    using Records = SharedMap<int, MediaSlot>;
+    int childCount() const { return m_childCount; }
+    const Records& records() const { return m_records; }
+    void setRecords(const Records& records) { m_records = records; }
+    /// Without a record the number is left without a slot.
+    void setRecord(int row, const MediaSlot* record);
+    void setChildCount(int count) { m_childCount = count; }
 
 private:
     int m_number;
@@ -53,7 +54,8 @@ private:
     bool m_isPlayable = false;
     MediaType m_mediaType = MediaType::Unknown;
     MediaDurationType m_durationType = MediaDurationType::Manual;
-    std::vector<std::unique_ptr<MediaLibraryItem>> m_children;
+    int m_childCount = 0;
+    Records m_records;
 };
 
 } // namespace vantrel

@@ -130,7 +130,14 @@ const MediaLibraryItem* MediaLibraryModel::collectionItem(const QModelIndex& ind
 const MediaLibraryItem* MediaLibraryModel::slotItem(const QModelIndex& index) const
 {
     const auto* collection = static_cast<const MediaLibraryItem*>(index.internalPointer());
-    return collection ? collection->child(index.row()) : nullptr;
+    if (!collection)
+        return nullptr;
+    const MediaAddress address(collection->number(), index.row());
+    if (const MediaLibraryItem* made = m_slotItems.find(address))
+        return made;
+    const MediaSlot* record = collection->records().get(address.slot);
+    return record ? m_slotItems.add(address, std::make_unique<MediaLibraryItem>(address.slot, *record))
+                  : nullptr;
 }
 
 MediaAddress MediaLibraryModel::addressOf(const QModelIndex& index) const
@@ -145,11 +152,11 @@ QVariant MediaLibraryModel::data(const QModelIndex& index, int role) const
         return {};
     if (const MediaLibraryItem* collection = collectionItem(index))
         return collectionData(*collection, index.column(), role);
-    if (const MediaLibraryItem* slot = slotItem(index))
-        return slotData(*slot, index, role);
-    // A number without a slot still has its number.
+    // A number without a slot still has its number, and one with a slot needs no look at it.
     if (role == NumberRole || (role == Qt::DisplayRole && index.column() == NumberColumn))
         return index.row();
+    if (const MediaLibraryItem* slot = slotItem(index))
+        return slotData(*slot, index, role);
     if (role == CollectionNumberRole)
         return addressOf(index).collection;
     return {};
@@ -175,8 +182,6 @@ QVariant MediaLibraryModel::collectionData(const MediaLibraryItem& item, int col
 QVariant MediaLibraryModel::displayData(const MediaLibraryItem& item, const QModelIndex& index) const
 {
     switch (index.column()) {
-    case NumberColumn:
-        return item.number();
     case ThumbnailColumn:
         return thumbnail(item);
     case StateColumn:
@@ -209,8 +214,6 @@ QVariant MediaLibraryModel::slotData(const MediaLibraryItem& item, const QModelI
         return thumbnail(item);
     case PlayableRole:
         return item.isPlayable();
-    case NumberRole:
-        return item.number();
     case ThumbRole:
         return thumbnailImageUrl(item.url());
     case StateRole:
@@ -518,15 +521,6 @@ void MediaLibraryModel::onMediaStateChanged(const QUrl& mediaUrl, MediaState sta
     Q_UNUSED(state); // each row asks for its own: one file may stand in many slots
     for (const QModelIndex& row : findItemsByUrl(mediaUrl))
         emitDataChangedForRow(row);
-}
-
-QList<QModelIndex> MediaLibraryModel::findItemsByUrl(const QUrl& mediaUrl) const
-{
-    QList<QModelIndex> rows;
-    const auto [begin, end] = m_rowsByUrl.equal_range(mediaUrl);
-    for (auto it = begin; it != end; ++it)
-        rows.append(slotIndex(*it));
-    return rows;
 }
 
 void MediaLibraryModel::emitDataChangedForRow(const QModelIndex& index)

@@ -2,11 +2,12 @@
 
 #include "common/media/mediastate.h"
 #include "common/media/mediautils.h"
+#include "common/media/recentitems.h"
+#include "common/media/urlindex.h"
 #include "tarn/media/mediaaddress.h"
 #include "tarn/ref.h"
 
 #include <QAbstractItemModel>
-#include <QMultiHash>
 #include <QPointer>
 #include <QStringList>
 #include <QUrl>
@@ -21,6 +22,7 @@ class GUIPlayback;
 class MediaDataAggregator;
 class MediaLibrary;
 class MediaLibraryItem;
+class MediaSlot;
 class MediaStateProvider;
 
 /// The library as a tree of collections and slots, read from the library itself. A collection's rows are its
@@ -140,9 +142,10 @@ private:
     Item makeCollection(int collection);
     void updateCollectionSlots(MediaLibraryItem& item, int collection);
     void updateSlot(const MediaAddress& address);
-    void setSlot(MediaLibraryItem& collection, int row, Item slot);
-    void forgetUrls(const MediaLibraryItem& collection);
-    QList<QModelIndex> findItemsByUrl(const QUrl& mediaUrl) const;
+    void setSlot(MediaLibraryItem& collection, int row, const MediaSlot* record);
+    void indexUrls(const MediaLibraryItem& collection);
+    void forgetSlots(const MediaLibraryItem& collection);
+    QList<QModelIndex> findItemsByUrl(const QUrl& mediaUrl);
     void emitDataChangedForRow(const QModelIndex& index);
     void setMark(Mark& mark, const QString& mediaAddress, const QString& state);
     media::ColSlot resolvePlaylistAddressUnsafe(const QString& address) const;
@@ -163,7 +166,9 @@ private:
     QPointer<MediaStateProvider> m_stateProvider;
     QPointer<AbstractMediaLibraryProvider> m_libraryProvider;
     std::vector<Item> m_collections; // by ascending number
-    QMultiHash<QUrl, MediaAddress> m_rowsByUrl;
+    mutable RecentItems m_slotItems;
+    UrlIndex m_rowsByUrl;
+    bool m_urlsIndexed = false; // since somebody asked for a URL
     Mark m_previewMark;
     Mark m_programMark;
 };

@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <set>
+#include <utility>
 
 namespace vantrel {
 
@@ -20,6 +21,12 @@ int rowsFor(const MediaCollection& collection)
 {
     const MediaSlotMap& slotMap = collection.getSlots();
     return slotMap.empty() ? 0 : (--slotMap.end())->first + 1;
+}
+
+std::string_view contentUrl(const MediaSlot& slot)
+{
+    const Json* url = slot.toJson().find("contentUrl");
+    return url ? url->stringView() : std::string_view();
 }
 
 } // namespace
@@ -36,7 +43,9 @@ void MediaLibraryModel::reset()
 {
     beginResetModel();
     m_collections.clear();
+    m_slotItems.clear();
     m_rowsByUrl.clear();
+    m_urlsIndexed = false;
     for (const auto& [number, collection] : m_library->getCollections())
         m_collections.push_back(makeCollection(number));
     endResetModel();
@@ -56,29 +65,54 @@ void MediaLibraryModel::updateCollectionSlots(MediaLibraryItem& item, int collec
     const MediaCollection* record = std::as_const(*m_library).findCollection(collection);
     if (!record)
         return;
-    item.resizeChildren(rowsFor(*record));
-    for (const auto& [number, slot] : record->getSlots())
-        setSlot(item, number, std::make_unique<MediaLibraryItem>(number, slot));
+    item.setChildCount(rowsFor(*record));
+    item.setRecords(record->getSlots().records());
+    if (m_urlsIndexed)
+        indexUrls(item);
 }
 
-void MediaLibraryModel::setSlot(MediaLibraryItem& collection, int row, Item slot)
+void MediaLibraryModel::setSlot(MediaLibraryItem& collection, int row, const MediaSlot* record)
 {
     const MediaAddress address(collection.number(), row);
-    const MediaLibraryItem* old = collection.child(row);
-    if (old && !old->url().isEmpty())
-        m_rowsByUrl.remove(old->url(), address);
-    if (slot && !slot->url().isEmpty())
-        m_rowsByUrl.insert(slot->url(), address);
-    collection.setChild(row, std::move(slot));
+    m_slotItems.remove(address);
+    if (m_urlsIndexed) {
+        if (const MediaSlot* old = collection.records().get(row))
+            m_rowsByUrl.remove(contentUrl(*old), address);
+        if (record)
+            m_rowsByUrl.insert(contentUrl(*record), address);
+    }
+    collection.setRecord(row, record);
 }
 
-void MediaLibraryModel::forgetUrls(const MediaLibraryItem& collection)
+void MediaLibraryModel::indexUrls(const MediaLibraryItem& collection)
 {
-    for (int row = 0; row < collection.childCount(); ++row) {
-        const MediaLibraryItem* slot = collection.child(row);
-        if (slot && !slot->url().isEmpty())
-            m_rowsByUrl.remove(slot->url(), MediaAddress(collection.number(), row));
+    for (const auto& [row, record] : collection.records())
+        m_rowsByUrl.insert(contentUrl(record), {collection.number(), row});
+}
+
+void MediaLibraryModel::forgetSlots(const MediaLibraryItem& collection)
+{
+    m_slotItems.clear();
+    if (!m_urlsIndexed)
+        return;
+    for (const auto& [row, record] : collection.records())
+        m_rowsByUrl.remove(contentUrl(record), {collection.number(), row});
+}
+
+QList<QModelIndex> MediaLibraryModel::findItemsByUrl(const QUrl& mediaUrl)
+{
+    if (!std::exchange(m_urlsIndexed, true)) {
+        for (const Item& collection : m_collections)
+            indexUrls(*collection);
     }
+    QList<QModelIndex> found;
+    for (const MediaAddress& address : m_rowsByUrl.candidates(mediaUrl)) {
+        const QModelIndex row = slotIndex(address);
+        const MediaLibraryItem* item = row.isValid() ? slotItem(row) : nullptr;
+        if (item && item->url() == mediaUrl)
+            found.append(row);
+    }
+    return found;
 }
 
 void MediaLibraryModel::onCollectionChanged(uint index)
@@ -112,7 +146,7 @@ void MediaLibraryModel::onCollectionRemoved(uint index)
     if (row < 0)
         return;
     beginRemoveRows({}, row, row);
-    forgetUrls(*m_collections[static_cast<std::size_t>(row)]);
+    forgetSlots(*m_collections[static_cast<std::size_t>(row)]);
     const Item gone = std::move(m_collections[static_cast<std::size_t>(row)]);
     m_collections.erase(m_collections.begin() + row);
     endRemoveRows();
@@ -146,15 +180,14 @@ void MediaLibraryModel::updateSlot(const MediaAddress& address)
         return;
     }
     MediaLibraryItem& collection = *m_collections[static_cast<std::size_t>(collectionRow)];
-    auto item = std::make_unique<MediaLibraryItem>(address.slot, *record);
     if (address.slot < collection.childCount()) {
-        setSlot(collection, address.slot, std::move(item));
+        setSlot(collection, address.slot, record);
         emitDataChangedForRow(slotIndex(address));
         return;
     }
     beginInsertRows(index(collectionRow, 0), collection.childCount(), address.slot);
-    collection.resizeChildren(address.slot + 1);
-    setSlot(collection, address.slot, std::move(item));
+    collection.setChildCount(address.slot + 1);
+    setSlot(collection, address.slot, record);
     endInsertRows();
 }
 

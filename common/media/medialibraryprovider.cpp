@@ -30,13 +30,25 @@ std::shared_ptr<const GuiMediaCollection> MediaLibraryProvider::collection(int i
 
 QList<std::shared_ptr<const GuiMediaSlot>> MediaLibraryProvider::slots_(int collection) const
 {
-    return collection < 0 ? QList<std::shared_ptr<const GuiMediaSlot>>()
-                          : m_collectionSlots.value(static_cast<uint>(collection)).values();
+    if (collection < 0)
+        return {};
+    makeSlotsOf(static_cast<uint>(collection));
+    return m_collectionSlots.value(static_cast<uint>(collection)).values();
 }
 
 std::shared_ptr<const GuiMediaSlot> MediaLibraryProvider::slot(MediaAddress address) const
 {
-    return m_slots.value(address);
+    const auto made = m_slots.constFind(address);
+    return made != m_slots.constEnd() ? *made : makeSlot(address);
+}
+
+bool MediaLibraryProvider::hasSlot(MediaAddress address) const
+{
+    const auto isUnmade = [&](const std::map<uint, Records>& unmade) {
+        const auto records = unmade.find(static_cast<uint>(address.collection));
+        return records != unmade.end() && records->second.contains(address.slot);
+    };
+    return m_slots.contains(address) || isUnmade(m_unmade) || isUnmade(m_unmadeGone);
 }
 
 void MediaLibraryProvider::setInpoint(const MediaAddress& address, double inpoint)
@@ -60,8 +72,14 @@ MediaLibrary* MediaLibraryProvider::mediaLibrary()
 
 void MediaLibraryProvider::onReset()
 {
-    // The sets of m_collectionSlots stay: who asks for the slots of a collection after a reload gets the
+    // What m_collectionSlots tells stays: who asks for the slots of a collection after a reload gets the
     // earlier items beside the new ones, and tells them apart by their pointers.
+    for (auto& [collection, records] : m_unmade) {
+        if (!records.empty())
+            m_unmadeEarlier[collection].push_back(std::move(records));
+    }
+    m_unmade.clear();
+    m_unmadeGone.clear();
     m_collections.clear();
     m_slots.clear();
     populateCollections();
@@ -84,6 +102,13 @@ void MediaLibraryProvider::onCollectionRemoved(uint index)
     qCDebug(lcMedia) << "Removed collection" << index;
     // slot() answers for its slots until they are written anew: models hear of the removal and stop asking.
     m_collectionSlots.remove(index);
+    m_unmadeEarlier.erase(index);
+    if (const auto unmade = m_unmade.find(index); unmade != m_unmade.end()) {
+        Records& gone = m_unmadeGone[index];
+        for (const auto& [number, record] : unmade->second)
+            gone.set(number, record);
+        m_unmade.erase(unmade);
+    }
     Q_EMIT collectionRemoved(index);
 }
 
@@ -152,9 +177,15 @@ void MediaLibraryProvider::populateSlotsOf(uint collection)
     const MediaCollection* record = std::as_const(*m_library).getCollection(static_cast<int>(collection));
     if (!record)
         return;
-    const auto slotMap = record->getSlots();
-    for (const auto& [index, slot] : slotMap)
-        populateSingleSlot(MediaAddress(static_cast<int>(collection), index));
+    const Records records = record->getSlots().records();
+    if (m_slots.isEmpty() && m_unmadeGone.empty() && !m_unmade.contains(collection)) {
+        m_unmade[collection] = records; // as after a reload
+        return;
+    }
+    for (const auto& [index, slot] : records) {
+        clearSingleSlot(MediaAddress(static_cast<int>(collection), index));
+        m_unmade[collection].set(index, slot);
+    }
 }
 
 bool MediaLibraryProvider::populateSingleSlot(const MediaAddress& address)
@@ -165,22 +196,59 @@ bool MediaLibraryProvider::populateSingleSlot(const MediaAddress& address)
         qCWarning(lcMedia, "Missing slot from collection: %s", address.toString().c_str());
         return false;
     }
-    const auto item = std::make_shared<const GuiMediaSlot>(address, *record);
-    m_slots.insert(address, item);
-    m_collectionSlots[static_cast<uint>(address.collection)].insert(item);
+    m_unmade[static_cast<uint>(address.collection)].set(address.slot, *record);
     return true;
 }
 
 void MediaLibraryProvider::clearSingleSlot(const MediaAddress& address)
 {
-    const auto found = m_slots.constFind(address);
-    if (found == m_slots.constEnd())
+    const auto collection = static_cast<uint>(address.collection);
+    for (std::map<uint, Records>* unmade : {&m_unmade, &m_unmadeGone}) {
+        if (const auto records = unmade->find(collection); records != unmade->end())
+            records->second.erase(address.slot);
+    }
+    const SlotPtr item = m_slots.take(address);
+    if (!item)
         return;
-    const std::shared_ptr<const GuiMediaSlot> item = *found;
-    const auto items = m_collectionSlots.find(static_cast<uint>(address.collection));
+    const auto items = m_collectionSlots.find(collection);
     if (items != m_collectionSlots.end())
         items->remove(item);
-    m_slots.remove(address);
+}
+
+std::shared_ptr<const GuiMediaSlot> MediaLibraryProvider::makeSlot(const MediaAddress& address) const
+{
+    const auto collection = static_cast<uint>(address.collection);
+    for (std::map<uint, Records>* unmade : {&m_unmade, &m_unmadeGone}) {
+        const auto records = unmade->find(collection);
+        const MediaSlot* record = records == unmade->end() ? nullptr : records->second.get(address.slot);
+        if (!record)
+            continue;
+        const auto item = std::make_shared<const GuiMediaSlot>(address, *record);
+        records->second.erase(address.slot);
+        m_slots.insert(address, item);
+        if (unmade == &m_unmade)
+            m_collectionSlots[collection].insert(item);
+        return item;
+    }
+    return nullptr;
+}
+
+void MediaLibraryProvider::makeSlotsOf(uint collection) const
+{
+    if (const auto unmade = m_unmade.find(collection); unmade != m_unmade.end()) {
+        const Records records = unmade->second; // a copy: each that is made leaves it
+        for (const auto& [index, record] : records)
+            makeSlot(MediaAddress(static_cast<int>(collection), index));
+    }
+    const auto earlier = m_unmadeEarlier.find(collection);
+    if (earlier == m_unmadeEarlier.end())
+        return;
+    for (const Records& records : earlier->second) {
+        for (const auto& [index, record] : records)
+            m_collectionSlots[collection].insert(std::make_shared<const GuiMediaSlot>(
+                MediaAddress(static_cast<int>(collection), index), record));
+    }
+    m_unmadeEarlier.erase(earlier);
 }
 
 } // namespace vantrel

@@ -1,10 +1,17 @@
 #pragma once
 
 #include "common/media/abstractmedialibraryprovider.h"
+#include "common/media/mediaaddresshash.h"
+#include "tarn/media/mediaslot.h"
+#include "tarn/media/sharedmap.h"
 #include "tarn/ref.h"
 
+#include <QHash>
 #include <QMap>
 #include <QSet>
+
+#include <map>
+#include <vector>
 
 namespace vantrel {
 
@@ -22,6 +29,7 @@ public:
     std::shared_ptr<const GuiMediaCollection> collection(int index) const override;
     QList<std::shared_ptr<const GuiMediaSlot>> slots_(int collection) const override;
     std::shared_ptr<const GuiMediaSlot> slot(MediaAddress address) const override;
+    bool hasSlot(MediaAddress address) const override;
     void setInpoint(const MediaAddress& address, double inpoint) override;
     void setOutpoint(const MediaAddress& address, std::optional<double> outpoint) override;
     MediaLibrary* mediaLibrary() override;
@@ -36,17 +44,27 @@ public Q_SLOTS:
     void onSlotRemoved(const vantrel::MediaAddress& address);
 
 private:
+    using SlotPtr = std::shared_ptr<const GuiMediaSlot>;
+    using Records = SharedMap<int, MediaSlot>;
+
     void populateCollections();
     void populateSingleCollection(uint index, bool replace);
     void populateSlots();
     void populateSlotsOf(uint collection);
     bool populateSingleSlot(const MediaAddress& address);
     void clearSingleSlot(const MediaAddress& address);
+    SlotPtr makeSlot(const MediaAddress& address) const;
+    void makeSlotsOf(uint collection) const;
 
     Ref<MediaLibrary> m_library;
     QMap<uint, std::shared_ptr<const GuiMediaCollection>> m_collections;
-    QMap<MediaAddress, std::shared_ptr<const GuiMediaSlot>> m_slots;
-    QMap<uint, QSet<std::shared_ptr<const GuiMediaSlot>>> m_collectionSlots;
+
+    // An item is made when somebody asks for it, of the record as it was when the provider heard of it.
+    mutable QHash<MediaAddress, SlotPtr> m_slots;
+    mutable QMap<uint, QSet<SlotPtr>> m_collectionSlots; // the same items by collection, and earlier ones
+    mutable std::map<uint, Records> m_unmade;
+    mutable std::map<uint, Records> m_unmadeGone;                 // of collections that were removed
+    mutable std::map<uint, std::vector<Records>> m_unmadeEarlier; // of libraries before the last reload
 };
 
 } // namespace vantrel

@@ -34,26 +34,67 @@ std::shared_ptr<const GuiPlaylist> PlaylistProvider::playlist(uint number) const
     return m_playlists.value(number);
 }
 
+EntryAddress PlaylistProvider::Row::address() const
+{
+    return item->address();
+}
+
+const PlaylistProvider::Rows* PlaylistProvider::rows(uint playlist) const
+{
+    const auto found = m_entries.find(playlist);
+    return found == m_entries.end() ? nullptr : &found->second;
+}
+
+const PlaylistProvider::Row* PlaylistProvider::row(uint playlist, EntryAddress address) const
+{
+    const Rows* all = rows(playlist);
+    if (!all)
+        return nullptr;
+    const auto at = std::ranges::lower_bound(*all, address, {}, &Row::address);
+    return at != all->end() && at->address() == address ? &*at : nullptr;
+}
+
+PlaylistProvider::Row* PlaylistProvider::row(uint playlist, EntryAddress address)
+{
+    return const_cast<Row*>(std::as_const(*this).row(playlist, address));
+}
+
 QList<std::shared_ptr<const GuiPlaylistEntry>> PlaylistProvider::entries(uint playlist) const
 {
-    return m_entries.value(playlist).values();
+    QList<EntryPtr> items;
+    if (const Rows* all = rows(playlist)) {
+        items.reserve(static_cast<qsizetype>(all->size()));
+        for (const Row& row : *all)
+            items.append(row.item);
+    }
+    return items;
 }
 
 std::shared_ptr<const GuiPlaylistEntry> PlaylistProvider::entry(uint playlist, EntryAddress address) const
 {
-    const auto found = m_entries.constFind(playlist);
-    return found == m_entries.constEnd() ? nullptr : found->value(address);
+    const Row* found = row(playlist, address);
+    return found ? found->item : nullptr;
 }
 
 std::shared_ptr<const GuiMediaSlot> PlaylistProvider::entrySlot(uint playlist, EntryAddress address) const
 {
-    const auto found = m_entrySlots.constFind(playlist);
-    return found == m_entrySlots.constEnd() ? nullptr : found->value(address);
+    const Row* found = row(playlist, address);
+    if (!found || !found->hasSlot)
+        return nullptr;
+    if (!found->slot)
+        found->slot = m_mediaProvider->slot(found->slotAddress);
+    return found->slot;
 }
 
 QSet<std::shared_ptr<const GuiPlaylistEntry>> PlaylistProvider::slotEntries(const MediaAddress& address) const
 {
-    return m_slotEntries.value(address);
+    QSet<EntryPtr> items;
+    for (const auto& [playlist, entryAddress] : m_users.value(address)) {
+        const Row* found = row(playlist, entryAddress);
+        if (found && found->hasSlot)
+            items.insert(found->item);
+    }
+    return items;
 }
 
 MediaLibrary* PlaylistProvider::mediaLibrary()
@@ -64,7 +105,8 @@ MediaLibrary* PlaylistProvider::mediaLibrary()
 void PlaylistProvider::onReset()
 {
     m_playlists.clear();
-    clearEntries();
+    m_entries.clear();
+    m_users.clear();
     populate();
     Q_EMIT reset();
 }
@@ -80,7 +122,6 @@ void PlaylistProvider::onPlaylistAdded(uint playlist)
         return;
     }
     populateEntriesOf(playlist);
-    updatePlaylistDurations(playlist);
     Q_EMIT playlistAdded(playlist);
 }
 
@@ -152,36 +193,22 @@ void PlaylistProvider::onEntryRemoved(uint playlist, EntryAddress address)
 
 void PlaylistProvider::onSlotModified(MediaAddress address)
 {
-    // Copies: linking the entries anew edits the sets.
-    const QSet<EntryPtr> users = m_slotEntries.value(address) + m_waitingEntries.value(address);
+    const QList<User> users = m_users.value(address); // a copy: listeners may edit
     if (users.isEmpty())
         return;
-    QList<std::pair<uint, EntryAddress>> pairs;
-    for (const EntryPtr& user : users)
-        pairs.append({user->playlistNumber(), user->address()});
-    std::sort(pairs.begin(), pairs.end());
-
     std::set<uint> touched;
-    for (const auto& [playlist, entryAddress] : std::as_const(pairs)) {
-        populateSingleEntrySlot(playlist, entryAddress);
+    for (const auto& [playlist, entryAddress] : users) {
+        if (Row* user = row(playlist, entryAddress))
+            populateSingleEntrySlot(*user);
         touched.insert(playlist);
     }
-    Q_EMIT entrySlotsModified(pairs);
+    Q_EMIT entrySlotsModified(users);
     for (const uint playlist : touched) {
         const Runtimes runtimes = updatePlaylistRuntimes(playlist);
         emitChangedForEach(playlist, runtimes.changed);
         setPlaylistDuration(playlist, runtimes.duration, runtimes.infinite, false);
         updatePlaylistEntryCount(playlist, true);
     }
-}
-
-void PlaylistProvider::clearEntries()
-{
-    m_entries.clear();
-    m_entrySlots.clear();
-    m_slotEntries.clear();
-    m_links.clear();
-    m_waitingEntries.clear();
 }
 
 void PlaylistProvider::populate()
@@ -191,7 +218,6 @@ void PlaylistProvider::populate()
         const auto key = static_cast<uint>(number);
         populateSinglePlaylist(key);
         populateEntriesOf(key);
-        updatePlaylistDurations(key);
     }
 }
 
@@ -211,8 +237,19 @@ void PlaylistProvider::populateEntriesOf(uint playlist)
     if (!record)
         return;
     const auto entryMap = record->getEntries();
-    for (const auto& [address, entry] : entryMap)
-        populateSingleEntry(playlist, address);
+    const PlaylistRuntimeInfo info = m_library->calculateRuntimeInfo(playlist);
+    m_entries[playlist].reserve(entryMap.size());
+    auto runtime = info.entries.begin();
+    for (const auto& [address, entry] : entryMap) {
+        auto item = std::make_shared<GuiPlaylistEntry>(playlist, address, entry);
+        while (runtime != info.entries.end() && runtime->address < address)
+            ++runtime;
+        if (runtime != info.entries.end() && runtime->address == address)
+            item->setRuntimes(runtime->runtimeBefore, runtime->runtimeAfter);
+        putEntry(playlist, item);
+    }
+    setPlaylistDuration(playlist, info.totalDuration, info.isInfinite, true);
+    updatePlaylistEntryCount(playlist, true);
 }
 
 bool PlaylistProvider::populateSingleEntry(uint playlist, EntryAddress address)
@@ -221,97 +258,113 @@ bool PlaylistProvider::populateSingleEntry(uint playlist, EntryAddress address)
     const PlaylistEntry* entry = record ? record->findEntry(address) : nullptr;
     if (!entry)
         return false;
-    m_entries[playlist].insert(address, std::make_shared<GuiPlaylistEntry>(playlist, address, *entry));
-    populateSingleEntrySlot(playlist, address);
+    putEntry(playlist, std::make_shared<GuiPlaylistEntry>(playlist, address, *entry));
     return true;
 }
 
-void PlaylistProvider::populateSingleEntrySlot(uint playlist, EntryAddress address)
+void PlaylistProvider::putEntry(uint playlist, const EntryPtr& item)
 {
-    m_entrySlots[playlist].remove(address);
-    const EntryPtr item = entry(playlist, address);
-    if (!item) {
-        qCWarning(lcMedia, "Trying to populate slot of non-existing entry: %d/%s", static_cast<int>(playlist),
-                  address.toString(true).c_str());
-        return;
-    }
-    unlink(item);
-    const std::string url = item->slotUrl().toStdString();
+    Rows& all = m_entries[playlist];
+    const bool last = all.empty() || all.back().address() < item->address();
+    const auto at = last ? all.end() : std::ranges::lower_bound(all, item->address(), {}, &Row::address);
+    populateSingleEntrySlot(*all.insert(at, Row{item, MediaAddress(), false, nullptr}));
+}
+
+void PlaylistProvider::populateSingleEntrySlot(Row& row)
+{
+    row.slot.reset();
+    row.hasSlot = false;
+    const std::string url = row.item->slotUrl().toStdString();
     const MediaSourceParser source(url);
     if (source.getSourceMode() != SourceMode::Slot) {
+        unlink(row);
         qCWarning(lcMedia, "Invalid entry slot url: %s", url.c_str());
         return;
     }
-    const MediaAddress slotAddress = source.getMediaAddress();
-    m_links.insert(item, slotAddress);
-    const SlotPtr slot = m_mediaProvider->slot(slotAddress);
-    if (!slot) {
+    link(row, source.getMediaAddress());
+    row.hasSlot = m_mediaProvider->hasSlot(row.slotAddress);
+    if (!row.hasSlot) {
         qCWarning(lcMedia, "Missing slot: '%s' assigned to entry: %d/%s", url.c_str(),
-                  static_cast<int>(playlist), address.toString(true).c_str());
-        m_waitingEntries[slotAddress].insert(item);
-        return;
+                  static_cast<int>(row.item->playlistNumber()), row.item->address().toString(true).c_str());
     }
-    m_slotEntries[slotAddress].insert(item);
-    m_entrySlots[playlist].insert(address, slot);
 }
 
-void PlaylistProvider::unlink(const EntryPtr& entry)
+void PlaylistProvider::link(Row& row, MediaAddress slotAddress)
 {
-    const auto link = m_links.constFind(entry);
-    if (link == m_links.constEnd())
+    if (row.slotAddress == slotAddress)
         return;
-    for (QMap<MediaAddress, QSet<EntryPtr>>* map : {&m_slotEntries, &m_waitingEntries}) {
-        const auto set = map->find(*link);
-        if (set == map->end())
-            continue;
-        set->remove(entry);
-        if (set->isEmpty())
-            map->erase(set);
-    }
-    m_links.erase(link);
+    unlink(row);
+    row.slotAddress = slotAddress;
+    QList<User>& users = m_users[slotAddress];
+    const User user(row.item->playlistNumber(), row.item->address());
+    users.insert(std::lower_bound(users.cbegin(), users.cend(), user), user);
+}
+
+void PlaylistProvider::unlink(Row& row)
+{
+    if (!row.slotAddress.isValid())
+        return;
+    const auto users = m_users.find(std::exchange(row.slotAddress, MediaAddress()));
+    if (users == m_users.end())
+        return;
+    const User user(row.item->playlistNumber(), row.item->address());
+    const auto at = std::lower_bound(users->cbegin(), users->cend(), user);
+    if (at != users->cend() && *at == user)
+        users->erase(at);
+    if (users->isEmpty())
+        m_users.erase(users);
 }
 
 bool PlaylistProvider::clearSingleEntry(uint playlist, EntryAddress address)
 {
-    const EntryPtr item = entry(playlist, address);
-    if (!item)
+    Row* found = row(playlist, address);
+    if (!found)
         return false;
-    unlink(item);
-    m_entrySlots[playlist].remove(address);
-    m_entries[playlist].remove(address);
+    unlink(*found);
+    Rows& all = m_entries[playlist];
+    all.erase(all.begin() + (found - all.data()));
     return true;
 }
 
 void PlaylistProvider::clearSinglePlaylistEntries(uint playlist)
 {
-    const QList<EntryAddress> addresses = m_entries.value(playlist).keys();
-    for (const EntryAddress address : addresses)
-        clearSingleEntry(playlist, address);
-    m_entries.remove(playlist);
-    m_entrySlots.remove(playlist);
+    const auto found = m_entries.find(playlist);
+    if (found == m_entries.end())
+        return;
+    for (Row& row : found->second)
+        unlink(row);
+    m_entries.erase(found);
 }
 
 PlaylistProvider::Runtimes PlaylistProvider::updatePlaylistRuntimes(uint playlist)
 {
     const PlaylistRuntimeInfo info = m_library->calculateRuntimeInfo(playlist);
     Runtimes result{info.totalDuration, info.isInfinite, {}};
+    const auto found = m_entries.find(playlist);
+    if (found == m_entries.end())
+        return result;
+    auto row = found->second.begin(); // both are in address order
     for (const EntryRuntime& runtime : info.entries) {
-        if (updateEntryRuntimes(playlist, runtime.address, runtime.runtimeBefore, runtime.runtimeAfter))
+        while (row != found->second.end() && row->address() < runtime.address)
+            ++row;
+        if (row == found->second.end())
+            break;
+        if (row->address() == runtime.address &&
+            updateEntryRuntimes(*row, runtime.runtimeBefore, runtime.runtimeAfter))
             result.changed.append(runtime.address);
     }
     return result;
 }
 
-bool PlaylistProvider::updateEntryRuntimes(uint playlist, EntryAddress address, double before, double after)
+bool PlaylistProvider::updateEntryRuntimes(Row& row, double before, double after)
 {
-    const EntryPtr item = entry(playlist, address);
-    if (!item || (item->runtimeBefore() == before && item->runtimeAfter() == after))
+    if (row.item->runtimeBefore() == before && row.item->runtimeAfter() == after)
         return false;
-    const auto updated = std::make_shared<GuiPlaylistEntry>(*item);
+    const auto updated = std::make_shared<GuiPlaylistEntry>(*row.item);
     updated->setRuntimes(before, after);
-    clearSingleEntry(playlist, address);
-    m_entries[playlist].insert(address, updated);
-    populateSingleEntrySlot(playlist, address);
+    row.item = updated;
+    if (!row.hasSlot)
+        populateSingleEntrySlot(row); // it may have come by now
     return true;
 }
 
@@ -345,8 +398,8 @@ void PlaylistProvider::updatePlaylistEntryCount(uint playlist, bool silent)
         qCWarning(lcMedia, "Missing playlist: %d", static_cast<int>(playlist));
         return;
     }
-    const auto entryMap = m_entries.constFind(playlist);
-    const auto count = entryMap == m_entries.constEnd() ? 0U : static_cast<uint>(entryMap->size());
+    const Rows* all = rows(playlist);
+    const auto count = all ? static_cast<uint>(all->size()) : 0U;
     if ((*found)->entryCount() == count)
         return;
     const auto updated = std::make_shared<GuiPlaylist>(**found);

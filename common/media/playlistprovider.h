@@ -1,10 +1,15 @@
 #pragma once
 
 #include "common/media/abstractplaylistprovider.h"
+#include "common/media/mediaaddresshash.h"
 #include "tarn/ref.h"
 
 #include <QHash>
 #include <QMap>
+
+#include <map>
+#include <utility>
+#include <vector>
 
 namespace vantrel {
 
@@ -47,19 +52,34 @@ private:
         bool infinite = false;
         QList<EntryAddress> changed;
     };
+    struct Row
+    {
+        EntryAddress address() const;
+        EntryPtr item;
+        MediaAddress slotAddress; // invalid when the entry names no slot
+        bool hasSlot = false;     // at that address
+        mutable SlotPtr slot;     // taken when somebody asks for it
+    };
+    using Rows = std::vector<Row>; // by address
+    using User = std::pair<uint, EntryAddress>;
 
-    void clearEntries();
+    const Rows* rows(uint playlist) const;
+    const Row* row(uint playlist, EntryAddress address) const;
+    Row* row(uint playlist, EntryAddress address);
+
     void populate();
     bool populateSinglePlaylist(uint playlist);
     void populateEntriesOf(uint playlist);
     bool populateSingleEntry(uint playlist, EntryAddress address);
-    void populateSingleEntrySlot(uint playlist, EntryAddress address);
+    void putEntry(uint playlist, const EntryPtr& item);
+    void populateSingleEntrySlot(Row& row);
     bool clearSingleEntry(uint playlist, EntryAddress address);
     void clearSinglePlaylistEntries(uint playlist);
-    void unlink(const EntryPtr& entry);
+    void link(Row& row, MediaAddress slotAddress);
+    void unlink(Row& row);
 
     Runtimes updatePlaylistRuntimes(uint playlist);
-    bool updateEntryRuntimes(uint playlist, EntryAddress address, double before, double after);
+    bool updateEntryRuntimes(Row& row, double before, double after);
     void updatePlaylistDurations(uint playlist);
     void setPlaylistDuration(uint playlist, double duration, bool infinite, bool silent);
     void updatePlaylistEntryCount(uint playlist, bool silent);
@@ -68,13 +88,9 @@ private:
     Ref<MediaLibrary> m_library;
     AbstractMediaLibraryProvider* m_mediaProvider;
     QMap<uint, std::shared_ptr<const GuiPlaylist>> m_playlists;
-    QMap<uint, QMap<EntryAddress, EntryPtr>> m_entries;
-    QMap<uint, QMap<EntryAddress, SlotPtr>> m_entrySlots;
-    QMap<MediaAddress, QSet<EntryPtr>> m_slotEntries;
-    // Where an entry stands in one of the two maps by slot, so that letting go of it need not walk them.
-    QHash<EntryPtr, MediaAddress> m_links;
-    // Entries whose slot is absent: they get it as soon as it comes.
-    QMap<MediaAddress, QSet<EntryPtr>> m_waitingEntries;
+    std::map<uint, Rows> m_entries;
+    // Which entries name a slot, whether it is there or not, so that nothing need be walked to find them.
+    QHash<MediaAddress, QList<User>> m_users;
 };
 
 } // namespace vantrel
