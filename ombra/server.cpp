@@ -113,7 +113,7 @@ bool Server::start(std::string* error)
     m_settings->apply(m_store->settings(), SceneSettings::sections());
     m_store->addLibraryListener([this](const Patch& patch) {
         m_engine->libraryChanged();
-        m_http->broadcastStream(eventStreamMessage(patch));
+        m_http->broadcastStream(eventStreamMessage(patch, m_store->libraryRevision()));
     });
     watchMedia();
     probeRest();

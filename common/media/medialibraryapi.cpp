@@ -1,12 +1,15 @@
 #include "common/media/medialibraryapi.h"
 
 #include "common/media/librarychanges.h"
+#include "common/media/libraryreading.h"
 #include "common/media/medialogging.h"
 #include "tarn/media/medialibrary.h"
 
+#include <QFutureWatcher>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
 #include <QNetworkRequest>
+#include <QTimer>
 #include <QUrl>
 
 #include <string>
@@ -19,6 +22,32 @@ const QString restRoot = QStringLiteral("/api/brume/v1");
 
 // A library of this many bytes is no library.
 constexpr qint64 maxLibraryBytes = 512LL * 1024 * 1024;
+// How long a fetch waits for the event stream to open, in milliseconds.
+constexpr int streamOpeningTime = 1000;
+// What a log line quotes of a server's text, in bytes.
+constexpr qsizetype maxQuoted = 1000;
+
+QByteArray shortened(const QByteArray& text)
+{
+    return text.size() <= maxQuoted ? text : text.left(maxQuoted) + "...";
+}
+
+/// A server may number its messages: the first operation of the patch tells what the library has become.
+std::optional<qint64> revisionOf(const Json& patch)
+{
+    const Json* first = patch.at(0);
+    const Json* revision = first ? first->find("revision") : nullptr;
+    return revision && revision->type() == JsonType::Int ? std::optional<qint64>(revision->asInt())
+                                                         : std::nullopt;
+}
+
+/// The same number as the library's tag.
+std::optional<qint64> revisionOf(QByteArray tag)
+{
+    bool isNumber = false;
+    const qint64 revision = tag.replace('"', QByteArray()).toLongLong(&isNumber);
+    return isNumber ? std::optional<qint64>(revision) : std::nullopt;
+}
 
 } // namespace
 
@@ -157,9 +186,12 @@ void MediaLibraryApi::stopListening()
 
 void MediaLibraryApi::onStreamData()
 {
-    if (!m_stream)
-        return;
-    const QByteArray bytes = m_stream->readAll();
+    if (m_stream)
+        receive(m_stream->readAll());
+}
+
+void MediaLibraryApi::receive(const QByteArray& bytes)
+{
     qCDebug(lcMedia) << "Received SSE data: " << bytes;
     switch (m_events.assemble(bytes)) {
     case EventStream::State::Waiting:
@@ -176,11 +208,20 @@ void MediaLibraryApi::onStreamData()
 
 void MediaLibraryApi::handleMessage(const QByteArray& data)
 {
+    Json json;
     Patch patch;
     std::string error;
-    if (!Patch::parseString({data.constData(), static_cast<std::size_t>(data.size())}, patch, &error)) {
-        qCWarning(lcMedia) << "Failed to parse message: " << data << error.c_str();
+    if (!Json::parseString({data.constData(), static_cast<std::size_t>(data.size())}, json, &error) ||
+        !Patch::fromJson(json, patch, &error)) {
+        qCWarning(lcMedia) << "Failed to parse message: " << shortened(data) << error.c_str();
         return;
+    }
+    const std::optional<qint64> revision = revisionOf(json);
+    if (revision && m_revision && *revision <= *m_revision)
+        return; // the fetched library holds it
+    if (m_fetches > 0) {
+        m_meanwhile.push_back({patch, revision});
+        m_meanwhileBytes += data.size();
     }
     applyMediaLibraryPatch(patch);
 }
@@ -253,9 +294,31 @@ void MediaLibraryApi::emitPlaylistChanges(const LibraryChanges& changes)
 
 void MediaLibraryApi::requestMediaLibrary()
 {
+    const bool opening = m_stream && m_stream->isRunning() &&
+                         !m_stream->attribute(QNetworkRequest::HttpStatusCodeAttribute).isValid();
+    if (!opening) {
+        fetchLibrary();
+        return;
+    }
+    auto* wait = new QTimer(this);
+    wait->setSingleShot(true);
+    connect(wait, &QTimer::timeout, this, [this, wait] {
+        wait->deleteLater();
+        fetchLibrary();
+    });
+    wait->start(streamOpeningTime);
+    const auto goOn = [wait] { wait->start(0); };
+    connect(m_stream, &QNetworkReply::metaDataChanged, wait, goOn);
+    connect(m_stream, &QNetworkReply::finished, wait, goOn);
+    connect(m_stream, &QObject::destroyed, wait, goOn);
+}
+
+void MediaLibraryApi::fetchLibrary()
+{
     QNetworkReply* reply = getMediaLibrary();
-    connect(reply, &QNetworkReply::downloadProgress, this, [reply](qint64 received) {
-        if (received > maxLibraryBytes)
+    ++m_fetches;
+    connect(reply, &QNetworkReply::downloadProgress, this, [this, reply](qint64 received) {
+        if (received > maxLibraryBytes || m_meanwhileBytes > EventStream::maxBuffered)
             reply->abort();
     });
     connect(reply, &QNetworkReply::finished, this, [this, reply] { onLibraryReceived(reply); });
@@ -265,26 +328,69 @@ void MediaLibraryApi::onLibraryReceived(QNetworkReply* reply)
 {
     if (reply->error() != QNetworkReply::NoError) {
         qCWarning(lcMedia) << "Failed to get media library " << reply->error();
+        fetchEnded();
         Q_EMIT mediaLibraryRequestFailed();
         return;
     }
-    Json json;
-    if (!replyToSdkJson(reply, &json)) {
+    const std::optional<qint64> revision = revisionOf(reply->rawHeader(QByteArrayLiteral("ETag")));
+    if (reply->bytesAvailable() <= LibraryReading::atOnce) {
+        onLibraryRead(LibraryReading::read(reply->readAll()), revision);
+        return;
+    }
+    auto* watcher = new QFutureWatcher<LibraryReading>(this);
+    connect(watcher, &QFutureWatcherBase::finished, this, [this, watcher, revision] {
+        const LibraryReading reading = watcher->result();
+        watcher->deleteLater();
+        onLibraryRead(reading, revision);
+    });
+    watcher->setFuture(LibraryReading::start(reply->readAll()));
+}
+
+void MediaLibraryApi::onLibraryRead(const LibraryReading& reading, std::optional<qint64> revision)
+{
+    switch (reading.outcome) {
+    case LibraryReading::Outcome::NoJson:
         qCWarning(lcMedia) << "Failed to convert  QT JSON to SDK JSON";
-        return;
-    }
-    if (!m_library->parseJson(json)) {
-        qCWarning(lcMedia) << "Failed to parse media library";
+        fetchEnded();
+        break;
+    case LibraryReading::Outcome::NoLibrary:
+        qCWarning(lcMedia) << "Failed to parse media library" << shortened(reading.error);
+        fetchEnded();
         Q_EMIT mediaLibraryRequestFailed();
-        return;
+        break;
+    case LibraryReading::Outcome::Library:
+        adoptLibrary(*reading.library, revision);
+        break;
     }
+}
+
+void MediaLibraryApi::adoptLibrary(MediaLibrary& fetched, std::optional<qint64> revision)
+{
+    for (const Message& message : m_meanwhile) {
+        // Without revisions there is no telling: one that the library holds already hardly ever fits again.
+        if (!revision || !message.revision || *message.revision > *revision)
+            fetched.applyDiff(message.patch);
+    }
+    m_revision = revision;
+    fetchEnded();
+    LibraryReading::Remains remains(*m_library);
+    *m_library = fetched;
     Q_EMIT mediaLibraryReplaced();
     Q_EMIT mediaLibraryChanged();
 }
 
+void MediaLibraryApi::fetchEnded()
+{
+    if (--m_fetches > 0)
+        return;
+    m_meanwhile.clear();
+    m_meanwhileBytes = 0;
+}
+
 bool MediaLibraryApi::replyToSdkJson(QNetworkReply* reply, Json* json)
 {
-    return Json::parseString(reply->readAll().toStdString(), *json);
+    const QByteArray body = reply->readAll();
+    return Json::parseString({body.constData(), static_cast<std::size_t>(body.size())}, *json);
 }
 
 QJsonDocument MediaLibraryApi::sdkJsonToQJsonDocument(Json* json)

@@ -14,7 +14,9 @@
 #include <QObject>
 #include <QPointer>
 
+#include <optional>
 #include <utility>
+#include <vector>
 
 class QNetworkAccessManager;
 class QNetworkReply;
@@ -25,6 +27,7 @@ namespace vantrel {
 
 class MediaLibrary;
 struct LibraryChanges;
+struct LibraryReading;
 
 using CollectionAndIndex = std::pair<MediaCollection, int>;
 
@@ -54,8 +57,11 @@ public:
     /// Follows the event stream until it ends; nothing starts it again.
     void listenChanges();
     void stopListening();
-    /// Fetches the whole library and replaces the local one.
+    /// Fetches the whole library and replaces the local one. While a stream opens, the request waits for the
+    /// server's first word on it, so that no change falls between the two.
     void requestMediaLibrary();
+    /// What was read from the event stream, in pieces of any size.
+    void receive(const QByteArray& bytes);
 
     /// What a message of the stream does: changes the library, then tells what the patch touched, collections
     /// before playlists. A patch that does not fit changes nothing and tells nothing.
@@ -89,7 +95,11 @@ Q_SIGNALS:
 private:
     QUrl buildUrl(const QString& path, const QString& query = {}) const;
     QNetworkRequest jsonRequest(const QString& path) const;
+    void fetchLibrary();
     void onLibraryReceived(QNetworkReply* reply);
+    void onLibraryRead(const LibraryReading& reading, std::optional<qint64> revision);
+    void fetchEnded();
+    void adoptLibrary(MediaLibrary& fetched, std::optional<qint64> revision);
     void onStreamData();
     void handleMessage(const QByteArray& data);
     void emitLibraryChanges(const LibraryChanges& changes);
@@ -103,6 +113,17 @@ private:
     int m_port = 80;
     QNetworkReply* m_stream = nullptr;
     EventStream m_events;
+
+    // What the stream brought while the library was fetched: the answer may be of before or after it.
+    struct Message
+    {
+        Patch patch;
+        std::optional<qint64> revision;
+    };
+    std::vector<Message> m_meanwhile;
+    qsizetype m_meanwhileBytes = 0;
+    int m_fetches = 0;
+    std::optional<qint64> m_revision; // of the last library that was fetched
 };
 
 } // namespace vantrel

@@ -34,9 +34,12 @@ const Space* spaceAt(std::string_view text)
 
 } // namespace
 
-std::string eventStreamMessage(const Patch& patch)
+std::string eventStreamMessage(const Patch& patch, std::uint64_t revision)
 {
-    const std::string json = patch.toJson().toString(); // compact: blanks stand in strings only
+    Json operations = patch.toJson();
+    if (Json* first = operations.edit(std::size_t{0}))
+        first->set("revision", revision);
+    const std::string json = operations.toString(); // compact: blanks stand in strings only
     std::string message = "data: ";
     message.reserve(json.size() + 16);
     for (std::size_t i = 0; i < json.size(); ++i) {

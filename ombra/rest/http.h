@@ -20,6 +20,7 @@ struct HttpReply
     std::string body;
     std::string contentType = "application/json";
     std::string allow = {}; // the methods of the path, for 405
+    std::string etag = {};  // quoted
 };
 
 /// Called once for each request, now or later, on the server's thread.

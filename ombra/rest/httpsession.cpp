@@ -159,6 +159,8 @@ void HttpSession::answer(HttpReply reply)
     m_reply->set(http::field::cache_control, "no-store");
     if (!reply.allow.empty())
         m_reply->set(http::field::allow, reply.allow);
+    if (!reply.etag.empty())
+        m_reply->set(http::field::etag, reply.etag);
     m_reply->keep_alive(!m_closing && request.keep_alive());
     m_reply->body() = std::move(reply.body);
     if (reply.status == 204)

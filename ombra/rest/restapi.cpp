@@ -71,7 +71,7 @@ void RestApi::getLibrary(const HttpRequest&, const HttpAnswer& answer)
         m_libraryText = json.toString();
         m_libraryJson = json;
     }
-    answer({.body = m_libraryText});
+    answer({.body = m_libraryText, .etag = '"' + std::to_string(m_store.libraryRevision()) + '"'});
 }
 
 void RestApi::postLibrary(const HttpRequest& request, const HttpAnswer& answer)

@@ -175,6 +175,7 @@ void ShowStore::librarySaved(const Patch& patch, const MediaLibrary& after)
     *m_library = after;
     if (patch.empty())
         return;
+    ++m_revision;
     for (const LibraryListener& listener : m_listeners)
         listener(patch);
 }

@@ -44,6 +44,8 @@ public:
 
     /// The library as it is saved.
     MediaLibrary& library() noexcept { return *m_library; }
+    /// How many edits this process has saved and told of: those that library() holds.
+    std::uint64_t libraryRevision() const noexcept { return m_revision; }
     /// With the edits that are accepted and not saved yet: what the next edit will be applied to.
     const MediaLibrary& latestLibrary() const noexcept { return m_latest; }
     /// Values of lasting scene properties by their path.
@@ -74,6 +76,7 @@ private:
     std::unique_ptr<ShowDisk> m_disk;
     std::unique_ptr<ShowWriter> m_writer;
     Ref<MediaLibrary> m_library;
+    std::uint64_t m_revision = 0;
     MediaLibrary m_latest;
     Json m_settings = Json::object();
     Json m_changedSettings = Json::object(); // of this turn
