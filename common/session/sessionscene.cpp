@@ -6,9 +6,7 @@
 #include "tarn/json/patch.h"
 #include "tarn/scene/scene.h"
 
-#include <QCoreApplication>
 #include <QElapsedTimer>
-#include <QEvent>
 #include <QScopedValueRollback>
 #include <QTimer>
 #include <QWidget>
@@ -81,12 +79,8 @@ void Session::onPatchAvailable()
         if (std::exchange(m_sceneLoading, false))
             Q_EMIT sceneLoaded();
     }
-    if (window && !window->updatesEnabled()) {
+    if (window && !window->updatesEnabled())
         window->setUpdatesEnabled(true);
-        // A request for a repaint that came while updates were off is used up, and Qt believes that it still
-        // waits: without another one the window would stand still from here on.
-        QCoreApplication::postEvent(window, new QEvent(QEvent::UpdateRequest));
-    }
 }
 
 /// The first patches after a connection replace everything; false when the slice of time was over before.
