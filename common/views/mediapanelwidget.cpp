@@ -269,7 +269,7 @@ void MediaPanelWidget::updateEmptyText()
     else
         m_view->setEmpty(
             QStringLiteral("import"),
-            tr("This collection is empty. Drop files on its slots in the media tab to fill it."));
+            tr("This collection is empty. Duplicate one that holds media, or choose another."));
 }
 
 void MediaPanelWidget::onActivated(const QModelIndex& index)
