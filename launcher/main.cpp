@@ -11,10 +11,12 @@
 #include <QSocketNotifier>
 #include <QTimer>
 
+#include <algorithm>
 #include <array>
 #include <csignal>
 #include <cstdio>
 #include <memory>
+#include <string_view>
 #include <unistd.h>
 
 namespace {
@@ -74,6 +76,15 @@ Options parse(const QCoreApplication& application)
     options.screenshot = parser.value(QStringLiteral("screenshot"));
     options.seconds = number(parser, QStringLiteral("seconds"), 0, 24 * 60 * 60);
     return options;
+}
+
+/// --help and --version are answered without a display.
+bool asksForText(int argc, char** argv)
+{
+    return std::any_of(argv + 1, argv + argc, [](const char* argument) {
+        const std::string_view text(argument);
+        return text == "-h" || text == "--help" || text == "-v" || text == "--version";
+    });
 }
 
 /// Says once that the window is on the screen, so that a robot can tell how long that took.
@@ -149,6 +160,11 @@ int main(int argc, char** argv)
     QCoreApplication::setOrganizationName(QStringLiteral("Halcyra"));
     QCoreApplication::setApplicationName(QStringLiteral("halcyra"));
     QCoreApplication::setApplicationVersion(QStringLiteral(HALCYRA_VERSION));
+    if (asksForText(argc, argv)) {
+        const QCoreApplication console(argc, argv);
+        parse(console);
+        return 0;
+    }
     QApplication application(argc, argv);
     const Options options = parse(application);
     const EndSignals endSignals;
