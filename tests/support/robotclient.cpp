@@ -85,6 +85,16 @@ bool RobotClient::doubleClick(const QString& objectName)
     return mouse(QStringLiteral("double_click"), waitFor(objectName));
 }
 
+bool RobotClient::mouseAt(const QString& operation, const QString& objectName, double share)
+{
+    QJsonObject target = waitFor(objectName);
+    const int width = target["width"].toInt();
+    const int off = static_cast<int>(share * (width - 1)) - target["local_x"].toInt();
+    for (const char* axis : {"global_x", "local_x"})
+        target[QLatin1String(axis)] = target[QLatin1String(axis)].toInt() + off;
+    return width > 0 && mouse(operation, target);
+}
+
 QJsonArray RobotClient::cells(const QString& view)
 {
     QJsonArray all = ask({{"objectName", view}, {"maxResults", 1}});

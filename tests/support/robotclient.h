@@ -31,6 +31,9 @@ public:
 
     bool click(const QString& objectName);
     bool doubleClick(const QString& objectName);
+    /// A mouse operation ("click", "drag_start", "drag_move", ...) at a share of the widget's width, 0 to 1,
+    /// at half its height.
+    bool mouseAt(const QString& operation, const QString& objectName, double share);
     /// A cell of an item view, "<view>-row<row>-col<column>", once it is there.
     bool doubleClickCell(const QString& view, int row, int column, int msLimit = 15000);
     bool clickCell(const QString& view, int row, int column);
