@@ -19,6 +19,12 @@ PlaylistProvider::PlaylistProvider(Ref<MediaLibrary> library, AbstractMediaLibra
     , m_library(std::move(library))
     , m_mediaProvider(mediaProvider)
 {
+    // The slots of a collection come and go with it untold.
+    if (mediaProvider) {
+        using Provider = AbstractMediaLibraryProvider;
+        connect(mediaProvider, &Provider::collectionAdded, this, &PlaylistProvider::onCollectionModified);
+        connect(mediaProvider, &Provider::collectionRemoved, this, &PlaylistProvider::onCollectionModified);
+    }
     populate();
 }
 
@@ -193,7 +199,22 @@ void PlaylistProvider::onEntryRemoved(uint playlist, EntryAddress address)
 
 void PlaylistProvider::onSlotModified(MediaAddress address)
 {
-    const QList<User> users = m_users.value(address); // a copy: listeners may edit
+    refreshEntries(m_users.value(address));
+}
+
+void PlaylistProvider::onCollectionModified(uint collection)
+{
+    QList<User> users;
+    for (auto it = m_users.cbegin(); it != m_users.cend(); ++it) {
+        if (it.key().collection == static_cast<int>(collection))
+            users += it.value();
+    }
+    std::sort(users.begin(), users.end());
+    refreshEntries(users);
+}
+
+void PlaylistProvider::refreshEntries(const QList<User>& users)
+{
     if (users.isEmpty())
         return;
     std::set<uint> touched;

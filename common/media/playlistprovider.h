@@ -63,6 +63,9 @@ private:
     using Rows = std::vector<Row>; // by address
     using User = std::pair<uint, EntryAddress>;
 
+    void onCollectionModified(uint collection);
+    void refreshEntries(const QList<User>& users);
+
     const Rows* rows(uint playlist) const;
     const Row* row(uint playlist, EntryAddress address) const;
     Row* row(uint playlist, EntryAddress address);

@@ -23,30 +23,7 @@ public:
         , model(library.get(), nullptr, nullptr)
     {
         model.setMediaLibaryProvider(&provider);
-        using Api = MediaLibraryApi;
-        const auto wire = [this](auto signal, auto modelSlot, auto providerSlot) {
-            QObject::connect(&api, signal, &model, modelSlot);
-            QObject::connect(&api, signal, &provider, providerSlot);
-        };
-        wire(&Api::mediaLibraryReplaced, &MediaLibraryModel::reset, &MediaLibraryProvider::onReset);
-        wire(&Api::mediaCollectionChanged, &MediaLibraryModel::onCollectionChanged,
-             &MediaLibraryProvider::onCollectionChanged);
-        wire(&Api::mediaCollectionAdded, &MediaLibraryModel::onCollectionAdded,
-             &MediaLibraryProvider::onCollectionAdded);
-        wire(&Api::mediaCollectionRemoved, &MediaLibraryModel::onCollectionRemoved,
-             &MediaLibraryProvider::onCollectionRemoved);
-        wire(&Api::mediaAdded, &MediaLibraryModel::onMediaAdded, &MediaLibraryProvider::onSlotAdded);
-        wire(&Api::mediaChanged, &MediaLibraryModel::onMediaChanged, &MediaLibraryProvider::onSlotChanged);
-        wire(&Api::mediaRemoved, &MediaLibraryModel::onMediaRemoved, &MediaLibraryProvider::onSlotRemoved);
-        const auto toPlaylists = [this](auto* sender, auto signal, auto slot) {
-            QObject::connect(sender, signal, &playlists, slot);
-        };
-        toPlaylists(&api, &Api::playlistAdded, &PlaylistProvider::onPlaylistAdded);
-        toPlaylists(&api, &Api::playlistChanged, &PlaylistProvider::onPlaylistChanged);
-        toPlaylists(&api, &Api::playlistRemoved, &PlaylistProvider::onPlaylistRemoved);
-        toPlaylists(&api, &Api::playlistEntryAdded, &PlaylistProvider::onEntryAdded);
-        toPlaylists(&api, &Api::playlistEntryChanged, &PlaylistProvider::onEntryChanged);
-        toPlaylists(&api, &Api::playlistEntryRemoved, &PlaylistProvider::onEntryRemoved);
+        wire(api);
         using Provider = AbstractMediaLibraryProvider;
         auto* media = static_cast<Provider*>(&provider);
         toPlaylists(media, &Provider::reset, &PlaylistProvider::onReset);
@@ -54,6 +31,32 @@ public:
         toPlaylists(media, &Provider::slotChanged, &PlaylistProvider::onSlotModified);
         toPlaylists(media, &Provider::slotRemoved, &PlaylistProvider::onSlotModified);
         load();
+    }
+
+    /// Lets the model and the providers follow a client.
+    void wire(MediaLibraryApi& source)
+    {
+        using Api = MediaLibraryApi;
+        const auto both = [this, &source](auto signal, auto modelSlot, auto providerSlot) {
+            QObject::connect(&source, signal, &model, modelSlot);
+            QObject::connect(&source, signal, &provider, providerSlot);
+        };
+        both(&Api::mediaLibraryReplaced, &MediaLibraryModel::reset, &MediaLibraryProvider::onReset);
+        both(&Api::mediaCollectionChanged, &MediaLibraryModel::onCollectionChanged,
+             &MediaLibraryProvider::onCollectionChanged);
+        both(&Api::mediaCollectionAdded, &MediaLibraryModel::onCollectionAdded,
+             &MediaLibraryProvider::onCollectionAdded);
+        both(&Api::mediaCollectionRemoved, &MediaLibraryModel::onCollectionRemoved,
+             &MediaLibraryProvider::onCollectionRemoved);
+        both(&Api::mediaAdded, &MediaLibraryModel::onMediaAdded, &MediaLibraryProvider::onSlotAdded);
+        both(&Api::mediaChanged, &MediaLibraryModel::onMediaChanged, &MediaLibraryProvider::onSlotChanged);
+        both(&Api::mediaRemoved, &MediaLibraryModel::onMediaRemoved, &MediaLibraryProvider::onSlotRemoved);
+        toPlaylists(&source, &Api::playlistAdded, &PlaylistProvider::onPlaylistAdded);
+        toPlaylists(&source, &Api::playlistChanged, &PlaylistProvider::onPlaylistChanged);
+        toPlaylists(&source, &Api::playlistRemoved, &PlaylistProvider::onPlaylistRemoved);
+        toPlaylists(&source, &Api::playlistEntryAdded, &PlaylistProvider::onEntryAdded);
+        toPlaylists(&source, &Api::playlistEntryChanged, &PlaylistProvider::onEntryChanged);
+        toPlaylists(&source, &Api::playlistEntryRemoved, &PlaylistProvider::onEntryRemoved);
     }
 
     /// As after the first fetch of a connection.
@@ -71,6 +74,12 @@ public:
     }
 
 private:
+    template <typename Sender, typename Signal, typename Slot>
+    void toPlaylists(Sender* sender, Signal signal, Slot slot)
+    {
+        QObject::connect(sender, signal, &playlists, slot);
+    }
+
     QNetworkAccessManager m_manager;
 
 public:
