@@ -47,11 +47,11 @@ void EventStream::parseLine(const QByteArray& line)
 {
     const qsizetype colon = line.indexOf(':');
     if (colon <= 0) {
-        qCWarning(lcMedia) << "Invalid line in SSE stream: " << line;
+        qCWarning(lcMedia) << "Invalid line in SSE stream: " << shortened(line);
         return;
     }
     if (line.left(colon).simplified() != "data") {
-        qCWarning(lcMedia) << "Unhandled field in SSE stream: " << line;
+        qCWarning(lcMedia) << "Unhandled field in SSE stream: " << shortened(line);
         return;
     }
     m_message.append(line.mid(colon + 1).simplified());

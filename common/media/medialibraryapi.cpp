@@ -21,17 +21,9 @@ namespace {
 const QString restRoot = QStringLiteral("/api/brume/v1");
 
 // A library of this many bytes is no library.
-constexpr qint64 maxLibraryBytes = 512LL * 1024 * 1024;
+constexpr qint64 maxLibraryBytes = 256LL * 1024 * 1024;
 // How long a fetch waits for the event stream to open, in milliseconds.
 constexpr int streamOpeningTime = 1000;
-// What a log line quotes of a server's text, in bytes.
-constexpr qsizetype maxQuoted = 1000;
-
-QByteArray shortened(const QByteArray& text)
-{
-    return text.size() <= maxQuoted ? text : text.left(maxQuoted) + "...";
-}
-
 /// A server may number its messages: the first operation of the patch tells what the library has become.
 std::optional<qint64> revisionOf(const Json& patch)
 {
@@ -192,7 +184,7 @@ void MediaLibraryApi::onStreamData()
 
 void MediaLibraryApi::receive(const QByteArray& bytes)
 {
-    qCDebug(lcMedia) << "Received SSE data: " << bytes;
+    qCDebug(lcMedia) << "Received SSE data: " << shortened(bytes);
     switch (m_events.assemble(bytes)) {
     case EventStream::State::Waiting:
         break;
@@ -229,8 +221,11 @@ void MediaLibraryApi::handleMessage(const QByteArray& data)
 void MediaLibraryApi::applyMediaLibraryPatch(const Patch& patch)
 {
     // What the server sends is what it did; a patch that does not fit is mended by the next full load.
-    if (m_library->applyDiff(patch) != 0)
+    std::string error;
+    if (m_library->applyDiff(patch, &error) != 0) {
+        qCDebug(lcMedia) << "Patch does not fit the library: " << shortened(QByteArray::fromStdString(error));
         return;
+    }
     emitLibraryChanges(LibraryChanges::fromPatch(patch));
 }
 

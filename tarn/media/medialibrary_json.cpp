@@ -202,8 +202,8 @@ bool MediaLibrary::Update::readCollections(std::string* error)
         const Json* name = node ? node->find("name") : nullptr;
         if (m_wholeCollections.contains(index) || !name || !m_collections.contains(index))
             m_wholeCollections.insert(index);
-        else if (!name->isString())
-            return fail(error, "collection " + std::to_string(index) + ": \"name\" must be a text");
+        else if (!isText(*name))
+            return fail(error, "collection " + std::to_string(index) + ": \"name\" must be a text that fits");
         else
             m_collections.edit(index)->setName(name->asString());
     }
@@ -257,8 +257,8 @@ bool MediaLibrary::Update::readPlaylists(std::string* error)
         const Json* name = node ? node->find("name") : nullptr;
         if (m_wholePlaylists.contains(index) || !name || !m_playlists.contains(index))
             m_wholePlaylists.insert(index);
-        else if (!name->isString())
-            return fail(error, "playlist " + std::to_string(index) + ": \"name\" must be a text");
+        else if (!isText(*name))
+            return fail(error, "playlist " + std::to_string(index) + ": \"name\" must be a text that fits");
         else
             m_playlists.edit(index)->setName(name->asString());
     }

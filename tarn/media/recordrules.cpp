@@ -5,9 +5,29 @@
 
 namespace vantrel::recordrules {
 
+namespace {
+
+/// The value as a message may quote it.
+std::string quoted(const Json& value)
+{
+    constexpr std::size_t most = 200;
+    std::string text = value.toString();
+    if (text.size() > most) {
+        text.resize(most);
+        while (!text.empty() && (static_cast<unsigned char>(text.back()) & 0xC0) == 0x80)
+            text.pop_back(); // no half character
+        if (!text.empty() && static_cast<unsigned char>(text.back()) >= 0xC0)
+            text.pop_back();
+        text += "...";
+    }
+    return text;
+}
+
+} // namespace
+
 bool isText(const Json& value)
 {
-    return value.isString();
+    return value.isString() && value.stringView().size() <= maxText;
 }
 
 bool isFlag(const Json& value)
@@ -37,7 +57,7 @@ bool check(Json& record, std::span<const Rule> rules, const Json& prototype, std
         ++known;
         if (!rule.valid(*value))
             return fail(error,
-                        "\"" + std::string(rule.key) + "\" does not allow the value " + value->toString());
+                        "\"" + std::string(rule.key) + "\" does not allow the value " + quoted(*value));
     }
     if (known != record.size()) {
         std::string unknown;

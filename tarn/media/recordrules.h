@@ -13,6 +13,10 @@ namespace vantrel::recordrules {
 /// count.
 inline constexpr double maxSeconds = 1e7;
 
+/// The longest name or URL that a record may hold, in bytes: a path of the longest kind with every byte of it
+/// escaped.
+inline constexpr std::size_t maxText = 16 * 1024;
+
 /// What one member of a record must be.
 struct Rule
 {
