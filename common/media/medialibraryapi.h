@@ -60,6 +60,8 @@ public:
     /// Fetches the whole library and replaces the local one. While a stream opens, the request waits for the
     /// server's first word on it, so that no change falls between the two.
     void requestMediaLibrary();
+    /// From the request to the library in its place, or the failure.
+    bool isFetching() const { return m_fetches > 0; }
     /// What was read from the event stream, in pieces of any size.
     void receive(const QByteArray& bytes);
 
