@@ -3,6 +3,7 @@
 find_package(Boost 1.81 REQUIRED)
 find_package(nlohmann_json REQUIRED)
 find_package(Threads REQUIRED)
+find_package(Qt6 6.4 REQUIRED COMPONENTS Core)
 add_compile_options(-fsanitize=fuzzer-no-link,address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
 add_link_options(-fsanitize=address,undefined)
 
@@ -15,3 +16,8 @@ foreach(source IN LISTS targets)
   target_link_libraries(fuzz_${name} PRIVATE tarn)
   target_link_options(fuzz_${name} PRIVATE -fsanitize=fuzzer)
 endforeach()
+
+# The reader of the event stream is the one parser outside of tarn.
+target_sources(fuzz_eventstream PRIVATE ${CMAKE_SOURCE_DIR}/common/media/eventstream.cpp
+  ${CMAKE_SOURCE_DIR}/common/media/medialogging.cpp)
+target_link_libraries(fuzz_eventstream PRIVATE Qt6::Core)
