@@ -181,6 +181,13 @@ private Q_SLOTS:
             ++messages;
         }
         QCOMPARE(messages, accepted);
+        // The last message and the library carry the same number, so that a client can tell which was first.
+        Json last;
+        QVERIFY(Json::parseString(lines.at(lines.size() - 3).mid(5).toStdString(), last));
+        const QByteArray revision = QByteArray::number(qlonglong(last.at(0)->get("revision").asInt(-1)));
+        QVERIFY2(m_live.exchange("GET /api/brume/v1/medialibrary HTTP/1.1\r\nHost: test\r\n\r\n")
+                     .contains("ETag: \"" + revision + "\"\r\n"),
+                 revision.constData());
         QVERIFY(mirror.toJson() == parsed(m_live.request("GET", "/medialibrary").body));
 
         // A replaced library comes as what differs.
