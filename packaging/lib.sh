@@ -57,3 +57,24 @@ need_display() {
   rm -f "$fifo"
   export DISPLAY=:$number
 }
+
+# start_ombra MEDIA STATE OUTPUT LOG: a server on free ports. Its process id is then in ombra_pid, and what
+# connects halcyra to it in server_args.
+start_ombra() {
+  say "starting ombra"
+  mkdir -p "$2"
+  touch "$3"
+  "$bin_dir/ombra" --media "$1" --state "$2" --http-port 0 --link-port 0 --preview-port 0 >"$3" 2>"$4" &
+  ombra_pid=$!
+  for _ in $(seq 200); do
+    grep -q '^ombra ready' "$3" && break
+    kill -0 "$ombra_pid" 2>/dev/null || { tail -n 5 "$4" >&2; fail "ombra ended at once; its log is $4"; }
+    sleep 0.1
+  done
+  local ready name
+  ready=$(grep -m1 '^ombra ready' "$3") || fail "ombra did not get ready within 20 seconds; its log is $4"
+  server_args=(--connect 127.0.0.1)
+  for name in http link preview; do
+    server_args+=("--$name-port" "$(printf '%s' "$ready" | sed -E "s/.*$name=([0-9]+).*/\1/")")
+  done
+}

@@ -5,6 +5,8 @@
 
 #include <QGridLayout>
 
+#include <cmath>
+
 namespace vantrel {
 
 namespace {
@@ -86,7 +88,8 @@ void PlaybackTimecodes::setRemainingTimeVisible(bool visible)
 
 void PlaybackTimecodes::updateRemaining()
 {
-    const double left = m_outpoint - m_position;
+    // To the microsecond: 20 - 3.12 is a hair below 16.88, and would be shown as 16.879.
+    const double left = std::round((m_outpoint - m_position) * 1e6) / 1e6;
     m_remaining->setTime(m_hasOutpoint && left > 0.0 ? left : 0.0);
 }
 

@@ -9,6 +9,7 @@
 #include "common/session/session.h"
 #include "common/session/signalrelay.h"
 #include "common/ui/colors.h"
+#include "common/ui/fontsizefollower.h"
 #include "common/ui/iconcache.h"
 #include "common/ui/widgetmapper.h"
 #include "common/ui/ztlabel.h"
@@ -18,15 +19,20 @@
 #include "tarn/scene/scene.h"
 
 #include <QHBoxLayout>
+#include <QMap>
 #include <QStackedWidget>
 
 namespace vantrel {
 
 namespace {
 
-constexpr int leastPanelWidth = 140; // pixels, so that the window fits 1280 beside both channels
-constexpr int objectRole = 257;      // of the scene's tree model
+constexpr int objectRole = 257; // of the scene's tree model
 constexpr int sceneRole = 258;
+
+/// In pixels: the panel gives way, so that both channels fit 1280 at the medium text size and 1600 at the
+/// large one. Beside huge text they scroll anyway.
+const QMap<FontSize, int> leastPanelWidths{
+    {FontSize::Small, 140}, {FontSize::Medium, 150}, {FontSize::Large, 160}, {FontSize::Huge, 250}};
 
 } // namespace
 
@@ -36,7 +42,7 @@ PlayerPlaybackView::PlayerPlaybackView(QWidget* parent)
     , m_stack(new QStackedWidget(this))
 {
     auto* panel = new MediaPanelWidget(this);
-    panel->setMinimumWidth(leastPanelWidth);
+    followFontSize(panel, [panel](FontSize size) { panel->setMinimumWidth(leastPanelWidths.value(size)); });
     panel->setObjectName(QStringLiteral("PlayerTab-mediapanel-widget"));
     connect(panel, &MediaPanelWidget::collectionEditRequested, this,
             &PlayerPlaybackView::collectionEditRequested);

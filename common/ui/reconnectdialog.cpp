@@ -12,6 +12,7 @@ namespace {
 constexpr int dotMilliseconds = 1000;
 constexpr int maxDots = 4;
 constexpr int margin = 6;
+constexpr int padding = 14; // so narrow that the dialog covers the media panel alone
 
 } // namespace
 
@@ -25,6 +26,8 @@ ReconnectDialog::ReconnectDialog(QWidget* parent)
     setAttribute(Qt::WA_ShowWithoutActivating);
     m_label->setObjectName(QStringLiteral("ReconnectDialog-text"));
     m_label->setStyleClass(QStringLiteral("dim"));
+    m_label->setWordWrap(true);
+    layout()->setContentsMargins(padding, padding, padding, padding);
     contentLayout()->addWidget(m_label);
     setAcceptText(tr("STOP"));
     setAcceptClass(QStringLiteral("cancel"));
@@ -45,9 +48,12 @@ void ReconnectDialog::displayDialog()
 void ReconnectDialog::updateText()
 {
     m_dotTimer.start();
+    const QString text = tr("Attempting to reconnect to the server");
+    // Too narrow for the whole line: the last word stands below, whatever the number of dots.
+    m_label->ensurePolished();
+    m_label->setFixedWidth(m_label->fontMetrics().horizontalAdvance(text) - 1);
     // Blanks fill the line up, so that it keeps its width.
-    m_label->setText(tr("Attempting to reconnect to the server") + QString(m_dots, u'.') +
-                     QString(maxDots - m_dots, u' '));
+    m_label->setText(text + QString(m_dots, u'.') + QString(maxDots - m_dots, u' '));
     m_dots = (m_dots + 1) % (maxDots + 1);
 }
 
@@ -55,6 +61,7 @@ void ReconnectDialog::showEvent(QShowEvent* event)
 {
     ZTDialog::showEvent(event);
     // Above the connection's state in the status bar, away from the pictures and from TAKE.
+    adjustSize();
     const QWidget* bar = parentWidget();
     if (bar && bar->isVisible())
         move(bar->mapToGlobal(QPoint(0, -height() - margin)));

@@ -4,7 +4,7 @@
 #include "common/ui/iconcache.h"
 
 #include <QAbstractItemView>
-#include <QPainter>
+#include <QStylePainter>
 #include <QStyledItemDelegate>
 #include <QWheelEvent>
 
@@ -31,10 +31,20 @@ void ZTComboBox::wheelEvent(QWheelEvent* event)
         event->ignore();
 }
 
-void ZTComboBox::paintEvent(QPaintEvent* event)
+void ZTComboBox::paintEvent(QPaintEvent*)
 {
-    QComboBox::paintEvent(event);
-    QPainter painter(this);
+    QStylePainter painter(this);
+    QStyleOptionComboBox option;
+    initStyleOption(&option);
+    painter.drawComplexControl(QStyle::CC_ComboBox, option);
+    if (currentIndex() < 0)
+        option.currentText = placeholderText();
+    // The style would cut a long text off in the middle of a letter.
+    const QRect field =
+        style()->subControlRect(QStyle::CC_ComboBox, &option, QStyle::SC_ComboBoxEditField, this);
+    option.currentText = fontMetrics().elidedText(option.currentText, Qt::ElideRight, field.width() - 2);
+    painter.drawControl(QStyle::CE_ComboBoxLabel, option);
+
     const int side = qMin(height() / 2, 18);
     const QColor colour = colors::getColor(isEnabled() ? colors::Zt_white_70 : colors::Zt_white_30);
     painter.drawPixmap(

@@ -110,11 +110,10 @@ void MediaPanelWidget::buildHeader()
 
     m_search = new ZTEdit(this);
     m_search->setObjectNames(QStringLiteral("MediaPanel-search"));
-    m_search->setPlaceholderText(tr("Search"));
     m_search->setToolTip(tr("Lists the slots whose name, file or number holds the text (Ctrl+F)"));
     m_search->setAccessibleName(tr("Search the collection"));
     m_search->setClearButtonEnabled(true);
-    m_search->addAction(tintedIcon(QStringLiteral("search")), QLineEdit::LeadingPosition);
+    m_lens = m_search->addAction(tintedIcon(QStringLiteral("search")), QLineEdit::LeadingPosition);
     m_search->installEventFilter(this);
     auto* find = new QAction(this);
     find->setShortcut(QKeySequence::Find);
@@ -267,9 +266,8 @@ void MediaPanelWidget::updateEmptyText()
     else if (!m_model->searchText().isEmpty())
         m_view->setEmpty(QStringLiteral("search"), tr("No slot matches \"%1\".").arg(m_model->searchText()));
     else
-        m_view->setEmpty(
-            QStringLiteral("import"),
-            tr("This collection is empty. Duplicate one that holds media, or choose another."));
+        m_view->setEmpty(QStringLiteral("import"),
+                         tr("This collection is empty. Duplicate one that holds media, or choose another."));
 }
 
 void MediaPanelWidget::onActivated(const QModelIndex& index)
@@ -406,8 +404,22 @@ void MediaPanelWidget::askForRemoval()
     dialog->open();
 }
 
+/// In a narrow panel the field names itself by its text or by its lens, whichever fits whole.
+void MediaPanelWidget::fitSearch()
+{
+    const QString text = tr("Search");
+    const QFontMetrics metrics(m_search->font());
+    const int room = m_search->width() - 2 * metrics.averageCharWidth();
+    const int textWidth = metrics.horizontalAdvance(text);
+    const bool hasText = textWidth < room;
+    m_search->setPlaceholderText(hasText ? text : QString());
+    m_lens->setVisible(!hasText || textWidth + m_search->height() < room);
+}
+
 bool MediaPanelWidget::eventFilter(QObject* watched, QEvent* event)
 {
+    if (watched == m_search && event->type() == QEvent::Resize)
+        fitSearch();
     if (watched != m_search || event->type() != QEvent::KeyPress)
         return ZTFrame::eventFilter(watched, event);
     const int key = static_cast<QKeyEvent*>(event)->key();

@@ -5,6 +5,7 @@
 #include <QModelIndex>
 #include <QTimer>
 
+class QAction;
 class QMenu;
 
 namespace vantrel {
@@ -52,6 +53,7 @@ private:
     void connectModels();
     void showCollection();
     void updateChooser();
+    void fitSearch();
     void updateEmptyText();
     void onActivated(const QModelIndex& index);
     void onScrolled();
@@ -76,6 +78,7 @@ private:
     IconButton* m_menuButton = nullptr;
     QMenu* m_menu = nullptr;
     ZTEdit* m_search = nullptr;
+    QAction* m_lens = nullptr; // in the search field
     SlotListView* m_view = nullptr;
     QTimer m_scrollRest;
     QTimer m_refresh;

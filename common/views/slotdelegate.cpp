@@ -178,24 +178,29 @@ void paintThumbnail(QPainter* painter, const QRect& rect, const QModelIndex& ind
     painter->drawPixmap(rect.center() - QPoint(side / 2, side / 2), icon);
 }
 
-/// Draws the mark at the right end of the line and returns how much it took.
-int paintMark(QPainter* painter, const QRect& line, const QFont& font, const Mark& mark)
+/// Draws the mark at the right end of the line and returns how much it took. Where that leaves less than the
+/// given width to the text beside it, its colour and icon say enough.
+int paintMark(QPainter* painter, const QRect& line, const QFont& font, const Mark& mark, int textWidth)
 {
     QFont bold = font;
     bold.setWeight(QFont::DemiBold);
     const QFontMetrics metrics(bold);
     const int side = metrics.height() - 2;
-    const int width = side + metrics.horizontalAdvance(mark.text) + 10;
+    const int whole = side + metrics.horizontalAdvance(mark.text) + 10;
+    const bool isShort = whole + margin + textWidth > line.width();
+    const int width = isShort ? side + 6 : whole;
     const QRect chip(line.right() - width + 1, line.top(), width, line.height());
     painter->setBrush(getColor(mark.colour));
     painter->drawRoundedRect(chip, 3, 3);
     const QPixmap icon = IconCache::pixmap(mark.icon, getColor(colors::White), QSize(side, side),
                                            painter->device()->devicePixelRatioF());
     painter->drawPixmap(chip.left() + 3, chip.center().y() - side / 2, icon);
-    painter->setFont(bold);
-    painter->setPen(getColor(colors::White));
-    painter->drawText(chip.adjusted(side + 5, 0, -3, 0), Qt::AlignVCenter | Qt::AlignLeft, mark.text);
-    painter->setPen(Qt::NoPen);
+    if (!isShort) {
+        painter->setFont(bold);
+        painter->setPen(getColor(colors::White));
+        painter->drawText(chip.adjusted(side + 5, 0, -3, 0), Qt::AlignVCenter | Qt::AlignLeft, mark.text);
+        painter->setPen(Qt::NoPen);
+    }
     return width + margin;
 }
 
@@ -277,7 +282,9 @@ void SlotDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
     painter->drawText(layout.number, Qt::AlignRight | Qt::AlignVCenter,
                       QString::number(index.data(MediaLibraryModel::NumberRole).toInt()));
     painter->setPen(Qt::NoPen);
-    const int taken = mark ? paintMark(painter, layout.details, caption, *mark)
+    const QString length = lengthText(index);
+    const int lengthWidth = QFontMetrics(caption).horizontalAdvance(length);
+    const int taken = mark ? paintMark(painter, layout.details, caption, *mark, lengthWidth)
                            : paintWarning(painter, layout.details, state);
 
     const bool bright = mark || row.state.testFlag(QStyle::State_Selected);
@@ -292,8 +299,8 @@ void SlotDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
     painter->setFont(caption);
     painter->setPen(getColor(colors::Zt_white_50));
     const QRect details = layout.details.adjusted(0, 0, -taken, 0);
-    painter->drawText(details, Qt::AlignVCenter | Qt::AlignLeft | Qt::TextSingleLine,
-                      QFontMetrics(caption).elidedText(lengthText(index), Qt::ElideRight, details.width()));
+    if (lengthWidth <= details.width()) // a part of a time would tell another time
+        painter->drawText(details, Qt::AlignVCenter | Qt::AlignLeft | Qt::TextSingleLine, length);
     painter->restore();
 }
 

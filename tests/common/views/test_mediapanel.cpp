@@ -90,7 +90,50 @@ private Q_SLOTS:
     void movesIntoGaps();
     void asksOnlyForWhatIsSeen();
     void marksWhatPlays();
+    void marksLeaveTheNumberFree();
 };
+
+namespace {
+
+/// Preview holds slot 1, program slot 2.
+struct Marked
+{
+    Marked()
+        : panel(test::makeLibrary(1, 3))
+        , preview(&panel.mirror.playlists, &panel.mirror.provider)
+        , program(&panel.mirror.playlists, &panel.mirror.provider)
+        , states(&preview, &program, &panel.mirror.playlists, &panel.mirror.provider, nullptr)
+    {
+        preview.init();
+        program.init();
+        panel.mirror.model.setMediaStateProvider(&states);
+        preview.setMedia(QStringLiteral("brume://collections/1/slots/1"));
+        program.setMedia(QStringLiteral("brume://collections/1/slots/2"));
+        states.reset();
+    }
+
+    /// How many of a row's pixels between two columns are of a channel's colour.
+    int coloured(const QImage& image, int row, bool red, int from, int to) const
+    {
+        const QRect rect = panel.view->visualRect(panel.row(row));
+        int count = 0;
+        for (int y = rect.top(); y < rect.bottom(); ++y) {
+            for (int x = rect.left() + from; x < rect.left() + to; ++x) {
+                const QColor colour = image.pixelColor(x, y);
+                const int own = red ? colour.red() : colour.green();
+                count += own > 80 && own > 2 * (red ? colour.green() : colour.red());
+            }
+        }
+        return count;
+    }
+
+    Panel panel;
+    GUIPlayback preview;
+    GUIPlayback program;
+    MediaStateProvider states;
+};
+
+} // namespace
 
 void TestMediaPanel::followsTheLibrary()
 {
@@ -275,34 +318,32 @@ void TestMediaPanel::asksOnlyForWhatIsSeen()
 
 void TestMediaPanel::marksWhatPlays()
 {
-    Panel panel(test::makeLibrary(1, 3));
-    GUIPlayback preview(&panel.mirror.playlists, &panel.mirror.provider);
-    GUIPlayback program(&panel.mirror.playlists, &panel.mirror.provider);
-    preview.init();
-    program.init();
-    MediaStateProvider states(&preview, &program, &panel.mirror.playlists, &panel.mirror.provider, nullptr);
-    panel.mirror.model.setMediaStateProvider(&states);
-    preview.setMedia(QStringLiteral("brume://collections/1/slots/1"));
-    program.setMedia(QStringLiteral("brume://collections/1/slots/2"));
-    states.reset();
+    Marked marked;
+    marked.panel.widget.show();
+    const QImage image = marked.panel.view->viewport()->grab().toImage();
+    for (int row = 0; row < 3; ++row) {
+        QCOMPARE(marked.coloured(image, row, false, 4, 5) > 20, row == 0);
+        QCOMPARE(marked.coloured(image, row, true, 4, 5) > 20, row == 1);
+    }
+}
+
+void TestMediaPanel::marksLeaveTheNumberFree()
+{
+    Marked marked;
+    Panel& panel = marked.panel;
+    QFont huge = panel.view->font();
+    huge.setPixelSize(24);
+    panel.view->setFont(huge);
+    panel.widget.setMinimumWidth(0);
+    panel.widget.resize(150, 400);
     panel.widget.show();
     const QImage image = panel.view->viewport()->grab().toImage();
-    const auto share = [&](int row) {
-        const QRect rect = panel.view->visualRect(panel.row(row));
-        int green = 0;
-        int red = 0;
-        for (int y = rect.top(); y < rect.bottom(); ++y) {
-            const QColor colour = image.pixelColor(rect.left() + 4, y);
-            green += colour.green() > 2 * colour.red() && colour.green() > 80;
-            red += colour.red() > 2 * colour.green() && colour.red() > 80;
-        }
-        return green > 20 ? QStringLiteral("green")
-               : red > 20 ? QStringLiteral("red")
-                          : QStringLiteral("none");
-    };
-    QCOMPARE(share(0), QStringLiteral("green"));
-    QCOMPARE(share(1), QStringLiteral("red"));
-    QCOMPARE(share(2), QStringLiteral("none"));
+    const int nameLeft = 8 + 2 + 2 * QFontMetrics(huge).horizontalAdvance(u'0') + 8;
+    for (const bool red : {false, true}) {
+        const int row = red ? 1 : 0, width = panel.view->visualRect(panel.row(row)).width();
+        QCOMPARE(marked.coloured(image, row, red, 8, nameLeft), 0);
+        QVERIFY(marked.coloured(image, row, red, nameLeft, width) > 50);
+    }
 }
 
 HALCYRA_TEST(TestMediaPanel)

@@ -1,0 +1,189 @@
+#!/usr/bin/env python3
+"""Takes the pictures of docs/screens, each of a window of its own on an Xvfb of its own. See make-screens.sh."""
+import argparse
+import base64
+import os
+import pathlib
+import signal
+import subprocess
+import sys
+import tempfile
+import time
+
+from robot import Robot, port_of
+
+SIZES = {"small": 0, "medium": 1, "large": 2, "huge": 3}
+
+
+class Window:
+    """A halcyra that fills a screen of so many pixels, with settings of its own."""
+
+    def __init__(self, options, text="medium", size=(1600, 1000), scale=1, connect=True):
+        self.size = [pixels * scale for pixels in size]
+        self.home = tempfile.TemporaryDirectory()
+        settings = pathlib.Path(self.home.name, "Halcyra", "halcyra.ini")
+        settings.parent.mkdir()
+        settings.write_text(f"[General]\nTEXT_SIZE={SIZES[text]}\n", encoding="utf-8")
+        number, say = os.pipe()
+        screen = f"{self.size[0]}x{self.size[1]}x24"
+        self.xvfb = subprocess.Popen(
+            ["Xvfb", "-displayfd", str(say), "-screen", "0", screen, "-dpi", "96", "-nolisten", "tcp"],
+            pass_fds=[say], stderr=subprocess.DEVNULL)
+        os.close(say)
+        with os.fdopen(number) as display:
+            self.display = ":" + display.readline().strip()
+        output = pathlib.Path(self.home.name, "output")
+        environment = dict(os.environ, DISPLAY=self.display, XDG_CONFIG_HOME=self.home.name,
+                           QT_QPA_PLATFORM="xcb", QT_SCALE_FACTOR=str(scale))
+        with open(output, "w", encoding="utf-8") as file:
+            self.app = subprocess.Popen(
+                [options.bin, "--ui-test", "--ui-test-port", "0"] + (options.server if connect else []),
+                env=environment, stdout=file, stderr=subprocess.DEVNULL)
+        self.robot = Robot(port_of(output))
+        self.robot.ask(operation="raise", objectName="MainWindow")
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *_):
+        for process in (self.app, self.xvfb):
+            process.terminate()
+            process.wait(20)
+        self.home.cleanup()
+
+    def click(self, name):
+        self.robot.mouse("click", self.robot.find(name))
+
+    def cue(self, row):
+        self.robot.mouse("double_click", self.robot.slot(row))
+        location = "Preview-PlaybackWidget-Header-MediaLocation"
+        wait(lambda: self.robot.find(location)["text"] == f"1-{row + 1}:", "the cued slot")
+
+    def type_into(self, name, text):
+        self.robot.mouse("double_click", self.robot.find(name))
+        for key in ["CtrlA", *text, "Enter"]:
+            self.robot.ask(operation="key_press", keyName=key)
+
+    def run_show(self):
+        """Walk-in loop on program, the clock on preview."""
+        self.click("TakeControls-DirectCut-Button")
+        self.cue(0)
+        self.click("TakeControls-Copy-Button")
+        self.click("TakeControls-Take-Button")
+        wait(lambda: self.robot.find("Program-PlaybackWidget-Header-MediaLocation")["text"] == "1-1:", "the take")
+        self.cue(3)
+        self.click("TakeControls-Crossfade-Button")
+        self.click("TakeControls-Swap-Button")
+        time.sleep(2)
+        self.rest()
+
+    def rest(self):
+        """Nothing under the mouse, and no tooltip."""
+        self.robot.mouse("move_to", self.robot.find("StatusBar"))
+        time.sleep(0.7)
+
+    def shoot(self, file):
+        size = f"{self.size[0]}x{self.size[1]}"
+        subprocess.run(
+            ["ffmpeg", "-v", "error", "-nostdin", "-y", "-f", "x11grab", "-draw_mouse", "0", "-video_size", size,
+             "-i", self.display, "-frames:v", "1", "-pix_fmt", "rgb24", "-pred", "mixed",
+             "-compression_level", "100", str(file)], check=True)
+
+    def shoot_widget(self, name, file):
+        png = self.robot.ask(operation="grab", objectName=name, maxResults=1)[0]["png"]
+        file.write_bytes(base64.b64decode(png))
+
+
+def wait(condition, what):
+    deadline = time.monotonic() + 20
+    while not condition():
+        if time.monotonic() > deadline:
+            sys.exit(f"waited in vain for {what}")
+        time.sleep(0.1)
+
+
+def player(options, name, **how):
+    with Window(options, **how) as window:
+        window.run_show()
+        window.shoot(options.out / f"{name}.png")
+
+
+def at_double_scale(options):
+    with Window(options, scale=2) as window:
+        window.run_show()
+        window.shoot(options.out / "player-scale-200.png")
+        window.shoot_widget("PlayerTab-mediapanel-widget", options.out / "media-panel.png")
+
+
+def still(options):
+    with Window(options) as window:
+        window.run_show()
+        window.cue(4)
+        window.click("Preview-PlaybackWidget-DurationEdit-Input-manual-duration-button")
+        window.robot.ask(operation="focus", objectName="Preview-PlaybackWidget-DurationEdit-Time")
+        for key in ("Enter", "1", "2", "Enter"):
+            window.robot.ask(operation="key_press", keyName=key)
+        window.click("Preview-PlaybackControls-Play")
+        time.sleep(2)
+        window.rest()
+        window.shoot(options.out / "still.png")
+
+
+def take(options):
+    with Window(options) as window:
+        window.run_show()
+        window.type_into("TakeControls-Duration", "8")
+        window.click("TakeControls-Take-Button")
+        window.robot.find("TakeProgressBar")
+        window.rest()
+        time.sleep(3)
+        window.shoot(options.out / "take.png")
+
+
+def connect(options):
+    with Window(options, connect=False) as window:
+        window.robot.find("ConnectDialog")
+        time.sleep(3)
+        window.shoot(options.out / "connect.png")
+
+
+def reconnect(options):
+    with Window(options) as window:
+        window.run_show()
+        os.kill(options.ombra, signal.SIGKILL)
+        window.robot.find("ReconnectDialog")
+        time.sleep(1)
+        window.shoot(options.out / "reconnect.png")
+
+
+SCREENS = {
+    "player-small": lambda options: player(options, "player-small", text="small"),
+    "player-medium": lambda options: player(options, "player-medium"),
+    "player-large": lambda options: player(options, "player-large", text="large"),
+    "player-huge": lambda options: player(options, "player-huge", text="huge"),
+    "player-medium-1280x720": lambda options: player(options, "player-medium-1280x720", size=(1280, 720)),
+    "player-huge-1280x720": lambda options: player(options, "player-huge-1280x720", text="huge", size=(1280, 720)),
+    "player-scale-200": at_double_scale,
+    "still": still,
+    "take": take,
+    "connect": connect,
+    "reconnect": reconnect,  # ends the server
+}
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__)
+    parser.add_argument("--bin", required=True, help="the application")
+    parser.add_argument("--out", required=True, type=pathlib.Path, help="folder of the pictures")
+    parser.add_argument("--ombra", required=True, type=int, help="process id of the server")
+    parser.add_argument("--only", choices=SCREENS, action="append", help="one picture; may be given again")
+    parser.add_argument("server", nargs="+", help="arguments that connect the application to the server")
+    options = parser.parse_args()
+    options.out.mkdir(parents=True, exist_ok=True)
+    for name, shoot in SCREENS.items():
+        if not options.only or name in options.only:
+            print(f"==> {name}", file=sys.stderr)
+            shoot(options)
+
+
+main()
