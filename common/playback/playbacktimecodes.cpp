@@ -5,8 +5,6 @@
 
 #include <QGridLayout>
 
-#include <cmath>
-
 namespace vantrel {
 
 namespace {
@@ -88,8 +86,7 @@ void PlaybackTimecodes::setRemainingTimeVisible(bool visible)
 
 void PlaybackTimecodes::updateRemaining()
 {
-    // To the microsecond: 20 - 3.12 is a hair below 16.88, and would be shown as 16.879.
-    const double left = std::round((m_outpoint - m_position) * 1e6) / 1e6;
+    const double left = m_outpoint - m_position;
     m_remaining->setTime(m_hasOutpoint && left > 0.0 ? left : 0.0);
 }
 

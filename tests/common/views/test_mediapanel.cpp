@@ -115,10 +115,10 @@ struct Marked
     /// How many of a row's pixels between two columns are of a channel's colour.
     int coloured(const QImage& image, int row, bool red, int from, int to) const
     {
-        const QRect rect = panel.view->visualRect(panel.row(row));
+        const QRect rect = panel.view->visualRect(panel.row(row)).intersected(image.rect());
         int count = 0;
         for (int y = rect.top(); y < rect.bottom(); ++y) {
-            for (int x = rect.left() + from; x < rect.left() + to; ++x) {
+            for (int x = rect.left() + from; x < std::min(rect.left() + to, rect.right()); ++x) {
                 const QColor colour = image.pixelColor(x, y);
                 const int own = red ? colour.red() : colour.green();
                 count += own > 80 && own > 2 * (red ? colour.green() : colour.red());
