@@ -85,14 +85,15 @@ bool RobotClient::doubleClick(const QString& objectName)
     return mouse(QStringLiteral("double_click"), waitFor(objectName));
 }
 
-bool RobotClient::mouseAt(const QString& operation, const QString& objectName, double share)
+QJsonObject RobotClient::pointOf(const QString& objectName, double share)
 {
     QJsonObject target = waitFor(objectName);
-    const int width = target["width"].toInt();
-    const int off = static_cast<int>(share * (width - 1)) - target["local_x"].toInt();
-    for (const char* axis : {"global_x", "local_x"})
-        target[QLatin1String(axis)] = target[QLatin1String(axis)].toInt() + off;
-    return width > 0 && mouse(operation, target);
+    const int off = static_cast<int>(share * (target["width"].toInt() - 1)) - target["local_x"].toInt();
+    for (const QString axis : {"global_x", "local_x"}) {
+        if (!target.isEmpty())
+            target[axis] = target[axis].toInt() + off;
+    }
+    return target;
 }
 
 QJsonArray RobotClient::cells(const QString& view)

@@ -31,9 +31,15 @@ public:
 
     bool click(const QString& objectName);
     bool doubleClick(const QString& objectName);
-    /// A mouse operation ("click", "drag_start", "drag_move", ...) at a share of the widget's width, 0 to 1,
-    /// at half its height.
-    bool mouseAt(const QString& operation, const QString& objectName, double share);
+    /// A point of the widget at a share of its width, 0 to 1, and at half its height; empty when there is
+    /// none.
+    QJsonObject pointOf(const QString& objectName, double share);
+    /// A mouse operation ("click", "drag_start", "drag_move", ...) at the place of what was found.
+    bool mouse(const QString& operation, const QJsonObject& target);
+    bool mouseAt(const QString& operation, const QString& objectName, double share)
+    {
+        return mouse(operation, pointOf(objectName, share));
+    }
     /// A cell of an item view, "<view>-row<row>-col<column>", once it is there.
     bool doubleClickCell(const QString& view, int row, int column, int msLimit = 15000);
     bool clickCell(const QString& view, int row, int column);
@@ -50,7 +56,6 @@ public:
     QJsonObject figures(bool reset = false);
 
 private:
-    bool mouse(const QString& operation, const QJsonObject& target);
     QJsonObject waitForCell(const QString& view, int row, int column, int msLimit);
 
     std::unique_ptr<QTcpSocket> m_socket;
