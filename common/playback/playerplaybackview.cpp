@@ -90,7 +90,7 @@ QWidget* PlayerPlaybackView::createEmptyState()
     layout->addWidget(icon, 0, Qt::AlignHCenter);
     layout->addWidget(m_emptyTitle, 0, Qt::AlignHCenter);
     layout->addWidget(m_emptyHint);
-    layout->addStretch(2);
+    layout->addStretch(5); // above the connect dialog, which opens in the middle
     return page;
 }
 
@@ -141,7 +141,7 @@ void PlayerPlaybackView::updateState()
     m_emptyTitle->setText(isConnected ? tr("Waiting for the server") : tr("Not connected"));
     m_emptyHint->setText(isConnected ? tr("The server has not told of a channel yet.")
                                      : tr("Choose \"Connect to server...\" in the menu, or click "
-                                          "\"Server Connection\" below, to see its channels."));
+                                          "\"Disconnected\" below, to see its channels."));
     m_lostNotice->setVisible(!isConnected);
     m_stack->setCurrentIndex(m_channelCount > 0 ? 1 : 0);
 }
