@@ -6,6 +6,10 @@
 
 #include <cmath>
 
+extern "C" {
+#include <libavutil/pixdesc.h>
+}
+
 namespace vantrel::ombra {
 
 namespace {
@@ -34,10 +38,53 @@ bool soundDecodes(const AvInput& input)
     return false;
 }
 
+std::string textOf(const char* text)
+{
+    return text ? text : "";
+}
+
+ColorSpace colorSpaceOf(const AVCodecParameters& pictures)
+{
+    switch (pictures.color_space) {
+    case AVCOL_SPC_RGB:
+        return ColorSpace::Rgb;
+    case AVCOL_SPC_BT709:
+        return ColorSpace::Bt709;
+    case AVCOL_SPC_BT470BG:
+    case AVCOL_SPC_SMPTE170M:
+        return ColorSpace::Bt601;
+    case AVCOL_SPC_BT2020_NCL:
+    case AVCOL_SPC_BT2020_CL:
+        return ColorSpace::Bt2020;
+    case AVCOL_SPC_SMPTE240M:
+        return ColorSpace::Smpte240m;
+    case AVCOL_SPC_FCC:
+        return ColorSpace::Fcc;
+    case AVCOL_SPC_YCGCO:
+        return ColorSpace::YCgCo;
+    default:
+        break;
+    }
+    // Stills seldom say it, but their pixels do.
+    const AVPixFmtDescriptor* format = av_pix_fmt_desc_get(static_cast<AVPixelFormat>(pictures.format));
+    const bool isRgb = format && (format->flags & (AV_PIX_FMT_FLAG_RGB | AV_PIX_FMT_FLAG_PAL));
+    return isRgb ? ColorSpace::Rgb : ColorSpace::Unknown;
+}
+
+/// What the stream says of itself, or else what the whole file does where there is nothing beside it.
+std::int64_t bitRateOf(const AvInput& input)
+{
+    const std::int64_t own = input.video()->codecpar->bit_rate;
+    if (own > 0 || input.format()->nb_streams > 1)
+        return std::max<std::int64_t>(own, 0);
+    return std::max<std::int64_t>(input.format()->bit_rate, 0);
+}
+
 void describeSound(const AvInput& input, MediaInfo& info)
 {
     const AVCodecParameters& sound = *input.audio()->codecpar;
     info.audioCodec = avcodec_get_name(sound.codec_id);
+    info.audioProfile = textOf(avcodec_profile_name(sound.codec_id, sound.profile));
     info.audioChannels = sound.ch_layout.nb_channels;
     info.sampleRate = sound.sample_rate;
     info.unsupportedAudio = avcodec_find_decoder(sound.codec_id) == nullptr;
@@ -47,7 +94,14 @@ void describePictures(const AvInput& input, MediaInfo& info)
 {
     const AVCodecParameters& pictures = *input.video()->codecpar;
     info.codec = avcodec_get_name(pictures.codec_id);
+    info.profile = textOf(avcodec_profile_name(pictures.codec_id, pictures.profile));
+    info.colorSpace = colorSpaceOf(pictures);
+    info.pixelFormat = textOf(av_get_pix_fmt_name(static_cast<AVPixelFormat>(pictures.format)));
     const bool turned = input.quarterTurns() % 2;
+    const AVRational aspect = av_guess_sample_aspect_ratio(input.format(), input.video(), nullptr);
+    if (aspect.num > 0 && aspect.den > 0)
+        info.pixelAspect =
+            turned ? Rational<int>{aspect.den, aspect.num} : Rational<int>{aspect.num, aspect.den};
     info.width = turned ? pictures.height : pictures.width;
     info.height = turned ? pictures.width : pictures.height;
     if (input.isStill()) {
@@ -57,6 +111,7 @@ void describePictures(const AvInput& input, MediaInfo& info)
     }
     info.type = MediaType::VideoFile;
     info.fps = input.fps();
+    info.bitRate = bitRateOf(input);
     info.duration = input.duration();
     info.frames =
         input.video()->nb_frames > 0 ? input.video()->nb_frames : std::llround(info.duration * info.fps);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tarn/media/enums.h"
+#include "tarn/media/rational.h"
 
 #include <cstdint>
 #include <filesystem>
@@ -17,8 +18,14 @@ struct MediaInfo
     double fps = 0;      // pictures a second; 0 without moving pictures
     int width = 0;       // pixels as shown, that is, after rotation
     int height = 0;
-    std::string codec;      // of the pictures, or of the sound where there are none
-    std::string audioCodec; // empty without sound
+    Rational<int> pixelAspect{1, 1};
+    ColorSpace colorSpace = ColorSpace::Unknown;
+    std::string pixelFormat;
+    std::int64_t bitRate = 0; // of the pictures, bits a second; 0 where nothing tells
+    std::string codec;        // of the pictures, or of the sound where there are none
+    std::string profile;      // of the codec; often empty
+    std::string audioCodec;   // empty without sound
+    std::string audioProfile;
     int audioChannels = 0;
     int sampleRate = 0; // Hz
     bool playable = false;

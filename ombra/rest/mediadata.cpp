@@ -7,7 +7,13 @@
 
 #include <boost/asio/post.hpp>
 
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <cstdio>
+#include <fcntl.h>
 #include <optional>
+#include <sys/stat.h>
 
 namespace vantrel::ombra {
 
@@ -31,6 +37,79 @@ std::optional<std::string> stampOf(const std::filesystem::path& file)
     return std::to_string(time.time_since_epoch().count()) + "/" + std::to_string(size);
 }
 
+/// The bytes of all pictures of a sequence together.
+std::int64_t bytesOf(const SequencePattern& pattern)
+{
+    std::int64_t bytes = 0;
+    std::error_code code;
+    const std::filesystem::path folder = std::filesystem::path(pattern.prefix).parent_path();
+    for (std::filesystem::directory_iterator it(folder, code), end; !code && it != end; it.increment(code)) {
+        const std::string name = it->path().string();
+        if (!name.starts_with(pattern.prefix) || !name.ends_with(pattern.suffix))
+            continue;
+        std::error_code gone;
+        const auto size = it->file_size(gone);
+        bytes += gone ? 0 : static_cast<std::int64_t>(size);
+    }
+    return bytes;
+}
+
+/// When the file came to this disk and when it was last written, and its bytes; for a sequence the dates are
+/// those of its last picture.
+void describeFile(const std::filesystem::path& file, MediaMetadata& metadata)
+{
+    std::error_code code;
+    std::filesystem::path seen = file;
+    std::optional<std::int64_t> bytes;
+    const auto pattern = parseSequencePattern(file);
+    if (pattern && !std::filesystem::exists(file, code)) {
+        const auto range = findSequenceRange(*pattern);
+        if (!range)
+            return;
+        bytes = bytesOf(*pattern);
+        seen = pattern->file(range->second);
+    }
+    struct statx status
+    {
+    };
+    if (statx(AT_FDCWD, seen.c_str(), 0, STATX_BTIME | STATX_MTIME | STATX_SIZE, &status) != 0)
+        return;
+    metadata.setFileSize(bytes.value_or(static_cast<std::int64_t>(status.stx_size)));
+    metadata.setModified(DateTime(status.stx_mtime.tv_sec));
+    if (status.stx_mask & STATX_BTIME)
+        metadata.setImported(DateTime(status.stx_btime.tv_sec));
+}
+
+MediaMetadata::Pictures picturesOf(const MediaInfo& info)
+{
+    MediaMetadata::Pictures pictures;
+    pictures.width = info.width;
+    pictures.height = info.height;
+    pictures.pixelAspect = info.pixelAspect;
+    pictures.codec = info.codec;
+    pictures.colorSpace = info.colorSpace;
+    pictures.pixelFormat = info.pixelFormat;
+    return pictures;
+}
+
+/// "AAC" and "LC, 48 kHz"; "PCM S16LE" and "44.1 kHz".
+MediaMetadata::Audio soundOf(const MediaInfo& info)
+{
+    MediaMetadata::Audio audio;
+    audio.codec = info.audioCodec;
+    std::ranges::transform(audio.codec, audio.codec.begin(), [](unsigned char c) {
+        return c == '_' ? ' ' : static_cast<char>(std::toupper(c));
+    });
+    audio.description = info.audioProfile;
+    if (info.sampleRate > 0) {
+        std::array<char, 32> rate{};
+        std::snprintf(rate.data(), rate.size(), "%g kHz", info.sampleRate / 1000.0);
+        audio.description += (audio.description.empty() ? "" : ", ") + std::string(rate.data());
+    }
+    audio.channels = info.audioChannels;
+    return audio;
+}
+
 HttpReply describe(const std::filesystem::path& file)
 {
     std::string error;
@@ -42,12 +121,20 @@ HttpReply describe(const std::filesystem::path& file)
         metadata.addCaveat(MediaCaveat::UnsupportedAudio);
     if (info->duration > 0)
         metadata.setDuration(info->duration);
-    if (info->width > 0 && info->height > 0)
-        metadata.setSize(info->width, info->height);
-    if (info->fps > 0)
-        metadata.setFrameRate(info->fps);
-    metadata.setCodec(info->codec);
-    metadata.setAudioCodec(info->audioCodec);
+    if (info->type == MediaType::ImageFile || info->type == MediaType::ImageSequence) {
+        metadata.setImage(picturesOf(*info));
+    } else if (info->width > 0 && info->height > 0) {
+        MediaMetadata::Pictures video = picturesOf(*info);
+        video.profile = info->profile;
+        if (info->fps > 0)
+            video.frameRate = info->fps;
+        if (info->bitRate > 0)
+            video.bitRate = info->bitRate;
+        metadata.setVideo(std::move(video));
+    }
+    if (!info->audioCodec.empty())
+        metadata.setAudio(soundOf(*info));
+    describeFile(file, metadata);
     if (!info->playable)
         metadata.setError(error);
     return {.body = metadata.toJson().toString()};

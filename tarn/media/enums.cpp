@@ -48,6 +48,10 @@ constexpr Row<SourceMode> sourceModes[] = {
     {SourceMode::None, "none"}, {SourceMode::Slot, "slot"}, {SourceMode::Playlist, "playlist"}};
 constexpr Row<SourcePlayState> playStates[] = {
     {SourcePlayState::Play, "play"}, {SourcePlayState::Pause, "pause"}, {SourcePlayState::Stop, "stop"}};
+constexpr Row<ColorSpace> colorSpaces[] = {
+    {ColorSpace::Unknown, "unknown"}, {ColorSpace::Rgb, "RGB"},        {ColorSpace::Bt601, "BT.601"},
+    {ColorSpace::Bt709, "BT.709"},    {ColorSpace::Bt2020, "BT.2020"}, {ColorSpace::Smpte240m, "SMPTE 240M"},
+    {ColorSpace::Fcc, "FCC"},         {ColorSpace::YCgCo, "YCgCo"}};
 constexpr Row<AudioPlaybackDevice> audioDevices[] = {{AudioPlaybackDevice::Off, "off"},
                                                      {AudioPlaybackDevice::Embedded, "embedded"},
                                                      {AudioPlaybackDevice::Xlr, "xlr"},
@@ -94,6 +98,11 @@ template <>
 constexpr std::span<const Row<SourcePlayState>> table()
 {
     return playStates;
+}
+template <>
+constexpr std::span<const Row<ColorSpace>> table()
+{
+    return colorSpaces;
 }
 template <>
 constexpr std::span<const Row<AudioPlaybackDevice>> table()
@@ -152,6 +161,10 @@ const char* toStr(SourcePlayState value)
 {
     return textOf(value);
 }
+const char* toStr(ColorSpace value)
+{
+    return textOf(value);
+}
 const char* toStr(AudioPlaybackDevice value)
 {
     return textOf(value);
@@ -197,6 +210,7 @@ TARN_INSTANTIATE(MediaDurationType)
 TARN_INSTANTIATE(MediaType)
 TARN_INSTANTIATE(SourceMode)
 TARN_INSTANTIATE(SourcePlayState)
+TARN_INSTANTIATE(ColorSpace)
 TARN_INSTANTIATE(AudioPlaybackDevice)
 
 #undef TARN_INSTANTIATE

@@ -32,6 +32,17 @@ enum class MediaType : std::int32_t {
 enum class SourceMode : std::int32_t { None = 0, Slot = 1, Playlist = 2 };
 enum class SourcePlayState : std::int32_t { Play = 0, Pause = 1, Stop = 2 };
 enum class MediaCaveat : std::int32_t { UnsupportedAudio = 0 };
+/// The matrix by which pictures hold their colours.
+enum class ColorSpace : std::int32_t {
+    Unknown = 0,
+    Rgb = 1,
+    Bt601 = 2,
+    Bt709 = 3,
+    Bt2020 = 4,
+    Smpte240m = 5,
+    Fcc = 6,
+    YCgCo = 7
+};
 /// Where a channel's sound goes; the scene holds the text.
 enum class AudioPlaybackDevice : std::int32_t { Embedded = 1, Xlr = 2, Dante = 3, Off = 4 };
 /// The channel selector of the application: which of the two playbacks a widget or a model is about.
@@ -47,6 +58,7 @@ const char* toStr(MediaDurationType value);
 const char* toStr(MediaType value);
 const char* toStr(SourcePlayState value);     // "play", "pause", "stop"
 const char* toStr(SourceMode value);          // "none", "slot", "playlist"
+const char* toStr(ColorSpace value);          // "unknown", "BT.709", ...: also for the operator
 const char* toStr(AudioPlaybackDevice value); // "off" when unknown, "embedded", "xlr", "dante"
 
 /// True, and the value in out, when the text is one of the enumeration's texts exactly.

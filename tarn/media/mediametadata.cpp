@@ -1,10 +1,27 @@
 #include "tarn/media/mediametadata.h"
 
+#include <limits>
+
 namespace vantrel {
 
 namespace {
 
 constexpr std::string_view unsupportedAudio = "unsupportedAudio";
+constexpr std::int64_t maxCount = 1'000'000;
+
+/// A member of a record: absent and null are the same; false when it is of another type or out of bounds.
+template <typename T>
+bool readWhole(const Json& json, std::string_view key, std::optional<T>& out, std::int64_t minimum,
+               std::int64_t maximum)
+{
+    const Json* value = json.find(key);
+    if (!value || value->isNull())
+        return true;
+    if (value->type() != JsonType::Int || value->asInt() < minimum || value->asInt() > maximum)
+        return false;
+    out = static_cast<T>(value->asInt());
+    return true;
+}
 
 bool readNumber(const Json& json, std::string_view key, std::optional<double>& out)
 {
@@ -17,17 +34,6 @@ bool readNumber(const Json& json, std::string_view key, std::optional<double>& o
     return true;
 }
 
-bool readCount(const Json& json, std::string_view key, std::optional<int>& out)
-{
-    const Json* value = json.find(key);
-    if (!value || value->isNull())
-        return true;
-    if (value->type() != JsonType::Int || value->asInt(-1) < 0 || value->asInt() > 1'000'000)
-        return false;
-    out = static_cast<int>(value->asInt());
-    return true;
-}
-
 bool readText(const Json& json, std::string_view key, std::string& out)
 {
     const Json* value = json.find(key);
@@ -36,6 +42,71 @@ bool readText(const Json& json, std::string_view key, std::string& out)
     if (!value->isString())
         return false;
     out = value->stringView();
+    return true;
+}
+
+bool readDate(const Json& json, std::string_view key, std::optional<DateTime>& out)
+{
+    std::optional<std::int64_t> seconds;
+    if (!readWhole(json, key, seconds, std::numeric_limits<std::int64_t>::min(),
+                   std::numeric_limits<std::int64_t>::max()))
+        return false;
+    if (seconds)
+        out = DateTime(*seconds);
+    return true;
+}
+
+bool readAspect(const Json& json, std::optional<Rational<int>>& out)
+{
+    const Json* value = json.find("pixelAspect");
+    if (!value || value->isNull())
+        return true;
+    if (!value->isArray() || value->size() != 2)
+        return false;
+    Rational<int> ratio;
+    for (int i = 0; i < 2; ++i) {
+        const Json& part = *value->at(i);
+        if (part.type() != JsonType::Int || part.asInt() < 1 || part.asInt() > maxCount)
+            return false;
+        (i == 0 ? ratio.num : ratio.den) = static_cast<int>(part.asInt());
+    }
+    out = ratio;
+    return true;
+}
+
+bool readPictures(const Json& json, std::string_view key, std::optional<MediaMetadata::Pictures>& out)
+{
+    const Json* value = json.find(key);
+    if (!value || value->isNull())
+        return true;
+    MediaMetadata::Pictures read;
+    std::string space;
+    if (!value->isObject() || !readWhole(*value, "width", read.width, 0, maxCount) ||
+        !readWhole(*value, "height", read.height, 0, maxCount) || !readAspect(*value, read.pixelAspect) ||
+        !readText(*value, "codec", read.codec) || !readText(*value, "colorSpace", space) ||
+        !readText(*value, "pixelFormat", read.pixelFormat) || !readText(*value, "profile", read.profile) ||
+        !readNumber(*value, "frameRate", read.frameRate) ||
+        !readWhole(*value, "bitRate", read.bitRate, 0, std::numeric_limits<std::int64_t>::max()))
+        return false;
+    if (!space.empty())
+        read.colorSpace = enumFromText<ColorSpace>(space);
+    out = std::move(read);
+    return true;
+}
+
+bool readAudio(const Json& json, std::optional<MediaMetadata::Audio>& out)
+{
+    const Json* value = json.find("audio");
+    if (!value || value->isNull())
+        return true;
+    MediaMetadata::Audio read;
+    std::optional<int> channels;
+    if (!value->isObject() || !readText(*value, "codec", read.codec) ||
+        !readText(*value, "description", read.description) ||
+        !readWhole(*value, "channels", channels, 0, maxCount))
+        return false;
+    read.channels = channels.value_or(0);
+    out = std::move(read);
     return true;
 }
 
@@ -66,6 +137,38 @@ Json orNull(const std::string& text)
     return text.empty() ? Json() : Json(text);
 }
 
+Json orNull(const std::optional<DateTime>& time)
+{
+    return time ? Json(time->secondsSinceEpoch()) : Json();
+}
+
+Json orNull(const std::optional<MediaMetadata::Pictures>& pictures)
+{
+    if (!pictures)
+        return {};
+    Json aspect;
+    if (pictures->pixelAspect)
+        aspect = Json::array({pictures->pixelAspect->num, pictures->pixelAspect->den});
+    return Json::object({{"width", orNull(pictures->width)},
+                         {"height", orNull(pictures->height)},
+                         {"pixelAspect", aspect},
+                         {"frameRate", orNull(pictures->frameRate)},
+                         {"codec", orNull(pictures->codec)},
+                         {"profile", orNull(pictures->profile)},
+                         {"colorSpace", toStr(pictures->colorSpace)},
+                         {"pixelFormat", orNull(pictures->pixelFormat)},
+                         {"bitRate", orNull(pictures->bitRate)}});
+}
+
+Json orNull(const std::optional<MediaMetadata::Audio>& audio)
+{
+    if (!audio)
+        return {};
+    return Json::object({{"codec", orNull(audio->codec)},
+                         {"description", orNull(audio->description)},
+                         {"channels", audio->channels}});
+}
+
 } // namespace
 
 bool MediaMetadata::parseJson(const Json& json)
@@ -79,9 +182,11 @@ bool MediaMetadata::parseJson(const Json& json)
         return false;
     parsed.m_playable = playable->asBool();
     if (!readCaveats(json, parsed.m_caveats) || !readNumber(json, "duration", parsed.m_duration) ||
-        !readNumber(json, "frameRate", parsed.m_frameRate) || !readCount(json, "width", parsed.m_width) ||
-        !readCount(json, "height", parsed.m_height) || !readText(json, "codec", parsed.m_codec) ||
-        !readText(json, "audioCodec", parsed.m_audioCodec) || !readText(json, "error", parsed.m_error))
+        !readPictures(json, "video", parsed.m_video) || !readPictures(json, "image", parsed.m_image) ||
+        !readAudio(json, parsed.m_audio) ||
+        !readWhole(json, "fileSize", parsed.m_fileSize, 0, std::numeric_limits<std::int64_t>::max()) ||
+        !readDate(json, "imported", parsed.m_imported) || !readDate(json, "modified", parsed.m_modified) ||
+        !readText(json, "error", parsed.m_error))
         return false;
     *this = std::move(parsed);
     return true;
@@ -96,11 +201,12 @@ Json MediaMetadata::toJson() const
                          {"isPlayable", m_playable},
                          {"caveats", caveats},
                          {"duration", orNull(m_duration)},
-                         {"width", orNull(m_width)},
-                         {"height", orNull(m_height)},
-                         {"frameRate", orNull(m_frameRate)},
-                         {"codec", orNull(m_codec)},
-                         {"audioCodec", orNull(m_audioCodec)},
+                         {"video", orNull(m_video)},
+                         {"image", orNull(m_image)},
+                         {"audio", orNull(m_audio)},
+                         {"fileSize", orNull(m_fileSize)},
+                         {"imported", orNull(m_imported)},
+                         {"modified", orNull(m_modified)},
                          {"error", orNull(m_error)}});
 }
 

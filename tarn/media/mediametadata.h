@@ -1,7 +1,9 @@
 #pragma once
 
 #include "tarn/json/json.h"
+#include "tarn/media/datetime.h"
 #include "tarn/media/enums.h"
+#include "tarn/media/rational.h"
 
 #include <optional>
 #include <string>
@@ -10,12 +12,33 @@
 namespace vantrel {
 
 /// What the server knows of one media file. JSON form, all members but "type" and "isPlayable" optional or
-/// null:
-/// {"type", "isPlayable", "caveats": [text], "duration", "width", "height", "frameRate", "codec",
-/// "audioCodec", "error"}.
+/// null: {"type", "isPlayable", "caveats": [text], "duration", "error", "fileSize", "imported", "modified",
+/// "video": {"width", "height", "pixelAspect": [number, number], "frameRate", "codec", "profile",
+/// "colorSpace", "pixelFormat", "bitRate"}, "image": {as far as it is a still's}, "audio": {"codec",
+/// "description", "channels"}}. Dates are seconds since 1970, UTC.
 class MediaMetadata
 {
 public:
+    /// Of moving pictures, or of a still; numbers that nobody knows are absent, and texts empty.
+    struct Pictures
+    {
+        std::optional<int> width; // pixels
+        std::optional<int> height;
+        std::optional<Rational<int>> pixelAspect;
+        std::string codec; // a still's format
+        ColorSpace colorSpace = ColorSpace::Unknown;
+        std::string pixelFormat;
+        std::string profile;                 // the three below are of moving pictures alone
+        std::optional<double> frameRate;     // pictures a second
+        std::optional<std::int64_t> bitRate; // bits a second
+    };
+    struct Audio
+    {
+        std::string codec;
+        std::string description; // what tells it from others of its codec
+        int channels = 0;
+    };
+
     /// Stands for a caveat whose text this version does not know.
     static constexpr MediaCaveat unknownCaveat{-1};
 
@@ -33,26 +56,25 @@ public:
     MediaType getMediaType() const noexcept { return m_type; }
     bool getIsPlayable() const noexcept { return m_playable; }
     const std::unordered_set<MediaCaveat>& getCaveats() const noexcept { return m_caveats; }
-    std::optional<double> getDuration() const noexcept { return m_duration; }   // seconds
-    std::optional<int> getWidth() const noexcept { return m_width; }            // pixels
-    std::optional<int> getHeight() const noexcept { return m_height; }          // pixels
-    std::optional<double> getFrameRate() const noexcept { return m_frameRate; } // frames a second
-    const std::string& getCodec() const noexcept { return m_codec; }
-    const std::string& getAudioCodec() const noexcept { return m_audioCodec; }
+    std::optional<double> getDuration() const noexcept { return m_duration; } // seconds
+    const std::optional<Pictures>& getVideo() const noexcept { return m_video; }
+    const std::optional<Pictures>& getImage() const noexcept { return m_image; } // also of a sequence
+    const std::optional<Audio>& getAudio() const noexcept { return m_audio; }
+    std::optional<std::int64_t> getFileSize() const noexcept { return m_fileSize; } // bytes
+    std::optional<DateTime> getImported() const noexcept { return m_imported; }
+    std::optional<DateTime> getModified() const noexcept { return m_modified; }
     const std::string& getError() const noexcept { return m_error; } // why it cannot be played
 
     void setMediaType(MediaType type) { m_type = type; }
     void setIsPlayable(bool playable) { m_playable = playable; }
     void addCaveat(MediaCaveat caveat) { m_caveats.insert(caveat); }
     void setDuration(std::optional<double> seconds) { m_duration = seconds; }
-    void setSize(int width, int height)
-    {
-        m_width = width;
-        m_height = height;
-    }
-    void setFrameRate(std::optional<double> rate) { m_frameRate = rate; }
-    void setCodec(std::string name) { m_codec = std::move(name); }
-    void setAudioCodec(std::string name) { m_audioCodec = std::move(name); }
+    void setVideo(std::optional<Pictures> video) { m_video = std::move(video); }
+    void setImage(std::optional<Pictures> image) { m_image = std::move(image); }
+    void setAudio(std::optional<Audio> audio) { m_audio = std::move(audio); }
+    void setFileSize(std::optional<std::int64_t> bytes) { m_fileSize = bytes; }
+    void setImported(std::optional<DateTime> time) { m_imported = time; }
+    void setModified(std::optional<DateTime> time) { m_modified = time; }
     void setError(std::string text) { m_error = std::move(text); }
 
 private:
@@ -60,11 +82,12 @@ private:
     bool m_playable = false;
     std::unordered_set<MediaCaveat> m_caveats;
     std::optional<double> m_duration;
-    std::optional<int> m_width;
-    std::optional<int> m_height;
-    std::optional<double> m_frameRate;
-    std::string m_codec;
-    std::string m_audioCodec;
+    std::optional<Pictures> m_video;
+    std::optional<Pictures> m_image;
+    std::optional<Audio> m_audio;
+    std::optional<std::int64_t> m_fileSize;
+    std::optional<DateTime> m_imported;
+    std::optional<DateTime> m_modified;
     std::string m_error;
 };
 

@@ -32,8 +32,12 @@ private Q_SLOTS:
                                QStringLiteral("sine=d=2:r=48000")};
         QVERIFY(m_media.make(TestMedia::numbered(2, QStringLiteral("320x180")) + tone + TestMedia::h264(12) +
                                  QStringList{QStringLiteral("-c:a"), QStringLiteral("aac"),
-                                             QStringLiteral("-ac"), QStringLiteral("2")},
+                                             QStringLiteral("-ac"), QStringLiteral("2"),
+                                             QStringLiteral("-colorspace"), QStringLiteral("bt709")},
                              QStringLiteral("clip.mp4")));
+        QVERIFY(m_media.make(TestMedia::colour(QStringLiteral("red"), 1) + TestMedia::h264(12) +
+                                 QStringList{QStringLiteral("-aspect"), QStringLiteral("64:27")},
+                             QStringLiteral("wide.mp4")));
         QVERIFY(m_media.make(tone, QStringLiteral("tone.wav")));
         QVERIFY(m_media.make(TestMedia::colour(QStringLiteral("red"), 1) +
                                  QStringList{QStringLiteral("-frames:v"), QStringLiteral("1")},
@@ -54,14 +58,21 @@ private Q_SLOTS:
         QTest::addColumn<int>("frames");
         QTest::addColumn<QSize>("size");
         QTest::addColumn<QByteArray>("codecs");
+        QTest::addColumn<QByteArray>("pictures");
         QTest::newRow("video") << QByteArray("clip.mp4") << int(MediaType::VideoFile) << 2.0 << 50
-                               << QSize(320, 180) << QByteArray("h264 aac 2 48000");
+                               << QSize(320, 180) << QByteArray("h264 aac 2 48000")
+                               << QByteArray("Main LC yuv420p BT.709 1:1");
+        QTest::newRow("wide pixels") << QByteArray("wide.mp4") << int(MediaType::VideoFile) << 1.0 << 25
+                                     << QSize(160, 90) << QByteArray("h264  0 0")
+                                     << QByteArray("Main  yuv420p unknown 4:3");
         QTest::newRow("sound") << QByteArray("tone.wav") << int(MediaType::AudioFile) << 2.0 << 0
-                               << QSize(0, 0) << QByteArray("pcm_s16le pcm_s16le 1 48000");
+                               << QSize(0, 0) << QByteArray("pcm_s16le pcm_s16le 1 48000")
+                               << QByteArray("   unknown 1:1");
         QTest::newRow("still") << QByteArray("still.png") << int(MediaType::ImageFile) << 0.0 << 1
-                               << QSize(160, 90) << QByteArray("png  0 0");
+                               << QSize(160, 90) << QByteArray("png  0 0") << QByteArray("  rgb24 RGB 1:1");
         QTest::newRow("sequence") << QByteArray("seq_%04d.png") << int(MediaType::ImageSequence) << 0.4 << 10
-                                  << QSize(160, 90) << QByteArray("png  0 0");
+                                  << QSize(160, 90) << QByteArray("png  0 0")
+                                  << QByteArray("  rgb24 RGB 1:1");
     }
 
     void tellsWhatAFileHolds()
@@ -80,6 +91,11 @@ private Q_SLOTS:
                                   QByteArray::number(info->audioChannels) + ' ' +
                                   QByteArray::number(info->sampleRate);
         QTEST(codecs, "codecs");
+        const QByteArray pictures =
+            QByteArray::fromStdString(info->profile + " " + info->audioProfile + " " + info->pixelFormat +
+                                      " " + toStr(info->colorSpace) + " " + info->pixelAspect.toString());
+        QTEST(pictures, "pictures");
+        QVERIFY((info->bitRate > 1000) == (info->type == MediaType::VideoFile));
     }
 
     void damagedFilesAreNotPlayable()

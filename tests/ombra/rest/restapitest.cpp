@@ -4,7 +4,9 @@
 #include "tests/support/testmain.h"
 #include "tests/support/testmedia.h"
 
+#include <QDateTime>
 #include <QFile>
+#include <QFileInfo>
 #include <QImage>
 
 using namespace vantrel;
@@ -245,7 +247,12 @@ private Q_SLOTS:
         QVERIFY2(metadata.parseJson(parsed(described.body)), described.body.constData());
         QVERIFY(metadata.getIsPlayable());
         QCOMPARE(metadata.getMediaType(), MediaType::VideoFile);
-        QCOMPARE(metadata.getWidth().value_or(0), 320);
+        QVERIFY(metadata.getVideo() && !metadata.getImage());
+        QCOMPARE(metadata.getVideo()->width.value_or(0), 320);
+        QCOMPARE(metadata.getFileSize().value_or(0), QFileInfo(file).size());
+        QCOMPARE(metadata.getModified().value_or(DateTime()).secondsSinceEpoch(),
+                 QFileInfo(file).lastModified().toSecsSinceEpoch());
+        QVERIFY(metadata.getImported().value_or(DateTime()) <= DateTime(QDateTime::currentSecsSinceEpoch()));
         QVERIFY(qAbs(metadata.getDuration().value_or(0) - 2) < 0.1);
         const QImage picture = QImage::fromData(m_live.request("GET", "/thumbnails/" + query).body, "JPG");
         QVERIFY(test::alike(test::quadrantsOf(picture), colours));
