@@ -4,6 +4,7 @@
 #include "common/playback/takecontrols.h"
 #include "common/ui/fontsizefollower.h"
 #include "common/ui/ztsplitter.h"
+#include "common/views/playlistwidget.h"
 #include "tarn/scene/object.h"
 
 #include <QHBoxLayout>
@@ -35,9 +36,14 @@ ChannelWidget::ChannelWidget(QWidget* parent)
 {
     setWindowTitle(tr("Channel Playback"));
     m_previewSplitter->addWidget(m_preview);
+    m_previewSplitter->addWidget(new PlaylistWidget(Preview, m_previewSplitter));
     m_programSplitter->addWidget(m_program);
-    for (ZTSplitter* splitter : {m_previewSplitter, m_programSplitter})
+    m_programSplitter->addWidget(new PlaylistWidget(Program, m_programSplitter));
+    for (ZTSplitter* splitter : {m_previewSplitter, m_programSplitter}) {
         splitter->setChildrenCollapsible(false);
+        splitter->setStretchFactor(0, 3);
+        splitter->setStretchFactor(1, 1);
+    }
 
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);

@@ -1,0 +1,118 @@
+#include "common/views/playlistwidget.h"
+
+#include "common/media/mediadataaggregator.h"
+#include "common/media/medialibraryprovider.h"
+#include "common/media/playbackmodel.h"
+#include "common/media/playlistprovider.h"
+#include "common/media/singlemediamodel.h"
+#include "common/session/session.h"
+#include "common/session/signalrelay.h"
+#include "common/ui/dynamicstyle.h"
+#include "common/ui/navbutton.h"
+#include "common/ui/navigationbar.h"
+#include "common/ui/stackedtabwidget.h"
+#include "common/ui/ztlabel.h"
+#include "common/views/singlemediawidget.h"
+
+#include <QVBoxLayout>
+
+namespace vantrel {
+
+namespace {
+
+constexpr int leastHeight = 72; // pixels
+
+} // namespace
+
+PlaylistWidget::PlaylistWidget(PlaybackViewMode mode, QWidget* parent)
+    : ZTFrame(parent)
+    , m_mode(mode)
+{
+    const bool isPreview = mode == Preview;
+    setObjectName(isPreview ? QStringLiteral("Preview-PlaylistWidget")
+                            : QStringLiteral("Program-PlaylistWidget"));
+    setDynamicStyle(this, "class", QStringLiteral("panel"));
+    setDynamicStyle(this, "mode", isPreview ? QStringLiteral("preview") : QStringLiteral("program"));
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(8, 0, 8, 8);
+    layout->setSpacing(4);
+    if (isPreview)
+        buildPreview();
+    else
+        buildProgram();
+}
+
+QSize PlaylistWidget::minimumSizeHint() const
+{
+    return {0, leastHeight};
+}
+
+void PlaylistWidget::buildPreview()
+{
+    m_navigationBar = new NavigationBar(this);
+    m_tabs = new StackedTabWidget(this);
+    m_tabs->addPage(createPlaylistPage());
+    m_tabs->addPage(createSingleMediaPage());
+    const auto addTab = [this](Tab tab, const QString& text, const QString& tip, const char* name) {
+        auto* button = new NavButton(text, {}, m_navigationBar);
+        button->setObjectName(QLatin1String(name));
+        button->setToolTip(tip);
+        m_navigationBar->addTab(tab, button);
+    };
+    addTab(PlaylistEditorTab, tr("Playlist editor"), tr("The playlist on preview"),
+           "Preview-PlaylistEditor-Button");
+    addTab(SingleMediaTab, tr("Single media"), tr("All about the media on preview"),
+           "Preview-SingleMedia-Button");
+    m_navigationBar->addSpacer();
+    layout()->addWidget(m_navigationBar);
+    static_cast<QVBoxLayout*>(layout())->addWidget(m_tabs, 1);
+    connect(m_navigationBar, &NavigationBar::tabSelected, m_tabs, &QStackedWidget::setCurrentIndex);
+    connect(Session::instance()->signalRelay(), &SignalRelay::setNavBar, m_navigationBar,
+            [this](uint tab) { m_navigationBar->setActiveTab(static_cast<int>(tab)); });
+    // As long as there are no playlists to edit, the other page has more to say.
+    m_navigationBar->setActiveTab(SingleMediaTab);
+}
+
+void PlaylistWidget::buildProgram()
+{
+    auto* title = new ZTLabel(tr("PGM playlist"), this);
+    title->setObjectName(QStringLiteral("Program-PlaylistEditor-title"));
+    title->setStyleClass(QStringLiteral("section"));
+    title->setContentsMargins(0, 8, 0, 4);
+    layout()->addWidget(title);
+    static_cast<QVBoxLayout*>(layout())->addWidget(createPlaylistPage(), 1);
+}
+
+QWidget* PlaylistWidget::createPlaylistPage()
+{
+    auto* label = new ZTLabel(tr("Playlists are not part of this version yet."), this);
+    label->setObjectName(objectName() + QStringLiteral("-empty"));
+    label->setStyleClass(QStringLiteral("dim"));
+    label->setAlignment(Qt::AlignCenter);
+    label->setWordWrap(true);
+    return label;
+}
+
+QWidget* PlaylistWidget::createSingleMediaPage()
+{
+    const Session* session = Session::instance();
+    auto* model = new SingleMediaModel(session->mediaDataAggregator(), session->playlistProvider(),
+                                       session->mediaLibraryProvider(), this);
+    const PlaybackModel* channel = session->previewPlaybackModel();
+    const auto follow = [model, channel] {
+        const QString media = channel->index(0, PlaybackModel::MediaUrlColumn).data().toString();
+        if (media != model->mediaAddress())
+            model->setMediaAddress(media);
+    };
+    connect(channel, &QAbstractItemModel::dataChanged, model, follow);
+    connect(channel, &QAbstractItemModel::modelReset, model, follow);
+    follow();
+    return new SingleMediaWidget(model, session->mediaDataAggregator(), this);
+}
+
+int PlaylistWidget::currentTab() const
+{
+    return m_tabs ? m_tabs->currentIndex() : -1;
+}
+
+} // namespace vantrel

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "common/ui/ztframe.h"
+#include "tarn/media/enums.h"
+
+namespace vantrel {
+
+class NavigationBar;
+class SingleMediaModel;
+class StackedTabWidget;
+
+/// What stands under a channel. On preview the playlist editor and all about the single media on the channel,
+/// behind two tabs; on program its playlist. Owned by ChannelWidget; main thread.
+class PlaylistWidget : public ZTFrame
+{
+    Q_OBJECT
+
+public:
+    enum Tab : int { PlaylistEditorTab = 0, SingleMediaTab = 1 };
+
+    explicit PlaylistWidget(PlaybackViewMode mode, QWidget* parent = nullptr);
+
+    PlaybackViewMode mode() const { return m_mode; }
+    /// The tab shown; -1 on program, which has none.
+    int currentTab() const;
+    QSize minimumSizeHint() const override;
+
+private:
+    void buildPreview();
+    void buildProgram();
+    QWidget* createPlaylistPage();
+    QWidget* createSingleMediaPage();
+
+    PlaybackViewMode m_mode;
+    StackedTabWidget* m_tabs = nullptr;
+    NavigationBar* m_navigationBar = nullptr;
+};
+
+} // namespace vantrel

@@ -1,0 +1,236 @@
+#include "common/views/singlemediawidget.h"
+
+#include "common/media/guimediaslot.h"
+#include "common/media/mediadataaggregator.h"
+#include "common/media/mediasloteditfunctional.h"
+#include "common/session/configuration.h"
+#include "common/ui/elidedlabel.h"
+#include "common/ui/fontsizefollower.h"
+#include "common/ui/ztcombobox.h"
+#include "common/views/thumbnaillabel.h"
+
+#include <QGridLayout>
+#include <QScrollArea>
+#include <QVBoxLayout>
+
+#include <array>
+
+namespace vantrel {
+
+namespace {
+
+using Column = SingleMediaModel::Column;
+
+// Long texts have a row of their own; the others stand side by side where there is room.
+constexpr std::array firstRows{SingleMediaModel::NameColumn, SingleMediaModel::LocationColumn};
+constexpr std::array leftRows{SingleMediaModel::DurationColumn, SingleMediaModel::MediaTypeColumn,
+                              SingleMediaModel::VideoColumn,    SingleMediaModel::WidthColumn,
+                              SingleMediaModel::HeightColumn,   SingleMediaModel::AspectColumn,
+                              SingleMediaModel::FpsColumn};
+constexpr std::array rightRows{SingleMediaModel::BitRateColumn,    SingleMediaModel::FileSizeColumn,
+                               SingleMediaModel::ColorSpaceColumn, SingleMediaModel::PixelFormatColumn,
+                               SingleMediaModel::AudioColumn,      SingleMediaModel::ChannelsColumn};
+constexpr std::array lastRows{SingleMediaModel::ImportedColumn, SingleMediaModel::ModifiedColumn,
+                              SingleMediaModel::PlaylistColumn, SingleMediaModel::CollectionColumn};
+constexpr int wideWidth = 520; // pixels at the Medium text size
+
+constexpr std::array modes{ScaleMode::Default,  ScaleMode::Fit,        ScaleMode::Clip,
+                           ScaleMode::Stretch,  ScaleMode::Centered,   ScaleMode::TopLeft,
+                           ScaleMode::TopRight, ScaleMode::BottomLeft, ScaleMode::BottomRight};
+
+ZTLabel* makeTitle(const QString& text, QWidget* parent)
+{
+    auto* label = new ZTLabel(text, parent);
+    label->setStyleClass(QStringLiteral("dim"));
+    return label;
+}
+
+} // namespace
+
+SingleMediaWidget::SingleMediaWidget(SingleMediaModel* model, MediaDataAggregator* aggregator,
+                                     QWidget* parent)
+    : ZTFrame(parent)
+    , m_model(model)
+    , m_aggregator(aggregator)
+    , m_empty(new ZTLabel(this))
+    , m_area(new QScrollArea(this))
+{
+    setObjectName(QStringLiteral("Preview-SingleMedia"));
+    m_empty->setObjectName(QStringLiteral("Preview-SingleMedia-empty"));
+    m_empty->setStyleClass(QStringLiteral("dim"));
+    m_empty->setAlignment(Qt::AlignCenter);
+    m_empty->setWordWrap(true);
+    m_area->setFrameShape(QFrame::NoFrame);
+    m_area->setFocusPolicy(Qt::NoFocus);
+    m_area->setWidgetResizable(true);
+    m_area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    m_area->setWidget(createPage());
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 4, 0, 0);
+    layout->addWidget(m_empty, 1);
+    layout->addWidget(m_area, 1);
+
+    connect(m_model, &QAbstractItemModel::modelReset, this, &SingleMediaWidget::refresh);
+    connect(m_model, &QAbstractItemModel::dataChanged, this, &SingleMediaWidget::refresh);
+    if (m_aggregator) {
+        const auto onThumbnail = [this](const QUrl& url) {
+            if (url == m_model->contentUrl())
+                showThumbnail();
+        };
+        connect(m_aggregator, &MediaDataAggregator::thumbnailChanged, this, onThumbnail);
+        connect(m_aggregator, &MediaDataAggregator::thumbnailInvalidated, this, onThumbnail);
+    }
+    refresh();
+}
+
+QWidget* SingleMediaWidget::createPage()
+{
+    auto* page = new QWidget(m_area);
+    for (int column = 0; column < SingleMediaModel::ScalingColumn; ++column)
+        m_titles.insert(column, makeTitle(m_model->headerData(column, Qt::Horizontal).toString(), page));
+    for (int column = 0; column < SingleMediaModel::ScalingColumn; ++column) {
+        if (column == SingleMediaModel::UsedInColumn)
+            continue;
+        auto* value = new ElidedLabel(page);
+        value->setObjectName(QStringLiteral("Preview-SingleMedia-value-%1").arg(column));
+        value->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+        m_values.insert(column, value);
+    }
+    m_values[SingleMediaModel::LocationColumn]->setElideMode(Qt::ElideMiddle);
+    m_usedIn = new ZTLabel(page);
+    m_usedIn->setObjectName(QStringLiteral("Preview-SingleMedia-used-in"));
+    m_usedIn->setWordWrap(true);
+    m_usedIn->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Minimum);
+
+    m_grid = new QGridLayout;
+    m_grid->setHorizontalSpacing(12);
+    m_grid->setVerticalSpacing(2);
+    auto* layout = new QHBoxLayout(page);
+    layout->setContentsMargins(0, 0, 4, 0);
+    layout->setSpacing(16);
+    layout->addWidget(createPictureColumn(page), 0, Qt::AlignTop);
+    layout->addLayout(m_grid, 1);
+    arrange(true);
+    return page;
+}
+
+void SingleMediaWidget::arrange(bool wide)
+{
+    m_wide = wide;
+    while (QLayoutItem* item = m_grid->takeAt(0))
+        delete item;
+    const int span = wide ? 3 : 1;
+    int row = 0;
+    const auto add = [this](int column, int at, int side, int width) {
+        m_grid->addWidget(m_titles.value(column), at, side);
+        m_grid->addWidget(m_values.value(column), at, side + 1, 1, width);
+    };
+    for (const int column : firstRows)
+        add(column, row++, 0, span);
+    int right = row;
+    for (const int column : leftRows)
+        add(column, row++, 0, 1);
+    for (const int column : rightRows)
+        add(column, wide ? right++ : row++, wide ? 2 : 0, 1);
+    for (const int column : lastRows)
+        add(column, row++, 0, span);
+    m_grid->addWidget(m_titles.value(SingleMediaModel::UsedInColumn), row, 0, Qt::AlignTop);
+    m_grid->addWidget(m_usedIn, row, 1, 1, span);
+    m_grid->setColumnStretch(1, 2);
+    m_grid->setColumnStretch(3, wide ? 3 : 0);
+    // A row that is empty in one arrangement must not push the other apart.
+    for (int i = 0; i < m_grid->rowCount(); ++i)
+        m_grid->setRowStretch(i, 0);
+    m_grid->setRowStretch(row + 1, 1);
+}
+
+void SingleMediaWidget::resizeEvent(QResizeEvent* event)
+{
+    ZTFrame::resizeEvent(event);
+    if (const bool wide = width() >= scaled(wideWidth, currentFontSize()); wide != m_wide)
+        arrange(wide);
+}
+
+QWidget* SingleMediaWidget::createPictureColumn(QWidget* page)
+{
+    auto* column = new QWidget(page);
+    m_thumbnail = new ThumbnailLabel(column);
+    m_thumbnail->setObjectName(QStringLiteral("Preview-SingleMedia-thumbnail"));
+    m_scaling = new ZTComboBox(column);
+    m_scaling->setObjectNames(QStringLiteral("Preview-SingleMedia-scaling"));
+    m_scaling->setToolTip(tr("How the picture of this slot is fitted to the output"));
+    m_scaling->setAccessibleName(tr("Scaling"));
+    m_scaling->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+    for (const ScaleMode mode : modes)
+        m_scaling->addItem(scaleModeToPrettyString(mode), static_cast<int>(mode));
+    connect(m_scaling, &QComboBox::activated, this, &SingleMediaWidget::onScalingChosen);
+
+    auto* layout = new QVBoxLayout(column);
+    layout->setContentsMargins(0, 2, 0, 0);
+    layout->setSpacing(4);
+    layout->addWidget(m_thumbnail);
+    layout->addSpacing(4);
+    const auto title = m_model->headerData(SingleMediaModel::ScalingColumn, Qt::Horizontal).toString();
+    layout->addWidget(makeTitle(title, column));
+    layout->addWidget(m_scaling);
+    return column;
+}
+
+QString SingleMediaWidget::shownValue(Column column) const
+{
+    if (column == SingleMediaModel::UsedInColumn)
+        return m_usedIn->text();
+    const ElidedLabel* label = m_values.value(column);
+    return label ? label->text() : QString();
+}
+
+void SingleMediaWidget::refresh()
+{
+    const bool hasMedia = !m_model->contentUrl().isEmpty();
+    const bool hasData = m_model->index(0, SingleMediaModel::NameColumn).data().isValid();
+    m_empty->setText(hasMedia
+                         ? tr("The server is reading this media.")
+                         : tr("Nothing is on preview. Double-click a slot of the media library to cue it."));
+    m_empty->setVisible(!hasData);
+    m_area->setVisible(hasData);
+    if (!hasData)
+        return;
+    showValues();
+    showThumbnail();
+    showScaling();
+}
+
+void SingleMediaWidget::showValues()
+{
+    for (auto it = m_values.cbegin(); it != m_values.cend(); ++it)
+        it.value()->setText(m_model->index(0, it.key()).data().toString());
+    const QStringList uses = m_model->index(0, SingleMediaModel::UsedInColumn).data().toStringList();
+    m_usedIn->setText(uses.isEmpty() ? QStringLiteral("-") : uses.join(u'\n'));
+}
+
+void SingleMediaWidget::showThumbnail()
+{
+    const ThumbnailPtr thumbnail = m_aggregator ? m_aggregator->thumbnail(m_model->contentUrl()) : nullptr;
+    m_thumbnail->setPixmap(thumbnail ? *thumbnail : QPixmap());
+}
+
+void SingleMediaWidget::showScaling()
+{
+    const auto slot = m_model->getMediaSlotPtr();
+    m_scaling->setEnabled(slot != nullptr);
+    m_scaling->setCurrentIndex(slot ? m_scaling->findData(static_cast<int>(slot->scaleMode())) : -1);
+}
+
+void SingleMediaWidget::onScalingChosen(int row)
+{
+    const auto slot = m_model->getMediaSlotPtr();
+    if (!slot)
+        return;
+    const auto mode = static_cast<ScaleMode>(m_scaling->itemData(row).toInt());
+    if (mode != slot->scaleMode())
+        MediaSlotEditFunctional::setScalingMode({slot->address().collection, slot->address().slot, true},
+                                                mode);
+    showScaling(); // the server's word decides
+}
+
+} // namespace vantrel
