@@ -1,12 +1,14 @@
 #include "common/playback/mutebutton.h"
 
+#include "common/ui/hotkeytip.h"
+
 namespace vantrel {
 
 MuteButton::MuteButton(QWidget* parent)
     : IconButton(parent)
 {
     setToggleIcons(QStringLiteral(":/icons/muted.svg"), QStringLiteral(":/icons/unmuted.svg"));
-    setToolTip(tr("Playback control: Toggle audio mute"));
+    setHotkeyTip(this, tr("Playback control: Toggle audio mute"), {QStringLiteral("mute_program")});
     setAccessibleName(tr("Mute"));
     connect(this, &QPushButton::clicked, this, &MuteButton::muteStateChanged);
 }

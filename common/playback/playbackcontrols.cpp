@@ -5,6 +5,7 @@
 #include "common/command/playback/stepcommand.h"
 #include "common/playback/playbacklogging.h"
 #include "common/session/session.h"
+#include "common/ui/hotkeytip.h"
 #include "common/ui/iconbutton.h"
 #include "tarn/scene/object.h"
 
@@ -27,6 +28,7 @@ struct ButtonSpec
     const char* icon;
     const char* suffix;
     const char* tip;
+    const char* hotkey; // its name in the key map, or none
     void (PlaybackControls::*action)();
 };
 
@@ -34,27 +36,27 @@ constexpr std::array<ButtonSpec, 9> specs{{
     {"mc_set_inpoint", "SetInpoint",
      QT_TRANSLATE_NOOP("vantrel::PlaybackControls",
                        "Playback control: Set inpoint to current playhead position"),
-     &PlaybackControls::handleSetInpoint},
+     "set_inpoint", &PlaybackControls::handleSetInpoint},
     {"mc_seek_inpoint", "SeekInpoint",
-     QT_TRANSLATE_NOOP("vantrel::PlaybackControls", "Playback control: Seek to inpoint"),
+     QT_TRANSLATE_NOOP("vantrel::PlaybackControls", "Playback control: Seek to inpoint"), "seek_inpoint",
      &PlaybackControls::handleSeekInpoint},
     {"mc_previous", "Previous", QT_TRANSLATE_NOOP("vantrel::PlaybackControls", "Playback control: Previous"),
-     &PlaybackControls::handlePrevious},
+     "", &PlaybackControls::handlePrevious},
     {"mc_pause", "Pause", QT_TRANSLATE_NOOP("vantrel::PlaybackControls", "Playback control: Pause"),
-     &PlaybackControls::handlePause},
+     "play_pause", &PlaybackControls::handlePause},
     {"mc_play", "Play", QT_TRANSLATE_NOOP("vantrel::PlaybackControls", "Playback control: Play"),
-     &PlaybackControls::handlePlay},
-    {"mc_stop", "Stop", QT_TRANSLATE_NOOP("vantrel::PlaybackControls", "Playback control: Stop"),
+     "play_pause", &PlaybackControls::handlePlay},
+    {"mc_stop", "Stop", QT_TRANSLATE_NOOP("vantrel::PlaybackControls", "Playback control: Stop"), "",
      &PlaybackControls::handleStop},
-    {"mc_next", "Next", QT_TRANSLATE_NOOP("vantrel::PlaybackControls", "Playback control: Next"),
+    {"mc_next", "Next", QT_TRANSLATE_NOOP("vantrel::PlaybackControls", "Playback control: Next"), "",
      &PlaybackControls::handleNext},
     {"mc_seek_outpoint", "SeekOutpoint",
-     QT_TRANSLATE_NOOP("vantrel::PlaybackControls", "Playback control: Seek to outpoint"),
+     QT_TRANSLATE_NOOP("vantrel::PlaybackControls", "Playback control: Seek to outpoint"), "seek_outpoint",
      &PlaybackControls::handleSeekOutpoint},
     {"mc_set_outpoint", "SetOutpoint",
      QT_TRANSLATE_NOOP("vantrel::PlaybackControls",
                        "Playback control: Set outpoint to current playhead position"),
-     &PlaybackControls::handleSetOutpoint},
+     "set_outpoint", &PlaybackControls::handleSetOutpoint},
 }};
 
 } // namespace
@@ -76,7 +78,7 @@ PlaybackControls::PlaybackControls(PlaybackViewMode viewMode, QWidget* parent)
             new IconButton(icon + QStringLiteral(".svg"), icon + QStringLiteral("_disabled.svg"), this);
         button->setObjectName(channel + QStringLiteral("-PlaybackControls-") + QLatin1String(spec.suffix));
         button->setSizes(buttonSizes);
-        button->setToolTip(tr(spec.tip));
+        setHotkeyTip(button, tr(spec.tip), {QLatin1String(spec.hotkey)});
         button->setAccessibleName(tr(spec.tip));
         if (i == Pause || i == Play || i == Stop)
             button->setCheckable(true);
@@ -130,6 +132,24 @@ void PlaybackControls::setSeekButtonsEnabled(bool enabled)
 {
     for (IconButton* button : seekButtons())
         button->setEnabled(enabled);
+}
+
+bool PlaybackControls::canSeekPoints() const
+{
+    return m_buttons[SeekIn]->isEnabled();
+}
+
+bool PlaybackControls::canSetPoints() const
+{
+    return m_buttons[SetIn]->isEnabled() && !m_buttons[SetIn]->isHidden();
+}
+
+void PlaybackControls::handlePlayPause()
+{
+    if (m_state == QLatin1String("play"))
+        handlePause();
+    else
+        handlePlay();
 }
 
 void PlaybackControls::handleSetInpoint()

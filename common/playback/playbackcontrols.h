@@ -33,8 +33,12 @@ public:
     void setObject(Object* object);
     void setSeekButtonsVisible(bool visible);
     void setSeekButtonsEnabled(bool enabled);
+    /// Whether the media and the channel have points to seek to, and to set.
+    bool canSeekPoints() const;
+    bool canSetPoints() const;
 
 public Q_SLOTS:
+    void handlePlayPause();
     void handleSeekInpoint();
     void handleSetInpoint();
     void handlePrevFrame();

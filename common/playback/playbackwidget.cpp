@@ -23,6 +23,7 @@
 #include "common/session/session.h"
 #include "common/ui/colors.h"
 #include "common/ui/dynamicstyle.h"
+#include "common/ui/hotkeytip.h"
 #include "common/ui/propertiesmapper.h"
 #include "tarn/scene/scene.h"
 
@@ -77,6 +78,8 @@ void PlaybackWidget::createChildren()
     m_durationEdit = new DurationEditWidget(this);
     m_footer = new PlaybackWidgetFooter(m_viewMode, this);
     m_slider->setInpointOutpointEnabled(isPreview());
+    setHotkeyTip(m_slider, tr("Seek bar: drag the playhead, or step a frame"),
+                 {QStringLiteral("prev_frame"), QStringLiteral("next_frame")});
     if (!isPreview())
         m_slider->setMarkerColor(colors::getColor(colors::Zt_red));
     m_durationEdit->setEnabled(isPreview());
@@ -179,6 +182,11 @@ void PlaybackWidget::setHasValidMedia(bool valid)
     m_controls->setEnabled(valid);
     m_slider->setEnabled(valid);
     m_hasValidMedia = valid;
+}
+
+MuteButton* PlaybackWidget::muteButton() const
+{
+    return m_header->muteButton();
 }
 
 double PlaybackWidget::modelSeconds(int column) const

@@ -17,6 +17,7 @@ class EndpointTimecodes;
 class GUIPlayback;
 class GuiMediaItem;
 class MediaMetadata;
+class MuteButton;
 class Object;
 class Path;
 class PlaybackControls;
@@ -61,6 +62,8 @@ public:
     PlaybackPreview* preview() const { return m_preview; }
     PlaybackControls* controls() const { return m_controls; }
     SeekSlider* slider() const { return m_slider; }
+    /// Null on preview.
+    MuteButton* muteButton() const;
 
 public Q_SLOTS:
     /// Takes the library's mark off the slot that was on this channel.

@@ -5,11 +5,13 @@
 #include "common/media/mediautils.h"
 #include "common/playback/channelwidget.h"
 #include "common/playback/playbacklogging.h"
+#include "common/playback/playerkeys.h"
 #include "common/session/objecttreemodel.h"
 #include "common/session/session.h"
 #include "common/session/signalrelay.h"
 #include "common/ui/colors.h"
 #include "common/ui/fontsizefollower.h"
+#include "common/ui/hotkeys.h"
 #include "common/ui/iconcache.h"
 #include "common/ui/widgetmapper.h"
 #include "common/ui/ztlabel.h"
@@ -68,6 +70,8 @@ PlayerPlaybackView::PlayerPlaybackView(QWidget* parent)
         updateState();
     });
     connectSession();
+    if (Hotkeys* hotkeys = Session::instance()->hotkeys())
+        m_keys = new PlayerKeys(hotkeys, this);
     updateState();
 }
 
@@ -130,8 +134,11 @@ void PlayerPlaybackView::setModel(const QModelIndex& channels)
 void PlayerPlaybackView::onWidgetAdded(QWidget* widget, const QModelIndex& index)
 {
     ++m_channelCount;
-    if (auto* channel = qobject_cast<ChannelWidget*>(widget))
+    if (auto* channel = qobject_cast<ChannelWidget*>(widget)) {
         channel->setObject(index.data(objectRole).value<Object*>(), index.data(sceneRole).value<Scene*>());
+        if (m_keys)
+            m_keys->addChannel(channel);
+    }
     updateState();
 }
 

@@ -8,6 +8,7 @@ class QStackedWidget;
 namespace vantrel {
 
 class MediaPanelWidget;
+class PlayerKeys;
 class WidgetMapper;
 class ZTLabel;
 
@@ -42,6 +43,7 @@ private:
     ZTLabel* m_emptyTitle = nullptr;
     ZTLabel* m_emptyHint = nullptr;
     ZTLabel* m_lostNotice = nullptr;
+    PlayerKeys* m_keys = nullptr; // none where there are no hotkeys
     int m_channelCount = 0;
 };
 

@@ -1,6 +1,7 @@
 #include "common/playback/takebutton.h"
 
 #include "common/ui/dynamicstyle.h"
+#include "common/ui/hotkeytip.h"
 
 #include <QFocusEvent>
 #include <QGraphicsDropShadowEffect>
@@ -22,7 +23,7 @@ TakeButton::TakeButton(QWidget* parent)
     , m_shadow(new QGraphicsDropShadowEffect(this))
 {
     setObjectName(QStringLiteral("Take"));
-    setToolTip(tr("Perform take"));
+    setHotkeyTip(this, tr("Perform take"), {QStringLiteral("take")});
     setAccessibleName(tr("Take"));
     setCursor(Qt::PointingHandCursor);
     setFocusPolicy(Qt::StrongFocus);

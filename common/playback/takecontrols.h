@@ -45,6 +45,7 @@ public:
 
     /// The channel, or null; what was chosen so far stays with the group it was chosen under.
     void setObject(Object* object, Scene* scene);
+    TakeButton* takeButton() const { return m_takeButton; }
     void updateDurationEditReadOnlyState();
     QString getConfigGroup() const;
     void saveButtonStates();

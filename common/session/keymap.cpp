@@ -23,8 +23,16 @@ QMap<QString, QVariant> defaultKeymap()
         {"zoom_in", QKeySequence::ZoomIn},
         {"zoom_out", QKeySequence::ZoomOut},
     };
+    static constexpr std::pair<const char*, Qt::Key> playerKeys[] = {
+        {"play_pause", Qt::Key_Space},  {"set_inpoint", Qt::Key_I},     {"set_outpoint", Qt::Key_O},
+        {"seek_inpoint", Qt::Key_Home}, {"seek_outpoint", Qt::Key_End}, {"prev_frame", Qt::Key_Comma},
+        {"next_frame", Qt::Key_Period}, {"cue", Qt::Key_Return},        {"take", Qt::Key_F12},
+        {"mute_program", Qt::Key_M},
+    };
     QMap<QString, QVariant> keymap;
     for (const auto& [name, key] : keys)
+        keymap.insert(QString::fromLatin1(name), QVariant::fromValue(QKeySequence(key)));
+    for (const auto& [name, key] : playerKeys)
         keymap.insert(QString::fromLatin1(name), QVariant::fromValue(QKeySequence(key)));
     return keymap;
 }

@@ -6,7 +6,8 @@
 
 namespace vantrel {
 
-/// The key map a fresh installation starts with: a name to a QKeySequence, the platform's standard keys.
+/// The key map a fresh installation starts with: a name to a QKeySequence, the platform's standard keys and
+/// those of the player.
 QMap<QString, QVariant> defaultKeymap();
 
 } // namespace vantrel

@@ -73,17 +73,24 @@ QShortcut* Hotkeys::shortcut(const QString& name) const
 void Hotkeys::addMapping(const QString& name, const QKeySequence& sequence)
 {
     m_keymap.insert(name, QVariant::fromValue(sequence));
+    Q_EMIT mappingChanged(name);
 }
 
 QShortcut* Hotkeys::addShortcut(const QString& name, void (*function)(), Qt::ShortcutContext context,
                                 QObject* parent)
+{
+    return addShortcut(name, this, function, context, parent);
+}
+
+QShortcut* Hotkeys::addShortcut(const QString& name, QObject* receiver, const std::function<void()>& function,
+                                Qt::ShortcutContext context, QObject* parent)
 {
     QObject* owner = parent ? parent : this->parent();
     if (!owner || !hasMapping(name))
         return nullptr;
     auto* shortcut = new QShortcut(mapping(name), owner);
     shortcut->setContext(context);
-    connect(shortcut, &QShortcut::activated, this, [function] { function(); });
+    connect(shortcut, &QShortcut::activated, receiver, function);
     connect(shortcut, &QObject::destroyed, this,
             [this, name, shortcut] { m_shortcuts[name].removeAll(shortcut); });
     m_shortcuts[name].append(shortcut);

@@ -7,6 +7,8 @@
 #include <QString>
 #include <QVariant>
 
+#include <functional>
+
 class QShortcut;
 
 namespace vantrel {
@@ -35,6 +37,9 @@ public:
     /// A shortcut on parent (null: this object's parent) that calls the function; null for an unknown name.
     QShortcut* addShortcut(const QString& name, void (*function)(),
                            Qt::ShortcutContext context = Qt::WindowShortcut, QObject* parent = nullptr);
+    /// The same with any callable, which is called for as long as receiver lives.
+    QShortcut* addShortcut(const QString& name, QObject* receiver, const std::function<void()>& function,
+                           Qt::ShortcutContext context = Qt::WindowShortcut, QObject* parent = nullptr);
 
     void remap(const QString& name, const QKeySequence& sequence);
     /// Applies the whole key map again.
@@ -43,6 +48,9 @@ public:
 
     void saveKeymap() const;
     void loadKeymapFromConfiguration();
+
+Q_SIGNALS:
+    void mappingChanged(QString name);
 
 private:
     QMap<QString, QVariant> m_keymap;

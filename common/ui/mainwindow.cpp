@@ -13,6 +13,8 @@
 #include "common/ui/developermenu.h"
 #include "common/ui/hotkeys.h"
 #include "common/ui/iconbutton.h"
+#include "common/ui/inspectorwidget.h"
+#include "common/ui/keyboardfocus.h"
 #include "common/ui/mainmenu.h"
 #include "common/ui/mainnavigationbar.h"
 #include "common/ui/navbutton.h"
@@ -107,11 +109,13 @@ MainWindow::MainWindow(QWidget* parent)
     setFocusPolicy(tabClickWheel);
     raise();
     m_developerMenu = new DeveloperMenu(this);
+    new KeyboardFocus(this);
     resize(QSize(1600, 1000).boundedTo(screen()->availableSize()));
 }
 
 MainWindow::~MainWindow()
 {
+    delete m_inspector;
     for (const QPointer<QWidget>& view : std::as_const(m_views))
         delete view;
     if (Session* session = Session::instance(); session && session->hotkeys() == m_hotkeys)
@@ -345,11 +349,22 @@ void MainWindow::resizeEvent(QResizeEvent* event)
 void MainWindow::keyPressEvent(QKeyEvent* event)
 {
     if (event->key() == Qt::Key_F10)
-        m_notificationDialog->show();
+        InspectorWidget::showNotifications(NotificationManagerImpl::instance());
     else if (event->key() == Qt::Key_F11)
-        m_developerMenu->popup(QCursor::pos());
+        showInspector();
     else
         QMainWindow::keyPressEvent(event);
+}
+
+void MainWindow::showInspector()
+{
+    if (!m_inspector) {
+        m_inspector = new InspectorWidget(m_developerMenu, NotificationManagerImpl::instance(), nullptr);
+        qApp->installEventFilter(m_inspector);
+        connect(m_inspector, &InspectorWidget::closed, m_inspector, &QObject::deleteLater);
+    }
+    m_inspector->show();
+    m_inspector->raise();
 }
 
 void MainWindow::mousePressEvent(QMouseEvent* event)

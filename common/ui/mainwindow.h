@@ -13,6 +13,7 @@ class ConfigurationDialog;
 class ConnectDialog;
 class DeveloperMenu;
 class Hotkeys;
+class InspectorWidget;
 class MainMenu;
 class MainNavigationBar;
 class NotificationDialogWrapper;
@@ -72,6 +73,7 @@ private:
     void initConnection();
     void addView(int index, const QString& caption, const QString& icon, const QString& name, QWidget* view);
     void openConfigurationDialog();
+    void showInspector();
 
     QWidget* m_central;
     QVBoxLayout* m_layout;
@@ -85,6 +87,7 @@ private:
     ConfigurationDialog* m_configurationDialog = nullptr;
     ConnectDialog* m_connectDialog = nullptr;
     DeveloperMenu* m_developerMenu = nullptr;
+    QPointer<InspectorWidget> m_inspector;
     ClickTestServer* m_clickTestServer = nullptr;
     QList<QPointer<QWidget>> m_views;
 };

@@ -331,8 +331,9 @@ void MediaPanelWidget::showSlotMenu(const QPoint& position)
     menu->setAttribute(Qt::WA_DeleteOnClose);
     menu->setObjectNames(QStringLiteral("MediaPanel-slot-menu"));
     const QPersistentModelIndex kept = index;
-    connect(menu->addEntry(QStringLiteral("mc_play"), tr("Play on preview")), &QAction::triggered, this,
-            [this, kept] { onActivated(kept); });
+    QAction* cue = menu->addEntry(QStringLiteral("mc_play"), tr("Play on preview"));
+    cue->setShortcut(SlotListView::cueKey());
+    connect(cue, &QAction::triggered, this, [this, kept] { onActivated(kept); });
     menu->addSeparator();
     QAction* rename = menu->addEntry(QStringLiteral("edit"), tr("Rename"));
     rename->setShortcut(Qt::Key_F2);

@@ -1,13 +1,19 @@
 #include "common/views/slotlistview.h"
 
+#include "common/session/keymap.h"
+#include "common/session/session.h"
 #include "common/ui/colors.h"
+#include "common/ui/hotkeys.h"
+#include "common/ui/hotkeytip.h"
 #include "common/ui/iconcache.h"
 
 #include <QDragEnterEvent>
 #include <QDragMoveEvent>
 #include <QDropEvent>
+#include <QHelpEvent>
 #include <QKeyEvent>
 #include <QPainter>
+#include <QToolTip>
 
 namespace vantrel {
 
@@ -65,13 +71,52 @@ void SlotListView::paintEvent(QPaintEvent* event)
 
 void SlotListView::keyboardSearch(const QString& text)
 {
-    Q_EMIT textTyped(text);
+    // Letters are hotkeys of the player; a number is the name of a slot.
+    if (text.at(0).isDigit())
+        Q_EMIT textTyped(text);
+}
+
+QKeySequence SlotListView::cueKey()
+{
+    const Session* session = Session::instance();
+    const QString name = QStringLiteral("cue");
+    return session && session->hotkeys() ? session->hotkeys()->mapping(name)
+                                         : defaultKeymap().value(name).value<QKeySequence>();
+}
+
+bool SlotListView::viewportEvent(QEvent* event)
+{
+    if (event->type() == QEvent::ToolTip) {
+        auto* help = static_cast<QHelpEvent*>(event);
+        const QString text = indexAt(help->pos()).data(Qt::ToolTipRole).toString();
+        const QString keys = tr("Double-click or %1: cue it on preview").arg(keyText(cueKey()));
+        QToolTip::showText(help->globalPos(),
+                           text.isEmpty()
+                               ? text
+                               : text + QStringLiteral("<p>") + keys.toHtmlEscaped() + QStringLiteral("</p>"),
+                           this);
+        return true;
+    }
+    return QListView::viewportEvent(event);
+}
+
+bool SlotListView::isCue(const QKeyEvent& event)
+{
+    const int pressed = event.key() == Qt::Key_Enter ? int(Qt::Key_Return) : event.key();
+    const Qt::KeyboardModifiers modifiers = event.modifiers() & ~Qt::KeypadModifier;
+    return cueKey() == QKeySequence(QKeyCombination(modifiers, Qt::Key(pressed)));
 }
 
 void SlotListView::keyPressEvent(QKeyEvent* event)
 {
     if (event->key() == Qt::Key_Delete && event->modifiers() == Qt::NoModifier) {
         Q_EMIT deleteRequested();
+        event->accept();
+        return;
+    }
+    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter || isCue(*event)) {
+        if (isCue(*event) && currentIndex().isValid() && !event->isAutoRepeat())
+            Q_EMIT activated(currentIndex());
         event->accept();
         return;
     }

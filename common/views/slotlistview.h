@@ -4,14 +4,17 @@
 
 namespace vantrel {
 
-/// The list of the media panel: one height for all rows, a text in its middle while it is empty, and keys
-/// that go to the search field when they are text.
+/// The list of the media panel: one height for all rows, a text in its middle while it is empty, and digits
+/// that go to the search field.
 class SlotListView : public QListView
 {
     Q_OBJECT
 
 public:
     explicit SlotListView(QWidget* parent = nullptr);
+
+    /// The key that cues the current slot.
+    static QKeySequence cueKey();
 
     const QString& emptyText() const { return m_emptyText; }
     void setEmpty(const QString& icon, const QString& text);
@@ -32,11 +35,15 @@ protected:
     void dragMoveEvent(QDragMoveEvent* event) override;
     void dragLeaveEvent(QDragLeaveEvent* event) override;
     void dropEvent(QDropEvent* event) override;
+    bool viewportEvent(QEvent* event) override;
 
 private:
     bool isOwnRow(const QDropEvent* event) const;
     int gapAt(const QPoint& position) const;
     void showGap(int row);
+
+    /// Whether it is the press of the key that cues.
+    static bool isCue(const QKeyEvent& event);
 
     int m_gap = -1; // the row before which a drop would go
     QString m_emptyIcon;
