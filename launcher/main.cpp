@@ -1,5 +1,7 @@
+#include "common/session/configuration.h"
 #include "common/session/serverports.h"
 #include "common/session/session.h"
+#include "common/ui/gallery/gallerywindow.h"
 #include "common/ui/librarylogs.h"
 #include "common/ui/logmanager.h"
 #include "common/ui/mainwindow.h"
@@ -8,7 +10,9 @@
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QEvent>
+#include <QSettings>
 #include <QSocketNotifier>
+#include <QTemporaryDir>
 #include <QTimer>
 
 #include <algorithm>
@@ -28,6 +32,7 @@ struct Options
     bool uiTest = false;
     QString screenshot;
     int seconds = 0;
+    bool gallery = false;
 };
 
 /// The number of an option, if it lies within the range; ends the program with a message if it does not.
@@ -61,6 +66,7 @@ Options parse(const QCoreApplication& application)
     add("ui-test", "Let a robot on this machine drive the window.", "", {});
     add("ui-test-port", "Port of the UI test server; 0 picks a free one.", "port",
         QString::number(defaults.uiTest));
+    add("gallery", "Show every widget in all its states instead of the application.", "", {});
     add("screenshot", "Save a picture of the window to this file, then quit.", "file", {});
     add("seconds", "Seconds until the picture is taken.", "seconds", QStringLiteral("5"));
     parser.process(application);
@@ -73,6 +79,7 @@ Options parse(const QCoreApplication& application)
     options.ports = {port("http-port", 1), port("link-port", 1), port("preview-port", 1), port("ftp-port", 1),
                      port("ui-test-port", 0)};
     options.uiTest = parser.isSet(QStringLiteral("ui-test"));
+    options.gallery = parser.isSet(QStringLiteral("gallery"));
     options.screenshot = parser.value(QStringLiteral("screenshot"));
     options.seconds = number(parser, QStringLiteral("seconds"), 0, 24 * 60 * 60);
     return options;
@@ -153,6 +160,26 @@ void scheduleScreenshot(vantrel::MainWindow& window, const Options& options)
     });
 }
 
+/// The page that shows the toolkit; its settings go with it.
+int runGallery(QApplication& application, const Options& options)
+{
+    const QTemporaryDir settings;
+    QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, settings.path());
+    vantrel::Configuration configuration;
+    vantrel::StyleSheet::apply(application);
+    vantrel::GalleryWindow window;
+    window.show();
+    if (!options.screenshot.isEmpty()) {
+        QTimer::singleShot(options.seconds * 1000, &window, [&window, &options] {
+            const bool saved = window.sheet().save(options.screenshot);
+            if (!saved)
+                fprintf(stderr, "halcyra: cannot save a picture to %s\n", qPrintable(options.screenshot));
+            QCoreApplication::exit(saved ? 0 : 1);
+        });
+    }
+    return QApplication::exec();
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -171,6 +198,8 @@ int main(int argc, char** argv)
 
     vantrel::LogManager::instance().install();
     vantrel::routeLibraryLogs();
+    if (options.gallery)
+        return runGallery(application, options);
     vantrel::Session::initialize(options.ports);
     // Outlives the window, and ends the link's thread.
     const std::unique_ptr<vantrel::Session> session(vantrel::Session::instance());

@@ -1,0 +1,19 @@
+#pragma once
+
+class QWidget;
+
+namespace vantrel::gallery {
+
+// Each gives a page section with one family of widgets, a row for each kind and a column for each state.
+
+QWidget* makeTexts(QWidget* parent);
+QWidget* makeButtons(QWidget* parent);
+QWidget* makeIconButtons(QWidget* parent);
+QWidget* makeFields(QWidget* parent);
+QWidget* makeChoices(QWidget* parent);
+QWidget* makeBars(QWidget* parent);
+QWidget* makePanels(QWidget* parent);
+QWidget* makePlayerParts(QWidget* parent);
+QWidget* makeWindows(QWidget* parent);
+
+} // namespace vantrel::gallery
