@@ -178,6 +178,7 @@ QRect SeekSlider::bar(int fromPixel, int toPixel, int height) const
 void SeekSlider::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
+    painter.setOpacity(isEnabled() ? 1.0 : disabledOpacity);
     painter.fillRect(bar(leftMargin, lastPixel() + 1, m_grooveHeight),
                      colors::getColor(colors::Slate_grey_300));
     const bool areMarkersHidden = m_inMarker->isHidden() && m_outMarker->isHidden();

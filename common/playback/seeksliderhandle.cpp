@@ -26,6 +26,7 @@ QRect SeekSliderHandle::sweetSpot() const
 void SeekSliderHandle::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
+    painter.setOpacity(isEnabled() ? 1.0 : disabledOpacity);
     painter.fillRect(rect(),
                      colors::getColor(hasFocus() ? colors::Blue_button_focus : colors::Slate_grey_50));
 }

@@ -1,5 +1,6 @@
 #include "common/playback/seekslidermarker.h"
 
+#include "common/playback/seeksliderhandle.h"
 #include "common/ui/colors.h"
 
 #include <QPainter>
@@ -64,6 +65,7 @@ void SeekSliderMarker::render()
 void SeekSliderMarker::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
+    painter.setOpacity(isEnabled() ? 1.0 : disabledOpacity);
     painter.drawPixmap(0, 0, m_pixmap);
 }
 

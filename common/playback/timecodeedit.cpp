@@ -254,6 +254,18 @@ bool TimecodeEdit::eventFilter(QObject* watched, QEvent* event)
     return QFrame::eventFilter(watched, event);
 }
 
+void TimecodeEdit::changeEvent(QEvent* event)
+{
+    QFrame::changeEvent(event);
+    if (event->type() != QEvent::StyleChange && event->type() != QEvent::FontChange)
+        return;
+    // Later: the fields, whose size is that of their digits, hear of the new font after this widget.
+    QTimer::singleShot(0, this, [this] {
+        for (auto field = m_fields.cbegin(); field != m_fields.cend(); ++field)
+            setEditMode(field.key(), m_editing == field.key());
+    });
+}
+
 void TimecodeEdit::keyPressEvent(QKeyEvent* event)
 {
     const int key = event->key();

@@ -27,6 +27,7 @@ AboutDialog::AboutDialog(QWidget* parent)
     number->setObjectName(QStringLiteral("AboutDialog-version"));
     auto* system = new ZTLabel(
         tr("Qt %1 on %2").arg(QString::fromLatin1(qVersion()), QSysInfo::prettyProductName()), this);
+    system->setWordWrap(true);
     for (ZTLabel* label : {number, system})
         label->setStyleClass(QStringLiteral("dim"));
 

@@ -21,6 +21,7 @@
 #include "common/ui/ztmenu.h"
 #include "common/ui/ztsplitter.h"
 
+#include <QStyleOptionButton>
 #include <QVBoxLayout>
 
 namespace vantrel::gallery {
@@ -57,8 +58,8 @@ QWidget* makeTabs()
 {
     auto* bar = new NavigationBar;
     bar->addTab(0, new NavButton(QStringLiteral("Active"), {}, bar));
-    auto* hover = new NavButton(QStringLiteral("Hover"), {}, bar);
-    freezeButton(hover, State::Hover);
+    auto* hover = new Frozen<NavButton, QStyleOptionButton>(QStringLiteral("Hover"), QString(), bar);
+    hover->freeze(QStyle::State_MouseOver);
     bar->addTab(1, hover);
     auto* focus = new NavButton(QStringLiteral("Focus"), {}, bar);
     freezeButton(focus, State::Focus);

@@ -54,10 +54,12 @@ QList<QWidget*> buttons(const QString& styleClass, bool checkable, Arguments... 
     return each(buttonStates, [&](State state) -> QWidget* {
         if (state == State::Checked && !checkable)
             return nullptr;
-        auto* button = new Button(arguments...);
+        auto* button = new Frozen<Button, QStyleOptionButton>(arguments...);
         if (!styleClass.isEmpty())
             button->setStyleClass(styleClass);
         freezeButton(button, state);
+        if (state == State::Hover)
+            button->freeze(QStyle::State_MouseOver);
         return button;
     });
 }

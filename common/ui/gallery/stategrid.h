@@ -29,7 +29,7 @@ private:
     int m_rows = 1;
 };
 
-/// Buttons show a state by themselves, except that nobody points at them.
+/// What a button can be put in by its own means; hover is left to its style option.
 void freezeButton(QAbstractButton* button, State state);
 
 /// For widgets whose style option can be told the state.

@@ -1,0 +1,171 @@
+#include "common/ui/accordion.h"
+#include "common/ui/collapse.h"
+#include "common/ui/colorbox.h"
+#include "common/ui/elidedlabel.h"
+#include "common/ui/gallery/gallerywindow.h"
+#include "common/ui/inspectorwidget.h"
+#include "common/ui/mainwindow.h"
+#include "common/ui/pushbutton.h"
+#include "common/ui/stylesheet.h"
+#include "common/ui/ztdropdownmenu.h"
+#include "tests/common/session/scriptedpeer.h"
+#include "tests/common/ui/testsettings.h"
+#include "tests/support/testmain.h"
+
+#include <QAbstractItemView>
+#include <QColorDialog>
+#include <QLineEdit>
+#include <QSignalSpy>
+#include <QTableWidget>
+#include <QTest>
+
+using namespace vantrel;
+
+class ToolkitTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void accordionOpensOneAtATime()
+    {
+        Accordion accordion;
+        for (int i = 0; i < 3; ++i)
+            accordion.addSection(QString::number(i), new QWidget);
+        QSignalSpy changed(&accordion, &Accordion::openIndexChanged);
+        QCOMPARE(accordion.openIndex(), 0);
+        accordion.setOpenIndex(2);
+        QVERIFY(!accordion.section(0)->isOpen());
+        accordion.section(1)->findChild<PushButton*>()->click();
+        QCOMPARE(accordion.openIndex(), 1);
+        accordion.setOpenIndex(-1);
+        QCOMPARE(accordion.openIndex(), -1);
+        QCOMPARE(changed.size(), 3);
+    }
+
+    void dropdownTellsOfChoiceAndCancel_data()
+    {
+        QTest::addColumn<int>("key");
+        QTest::addColumn<int>("chosen");
+        QTest::addColumn<int>("cancelled");
+        QTest::newRow("Return") << int(Qt::Key_Return) << 1 << 0; // on what was chosen before
+        QTest::newRow("Escape") << int(Qt::Key_Escape) << 0 << 1;
+    }
+
+    void dropdownTellsOfChoiceAndCancel()
+    {
+        QFETCH(int, key);
+        ZTDropdownMenu menu;
+        menu.addItems({QStringLiteral("a"), QStringLiteral("b")});
+        menu.show();
+        QSignalSpy chosen(&menu, &ZTDropdownMenu::chosen);
+        QSignalSpy cancelled(&menu, &ZTDropdownMenu::cancelled);
+        menu.showPopup();
+        QTRY_VERIFY(menu.view()->isVisible());
+        QTest::keyClick(menu.view(), static_cast<Qt::Key>(key));
+        QTRY_COMPARE(chosen.size() + cancelled.size(), 1);
+        QTEST(int(chosen.size()), "chosen");
+        QTEST(int(cancelled.size()), "cancelled");
+    }
+
+    void dropdownRenames()
+    {
+        ZTDropdownMenu menu;
+        menu.addItems({QStringLiteral("a"), QStringLiteral("b")});
+        menu.setCurrentIndex(1);
+        menu.beginEditing();
+        QCOMPARE(menu.lineEdit()->selectedText(), QStringLiteral("b"));
+        menu.lineEdit()->setText(QStringLiteral(" new "));
+        QCOMPARE(menu.endEditing(), QStringLiteral("new"));
+        QVERIFY(!menu.isEditable());
+        QCOMPARE(menu.count(), 2);
+        QCOMPARE(menu.currentText(), QStringLiteral("b"));
+    }
+
+    void colorBoxChooses()
+    {
+        ColorBox box(Qt::red);
+        QSignalSpy changed(&box, &ColorBox::colorChanged);
+        QSignalSpy edited(&box, &ColorBox::colorEdited);
+        box.setColor(QColor());
+        box.setColor(Qt::red);
+        QCOMPARE(changed.size(), 0);
+        box.show();
+        box.click();
+        auto* chooser = box.findChild<QColorDialog*>();
+        QVERIFY(chooser && chooser->isVisible());
+        chooser->setCurrentColor(QColor(0, 128, 255, 60));
+        chooser->accept();
+        QCOMPARE(box.color(), QColor(0, 128, 255, 60));
+        QCOMPARE(edited.size(), 1);
+    }
+
+    /// No text of the gallery is cut, at any text size.
+    void galleryCutsNothing_data()
+    {
+        QTest::addColumn<FontSize>("size");
+        QTest::newRow("small") << FontSize::Small;
+        QTest::newRow("medium") << FontSize::Medium;
+        QTest::newRow("large") << FontSize::Large;
+        QTest::newRow("huge") << FontSize::Huge;
+    }
+
+    void galleryCutsNothing()
+    {
+        QFETCH(FontSize, size);
+        const test::TestSettings settings;
+        StyleSheet::apply(*qApp);
+        GalleryWindow gallery;
+        gallery.show();
+        settings->setValue(TEXT_SIZE, QVariant::fromValue(size));
+        QStringList cut;
+        const auto look = [&] {
+            cut.clear();
+            for (const QLabel* label : gallery.findChildren<QLabel*>()) {
+                const bool mayElide = qobject_cast<const ElidedLabel*>(label);
+                if (label->isVisible() && !mayElide && !label->wordWrap() &&
+                    (label->width() < label->sizeHint().width() ||
+                     label->height() < label->fontMetrics().height()))
+                    cut.append(label->text());
+            }
+            return cut.isEmpty();
+        };
+        QTRY_VERIFY2(look(), qPrintable(cut.join(QStringLiteral(", "))));
+        for (const QAbstractButton* button : gallery.findChildren<QAbstractButton*>()) {
+            if (button->isVisible())
+                QVERIFY2(button->width() >= button->minimumSizeHint().width(), qPrintable(button->text()));
+        }
+        qApp->setStyleSheet({});
+    }
+
+    void inspectorsOpenByKey()
+    {
+        test::allowWarnings(QStringLiteral("Failed due network error"));
+        test::ScriptedPeer peer;
+        MainWindow window;
+        window.show();
+        const auto find = [](const char* name) -> QWidget* {
+            for (QWidget* widget : QApplication::topLevelWidgets()) {
+                if (widget->objectName() == QLatin1String(name))
+                    return widget;
+            }
+            return nullptr;
+        };
+        QTest::keyClick(&window, Qt::Key_F10);
+        QWidget* list = find("NotificationInspector");
+        QVERIFY(list && list->isVisible());
+        list->close();
+        QTest::keyClick(&window, Qt::Key_F11);
+        QTest::keyClick(&window, Qt::Key_F11); // the one that is open comes up again
+        QPointer<QWidget> inspector = find("InspectorWidget");
+        QVERIFY(inspector && inspector->isVisible());
+        QCOMPARE(
+            std::ranges::count_if(QApplication::topLevelWidgets(),
+                                  [](const QWidget* w) { return qobject_cast<const InspectorWidget*>(w); }),
+            1);
+        inspector->close();
+        QTRY_VERIFY(!inspector);
+    }
+};
+
+HALCYRA_TEST(ToolkitTest)
+#include "toolkit.moc"

@@ -1,0 +1,104 @@
+#include "common/media/medialibraryprovider.h"
+#include "common/playback/playbackwidget.h"
+#include "common/session/session.h"
+#include "common/session/signalrelay.h"
+#include "common/ui/ztcombobox.h"
+#include "common/ui/ztlabel.h"
+#include "common/views/playlistwidget.h"
+#include "common/views/singlemediawidget.h"
+#include "tests/common/playback/playerfixture.h"
+
+using namespace vantrel;
+using test::PlayerFixture;
+using Column = SingleMediaModel::Column;
+
+class TestSingleMediaPage : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        m_fixture = std::make_unique<PlayerFixture>();
+        QVERIFY(m_fixture->connect());
+        QTRY_VERIFY(m_fixture->peer.session->mediaLibraryProvider()->slot({1, 1}));
+        m_page = m_fixture->view->findChild<SingleMediaWidget*>();
+        m_preview = m_fixture->part<PlaylistWidget>("Preview-PlaylistWidget");
+    }
+    void cleanup() { m_fixture.reset(); }
+
+    void showsWhatPreviewHolds()
+    {
+        const auto* empty = m_fixture->part<ZTLabel>("Preview-SingleMedia-empty");
+        QVERIFY(empty->isVisible());
+        cue("brume://collections/1/slots/1");
+        QTRY_COMPARE(m_page->shownValue(Column::NameColumn), QStringLiteral("Walk-in"));
+        QVERIFY(!empty->isVisible());
+        QCOMPARE(m_page->shownValue(Column::CollectionColumn), QStringLiteral("1: Main, slot 1"));
+        QCOMPARE(m_page->shownValue(Column::UsedInColumn), QStringLiteral("\u2514 2: Show - 5.1"));
+        cue("brume://collections/1/slots/2");
+        QTRY_COMPARE(m_page->shownValue(Column::MediaTypeColumn), QStringLiteral("Image"));
+        QCOMPARE(m_page->shownValue(Column::UsedInColumn), QStringLiteral("-"));
+        cue("");
+        QTRY_VERIFY(empty->isVisible());
+    }
+
+    void scalingIsACommand()
+    {
+        cue("brume://collections/1/slots/1");
+        QTRY_VERIFY(m_page->scalingMenu()->isVisible());
+        ZTComboBox* menu = m_page->scalingMenu();
+        QCOMPARE(menu->currentText(), QStringLiteral("Default"));
+        const auto choose = [menu](int row) { // as the list does
+            menu->setCurrentIndex(row);
+            Q_EMIT menu->activated(row);
+        };
+        choose(0); // what it is already
+        choose(menu->findText(QStringLiteral("Stretch")));
+        QTRY_COMPARE(m_fixture->patches.size(), 1);
+        QVERIFY(m_fixture->patches[0].contains("\"/collections/1/slots/1/scaleMode\""));
+        QVERIFY(m_fixture->patches[0].contains("\"stretch\""));
+        QCOMPARE(menu->currentText(), QStringLiteral("Default")); // until the server says so
+    }
+
+    void tabsFollowTheRelay()
+    {
+        SignalRelay* relay = m_fixture->peer.session->signalRelay();
+        relay->handleSetNavBar(PlaylistWidget::PlaylistEditorTab);
+        QCOMPARE(m_preview->currentTab(), int(PlaylistWidget::PlaylistEditorTab));
+        m_fixture->part<QAbstractButton>("Preview-SingleMedia-Button")->click();
+        QCOMPARE(m_preview->currentTab(), int(PlaylistWidget::SingleMediaTab));
+        relay->handleSetNavBar(7);
+        QCOMPARE(m_preview->currentTab(), int(PlaylistWidget::SingleMediaTab));
+        QCOMPARE(m_fixture->part<PlaylistWidget>("Program-PlaylistWidget")->currentTab(), -1);
+    }
+
+    /// Both columns are divided at one height, and the picture is no strip.
+    void channelsLineUp_data()
+    {
+        QTest::addColumn<QSize>("size");
+        QTest::newRow("large") << QSize(1600, 880);
+        QTest::newRow("small") << QSize(1280, 600);
+    }
+    void channelsLineUp()
+    {
+        QFETCH(QSize, size);
+        m_fixture->view->resize(size);
+        m_fixture->channel()->adjustSplitters();
+        const PlaybackWidget* preview = m_fixture->channel()->previewWidget();
+        const PlaybackWidget* program = m_fixture->channel()->programWidget();
+        QTRY_COMPARE(preview->height(), program->height());
+        const double share = double(preview->height()) / m_fixture->channel()->height();
+        QVERIFY2(share > 0.7 && share < 0.8, qPrintable(QString::number(share)));
+    }
+
+private:
+    void cue(const char* media) { m_fixture->set("preview", "media", QByteArray("\"") + media + '"'); }
+
+    std::unique_ptr<PlayerFixture> m_fixture;
+    SingleMediaWidget* m_page = nullptr;
+    PlaylistWidget* m_preview = nullptr;
+};
+
+HALCYRA_TEST(TestSingleMediaPage)
+#include "test_singlemediapage.moc"
