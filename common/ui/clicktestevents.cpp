@@ -216,13 +216,14 @@ void handleMouse(const ClickTestRequest& request, const QPoint& global)
         (*found)(request, global);
 }
 
-/// The widget with focus. Where no window manager has made a window active, the one that would have it.
+/// The widget with focus. Where no window manager has made a window active, the one that would have it; where
+/// nothing has it, the window, whose shortcuts work all the same.
 static QWidget* keyTarget()
 {
     if (QWidget* widget = QApplication::focusWidget())
         return widget;
     QWidget* window = mainWindowWidget();
-    return window ? window->focusWidget() : nullptr;
+    return window && window->focusWidget() ? window->focusWidget() : window;
 }
 
 void handleKeyPress(const QString& keyName)

@@ -419,6 +419,15 @@ void MediaPanelWidget::fitSearch()
 
 bool MediaPanelWidget::eventFilter(QObject* watched, QEvent* event)
 {
+    if (watched == m_search && event->type() == QEvent::ShortcutOverride) {
+        // A field without edits of its own leaves undo and redo to the library.
+        const auto* key = static_cast<QKeyEvent*>(event);
+        if ((key->matches(QKeySequence::Undo) && !m_search->isUndoAvailable()) ||
+            (key->matches(QKeySequence::Redo) && !m_search->isRedoAvailable())) {
+            event->ignore();
+            return true;
+        }
+    }
     if (watched == m_search && event->type() == QEvent::Resize)
         fitSearch();
     if (watched != m_search || event->type() != QEvent::KeyPress)

@@ -22,6 +22,7 @@ private Q_SLOTS:
     void initTestCase();
     void stepsReachTheServer();
     void undoneToTheStartAndRedoneToTheEnd();
+    void fromNothingToFullAndBack();
     void endsCleanly();
 
 private:
@@ -30,6 +31,8 @@ private:
     bool answerDialog(const QString& dialog, const QString& text);
     bool collectionMenu(const QString& entry);
     void keep() { m_states.append(library()); }
+    bool emptyTheLibrary();
+    void undoAndRedoAll();
 
     QTemporaryDir m_media;
     OmbraProcess m_ombra;
@@ -112,6 +115,11 @@ void BuildLibrary::stepsReachTheServer()
 void BuildLibrary::undoneToTheStartAndRedoneToTheEnd()
 {
     QCOMPARE(m_states.size(), 6);
+    undoAndRedoAll();
+}
+
+void BuildLibrary::undoAndRedoAll()
+{
     for (qsizetype i = m_states.size() - 2; i >= 0; --i) {
         m_robot.key(QStringLiteral("CtrlZ"));
         QTRY_COMPARE(library(), m_states[i]);
@@ -121,6 +129,40 @@ void BuildLibrary::undoneToTheStartAndRedoneToTheEnd()
         m_robot.key(QStringLiteral("CtrlY"));
         QTRY_COMPARE(library(), m_states[i]);
     }
+}
+
+/// Another client replaces the library by one that holds nothing.
+bool BuildLibrary::emptyTheLibrary()
+{
+    QNetworkRequest request(
+        QUrl(QStringLiteral("http://127.0.0.1:%1/api/brume/v1/medialibrary").arg(m_ombra.ports().http)));
+    request.setHeader(QNetworkRequest::ContentTypeHeader, QStringLiteral("application/json"));
+    const std::unique_ptr<QNetworkReply> reply(
+        m_network.post(request, QByteArrayLiteral("{\"collections\":{},\"playlists\":{}}")));
+    return QTest::qWaitFor([&] { return reply->isFinished(); }, 5000) &&
+           reply->error() == QNetworkReply::NoError;
+}
+
+void BuildLibrary::fromNothingToFullAndBack()
+{
+    QVERIFY(emptyTheLibrary());
+    const QString chooser = QStringLiteral("MediaPanel-collection-chooser");
+    QTRY_COMPARE(m_robot.text(chooser), QString());
+    m_states.clear();
+    keep();
+    QVERIFY(m_states.first()["collections"].toObject().isEmpty());
+
+    for (const QString& name : {QStringLiteral("act one"), QStringLiteral("act two")}) {
+        QVERIFY(m_robot.click(QStringLiteral("MediaPanel-add-collection-button")));
+        QVERIFY(answerDialog(QStringLiteral("MediaPanel-new-collection"), name));
+        QTRY_COMPARE(collection(QString::number(m_states.size()))["name"].toString(), name);
+        QTRY_VERIFY(m_robot.text(chooser).contains(name));
+        keep();
+    }
+    QVERIFY(collectionMenu(QStringLiteral("Duplicate collection")));
+    QTRY_COMPARE(collection("3")["name"].toString(), QStringLiteral("Duplicate of act two"));
+    keep();
+    undoAndRedoAll();
 }
 
 void BuildLibrary::endsCleanly()
