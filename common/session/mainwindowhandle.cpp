@@ -1,5 +1,7 @@
 #include "common/session/mainwindowhandle.h"
 
+#include <QCoreApplication>
+#include <QEvent>
 #include <QPointer>
 #include <QWidget>
 
@@ -23,6 +25,18 @@ void setMainWindowWidget(QWidget* window)
 QWidget* mainWindowWidget()
 {
     return handle();
+}
+
+void setMainWindowUpdatesEnabled(bool enabled)
+{
+    QWidget* window = handle();
+    if (!window || window->updatesEnabled() == enabled)
+        return;
+    window->setUpdatesEnabled(enabled);
+    // A request to paint that came in between is answered by nothing, and what it was for stays marked: Qt
+    // makes no second one for it, and the window would never paint again.
+    if (enabled)
+        QCoreApplication::postEvent(window, new QEvent(QEvent::UpdateRequest));
 }
 
 } // namespace vantrel

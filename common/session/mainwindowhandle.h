@@ -10,5 +10,7 @@ void setMainWindowWidget(QWidget* window);
 
 /// Null before the window stands and after it is gone.
 QWidget* mainWindowWidget();
+/// Whether the main window paints; nothing without one.
+void setMainWindowUpdatesEnabled(bool enabled);
 
 } // namespace vantrel

@@ -119,8 +119,8 @@ private:
     void wireProviders();
     void connectMediaLibraryApi();
     void initMediaLibraryHelpers(const QString& host);
-    bool clearForLoading(QWidget* window);
-    bool applyPatches(QWidget* window);
+    bool clearForLoading();
+    bool applyPatches();
     static void onSceneChange(Scene* scene, int count, const SceneChange* changes, void* user);
 
     struct Media;

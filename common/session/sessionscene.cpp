@@ -9,7 +9,6 @@
 #include <QElapsedTimer>
 #include <QScopedValueRollback>
 #include <QTimer>
-#include <QWidget>
 
 #include <algorithm>
 #include <string>
@@ -64,11 +63,10 @@ void Session::onPatchAvailable()
 {
     if (m_drainPosted)
         return;
-    QWidget* window = mainWindowWidget();
     // Of a newer link than onConnect() has heard of nothing is taken yet: its patches need the scene cleared
     // first.
     if (m_linksSeen == m_connection->linkCount()) {
-        if (!clearForLoading(window) || !applyPatches(window)) {
+        if (!clearForLoading() || !applyPatches()) {
             m_drainPosted = true;
             QTimer::singleShot(0, this, [this] {
                 m_drainPosted = false;
@@ -79,17 +77,15 @@ void Session::onPatchAvailable()
         if (std::exchange(m_sceneLoading, false))
             Q_EMIT sceneLoaded();
     }
-    if (window && !window->updatesEnabled())
-        window->setUpdatesEnabled(true);
+    setMainWindowUpdatesEnabled(true);
 }
 
 /// The first patches after a connection replace everything; false when the slice of time was over before.
-bool Session::clearForLoading(QWidget* window)
+bool Session::clearForLoading()
 {
     if (!m_sceneLoading || m_sceneCleared)
         return true;
-    if (window)
-        window->setUpdatesEnabled(false);
+    setMainWindowUpdatesEnabled(false);
     const QScopedValueRollback applying(m_applyingPatch, true);
     QElapsedTimer clock;
     clock.start();
@@ -101,7 +97,7 @@ bool Session::clearForLoading(QWidget* window)
 }
 
 /// Applies what has come in, for a slice of time; false when there may be more.
-bool Session::applyPatches(QWidget* window)
+bool Session::applyPatches()
 {
     // Only while applying: what the operator changes between two slices goes to the server.
     const QScopedValueRollback applying(m_applyingPatch, true);
@@ -109,8 +105,8 @@ bool Session::applyPatches(QWidget* window)
     clock.start();
     Patch patch;
     while (m_connection->recvPatch(patch)) {
-        if (window && window->updatesEnabled() && patch.size() > quietThreshold)
-            window->setUpdatesEnabled(false);
+        if (patch.size() > quietThreshold)
+            setMainWindowUpdatesEnabled(false);
         m_scene->apply(patch, false);
         if (clock.elapsed() >= sliceTime)
             return false;

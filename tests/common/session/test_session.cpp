@@ -149,6 +149,29 @@ private Q_SLOTS:
         QTRY_VERIFY(window.updatesEnabled());
     }
 
+    /// The request to paint comes while updates are off.
+    void paintsWhatWasAskedForInBetween()
+    {
+        class Painted : public QWidget
+        {
+        public:
+            int times = 0;
+
+        protected:
+            void paintEvent(QPaintEvent*) override { ++times; }
+        };
+        Painted window;
+        setMainWindowWidget(&window);
+        window.show();
+        QTRY_VERIFY(window.times > 0);
+        window.update();
+        setMainWindowUpdatesEnabled(false);
+        QCoreApplication::sendPostedEvents(&window, QEvent::UpdateRequest);
+        const int before = window.times;
+        setMainWindowUpdatesEnabled(true);
+        QTRY_VERIFY(window.times > before);
+    }
+
     void loadsALargeSceneInSlices()
     {
         ScriptedPeer peer;
