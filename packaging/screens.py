@@ -147,6 +147,18 @@ def connect(options):
         window.shoot(options.out / "connect.png")
 
 
+def keyboard(options, name, **how):
+    with Window(options, connect=False, **how) as window:
+        window.click("ConnectDialog-cancel-button")
+        window.robot.ask(operation="key_press", keyName="F1")
+        window.robot.find("KeyboardDialog")
+        window.click("KeyboardDialog-set_inpoint-key")
+        window.robot.ask(operation="key_press", keyName="M")
+        window.robot.find("KeyboardDialog-notice-swap-button")
+        time.sleep(1)
+        window.shoot(options.out / f"{name}.png")
+
+
 def reconnect(options):
     with Window(options) as window:
         window.run_show()
@@ -167,6 +179,7 @@ SCREENS = {
     "still": still,
     "take": take,
     "connect": connect,
+    "keyboard": lambda options: keyboard(options, "keyboard"),
     "reconnect": reconnect,  # ends the server
 }
 

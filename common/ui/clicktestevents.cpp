@@ -60,6 +60,10 @@ Key keyOf(const QString& name)
         return *found;
     if (name.size() == 1 && name.at(0).isPrint())
         return {name.at(0).toUpper().unicode(), Qt::NoModifier, name};
+    // Any other as a key map writes it: "F12", "Ctrl+Shift+Z".
+    const QKeySequence sequence(name, QKeySequence::PortableText);
+    if (sequence.count() == 1 && sequence[0].key() != Qt::Key_unknown)
+        return {sequence[0].key(), sequence[0].keyboardModifiers(), {}};
     return {};
 }
 

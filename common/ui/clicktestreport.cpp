@@ -57,6 +57,7 @@ QJsonObject getWidgetBasics(const QWidget* widget)
     json.insert(QLatin1String("visible"), widget->isVisible());
     json.insert(QLatin1String("focus"), widget->hasFocus());
     json.insert(QLatin1String("enabled"), widget->isEnabled());
+    json.insert(QLatin1String("toolTip"), widget->toolTip());
     const QList<QByteArray> names = widget->dynamicPropertyNames();
     for (const QByteArray& name : names)
         json.insert(QLatin1String("property_") + QString::fromLatin1(name),

@@ -4,6 +4,8 @@
 #include "common/session/keymap.h"
 #include "common/session/session.h"
 
+#include <QKeyEvent>
+#include <QLoggingCategory>
 #include <QShortcut>
 #include <QUndoStack>
 #include <QWidget>
@@ -11,6 +13,8 @@
 namespace vantrel {
 
 namespace {
+
+Q_LOGGING_CATEGORY(log, "vantrel.ui")
 
 QUndoStack* undoStack()
 {
@@ -62,6 +66,35 @@ QKeySequence Hotkeys::mapping(const QString& name) const
 bool Hotkeys::hasMapping(const QString& name) const
 {
     return m_keymap.contains(name);
+}
+
+QKeySequence Hotkeys::current(const QString& name)
+{
+    const Session* session = Session::instance();
+    const Hotkeys* hotkeys = session ? session->hotkeys() : nullptr;
+    return hotkeys ? hotkeys->mapping(name) : defaultKeymap().value(name).value<QKeySequence>();
+}
+
+QKeySequence Hotkeys::pressed(const QKeyEvent& event)
+{
+    static const QList<int> modifierKeys = {Qt::Key_Control,  Qt::Key_Shift,   Qt::Key_Alt,
+                                            Qt::Key_Meta,     Qt::Key_AltGr,   Qt::Key_Super_L,
+                                            Qt::Key_Super_R,  Qt::Key_Hyper_L, Qt::Key_Hyper_R,
+                                            Qt::Key_CapsLock, Qt::Key_NumLock, Qt::Key_ScrollLock};
+    int key = event.key();
+    if (key <= 0 || key == Qt::Key_unknown || modifierKeys.contains(key))
+        return {};
+    Qt::KeyboardModifiers modifiers = event.modifiers() & ~(Qt::KeypadModifier | Qt::GroupSwitchModifier);
+    if (key == Qt::Key_Enter)
+        key = Qt::Key_Return;
+    if (key == Qt::Key_Backtab)
+        key = Qt::Key_Tab;
+    // "!" is typed with Shift on one keyboard and without on another.
+    const bool isSymbol =
+        key < 0x80 && QChar(key).isPrint() && !QChar(key).isLetterOrNumber() && key != Qt::Key_Space;
+    if (isSymbol)
+        modifiers &= ~Qt::ShiftModifier;
+    return QKeyCombination(modifiers, static_cast<Qt::Key>(key));
 }
 
 QShortcut* Hotkeys::shortcut(const QString& name) const
@@ -121,9 +154,23 @@ void Hotkeys::saveKeymap() const
         settings->setValue(KEYMAP, m_keymap);
 }
 
-void Hotkeys::loadKeymapFromConfiguration()
+QString Hotkeys::loadKeymapFromConfiguration()
 {
-    remap(configurationValue(KEYMAP).toMap());
+    const Configuration* settings = configuration();
+    const QString key = Configuration::key(KEYMAP);
+    QString fault;
+    if (settings && settings->contains(key))
+        fault = keymapFault(settings->value(key));
+    // The file is parsed as it is read, so that its state is known only now.
+    if (settings && settings->status() == QSettings::FormatError)
+        fault = tr("The settings file %1 is damaged.").arg(settings->fileName());
+    if (fault.isEmpty()) {
+        remap(completeKeymap(configurationValue(KEYMAP).toMap()));
+        return {};
+    }
+    qCWarning(log).noquote() << fault;
+    setDefaults();
+    return fault;
 }
 
 } // namespace vantrel

@@ -9,6 +9,7 @@
 
 #include <functional>
 
+class QKeyEvent;
 class QShortcut;
 
 namespace vantrel {
@@ -31,6 +32,11 @@ public:
     /// Empty for an unknown name.
     QKeySequence mapping(const QString& name) const;
     bool hasMapping(const QString& name) const;
+    /// The mapping of the window's hotkeys; the default where it lends none.
+    static QKeySequence current(const QString& name);
+    /// The key of the event as a key map writes it: Enter for both keys of that name, no Shift where it is in
+    /// the character already. Empty for a modifier alone.
+    static QKeySequence pressed(const QKeyEvent& event);
     /// The first live shortcut of the name, or null.
     QShortcut* shortcut(const QString& name) const;
     void addMapping(const QString& name, const QKeySequence& sequence);
@@ -47,7 +53,9 @@ public:
     void remap(const QMap<QString, QVariant>& keymap);
 
     void saveKeymap() const;
-    void loadKeymapFromConfiguration();
+    /// Applies the stored keys. Where they cannot be used, two actions on one key among them, the defaults
+    /// stand and a sentence for the operator comes back; empty otherwise.
+    QString loadKeymapFromConfiguration();
 
 Q_SIGNALS:
     void mappingChanged(QString name);

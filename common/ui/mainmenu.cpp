@@ -51,6 +51,8 @@ void MainMenu::addEntries()
             &MainMenu::notificationsClicked);
     connect(addEntry(QStringLiteral(":/icons/configuration.svg"), tr("Configuration")), &QAction::triggered,
             this, &MainMenu::configurationClicked);
+    connect(addEntry(QStringLiteral(":/icons/keyboard.svg"), tr("Keyboard")), &QAction::triggered, this,
+            &MainMenu::keyboardClicked);
     connect(addEntry(QStringLiteral(":/icons/question.svg"), tr("About")), &QAction::triggered, this,
             &MainMenu::openAboutDialog);
     connect(addAction(tr("Exit")), &QAction::triggered, this, [] { QCoreApplication::quit(); });

@@ -36,6 +36,7 @@ Q_SIGNALS:
     void exportShowClicked();
     void notificationsClicked();
     void configurationClicked();
+    void keyboardClicked();
 
 private:
     void addEntries();

@@ -1,13 +1,15 @@
 #include "common/ui/mainnavigationbar.h"
 
 #include "common/session/fontsize.h"
+#include "common/session/session.h"
 #include "common/ui/fontsizefollower.h"
+#include "common/ui/hotkeys.h"
+#include "common/ui/hotkeytip.h"
 #include "common/ui/iconcache.h"
 #include "common/ui/navbutton.h"
 
 #include <QHBoxLayout>
 #include <QLabel>
-#include <QShortcut>
 
 namespace vantrel {
 
@@ -69,14 +71,17 @@ void MainNavigationBar::addTab(int index, PushButton* button)
     delete m_buttons.take(index);
     m_buttons.insert(index, button);
     m_tabs->addWidget(button);
-    button->setToolTip(tr("%1 (Ctrl+%2)").arg(button->text().trimmed()).arg(index + 1));
+    const QString name = QStringLiteral("tab_%1").arg(index + 1);
+    setHotkeyTip(button, button->text().trimmed(), {name});
     followFontSize(button, [button](FontSize size) {
         button->setFixedHeight(navButtonExtent(size));
         button->setIconSize(QSize(navIconExtent(size), navIconExtent(size)));
     });
     connect(button, &PushButton::clicked, this, [this, index] { setActiveTab(index); });
-    auto* key = new QShortcut(QKeySequence(Qt::CTRL | static_cast<Qt::Key>(Qt::Key_1 + index)), this);
-    connect(key, &QShortcut::activated, this, [this, index] { setActiveTab(index); });
+    const Session* session = Session::instance();
+    if (Hotkeys* hotkeys = session ? session->hotkeys() : nullptr)
+        hotkeys->addShortcut(
+            name, button, [this, index] { setActiveTab(index); }, Qt::WindowShortcut, button);
     updateTabStyles();
 }
 

@@ -14,6 +14,7 @@
 #include "common/ui/hotkeys.h"
 #include "common/ui/iconbutton.h"
 #include "common/ui/inspectorwidget.h"
+#include "common/ui/keyboarddialog.h"
 #include "common/ui/keyboardfocus.h"
 #include "common/ui/mainmenu.h"
 #include "common/ui/mainnavigationbar.h"
@@ -71,7 +72,7 @@ MainWindow::MainWindow(QWidget* parent)
     setMainWindowWidget(this);
     setObjectName(QStringLiteral("MainWindow"));
     setWindowTitle(QStringLiteral("Halcyra"));
-    m_hotkeys->loadKeymapFromConfiguration();
+    const QString keymapFault = m_hotkeys->loadKeymapFromConfiguration();
     if (Session* session = Session::instance())
         session->setHotkeys(m_hotkeys);
     m_central->setObjectName(QStringLiteral("central"));
@@ -85,6 +86,7 @@ MainWindow::MainWindow(QWidget* parent)
     m_notificationPresenter = new NotificationPresenter(NotificationManagerImpl::instance(), this);
     initStatusBar();
     initMainMenu();
+    initHotkeys();
     initOutputView();
     initFileView();
     initMediaView();
@@ -105,6 +107,10 @@ MainWindow::MainWindow(QWidget* parent)
         });
     }
     m_notificationPresenter->installEventFilter(this);
+    if (!keymapFault.isEmpty())
+        NotificationManagerImpl::instance()->createNotification(
+            Notification::WarningMessage, tr("The keys are those of a new installation"),
+            keymapFault.toHtmlEscaped() + u'\n' + tr("Choose yours anew in the main menu under Keyboard."));
     setFocus();
     setFocusPolicy(tabClickWheel);
     raise();
@@ -161,6 +167,7 @@ void MainWindow::initMainMenu()
     connect(m_mainMenu, &MainMenu::notificationsClicked, m_notificationDialog,
             &NotificationDialogWrapper::show);
     connect(m_mainMenu, &MainMenu::configurationClicked, this, &MainWindow::openConfigurationDialog);
+    connect(m_mainMenu, &MainMenu::keyboardClicked, this, &MainWindow::openKeyboardDialog);
     auto* shows = new ShowManager(this);
     connect(m_mainMenu, &MainMenu::clearShowClicked, shows, &ShowManager::handleClearShow);
     connect(m_mainMenu, &MainMenu::importShowClicked, shows, &ShowManager::handleImport);
@@ -168,6 +175,16 @@ void MainWindow::initMainMenu()
     m_configurationDialog = new ConfigurationDialog(this);
     if (const Session* session = Session::instance())
         m_configurationDialog->setModel(session->serverConfigurationModel());
+}
+
+void MainWindow::initHotkeys()
+{
+    const auto add = [this](const char* name, const std::function<void()>& run) {
+        m_hotkeys->addShortcut(QLatin1String(name), this, run);
+    };
+    add("keyboard", [this] { openKeyboardDialog(); });
+    add("zoom_in", [this] { stepTextSize(1); });
+    add("zoom_out", [this] { stepTextSize(-1); });
 }
 
 void MainWindow::addView(int index, const QString& caption, const QString& icon, const QString& name,
@@ -329,6 +346,21 @@ void MainWindow::onDisconnected(const QString& address)
 void MainWindow::openConfigurationDialog()
 {
     m_configurationDialog->open();
+}
+
+void MainWindow::openKeyboardDialog()
+{
+    if (!m_keyboardDialog)
+        m_keyboardDialog = new KeyboardDialog(m_hotkeys, this);
+    m_keyboardDialog->open();
+}
+
+void MainWindow::stepTextSize(int step)
+{
+    const int size = static_cast<int>(currentFontSize()) + step;
+    const bool isSize = size >= static_cast<int>(FontSize::Small) && size <= static_cast<int>(FontSize::Huge);
+    if (Configuration* settings = configuration(); settings && isSize)
+        settings->setValue(TEXT_SIZE, QVariant::fromValue(static_cast<FontSize>(size)));
 }
 
 bool MainWindow::eventFilter(QObject* watched, QEvent* event)

@@ -14,6 +14,7 @@ class ConnectDialog;
 class DeveloperMenu;
 class Hotkeys;
 class InspectorWidget;
+class KeyboardDialog;
 class MainMenu;
 class MainNavigationBar;
 class NotificationDialogWrapper;
@@ -72,7 +73,10 @@ private:
     void initStatusBar();
     void initConnection();
     void addView(int index, const QString& caption, const QString& icon, const QString& name, QWidget* view);
+    void initHotkeys();
     void openConfigurationDialog();
+    void openKeyboardDialog();
+    void stepTextSize(int step);
     void showInspector();
 
     QWidget* m_central;
@@ -86,6 +90,7 @@ private:
     NotificationDialogWrapper* m_notificationDialog = nullptr;
     ConfigurationDialog* m_configurationDialog = nullptr;
     ConnectDialog* m_connectDialog = nullptr;
+    KeyboardDialog* m_keyboardDialog = nullptr;
     DeveloperMenu* m_developerMenu = nullptr;
     QPointer<InspectorWidget> m_inspector;
     ClickTestServer* m_clickTestServer = nullptr;

@@ -11,6 +11,8 @@
 #include "common/ui/confirmationdialog.h"
 #include "common/ui/dynamicstyle.h"
 #include "common/ui/fontsizefollower.h"
+#include "common/ui/hotkeys.h"
+#include "common/ui/hotkeytip.h"
 #include "common/ui/iconbutton.h"
 #include "common/ui/iconcache.h"
 #include "common/ui/textinputdialog.h"
@@ -110,19 +112,20 @@ void MediaPanelWidget::buildHeader()
 
     m_search = new ZTEdit(this);
     m_search->setObjectNames(QStringLiteral("MediaPanel-search"));
-    m_search->setToolTip(tr("Lists the slots whose name, file or number holds the text (Ctrl+F)"));
+    setHotkeyTip(m_search, tr("Lists the slots whose name, file or number holds the text"),
+                 {QStringLiteral("find")});
     m_search->setAccessibleName(tr("Search the collection"));
     m_search->setClearButtonEnabled(true);
     m_lens = m_search->addAction(tintedIcon(QStringLiteral("search")), QLineEdit::LeadingPosition);
     m_search->installEventFilter(this);
-    auto* find = new QAction(this);
-    find->setShortcut(QKeySequence::Find);
-    find->setShortcutContext(Qt::WidgetWithChildrenShortcut);
-    connect(find, &QAction::triggered, this, [this] {
-        m_search->setFocus(Qt::ShortcutFocusReason);
-        m_search->selectAll();
-    });
-    addAction(find);
+    const Session* session = Session::instance();
+    if (Hotkeys* hotkeys = session ? session->hotkeys() : nullptr) {
+        const auto find = [this] {
+            m_search->setFocus(Qt::ShortcutFocusReason);
+            m_search->selectAll();
+        };
+        hotkeys->addShortcut(QStringLiteral("find"), this, find, Qt::WindowShortcut, this);
+    }
     connect(m_search, &QLineEdit::textChanged, this, [this](const QString& text) {
         m_model->setSearchText(text);
         updateEmptyText();
@@ -332,11 +335,11 @@ void MediaPanelWidget::showSlotMenu(const QPoint& position)
     menu->setObjectNames(QStringLiteral("MediaPanel-slot-menu"));
     const QPersistentModelIndex kept = index;
     QAction* cue = menu->addEntry(QStringLiteral("mc_play"), tr("Play on preview"));
-    cue->setShortcut(SlotListView::cueKey());
+    cue->setShortcut(Hotkeys::current(QStringLiteral("cue")));
     connect(cue, &QAction::triggered, this, [this, kept] { onActivated(kept); });
     menu->addSeparator();
     QAction* rename = menu->addEntry(QStringLiteral("edit"), tr("Rename"));
-    rename->setShortcut(Qt::Key_F2);
+    rename->setShortcut(Hotkeys::current(QStringLiteral("rename")));
     connect(rename, &QAction::triggered, this, [this, kept] { m_view->edit(kept); });
     QMenu* scaling = menu->addMenu(tr("Scaling"));
     const auto current = static_cast<ScaleMode>(index.data(MediaLibraryModel::ScaleModeRole).toInt());
@@ -353,7 +356,7 @@ void MediaPanelWidget::showSlotMenu(const QPoint& position)
     }
     menu->addSeparator();
     QAction* clear = menu->addEntry(QStringLiteral("trash"), tr("Clear"));
-    clear->setShortcut(Qt::Key_Delete);
+    clear->setShortcut(Hotkeys::current(QStringLiteral("delete")));
     connect(clear, &QAction::triggered, this, &MediaPanelWidget::clearSelectedSlots);
     for (QAction* action : {rename, scaling->menuAction(), clear})
         action->setEnabled(m_connected);

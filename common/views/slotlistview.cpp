@@ -1,7 +1,5 @@
 #include "common/views/slotlistview.h"
 
-#include "common/session/keymap.h"
-#include "common/session/session.h"
 #include "common/ui/colors.h"
 #include "common/ui/hotkeys.h"
 #include "common/ui/hotkeytip.h"
@@ -24,7 +22,7 @@ SlotListView::SlotListView(QWidget* parent)
 {
     setUniformItemSizes(true);
     setSelectionMode(ExtendedSelection);
-    setEditTriggers(EditKeyPressed);
+    setEditTriggers(NoEditTriggers); // its key is in the key map
     setVerticalScrollMode(ScrollPerPixel);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setMouseTracking(true);
@@ -76,20 +74,13 @@ void SlotListView::keyboardSearch(const QString& text)
         Q_EMIT textTyped(text);
 }
 
-QKeySequence SlotListView::cueKey()
-{
-    const Session* session = Session::instance();
-    const QString name = QStringLiteral("cue");
-    return session && session->hotkeys() ? session->hotkeys()->mapping(name)
-                                         : defaultKeymap().value(name).value<QKeySequence>();
-}
-
 bool SlotListView::viewportEvent(QEvent* event)
 {
     if (event->type() == QEvent::ToolTip) {
         auto* help = static_cast<QHelpEvent*>(event);
         const QString text = indexAt(help->pos()).data(Qt::ToolTipRole).toString();
-        const QString keys = tr("Double-click or %1: cue it on preview").arg(keyText(cueKey()));
+        const QString keys =
+            tr("Double-click or %1: cue it on preview").arg(keyText(Hotkeys::current(QStringLiteral("cue"))));
         QToolTip::showText(help->globalPos(),
                            text.isEmpty()
                                ? text
@@ -100,27 +91,30 @@ bool SlotListView::viewportEvent(QEvent* event)
     return QListView::viewportEvent(event);
 }
 
-bool SlotListView::isCue(const QKeyEvent& event)
+bool SlotListView::handleHotkey(const QKeyEvent& event)
 {
-    const int pressed = event.key() == Qt::Key_Enter ? int(Qt::Key_Return) : event.key();
-    const Qt::KeyboardModifiers modifiers = event.modifiers() & ~Qt::KeypadModifier;
-    return cueKey() == QKeySequence(QKeyCombination(modifiers, Qt::Key(pressed)));
+    const QKeySequence key = Hotkeys::pressed(event);
+    if (key.isEmpty())
+        return false;
+    const auto is = [&key](const char* name) { return Hotkeys::current(QLatin1String(name)) == key; };
+    if (is("delete")) {
+        Q_EMIT deleteRequested();
+        return true;
+    }
+    if (is("rename"))
+        return edit(currentIndex(), AllEditTriggers, nullptr);
+    if (is("cue") && currentIndex().isValid() && !event.isAutoRepeat())
+        Q_EMIT activated(currentIndex());
+    // Enter does nothing else where another key cues.
+    return is("cue") || key == QKeySequence(Qt::Key_Return);
 }
 
 void SlotListView::keyPressEvent(QKeyEvent* event)
 {
-    if (event->key() == Qt::Key_Delete && event->modifiers() == Qt::NoModifier) {
-        Q_EMIT deleteRequested();
+    if (handleHotkey(*event))
         event->accept();
-        return;
-    }
-    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter || isCue(*event)) {
-        if (isCue(*event) && currentIndex().isValid() && !event->isAutoRepeat())
-            Q_EMIT activated(currentIndex());
-        event->accept();
-        return;
-    }
-    QListView::keyPressEvent(event);
+    else
+        QListView::keyPressEvent(event);
 }
 
 void SlotListView::changeEvent(QEvent* event)

@@ -13,9 +13,6 @@ class SlotListView : public QListView
 public:
     explicit SlotListView(QWidget* parent = nullptr);
 
-    /// The key that cues the current slot.
-    static QKeySequence cueKey();
-
     const QString& emptyText() const { return m_emptyText; }
     void setEmpty(const QString& icon, const QString& text);
 
@@ -42,8 +39,8 @@ private:
     int gapAt(const QPoint& position) const;
     void showGap(int row);
 
-    /// Whether it is the press of the key that cues.
-    static bool isCue(const QKeyEvent& event);
+    /// Does what the key map says of the key for a list; false for any other key.
+    bool handleHotkey(const QKeyEvent& event);
 
     int m_gap = -1; // the row before which a drop would go
     QString m_emptyIcon;

@@ -24,6 +24,7 @@ QStringList AppProcess::connectTo(const ServerPorts& ports)
 
 bool AppProcess::start(const QStringList& arguments)
 {
+    m_arguments = arguments;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("HOME"), m_home.path());
     environment.insert(QStringLiteral("XDG_CONFIG_HOME"), m_home.filePath(QStringLiteral("config")));
@@ -81,6 +82,12 @@ int AppProcess::stop()
         return -1;
     }
     return m_process.exitStatus() == QProcess::NormalExit ? m_process.exitCode() : -1;
+}
+
+int AppProcess::restart()
+{
+    const int code = stop();
+    return start(QStringList(m_arguments)) ? code : -1;
 }
 
 } // namespace vantrel::test

@@ -23,7 +23,9 @@ public:
     bool isRunning() const { return m_process.state() == QProcess::Running; }
     /// Asks it to end and waits; its exit code, -1 after a crash or the limit.
     int stop();
-    /// All that it wrote so far, its log included.
+    /// Ends it and starts it anew with the same arguments and settings; as stop(), or -1 when it did not start.
+    int restart();
+    /// All that it wrote since its last start, its log included.
     QString output() const;
 
 private:
@@ -32,6 +34,7 @@ private:
 
     QProcess m_process;
     QTemporaryDir m_home;
+    QStringList m_arguments;
     quint16 m_port = 0;
 };
 

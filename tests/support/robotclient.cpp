@@ -17,6 +17,7 @@ RobotClient::~RobotClient() = default;
 
 bool RobotClient::connectTo(quint16 port)
 {
+    m_socket->abort();
     m_socket->connectToHost(QStringLiteral("127.0.0.1"), port);
     return m_socket->waitForConnected(10000);
 }

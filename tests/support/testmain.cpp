@@ -110,7 +110,8 @@ int main(int argc, char** argv)
         if (!only.isEmpty() && only != entry.name)
             continue;
         const std::unique_ptr<QObject> test(entry.make());
-        // The test run installs a handler of its own that hands nothing on, so ours goes in front of that one.
+        // The test run installs a handler of its own that hands nothing on, so ours goes in front of that
+        // one.
         QTest::qInit(test.get(), static_cast<int>(arguments.size()), arguments.data());
         previous = qInstallMessageHandler(watchMessages);
         failures += QTest::qRun();

@@ -1,8 +1,10 @@
 #include "common/ui/hotkeys.h"
 
+#include "common/session/keymap.h"
 #include "tests/common/ui/testsettings.h"
 #include "tests/support/testmain.h"
 
+#include <QFile>
 #include <QShortcut>
 #include <QTest>
 #include <QWidget>
@@ -77,9 +79,96 @@ private Q_SLOTS:
         first.saveKeymap();
         settings.reopen();
         Hotkeys second(&window);
-        second.loadKeymapFromConfiguration();
+        QCOMPARE(second.loadKeymapFromConfiguration(), QString());
         QCOMPARE(second.shortcut(QStringLiteral("redo"))->key(), QKeySequence(QStringLiteral("Ctrl+R")));
         QCOMPARE(second.mapping(QStringLiteral("undo")), QKeySequence(QKeySequence::Undo));
+    }
+
+    void uselessStoredKeysGiveDefaults_data()
+    {
+        QTest::addColumn<QVariant>("stored");
+        QTest::addColumn<QString>("fault"); // none: the keys are used
+        const auto keys = [](std::initializer_list<std::pair<const char*, QVariant>> some) {
+            QMap<QString, QVariant> map{{QStringLiteral("undo"), QKeySequence(QStringLiteral("F8"))}};
+            for (const auto& [name, value] : some)
+                map.insert(QLatin1String(name), value);
+            return QVariant(map);
+        };
+        const QKeySequence f9(Qt::Key_F9);
+        QTest::newRow("sound") << keys({{"take", f9}}) << QString();
+        QTest::newRow("a text that is a key") << keys({{"take", QStringLiteral("F9")}}) << QString();
+        QTest::newRow("none at all") << keys({{"take", QKeySequence()}, {"cue", QKeySequence()}})
+                                     << QString();
+        QTest::newRow("one that nothing answers to") << keys({{"save_as", f9}, {"take", f9}}) << QString();
+        QTest::newRow("of an older version") << keys({{"take", QKeySequence(Qt::Key_F1)}}) << QString();
+        QTest::newRow("twice") << keys({{"take", f9}, {"cue", f9}})
+                               << "\"Take\" and \"Cue the slot on preview\" have the same stored key, F9.";
+        QTest::newRow("reserved") << keys({{"take", QKeySequence(Qt::Key_Escape)}})
+                                  << "The stored key of \"Take\" is reserved.";
+        QTest::newRow("a number") << keys({{"take", 12.5}}) << "The stored key of \"Take\" is none.";
+        QTest::newRow("nonsense") << keys({{"take", QStringLiteral("Banana")}})
+                                  << "The stored key of \"Take\" is none.";
+        QTest::newRow("no map") << QVariant(QStringLiteral("Ctrl+Z")) << "The stored keys cannot be read.";
+    }
+
+    void uselessStoredKeysGiveDefaults()
+    {
+        QFETCH(QVariant, stored);
+        QFETCH(QString, fault);
+        test::TestSettings settings;
+        settings->setValue(KEYMAP, stored);
+        settings.reopen();
+        QWidget window;
+        Hotkeys hotkeys(&window);
+        if (!fault.isEmpty())
+            test::expectWarning(fault);
+        const QString told = hotkeys.loadKeymapFromConfiguration();
+        QVERIFY2(fault.isEmpty() ? told.isEmpty() : told.startsWith(fault), qPrintable(told));
+        QCOMPARE(hotkeys.keymap() == defaultKeymap(), !fault.isEmpty());
+        if (fault.isEmpty()) {
+            QCOMPARE(hotkeys.shortcut(QStringLiteral("undo"))->key(), QKeySequence(Qt::Key_F8));
+            // Whatever the file left out, no two actions share a key.
+            for (const KeyAction& action : keyActions())
+                QVERIFY(!keyHolder(hotkeys.keymap(), hotkeys.mapping(action.name), action.name));
+        }
+    }
+
+    void damagedFileGivesDefaults_data()
+    {
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::addColumn<QString>("fault");
+        QTest::newRow("a map cut short") << QByteArray("[General]\nKEYMAP=\"@Variant(\\0\\0\\0\\b\\0\\0)\"\n")
+                                         << "The stored keys cannot be read.";
+        QTest::newRow("an unknown type") << QByteArray("[General]\nKEYMAP=@Variant(\\0\\0\\xf0\\0\\0)\n")
+                                         << "The stored keys cannot be read.";
+        QTest::newRow("no settings") << QByteArray("\x7f"
+                                                   "ELF\0\1\2\nnothing here\n",
+                                                   22)
+                                     << "The settings file ";
+        QTest::newRow("empty") << QByteArray() << QString();
+    }
+
+    void damagedFileGivesDefaults()
+    {
+        QFETCH(QByteArray, bytes);
+        QFETCH(QString, fault);
+        test::TestSettings settings;
+        settings->setValue(PREVIEW_QUALITY, QStringLiteral("low"));
+        settings->sync();
+        QFile file(settings->fileName());
+        settings.close();
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(bytes);
+        file.close();
+        test::allowWarnings(QStringLiteral("invalid type")); // of the toolkit, on bytes that are no value
+        settings.reopen();
+        QWidget window;
+        Hotkeys hotkeys(&window);
+        if (!fault.isEmpty())
+            test::expectWarning(fault);
+        const QString told = hotkeys.loadKeymapFromConfiguration();
+        QVERIFY2(fault.isEmpty() ? told.isEmpty() : told.startsWith(fault), qPrintable(told));
+        QCOMPARE(hotkeys.keymap(), defaultKeymap());
     }
 };
 

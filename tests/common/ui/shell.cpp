@@ -73,6 +73,7 @@ private Q_SLOTS:
                                       QStringLiteral("Save diagnostics..."),
                                       QStringLiteral("Notifications"),
                                       QStringLiteral("Configuration"),
+                                      QStringLiteral("Keyboard"),
                                       QStringLiteral("About"),
                                       QStringLiteral("Exit")};
         QCOMPARE(texts, expected);

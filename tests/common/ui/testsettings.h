@@ -21,11 +21,17 @@ public:
 
     Configuration* operator->() const { return m_settings.get(); }
     Configuration& operator*() const { return *m_settings; }
+    /// As the end of the program does.
+    void close()
+    {
+        if (m_settings)
+            m_settings->sync();
+        m_settings.reset();
+    }
     /// A second look at the same file, as a later run of the program would take it.
     void reopen()
     {
-        m_settings->sync();
-        m_settings.reset();
+        close();
         m_settings = std::make_unique<Configuration>();
     }
 
