@@ -8,11 +8,13 @@
 
 namespace vantrel {
 
-/// A picture in memory. Format 33 is 24-bit RGB, top row first.
+/// A picture in memory, or what else the preview stream carries in the shape of one. Format 33 is 24-bit RGB,
+/// top row first; for 97 see AudioLevels.
 class Surface : public RefCounted
 {
 public:
     static constexpr int formatRgb24 = 33;
+    static constexpr int formatLevels = 97;
 
     int format = 0;
     int width = 0;  // pixels
@@ -48,6 +50,14 @@ struct PreviewFrame
 {
     std::string source;
     Frame frame;
+
+    /// Whether a newer one of the two makes the other worthless: both are of one source, stream and format.
+    bool isOfOneKindWith(const PreviewFrame& other) const
+    {
+        return source == other.source && frame.getStreamIndex() == other.frame.getStreamIndex() &&
+               formatCode() == other.formatCode();
+    }
+    int formatCode() const { return frame.getSurface() ? frame.getSurface()->format : 0; }
 };
 
 } // namespace vantrel

@@ -33,7 +33,7 @@ struct PreviewClient::State
 
     std::mutex mutex; // for what follows
     std::condition_variable arrived;
-    std::deque<PreviewFrame> waiting; // at most one of a source and stream, the longest waiting first
+    std::deque<PreviewFrame> waiting; // at most one of a kind, the longest waiting first
     std::function<void()> callback;
 };
 
@@ -71,10 +71,8 @@ void PreviewClient::State::push(PreviewFrame&& frame)
     std::function<void()> tell;
     {
         const std::lock_guard lock(mutex);
-        const auto older = std::ranges::find_if(waiting, [&](const PreviewFrame& other) {
-            return other.source == frame.source &&
-                   other.frame.getStreamIndex() == frame.frame.getStreamIndex();
-        });
+        const auto older = std::ranges::find_if(
+            waiting, [&](const PreviewFrame& other) { return other.isOfOneKindWith(frame); });
         if (older != waiting.end())
             *older = std::move(frame);
         else

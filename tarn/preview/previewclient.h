@@ -8,7 +8,7 @@
 namespace vantrel {
 
 /// Reads the preview stream (format: tarn/preview/previewwire.h). A reader that falls behind gets the newest
-/// frame of each source and stream, never a queue.
+/// frame of each source, stream and format, never a queue.
 class PreviewClient : public TcpClient
 {
 public:

@@ -15,7 +15,8 @@ namespace vantrel {
 ///     offset  size
 ///          0     4  magic "OPVW"
 ///          4     2  version, 1
-///          6     2  format code of the pixels, 33 for 24-bit RGB
+///          6     2  format code of the pixels: 33 for 24-bit RGB, 97 for audio levels, whose "pixels" are
+///                   laid out in audiolevels.h; readers pass over codes that they do not know
 ///          8     4  width, pixels
 ///         12     4  height, pixels
 ///         16     4  bytes per line

@@ -1,3 +1,4 @@
+#include "tarn/preview/audiolevels.h"
 #include "tarn/preview/previewclient.h"
 #include "tarn/preview/previewwire.h"
 #include "tests/support/testmain.h"
@@ -108,6 +109,7 @@ private Q_SLOTS:
     void refusesLies_data();
     void refusesLies();
     void encodesNothingThatWouldBeRefused();
+    void levelsTravelAsFrames();
     void givesTheNewestOfEachStream();
     void keepsNoQueue();
     void disconnectEndsRunning();
@@ -176,6 +178,32 @@ void TestPreview::encodesNothingThatWouldBeRefused()
     PreviewFrame lying = picture("s", 0, 0);
     lying.frame.getSurface()->pixels.pop_back();
     QVERIFY(previewwire::encode(lying).empty());
+}
+
+void TestPreview::levelsTravelAsFrames()
+{
+    AudioLevels loud;
+    loud.channels = {{-6.02, -9.03}, {AudioLevels::silence, -400}, {12.5, 0}};
+    Decoder decoder;
+    Decoder::Result result;
+    const std::string bytes = previewwire::encode({"s", Frame(loud.toSurface().get(), 1)}) +
+                              previewwire::encode({"s", Frame(AudioLevels().toSurface().get(), 2)});
+    QCOMPARE(bytes.size(), std::size_t{40 + 1 + 12 + 40 + 1});
+    QCOMPARE(bytes.substr(41, 8), std::string("\xa6\xfd\x79\xfc\x00\x80\x00\x80", 8));
+    const auto frames = decode(decoder, bytes, 3, result);
+    QCOMPARE(frames.size(), std::size_t{2});
+    loud.channels[1].rms = AudioLevels::silence; // nothing is as quiet
+    QVERIFY(AudioLevels::fromSurface(frames[0].frame.getSurface()) == loud);
+    QCOMPARE(loud.peak(), 12.5);
+    QVERIFY(AudioLevels::fromSurface(frames[1].frame.getSurface()) == AudioLevels());
+
+    loud.channels.assign(12, {-1, -1});
+    QCOMPARE(AudioLevels::fromSurface(loud.toSurface().get())->channels.size(), std::size_t{8});
+    const auto damaged = loud.toSurface();
+    damaged->pixels.pop_back();
+    QVERIFY(!AudioLevels::fromSurface(damaged.get()));
+    QVERIFY(!AudioLevels::fromSurface(picture("s", 0, 1).frame.getSurface()));
+    QVERIFY(!AudioLevels::fromSurface(nullptr));
 }
 
 void TestPreview::givesTheNewestOfEachStream()
