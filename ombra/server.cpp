@@ -163,6 +163,11 @@ void Server::startEngine()
         frame.frame.setStreamIndex(picture.stream);
         preview->show(std::move(frame));
     });
+    m_engine->setLevelSink([preview = m_preview.get()](const PreviewLevels& levels) {
+        PreviewFrame frame{levels.source, Frame(levels.levels.toSurface().get(), levels.timeNs)};
+        frame.frame.setStreamIndex(levels.stream);
+        preview->show(std::move(frame));
+    });
 }
 
 void Server::watchMedia()

@@ -23,13 +23,20 @@ void setError(std::string* error, std::string text)
 AVStream* bestStream(AVFormatContext* format, AVMediaType type)
 {
     const int index = av_find_best_stream(format, type, -1, -1, nullptr, 0);
-    return index < 0 ? nullptr : format->streams[index];
+    if (index >= 0)
+        return format->streams[index];
+    // Sound of an unknown kind tells neither channels nor rate, and is there all the same.
+    for (unsigned i = 0; type == AVMEDIA_TYPE_AUDIO && i < format->nb_streams; ++i) {
+        if (format->streams[i]->codecpar->codec_type == type)
+            return format->streams[i];
+    }
+    return nullptr;
 }
 
 } // namespace
 
 std::unique_ptr<AvInput> AvInput::open(const std::filesystem::path& file, const std::atomic<bool>& stop,
-                                       std::string* error)
+                                       std::string* error, Read read)
 {
     routeAvLog();
     std::error_code code;
@@ -71,12 +78,10 @@ std::unique_ptr<AvInput> AvInput::open(const std::filesystem::path& file, const 
         setError(error, "there is neither picture nor sound in it");
         return nullptr;
     }
-    for (unsigned i = 0; i < format->nb_streams; ++i) {
-        AVStream* stream = format->streams[i];
-        stream->discard = stream == input->m_video || (!input->m_video && stream == input->m_audio)
-                              ? AVDISCARD_DEFAULT
-                              : AVDISCARD_ALL;
-    }
+    const bool sound = input->m_audio && (read == Read::Sound || !input->m_video);
+    const AVStream* wanted = sound ? input->m_audio : input->m_video;
+    for (unsigned i = 0; i < format->nb_streams; ++i)
+        format->streams[i]->discard = format->streams[i] == wanted ? AVDISCARD_DEFAULT : AVDISCARD_ALL;
     return input;
 }
 
@@ -138,7 +143,7 @@ AvPtr<AVCodecContext> AvInput::openDecoder(AVStream* stream, std::string* error)
     int result = decoder ? avcodec_parameters_to_context(decoder.get(), stream->codecpar) : AVERROR(ENOMEM);
     if (result >= 0) {
         decoder->pkt_timebase = stream->time_base;
-        decoder->thread_count = isStill() ? 1 : 2;
+        decoder->thread_count = stream == m_audio || isStill() ? 1 : 2;
         result = avcodec_open2(decoder.get(), codec, nullptr);
     }
     if (result < 0) {

@@ -14,10 +14,12 @@ namespace vantrel::ombra {
 class AvInput
 {
 public:
+    enum class Read { Pictures, Sound }; // of files that have both
+
     /// Null, and the reason, for what cannot be opened. The flag, which must outlive the input, ends blocked
     /// calls.
     static std::unique_ptr<AvInput> open(const std::filesystem::path& file, const std::atomic<bool>& stop,
-                                         std::string* error);
+                                         std::string* error, Read read = Read::Pictures);
 
     AVFormatContext* format() const { return m_format.get(); }
     AVStream* video() const { return m_video; } // null without pictures; a cover picture is none

@@ -12,25 +12,88 @@ namespace vantrel::ombra {
 
 namespace {
 
+constexpr double largestSide = 8192; // pixels of a scaled picture
+
 struct Fit
 {
-    int width, height;               // of the picture, upright
-    int left, top;                   // of the picture on the surface
-    int surfaceWidth, surfaceHeight; // pixels
+    int width = 1, height = 1;               // of the picture, upright
+    int left = 0, top = 0;                   // of the picture on the surface; negative where it is cut
+    int surfaceWidth = 1, surfaceHeight = 1; // pixels
+    int x0 = 0, y0 = 0, x1 = 1, y1 = 1;      // what of the surface the picture covers
 };
 
-Fit fitInto(Canvas canvas, double width, double height)
+Fit shrinkOnly(int canvasWidth, double width, double height)
 {
-    if (canvas.height <= 0) {
-        const double scale = std::min(1.0, canvas.width / width);
-        const int w = std::max(1, static_cast<int>(std::lround(width * scale)));
-        const int h = std::clamp(static_cast<int>(std::lround(height * scale)), 1, 4 * canvas.width);
-        return {w, h, 0, 0, w, h};
+    Fit fit;
+    const double scale = std::min(1.0, canvasWidth / width);
+    fit.surfaceWidth = fit.width = std::max(1, static_cast<int>(std::lround(width * scale)));
+    fit.surfaceHeight = fit.height =
+        std::clamp(static_cast<int>(std::lround(height * scale)), 1, 4 * canvasWidth);
+    fit.x1 = fit.width;
+    fit.y1 = fit.height;
+    return fit;
+}
+
+/// How much the picture is enlarged to stand in an output of this size, both in pixels of the canvas.
+std::pair<double, double> scalesOf(ScaleMode mode, double native, double acrossRatio, double downRatio)
+{
+    switch (mode) {
+    case ScaleMode::Stretch:
+        return {acrossRatio, downRatio};
+    case ScaleMode::Clip:
+        return {std::max(acrossRatio, downRatio), std::max(acrossRatio, downRatio)};
+    case ScaleMode::Centered:
+    case ScaleMode::TopLeft:
+    case ScaleMode::TopRight:
+    case ScaleMode::BottomLeft:
+    case ScaleMode::BottomRight:
+        return {native, native};
+    case ScaleMode::Default:
+    case ScaleMode::Fit:
+        break;
     }
-    const double scale = std::min(canvas.width / width, canvas.height / height);
-    const int w = std::clamp(static_cast<int>(std::lround(width * scale)), 1, canvas.width);
-    const int h = std::clamp(static_cast<int>(std::lround(height * scale)), 1, canvas.height);
-    return {w, h, (canvas.width - w) / 2, (canvas.height - h) / 2, canvas.width, canvas.height};
+    return {std::min(acrossRatio, downRatio), std::min(acrossRatio, downRatio)};
+}
+
+/// Where the picture begins on a side: 0 at its start, 2 at its end, 1 in the middle.
+int placed(int regionStart, int regionSize, int size, int alignment)
+{
+    const int room = regionSize - size;
+    return regionStart + (alignment == 0 ? 0 : alignment == 2 ? room : (room - (room < 0 ? 1 : 0)) / 2);
+}
+
+Fit fitInto(const Canvas& canvas, double width, double height)
+{
+    if (canvas.height <= 0)
+        return shrinkOnly(canvas.width, width, height);
+    // The output's own picture in the canvas: all of it, where they are of one shape.
+    const double native = std::min(canvas.width / std::max(1.0, double(canvas.outputWidth)),
+                                   canvas.height / std::max(1.0, double(canvas.outputHeight)));
+    const int regionWidth =
+        std::clamp(static_cast<int>(std::lround(canvas.outputWidth * native)), 1, canvas.width);
+    const int regionHeight =
+        std::clamp(static_cast<int>(std::lround(canvas.outputHeight * native)), 1, canvas.height);
+    const int regionLeft = (canvas.width - regionWidth) / 2;
+    const int regionTop = (canvas.height - regionHeight) / 2;
+
+    const ScaleMode mode = canvas.scaling;
+    const auto [across, down] = scalesOf(mode, native, regionWidth / width, regionHeight / height);
+    Fit fit;
+    fit.width = static_cast<int>(std::lround(std::clamp(width * across, 1.0, largestSide)));
+    fit.height = static_cast<int>(std::lround(std::clamp(height * down, 1.0, largestSide)));
+    const bool left = mode == ScaleMode::TopLeft || mode == ScaleMode::BottomLeft;
+    const bool right = mode == ScaleMode::TopRight || mode == ScaleMode::BottomRight;
+    const bool top = mode == ScaleMode::TopLeft || mode == ScaleMode::TopRight;
+    const bool bottom = mode == ScaleMode::BottomLeft || mode == ScaleMode::BottomRight;
+    fit.left = placed(regionLeft, regionWidth, fit.width, left ? 0 : right ? 2 : 1);
+    fit.top = placed(regionTop, regionHeight, fit.height, top ? 0 : bottom ? 2 : 1);
+    fit.surfaceWidth = canvas.width;
+    fit.surfaceHeight = canvas.height;
+    fit.x0 = std::max(regionLeft, fit.left);
+    fit.y0 = std::max(regionTop, fit.top);
+    fit.x1 = std::min(regionLeft + regionWidth, fit.left + fit.width);
+    fit.y1 = std::min(regionTop + regionHeight, fit.top + fit.height);
+    return fit;
 }
 
 /// Cameras write how they were held into their stills.
@@ -105,14 +168,17 @@ Ref<Surface> FrameScaler::scale(const AVFrame& frame, int quarterTurns, AVRation
     surface->bytesPerLine = fit.surfaceWidth * 3;
     surface->pixels.assign(static_cast<std::size_t>(surface->bytesPerLine) * fit.surfaceHeight, 0);
     const int bytes = alpha ? 4 : 3;
-    for (int y = 0; y < fit.height; ++y) {
-        std::uint8_t* line = surface->pixels.data() +
-                             static_cast<std::size_t>(fit.top + y) * surface->bytesPerLine + fit.left * 3;
+    for (int row = fit.y0; row < fit.y1; ++row) {
+        const int y = row - fit.top;
+        std::uint8_t* line = surface->pixels.data() + static_cast<std::size_t>(row) * surface->bytesPerLine;
         if (turns == 0 && !alpha) {
-            std::memcpy(line, m_scaled.data() + static_cast<std::size_t>(y) * m_stride, fit.width * 3);
+            std::memcpy(line + fit.x0 * 3,
+                        m_scaled.data() + static_cast<std::size_t>(y) * m_stride + (fit.x0 - fit.left) * 3,
+                        static_cast<std::size_t>(fit.x1 - fit.x0) * 3);
             continue;
         }
-        for (int x = 0; x < fit.width; ++x) {
+        for (int column = fit.x0; column < fit.x1; ++column) {
+            const int x = column - fit.left;
             const int fromX = turns == 0   ? x
                               : turns == 1 ? y
                               : turns == 2 ? scaledWidth - 1 - x
@@ -121,7 +187,7 @@ Ref<Surface> FrameScaler::scale(const AVFrame& frame, int quarterTurns, AVRation
                               : turns == 1 ? scaledHeight - 1 - x
                               : turns == 2 ? scaledHeight - 1 - y
                                            : x;
-            copyPixel(line + x * 3,
+            copyPixel(line + column * 3,
                       m_scaled.data() + static_cast<std::size_t>(fromY) * m_stride + fromX * bytes, alpha);
         }
     }

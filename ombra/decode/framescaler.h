@@ -5,8 +5,8 @@
 
 namespace vantrel::ombra {
 
-/// Turns decoded frames into surfaces of the canvas: fitted, turned upright, on black. Keeps the scaler
-/// between frames of one kind. One thread.
+/// Turns decoded frames into surfaces of the canvas: scaled as it says, turned upright, on black. Keeps the
+/// scaler between frames of one kind. One thread.
 class FrameScaler
 {
 public:

@@ -1,5 +1,6 @@
 #include "ombra/decode/mediaprobe.h"
 
+#include "ombra/decode/audioreader.h"
 #include "ombra/decode/avinput.h"
 #include "ombra/decode/mediaurl.h"
 #include "ombra/decode/videoreader.h"
@@ -20,22 +21,6 @@ void setError(std::string* error, const char* text)
 {
     if (error)
         *error = text;
-}
-
-/// Whether the first packets of the sound decode.
-bool soundDecodes(const AvInput& input)
-{
-    const AvPtr<AVCodecContext> decoder = input.openDecoder(input.audio(), nullptr);
-    const AvPtr<AVPacket> packet(av_packet_alloc());
-    const AvPtr<AVFrame> frame(av_frame_alloc());
-    for (int tries = 0; decoder && tries < 50 && av_read_frame(input.format(), packet.get()) >= 0; ++tries) {
-        if (packet->stream_index == input.audio()->index)
-            avcodec_send_packet(decoder.get(), packet.get());
-        av_packet_unref(packet.get());
-        if (avcodec_receive_frame(decoder.get(), frame.get()) >= 0)
-            return true;
-    }
-    return false;
 }
 
 std::string textOf(const char* text)
@@ -80,14 +65,14 @@ std::int64_t bitRateOf(const AvInput& input)
     return std::max<std::int64_t>(input.format()->bit_rate, 0);
 }
 
-void describeSound(const AvInput& input, MediaInfo& info)
+void describeSound(const std::filesystem::path& file, const AvInput& input, MediaInfo& info)
 {
     const AVCodecParameters& sound = *input.audio()->codecpar;
     info.audioCodec = avcodec_get_name(sound.codec_id);
     info.audioProfile = textOf(avcodec_profile_name(sound.codec_id, sound.profile));
     info.audioChannels = sound.ch_layout.nb_channels;
     info.sampleRate = sound.sample_rate;
-    info.unsupportedAudio = avcodec_find_decoder(sound.codec_id) == nullptr;
+    info.unsupportedAudio = !AudioReader::open(file, never, nullptr);
 }
 
 void describePictures(const AvInput& input, MediaInfo& info)
@@ -129,12 +114,12 @@ std::optional<MediaInfo> probeFile(const std::filesystem::path& file, std::strin
     if (!input)
         return info;
     if (input->audio())
-        describeSound(*input, info);
+        describeSound(file, *input, info);
     if (!input->video()) {
         info.type = MediaType::AudioFile;
         info.codec = info.audioCodec;
         info.duration = input->duration();
-        info.playable = soundDecodes(*input);
+        info.playable = !info.unsupportedAudio;
         if (!info.playable)
             setError(error, "its sound cannot be decoded");
         return info;

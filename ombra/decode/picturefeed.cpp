@@ -7,11 +7,12 @@
 namespace vantrel::ombra {
 
 PictureFeed::PictureFeed(MediaSource source, Canvas canvas, double start, std::string name,
-                         std::function<void()> arrived)
+                         std::function<void()> arrived, PictureOpener open)
     : m_source(std::move(source))
-    , m_canvas(canvas)
     , m_name(std::move(name))
     , m_arrived(std::move(arrived))
+    , m_open(std::move(open))
+    , m_canvas(canvas)
     , m_seekTo(start)
     , m_thread([this] { run(); })
 {
@@ -31,19 +32,36 @@ void PictureFeed::seek(double time)
 {
     {
         const std::lock_guard lock(m_mutex);
-        if (!m_seekTo && reuse(time)) {
+        if (!m_seekTo && reuse(time))
             m_first = true;
-        } else {
-            m_queue.clear();
-            m_taken.reset();
-            m_first = true;
-            m_status.ended = false;
-            m_status.failed = m_status.failed && !m_status.opened; // another place may be whole
-            m_seekTo = time;
-        }
+        else
+            seekAfresh(time);
     }
     m_work.notify_all();
     m_arrived(); // harmless where nothing arrived, and needed where it was there already
+}
+
+bool PictureFeed::setCanvas(Canvas canvas, double time)
+{
+    {
+        const std::lock_guard lock(m_mutex);
+        if (canvas == m_canvas)
+            return false;
+        m_canvas = canvas;
+        seekAfresh(m_seekTo.value_or(time));
+    }
+    m_work.notify_all();
+    return true;
+}
+
+void PictureFeed::seekAfresh(double time)
+{
+    m_queue.clear();
+    m_taken.reset();
+    m_first = true;
+    m_status.ended = false;
+    m_status.failed = m_status.failed && !m_status.opened; // another place may be whole
+    m_seekTo = time;
 }
 
 /// Whether the picture of the time is at hand, and then the queue begins with it.
@@ -88,20 +106,25 @@ PictureFeed::Status PictureFeed::status() const
     return m_status;
 }
 
+bool PictureFeed::isBehind() const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_queue.empty() && !m_status.ended && !m_status.failed;
+}
+
 void PictureFeed::run()
 {
-    std::string error;
-    const std::unique_ptr<PictureReader> reader = openReader(m_source, m_canvas, m_stop, &error);
     std::unique_lock lock(m_mutex);
-    if (!reader) {
-        fail(lock, error);
-        return;
-    }
-    m_status.opened = true;
-    m_status.type = reader->type();
-    m_status.fps = reader->fps();
-    m_status.duration = reader->duration();
+    std::unique_ptr<PictureReader> reader;
+    Canvas canvas;
     while (!m_stop) {
+        // What a reader makes is of one canvas: another one takes another reader.
+        if (!reader || canvas != m_canvas) {
+            canvas = m_canvas;
+            if (!openAnew(lock, reader, canvas))
+                return;
+            continue;
+        }
         if (!m_seekTo && (m_queue.size() >= ahead || m_status.ended || m_status.failed)) {
             m_work.wait(lock);
             continue;
@@ -114,6 +137,25 @@ void PictureFeed::run()
         if (!m_seekTo && !m_stop)
             accept(lock, found, std::move(picture), target.has_value());
     }
+}
+
+bool PictureFeed::openAnew(std::unique_lock<std::mutex>& lock, std::unique_ptr<PictureReader>& reader,
+                           const Canvas& canvas)
+{
+    lock.unlock();
+    reader.reset();
+    std::string error;
+    reader = m_open(m_source, canvas, m_stop, &error);
+    lock.lock();
+    if (!reader) {
+        fail(lock, error);
+        return false;
+    }
+    m_status.opened = true;
+    m_status.type = reader->type();
+    m_status.fps = reader->fps();
+    m_status.duration = reader->duration();
+    return true;
 }
 
 void PictureFeed::accept(std::unique_lock<std::mutex>& lock, bool found, Picture picture, bool sought)

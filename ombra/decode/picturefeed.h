@@ -30,34 +30,42 @@ public:
     /// Opens the medium and decodes from start (seconds) on. arrived is called on the feed's thread when the
     /// first picture after a seek, or a failure, is there; name stands for the medium in the log.
     PictureFeed(MediaSource source, Canvas canvas, double start, std::string name,
-                std::function<void()> arrived);
+                std::function<void()> arrived, PictureOpener open = openReader);
     ~PictureFeed();
     PictureFeed(const PictureFeed&) = delete;
     PictureFeed& operator=(const PictureFeed&) = delete;
 
     /// Throws away what is decoded, unless the picture of that time is among it.
     void seek(double time);
+    /// From the picture of that time on, everything on another canvas; false where it is the same one.
+    bool setCanvas(Canvas canvas, double time);
     /// The newest picture at or before the time that was not taken yet, older ones are dropped. The first
     /// after a seek comes whatever its time.
     std::optional<Picture> take(double time);
     Status status() const;
+    /// Whether the picture after the one taken last is still to be decoded.
+    bool isBehind() const;
 
 private:
     static constexpr std::size_t ahead = 6; // pictures
 
     void run();
+    bool openAnew(std::unique_lock<std::mutex>& lock, std::unique_ptr<PictureReader>& reader,
+                  const Canvas& canvas);
+    void seekAfresh(double time);
     bool reuse(double time);
     void accept(std::unique_lock<std::mutex>& lock, bool found, Picture picture, bool sought);
     void fail(std::unique_lock<std::mutex>& lock, const std::string& error);
 
     const MediaSource m_source;
-    const Canvas m_canvas;
     const std::string m_name;
     const std::function<void()> m_arrived;
+    const PictureOpener m_open;
     std::atomic<bool> m_stop{false};
 
     mutable std::mutex m_mutex;
     std::condition_variable m_work;
+    Canvas m_canvas;
     std::deque<Picture> m_queue;
     std::optional<Picture> m_taken; // the one taken last, while it lies directly before the queue
     std::optional<double> m_seekTo; // asked for, not begun

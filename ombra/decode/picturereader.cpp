@@ -35,6 +35,8 @@ std::unique_ptr<PictureReader> openReader(const MediaSource& source, Canvas canv
     if (!input)
         return nullptr;
     if (!input->video()) {
+        if (!input->openDecoder(input->audio(), error))
+            return nullptr; // nothing of it would be seen or heard
         const double duration = input->duration();
         return std::make_unique<ConstantReader>(MediaType::AudioFile, blackSurface(canvas), duration);
     }

@@ -6,6 +6,7 @@
 
 #include <atomic>
 #include <filesystem>
+#include <functional>
 #include <limits>
 #include <memory>
 #include <optional>
@@ -13,12 +14,17 @@
 
 namespace vantrel::ombra {
 
-/// The size of the pictures that a reader makes, in pixels. The media's picture is fitted into it with black
-/// bars; with a height of 0 there are none: the surface is as high as the picture needs, and never enlarged.
+/// The pictures that a reader makes: an image of the output's picture, and how the media stands in that, on
+/// black. All in pixels. With a height of 0 there is no output: the surface is as high as the media's picture
+/// needs, and never enlarged.
 struct Canvas
 {
     int width = 480;
     int height = 270;
+    ScaleMode scaling = ScaleMode::Fit; // Default means Fit
+    int outputWidth = 1920;             // what 1:1 refers to; the output's picture is fitted into the canvas
+    int outputHeight = 1080;
+    friend bool operator==(const Canvas&, const Canvas&) = default;
 };
 
 /// One decoded picture. Its surface may be shared with others: never write into it.
@@ -70,9 +76,11 @@ public:
 };
 
 /// Opens what the source names, whatever kind it is. Sound without pictures reads as black. Null, and the
-/// reason.
+/// reason. The flag must outlive the reader.
 std::unique_ptr<PictureReader> openReader(const MediaSource& source, Canvas canvas,
                                           const std::atomic<bool>& stop, std::string* error);
+
+using PictureOpener = std::function<decltype(openReader)>;
 
 /// A black surface of the canvas's size.
 Ref<Surface> blackSurface(Canvas canvas);

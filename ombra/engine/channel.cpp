@@ -71,12 +71,13 @@ bool Channel::take(const Json& args, std::string* error)
     const std::optional<double> onAirAt = keep(m_program);
     std::shared_ptr<Deck> deck;
     if (!options.swap) {
-        deck = m_preview.makeDeck(cued, keep(m_preview), SourcePlayState::Play);
+        deck = m_program.makeDeck(cued, keep(m_preview), SourcePlayState::Play);
     } else if ((deck = m_preview.player().release())) {
         // The very deck goes over, so that a playing preview runs on without a break.
         if (fromInpoint)
             deck->seekInpoint();
         deck->setState(SourcePlayState::Play);
+        deck->setCanvas(m_program.canvasOf(cued));
     }
     m_program.player().load(std::move(deck), options.transition, options.duration);
     m_program.setLoaded(cued);

@@ -10,17 +10,29 @@ namespace {
 /// Less than any picture, more than the tolerance of a seek: a time this much before an end means the picture
 /// before.
 constexpr double beforeEnd = 0.001;
+/// Seconds for which pictures wait for the sound to begin with them.
+constexpr double soundPatience = 0.5;
+/// Seconds by which a picture may miss its time: what falls between two moments of the mixing clock.
+constexpr double lateTolerance = 0.06;
+
+/// Sequences of pictures have no sound.
+std::filesystem::path soundFile(const MediaSource& source)
+{
+    return source.sequence ? std::filesystem::path() : source.file;
+}
 
 } // namespace
 
 Deck::Deck(MediaSource source, const MediaItem& item, EndAction endAction, Canvas canvas,
-           std::optional<double> position, SourcePlayState state, std::function<void()> wake)
+           std::optional<double> position, SourcePlayState state, std::function<void()> wake,
+           PictureOpener open)
     : m_item(item)
     , m_endAction(endAction)
     , m_state(state)
     , m_target(position.value_or(item.inpoint))
     , m_position(m_target)
-    , m_feed(std::move(source), canvas, m_target, item.contentUrl, std::move(wake))
+    , m_audio(soundFile(source), m_target, item.contentUrl, wake)
+    , m_feed(std::move(source), canvas, m_target, item.contentUrl, wake, std::move(open))
 {
 }
 
@@ -30,8 +42,10 @@ void Deck::setState(SourcePlayState state)
         start(m_item.inpoint);
     if (state == SourcePlayState::Play && m_atEnd)
         start(m_item.inpoint);
-    if (state != m_state)
+    if (state != m_state) {
         m_clockStart.reset();
+        m_soundAwaitedSince.reset();
+    }
     m_state = state;
 }
 
@@ -41,6 +55,17 @@ void Deck::setItem(const MediaItem& item)
     m_item = item;
     if (moved && m_state == SourcePlayState::Stop)
         start(m_item.inpoint);
+}
+
+void Deck::setCanvas(Canvas canvas)
+{
+    const bool changed = m_feed.setCanvas(canvas, m_awaiting     ? m_target
+                                                  : m_clockStart ? m_clock
+                                                                 : m_position);
+    if (!changed || m_awaiting || m_clockStart)
+        return;
+    m_target = m_position; // the picture that stands is shown once more
+    m_awaiting = true;
 }
 
 void Deck::seek(double position)
@@ -78,12 +103,17 @@ void Deck::start(double position)
     m_atEnd = false;
     m_endedNews = false;
     m_clockStart.reset();
+    m_soundAwaitedSince.reset();
+    m_audio.seek(position);
     m_feed.seek(position);
 }
 
 void Deck::advance(double now)
 {
     const PictureFeed::Status status = m_feed.status();
+    m_sound.channels = 0;
+    m_sound.samples.clear();
+    m_late = false;
     if (status.failed) {
         m_awaiting = false;
         m_surface = nullptr;
@@ -97,31 +127,59 @@ void Deck::advance(double now)
     }
     if (m_toOutpoint && status.opened)
         seekOutpoint();
+    const bool playing = m_state == SourcePlayState::Play && !m_atEnd;
     if (m_awaiting) {
-        const std::optional<Picture> picture = m_feed.take(m_target);
+        const std::optional<Picture> picture =
+            playing && !soundIsDue(now) ? std::nullopt : m_feed.take(m_target);
         if (!picture)
             return;
         show(*picture);
         m_awaiting = false;
     }
-    if (m_state != SourcePlayState::Play || m_atEnd)
-        return;
+    if (playing && (m_clockStart || soundIsDue(now)))
+        play(now, status);
+}
+
+/// Pictures and sound begin together: whether the sound is there, or was waited for long enough.
+bool Deck::soundIsDue(double now)
+{
+    if (!m_soundAwaitedSince)
+        m_soundAwaitedSince = now;
+    return m_audio.ready() || now - *m_soundAwaitedSince >= soundPatience;
+}
+
+void Deck::play(double now, const PictureFeed::Status& status)
+{
     if (!m_clockStart) {
         m_clockStart = now;
         m_clockPosition = m_position;
+        m_heardTo = m_position;
     }
-    const double position = m_clockPosition + now - *m_clockStart;
+    m_clock = m_clockPosition + now - *m_clockStart;
     const double limit = end(status, true);
-    if (position > limit - PictureReader::tolerance)
+    hear(std::min(m_clock, limit));
+    if (m_clock > limit - PictureReader::tolerance) {
         finish(limit);
-    else if (const std::optional<Picture> picture = m_feed.take(position))
+        return;
+    }
+    if (const std::optional<Picture> picture = m_feed.take(m_clock))
         show(*picture);
+    m_late = m_clock > m_position + m_shownFor + lateTolerance && m_feed.isBehind();
+}
+
+/// Takes the sound up to a position of the clock.
+void Deck::hear(double to)
+{
+    if (to > m_heardTo)
+        m_audio.take(m_heardTo, to, m_sound);
+    m_heardTo = std::max(m_heardTo, to);
 }
 
 void Deck::show(const Picture& picture)
 {
     m_surface = picture.surface;
     m_position = picture.time;
+    m_shownFor = picture.duration;
 }
 
 void Deck::finish(double end)

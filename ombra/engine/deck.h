@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ombra/decode/audiofeed.h"
 #include "ombra/decode/picturefeed.h"
 #include "ombra/engine/slotsource.h"
 #include "tarn/media/enums.h"
@@ -10,20 +11,23 @@
 
 namespace vantrel::ombra {
 
-/// One medium being played: its feed, its clock and what happens at its end. Belongs to a Player; both the
-/// controlling and the mixing thread call it under the engine's lock, and nothing here waits. Times are
-/// seconds of the media; "now" is the mixing clock in seconds.
+/// One medium being played: its feeds of pictures and of sound, its clock and what happens at its end.
+/// Belongs to a Player; both the controlling and the mixing thread call it under the engine's lock, and
+/// nothing here waits. Times are seconds of the media; "now" is the mixing clock in seconds.
 class Deck
 {
 public:
     /// Starts to decode at the position (at the in point where there is none), in the given state.
     Deck(MediaSource source, const MediaItem& item, EndAction endAction, Canvas canvas,
-         std::optional<double> position, SourcePlayState state, std::function<void()> wake);
+         std::optional<double> position, SourcePlayState state, std::function<void()> wake,
+         PictureOpener open = openReader);
 
     void setState(SourcePlayState state);
     void setEndAction(EndAction action) { m_endAction = action; }
     /// New in and out points and duration of the same medium; playback goes on where it is.
     void setItem(const MediaItem& item);
+    /// How the pictures are made from now on; playback goes on where it is.
+    void setCanvas(Canvas canvas);
     void seek(double position);
     void seekInpoint() { seek(m_item.inpoint); }
     /// To the last picture before the out point.
@@ -35,8 +39,13 @@ public:
     void advance(double now);
 
     const Ref<Surface>& surface() const { return m_surface; } // null before the first picture
-    double position() const { return m_position; }            // of the surface
-    double target() const { return m_target; }                // what was sought last
+    const Sound& sound() const { return m_sound; }            // played since the advance before
+    /// Of the medium; nothing until they are known.
+    std::optional<int> channels() const { return m_audio.channels(); }
+    /// Whether the picture for this moment should have been decoded by now, and was not.
+    bool late() const { return m_late; }
+    double position() const { return m_position; } // of the surface
+    double target() const { return m_target; }     // what was sought last
     SourcePlayState state() const { return m_state; }
     bool landed() const { return !m_awaiting; } // what is shown is what was sought last
     bool failed() const { return m_feed.status().failed; }
@@ -52,6 +61,9 @@ private:
     double end(const PictureFeed::Status& status, bool playing) const;
     double seekLimit() const;
     void start(double position);
+    bool soundIsDue(double now);
+    void play(double now, const PictureFeed::Status& status);
+    void hear(double to);
     void show(const Picture& picture);
     void finish(double end);
 
@@ -63,11 +75,19 @@ private:
     bool m_toOutpoint = false; // the target is the out point, which is not known yet
     bool m_atEnd = false;
     bool m_endedNews = false;
-    std::optional<double> m_clockStart; // "now" at which m_clockPosition was shown, while playing
+    bool m_late = false;
+    std::optional<double> m_soundAwaitedSince; // "now"
+    std::optional<double> m_clockStart;        // "now" at which m_clockPosition was shown, while playing
     double m_clockPosition = 0;
+    double m_clock = 0;   // the position by the clock, which runs on between pictures
+    double m_heardTo = 0; // the position up to which the sound was taken
+    Sound m_sound;
     Ref<Surface> m_surface;
     double m_position;
-    PictureFeed m_feed; // last: its thread calls wake
+    double m_shownFor = 0; // seconds that the surface stands
+    // Last: their threads call wake.
+    AudioFeed m_audio;
+    PictureFeed m_feed;
 };
 
 } // namespace vantrel::ombra

@@ -17,6 +17,7 @@ namespace vantrel::ombra {
 namespace {
 
 constexpr const char* channelsPath = "/device/channels";
+constexpr const char* outputsPath = "/device/system/gpus/0/outputs";
 
 /// The place below /device/channels that a path names.
 struct Place
@@ -52,10 +53,12 @@ public:
         : m_io(io)
         , m_scene(scene)
         , m_source(library)
-        , m_studio{m_source, std::move(config.mediaFolder),
+        , m_studio{m_source,
+                   std::move(config.mediaFolder),
                    Canvas{config.previewWidth, config.previewWidth * 9 / 16},
                    blackSurface({config.previewWidth, config.previewWidth * 9 / 16}),
-                   [this] { m_mixer.wake(); }}
+                   [this] { m_mixer.wake(); },
+                   std::move(config.open)}
         , m_mixer(m_studio.lock, config.framesPerSecond, [this] { schedulePublish(); })
     {
         addChannels();
@@ -77,7 +80,7 @@ public:
         bool done = false;
         if (Playback* playback = playbackOf(*channel, place.child)) {
             if (place.method == "selectAudioDevice")
-                return selectAudioDevice(playback->path(), args, error);
+                return selectAudioDevice(*playback, args, error);
             done = playback->invoke(place.method, args, error);
         } else if (place.child.empty() && place.method == "take") {
             done = channel->take(args, error);
@@ -111,6 +114,8 @@ public:
                 playback->setEndAction(action);
         } else if (property->name == "media") {
             playback->setMedia(value.asString());
+        } else {
+            playback->followSound(*object);
         }
         publish(); // also puts right what a client may not write
     }
@@ -160,12 +165,46 @@ private:
         while (m_channels.size() < count) {
             const std::string path = std::string(channelsPath) + '/' + std::to_string(m_channels.size());
             m_channels.push_back(std::make_unique<Channel>(m_studio, path));
+            followSound(m_channels.back()->preview());
+            followSound(m_channels.back()->program());
             m_mixer.add(m_channels.back()->preview());
             m_mixer.add(m_channels.back()->program());
         }
     }
 
-    bool selectAudioDevice(const std::string& path, const Json& args, std::string* error)
+    void followSound(Playback& playback)
+    {
+        if (const Object* object = m_scene.findObject(playback.path()))
+            playback.followSound(*object);
+    }
+
+    /// The canvas of a channel's playback: its mapping (the first is preview's, the second program's) has the
+    /// scaling and names the output.
+    Canvas outputOf(std::size_t channel, int mapping) const
+    {
+        Canvas canvas = m_studio.canvas;
+        const Object* at = m_scene.findObject(std::string(channelsPath) + '/' + std::to_string(channel) +
+                                              "/mappings/" + std::to_string(mapping));
+        Variant scaling, target;
+        if (!at || !at->getProperty("defaultScaleMode", scaling) || !at->getProperty("target", target))
+            return canvas;
+        canvas.scaling = scaling.as<ScaleMode>();
+        const Object* outputs = m_scene.findObject(outputsPath);
+        for (int i = 0; outputs && i < outputs->childCount(); ++i) {
+            Variant name, width, height;
+            const Object* output = outputs->childAt(i);
+            if (!output->getProperty("name", name) || name.asString() != target.asString() ||
+                !output->getProperty("width", width) || !output->getProperty("height", height))
+                continue;
+            if (width.as<int>() > 0 && height.as<int>() > 0) {
+                canvas.outputWidth = width.as<int>();
+                canvas.outputHeight = height.as<int>();
+            }
+        }
+        return canvas;
+    }
+
+    bool selectAudioDevice(Playback& playback, const Json& args, std::string* error)
     {
         const Json* device = args.find("device");
         AudioPlaybackDevice value;
@@ -174,7 +213,9 @@ private:
                 *error = "the argument 'device' must name an audio device";
             return false;
         }
-        m_scene.replaceProperty(m_scene.find(path + "/properties/audioDevice"), Variant::from(value));
+        m_scene.replaceProperty(m_scene.find(playback.path() + "/properties/audioDevice"),
+                                Variant::from(value));
+        followSound(playback);
         return true;
     }
 
@@ -194,9 +235,11 @@ private:
     void publish()
     {
         addChannels();
-        for (const std::unique_ptr<Channel>& channel : m_channels) {
-            channel->preview().publish(m_scene);
-            channel->program().publish(m_scene);
+        for (std::size_t i = 0; i < m_channels.size(); ++i) {
+            m_channels[i]->preview().setOutput(outputOf(i, 0));
+            m_channels[i]->program().setOutput(outputOf(i, 1));
+            m_channels[i]->preview().publish(m_scene);
+            m_channels[i]->program().publish(m_scene);
         }
     }
 
@@ -220,6 +263,11 @@ Engine::~Engine() = default;
 void Engine::setPreviewSink(std::function<void(PreviewPicture)> sink)
 {
     m_impl->mixer().setSink(std::move(sink));
+}
+
+void Engine::setLevelSink(std::function<void(PreviewLevels)> sink)
+{
+    m_impl->mixer().setLevelSink(std::move(sink));
 }
 
 bool Engine::invoke(PathView methodPath, const Json& args, std::string* error)

@@ -1,7 +1,9 @@
 #pragma once
 
+#include "ombra/decode/picturereader.h"
 #include "tarn/json/json.h"
 #include "tarn/json/path.h"
+#include "tarn/preview/audiolevels.h"
 #include "tarn/preview/frame.h"
 #include "tarn/ref.h"
 
@@ -33,11 +35,21 @@ struct PreviewPicture
     Ref<Surface> surface;
 };
 
+/// How loud a playback was since the levels before.
+struct PreviewLevels
+{
+    std::string source; // as above
+    int stream = 0;
+    long long timeNs = 0;
+    AudioLevels levels;
+};
+
 struct EngineConfig
 {
     std::filesystem::path mediaFolder;
     int previewWidth = 480; // pixels; pictures are 16:9
     int framesPerSecond = 25;
+    PictureOpener open = openReader;
 };
 
 /// Plays the library's media on the scene's channels and publishes what happens into the scene. Made, used
@@ -53,13 +65,17 @@ public:
 
     /// Called on the mixing thread: at every new picture, and a few times a second while nothing changes.
     void setPreviewSink(std::function<void(PreviewPicture)> sink);
+    /// The same for the sound: with every picture's time in which the levels changed, and a few times a
+    /// second.
+    void setLevelSink(std::function<void(PreviewLevels)> sink);
 
     /// A method of a channel or of a playback that a client invoked, "/device/channels/0/methods/take".
     /// False, and a message for the client, when there is no such object, method or argument.
     bool invoke(PathView methodPath, const Json& args, std::string* error);
 
-    /// A client wrote a property that the scene holds already: state, media, endAction, volume or muted of a
-    /// playback. Everything else is ignored.
+    /// A client wrote a property that the scene holds already: state, media, endAction, volume, muted or
+    /// audioDevice of a playback, or one of an output that decides how pictures stand in it. Everything else
+    /// is ignored.
     void propertyWritten(Object* object, const PropertyInfo* property);
 
     /// The library changed: players take over new in and out points, end actions and durations, and stop

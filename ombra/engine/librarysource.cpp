@@ -30,6 +30,7 @@ MediaItem toItem(const MediaSlot& slot)
     item.contentUrl = slot.getUrl();
     item.inpoint = std::max(0.0, slot.getInpoint());
     item.outpoint = slot.getOutpoint();
+    item.scaling = slot.getScaleMode();
     if (slot.isFinite())
         item.stillDuration = slot.getCustomMediaDuration();
     if (slot.getFrameRate())

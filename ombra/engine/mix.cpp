@@ -5,16 +5,28 @@
 
 namespace vantrel::ombra {
 
+MixShares mixShares(TakeTransitionType type, double weight)
+{
+    const double w = std::clamp(weight, 0.0, 1.0);
+    switch (type) {
+    case TakeTransitionType::DirectCut:
+        return {0, 1};
+    case TakeTransitionType::DipToColor:
+        return {std::max(0.0, 1 - 2 * w), std::max(0.0, 2 * w - 1)};
+    case TakeTransitionType::Crossfade:
+        break;
+    }
+    return {1 - w, w};
+}
+
 Ref<Surface> mix(const Ref<Surface>& from, const Ref<Surface>& to, TakeTransitionType type, double weight)
 {
     if (type == TakeTransitionType::DirectCut || from->pixels.size() != to->pixels.size())
         return to;
-    const double w = std::clamp(weight, 0.0, 1.0);
+    const MixShares shares = mixShares(type, weight);
     const bool dip = type == TakeTransitionType::DipToColor;
-    const double shareFrom = dip ? std::max(0.0, 1 - 2 * w) : 1 - w;
-    const double shareTo = dip ? std::max(0.0, 2 * w - 1) : w;
-    const auto a = static_cast<unsigned>(std::lround(shareFrom * 256));
-    const auto b = dip ? static_cast<unsigned>(std::lround(shareTo * 256)) : 256 - a;
+    const auto a = static_cast<unsigned>(std::lround(shares.from * 256));
+    const auto b = dip ? static_cast<unsigned>(std::lround(shares.to * 256)) : 256 - a;
     if (a == 256)
         return from;
     if (b == 256)

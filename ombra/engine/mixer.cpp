@@ -8,8 +8,14 @@ namespace vantrel::ombra {
 
 namespace {
 
-constexpr double repeatAfter = 0.24; // seconds after which an unchanged picture is sent again
+constexpr double repeatAfter = 0.24; // seconds after which what is unchanged is sent again
 constexpr int roundsLeftOut = 5;     // when this late, go on from now rather than catch up
+
+long long wallTime()
+{
+    const auto now = std::chrono::system_clock::now().time_since_epoch();
+    return std::chrono::duration_cast<std::chrono::nanoseconds>(now).count();
+}
 
 } // namespace
 
@@ -62,6 +68,12 @@ void Mixer::setSink(std::function<void(PreviewPicture)> sink)
     m_sink = std::move(sink);
 }
 
+void Mixer::setLevelSink(std::function<void(PreviewLevels)> sink)
+{
+    const std::lock_guard lock(m_sinkMutex);
+    m_levelSink = std::move(sink);
+}
+
 void Mixer::run()
 {
     const Clock::time_point begin = Clock::now();
@@ -73,7 +85,8 @@ void Mixer::run()
         if (m_stop)
             break;
         Clock::time_point now = Clock::now();
-        if (now >= next) {
+        const bool inTime = now >= next;
+        if (inTime) {
             // Rounds count by the rate and not by when they came: 25 pictures a second meet 25 rounds
             // exactly.
             if (now > next + roundsLeftOut * m_period)
@@ -82,24 +95,27 @@ void Mixer::run()
             next += m_period;
         }
         lock.unlock();
-        round(std::chrono::duration<double>(now - begin).count());
+        round(std::chrono::duration<double>(now - begin).count(), inTime);
         m_ticked();
         lock.lock();
     }
 }
 
-void Mixer::round(double now)
+void Mixer::round(double now, bool inTime)
 {
     for (std::size_t i = 0;; ++i) {
         Output* output = nullptr;
         Player::Moment moment;
         std::vector<std::shared_ptr<Deck>> retired; // let go after the lock
+        double gain = 0;
         {
             const std::lock_guard lock(m_lock);
             if (i >= m_outputs.size())
                 return;
             output = m_outputs[i].get();
             moment = output->playback->player().advance(now);
+            gain = output->playback->gain();
+            output->playback->lateWatch().note(moment.late, now);
             retired = output->playback->player().takeRetired();
         }
         const Ref<Surface> surface =
@@ -109,6 +125,10 @@ void Mixer::round(double now)
             output->playback->player().setShown(surface);
         }
         send(*output, surface, now);
+        output->gauge.add(moment.sound, gain);
+        output->channels = moment.channels.value_or(output->channels);
+        if (inTime)
+            sendLevels(*output, now);
     }
 }
 
@@ -118,11 +138,21 @@ void Mixer::send(Output& output, const Ref<Surface>& surface, double now)
         return;
     output.sent = surface;
     output.sentAt = now;
-    const auto wall = std::chrono::system_clock::now().time_since_epoch();
     const std::lock_guard lock(m_sinkMutex);
     if (m_sink)
-        m_sink({output.playback->path(), 0,
-                std::chrono::duration_cast<std::chrono::nanoseconds>(wall).count(), surface});
+        m_sink({output.playback->path(), 0, wallTime(), surface});
+}
+
+void Mixer::sendLevels(Output& output, double now)
+{
+    AudioLevels levels = output.gauge.take(output.channels);
+    if (levels == output.sentLevels && now < output.levelsSentAt + repeatAfter)
+        return;
+    output.sentLevels = levels;
+    output.levelsSentAt = now;
+    const std::lock_guard lock(m_sinkMutex);
+    if (m_levelSink)
+        m_levelSink({output.playback->path(), 0, wallTime(), std::move(levels)});
 }
 
 } // namespace vantrel::ombra

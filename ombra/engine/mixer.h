@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ombra/engine/engine.h"
+#include "ombra/engine/levelgauge.h"
 #include "ombra/engine/playback.h"
 
 #include <atomic>
@@ -28,6 +29,7 @@ public:
     void wake();
     /// After this returns the sink before is not called any more.
     void setSink(std::function<void(PreviewPicture)> sink);
+    void setLevelSink(std::function<void(PreviewLevels)> sink);
 
 private:
     using Clock = std::chrono::steady_clock;
@@ -37,11 +39,17 @@ private:
         Playback* playback;
         Ref<Surface> sent;
         double sentAt = 0;
+        LevelGauge gauge{};
+        int channels = 0; // known last
+        std::optional<AudioLevels> sentLevels{};
+        double levelsSentAt = 0;
     };
 
     void run();
-    void round(double now);
+    /// inTime: a moment of the rate, and not one in between; levels are of whole such moments.
+    void round(double now, bool inTime);
     void send(Output& output, const Ref<Surface>& surface, double now);
+    void sendLevels(Output& output, double now);
 
     std::mutex& m_lock;
     const Clock::duration m_period;
@@ -50,6 +58,7 @@ private:
 
     std::mutex m_sinkMutex;
     std::function<void(PreviewPicture)> m_sink;
+    std::function<void(PreviewLevels)> m_levelSink;
 
     std::mutex m_wakeMutex;
     std::condition_variable m_wake;

@@ -5,6 +5,7 @@
 #include "tarn/media/enums.h"
 #include "tarn/scene/scene.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace vantrel::ombra {
@@ -52,6 +53,7 @@ Playback::Playback(Studio& studio, std::string path, bool isProgram)
     : m_studio(studio)
     , m_path(std::move(path))
     , m_player(studio.black, isProgram)
+    , m_output(studio.canvas)
 {
 }
 
@@ -114,6 +116,35 @@ void Playback::setMedia(const std::string& url)
     load(url, std::move(item), SourcePlayState::Play, false);
 }
 
+void Playback::followSound(const Object& object)
+{
+    Variant volume, muted, device;
+    if (!object.getProperty("volume", volume) || !object.getProperty("muted", muted) ||
+        !object.getProperty("audioDevice", device))
+        return;
+    const bool silent = muted.as<bool>() || device.as<AudioPlaybackDevice>() == AudioPlaybackDevice::Off;
+    const std::lock_guard lock(m_studio.lock);
+    m_gain = silent ? 0 : std::clamp(volume.as<double>(), 0.0, 1.0);
+}
+
+void Playback::setOutput(const Canvas& output)
+{
+    if (output == m_output)
+        return;
+    const std::lock_guard lock(m_studio.lock);
+    m_output = output;
+    if (m_player.deck())
+        m_player.deck()->setCanvas(canvasOf(m_loaded));
+}
+
+Canvas Playback::canvasOf(const Loaded& loaded) const
+{
+    Canvas canvas = m_output;
+    if (loaded.item && loaded.item->scaling != ScaleMode::Default)
+        canvas.scaling = loaded.item->scaling;
+    return canvas;
+}
+
 bool Playback::playMedia(const std::string& url, std::string* error)
 {
     std::optional<MediaItem> item = m_studio.source.resolve(url);
@@ -150,8 +181,8 @@ std::shared_ptr<Deck> Playback::makeDeck(const Loaded& loaded, std::optional<dou
     // A URL that leads out of the folder gives an empty path, which plays like any other missing file.
     MediaSource source{resolveMediaUrl(m_studio.mediaFolder, loaded.item->contentUrl).value_or(""),
                        loaded.item->sequence};
-    return std::make_shared<Deck>(std::move(source), *loaded.item, loaded.endAction, m_studio.canvas,
-                                  position, state, m_studio.wake);
+    return std::make_shared<Deck>(std::move(source), *loaded.item, loaded.endAction, canvasOf(loaded),
+                                  position, state, m_studio.wake, m_studio.open);
 }
 
 bool Playback::move(int direction, bool transition)
@@ -194,6 +225,7 @@ void Playback::libraryChanged()
         m_player.load(makeDeck(m_loaded, std::nullopt, deck->state()), TakeTransitionType::DirectCut, 0);
         return;
     }
+    deck->setCanvas(canvasOf(m_loaded));
     deck->setItem(*m_loaded.item);
     deck->setEndAction(m_loaded.endAction);
 }
@@ -220,6 +252,7 @@ void Playback::publish(Scene& scene)
     PictureFeed::Status status;
     SourcePlayState state = SourcePlayState::Stop;
     double position = 0, outpoint = 0, duration = 0, progress = 0;
+    bool constrained = false;
     {
         const std::lock_guard lock(m_studio.lock);
         if (const std::shared_ptr<Deck>& deck = m_player.deck()) {
@@ -229,6 +262,7 @@ void Playback::publish(Scene& scene)
             outpoint = deck->outpoint();
             duration = deck->duration();
         }
+        constrained = m_lateWatch.constrained();
         m_taking = m_taking && m_player.inTransition();
         progress = m_taking ? m_player.progress() : 0;
     }
@@ -246,6 +280,7 @@ void Playback::publish(Scene& scene)
     put(scene, *object, "duration", Variant::from(duration));
     put(scene, *object, "fps", Variant::from(status.fps));
     put(scene, *object, "mediaPosition", Variant::from(position));
+    put(scene, *object, "resourceConstrained", Variant::from(constrained));
     publishProgress(scene, *object, progress);
 }
 

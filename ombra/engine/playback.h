@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ombra/engine/latewatch.h"
 #include "ombra/engine/player.h"
 #include "ombra/engine/slotsource.h"
 #include "tarn/json/json.h"
@@ -21,10 +22,11 @@ struct Studio
 {
     const SlotSource& source;
     std::filesystem::path mediaFolder;
-    Canvas canvas;
+    Canvas canvas; // of a playback without an output of its own
     Ref<Surface> black;
     std::function<void()> wake; // the mixing thread; called from any thread, also under the lock
-    std::mutex lock{};          // guards all players and decks
+    PictureOpener open = openReader;
+    std::mutex lock{}; // guards all players and decks
 };
 
 /// One of the two playbacks of a channel as clients see it: what is loaded, and the methods and properties.
@@ -53,6 +55,10 @@ public:
     void setState(SourcePlayState state);
     void setEndAction(EndAction action);
     void setMedia(const std::string& url);
+    /// As loud as the properties volume, muted and audioDevice say.
+    void followSound(const Object& object);
+    /// The output's size and the scaling of media that say none of their own.
+    void setOutput(const Canvas& output);
 
     void libraryChanged();
     /// Goes on after an end, and writes into the scene what has changed.
@@ -62,11 +68,16 @@ public:
     Player& player() { return m_player; }
     const Loaded& loaded() const { return m_loaded; }
 
+    // Of the mixing thread, under the studio's lock.
+    double gain() const { return m_gain; } // amplitude
+    LateWatch& lateWatch() { return m_lateWatch; }
+
     // For a take, under the studio's lock.
     void setLoaded(Loaded loaded) { m_loaded = std::move(loaded); }
     std::shared_ptr<Deck> makeDeck(const Loaded& loaded, std::optional<double> position,
                                    SourcePlayState state) const;
     void beginTake() { m_taking = true; }
+    Canvas canvasOf(const Loaded& loaded) const;
 
 private:
     bool playMedia(const std::string& url, std::string* error);
@@ -80,6 +91,9 @@ private:
     const std::string m_path;
     Loaded m_loaded;
     Player m_player;
+    Canvas m_output;
+    double m_gain = 0;
+    LateWatch m_lateWatch;
     bool m_taking = false;
     double m_progress = 0; // published
 };

@@ -1,5 +1,7 @@
 #include "ombra/engine/player.h"
 
+#include "ombra/engine/levelgauge.h"
+
 #include <algorithm>
 
 namespace vantrel::ombra {
@@ -42,17 +44,45 @@ Player::Moment Player::advance(double now)
         m_waiting = false;
         m_startedAt = now;
     }
+    Moment moment;
+    moment.late = (m_deck && m_deck->late()) || (m_outgoing && m_outgoing->late());
     const Ref<Surface> from = m_outgoing ? surfaceOf(*m_outgoing) : m_from;
-    if (m_waiting)
-        return {nullptr, from, TakeTransitionType::DirectCut, 1};
-    const Ref<Surface> to = m_deck ? surfaceOf(*m_deck) : m_black;
-    if (!inTransition())
-        return {nullptr, to, TakeTransitionType::DirectCut, 1};
-    m_progress = std::clamp((now - m_startedAt) / m_seconds, 0.0, 1.0);
-    const Moment moment{from, to, m_type, m_progress};
+    if (m_waiting) {
+        moment.to = from;
+        sound(moment);
+        return moment;
+    }
+    moment.to = m_deck ? surfaceOf(*m_deck) : m_black;
+    if (inTransition()) {
+        moment.from = from;
+        moment.type = m_type;
+        moment.weight = m_progress = std::clamp((now - m_startedAt) / m_seconds, 0.0, 1.0);
+    }
+    sound(moment);
     if (m_progress >= 1)
         endTransition();
     return moment;
+}
+
+/// What is heard of both decks; before the first picture of the new one that is the old one alone.
+void Player::sound(Moment& moment) const
+{
+    const Sound silence;
+    const Sound& to = m_deck ? m_deck->sound() : silence;
+    const Sound& from = m_outgoing ? m_outgoing->sound() : silence;
+    if (m_waiting) {
+        moment.sound = from;
+        moment.channels = m_outgoing ? m_outgoing->channels() : std::nullopt;
+        return;
+    }
+    moment.channels = m_deck ? m_deck->channels() : std::optional(0);
+    if (!moment.from) {
+        moment.sound = to;
+        return;
+    }
+    moment.sound = mixSound(from, to, moment.type, moment.weight);
+    if (moment.channels && m_outgoing)
+        moment.channels = std::max(*moment.channels, m_outgoing->channels().value_or(0));
 }
 
 void Player::endTransition()

@@ -18,6 +18,9 @@ public:
         Ref<Surface> to;
         TakeTransitionType type = TakeTransitionType::DirectCut;
         double weight = 1;
+        Sound sound;                 // mixed, of the time since the moment before
+        std::optional<int> channels; // of what plays; nothing while that is not known
+        bool late = false;           // a picture of it was not decoded in time
     };
 
     /// Shows black where a deck is stopped, or else its first picture.
@@ -47,6 +50,7 @@ public:
     std::vector<std::shared_ptr<Deck>> takeRetired() { return std::exchange(m_retired, {}); }
 
 private:
+    void sound(Moment& moment) const;
     void endTransition();
     Ref<Surface> surfaceOf(const Deck& deck) const;
 

@@ -18,6 +18,7 @@ struct MediaItem
     std::optional<double> outpoint;      // none: the end of the media
     std::optional<double> stillDuration; // none: a still stands for ever
     std::optional<SequenceRun> sequence;
+    ScaleMode scaling = ScaleMode::Default; // the output's own
 
     // Of a playlist's entry only:
     EndAction endAction = EndAction::Pause;

@@ -64,6 +64,12 @@ Json mapping(std::size_t index)
         {{"type", "GpuMapping"}, {"properties", Json::object({{"target", outputNames[index]}})}});
 }
 
+Json playback()
+{
+    return Json::object(
+        {{"type", "Playback"}, {"properties", Json::object({{"audioDevice", toStr(initialAudioDevice)}})}});
+}
+
 const VideoMode* modeOf(std::string id)
 {
     const std::string prefix = displayPrefix;
@@ -93,6 +99,8 @@ void Outputs::build()
     op.path = Path("/device/channels/0");
     op.value = Json::object({{"type", "Channel"},
                              {"properties", Json::object({{"name", "Channel 1"}})},
+                             {"preview", playback()},
+                             {"program", playback()},
                              {"mappings", Json::array({mapping(0), mapping(1)})}});
     patch.append(op);
     op.path = Path("/device/system/gpus/0");

@@ -2,6 +2,7 @@
 
 #include "tarn/json/json.h"
 #include "tarn/json/path.h"
+#include "tarn/media/enums.h"
 #include "tarn/scene/scene.h"
 
 #include <optional>
@@ -10,6 +11,9 @@
 namespace vantrel::ombra {
 
 struct VideoMode;
+
+/// A machine as it is unpacked: every output carries the sound of its picture.
+inline constexpr AudioPlaybackDevice initialAudioDevice = AudioPlaybackDevice::Embedded;
 
 /// The outputs of the machine and what they show: one GPU with two outputs, and a channel whose two mappings
 /// put the preview on the first and the program on the second. Builds this part of the scene, answers the

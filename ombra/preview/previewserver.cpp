@@ -127,7 +127,7 @@ bool PreviewServer::accept(boost::asio::ip::tcp::socket socket)
 void PreviewServer::show(PreviewFrame frame)
 {
     const std::lock_guard lock(m_mutex);
-    Key key(frame.source, frame.frame.getStreamIndex());
+    Key key(frame.source, frame.frame.getStreamIndex(), frame.formatCode());
     m_incoming[std::move(key)] = std::move(frame);
     if (std::exchange(m_posted, true))
         return;

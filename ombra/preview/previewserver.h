@@ -10,14 +10,16 @@
 #include <memory>
 #include <mutex>
 #include <string>
+#include <tuple>
 #include <utility>
 #include <vector>
 
 namespace vantrel::ombra {
 
-/// Streams preview pictures (format: tarn/preview/previewwire.h) to any number of readers. Each reader has at
-/// most one frame on its way; behind it waits only the newest of each source and stream. A new reader gets
-/// the latest pictures at once. Lives on the thread of the io_context; show() may come from any thread.
+/// Streams preview pictures and audio levels (format: tarn/preview/previewwire.h) to any number of readers.
+/// Each reader has at most one frame on its way; behind it waits only the newest of each source, stream and
+/// format. A new reader gets the latest ones at once. Lives on the thread of the io_context; show() may come
+/// from any thread.
 class PreviewServer
 {
 public:
@@ -30,12 +32,12 @@ public:
     bool listen(const boost::asio::ip::address& address, unsigned short port, std::string* error);
     unsigned short port() const;
 
-    /// A new picture; replaces an earlier one of the same source and stream that was not passed on yet.
+    /// A new frame; replaces an earlier one of its kind that was not passed on yet.
     void show(PreviewFrame frame);
 
 private:
     class Reader;
-    using Key = std::pair<std::string, int>; // source and stream
+    using Key = std::tuple<std::string, int, int>; // source, stream and format
     using Bytes = std::shared_ptr<const std::string>;
 
     bool accept(boost::asio::ip::tcp::socket socket);

@@ -1,5 +1,6 @@
 #include "ombra/show/scenesettings.h"
 
+#include "ombra/outputs/outputs.h"
 #include "ombra/serverlog.h"
 #include "ombra/show/showstore.h"
 
@@ -133,7 +134,10 @@ void SceneSettings::resetPlayback()
         write(path + "/properties/state", "stop");
         for (const auto& [name, section] : lasting().at("Playback")) {
             Json value;
-            Json::fromVariant(playback->findProperty(name)->def, value);
+            if (name == "audioDevice")
+                value = toStr(initialAudioDevice);
+            else
+                Json::fromVariant(playback->findProperty(name)->def, value);
             write(path + "/properties/" + name, value);
         }
     }

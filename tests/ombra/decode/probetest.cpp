@@ -115,6 +115,21 @@ private Q_SLOTS:
         QVERIFY(!probeMedia(m_media.folder(), &error));
     }
 
+    void soundOfAnUnknownKindIsACaveat()
+    {
+        QVERIFY(m_media.make(TestMedia::numbered(0.4) + TestMedia::sound(QStringLiteral("0.1"), 0.4) +
+                                 TestMedia::h264(12) +
+                                 QStringList{QStringLiteral("-c:a"), QStringLiteral("pcm_s16le")},
+                             QStringLiteral("pcm.mov")));
+        QVERIFY(m_media.spoilSound("pcm.mov", "spoilt.mov"));
+        for (const bool spoilt : {false, true}) {
+            const auto info = probeMedia(m_media.file(spoilt ? "spoilt.mov" : "pcm.mov"), nullptr);
+            QVERIFY(info && info->playable);
+            QCOMPARE(info->unsupportedAudio, spoilt);
+            QCOMPARE(info->type, MediaType::VideoFile);
+        }
+    }
+
     void thumbnailsAreJpegs()
     {
         std::string error;

@@ -3,6 +3,7 @@
 #include "tests/support/testmain.h"
 
 #include <QFile>
+#include <QRect>
 
 #include <sys/stat.h>
 
@@ -34,6 +35,19 @@ private:
     std::atomic<bool> m_stop{false};
     std::string m_error;
 
+    /// The smallest rectangle that holds every pixel of this kind.
+    static QRect extentOf(const Surface& surface, const std::function<bool(Rgb)>& test)
+    {
+        QRect extent;
+        for (int y = 0; y < surface.height; ++y) {
+            for (int x = 0; x < surface.width; ++x) {
+                if (test(pixelAt(surface, x, y)))
+                    extent |= QRect(x, y, 1, 1);
+            }
+        }
+        return extent;
+    }
+
 private Q_SLOTS:
     void initTestCase()
     {
@@ -45,6 +59,57 @@ private Q_SLOTS:
         QVERIFY(
             m_media.make(TestMedia::numbered(2) + words("-c:v mjpeg -q:v 2"), QStringLiteral("intra.mov")));
         QVERIFY(m_media.make(TestMedia::numbered(2) + TestMedia::h264(12), QStringLiteral("raw.h264")));
+    }
+
+    void standsInTheOutputAsItIsScaled_data()
+    {
+        QTest::addColumn<int>("mode");
+        QTest::addColumn<QSize>("output");
+        QTest::addColumn<QRect>("all"); // of the picture, on a canvas of 480 x 270
+        QTest::addColumn<QRect>("top"); // of its upper quarter, which is red
+        const auto row = [](ScaleMode mode, QRect all, QRect top, QSize output = {1920, 1080}) {
+            QTest::addRow("%s in %dx%d", toStr(mode), output.width(), output.height())
+                << int(mode) << output << all << top;
+        };
+        row(ScaleMode::Default, {60, 0, 360, 270}, {60, 0, 360, 67});
+        row(ScaleMode::Fit, {60, 0, 360, 270}, {60, 0, 360, 67});
+        row(ScaleMode::Clip, {0, 0, 480, 270}, {0, 0, 480, 45});
+        row(ScaleMode::Stretch, {0, 0, 480, 270}, {0, 0, 480, 67});
+        row(ScaleMode::Centered, {160, 75, 160, 120}, {160, 75, 160, 30});
+        row(ScaleMode::TopLeft, {0, 0, 160, 120}, {0, 0, 160, 30});
+        row(ScaleMode::TopRight, {320, 0, 160, 120}, {320, 0, 160, 30});
+        row(ScaleMode::BottomLeft, {0, 150, 160, 120}, {0, 150, 160, 30});
+        row(ScaleMode::BottomRight, {320, 150, 160, 120}, {320, 150, 160, 30});
+        row(ScaleMode::Centered, {80, 15, 320, 240}, {80, 15, 320, 60}, {960, 540});
+        row(ScaleMode::Centered, {0, 0, 480, 270}, {}, {320, 180});    // larger than the output
+        row(ScaleMode::BottomRight, {0, 0, 480, 270}, {}, {320, 180}); // what is above is cut
+        row(ScaleMode::TopLeft, {0, 0, 480, 270}, {0, 0, 480, 180}, {320, 180});
+        row(ScaleMode::Stretch, {60, 0, 360, 270}, {60, 0, 360, 67}, {800, 600}); // an output of 4:3
+        row(ScaleMode::TopRight, {132, 0, 288, 216}, {132, 0, 288, 54}, {800, 600});
+    }
+
+    void standsInTheOutputAsItIsScaled()
+    {
+        QFETCH(int, mode);
+        QFETCH(QSize, output);
+        QFETCH(QRect, all);
+        QFETCH(QRect, top);
+        if (!std::filesystem::exists(m_media.file("card.png")))
+            QVERIFY(m_media.make(words("-f lavfi -i color=white:s=640x480,drawbox=c=red:t=fill:w=640:h=120 "
+                                       "-frames:v 1"),
+                                 QStringLiteral("card.png")));
+        const auto reader = open("card.png", {480, 270, ScaleMode(mode), output.width(), output.height()});
+        QVERIFY2(reader, m_error.c_str());
+        Picture picture;
+        QVERIFY(reader->seek(0, picture));
+        const auto near = [](QRect a, QRect b) { // a pixel more or less where colours meet
+            return std::abs(a.left() - b.left()) < 2 && std::abs(a.right() - b.right()) < 2 &&
+                   std::abs(a.top() - b.top()) < 2 && std::abs(a.bottom() - b.bottom()) < 2;
+        };
+        const QRect seen = extentOf(*picture.surface, [](Rgb c) { return c.red > 120; });
+        QVERIFY2(near(seen, all), qPrintable(QDebug::toString(seen)));
+        const QRect red = extentOf(*picture.surface, [](Rgb c) { return c.red > 120 && c.green < 100; });
+        QVERIFY2(near(red, top), qPrintable(QDebug::toString(red)));
     }
 
     void findsEveryPictureExactly_data()

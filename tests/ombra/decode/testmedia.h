@@ -2,6 +2,7 @@
 
 #include "tarn/preview/frame.h"
 
+#include <QFile>
 #include <QProcess>
 #include <QStringList>
 #include <QTemporaryDir>
@@ -48,6 +49,28 @@ public:
     {
         return {QStringLiteral("-f"), QStringLiteral("lavfi"), QStringLiteral("-i"),
                 QStringLiteral("color=%1:s=160x90:r=25:d=%2").arg(name).arg(seconds)};
+    }
+
+    /// Sound by a formula of the time t, its channels parted by "|": "0.5*sin(2*PI*1000*t)|0".
+    static QStringList sound(const QString& formula, double seconds, int rate = 48000)
+    {
+        return {QStringLiteral("-f"), QStringLiteral("lavfi"), QStringLiteral("-i"),
+                QStringLiteral("aevalsrc=%1:s=%2:d=%3")
+                    .arg(QString(formula).replace(u',', QStringLiteral("\\,")))
+                    .arg(rate)
+                    .arg(seconds)};
+    }
+
+    /// A second name for a file whose sound is of a kind that nobody knows: made from one with PCM in it.
+    bool spoilSound(const char* from, const char* to) const
+    {
+        QFile in(QString::fromStdString(file(from))), out(QString::fromStdString(file(to)));
+        if (!in.open(QIODevice::ReadOnly) || !out.open(QIODevice::WriteOnly))
+            return false;
+        QByteArray bytes = in.readAll();
+        if (!bytes.contains("sowt"))
+            return false;
+        return out.write(bytes.replace("sowt", "zzzz")) == bytes.size();
     }
 
     static QStringList h264(int keyEvery)

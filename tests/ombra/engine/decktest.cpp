@@ -144,6 +144,58 @@ private Q_SLOTS:
         QTRY_COMPARE(shown(*deck), 15);
     }
 
+    void soundFollowsThePosition()
+    {
+        // Silent up to the second 1, then a tone.
+        QVERIFY(m_media.make(
+            TestMedia::numbered(2) + TestMedia::sound(QStringLiteral("gte(t,1)*0.5*sin(2*PI*1000*t)"), 2) +
+                TestMedia::h264(12) + QStringList{QStringLiteral("-c:a"), QStringLiteral("pcm_s16le")},
+            QStringLiteral("late.mov")));
+        const auto deck = make("late.mov", range(0.8, 1.2), EndAction::Repeat);
+        double peak = 0;       // of the last piece of sound
+        std::size_t heard = 0; // frames
+        const auto plays = [&] {
+            const int picture = shown(*deck);
+            if (const Sound& sound = deck->sound(); sound.frames() > 0) {
+                peak = *std::ranges::max_element(sound.samples);
+                heard += sound.frames();
+            }
+            return picture;
+        };
+        for (int round = 0; round < 2; ++round) { // the second time by the loop
+            QTRY_VERIFY((plays() == 20 && deck->landed()));
+            heard = 0;
+            for (int picture = 21; picture < 30; ++picture) {
+                m_now += 0.04;
+                QTRY_COMPARE(plays(), picture);
+                // What sounded up to this picture: the tone is in what came with the twenty-fifth.
+                QVERIFY2(picture <= 25 ? peak == 0 : std::abs(peak - 0.5) < 0.01,
+                         qPrintable(QString::number(picture)));
+            }
+            m_now += 0.04;
+            (void)plays();
+            QVERIFY(std::abs(double(heard) - 0.4 * 48000) < 3); // to the out point, and no further
+        }
+        deck->seek(1.0);
+        QTRY_VERIFY((plays() == 25 && deck->landed()));
+        peak = 0;
+        m_now += 0.04;
+        QTRY_COMPARE(plays(), 26);
+        QVERIFY(std::abs(peak - 0.5) < 0.01);
+        deck->setState(SourcePlayState::Pause);
+        heard = 0;
+        m_now += 0.04;
+        (void)plays();
+        deck->step(1);
+        QTRY_VERIFY((plays() == 27 && deck->landed()));
+        QCOMPARE(heard, std::size_t(0));
+        deck->setState(SourcePlayState::Play);
+        (void)plays();
+        m_now += 0.04;
+        QTRY_COMPARE(plays(), 28);
+        QVERIFY(std::abs(double(heard) - 1920) < 3);
+    }
+
     void stillsStandAsLongAsTheyShould()
     {
         MediaItem item;

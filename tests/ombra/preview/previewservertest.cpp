@@ -1,5 +1,6 @@
 #include "ombra/preview/previewserver.h"
 
+#include "tarn/preview/audiolevels.h"
 #include "tarn/preview/previewwire.h"
 #include "tests/support/testmain.h"
 
@@ -67,7 +68,9 @@ private Q_SLOTS:
                         return false;
                     if (result == previewwire::Decoder::Result::Frame) {
                         const PreviewFrame frame = decoder.take();
-                        newest[frame.source] = frame.frame.getTime();
+                        newest[frame.source +
+                               (AudioLevels::fromSurface(frame.frame.getSurface()) ? "#" : "")] =
+                            frame.frame.getTime();
                         ++frames;
                     }
                 }
@@ -83,11 +86,13 @@ private Q_SLOTS:
                 ++shown;
                 server.show(pictureOf("/a", shown));
                 server.show(pictureOf("/b", 1000 + shown));
+                server.show({"/a", Frame(AudioLevels().toSurface().get(), 2000 + shown)});
                 return shown == 300;
             },
             false));
-        QVERIFY(waitFor([&] { return newest["/a"] == 300 && newest["/b"] == 1300; }, true));
-        QVERIFY2(frames < 200, qPrintable(QString::number(frames)));
+        QVERIFY(waitFor([&] { return newest["/a"] == 300 && newest["/b"] == 1300 && newest["/a#"] == 2300; },
+                        true));
+        QVERIFY2(frames < 300, qPrintable(QString::number(frames)));
     }
 };
 

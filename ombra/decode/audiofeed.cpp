@@ -1,0 +1,181 @@
+#include "ombra/decode/audiofeed.h"
+
+#include "tarn/log/log.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace vantrel::ombra {
+
+namespace {
+
+// Samples. The thread fills up to one mark and sleeps until the other, so that it wakes twice a second and
+// not with every packet.
+constexpr std::int64_t fillTo = Sound::sampleRate;
+constexpr std::int64_t fillBelow = Sound::sampleRate / 2;
+constexpr std::int64_t readyWith = Sound::sampleRate / 12;
+constexpr std::int64_t kept =
+    Sound::sampleRate / 10; // behind the clock: it goes back to a picture's start on a pause
+constexpr std::int64_t takenAtMost = 2 * Sound::sampleRate;
+
+std::int64_t sampleAt(double time)
+{
+    return std::llround(std::clamp(time, 0.0, 1e9) * Sound::sampleRate);
+}
+
+} // namespace
+
+AudioFeed::AudioFeed(std::filesystem::path file, double start, std::string name,
+                     std::function<void()> arrived)
+    : m_file(std::move(file))
+    , m_name(std::move(name))
+    , m_arrived(std::move(arrived))
+    , m_seekTo(start)
+    , m_playedTo(sampleAt(start))
+{
+    if (m_file.empty())
+        m_channels = 0;
+    else
+        m_thread = std::thread([this] { run(); });
+}
+
+AudioFeed::~AudioFeed()
+{
+    {
+        const std::lock_guard lock(m_mutex);
+        m_stop = true;
+    }
+    m_work.notify_all();
+    if (m_thread.joinable())
+        m_thread.join();
+}
+
+void AudioFeed::seek(double time)
+{
+    {
+        const std::lock_guard lock(m_mutex);
+        const std::int64_t sample = sampleAt(time);
+        const bool known = !m_seekTo && sample >= m_bufferStart && sample + readyWith <= bufferEnd();
+        m_playedTo = sample;
+        if (!known) {
+            m_seekTo = time;
+            m_buffer.clear();
+            m_ended = false;
+        }
+        m_filling = true;
+    }
+    m_work.notify_all();
+}
+
+bool AudioFeed::ready() const
+{
+    const std::lock_guard lock(m_mutex);
+    return isReady();
+}
+
+bool AudioFeed::isReady() const
+{
+    return m_channels == 0 || (m_channels && !m_seekTo && (m_ended || bufferEnd() >= m_playedTo + readyWith));
+}
+
+std::optional<int> AudioFeed::channels() const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_channels;
+}
+
+std::int64_t AudioFeed::bufferEnd() const
+{
+    const int channels = m_channels.value_or(0);
+    return m_bufferStart +
+           (channels > 0 ? static_cast<std::int64_t>(m_buffer.size()) / channels : std::int64_t{0});
+}
+
+bool AudioFeed::wantsMore() const
+{
+    return m_seekTo || (m_filling && !m_ended);
+}
+
+void AudioFeed::take(double from, double to, Sound& out)
+{
+    bool wake = false;
+    {
+        const std::lock_guard lock(m_mutex);
+        out.channels = m_channels.value_or(0);
+        const std::int64_t first = sampleAt(from);
+        const std::int64_t last = std::min(sampleAt(to), first + takenAtMost);
+        if (out.channels < 1 || last <= first)
+            return;
+        const std::size_t channels = static_cast<std::size_t>(out.channels);
+        const std::size_t at = out.samples.size();
+        out.samples.resize(at + static_cast<std::size_t>(last - first) * channels, 0.0f);
+        const std::int64_t begin = m_seekTo ? last : std::max(first, m_bufferStart);
+        const std::int64_t end = std::min(last, bufferEnd());
+        if (begin < end)
+            std::copy_n(m_buffer.data() + static_cast<std::size_t>(begin - m_bufferStart) * channels,
+                        static_cast<std::size_t>(end - begin) * channels,
+                        out.samples.data() + at + static_cast<std::size_t>(begin - first) * channels);
+        if (m_seekTo)
+            return;
+        m_playedTo = last;
+        const std::int64_t done = std::min(m_playedTo - kept, bufferEnd()) - m_bufferStart;
+        if (done > kept) { // seldom: what is left moves
+            m_buffer.erase(m_buffer.begin(), m_buffer.begin() + static_cast<std::ptrdiff_t>(done) *
+                                                                    static_cast<std::ptrdiff_t>(channels));
+            m_bufferStart += done;
+        }
+        wake = !m_filling && !m_ended && bufferEnd() < m_playedTo + fillBelow;
+        m_filling = m_filling || wake;
+    }
+    if (wake)
+        m_work.notify_all();
+}
+
+void AudioFeed::run()
+{
+    std::string error;
+    const std::unique_ptr<AudioReader> reader = AudioReader::open(m_file, m_stop, &error);
+    Lock lock(m_mutex);
+    m_channels = reader ? reader->channels() : 0;
+    if (!reader) {
+        lock.unlock();
+        if (!error.empty() && !m_stop)
+            Log::write_fmt(LogLevel::Warning, {"audiofeed", "run"}, "vantrel.decode",
+                           "'%s' plays without sound: %s", m_name.c_str(), error.c_str());
+        m_arrived();
+        return;
+    }
+    while (!m_stop) {
+        if (wantsMore())
+            read(lock, *reader);
+        else
+            m_work.wait(lock);
+    }
+}
+
+void AudioFeed::read(Lock& lock, AudioReader& reader)
+{
+    const std::optional<double> target = m_seekTo;
+    const bool wasReady = isReady();
+    std::vector<float> samples;
+    lock.unlock();
+    const bool found = (!target || reader.seek(*target)) && reader.next(samples);
+    lock.lock();
+    if (m_stop || m_seekTo != target)
+        return; // sought elsewhere meanwhile
+    if (target) {
+        m_seekTo.reset();
+        m_buffer.clear();
+        m_bufferStart = sampleAt(*target);
+    }
+    m_buffer.insert(m_buffer.end(), samples.begin(), samples.end());
+    m_ended = !found;
+    m_filling = bufferEnd() < m_playedTo + fillTo;
+    if (!wasReady && isReady()) {
+        lock.unlock();
+        m_arrived();
+        lock.lock();
+    }
+}
+
+} // namespace vantrel::ombra

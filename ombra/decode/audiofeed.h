@@ -1,0 +1,60 @@
+#pragma once
+
+#include "ombra/decode/audioreader.h"
+
+#include <condition_variable>
+#include <functional>
+#include <mutex>
+#include <optional>
+#include <thread>
+
+namespace vantrel::ombra {
+
+/// Decodes the sound of one medium ahead of its playback on a thread of its own, which ends with the feed.
+/// The functions only take and give what is there: none waits for a decoder. Any thread.
+class AudioFeed
+{
+public:
+    /// Opens the medium and decodes from start (seconds) on; an empty file is a medium without sound. arrived
+    /// is called on the feed's thread when ready() has come true; name stands for the medium in the log.
+    AudioFeed(std::filesystem::path file, double start, std::string name, std::function<void()> arrived);
+    ~AudioFeed();
+    AudioFeed(const AudioFeed&) = delete;
+    AudioFeed& operator=(const AudioFeed&) = delete;
+
+    void seek(double time);
+    /// Whether the first of what was sought is there, or it is known that nothing will come.
+    bool ready() const;
+    /// Nothing until the medium is opened; 0 for one without sound, or with sound that does not decode.
+    std::optional<int> channels() const;
+    /// Appends what sounds between two times of the media (seconds), silence where there is nothing. Time
+    /// goes on: what lies well before it is forgotten.
+    void take(double from, double to, Sound& out);
+
+private:
+    using Lock = std::unique_lock<std::mutex>;
+
+    void run();
+    void read(Lock& lock, AudioReader& reader);
+    bool wantsMore() const;
+    bool isReady() const;
+    std::int64_t bufferEnd() const;
+
+    const std::filesystem::path m_file;
+    const std::string m_name;
+    const std::function<void()> m_arrived;
+    std::atomic<bool> m_stop{false};
+
+    mutable std::mutex m_mutex;
+    std::condition_variable m_work;
+    std::optional<int> m_channels;
+    std::optional<double> m_seekTo; // asked for, not done
+    std::vector<float> m_buffer;    // decoded, from m_bufferStart on
+    std::int64_t m_bufferStart = 0; // sample
+    std::int64_t m_playedTo = 0;    // sample
+    bool m_filling = true;          // decodes on until enough lies ready
+    bool m_ended = false;           // the buffer holds the last sample
+    std::thread m_thread;           // last: it uses all of the above
+};
+
+} // namespace vantrel::ombra

@@ -1,0 +1,77 @@
+#pragma once
+
+#include "ombra/decode/avinput.h"
+
+#include <cstdint>
+#include <vector>
+
+namespace vantrel::ombra {
+
+/// A stretch of sound: samples at 48 kHz, -1 to 1, the channels of a moment side by side.
+struct Sound
+{
+    static constexpr int sampleRate = 48000;
+    static constexpr int maxChannels = 8;
+
+    int channels = 0;
+    std::vector<float> samples;
+
+    std::size_t frames() const
+    {
+        return channels > 0 ? samples.size() / static_cast<std::size_t>(channels) : 0;
+    }
+};
+
+/// The sound of one medium in order, found to the sample: time 0 is where the pictures begin, or the sound
+/// where there are none. What is missing in between reads as silence. One thread at a time; calls block while
+/// they decode, and the flag given on opening ends them early.
+class AudioReader
+{
+public:
+    /// Null for a medium without sound, with an empty reason, and for sound that cannot be decoded, with the
+    /// reason.
+    static std::unique_ptr<AudioReader> open(const std::filesystem::path& file, const std::atomic<bool>& stop,
+                                             std::string* error);
+
+    int channels() const { return m_channels; } // 1 to Sound::maxChannels; further ones are left out
+
+    /// What next() reads then begins with the sample of this time, seconds.
+    bool seek(double time);
+    /// Appends some more samples; false at the end.
+    bool next(std::vector<float>& out);
+
+private:
+    explicit AudioReader(std::unique_ptr<AvInput> input, AvPtr<AVCodecContext> decoder);
+
+    bool decode();
+    bool feedDecoder();
+    bool decodeFrom(double time);
+    bool convert();
+    bool prepareResampler();
+    bool drainResampler();
+    void append(const float* samples, int count, int channels);
+    std::int64_t startOf(const AVFrame& frame) const;
+
+    std::unique_ptr<AvInput> m_input;
+    AvPtr<AVCodecContext> m_decoder;
+    AvPtr<AVPacket> m_packet;
+    AvPtr<AVFrame> m_frame;
+    AvPtr<SwrContext> m_resampler;
+    int m_channels = 0;
+    double m_origin = 0; // time 0 on the clock of the stream, seconds
+
+    int m_inRate = 0; // what the resampler is made for
+    int m_inFormat = -1;
+    int m_inChannels = 0;
+
+    std::vector<float> m_converted;
+    std::vector<float> m_block;    // decoded and not given out yet
+    std::int64_t m_blockStart = 0; // its first sample
+    std::int64_t m_decodedTo = -1; // the sample after what is decoded; -1 after a seek
+    std::int64_t m_wanted = 0;     // the sample that next() gives out first
+    bool m_hasFrame = false;       // m_frame is decoded and not converted
+    bool m_draining = false;       // the decoder has had everything
+    bool m_drained = false;        // and so has the resampler
+};
+
+} // namespace vantrel::ombra
