@@ -7,6 +7,7 @@
 #include "common/playback/durationeditwidget.h"
 #include "common/playback/endactionwidget.h"
 #include "common/playback/endpointtimecodes.h"
+#include "common/playback/levelmeter.h"
 #include "common/playback/mutebutton.h"
 #include "common/playback/playbackcontrols.h"
 #include "common/playback/playbackpreview.h"
@@ -135,6 +136,8 @@ void PlaybackWidget::setObject(Object* object, Scene* scene)
     if (!object) {
         connectMute({});
         m_preview->setSource({}, -1);
+        m_footer->levelMeter()->setSource({});
+        m_footer->levelMeter()->clear();
         return;
     }
     m_propertiesMapper->addMapping(QStringLiteral("state"), m_controls, "state");
@@ -149,6 +152,7 @@ void PlaybackWidget::setObject(Object* object, Scene* scene)
         scene->pathOf(object, path);
     connectMute(path);
     m_preview->setSource(path.toString(), 0);
+    m_footer->levelMeter()->setSource(path.toString());
 }
 
 void PlaybackWidget::connectMute(const Path& objectPath)

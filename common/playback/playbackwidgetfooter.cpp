@@ -1,6 +1,7 @@
 #include "common/playback/playbackwidgetfooter.h"
 
 #include "common/playback/endactionwidget.h"
+#include "common/playback/levelmeter.h"
 #include "common/playback/volumecontrolpopup.h"
 #include "common/ui/iconbutton.h"
 #include "common/ui/ztlabel.h"
@@ -20,6 +21,7 @@ PlaybackWidgetFooter::PlaybackWidgetFooter(PlaybackViewMode viewMode, QWidget* p
     : ZTFrame(parent)
     , m_viewMode(viewMode)
     , m_volume(new IconButton(QStringLiteral(":/icons/volume.svg"), {}, this))
+    , m_levels(new LevelMeter(viewMode, this))
     , m_endActionLabel(new ZTLabel(tr("Media end action:"), this))
     , m_endAction(new EndActionWidget(this))
     , m_popup(new VolumeControlPopup(this))
@@ -33,7 +35,7 @@ PlaybackWidgetFooter::PlaybackWidgetFooter(PlaybackViewMode viewMode, QWidget* p
     layout->setContentsMargins(10, 10, 10, 10);
     layout->setSpacing(4);
     layout->addWidget(m_volume);
-    layout->addStretch(1);
+    layout->addWidget(m_levels, 1);
     layout->addStretch(1);
     layout->addWidget(m_endActionLabel);
     layout->addWidget(m_endAction);
@@ -64,6 +66,7 @@ void PlaybackWidgetFooter::setObjectNames(const QString& base)
 {
     setObjectName(base);
     m_volume->setObjectName(base + QStringLiteral("-Volume"));
+    m_levels->setObjectName(base + QStringLiteral("-Levels"));
     m_popup->setObjectName(base + QStringLiteral("-VolumePopup"));
     m_endAction->setObjectNames(base + QStringLiteral("-EndAction"));
 }
@@ -71,7 +74,7 @@ void PlaybackWidgetFooter::setObjectNames(const QString& base)
 void PlaybackWidgetFooter::resizeEvent(QResizeEvent* event)
 {
     ZTFrame::resizeEvent(event);
-    int used = m_volume->width() + m_endAction->width();
+    int used = m_volume->width() + m_levels->minimumSizeHint().width() + m_endAction->width();
     for (const auto& button : m_reserved)
         used += button->width();
     used += m_viewMode == Program ? spacingOnProgram : spacingOnPreview;

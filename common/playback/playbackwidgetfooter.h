@@ -10,10 +10,11 @@ namespace vantrel {
 
 class EndActionWidget;
 class IconButton;
+class LevelMeter;
 class VolumeControlPopup;
 class ZTLabel;
 
-/// The volume and the end action of a channel. Owned by PlaybackWidget; main thread.
+/// The volume, the level and the end action of a channel. Owned by PlaybackWidget; main thread.
 class PlaybackWidgetFooter : public ZTFrame
 {
     Q_OBJECT
@@ -24,7 +25,8 @@ public:
 
     EndActionWidget* endAction() const { return m_endAction; }
     VolumeControlPopup* volumeControlPopup() const { return m_popup; }
-    /// base for this widget, base + "-Volume" and base + "-EndAction" for its parts.
+    LevelMeter* levelMeter() const { return m_levels; }
+    /// base for this widget, base + "-Volume", base + "-Levels" and base + "-EndAction" for its parts.
     void setObjectNames(const QString& base) override;
 
 protected:
@@ -36,6 +38,7 @@ private:
 
     PlaybackViewMode m_viewMode;
     IconButton* m_volume;
+    LevelMeter* m_levels;
     ZTLabel* m_endActionLabel;
     EndActionWidget* m_endAction;
     VolumeControlPopup* m_popup;

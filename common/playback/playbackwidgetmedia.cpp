@@ -13,6 +13,7 @@
 #include "common/playback/durationeditwidget.h"
 #include "common/playback/endactionwidget.h"
 #include "common/playback/endpointtimecodes.h"
+#include "common/playback/levelmeter.h"
 #include "common/playback/playbackcontrols.h"
 #include "common/playback/playbacklogging.h"
 #include "common/playback/playbackpreview.h"
@@ -37,6 +38,12 @@ void PlaybackWidget::connectSources()
     const Session* session = Session::instance();
     connect(m_model, &PlaybackModel::dataChanged, this, &PlaybackWidget::onPlaybackDataChanged);
     connect(session->preview(), &PreviewThread::previewFrame, m_preview, &PlaybackPreview::onFrame);
+    connect(session->preview(), &PreviewThread::levelsChanged, this,
+            [this, session](const std::string& source, const AudioLevels& levels) {
+                if (session->isConnected()) // what was still waiting when the link went says nothing
+                    m_footer->levelMeter()->onLevels(source, levels);
+            });
+    connect(session, &Session::disconnected, m_footer->levelMeter(), &LevelMeter::clear);
     connect(session->playlistProvider(), &PlaylistProvider::reset, this,
             &PlaybackWidget::handlePlaylistReset);
     if (const MediaDataAggregator* aggregator = session->mediaDataAggregator())

@@ -78,14 +78,13 @@ void PreviewThread::onFrameAvailable()
 {
     PreviewFrame frame;
     while (m_client.pollFrame(frame, 0)) {
-        Pending next{frame, imageOf(frame.frame.getSurface())};
+        Pending next{frame, imageOf(frame.frame.getSurface()),
+                     AudioLevels::fromSurface(frame.frame.getSurface())};
         bool post = false;
         {
             const QMutexLocker lock(&m_mutex);
-            const auto same = std::ranges::find_if(m_pending, [&](const Pending& waiting) {
-                return waiting.frame.source == frame.source &&
-                       waiting.frame.frame.getStreamIndex() == frame.frame.getStreamIndex();
-            });
+            const auto same = std::ranges::find_if(
+                m_pending, [&](const Pending& waiting) { return waiting.frame.isOfOneKindWith(frame); });
             if (same != m_pending.end())
                 *same = std::move(next);
             else
@@ -106,10 +105,14 @@ void PreviewThread::processPending()
         m_pending.pop_front();
         if (!next.frame.frame.getSurface())
             return;
-        if (next.image.isNull())
+        if (next.image.isNull() && !next.levels)
             continue;
         lock.unlock();
-        Q_EMIT previewFrame(next.frame, QPixmap::fromImage(std::move(next.image), Qt::NoFormatConversion));
+        if (next.levels)
+            Q_EMIT levelsChanged(next.frame.source, *next.levels);
+        else
+            Q_EMIT previewFrame(next.frame,
+                                QPixmap::fromImage(std::move(next.image), Qt::NoFormatConversion));
         lock.relock();
     }
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "tarn/preview/audiolevels.h"
 #include "tarn/preview/previewclient.h"
 
 #include <QImage>
@@ -11,12 +12,14 @@
 
 #include <deque>
 #include <optional>
+#include <string>
 
 namespace vantrel {
 
-/// Reads the server's live pictures on a thread of its own and hands them to the main thread as pixmaps. Only
-/// the newest waiting picture of each source and stream is kept, so that a busy main thread never falls
-/// behind. The object lives on the main thread; the session owns it.
+/// Reads the server's live pictures and audio levels on a thread of its own and hands them to the main
+/// thread, pictures as pixmaps. Only the newest waiting frame of each source, stream and format is kept, so
+/// that a busy main thread never falls behind; frames of other formats are dropped. The object lives on the
+/// main thread; the session owns it.
 class PreviewThread : public QThread
 {
     Q_OBJECT
@@ -33,6 +36,8 @@ public:
 
 Q_SIGNALS:
     void previewFrame(vantrel::PreviewFrame frame, QPixmap pixmap);
+    /// source: the scene path of the playback that is heard.
+    void levelsChanged(std::string source, vantrel::AudioLevels levels);
     void onPendingFrames();
 
 protected:
@@ -43,6 +48,7 @@ private:
     {
         PreviewFrame frame;
         QImage image; // null for what cannot be shown
+        std::optional<AudioLevels> levels;
     };
     void onFrameAvailable();
     void processPending();

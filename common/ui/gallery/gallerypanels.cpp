@@ -1,4 +1,5 @@
 // The sections of the gallery that hold more than single controls.
+#include "common/playback/levelmeter.h"
 #include "common/playback/mutebutton.h"
 #include "common/playback/seekslider.h"
 #include "common/playback/takebutton.h"
@@ -85,6 +86,19 @@ std::unique_ptr<QWidget> makeMenu()
     return menu;
 }
 
+LevelMeter* makeMeter(const std::vector<double>& peaks, bool connected = true)
+{
+    auto* meter = new LevelMeter(Program);
+    meter->setClock([] { return 0.0; }); // nothing falls while somebody looks
+    meter->setMinimumWidth(160);
+    AudioLevels levels;
+    for (const double peak : peaks)
+        levels.channels.push_back({peak, peak - 3});
+    if (connected)
+        meter->setLevels(levels);
+    return meter;
+}
+
 template <typename Make>
 QList<QWidget*> enabledAndNot(Make make)
 {
@@ -154,6 +168,11 @@ QWidget* makePlayerParts(QWidget* parent)
                      slider->setPosition(12.0);
                      return slider;
                  }));
+    grid->addRow(QStringLiteral("LevelMeter"), {makeMeter({-24, -9}), makeMeter({-2})});
+    grid->addRow(QStringLiteral("8 channels, silence"),
+                 {makeMeter({-3, -6, -9, -12, -18, -24, -36, -50}),
+                  makeMeter({AudioLevels::silence, AudioLevels::silence})});
+    grid->addRow(QStringLiteral("no sound, no server"), {makeMeter({}), makeMeter({}, false)});
     grid->addRow(QStringLiteral("MuteButton"), enabledAndNot([] { return new MuteButton; }));
     grid->addRow(QStringLiteral("TakeButton"), enabledAndNot([] { return new TakeButton; }));
     auto* progress = new TakeButton;

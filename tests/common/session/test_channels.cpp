@@ -142,6 +142,29 @@ private Q_SLOTS:
         QCOMPARE(image.pixelColor(4, 2), QColor(200, 0, 0));
     }
 
+    void handsOnLevelsBesidePictures()
+    {
+        PreviewServer server;
+        PreviewThread thread(server.server.serverPort());
+        QSignalSpy frames(&thread, &PreviewThread::previewFrame);
+        QSignalSpy levels(&thread, &PreviewThread::levelsChanged);
+        thread.subscribe(loopback);
+        QTRY_VERIFY(server.socket);
+        AudioLevels stereo;
+        stereo.channels = {{-6, -9}, {-12, -15}};
+        const auto damaged = stereo.toSurface();
+        damaged->width = 3;
+        for (const auto& surface : {damaged, stereo.toSurface()}) {
+            const std::string bytes = previewwire::encode({"a", Frame(surface.get(), 1)});
+            server.socket->write(bytes.data(), qint64(bytes.size()));
+        }
+        server.socket->write(picture("a", 0, 200));
+        QTRY_COMPARE(frames.count(), 1);
+        QTRY_COMPARE(levels.count(), 1);
+        QCOMPARE(levels[0][0].value<std::string>(), std::string("a"));
+        QVERIFY(levels[0][1].value<AudioLevels>() == stereo);
+    }
+
     void keepsOnlyTheNewestWhileTheMainThreadIsBusy()
     {
         PreviewServer server;
