@@ -102,8 +102,7 @@ private Q_SLOTS:
     {
         PlaybackPreview preview;
         preview.setSource("a", 0);
-        PreviewFrame frame;
-        frame.source = "a";
+        const PreviewFrame frame{"a", {}};
         QPixmap picture(160, 90);
         picture.fill(Qt::red);
         preview.onFrame(frame, picture);
