@@ -1,15 +1,16 @@
 #include "common/playback/channelwidget.h"
 
+#include "common/playback/playbackpreview.h"
 #include "common/playback/playbackwidget.h"
+#include "common/playback/playbackwidgetfooter.h"
 #include "common/playback/takecontrols.h"
 #include "common/ui/fontsizefollower.h"
+#include "common/ui/spacing.h"
 #include "common/ui/ztsplitter.h"
 #include "common/views/playlistwidget.h"
 #include "tarn/scene/object.h"
 
 #include <QHBoxLayout>
-#include <QMap>
-#include <QTimer>
 
 #include <algorithm>
 
@@ -20,25 +21,25 @@ namespace {
 constexpr int adjustDelayMs = 100; // until the layout has settled
 constexpr int leastHeight = 128;   // pixels a column needs to be divided at all
 constexpr double playbackShare = 0.75;
-
-const QMap<FontSize, int> columnWidths{
-    {FontSize::Small, 400}, {FontSize::Medium, 480}, {FontSize::Large, 630}, {FontSize::Huge, 790}};
+constexpr int leastPicture = 150; // pixels high, before the playlist below gets more than it needs
 
 } // namespace
 
 ChannelWidget::ChannelWidget(QWidget* parent)
     : QWidget(parent)
     , m_previewSplitter(new ZTSplitter(Qt::Vertical, this))
-    , m_programSplitter(new ZTSplitter(Qt::Vertical, this))
-    , m_preview(new PlaybackWidget(Preview, this))
-    , m_program(new PlaybackWidget(Program, this))
+    , m_preview(new PlaybackWidget(Preview, m_previewSplitter))
+    , m_previewPlaylist(new PlaylistWidget(Preview, m_previewSplitter))
     , m_takeControls(new TakeControls(this))
+    , m_programSplitter(new ZTSplitter(Qt::Vertical, this))
+    , m_program(new PlaybackWidget(Program, m_programSplitter))
+    , m_programPlaylist(new PlaylistWidget(Program, m_programSplitter))
 {
     setWindowTitle(tr("Channel Playback"));
     m_previewSplitter->addWidget(m_preview);
-    m_previewSplitter->addWidget(new PlaylistWidget(Preview, m_previewSplitter));
+    m_previewSplitter->addWidget(m_previewPlaylist);
     m_programSplitter->addWidget(m_program);
-    m_programSplitter->addWidget(new PlaylistWidget(Program, m_programSplitter));
+    m_programSplitter->addWidget(m_programPlaylist);
     for (ZTSplitter* splitter : {m_previewSplitter, m_programSplitter}) {
         splitter->setChildrenCollapsible(false);
         splitter->setStretchFactor(0, 3);
@@ -47,13 +48,32 @@ ChannelWidget::ChannelWidget(QWidget* parent)
 
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(6);
+    layout->setSpacing(spacing::tight);
     layout->addWidget(m_previewSplitter, 1);
     layout->addWidget(m_takeControls);
     layout->addWidget(m_programSplitter, 1);
 
-    followFontSize(this, [this](FontSize size) { setTextSize(size); });
-    QTimer::singleShot(adjustDelayMs, this, &ChannelWidget::adjustSplitters);
+    followPictures();
+    followFontSize(this, [this](FontSize size) {
+        setTextSize(size);
+        m_adjust.start();
+    });
+}
+
+void ChannelWidget::followPictures()
+{
+    m_adjust.setSingleShot(true);
+    m_adjust.setInterval(adjustDelayMs);
+    connect(&m_adjust, &QTimer::timeout, this, [this] {
+        updateCaptions();
+        if (!m_dividedByHand)
+            adjustSplitters();
+    });
+    for (const PlaybackWidget* column : {m_preview, m_program})
+        connect(column->preview(), &PlaybackPreview::shapeChanged, &m_adjust, qOverload<>(&QTimer::start));
+    for (const ZTSplitter* splitter : {m_previewSplitter, m_programSplitter})
+        connect(splitter, &QSplitter::splitterMoved, this, [this] { m_dividedByHand = !m_isAdjusting; });
+    m_adjust.start();
 }
 
 void ChannelWidget::setObject(Object* object, Scene* scene)
@@ -67,17 +87,60 @@ void ChannelWidget::adjustSplitters()
 {
     if (m_previewSplitter->height() < leastHeight || m_programSplitter->height() < leastHeight)
         return;
-    const int position = std::min(m_previewSplitter->getClosestPixelPosition(1, playbackShare),
-                                  m_programSplitter->getClosestPixelPosition(1, playbackShare));
+    int position = std::min(m_previewSplitter->getClosestPixelPosition(1, playbackShare),
+                            m_programSplitter->getClosestPixelPosition(1, playbackShare));
+    // No more than the pictures fill, and no less than they need to be made out.
+    const auto highest = [this](auto height) { return std::max(height(m_preview), height(m_program)); };
+    position = std::min(position, highest([](const PlaybackWidget* column) {
+                            return column->heightForPicture(column->pictureHeight());
+                        }));
+    position = std::max(position, highest([](const PlaybackWidget* column) {
+                            return column->heightForPicture(leastPicture);
+                        }));
+    m_isAdjusting = true;
     m_previewSplitter->moveHandle(1, position);
     m_programSplitter->moveHandle(1, position);
+    m_isAdjusting = false;
 }
 
 void ChannelWidget::setTextSize(FontSize size)
 {
-    const int width = columnWidths.value(size);
-    m_previewSplitter->setMinimumWidth(width);
-    m_programSplitter->setMinimumWidth(width);
+    m_size = size;
+    updateStep();
+    updateGeometry();
+}
+
+void ChannelWidget::updateStep()
+{
+    m_step = m_isSized && width() < channelsWidth(ColumnStep::Wide, m_size) ? ColumnStep::Narrow
+                                                                            : ColumnStep::Wide;
+    for (QSplitter* splitter : {m_previewSplitter, m_programSplitter})
+        splitter->setMinimumWidth(columnWidth(m_step, m_size));
+    m_preview->setColumnStep(m_step);
+    m_program->setColumnStep(m_step);
+    m_takeControls->setColumnStep(m_step);
+    layout()->activate();
+}
+
+void ChannelWidget::updateCaptions()
+{
+    PlaybackWidgetFooter* const footers[] = {m_preview->footer(), m_program->footer()};
+    const bool fit = std::ranges::all_of(footers, &PlaybackWidgetFooter::hasRoomForCaption);
+    for (PlaybackWidgetFooter* footer : footers)
+        footer->setCaptionAllowed(fit);
+}
+
+QSize ChannelWidget::minimumSizeHint() const
+{
+    return {channelsWidth(ColumnStep::Narrow, m_size), QWidget::minimumSizeHint().height()};
+}
+
+void ChannelWidget::resizeEvent(QResizeEvent* event)
+{
+    QWidget::resizeEvent(event);
+    m_isSized = true;
+    updateStep();
+    m_adjust.start();
 }
 
 } // namespace vantrel

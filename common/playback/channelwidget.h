@@ -1,13 +1,15 @@
 #pragma once
 
-#include "common/session/fontsize.h"
+#include "common/playback/columnstep.h"
 
+#include <QTimer>
 #include <QWidget>
 
 namespace vantrel {
 
 class Object;
 class PlaybackWidget;
+class PlaylistWidget;
 class Scene;
 class TakeControls;
 class ZTSplitter;
@@ -25,18 +27,38 @@ public:
     void setObject(Object* object, Scene* scene);
     /// Gives both columns the same division, about three quarters for the playback.
     void adjustSplitters();
+    /// The least width of both columns, where the window has room for it.
     void setTextSize(FontSize size);
+    ColumnStep columnStep() const { return m_step; }
+
+    QSize minimumSizeHint() const override;
 
     PlaybackWidget* previewWidget() const { return m_preview; }
     PlaybackWidget* programWidget() const { return m_program; }
     TakeControls* takeControls() const { return m_takeControls; }
 
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+
 private:
+    void followPictures();
+    void updateStep();
+    void updateCaptions();
+
+    // In the order in which Tab goes through them.
     ZTSplitter* m_previewSplitter;
-    ZTSplitter* m_programSplitter;
     PlaybackWidget* m_preview;
-    PlaybackWidget* m_program;
+    PlaylistWidget* m_previewPlaylist;
     TakeControls* m_takeControls;
+    ZTSplitter* m_programSplitter;
+    PlaybackWidget* m_program;
+    PlaylistWidget* m_programPlaylist;
+    ColumnStep m_step = ColumnStep::Wide;
+    QTimer m_adjust;
+    FontSize m_size = FontSize::Medium;
+    bool m_isSized = false; // by its parent, before which its width says nothing
+    bool m_isAdjusting = false;
+    bool m_dividedByHand = false;
 };
 
 } // namespace vantrel

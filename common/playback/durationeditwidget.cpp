@@ -1,6 +1,7 @@
 #include "common/playback/durationeditwidget.h"
 
 #include "common/playback/timecodeedit.h"
+#include "common/ui/spacing.h"
 #include "common/ui/ztlabel.h"
 
 #include <QHBoxLayout>
@@ -28,9 +29,11 @@ bool areEqual(double a, double b)
 
 DurationEditWidget::DurationEditWidget(QWidget* parent)
     : ZTFrame(parent)
+    , m_label(new ZTLabel(tr("Duration:"), this))
     , m_type(new DurationTypeWidget(this))
     , m_time(new TimecodeEdit(this))
 {
+    m_label->setStyleClass(QStringLiteral("dim"));
     m_time->setDecimals(1);
     m_time->setMinTimecode(500);
     m_time->setTimecode(toClockTime(m_durationSeconds));
@@ -38,8 +41,8 @@ DurationEditWidget::DurationEditWidget(QWidget* parent)
 
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(6);
-    layout->addWidget(new ZTLabel(tr("Duration:"), this));
+    layout->setSpacing(spacing::normal);
+    layout->addWidget(m_label);
     layout->addWidget(m_type);
     layout->addWidget(m_time);
     layout->addStretch(1);
@@ -73,6 +76,11 @@ DurationTypeWidget::DurationType DurationEditWidget::durationType() const
 void DurationEditWidget::setDurationType(DurationTypeWidget::DurationType type)
 {
     m_type->setDurationType(type);
+}
+
+void DurationEditWidget::setColumnStep(ColumnStep step)
+{
+    m_label->setVisible(step == ColumnStep::Wide);
 }
 
 void DurationEditWidget::setObjectNames(const QString& base)

@@ -1,10 +1,12 @@
 #pragma once
 
+#include "common/playback/columnstep.h"
 #include "common/playback/durationtypewidget.h"
 
 namespace vantrel {
 
 class TimecodeEdit;
+class ZTLabel;
 
 /// How long a still image stands: for ever, or at least half a second in tenths. Owned by PlaybackWidget;
 /// main thread.
@@ -24,6 +26,7 @@ public:
     DurationTypeWidget::DurationType durationType() const;
     void setDurationType(DurationTypeWidget::DurationType type);
     void setObjectNames(const QString& base) override;
+    void setColumnStep(ColumnStep step);
 
 Q_SIGNALS:
     /// The operator changed the time or the type.
@@ -34,6 +37,7 @@ Q_SIGNALS:
 private:
     void updateTimeEnabled();
 
+    ZTLabel* m_label;
     DurationTypeWidget* m_type;
     TimecodeEdit* m_time;
     double m_durationSeconds = 10.0;

@@ -78,6 +78,12 @@ void EndActionWidget::setObjectNames(const QString& base)
     }
 }
 
+void EndActionWidget::setColumnStep(ColumnStep step)
+{
+    for (QAbstractButton* button : m_group->buttons())
+        static_cast<IconButton*>(button)->setSizes(buttonSizes(step));
+}
+
 void EndActionWidget::setEndAction(int endAction)
 {
     if (endAction == m_endAction)

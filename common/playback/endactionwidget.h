@@ -1,6 +1,7 @@
 #pragma once
 
 #include "common/media/playbackmodel.h"
+#include "common/playback/columnstep.h"
 #include "common/ui/ztframe.h"
 
 #include <QHash>
@@ -31,6 +32,8 @@ public:
     void setEndActionMode(int mode);
     /// base for this widget, base + "-next-button" and so on for the buttons; the last one has no name.
     void setObjectNames(const QString& base) override;
+
+    void setColumnStep(ColumnStep step);
 
 public Q_SLOTS:
     void handleButtonPress(QAbstractButton* button);

@@ -1,6 +1,7 @@
 #include "common/playback/endpointtimecodes.h"
 
 #include "common/playback/timecodedisplay.h"
+#include "common/ui/spacing.h"
 #include "common/ui/ztlabel.h"
 
 #include <QHBoxLayout>
@@ -14,7 +15,7 @@ EndpointTimecodes::EndpointTimecodes(QWidget* parent)
 {
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(6);
+    layout->setSpacing(spacing::tight);
     auto* inLabel = new ZTLabel(tr("In:"), this);
     auto* outLabel = new ZTLabel(tr("Out:"), this);
     inLabel->setStyleClass(QStringLiteral("dim"));

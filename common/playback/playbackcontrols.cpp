@@ -7,6 +7,7 @@
 #include "common/session/session.h"
 #include "common/ui/hotkeytip.h"
 #include "common/ui/iconbutton.h"
+#include "common/ui/spacing.h"
 #include "tarn/scene/object.h"
 
 #include <QHBoxLayout>
@@ -17,11 +18,6 @@ namespace {
 
 constexpr QRgb hoverColor = 0xff2493e6;
 constexpr QRgb pressedColor = 0xff2185d0;
-
-const QMap<FontSize, QSize> buttonSizes{{FontSize::Small, {30, 30}},
-                                        {FontSize::Medium, {38, 38}},
-                                        {FontSize::Large, {50, 50}},
-                                        {FontSize::Huge, {64, 64}}};
 
 struct ButtonSpec
 {
@@ -68,7 +64,7 @@ PlaybackControls::PlaybackControls(PlaybackViewMode viewMode, QWidget* parent)
 {
     static_assert(specs.size() == ButtonCount);
     m_layout->setContentsMargins(0, 0, 0, 0);
-    m_layout->setSpacing(4);
+    m_layout->setSpacing(spacing::tight);
     m_layout->addStretch(1);
     const QString channel = viewMode == Program ? QStringLiteral("Program") : QStringLiteral("Preview");
     for (int i = 0; i < ButtonCount; ++i) {
@@ -77,7 +73,6 @@ PlaybackControls::PlaybackControls(PlaybackViewMode viewMode, QWidget* parent)
         auto* button =
             new IconButton(icon + QStringLiteral(".svg"), icon + QStringLiteral("_disabled.svg"), this);
         button->setObjectName(channel + QStringLiteral("-PlaybackControls-") + QLatin1String(spec.suffix));
-        button->setSizes(buttonSizes);
         setHotkeyTip(button, tr(spec.tip), {QLatin1String(spec.hotkey)});
         button->setAccessibleName(tr(spec.tip));
         if (i == Pause || i == Play || i == Stop)
@@ -89,6 +84,7 @@ PlaybackControls::PlaybackControls(PlaybackViewMode viewMode, QWidget* parent)
         m_buttons[i] = button;
     }
     m_layout->addStretch(1);
+    setColumnStep(ColumnStep::Wide);
     if (viewMode == Program) {
         m_buttons[SetIn]->hide();
         m_buttons[SetOut]->hide();
@@ -96,6 +92,12 @@ PlaybackControls::PlaybackControls(PlaybackViewMode viewMode, QWidget* parent)
 }
 
 PlaybackControls::~PlaybackControls() = default;
+
+void PlaybackControls::setColumnStep(ColumnStep step)
+{
+    for (IconButton* button : m_buttons)
+        button->setSizes(transportSizes(step));
+}
 
 void PlaybackControls::setState(const QString& state)
 {

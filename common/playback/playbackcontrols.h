@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/playback/columnstep.h"
 #include "common/ui/ztframe.h"
 #include "tarn/media/enums.h"
 #include "tarn/ref.h"
@@ -33,6 +34,7 @@ public:
     void setObject(Object* object);
     void setSeekButtonsVisible(bool visible);
     void setSeekButtonsEnabled(bool enabled);
+    void setColumnStep(ColumnStep step);
     /// Whether the media and the channel have points to seek to, and to set.
     bool canSeekPoints() const;
     bool canSetPoints() const;

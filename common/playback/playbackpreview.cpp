@@ -30,7 +30,6 @@ PlaybackPreview::PlaybackPreview(QWidget* parent)
     : ZTFrame(parent)
 {
     setAcceptDrops(true);
-    setAttribute(Qt::WA_OpaquePaintEvent);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
     setAccessibleName(tr("Live picture"));
     setToolTip(tr("Drop media or a playlist here to play it"));
@@ -57,6 +56,15 @@ void PlaybackPreview::onFrame(const PreviewFrame& frame, const QPixmap& pixmap)
         return;
     m_pixmap = pixmap;
     update();
+    if (pixmap.isNull() || pixmap.width() * m_shape.height() == pixmap.height() * m_shape.width())
+        return;
+    m_shape = pixmap.size();
+    Q_EMIT shapeChanged();
+}
+
+int PlaybackPreview::heightForWidth(int width) const
+{
+    return qRound(double(width) * m_shape.height() / m_shape.width());
 }
 
 QSize PlaybackPreview::sizeHint() const
@@ -71,7 +79,7 @@ QSize PlaybackPreview::minimumSizeHint() const
 
 QRectF PlaybackPreview::pictureRect() const
 {
-    QSizeF size = m_pixmap.size();
+    QSizeF size = m_shape;
     size.scale(QSizeF(contentsRect().size()), Qt::KeepAspectRatio);
     QRectF picture(QPointF(), size);
     picture.moveCenter(QRectF(contentsRect()).center());
@@ -81,7 +89,9 @@ QRectF PlaybackPreview::pictureRect() const
 void PlaybackPreview::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
-    painter.fillRect(rect(), Qt::black);
+    // Around the picture the panel shows, and a line: what is black belongs to the picture.
+    painter.setPen(colors::getColor(colors::Zt_white_15));
+    painter.drawRect(pictureRect().toAlignedRect().adjusted(0, 0, -1, -1));
     if (m_resourceConstrained) {
         paintConstrained(painter);
     } else if (!m_pixmap.isNull()) {

@@ -34,10 +34,14 @@ public:
     /// Where the picture stands in this widget.
     QRectF pictureRect() const;
 
+    /// The height that shows the whole picture in such a width; that of 16 by 9 before the first picture.
+    int heightForWidth(int width) const override;
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
 
 Q_SIGNALS:
+    /// The picture has another shape than the one before.
+    void shapeChanged();
     void dragAndDropEntry(std::shared_ptr<vantrel::GuiMediaItem> item);
 
 protected:
@@ -52,6 +56,7 @@ private:
     std::string m_source;
     int m_streamIndex = -1;
     QPixmap m_pixmap;
+    QSize m_shape{16, 9};
     bool m_resourceConstrained = false;
     bool m_isDropTarget = false;
 };

@@ -1,6 +1,7 @@
 #include "common/playback/playbacktimecodes.h"
 
 #include "common/playback/timecodedisplay.h"
+#include "common/ui/spacing.h"
 #include "common/ui/ztlabel.h"
 
 #include <QGridLayout>
@@ -23,8 +24,8 @@ PlaybackTimecodes::PlaybackTimecodes(QWidget* parent)
     , m_remaining(new TimecodeDisplay(this))
 {
     m_layout->setContentsMargins(0, 0, 0, 0);
-    m_layout->setHorizontalSpacing(6);
-    m_layout->setVerticalSpacing(2);
+    m_layout->setHorizontalSpacing(spacing::tight);
+    m_layout->setVerticalSpacing(0);
     m_layout->setColumnStretch(2, 1);
     m_layout->addWidget(m_playheadLabel, 0, 0);
     m_layout->addWidget(m_playhead, 0, 1);
@@ -51,7 +52,7 @@ QSize PlaybackTimecodes::sizeHint() const
 
 QSize PlaybackTimecodes::minimumSizeHint() const
 {
-    return {m_playheadLabel->sizeHint().width() + m_playhead->sizeHint().width() + 6,
+    return {m_playheadLabel->sizeHint().width() + m_playhead->sizeHint().width() + spacing::tight,
             m_layout->minimumSize().height()};
 }
 

@@ -26,6 +26,7 @@
 #include "common/ui/dynamicstyle.h"
 #include "common/ui/hotkeytip.h"
 #include "common/ui/propertiesmapper.h"
+#include "common/ui/spacing.h"
 #include "tarn/scene/scene.h"
 
 #include <QEvent>
@@ -47,6 +48,7 @@ PlaybackWidget::PlaybackWidget(PlaybackViewMode viewMode, QWidget* parent)
     setDynamicStyle(this, "mode", isPreview() ? QStringLiteral("preview") : QStringLiteral("program"));
     setDynamicStyle(this, "hasfocus", QStringLiteral("false"));
     installEventFilter(this);
+    setAccessibleName(isPreview() ? tr("Preview") : tr("Program"));
     setFocusPolicy(Qt::StrongFocus);
     createChildren();
     layOut();
@@ -89,16 +91,37 @@ void PlaybackWidget::createChildren()
 void PlaybackWidget::layOut()
 {
     auto* layout = new QVBoxLayout(this);
-    layout->setContentsMargins(8, 8, 8, 0);
-    layout->setSpacing(6);
-    layout->addWidget(m_header);
-    layout->addWidget(m_preview, 1);
-    layout->addWidget(m_timecodes);
-    layout->addWidget(m_slider);
-    layout->addWidget(m_endpoints);
-    layout->addWidget(m_durationEdit);
-    layout->addWidget(m_controls);
+    layout->setContentsMargins(0, spacing::tight, 0, 0);
+    layout->setSpacing(0);
+    // The footer reaches from edge to edge, everything else stands in one column.
+    auto* column = new QVBoxLayout;
+    column->setContentsMargins(spacing::normal, 0, spacing::normal, spacing::tight);
+    column->setSpacing(spacing::tight);
+    column->addWidget(m_header);
+    column->addWidget(m_preview, 1);
+    for (QWidget* part :
+         std::initializer_list<QWidget*>{m_timecodes, m_slider, m_endpoints, m_durationEdit, m_controls})
+        column->addWidget(part);
+    layout->addLayout(column, 1);
     layout->addWidget(m_footer);
+}
+
+void PlaybackWidget::setColumnStep(ColumnStep step)
+{
+    m_header->setColumnStep(step);
+    m_controls->setColumnStep(step);
+    m_durationEdit->setColumnStep(step);
+    m_footer->setColumnStep(step);
+}
+
+int PlaybackWidget::heightForPicture(int pictureHeight) const
+{
+    return sizeHint().height() - m_preview->sizeHint().height() + pictureHeight;
+}
+
+int PlaybackWidget::pictureHeight() const
+{
+    return m_preview->heightForWidth(m_preview->width());
 }
 
 void PlaybackWidget::nameChildren()

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/playback/columnstep.h"
 #include "common/ui/ztframe.h"
 #include "tarn/media/enums.h"
 
@@ -59,6 +60,13 @@ public:
     /// The slot behind what plays; empty when there is none.
     QString getPlayedSlotUrl() const;
 
+    void setColumnStep(ColumnStep step);
+    /// The height, in pixels, that holds a picture so high and all around it at the present text size.
+    int heightForPicture(int pictureHeight) const;
+    /// The height of the whole picture in a column of this width.
+    int pictureHeight() const;
+
+    PlaybackWidgetFooter* footer() const { return m_footer; }
     PlaybackPreview* preview() const { return m_preview; }
     PlaybackControls* controls() const { return m_controls; }
     SeekSlider* slider() const { return m_slider; }

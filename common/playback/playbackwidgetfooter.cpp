@@ -4,6 +4,7 @@
 #include "common/playback/levelmeter.h"
 #include "common/playback/volumecontrolpopup.h"
 #include "common/ui/iconbutton.h"
+#include "common/ui/spacing.h"
 #include "common/ui/ztlabel.h"
 
 #include <QHBoxLayout>
@@ -14,6 +15,7 @@ namespace {
 
 constexpr int spacingOnPreview = 80; // pixels between and around the buttons
 constexpr int spacingOnProgram = 48;
+constexpr int reservedWidth = 16;
 
 } // namespace
 
@@ -33,7 +35,7 @@ PlaybackWidgetFooter::PlaybackWidgetFooter(PlaybackViewMode viewMode, QWidget* p
 
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(10, 10, 10, 10);
-    layout->setSpacing(4);
+    layout->setSpacing(spacing::tight);
     layout->addWidget(m_volume);
     layout->addWidget(m_levels, 1);
     layout->addStretch(1);
@@ -49,7 +51,7 @@ void PlaybackWidgetFooter::createReservedButtons()
     const auto reserve = [this](const QString& icon, const QString& tip) {
         auto button = std::make_unique<IconButton>(icon);
         button->setToolTip(tip);
-        button->resize(button->sizeHint());
+        button->resize(reservedWidth, reservedWidth); // an icon's
         m_reserved.push_back(std::move(button));
     };
     reserve(QStringLiteral(":/icons/scaling.svg"), tr("Select scaling method"));
@@ -74,11 +76,33 @@ void PlaybackWidgetFooter::setObjectNames(const QString& base)
 void PlaybackWidgetFooter::resizeEvent(QResizeEvent* event)
 {
     ZTFrame::resizeEvent(event);
+    updateCaption();
+}
+
+void PlaybackWidgetFooter::setColumnStep(ColumnStep step)
+{
+    m_volume->setSizes(buttonSizes(step));
+    m_endAction->setColumnStep(step);
+}
+
+void PlaybackWidgetFooter::setCaptionAllowed(bool allowed)
+{
+    m_captionAllowed = allowed;
+    updateCaption();
+}
+
+void PlaybackWidgetFooter::updateCaption()
+{
+    m_endActionLabel->setVisible(m_captionAllowed && hasRoomForCaption());
+}
+
+bool PlaybackWidgetFooter::hasRoomForCaption() const
+{
     int used = m_volume->width() + m_levels->minimumSizeHint().width() + m_endAction->width();
     for (const auto& button : m_reserved)
         used += button->width();
     used += m_viewMode == Program ? spacingOnProgram : spacingOnPreview;
-    m_endActionLabel->setVisible(m_endActionLabel->sizeHint().width() + 4 < width() - used);
+    return m_endActionLabel->sizeHint().width() + 4 < width() - used;
 }
 
 void PlaybackWidgetFooter::showVolume()

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/playback/columnstep.h"
 #include "common/ui/ztframe.h"
 #include "tarn/media/enums.h"
 
@@ -26,6 +27,11 @@ public:
     EndActionWidget* endAction() const { return m_endAction; }
     VolumeControlPopup* volumeControlPopup() const { return m_popup; }
     LevelMeter* levelMeter() const { return m_levels; }
+    void setColumnStep(ColumnStep step);
+    /// Whether the width holds the caption of the end action beside everything that has its place here.
+    bool hasRoomForCaption() const;
+    /// Shown only where it has room on both channels, so that they look alike.
+    void setCaptionAllowed(bool allowed);
     /// base for this widget, base + "-Volume", base + "-Levels" and base + "-EndAction" for its parts.
     void setObjectNames(const QString& base) override;
 
@@ -34,9 +40,11 @@ protected:
 
 private:
     void createReservedButtons();
+    void updateCaption();
     void showVolume();
 
     PlaybackViewMode m_viewMode;
+    bool m_captionAllowed = true;
     IconButton* m_volume;
     LevelMeter* m_levels;
     ZTLabel* m_endActionLabel;

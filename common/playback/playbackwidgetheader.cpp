@@ -5,23 +5,21 @@
 #include "common/playback/timecodedisplay.h"
 #include "common/ui/elidedlabel.h"
 #include "common/ui/fontsizefollower.h"
+#include "common/ui/spacing.h"
 #include "common/ui/ztlabel.h"
 
+#include <QGridLayout>
 #include <QHBoxLayout>
 #include <QStackedWidget>
 
 namespace vantrel {
 
-namespace {
-
-constexpr int headerHeight = 32; // pixels at the medium text size: that of the mute button, on both channels
-
-} // namespace
-
 PlaybackWidgetHeader::PlaybackWidgetHeader(PlaybackViewMode viewMode, QWidget* parent)
     : ZTFrame(parent)
-    , m_location(new ZTLabel(this))
-    , m_name(new ElidedLabel(this))
+    , m_layout(new QGridLayout(this))
+    , m_title(new QWidget(this))
+    , m_location(new ZTLabel(m_title))
+    , m_name(new ElidedLabel(m_title))
     , m_duration(new TimecodeDisplay(this))
 {
     const bool isProgram = viewMode == Program;
@@ -31,33 +29,56 @@ PlaybackWidgetHeader::PlaybackWidgetHeader(PlaybackViewMode viewMode, QWidget* p
     m_name->setElided(true);
     m_name->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     m_duration->setAccessibleName(tr("Duration"));
+    auto* title = new QHBoxLayout(m_title);
+    title->setContentsMargins(0, 0, 0, 0);
+    title->setSpacing(spacing::tight);
+    title->addWidget(m_location);
+    title->addWidget(m_name, 1);
 
-    followFontSize(this, [this](FontSize size) { setMinimumHeight(scaled(headerHeight, size)); });
-
-    auto* layout = new QHBoxLayout(this);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(6);
-    layout->addWidget(channel, 0, Qt::AlignVCenter);
-    layout->addSpacing(6);
-    layout->addWidget(m_location);
-    layout->addWidget(m_name, 1);
-    if (!isProgram) {
+    m_layout->setContentsMargins(0, 0, 0, 0);
+    m_layout->setHorizontalSpacing(spacing::normal);
+    m_layout->setVerticalSpacing(0);
+    m_layout->setColumnStretch(1, 1);
+    m_layout->addWidget(channel, 0, 0, Qt::AlignVCenter);
+    if (isProgram)
+        addDuration();
+    else
         m_duration->hide();
-        return;
-    }
+    followFontSize(this, [this](FontSize) { setColumnStep(m_step); });
+}
+
+void PlaybackWidgetHeader::addDuration()
+{
     m_infinite = new ZTLabel(tr("Infinite"), this);
     m_infinite->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     m_duration->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     m_durationStack = new QStackedWidget(this);
     m_durationStack->setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Preferred);
+    m_durationStack->setToolTip(tr("Duration"));
     m_durationStack->addWidget(m_duration);
     m_durationStack->addWidget(m_infinite);
     m_mute = new MuteButton(this);
-    auto* durationLabel = new ZTLabel(tr("Duration"), this);
-    durationLabel->setStyleClass(QStringLiteral("dim"));
-    layout->addWidget(durationLabel);
-    layout->addWidget(m_durationStack);
-    layout->addWidget(m_mute);
+    m_durationLabel = new ZTLabel(tr("Duration"), this);
+    m_durationLabel->setStyleClass(QStringLiteral("dim"));
+    m_layout->addWidget(m_durationLabel, 0, 2);
+    m_layout->addWidget(m_durationStack, 0, 3);
+    m_layout->addWidget(m_mute, 0, 4);
+}
+
+void PlaybackWidgetHeader::setColumnStep(ColumnStep step)
+{
+    m_step = step;
+    const bool isWide = step == ColumnStep::Wide;
+    // As high as the mute button, also where there is none: both pictures begin on one line.
+    m_layout->setRowMinimumHeight(0, buttonSizes(step).value(currentFontSize()).height());
+    if (isWide)
+        m_layout->addWidget(m_title, 0, 1);
+    else
+        m_layout->addWidget(m_title, 1, 0, 1, 5);
+    if (m_mute) {
+        m_mute->setSizes(buttonSizes(step));
+        m_durationLabel->setVisible(isWide);
+    }
 }
 
 void PlaybackWidgetHeader::setMediaName(const QString& name)

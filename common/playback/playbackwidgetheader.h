@@ -1,8 +1,10 @@
 #pragma once
 
+#include "common/playback/columnstep.h"
 #include "common/ui/ztframe.h"
 #include "tarn/media/enums.h"
 
+class QGridLayout;
 class QStackedWidget;
 
 namespace vantrel {
@@ -31,6 +33,7 @@ public:
     MuteButton* muteButton() const { return m_mute; }
     bool hasInfiniteDuration() const { return m_hasInfiniteDuration; }
     void setHasInfiniteDuration(bool infinite);
+    void setColumnStep(ColumnStep step);
     /// base for this widget, base + "-MediaName" and "-MediaLocation" for its labels.
     void setObjectNames(const QString& base) override;
 
@@ -40,12 +43,18 @@ Q_SIGNALS:
     void hasInfiniteDurationChanged();
 
 private:
+    void addDuration();
+
+    QGridLayout* m_layout;
+    QWidget* m_title;
     ZTLabel* m_location;
     ElidedLabel* m_name;
     TimecodeDisplay* m_duration;
     ZTLabel* m_infinite = nullptr;
+    ZTLabel* m_durationLabel = nullptr;
     QStackedWidget* m_durationStack = nullptr;
     MuteButton* m_mute = nullptr;
+    ColumnStep m_step = ColumnStep::Wide;
     bool m_hasInfiniteDuration = false;
 };
 

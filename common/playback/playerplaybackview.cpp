@@ -4,8 +4,10 @@
 #include "common/media/defaultresourcestatusprovider.h"
 #include "common/media/mediautils.h"
 #include "common/playback/channelwidget.h"
+#include "common/playback/columnstep.h"
 #include "common/playback/playbacklogging.h"
 #include "common/playback/playerkeys.h"
+#include "common/session/configuration.h"
 #include "common/session/objecttreemodel.h"
 #include "common/session/session.h"
 #include "common/session/signalrelay.h"
@@ -24,6 +26,8 @@
 #include <QMap>
 #include <QStackedWidget>
 
+#include <algorithm>
+
 namespace vantrel {
 
 namespace {
@@ -31,16 +35,30 @@ namespace {
 constexpr int objectRole = 257; // of the scene's tree model
 constexpr int sceneRole = 258;
 
-/// In pixels: the panel gives way, so that both channels fit 1280 at the medium text size and 1600 at the
-/// large one. Beside huge text they scroll anyway.
+/// In pixels: the panel gives way to the channels down to its least width.
 const QMap<FontSize, int> leastPanelWidths{
-    {FontSize::Small, 140}, {FontSize::Medium, 150}, {FontSize::Large, 160}, {FontSize::Huge, 250}};
+    {FontSize::Small, 132}, {FontSize::Medium, 140}, {FontSize::Large, 160}, {FontSize::Huge, 200}};
+constexpr int panelWidth = 272;    // at the medium text size, where there is room
+constexpr int readableWidth = 150; // the same, below which it cuts most names
+
+/// The panel's width that leaves the channels their captions if that can be; else it takes a quarter of what
+/// they do not need.
+int panelWidthIn(int room, FontSize size)
+{
+    const int least = leastPanelWidths.value(size);
+    const int preferred = scaled(panelWidth, size);
+    const int besideWide = room - channelsWidth(ColumnStep::Wide, size);
+    if (besideWide >= scaled(readableWidth, size))
+        return std::min(besideWide, preferred);
+    return std::clamp(least + (room - channelsWidth(ColumnStep::Narrow, size) - least) / 4, least, preferred);
+}
 
 } // namespace
 
 PlayerPlaybackView::PlayerPlaybackView(QWidget* parent)
     : QWidget(parent)
     , m_mapper(new WidgetMapper(this))
+    , m_splitter(new ZTSplitter(Qt::Horizontal, this))
     , m_stack(new QStackedWidget(this))
 {
     auto* panel = new MediaPanelWidget(this);
@@ -52,15 +70,15 @@ PlayerPlaybackView::PlayerPlaybackView(QWidget* parent)
     m_stack->addWidget(createEmptyState());
     m_stack->addWidget(createChannelArea());
 
-    auto* splitter = new ZTSplitter(Qt::Horizontal, this);
-    splitter->addWidget(panel);
-    splitter->addWidget(m_stack);
-    splitter->setCollapsible(1, false);
-    splitter->setStretchFactor(0, 0);
-    splitter->setStretchFactor(1, 1);
+    m_splitter->addWidget(panel);
+    m_splitter->addWidget(m_stack);
+    m_splitter->setStretchFactor(0, 0);
+    m_splitter->setStretchFactor(1, 1);
+    connect(m_splitter, &QSplitter::splitterMoved, this, [this] { m_dividedByHand = true; });
     auto* layout = new QHBoxLayout(this);
-    layout->setContentsMargins(0, 6, 0, 6);
-    layout->addWidget(splitter);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(m_splitter);
+    followFontSize(this, [this](FontSize) { shareWidth(); });
 
     m_mapper->setObjectName(QStringLiteral("playbacksMapper"));
     m_mapper->setObjectType(&ChannelWidget::staticMetaObject);
@@ -73,6 +91,21 @@ PlayerPlaybackView::PlayerPlaybackView(QWidget* parent)
     if (Hotkeys* hotkeys = Session::instance()->hotkeys())
         m_keys = new PlayerKeys(hotkeys, this);
     updateState();
+}
+
+void PlayerPlaybackView::shareWidth()
+{
+    if (m_dividedByHand)
+        return;
+    const int room = width() - m_splitter->handleWidth();
+    const int panel = panelWidthIn(room, currentFontSize());
+    m_splitter->setSizes({panel, room - panel});
+}
+
+void PlayerPlaybackView::resizeEvent(QResizeEvent* event)
+{
+    QWidget::resizeEvent(event);
+    shareWidth();
 }
 
 QWidget* PlayerPlaybackView::createEmptyState()

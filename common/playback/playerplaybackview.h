@@ -11,6 +11,7 @@ class MediaPanelWidget;
 class PlayerKeys;
 class WidgetMapper;
 class ZTLabel;
+class ZTSplitter;
 
 /// The player tab: the media library on the left and a ChannelWidget for each channel of the server. Without
 /// one it says what to do. Owned by the main window; main thread.
@@ -31,7 +32,12 @@ public Q_SLOTS:
 Q_SIGNALS:
     void collectionEditRequested(int collection);
 
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+
 private:
+    /// Divides the width between the media panel and the channels, until the operator does.
+    void shareWidth();
     QWidget* createEmptyState();
     QWidget* createChannelArea();
     void connectSession();
@@ -39,12 +45,14 @@ private:
     void updateState();
 
     WidgetMapper* m_mapper;
+    ZTSplitter* m_splitter;
     QStackedWidget* m_stack;
     ZTLabel* m_emptyTitle = nullptr;
     ZTLabel* m_emptyHint = nullptr;
     ZTLabel* m_lostNotice = nullptr;
     PlayerKeys* m_keys = nullptr; // none where there are no hotkeys
     int m_channelCount = 0;
+    bool m_dividedByHand = false;
 };
 
 } // namespace vantrel

@@ -73,7 +73,18 @@ void TakeButton::onReleased()
 void TakeButton::onStyleChange(ConfigurationOption option, const QVariant& value)
 {
     if (option == TEXT_SIZE)
-        updateSizes(fontSizeFrom(value));
+        updateSizes(stepped(fontSizeFrom(value)));
+}
+
+void TakeButton::setColumnStep(ColumnStep step)
+{
+    m_step = step;
+    updateSizes(stepped(currentFontSize()));
+}
+
+FontSize TakeButton::stepped(FontSize size) const
+{
+    return m_step == ColumnStep::Narrow && size == FontSize::Huge ? FontSize::Large : size;
 }
 
 void TakeButton::updateSizes(FontSize size)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/playback/columnstep.h"
 #include "common/session/configuration.h"
 
 #include <QMap>
@@ -23,6 +24,8 @@ public:
     QSize sizeHint() const override { return m_size; }
     QSize minimumSizeHint() const override { return m_size; }
     double takeProgress() const { return m_takeProgress; }
+    /// In a narrow window the largest button, that of huge text, takes the size below.
+    void setColumnStep(ColumnStep step);
     /// 0.0 to 1.0, anything else counts as the nearer end. Emits nothing: progress only ever comes from the
     /// server.
     void setTakeProgress(double progress);
@@ -45,10 +48,12 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
+    FontSize stepped(FontSize size) const;
     void setParts(const char* property, bool value);
 
     const QMap<FontSize, QSize> m_sizes;
     QSize m_size;
+    ColumnStep m_step = ColumnStep::Wide;
     QWidget* m_bar;
     QLabel* m_label;
     QGraphicsDropShadowEffect* m_shadow;

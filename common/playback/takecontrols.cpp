@@ -6,14 +6,16 @@
 #include "common/session/configuration.h"
 #include "common/session/session.h"
 #include "common/ui/doubleedit.h"
+#include "common/ui/fontsizefollower.h"
 #include "common/ui/iconbutton.h"
 #include "common/ui/propertiesmapper.h"
 #include "common/ui/pushbutton.h"
+#include "common/ui/spacing.h"
 #include "common/ui/ztlabel.h"
 #include "tarn/scene/object.h"
 
 #include <QButtonGroup>
-#include <QGridLayout>
+#include <QHBoxLayout>
 #include <QVBoxLayout>
 
 namespace vantrel {
@@ -109,38 +111,49 @@ void TakeControls::createControls()
 
 void TakeControls::layOut()
 {
-    auto* from = new QHBoxLayout;
-    from->setSpacing(4);
-    from->addStretch(1);
-    from->addWidget(m_fromInpoint);
-    from->addWidget(m_fromCurrent);
-    from->addStretch(1);
-    auto* transition = new QHBoxLayout;
-    transition->setSpacing(4);
-    transition->addStretch(1);
-    for (IconButton* button : {m_directCut, m_crossfade, m_dip})
-        transition->addWidget(button);
-    transition->addStretch(1);
+    const auto makeRow = [](std::initializer_list<IconButton*> buttons) {
+        auto* row = new QHBoxLayout;
+        row->setSpacing(spacing::tight);
+        row->addStretch(1);
+        for (IconButton* button : buttons)
+            row->addWidget(button);
+        row->addStretch(1);
+        return row;
+    };
     auto* presetFrame = new ZTFrame(this);
     presetFrame->setObjectName(QStringLiteral("TakeControls-Preset"));
-    auto* preset = new QHBoxLayout(presetFrame);
-    preset->setContentsMargins(2, 2, 2, 2);
-    preset->setSpacing(2);
-    preset->addWidget(m_swap);
-    preset->addWidget(m_copy);
+    m_presetLayout = new QBoxLayout(QBoxLayout::LeftToRight, presetFrame);
+    m_presetLayout->setContentsMargins(2, 2, 2, 2);
+    m_presetLayout->setSpacing(2);
+    m_presetLayout->addWidget(m_swap);
+    m_presetLayout->addWidget(m_copy);
+    m_presetLabel->setAlignment(Qt::AlignCenter);
+    m_presetLabel->setWordWrap(true);
 
     auto* layout = new QVBoxLayout(this);
-    layout->setContentsMargins(4, 12, 4, 12);
-    layout->setSpacing(10);
+    layout->setContentsMargins(spacing::tight, spacing::loose, spacing::tight, spacing::tight);
+    layout->setSpacing(spacing::normal);
     layout->addWidget(m_takeButton, 0, Qt::AlignHCenter);
-    layout->addSpacing(8);
-    layout->addLayout(from);
-    layout->addLayout(transition);
+    layout->addSpacing(spacing::normal);
+    layout->addLayout(makeRow({m_fromInpoint, m_fromCurrent}));
+    layout->addLayout(makeRow({m_directCut, m_crossfade, m_dip}));
     layout->addWidget(m_duration);
-    layout->addSpacing(8);
-    layout->addWidget(m_presetLabel, 0, Qt::AlignHCenter);
+    layout->addSpacing(spacing::normal);
+    layout->addWidget(m_presetLabel);
     layout->addWidget(presetFrame);
     layout->addStretch(1);
+    followFontSize(this, [this](FontSize) { setColumnStep(m_step); });
+}
+
+void TakeControls::setColumnStep(ColumnStep step)
+{
+    m_step = step;
+    m_takeButton->setColumnStep(step);
+    for (IconButton* button : {m_fromInpoint, m_fromCurrent, m_directCut, m_crossfade, m_dip})
+        button->setSizes(takeOptionSizes(step));
+    m_presetLayout->setDirection(step == ColumnStep::Wide ? QBoxLayout::LeftToRight
+                                                          : QBoxLayout::TopToBottom);
+    setFixedWidth(takeWidth(step, currentFontSize()));
 }
 
 TakeTransitionType TakeControls::takeTransition() const

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/playback/columnstep.h"
 #include "common/ui/ztframe.h"
 #include "tarn/media/enums.h"
 #include "tarn/ref.h"
@@ -7,6 +8,7 @@
 #include <memory>
 
 class QAbstractButton;
+class QBoxLayout;
 class QButtonGroup;
 
 namespace vantrel {
@@ -46,6 +48,7 @@ public:
     /// The channel, or null; what was chosen so far stays with the group it was chosen under.
     void setObject(Object* object, Scene* scene);
     TakeButton* takeButton() const { return m_takeButton; }
+    void setColumnStep(ColumnStep step);
     void updateDurationEditReadOnlyState();
     QString getConfigGroup() const;
     void saveButtonStates();
@@ -69,11 +72,13 @@ private:
     IconButton* m_dip = nullptr;
     DoubleEdit* m_duration = nullptr;
     ZTLabel* m_presetLabel = nullptr;
+    QBoxLayout* m_presetLayout = nullptr;
     PushButton* m_swap = nullptr;
     PushButton* m_copy = nullptr;
     QButtonGroup* m_fromGroup;
     QButtonGroup* m_transitionGroup;
     QButtonGroup* m_presetGroup;
+    ColumnStep m_step = ColumnStep::Wide;
     Scene* m_scene = nullptr;
     Ref<Object> m_object;
 };

@@ -52,7 +52,7 @@ MainNavigationBar::MainNavigationBar(QWidget* parent)
         logo->setPixmap(IconCache::original(QStringLiteral(":/icons/zt_logo.svg"), QSize(extent, extent),
                                             logo->devicePixelRatioF()));
     });
-    m_layout->setContentsMargins(2, 4, 2, 4);
+    m_layout->setContentsMargins(2, 2, 2, 2);
     m_layout->setSpacing(8);
     m_tabs->setSpacing(4);
     m_layout->addWidget(logo);

@@ -24,6 +24,7 @@
 #include "common/ui/notificationstatusbar.h"
 #include "common/ui/placeholderview.h"
 #include "common/ui/showmanager.h"
+#include "common/ui/spacing.h"
 #include "common/ui/stackedtabwidget.h"
 #include "common/ui/statusbar.h"
 
@@ -76,7 +77,7 @@ MainWindow::MainWindow(QWidget* parent)
     if (Session* session = Session::instance())
         session->setHotkeys(m_hotkeys);
     m_central->setObjectName(QStringLiteral("central"));
-    m_layout->setContentsMargins(6, 0, 6, 0);
+    m_layout->setContentsMargins(spacing::tight, 0, spacing::tight, 0);
     m_layout->setSpacing(0);
 
     m_navigationBar = new MainNavigationBar(m_central);
@@ -92,11 +93,11 @@ MainWindow::MainWindow(QWidget* parent)
     initMediaView();
     initPlayerView();
     m_layout->addWidget(m_navigationBar);
-    m_layout->addSpacing(6);
+    m_layout->addSpacing(spacing::normal);
     m_layout->addWidget(m_tabs, 1);
-    m_layout->addSpacing(6);
+    m_layout->addSpacing(spacing::normal);
     m_layout->addWidget(m_statusBar);
-    m_layout->addSpacing(6);
+    m_layout->addSpacing(spacing::tight);
     m_navigationBar->setActiveTab(PlayerTab);
     setCentralWidget(m_central);
     initConnection();

@@ -7,6 +7,7 @@
 #include "common/ui/contextmenubutton.h"
 #include "common/ui/elidedlabel.h"
 #include "common/ui/reconnectdialog.h"
+#include "common/ui/spacing.h"
 #include "common/ui/statusbarmenu.h"
 
 #include <QHBoxLayout>
@@ -69,7 +70,7 @@ StatusBar::StatusBar(const SystemProxy* system, const ConnectionProvider* connec
                     {FontSize::Large, {34, 34}},
                     {FontSize::Huge, {44, 44}}});
 
-    m_layout->setContentsMargins(4, 2, 4, 2);
+    m_layout->setContentsMargins(spacing::tight, 0, spacing::tight, 0);
     m_layout->setSpacing(4);
     m_layout->addWidget(m_area);
     m_layout->addWidget(more);

@@ -6,6 +6,7 @@
 #include "common/media/medialibraryprovider.h"
 #include "common/media/mediasloteditfunctional.h"
 #include "common/media/sortedcollectionselectormodel.h"
+#include "common/session/configuration.h"
 #include "common/session/session.h"
 #include "common/session/signalrelay.h"
 #include "common/ui/confirmationdialog.h"
@@ -38,6 +39,7 @@ namespace {
 
 constexpr int scrollRestMs = 120;
 constexpr int minimumPanelWidth = 220;
+constexpr int addButtonWidth = 200; // of the panel, at the medium text size
 
 } // namespace
 
@@ -73,6 +75,10 @@ MediaPanelWidget::MediaPanelWidget(MediaLibraryModel* library, AbstractMediaLibr
     buildHeader();
     buildList();
     buildMenu();
+    QWidget::setTabOrder(m_chooser, m_search);
+    QWidget::setTabOrder(m_search, m_addButton);
+    QWidget::setTabOrder(m_addButton, m_menuButton);
+    QWidget::setTabOrder(m_menuButton, m_view);
     connectModels();
     m_scrollRest.setSingleShot(true);
     m_scrollRest.setInterval(scrollRestMs);
@@ -93,7 +99,7 @@ void MediaPanelWidget::buildHeader()
     m_chooser->setToolTip(tr("The collection whose media is listed"));
     m_chooser->setAccessibleName(tr("Collection"));
     m_chooser->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
-    m_chooser->setMinimumContentsLength(8);
+    m_chooser->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
     m_chooser->setMaxVisibleItems(20);
     m_chooser->setPlaceholderText(tr("No collections"));
     m_chooser->setModel(m_sortedSelector);
@@ -166,6 +172,9 @@ void MediaPanelWidget::buildMenu()
     auto* menu = new ZTMenu(this);
     menu->setObjectNames(QStringLiteral("MediaPanel-menu"));
     m_menu = menu;
+    m_addEntry = menu->addEntry(QStringLiteral("plus"), tr("New collection..."));
+    connect(m_addEntry, &QAction::triggered, this, &MediaPanelWidget::askForNewCollection);
+    m_addEntry->setVisible(false);
     const auto add = [this, menu](const char* icon, const QString& text, void (MediaPanelWidget::*slot)()) {
         connect(menu->addEntry(QString::fromLatin1(icon), text), &QAction::triggered, this, slot);
     };
@@ -239,6 +248,7 @@ void MediaPanelWidget::updateChooser()
     m_chooser->setCurrentIndex(
         number < 0 ? -1 : m_chooser->findData(number, CollectionSelectorModel::CollectionNumberRole));
     m_menuButton->setEnabled(m_connected && number >= 0);
+    fitButtons();
 }
 
 void MediaPanelWidget::showCollection()
@@ -406,6 +416,20 @@ void MediaPanelWidget::askForRemoval()
     connect(dialog, &ZTDialog::confirmed, this,
             [this, collection] { m_manager->removeCollection(collection); });
     dialog->open();
+}
+
+/// The search field comes before the add button, which the menu stands in for.
+void MediaPanelWidget::fitButtons()
+{
+    const bool isNarrow = width() < scaled(addButtonWidth, currentFontSize()) && selectedCollection() >= 0;
+    m_addButton->setVisible(!isNarrow);
+    m_addEntry->setVisible(isNarrow);
+}
+
+void MediaPanelWidget::resizeEvent(QResizeEvent* event)
+{
+    ZTFrame::resizeEvent(event);
+    fitButtons();
 }
 
 /// In a narrow panel the field names itself by its text or by its lens, whichever fits whole.

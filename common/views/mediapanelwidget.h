@@ -54,6 +54,7 @@ private:
     void showCollection();
     void updateChooser();
     void fitSearch();
+    void fitButtons();
     void updateEmptyText();
     void onActivated(const QModelIndex& index);
     void onScrolled();
@@ -66,6 +67,7 @@ private:
     void askForRemoval();
     QString collectionName() const;
     bool eventFilter(QObject* watched, QEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
 
     MediaLibraryModel* m_library;
     MediaCollectionManager* m_manager;
@@ -77,6 +79,7 @@ private:
     IconButton* m_addButton = nullptr;
     IconButton* m_menuButton = nullptr;
     QMenu* m_menu = nullptr;
+    QAction* m_addEntry = nullptr;
     ZTEdit* m_search = nullptr;
     QAction* m_lens = nullptr; // in the search field
     SlotListView* m_view = nullptr;

@@ -5,22 +5,27 @@
 #include "common/media/playbackmodel.h"
 #include "common/media/playlistprovider.h"
 #include "common/media/singlemediamodel.h"
+#include "common/session/configuration.h"
 #include "common/session/session.h"
 #include "common/session/signalrelay.h"
 #include "common/ui/dynamicstyle.h"
+#include "common/ui/fontsizefollower.h"
 #include "common/ui/navbutton.h"
 #include "common/ui/navigationbar.h"
+#include "common/ui/spacing.h"
 #include "common/ui/stackedtabwidget.h"
 #include "common/ui/ztlabel.h"
 #include "common/views/singlemediawidget.h"
 
+#include <QHBoxLayout>
 #include <QVBoxLayout>
 
 namespace vantrel {
 
 namespace {
 
-constexpr int leastHeight = 72; // pixels
+constexpr int headHeight = 32;   // of tabs and title, in pixels at the medium text size
+constexpr int leastContent = 24; // below which there is nothing to see of it
 
 } // namespace
 
@@ -34,17 +39,27 @@ PlaylistWidget::PlaylistWidget(PlaybackViewMode mode, QWidget* parent)
     setDynamicStyle(this, "class", QStringLiteral("panel"));
     setDynamicStyle(this, "mode", isPreview ? QStringLiteral("preview") : QStringLiteral("program"));
     auto* layout = new QVBoxLayout(this);
-    layout->setContentsMargins(8, 0, 8, 8);
-    layout->setSpacing(4);
+    layout->setContentsMargins(spacing::normal, 0, spacing::normal, spacing::normal);
+    layout->setSpacing(spacing::tight);
     if (isPreview)
         buildPreview();
     else
         buildProgram();
+    QWidget* head = layout->itemAt(0)->widget();
+    followFontSize(head, [head](FontSize size) { head->setFixedHeight(scaled(headHeight, size)); });
+}
+
+void PlaylistWidget::resizeEvent(QResizeEvent* event)
+{
+    ZTFrame::resizeEvent(event);
+    const FontSize size = currentFontSize();
+    layout()->itemAt(1)->widget()->setVisible(height() >= scaled(headHeight + leastContent, size));
 }
 
 QSize PlaylistWidget::minimumSizeHint() const
 {
-    return {0, leastHeight};
+    // Its title or tabs stay in view, however little is left for what they head.
+    return {0, scaled(headHeight, currentFontSize()) + spacing::tight};
 }
 
 void PlaylistWidget::buildPreview()
@@ -75,11 +90,14 @@ void PlaylistWidget::buildPreview()
 
 void PlaylistWidget::buildProgram()
 {
-    auto* title = new ZTLabel(tr("PGM playlist"), this);
+    auto* head = new QWidget(this);
+    auto* title = new ZTLabel(tr("PGM playlist"), head);
     title->setObjectName(QStringLiteral("Program-PlaylistEditor-title"));
     title->setStyleClass(QStringLiteral("section"));
-    title->setContentsMargins(0, 8, 0, 4);
-    layout()->addWidget(title);
+    auto* row = new QHBoxLayout(head);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->addWidget(title);
+    layout()->addWidget(head);
     static_cast<QVBoxLayout*>(layout())->addWidget(createPlaylistPage(), 1);
 }
 

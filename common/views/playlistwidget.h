@@ -25,6 +25,9 @@ public:
     int currentTab() const;
     QSize minimumSizeHint() const override;
 
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+
 private:
     void buildPreview();
     void buildProgram();

@@ -6,6 +6,7 @@
 #include "common/session/configuration.h"
 #include "common/ui/elidedlabel.h"
 #include "common/ui/fontsizefollower.h"
+#include "common/ui/spacing.h"
 #include "common/ui/ztcombobox.h"
 #include "common/views/thumbnaillabel.h"
 
@@ -13,6 +14,7 @@
 #include <QScrollArea>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <array>
 
 namespace vantrel {
@@ -23,16 +25,17 @@ using Column = SingleMediaModel::Column;
 
 // Long texts have a row of their own; the others stand side by side where there is room.
 constexpr std::array firstRows{SingleMediaModel::NameColumn, SingleMediaModel::LocationColumn};
-constexpr std::array leftRows{SingleMediaModel::DurationColumn, SingleMediaModel::MediaTypeColumn,
-                              SingleMediaModel::VideoColumn,    SingleMediaModel::WidthColumn,
-                              SingleMediaModel::HeightColumn,   SingleMediaModel::AspectColumn,
-                              SingleMediaModel::FpsColumn};
-constexpr std::array rightRows{SingleMediaModel::BitRateColumn,    SingleMediaModel::FileSizeColumn,
-                               SingleMediaModel::ColorSpaceColumn, SingleMediaModel::PixelFormatColumn,
-                               SingleMediaModel::AudioColumn,      SingleMediaModel::ChannelsColumn};
-constexpr std::array lastRows{SingleMediaModel::ImportedColumn, SingleMediaModel::ModifiedColumn,
-                              SingleMediaModel::PlaylistColumn, SingleMediaModel::CollectionColumn};
-constexpr int wideWidth = 520; // pixels at the Medium text size
+constexpr std::array facts{
+    SingleMediaModel::DurationColumn,   SingleMediaModel::MediaTypeColumn,   SingleMediaModel::VideoColumn,
+    SingleMediaModel::WidthColumn,      SingleMediaModel::HeightColumn,      SingleMediaModel::AspectColumn,
+    SingleMediaModel::FpsColumn,        SingleMediaModel::BitRateColumn,     SingleMediaModel::FileSizeColumn,
+    SingleMediaModel::ColorSpaceColumn, SingleMediaModel::PixelFormatColumn, SingleMediaModel::AudioColumn,
+    SingleMediaModel::ChannelsColumn};
+constexpr std::array lastFacts{SingleMediaModel::ImportedColumn, SingleMediaModel::ModifiedColumn,
+                               SingleMediaModel::PlaylistColumn, SingleMediaModel::CollectionColumn};
+constexpr int pairWidth = 200; // pixels at the Medium text size
+constexpr int mostPairs = 3;
+constexpr int pictureWidth = 144;
 
 constexpr std::array modes{ScaleMode::Default,  ScaleMode::Fit,        ScaleMode::Clip,
                            ScaleMode::Stretch,  ScaleMode::Centered,   ScaleMode::TopLeft,
@@ -66,7 +69,7 @@ SingleMediaWidget::SingleMediaWidget(SingleMediaModel* model, MediaDataAggregato
     m_area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     m_area->setWidget(createPage());
     auto* layout = new QVBoxLayout(this);
-    layout->setContentsMargins(0, 4, 0, 0);
+    layout->setContentsMargins(0, spacing::tight, 0, 0);
     layout->addWidget(m_empty, 1);
     layout->addWidget(m_area, 1);
 
@@ -102,53 +105,91 @@ QWidget* SingleMediaWidget::createPage()
     m_usedIn->setWordWrap(true);
     m_usedIn->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Minimum);
 
+    m_scaling = makeScaling(page);
+    m_scalingTitle =
+        makeTitle(m_model->headerData(SingleMediaModel::ScalingColumn, Qt::Horizontal).toString(), page);
+
     m_grid = new QGridLayout;
-    m_grid->setHorizontalSpacing(12);
+    m_grid->setHorizontalSpacing(spacing::normal);
     m_grid->setVerticalSpacing(2);
+    m_picture = createPictureColumn(page);
     auto* layout = new QHBoxLayout(page);
-    layout->setContentsMargins(0, 0, 4, 0);
-    layout->setSpacing(16);
-    layout->addWidget(createPictureColumn(page), 0, Qt::AlignTop);
+    layout->setContentsMargins(0, 0, spacing::tight, 0);
+    layout->setSpacing(spacing::wide);
+    layout->addWidget(m_picture, 0, Qt::AlignTop);
     layout->addLayout(m_grid, 1);
-    arrange(true);
+    arrange(2, true);
     return page;
 }
 
-void SingleMediaWidget::arrange(bool wide)
+ZTComboBox* SingleMediaWidget::makeScaling(QWidget* page)
 {
-    m_wide = wide;
+    auto* scaling = new ZTComboBox(page);
+    scaling->setObjectNames(QStringLiteral("Preview-SingleMedia-scaling"));
+    scaling->setToolTip(tr("How the picture of this slot is fitted to the output"));
+    scaling->setAccessibleName(tr("Scaling"));
+    scaling->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+    for (const ScaleMode mode : modes)
+        scaling->addItem(scaleModeToPrettyString(mode), static_cast<int>(mode));
+    connect(scaling, &QComboBox::activated, this, &SingleMediaWidget::onScalingChosen);
+    return scaling;
+}
+
+void SingleMediaWidget::addRow(int column, int row, int pair, int span)
+{
+    m_grid->addWidget(m_titles.value(column), row, 2 * pair);
+    m_grid->addWidget(m_values.value(column), row, 2 * pair + 1, 1, span);
+}
+
+void SingleMediaWidget::arrange(int pairs, bool hasPicture)
+{
+    if (pairs == m_pairs && hasPicture == m_hasPicture)
+        return;
+    m_pairs = pairs;
+    m_hasPicture = hasPicture;
     while (QLayoutItem* item = m_grid->takeAt(0))
         delete item;
-    const int span = wide ? 3 : 1;
+    const int span = 2 * pairs - 1;
     int row = 0;
-    const auto add = [this](int column, int at, int side, int width) {
-        m_grid->addWidget(m_titles.value(column), at, side);
-        m_grid->addWidget(m_values.value(column), at, side + 1, 1, width);
-    };
     for (const int column : firstRows)
-        add(column, row++, 0, span);
-    int right = row;
-    for (const int column : leftRows)
-        add(column, row++, 0, 1);
-    for (const int column : rightRows)
-        add(column, wide ? right++ : row++, wide ? 2 : 0, 1);
-    for (const int column : lastRows)
-        add(column, row++, 0, span);
+        addRow(column, row++, 0, span);
+    const int count = static_cast<int>(facts.size());
+    const int rows = (count + pairs - 1) / pairs;
+    for (int i = 0; i < count; ++i)
+        addRow(facts[i], row + i % rows, i / rows, 1);
+    row += rows;
+    const int beside = pairs == mostPairs ? 2 : 1;
+    for (int i = 0; i < static_cast<int>(lastFacts.size()); ++i)
+        addRow(lastFacts[i], row + i / beside, i % beside,
+               i % beside == beside - 1 ? 1 + 2 * (pairs - beside) : 1);
+    row += static_cast<int>(lastFacts.size()) / beside;
     m_grid->addWidget(m_titles.value(SingleMediaModel::UsedInColumn), row, 0, Qt::AlignTop);
-    m_grid->addWidget(m_usedIn, row, 1, 1, span);
-    m_grid->setColumnStretch(1, 2);
-    m_grid->setColumnStretch(3, wide ? 3 : 0);
+    m_grid->addWidget(m_usedIn, row++, 1, 1, span);
+
+    m_picture->setVisible(hasPicture);
+    if (hasPicture) {
+        m_picture->layout()->addWidget(m_scalingTitle);
+        m_picture->layout()->addWidget(m_scaling);
+    } else {
+        m_grid->addWidget(m_scalingTitle, row, 0);
+        m_grid->addWidget(m_scaling, row++, 1, 1, 1);
+    }
+    for (int i = 0; i < mostPairs; ++i)
+        m_grid->setColumnStretch(2 * i + 1, i < pairs ? 1 : 0);
     // A row that is empty in one arrangement must not push the other apart.
     for (int i = 0; i < m_grid->rowCount(); ++i)
         m_grid->setRowStretch(i, 0);
-    m_grid->setRowStretch(row + 1, 1);
+    m_grid->setRowStretch(row, 1);
 }
 
 void SingleMediaWidget::resizeEvent(QResizeEvent* event)
 {
     ZTFrame::resizeEvent(event);
-    if (const bool wide = width() >= scaled(wideWidth, currentFontSize()); wide != m_wide)
-        arrange(wide);
+    const FontSize size = currentFontSize();
+    const int beside = width() - scaled(pictureWidth, size);
+    const bool hasPicture = beside >= scaled(2 * pairWidth, size);
+    const int pairs = (hasPicture ? beside : width()) / scaled(pairWidth, size);
+    arrange(std::clamp(pairs, 1, mostPairs), hasPicture);
 }
 
 QWidget* SingleMediaWidget::createPictureColumn(QWidget* page)
@@ -156,23 +197,10 @@ QWidget* SingleMediaWidget::createPictureColumn(QWidget* page)
     auto* column = new QWidget(page);
     m_thumbnail = new ThumbnailLabel(column);
     m_thumbnail->setObjectName(QStringLiteral("Preview-SingleMedia-thumbnail"));
-    m_scaling = new ZTComboBox(column);
-    m_scaling->setObjectNames(QStringLiteral("Preview-SingleMedia-scaling"));
-    m_scaling->setToolTip(tr("How the picture of this slot is fitted to the output"));
-    m_scaling->setAccessibleName(tr("Scaling"));
-    m_scaling->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
-    for (const ScaleMode mode : modes)
-        m_scaling->addItem(scaleModeToPrettyString(mode), static_cast<int>(mode));
-    connect(m_scaling, &QComboBox::activated, this, &SingleMediaWidget::onScalingChosen);
-
     auto* layout = new QVBoxLayout(column);
     layout->setContentsMargins(0, 2, 0, 0);
-    layout->setSpacing(4);
+    layout->setSpacing(spacing::tight);
     layout->addWidget(m_thumbnail);
-    layout->addSpacing(4);
-    const auto title = m_model->headerData(SingleMediaModel::ScalingColumn, Qt::Horizontal).toString();
-    layout->addWidget(makeTitle(title, column));
-    layout->addWidget(m_scaling);
     return column;
 }
 

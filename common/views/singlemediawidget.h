@@ -16,7 +16,7 @@ class ThumbnailLabel;
 class ZTComboBox;
 class ZTLabel;
 
-/// The page about one media: its picture, what is known of it in two columns of label and value, where it is
+/// The page about one media: its picture, what is known of it as label and value, where it is
 /// used, and how it is scaled, which can be changed here. Main thread; the aggregator may be null.
 class SingleMediaWidget : public ZTFrame
 {
@@ -34,9 +34,12 @@ protected:
 
 private:
     QWidget* createPage();
+    ZTComboBox* makeScaling(QWidget* page);
     QWidget* createPictureColumn(QWidget* page);
-    /// In two pairs of columns, or in one where the page is narrow.
-    void arrange(bool wide);
+    /// Short facts flow into as many pairs of label and value as the width holds; the picture gives way
+    /// first.
+    void arrange(int pairs, bool hasPicture);
+    void addRow(int column, int row, int pair, int span);
     void refresh();
     void showValues();
     void showThumbnail();
@@ -47,13 +50,16 @@ private:
     QPointer<MediaDataAggregator> m_aggregator;
     ZTLabel* m_empty;
     QScrollArea* m_area;
+    QWidget* m_picture = nullptr; // the thumbnail, and the scaling below it
     ThumbnailLabel* m_thumbnail = nullptr;
+    ZTLabel* m_scalingTitle = nullptr;
     ZTComboBox* m_scaling = nullptr;
     ZTLabel* m_usedIn = nullptr;
     QGridLayout* m_grid = nullptr;
     QMap<int, ZTLabel*> m_titles; // by column, as the values are
     QMap<int, ElidedLabel*> m_values;
-    bool m_wide = true;
+    int m_pairs = 0;
+    bool m_hasPicture = true;
 };
 
 } // namespace vantrel

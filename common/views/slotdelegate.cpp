@@ -150,8 +150,12 @@ void paintBackground(QPainter* painter, const QStyleOptionViewItem& option, cons
         painter->drawRoundedRect(QRectF(row.left(), row.top(), 3, row.height()), 1.5, 1.5);
     }
     if (selected || option.state.testFlag(QStyle::State_MouseOver)) {
-        painter->setBrush(getColor(selected ? colors::Zt_orange_20 : colors::Zt_white_4));
+        // A channel's colour stays what it is: selected, its row gets the accent as a frame.
+        painter->setBrush(getColor(selected && !mark ? colors::Zt_orange_20 : colors::Zt_white_4));
+        if (selected && mark)
+            painter->setPen(QPen(getColor(colors::Zt_orange), 1));
         painter->drawRoundedRect(row, radius, radius);
+        painter->setPen(Qt::NoPen);
     }
     if (option.state.testFlag(QStyle::State_HasFocus) && option.state.testFlag(QStyle::State_Active)) {
         painter->setBrush(Qt::NoBrush);

@@ -1,0 +1,175 @@
+#include "tests/support/layoutaudit.h"
+
+#include "common/media/medialibraryprovider.h"
+#include "common/playback/playbackpreview.h"
+#include "common/playback/playbackwidget.h"
+#include "common/playback/takecontrols.h"
+#include "common/ui/mainwindow.h"
+#include "common/ui/stylesheet.h"
+#include "tests/common/playback/playerfixture.h"
+
+#include <QApplication>
+#include <QPushButton>
+#include <QScrollArea>
+#include <QScrollBar>
+
+using namespace vantrel;
+using namespace vantrel::test;
+
+/// The whole main window at every text size and at the sizes of real screens: nothing cut, nothing covered,
+/// nothing nameless.
+class LayoutAudit : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        m_fixture = std::make_unique<PlayerFixture>();
+        m_fixture->view.reset(); // the window has a player tab of its own
+        StyleSheet::apply(*qApp);
+        m_window = std::make_unique<MainWindow>();
+        m_window->resize(1600, 1000);
+        m_window->show();
+        QVERIFY(m_fixture->peer.connect());
+        QTRY_VERIFY(!m_fixture->peer.link.received.empty());
+        m_fixture->peer.send(R"([{"op":"add","path":"/device/channels/0","value":{"type":"Channel"}}])");
+        QTRY_VERIFY(channel());
+        QTRY_VERIFY(m_fixture->peer.session->mediaLibraryProvider()->slot({1, 2}));
+        for (const char* playback : {"preview", "program"})
+            m_fixture->set(playback, "sourceMode", "1");
+    }
+    void cleanupTestCase()
+    {
+        configuration()->resetValue(TEXT_SIZE);
+        m_window.reset();
+        m_fixture.reset();
+        qApp->setStyleSheet({});
+    }
+
+    void windowHoldsEverything_data()
+    {
+        QTest::addColumn<int>("text");
+        QTest::addColumn<QSize>("size");
+        QTest::addColumn<int>("slot"); // 1 is a video, 2 a still
+        const char* const names[] = {"small", "medium", "large", "huge"};
+        for (int text = 0; text < 4; ++text) {
+            for (const QSize size : {QSize(1280, 720), QSize(1600, 1000), QSize(1920, 1080)}) {
+                for (const int slot : {1, 2})
+                    QTest::addRow("%s %dx%d %s", names[text], size.width(), size.height(),
+                                  slot == 1 ? "video" : "still")
+                        << text << size << slot;
+            }
+        }
+        QTest::newRow("medium, 1920x1080 at 200 %") << 1 << QSize(960, 540) << 1;
+    }
+    void windowHoldsEverything()
+    {
+        QFETCH(int, text);
+        QFETCH(QSize, size);
+        QFETCH(int, slot);
+        show(text, size, slot);
+        if (QTest::currentTestFailed())
+            return;
+        QStringList faults; // the layout follows the sizes a moment later
+        const bool isSound =
+            QTest::qWaitFor([&] { return (faults = layoutFaults(m_window.get())).isEmpty(); }, 2000);
+        QVERIFY2(isSound, qPrintable(faults.join(u'\n')));
+        const auto* area = m_window->findChild<QScrollArea*>(QStringLiteral("PlayerTab-scroll-area"));
+        QCOMPARE(area->horizontalScrollBar()->maximum(), 0);
+        QCOMPARE(area->verticalScrollBar()->maximum(), 0);
+
+        // Both channels in the same place, and pictures that can be made out.
+        const PlaybackWidget* preview = channel()->previewWidget();
+        const PlaybackWidget* program = channel()->programWidget();
+        QTRY_COMPARE(preview->height(), program->height());
+        QCOMPARE(preview->preview()->y(), program->preview()->y());
+        QVERIFY(std::abs(preview->width() - program->width()) <= 1);
+        const double least = size.height() < 600 ? 90 : slot == 1 ? 150 : 130;
+        for (const PlaybackWidget* column : {preview, program})
+            QTRY_VERIFY2(column->preview()->pictureRect().height() >= least,
+                         qPrintable(QString::number(column->preview()->pictureRect().height())));
+    }
+
+    /// Where there is room the picture fills its place from edge to edge.
+    void pictureTakesItsShape()
+    {
+        show(1, {1600, 1000}, 1);
+        const PlaybackPreview* preview = channel()->previewWidget()->preview();
+        QTRY_COMPARE(qRound(preview->pictureRect().height()), preview->height());
+        QCOMPARE(qRound(preview->pictureRect().width()), preview->width());
+    }
+
+    void tabGoesOnward()
+    {
+        show(1, {1600, 1000}, 1);
+        QStringList faults;
+        for (QWidget* part : std::initializer_list<QWidget*>{
+                 m_window->findChild<QWidget*>(QStringLiteral("PlayerTab-mediapanel-widget")),
+                 channel()->previewWidget(), channel()->takeControls(), channel()->programWidget()})
+            faults += tabOrderFaults(part);
+        // And from part to part.
+        const QList<QWidget*> order = tabOrder(channel());
+        const auto first = [&order](const QWidget* part) {
+            return std::ranges::find_if(order, [part](const QWidget* w) { return part->isAncestorOf(w); }) -
+                   order.begin();
+        };
+        QVERIFY2(faults.isEmpty(), qPrintable(faults.join(u'\n')));
+        QVERIFY(first(channel()->previewWidget()) < first(channel()->takeControls()));
+        QVERIFY(first(channel()->takeControls()) < first(channel()->programWidget()));
+    }
+
+    void auditSeesFaults()
+    {
+        QWidget window;
+        window.resize(200, 100);
+        QPushButton first(QStringLiteral("First"), &window);
+        QPushButton second(QStringLiteral("Second"), &window);
+        QPushButton third(&window);
+        first.setToolTip(QStringLiteral("The first"));
+        second.setToolTip(QStringLiteral("The second"));
+        first.setGeometry(0, 0, 90, 40);
+        second.setGeometry(100, 0, 90, 40);
+        third.setGeometry(100, 50, 90, 40);
+        third.setAccessibleName(QStringLiteral("Third"));
+        window.show();
+        QCOMPARE(layoutFaults(&window), QStringList{QStringLiteral("no tooltip: QPushButton ")});
+        third.setToolTip(QStringLiteral("The third"));
+        QVERIFY(layoutFaults(&window).isEmpty());
+        QVERIFY(tabOrderFaults(&window).isEmpty());
+
+        third.setAccessibleName({});
+        QCOMPARE(layoutFaults(&window).value(0), QStringLiteral("no accessible name: QPushButton "));
+        third.setAccessibleName(QStringLiteral("Third"));
+        second.move(80, 0);
+        QCOMPARE(layoutFaults(&window).value(0).section(u':', 0, 0), QStringLiteral("overlap"));
+        second.move(150, 0);
+        QCOMPARE(layoutFaults(&window).value(0).section(u':', 0, 0), QStringLiteral("cut"));
+        second.setGeometry(100, 0, 20, 40);
+        QCOMPARE(layoutFaults(&window).value(0).section(u':', 0, 0), QStringLiteral("squeezed"));
+        second.setGeometry(100, 0, 90, 40);
+        first.move(0, 60);
+        QCOMPARE(tabOrderFaults(&window).size(), 1);
+    }
+
+private:
+    ChannelWidget* channel() const { return m_window->findChild<ChannelWidget*>(); }
+
+    void show(int text, QSize size, int slot)
+    {
+        configuration()->setValue(TEXT_SIZE, QVariant::fromValue(static_cast<FontSize>(text)));
+        m_window->resize(size);
+        const QByteArray media = "\"brume://collections/1/slots/" + QByteArray::number(slot) + '"';
+        for (const char* playback : {"preview", "program"})
+            m_fixture->set(playback, "media", media);
+        const auto* edit =
+            m_window->findChild<QWidget*>(QStringLiteral("Program-PlaybackWidget-DurationEdit"));
+        QTRY_COMPARE(edit->isVisible(), slot == 2);
+    }
+
+    std::unique_ptr<PlayerFixture> m_fixture;
+    std::unique_ptr<MainWindow> m_window;
+};
+
+HALCYRA_TEST(LayoutAudit)
+#include "layoutaudit.moc"
