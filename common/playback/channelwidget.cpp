@@ -65,6 +65,7 @@ void ChannelWidget::followPictures()
     m_adjust.setSingleShot(true);
     m_adjust.setInterval(adjustDelayMs);
     connect(&m_adjust, &QTimer::timeout, this, [this] {
+        updateStep(); // some heights are those of texts, which are known by now
         updateCaptions();
         if (!m_dividedByHand)
             adjustSplitters();

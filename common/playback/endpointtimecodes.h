@@ -17,7 +17,6 @@ public:
     TimecodeDisplay* inpoint() const { return m_inpoint; }
     TimecodeDisplay* outpoint() const { return m_outpoint; }
     /// base for this widget, base + "-Inpoint" and base + "-Outpoint" for its displays.
-    void setColumnStep(ColumnStep step);
     void setObjectNames(const QString& base) override;
 
 private:

@@ -112,6 +112,16 @@ void PlaybackWidget::setColumnStep(ColumnStep step)
     m_controls->setColumnStep(step);
     m_durationEdit->setColumnStep(step);
     m_footer->setColumnStep(step);
+    m_step = step;
+    lineUp();
+}
+
+/// Of the end points and a still's duration one is shown: where there is room, both take the same height, so
+/// that a still on one channel stands in line with a video on the other.
+void PlaybackWidget::lineUp()
+{
+    const int height = m_step == ColumnStep::Wide ? m_durationEdit->sizeHint().height() : 0;
+    m_endpoints->setMinimumHeight(height);
 }
 
 int PlaybackWidget::heightForPicture(int pictureHeight) const

@@ -103,6 +103,7 @@ private:
     bool isPreview() const { return m_viewMode == Preview; }
     void createChildren();
     void layOut();
+    void lineUp();
     void nameChildren();
     void connectChildren();
     void connectSources();
@@ -116,6 +117,7 @@ private:
     PlaybackModel* m_model;
     QPointer<GUIPlayback> m_playback;
     PlaybackViewMode m_viewMode;
+    ColumnStep m_step = ColumnStep::Wide;
     PlaybackWidgetHeader* m_header = nullptr;
     PlaybackPreview* m_preview = nullptr;
     PlaybackTimecodes* m_timecodes = nullptr;
