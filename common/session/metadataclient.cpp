@@ -11,7 +11,8 @@
 namespace vantrel {
 
 namespace {
-constexpr int keepaliveInterval = 60000; // milliseconds
+constexpr int keepaliveInterval = 60000;    // milliseconds
+constexpr quint64 maxMessage = 1024 * 1024; // bytes; a longer one ends the channel
 
 enum class Kind { Other, Added, Changed, Removed };
 
@@ -30,6 +31,8 @@ MetadataClient::MetadataClient(const QString& host, quint16 port, QObject* paren
     , m_webSocket(QString(), QWebSocketProtocol::Version13)
 {
     m_keepaliveTimer.setInterval(keepaliveInterval);
+    m_webSocket.setMaxAllowedIncomingFrameSize(maxMessage);
+    m_webSocket.setMaxAllowedIncomingMessageSize(maxMessage);
     connect(&m_webSocket, &QWebSocket::connected, this, &MetadataClient::onConnected);
     connect(&m_webSocket, &QWebSocket::disconnected, this, &MetadataClient::closed);
     connect(&m_webSocket, QOverload<QAbstractSocket::SocketError>::of(&QWebSocket::error), this,

@@ -24,6 +24,7 @@ void ObjectMapper::setModel(QAbstractItemModel* model, const QModelIndex& root)
         m_model->disconnect(this);
     m_model = model;
     m_root = root;
+    m_hasRoot = root.isValid();
     if (!root.isValid())
         qCWarning(lcSession) << "Root is not valid " << objectName();
     if (model) {
@@ -68,7 +69,7 @@ void ObjectMapper::objectRemovedHook(const MappedObject&) {}
 
 void ObjectMapper::populate()
 {
-    if (!initialized())
+    if (!initialized() || (m_hasRoot && !m_root.isValid()))
         return;
     const int rows = m_model->rowCount(m_root);
     for (int row = 0; row < rows; ++row)
@@ -124,7 +125,7 @@ void ObjectMapper::drop(const MappedObject& mapped)
 bool ObjectMapper::concerns(const QModelIndex& parent) const
 {
     if (m_root == parent)
-        return true;
+        return m_root.isValid() || !m_hasRoot;
     if (m_root.isValid() && parent.isValid() && m_root.internalPointer() == parent.internalPointer() &&
         m_root.internalPointer())
         qCWarning(lcSession) << "Not equal, but internal pointer is correct";

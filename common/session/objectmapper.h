@@ -59,6 +59,7 @@ private:
 
     const QMetaObject* m_objectType = nullptr;
     QPersistentModelIndex m_root;
+    bool m_hasRoot = false; // a root that went with its model's rows does not become the model's top
     QPointer<QAbstractItemModel> m_model;
     QList<MappedObject> m_mapped;
 };

@@ -160,24 +160,42 @@ QVariant ObjectTreeModel::icon(const Object* object) const
     return found->isNull() ? QVariant() : QVariant(*found);
 }
 
+bool ObjectTreeModel::isShown(const Object* parent) const
+{
+    Path path;
+    return m_scene && m_scene->pathOf(parent, path);
+}
+
 void ObjectTreeModel::rowAboutToBeInserted(Object* parent, int row)
 {
-    beginInsertRows(index(parent), row, row);
+    m_changingRows = isShown(parent);
+    if (m_changingRows)
+        beginInsertRows(index(parent), row, row);
+    else
+        qCWarning(lcSession) << "Could not resolve path";
 }
 
 void ObjectTreeModel::rowInserted(Object* parent, int row)
 {
+    if (!std::exchange(m_changingRows, false))
+        return;
     endInsertRows();
     renumberFrom(parent, row + 1);
 }
 
 void ObjectTreeModel::rowAboutToBeRemoved(Object* parent, int row)
 {
-    beginRemoveRows(index(parent), row, row);
+    m_changingRows = isShown(parent) && parent->childAt(row);
+    if (m_changingRows)
+        beginRemoveRows(index(parent), row, row);
+    else
+        qCWarning(lcSession) << "No valid index found";
 }
 
 void ObjectTreeModel::rowRemoved(Object* parent, int row)
 {
+    if (!std::exchange(m_changingRows, false))
+        return;
     endRemoveRows();
     renumberFrom(parent, row);
 }

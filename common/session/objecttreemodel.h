@@ -50,12 +50,15 @@ private:
     void rowRemoved(Object* parent, int row) override;
 
     void renumberFrom(Object* parent, int row);
+    /// Whether rows of this parent can be told of: it is the root or has an index.
+    bool isShown(const Object* parent) const;
     /// The object that an index stands for; the root for the invalid one, null without a scene.
     Object* nodeOf(const QModelIndex& index) const;
     static QString displayName(const Object* object);
     QVariant icon(const Object* object) const;
 
     Ref<Scene> m_scene;
+    bool m_changingRows = false;                 // between the two halves of an announced change
     mutable QHash<QString, QIcon> m_objectIcons; // by type name
     mutable QHash<QString, QIcon> m_arrayIcons;  // by the type name of the items
 };

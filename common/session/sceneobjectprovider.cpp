@@ -117,7 +117,12 @@ void SceneObjectProvider::initOutputMapper()
             return;
         m_output1->setObject(nullptr);
         m_output2->setObject(nullptr);
+        for (int output = 0; output < outputCount; ++output)
+            dropModelines(output);
     });
+    // A GPU may come before its outputs.
+    connect(m_objectTree, &QAbstractItemModel::rowsInserted, this, &SceneObjectProvider::onTreeRowsChanged);
+    connect(m_objectTree, &QAbstractItemModel::rowsRemoved, this, &SceneObjectProvider::onTreeRowsChanged);
 }
 
 void SceneObjectProvider::initConfigurationMapper()
@@ -137,11 +142,8 @@ void SceneObjectProvider::initModelineMapper(int output)
     connect(mapper, &ObjectMapper::objectAdded, this, [this, output](QObject*, const QModelIndex& index) {
         addModelines(sceneOf(index), objectOf(index), output);
     });
-    // The modes of an output go away together, so the first one to go empties the list.
-    connect(mapper, &ObjectMapper::objectRemoved, this, [this, output] {
-        m_modelines[output]->clear();
-        Q_EMIT modelinesChanged(output);
-    });
+    // The first one to go empties the list.
+    connect(mapper, &ObjectMapper::objectRemoved, this, [this, output] { dropModelines(output); });
 }
 
 void SceneObjectProvider::findChannels()
@@ -204,10 +206,39 @@ void SceneObjectProvider::addOutputs(Scene* scene, Object* gpu)
         retry(m_outputRetryPending, &SceneObjectProvider::findOutputs);
         return;
     }
+    installOutputs(scene, gpu);
+}
+
+void SceneObjectProvider::installOutputs(Scene* scene, Object* gpu)
+{
+    const ObjectArray* outputs = arrayOf(gpu, "outputs");
     install(*m_output1, scene, outputs->at(0));
     install(*m_output2, scene, outputs->at(1));
-    for (int output = 0; output < outputCount; ++output)
-        findModelines(output);
+    for (int output = 0; output < outputCount; ++output) {
+        if (outputs->at(output))
+            findModelines(output);
+        else
+            dropModelines(output);
+    }
+}
+
+void SceneObjectProvider::onTreeRowsChanged(const QModelIndex& parent, int first)
+{
+    const QModelIndex gpu = parent.parent();
+    if (first >= outputCount || !gpu.isValid() || gpu.row() != 0 || gpu.parent() != m_outputMapper->root())
+        return;
+    Object* object = objectOf(gpu);
+    if (const ObjectArray* outputs = arrayOf(object, "outputs"); outputs && outputs == objectOf(parent))
+        installOutputs(sceneOf(gpu), object);
+}
+
+/// The modes of an output go away together.
+void SceneObjectProvider::dropModelines(int output)
+{
+    if (m_modelines[output]->isEmpty())
+        return;
+    m_modelines[output]->clear();
+    Q_EMIT modelinesChanged(output);
 }
 
 void SceneObjectProvider::addModelines(Scene* scene, Object* modeline, int output)

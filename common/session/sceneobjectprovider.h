@@ -64,7 +64,11 @@ private:
     void removeChannel();
     void addMappings(Scene* scene, Object* channel);
     void addOutputs(Scene* scene, Object* gpu);
+    void installOutputs(Scene* scene, Object* gpu);
+    /// Outputs of the first GPU came or went.
+    void onTreeRowsChanged(const QModelIndex& parent, int first);
     void addModelines(Scene* scene, Object* modeline, int output);
+    void dropModelines(int output);
     void retry(bool& pending, void (SceneObjectProvider::*find)());
 
     ObjectTreeModel* m_objectTree;

@@ -12,6 +12,10 @@
 
 namespace vantrel {
 
+namespace {
+constexpr qint64 maxAnswer = 1024 * 1024; // bytes
+} // namespace
+
 void SystemProxy::setSession(Session* session)
 {
     m_session = session;
@@ -30,16 +34,31 @@ void SystemProxy::onConnected()
     url.setPort(m_session->ports().http);
     url.setPath(QStringLiteral("/api/brume/v1/system"));
     QNetworkReply* reply = m_session->getQNetworkAccessManager()->get(QNetworkRequest(url));
-    connect(reply, &QNetworkReply::finished, this, [this, reply] {
-        QJsonObject object;
-        if (reply->error() != QNetworkReply::NoError)
-            qCWarning(lcSession).noquote()
-                << QStringLiteral("Getting system property failed:") + reply->errorString();
-        else
-            object = QJsonDocument::fromJson(reply->readAll()).object();
-        setData(object);
-        reply->deleteLater();
+    reply->setReadBufferSize(maxAnswer);
+    const QPointer<QNetworkReply> earlier = std::exchange(m_reply, reply);
+    connect(reply, &QNetworkReply::finished, this, [this, reply] { onFinished(reply); });
+    // More than the buffer takes stands still for ever.
+    connect(reply, &QNetworkReply::readyRead, this, [reply] {
+        if (reply->bytesAvailable() >= maxAnswer)
+            reply->abort();
     });
+    if (earlier)
+        earlier->abort();
+}
+
+void SystemProxy::onFinished(QNetworkReply* reply)
+{
+    reply->deleteLater();
+    if (reply != m_reply)
+        return;
+    m_reply = nullptr;
+    QJsonObject object;
+    if (reply->error() != QNetworkReply::NoError)
+        qCWarning(lcSession).noquote()
+            << QStringLiteral("Getting system property failed:") + reply->errorString();
+    else
+        object = QJsonDocument::fromJson(reply->readAll()).object();
+    setData(object);
 }
 
 void SystemProxy::setData(const QJsonObject& object)

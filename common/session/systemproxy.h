@@ -1,9 +1,11 @@
 #pragma once
 
 #include <QObject>
+#include <QPointer>
 #include <QString>
 
 class QJsonObject;
+class QNetworkReply;
 
 namespace vantrel {
 
@@ -37,7 +39,10 @@ Q_SIGNALS:
     void versionChanged();
 
 private:
+    void onFinished(QNetworkReply* reply);
+
     Session* m_session = nullptr;
+    QPointer<QNetworkReply> m_reply; // of the newest read; an earlier server's answer is dropped
     QString m_hostname;
     QString m_version;
 };

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <QHash>
+#include <QList>
+#include <QPointer>
 #include <QTcpServer>
 #include <QTcpSocket>
 
@@ -49,8 +51,18 @@ public:
         }));
     }
 
+    /// Also for a request that was left open.
+    static void answer(QTcpSocket* socket, const Reply& reply)
+    {
+        socket->write("HTTP/1.1 " + QByteArray::number(reply.status) + " Scripted\r\nContent-Type: " +
+                      reply.contentType + "\r\nContent-Length: " + QByteArray::number(reply.body.size()) +
+                      "\r\nConnection: close\r\n\r\n" + reply.body);
+        socket->disconnectFromHost();
+    }
+
     Handler handler;
     std::vector<Request> requests;
+    QList<QPointer<QTcpSocket>> unanswered; // of requests that were left open
 
 private:
     void read(QTcpSocket* socket)
@@ -72,16 +84,15 @@ private:
         buffer.clear();
         requests.push_back(request);
         const Reply reply = handler ? handler(request) : Reply{404, {}, "text/plain"};
-        if (reply.status == 0)
+        if (reply.status == 0) {
+            unanswered.append(socket);
             return;
+        }
         if (reply.status < 0) {
             socket->abort();
             return;
         }
-        socket->write("HTTP/1.1 " + QByteArray::number(reply.status) + " Scripted\r\nContent-Type: " +
-                      reply.contentType + "\r\nContent-Length: " + QByteArray::number(reply.body.size()) +
-                      "\r\nConnection: close\r\n\r\n" + reply.body);
-        socket->disconnectFromHost();
+        answer(socket, reply);
     }
 
     QTcpServer m_server;

@@ -94,6 +94,38 @@ private Q_SLOTS:
         QVERIFY(proxy.hostname().isEmpty());
     }
 
+    void readsOnlyTheNewestServersAnswer()
+    {
+        const auto system = [](const char* name) {
+            return ScriptedHttp::Reply{200, QByteArray("{\"hostname\":\"") + name + "\"}"};
+        };
+        ScriptedPeer peer;
+        QVERIFY(peer.connect());
+        SystemProxy& proxy = *peer.session->systemProxy();
+        QTRY_COMPARE(proxy.hostname(), QStringLiteral("stage"));
+        const auto ask = [&](const ScriptedHttp::Reply& reply) {
+            peer.http.handler = [reply](const ScriptedHttp::Request&) { return reply; };
+            proxy.onConnected();
+        };
+        peer.http.unanswered.clear();
+        ask({0, {}});
+        QTRY_COMPARE(peer.http.unanswered.size(), 1);
+        ask(system("second"));
+        QTRY_COMPARE(proxy.hostname(), QStringLiteral("second"));
+        QSignalSpy changed(&proxy, &SystemProxy::hostnameChanged);
+        if (QTcpSocket* late = peer.http.unanswered.first(); late && late->isOpen())
+            ScriptedHttp::answer(late, system("first"));
+        // What is no answer empties it, and an answer of any size costs no more than a line of log.
+        ask({200, "<html>"});
+        QTRY_COMPARE(proxy.hostname(), QString());
+        ask(system("third"));
+        QTRY_COMPARE(proxy.hostname(), QStringLiteral("third"));
+        expectWarning(QStringLiteral("Getting system property failed:"));
+        ask({200, QByteArray(8 * 1024 * 1024, 'x')});
+        QTRY_COMPARE(changed.count(), 3);
+        QCOMPARE(proxy.hostname(), QString());
+    }
+
     void forgetsWhatTheEventsChannelNames()
     {
         ScriptedPeer peer;
@@ -120,7 +152,17 @@ private Q_SLOTS:
         socket->sendTextMessage(event("metadata-changed"));
         QTRY_COMPARE(invalidated.count(), 1);
         QCOMPARE(invalidated[0][0].toUrl(), QUrl(QStringLiteral("file:///a.mp4")));
-        socket->close();
+        socket->sendTextMessage(event("metadata-removed"));
+        QTRY_COMPARE(invalidated.count(), 2);
+        QCOMPARE(peer.http.count("GET", "/metadata/"), 0);
+        socket->sendTextMessage(event("metadata-added"));
+        QTRY_COMPARE(peer.http.count("GET", "/metadata/?file=file%3A%2F%2F%2Fa.mp4"), 1);
+        QTRY_COMPARE(peer.http.count("GET", "/thumbnails/?file=file%3A%2F%2F%2Fa.mp4"), 1);
+        QCOMPARE(invalidated.count(), 2);
+        // Deep nesting, and a message of any size, cost no more than a line of log.
+        expectWarning(QStringLiteral("ERROR, failed to create an event"));
+        socket->sendTextMessage(QString(50000, u'[') + QString(50000, u']'));
+        socket->sendTextMessage(QString(4 * 1024 * 1024, u'x'));
         QTRY_VERIFY(!client.isKeepaliveRunning());
     }
 

@@ -87,6 +87,23 @@ private Q_SLOTS:
         QVERIFY(!kept);
     }
 
+    void endsWithItsRoot()
+    {
+        QStandardItemModel model;
+        auto* above = new QStandardItem(QStringLiteral("above"));
+        auto* root = new QStandardItem(QStringLiteral("root"));
+        model.appendRow(above);
+        above->appendRow(root);
+        root->appendRow(new QStandardItem(QStringLiteral("a")));
+        ObjectMapper mapper;
+        mapper.setModel(root->index());
+        QSignalSpy added(&mapper, &ObjectMapper::objectAdded);
+        model.removeRow(0);
+        QVERIFY(!mapper.root().isValid());
+        model.appendRow(new QStandardItem(QStringLiteral("none of its rows")));
+        QCOMPARE(added.count(), 0);
+    }
+
     void warnsOfWhatCannotBeMapped()
     {
         ObjectMapper mapper;

@@ -154,6 +154,37 @@ private Q_SLOTS:
         QCOMPARE(stage.mirrors->output1()->name(), QString());
     }
 
+    void takesOutputsThatComeInPieces()
+    {
+        Stage stage;
+        const SceneObjectProvider& mirrors = *stage.mirrors;
+        bool applied = stage.apply(R"([{"op":"add","path":"/device/system/gpus/0","value":{"type":"Gpu"}}])");
+        QVERIFY(applied);
+        QCOMPARE(mirrors.output1()->name(), QString());
+        applied = stage.apply(R"([
+            {"op":"add","path":"/device/system/gpus/0/outputs/0","value":{"properties":{"name":"DP-1"}}},
+            {"op":"add","path":"/device/system/gpus/0/outputs/0/modelines/0","value":{"properties":{"id":"m1"}}},
+            {"op":"add","path":"/device/system/gpus/0/outputs/1","value":{"properties":{"name":"DP-2"},
+             "modelines":[{"properties":{"id":"n1"}}]}}])");
+        QVERIFY(applied);
+        QCOMPARE(mirrors.output1()->name(), QStringLiteral("DP-1"));
+        QCOMPARE(mirrors.output2()->name(), QStringLiteral("DP-2"));
+        QCOMPARE(mirrors.modelines(0)->size(), 1);
+        QCOMPARE(mirrors.modelines(1)->size(), 1);
+        applied = stage.apply(R"([{"op":"remove","path":"/device/system/gpus/0/outputs/1"}])");
+        QVERIFY(applied);
+        QCOMPARE(mirrors.output2()->name(), QString());
+        QVERIFY(mirrors.modelines(1)->isEmpty());
+        QCOMPARE(mirrors.modelines(0)->size(), 1);
+        // The modes go with the whole GPU, too.
+        QSignalSpy modes(&mirrors, &SceneObjectProvider::modelinesChanged);
+        applied = stage.apply(R"([{"op":"remove","path":"/device/system/gpus/0"}])");
+        QVERIFY(applied);
+        QCOMPARE(mirrors.output1()->name(), QString());
+        QVERIFY(mirrors.modelines(0)->isEmpty());
+        QCOMPARE(modes.count(), 1);
+    }
+
     void writesThroughToTheScene()
     {
         Stage stage;
