@@ -1,6 +1,9 @@
 #include "common/ui/inspectorwidget.h"
 
 #include "common/notification/notificationmanager.h"
+#include "common/session/objecttreemodel.h"
+#include "common/session/session.h"
+#include "common/ui/sceneinspector.h"
 #include "common/ui/ztlabel.h"
 
 #include <QApplication>
@@ -11,6 +14,7 @@
 #include <QMetaEnum>
 #include <QPushButton>
 #include <QTableWidget>
+#include <QTimer>
 #include <QVBoxLayout>
 
 namespace vantrel {
@@ -47,10 +51,19 @@ InspectorWidget::InspectorWidget(QMenu* menu, NotificationManager* manager, QWid
     info->addRow(tr("Class:"), m_class);
     info->addRow(tr("Object name:"), m_name);
     auto* notifications = new QPushButton(tr("Notifications"), this);
+    notifications->setObjectName(QStringLiteral("InspectorWidget-notifications"));
     connect(notifications, &QPushButton::clicked, this, [this] { showNotifications(m_manager); });
+    auto* scene = new QPushButton(tr("Scene"), this);
+    scene->setObjectName(QStringLiteral("InspectorWidget-scene"));
+    scene->setEnabled(Session::instance() != nullptr);
+    connect(scene, &QPushButton::clicked, this, [] {
+        if (const Session* session = Session::instance())
+            showScene(session->objectTreeModel());
+    });
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(info);
     layout->addWidget(notifications);
+    layout->addWidget(scene);
     if (menu) {
         auto* more = new QPushButton(tr("Developer"), this);
         more->setMenu(menu);
@@ -70,13 +83,29 @@ QWidget* InspectorWidget::showNotifications(NotificationManager* manager)
         {tr("Created"), tr("Message type"), tr("Title"), tr("Details"), tr("Accepted")});
     table->horizontalHeader()->setStretchLastSection(true);
     table->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    const auto refill = [table, manager] { fillTable(table, manager); };
-    connect(manager, &NotificationManager::notificationsChanged, table, refill);
-    connect(manager, &NotificationManager::notificationChanged, table, refill);
-    refill();
+    // Many may come in one go.
+    auto* refill = new QTimer(table);
+    refill->setSingleShot(true);
+    const auto refillSoon = [refill] { refill->start(0); };
+    connect(refill, &QTimer::timeout, manager, [table, manager] { fillTable(table, manager); });
+    connect(manager, &NotificationManager::notificationsChanged, table, refillSoon);
+    connect(manager, &NotificationManager::notificationChanged, table, refillSoon);
+    fillTable(table, manager);
     table->resize(720, 320);
     table->show();
     return table;
+}
+
+QWidget* InspectorWidget::showScene(ObjectTreeModel* tree)
+{
+    if (!tree)
+        return nullptr;
+    auto* window = new SceneInspector(tree);
+    window->setAttribute(Qt::WA_DeleteOnClose);
+    // The tree is the session's, which may end first.
+    connect(tree, &QObject::destroyed, window, [window] { delete window; });
+    window->show();
+    return window;
 }
 
 bool InspectorWidget::eventFilter(QObject* watched, QEvent* event)

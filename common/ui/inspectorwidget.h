@@ -8,10 +8,11 @@ class QMenu;
 namespace vantrel {
 
 class NotificationManager;
+class ObjectTreeModel;
 class ZTLabel;
 
-/// The developers' window: class and object name of the widget under the cursor. Install it as an application
-/// event filter, and delete it after closed().
+/// The developers' window: class and object name of the widget under the cursor, and the way to the other
+/// developers' windows. Install it as an application event filter, and delete it after closed().
 class InspectorWidget : public QWidget
 {
     Q_OBJECT
@@ -22,6 +23,8 @@ public:
 
     /// Opens a window with all notifications, which deletes itself when it is closed.
     static QWidget* showNotifications(NotificationManager* manager);
+    /// Opens a window with the scene and its properties, which deletes itself when it is closed.
+    static QWidget* showScene(ObjectTreeModel* tree);
 
     bool eventFilter(QObject* watched, QEvent* event) override;
 

@@ -3,7 +3,6 @@
 #include "common/ui/mapperlogging.h"
 #include "tarn/qt/variantqt.h"
 
-#include <algorithm>
 #include <cmath>
 
 namespace vantrel {
@@ -45,6 +44,14 @@ int PropertiesModel::columnCount(const QModelIndex& parent) const
 const PropertyInfo* PropertiesModel::info(const QModelIndex& index) const
 {
     return index.isValid() && index.row() < int(m_properties.size()) ? m_properties[index.row()] : nullptr;
+}
+
+/// -1 for a property that is none of the object's.
+int PropertiesModel::rowOf(const PropertyInfo* property) const
+{
+    const auto row = property ? property->index : -1; // the order of a type's list
+    return row >= 0 && row < int(m_properties.size()) && m_properties[std::size_t(row)] == property ? row
+                                                                                                    : -1;
 }
 
 QVariant PropertiesModel::data(const QModelIndex& index, int role) const
@@ -145,10 +152,10 @@ void PropertiesModel::onSceneChangeStatic(Scene*, int count, const SceneChange* 
     for (int i = 0; i < count; ++i) {
         if (changes[i].kind != SceneChange::PropertyChanged || changes[i].object != self->m_object.get())
             continue;
-        const auto found = std::ranges::find(self->m_properties, changes[i].property);
-        if (found == self->m_properties.end())
+        const int row = self->rowOf(changes[i].property);
+        if (row < 0)
             continue;
-        const QModelIndex cell = self->index(int(found - self->m_properties.begin()), ValueColumn);
+        const QModelIndex cell = self->index(row, ValueColumn);
         Q_EMIT self->dataChanged(cell, cell);
     }
 }

@@ -22,6 +22,7 @@ public:
 
     /// Null shows nothing.
     void setObject(Scene* scene, Object* object);
+    Object* object() const { return m_object.get(); }
 
     int rowCount(const QModelIndex& parent = {}) const override;
     int columnCount(const QModelIndex& parent = {}) const override;
@@ -39,6 +40,7 @@ public:
 private:
     static void onSceneChangeStatic(Scene* scene, int count, const SceneChange* changes, void* user);
     const PropertyInfo* info(const QModelIndex& index) const;
+    int rowOf(const PropertyInfo* property) const;
 
     Ref<Scene> m_scene;
     Ref<Object> m_object;

@@ -7,10 +7,28 @@
 
 namespace vantrel {
 
+namespace {
+
+bool holds(const QLayout* layout, const QWidget* widget)
+{
+    for (int i = 0; layout && i < layout->count(); ++i) {
+        const QLayoutItem* item = layout->itemAt(i);
+        if (item->widget() == widget || holds(const_cast<QLayoutItem*>(item)->layout(), widget))
+            return true;
+    }
+    return false;
+}
+
+} // namespace
+
 bool WidgetMapper::initialized() const
 {
-    if (!ObjectMapper::initialized() || !m_layout)
+    if (!ObjectMapper::initialized())
         return false;
+    if (!m_layout) {
+        qCWarning(lcMapper) << "No layout set";
+        return false;
+    }
     if (!objectType() || !objectType()->inherits(&QWidget::staticMetaObject)) {
         qCWarning(lcMapper) << "Object type is not a widget type";
         return false;
@@ -33,8 +51,7 @@ void WidgetMapper::postPopulateHook(MappedObject& mapped)
         return;
     Q_EMIT widgetAdded(widget, mapped.index);
     // A receiver may have put it somewhere already.
-    const bool placed = widget->parentWidget() && widget->parentWidget()->layout() &&
-                        widget->parentWidget()->layout()->indexOf(widget) >= 0;
+    const bool placed = widget->parentWidget() && holds(widget->parentWidget()->layout(), widget);
     if (!placed && m_layout)
         m_layout->addWidget(widget);
 }

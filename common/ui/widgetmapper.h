@@ -17,7 +17,7 @@ class WidgetMapper : public ObjectMapper
 public:
     using ObjectMapper::ObjectMapper;
 
-    /// Without a layout no widget is made.
+    /// Before the model: without a layout no widget is made.
     void setLayout(QLayout* layout) { m_layout = layout; }
     QLayout* layout() const { return m_layout; }
 

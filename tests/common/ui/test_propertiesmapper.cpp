@@ -254,6 +254,8 @@ private Q_SLOTS:
         QWidget window;
         auto* layout = new QVBoxLayout(&window);
         WidgetMapper mapper;
+        expectWarning(QStringLiteral("No layout set"));
+        mapper.setModel(root->index());
         mapper.setLayout(layout);
         QSignalSpy added(&mapper, &WidgetMapper::widgetAdded);
         QSignalSpy removed(&mapper, &WidgetMapper::widgetRemoved);
@@ -270,6 +272,13 @@ private Q_SLOTS:
         root->removeRow(0);
         QCOMPARE(removed.count(), 1);
         QCOMPARE(layout->count(), 1);
+        // Who hears of a widget may place it himself, however deep.
+        auto* nested = new QVBoxLayout;
+        layout->addLayout(nested);
+        connect(&mapper, &WidgetMapper::widgetAdded, nested,
+                [nested](QWidget* widget) { nested->addWidget(widget); });
+        root->appendRow(new QStandardItem(QStringLiteral("c")));
+        QCOMPARE(nested->count(), 1);
     }
 };
 
