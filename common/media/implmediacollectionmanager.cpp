@@ -218,7 +218,7 @@ bool ImplMediaCollectionManager::updateMedia(int collection, int slot, const Gui
         present.durationType() == newMediaSlot.durationType())
         return true;
     return run<SetDurationCommand>(present.contentUrl(), newMediaSlot.duration(),
-                                   newMediaSlot.hasInfiniteDuration());
+                                   newMediaSlot.hasInfiniteDuration(), MediaAddress(collection, slot));
 }
 
 } // namespace vantrel

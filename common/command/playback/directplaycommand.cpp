@@ -20,12 +20,14 @@ bool DirectPlayCommand::init(bool preview, int channel, const QString& url)
 
 bool DirectPlayCommand::init(bool preview, int channel, int collection, int slot)
 {
-    return init(preview, channel, MediaUtils::toSlotAddress(collection, slot));
+    const QString url = MediaUtils::toSlotAddress(collection, slot);
+    return MediaUtils::isSlotAddress(url) && init(preview, channel, url);
 }
 
 bool DirectPlayCommand::init(bool preview, int channel, int playlist, EntryAddress entry)
 {
-    return init(preview, channel, MediaUtils::toPlaylistAddress(playlist, entry));
+    const QString url = MediaUtils::toPlaylistAddress(playlist, entry);
+    return entry.isValid() && MediaUtils::isPlaylistAddress(url) && init(preview, channel, url);
 }
 
 } // namespace vantrel

@@ -7,11 +7,14 @@
 namespace vantrel {
 
 bool SetDurationCommand::init(const MediaLibrary* library, const QUrl& mediaUrl, double seconds,
-                              bool isInfinite)
+                              bool isInfinite, const MediaAddress& at)
 {
     return rehearse(library, tr("Set duration to %1").arg(seconds), [&](MediaLibrary& copy) {
         const QString url = mediaUrlToString(mediaUrl);
-        MediaSlot* slot = copy.findSlot(url.toStdString());
+        const MediaSlot* known = std::as_const(copy).findSlot(at.collection, at.slot);
+        MediaSlot* slot = known && QUrl(QString::fromStdString(known->getUrl())) == mediaUrl
+                              ? copy.findSlot(at.collection, at.slot)
+                              : copy.findSlot(url.toStdString());
         if (!slot) {
             qCWarning(lcCommand).nospace()
                 << "Failed to set duration " << seconds << "s to " << url << " because a slot was not found";

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "common/command/libraryeditcommand.h"
+#include "tarn/media/mediaaddress.h"
 
 #include <QUrl>
 
@@ -15,7 +16,10 @@ class SetDurationCommand : public LibraryEditCommand
 public:
     using LibraryEditCommand::LibraryEditCommand;
 
-    bool init(const MediaLibrary* library, const QUrl& mediaUrl, double seconds, bool isInfinite);
+    /// at: which of the slots with this content is meant, where it is known; else it is the first one, and
+    /// all slots before it are looked at.
+    bool init(const MediaLibrary* library, const QUrl& mediaUrl, double seconds, bool isInfinite,
+              const MediaAddress& at = {});
 };
 
 } // namespace vantrel

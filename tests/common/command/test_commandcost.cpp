@@ -1,5 +1,6 @@
 #include "common/command/libraryeditcommand.h"
 #include "common/command/slot/renameslotcommand.h"
+#include "common/command/slot/setdurationcommand.h"
 #include "tarn/json/jsoncounters.h"
 #include "tests/support/librarymaker.h"
 #include "tests/support/testmain.h"
@@ -37,6 +38,12 @@ protected:
     bool hasApi() const override { return true; }
 };
 
+class DurationCommand : public SetDurationCommand
+{
+protected:
+    bool hasApi() const override { return true; }
+};
+
 constexpr int perCollection = 1000;
 constexpr int perPlaylist = 200;
 
@@ -65,6 +72,15 @@ bool renameSlot(const MediaLibrary& library, Patch& redo)
     const bool made = command.init(&library, 1, 500, QStringLiteral("another"));
     redo = command.redoPatch();
     return made && command.undoPatch().size() == 1;
+}
+
+bool setDuration(const MediaLibrary& library, Patch& redo)
+{
+    DurationCommand command;
+    const QUrl content(QString::fromStdString(library.findSlot(1, 500)->getUrl()));
+    const bool made = command.init(&library, content, 12.5, false, MediaAddress(1, 500));
+    redo = command.redoPatch();
+    return made && command.undoPatch().size() == redo.size();
 }
 
 bool editEntry(const MediaLibrary& library, Patch& redo)
@@ -119,6 +135,7 @@ private Q_SLOTS:
         QTest::addColumn<int>("mostMade");
         QTest::addColumn<int>("mostVisited");
         QTest::newRow("slot") << &renameSlot << 1 << 15 << 25;
+        QTest::newRow("duration") << &setDuration << 1 << 15 << 25;
         QTest::newRow("entry") << &editEntry << 1 << 25 << 40;
         QTest::newRow("cleared playlist") << &clearPlaylist << perPlaylist << 120 << 60;
     }

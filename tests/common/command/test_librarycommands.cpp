@@ -92,6 +92,7 @@ private Q_SLOTS:
     void edits();
     void refusals_data();
     void refusals();
+    void durationByContent();
     void withoutServer();
     void ids();
 };
@@ -221,6 +222,28 @@ void TestLibraryCommands::refusals()
     QVERIFY(!ok);
     QVERIFY(!command->initialized());
     QVERIFY(library->toJson() == before);
+}
+
+/// Two slots may hold the same file: the one that is meant changes, where the caller tells, else the first.
+void TestLibraryCommands::durationByContent()
+{
+    const auto library = sample();
+    const QUrl content(QString::fromStdString(library->findSlot(1, 2)->getUrl()));
+    library->findCollection(2)->insertMediaSlot(7, *library->findSlot(1, 2), true);
+    Online<SetDurationCommand> first;
+    QVERIFY(first.init(library.get(), content, 8, false));
+    QCOMPARE(library->applyDiff(first.redoPatch()), 0);
+    QCOMPARE(library->findSlot(1, 2)->getEffectiveMediaDuration(), 8.0);
+    Online<SetDurationCommand> second;
+    QVERIFY(second.init(library.get(), content, 9, false, MediaAddress(2, 7)));
+    QCOMPARE(library->applyDiff(second.redoPatch()), 0);
+    QCOMPARE(library->findSlot(1, 2)->getEffectiveMediaDuration(), 8.0);
+    QCOMPARE(library->findSlot(2, 7)->getEffectiveMediaDuration(), 9.0);
+    // What stands there now is something else.
+    Online<SetDurationCommand> third;
+    QVERIFY(third.init(library.get(), content, 10, false, MediaAddress(1, 3)));
+    QCOMPARE(library->applyDiff(third.redoPatch()), 0);
+    QCOMPARE(library->findSlot(1, 2)->getEffectiveMediaDuration(), 10.0);
 }
 
 void TestLibraryCommands::withoutServer()

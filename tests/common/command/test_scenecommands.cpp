@@ -290,6 +290,13 @@ private Q_SLOTS:
         QVERIFY(object("preview")->getProperty("media", media));
         QCOMPARE(media.asString(), MediaAddress(3, 4).toString());
         QVERIFY(!made(static_cast<ByUrl>(&DirectPlayCommand::init), true, 0, QString()));
+        QVERIFY(!made(static_cast<BySlot>(&DirectPlayCommand::init), true, 0, -1, 4));
+        using ByEntry = bool (DirectPlayCommand::*)(bool, int, int, EntryAddress);
+        QVERIFY(!made(static_cast<ByEntry>(&DirectPlayCommand::init), true, 0, 1, EntryAddress()));
+        expectWarning(QStringLiteral("No Playlist found with a number: 2"));
+        push(made(static_cast<ByEntry>(&DirectPlayCommand::init), false, 0, 2, EntryAddress(7, 1)));
+        QTRY_COMPARE(sent(), QStringLiteral("replace /device/channels/0/program/properties/media "
+                                            "\"brume://playlists/2/entries/7.1\""));
     }
 
 private:
