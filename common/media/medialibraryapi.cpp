@@ -71,6 +71,7 @@ QNetworkRequest MediaLibraryApi::jsonRequest(const QString& path) const
 {
     QNetworkRequest request(buildUrl(path));
     request.setHeader(QNetworkRequest::ContentTypeHeader, QStringLiteral("application/json"));
+    request.setPriority(QNetworkRequest::HighPriority); // ahead of thumbnails
     return request;
 }
 

@@ -43,7 +43,15 @@ MediaStateProvider::MediaStateProvider(GUIPlayback* preview, GUIPlayback* progra
                 &MediaStateProvider::metadataChanged);
         connect(metadataProvider, &MetadataProvider::metadataInvalidated, this,
                 &MediaStateProvider::metadataInvalidated);
+        connect(metadataProvider, &MetadataProvider::metadataInvalidated, this,
+                &MediaStateProvider::forgetMetadataState);
     }
+    // What a channel's address names may come later than the channel; playlists are made after the library.
+    if (playlistProvider)
+        connect(playlistProvider, &AbstractPlaylistProvider::reset, this, &MediaStateProvider::readChannels);
+    else if (libraryProvider)
+        connect(libraryProvider, &AbstractMediaLibraryProvider::reset, this,
+                &MediaStateProvider::readChannels);
     reset();
 }
 
@@ -181,11 +189,23 @@ void MediaStateProvider::setMetadataState(const QUrl& mediaUrl, MediaState state
     Q_EMIT mediaStateChanged(mediaUrl, state);
 }
 
+/// Who shows the state asks again, and so learns what the file is now.
+void MediaStateProvider::forgetMetadataState(const QUrl& mediaUrl)
+{
+    if (m_metadataStates.remove(mediaUrl))
+        Q_EMIT mediaStateChanged(mediaUrl, MediaState::UnknownState);
+}
+
 void MediaStateProvider::reset()
 {
     m_programStates.clear();
     m_previewStates.clear();
     m_metadataStates.clear();
+    readChannels();
+}
+
+void MediaStateProvider::readChannels()
+{
     programMediaStateChanged();
     previewMediaStateChanged();
 }

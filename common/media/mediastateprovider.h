@@ -65,8 +65,9 @@ private:
         QUrl url; // of the content
         MediaState state = MediaState::UnknownState;
     };
-    struct Source; // what a channel's media address names
 
+    void readChannels();
+    void forgetMetadataState(const QUrl& mediaUrl);
     void programMediaStateChanged();
     void previewMediaStateChanged();
     void setProgramState(int channel, const QUrl& url, MediaState state);

@@ -78,6 +78,8 @@ void MetadataProvider::invalidateMetadata(const QUrl& url, bool terminate)
     const QString text = url.toString(QUrl::FullyEncoded);
     if (terminate && m_resources->isFetching(text))
         m_resources->terminateFetch(text);
+    else
+        m_resources->fetchAgainAfterwards(text); // the answer may tell of the file as it was
     m_cache.remove(url);
     Q_EMIT metadataInvalidated(url);
 }

@@ -2,12 +2,18 @@
 
 namespace vantrel {
 
+namespace {
+// An answer that does not end stands still here, until who waits for it gives up.
+constexpr qint64 maxBuffered = 16 * 1024 * 1024; // bytes
+} // namespace
+
 NetworkReply::NetworkReply(QPointer<QNetworkReply> reply, QObject* parent)
     : AbstractNetworkReply(parent)
     , m_reply(std::move(reply))
 {
     if (!m_reply)
         return;
+    m_reply->setReadBufferSize(maxBuffered);
     connect(m_reply, &QNetworkReply::readyRead, this, &AbstractNetworkReply::readyRead);
     connect(m_reply, &QNetworkReply::finished, this, &AbstractNetworkReply::finished);
 }

@@ -3,6 +3,7 @@
 #include "common/media/abstractnetworkaccessmanager.h"
 #include "common/media/medialogging.h"
 
+#include <QScopedValueRollback>
 #include <QTimer>
 
 namespace vantrel {
@@ -18,6 +19,9 @@ struct NetworkResourceCollection::FetchContext
                                                            timer->deleteLater();
                                                        }};
     uint retries = 0;
+    bool waiting = true;  // not sent yet
+    bool running = false; // the request is under way
+    bool again = false;   // the resource changed after the request was sent
 };
 
 NetworkResourceCollection::NetworkResourceCollection(AbstractNetworkAccessManager* manager, uint retryCount,
@@ -36,10 +40,31 @@ NetworkResourceCollection::~NetworkResourceCollection()
 
 void NetworkResourceCollection::fetch(const QString& url, const QUrl& request)
 {
-    if (isFetching(url) || !m_manager)
+    if (const std::shared_ptr<FetchContext> present = m_fetches.value(url)) {
+        if (present->waiting && m_waiting.removeOne(url)) // somebody looks at it now
+            m_waiting.append(url);
+        return;
+    }
+    if (!m_manager)
         return;
     createFetchContext(url, request);
-    send(url);
+    m_waiting.append(url);
+    startNext();
+}
+
+void NetworkResourceCollection::startNext()
+{
+    if (m_starting)
+        return;
+    const QScopedValueRollback starting(m_starting, true);
+    while (m_running < maxRunning && !m_waiting.isEmpty())
+        send(m_waiting.takeLast());
+}
+
+void NetworkResourceCollection::release(FetchContext& context)
+{
+    if (std::exchange(context.running, false))
+        --m_running;
 }
 
 void NetworkResourceCollection::createFetchContext(const QString& url, const QUrl& request)
@@ -58,6 +83,10 @@ void NetworkResourceCollection::send(const QString& url)
     if (!context || !m_manager)
         return;
     context->timeout->start();
+    context->waiting = false;
+    context->again = false;
+    context->running = true;
+    ++m_running;
     context->reply = m_manager->get(context->request);
     if (!context->reply) {
         onReplyFinished(url);
@@ -77,6 +106,7 @@ void NetworkResourceCollection::onReplyFinished(const QString& url)
     const std::shared_ptr<FetchContext> context = m_fetches.value(url);
     if (!context)
         return;
+    release(*context);
     const NetworkReplyPtr reply = context->reply;
     if (!reply) {
         qCWarning(lcMedia, "Nullptr passed as reply for resource: %s", qPrintable(url));
@@ -86,13 +116,14 @@ void NetworkResourceCollection::onReplyFinished(const QString& url)
     const QNetworkReply::NetworkError error = reply->error();
     const int status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
     if (error == QNetworkReply::NoError && status == 200)
-        handleSuccessfulReply(url, reply);
-    else if (error == QNetworkReply::ContentNotFoundError)
-        handleNotFound(url);
-    else if (error == QNetworkReply::NoError)
+        return handleSuccessfulReply(url, reply);
+    if (error == QNetworkReply::ContentNotFoundError)
+        return handleNotFound(url);
+    if (error == QNetworkReply::NoError)
         qCWarning(lcMedia) << "Invalid reply for url" << url << ":" << status;
     else // waits for the timeout, which sends the request again
         qCDebug(lcMedia) << "Failed to fetch" << url << ":" << reply->errorString();
+    startNext();
 }
 
 void NetworkResourceCollection::onReplyTimeout(const QString& url)
@@ -100,6 +131,7 @@ void NetworkResourceCollection::onReplyTimeout(const QString& url)
     const std::shared_ptr<FetchContext> context = m_fetches.value(url);
     if (!context)
         return;
+    release(*context);
     if (context->retries < m_retryCount) {
         ++context->retries;
         if (const NetworkReplyPtr old = std::exchange(context->reply, {}); old && old->isRunning())
@@ -117,8 +149,12 @@ void NetworkResourceCollection::onReplyTimeout(const QString& url)
 void NetworkResourceCollection::handleSuccessfulReply(const QString& url, const NetworkReplyPtr& reply)
 {
     const QByteArray data = reply->readAll();
+    const std::shared_ptr<FetchContext> context = m_fetches.value(url);
     removeFetchContext(url); // first: a listener may ask for the same again
+    const QPointer<NetworkResourceCollection> alive(this);
     Q_EMIT dataReceived(url, data);
+    if (alive && context && context->again)
+        fetch(url, context->request.url());
 }
 
 void NetworkResourceCollection::handleNotFound(const QString& url)
@@ -129,8 +165,21 @@ void NetworkResourceCollection::handleNotFound(const QString& url)
 
 void NetworkResourceCollection::removeFetchContext(const QString& url)
 {
-    if (m_fetches.remove(url) == 0)
+    const std::shared_ptr<FetchContext> context = m_fetches.take(url);
+    if (!context) {
         qCDebug(lcMedia) << "No such fetch ongoing" << url;
+        return;
+    }
+    if (context->waiting)
+        m_waiting.removeOne(url);
+    release(*context);
+    startNext();
+}
+
+void NetworkResourceCollection::fetchAgainAfterwards(const QString& url)
+{
+    if (const std::shared_ptr<FetchContext> context = m_fetches.value(url))
+        context->again = context->running;
 }
 
 void NetworkResourceCollection::terminateFetch(const QString& url)
@@ -143,6 +192,7 @@ void NetworkResourceCollection::terminateFetch(const QString& url)
 
 void NetworkResourceCollection::terminateAll()
 {
+    m_waiting.clear(); // none of them takes the place of one that ends
     const QList<QString> urls = m_fetches.keys();
     for (const QString& url : urls)
         terminateFetch(url);

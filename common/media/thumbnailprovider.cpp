@@ -16,10 +16,21 @@ namespace {
 constexpr int maxCached = 5000;
 constexpr uint retryCount = 3;
 constexpr int timeoutMs = 5000;
-// A JPEG of this many bytes decodes in well under 4 ms; a larger one would hold up the interface.
+// A JPEG of this size decodes in well under 4 ms; a larger one would hold up the interface.
 constexpr qsizetype maxInlineBytes = 48 * 1024;
+constexpr qint64 maxInlinePixels = 1024 * 1024;
+// What claims to be larger is no thumbnail. A few kilobytes can unfold to gigabytes while they are decoded.
+constexpr qint64 maxPixels = 16 * 1024 * 1024;
 // No view shows more pixels than these, and the cache holds thousands.
 constexpr int maxSide = 640;
+
+qint64 pixelsOf(const QByteArray& data)
+{
+    QBuffer buffer;
+    buffer.setData(data);
+    const QSize size = QImageReader(&buffer, QByteArrayLiteral("JPG")).size();
+    return size.isValid() ? qint64(size.width()) * size.height() : 0;
+}
 
 QImage decode(const QByteArray& data)
 {
@@ -76,7 +87,14 @@ ThumbnailPtr ThumbnailProvider::getThumbnailFromCache(const QUrl& url) const
 void ThumbnailProvider::handleDataReceived(const QString& url, const QByteArray& data)
 {
     const QUrl mediaUrl(url);
-    if (data.size() <= maxInlineBytes) {
+    const qint64 pixels = pixelsOf(data);
+    if (pixels > maxPixels)
+        qCWarning(lcMedia) << "Thumbnail is too large:" << mediaUrl << pixels << "pixels";
+    if (pixels == 0 || pixels > maxPixels) {
+        store(mediaUrl, {});
+        return;
+    }
+    if (data.size() <= maxInlineBytes && pixels <= maxInlinePixels) {
         store(mediaUrl, decode(data));
         return;
     }
@@ -100,7 +118,7 @@ void ThumbnailProvider::handleDataReceived(const QString& url, const QByteArray&
 void ThumbnailProvider::store(const QUrl& url, const QImage& image)
 {
     if (image.isNull())
-        qCDebug(lcMedia) << "Thumbnail is no JPEG:" << url;
+        qCDebug(lcMedia) << "There is no picture in the thumbnail of" << url;
     const auto pixmap = std::make_shared<const QPixmap>(QPixmap::fromImage(image));
     m_cache.insert(url, new ThumbnailPtr(pixmap));
     Q_EMIT thumbnailChanged(url, pixmap);
@@ -111,6 +129,8 @@ void ThumbnailProvider::invalidateThumbnail(const QUrl& url, bool terminate)
     const QString text = url.toString(QUrl::FullyEncoded);
     if (terminate && m_resources->isFetching(text))
         m_resources->terminateFetch(text);
+    else
+        m_resources->fetchAgainAfterwards(text); // the answer may tell of the file as it was
     m_decoding.remove(url);
     m_cache.remove(url);
     Q_EMIT thumbnailInvalidated(url);

@@ -1,13 +1,17 @@
+#include "common/media/networkaccessmanager.h"
+#include "common/media/networkresourcecollection.h"
 #include "tests/support/librarymaker.h"
 #include "tests/support/mediamirror.h"
 #include "tests/support/testmain.h"
 
 #include <QFile>
+#include <QNetworkAccessManager>
 #include <QRegularExpression>
 #include <QSignalSpy>
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <QTest>
+#include <QTimer>
 
 namespace vantrel::test {
 
@@ -48,6 +52,13 @@ public:
             qFatal("no port to listen on");
     }
     int port() const { return m_listener.serverPort(); }
+    /// To whoever is connected.
+    void drip(const QByteArray& bytes)
+    {
+        for (QTcpSocket* socket : m_listener.findChildren<QTcpSocket*>())
+            if (socket->state() == QAbstractSocket::ConnectedState)
+                socket->write(bytes);
+    }
 
     QByteArray answer;
     qint64 filler = 0; // bytes that are left to send
@@ -96,6 +107,8 @@ private Q_SLOTS:
     void libraries();
     void lineWithoutEnd();
     void bodyWithoutEnd();
+    void resourceWithoutEnd();
+    void resourceInDrops();
 
 private:
     QByteArray text() const { return QByteArray::fromStdString(m_mirror->library->toJson().toString()); }
@@ -229,6 +242,42 @@ void TestHostileServer::bodyWithoutEnd()
     QVERIFY2(m_server->mostMemory - memory < 1024 * mebibyte,
              QByteArray::number(m_server->mostMemory - memory).constData());
     QCOMPARE(text(), m_before);
+}
+
+void TestHostileServer::resourceWithoutEnd()
+{
+    m_server->answer = "HTTP/1.1 200 OK\r\nContent-Type: image/jpeg\r\n\r\n";
+    m_server->filler = 2048 * mebibyte;
+    QNetworkAccessManager manager;
+    NetworkAccessManager network(&manager);
+    NetworkResourceCollection resources(&network, 1, 700);
+    QSignalSpy data(&resources, &NetworkResourceCollection::dataReceived);
+    const qint64 memory = memoryInUse();
+    expectWarning(QStringLiteral("No reply after requesting data for url: "));
+    const QString url = QStringLiteral("http://127.0.0.1:%1/x").arg(m_server->port());
+    resources.fetch(url, QUrl(url));
+    QTRY_VERIFY(!resources.isFetching(url));
+    QCOMPARE(data.size(), 0);
+    QVERIFY2(m_server->sent < 256 * mebibyte, QByteArray::number(m_server->sent).constData());
+    QVERIFY2(m_server->mostMemory - memory < 256 * mebibyte,
+             QByteArray::number(m_server->mostMemory - memory).constData());
+    QTRY_VERIFY(m_server->isDropped);
+}
+
+void TestHostileServer::resourceInDrops()
+{
+    m_server->answer = "HTTP/1.1 200 OK\r\nContent-Length: 100000\r\n\r\n";
+    QTimer drops;
+    connect(&drops, &QTimer::timeout, this, [this] { m_server->drip("x"); });
+    drops.start(20);
+    QNetworkAccessManager manager;
+    NetworkAccessManager network(&manager);
+    NetworkResourceCollection resources(&network, 1, 300);
+    expectWarning(QStringLiteral("No reply after requesting data for url: "));
+    const QString url = QStringLiteral("http://127.0.0.1:%1/x").arg(m_server->port());
+    resources.fetch(url, QUrl(url));
+    QTRY_VERIFY(!resources.isFetching(url));
+    QTRY_VERIFY(m_server->isDropped);
 }
 
 } // namespace vantrel::test

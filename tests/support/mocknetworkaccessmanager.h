@@ -57,7 +57,7 @@ private:
 };
 
 /// Gives canned answers by URL, each in the next turn of the event loop, and keeps count of what was asked. A
-/// URL without one is never answered.
+/// URL without one is never answered, unless told otherwise.
 class MockNetworkAccessManager : public AbstractNetworkAccessManager
 {
 public:
@@ -80,7 +80,17 @@ public:
         addGetReply(url, ReplyPtr::create(body, error));
     }
     void addPostReply(const QUrl& url, const ReplyPtr& reply) { m_post[url].append(reply); }
+    void addPostReply(const QUrl& url, const QByteArray& body,
+                      QNetworkReply::NetworkError error = QNetworkReply::NoError)
+    {
+        addPostReply(url, ReplyPtr::create(body, error));
+    }
     void addPatchReply(const QUrl& url, const ReplyPtr& reply) { m_patch[url].append(reply); }
+    void addPatchReply(const QUrl& url, const QByteArray& body,
+                       QNetworkReply::NetworkError error = QNetworkReply::NoError)
+    {
+        addPatchReply(url, ReplyPtr::create(body, error));
+    }
 
     void emitFinished(const ReplyPtr& reply)
     {
@@ -90,9 +100,10 @@ public:
 
     int requestCount(const QUrl& url) const { return static_cast<int>(urls.count(url)); }
 
-    QList<QUrl> urls;         // of all requests, in order
-    QList<QByteArray> bodies; // theirs
-    bool refuses = false;     // gives null for every request
+    QList<QUrl> urls;          // of all requests, in order
+    QList<QByteArray> bodies;  // theirs
+    bool refuses = false;      // gives null for every request
+    bool knowsNothing = false; // answers "not found" where there is no canned answer
 
 private:
     using Replies = QHash<QUrl, QList<ReplyPtr>>;
@@ -104,6 +115,8 @@ private:
         if (refuses)
             return {};
         QList<ReplyPtr>& canned = replies[request.url()];
+        if (canned.isEmpty() && knowsNothing)
+            canned.append(ReplyPtr::create(QByteArray(), QNetworkReply::ContentNotFoundError));
         if (canned.isEmpty())
             return ReplyPtr::create(QByteArray(), QNetworkReply::NoError, true);
         const ReplyPtr reply = canned.takeFirst();

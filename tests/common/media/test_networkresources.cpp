@@ -370,7 +370,7 @@ void TestNetworkResources::aggregation()
     QCOMPARE(helpers.states.mediaState(MediaAddress(1, 9)), MediaState::UnknownState);
     told.clear();
     aggregator.invalidateData(clip, true);
-    QCOMPARE(told.join(u','), QStringLiteral("no thumbnail,no metadata"));
+    QCOMPARE(told.join(u','), QStringLiteral("no thumbnail,state,no metadata"));
 }
 
 void TestNetworkResources::channelStates()

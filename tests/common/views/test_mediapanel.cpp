@@ -290,6 +290,7 @@ void TestMediaPanel::asksOnlyForWhatIsSeen()
 {
     Panel panel(test::makeLibrary(1, 5000));
     test::MockNetworkAccessManager network;
+    network.knowsNothing = true; // only a few are asked for at a time, the rest follows with the answers
     MetadataProvider metadata(QStringLiteral("h"), &network, 1000);
     ThumbnailProvider thumbnails(QStringLiteral("h"), &network, 100);
     MediaStateProvider states(nullptr, nullptr, &panel.mirror.playlists, &panel.mirror.provider, &metadata);
@@ -299,7 +300,13 @@ void TestMediaPanel::asksOnlyForWhatIsSeen()
     panel.widget.show();
     QVERIFY(QTest::qWaitForWindowExposed(&panel.widget));
     panel.view->viewport()->repaint();
-    const qsizetype seen = network.urls.size();
+    const auto asked = [&network] { return QSet<QUrl>(network.urls.begin(), network.urls.end()).size(); };
+    const auto askedInTheEnd = [&] {
+        for (qsizetype before = -1; before != asked(); QCoreApplication::processEvents())
+            before = asked();
+        return asked();
+    };
+    const qsizetype seen = askedInTheEnd();
     QVERIFY(seen > 0);
     QVERIFY2(seen <= 2 * 30, qPrintable(QString::number(seen)));
     // What flies past is not asked for; what stays is.
@@ -308,12 +315,12 @@ void TestMediaPanel::asksOnlyForWhatIsSeen()
         bar->setValue(value);
         panel.view->viewport()->repaint();
     }
-    QCOMPARE(network.urls.size(), seen);
-    QTRY_VERIFY(network.urls.size() > seen);
-    QVERIFY(network.urls.size() <= 2 * seen + 4);
+    QCOMPARE(asked(), seen);
+    QTRY_VERIFY(asked() > seen);
+    QVERIFY(askedInTheEnd() <= 2 * seen + 4);
     panel.search->setText(QStringLiteral("s49"));
     QVERIFY(!panel.listed().isEmpty());
-    QVERIFY(network.urls.size() <= 2 * seen + 4);
+    QVERIFY(asked() <= 2 * seen + 4);
 }
 
 void TestMediaPanel::marksWhatPlays()
