@@ -14,6 +14,7 @@
 #include "ombra/show/scenesettings.h"
 #include "ombra/show/showfiles.h"
 #include "ombra/show/showstore.h"
+#include "ombra/show/slotprober.h"
 #include "ombra/version.h"
 #include "tarn/discovery/networklocator.h"
 
@@ -43,29 +44,6 @@ void probeSome(const std::filesystem::path& media, MediaLibrary& library)
     }
 }
 
-/// What probing changed of one slot, on condition that it still has the same media.
-Patch probePatch(const MediaAddress& address, const MediaSlot& before, const MediaSlot& after)
-{
-    const std::string base =
-        "/collections/" + std::to_string(address.collection) + "/slots/" + std::to_string(address.slot);
-    Patch patch;
-    PatchOp op;
-    op.op = PatchOpType::Test;
-    op.path = Path(base + "/contentUrl");
-    op.value = before.getUrl();
-    patch.append(op);
-    op.op = PatchOpType::Replace;
-    after.toJson().forEachMember([&](std::string_view key, const Json& value) {
-        if (!(before.toJson().get(key) == value)) {
-            op.path = Path(base + "/" + std::string(key));
-            op.value = value;
-            patch.append(op);
-        }
-        return true;
-    });
-    return patch;
-}
-
 } // namespace
 
 Server::Server(boost::asio::io_context& io, ServerOptions options)
@@ -77,9 +55,6 @@ Server::Server(boost::asio::io_context& io, ServerOptions options)
 
 Server::~Server()
 {
-    m_stopProbing = true;
-    if (m_prober.joinable())
-        m_prober.join();
     m_engine.reset(); // before what its sink and its scene feed
 }
 
@@ -115,8 +90,9 @@ bool Server::start(std::string* error)
         m_engine->libraryChanged();
         m_http->broadcastStream(eventStreamMessage(patch, m_store->libraryRevision()));
     });
+    m_prober = std::make_unique<SlotProber>(m_io, m_options.media, *m_store);
     watchMedia();
-    probeRest();
+    m_prober->probeUnknown(); // what the first start had no time for
     return true;
 }
 
@@ -177,7 +153,13 @@ void Server::watchMedia()
             const char* type = event == MediaWatcher::Event::Added     ? "metadata-added"
                                : event == MediaWatcher::Event::Changed ? "metadata-changed"
                                                                        : "metadata-removed";
+            // Who asked while it was being written holds what half a file says.
+            if (event == MediaWatcher::Event::Added)
+                m_http->broadcastSocket(
+                    Json::object({{"type", "metadata-changed"}, {"mediaUrl", url}}).toString());
             m_http->broadcastSocket(Json::object({{"type", type}, {"mediaUrl", url}}).toString());
+            if (event != MediaWatcher::Event::Removed)
+                m_prober->probeAgain(url);
         });
     std::string why;
     if (!m_watcher->start(&why))
@@ -217,26 +199,6 @@ void Server::propertyWritten(Object* object, const PropertyInfo* property)
     m_outputs->propertyWritten(object, property);
     if (m_engine)
         m_engine->propertyWritten(object, property);
-}
-
-/// Looks at the media of slots that are still unknown, on a thread of its own, and edits them one by one.
-void Server::probeRest()
-{
-    m_prober = std::thread([this, collections = m_store->library().getCollections()] {
-        for (const auto& [index, collection] : collections) {
-            for (const auto& [number, slot] : collection.getSlots()) {
-                if (m_stopProbing)
-                    return;
-                MediaSlot probed = slot;
-                if (slot.getMediaType() != MediaType::Unknown || !probeSlot(m_options.media, probed))
-                    continue;
-                boost::asio::post(m_io, [this, patch = probePatch({index, number}, slot, probed)] {
-                    m_store->patchLibrary(patch,
-                                          [](const EditResult&) {}); // an edit came first where it fails
-                });
-            }
-        }
-    });
 }
 
 unsigned short Server::httpPort() const

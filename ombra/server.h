@@ -5,11 +5,9 @@
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/ip/address.hpp>
 
-#include <atomic>
 #include <filesystem>
 #include <memory>
 #include <string>
-#include <thread>
 
 namespace vantrel {
 class NetworkResponder;
@@ -28,6 +26,7 @@ class RestApi;
 class SceneSettings;
 class ShowFiles;
 class ShowStore;
+class SlotProber;
 
 struct ServerOptions
 {
@@ -65,7 +64,6 @@ private:
     void watchMedia();
     bool invoke(PathView methodPath, const Json& args, std::string* error);
     void propertyWritten(Object* object, const PropertyInfo* property);
-    void probeRest();
 
     boost::asio::io_context& m_io;
     ServerOptions m_options;
@@ -82,8 +80,7 @@ private:
     std::unique_ptr<LinkServer> m_link;
     std::unique_ptr<MediaWatcher> m_watcher;
     std::unique_ptr<NetworkResponder> m_responder;
-    std::atomic<bool> m_stopProbing{false};
-    std::thread m_prober;
+    std::unique_ptr<SlotProber> m_prober;
 };
 
 } // namespace vantrel::ombra

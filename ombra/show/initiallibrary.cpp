@@ -126,6 +126,8 @@ bool probeSlot(const std::filesystem::path& mediaFolder, MediaSlot& slot)
         return !(slot == before); // its length follows from the frames
     if (info->duration > 0)
         slot.setInherentMediaDuration(info->duration);
+    else if (before.getMediaType() == MediaType::VideoFile || before.getMediaType() == MediaType::AudioFile)
+        slot.setInherentMediaDuration(std::nullopt); // another file took its place
     return !(slot == before);
 }
 
