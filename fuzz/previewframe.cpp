@@ -1,5 +1,6 @@
 // Bytes from the preview stream: the decoder gives whole pictures within its bounds or ends, and what it
-// gives can be sent on as it came.
+// gives can be sent on as it came; levels say the same when they are written again.
+#include "tarn/preview/audiolevels.h"
 #include "tarn/preview/previewwire.h"
 
 #include <algorithm>
@@ -30,6 +31,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         if (again.empty() || again.size() > at - 1 ||
             !std::equal(again.begin(), again.end(), data + at - again.size(),
                         [](char a, std::uint8_t b) { return static_cast<std::uint8_t>(a) == b; }))
+            std::abort();
+        const auto levels = AudioLevels::fromSurface(frame.frame.getSurface());
+        if (levels && AudioLevels::fromSurface(levels->toSurface().get()) != levels)
             std::abort();
     }
     return 0;

@@ -139,7 +139,7 @@ QRect LevelMeter::barRect(int channel) const
     // A mono bar is as slim as a stereo one.
     const int bars = std::max(2, int(m_bars.size()));
     const int gap = bars > 4 ? 1 : 2;
-    const int thick = std::max(1, (height() - (bars - 1) * gap) / bars);
+    const int thick = std::clamp((height() - (bars - 1) * gap) / bars, 1, 4 + height() / 8);
     const int used = int(std::max(qsizetype(1), m_bars.size())) * (thick + gap) - gap;
     return {0, (height() - used) / 2 + channel * (thick + gap), width(), thick};
 }

@@ -10,12 +10,13 @@ namespace {
 
 constexpr int bytesPerLine = 4;
 constexpr std::int16_t silent = -32768;
+constexpr double quietest = 327.67; // dB below full scale that the numbers can tell
 
 std::int16_t toWire(double decibels)
 {
-    if (!(decibels > -327.0))
+    if (!(decibels >= -quietest))
         return silent;
-    return static_cast<std::int16_t>(std::lround(std::min(decibels, 327.0) * 100));
+    return static_cast<std::int16_t>(std::lround(std::min(decibels, quietest) * 100));
 }
 
 double fromWire(const std::uint8_t* at)

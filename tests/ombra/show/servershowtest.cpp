@@ -50,6 +50,7 @@ private Q_SLOTS:
     void savesClearsAndReverts()
     {
         invoke(configuration + "/methods/saveShow", "{\"showName\":\"../my show\"}");
+        write(program + "/properties/audioDevice", "\"off\"");
         invoke(configuration + "/methods/clearShow", "{\"showName\":\"default\"}");
         QVERIFY(m_live->waitFor([&] {
             m_peer->read();
@@ -58,6 +59,8 @@ private Q_SLOTS:
         }));
         QCOMPARE(value(program + "/properties/media"), std::string());
         QCOMPARE(value("/device/channels/0/mappings/0/properties/backgroundColor"), std::string("#000000"));
+        QCOMPARE(value(program + "/properties/audioDevice"),
+                 std::string("embedded")); // as on the first start
         QVERIFY(!QFile::exists(m_live->stateFolder() + QStringLiteral("/my show.show"))); // names stay names
 
         invoke(configuration + "/methods/revertShow", "{\"showName\":\"no such show\"}");
