@@ -1,7 +1,9 @@
 #include "common/media/playbackmodel.h"
 
+#include "common/command/playlist/editplaylistentrycommand.h"
 #include "common/media/abstractplaylistprovider.h"
 #include "common/session/guiplayback.h"
+#include "common/session/session.h"
 #include "tarn/media/medialibrary.h"
 #include "tarn/media/mediasourceparser.h"
 
@@ -13,6 +15,7 @@ PlaybackModel::PlaybackModel(QPointer<GUIPlayback> playback, AbstractPlaylistPro
     , m_playback(std::move(playback))
     , m_playlistProvider(playlistProvider)
 {
+    qRegisterMetaType<EndActionMode>("EndActionMode");
     if (m_playlistProvider) {
         using Provider = AbstractPlaylistProvider;
         connect(m_playlistProvider, &Provider::reset, this, &PlaybackModel::onProviderReset);
@@ -103,6 +106,8 @@ bool PlaybackModel::setData(const QModelIndex& index, const QVariant& value, int
         if (endAction == m_endAction)
             return true;
         m_playback->setEndAction(endAction);
+        if (m_sourceMode == SourceMode::Playlist)
+            setEndActionCommand(endAction);
         return true;
     }
     case PlaylistNumberColumn:
@@ -267,6 +272,25 @@ void PlaybackModel::setMedia(const QString& url)
         clearPlayingEntry();
         break;
     }
+}
+
+/// The end action set while a playlist plays is also the entry's from then on.
+void PlaybackModel::setEndActionCommand(EndAction endAction)
+{
+    if (!m_isEntryPlaying)
+        return;
+    const MediaLibrary* library = m_playlistProvider->mediaLibrary();
+    const auto number = static_cast<int>(m_playlist.number());
+    const PlaylistEntry* present = library ? library->findPlaylistEntry(number, m_entry.address()) : nullptr;
+    if (!present) {
+        qErrnoWarning("Invalid implementation. Entry missing from library.");
+        return;
+    }
+    PlaylistEntry entry = *present;
+    entry.setEndAction(endAction);
+    auto command = std::make_unique<EditPlaylistEntryCommand>();
+    if (command->init(library, number, m_entry.address(), entry))
+        Session::instance()->executeCommand(command.release());
 }
 
 bool PlaybackModel::updateEndActionMode()

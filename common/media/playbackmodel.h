@@ -84,6 +84,7 @@ Q_SIGNALS:
 
 private:
     void setMedia(const QString& url);
+    void setEndActionCommand(EndAction endAction);
     bool updateEndActionMode();
     void updatePlayingEntry(uint playlist, const EntryAddress& address);
     void updatePlayingSlot(const MediaAddress& address);

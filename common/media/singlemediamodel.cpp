@@ -99,11 +99,22 @@ void SingleMediaModel::connectSources()
             connect(m_playlistProvider, signal, this, &SingleMediaModel::onPlaylistModified);
         for (const auto signal : {&Playlists::entryAdded, &Playlists::entryChanged, &Playlists::entryRemoved})
             connect(m_playlistProvider, signal, this, &SingleMediaModel::onEntryModified);
+        connect(m_playlistProvider, &Playlists::entrySlotsModified, this,
+                [this](const QList<std::pair<uint, EntryAddress>>& entries) {
+                    const auto entry = entryInFocus();
+                    if (entry.valid && entries.contains({static_cast<uint>(entry.playlist), entry.entry}))
+                        onReset();
+                });
     }
     if (const Library* library = m_mediaProvider) {
         connect(library, &Library::reset, this, &SingleMediaModel::onProviderReset);
         for (const auto signal : {&Library::slotAdded, &Library::slotChanged, &Library::slotRemoved})
             connect(library, signal, this, &SingleMediaModel::onSlotModified);
+        // Collections come and go with their slots, and their name is shown too.
+        connect(library, &Library::collectionAdded, this, &SingleMediaModel::onCollectionModified);
+        connect(library, &Library::collectionRemoved, this, &SingleMediaModel::onCollectionModified);
+        connect(library, &Library::collectionChanged, this,
+                [this] { Q_EMIT dataChanged(index(0, CollectionColumn), index(0, UsedInColumn)); });
     }
 }
 
@@ -316,7 +327,8 @@ std::shared_ptr<const GuiMediaSlot> SingleMediaModel::getMediaSlotPtr() const
 {
     if (MediaUtils::isSlotAddress(m_mediaAddress)) {
         const auto slot = MediaUtils::parseSlotAddress(m_mediaAddress);
-        return slot.valid && m_mediaProvider ? m_mediaProvider->slot({slot.collection, slot.slot}) : nullptr;
+        const bool isThere = slot.valid && m_mediaProvider && m_mediaProvider->collection(slot.collection);
+        return isThere ? m_mediaProvider->slot({slot.collection, slot.slot}) : nullptr;
     }
     const auto entry = entryInFocus();
     return entry.valid && m_playlistProvider
@@ -366,6 +378,16 @@ void SingleMediaModel::onEntryModified(uint playlistIndex, EntryAddress entryAdd
 {
     const auto entry = entryInFocus();
     if (entry.valid && static_cast<uint>(entry.playlist) == playlistIndex && entry.entry == entryAddress)
+        onReset();
+    else
+        Q_EMIT dataChanged(index(0, UsedInColumn), index(0, UsedInColumn));
+}
+
+void SingleMediaModel::onCollectionModified(uint collection)
+{
+    const auto slot = MediaUtils::isSlotAddress(m_mediaAddress) ? MediaUtils::parseSlotAddress(m_mediaAddress)
+                                                                : media::ColSlot();
+    if (slot.valid && static_cast<uint>(slot.collection) == collection)
         onReset();
     else
         Q_EMIT dataChanged(index(0, UsedInColumn), index(0, UsedInColumn));

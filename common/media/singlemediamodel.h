@@ -79,6 +79,7 @@ public Q_SLOTS:
     void onPlaylistModified(uint playlistIndex);
     void onEntryModified(uint playlistIndex, vantrel::EntryAddress entryAddress);
     void onSlotModified(vantrel::MediaAddress address);
+    void onCollectionModified(uint collection);
 
 Q_SIGNALS:
     void mediaAddressChanged(QString mediaAddress);

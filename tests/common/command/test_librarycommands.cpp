@@ -1,4 +1,5 @@
 #include "common/command/playlist/addplaylistcommand.h"
+#include "common/command/playlist/editplaylistentrycommand.h"
 #include "common/command/playlist/removeplaylistcommand.h"
 #include "common/command/playlist/renameplaylistcommand.h"
 #include "common/command/slot/addmediatocollectioncommand.h"
@@ -148,6 +149,11 @@ void TestLibraryCommands::edits_data()
         [](const auto& l) { return !l.findPlaylist(1); });
     row("Rename playlist 1", make<RenamePlaylistCommand>(1, QStringLiteral("Neu")),
         [](const auto& l) { return l.findPlaylist(1)->getName() == "Neu"; });
+    const PlaylistEntry other("u", EndAction::Repeat, TakeTransitionType::DirectCut, 2.5);
+    row("Edit playlist entries", make<EditPlaylistEntryCommand>(1, EntryAddress(1, 0), other),
+        [other](const auto& l) {
+            return *l.findPlaylistEntry(1, {1, 0}) == other;
+        });
 }
 
 void TestLibraryCommands::edits()
@@ -207,6 +213,10 @@ void TestLibraryCommands::refusals_data()
     row("no playlist", make<RemovePlaylistCommand>(9),
         "Unable to build redo Patch due failed removePlaylist");
     row("no playlist to rename", make<RenamePlaylistCommand>(9, QString()), "Unable to find playlist");
+    row("no playlist to edit", make<EditPlaylistEntryCommand>(9, EntryAddress(1, 0), PlaylistEntry()),
+        "Unable to find playlist");
+    row("no entry to edit", make<EditPlaylistEntryCommand>(1, EntryAddress(2, 0), PlaylistEntry()),
+        "Unable to find entry");
 }
 
 void TestLibraryCommands::refusals()

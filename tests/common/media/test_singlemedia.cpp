@@ -191,8 +191,18 @@ void TestSingleMedia::followsTheLibrary()
         library.findPlaylistEntry(2, {12, 0})->setMediaUrl(test::slotUrl(1, 2));
     });
     QTRY_COMPARE(f.texts({0, 19}), QStringLiteral("other|Image"));
+    f.mirror.edit([](MediaLibrary& library) { library.findSlot(1, 2)->setName("renamed"); });
+    QCOMPARE(f.texts({0}), QStringLiteral("renamed"));
     f.mirror.edit([](MediaLibrary& library) { library.removePlaylist(2); });
     QVERIFY(!f.hasData());
+
+    // So do a collection's name and its end.
+    f.model.setMediaAddress(slotAddress);
+    f.mirror.edit([](MediaLibrary& library) { library.findCollection(1)->setName("Acts"); });
+    QCOMPARE(f.texts({17}), QStringLiteral("1: Acts, slot 1"));
+    reset.clear();
+    f.mirror.edit([](MediaLibrary& library) { library.removeCollection(1); });
+    QVERIFY(reset.size() > 0 && !f.hasData());
 }
 
 void TestSingleMedia::followsTheFile()

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "common/command/libraryeditcommand.h"
+#include "tarn/media/entryaddress.h"
+#include "tarn/media/playlistentry.h"
+
+#include <QList>
+
+namespace vantrel {
+
+/// What an entry of a playlist becomes.
+struct EditEntryData
+{
+    int playlist = 0;
+    EntryAddress address;
+    PlaylistEntry entry;
+};
+
+/// Gives entries of playlists other contents; they keep their addresses.
+class EditPlaylistEntryCommand : public LibraryEditCommand
+{
+    Q_OBJECT
+
+public:
+    using LibraryEditCommand::LibraryEditCommand;
+
+    bool init(const MediaLibrary* library, const QList<EditEntryData>& entries);
+    bool init(const MediaLibrary* library, int playlist, const EntryAddress& address,
+              const PlaylistEntry& entry);
+};
+
+} // namespace vantrel
