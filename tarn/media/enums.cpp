@@ -48,6 +48,9 @@ constexpr Row<SourceMode> sourceModes[] = {
     {SourceMode::None, "none"}, {SourceMode::Slot, "slot"}, {SourceMode::Playlist, "playlist"}};
 constexpr Row<SourcePlayState> playStates[] = {
     {SourcePlayState::Play, "play"}, {SourcePlayState::Pause, "pause"}, {SourcePlayState::Stop, "stop"}};
+constexpr Row<PlaybackType> playbackTypes[] = {{PlaybackType::Invalid, "invalid"},
+                                               {PlaybackType::Preview, "preview"},
+                                               {PlaybackType::Program, "program"}};
 constexpr Row<ColorSpace> colorSpaces[] = {
     {ColorSpace::Unknown, "unknown"}, {ColorSpace::Rgb, "RGB"},        {ColorSpace::Bt601, "BT.601"},
     {ColorSpace::Bt709, "BT.709"},    {ColorSpace::Bt2020, "BT.2020"}, {ColorSpace::Smpte240m, "SMPTE 240M"},
@@ -98,6 +101,11 @@ template <>
 constexpr std::span<const Row<SourcePlayState>> table()
 {
     return playStates;
+}
+template <>
+constexpr std::span<const Row<PlaybackType>> table()
+{
+    return playbackTypes;
 }
 template <>
 constexpr std::span<const Row<ColorSpace>> table()
@@ -158,6 +166,10 @@ const char* toStr(SourceMode value)
     return textOf(value);
 }
 const char* toStr(SourcePlayState value)
+{
+    return textOf(value);
+}
+const char* toStr(PlaybackType value)
 {
     return textOf(value);
 }

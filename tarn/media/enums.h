@@ -45,6 +45,8 @@ enum class ColorSpace : std::int32_t {
 };
 /// Where a channel's sound goes; the scene holds the text.
 enum class AudioPlaybackDevice : std::int32_t { Embedded = 1, Xlr = 2, Dante = 3, Off = 4 };
+/// The two playbacks of a channel, by the names that they have in the scene.
+enum class PlaybackType : std::int32_t { Invalid = -1, Preview = 0, Program = 1 };
 /// The channel selector of the application: which of the two playbacks a widget or a model is about.
 enum PlaybackViewMode : std::int32_t { Preview = 1, Program = 2 };
 
@@ -59,6 +61,7 @@ const char* toStr(MediaType value);
 const char* toStr(SourcePlayState value);     // "play", "pause", "stop"
 const char* toStr(SourceMode value);          // "none", "slot", "playlist"
 const char* toStr(ColorSpace value);          // "unknown", "BT.709", ...: also for the operator
+const char* toStr(PlaybackType value);        // "invalid", "preview", "program"
 const char* toStr(AudioPlaybackDevice value); // "off" when unknown, "embedded", "xlr", "dante"
 
 /// True, and the value in out, when the text is one of the enumeration's texts exactly.

@@ -183,7 +183,8 @@ bool MediaSlot::getIsPlayable() const
 
 MediaDurationType MediaSlot::getDurationType() const
 {
-    return enumOf<MediaDurationType>(m_json, "durationType");
+    const bool isUntimedStill = getMediaType() == MediaType::ImageFile && !(getEffectiveMediaDuration() > 0);
+    return isUntimedStill ? MediaDurationType::Infinite : enumOf<MediaDurationType>(m_json, "durationType");
 }
 
 std::optional<double> MediaSlot::getFrameRate() const

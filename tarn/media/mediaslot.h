@@ -36,6 +36,7 @@ public:
     bool isFinite() const { return getDurationType() != MediaDurationType::Infinite; }
     ScaleMode getScaleMode() const;
     bool getIsPlayable() const;
+    /// A still stands for ever until somebody gives it a duration, whatever its type says.
     MediaDurationType getDurationType() const;
     std::optional<double> getFrameRate() const; // of an image sequence, like the two below
     std::optional<int> getFirstFrameNum() const;

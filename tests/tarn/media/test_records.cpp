@@ -161,6 +161,20 @@ private Q_SLOTS:
         QCOMPARE(slot.getInpoint(), 0.0);
     }
 
+    void stillsStandForEverUntilTheyAreTimed()
+    {
+        MediaSlot still("Logo", "file:///logo.png");
+        QVERIFY(still.isFinite());
+        still.setMediaType(MediaType::ImageFile);
+        QVERIFY(!still.isFinite());
+        still.setCustomMediaDuration(0);
+        QVERIFY(!still.isFinite());
+        still.setCustomMediaDuration(4);
+        QVERIFY(still.isFinite());
+        still.setDurationType(MediaDurationType::Infinite);
+        QVERIFY(!still.isFinite());
+    }
+
     void runtimes()
     {
         MediaLibrary library;
