@@ -93,6 +93,7 @@ bool Server::start(std::string* error)
     m_prober = std::make_unique<SlotProber>(m_io, m_options.media, *m_store);
     watchMedia();
     m_prober->probeUnknown(); // what the first start had no time for
+    m_store->addLibraryListener([this](const Patch& patch) { m_prober->probeEdited(patch); });
     return true;
 }
 

@@ -14,6 +14,17 @@ namespace {
 
 constexpr double fallbackFps = 25;
 
+/// Rates that were worked out from rounded times mean the usual one beside them: n, or n * 1000 / 1001.
+double usualRate(double rate)
+{
+    const double whole = std::round(rate);
+    for (const double usual : {whole, whole * 1000 / 1001}) {
+        if (std::abs(rate - usual) < usual * 1e-5)
+            return usual;
+    }
+    return rate;
+}
+
 void setError(std::string* error, std::string text)
 {
     if (error)
@@ -105,7 +116,7 @@ double AvInput::fps() const
     if (!m_video)
         return fallbackFps;
     const double rate = av_q2d(av_guess_frame_rate(m_format.get(), m_video, nullptr));
-    return std::isfinite(rate) && rate > 0 && rate <= 1000 ? rate : fallbackFps;
+    return std::isfinite(rate) && rate > 0 && rate <= 1000 ? usualRate(rate) : fallbackFps;
 }
 
 double AvInput::duration() const

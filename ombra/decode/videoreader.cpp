@@ -11,6 +11,14 @@ constexpr int damagedPacketsAtMost = 500;
 constexpr double decodedBefore = 1;  // seconds before a sought time from which every picture is decoded
 constexpr double forwardReach = 0.8; // seconds that are decoded rather than sought
 
+/// Some containers round times to milliseconds: a time close to where the picture rate has a picture is meant
+/// to be there.
+double onGrid(double time, double fps)
+{
+    const double nearest = std::round(time * fps) / fps;
+    return std::abs(nearest - time) <= std::min(PictureReader::tolerance, 0.25 / fps) ? nearest : time;
+}
+
 } // namespace
 
 std::unique_ptr<VideoReader> VideoReader::open(std::unique_ptr<AvInput> input, Canvas canvas,
@@ -65,6 +73,7 @@ bool VideoReader::next(Picture& out)
     if (!m_hasAhead && !decodeAhead())
         return false;
     stepAhead();
+    decodeAhead(); // tells how long this one stands; there is none after the last
     return deliver(out);
 }
 
@@ -189,8 +198,10 @@ bool VideoReader::isSkipped(const AVPacket& packet) const
 bool VideoReader::deliver(Picture& out)
 {
     out.surface = m_scaler.scale(*m_current, m_turns, m_input->video()->sample_aspect_ratio);
-    out.time = std::max(0.0, m_currentTime);
-    out.duration = m_hasAhead && m_aheadTime > m_currentTime ? m_aheadTime - m_currentTime : 1 / m_fps;
+    const double current = onGrid(m_currentTime, m_fps);
+    const double ahead = m_hasAhead ? onGrid(m_aheadTime, m_fps) : 0;
+    out.time = std::max(0.0, current);
+    out.duration = m_hasAhead && ahead > current ? ahead - current : 1 / m_fps;
     return bool(out.surface);
 }
 

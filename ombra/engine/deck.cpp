@@ -87,11 +87,16 @@ void Deck::seekOutpoint()
 
 void Deck::step(int pictures)
 {
-    const double fps = m_feed.status().fps > 0 ? m_feed.status().fps : 25;
-    // From the middle of a picture, so that no rounding decides which one is hit.
-    const double from = m_awaiting ? m_target : m_position + 0.5 / fps;
+    const double picture = 1 / (m_feed.status().fps > 0 ? m_feed.status().fps : 25);
+    // Clear of where pictures meet, so that no rounding decides which one is hit. The first step goes by what
+    // the shown picture really takes: not all media hold all of theirs equally long.
+    double target = m_target + pictures * picture;
+    if (!m_awaiting && pictures > 0)
+        target = m_position + m_shownFor + beforeEnd + (pictures - 1) * picture;
+    else if (!m_awaiting && pictures < 0)
+        target = m_position - 2 * beforeEnd + (pictures + 1) * picture;
     const double last = std::max(m_item.inpoint, end(m_feed.status(), false) - beforeEnd);
-    start(std::clamp(from + pictures / fps, m_item.inpoint, last));
+    start(std::clamp(target, m_item.inpoint, last));
     m_state = SourcePlayState::Pause;
 }
 

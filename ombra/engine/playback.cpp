@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace vantrel::ombra {
 
@@ -45,6 +46,20 @@ void put(Scene& scene, Object& object, const char* name, const Variant& value)
     if (property && object.getProperty(property, present) && !(present == value) &&
         object.setProperty(property, value))
         scene.notifyPropertyChange(&object, property, value);
+}
+
+/// A time on a whole nanosecond, and never a hair below it: clients cut it to nanoseconds and then to
+/// pictures, and would show the picture before.
+double wholeNanoseconds(double seconds)
+{
+    constexpr double unit = 1e9;
+    if (!(std::abs(seconds) < 1e6))
+        return seconds;
+    const double count = std::round(seconds * unit);
+    double result = count / unit;
+    while (std::trunc(unit * result) < count)
+        result = std::nextafter(result, std::numeric_limits<double>::infinity());
+    return result;
 }
 
 } // namespace
@@ -279,7 +294,7 @@ void Playback::publish(Scene& scene)
     put(scene, *object, "outpoint", Variant::from(outpoint));
     put(scene, *object, "duration", Variant::from(duration));
     put(scene, *object, "fps", Variant::from(status.fps));
-    put(scene, *object, "mediaPosition", Variant::from(position));
+    put(scene, *object, "mediaPosition", Variant::from(wholeNanoseconds(position)));
     put(scene, *object, "resourceConstrained", Variant::from(constrained));
     publishProgress(scene, *object, progress);
 }

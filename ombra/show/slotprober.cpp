@@ -34,6 +34,11 @@ Patch probePatch(const MediaAddress& address, const MediaSlot& before, const Med
     return patch;
 }
 
+bool isUnknown(const MediaSlot& slot)
+{
+    return slot.getMediaType() == MediaType::Unknown;
+}
+
 } // namespace
 
 SlotProber::SlotProber(boost::asio::io_context& io, std::filesystem::path mediaFolder, ShowStore& store)
@@ -52,7 +57,7 @@ SlotProber::~SlotProber()
 
 void SlotProber::probeUnknown()
 {
-    probe([](const MediaSlot& slot) { return slot.getMediaType() == MediaType::Unknown; });
+    probe(isUnknown);
 }
 
 void SlotProber::probeAgain(const std::string& contentUrl)
@@ -69,6 +74,48 @@ void SlotProber::probeAgain(const std::string& contentUrl)
     });
 }
 
+void SlotProber::probeEdited(const Patch& edit)
+{
+    const MediaLibrary& library = m_store.library();
+    std::vector<Found> unknown;
+    const auto note = [&](int collection, int number, const MediaSlot& slot, bool always) {
+        if (always || isUnknown(slot))
+            unknown.push_back({{collection, number}, slot});
+    };
+    const auto noteAll = [&](int index, const MediaCollection& collection) {
+        for (const auto& [number, slot] : collection.getSlots())
+            note(index, number, slot, false);
+    };
+    for (const PatchOp& op : edit) {
+        const PathView path = op.path;
+        if (op.op == PatchOpType::Remove || op.op == PatchOpType::Test)
+            continue;
+        if (path.empty() || (path.size() == 1 && path[0].text() == "collections")) {
+            probeUnknown();
+            return;
+        }
+        long long index = 0, number = 0;
+        if (path.size() < 2 || path[0].text() != "collections" || !path[1].parseIndex(&index))
+            continue;
+        const MediaCollection* collection = library.findCollection(static_cast<int>(index));
+        const bool isSlots = path.size() > 2 && path[2].text() == "slots";
+        if (collection && (path.size() == 2 || (isSlots && path.size() == 3)))
+            noteAll(static_cast<int>(index), *collection);
+        if (!isSlots || path.size() < 4 || !path[3].parseIndex(&number))
+            continue;
+        const MediaSlot* slot = library.findSlot(static_cast<int>(index), static_cast<int>(number));
+        const bool hasOtherMedia = path.size() == 5 && path[4].text() == "contentUrl";
+        if (slot && (path.size() == 4 || hasOtherMedia))
+            note(static_cast<int>(index), static_cast<int>(number), *slot, hasOtherMedia);
+    }
+    if (unknown.empty())
+        return;
+    boost::asio::post(m_worker, [this, alive = std::weak_ptr(m_alive), unknown = std::move(unknown)] {
+        for (const Found& found : unknown)
+            look(found, alive);
+    });
+}
+
 void SlotProber::probe(Filter wanted)
 {
     // The worker walks a library that stays as it is now; what was edited meanwhile is the patch's to find.
@@ -78,16 +125,22 @@ void SlotProber::probe(Filter wanted)
             for (const auto& [number, slot] : collection.getSlots()) {
                 if (m_stop)
                     return;
-                MediaSlot probed = slot;
-                if (!wanted(slot) || !probeSlot(m_folder, probed))
-                    continue;
-                boost::asio::post(m_io, [this, alive, patch = probePatch({index, number}, slot, probed)] {
-                    if (!alive.expired())
-                        m_store.patchLibrary(patch,
-                                             [](const EditResult&) {}); // an edit came first where it fails
-                });
+                if (wanted(slot))
+                    look({{index, number}, slot}, alive);
             }
         }
+    });
+}
+
+/// On the worker's thread.
+void SlotProber::look(const Found& found, const std::weak_ptr<int>& alive)
+{
+    MediaSlot probed = found.slot;
+    if (m_stop || !probeSlot(m_folder, probed))
+        return;
+    boost::asio::post(m_io, [this, alive, patch = probePatch(found.address, found.slot, probed)] {
+        if (!alive.expired())
+            m_store.patchLibrary(patch, [](const EditResult&) {}); // an edit came first where it fails
     });
 }
 

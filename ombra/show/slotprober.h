@@ -32,9 +32,18 @@ public:
     /// The slots with this media, since its file is another now. Calls of one moment make one walk.
     void probeAgain(const std::string& contentUrl);
 
+    /// The slots that a saved edit brought in unknown, or gave other media.
+    void probeEdited(const Patch& edit);
+
 private:
+    struct Found
+    {
+        MediaAddress address;
+        MediaSlot slot;
+    };
     using Filter = std::function<bool(const MediaSlot&)>;
     void probe(Filter wanted);
+    void look(const Found& found, const std::weak_ptr<int>& alive);
 
     boost::asio::io_context& m_io;
     std::filesystem::path m_folder;

@@ -147,6 +147,49 @@ private Q_SLOTS:
         QVERIFY(!reader->next(picture));
     }
 
+    void keepsTheGridOfEveryRate_data()
+    {
+        QTest::addColumn<QString>("rate");
+        QTest::addColumn<QByteArray>("name");
+        QTest::addColumn<QStringList>("how");
+        for (const char* rate : {"24000/1001", "24", "30000/1001", "30", "50", "60000/1001", "60"}) {
+            for (const char* suffix : {"mp4", "mkv"}) // the second has times in whole milliseconds
+                QTest::addRow("%s.%s", rate, suffix)
+                    << QString::fromLatin1(rate) << QByteArray("rate.") + suffix << QStringList();
+        }
+        const QStringList later = words("-output_ts_offset 5.017");
+        QTest::newRow("late start") << QStringLiteral("30000/1001") << QByteArray("late.ts") << later;
+        QTest::newRow("late start in milliseconds")
+            << QStringLiteral("60000/1001") << QByteArray("late.mkv") << later;
+        QTest::newRow("no duration") << QStringLiteral("30000/1001") << QByteArray("live.mkv")
+                                     << words("-live 1");
+    }
+
+    void keepsTheGridOfEveryRate()
+    {
+        QFETCH(QString, rate);
+        QFETCH(QByteArray, name);
+        QFETCH(QStringList, how);
+        QVERIFY(m_media.make(TestMedia::numbered(1.2, QStringLiteral("160x90"), rate) + TestMedia::h264(999) +
+                                 how,
+                             QString::fromLatin1(name)));
+        const auto reader = open(name.constData());
+        QVERIFY2(reader, m_error.c_str());
+        const QStringList parts = rate.split(u'/');
+        const double fps = parts[0].toDouble() / (parts.size() > 1 ? parts[1].toDouble() : 1.0);
+        QVERIFY(std::abs(reader->fps() - fps) < 1e-9);
+        Picture picture;
+        for (int i = 0; i < 28; ++i) {
+            const int frame = i * 11 % 28;
+            QVERIFY(reader->seek(frame / fps, picture));
+            QCOMPARE(numberOn(picture.surface.get()), frame);
+            QCOMPARE(picture.time, frame / fps);
+            QVERIFY(reader->next(picture));
+            QCOMPARE(numberOn(picture.surface.get()), frame + 1);
+            QVERIFY(std::abs(picture.duration - 1 / fps) < 1e-9);
+        }
+    }
+
     void findsPicturesFarFromAKeyAndThoseThatStandLong()
     {
         // Ten seconds, one key picture, B pictures; then one in which a picture stands for four seconds.

@@ -35,13 +35,14 @@ public:
         return false;
     }
 
-    /// Numbered pictures, 25 a second, as input arguments for make().
-    static QStringList numbered(double seconds, const QString& size = QStringLiteral("160x90"))
+    /// Numbered pictures, by default 25 a second, as input arguments for make().
+    static QStringList numbered(double seconds, const QString& size = QStringLiteral("160x90"),
+                                const QString& rate = QStringLiteral("25"))
     {
         return {QStringLiteral("-f"), QStringLiteral("lavfi"), QStringLiteral("-i"),
-                QStringLiteral("color=black:s=%1:r=25:d=%2,format=yuv420p,"
+                QStringLiteral("color=black:s=%1:r=%2:d=%3,format=yuv420p,"
                                "geq=lum='16+219*mod(floor(N/pow(2,floor(X*8/W))),2)':cb=128:cr=128")
-                    .arg(size)
+                    .arg(size, rate)
                     .arg(seconds)};
     }
 

@@ -118,6 +118,55 @@ private Q_SLOTS:
         QTRY_COMPARE(shown(*deck), 49);
     }
 
+    /// Every picture forwards and back, in media whose pictures stand for differently long.
+    void stepsThroughEveryPicture_data()
+    {
+        QTest::addColumn<QByteArray>("name");
+        QTest::addColumn<QStringList>("how");
+        QTest::addColumn<QList<int>>("numbers");
+        const auto only = [](const QList<int>& numbers) {
+            QStringList wanted;
+            for (const int number : numbers)
+                wanted.append(QStringLiteral("eq(n,%1)").arg(number));
+            return QStringList{QStringLiteral("-vf"), QStringLiteral("select='%1'").arg(wanted.join(u'+')),
+                               QStringLiteral("-vsync"), QStringLiteral("vfr")};
+        };
+        const QList<int> uneven{0, 1, 2, 5, 6, 20, 21, 22, 40};
+        QTest::newRow("uneven") << QByteArray("uneven.mp4") << only(uneven) << uneven;
+        QTest::newRow("uneven, milliseconds") << QByteArray("uneven.mkv") << only(uneven) << uneven;
+        const QList<int> few{0, 1, 2, 3, 4, 5};
+        QTest::newRow("no duration") << QByteArray("live.mkv") << only(few) + QStringList{"-live", "1"}
+                                     << few;
+    }
+
+    void stepsThroughEveryPicture()
+    {
+        QFETCH(QByteArray, name);
+        QFETCH(QStringList, how);
+        QFETCH(QList<int>, numbers);
+        QVERIFY(m_media.make(TestMedia::numbered(2) + how + TestMedia::h264(999), QString::fromLatin1(name)));
+        const auto deck =
+            make(name.constData(), range(0, std::nullopt), EndAction::Pause, SourcePlayState::Pause);
+        QTRY_COMPARE(shown(*deck), 0);
+        const auto stepTo = [&](int direction, int number) {
+            deck->step(direction);
+            return QTest::qWaitFor([&] { return shown(*deck) == number && deck->landed(); });
+        };
+        for (const int number : numbers.mid(1))
+            QVERIFY2(stepTo(1, number), qPrintable(QString::number(number)));
+        QVERIFY(stepTo(1, numbers.last())); // there is none after it
+        for (qsizetype i = numbers.size() - 2; i >= 0; --i)
+            QVERIFY2(stepTo(-1, numbers[i]), qPrintable(QString::number(numbers[i])));
+        QVERIFY(stepTo(-1, 0));
+        // Also from where playing left off.
+        deck->setState(SourcePlayState::Play);
+        QTRY_COMPARE(shown(*deck), 0);
+        m_now += numbers[2] / 25.0 + 0.001;
+        QTRY_COMPARE(shown(*deck), numbers[2]);
+        QVERIFY(stepTo(1, numbers[3]));
+        QVERIFY(stepTo(-1, numbers[2]));
+    }
+
     void seeksTheEndBeforeItIsKnown()
     {
         const auto deck = make("clip.mp4", range(0, std::nullopt), EndAction::Pause, SourcePlayState::Pause);

@@ -6,6 +6,7 @@
 #include "tarn/scene/scene.h"
 #include "tests/ombra/decode/testmedia.h"
 #include "tests/support/testmain.h"
+#include "util/clocktime.h"
 
 #include <QElapsedTimer>
 #include <QFile>
@@ -127,7 +128,7 @@ private:
     {
         MediaCollection collection("Main");
         int index = 0;
-        for (const char* name : {"clip.mp4", "red.mp4", "blue.mp4", "broken.mp4", "still.png"})
+        for (const char* name : {"clip.mp4", "red.mp4", "blue.mp4", "broken.mp4", "still.png", "long.mp4"})
             QVERIFY(
                 collection.insertMediaSlot(++index, MediaSlot(name, std::string("file:///") + name), false));
         collection.findMediaSlot(1)->setInpoint(0.2);
@@ -158,6 +159,7 @@ private Q_SLOTS:
             QVERIFY(m_media.make(TestMedia::colour(QLatin1String(name), 2) + TestMedia::h264(12),
                                  QLatin1String(name) + QStringLiteral(".mp4")));
         QVERIFY(m_media.make(TestMedia::numbered(0.04), QStringLiteral("still.png")));
+        QVERIFY(m_media.make(TestMedia::numbered(9) + TestMedia::h264(25), QStringLiteral("long.mp4")));
         QFile broken(QString::fromStdString(m_media.file("broken.mp4")));
         QVERIFY(broken.open(QIODevice::WriteOnly) && broken.write(QByteArray(4000, 'b')) == 4000);
         Log::setSink([this](LogLevel level, const LogLoc&, std::string_view, std::string_view message) {
@@ -215,6 +217,21 @@ private Q_SLOTS:
         forget();
         QVERIFY2(waitFor([&] { return recorded(previewPath).pictures.size() >= 3; }), "repeats what stands");
         QCOMPARE(numberOn(picture(programPath).get()), 0);
+    }
+
+    void publishesPositionsThatCutToTheirPicture()
+    {
+        QVERIFY(play(previewPath, 6));
+        write(previewPath, "state", Variant::from(std::string("pause")));
+        for (const int frame : {201, 0, 203, 205, 99, 211}) { // as doubles, most fall a hair short
+            QVERIFY(seek(previewPath, frame / 25.0));
+            QVERIFY(waitFor([&] { return pictureNumber(previewPath) == frame; }));
+            const auto shown = [&] {
+                return clocktime::frameNumber(clocktime::fromSeconds(number(previewPath, "mediaPosition")),
+                                              25);
+            };
+            QVERIFY(waitFor([&] { return shown() == frame; }));
+        }
     }
 
     void followsWrites()
@@ -392,9 +409,9 @@ private Q_SLOTS:
         QVERIFY(play(previewPath, 2));
         QVERIFY(invoke(previewPath + "/methods/nextMedia"));
         QCOMPARE(text(previewPath, "media"), slotUrl(3));
-        QVERIFY(play(previewPath, 5));
+        QVERIFY(play(previewPath, 6));
         QVERIFY(invoke(previewPath + "/methods/nextMedia"));
-        QCOMPARE(text(previewPath, "media"), slotUrl(5));
+        QCOMPARE(text(previewPath, "media"), slotUrl(6));
     }
 
     void showsBlackForWhatIsDamaged()

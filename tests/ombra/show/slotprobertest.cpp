@@ -1,0 +1,72 @@
+#include "ombra/show/slotprober.h"
+
+#include "tarn/media/medialibrary.h"
+#include "tests/ombra/liveserver.h"
+#include "tests/support/testmain.h"
+
+#include <QImage>
+
+using namespace vantrel;
+using namespace vantrel::ombra::test;
+
+namespace {
+
+QByteArray json(QByteArray text)
+{
+    return text.replace('\'', '"');
+}
+
+QByteArray addition(const QByteArray& path, const QByteArray& value)
+{
+    return json("[{'op':'add','path':'" + path + "','value':" + value + "}]");
+}
+
+} // namespace
+
+/// A live server that learns what the media of its slots are.
+class SlotProberTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void looksAtWhatAnEditBrings_data()
+    {
+        QTest::addColumn<QByteArray>("edit");
+        QTest::addColumn<bool>("known");
+        const auto row = [](const char* name, const char* path, QByteArray value, const char* file) {
+            value.replace("FILE", file);
+            QTest::newRow(name) << addition(path, value) << (qstrcmp(file, "none.png") != 0);
+        };
+        const QByteArray slot = "{'name':'a','contentUrl':'file:///FILE'}";
+        const QByteArray collections = "{'1':{'name':'C','slots':{'1':" + slot + "}}}";
+        row("a slot", "/collections/1/slots/1", slot, "logo.png");
+        row("a slot without its file", "/collections/1/slots/1", slot, "none.png");
+        row("a collection", "/collections/1", "{'name':'C','slots':{'1':" + slot + "}}", "logo.png");
+        row("all collections", "/collections", collections, "logo.png");
+        row("other media", "/collections/1/slots/2/contentUrl", "'file:///FILE'", "logo.png");
+    }
+
+    void looksAtWhatAnEditBrings()
+    {
+        QFETCH(QByteArray, edit);
+        QFETCH(bool, known);
+        LiveServer live;
+        QVERIFY(live.start());
+        QImage picture(32, 18, QImage::Format_RGB32);
+        picture.fill(Qt::red);
+        QVERIFY(picture.save(live.mediaFolder() + QStringLiteral("/logo.png")));
+        const QByteArray before = "{'collections':{'1':{'name':'one','slots':{'2':{'name':'b',"
+                                  "'contentUrl':'file:///b.mp4','type':'videoFile'}}}},'playlists':{}}";
+        QCOMPARE(live.request("POST", "/medialibrary", json(before)).status, 200);
+        const int status = live.request("PATCH", "/medialibrary", edit).status;
+        QVERIFY2(status == 200 || status == 204, qPrintable(QString::number(status)));
+        // A second one, whose file is there, shows that the first was looked at.
+        live.request("PATCH", "/medialibrary",
+                     addition("/collections/1/slots/9", "{'name':'z','contentUrl':'file:///logo.png'}"));
+        const auto stills = [&] { return live.request("GET", "/collections").body.count("imageFile"); };
+        QVERIFY(live.waitFor([&] { return stills() == (known ? 2 : 1); }));
+    }
+};
+
+HALCYRA_TEST(SlotProberTest)
+#include "slotprobertest.moc"
