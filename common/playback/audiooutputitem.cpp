@@ -24,8 +24,8 @@ AudioOutputItem::AudioOutputItem(QWidget* parent)
     titleRow()->setObjectName(QStringLiteral("titleRow"));
     m_preview = createSwitch(QStringLiteral("previewAudioOutputSwitch"), tr("Audio output of preview"));
     m_program = createSwitch(QStringLiteral("programAudioOutputSwitch"), tr("Audio output of program"));
-    connect(m_preview, &SwitchSelect::selected, this, [this] { onSelectionChanged(Preview); });
-    connect(m_program, &SwitchSelect::selected, this, [this] { onSelectionChanged(Program); });
+    connect(m_preview, &SwitchSelect::selected, this, [this] { onSelectionChanged(PlaybackType::Preview); });
+    connect(m_program, &SwitchSelect::selected, this, [this] { onSelectionChanged(PlaybackType::Program); });
 
     auto* content = new QWidget(this);
     auto* layout = new QFormLayout(content);
@@ -33,7 +33,9 @@ AudioOutputItem::AudioOutputItem(QWidget* parent)
     layout->addRow(new ZTLabel(tr("Program output:"), content), m_program);
     layout->addRow(createMessage());
     setContent(content);
-    followFontSize(this, [this](FontSize size) { setDynamicStyle(this, "container", toString(size)); });
+    if (const Configuration* settings = configuration())
+        connect(settings, &Configuration::optionChanged, this, &AudioOutputItem::onStyleChange);
+    setDynamicStyle(this, "container", toString(currentFontSize()));
 
     const Session* session = Session::instance();
     m_connection = session ? session->connectionProvider() : nullptr;
@@ -126,19 +128,24 @@ void AudioOutputItem::updateMessage()
     m_message->setVisible(m_preview->value().toInt() == dante || m_program->value().toInt() == dante);
 }
 
-void AudioOutputItem::onSelectionChanged(PlaybackViewMode channel)
+void AudioOutputItem::onSelectionChanged(PlaybackType type)
 {
     updateMessage();
     Session* session = Session::instance();
-    const SwitchSelect* chooser = channel == Preview ? m_preview : m_program;
+    const SwitchSelect* chooser = type == PlaybackType::Preview ? m_preview : m_program;
     const auto device = static_cast<AudioPlaybackDevice>(chooser->value().toInt());
-    Object* playback = session->getScene()->findObject(channel == Preview ? "/device/channels/0/preview"
-                                                                          : "/device/channels/0/program");
+    Object* playback = session->getScene()->findObject(std::string("/device/channels/0/") + toStr(type));
     auto command = std::make_unique<SelectAudioDeviceCommand>();
     if (command->initialize(playback, toStr(device)))
         session->executeCommand(command.release());
     else
         qCWarning(lcPlayback) << "Failed to init SelectAudioDeviceCommand";
+}
+
+void AudioOutputItem::onStyleChange(ConfigurationOption option, const QVariant& value)
+{
+    if (option == TEXT_SIZE)
+        setDynamicStyle(this, "container", toString(fontSizeFrom(value)));
 }
 
 void AudioOutputItem::onAddressChanged()

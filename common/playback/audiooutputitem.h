@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/session/configuration.h"
 #include "common/ui/collapse.h"
 #include "tarn/media/enums.h"
 
@@ -25,11 +26,12 @@ public Q_SLOTS:
     void onProgramDataChanged();
     /// Shows the server's address beside the title.
     void onAddressChanged();
+    void onStyleChange(vantrel::ConfigurationOption option, const QVariant& value);
 
 private:
     SwitchSelect* createSwitch(const QString& name, const QString& accessibleName);
     QWidget* createMessage();
-    void onSelectionChanged(PlaybackViewMode channel);
+    void onSelectionChanged(PlaybackType type);
     void showDevice(SwitchSelect* target, const PlaybackModel* model);
     void updateMessage();
 

@@ -13,6 +13,9 @@ namespace vantrel {
 
 namespace {
 
+/// What a still is offered that has no duration of its own yet.
+constexpr double defaultSeconds = 10.0;
+
 ClockTime toClockTime(double seconds)
 {
     constexpr double limit = 1e12;
@@ -61,6 +64,8 @@ DurationEditWidget::DurationEditWidget(QWidget* parent)
 
 void DurationEditWidget::setDurationSeconds(double seconds)
 {
+    if (!(seconds > 0.0))
+        seconds = defaultSeconds;
     if (areEqual(seconds, m_durationSeconds))
         return;
     m_durationSeconds = seconds;

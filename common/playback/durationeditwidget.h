@@ -22,6 +22,7 @@ public:
     explicit DurationEditWidget(QWidget* parent = nullptr);
 
     double durationSeconds() const { return m_durationSeconds; }
+    /// A still that has no duration yet (0) is offered ten seconds.
     void setDurationSeconds(double seconds);
     DurationTypeWidget::DurationType durationType() const;
     void setDurationType(DurationTypeWidget::DurationType type);

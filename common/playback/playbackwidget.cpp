@@ -267,7 +267,7 @@ void PlaybackWidget::applyCell(int column, const QVariant& value)
     case PlaybackModel::OutpointColumn:
         m_endpoints->outpoint()->setTime(seconds);
         m_timecodes->setOutpoint(seconds);
-        m_slider->setOutpoint(seconds);
+        resetEndPoints(); // both: the in point came first, and was limited by the earlier out point
         break;
     case PlaybackModel::DurationColumn:
         m_header->duration()->setTime(seconds);

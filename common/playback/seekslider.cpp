@@ -66,6 +66,8 @@ void SeekSlider::setEnabled(bool enabled)
         endGestures();
     m_enabled = enabled;
     m_handle->setVisible(enabled);
+    if (!enabled)
+        unsetCursor(); // no move of the mouse will bring that about
     update();
 }
 

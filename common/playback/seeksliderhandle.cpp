@@ -26,6 +26,8 @@ QRect SeekSliderHandle::sweetSpot() const
 void SeekSliderHandle::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
+    // Opaque also while disabled: there is nothing below it to shine through.
+    painter.fillRect(rect(), palette().color(QPalette::Window));
     painter.setOpacity(isEnabled() ? 1.0 : disabledOpacity);
     painter.fillRect(rect(),
                      colors::getColor(hasFocus() ? colors::Blue_button_focus : colors::Slate_grey_50));

@@ -6,6 +6,7 @@
 
 #include <QPainter>
 
+#include <algorithm>
 #include <cmath>
 
 namespace vantrel {
@@ -16,6 +17,14 @@ namespace {
 int advanceOf(const QFontMetrics& metrics, QChar c)
 {
     return metrics.horizontalAdvance(c.isDigit() ? QChar(u'0') : c);
+}
+
+/// The rate to count by. A channel without media has none: it counts as at the start, so that the display is
+/// never blank.
+double usableRate(double fps)
+{
+    constexpr double initial = 30.0;
+    return fps > 0.0 && fps < 65535.0 ? fps : initial;
 }
 
 int textWidth(const QFontMetrics& metrics, const QString& text)
@@ -69,14 +78,15 @@ void TimecodeDisplay::updateText()
         setText(TimeUtils::formatClockTime(ns));
         return;
     }
-    const long long frame = TimeUtils::frameNumFromClockTime(ns, m_fps);
+    const double fps = usableRate(m_fps);
+    const long long frame = TimeUtils::frameNumFromClockTime(ns, fps);
     if (m_viewMode == TimecodeViewMode::Frames) {
         setText(QString::number(frame));
         return;
     }
     if (frame > 2147483646 || frame < -2147483646)
         return;
-    const long nominal = m_fps >= 1.0 && m_fps < 65535.0 ? std::lround(m_fps) : 0;
+    const long nominal = std::max(std::lround(fps), 1L);
     const auto type =
         m_viewMode == TimecodeViewMode::NDF ? SmpteTimecodeType::NonDrop : SmpteTimecodeType::DropFrame;
     const SmpteTimecode timecode(type, static_cast<int>(frame), static_cast<unsigned short>(nominal));

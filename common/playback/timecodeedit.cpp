@@ -124,13 +124,14 @@ void TimecodeEdit::setMaxTimecode(ClockTime timecode)
 
 void TimecodeEdit::resetTime(ClockTime timecode, std::size_t decimals, bool force)
 {
+    decimals = std::min<std::size_t>(decimals, 3);
     const ClockTime limited = std::max(std::min(timecode, m_maxTimecode), m_minTimecode);
     if (force || limited != m_timecode) {
         m_timecode = limited;
         Q_EMIT timecodeChanged();
     }
     if (force || decimals != m_decimals) {
-        m_decimals = std::min<std::size_t>(decimals, 3);
+        m_decimals = decimals;
         m_fractionValidator->setTop(static_cast<int>(secondMs / fractionUnit()) - 1);
         m_fields[Fraction].edit->setMaxLength(static_cast<int>(m_decimals));
         Q_EMIT decimalsChanged();

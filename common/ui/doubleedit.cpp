@@ -114,13 +114,21 @@ void DoubleEdit::commitTyping()
     QString typed = text().trimmed();
     if (!m_unit.isEmpty() && typed.endsWith(m_unit))
         typed.chop(m_unit.size());
-    bool ok = false;
-    double number = locale().toDouble(typed.trimmed(), &ok);
-    if (!ok)
-        number = QLocale::c().toDouble(typed.trimmed(), &ok);
-    if (ok)
-        edit(rounded(number, m_decimals));
+    if (const auto number = parsed(typed.trimmed()))
+        edit(rounded(*number, m_decimals));
     showValue();
+}
+
+/// By the locale, else with a point, else with a comma: both stand on keypads everywhere.
+std::optional<double> DoubleEdit::parsed(const QString& text) const
+{
+    bool ok = false;
+    double number = locale().toDouble(text, &ok);
+    if (!ok)
+        number = QLocale::c().toDouble(text, &ok);
+    if (!ok)
+        number = QLocale::c().toDouble(QString(text).replace(u',', u'.'), &ok);
+    return ok && std::isfinite(number) ? std::optional(number) : std::nullopt;
 }
 
 void DoubleEdit::focusInEvent(QFocusEvent* event)

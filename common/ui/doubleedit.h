@@ -4,6 +4,8 @@
 
 #include <QPoint>
 
+#include <optional>
+
 namespace vantrel {
 
 /// A number with a unit in one field: type it, step it with the arrow keys (Shift: ten steps), or drag it
@@ -55,6 +57,7 @@ private:
     void startTyping();
     void commitTyping();
     void showValue();
+    std::optional<double> parsed(const QString& text) const;
     void edit(double value);
 
     double m_value = 0.0;

@@ -1,6 +1,7 @@
 #include "common/ui/mainwindow.h"
 
 #include "common/notification/notificationmanagerimpl.h"
+#include "common/outputs/outputview.h"
 #include "common/playback/playerplaybackview.h"
 #include "common/session/configuration.h"
 #include "common/session/connectionhandler.h"
@@ -29,6 +30,7 @@
 #include "common/ui/statusbar.h"
 
 #include <QApplication>
+#include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLoggingCategory>
 #include <QQuickWidget>
@@ -202,8 +204,13 @@ void MainWindow::addView(int index, const QString& caption, const QString& icon,
 void MainWindow::initOutputView()
 {
     const QString icon = QStringLiteral(":/icons/output.svg");
-    addView(OutputsTab, tr("OUTPUTS"), icon, QStringLiteral("MainNavigationBar-outputs-button"),
-            new PlaceholderView(icon, tr("Video outputs are not part of this version yet."), m_tabs));
+    auto* page = new QWidget(m_tabs);
+    auto* layout = new QHBoxLayout(page);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(new PlaceholderView(icon, tr("Video outputs are not part of this version yet."), page),
+                      1);
+    layout->addWidget(new OutputView(page));
+    addView(OutputsTab, tr("OUTPUTS"), icon, QStringLiteral("MainNavigationBar-outputs-button"), page);
 }
 
 void MainWindow::initFileView()

@@ -3,6 +3,7 @@
 #include "common/media/guimediaslot.h"
 #include "common/media/medialibraryapi.h"
 #include "common/media/medialibraryprovider.h"
+#include "common/outputs/outputview.h"
 #include "common/session/connectionhandler.h"
 #include "common/session/guimapping.h"
 #include "common/session/guioutput.h"
@@ -11,6 +12,8 @@
 #include "common/session/sceneobjectprovider.h"
 #include "common/session/session.h"
 #include "common/session/systemproxy.h"
+#include "common/ui/pushbutton.h"
+#include "common/ui/switchselect.h"
 #include "tarn/scene/scene.h"
 #include "tests/support/ombraprocess.h"
 #include "tests/support/testmain.h"
@@ -46,11 +49,13 @@ public:
         handler.connect(QStringLiteral("127.0.0.1"));
     }
     ~SecondClient() { handler.shutDown(5000); }
-    double volume() const
+    double volume() const { return property("preview/properties/volume").as<double>(); }
+    std::string audioDevice() const { return property("program/properties/audioDevice").asString(); }
+    Variant property(const std::string& path) const
     {
         Variant value;
-        scene->getProperty(scene->find("/device/channels/0/preview/properties/volume"), value);
-        return value.as<double>();
+        scene->getProperty(scene->find("/device/channels/0/" + path), value);
+        return value;
     }
     ConnectionHandler handler;
     Ref<Scene> scene;
@@ -113,6 +118,36 @@ private Q_SLOTS:
         QTRY_COMPARE(second.volume(), 0.25);
         m_session->getQUndoStack()->undo();
         QTRY_COMPARE(second.volume(), 1.0);
+    }
+
+    void choosesAudioDevices()
+    {
+        OutputView view;
+        view.show();
+        auto* program = view.findChild<SwitchSelect*>(QStringLiteral("programAudioOutputSwitch"));
+        QVERIFY(program && !program->isEnabled());
+        QVERIFY(connectAndLoad());
+        QTRY_VERIFY(program->isEnabled());
+        SecondClient second(m_server->ports().link);
+        QTRY_COMPARE(second.audioDevice(), std::string("off"));
+        program->button(int(AudioPlaybackDevice::Dante))->click();
+        QTRY_COMPARE(second.audioDevice(), std::string("dante"));
+        QTRY_VERIFY(view.findChild<QWidget*>(QStringLiteral("danteEnabledMessage"))->isVisible());
+        QCOMPARE(m_session->sceneObjectProvider()->programPlayback()->audioDevice(),
+                 AudioPlaybackDevice::Dante);
+
+        second.handler.sendPatch(PatchOp::invoke(Path("/device/channels/0/program/methods/selectAudioDevice"),
+                                                 {{"device", "xlr"}}));
+        QTRY_COMPARE(program->value().toInt(), int(AudioPlaybackDevice::Xlr));
+        QTRY_VERIFY(!view.findChild<QWidget*>(QStringLiteral("danteEnabledMessage"))->isVisible());
+
+        // The show keeps the choice; without the link nothing can be chosen, and what stands there stays.
+        m_server->stop();
+        QTRY_VERIFY(!program->isEnabled());
+        QCOMPARE(program->value().toInt(), int(AudioPlaybackDevice::Xlr));
+        QVERIFY(m_server->start());
+        QTRY_VERIFY_WITH_TIMEOUT(program->isEnabled(), 20000);
+        QTRY_COMPARE(program->value().toInt(), int(AudioPlaybackDevice::Xlr));
     }
 
     void playsAndShowsThePicture()

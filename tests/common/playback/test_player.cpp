@@ -18,6 +18,7 @@
 #include "common/ui/doubleedit.h"
 #include "common/ui/elidedlabel.h"
 #include "common/ui/switchselect.h"
+#include "tarn/media/medialibrary.h"
 #include "tests/common/playback/playerfixture.h"
 
 #include <QAbstractItemModelTester>
@@ -395,6 +396,47 @@ private Q_SLOTS:
         QVERIFY(message->isVisible());
     }
 
+    void endActionOfAPlayingEntryIsAlsoThePlaylists()
+    {
+        QVERIFY(connectWithLibrary());
+        PlaybackModel* model = m_fixture->peer.session->previewPlaybackModel();
+        QVERIFY(QMetaType::fromName("EndActionMode").isValid());
+        m_fixture->set("preview", "media", quoted("brume://playlists/2/entries/5.1"));
+        m_fixture->set("preview", "sourceMode", "2");
+        QTRY_COMPARE(model->index(0, PlaybackModel::SourceModeColumn).data().toInt(), 2);
+        const auto endAction = model->index(0, PlaybackModel::EndActionColumn);
+        m_fixture->set("preview", "endAction", quoted("pause")); // what the server tells is no edit
+        QTRY_COMPARE(endAction.data().toInt(), 1);
+        m_fixture->part<QAbstractButton>("Preview-PlaybackWidget-Footer-EndAction-repeat-button")->click();
+        QTRY_COMPARE(m_fixture->patches.size(), 1);
+        QVERIFY2(m_fixture->patches.first().contains("/playlists/2/entries/5.1") &&
+                     m_fixture->patches.first().contains("repeat"),
+                 m_fixture->patches.first().constData());
+        QCOMPARE(endAction.data().toInt(), 3);
+
+        // The numbers of the playing entry are put aside from outside, one by one.
+        QVERIFY(model->setData(model->index(0, PlaybackModel::PlaylistNumberColumn), {}));
+        QVERIFY(model->setData(model->index(0, PlaybackModel::EntryAddressColumn), {}));
+        QCOMPARE(model->index(0, PlaybackModel::PlaylistNumberColumn).data().toUInt(), 0u);
+        QCOMPARE(model->index(0, PlaybackModel::EntryAddressColumn).data().toString(), QString());
+    }
+
+    void bothEndPointsMoveAtOnce()
+    {
+        QVERIFY(connectWithLibrary());
+        m_fixture->set("preview", "sourceMode", "1");
+        m_fixture->set("preview", "media", quoted("brume://collections/1/slots/1")); // 1 to 8 of 10 s
+        const auto* slider = m_fixture->part<SeekSlider>("Preview-PlaybackWidget-SeekSlider");
+        QTRY_COMPARE(slider->outpoint(), 8.0);
+        // The new in point lies behind the earlier out point, which is still there when it comes.
+        MediaLibrary* library = m_fixture->peer.session->mediaLibraryProvider()->mediaLibrary();
+        library->findSlot(1, 1)->setInpoint(8.5);
+        library->findSlot(1, 1)->setOutpoint(9.5);
+        m_fixture->peer.session->mediaLibraryProvider()->onSlotChanged({1, 1});
+        QTRY_COMPARE(slider->outpoint(), 9.5);
+        QCOMPARE(slider->inpoint(), 8.5);
+    }
+
     void modelJoinsSceneAndLibrary()
     {
         QVERIFY(connectWithLibrary());
@@ -419,7 +461,7 @@ private Q_SLOTS:
                      4.0); // the duration where no out point is
         QCOMPARE(cell(PlaybackModel::PlaylistNumberColumn).toUInt(), 0u);
 
-        QVERIFY(model->setData(model->index(0, PlaybackModel::EndActionColumn), 3));
+        QVERIFY(model->setData(model->index(0, PlaybackModel::EndActionColumn), 3)); // a slot has none
         QCOMPARE(m_fixture->peer.session->sceneObjectProvider()->previewPlayback()->endAction(),
                  EndAction::Repeat);
         QVERIFY(model->setData(model->index(0, PlaybackModel::InpointColumn), 1.5));

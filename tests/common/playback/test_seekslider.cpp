@@ -250,10 +250,102 @@ private Q_SLOTS:
         QCOMPARE(slider.playheadPixel(), 206);
     }
 
+    void durationMayChangeUnderADrag()
+    {
+        Slider slider;
+        QSignalSpy out(&slider, &SeekSlider::outpointSet);
+        slider.press(8.0);
+        slider.drag(9.0);
+        slider.setDuration(4.0); // another file stands there now
+        slider.setOutpoint(4.0);
+        slider.setInpoint(2.0);
+        slider.drag(3.0);
+        slider.release(3.0);
+        QCOMPARE(out.size(), 1);
+        QCOMPARE(slider.outpoint(), 3.0);
+        QCOMPARE(slider.position(), 3.0);
+        slider.setDuration(0.0); // and then none at all
+        slider.setOutpoint(0.0);
+        slider.setInpoint(0.0);
+        slider.setPosition(0.0);
+        QCOMPARE(slider.playheadPixel(), 6);
+        slider.press(5.0); // the marks share a place: the playhead cannot be taken
+        slider.release(5.0);
+        QCOMPARE(slider.outpoint(), 0.0);
+    }
+
+    void markersDoNotPassEachOther_data()
+    {
+        QTest::addColumn<double>("from");
+        QTest::addColumn<double>("to");
+        QTest::addColumn<double>("inpoint");
+        QTest::addColumn<double>("outpoint");
+        QTest::newRow("in") << 2.0 << 9.0 << 8.0 << 8.0;
+        QTest::newRow("out") << 8.0 << 1.0 << 2.0 << 2.0;
+    }
+    void markersDoNotPassEachOther()
+    {
+        QFETCH(double, from);
+        QFETCH(double, to);
+        Slider slider;
+        QSignalSpy start(&slider, &SeekSlider::seekStarting);
+        QSignalSpy end(&slider, &SeekSlider::seekEnding);
+        slider.press(from);
+        slider.drag(to);
+        slider.release(to);
+        QTEST(slider.inpoint(), "inpoint");
+        QTEST(slider.outpoint(), "outpoint");
+        QCOMPARE(start.size(), 1); // the playhead was pushed along
+        QCOMPARE(end.size(), 1);
+    }
+
+    void badTimesLeaveItInItsRange_data()
+    {
+        QTest::addColumn<double>("seconds");
+        QTest::newRow("negative") << -5.0;
+        QTest::newRow("no number") << std::numeric_limits<double>::quiet_NaN();
+        QTest::newRow("endless") << std::numeric_limits<double>::infinity();
+        QTest::newRow("endlessly negative") << -std::numeric_limits<double>::infinity();
+        QTest::newRow("huge") << 1e300;
+    }
+    void badTimesLeaveItInItsRange()
+    {
+        QFETCH(double, seconds);
+        Slider slider;
+        slider.setPosition(seconds);
+        QVERIFY(slider.position() >= 2.0 && slider.position() <= 8.0);
+        slider.setInpoint(seconds);
+        slider.setOutpoint(seconds);
+        slider.setInTransition(seconds);
+        slider.setOutTransition(seconds);
+        QVERIFY(slider.inpoint() >= 0.0 && slider.inpoint() <= slider.outpoint());
+        QVERIFY(slider.outpoint() <= 10.0);
+        QVERIFY(!slider.grab().isNull());
+        slider.setDuration(seconds);
+        slider.setPosition(seconds);
+        QVERIFY(slider.playheadPixel() >= 0 && slider.playheadPixel() < slider.width());
+    }
+
+    void disabledHandlePaintsTheSameEachTime()
+    {
+        Slider slider;
+        slider.setSeekBarEnabled(false);
+        QWidget* handle = slider.part("playhead");
+        QImage canvas(handle->size(), QImage::Format_RGB32);
+        canvas.fill(Qt::magenta); // whatever stood there before
+        handle->render(&canvas, {}, {}, {});
+        const QColor once = canvas.pixelColor(2, 10);
+        handle->render(&canvas, {}, {}, {});
+        QCOMPARE(canvas.pixelColor(2, 10), once);
+    }
+
     void disabledDoesNothing()
     {
         Slider slider;
+        slider.drag(4.0);
+        QCOMPARE(slider.cursor().shape(), Qt::PointingHandCursor);
         slider.SeekSlider::setEnabled(false);
+        QCOMPARE(slider.cursor().shape(), Qt::ArrowCursor);
         QSignalSpy start(&slider, &SeekSlider::seekStarting);
         QSignalSpy in(&slider, &SeekSlider::inpointSet);
         slider.press(5.0);

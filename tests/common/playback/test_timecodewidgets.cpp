@@ -7,6 +7,8 @@
 #include "common/ui/ztlabel.h"
 #include "tests/support/testmain.h"
 
+#include <QClipboard>
+#include <QGuiApplication>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QStackedWidget>
@@ -31,6 +33,9 @@ private Q_SLOTS:
         QTest::newRow("ndf") << 2 << 2.48 << 25.0 << "00:00:02:12";
         QTest::newRow("drop at 29.97") << 3 << 60.06007 << 29.97 << "00:01:00;02";
         QTest::newRow("nominal rate of 23.976 is 24") << 2 << 1.0428 << 23.976 << "00:00:01:01";
+        QTest::newRow("no rate counts as at the start") << 2 << 2.5 << 0.0 << "00:00:02:15";
+        QTest::newRow("a bad rate likewise") << 1 << 2.0 << std::numeric_limits<double>::quiet_NaN() << "60";
+        QTest::newRow("less than one picture a second") << 2 << 9.0 << 0.25 << "00:00:02:0";
         QTest::newRow("another mode counts as drop") << 7 << 60.06007 << 29.97 << "00:01:00;02";
     }
     void displayFollowsTheOption()
@@ -168,6 +173,47 @@ private Q_SLOTS:
         QCOMPARE(edited.size(), 0);
     }
 
+    void pastedRubbishChangesNothing_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::newRow("letters") << "rubbish";
+        QTest::newRow("a whole time") << "00:12:34.5";
+        QTest::newRow("out of range") << "75";
+        QTest::newRow("a sign") << "-4";
+        QTest::newRow("very much") << QString(100000, u'x');
+        QTest::newRow("lines") << "1\n2";
+    }
+    void pastedRubbishChangesNothing()
+    {
+        QFETCH(QString, text);
+        TimecodeEdit edit;
+        edit.setTimecode(30000);
+        ZTEdit* input = open(edit, TimecodeEdit::Seconds);
+        QVERIFY(input);
+        QGuiApplication::clipboard()->setText(text);
+        input->paste();
+        if (input->isVisible())
+            QTest::keyClick(input, Qt::Key_Return);
+        const ClockTime seconds = edit.timecode() / 1000;
+        QVERIFY2(seconds == 30 || (seconds >= 0 && seconds < 60 && edit.timecode() % 1000 == 0),
+                 qPrintable(QString::number(edit.timecode())));
+    }
+
+    void emptyFieldIsNotTaken()
+    {
+        TimecodeEdit edit;
+        edit.setTimecode(30000);
+        QSignalSpy edited(&edit, &TimecodeEdit::timecodeEdited);
+        ZTEdit* input = open(edit, TimecodeEdit::Seconds);
+        QVERIFY(input);
+        QTest::keyClick(input, Qt::Key_Backspace);
+        QTest::keyClick(input, Qt::Key_Return);
+        QVERIFY(input->isVisible()); // still to be filled
+        QTest::keyClick(input, Qt::Key_Escape);
+        QCOMPARE(edit.timecode(), ClockTime{30000});
+        QCOMPARE(edited.size(), 0);
+    }
+
     void tabGoesOnToTheNextField()
     {
         TimecodeEdit edit;
@@ -203,6 +249,20 @@ private Q_SLOTS:
         QTest::mouseClick(infinite, Qt::LeftButton);
         QCOMPARE(duration.durationType(), DurationTypeWidget::Infinite);
         QCOMPARE(edited.size(), 2);
+    }
+
+    void untimedStillsAreOfferedTenSeconds()
+    {
+        DurationEditWidget duration;
+        QSignalSpy edited(&duration, &DurationEditWidget::durationEdited);
+        duration.show();
+        duration.setDurationSeconds(3.0);
+        duration.setDurationSeconds(0.0); // the next media
+        QCOMPARE(duration.findChild<TimecodeEdit*>()->timecode(), ClockTime{10000});
+        duration.setObjectNames(QStringLiteral("D"));
+        duration.findChild<QPushButton*>(QStringLiteral("D-Input-manual-duration-button"))->click();
+        QCOMPARE(edited.size(), 1);
+        QCOMPARE(duration.durationSeconds(), 10.0); // what the field says is what is told
     }
 
     void durationsEqualUpToNoise()

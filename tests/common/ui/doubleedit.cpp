@@ -25,6 +25,9 @@ private Q_SLOTS:
         QTest::newRow("below the range") << "-3" << 0.0;
         QTest::newRow("rounded to the decimals") << "1.27" << 1.3;
         QTest::newRow("with its unit") << "4 s" << 4.0;
+        QTest::newRow("with a comma") << "2,5" << 2.5;
+        QTest::newRow("no finite number") << "inf" << 1.0;
+        QTest::newRow("no number at all") << "nan" << 1.0;
         QTest::newRow("nonsense keeps the value") << "abc" << 1.0;
         QTest::newRow("nothing keeps the value") << "" << 1.0;
     }

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "common/session/configuration.h"
+#include "common/ui/ztframe.h"
+
+namespace vantrel {
+
+/// The column of the OUTPUTS tab in which the server's outputs are set: so far those of the sound. Owned by
+/// the main window; main thread.
+class OutputView : public ZTFrame
+{
+    Q_OBJECT
+
+public:
+    explicit OutputView(QWidget* parent = nullptr);
+
+public Q_SLOTS:
+    void onStyleChange(vantrel::ConfigurationOption option, const QVariant& value);
+
+private:
+    void setTextSize(FontSize size);
+};
+
+} // namespace vantrel
