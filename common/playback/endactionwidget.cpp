@@ -1,7 +1,7 @@
 #include "common/playback/endactionwidget.h"
 
+#include "common/playback/endactionbutton.h"
 #include "common/playback/playbacklogging.h"
-#include "common/ui/iconbutton.h"
 
 #include <QButtonGroup>
 #include <QEvent>
@@ -45,10 +45,8 @@ EndActionWidget::EndActionWidget(QWidget* parent)
     layout->setSpacing(2);
     for (const EndActionSpec& spec : specs) {
         const QString icon = QStringLiteral(":/icons/") + QLatin1String(spec.icon);
-        auto* button = new IconButton(this);
-        button->setToggleIcons(icon + QStringLiteral(".svg"), icon + QStringLiteral("_off.svg"));
-        button->setToolTip(tr(spec.tip));
-        button->setAccessibleName(tr(spec.tip));
+        auto* button = new EndActionButton(icon + QStringLiteral("_off.svg"), icon + QStringLiteral(".svg"),
+                                           tr(spec.tip), this);
         m_group->addButton(button, static_cast<int>(spec.action));
         layout->addWidget(button);
     }
@@ -64,9 +62,9 @@ void EndActionWidget::populateButtonToEndActionMap()
         m_buttonToEndAction.insert(button, m_group->id(button));
 }
 
-IconButton* EndActionWidget::button(int endAction) const
+EndActionButton* EndActionWidget::button(int endAction) const
 {
-    return static_cast<IconButton*>(m_group->button(endAction));
+    return static_cast<EndActionButton*>(m_group->button(endAction));
 }
 
 void EndActionWidget::setObjectNames(const QString& base)
@@ -89,7 +87,7 @@ void EndActionWidget::setEndAction(int endAction)
     if (endAction == m_endAction)
         return;
     m_endAction = endAction;
-    if (IconButton* checked = button(endAction))
+    if (EndActionButton* checked = button(endAction))
         checked->setChecked(true);
     Q_EMIT endActionChanged();
 }
@@ -125,6 +123,19 @@ void EndActionWidget::updateButtonEnabledState()
     default:
         setEnabled(false);
         break;
+    }
+    updateReasons();
+}
+
+void EndActionWidget::updateReasons()
+{
+    for (QAbstractButton* each : m_group->buttons()) {
+        QString reason;
+        if (m_endActionMode != PlaybackModel::DISABLED && !isEnabled())
+            reason = tr("This media has no end.");
+        else if (m_endActionMode == PlaybackModel::SLOT && !each->isEnabled())
+            reason = tr("Only while a playlist plays.");
+        static_cast<EndActionButton*>(each)->setReason(reason);
     }
 }
 

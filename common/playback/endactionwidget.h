@@ -11,7 +11,7 @@ class QButtonGroup;
 
 namespace vantrel {
 
-class IconButton;
+class EndActionButton;
 
 /// What the channel does at the end of its media. Which of the five can be chosen depends on whether a
 /// playlist entry or a single slot plays. Owned by PlaybackWidgetFooter; main thread.
@@ -52,7 +52,8 @@ protected:
 
 private:
     void populateButtonToEndActionMap();
-    IconButton* button(int endAction) const;
+    EndActionButton* button(int endAction) const;
+    void updateReasons();
 
     QButtonGroup* m_group;
     QHash<QAbstractButton*, int> m_buttonToEndAction;

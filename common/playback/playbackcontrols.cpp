@@ -184,22 +184,22 @@ void PlaybackControls::handleStop()
 
 void PlaybackControls::handleSeekInpoint()
 {
-    invoke(QStringLiteral("seekInpoint"), tr("Seek inpoint"));
+    invoke(QStringLiteral("seekInpoint"), tr("Seek inpoint"), "seek inpoint");
 }
 
 void PlaybackControls::handleSeekOutpoint()
 {
-    invoke(QStringLiteral("seekOutpoint"), tr("Seek outpoint"));
+    invoke(QStringLiteral("seekOutpoint"), tr("Seek outpoint"), "seekOutpoint");
 }
 
 void PlaybackControls::handlePrevious()
 {
-    invoke(QStringLiteral("prevMedia"), tr("Previous"));
+    invoke(QStringLiteral("prevMedia"), tr("Previous"), "prevMedia");
 }
 
 void PlaybackControls::handleNext()
 {
-    invoke(QStringLiteral("nextMedia"), tr("Next"));
+    invoke(QStringLiteral("nextMedia"), tr("Next"), "nextMedia");
 }
 
 void PlaybackControls::handlePrevFrame()
@@ -239,12 +239,11 @@ void PlaybackControls::handleSeekEnding()
         handlePause();
 }
 
-void PlaybackControls::invoke(const QString& method, const QString& text)
+void PlaybackControls::invoke(const QString& method, const QString& text, const char* logName)
 {
     auto command = std::make_unique<InvokeMethodCommand>();
     if (!command->init(m_object.get(), method, {})) {
-        const QString name = method.startsWith(QLatin1String("seek")) ? text.toLower() : method;
-        qCWarning(lcPlayback).noquote() << "Failed to init" << name;
+        qCWarning(lcPlayback) << "Failed to init" << logName;
         return;
     }
     command->setText(text);

@@ -68,7 +68,7 @@ Q_SIGNALS:
 private:
     enum Button { SetIn, SeekIn, Previous, Pause, Play, Stop, Next, SeekOut, SetOut, ButtonCount };
 
-    void invoke(const QString& method, const QString& text);
+    void invoke(const QString& method, const QString& text, const char* logName);
     void step(int frames);
     void push(std::unique_ptr<AbstractSessionCommand> command);
     std::array<IconButton*, 4> seekButtons() const;

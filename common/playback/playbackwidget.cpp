@@ -4,6 +4,7 @@
 #include "common/media/defaultresourcestatusprovider.h"
 #include "common/media/mediadataaggregator.h"
 #include "common/media/playbackmodel.h"
+#include "common/playback/channelhint.h"
 #include "common/playback/durationeditwidget.h"
 #include "common/playback/endactionwidget.h"
 #include "common/playback/endpointtimecodes.h"
@@ -30,6 +31,7 @@
 #include "tarn/scene/scene.h"
 
 #include <QEvent>
+#include <QMouseEvent>
 #include <QVBoxLayout>
 
 namespace vantrel {
@@ -74,6 +76,7 @@ void PlaybackWidget::createChildren()
 {
     m_header = new PlaybackWidgetHeader(m_viewMode, this);
     m_preview = new PlaybackPreview(this);
+    m_hint = new ChannelHint(m_viewMode, m_preview);
     m_timecodes = new PlaybackTimecodes(this);
     m_endpoints = new EndpointTimecodes(this);
     m_slider = new SeekSlider(this);
@@ -141,6 +144,7 @@ void PlaybackWidget::nameChildren()
     setObjectName(prefix.chopped(1));
     m_slider->setObjectNames(prefix + QStringLiteral("SeekSlider"));
     m_preview->setObjectName(prefix + QStringLiteral("PreviewWidget"));
+    m_hint->setObjectName(prefix + QStringLiteral("Hint"));
     m_timecodes->setObjectNames(prefix + QStringLiteral("PlaybackTimecodes"));
     m_endpoints->setObjectNames(prefix + QStringLiteral("EndpointTimecodes"));
     m_footer->setObjectNames(prefix + QStringLiteral("Footer"));
@@ -302,6 +306,11 @@ void PlaybackWidget::handleInpointSet(double seconds)
 void PlaybackWidget::handleOutpointSet(double seconds)
 {
     m_model->setData(m_model->index(0, PlaybackModel::OutpointColumn), seconds, Qt::EditRole);
+}
+
+void PlaybackWidget::mousePressEvent(QMouseEvent* event)
+{
+    event->accept(); // it gave the channel the focus, which the window would take away again
 }
 
 bool PlaybackWidget::eventFilter(QObject* watched, QEvent* event)

@@ -12,6 +12,7 @@
 
 namespace vantrel {
 
+class ChannelHint;
 class DefaultResourceStatusProvider;
 class DurationEditWidget;
 class EndpointTimecodes;
@@ -57,8 +58,8 @@ public:
     void resetEndPoints();
     /// Null while nothing plays or the metadata has not come yet.
     std::shared_ptr<MediaMetadata> getMediaMetadata() const;
-    /// The slot behind what plays; empty when there is none.
-    QString getPlayedSlotUrl() const;
+    /// The brume URL of the slot behind what plays; empty when there is none.
+    QUrl getPlayedSlotUrl() const;
 
     void setColumnStep(ColumnStep step);
     /// The height, in pixels, that holds a picture so high and all around it at the present text size.
@@ -98,6 +99,7 @@ Q_SIGNALS:
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
 
 private:
     bool isPreview() const { return m_viewMode == Preview; }
@@ -120,6 +122,7 @@ private:
     ColumnStep m_step = ColumnStep::Wide;
     PlaybackWidgetHeader* m_header = nullptr;
     PlaybackPreview* m_preview = nullptr;
+    ChannelHint* m_hint = nullptr;
     PlaybackTimecodes* m_timecodes = nullptr;
     EndpointTimecodes* m_endpoints = nullptr;
     SeekSlider* m_slider = nullptr;

@@ -69,7 +69,7 @@ void PlaybackWidgetFooter::setObjectNames(const QString& base)
     setObjectName(base);
     m_volume->setObjectName(base + QStringLiteral("-Volume"));
     m_levels->setObjectName(base + QStringLiteral("-Levels"));
-    m_popup->setObjectName(base + QStringLiteral("-VolumePopup"));
+    m_popup->setObjectNames(base + QStringLiteral("-VolumePopup"));
     m_endAction->setObjectNames(base + QStringLiteral("-EndAction"));
 }
 

@@ -10,6 +10,7 @@
 #include "common/media/mediautils.h"
 #include "common/media/playbackmodel.h"
 #include "common/media/playlistprovider.h"
+#include "common/playback/channelhint.h"
 #include "common/playback/durationeditwidget.h"
 #include "common/playback/endactionwidget.h"
 #include "common/playback/endpointtimecodes.h"
@@ -28,6 +29,7 @@
 #include "common/session/signalrelay.h"
 #include "tarn/media/medialibrary.h"
 #include "tarn/media/mediametadata.h"
+#include "tarn/media/playlistentry.h"
 
 namespace vantrel {
 
@@ -68,6 +70,7 @@ void PlaybackWidget::updateMediaAddress()
     } else {
         Q_EMIT mediaAddressPlaylist(-1);
     }
+    m_hint->setVisible(m_mediaAddress.isEmpty());
     if (!MediaUtils::isMediaAddress(m_mediaAddress)) {
         setHasValidMedia(false);
         clearMediaState();
@@ -168,17 +171,17 @@ void PlaybackWidget::refreshPlaybackControls()
     m_durationEdit->setDurationSeconds(slot ? slot->duration() : 0.0);
 }
 
-QString PlaybackWidget::getPlayedSlotUrl() const
+QUrl PlaybackWidget::getPlayedSlotUrl() const
 {
     const QString media = m_playback ? m_playback->media() : QString();
     if (media.isEmpty())
         return {};
     switch (m_playback->sourceMode()) {
     case SourceMode::Slot:
-        return media;
+        return QUrl(media);
     case SourceMode::Playlist: {
-        const auto slot = m_playback->playingSlot();
-        return slot ? MediaUtils::toSlotAddress(slot->address()) : QString();
+        const auto [entry, slot] = Session::instance()->mediaLibrary()->findEntryAndSlot(media.toStdString());
+        return slot ? QUrl(QString::fromStdString(entry->getMediaUrl())) : QUrl();
     }
     default:
         return {};
@@ -193,9 +196,9 @@ void PlaybackWidget::handleDurationChanged()
         return;
     }
     const double seconds = m_durationEdit->durationSeconds();
-    const QString url = getPlayedSlotUrl();
+    const QUrl url = getPlayedSlotUrl();
     qCDebug(lcPlayback) << "Requested changing new duration" << seconds << "s for" << url;
-    const media::ColSlot slot = MediaUtils::parseSlotAddress(url);
+    const media::ColSlot slot = MediaUtils::parseSlotAddress(QString::fromUtf8(url.toEncoded()));
     if (!slot.valid) {
         qCWarning(lcPlayback) << "Unable to get slot from played media" << m_mediaAddress;
         return;

@@ -22,6 +22,7 @@
 #include "tarn/scene/object.h"
 #include "tarn/scene/scene.h"
 
+#include <QApplication>
 #include <QHBoxLayout>
 #include <QMap>
 #include <QStackedWidget>
@@ -134,19 +135,19 @@ QWidget* PlayerPlaybackView::createEmptyState()
 QWidget* PlayerPlaybackView::createChannelArea()
 {
     auto* page = new QWidget(this);
-    m_lostNotice = new ZTLabel(tr("Connection lost. What you see is the last known state."), page);
+    m_lostNotice = new ZTLabel(page);
     m_lostNotice->setStyleClass(QStringLiteral("error"));
     m_lostNotice->setAlignment(Qt::AlignCenter);
     m_lostNotice->hide();
-    auto* channels = new QWidget(page);
-    auto* channelLayout = new QVBoxLayout(channels);
+    m_channels = new QWidget(page);
+    auto* channelLayout = new QVBoxLayout(m_channels);
     channelLayout->setContentsMargins(0, 0, 0, 0);
     m_mapper->setLayout(channelLayout);
 
     auto* layout = new QVBoxLayout(page);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(m_lostNotice);
-    layout->addWidget(channels, 1);
+    layout->addWidget(m_channels, 1);
     return page;
 }
 
@@ -154,7 +155,8 @@ void PlayerPlaybackView::connectSession()
 {
     const Session* session = Session::instance();
     connect(session, &Session::connected, this, &PlayerPlaybackView::updateState);
-    connect(session, &Session::disconnected, this, &PlayerPlaybackView::updateState);
+    connect(session, &Session::disconnected, this, [this] { setStale(true); });
+    connect(session, &Session::sceneLoaded, this, [this] { setStale(false); });
     connect(session->signalRelay(), &SignalRelay::directPlay, this,
             &PlayerPlaybackView::handleMediaDirectPlay);
 }
@@ -175,6 +177,17 @@ void PlayerPlaybackView::onWidgetAdded(QWidget* widget, const QModelIndex& index
     updateState();
 }
 
+void PlayerPlaybackView::setStale(bool stale)
+{
+    m_isStale = stale;
+    // Nowhere rather than to the next that is enabled, for which the keys under the hand were not meant.
+    QWidget* focused = QApplication::focusWidget();
+    if (stale && focused && m_channels->isAncestorOf(focused))
+        focused->clearFocus();
+    m_channels->setEnabled(!stale);
+    updateState();
+}
+
 void PlayerPlaybackView::updateState()
 {
     const bool isConnected = Session::instance()->isConnected();
@@ -182,7 +195,9 @@ void PlayerPlaybackView::updateState()
     m_emptyHint->setText(isConnected ? tr("The server has not told of a channel yet.")
                                      : tr("Choose \"Connect to server...\" in the menu, or click "
                                           "\"Disconnected\" below, to see its channels."));
-    m_lostNotice->setVisible(!isConnected);
+    m_lostNotice->setText(isConnected ? tr("Connected again. Reading the state of the server.")
+                                      : tr("Connection lost. What you see is the last known state."));
+    m_lostNotice->setVisible(m_isStale);
     m_stack->setCurrentIndex(m_channelCount > 0 ? 1 : 0);
 }
 

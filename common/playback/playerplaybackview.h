@@ -43,6 +43,7 @@ private:
     void connectSession();
     void onWidgetAdded(QWidget* widget, const QModelIndex& index);
     void updateState();
+    void setStale(bool stale);
 
     WidgetMapper* m_mapper;
     ZTSplitter* m_splitter;
@@ -50,9 +51,11 @@ private:
     ZTLabel* m_emptyTitle = nullptr;
     ZTLabel* m_emptyHint = nullptr;
     ZTLabel* m_lostNotice = nullptr;
+    QWidget* m_channels = nullptr;
     PlayerKeys* m_keys = nullptr; // none where there are no hotkeys
     int m_channelCount = 0;
     bool m_dividedByHand = false;
+    bool m_isStale = false; // from the loss of the server until its state has come anew
 };
 
 } // namespace vantrel

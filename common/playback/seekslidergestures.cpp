@@ -223,4 +223,11 @@ void SeekSlider::hideEvent(QHideEvent* event)
     QWidget::hideEvent(event);
 }
 
+void SeekSlider::changeEvent(QEvent* event)
+{
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::EnabledChange && !isEnabled())
+        endGestures(); // the same
+}
+
 } // namespace vantrel

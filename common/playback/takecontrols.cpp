@@ -63,9 +63,12 @@ TakeControls::TakeControls(QWidget* parent)
     restoreButtonStates();
 
     connect(m_takeButton, &QPushButton::clicked, this, &TakeControls::handleTake);
-    for (const QButtonGroup* group : {m_fromGroup, m_transitionGroup, m_presetGroup})
+    for (const QButtonGroup* group : {m_fromGroup, m_transitionGroup, m_presetGroup}) {
         connect(group, &QButtonGroup::buttonClicked, this, &TakeControls::handleButtonChanged);
+        connect(group, &QButtonGroup::idToggled, this, &TakeControls::updateSummary);
+    }
     connect(m_duration, &DoubleEdit::valueChanged, this, &TakeControls::handleDurationChanged);
+    connect(m_duration, &QLineEdit::returnPressed, m_duration, [this] { m_duration->clearFocus(); });
 }
 
 TakeControls::~TakeControls() = default;
@@ -101,6 +104,11 @@ void TakeControls::createControls()
     m_duration->setAccessibleName(tr("Take transition duration"));
     m_duration->setToolTip(tr("Take transition duration can be specified from 0.0 to 10.0 seconds.\n"
                               "Duration does not apply to direct cut."));
+    m_summary = new ZTLabel(this);
+    m_summary->setObjectName(QStringLiteral("TakeControls-Summary"));
+    m_summary->setStyleClass(QStringLiteral("caption"));
+    m_summary->setAlignment(Qt::AlignCenter);
+    m_summary->setWordWrap(true);
     m_presetLabel = new ZTLabel(tr("PRW on Take:"), this);
     m_presetLabel->setStyleClass(QStringLiteral("dim"));
     m_swap = makePreset(tr("Swap"), QStringLiteral("TakeControls-Swap-Button"),
@@ -137,6 +145,7 @@ void TakeControls::layOut()
     layout->addSpacing(spacing::normal);
     layout->addLayout(makeRow({m_fromInpoint, m_fromCurrent}));
     layout->addLayout(makeRow({m_directCut, m_crossfade, m_dip}));
+    layout->addWidget(m_summary);
     layout->addWidget(m_duration);
     layout->addSpacing(spacing::normal);
     layout->addWidget(m_presetLabel);
@@ -149,6 +158,7 @@ void TakeControls::setColumnStep(ColumnStep step)
 {
     m_step = step;
     m_takeButton->setColumnStep(step);
+    m_summary->setVisible(step == ColumnStep::Wide);
     for (IconButton* button : {m_fromInpoint, m_fromCurrent, m_directCut, m_crossfade, m_dip})
         button->setSizes(takeOptionSizes(step));
     m_presetLayout->setDirection(step == ColumnStep::Wide ? QBoxLayout::LeftToRight
@@ -213,11 +223,25 @@ void TakeControls::setObject(Object* object, Scene* scene)
     saveButtonStates();
     m_object = Ref<Object>(object);
     m_scene = scene;
-    if (Object* program = object ? object->findChildByName("program", false) : nullptr) {
-        m_propertiesMapper->setObject(scene, program);
+    Object* program = object ? object->findChildByName("program", false) : nullptr;
+    m_propertiesMapper->setObject(program ? scene : nullptr, program);
+    if (program)
         m_propertiesMapper->addMapping(QStringLiteral("takeProgress"), m_takeButton, "takeProgress");
-    }
+    else
+        m_takeButton->setTakeProgress(0.0);
     restoreButtonStates();
+}
+
+void TakeControls::updateSummary()
+{
+    QString transition = tr("Crossfade");
+    if (m_directCut->isChecked())
+        transition = tr("Direct cut");
+    else if (m_dip->isChecked())
+        transition = tr("Dip to color");
+    const QString from = m_fromCurrent->isChecked() ? tr("from position") : tr("from in point");
+    m_summary->setText(transition + u'\n' + from);
+    m_takeButton->setAccessibleDescription(transition + u' ' + from);
 }
 
 void TakeControls::updateDurationEditReadOnlyState()
@@ -263,6 +287,7 @@ void TakeControls::restoreButtonStates()
     setTakePreset(preset.toBool());
     setTakeDuration(duration.toDouble());
     updateDurationEditReadOnlyState();
+    updateSummary();
 }
 
 void TakeControls::handleTake()

@@ -61,6 +61,8 @@ public Q_SLOTS:
 
 private:
     void createControls();
+    /// Says in words what the chosen icons stand for.
+    void updateSummary();
     void layOut();
 
     PropertiesMapper* m_propertiesMapper;
@@ -71,6 +73,7 @@ private:
     IconButton* m_crossfade = nullptr;
     IconButton* m_dip = nullptr;
     DoubleEdit* m_duration = nullptr;
+    ZTLabel* m_summary = nullptr;
     ZTLabel* m_presetLabel = nullptr;
     QBoxLayout* m_presetLayout = nullptr;
     PushButton* m_swap = nullptr;

@@ -7,6 +7,7 @@
 #include <QHBoxLayout>
 #include <QIntValidator>
 #include <QKeyEvent>
+#include <QMouseEvent>
 #include <QStackedWidget>
 #include <QTimer>
 
@@ -93,6 +94,8 @@ void TimecodeEdit::setObjectNames(const QString& base)
     m_fields[Minutes].edit->setObjectName(base + QStringLiteral("-Minutes"));
     m_fields[Seconds].edit->setObjectName(base + QStringLiteral("-Seconds"));
     m_fields[Fraction].edit->setObjectName(base + QStringLiteral("-Fraction"));
+    for (const ValueWidgets& field : std::as_const(m_fields))
+        field.label->setObjectName(field.edit->objectName() + QStringLiteral("Label"));
 }
 
 void TimecodeEdit::setTimecode(const ClockTime& timecode)
@@ -265,6 +268,11 @@ void TimecodeEdit::changeEvent(QEvent* event)
         for (auto field = m_fields.cbegin(); field != m_fields.cend(); ++field)
             setEditMode(field.key(), m_editing == field.key());
     });
+}
+
+void TimecodeEdit::mousePressEvent(QMouseEvent* event)
+{
+    event->accept(); // it gave the focus, which the window would take away again
 }
 
 void TimecodeEdit::keyPressEvent(QKeyEvent* event)

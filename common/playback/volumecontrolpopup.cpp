@@ -38,6 +38,12 @@ VolumeControlPopup::VolumeControlPopup(QWidget* parent)
     setSize(currentFontSize());
 }
 
+void VolumeControlPopup::setObjectNames(const QString& base)
+{
+    setObjectName(base);
+    m_slider->setObjectName(base + QStringLiteral("-Slider"));
+}
+
 void VolumeControlPopup::setVolume(double volume)
 {
     if (volume == m_volume)
@@ -94,6 +100,14 @@ void VolumeControlPopup::showEvent(QShowEvent* event)
     ZTFrame::showEvent(event);
     setSize(m_fontSize);
     m_slider->setFocus(Qt::PopupFocusReason);
+}
+
+void VolumeControlPopup::changeEvent(QEvent* event)
+{
+    ZTFrame::changeEvent(event);
+    // Disabled, it would keep the mouse to itself and hear no click that closes it.
+    if (event->type() == QEvent::EnabledChange && !isEnabled())
+        hide();
 }
 
 void VolumeControlPopup::paintEvent(QPaintEvent*)

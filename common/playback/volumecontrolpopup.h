@@ -22,6 +22,8 @@ public:
     void setVolume(double volume);
     VolumeSlider* slider() const { return m_slider; }
     void setSize(FontSize size);
+    /// base for this widget, base + "-Slider" for the fader.
+    void setObjectNames(const QString& base) override;
 
 public Q_SLOTS:
     void onStyleChange(vantrel::ConfigurationOption option, const QVariant& value);
@@ -31,6 +33,7 @@ Q_SIGNALS:
 
 protected:
     void showEvent(QShowEvent* event) override;
+    void changeEvent(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
 private:

@@ -163,7 +163,8 @@ void DoubleEdit::keyPressEvent(QKeyEvent* event)
     case Qt::Key_Enter:
         commitTyping();
         ZTEdit::keyPressEvent(event);
-        startTyping();
+        if (hasFocus()) // who listens may have taken it
+            startTyping();
         return;
     case Qt::Key_Escape:
         if (m_typing && text() != locale().toString(m_value, 'f', m_decimals)) {

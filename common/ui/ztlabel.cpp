@@ -2,6 +2,8 @@
 
 #include "common/ui/dynamicstyle.h"
 
+#include <QMetaMethod>
+#include <QMouseEvent>
 #include <QVariant>
 
 namespace vantrel {
@@ -31,6 +33,9 @@ void ZTLabel::setStyleClass(const QString& name)
 void ZTLabel::mouseDoubleClickEvent(QMouseEvent* event)
 {
     QLabel::mouseDoubleClickEvent(event);
+    // Where somebody listens it ends here: the window takes one that reaches it for a click beside
+    // everything.
+    event->setAccepted(isSignalConnected(QMetaMethod::fromSignal(&ZTLabel::mouseDoubleClicked)));
     Q_EMIT mouseDoubleClicked();
 }
 

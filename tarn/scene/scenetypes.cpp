@@ -77,8 +77,8 @@ void declarePlayback(Types& types)
         .number("mediaPosition")
         .number("fps")
         .property("state", Variant::from(SourcePlayState::Stop))
-        .number("takeProgress")
-        .flag("resourceConstrained")
+        .readOnly("takeProgress", Variant::from(0.0))
+        .readOnly("resourceConstrained", Variant::from(false))
         .methods({"playMedia", "seekMedia", "step", "seekInpoint", "seekOutpoint", "prevMedia", "nextMedia",
                   "selectAudioDevice"});
 

@@ -36,6 +36,11 @@ private Q_SLOTS:
     void inADragWhoseEndIsLost();
     void inAnEditOfATimecode();
     void inAStillsDuration();
+    void withTakeHeld();
+    void withTheVolumeOpen();
+    void withAMenuOpen();
+    void inADragOfAPoint();
+    void nothingCanBeSetMeanwhile();
     void endsCleanly();
 
 private:
@@ -82,8 +87,11 @@ bool LostServer::loseServer()
 
 bool LostServer::getServerBack()
 {
-    return m_ombra.restart() &&
-           QTest::qWaitFor([this] { return !isVisible(QStringLiteral("ReconnectDialog")); }, 15000);
+    // The dialog goes with the link, the controls come back with the state that comes over it.
+    const auto isBack = [this] {
+        return !isVisible(QStringLiteral("ReconnectDialog")) && m_robot.find(takeName)["enabled"].toBool();
+    };
+    return m_ombra.restart() && QTest::qWaitFor(isBack, 15000);
 }
 
 bool LostServer::setDuration(const QString& seconds)
@@ -211,6 +219,80 @@ void LostServer::inAStillsDuration()
     checkUsable();
     QVERIFY(cue(Still));
     QTRY_VERIFY(isChecked(other));
+}
+
+void LostServer::withTakeHeld()
+{
+    QVERIFY(m_robot.mouseAt(QStringLiteral("drag_start"), takeName, 0.5));
+    QVERIFY(m_robot.find(QStringLiteral("TakeLabel"))["property_pressed"].toBool());
+    QVERIFY(loseServer());
+    QTRY_VERIFY(!m_robot.find(QStringLiteral("TakeLabel"))["property_pressed"].toBool());
+    QVERIFY(getServerBack());
+    QVERIFY(m_robot.mouseAt(QStringLiteral("drag_end"), takeName, 0.5)); // of a press that counts no more
+    checkUsable();
+}
+
+void LostServer::withTheVolumeOpen()
+{
+    const QString popup = QStringLiteral("Preview-PlaybackWidget-Footer-VolumePopup");
+    QVERIFY(m_robot.click(QStringLiteral("Preview-PlaybackWidget-Footer-Volume")));
+    QVERIFY(!m_robot.waitFor(popup).isEmpty());
+    QVERIFY(m_robot.mouseAt(QStringLiteral("drag_start"), popup + QStringLiteral("-Slider"), 0.5));
+    QVERIFY(loseServer());
+    QTRY_VERIFY2(!isVisible(popup), "a popup that nobody can use holds the mouse");
+    QVERIFY(getServerBack());
+    checkUsable();
+}
+
+void LostServer::withAMenuOpen()
+{
+    const QString menu = QStringLiteral("MediaPanel-slot-menu");
+    QVERIFY(m_robot.mouse(QStringLiteral("context_menu"), m_robot.cells(slotsView).first().toObject()));
+    QVERIFY(!m_robot.waitFor(menu).isEmpty());
+    QVERIFY(loseServer());
+    m_robot.key(QStringLiteral("Esc"));
+    QTRY_VERIFY(!isVisible(menu));
+    QVERIFY(getServerBack());
+    QCOMPARE(m_robot.cells(slotsView).size(), 3);
+    checkUsable();
+    QCOMPARE(m_robot.cells(slotsView).size(), 3);
+}
+
+void LostServer::inADragOfAPoint()
+{
+    const QString in = QStringLiteral("Preview-PlaybackWidget-EndpointTimecodes-Inpoint");
+    const QString before = m_robot.text(in);
+    QVERIFY(m_robot.mouseAt(QStringLiteral("drag_start"), sliderName, 0.01));
+    QVERIFY(m_robot.mouseAt(QStringLiteral("drag_move"), sliderName, 0.2));
+    QVERIFY(loseServer());
+    QVERIFY(m_robot.mouseAt(QStringLiteral("drag_move"), sliderName, 0.3));
+    QVERIFY(m_robot.mouseAt(QStringLiteral("drag_end"), sliderName, 0.3));
+    QVERIFY(getServerBack());
+    QVERIFY(cue(Red));
+    QTRY_VERIFY2(m_robot.text(in) == before, "the window shows a point that the server never heard of");
+    checkUsable();
+}
+
+/// Nor by mouse nor by key does anything look done that is not.
+void LostServer::nothingCanBeSetMeanwhile()
+{
+    const QString pause = QStringLiteral("Preview-PlaybackControls-Pause");
+    const QString mute = QStringLiteral("Program-PlaybackWidget-Header-Mute");
+    QVERIFY(cue(Red));
+    QTRY_VERIFY(isChecked(QStringLiteral("Preview-PlaybackControls-Play")));
+    QVERIFY(loseServer());
+    for (const QString& button : {pause, mute, takeName}) {
+        QVERIFY(!m_robot.find(button)["enabled"].toBool());
+        QVERIFY(m_robot.click(button));
+    }
+    for (const char* key : {"Space", "M", "F12", "I"})
+        m_robot.key(QString::fromLatin1(key));
+    QVERIFY(isChecked(QStringLiteral("Preview-PlaybackControls-Play")));
+    QVERIFY(!isChecked(mute));
+    QVERIFY(getServerBack());
+    QTRY_VERIFY(m_robot.find(pause)["enabled"].toBool());
+    QVERIFY(!isChecked(mute));
+    checkUsable();
 }
 
 void LostServer::endsCleanly()

@@ -62,6 +62,11 @@ QString AppProcess::offscreenPlatform() const
     return QStringLiteral("offscreen:configfile=") + screens.fileName();
 }
 
+QString AppProcess::settingsFile() const
+{
+    return m_home.filePath(QStringLiteral("config/Halcyra/halcyra.ini"));
+}
+
 QString AppProcess::outputFile() const
 {
     return m_home.filePath(QStringLiteral("output.txt"));

@@ -27,6 +27,8 @@ public:
     int restart();
     /// All that it wrote since its last start, its log included.
     QString output() const;
+    /// The file that its settings stand in, for a test that writes some before the start.
+    QString settingsFile() const;
 
 private:
     QString outputFile() const;

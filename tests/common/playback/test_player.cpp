@@ -195,11 +195,87 @@ private Q_SLOTS:
         TakeControls controls;
         const auto* duration = controls.findChild<DoubleEdit*>(QStringLiteral("TakeControls-Duration"));
         controls.setTakeDuration(4.0);
+        const auto* summary = controls.findChild<ZTLabel*>(QStringLiteral("TakeControls-Summary"));
+        QCOMPARE(summary->text(), QStringLiteral("Crossfade\nfrom in point"));
         controls.findChild<QAbstractButton*>(QStringLiteral("TakeControls-DirectCut-Button"))->click();
+        QCOMPARE(summary->text(), QStringLiteral("Direct cut\nfrom in point"));
         QVERIFY(duration->isReadOnly());
         controls.findChild<QAbstractButton*>(QStringLiteral("TakeControls-Crossfade-Button"))->click();
         QVERIFY(!duration->isReadOnly());
         QCOMPARE(controls.takeDuration(), 4.0);
+    }
+
+    void returnLeavesTheDuration()
+    {
+        TakeControls controls;
+        controls.show();
+        controls.activateWindow();
+        auto* duration = controls.findChild<DoubleEdit*>(QStringLiteral("TakeControls-Duration"));
+        duration->setFocus(Qt::TabFocusReason);
+        QTRY_VERIFY(duration->hasFocus());
+        QTest::keyClicks(duration, QStringLiteral("2"));
+        QTest::keyClick(duration, Qt::Key_Return);
+        QVERIFY(!duration->hasFocus());
+        QCOMPARE(duration->text(), QStringLiteral("2.0 s"));
+        QCOMPARE(controls.takeDuration(), 2.0);
+    }
+
+    /// What the server tells of itself is not sent back when the focus leaves what shows it.
+    void tellsTheServerNothingOfItself()
+    {
+        QVERIFY(m_fixture->connect());
+        m_fixture->view->activateWindow();
+        m_fixture->set("program", "takeProgress", "1.5");
+        m_fixture->set("program", "resourceConstrained", "true");
+        auto* take = m_fixture->part<TakeButton>("TakeControls-Take-Button");
+        QTRY_COMPARE(take->takeProgress(), 1.0);
+        QWidget* program = m_fixture->channel()->programWidget();
+        m_fixture->takeSent();
+        for (QWidget* widget : {static_cast<QWidget*>(take), program}) {
+            widget->setFocus(Qt::TabFocusReason);
+            QTRY_VERIFY(widget->hasFocus());
+            QTest::keyClick(widget, Qt::Key_Tab);
+            QTRY_VERIFY(!widget->hasFocus());
+        }
+        take->click();
+        const QString sent = m_fixture->waitForSent();
+        QVERIFY2(sent.startsWith(QStringLiteral("invoke")) && !sent.contains(u'\n'), qPrintable(sent));
+    }
+
+    /// While there is no server nothing can be set, and what was being done ends.
+    void lostServerTakesTheControlsAway()
+    {
+        QVERIFY(connectWithLibrary());
+        m_fixture->view->activateWindow();
+        m_fixture->set("preview", "media", quoted("brume://collections/1/slots/1"));
+        m_fixture->set("preview", "state", quoted("play"));
+        PlaybackWidget* preview = m_fixture->channel()->previewWidget();
+        QTRY_VERIFY(preview->hasValidMedia());
+        QTRY_COMPARE(preview->slider()->outpoint(), 8.0);
+        auto* take = m_fixture->part<TakeButton>("TakeControls-Take-Button");
+        take->setFocus(Qt::TabFocusReason);
+        QTRY_VERIFY(take->hasFocus());
+        QTest::mousePress(take, Qt::LeftButton);
+        auto* popup = m_fixture->part<QWidget>("Preview-PlaybackWidget-Footer-VolumePopup");
+        popup->show();
+
+        QSignalSpy sought(preview->slider(), &SeekSlider::seekEnding);
+        QTest::mousePress(preview->slider(), Qt::LeftButton, {}, preview->slider()->rect().center());
+        m_fixture->peer.link.socket->disconnectFromHost();
+        QTRY_VERIFY(!take->isEnabled());
+        QVERIFY(!take->isDown());
+        QVERIFY(!popup->isVisible());
+        QCOMPARE(sought.size(), 1);
+        QVERIFY(!QApplication::focusWidget());
+        QVERIFY(!preview->controls()->isEnabled());
+        QVERIFY(hasText(QStringLiteral("Connection lost. What you see is the last known state.")));
+
+        // Only with the new state in place.
+        QTRY_VERIFY_WITH_TIMEOUT(m_fixture->peer.session->isConnected(), 10000);
+        QVERIFY(hasText(QStringLiteral("Connected again. Reading the state of the server.")));
+        QVERIFY(!m_fixture->part<TakeButton>("TakeControls-Take-Button")->isEnabled());
+        m_fixture->peer.send(R"([{"op":"add","path":"/device/channels/0","value":{"type":"Channel"}}])");
+        QTRY_VERIFY(m_fixture->part<TakeButton>("TakeControls-Take-Button")->isEnabled());
     }
 
     void takeWithoutAChannelIsLogged()
@@ -238,6 +314,49 @@ private Q_SLOTS:
         m_fixture->takeSent();
         target->click();
         QTEST(m_fixture->waitForSent(), "sent");
+    }
+
+    void commandsWithoutAChannelAreLogged()
+    {
+        PlaybackControls controls(Preview);
+        allowWarnings(QStringLiteral("No object set"));
+        using Slot = void (PlaybackControls::*)();
+        for (const auto& [slot, name] : std::initializer_list<std::pair<Slot, const char*>>{
+                 {&PlaybackControls::handleSeekInpoint, "seek inpoint"},
+                 {&PlaybackControls::handleSeekOutpoint, "seekOutpoint"},
+                 {&PlaybackControls::handlePrevious, "prevMedia"},
+                 {&PlaybackControls::handleNext, "nextMedia"},
+                 {&PlaybackControls::handleNextFrame, "StepCommand"}}) {
+            expectWarning(QStringLiteral("Failed to init ") + QLatin1String(name));
+            (controls.*slot)();
+        }
+        expectWarning(QStringLiteral("Failed to init SeekCommand"));
+        controls.handleSeekPosition(1.0);
+    }
+
+    void emptyChannelsSayWhatToDo()
+    {
+        QVERIFY(connectWithLibrary());
+        const auto* hint = m_fixture->part<QWidget>("Preview-PlaybackWidget-Hint");
+        QVERIFY(hint->isVisible());
+        QCOMPARE(hint->size(), hint->parentWidget()->size());
+        m_fixture->set("preview", "media", quoted("brume://collections/1/slots/1"));
+        QTRY_VERIFY(!hint->isVisible());
+        QVERIFY(m_fixture->part<QWidget>("Program-PlaybackWidget-Hint")->isVisible());
+    }
+
+    void playedSlotIsThatOfTheEntry()
+    {
+        QVERIFY(connectWithLibrary());
+        const PlaybackWidget* preview = m_fixture->channel()->previewWidget();
+        QVERIFY(preview->getPlayedSlotUrl().isEmpty());
+        m_fixture->set("preview", "media", quoted("brume://playlists/2/entries/5.1"));
+        QTRY_VERIFY(preview->hasValidMedia());
+        QVERIFY(preview->getPlayedSlotUrl().isEmpty()); // of no source mode yet
+        m_fixture->set("preview", "sourceMode", "2");
+        QTRY_COMPARE(preview->getPlayedSlotUrl(), QUrl(QStringLiteral("brume://collections/1/slots/1")));
+        m_fixture->set("preview", "sourceMode", "1");
+        QTRY_COMPARE(preview->getPlayedSlotUrl(), QUrl(QStringLiteral("brume://playlists/2/entries/5.1")));
     }
 
     void framesStep()
@@ -470,6 +589,13 @@ private Q_SLOTS:
     }
 
 private:
+    bool hasText(const QString& text) const
+    {
+        const QList<ZTLabel*> labels = m_fixture->view->findChildren<ZTLabel*>();
+        return std::ranges::any_of(
+            labels, [&](const ZTLabel* label) { return label->isVisible() && label->text() == text; });
+    }
+
     /// Connected, with the library read.
     bool connectWithLibrary()
     {

@@ -212,6 +212,21 @@ private Q_SLOTS:
         QCOMPARE(sent.count(takeLine), 1);
     }
 
+    /// Nor does the blank on the button that Tab came to.
+    void aHeldBlankTakesOnce()
+    {
+        auto* take = m_fixture->part<TakeButton>("TakeControls-Take-Button");
+        m_fixture->focus(take->objectName(), Qt::TabFocusReason);
+        m_fixture->takeSent();
+        for (int i = 0; i < 5; ++i)
+            QTest::simulateEvent(take, true, Qt::Key_Space, Qt::NoModifier, QStringLiteral(" "), i > 0);
+        QTest::simulateEvent(take, false, Qt::Key_Space, Qt::NoModifier, QStringLiteral(" "), false);
+        m_fixture->press(QKeySequence(Qt::Key_Period));
+        QString sent;
+        QTRY_VERIFY((sent += m_fixture->takeSent()).contains(QStringLiteral("step")));
+        QCOMPARE(sent.count(takeLine), 1);
+    }
+
     void nothingLoadedNothingPlayed()
     {
         m_fixture->set("preview", "media", "\"\"");

@@ -208,6 +208,11 @@ private Q_SLOTS:
         for (const QAbstractButton* button : widget.findChildren<QAbstractButton*>())
             states.append(button->isEnabled());
         QCOMPARE(states, enabled);
+        // What cannot be chosen says why, unless nothing plays at all.
+        for (const QAbstractButton* button : widget.findChildren<QAbstractButton*>()) {
+            const bool hasReason = button->toolTip().contains(u'\n');
+            QCOMPARE(hasReason, mode != PlaybackModel::DISABLED && !button->isEnabled());
+        }
     }
 
     void endActionTellsOfChangesOnly()

@@ -1,0 +1,61 @@
+#include "common/playback/channelhint.h"
+
+#include "common/session/session.h"
+#include "common/ui/colors.h"
+#include "common/ui/hotkeys.h"
+#include "common/ui/hotkeytip.h"
+
+#include <QEvent>
+#include <QPainter>
+
+namespace vantrel {
+
+namespace {
+
+constexpr int margin = 16; // pixels
+
+} // namespace
+
+ChannelHint::ChannelHint(PlaybackViewMode viewMode, QWidget* parent)
+    : QWidget(parent)
+    , m_viewMode(viewMode)
+{
+    setAttribute(Qt::WA_TransparentForMouseEvents);
+    setGeometry(parent->rect());
+    parent->installEventFilter(this);
+    const Session* session = Session::instance();
+    if (const Hotkeys* hotkeys = session ? session->hotkeys() : nullptr)
+        connect(hotkeys, &Hotkeys::mappingChanged, this, qOverload<>(&QWidget::update));
+}
+
+QString ChannelHint::text() const
+{
+    const Session* session = Session::instance();
+    const Hotkeys* hotkeys = session ? session->hotkeys() : nullptr;
+    if (m_viewMode == Preview) {
+        const QString key = hotkeys ? keyText(hotkeys->mapping(QStringLiteral("cue"))) : QString();
+        const QString title = tr("Nothing is cued");
+        return title + u'\n' +
+               (key.isEmpty() ? tr("Double-click media in the library to cue it.")
+                              : tr("Double-click media in the library, or select it and press %1, to cue it.")
+                                    .arg(key));
+    }
+    return tr("Nothing is on air") + u'\n' + tr("TAKE brings what is on preview here.");
+}
+
+bool ChannelHint::eventFilter(QObject* watched, QEvent* event)
+{
+    if (watched == parent() && event->type() == QEvent::Resize)
+        setGeometry(parentWidget()->rect());
+    return QWidget::eventFilter(watched, event);
+}
+
+void ChannelHint::paintEvent(QPaintEvent*)
+{
+    QPainter painter(this);
+    painter.setPen(colors::getColor(colors::Zt_white_70));
+    painter.drawText(rect().adjusted(margin, margin, -margin, -margin), Qt::AlignCenter | Qt::TextWordWrap,
+                     text());
+}
+
+} // namespace vantrel

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "common/ui/iconbutton.h"
+
+namespace vantrel {
+
+/// One of the five end actions: an icon for off and one for on. Owned by EndActionWidget; main thread.
+class EndActionButton : public IconButton
+{
+    Q_OBJECT
+
+public:
+    EndActionButton(const QString& offIcon, const QString& onIcon, const QString& tip,
+                    QWidget* parent = nullptr);
+
+    /// Why it cannot be chosen, in a line of its own below the tooltip; empty for no reason.
+    void setReason(const QString& reason);
+
+private:
+    QString m_tip;
+};
+
+} // namespace vantrel
