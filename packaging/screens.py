@@ -12,6 +12,7 @@ import time
 
 from robot import Robot, port_of
 
+HUGE = {"text": "huge", "size": (1280, 720)}
 SIZES = {"small": 0, "medium": 1, "large": 2, "huge": 3}
 
 
@@ -108,10 +109,9 @@ def player(options, name, **how):
         window.shoot(options.out / f"{name}.png")
 
 
-def at_double_scale(options):
+def media_panel(options):
     with Window(options, scale=2) as window:
         window.run_show()
-        window.shoot(options.out / "player-scale-200.png")
         window.shoot_widget("PlayerTab-mediapanel-widget", options.out / "media-panel.png")
 
 
@@ -140,11 +140,37 @@ def take(options):
         window.shoot(options.out / "take.png")
 
 
-def connect(options):
-    with Window(options, connect=False) as window:
+def menu(options):
+    with Window(options, **HUGE) as window:
+        window.run_show()
+        window.click("MainNavigationBar-mainmenu-button")
+        time.sleep(1)
+        window.shoot(options.out / "menu-huge-1280x720.png")
+
+
+def inspector(options):
+    with Window(options, text="large", size=(1280, 720)) as window:
+        window.run_show()
+        window.robot.ask(operation="key_press", keyName="F10")
+        window.robot.ask(operation="raise", objectName="MainWindow")
+        window.robot.ask(operation="key_press", keyName="F11")
+        window.robot.mouse("move_to", window.robot.find("TakeControls-Take-Button"))
+        time.sleep(1)
+        window.shoot(options.out / "inspector.png")
+
+
+def gallery(options):
+    with tempfile.TemporaryDirectory() as home:
+        environment = dict(os.environ, XDG_CONFIG_HOME=home, QT_QPA_PLATFORM="offscreen")
+        subprocess.run([options.bin, "--gallery", "--screenshot", str(options.out / "gallery.png"), "--seconds", "1"],
+                       env=environment, stderr=subprocess.DEVNULL, check=True)
+
+
+def connect(options, name, **how):
+    with Window(options, connect=False, **how) as window:
         window.robot.find("ConnectDialog")
         time.sleep(3)
-        window.shoot(options.out / "connect.png")
+        window.shoot(options.out / f"{name}.png")
 
 
 def keyboard(options, name, **how):
@@ -160,12 +186,14 @@ def keyboard(options, name, **how):
 
 
 def reconnect(options):
-    with Window(options) as window:
+    """At both sizes, since a server dies but once."""
+    with Window(options) as window, Window(options, **HUGE) as small:
         window.run_show()
         os.kill(options.ombra, signal.SIGKILL)
-        window.robot.find("ReconnectDialog")
-        time.sleep(1)
-        window.shoot(options.out / "reconnect.png")
+        for each, name in ((window, "reconnect"), (small, "reconnect-huge-1280x720")):
+            each.robot.find("ReconnectDialog")
+            time.sleep(1)
+            each.shoot(options.out / f"{name}.png")
 
 
 SCREENS = {
@@ -174,12 +202,18 @@ SCREENS = {
     "player-large": lambda options: player(options, "player-large", text="large"),
     "player-huge": lambda options: player(options, "player-huge", text="huge"),
     "player-medium-1280x720": lambda options: player(options, "player-medium-1280x720", size=(1280, 720)),
-    "player-huge-1280x720": lambda options: player(options, "player-huge-1280x720", text="huge", size=(1280, 720)),
-    "player-scale-200": at_double_scale,
+    "player-huge-1280x720": lambda options: player(options, "player-huge-1280x720", **HUGE),
+    "player-scale-200": lambda options: player(options, "player-scale-200", size=(960, 540), scale=2),
+    "media-panel": media_panel,
     "still": still,
     "take": take,
-    "connect": connect,
+    "menu-huge-1280x720": menu,
+    "inspector": inspector,
+    "gallery": gallery,
+    "connect": lambda options: connect(options, "connect"),
+    "connect-huge-1280x720": lambda options: connect(options, "connect-huge-1280x720", **HUGE),
     "keyboard": lambda options: keyboard(options, "keyboard"),
+    "keyboard-huge-1280x720": lambda options: keyboard(options, "keyboard-huge-1280x720", **HUGE),
     "reconnect": reconnect,  # ends the server
 }
 
