@@ -151,12 +151,15 @@ def menu(options):
 def inspector(options):
     with Window(options, text="large", size=(1280, 720)) as window:
         window.run_show()
-        window.robot.ask(operation="key_press", keyName="F10")
-        window.robot.ask(operation="raise", objectName="MainWindow")
         window.robot.ask(operation="key_press", keyName="F11")
-        window.robot.mouse("move_to", window.robot.find("TakeControls-Take-Button"))
-        time.sleep(1)
-        window.shoot(options.out / "inspector.png")
+        window.robot.find("InspectorWidget")
+        window.robot.mouse("move_to", window.robot.find("Program-PlaybackControls-Play"))
+        window.rest()
+        window.shoot_widget("InspectorWidget", options.out / "inspector.png")
+        window.robot.ask(operation="raise", objectName="MainWindow")
+        window.robot.ask(operation="key_press", keyName="F10")
+        window.robot.find("NotificationInspector")
+        window.shoot_widget("NotificationInspector", options.out / "inspector-notifications.png")
 
 
 def gallery(options):

@@ -4,11 +4,14 @@
 #include "common/media/mimedata.h"
 #include "common/ui/colors.h"
 #include "common/ui/fontsizefollower.h"
+#include "common/ui/spacing.h"
 
 #include <QDropEvent>
 #include <QJsonObject>
 #include <QMap>
 #include <QPainter>
+
+#include <algorithm>
 
 namespace vantrel {
 
@@ -23,6 +26,14 @@ const QMap<FontSize, PointSizes> pointSizes{{FontSize::Small, {16, 14}},
                                             {FontSize::Medium, {24, 18}},
                                             {FontSize::Large, {32, 24}},
                                             {FontSize::Huge, {44, 32}}};
+
+/// The point size wanted, or the one at which the text fits the width (pixels), whichever is smaller.
+qreal fittingPointSize(QFont font, int wanted, const QString& text, int width)
+{
+    font.setPointSize(wanted);
+    const int needed = QFontMetrics(font).horizontalAdvance(text) + 2 * spacing::normal;
+    return needed <= width ? wanted : std::max(1.0, double(wanted) * width / needed);
+}
 
 } // namespace
 
@@ -113,11 +124,11 @@ void PlaybackPreview::paintConstrained(QPainter& painter) const
     const QString detail = tr("All rendering resources busy");
     painter.setPen(colors::getColor(colors::Zt_white_80));
     QFont textFont = font();
-    textFont.setPointSize(sizes.title);
+    textFont.setPointSizeF(fittingPointSize(textFont, sizes.title, title, width()));
     painter.setFont(textFont);
     QRect titleRect;
     painter.drawText(rect(), Qt::AlignCenter, title, &titleRect);
-    textFont.setPointSize(sizes.detail);
+    textFont.setPointSizeF(fittingPointSize(textFont, sizes.detail, detail, width()));
     painter.setFont(textFont);
     const QRect below(0, titleRect.bottom() + 1, width(), height() - titleRect.bottom() - 1);
     painter.drawText(below, Qt::AlignHCenter | Qt::AlignTop, detail);

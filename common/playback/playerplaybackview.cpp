@@ -39,6 +39,7 @@ constexpr int sceneRole = 258;
 /// In pixels: the panel gives way to the channels down to its least width.
 const QMap<FontSize, int> leastPanelWidths{
     {FontSize::Small, 132}, {FontSize::Medium, 140}, {FontSize::Large, 160}, {FontSize::Huge, 200}};
+constexpr int hintWidth = 380;     // of the empty state's text, as narrow as a dialog over it
 constexpr int panelWidth = 272;    // at the medium text size, where there is room
 constexpr int readableWidth = 150; // the same, below which it cuts most names
 
@@ -121,13 +122,15 @@ QWidget* PlayerPlaybackView::createEmptyState()
     m_emptyHint->setStyleClass(QStringLiteral("dim"));
     m_emptyHint->setAlignment(Qt::AlignCenter);
     m_emptyHint->setWordWrap(true);
+    followFontSize(m_emptyHint,
+                   [this](FontSize size) { m_emptyHint->setMinimumWidth(scaled(hintWidth, size)); });
 
     auto* layout = new QVBoxLayout(page);
     layout->setSpacing(12);
     layout->addStretch(1);
     layout->addWidget(icon, 0, Qt::AlignHCenter);
     layout->addWidget(m_emptyTitle, 0, Qt::AlignHCenter);
-    layout->addWidget(m_emptyHint);
+    layout->addWidget(m_emptyHint, 0, Qt::AlignHCenter);
     layout->addStretch(5); // above the connect dialog, which opens in the middle
     return page;
 }

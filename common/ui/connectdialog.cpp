@@ -92,8 +92,10 @@ QWidget* ConnectDialog::makeForm()
     layout->addWidget(m_address);
     layout->addSpacing(8);
     layout->addWidget(found);
-    layout->addWidget(m_servers, 1);
-    layout->addWidget(m_noServers, 1);
+    m_found = new QStackedWidget(form); // as high with servers as without
+    m_found->addWidget(m_servers);
+    m_found->addWidget(m_noServers);
+    layout->addWidget(m_found, 1);
     connect(m_locator, &LocatorModel::modelReset, this, &ConnectDialog::showServers);
     showServers();
     return form;
@@ -102,8 +104,7 @@ QWidget* ConnectDialog::makeForm()
 void ConnectDialog::showServers()
 {
     const bool found = m_locator->rowCount() > 0;
-    m_servers->setVisible(found);
-    m_noServers->setVisible(!found);
+    m_found->setCurrentWidget(found ? static_cast<QWidget*>(m_servers) : m_noServers);
 }
 
 QWidget* ConnectDialog::makeMessage()

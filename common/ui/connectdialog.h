@@ -56,6 +56,7 @@ private:
     QStackedWidget* m_pages;
     ZTEdit* m_address = nullptr;
     QTableView* m_servers = nullptr;
+    QStackedWidget* m_found = nullptr;
     LocatorModel* m_locator;
     ZTLabel* m_noServers = nullptr;
     ZTLabel* m_message = nullptr;

@@ -128,7 +128,8 @@ void IconButton::paintEvent(QPaintEvent*)
         return;
     const int side = qRound(qMin(width(), height()) * m_share);
     const QPixmap pixmap = IconCache::pixmap(icon, currentColor(), QSize(side, side), devicePixelRatioF());
-    if (!isEnabled() && m_disabledIcon.isEmpty())
+    // The whole drawing at once: where a fill and its outline overlap, it must not get denser.
+    if (!isEnabled())
         painter.setOpacity(0.4);
     painter.drawPixmap((width() - side) / 2, (height() - side) / 2, pixmap);
 }

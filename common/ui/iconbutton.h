@@ -16,7 +16,7 @@ class IconButton : public PushButton
     Q_OBJECT
 
 public:
-    /// Without a disabled drawing the icon itself is shown at 40 %.
+    /// The disabled drawing, or the icon itself without one, is shown at 40 %.
     explicit IconButton(const QString& icon, const QString& disabledIcon = {}, QWidget* parent = nullptr);
     explicit IconButton(QWidget* parent = nullptr);
 

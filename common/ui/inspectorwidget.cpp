@@ -1,9 +1,13 @@
 #include "common/ui/inspectorwidget.h"
 
 #include "common/notification/notificationmanager.h"
+#include "common/session/configuration.h"
 #include "common/session/objecttreemodel.h"
 #include "common/session/session.h"
+#include "common/ui/fontsizefollower.h"
+#include "common/ui/pushbutton.h"
 #include "common/ui/sceneinspector.h"
+#include "common/ui/spacing.h"
 #include "common/ui/ztlabel.h"
 
 #include <QApplication>
@@ -12,7 +16,6 @@
 #include <QHeaderView>
 #include <QMenu>
 #include <QMetaEnum>
-#include <QPushButton>
 #include <QTableWidget>
 #include <QTimer>
 #include <QVBoxLayout>
@@ -20,6 +23,11 @@
 namespace vantrel {
 
 namespace {
+
+constexpr int detailsColumn = 3;
+constexpr int leastWidth =
+    420; // pixels at the medium text size: most names fit, and the window stays as it is
+
 void fillTable(QTableWidget* table, const NotificationManager* manager)
 {
     const auto list = manager->notifications();
@@ -48,24 +56,34 @@ InspectorWidget::InspectorWidget(QMenu* menu, NotificationManager* manager, QWid
     m_name->setObjectName(QStringLiteral("InspectorWidget-name"));
     m_name->setTextInteractionFlags(Qt::TextSelectableByMouse);
     auto* info = new QFormLayout;
-    info->addRow(tr("Class:"), m_class);
-    info->addRow(tr("Object name:"), m_name);
-    auto* notifications = new QPushButton(tr("Notifications"), this);
+    for (const auto& [text, value] :
+         {std::pair(tr("Class:"), m_class), std::pair(tr("Object name:"), m_name)}) {
+        auto* title = new ZTLabel(text, this);
+        title->setStyleClass(QStringLiteral("dim"));
+        info->addRow(title, value);
+    }
+    auto* notifications = new PushButton(tr("Notifications"), this);
     notifications->setObjectName(QStringLiteral("InspectorWidget-notifications"));
     connect(notifications, &QPushButton::clicked, this, [this] { showNotifications(m_manager); });
-    auto* scene = new QPushButton(tr("Scene"), this);
+    auto* scene = new PushButton(tr("Scene"), this);
     scene->setObjectName(QStringLiteral("InspectorWidget-scene"));
     scene->setEnabled(Session::instance() != nullptr);
     connect(scene, &QPushButton::clicked, this, [] {
         if (const Session* session = Session::instance())
             showScene(session->objectTreeModel());
     });
+    info->setHorizontalSpacing(spacing::normal);
+    info->setVerticalSpacing(spacing::tight);
+    followFontSize(this, [this](FontSize size) { setMinimumWidth(scaled(leastWidth, size)); });
     auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(spacing::wide, spacing::loose, spacing::wide, spacing::wide);
+    layout->setSpacing(spacing::normal);
     layout->addLayout(info);
+    layout->addSpacing(spacing::tight);
     layout->addWidget(notifications);
     layout->addWidget(scene);
     if (menu) {
-        auto* more = new QPushButton(tr("Developer"), this);
+        auto* more = new PushButton(tr("Developer"), this);
         more->setMenu(menu);
         layout->addWidget(more);
     }
@@ -81,7 +99,6 @@ QWidget* InspectorWidget::showNotifications(NotificationManager* manager)
     table->setWindowTitle(tr("Notifications"));
     table->setHorizontalHeaderLabels(
         {tr("Created"), tr("Message type"), tr("Title"), tr("Details"), tr("Accepted")});
-    table->horizontalHeader()->setStretchLastSection(true);
     table->setEditTriggers(QAbstractItemView::NoEditTriggers);
     // Many may come in one go.
     auto* refill = new QTimer(table);
@@ -91,7 +108,14 @@ QWidget* InspectorWidget::showNotifications(NotificationManager* manager)
     connect(manager, &NotificationManager::notificationsChanged, table, refillSoon);
     connect(manager, &NotificationManager::notificationChanged, table, refillSoon);
     fillTable(table, manager);
-    table->resize(720, 320);
+    table->setShowGrid(false);
+    table->setAlternatingRowColors(true);
+    table->setSelectionBehavior(QAbstractItemView::SelectRows);
+    table->verticalHeader()->hide();
+    table->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    table->horizontalHeader()->setSectionResizeMode(detailsColumn, QHeaderView::Stretch);
+    table->horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    table->resize(scaled(860, currentFontSize()), scaled(320, currentFontSize()));
     table->show();
     return table;
 }

@@ -2,6 +2,7 @@
 
 #include "common/ui/colors.h"
 #include "common/ui/fontsizefollower.h"
+#include "common/ui/scaledstyle.h"
 
 #include <QApplication>
 #include <QFile>
@@ -11,7 +12,6 @@
 #include <QMetaEnum>
 #include <QPalette>
 #include <QRegularExpression>
-#include <QStyleFactory>
 
 #include <array>
 
@@ -114,7 +114,7 @@ QString StyleSheet::load(FontSize size)
 
 void StyleSheet::apply(QApplication& application)
 {
-    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    QApplication::setStyle(new ScaledStyle); // the application's from here on
     QApplication::setPalette(darkPalette());
     followFontSize(&application, [&application](FontSize size) {
         QApplication::setFont(bodyFont(size));

@@ -9,6 +9,8 @@
 #include <QScreen>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 namespace vantrel {
 
 ZTDialog::ZTDialog(QWidget* parent)
@@ -122,12 +124,22 @@ void ZTDialog::onAccept()
         accept();
 }
 
+void ZTDialog::fitToContent()
+{
+    // adjustSize() would stop at two thirds of the screen, which large texts in a small window need.
+    layout()->activate();
+    QSize wanted = sizeHint().expandedTo(minimumSize());
+    if (layout()->hasHeightForWidth())
+        wanted.setHeight(std::max(layout()->totalHeightForWidth(wanted.width()), minimumHeight()));
+    resize(wanted.boundedTo(screen()->availableSize() * 9 / 10));
+}
+
 void ZTDialog::showEvent(QShowEvent* event)
 {
     QDialog::showEvent(event);
     if (event->spontaneous())
         return;
-    adjustSize();
+    fitToContent();
     const QWidget* over = parentWidget() ? parentWidget()->window() : nullptr;
     const QRect room = over && over->isVisible() ? over->frameGeometry() : screen()->availableGeometry();
     QRect place(QPoint(), size());

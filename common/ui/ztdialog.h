@@ -41,12 +41,15 @@ public:
     /// A further button left of the others.
     void addButton(PushButton* button);
     virtual void setObjectNames(const QString& base);
+    /// As large as the content asks for, but nine tenths of the screen at most.
+    void fitToContent();
 
 Q_SIGNALS:
     /// The accept button was pressed (before the dialog closes).
     void confirmed();
 
 protected:
+    ZTLabel* titleLabel() const { return m_title; }
     void showEvent(QShowEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;

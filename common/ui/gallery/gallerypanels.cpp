@@ -1,29 +1,38 @@
 // The sections of the gallery that hold more than single controls.
-#include "common/playback/levelmeter.h"
-#include "common/playback/mutebutton.h"
-#include "common/playback/seekslider.h"
-#include "common/playback/takebutton.h"
-#include "common/playback/timecodedisplay.h"
-#include "common/playback/timecodeedit.h"
-#include "common/playback/volumeslider.h"
+#include "common/notification/notificationmanagerimpl.h"
 #include "common/ui/aboutdialog.h"
 #include "common/ui/accordion.h"
+#include "common/ui/clickablelayoutwidget.h"
 #include "common/ui/collapse.h"
+#include "common/ui/configurationdialog.h"
 #include "common/ui/confirmationdialog.h"
+#include "common/ui/contextmenubutton.h"
+#include "common/ui/dynamicstyle.h"
 #include "common/ui/errordialog.h"
 #include "common/ui/gallery/gallerysections.h"
 #include "common/ui/gallery/pictureof.h"
 #include "common/ui/gallery/stategrid.h"
+#include "common/ui/importshowdialog.h"
 #include "common/ui/navbutton.h"
 #include "common/ui/navigationbar.h"
+#include "common/ui/notificationdialog.h"
+#include "common/ui/notificationpresenter.h"
+#include "common/ui/notificationstatusbar.h"
+#include "common/ui/notificationstyle.h"
+#include "common/ui/placeholderview.h"
+#include "common/ui/reconnectdialog.h"
+#include "common/ui/statusbar.h"
 #include "common/ui/switchselect.h"
 #include "common/ui/textinputdialog.h"
 #include "common/ui/ztlabel.h"
 #include "common/ui/ztmenu.h"
 #include "common/ui/ztsplitter.h"
 
+#include <QProgressBar>
 #include <QStyleOptionButton>
 #include <QVBoxLayout>
+
+#include <array>
 
 namespace vantrel::gallery {
 
@@ -86,41 +95,73 @@ std::unique_ptr<QWidget> makeMenu()
     return menu;
 }
 
-LevelMeter* makeMeter(const std::vector<double>& peaks, bool connected = true)
-{
-    auto* meter = new LevelMeter(Program);
-    meter->setClock([] { return 0.0; }); // nothing falls while somebody looks
-    meter->setMinimumWidth(160);
-    AudioLevels levels;
-    for (const double peak : peaks)
-        levels.channels.push_back({peak, peak - 3});
-    if (connected)
-        meter->setLevels(levels);
-    return meter;
-}
-
-template <typename Make>
-QList<QWidget*> enabledAndNot(Make make)
-{
-    QList<QWidget*> widgets;
-    for (const bool enabled : {true, false}) {
-        QWidget* widget = make();
-        widget->setEnabled(enabled);
-        widgets.append(widget);
-    }
-    return widgets;
-}
-
-const QStringList enabledTitles{QStringLiteral("enabled"), QStringLiteral("disabled")};
-
 } // namespace
+
+QWidget* makeNotifications(QWidget* parent)
+{
+    auto* grid = new StateGrid({}, parent);
+    constexpr std::array kinds{std::pair(Notification::InfoMessage, "A show was exported"),
+                               std::pair(Notification::CheckedMessage, "The transfer is complete"),
+                               std::pair(Notification::WarningMessage, "Decoding falls behind on program"),
+                               std::pair(Notification::ErrorMessage, "The show could not be imported")};
+    auto* all = new NotificationManagerImpl(grid);
+    for (const auto& [type, title] : kinds) {
+        auto* manager = new NotificationManagerImpl(grid);
+        for (NotificationManagerImpl* each : {manager, all})
+            each->addNotification(each->createNotification(type, QString::fromLatin1(title),
+                                                           QStringLiteral("What there is to know more.")));
+        grid->addWide(notificationName(type), new NotificationPresenter(manager, grid));
+    }
+    auto* counts = new NotificationStatusBar;
+    counts->setManager(all);
+    grid->addWide(QStringLiteral("NotificationStatusBar"), counts);
+    grid->addWide(QStringLiteral("NotificationDialog"),
+                  new PictureOf(std::make_unique<NotificationDialog>(all), grid));
+    auto* none = new NotificationManagerImpl(grid);
+    grid->addWide(QStringLiteral("nothing"), new PictureOf(std::make_unique<NotificationDialog>(none), grid));
+    return grid;
+}
+
+QWidget* makeShell(QWidget* parent)
+{
+    auto* grid = new StateGrid({}, parent);
+    auto* connected = new StatusBar(nullptr, nullptr);
+    connected->onConnected();
+    grid->addWide(QStringLiteral("StatusBar"), connected);
+    grid->addWide(QStringLiteral("disconnected"), new StatusBar(nullptr, nullptr));
+    QList<QWidget*> areas;
+    for (const char* state : {"", "hover", "pressed", "keyboardfocus"}) {
+        auto* area = new ClickableLayoutWidget;
+        auto* layout = new QVBoxLayout(area);
+        layout->addWidget(new ZTLabel(*state ? QString::fromLatin1(state) : QStringLiteral("normal")));
+        if (*state)
+            setDynamicStyle(area, state, true);
+        areas.append(area);
+    }
+    grid->addRow(QStringLiteral("ClickableLayoutWidget"), areas);
+    auto* more = new ContextMenuButton;
+    auto* focused = new ContextMenuButton;
+    freezeButton(focused, State::Focus);
+    auto* disabled = new ContextMenuButton;
+    disabled->setEnabled(false);
+    grid->addRow(QStringLiteral("ContextMenuButton"), {more, focused, disabled});
+    auto* busy = new QProgressBar;
+    busy->setRange(0, 0);
+    auto* half = new QProgressBar;
+    half->setValue(50);
+    grid->addRow(QStringLiteral("Progress"), {half, busy});
+    grid->addWide(
+        QStringLiteral("PlaceholderView"),
+        new PlaceholderView(QStringLiteral(":/icons/output.svg"), QStringLiteral("Nothing here yet.")));
+    return grid;
+}
 
 QWidget* makeBars(QWidget* parent)
 {
     auto* grid = new StateGrid({}, parent);
-    grid->addRow(QStringLiteral("NavigationBar"), {makeTabs()});
-    grid->addRow(QStringLiteral("SwitchSelect"), {makeSwitch(true)});
-    grid->addRow(QStringLiteral("disabled"), {makeSwitch(false)});
+    grid->addWide(QStringLiteral("NavigationBar"), makeTabs());
+    grid->addWide(QStringLiteral("SwitchSelect"), makeSwitch(true));
+    grid->addWide(QStringLiteral("disabled"), makeSwitch(false));
     return grid;
 }
 
@@ -146,43 +187,6 @@ QWidget* makePanels(QWidget* parent)
     return page;
 }
 
-QWidget* makePlayerParts(QWidget* parent)
-{
-    auto* grid = new StateGrid(enabledTitles, parent);
-    grid->addRow(QStringLiteral("TimecodeEdit"), enabledAndNot([] {
-                     auto* edit = new TimecodeEdit;
-                     edit->setTimecode(83'480);
-                     return edit;
-                 }));
-    grid->addRow(QStringLiteral("TimecodeDisplay"), enabledAndNot([] {
-                     auto* display = new TimecodeDisplay;
-                     display->setTime(83.48);
-                     return display;
-                 }));
-    grid->addRow(QStringLiteral("SeekSlider"), enabledAndNot([] {
-                     auto* slider = new SeekSlider;
-                     slider->setMinimumWidth(220);
-                     slider->setDuration(30.0);
-                     slider->setOutpoint(26.0);
-                     slider->setInpoint(4.0);
-                     slider->setPosition(12.0);
-                     return slider;
-                 }));
-    grid->addRow(QStringLiteral("LevelMeter"), {makeMeter({-24, -9}), makeMeter({-2})});
-    grid->addRow(QStringLiteral("8 channels, silence"),
-                 {makeMeter({-3, -6, -9, -12, -18, -24, -36, -50}),
-                  makeMeter({AudioLevels::silence, AudioLevels::silence})});
-    grid->addRow(QStringLiteral("no sound, no server"), {makeMeter({}), makeMeter({}, false)});
-    grid->addRow(QStringLiteral("MuteButton"), enabledAndNot([] { return new MuteButton; }));
-    grid->addRow(QStringLiteral("TakeButton"), enabledAndNot([] { return new TakeButton; }));
-    auto* progress = new TakeButton;
-    progress->setTakeProgress(0.4);
-    auto* focused = new TakeButton;
-    freezeButton(focused, State::Focus);
-    grid->addRow(QStringLiteral("taking, focused"), {progress, focused});
-    return grid;
-}
-
 QWidget* makeWindows(QWidget* parent)
 {
     auto* page = new QWidget(parent);
@@ -203,6 +207,9 @@ QWidget* makeWindows(QWidget* parent)
     input->setValue(0, QStringLiteral("3,6,8-14"));
     add(std::move(input));
     add(std::make_unique<AboutDialog>());
+    add(std::make_unique<ReconnectDialog>());
+    add(std::make_unique<ImportShowDialog>());
+    add(std::make_unique<ConfigurationDialog>());
     add(makeMenu());
     return page;
 }

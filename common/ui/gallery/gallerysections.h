@@ -13,7 +13,14 @@ QWidget* makeFields(QWidget* parent);
 QWidget* makeChoices(QWidget* parent);
 QWidget* makeBars(QWidget* parent);
 QWidget* makePanels(QWidget* parent);
-QWidget* makePlayerParts(QWidget* parent);
+QWidget* makeShell(QWidget* parent);
+QWidget* makeNotifications(QWidget* parent);
+QWidget* makeTimes(QWidget* parent);
+QWidget* makeChannelParts(QWidget* parent);
+QWidget* makePictures(QWidget* parent);
+QWidget* makeSliders(QWidget* parent);
+QWidget* makeSounds(QWidget* parent);
+QWidget* makeTakes(QWidget* parent);
 QWidget* makeWindows(QWidget* parent);
 
 } // namespace vantrel::gallery

@@ -34,7 +34,14 @@ constexpr std::array sections{
     Section{"Choices", gallery::makeChoices},
     Section{"Bars and switches", gallery::makeBars},
     Section{"Panels", gallery::makePanels},
-    Section{"Player", gallery::makePlayerParts},
+    Section{"Window", gallery::makeShell},
+    Section{"Notifications", gallery::makeNotifications},
+    Section{"Times", gallery::makeTimes},
+    Section{"Channel", gallery::makeChannelParts},
+    Section{"Pictures", gallery::makePictures},
+    Section{"Seek bar", gallery::makeSliders},
+    Section{"Sound", gallery::makeSounds},
+    Section{"Take", gallery::makeTakes},
     Section{"Dialogs and menus", gallery::makeWindows},
 };
 

@@ -1,6 +1,7 @@
 #include "common/ui/gallery/pictureof.h"
 
 #include "common/ui/fontsizefollower.h"
+#include "common/ui/ztdialog.h"
 
 #include <QTimer>
 
@@ -20,7 +21,10 @@ PictureOf::~PictureOf() = default;
 void PictureOf::redraw()
 {
     m_window->ensurePolished();
-    m_window->adjustSize();
+    if (auto* dialog = qobject_cast<ZTDialog*>(m_window.get()))
+        dialog->fitToContent();
+    else
+        m_window->adjustSize();
     setPixmap(m_window->grab());
 }
 

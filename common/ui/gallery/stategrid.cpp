@@ -6,11 +6,14 @@
 #include <QAbstractButton>
 #include <QGridLayout>
 
+#include <algorithm>
+
 namespace vantrel::gallery {
 
 StateGrid::StateGrid(const QStringList& states, QWidget* parent)
     : QWidget(parent)
     , m_layout(new QGridLayout(this))
+    , m_columns(std::max(6, static_cast<int>(states.size())))
 {
     m_layout->setContentsMargins(12, 4, 12, 12);
     m_layout->setHorizontalSpacing(16);
@@ -20,19 +23,31 @@ StateGrid::StateGrid(const QStringList& states, QWidget* parent)
         title->setStyleClass(QStringLiteral("caption"));
         m_layout->addWidget(title, 0, i + 1);
     }
-    m_layout->setColumnStretch(static_cast<int>(states.size()) + 1, 1);
+    m_layout->setColumnStretch(m_columns + 1, 1);
 }
 
 void StateGrid::addRow(const QString& kind, const QList<QWidget*>& widgets)
 {
-    auto* title = new ZTLabel(kind, this);
-    title->setStyleClass(QStringLiteral("dim"));
-    m_layout->addWidget(title, m_rows, 0);
+    addTitle(kind);
     for (int i = 0; i < widgets.size(); ++i) {
         if (widgets[i])
             m_layout->addWidget(widgets[i], m_rows, i + 1, Qt::AlignLeft | Qt::AlignVCenter);
     }
     ++m_rows;
+}
+
+void StateGrid::addWide(const QString& kind, QWidget* widget)
+{
+    addTitle(kind);
+    m_layout->addWidget(widget, m_rows, 1, 1, m_columns + 1, Qt::AlignLeft | Qt::AlignVCenter);
+    ++m_rows;
+}
+
+void StateGrid::addTitle(const QString& kind)
+{
+    auto* title = new ZTLabel(kind, this);
+    title->setStyleClass(QStringLiteral("dim"));
+    m_layout->addWidget(title, m_rows, 0);
 }
 
 void freezeButton(QAbstractButton* button, State state)

@@ -23,9 +23,14 @@ public:
 
     /// Adds a row; a null widget leaves its place empty.
     void addRow(const QString& kind, const QList<QWidget*>& widgets);
+    /// A row for one widget that may be wider than a column.
+    void addWide(const QString& kind, QWidget* widget);
 
 private:
+    void addTitle(const QString& kind);
+
     QGridLayout* m_layout;
+    int m_columns;
     int m_rows = 1;
 };
 

@@ -119,6 +119,28 @@ private Q_SLOTS:
         QVERIFY(first(channel()->takeControls()) < first(channel()->programWidget()));
     }
 
+    /// Every control looks different once Tab has reached it.
+    void focusIsVisible()
+    {
+        show(1, {1600, 1000}, 1);
+        m_window->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
+        QStringList unseen;
+        const QList<QWidget*> controls = tabOrder(m_window.get());
+        QVERIFY(controls.size() > 30);
+        for (QWidget* control : controls) {
+            m_window->setFocus();
+            QCoreApplication::processEvents();
+            const QImage before = control->grab().toImage();
+            control->setFocus(Qt::TabFocusReason);
+            QCoreApplication::processEvents();
+            if (control->hasFocus() && control->grab().toImage() == before)
+                unseen.append(QString::fromLatin1(control->metaObject()->className()) + u' ' +
+                              control->objectName());
+        }
+        QVERIFY2(unseen.isEmpty(), qPrintable(unseen.join(u'\n')));
+    }
+
     void auditSeesFaults()
     {
         QWidget window;
