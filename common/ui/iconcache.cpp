@@ -38,13 +38,15 @@ QPixmap render(const QString& path, const QColor& colour, const QSize& size, qre
     pixmap = QPixmap(size * ratio);
     pixmap.fill(Qt::transparent);
     QPainter painter(&pixmap);
-    painter.setOpacity(opacity);
     renderer.setAspectRatioMode(Qt::KeepAspectRatio);
     renderer.render(&painter, QRectF(QPointF(), QSizeF(pixmap.size())));
     if (colour.isValid()) {
-        painter.setOpacity(1.0);
         painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
         painter.fillRect(pixmap.rect(), colour);
+    }
+    if (opacity < 1.0) { // of the whole: fills and the outlines over them must not add up
+        painter.setCompositionMode(QPainter::CompositionMode_DestinationIn);
+        painter.fillRect(pixmap.rect(), QColor::fromRgbF(0, 0, 0, static_cast<float>(opacity)));
     }
     painter.end();
     pixmap.setDevicePixelRatio(ratio);
