@@ -34,6 +34,7 @@ OutputView::OutputView(QWidget* parent)
     items->addWidget(new AudioOutputItem(column));
     items->addStretch(1);
     area->setWidget(column);
+    setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Expanding);
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(title);
     layout->addWidget(area, 1);
@@ -51,7 +52,7 @@ void OutputView::onStyleChange(ConfigurationOption option, const QVariant& value
 
 void OutputView::setTextSize(FontSize size)
 {
-    setFixedWidth(minimumWidths.value(size));
+    setMinimumWidth(minimumWidths.value(size));
 }
 
 } // namespace vantrel

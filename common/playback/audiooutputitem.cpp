@@ -29,6 +29,9 @@ AudioOutputItem::AudioOutputItem(QWidget* parent)
 
     auto* content = new QWidget(this);
     auto* layout = new QFormLayout(content);
+    layout->setRowWrapPolicy(
+        QFormLayout::WrapLongRows); // in a narrow column the switch stands below its name
+    layout->setLabelAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     layout->addRow(new ZTLabel(tr("Preview output:"), content), m_preview);
     layout->addRow(new ZTLabel(tr("Program output:"), content), m_program);
     layout->addRow(createMessage());
@@ -54,10 +57,13 @@ AudioOutputItem::AudioOutputItem(QWidget* parent)
 SwitchSelect* AudioOutputItem::createSwitch(const QString& name, const QString& accessibleName)
 {
     auto* target = new SwitchSelect(this);
-    target->addItem(tr("Embedded"), static_cast<int>(AudioPlaybackDevice::Embedded));
-    target->addItem(tr("XLR"), static_cast<int>(AudioPlaybackDevice::Xlr));
-    target->addItem(tr("Dante"), static_cast<int>(AudioPlaybackDevice::Dante));
-    target->addItem(tr("Off"), static_cast<int>(AudioPlaybackDevice::Off));
+    target->addItem(tr("Embedded"), static_cast<int>(AudioPlaybackDevice::Embedded),
+                    tr("Sound goes out beside the picture, on the video output"));
+    target->addItem(tr("XLR"), static_cast<int>(AudioPlaybackDevice::Xlr),
+                    tr("Sound goes out on the XLR connectors"));
+    target->addItem(tr("Dante"), static_cast<int>(AudioPlaybackDevice::Dante),
+                    tr("Sound goes out on the audio network"));
+    target->addItem(tr("Off"), static_cast<int>(AudioPlaybackDevice::Off), tr("No sound"));
     target->setObjectNames(name);
     target->setAccessibleName(accessibleName);
     target->setEnabled(false);
