@@ -1,5 +1,6 @@
 #include "common/playback/channelhint.h"
 
+#include "common/playback/playbackpreview.h"
 #include "common/session/session.h"
 #include "common/ui/colors.h"
 #include "common/ui/hotkeys.h"
@@ -16,13 +17,14 @@ constexpr int margin = 16; // pixels
 
 } // namespace
 
-ChannelHint::ChannelHint(PlaybackViewMode viewMode, QWidget* parent)
-    : QWidget(parent)
+ChannelHint::ChannelHint(PlaybackViewMode viewMode, PlaybackPreview* preview)
+    : QWidget(preview)
     , m_viewMode(viewMode)
+    , m_preview(preview)
 {
     setAttribute(Qt::WA_TransparentForMouseEvents);
-    setGeometry(parent->rect());
-    parent->installEventFilter(this);
+    setGeometry(preview->rect());
+    preview->installEventFilter(this);
     const Session* session = Session::instance();
     if (const Hotkeys* hotkeys = session ? session->hotkeys() : nullptr)
         connect(hotkeys, &Hotkeys::mappingChanged, this, qOverload<>(&QWidget::update));
@@ -45,8 +47,8 @@ QString ChannelHint::text() const
 
 bool ChannelHint::eventFilter(QObject* watched, QEvent* event)
 {
-    if (watched == parent() && event->type() == QEvent::Resize)
-        setGeometry(parentWidget()->rect());
+    if (watched == m_preview && event->type() == QEvent::Resize)
+        setGeometry(m_preview->rect());
     return QWidget::eventFilter(watched, event);
 }
 
@@ -54,8 +56,8 @@ void ChannelHint::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
     painter.setPen(colors::getColor(colors::Zt_white_70));
-    painter.drawText(rect().adjusted(margin, margin, -margin, -margin), Qt::AlignCenter | Qt::TextWordWrap,
-                     text());
+    painter.drawText(m_preview->pictureRect().adjusted(margin, margin, -margin, -margin),
+                     Qt::AlignCenter | Qt::TextWordWrap, text());
 }
 
 } // namespace vantrel

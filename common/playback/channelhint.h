@@ -6,14 +6,16 @@
 
 namespace vantrel {
 
+class PlaybackPreview;
+
 /// What an empty channel says in the place of its picture: that nothing is on it, and how something gets
-/// there. Lies over its parent and lets mouse and drops through. Owned by PlaybackWidget; main thread.
+/// there. Lies over the picture and lets mouse and drops through. Owned by PlaybackWidget; main thread.
 class ChannelHint : public QWidget
 {
     Q_OBJECT
 
 public:
-    ChannelHint(PlaybackViewMode viewMode, QWidget* parent);
+    ChannelHint(PlaybackViewMode viewMode, PlaybackPreview* preview);
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -23,6 +25,7 @@ private:
     QString text() const;
 
     PlaybackViewMode m_viewMode;
+    PlaybackPreview* m_preview;
 };
 
 } // namespace vantrel
