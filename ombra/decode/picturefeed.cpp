@@ -6,6 +6,13 @@
 
 namespace vantrel::ombra {
 
+namespace {
+
+/// Seconds that the clock may be ahead of what is decoded before pictures are passed over.
+constexpr double patience = 0.1;
+
+} // namespace
+
 PictureFeed::PictureFeed(MediaSource source, Canvas canvas, double start, std::string name,
                          std::function<void()> arrived, PictureOpener open)
     : m_source(std::move(source))
@@ -59,6 +66,7 @@ void PictureFeed::seekAfresh(double time)
     m_queue.clear();
     m_taken.reset();
     m_first = true;
+    m_clock = 0;
     m_status.ended = false;
     m_status.failed = m_status.failed && !m_status.opened; // another place may be whole
     m_seekTo = time;
@@ -75,6 +83,7 @@ bool PictureFeed::reuse(double time)
     const bool isLast = later == known.end() && m_status.ended;
     if (later == known.begin() || (later == known.end() && !isLast))
         return false;
+    m_clock = 0;
     known.erase(known.begin(), std::prev(later));
     m_queue = std::move(known);
     m_taken.reset();
@@ -87,6 +96,8 @@ std::optional<Picture> PictureFeed::take(double time)
     {
         const std::lock_guard lock(m_mutex);
         const double limit = time + PictureReader::tolerance;
+        if (!m_first)
+            m_clock = time;
         if (m_queue.empty() || (!m_first && m_queue.front().time > limit))
             return std::nullopt;
         m_first = false;
@@ -130,13 +141,24 @@ void PictureFeed::run()
             continue;
         }
         const std::optional<double> target = std::exchange(m_seekTo, std::nullopt);
-        lock.unlock();
         Picture picture;
-        const bool found = target ? reader->seek(*target, picture) : reader->next(picture);
-        lock.lock();
+        const bool found = read(lock, *reader, target, picture);
         if (!m_seekTo && !m_stop)
             accept(lock, found, std::move(picture), target.has_value());
     }
+}
+
+bool PictureFeed::read(std::unique_lock<std::mutex>& lock, PictureReader& reader,
+                       std::optional<double> target, Picture& out)
+{
+    const double clock = m_clock;
+    const bool behind = clock > m_status.endTime + patience;
+    lock.unlock();
+    const bool found = target   ? reader.seek(*target, out)
+                       : behind ? reader.catchUp(clock, out)
+                                : reader.next(out);
+    lock.lock();
+    return found;
 }
 
 bool PictureFeed::openAnew(std::unique_lock<std::mutex>& lock, std::unique_ptr<PictureReader>& reader,

@@ -12,7 +12,8 @@
 namespace vantrel::ombra {
 
 /// Decodes one medium ahead of its playback on a thread of its own, which ends with the feed. The functions
-/// only take and give what is there: none waits for a decoder. Any thread.
+/// only take and give what is there: none waits for a decoder. Pictures whose time has gone are passed over,
+/// so that a medium too heavy for the machine stays with its clock. Any thread.
 class PictureFeed
 {
 public:
@@ -50,6 +51,8 @@ private:
     static constexpr std::size_t ahead = 6; // pictures
 
     void run();
+    bool read(std::unique_lock<std::mutex>& lock, PictureReader& reader, std::optional<double> target,
+              Picture& out);
     bool openAnew(std::unique_lock<std::mutex>& lock, std::unique_ptr<PictureReader>& reader,
                   const Canvas& canvas);
     void seekAfresh(double time);
@@ -70,6 +73,7 @@ private:
     std::optional<Picture> m_taken; // the one taken last, while it lies directly before the queue
     std::optional<double> m_seekTo; // asked for, not begun
     bool m_first = true;            // the next picture is the first after a seek
+    double m_clock = 0;             // seconds, asked for last in going on from there
     Status m_status;
     std::thread m_thread; // last: it uses all of the above
 };

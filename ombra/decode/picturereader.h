@@ -73,6 +73,9 @@ public:
     virtual bool seek(double time, Picture& out) = 0;
     /// The picture after the one read last; false at the end.
     virtual bool next(Picture& out) = 0;
+    /// A later picture than the one read last, for whoever has fallen behind: the one of the time (seconds)
+    /// where what lies before it can be passed over. Times after a short reach are reached in steps.
+    virtual bool catchUp(double /*time*/, Picture& out) { return next(out); }
 };
 
 /// Opens what the source names, whatever kind it is. Sound without pictures reads as black. Null, and the

@@ -30,13 +30,23 @@ std::unique_ptr<SequenceReader> SequenceReader::open(const SequencePattern& patt
 
 bool SequenceReader::seek(double time, Picture& out)
 {
+    return load(indexAt(time), out);
+}
+
+int SequenceReader::indexAt(double time) const
+{
     const double wanted = std::floor((time + std::min(tolerance, 0.25 / m_fps)) * m_fps);
-    return load(static_cast<int>(std::clamp(wanted, 0.0, count() - 1)), out);
+    return static_cast<int>(std::clamp(wanted, 0.0, count() - 1));
 }
 
 bool SequenceReader::next(Picture& out)
 {
     return m_index + 1 < count() && load(m_index + 1, out);
+}
+
+bool SequenceReader::catchUp(double time, Picture& out)
+{
+    return m_index + 1 < count() && load(std::max(indexAt(time), m_index + 1), out);
 }
 
 bool SequenceReader::load(int index, Picture& out)

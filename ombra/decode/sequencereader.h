@@ -19,6 +19,7 @@ public:
     double duration() const override { return count() / m_fps; }
     bool seek(double time, Picture& out) override;
     bool next(Picture& out) override;
+    bool catchUp(double time, Picture& out) override;
 
 private:
     SequenceReader(SequencePattern pattern, Canvas canvas, const std::atomic<bool>& stop)
@@ -28,6 +29,7 @@ private:
     {
     }
     double count() const { return double(m_last) - m_first + 1; }
+    int indexAt(double time) const;
     bool load(int index, Picture& out);
 
     SequencePattern m_pattern;

@@ -9,6 +9,7 @@ namespace {
 
 constexpr int damagedPacketsAtMost = 500;
 constexpr double decodedBefore = 1;  // seconds before a sought time from which every picture is decoded
+constexpr double catchUpReach = 0.5; // seconds of pictures passed over until one is shown again
 constexpr double forwardReach = 0.8; // seconds that are decoded rather than sought
 
 /// Some containers round times to milliseconds: a time close to where the picture rate has a picture is meant
@@ -75,6 +76,16 @@ bool VideoReader::next(Picture& out)
     stepAhead();
     decodeAhead(); // tells how long this one stands; there is none after the last
     return deliver(out);
+}
+
+bool VideoReader::catchUp(double time, Picture& out)
+{
+    m_atStart = false;
+    const double target = std::min(time, m_currentTime + catchUpReach);
+    m_skipUntil = target;
+    const bool found = (m_hasAhead || decodeAhead()) && (stepAhead(), walkTo(target));
+    m_skipUntil = 0;
+    return found && deliver(out);
 }
 
 void VideoReader::stepAhead()

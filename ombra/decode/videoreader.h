@@ -23,6 +23,7 @@ public:
     double duration() const override { return m_duration; }
     bool seek(double time, Picture& out) override;
     bool next(Picture& out) override;
+    bool catchUp(double time, Picture& out) override;
 
 private:
     VideoReader(std::unique_ptr<AvInput> input, AvPtr<AVCodecContext> decoder, Canvas canvas);

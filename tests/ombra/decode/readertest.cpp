@@ -190,6 +190,32 @@ private Q_SLOTS:
         }
     }
 
+    void passesOverPicturesToCatchUp_data() { findsEveryPictureExactly_data(); }
+    void passesOverPicturesToCatchUp()
+    {
+        QFETCH(QByteArray, name);
+        const auto reader = open(name.constData());
+        QVERIFY2(reader, m_error.c_str());
+        Picture picture;
+        QVERIFY(reader->seek(0.2, picture));
+        QVERIFY(reader->catchUp(0.4, picture));
+        QVERIFY2(numberOn(picture.surface.get()) > 7, "pictures that nobody waits for were shown");
+        QVERIFY(picture.time < 0.402);
+        // A long way goes in steps, each of them at least a picture, and never past the end.
+        int shown = 1;
+        double before = picture.time;
+        for (; reader->catchUp(99, picture); ++shown, before = picture.time) {
+            QVERIFY(picture.time > before && picture.time < before + 0.55);
+            QVERIFY(std::abs(picture.time - numberOn(picture.surface.get()) / 25.0) < 0.002);
+        }
+        QCOMPARE(numberOn(picture.surface.get()), 49);
+        QVERIFY2(shown < 6, qPrintable(QString::number(shown)));
+        QVERIFY(reader->seek(0.6, picture)); // exact as ever
+        QCOMPARE(numberOn(picture.surface.get()), 15);
+        QVERIFY(reader->next(picture));
+        QCOMPARE(numberOn(picture.surface.get()), 16);
+    }
+
     void findsPicturesFarFromAKeyAndThoseThatStandLong()
     {
         // Ten seconds, one key picture, B pictures; then one in which a picture stands for four seconds.
@@ -291,6 +317,11 @@ private Q_SLOTS:
             QCOMPARE(numberOn(picture.surface.get()), number);
         }
         QVERIFY(!reader->next(picture));
+        QVERIFY(!reader->catchUp(9, picture));
+        QVERIFY(reader->seek(0, picture) && reader->catchUp(0.5, picture));
+        QCOMPARE(numberOn(picture.surface.get()), 6);
+        QVERIFY(reader->catchUp(0.1, picture)); // never back
+        QCOMPARE(numberOn(picture.surface.get()), 7);
         QVERIFY(!open("seq_%03d.png", {}, SequenceRun{10, 90, 99}));
         QVERIFY(!m_error.empty());
     }

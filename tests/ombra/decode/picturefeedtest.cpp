@@ -1,0 +1,90 @@
+#include "ombra/decode/picturefeed.h"
+
+#include "ombra/decode/constantreader.h"
+#include "tests/support/testmain.h"
+
+#include <QSemaphore>
+
+using namespace vantrel;
+using namespace vantrel::ombra;
+
+namespace {
+
+/// Ten seconds at 25 pictures a second, each of them read when the test lets it.
+class GatedReader : public PictureReader
+{
+public:
+    explicit GatedReader(QSemaphore& gate)
+        : m_gate(gate)
+    {
+    }
+    MediaType type() const override { return MediaType::VideoFile; }
+    double fps() const override { return 25; }
+    double duration() const override { return 10; }
+    bool seek(double time, Picture& out) override { return read(qRound(time * 25), out); }
+    bool next(Picture& out) override { return read(m_index + 1, out); }
+    bool catchUp(double time, Picture& out) override { return seek(time, out); }
+
+private:
+    bool read(int index, Picture& out)
+    {
+        m_gate.acquire();
+        m_index = index;
+        out = {blackSurface({}), index / 25.0, 0.04};
+        return index < 250;
+    }
+
+    QSemaphore& m_gate;
+    int m_index = -1;
+};
+
+} // namespace
+
+/// How a feed stays with the clock of who plays it.
+class PictureFeedTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void staysWithTheClock_data()
+    {
+        QTest::addColumn<double>("clock");
+        QTest::addColumn<int>("least"); // reads until the picture of the clock is there
+        QTest::addColumn<int>("most");
+        QTest::newRow("a little late: nothing is passed over") << 0.08 << 2 << 2;
+        QTest::newRow("far behind") << 5.0 << 2 << 3;
+    }
+    void staysWithTheClock()
+    {
+        QFETCH(double, clock);
+        QFETCH(int, least);
+        QFETCH(int, most);
+        QSemaphore gate;
+        PictureFeed feed(
+            {}, {}, 0, "gated", [] {},
+            [&](const MediaSource&, Canvas, const std::atomic<bool>&, std::string*) {
+                return std::make_unique<GatedReader>(gate);
+            });
+        const auto opened = qScopeGuard([&] { gate.release(20); }); // the feed ends with what it is reading
+        std::optional<Picture> picture;
+        const auto readOne = [&](double time) {
+            gate.release();
+            return QTest::qWaitFor([&] { return bool(picture = feed.take(time)); });
+        };
+        QVERIFY(readOne(0));
+        // The feed is in the middle of the picture that follows, whatever the time is by now.
+        int count = 0;
+        for (double shown = 0; shown < clock - 0.001; shown = picture->time, ++count) {
+            QVERIFY2(count < most, qPrintable(QString::number(shown)));
+            QVERIFY(readOne(clock));
+        }
+        QVERIFY2(count >= least, qPrintable(QString::number(count)));
+        feed.seek(1);   // and back, to the very picture
+        gate.release(); // what was under way, for nobody
+        QVERIFY(readOne(1));
+        QCOMPARE(picture->time, 1.0);
+    }
+};
+
+HALCYRA_TEST(PictureFeedTest)
+#include "picturefeedtest.moc"
