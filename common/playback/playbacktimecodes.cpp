@@ -6,6 +6,8 @@
 
 #include <QGridLayout>
 
+#include <cmath>
+
 namespace vantrel {
 
 namespace {
@@ -87,7 +89,9 @@ void PlaybackTimecodes::setRemainingTimeVisible(bool visible)
 
 void PlaybackTimecodes::updateRemaining()
 {
-    const double left = m_outpoint - m_position;
+    // A display cuts to whole milliseconds, and a difference falls short of them by a rounding error as often
+    // as not: half a nanosecond more keeps 16.720 from showing as 16.719.
+    const double left = (std::round((m_outpoint - m_position) * 1e9) + 0.5) * 1e-9;
     m_remaining->setTime(m_hasOutpoint && left > 0.0 ? left : 0.0);
 }
 

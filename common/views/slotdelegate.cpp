@@ -205,7 +205,7 @@ int paintMark(QPainter* painter, const QRect& line, const QFont& font, const Mar
         painter->drawText(chip.adjusted(side + 5, 0, -3, 0), Qt::AlignVCenter | Qt::AlignLeft, mark.text);
         painter->setPen(Qt::NoPen);
     }
-    return width + margin;
+    return width + (isShort ? margin / 2 : margin);
 }
 
 /// Draws what is wrong with a file that does not play, or not whole.

@@ -81,7 +81,14 @@ private Q_SLOTS:
         QCOMPARE(remaining->getTime(), 0.0);
         timecodes.setOutpoint(10.0);
         timecodes.setPosition(4.0);
-        QCOMPARE(remaining->getTime(), 6.0);
+        QCOMPARE(remaining->text(), QStringLiteral("00:00:06.000"));
+        timecodes.setOutpoint(20.0);
+        for (int frame = 0; frame < 500; ++frame) { // to the millisecond, at every picture
+            timecodes.setPosition(frame / 25.0);
+            const int left = 20000 - frame * 40;
+            QCOMPARE(remaining->text(), QString::asprintf("00:00:%02d.%03d", left / 1000, left % 1000));
+        }
+        timecodes.setOutpoint(10.0);
         timecodes.setPosition(11.0);
         QCOMPARE(remaining->getTime(), 0.0);
         QCOMPARE(timecodes.findChild<TimecodeDisplay*>(QStringLiteral("T-Playhead"))->getTime(), 11.0);
