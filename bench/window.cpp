@@ -1,5 +1,6 @@
 // What the running application costs: time to its window, stalls while a large scene loads, a preview
 // picture.
+#include "bench/row.h"
 #include "tarn/net/linkframe.h"
 #include "tests/support/appprocess.h"
 #include "tests/support/fakelink.h"
@@ -20,18 +21,9 @@
 
 using namespace vantrel;
 using namespace vantrel::test;
+using vantrel::bench::row;
 
 namespace {
-
-void row(const char* name, const char* peer, double ours, double theirs, const char* unit, double goal)
-{
-    const double ratio = theirs / ours;
-    std::printf(
-        "{\"name\":\"%s\",\"peer\":\"%s\",\"ours\":%.4f,\"theirs\":%.4f,\"unit\":\"%s\",\"ratio\":%.4f,"
-        "\"goal\":%.4f,\"met\":%s}\n",
-        name, peer, ours, theirs, unit, ratio, goal, ratio >= goal ? "true" : "false");
-    std::fflush(stdout);
-}
 
 double median(std::vector<double> values)
 {

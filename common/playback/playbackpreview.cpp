@@ -97,6 +97,16 @@ QRectF PlaybackPreview::pictureRect() const
     return picture;
 }
 
+bool PlaybackPreview::event(QEvent* event)
+{
+    const bool handled = ZTFrame::event(event);
+    // A style sheet's polish takes every widget for transparent: each picture would repaint all parents under
+    // it.
+    if (event->type() == QEvent::Polish || event->type() == QEvent::StyleChange)
+        setAttribute(Qt::WA_OpaquePaintEvent);
+    return handled;
+}
+
 void PlaybackPreview::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);

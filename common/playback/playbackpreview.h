@@ -45,6 +45,7 @@ Q_SIGNALS:
     void dragAndDropEntry(std::shared_ptr<vantrel::GuiMediaItem> item);
 
 protected:
+    bool event(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dragLeaveEvent(QDragLeaveEvent* event) override;

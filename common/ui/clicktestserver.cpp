@@ -104,7 +104,7 @@ void ClickTestServer::processRequest()
         handleFirstWidget();
     else if (operation == QLatin1String("grab"))
         grabFirstWidget();
-    else if (operation == QLatin1String("figures") || operation == QLatin1String("figures_reset"))
+    else if (operation.startsWith(QLatin1String("figures")))
         handleFigures();
     else
         handleMouse();
@@ -170,6 +170,8 @@ void ClickTestServer::handleFigures()
     m_results.append(m_figures->toJson());
     if (m_request.operation == QLatin1String("figures_reset"))
         m_figures->reset();
+    else if (m_request.operation == QLatin1String("figures_rest"))
+        m_figures->rest();
 }
 
 void ClickTestServer::handleFirstWidget()

@@ -46,6 +46,8 @@ void UiFigures::reset()
 {
     m_longestStallMs = 0;
     m_previewPictures = 0;
+    m_sinceTick.start();
+    m_tick.start();
 }
 
 QJsonObject UiFigures::toJson() const

@@ -19,6 +19,8 @@ public:
 
     /// Starts the longest stall and the number of pictures anew.
     void reset();
+    /// Ends the watch for stalls, and with it the ticks, until the next reset.
+    void rest() { m_tick.stop(); }
     QJsonObject toJson() const;
 
 private:

@@ -20,6 +20,7 @@ public:
     /// listens.
     static QStringList connectTo(const ServerPorts& ports);
     quint16 uiTestPort() const { return m_port; }
+    qint64 pid() const { return m_process.processId(); }
     bool isRunning() const { return m_process.state() == QProcess::Running; }
     /// Asks it to end and waits; its exit code, -1 after a crash or the limit.
     int stop();

@@ -164,4 +164,9 @@ QJsonObject RobotClient::figures(bool reset)
     return ask({{"operation", reset ? "figures_reset" : "figures"}}).first().toObject();
 }
 
+void RobotClient::restFigures()
+{
+    ask({{"operation", "figures_rest"}});
+}
+
 } // namespace vantrel::test

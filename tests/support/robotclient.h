@@ -54,6 +54,8 @@ public:
     /// Figures that the application keeps of itself: "longestStallMs" of the main thread, "previewPictures"
     /// since the start or the last reset, "mainThreadCpuMs" since the start.
     QJsonObject figures(bool reset = false);
+    /// Ends the watch for stalls until the next reset: it costs a tick each millisecond.
+    void restFigures();
 
 private:
     QJsonObject waitForCell(const QString& view, int row, int column, int msLimit);

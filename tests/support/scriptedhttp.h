@@ -28,6 +28,7 @@ public:
         int status = 200;
         QByteArray body;
         QByteArray contentType = "application/json";
+        bool endsHere = true; // else the connection stays open for more, as that of an event stream
     };
     using Handler = std::function<Reply(const Request&)>;
 
@@ -54,10 +55,12 @@ public:
     /// Also for a request that was left open.
     static void answer(QTcpSocket* socket, const Reply& reply)
     {
+        const QByteArray size =
+            reply.endsHere ? "\r\nContent-Length: " + QByteArray::number(reply.body.size()) : QByteArray();
         socket->write("HTTP/1.1 " + QByteArray::number(reply.status) + " Scripted\r\nContent-Type: " +
-                      reply.contentType + "\r\nContent-Length: " + QByteArray::number(reply.body.size()) +
-                      "\r\nConnection: close\r\n\r\n" + reply.body);
-        socket->disconnectFromHost();
+                      reply.contentType + size + "\r\nConnection: close\r\n\r\n" + reply.body);
+        if (reply.endsHere)
+            socket->disconnectFromHost();
     }
 
     Handler handler;

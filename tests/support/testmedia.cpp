@@ -52,6 +52,13 @@ bool makeClip(const QString& file, const Quadrants& colours, double seconds)
                       "ultrafast", "-g", "25", "-c:a", "aac", file});
 }
 
+bool makeMovingClip(const QString& file, double seconds)
+{
+    return runFfmpeg({"-f", "lavfi", "-i", QStringLiteral("testsrc2=s=640x360:r=25:d=%1").arg(seconds), "-f",
+                      "lavfi", "-i", QStringLiteral("sine=frequency=330:duration=%1").arg(seconds), "-c:v",
+                      "libx264", "-preset", "ultrafast", "-g", "25", "-c:a", "aac", file});
+}
+
 Quadrants quadrantsOf(const QImage& picture)
 {
     const QSizeF area = QSizeF(16, 9).scaled(picture.size(), Qt::KeepAspectRatio);

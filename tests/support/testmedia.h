@@ -16,6 +16,9 @@ using Quadrants = std::array<QColor, 4>;
 /// failure.
 bool makeClip(const QString& file, const Quadrants& colours, double seconds);
 
+/// A clip of 640 x 360 pixels, 25 frames a second, in which much moves, with the same tone. False on failure.
+bool makeMovingClip(const QString& file, double seconds);
+
 /// The colours that a picture shows, read in the middle of the quadrants of the 16:9 area centred in it.
 Quadrants quadrantsOf(const QImage& picture);
 

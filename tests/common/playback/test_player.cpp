@@ -17,6 +17,7 @@
 #include "common/session/sceneobjectprovider.h"
 #include "common/ui/doubleedit.h"
 #include "common/ui/elidedlabel.h"
+#include "common/ui/stylesheet.h"
 #include "common/ui/switchselect.h"
 #include "tarn/media/medialibrary.h"
 #include "tests/common/playback/playerfixture.h"
@@ -34,6 +35,24 @@ QByteArray quoted(const char* text)
 {
     return QByteArray("\"") + text + '"';
 }
+
+/// The names of the widgets that were painted since the last call, in order.
+class PaintedWidgets : public QObject
+{
+public:
+    PaintedWidgets() { qApp->installEventFilter(this); }
+    QStringList take() { return std::exchange(m_names, {}); }
+
+private:
+    bool eventFilter(QObject* watched, QEvent* event) override
+    {
+        if (event->type() == QEvent::Paint && watched->isWidgetType())
+            m_names.append(watched->objectName());
+        return false;
+    }
+
+    QStringList m_names;
+};
 
 } // namespace
 
@@ -115,6 +134,26 @@ private Q_SLOTS:
         const auto* left =
             m_fixture->part<TimecodeDisplay>("Program-PlaybackWidget-PlaybackTimecodes-Remaining");
         QCOMPARE(left->text(), QStringLiteral("00:00:00.500"));
+    }
+
+    void aPictureRepaintsNothingElse()
+    {
+        StyleSheet::apply(*qApp);
+        QVERIFY(m_fixture->connect());
+        auto* picture = m_fixture->part<PlaybackPreview>("Preview-PlaybackWidget-PreviewWidget");
+        QVERIFY(QTest::qWaitForWindowExposed(m_fixture->view.get()));
+        PaintedWidgets painted;
+        PreviewFrame frame;
+        frame.source = "/device/channels/0/preview";
+        QStringList names;
+        const auto onlyThePicture = [&] { // once the window has come to rest
+            painted.take();
+            picture->onFrame(frame, QPixmap(480, 270));
+            return QTest::qWaitFor([&] { return !(names = painted.take()).isEmpty(); }) &&
+                   names == QStringList(picture->objectName());
+        };
+        QVERIFY2(QTest::qWaitFor(onlyThePicture), qPrintable(names.join(u' ')));
+        qApp->setStyleSheet({});
     }
 
     void takeCarriesTheOptions_data()

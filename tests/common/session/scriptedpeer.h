@@ -21,7 +21,7 @@ public:
             if (request.target.endsWith("/system"))
                 return {200, R"({"hostname":"stage","firmwareVersion":{"major":1,"minor":"2","patch":3}})"};
             if (request.target.contains("/sse"))
-                return {0, {}};
+                return {200, {}, "text/event-stream", false}; // the library's first fetch waits for it
             return {404, {}};
         };
         ServerPorts ports;
