@@ -82,6 +82,8 @@ void ChannelWidget::setObject(Object* object, Scene* scene)
     m_program->setObject(object ? object->findChildByName("program", false) : nullptr, scene);
     m_preview->setObject(object ? object->findChildByName("preview", false) : nullptr, scene);
     m_takeControls->setObject(object, scene);
+    if (object) // it may have waited hidden for its channel
+        m_adjust.start();
 }
 
 void ChannelWidget::adjustSplitters()

@@ -23,7 +23,7 @@ class ChannelWidget : public QWidget
 public:
     Q_INVOKABLE explicit ChannelWidget(QWidget* parent = nullptr);
 
-    /// The channel object, with its children "preview" and "program".
+    /// The channel object, with its children "preview" and "program"; null when the widget waits for one.
     void setObject(Object* object, Scene* scene);
     /// Gives both columns the same division, about three quarters for the playback.
     void adjustSplitters();

@@ -49,6 +49,10 @@ PlaybackPreview::PlaybackPreview(QWidget* parent)
 
 void PlaybackPreview::setSource(const std::string& path, int streamIndex)
 {
+    if (path != m_source) {
+        m_pixmap = QPixmap();
+        update();
+    }
     m_source = path;
     m_streamIndex = streamIndex;
 }

@@ -175,6 +175,7 @@ void PlaybackWidget::setObject(Object* object, Scene* scene)
         m_preview->setSource({}, -1);
         m_footer->levelMeter()->setSource({});
         m_footer->levelMeter()->clear();
+        setIsResourceConstrained(false);
         return;
     }
     m_propertiesMapper->addMapping(QStringLiteral("state"), m_controls, "state");

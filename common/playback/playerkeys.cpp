@@ -87,6 +87,13 @@ void PlayerKeys::addChannel(ChannelWidget* channel)
     markFocusedChannel();
 }
 
+void PlayerKeys::removeChannel(const ChannelWidget* channel)
+{
+    if (m_channel == channel)
+        m_channel = nullptr;
+    markFocusedChannel();
+}
+
 PlaybackWidget* PlayerKeys::focusedChannel() const
 {
     for (QWidget* widget = QApplication::focusWidget(); widget && widget != m_view;

@@ -25,6 +25,7 @@ public:
     PlaybackWidget* focusedChannel() const;
     /// A channel has come; the first of them is the one that the keys are for.
     void addChannel(ChannelWidget* channel);
+    void removeChannel(const ChannelWidget* channel);
 
 private:
     void addTransport(Hotkeys* hotkeys);

@@ -26,6 +26,7 @@
 #include <QHBoxLayout>
 #include <QMap>
 #include <QStackedWidget>
+#include <QTimer>
 
 #include <algorithm>
 
@@ -85,10 +86,7 @@ PlayerPlaybackView::PlayerPlaybackView(QWidget* parent)
     m_mapper->setObjectName(QStringLiteral("playbacksMapper"));
     m_mapper->setObjectType(&ChannelWidget::staticMetaObject);
     connect(m_mapper, &WidgetMapper::widgetAdded, this, &PlayerPlaybackView::onWidgetAdded);
-    connect(m_mapper, &WidgetMapper::widgetRemoved, this, [this] {
-        --m_channelCount;
-        updateState();
-    });
+    connect(m_mapper, &WidgetMapper::widgetRemoved, this, &PlayerPlaybackView::onWidgetRemoved);
     connectSession();
     if (Hotkeys* hotkeys = Session::instance()->hotkeys())
         m_keys = new PlayerKeys(hotkeys, this);
@@ -191,6 +189,42 @@ void PlayerPlaybackView::setStale(bool stale)
     updateState();
 }
 
+void PlayerPlaybackView::onWidgetRemoved(QWidget* widget)
+{
+    --m_channelCount;
+    if (auto* channel = qobject_cast<ChannelWidget*>(widget)) {
+        channel->setObject(nullptr, nullptr);
+        if (m_keys)
+            m_keys->removeChannel(channel);
+    }
+    // Later: a server that comes back replaces its channels, and the page would go and come.
+    QMetaObject::invokeMethod(this, &PlayerPlaybackView::updateState, Qt::QueuedConnection);
+}
+
+void PlayerPlaybackView::paintEvent(QPaintEvent* event)
+{
+    QWidget::paintEvent(event);
+    if (!std::exchange(m_isPrepared, true))
+        QTimer::singleShot(0, this, &PlayerPlaybackView::prepareChannel);
+}
+
+/// Builds, lays out and draws a channel unseen once the window stands. In the midst of a connection's first
+/// patches that would hold the window up.
+void PlayerPlaybackView::prepareChannel()
+{
+    if (m_channelCount > 0) {
+        m_mapper->keepSpare(nullptr);
+        return;
+    }
+    auto* channel = new ChannelWidget(m_mapper->layout()->parentWidget());
+    m_mapper->keepSpare(channel);
+    QWidget* page = m_stack->widget(ChannelPage);
+    page->resize(m_stack->size());
+    channel->show(); // on its hidden page
+    page->grab();
+    channel->hide();
+}
+
 void PlayerPlaybackView::updateState()
 {
     const bool isConnected = Session::instance()->isConnected();
@@ -201,7 +235,7 @@ void PlayerPlaybackView::updateState()
     m_lostNotice->setText(isConnected ? tr("Connected again. Reading the state of the server.")
                                       : tr("Connection lost. What you see is the last known state."));
     m_lostNotice->setVisible(m_isStale);
-    m_stack->setCurrentIndex(m_channelCount > 0 ? 1 : 0);
+    m_stack->setCurrentIndex(m_channelCount > 0 ? ChannelPage : EmptyPage);
 }
 
 void PlayerPlaybackView::handleMediaDirectPlay(const QModelIndex& index)

@@ -34,14 +34,19 @@ Q_SIGNALS:
 
 protected:
     void resizeEvent(QResizeEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
 
 private:
+    enum Page { EmptyPage, ChannelPage };
+
     /// Divides the width between the media panel and the channels, until the operator does.
     void shareWidth();
     QWidget* createEmptyState();
     QWidget* createChannelArea();
     void connectSession();
     void onWidgetAdded(QWidget* widget, const QModelIndex& index);
+    void onWidgetRemoved(QWidget* widget);
+    void prepareChannel();
     void updateState();
     void setStale(bool stale);
 
@@ -56,6 +61,7 @@ private:
     int m_channelCount = 0;
     bool m_dividedByHand = false;
     bool m_isStale = false; // from the loss of the server until its state has come anew
+    bool m_isPrepared = false; // a channel's widget was built for the first connection
 };
 
 } // namespace vantrel

@@ -113,13 +113,17 @@ void ObjectMapper::drop(const MappedObject& mapped)
 {
     Q_EMIT objectRemoved(mapped.object, mapped.index);
     objectRemovedHook(mapped);
-    if (!mapped.object)
-        return;
-    if (auto* widget = qobject_cast<QWidget*>(mapped.object))
+    if (mapped.object)
+        release(mapped.object);
+}
+
+void ObjectMapper::release(QObject* object)
+{
+    if (auto* widget = qobject_cast<QWidget*>(object))
         widget->setParent(nullptr);
     else
-        mapped.object->setParent(nullptr);
-    delete mapped.object;
+        object->setParent(nullptr);
+    delete object;
 }
 
 bool ObjectMapper::concerns(const QModelIndex& parent) const

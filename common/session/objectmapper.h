@@ -44,6 +44,8 @@ protected:
     virtual QObject* createInstance();
     virtual void postPopulateHook(MappedObject& mapped);
     virtual void objectRemovedHook(const MappedObject& mapped);
+    /// Ends an object whose row is gone.
+    virtual void release(QObject* object);
 
     void populate();
 

@@ -36,8 +36,25 @@ bool WidgetMapper::initialized() const
     return true;
 }
 
+void WidgetMapper::keepSpare(QWidget* widget)
+{
+    m_keepsSpare = true;
+    m_spare = widget;
+    if (widget && m_layout)
+        m_layout->addWidget(widget);
+    hideSpare();
+}
+
+void WidgetMapper::hideSpare()
+{
+    if (m_spare)
+        m_spare->hide();
+}
+
 QObject* WidgetMapper::createInstance()
 {
+    if (m_spare)
+        return std::exchange(m_spare, nullptr);
     QObject* instance = ObjectMapper::createInstance();
     if (instance && !qobject_cast<QWidget*>(instance))
         qCWarning(lcMapper) << "Created instance is not a widget";
@@ -54,12 +71,25 @@ void WidgetMapper::postPopulateHook(MappedObject& mapped)
     const bool placed = widget->parentWidget() && holds(widget->parentWidget()->layout(), widget);
     if (!placed && m_layout)
         m_layout->addWidget(widget);
+    if (placed && m_keepsSpare)
+        widget->show();
 }
 
 void WidgetMapper::objectRemovedHook(const MappedObject& mapped)
 {
     if (auto* widget = qobject_cast<QWidget*>(mapped.object))
         Q_EMIT widgetRemoved(widget, mapped.index);
+}
+
+void WidgetMapper::release(QObject* object)
+{
+    if (!m_keepsSpare || m_spare) {
+        ObjectMapper::release(object);
+        return;
+    }
+    m_spare = qobject_cast<QWidget*>(object);
+    // Later: a row that is replaced needs it again at once.
+    QMetaObject::invokeMethod(this, &WidgetMapper::hideSpare, Qt::QueuedConnection);
 }
 
 } // namespace vantrel

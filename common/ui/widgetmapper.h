@@ -20,6 +20,9 @@ public:
     /// Before the model: without a layout no widget is made.
     void setLayout(QLayout* layout) { m_layout = layout; }
     QLayout* layout() const { return m_layout; }
+    /// From now on a widget whose row goes is kept, hidden in the layout, for the next row; to begin with
+    /// this one, a child of the layout's parent, or none. For widgets that take long to build.
+    void keepSpare(QWidget* widget);
 
 Q_SIGNALS:
     void widgetAdded(QWidget* widget, QModelIndex index);
@@ -30,9 +33,14 @@ protected:
     QObject* createInstance() override;
     void postPopulateHook(MappedObject& mapped) override;
     void objectRemovedHook(const MappedObject& mapped) override;
+    void release(QObject* object) override;
 
 private:
+    void hideSpare();
+
     QPointer<QLayout> m_layout;
+    QPointer<QWidget> m_spare;
+    bool m_keepsSpare = false;
 };
 
 } // namespace vantrel

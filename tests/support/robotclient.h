@@ -51,8 +51,9 @@ public:
 
     /// What the named widget shows now; null when it is not there.
     QImage grab(const QString& objectName);
-    /// Figures that the application keeps of itself: "longestStallMs" of the main thread, "previewPictures"
-    /// since the start or the last reset, "mainThreadCpuMs" since the start.
+    /// Figures that the application keeps of itself: "longestStallMs" of the main thread, "longestOwnStallMs"
+    /// without waiting for other programs, "previewPictures" since the start or the last reset,
+    /// "mainThreadCpuMs" since the start.
     QJsonObject figures(bool reset = false);
     /// Ends the watch for stalls until the next reset: it costs a tick each millisecond.
     void restFigures();

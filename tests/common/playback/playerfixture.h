@@ -50,7 +50,12 @@ public:
         return QTest::qWaitFor([this] { return channel(); });
     }
 
-    ChannelWidget* channel() const { return view->findChild<ChannelWidget*>(); }
+    /// Null while it waits hidden for the server to tell of one.
+    ChannelWidget* channel() const
+    {
+        auto* found = view->findChild<ChannelWidget*>();
+        return found && !found->isHidden() ? found : nullptr;
+    }
 
     template <typename T>
     T* part(const char* name) const

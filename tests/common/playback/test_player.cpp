@@ -81,9 +81,18 @@ private Q_SLOTS:
         QVERIFY(m_fixture->connect());
         QTRY_VERIFY(m_fixture->channel()->isVisible());
         QVERIFY(!titles().contains(QStringLiteral("Not connected")));
+        const ChannelWidget* channel = m_fixture->channel();
         m_fixture->peer.send("[{\"op\":\"remove\",\"path\":\"/device/channels/0\"}]");
         QTRY_VERIFY(!m_fixture->channel());
         QVERIFY(titles().contains(QStringLiteral("Waiting for the server")));
+        // A channel that comes in its place need not be built.
+        m_fixture->peer.send(R"([{"op":"add","path":"/device/channels/0","value":{"type":"Channel"}}])");
+        QTRY_COMPARE(m_fixture->channel(), channel);
+        m_fixture->peer.send(R"([{"op":"remove","path":"/device/channels/0"},
+                                 {"op":"add","path":"/device/channels/0","value":{"type":"Channel"}}])");
+        m_fixture->set("program", "muted", "true");
+        QTRY_VERIFY(channel->programWidget()->muteButton()->isMuted());
+        QVERIFY(!channel->isHidden());
     }
 
     void headerNamesWhatPlays_data()
