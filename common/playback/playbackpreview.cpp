@@ -114,7 +114,8 @@ bool PlaybackPreview::event(QEvent* event)
 void PlaybackPreview::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
-    // Around the picture the panel shows, and a line: what is black belongs to the picture.
+    // Around the picture the panel goes on, and a line: what is black belongs to the picture.
+    painter.fillRect(rect(), colors::getColor(colors::Slate_grey_800));
     painter.setPen(colors::getColor(colors::Zt_white_15));
     painter.drawRect(pictureRect().toAlignedRect().adjusted(0, 0, -1, -1));
     if (m_resourceConstrained) {

@@ -7,6 +7,7 @@
 #include "common/playback/timecodedisplay.h"
 #include "common/playback/volumecontrolpopup.h"
 #include "common/playback/volumeslider.h"
+#include "common/ui/colors.h"
 #include "common/session/configuration.h"
 #include "common/ui/elidedlabel.h"
 #include "common/ui/ztlabel.h"
@@ -110,7 +111,7 @@ private Q_SLOTS:
         QCOMPARE(preview.pictureRect(), QRectF(0, 70, 320, 180));
         QImage image = preview.grab().toImage();
         QCOMPARE(image.pixelColor(160, 160), QColor(Qt::red));
-        QCOMPARE(image.pixelColor(160, 60), preview.palette().color(QPalette::Window)); // what lies behind
+        QCOMPARE(image.pixelColor(160, 60), colors::getColor(colors::Slate_grey_800)); // as the panel
         preview.setResourceConstrained(true);
         image = preview.grab().toImage();
         QVERIFY(image.pixelColor(2, 160) != QColor(Qt::red));
