@@ -216,7 +216,7 @@ void PlayerPlaybackView::prepareChannel()
         m_mapper->keepSpare(nullptr);
         return;
     }
-    auto* channel = new ChannelWidget(m_mapper->layout()->parentWidget());
+    auto* channel = new ChannelWidget(m_channels);
     m_mapper->keepSpare(channel);
     QWidget* page = m_stack->widget(ChannelPage);
     page->resize(m_stack->size());

@@ -60,7 +60,7 @@ private:
     PlayerKeys* m_keys = nullptr; // none where there are no hotkeys
     int m_channelCount = 0;
     bool m_dividedByHand = false;
-    bool m_isStale = false; // from the loss of the server until its state has come anew
+    bool m_isStale = false;    // from the loss of the server until its state has come anew
     bool m_isPrepared = false; // a channel's widget was built for the first connection
 };
 
