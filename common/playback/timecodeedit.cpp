@@ -261,6 +261,8 @@ bool TimecodeEdit::eventFilter(QObject* watched, QEvent* event)
 void TimecodeEdit::changeEvent(QEvent* event)
 {
     QFrame::changeEvent(event);
+    if (event->type() == QEvent::EnabledChange && !isEnabled())
+        stopEditing(false); // also in a window that has no focus to lose
     if (event->type() != QEvent::StyleChange && event->type() != QEvent::FontChange)
         return;
     // Later: the fields, whose size is that of their digits, hear of the new font after this widget.
