@@ -35,6 +35,8 @@ ConnectionHandler::ConnectionHandler(quint16 linkPort, QObject* parent)
     m_client->setRecvCallback(&ConnectionHandler::onClientDataStatic, this);
     QObject::connect(&m_reconnectTimer, &QTimer::timeout, this, &ConnectionHandler::handleReconnectTimeout);
     QObject::connect(this, &ConnectionHandler::reconnecting, this, &ConnectionHandler::startReconnect);
+    QObject::connect(this, &ConnectionHandler::connectionAddr, this,
+                     [this](const QString& address) { m_heardAddress = address; });
 }
 
 ConnectionHandler::~ConnectionHandler() = default;
@@ -61,6 +63,17 @@ void ConnectionHandler::disconnect()
     m_condition.notify_all();
     if (PreviewThread* preview = previewThread())
         preview->unsubscribe();
+    // The thread's signals of before may be on their way still, and say that it tries again.
+    QMetaObject::invokeMethod(this, &ConnectionHandler::confirmDisconnect, Qt::QueuedConnection);
+}
+
+void ConnectionHandler::confirmDisconnect()
+{
+    QMutexLocker lock(&m_mutex);
+    const bool isIdle = m_state == ConnectionState::Idle && m_host.isEmpty();
+    lock.unlock();
+    if (isIdle && !m_heardAddress.isEmpty())
+        Q_EMIT connectionAddr(QString());
 }
 
 void ConnectionHandler::startReconnect(int milliseconds)

@@ -77,6 +77,8 @@ protected:
     void run() override;
 
 private:
+    /// On the main thread, after a disconnect and all that was under way then: says so again, if need be.
+    void confirmDisconnect();
     struct Attempt
     {
         QString host;
@@ -104,6 +106,7 @@ private:
     bool m_autoReconnect = true;
     ConnectionState m_state = ConnectionState::Idle;
     QTimer m_reconnectTimer;
+    QString m_heardAddress; // on the main thread: of the last connectionAddr
     std::atomic<int> m_linkCount{0};
     const quint16 m_linkPort;
 };

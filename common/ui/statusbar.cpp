@@ -83,7 +83,16 @@ StatusBar::StatusBar(const SystemProxy* system, const ConnectionProvider* connec
         connect(m_system, &SystemProxy::hostnameChanged, this, &StatusBar::updateData);
         connect(m_system, &SystemProxy::versionChanged, this, &StatusBar::updateData);
     }
+    if (m_connection)
+        connect(m_connection, &ConnectionProvider::hostAddressChanged, this, &StatusBar::onAddressChanged);
     showConnected(false);
+}
+
+/// Without an address nothing is tried any more, whoever stopped it.
+void StatusBar::onAddressChanged()
+{
+    if (m_reconnectDialog && m_connection->hostAddress().isEmpty())
+        m_reconnectDialog->hide();
 }
 
 void StatusBar::addWidget(QWidget* widget)
@@ -111,6 +120,8 @@ void StatusBar::onConnected()
 void StatusBar::onDisconnected(const QString&)
 {
     m_menu->onDisconnected();
+    if (m_reconnectDialog)
+        m_reconnectDialog->hide(); // it comes again with the next attempt
     showConnected(false);
 }
 

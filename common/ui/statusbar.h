@@ -44,6 +44,7 @@ Q_SIGNALS:
     void disconnectClicked();
 
 private:
+    void onAddressChanged();
     void showConnected(bool connected);
 
     const SystemProxy* m_system;

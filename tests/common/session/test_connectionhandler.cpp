@@ -3,8 +3,10 @@
 #include "tests/tarn/net/scriptedserver.h"
 #include "tests/tarn/net/silentport.h"
 
+#include <QDeadlineTimer>
 #include <QSignalSpy>
 #include <QTest>
+#include <QThread>
 
 namespace vantrel::test {
 
@@ -154,6 +156,23 @@ private Q_SLOTS:
         running.handler.connect(loopback);
         QTRY_COMPARE(server.connections, 2);
         QTRY_COMPARE(running.handler.getConnectedHost(), loopback);
+    }
+
+    /// What the thread said before, and the main thread hears after, is not the last word.
+    void aDisconnectIsTheLastWord()
+    {
+        ScriptedServer server;
+        Running running(server.port());
+        running.handler.connect(loopback);
+        QTRY_COMPARE(int(server.received.size()), 1);
+        QTRY_COMPARE(running.handler.getConnectedHost(), loopback);
+        server.socket->abort();
+        const QDeadlineTimer limit(5000);
+        while (!running.handler.getConnectedHost().isEmpty() && !limit.hasExpired())
+            QThread::yieldCurrentThread(); // without the event loop: its signals wait
+        running.handler.disconnect();
+        QTRY_VERIFY(running.recorder.lines.contains(QStringLiteral("reconnecting 2000")));
+        QTRY_COMPARE(running.recorder.lines.last(), QStringLiteral("addr "));
     }
 
     void leavesAConnectThatHangs()

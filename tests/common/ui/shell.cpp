@@ -1,4 +1,5 @@
 #include "common/notification/notificationmanagerimpl.h"
+#include "common/session/connectionprovider.h"
 #include "common/session/guishowconfiguration.h"
 #include "common/session/locatormodel.h"
 #include "common/session/serverconfigurationmodel.h"
@@ -81,7 +82,8 @@ private Q_SLOTS:
 
     void statusBarShowsTheLink()
     {
-        StatusBar bar(nullptr, nullptr);
+        ConnectionProvider connection;
+        StatusBar bar(nullptr, &connection);
         const auto shown = [&bar](const char* name) {
             return !bar.findChild<QWidget*>(QLatin1String(name))->isHidden();
         };
@@ -100,6 +102,10 @@ private Q_SLOTS:
         QCOMPARE(stop.size(), 1);
         bar.onReconnecting(2000);
         bar.onConnected();
+        QVERIFY(!bar.reconnectDialog()->isVisible());
+        bar.onDisconnected(QString());
+        bar.onReconnecting(2000);
+        connection.onAddressChange(QString()); // whoever stopped it
         QVERIFY(!bar.reconnectDialog()->isVisible());
     }
 
