@@ -72,6 +72,7 @@ void KeyboardDialog::makeSearch()
     m_search->setToolTip(tr("Lists the actions whose name, group or key holds the text"));
     m_search->setAccessibleName(tr("Search the keys"));
     m_search->setClearButtonEnabled(true);
+    m_search->setEscapeClears(true);
     m_search->addAction(tintedIcon(QStringLiteral("search")), QLineEdit::LeadingPosition);
     m_search->installEventFilter(this);
     connect(m_search, &QLineEdit::textChanged, this, &KeyboardDialog::filter);
@@ -292,10 +293,6 @@ bool KeyboardDialog::eventFilter(QObject* watched, QEvent* event)
 {
     if (watched == m_search && event->type() == QEvent::KeyPress) {
         const int key = static_cast<QKeyEvent*>(event)->key();
-        if (key == Qt::Key_Escape && !m_search->text().isEmpty()) {
-            m_search->clear();
-            return true;
-        }
         if (key == Qt::Key_Down || key == Qt::Key_Return || key == Qt::Key_Enter) {
             const auto first =
                 std::ranges::find_if(m_rows, [](const Row& row) { return !row.line->isHidden(); });

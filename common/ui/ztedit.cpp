@@ -28,8 +28,9 @@ void ZTEdit::focusInEvent(QFocusEvent* event)
 void ZTEdit::keyPressEvent(QKeyEvent* event)
 {
     // Unchanged text lets Escape through, to close the dialog around it.
-    if (event->key() == Qt::Key_Escape && !isReadOnly() && text() != m_before) {
-        setText(m_before);
+    const QString before = m_escapeClears ? QString() : m_before;
+    if (event->key() == Qt::Key_Escape && !isReadOnly() && text() != before) {
+        setText(before);
         return;
     }
     QLineEdit::keyPressEvent(event);

@@ -122,6 +122,7 @@ void MediaPanelWidget::buildHeader()
                  {QStringLiteral("find")});
     m_search->setAccessibleName(tr("Search the collection"));
     m_search->setClearButtonEnabled(true);
+    m_search->setEscapeClears(true);
     m_lens = m_search->addAction(tintedIcon(QStringLiteral("search")), QLineEdit::LeadingPosition);
     m_search->installEventFilter(this);
     const Session* session = Session::instance();
@@ -460,10 +461,6 @@ bool MediaPanelWidget::eventFilter(QObject* watched, QEvent* event)
     if (watched != m_search || event->type() != QEvent::KeyPress)
         return ZTFrame::eventFilter(watched, event);
     const int key = static_cast<QKeyEvent*>(event)->key();
-    if (key == Qt::Key_Escape && !m_search->text().isEmpty()) {
-        m_search->clear();
-        return true;
-    }
     if (key != Qt::Key_Down && key != Qt::Key_Return && key != Qt::Key_Enter)
         return false;
     if (m_view->model() && m_model->rowCount(m_view->rootIndex()) > 0) {

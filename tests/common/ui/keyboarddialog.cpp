@@ -237,9 +237,11 @@ private Q_SLOTS:
         Desk::press(key("Down"));
         QCOMPARE(shown.isEmpty() ? nullptr : m_desk->field(shown.first()),
                  qobject_cast<KeyField*>(QApplication::focusWidget()));
-        m_desk->part<ZTEdit>(QStringLiteral("search"))->setFocus();
+        search->setFocus(); // with the text of before in it
         Desk::press(key("Esc"));
         QVERIFY(search->text().isEmpty() && m_desk->dialog.isVisible());
+        Desk::press(key("Esc"));
+        QVERIFY(!m_desk->dialog.isVisible());
     }
 
     void arrowsWalkTheRows()
