@@ -25,6 +25,7 @@
 #include <QApplication>
 #include <QHBoxLayout>
 #include <QMap>
+#include <QMetaMethod>
 #include <QStackedWidget>
 #include <QTimer>
 
@@ -67,8 +68,7 @@ PlayerPlaybackView::PlayerPlaybackView(QWidget* parent)
     auto* panel = new MediaPanelWidget(this);
     followFontSize(panel, [panel](FontSize size) { panel->setMinimumWidth(leastPanelWidths.value(size)); });
     panel->setObjectName(QStringLiteral("PlayerTab-mediapanel-widget"));
-    connect(panel, &MediaPanelWidget::collectionEditRequested, this,
-            &PlayerPlaybackView::collectionEditRequested);
+    m_panel = panel;
 
     m_stack->addWidget(createEmptyState());
     m_stack->addWidget(createChannelArea());
@@ -106,6 +106,14 @@ void PlayerPlaybackView::resizeEvent(QResizeEvent* event)
 {
     QWidget::resizeEvent(event);
     shareWidth();
+}
+
+/// The panel offers to edit a collection only where somebody hears of it.
+void PlayerPlaybackView::connectNotify(const QMetaMethod& signal)
+{
+    if (signal == QMetaMethod::fromSignal(&PlayerPlaybackView::collectionEditRequested))
+        connect(m_panel, &MediaPanelWidget::collectionEditRequested, this,
+                &PlayerPlaybackView::collectionEditRequested, Qt::UniqueConnection);
 }
 
 QWidget* PlayerPlaybackView::createEmptyState()

@@ -33,6 +33,7 @@ Q_SIGNALS:
     void collectionEditRequested(int collection);
 
 protected:
+    void connectNotify(const QMetaMethod& signal) override;
     void resizeEvent(QResizeEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
@@ -50,6 +51,7 @@ private:
     void updateState();
     void setStale(bool stale);
 
+    MediaPanelWidget* m_panel = nullptr;
     WidgetMapper* m_mapper;
     ZTSplitter* m_splitter;
     QStackedWidget* m_stack;

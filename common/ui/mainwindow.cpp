@@ -57,6 +57,12 @@ MainWindow*& instance()
     return window;
 }
 
+/// The media page is known by its one operation, so that this room need not know its type.
+bool canEditCollections(const QWidget& page)
+{
+    return page.metaObject()->indexOfMethod("selectCollection(int)") >= 0;
+}
+
 ConnectionHandler* connectionHandler()
 {
     const Session* session = Session::instance();
@@ -230,8 +236,9 @@ void MainWindow::initMediaView()
 void MainWindow::initPlayerView()
 {
     auto* view = new PlayerPlaybackView(m_tabs);
-    connect(view, &PlayerPlaybackView::collectionEditRequested, this,
-            &MainWindow::handleCollectionEditRequested);
+    if (const QWidget* page = m_tabs->widget(MediaTab); page && canEditCollections(*page))
+        connect(view, &PlayerPlaybackView::collectionEditRequested, this,
+                &MainWindow::handleCollectionEditRequested);
     if (const Session* session = Session::instance())
         view->setModel(session->objectTreeModel()->index(QStringLiteral("/device/channels")));
     // With large text two channels can need more width than the screen has.
@@ -323,9 +330,8 @@ void MainWindow::handleDisconnectRequest()
 
 void MainWindow::handleCollectionEditRequested(int collection)
 {
-    // The media page is known by its one operation, so that this room need not know its type.
     QWidget* page = m_tabs->widget(MediaTab);
-    if (!page || page->metaObject()->indexOfMethod("selectCollection(int)") < 0 ||
+    if (!page || !canEditCollections(*page) ||
         !QMetaObject::invokeMethod(page, "selectCollection", Q_ARG(int, collection))) {
         qCWarning(log) << "Failed to find media view page";
         return;
