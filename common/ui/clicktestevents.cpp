@@ -94,9 +94,24 @@ Target quickTarget(QQuickWidget* view, const ClickTestRequest& request)
     return {item, request.localPosition()};
 }
 
-Target targetAt(const ClickTestRequest& request, const QPoint& global)
+/// The widget that a real mouse reaches there: an open popup takes all of it, and what lies behind a modal
+/// dialog gets none.
+QWidget* reachableAt(const QPoint& global)
 {
     QWidget* widget = QApplication::widgetAt(global);
+    if (QWidget* popup = QApplication::activePopupWidget())
+        return widget && widget->window() == popup ? widget : popup;
+    const QWidget* modal = QApplication::activeModalWidget();
+    for (const QWidget* above = widget; modal && above; above = above->parentWidget()) {
+        if (above == modal)
+            return widget;
+    }
+    return modal ? nullptr : widget;
+}
+
+Target targetAt(const ClickTestRequest& request, const QPoint& global)
+{
+    QWidget* widget = reachableAt(global);
     if (!widget) {
         qCInfo(log) << "No widget under mouse to send event to:" << global;
         return {};
@@ -137,7 +152,8 @@ void giveFocus(QWidget* widget)
 
 void press(const ClickTestRequest& request, const QPoint& global, Qt::MouseButton button)
 {
-    giveFocus(QApplication::widgetAt(global));
+    if (!QApplication::activePopupWidget())
+        giveFocus(reachableAt(global));
     sendMouse(request, global, QEvent::MouseButtonPress, button, button);
 }
 
@@ -190,7 +206,9 @@ bool triggerShortcut(QWidget* widget, const Key& key)
     const QKeySequence sequence(key.key | static_cast<int>(key.modifiers));
     const QList<QShortcut*> shortcuts = widget->window()->findChildren<QShortcut*>();
     for (QShortcut* shortcut : shortcuts) {
-        if (shortcut->isEnabled() && shortcut->key() == sequence) {
+        const auto* owner = qobject_cast<QWidget*>(shortcut->parent());
+        if (shortcut->isEnabled() && shortcut->key() == sequence && owner && owner->isVisible() &&
+            owner->isEnabled()) {
             Q_EMIT shortcut->activated();
             return true;
         }
@@ -220,12 +238,16 @@ void handleMouse(const ClickTestRequest& request, const QPoint& global)
         (*found)(request, global);
 }
 
-/// The widget with focus. Where no window manager has made a window active, the one that would have it; where
-/// nothing has it, the window, whose shortcuts work all the same.
+/// An open popup, or the widget with focus. Where no window manager has made a window active, the one that
+/// would have it; where nothing has it, the window, whose shortcuts work all the same.
 static QWidget* keyTarget()
 {
+    if (QWidget* popup = QApplication::activePopupWidget())
+        return popup->focusWidget() ? popup->focusWidget() : popup;
     if (QWidget* widget = QApplication::focusWidget())
         return widget;
+    if (QWidget* active = QApplication::activeWindow())
+        return active->focusWidget() ? active->focusWidget() : active;
     QWidget* window = mainWindowWidget();
     return window && window->focusWidget() ? window->focusWidget() : window;
 }

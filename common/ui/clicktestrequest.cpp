@@ -27,6 +27,8 @@ ClickTestRequest ClickTestRequest::fromJson(const QJsonObject& json)
 {
     ClickTestRequest request;
     request.maxResults = json.value(QLatin1String("maxResults")).toInt(request.maxResults);
+    request.width = json.value(QLatin1String("width")).toInt();
+    request.height = json.value(QLatin1String("height")).toInt();
     take(json, "operation", request.operation);
     take(json, "objectName", request.objectName);
     take(json, "className", request.className);
@@ -53,6 +55,15 @@ std::optional<QPoint> ClickTestRequest::globalPosition() const
     if (!globalX || !globalY || !localX || !localY)
         return std::nullopt;
     return QPoint(*globalX, *globalY);
+}
+
+bool ClickTestRequest::isEvent() const
+{
+    static const QStringList others = {
+        QStringLiteral("info"),  QStringLiteral("focus"),   QStringLiteral("raise"),
+        QStringLiteral("grab"),  QStringLiteral("figures"), QStringLiteral("figures_reset"),
+        QStringLiteral("state"), QStringLiteral("close"),   QStringLiteral("resize")};
+    return !others.contains(operation);
 }
 
 int ClickTestRequest::replyDelay() const

@@ -24,6 +24,8 @@ struct ClickTestRequest
     std::optional<int> localY;
     std::optional<int> scroll;
     QString rootItem;
+    int width = 0; // of "resize", pixels
+    int height = 0;
 
     static ClickTestRequest fromJson(const QJsonObject& json);
 
@@ -33,6 +35,8 @@ struct ClickTestRequest
     /// The screen position of the event; none unless all four coordinates were sent.
     std::optional<QPoint> globalPosition() const;
     QPoint localPosition() const { return {localX.value_or(0), localY.value_or(0)}; }
+    /// True for the mouse and the keyboard, which have nothing to reply.
+    bool isEvent() const;
     /// Milliseconds between the operation and its reply, for its effects to take place.
     int replyDelay() const;
 };

@@ -2,6 +2,7 @@
 
 #include "common/ui/clicktestevents.h"
 #include "common/ui/clicktestreport.h"
+#include "common/ui/clickteststate.h"
 #include "common/ui/uifigures.h"
 
 #include <QApplication>
@@ -72,15 +73,29 @@ void ClickTestServer::onClientData()
         socket->write("{}");
         return;
     }
-    processRequestJson(document.object());
-    processRequest();
-    qCDebug(log) << "Reply: " << m_results;
+    // Later, since what the event opens may run an event loop of its own: a menu, a drag, a file dialog. The
+    // next request is then read in there.
+    QTimer::singleShot(0, socket, [this, socket, request = document.object()] { answer(socket, request); });
+}
+
+void ClickTestServer::answer(QTcpSocket* socket, const QJsonObject& request)
+{
+    processRequestJson(request);
     // The event loop runs before the reply, so that a robot that reads it sees what its events did.
-    QTimer::singleShot(m_request.replyDelay(), socket, [socket, results = m_results] {
+    const auto reply = [socket](const QJsonArray& results) {
         qCDebug(log) << "replied";
         socket->write(QJsonDocument(results).toJson(QJsonDocument::Compact));
         socket->flush();
-    });
+    };
+    if (!m_request.isEvent()) {
+        processRequest();
+        qCDebug(log) << "Reply: " << m_results;
+        QTimer::singleShot(m_request.replyDelay(), socket, [reply, results = m_results] { reply(results); });
+        return;
+    }
+    QTimer::singleShot(m_request.replyDelay(), socket, [reply] { reply({}); });
+    qCDebug(log) << "Reply: " << QJsonArray();
+    processRequest();
 }
 
 void ClickTestServer::processRequestJson(const QJsonObject& json)
@@ -99,13 +114,18 @@ void ClickTestServer::processRequest()
     if (operation == QLatin1String("info"))
         buildReply();
     else if (operation == QLatin1String("key_press"))
-        clicktest::handleKeyPress(m_request.keyName);
-    else if (operation == QLatin1String("focus") || operation == QLatin1String("raise"))
+        clicktest::handleKeyPress(QString(m_request.keyName));
+    else if (operation == QLatin1String("focus") || operation == QLatin1String("raise") ||
+             operation == QLatin1String("close"))
         handleFirstWidget();
     else if (operation == QLatin1String("grab"))
         grabFirstWidget();
     else if (operation.startsWith(QLatin1String("figures")))
         handleFigures();
+    else if (operation == QLatin1String("state"))
+        m_results.append(clicktest::stateJson());
+    else if (operation == QLatin1String("resize"))
+        resizeFirstWindow();
     else
         handleMouse();
 }
@@ -148,8 +168,9 @@ void ClickTestServer::buildReply()
 
 void ClickTestServer::handleMouse()
 {
-    if (const std::optional<QPoint> global = m_request.globalPosition())
-        clicktest::handleMouse(m_request, *global);
+    const ClickTestRequest request = m_request; // outlives the requests that an event loop in there takes
+    if (const std::optional<QPoint> global = request.globalPosition())
+        clicktest::handleMouse(request, *global);
 }
 
 /// The pixels of the first found widget, as the operator sees them: a PNG in base64.
@@ -163,6 +184,13 @@ void ClickTestServer::grabFirstWidget()
     m_widgets.first()->grab().save(&buffer, "PNG");
     m_results.append(QJsonObject{{"objectName", m_widgets.first()->objectName()},
                                  {"png", QString::fromLatin1(png.toBase64())}});
+}
+
+/// The window of the first found widget, as its frame would let an operator size it, in pixels.
+void ClickTestServer::resizeFirstWindow()
+{
+    if (!m_widgets.isEmpty() && m_widgets.first() && m_request.width > 0 && m_request.height > 0)
+        m_widgets.first()->window()->resize(m_request.width, m_request.height);
 }
 
 void ClickTestServer::handleFigures()
@@ -181,6 +209,8 @@ void ClickTestServer::handleFirstWidget()
     QWidget* widget = m_widgets.first();
     if (m_request.operation == QLatin1String("focus")) {
         widget->setFocus(Qt::OtherFocusReason);
+    } else if (m_request.operation == QLatin1String("close")) {
+        widget->window()->close();
     } else {
         widget->activateWindow();
         widget->raise();

@@ -11,6 +11,7 @@
 
 class QQuickItem;
 class QTcpServer;
+class QTcpSocket;
 class QWidget;
 
 namespace vantrel {
@@ -19,8 +20,9 @@ class UiFigures;
 
 /// Lets a robot on this machine drive the running interface: one JSON object a request, on plain TCP,
 /// loopback only. It lists widgets, menus, cells and declarative items with their geometry and synthesises
-/// mouse and key events; beyond that it gives the pixels of a widget and the figures of the run. A request
-/// that makes no sense never closes the connection. Owned by the main window; main thread.
+/// mouse and key events; beyond that it gives the pixels of a widget, the figures of the run and what stands
+/// behind the interface, and sizes and closes windows. A request that makes no sense never closes the
+/// connection. Owned by the main window; main thread.
 class ClickTestServer : public QObject
 {
     Q_OBJECT
@@ -38,6 +40,7 @@ public Q_SLOTS:
     void onClientData();
 
 private:
+    void answer(QTcpSocket* socket, const QJsonObject& request);
     void processRequestJson(const QJsonObject& json);
     void processRequest();
     void findWidgets();
@@ -46,6 +49,7 @@ private:
     void handleMouse();
     void handleFirstWidget();
     void grabFirstWidget();
+    void resizeFirstWindow();
     void handleFigures();
 
     QTcpServer* m_server;
