@@ -133,7 +133,9 @@ void KeyboardDialog::addRow(QWidget* page, const QString& action, const QString&
     connect(field, &KeyField::keyPressed, this,
             [this, action](const QKeySequence& key) { onKey(action, key); });
     connect(field, &KeyField::recordingChanged, this, [this](bool recording) {
-        if (recording || !m_notice->isAsking())
+        if (recording && m_notice->isAsking())
+            endQuestion(); // another key for one of the two
+        else if (!m_notice->isAsking())
             m_notice->showHint();
     });
     connect(field, &KeyField::moveRequested, this, [this, field](int step) { moveFocus(field, step); });
@@ -218,7 +220,9 @@ void KeyboardDialog::askAbout(const QString& action, const QString& holder, cons
     const QString choice = canSwap ? tr("Swap the two, or take it over and leave that without a key?")
                                    : tr("Take it over and leave that without a key?");
     m_notice->ask(tr("%1 belongs to \"%2\". %3").arg(textOf(key), textOf(holder), choice), canSwap);
-    m_area->setEnabled(false); // one question at a time
+    for (const Row& row : std::as_const(m_rows))
+        row.line->setEnabled(row.action == action || row.action == holder); // one question at a time
+    m_area->ensureWidgetVisible(row(holder)->line);
     m_search->setEnabled(false);
     m_resetAll->setEnabled(false);
 }
@@ -237,19 +241,27 @@ void KeyboardDialog::resolve(bool swap)
                             : tr("%1, \"%2\" has no key.").arg(first, textOf(conflict.holder)));
 }
 
-void KeyboardDialog::keep()
+void KeyboardDialog::endQuestion()
 {
-    const QString action = std::exchange(m_conflict, {}).action;
-    m_area->setEnabled(true);
+    m_conflict = {};
+    for (const Row& row : std::as_const(m_rows))
+        row.line->setEnabled(true);
     m_search->setEnabled(true);
     m_notice->showHint();
     refresh();
+}
+
+void KeyboardDialog::keep()
+{
+    const QString action = m_conflict.action;
+    endQuestion();
     if (const Row* asked = row(action))
         asked->field->setFocus(Qt::TabFocusReason);
 }
 
 void KeyboardDialog::resetRow(const QString& action)
 {
+    endQuestion();
     row(action)->field->setFocus(Qt::TabFocusReason); // the button goes grey
     const auto preset = defaultKeymap().value(action).value<QKeySequence>();
     if (const KeyAction* holder = keyHolder(m_hotkeys->keymap(), preset, action))

@@ -64,6 +64,7 @@ private:
     void askAbout(const QString& action, const QString& holder, const QKeySequence& key);
     void resolve(bool swap);
     void keep();
+    void endQuestion();
     void resetRow(const QString& action);
     void confirmResetAll();
     void moveFocus(KeyField* from, int step);

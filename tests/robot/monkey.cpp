@@ -52,6 +52,7 @@ const QStringList disturbedWarnings = {
     QStringLiteral("scene: Skipping "),
     QStringLiteral("SSE stream: "),
     QStringLiteral("Failed to get media library"),
+    QStringLiteral("Failed to parse message: "),
     QStringLiteral("Getting system property failed"),
     QStringLiteral("PlayMediaCommand"), // while there is no channel to play on
     QStringLiteral("No object found for path /device/channels/"),

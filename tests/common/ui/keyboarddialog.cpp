@@ -165,6 +165,19 @@ private Q_SLOTS:
         QVERIFY(m_desk->field(QStringLiteral("take"))->hasFocus() && m_desk->dialog.isVisible());
     }
 
+    void anotherKeyEndsTheQuestion()
+    {
+        m_desk->record(QStringLiteral("take"), key("M"));
+        QVERIFY(!m_desk->field(QStringLiteral("undo"))->isEnabled());
+        m_desk->field(QStringLiteral("take"))->click();
+        QVERIFY(!m_desk->notice()->isAsking() && m_desk->field(QStringLiteral("undo"))->isEnabled());
+        m_desk->field(QStringLiteral("take"))->setFocus();
+        m_desk->field(QStringLiteral("take"))->setRecording(true);
+        Desk::press(key("F9"));
+        QCOMPARE(m_desk->hotkeys.mapping(QStringLiteral("take")), key("F9"));
+        QCOMPARE(m_desk->hotkeys.mapping(QStringLiteral("mute_program")), key("M"));
+    }
+
     void offersNoSwapThatIsReserved()
     {
         m_desk->record(QStringLiteral("cue"), key("M")); // Enter is for the list alone
@@ -188,7 +201,10 @@ private Q_SLOTS:
         m_desk->record(QStringLiteral("mute_program"), key("F12"));
         m_desk->click(QStringLiteral("take-reset"));
         QVERIFY(m_desk->notice()->isAsking());
-        m_desk->click(QStringLiteral("notice-keep"));
+        m_desk->click(QStringLiteral("mute_program-reset")); // which ends the question
+        QVERIFY(!m_desk->notice()->isAsking());
+        QCOMPARE(m_desk->hotkeys.mapping(QStringLiteral("mute_program")), key("M"));
+        QVERIFY(m_desk->field(QStringLiteral("undo"))->isEnabled());
 
         m_desk->click(QStringLiteral("reset-all"));
         QCOMPARE(m_desk->hotkeys.mapping(QStringLiteral("undo")), key("F8")); // not before the yes
