@@ -1,11 +1,11 @@
 #include "common/session/configuration.h"
 #include "common/session/serverports.h"
 #include "common/session/session.h"
+#include "common/ui/diagnostics/librarylogs.h"
+#include "common/ui/diagnostics/logmanager.h"
 #include "common/ui/gallery/gallerywindow.h"
-#include "common/ui/librarylogs.h"
-#include "common/ui/logmanager.h"
-#include "common/ui/mainwindow.h"
-#include "common/ui/stylesheet.h"
+#include "common/ui/shell/mainwindow.h"
+#include "common/ui/style/stylesheet.h"
 
 #include <QApplication>
 #include <QCommandLineParser>

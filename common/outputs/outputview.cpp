@@ -1,7 +1,7 @@
 #include "common/outputs/outputview.h"
 
 #include "common/playback/audiooutputitem.h"
-#include "common/ui/ztlabel.h"
+#include "common/ui/toolkit/ztlabel.h"
 
 #include <QMap>
 #include <QScrollArea>

@@ -5,12 +5,12 @@
 #include "common/playback/playbacklogging.h"
 #include "common/session/connectionprovider.h"
 #include "common/session/session.h"
-#include "common/ui/colors.h"
-#include "common/ui/dynamicstyle.h"
-#include "common/ui/fontsizefollower.h"
-#include "common/ui/iconcache.h"
-#include "common/ui/switchselect.h"
-#include "common/ui/ztlabel.h"
+#include "common/ui/style/colors.h"
+#include "common/ui/style/dynamicstyle.h"
+#include "common/ui/style/fontsizefollower.h"
+#include "common/ui/style/iconcache.h"
+#include "common/ui/toolkit/switchselect.h"
+#include "common/ui/toolkit/ztlabel.h"
 #include "tarn/scene/scene.h"
 
 #include <QFormLayout>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "common/session/configuration.h"
-#include "common/ui/collapse.h"
+#include "common/ui/toolkit/collapse.h"
 #include "tarn/media/enums.h"
 
 namespace vantrel {

@@ -2,9 +2,9 @@
 
 #include "common/playback/playbackpreview.h"
 #include "common/session/session.h"
-#include "common/ui/colors.h"
-#include "common/ui/hotkeys.h"
-#include "common/ui/hotkeytip.h"
+#include "common/ui/keyboard/hotkeys.h"
+#include "common/ui/keyboard/hotkeytip.h"
+#include "common/ui/style/colors.h"
 
 #include <QEvent>
 #include <QPainter>

@@ -4,9 +4,9 @@
 #include "common/playback/playbackwidget.h"
 #include "common/playback/playbackwidgetfooter.h"
 #include "common/playback/takecontrols.h"
-#include "common/ui/fontsizefollower.h"
-#include "common/ui/spacing.h"
-#include "common/ui/ztsplitter.h"
+#include "common/ui/style/fontsizefollower.h"
+#include "common/ui/style/spacing.h"
+#include "common/ui/toolkit/ztsplitter.h"
 #include "common/views/playlistwidget.h"
 #include "tarn/scene/object.h"
 

@@ -1,6 +1,6 @@
 #include "common/playback/columnstep.h"
 
-#include "common/ui/spacing.h"
+#include "common/ui/style/spacing.h"
 
 #include <array>
 

@@ -1,6 +1,6 @@
 #include "common/playback/durationtypewidget.h"
 
-#include "common/ui/pushbutton.h"
+#include "common/ui/toolkit/pushbutton.h"
 
 #include <QButtonGroup>
 #include <QHBoxLayout>

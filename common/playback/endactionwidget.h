@@ -2,7 +2,7 @@
 
 #include "common/media/playbackmodel.h"
 #include "common/playback/columnstep.h"
-#include "common/ui/ztframe.h"
+#include "common/ui/toolkit/ztframe.h"
 
 #include <QHash>
 

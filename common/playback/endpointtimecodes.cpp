@@ -1,8 +1,8 @@
 #include "common/playback/endpointtimecodes.h"
 
 #include "common/playback/timecodedisplay.h"
-#include "common/ui/spacing.h"
-#include "common/ui/ztlabel.h"
+#include "common/ui/style/spacing.h"
+#include "common/ui/toolkit/ztlabel.h"
 
 #include <QHBoxLayout>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "common/ui/ztframe.h"
+#include "common/ui/toolkit/ztframe.h"
 
 namespace vantrel {
 

@@ -1,7 +1,7 @@
 #include "common/playback/levelmeter.h"
 
-#include "common/ui/colors.h"
-#include "common/ui/fontsizefollower.h"
+#include "common/ui/style/colors.h"
+#include "common/ui/style/fontsizefollower.h"
 
 #include <QElapsedTimer>
 #include <QEvent>

@@ -1,6 +1,6 @@
 #include "common/playback/mutebutton.h"
 
-#include "common/ui/hotkeytip.h"
+#include "common/ui/keyboard/hotkeytip.h"
 
 namespace vantrel {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "common/ui/iconbutton.h"
+#include "common/ui/toolkit/iconbutton.h"
 
 namespace vantrel {
 

@@ -5,9 +5,9 @@
 #include "common/command/playback/stepcommand.h"
 #include "common/playback/playbacklogging.h"
 #include "common/session/session.h"
-#include "common/ui/hotkeytip.h"
-#include "common/ui/iconbutton.h"
-#include "common/ui/spacing.h"
+#include "common/ui/keyboard/hotkeytip.h"
+#include "common/ui/style/spacing.h"
+#include "common/ui/toolkit/iconbutton.h"
 #include "tarn/scene/object.h"
 
 #include <QHBoxLayout>

@@ -2,9 +2,9 @@
 
 #include "common/media/guimediaitem.h"
 #include "common/media/mimedata.h"
-#include "common/ui/colors.h"
-#include "common/ui/fontsizefollower.h"
-#include "common/ui/spacing.h"
+#include "common/ui/style/colors.h"
+#include "common/ui/style/fontsizefollower.h"
+#include "common/ui/style/spacing.h"
 
 #include <QDropEvent>
 #include <QJsonObject>

@@ -23,11 +23,11 @@
 #include "common/session/previewthread.h"
 #include "common/session/sceneobjectprovider.h"
 #include "common/session/session.h"
-#include "common/ui/colors.h"
-#include "common/ui/dynamicstyle.h"
-#include "common/ui/hotkeytip.h"
-#include "common/ui/propertiesmapper.h"
-#include "common/ui/spacing.h"
+#include "common/ui/inspect/propertiesmapper.h"
+#include "common/ui/keyboard/hotkeytip.h"
+#include "common/ui/style/colors.h"
+#include "common/ui/style/dynamicstyle.h"
+#include "common/ui/style/spacing.h"
 #include "tarn/scene/scene.h"
 
 #include <QEvent>

@@ -3,9 +3,9 @@
 #include "common/playback/endactionwidget.h"
 #include "common/playback/levelmeter.h"
 #include "common/playback/volumecontrolpopup.h"
-#include "common/ui/iconbutton.h"
-#include "common/ui/spacing.h"
-#include "common/ui/ztlabel.h"
+#include "common/ui/style/spacing.h"
+#include "common/ui/toolkit/iconbutton.h"
+#include "common/ui/toolkit/ztlabel.h"
 
 #include <QHBoxLayout>
 

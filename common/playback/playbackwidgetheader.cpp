@@ -3,10 +3,10 @@
 #include "common/media/mediautils.h"
 #include "common/playback/mutebutton.h"
 #include "common/playback/timecodedisplay.h"
-#include "common/ui/elidedlabel.h"
-#include "common/ui/fontsizefollower.h"
-#include "common/ui/spacing.h"
-#include "common/ui/ztlabel.h"
+#include "common/ui/style/fontsizefollower.h"
+#include "common/ui/style/spacing.h"
+#include "common/ui/toolkit/elidedlabel.h"
+#include "common/ui/toolkit/ztlabel.h"
 
 #include <QGridLayout>
 #include <QHBoxLayout>

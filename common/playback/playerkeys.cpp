@@ -7,8 +7,8 @@
 #include "common/playback/playerplaybackview.h"
 #include "common/playback/takebutton.h"
 #include "common/playback/takecontrols.h"
-#include "common/ui/dynamicstyle.h"
-#include "common/ui/hotkeys.h"
+#include "common/ui/keyboard/hotkeys.h"
+#include "common/ui/style/dynamicstyle.h"
 
 #include <QApplication>
 #include <QShortcut>

@@ -2,7 +2,7 @@
 #include "common/playback/seekslider.h"
 #include "common/playback/seeksliderhandle.h"
 #include "common/playback/seekslidermarker.h"
-#include "common/ui/colors.h"
+#include "common/ui/style/colors.h"
 
 #include <QKeyEvent>
 #include <QMouseEvent>

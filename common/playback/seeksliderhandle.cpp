@@ -1,6 +1,6 @@
 #include "common/playback/seeksliderhandle.h"
 
-#include "common/ui/colors.h"
+#include "common/ui/style/colors.h"
 
 #include <QPainter>
 

@@ -1,7 +1,7 @@
 #include "common/playback/seekslidermarker.h"
 
 #include "common/playback/seeksliderhandle.h"
-#include "common/ui/colors.h"
+#include "common/ui/style/colors.h"
 
 #include <QPainter>
 #include <QSvgRenderer>

@@ -1,7 +1,7 @@
 #include "common/playback/takebutton.h"
 
-#include "common/ui/dynamicstyle.h"
-#include "common/ui/hotkeytip.h"
+#include "common/ui/keyboard/hotkeytip.h"
+#include "common/ui/style/dynamicstyle.h"
 
 #include <QFocusEvent>
 #include <QGraphicsDropShadowEffect>

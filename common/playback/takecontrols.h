@@ -1,7 +1,7 @@
 #pragma once
 
 #include "common/playback/columnstep.h"
-#include "common/ui/ztframe.h"
+#include "common/ui/toolkit/ztframe.h"
 #include "tarn/media/enums.h"
 #include "tarn/ref.h"
 

@@ -2,7 +2,7 @@
 
 #include "common/session/configuration.h"
 #include "common/session/timecodeviewmode.h"
-#include "common/ui/ztlabel.h"
+#include "common/ui/toolkit/ztlabel.h"
 
 namespace vantrel {
 

@@ -1,8 +1,8 @@
 #include "common/playback/timecodeedit.h"
 
 #include "common/playback/playbacklogging.h"
-#include "common/ui/ztedit.h"
-#include "common/ui/ztlabel.h"
+#include "common/ui/toolkit/ztedit.h"
+#include "common/ui/toolkit/ztlabel.h"
 
 #include <QHBoxLayout>
 #include <QIntValidator>

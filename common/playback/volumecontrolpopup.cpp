@@ -1,8 +1,8 @@
 #include "common/playback/volumecontrolpopup.h"
 
 #include "common/playback/volumeslider.h"
-#include "common/ui/colors.h"
-#include "common/ui/ztlabel.h"
+#include "common/ui/style/colors.h"
+#include "common/ui/toolkit/ztlabel.h"
 
 #include <QMap>
 #include <QPainter>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "common/session/configuration.h"
-#include "common/ui/ztframe.h"
+#include "common/ui/toolkit/ztframe.h"
 
 namespace vantrel {
 

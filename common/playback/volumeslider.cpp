@@ -1,7 +1,7 @@
 #include "common/playback/volumeslider.h"
 
-#include "common/ui/colors.h"
-#include "common/ui/ztlabel.h"
+#include "common/ui/style/colors.h"
+#include "common/ui/toolkit/ztlabel.h"
 
 #include <QMouseEvent>
 #include <QPainter>

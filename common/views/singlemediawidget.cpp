@@ -4,10 +4,10 @@
 #include "common/media/mediadataaggregator.h"
 #include "common/media/mediasloteditfunctional.h"
 #include "common/session/configuration.h"
-#include "common/ui/elidedlabel.h"
-#include "common/ui/fontsizefollower.h"
-#include "common/ui/spacing.h"
-#include "common/ui/ztcombobox.h"
+#include "common/ui/style/fontsizefollower.h"
+#include "common/ui/style/spacing.h"
+#include "common/ui/toolkit/elidedlabel.h"
+#include "common/ui/toolkit/ztcombobox.h"
 #include "common/views/thumbnaillabel.h"
 
 #include <QGridLayout>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "common/media/singlemediamodel.h"
-#include "common/ui/ztframe.h"
+#include "common/ui/toolkit/ztframe.h"
 
 #include <QMap>
 

@@ -3,8 +3,8 @@
 #include "common/media/medialibrarymodel.h"
 #include "common/media/mediastateprovider.h"
 #include "common/session/timeutils.h"
-#include "common/ui/colors.h"
-#include "common/ui/iconcache.h"
+#include "common/ui/style/colors.h"
+#include "common/ui/style/iconcache.h"
 #include "util/clocktime.h"
 
 #include <QFontMetrics>

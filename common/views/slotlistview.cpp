@@ -1,9 +1,9 @@
 #include "common/views/slotlistview.h"
 
-#include "common/ui/colors.h"
-#include "common/ui/hotkeys.h"
-#include "common/ui/hotkeytip.h"
-#include "common/ui/iconcache.h"
+#include "common/ui/keyboard/hotkeys.h"
+#include "common/ui/keyboard/hotkeytip.h"
+#include "common/ui/style/colors.h"
+#include "common/ui/style/iconcache.h"
 
 #include <QDragEnterEvent>
 #include <QDragMoveEvent>

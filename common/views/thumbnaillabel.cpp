@@ -1,6 +1,6 @@
 #include "common/views/thumbnaillabel.h"
 
-#include "common/ui/fontsizefollower.h"
+#include "common/ui/style/fontsizefollower.h"
 
 #include <QPainter>
 

@@ -19,6 +19,15 @@ MAY_KNOW = {
 # Inside common, these rooms know nothing of those above them.
 LOWER = ["common/command", "common/media", "common/filesystem", "common/notification"]
 HIGHER = ["common/ui", "common/views", "common/playback", "common/outputs", "common/qml"]
+# What is on the screen stands in storeys: none of them knows one above it.
+STOREYS = [
+    ["common/ui/style"],
+    ["common/ui/toolkit"],
+    ["common/ui/keyboard", "common/ui/inspect", "common/ui/diagnostics", "common/ui/clicktest"],
+    ["common/views", "common/playback", "common/outputs"],
+    ["common/ui/shell"],
+    ["common/ui/gallery"],
+]
 # Qt stays out of these rooms.
 NO_QT = ["util", "tarn", "ombra"]
 NO_QT_EXCEPT = ["tarn/qt"]
@@ -30,6 +39,10 @@ INCLUDE = re.compile(r'^\s*#\s*include\s+(?:"([^"]+)"|<([^>]+)>)')
 
 def in_room(path, room):
     return path == room or path.startswith(room + "/")
+
+
+def storey_of(path):
+    return next((i for i, rooms in enumerate(STOREYS) if any(in_room(path, room) for room in rooms)), None)
 
 
 def faults_of(root, path):
@@ -57,6 +70,9 @@ def faults_of(root, path):
             yield f"{where}: {room} must not know {ours}"
         if any(in_room(name, r) for r in LOWER) and any(in_room(ours, r) for r in HIGHER):
             yield f"{where}: a lower room includes {ours}"
+        here, there = storey_of(name), storey_of(ours)
+        if here is not None and there is not None and there > here:
+            yield f"{where}: includes {ours} of a storey above it"
 
 
 def main():

@@ -1,16 +1,16 @@
 #include "common/ui/gallery/gallerysections.h"
 
-#include "common/ui/colorbox.h"
-#include "common/ui/doubleedit.h"
-#include "common/ui/elidedlabel.h"
 #include "common/ui/gallery/stategrid.h"
-#include "common/ui/iconbutton.h"
-#include "common/ui/pushbutton.h"
-#include "common/ui/ztcheckbox.h"
-#include "common/ui/ztcombobox.h"
-#include "common/ui/ztdropdownmenu.h"
-#include "common/ui/ztedit.h"
-#include "common/ui/ztlabel.h"
+#include "common/ui/toolkit/colorbox.h"
+#include "common/ui/toolkit/doubleedit.h"
+#include "common/ui/toolkit/elidedlabel.h"
+#include "common/ui/toolkit/iconbutton.h"
+#include "common/ui/toolkit/pushbutton.h"
+#include "common/ui/toolkit/ztcheckbox.h"
+#include "common/ui/toolkit/ztcombobox.h"
+#include "common/ui/toolkit/ztdropdownmenu.h"
+#include "common/ui/toolkit/ztedit.h"
+#include "common/ui/toolkit/ztlabel.h"
 
 #include <QStyleOptionButton>
 #include <QStyleOptionComboBox>

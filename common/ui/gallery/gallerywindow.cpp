@@ -1,11 +1,11 @@
 #include "common/ui/gallery/gallerywindow.h"
 
 #include "common/session/configuration.h"
-#include "common/ui/collapse.h"
-#include "common/ui/colors.h"
 #include "common/ui/gallery/gallerysections.h"
-#include "common/ui/switchselect.h"
-#include "common/ui/ztlabel.h"
+#include "common/ui/style/colors.h"
+#include "common/ui/toolkit/collapse.h"
+#include "common/ui/toolkit/switchselect.h"
+#include "common/ui/toolkit/ztlabel.h"
 
 #include <QCoreApplication>
 #include <QPainter>

@@ -1,7 +1,7 @@
 #include "common/ui/gallery/pictureof.h"
 
-#include "common/ui/fontsizefollower.h"
-#include "common/ui/ztdialog.h"
+#include "common/ui/style/fontsizefollower.h"
+#include "common/ui/toolkit/ztdialog.h"
 
 #include <QTimer>
 

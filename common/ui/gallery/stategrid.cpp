@@ -1,7 +1,7 @@
 #include "common/ui/gallery/stategrid.h"
 
-#include "common/ui/dynamicstyle.h"
-#include "common/ui/ztlabel.h"
+#include "common/ui/style/dynamicstyle.h"
+#include "common/ui/toolkit/ztlabel.h"
 
 #include <QAbstractButton>
 #include <QGridLayout>

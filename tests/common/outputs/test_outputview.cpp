@@ -1,7 +1,7 @@
 #include "common/outputs/outputview.h"
 #include "common/session/session.h"
-#include "common/ui/pushbutton.h"
-#include "common/ui/stylesheet.h"
+#include "common/ui/style/stylesheet.h"
+#include "common/ui/toolkit/pushbutton.h"
 #include "tests/support/testmain.h"
 
 #include <QApplication>

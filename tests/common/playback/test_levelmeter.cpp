@@ -1,7 +1,7 @@
 #include "common/playback/levelmeter.h"
 #include "common/session/configuration.h"
 #include "common/session/previewthread.h"
-#include "common/ui/colors.h"
+#include "common/ui/style/colors.h"
 #include "tests/common/playback/playerfixture.h"
 
 #include <QMetaEnum>

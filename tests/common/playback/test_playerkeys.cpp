@@ -3,8 +3,8 @@
 #include "common/playback/playbackwidget.h"
 #include "common/playback/takebutton.h"
 #include "common/session/session.h"
-#include "common/ui/hotkeys.h"
-#include "common/ui/keyboardfocus.h"
+#include "common/ui/keyboard/hotkeys.h"
+#include "common/ui/keyboard/keyboardfocus.h"
 #include "common/views/slotlistview.h"
 #include "tests/common/playback/playerfixture.h"
 

@@ -7,10 +7,10 @@
 #include "common/playback/timecodedisplay.h"
 #include "common/playback/volumecontrolpopup.h"
 #include "common/playback/volumeslider.h"
-#include "common/ui/colors.h"
 #include "common/session/configuration.h"
-#include "common/ui/elidedlabel.h"
-#include "common/ui/ztlabel.h"
+#include "common/ui/style/colors.h"
+#include "common/ui/toolkit/elidedlabel.h"
+#include "common/ui/toolkit/ztlabel.h"
 #include "tests/support/testmain.h"
 
 #include <QAbstractButton>

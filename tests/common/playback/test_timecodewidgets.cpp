@@ -3,8 +3,8 @@
 #include "common/playback/timecodedisplay.h"
 #include "common/playback/timecodeedit.h"
 #include "common/session/configuration.h"
-#include "common/ui/ztedit.h"
-#include "common/ui/ztlabel.h"
+#include "common/ui/toolkit/ztedit.h"
+#include "common/ui/toolkit/ztlabel.h"
 #include "tests/support/testmain.h"
 
 #include <QClipboard>

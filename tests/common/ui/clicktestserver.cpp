@@ -1,6 +1,6 @@
-#include "common/ui/clicktestserver.h"
+#include "common/ui/clicktest/clicktestserver.h"
 
-#include "common/ui/ztmenu.h"
+#include "common/ui/toolkit/ztmenu.h"
 #include "tests/support/testmain.h"
 
 #include <QJsonDocument>

@@ -2,7 +2,7 @@
 
 #include "common/session/keymap.h"
 #include "common/session/timecodeviewmode.h"
-#include "common/ui/fontsizefollower.h"
+#include "common/ui/style/fontsizefollower.h"
 #include "tarn/media/enums.h"
 #include "tests/common/ui/testsettings.h"
 #include "tests/support/testmain.h"

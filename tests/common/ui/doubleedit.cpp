@@ -1,4 +1,4 @@
-#include "common/ui/doubleedit.h"
+#include "common/ui/toolkit/doubleedit.h"
 
 #include "tests/common/ui/testsettings.h"
 #include "tests/support/testmain.h"

@@ -1,4 +1,4 @@
-#include "common/ui/hotkeys.h"
+#include "common/ui/keyboard/hotkeys.h"
 
 #include "common/session/keymap.h"
 #include "tests/common/ui/testsettings.h"

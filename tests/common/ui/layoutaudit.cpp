@@ -4,8 +4,8 @@
 #include "common/playback/playbackpreview.h"
 #include "common/playback/playbackwidget.h"
 #include "common/playback/takecontrols.h"
-#include "common/ui/mainwindow.h"
-#include "common/ui/stylesheet.h"
+#include "common/ui/shell/mainwindow.h"
+#include "common/ui/style/stylesheet.h"
 #include "tests/common/playback/playerfixture.h"
 
 #include <QApplication>

@@ -1,7 +1,7 @@
-#include "common/ui/logmanager.h"
+#include "common/ui/diagnostics/logmanager.h"
 
-#include "common/ui/diagnosticsmanager.h"
-#include "common/ui/errordialog.h"
+#include "common/ui/diagnostics/diagnosticsmanager.h"
+#include "common/ui/toolkit/errordialog.h"
 #include "tests/support/testmain.h"
 
 #include <QApplication>

@@ -1,9 +1,9 @@
 #include "common/notification/notificationmanagerimpl.h"
 #include "common/session/objecttreemodel.h"
-#include "common/ui/inspector.h"
-#include "common/ui/inspectorwidget.h"
-#include "common/ui/propertiesmodel.h"
-#include "common/ui/sceneinspector.h"
+#include "common/ui/inspect/inspector.h"
+#include "common/ui/inspect/inspectorwidget.h"
+#include "common/ui/inspect/propertiesmodel.h"
+#include "common/ui/inspect/sceneinspector.h"
 #include "tests/support/testmain.h"
 
 #include <QApplication>

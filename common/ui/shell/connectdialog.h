@@ -1,0 +1,70 @@
+#pragma once
+
+#include "common/ui/toolkit/ztdialog.h"
+
+class QProgressBar;
+class QStackedWidget;
+class QTableView;
+
+namespace vantrel {
+
+class LocatorModel;
+class ZTEdit;
+
+/// Lets the operator choose the server, and shows how the attempt goes: three faces on one layout. Owned by
+/// the main window, which wires its signals to the link.
+class ConnectDialog : public ZTDialog
+{
+    Q_OBJECT
+
+public:
+    explicit ConnectDialog(QWidget* parent = nullptr);
+    ~ConnectDialog() override;
+
+    void setConnectDialog();
+    void setConnectingDialog(const QString& host);
+    void setDisconnectionDialog(const QString& host);
+    void showConnectDialog();
+    void showConnectingDialog();
+
+    /// With a valid address: keeps it as the configured host and asks for the connection.
+    void doConnect();
+    void validateAddress(const QString& text);
+    bool isValidAddress(const QString& text) const;
+    bool attemptInProgress() const { return m_attemptInProgress; }
+    void setObjectNames(const QString& base) override;
+
+public Q_SLOTS:
+    void onConnected();
+    void onDisconnected();
+    void reject() override;
+
+Q_SIGNALS:
+    /// The operator gives the attempt up.
+    void stop();
+    void connectRequested(const QString& host);
+    void disconnectRequested();
+
+private:
+    QWidget* makeForm();
+    QWidget* makeMessage();
+    void showServers();
+    void setFace(const QString& title, const QString& accept, const QString& styleClass,
+                 const std::function<void()>& action);
+    void showMessage(const QString& text, bool busy);
+
+    QStackedWidget* m_pages;
+    ZTEdit* m_address = nullptr;
+    QTableView* m_servers = nullptr;
+    QStackedWidget* m_found = nullptr;
+    LocatorModel* m_locator;
+    ZTLabel* m_noServers = nullptr;
+    ZTLabel* m_message = nullptr;
+    QProgressBar* m_progress = nullptr;
+    PushButton* m_disconnect;
+    QMetaObject::Connection m_acceptAction;
+    bool m_attemptInProgress = false;
+    bool m_addressValid = false;
+};
+
+} // namespace vantrel

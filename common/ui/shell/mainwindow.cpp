@@ -1,0 +1,427 @@
+#include "common/ui/shell/mainwindow.h"
+
+#include "common/notification/notificationmanagerimpl.h"
+#include "common/outputs/outputview.h"
+#include "common/playback/playerplaybackview.h"
+#include "common/session/configuration.h"
+#include "common/session/connectionhandler.h"
+#include "common/session/mainwindowhandle.h"
+#include "common/session/objecttreemodel.h"
+#include "common/session/session.h"
+#include "common/ui/clicktest/clicktestserver.h"
+#include "common/ui/inspect/inspectorwidget.h"
+#include "common/ui/keyboard/hotkeys.h"
+#include "common/ui/keyboard/keyboarddialog.h"
+#include "common/ui/keyboard/keyboardfocus.h"
+#include "common/ui/shell/configurationdialog.h"
+#include "common/ui/shell/connectdialog.h"
+#include "common/ui/shell/developermenu.h"
+#include "common/ui/shell/mainmenu.h"
+#include "common/ui/shell/mainnavigationbar.h"
+#include "common/ui/shell/notificationdialogwrapper.h"
+#include "common/ui/shell/notificationpresenter.h"
+#include "common/ui/shell/notificationstatusbar.h"
+#include "common/ui/shell/showmanager.h"
+#include "common/ui/shell/statusbar.h"
+#include "common/ui/style/spacing.h"
+#include "common/ui/toolkit/iconbutton.h"
+#include "common/ui/toolkit/navbutton.h"
+#include "common/ui/toolkit/placeholderview.h"
+#include "common/ui/toolkit/stackedtabwidget.h"
+
+#include <QApplication>
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QLoggingCategory>
+#include <QQuickWidget>
+#include <QResizeEvent>
+#include <QScreen>
+#include <QScrollArea>
+#include <QTimer>
+#include <QVBoxLayout>
+
+namespace vantrel {
+
+namespace {
+
+Q_LOGGING_CATEGORY(log, "vantrel.ui")
+
+constexpr int startDelay = 200; // milliseconds until the window is up
+constexpr auto tabClickWheel = static_cast<Qt::FocusPolicy>(11);
+
+enum Tab : int { OutputsTab = 0, FilesTab = 1, MediaTab = 2, PlayerTab = 3 };
+
+MainWindow*& instance()
+{
+    static MainWindow* window = nullptr;
+    return window;
+}
+
+/// The media page is known by its one operation, so that this room need not know its type.
+bool canEditCollections(const QWidget& page)
+{
+    return page.metaObject()->indexOfMethod("selectCollection(int)") >= 0;
+}
+
+ConnectionHandler* connectionHandler()
+{
+    const Session* session = Session::instance();
+    return session ? session->connectionHandler() : nullptr;
+}
+
+} // namespace
+
+MainWindow::MainWindow(QWidget* parent)
+    : QMainWindow(parent)
+    , m_central(new QWidget(this))
+    , m_layout(new QVBoxLayout(m_central))
+    , m_hotkeys(new Hotkeys(this))
+{
+    instance() = this;
+    setMainWindowWidget(this);
+    setObjectName(QStringLiteral("MainWindow"));
+    setWindowTitle(QStringLiteral("Halcyra"));
+    const QString keymapFault = m_hotkeys->loadKeymapFromConfiguration();
+    if (Session* session = Session::instance())
+        session->setHotkeys(m_hotkeys);
+    m_central->setObjectName(QStringLiteral("central"));
+    m_layout->setContentsMargins(spacing::tight, 0, spacing::tight, 0);
+    m_layout->setSpacing(0);
+
+    m_navigationBar = new MainNavigationBar(m_central);
+    m_tabs = new StackedTabWidget(m_central);
+    m_tabs->setObjectNames(QStringLiteral("MainTabs"));
+    connect(m_navigationBar, &MainNavigationBar::tabSelected, m_tabs, &QStackedWidget::setCurrentIndex);
+    m_notificationPresenter = new NotificationPresenter(NotificationManagerImpl::instance(), this);
+    initStatusBar();
+    initMainMenu();
+    initHotkeys();
+    initOutputView();
+    initFileView();
+    initMediaView();
+    initPlayerView();
+    m_layout->addWidget(m_navigationBar);
+    m_layout->addSpacing(spacing::normal);
+    m_layout->addWidget(m_tabs, 1);
+    m_layout->addSpacing(spacing::normal);
+    m_layout->addWidget(m_statusBar);
+    m_layout->addSpacing(spacing::tight);
+    m_navigationBar->setActiveTab(PlayerTab);
+    setCentralWidget(m_central);
+    initConnection();
+    if (const Configuration* settings = configuration()) {
+        connect(settings, &Configuration::optionChanged, this, [this](ConfigurationOption option) {
+            if (option == TEXT_SIZE)
+                repositionNotifications();
+        });
+    }
+    m_notificationPresenter->installEventFilter(this);
+    if (!keymapFault.isEmpty())
+        NotificationManagerImpl::instance()->createNotification(
+            Notification::WarningMessage, tr("The keys are those of a new installation"),
+            keymapFault.toHtmlEscaped() + u'\n' + tr("Choose yours anew in the main menu under Keyboard."));
+    setFocus();
+    setFocusPolicy(tabClickWheel);
+    raise();
+    m_developerMenu = new DeveloperMenu(this);
+    new KeyboardFocus(this);
+    resize(QSize(1600, 1000).boundedTo(screen()->availableSize()));
+}
+
+MainWindow::~MainWindow()
+{
+    delete m_inspector;
+    for (const QPointer<QWidget>& view : std::as_const(m_views))
+        delete view;
+    if (Session* session = Session::instance(); session && session->hotkeys() == m_hotkeys)
+        session->setHotkeys(nullptr);
+    setMainWindowWidget(nullptr);
+    instance() = nullptr;
+}
+
+MainWindow* MainWindow::get()
+{
+    return instance();
+}
+
+void MainWindow::initStatusBar()
+{
+    const Session* session = Session::instance();
+    m_statusBar = new StatusBar(session ? session->systemProxy() : nullptr,
+                                session ? session->connectionProvider() : nullptr, m_central);
+    connect(m_statusBar, &StatusBar::connectClicked, this, &MainWindow::handleConnectRequest);
+    connect(m_statusBar, &StatusBar::disconnectClicked, this, &MainWindow::handleDisconnectRequest);
+
+    m_notificationDialog = new NotificationDialogWrapper(NotificationManagerImpl::instance(), this);
+    auto* counts = new NotificationStatusBar(m_statusBar);
+    counts->setManager(NotificationManagerImpl::instance());
+    m_statusBar->addWidget(counts);
+    connect(counts, &NotificationStatusBar::clicked, m_notificationDialog, &NotificationDialogWrapper::show);
+    connect(m_notificationPresenter, &NotificationPresenter::detailsClicked, m_notificationDialog,
+            &NotificationDialogWrapper::show);
+}
+
+void MainWindow::initMainMenu()
+{
+    m_mainMenu = new MainMenu(this);
+    auto* button = new IconButton(QStringLiteral(":/icons/hamburger.svg"), {}, m_navigationBar);
+    button->setObjectName(QStringLiteral("MainNavigationBar-mainmenu-button"));
+    button->setToolTip(tr("Main menu"));
+    button->setAccessibleName(tr("Main menu"));
+    sizeNavButton(button);
+    m_navigationBar->addMainMenu(button);
+    connect(button, &IconButton::clicked, m_mainMenu, [this] { m_mainMenu->popup(QCursor::pos()); });
+    connect(m_mainMenu, &MainMenu::connectClicked, this, &MainWindow::handleConnectRequest);
+    connect(m_mainMenu, &MainMenu::disconnectClicked, this, &MainWindow::handleDisconnectRequest);
+    connect(m_mainMenu, &MainMenu::notificationsClicked, m_notificationDialog,
+            &NotificationDialogWrapper::show);
+    connect(m_mainMenu, &MainMenu::configurationClicked, this, &MainWindow::openConfigurationDialog);
+    connect(m_mainMenu, &MainMenu::keyboardClicked, this, &MainWindow::openKeyboardDialog);
+    auto* shows = new ShowManager(this);
+    connect(m_mainMenu, &MainMenu::clearShowClicked, shows, &ShowManager::handleClearShow);
+    connect(m_mainMenu, &MainMenu::importShowClicked, shows, &ShowManager::handleImport);
+    connect(m_mainMenu, &MainMenu::exportShowClicked, shows, &ShowManager::handleExport);
+    m_configurationDialog = new ConfigurationDialog(this);
+    if (const Session* session = Session::instance())
+        m_configurationDialog->setModel(session->serverConfigurationModel());
+}
+
+void MainWindow::initHotkeys()
+{
+    const auto add = [this](const char* name, const std::function<void()>& run) {
+        m_hotkeys->addShortcut(QLatin1String(name), this, run);
+    };
+    add("keyboard", [this] { openKeyboardDialog(); });
+    add("zoom_in", [this] { stepTextSize(1); });
+    add("zoom_out", [this] { stepTextSize(-1); });
+}
+
+void MainWindow::addView(int index, const QString& caption, const QString& icon, const QString& name,
+                         QWidget* view)
+{
+    m_views.append(view);
+    m_tabs->insertWidget(index, view);
+    auto* button = new NavButton(QStringLiteral("  ") + caption, icon, m_navigationBar);
+    button->setObjectName(name);
+    button->setAccessibleName(caption);
+    m_navigationBar->addTab(index, button);
+}
+
+void MainWindow::initOutputView()
+{
+    const QString icon = QStringLiteral(":/icons/output.svg");
+    auto* page = new QWidget(m_tabs);
+    auto* layout = new QHBoxLayout(page);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(new PlaceholderView(icon, tr("Video outputs are not part of this version yet."), page),
+                      1);
+    layout->addWidget(new OutputView(page));
+    addView(OutputsTab, tr("OUTPUTS"), icon, QStringLiteral("MainNavigationBar-outputs-button"), page);
+}
+
+void MainWindow::initFileView()
+{
+    const QString icon = QStringLiteral(":/icons/file.svg");
+    addView(FilesTab, tr("FILES"), icon, QStringLiteral("MainNavigationBar-files-button"),
+            new PlaceholderView(icon, tr("File transfers are not part of this version yet."), m_tabs));
+}
+
+void MainWindow::initMediaView()
+{
+    const QString icon = QStringLiteral(":/icons/media.svg");
+    addView(MediaTab, tr("MEDIA"), icon, QStringLiteral("MainNavigationBar-media-button"),
+            new PlaceholderView(icon, tr("Editing of collections is not part of this version yet."), m_tabs));
+}
+
+void MainWindow::initPlayerView()
+{
+    auto* view = new PlayerPlaybackView(m_tabs);
+    if (const QWidget* page = m_tabs->widget(MediaTab); page && canEditCollections(*page))
+        connect(view, &PlayerPlaybackView::collectionEditRequested, this,
+                &MainWindow::handleCollectionEditRequested);
+    if (const Session* session = Session::instance())
+        view->setModel(session->objectTreeModel()->index(QStringLiteral("/device/channels")));
+    // With large text two channels can need more width than the screen has.
+    auto* area = new QScrollArea(m_tabs);
+    area->setObjectName(QStringLiteral("PlayerTab-scroll-area"));
+    area->setFrameShape(QFrame::NoFrame);
+    area->setFocusPolicy(Qt::NoFocus);
+    area->setWidgetResizable(true);
+    area->setWidget(view);
+    addView(PlayerTab, tr("PLAYER"), QStringLiteral(":/icons/mc_play.svg"),
+            QStringLiteral("MainNavigationBar-player-button"), area);
+}
+
+void MainWindow::initConnection()
+{
+    ConnectionHandler* handler = connectionHandler();
+    if (!handler)
+        return;
+    connect(handler, &ConnectionHandler::connecting, this, &MainWindow::onConnecting);
+    connect(handler, &ConnectionHandler::connected, this, &MainWindow::onConnected);
+    connect(handler, &ConnectionHandler::disconnected, this, &MainWindow::onDisconnected);
+    connect(handler, &ConnectionHandler::connected, m_mainMenu, &MainMenu::handleConnected);
+    connect(handler, &ConnectionHandler::disconnected, m_mainMenu, &MainMenu::handleDisconnected);
+    connect(handler, &ConnectionHandler::connected, m_statusBar, &StatusBar::onConnected);
+    connect(handler, &ConnectionHandler::disconnected, m_statusBar, &StatusBar::onDisconnected);
+    connect(handler, &ConnectionHandler::reconnecting, m_statusBar, &StatusBar::onReconnecting);
+    connect(handler, &ConnectionHandler::connected, m_configurationDialog, &ConfigurationDialog::onConnected);
+    connect(handler, &ConnectionHandler::disconnected, m_configurationDialog,
+            &ConfigurationDialog::onDisconnected);
+}
+
+void MainWindow::autoConnect(const QString& host)
+{
+    QTimer::singleShot(startDelay, this, [host] {
+        if (ConnectionHandler* handler = connectionHandler())
+            handler->connect(host);
+    });
+}
+
+void MainWindow::showConnectDialog()
+{
+    QTimer::singleShot(startDelay, this, &MainWindow::showConnectDialogImmediate);
+}
+
+void MainWindow::showConnectDialogImmediate()
+{
+    if (!m_connectDialog) {
+        m_connectDialog = new ConnectDialog(this);
+        connect(m_connectDialog, &ConnectDialog::stop, this, &MainWindow::handleDisconnectRequest);
+        connect(m_connectDialog, &ConnectDialog::disconnectRequested, this,
+                &MainWindow::handleDisconnectRequest);
+        if (ConnectionHandler* handler = connectionHandler()) {
+            connect(m_connectDialog, &ConnectDialog::connectRequested, handler,
+                    [handler](const QString& host) { handler->connect(host); });
+            connect(handler, &ConnectionHandler::connected, m_connectDialog, &ConnectDialog::onConnected);
+            connect(handler, &ConnectionHandler::disconnected, m_connectDialog,
+                    &ConnectDialog::onDisconnected);
+        }
+        if (const Session* session = Session::instance(); session && session->isConnected())
+            m_connectDialog->onConnected();
+    }
+    m_connectDialog->showConnectDialog();
+    m_connectDialog->activateWindow();
+}
+
+quint16 MainWindow::startClickTestServer(quint16 port)
+{
+    if (!m_clickTestServer)
+        m_clickTestServer = new ClickTestServer(this, port);
+    return m_clickTestServer->port();
+}
+
+void MainWindow::repositionNotifications()
+{
+    m_notificationPresenter->move((width() - m_notificationPresenter->width()) / 2,
+                                  height() - m_notificationPresenter->height() - m_statusBar->height());
+}
+
+void MainWindow::handleConnectRequest()
+{
+    showConnectDialogImmediate();
+}
+
+void MainWindow::handleDisconnectRequest()
+{
+    if (ConnectionHandler* handler = connectionHandler())
+        handler->disconnect();
+}
+
+void MainWindow::handleCollectionEditRequested(int collection)
+{
+    QWidget* page = m_tabs->widget(MediaTab);
+    if (!page || !canEditCollections(*page) ||
+        !QMetaObject::invokeMethod(page, "selectCollection", Q_ARG(int, collection))) {
+        qCWarning(log) << "Failed to find media view page";
+        return;
+    }
+    m_navigationBar->setActiveTab(MediaTab);
+}
+
+void MainWindow::onConnecting(const QString& address)
+{
+    if (m_connectDialog)
+        m_connectDialog->setConnectingDialog(address);
+}
+
+void MainWindow::onConnected()
+{
+    if (m_connectDialog)
+        m_connectDialog->hide();
+}
+
+void MainWindow::onDisconnected(const QString& address)
+{
+    if (m_connectDialog && m_connectDialog->isVisible())
+        m_connectDialog->setDisconnectionDialog(address);
+}
+
+void MainWindow::openConfigurationDialog()
+{
+    m_configurationDialog->open();
+}
+
+void MainWindow::openKeyboardDialog()
+{
+    if (!m_keyboardDialog)
+        m_keyboardDialog = new KeyboardDialog(m_hotkeys, this);
+    m_keyboardDialog->open();
+}
+
+void MainWindow::stepTextSize(int step)
+{
+    const int size = static_cast<int>(currentFontSize()) + step;
+    const bool isSize = size >= static_cast<int>(FontSize::Small) && size <= static_cast<int>(FontSize::Huge);
+    if (Configuration* settings = configuration(); settings && isSize)
+        settings->setValue(TEXT_SIZE, QVariant::fromValue(static_cast<FontSize>(size)));
+}
+
+bool MainWindow::eventFilter(QObject* watched, QEvent* event)
+{
+    if (watched == m_notificationPresenter && event->type() == QEvent::Resize) {
+        m_notificationPresenter->resize(static_cast<QResizeEvent*>(event)->size());
+        repositionNotifications();
+    }
+    return QMainWindow::eventFilter(watched, event);
+}
+
+void MainWindow::resizeEvent(QResizeEvent* event)
+{
+    QMainWindow::resizeEvent(event);
+    repositionNotifications();
+}
+
+void MainWindow::keyPressEvent(QKeyEvent* event)
+{
+    if (event->key() == Qt::Key_F10)
+        InspectorWidget::showNotifications(NotificationManagerImpl::instance());
+    else if (event->key() == Qt::Key_F11)
+        showInspector();
+    else
+        QMainWindow::keyPressEvent(event);
+}
+
+void MainWindow::showInspector()
+{
+    if (!m_inspector) {
+        m_inspector = new InspectorWidget(m_developerMenu, NotificationManagerImpl::instance(), nullptr);
+        qApp->installEventFilter(m_inspector);
+        connect(m_inspector, &InspectorWidget::closed, m_inspector, &QObject::deleteLater);
+    }
+    m_inspector->show();
+    m_inspector->raise();
+}
+
+void MainWindow::mousePressEvent(QMouseEvent* event)
+{
+    // A click on the background ends what is being typed, but leaves declarative views and file lists alone.
+    QWidget* focused = QApplication::focusWidget();
+    const bool keeps =
+        qobject_cast<QQuickWidget*>(focused) || (focused && focused->property("fileview").toBool());
+    if (focused && !keeps)
+        focused->clearFocus();
+    QMainWindow::mousePressEvent(event);
+}
+
+} // namespace vantrel

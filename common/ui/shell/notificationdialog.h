@@ -1,0 +1,30 @@
+#pragma once
+
+#include "common/ui/toolkit/ztdialog.h"
+
+#include <QPointer>
+
+class QTextBrowser;
+
+namespace vantrel {
+
+class NotificationManager;
+
+/// All notifications, newest first. Looking at them acknowledges them when the dialog is closed by its
+/// button.
+class NotificationDialog : public ZTDialog
+{
+    Q_OBJECT
+
+public:
+    explicit NotificationDialog(NotificationManager* manager, QWidget* parent = nullptr);
+
+private:
+    void refresh();
+    void acceptAll();
+
+    QPointer<NotificationManager> m_manager;
+    QTextBrowser* m_list;
+};
+
+} // namespace vantrel

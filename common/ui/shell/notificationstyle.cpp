@@ -1,0 +1,54 @@
+#include "common/ui/shell/notificationstyle.h"
+
+#include "common/ui/style/colors.h"
+
+#include <QCoreApplication>
+
+namespace vantrel {
+
+QString notificationIcon(Notification::MessageType type)
+{
+    switch (type) {
+    case Notification::ErrorMessage:
+        return QStringLiteral("error");
+    case Notification::WarningMessage:
+        return QStringLiteral("warning");
+    case Notification::CheckedMessage:
+        return QStringLiteral("checked");
+    case Notification::InfoMessage:
+        break;
+    }
+    return QStringLiteral("info");
+}
+
+QColor notificationColor(Notification::MessageType type)
+{
+    switch (type) {
+    case Notification::ErrorMessage:
+        return colors::getColor(colors::Red_error);
+    case Notification::WarningMessage:
+        return colors::getColor(colors::Zt_spot_color);
+    case Notification::CheckedMessage:
+        return colors::getColor(colors::Green_green);
+    case Notification::InfoMessage:
+        break;
+    }
+    return colors::getColor(colors::Zt_blue_lighter);
+}
+
+QString notificationName(Notification::MessageType type)
+{
+    switch (type) {
+    case Notification::ErrorMessage:
+        return QCoreApplication::translate("Notification", "Errors");
+    case Notification::WarningMessage:
+        return QCoreApplication::translate("Notification", "Warnings");
+    case Notification::CheckedMessage:
+        return QCoreApplication::translate("Notification", "Completed");
+    case Notification::InfoMessage:
+        break;
+    }
+    return QCoreApplication::translate("Notification", "Messages");
+}
+
+} // namespace vantrel

@@ -1,0 +1,232 @@
+#include "common/ui/shell/showmanager.h"
+
+#include "common/command/showcommands.h"
+#include "common/session/connectionhandler.h"
+#include "common/session/serverconfigurationmodel.h"
+#include "common/session/session.h"
+#include "common/ui/shell/importshowdialog.h"
+#include "common/ui/toolkit/confirmationdialog.h"
+#include "common/ui/toolkit/textinputdialog.h"
+#include "tarn/scene/scene.h"
+
+#include <QDateTime>
+#include <QFile>
+#include <QFileDialog>
+#include <QLoggingCategory>
+#include <QNetworkAccessManager>
+#include <QNetworkReply>
+#include <QStandardPaths>
+#include <QUrlQuery>
+
+#include <memory>
+
+namespace vantrel {
+
+namespace {
+
+Q_LOGGING_CATEGORY(log, "vantrel.show")
+
+constexpr auto resource = "/api/brume/v1/show/current";
+
+} // namespace
+
+ShowManager::ShowManager(QWidget* parent)
+    : QObject(parent)
+    , m_clearDialog(
+          new ConfirmationDialog(tr("Clear show"),
+                                 tr("All output and playback configurations,\nmedia collections and "
+                                    "playlists will be lost.\nDo you want to continue?"),
+                                 tr("CLEAR"), parent))
+    , m_revertDialog(new ConfirmationDialog(tr("Revert show"),
+                                            tr("All unsaved changes will be lost. Do you want to continue?"),
+                                            tr("REVERT"), parent))
+    , m_saveAsDialog(new TextInputDialog(tr("Save show as"), tr("Name of show:"), tr("SAVE"), parent))
+    , m_importDialog(new ImportShowDialog(parent))
+    , m_forceImportDialog(new ConfirmationDialog(
+          tr("Force import"),
+          tr("The imported show is not compatible with the Halcyra Ombra version. Do you want to continue?"),
+          tr("IMPORT"), parent))
+{
+    m_clearDialog->setObjectNames(QStringLiteral("ClearShowDialog"));
+    m_clearDialog->setAcceptClass(QStringLiteral("red"));
+    m_revertDialog->setObjectNames(QStringLiteral("RevertShowDialog"));
+    m_saveAsDialog->setObjectNames(QStringLiteral("SaveShowAsDialog"));
+    m_forceImportDialog->setObjectNames(QStringLiteral("ForceImportDialog"));
+    connect(m_clearDialog, &ZTDialog::confirmed, this, &ShowManager::clearShow);
+    connect(m_revertDialog, &ZTDialog::confirmed, this, &ShowManager::revertShow);
+    connect(m_saveAsDialog, &TextInputDialog::valuesConfirmed, this, &ShowManager::saveShowAs);
+    connect(m_importDialog, &ImportShowDialog::importShow, this, &ShowManager::importShow);
+    connect(m_forceImportDialog, &ZTDialog::confirmed, this, &ShowManager::forceImport);
+}
+
+void ShowManager::handleSaveAs()
+{
+    m_saveAsDialog->open();
+}
+
+void ShowManager::handleRevertShow()
+{
+    m_revertDialog->open();
+}
+
+void ShowManager::handleClearShow()
+{
+    m_clearDialog->open();
+}
+
+void ShowManager::handleImport()
+{
+    m_importDialog->open();
+}
+
+void ShowManager::clearShow()
+{
+    sendClearShowCommand(QStringLiteral("default"));
+}
+
+void ShowManager::revertShow()
+{
+    sendRevertShowCommand(QStringLiteral("default"));
+}
+
+void ShowManager::saveShow()
+{
+    sendSaveShowCommand(QStringLiteral("default"));
+}
+
+void ShowManager::saveShowAs(const QStringList& values)
+{
+    const Session* session = Session::instance();
+    if (values.size() != 1 || !session)
+        return;
+    session->serverConfigurationModel()->addShow(values.first());
+    sendSaveShowCommand(values.first());
+}
+
+void ShowManager::sendClearShowCommand(const QString& showName)
+{
+    send(new ClearShowCommand, showName, "ClearShowCommand");
+}
+
+void ShowManager::sendRevertShowCommand(const QString& showName)
+{
+    send(new RevertShowCommand, showName, "RevertShowCommand");
+}
+
+void ShowManager::sendSaveShowCommand(const QString& showName)
+{
+    send(new SaveShowCommand, showName, "SaveShowCommand");
+}
+
+void ShowManager::send(ShowCommand* command, const QString& showName, const char* name)
+{
+    std::unique_ptr<ShowCommand> owned(command);
+    Object* configuration = getObject(QStringLiteral("/device/showConfiguration"));
+    if (!configuration || !owned->initialize(configuration, showName)) {
+        qCWarning(log) << "Failed to init" << name;
+        return;
+    }
+    Session::instance()->executeCommand(owned.release());
+}
+
+Object* ShowManager::getObject(const QString& path) const
+{
+    const Session* session = Session::instance();
+    return session ? session->getScene()->findObject(path.toStdString()) : nullptr;
+}
+
+QUrl ShowManager::showUrl() const
+{
+    const Session* session = Session::instance();
+    QUrl url;
+    url.setScheme(QStringLiteral("http"));
+    url.setHost(session->connectionHandler()->getConnectedHost());
+    url.setPort(session->ports().http);
+    url.setPath(QString::fromLatin1(resource));
+    return url;
+}
+
+void ShowManager::importShow(QString fileName, QStringList imports)
+{
+    QFile file(fileName);
+    if (!file.open(QIODevice::ReadOnly)) {
+        qCWarning(log) << "Failed to open import file:" << file.errorString();
+        return;
+    }
+    m_importSections = imports;
+    m_importData = file.readAll();
+    file.close();
+    sendImportRequest(false);
+}
+
+void ShowManager::forceImport()
+{
+    sendImportRequest(true);
+}
+
+void ShowManager::sendImportRequest(bool force)
+{
+    if (!Session::instance())
+        return;
+    QUrl url = showUrl();
+    QUrlQuery query;
+    if (!m_importSections.isEmpty())
+        query.addQueryItem(QStringLiteral("include"), m_importSections.join(u','));
+    if (force)
+        query.addQueryItem(QStringLiteral("force"), QString());
+    url.setQuery(query);
+    QNetworkRequest request(url);
+    request.setHeader(QNetworkRequest::ContentTypeHeader,
+                      QStringLiteral("application/x-www-form-urlencoded"));
+    QNetworkReply* reply = Session::instance()->getQNetworkAccessManager()->post(request, m_importData);
+    connect(reply, &QNetworkReply::finished, this, [this, reply, force] {
+        reply->deleteLater();
+        if (reply->error() == QNetworkReply::NoError) {
+            qCDebug(log) << "Success:" << reply->readAll();
+            return;
+        }
+        qCDebug(log) << "Error:" << reply->errorString();
+        if (!force)
+            m_forceImportDialog->open();
+    });
+}
+
+void ShowManager::handleExport()
+{
+    const QString stamp = QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd_HH-mm"));
+    // The backslash stands before the name on every platform, so that exported names agree.
+    const QString proposal = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation) +
+                             QStringLiteral("\\default_%1.show").arg(stamp);
+    const QString chosen = QFileDialog::getSaveFileName(qobject_cast<QWidget*>(parent()), tr("Export Show"),
+                                                        proposal, tr("Show Files (*.show)"));
+    if (chosen.isEmpty())
+        return;
+    qCDebug(log) << "Selected file to export:" << chosen;
+    exportShow(chosen);
+}
+
+void ShowManager::exportShow(const QString& fileName)
+{
+    if (!Session::instance())
+        return;
+    QNetworkReply* reply = Session::instance()->getQNetworkAccessManager()->get(QNetworkRequest(showUrl()));
+    connect(reply, &QNetworkReply::finished, this, [reply, fileName] {
+        reply->deleteLater();
+        if (reply->error() != QNetworkReply::NoError)
+            qCWarning(log) << "Download failed:" << reply->errorString();
+        else
+            saveReply(reply->readAll(), fileName);
+    });
+}
+
+void ShowManager::saveReply(const QByteArray& bytes, const QString& fileName)
+{
+    QFile file(fileName);
+    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.flush()) {
+        qCWarning(log) << "Failed to save the file!";
+        return;
+    }
+    qCDebug(log) << "File downloaded successfully!";
+}
+
+} // namespace vantrel

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "common/ui/toolkit/ztdialog.h"
+
+#include <QStringList>
+
+namespace vantrel {
+
+class ZTEdit;
+
+/// Asks for one or more texts; the accept button needs all of them to hold more than blanks.
+class TextInputDialog : public ZTDialog
+{
+    Q_OBJECT
+
+public:
+    explicit TextInputDialog(QWidget* parent = nullptr);
+    TextInputDialog(const QString& title, const QString& label, const QString& confirmText,
+                    QWidget* parent = nullptr);
+
+    /// Adds a field under its label and gives it back.
+    ZTEdit* addField(const QString& label, const QString& text = {});
+    /// The fields' texts in order, without blanks at their ends.
+    QStringList values() const;
+    void setValue(int field, const QString& text);
+    void setObjectNames(const QString& base) override;
+
+Q_SIGNALS:
+    void valuesConfirmed(const QStringList& values);
+
+protected:
+    void showEvent(QShowEvent* event) override;
+
+private:
+    void updateAccept();
+
+    QList<ZTEdit*> m_fields;
+};
+
+} // namespace vantrel
