@@ -165,8 +165,13 @@ def inspector(options):
 def gallery(options):
     with tempfile.TemporaryDirectory() as home:
         environment = dict(os.environ, XDG_CONFIG_HOME=home, QT_QPA_PLATFORM="offscreen")
-        subprocess.run([options.bin, "--gallery", "--screenshot", str(options.out / "gallery.png"), "--seconds", "1"],
-                       env=environment, stderr=subprocess.DEVNULL, check=True)
+        whole = pathlib.Path(home, "gallery.png")
+        subprocess.run([options.bin, "--gallery", "--screenshot", str(whole), "--seconds", "1"],
+                       env=environment, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, check=True)
+        subprocess.run(
+            ["ffmpeg", "-v", "error", "-nostdin", "-y", "-i", str(whole), "-vf", "scale=iw/2:-1:flags=lanczos",
+             "-pix_fmt", "rgb24", "-pred", "mixed", "-compression_level", "100", str(options.out / "gallery.png")],
+            check=True)
 
 
 def connect(options, name, **how):

@@ -125,7 +125,7 @@ void PlaybackPreview::paintEvent(QPaintEvent*)
         painter.drawPixmap(pictureRect(), m_pixmap, QRectF(m_pixmap.rect()));
     }
     if (!isEnabled()) // the last picture of a server that is gone
-        painter.fillRect(rect(), colors::getColor(colors::Zt_black_50));
+        painter.fillRect(pictureRect(), colors::getColor(colors::Zt_black_50));
     if (m_isDropTarget) {
         painter.setPen(QPen(colors::getColor(colors::Zt_orange), 2));
         painter.drawRect(rect().adjusted(1, 1, -1, -1));

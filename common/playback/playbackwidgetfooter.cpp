@@ -15,7 +15,7 @@ namespace {
 
 constexpr int spacingOnPreview = 80; // pixels between and around the buttons
 constexpr int spacingOnProgram = 48;
-constexpr int reservedWidth = 16;
+constexpr int reservedWidth = 8;
 
 } // namespace
 
@@ -51,7 +51,7 @@ void PlaybackWidgetFooter::createReservedButtons()
     const auto reserve = [this](const QString& icon, const QString& tip) {
         auto button = std::make_unique<IconButton>(icon);
         button->setToolTip(tip);
-        button->resize(reservedWidth, reservedWidth); // an icon's
+        button->resize(reservedWidth, reservedWidth);
         m_reserved.push_back(std::move(button));
     };
     reserve(QStringLiteral(":/icons/scaling.svg"), tr("Select scaling method"));

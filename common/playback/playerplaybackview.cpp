@@ -129,14 +129,19 @@ QWidget* PlayerPlaybackView::createEmptyState()
     m_emptyHint->setAlignment(Qt::AlignCenter);
     m_emptyHint->setWordWrap(true);
     followFontSize(m_emptyHint,
-                   [this](FontSize size) { m_emptyHint->setMinimumWidth(scaled(hintWidth, size)); });
+                   [this](FontSize size) { m_emptyHint->setFixedWidth(scaled(hintWidth, size)); });
 
     auto* layout = new QVBoxLayout(page);
     layout->setSpacing(12);
     layout->addStretch(1);
     layout->addWidget(icon, 0, Qt::AlignHCenter);
     layout->addWidget(m_emptyTitle, 0, Qt::AlignHCenter);
-    layout->addWidget(m_emptyHint, 0, Qt::AlignHCenter);
+    // In a row of its own, which gives it the height of its lines at this width.
+    auto* hintRow = new QHBoxLayout;
+    hintRow->addStretch(1);
+    hintRow->addWidget(m_emptyHint);
+    hintRow->addStretch(1);
+    layout->addLayout(hintRow);
     layout->addStretch(5); // above the connect dialog, which opens in the middle
     return page;
 }

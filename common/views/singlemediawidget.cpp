@@ -36,6 +36,7 @@ constexpr std::array lastFacts{SingleMediaModel::ImportedColumn, SingleMediaMode
 constexpr int pairWidth = 200; // pixels at the Medium text size
 constexpr int mostPairs = 3;
 constexpr int pictureWidth = 144;
+constexpr int scalingWidth = 128; // at any text size: that of its longest word
 
 constexpr std::array modes{ScaleMode::Default,  ScaleMode::Fit,        ScaleMode::Clip,
                            ScaleMode::Stretch,  ScaleMode::Centered,   ScaleMode::TopLeft,
@@ -195,6 +196,7 @@ void SingleMediaWidget::resizeEvent(QResizeEvent* event)
 QWidget* SingleMediaWidget::createPictureColumn(QWidget* page)
 {
     auto* column = new QWidget(page);
+    column->setMinimumWidth(scalingWidth);
     m_thumbnail = new ThumbnailLabel(column);
     m_thumbnail->setObjectName(QStringLiteral("Preview-SingleMedia-thumbnail"));
     auto* layout = new QVBoxLayout(column);

@@ -81,6 +81,8 @@ void findCut(const QWidget* widget, QStringList& faults)
     const bool hasText = (label && !label->text().isEmpty() && !label->wordWrap()) ||
                          qobject_cast<const QAbstractButton*>(widget) ||
                          qobject_cast<const QLineEdit*>(widget) || qobject_cast<const QComboBox*>(widget);
+    if (label && label->wordWrap() && label->height() < label->heightForWidth(label->width()))
+        faults.append(QStringLiteral("squeezed: %1 lacks a line").arg(nameOf(label)));
     const QSize needed = widget->minimumSizeHint();
     const bool ignoresWidth = widget->sizePolicy().horizontalPolicy() == QSizePolicy::Ignored;
     if (hasText &&

@@ -323,7 +323,7 @@ private Q_SLOTS:
 
         // Only with the new state in place.
         QTRY_VERIFY_WITH_TIMEOUT(m_fixture->peer.session->isConnected(), 10000);
-        QVERIFY(hasText(QStringLiteral("Connected again. Reading the state of the server.")));
+        QTRY_VERIFY(hasText(QStringLiteral("Connected again. Reading the state of the server.")));
         QVERIFY(!m_fixture->part<TakeButton>("TakeControls-Take-Button")->isEnabled());
         m_fixture->peer.send(R"([{"op":"add","path":"/device/channels/0","value":{"type":"Channel"}}])");
         QTRY_VERIFY(m_fixture->part<TakeButton>("TakeControls-Take-Button")->isEnabled());

@@ -31,6 +31,10 @@ private Q_SLOTS:
         m_window = std::make_unique<MainWindow>();
         m_window->resize(1600, 1000);
         m_window->show();
+        QStringList faults;
+        const bool isSound =
+            QTest::qWaitFor([&] { return (faults = layoutFaults(m_window.get())).isEmpty(); }, 2000);
+        QVERIFY2(isSound, qPrintable(faults.join(u'\n'))); // without a server, too
         QVERIFY(m_fixture->peer.connect());
         QTRY_VERIFY(!m_fixture->peer.link.received.empty());
         m_fixture->peer.send(R"([{"op":"add","path":"/device/channels/0","value":{"type":"Channel"}}])");
