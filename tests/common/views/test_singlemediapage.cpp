@@ -31,7 +31,7 @@ private Q_SLOTS:
     void showsWhatPreviewHolds()
     {
         const auto* empty = m_fixture->part<ZTLabel>("Preview-SingleMedia-empty");
-        QVERIFY(empty->isVisible());
+        QTRY_VERIFY(empty->isVisible()); // once the channel is laid out
         cue("brume://collections/1/slots/1");
         QTRY_COMPARE(m_page->shownValue(Column::NameColumn), QStringLiteral("Walk-in"));
         QVERIFY(!empty->isVisible());
