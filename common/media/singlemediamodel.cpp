@@ -74,11 +74,24 @@ SingleMediaModel::SingleMediaModel(MediaDataAggregator* aggregator,
                                    AbstractPlaylistProvider* playlistProvider,
                                    MediaLibraryProvider* mediaProvider, QObject* parent)
     : QAbstractTableModel(parent)
-    , m_aggregator(aggregator)
     , m_playlistProvider(playlistProvider)
     , m_mediaProvider(mediaProvider)
 {
     connectSources();
+    setMediaDataAggregator(aggregator);
+}
+
+void SingleMediaModel::setMediaDataAggregator(MediaDataAggregator* aggregator)
+{
+    if (m_aggregator)
+        m_aggregator->disconnect(this);
+    m_aggregator = aggregator;
+    if (m_aggregator) {
+        connect(m_aggregator, &MediaDataAggregator::metadataChanged, this,
+                &SingleMediaModel::onMetadataChanged);
+        connect(m_aggregator, &MediaDataAggregator::metadataInvalidated, this,
+                &SingleMediaModel::onMetadataChanged);
+    }
     SingleMediaModel::onReset();
 }
 
@@ -86,12 +99,6 @@ void SingleMediaModel::connectSources()
 {
     using Playlists = AbstractPlaylistProvider;
     using Library = AbstractMediaLibraryProvider;
-    if (m_aggregator) {
-        connect(m_aggregator, &MediaDataAggregator::metadataChanged, this,
-                &SingleMediaModel::onMetadataChanged);
-        connect(m_aggregator, &MediaDataAggregator::metadataInvalidated, this,
-                &SingleMediaModel::onMetadataChanged);
-    }
     if (m_playlistProvider) {
         connect(m_playlistProvider, &Playlists::reset, this, &SingleMediaModel::onProviderReset);
         for (const auto signal :

@@ -57,6 +57,8 @@ public:
     QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
     QVariant headerData(int section, Qt::Orientation orientation, int role = Qt::DisplayRole) const override;
 
+    /// That of a new connection; may be null.
+    void setMediaDataAggregator(MediaDataAggregator* aggregator);
     const QString& mediaAddress() const { return m_mediaAddress; }
     /// The URL of a slot or of a playlist entry; anything else shows nothing.
     void setMediaAddress(const QString& address);

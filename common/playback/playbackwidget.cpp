@@ -44,7 +44,6 @@ PlaybackWidget::PlaybackWidget(PlaybackViewMode viewMode, QWidget* parent)
                                      : Session::instance()->sceneObjectProvider()->programPlayback())
     , m_viewMode(viewMode)
     , m_propertiesMapper(new PropertiesMapper(this))
-    , m_resourceStatusProvider(Session::instance()->resourceStatusProvider())
 {
     setDynamicStyle(this, "class", QStringLiteral("panel"));
     setDynamicStyle(this, "mode", isPreview() ? QStringLiteral("preview") : QStringLiteral("program"));

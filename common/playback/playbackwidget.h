@@ -18,6 +18,7 @@ class DurationEditWidget;
 class EndpointTimecodes;
 class GUIPlayback;
 class GuiMediaItem;
+class MediaDataAggregator;
 class MediaMetadata;
 class MuteButton;
 class Object;
@@ -109,6 +110,7 @@ private:
     void nameChildren();
     void connectChildren();
     void connectSources();
+    void followHelpers();
     void connectMute(const Path& objectPath);
     void updateMediaAddress();
     bool findMediaName(QString& name) const;
@@ -133,7 +135,8 @@ private:
     QString m_mediaAddress;
     bool m_hasValidMedia = false;
     bool m_isResourceConstrained = false;
-    DefaultResourceStatusProvider* m_resourceStatusProvider;
+    QPointer<MediaDataAggregator> m_aggregator;
+    DefaultResourceStatusProvider* m_resourceStatusProvider = nullptr;
 };
 
 } // namespace vantrel

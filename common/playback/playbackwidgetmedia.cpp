@@ -1,6 +1,7 @@
 // What PlaybackWidget shows and allows for the media on its channel.
 #include "common/command/playback/playmediacommand.h"
 #include "common/media/abstractplaylistprovider.h"
+#include "common/media/defaultresourcestatusprovider.h"
 #include "common/media/guimediaslot.h"
 #include "common/media/guiplaylist.h"
 #include "common/media/guiplaylistentry.h"
@@ -48,11 +49,25 @@ void PlaybackWidget::connectSources()
     connect(session, &Session::disconnected, m_footer->levelMeter(), &LevelMeter::clear);
     connect(session->playlistProvider(), &PlaylistProvider::reset, this,
             &PlaybackWidget::handlePlaylistReset);
-    if (const MediaDataAggregator* aggregator = session->mediaDataAggregator())
-        connect(aggregator, &MediaDataAggregator::metadataChanged, this,
-                &PlaybackWidget::handleMetadataChanged);
+    connect(session, &Session::connected, this, &PlaybackWidget::followHelpers);
+    followHelpers();
     if (m_playback)
         connect(m_playback, &GUIPlayback::mediaChanged, this, &PlaybackWidget::handleMediaChanged);
+}
+
+/// Each connection has helpers of its own, and this widget outlives them.
+void PlaybackWidget::followHelpers()
+{
+    const Session* session = Session::instance();
+    m_resourceStatusProvider = session->resourceStatusProvider();
+    if (m_resourceStatusProvider && isPreview())
+        m_resourceStatusProvider->setIsConstrained(m_viewMode, m_isResourceConstrained);
+    if (m_aggregator)
+        m_aggregator->disconnect(this);
+    m_aggregator = session->mediaDataAggregator();
+    if (m_aggregator)
+        connect(m_aggregator, &MediaDataAggregator::metadataChanged, this,
+                &PlaybackWidget::handleMetadataChanged);
 }
 
 std::shared_ptr<MediaMetadata> PlaybackWidget::getMediaMetadata() const

@@ -125,7 +125,12 @@ QWidget* PlaylistWidget::createSingleMediaPage()
     connect(channel, &QAbstractItemModel::dataChanged, model, follow);
     connect(channel, &QAbstractItemModel::modelReset, model, follow);
     follow();
-    return new SingleMediaWidget(model, session->mediaDataAggregator(), this);
+    auto* page = new SingleMediaWidget(model, session->mediaDataAggregator(), this);
+    connect(session, &Session::connected, page, [model, page, session] {
+        model->setMediaDataAggregator(session->mediaDataAggregator());
+        page->setMediaDataAggregator(session->mediaDataAggregator());
+    });
+    return page;
 }
 
 int PlaylistWidget::currentTab() const

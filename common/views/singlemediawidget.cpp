@@ -55,7 +55,6 @@ SingleMediaWidget::SingleMediaWidget(SingleMediaModel* model, MediaDataAggregato
                                      QWidget* parent)
     : ZTFrame(parent)
     , m_model(model)
-    , m_aggregator(aggregator)
     , m_empty(new ZTLabel(this))
     , m_area(new QScrollArea(this))
 {
@@ -76,6 +75,14 @@ SingleMediaWidget::SingleMediaWidget(SingleMediaModel* model, MediaDataAggregato
 
     connect(m_model, &QAbstractItemModel::modelReset, this, &SingleMediaWidget::refresh);
     connect(m_model, &QAbstractItemModel::dataChanged, this, &SingleMediaWidget::refresh);
+    setMediaDataAggregator(aggregator);
+}
+
+void SingleMediaWidget::setMediaDataAggregator(MediaDataAggregator* aggregator)
+{
+    if (m_aggregator)
+        m_aggregator->disconnect(this);
+    m_aggregator = aggregator;
     if (m_aggregator) {
         const auto onThumbnail = [this](const QUrl& url) {
             if (url == m_model->contentUrl())

@@ -25,6 +25,8 @@ class SingleMediaWidget : public ZTFrame
 public:
     SingleMediaWidget(SingleMediaModel* model, MediaDataAggregator* aggregator, QWidget* parent = nullptr);
 
+    /// That of a new connection; may be null.
+    void setMediaDataAggregator(MediaDataAggregator* aggregator);
     ZTComboBox* scalingMenu() const { return m_scaling; }
     /// The value that is shown for a column of the model.
     QString shownValue(SingleMediaModel::Column column) const;

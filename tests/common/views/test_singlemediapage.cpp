@@ -1,3 +1,5 @@
+#include "common/media/defaultresourcestatusprovider.h"
+#include "common/media/mediadataaggregator.h"
 #include "common/media/medialibraryprovider.h"
 #include "common/playback/playbackpreview.h"
 #include "common/playback/playbackwidget.h"
@@ -42,6 +44,25 @@ private Q_SLOTS:
         QCOMPARE(m_page->shownValue(Column::UsedInColumn), QStringLiteral("-"));
         cue("");
         QTRY_VERIFY(empty->isVisible());
+    }
+
+    /// The channel waits for its server before the first connection, and is kept over the next.
+    void followsEachConnection()
+    {
+        cue("brume://collections/1/slots/1");
+        QTRY_COMPARE(m_page->shownValue(Column::MediaTypeColumn), QStringLiteral("Video"));
+        const Session* session = m_fixture->peer.session;
+        const QPointer<MediaDataAggregator> former = session->mediaDataAggregator();
+        m_fixture->peer.link.socket->disconnectFromHost();
+        QTRY_VERIFY_WITH_TIMEOUT(session->isConnected() && session->mediaDataAggregator() != former, 10000);
+        m_fixture->peer.send(R"([{"op":"add","path":"/device/channels/0","value":{"type":"Channel"}}])");
+        QTRY_VERIFY(m_fixture->channel());
+        cue("brume://collections/1/slots/2");
+        QTRY_COMPARE(m_page->shownValue(Column::MediaTypeColumn), QStringLiteral("Image"));
+        QTRY_VERIFY(m_page->scalingMenu()->isVisible());
+
+        m_fixture->set("preview", "resourceConstrained", "true");
+        QTRY_VERIFY(session->resourceStatusProvider()->isConstrained(Preview));
     }
 
     void scalingIsACommand()
