@@ -250,7 +250,7 @@ void LostServer::withAMenuOpen()
     m_robot.key(QStringLiteral("Esc"));
     QTRY_VERIFY(!isVisible(menu));
     QVERIFY(getServerBack());
-    QCOMPARE(m_robot.cells(slotsView).size(), 3);
+    QTRY_COMPARE(m_robot.cells(slotsView).size(), 3);
     checkUsable();
     QCOMPARE(m_robot.cells(slotsView).size(), 3);
 }
