@@ -149,16 +149,22 @@ bool FirstTake::losesAndFindsTheServer()
 void FirstTake::theWindowStaysFluid_data()
 {
     QTest::addColumn<QString>("work");
-    for (const QString work : {"cue", "take", "loss and return"})
-        QTest::newRow(qPrintable(work)) << work;
+    QTest::addColumn<double>("atMostMs");
+    QTest::newRow("cue") << QStringLiteral("cue") << 16.0;
+    QTest::newRow("take") << QStringLiteral("take") << 16.0;
+    // Nobody's hand is on the window then, and all of it is painted anew at once.
+    QTest::newRow("loss and return") << QStringLiteral("loss and return") << 33.0;
 }
 
-/// Nothing that an operator does holds the window up for longer than a picture of a 60 Hz screen.
+/// Nothing that an operator does holds the window up for longer than a picture of a 60 Hz screen, and a lost
+/// server for no longer than two.
 void FirstTake::theWindowStaysFluid()
 {
     QFETCH(const QString, work);
+    QFETCH(const double, atMostMs);
     double shortest = 1e9;
-    for (int round = 0; round < 3 && shortest >= 16; ++round) { // the machine may have something else to do
+    for (int round = 0; round < 3 && shortest >= atMostMs;
+         ++round) { // the machine may have something else to do
         m_robot.figures(true);
         if (work == QLatin1String("cue"))
             QVERIFY(cues(round % 2));
@@ -172,7 +178,7 @@ void FirstTake::theWindowStaysFluid()
         qInfo() << figures;
         shortest = std::min(shortest, figures["longestOwnStallMs"].toDouble());
     }
-    QVERIFY2(shortest < 16, qPrintable(QStringLiteral("%1 ms").arg(shortest)));
+    QVERIFY2(shortest < atMostMs, qPrintable(QStringLiteral("%1 ms").arg(shortest)));
 }
 
 void FirstTake::endsCleanly()
