@@ -132,7 +132,7 @@ void MediaDataAggregator::invalidateAllData()
 
 void MediaDataAggregator::handleMetadataChanged(const QUrl& mediaUrl, const MediaMetadataPtr& metadata)
 {
-    if (m_thumbnailProvider && !m_thumbnailProvider->getThumbnailFromCache(mediaUrl))
+    if (m_thumbnailProvider && !knownThumbnail(mediaUrl))
         Q_EMIT thumbnailChanged(mediaUrl, selectPlaceholderThumbnailForMetadata(metadata));
     if (m_stateProvider)
         m_stateProvider->setMetadataState(mediaUrl, MediaStateProvider::metadataToMediaState(metadata));

@@ -16,9 +16,6 @@ namespace {
 constexpr int maxCached = 5000;
 constexpr uint retryCount = 3;
 constexpr int timeoutMs = 5000;
-// A JPEG of this size decodes in well under 4 ms; a larger one would hold up the interface.
-constexpr qsizetype maxInlineBytes = 48 * 1024;
-constexpr qint64 maxInlinePixels = 1024 * 1024;
 // What claims to be larger is no thumbnail. A few kilobytes can unfold to gigabytes while they are decoded.
 constexpr qint64 maxPixels = 16 * 1024 * 1024;
 // No view shows more pixels than these, and the cache holds thousands.
@@ -59,6 +56,10 @@ ThumbnailProvider::ThumbnailProvider(const QString& host, AbstractNetworkAccessM
     m_decoders->setMaxThreadCount(1);
     connect(m_resources, &NetworkResourceCollection::dataReceived, this,
             &ThumbnailProvider::handleDataReceived);
+    // Kept as a picture that could not be read: who draws would ask again each time.
+    connect(m_resources, &NetworkResourceCollection::dataNotFound, this, [this](const QString& url) {
+        m_cache.insert(QUrl(url), new ThumbnailPtr(std::make_shared<const QPixmap>()));
+    });
 }
 
 ThumbnailProvider::~ThumbnailProvider()
@@ -94,10 +95,7 @@ void ThumbnailProvider::handleDataReceived(const QString& url, const QByteArray&
         store(mediaUrl, {});
         return;
     }
-    if (data.size() <= maxInlineBytes && pixels <= maxInlinePixels) {
-        store(mediaUrl, decode(data));
-        return;
-    }
+    // A usual one takes a millisecond, but they come by the dozen, while the list that shows them is drawn.
     const int number = ++m_lastDecoding;
     m_decoding.insert(mediaUrl, number);
     m_decoders->start([this, mediaUrl, data, number] {

@@ -17,7 +17,7 @@ class NetworkResourceCollection;
 
 using ThumbnailPtr = std::shared_ptr<const QPixmap>;
 
-/// Asks the server for thumbnails, JPEG, and keeps the last five thousand. Large ones are decoded on a worker
+/// Asks the server for thumbnails, JPEG, and keeps the last five thousand. They are decoded on a worker
 /// thread, everything else happens on the main thread. Made for each connection.
 class ThumbnailProvider : public QObject
 {
@@ -32,7 +32,7 @@ public:
     void setPort(unsigned short port) { m_port = port; }
 
     /// The cached picture; else null, a request is on its way and thumbnailChanged follows. A picture that
-    /// could not be decoded is a null pixmap.
+    /// the server does not have or that could not be decoded is a null pixmap.
     ThumbnailPtr getThumbnail(const QUrl& url);
     ThumbnailPtr getThumbnailFromCache(const QUrl& url) const;
     /// Forgets the picture; with terminate also one that is still to come.

@@ -291,6 +291,18 @@ void TestNetworkResources::thumbnails()
     QTRY_COMPARE(changed.size(), 2);
     QVERIFY(provider.getThumbnail(bad)->isNull());
     QCOMPARE(network.urls.size(), 2);
+
+    // What has none, until its file is another.
+    const QUrl sound(QStringLiteral("file:///sound.wav"));
+    QSignalSpy finished(&network, &AbstractNetworkAccessManager::finished);
+    for (const int asked : {3, 4}) {
+        network.addGetReply(thumbnailUrl(sound), {}, QNetworkReply::ContentNotFoundError);
+        QVERIFY(!provider.getThumbnail(sound));
+        QTRY_COMPARE(finished.size(), asked - 2);
+        QVERIFY(provider.getThumbnail(sound)->isNull());
+        QCOMPARE(network.urls.size(), asked);
+        provider.invalidateThumbnail(sound, true);
+    }
 }
 
 void TestNetworkResources::largeThumbnail()
