@@ -2,6 +2,7 @@
 
 #include "common/ui/style/colors.h"
 #include "common/ui/style/fontsizefollower.h"
+#include "common/ui/style/opaque.h"
 
 #include <QElapsedTimer>
 #include <QEvent>
@@ -34,7 +35,6 @@ LevelMeter::LevelMeter(PlaybackViewMode viewMode, QWidget* parent)
     : ZTFrame(parent)
     , m_title(viewMode == Preview ? tr("Preview level") : tr("Program level"))
 {
-    setAttribute(Qt::WA_OpaquePaintEvent); // what lies below is not painted again with every step
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     setMaximumWidth(largestWidth);
     QElapsedTimer timer;
@@ -84,7 +84,7 @@ void LevelMeter::setLevels(const AudioLevels& levels)
     const double now = m_clock();
     for (qsizetype i = 0; i < count; ++i)
         m_bars[i].feed(levels.channels[size_t(i)].peak, now);
-    moveOn();
+    moveOn(2 * framesMs); // the next levels come before that, and draw it
 }
 
 void LevelMeter::onLevels(const std::string& source, const AudioLevels& levels)
@@ -102,18 +102,18 @@ void LevelMeter::clear()
 void LevelMeter::timerEvent(QTimerEvent* event)
 {
     if (event->timerId() == m_timer.timerId())
-        moveOn();
+        moveOn(framesMs);
 }
 
-void LevelMeter::moveOn()
+void LevelMeter::moveOn(int msToNext)
 {
     const double now = m_clock();
     for (LevelBallistics& bar : m_bars)
         bar.advance(now);
     if (std::ranges::all_of(m_bars, &LevelBallistics::isResting))
         m_timer.stop();
-    else if (!m_timer.isActive())
-        m_timer.start(framesMs, this);
+    else
+        m_timer.start(msToNext, this);
     if (extents() != m_painted)
         update();
     if (now - m_describedAt >= describeMs)
@@ -208,7 +208,9 @@ bool LevelMeter::event(QEvent* event)
 {
     if (event->type() == QEvent::ToolTip)
         describe();
-    return ZTFrame::event(event);
+    const bool handled = ZTFrame::event(event);
+    keepOpaque(this, event);
+    return handled;
 }
 
 } // namespace vantrel

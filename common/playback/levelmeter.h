@@ -56,7 +56,7 @@ private:
     };
 
     void setState(State state);
-    void moveOn();
+    void moveOn(int msToNext);
     QList<Extent> extents() const;
     int reach(double decibels) const;
     QRect barRect(int channel) const;

@@ -4,6 +4,7 @@
 #include "common/media/mimedata.h"
 #include "common/ui/style/colors.h"
 #include "common/ui/style/fontsizefollower.h"
+#include "common/ui/style/opaque.h"
 #include "common/ui/style/spacing.h"
 
 #include <QDropEvent>
@@ -104,10 +105,7 @@ QRectF PlaybackPreview::pictureRect() const
 bool PlaybackPreview::event(QEvent* event)
 {
     const bool handled = ZTFrame::event(event);
-    // A style sheet's polish takes every widget for transparent: each picture would repaint all parents under
-    // it.
-    if (event->type() == QEvent::Polish || event->type() == QEvent::StyleChange)
-        setAttribute(Qt::WA_OpaquePaintEvent);
+    keepOpaque(this, event);
     return handled;
 }
 

@@ -1,6 +1,7 @@
 #include "common/playback/playbacktimecodes.h"
 
 #include "common/playback/timecodedisplay.h"
+#include "common/ui/style/colors.h"
 #include "common/ui/style/spacing.h"
 #include "common/ui/toolkit/ztlabel.h"
 
@@ -30,9 +31,11 @@ PlaybackTimecodes::PlaybackTimecodes(QWidget* parent)
     m_layout->setVerticalSpacing(0);
     m_layout->setColumnStretch(2, 1);
     m_layout->addWidget(m_playheadLabel, 0, 0);
-    m_layout->addWidget(m_playhead, 0, 1);
+    m_layout->addWidget(m_playhead, 0, 1, Qt::AlignLeft | Qt::AlignVCenter);
     m_playhead->setStyleClass(QStringLiteral("time"));
     m_remaining->setStyleClass(QStringLiteral("time"));
+    for (TimecodeDisplay* display : {m_playhead, m_remaining})
+        display->setRunningOn(colors::getColor(colors::Slate_grey_800)); // the panel's
     m_playheadLabel->setStyleClass(QStringLiteral("dim"));
     m_remainingLabel->setStyleClass(QStringLiteral("dim"));
     m_playhead->setAccessibleName(tr("Playhead position"));
@@ -116,14 +119,14 @@ void PlaybackTimecodes::stackLayout()
 {
     m_isStacked = true;
     m_layout->addWidget(m_remainingLabel, 1, 0);
-    m_layout->addWidget(m_remaining, 1, 1);
+    m_layout->addWidget(m_remaining, 1, 1, Qt::AlignLeft | Qt::AlignVCenter);
 }
 
 void PlaybackTimecodes::unstackLayout()
 {
     m_isStacked = false;
     m_layout->addWidget(m_remainingLabel, 0, 3);
-    m_layout->addWidget(m_remaining, 0, 4);
+    m_layout->addWidget(m_remaining, 0, 4, Qt::AlignLeft | Qt::AlignVCenter);
 }
 
 } // namespace vantrel

@@ -1,9 +1,11 @@
 #include "common/playback/timecodedisplay.h"
 
 #include "common/session/timeutils.h"
+#include "common/ui/style/opaque.h"
 #include "util/clocktime.h"
 #include "util/smpte_timecode.h"
 
+#include <QEvent>
 #include <QPainter>
 
 #include <algorithm>
@@ -47,22 +49,53 @@ TimecodeDisplay::TimecodeDisplay(QWidget* parent)
     updateText();
 }
 
+void TimecodeDisplay::setRunningOn(const QColor& background)
+{
+    m_background = background;
+    fit();
+}
+
+/// A widget of fixed size does not have its window laid out with each of its texts.
+void TimecodeDisplay::fit()
+{
+    if (!m_background.isValid())
+        return;
+    const QSize wanted = sizeHint();
+    if (minimumSize() != wanted || maximumSize() != wanted)
+        setFixedSize(wanted);
+}
+
+bool TimecodeDisplay::event(QEvent* event)
+{
+    const bool handled = ZTLabel::event(event);
+    if (!m_background.isValid())
+        return handled;
+    keepOpaque(this, event);
+    if (event->type() == QEvent::Polish || event->type() == QEvent::StyleChange ||
+        event->type() == QEvent::FontChange)
+        fit();
+    return handled;
+}
+
 void TimecodeDisplay::setTime(double seconds)
 {
     m_time = seconds;
     updateText();
+    fit();
 }
 
 void TimecodeDisplay::setFps(double fps)
 {
     m_fps = fps;
     updateText();
+    fit();
 }
 
 void TimecodeDisplay::setTimecodeViewMode(TimecodeViewMode mode)
 {
     m_viewMode = mode;
     updateText();
+    fit();
 }
 
 void TimecodeDisplay::onTimecodeViewModeChange(ConfigurationOption option, const QVariant& value)
@@ -109,8 +142,11 @@ QSize TimecodeDisplay::minimumSizeHint() const
 
 void TimecodeDisplay::paintEvent(QPaintEvent* event)
 {
-    QFrame::paintEvent(event);
+    if (!m_background.isValid())
+        QFrame::paintEvent(event);
     QPainter painter(this);
+    if (m_background.isValid())
+        painter.fillRect(rect(), m_background);
     painter.setPen(palette().color(isEnabled() ? QPalette::Normal : QPalette::Disabled, foregroundRole()));
     const QFontMetrics metrics = painter.fontMetrics();
     const QRect area = contentsRect();

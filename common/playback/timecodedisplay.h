@@ -24,6 +24,9 @@ public:
     /// The real rate, 29.97 say; the nominal one is its nearest whole number.
     void setFps(double fps);
     void setTimecodeViewMode(TimecodeViewMode mode);
+    /// For a time that runs with the pictures, on this background: each step asks for room only when the
+    /// width changes, and paints nothing but the display.
+    void setRunningOn(const QColor& background);
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
@@ -36,11 +39,14 @@ Q_SIGNALS:
     void fpsChanged();
 
 protected:
+    bool event(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
 private:
     void updateText();
+    void fit();
 
+    QColor m_background; // invalid: what lies below shows
     TimecodeViewMode m_viewMode = TimecodeViewMode::Time;
     double m_time = 0.0;
     double m_fps = 30.0;
