@@ -1,7 +1,6 @@
 #include "tests/support/robotclient.h"
 
 #include <QDeadlineTimer>
-#include <QImage>
 #include <QJsonDocument>
 #include <QTcpSocket>
 #include <QTest>
@@ -153,10 +152,11 @@ void RobotClient::type(const QString& text)
         key(QString(c));
 }
 
-QImage RobotClient::grab(const QString& objectName)
+RobotClient::Drawing RobotClient::draw(const QString& objectName)
 {
-    const QJsonArray reply = ask({{"operation", "grab"}, {"objectName", objectName}});
-    return QImage::fromData(QByteArray::fromBase64(reply.first()["png"].toString().toLatin1()), "PNG");
+    const QJsonValue reply = ask({{"operation", "grab"}, {"objectName", objectName}}).first();
+    return {QImage::fromData(QByteArray::fromBase64(reply["png"].toString().toLatin1()), "PNG"),
+            reply["texts"].toObject()};
 }
 
 QJsonObject RobotClient::figures(bool reset)

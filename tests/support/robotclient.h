@@ -1,12 +1,12 @@
 #pragma once
 
+#include <QImage>
 #include <QJsonArray>
 #include <QJsonObject>
 #include <QString>
 
 #include <memory>
 
-class QImage;
 class QTcpSocket;
 
 namespace vantrel::test {
@@ -49,8 +49,14 @@ public:
     void key(const QString& keyName);
     void type(const QString& text);
 
-    /// What the named widget shows now; null when it is not there.
-    QImage grab(const QString& objectName);
+    /// What the named widget shows now, and the texts of the labels in it by their names.
+    struct Drawing
+    {
+        QImage picture; // null when it is not there
+        QJsonObject texts;
+    };
+    Drawing draw(const QString& objectName);
+    QImage grab(const QString& objectName) { return draw(objectName).picture; }
     /// Figures that the application keeps of itself: "longestStallMs" of the main thread, "longestOwnStallMs"
     /// without waiting for other programs, "previewPictures" since the start or the last reset,
     /// "mainThreadCpuMs" since the start.

@@ -9,6 +9,7 @@
 #include <QBuffer>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QLabel>
 #include <QLoggingCategory>
 #include <QMenu>
 #include <QQuickItem>
@@ -173,7 +174,8 @@ void ClickTestServer::handleMouse()
         clicktest::handleMouse(request, *global);
 }
 
-/// The pixels of the first found widget, as the operator sees them: a PNG in base64.
+/// The first found widget as the operator sees it: its pixels as a PNG in base64, and the texts of the named
+/// labels in it, of the same moment.
 void ClickTestServer::grabFirstWidget()
 {
     if (m_widgets.isEmpty() || !m_widgets.first())
@@ -182,7 +184,13 @@ void ClickTestServer::grabFirstWidget()
     QBuffer buffer(&png);
     buffer.open(QIODevice::WriteOnly);
     m_widgets.first()->grab().save(&buffer, "PNG");
+    QJsonObject texts;
+    for (const QLabel* label : m_widgets.first()->findChildren<QLabel*>()) {
+        if (!label->objectName().isEmpty())
+            texts.insert(label->objectName(), label->text());
+    }
     m_results.append(QJsonObject{{"objectName", m_widgets.first()->objectName()},
+                                 {"texts", texts},
                                  {"png", QString::fromLatin1(png.toBase64())}});
 }
 
