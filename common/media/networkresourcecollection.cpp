@@ -159,8 +159,12 @@ void NetworkResourceCollection::handleSuccessfulReply(const QString& url, const 
 
 void NetworkResourceCollection::handleNotFound(const QString& url)
 {
+    const std::shared_ptr<FetchContext> context = m_fetches.value(url);
     removeFetchContext(url);
-    Q_EMIT dataNotFound(url);
+    if (context && context->again) // it may have come since
+        fetch(url, context->request.url());
+    else
+        Q_EMIT dataNotFound(url);
 }
 
 void NetworkResourceCollection::removeFetchContext(const QString& url)

@@ -8,11 +8,13 @@
 #include <QBuffer>
 #include <QImageReader>
 #include <QThreadPool>
+#include <QTimer>
 
 namespace vantrel {
 
 namespace {
 
+constexpr int missingMs = 2000; // until one that is not there is asked for again
 constexpr int maxCached = 5000;
 constexpr uint retryCount = 3;
 constexpr int timeoutMs = 5000;
@@ -56,10 +58,8 @@ ThumbnailProvider::ThumbnailProvider(const QString& host, AbstractNetworkAccessM
     m_decoders->setMaxThreadCount(1);
     connect(m_resources, &NetworkResourceCollection::dataReceived, this,
             &ThumbnailProvider::handleDataReceived);
-    // Kept as a picture that could not be read: who draws would ask again each time.
-    connect(m_resources, &NetworkResourceCollection::dataNotFound, this, [this](const QString& url) {
-        m_cache.insert(QUrl(url), new ThumbnailPtr(std::make_shared<const QPixmap>()));
-    });
+    connect(m_resources, &NetworkResourceCollection::dataNotFound, this,
+            [this](const QString& url) { keepAsMissing(QUrl(url)); });
 }
 
 ThumbnailProvider::~ThumbnailProvider()
@@ -83,6 +83,20 @@ ThumbnailPtr ThumbnailProvider::getThumbnailFromCache(const QUrl& url) const
 {
     const ThumbnailPtr* cached = m_cache.object(url);
     return cached ? *cached : nullptr;
+}
+
+/// Kept for a while as a picture that could not be read, since who draws would ask again each time; not for
+/// good, since a file may be there again before its server can make a picture of it.
+void ThumbnailProvider::keepAsMissing(const QUrl& url)
+{
+    const auto missing = std::make_shared<const QPixmap>();
+    m_cache.insert(url, new ThumbnailPtr(missing));
+    QTimer::singleShot(missingMs, this, [this, url, missing] {
+        if (getThumbnailFromCache(url) != missing)
+            return;
+        m_cache.remove(url);
+        Q_EMIT thumbnailInvalidated(url);
+    });
 }
 
 void ThumbnailProvider::handleDataReceived(const QString& url, const QByteArray& data)

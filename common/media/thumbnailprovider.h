@@ -45,6 +45,7 @@ Q_SIGNALS:
 
 private:
     void handleDataReceived(const QString& url, const QByteArray& data);
+    void keepAsMissing(const QUrl& url);
     void store(const QUrl& url, const QImage& image);
 
     static const QString _apiPath;

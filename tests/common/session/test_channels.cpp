@@ -109,7 +109,7 @@ private Q_SLOTS:
         };
         peer.http.unanswered.clear();
         ask({0, {}});
-        QTRY_COMPARE(peer.http.unanswered.size(), 1);
+        QTRY_VERIFY(!peer.http.unanswered.isEmpty()); // others may have asked for something besides
         ask(system("second"));
         QTRY_COMPARE(proxy.hostname(), QStringLiteral("second"));
         QSignalSpy changed(&proxy, &SystemProxy::hostnameChanged);
