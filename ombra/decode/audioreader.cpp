@@ -11,7 +11,6 @@ namespace vantrel::ombra {
 
 namespace {
 
-constexpr int damagedPacketsAtMost = 500;
 constexpr std::int64_t silenceAtOnce =
     Sound::sampleRate / 2; // samples of a gap that are given out in one piece
 // Containers round times, to milliseconds at worst; what differs by much more is a gap.
@@ -217,7 +216,7 @@ bool AudioReader::decode()
     for (;;) {
         const int result = avcodec_receive_frame(m_decoder.get(), m_frame.get());
         if (result == AVERROR(EAGAIN)) {
-            if (!feedDecoder())
+            if (!m_input->feedDecoder(m_decoder.get(), m_input->audio(), m_packet.get(), m_draining))
                 return false;
             continue;
         }
@@ -226,32 +225,6 @@ bool AudioReader::decode()
         if (result >= 0 && m_frame->nb_samples > 0)
             return m_hasFrame = true;
     }
-}
-
-/// One more packet for the decoder, or the word that there are no more; false when it has both had.
-bool AudioReader::feedDecoder()
-{
-    if (m_draining)
-        return false;
-    for (int damaged = 0; damaged < damagedPacketsAtMost && !m_input->stopped();) {
-        const int read = av_read_frame(m_input->format(), m_packet.get());
-        if (read == AVERROR(EAGAIN) || read == AVERROR_INVALIDDATA) {
-            ++damaged;
-            continue;
-        }
-        if (read < 0) {
-            m_draining = true;
-            return avcodec_send_packet(m_decoder.get(), nullptr) >= 0;
-        }
-        const bool ours = m_packet->stream_index == m_input->audio()->index;
-        const int sent = ours ? avcodec_send_packet(m_decoder.get(), m_packet.get()) : 0;
-        av_packet_unref(m_packet.get());
-        if (sent < 0)
-            ++damaged;
-        else if (ours)
-            return true;
-    }
-    return false;
 }
 
 } // namespace vantrel::ombra

@@ -44,7 +44,6 @@ private:
     explicit AudioReader(std::unique_ptr<AvInput> input, AvPtr<AVCodecContext> decoder);
 
     bool decode();
-    bool feedDecoder();
     bool decodeFrom(double time);
     bool convert();
     bool prepareResampler();

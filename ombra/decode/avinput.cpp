@@ -12,6 +12,8 @@ namespace vantrel::ombra {
 
 namespace {
 
+constexpr int damagedPacketsAtMost = 500;
+
 constexpr double fallbackFps = 25;
 
 /// Rates that were worked out from rounded times mean the usual one beside them: n, or n * 1000 / 1001.
@@ -162,6 +164,34 @@ AvPtr<AVCodecContext> AvInput::openDecoder(AVStream* stream, std::string* error)
         return nullptr;
     }
     return decoder;
+}
+
+bool AvInput::feedDecoder(AVCodecContext* decoder, const AVStream* stream, AVPacket* packet, bool& draining,
+                          const std::function<void(const AVPacket&)>& before) const
+{
+    if (draining)
+        return false;
+    for (int damaged = 0; damaged < damagedPacketsAtMost && !stopped();) {
+        const int read = av_read_frame(m_format.get(), packet);
+        if (read == AVERROR(EAGAIN) || read == AVERROR_INVALIDDATA) {
+            ++damaged;
+            continue;
+        }
+        if (read < 0) {
+            draining = true;
+            return avcodec_send_packet(decoder, nullptr) >= 0;
+        }
+        const bool ours = packet->stream_index == stream->index;
+        if (ours && before)
+            before(*packet);
+        const int sent = ours ? avcodec_send_packet(decoder, packet) : 0;
+        av_packet_unref(packet);
+        if (sent < 0)
+            ++damaged;
+        else if (ours)
+            return true;
+    }
+    return false;
 }
 
 } // namespace vantrel::ombra

@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -33,6 +34,11 @@ public:
 
     /// A decoder for a stream; null, and the reason, where there is none.
     AvPtr<AVCodecContext> openDecoder(AVStream* stream, std::string* error) const;
+    /// One more packet of the stream for its decoder, or the word that there are no more, which sets
+    /// draining; false when it has both had, and where nothing more can be read. Each packet is shown to
+    /// before first.
+    bool feedDecoder(AVCodecContext* decoder, const AVStream* stream, AVPacket* packet, bool& draining,
+                     const std::function<void(const AVPacket&)>& before = {}) const;
 
 private:
     explicit AvInput(const std::atomic<bool>& stop)

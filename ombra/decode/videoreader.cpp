@@ -7,7 +7,6 @@ namespace vantrel::ombra {
 
 namespace {
 
-constexpr int damagedPacketsAtMost = 500;
 constexpr double decodedBefore = 1;  // seconds before a sought time from which every picture is decoded
 constexpr double catchUpReach = 0.5; // seconds of pictures passed over until one is shown again
 constexpr double forwardReach = 0.8; // seconds that are decoded rather than sought
@@ -173,31 +172,12 @@ bool VideoReader::decodeAhead()
     }
 }
 
-/// One more packet for the decoder, or the word that there are no more; false when it has both had.
 bool VideoReader::feedDecoder()
 {
-    if (m_draining)
-        return false;
-    for (int damaged = 0; damaged < damagedPacketsAtMost && !m_input->stopped();) {
-        const int read = av_read_frame(m_input->format(), m_packet.get());
-        if (read == AVERROR(EAGAIN) || read == AVERROR_INVALIDDATA) {
-            ++damaged;
-            continue;
-        }
-        if (read < 0) {
-            m_draining = true;
-            return avcodec_send_packet(m_decoder.get(), nullptr) >= 0;
-        }
-        const bool ours = m_packet->stream_index == m_input->video()->index;
-        m_decoder->skip_frame = isSkipped(*m_packet) ? AVDISCARD_NONREF : AVDISCARD_DEFAULT;
-        const int sent = ours ? avcodec_send_packet(m_decoder.get(), m_packet.get()) : 0;
-        av_packet_unref(m_packet.get());
-        if (sent < 0)
-            ++damaged;
-        else if (ours)
-            return true;
-    }
-    return false;
+    return m_input->feedDecoder(
+        m_decoder.get(), m_input->video(), m_packet.get(), m_draining, [this](const AVPacket& packet) {
+            m_decoder->skip_frame = isSkipped(packet) ? AVDISCARD_NONREF : AVDISCARD_DEFAULT;
+        });
 }
 
 bool VideoReader::isSkipped(const AVPacket& packet) const
