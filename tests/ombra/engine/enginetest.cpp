@@ -5,6 +5,7 @@
 #include "tarn/media/medialibrary.h"
 #include "tarn/scene/scene.h"
 #include "tests/ombra/decode/testmedia.h"
+#include "tests/ombra/engine/engineprobe.h"
 #include "tests/support/testmain.h"
 #include "util/clocktime.h"
 
@@ -32,7 +33,7 @@ std::string slotUrl(int slot)
 
 /// A live engine on a scene and a library of five slots: 1 numbered pictures with the in point 0.2, 2 red, 3
 /// blue, 4 a damaged file, 5 a still. Playlist 1 plays 1 (up to its out point), then 3 with a crossfade.
-class EngineTest : public QObject
+class EngineTest : public QObject, private EngineProbe
 {
     Q_OBJECT
 
@@ -43,33 +44,6 @@ private:
         std::vector<std::pair<double, int>> positions; // as published, and the picture that was out by then
         std::vector<double> progress;
     };
-
-    bool waitFor(const std::function<bool()>& condition)
-    {
-        QElapsedTimer timer;
-        for (timer.start(); timer.elapsed() < 8000;) {
-            if (condition())
-                return true;
-            m_io.restart();
-            m_io.run_one_for(std::chrono::milliseconds(2));
-        }
-        return false;
-    }
-
-    Variant property(const std::string& path, const char* name) const
-    {
-        Variant value;
-        m_scene->getProperty(m_scene->find(path + "/properties/" + name), value);
-        return value;
-    }
-    std::string text(const std::string& path, const char* name) const
-    {
-        return property(path, name).asString();
-    }
-    double number(const std::string& path, const char* name) const
-    {
-        return property(path, name).as<double>();
-    }
 
     bool invoke(const std::string& path, const Json& args = Json::object())
     {
@@ -142,8 +116,6 @@ private:
     }
 
     TestMedia m_media;
-    boost::asio::io_context m_io;
-    Ref<Scene> m_scene;
     Ref<MediaLibrary> m_library;
     std::unique_ptr<Engine> m_engine;
     std::string m_error;
@@ -199,7 +171,7 @@ private Q_SLOTS:
     {
         QVERIFY2(play(previewPath, 1), m_error.c_str());
         QCOMPARE(text(previewPath, "media"), slotUrl(1));
-        QCOMPARE(property(previewPath, "sourceMode").as<int>(), int(SourceMode::Slot));
+        QCOMPARE(sceneValue(previewPath, "sourceMode").as<int>(), int(SourceMode::Slot));
         QCOMPARE(text(previewPath, "state"), std::string("play"));
         QCOMPARE(text(previewPath, "endAction"), std::string("pause")); // a slot has no next of its own
         QVERIFY(waitFor([&] { return text(previewPath, "state") == "pause"; }));
@@ -258,7 +230,7 @@ private Q_SLOTS:
         QVERIFY(waitFor([&] { return pixelAt(*picture(programPath), 9, 9).red < 10; })); // off air: black
         write(programPath, "media", Variant::from(std::string()));
         QCOMPARE(text(programPath, "state"), std::string("stop"));
-        QCOMPARE(property(programPath, "sourceMode").as<int>(), int(SourceMode::None));
+        QCOMPARE(sceneValue(programPath, "sourceMode").as<int>(), int(SourceMode::None));
     }
 
     void refusesWhatMeansNothing_data()
@@ -391,7 +363,7 @@ private Q_SLOTS:
     {
         const std::string entry = entryUrl(1, {1, 0});
         QVERIFY(invoke(programPath + "/methods/playMedia", Json::object({{"mediaUrl", entry}})));
-        QCOMPARE(property(programPath, "sourceMode").as<int>(), int(SourceMode::Playlist));
+        QCOMPARE(sceneValue(programPath, "sourceMode").as<int>(), int(SourceMode::Playlist));
         QCOMPARE(text(programPath, "endAction"), std::string("next"));
         QVERIFY(seek(programPath, 1.8));
         // The damaged entry in between is passed over.

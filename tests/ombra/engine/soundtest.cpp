@@ -5,6 +5,7 @@
 #include "tarn/media/medialibrary.h"
 #include "tarn/scene/scene.h"
 #include "tests/ombra/decode/testmedia.h"
+#include "tests/ombra/engine/engineprobe.h"
 #include "tests/support/testmain.h"
 
 #include <QElapsedTimer>
@@ -37,13 +38,13 @@ QStringList words(const char* text)
     return QString::fromLatin1(text).split(u' ', Qt::SkipEmptyParts);
 }
 
-/// Reads as slowly as a disk that is too far away.
-class SlowReader : public PictureReader
+/// Stands still like a disk that does not answer, until it is let go.
+class StuckReader : public PictureReader
 {
 public:
-    SlowReader(std::unique_ptr<PictureReader> reader, const std::atomic<bool>& slow)
+    StuckReader(std::unique_ptr<PictureReader> reader, const std::atomic<bool>& stuck)
         : m_reader(std::move(reader))
-        , m_slow(slow)
+        , m_stuck(stuck)
     {
     }
     MediaType type() const override { return m_reader->type(); }
@@ -52,49 +53,23 @@ public:
     bool seek(double time, Picture& out) override { return m_reader->seek(time, out); }
     bool next(Picture& out) override
     {
-        if (m_slow)
-            std::this_thread::sleep_for(std::chrono::milliseconds(120));
+        m_stuck.wait(true);
         return m_reader->next(out);
     }
 
 private:
     std::unique_ptr<PictureReader> m_reader;
-    const std::atomic<bool>& m_slow;
+    const std::atomic<bool>& m_stuck;
 };
 
 } // namespace
 
 /// What a live engine says of the sound that it plays, and how it stands its pictures.
-class SoundTest : public QObject
+class SoundTest : public QObject, private EngineProbe
 {
     Q_OBJECT
 
 private:
-    bool waitFor(const std::function<bool()>& condition)
-    {
-        QElapsedTimer timer;
-        for (timer.start(); timer.elapsed() < 8000;) {
-            if (condition())
-                return true;
-            m_io.restart();
-            m_io.run_one_for(std::chrono::milliseconds(2));
-        }
-        return false;
-    }
-    Variant property(const std::string& path, const char* name) const
-    {
-        Variant value;
-        m_scene->getProperty(m_scene->find(path + "/properties/" + name), value);
-        return value;
-    }
-    double number(const std::string& path, const char* name) const
-    {
-        return property(path, name).as<double>();
-    }
-    std::string text(const std::string& path, const char* name) const
-    {
-        return property(path, name).asString();
-    }
     void write(const std::string& path, const char* name, const Variant& value)
     {
         Object* object = m_scene->findObject(path);
@@ -162,8 +137,6 @@ private:
     }
 
     TestMedia m_media;
-    boost::asio::io_context m_io;
-    Ref<Scene> m_scene;
     Ref<MediaLibrary> m_library;
     EngineConfig m_config;
     std::unique_ptr<Engine> m_engine;
@@ -341,33 +314,40 @@ private Q_SLOTS:
 
     void tellsWhereDecodingFallsBehind()
     {
-        std::atomic<bool> slow{false};
+        std::atomic<bool> stuck{false};
+        const auto letGo = [&stuck] {
+            stuck = false;
+            stuck.notify_all();
+        };
+        const auto end = qScopeGuard([&] {
+            letGo();
+            m_engine.reset(); // before what holds it up goes
+        });
         m_engine.reset();
-        m_config.open = [&slow](const MediaSource& source, Canvas canvas, const std::atomic<bool>& stop,
-                                std::string* error) -> std::unique_ptr<PictureReader> {
+        m_config.open = [&stuck](const MediaSource& source, Canvas canvas, const std::atomic<bool>& stop,
+                                 std::string* error) -> std::unique_ptr<PictureReader> {
             auto reader = openReader(source, canvas, stop, error);
-            return reader ? std::make_unique<SlowReader>(std::move(reader), slow) : nullptr;
+            return reader ? std::make_unique<StuckReader>(std::move(reader), stuck) : nullptr;
         };
         startEngine();
         const auto constrained = [&](const std::string& path) {
-            return property(path, "resourceConstrained").as<bool>();
+            return sceneValue(path, "resourceConstrained").as<bool>();
         };
         QVERIFY(play(previewPath, Stereo));
         write(previewPath, "endAction", Variant::from(std::string("repeat")));
         QVERIFY(waitFor([&] { return number(previewPath, "mediaPosition") > 0.2; }));
         QVERIFY(!constrained(previewPath));
-        slow = true;
+        stuck = true;
         QElapsedTimer timer;
         timer.start();
         QVERIFY(waitFor([&] { return constrained(previewPath); }));
         QVERIFY2(timer.elapsed() > 900 && timer.elapsed() < 3000,
                  qPrintable(QString::number(timer.elapsed())));
         QVERIFY(!constrained(programPath));
-        slow = false;
+        letGo();
         timer.start();
         QVERIFY(waitFor([&] { return !constrained(previewPath); }));
         QVERIFY2(timer.elapsed() > 1900, qPrintable(QString::number(timer.elapsed())));
-        m_engine.reset(); // before what slows it goes
     }
 
     void latenessIsForgivenSlowly()
