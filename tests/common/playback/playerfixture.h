@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/media/medialibraryprovider.h"
 #include "common/playback/channelwidget.h"
 #include "common/playback/playerplaybackview.h"
 #include "common/session/configuration.h"
@@ -12,6 +13,12 @@
 #include <memory>
 
 namespace vantrel::test {
+
+/// A text as JSON.
+inline QByteArray quoted(const char* text)
+{
+    return QByteArray("\"") + text + '"';
+}
 
 /// The player tab beside a scripted server with a library of one video, one still and one nameless slot.
 class PlayerFixture
@@ -48,6 +55,14 @@ public:
             return false;
         peer.send(R"([{"op":"add","path":"/device/channels/0","value":{"type":"Channel"}}])");
         return QTest::qWaitFor([this] { return channel(); });
+    }
+
+    /// The same, and waits until the library is read.
+    bool connectWithLibrary()
+    {
+        return connect() && QTest::qWaitFor([this] {
+                   return peer.session->mediaLibraryProvider()->slot({1, 1}) != nullptr;
+               });
     }
 
     /// Null while it waits hidden for the server to tell of one.
