@@ -1,6 +1,6 @@
 #include "ombra/server.h"
-#include "ombra/serverlog.h"
-#include "ombra/version.h"
+#include "ombra/base/serverlog.h"
+#include "ombra/base/version.h"
 
 #include <boost/asio/signal_set.hpp>
 

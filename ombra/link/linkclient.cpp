@@ -1,6 +1,6 @@
 #include "ombra/link/linkclient.h"
 
-#include "ombra/serverlog.h"
+#include "ombra/base/serverlog.h"
 
 #include <boost/asio/buffer.hpp>
 #include <boost/asio/write.hpp>

@@ -1,6 +1,6 @@
 #include "ombra/preview/previewserver.h"
 
-#include "ombra/serverlog.h"
+#include "ombra/base/serverlog.h"
 #include "tarn/preview/previewwire.h"
 
 #include <boost/asio/buffer.hpp>

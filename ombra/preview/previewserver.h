@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ombra/listener.h"
+#include "ombra/base/listener.h"
 #include "tarn/preview/frame.h"
 
 #include <boost/asio/io_context.hpp>

@@ -2,7 +2,7 @@
 
 #include "ombra/rest/broadcasthub.h"
 #include "ombra/rest/httpsession.h"
-#include "ombra/serverlog.h"
+#include "ombra/base/serverlog.h"
 
 namespace vantrel::ombra {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ombra/listener.h"
+#include "ombra/base/listener.h"
 #include "ombra/rest/http.h"
 
 #include <boost/asio/io_context.hpp>

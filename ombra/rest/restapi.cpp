@@ -3,7 +3,7 @@
 #include "ombra/rest/mediadata.h"
 #include "ombra/show/showfiles.h"
 #include "ombra/show/showstore.h"
-#include "ombra/version.h"
+#include "ombra/base/version.h"
 #include "tarn/media/medialibrary.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #include "ombra/rest/websocketsession.h"
 
-#include "ombra/serverlog.h"
+#include "ombra/base/serverlog.h"
 
 #include <boost/asio/buffer.hpp>
 #include <boost/beast/core/flat_buffer.hpp>

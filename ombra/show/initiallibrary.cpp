@@ -2,7 +2,7 @@
 
 #include "ombra/decode/mediaprobe.h"
 #include "ombra/decode/mediaurl.h"
-#include "ombra/serverlog.h"
+#include "ombra/base/serverlog.h"
 #include "ombra/show/contenturl.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #include "ombra/show/mediawatcher.h"
 
-#include "ombra/serverlog.h"
+#include "ombra/base/serverlog.h"
 #include "ombra/show/contenturl.h"
 
 #include <boost/asio/buffer.hpp>

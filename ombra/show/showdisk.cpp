@@ -1,6 +1,6 @@
 #include "ombra/show/showdisk.h"
 
-#include "ombra/serverlog.h"
+#include "ombra/base/serverlog.h"
 #include "ombra/show/atomicfile.h"
 #include "ombra/show/journalline.h"
 

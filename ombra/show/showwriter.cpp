@@ -1,6 +1,6 @@
 #include "ombra/show/showwriter.h"
 
-#include "ombra/serverlog.h"
+#include "ombra/base/serverlog.h"
 
 #include <utility>
 

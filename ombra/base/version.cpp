@@ -1,4 +1,4 @@
-#include "ombra/version.h"
+#include "ombra/base/version.h"
 
 #include <unistd.h>
 

@@ -1,6 +1,6 @@
-#include "ombra/listener.h"
+#include "ombra/base/listener.h"
 
-#include "ombra/serverlog.h"
+#include "ombra/base/serverlog.h"
 #include "tarn/net/tcplink.h"
 
 #include <chrono>
