@@ -2,8 +2,8 @@
 // patches, and the bytes of the request. The peer does it with plain values: serialise, copy, edit,
 // serialise, diff both ways, and write the patch out.
 #include "bench/json_library.h"
-#include "common/command/slot/renameslotcommand.h"
-#include "common/media/medialibraryapi.h"
+#include "common/media/edit/slot/renameslotcommand.h"
+#include "common/media/library/medialibraryapi.h"
 #include "tarn/media/medialibrary.h"
 
 #include <QCoreApplication>

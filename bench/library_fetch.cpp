@@ -1,12 +1,12 @@
 // The first fetch of a large library from a live server, by a session as the application makes it: how long
 // until a view can show it, how long the main thread stands still, and what the session holds for a slot.
 #include "bench/json_library.h"
-#include "common/media/guimediaslot.h"
-#include "common/media/medialibraryapi.h"
-#include "common/media/medialibrarymodel.h"
-#include "common/media/medialibraryprovider.h"
-#include "common/media/sortedlibrarymodel.h"
-#include "common/session/connectionhandler.h"
+#include "common/media/items/guimediaslot.h"
+#include "common/media/library/medialibraryapi.h"
+#include "common/media/library/medialibraryprovider.h"
+#include "common/media/models/medialibrarymodel.h"
+#include "common/media/models/sortedlibrarymodel.h"
+#include "common/session/link/connectionhandler.h"
 #include "common/session/session.h"
 #include "tarn/media/medialibrary.h"
 #include "tests/support/ombraprocess.h"

@@ -1,8 +1,8 @@
 // What the main thread pays for a library: a message of the event stream until the model has told its row,
 // and the heap that mirrors of a library take beside the library itself.
 #include "bench/json_library.h"
-#include "common/media/collectionselectormodel.h"
-#include "common/media/sortedlibrarymodel.h"
+#include "common/media/models/collectionselectormodel.h"
+#include "common/media/models/sortedlibrarymodel.h"
 #include "tests/support/mediamirror.h"
 
 #include <QGuiApplication>

@@ -1,8 +1,8 @@
 // Scrolling a collection of 1,000 slots from its first to its last row and back at speed, against a live
 // server: what the application asks for, and how long its main thread stands still.
 #include "bench/row.h"
-#include "common/media/resourceurl.h"
-#include "common/media/thumbnailprovider.h"
+#include "common/media/address/resourceurl.h"
+#include "common/media/net/thumbnailprovider.h"
 #include "tests/support/appprocess.h"
 #include "tests/support/countingproxy.h"
 #include "tests/support/mocknetworkaccessmanager.h"

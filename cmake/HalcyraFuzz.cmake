@@ -18,6 +18,6 @@ foreach(source IN LISTS targets)
 endforeach()
 
 # The reader of the event stream is the one parser outside of tarn.
-target_sources(fuzz_eventstream PRIVATE ${CMAKE_SOURCE_DIR}/common/media/eventstream.cpp
-  ${CMAKE_SOURCE_DIR}/common/media/medialogging.cpp)
+target_sources(fuzz_eventstream PRIVATE ${CMAKE_SOURCE_DIR}/common/media/library/eventstream.cpp
+  ${CMAKE_SOURCE_DIR}/common/media/address/medialogging.cpp)
 target_link_libraries(fuzz_eventstream PRIVATE Qt6::Core)

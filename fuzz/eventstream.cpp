@@ -1,6 +1,6 @@
 // How a stream is cut, a line break, the stream: it brings the same messages in pieces as in one, and keeps
 // nothing but a few comments.
-#include "common/media/eventstream.h"
+#include "common/media/library/eventstream.h"
 
 #include <QtGlobal>
 

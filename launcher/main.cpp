@@ -1,6 +1,6 @@
-#include "common/session/configuration.h"
-#include "common/session/serverports.h"
 #include "common/session/session.h"
+#include "common/session/settings/configuration.h"
+#include "common/session/settings/serverports.h"
 #include "common/ui/diagnostics/librarylogs.h"
 #include "common/ui/diagnostics/logmanager.h"
 #include "common/ui/gallery/gallerywindow.h"

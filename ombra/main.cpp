@@ -1,6 +1,6 @@
-#include "ombra/server.h"
 #include "ombra/base/serverlog.h"
 #include "ombra/base/version.h"
+#include "ombra/server.h"
 
 #include <boost/asio/signal_set.hpp>
 

@@ -1,5 +1,7 @@
 #include "ombra/server.h"
 
+#include "ombra/base/serverlog.h"
+#include "ombra/base/version.h"
 #include "ombra/engine/engine.h"
 #include "ombra/link/linkserver.h"
 #include "ombra/outputs/outputs.h"
@@ -8,14 +10,12 @@
 #include "ombra/rest/httpserver.h"
 #include "ombra/rest/mediadata.h"
 #include "ombra/rest/restapi.h"
-#include "ombra/base/serverlog.h"
 #include "ombra/show/initiallibrary.h"
 #include "ombra/show/mediawatcher.h"
 #include "ombra/show/scenesettings.h"
 #include "ombra/show/showfiles.h"
 #include "ombra/show/showstore.h"
 #include "ombra/show/slotprober.h"
-#include "ombra/base/version.h"
 #include "tarn/discovery/networklocator.h"
 
 #include <boost/asio/post.hpp>

@@ -37,15 +37,25 @@ class Ref
 public:
     Ref() noexcept = default;
     Ref(std::nullptr_t) noexcept {}
-    explicit Ref(T* object) noexcept : m_object(object)
+    explicit Ref(T* object) noexcept
+        : m_object(object)
     {
         if (m_object)
             m_object->retain();
     }
-    Ref(const Ref& other) noexcept : Ref(other.m_object) {}
-    Ref(Ref&& other) noexcept : m_object(std::exchange(other.m_object, nullptr)) {}
+    Ref(const Ref& other) noexcept
+        : Ref(other.m_object)
+    {
+    }
+    Ref(Ref&& other) noexcept
+        : m_object(std::exchange(other.m_object, nullptr))
+    {
+    }
     template <typename U>
-    Ref(const Ref<U>& other) noexcept : Ref(other.get()) {}
+    Ref(const Ref<U>& other) noexcept
+        : Ref(other.get())
+    {
+    }
     ~Ref()
     {
         if (m_object)

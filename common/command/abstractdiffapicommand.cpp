@@ -1,7 +1,7 @@
 #include "common/command/abstractdiffapicommand.h"
 
 #include "common/command/commandlogging.h"
-#include "common/media/medialibraryapi.h"
+#include "common/media/library/medialibraryapi.h"
 #include "common/session/session.h"
 
 #include <QJsonDocument>

@@ -1,7 +1,7 @@
 #include "common/command/abstractrestapicommand.h"
 
 #include "common/command/commandlogging.h"
-#include "common/media/networkaccessmanager.h"
+#include "common/media/net/networkaccessmanager.h"
 #include "common/session/session.h"
 #include "tarn/json/json.h"
 

@@ -1,6 +1,6 @@
 #include "common/outputs/outputview.h"
 
-#include "common/playback/audiooutputitem.h"
+#include "common/outputs/audiooutputitem.h"
 #include "common/ui/toolkit/ztlabel.h"
 
 #include <QMap>

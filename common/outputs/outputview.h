@@ -1,6 +1,6 @@
 #pragma once
 
-#include "common/session/configuration.h"
+#include "common/session/settings/configuration.h"
 #include "common/ui/toolkit/ztframe.h"
 
 namespace vantrel {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "common/session/fontsize.h"
+#include "common/session/settings/fontsize.h"
 
 #include <QMap>
 #include <QSize>

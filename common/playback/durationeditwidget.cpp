@@ -1,7 +1,7 @@
 #include "common/playback/durationeditwidget.h"
 
-#include "common/playback/timecodeedit.h"
 #include "common/ui/style/spacing.h"
+#include "common/ui/timecode/timecodeedit.h"
 #include "common/ui/toolkit/ztlabel.h"
 
 #include <QHBoxLayout>

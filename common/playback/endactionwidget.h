@@ -1,6 +1,6 @@
 #pragma once
 
-#include "common/media/playbackmodel.h"
+#include "common/media/models/playbackmodel.h"
 #include "common/playback/columnstep.h"
 #include "common/ui/toolkit/ztframe.h"
 

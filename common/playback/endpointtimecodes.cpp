@@ -1,7 +1,7 @@
 #include "common/playback/endpointtimecodes.h"
 
-#include "common/playback/timecodedisplay.h"
 #include "common/ui/style/spacing.h"
+#include "common/ui/timecode/timecodedisplay.h"
 #include "common/ui/toolkit/ztlabel.h"
 
 #include <QHBoxLayout>

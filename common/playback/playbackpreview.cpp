@@ -1,7 +1,7 @@
 #include "common/playback/playbackpreview.h"
 
-#include "common/media/guimediaitem.h"
-#include "common/media/mimedata.h"
+#include "common/media/items/guimediaitem.h"
+#include "common/media/items/mimedata.h"
 #include "common/ui/style/colors.h"
 #include "common/ui/style/fontsizefollower.h"
 #include "common/ui/style/opaque.h"

@@ -1,8 +1,8 @@
 #include "common/playback/playbacktimecodes.h"
 
-#include "common/playback/timecodedisplay.h"
 #include "common/ui/style/colors.h"
 #include "common/ui/style/spacing.h"
+#include "common/ui/timecode/timecodedisplay.h"
 #include "common/ui/toolkit/ztlabel.h"
 
 #include <QGridLayout>

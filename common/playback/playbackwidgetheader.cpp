@@ -1,10 +1,10 @@
 #include "common/playback/playbackwidgetheader.h"
 
-#include "common/media/mediautils.h"
+#include "common/media/address/mediautils.h"
 #include "common/playback/mutebutton.h"
-#include "common/playback/timecodedisplay.h"
 #include "common/ui/style/fontsizefollower.h"
 #include "common/ui/style/spacing.h"
+#include "common/ui/timecode/timecodedisplay.h"
 #include "common/ui/toolkit/elidedlabel.h"
 #include "common/ui/toolkit/ztlabel.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "common/playback/columnstep.h"
-#include "common/session/configuration.h"
+#include "common/session/settings/configuration.h"
 
 #include <QMap>
 #include <QPushButton>

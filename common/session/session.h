@@ -1,6 +1,6 @@
 #pragma once
 
-#include "common/session/serverports.h"
+#include "common/session/settings/serverports.h"
 #include "tarn/ref.h"
 
 #include <QObject>

@@ -1,8 +1,8 @@
 // How the session keeps its scene and the server's the same.
 
-#include "common/session/connectionhandler.h"
-#include "common/session/mainwindowhandle.h"
+#include "common/session/link/connectionhandler.h"
 #include "common/session/session.h"
+#include "common/session/window/mainwindowhandle.h"
 #include "tarn/json/patch.h"
 #include "tarn/scene/scene.h"
 

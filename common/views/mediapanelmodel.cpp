@@ -1,6 +1,6 @@
 #include "common/views/mediapanelmodel.h"
 
-#include "common/media/medialibrarymodel.h"
+#include "common/media/models/medialibrarymodel.h"
 
 #include <QUrl>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "common/media/sortedlibrarymodel.h"
+#include "common/media/models/sortedlibrarymodel.h"
 
 #include <QString>
 

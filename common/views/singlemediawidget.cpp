@@ -1,9 +1,9 @@
 #include "common/views/singlemediawidget.h"
 
-#include "common/media/guimediaslot.h"
-#include "common/media/mediadataaggregator.h"
-#include "common/media/mediasloteditfunctional.h"
-#include "common/session/configuration.h"
+#include "common/media/edit/mediasloteditfunctional.h"
+#include "common/media/items/guimediaslot.h"
+#include "common/media/net/mediadataaggregator.h"
+#include "common/session/settings/configuration.h"
 #include "common/ui/style/fontsizefollower.h"
 #include "common/ui/style/spacing.h"
 #include "common/ui/toolkit/elidedlabel.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "common/media/singlemediamodel.h"
+#include "common/media/models/singlemediamodel.h"
 #include "common/ui/toolkit/ztframe.h"
 
 #include <QMap>

@@ -1,8 +1,8 @@
 #include "common/views/slotdelegate.h"
 
-#include "common/media/medialibrarymodel.h"
-#include "common/media/mediastateprovider.h"
-#include "common/session/timeutils.h"
+#include "common/media/models/medialibrarymodel.h"
+#include "common/media/net/mediastateprovider.h"
+#include "common/session/settings/timeutils.h"
 #include "common/ui/style/colors.h"
 #include "common/ui/style/iconcache.h"
 #include "util/clocktime.h"

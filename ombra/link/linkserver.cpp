@@ -1,7 +1,7 @@
 #include "ombra/link/linkserver.h"
 
-#include "ombra/link/linkpolicy.h"
 #include "ombra/base/serverlog.h"
+#include "ombra/link/linkpolicy.h"
 
 #include <boost/asio/post.hpp>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "ombra/link/linkclient.h"
 #include "ombra/base/listener.h"
+#include "ombra/link/linkclient.h"
 #include "tarn/scene/scene.h"
 
 #include <boost/asio/io_context.hpp>

@@ -1,7 +1,7 @@
 #include "ombra/outputs/outputs.h"
 
-#include "ombra/outputs/videomodes.h"
 #include "ombra/base/serverlog.h"
+#include "ombra/outputs/videomodes.h"
 #include "tarn/media/enums.h"
 #include "tarn/scene/variantjson.h"
 

@@ -1,8 +1,8 @@
 #include "ombra/rest/httpserver.h"
 
+#include "ombra/base/serverlog.h"
 #include "ombra/rest/broadcasthub.h"
 #include "ombra/rest/httpsession.h"
-#include "ombra/base/serverlog.h"
 
 namespace vantrel::ombra {
 

@@ -1,7 +1,7 @@
 #include "ombra/rest/httpsession.h"
 
-#include "ombra/rest/websocketsession.h"
 #include "ombra/base/serverlog.h"
+#include "ombra/rest/websocketsession.h"
 
 #include <boost/asio/write.hpp>
 #include <boost/beast/core.hpp>

@@ -1,9 +1,9 @@
 #include "ombra/rest/restapi.h"
 
+#include "ombra/base/version.h"
 #include "ombra/rest/mediadata.h"
 #include "ombra/show/showfiles.h"
 #include "ombra/show/showstore.h"
-#include "ombra/base/version.h"
 #include "tarn/media/medialibrary.h"
 
 #include <algorithm>

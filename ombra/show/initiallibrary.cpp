@@ -1,8 +1,8 @@
 #include "ombra/show/initiallibrary.h"
 
+#include "ombra/base/serverlog.h"
 #include "ombra/decode/mediaprobe.h"
 #include "ombra/decode/mediaurl.h"
-#include "ombra/base/serverlog.h"
 #include "ombra/show/contenturl.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 #include "ombra/show/scenesettings.h"
 
-#include "ombra/outputs/outputs.h"
 #include "ombra/base/serverlog.h"
+#include "ombra/outputs/outputs.h"
 #include "ombra/show/showstore.h"
 
 #include <map>

@@ -1,11 +1,11 @@
 #include "ombra/show/showfiles.h"
 
-#include "ombra/outputs/outputs.h"
 #include "ombra/base/serverlog.h"
+#include "ombra/base/version.h"
+#include "ombra/outputs/outputs.h"
 #include "ombra/show/atomicfile.h"
 #include "ombra/show/scenesettings.h"
 #include "ombra/show/showstore.h"
-#include "ombra/base/version.h"
 
 #include <set>
 #include <string_view>

@@ -16,18 +16,26 @@ MAY_KNOW = {
     "launcher": ["launcher", "common", "util", "tarn"],
     "common": ["common", "tarn", "util"],
 }
-# Inside common, these rooms know nothing of those above them.
-LOWER = ["common/command", "common/media", "common/filesystem", "common/notification"]
-HIGHER = ["common/ui", "common/views", "common/playback", "common/outputs", "common/qml"]
-# What is on the screen stands in storeys: none of them knows one above it.
-STOREYS = [
-    ["common/ui/style"],
-    ["common/ui/toolkit"],
-    ["common/ui/keyboard", "common/ui/inspect", "common/ui/diagnostics", "common/ui/clicktest"],
-    ["common/views", "common/playback", "common/outputs"],
-    ["common/ui/shell"],
-    ["common/ui/gallery"],
-]
+# The rooms of common stand on floors, from the ground up: cmake/floors.txt, from which they are built as well. A room
+# knows every room below its floor, and none beside it or above.
+FLOORS = "cmake/floors.txt"
+HANDLE = "common/session/session.h"
+# Who reaches for the session through its handle although the session stands above: file, and why.
+REACHES = {
+    "common/command/abstractdiffapicommand.cpp": "a command lives on the undo stack longer than the api of one connection",
+    "common/command/abstractrestapicommand.cpp": "the same, for the network access",
+    "common/command/abstractscenecommand.cpp": "commands are made by whoever edits and find the one scene by themselves",
+    "common/command/invokemethodcommand.cpp": "sends on the link of the moment",
+    "common/command/libraryeditcommand.cpp": "finds the one library by itself",
+    "common/command/playback/playmediacommand.cpp": "finds the channel in the one tree of objects",
+    "common/media/edit/implmediacollectionmanager.cpp": "executes on the one undo stack",
+    "common/media/edit/mediasloteditfunctional.cpp": "executes on the one undo stack",
+    "common/media/models/playbackmodel.cpp": "executes the entry's edit on the one undo stack",
+    "common/session/link/connectionhandler.cpp": "its thread asks whether the session still stands",
+    "common/session/link/connectionprovider.cpp": "the declarative views make it without arguments",
+    "common/session/link/metadataclient.cpp": "the aggregator is made anew for each connection",
+    "common/session/link/systemproxy.cpp": "the declarative views make it without arguments",
+}
 # Qt stays out of these rooms.
 NO_QT = ["util", "tarn", "ombra"]
 NO_QT_EXCEPT = ["tarn/qt"]
@@ -41,11 +49,30 @@ def in_room(path, room):
     return path == room or path.startswith(room + "/")
 
 
-def storey_of(path):
-    return next((i for i, rooms in enumerate(STOREYS) if any(in_room(path, room) for room in rooms)), None)
+def read_floors(root):
+    """Each room with the number of its floor."""
+    lines = [line.split() for line in (root / FLOORS).read_text(encoding="utf-8").splitlines()
+             if line and not line.startswith("#")]
+    return {room: number for number, (_, *rooms) in enumerate(lines) for room in rooms}
 
 
-def faults_of(root, path):
+def room_of(path, floors):
+    return max((room for room in floors if in_room(path, room)), key=len, default=None)
+
+
+def floor_fault(name, ours, floors):
+    """What is wrong with an include from one room of common into another; None when it leads down."""
+    here, there = room_of(name, floors), room_of(ours, floors)
+    if here is None or there is None:
+        return f"stands in no room of {FLOORS}" if in_room(name, "common") and here is None else None
+    if here == there or floors[there] < floors[here]:
+        return None
+    if ours == HANDLE:
+        return None if name in REACHES else "reaches for the session without a reason in REACHES"
+    return f"includes {ours}, which is not below {here}"
+
+
+def faults_of(root, path, floors):
     name = path.relative_to(root).as_posix()
     room = max((r for r in MAY_KNOW if in_room(name, r)), key=len)
     for number, line in enumerate(path.read_text(encoding="utf-8").splitlines(), 1):
@@ -68,20 +95,32 @@ def faults_of(root, path):
             continue
         if not any(in_room(ours, allowed) for allowed in MAY_KNOW[room]):
             yield f"{where}: {room} must not know {ours}"
-        if any(in_room(name, r) for r in LOWER) and any(in_room(ours, r) for r in HIGHER):
-            yield f"{where}: a lower room includes {ours}"
-        here, there = storey_of(name), storey_of(ours)
-        if here is not None and there is not None and there > here:
-            yield f"{where}: includes {ours} of a storey above it"
+        fault = floor_fault(name, ours, floors)
+        if fault:
+            yield f"{where}: {fault}"
+
+
+def drawn_faults(root, floors):
+    """ARCHITECTURE.md shows the floors as they are built."""
+    drawn = (root / "ARCHITECTURE.md").read_text(encoding="utf-8")
+    table = [line.split()[1:] for line in (root / FLOORS).read_text(encoding="utf-8").splitlines()
+             if line and not line.startswith("#")]
+    shown = re.findall(r"^ *\d+ +(common/.*)$", drawn, re.MULTILINE)
+    if [line.split() for line in reversed(shown)] != table:
+        yield f"ARCHITECTURE.md does not show the floors of {FLOORS}"
 
 
 def main():
     root = pathlib.Path(sys.argv[1]).resolve()
     files = [p for room in ("util", "tarn", "ombra", "launcher", "common")
              for suffix in ("*.h", "*.cpp") for p in sorted((root / room).rglob(suffix))]
-    faults = [fault for path in files for fault in faults_of(root, path)]
+    floors = read_floors(root)
+    faults = list(drawn_faults(root, floors))
+    faults += [fault for path in files for fault in faults_of(root, path, floors)]
     unused = [knot for knot in KNOTS if not (root / knot[0]).exists() or knot[1] not in (root / knot[0]).read_text()]
     faults += [f"the knot {knot} is gone from the code: take its line out" for knot in unused]
+    faults += [f"{name} reaches for the session no longer: take its line out of REACHES" for name in REACHES
+               if not (root / name).exists() or HANDLE not in (root / name).read_text(encoding="utf-8")]
     for fault in faults:
         print(fault)
     print(f"{len(files)} files, {len(faults)} faults")

@@ -1,5 +1,5 @@
-#include "common/media/networkaccessmanager.h"
-#include "common/media/networkresourcecollection.h"
+#include "common/media/net/networkaccessmanager.h"
+#include "common/media/net/networkresourcecollection.h"
 #include "tests/support/librarymaker.h"
 #include "tests/support/mediamirror.h"
 #include "tests/support/testmain.h"

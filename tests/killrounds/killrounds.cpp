@@ -1,5 +1,5 @@
-#include "common/media/medialibraryapi.h"
-#include "common/session/connectionhandler.h"
+#include "common/media/library/medialibraryapi.h"
+#include "common/session/link/connectionhandler.h"
 #include "common/session/session.h"
 #include "tarn/json/json.h"
 #include "tarn/json/patch.h"

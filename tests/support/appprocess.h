@@ -1,6 +1,6 @@
 #pragma once
 
-#include "common/session/serverports.h"
+#include "common/session/settings/serverports.h"
 
 #include <QProcess>
 #include <QStringList>
@@ -24,7 +24,8 @@ public:
     bool isRunning() const { return m_process.state() == QProcess::Running; }
     /// Asks it to end and waits; its exit code, -1 after a crash or the limit.
     int stop();
-    /// Ends it and starts it anew with the same arguments and settings; as stop(), or -1 when it did not start.
+    /// Ends it and starts it anew with the same arguments and settings; as stop(), or -1 when it did not
+    /// start.
     int restart();
     /// All that it wrote since its last start, its log included.
     QString output() const;

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "common/media/medialibraryapi.h"
-#include "common/media/medialibrarymodel.h"
-#include "common/media/medialibraryprovider.h"
-#include "common/media/playlistprovider.h"
+#include "common/media/library/medialibraryapi.h"
+#include "common/media/library/medialibraryprovider.h"
+#include "common/media/library/playlistprovider.h"
+#include "common/media/models/medialibrarymodel.h"
 #include "tarn/media/medialibrary.h"
 
 #include <QNetworkAccessManager>

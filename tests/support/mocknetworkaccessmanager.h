@@ -1,6 +1,6 @@
 #pragma once
 
-#include "common/media/abstractnetworkaccessmanager.h"
+#include "common/media/net/abstractnetworkaccessmanager.h"
 
 #include <QHash>
 #include <QList>

@@ -1,7 +1,7 @@
 #include "common/command/playback/directplaycommand.h"
 
 #include "common/command/playback/playbackpath.h"
-#include "common/media/mediautils.h"
+#include "common/media/address/mediautils.h"
 #include "tarn/qt/variantqt.h"
 
 namespace vantrel {

@@ -2,8 +2,8 @@
 
 #include "common/command/commandlogging.h"
 #include "common/command/playback/playbackpath.h"
-#include "common/media/mediautils.h"
-#include "common/session/objecttreemodel.h"
+#include "common/media/address/mediautils.h"
+#include "common/session/mirror/objecttreemodel.h"
 #include "common/session/session.h"
 #include "tarn/log/log.h"
 #include "tarn/qt/variantqt.h"

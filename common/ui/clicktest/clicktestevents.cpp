@@ -1,6 +1,6 @@
 #include "common/ui/clicktest/clicktestevents.h"
 
-#include "common/session/mainwindowhandle.h"
+#include "common/session/window/mainwindowhandle.h"
 #include "common/ui/clicktest/clicktestrequest.h"
 
 #include <QApplication>

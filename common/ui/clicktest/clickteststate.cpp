@@ -1,7 +1,7 @@
 #include "common/ui/clicktest/clickteststate.h"
 
-#include "common/session/keymap.h"
 #include "common/session/session.h"
+#include "common/session/settings/keymap.h"
 #include "common/ui/keyboard/hotkeys.h"
 #include "tarn/json/json.h"
 #include "tarn/media/medialibrary.h"

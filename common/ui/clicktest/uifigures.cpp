@@ -1,6 +1,6 @@
 #include "common/ui/clicktest/uifigures.h"
 
-#include "common/session/previewthread.h"
+#include "common/session/link/previewthread.h"
 #include "common/session/session.h"
 #include "tarn/scene/scene.h"
 

@@ -1,6 +1,6 @@
 #include "common/ui/diagnostics/diagnosticsmanager.h"
 
-#include "common/session/mainwindowhandle.h"
+#include "common/session/window/mainwindowhandle.h"
 #include "common/ui/diagnostics/logmanager.h"
 #include "common/ui/toolkit/errordialog.h"
 

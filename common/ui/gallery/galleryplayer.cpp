@@ -1,5 +1,5 @@
 // The sections of the gallery that hold the parts of the player.
-#include "common/media/playbackmodel.h"
+#include "common/media/models/playbackmodel.h"
 #include "common/playback/durationeditwidget.h"
 #include "common/playback/endactionwidget.h"
 #include "common/playback/endpointtimecodes.h"
@@ -12,13 +12,13 @@
 #include "common/playback/seekslider.h"
 #include "common/playback/takebutton.h"
 #include "common/playback/takecontrols.h"
-#include "common/playback/timecodedisplay.h"
-#include "common/playback/timecodeedit.h"
 #include "common/playback/volumecontrolpopup.h"
 #include "common/playback/volumeslider.h"
 #include "common/ui/gallery/gallerysections.h"
 #include "common/ui/gallery/pictureof.h"
 #include "common/ui/gallery/stategrid.h"
+#include "common/ui/timecode/timecodedisplay.h"
+#include "common/ui/timecode/timecodeedit.h"
 
 #include <QPainter>
 #include <QStyleOptionButton>

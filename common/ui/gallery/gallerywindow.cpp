@@ -1,6 +1,6 @@
 #include "common/ui/gallery/gallerywindow.h"
 
-#include "common/session/configuration.h"
+#include "common/session/settings/configuration.h"
 #include "common/ui/gallery/gallerysections.h"
 #include "common/ui/style/colors.h"
 #include "common/ui/toolkit/collapse.h"

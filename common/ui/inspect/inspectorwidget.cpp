@@ -1,9 +1,9 @@
 #include "common/ui/inspect/inspectorwidget.h"
 
 #include "common/notification/notificationmanager.h"
-#include "common/session/configuration.h"
-#include "common/session/objecttreemodel.h"
+#include "common/session/mirror/objecttreemodel.h"
 #include "common/session/session.h"
+#include "common/session/settings/configuration.h"
 #include "common/ui/inspect/sceneinspector.h"
 #include "common/ui/style/fontsizefollower.h"
 #include "common/ui/style/spacing.h"

@@ -1,9 +1,7 @@
 #include "common/ui/inspect/propertiesmodel.h"
 
-#include "common/ui/inspect/mapperlogging.h"
-#include "tarn/qt/variantqt.h"
-
-#include <cmath>
+#include "common/ui/binding/mapperlogging.h"
+#include "common/ui/binding/propertyconversion.h"
 
 namespace vantrel {
 
@@ -109,41 +107,12 @@ Qt::ItemFlags PropertiesModel::flags(const QModelIndex& index) const
 
 QVariant PropertiesModel::toQVariant(const Variant& value)
 {
-    switch (value.type()) {
-    case VariantType::Bool:
-    case VariantType::Int:
-    case VariantType::Double:
-        return variantToQVariant(value);
-    default:
-        return QString::fromStdString(value.asString(-1));
-    }
+    return propertyToQVariant(value);
 }
 
 bool PropertiesModel::fromQVariant(const QVariant& value, VariantType type, Variant& out)
 {
-    bool fits = value.isValid();
-    switch (type) {
-    case VariantType::Bool:
-        fits = fits && value.canConvert<bool>();
-        out = Variant::from(value.toBool());
-        return fits;
-    case VariantType::Int: {
-        const qlonglong number = value.toLongLong(&fits);
-        out = Variant::from(std::int64_t(number));
-        return fits;
-    }
-    case VariantType::Double: {
-        const double number = value.toDouble(&fits);
-        out = Variant::from(number);
-        return fits && std::isfinite(number);
-    }
-    case VariantType::String:
-        fits = fits && value.canConvert<QString>();
-        out = Variant::from(value.toString());
-        return fits;
-    default:
-        return false;
-    }
+    return propertyFromQVariant(value, type, out);
 }
 
 void PropertiesModel::onSceneChangeStatic(Scene*, int count, const SceneChange* changes, void* user)

@@ -1,6 +1,6 @@
 #include "common/ui/inspect/sceneinspector.h"
 
-#include "common/session/objecttreemodel.h"
+#include "common/session/mirror/objecttreemodel.h"
 #include "common/ui/inspect/inspector.h"
 
 #include <QItemSelectionModel>

@@ -1,8 +1,8 @@
 #include "common/ui/keyboard/hotkeys.h"
 
-#include "common/session/configuration.h"
-#include "common/session/keymap.h"
 #include "common/session/session.h"
+#include "common/session/settings/configuration.h"
+#include "common/session/settings/keymap.h"
 
 #include <QKeyEvent>
 #include <QLoggingCategory>

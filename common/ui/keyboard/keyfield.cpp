@@ -1,6 +1,6 @@
 #include "common/ui/keyboard/keyfield.h"
 
-#include "common/session/keymap.h"
+#include "common/session/settings/keymap.h"
 #include "common/ui/keyboard/hotkeys.h"
 #include "common/ui/style/colors.h"
 #include "common/ui/style/dynamicstyle.h"

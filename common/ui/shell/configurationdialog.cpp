@@ -1,8 +1,8 @@
 #include "common/ui/shell/configurationdialog.h"
 
-#include "common/session/configuration.h"
-#include "common/session/serverconfigurationmodel.h"
-#include "common/session/timecodeviewmode.h"
+#include "common/session/mirror/serverconfigurationmodel.h"
+#include "common/session/settings/configuration.h"
+#include "common/session/settings/timecodeviewmode.h"
 #include "common/ui/style/fontsizefollower.h"
 #include "common/ui/toolkit/navbutton.h"
 #include "common/ui/toolkit/navigationbar.h"

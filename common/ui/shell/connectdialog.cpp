@@ -1,7 +1,7 @@
 #include "common/ui/shell/connectdialog.h"
 
-#include "common/session/configuration.h"
-#include "common/session/locatormodel.h"
+#include "common/session/link/locatormodel.h"
+#include "common/session/settings/configuration.h"
 #include "common/ui/style/fontsizefollower.h"
 #include "common/ui/toolkit/pushbutton.h"
 #include "common/ui/toolkit/ztedit.h"

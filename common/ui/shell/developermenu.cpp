@@ -1,6 +1,6 @@
 #include "common/ui/shell/developermenu.h"
 
-#include "common/session/configuration.h"
+#include "common/session/settings/configuration.h"
 #include "common/ui/style/stylesheet.h"
 
 #include <QApplication>

@@ -1,7 +1,7 @@
 #include "common/ui/shell/mainnavigationbar.h"
 
-#include "common/session/fontsize.h"
 #include "common/session/session.h"
+#include "common/session/settings/fontsize.h"
 #include "common/ui/keyboard/hotkeys.h"
 #include "common/ui/keyboard/hotkeytip.h"
 #include "common/ui/style/fontsizefollower.h"

@@ -1,7 +1,7 @@
 #include "common/ui/shell/notificationpresenter.h"
 
 #include "common/notification/notificationmanager.h"
-#include "common/session/configuration.h"
+#include "common/session/settings/configuration.h"
 #include "common/ui/shell/notificationstyle.h"
 #include "common/ui/style/colors.h"
 #include "common/ui/style/fontsizefollower.h"

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "common/notification/notification.h"
+#include "common/notification/notificationmanager.h"
 
 #include <QMap>
 #include <QPointer>
@@ -9,7 +10,6 @@
 namespace vantrel {
 
 class ClickableLayoutWidget;
-class NotificationManager;
 class ZTLabel;
 
 /// How many notifications of each kind wait to be acknowledged; nothing is shown for a kind without any. A

@@ -1,8 +1,8 @@
 #include "common/ui/shell/showmanager.h"
 
 #include "common/command/showcommands.h"
-#include "common/session/connectionhandler.h"
-#include "common/session/serverconfigurationmodel.h"
+#include "common/session/link/connectionhandler.h"
+#include "common/session/mirror/serverconfigurationmodel.h"
 #include "common/session/session.h"
 #include "common/ui/shell/importshowdialog.h"
 #include "common/ui/toolkit/confirmationdialog.h"

@@ -1,7 +1,7 @@
 #include "common/ui/shell/statusbar.h"
 
-#include "common/session/connectionprovider.h"
-#include "common/session/systemproxy.h"
+#include "common/session/link/connectionprovider.h"
+#include "common/session/link/systemproxy.h"
 #include "common/ui/shell/reconnectdialog.h"
 #include "common/ui/shell/statusbarmenu.h"
 #include "common/ui/style/colors.h"

@@ -1,6 +1,6 @@
 #include "common/ui/style/fontsizefollower.h"
 
-#include "common/session/configuration.h"
+#include "common/session/settings/configuration.h"
 #include "common/ui/style/dynamicstyle.h"
 
 #include <QWidget>

@@ -1,6 +1,6 @@
 #include "common/ui/toolkit/collapse.h"
 
-#include "common/session/configuration.h"
+#include "common/session/settings/configuration.h"
 #include "common/ui/style/colors.h"
 #include "common/ui/style/fontsizefollower.h"
 #include "common/ui/style/iconcache.h"

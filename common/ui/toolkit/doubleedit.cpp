@@ -1,6 +1,6 @@
 #include "common/ui/toolkit/doubleedit.h"
 
-#include "common/session/configuration.h"
+#include "common/session/settings/configuration.h"
 
 #include <QApplication>
 #include <QKeyEvent>

@@ -1,6 +1,6 @@
 #include "common/command/libraryeditcommand.h"
-#include "common/command/slot/renameslotcommand.h"
-#include "common/command/slot/setdurationcommand.h"
+#include "common/media/edit/slot/renameslotcommand.h"
+#include "common/media/edit/slot/setdurationcommand.h"
 #include "tarn/json/jsoncounters.h"
 #include "tests/support/librarymaker.h"
 #include "tests/support/testmain.h"

@@ -1,6 +1,6 @@
-#include "common/media/entryaddressutils.h"
-#include "common/media/mediafiles.h"
-#include "common/media/mediautils.h"
+#include "common/media/address/entryaddressutils.h"
+#include "common/media/address/mediafiles.h"
+#include "common/media/address/mediautils.h"
 #include "tests/support/testmain.h"
 
 #include <QTest>

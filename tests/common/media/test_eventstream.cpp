@@ -1,4 +1,4 @@
-#include "common/media/eventstream.h"
+#include "common/media/library/eventstream.h"
 #include "tests/support/testmain.h"
 
 #include <QTest>

@@ -1,4 +1,4 @@
-#include "common/media/librarychanges.h"
+#include "common/media/library/librarychanges.h"
 #include "tarn/json/patch.h"
 #include "tests/support/testmain.h"
 

@@ -1,6 +1,6 @@
-#include "common/media/libraryreading.h"
-#include "common/media/medialibraryapi.h"
-#include "common/media/urlindex.h"
+#include "common/media/library/libraryreading.h"
+#include "common/media/library/medialibraryapi.h"
+#include "common/media/models/urlindex.h"
 #include "tests/support/librarymaker.h"
 #include "tests/support/testmain.h"
 

@@ -1,4 +1,4 @@
-#include "common/media/medialibraryapi.h"
+#include "common/media/library/medialibraryapi.h"
 #include "tarn/media/medialibrary.h"
 #include "tests/support/librarymaker.h"
 #include "tests/support/scriptedhttp.h"

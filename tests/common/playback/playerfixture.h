@@ -1,10 +1,10 @@
 #pragma once
 
-#include "common/media/medialibraryprovider.h"
-#include "common/playback/channelwidget.h"
-#include "common/playback/playerplaybackview.h"
-#include "common/session/configuration.h"
-#include "common/session/objecttreemodel.h"
+#include "common/media/library/medialibraryprovider.h"
+#include "common/player/channelwidget.h"
+#include "common/player/playerplaybackview.h"
+#include "common/session/mirror/objecttreemodel.h"
+#include "common/session/settings/configuration.h"
 #include "tests/common/session/scriptedpeer.h"
 #include "tests/support/testmain.h"
 

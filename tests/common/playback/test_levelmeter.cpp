@@ -1,6 +1,6 @@
 #include "common/playback/levelmeter.h"
-#include "common/session/configuration.h"
-#include "common/session/previewthread.h"
+#include "common/session/link/previewthread.h"
+#include "common/session/settings/configuration.h"
 #include "common/ui/style/colors.h"
 #include "tests/common/playback/playerfixture.h"
 

@@ -1,4 +1,4 @@
-#include "common/media/medialibraryprovider.h"
+#include "common/media/library/medialibraryprovider.h"
 #include "common/playback/playbackcontrols.h"
 #include "common/playback/playbackwidget.h"
 #include "common/playback/takebutton.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "common/session/connectionhandler.h"
+#include "common/session/link/connectionhandler.h"
 #include "common/session/session.h"
 #include "tests/support/scriptedhttp.h"
 #include "tests/tarn/net/scriptedserver.h"

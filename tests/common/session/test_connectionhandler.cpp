@@ -1,4 +1,4 @@
-#include "common/session/connectionhandler.h"
+#include "common/session/link/connectionhandler.h"
 #include "tests/support/testmain.h"
 #include "tests/tarn/net/scriptedserver.h"
 #include "tests/tarn/net/silentport.h"

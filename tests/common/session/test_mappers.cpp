@@ -1,5 +1,5 @@
-#include "common/session/objectmapper.h"
-#include "common/session/objectmodelmapper.h"
+#include "common/session/mirror/objectmapper.h"
+#include "common/session/mirror/objectmodelmapper.h"
 #include "tests/support/testmain.h"
 
 #include <QSignalSpy>

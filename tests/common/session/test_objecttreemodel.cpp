@@ -1,4 +1,4 @@
-#include "common/session/objecttreemodel.h"
+#include "common/session/mirror/objecttreemodel.h"
 #include "tests/support/testmain.h"
 
 #include <QAbstractItemModelTester>

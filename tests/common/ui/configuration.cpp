@@ -1,7 +1,7 @@
-#include "common/session/configuration.h"
+#include "common/session/settings/configuration.h"
 
-#include "common/session/keymap.h"
-#include "common/session/timecodeviewmode.h"
+#include "common/session/settings/keymap.h"
+#include "common/session/settings/timecodeviewmode.h"
 #include "common/ui/style/fontsizefollower.h"
 #include "tarn/media/enums.h"
 #include "tests/common/ui/testsettings.h"

@@ -1,6 +1,6 @@
 #include "common/ui/keyboard/hotkeys.h"
 
-#include "common/session/keymap.h"
+#include "common/session/settings/keymap.h"
 #include "tests/common/ui/testsettings.h"
 #include "tests/support/testmain.h"
 

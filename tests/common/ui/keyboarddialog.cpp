@@ -1,6 +1,6 @@
 #include "common/ui/keyboard/keyboarddialog.h"
 
-#include "common/session/keymap.h"
+#include "common/session/settings/keymap.h"
 #include "common/ui/keyboard/hotkeys.h"
 #include "common/ui/keyboard/keyfield.h"
 #include "common/ui/keyboard/keynotice.h"

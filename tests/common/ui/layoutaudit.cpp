@@ -1,6 +1,6 @@
 #include "tests/support/layoutaudit.h"
 
-#include "common/media/medialibraryprovider.h"
+#include "common/media/library/medialibraryprovider.h"
 #include "common/playback/playbackpreview.h"
 #include "common/playback/playbackwidget.h"
 #include "common/playback/takecontrols.h"

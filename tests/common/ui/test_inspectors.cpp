@@ -1,5 +1,5 @@
 #include "common/notification/notificationmanagerimpl.h"
-#include "common/session/objecttreemodel.h"
+#include "common/session/mirror/objecttreemodel.h"
 #include "common/ui/inspect/inspector.h"
 #include "common/ui/inspect/inspectorwidget.h"
 #include "common/ui/inspect/propertiesmodel.h"

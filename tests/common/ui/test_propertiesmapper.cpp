@@ -1,7 +1,7 @@
-#include "common/session/objecttreemodel.h"
-#include "common/ui/inspect/propertiesmapper.h"
+#include "common/session/mirror/objecttreemodel.h"
+#include "common/ui/binding/propertiesmapper.h"
+#include "common/ui/binding/widgetmapper.h"
 #include "common/ui/inspect/propertiesmodel.h"
-#include "common/ui/inspect/widgetmapper.h"
 #include "tests/support/testmain.h"
 
 #include <QAbstractItemModelTester>

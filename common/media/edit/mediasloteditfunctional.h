@@ -1,0 +1,19 @@
+#pragma once
+
+#include "common/media/address/mediautils.h"
+
+namespace vantrel {
+
+/// Edits of a slot that several views offer. Each runs a command of the session; main thread.
+class MediaSlotEditFunctional
+{
+public:
+    MediaSlotEditFunctional() = delete;
+
+    static void setScalingMode(media::ColSlot colSlot, ScaleMode mode);
+    static bool rename(media::ColSlot colSlot, const QString& name);
+    /// One undoable step, however many.
+    static bool clearSlots(int collection, const QList<int>& slotNumbers);
+};
+
+} // namespace vantrel

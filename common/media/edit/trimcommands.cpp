@@ -1,0 +1,35 @@
+#include "common/media/edit/trimcommands.h"
+
+#include "common/media/address/mediautils.h"
+#include "common/media/edit/slot/setinpointcommand.h"
+#include "common/media/edit/slot/setoutpointcommand.h"
+
+#include <memory>
+
+namespace vantrel {
+
+namespace {
+
+template <class Command, class Value>
+AbstractSessionCommand* make(MediaLibrary* library, const MediaAddress& address, Value seconds)
+{
+    auto command = std::make_unique<Command>();
+    return command->init(library, media::MediaUtils::toSlotAddress(address), seconds) ? command.release()
+                                                                                      : nullptr;
+}
+
+} // namespace
+
+AbstractSessionCommand* makeInpointCommand(MediaLibrary* library, const MediaAddress& address,
+                                           std::optional<double> seconds)
+{
+    return make<SetInpointCommand>(library, address, seconds.value_or(0.0));
+}
+
+AbstractSessionCommand* makeOutpointCommand(MediaLibrary* library, const MediaAddress& address,
+                                            std::optional<double> seconds)
+{
+    return make<SetOutpointCommand>(library, address, seconds);
+}
+
+} // namespace vantrel

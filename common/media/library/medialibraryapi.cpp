@@ -1,0 +1,410 @@
+#include "common/media/library/medialibraryapi.h"
+
+#include "common/media/address/medialogging.h"
+#include "common/media/library/librarychanges.h"
+#include "common/media/library/libraryreading.h"
+#include "tarn/media/medialibrary.h"
+
+#include <QFutureWatcher>
+#include <QNetworkAccessManager>
+#include <QNetworkReply>
+#include <QNetworkRequest>
+#include <QTimer>
+#include <QUrl>
+
+#include <string>
+
+namespace vantrel {
+
+namespace {
+
+const QString restRoot = QStringLiteral("/api/brume/v1");
+
+// A library of this many bytes is no library.
+constexpr qint64 maxLibraryBytes = 256LL * 1024 * 1024;
+// How long a fetch waits for the event stream to open, in milliseconds.
+constexpr int streamOpeningTime = 1000;
+/// A server may number its messages: the first operation of the patch tells what the library has become.
+std::optional<qint64> revisionOf(const Json& patch)
+{
+    const Json* first = patch.at(0);
+    const Json* revision = first ? first->find("revision") : nullptr;
+    return revision && revision->type() == JsonType::Int ? std::optional<qint64>(revision->asInt())
+                                                         : std::nullopt;
+}
+
+/// The same number as the library's tag.
+std::optional<qint64> revisionOf(QByteArray tag)
+{
+    bool isNumber = false;
+    const qint64 revision = tag.replace('"', QByteArray()).toLongLong(&isNumber);
+    return isNumber ? std::optional<qint64>(revision) : std::nullopt;
+}
+
+} // namespace
+
+MediaLibraryApi::MediaLibraryApi(const QString& host, QNetworkAccessManager* manager, MediaLibrary* library,
+                                 QObject* parent)
+    : QObject(parent)
+    , m_library(library)
+    , m_manager(manager)
+    , m_host(host)
+    , m_scheme(QStringLiteral("http"))
+{
+}
+
+MediaLibraryApi::~MediaLibraryApi() = default;
+
+QUrl MediaLibraryApi::buildUrl(const QString& path, const QString& query) const
+{
+    QUrl url;
+    url.setScheme(m_scheme);
+    url.setHost(m_host);
+    url.setPort(m_port);
+    url.setPath(restRoot + path);
+    if (!query.isEmpty())
+        url.setQuery(query);
+    return url;
+}
+
+QNetworkRequest MediaLibraryApi::jsonRequest(const QString& path) const
+{
+    QNetworkRequest request(buildUrl(path));
+    request.setHeader(QNetworkRequest::ContentTypeHeader, QStringLiteral("application/json"));
+    request.setPriority(QNetworkRequest::HighPriority); // ahead of thumbnails
+    return request;
+}
+
+QNetworkReply* MediaLibraryApi::getMediaLibrary()
+{
+    return m_manager->get(jsonRequest(QStringLiteral("/medialibrary")));
+}
+
+QNetworkReply* MediaLibraryApi::getCollections()
+{
+    return m_manager->get(jsonRequest(QStringLiteral("/collections")));
+}
+
+QNetworkReply* MediaLibraryApi::getPlaylists()
+{
+    return m_manager->get(jsonRequest(QStringLiteral("/playlists")));
+}
+
+QNetworkReply* MediaLibraryApi::replaceMediaLibrary(const MediaLibrary& library)
+{
+    Json json = library.toJson();
+    QJsonDocument document;
+    if (!sdkJsonToQJsonDocument(&json, &document)) {
+        qCWarning(lcMedia) << "[replaceMediaLibrary] Failed to convert SDK JSON to QT JSON";
+        return nullptr;
+    }
+    return m_manager->post(jsonRequest(QStringLiteral("/medialibrary")),
+                           document.toJson(QJsonDocument::Compact));
+}
+
+QNetworkReply* MediaLibraryApi::replacePlaylists(const QList<Playlist>& playlists)
+{
+    Json json = Json::array();
+    for (const Playlist& playlist : playlists)
+        json.append(playlist.toJson());
+    QJsonDocument document;
+    if (!sdkJsonToQJsonDocument(&json, &document)) {
+        qCWarning(lcMedia) << "Failed to convert SDK JSON to QT JSON";
+        return nullptr;
+    }
+    return m_manager->post(jsonRequest(QStringLiteral("/playlists")),
+                           document.toJson(QJsonDocument::Compact));
+}
+
+QNetworkReply* MediaLibraryApi::patchMediaLibrary(const Patch& patch)
+{
+    QByteArray body;
+    if (!patchBody(patch, &body)) {
+        qCWarning(lcMedia) << "[patchMediaLibrary] Failed to convert SDK JSON to QT JSON";
+        return nullptr;
+    }
+    return m_manager->sendCustomRequest(jsonRequest(QStringLiteral("/medialibrary")),
+                                        QByteArrayLiteral("PATCH"), body);
+}
+
+bool MediaLibraryApi::patchBody(const Patch& patch, QByteArray* body)
+{
+    Json json = patch.toJson();
+    QJsonDocument document;
+    if (!sdkJsonToQJsonDocument(&json, &document))
+        return false;
+    *body = document.toJson(QJsonDocument::Compact);
+    return true;
+}
+
+QNetworkReply* MediaLibraryApi::openSSE()
+{
+    return m_manager->get(QNetworkRequest(
+        buildUrl(QStringLiteral("/sse"), QStringLiteral("topic=collections&topic=playlists"))));
+}
+
+void MediaLibraryApi::listenChanges()
+{
+    if (m_stream && m_stream->isRunning()) {
+        qCWarning(lcMedia) << "Already listening to media library changes!";
+        return;
+    }
+    m_events = EventStream();
+    QNetworkReply* stream = openSSE();
+    m_stream = stream;
+    // A stream that outlives this object is read by nobody: what it may buffer is bounded.
+    stream->setReadBufferSize(EventStream::maxBuffered);
+    connect(stream, &QNetworkReply::finished, stream, [stream] {
+        qCDebug(lcMedia) << "SSE finished";
+        stream->deleteLater();
+    });
+    connect(stream, &QObject::destroyed, this, [this, stream] {
+        qCDebug(lcMedia) << "SSE destroyed";
+        if (m_stream == stream)
+            m_stream = nullptr;
+    });
+    connect(stream, &QNetworkReply::readyRead, this, &MediaLibraryApi::onStreamData);
+}
+
+void MediaLibraryApi::stopListening()
+{
+    if (!m_stream)
+        return;
+    QNetworkReply* stream = m_stream;
+    m_stream = nullptr;
+    stream->abort();
+    stream->disconnect(this);
+    stream->deleteLater();
+}
+
+void MediaLibraryApi::onStreamData()
+{
+    if (m_stream)
+        receive(m_stream->readAll());
+}
+
+void MediaLibraryApi::receive(const QByteArray& bytes)
+{
+    qCDebug(lcMedia) << "Received SSE data: " << shortened(bytes);
+    switch (m_events.assemble(bytes)) {
+    case EventStream::State::Waiting:
+        break;
+    case EventStream::State::Complete:
+        m_events.parse([this](const QByteArray& data) { handleMessage(data); });
+        break;
+    case EventStream::State::Overflow:
+        qCWarning(lcMedia) << "Event stream sends a message without end, closing it";
+        stopListening();
+        break;
+    }
+}
+
+void MediaLibraryApi::handleMessage(const QByteArray& data)
+{
+    Json json;
+    Patch patch;
+    std::string error;
+    if (!Json::parseString({data.constData(), static_cast<std::size_t>(data.size())}, json, &error) ||
+        !Patch::fromJson(json, patch, &error)) {
+        qCWarning(lcMedia) << "Failed to parse message: " << shortened(data) << error.c_str();
+        return;
+    }
+    const std::optional<qint64> revision = revisionOf(json);
+    if (revision && m_revision && *revision <= *m_revision)
+        return; // the fetched library holds it
+    if (m_fetches > 0) {
+        m_meanwhile.push_back({patch, revision});
+        m_meanwhileBytes += data.size();
+    }
+    applyMediaLibraryPatch(patch);
+}
+
+void MediaLibraryApi::applyMediaLibraryPatch(const Patch& patch)
+{
+    // What the server sends is what it did; a patch that does not fit is mended by the next full load.
+    std::string error;
+    if (m_library->applyDiff(patch, &error) != 0) {
+        qCDebug(lcMedia) << "Patch does not fit the library: " << shortened(QByteArray::fromStdString(error));
+        return;
+    }
+    emitLibraryChanges(LibraryChanges::fromPatch(patch));
+}
+
+void MediaLibraryApi::emitLibraryChanges(const LibraryChanges& changes)
+{
+    // Collections first: playlists look their slots up.
+    emitCollectionChanges(changes);
+    emitPlaylistChanges(changes);
+    Q_EMIT mediaLibraryChanged();
+}
+
+void MediaLibraryApi::emitCollectionChanges(const LibraryChanges& changes)
+{
+    const auto collections = [this](const std::set<int>& set, const char* text,
+                                    void (MediaLibraryApi::*changed)(uint)) {
+        for (const int index : set) {
+            qCDebug(lcMedia) << text << index;
+            Q_EMIT(this->*changed)(static_cast<uint>(index));
+        }
+    };
+    const auto media = [this](const std::set<LibraryChanges::Slot>& set, const char* text,
+                              void (MediaLibraryApi::*changed)(MediaAddress)) {
+        for (const auto& [collection, slot] : set) {
+            qCDebug(lcMedia) << text << collection << ", " << slot;
+            Q_EMIT(this->*changed)(MediaAddress(collection, slot));
+        }
+    };
+    collections(changes.collectionsChanged,
+                "Media collection changed: ", &MediaLibraryApi::mediaCollectionChanged);
+    collections(changes.collectionsRemoved,
+                "Media collection removed: ", &MediaLibraryApi::mediaCollectionRemoved);
+    collections(changes.collectionsAdded, "Media collection added: ", &MediaLibraryApi::mediaCollectionAdded);
+    media(changes.mediaAdded, "Media added: ", &MediaLibraryApi::mediaAdded);
+    media(changes.mediaChanged, "Media changed: ", &MediaLibraryApi::mediaChanged);
+    media(changes.mediaRemoved, "Media removed: ", &MediaLibraryApi::mediaRemoved);
+}
+
+void MediaLibraryApi::emitPlaylistChanges(const LibraryChanges& changes)
+{
+    const auto playlists = [this](const std::set<int>& set, const char* text,
+                                  void (MediaLibraryApi::*changed)(uint)) {
+        for (const int number : set) {
+            qCDebug(lcMedia) << text << number;
+            Q_EMIT(this->*changed)(static_cast<uint>(number));
+        }
+    };
+    const auto entries = [this](const std::set<LibraryChanges::Entry>& set, const char* text,
+                                void (MediaLibraryApi::*changed)(uint, EntryAddress)) {
+        for (const auto& [playlist, entry] : set) {
+            qCDebug(lcMedia) << text << playlist << ", " << entry.toString(true).c_str();
+            Q_EMIT(this->*changed)(static_cast<uint>(playlist), entry);
+        }
+    };
+    playlists(changes.playlistsAdded, "Playlist added: ", &MediaLibraryApi::playlistAdded);
+    playlists(changes.playlistsChanged, "Playlist changed: ", &MediaLibraryApi::playlistChanged);
+    playlists(changes.playlistsRemoved, "Playlist removed: ", &MediaLibraryApi::playlistRemoved);
+    entries(changes.entriesAdded, "Playlist entry added: ", &MediaLibraryApi::playlistEntryAdded);
+    entries(changes.entriesChanged, "Playlist entry changed: ", &MediaLibraryApi::playlistEntryChanged);
+    entries(changes.entriesRemoved, "Playlist entry removed: ", &MediaLibraryApi::playlistEntryRemoved);
+}
+
+void MediaLibraryApi::requestMediaLibrary()
+{
+    const bool opening = m_stream && m_stream->isRunning() &&
+                         !m_stream->attribute(QNetworkRequest::HttpStatusCodeAttribute).isValid();
+    if (!opening) {
+        fetchLibrary();
+        return;
+    }
+    auto* wait = new QTimer(this);
+    wait->setSingleShot(true);
+    connect(wait, &QTimer::timeout, this, [this, wait] {
+        wait->deleteLater();
+        fetchLibrary();
+    });
+    wait->start(streamOpeningTime);
+    const auto goOn = [wait] { wait->start(0); };
+    connect(m_stream, &QNetworkReply::metaDataChanged, wait, goOn);
+    connect(m_stream, &QNetworkReply::finished, wait, goOn);
+    connect(m_stream, &QObject::destroyed, wait, goOn);
+}
+
+void MediaLibraryApi::fetchLibrary()
+{
+    QNetworkReply* reply = getMediaLibrary();
+    ++m_fetches;
+    connect(reply, &QNetworkReply::downloadProgress, this, [this, reply](qint64 received) {
+        if (received > maxLibraryBytes || m_meanwhileBytes > EventStream::maxBuffered)
+            reply->abort();
+    });
+    connect(reply, &QNetworkReply::finished, this, [this, reply] { onLibraryReceived(reply); });
+}
+
+void MediaLibraryApi::onLibraryReceived(QNetworkReply* reply)
+{
+    if (reply->error() != QNetworkReply::NoError) {
+        qCWarning(lcMedia) << "Failed to get media library " << reply->error();
+        fetchEnded();
+        Q_EMIT mediaLibraryRequestFailed();
+        return;
+    }
+    const std::optional<qint64> revision = revisionOf(reply->rawHeader(QByteArrayLiteral("ETag")));
+    if (reply->bytesAvailable() <= LibraryReading::atOnce) {
+        onLibraryRead(LibraryReading::read(reply->readAll()), revision);
+        return;
+    }
+    auto* watcher = new QFutureWatcher<LibraryReading>(this);
+    connect(watcher, &QFutureWatcherBase::finished, this, [this, watcher, revision] {
+        const LibraryReading reading = watcher->result();
+        watcher->deleteLater();
+        onLibraryRead(reading, revision);
+    });
+    watcher->setFuture(LibraryReading::start(reply->readAll()));
+}
+
+void MediaLibraryApi::onLibraryRead(const LibraryReading& reading, std::optional<qint64> revision)
+{
+    switch (reading.outcome) {
+    case LibraryReading::Outcome::NoJson:
+        qCWarning(lcMedia) << "Failed to convert  QT JSON to SDK JSON";
+        fetchEnded();
+        break;
+    case LibraryReading::Outcome::NoLibrary:
+        qCWarning(lcMedia) << "Failed to parse media library" << shortened(reading.error);
+        fetchEnded();
+        Q_EMIT mediaLibraryRequestFailed();
+        break;
+    case LibraryReading::Outcome::Library:
+        adoptLibrary(*reading.library, revision);
+        break;
+    }
+}
+
+void MediaLibraryApi::adoptLibrary(MediaLibrary& fetched, std::optional<qint64> revision)
+{
+    for (const Message& message : m_meanwhile) {
+        // Without revisions there is no telling: one that the library holds already hardly ever fits again.
+        if (!revision || !message.revision || *message.revision > *revision)
+            fetched.applyDiff(message.patch);
+    }
+    m_revision = revision;
+    fetchEnded();
+    LibraryReading::Remains remains(*m_library);
+    *m_library = fetched;
+    Q_EMIT mediaLibraryReplaced();
+    Q_EMIT mediaLibraryChanged();
+}
+
+void MediaLibraryApi::fetchEnded()
+{
+    if (--m_fetches > 0)
+        return;
+    m_meanwhile.clear();
+    m_meanwhileBytes = 0;
+}
+
+bool MediaLibraryApi::replyToSdkJson(QNetworkReply* reply, Json* json)
+{
+    const QByteArray body = reply->readAll();
+    return Json::parseString({body.constData(), static_cast<std::size_t>(body.size())}, *json);
+}
+
+QJsonDocument MediaLibraryApi::sdkJsonToQJsonDocument(Json* json)
+{
+    QJsonDocument document;
+    sdkJsonToQJsonDocument(json, &document);
+    return document;
+}
+
+bool MediaLibraryApi::sdkJsonToQJsonDocument(Json* json, QJsonDocument* document)
+{
+    const QJsonDocument read = QJsonDocument::fromJson(QByteArray::fromStdString(json->toString(false)));
+    if (read.isNull()) {
+        qCWarning(lcMedia) << "Failed to convert";
+        return false;
+    }
+    *document = read;
+    return true;
+}
+
+} // namespace vantrel

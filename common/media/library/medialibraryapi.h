@@ -1,0 +1,131 @@
+#pragma once
+
+#include "common/media/library/eventstream.h"
+#include "tarn/json/json.h"
+#include "tarn/json/patch.h"
+#include "tarn/media/entryaddress.h"
+#include "tarn/media/mediaaddress.h"
+#include "tarn/media/mediacollection.h"
+#include "tarn/media/playlist.h"
+#include "tarn/ref.h"
+
+#include <QJsonDocument>
+#include <QList>
+#include <QObject>
+#include <QPointer>
+
+#include <optional>
+#include <utility>
+#include <vector>
+
+class QNetworkAccessManager;
+class QNetworkReply;
+class QNetworkRequest;
+class QUrl;
+
+namespace vantrel {
+
+class MediaLibrary;
+struct LibraryChanges;
+struct LibraryReading;
+
+using CollectionAndIndex = std::pair<MediaCollection, int>;
+
+/// Client of the server's media library. It fetches the library once, then applies the patches of the event
+/// stream to it and tells by signals what each touched. Writes go to the server only, and come back on the
+/// stream. The session makes one for each connection; main thread only.
+class MediaLibraryApi : public QObject
+{
+    Q_OBJECT
+
+public:
+    MediaLibraryApi(const QString& host, QNetworkAccessManager* manager, MediaLibrary* library,
+                    QObject* parent = nullptr);
+    ~MediaLibraryApi() override;
+
+    void setPort(int port) { m_port = port; }
+
+    // Requests. The caller owns the reply; null when the content has no JSON form.
+    QNetworkReply* getMediaLibrary();
+    QNetworkReply* getCollections();
+    QNetworkReply* getPlaylists();
+    QNetworkReply* replaceMediaLibrary(const MediaLibrary& library);
+    QNetworkReply* replacePlaylists(const QList<Playlist>& playlists);
+    QNetworkReply* patchMediaLibrary(const Patch& patch);
+    QNetworkReply* openSSE();
+
+    /// Follows the event stream until it ends; nothing starts it again.
+    void listenChanges();
+    void stopListening();
+    /// Fetches the whole library and replaces the local one. While a stream opens, the request waits for the
+    /// server's first word on it, so that no change falls between the two.
+    void requestMediaLibrary();
+    /// From the request to the library in its place, or the failure.
+    bool isFetching() const { return m_fetches > 0; }
+    /// What was read from the event stream, in pieces of any size.
+    void receive(const QByteArray& bytes);
+
+    /// What a message of the stream does: changes the library, then tells what the patch touched, collections
+    /// before playlists. A patch that does not fit changes nothing and tells nothing.
+    void applyMediaLibraryPatch(const Patch& patch);
+
+    /// The bytes that patchMediaLibrary() sends; false when the patch has no JSON form.
+    static bool patchBody(const Patch& patch, QByteArray* body);
+    static bool replyToSdkJson(QNetworkReply* reply, Json* json);
+    static QJsonDocument sdkJsonToQJsonDocument(Json* json);
+    static bool sdkJsonToQJsonDocument(Json* json, QJsonDocument* document);
+
+Q_SIGNALS:
+    void mediaLibraryRequestFailed();
+    void collectionsReceived(QList<vantrel::CollectionAndIndex> collections);
+    void playlistsReceived(QList<vantrel::Playlist> playlists);
+    void mediaLibraryReplaced();
+    void mediaLibraryChanged();
+    void mediaCollectionChanged(uint collection);
+    void mediaCollectionRemoved(uint collection);
+    void mediaCollectionAdded(uint collection);
+    void playlistAdded(uint playlist);
+    void playlistChanged(uint playlist);
+    void playlistRemoved(uint playlist);
+    void playlistEntryAdded(uint playlist, vantrel::EntryAddress entry);
+    void playlistEntryChanged(uint playlist, vantrel::EntryAddress entry);
+    void playlistEntryRemoved(uint playlist, vantrel::EntryAddress entry);
+    void mediaAdded(vantrel::MediaAddress address);
+    void mediaChanged(vantrel::MediaAddress address);
+    void mediaRemoved(vantrel::MediaAddress address);
+
+private:
+    QUrl buildUrl(const QString& path, const QString& query = {}) const;
+    QNetworkRequest jsonRequest(const QString& path) const;
+    void fetchLibrary();
+    void onLibraryReceived(QNetworkReply* reply);
+    void onLibraryRead(const LibraryReading& reading, std::optional<qint64> revision);
+    void fetchEnded();
+    void adoptLibrary(MediaLibrary& fetched, std::optional<qint64> revision);
+    void onStreamData();
+    void handleMessage(const QByteArray& data);
+    void emitLibraryChanges(const LibraryChanges& changes);
+    void emitCollectionChanges(const LibraryChanges& changes);
+    void emitPlaylistChanges(const LibraryChanges& changes);
+
+    Ref<MediaLibrary> m_library;
+    QPointer<QNetworkAccessManager> m_manager;
+    QString m_host;
+    QString m_scheme;
+    int m_port = 80;
+    QNetworkReply* m_stream = nullptr;
+    EventStream m_events;
+
+    // What the stream brought while the library was fetched: the answer may be of before or after it.
+    struct Message
+    {
+        Patch patch;
+        std::optional<qint64> revision;
+    };
+    std::vector<Message> m_meanwhile;
+    qsizetype m_meanwhileBytes = 0;
+    int m_fetches = 0;
+    std::optional<qint64> m_revision; // of the last library that was fetched
+};
+
+} // namespace vantrel

@@ -1,0 +1,219 @@
+// How MediaLibraryModel keeps its rows in step with the library, and what it gives away in a drag.
+
+#include "common/media/address/medialogging.h"
+#include "common/media/items/guimediaslot.h"
+#include "common/media/items/mimedata.h"
+#include "common/media/models/medialibraryitem.h"
+#include "common/media/models/medialibrarymodel.h"
+#include "tarn/media/medialibrary.h"
+
+#include <QJsonObject>
+
+#include <algorithm>
+#include <set>
+#include <utility>
+
+namespace vantrel {
+
+namespace {
+
+int rowsFor(const MediaCollection& collection)
+{
+    const MediaSlotMap& slotMap = collection.getSlots();
+    return slotMap.empty() ? 0 : (--slotMap.end())->first + 1;
+}
+
+std::string_view contentUrl(const MediaSlot& slot)
+{
+    const Json* url = slot.toJson().find("contentUrl");
+    return url ? url->stringView() : std::string_view();
+}
+
+} // namespace
+
+int MediaLibraryModel::rowOf(int collection) const
+{
+    const auto at = std::lower_bound(m_collections.begin(), m_collections.end(), collection,
+                                     [](const Item& item, int number) { return item->number() < number; });
+    const auto row = static_cast<int>(at - m_collections.begin());
+    return at != m_collections.end() && (*at)->number() == collection ? row : -row - 1;
+}
+
+void MediaLibraryModel::reset()
+{
+    beginResetModel();
+    m_collections.clear();
+    m_slotItems.clear();
+    m_rowsByUrl.clear();
+    m_urlsIndexed = false;
+    for (const auto& [number, collection] : m_library->getCollections())
+        m_collections.push_back(makeCollection(number));
+    endResetModel();
+}
+
+MediaLibraryModel::Item MediaLibraryModel::makeCollection(int collection)
+{
+    const MediaCollection* record = std::as_const(*m_library).findCollection(collection);
+    auto item = std::make_unique<MediaLibraryItem>(
+        collection, record ? QString::fromStdString(record->getName()) : QString());
+    updateCollectionSlots(*item, collection);
+    return item;
+}
+
+void MediaLibraryModel::updateCollectionSlots(MediaLibraryItem& item, int collection)
+{
+    const MediaCollection* record = std::as_const(*m_library).findCollection(collection);
+    if (!record)
+        return;
+    item.setChildCount(rowsFor(*record));
+    item.setRecords(record->getSlots().records());
+    if (m_urlsIndexed)
+        indexUrls(item);
+}
+
+void MediaLibraryModel::setSlot(MediaLibraryItem& collection, int row, const MediaSlot* record)
+{
+    const MediaAddress address(collection.number(), row);
+    m_slotItems.remove(address);
+    if (m_urlsIndexed) {
+        if (const MediaSlot* old = collection.records().get(row))
+            m_rowsByUrl.remove(contentUrl(*old), address);
+        if (record)
+            m_rowsByUrl.insert(contentUrl(*record), address);
+    }
+    collection.setRecord(row, record);
+}
+
+void MediaLibraryModel::indexUrls(const MediaLibraryItem& collection)
+{
+    for (const auto& [row, record] : collection.records())
+        m_rowsByUrl.insert(contentUrl(record), {collection.number(), row});
+}
+
+void MediaLibraryModel::forgetSlots(const MediaLibraryItem& collection)
+{
+    m_slotItems.clear();
+    if (!m_urlsIndexed)
+        return;
+    for (const auto& [row, record] : collection.records())
+        m_rowsByUrl.remove(contentUrl(record), {collection.number(), row});
+}
+
+QList<QModelIndex> MediaLibraryModel::findItemsByUrl(const QUrl& mediaUrl)
+{
+    if (!std::exchange(m_urlsIndexed, true)) {
+        for (const Item& collection : m_collections)
+            indexUrls(*collection);
+    }
+    QList<QModelIndex> found;
+    for (const MediaAddress& address : m_rowsByUrl.candidates(mediaUrl)) {
+        const QModelIndex row = slotIndex(address);
+        const MediaLibraryItem* item = row.isValid() ? slotItem(row) : nullptr;
+        if (item && item->url() == mediaUrl)
+            found.append(row);
+    }
+    return found;
+}
+
+void MediaLibraryModel::onCollectionChanged(uint index)
+{
+    const int row = rowOf(static_cast<int>(index));
+    const MediaCollection* record = std::as_const(*m_library).findCollection(static_cast<int>(index));
+    if (row < 0 || !record) {
+        qCWarning(lcMedia) << "Failed to find changed collection at" << index;
+        return;
+    }
+    m_collections[static_cast<std::size_t>(row)]->setName(QString::fromStdString(record->getName()));
+    emitDataChangedForRow(this->index(row, 0));
+}
+
+void MediaLibraryModel::onCollectionAdded(uint index)
+{
+    const auto number = static_cast<int>(index);
+    if (rowOf(number) >= 0)
+        onCollectionRemoved(index); // it was replaced as a whole
+    if (!std::as_const(*m_library).findCollection(number))
+        return;
+    const int row = -rowOf(number) - 1;
+    beginInsertRows({}, row, row);
+    m_collections.insert(m_collections.begin() + row, makeCollection(number));
+    endInsertRows();
+}
+
+void MediaLibraryModel::onCollectionRemoved(uint index)
+{
+    const int row = rowOf(static_cast<int>(index));
+    if (row < 0)
+        return;
+    beginRemoveRows({}, row, row);
+    forgetSlots(*m_collections[static_cast<std::size_t>(row)]);
+    const Item gone = std::move(m_collections[static_cast<std::size_t>(row)]);
+    m_collections.erase(m_collections.begin() + row);
+    endRemoveRows();
+}
+
+void MediaLibraryModel::onMediaAdded(MediaAddress address)
+{
+    updateSlot(address);
+}
+
+void MediaLibraryModel::onMediaChanged(MediaAddress address)
+{
+    updateSlot(address);
+}
+
+void MediaLibraryModel::onMediaRemoved(MediaAddress address)
+{
+    const QModelIndex row = slotIndex(address);
+    if (!row.isValid())
+        return;
+    setSlot(*m_collections[static_cast<std::size_t>(row.parent().row())], row.row(), nullptr);
+    emitDataChangedForRow(row);
+}
+
+void MediaLibraryModel::updateSlot(const MediaAddress& address)
+{
+    const int collectionRow = rowOf(address.collection);
+    const MediaSlot* record = std::as_const(*m_library).findSlot(address.collection, address.slot);
+    if (collectionRow < 0 || !record) {
+        onMediaRemoved(address);
+        return;
+    }
+    MediaLibraryItem& collection = *m_collections[static_cast<std::size_t>(collectionRow)];
+    if (address.slot < collection.childCount()) {
+        setSlot(collection, address.slot, record);
+        emitDataChangedForRow(slotIndex(address));
+        return;
+    }
+    beginInsertRows(index(collectionRow, 0), collection.childCount(), address.slot);
+    collection.setChildCount(address.slot + 1);
+    setSlot(collection, address.slot, record);
+    endInsertRows();
+}
+
+QStringList MediaLibraryModel::mimeTypes() const
+{
+    return {mimeformat::json, mimeformat::category, mimeformat::type};
+}
+
+QMimeData* MediaLibraryModel::mimeData(const QModelIndexList& indexes) const
+{
+    std::set<MediaAddress> addresses; // in order, and once, whatever columns are selected
+    for (const QModelIndex& index : indexes) {
+        if (slotItem(index))
+            addresses.insert(addressOf(index));
+    }
+    QList<QJsonObject> objects;
+    for (const MediaAddress& address : addresses) {
+        const MediaSlot* record = std::as_const(*m_library).findSlot(address.collection, address.slot);
+        if (!record)
+            continue;
+        GuiMediaSlot slot(address, *record);
+        slot.setMediaType(std::nullopt); // whoever takes it in refuses a type: that is the server's to tell
+        objects.append(slot.toJson());
+    }
+    return objects.isEmpty() ? nullptr
+                             : createMimeData(objects, MimeItemCategory::MediaLibrary, MediaItemType::Slot);
+}
+
+} // namespace vantrel

@@ -1,0 +1,69 @@
+#pragma once
+
+#include "common/media/address/mediastate.h"
+#include "common/media/net/metadataprovider.h"
+#include "common/media/net/thumbnailprovider.h"
+
+#include <QObject>
+#include <QPointer>
+#include <QStringList>
+
+#include <unordered_set>
+
+namespace vantrel {
+
+class MediaStateProvider;
+
+/// All that views want to know of a media file beside its slot: metadata, thumbnail, state. Made for each
+/// connection; main thread only.
+class MediaDataAggregator : public QObject
+{
+    Q_OBJECT
+
+public:
+    MediaDataAggregator(MetadataProvider* metadataProvider, ThumbnailProvider* thumbnailProvider,
+                        MediaStateProvider* stateProvider, QObject* parent = nullptr);
+
+    MediaMetadataPtr metadata(const QUrl& mediaUrl);
+    /// The thumbnail, or a placeholder while there is none.
+    ThumbnailPtr thumbnail(const QUrl& mediaUrl);
+    /// What is here already, asking nobody; null for none.
+    ThumbnailPtr knownThumbnail(const QUrl& mediaUrl) const;
+    MediaMetadataPtr knownMetadata(const QUrl& mediaUrl) const;
+    MediaState mediaState(const QUrl& mediaUrl) const;
+    MediaState metadataMediaState(const QUrl& mediaUrl);
+    MediaState previewMediaState(int channel) const;
+    MediaState programMediaState(int channel) const;
+    std::unordered_set<MediaCaveat> mediaCaveats(const QUrl& mediaUrl);
+    /// For the operator, one text a caveat.
+    QStringList mediaCaveatsDescribed(const QUrl& mediaUrl);
+    void refreshData(const QUrl& mediaUrl);
+    /// Forgets all of a file; with terminate also answers that are still to come.
+    void invalidateData(const QUrl& mediaUrl, bool terminate);
+    void invalidateAllData();
+
+Q_SIGNALS:
+    void metadataChanged(QUrl mediaUrl, vantrel::MediaMetadataPtr metadata);
+    void thumbnailChanged(QUrl mediaUrl, vantrel::ThumbnailPtr thumbnail);
+    void metadataInvalidated(QUrl mediaUrl);
+    void thumbnailInvalidated(QUrl mediaUrl);
+    void mediaStateChanged(QUrl mediaUrl);
+
+private:
+    void handleMetadataChanged(const QUrl& mediaUrl, const MediaMetadataPtr& metadata);
+    void handleThumbnailChanged(const QUrl& mediaUrl, const ThumbnailPtr& thumbnail);
+    void handleThumbnailInvalidated(const QUrl& mediaUrl);
+    ThumbnailPtr selectPlaceholderThumbnailForMetadata(const MediaMetadataPtr& metadata) const;
+    ThumbnailPtr getPlaceholderThumbnail(const QUrl& mediaUrl) const;
+    QStringList describeCaveats(const std::unordered_set<MediaCaveat>& caveats) const;
+
+    QPointer<MetadataProvider> m_metadataProvider;
+    QPointer<ThumbnailProvider> m_thumbnailProvider;
+    QPointer<MediaStateProvider> m_stateProvider;
+    ThumbnailPtr m_genericPlaceholder;
+    ThumbnailPtr m_imagePlaceholder;
+    ThumbnailPtr m_audioPlaceholder;
+    ThumbnailPtr m_videoPlaceholder;
+};
+
+} // namespace vantrel

@@ -1,0 +1,169 @@
+#include "common/outputs/audiooutputitem.h"
+
+#include "common/command/playback/selectaudiodevicecommand.h"
+#include "common/media/models/playbackmodel.h"
+#include "common/session/link/connectionprovider.h"
+#include "common/session/session.h"
+#include "common/ui/style/colors.h"
+#include "common/ui/style/dynamicstyle.h"
+#include "common/ui/style/fontsizefollower.h"
+#include "common/ui/style/iconcache.h"
+#include "common/ui/toolkit/switchselect.h"
+#include "common/ui/toolkit/ztlabel.h"
+#include "tarn/scene/scene.h"
+
+#include <QFormLayout>
+#include <QHBoxLayout>
+#include <QLoggingCategory>
+
+namespace vantrel {
+
+namespace {
+
+Q_LOGGING_CATEGORY(lcOutputs, "vantrel.outputs")
+
+} // namespace
+
+AudioOutputItem::AudioOutputItem(QWidget* parent)
+    : Collapse(tr("Audio"), parent)
+{
+    titleRow()->setObjectName(QStringLiteral("titleRow"));
+    m_preview = createSwitch(QStringLiteral("previewAudioOutputSwitch"), tr("Audio output of preview"));
+    m_program = createSwitch(QStringLiteral("programAudioOutputSwitch"), tr("Audio output of program"));
+    connect(m_preview, &SwitchSelect::selected, this, [this] { onSelectionChanged(PlaybackType::Preview); });
+    connect(m_program, &SwitchSelect::selected, this, [this] { onSelectionChanged(PlaybackType::Program); });
+
+    auto* content = new QWidget(this);
+    auto* layout = new QFormLayout(content);
+    layout->setRowWrapPolicy(
+        QFormLayout::WrapLongRows); // in a narrow column the switch stands below its name
+    layout->setLabelAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    layout->addRow(new ZTLabel(tr("Preview output:"), content), m_preview);
+    layout->addRow(new ZTLabel(tr("Program output:"), content), m_program);
+    layout->addRow(createMessage());
+    setContent(content);
+    if (const Configuration* settings = configuration())
+        connect(settings, &Configuration::optionChanged, this, &AudioOutputItem::onStyleChange);
+    setDynamicStyle(this, "container", toString(currentFontSize()));
+
+    const Session* session = Session::instance();
+    m_connection = session ? session->connectionProvider() : nullptr;
+    if (!m_connection) {
+        qCWarning(lcOutputs) << "No connection provider";
+        return;
+    }
+    connect(m_connection, &ConnectionProvider::hostAddressChanged, this, &AudioOutputItem::onAddressChanged);
+    connect(session, &Session::connected, this, &AudioOutputItem::onConnected);
+    connect(session, &Session::disconnected, this, &AudioOutputItem::onDisconnected);
+    onAddressChanged();
+    if (session->isConnected())
+        onConnected();
+}
+
+SwitchSelect* AudioOutputItem::createSwitch(const QString& name, const QString& accessibleName)
+{
+    auto* target = new SwitchSelect(this);
+    target->addItem(tr("Embedded"), static_cast<int>(AudioPlaybackDevice::Embedded),
+                    tr("Sound goes out beside the picture, on the video output"));
+    target->addItem(tr("XLR"), static_cast<int>(AudioPlaybackDevice::Xlr),
+                    tr("Sound goes out on the XLR connectors"));
+    target->addItem(tr("Dante"), static_cast<int>(AudioPlaybackDevice::Dante),
+                    tr("Sound goes out on the audio network"));
+    target->addItem(tr("Off"), static_cast<int>(AudioPlaybackDevice::Off), tr("No sound"));
+    target->setObjectNames(name);
+    target->setAccessibleName(accessibleName);
+    target->setEnabled(false);
+    return target;
+}
+
+QWidget* AudioOutputItem::createMessage()
+{
+    m_message = new QWidget(this);
+    m_message->setObjectName(QStringLiteral("danteEnabledMessage"));
+    auto* icon = new ZTLabel(m_message);
+    icon->setObjectName(QStringLiteral("danteEnabledMessageIcon"));
+    followFontSize(icon, [icon](FontSize size) {
+        const int side = iconExtent(size);
+        icon->setPixmap(IconCache::pixmap(QStringLiteral("info"), colors::getColor(colors::Zt_white_70),
+                                          {side, side}, icon->devicePixelRatioF()));
+    });
+    auto* text =
+        new ZTLabel(tr("Make sure you have Dante enabled in WebConfig for at least one NIC."), m_message);
+    text->setObjectName(QStringLiteral("danteEnabledMessageText"));
+    text->setWordWrap(true);
+    auto* layout = new QHBoxLayout(m_message);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(icon, 0, Qt::AlignTop);
+    layout->addWidget(text, 1);
+    m_message->hide();
+    return m_message;
+}
+
+void AudioOutputItem::onConnected()
+{
+    const Session* session = Session::instance();
+    connect(session->previewPlaybackModel(), &PlaybackModel::dataChanged, this,
+            &AudioOutputItem::onPreviewDataChanged, Qt::UniqueConnection);
+    connect(session->programPlaybackModel(), &PlaybackModel::dataChanged, this,
+            &AudioOutputItem::onProgramDataChanged, Qt::UniqueConnection);
+    m_preview->setEnabled(true);
+    m_program->setEnabled(true);
+    onPreviewDataChanged();
+    onProgramDataChanged();
+}
+
+void AudioOutputItem::onDisconnected()
+{
+    m_preview->setEnabled(false);
+    m_program->setEnabled(false);
+}
+
+void AudioOutputItem::onPreviewDataChanged()
+{
+    showDevice(m_preview, Session::instance()->previewPlaybackModel());
+}
+
+void AudioOutputItem::onProgramDataChanged()
+{
+    showDevice(m_program, Session::instance()->programPlaybackModel());
+}
+
+void AudioOutputItem::showDevice(SwitchSelect* target, const PlaybackModel* model)
+{
+    target->setValue(model->index(0, PlaybackModel::AudioDeviceColumn).data());
+    updateMessage();
+}
+
+void AudioOutputItem::updateMessage()
+{
+    const int dante = static_cast<int>(AudioPlaybackDevice::Dante);
+    m_message->setVisible(m_preview->value().toInt() == dante || m_program->value().toInt() == dante);
+}
+
+void AudioOutputItem::onSelectionChanged(PlaybackType type)
+{
+    updateMessage();
+    Session* session = Session::instance();
+    const SwitchSelect* chooser = type == PlaybackType::Preview ? m_preview : m_program;
+    const auto device = static_cast<AudioPlaybackDevice>(chooser->value().toInt());
+    Object* playback = session->getScene()->findObject(std::string("/device/channels/0/") + toStr(type));
+    auto command = std::make_unique<SelectAudioDeviceCommand>();
+    if (command->initialize(playback, toStr(device)))
+        session->executeCommand(command.release());
+    else
+        qCWarning(lcOutputs) << "Failed to init SelectAudioDeviceCommand";
+}
+
+void AudioOutputItem::onStyleChange(ConfigurationOption option, const QVariant& value)
+{
+    if (option == TEXT_SIZE)
+        setDynamicStyle(this, "container", toString(fontSizeFrom(value)));
+}
+
+void AudioOutputItem::onAddressChanged()
+{
+    const QString address = m_connection->hostAddress();
+    setTitle(address.isEmpty() ? tr("Audio") : tr("Audio  %1").arg(address));
+}
+
+} // namespace vantrel

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "common/session/settings/configuration.h"
+#include "common/ui/toolkit/collapse.h"
+#include "tarn/media/enums.h"
+
+namespace vantrel {
+
+class ConnectionProvider;
+class PlaybackModel;
+class SwitchSelect;
+
+/// Chooses the audio device of each channel, in the outputs column. Without a server it only shows the last
+/// known choice. Main thread.
+class AudioOutputItem : public Collapse
+{
+    Q_OBJECT
+
+public:
+    explicit AudioOutputItem(QWidget* parent = nullptr);
+
+public Q_SLOTS:
+    void onConnected();
+    void onDisconnected();
+    void onPreviewDataChanged();
+    void onProgramDataChanged();
+    /// Shows the server's address beside the title.
+    void onAddressChanged();
+    void onStyleChange(vantrel::ConfigurationOption option, const QVariant& value);
+
+private:
+    SwitchSelect* createSwitch(const QString& name, const QString& accessibleName);
+    QWidget* createMessage();
+    void onSelectionChanged(PlaybackType type);
+    void showDevice(SwitchSelect* target, const PlaybackModel* model);
+    void updateMessage();
+
+    SwitchSelect* m_preview = nullptr;
+    SwitchSelect* m_program = nullptr;
+    QWidget* m_message = nullptr;
+    ConnectionProvider* m_connection = nullptr;
+};
+
+} // namespace vantrel

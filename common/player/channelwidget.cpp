@@ -1,0 +1,149 @@
+#include "common/player/channelwidget.h"
+
+#include "common/playback/playbackpreview.h"
+#include "common/playback/playbackwidget.h"
+#include "common/playback/playbackwidgetfooter.h"
+#include "common/playback/takecontrols.h"
+#include "common/ui/style/fontsizefollower.h"
+#include "common/ui/style/spacing.h"
+#include "common/ui/toolkit/ztsplitter.h"
+#include "common/views/playlistwidget.h"
+#include "tarn/scene/object.h"
+
+#include <QHBoxLayout>
+
+#include <algorithm>
+
+namespace vantrel {
+
+namespace {
+
+constexpr int adjustDelayMs = 100; // until the layout has settled
+constexpr int leastHeight = 128;   // pixels a column needs to be divided at all
+constexpr double playbackShare = 0.75;
+constexpr int leastPicture = 150; // pixels high, before the playlist below gets more than it needs
+
+} // namespace
+
+ChannelWidget::ChannelWidget(QWidget* parent)
+    : QWidget(parent)
+    , m_previewSplitter(new ZTSplitter(Qt::Vertical, this))
+    , m_preview(new PlaybackWidget(Preview, m_previewSplitter))
+    , m_previewPlaylist(new PlaylistWidget(Preview, m_previewSplitter))
+    , m_takeControls(new TakeControls(this))
+    , m_programSplitter(new ZTSplitter(Qt::Vertical, this))
+    , m_program(new PlaybackWidget(Program, m_programSplitter))
+    , m_programPlaylist(new PlaylistWidget(Program, m_programSplitter))
+{
+    setWindowTitle(tr("Channel Playback"));
+    m_previewSplitter->addWidget(m_preview);
+    m_previewSplitter->addWidget(m_previewPlaylist);
+    m_programSplitter->addWidget(m_program);
+    m_programSplitter->addWidget(m_programPlaylist);
+    for (ZTSplitter* splitter : {m_previewSplitter, m_programSplitter}) {
+        splitter->setChildrenCollapsible(false);
+        splitter->setStretchFactor(0, 3);
+        splitter->setStretchFactor(1, 1);
+    }
+
+    auto* layout = new QHBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(spacing::tight);
+    layout->addWidget(m_previewSplitter, 1);
+    layout->addWidget(m_takeControls);
+    layout->addWidget(m_programSplitter, 1);
+
+    followPictures();
+    followFontSize(this, [this](FontSize size) {
+        setTextSize(size);
+        m_adjust.start();
+    });
+}
+
+void ChannelWidget::followPictures()
+{
+    m_adjust.setSingleShot(true);
+    m_adjust.setInterval(adjustDelayMs);
+    connect(&m_adjust, &QTimer::timeout, this, [this] {
+        updateStep(); // some heights are those of texts, which are known by now
+        updateCaptions();
+        if (!m_dividedByHand)
+            adjustSplitters();
+    });
+    for (const PlaybackWidget* column : {m_preview, m_program})
+        connect(column->preview(), &PlaybackPreview::shapeChanged, &m_adjust, qOverload<>(&QTimer::start));
+    for (const ZTSplitter* splitter : {m_previewSplitter, m_programSplitter})
+        connect(splitter, &QSplitter::splitterMoved, this, [this] { m_dividedByHand = !m_isAdjusting; });
+    m_adjust.start();
+}
+
+void ChannelWidget::setObject(Object* object, Scene* scene)
+{
+    m_program->setObject(object ? object->findChildByName("program", false) : nullptr, scene);
+    m_preview->setObject(object ? object->findChildByName("preview", false) : nullptr, scene);
+    m_takeControls->setObject(object, scene);
+    if (object) // it may have waited hidden for its channel
+        m_adjust.start();
+}
+
+void ChannelWidget::adjustSplitters()
+{
+    if (m_previewSplitter->height() < leastHeight || m_programSplitter->height() < leastHeight)
+        return;
+    int position = std::min(m_previewSplitter->getClosestPixelPosition(1, playbackShare),
+                            m_programSplitter->getClosestPixelPosition(1, playbackShare));
+    // No more than the pictures fill, and no less than they need to be made out.
+    const auto highest = [this](auto height) { return std::max(height(m_preview), height(m_program)); };
+    position = std::min(position, highest([](const PlaybackWidget* column) {
+                            return column->heightForPicture(column->pictureHeight());
+                        }));
+    position = std::max(position, highest([](const PlaybackWidget* column) {
+                            return column->heightForPicture(leastPicture);
+                        }));
+    m_isAdjusting = true;
+    m_previewSplitter->moveHandle(1, position);
+    m_programSplitter->moveHandle(1, position);
+    m_isAdjusting = false;
+}
+
+void ChannelWidget::setTextSize(FontSize size)
+{
+    m_size = size;
+    updateStep();
+    updateGeometry();
+}
+
+void ChannelWidget::updateStep()
+{
+    m_step = m_isSized && width() < channelsWidth(ColumnStep::Wide, m_size) ? ColumnStep::Narrow
+                                                                            : ColumnStep::Wide;
+    for (QSplitter* splitter : {m_previewSplitter, m_programSplitter})
+        splitter->setMinimumWidth(columnWidth(m_step, m_size));
+    m_preview->setColumnStep(m_step);
+    m_program->setColumnStep(m_step);
+    m_takeControls->setColumnStep(m_step);
+    layout()->activate();
+}
+
+void ChannelWidget::updateCaptions()
+{
+    PlaybackWidgetFooter* const footers[] = {m_preview->footer(), m_program->footer()};
+    const bool fit = std::ranges::all_of(footers, &PlaybackWidgetFooter::hasRoomForCaption);
+    for (PlaybackWidgetFooter* footer : footers)
+        footer->setCaptionAllowed(fit);
+}
+
+QSize ChannelWidget::minimumSizeHint() const
+{
+    return {channelsWidth(ColumnStep::Narrow, m_size), QWidget::minimumSizeHint().height()};
+}
+
+void ChannelWidget::resizeEvent(QResizeEvent* event)
+{
+    QWidget::resizeEvent(event);
+    m_isSized = true;
+    updateStep();
+    m_adjust.start();
+}
+
+} // namespace vantrel

@@ -1,0 +1,275 @@
+#include "common/player/playerplaybackview.h"
+
+#include "common/command/playback/playmediacommand.h"
+#include "common/media/address/mediautils.h"
+#include "common/media/net/defaultresourcestatusprovider.h"
+#include "common/playback/columnstep.h"
+#include "common/playback/playbacklogging.h"
+#include "common/player/channelwidget.h"
+#include "common/player/playerkeys.h"
+#include "common/session/link/signalrelay.h"
+#include "common/session/mirror/objecttreemodel.h"
+#include "common/session/session.h"
+#include "common/session/settings/configuration.h"
+#include "common/ui/binding/widgetmapper.h"
+#include "common/ui/keyboard/hotkeys.h"
+#include "common/ui/style/colors.h"
+#include "common/ui/style/fontsizefollower.h"
+#include "common/ui/style/iconcache.h"
+#include "common/ui/toolkit/ztlabel.h"
+#include "common/ui/toolkit/ztsplitter.h"
+#include "common/views/mediapanelwidget.h"
+#include "tarn/scene/object.h"
+#include "tarn/scene/scene.h"
+
+#include <QApplication>
+#include <QHBoxLayout>
+#include <QMap>
+#include <QMetaMethod>
+#include <QStackedWidget>
+#include <QTimer>
+
+#include <algorithm>
+
+namespace vantrel {
+
+namespace {
+
+constexpr int objectRole = 257; // of the scene's tree model
+constexpr int sceneRole = 258;
+
+/// In pixels: the panel gives way to the channels down to its least width.
+const QMap<FontSize, int> leastPanelWidths{
+    {FontSize::Small, 132}, {FontSize::Medium, 140}, {FontSize::Large, 160}, {FontSize::Huge, 200}};
+constexpr int hintWidth = 380;     // of the empty state's text, as narrow as a dialog over it
+constexpr int panelWidth = 272;    // at the medium text size, where there is room
+constexpr int readableWidth = 150; // the same, below which it cuts most names
+
+/// The panel's width that leaves the channels their captions if that can be; else it takes a quarter of what
+/// they do not need.
+int panelWidthIn(int room, FontSize size)
+{
+    const int least = leastPanelWidths.value(size);
+    const int preferred = scaled(panelWidth, size);
+    const int besideWide = room - channelsWidth(ColumnStep::Wide, size);
+    if (besideWide >= scaled(readableWidth, size))
+        return std::min(besideWide, preferred);
+    return std::clamp(least + (room - channelsWidth(ColumnStep::Narrow, size) - least) / 4, least, preferred);
+}
+
+} // namespace
+
+PlayerPlaybackView::PlayerPlaybackView(QWidget* parent)
+    : QWidget(parent)
+    , m_mapper(new WidgetMapper(this))
+    , m_splitter(new ZTSplitter(Qt::Horizontal, this))
+    , m_stack(new QStackedWidget(this))
+{
+    auto* panel = new MediaPanelWidget(this);
+    followFontSize(panel, [panel](FontSize size) { panel->setMinimumWidth(leastPanelWidths.value(size)); });
+    panel->setObjectName(QStringLiteral("PlayerTab-mediapanel-widget"));
+    m_panel = panel;
+
+    m_stack->addWidget(createEmptyState());
+    m_stack->addWidget(createChannelArea());
+
+    m_splitter->addWidget(panel);
+    m_splitter->addWidget(m_stack);
+    m_splitter->setStretchFactor(0, 0);
+    m_splitter->setStretchFactor(1, 1);
+    connect(m_splitter, &QSplitter::splitterMoved, this, [this] { m_dividedByHand = true; });
+    auto* layout = new QHBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(m_splitter);
+    followFontSize(this, [this](FontSize) { shareWidth(); });
+
+    m_mapper->setObjectName(QStringLiteral("playbacksMapper"));
+    m_mapper->setObjectType(&ChannelWidget::staticMetaObject);
+    connect(m_mapper, &WidgetMapper::widgetAdded, this, &PlayerPlaybackView::onWidgetAdded);
+    connect(m_mapper, &WidgetMapper::widgetRemoved, this, &PlayerPlaybackView::onWidgetRemoved);
+    connectSession();
+    if (Hotkeys* hotkeys = Session::instance()->hotkeys())
+        m_keys = new PlayerKeys(hotkeys, this);
+    updateState();
+}
+
+void PlayerPlaybackView::shareWidth()
+{
+    if (m_dividedByHand)
+        return;
+    const int room = width() - m_splitter->handleWidth();
+    const int panel = panelWidthIn(room, currentFontSize());
+    m_splitter->setSizes({panel, room - panel});
+}
+
+void PlayerPlaybackView::resizeEvent(QResizeEvent* event)
+{
+    QWidget::resizeEvent(event);
+    shareWidth();
+}
+
+/// The panel offers to edit a collection only where somebody hears of it.
+void PlayerPlaybackView::connectNotify(const QMetaMethod& signal)
+{
+    if (signal == QMetaMethod::fromSignal(&PlayerPlaybackView::collectionEditRequested))
+        connect(m_panel, &MediaPanelWidget::collectionEditRequested, this,
+                &PlayerPlaybackView::collectionEditRequested, Qt::UniqueConnection);
+}
+
+QWidget* PlayerPlaybackView::createEmptyState()
+{
+    auto* page = new QWidget(this);
+    auto* icon = new ZTLabel(page);
+    icon->setPixmap(IconCache::pixmap(QStringLiteral("unlinked"), colors::getColor(colors::Zt_white_30),
+                                      {48, 48}, devicePixelRatioF()));
+    m_emptyTitle = new ZTLabel(page);
+    m_emptyTitle->setStyleClass(QStringLiteral("title"));
+    m_emptyHint = new ZTLabel(page);
+    m_emptyHint->setStyleClass(QStringLiteral("dim"));
+    m_emptyHint->setAlignment(Qt::AlignCenter);
+    m_emptyHint->setWordWrap(true);
+    followFontSize(m_emptyHint,
+                   [this](FontSize size) { m_emptyHint->setFixedWidth(scaled(hintWidth, size)); });
+
+    auto* layout = new QVBoxLayout(page);
+    layout->setSpacing(12);
+    layout->addStretch(1);
+    layout->addWidget(icon, 0, Qt::AlignHCenter);
+    layout->addWidget(m_emptyTitle, 0, Qt::AlignHCenter);
+    // In a row of its own, which gives it the height of its lines at this width.
+    auto* hintRow = new QHBoxLayout;
+    hintRow->addStretch(1);
+    hintRow->addWidget(m_emptyHint);
+    hintRow->addStretch(1);
+    layout->addLayout(hintRow);
+    layout->addStretch(5); // above the connect dialog, which opens in the middle
+    return page;
+}
+
+QWidget* PlayerPlaybackView::createChannelArea()
+{
+    auto* page = new QWidget(this);
+    m_lostNotice = new ZTLabel(page);
+    m_lostNotice->setStyleClass(QStringLiteral("error"));
+    m_lostNotice->setAlignment(Qt::AlignCenter);
+    m_lostNotice->hide();
+    m_channels = new QWidget(page);
+    auto* channelLayout = new QVBoxLayout(m_channels);
+    channelLayout->setContentsMargins(0, 0, 0, 0);
+    m_mapper->setLayout(channelLayout);
+
+    auto* layout = new QVBoxLayout(page);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(m_lostNotice);
+    layout->addWidget(m_channels, 1);
+    return page;
+}
+
+void PlayerPlaybackView::connectSession()
+{
+    const Session* session = Session::instance();
+    connect(session, &Session::connected, this, &PlayerPlaybackView::updateState);
+    connect(session, &Session::disconnected, this, [this] { setStale(true); });
+    connect(session, &Session::sceneLoaded, this, [this] { setStale(false); });
+    connect(session->signalRelay(), &SignalRelay::directPlay, this,
+            &PlayerPlaybackView::handleMediaDirectPlay);
+}
+
+void PlayerPlaybackView::setModel(const QModelIndex& channels)
+{
+    m_mapper->setModel(const_cast<QAbstractItemModel*>(channels.model()), channels);
+}
+
+void PlayerPlaybackView::onWidgetAdded(QWidget* widget, const QModelIndex& index)
+{
+    ++m_channelCount;
+    if (auto* channel = qobject_cast<ChannelWidget*>(widget)) {
+        channel->setObject(index.data(objectRole).value<Object*>(), index.data(sceneRole).value<Scene*>());
+        if (m_keys)
+            m_keys->addChannel(channel);
+    }
+    updateState();
+}
+
+void PlayerPlaybackView::setStale(bool stale)
+{
+    m_isStale = stale;
+    // Nowhere rather than to the next that is enabled, for which the keys under the hand were not meant.
+    QWidget* focused = QApplication::focusWidget();
+    if (stale && focused && m_channels->isAncestorOf(focused))
+        focused->clearFocus();
+    m_channels->setEnabled(!stale);
+    updateState();
+}
+
+void PlayerPlaybackView::onWidgetRemoved(QWidget* widget)
+{
+    --m_channelCount;
+    if (auto* channel = qobject_cast<ChannelWidget*>(widget)) {
+        channel->setObject(nullptr, nullptr);
+        if (m_keys)
+            m_keys->removeChannel(channel);
+    }
+    // Later: a server that comes back replaces its channels, and the page would go and come.
+    QMetaObject::invokeMethod(this, &PlayerPlaybackView::updateState, Qt::QueuedConnection);
+}
+
+void PlayerPlaybackView::paintEvent(QPaintEvent* event)
+{
+    QWidget::paintEvent(event);
+    if (!std::exchange(m_isPrepared, true))
+        QTimer::singleShot(0, this, &PlayerPlaybackView::prepareChannel);
+}
+
+/// Builds, lays out and draws a channel unseen once the window stands. In the midst of a connection's first
+/// patches that would hold the window up.
+void PlayerPlaybackView::prepareChannel()
+{
+    if (m_channelCount > 0) {
+        m_mapper->keepSpare(nullptr);
+        return;
+    }
+    auto* channel = new ChannelWidget(m_channels);
+    m_mapper->keepSpare(channel);
+    QWidget* page = m_stack->widget(ChannelPage);
+    page->resize(m_stack->size());
+    channel->show(); // on its hidden page
+    page->grab();
+    channel->hide();
+}
+
+void PlayerPlaybackView::updateState()
+{
+    const bool isConnected = Session::instance()->isConnected();
+    m_emptyTitle->setText(isConnected ? tr("Waiting for the server") : tr("Not connected"));
+    m_emptyHint->setText(isConnected ? tr("The server has not told of a channel yet.")
+                                     : tr("Choose \"Connect to server...\" in the menu, or click "
+                                          "\"Disconnected\" below, to see its channels."));
+    m_lostNotice->setText(isConnected ? tr("Connected again. Reading the state of the server.")
+                                      : tr("Connection lost. What you see is the last known state."));
+    m_lostNotice->setVisible(m_isStale);
+    m_stack->setCurrentIndex(m_channelCount > 0 ? ChannelPage : EmptyPage);
+}
+
+void PlayerPlaybackView::handleMediaDirectPlay(const QModelIndex& index)
+{
+    const media::ColSlot slot = media::MediaUtils::parseCollectionIndex(index);
+    if (!slot.valid) {
+        qCWarning(lcPlayback) << "Could not parse collection and index.";
+        return;
+    }
+    Session* session = Session::instance();
+    const ResourceStatusProvider* status = session->resourceStatusProvider();
+    if (status && status->isConstrained(Preview)) {
+        qCWarning(lcPlayback) << "Preview is resource constrained. Skipping media direct play request";
+        return;
+    }
+    auto command = std::make_unique<PlayMediaCommand>();
+    if (!command->initialize(true, 0, slot.collection, slot.slot)) {
+        qCWarning(lcPlayback) << "Failed to init PlayMediaCommand";
+        return;
+    }
+    session->executeCommand(command.release());
+}
+
+} // namespace vantrel

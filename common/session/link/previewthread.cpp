@@ -1,0 +1,120 @@
+#include "common/session/link/previewthread.h"
+
+#include <algorithm>
+
+namespace vantrel {
+
+namespace {
+/// The picture in the screen's own pixel format, so that the main thread need not convert; null when the
+/// surface is of another format or says more than its bytes hold.
+QImage imageOf(const Surface* surface)
+{
+    if (!surface || surface->format != Surface::formatRgb24 || surface->width <= 0 || surface->height <= 0)
+        return {};
+    const qint64 line = surface->bytesPerLine;
+    if (line < qint64(surface->width) * 3 || qint64(surface->pixels.size()) < line * surface->height)
+        return {};
+    const QImage wrapped(surface->pixels.data(), surface->width, surface->height, surface->bytesPerLine,
+                         QImage::Format_RGB888);
+    return wrapped.convertToFormat(QImage::Format_RGB32);
+}
+} // namespace
+
+PreviewThread::PreviewThread(quint16 previewPort, QObject* parent)
+    : QThread(parent)
+    , m_previewPort(previewPort)
+{
+    setObjectName(QStringLiteral("preview"));
+    m_client.addFrameCallback([this] { onFrameAvailable(); });
+    connect(this, &PreviewThread::onPendingFrames, this, &PreviewThread::processPending);
+}
+
+PreviewThread::~PreviewThread()
+{
+    unsubscribe();
+    requestInterruption();
+    wait();
+}
+
+void PreviewThread::subscribe(const boost::asio::ip::address& address)
+{
+    unsubscribe();
+    requestInterruption();
+    wait();
+    {
+        const QMutexLocker lock(&m_mutex);
+        m_endpoint.emplace(address, m_previewPort);
+    }
+    start();
+}
+
+void PreviewThread::unsubscribe()
+{
+    {
+        const QMutexLocker lock(&m_mutex);
+        m_endpoint.reset();
+    }
+    m_client.disconnect();
+}
+
+std::optional<boost::asio::ip::tcp::endpoint> PreviewThread::endpoint() const
+{
+    const QMutexLocker lock(&m_mutex);
+    return m_endpoint;
+}
+
+void PreviewThread::run()
+{
+    // Connecting here keeps a server that does not answer from holding up the scene link.
+    const auto target = endpoint();
+    if (!target || !m_client.connect(*target, 0, nullptr))
+        return;
+    if (endpoint())
+        m_client.run();
+    m_client.disconnect();
+}
+
+void PreviewThread::onFrameAvailable()
+{
+    PreviewFrame frame;
+    while (m_client.pollFrame(frame, 0)) {
+        Pending next{frame, imageOf(frame.frame.getSurface()),
+                     AudioLevels::fromSurface(frame.frame.getSurface())};
+        bool post = false;
+        {
+            const QMutexLocker lock(&m_mutex);
+            const auto same = std::ranges::find_if(
+                m_pending, [&](const Pending& waiting) { return waiting.frame.isOfOneKindWith(frame); });
+            if (same != m_pending.end())
+                *same = std::move(next);
+            else
+                m_pending.push_back(std::move(next));
+            post = !std::exchange(m_posted, true);
+        }
+        if (post)
+            Q_EMIT onPendingFrames();
+    }
+}
+
+void PreviewThread::processPending()
+{
+    QMutexLocker lock(&m_mutex);
+    m_posted = false;
+    while (!m_pending.empty()) {
+        Pending next = std::move(m_pending.front());
+        m_pending.pop_front();
+        if (!next.frame.frame.getSurface())
+            return;
+        if (next.image.isNull() && !next.levels)
+            continue;
+        lock.unlock();
+        if (next.levels)
+            Q_EMIT levelsChanged(next.frame.source, *next.levels);
+        else
+            Q_EMIT previewFrame(next.frame,
+                                QPixmap::fromImage(std::move(next.image), Qt::NoFormatConversion));
+        lock.relock();
+    }
+}
+
+} // namespace vantrel

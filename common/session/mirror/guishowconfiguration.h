@@ -1,0 +1,50 @@
+#pragma once
+
+#include "common/session/mirror/sceneobjectwrapper.h"
+
+namespace vantrel {
+
+/// What the server does with its show when it starts.
+class GUIShowConfiguration : public SceneObjectWrapper
+{
+    Q_OBJECT
+    Q_PROPERTY(bool autoSave READ autoSave WRITE setAutoSave NOTIFY autoSaveChanged)
+    Q_PROPERTY(QString autoStartShow READ autoStartShow WRITE setAutoStartShow NOTIFY autoStartShowChanged)
+    Q_PROPERTY(QString autoStartPlayState READ autoStartPlayState NOTIFY autoStartPlayStateChanged)
+    Q_PROPERTY(QString autoStartShowList READ autoStartShowList NOTIFY autoStartShowListChanged)
+
+public:
+    explicit GUIShowConfiguration(QObject* parent = nullptr);
+
+    bool autoSave() const { return getProperty<bool>(m_info.autoSave); }
+    void setAutoSave(bool value) { setProperty(m_info.autoSave, value); }
+    QString autoStartShow() const { return getProperty<QString>(m_info.autoStartShow); }
+    void setAutoStartShow(const QString& value) { setProperty(m_info.autoStartShow, value); }
+    QString autoStartPlayState() const { return getProperty<QString>(m_info.autoStartPlayState); }
+    void setAutoStartPlayState(const QString& value) { setProperty(m_info.autoStartPlayState, value); }
+    QString autoStartShowList() const { return getProperty<QString>(m_info.autoStartShowList); }
+    void setAutoStartShowList(const QString& value) { setProperty(m_info.autoStartShowList, value); }
+
+Q_SIGNALS:
+    void autoSaveChanged();
+    void autoStartShowChanged();
+    void autoStartPlayStateChanged();
+    void autoStartShowListChanged();
+
+protected:
+    void postSetObjectHook() override;
+
+private:
+    void cacheProperties();
+
+    struct Info
+    {
+        const PropertyInfo* autoSave = nullptr;
+        const PropertyInfo* autoStartShow = nullptr;
+        const PropertyInfo* autoStartPlayState = nullptr;
+        const PropertyInfo* autoStartShowList = nullptr;
+    };
+    Info m_info;
+};
+
+} // namespace vantrel

@@ -1,7 +1,0 @@
-#include "common/session/sessionlogging.h"
-
-namespace vantrel {
-
-Q_LOGGING_CATEGORY(lcSession, "vantrel.session")
-
-} // namespace vantrel

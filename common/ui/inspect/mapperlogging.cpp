@@ -1,7 +1,0 @@
-#include "common/ui/inspect/mapperlogging.h"
-
-namespace vantrel {
-
-Q_LOGGING_CATEGORY(lcMapper, "vantrel.ui.mapper")
-
-} // namespace vantrel

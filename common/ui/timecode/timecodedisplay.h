@@ -1,0 +1,55 @@
+#pragma once
+
+#include "common/session/settings/configuration.h"
+#include "common/session/settings/timecodeviewmode.h"
+#include "common/ui/toolkit/ztlabel.h"
+
+namespace vantrel {
+
+/// A time in the format the operator has chosen for all displays, in figures of one width so that a running
+/// time stands still. Owned by its parent widget; main thread.
+class TimecodeDisplay : public ZTLabel
+{
+    Q_OBJECT
+    Q_PROPERTY(double time READ getTime WRITE setTime NOTIFY timeChanged)
+    Q_PROPERTY(double fps READ getFps WRITE setFps NOTIFY fpsChanged)
+
+public:
+    explicit TimecodeDisplay(QWidget* parent = nullptr);
+
+    double getTime() const { return m_time; }
+    double getFps() const { return m_fps; }
+    /// Seconds; the signals stay silent, the display being the end of the line.
+    void setTime(double seconds);
+    /// The real rate, 29.97 say; the nominal one is its nearest whole number.
+    void setFps(double fps);
+    void setTimecodeViewMode(TimecodeViewMode mode);
+    /// For a time that runs with the pictures, on this background: each step asks for room only when the
+    /// width changes, and paints nothing but the display.
+    void setRunningOn(const QColor& background);
+
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+
+public Q_SLOTS:
+    void onTimecodeViewModeChange(vantrel::ConfigurationOption option, const QVariant& value);
+
+Q_SIGNALS:
+    void timeChanged();
+    void fpsChanged();
+
+protected:
+    bool event(QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    void updateText();
+    void fit();
+
+    QColor m_background; // invalid: what lies below shows
+    TimecodeViewMode m_viewMode = TimecodeViewMode::Time;
+    double m_time = 0.0;
+    double m_fps = 30.0;
+};
+
+} // namespace vantrel
