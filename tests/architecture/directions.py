@@ -31,10 +31,10 @@ REACHES = {
     "common/media/edit/implmediacollectionmanager.cpp": "executes on the one undo stack",
     "common/media/edit/mediasloteditfunctional.cpp": "executes on the one undo stack",
     "common/media/models/playbackmodel.cpp": "executes the entry's edit on the one undo stack",
-    "common/session/link/connectionhandler.cpp": "its thread asks whether the session still stands",
-    "common/session/link/connectionprovider.cpp": "the declarative views make it without arguments",
+    "common/session/link/connectionhandler.cpp": "tells the preview thread of the session where to connect",
+    "common/session/link/connectionprovider.cpp": "follows the one connection",
     "common/session/link/metadataclient.cpp": "the aggregator is made anew for each connection",
-    "common/session/link/systemproxy.cpp": "the declarative views make it without arguments",
+    "common/session/link/systemproxy.cpp": "follows the connection of the session that it is given",
 }
 # Qt stays out of these rooms.
 NO_QT = ["util", "tarn", "ombra"]
