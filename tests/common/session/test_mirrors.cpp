@@ -1,3 +1,4 @@
+#include "common/media/edit/trimcommands.h"
 #include "common/media/items/guimediaslot.h"
 #include "common/media/library/medialibraryprovider.h"
 #include "common/media/library/playlistprovider.h"
@@ -36,6 +37,7 @@ struct Stage
         , playlistProvider(media, &slotProvider)
     {
         tree.setScene(scene.get());
+        slotProvider.setTrimCommands(&makeInpointCommand, &makeOutpointCommand);
         QObject::connect(&slotProvider, &MediaLibraryProvider::reset, &playlistProvider,
                          &PlaylistProvider::onReset);
         mirrors = std::make_unique<SceneObjectProvider>(&tree, &playlistProvider, &slotProvider);
