@@ -22,8 +22,6 @@ namespace {
 
 constexpr std::size_t readSize = 256 * 1024;
 constexpr std::size_t maxUnsent = 2 * linkframe::maxPayload;
-// Reading pauses above so many operations that nobody has taken.
-constexpr std::size_t maxUntaken = 2'000'000;
 
 } // namespace
 
@@ -41,8 +39,9 @@ struct JsonClient::Connection
 
 struct JsonClient::Impl
 {
-    explicit Impl(JsonClient* client)
+    Impl(JsonClient* client, std::size_t maxUntakenOperations)
         : owner(client)
+        , maxUntaken(maxUntakenOperations)
     {
     }
 
@@ -61,6 +60,7 @@ struct JsonClient::Impl
     void log(const char* function, const std::string& text) const;
 
     JsonClient* const owner;
+    const std::size_t maxUntaken;
     void (*callback)(JsonClient*, void*) = nullptr;
     void* user = nullptr;
     std::atomic<bool> isVerbose{true};
@@ -175,8 +175,8 @@ void JsonClient::Impl::write(Connection& c)
                       });
 }
 
-JsonClient::JsonClient()
-    : m_impl(std::make_unique<Impl>(this))
+JsonClient::JsonClient(std::size_t maxUntaken)
+    : m_impl(std::make_unique<Impl>(this, maxUntaken))
 {
 }
 JsonClient::~JsonClient() = default;
@@ -252,7 +252,7 @@ bool JsonClient::recvPatch(Patch& out)
     out = std::move(m_impl->patches.front());
     m_impl->patches.pop_front();
     m_impl->untaken -= out.size();
-    if (Connection* c = m_impl->connection.get(); c->isPaused && m_impl->untaken <= maxUntaken / 2) {
+    if (Connection* c = m_impl->connection.get(); c->isPaused && m_impl->untaken <= m_impl->maxUntaken / 2) {
         c->isPaused = false;
         c->link.post([impl = m_impl.get(), c] {
             if (c->link.isOpen())

@@ -17,7 +17,10 @@ class JsonClient
 public:
     static constexpr std::size_t chunkSize = 512;
 
-    JsonClient();
+    /// Reading pauses above so many operations that nobody has taken, and goes on when half of them are left.
+    static constexpr std::size_t defaultMaxUntaken = 2'000'000;
+
+    explicit JsonClient(std::size_t maxUntaken = defaultMaxUntaken);
     ~JsonClient();
 
     void setRecvCallback(void (*callback)(JsonClient*, void*), void* user);

@@ -20,6 +20,8 @@
 #include <QSignalSpy>
 #include <QUndoStack>
 
+#include <algorithm>
+
 using namespace vantrel;
 using namespace vantrel::test;
 
@@ -322,6 +324,14 @@ private Q_SLOTS:
         QCOMPARE(cell(PlaybackModel::EndActionModeColumn).toInt(), int(PlaybackModel::ENTRY));
         QCOMPARE(cell(PlaybackModel::OutpointColumn).toDouble(), 8.0);
         QVERIFY(!cell(PlaybackModel::ReservedColumn).isValid());
+
+        QSignalSpy changed(model, &QAbstractItemModel::dataChanged);
+        m_fixture->set("preview", "endAction", quoted("pause"));
+        QTRY_COMPARE(cell(PlaybackModel::EndActionColumn).toInt(), 1);
+        const QModelIndex endAction = model->index(0, PlaybackModel::EndActionColumn);
+        QVERIFY(std::any_of(changed.cbegin(), changed.cend(), [&](const QList<QVariant>& cells) {
+            return cells.at(0).toModelIndex() == endAction;
+        }));
 
         m_fixture->set("preview", "media", quoted("brume://collections/1/slots/3"));
         m_fixture->set("preview", "sourceMode", "1");

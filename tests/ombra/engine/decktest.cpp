@@ -1,5 +1,7 @@
 #include "ombra/engine/deck.h"
 
+#include "ombra/decode/picturereader.h"
+#include "ombra/engine/player.h"
 #include "tests/ombra/decode/testmedia.h"
 #include "tests/support/testmain.h"
 
@@ -91,6 +93,32 @@ private Q_SLOTS:
             QTRY_COMPARE(shown(*deck), 6);
         else
             QTEST(shown(*deck), "picture");
+    }
+
+    /// What fades out is over with: it neither begins again nor calls for what would come next.
+    void anOutgoingDeckHoldsAtItsEnd_data()
+    {
+        QTest::addColumn<int>("action");
+        QTest::newRow("repeat") << int(EndAction::Repeat);
+        QTest::newRow("next") << int(EndAction::Next);
+        QTest::newRow("stop") << int(EndAction::Stop);
+    }
+
+    void anOutgoingDeckHoldsAtItsEnd()
+    {
+        QFETCH(int, action);
+        const std::shared_ptr<Deck> outgoing = make("clip.mp4", range(0.2, 0.4), EndAction(action));
+        Player player(blackSurface(Canvas{}), true);
+        player.load(outgoing, TakeTransitionType::DirectCut, 0);
+        QTRY_VERIFY((player.advance(m_now), !player.waiting()));
+        player.load(make("clip.mp4", range(1.0, std::nullopt), EndAction::Pause),
+                    TakeTransitionType::Crossfade, 9);
+        QTRY_VERIFY((player.advance(m_now), !player.waiting()));
+        m_now += 0.4;
+        QTRY_VERIFY((player.advance(m_now), outgoing->state() != SourcePlayState::Play));
+        QCOMPARE(outgoing->state(), SourcePlayState::Pause);
+        QCOMPARE(numberOn(outgoing->surface().get()), 9);
+        QVERIFY(!outgoing->takeEnded());
     }
 
     void seeksAndStepsExactly()

@@ -79,6 +79,7 @@ private Q_SLOTS:
     void carriesPatchesBothWays();
     void callsBackOnItsOwnThread();
     void cutsLargePatches();
+    void readsOnAfterAPause();
     void endsOnMisbehaviour_data();
     void endsOnMisbehaviour();
     void startsAfreshOnReconnect();
@@ -227,6 +228,31 @@ void TestJsonClient::cutsLargePatches()
     QTRY_VERIFY_WITH_TIMEOUT(drain(), patience);
     QCOMPARE(next, 1300);
     QCOMPARE(sizes, QList<std::size_t>({512, 512, 276}));
+}
+
+/// More than fits under the limit and into one read: the client pauses many times, and misses nothing.
+void TestJsonClient::readsOnAfterAPause()
+{
+    constexpr int count = 100;
+    ScriptedServer server;
+    const QByteArray filling(64 * 1024, 'x');
+    for (int i = 0; i < count; ++i) {
+        Patch patch = numbered(i);
+        patch.append({PatchOpType::Replace, Path{"filling"}, {}, Json(filling.toStdString())});
+        server.greeting += framed(patch);
+    }
+    JsonClient client(4);
+    LinkThread link(client, server.port());
+    int next = 0;
+    const auto drain = [&] {
+        for (Patch patch; client.recvPatch(patch); ++next) {
+            if (patch[0].value != Json(next))
+                return true; // and the count stays behind
+        }
+        return next == count;
+    };
+    QTRY_VERIFY_WITH_TIMEOUT(drain(), patience);
+    QCOMPARE(next, count);
 }
 
 void TestJsonClient::endsOnMisbehaviour_data()
