@@ -1,7 +1,13 @@
 # Shared by ./run and ./test: one clear line for what is done, one for what went wrong.
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
-build_dir=$root/build/release
-bin_dir=$build_dir/bin
+
+# use_preset NAME: where what follows is built, with which settings (CMakePresets.json).
+use_preset() {
+  preset=$1
+  build_dir=$root/build/$preset
+  bin_dir=$build_dir/bin
+}
+use_preset release
 
 say() { printf '==> %s\n' "$*" >&2; }
 fail() { printf 'error: %s\n' "$*" >&2; exit 1; }
@@ -33,14 +39,18 @@ install_packages() {
   rm -f "$log"
 }
 
+configure() {
+  local log=$build_dir/configure.log
+  mkdir -p "$build_dir"
+  [ -e "$build_dir/build.ninja" ] && return 0
+  say "configuring"
+  (cd "$root" && cmake --preset "$preset") >"$log" 2>&1 || { tail -n 20 "$log" >&2; fail "configuring failed; see $log"; }
+}
+
 # build TARGET...: configures once, then builds what changed.
 build() {
   local log=$build_dir/build.log
-  mkdir -p "$build_dir"
-  if [ ! -e "$build_dir/build.ninja" ]; then
-    say "configuring"
-    (cd "$root" && cmake --preset release) >"$log" 2>&1 || { tail -n 20 "$log" >&2; fail "configuring failed; see $log"; }
-  fi
+  configure
   say "building (a first build takes some minutes)"
   ninja -C "$build_dir" "$@" >"$log" 2>&1 || { grep -E 'error|FAILED' -A 5 "$log" | head -n 40 >&2; fail "the build failed; see $log"; }
 }

@@ -5,8 +5,8 @@
 
 #include <QHBoxLayout>
 #include <QIntValidator>
-#include <QLoggingCategory>
 #include <QKeyEvent>
+#include <QLoggingCategory>
 #include <QMouseEvent>
 #include <QStackedWidget>
 #include <QTimer>
