@@ -5,6 +5,7 @@
 #include "common/media/edit/slot/renameslotcommand.h"
 #include "common/media/library/medialibraryapi.h"
 #include "tarn/media/medialibrary.h"
+#include "tarn/media/playenums.h"
 
 #include <QCoreApplication>
 

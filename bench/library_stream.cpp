@@ -3,6 +3,7 @@
 #include "bench/json_library.h"
 #include "common/media/models/collectionselectormodel.h"
 #include "common/media/models/sortedlibrarymodel.h"
+#include "tarn/media/mediaenums.h"
 #include "tests/support/mediamirror.h"
 
 #include <QGuiApplication>

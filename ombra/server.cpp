@@ -17,6 +17,7 @@
 #include "ombra/show/showstore.h"
 #include "ombra/show/slotprober.h"
 #include "tarn/discovery/networklocator.h"
+#include "tarn/media/playenums.h"
 
 #include <boost/asio/post.hpp>
 

@@ -2,7 +2,7 @@
 
 #include "common/session/settings/configuration.h"
 #include "common/ui/toolkit/collapse.h"
-#include "tarn/media/enums.h"
+#include "tarn/media/channelenums.h"
 
 namespace vantrel {
 

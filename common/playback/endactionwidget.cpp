@@ -2,6 +2,7 @@
 
 #include "common/playback/endactionbutton.h"
 #include "common/playback/playbacklogging.h"
+#include "tarn/media/playenums.h"
 
 #include <QButtonGroup>
 #include <QEvent>

@@ -2,7 +2,7 @@
 
 #include "common/playback/columnstep.h"
 #include "common/ui/toolkit/ztframe.h"
-#include "tarn/media/enums.h"
+#include "tarn/media/channelenums.h"
 #include "tarn/ref.h"
 
 #include <array>

@@ -2,7 +2,8 @@
 
 #include "common/playback/columnstep.h"
 #include "common/ui/toolkit/ztframe.h"
-#include "tarn/media/enums.h"
+#include "tarn/media/channelenums.h"
+#include "tarn/media/playenums.h"
 
 #include <memory>
 #include <vector>

@@ -28,8 +28,10 @@
 #include "common/session/link/signalrelay.h"
 #include "common/session/mirror/guiplayback.h"
 #include "common/session/session.h"
+#include "tarn/media/mediaenums.h"
 #include "tarn/media/medialibrary.h"
 #include "tarn/media/mediametadata.h"
+#include "tarn/media/playenums.h"
 #include "tarn/media/playlistentry.h"
 
 namespace vantrel {

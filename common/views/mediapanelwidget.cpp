@@ -23,6 +23,7 @@
 #include "common/views/mediapanelmodel.h"
 #include "common/views/slotdelegate.h"
 #include "common/views/slotlistview.h"
+#include "tarn/media/mediaenums.h"
 
 #include <QAction>
 #include <QHBoxLayout>

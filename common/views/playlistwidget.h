@@ -1,7 +1,7 @@
 #pragma once
 
 #include "common/ui/toolkit/ztframe.h"
-#include "tarn/media/enums.h"
+#include "tarn/media/channelenums.h"
 
 namespace vantrel {
 

@@ -9,6 +9,7 @@
 #include "common/ui/toolkit/elidedlabel.h"
 #include "common/ui/toolkit/ztcombobox.h"
 #include "common/views/thumbnaillabel.h"
+#include "tarn/media/mediaenums.h"
 
 #include <QGridLayout>
 #include <QScrollArea>

@@ -5,6 +5,7 @@
 #include "common/session/settings/timeutils.h"
 #include "common/ui/style/colors.h"
 #include "common/ui/style/iconcache.h"
+#include "tarn/media/mediaenums.h"
 #include "util/clocktime.h"
 
 #include <QFontMetrics>

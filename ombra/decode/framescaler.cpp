@@ -1,5 +1,7 @@
 #include "ombra/decode/framescaler.h"
 
+#include "tarn/media/mediaenums.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstring>

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ombra/decode/picturereader.h"
+#include "tarn/media/mediaenums.h"
 
 #include <condition_variable>
 #include <deque>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tarn/media/enums.h"
+#include "tarn/media/mediaenums.h"
 #include "tarn/preview/frame.h"
 #include "tarn/ref.h"
 

@@ -2,6 +2,7 @@
 
 #include "ombra/decode/mediaurl.h"
 #include "ombra/decode/picturereader.h"
+#include "tarn/media/mediaenums.h"
 
 namespace vantrel::ombra {
 

@@ -2,6 +2,7 @@
 
 #include "ombra/decode/avhandles.h"
 #include "ombra/decode/picturereader.h"
+#include "tarn/media/mediaenums.h"
 
 #include <algorithm>
 

@@ -3,6 +3,7 @@
 #include "ombra/decode/avinput.h"
 #include "ombra/decode/framescaler.h"
 #include "ombra/decode/picturereader.h"
+#include "tarn/media/mediaenums.h"
 
 namespace vantrel::ombra {
 

@@ -1,5 +1,8 @@
 #include "ombra/engine/channel.h"
 
+#include "tarn/media/enumtext.h"
+#include "tarn/media/playenums.h"
+
 #include <algorithm>
 #include <cmath>
 

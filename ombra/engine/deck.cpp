@@ -1,5 +1,7 @@
 #include "ombra/engine/deck.h"
 
+#include "tarn/media/mediaenums.h"
+
 #include <algorithm>
 #include <cmath>
 

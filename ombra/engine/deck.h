@@ -3,7 +3,7 @@
 #include "ombra/decode/audiofeed.h"
 #include "ombra/decode/picturefeed.h"
 #include "ombra/engine/slotsource.h"
-#include "tarn/media/enums.h"
+#include "tarn/media/playenums.h"
 
 #include <functional>
 #include <memory>

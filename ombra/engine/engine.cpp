@@ -4,6 +4,7 @@
 #include "ombra/engine/librarysource.h"
 #include "ombra/engine/mixer.h"
 #include "tarn/log/log.h"
+#include "tarn/media/enumtext.h"
 #include "tarn/media/medialibrary.h"
 #include "tarn/scene/scene.h"
 

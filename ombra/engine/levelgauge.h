@@ -1,7 +1,7 @@
 #pragma once
 
 #include "ombra/decode/audioreader.h"
-#include "tarn/media/enums.h"
+#include "tarn/media/playenums.h"
 #include "tarn/preview/audiolevels.h"
 
 #include <array>

@@ -2,6 +2,7 @@
 
 #include "tarn/media/medialibrary.h"
 #include "tarn/media/mediasourceparser.h"
+#include "tarn/media/playenums.h"
 
 #include <algorithm>
 #include <iterator>

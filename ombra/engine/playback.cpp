@@ -2,7 +2,9 @@
 
 #include "ombra/decode/mediaurl.h"
 #include "tarn/log/log.h"
-#include "tarn/media/enums.h"
+#include "tarn/media/channelenums.h"
+#include "tarn/media/mediaenums.h"
+#include "tarn/media/playenums.h"
 #include "tarn/scene/scene.h"
 
 #include <algorithm>

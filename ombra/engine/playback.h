@@ -4,6 +4,7 @@
 #include "ombra/engine/player.h"
 #include "ombra/engine/slotsource.h"
 #include "tarn/json/json.h"
+#include "tarn/media/playenums.h"
 
 #include <filesystem>
 #include <functional>

@@ -1,6 +1,7 @@
 #include "ombra/engine/player.h"
 
 #include "ombra/engine/levelgauge.h"
+#include "tarn/media/playenums.h"
 
 #include <algorithm>
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ombra/engine/deck.h"
+#include "tarn/media/playenums.h"
 
 #include <memory>
 #include <vector>

@@ -1,7 +1,8 @@
 #pragma once
 
 #include "ombra/decode/picturereader.h"
-#include "tarn/media/enums.h"
+#include "tarn/media/mediaenums.h"
+#include "tarn/media/playenums.h"
 
 #include <optional>
 #include <string>

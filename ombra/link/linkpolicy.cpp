@@ -1,6 +1,9 @@
 #include "ombra/link/linkpolicy.h"
 
-#include "tarn/media/enums.h"
+#include "tarn/media/channelenums.h"
+#include "tarn/media/enumtext.h"
+#include "tarn/media/mediaenums.h"
+#include "tarn/media/playenums.h"
 
 #include <map>
 #include <string_view>

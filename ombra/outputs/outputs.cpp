@@ -2,7 +2,8 @@
 
 #include "ombra/base/serverlog.h"
 #include "ombra/outputs/videomodes.h"
-#include "tarn/media/enums.h"
+#include "tarn/media/enumtext.h"
+#include "tarn/media/mediaenums.h"
 #include "tarn/scene/variantjson.h"
 
 #include <array>

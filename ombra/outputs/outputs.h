@@ -2,7 +2,7 @@
 
 #include "tarn/json/json.h"
 #include "tarn/json/path.h"
-#include "tarn/media/enums.h"
+#include "tarn/media/channelenums.h"
 #include "tarn/scene/scene.h"
 
 #include <optional>

@@ -3,6 +3,7 @@
 #include "ombra/decode/mediaprobe.h"
 #include "ombra/decode/mediaurl.h"
 #include "ombra/decode/thumbnail.h"
+#include "tarn/media/mediaenums.h"
 #include "tarn/media/mediametadata.h"
 
 #include <boost/asio/post.hpp>

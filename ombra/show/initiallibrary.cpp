@@ -4,6 +4,7 @@
 #include "ombra/decode/mediaprobe.h"
 #include "ombra/decode/mediaurl.h"
 #include "ombra/show/contenturl.h"
+#include "tarn/media/mediaenums.h"
 
 #include <algorithm>
 #include <array>

@@ -2,6 +2,7 @@
 
 #include "ombra/show/initiallibrary.h"
 #include "ombra/show/showstore.h"
+#include "tarn/media/mediaenums.h"
 
 #include <boost/asio/post.hpp>
 

@@ -1,6 +1,7 @@
 #include "tarn/media/medialibrary.h"
 
 #include "tarn/media/mediasourceparser.h"
+#include "tarn/media/playenums.h"
 
 namespace vantrel {
 

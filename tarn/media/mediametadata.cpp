@@ -1,5 +1,7 @@
 #include "tarn/media/mediametadata.h"
 
+#include "tarn/media/enumtext.h"
+
 #include <limits>
 
 namespace vantrel {

@@ -2,7 +2,7 @@
 
 #include "tarn/json/json.h"
 #include "tarn/media/datetime.h"
-#include "tarn/media/enums.h"
+#include "tarn/media/mediaenums.h"
 #include "tarn/media/rational.h"
 
 #include <optional>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "tarn/json/json.h"
-#include "tarn/media/enums.h"
+#include "tarn/media/mediaenums.h"
 #include "tarn/media/mediametadata.h"
 
 #include <optional>

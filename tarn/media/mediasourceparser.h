@@ -1,8 +1,8 @@
 #pragma once
 
 #include "tarn/media/entryaddress.h"
-#include "tarn/media/enums.h"
 #include "tarn/media/mediaaddress.h"
+#include "tarn/media/playenums.h"
 
 #include <string>
 #include <string_view>

@@ -1,5 +1,6 @@
 #include "tarn/media/playlistentry.h"
 
+#include "tarn/media/enumtext.h"
 #include "tarn/media/recordrules.h"
 
 #include <algorithm>

@@ -1,6 +1,7 @@
 #include "tarn/media/playlistruntime.h"
 
 #include "tarn/media/medialibrary.h"
+#include "tarn/media/playenums.h"
 
 #include <algorithm>
 #include <limits>

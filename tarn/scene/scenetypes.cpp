@@ -1,5 +1,9 @@
 #include "tarn/scene/scenetypes.h"
 
+#include "tarn/media/channelenums.h"
+#include "tarn/media/mediaenums.h"
+#include "tarn/media/playenums.h"
+
 namespace vantrel {
 
 namespace {

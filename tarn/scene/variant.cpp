@@ -1,5 +1,9 @@
 #include "tarn/scene/variant.h"
 
+#include "tarn/media/channelenums.h"
+#include "tarn/media/enumtext.h"
+#include "tarn/media/mediaenums.h"
+#include "tarn/media/playenums.h"
 #include "tarn/scene/base64.h"
 
 #include <array>

@@ -1,7 +1,5 @@
 #pragma once
 
-#include "tarn/media/enums.h"
-
 #include <cstdint>
 #include <map>
 #include <memory>
@@ -14,6 +12,13 @@
 namespace vantrel {
 
 class Json;
+enum class AudioPlaybackDevice : std::int32_t;
+enum class EndAction : std::int32_t;
+enum class PlayheadOption : std::int32_t;
+enum class ScaleMode : std::int32_t;
+enum class SourceMode : std::int32_t;
+enum class SourcePlayState : std::int32_t;
+enum class TakeTransitionType : std::int32_t;
 
 /// Tags of a Variant; kinds up to String merge in undo, those after it do not.
 enum class VariantType : std::int32_t {
@@ -60,7 +65,7 @@ public:
     std::string asString(int precision = -1) const;
 
     /// Conversions for bool, int, std::int64_t, double, std::string, ColorValue, byte vectors and the
-    /// enumerations of tarn/media/enums.h; those of Qt types stand in tarn/qt/variantqt.h. Enumerations are
+    /// enumerations of tarn/media; those of Qt types stand in tarn/qt/variantqt.h. Enumerations are
     /// kept as their texts, SourceMode as its number, and are read from either. Never fails: what has no such
     /// form gives 0, "" or the enumeration's first value.
     template <typename T>

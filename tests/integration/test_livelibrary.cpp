@@ -12,6 +12,7 @@
 #include "common/media/net/mediadataaggregator.h"
 #include "common/session/link/connectionhandler.h"
 #include "common/session/session.h"
+#include "tarn/media/mediaenums.h"
 #include "tarn/media/medialibrary.h"
 #include "tests/support/ombraprocess.h"
 #include "tests/support/testmain.h"

@@ -14,6 +14,8 @@
 #include "common/session/session.h"
 #include "common/ui/toolkit/pushbutton.h"
 #include "common/ui/toolkit/switchselect.h"
+#include "tarn/media/channelenums.h"
+#include "tarn/media/playenums.h"
 #include "tarn/scene/scene.h"
 #include "tests/support/ombraprocess.h"
 #include "tests/support/testmain.h"

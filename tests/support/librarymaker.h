@@ -1,6 +1,8 @@
 #pragma once
 
+#include "tarn/media/mediaenums.h"
 #include "tarn/media/medialibrary.h"
+#include "tarn/media/playenums.h"
 
 #include <algorithm>
 #include <random>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "common/command/invokemethodcommand.h"
-#include "tarn/media/enums.h"
+#include "tarn/media/playenums.h"
 
 namespace vantrel {
 

@@ -2,8 +2,9 @@
 
 #include "common/media/address/mediastate.h"
 #include "tarn/media/entryaddress.h"
-#include "tarn/media/enums.h"
 #include "tarn/media/mediaaddress.h"
+#include "tarn/media/mediaenums.h"
+#include "tarn/media/playenums.h"
 
 #include <QRegularExpression>
 #include <QString>

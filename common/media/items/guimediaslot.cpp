@@ -2,6 +2,7 @@
 
 #include "common/media/address/mediafiles.h"
 #include "common/media/address/medialogging.h"
+#include "tarn/media/enumtext.h"
 #include "tarn/media/mediametadata.h"
 #include "tarn/media/mediaslot.h"
 

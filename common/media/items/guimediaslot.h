@@ -1,8 +1,8 @@
 #pragma once
 
 #include "common/media/items/guimediaitem.h"
-#include "tarn/media/enums.h"
 #include "tarn/media/mediaaddress.h"
+#include "tarn/media/mediaenums.h"
 
 #include <QList>
 #include <QMetaType>

@@ -2,7 +2,7 @@
 
 #include "common/media/items/guimediaitem.h"
 #include "tarn/media/entryaddress.h"
-#include "tarn/media/enums.h"
+#include "tarn/media/playenums.h"
 
 #include <QString>
 

@@ -7,6 +7,7 @@
 #include "common/media/items/guiplaylistentry.h"
 #include "tarn/media/medialibrary.h"
 #include "tarn/media/mediasourceparser.h"
+#include "tarn/media/playenums.h"
 
 #include <algorithm>
 #include <set>

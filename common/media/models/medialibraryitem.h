@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tarn/media/enums.h"
+#include "tarn/media/mediaenums.h"
 #include "tarn/media/mediaslot.h"
 #include "tarn/media/sharedmap.h"
 

@@ -10,6 +10,7 @@
 #include "common/media/net/mediastateprovider.h"
 #include "common/session/mirror/guiplayback.h"
 #include "common/session/settings/timeutils.h"
+#include "tarn/media/mediaenums.h"
 #include "tarn/media/medialibrary.h"
 #include "util/clocktime.h"
 

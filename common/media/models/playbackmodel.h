@@ -3,7 +3,7 @@
 #include "common/media/items/guimediaslot.h"
 #include "common/media/items/guiplaylist.h"
 #include "common/media/items/guiplaylistentry.h"
-#include "tarn/media/enums.h"
+#include "tarn/media/playenums.h"
 
 #include <QAbstractTableModel>
 #include <QPointer>

@@ -8,6 +8,7 @@
 #include "common/media/items/guiplaylistentry.h"
 #include "common/media/library/medialibraryprovider.h"
 #include "common/media/net/mediadataaggregator.h"
+#include "tarn/media/mediaenums.h"
 
 #include <QLocale>
 

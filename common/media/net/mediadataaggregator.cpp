@@ -2,6 +2,7 @@
 
 #include "common/media/address/medialogging.h"
 #include "common/media/net/mediastateprovider.h"
+#include "tarn/media/mediaenums.h"
 
 namespace vantrel {
 

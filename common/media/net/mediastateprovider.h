@@ -2,9 +2,10 @@
 
 #include "common/media/address/mediastate.h"
 #include "common/media/net/metadataprovider.h"
+#include "tarn/media/channelenums.h"
 #include "tarn/media/entryaddress.h"
-#include "tarn/media/enums.h"
 #include "tarn/media/mediaaddress.h"
+#include "tarn/media/playenums.h"
 
 #include <QHash>
 #include <QMap>

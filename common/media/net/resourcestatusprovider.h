@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tarn/media/enums.h"
+#include "tarn/media/channelenums.h"
 
 #include <QObject>
 

@@ -1,9 +1,10 @@
 #pragma once
 
 #include "common/session/mirror/sceneobjectwrapper.h"
+#include "tarn/media/channelenums.h"
 #include "tarn/media/entryaddress.h"
-#include "tarn/media/enums.h"
 #include "tarn/media/mediaaddress.h"
+#include "tarn/media/playenums.h"
 
 #include <memory>
 #include <optional>

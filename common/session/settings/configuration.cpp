@@ -2,7 +2,7 @@
 
 #include "common/session/settings/keymap.h"
 #include "common/session/settings/timecodeviewmode.h"
-#include "tarn/media/enums.h"
+#include "tarn/media/playenums.h"
 
 #include <QCoreApplication>
 #include <QLoggingCategory>

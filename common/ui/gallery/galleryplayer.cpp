@@ -19,6 +19,7 @@
 #include "common/ui/gallery/stategrid.h"
 #include "common/ui/timecode/timecodedisplay.h"
 #include "common/ui/timecode/timecodeedit.h"
+#include "tarn/media/playenums.h"
 
 #include <QPainter>
 #include <QStyleOptionButton>

@@ -2,6 +2,7 @@
 #include "common/media/edit/slot/renameslotcommand.h"
 #include "common/media/edit/slot/setdurationcommand.h"
 #include "tarn/json/jsoncounters.h"
+#include "tarn/media/playenums.h"
 #include "tests/support/librarymaker.h"
 #include "tests/support/testmain.h"
 

@@ -15,6 +15,8 @@
 #include "common/media/edit/slot/setinpointcommand.h"
 #include "common/media/edit/slot/setoutpointcommand.h"
 #include "common/media/items/guimediaslot.h"
+#include "tarn/media/mediaenums.h"
+#include "tarn/media/playenums.h"
 #include "tests/support/librarymaker.h"
 #include "tests/support/testmain.h"
 

@@ -13,6 +13,7 @@
 #include "common/command/removecommand.h"
 #include "common/command/setcommand.h"
 #include "tarn/media/mediaaddress.h"
+#include "tarn/media/playenums.h"
 #include "tests/common/session/scriptedpeer.h"
 #include "tests/support/testmain.h"
 

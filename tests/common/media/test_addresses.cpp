@@ -1,6 +1,7 @@
 #include "common/media/address/entryaddressutils.h"
 #include "common/media/address/mediafiles.h"
 #include "common/media/address/mediautils.h"
+#include "tarn/media/mediaenums.h"
 #include "tests/support/testmain.h"
 
 #include <QTest>

@@ -3,7 +3,9 @@
 #include "common/media/items/guimediaslot.h"
 #include "common/media/items/guiplaylist.h"
 #include "common/media/items/guiplaylistentry.h"
+#include "tarn/media/mediaenums.h"
 #include "tarn/media/mediaslot.h"
+#include "tarn/media/playenums.h"
 #include "tarn/media/playlistentry.h"
 #include "tests/support/testmain.h"
 

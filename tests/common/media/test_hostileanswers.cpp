@@ -4,6 +4,7 @@
 #include "common/media/net/mediastateprovider.h"
 #include "common/media/net/networkresourcecollection.h"
 #include "common/session/mirror/guiplayback.h"
+#include "tarn/media/playenums.h"
 #include "tests/support/librarymaker.h"
 #include "tests/support/mediamirror.h"
 #include "tests/support/mocknetworkaccessmanager.h"

@@ -1,5 +1,6 @@
 #include "common/media/library/medialibraryapi.h"
 #include "tarn/media/medialibrary.h"
+#include "tarn/media/playenums.h"
 #include "tests/support/librarymaker.h"
 #include "tests/support/scriptedhttp.h"
 #include "tests/support/testmain.h"

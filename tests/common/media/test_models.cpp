@@ -4,6 +4,8 @@
 #include "common/media/models/collectionselectormodel.h"
 #include "common/media/models/sortedcollectionselectormodel.h"
 #include "common/media/models/sortedlibrarymodel.h"
+#include "tarn/media/mediaenums.h"
+#include "tarn/media/playenums.h"
 #include "tests/support/librarymaker.h"
 #include "tests/support/mediamirror.h"
 #include "tests/support/testmain.h"

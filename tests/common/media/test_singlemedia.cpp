@@ -2,6 +2,8 @@
 #include "common/media/models/singlemediamodel.h"
 #include "common/media/net/mediadataaggregator.h"
 #include "common/media/net/mediastateprovider.h"
+#include "tarn/media/mediaenums.h"
+#include "tarn/media/playenums.h"
 #include "tests/support/librarymaker.h"
 #include "tests/support/mediamirror.h"
 #include "tests/support/mocknetworkaccessmanager.h"

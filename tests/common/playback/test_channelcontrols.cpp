@@ -14,6 +14,7 @@
 #include "common/ui/timecode/timecodeedit.h"
 #include "common/ui/toolkit/switchselect.h"
 #include "tarn/media/medialibrary.h"
+#include "tarn/media/playenums.h"
 #include "tests/common/playback/playerfixture.h"
 
 #include <QAbstractItemModelTester>

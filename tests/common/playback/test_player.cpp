@@ -15,6 +15,7 @@
 #include "common/ui/toolkit/doubleedit.h"
 #include "common/ui/toolkit/elidedlabel.h"
 #include "tarn/media/medialibrary.h"
+#include "tarn/media/playenums.h"
 #include "tests/common/playback/playerfixture.h"
 
 #include <QSignalSpy>

@@ -10,7 +10,9 @@
 #include "common/session/mirror/guishowconfiguration.h"
 #include "common/session/mirror/objecttreemodel.h"
 #include "common/session/mirror/sceneobjectprovider.h"
+#include "tarn/media/channelenums.h"
 #include "tarn/media/medialibrary.h"
+#include "tarn/media/playenums.h"
 #include "tests/support/testmain.h"
 
 #include <QSignalSpy>

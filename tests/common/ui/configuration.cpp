@@ -3,7 +3,7 @@
 #include "common/session/settings/keymap.h"
 #include "common/session/settings/timecodeviewmode.h"
 #include "common/ui/style/fontsizefollower.h"
-#include "tarn/media/enums.h"
+#include "tarn/media/playenums.h"
 #include "tests/common/ui/testsettings.h"
 #include "tests/support/testmain.h"
 

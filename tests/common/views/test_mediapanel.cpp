@@ -8,6 +8,7 @@
 #include "common/views/mediapanelmodel.h"
 #include "common/views/mediapanelwidget.h"
 #include "common/views/slotlistview.h"
+#include "tarn/media/mediaenums.h"
 #include "tests/support/librarymaker.h"
 #include "tests/support/mediamirror.h"
 #include "tests/support/mocknetworkaccessmanager.h"

@@ -1,6 +1,7 @@
 #include "ombra/decode/picturefeed.h"
 
 #include "ombra/decode/constantreader.h"
+#include "tarn/media/mediaenums.h"
 #include "tests/support/testmain.h"
 
 #include <QSemaphore>

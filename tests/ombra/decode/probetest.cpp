@@ -1,6 +1,7 @@
 #include "ombra/decode/mediaprobe.h"
 #include "ombra/decode/mediaurl.h"
 #include "ombra/decode/thumbnail.h"
+#include "tarn/media/mediaenums.h"
 #include "tests/ombra/decode/testmedia.h"
 #include "tests/support/testmain.h"
 

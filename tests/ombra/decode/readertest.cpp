@@ -1,4 +1,5 @@
 #include "ombra/decode/picturereader.h"
+#include "tarn/media/mediaenums.h"
 #include "tests/ombra/decode/testmedia.h"
 #include "tests/support/testmain.h"
 

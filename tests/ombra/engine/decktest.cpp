@@ -2,6 +2,7 @@
 
 #include "ombra/decode/picturereader.h"
 #include "ombra/engine/player.h"
+#include "tarn/media/playenums.h"
 #include "tests/ombra/decode/testmedia.h"
 #include "tests/support/testmain.h"
 

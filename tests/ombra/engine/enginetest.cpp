@@ -1,8 +1,8 @@
 #include "ombra/engine/engine.h"
 
 #include "tarn/log/log.h"
-#include "tarn/media/enums.h"
 #include "tarn/media/medialibrary.h"
+#include "tarn/media/playenums.h"
 #include "tarn/scene/scene.h"
 #include "tests/ombra/decode/testmedia.h"
 #include "tests/ombra/engine/engineprobe.h"

@@ -2,6 +2,7 @@
 #include "ombra/engine/latewatch.h"
 #include "ombra/engine/levelgauge.h"
 #include "tarn/log/log.h"
+#include "tarn/media/mediaenums.h"
 #include "tarn/media/medialibrary.h"
 #include "tarn/scene/scene.h"
 #include "tests/ombra/decode/testmedia.h"

@@ -1,3 +1,4 @@
+#include "tarn/media/mediaenums.h"
 #include "tarn/media/medialibrary.h"
 #include "tarn/media/mediametadata.h"
 #include "tests/ombra/liveserver.h"

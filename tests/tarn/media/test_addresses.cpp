@@ -1,5 +1,6 @@
 #include "tarn/media/mediaaddress.h"
 #include "tarn/media/mediasourceparser.h"
+#include "tarn/media/playenums.h"
 #include "tests/support/testmain.h"
 
 #include <QTest>

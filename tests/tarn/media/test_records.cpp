@@ -1,4 +1,6 @@
+#include "tarn/media/mediaenums.h"
 #include "tarn/media/medialibrary.h"
+#include "tarn/media/playenums.h"
 #include "tests/support/testmain.h"
 
 #include <QTest>

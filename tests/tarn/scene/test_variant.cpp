@@ -1,3 +1,6 @@
+#include "tarn/media/channelenums.h"
+#include "tarn/media/mediaenums.h"
+#include "tarn/media/playenums.h"
 #include "tarn/qt/variantqt.h"
 #include "tarn/scene/base64.h"
 #include "tarn/scene/variantjson.h"

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "common/command/libraryeditcommand.h"
-#include "tarn/media/enums.h"
+#include "tarn/media/mediaenums.h"
 
 namespace vantrel {
 
