@@ -1,26 +1,34 @@
 #include "common/command/abstractdiffapicommand.h"
 
 #include "common/command/commandlogging.h"
+#include "common/media/library/editqueue.h"
 #include "common/media/library/medialibraryapi.h"
+#include "common/notification/notificationmanagerimpl.h"
 #include "common/session/session.h"
 
-#include <QJsonDocument>
-#include <QJsonObject>
-#include <QNetworkReply>
+#include <QPointer>
 
 namespace vantrel {
 
 namespace {
-DiffApiError parseResult(QNetworkReply* reply)
+
+/// An operator must not take for done what is not.
+void tellRefusal(const QString& text, const DiffApiError& answer)
 {
-    DiffApiError result;
-    const QJsonObject object = QJsonDocument::fromJson(reply->readAll()).object();
-    result.statusCode = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
-    result.success = result.statusCode == 200 || result.statusCode == 204;
-    if (!result.success)
-        result.message = object.value(QStringLiteral("error")).toString();
-    return result;
+    const QString what = text.toHtmlEscaped();
+    if (answer.networkFailed) {
+        NotificationManagerImpl::instance()->createNotification(
+            Notification::WarningMessage, QObject::tr("Nobody knows whether it was done: %1").arg(what),
+            QObject::tr("The server did not answer (%1). Look at the library before you go on.")
+                .arg(answer.networkMessage.toHtmlEscaped()));
+        return;
+    }
+    NotificationManagerImpl::instance()->createNotification(
+        Notification::WarningMessage, QObject::tr("Not done: %1").arg(what),
+        answer.message.isEmpty() ? QObject::tr("The server refused it (%1).").arg(answer.statusCode)
+                                 : answer.message.toHtmlEscaped());
 }
+
 } // namespace
 
 AbstractDiffApiCommand::AbstractDiffApiCommand(QUndoCommand* parent)
@@ -30,52 +38,56 @@ AbstractDiffApiCommand::AbstractDiffApiCommand(QUndoCommand* parent)
 
 void AbstractDiffApiCommand::setUndoPatch(const Patch& patch)
 {
-    m_undoPatch = patch;
+    m_edit->undo = patch;
+    m_undoSupported = true;
+}
+
+void AbstractDiffApiCommand::setEdit(LibraryEdit edit)
+{
+    *m_edit = std::move(edit);
     m_undoSupported = true;
 }
 
 void AbstractDiffApiCommand::redo()
 {
-    send(m_redoPatch, &AbstractDiffApiCommand::redoResult);
+    m_edit->refused = false;
+    send(EditDirection::Redo);
 }
 
 void AbstractDiffApiCommand::undo()
 {
-    send(m_undoPatch, &AbstractDiffApiCommand::undoResult);
+    if (m_edit->refused)
+        setObsolete(true); // it was never done
+    else
+        send(EditDirection::Undo);
 }
 
-void AbstractDiffApiCommand::send(const Patch& patch, ResultHandler handler)
+void AbstractDiffApiCommand::send(EditDirection direction)
 {
     MediaLibraryApi* api = Session::instance() ? Session::instance()->getMediaLibraryApi() : nullptr;
     if (!api) {
         qCWarning(lcCommand) << "No api available, check connection?";
         return;
     }
-    QNetworkReply* reply = api->patchMediaLibrary(patch);
-    if (!reply)
-        return;
-    connect(reply, &QNetworkReply::finished, reply, &QObject::deleteLater);
-    // The command is the context: an answer that comes after its deletion is dropped.
-    connect(reply, &QNetworkReply::finished, this, [this, reply, handler] { handleReply(reply, handler); });
+    m_edit->text = text();
+    // The command may be gone by then: the edit goes its way all the same.
+    const auto answered = [command = QPointer(this), edit = m_edit, direction](const DiffApiError& answer) {
+        if (!answer.success)
+            tellRefusal(edit->text, answer);
+        if (command)
+            command->handleAnswer(direction, answer);
+    };
+    api->edits()->submit(m_edit, direction, answered);
 }
 
-void AbstractDiffApiCommand::handleReply(QNetworkReply* reply, ResultHandler handler)
+void AbstractDiffApiCommand::handleAnswer(EditDirection direction, const DiffApiError& answer)
 {
-    // An error status is the server's answer, not a failure of the network.
-    const int status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
-    if (reply->error() != QNetworkReply::NoError && status < 400) {
-        qCWarning(lcCommand).noquote() << QStringLiteral("Failed due network error: ") + reply->errorString();
-        DiffApiError failure;
-        failure.networkFailed = true;
-        failure.networkErrorCode = reply->error();
-        failure.networkMessage = reply->errorString();
-        (this->*handler)(failure);
-        return;
-    }
-    const DiffApiError result = parseResult(reply);
-    // Children run after a confirmed undo as well as after a redo; the diff commands have none.
-    QUndoCommand::redo();
-    (this->*handler)(result);
+    if (answer.networkFailed)
+        qCWarning(lcCommand).noquote()
+            << QStringLiteral("Failed due network error: ") + answer.networkMessage;
+    else if (answer.statusCode != 0)
+        QUndoCommand::redo(); // children run after a confirmed undo too; the diff commands have none
+    direction == EditDirection::Redo ? redoResult(answer) : undoResult(answer);
 }
 
 void AbstractDiffApiCommand::redoResult(DiffApiError result)

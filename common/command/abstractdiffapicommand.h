@@ -1,18 +1,16 @@
 #pragma once
 
 #include "common/command/abstractsessioncommand.h"
-#include "common/command/diffapierror.h"
-#include "tarn/json/patch.h"
+#include "common/media/library/libraryedit.h"
 
 #include <QObject>
-
-class QNetworkReply;
 
 namespace vantrel {
 
 /// A command that edits the media library by HTTP PATCH. A derived class's init() builds both patches by
-/// rehearsing the edit on a copy of the library; the library itself changes only when the server sends the
-/// patch back. A failed request is logged and changes nothing else.
+/// rehearsing the edit on a copy of the library; they wait their turn in the connection's queue of edits. The
+/// library itself changes only when the server sends the patch back. What is refused is logged and told to
+/// the operator, and leaves the undo stack when its turn to be undone comes.
 class AbstractDiffApiCommand : public QObject, public AbstractSessionCommand
 {
     Q_OBJECT
@@ -20,11 +18,11 @@ class AbstractDiffApiCommand : public QObject, public AbstractSessionCommand
 public:
     explicit AbstractDiffApiCommand(QUndoCommand* parent = nullptr);
 
-    void setRedoPatch(const Patch& patch) { m_redoPatch = patch; }
+    void setRedoPatch(const Patch& patch) { m_edit->redo = patch; }
     /// Also makes the command undoable.
     void setUndoPatch(const Patch& patch);
-    const Patch& redoPatch() const { return m_redoPatch; }
-    const Patch& undoPatch() const { return m_undoPatch; }
+    const Patch& redoPatch() const { return m_edit->redo; }
+    const Patch& undoPatch() const { return m_edit->undo; }
     bool isUndoSupported() const { return m_undoSupported; }
 
     void redo() override;
@@ -34,13 +32,14 @@ protected:
     virtual void redoResult(DiffApiError result);
     virtual void undoResult(DiffApiError result);
 
-private:
-    using ResultHandler = void (AbstractDiffApiCommand::*)(DiffApiError);
-    void send(const Patch& patch, ResultHandler handler);
-    void handleReply(QNetworkReply* reply, ResultHandler handler);
+    /// Both patches at once, with what they were made on; undoable.
+    void setEdit(LibraryEdit edit);
 
-    Patch m_redoPatch;
-    Patch m_undoPatch;
+private:
+    void send(EditDirection direction);
+    void handleAnswer(EditDirection direction, const DiffApiError& answer);
+
+    std::shared_ptr<LibraryEdit> m_edit = std::make_shared<LibraryEdit>();
     bool m_undoSupported = false;
 };
 

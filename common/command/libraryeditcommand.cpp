@@ -1,6 +1,8 @@
 #include "common/command/libraryeditcommand.h"
 
 #include "common/command/commandlogging.h"
+#include "common/media/library/medialibraryapi.h"
+#include "common/notification/notificationmanagerimpl.h"
 #include "common/session/session.h"
 #include "tarn/media/medialibrary.h"
 
@@ -8,19 +10,55 @@ namespace vantrel {
 
 namespace {
 
-/// The document after the edit, made on a copy of the document before it.
-bool edited(const Json& before, const std::function<bool(MediaLibrary&)>& edit, Json& after)
+/// A copy with the edit in it; null where the edit cannot be. The copy shares all that the edit leaves alone.
+Ref<MediaLibrary> edited(const MediaLibrary& library, const std::function<bool(MediaLibrary&)>& edit)
 {
-    const auto copy = makeRef<MediaLibrary>();
-    std::string error;
-    if (!copy->parseJson(before, &error)) {
-        qCWarning(lcCommand) << "Failed to copy the media library:" << error.c_str();
+    const auto copy = makeRef<MediaLibrary>(library);
+    return edit(*copy) ? copy : Ref<MediaLibrary>();
+}
+
+/// Both ways of an edit. Without an inverse of its own it is taken back as it was done.
+bool rehearsed(const MediaLibrary& library, const std::function<bool(MediaLibrary&)>& edit,
+               const std::function<bool(MediaLibrary&)>& inverse, LibraryEdit& made)
+{
+    const Ref<MediaLibrary> after = edited(library, edit);
+    const Ref<MediaLibrary> undone = after && inverse ? edited(*after, inverse) : Ref<MediaLibrary>();
+    if (!after || (inverse && !undone))
         return false;
-    }
-    if (!edit(*copy))
-        return false;
-    after = copy->toJson();
+    const Json before = library.toJson();
+    const Json done = after->toJson();
+    Patch::diff(before, done, made.redo);
+    Patch::diff(done, undone ? undone->toJson() : before, made.undo);
+    made.before = PatchBase(before, made.redo);
+    made.after = PatchBase(done, made.undo);
     return true;
+}
+
+MediaLibraryApi* sessionApi()
+{
+    return Session::instance() ? Session::instance()->getMediaLibraryApi() : nullptr;
+}
+
+/// Of the session's library, what it will be with the edits that are under way; null for any other one.
+Ref<MediaLibrary> expectedOf(const MediaLibrary* library)
+{
+    const MediaLibraryApi* api = sessionApi();
+    return api && library == &api->library() ? api->expectedLibrary() : nullptr;
+}
+
+/// An edit of a library that nobody has seen would be an edit of something else. Says so when it is not
+/// there.
+bool isLibraryRead(const QString& text)
+{
+    const MediaLibraryApi* api = sessionApi();
+    if (!api || api->reading() == MediaLibraryApi::Reading::Done)
+        return true;
+    const bool failed = api->reading() == MediaLibraryApi::Reading::Failed;
+    NotificationManagerImpl::instance()->createNotification(
+        Notification::WarningMessage, QObject::tr("Not done: %1").arg(text.toHtmlEscaped()),
+        failed ? QObject::tr("The library could not be read from the server; it is tried again.")
+               : QObject::tr("The library is still being read from the server."));
+    return false;
 }
 
 } // namespace
@@ -36,38 +74,23 @@ bool LibraryEditCommand::hasApi() const
 
 bool LibraryEditCommand::rehearse(const MediaLibrary* library, const QString& text, const Edit& edit)
 {
-    if (!hasApi() || !library)
-        return false;
-    const Json before = library->toJson();
-    Json after;
-    if (!edited(before, edit, after))
-        return false;
-    Patch redoPatch;
-    Patch undoPatch;
-    Patch::diff(before, after, redoPatch, undoPatch);
-    setRedoPatch(redoPatch);
-    setUndoPatch(undoPatch);
-    setText(text);
-    setInitialized(true);
-    return true;
+    return rehearse(library, text, edit, nullptr);
 }
 
 bool LibraryEditCommand::rehearse(const MediaLibrary* library, const QString& text, const Edit& edit,
                                   const Edit& inverse)
 {
-    if (!hasApi() || !library)
+    if (!hasApi() || !library || !isLibraryRead(text))
         return false;
-    const Json before = library->toJson();
-    Json after;
-    Json undone;
-    if (!edited(before, edit, after) || !edited(after, inverse, undone))
+    const auto again = [edit, inverse](LibraryEdit& made, const MediaLibrary& on) {
+        return rehearsed(on, edit, inverse, made);
+    };
+    LibraryEdit made;
+    const Ref<MediaLibrary> expected = expectedOf(library);
+    if (!again(made, expected ? *expected : *library))
         return false;
-    Patch redoPatch;
-    Patch undoPatch;
-    Patch::diff(before, after, redoPatch);
-    Patch::diff(after, undone, undoPatch);
-    setRedoPatch(redoPatch);
-    setUndoPatch(undoPatch);
+    made.rehearse = again;
+    setEdit(std::move(made));
     setText(text);
     setInitialized(true);
     return true;

@@ -31,12 +31,14 @@
 #include <QDir>
 #include <QFileSystemModel>
 #include <QNetworkAccessManager>
+#include <QTimer>
 #include <QUndoStack>
 
 namespace vantrel {
 
 namespace {
 constexpr int shutDownTime = 2000; // milliseconds
+constexpr int libraryRetry = 1000; // milliseconds
 
 Session* theInstance = nullptr;
 } // namespace
@@ -211,16 +213,29 @@ void Session::onConnect()
     m_sceneLoading = true;
     m_sceneCleared = false;
     qCInfo(lcSession, "Session connected to: %s", qPrintable(host));
-    delete m_mediaLibraryApi;
-    m_mediaLibraryApi = new MediaLibraryApi(host, m_qnam, m_mediaLibrary.get(), this);
-    m_mediaLibraryApi->setPort(m_ports.http);
-    connectMediaLibraryApi();
-    m_mediaLibraryApi->listenChanges();
-    m_mediaLibraryApi->requestMediaLibrary();
+    followLibrary(host);
     initMediaLibraryHelpers(host);
     Q_EMIT connected(host);
     delete m_metadataClient;
     m_metadataClient = new MetadataClient(host, m_ports.http, this);
+}
+
+/// Reads the library and follows its changes; what goes wrong with either is tried again as long as the link
+/// stands.
+void Session::followLibrary(const QString& host)
+{
+    delete m_mediaLibraryApi;
+    auto* const api = new MediaLibraryApi(host, m_qnam, m_mediaLibrary.get(), this);
+    m_mediaLibraryApi = api;
+    api->setPort(m_ports.http);
+    connectMediaLibraryApi();
+    connect(api, &MediaLibraryApi::streamLost, this, [this, api, host] {
+        QTimer::singleShot(libraryRetry, api, [this, host] { followLibrary(host); });
+    });
+    connect(api, &MediaLibraryApi::mediaLibraryRequestFailed, this,
+            [api] { QTimer::singleShot(libraryRetry, api, &MediaLibraryApi::requestMediaLibrary); });
+    api->listenChanges();
+    api->requestMediaLibrary();
 }
 
 void Session::connectMediaLibraryApi()

@@ -117,6 +117,7 @@ private:
     void onPatchAvailable();
     void initConnection();
     void wireProviders();
+    void followLibrary(const QString& host);
     void connectMediaLibraryApi();
     void initMediaLibraryHelpers(const QString& host);
     bool clearForLoading();

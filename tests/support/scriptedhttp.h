@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <utility>
 #include <vector>
 
 namespace vantrel::test {
@@ -61,6 +62,15 @@ public:
                       reply.contentType + size + "\r\nConnection: close\r\n\r\n" + reply.body);
         if (reply.endsHere)
             socket->disconnectFromHost();
+    }
+
+    /// Breaks the connections of requests that were left open.
+    void breakOpen()
+    {
+        for (const QPointer<QTcpSocket>& socket : std::exchange(unanswered, {})) {
+            if (socket)
+                socket->abort();
+        }
     }
 
     Handler handler;

@@ -10,8 +10,11 @@
 #include "common/media/edit/slot/removecollectioncommand.h"
 #include "common/media/edit/slot/renamecollectioncommand.h"
 #include "common/media/edit/slot/setdurationcommand.h"
+#include "common/media/library/medialibraryapi.h"
 #include "common/media/library/medialibraryprovider.h"
 #include "common/session/session.h"
+#include "tarn/media/enumtext.h"
+#include "tarn/media/mediaenums.h"
 #include "tarn/media/medialibrary.h"
 
 #include <QJsonDocument>
@@ -61,6 +64,14 @@ MediaLibrary* ImplMediaCollectionManager::library() const
                                                       : nullptr;
 }
 
+/// The library with the edits that are under way: a number that one of them takes is not free any more.
+Ref<MediaLibrary> ImplMediaCollectionManager::expected() const
+{
+    const MediaLibraryApi* api = Session::instance() ? Session::instance()->getMediaLibraryApi() : nullptr;
+    MediaLibrary* const media = library();
+    return api && media == &api->library() ? api->expectedLibrary() : Ref<MediaLibrary>(media);
+}
+
 void ImplMediaCollectionManager::execute(std::unique_ptr<AbstractSessionCommand> command)
 {
     if (Session* session = Session::instance())
@@ -79,7 +90,7 @@ bool ImplMediaCollectionManager::run(Args&&... args)
 
 bool ImplMediaCollectionManager::removeCollection(int collection)
 {
-    const MediaLibrary* media = library();
+    const Ref<const MediaLibrary> media = expected();
     if (!media || !media->findCollection(collection)) {
         qCWarning(lcMedia) << "Collection" << collection << "removal failed since it doesn't exist";
         return false;
@@ -89,7 +100,7 @@ bool ImplMediaCollectionManager::removeCollection(int collection)
 
 int ImplMediaCollectionManager::firstFreeCollection() const
 {
-    const MediaLibrary* media = library();
+    const Ref<const MediaLibrary> media = expected();
     if (!media)
         return -1;
     int candidate = media->getCollectionIndexMin();
@@ -109,7 +120,7 @@ bool ImplMediaCollectionManager::appendCollection(const QString& name)
 
 bool ImplMediaCollectionManager::insertCollection(int collection, const QString& name)
 {
-    const MediaLibrary* media = library();
+    const Ref<const MediaLibrary> media = expected();
     if (!media)
         return false;
     if (collection > media->getCollectionIndexMax()) {
@@ -126,7 +137,7 @@ bool ImplMediaCollectionManager::insertCollection(int collection, const QString&
 
 bool ImplMediaCollectionManager::copyCollection(int fromCollection, int toCollection)
 {
-    const MediaLibrary* media = library();
+    const Ref<const MediaLibrary> media = expected();
     if (!media)
         return false;
     const int target = toCollection == -1 ? firstFreeCollection() : toCollection;

@@ -2,6 +2,7 @@
 
 #include "common/media/edit/mediacollectionmanager.h"
 #include "common/media/items/guimediaslot.h"
+#include "tarn/ref.h"
 
 #include <QObject>
 
@@ -48,6 +49,7 @@ protected:
 private:
     template <typename Command, typename... Args>
     bool run(Args&&... args);
+    Ref<MediaLibrary> expected() const;
     int firstFreeCollection() const;
 };
 

@@ -1,6 +1,7 @@
 #include "common/media/library/medialibraryapi.h"
 
 #include "common/media/address/medialogging.h"
+#include "common/media/library/editqueue.h"
 #include "common/media/library/librarychanges.h"
 #include "common/media/library/libraryreading.h"
 #include "tarn/media/medialibrary.h"
@@ -12,6 +13,7 @@
 #include <QTimer>
 #include <QUrl>
 
+#include <algorithm>
 #include <string>
 
 namespace vantrel {
@@ -24,21 +26,16 @@ const QString restRoot = QStringLiteral("/api/brume/v1");
 constexpr qint64 maxLibraryBytes = 256LL * 1024 * 1024;
 // How long a fetch waits for the event stream to open, in milliseconds.
 constexpr int streamOpeningTime = 1000;
+// A server that speaks each second and says nothing for so long has gone, in milliseconds.
+constexpr int streamSilence = 3500;
+
 /// A server may number its messages: the first operation of the patch tells what the library has become.
-std::optional<qint64> revisionOf(const Json& patch)
+std::optional<qint64> messageRevision(const Json& patch)
 {
     const Json* first = patch.at(0);
     const Json* revision = first ? first->find("revision") : nullptr;
     return revision && revision->type() == JsonType::Int ? std::optional<qint64>(revision->asInt())
                                                          : std::nullopt;
-}
-
-/// The same number as the library's tag.
-std::optional<qint64> revisionOf(QByteArray tag)
-{
-    bool isNumber = false;
-    const qint64 revision = tag.replace('"', QByteArray()).toLongLong(&isNumber);
-    return isNumber ? std::optional<qint64>(revision) : std::nullopt;
 }
 
 } // namespace
@@ -50,7 +47,17 @@ MediaLibraryApi::MediaLibraryApi(const QString& host, QNetworkAccessManager* man
     , m_manager(manager)
     , m_host(host)
     , m_scheme(QStringLiteral("http"))
+    , m_edits(new EditQueue(this))
+    , m_silence(new QTimer(this))
 {
+    m_silence->setSingleShot(true);
+    m_silence->setInterval(streamSilence);
+    connect(m_silence, &QTimer::timeout, this, [this] {
+        qCInfo(lcMedia) << "The event stream has fallen silent";
+        stopListening();
+        loseStream();
+    });
+    connect(this, &MediaLibraryApi::mediaLibraryChanged, m_edits, &EditQueue::proceed);
 }
 
 MediaLibraryApi::~MediaLibraryApi() = default;
@@ -116,15 +123,17 @@ QNetworkReply* MediaLibraryApi::replacePlaylists(const QList<Playlist>& playlist
                            document.toJson(QJsonDocument::Compact));
 }
 
-QNetworkReply* MediaLibraryApi::patchMediaLibrary(const Patch& patch)
+QNetworkReply* MediaLibraryApi::patchMediaLibrary(const Patch& patch, std::optional<qint64> revision)
 {
     QByteArray body;
     if (!patchBody(patch, &body)) {
         qCWarning(lcMedia) << "[patchMediaLibrary] Failed to convert SDK JSON to QT JSON";
         return nullptr;
     }
-    return m_manager->sendCustomRequest(jsonRequest(QStringLiteral("/medialibrary")),
-                                        QByteArrayLiteral("PATCH"), body);
+    QNetworkRequest request = jsonRequest(QStringLiteral("/medialibrary"));
+    if (revision)
+        request.setRawHeader("If-Match", '"' + QByteArray::number(*revision) + '"');
+    return m_manager->sendCustomRequest(request, QByteArrayLiteral("PATCH"), body);
 }
 
 bool MediaLibraryApi::patchBody(const Patch& patch, QByteArray* body)
@@ -158,6 +167,7 @@ void MediaLibraryApi::listenChanges()
         qCDebug(lcMedia) << "SSE finished";
         stream->deleteLater();
     });
+    connect(stream, &QNetworkReply::finished, this, [this, stream] { onStreamEnded(stream); });
     connect(stream, &QObject::destroyed, this, [this, stream] {
         qCDebug(lcMedia) << "SSE destroyed";
         if (m_stream == stream)
@@ -170,6 +180,7 @@ void MediaLibraryApi::stopListening()
 {
     if (!m_stream)
         return;
+    m_silence->stop();
     QNetworkReply* stream = m_stream;
     m_stream = nullptr;
     stream->abort();
@@ -177,10 +188,31 @@ void MediaLibraryApi::stopListening()
     stream->deleteLater();
 }
 
+void MediaLibraryApi::onStreamEnded(QNetworkReply* stream)
+{
+    if (m_stream != stream)
+        return; // it was stopped
+    m_silence->stop();
+    loseStream();
+}
+
+/// From here on the library here grows old: nothing is made on it any more.
+void MediaLibraryApi::loseStream()
+{
+    m_reading = Reading::Awaited;
+    m_edits->refuseAll(tr("The server does not tell of changes any more; the library is read anew."));
+    Q_EMIT streamLost();
+}
+
 void MediaLibraryApi::onStreamData()
 {
-    if (m_stream)
-        receive(m_stream->readAll());
+    if (!m_stream)
+        return;
+    const QByteArray bytes = m_stream->readAll();
+    // Only a server that says by comments that it is there is held to it.
+    if (m_silence->isActive() || bytes.startsWith(':') || bytes.contains("\n:"))
+        m_silence->start();
+    receive(bytes);
 }
 
 void MediaLibraryApi::receive(const QByteArray& bytes)
@@ -209,13 +241,15 @@ void MediaLibraryApi::handleMessage(const QByteArray& data)
         qCWarning(lcMedia) << "Failed to parse message: " << shortened(data) << error.c_str();
         return;
     }
-    const std::optional<qint64> revision = revisionOf(json);
+    const std::optional<qint64> revision = messageRevision(json);
     if (revision && m_revision && *revision <= *m_revision)
         return; // the fetched library holds it
     if (m_fetches > 0) {
         m_meanwhile.push_back({patch, revision});
         m_meanwhileBytes += data.size();
     }
+    if (revision)
+        m_revision = revision;
     applyMediaLibraryPatch(patch);
 }
 
@@ -324,8 +358,7 @@ void MediaLibraryApi::onLibraryReceived(QNetworkReply* reply)
 {
     if (reply->error() != QNetworkReply::NoError) {
         qCWarning(lcMedia) << "Failed to get media library " << reply->error();
-        fetchEnded();
-        Q_EMIT mediaLibraryRequestFailed();
+        fetchFailed();
         return;
     }
     const std::optional<qint64> revision = revisionOf(reply->rawHeader(QByteArrayLiteral("ETag")));
@@ -347,12 +380,11 @@ void MediaLibraryApi::onLibraryRead(const LibraryReading& reading, std::optional
     switch (reading.outcome) {
     case LibraryReading::Outcome::NoJson:
         qCWarning(lcMedia) << "Failed to convert  QT JSON to SDK JSON";
-        fetchEnded();
+        fetchFailed();
         break;
     case LibraryReading::Outcome::NoLibrary:
         qCWarning(lcMedia) << "Failed to parse media library" << shortened(reading.error);
-        fetchEnded();
-        Q_EMIT mediaLibraryRequestFailed();
+        fetchFailed();
         break;
     case LibraryReading::Outcome::Library:
         adoptLibrary(*reading.library, revision);
@@ -367,12 +399,44 @@ void MediaLibraryApi::adoptLibrary(MediaLibrary& fetched, std::optional<qint64> 
         if (!revision || !message.revision || *message.revision > *revision)
             fetched.applyDiff(message.patch);
     }
-    m_revision = revision;
+    // What came meanwhile is in it now.
+    m_revision = revision ? std::max(revision, m_revision) : std::nullopt;
+    m_reading = Reading::Done;
     fetchEnded();
     LibraryReading::Remains remains(*m_library);
     *m_library = fetched;
     Q_EMIT mediaLibraryReplaced();
     Q_EMIT mediaLibraryChanged();
+}
+
+void MediaLibraryApi::fetchFailed()
+{
+    m_reading = Reading::Failed;
+    fetchEnded();
+    m_edits->refuseAll(tr("The library could not be read from the server."));
+    Q_EMIT mediaLibraryRequestFailed();
+}
+
+Json MediaLibraryApi::libraryJson() const
+{
+    return m_library->toJson();
+}
+
+Ref<MediaLibrary> MediaLibraryApi::expectedLibrary() const
+{
+    if (m_edits->isEmpty())
+        return m_library;
+    auto expected = makeRef<MediaLibrary>(*m_library);
+    m_edits->applyTo(*expected);
+    return expected;
+}
+
+/// The number of a message of the stream, as the library's tag.
+std::optional<qint64> MediaLibraryApi::revisionOf(QByteArray tag)
+{
+    bool isNumber = false;
+    const qint64 revision = tag.replace('"', QByteArray()).toLongLong(&isNumber);
+    return isNumber ? std::optional<qint64>(revision) : std::nullopt;
 }
 
 void MediaLibraryApi::fetchEnded()

@@ -21,10 +21,12 @@
 class QNetworkAccessManager;
 class QNetworkReply;
 class QNetworkRequest;
+class QTimer;
 class QUrl;
 
 namespace vantrel {
 
+class EditQueue;
 class MediaLibrary;
 struct LibraryChanges;
 struct LibraryReading;
@@ -32,8 +34,8 @@ struct LibraryReading;
 using CollectionAndIndex = std::pair<MediaCollection, int>;
 
 /// Client of the server's media library. It fetches the library once, then applies the patches of the event
-/// stream to it and tells by signals what each touched. Writes go to the server only, and come back on the
-/// stream. The session makes one for each connection; main thread only.
+/// stream to it and tells by signals what each touched. Writes go to the server only, through the queue of
+/// edits, and come back on the stream. The session makes one for each connection; main thread only.
 class MediaLibraryApi : public QObject
 {
     Q_OBJECT
@@ -51,7 +53,8 @@ public:
     QNetworkReply* getPlaylists();
     QNetworkReply* replaceMediaLibrary(const MediaLibrary& library);
     QNetworkReply* replacePlaylists(const QList<Playlist>& playlists);
-    QNetworkReply* patchMediaLibrary(const Patch& patch);
+    /// With a revision the server takes the patch only as long as its library is at that one.
+    QNetworkReply* patchMediaLibrary(const Patch& patch, std::optional<qint64> revision = std::nullopt);
     QNetworkReply* openSSE();
 
     /// Follows the event stream until it ends; nothing starts it again.
@@ -62,6 +65,21 @@ public:
     void requestMediaLibrary();
     /// From the request to the library in its place, or the failure.
     bool isFetching() const { return m_fetches > 0; }
+
+    enum class Reading { Awaited, Done, Failed };
+    /// What became of the last fetch.
+    Reading reading() const { return m_reading; }
+    /// Whether the local library is the server's, but for what is on its way.
+    bool isCurrent() const { return m_reading == Reading::Done && m_fetches == 0; }
+    /// The number of the library that stands here; none of a server that does not count.
+    std::optional<qint64> revision() const { return m_revision; }
+    static std::optional<qint64> revisionOf(QByteArray tag);
+
+    const MediaLibrary& library() const { return *m_library; }
+    Json libraryJson() const;
+    /// The library with all edits that are under way.
+    Ref<MediaLibrary> expectedLibrary() const;
+    EditQueue* edits() const { return m_edits; }
     /// What was read from the event stream, in pieces of any size.
     void receive(const QByteArray& bytes);
 
@@ -77,6 +95,8 @@ public:
 
 Q_SIGNALS:
     void mediaLibraryRequestFailed();
+    /// The event stream has ended, or stays silent: from now on changes of others go unheard.
+    void streamLost();
     void collectionsReceived(QList<vantrel::CollectionAndIndex> collections);
     void playlistsReceived(QList<vantrel::Playlist> playlists);
     void mediaLibraryReplaced();
@@ -102,6 +122,9 @@ private:
     void onLibraryRead(const LibraryReading& reading, std::optional<qint64> revision);
     void fetchEnded();
     void adoptLibrary(MediaLibrary& fetched, std::optional<qint64> revision);
+    void fetchFailed();
+    void onStreamEnded(QNetworkReply* stream);
+    void loseStream();
     void onStreamData();
     void handleMessage(const QByteArray& data);
     void emitLibraryChanges(const LibraryChanges& changes);
@@ -125,7 +148,10 @@ private:
     std::vector<Message> m_meanwhile;
     qsizetype m_meanwhileBytes = 0;
     int m_fetches = 0;
-    std::optional<qint64> m_revision; // of the last library that was fetched
+    std::optional<qint64> m_revision;
+    Reading m_reading = Reading::Awaited;
+    EditQueue* const m_edits;
+    QTimer* const m_silence; // runs while a stream is open whose server says each second that it is there
 };
 
 } // namespace vantrel

@@ -9,7 +9,7 @@ bool AddPlaylistCommand::init(const MediaLibrary* library, int playlist, const Q
 {
     setText(tr("New playlist"));
     const QString text = "Add new playlist " + QString::number(playlist);
-    const auto add = [&](MediaLibrary& copy) {
+    const auto add = [=](MediaLibrary& copy) {
         Playlist added;
         added.setName(name.toStdString());
         if (copy.addPlaylist(playlist, added))
@@ -17,7 +17,7 @@ bool AddPlaylistCommand::init(const MediaLibrary* library, int playlist, const Q
         qCWarning(lcCommand) << "Unable to build redo Patch due failed addPlaylist";
         return false;
     };
-    const auto remove = [&](MediaLibrary& copy) {
+    const auto remove = [=](MediaLibrary& copy) {
         if (copy.removePlaylist(playlist))
             return true;
         qCWarning(lcCommand) << "Unable to build undo Patch due failed removePlaylist";

@@ -7,7 +7,7 @@ namespace vantrel {
 
 bool EditPlaylistEntryCommand::init(const MediaLibrary* library, const QList<EditEntryData>& entries)
 {
-    return rehearse(library, tr("Edit playlist entries"), [&](MediaLibrary& copy) {
+    return rehearse(library, tr("Edit playlist entries"), [=](MediaLibrary& copy) {
         for (const EditEntryData& data : entries) {
             Playlist* playlist = copy.findPlaylist(data.playlist);
             if (!playlist) {

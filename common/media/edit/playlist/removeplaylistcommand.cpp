@@ -8,7 +8,7 @@ namespace vantrel {
 bool RemovePlaylistCommand::init(const MediaLibrary* library, int playlist)
 {
     const QString text = "Remove playlist " + QString::number(playlist);
-    return rehearse(library, tr(text.toUtf8().constData()), [&](MediaLibrary& copy) {
+    return rehearse(library, tr(text.toUtf8().constData()), [=](MediaLibrary& copy) {
         if (copy.removePlaylist(playlist))
             return true;
         qCWarning(lcCommand) << "Unable to build redo Patch due failed removePlaylist";

@@ -8,7 +8,7 @@ namespace vantrel {
 bool RenamePlaylistCommand::init(const MediaLibrary* library, int playlist, const QString& name)
 {
     const QString text = "Rename playlist " + QString::number(playlist);
-    return rehearse(library, tr(text.toUtf8().constData()), [&](MediaLibrary& copy) {
+    return rehearse(library, tr(text.toUtf8().constData()), [=](MediaLibrary& copy) {
         Playlist* target = copy.findPlaylist(playlist);
         if (!target) {
             qCWarning(lcCommand) << "Unable to find playlist";

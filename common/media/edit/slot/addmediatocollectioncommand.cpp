@@ -11,7 +11,7 @@ bool AddMediaToCollectionCommand::init(const MediaLibrary* library, int collecti
 {
     const QString text =
         "Add media to slot " + QString::number(firstSlot) + " in collection " + QString::number(collection);
-    return rehearse(library, tr(text.toUtf8().constData()), [&](MediaLibrary& copy) {
+    return rehearse(library, tr(text.toUtf8().constData()), [=](MediaLibrary& copy) {
         if (medias.isEmpty()) {
             qCWarning(lcCommand) << "No medias to add to collection";
             return false;

@@ -18,7 +18,7 @@ bool ClearSlotFromCollectionCommand::init(const MediaLibrary* library, int colle
         numbers.append(QString::number(slot));
     const QString text = "Cleared slot " + numbers.join(QStringLiteral(", ")) + " from collection " +
                          QString::number(collection);
-    return rehearse(library, tr(text.toUtf8().constData()), [&](MediaLibrary& copy) {
+    return rehearse(library, tr(text.toUtf8().constData()), [=](MediaLibrary& copy) {
         MediaCollection* target = copy.findCollection(collection);
         if (!target) {
             qCWarning(lcCommand) << "Unable to find collection";

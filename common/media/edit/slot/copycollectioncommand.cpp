@@ -14,7 +14,7 @@ int CopyCollectionCommand::id() const
 bool CopyCollectionCommand::init(const MediaLibrary* library, int fromCollection, int toCollection)
 {
     const QString text = tr("Copy collection from %1 to %2").arg(fromCollection).arg(toCollection);
-    return rehearse(library, text, [&](MediaLibrary& copy) {
+    return rehearse(library, text, [=](MediaLibrary& copy) {
         const MediaCollection* source = std::as_const(copy).findCollection(fromCollection);
         if (!source) {
             qCWarning(lcCommand) << "Unable to find source media collection.";

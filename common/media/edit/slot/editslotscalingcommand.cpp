@@ -10,7 +10,7 @@ bool EditSlotScalingCommand::initCmd(const MediaLibrary* library, int collection
 {
     const QString text = "Set scaling to '" + scaleModeToPrettyString(mode) + "' for slot " +
                          QString::number(slot) + " in collection " + QString::number(collection);
-    return rehearse(library, tr(text.toUtf8().constData()), [&](MediaLibrary& copy) {
+    return rehearse(library, tr(text.toUtf8().constData()), [=](MediaLibrary& copy) {
         MediaCollection* target = copy.findCollection(collection);
         if (!target) {
             qCWarning(lcCommand) << "Unable to find collection";

@@ -13,7 +13,7 @@ int InsertCollectionCommand::id() const
 
 bool InsertCollectionCommand::init(const MediaLibrary* library, int collection, const QString& name)
 {
-    return rehearse(library, tr("Insert collection %1").arg(collection), [&](MediaLibrary& copy) {
+    return rehearse(library, tr("Insert collection %1").arg(collection), [=](MediaLibrary& copy) {
         return copy.insertMediaCollection(collection, MediaCollection(name.toStdString()), true);
     });
 }

@@ -9,7 +9,7 @@ bool MoveSlotInCollectionCommand::init(const MediaLibrary* library, int collecti
 {
     const QString text = "Move slot " + QString::number(fromSlot) + " to " + QString::number(toSlot) +
                          " in collection " + QString::number(collection);
-    return rehearse(library, tr(text.toUtf8().constData()), [&](MediaLibrary& copy) {
+    return rehearse(library, tr(text.toUtf8().constData()), [=](MediaLibrary& copy) {
         MediaCollection* target = copy.findCollection(collection);
         if (!target) {
             qCWarning(lcCommand) << "Unable to find collection";

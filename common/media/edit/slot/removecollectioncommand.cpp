@@ -13,7 +13,7 @@ int RemoveCollectionCommand::id() const
 
 bool RemoveCollectionCommand::init(const MediaLibrary* library, int collection)
 {
-    return rehearse(library, tr("Remove collection %1").arg(collection), [&](MediaLibrary& copy) {
+    return rehearse(library, tr("Remove collection %1").arg(collection), [=](MediaLibrary& copy) {
         if (!std::as_const(copy).findCollection(collection)) {
             qCWarning(lcCommand) << "Unable to find media collection.";
             return false;

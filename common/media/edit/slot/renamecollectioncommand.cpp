@@ -8,7 +8,7 @@ namespace vantrel {
 bool RenameCollectionCommand::init(const MediaLibrary* library, int collection, const QString& name)
 {
     const QString text = "Rename collection " + QString::number(collection);
-    return rehearse(library, tr(text.toUtf8().constData()), [&](MediaLibrary& copy) {
+    return rehearse(library, tr(text.toUtf8().constData()), [=](MediaLibrary& copy) {
         MediaCollection* target = copy.findCollection(collection);
         if (!target) {
             qCWarning(lcCommand) << "Unable to find media collection.";

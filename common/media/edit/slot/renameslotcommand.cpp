@@ -9,7 +9,7 @@ bool RenameSlotCommand::init(const MediaLibrary* library, int collection, int sl
 {
     const QString text =
         "Rename slot " + QString::number(slot) + " in collection " + QString::number(collection);
-    return rehearse(library, tr(text.toUtf8().constData()), [&](MediaLibrary& copy) {
+    return rehearse(library, tr(text.toUtf8().constData()), [=](MediaLibrary& copy) {
         MediaSlot* record = copy.findSlot(collection, slot);
         if (!record) {
             qCWarning(lcCommand) << "Unable to find slot";

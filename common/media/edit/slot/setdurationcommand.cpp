@@ -2,6 +2,7 @@
 
 #include "common/command/commandlogging.h"
 #include "common/media/address/mediafiles.h"
+#include "tarn/media/mediaenums.h"
 #include "tarn/media/medialibrary.h"
 
 namespace vantrel {
@@ -9,7 +10,7 @@ namespace vantrel {
 bool SetDurationCommand::init(const MediaLibrary* library, const QUrl& mediaUrl, double seconds,
                               bool isInfinite, const MediaAddress& at)
 {
-    return rehearse(library, tr("Set duration to %1").arg(seconds), [&](MediaLibrary& copy) {
+    return rehearse(library, tr("Set duration to %1").arg(seconds), [=](MediaLibrary& copy) {
         const QString url = mediaUrlToString(mediaUrl);
         const MediaSlot* known = std::as_const(copy).findSlot(at.collection, at.slot);
         MediaSlot* slot = known && QUrl(QString::fromStdString(known->getUrl())) == mediaUrl

@@ -9,7 +9,7 @@ bool SetOutpointCommand::init(const MediaLibrary* library, const QString& slotUr
                               std::optional<double> outpoint)
 {
     const QString text = outpoint ? tr("Set outpoint to %1").arg(*outpoint) : tr("Reset outpoint");
-    return rehearse(library, text, [&](MediaLibrary& copy) {
+    return rehearse(library, text, [=](MediaLibrary& copy) {
         MediaSlot* slot = copy.findSlot(slotUrl.toStdString());
         if (!slot) {
             qCWarning(lcCommand) << "Media slot not found for setting outpoint";

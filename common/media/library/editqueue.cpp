@@ -1,0 +1,239 @@
+#include "common/media/library/editqueue.h"
+
+#include "common/media/address/medialogging.h"
+#include "common/media/library/medialibraryapi.h"
+#include "tarn/media/medialibrary.h"
+
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QNetworkReply>
+
+#include <utility>
+
+namespace vantrel {
+
+namespace {
+
+constexpr int maxTries = 20;
+// How long the library may take to show what the server has done before it is read anew, in milliseconds.
+constexpr int patience = 2000;
+constexpr int preconditionFailed = 412;
+
+int statusOf(const QNetworkReply& reply)
+{
+    return reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+}
+
+DiffApiError answerOf(QNetworkReply& reply)
+{
+    DiffApiError answer;
+    answer.statusCode = statusOf(reply);
+    // An error status is the server's answer, not a failure of the network.
+    if (reply.error() != QNetworkReply::NoError && answer.statusCode < 400) {
+        answer.networkFailed = true;
+        answer.networkErrorCode = reply.error();
+        answer.networkMessage = reply.errorString();
+        return answer;
+    }
+    answer.success = answer.statusCode == 200 || answer.statusCode == 204;
+    if (!answer.success)
+        answer.message =
+            QJsonDocument::fromJson(reply.readAll()).object().value(QStringLiteral("error")).toString();
+    return answer;
+}
+
+} // namespace
+
+const Patch& EditQueue::Entry::patch() const
+{
+    return direction == EditDirection::Redo ? edit->redo : edit->undo;
+}
+
+const PatchBase& EditQueue::Entry::base() const
+{
+    return direction == EditDirection::Redo ? edit->before : edit->after;
+}
+
+EditQueue::EditQueue(MediaLibraryApi* api)
+    : QObject(api)
+    , m_api(api)
+{
+    m_patience.setSingleShot(true);
+    m_patience.setInterval(patience);
+    // The stream owes us the change: the library itself tells what became of it.
+    connect(&m_patience, &QTimer::timeout, m_api, &MediaLibraryApi::requestMediaLibrary);
+}
+
+EditQueue::~EditQueue()
+{
+    refuseAll(tr("The connection to the server has ended."));
+}
+
+void EditQueue::submit(const std::shared_ptr<LibraryEdit>& edit, EditDirection direction,
+                       EditAnswered answered)
+{
+    m_edits.push_back({edit, direction, std::move(answered)});
+    proceed();
+}
+
+void EditQueue::applyTo(MediaLibrary& library) const
+{
+    for (const Entry& entry : m_edits) {
+        // What the library shows already, or what somebody else has overtaken, holds no more.
+        if (entry.base().holds(library.toJson()))
+            library.applyDiff(entry.patch());
+    }
+}
+
+void EditQueue::proceed()
+{
+    if (!m_api->isCurrent())
+        return;
+    if (m_state == State::Settling && hasSettled()) {
+        dropFirst();
+    } else if (m_state == State::Overtaken && hasSettled()) {
+        m_patience.stop();
+        m_state = State::Idle;
+    }
+    while (m_state == State::Idle && !m_edits.empty())
+        sendFirst();
+}
+
+/// A library that was read anew has settled whatever was awaited: it is what the server has.
+bool EditQueue::hasSettled() const
+{
+    if (!m_patience.isActive())
+        return true;
+    if (m_awaited)
+        return m_api->revision() && *m_api->revision() >= *m_awaited;
+    if (m_state != State::Settling)
+        return false;
+    // A server that numbers nothing: what the patch was made on must have gone.
+    const PatchBase& base = m_edits.front().base();
+    return base.empty() || !base.holds(m_api->libraryJson());
+}
+
+/// Makes the edit fit the library as it is now; false, and it is refused, when it cannot.
+bool EditQueue::prepare(Entry& entry)
+{
+    LibraryEdit& edit = *entry.edit;
+    if (entry.direction == EditDirection::Undo && edit.refused) {
+        dropFirst(); // there is nothing to undo, and that was said
+        return false;
+    }
+    const Json now = m_api->libraryJson();
+    if (entry.base().holds(now))
+        return true;
+    const QString overtaken = tr("Somebody else has changed the same thing meanwhile.");
+    if (entry.direction == EditDirection::Undo || !edit.rehearse) {
+        refuseFirst(overtaken);
+        return false;
+    }
+    LibraryEdit anew;
+    if (!edit.rehearse(anew, m_api->library())) {
+        refuseFirst(tr("The library has changed meanwhile, and it does not fit any more."));
+        return false;
+    }
+    if (edit.before.conflicts(now, anew.redo)) {
+        refuseFirst(overtaken);
+        return false;
+    }
+    edit.redo = anew.redo;
+    edit.undo = anew.undo;
+    edit.before = anew.before;
+    edit.after = anew.after;
+    return true;
+}
+
+void EditQueue::sendFirst()
+{
+    Entry& entry = m_edits.front();
+    if (!prepare(entry))
+        return;
+    if (entry.direction == EditDirection::Redo)
+        entry.edit->refused = false;
+    QNetworkReply* reply = m_api->patchMediaLibrary(entry.patch(), m_api->revision());
+    if (!reply) {
+        refuseFirst(tr("It has no form that the server reads."));
+        return;
+    }
+    ++entry.tries;
+    m_state = State::InFlight;
+    m_reply = reply;
+    connect(reply, &QNetworkReply::finished, reply, &QObject::deleteLater);
+    connect(reply, &QNetworkReply::finished, this, [this, reply] { onAnswer(reply); });
+}
+
+void EditQueue::onAnswer(QNetworkReply* reply)
+{
+    if (m_state != State::InFlight || reply != m_reply)
+        return; // given up on
+    const DiffApiError answer = answerOf(*reply);
+    if (answer.statusCode == preconditionFailed && m_edits.front().tries < maxTries) {
+        // Something that this window has not heard of came first.
+        m_awaited = m_api->revision() ? std::optional(*m_api->revision() + 1) : std::nullopt;
+        settleBy(State::Overtaken);
+        return;
+    }
+    if (answer.success) {
+        tell(answer);
+        m_awaited = MediaLibraryApi::revisionOf(reply->rawHeader("ETag"));
+        settleBy(State::Settling);
+        return;
+    }
+    if (m_edits.front().direction == EditDirection::Redo)
+        m_edits.front().edit->refused = !answer.networkFailed;
+    tell(answer);
+    dropFirst();
+    if (answer.networkFailed)
+        m_api->requestMediaLibrary(); // nobody knows whether it was made
+    proceed();
+}
+
+void EditQueue::settleBy(State state)
+{
+    m_state = state;
+    m_patience.start();
+    proceed();
+}
+
+void EditQueue::refuseAll(const QString& why)
+{
+    if (m_state == State::InFlight) {
+        DiffApiError answer;
+        answer.networkFailed = true;
+        answer.networkMessage = why;
+        tell(answer);
+    }
+    if (m_state != State::Idle && m_state != State::Overtaken)
+        dropFirst(); // the server has it
+    while (!m_edits.empty())
+        refuseFirst(why);
+}
+
+void EditQueue::refuseFirst(const QString& why)
+{
+    Entry& entry = m_edits.front();
+    if (entry.direction == EditDirection::Redo)
+        entry.edit->refused = true;
+    DiffApiError answer;
+    answer.message = why;
+    tell(answer);
+    dropFirst();
+}
+
+void EditQueue::tell(const DiffApiError& answer)
+{
+    if (const EditAnswered answered = std::exchange(m_edits.front().answered, nullptr))
+        answered(answer);
+}
+
+void EditQueue::dropFirst()
+{
+    m_edits.pop_front();
+    m_patience.stop();
+    m_awaited.reset();
+    m_state = State::Idle;
+}
+
+} // namespace vantrel

@@ -1,0 +1,76 @@
+#pragma once
+
+#include "common/media/library/libraryedit.h"
+
+#include <QObject>
+#include <QPointer>
+#include <QTimer>
+
+#include <deque>
+#include <optional>
+
+class QNetworkReply;
+
+namespace vantrel {
+
+class MediaLibraryApi;
+
+/// Sends the edits of one connection in the operator's order, one at a time: the next one leaves when the
+/// library shows the last one. Each is held against the library as it is by then, is sent with its revision,
+/// and made anew when somebody else was faster; what would overwrite another's work is refused, with a
+/// sentence. Belongs to MediaLibraryApi; main thread.
+class EditQueue : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit EditQueue(MediaLibraryApi* api);
+    ~EditQueue() override;
+
+    void submit(const std::shared_ptr<LibraryEdit>& edit, EditDirection direction, EditAnswered answered);
+    bool isEmpty() const { return m_edits.empty(); }
+    /// Does to a copy of the library what is under way: what the next edit is made on.
+    void applyTo(MediaLibrary& library) const;
+
+    /// The library has changed, or was read: what waits for that goes on.
+    void proceed();
+    /// Nothing that waits can be sent any more.
+    void refuseAll(const QString& why);
+
+private:
+    struct Entry
+    {
+        std::shared_ptr<LibraryEdit> edit;
+        EditDirection direction = EditDirection::Redo;
+        EditAnswered answered; // empty when told
+        int tries = 0;
+
+        const Patch& patch() const;
+        const PatchBase& base() const;
+    };
+    enum class State {
+        Idle,      // the first one may be sent
+        InFlight,  // the server has it
+        Settling,  // it is answered, and the library does not show it yet
+        Overtaken, // the server refused it for a change that the library does not show yet
+    };
+
+    bool prepare(Entry& entry);
+    void sendFirst();
+    void onAnswer(QNetworkReply* reply);
+    void onSuccess(std::optional<qint64> revision);
+    bool hasSettled() const;
+    void settleBy(State state);
+    void tell(const DiffApiError& answer);
+    void refuseFirst(const QString& why);
+    void dropFirst();
+
+    MediaLibraryApi* const m_api;
+    std::deque<Entry> m_edits;
+    State m_state = State::Idle;
+    QPointer<QNetworkReply> m_reply; // of InFlight
+    std::optional<qint64> m_awaited; // the library's revision that ends Settling or Overtaken
+    QTimer m_patience;
+};
+
+} // namespace vantrel

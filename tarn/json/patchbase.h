@@ -1,0 +1,36 @@
+#pragma once
+
+#include "tarn/json/patch.h"
+
+#include <optional>
+#include <vector>
+
+namespace vantrel {
+
+/// What a patch was made on: the values that its document held at the patch's paths. Where another document
+/// holds the same there, the patch means what it meant; where it does not, somebody else was there first.
+/// Holding one costs no copies: values are shared with the document.
+class PatchBase
+{
+public:
+    PatchBase() = default; // of no patch: holds everywhere
+    PatchBase(const Json& document, const Patch& patch);
+
+    bool empty() const noexcept { return m_places.empty(); }
+    bool holds(const Json& document) const;
+    /// Whether a patch writes at, above or below a place where the document differs from this base: it would
+    /// overwrite what somebody else did.
+    bool conflicts(const Json& document, const Patch& patch) const;
+
+private:
+    struct Place
+    {
+        Path path;
+        std::optional<Json> value; // nothing: there was nothing
+    };
+    void add(const Json& document, const Path& path);
+
+    std::vector<Place> m_places;
+};
+
+} // namespace vantrel
