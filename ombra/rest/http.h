@@ -12,6 +12,7 @@ struct HttpRequest
     std::string path;   // as sent, without the query
     std::string query;  // without the "?"
     std::string body;
+    std::string ifMatch = {}; // the field's text, empty without one
 };
 
 struct HttpReply

@@ -129,6 +129,7 @@ void HttpSession::bodyRead(beast::error_code code)
     if (mark != beast::string_view::npos)
         plain.query = target.substr(mark + 1);
     plain.body = std::move(request.body());
+    plain.ifMatch = request[http::field::if_match];
     m_handlers->request(std::move(plain),
                         [self = shared_from_this()](HttpReply reply) { self->answer(std::move(reply)); });
 }

@@ -21,6 +21,28 @@ bool parseBody(const HttpRequest& request, const HttpAnswer& answer, Json& out)
     return false;
 }
 
+std::string entityTag(std::uint64_t revision)
+{
+    return '"' + std::to_string(revision) + '"';
+}
+
+/// Whether one of the tags of an If-Match is this one. A weak tag is never.
+bool matches(std::string_view field, std::string_view tag)
+{
+    for (std::size_t start = 0; start <= field.size();) {
+        const std::size_t end = std::min(field.find(',', start), field.size());
+        std::string_view item = field.substr(start, end - start);
+        while (item.starts_with(' ') || item.starts_with('\t'))
+            item.remove_prefix(1);
+        while (item.ends_with(' ') || item.ends_with('\t'))
+            item.remove_suffix(1);
+        if (item == "*" || item == tag)
+            return true;
+        start = end + 1;
+    }
+    return false;
+}
+
 } // namespace
 
 RestApi::RestApi(ShowStore& store, MediaData& mediaData, ShowFiles& showFiles)
@@ -71,13 +93,25 @@ void RestApi::getLibrary(const HttpRequest&, const HttpAnswer& answer)
         m_libraryText = json.toString();
         m_libraryJson = json;
     }
-    answer({.body = m_libraryText, .etag = '"' + std::to_string(m_store.libraryRevision()) + '"'});
+    answer({.body = m_libraryText, .etag = entityTag(m_store.libraryRevision())});
+}
+
+/// An edit may name the revision that it was made for. Compared with all that is accepted, saved or not:
+/// nobody has seen the revisions that are still on their way to the disk.
+bool RestApi::isUpToDate(const HttpRequest& request, const HttpAnswer& answer) const
+{
+    const std::string now = entityTag(m_store.latestRevision());
+    if (request.ifMatch.empty() || matches(request.ifMatch, now))
+        return true;
+    answer(httpError(412, "the library has changed since this edit was made: it is at revision " +
+                              std::to_string(m_store.latestRevision()) + " now"));
+    return false;
 }
 
 void RestApi::postLibrary(const HttpRequest& request, const HttpAnswer& answer)
 {
     Json json;
-    if (!parseBody(request, answer, json))
+    if (!parseBody(request, answer, json) || !isUpToDate(request, answer))
         return;
     MediaLibrary library;
     std::string error;
@@ -96,6 +130,8 @@ void RestApi::patchLibrary(const HttpRequest& request, const HttpAnswer& answer)
             return op.op == PatchOpType::Get || op.op == PatchOpType::Invoke;
         }))
         return answer(httpError(400, "an operation that a document does not know"));
+    if (!isUpToDate(request, answer))
+        return;
     m_store.patchLibrary(patch, [answer](const EditResult& result) { answerEdit(answer, result); });
 }
 
@@ -112,7 +148,7 @@ void RestApi::getPlaylists(const HttpRequest&, const HttpAnswer& answer)
 void RestApi::postPlaylists(const HttpRequest& request, const HttpAnswer& answer)
 {
     Json json;
-    if (!parseBody(request, answer, json))
+    if (!parseBody(request, answer, json) || !isUpToDate(request, answer))
         return;
     if (!json.isArray() || json.size() > static_cast<std::size_t>(MediaLibrary::indexMax))
         return answer(httpError(422, "playlists come as an array of at most 9999"));
@@ -174,7 +210,9 @@ void RestApi::answerEdit(const HttpAnswer& answer, const EditResult& result)
 {
     switch (result.status) {
     case EditResult::Status::Saved:
-        return answer({.body = "{}"});
+        return answer({.body = "{}", .etag = entityTag(result.revision)});
+    case EditResult::Status::TestFailed:
+        return answer(httpError(412, result.message));
     case EditResult::Status::DoesNotFit:
         return answer(httpError(409, result.message));
     case EditResult::Status::BreaksRules:

@@ -79,14 +79,19 @@ public:
     {
         int status = 0;
         QByteArray body;
+        QByteArray tag; // the ETag, with its quotes
     };
-    Answer request(const QByteArray& method, const QByteArray& path, const QByteArray& body = {})
+    /// fields: more lines of the header, each with its end.
+    Answer request(const QByteArray& method, const QByteArray& path, const QByteArray& body = {},
+                   const QByteArray& fields = {})
     {
         const QByteArray answer =
             exchange(method + " /api/brume/v1" + path + " HTTP/1.1\r\nHost: test\r\nContent-Length: " +
-                     QByteArray::number(body.size()) + "\r\n\r\n" + body);
+                     QByteArray::number(body.size()) + "\r\n" + fields + "\r\n" + body);
         const qsizetype end = answer.indexOf("\r\n\r\n");
-        return {answer.mid(9, 3).toInt(), end < 0 ? QByteArray() : answer.mid(end + 4)};
+        const qsizetype tag = answer.left(end).indexOf("ETag: ");
+        return {answer.mid(9, 3).toInt(), end < 0 ? QByteArray() : answer.mid(end + 4),
+                tag < 0 ? QByteArray() : answer.mid(tag + 6, answer.indexOf('\r', tag) - tag - 6)};
     }
 
 private:

@@ -9,6 +9,8 @@
 #include <QFileInfo>
 #include <QImage>
 
+#include <array>
+
 using namespace vantrel;
 using namespace vantrel::ombra::test;
 
@@ -63,7 +65,7 @@ private Q_SLOTS:
         row("no such path", "PATCH", "/medialibrary", R"([{"op":"remove","path":"/collections/7"}])", 409);
         row("failed test", "PATCH", "/medialibrary",
             R"([{"op":"replace","path":"/collections/1/name","value":"x"},{"op":"test","path":"/collections/1/name","value":"y"}])",
-            409);
+            412);
         row("wrong type", "PATCH", "/medialibrary",
             R"([{"op":"replace","path":"/collections/1/name","value":7}])", 422);
         row("slot 10000", "PATCH", "/medialibrary",
@@ -116,6 +118,71 @@ private Q_SLOTS:
         } else {
             QVERIFY2(json.isObject(), answer.body.constData());
         }
+    }
+
+    void takesWhatIsUpToDate_data()
+    {
+        QTest::addColumn<QByteArray>("match"); // NOW, OLD: the tags of the library and of the one before
+        QTest::addColumn<int>("status");
+        QTest::newRow("now") << QByteArray("NOW") << 200;
+        QTest::newRow("one of several") << QByteArray("OLD ,\tNOW") << 200;
+        QTest::newRow("whatever there is") << QByteArray("*") << 200;
+        QTest::newRow("old") << QByteArray("OLD") << 412;
+        QTest::newRow("weak") << QByteArray("W/NOW") << 412;
+        QTest::newRow("of another server") << QByteArray("\"1\"") << 412;
+        QTest::newRow("no tag") << QByteArray("now") << 412;
+    }
+
+    void takesWhatIsUpToDate()
+    {
+        QFETCH(QByteArray, match);
+        QFETCH(int, status);
+        const QByteArray old = m_live.request("GET", "/medialibrary").tag;
+        const QByteArray rename = R"([{"op":"replace","path":"/collections/1/name","value":"%"}])";
+        const QByteArray now =
+            m_live.request("PATCH", "/medialibrary", QByteArray(rename).replace('%', 'a')).tag;
+        QCOMPARE(m_live.request("GET", "/medialibrary").tag, now);
+        QVERIFY(!now.isEmpty() && now != old);
+        const QByteArray field = "If-Match: " + match.replace("NOW", now).replace("OLD", old) + "\r\n";
+        const bool taken = status == 200;
+        const LiveServer::Answer answer =
+            m_live.request("PATCH", "/medialibrary", QByteArray(rename).replace('%', 'b'), field);
+        QCOMPARE(answer.status, status);
+        QCOMPARE(!answer.tag.isEmpty(), taken);
+        const LiveServer::Answer after = m_live.request("GET", "/medialibrary");
+        QCOMPARE(after.tag, taken ? answer.tag : now);
+        QCOMPARE(parsed(after.body).get("collections").get("1").get("name").asString(),
+                 std::string(taken ? "b" : "a"));
+        for (const QByteArray path : {"/medialibrary", "/playlists"})
+            QCOMPARE(
+                m_live
+                    .request("POST", path, path == "/playlists" ? "[]" : library, "If-Match: " + old + "\r\n")
+                    .status,
+                412);
+    }
+
+    /// Two edits made for the same revision, the second before the first is on the disk.
+    void takesOneOfTwo()
+    {
+        const QByteArray field = "If-Match: " + m_live.request("GET", "/medialibrary").tag + "\r\n";
+        const QByteArray add = R"([{"op":"add","path":"/collections/9","value":{"name":"new","slots":{}}}])";
+        const QByteArray edit =
+            "PATCH /api/brume/v1/medialibrary HTTP/1.1\r\nHost: test\r\n" + field +
+            "Content-Type: application/json\r\nContent-Length: " + QByteArray::number(add.size()) +
+            "\r\n\r\n" + add;
+        std::array<QTcpSocket, 2> sockets;
+        std::array<QByteArray, 2> answers;
+        for (QTcpSocket& socket : sockets) {
+            socket.connectToHost(QStringLiteral("127.0.0.1"), m_live.server().httpPort());
+            socket.write(edit);
+        }
+        QVERIFY(m_live.waitFor([&] {
+            for (std::size_t i = 0; i < sockets.size(); ++i)
+                answers[i] += sockets[i].readAll();
+            return answers[0].contains("}") && answers[1].contains("}");
+        }));
+        QCOMPARE(answers[0].startsWith("HTTP/1.1 200") + answers[1].startsWith("HTTP/1.1 200"), 1);
+        QCOMPARE(answers[0].startsWith("HTTP/1.1 412") + answers[1].startsWith("HTTP/1.1 412"), 1);
     }
 
     void refusesWhatIsNoRequest_data()
