@@ -210,6 +210,7 @@ void Session::onConnect()
         return; // the operator left before this signal came through
     m_sceneLoading = true;
     m_sceneCleared = false;
+    m_nextPatch = {};
     qCInfo(lcSession, "Session connected to: %s", qPrintable(host));
     delete m_mediaLibraryApi;
     m_mediaLibraryApi = new MediaLibraryApi(host, m_qnam, m_mediaLibrary.get(), this);

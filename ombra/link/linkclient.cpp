@@ -95,9 +95,17 @@ void LinkClient::flush()
         write();
 }
 
+void LinkClient::showLife()
+{
+    if (std::exchange(m_silent, true) && !m_writing)
+        send({});
+    flush();
+}
+
 void LinkClient::write()
 {
     m_writing = true;
+    m_silent = false;
     boost::asio::async_write(m_socket, boost::asio::buffer(m_frames.front()),
                              [self = shared_from_this()](boost::system::error_code code, std::size_t) {
                                  self->m_writing = false;

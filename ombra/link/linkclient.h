@@ -41,6 +41,8 @@ public:
     void send(const Patch& patch);
     /// Writes what waits, if nothing is being written.
     void flush();
+    /// Says that the server is there, by an empty frame, if nothing else was said since the last call.
+    void showLife();
 
 private:
     void read();
@@ -58,6 +60,7 @@ private:
     std::deque<std::string> m_frames; // the front one is being written while m_writing
     std::size_t m_frameBytes = 0;
     bool m_writing = false;
+    bool m_silent = true; // since the last showLife()
     bool m_open = true;
 };
 

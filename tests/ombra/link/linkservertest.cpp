@@ -10,6 +10,8 @@
 #include <QTest>
 #include <boost/asio/io_context.hpp>
 
+#include <algorithm>
+
 using namespace vantrel;
 using namespace vantrel::ombra;
 using Client = vantrel::ombra::test::LinkPeer;
@@ -83,7 +85,8 @@ private Q_SLOTS:
         Client reader(m_server->port());
         for (Client* client : {&writer, &reader})
             client->send(R"([{"op":"get","path":""}])");
-        QVERIFY(waitFor([&] { return writer.frames > 0 && reader.frames > 0; }, {&writer, &reader}));
+        QVERIFY(waitFor([&] { return !writer.operations.empty() && !reader.operations.empty(); },
+                        {&writer, &reader}));
         writer.operations.clear();
         writer.send(replaceOf(volume, "0.25"));
         QVERIFY(waitFor([&] { return reader.value(volume) == "0.25"; }, {&writer, &reader}));
@@ -101,6 +104,24 @@ private Q_SLOTS:
         QVERIFY(waitFor([&] { return writer.scene.findObject("/device/surfaces/0") != nullptr; },
                         {&writer, &reader}));
         QVERIFY(writer.fits && reader.fits);
+    }
+
+    /// Who has asked for nothing, and who has got all, hear within 250 ms that the server is there.
+    void saysThatItIsThere()
+    {
+        Client stranger(m_server->port());
+        Client guest(m_server->port());
+        guest.send(R"([{"op":"get","path":""}])");
+        QVERIFY(
+            waitFor([&] { return !guest.operations.empty() && stranger.frames > 0; }, {&guest, &stranger}));
+        guest.operations.clear();
+        guest.frames = stranger.frames = 0;
+        QElapsedTimer clock;
+        clock.start();
+        QVERIFY(waitFor([&] { return std::min(guest.frames, stranger.frames) >= 8; }, {&guest, &stranger}));
+        QVERIFY2(clock.elapsed() > 500 && clock.elapsed() < 8 * 250,
+                 qPrintable(QString::number(clock.elapsed())));
+        QVERIFY(guest.operations.empty() && stranger.operations.empty());
     }
 
     void answersGets_data()
@@ -181,7 +202,7 @@ private Q_SLOTS:
         Client good(m_server->port());
         Client bad(m_server->port());
         good.send(R"([{"op":"get","path":""}])");
-        QVERIFY(waitFor([&] { return good.frames > 0; }, {&good}));
+        QVERIFY(waitFor([&] { return !good.operations.empty(); }, {&good}));
         bad.socket.write(bytes);
         QVERIFY(waitFor([&] { return bad.socket.state() == QAbstractSocket::UnconnectedState; }, {&bad}));
         m_scene->replaceProperty(m_scene->find(volume), Variant::from(0.5));
@@ -194,7 +215,7 @@ private Q_SLOTS:
         Client slow(m_server->port());
         slow.socket.setReadBufferSize(4096);
         slow.send(R"([{"op":"get","path":""}])");
-        QVERIFY(waitFor([&] { return slow.frames > 0; }, {&slow}));
+        QVERIFY(waitFor([&] { return !slow.operations.empty(); }, {&slow}));
         const std::string text(200'000, 'x'); // large values fill the buffers of the system soon
         for (int i = 0; i < 200; ++i) {
             m_scene->replaceProperty(m_scene->find("/device/channels/0/program/properties/media"),
