@@ -66,10 +66,19 @@ void LinkClient::queueBatch()
     m_frameBytes += m_frames.back().size();
 }
 
+void LinkClient::add(const PatchOp& op)
+{
+    m_batch.add(op);
+    if (op.op == PatchOpType::Replace)
+        m_crossed.sent(op.path, std::chrono::steady_clock::now());
+}
+
 void LinkClient::send(const Patch& patch)
 {
     if (!m_open)
         return;
+    if (!patch.empty())
+        m_crossed.sentMuch(std::chrono::steady_clock::now());
     queueBatch();
     m_frames.push_back(linkframe::encode(patch));
     m_frameBytes += m_frames.back().size();

@@ -176,8 +176,23 @@ void LinkServer::writeProperty(LinkClient& client, const PatchOp& op)
         correction.value = json;
         client.add(correction);
     }
+    client.written(op.path);
     m_handlers.written(object.get(), property);
     scheduleFlush();
+}
+
+/// Tells the client what the scene holds where its writes crossed those of others.
+void LinkServer::settleCrossed(LinkClient& client)
+{
+    for (const Path& path : client.takeCrossed()) {
+        const ScenePointer at = m_scene.find(path);
+        Variant value;
+        PatchOp op{PatchOpType::Replace, path, {}, {}};
+        if (!at.property() || !m_scene.getProperty(at, value))
+            continue; // gone meanwhile
+        Json::fromVariant(value, op.value);
+        client.add(op);
+    }
 }
 
 void LinkServer::restructure(LinkClient& client, const PatchOp& op)
@@ -261,8 +276,10 @@ void LinkServer::scheduleFlush()
 void LinkServer::showLife()
 {
     const auto clients = m_clients; // one may go meanwhile
-    for (const auto& client : clients)
+    for (const auto& client : clients) {
+        settleCrossed(*client);
         client->showLife();
+    }
     m_life.expires_after(lifeTick);
     m_life.async_wait([this, alive = std::weak_ptr(m_alive)](boost::system::error_code code) {
         if (!code && !alive.expired())

@@ -50,6 +50,7 @@ private:
     void restructure(LinkClient& client, const PatchOp& op);
     void refuse(LinkClient& client, const PatchOp& op, const std::string& why);
     void sendBack(LinkClient& client, const Path& path, bool missing);
+    void settleCrossed(LinkClient& client);
 
     void onSceneChange(int count, const SceneChange* changes);
     void publish(const PatchOp& op);

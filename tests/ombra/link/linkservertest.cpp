@@ -1,6 +1,7 @@
 #include "ombra/link/linkserver.h"
 
 #include "ombra/link/changebatch.h"
+#include "ombra/link/crossedwrites.h"
 #include "ombra/outputs/outputs.h"
 #include "tests/ombra/linkpeer.h"
 #include "tests/support/testmain.h"
@@ -11,6 +12,7 @@
 #include <boost/asio/io_context.hpp>
 
 #include <algorithm>
+#include <chrono>
 
 using namespace vantrel;
 using namespace vantrel::ombra;
@@ -122,6 +124,50 @@ private Q_SLOTS:
         QVERIFY2(clock.elapsed() > 500 && clock.elapsed() < 8 * 250,
                  qPrintable(QString::number(clock.elapsed())));
         QVERIFY(guest.operations.empty() && stranger.operations.empty());
+    }
+
+    /// The server and a client change the same value at once, so that the two cross on the link: the client's
+    /// copy ends as the scene does. While it goes on writing it is left alone.
+    void endsWithTheSameValue()
+    {
+        Client client(m_server->port());
+        client.send(R"([{"op":"get","path":""}])");
+        QVERIFY(waitFor([&] { return !client.operations.empty(); }, {&client}));
+        for (int i = 0; i < 20; ++i) {
+            const std::string mine = "0." + std::to_string(10 + i);
+            m_scene->replaceProperty(m_scene->find(volume), Variant::from(0.5));
+            client.send(replaceOf(volume, mine)); // before it has read anything
+            QVERIFY(client.scene.replaceProperty(client.scene.find(volume), Variant::from(std::stod(mine))));
+            m_written.clear();
+            QVERIFY(waitFor([&] { return !m_written.isEmpty(); }, {&client}));
+        }
+        Variant value;
+        QVERIFY(m_scene->getProperty(m_scene->find(volume), value));
+        QVERIFY(waitFor([&] { return client.value(volume) == value.asString(); }, {&client}));
+        QCOMPARE(value.asString(), std::string("0.29"));
+    }
+
+    void crossedWrites()
+    {
+        using namespace std::chrono_literals;
+        const Path path(volume);
+        const CrossedWrites::Time start{1h};
+        CrossedWrites writes;
+        writes.written(path, start); // nothing was on its way
+        QVERIFY(writes.takeDue(start + 1s).empty());
+        writes.sent(path, start + 2s);
+        for (const auto time : {2100ms, 2200ms, 2300ms}) {
+            writes.written(path, start + time);
+            writes.written(Path("/other"), start + time);
+            QVERIFY(writes.takeDue(start + time + 150ms).empty()); // still at it
+        }
+        QCOMPARE(writes.takeDue(start + 2500ms), std::vector<Path>{path});
+        QVERIFY(writes.takeDue(start + 3s).empty());
+        writes.written(path, start + 8s); // it has been read by now
+        QVERIFY(writes.takeDue(start + 9s).empty());
+        writes.sentMuch(start + 9s);
+        writes.written(Path("/other"), start + 10s);
+        QCOMPARE(writes.takeDue(start + 11s), std::vector<Path>{Path("/other")});
     }
 
     void answersGets_data()
