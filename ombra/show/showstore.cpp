@@ -110,6 +110,7 @@ bool ShowStore::replay(const Json& entry, std::string& why)
 void ShowStore::patchLibrary(const Patch& patch, Answer answer)
 {
     std::string message;
+    const Json before = m_latest.toJson();
     const int code = m_latest.applyDiff(patch, &message);
     if (code != 0) {
         auto status = EditResult::Status::DoesNotFit;
@@ -120,13 +121,15 @@ void ShowStore::patchLibrary(const Patch& patch, Answer answer)
         answer({status, message});
         return;
     }
-    m_latestRevision += patch.empty() ? 0 : 1;
+    Patch difference;
+    Patch::diff(before, m_latest.toJson(), difference);
+    m_latestRevision += difference.empty() ? 0 : 1;
     auto after = std::make_shared<MediaLibrary>(m_latest);
     save(Json::object({{"library", patch.toJson()}}),
-         [this, patch, after, revision = m_latestRevision,
+         [this, difference, after, revision = m_latestRevision,
           answer = std::move(answer)](bool ok, const std::string& error) {
              if (ok)
-                 librarySaved(patch, *after, revision);
+                 librarySaved(difference, *after, revision);
              answer({ok ? EditResult::Status::Saved : EditResult::Status::NotSaved, error, revision});
          });
 }
@@ -191,14 +194,14 @@ void ShowStore::save(const Json& entry, std::function<void(bool, const std::stri
     m_writer->submit(std::move(job));
 }
 
-void ShowStore::librarySaved(const Patch& patch, const MediaLibrary& after, std::uint64_t revision)
+void ShowStore::librarySaved(const Patch& difference, const MediaLibrary& after, std::uint64_t revision)
 {
     *m_library = after;
-    if (patch.empty())
+    if (difference.empty())
         return;
     m_revision = revision;
     for (const LibraryListener& listener : m_listeners)
-        listener(patch);
+        listener(difference);
 }
 
 void ShowStore::goBack(std::uint64_t epoch)

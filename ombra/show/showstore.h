@@ -60,7 +60,9 @@ public:
     void replaceLibrary(const MediaLibrary& library, Answer answer);
     void changeSetting(const std::string& path, const Json& value);
 
-    /// Called after each saved edit of the library that changed something.
+    /// Called after each saved edit of the library that changed something, with what is different now:
+    /// additions, removals and replacements of no more than that, however the edit was put. Who mirrors the
+    /// library need not know what it means to move a slot or to replace all collections.
     void addLibraryListener(LibraryListener listener) { m_listeners.push_back(std::move(listener)); }
 
 private:
@@ -71,7 +73,7 @@ private:
     bool restore(const ShowDisk::Loaded& loaded, std::string& why);
     bool replay(const Json& entry, std::string& why);
     void save(const Json& entry, std::function<void(bool, const std::string&)> done);
-    void librarySaved(const Patch& patch, const MediaLibrary& after, std::uint64_t revision);
+    void librarySaved(const Patch& difference, const MediaLibrary& after, std::uint64_t revision);
     void goBack(std::uint64_t epoch);
     void flushSettings();
 
