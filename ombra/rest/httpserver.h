@@ -2,6 +2,7 @@
 
 #include "ombra/base/listener.h"
 #include "ombra/rest/http.h"
+#include "ombra/rest/requestguard.h"
 
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/ip/tcp.hpp>
@@ -21,6 +22,7 @@ struct HttpHandlers
     std::function<void(HttpRequest, HttpAnswer)> request;
     std::string streamPath; // a GET of it opens an event stream
     std::string socketPath; // a WebSocket may be opened here
+    RequestGuard guard;     // of all of these
 };
 
 /// An HTTP/1.1 server with event streams and WebSockets. Each second an event stream gets a comment, so that

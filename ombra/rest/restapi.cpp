@@ -6,6 +6,8 @@
 #include "ombra/show/showstore.h"
 #include "tarn/media/medialibrary.h"
 
+#include <boost/algorithm/string/predicate.hpp>
+
 #include <algorithm>
 
 namespace vantrel::ombra {
@@ -19,6 +21,21 @@ bool parseBody(const HttpRequest& request, const HttpAnswer& answer, Json& out)
         return true;
     answer(httpError(400, error));
     return false;
+}
+
+/// A body must be announced as what it is: a web page can send forms and plain text wherever it likes, but
+/// nothing else without asking first. The application imports shows as a form.
+bool hasReadableType(const HttpRequest& request)
+{
+    if (request.method != "POST" && request.method != "PATCH")
+        return true;
+    std::string_view type(request.contentType);
+    type = type.substr(0, type.find(';'));
+    while (type.ends_with(' ') || type.ends_with('\t'))
+        type.remove_suffix(1);
+    return boost::algorithm::iequals(type, "application/json") ||
+           (request.path.ends_with("/show/current") &&
+            boost::algorithm::iequals(type, "application/x-www-form-urlencoded"));
 }
 
 std::string entityTag(std::uint64_t revision)
@@ -76,6 +93,8 @@ void RestApi::handle(const HttpRequest& request, const HttpAnswer& answer)
     if (routes == m_routes.end())
         return answer(httpError(404, "no such resource"));
     const auto route = routes->second.find(request.method);
+    if (route != routes->second.end() && !hasReadableType(request))
+        return answer(httpError(415, "the body must be of the type application/json"));
     if (route != routes->second.end())
         return (this->*route->second)(request, answer);
     HttpReply reply = httpError(405, "method not allowed here");

@@ -16,8 +16,8 @@ class ShowFiles;
 struct EditResult;
 
 /// The routes below /api/brume/v1. A refused request changes nothing and says why: 400 what is malformed, 409
-/// a patch that does not fit the library, 412 an edit that was made for another revision of it, 422 one that
-/// would break its rules.
+/// a patch that does not fit the library, 412 an edit that was made for another revision of it, 415 a body
+/// that does not say that it is JSON, 422 an edit that would break the library's rules.
 class RestApi
 {
 public:

@@ -8,6 +8,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QImage>
+#include <QSysInfo>
 
 #include <array>
 
@@ -169,7 +170,7 @@ private Q_SLOTS:
         const QByteArray field = "If-Match: " + m_live.request("GET", "/medialibrary").tag + "\r\n";
         const QByteArray add = R"([{"op":"add","path":"/collections/9","value":{"name":"new","slots":{}}}])";
         const QByteArray edit =
-            "PATCH /api/brume/v1/medialibrary HTTP/1.1\r\nHost: test\r\n" + field +
+            "PATCH /api/brume/v1/medialibrary HTTP/1.1\r\nHost: localhost\r\n" + field +
             "Content-Type: application/json\r\nContent-Length: " + QByteArray::number(add.size()) +
             "\r\n\r\n" + add;
         std::array<QTcpSocket, 2> sockets;
@@ -187,6 +188,89 @@ private Q_SLOTS:
         QCOMPARE(answers[0].startsWith("HTTP/1.1 412") + answers[1].startsWith("HTTP/1.1 412"), 1);
     }
 
+    void keepsWebPagesOut_data()
+    {
+        QTest::addColumn<QByteArray>("fields");
+        QTest::addColumn<int>("status");
+        const auto row = [](const char* name, const QByteArray& host, const QByteArray& rest, int status) {
+            QTest::newRow(name) << "Host: " + host + "\r\n" + rest << status;
+        };
+        const QByteArray machine = QSysInfo::machineHostName().toUtf8();
+        row("address", "127.0.0.1", "", 200);
+        row("address and port", "192.168.0.7:80", "", 200);
+        row("IPv6", "[::1]", "", 200);
+        row("IPv6 and port", "[fe80::1]:8080", "", 200);
+        row("the machine", machine.toUpper(), "", 200);
+        row("the machine on its network", machine.split('.').first() + ".local:8080", "", 200);
+        row("a given name", "stage-1.Example.org.", "", 200);
+        row("its own page", "localhost:81", "Origin: http://LocalHost:81\r\n", 200);
+        row("another name", "evil.example", "", 403);
+        row("a name that begins alike", "localhost.evil.example", "", 403);
+        row("an address in a name", "127.0.0.1.evil.example", "", 403);
+        row("a name behind a port", "localhost:80@evil.example", "", 403);
+        row("half an address", "[::1", "", 403);
+        row("two hosts", "localhost\r\nHost: evil.example", "", 403);
+        row("a page elsewhere", "localhost", "Origin: http://evil.example\r\n", 403);
+        row("a page on another port", "localhost", "Origin: http://localhost:3000\r\n", 403);
+        row("a page of a file", "localhost", "Origin: null\r\n", 403);
+        row("two origins", "localhost", "Origin: http://localhost\r\nOrigin: http://evil.example\r\n", 403);
+        QTest::newRow("no host") << QByteArray() << 400;
+    }
+
+    /// Also from what stays open: the event stream and the WebSocket.
+    void keepsWebPagesOut()
+    {
+        QFETCH(QByteArray, fields);
+        QFETCH(int, status);
+        const QByteArray upgrade =
+            "Upgrade: websocket\r\nConnection: Upgrade\r\nSec-WebSocket-Version: 13\r\n"
+            "Sec-WebSocket-Key: dGhlIHNhbXBsZSBub25jZQ==\r\n";
+        const auto statusOf = [&](const QByteArray& request, const QByteArray& rest) {
+            QTcpSocket socket;
+            socket.connectToHost(QStringLiteral("127.0.0.1"), m_live.server().httpPort());
+            const qsizetype space = request.indexOf(' ') + 1;
+            socket.write(QByteArray(request).insert(space, "/api/brume/v1") + " HTTP/1.1\r\n" + fields +
+                         rest);
+            QByteArray answer;
+            m_live.waitFor([&] { return (answer += socket.readAll()).contains("\r\n\r\n"); });
+            return answer.mid(9, 3).toInt();
+        };
+        QCOMPARE(statusOf("GET /medialibrary", "\r\n"), status);
+        QCOMPARE(statusOf("GET /sse", "\r\n"), status);
+        QCOMPARE(statusOf("GET /events", upgrade + "\r\n"), status == 200 ? 101 : status);
+        QCOMPARE(statusOf("POST /medialibrary", "Content-Type: application/json\r\nContent-Length: " +
+                                                    QByteArray::number(library.size()) + "\r\n\r\n" +
+                                                    library),
+                 status);
+    }
+
+    void readsWhatSaysThatItIsJson_data()
+    {
+        QTest::addColumn<QByteArray>("path");
+        QTest::addColumn<QByteArray>("type");
+        QTest::addColumn<bool>("read");
+        const QByteArray form("application/x-www-form-urlencoded");
+        QTest::newRow("json") << QByteArray("/medialibrary") << QByteArray("Application/JSON ; charset=utf-8")
+                              << true;
+        QTest::newRow("text") << QByteArray("/medialibrary") << QByteArray("text/plain") << false;
+        QTest::newRow("text that names json")
+            << QByteArray("/medialibrary") << QByteArray("text/plain; application/json") << false;
+        QTest::newRow("form") << QByteArray("/medialibrary") << form << false;
+        QTest::newRow("nothing") << QByteArray("/playlists") << QByteArray() << false;
+        QTest::newRow("show as form") << QByteArray("/show/current") << form << true;
+        QTest::newRow("show as text") << QByteArray("/show/current") << QByteArray("text/plain") << false;
+    }
+
+    void readsWhatSaysThatItIsJson()
+    {
+        QFETCH(QByteArray, path);
+        QFETCH(QByteArray, type);
+        QFETCH(bool, read);
+        const QByteArray body = path == "/show/current" ? m_live.request("GET", path).body : library;
+        const int status = m_live.request("POST", path, body, "Content-Type: " + type + "\r\n").status;
+        QCOMPARE(status, read ? 200 : 415);
+    }
+
     void refusesWhatIsNoRequest_data()
     {
         QTest::addColumn<QByteArray>("bytes");
@@ -195,7 +279,7 @@ private Q_SLOTS:
         QTest::newRow("long header") << "GET / HTTP/1.1\r\nX: " + QByteArray(40000, 'x') + "\r\n\r\n"
                                      << QByteArray("431");
         QTest::newRow("large body") << QByteArray("PATCH /api/brume/v1/medialibrary HTTP/1.1\r\n"
-                                                  "Content-Length: 70000000\r\n\r\n[")
+                                                  "Host: localhost\r\nContent-Length: 70000000\r\n\r\n[")
                                     << QByteArray("413");
         QTest::newRow("bad length") << QByteArray("GET / HTTP/1.1\r\nContent-Length: -1\r\n\r\n")
                                     << QByteArray("400");
@@ -225,7 +309,7 @@ private Q_SLOTS:
             R"([{"op":"replace","path":"/collections/1/name","value":"two  three   \ttab\u00a0\u2003wide \\  end "}])",
             R"([{"op":"add","path":"/collections/1/slots/5","value":{"name":" x  y"}},)"
             R"({"op":"move","from":"/collections/1/slots/5","path":"/collections/1/slots/6"}])",
-            R"([{"op":"remove","path":"/collections/1/slots/1/outpoint"}])",
+            R"([{"op":"add","path":"/collections/1/slots/1/outpoint","value":4}])",
             R"([{"op":"remove","path":"/nothing"}])",
             R"([{"op":"add","path":"/playlists/3","value":{"name":"\n","entries":{}}}])",
         };
@@ -257,7 +341,7 @@ private Q_SLOTS:
         Json last;
         QVERIFY(Json::parseString(lines.at(lines.size() - 3).mid(5).toStdString(), last));
         const QByteArray revision = QByteArray::number(qlonglong(last.at(0)->get("revision").asInt(-1)));
-        QVERIFY2(m_live.exchange("GET /api/brume/v1/medialibrary HTTP/1.1\r\nHost: test\r\n\r\n")
+        QVERIFY2(m_live.exchange("GET /api/brume/v1/medialibrary HTTP/1.1\r\nHost: localhost\r\n\r\n")
                      .contains("ETag: \"" + revision + "\"\r\n"),
                  revision.constData());
         QVERIFY(mirror.toJson() == parsed(m_live.request("GET", "/medialibrary").body));
@@ -270,6 +354,72 @@ private Q_SLOTS:
         QVERIFY(Patch::parseString(received.mid(5).trimmed().toStdString(), difference));
         QCOMPARE(mirror.applyDiff(difference), 0);
         QVERIFY(mirror.toJson() == parsed(m_live.request("GET", "/medialibrary").body));
+    }
+
+    void streamsWhatDiffers_data()
+    {
+        QTest::addColumn<QByteArray>("patch");
+        QTest::addColumn<QByteArray>("told"); // operations and paths
+        const auto row = [](const char* name, const char* patch, const char* told) {
+            QTest::newRow(name) << QByteArray(patch) << QByteArray(told);
+        };
+        row("root",
+            R"([{"op":"replace","path":"","value":{"collections":{"1":{"name":"x","slots":{)"
+            R"("1":{"name":"clip","contentUrl":"file:///a"}}}},"playlists":{}}}])",
+            "replace /collections/1/name, remove /playlists/2");
+        row("all collections",
+            R"([{"op":"add","path":"/collections","value":{"3":{"name":"y","slots":{}}}}])",
+            "remove /collections/1, add /collections/3");
+        row("a collection added over another",
+            R"([{"op":"add","path":"/collections/1","value":{"name":"one","slots":{"2":{"name":"b"}}}}])",
+            "remove /collections/1/slots/1, add /collections/1/slots/2");
+        row("all slots", R"([{"op":"replace","path":"/collections/1/slots","value":{}}])",
+            "remove /collections/1/slots/1");
+        row("moved", R"([{"op":"move","from":"/collections/1/slots/1","path":"/collections/1/slots/4"}])",
+            "remove /collections/1/slots/1, add /collections/1/slots/4");
+        row("copied", R"([{"op":"copy","from":"/collections/1","path":"/collections/2"}])",
+            "add /collections/2");
+        row("there and back",
+            R"([{"op":"move","from":"/collections/1","path":"/collections/2"},)"
+            R"({"op":"move","from":"/collections/2","path":"/collections/1"}])",
+            "");
+    }
+
+    /// However a client puts its edit, the others read additions, removals and replacements of what changed.
+    void streamsWhatDiffers()
+    {
+        QFETCH(QByteArray, patch);
+        MediaLibrary mirror;
+        const LiveServer::Answer before = m_live.request("GET", "/medialibrary");
+        QVERIFY(mirror.parseJson(parsed(before.body)));
+        QTcpSocket stream;
+        openStream(stream);
+        const LiveServer::Answer answer = m_live.request("PATCH", "/medialibrary", patch);
+        QCOMPARE(answer.status, 200);
+        // An edit that changes nothing is told to nobody, so that it must not make another revision.
+        QCOMPARE(m_live
+                     .request("PATCH", "/medialibrary",
+                              R"([{"op":"add","path":"/playlists/77","value":{"name":"end"}}])")
+                     .status,
+                 200);
+        QByteArray received;
+        QVERIFY(m_live.waitFor([&] { return (received += stream.readAll()).contains("/playlists/77"); }));
+        QStringList told;
+        for (const QByteArray& line : received.replace(signOfLife, "").split('\n')) {
+            Patch difference;
+            if (line.isEmpty() || line.contains("/playlists/77"))
+                continue;
+            QVERIFY2(Patch::parseString(line.mid(5).toStdString(), difference), line.constData());
+            QCOMPARE(mirror.applyDiff(difference), 0);
+            const Json operations = difference.toJson();
+            operations.forEachItem([&](const Json& op) {
+                told.append(
+                    QString::fromStdString(op.get("op").asString() + " " + op.get("path").asString()));
+                return true;
+            });
+        }
+        QTEST(told.join(QStringLiteral(", ")).toUtf8(), "told");
+        QCOMPARE(answer.tag != before.tag, !told.isEmpty());
     }
 
     void saysThatItIsThere()
@@ -301,9 +451,9 @@ private Q_SLOTS:
     {
         QTcpSocket socket;
         socket.connectToHost(QStringLiteral("127.0.0.1"), m_live.server().httpPort());
-        socket.write(
-            "GET /api/brume/v1/events HTTP/1.1\r\nHost: test\r\nUpgrade: websocket\r\nConnection: Upgrade\r\n"
-            "Sec-WebSocket-Key: dGhlIHNhbXBsZSBub25jZQ==\r\nSec-WebSocket-Version: 13\r\n\r\n");
+        socket.write("GET /api/brume/v1/events HTTP/1.1\r\nHost: localhost\r\nUpgrade: "
+                     "websocket\r\nConnection: Upgrade\r\n"
+                     "Sec-WebSocket-Key: dGhlIHNhbXBsZSBub25jZQ==\r\nSec-WebSocket-Version: 13\r\n\r\n");
         QByteArray received;
         const auto comes = [&](const QByteArray& text) {
             return m_live.waitFor([&] {
@@ -359,7 +509,7 @@ private:
     {
         stream.connectToHost(QStringLiteral("127.0.0.1"), m_live.server().httpPort());
         stream.write(
-            "GET /api/brume/v1/sse?topic=collections&topic=playlists HTTP/1.1\r\nHost: test\r\n\r\n");
+            "GET /api/brume/v1/sse?topic=collections&topic=playlists HTTP/1.1\r\nHost: localhost\r\n\r\n");
         QByteArray head;
         m_live.waitFor([&] {
             head += stream.readAll();
