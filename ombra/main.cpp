@@ -18,7 +18,7 @@ using namespace vantrel::ombra;
 
 constexpr const char* usage =
     "usage: ombra --media DIR --state DIR [--bind ADDR] [--http-port N] [--link-port N] [--preview-port N]\n"
-    "             [--no-discovery]\n"
+    "             [--host-name NAME]... [--no-discovery]\n"
     "\n"
     "  --media DIR        the folder of the media files\n"
     "  --state DIR        where the show is kept; made where needed\n"
@@ -26,6 +26,8 @@ constexpr const char* usage =
     "  --http-port N      of the library and the media data (80); 0 takes a free port, as for the others\n"
     "  --link-port N      of the scene (11060)\n"
     "  --preview-port N   of the preview pictures (11061)\n"
+    "  --host-name NAME   a name that clients may call it by, beside the machine's own; several are "
+    "possible\n"
     "  --no-discovery     do not answer searches of the network\n";
 
 bool parsePort(std::string_view text, unsigned short& out)
@@ -40,6 +42,8 @@ bool parseOption(std::string_view name, const char* value, ServerOptions& option
         options.media = value;
     else if (name == "--state")
         options.state = value;
+    else if (name == "--host-name")
+        options.hostNames.emplace_back(value);
     else if (name == "--http-port")
         return parsePort(value, options.httpPort);
     else if (name == "--link-port")

@@ -73,11 +73,13 @@ bool Server::start(std::string* error)
     m_mediaData = std::make_unique<MediaData>(m_io, m_options.media);
     m_rest = std::make_unique<RestApi>(*m_store, *m_mediaData, *m_showFiles);
     const std::string root(RestApi::root);
+    std::vector<std::string> names = m_options.hostNames;
+    names.push_back(hostName());
     m_http = std::make_unique<HttpServer>(
         m_io, HttpHandlers{[this](const HttpRequest& request, const HttpAnswer& answer) {
                                m_rest->handle(request, answer);
                            },
-                           root + "/sse", root + "/events"});
+                           root + "/sse", root + "/events", RequestGuard(names)});
     m_link = std::make_unique<LinkServer>(
         m_io, *m_scene,
         LinkServer::Handlers{

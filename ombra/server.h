@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace vantrel {
 class NetworkResponder;
@@ -37,7 +38,8 @@ struct ServerOptions
     unsigned short httpPort = 80;
     unsigned short linkPort = 11060;
     unsigned short previewPort = 11061;
-    bool discovery = true; // answer searches of the network
+    bool discovery = true;              // answer searches of the network
+    std::vector<std::string> hostNames; // that clients may call it by, beside the machine's own
 };
 
 /// The whole server: the show, the scene, the players and every interface. Lives on the io_context's thread.

@@ -212,6 +212,7 @@ void Session::onConnect()
         return; // the operator left before this signal came through
     m_sceneLoading = true;
     m_sceneCleared = false;
+    m_nextPatch = {};
     qCInfo(lcSession, "Session connected to: %s", qPrintable(host));
     followLibrary(host);
     initMediaLibraryHelpers(host);

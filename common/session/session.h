@@ -1,6 +1,7 @@
 #pragma once
 
 #include "common/session/settings/serverports.h"
+#include "tarn/json/patch.h"
 #include "tarn/ref.h"
 
 #include <QObject>
@@ -120,6 +121,7 @@ private:
     void followLibrary(const QString& host);
     void connectMediaLibraryApi();
     void initMediaLibraryHelpers(const QString& host);
+    bool hasPatch();
     bool clearForLoading();
     bool applyPatches();
     static void onSceneChange(Scene* scene, int count, const SceneChange* changes, void* user);
@@ -160,6 +162,7 @@ private:
     int m_linksSeen = 0; // of ConnectionHandler::linkCount()
     bool m_sceneLoading = false;
     bool m_sceneCleared = false; // the first slice after a connection has emptied the scene
+    Patch m_nextPatch;           // taken from the link, not applied yet
     bool m_drainPosted = false;  // more patches wait for the next turn of the event loop
     bool m_applyingPatch = false;
 };

@@ -65,7 +65,7 @@ void Session::onPatchAvailable()
         return;
     // Of a newer link than onConnect() has heard of nothing is taken yet: its patches need the scene cleared
     // first.
-    if (m_linksSeen == m_connection->linkCount()) {
+    if (m_linksSeen == m_connection->linkCount() && (m_sceneCleared || hasPatch())) {
         if (!clearForLoading() || !applyPatches()) {
             m_drainPosted = true;
             QTimer::singleShot(0, this, [this] {
@@ -78,6 +78,17 @@ void Session::onPatchAvailable()
             Q_EMIT sceneLoaded();
     }
     setMainWindowUpdatesEnabled(true);
+}
+
+/// Whether there is a patch to apply. An empty one only says that the server is there: it neither takes the
+/// old scene away nor ends the loading of the new one.
+bool Session::hasPatch()
+{
+    while (m_nextPatch.empty()) {
+        if (!m_connection->recvPatch(m_nextPatch))
+            return false;
+    }
+    return true;
 }
 
 /// The first patches after a connection replace everything; false when the slice of time was over before.
@@ -103,8 +114,8 @@ bool Session::applyPatches()
     const QScopedValueRollback applying(m_applyingPatch, true);
     QElapsedTimer clock;
     clock.start();
-    Patch patch;
-    while (m_connection->recvPatch(patch)) {
+    while (hasPatch()) {
+        const Patch patch = std::exchange(m_nextPatch, {});
         if (patch.size() > quietThreshold)
             setMainWindowUpdatesEnabled(false);
         m_scene->apply(patch, false);

@@ -66,10 +66,19 @@ void LinkClient::queueBatch()
     m_frameBytes += m_frames.back().size();
 }
 
+void LinkClient::add(const PatchOp& op)
+{
+    m_batch.add(op);
+    if (op.op == PatchOpType::Replace)
+        m_crossed.sent(op.path, std::chrono::steady_clock::now());
+}
+
 void LinkClient::send(const Patch& patch)
 {
     if (!m_open)
         return;
+    if (!patch.empty())
+        m_crossed.sentMuch(std::chrono::steady_clock::now());
     queueBatch();
     m_frames.push_back(linkframe::encode(patch));
     m_frameBytes += m_frames.back().size();
@@ -95,9 +104,17 @@ void LinkClient::flush()
         write();
 }
 
+void LinkClient::showLife()
+{
+    if (std::exchange(m_silent, true) && !m_writing)
+        send({});
+    flush();
+}
+
 void LinkClient::write()
 {
     m_writing = true;
+    m_silent = false;
     boost::asio::async_write(m_socket, boost::asio::buffer(m_frames.front()),
                              [self = shared_from_this()](boost::system::error_code code, std::size_t) {
                                  self->m_writing = false;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ombra/link/changebatch.h"
+#include "ombra/link/crossedwrites.h"
 #include "tarn/net/linkframe.h"
 
 #include <boost/asio/ip/tcp.hpp>
@@ -36,11 +37,18 @@ public:
     const std::string& name() const noexcept { return m_name; } // for the log
 
     /// Puts a change where the next flush() takes it from.
-    void add(const PatchOp& op) { m_batch.add(op); }
+    void add(const PatchOp& op);
     /// Sends whole operations after all that was added before.
     void send(const Patch& patch);
     /// Writes what waits, if nothing is being written.
     void flush();
+    /// Says that the server is there, by an empty frame, if nothing else was said since the last call.
+    void showLife();
+
+    /// The client wrote a property.
+    void written(const Path& path) { m_crossed.written(path, std::chrono::steady_clock::now()); }
+    /// What it is to be told once more, since its write crossed another value on the link.
+    std::vector<Path> takeCrossed() { return m_crossed.takeDue(std::chrono::steady_clock::now()); }
 
 private:
     void read();
@@ -55,9 +63,11 @@ private:
     linkframe::Decoder m_decoder;
     std::array<char, 64 * 1024> m_readBuffer{};
     ChangeBatch m_batch;
+    CrossedWrites m_crossed;
     std::deque<std::string> m_frames; // the front one is being written while m_writing
     std::size_t m_frameBytes = 0;
     bool m_writing = false;
+    bool m_silent = true; // since the last showLife()
     bool m_open = true;
 };
 

@@ -6,6 +6,7 @@
 #include <boost/asio/post.hpp>
 
 #include <algorithm>
+#include <chrono>
 #include <utility>
 
 namespace vantrel::ombra {
@@ -13,6 +14,8 @@ namespace vantrel::ombra {
 namespace {
 
 constexpr std::size_t maxClients = 64;
+// Who has heard nothing between two ticks is told something: a silence of at most two of them.
+constexpr std::chrono::milliseconds lifeTick{100};
 
 const char* nameOf(PatchOpType op)
 {
@@ -29,6 +32,7 @@ LinkServer::LinkServer(boost::asio::io_context& io, Scene& scene, Handlers handl
     , m_handlers(std::move(handlers))
     , m_listener(io, "vantrel.link",
                  [this](boost::asio::ip::tcp::socket socket) { return accept(std::move(socket)); })
+    , m_life(io)
 {
     m_callback = [](Scene*, int count, const SceneChange* changes, void* user) {
         static_cast<LinkServer*>(user)->onSceneChange(count, changes);
@@ -49,6 +53,7 @@ LinkServer::LinkServer(boost::asio::io_context& io, Scene& scene, Handlers handl
         std::erase_if(m_clients, [&](const auto& held) { return held.get() == &client; });
     };
     m_clientHandlers = std::make_shared<const LinkClient::Handlers>(std::move(clientHandlers));
+    showLife();
 }
 
 LinkServer::~LinkServer()
@@ -171,8 +176,23 @@ void LinkServer::writeProperty(LinkClient& client, const PatchOp& op)
         correction.value = json;
         client.add(correction);
     }
+    client.written(op.path);
     m_handlers.written(object.get(), property);
     scheduleFlush();
+}
+
+/// Tells the client what the scene holds where its writes crossed those of others.
+void LinkServer::settleCrossed(LinkClient& client)
+{
+    for (const Path& path : client.takeCrossed()) {
+        const ScenePointer at = m_scene.find(path);
+        Variant value;
+        PatchOp op{PatchOpType::Replace, path, {}, {}};
+        if (!at.property() || !m_scene.getProperty(at, value))
+            continue; // gone meanwhile
+        Json::fromVariant(value, op.value);
+        client.add(op);
+    }
 }
 
 void LinkServer::restructure(LinkClient& client, const PatchOp& op)
@@ -250,6 +270,20 @@ void LinkServer::scheduleFlush()
         const auto clients = m_clients; // one may go while it is flushed
         for (const auto& client : clients)
             client->flush();
+    });
+}
+
+void LinkServer::showLife()
+{
+    const auto clients = m_clients; // one may go meanwhile
+    for (const auto& client : clients) {
+        settleCrossed(*client);
+        client->showLife();
+    }
+    m_life.expires_after(lifeTick);
+    m_life.async_wait([this, alive = std::weak_ptr(m_alive)](boost::system::error_code code) {
+        if (!code && !alive.expired())
+            showLife();
     });
 }
 

@@ -6,6 +6,7 @@
 
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/ip/tcp.hpp>
+#include <boost/asio/steady_timer.hpp>
 
 #include <functional>
 #include <memory>
@@ -16,7 +17,9 @@ namespace vantrel::ombra {
 
 /// The server's end of the scene link, for any number of clients: answers gets with snapshots, applies what
 /// clients may write, calls methods, and sends every change of the scene to all clients but the one that made
-/// it. The changes of one turn of the loop go as one frame. One thread, that of the io_context and the scene.
+/// it. The changes of one turn of the loop go as one frame; where nothing changes, an empty one goes at least
+/// every 250 ms, so that clients can tell a quiet server from one that hangs. One thread, that of the
+/// io_context and the scene.
 class LinkServer
 {
 public:
@@ -47,10 +50,12 @@ private:
     void restructure(LinkClient& client, const PatchOp& op);
     void refuse(LinkClient& client, const PatchOp& op, const std::string& why);
     void sendBack(LinkClient& client, const Path& path, bool missing);
+    void settleCrossed(LinkClient& client);
 
     void onSceneChange(int count, const SceneChange* changes);
     void publish(const PatchOp& op);
     void scheduleFlush();
+    void showLife();
 
     boost::asio::io_context& m_io;
     Scene& m_scene;
@@ -59,6 +64,7 @@ private:
     std::shared_ptr<const LinkClient::Handlers> m_clientHandlers;
     std::vector<std::shared_ptr<LinkClient>> m_clients;
     LinkClient* m_origin = nullptr; // whose operation is being applied
+    boost::asio::steady_timer m_life;
     bool m_flushPosted = false;
     std::shared_ptr<int> m_alive = std::make_shared<int>(0);
     Scene::ChangeCallback m_callback;

@@ -12,6 +12,8 @@ struct HttpRequest
     std::string path;   // as sent, without the query
     std::string query;  // without the "?"
     std::string body;
+    std::string contentType = {}; // these two as the fields say, empty without one
+    std::string ifMatch = {};
 };
 
 struct HttpReply

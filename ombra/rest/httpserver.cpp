@@ -4,13 +4,16 @@
 #include "ombra/rest/broadcasthub.h"
 #include "ombra/rest/httpsession.h"
 
+#include <chrono>
+
 namespace vantrel::ombra {
 
 namespace {
 
 constexpr int maxSessions = 512;
+constexpr std::chrono::seconds lifeTick{1};
 
-}
+} // namespace
 
 HttpServer::HttpServer(boost::asio::io_context& io, HttpHandlers handlers)
     : m_io(io)
@@ -19,7 +22,9 @@ HttpServer::HttpServer(boost::asio::io_context& io, HttpHandlers handlers)
     , m_handlers(std::make_shared<HttpHandlers>(std::move(handlers)))
     , m_streams(std::make_shared<BroadcastHub>())
     , m_sockets(std::make_shared<BroadcastHub>())
+    , m_life(io)
 {
+    showLife();
 }
 
 HttpServer::~HttpServer()
@@ -50,6 +55,16 @@ bool HttpServer::accept(boost::asio::ip::tcp::socket socket)
 void HttpServer::broadcastStream(const std::string& message)
 {
     m_streams->broadcast(message);
+}
+
+void HttpServer::showLife()
+{
+    broadcastStream(":\n\n"); // a comment: no message
+    m_life.expires_after(lifeTick);
+    m_life.async_wait([this, alive = std::weak_ptr(m_alive)](boost::system::error_code code) {
+        if (!code && !alive.expired())
+            showLife();
+    });
 }
 
 void HttpServer::broadcastSocket(const std::string& message)

@@ -2,9 +2,11 @@
 
 #include "ombra/base/listener.h"
 #include "ombra/rest/http.h"
+#include "ombra/rest/requestguard.h"
 
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/ip/tcp.hpp>
+#include <boost/asio/steady_timer.hpp>
 
 #include <functional>
 #include <memory>
@@ -20,11 +22,13 @@ struct HttpHandlers
     std::function<void(HttpRequest, HttpAnswer)> request;
     std::string streamPath; // a GET of it opens an event stream
     std::string socketPath; // a WebSocket may be opened here
+    RequestGuard guard;     // of all of these
 };
 
-/// An HTTP/1.1 server with event streams and WebSockets. Sizes and times are limited, so that nothing outside
-/// can hold it up: 16 KiB of header, 64 MiB of body, 60 s for a request, 64 MiB of unread events. One thread,
-/// that of the io_context.
+/// An HTTP/1.1 server with event streams and WebSockets. Each second an event stream gets a comment, so that
+/// its reader can tell a quiet server from one that hangs. Sizes and times are limited, so that nothing
+/// outside can hold it up: 16 KiB of header, 64 MiB of body, 60 s for a request, 64 MiB of unread events. One
+/// thread, that of the io_context.
 class HttpServer
 {
 public:
@@ -44,6 +48,7 @@ public:
 
 private:
     bool accept(boost::asio::ip::tcp::socket socket);
+    void showLife();
 
     boost::asio::io_context& m_io;
     Listener m_listener;
@@ -51,6 +56,8 @@ private:
     std::shared_ptr<BroadcastHub> m_streams;
     std::shared_ptr<BroadcastHub> m_sockets;
     std::shared_ptr<int> m_openSessions = std::make_shared<int>(0);
+    boost::asio::steady_timer m_life;
+    std::shared_ptr<int> m_alive = std::make_shared<int>(0); // the timer's waits hold it weakly
 };
 
 } // namespace vantrel::ombra

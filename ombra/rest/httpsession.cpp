@@ -26,6 +26,16 @@ constexpr std::uint64_t maxBody = 64u * 1024 * 1024;
 constexpr auto requestTime = 60s; // to send a request, and to read its answer
 constexpr auto lingerTime = 3s;   // to take a refused request off the wire
 
+/// A field that means nothing when it comes twice; all of it then, which matches nothing.
+std::string onlyField(const http::request<http::string_body>& request, http::field name)
+{
+    std::string text;
+    const auto [begin, end] = request.equal_range(name);
+    for (auto field = begin; field != end; ++field)
+        text += (text.empty() ? "" : ", ") + std::string(field->value());
+    return text;
+}
+
 class HttpSession : public Subscriber, public std::enable_shared_from_this<HttpSession>
 {
 public:
@@ -89,6 +99,11 @@ void HttpSession::headerRead(beast::error_code code)
     if (code)
         return refuse(code);
     const auto& request = m_parser->get();
+    if (auto refusal = m_handlers->guard.refuse(onlyField(request, http::field::host),
+                                                onlyField(request, http::field::origin))) {
+        m_closing = true; // before its body is read
+        return answer(std::move(*refusal));
+    }
     const std::string path(request.target().substr(0, request.target().find('?')));
     if (path == m_handlers->socketPath && beast::websocket::is_upgrade(request)) {
         m_stream.expires_never();
@@ -129,6 +144,8 @@ void HttpSession::bodyRead(beast::error_code code)
     if (mark != beast::string_view::npos)
         plain.query = target.substr(mark + 1);
     plain.body = std::move(request.body());
+    plain.contentType = request[http::field::content_type];
+    plain.ifMatch = request[http::field::if_match];
     m_handlers->request(std::move(plain),
                         [self = shared_from_this()](HttpReply reply) { self->answer(std::move(reply)); });
 }

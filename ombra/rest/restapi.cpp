@@ -6,6 +6,8 @@
 #include "ombra/show/showstore.h"
 #include "tarn/media/medialibrary.h"
 
+#include <boost/algorithm/string/predicate.hpp>
+
 #include <algorithm>
 
 namespace vantrel::ombra {
@@ -18,6 +20,43 @@ bool parseBody(const HttpRequest& request, const HttpAnswer& answer, Json& out)
     if (Json::parseString(request.body, out, &error))
         return true;
     answer(httpError(400, error));
+    return false;
+}
+
+/// A body must be announced as what it is: a web page can send forms and plain text wherever it likes, but
+/// nothing else without asking first. The application imports shows as a form.
+bool hasReadableType(const HttpRequest& request)
+{
+    if (request.method != "POST" && request.method != "PATCH")
+        return true;
+    std::string_view type(request.contentType);
+    type = type.substr(0, type.find(';'));
+    while (type.ends_with(' ') || type.ends_with('\t'))
+        type.remove_suffix(1);
+    return boost::algorithm::iequals(type, "application/json") ||
+           (request.path.ends_with("/show/current") &&
+            boost::algorithm::iequals(type, "application/x-www-form-urlencoded"));
+}
+
+std::string entityTag(std::uint64_t revision)
+{
+    return '"' + std::to_string(revision) + '"';
+}
+
+/// Whether one of the tags of an If-Match is this one. A weak tag is never.
+bool matches(std::string_view field, std::string_view tag)
+{
+    for (std::size_t start = 0; start <= field.size();) {
+        const std::size_t end = std::min(field.find(',', start), field.size());
+        std::string_view item = field.substr(start, end - start);
+        while (item.starts_with(' ') || item.starts_with('\t'))
+            item.remove_prefix(1);
+        while (item.ends_with(' ') || item.ends_with('\t'))
+            item.remove_suffix(1);
+        if (item == "*" || item == tag)
+            return true;
+        start = end + 1;
+    }
     return false;
 }
 
@@ -54,6 +93,8 @@ void RestApi::handle(const HttpRequest& request, const HttpAnswer& answer)
     if (routes == m_routes.end())
         return answer(httpError(404, "no such resource"));
     const auto route = routes->second.find(request.method);
+    if (route != routes->second.end() && !hasReadableType(request))
+        return answer(httpError(415, "the body must be of the type application/json"));
     if (route != routes->second.end())
         return (this->*route->second)(request, answer);
     HttpReply reply = httpError(405, "method not allowed here");
@@ -71,13 +112,25 @@ void RestApi::getLibrary(const HttpRequest&, const HttpAnswer& answer)
         m_libraryText = json.toString();
         m_libraryJson = json;
     }
-    answer({.body = m_libraryText, .etag = '"' + std::to_string(m_store.libraryRevision()) + '"'});
+    answer({.body = m_libraryText, .etag = entityTag(m_store.libraryRevision())});
+}
+
+/// An edit may name the revision that it was made for. Compared with all that is accepted, saved or not:
+/// nobody has seen the revisions that are still on their way to the disk.
+bool RestApi::isUpToDate(const HttpRequest& request, const HttpAnswer& answer) const
+{
+    const std::string now = entityTag(m_store.latestRevision());
+    if (request.ifMatch.empty() || matches(request.ifMatch, now))
+        return true;
+    answer(httpError(412, "the library has changed since this edit was made: it is at revision " +
+                              std::to_string(m_store.latestRevision()) + " now"));
+    return false;
 }
 
 void RestApi::postLibrary(const HttpRequest& request, const HttpAnswer& answer)
 {
     Json json;
-    if (!parseBody(request, answer, json))
+    if (!parseBody(request, answer, json) || !isUpToDate(request, answer))
         return;
     MediaLibrary library;
     std::string error;
@@ -96,6 +149,8 @@ void RestApi::patchLibrary(const HttpRequest& request, const HttpAnswer& answer)
             return op.op == PatchOpType::Get || op.op == PatchOpType::Invoke;
         }))
         return answer(httpError(400, "an operation that a document does not know"));
+    if (!isUpToDate(request, answer))
+        return;
     m_store.patchLibrary(patch, [answer](const EditResult& result) { answerEdit(answer, result); });
 }
 
@@ -112,7 +167,7 @@ void RestApi::getPlaylists(const HttpRequest&, const HttpAnswer& answer)
 void RestApi::postPlaylists(const HttpRequest& request, const HttpAnswer& answer)
 {
     Json json;
-    if (!parseBody(request, answer, json))
+    if (!parseBody(request, answer, json) || !isUpToDate(request, answer))
         return;
     if (!json.isArray() || json.size() > static_cast<std::size_t>(MediaLibrary::indexMax))
         return answer(httpError(422, "playlists come as an array of at most 9999"));
@@ -174,7 +229,9 @@ void RestApi::answerEdit(const HttpAnswer& answer, const EditResult& result)
 {
     switch (result.status) {
     case EditResult::Status::Saved:
-        return answer({.body = "{}"});
+        return answer({.body = "{}", .etag = entityTag(result.revision)});
+    case EditResult::Status::TestFailed:
+        return answer(httpError(412, result.message));
     case EditResult::Status::DoesNotFit:
         return answer(httpError(409, result.message));
     case EditResult::Status::BreaksRules:

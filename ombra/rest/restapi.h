@@ -16,7 +16,8 @@ class ShowFiles;
 struct EditResult;
 
 /// The routes below /api/brume/v1. A refused request changes nothing and says why: 400 what is malformed, 409
-/// a patch that does not fit the library, 422 one that would break its rules.
+/// a patch that does not fit the library, 412 an edit that was made for another revision of it, 415 a body
+/// that does not say that it is JSON, 422 an edit that would break the library's rules.
 class RestApi
 {
 public:
@@ -40,6 +41,7 @@ private:
     void getSystem(const HttpRequest&, const HttpAnswer&);
     void getShow(const HttpRequest&, const HttpAnswer&);
     void postShow(const HttpRequest&, const HttpAnswer&);
+    bool isUpToDate(const HttpRequest& request, const HttpAnswer& answer) const;
     static void answerEdit(const HttpAnswer& answer, const EditResult& result);
 
     ShowStore& m_store;

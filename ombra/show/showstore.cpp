@@ -6,15 +6,30 @@
 
 #include <boost/asio/post.hpp>
 
+#include <chrono>
 #include <utility>
 
 namespace vantrel::ombra {
+
+namespace {
+
+/// Microseconds of the clock: no process makes edits so fast that the next one would start below its last
+/// number. Far below 2^53, which is as far as readers of JSON count.
+std::uint64_t firstRevision()
+{
+    const auto now = std::chrono::system_clock::now().time_since_epoch();
+    return static_cast<std::uint64_t>(std::chrono::duration_cast<std::chrono::microseconds>(now).count());
+}
+
+} // namespace
 
 ShowStore::ShowStore(boost::asio::io_context& io, std::filesystem::path stateFolder)
     : m_io(io)
     , m_folder(std::move(stateFolder))
     , m_disk(std::make_unique<ShowDisk>(m_folder))
     , m_library(makeRef<MediaLibrary>())
+    , m_revision(firstRevision())
+    , m_latestRevision(m_revision)
 {
 }
 
@@ -95,18 +110,27 @@ bool ShowStore::replay(const Json& entry, std::string& why)
 void ShowStore::patchLibrary(const Patch& patch, Answer answer)
 {
     std::string message;
+    const Json before = m_latest.toJson();
     const int code = m_latest.applyDiff(patch, &message);
     if (code != 0) {
-        const bool rules = code == MediaLibrary::invalidContent;
-        answer({rules ? EditResult::Status::BreaksRules : EditResult::Status::DoesNotFit, message});
+        auto status = EditResult::Status::DoesNotFit;
+        if (code == MediaLibrary::invalidContent)
+            status = EditResult::Status::BreaksRules;
+        else if (code == static_cast<int>(PatchError::TestFailed))
+            status = EditResult::Status::TestFailed;
+        answer({status, message});
         return;
     }
+    Patch difference;
+    Patch::diff(before, m_latest.toJson(), difference);
+    m_latestRevision += difference.empty() ? 0 : 1;
     auto after = std::make_shared<MediaLibrary>(m_latest);
     save(Json::object({{"library", patch.toJson()}}),
-         [this, patch, after, answer = std::move(answer)](bool ok, const std::string& error) {
+         [this, difference, after, revision = m_latestRevision,
+          answer = std::move(answer)](bool ok, const std::string& error) {
              if (ok)
-                 librarySaved(patch, *after);
-             answer({ok ? EditResult::Status::Saved : EditResult::Status::NotSaved, error});
+                 librarySaved(difference, *after, revision);
+             answer({ok ? EditResult::Status::Saved : EditResult::Status::NotSaved, error, revision});
          });
 }
 
@@ -170,14 +194,14 @@ void ShowStore::save(const Json& entry, std::function<void(bool, const std::stri
     m_writer->submit(std::move(job));
 }
 
-void ShowStore::librarySaved(const Patch& patch, const MediaLibrary& after)
+void ShowStore::librarySaved(const Patch& difference, const MediaLibrary& after, std::uint64_t revision)
 {
     *m_library = after;
-    if (patch.empty())
+    if (difference.empty())
         return;
-    ++m_revision;
+    m_revision = revision;
     for (const LibraryListener& listener : m_listeners)
-        listener(patch);
+        listener(difference);
 }
 
 void ShowStore::goBack(std::uint64_t epoch)
@@ -186,6 +210,7 @@ void ShowStore::goBack(std::uint64_t epoch)
         return; // by an earlier edit of the same epoch
     ++m_epoch;
     m_latest = *m_library;
+    m_latestRevision = m_revision;
 }
 
 } // namespace vantrel::ombra

@@ -18,9 +18,10 @@ namespace vantrel::ombra {
 /// What became of an edit.
 struct EditResult
 {
-    enum class Status { Saved, DoesNotFit, BreaksRules, NotSaved };
+    enum class Status { Saved, TestFailed, DoesNotFit, BreaksRules, NotSaved };
     Status status = Status::Saved;
     std::string message;
+    std::uint64_t revision = 0; // what a saved edit made of the library
 };
 
 /// The show: the media library and the settings of the scene that last. An edit is checked at once against
@@ -44,10 +45,13 @@ public:
 
     /// The library as it is saved.
     MediaLibrary& library() noexcept { return *m_library; }
-    /// How many edits this process has saved and told of: those that library() holds.
+    /// The number of what library() holds: one more with each edit, and never one that an earlier process on
+    /// this show gave out, so that who has slept through a restart is not taken for somebody who is up to
+    /// date.
     std::uint64_t libraryRevision() const noexcept { return m_revision; }
     /// With the edits that are accepted and not saved yet: what the next edit will be applied to.
     const MediaLibrary& latestLibrary() const noexcept { return m_latest; }
+    std::uint64_t latestRevision() const noexcept { return m_latestRevision; }
     /// Values of lasting scene properties by their path.
     const Json& settings() const noexcept { return m_settings; }
 
@@ -56,7 +60,9 @@ public:
     void replaceLibrary(const MediaLibrary& library, Answer answer);
     void changeSetting(const std::string& path, const Json& value);
 
-    /// Called after each saved edit of the library that changed something.
+    /// Called after each saved edit of the library that changed something, with what is different now:
+    /// additions, removals and replacements of no more than that, however the edit was put. Who mirrors the
+    /// library need not know what it means to move a slot or to replace all collections.
     void addLibraryListener(LibraryListener listener) { m_listeners.push_back(std::move(listener)); }
 
 private:
@@ -67,7 +73,7 @@ private:
     bool restore(const ShowDisk::Loaded& loaded, std::string& why);
     bool replay(const Json& entry, std::string& why);
     void save(const Json& entry, std::function<void(bool, const std::string&)> done);
-    void librarySaved(const Patch& patch, const MediaLibrary& after);
+    void librarySaved(const Patch& difference, const MediaLibrary& after, std::uint64_t revision);
     void goBack(std::uint64_t epoch);
     void flushSettings();
 
@@ -76,8 +82,9 @@ private:
     std::unique_ptr<ShowDisk> m_disk;
     std::unique_ptr<ShowWriter> m_writer;
     Ref<MediaLibrary> m_library;
-    std::uint64_t m_revision = 0;
+    std::uint64_t m_revision;
     MediaLibrary m_latest;
+    std::uint64_t m_latestRevision;
     Json m_settings = Json::object();
     Json m_changedSettings = Json::object(); // of this turn
     bool m_flushPosted = false;

@@ -139,6 +139,8 @@ bool JsonClient::Impl::queue(Connection& c, Patch&& patch)
     if (connection.get() != &c)
         return false;
     for (Patch& piece : pieces) {
+        if (piece.empty() && !patches.empty())
+            continue; // a sign of life, which those that wait are as well
         untaken += piece.size();
         patches.push_back(std::move(piece));
     }

@@ -30,6 +30,7 @@ public:
         options.state = stateFolder().toStdString();
         options.httpPort = options.linkPort = options.previewPort = 0;
         options.discovery = false;
+        options.hostNames = {"Stage-1.example.org"};
         m_server = std::make_unique<Server>(m_io, options);
         std::string error;
         const bool started = m_server->start(&error);
@@ -79,14 +80,20 @@ public:
     {
         int status = 0;
         QByteArray body;
+        QByteArray tag; // the ETag, with its quotes
     };
-    Answer request(const QByteArray& method, const QByteArray& path, const QByteArray& body = {})
+    /// fields: more lines of the header, each with its end.
+    Answer request(const QByteArray& method, const QByteArray& path, const QByteArray& body = {},
+                   const QByteArray& fields = {})
     {
+        const QByteArray json = fields.contains("Content-Type: ") ? "" : "Content-Type: application/json\r\n";
         const QByteArray answer =
-            exchange(method + " /api/brume/v1" + path + " HTTP/1.1\r\nHost: test\r\nContent-Length: " +
-                     QByteArray::number(body.size()) + "\r\n\r\n" + body);
+            exchange(method + " /api/brume/v1" + path + " HTTP/1.1\r\nHost: localhost\r\n" + json + fields +
+                     "Content-Length: " + QByteArray::number(body.size()) + "\r\n\r\n" + body);
         const qsizetype end = answer.indexOf("\r\n\r\n");
-        return {answer.mid(9, 3).toInt(), end < 0 ? QByteArray() : answer.mid(end + 4)};
+        const qsizetype tag = answer.left(end).indexOf("ETag: ");
+        return {answer.mid(9, 3).toInt(), end < 0 ? QByteArray() : answer.mid(end + 4),
+                tag < 0 ? QByteArray() : answer.mid(tag + 6, answer.indexOf('\r', tag) - tag - 6)};
     }
 
 private:

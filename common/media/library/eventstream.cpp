@@ -6,14 +6,6 @@
 
 namespace vantrel {
 
-namespace {
-
-// Comments stay buffered until a message closes them; a server that sends nothing else must not make every
-// read go through all of them again.
-constexpr qsizetype maxComments = 1024;
-
-} // namespace
-
 EventStream::State EventStream::assemble(const QByteArray& piece)
 {
     if (m_buffer.size() + piece.size() > maxBuffered) {
@@ -27,7 +19,7 @@ EventStream::State EventStream::assemble(const QByteArray& piece)
 
 void EventStream::parse(const std::function<void(const QByteArray& data)>& onMessage)
 {
-    const QByteArray text = m_buffer; // a message clears the buffer while the lines are walked
+    const QByteArray text = std::exchange(m_buffer, QByteArray());
     qsizetype start = 0;
     while (start <= text.size()) {
         qsizetype end = text.indexOf('\n', start);
@@ -39,14 +31,14 @@ void EventStream::parse(const std::function<void(const QByteArray& data)>& onMes
             handleMessage(onMessage);
         start = end + 1;
     }
-    if (m_buffer.size() > maxComments)
-        m_buffer.clear();
 }
 
 void EventStream::parseLine(const QByteArray& line)
 {
+    if (line.startsWith(':'))
+        return; // a comment: what a server says to show that it is there
     const qsizetype colon = line.indexOf(':');
-    if (colon <= 0) {
+    if (colon < 0) {
         qCWarning(lcMedia) << "Invalid line in SSE stream: " << shortened(line);
         return;
     }
@@ -62,7 +54,6 @@ void EventStream::handleMessage(const std::function<void(const QByteArray& data)
 {
     if (m_message.isEmpty())
         return;
-    m_buffer.clear();
     onMessage(std::exchange(m_message, QByteArray()));
 }
 

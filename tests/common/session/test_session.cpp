@@ -99,6 +99,12 @@ private Q_SLOTS:
         QCOMPARE(surfaceCount(peer.session), 3);
         QTRY_VERIFY_WITH_TIMEOUT(peer.session->isConnected() && peer.session->getMediaLibraryApi(), 10000);
         QCOMPARE(surfaceCount(peer.session), 3);
+        QSignalSpy loaded(peer.session, &Session::sceneLoaded);
+        QSignalSpy came(peer.session->connectionHandler(), &ConnectionHandler::patchAvailable);
+        peer.send({}); // a sign of life is no scene
+        QTRY_COMPARE(came.count(), 1);
+        QCOMPARE(surfaceCount(peer.session), 3);
+        QCOMPARE(loaded.count(), 0);
         peer.send(surfaces(1));
         QTRY_COMPARE(surfaceCount(peer.session), 1);
     }

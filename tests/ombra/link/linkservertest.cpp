@@ -1,6 +1,7 @@
 #include "ombra/link/linkserver.h"
 
 #include "ombra/link/changebatch.h"
+#include "ombra/link/crossedwrites.h"
 #include "ombra/outputs/outputs.h"
 #include "tests/ombra/linkpeer.h"
 #include "tests/support/testmain.h"
@@ -9,6 +10,9 @@
 #include <QElapsedTimer>
 #include <QTest>
 #include <boost/asio/io_context.hpp>
+
+#include <algorithm>
+#include <chrono>
 
 using namespace vantrel;
 using namespace vantrel::ombra;
@@ -83,7 +87,8 @@ private Q_SLOTS:
         Client reader(m_server->port());
         for (Client* client : {&writer, &reader})
             client->send(R"([{"op":"get","path":""}])");
-        QVERIFY(waitFor([&] { return writer.frames > 0 && reader.frames > 0; }, {&writer, &reader}));
+        QVERIFY(waitFor([&] { return !writer.operations.empty() && !reader.operations.empty(); },
+                        {&writer, &reader}));
         writer.operations.clear();
         writer.send(replaceOf(volume, "0.25"));
         QVERIFY(waitFor([&] { return reader.value(volume) == "0.25"; }, {&writer, &reader}));
@@ -101,6 +106,68 @@ private Q_SLOTS:
         QVERIFY(waitFor([&] { return writer.scene.findObject("/device/surfaces/0") != nullptr; },
                         {&writer, &reader}));
         QVERIFY(writer.fits && reader.fits);
+    }
+
+    /// Who has asked for nothing, and who has got all, hear within 250 ms that the server is there.
+    void saysThatItIsThere()
+    {
+        Client stranger(m_server->port());
+        Client guest(m_server->port());
+        guest.send(R"([{"op":"get","path":""}])");
+        QVERIFY(
+            waitFor([&] { return !guest.operations.empty() && stranger.frames > 0; }, {&guest, &stranger}));
+        guest.operations.clear();
+        guest.frames = stranger.frames = 0;
+        QElapsedTimer clock;
+        clock.start();
+        QVERIFY(waitFor([&] { return std::min(guest.frames, stranger.frames) >= 8; }, {&guest, &stranger}));
+        QVERIFY2(clock.elapsed() > 500 && clock.elapsed() < 8 * 250,
+                 qPrintable(QString::number(clock.elapsed())));
+        QVERIFY(guest.operations.empty() && stranger.operations.empty());
+    }
+
+    /// The server and a client change the same value at once, so that the two cross on the link: the client's
+    /// copy ends as the scene does. While it goes on writing it is left alone.
+    void endsWithTheSameValue()
+    {
+        Client client(m_server->port());
+        client.send(R"([{"op":"get","path":""}])");
+        QVERIFY(waitFor([&] { return !client.operations.empty(); }, {&client}));
+        for (int i = 0; i < 20; ++i) {
+            const std::string mine = "0." + std::to_string(10 + i);
+            m_scene->replaceProperty(m_scene->find(volume), Variant::from(0.5));
+            client.send(replaceOf(volume, mine)); // before it has read anything
+            QVERIFY(client.scene.replaceProperty(client.scene.find(volume), Variant::from(std::stod(mine))));
+            m_written.clear();
+            QVERIFY(waitFor([&] { return !m_written.isEmpty(); }, {&client}));
+        }
+        Variant value;
+        QVERIFY(m_scene->getProperty(m_scene->find(volume), value));
+        QVERIFY(waitFor([&] { return client.value(volume) == value.asString(); }, {&client}));
+        QCOMPARE(value.asString(), std::string("0.29"));
+    }
+
+    void crossedWrites()
+    {
+        using namespace std::chrono_literals;
+        const Path path(volume);
+        const CrossedWrites::Time start{1h};
+        CrossedWrites writes;
+        writes.written(path, start); // nothing was on its way
+        QVERIFY(writes.takeDue(start + 1s).empty());
+        writes.sent(path, start + 2s);
+        for (const auto time : {2100ms, 2200ms, 2300ms}) {
+            writes.written(path, start + time);
+            writes.written(Path("/other"), start + time);
+            QVERIFY(writes.takeDue(start + time + 150ms).empty()); // still at it
+        }
+        QCOMPARE(writes.takeDue(start + 2500ms), std::vector<Path>{path});
+        QVERIFY(writes.takeDue(start + 3s).empty());
+        writes.written(path, start + 8s); // it has been read by now
+        QVERIFY(writes.takeDue(start + 9s).empty());
+        writes.sentMuch(start + 9s);
+        writes.written(Path("/other"), start + 10s);
+        QCOMPARE(writes.takeDue(start + 11s), std::vector<Path>{Path("/other")});
     }
 
     void answersGets_data()
@@ -181,7 +248,7 @@ private Q_SLOTS:
         Client good(m_server->port());
         Client bad(m_server->port());
         good.send(R"([{"op":"get","path":""}])");
-        QVERIFY(waitFor([&] { return good.frames > 0; }, {&good}));
+        QVERIFY(waitFor([&] { return !good.operations.empty(); }, {&good}));
         bad.socket.write(bytes);
         QVERIFY(waitFor([&] { return bad.socket.state() == QAbstractSocket::UnconnectedState; }, {&bad}));
         m_scene->replaceProperty(m_scene->find(volume), Variant::from(0.5));
@@ -194,7 +261,7 @@ private Q_SLOTS:
         Client slow(m_server->port());
         slow.socket.setReadBufferSize(4096);
         slow.send(R"([{"op":"get","path":""}])");
-        QVERIFY(waitFor([&] { return slow.frames > 0; }, {&slow}));
+        QVERIFY(waitFor([&] { return !slow.operations.empty(); }, {&slow}));
         const std::string text(200'000, 'x'); // large values fill the buffers of the system soon
         for (int i = 0; i < 200; ++i) {
             m_scene->replaceProperty(m_scene->find("/device/channels/0/program/properties/media"),

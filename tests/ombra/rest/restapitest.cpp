@@ -9,6 +9,9 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QImage>
+#include <QSysInfo>
+
+#include <array>
 
 using namespace vantrel;
 using namespace vantrel::ombra::test;
@@ -18,6 +21,8 @@ namespace {
 const QByteArray library =
     R"({"collections":{"1":{"name":"one","slots":{"1":{"name":"clip","contentUrl":"file:///a"}}}},)"
     R"("playlists":{"2":{"name":"list","entries":{"1.5":{"slotUrl":"brume://collections/1/slots/1"}}}}})";
+
+const QByteArray signOfLife = ":\n\n"; // a comment
 
 Json parsed(const QByteArray& text)
 {
@@ -64,7 +69,7 @@ private Q_SLOTS:
         row("no such path", "PATCH", "/medialibrary", R"([{"op":"remove","path":"/collections/7"}])", 409);
         row("failed test", "PATCH", "/medialibrary",
             R"([{"op":"replace","path":"/collections/1/name","value":"x"},{"op":"test","path":"/collections/1/name","value":"y"}])",
-            409);
+            412);
         row("wrong type", "PATCH", "/medialibrary",
             R"([{"op":"replace","path":"/collections/1/name","value":7}])", 422);
         row("slot 10000", "PATCH", "/medialibrary",
@@ -119,6 +124,154 @@ private Q_SLOTS:
         }
     }
 
+    void takesWhatIsUpToDate_data()
+    {
+        QTest::addColumn<QByteArray>("match"); // NOW, OLD: the tags of the library and of the one before
+        QTest::addColumn<int>("status");
+        QTest::newRow("now") << QByteArray("NOW") << 200;
+        QTest::newRow("one of several") << QByteArray("OLD ,\tNOW") << 200;
+        QTest::newRow("whatever there is") << QByteArray("*") << 200;
+        QTest::newRow("old") << QByteArray("OLD") << 412;
+        QTest::newRow("weak") << QByteArray("W/NOW") << 412;
+        QTest::newRow("of another server") << QByteArray("\"1\"") << 412;
+        QTest::newRow("no tag") << QByteArray("now") << 412;
+    }
+
+    void takesWhatIsUpToDate()
+    {
+        QFETCH(QByteArray, match);
+        QFETCH(int, status);
+        const QByteArray old = m_live.request("GET", "/medialibrary").tag;
+        const QByteArray rename = R"([{"op":"replace","path":"/collections/1/name","value":"%"}])";
+        const QByteArray now =
+            m_live.request("PATCH", "/medialibrary", QByteArray(rename).replace('%', 'a')).tag;
+        QCOMPARE(m_live.request("GET", "/medialibrary").tag, now);
+        QVERIFY(!now.isEmpty() && now != old);
+        const QByteArray field = "If-Match: " + match.replace("NOW", now).replace("OLD", old) + "\r\n";
+        const bool taken = status == 200;
+        const LiveServer::Answer answer =
+            m_live.request("PATCH", "/medialibrary", QByteArray(rename).replace('%', 'b'), field);
+        QCOMPARE(answer.status, status);
+        QCOMPARE(!answer.tag.isEmpty(), taken);
+        const LiveServer::Answer after = m_live.request("GET", "/medialibrary");
+        QCOMPARE(after.tag, taken ? answer.tag : now);
+        QCOMPARE(parsed(after.body).get("collections").get("1").get("name").asString(),
+                 std::string(taken ? "b" : "a"));
+        for (const QByteArray path : {"/medialibrary", "/playlists"})
+            QCOMPARE(
+                m_live
+                    .request("POST", path, path == "/playlists" ? "[]" : library, "If-Match: " + old + "\r\n")
+                    .status,
+                412);
+    }
+
+    /// Two edits made for the same revision, the second before the first is on the disk.
+    void takesOneOfTwo()
+    {
+        const QByteArray field = "If-Match: " + m_live.request("GET", "/medialibrary").tag + "\r\n";
+        const QByteArray add = R"([{"op":"add","path":"/collections/9","value":{"name":"new","slots":{}}}])";
+        const QByteArray edit =
+            "PATCH /api/brume/v1/medialibrary HTTP/1.1\r\nHost: localhost\r\n" + field +
+            "Content-Type: application/json\r\nContent-Length: " + QByteArray::number(add.size()) +
+            "\r\n\r\n" + add;
+        std::array<QTcpSocket, 2> sockets;
+        std::array<QByteArray, 2> answers;
+        for (QTcpSocket& socket : sockets) {
+            socket.connectToHost(QStringLiteral("127.0.0.1"), m_live.server().httpPort());
+            socket.write(edit);
+        }
+        QVERIFY(m_live.waitFor([&] {
+            for (std::size_t i = 0; i < sockets.size(); ++i)
+                answers[i] += sockets[i].readAll();
+            return answers[0].contains("}") && answers[1].contains("}");
+        }));
+        QCOMPARE(answers[0].startsWith("HTTP/1.1 200") + answers[1].startsWith("HTTP/1.1 200"), 1);
+        QCOMPARE(answers[0].startsWith("HTTP/1.1 412") + answers[1].startsWith("HTTP/1.1 412"), 1);
+    }
+
+    void keepsWebPagesOut_data()
+    {
+        QTest::addColumn<QByteArray>("fields");
+        QTest::addColumn<int>("status");
+        const auto row = [](const char* name, const QByteArray& host, const QByteArray& rest, int status) {
+            QTest::newRow(name) << "Host: " + host + "\r\n" + rest << status;
+        };
+        const QByteArray machine = QSysInfo::machineHostName().toUtf8();
+        row("address", "127.0.0.1", "", 200);
+        row("address and port", "192.168.0.7:80", "", 200);
+        row("IPv6", "[::1]", "", 200);
+        row("IPv6 and port", "[fe80::1]:8080", "", 200);
+        row("the machine", machine.toUpper(), "", 200);
+        row("the machine on its network", machine.split('.').first() + ".local:8080", "", 200);
+        row("a given name", "stage-1.Example.org.", "", 200);
+        row("its own page", "localhost:81", "Origin: http://LocalHost:81\r\n", 200);
+        row("another name", "evil.example", "", 403);
+        row("a name that begins alike", "localhost.evil.example", "", 403);
+        row("an address in a name", "127.0.0.1.evil.example", "", 403);
+        row("a name behind a port", "localhost:80@evil.example", "", 403);
+        row("half an address", "[::1", "", 403);
+        row("two hosts", "localhost\r\nHost: evil.example", "", 403);
+        row("a page elsewhere", "localhost", "Origin: http://evil.example\r\n", 403);
+        row("a page on another port", "localhost", "Origin: http://localhost:3000\r\n", 403);
+        row("a page of a file", "localhost", "Origin: null\r\n", 403);
+        row("two origins", "localhost", "Origin: http://localhost\r\nOrigin: http://evil.example\r\n", 403);
+        QTest::newRow("no host") << QByteArray() << 400;
+    }
+
+    /// Also from what stays open: the event stream and the WebSocket.
+    void keepsWebPagesOut()
+    {
+        QFETCH(QByteArray, fields);
+        QFETCH(int, status);
+        const QByteArray upgrade =
+            "Upgrade: websocket\r\nConnection: Upgrade\r\nSec-WebSocket-Version: 13\r\n"
+            "Sec-WebSocket-Key: dGhlIHNhbXBsZSBub25jZQ==\r\n";
+        const auto statusOf = [&](const QByteArray& request, const QByteArray& rest) {
+            QTcpSocket socket;
+            socket.connectToHost(QStringLiteral("127.0.0.1"), m_live.server().httpPort());
+            const qsizetype space = request.indexOf(' ') + 1;
+            socket.write(QByteArray(request).insert(space, "/api/brume/v1") + " HTTP/1.1\r\n" + fields +
+                         rest);
+            QByteArray answer;
+            m_live.waitFor([&] { return (answer += socket.readAll()).contains("\r\n\r\n"); });
+            return answer.mid(9, 3).toInt();
+        };
+        QCOMPARE(statusOf("GET /medialibrary", "\r\n"), status);
+        QCOMPARE(statusOf("GET /sse", "\r\n"), status);
+        QCOMPARE(statusOf("GET /events", upgrade + "\r\n"), status == 200 ? 101 : status);
+        QCOMPARE(statusOf("POST /medialibrary", "Content-Type: application/json\r\nContent-Length: " +
+                                                    QByteArray::number(library.size()) + "\r\n\r\n" +
+                                                    library),
+                 status);
+    }
+
+    void readsWhatSaysThatItIsJson_data()
+    {
+        QTest::addColumn<QByteArray>("path");
+        QTest::addColumn<QByteArray>("type");
+        QTest::addColumn<bool>("read");
+        const QByteArray form("application/x-www-form-urlencoded");
+        QTest::newRow("json") << QByteArray("/medialibrary") << QByteArray("Application/JSON ; charset=utf-8")
+                              << true;
+        QTest::newRow("text") << QByteArray("/medialibrary") << QByteArray("text/plain") << false;
+        QTest::newRow("text that names json")
+            << QByteArray("/medialibrary") << QByteArray("text/plain; application/json") << false;
+        QTest::newRow("form") << QByteArray("/medialibrary") << form << false;
+        QTest::newRow("nothing") << QByteArray("/playlists") << QByteArray() << false;
+        QTest::newRow("show as form") << QByteArray("/show/current") << form << true;
+        QTest::newRow("show as text") << QByteArray("/show/current") << QByteArray("text/plain") << false;
+    }
+
+    void readsWhatSaysThatItIsJson()
+    {
+        QFETCH(QByteArray, path);
+        QFETCH(QByteArray, type);
+        QFETCH(bool, read);
+        const QByteArray body = path == "/show/current" ? m_live.request("GET", path).body : library;
+        const int status = m_live.request("POST", path, body, "Content-Type: " + type + "\r\n").status;
+        QCOMPARE(status, read ? 200 : 415);
+    }
+
     void refusesWhatIsNoRequest_data()
     {
         QTest::addColumn<QByteArray>("bytes");
@@ -127,7 +280,7 @@ private Q_SLOTS:
         QTest::newRow("long header") << "GET / HTTP/1.1\r\nX: " + QByteArray(40000, 'x') + "\r\n\r\n"
                                      << QByteArray("431");
         QTest::newRow("large body") << QByteArray("PATCH /api/brume/v1/medialibrary HTTP/1.1\r\n"
-                                                  "Content-Length: 70000000\r\n\r\n[")
+                                                  "Host: localhost\r\nContent-Length: 70000000\r\n\r\n[")
                                     << QByteArray("413");
         QTest::newRow("bad length") << QByteArray("GET / HTTP/1.1\r\nContent-Length: -1\r\n\r\n")
                                     << QByteArray("400");
@@ -157,19 +310,20 @@ private Q_SLOTS:
             R"([{"op":"replace","path":"/collections/1/name","value":"two  three   \ttab\u00a0\u2003wide \\  end "}])",
             R"([{"op":"add","path":"/collections/1/slots/5","value":{"name":" x  y"}},)"
             R"({"op":"move","from":"/collections/1/slots/5","path":"/collections/1/slots/6"}])",
-            R"([{"op":"remove","path":"/collections/1/slots/1/outpoint"}])",
+            R"([{"op":"add","path":"/collections/1/slots/1/outpoint","value":4}])",
             R"([{"op":"remove","path":"/nothing"}])",
             R"([{"op":"add","path":"/playlists/3","value":{"name":"\n","entries":{}}}])",
         };
         QByteArray received;
+        const auto read = [&] {
+            received += stream.readAll();
+            return received.replace(signOfLife, "");
+        };
         int accepted = 0;
         for (const QByteArray& patch : patches)
             accepted += m_live.request("PATCH", "/medialibrary", patch).status == 200;
         QCOMPARE(accepted, 4);
-        QVERIFY(m_live.waitFor([&] {
-            received += stream.readAll();
-            return received.count("\n\n") >= accepted;
-        }));
+        QVERIFY(m_live.waitFor([&] { return read().count("\n\n") >= accepted; }));
         QCOMPARE(m_live.request("PATCH", "/medialibrary", "[]").status, 200); // changes nothing, says nothing
         const QList<QByteArray> lines = received.split('\n');
         int messages = 0;
@@ -188,7 +342,7 @@ private Q_SLOTS:
         Json last;
         QVERIFY(Json::parseString(lines.at(lines.size() - 3).mid(5).toStdString(), last));
         const QByteArray revision = QByteArray::number(qlonglong(last.at(0)->get("revision").asInt(-1)));
-        QVERIFY2(m_live.exchange("GET /api/brume/v1/medialibrary HTTP/1.1\r\nHost: test\r\n\r\n")
+        QVERIFY2(m_live.exchange("GET /api/brume/v1/medialibrary HTTP/1.1\r\nHost: localhost\r\n\r\n")
                      .contains("ETag: \"" + revision + "\"\r\n"),
                  revision.constData());
         QVERIFY(mirror.toJson() == parsed(m_live.request("GET", "/medialibrary").body));
@@ -196,14 +350,90 @@ private Q_SLOTS:
         // A replaced library comes as what differs.
         QCOMPARE(m_live.request("POST", "/medialibrary", library).status, 200);
         received.clear();
-        QVERIFY(m_live.waitFor([&] {
-            received += stream.readAll();
-            return received.endsWith("\n\n");
-        }));
+        QVERIFY(m_live.waitFor([&] { return read().endsWith("\n\n"); }));
         Patch difference;
         QVERIFY(Patch::parseString(received.mid(5).trimmed().toStdString(), difference));
         QCOMPARE(mirror.applyDiff(difference), 0);
         QVERIFY(mirror.toJson() == parsed(m_live.request("GET", "/medialibrary").body));
+    }
+
+    void streamsWhatDiffers_data()
+    {
+        QTest::addColumn<QByteArray>("patch");
+        QTest::addColumn<QByteArray>("told"); // operations and paths
+        const auto row = [](const char* name, const char* patch, const char* told) {
+            QTest::newRow(name) << QByteArray(patch) << QByteArray(told);
+        };
+        row("root",
+            R"([{"op":"replace","path":"","value":{"collections":{"1":{"name":"x","slots":{)"
+            R"("1":{"name":"clip","contentUrl":"file:///a"}}}},"playlists":{}}}])",
+            "replace /collections/1/name, remove /playlists/2");
+        row("all collections",
+            R"([{"op":"add","path":"/collections","value":{"3":{"name":"y","slots":{}}}}])",
+            "remove /collections/1, add /collections/3");
+        row("a collection added over another",
+            R"([{"op":"add","path":"/collections/1","value":{"name":"one","slots":{"2":{"name":"b"}}}}])",
+            "remove /collections/1/slots/1, add /collections/1/slots/2");
+        row("all slots", R"([{"op":"replace","path":"/collections/1/slots","value":{}}])",
+            "remove /collections/1/slots/1");
+        row("moved", R"([{"op":"move","from":"/collections/1/slots/1","path":"/collections/1/slots/4"}])",
+            "remove /collections/1/slots/1, add /collections/1/slots/4");
+        row("copied", R"([{"op":"copy","from":"/collections/1","path":"/collections/2"}])",
+            "add /collections/2");
+        row("there and back",
+            R"([{"op":"move","from":"/collections/1","path":"/collections/2"},)"
+            R"({"op":"move","from":"/collections/2","path":"/collections/1"}])",
+            "");
+    }
+
+    /// However a client puts its edit, the others read additions, removals and replacements of what changed.
+    void streamsWhatDiffers()
+    {
+        QFETCH(QByteArray, patch);
+        MediaLibrary mirror;
+        const LiveServer::Answer before = m_live.request("GET", "/medialibrary");
+        QVERIFY(mirror.parseJson(parsed(before.body)));
+        QTcpSocket stream;
+        openStream(stream);
+        const LiveServer::Answer answer = m_live.request("PATCH", "/medialibrary", patch);
+        QCOMPARE(answer.status, 200);
+        // An edit that changes nothing is told to nobody, so that it must not make another revision.
+        QCOMPARE(m_live
+                     .request("PATCH", "/medialibrary",
+                              R"([{"op":"add","path":"/playlists/77","value":{"name":"end"}}])")
+                     .status,
+                 200);
+        QByteArray received;
+        QVERIFY(m_live.waitFor([&] { return (received += stream.readAll()).contains("/playlists/77"); }));
+        QStringList told;
+        for (const QByteArray& line : received.replace(signOfLife, "").split('\n')) {
+            Patch difference;
+            if (line.isEmpty() || line.contains("/playlists/77"))
+                continue;
+            QVERIFY2(Patch::parseString(line.mid(5).toStdString(), difference), line.constData());
+            QCOMPARE(mirror.applyDiff(difference), 0);
+            const Json operations = difference.toJson();
+            operations.forEachItem([&](const Json& op) {
+                told.append(
+                    QString::fromStdString(op.get("op").asString() + " " + op.get("path").asString()));
+                return true;
+            });
+        }
+        QTEST(told.join(QStringLiteral(", ")).toUtf8(), "told");
+        QCOMPARE(answer.tag != before.tag, !told.isEmpty());
+    }
+
+    void saysThatItIsThere()
+    {
+        QTcpSocket stream;
+        openStream(stream);
+        QByteArray received;
+        QElapsedTimer clock;
+        clock.start();
+        QVERIFY(m_live.waitFor([&] { return (received += stream.readAll()).count(signOfLife) >= 3; }));
+        QVERIFY2(clock.elapsed() > 1500 && clock.elapsed() < 6000,
+                 qPrintable(QString::number(clock.elapsed())));
+        QCOMPARE(received.replace(signOfLife, ""), QByteArray());
     }
 
     void numbersNewPlaylists()
@@ -222,9 +452,9 @@ private Q_SLOTS:
     {
         QTcpSocket socket;
         socket.connectToHost(QStringLiteral("127.0.0.1"), m_live.server().httpPort());
-        socket.write(
-            "GET /api/brume/v1/events HTTP/1.1\r\nHost: test\r\nUpgrade: websocket\r\nConnection: Upgrade\r\n"
-            "Sec-WebSocket-Key: dGhlIHNhbXBsZSBub25jZQ==\r\nSec-WebSocket-Version: 13\r\n\r\n");
+        socket.write("GET /api/brume/v1/events HTTP/1.1\r\nHost: localhost\r\nUpgrade: "
+                     "websocket\r\nConnection: Upgrade\r\n"
+                     "Sec-WebSocket-Key: dGhlIHNhbXBsZSBub25jZQ==\r\nSec-WebSocket-Version: 13\r\n\r\n");
         QByteArray received;
         const auto comes = [&](const QByteArray& text) {
             return m_live.waitFor([&] {
@@ -280,7 +510,7 @@ private:
     {
         stream.connectToHost(QStringLiteral("127.0.0.1"), m_live.server().httpPort());
         stream.write(
-            "GET /api/brume/v1/sse?topic=collections&topic=playlists HTTP/1.1\r\nHost: test\r\n\r\n");
+            "GET /api/brume/v1/sse?topic=collections&topic=playlists HTTP/1.1\r\nHost: localhost\r\n\r\n");
         QByteArray head;
         m_live.waitFor([&] {
             head += stream.readAll();

@@ -63,8 +63,10 @@ private Q_SLOTS:
         QCOMPARE(told, 1);
         m_store->changeSetting("/a/properties/b", Json(0.5));
         QCOMPARE(edit(rename("third")).status, EditResult::Status::Saved);
+        const std::uint64_t revision = m_store->libraryRevision();
         QVERIFY(reopenCopy());
         QCOMPARE(name(), std::string("third"));
+        QVERIFY(m_store->libraryRevision() > revision); // nothing of before passes for up to date
         QCOMPARE(m_store->settings().get("/a/properties/b").asDouble(), 0.5);
     }
 
@@ -173,6 +175,7 @@ private Q_SLOTS:
         QVERIFY(answered);
         QCOMPARE(results[0], EditResult::Status::NotSaved);
         QCOMPARE(results[1], EditResult::Status::NotSaved);
+        QCOMPARE(m_store->latestRevision(), m_store->libraryRevision());
         QCOMPARE(name(), std::string("first"));
         QCOMPARE(edit(rename("fourth")).status, EditResult::Status::Saved);
         QVERIFY(reopenCopy());

@@ -77,6 +77,7 @@ private Q_SLOTS:
     void disconnectEndsRunning_data();
     void disconnectEndsRunning();
     void carriesPatchesBothWays();
+    void foldsSignsOfLife();
     void callsBackOnItsOwnThread();
     void cutsLargePatches();
     void readsOnAfterAPause();
@@ -181,6 +182,23 @@ void TestJsonClient::carriesPatchesBothWays()
     QTRY_VERIFY_WITH_TIMEOUT(drain() && server.received.size() == 1000, patience);
     for (int i = 0; i < 1000; ++i)
         QCOMPARE(server.received[static_cast<std::size_t>(i)][0].value.asInt(-1), i);
+}
+
+/// An empty frame is heard of, and many of them take no more room than one.
+void TestJsonClient::foldsSignsOfLife()
+{
+    ScriptedServer server;
+    for (int i = 0; i < 50; ++i)
+        server.greeting += framed(i == 20 ? numbered(7) : Patch());
+    server.closesAfterGreeting = true;
+    const LogCapture log;
+    JsonClient client;
+    LinkThread link(client, server.port());
+    QTRY_VERIFY_WITH_TIMEOUT(link.runReturned, patience);
+    QList<std::size_t> sizes;
+    for (Patch patch; client.recvPatch(patch);)
+        sizes.append(patch.size());
+    QCOMPARE(sizes, QList<std::size_t>({0, 1}));
 }
 
 void TestJsonClient::callsBackOnItsOwnThread()
