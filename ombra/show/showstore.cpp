@@ -1,8 +1,8 @@
 #include "ombra/show/showstore.h"
 
 #include "ombra/base/serverlog.h"
-#include "ombra/show/atomicfile.h"
 #include "ombra/show/journalline.h"
+#include "ombra/show/showloader.h"
 
 #include <boost/asio/post.hpp>
 
@@ -27,69 +27,20 @@ ShowStore::~ShowStore()
 
 bool ShowStore::open(const std::function<MediaLibrary()>& makeInitial, std::string* error)
 {
-    ShowDisk::Loaded loaded;
-    if (!m_disk->open(error) || !m_disk->load(loaded, error))
+    if (!m_disk->open(error))
         return false;
-    std::string why;
-    if (loaded.found && !restore(loaded, why)) {
-        // Sound JSON with content that this version does not take: kept, like any other damage.
-        const std::filesystem::path show = m_folder / "show.json";
-        const std::filesystem::path kept = moveAside(show);
-        if (kept.empty()) {
-            *error = show.string() + " cannot be used (" + why + ") and cannot be moved aside";
-            return false;
-        }
-        moveAside(m_folder / "journal.ndjson");
-        logLine(LogLevel::Error, "vantrel.show",
-                "show.json cannot be used (" + why + "); kept as " + kept.filename().string());
-        loaded.found = false;
-    }
-    if (!loaded.found) {
-        m_latest = makeInitial();
-        m_settings = Json::object();
-    }
+    const LoadedShow loaded = loadShow(m_folder);
+    m_loadNotice = loaded.notice;
+    if (!m_loadNotice.empty())
+        logLine(LogLevel::Warning, "vantrel.show", m_loadNotice);
+    m_disk->adopt(loaded);
+    m_latest = loaded.found ? loaded.library : makeInitial();
+    m_settings = loaded.settings;
     *m_library = m_latest;
     if (!m_disk->writeSnapshot(m_latest.toJson(), m_settings, error))
         return false;
     m_writer = std::make_unique<ShowWriter>(*m_disk);
     return true;
-}
-
-bool ShowStore::restore(const ShowDisk::Loaded& loaded, std::string& why)
-{
-    if (!m_latest.parseJson(loaded.library, &why))
-        return false;
-    m_settings = loaded.settings;
-    std::size_t line = 0;
-    for (const Json& entry : loaded.entries) {
-        ++line;
-        if (!replay(entry, why)) {
-            // Each line was accepted once, so this is damage; what stands before it is sound.
-            const std::filesystem::path kept = moveAside(m_folder / "journal.ndjson");
-            logLine(LogLevel::Error, "vantrel.show",
-                    "edit " + std::to_string(line) + " of the journal does not fit (" + why + "); kept as " +
-                        kept.filename().string());
-            break;
-        }
-    }
-    return true;
-}
-
-bool ShowStore::replay(const Json& entry, std::string& why)
-{
-    if (const Json* operations = entry.find("library")) {
-        Patch patch;
-        return Patch::fromJson(*operations, patch, &why) && m_latest.applyDiff(patch, &why) == 0;
-    }
-    if (const Json* changed = entry.find("settings")) {
-        changed->forEachMember([this](std::string_view path, const Json& value) {
-            m_settings.set(path, value);
-            return true;
-        });
-        return true;
-    }
-    why = "unknown kind of edit";
-    return false;
 }
 
 void ShowStore::patchLibrary(const Patch& patch, Answer answer)

@@ -59,13 +59,14 @@ public:
     /// Called after each saved edit of the library that changed something.
     void addLibraryListener(LibraryListener listener) { m_listeners.push_back(std::move(listener)); }
 
+    /// What the operator must know of the show as it was loaded; empty when all was sound.
+    const std::string& loadNotice() const noexcept { return m_loadNotice; }
+
 private:
     struct Alive
     {
     };
 
-    bool restore(const ShowDisk::Loaded& loaded, std::string& why);
-    bool replay(const Json& entry, std::string& why);
     void save(const Json& entry, std::function<void(bool, const std::string&)> done);
     void librarySaved(const Patch& patch, const MediaLibrary& after);
     void goBack(std::uint64_t epoch);
@@ -81,6 +82,7 @@ private:
     Json m_settings = Json::object();
     Json m_changedSettings = Json::object(); // of this turn
     bool m_flushPosted = false;
+    std::string m_loadNotice;
     std::uint64_t m_epoch = 1; // see ShowWriter
     std::vector<LibraryListener> m_listeners;
     std::shared_ptr<Alive> m_alive = std::make_shared<Alive>(); // completions hold it weakly
