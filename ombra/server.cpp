@@ -12,6 +12,7 @@
 #include "ombra/rest/restapi.h"
 #include "ombra/show/initiallibrary.h"
 #include "ombra/show/mediawatcher.h"
+#include "ombra/show/noticeboard.h"
 #include "ombra/show/scenesettings.h"
 #include "ombra/show/showfiles.h"
 #include "ombra/show/showstore.h"
@@ -110,6 +111,9 @@ bool Server::openShow(std::string* error)
         return false;
     m_outputs = std::make_unique<Outputs>(*m_scene);
     m_outputs->build();
+    m_notices = std::make_unique<NoticeBoard>(*m_scene);
+    m_notices->set("show", m_store->loadNotice());
+    m_store->setTroubleListener([this](const std::string& sentence) { m_notices->set("disk", sentence); });
     m_settings = std::make_unique<SceneSettings>(
         *m_scene, *m_store,
         [this](Object* object, const PropertyInfo* property) { propertyWritten(object, property); });

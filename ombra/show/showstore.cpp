@@ -6,6 +6,7 @@
 
 #include <boost/asio/post.hpp>
 
+#include <chrono>
 #include <utility>
 
 namespace vantrel::ombra {
@@ -15,6 +16,7 @@ ShowStore::ShowStore(boost::asio::io_context& io, std::filesystem::path stateFol
     , m_folder(std::move(stateFolder))
     , m_disk(std::make_unique<ShowDisk>(m_folder))
     , m_library(makeRef<MediaLibrary>())
+    , m_retry(io)
 {
 }
 
@@ -31,15 +33,15 @@ bool ShowStore::open(const std::function<MediaLibrary()>& makeInitial, std::stri
         return false;
     const LoadedShow loaded = loadShow(m_folder);
     m_loadNotice = loaded.notice;
-    if (!m_loadNotice.empty())
-        logLine(LogLevel::Warning, "vantrel.show", m_loadNotice);
     m_disk->adopt(loaded);
     m_latest = loaded.found ? loaded.library : makeInitial();
     m_settings = loaded.settings;
     *m_library = m_latest;
-    if (!m_disk->writeSnapshot(m_latest.toJson(), m_settings, error))
-        return false;
+    std::string why;
+    const bool saved = m_disk->writeSnapshot(m_latest.toJson(), m_settings, &why);
     m_writer = std::make_unique<ShowWriter>(*m_disk);
+    if (!saved)
+        setTrouble(why);
     return true;
 }
 
@@ -86,14 +88,19 @@ void ShowStore::changeSetting(const std::string& path, const Json& value)
 void ShowStore::flushSettings()
 {
     m_flushPosted = false;
-    if (m_changedSettings.size() == 0 || !m_writer)
-        return;
+    if (m_changedSettings.size() > 0 && m_writer)
+        submitSettings();
+}
+
+/// Also without any: then it only finds out whether the disk takes something.
+void ShowStore::submitSettings()
+{
     const Json changed = std::exchange(m_changedSettings, Json::object());
     save(Json::object({{"settings", changed}}), [this, changed](bool ok, const std::string&) {
         if (ok)
             return;
         changed.forEachMember([this](std::string_view path, const Json&) {
-            m_changedSettings.set(path, m_settings.get(path)); // goes with the next change
+            m_changedSettings.set(path, m_settings.get(path)); // until the disk takes them
             return true;
         });
     });
@@ -111,14 +118,42 @@ void ShowStore::save(const Json& entry, std::function<void(bool, const std::stri
         boost::asio::post(m_io, [this, alive, epoch, done, ok, error] {
             if (alive.expired())
                 return;
-            if (!ok) {
-                logLine(LogLevel::Error, "vantrel.show", error);
+            setTrouble(error);
+            if (!ok)
                 goBack(epoch);
-            }
-            done(ok, error);
+            done(ok, ok ? std::string() : "The edit was not saved. " + m_trouble);
         });
     };
     m_writer->submit(std::move(job));
+}
+
+void ShowStore::setTroubleListener(TroubleListener listener)
+{
+    m_troubleListener = std::move(listener);
+    if (!m_trouble.empty())
+        m_troubleListener(m_trouble);
+}
+
+void ShowStore::setTrouble(const std::string& why)
+{
+    constexpr auto retryTime = std::chrono::seconds(2);
+    const bool before = !m_trouble.empty();
+    if (why.empty())
+        m_trouble.clear();
+    else if (!before) // the first reason: those that follow come of it
+        m_trouble = "The server cannot write to its disk (" + why +
+                    "). The show plays on, but edits are refused until there is room and right to write.";
+    if (before == m_trouble.empty() && m_troubleListener)
+        m_troubleListener(m_trouble);
+    if (m_trouble.empty()) {
+        m_retry.cancel();
+        return;
+    }
+    m_retry.expires_after(retryTime);
+    m_retry.async_wait([this, alive = std::weak_ptr(m_alive)](boost::system::error_code code) {
+        if (!code && !alive.expired())
+            submitSettings();
+    });
 }
 
 void ShowStore::librarySaved(const Patch& patch, const MediaLibrary& after)

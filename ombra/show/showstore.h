@@ -6,6 +6,7 @@
 #include "tarn/media/medialibrary.h"
 
 #include <boost/asio/io_context.hpp>
+#include <boost/asio/steady_timer.hpp>
 
 #include <filesystem>
 #include <functional>
@@ -39,7 +40,8 @@ public:
     ShowStore& operator=(const ShowStore&) = delete;
 
     /// Loads the show; on a first start takes the library that makeInitial gives. False, with the reason,
-    /// when the folder cannot be used.
+    /// when the folder cannot be used. A disk that takes nothing is trouble (see setTroubleListener), but
+    /// none for showing what there is.
     bool open(const std::function<MediaLibrary()>& makeInitial, std::string* error);
 
     /// The library as it is saved.
@@ -62,6 +64,11 @@ public:
     /// What the operator must know of the show as it was loaded; empty when all was sound.
     const std::string& loadNotice() const noexcept { return m_loadNotice; }
 
+    /// Told why the disk takes nothing, and an empty text once it does again. Until then edits are refused
+    /// and settings wait. Called at once where there is something to tell.
+    using TroubleListener = std::function<void(const std::string& sentence)>;
+    void setTroubleListener(TroubleListener listener);
+
 private:
     struct Alive
     {
@@ -71,6 +78,8 @@ private:
     void librarySaved(const Patch& patch, const MediaLibrary& after);
     void goBack(std::uint64_t epoch);
     void flushSettings();
+    void submitSettings();
+    void setTrouble(const std::string& why);
 
     boost::asio::io_context& m_io;
     std::filesystem::path m_folder;
@@ -83,7 +92,10 @@ private:
     Json m_changedSettings = Json::object(); // of this turn
     bool m_flushPosted = false;
     std::string m_loadNotice;
-    std::uint64_t m_epoch = 1; // see ShowWriter
+    std::string m_trouble; // a sentence
+    TroubleListener m_troubleListener;
+    boost::asio::steady_timer m_retry; // while there is trouble
+    std::uint64_t m_epoch = 1;         // see ShowWriter
     std::vector<LibraryListener> m_listeners;
     std::shared_ptr<Alive> m_alive = std::make_shared<Alive>(); // completions hold it weakly
 };

@@ -102,12 +102,13 @@ private Q_SLOTS:
         QCOMPARE(edit(rename("second")).status, EditResult::Status::Saved);
         QCOMPARE(edit(rename("third")).status, EditResult::Status::Saved);
         const Files files = filesOf(m_folder->path());
-        const QByteArray journal = files.at(newest(QStringLiteral("journal")));
+        const QString journalName = newest(QStringLiteral("journal"));
+        const QByteArray journal = files.at(journalName);
         const qsizetype second = journal.indexOf("second\"}]}\n");
         const qsizetype third = journal.indexOf("third\"}]}\n");
         for (qsizetype cut = 0; cut <= journal.size(); cut += cut == journal.size() - 1 ? 1 : 7) {
             Files torn = files;
-            torn[newest(QStringLiteral("journal"))] = journal.left(cut);
+            torn[journalName] = journal.left(cut);
             QVERIFY(openWith(torn));
             QCOMPARE(name(), std::string(cut >= third + 10    ? "third"
                                          : cut >= second + 11 ? "second"
@@ -160,10 +161,10 @@ private Q_SLOTS:
     void flippedBits()
     {
         for (int generation = 0; generation < 3; ++generation) {
+            m_store->changeSetting("/a/properties/b", Json(generation));
             for (int i = 0; i < 3; ++i)
                 QCOMPARE(edit(rename("edit " + std::to_string(3 * generation + i))).status,
                          EditResult::Status::Saved);
-            m_store->changeSetting("/a/properties/b", Json(generation));
             QVERIFY(generation == 2 || reopenCopy());
         }
         QCOMPARE(edit(rename("last")).status, EditResult::Status::Saved);
@@ -245,6 +246,43 @@ private Q_SLOTS:
         QCOMPARE(edit(rename("fourth")).status, EditResult::Status::Saved);
         QVERIFY(reopenCopy());
         QCOMPARE(name(), std::string("fourth"));
+    }
+
+    /// Started on a disk that takes nothing: the show is there, edits are refused with a sentence, settings
+    /// wait, and all goes on by itself when the disk takes something again.
+    void startsOnAFullDisk()
+    {
+        QCOMPARE(edit(rename("second")).status, EditResult::Status::Saved);
+        const Files files = filesOf(m_folder->path());
+        std::signal(SIGXFSZ, SIG_IGN);
+        rlimit old{};
+        QCOMPARE(getrlimit(RLIMIT_FSIZE, &old), 0);
+        m_store.reset();
+        rlimit tight = old;
+        tight.rlim_cur = 0;
+        QCOMPARE(setrlimit(RLIMIT_FSIZE, &tight), 0);
+        const bool opened = open();
+        std::string trouble;
+        EditResult refused;
+        if (opened) {
+            m_store->setTroubleListener([&](const std::string& sentence) { trouble = sentence; });
+            refused = edit(rename("third"));
+            m_store->changeSetting("/a/properties/b", Json(0.5));
+        }
+        const std::string told = trouble;
+        QCOMPARE(setrlimit(RLIMIT_FSIZE, &old), 0);
+        QVERIFY(opened);
+        QCOMPARE(name(), std::string("second"));
+        QCOMPARE(refused.status, EditResult::Status::NotSaved);
+        QVERIFY2(refused.message.find("cannot write to its disk") != std::string::npos,
+                 refused.message.c_str());
+        QVERIFY2(told.find("edits are refused") != std::string::npos, told.c_str());
+        QCOMPARE(filesOf(m_folder->path()), files); // and nothing half done
+        QVERIFY(waitFor([&] { return trouble.empty(); }));
+        QVERIFY(reopenCopy());
+        QCOMPARE(name(), std::string("second"));
+        QCOMPARE(m_store->settings().get("/a/properties/b").asDouble(), 0.5);
+        QCOMPARE(edit(rename("third")).status, EditResult::Status::Saved);
     }
 
     void oneServerAFolder()
