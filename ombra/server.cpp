@@ -116,7 +116,12 @@ bool Server::openShow(std::string* error)
     m_store->setTroubleListener([this](const std::string& sentence) { m_notices->set("disk", sentence); });
     m_settings = std::make_unique<SceneSettings>(
         *m_scene, *m_store,
-        [this](Object* object, const PropertyInfo* property) { propertyWritten(object, property); });
+        [this](Object* object, const PropertyInfo* property) { propertyWritten(object, property); },
+        [this](const std::string& playback, double seconds) {
+            std::string ignored; // without media there is nothing to show
+            const Path seek(playback + "/methods/seekMedia");
+            m_engine->invoke(seek, Json::object({{"mediaPosition", seconds}}), &ignored);
+        });
     m_showFiles = std::make_unique<ShowFiles>(*m_store, *m_settings, *m_outputs, m_options.state);
     return true;
 }
@@ -186,17 +191,18 @@ bool Server::invoke(PathView methodPath, const Json& args, std::string* error)
 }
 
 /// What "reboot" means to this machine: everything stops, and the players start anew with the media that they
-/// had.
+/// had, playing or paused as they were.
 void Server::restartPlayers()
 {
     logLine(LogLevel::Info, "vantrel.server", "restarting the players");
+    const Json before = m_settings->current();
     m_engine.reset();
     for (const char* side : {"preview", "program"})
         m_scene->replaceProperty(
             m_scene->find("/device/channels/0/" + std::string(side) + "/properties/state"),
             Variant::from(SourcePlayState::Stop));
     startEngine();
-    m_settings->apply(m_settings->current(), {"playback", "audio"});
+    m_settings->apply(before, {"playback", "audio"});
 }
 
 void Server::propertyWritten(Object* object, const PropertyInfo* property)
