@@ -12,6 +12,7 @@
 #include "ombra/rest/restapi.h"
 #include "ombra/show/initiallibrary.h"
 #include "ombra/show/mediawatcher.h"
+#include "ombra/show/noticeboard.h"
 #include "ombra/show/scenesettings.h"
 #include "ombra/show/showfiles.h"
 #include "ombra/show/showstore.h"
@@ -113,9 +114,17 @@ bool Server::openShow(std::string* error)
         return false;
     m_outputs = std::make_unique<Outputs>(*m_scene);
     m_outputs->build();
+    m_notices = std::make_unique<NoticeBoard>(*m_scene);
+    m_notices->set("show", m_store->loadNotice());
+    m_store->setTroubleListener([this](const std::string& sentence) { m_notices->set("disk", sentence); });
     m_settings = std::make_unique<SceneSettings>(
         *m_scene, *m_store,
-        [this](Object* object, const PropertyInfo* property) { propertyWritten(object, property); });
+        [this](Object* object, const PropertyInfo* property) { propertyWritten(object, property); },
+        [this](const std::string& playback, double seconds) {
+            std::string ignored; // without media there is nothing to show
+            const Path seek(playback + "/methods/seekMedia");
+            m_engine->invoke(seek, Json::object({{"mediaPosition", seconds}}), &ignored);
+        });
     m_showFiles = std::make_unique<ShowFiles>(*m_store, *m_settings, *m_outputs, m_options.state);
     return true;
 }
@@ -185,17 +194,18 @@ bool Server::invoke(PathView methodPath, const Json& args, std::string* error)
 }
 
 /// What "reboot" means to this machine: everything stops, and the players start anew with the media that they
-/// had.
+/// had, playing or paused as they were.
 void Server::restartPlayers()
 {
     logLine(LogLevel::Info, "vantrel.server", "restarting the players");
+    const Json before = m_settings->current();
     m_engine.reset();
     for (const char* side : {"preview", "program"})
         m_scene->replaceProperty(
             m_scene->find("/device/channels/0/" + std::string(side) + "/properties/state"),
             Variant::from(SourcePlayState::Stop));
     startEngine();
-    m_settings->apply(m_settings->current(), {"playback", "audio"});
+    m_settings->apply(before, {"playback", "audio"});
 }
 
 void Server::propertyWritten(Object* object, const PropertyInfo* property)

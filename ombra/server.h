@@ -21,6 +21,7 @@ class HttpServer;
 class LinkServer;
 class MediaData;
 class MediaWatcher;
+class NoticeBoard;
 class Outputs;
 class PreviewServer;
 class RestApi;
@@ -70,6 +71,7 @@ private:
     boost::asio::io_context& m_io;
     ServerOptions m_options;
     Ref<Scene> m_scene;
+    std::unique_ptr<NoticeBoard> m_notices;
     std::unique_ptr<ShowStore> m_store;
     std::unique_ptr<Outputs> m_outputs;
     std::unique_ptr<SceneSettings> m_settings;

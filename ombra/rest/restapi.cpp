@@ -237,7 +237,7 @@ void RestApi::answerEdit(const HttpAnswer& answer, const EditResult& result)
     case EditResult::Status::BreaksRules:
         return answer(httpError(422, result.message));
     case EditResult::Status::NotSaved:
-        return answer(httpError(500, result.message));
+        return answer(httpError(507, result.message));
     }
 }
 

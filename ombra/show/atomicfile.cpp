@@ -37,6 +37,18 @@ private:
     int m_fd;
 };
 
+std::filesystem::path freeName(const std::filesystem::path& path)
+{
+    for (int n = 1; n < 10000; ++n) {
+        std::filesystem::path target = path;
+        target += ".damaged-" + std::to_string(n);
+        std::error_code code;
+        if (!std::filesystem::exists(target, code))
+            return target;
+    }
+    return {};
+}
+
 } // namespace
 
 bool writeAll(int fd, std::string_view bytes)
@@ -66,8 +78,11 @@ bool writeFileAtomically(const std::filesystem::path& path, std::string_view tex
         const File file(temporary, O_WRONLY | O_CREAT | O_TRUNC);
         if (file.get() < 0)
             return failed(error, temporary, "cannot create");
-        if (!writeAll(file.get(), text) || ::fsync(file.get()) != 0)
-            return failed(error, temporary, "cannot write");
+        if (!writeAll(file.get(), text) || ::fsync(file.get()) != 0) {
+            failed(error, temporary, "cannot write");
+            ::unlink(temporary.c_str()); // it would keep what room a full disk has left
+            return false;
+        }
     }
     if (::rename(temporary.c_str(), path.c_str()) != 0)
         return failed(error, path, "cannot replace");
@@ -114,16 +129,20 @@ std::optional<std::string> readWholeFile(const std::filesystem::path& path, std:
 
 std::filesystem::path moveAside(const std::filesystem::path& path)
 {
-    for (int n = 1; n < 10000; ++n) {
-        std::filesystem::path target = path;
-        target += ".damaged-" + std::to_string(n);
-        std::error_code code;
-        if (std::filesystem::exists(target, code))
-            continue;
+    const std::filesystem::path target = freeName(path);
+    std::error_code code;
+    if (!target.empty())
         std::filesystem::rename(path, target, code);
-        return code ? std::filesystem::path() : target;
-    }
-    return {};
+    return code ? std::filesystem::path() : target;
+}
+
+std::filesystem::path copyAside(const std::filesystem::path& path)
+{
+    const std::filesystem::path target = freeName(path);
+    std::error_code code;
+    if (!target.empty())
+        std::filesystem::copy_file(path, target, code);
+    return code ? std::filesystem::path() : target;
 }
 
 } // namespace vantrel::ombra

@@ -20,6 +20,9 @@ std::optional<std::string> readWholeFile(const std::filesystem::path& path, std:
 /// failure.
 std::filesystem::path moveAside(const std::filesystem::path& path);
 
+/// Copies a file in the same way: the damaged one stays where it is.
+std::filesystem::path copyAside(const std::filesystem::path& path);
+
 /// Makes what was created, renamed or removed in a folder last.
 bool syncFolder(const std::filesystem::path& folder);
 

@@ -20,6 +20,8 @@ const std::map<std::string, Properties, std::less<>>& lasting()
     static const std::map<std::string, Properties, std::less<>> table = {
         {"Playback",
          {{"media", "playback"},
+          {"state", "playback"},
+          {"mediaPosition", "playback"},
           {"endAction", "playback"},
           {"volume", "playback"},
           {"muted", "playback"},
@@ -44,6 +46,16 @@ const char* sectionOf(const Object* object, const PropertyInfo* property)
     return section == type->second.end() ? nullptr : section->second;
 }
 
+/// Whether a property is to be kept as it is now. A position is while its playback is paused: one that plays
+/// starts at the beginning again.
+bool lasts(const Object* object, const PropertyInfo* property)
+{
+    Variant state;
+    return sectionOf(object, property) &&
+           (property->name != "mediaPosition" ||
+            (object->getProperty("state", state) && state.as<SourcePlayState>() == SourcePlayState::Pause));
+}
+
 } // namespace
 
 const std::set<std::string>& SceneSettings::sections()
@@ -53,10 +65,11 @@ const std::set<std::string>& SceneSettings::sections()
 }
 
 SceneSettings::SceneSettings(Scene& scene, ShowStore& store,
-                             std::function<void(Object*, const PropertyInfo*)> written)
+                             std::function<void(Object*, const PropertyInfo*)> written, Seek seek)
     : m_scene(scene)
     , m_store(store)
     , m_written(std::move(written))
+    , m_seek(std::move(seek))
 {
     m_callback = [](Scene*, int count, const SceneChange* changes, void* user) {
         static_cast<SceneSettings*>(user)->onSceneChange(count, changes);
@@ -72,16 +85,33 @@ SceneSettings::~SceneSettings()
 // The settings come as a copy of their own, since what is saved changes while they are applied.
 void SceneSettings::apply(Json settings, const std::set<std::string>& sections)
 {
+    constexpr std::string_view state = "/properties/state", position = "/properties/mediaPosition";
     settings.forEachMember([&](std::string_view path, const Json& value) {
-        const ScenePointer at = m_scene.find(path);
-        const char* section = at.deref() && at.property() ? sectionOf(at.deref(), at.property()) : nullptr;
-        if (!section)
-            logLine(LogLevel::Warning, "vantrel.show",
-                    "the show sets what is not here: " + std::string(path));
-        else if (sections.contains(section) && !write(std::string(path), value))
-            logLine(LogLevel::Warning, "vantrel.show", "the show's value does not fit: " + std::string(path));
+        if (!path.ends_with(state) && !path.ends_with(position))
+            applyOne(path, value, sections);
         return true;
     });
+    // New media play from their beginning: the picture and the state are theirs.
+    settings.forEachMember([&](std::string_view path, const Json& value) {
+        if (!path.ends_with(state))
+            return true;
+        const std::string playback(path.substr(0, path.size() - state.size()));
+        const Json* at = settings.find(playback + std::string(position));
+        if (sections.contains("playback") && at && value.stringView() == toStr(SourcePlayState::Pause))
+            m_seek(playback, at->asDouble());
+        applyOne(path, value, sections);
+        return true;
+    });
+}
+
+void SceneSettings::applyOne(std::string_view path, const Json& value, const std::set<std::string>& sections)
+{
+    const ScenePointer at = m_scene.find(path);
+    const char* section = at.deref() && at.property() ? sectionOf(at.deref(), at.property()) : nullptr;
+    if (!section)
+        logLine(LogLevel::Warning, "vantrel.show", "the show sets what is not here: " + std::string(path));
+    else if (sections.contains(section) && !write(std::string(path), value))
+        logLine(LogLevel::Warning, "vantrel.show", "the show's value does not fit: " + std::string(path));
 }
 
 bool SceneSettings::write(const std::string& path, const Json& value)
@@ -110,7 +140,7 @@ Json SceneSettings::current() const
 void SceneSettings::collect(const Object* object, Json& out) const
 {
     for (const PropertyInfo* property : object->getProperties()) {
-        if (!sectionOf(object, property))
+        if (!lasts(object, property))
             continue;
         Path path;
         Variant value;
@@ -134,6 +164,8 @@ void SceneSettings::resetPlayback()
         write(path + "/properties/state", "stop");
         for (const auto& [name, section] : lasting().at("Playback")) {
             Json value;
+            if (name == "mediaPosition")
+                continue; // follows the media
             if (name == "audioDevice")
                 value = toStr(initialAudioDevice);
             else
@@ -146,15 +178,25 @@ void SceneSettings::resetPlayback()
 void SceneSettings::onSceneChange(int count, const SceneChange* changes)
 {
     for (int i = 0; i < count; ++i) {
-        if (changes[i].kind != SceneChange::PropertyChanged ||
-            !sectionOf(changes[i].object, changes[i].property))
+        if (changes[i].kind != SceneChange::PropertyChanged)
             continue;
-        Path path;
-        Json value;
-        Json::fromVariant(changes[i].value, value);
-        if (m_scene.pathOf(changes[i].object, changes[i].property, path))
-            m_store.changeSetting(path.toString(), value);
+        Object* object = changes[i].object;
+        save(object, changes[i].property);
+        if (sectionOf(object, changes[i].property) && changes[i].property->name == "state")
+            save(object, object->findProperty("mediaPosition")); // where it was paused
     }
+}
+
+void SceneSettings::save(Object* object, const PropertyInfo* property)
+{
+    Path path;
+    Variant value;
+    Json json;
+    if (!lasts(object, property) || !m_scene.pathOf(object, property, path) ||
+        !object->getProperty(property, value))
+        return;
+    Json::fromVariant(value, json);
+    m_store.changeSetting(path.toString(), json);
 }
 
 } // namespace vantrel::ombra

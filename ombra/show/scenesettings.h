@@ -5,6 +5,7 @@
 #include <functional>
 #include <set>
 #include <string>
+#include <string_view>
 
 namespace vantrel::ombra {
 
@@ -18,14 +19,18 @@ public:
     /// The sections of a show that stand in the scene.
     static const std::set<std::string>& sections(); // "output", "audio", "playback"
 
+    /// What puts a saved picture back: the path of a playback, and a position in its media in seconds.
+    using Seek = std::function<void(const std::string& playback, double seconds)>;
+
     /// written is told of each property that apply() changes, as if a client had written it.
-    SceneSettings(Scene& scene, ShowStore& store, std::function<void(Object*, const PropertyInfo*)> written);
+    SceneSettings(Scene& scene, ShowStore& store, std::function<void(Object*, const PropertyInfo*)> written,
+                  Seek seek);
     ~SceneSettings();
     SceneSettings(const SceneSettings&) = delete;
     SceneSettings& operator=(const SceneSettings&) = delete;
 
     /// Puts settings of these sections into the scene. What is not there any more, or does not fit, is passed
-    /// over with a log line.
+    /// over with a log line. A playback that was paused shows its picture again.
     void apply(Json settings, const std::set<std::string>& sections);
     /// Everything that lasts, as the scene has it now.
     Json current() const;
@@ -34,12 +39,15 @@ public:
 
 private:
     void onSceneChange(int count, const SceneChange* changes);
+    void save(Object* object, const PropertyInfo* property);
     void collect(const Object* object, Json& out) const;
+    void applyOne(std::string_view path, const Json& value, const std::set<std::string>& sections);
     bool write(const std::string& path, const Json& value);
 
     Scene& m_scene;
     ShowStore& m_store;
     std::function<void(Object*, const PropertyInfo*)> m_written;
+    Seek m_seek;
     Scene::ChangeCallback m_callback;
 };
 

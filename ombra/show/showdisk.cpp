@@ -2,21 +2,22 @@
 
 #include "ombra/base/serverlog.h"
 #include "ombra/show/atomicfile.h"
+#include "ombra/show/generations.h"
 #include "ombra/show/journalline.h"
+#include "ombra/show/showloader.h"
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
 #include <sys/file.h>
 #include <unistd.h>
+#include <utility>
 
 namespace vantrel::ombra {
 
 namespace {
-
-constexpr std::size_t maxFile = std::size_t{1} << 31;
-constexpr std::int64_t formatVersion = 1;
 
 bool fail(std::string* error, const std::string& text)
 {
@@ -25,32 +26,11 @@ bool fail(std::string* error, const std::string& text)
     return false;
 }
 
-/// Keeps a damaged file under another name; false when even that fails.
-bool keepDamaged(const std::filesystem::path& path, const std::string& why, std::string* error)
+/// Whether a path is fine and the disk takes nothing just now.
+bool isDiskTrouble(int code)
 {
-    const std::filesystem::path kept = moveAside(path);
-    if (kept.empty())
-        return fail(error, path.string() + " is damaged (" + why + ") and cannot be moved aside");
-    logLine(LogLevel::Error, "vantrel.show",
-            path.filename().string() + " is damaged (" + why + "); kept as " + kept.filename().string());
-    return true;
-}
-
-bool parseSnapshot(const std::string& text, ShowDisk::Loaded& out, std::uint64_t& generation,
-                   std::string& why)
-{
-    Json document;
-    if (!Json::parseString(text, document, &why))
-        return false;
-    if (document.get("format").asInt() != formatVersion || !document.get("library").isObject() ||
-        !document.get("settings").isObject() || !document.get("generation").isNumber()) {
-        why = "not a show of this format";
-        return false;
-    }
-    out.library = document.get("library");
-    out.settings = document.get("settings");
-    generation = document.get("generation").asUInt();
-    return true;
+    constexpr std::array codes = {ENOSPC, EDQUOT, EROFS, EACCES, EPERM, EIO, EFBIG};
+    return std::ranges::find(codes, code) != codes.end();
 }
 
 } // namespace
@@ -70,104 +50,94 @@ ShowDisk::~ShowDisk()
 
 bool ShowDisk::open(std::string* error)
 {
+    const Lock result = lock(error);
+    return result == Lock::Ours || result == Lock::Unwritable;
+}
+
+ShowDisk::Lock ShowDisk::lock(std::string* error)
+{
+    if (m_lock >= 0)
+        return Lock::Ours;
+    const auto failed = [error](const std::string& what, int code) {
+        fail(error, what + ": " + std::strerror(code));
+        return isDiskTrouble(code) ? Lock::Unwritable : Lock::Impossible;
+    };
     std::error_code code;
     std::filesystem::create_directories(m_folder, code);
     if (code)
-        return fail(error, "cannot create " + m_folder.string() + ": " + code.message());
+        return failed("cannot create " + m_folder.string(), code.value());
     const std::filesystem::path path = m_folder / "lock";
-    m_lock = ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644);
-    if (m_lock < 0)
-        return fail(error, "cannot open " + path.string() + ": " + std::strerror(errno));
-    if (::flock(m_lock, LOCK_EX | LOCK_NB) != 0)
-        return fail(error, "another server uses the state folder " + m_folder.string());
-    return true;
+    int file = ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644);
+    const int trouble = errno;
+    if (file < 0 && isDiskTrouble(trouble))
+        file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC); // one can be held on a read-only disk as well
+    if (file < 0)
+        return failed("cannot open " + path.string(), trouble);
+    if (::flock(file, LOCK_EX | LOCK_NB) != 0) {
+        ::close(file);
+        fail(error, "another server uses the state folder " + m_folder.string());
+        return Lock::Others;
+    }
+    m_lock = file;
+    return Lock::Ours;
 }
 
-bool ShowDisk::load(Loaded& out, std::string* error)
+void ShowDisk::adopt(const LoadedShow& loaded)
 {
-    const std::filesystem::path path = m_folder / "show.json";
-    std::string why;
-    const auto text = readWholeFile(path, maxFile, &why);
-    if (!text && !why.empty())
-        return fail(error, why);
-    if (text) {
-        m_snapshotBytes = text->size();
-        out.found = parseSnapshot(*text, out, m_generation, why);
-        if (!out.found && !keepDamaged(path, why, error))
-            return false;
-    }
-    return loadJournal(out, error);
-}
-
-bool ShowDisk::loadJournal(Loaded& out, std::string* error)
-{
-    const std::filesystem::path path = m_folder / "journal.ndjson";
-    std::string why;
-    const auto text = readWholeFile(path, maxFile, &why);
-    if (!text)
-        return why.empty() || fail(error, why);
-    if (!out.found)
-        return text->empty() || keepDamaged(path, "there is no snapshot that it belongs to", error);
-
-    bool headed = false;
-    std::size_t start = 0;
-    while (start < text->size()) {
-        const std::size_t end = text->find('\n', start);
-        const bool torn = end == std::string::npos;
-        Json entry;
-        const bool sound =
-            !torn && decodeJournalLine(std::string_view(*text).substr(start, end - start), entry);
-        if (!sound && (torn || end + 1 == text->size())) {
-            logLine(LogLevel::Warning, "vantrel.show", "dropping the torn last line of the journal");
-            return true;
-        }
-        if (!sound)
-            return keepDamaged(path, "line at byte " + std::to_string(start), error);
-        start = end + 1;
-        if (!headed) {
-            headed = true;
-            const std::uint64_t generation = entry.get("generation").asUInt();
-            if (generation < m_generation)
-                return true; // its edits are in the snapshot
-            if (generation > m_generation)
-                return keepDamaged(path, "it belongs to a later snapshot", error);
-            continue;
-        }
-        out.entries.push_back(std::move(entry));
-    }
-    return true;
+    m_generation = loaded.generation;
+    m_badSnapshots = loaded.badSnapshots;
+    m_badJournals = loaded.badJournals;
 }
 
 bool ShowDisk::writeSnapshot(const Json& library, const Json& settings, std::string* error)
 {
-    const std::uint64_t generation = m_generation + 1;
-    const Json document = Json::object({{"format", formatVersion},
-                                        {"generation", generation},
-                                        {"library", library},
-                                        {"settings", settings}});
-    const std::string text = document.toString();
-    if (!writeFileAtomically(m_folder / "show.json", text, error))
+    if (lock(error) != Lock::Ours)
         return false;
-    m_generation = generation;
-    m_snapshotBytes = text.size();
-    return startJournal(error);
-}
-
-bool ShowDisk::startJournal(std::string* error)
-{
-    if (m_journal >= 0)
-        ::close(m_journal);
-    m_journal = -1;
-    const std::filesystem::path path = m_folder / "journal.ndjson";
-    const std::string head = encodeJournalLine(Json::object({{"generation", m_generation}}));
+    const std::uint64_t generation = m_generation + 1;
+    const std::string text = encodeJournalLine(Json::object({{"format", formatVersion},
+                                                             {"generation", generation},
+                                                             {"library", library},
+                                                             {"settings", settings}}));
+    const std::string head = encodeJournalLine(Json::object({{"generation", generation}}));
+    // The journal first: a snapshot without one would hold edits that were answered as not saved.
+    const std::filesystem::path path = journalPath(m_folder, generation);
+    std::error_code ignored;
     if (!writeFileAtomically(path, head, error))
         return false;
-    m_journal = ::open(path.c_str(), O_WRONLY | O_APPEND | O_CLOEXEC);
-    if (m_journal < 0)
-        return fail(error, "cannot open " + path.string() + ": " + std::strerror(errno));
+    const int journal = ::open(path.c_str(), O_WRONLY | O_APPEND | O_CLOEXEC);
+    if (journal < 0 || !writeFileAtomically(snapshotPath(m_folder, generation), text, error)) {
+        if (journal < 0)
+            fail(error, "cannot open " + path.string() + ": " + std::strerror(errno));
+        else
+            ::close(journal);
+        std::filesystem::remove(snapshotPath(m_folder, generation), ignored);
+        std::filesystem::remove(path, ignored);
+        m_journalEntries = 0; // not again with the next edit
+        return false;
+    }
+    if (m_journal >= 0)
+        ::close(m_journal);
+    m_journal = journal;
+    m_generation = generation;
+    m_snapshotBytes = text.size();
     m_journalBytes = head.size();
     m_journalEntries = 0;
+    keepDamaged();
+    Generations::find(m_folder).prune(keptGenerations);
     return true;
+}
+
+void ShowDisk::keepDamaged()
+{
+    const auto tell = [](const std::filesystem::path& path, const std::filesystem::path& kept) {
+        logLine(LogLevel::Error, "vantrel.show",
+                path.filename().string() + " is damaged; " +
+                    (kept.empty() ? "it cannot be put aside" : "kept as " + kept.filename().string()));
+    };
+    for (const auto& path : std::exchange(m_badSnapshots, {}))
+        tell(path, moveAside(path));
+    for (const auto& path : std::exchange(m_badJournals, {}))
+        tell(path, copyAside(path));
 }
 
 bool ShowDisk::append(std::span<const std::string> lines, std::string* error)
@@ -176,10 +146,10 @@ bool ShowDisk::append(std::span<const std::string> lines, std::string* error)
         return fail(error, "the journal is not open");
     std::string batch;
     for (const std::string& line : lines)
-        batch += line;
+        (batch += line) += '\n'; // an empty line between: damage of a line feed joins no two edits
     if (!writeAll(m_journal, batch) || ::fdatasync(m_journal) != 0) {
         fail(error, std::string("cannot write the journal: ") + std::strerror(errno));
-        // What follows must not stand behind half a line; without a clean end nothing more is taken.
+        // What follows must not stand behind half a line; without a clean end it goes to a new journal.
         if (::ftruncate(m_journal, static_cast<off_t>(m_journalBytes)) != 0) {
             ::close(m_journal);
             m_journal = -1;

@@ -10,44 +10,47 @@
 
 namespace vantrel::ombra {
 
-/// The show on the disk: a snapshot "show.json" and the edits since in "journal.ndjson", one a line. Both
-/// carry a generation: a journal of an older one than the snapshot is in the snapshot already. Not
-/// thread-safe; belongs to the loading thread first and to the writer's thread afterwards.
+struct LoadedShow;
+
+/// Writes the show to the disk: snapshots of which the last three generations are kept, and to the newest a
+/// journal of the edits since, one a line (see Generations). Not thread-safe; belongs to the loading thread
+/// first and to the writer's thread afterwards.
 class ShowDisk
 {
 public:
+    static constexpr std::int64_t formatVersion = 1;
+    static constexpr std::size_t keptGenerations = 3;
+
     explicit ShowDisk(std::filesystem::path folder);
     ~ShowDisk();
     ShowDisk(const ShowDisk&) = delete;
     ShowDisk& operator=(const ShowDisk&) = delete;
 
     /// Creates the folder where needed and takes its lock. False, with the reason, when another server has
-    /// it.
+    /// it or the path cannot be one. A disk that takes nothing is no failure: writing then says so.
     bool open(std::string* error);
 
-    struct Loaded
-    {
-        bool found = false;        // there was a sound snapshot
-        Json library, settings;    // of the snapshot
-        std::vector<Json> entries; // to be applied on it, in order
-    };
-    /// Reads what is there. A torn last line is dropped; a damaged file is moved aside and told in the log.
-    /// False, with the reason, when a damaged file could not be kept: then nothing must be written.
-    bool load(Loaded& out, std::string* error);
+    /// What was loaded: the next snapshot follows on its generation, and puts its damaged files aside.
+    void adopt(const LoadedShow& loaded);
 
-    /// Writes the snapshot of the next generation and starts an empty journal for it.
+    /// Writes the snapshot of the next generation and starts an empty journal for it. On failure the present
+    /// generation goes on.
     bool writeSnapshot(const Json& library, const Json& settings, std::string* error);
 
+    /// Whether there is a journal to append to. A snapshot makes one.
+    bool hasJournal() const noexcept { return m_journal >= 0; }
+
     /// Appends lines (see encodeJournalLine) by one write and one fsync. On failure the journal ends where it
-    /// did before.
+    /// did before, or is closed.
     bool append(std::span<const std::string> lines, std::string* error);
 
     /// Whether the journal has grown so that a new snapshot pays.
     bool wantsSnapshot() const noexcept;
 
 private:
-    bool loadJournal(Loaded& out, std::string* error);
-    bool startJournal(std::string* error);
+    enum class Lock { Ours, Others, Unwritable, Impossible };
+    Lock lock(std::string* error);
+    void keepDamaged();
 
     std::filesystem::path m_folder;
     int m_lock = -1;
@@ -56,6 +59,7 @@ private:
     std::uint64_t m_journalBytes = 0;
     std::uint64_t m_journalEntries = 0;
     std::uint64_t m_snapshotBytes = 0;
+    std::vector<std::filesystem::path> m_badSnapshots, m_badJournals;
 };
 
 } // namespace vantrel::ombra

@@ -1,8 +1,8 @@
 #include "ombra/show/showstore.h"
 
 #include "ombra/base/serverlog.h"
-#include "ombra/show/atomicfile.h"
 #include "ombra/show/journalline.h"
+#include "ombra/show/showloader.h"
 
 #include <boost/asio/post.hpp>
 
@@ -30,6 +30,7 @@ ShowStore::ShowStore(boost::asio::io_context& io, std::filesystem::path stateFol
     , m_library(makeRef<MediaLibrary>())
     , m_revision(firstRevision())
     , m_latestRevision(m_revision)
+    , m_retry(io)
 {
 }
 
@@ -42,69 +43,20 @@ ShowStore::~ShowStore()
 
 bool ShowStore::open(const std::function<MediaLibrary()>& makeInitial, std::string* error)
 {
-    ShowDisk::Loaded loaded;
-    if (!m_disk->open(error) || !m_disk->load(loaded, error))
+    if (!m_disk->open(error))
         return false;
-    std::string why;
-    if (loaded.found && !restore(loaded, why)) {
-        // Sound JSON with content that this version does not take: kept, like any other damage.
-        const std::filesystem::path show = m_folder / "show.json";
-        const std::filesystem::path kept = moveAside(show);
-        if (kept.empty()) {
-            *error = show.string() + " cannot be used (" + why + ") and cannot be moved aside";
-            return false;
-        }
-        moveAside(m_folder / "journal.ndjson");
-        logLine(LogLevel::Error, "vantrel.show",
-                "show.json cannot be used (" + why + "); kept as " + kept.filename().string());
-        loaded.found = false;
-    }
-    if (!loaded.found) {
-        m_latest = makeInitial();
-        m_settings = Json::object();
-    }
-    *m_library = m_latest;
-    if (!m_disk->writeSnapshot(m_latest.toJson(), m_settings, error))
-        return false;
-    m_writer = std::make_unique<ShowWriter>(*m_disk);
-    return true;
-}
-
-bool ShowStore::restore(const ShowDisk::Loaded& loaded, std::string& why)
-{
-    if (!m_latest.parseJson(loaded.library, &why))
-        return false;
+    const LoadedShow loaded = loadShow(m_folder);
+    m_loadNotice = loaded.notice;
+    m_disk->adopt(loaded);
+    m_latest = loaded.found ? loaded.library : makeInitial();
     m_settings = loaded.settings;
-    std::size_t line = 0;
-    for (const Json& entry : loaded.entries) {
-        ++line;
-        if (!replay(entry, why)) {
-            // Each line was accepted once, so this is damage; what stands before it is sound.
-            const std::filesystem::path kept = moveAside(m_folder / "journal.ndjson");
-            logLine(LogLevel::Error, "vantrel.show",
-                    "edit " + std::to_string(line) + " of the journal does not fit (" + why + "); kept as " +
-                        kept.filename().string());
-            break;
-        }
-    }
+    *m_library = m_latest;
+    std::string why;
+    const bool saved = m_disk->writeSnapshot(m_latest.toJson(), m_settings, &why);
+    m_writer = std::make_unique<ShowWriter>(*m_disk);
+    if (!saved)
+        setTrouble(why);
     return true;
-}
-
-bool ShowStore::replay(const Json& entry, std::string& why)
-{
-    if (const Json* operations = entry.find("library")) {
-        Patch patch;
-        return Patch::fromJson(*operations, patch, &why) && m_latest.applyDiff(patch, &why) == 0;
-    }
-    if (const Json* changed = entry.find("settings")) {
-        changed->forEachMember([this](std::string_view path, const Json& value) {
-            m_settings.set(path, value);
-            return true;
-        });
-        return true;
-    }
-    why = "unknown kind of edit";
-    return false;
 }
 
 void ShowStore::patchLibrary(const Patch& patch, Answer answer)
@@ -159,14 +111,19 @@ void ShowStore::changeSetting(const std::string& path, const Json& value)
 void ShowStore::flushSettings()
 {
     m_flushPosted = false;
-    if (m_changedSettings.size() == 0 || !m_writer)
-        return;
+    if (m_changedSettings.size() > 0 && m_writer)
+        submitSettings();
+}
+
+/// Also without any: then it only finds out whether the disk takes something.
+void ShowStore::submitSettings()
+{
     const Json changed = std::exchange(m_changedSettings, Json::object());
     save(Json::object({{"settings", changed}}), [this, changed](bool ok, const std::string&) {
         if (ok)
             return;
         changed.forEachMember([this](std::string_view path, const Json&) {
-            m_changedSettings.set(path, m_settings.get(path)); // goes with the next change
+            m_changedSettings.set(path, m_settings.get(path)); // until the disk takes them
             return true;
         });
     });
@@ -184,14 +141,42 @@ void ShowStore::save(const Json& entry, std::function<void(bool, const std::stri
         boost::asio::post(m_io, [this, alive, epoch, done, ok, error] {
             if (alive.expired())
                 return;
-            if (!ok) {
-                logLine(LogLevel::Error, "vantrel.show", error);
+            setTrouble(error);
+            if (!ok)
                 goBack(epoch);
-            }
-            done(ok, error);
+            done(ok, ok ? std::string() : "The edit was not saved. " + m_trouble);
         });
     };
     m_writer->submit(std::move(job));
+}
+
+void ShowStore::setTroubleListener(TroubleListener listener)
+{
+    m_troubleListener = std::move(listener);
+    if (!m_trouble.empty())
+        m_troubleListener(m_trouble);
+}
+
+void ShowStore::setTrouble(const std::string& why)
+{
+    constexpr auto retryTime = std::chrono::seconds(2);
+    const bool before = !m_trouble.empty();
+    if (why.empty())
+        m_trouble.clear();
+    else if (!before) // the first reason: those that follow come of it
+        m_trouble = "The server cannot write to its disk (" + why +
+                    "). The show plays on, but edits are refused until there is room and right to write.";
+    if (before == m_trouble.empty() && m_troubleListener)
+        m_troubleListener(m_trouble);
+    if (m_trouble.empty()) {
+        m_retry.cancel();
+        return;
+    }
+    m_retry.expires_after(retryTime);
+    m_retry.async_wait([this, alive = std::weak_ptr(m_alive)](boost::system::error_code code) {
+        if (!code && !alive.expired())
+            submitSettings();
+    });
 }
 
 void ShowStore::librarySaved(const Patch& difference, const MediaLibrary& after, std::uint64_t revision)

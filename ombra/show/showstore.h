@@ -6,6 +6,7 @@
 #include "tarn/media/medialibrary.h"
 
 #include <boost/asio/io_context.hpp>
+#include <boost/asio/steady_timer.hpp>
 
 #include <filesystem>
 #include <functional>
@@ -40,7 +41,8 @@ public:
     ShowStore& operator=(const ShowStore&) = delete;
 
     /// Loads the show; on a first start takes the library that makeInitial gives. False, with the reason,
-    /// when the folder cannot be used.
+    /// when the folder cannot be used. A disk that takes nothing is trouble (see setTroubleListener), but
+    /// none for showing what there is.
     bool open(const std::function<MediaLibrary()>& makeInitial, std::string* error);
 
     /// The library as it is saved.
@@ -65,17 +67,25 @@ public:
     /// library need not know what it means to move a slot or to replace all collections.
     void addLibraryListener(LibraryListener listener) { m_listeners.push_back(std::move(listener)); }
 
+    /// What the operator must know of the show as it was loaded; empty when all was sound.
+    const std::string& loadNotice() const noexcept { return m_loadNotice; }
+
+    /// Told why the disk takes nothing, and an empty text once it does again. Until then edits are refused
+    /// and settings wait. Called at once where there is something to tell.
+    using TroubleListener = std::function<void(const std::string& sentence)>;
+    void setTroubleListener(TroubleListener listener);
+
 private:
     struct Alive
     {
     };
 
-    bool restore(const ShowDisk::Loaded& loaded, std::string& why);
-    bool replay(const Json& entry, std::string& why);
     void save(const Json& entry, std::function<void(bool, const std::string&)> done);
     void librarySaved(const Patch& difference, const MediaLibrary& after, std::uint64_t revision);
     void goBack(std::uint64_t epoch);
     void flushSettings();
+    void submitSettings();
+    void setTrouble(const std::string& why);
 
     boost::asio::io_context& m_io;
     std::filesystem::path m_folder;
@@ -88,7 +98,11 @@ private:
     Json m_settings = Json::object();
     Json m_changedSettings = Json::object(); // of this turn
     bool m_flushPosted = false;
-    std::uint64_t m_epoch = 1; // see ShowWriter
+    std::string m_loadNotice;
+    std::string m_trouble; // a sentence
+    TroubleListener m_troubleListener;
+    boost::asio::steady_timer m_retry; // while there is trouble
+    std::uint64_t m_epoch = 1;         // see ShowWriter
     std::vector<LibraryListener> m_listeners;
     std::shared_ptr<Alive> m_alive = std::make_shared<Alive>(); // completions hold it weakly
 };

@@ -55,12 +55,8 @@ void ShowWriter::run()
 
 void ShowWriter::write(std::vector<Job>& jobs)
 {
-    std::vector<std::string> lines;
-    lines.reserve(jobs.size());
-    for (Job& job : jobs)
-        lines.push_back(std::move(job.line));
     std::string error;
-    const bool ok = m_disk.append(lines, &error);
+    const bool ok = save(jobs, &error);
     if (!ok)
         m_failedEpoch = jobs.back().epoch;
     for (const Job& job : jobs)
@@ -68,6 +64,18 @@ void ShowWriter::write(std::vector<Job>& jobs)
     if (ok && m_disk.wantsSnapshot() &&
         !m_disk.writeSnapshot(jobs.back().library, jobs.back().settings, &error))
         logLine(LogLevel::Error, "vantrel.show", error);
+}
+
+bool ShowWriter::save(std::vector<Job>& jobs, std::string* error)
+{
+    // A disk that took no journal, or not its end, may by now: the whole show is the journal's new beginning.
+    if (!m_disk.hasJournal())
+        return m_disk.writeSnapshot(jobs.back().library, jobs.back().settings, error);
+    std::vector<std::string> lines;
+    lines.reserve(jobs.size());
+    for (Job& job : jobs)
+        lines.push_back(std::move(job.line));
+    return m_disk.append(lines, error);
 }
 
 } // namespace vantrel::ombra

@@ -37,6 +37,7 @@ public:
 private:
     void run();
     void write(std::vector<Job>& jobs);
+    bool save(std::vector<Job>& jobs, std::string* error);
 
     ShowDisk& m_disk;
     std::mutex m_mutex;

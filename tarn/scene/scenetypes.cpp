@@ -149,6 +149,7 @@ void declareOutputs(Types& types)
 
     Declaration(types, "System")
         .text("name")
+        .readOnly("notice", Variant::from(""))
         .methods({"reboot", "resetOutputConfiguration"})
         .child("gpus", "Gpu", ChildInfo::Kind::Array);
 }

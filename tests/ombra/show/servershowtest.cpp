@@ -2,8 +2,11 @@
 #include "tests/ombra/linkpeer.h"
 #include "tests/ombra/liveserver.h"
 #include "tests/support/testmain.h"
+#include "tests/support/testmedia.h"
 
 #include <QFile>
+
+#include <cmath>
 
 using namespace vantrel;
 using namespace vantrel::ombra::test;
@@ -45,6 +48,50 @@ private Q_SLOTS:
         QCOMPARE(value(program + "/properties/media"), media.toStdString());
         QCOMPARE(value("/device/channels/0/mappings/0/properties/backgroundColor"), std::string("#112233"));
         QCOMPARE(value(program + "/properties/state"), std::string("stop"));
+    }
+
+    void restartsAsItWas_data()
+    {
+        QTest::addColumn<QString>("state");
+        for (const char* state : {"play", "pause", "stop"})
+            QTest::newRow(state) << QString::fromLatin1(state);
+    }
+
+    /// Whoever connects after a restart finds the same media in the same state, and paused the same picture.
+    void restartsAsItWas()
+    {
+        QFETCH(QString, state);
+        QVERIFY(vantrel::test::makeClip(m_live->mediaFolder() + QStringLiteral("/clip.mp4"),
+                                        {Qt::red, Qt::green, Qt::blue, Qt::white}, 30));
+        const QByteArray library = R"({"collections":{"1":{"name":"one","slots":{"1":{"name":"clip",)"
+                                   R"("contentUrl":"file:///clip.mp4"}}}},"playlists":{}})";
+        QCOMPARE(m_live->request("POST", "/medialibrary", library).status, 200);
+        invoke(program + "/methods/playMedia", "{\"mediaUrl\":\"" + media.toStdString() + "\"}");
+        QVERIFY(waitForState("play"));
+        if (state == QStringLiteral("pause")) {
+            invoke(program + "/methods/seekMedia", "{\"mediaPosition\":2}");
+            write(program + "/properties/state", "\"pause\"");
+            QVERIFY(m_live->waitFor([&] {
+                m_peer->read();
+                return position() >= 2;
+            }));
+        }
+        if (state == QStringLiteral("stop"))
+            write(program + "/properties/state", "\"stop\"");
+        QVERIFY(settled());
+        const double before = position();
+        m_peer.reset();
+        m_live->stop();
+        QVERIFY(m_live->start());
+        connectPeer();
+        QCOMPARE(value(program + "/properties/media"), media.toStdString());
+        QCOMPARE(value(program + "/properties/state"), state.toStdString());
+        if (state == QStringLiteral("pause"))
+            QVERIFY(m_live->waitFor([&] {
+                m_peer->read();
+                return std::abs(position() - before) < 0.2; // what came while it paused
+            }));
+        QCOMPARE(value(program + "/properties/state"), state.toStdString());
     }
 
     void savesClearsAndReverts()
@@ -107,6 +154,14 @@ private:
         m_peer->send("[{\"op\":\"invoke\",\"path\":\"" + path + "\",\"value\":" + args + "}]");
     }
     std::string value(const std::string& path) { return m_peer->value(path); }
+    double position() { return std::stod(value(program + "/properties/mediaPosition")); }
+    bool waitForState(const std::string& state)
+    {
+        return m_live->waitFor([&] {
+            m_peer->read();
+            return value(program + "/properties/state") == state;
+        });
+    }
 
     /// Whether all that was sent has been handled: the answer to a last question came.
     bool settled()
