@@ -94,24 +94,35 @@ bool Playback::invoke(std::string_view method, const Json& args, std::string* er
 
     const std::lock_guard lock(m_studio.lock);
     const std::shared_ptr<Deck>& deck = m_player.deck();
-    if (!deck)
+    if (!deck || !m_loaded.item)
         return true;
     if (method == "seekMedia")
-        deck->seek(number);
+        seekTo(number);
     else if (method == "step")
         deck->step(static_cast<int>(std::clamp(number, -1e6, 1e6)));
     else if (method == "seekInpoint")
-        deck->seekInpoint();
+        seekTo(m_loaded.item->inpoint);
     else
         deck->seekOutpoint();
     return true;
 }
 
+/// What plays goes on until the picture sought is there, by a second deck.
+void Playback::seekTo(double position)
+{
+    Deck& deck = *m_player.deck();
+    const bool plays = deck.state() == SourcePlayState::Play && deck.landed() && !m_player.waiting();
+    if (plays && !deck.holds(position))
+        m_player.seekBy(makeDeck(m_loaded, deck.seekable(position), SourcePlayState::Play));
+    else
+        deck.seek(position);
+    m_studio.wake();
+}
+
 void Playback::setState(SourcePlayState state)
 {
     const std::lock_guard lock(m_studio.lock);
-    if (m_player.deck())
-        m_player.deck()->setState(state);
+    m_player.setState(state);
     m_studio.wake();
 }
 
@@ -281,11 +292,12 @@ void Playback::publish(Scene& scene)
     {
         const std::lock_guard lock(m_studio.lock);
         if (const std::shared_ptr<Deck>& deck = m_player.deck()) {
-            status = deck->status();
+            const Deck& medium = *m_player.described();
             state = deck->state();
             position = m_player.waiting() ? deck->target() : deck->position();
-            outpoint = deck->outpoint();
-            duration = deck->duration();
+            status = medium.status();
+            outpoint = medium.outpoint();
+            duration = medium.duration();
         }
         constrained = m_lateWatch.constrained();
         m_taking = m_taking && m_player.inTransition();

@@ -88,6 +88,7 @@ private:
     bool move(int direction, bool transition);
     SourcePlayState state() const;
     void update(MediaItem item);
+    void seekTo(double position);
     void goOn();
     void publishProgress(Scene& scene, Object& object, double progress);
 
