@@ -25,29 +25,40 @@ std::int64_t sampleAt(double time)
 
 } // namespace
 
-AudioFeed::AudioFeed(std::filesystem::path file, double start, std::string name,
+AudioFeed::AudioFeed(std::filesystem::path file, double begin, std::string name,
                      std::function<void()> arrived)
     : m_file(std::move(file))
     , m_name(std::move(name))
     , m_arrived(std::move(arrived))
-    , m_seekTo(start)
-    , m_playedTo(sampleAt(start))
+    , m_seekTo(begin)
+    , m_playedTo(sampleAt(begin))
 {
     if (m_file.empty())
         m_channels = 0;
-    else
-        m_thread = std::thread([this] { run(); });
 }
 
 AudioFeed::~AudioFeed()
+{
+    stop();
+    if (m_thread.joinable())
+        m_thread.join();
+}
+
+void AudioFeed::start()
+{
+    if (m_file.empty())
+        return;
+    m_idle = false;
+    m_thread = std::thread([this] { run(); });
+}
+
+void AudioFeed::stop()
 {
     {
         const std::lock_guard lock(m_mutex);
         m_stop = true;
     }
     m_work.notify_all();
-    if (m_thread.joinable())
-        m_thread.join();
 }
 
 void AudioFeed::seek(double time)
@@ -55,7 +66,7 @@ void AudioFeed::seek(double time)
     {
         const std::lock_guard lock(m_mutex);
         const std::int64_t sample = sampleAt(time);
-        const bool known = !m_seekTo && sample >= m_bufferStart && sample + readyWith <= bufferEnd();
+        const bool known = isKnown(sample);
         m_playedTo = sample;
         if (!known) {
             m_seekTo = time;
@@ -65,6 +76,17 @@ void AudioFeed::seek(double time)
         m_filling = true;
     }
     m_work.notify_all();
+}
+
+bool AudioFeed::holds(double time) const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_channels == 0 || isKnown(sampleAt(time));
+}
+
+bool AudioFeed::isKnown(std::int64_t sample) const
+{
+    return !m_seekTo && sample >= m_bufferStart && sample + readyWith <= bufferEnd();
 }
 
 bool AudioFeed::ready() const
@@ -132,6 +154,12 @@ void AudioFeed::take(double from, double to, Sound& out)
 }
 
 void AudioFeed::run()
+{
+    decode();
+    m_idle = true;
+}
+
+void AudioFeed::decode()
 {
     std::string error;
     const std::unique_ptr<AudioReader> reader = AudioReader::open(m_file, m_stop, &error);

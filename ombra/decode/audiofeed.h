@@ -10,21 +10,29 @@
 
 namespace vantrel::ombra {
 
-/// Decodes the sound of one medium ahead of its playback on a thread of its own, which ends with the feed.
-/// The functions only take and give what is there: none waits for a decoder. Any thread.
+/// Decodes the sound of one medium ahead of its playback on a thread of its own, from start() to stop() or
+/// the feed's end. The functions only take and give what is there: none waits for a decoder. Any thread.
 class AudioFeed
 {
 public:
-    /// Opens the medium and decodes from start (seconds) on; an empty file is a medium without sound. arrived
-    /// is called on the feed's thread when ready() has come true; name stands for the medium in the log.
-    AudioFeed(std::filesystem::path file, double start, std::string name, std::function<void()> arrived);
+    /// For sound from begin (seconds) on; an empty file is a medium without sound. arrived is called on the
+    /// feed's thread when ready() has come true; name stands for the medium in the log.
+    AudioFeed(std::filesystem::path file, double begin, std::string name, std::function<void()> arrived);
     ~AudioFeed();
     AudioFeed(const AudioFeed&) = delete;
     AudioFeed& operator=(const AudioFeed&) = delete;
 
+    /// Opens the medium and begins to decode; once.
+    void start();
+    /// Ends that at once, without waiting for it. When idle(), letting the feed go waits for nobody.
+    void stop();
+    bool idle() const { return m_idle; }
+
     void seek(double time);
     /// Whether the first of what was sought is there, or it is known that nothing will come.
     bool ready() const;
+    /// Whether the sound from that time (seconds) on is decoded, or it is known that there is none.
+    bool holds(double time) const;
     /// Nothing until the medium is opened; 0 for one without sound, or with sound that does not decode.
     std::optional<int> channels() const;
     /// Appends what sounds between two times of the media (seconds), silence where there is nothing. Time
@@ -35,8 +43,10 @@ private:
     using Lock = std::unique_lock<std::mutex>;
 
     void run();
+    void decode();
     void read(Lock& lock, AudioReader& reader);
     bool wantsMore() const;
+    bool isKnown(std::int64_t sample) const;
     bool isReady() const;
     std::int64_t bufferEnd() const;
 
@@ -44,6 +54,7 @@ private:
     const std::string m_name;
     const std::function<void()> m_arrived;
     std::atomic<bool> m_stop{false};
+    std::atomic<bool> m_idle{true}; // the thread holds nothing
 
     mutable std::mutex m_mutex;
     std::condition_variable m_work;

@@ -13,26 +13,37 @@ constexpr double patience = 0.1;
 
 } // namespace
 
-PictureFeed::PictureFeed(MediaSource source, Canvas canvas, double start, std::string name,
+PictureFeed::PictureFeed(MediaSource source, Canvas canvas, double begin, std::string name,
                          std::function<void()> arrived, PictureOpener open)
     : m_source(std::move(source))
     , m_name(std::move(name))
     , m_arrived(std::move(arrived))
     , m_open(std::move(open))
     , m_canvas(canvas)
-    , m_seekTo(start)
-    , m_thread([this] { run(); })
+    , m_seekTo(begin)
 {
 }
 
 PictureFeed::~PictureFeed()
+{
+    stop();
+    if (m_thread.joinable())
+        m_thread.join();
+}
+
+void PictureFeed::start()
+{
+    m_idle = false;
+    m_thread = std::thread([this] { run(); });
+}
+
+void PictureFeed::stop()
 {
     {
         const std::lock_guard lock(m_mutex);
         m_stop = true;
     }
     m_work.notify_all();
-    m_thread.join();
 }
 
 void PictureFeed::seek(double time)
@@ -72,8 +83,13 @@ void PictureFeed::seekAfresh(double time)
     m_seekTo = time;
 }
 
-/// Whether the picture of the time is at hand, and then the queue begins with it.
-bool PictureFeed::reuse(double time)
+bool PictureFeed::holds(double time) const
+{
+    const std::lock_guard lock(m_mutex);
+    return !m_seekTo && !known(time).empty();
+}
+
+std::deque<Picture> PictureFeed::known(double time) const
 {
     std::deque<Picture> known = m_queue;
     if (m_taken)
@@ -82,10 +98,19 @@ bool PictureFeed::reuse(double time)
         known, [&](const Picture& picture) { return picture.time > time + PictureReader::tolerance; });
     const bool isLast = later == known.end() && m_status.ended;
     if (later == known.begin() || (later == known.end() && !isLast))
+        return {};
+    known.erase(known.begin(), std::prev(later));
+    return known;
+}
+
+/// Whether the picture of the time is at hand, and then the queue begins with it.
+bool PictureFeed::reuse(double time)
+{
+    std::deque<Picture> pictures = known(time);
+    if (pictures.empty())
         return false;
     m_clock = 0;
-    known.erase(known.begin(), std::prev(later));
-    m_queue = std::move(known);
+    m_queue = std::move(pictures);
     m_taken.reset();
     return true;
 }
@@ -124,6 +149,12 @@ bool PictureFeed::isBehind() const
 }
 
 void PictureFeed::run()
+{
+    decode();
+    m_idle = true;
+}
+
+void PictureFeed::decode()
 {
     std::unique_lock lock(m_mutex);
     std::unique_ptr<PictureReader> reader;

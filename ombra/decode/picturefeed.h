@@ -12,9 +12,9 @@
 
 namespace vantrel::ombra {
 
-/// Decodes one medium ahead of its playback on a thread of its own, which ends with the feed. The functions
-/// only take and give what is there: none waits for a decoder. Pictures whose time has gone are passed over,
-/// so that a medium too heavy for the machine stays with its clock. Any thread.
+/// Decodes one medium ahead of its playback on a thread of its own, from start() to stop() or the feed's end.
+/// The functions only take and give what is there: none waits for a decoder. Pictures whose time has gone are
+/// passed over, so that a medium too heavy for the machine stays with its clock. Any thread.
 class PictureFeed
 {
 public:
@@ -29,16 +29,25 @@ public:
         double duration = 0; // seconds; endless for stills
     };
 
-    /// Opens the medium and decodes from start (seconds) on. arrived is called on the feed's thread when the
-    /// first picture after a seek, or a failure, is there; name stands for the medium in the log.
-    PictureFeed(MediaSource source, Canvas canvas, double start, std::string name,
+    /// For pictures from begin (seconds) on. arrived is called on the feed's thread when the first picture
+    /// after a seek, or a failure, is there; name stands for the medium in the log.
+    PictureFeed(MediaSource source, Canvas canvas, double begin, std::string name,
                 std::function<void()> arrived, PictureOpener open = openReader);
     ~PictureFeed();
     PictureFeed(const PictureFeed&) = delete;
     PictureFeed& operator=(const PictureFeed&) = delete;
 
+    /// Opens the medium and begins to decode; once.
+    void start();
+    /// Ends that at once, without waiting for it: nothing comes any more. When idle(), letting the feed go
+    /// waits for nobody.
+    void stop();
+    bool idle() const { return m_idle; }
+
     /// Throws away what is decoded, unless the picture of that time is among it.
     void seek(double time);
+    /// Whether the picture of that time is decoded.
+    bool holds(double time) const;
     /// From the picture of that time on, everything on another canvas; false where it is the same one.
     bool setCanvas(Canvas canvas, double time);
     /// The newest picture at or before the time that was not taken yet, older ones are dropped. The first
@@ -52,11 +61,14 @@ private:
     static constexpr std::size_t ahead = 6; // pictures
 
     void run();
+    void decode();
     bool read(std::unique_lock<std::mutex>& lock, PictureReader& reader, std::optional<double> target,
               Picture& out);
     bool openAnew(std::unique_lock<std::mutex>& lock, std::unique_ptr<PictureReader>& reader,
                   const Canvas& canvas);
     void seekAfresh(double time);
+    /// What is decoded from the picture of the time on; empty where that is not at hand.
+    std::deque<Picture> known(double time) const;
     bool reuse(double time);
     void accept(std::unique_lock<std::mutex>& lock, bool found, Picture picture, bool sought);
     void fail(std::unique_lock<std::mutex>& lock, const std::string& error);
@@ -66,6 +78,7 @@ private:
     const std::function<void()> m_arrived;
     const PictureOpener m_open;
     std::atomic<bool> m_stop{false};
+    std::atomic<bool> m_idle{true}; // the thread holds nothing
 
     mutable std::mutex m_mutex;
     std::condition_variable m_work;

@@ -38,6 +38,20 @@ Deck::Deck(MediaSource source, const MediaItem& item, EndAction endAction, Canva
 {
 }
 
+void Deck::begin()
+{
+    if (std::exchange(m_begun, true))
+        return;
+    m_audio.start();
+    m_feed.start();
+}
+
+void Deck::retire()
+{
+    m_audio.stop();
+    m_feed.stop();
+}
+
 void Deck::setState(SourcePlayState state)
 {
     if (state == SourcePlayState::Stop && m_state != SourcePlayState::Stop)
@@ -72,9 +86,19 @@ void Deck::setCanvas(Canvas canvas)
 
 void Deck::seek(double position)
 {
-    start(std::clamp(position, 0.0, std::max(0.0, seekLimit())));
+    start(seekable(position));
     if (m_state == SourcePlayState::Stop)
         m_state = SourcePlayState::Pause;
+}
+
+double Deck::seekable(double position) const
+{
+    return std::clamp(position, 0.0, std::max(0.0, seekLimit()));
+}
+
+bool Deck::holds(double position) const
+{
+    return m_feed.holds(position) && m_audio.holds(position);
 }
 
 void Deck::seekOutpoint()

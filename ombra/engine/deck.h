@@ -17,18 +17,29 @@ namespace vantrel::ombra {
 class Deck
 {
 public:
-    /// Starts to decode at the position (at the in point where there is none), in the given state.
+    /// At the position (at the in point where there is none), in the given state.
     Deck(MediaSource source, const MediaItem& item, EndAction endAction, Canvas canvas,
          std::optional<double> position, SourcePlayState state, std::function<void()> wake,
          PictureOpener open = openReader);
 
+    /// Opens the medium and decodes, once; a deck that was never begun costs nothing.
+    void begin();
+    /// Ends all decoding at once, without waiting for it. When idle(), letting the deck go waits for nobody.
+    void retire();
+    bool idle() const { return m_audio.idle() && m_feed.idle(); }
+
     void setState(SourcePlayState state);
     void setEndAction(EndAction action) { m_endAction = action; }
+    EndAction endAction() const { return m_endAction; }
     /// New in and out points and duration of the same medium; playback goes on where it is.
     void setItem(const MediaItem& item);
     /// How the pictures are made from now on; playback goes on where it is.
     void setCanvas(Canvas canvas);
     void seek(double position);
+    /// The nearest position that can be sought.
+    double seekable(double position) const;
+    /// Whether a seek there costs nothing, since its picture and sound lie ready.
+    bool holds(double position) const;
     void seekInpoint() { seek(m_item.inpoint); }
     /// To the last picture before the out point.
     void seekOutpoint();
@@ -49,6 +60,8 @@ public:
     SourcePlayState state() const { return m_state; }
     bool landed() const { return !m_awaiting; } // what is shown is what was sought last
     bool failed() const { return m_feed.status().failed; }
+    /// Whether it can come on air: one that fails in a list is passed over instead.
+    bool ready() const { return landed() && !(failed() && m_state == SourcePlayState::Play); }
     /// Whether the end was reached and the end action Next is due; tells it once.
     bool takeEnded() { return std::exchange(m_endedNews, false); }
     PictureFeed::Status status() const { return m_feed.status(); }
@@ -68,6 +81,7 @@ private:
     void finish(double end);
 
     MediaItem m_item;
+    bool m_begun = false;
     EndAction m_endAction;
     SourcePlayState m_state;
     double m_target; // sought last

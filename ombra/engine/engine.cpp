@@ -123,6 +123,7 @@ public:
 
     void libraryChanged()
     {
+        m_source.noteEdit();
         for (const std::unique_ptr<Channel>& channel : m_channels) {
             channel->preview().libraryChanged();
             channel->program().libraryChanged();

@@ -78,8 +78,8 @@ public:
     /// is ignored.
     void propertyWritten(Object* object, const PropertyInfo* property);
 
-    /// The library changed: players take over new in and out points, end actions and durations, and stop
-    /// where their media is gone.
+    /// The library changed: players take over new in and out points, end actions and durations, and follow
+    /// what was moved. What is on air plays on when the library has it no more; preview loses it.
     void libraryChanged();
 
 private:

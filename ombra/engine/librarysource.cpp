@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <vector>
 
 namespace vantrel::ombra {
 
@@ -39,7 +40,88 @@ MediaItem toItem(const MediaSlot& slot)
     return item;
 }
 
+/// How slots and entries are walked, found and told apart.
+struct Slots
+{
+    using Record = MediaSlot;
+
+    static const MediaSlot* at(const MediaLibrary& library, const MediaSourceParser& source)
+    {
+        const MediaAddress at = source.getMediaAddress();
+        return library.findSlot(at.collection, at.slot);
+    }
+    template <typename Visit>
+    static void forEach(const MediaLibrary& library, const Visit& visit)
+    {
+        for (const auto& [index, collection] : library.getCollections()) {
+            for (const auto& [number, slot] : collection.getSlots())
+                visit(slot, [&] { return MediaAddress(index, number).toString(); });
+        }
+    }
+    static std::string medium(const MediaSlot& slot) { return slot.getUrl(); }
+};
+
+struct Entries
+{
+    using Record = PlaylistEntry;
+
+    static const PlaylistEntry* at(const MediaLibrary& library, const MediaSourceParser& source)
+    {
+        return library.findPlaylistEntry(source.getPlaylistNumber(), source.getEntryAddress());
+    }
+    template <typename Visit>
+    static void forEach(const MediaLibrary& library, const Visit& visit)
+    {
+        for (const auto& [number, playlist] : library.getPlaylists()) {
+            for (const auto& [address, entry] : playlist.getEntries())
+                visit(entry, [&] { return entryUrl(number, address); });
+        }
+    }
+    static std::string medium(const PlaylistEntry& entry) { return entry.getMediaUrl(); }
+};
+
+/// Where a library has the record and the other one has not, URLs in their order.
+template <typename Kind>
+std::vector<std::string> placesOf(const typename Kind::Record& record, const MediaLibrary& library,
+                                  const MediaLibrary& other)
+{
+    std::vector<std::string> places;
+    Kind::forEach(library, [&](const typename Kind::Record& candidate, const auto& urlOf) {
+        if (!(candidate == record))
+            return;
+        const std::string url = urlOf();
+        MediaSourceParser source;
+        const typename Kind::Record* there = source.parseString(url) ? Kind::at(other, source) : nullptr;
+        if (!there || !(*there == record))
+            places.push_back(url);
+    });
+    return places;
+}
+
+template <typename Kind>
+std::string whereaboutsOf(const MediaSourceParser& source, std::string_view url, const MediaLibrary& before,
+                          const MediaLibrary& now)
+{
+    const typename Kind::Record* was = Kind::at(before, source);
+    const typename Kind::Record* is = Kind::at(now, source);
+    if (!was || (is && *is == *was))
+        return std::string(url);
+    // Of several alike that moved together each keeps its turn.
+    const std::vector<std::string> left = placesOf<Kind>(*was, before, now);
+    const std::vector<std::string> reached = placesOf<Kind>(*was, now, before);
+    const auto turn = std::ranges::find(left, url) - left.begin();
+    if (turn < std::ssize(reached))
+        return reached[static_cast<std::size_t>(turn)];
+    return is && Kind::medium(*is) == Kind::medium(*was) ? std::string(url) : std::string();
+}
+
 } // namespace
+
+void LibrarySource::noteEdit()
+{
+    m_before = m_now;
+    m_now = m_library;
+}
 
 std::optional<MediaItem> LibrarySource::resolve(std::string_view url) const
 {
@@ -80,6 +162,16 @@ std::string LibrarySource::neighbour(std::string_view url, int direction) const
     const auto entry =
         playlist ? neighbourKey(playlist->getEntries(), source.getEntryAddress(), direction) : std::nullopt;
     return entry ? entryUrl(source.getPlaylistNumber(), *entry) : std::string();
+}
+
+std::string LibrarySource::whereabouts(std::string_view url) const
+{
+    MediaSourceParser source;
+    if (!source.parseString(url))
+        return {};
+    return source.getSourceMode() == SourceMode::Playlist
+               ? whereaboutsOf<Entries>(source, url, m_before, m_now)
+               : whereaboutsOf<Slots>(source, url, m_before, m_now);
 }
 
 } // namespace vantrel::ombra

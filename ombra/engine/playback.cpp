@@ -69,6 +69,7 @@ double wholeNanoseconds(double seconds)
 Playback::Playback(Studio& studio, std::string path, bool isProgram)
     : m_studio(studio)
     , m_path(std::move(path))
+    , m_isProgram(isProgram)
     , m_player(studio.black, isProgram)
     , m_output(studio.canvas)
 {
@@ -95,24 +96,35 @@ bool Playback::invoke(std::string_view method, const Json& args, std::string* er
 
     const std::lock_guard lock(m_studio.lock);
     const std::shared_ptr<Deck>& deck = m_player.deck();
-    if (!deck)
+    if (!deck || !m_loaded.item)
         return true;
     if (method == "seekMedia")
-        deck->seek(number);
+        seekTo(number);
     else if (method == "step")
         deck->step(static_cast<int>(std::clamp(number, -1e6, 1e6)));
     else if (method == "seekInpoint")
-        deck->seekInpoint();
+        seekTo(m_loaded.item->inpoint);
     else
         deck->seekOutpoint();
     return true;
 }
 
+/// What plays goes on until the picture sought is there, by a second deck.
+void Playback::seekTo(double position)
+{
+    Deck& deck = *m_player.deck();
+    const bool plays = deck.state() == SourcePlayState::Play && deck.landed() && !m_player.waiting();
+    if (plays && !deck.holds(position))
+        m_player.seekBy(makeDeck(m_loaded, deck.seekable(position), SourcePlayState::Play));
+    else
+        deck.seek(position);
+    m_studio.wake();
+}
+
 void Playback::setState(SourcePlayState state)
 {
     const std::lock_guard lock(m_studio.lock);
-    if (m_player.deck())
-        m_player.deck()->setState(state);
+    m_player.setState(state);
     m_studio.wake();
 }
 
@@ -208,13 +220,8 @@ bool Playback::move(int direction, bool transition)
     std::optional<MediaItem> item = url.empty() ? std::nullopt : m_studio.source.resolve(url);
     if (!item)
         return false;
-    SourcePlayState state = SourcePlayState::Pause;
-    {
-        const std::lock_guard lock(m_studio.lock);
-        if (m_player.deck())
-            state = m_player.deck()->state();
-    }
-    load(url, std::move(item), state, transition && state == SourcePlayState::Play);
+    const SourcePlayState now = m_loaded.item ? state() : SourcePlayState::Pause;
+    load(url, std::move(item), now, transition && now == SourcePlayState::Play);
     return true;
 }
 
@@ -222,29 +229,43 @@ void Playback::libraryChanged()
 {
     if (m_loaded.url.empty())
         return;
-    std::optional<MediaItem> item = m_studio.source.resolve(m_loaded.url);
+    const std::string place = m_studio.source.whereabouts(m_loaded.url);
+    const std::string& url = place.empty() ? m_loaded.url : place;
+    std::optional<MediaItem> item = m_studio.source.resolve(url);
+    const bool same = item && m_loaded.item && item->contentUrl == m_loaded.item->contentUrl &&
+                      item->sequence == m_loaded.item->sequence;
+    if (same) {
+        m_loaded.url = url;
+        m_loaded.held = false; // it may have come back
+        update(std::move(*item));
+    } else if (m_loaded.item && (m_loaded.held || (m_isProgram && state() != SourcePlayState::Stop))) {
+        m_loaded.held = true;
+    } else if (item != m_loaded.item) {
+        const bool stays = item && m_loaded.item;
+        load(m_loaded.url, std::move(item), stays ? state() : SourcePlayState::Stop, false);
+    }
+}
+
+/// The same medium with other settings.
+void Playback::update(MediaItem item)
+{
     if (item == m_loaded.item)
         return;
-    if (!item || !m_loaded.item) {
-        load(m_loaded.url, std::move(item), SourcePlayState::Stop, false);
-        return;
-    }
     const std::lock_guard lock(m_studio.lock);
-    if (item->mode == SourceMode::Playlist && item->endAction != m_loaded.item->endAction)
-        m_loaded.endAction = item->endAction;
-    const bool sameFile =
-        item->contentUrl == m_loaded.item->contentUrl && item->sequence == m_loaded.item->sequence;
+    if (item.mode == SourceMode::Playlist && item.endAction != m_loaded.item->endAction)
+        m_loaded.endAction = item.endAction;
     m_loaded.item = std::move(item);
-    const std::shared_ptr<Deck>& deck = m_player.deck();
-    if (!deck)
-        return;
-    if (!sameFile) {
-        m_player.load(makeDeck(m_loaded, std::nullopt, deck->state()), TakeTransitionType::DirectCut, 0);
-        return;
+    if (const std::shared_ptr<Deck>& deck = m_player.deck()) {
+        deck->setCanvas(canvasOf(m_loaded));
+        deck->setItem(*m_loaded.item);
+        deck->setEndAction(m_loaded.endAction);
     }
-    deck->setCanvas(canvasOf(m_loaded));
-    deck->setItem(*m_loaded.item);
-    deck->setEndAction(m_loaded.endAction);
+}
+
+SourcePlayState Playback::state() const
+{
+    const std::lock_guard lock(m_studio.lock);
+    return m_player.deck() ? m_player.deck()->state() : SourcePlayState::Stop;
 }
 
 void Playback::goOn()
@@ -273,11 +294,12 @@ void Playback::publish(Scene& scene)
     {
         const std::lock_guard lock(m_studio.lock);
         if (const std::shared_ptr<Deck>& deck = m_player.deck()) {
-            status = deck->status();
+            const Deck& medium = *m_player.described();
             state = deck->state();
             position = m_player.waiting() ? deck->target() : deck->position();
-            outpoint = deck->outpoint();
-            duration = deck->duration();
+            status = medium.status();
+            outpoint = medium.outpoint();
+            duration = medium.duration();
         }
         constrained = m_lateWatch.constrained();
         m_taking = m_taking && m_player.inTransition();
@@ -288,8 +310,10 @@ void Playback::publish(Scene& scene)
         return;
     const Ref<Object> keep(object);
     const std::optional<MediaItem>& item = m_loaded.item;
-    put(scene, *object, "media", Variant::from(m_loaded.url));
-    put(scene, *object, "sourceMode", Variant::from(item ? item->mode : SourceMode::None));
+    const bool named = !m_loaded.held;
+    put(scene, *object, "media", Variant::from(named ? m_loaded.url : std::string()));
+    put(scene, *object, "heldMedia", Variant::from(named ? std::string() : item->contentUrl));
+    put(scene, *object, "sourceMode", Variant::from(item && named ? item->mode : SourceMode::None));
     put(scene, *object, "endAction", Variant::from(m_loaded.endAction));
     put(scene, *object, "state", Variant::from(state));
     put(scene, *object, "inpoint", Variant::from(item ? item->inpoint : 0.0));

@@ -43,9 +43,10 @@ public:
     /// What is loaded. The item is empty where the library has no such media.
     struct Loaded
     {
-        std::string url;
+        std::string url; // where it is in the library, or was before it was held
         std::optional<MediaItem> item;
         EndAction endAction = EndAction::Next;
+        bool held = false; // plays on, though the library has it no more
     };
 
     Playback(Studio& studio, std::string path, bool isProgram);
@@ -61,6 +62,7 @@ public:
     /// The output's size and the scaling of media that say none of their own.
     void setOutput(const Canvas& output);
 
+    /// Follows the newest edit of the library.
     void libraryChanged();
     /// Goes on after an end, and writes into the scene what has changed.
     void publish(Scene& scene);
@@ -85,11 +87,15 @@ private:
     void load(const std::string& url, std::optional<MediaItem> item, SourcePlayState state, bool transition);
     /// To the next or the previous slot or entry; false when there is none.
     bool move(int direction, bool transition);
+    SourcePlayState state() const;
+    void update(MediaItem item);
+    void seekTo(double position);
     void goOn();
     void publishProgress(Scene& scene, Object& object, double progress);
 
     Studio& m_studio;
     const std::string m_path;
+    const bool m_isProgram;
     Loaded m_loaded;
     Player m_player;
     Canvas m_output;

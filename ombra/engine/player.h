@@ -28,45 +28,75 @@ public:
     Player(Ref<Surface> black, bool blackWhenStopped)
         : m_black(std::move(black))
         , m_shown(m_black)
+        , m_still(m_black)
         , m_blackWhenStopped(blackWhenStopped)
     {
     }
 
-    const std::shared_ptr<Deck>& deck() const { return m_deck; } // null: nothing is loaded
+    /// The one loaded last, also while the one before it is still on air; null where nothing is loaded.
+    const std::shared_ptr<Deck>& deck() const { return m_next ? m_next->deck : m_deck; }
+    /// Of the medium that is loaded: the one that knows what it is.
+    const std::shared_ptr<Deck>& described() const { return m_next && m_next->seeks ? m_deck : deck(); }
     /// Goes over to a deck, or to black, in so many seconds from the moment at which its first picture is
-    /// there; until then what was shown goes on.
+    /// there; until then what was shown and heard goes on. One that waited before it is dropped.
     void load(std::shared_ptr<Deck> deck, TakeTransitionType type, double seconds);
-    /// Gives the deck away; what it showed last stays until the next load.
+    /// Cuts to another deck of the same medium, which stands where it was sought. Where it cannot be opened,
+    /// the one on air seeks itself.
+    void seekBy(std::shared_ptr<Deck> deck);
+    /// Of what is on air and of what is to follow; play is for the newest alone.
+    void setState(SourcePlayState state);
+    /// Gives the deck away; what was shown last stays until the next load.
     std::shared_ptr<Deck> release();
 
     Moment advance(double now);
     /// What became of the moment: the picture from which a transition starts when there is no deck to go on.
     void setShown(Ref<Surface> surface) { m_shown = std::move(surface); }
 
-    bool inTransition() const { return m_type != TakeTransitionType::DirectCut; }
-    bool waiting() const { return m_waiting; }     // nothing of the deck was shown yet
-    double progress() const { return m_progress; } // of the transition, 0 to 1
+    bool inTransition() const { return (m_next ? m_next->type : m_type) != TakeTransitionType::DirectCut; }
+    bool waiting() const { return m_next.has_value(); }         // nothing of the deck was shown yet
+    double progress() const { return m_next ? 0 : m_progress; } // of the transition, 0 to 1
 
-    /// Decks that are done with, to be let go where waiting for their threads holds nobody up.
-    std::vector<std::shared_ptr<Deck>> takeRetired() { return std::exchange(m_retired, {}); }
+    /// Decks that are done with and have stopped, to be let go without the lock.
+    std::vector<std::shared_ptr<Deck>> takeRetired();
 
 private:
+    /// What comes on air as soon as it has a picture.
+    struct Next
+    {
+        std::shared_ptr<Deck> deck; // null: black
+        TakeTransitionType type = TakeTransitionType::DirectCut;
+        double seconds = 0;
+        bool seeks = false; // the medium on air, elsewhere
+    };
+    struct Retired
+    {
+        std::shared_ptr<Deck> deck;
+        double since; // "now"
+    };
+
+    void beginNext(double now);
+    void replaceNext(Next next);
+    void goOver(double now);
     void sound(Moment& moment) const;
     void endTransition();
+    void retire(std::shared_ptr<Deck> deck);
+    Ref<Surface> shownNow() const;
     Ref<Surface> surfaceOf(const Deck& deck) const;
 
     Ref<Surface> m_black;
     Ref<Surface> m_shown;
+    Ref<Surface> m_still; // where there is no deck
     bool m_blackWhenStopped;
-    std::shared_ptr<Deck> m_deck;
+    std::shared_ptr<Deck> m_deck; // on air
+    std::optional<Next> m_next;
     std::shared_ptr<Deck> m_outgoing; // null: m_from stands still
     Ref<Surface> m_from;
-    bool m_waiting = false; // for the deck's first picture
     TakeTransitionType m_type = TakeTransitionType::DirectCut;
     double m_seconds = 0;
     double m_startedAt = 0;
     double m_progress = 0;
-    std::vector<std::shared_ptr<Deck>> m_retired;
+    double m_now = 0;
+    std::vector<Retired> m_retired;
 };
 
 } // namespace vantrel::ombra

@@ -40,6 +40,9 @@ public:
     /// The URL of the slot or entry after (direction 1) or before (-1) the given one, in its collection or
     /// playlist; empty at the end.
     virtual std::string neighbour(std::string_view url, int direction) const = 0;
+    /// What the newest edit of the library made of the slot or entry that had the URL: its URL now, which is
+    /// another one where it was moved; empty where it was removed or another medium was put in its place.
+    virtual std::string whereabouts(std::string_view url) const = 0;
 };
 
 } // namespace vantrel::ombra

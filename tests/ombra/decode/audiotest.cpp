@@ -142,6 +142,7 @@ private Q_SLOTS:
         QVERIFY(!open("spoilt.mov"));
         QVERIFY(!m_error.empty());
         AudioFeed spoilt(m_media.file("spoilt.mov"), 0, "spoilt.mov", [] {});
+        spoilt.start();
         QTRY_COMPARE(spoilt.channels(), std::optional(0));
         QVERIFY(spoilt.ready());
     }
@@ -168,6 +169,7 @@ private Q_SLOTS:
     {
         std::atomic<int> arrived{0};
         AudioFeed feed(m_media.file("aac.mp4"), 0.5, "aac.mp4", [&] { ++arrived; });
+        feed.start();
         QTRY_VERIFY(feed.ready() && arrived > 0);
         QCOMPARE(feed.channels(), std::optional(2));
         Sound sound;

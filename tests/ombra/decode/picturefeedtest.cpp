@@ -66,6 +66,7 @@ private Q_SLOTS:
             [&](const MediaSource&, Canvas, const std::atomic<bool>&, std::string*) {
                 return std::make_unique<GatedReader>(gate);
             });
+        feed.start();
         const auto opened = qScopeGuard([&] { gate.release(20); }); // the feed ends with what it is reading
         std::optional<Picture> picture;
         const auto readOne = [&](double time) {

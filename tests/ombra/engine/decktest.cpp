@@ -20,8 +20,10 @@ private:
                                SourcePlayState state = SourcePlayState::Play)
     {
         m_now = 0;
-        return std::make_unique<Deck>(MediaSource{m_media.file(name), std::nullopt}, item, endAction,
-                                      Canvas{}, std::nullopt, state, [] {});
+        auto deck = std::make_unique<Deck>(MediaSource{m_media.file(name), std::nullopt}, item, endAction,
+                                           Canvas{}, std::nullopt, state, [] {});
+        deck->begin();
+        return deck;
     }
 
     int shown(Deck& deck)

@@ -422,6 +422,75 @@ private Q_SLOTS:
         QVERIFY(waitFor([&] { return pixelAt(*picture(previewPath), 9, 9).red > 200; }));
     }
 
+    void followsWhatMovesOnAir_data()
+    {
+        QTest::addColumn<QByteArray>("edit");
+        QTest::addColumn<QByteArray>("media");
+        QTest::addColumn<bool>("fromList");
+        const auto slot = [](int number) { return QByteArray::fromStdString(slotUrl(number)); };
+        const auto entry = [](int list, int main) {
+            return QByteArray::fromStdString(entryUrl(list, {main, 0}));
+        };
+        const QByteArray at = "/collections/1/slots/";
+        const QByteArray list = "/playlists/1/entries/";
+        QTest::newRow("moved") << "[{'op':'move','from':'" + at + "6','path':'" + at + "40'}]" << slot(40)
+                               << false;
+        QTest::newRow("other collection")
+            << QByteArray("[{'op':'move','from':'/collections/1','path':'/collections/3'}]")
+            << QByteArray::fromStdString(MediaAddress(3, 6).toString()) << false;
+        QTest::newRow("exchanged") << "[{'op':'move','from':'" + at + "6','path':'" + at +
+                                          "40'},{'op':'move','from':'" + at + "2','path':'" + at +
+                                          "6'},{'op':'move','from':'" + at + "40','path':'" + at + "2'}]"
+                                   << slot(2) << false;
+        QTest::newRow("cleared") << "[{'op':'remove','path':'" + at + "6'}]" << QByteArray() << false;
+        QTest::newRow("replaced") << "[{'op':'replace','path':'" + at +
+                                         "6/contentUrl','value':'file:///red.mp4'}]"
+                                  << QByteArray() << false;
+        QTest::newRow("entry moved") << "[{'op':'move','from':'" + list + "9','path':'" + list + "12'}]"
+                                     << entry(1, 12) << true;
+        QTest::newRow("list renumbered")
+            << QByteArray("[{'op':'move','from':'/playlists/1','path':'/playlists/4'}]") << entry(4, 9)
+            << true;
+        QTest::newRow("entry removed") << "[{'op':'remove','path':'" + list + "9'}]" << QByteArray() << true;
+        QTest::newRow("list removed")
+            << QByteArray("[{'op':'remove','path':'/playlists/1'}]") << QByteArray() << true;
+    }
+
+    void followsWhatMovesOnAir()
+    {
+        QFETCH(QByteArray, edit);
+        QFETCH(QByteArray, media);
+        QFETCH(bool, fromList);
+        m_library->findPlaylist(1)->addEntry(
+            {9, 0}, {slotUrl(6), EndAction::Pause, TakeTransitionType::DirectCut, 0});
+        m_engine->libraryChanged();
+        const std::string url = fromList ? entryUrl(1, {9, 0}) : slotUrl(6);
+        QVERIFY(invoke(programPath + "/methods/playMedia", Json::object({{"mediaUrl", url}})));
+        QVERIFY(waitFor([&] { return pictureNumber(programPath) > 3; }));
+        forget();
+
+        const MediaLibrary before(*m_library);
+        Patch patch;
+        QVERIFY(Patch::parseString(edit.replace('\'', '"').toStdString(), patch));
+        QCOMPARE(m_library->applyDiff(patch), 0);
+        m_engine->libraryChanged();
+        QCOMPARE(text(programPath, "media"), media.toStdString());
+        QCOMPARE(text(programPath, "heldMedia"),
+                 media.isEmpty() ? std::string("file:///long.mp4") : std::string());
+        QVERIFY(waitFor([&] { return pictureNumber(programPath) > 20; }));
+        QCOMPARE(text(programPath, "state"), std::string("play"));
+        int last = 0;
+        for (const Ref<Surface>& shown : recorded(programPath).pictures) {
+            QVERIFY2(numberOn(shown.get()) >= last, "it plays on without a break");
+            last = numberOn(shown.get());
+        }
+        *m_library = before; // undone
+        m_engine->libraryChanged();
+        QCOMPARE(text(programPath, "media"), url);
+        QCOMPARE(text(programPath, "heldMedia"), std::string());
+        QVERIFY(waitFor([&] { return pictureNumber(programPath) > last; }));
+    }
+
     void endsAtOnce()
     {
         QVERIFY(play(previewPath, 1));

@@ -1,0 +1,188 @@
+#include "ombra/engine/player.h"
+
+#include "tests/ombra/decode/testmedia.h"
+#include "tests/support/testmain.h"
+
+#include <atomic>
+#include <thread>
+
+using namespace vantrel;
+using namespace vantrel::ombra;
+using namespace vantrel::test;
+
+namespace {
+
+/// Where files of a test lie: whether it answers at all, and how many were opened and are open.
+struct Disk
+{
+    std::atomic<bool> answers{true};
+    std::atomic<int> opened{0};
+    std::atomic<int> open{0};
+    std::atomic<int> mostOpen{0};
+};
+
+/// Ten seconds of pictures, each of a surface of its own. Waits like a decoder does: until there is an answer
+/// or it is told to stop.
+class FakeReader : public PictureReader
+{
+public:
+    FakeReader(Disk& disk, const std::atomic<bool>& stop)
+        : m_disk(disk)
+        , m_stop(stop)
+    {
+        ++m_disk.opened;
+        m_disk.mostOpen = std::max(m_disk.mostOpen.load(), ++m_disk.open);
+    }
+    ~FakeReader() override { --m_disk.open; }
+
+    MediaType type() const override { return MediaType::VideoFile; }
+    double fps() const override { return 25; }
+    double duration() const override { return 10; }
+    bool seek(double time, Picture& out) override
+    {
+        m_number = static_cast<int>(time * 25 + 0.5);
+        return read(out);
+    }
+    bool next(Picture& out) override
+    {
+        ++m_number;
+        return read(out);
+    }
+
+private:
+    bool read(Picture& out)
+    {
+        while (!m_disk.answers && !m_stop)
+            std::this_thread::yield();
+        if (m_stop || m_number >= 250)
+            return false;
+        out = {blackSurface({}), m_number / 25.0, 0.04};
+        return true;
+    }
+
+    Disk& m_disk;
+    const std::atomic<bool>& m_stop;
+    int m_number = 0;
+};
+
+} // namespace
+
+/// A player by a clock that the test moves; what it loads lies on a disk that answers or on one that hangs.
+class PlayerTest : public QObject
+{
+    Q_OBJECT
+
+private:
+    static std::shared_ptr<Deck> make(Disk& disk, double position = 0)
+    {
+        MediaItem item;
+        item.contentUrl = "file:///fake";
+        // A sequence, since that has no sound to be opened.
+        return std::make_shared<Deck>(
+            MediaSource{"fake", SequenceRun{}}, item, EndAction::Pause, Canvas{}, position,
+            SourcePlayState::Play, [] {},
+            [&disk](const MediaSource&, Canvas, const std::atomic<bool>& stop, std::string*) {
+                return std::make_unique<FakeReader>(disk, stop);
+            });
+    }
+    Ref<Surface> moment()
+    {
+        const Ref<Surface> shown = m_player->advance(m_now).to;
+        (void)m_player->takeRetired();
+        return shown;
+    }
+    /// The picture of the deck that is on air moves on with the clock.
+    bool playsOn(const Deck& deck)
+    {
+        for (int i = 0; i < 25; ++i) {
+            const double before = deck.position();
+            m_now += 0.04;
+            if (!QTest::qWaitFor([&] { return moment() == deck.surface() && deck.position() > before; }))
+                return false;
+        }
+        return true;
+    }
+
+    Disk m_disk;
+    Disk m_hanging;
+    double m_now = 0;
+    std::unique_ptr<Player> m_player;
+
+private Q_SLOTS:
+    void init()
+    {
+        m_disk.opened = m_hanging.opened = m_hanging.mostOpen = 0;
+        m_hanging.answers = false;
+        m_now = 0;
+        m_player = std::make_unique<Player>(blackSurface({}), true);
+    }
+    void cleanup() { m_player.reset(); }
+
+    void goesOnUntilTheNextPictureIsThere_data()
+    {
+        QTest::addColumn<bool>("seeks");
+        QTest::addColumn<double>("seconds");
+        QTest::newRow("cut") << false << 0.0;
+        QTest::newRow("crossfade") << false << 1.0;
+        QTest::newRow("seek") << true << 0.0;
+    }
+
+    void goesOnUntilTheNextPictureIsThere()
+    {
+        QFETCH(bool, seeks);
+        QFETCH(double, seconds);
+        const std::shared_ptr<Deck> first = make(m_disk);
+        m_player->load(first, TakeTransitionType::DirectCut, 0);
+        QTRY_VERIFY((moment(), !m_player->waiting()));
+        const std::shared_ptr<Deck> second = make(m_hanging, 5);
+        if (seeks)
+            m_player->seekBy(second);
+        else
+            m_player->load(second, TakeTransitionType::Crossfade, seconds);
+        QCOMPARE(m_player->deck(), second);
+        QVERIFY(playsOn(*first));
+        QVERIFY(m_player->waiting());
+
+        m_hanging.answers = true;
+        Player::Moment moment;
+        QTRY_VERIFY((moment = m_player->advance(m_now), !m_player->waiting()));
+        QCOMPARE(moment.to, second->surface()); // its first picture, and nothing in between
+        QCOMPARE(second->position(), 5.0);
+        QCOMPARE(moment.from, seconds > 0 ? first->surface() : Ref<Surface>());
+    }
+
+    void stopsAndPausesAtOnce()
+    {
+        const std::shared_ptr<Deck> first = make(m_disk);
+        m_player->load(first, TakeTransitionType::DirectCut, 0);
+        QTRY_VERIFY((moment(), !m_player->waiting()));
+        m_player->load(make(m_hanging), TakeTransitionType::DirectCut, 0);
+        m_player->setState(SourcePlayState::Pause);
+        QCOMPARE(first->state(), SourcePlayState::Pause);
+        QCOMPARE(moment(), first->surface());
+        m_player->setState(SourcePlayState::Stop);
+        QVERIFY(moment() != first->surface()); // off air, whatever becomes of the one that waits
+    }
+
+    void opensOnlyTheNewest()
+    {
+        // Nothing that was opened answers, but all of it stops when it is told to.
+        for (int i = 0; i < 1000; ++i) {
+            m_now += 0.001;
+            m_player->load(make(m_hanging), TakeTransitionType::DirectCut, 0);
+            m_player->load(make(m_hanging), TakeTransitionType::DirectCut, 0); // overtakes the one before
+            (void)moment();
+        }
+        QVERIFY2(m_hanging.mostOpen <= 5, qPrintable(QString::number(m_hanging.mostOpen)));
+        QVERIFY2(m_hanging.opened <= 1000, qPrintable(QString::number(m_hanging.opened)));
+        QTRY_VERIFY((moment(), m_hanging.open <= 1)); // what was retired stopped at once
+        const std::shared_ptr<Deck> newest = make(m_disk);
+        m_player->load(newest, TakeTransitionType::DirectCut, 0);
+        QTRY_VERIFY((moment(), !m_player->waiting() && newest->landed()));
+        QTRY_COMPARE((moment(), m_hanging.open.load()), 0);
+        QCOMPARE(m_disk.opened.load(), 1);
+    }
+};
+
+HALCYRA_TEST(PlayerTest)
+#include "playertest.moc"
