@@ -8,19 +8,11 @@ namespace vantrel {
 
 namespace {
 
-/// The document after the edit, made on a copy of the document before it.
-bool edited(const Json& before, const std::function<bool(MediaLibrary&)>& edit, Json& after)
+/// A copy with the edit in it; null where the edit cannot be. The copy shares all that the edit leaves alone.
+Ref<MediaLibrary> edited(const MediaLibrary& library, const std::function<bool(MediaLibrary&)>& edit)
 {
-    const auto copy = makeRef<MediaLibrary>();
-    std::string error;
-    if (!copy->parseJson(before, &error)) {
-        qCWarning(lcCommand) << "Failed to copy the media library:" << error.c_str();
-        return false;
-    }
-    if (!edit(*copy))
-        return false;
-    after = copy->toJson();
-    return true;
+    const auto copy = makeRef<MediaLibrary>(library);
+    return edit(*copy) ? copy : Ref<MediaLibrary>();
 }
 
 } // namespace
@@ -39,12 +31,12 @@ bool LibraryEditCommand::rehearse(const MediaLibrary* library, const QString& te
     if (!hasApi() || !library)
         return false;
     const Json before = library->toJson();
-    Json after;
-    if (!edited(before, edit, after))
+    const Ref<MediaLibrary> after = edited(*library, edit);
+    if (!after)
         return false;
     Patch redoPatch;
     Patch undoPatch;
-    Patch::diff(before, after, redoPatch, undoPatch);
+    Patch::diff(before, after->toJson(), redoPatch, undoPatch);
     setRedoPatch(redoPatch);
     setUndoPatch(undoPatch);
     setText(text);
@@ -58,14 +50,14 @@ bool LibraryEditCommand::rehearse(const MediaLibrary* library, const QString& te
     if (!hasApi() || !library)
         return false;
     const Json before = library->toJson();
-    Json after;
-    Json undone;
-    if (!edited(before, edit, after) || !edited(after, inverse, undone))
+    const Ref<MediaLibrary> after = edited(*library, edit);
+    const Ref<MediaLibrary> undone = after ? edited(*after, inverse) : Ref<MediaLibrary>();
+    if (!undone)
         return false;
     Patch redoPatch;
     Patch undoPatch;
-    Patch::diff(before, after, redoPatch);
-    Patch::diff(after, undone, undoPatch);
+    Patch::diff(before, after->toJson(), redoPatch);
+    Patch::diff(after->toJson(), undone->toJson(), undoPatch);
     setRedoPatch(redoPatch);
     setUndoPatch(undoPatch);
     setText(text);
