@@ -91,8 +91,8 @@ void PlaybackWidgetHeader::setMediaAddress(const QString& address)
     QString location;
     if (const auto slot = media::MediaUtils::isSlotAddress(address)
                               ? media::MediaUtils::parseSlotAddress(address)
-                              : media::ColSlot();
-        slot.valid) {
+                              : MediaAddress();
+        slot.isValid()) {
         location = QStringLiteral("%1-%2:").arg(slot.collection).arg(slot.slot);
     } else if (media::MediaUtils::isPlaylistAddress(address)) {
         const auto entry = media::MediaUtils::parsePlaylistAddress(address);

@@ -215,8 +215,8 @@ void PlaybackWidget::handleDurationChanged()
     const double seconds = m_durationEdit->durationSeconds();
     const QUrl url = getPlayedSlotUrl();
     qCDebug(lcPlayback) << "Requested changing new duration" << seconds << "s for" << url;
-    const media::ColSlot slot = MediaUtils::parseSlotAddress(QString::fromUtf8(url.toEncoded()));
-    if (!slot.valid) {
+    const MediaAddress slot = MediaUtils::parseSlotAddress(QString::fromUtf8(url.toEncoded()));
+    if (!slot.isValid()) {
         qCWarning(lcPlayback) << "Unable to get slot from played media" << m_mediaAddress;
         return;
     }

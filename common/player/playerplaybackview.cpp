@@ -253,8 +253,8 @@ void PlayerPlaybackView::updateState()
 
 void PlayerPlaybackView::handleMediaDirectPlay(const QModelIndex& index)
 {
-    const media::ColSlot slot = media::MediaUtils::parseCollectionIndex(index);
-    if (!slot.valid) {
+    const MediaAddress slot = media::MediaUtils::parseCollectionIndex(index);
+    if (!slot.isValid()) {
         qCWarning(lcPlayback) << "Could not parse collection and index.";
         return;
     }

@@ -355,7 +355,7 @@ void MediaPanelWidget::showSlotMenu(const QPoint& position)
     connect(rename, &QAction::triggered, this, [this, kept] { m_view->edit(kept); });
     QMenu* scaling = menu->addMenu(tr("Scaling"));
     const auto current = static_cast<ScaleMode>(index.data(MediaLibraryModel::ScaleModeRole).toInt());
-    const media::ColSlot slot{selectedCollection(), index.data(MediaLibraryModel::NumberRole).toInt(), true};
+    const MediaAddress slot(selectedCollection(), index.data(MediaLibraryModel::NumberRole).toInt());
     static constexpr std::array modes{ScaleMode::Default,  ScaleMode::Fit,        ScaleMode::Clip,
                                       ScaleMode::Stretch,  ScaleMode::Centered,   ScaleMode::TopLeft,
                                       ScaleMode::TopRight, ScaleMode::BottomLeft, ScaleMode::BottomRight};

@@ -266,8 +266,7 @@ void SingleMediaWidget::onScalingChosen(int row)
         return;
     const auto mode = static_cast<ScaleMode>(m_scaling->itemData(row).toInt());
     if (mode != slot->scaleMode())
-        MediaSlotEditFunctional::setScalingMode({slot->address().collection, slot->address().slot, true},
-                                                mode);
+        MediaSlotEditFunctional::setScalingMode(slot->address(), mode);
     showScaling(); // the server's word decides
 }
 

@@ -5,9 +5,9 @@
 #include "ombra/decode/mediaurl.h"
 #include "ombra/show/contenturl.h"
 #include "tarn/media/mediaenums.h"
+#include "util/mediasuffixes.h"
 
 #include <algorithm>
-#include <array>
 #include <map>
 #include <string>
 #include <vector>
@@ -18,13 +18,12 @@ namespace {
 
 constexpr double sequenceRate = 25; // frames a second, until somebody says otherwise
 constexpr int sequenceMinimum = 3;  // fewer numbered pictures are just pictures
-constexpr std::array stills = {".png", ".jpg", ".jpeg", ".tif", ".tiff", ".bmp", ".tga", ".dpx", ".exr"};
-constexpr std::array movies = {".ztx", ".mov", ".mp4",  ".mkv", ".wav",  ".m4v", ".mpeg", ".mpg",
-                               ".mp3", ".avi", ".webm", ".mxf", ".flac", ".aac", ".ogg"};
 
+/// In small letters and without the dot.
 std::string suffixOf(const std::filesystem::path& path)
 {
     std::string suffix = path.extension().string();
+    suffix.erase(0, 1);
     std::ranges::transform(suffix, suffix.begin(),
                            [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
     return suffix;
@@ -32,12 +31,12 @@ std::string suffixOf(const std::filesystem::path& path)
 
 bool isStill(const std::filesystem::path& path)
 {
-    return std::ranges::find(stills, suffixOf(path)) != stills.end();
+    return std::ranges::find(pictureSuffixes, suffixOf(path)) != pictureSuffixes.end();
 }
 
 bool isMedia(const std::filesystem::path& path)
 {
-    return isStill(path) || std::ranges::find(movies, suffixOf(path)) != movies.end();
+    return isStill(path) || std::ranges::find(movieSuffixes, suffixOf(path)) != movieSuffixes.end();
 }
 
 std::vector<std::filesystem::path> listFiles(const std::filesystem::path& folder)

@@ -3,6 +3,7 @@
 #include "ombra/base/serverlog.h"
 #include "ombra/outputs/outputs.h"
 #include "ombra/show/showstore.h"
+#include "tarn/media/playenums.h"
 
 #include <map>
 #include <string_view>

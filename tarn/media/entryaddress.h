@@ -7,7 +7,8 @@
 namespace vantrel {
 
 /// The number of a playlist entry: a whole number with an optional decimal, "5" or "5.1". Orders by the whole
-/// number, then by the decimal, so that "5.10" comes after "5.9".
+/// number, then by the decimal, so that "5.10" comes after "5.9". Before 1 stand the decimals of 0, which is
+/// no address itself.
 class EntryAddress
 {
 public:
@@ -26,7 +27,7 @@ public:
 
     bool isValid() const noexcept
     {
-        return major >= 1 && major <= maxMajor && minor >= 0 && minor <= maxMinor;
+        return major >= 0 && major <= maxMajor && minor >= 0 && minor <= maxMinor && (major > 0 || minor > 0);
     }
 
     /// The written form. For display (full false) no address is the empty text; in full it is written as it

@@ -19,15 +19,14 @@ EntryNumberingPlan EntryNumberingPlan::between(const EntryAddress& after, const 
         plan.m_first = {firstWhole, 0};
         return plan;
     }
-    if (after.isValid()) {
-        const bool sameWhole = before.isValid() && before.major == after.major;
-        const int lastDecimal = sameWhole ? before.minor - 1 : EntryAddress::maxMinor;
-        if (lastDecimal - after.minor >= needed) {
-            plan.m_valid = true;
-            plan.m_decimals = true;
-            plan.m_first = {after.major, after.minor + 1};
-            return plan;
-        }
+    const EntryAddress start = after.isValid() ? after : EntryAddress();
+    const bool sameWhole = before.isValid() && before.major == start.major;
+    const int lastDecimal = sameWhole ? before.minor - 1 : EntryAddress::maxMinor;
+    if (lastDecimal - start.minor >= needed) {
+        plan.m_valid = true;
+        plan.m_decimals = true;
+        plan.m_first = {start.major, after.isValid() ? start.minor + 1 : lastDecimal - needed + 1};
+        return plan;
     }
     // Nothing to place always fits; its first address is never used.
     if (count == 0 && before.isValid()) {

@@ -13,7 +13,8 @@ public:
 
     /// Room for count addresses (0: as many as the caller needs) strictly between two addresses; an invalid
     /// "after" stands for the start of the list, an invalid "before" for its end. Whole numbers where enough
-    /// of them are free, otherwise the decimals that follow "after".
+    /// of them are free, otherwise the decimals that follow "after". At the start of the list these are the
+    /// last decimals before "before", so that there is room at the start again.
     static EntryNumberingPlan between(const EntryAddress& after, const EntryAddress& before, int count);
 
     bool isValid() const noexcept { return m_valid; }

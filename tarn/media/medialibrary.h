@@ -37,7 +37,7 @@ public:
     ~MediaLibrary() override;
 
     /// Replaces the whole from {"collections", "playlists"}. False, with the library as it was, on bad
-    /// content; error then says what. Costs nothing for a root that a library handed out shortly before.
+    /// content; error then says what. Records whose node is that of the present one are taken over unread.
     bool parseJson(const Json& json, std::string* error = nullptr);
     Json toJson() const;
 

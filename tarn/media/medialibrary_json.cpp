@@ -1,7 +1,6 @@
 #include "tarn/media/medialibrary.h"
 #include "tarn/media/recordrules.h"
 
-#include <array>
 #include <set>
 
 namespace vantrel {
@@ -52,51 +51,6 @@ bool readRecords(const Json& members, const char* what, const RecordMap<int, Rec
     out = std::move(records);
     return true;
 }
-
-/// The last libraries that were serialised in this process, so that parsing such a root costs nothing. An
-/// edit rehearsed on a private copy is made of just these steps.
-class RecentRoots
-{
-public:
-    static RecentRoots& instance()
-    {
-        static RecentRoots roots;
-        return roots;
-    }
-    void add(const Json& json, const MediaCollectionMap& collections, const PlaylistMap& playlists)
-    {
-        const std::lock_guard lock(m_mutex);
-        for (const Root& root : m_roots) {
-            if (root.json.sameNode(json))
-                return;
-        }
-        m_roots[m_next] = {json, collections, playlists};
-        m_next = (m_next + 1) % m_roots.size();
-    }
-    bool take(const Json& json, MediaCollectionMap& collections, PlaylistMap& playlists)
-    {
-        const std::lock_guard lock(m_mutex);
-        for (const Root& root : m_roots) {
-            if (root.json.isObject() && root.json.sameNode(json)) {
-                collections = root.collections;
-                playlists = root.playlists;
-                return true;
-            }
-        }
-        return false;
-    }
-
-private:
-    struct Root
-    {
-        Json json;
-        MediaCollectionMap collections;
-        PlaylistMap playlists;
-    };
-    std::mutex m_mutex;
-    std::array<Root, 4> m_roots;
-    std::size_t m_next = 0;
-};
 
 } // namespace
 
@@ -309,12 +263,10 @@ bool MediaLibrary::parseJson(const Json& json, std::string* error)
     MediaCollectionMap collections;
     PlaylistMap playlists;
     Json whole = json;
-    if (!RecentRoots::instance().take(json, collections, playlists)) {
-        if (!check(whole, libraryRules, libraryPrototype(), error) ||
-            !readRecords(whole.get("collections"), "collection", m_collections, collections, error) ||
-            !readRecords(whole.get("playlists"), "playlist", m_playlists, playlists, error))
-            return false;
-    }
+    if (!check(whole, libraryRules, libraryPrototype(), error) ||
+        !readRecords(whole.get("collections"), "collection", m_collections, collections, error) ||
+        !readRecords(whole.get("playlists"), "playlist", m_playlists, playlists, error))
+        return false;
     const std::lock_guard lock(m_mutex);
     m_collections = std::move(collections);
     m_playlists = std::move(playlists);
@@ -324,9 +276,7 @@ bool MediaLibrary::parseJson(const Json& json, std::string* error)
 
 Json MediaLibrary::toJson() const
 {
-    const Json& json = currentJson();
-    RecentRoots::instance().add(json, m_collections, m_playlists);
-    return json;
+    return currentJson();
 }
 
 int MediaLibrary::applyDiff(const Patch& patch, std::string* error)

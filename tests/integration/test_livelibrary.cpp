@@ -84,7 +84,7 @@ private Q_SLOTS:
         QTRY_COMPARE(nameOf(5), QString());
         QVERIFY(m_manager.updateMediaDuration(1, 8, 12.5, false));
         QTRY_COMPARE(provider->slot({1, 8})->duration(), 12.5);
-        QVERIFY(MediaSlotEditFunctional::rename({1, 8, true}, QStringLiteral("Rot  two blanks")));
+        QVERIFY(MediaSlotEditFunctional::rename({1, 8}, QStringLiteral("Rot  two blanks")));
         QTRY_COMPARE(nameOf(8), QStringLiteral("Rot  two blanks")); // the stream keeps every blank
         QVERIFY(MediaSlotEditFunctional::clearSlots(1, {8}));
         QTRY_COMPARE(nameOf(8), QString());

@@ -229,8 +229,7 @@ QStringList shown(const MediaMirror& mirror)
         lines.append(
             QStringLiteral("%1 %2").arg(item ? item->name() : QString()).arg(item ? item->duration() : -1));
         for (const auto& entry : mirror.playlists.entries(uint(number))) {
-            const MediaAddress address(media::MediaUtils::parseSlotAddress(entry->slotUrl()).collection,
-                                       media::MediaUtils::parseSlotAddress(entry->slotUrl()).slot);
+            const MediaAddress address = media::MediaUtils::parseSlotAddress(entry->slotUrl());
             // Of a removed collection the items may stay until the next load.
             const auto slot = mirror.library->findSlot(address.collection, address.slot)
                                   ? mirror.playlists.entrySlot(uint(number), entry->address())

@@ -1,5 +1,7 @@
 #include "common/media/address/mediafiles.h"
 
+#include "util/mediasuffixes.h"
+
 #include <QDateTime>
 #include <QUrl>
 
@@ -7,31 +9,11 @@ namespace vantrel {
 
 namespace {
 
-QStringList withPrefix(const QStringList& extensions, const QString& prefix)
+QStringList withPrefix(std::span<const std::string_view> suffixes, const QString& prefix)
 {
     QStringList list;
-    list.reserve(extensions.size());
-    for (const QString& extension : extensions)
-        list.append(QStringLiteral("%1%2").arg(prefix, extension));
-    return list;
-}
-
-const QStringList& mediaExtensions()
-{
-    static const QStringList list{
-        QStringLiteral("ztx"), QStringLiteral("mov"), QStringLiteral("mp4"),  QStringLiteral("mkv"),
-        QStringLiteral("wav"), QStringLiteral("m4v"), QStringLiteral("mpeg"), QStringLiteral("mpg"),
-    };
-    return list;
-}
-
-const QStringList& imageExtensions()
-{
-    static const QStringList list{
-        QStringLiteral("png"), QStringLiteral("jpg"),  QStringLiteral("jpeg"), QStringLiteral("bmp"),
-        QStringLiteral("tif"), QStringLiteral("tiff"), QStringLiteral("tga"),  QStringLiteral("dpx"),
-        QStringLiteral("exr"), QStringLiteral("webp"),
-    };
+    for (const std::string_view suffix : suffixes)
+        list.append(prefix + QString::fromUtf8(suffix.data(), static_cast<qsizetype>(suffix.size())));
     return list;
 }
 
@@ -54,12 +36,12 @@ QString getNameInPath(const QString& path)
 
 QStringList mediaFileExtensions(const QString& prefix)
 {
-    return withPrefix(mediaExtensions(), prefix);
+    return withPrefix(offeredMovieSuffixes, prefix);
 }
 
 QStringList imageSequenceFileExtensions(const QString& prefix)
 {
-    return withPrefix(imageExtensions(), prefix);
+    return withPrefix(pictureSuffixes, prefix);
 }
 
 QStringList allFileExtensions(const QString& prefix)

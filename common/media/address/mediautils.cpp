@@ -80,32 +80,22 @@ bool MediaUtils::isPlaylistAddress(const QString& address)
     return playlistRegex.match(address).hasMatch();
 }
 
-ColSlot MediaUtils::parseSlotAddress(const QString& address)
+MediaAddress MediaUtils::parseSlotAddress(const QString& address)
 {
-    ColSlot result;
     const QRegularExpressionMatch match = collectionRegex.match(address);
     if (!match.hasMatch()) {
         qCDebug(lcMedia) << "Input did not match regex" << address;
-        return result;
+        return {};
     }
     bool collectionRead = false;
     bool slotRead = false;
-    result.collection = match.captured(2).toInt(&collectionRead, 10);
-    result.slot = match.captured(3).toInt(&slotRead, 10);
-    result.valid = collectionRead && slotRead;
+    const int collection = match.captured(2).toInt(&collectionRead, 10);
+    const int slot = match.captured(3).toInt(&slotRead, 10);
     if (!collectionRead)
         qCDebug(lcMedia) << "Invalid collection value in " << address;
     if (!slotRead)
         qCDebug(lcMedia) << "Invalid slot value in " << address;
-    if (result.collection < 0) {
-        qCDebug(lcMedia) << "Invalid negative collection value in " << address;
-        result.valid = false;
-    }
-    if (result.slot < 0) {
-        qCDebug(lcMedia) << "Invalid negative slot value in " << address;
-        result.valid = false;
-    }
-    return result;
+    return collectionRead && slotRead ? MediaAddress(collection, slot) : MediaAddress();
 }
 
 PlaylistAndEntry MediaUtils::parsePlaylistAddress(const QString& address)
@@ -137,32 +127,28 @@ int MediaUtils::collectionNumber(const QModelIndex& index)
     return number.isValid() ? number.toInt() : -1;
 }
 
-ColSlot MediaUtils::parseCollectionIndex(const QModelIndex& index)
+MediaAddress MediaUtils::parseCollectionIndex(const QModelIndex& index)
 {
-    ColSlot result;
     if (index.row() < 0 || index.column() < 0 || !index.model()) {
         qCWarning(lcMedia) << "MediaUtils::parseCollectionIndex invalid index given";
-        return result;
+        return {};
     }
     const QModelIndex urlIndex = index.siblingAtColumn(urlColumn);
     const QVariant slot = index.siblingAtColumn(slotColumn).data(Qt::DisplayRole);
     if (!slot.isValid()) {
         qCWarning(lcMedia) << "Failed to acquire slot data at index";
-        return result;
+        return {};
     }
     const QVariant url = urlIndex.data(Qt::DisplayRole);
     if (!url.isValid()) {
         qCWarning(lcMedia) << "Failed to acquire url data at index";
-        return result;
+        return {};
     }
     if (url.toString().size() < 3) {
         qCWarning(lcMedia) << "MediaUtils::parseCollectionIndex mediaUrl" << url.toString() << "is too short";
-        return result;
+        return {};
     }
-    result.slot = slot.toInt();
-    result.collection = collectionNumber(urlIndex);
-    result.valid = true;
-    return result;
+    return {collectionNumber(urlIndex), slot.toInt()};
 }
 
 QString MediaUtils::toSlotAddress(int collection, int slot)

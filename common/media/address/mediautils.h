@@ -18,14 +18,6 @@ QString scaleModeToPrettyString(ScaleMode mode);
 
 namespace media {
 
-/// A slot by the numbers of its collection and itself; the numbers count only when valid.
-struct ColSlot
-{
-    int collection = -1;
-    int slot = -1;
-    bool valid = false;
-};
-
 /// A playlist entry by the playlist's number and its address in it; they count only when valid.
 struct PlaylistAndEntry
 {
@@ -44,10 +36,11 @@ public:
     static bool isMediaAddress(const QString& address);
     static bool isSlotAddress(const QString& address);
     static bool isPlaylistAddress(const QString& address);
-    static ColSlot parseSlotAddress(const QString& address);
+    /// No address where the text is none.
+    static MediaAddress parseSlotAddress(const QString& address);
     static PlaylistAndEntry parsePlaylistAddress(const QString& address);
-    /// Reads the slot that an index of MediaLibraryModel, or of a proxy of it, stands on.
-    static ColSlot parseCollectionIndex(const QModelIndex& index);
+    /// The slot that an index of MediaLibraryModel, or of a proxy of it, stands on; no address for none.
+    static MediaAddress parseCollectionIndex(const QModelIndex& index);
     /// The collection that an index of the library's model or of a proxy of it stands in; -1 for none.
     static int collectionNumber(const QModelIndex& index);
     static QString toSlotAddress(int collection, int slot);

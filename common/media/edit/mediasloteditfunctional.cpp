@@ -9,31 +9,31 @@
 
 namespace vantrel {
 
-void MediaSlotEditFunctional::setScalingMode(media::ColSlot colSlot, ScaleMode mode)
+void MediaSlotEditFunctional::setScalingMode(MediaAddress slot, ScaleMode mode)
 {
-    if (!colSlot.valid) {
+    if (!slot.isValid()) {
         qCWarning(lcMedia) << "Failed to parse collection and index";
         return;
     }
     Session* session = Session::instance();
     MediaLibraryProvider* provider = session ? session->mediaLibraryProvider() : nullptr;
     auto command = std::make_unique<EditSlotScalingCommand>();
-    if (!provider || !command->initCmd(provider->mediaLibrary(), colSlot.collection, colSlot.slot, mode)) {
-        qCWarning(lcMedia) << "Failed to change scaling for collection" << colSlot.collection << "slot"
-                           << colSlot.slot;
+    if (!provider || !command->initCmd(provider->mediaLibrary(), slot.collection, slot.slot, mode)) {
+        qCWarning(lcMedia) << "Failed to change scaling for collection" << slot.collection << "slot"
+                           << slot.slot;
         return;
     }
     session->executeCommand(command.release());
-    qCDebug(lcMedia) << "Collection" << colSlot.collection << "slot" << colSlot.slot
+    qCDebug(lcMedia) << "Collection" << slot.collection << "slot" << slot.slot
                      << "scaling changed to:" << toStr(mode);
 }
 
-bool MediaSlotEditFunctional::rename(media::ColSlot colSlot, const QString& name)
+bool MediaSlotEditFunctional::rename(MediaAddress slot, const QString& name)
 {
     Session* session = Session::instance();
     MediaLibraryProvider* provider = session ? session->mediaLibraryProvider() : nullptr;
     auto command = std::make_unique<RenameSlotCommand>();
-    if (!provider || !command->init(provider->mediaLibrary(), colSlot.collection, colSlot.slot, name))
+    if (!provider || !command->init(provider->mediaLibrary(), slot.collection, slot.slot, name))
         return false;
     session->executeCommand(command.release());
     return true;

@@ -10,8 +10,8 @@ class MediaSlotEditFunctional
 public:
     MediaSlotEditFunctional() = delete;
 
-    static void setScalingMode(media::ColSlot colSlot, ScaleMode mode);
-    static bool rename(media::ColSlot colSlot, const QString& name);
+    static void setScalingMode(MediaAddress slot, ScaleMode mode);
+    static bool rename(MediaAddress slot, const QString& name);
     /// One undoable step, however many.
     static bool clearSlots(int collection, const QList<int>& slotNumbers);
 };

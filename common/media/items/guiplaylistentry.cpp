@@ -4,7 +4,25 @@
 
 #include <QJsonObject>
 
+#include <cmath>
+#include <limits>
+
 namespace vantrel {
+
+namespace {
+
+// Behind an infinite slot stands the time that never comes. JSON has no number for it, and null in its place.
+QJsonValue runtimeToJson(double seconds)
+{
+    return std::isfinite(seconds) ? QJsonValue(seconds) : QJsonValue(QJsonValue::Null);
+}
+
+double runtimeFromJson(const QJsonValue& value)
+{
+    return value.isNull() ? std::numeric_limits<double>::infinity() : value.toDouble();
+}
+
+} // namespace
 
 GuiPlaylistEntry::GuiPlaylistEntry(uint playlist, EntryAddress address, const PlaylistEntry& entry)
     : m_playlist(playlist)
@@ -41,18 +59,21 @@ QJsonObject GuiPlaylistEntry::toJson() const
         {QStringLiteral("endAction"), static_cast<int>(m_endAction)},
         {QStringLiteral("transitionType"), static_cast<int>(m_transitionType)},
         {QStringLiteral("transitionDuration"), m_transitionDuration},
-        {QStringLiteral("runtimeBefore"), m_runtimeBefore},
-        {QStringLiteral("runtimeAfter"), m_runtimeAfter},
+        {QStringLiteral("runtimeBefore"), runtimeToJson(m_runtimeBefore)},
+        {QStringLiteral("runtimeAfter"), runtimeToJson(m_runtimeAfter)},
     };
 }
 
 bool GuiPlaylistEntry::fromJson(const QJsonObject& json)
 {
-    for (const char* key : {"playlistIndex", "endAction", "transitionType", "transitionDuration",
-                            "runtimeBefore", "runtimeAfter"}) {
+    for (const char* key : {"playlistIndex", "endAction", "transitionType", "transitionDuration"}) {
         if (!json.value(QLatin1String(key)).isDouble())
             return false;
     }
+    const QJsonValue before = json.value(QStringLiteral("runtimeBefore"));
+    const QJsonValue after = json.value(QStringLiteral("runtimeAfter"));
+    if (!(before.isDouble() || before.isNull()) || !(after.isDouble() || after.isNull()))
+        return false;
     const QJsonValue addressText = json.value(QStringLiteral("entryAddress"));
     const QJsonValue slotUrl = json.value(QStringLiteral("slotUrl"));
     EntryAddress address;
@@ -65,8 +86,7 @@ bool GuiPlaylistEntry::fromJson(const QJsonObject& json)
     m_endAction = static_cast<EndAction>(json.value(QStringLiteral("endAction")).toInt());
     m_transitionType = static_cast<TakeTransitionType>(json.value(QStringLiteral("transitionType")).toInt());
     m_transitionDuration = json.value(QStringLiteral("transitionDuration")).toDouble();
-    setRuntimes(json.value(QStringLiteral("runtimeBefore")).toDouble(),
-                json.value(QStringLiteral("runtimeAfter")).toDouble());
+    setRuntimes(runtimeFromJson(before), runtimeFromJson(after));
     return true;
 }
 

@@ -8,8 +8,8 @@ namespace vantrel {
 
 using media::MediaUtils;
 
-media::ColSlot MediaLibraryFunctional::resolveMediaSlotAddress(const AbstractPlaylistProvider* provider,
-                                                               const QString& address)
+MediaAddress MediaLibraryFunctional::resolveMediaSlotAddress(const AbstractPlaylistProvider* provider,
+                                                             const QString& address)
 {
     if (MediaUtils::isSlotAddress(address))
         return MediaUtils::parseSlotAddress(address);
@@ -19,15 +19,15 @@ media::ColSlot MediaLibraryFunctional::resolveMediaSlotAddress(const AbstractPla
     if (!entry.valid)
         return {};
     const auto slot = provider->entrySlot(static_cast<uint>(entry.playlist), entry.entry);
-    return slot ? MediaUtils::parseSlotAddress(MediaUtils::toSlotAddress(slot->address())) : media::ColSlot();
+    return slot ? slot->address() : MediaAddress();
 }
 
 std::shared_ptr<const GuiMediaSlot>
 MediaLibraryFunctional::resolveMediaSlot(const AbstractPlaylistProvider* provider,
                                          const AbstractMediaLibraryProvider* library, const QString& address)
 {
-    const media::ColSlot slot = resolveMediaSlotAddress(provider, address);
-    return slot.valid && library ? library->slot({slot.collection, slot.slot}) : nullptr;
+    const MediaAddress slot = resolveMediaSlotAddress(provider, address);
+    return slot.isValid() && library ? library->slot(slot) : nullptr;
 }
 
 } // namespace vantrel

@@ -19,8 +19,8 @@ public:
     MediaLibraryFunctional() = delete;
 
     /// The slot that the URL of a slot or of a playlist entry leads to.
-    static media::ColSlot resolveMediaSlotAddress(const AbstractPlaylistProvider* provider,
-                                                  const QString& address);
+    static MediaAddress resolveMediaSlotAddress(const AbstractPlaylistProvider* provider,
+                                                const QString& address);
     /// The same as an item; null when there is none.
     static std::shared_ptr<const GuiMediaSlot> resolveMediaSlot(const AbstractPlaylistProvider* provider,
                                                                 const AbstractMediaLibraryProvider* library,

@@ -78,7 +78,7 @@ void addPlaylistChange(LibraryChanges& changes, PatchOpType op, const Target& ta
 void addCollectionChange(LibraryChanges& changes, PatchOpType op, const Target& target)
 {
     const bool hasSlot = target.slot >= 0;
-    const LibraryChanges::Slot slot(target.collection, target.slot);
+    const MediaAddress slot(target.collection, target.slot);
     switch (op) {
     case PatchOpType::Add:
         if (hasSlot)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tarn/media/entryaddress.h"
+#include "tarn/media/mediaaddress.h"
 
 #include <set>
 #include <utility>
@@ -14,7 +15,6 @@ class Patch;
 struct LibraryChanges
 {
     using Entry = std::pair<int, EntryAddress>; // playlist number, address
-    using Slot = std::pair<int, int>;           // collection index, slot index
 
     std::set<int> playlistsAdded;
     std::set<int> playlistsChanged;
@@ -25,9 +25,9 @@ struct LibraryChanges
     std::set<int> collectionsAdded;
     std::set<int> collectionsRemoved;
     std::set<int> collectionsChanged;
-    std::set<Slot> mediaChanged;
-    std::set<Slot> mediaAdded;
-    std::set<Slot> mediaRemoved;
+    std::set<MediaAddress> mediaChanged;
+    std::set<MediaAddress> mediaAdded;
+    std::set<MediaAddress> mediaRemoved;
 
     /// Judges each operation by its kind and its path alone. Three rules are as listeners expect them: an add
     /// below a slot or an entry counts as its addition, a removal below a slot as nothing, a removal below an

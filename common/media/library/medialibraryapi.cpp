@@ -281,11 +281,11 @@ void MediaLibraryApi::emitCollectionChanges(const LibraryChanges& changes)
             Q_EMIT(this->*changed)(static_cast<uint>(index));
         }
     };
-    const auto media = [this](const std::set<LibraryChanges::Slot>& set, const char* text,
+    const auto media = [this](const std::set<MediaAddress>& set, const char* text,
                               void (MediaLibraryApi::*changed)(MediaAddress)) {
-        for (const auto& [collection, slot] : set) {
-            qCDebug(lcMedia) << text << collection << ", " << slot;
-            Q_EMIT(this->*changed)(MediaAddress(collection, slot));
+        for (const MediaAddress& address : set) {
+            qCDebug(lcMedia) << text << address.collection << ", " << address.slot;
+            Q_EMIT(this->*changed)(address);
         }
     };
     collections(changes.collectionsChanged,

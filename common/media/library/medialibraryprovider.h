@@ -1,19 +1,13 @@
 #pragma once
 
-#include "common/media/address/mediaaddresshash.h"
 #include "common/media/items/abstractmedialibraryprovider.h"
-#include "tarn/media/mediaslot.h"
-#include "tarn/media/sharedmap.h"
+#include "common/media/library/slottable.h"
 #include "tarn/ref.h"
 
-#include <QHash>
 #include <QMap>
-#include <QSet>
 
 #include <functional>
-#include <map>
 #include <optional>
-#include <vector>
 
 namespace vantrel {
 
@@ -52,17 +46,10 @@ public Q_SLOTS:
     void onSlotRemoved(const vantrel::MediaAddress& address);
 
 private:
-    using SlotPtr = std::shared_ptr<const GuiMediaSlot>;
-    using Records = SharedMap<int, MediaSlot>;
-
     void populateCollections();
     void populateSingleCollection(uint index, bool replace);
-    void populateSlots();
     void populateSlotsOf(uint collection);
     bool populateSingleSlot(const MediaAddress& address);
-    void clearSingleSlot(const MediaAddress& address);
-    SlotPtr makeSlot(const MediaAddress& address) const;
-    void makeSlotsOf(uint collection) const;
 
     void execute(const TrimCommand& make, const MediaAddress& address, std::optional<double> seconds);
 
@@ -70,13 +57,7 @@ private:
     TrimCommand m_inpointCommand;
     TrimCommand m_outpointCommand;
     QMap<uint, std::shared_ptr<const GuiMediaCollection>> m_collections;
-
-    // An item is made when somebody asks for it, of the record as it was when the provider heard of it.
-    mutable QHash<MediaAddress, SlotPtr> m_slots;
-    mutable QMap<uint, QSet<SlotPtr>> m_collectionSlots; // the same items by collection, and earlier ones
-    mutable std::map<uint, Records> m_unmade;
-    mutable std::map<uint, Records> m_unmadeGone;                 // of collections that were removed
-    mutable std::map<uint, std::vector<Records>> m_unmadeEarlier; // of libraries before the last reload
+    SlotTable m_slots;
 };
 
 } // namespace vantrel

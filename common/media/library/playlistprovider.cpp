@@ -2,15 +2,14 @@
 
 #include "common/media/address/medialogging.h"
 #include "common/media/items/abstractmedialibraryprovider.h"
-#include "common/media/items/guimediaslot.h"
 #include "common/media/items/guiplaylist.h"
 #include "common/media/items/guiplaylistentry.h"
 #include "tarn/media/medialibrary.h"
 #include "tarn/media/mediasourceparser.h"
 #include "tarn/media/playenums.h"
 
-#include <algorithm>
 #include <set>
+#include <utility>
 
 namespace vantrel {
 
@@ -41,66 +40,29 @@ std::shared_ptr<const GuiPlaylist> PlaylistProvider::playlist(uint number) const
     return m_playlists.value(number);
 }
 
-EntryAddress PlaylistProvider::Row::address() const
-{
-    return item->address();
-}
-
-const PlaylistProvider::Rows* PlaylistProvider::rows(uint playlist) const
-{
-    const auto found = m_entries.find(playlist);
-    return found == m_entries.end() ? nullptr : &found->second;
-}
-
-const PlaylistProvider::Row* PlaylistProvider::row(uint playlist, EntryAddress address) const
-{
-    const Rows* all = rows(playlist);
-    if (!all)
-        return nullptr;
-    const auto at = std::ranges::lower_bound(*all, address, {}, &Row::address);
-    return at != all->end() && at->address() == address ? &*at : nullptr;
-}
-
-PlaylistProvider::Row* PlaylistProvider::row(uint playlist, EntryAddress address)
-{
-    return const_cast<Row*>(std::as_const(*this).row(playlist, address));
-}
-
 QList<std::shared_ptr<const GuiPlaylistEntry>> PlaylistProvider::entries(uint playlist) const
 {
-    QList<EntryPtr> items;
-    if (const Rows* all = rows(playlist)) {
-        items.reserve(static_cast<qsizetype>(all->size()));
-        for (const Row& row : *all)
-            items.append(row.item);
-    }
-    return items;
+    return m_entries.items(playlist);
 }
 
 std::shared_ptr<const GuiPlaylistEntry> PlaylistProvider::entry(uint playlist, EntryAddress address) const
 {
-    const Row* found = row(playlist, address);
-    return found ? found->item : nullptr;
+    return m_entries.item(playlist, address);
 }
 
 std::shared_ptr<const GuiMediaSlot> PlaylistProvider::entrySlot(uint playlist, EntryAddress address) const
 {
-    const Row* found = row(playlist, address);
-    if (!found || !found->hasSlot)
-        return nullptr;
-    if (!found->slot)
-        found->slot = m_mediaProvider->slot(found->slotAddress);
-    return found->slot;
+    const MediaAddress slot = m_entries.slotOf(playlist, address);
+    return slot.isValid() ? m_mediaProvider->slot(slot) : nullptr;
 }
 
 QSet<std::shared_ptr<const GuiPlaylistEntry>> PlaylistProvider::slotEntries(const MediaAddress& address) const
 {
-    QSet<EntryPtr> items;
-    for (const auto& [playlist, entryAddress] : m_users.value(address)) {
-        const Row* found = row(playlist, entryAddress);
-        if (found && found->hasSlot)
-            items.insert(found->item);
-    }
+    QSet<EntryTable::Item> items;
+    if (!m_mediaProvider->hasSlot(address))
+        return items;
+    for (const auto& [playlist, entryAddress] : m_entries.usersOf(address))
+        items.insert(m_entries.item(playlist, entryAddress));
     return items;
 }
 
@@ -113,328 +75,193 @@ void PlaylistProvider::onReset()
 {
     m_playlists.clear();
     m_entries.clear();
-    m_users.clear();
     populate();
     Q_EMIT reset();
 }
 
 void PlaylistProvider::onPlaylistAdded(uint playlist)
 {
-    if (m_playlists.remove(playlist) != 0)
+    if (m_playlists.contains(playlist))
         qCWarning(lcMedia) << "Playlist already existed. Invalid signaling.";
-    clearSinglePlaylistEntries(playlist);
-    if (!populateSinglePlaylist(playlist)) {
+    forget(playlist);
+    if (!loadPlaylist(playlist)) {
         qCWarning(lcMedia, "Couldn't add playlist: %d", static_cast<int>(playlist));
         Q_EMIT playlistRemoved(playlist);
         return;
     }
-    populateEntriesOf(playlist);
     Q_EMIT playlistAdded(playlist);
 }
 
 void PlaylistProvider::onPlaylistChanged(uint playlist)
 {
-    if (!populateSinglePlaylist(playlist)) {
+    const Playlist* record = std::as_const(*m_library).findPlaylist(static_cast<int>(playlist));
+    if (!record) {
+        forget(playlist);
         qCWarning(lcMedia, "Couldn't change playlist: %d", static_cast<int>(playlist));
         Q_EMIT playlistRemoved(playlist);
         return;
     }
-    updatePlaylistDurations(playlist);
-    Q_EMIT playlistChanged(playlist);
+    m_playlists.insert(playlist,
+                       std::make_shared<GuiPlaylist>(QString::fromStdString(record->getName()), playlist));
+    Moved moved = recalculate(playlist);
+    moved.playlist = true;
+    tell(playlist, moved);
 }
 
 void PlaylistProvider::onPlaylistRemoved(uint playlist)
 {
-    m_playlists.remove(playlist);
-    clearSinglePlaylistEntries(playlist);
+    forget(playlist);
     Q_EMIT playlistRemoved(playlist);
 }
 
 void PlaylistProvider::onEntryAdded(uint playlist, EntryAddress address)
 {
-    if (clearSingleEntry(playlist, address))
+    if (m_entries.remove(playlist, address))
         qCWarning(lcMedia) << "Entry already existed. Invalid signaling.";
-    if (!populateSingleEntry(playlist, address)) {
+    if (!loadEntry(playlist, address)) {
         qCWarning(lcMedia, "Couldn't add entry: %d/%s", static_cast<int>(playlist),
                   address.toString(true).c_str());
         Q_EMIT entryRemoved(playlist, address);
         return;
     }
-    const Runtimes runtimes = updatePlaylistRuntimes(playlist);
-    // The new entry has its runtimes already, and is among the changed ones all the same.
+    // The new entry has its times already, and is among those that moved all the same.
+    const Moved moved = recalculate(playlist);
     Q_EMIT entryAdded(playlist, address);
-    emitChangedForEach(playlist, runtimes.changed);
-    setPlaylistDuration(playlist, runtimes.duration, runtimes.infinite, true);
-    updatePlaylistEntryCount(playlist, true);
-    Q_EMIT playlistChanged(playlist);
+    tell(playlist, moved);
 }
 
 void PlaylistProvider::onEntryChanged(uint playlist, EntryAddress address)
 {
-    if (!clearSingleEntry(playlist, address)) {
+    if (!m_entries.remove(playlist, address)) {
         qCWarning(lcMedia, "Changed entry did not exist %d/%s", static_cast<int>(playlist),
                   address.toString(true).c_str());
     }
-    if (!populateSingleEntry(playlist, address)) {
+    if (!loadEntry(playlist, address)) {
         qCWarning(lcMedia, "Couldn't change entry: %d/%s", static_cast<int>(playlist),
                   address.toString(true).c_str());
         Q_EMIT entryRemoved(playlist, address);
         return;
     }
-    const Runtimes runtimes = updatePlaylistRuntimes(playlist);
+    const Moved moved = recalculate(playlist);
     Q_EMIT entryChanged(playlist, address);
-    emitChangedForEach(playlist, runtimes.changed);
-    setPlaylistDuration(playlist, runtimes.duration, runtimes.infinite, false);
+    tell(playlist, moved);
 }
 
 void PlaylistProvider::onEntryRemoved(uint playlist, EntryAddress address)
 {
-    clearSingleEntry(playlist, address);
-    const Runtimes runtimes = updatePlaylistRuntimes(playlist);
+    m_entries.remove(playlist, address);
+    const Moved moved = recalculate(playlist);
     Q_EMIT entryRemoved(playlist, address);
-    emitChangedForEach(playlist, runtimes.changed);
-    setPlaylistDuration(playlist, runtimes.duration, runtimes.infinite, true);
-    updatePlaylistEntryCount(playlist, true);
-    Q_EMIT playlistChanged(playlist);
+    tell(playlist, moved);
 }
 
 void PlaylistProvider::onSlotModified(MediaAddress address)
 {
-    refreshEntries(m_users.value(address));
+    tellOfSlots(m_entries.usersOf(address));
 }
 
 void PlaylistProvider::onCollectionModified(uint collection)
 {
-    QList<User> users;
-    for (auto it = m_users.cbegin(); it != m_users.cend(); ++it) {
-        if (it.key().collection == static_cast<int>(collection))
-            users += it.value();
-    }
-    std::sort(users.begin(), users.end());
-    refreshEntries(users);
+    tellOfSlots(m_entries.usersOfCollection(collection));
 }
 
-void PlaylistProvider::refreshEntries(const QList<User>& users)
+void PlaylistProvider::tellOfSlots(const QList<EntryTable::Place>& users)
 {
     if (users.isEmpty())
         return;
     std::set<uint> touched;
-    for (const auto& [playlist, entryAddress] : users) {
-        if (Row* user = row(playlist, entryAddress))
-            populateSingleEntrySlot(*user);
+    for (const auto& [playlist, address] : users) {
+        warnWithoutSlot(*m_entries.item(playlist, address));
         touched.insert(playlist);
     }
     Q_EMIT entrySlotsModified(users);
-    for (const uint playlist : touched) {
-        const Runtimes runtimes = updatePlaylistRuntimes(playlist);
-        emitChangedForEach(playlist, runtimes.changed);
-        setPlaylistDuration(playlist, runtimes.duration, runtimes.infinite, false);
-        updatePlaylistEntryCount(playlist, true);
-    }
+    for (const uint playlist : touched)
+        tell(playlist, recalculate(playlist));
 }
 
 void PlaylistProvider::populate()
 {
     const auto playlists = m_library->getPlaylists(); // a copy: the walk must not see an edit
-    for (const auto& [number, playlist] : playlists) {
-        const auto key = static_cast<uint>(number);
-        populateSinglePlaylist(key);
-        populateEntriesOf(key);
-    }
+    for (const auto& [number, playlist] : playlists)
+        loadPlaylist(static_cast<uint>(number));
 }
 
-bool PlaylistProvider::populateSinglePlaylist(uint playlist)
+bool PlaylistProvider::loadPlaylist(uint playlist)
 {
     const Playlist* record = std::as_const(*m_library).findPlaylist(static_cast<int>(playlist));
     if (!record)
         return false;
     m_playlists.insert(playlist,
                        std::make_shared<GuiPlaylist>(QString::fromStdString(record->getName()), playlist));
+    const auto entries = record->getEntries();
+    for (const auto& [address, entry] : entries)
+        putEntry(playlist, address, entry);
+    recalculate(playlist);
     return true;
 }
 
-void PlaylistProvider::populateEntriesOf(uint playlist)
-{
-    const Playlist* record = std::as_const(*m_library).findPlaylist(static_cast<int>(playlist));
-    if (!record)
-        return;
-    const auto entryMap = record->getEntries();
-    const PlaylistRuntimeInfo info = m_library->calculateRuntimeInfo(playlist);
-    m_entries[playlist].reserve(entryMap.size());
-    auto runtime = info.entries.begin();
-    for (const auto& [address, entry] : entryMap) {
-        auto item = std::make_shared<GuiPlaylistEntry>(playlist, address, entry);
-        while (runtime != info.entries.end() && runtime->address < address)
-            ++runtime;
-        if (runtime != info.entries.end() && runtime->address == address)
-            item->setRuntimes(runtime->runtimeBefore, runtime->runtimeAfter);
-        putEntry(playlist, item);
-    }
-    setPlaylistDuration(playlist, info.totalDuration, info.isInfinite, true);
-    updatePlaylistEntryCount(playlist, true);
-}
-
-bool PlaylistProvider::populateSingleEntry(uint playlist, EntryAddress address)
+bool PlaylistProvider::loadEntry(uint playlist, EntryAddress address)
 {
     const Playlist* record = std::as_const(*m_library).findPlaylist(static_cast<int>(playlist));
     const PlaylistEntry* entry = record ? record->findEntry(address) : nullptr;
-    if (!entry)
-        return false;
-    putEntry(playlist, std::make_shared<GuiPlaylistEntry>(playlist, address, *entry));
-    return true;
+    if (entry)
+        putEntry(playlist, address, *entry);
+    return entry;
 }
 
-void PlaylistProvider::putEntry(uint playlist, const EntryPtr& item)
+void PlaylistProvider::putEntry(uint playlist, EntryAddress address, const PlaylistEntry& entry)
 {
-    Rows& all = m_entries[playlist];
-    const bool last = all.empty() || all.back().address() < item->address();
-    const auto at = last ? all.end() : std::ranges::lower_bound(all, item->address(), {}, &Row::address);
-    populateSingleEntrySlot(*all.insert(at, Row{item, MediaAddress(), false, nullptr}));
+    const auto item = std::make_shared<GuiPlaylistEntry>(playlist, address, entry);
+    m_entries.put(item);
+    warnWithoutSlot(*item);
 }
 
-void PlaylistProvider::populateSingleEntrySlot(Row& row)
+void PlaylistProvider::forget(uint playlist)
 {
-    row.slot.reset();
-    row.hasSlot = false;
-    const std::string url = row.item->slotUrl().toStdString();
-    const MediaSourceParser source(url);
-    if (source.getSourceMode() != SourceMode::Slot) {
-        unlink(row);
-        qCWarning(lcMedia, "Invalid entry slot url: %s", url.c_str());
-        return;
-    }
-    link(row, source.getMediaAddress());
-    row.hasSlot = m_mediaProvider->hasSlot(row.slotAddress);
-    if (!row.hasSlot) {
-        qCWarning(lcMedia, "Missing slot: '%s' assigned to entry: %d/%s", url.c_str(),
-                  static_cast<int>(row.item->playlistNumber()), row.item->address().toString(true).c_str());
+    m_playlists.remove(playlist);
+    m_entries.removeAll(playlist);
+}
+
+void PlaylistProvider::warnWithoutSlot(const GuiPlaylistEntry& entry) const
+{
+    const MediaAddress slot = m_entries.slotOf(entry.playlistNumber(), entry.address());
+    if (!slot.isValid()) {
+        qCWarning(lcMedia, "Invalid entry slot url: %s", qUtf8Printable(entry.slotUrl()));
+    } else if (!m_mediaProvider->hasSlot(slot)) {
+        qCWarning(lcMedia, "Missing slot: '%s' assigned to entry: %d/%s", qUtf8Printable(entry.slotUrl()),
+                  static_cast<int>(entry.playlistNumber()), entry.address().toString(true).c_str());
     }
 }
 
-void PlaylistProvider::link(Row& row, MediaAddress slotAddress)
-{
-    if (row.slotAddress == slotAddress)
-        return;
-    unlink(row);
-    row.slotAddress = slotAddress;
-    QList<User>& users = m_users[slotAddress];
-    const User user(row.item->playlistNumber(), row.item->address());
-    users.insert(std::lower_bound(users.cbegin(), users.cend(), user), user);
-}
-
-void PlaylistProvider::unlink(Row& row)
-{
-    if (!row.slotAddress.isValid())
-        return;
-    const auto users = m_users.find(std::exchange(row.slotAddress, MediaAddress()));
-    if (users == m_users.end())
-        return;
-    const User user(row.item->playlistNumber(), row.item->address());
-    const auto at = std::lower_bound(users->cbegin(), users->cend(), user);
-    if (at != users->cend() && *at == user)
-        users->erase(at);
-    if (users->isEmpty())
-        m_users.erase(users);
-}
-
-bool PlaylistProvider::clearSingleEntry(uint playlist, EntryAddress address)
-{
-    Row* found = row(playlist, address);
-    if (!found)
-        return false;
-    unlink(*found);
-    Rows& all = m_entries[playlist];
-    all.erase(all.begin() + (found - all.data()));
-    return true;
-}
-
-void PlaylistProvider::clearSinglePlaylistEntries(uint playlist)
-{
-    const auto found = m_entries.find(playlist);
-    if (found == m_entries.end())
-        return;
-    for (Row& row : found->second)
-        unlink(row);
-    m_entries.erase(found);
-}
-
-PlaylistProvider::Runtimes PlaylistProvider::updatePlaylistRuntimes(uint playlist)
+PlaylistProvider::Moved PlaylistProvider::recalculate(uint playlist)
 {
     const PlaylistRuntimeInfo info = m_library->calculateRuntimeInfo(playlist);
-    Runtimes result{info.totalDuration, info.isInfinite, {}};
-    const auto found = m_entries.find(playlist);
-    if (found == m_entries.end())
-        return result;
-    auto row = found->second.begin(); // both are in address order
-    for (const EntryRuntime& runtime : info.entries) {
-        while (row != found->second.end() && row->address() < runtime.address)
-            ++row;
-        if (row == found->second.end())
-            break;
-        if (row->address() == runtime.address &&
-            updateEntryRuntimes(*row, runtime.runtimeBefore, runtime.runtimeAfter))
-            result.changed.append(runtime.address);
-    }
-    return result;
-}
-
-bool PlaylistProvider::updateEntryRuntimes(Row& row, double before, double after)
-{
-    if (row.item->runtimeBefore() == before && row.item->runtimeAfter() == after)
-        return false;
-    const auto updated = std::make_shared<GuiPlaylistEntry>(*row.item);
-    updated->setRuntimes(before, after);
-    row.item = updated;
-    if (!row.hasSlot)
-        populateSingleEntrySlot(row); // it may have come by now
-    return true;
-}
-
-void PlaylistProvider::updatePlaylistDurations(uint playlist)
-{
-    const Runtimes runtimes = updatePlaylistRuntimes(playlist);
-    setPlaylistDuration(playlist, runtimes.duration, runtimes.infinite, true);
-    updatePlaylistEntryCount(playlist, true);
-}
-
-void PlaylistProvider::setPlaylistDuration(uint playlist, double duration, bool infinite, bool silent)
-{
+    Moved moved;
+    moved.entries = m_entries.setRuntimes(playlist, info.entries);
     const auto found = m_playlists.find(playlist);
     if (found == m_playlists.end()) {
         qCWarning(lcMedia, "Missing playlist: %d", static_cast<int>(playlist));
-        return;
+        return moved;
     }
-    if ((*found)->duration() == duration && (*found)->isInfinite() == infinite)
-        return;
-    const auto updated = std::make_shared<GuiPlaylist>(**found);
-    updated->setDuration(duration, infinite);
-    *found = updated;
-    if (!silent)
-        Q_EMIT playlistChanged(playlist);
+    const GuiPlaylist& old = **found;
+    const uint count = m_entries.count(playlist);
+    moved.playlist = old.duration() != info.totalDuration || old.isInfinite() != info.isInfinite ||
+                     old.entryCount() != count;
+    if (moved.playlist) {
+        const auto updated = std::make_shared<GuiPlaylist>(old);
+        updated->setDuration(info.totalDuration, info.isInfinite);
+        updated->setEntryCount(count);
+        *found = updated;
+    }
+    return moved;
 }
 
-void PlaylistProvider::updatePlaylistEntryCount(uint playlist, bool silent)
+void PlaylistProvider::tell(uint playlist, const Moved& moved)
 {
-    const auto found = m_playlists.find(playlist);
-    if (found == m_playlists.end()) {
-        qCWarning(lcMedia, "Missing playlist: %d", static_cast<int>(playlist));
-        return;
-    }
-    const Rows* all = rows(playlist);
-    const auto count = all ? static_cast<uint>(all->size()) : 0U;
-    if ((*found)->entryCount() == count)
-        return;
-    const auto updated = std::make_shared<GuiPlaylist>(**found);
-    updated->setEntryCount(count);
-    *found = updated;
-    if (!silent)
-        Q_EMIT playlistChanged(playlist);
-}
-
-void PlaylistProvider::emitChangedForEach(uint playlist, const QList<EntryAddress>& addresses)
-{
-    for (const EntryAddress address : addresses)
+    for (const EntryAddress address : moved.entries)
         Q_EMIT entryChanged(playlist, address);
+    if (moved.playlist)
+        Q_EMIT playlistChanged(playlist);
 }
 
 } // namespace vantrel

@@ -1,22 +1,20 @@
 #pragma once
 
-#include "common/media/address/mediaaddresshash.h"
 #include "common/media/items/abstractplaylistprovider.h"
+#include "common/media/library/entrytable.h"
 #include "tarn/ref.h"
 
-#include <QHash>
 #include <QMap>
-
-#include <map>
-#include <utility>
-#include <vector>
 
 namespace vantrel {
 
 class AbstractMediaLibraryProvider;
+class PlaylistEntry;
 
-/// Keeps the items of playlists and entries in step with the library, each entry linked to the slot that it
-/// plays and with the running time before and after it. The session owns it for its life; main thread only.
+/// Keeps the items of playlists and entries in step with the library, each entry with the running time before
+/// and after it. Whatever the news, the same happens: the items that it names are made anew, the times of the
+/// playlist are worked out again, and then it is told, followed by every entry whose times moved and by the
+/// playlist. The session owns it for its life; main thread only.
 class PlaylistProvider : public AbstractPlaylistProvider
 {
     Q_OBJECT
@@ -44,56 +42,29 @@ public:
     void onSlotModified(MediaAddress address) override;
 
 private:
-    using EntryPtr = std::shared_ptr<const GuiPlaylistEntry>;
-    using SlotPtr = std::shared_ptr<const GuiMediaSlot>;
-    struct Runtimes
+    /// What moved when the times of a playlist were worked out again.
+    struct Moved
     {
-        double duration = 0;
-        bool infinite = false;
-        QList<EntryAddress> changed;
+        QList<EntryAddress> entries;
+        bool playlist = false;
     };
-    struct Row
-    {
-        EntryAddress address() const;
-        EntryPtr item;
-        MediaAddress slotAddress; // invalid when the entry names no slot
-        bool hasSlot = false;     // at that address
-        mutable SlotPtr slot;     // taken when somebody asks for it
-    };
-    using Rows = std::vector<Row>; // by address
-    using User = std::pair<uint, EntryAddress>;
-
-    void onCollectionModified(uint collection);
-    void refreshEntries(const QList<User>& users);
-
-    const Rows* rows(uint playlist) const;
-    const Row* row(uint playlist, EntryAddress address) const;
-    Row* row(uint playlist, EntryAddress address);
 
     void populate();
-    bool populateSinglePlaylist(uint playlist);
-    void populateEntriesOf(uint playlist);
-    bool populateSingleEntry(uint playlist, EntryAddress address);
-    void putEntry(uint playlist, const EntryPtr& item);
-    void populateSingleEntrySlot(Row& row);
-    bool clearSingleEntry(uint playlist, EntryAddress address);
-    void clearSinglePlaylistEntries(uint playlist);
-    void link(Row& row, MediaAddress slotAddress);
-    void unlink(Row& row);
+    bool loadPlaylist(uint playlist);
+    bool loadEntry(uint playlist, EntryAddress address);
+    void putEntry(uint playlist, EntryAddress address, const PlaylistEntry& entry);
+    void forget(uint playlist);
+    void warnWithoutSlot(const GuiPlaylistEntry& entry) const;
 
-    Runtimes updatePlaylistRuntimes(uint playlist);
-    bool updateEntryRuntimes(Row& row, double before, double after);
-    void updatePlaylistDurations(uint playlist);
-    void setPlaylistDuration(uint playlist, double duration, bool infinite, bool silent);
-    void updatePlaylistEntryCount(uint playlist, bool silent);
-    void emitChangedForEach(uint playlist, const QList<EntryAddress>& addresses);
+    Moved recalculate(uint playlist);
+    void tell(uint playlist, const Moved& moved);
+    void tellOfSlots(const QList<EntryTable::Place>& users);
+    void onCollectionModified(uint collection);
 
     Ref<MediaLibrary> m_library;
     AbstractMediaLibraryProvider* m_mediaProvider;
     QMap<uint, std::shared_ptr<const GuiPlaylist>> m_playlists;
-    std::map<uint, Rows> m_entries;
-    // Which entries name a slot, whether it is there or not, so that nothing need be walked to find them.
-    QHash<MediaAddress, QList<User>> m_users;
+    EntryTable m_entries;
 };
 
 } // namespace vantrel

@@ -342,7 +342,7 @@ bool MediaLibraryModel::setName(const QModelIndex& index, const QString& name)
     const QString trimmed = name.trimmed();
     if (trimmed.isEmpty() || trimmed == slotItem(index)->name())
         return false;
-    return MediaSlotEditFunctional::rename({getCollectionIndexNumber(index), index.row(), true}, trimmed);
+    return MediaSlotEditFunctional::rename({getCollectionIndexNumber(index), index.row()}, trimmed);
 }
 
 QVariant MediaLibraryModel::headerData(int section, Qt::Orientation orientation, int role) const
@@ -427,19 +427,19 @@ QString MediaLibraryModel::normalizeMediaAddress(const QString& address)
 
 QModelIndex MediaLibraryModel::getSlotIndexFromMediaAddress(QString mediaAddress) const
 {
-    const media::ColSlot slot = MediaUtils::isPlaylistAddress(mediaAddress)
-                                    ? resolvePlaylistAddress(mediaAddress)
-                                    : MediaUtils::parseSlotAddress(mediaAddress);
-    return slot.valid ? slotIndex({slot.collection, slot.slot}) : QModelIndex();
+    const MediaAddress slot = MediaUtils::isPlaylistAddress(mediaAddress)
+                                  ? resolvePlaylistAddress(mediaAddress)
+                                  : MediaUtils::parseSlotAddress(mediaAddress);
+    return slot.isValid() ? slotIndex(slot) : QModelIndex();
 }
 
-media::ColSlot MediaLibraryModel::resolvePlaylistAddress(const QString& address) const
+MediaAddress MediaLibraryModel::resolvePlaylistAddress(const QString& address) const
 {
     const std::lock_guard lock(m_library->getMutex());
     return resolvePlaylistAddressUnsafe(address);
 }
 
-media::ColSlot MediaLibraryModel::resolvePlaylistAddressUnsafe(const QString& address) const
+MediaAddress MediaLibraryModel::resolvePlaylistAddressUnsafe(const QString& address) const
 {
     const media::PlaylistAndEntry target = MediaUtils::parsePlaylistAddress(address);
     if (!target.valid)

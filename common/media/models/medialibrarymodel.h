@@ -104,7 +104,7 @@ public:
     /// The address as it is when it begins as a media URL, else empty.
     static QString normalizeMediaAddress(const QString& address);
     /// The slot that a playlist entry's URL leads to. Any thread.
-    media::ColSlot resolvePlaylistAddress(const QString& address) const;
+    MediaAddress resolvePlaylistAddress(const QString& address) const;
     QStringList mediaCaveats(const QModelIndex& index) const;
     QVariant fetchThumbnail(const QModelIndex& index) const;
 
@@ -148,7 +148,7 @@ private:
     QList<QModelIndex> findItemsByUrl(const QUrl& mediaUrl);
     void emitDataChangedForRow(const QModelIndex& index);
     void setMark(Mark& mark, const QString& mediaAddress, const QString& state);
-    media::ColSlot resolvePlaylistAddressUnsafe(const QString& address) const;
+    MediaAddress resolvePlaylistAddressUnsafe(const QString& address) const;
     QVariant displayData(const MediaLibraryItem& item, const QModelIndex& index) const;
     QVariant collectionData(const MediaLibraryItem& item, int column, int role) const;
     QVariant slotData(const MediaLibraryItem& item, const QModelIndex& index, int role) const;

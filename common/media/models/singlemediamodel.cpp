@@ -278,7 +278,7 @@ QString SingleMediaModel::collectionText() const
     if (!MediaUtils::isSlotAddress(m_mediaAddress))
         return inapplicable;
     const auto slot = MediaUtils::parseSlotAddress(m_mediaAddress);
-    return slot.valid ? getCollectionString(slot.collection, slot.slot) : QString();
+    return slot.isValid() ? getCollectionString(slot.collection, slot.slot) : QString();
 }
 
 media::PlaylistAndEntry SingleMediaModel::entryInFocus() const
@@ -311,9 +311,9 @@ QStringList SingleMediaModel::getUsedInList() const
     QStringList lines;
     if (MediaUtils::isSlotAddress(m_mediaAddress)) {
         const auto slot = MediaUtils::parseSlotAddress(m_mediaAddress);
-        if (!slot.valid || !m_playlistProvider)
+        if (!slot.isValid() || !m_playlistProvider)
             return lines;
-        const auto users = m_playlistProvider->slotEntries({slot.collection, slot.slot});
+        const auto users = m_playlistProvider->slotEntries(slot);
         QList<std::pair<uint, EntryAddress>> places;
         for (const auto& entry : users)
             places.append({entry->playlistNumber(), entry->address()});
@@ -335,8 +335,9 @@ std::shared_ptr<const GuiMediaSlot> SingleMediaModel::getMediaSlotPtr() const
 {
     if (MediaUtils::isSlotAddress(m_mediaAddress)) {
         const auto slot = MediaUtils::parseSlotAddress(m_mediaAddress);
-        const bool isThere = slot.valid && m_mediaProvider && m_mediaProvider->collection(slot.collection);
-        return isThere ? m_mediaProvider->slot({slot.collection, slot.slot}) : nullptr;
+        const bool isThere =
+            slot.isValid() && m_mediaProvider && m_mediaProvider->collection(slot.collection);
+        return isThere ? m_mediaProvider->slot(slot) : nullptr;
     }
     const auto entry = entryInFocus();
     return entry.valid && m_playlistProvider
@@ -394,8 +395,8 @@ void SingleMediaModel::onEntryModified(uint playlistIndex, EntryAddress entryAdd
 void SingleMediaModel::onCollectionModified(uint collection)
 {
     const auto slot = MediaUtils::isSlotAddress(m_mediaAddress) ? MediaUtils::parseSlotAddress(m_mediaAddress)
-                                                                : media::ColSlot();
-    if (slot.valid && static_cast<uint>(slot.collection) == collection)
+                                                                : MediaAddress();
+    if (slot.isValid() && static_cast<uint>(slot.collection) == collection)
         onReset();
     else
         Q_EMIT dataChanged(index(0, UsedInColumn), index(0, UsedInColumn));

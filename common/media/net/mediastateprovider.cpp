@@ -213,9 +213,8 @@ void MediaStateProvider::readChannels()
 std::shared_ptr<const GuiMediaSlot> MediaStateProvider::slotOf(const QString& mediaAddress) const
 {
     if (MediaUtils::isSlotAddress(mediaAddress)) {
-        const media::ColSlot slot = MediaUtils::parseSlotAddress(mediaAddress);
-        return slot.valid && m_libraryProvider ? m_libraryProvider->slot({slot.collection, slot.slot})
-                                               : nullptr;
+        const MediaAddress slot = MediaUtils::parseSlotAddress(mediaAddress);
+        return slot.isValid() && m_libraryProvider ? m_libraryProvider->slot(slot) : nullptr;
     }
     if (!MediaUtils::isPlaylistAddress(mediaAddress))
         return nullptr;

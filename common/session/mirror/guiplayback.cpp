@@ -135,10 +135,10 @@ void GUIPlayback::updateEntry()
 
 void GUIPlayback::updateSlot()
 {
-    const auto parsed = MediaUtils::parseSlotAddress(m_playingEntry ? m_playingEntry->slotUrl() : media());
-    m_playingSlotAddress = parsed.valid ? MediaAddress(parsed.collection, parsed.slot) : MediaAddress();
-    m_playingSlot =
-        parsed.valid && m_libraryProvider ? m_libraryProvider->slot(m_playingSlotAddress) : nullptr;
+    m_playingSlotAddress = MediaUtils::parseSlotAddress(m_playingEntry ? m_playingEntry->slotUrl() : media());
+    m_playingSlot = m_playingSlotAddress.isValid() && m_libraryProvider
+                        ? m_libraryProvider->slot(m_playingSlotAddress)
+                        : nullptr;
 }
 
 GUIPlayback::PropertyChangeFlags GUIPlayback::updateMediaProperties()

@@ -64,9 +64,9 @@ void TestAddresses::slotAddresses()
 {
     QFETCH(QString, text);
     QTEST(MediaUtils::isSlotAddress(text), "matches");
-    const media::ColSlot parsed = MediaUtils::parseSlotAddress(text);
-    QTEST(parsed.valid, "valid");
-    if (parsed.valid) {
+    const MediaAddress parsed = MediaUtils::parseSlotAddress(text);
+    QTEST(parsed.isValid(), "valid");
+    if (parsed.isValid()) {
         QTEST(parsed.collection, "collection");
         QTEST(parsed.slot, "slot");
     }
@@ -86,6 +86,7 @@ void TestAddresses::playlistAddresses_data()
     row("Brume://Playlists/3/Entries/12.34", true, true, "12.34");
     row("brume://playlists/0/entries/1", true, false);
     row("brume://playlists/1/entries/0", true, false);
+    row("brume://playlists/1/entries/0.1", true, true, "0.1");
     row("brume://playlists/1/entries/1.2.3", false, false);
     row("brume://playlists/1/entries/1.", false, false);
     row("brume://playlists/99999999999/entries/1", true, false);

@@ -9,8 +9,11 @@
 #include "tarn/media/playlistentry.h"
 #include "tests/support/testmain.h"
 
+#include <QJsonDocument>
 #include <QJsonObject>
 #include <QTest>
+
+#include <limits>
 
 using namespace vantrel;
 
@@ -151,6 +154,13 @@ void TestGuiMediaItems::entriesAndPlaylists()
     QCOMPARE(read.toJson(), entry.toJson());
     QVERIFY(read.toSdkEntry() == entry.toSdkEntry());
     QCOMPARE(entry.toJson().value(QStringLiteral("entryAddress")).toString(), QStringLiteral("5.1"));
+
+    // Behind an infinite slot, and over the text that a drag carries.
+    entry.setRuntimes(10, std::numeric_limits<double>::infinity());
+    const QByteArray text = QJsonDocument(entry.toJson()).toJson();
+    QVERIFY(read.fromJson(QJsonDocument::fromJson(text).object()));
+    QCOMPARE(read.runtimeBefore(), 10.0);
+    QCOMPARE(read.runtimeAfter(), std::numeric_limits<double>::infinity());
 
     GuiPlaylist playlist(QStringLiteral("Show"), 4);
     playlist.setEntryCount(2);

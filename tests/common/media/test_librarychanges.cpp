@@ -23,7 +23,7 @@ void note(QStringList& list, const char* name, const std::set<LibraryChanges::En
                         .arg(QString::fromStdString(entry.toString(true))));
 }
 
-void note(QStringList& list, const char* name, const std::set<LibraryChanges::Slot>& media)
+void note(QStringList& list, const char* name, const std::set<MediaAddress>& media)
 {
     for (const auto& [collection, slot] : media)
         list.append(QStringLiteral("%1 %2/%3").arg(QLatin1String(name)).arg(collection).arg(slot));

@@ -149,13 +149,13 @@ void TestModels::addresses()
              QString());
 
     using F = MediaLibraryFunctional;
-    const media::ColSlot slot =
+    const MediaAddress slot =
         F::resolveMediaSlotAddress(&mirror.playlists, QStringLiteral("brume://playlists/1/entries/1"));
-    QVERIFY(slot.valid);
+    QVERIFY(slot.isValid());
     QCOMPARE(slot.collection, 2);
     QVERIFY(!F::resolveMediaSlotAddress(&mirror.playlists, QStringLiteral("brume://playlists/1/entries/2"))
-                 .valid);
-    QVERIFY(!F::resolveMediaSlotAddress(&mirror.playlists, QStringLiteral("x")).valid);
+                 .isValid());
+    QVERIFY(!F::resolveMediaSlotAddress(&mirror.playlists, QStringLiteral("x")).isValid());
 }
 
 void TestModels::indexesParse()
@@ -165,15 +165,15 @@ void TestModels::indexesParse()
     SortedLibraryModel sorted(&mirror.model);
     const QModelIndex own = mirror.model.slotIndex({3, 2});
     for (const QModelIndex& index : {own, own.siblingAtColumn(6), sorted.mapFromSource(own)}) {
-        const media::ColSlot parsed = MediaUtils::parseCollectionIndex(index);
-        QVERIFY(parsed.valid);
+        const MediaAddress parsed = MediaUtils::parseCollectionIndex(index);
+        QVERIFY(parsed.isValid());
         QCOMPARE(parsed.collection, 3);
         QCOMPARE(parsed.slot, 2);
     }
     test::expectWarning(QStringLiteral("parseCollectionIndex invalid index given"));
-    QVERIFY(!MediaUtils::parseCollectionIndex({}).valid);
+    QVERIFY(!MediaUtils::parseCollectionIndex({}).isValid());
     test::expectWarning(QStringLiteral("Failed to acquire url data at index"));
-    QVERIFY(!MediaUtils::parseCollectionIndex(mirror.model.collectionIndex(3)).valid);
+    QVERIFY(!MediaUtils::parseCollectionIndex(mirror.model.collectionIndex(3)).isValid());
 }
 
 void TestModels::oneRowIsTold()

@@ -217,8 +217,8 @@ void TestMediaPanel::playsWhatIsActivated()
     QSignalSpy played(&panel.widget, &MediaPanelWidget::directPlayRequested);
     const auto slot = [&played] {
         const QModelIndex index = played.takeFirst().first().toModelIndex();
-        const media::ColSlot address = media::MediaUtils::parseCollectionIndex(index);
-        return address.valid ? address.collection * 100 + address.slot : -1;
+        const MediaAddress address = media::MediaUtils::parseCollectionIndex(index);
+        return address.isValid() ? address.collection * 100 + address.slot : -1;
     };
     const QPoint place = panel.view->visualRect(panel.row(0)).center();
     QTest::mouseClick(panel.view->viewport(), Qt::LeftButton, {}, place);

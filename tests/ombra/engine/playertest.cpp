@@ -1,5 +1,7 @@
 #include "ombra/engine/player.h"
 
+#include "tarn/media/mediaenums.h"
+#include "tarn/media/playenums.h"
 #include "tests/ombra/decode/testmedia.h"
 #include "tests/support/testmain.h"
 

@@ -237,7 +237,7 @@ private Q_SLOTS:
         Playlist* playlist = library.findPlaylist(3);
         QVERIFY(playlist->addEntry({1, 0}, PlaylistEntry()));
         QVERIFY(!playlist->addEntry({1, 0}, PlaylistEntry()));
-        QVERIFY(!playlist->addEntry({0, 1}, PlaylistEntry()));
+        QVERIFY(!playlist->addEntry({0, 0}, PlaylistEntry()));
         QVERIFY(!playlist->moveEntry({2, 0}, {3, 0}));
         QVERIFY(playlist->moveEntry({1, 0}, {1, 1}));
         QCOMPARE(library.toJson().get("playlists").get("3").get("entries").size(), std::size_t(1));

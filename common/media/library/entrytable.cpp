@@ -1,0 +1,155 @@
+#include "common/media/library/entrytable.h"
+
+#include "common/media/items/guiplaylistentry.h"
+#include "tarn/media/playlistruntime.h"
+
+#include <algorithm>
+
+namespace vantrel {
+
+EntryAddress EntryTable::Row::address() const
+{
+    return item->address();
+}
+
+void EntryTable::clear()
+{
+    m_rows.clear();
+    m_users.clear();
+}
+
+void EntryTable::put(const Item& item)
+{
+    Row row{item, MediaAddress()};
+    row.slot.parseString(item->slotUrl().toStdString());
+    addUser(row);
+    Rows& rows = m_rows[item->playlistNumber()];
+    const auto at = std::ranges::lower_bound(rows, row.address(), {}, &Row::address);
+    if (at == rows.end() || at->address() != row.address()) {
+        rows.insert(at, std::move(row));
+    } else {
+        if (at->slot != row.slot)
+            removeUser(*at);
+        *at = std::move(row);
+    }
+}
+
+bool EntryTable::remove(uint playlist, EntryAddress address)
+{
+    const auto found = m_rows.find(playlist);
+    if (found == m_rows.end())
+        return false;
+    Rows& rows = found->second;
+    const auto at = std::ranges::lower_bound(rows, address, {}, &Row::address);
+    if (at == rows.end() || at->address() != address)
+        return false;
+    removeUser(*at);
+    rows.erase(at);
+    return true;
+}
+
+void EntryTable::removeAll(uint playlist)
+{
+    const auto found = m_rows.find(playlist);
+    if (found == m_rows.end())
+        return;
+    for (const Row& row : found->second)
+        removeUser(row);
+    m_rows.erase(found);
+}
+
+const EntryTable::Row* EntryTable::row(uint playlist, EntryAddress address) const
+{
+    const auto found = m_rows.find(playlist);
+    if (found == m_rows.end())
+        return nullptr;
+    const auto at = std::ranges::lower_bound(found->second, address, {}, &Row::address);
+    return at != found->second.end() && at->address() == address ? &*at : nullptr;
+}
+
+EntryTable::Item EntryTable::item(uint playlist, EntryAddress address) const
+{
+    const Row* found = row(playlist, address);
+    return found ? found->item : nullptr;
+}
+
+QList<EntryTable::Item> EntryTable::items(uint playlist) const
+{
+    QList<Item> items;
+    const auto found = m_rows.find(playlist);
+    if (found == m_rows.end())
+        return items;
+    items.reserve(static_cast<qsizetype>(found->second.size()));
+    for (const Row& row : found->second)
+        items.append(row.item);
+    return items;
+}
+
+uint EntryTable::count(uint playlist) const
+{
+    const auto found = m_rows.find(playlist);
+    return found == m_rows.end() ? 0U : static_cast<uint>(found->second.size());
+}
+
+MediaAddress EntryTable::slotOf(uint playlist, EntryAddress address) const
+{
+    const Row* found = row(playlist, address);
+    return found ? found->slot : MediaAddress();
+}
+
+QList<EntryTable::Place> EntryTable::usersOfCollection(uint collection) const
+{
+    QList<Place> users;
+    for (auto it = m_users.cbegin(); it != m_users.cend(); ++it) {
+        if (it.key().collection == static_cast<int>(collection))
+            users += it.value();
+    }
+    std::sort(users.begin(), users.end());
+    return users;
+}
+
+QList<EntryAddress> EntryTable::setRuntimes(uint playlist, const std::vector<EntryRuntime>& runtimes)
+{
+    QList<EntryAddress> moved;
+    const auto found = m_rows.find(playlist);
+    if (found == m_rows.end())
+        return moved;
+    auto runtime = runtimes.begin();
+    for (Row& row : found->second) {
+        while (runtime != runtimes.end() && runtime->address < row.address())
+            ++runtime;
+        if (runtime == runtimes.end())
+            break;
+        if (runtime->address != row.address() || (row.item->runtimeBefore() == runtime->runtimeBefore &&
+                                                  row.item->runtimeAfter() == runtime->runtimeAfter))
+            continue;
+        const auto item = std::make_shared<GuiPlaylistEntry>(*row.item);
+        item->setRuntimes(runtime->runtimeBefore, runtime->runtimeAfter);
+        row.item = item;
+        moved.append(runtime->address);
+    }
+    return moved;
+}
+
+void EntryTable::addUser(const Row& row)
+{
+    if (!row.slot.isValid())
+        return;
+    QList<Place>& users = m_users[row.slot];
+    const Place place(row.item->playlistNumber(), row.address());
+    const auto at = std::lower_bound(users.cbegin(), users.cend(), place);
+    if (at == users.cend() || *at != place)
+        users.insert(at, place);
+}
+
+void EntryTable::removeUser(const Row& row)
+{
+    const auto users = m_users.find(row.slot);
+    if (users == m_users.end())
+        return;
+    users->removeOne(Place(row.item->playlistNumber(), row.address()));
+    if (users->isEmpty())
+        m_users.erase(users);
+}
+
+} // namespace vantrel
