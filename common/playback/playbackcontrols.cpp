@@ -4,13 +4,13 @@
 #include "common/command/playback/seekcommand.h"
 #include "common/command/playback/stepcommand.h"
 #include "common/playback/playbacklogging.h"
-#include "common/session/session.h"
 #include "common/ui/keyboard/hotkeytip.h"
 #include "common/ui/style/spacing.h"
 #include "common/ui/toolkit/iconbutton.h"
 #include "tarn/scene/object.h"
 
 #include <QHBoxLayout>
+#include <QUndoStack>
 
 namespace vantrel {
 
@@ -57,9 +57,10 @@ constexpr std::array<ButtonSpec, 9> specs{{
 
 } // namespace
 
-PlaybackControls::PlaybackControls(PlaybackViewMode viewMode, QWidget* parent)
+PlaybackControls::PlaybackControls(PlaybackViewMode viewMode, QUndoStack* stack, QWidget* parent)
     : ZTFrame(parent)
     , m_viewMode(viewMode)
+    , m_stack(stack)
     , m_layout(new QHBoxLayout(this))
 {
     static_assert(specs.size() == ButtonCount);
@@ -262,7 +263,7 @@ void PlaybackControls::step(int frames)
 
 void PlaybackControls::push(std::unique_ptr<AbstractSessionCommand> command)
 {
-    Session::instance()->executeCommand(command.release());
+    m_stack->push(command.release());
 }
 
 } // namespace vantrel

@@ -9,6 +9,7 @@
 #include <memory>
 
 class QHBoxLayout;
+class QUndoStack;
 
 namespace vantrel {
 
@@ -24,7 +25,8 @@ class PlaybackControls : public ZTFrame
     Q_PROPERTY(QString state READ state WRITE setState NOTIFY stateChanged)
 
 public:
-    explicit PlaybackControls(PlaybackViewMode viewMode, QWidget* parent = nullptr);
+    /// stack: executes the commands; must outlive this.
+    PlaybackControls(PlaybackViewMode viewMode, QUndoStack* stack, QWidget* parent = nullptr);
     ~PlaybackControls() override;
 
     QString state() const { return m_state; }
@@ -74,6 +76,7 @@ private:
     std::array<IconButton*, 4> seekButtons() const;
 
     PlaybackViewMode m_viewMode;
+    QUndoStack* m_stack;
     QHBoxLayout* m_layout;
     std::array<IconButton*, ButtonCount> m_buttons{};
     QString m_state = QStringLiteral("play");

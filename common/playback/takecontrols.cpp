@@ -3,7 +3,6 @@
 #include "common/command/playback/takecommand.h"
 #include "common/playback/playbacklogging.h"
 #include "common/playback/takebutton.h"
-#include "common/session/session.h"
 #include "common/session/settings/configuration.h"
 #include "common/ui/binding/propertiesmapper.h"
 #include "common/ui/style/fontsizefollower.h"
@@ -16,6 +15,7 @@
 
 #include <QButtonGroup>
 #include <QHBoxLayout>
+#include <QUndoStack>
 #include <QVBoxLayout>
 
 namespace vantrel {
@@ -49,8 +49,9 @@ PushButton* makePreset(const QString& text, const QString& name, const QString& 
 
 } // namespace
 
-TakeControls::TakeControls(QWidget* parent)
+TakeControls::TakeControls(QUndoStack* stack, QWidget* parent)
     : ZTFrame(parent)
+    , m_stack(stack)
     , m_propertiesMapper(new PropertiesMapper(this))
     , m_takeButton(new TakeButton(this))
     , m_fromGroup(new QButtonGroup(this))
@@ -303,7 +304,7 @@ void TakeControls::handleTake()
         qCWarning(lcPlayback) << "Failed to init take command";
         return;
     }
-    Session::instance()->executeCommand(command.release());
+    m_stack->push(command.release());
 }
 
 void TakeControls::handleButtonChanged(QAbstractButton* button)

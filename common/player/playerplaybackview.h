@@ -9,6 +9,7 @@ namespace vantrel {
 
 class MediaPanelWidget;
 class PlayerKeys;
+class Session;
 class WidgetMapper;
 class ZTLabel;
 class ZTSplitter;
@@ -20,7 +21,8 @@ class PlayerPlaybackView : public QWidget
     Q_OBJECT
 
 public:
-    explicit PlayerPlaybackView(QWidget* parent = nullptr);
+    /// session: must outlive this.
+    explicit PlayerPlaybackView(Session* session, QWidget* parent = nullptr);
 
     /// The tree index of the channels ("/device/channels").
     void setModel(const QModelIndex& channels);
@@ -51,6 +53,7 @@ private:
     void updateState();
     void setStale(bool stale);
 
+    Session* m_session;
     MediaPanelWidget* m_panel = nullptr;
     WidgetMapper* m_mapper;
     ZTSplitter* m_splitter;

@@ -43,17 +43,18 @@ constexpr int addButtonWidth = 200; // of the panel, at the medium text size
 
 } // namespace
 
-MediaPanelWidget::MediaPanelWidget(QWidget* parent)
-    : MediaPanelWidget(Session::instance()->mediaLibraryModel(), Session::instance()->mediaLibraryProvider(),
+MediaPanelWidget::MediaPanelWidget(Session* session, QWidget* parent)
+    : MediaPanelWidget(session->mediaLibraryModel(), session->mediaLibraryProvider(),
                        new ImplMediaCollectionManager, parent)
 {
     dynamic_cast<ImplMediaCollectionManager*>(m_manager)->setParent(this);
-    Session* session = Session::instance();
     connect(this, &MediaPanelWidget::directPlayRequested, session->signalRelay(),
             &SignalRelay::handleDirectPlay);
     connect(session, &Session::connected, this, [this] { setConnected(true); });
     connect(session, &Session::disconnected, this, [this] { setConnected(false); });
     setConnected(session->isConnected());
+    if (Hotkeys* hotkeys = session->hotkeys())
+        addHotkeys(hotkeys);
 }
 
 MediaPanelWidget::MediaPanelWidget(MediaLibraryModel* library, AbstractMediaLibraryProvider* provider,
@@ -92,6 +93,15 @@ MediaPanelWidget::MediaPanelWidget(MediaLibraryModel* library, AbstractMediaLibr
 
 MediaPanelWidget::~MediaPanelWidget() = default;
 
+void MediaPanelWidget::addHotkeys(Hotkeys* hotkeys)
+{
+    const auto find = [this] {
+        m_search->setFocus(Qt::ShortcutFocusReason);
+        m_search->selectAll();
+    };
+    hotkeys->addShortcut(QStringLiteral("find"), this, find, Qt::WindowShortcut, this);
+}
+
 void MediaPanelWidget::buildHeader()
 {
     m_chooser = new ZTComboBox(this);
@@ -125,14 +135,6 @@ void MediaPanelWidget::buildHeader()
     m_search->setEscapeClears(true);
     m_lens = m_search->addAction(tintedIcon(QStringLiteral("search")), QLineEdit::LeadingPosition);
     m_search->installEventFilter(this);
-    const Session* session = Session::instance();
-    if (Hotkeys* hotkeys = session ? session->hotkeys() : nullptr) {
-        const auto find = [this] {
-            m_search->setFocus(Qt::ShortcutFocusReason);
-            m_search->selectAll();
-        };
-        hotkeys->addShortcut(QStringLiteral("find"), this, find, Qt::WindowShortcut, this);
-    }
     connect(m_search, &QLineEdit::textChanged, this, [this](const QString& text) {
         m_model->setSearchText(text);
         updateEmptyText();

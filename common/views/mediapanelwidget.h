@@ -12,10 +12,12 @@ namespace vantrel {
 
 class AbstractMediaLibraryProvider;
 class CollectionSelectorModel;
+class Hotkeys;
 class IconButton;
 class MediaCollectionManager;
 class MediaLibraryModel;
 class MediaPanelModel;
+class Session;
 class SlotDelegate;
 class SlotListView;
 class SortedCollectionSelectorModel;
@@ -30,7 +32,7 @@ class MediaPanelWidget : public ZTFrame
 
 public:
     /// On the session's library; what is to be played goes to its SignalRelay.
-    explicit MediaPanelWidget(QWidget* parent = nullptr);
+    explicit MediaPanelWidget(Session* session, QWidget* parent = nullptr);
     MediaPanelWidget(MediaLibraryModel* library, AbstractMediaLibraryProvider* provider,
                      MediaCollectionManager* manager, QWidget* parent = nullptr);
     ~MediaPanelWidget() override;
@@ -47,6 +49,7 @@ Q_SIGNALS:
     void collectionEditRequested(int collection);
 
 private:
+    void addHotkeys(Hotkeys* hotkeys);
     void buildHeader();
     void buildList();
     void buildMenu();

@@ -122,7 +122,7 @@ private Q_SLOTS:
 
     void choosesAudioDevices()
     {
-        OutputView view;
+        OutputView view(m_session);
         view.show();
         auto* program = view.findChild<SwitchSelect*>(QStringLiteral("programAudioOutputSwitch"));
         QVERIFY(program && !program->isEnabled());

@@ -1,7 +1,6 @@
 #include "common/ui/shell/mainmenu.h"
 
 #include "common/command/invokemethodcommand.h"
-#include "common/session/session.h"
 #include "common/ui/diagnostics/diagnosticsmanager.h"
 #include "common/ui/shell/aboutdialog.h"
 #include "common/ui/toolkit/confirmationdialog.h"
@@ -9,6 +8,7 @@
 
 #include <QCoreApplication>
 #include <QLoggingCategory>
+#include <QUndoStack>
 
 #include <memory>
 
@@ -20,8 +20,10 @@ Q_LOGGING_CATEGORY(log, "vantrel.ui")
 
 } // namespace
 
-MainMenu::MainMenu(QWidget* parent)
+MainMenu::MainMenu(Scene* scene, QUndoStack* stack, QWidget* parent)
     : ZTMenu(parent)
+    , m_scene(scene)
+    , m_stack(stack)
 {
     setObjectName(QStringLiteral("MainNavigationBar-mainmenu"));
     addEntries();
@@ -103,15 +105,14 @@ void MainMenu::openAboutDialog()
 
 void MainMenu::sendSystemCommand(const QString& method, const QString& text)
 {
-    Session* session = Session::instance();
-    Object* system = session ? session->getScene()->findObject("/device/system") : nullptr;
+    Object* system = m_scene->findObject("/device/system");
     auto command = std::make_unique<InvokeMethodCommand>();
     if (!system || !command->init(system, method, VariantMap())) {
         qCWarning(log).noquote() << QStringLiteral("Failed to init %1 command").arg(method);
         return;
     }
     command->setText(text);
-    session->executeCommand(command.release());
+    m_stack->push(command.release());
 }
 
 ZTMenu* MainMenu::makeEditSubMenu()

@@ -11,6 +11,7 @@ namespace vantrel {
 class ConfirmationDialog;
 class ImportShowDialog;
 class Object;
+class Session;
 class ShowCommand;
 class TextInputDialog;
 
@@ -21,8 +22,8 @@ class ShowManager : public QObject
     Q_OBJECT
 
 public:
-    /// parent: the window that the dialogs open over.
-    explicit ShowManager(QWidget* parent);
+    /// session: must outlive this. parent: the window that the dialogs open over.
+    ShowManager(Session* session, QWidget* parent);
 
     void clearShow();
     void revertShow();
@@ -52,6 +53,7 @@ private:
     QUrl showUrl() const;
     static void saveReply(const QByteArray& bytes, const QString& fileName);
 
+    Session* m_session;
     QByteArray m_importData; // kept for a forced second try
     QStringList m_importSections;
     ConfirmationDialog* m_clearDialog;

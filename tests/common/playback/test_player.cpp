@@ -200,7 +200,7 @@ private Q_SLOTS:
     void takeOptionsStandInTheirGroup()
     {
         {
-            TakeControls controls;
+            TakeControls controls(m_fixture->peer.session->getQUndoStack());
             QCOMPARE(controls.getConfigGroup(), QStringLiteral("Playback_default"));
             QCOMPARE(controls.takeTransition(), TakeTransitionType::Crossfade);
             QCOMPARE(controls.transitionFrom(), PlayheadOption::FromInpoint);
@@ -211,7 +211,7 @@ private Q_SLOTS:
             controls.setTakeDuration(3.5);
         }
         configuration()->sync();
-        TakeControls controls; // reads what the file holds
+        TakeControls controls(m_fixture->peer.session->getQUndoStack()); // reads what the file holds
         QCOMPARE(controls.takeTransition(), TakeTransitionType::DipToColor);
         QVERIFY(!controls.takePreset());
         QCOMPARE(controls.takeDuration(), 3.5);
@@ -232,7 +232,7 @@ private Q_SLOTS:
 
     void directCutHasNoDuration()
     {
-        TakeControls controls;
+        TakeControls controls(m_fixture->peer.session->getQUndoStack());
         const auto* duration = controls.findChild<DoubleEdit*>(QStringLiteral("TakeControls-Duration"));
         controls.setTakeDuration(4.0);
         const auto* summary = controls.findChild<ZTLabel*>(QStringLiteral("TakeControls-Summary"));
@@ -247,7 +247,7 @@ private Q_SLOTS:
 
     void returnLeavesTheDuration()
     {
-        TakeControls controls;
+        TakeControls controls(m_fixture->peer.session->getQUndoStack());
         controls.show();
         controls.activateWindow();
         auto* duration = controls.findChild<DoubleEdit*>(QStringLiteral("TakeControls-Duration"));
@@ -320,7 +320,7 @@ private Q_SLOTS:
 
     void takeWithoutAChannelIsLogged()
     {
-        TakeControls controls;
+        TakeControls controls(m_fixture->peer.session->getQUndoStack());
         allowWarnings(QStringLiteral("object"));
         expectWarning(QStringLiteral("Failed to init take command"));
         controls.handleTake();
