@@ -1,5 +1,6 @@
 #include "common/outputs/audiooutputitem.h"
 
+#include "common/command/execute.h"
 #include "common/command/playback/selectaudiodevicecommand.h"
 #include "common/media/models/playbackmodel.h"
 #include "common/session/link/connectionprovider.h"
@@ -14,15 +15,8 @@
 
 #include <QFormLayout>
 #include <QHBoxLayout>
-#include <QLoggingCategory>
 
 namespace vantrel {
-
-namespace {
-
-Q_LOGGING_CATEGORY(lcOutputs, "vantrel.outputs")
-
-} // namespace
 
 AudioOutputItem::AudioOutputItem(Session* session, QWidget* parent)
     : Collapse(tr("Audio"), parent)
@@ -141,11 +135,8 @@ void AudioOutputItem::onSelectionChanged(PlaybackType type)
     const SwitchSelect* chooser = type == PlaybackType::Preview ? m_preview : m_program;
     const auto device = static_cast<AudioPlaybackDevice>(chooser->value().toInt());
     Object* playback = m_session->getScene()->findObject(std::string("/device/channels/0/") + toStr(type));
-    auto command = std::make_unique<SelectAudioDeviceCommand>();
-    if (command->initialize(playback, toStr(device)))
-        m_session->executeCommand(command.release());
-    else
-        qCWarning(lcOutputs) << "Failed to init SelectAudioDeviceCommand";
+    execute<SelectAudioDeviceCommand>(m_session->getQUndoStack(), "SelectAudioDeviceCommand", playback,
+                                      toStr(device));
 }
 
 void AudioOutputItem::onStyleChange(ConfigurationOption option, const QVariant& value)

@@ -1,5 +1,6 @@
 #include "common/playback/playbackcontrols.h"
 
+#include "common/command/execute.h"
 #include "common/command/invokemethodcommand.h"
 #include "common/command/playback/seekcommand.h"
 #include "common/command/playback/stepcommand.h"
@@ -10,7 +11,6 @@
 #include "tarn/scene/object.h"
 
 #include <QHBoxLayout>
-#include <QUndoStack>
 
 namespace vantrel {
 
@@ -215,13 +215,8 @@ void PlaybackControls::handleNextFrame()
 
 void PlaybackControls::handleSeekPosition(double position)
 {
-    auto command = std::make_unique<SeekCommand>();
-    if (!command->init(m_object.get(), position)) {
-        qCWarning(lcPlayback) << "Failed to init SeekCommand";
-        return;
-    }
-    push(std::move(command));
-    Q_EMIT seekPosition();
+    if (execute<SeekCommand>(m_stack, "SeekCommand", m_object.get(), position))
+        Q_EMIT seekPosition();
 }
 
 void PlaybackControls::handleSeekStarting()
@@ -242,28 +237,12 @@ void PlaybackControls::handleSeekEnding()
 
 void PlaybackControls::invoke(const QString& method, const QString& text, const char* logName)
 {
-    auto command = std::make_unique<InvokeMethodCommand>();
-    if (!command->init(m_object.get(), method, {})) {
-        qCWarning(lcPlayback) << "Failed to init" << logName;
-        return;
-    }
-    command->setText(text);
-    push(std::move(command));
+    execute<InvokeMethodCommand>(m_stack, logName, m_object.get(), method, VariantMap(), text);
 }
 
 void PlaybackControls::step(int frames)
 {
-    auto command = std::make_unique<StepCommand>();
-    if (!command->init(m_object.get(), frames)) {
-        qCWarning(lcPlayback) << "Failed to init StepCommand";
-        return;
-    }
-    push(std::move(command));
-}
-
-void PlaybackControls::push(std::unique_ptr<AbstractSessionCommand> command)
-{
-    m_stack->push(command.release());
+    execute<StepCommand>(m_stack, "StepCommand", m_object.get(), frames);
 }
 
 } // namespace vantrel

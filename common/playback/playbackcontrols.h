@@ -6,14 +6,12 @@
 #include "tarn/ref.h"
 
 #include <array>
-#include <memory>
 
 class QHBoxLayout;
 class QUndoStack;
 
 namespace vantrel {
 
-class AbstractSessionCommand;
 class IconButton;
 class Object;
 
@@ -72,7 +70,6 @@ private:
 
     void invoke(const QString& method, const QString& text, const char* logName);
     void step(int frames);
-    void push(std::unique_ptr<AbstractSessionCommand> command);
     std::array<IconButton*, 4> seekButtons() const;
 
     PlaybackViewMode m_viewMode;

@@ -1,5 +1,6 @@
 #include "common/playback/playbackwidget.h"
 
+#include "common/command/execute.h"
 #include "common/command/playback/mutecommand.h"
 #include "common/media/models/playbackmodel.h"
 #include "common/media/net/defaultresourcestatusprovider.h"
@@ -201,9 +202,7 @@ void PlaybackWidget::connectMute(const Path& objectPath)
     connect(button, &MuteButton::muteStateChanged, this, [this, button, objectPath](bool muted) {
         if (button->isMuted() != muted)
             button->setMuted(muted);
-        auto command = std::make_unique<MuteCommand>();
-        if (command->init(objectPath, muted))
-            m_session->executeCommand(command.release());
+        tryExecute<MuteCommand>(m_session->getQUndoStack(), objectPath, muted);
     });
 }
 

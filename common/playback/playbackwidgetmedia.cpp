@@ -1,4 +1,5 @@
 // What PlaybackWidget shows and allows for the media on its channel.
+#include "common/command/execute.h"
 #include "common/command/playback/playmediacommand.h"
 #include "common/media/address/mediautils.h"
 #include "common/media/edit/implmediacollectionmanager.h"
@@ -236,28 +237,20 @@ void PlaybackWidget::handleDragAndDrop(std::shared_ptr<GuiMediaItem> item)
 
 void PlaybackWidget::playDroppedItem(const GuiMediaItem& item)
 {
-    auto command = std::make_unique<PlayMediaCommand>();
-    bool isReady = false;
+    const auto play = [this](int of, const auto& at) {
+        execute<PlayMediaCommand>(m_session->getQUndoStack(), "PlayMediaCommand", isPreview(), 0, of, at);
+    };
     if (const auto* entry = dynamic_cast<const GuiPlaylistEntry*>(&item)) {
-        isReady =
-            command->initialize(isPreview(), 0, static_cast<int>(entry->playlistNumber()), entry->address());
+        play(static_cast<int>(entry->playlistNumber()), entry->address());
     } else if (const auto* slot = dynamic_cast<const GuiMediaSlot*>(&item)) {
-        isReady = command->initialize(isPreview(), 0, slot->address().collection, slot->address().slot);
         if (isPreview())
             m_session->signalRelay()->handleSetNavBar(1);
+        play(slot->address().collection, slot->address().slot);
     } else if (const auto* playlist = dynamic_cast<const GuiPlaylist*>(&item)) {
         const auto entries = m_session->playlistProvider()->entries(playlist->number());
-        if (entries.isEmpty())
-            return;
-        isReady = command->initialize(isPreview(), 0, static_cast<int>(playlist->number()),
-                                      entries.first()->address());
-    } else {
-        return;
+        if (!entries.isEmpty())
+            play(static_cast<int>(playlist->number()), entries.first()->address());
     }
-    if (isReady)
-        m_session->executeCommand(command.release());
-    else
-        qCWarning(lcPlayback) << "Failed to init PlayMediaCommand";
 }
 
 } // namespace vantrel

@@ -1,5 +1,6 @@
 #include "common/playback/takecontrols.h"
 
+#include "common/command/execute.h"
 #include "common/command/playback/takecommand.h"
 #include "common/playback/playbacklogging.h"
 #include "common/playback/takebutton.h"
@@ -15,7 +16,6 @@
 
 #include <QButtonGroup>
 #include <QHBoxLayout>
-#include <QUndoStack>
 #include <QVBoxLayout>
 
 namespace vantrel {
@@ -299,12 +299,8 @@ void TakeControls::handleTake()
         swap = settings->value(TAKE_PRESET_TOGGLE).toBool();
         settings->endGroup();
     }
-    auto command = std::make_unique<TakeCommand>(nullptr);
-    if (!command->initTake(m_object.get(), swap, transitionFrom(), takeTransition(), takeDuration())) {
-        qCWarning(lcPlayback) << "Failed to init take command";
-        return;
-    }
-    m_stack->push(command.release());
+    execute<TakeCommand>(m_stack, "take command", m_object.get(), swap, transitionFrom(), takeTransition(),
+                         takeDuration());
 }
 
 void TakeControls::handleButtonChanged(QAbstractButton* button)

@@ -1,5 +1,6 @@
 #include "common/player/playerplaybackview.h"
 
+#include "common/command/execute.h"
 #include "common/command/playback/playmediacommand.h"
 #include "common/media/address/mediautils.h"
 #include "common/media/net/defaultresourcestatusprovider.h"
@@ -263,12 +264,8 @@ void PlayerPlaybackView::handleMediaDirectPlay(const QModelIndex& index)
         qCWarning(lcPlayback) << "Preview is resource constrained. Skipping media direct play request";
         return;
     }
-    auto command = std::make_unique<PlayMediaCommand>();
-    if (!command->initialize(true, 0, slot.collection, slot.slot)) {
-        qCWarning(lcPlayback) << "Failed to init PlayMediaCommand";
-        return;
-    }
-    m_session->executeCommand(command.release());
+    execute<PlayMediaCommand>(m_session->getQUndoStack(), "PlayMediaCommand", true, 0, slot.collection,
+                              slot.slot);
 }
 
 } // namespace vantrel

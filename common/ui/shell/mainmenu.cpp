@@ -1,5 +1,6 @@
 #include "common/ui/shell/mainmenu.h"
 
+#include "common/command/execute.h"
 #include "common/command/invokemethodcommand.h"
 #include "common/ui/diagnostics/diagnosticsmanager.h"
 #include "common/ui/shell/aboutdialog.h"
@@ -7,18 +8,8 @@
 #include "tarn/scene/scene.h"
 
 #include <QCoreApplication>
-#include <QLoggingCategory>
-#include <QUndoStack>
-
-#include <memory>
 
 namespace vantrel {
-
-namespace {
-
-Q_LOGGING_CATEGORY(log, "vantrel.ui")
-
-} // namespace
 
 MainMenu::MainMenu(Scene* scene, QUndoStack* stack, QWidget* parent)
     : ZTMenu(parent)
@@ -106,13 +97,7 @@ void MainMenu::openAboutDialog()
 void MainMenu::sendSystemCommand(const QString& method, const QString& text)
 {
     Object* system = m_scene->findObject("/device/system");
-    auto command = std::make_unique<InvokeMethodCommand>();
-    if (!system || !command->init(system, method, VariantMap())) {
-        qCWarning(log).noquote() << QStringLiteral("Failed to init %1 command").arg(method);
-        return;
-    }
-    command->setText(text);
-    m_stack->push(command.release());
+    execute<InvokeMethodCommand>(m_stack, qPrintable(method), system, method, VariantMap(), text);
 }
 
 ZTMenu* MainMenu::makeEditSubMenu()

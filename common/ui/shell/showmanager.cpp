@@ -1,5 +1,6 @@
 #include "common/ui/shell/showmanager.h"
 
+#include "common/command/execute.h"
 #include "common/command/showcommands.h"
 #include "common/session/link/connectionhandler.h"
 #include "common/session/mirror/serverconfigurationmodel.h"
@@ -17,8 +18,6 @@
 #include <QNetworkReply>
 #include <QStandardPaths>
 #include <QUrlQuery>
-
-#include <memory>
 
 namespace vantrel {
 
@@ -103,30 +102,26 @@ void ShowManager::saveShowAs(const QStringList& values)
     sendSaveShowCommand(values.first());
 }
 
+template <typename Command>
+void ShowManager::send(const char* name, const QString& showName)
+{
+    Object* configuration = getObject(QStringLiteral("/device/showConfiguration"));
+    execute<Command>(m_session->getQUndoStack(), name, configuration, showName);
+}
+
 void ShowManager::sendClearShowCommand(const QString& showName)
 {
-    send(new ClearShowCommand, showName, "ClearShowCommand");
+    send<ClearShowCommand>("ClearShowCommand", showName);
 }
 
 void ShowManager::sendRevertShowCommand(const QString& showName)
 {
-    send(new RevertShowCommand, showName, "RevertShowCommand");
+    send<RevertShowCommand>("RevertShowCommand", showName);
 }
 
 void ShowManager::sendSaveShowCommand(const QString& showName)
 {
-    send(new SaveShowCommand, showName, "SaveShowCommand");
-}
-
-void ShowManager::send(ShowCommand* command, const QString& showName, const char* name)
-{
-    std::unique_ptr<ShowCommand> owned(command);
-    Object* configuration = getObject(QStringLiteral("/device/showConfiguration"));
-    if (!configuration || !owned->initialize(configuration, showName)) {
-        qCWarning(log) << "Failed to init" << name;
-        return;
-    }
-    m_session->executeCommand(owned.release());
+    send<SaveShowCommand>("SaveShowCommand", showName);
 }
 
 Object* ShowManager::getObject(const QString& path) const

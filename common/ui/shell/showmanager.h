@@ -12,7 +12,6 @@ class ConfirmationDialog;
 class ImportShowDialog;
 class Object;
 class Session;
-class ShowCommand;
 class TextInputDialog;
 
 /// Clears, reverts, saves, imports and exports the server's show, each behind its dialog. The results reach
@@ -49,7 +48,8 @@ public Q_SLOTS:
     void forceImport();
 
 private:
-    void send(ShowCommand* command, const QString& showName, const char* name);
+    template <typename Command>
+    void send(const char* name, const QString& showName);
     QUrl showUrl() const;
     static void saveReply(const QByteArray& bytes, const QString& fileName);
 
