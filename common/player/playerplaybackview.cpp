@@ -26,7 +26,6 @@
 #include <QApplication>
 #include <QHBoxLayout>
 #include <QMap>
-#include <QMetaMethod>
 #include <QStackedWidget>
 #include <QTimer>
 
@@ -108,14 +107,6 @@ void PlayerPlaybackView::resizeEvent(QResizeEvent* event)
 {
     QWidget::resizeEvent(event);
     shareWidth();
-}
-
-/// The panel offers to edit a collection only where somebody hears of it.
-void PlayerPlaybackView::connectNotify(const QMetaMethod& signal)
-{
-    if (signal == QMetaMethod::fromSignal(&PlayerPlaybackView::collectionEditRequested))
-        connect(m_panel, &MediaPanelWidget::collectionEditRequested, this,
-                &PlayerPlaybackView::collectionEditRequested, Qt::UniqueConnection);
 }
 
 QWidget* PlayerPlaybackView::createEmptyState()

@@ -27,15 +27,13 @@ public:
     /// The tree index of the channels ("/device/channels").
     void setModel(const QModelIndex& channels);
 
+    MediaPanelWidget* mediaPanel() const { return m_panel; }
+
 public Q_SLOTS:
     /// Plays a slot of the media library on preview.
     void handleMediaDirectPlay(const QModelIndex& index);
 
-Q_SIGNALS:
-    void collectionEditRequested(int collection);
-
 protected:
-    void connectNotify(const QMetaMethod& signal) override;
     void resizeEvent(QResizeEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 

@@ -27,7 +27,6 @@
 #include <QAction>
 #include <QHBoxLayout>
 #include <QKeyEvent>
-#include <QMetaMethod>
 #include <QScrollBar>
 #include <QVBoxLayout>
 
@@ -181,13 +180,10 @@ void MediaPanelWidget::buildMenu()
     const auto add = [this, menu](const char* icon, const QString& text, void (MediaPanelWidget::*slot)()) {
         connect(menu->addEntry(QString::fromLatin1(icon), text), &QAction::triggered, this, slot);
     };
-    QAction* edit = menu->addEntry(QStringLiteral("media"), tr("Edit collection"));
-    connect(edit, &QAction::triggered, this,
+    m_editEntry = menu->addEntry(QStringLiteral("media"), tr("Edit collection"));
+    connect(m_editEntry, &QAction::triggered, this,
             [this] { Q_EMIT collectionEditRequested(selectedCollection()); });
-    connect(menu, &QMenu::aboutToShow, this, [this, edit] {
-        edit->setVisible(
-            isSignalConnected(QMetaMethod::fromSignal(&MediaPanelWidget::collectionEditRequested)));
-    });
+    m_editEntry->setVisible(false);
     add("edit", tr("Rename collection..."), &MediaPanelWidget::askForName);
     connect(menu->addEntry(QStringLiteral("copy"), tr("Duplicate collection")), &QAction::triggered, this,
             [this] { m_choosesAdded = m_manager->copyCollection(selectedCollection(), -1); });
@@ -195,6 +191,11 @@ void MediaPanelWidget::buildMenu()
     add("trash", tr("Remove collection..."), &MediaPanelWidget::askForRemoval);
     connect(m_menuButton, &QAbstractButton::clicked, this,
             [this] { m_menu->popup(m_menuButton->mapToGlobal(QPoint(0, m_menuButton->height() + 2))); });
+}
+
+void MediaPanelWidget::setCollectionsEditable(bool editable)
+{
+    m_editEntry->setVisible(editable);
 }
 
 void MediaPanelWidget::connectModels()

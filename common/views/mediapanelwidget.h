@@ -42,6 +42,8 @@ public:
     void selectCollection(int collection);
     /// Without a server an empty panel says so.
     void setConnected(bool connected);
+    /// Whether the menu offers to edit the collection: where somebody follows collectionEditRequested.
+    void setCollectionsEditable(bool editable);
 
 Q_SIGNALS:
     /// An index of MediaLibraryModel.
@@ -83,6 +85,7 @@ private:
     IconButton* m_menuButton = nullptr;
     QMenu* m_menu = nullptr;
     QAction* m_addEntry = nullptr;
+    QAction* m_editEntry = nullptr;
     ZTEdit* m_search = nullptr;
     QAction* m_lens = nullptr; // in the search field
     SlotListView* m_view = nullptr;

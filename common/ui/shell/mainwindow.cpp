@@ -32,7 +32,6 @@
 #include <QApplication>
 #include <QHBoxLayout>
 #include <QKeyEvent>
-#include <QLoggingCategory>
 #include <QQuickWidget>
 #include <QResizeEvent>
 #include <QScreen>
@@ -44,18 +43,10 @@ namespace vantrel {
 
 namespace {
 
-Q_LOGGING_CATEGORY(log, "vantrel.ui")
-
 constexpr int startDelay = 200; // milliseconds until the window is up
 constexpr auto tabClickWheel = static_cast<Qt::FocusPolicy>(11);
 
 enum Tab : int { OutputsTab = 0, FilesTab = 1, MediaTab = 2, PlayerTab = 3 };
-
-/// The media page is known by its one operation, so that this room need not know its type.
-bool canEditCollections(const QWidget& page)
-{
-    return page.metaObject()->indexOfMethod("selectCollection(int)") >= 0;
-}
 
 } // namespace
 
@@ -214,9 +205,6 @@ void MainWindow::initMediaView()
 void MainWindow::initPlayerView()
 {
     auto* view = new PlayerPlaybackView(m_session, m_tabs);
-    if (const QWidget* page = m_tabs->widget(MediaTab); page && canEditCollections(*page))
-        connect(view, &PlayerPlaybackView::collectionEditRequested, this,
-                &MainWindow::handleCollectionEditRequested);
     view->setModel(m_session->objectTreeModel()->index(QStringLiteral("/device/channels")));
     // With large text two channels can need more width than the screen has.
     auto* area = new QScrollArea(m_tabs);
@@ -295,17 +283,6 @@ void MainWindow::handleConnectRequest()
 void MainWindow::handleDisconnectRequest()
 {
     m_session->connectionHandler()->disconnect();
-}
-
-void MainWindow::handleCollectionEditRequested(int collection)
-{
-    QWidget* page = m_tabs->widget(MediaTab);
-    if (!page || !canEditCollections(*page) ||
-        !QMetaObject::invokeMethod(page, "selectCollection", Q_ARG(int, collection))) {
-        qCWarning(log) << "Failed to find media view page";
-        return;
-    }
-    m_navigationBar->setActiveTab(MediaTab);
 }
 
 void MainWindow::onConnecting(const QString& address)

@@ -52,7 +52,6 @@ public Q_SLOTS:
     void showConnectDialogImmediate();
     void handleConnectRequest();
     void handleDisconnectRequest();
-    void handleCollectionEditRequested(int collection);
     void onConnecting(const QString& address);
     void onConnected();
     void onDisconnected(const QString& address);
