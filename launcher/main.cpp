@@ -204,7 +204,7 @@ int main(int argc, char** argv)
     // Outlives the window, and ends the link's thread.
     const std::unique_ptr<vantrel::Session> session(vantrel::Session::instance());
     vantrel::StyleSheet::apply(application);
-    vantrel::MainWindow window;
+    vantrel::MainWindow window(session.get());
     const FirstPaint firstPaint(options.uiTest ? &window : nullptr);
     window.show();
     if (options.uiTest) {

@@ -4,9 +4,9 @@
 
 namespace vantrel {
 
-/// Base of every change that an operator makes. The caller builds and initialises a command and pushes it
-/// with Session::executeCommand only when its init returned true; from then on the undo stack owns it. Main
-/// thread only.
+/// Base of every change that an operator makes. It is initialised before it is pushed, and pushed only when
+/// its init returned true, which execute() does (common/command/execute.h); from then on the undo stack owns
+/// it. Main thread only.
 class AbstractSessionCommand : public QUndoCommand
 {
 public:

@@ -5,7 +5,8 @@
 
 namespace vantrel {
 
-bool InvokeMethodCommand::init(Object* object, const QString& method, const VariantMap& args)
+bool InvokeMethodCommand::init(Object* object, const QString& method, const VariantMap& args,
+                               const QString& text)
 {
     Path path;
     if (!resolve(object, method, path))
@@ -13,6 +14,8 @@ bool InvokeMethodCommand::init(Object* object, const QString& method, const Vari
     m_object = Ref<Object>(object);
     m_redoPath = path;
     m_redoArgs = args;
+    if (!text.isEmpty())
+        setText(text);
     setInitialized(true);
     return true;
 }

@@ -16,8 +16,9 @@ public:
     {
     }
 
-    /// False, with a warning, when the object is missing, is not in the scene, or has no such method.
-    bool init(Object* object, const QString& method, const VariantMap& args);
+    /// False, with a warning, when the object is missing, is not in the scene, or has no such method. text:
+    /// what the undo history calls it, where it has no name of its own.
+    bool init(Object* object, const QString& method, const VariantMap& args, const QString& text = {});
     /// After init() only; makes the command undoable.
     bool setUndo(const QString& method, const VariantMap& args);
     virtual bool isUndoSupported() const { return m_undoSupported; }

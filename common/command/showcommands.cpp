@@ -20,9 +20,10 @@ ShowCommand::ShowCommand(const QString& text, const QString& method, QUndoComman
     setText(text);
 }
 
-bool ShowCommand::initialize(Object* showConfiguration, const QString& showName)
+bool ShowCommand::init(Object* showConfiguration, const QString& showName)
 {
-    return init(showConfiguration, m_method, VariantMap{{"showName", Variant::from(showName.toStdString())}});
+    return InvokeMethodCommand::init(showConfiguration, m_method,
+                                     VariantMap{{"showName", Variant::from(showName.toStdString())}});
 }
 
 ClearShowCommand::ClearShowCommand(QUndoCommand* parent)

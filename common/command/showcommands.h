@@ -10,7 +10,7 @@ class ShowCommand : public InvokeMethodCommand
 {
 public:
     /// False, with a warning, when the object is missing or has no such method.
-    bool initialize(Object* showConfiguration, const QString& showName);
+    bool init(Object* showConfiguration, const QString& showName);
 
 protected:
     ShowCommand(const QString& text, const QString& method, QUndoCommand* parent);

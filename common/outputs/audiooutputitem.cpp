@@ -1,5 +1,6 @@
 #include "common/outputs/audiooutputitem.h"
 
+#include "common/command/execute.h"
 #include "common/command/playback/selectaudiodevicecommand.h"
 #include "common/media/models/playbackmodel.h"
 #include "common/session/link/connectionprovider.h"
@@ -14,18 +15,12 @@
 
 #include <QFormLayout>
 #include <QHBoxLayout>
-#include <QLoggingCategory>
 
 namespace vantrel {
 
-namespace {
-
-Q_LOGGING_CATEGORY(lcOutputs, "vantrel.outputs")
-
-} // namespace
-
-AudioOutputItem::AudioOutputItem(QWidget* parent)
+AudioOutputItem::AudioOutputItem(Session* session, QWidget* parent)
     : Collapse(tr("Audio"), parent)
+    , m_session(session)
 {
     titleRow()->setObjectName(QStringLiteral("titleRow"));
     m_preview = createSwitch(QStringLiteral("previewAudioOutputSwitch"), tr("Audio output of preview"));
@@ -46,13 +41,8 @@ AudioOutputItem::AudioOutputItem(QWidget* parent)
         connect(settings, &Configuration::optionChanged, this, &AudioOutputItem::onStyleChange);
     setDynamicStyle(this, "container", toString(currentFontSize()));
 
-    const Session* session = Session::instance();
-    m_connection = session ? session->connectionProvider() : nullptr;
-    if (!m_connection) {
-        qCWarning(lcOutputs) << "No connection provider";
-        return;
-    }
-    connect(m_connection, &ConnectionProvider::hostAddressChanged, this, &AudioOutputItem::onAddressChanged);
+    connect(session->connectionProvider(), &ConnectionProvider::hostAddressChanged, this,
+            &AudioOutputItem::onAddressChanged);
     connect(session, &Session::connected, this, &AudioOutputItem::onConnected);
     connect(session, &Session::disconnected, this, &AudioOutputItem::onDisconnected);
     onAddressChanged();
@@ -101,10 +91,9 @@ QWidget* AudioOutputItem::createMessage()
 
 void AudioOutputItem::onConnected()
 {
-    const Session* session = Session::instance();
-    connect(session->previewPlaybackModel(), &PlaybackModel::dataChanged, this,
+    connect(m_session->previewPlaybackModel(), &PlaybackModel::dataChanged, this,
             &AudioOutputItem::onPreviewDataChanged, Qt::UniqueConnection);
-    connect(session->programPlaybackModel(), &PlaybackModel::dataChanged, this,
+    connect(m_session->programPlaybackModel(), &PlaybackModel::dataChanged, this,
             &AudioOutputItem::onProgramDataChanged, Qt::UniqueConnection);
     m_preview->setEnabled(true);
     m_program->setEnabled(true);
@@ -120,12 +109,12 @@ void AudioOutputItem::onDisconnected()
 
 void AudioOutputItem::onPreviewDataChanged()
 {
-    showDevice(m_preview, Session::instance()->previewPlaybackModel());
+    showDevice(m_preview, m_session->previewPlaybackModel());
 }
 
 void AudioOutputItem::onProgramDataChanged()
 {
-    showDevice(m_program, Session::instance()->programPlaybackModel());
+    showDevice(m_program, m_session->programPlaybackModel());
 }
 
 void AudioOutputItem::showDevice(SwitchSelect* target, const PlaybackModel* model)
@@ -143,15 +132,11 @@ void AudioOutputItem::updateMessage()
 void AudioOutputItem::onSelectionChanged(PlaybackType type)
 {
     updateMessage();
-    Session* session = Session::instance();
     const SwitchSelect* chooser = type == PlaybackType::Preview ? m_preview : m_program;
     const auto device = static_cast<AudioPlaybackDevice>(chooser->value().toInt());
-    Object* playback = session->getScene()->findObject(std::string("/device/channels/0/") + toStr(type));
-    auto command = std::make_unique<SelectAudioDeviceCommand>();
-    if (command->initialize(playback, toStr(device)))
-        session->executeCommand(command.release());
-    else
-        qCWarning(lcOutputs) << "Failed to init SelectAudioDeviceCommand";
+    Object* playback = m_session->getScene()->findObject(std::string("/device/channels/0/") + toStr(type));
+    execute<SelectAudioDeviceCommand>(m_session->getQUndoStack(), "SelectAudioDeviceCommand", playback,
+                                      toStr(device));
 }
 
 void AudioOutputItem::onStyleChange(ConfigurationOption option, const QVariant& value)
@@ -162,7 +147,7 @@ void AudioOutputItem::onStyleChange(ConfigurationOption option, const QVariant& 
 
 void AudioOutputItem::onAddressChanged()
 {
-    const QString address = m_connection->hostAddress();
+    const QString address = m_session->connectionProvider()->hostAddress();
     setTitle(address.isEmpty() ? tr("Audio") : tr("Audio  %1").arg(address));
 }
 

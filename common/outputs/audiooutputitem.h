@@ -6,8 +6,8 @@
 
 namespace vantrel {
 
-class ConnectionProvider;
 class PlaybackModel;
+class Session;
 class SwitchSelect;
 
 /// Chooses the audio device of each channel, in the outputs column. Without a server it only shows the last
@@ -17,7 +17,8 @@ class AudioOutputItem : public Collapse
     Q_OBJECT
 
 public:
-    explicit AudioOutputItem(QWidget* parent = nullptr);
+    /// session: must outlive this.
+    explicit AudioOutputItem(Session* session, QWidget* parent = nullptr);
 
 public Q_SLOTS:
     void onConnected();
@@ -35,10 +36,10 @@ private:
     void showDevice(SwitchSelect* target, const PlaybackModel* model);
     void updateMessage();
 
+    Session* m_session;
     SwitchSelect* m_preview = nullptr;
     SwitchSelect* m_program = nullptr;
     QWidget* m_message = nullptr;
-    ConnectionProvider* m_connection = nullptr;
 };
 
 } // namespace vantrel

@@ -16,7 +16,7 @@ const QMap<FontSize, int> minimumWidths{
 
 } // namespace
 
-OutputView::OutputView(QWidget* parent)
+OutputView::OutputView(Session* session, QWidget* parent)
     : ZTFrame(parent)
 {
     setObjectName(QStringLiteral("PlayerTab-outputs-widget"));
@@ -31,7 +31,7 @@ OutputView::OutputView(QWidget* parent)
     auto* column = new QWidget(area);
     auto* items = new QVBoxLayout(column);
     items->setContentsMargins(0, 0, 0, 0);
-    items->addWidget(new AudioOutputItem(column));
+    items->addWidget(new AudioOutputItem(session, column));
     items->addStretch(1);
     area->setWidget(column);
     setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Expanding);

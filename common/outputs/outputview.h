@@ -5,6 +5,8 @@
 
 namespace vantrel {
 
+class Session;
+
 /// The column of the OUTPUTS tab in which the server's outputs are set: so far those of the sound. Owned by
 /// the main window; main thread.
 class OutputView : public ZTFrame
@@ -12,7 +14,8 @@ class OutputView : public ZTFrame
     Q_OBJECT
 
 public:
-    explicit OutputView(QWidget* parent = nullptr);
+    /// session: must outlive this.
+    explicit OutputView(Session* session, QWidget* parent = nullptr);
 
 public Q_SLOTS:
     void onStyleChange(vantrel::ConfigurationOption option, const QVariant& value);

@@ -1,7 +1,6 @@
 #include "common/playback/channelhint.h"
 
 #include "common/playback/playbackpreview.h"
-#include "common/session/session.h"
 #include "common/ui/keyboard/hotkeys.h"
 #include "common/ui/keyboard/hotkeytip.h"
 #include "common/ui/style/colors.h"
@@ -17,25 +16,23 @@ constexpr int margin = 16; // pixels
 
 } // namespace
 
-ChannelHint::ChannelHint(PlaybackViewMode viewMode, PlaybackPreview* preview)
+ChannelHint::ChannelHint(PlaybackViewMode viewMode, const Hotkeys* hotkeys, PlaybackPreview* preview)
     : QWidget(preview)
     , m_viewMode(viewMode)
+    , m_hotkeys(hotkeys)
     , m_preview(preview)
 {
     setAttribute(Qt::WA_TransparentForMouseEvents);
     setGeometry(preview->rect());
     preview->installEventFilter(this);
-    const Session* session = Session::instance();
-    if (const Hotkeys* hotkeys = session ? session->hotkeys() : nullptr)
+    if (hotkeys)
         connect(hotkeys, &Hotkeys::mappingChanged, this, qOverload<>(&QWidget::update));
 }
 
 QString ChannelHint::text() const
 {
-    const Session* session = Session::instance();
-    const Hotkeys* hotkeys = session ? session->hotkeys() : nullptr;
     if (m_viewMode == Preview) {
-        const QString key = hotkeys ? keyText(hotkeys->mapping(QStringLiteral("cue"))) : QString();
+        const QString key = m_hotkeys ? keyText(m_hotkeys->mapping(QStringLiteral("cue"))) : QString();
         const QString title = tr("Nothing is cued");
         return title + u'\n' +
                (key.isEmpty() ? tr("Double-click media in the library to cue it.")

@@ -6,6 +6,7 @@
 
 namespace vantrel {
 
+class Hotkeys;
 class PlaybackPreview;
 
 /// What an empty channel says in the place of its picture: that nothing is on it, and how something gets
@@ -15,7 +16,8 @@ class ChannelHint : public QWidget
     Q_OBJECT
 
 public:
-    ChannelHint(PlaybackViewMode viewMode, PlaybackPreview* preview);
+    /// hotkeys: names the key that cues; must outlive this, or null where there are no keys.
+    ChannelHint(PlaybackViewMode viewMode, const Hotkeys* hotkeys, PlaybackPreview* preview);
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -25,6 +27,7 @@ private:
     QString text() const;
 
     PlaybackViewMode m_viewMode;
+    const Hotkeys* m_hotkeys;
     PlaybackPreview* m_preview;
 };
 

@@ -1,10 +1,10 @@
 #include "common/playback/playbackcontrols.h"
 
+#include "common/command/execute.h"
 #include "common/command/invokemethodcommand.h"
 #include "common/command/playback/seekcommand.h"
 #include "common/command/playback/stepcommand.h"
 #include "common/playback/playbacklogging.h"
-#include "common/session/session.h"
 #include "common/ui/keyboard/hotkeytip.h"
 #include "common/ui/style/spacing.h"
 #include "common/ui/toolkit/iconbutton.h"
@@ -57,9 +57,10 @@ constexpr std::array<ButtonSpec, 9> specs{{
 
 } // namespace
 
-PlaybackControls::PlaybackControls(PlaybackViewMode viewMode, QWidget* parent)
+PlaybackControls::PlaybackControls(PlaybackViewMode viewMode, QUndoStack* stack, QWidget* parent)
     : ZTFrame(parent)
     , m_viewMode(viewMode)
+    , m_stack(stack)
     , m_layout(new QHBoxLayout(this))
 {
     static_assert(specs.size() == ButtonCount);
@@ -214,13 +215,8 @@ void PlaybackControls::handleNextFrame()
 
 void PlaybackControls::handleSeekPosition(double position)
 {
-    auto command = std::make_unique<SeekCommand>();
-    if (!command->init(m_object.get(), position)) {
-        qCWarning(lcPlayback) << "Failed to init SeekCommand";
-        return;
-    }
-    push(std::move(command));
-    Q_EMIT seekPosition();
+    if (execute<SeekCommand>(m_stack, "SeekCommand", m_object.get(), position))
+        Q_EMIT seekPosition();
 }
 
 void PlaybackControls::handleSeekStarting()
@@ -241,28 +237,12 @@ void PlaybackControls::handleSeekEnding()
 
 void PlaybackControls::invoke(const QString& method, const QString& text, const char* logName)
 {
-    auto command = std::make_unique<InvokeMethodCommand>();
-    if (!command->init(m_object.get(), method, {})) {
-        qCWarning(lcPlayback) << "Failed to init" << logName;
-        return;
-    }
-    command->setText(text);
-    push(std::move(command));
+    execute<InvokeMethodCommand>(m_stack, logName, m_object.get(), method, VariantMap(), text);
 }
 
 void PlaybackControls::step(int frames)
 {
-    auto command = std::make_unique<StepCommand>();
-    if (!command->init(m_object.get(), frames)) {
-        qCWarning(lcPlayback) << "Failed to init StepCommand";
-        return;
-    }
-    push(std::move(command));
-}
-
-void PlaybackControls::push(std::unique_ptr<AbstractSessionCommand> command)
-{
-    Session::instance()->executeCommand(command.release());
+    execute<StepCommand>(m_stack, "StepCommand", m_object.get(), frames);
 }
 
 } // namespace vantrel

@@ -6,13 +6,12 @@
 #include "tarn/ref.h"
 
 #include <array>
-#include <memory>
 
 class QHBoxLayout;
+class QUndoStack;
 
 namespace vantrel {
 
-class AbstractSessionCommand;
 class IconButton;
 class Object;
 
@@ -24,7 +23,8 @@ class PlaybackControls : public ZTFrame
     Q_PROPERTY(QString state READ state WRITE setState NOTIFY stateChanged)
 
 public:
-    explicit PlaybackControls(PlaybackViewMode viewMode, QWidget* parent = nullptr);
+    /// stack: executes the commands; must outlive this.
+    PlaybackControls(PlaybackViewMode viewMode, QUndoStack* stack, QWidget* parent = nullptr);
     ~PlaybackControls() override;
 
     QString state() const { return m_state; }
@@ -70,10 +70,10 @@ private:
 
     void invoke(const QString& method, const QString& text, const char* logName);
     void step(int frames);
-    void push(std::unique_ptr<AbstractSessionCommand> command);
     std::array<IconButton*, 4> seekButtons() const;
 
     PlaybackViewMode m_viewMode;
+    QUndoStack* m_stack;
     QHBoxLayout* m_layout;
     std::array<IconButton*, ButtonCount> m_buttons{};
     QString m_state = QStringLiteral("play");

@@ -1,5 +1,6 @@
 #include "common/playback/playbackwidget.h"
 
+#include "common/command/execute.h"
 #include "common/command/playback/mutecommand.h"
 #include "common/media/models/playbackmodel.h"
 #include "common/media/net/defaultresourcestatusprovider.h"
@@ -36,12 +37,12 @@
 
 namespace vantrel {
 
-PlaybackWidget::PlaybackWidget(PlaybackViewMode viewMode, QWidget* parent)
+PlaybackWidget::PlaybackWidget(PlaybackViewMode viewMode, Session* session, QWidget* parent)
     : ZTFrame(parent)
-    , m_model(viewMode == Preview ? Session::instance()->previewPlaybackModel()
-                                  : Session::instance()->programPlaybackModel())
-    , m_playback(viewMode == Preview ? Session::instance()->sceneObjectProvider()->previewPlayback()
-                                     : Session::instance()->sceneObjectProvider()->programPlayback())
+    , m_session(session)
+    , m_model(viewMode == Preview ? session->previewPlaybackModel() : session->programPlaybackModel())
+    , m_playback(viewMode == Preview ? session->sceneObjectProvider()->previewPlayback()
+                                     : session->sceneObjectProvider()->programPlayback())
     , m_viewMode(viewMode)
     , m_propertiesMapper(new PropertiesMapper(this))
 {
@@ -75,11 +76,11 @@ void PlaybackWidget::createChildren()
 {
     m_header = new PlaybackWidgetHeader(m_viewMode, this);
     m_preview = new PlaybackPreview(this);
-    m_hint = new ChannelHint(m_viewMode, m_preview);
+    m_hint = new ChannelHint(m_viewMode, m_session->hotkeys(), m_preview);
     m_timecodes = new PlaybackTimecodes(this);
     m_endpoints = new EndpointTimecodes(this);
     m_slider = new SeekSlider(this);
-    m_controls = new PlaybackControls(m_viewMode, this);
+    m_controls = new PlaybackControls(m_viewMode, m_session->getQUndoStack(), this);
     m_durationEdit = new DurationEditWidget(this);
     m_footer = new PlaybackWidgetFooter(m_viewMode, this);
     m_slider->setInpointOutpointEnabled(isPreview());
@@ -198,12 +199,10 @@ void PlaybackWidget::connectMute(const Path& objectPath)
     if (!button)
         return;
     disconnect(button, &MuteButton::muteStateChanged, this, nullptr);
-    connect(button, &MuteButton::muteStateChanged, this, [button, objectPath](bool muted) {
+    connect(button, &MuteButton::muteStateChanged, this, [this, button, objectPath](bool muted) {
         if (button->isMuted() != muted)
             button->setMuted(muted);
-        auto command = std::make_unique<MuteCommand>();
-        if (command->init(objectPath, muted))
-            Session::instance()->executeCommand(command.release());
+        tryExecute<MuteCommand>(m_session->getQUndoStack(), objectPath, muted);
     });
 }
 

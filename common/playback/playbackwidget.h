@@ -32,6 +32,7 @@ class PlaybackWidgetHeader;
 class PropertiesMapper;
 class Scene;
 class SeekSlider;
+class Session;
 
 /// One channel as the operator handles it: picture, timeline, transport, volume and end action. It holds no
 /// state of its own; the truth is the channel's scene object, seen through its model. Owned by ChannelWidget;
@@ -43,7 +44,8 @@ class PlaybackWidget : public ZTFrame
                    isResourceConstrainedChanged)
 
 public:
-    explicit PlaybackWidget(PlaybackViewMode viewMode, QWidget* parent = nullptr);
+    /// session: whose channel this is; must outlive this.
+    PlaybackWidget(PlaybackViewMode viewMode, Session* session, QWidget* parent = nullptr);
     ~PlaybackWidget() override;
 
     /// Binds the widgets to a playback object of the scene.
@@ -118,6 +120,7 @@ private:
     void applyCell(int column, const QVariant& value);
     void playDroppedItem(const GuiMediaItem& item);
 
+    Session* m_session;
     PlaybackModel* m_model;
     QPointer<GUIPlayback> m_playback;
     PlaybackViewMode m_viewMode;

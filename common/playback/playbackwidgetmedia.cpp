@@ -1,4 +1,5 @@
 // What PlaybackWidget shows and allows for the media on its channel.
+#include "common/command/execute.h"
 #include "common/command/playback/playmediacommand.h"
 #include "common/media/address/mediautils.h"
 #include "common/media/edit/implmediacollectionmanager.h"
@@ -40,18 +41,17 @@ using media::MediaUtils;
 
 void PlaybackWidget::connectSources()
 {
-    const Session* session = Session::instance();
     connect(m_model, &PlaybackModel::dataChanged, this, &PlaybackWidget::onPlaybackDataChanged);
-    connect(session->preview(), &PreviewThread::previewFrame, m_preview, &PlaybackPreview::onFrame);
-    connect(session->preview(), &PreviewThread::levelsChanged, this,
-            [this, session](const std::string& source, const AudioLevels& levels) {
-                if (session->isConnected()) // what was still waiting when the link went says nothing
+    connect(m_session->preview(), &PreviewThread::previewFrame, m_preview, &PlaybackPreview::onFrame);
+    connect(m_session->preview(), &PreviewThread::levelsChanged, this,
+            [this](const std::string& source, const AudioLevels& levels) {
+                if (m_session->isConnected()) // what was still waiting when the link went says nothing
                     m_footer->levelMeter()->onLevels(source, levels);
             });
-    connect(session, &Session::disconnected, m_footer->levelMeter(), &LevelMeter::clear);
-    connect(session->playlistProvider(), &PlaylistProvider::reset, this,
+    connect(m_session, &Session::disconnected, m_footer->levelMeter(), &LevelMeter::clear);
+    connect(m_session->playlistProvider(), &PlaylistProvider::reset, this,
             &PlaybackWidget::handlePlaylistReset);
-    connect(session, &Session::connected, this, &PlaybackWidget::followHelpers);
+    connect(m_session, &Session::connected, this, &PlaybackWidget::followHelpers);
     followHelpers();
     if (m_playback)
         connect(m_playback, &GUIPlayback::mediaChanged, this, &PlaybackWidget::handleMediaChanged);
@@ -60,13 +60,12 @@ void PlaybackWidget::connectSources()
 /// Each connection has helpers of its own, and this widget outlives them.
 void PlaybackWidget::followHelpers()
 {
-    const Session* session = Session::instance();
-    m_resourceStatusProvider = session->resourceStatusProvider();
+    m_resourceStatusProvider = m_session->resourceStatusProvider();
     if (m_resourceStatusProvider && isPreview())
         m_resourceStatusProvider->setIsConstrained(m_viewMode, m_isResourceConstrained);
     if (m_aggregator)
         m_aggregator->disconnect(this);
-    m_aggregator = session->mediaDataAggregator();
+    m_aggregator = m_session->mediaDataAggregator();
     if (m_aggregator)
         connect(m_aggregator, &MediaDataAggregator::metadataChanged, this,
                 &PlaybackWidget::handleMetadataChanged);
@@ -75,7 +74,7 @@ void PlaybackWidget::followHelpers()
 std::shared_ptr<MediaMetadata> PlaybackWidget::getMediaMetadata() const
 {
     const auto slot = m_playback ? m_playback->playingSlot() : nullptr;
-    MediaDataAggregator* aggregator = Session::instance()->mediaDataAggregator();
+    MediaDataAggregator* aggregator = m_session->mediaDataAggregator();
     return slot && aggregator ? aggregator->metadata(slot->contentUrl()) : nullptr;
 }
 
@@ -104,7 +103,7 @@ void PlaybackWidget::updateMediaAddress()
 
 bool PlaybackWidget::findMediaName(QString& name) const
 {
-    MediaLibraryModel* library = Session::instance()->mediaLibraryModel();
+    MediaLibraryModel* library = m_session->mediaLibraryModel();
     const QModelIndex index = library->getSlotIndexFromMediaAddress(m_mediaAddress);
     if (!index.isValid()) {
         qCWarning(lcPlayback) << "Invalid model index, Failed to acquire media name";
@@ -132,7 +131,7 @@ bool PlaybackWidget::findMediaName(QString& name) const
 
 void PlaybackWidget::clearMediaState()
 {
-    MediaLibraryModel* library = Session::instance()->mediaLibraryModel();
+    MediaLibraryModel* library = m_session->mediaLibraryModel();
     if (isPreview())
         library->setPreviewState(0, QString(), m_controls->state());
     else
@@ -197,7 +196,7 @@ QUrl PlaybackWidget::getPlayedSlotUrl() const
     case SourceMode::Slot:
         return QUrl(media);
     case SourceMode::Playlist: {
-        const auto [entry, slot] = Session::instance()->mediaLibrary()->findEntryAndSlot(media.toStdString());
+        const auto [entry, slot] = m_session->mediaLibrary()->findEntryAndSlot(media.toStdString());
         return slot ? QUrl(QString::fromStdString(entry->getMediaUrl())) : QUrl();
     }
     default:
@@ -240,28 +239,20 @@ void PlaybackWidget::handleDragAndDrop(std::shared_ptr<GuiMediaItem> item)
 
 void PlaybackWidget::playDroppedItem(const GuiMediaItem& item)
 {
-    auto command = std::make_unique<PlayMediaCommand>();
-    bool isReady = false;
+    const auto play = [this](int of, const auto& at) {
+        execute<PlayMediaCommand>(m_session->getQUndoStack(), "PlayMediaCommand", isPreview(), 0, of, at);
+    };
     if (const auto* entry = dynamic_cast<const GuiPlaylistEntry*>(&item)) {
-        isReady =
-            command->initialize(isPreview(), 0, static_cast<int>(entry->playlistNumber()), entry->address());
+        play(static_cast<int>(entry->playlistNumber()), entry->address());
     } else if (const auto* slot = dynamic_cast<const GuiMediaSlot*>(&item)) {
-        isReady = command->initialize(isPreview(), 0, slot->address().collection, slot->address().slot);
         if (isPreview())
-            Session::instance()->signalRelay()->handleSetNavBar(1);
+            m_session->signalRelay()->handleSetNavBar(1);
+        play(slot->address().collection, slot->address().slot);
     } else if (const auto* playlist = dynamic_cast<const GuiPlaylist*>(&item)) {
-        const auto entries = Session::instance()->playlistProvider()->entries(playlist->number());
-        if (entries.isEmpty())
-            return;
-        isReady = command->initialize(isPreview(), 0, static_cast<int>(playlist->number()),
-                                      entries.first()->address());
-    } else {
-        return;
+        const auto entries = m_session->playlistProvider()->entries(playlist->number());
+        if (!entries.isEmpty())
+            play(static_cast<int>(playlist->number()), entries.first()->address());
     }
-    if (isReady)
-        Session::instance()->executeCommand(command.release());
-    else
-        qCWarning(lcPlayback) << "Failed to init PlayMediaCommand";
 }
 
 } // namespace vantrel

@@ -1,9 +1,9 @@
 #include "common/playback/takecontrols.h"
 
+#include "common/command/execute.h"
 #include "common/command/playback/takecommand.h"
 #include "common/playback/playbacklogging.h"
 #include "common/playback/takebutton.h"
-#include "common/session/session.h"
 #include "common/session/settings/configuration.h"
 #include "common/ui/binding/propertiesmapper.h"
 #include "common/ui/style/fontsizefollower.h"
@@ -49,8 +49,9 @@ PushButton* makePreset(const QString& text, const QString& name, const QString& 
 
 } // namespace
 
-TakeControls::TakeControls(QWidget* parent)
+TakeControls::TakeControls(QUndoStack* stack, QWidget* parent)
     : ZTFrame(parent)
+    , m_stack(stack)
     , m_propertiesMapper(new PropertiesMapper(this))
     , m_takeButton(new TakeButton(this))
     , m_fromGroup(new QButtonGroup(this))
@@ -298,12 +299,8 @@ void TakeControls::handleTake()
         swap = settings->value(TAKE_PRESET_TOGGLE).toBool();
         settings->endGroup();
     }
-    auto command = std::make_unique<TakeCommand>(nullptr);
-    if (!command->initTake(m_object.get(), swap, transitionFrom(), takeTransition(), takeDuration())) {
-        qCWarning(lcPlayback) << "Failed to init take command";
-        return;
-    }
-    Session::instance()->executeCommand(command.release());
+    execute<TakeCommand>(m_stack, "take command", m_object.get(), swap, transitionFrom(), takeTransition(),
+                         takeDuration());
 }
 
 void TakeControls::handleButtonChanged(QAbstractButton* button)

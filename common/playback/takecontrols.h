@@ -10,6 +10,7 @@
 class QAbstractButton;
 class QBoxLayout;
 class QButtonGroup;
+class QUndoStack;
 
 namespace vantrel {
 
@@ -30,7 +31,8 @@ class TakeControls : public ZTFrame
     Q_OBJECT
 
 public:
-    explicit TakeControls(QWidget* parent = nullptr);
+    /// stack: executes the take; must outlive this.
+    explicit TakeControls(QUndoStack* stack, QWidget* parent = nullptr);
     ~TakeControls() override;
 
     /// With nothing chosen these warn and give the first value.
@@ -65,6 +67,7 @@ private:
     void updateSummary();
     void layOut();
 
+    QUndoStack* m_stack;
     PropertiesMapper* m_propertiesMapper;
     TakeButton* m_takeButton;
     IconButton* m_fromInpoint = nullptr;

@@ -4,6 +4,7 @@
 #include "common/playback/playbackwidget.h"
 #include "common/playback/playbackwidgetfooter.h"
 #include "common/playback/takecontrols.h"
+#include "common/session/session.h"
 #include "common/ui/style/fontsizefollower.h"
 #include "common/ui/style/spacing.h"
 #include "common/ui/toolkit/ztsplitter.h"
@@ -25,15 +26,15 @@ constexpr int leastPicture = 150; // pixels high, before the playlist below gets
 
 } // namespace
 
-ChannelWidget::ChannelWidget(QWidget* parent)
+ChannelWidget::ChannelWidget(Session* session, QWidget* parent)
     : QWidget(parent)
     , m_previewSplitter(new ZTSplitter(Qt::Vertical, this))
-    , m_preview(new PlaybackWidget(Preview, m_previewSplitter))
-    , m_previewPlaylist(new PlaylistWidget(Preview, m_previewSplitter))
-    , m_takeControls(new TakeControls(this))
+    , m_preview(new PlaybackWidget(Preview, session, m_previewSplitter))
+    , m_previewPlaylist(new PlaylistWidget(Preview, session, m_previewSplitter))
+    , m_takeControls(new TakeControls(session->getQUndoStack(), this))
     , m_programSplitter(new ZTSplitter(Qt::Vertical, this))
-    , m_program(new PlaybackWidget(Program, m_programSplitter))
-    , m_programPlaylist(new PlaylistWidget(Program, m_programSplitter))
+    , m_program(new PlaybackWidget(Program, session, m_programSplitter))
+    , m_programPlaylist(new PlaylistWidget(Program, session, m_programSplitter))
 {
     setWindowTitle(tr("Channel Playback"));
     m_previewSplitter->addWidget(m_preview);

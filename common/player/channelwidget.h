@@ -11,6 +11,7 @@ class Object;
 class PlaybackWidget;
 class PlaylistWidget;
 class Scene;
+class Session;
 class TakeControls;
 class ZTSplitter;
 
@@ -21,7 +22,8 @@ class ChannelWidget : public QWidget
     Q_OBJECT
 
 public:
-    Q_INVOKABLE explicit ChannelWidget(QWidget* parent = nullptr);
+    /// session: must outlive this.
+    explicit ChannelWidget(Session* session, QWidget* parent = nullptr);
 
     /// The channel object, with its children "preview" and "program"; null when the widget waits for one.
     void setObject(Object* object, Scene* scene);

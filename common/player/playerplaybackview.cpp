@@ -1,5 +1,6 @@
 #include "common/player/playerplaybackview.h"
 
+#include "common/command/execute.h"
 #include "common/command/playback/playmediacommand.h"
 #include "common/media/address/mediautils.h"
 #include "common/media/net/defaultresourcestatusprovider.h"
@@ -25,7 +26,6 @@
 #include <QApplication>
 #include <QHBoxLayout>
 #include <QMap>
-#include <QMetaMethod>
 #include <QStackedWidget>
 #include <QTimer>
 
@@ -59,13 +59,14 @@ int panelWidthIn(int room, FontSize size)
 
 } // namespace
 
-PlayerPlaybackView::PlayerPlaybackView(QWidget* parent)
+PlayerPlaybackView::PlayerPlaybackView(Session* session, QWidget* parent)
     : QWidget(parent)
+    , m_session(session)
     , m_mapper(new WidgetMapper(this))
     , m_splitter(new ZTSplitter(Qt::Horizontal, this))
     , m_stack(new QStackedWidget(this))
 {
-    auto* panel = new MediaPanelWidget(this);
+    auto* panel = new MediaPanelWidget(session, this);
     followFontSize(panel, [panel](FontSize size) { panel->setMinimumWidth(leastPanelWidths.value(size)); });
     panel->setObjectName(QStringLiteral("PlayerTab-mediapanel-widget"));
     m_panel = panel;
@@ -84,11 +85,11 @@ PlayerPlaybackView::PlayerPlaybackView(QWidget* parent)
     followFontSize(this, [this](FontSize) { shareWidth(); });
 
     m_mapper->setObjectName(QStringLiteral("playbacksMapper"));
-    m_mapper->setObjectType(&ChannelWidget::staticMetaObject);
+    m_mapper->setFactory([session] { return new ChannelWidget(session); });
     connect(m_mapper, &WidgetMapper::widgetAdded, this, &PlayerPlaybackView::onWidgetAdded);
     connect(m_mapper, &WidgetMapper::widgetRemoved, this, &PlayerPlaybackView::onWidgetRemoved);
     connectSession();
-    if (Hotkeys* hotkeys = Session::instance()->hotkeys())
+    if (Hotkeys* hotkeys = session->hotkeys())
         m_keys = new PlayerKeys(hotkeys, this);
     updateState();
 }
@@ -106,14 +107,6 @@ void PlayerPlaybackView::resizeEvent(QResizeEvent* event)
 {
     QWidget::resizeEvent(event);
     shareWidth();
-}
-
-/// The panel offers to edit a collection only where somebody hears of it.
-void PlayerPlaybackView::connectNotify(const QMetaMethod& signal)
-{
-    if (signal == QMetaMethod::fromSignal(&PlayerPlaybackView::collectionEditRequested))
-        connect(m_panel, &MediaPanelWidget::collectionEditRequested, this,
-                &PlayerPlaybackView::collectionEditRequested, Qt::UniqueConnection);
 }
 
 QWidget* PlayerPlaybackView::createEmptyState()
@@ -167,11 +160,10 @@ QWidget* PlayerPlaybackView::createChannelArea()
 
 void PlayerPlaybackView::connectSession()
 {
-    const Session* session = Session::instance();
-    connect(session, &Session::connected, this, &PlayerPlaybackView::updateState);
-    connect(session, &Session::disconnected, this, [this] { setStale(true); });
-    connect(session, &Session::sceneLoaded, this, [this] { setStale(false); });
-    connect(session->signalRelay(), &SignalRelay::directPlay, this,
+    connect(m_session, &Session::connected, this, &PlayerPlaybackView::updateState);
+    connect(m_session, &Session::disconnected, this, [this] { setStale(true); });
+    connect(m_session, &Session::sceneLoaded, this, [this] { setStale(false); });
+    connect(m_session->signalRelay(), &SignalRelay::directPlay, this,
             &PlayerPlaybackView::handleMediaDirectPlay);
 }
 
@@ -229,7 +221,7 @@ void PlayerPlaybackView::prepareChannel()
         m_mapper->keepSpare(nullptr);
         return;
     }
-    auto* channel = new ChannelWidget(m_channels);
+    auto* channel = new ChannelWidget(m_session, m_channels);
     m_mapper->keepSpare(channel);
     QWidget* page = m_stack->widget(ChannelPage);
     page->resize(m_stack->size());
@@ -240,7 +232,7 @@ void PlayerPlaybackView::prepareChannel()
 
 void PlayerPlaybackView::updateState()
 {
-    const bool isConnected = Session::instance()->isConnected();
+    const bool isConnected = m_session->isConnected();
     m_emptyTitle->setText(isConnected ? tr("Waiting for the server") : tr("Not connected"));
     m_emptyHint->setText(isConnected ? tr("The server has not told of a channel yet.")
                                      : tr("Choose \"Connect to server...\" in the menu, or click "
@@ -258,18 +250,13 @@ void PlayerPlaybackView::handleMediaDirectPlay(const QModelIndex& index)
         qCWarning(lcPlayback) << "Could not parse collection and index.";
         return;
     }
-    Session* session = Session::instance();
-    const ResourceStatusProvider* status = session->resourceStatusProvider();
+    const ResourceStatusProvider* status = m_session->resourceStatusProvider();
     if (status && status->isConstrained(Preview)) {
         qCWarning(lcPlayback) << "Preview is resource constrained. Skipping media direct play request";
         return;
     }
-    auto command = std::make_unique<PlayMediaCommand>();
-    if (!command->initialize(true, 0, slot.collection, slot.slot)) {
-        qCWarning(lcPlayback) << "Failed to init PlayMediaCommand";
-        return;
-    }
-    session->executeCommand(command.release());
+    execute<PlayMediaCommand>(m_session->getQUndoStack(), "PlayMediaCommand", true, 0, slot.collection,
+                              slot.slot);
 }
 
 } // namespace vantrel

@@ -9,6 +9,7 @@ namespace vantrel {
 
 class MediaPanelWidget;
 class PlayerKeys;
+class Session;
 class WidgetMapper;
 class ZTLabel;
 class ZTSplitter;
@@ -20,20 +21,19 @@ class PlayerPlaybackView : public QWidget
     Q_OBJECT
 
 public:
-    explicit PlayerPlaybackView(QWidget* parent = nullptr);
+    /// session: must outlive this.
+    explicit PlayerPlaybackView(Session* session, QWidget* parent = nullptr);
 
     /// The tree index of the channels ("/device/channels").
     void setModel(const QModelIndex& channels);
+
+    MediaPanelWidget* mediaPanel() const { return m_panel; }
 
 public Q_SLOTS:
     /// Plays a slot of the media library on preview.
     void handleMediaDirectPlay(const QModelIndex& index);
 
-Q_SIGNALS:
-    void collectionEditRequested(int collection);
-
 protected:
-    void connectNotify(const QMetaMethod& signal) override;
     void resizeEvent(QResizeEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
@@ -51,6 +51,7 @@ private:
     void updateState();
     void setStale(bool stale);
 
+    Session* m_session;
     MediaPanelWidget* m_panel = nullptr;
     WidgetMapper* m_mapper;
     ZTSplitter* m_splitter;

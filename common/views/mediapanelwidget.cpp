@@ -28,7 +28,6 @@
 #include <QAction>
 #include <QHBoxLayout>
 #include <QKeyEvent>
-#include <QMetaMethod>
 #include <QScrollBar>
 #include <QVBoxLayout>
 
@@ -44,17 +43,18 @@ constexpr int addButtonWidth = 200; // of the panel, at the medium text size
 
 } // namespace
 
-MediaPanelWidget::MediaPanelWidget(QWidget* parent)
-    : MediaPanelWidget(Session::instance()->mediaLibraryModel(), Session::instance()->mediaLibraryProvider(),
+MediaPanelWidget::MediaPanelWidget(Session* session, QWidget* parent)
+    : MediaPanelWidget(session->mediaLibraryModel(), session->mediaLibraryProvider(),
                        new ImplMediaCollectionManager, parent)
 {
     dynamic_cast<ImplMediaCollectionManager*>(m_manager)->setParent(this);
-    Session* session = Session::instance();
     connect(this, &MediaPanelWidget::directPlayRequested, session->signalRelay(),
             &SignalRelay::handleDirectPlay);
     connect(session, &Session::connected, this, [this] { setConnected(true); });
     connect(session, &Session::disconnected, this, [this] { setConnected(false); });
     setConnected(session->isConnected());
+    if (Hotkeys* hotkeys = session->hotkeys())
+        addHotkeys(hotkeys);
 }
 
 MediaPanelWidget::MediaPanelWidget(MediaLibraryModel* library, AbstractMediaLibraryProvider* provider,
@@ -93,6 +93,15 @@ MediaPanelWidget::MediaPanelWidget(MediaLibraryModel* library, AbstractMediaLibr
 
 MediaPanelWidget::~MediaPanelWidget() = default;
 
+void MediaPanelWidget::addHotkeys(Hotkeys* hotkeys)
+{
+    const auto find = [this] {
+        m_search->setFocus(Qt::ShortcutFocusReason);
+        m_search->selectAll();
+    };
+    hotkeys->addShortcut(QStringLiteral("find"), this, find, Qt::WindowShortcut, this);
+}
+
 void MediaPanelWidget::buildHeader()
 {
     m_chooser = new ZTComboBox(this);
@@ -126,14 +135,6 @@ void MediaPanelWidget::buildHeader()
     m_search->setEscapeClears(true);
     m_lens = m_search->addAction(tintedIcon(QStringLiteral("search")), QLineEdit::LeadingPosition);
     m_search->installEventFilter(this);
-    const Session* session = Session::instance();
-    if (Hotkeys* hotkeys = session ? session->hotkeys() : nullptr) {
-        const auto find = [this] {
-            m_search->setFocus(Qt::ShortcutFocusReason);
-            m_search->selectAll();
-        };
-        hotkeys->addShortcut(QStringLiteral("find"), this, find, Qt::WindowShortcut, this);
-    }
     connect(m_search, &QLineEdit::textChanged, this, [this](const QString& text) {
         m_model->setSearchText(text);
         updateEmptyText();
@@ -180,13 +181,10 @@ void MediaPanelWidget::buildMenu()
     const auto add = [this, menu](const char* icon, const QString& text, void (MediaPanelWidget::*slot)()) {
         connect(menu->addEntry(QString::fromLatin1(icon), text), &QAction::triggered, this, slot);
     };
-    QAction* edit = menu->addEntry(QStringLiteral("media"), tr("Edit collection"));
-    connect(edit, &QAction::triggered, this,
+    m_editEntry = menu->addEntry(QStringLiteral("media"), tr("Edit collection"));
+    connect(m_editEntry, &QAction::triggered, this,
             [this] { Q_EMIT collectionEditRequested(selectedCollection()); });
-    connect(menu, &QMenu::aboutToShow, this, [this, edit] {
-        edit->setVisible(
-            isSignalConnected(QMetaMethod::fromSignal(&MediaPanelWidget::collectionEditRequested)));
-    });
+    m_editEntry->setVisible(false);
     add("edit", tr("Rename collection..."), &MediaPanelWidget::askForName);
     connect(menu->addEntry(QStringLiteral("copy"), tr("Duplicate collection")), &QAction::triggered, this,
             [this] { m_choosesAdded = m_manager->copyCollection(selectedCollection(), -1); });
@@ -194,6 +192,11 @@ void MediaPanelWidget::buildMenu()
     add("trash", tr("Remove collection..."), &MediaPanelWidget::askForRemoval);
     connect(m_menuButton, &QAbstractButton::clicked, this,
             [this] { m_menu->popup(m_menuButton->mapToGlobal(QPoint(0, m_menuButton->height() + 2))); });
+}
+
+void MediaPanelWidget::setCollectionsEditable(bool editable)
+{
+    m_editEntry->setVisible(editable);
 }
 
 void MediaPanelWidget::connectModels()

@@ -12,10 +12,12 @@ namespace vantrel {
 
 class AbstractMediaLibraryProvider;
 class CollectionSelectorModel;
+class Hotkeys;
 class IconButton;
 class MediaCollectionManager;
 class MediaLibraryModel;
 class MediaPanelModel;
+class Session;
 class SlotDelegate;
 class SlotListView;
 class SortedCollectionSelectorModel;
@@ -30,7 +32,7 @@ class MediaPanelWidget : public ZTFrame
 
 public:
     /// On the session's library; what is to be played goes to its SignalRelay.
-    explicit MediaPanelWidget(QWidget* parent = nullptr);
+    explicit MediaPanelWidget(Session* session, QWidget* parent = nullptr);
     MediaPanelWidget(MediaLibraryModel* library, AbstractMediaLibraryProvider* provider,
                      MediaCollectionManager* manager, QWidget* parent = nullptr);
     ~MediaPanelWidget() override;
@@ -40,6 +42,8 @@ public:
     void selectCollection(int collection);
     /// Without a server an empty panel says so.
     void setConnected(bool connected);
+    /// Whether the menu offers to edit the collection: where somebody follows collectionEditRequested.
+    void setCollectionsEditable(bool editable);
 
 Q_SIGNALS:
     /// An index of MediaLibraryModel.
@@ -47,6 +51,7 @@ Q_SIGNALS:
     void collectionEditRequested(int collection);
 
 private:
+    void addHotkeys(Hotkeys* hotkeys);
     void buildHeader();
     void buildList();
     void buildMenu();
@@ -80,6 +85,7 @@ private:
     IconButton* m_menuButton = nullptr;
     QMenu* m_menu = nullptr;
     QAction* m_addEntry = nullptr;
+    QAction* m_editEntry = nullptr;
     ZTEdit* m_search = nullptr;
     QAction* m_lens = nullptr; // in the search field
     SlotListView* m_view = nullptr;

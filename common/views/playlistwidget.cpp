@@ -29,7 +29,7 @@ constexpr int leastContent = 24; // below which there is nothing to see of it
 
 } // namespace
 
-PlaylistWidget::PlaylistWidget(PlaybackViewMode mode, QWidget* parent)
+PlaylistWidget::PlaylistWidget(PlaybackViewMode mode, Session* session, QWidget* parent)
     : ZTFrame(parent)
     , m_mode(mode)
 {
@@ -42,7 +42,7 @@ PlaylistWidget::PlaylistWidget(PlaybackViewMode mode, QWidget* parent)
     layout->setContentsMargins(spacing::normal, 0, spacing::normal, spacing::normal);
     layout->setSpacing(spacing::tight);
     if (isPreview)
-        buildPreview();
+        buildPreview(*session);
     else
         buildProgram();
     QWidget* head = layout->itemAt(0)->widget();
@@ -62,12 +62,12 @@ QSize PlaylistWidget::minimumSizeHint() const
     return {0, scaled(headHeight, currentFontSize()) + spacing::tight};
 }
 
-void PlaylistWidget::buildPreview()
+void PlaylistWidget::buildPreview(const Session& session)
 {
     m_navigationBar = new NavigationBar(this);
     m_tabs = new StackedTabWidget(this);
     m_tabs->addPage(createPlaylistPage());
-    m_tabs->addPage(createSingleMediaPage());
+    m_tabs->addPage(createSingleMediaPage(session));
     const auto addTab = [this](Tab tab, const QString& text, const QString& tip, const char* name) {
         auto* button = new NavButton(text, {}, m_navigationBar);
         button->setObjectName(QLatin1String(name));
@@ -82,7 +82,7 @@ void PlaylistWidget::buildPreview()
     layout()->addWidget(m_navigationBar);
     static_cast<QVBoxLayout*>(layout())->addWidget(m_tabs, 1);
     connect(m_navigationBar, &NavigationBar::tabSelected, m_tabs, &QStackedWidget::setCurrentIndex);
-    connect(Session::instance()->signalRelay(), &SignalRelay::setNavBar, m_navigationBar,
+    connect(session.signalRelay(), &SignalRelay::setNavBar, m_navigationBar,
             [this](uint tab) { m_navigationBar->setActiveTab(static_cast<int>(tab)); });
     // As long as there are no playlists to edit, the other page has more to say.
     m_navigationBar->setActiveTab(SingleMediaTab);
@@ -111,12 +111,11 @@ QWidget* PlaylistWidget::createPlaylistPage()
     return label;
 }
 
-QWidget* PlaylistWidget::createSingleMediaPage()
+QWidget* PlaylistWidget::createSingleMediaPage(const Session& session)
 {
-    const Session* session = Session::instance();
-    auto* model = new SingleMediaModel(session->mediaDataAggregator(), session->playlistProvider(),
-                                       session->mediaLibraryProvider(), this);
-    const PlaybackModel* channel = session->previewPlaybackModel();
+    auto* model = new SingleMediaModel(session.mediaDataAggregator(), session.playlistProvider(),
+                                       session.mediaLibraryProvider(), this);
+    const PlaybackModel* channel = session.previewPlaybackModel();
     const auto follow = [model, channel] {
         const QString media = channel->index(0, PlaybackModel::MediaUrlColumn).data().toString();
         if (media != model->mediaAddress())
@@ -125,10 +124,10 @@ QWidget* PlaylistWidget::createSingleMediaPage()
     connect(channel, &QAbstractItemModel::dataChanged, model, follow);
     connect(channel, &QAbstractItemModel::modelReset, model, follow);
     follow();
-    auto* page = new SingleMediaWidget(model, session->mediaDataAggregator(), this);
-    connect(session, &Session::connected, page, [model, page, session] {
-        model->setMediaDataAggregator(session->mediaDataAggregator());
-        page->setMediaDataAggregator(session->mediaDataAggregator());
+    auto* page = new SingleMediaWidget(model, session.mediaDataAggregator(), this);
+    connect(&session, &Session::connected, page, [model, page, &session] {
+        model->setMediaDataAggregator(session.mediaDataAggregator());
+        page->setMediaDataAggregator(session.mediaDataAggregator());
     });
     return page;
 }

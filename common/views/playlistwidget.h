@@ -6,6 +6,7 @@
 namespace vantrel {
 
 class NavigationBar;
+class Session;
 class SingleMediaModel;
 class StackedTabWidget;
 
@@ -18,7 +19,8 @@ class PlaylistWidget : public ZTFrame
 public:
     enum Tab : int { PlaylistEditorTab = 0, SingleMediaTab = 1 };
 
-    explicit PlaylistWidget(PlaybackViewMode mode, QWidget* parent = nullptr);
+    /// session: must outlive this.
+    PlaylistWidget(PlaybackViewMode mode, Session* session, QWidget* parent = nullptr);
 
     PlaybackViewMode mode() const { return m_mode; }
     /// The tab shown; -1 on program, which has none.
@@ -29,10 +31,10 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
-    void buildPreview();
+    void buildPreview(const Session& session);
     void buildProgram();
     QWidget* createPlaylistPage();
-    QWidget* createSingleMediaPage();
+    QWidget* createSingleMediaPage(const Session& session);
 
     PlaybackViewMode m_mode;
     StackedTabWidget* m_tabs = nullptr;

@@ -180,7 +180,7 @@ private:
     void play(bool onPreview)
     {
         auto command = std::make_unique<PlayMediaCommand>();
-        QVERIFY(command->initialize(onPreview, 0, 7, 1));
+        QVERIFY(command->init(onPreview, 0, 7, 1));
         m_session->executeCommand(command.release());
     }
 

@@ -124,7 +124,7 @@ private Q_SLOTS:
 
     void choosesAudioDevices()
     {
-        OutputView view;
+        OutputView view(m_session);
         view.show();
         auto* program = view.findChild<SwitchSelect*>(QStringLiteral("programAudioOutputSwitch"));
         QVERIFY(program && !program->isEnabled());
@@ -163,7 +163,7 @@ private Q_SLOTS:
                         seen = pixmap.toImage().pixelColor(pixmap.width() / 2, pixmap.height() / 2);
                 });
         auto* command = new PlayMediaCommand;
-        QVERIFY(command->initialize(true, 0, 7, 1));
+        QVERIFY(command->init(true, 0, 7, 1));
         m_session->executeCommand(command);
         const GUIPlayback* playback = m_session->sceneObjectProvider()->previewPlayback();
         QTRY_COMPARE(playback->playingSlotAddress(), MediaAddress(7, 1));

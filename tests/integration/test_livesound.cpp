@@ -91,7 +91,7 @@ private:
     void play(int slot)
     {
         auto* command = new PlayMediaCommand;
-        QVERIFY(command->initialize(true, 0, 1, slot));
+        QVERIFY(command->init(true, 0, 1, slot));
         m_session->executeCommand(command);
         QTRY_COMPARE(m_session->sceneObjectProvider()->previewPlayback()->playingSlotAddress(),
                      MediaAddress(1, slot));

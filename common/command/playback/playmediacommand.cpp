@@ -14,22 +14,22 @@ namespace vantrel {
 
 using media::MediaUtils;
 
-bool PlayMediaCommand::initialize(bool preview, int channel, int collection, int slot)
+bool PlayMediaCommand::init(bool preview, int channel, int collection, int slot)
 {
-    return initialize(preview, channel, MediaUtils::toSlotAddress(collection, slot));
+    return init(preview, channel, MediaUtils::toSlotAddress(collection, slot));
 }
 
-bool PlayMediaCommand::initialize(bool preview, int channel, int playlist, const EntryAddress& entry)
+bool PlayMediaCommand::init(bool preview, int channel, int playlist, const EntryAddress& entry)
 {
-    return initialize(preview, channel, MediaUtils::toPlaylistAddress(playlist, entry));
+    return init(preview, channel, MediaUtils::toPlaylistAddress(playlist, entry));
 }
 
-bool PlayMediaCommand::initialize(bool preview, int channel, const QString& mediaUrl)
+bool PlayMediaCommand::init(bool preview, int channel, const QString& mediaUrl)
 {
     setText(QCoreApplication::translate("PlayMediaCommand", "Play media"));
     Object* playback = getObjectForPath(playbackPath(channel, preview));
     if (!playback) {
-        Log::write_fmt(LogLevel::Error, {"playmediacommand", "initialize"}, "command",
+        Log::write_fmt(LogLevel::Error, {"playmediacommand", "init"}, "command",
                        "Playback object for index '%d' not found", channel);
         return false;
     }

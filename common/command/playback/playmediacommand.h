@@ -12,13 +12,13 @@ public:
     using InvokeMethodCommand::InvokeMethodCommand;
 
     /// preview: the channel's preview, otherwise its program.
-    bool initialize(bool preview, int channel, int collection, int slot);
-    bool initialize(bool preview, int channel, int playlist, const EntryAddress& entry);
+    bool init(bool preview, int channel, int collection, int slot);
+    bool init(bool preview, int channel, int playlist, const EntryAddress& entry);
     /// Null, with a warning, when the scene has no object there.
     static Object* getObjectForPath(const QString& path);
 
 private:
-    bool initialize(bool preview, int channel, const QString& mediaUrl);
+    bool init(bool preview, int channel, const QString& mediaUrl);
 };
 
 } // namespace vantrel

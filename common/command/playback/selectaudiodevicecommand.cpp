@@ -4,7 +4,7 @@
 
 namespace vantrel {
 
-bool SelectAudioDeviceCommand::initialize(Object* playback, const std::string& device)
+bool SelectAudioDeviceCommand::init(Object* playback, const std::string& device)
 {
     setText(QCoreApplication::translate("SelectAudioDeviceCommand", "Select audio device"));
     return InvokeMethodCommand::init(playback, QStringLiteral("selectAudioDevice"),

@@ -13,7 +13,7 @@ public:
     using InvokeMethodCommand::InvokeMethodCommand;
 
     /// device: the text that the scene has for it, for example "embedded".
-    bool initialize(Object* playback, const std::string& device);
+    bool init(Object* playback, const std::string& device);
 };
 
 } // namespace vantrel

@@ -10,8 +10,8 @@ TakeCommand::TakeCommand(QUndoCommand* parent)
     setText(QCoreApplication::translate("TakeCommand", "Take"));
 }
 
-bool TakeCommand::initTake(Object* playback, bool presetToggle, PlayheadOption playheadOption,
-                           TakeTransitionType transitionType, double transitionDuration)
+bool TakeCommand::init(Object* playback, bool presetToggle, PlayheadOption playheadOption,
+                       TakeTransitionType transitionType, double transitionDuration)
 {
     const VariantMap args = {
         {"presetToggle", Variant::from(presetToggle)},

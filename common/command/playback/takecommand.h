@@ -12,8 +12,8 @@ public:
     explicit TakeCommand(QUndoCommand* parent = nullptr);
 
     /// presetToggle: the preview gets what the program played. transitionDuration: seconds.
-    bool initTake(Object* playback, bool presetToggle, PlayheadOption playheadOption,
-                  TakeTransitionType transitionType, double transitionDuration);
+    bool init(Object* playback, bool presetToggle, PlayheadOption playheadOption,
+              TakeTransitionType transitionType, double transitionDuration);
 };
 
 } // namespace vantrel

@@ -1,5 +1,6 @@
 #include "common/media/edit/mediasloteditfunctional.h"
 
+#include "common/command/execute.h"
 #include "common/media/address/medialogging.h"
 #include "common/media/edit/slot/clearslotfromcollectioncommand.h"
 #include "common/media/edit/slot/editslotscalingcommand.h"
@@ -9,45 +10,42 @@
 
 namespace vantrel {
 
+namespace {
+
+/// An edit of the library that is open. False when there is none, or it refuses.
+template <typename Command, typename... Args>
+bool edit(const Args&... args)
+{
+    const Session* session = Session::instance();
+    MediaLibraryProvider* provider = session ? session->mediaLibraryProvider() : nullptr;
+    return provider && tryExecute<Command>(session->getQUndoStack(), provider->mediaLibrary(), args...);
+}
+
+} // namespace
+
 void MediaSlotEditFunctional::setScalingMode(MediaAddress slot, ScaleMode mode)
 {
     if (!slot.isValid()) {
         qCWarning(lcMedia) << "Failed to parse collection and index";
         return;
     }
-    Session* session = Session::instance();
-    MediaLibraryProvider* provider = session ? session->mediaLibraryProvider() : nullptr;
-    auto command = std::make_unique<EditSlotScalingCommand>();
-    if (!provider || !command->initCmd(provider->mediaLibrary(), slot.collection, slot.slot, mode)) {
+    if (!edit<EditSlotScalingCommand>(slot.collection, slot.slot, mode)) {
         qCWarning(lcMedia) << "Failed to change scaling for collection" << slot.collection << "slot"
                            << slot.slot;
         return;
     }
-    session->executeCommand(command.release());
     qCDebug(lcMedia) << "Collection" << slot.collection << "slot" << slot.slot
                      << "scaling changed to:" << toStr(mode);
 }
 
 bool MediaSlotEditFunctional::rename(MediaAddress slot, const QString& name)
 {
-    Session* session = Session::instance();
-    MediaLibraryProvider* provider = session ? session->mediaLibraryProvider() : nullptr;
-    auto command = std::make_unique<RenameSlotCommand>();
-    if (!provider || !command->init(provider->mediaLibrary(), slot.collection, slot.slot, name))
-        return false;
-    session->executeCommand(command.release());
-    return true;
+    return edit<RenameSlotCommand>(slot.collection, slot.slot, name);
 }
 
 bool MediaSlotEditFunctional::clearSlots(int collection, const QList<int>& slotNumbers)
 {
-    Session* session = Session::instance();
-    MediaLibraryProvider* provider = session ? session->mediaLibraryProvider() : nullptr;
-    auto command = std::make_unique<ClearSlotFromCollectionCommand>();
-    if (!provider || !command->init(provider->mediaLibrary(), collection, slotNumbers))
-        return false;
-    session->executeCommand(command.release());
-    return true;
+    return edit<ClearSlotFromCollectionCommand>(collection, slotNumbers);
 }
 
 } // namespace vantrel

@@ -1,5 +1,6 @@
 #include "common/media/models/playbackmodel.h"
 
+#include "common/command/execute.h"
 #include "common/media/edit/playlist/editplaylistentrycommand.h"
 #include "common/media/items/abstractplaylistprovider.h"
 #include "common/session/mirror/guiplayback.h"
@@ -288,9 +289,8 @@ void PlaybackModel::setEndActionCommand(EndAction endAction)
     }
     PlaylistEntry entry = *present;
     entry.setEndAction(endAction);
-    auto command = std::make_unique<EditPlaylistEntryCommand>();
-    if (command->init(library, number, m_entry.address(), entry))
-        Session::instance()->executeCommand(command.release());
+    tryExecute<EditPlaylistEntryCommand>(Session::instance()->getQUndoStack(), library, number,
+                                         m_entry.address(), entry);
 }
 
 bool PlaybackModel::updateEndActionMode()

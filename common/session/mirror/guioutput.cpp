@@ -1,52 +1,38 @@
 #include "common/session/mirror/guioutput.h"
 
+#include "common/session/settings/sessionlogging.h"
+
 namespace vantrel {
+
+namespace {
+
+constexpr const char* names[] = {
+#define VANTREL_NAME(type, name, setter) #name,
+    VANTREL_OUTPUT_PROPERTIES(VANTREL_NAME)
+#undef VANTREL_NAME
+};
+
+} // namespace
 
 GUIOutput::GUIOutput(QObject* parent)
     : SceneObjectWrapper(QStringLiteral("Output"), parent)
 {
-    cacheProperties();
+    findProperties();
 }
 
 void GUIOutput::postSetObjectHook()
 {
-    cacheProperties();
+    findProperties();
 }
 
-void GUIOutput::cacheProperties()
+void GUIOutput::findProperties()
 {
-    m_info = {
-        .name = object()->findProperty("name"),
-        .width = object()->findProperty("width"),
-        .height = object()->findProperty("height"),
-        .hTotal = object()->findProperty("hTotal"),
-        .vTotal = object()->findProperty("vTotal"),
-        .hSyncPolarity = object()->findProperty("hSyncPolarity"),
-        .vSyncPolarity = object()->findProperty("vSyncPolarity"),
-        .interlaced = object()->findProperty("interlaced"),
-        .dotClock = object()->findProperty("dotClock"),
-        .bpc = object()->findProperty("bpc"),
-        .colorspace = object()->findProperty("colorspace"),
-        .currentLaneCount = object()->findProperty("currentLaneCount"),
-        .currentLinkRate = object()->findProperty("currentLinkRate"),
-        .reportedLaneCount = object()->findProperty("reportedLaneCount"),
-        .reportedLinkRate = object()->findProperty("reportedLinkRate"),
-        .connected = object()->findProperty("connected"),
-        .error = object()->findProperty("error"),
-        .errorText = object()->findProperty("errorText"),
-        .product = object()->findProperty("product"),
-        .modelineId = object()->findProperty("modelineId"),
-        .preferredModelineId = object()->findProperty("preferredModelineId"),
-        .edid = object()->findProperty("edid"),
-        .edidOverride = object()->findProperty("edidOverride"),
-        .edidOverrideFilename = object()->findProperty("edidOverrideFilename"),
-        .maxLinkRate = object()->findProperty("maxLinkRate"),
-        .phyRepeaterCount = object()->findProperty("phyRepeaterCount"),
-        .phyRepeaterMode = object()->findProperty("phyRepeaterMode"),
-        .subconnector = object()->findProperty("subconnector"),
-        .fec = object()->findProperty("fec"),
-        .dsc = object()->findProperty("dsc"),
-    };
+    static_assert(std::size(names) == Index::count);
+    for (int i = 0; i < Index::count; ++i) {
+        m_info[i] = object()->findProperty(names[i]);
+        if (!m_info[i])
+            qCWarning(lcSession) << "The scene's output has no property" << names[i];
+    }
 }
 
 } // namespace vantrel

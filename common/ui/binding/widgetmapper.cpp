@@ -29,7 +29,7 @@ bool WidgetMapper::initialized() const
         qCWarning(lcMapper) << "No layout set";
         return false;
     }
-    if (!objectType() || !objectType()->inherits(&QWidget::staticMetaObject)) {
+    if (!m_factory && (!objectType() || !objectType()->inherits(&QWidget::staticMetaObject))) {
         qCWarning(lcMapper) << "Object type is not a widget type";
         return false;
     }
@@ -55,6 +55,8 @@ QObject* WidgetMapper::createInstance()
 {
     if (m_spare)
         return std::exchange(m_spare, nullptr);
+    if (m_factory)
+        return m_factory();
     QObject* instance = ObjectMapper::createInstance();
     if (instance && !qobject_cast<QWidget*>(instance))
         qCWarning(lcMapper) << "Created instance is not a widget";

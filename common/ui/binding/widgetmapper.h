@@ -4,6 +4,8 @@
 
 #include <QPointer>
 
+#include <functional>
+
 class QLayout;
 class QWidget;
 
@@ -20,6 +22,8 @@ public:
     /// Before the model: without a layout no widget is made.
     void setLayout(QLayout* layout) { m_layout = layout; }
     QLayout* layout() const { return m_layout; }
+    /// Makes the widgets in place of an object type, for those that need more than a parent.
+    void setFactory(std::function<QWidget*()> factory) { m_factory = std::move(factory); }
     /// From now on a widget whose row goes is kept, hidden in the layout, for the next row; to begin with
     /// this one, a child of the layout's parent, or none. For widgets that take long to build.
     void keepSpare(QWidget* widget);
@@ -38,6 +42,7 @@ protected:
 private:
     void hideSpare();
 
+    std::function<QWidget*()> m_factory;
     QPointer<QLayout> m_layout;
     QPointer<QWidget> m_spare;
     bool m_keepsSpare = false;

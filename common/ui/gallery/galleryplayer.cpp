@@ -82,7 +82,7 @@ QWidget* makeHeader(PlaybackViewMode mode, ColumnStep step, bool infinite)
 
 QWidget* makeControls(PlaybackViewMode mode, ColumnStep step, const QString& state, bool enabled = true)
 {
-    auto* controls = new PlaybackControls(mode);
+    auto* controls = new PlaybackControls(mode, nullptr);
     controls->setColumnStep(step);
     controls->setState(state);
     controls->setEnabled(enabled);

@@ -1,27 +1,20 @@
 #include "common/ui/shell/mainmenu.h"
 
+#include "common/command/execute.h"
 #include "common/command/invokemethodcommand.h"
-#include "common/session/session.h"
 #include "common/ui/diagnostics/diagnosticsmanager.h"
 #include "common/ui/shell/aboutdialog.h"
 #include "common/ui/toolkit/confirmationdialog.h"
 #include "tarn/scene/scene.h"
 
 #include <QCoreApplication>
-#include <QLoggingCategory>
-
-#include <memory>
 
 namespace vantrel {
 
-namespace {
-
-Q_LOGGING_CATEGORY(log, "vantrel.ui")
-
-} // namespace
-
-MainMenu::MainMenu(QWidget* parent)
+MainMenu::MainMenu(Scene* scene, QUndoStack* stack, QWidget* parent)
     : ZTMenu(parent)
+    , m_scene(scene)
+    , m_stack(stack)
 {
     setObjectName(QStringLiteral("MainNavigationBar-mainmenu"));
     addEntries();
@@ -103,15 +96,8 @@ void MainMenu::openAboutDialog()
 
 void MainMenu::sendSystemCommand(const QString& method, const QString& text)
 {
-    Session* session = Session::instance();
-    Object* system = session ? session->getScene()->findObject("/device/system") : nullptr;
-    auto command = std::make_unique<InvokeMethodCommand>();
-    if (!system || !command->init(system, method, VariantMap())) {
-        qCWarning(log).noquote() << QStringLiteral("Failed to init %1 command").arg(method);
-        return;
-    }
-    command->setText(text);
-    session->executeCommand(command.release());
+    Object* system = m_scene->findObject("/device/system");
+    execute<InvokeMethodCommand>(m_stack, qPrintable(method), system, method, VariantMap(), text);
 }
 
 ZTMenu* MainMenu::makeEditSubMenu()

@@ -2,7 +2,11 @@
 
 #include "common/ui/toolkit/ztmenu.h"
 
+class QUndoStack;
+
 namespace vantrel {
+
+class Scene;
 
 /// The main menu. It enables its entries by the state of the link and tells what was chosen; the window and
 /// its dialogs do the work. Starts as disconnected.
@@ -11,7 +15,8 @@ class MainMenu : public ZTMenu
     Q_OBJECT
 
 public:
-    explicit MainMenu(QWidget* parent = nullptr);
+    /// scene and stack: find the server's system object and execute its commands; must outlive this.
+    MainMenu(Scene* scene, QUndoStack* stack, QWidget* parent = nullptr);
 
     /// "Copy", "Cut", "Paste", "Duplicate", "Remove": for views that edit objects of the scene.
     ZTMenu* makeEditSubMenu();
@@ -41,6 +46,8 @@ Q_SIGNALS:
 private:
     void addEntries();
 
+    Scene* m_scene;
+    QUndoStack* m_stack;
     QAction* m_connect = nullptr;
     QAction* m_disconnect = nullptr;
     QAction* m_reboot = nullptr;

@@ -1,6 +1,5 @@
 #include "common/ui/shell/mainnavigationbar.h"
 
-#include "common/session/session.h"
 #include "common/session/settings/fontsize.h"
 #include "common/ui/keyboard/hotkeys.h"
 #include "common/ui/keyboard/hotkeytip.h"
@@ -37,8 +36,9 @@ void sizeNavButton(PushButton* button)
     });
 }
 
-MainNavigationBar::MainNavigationBar(QWidget* parent)
+MainNavigationBar::MainNavigationBar(Hotkeys* hotkeys, QWidget* parent)
     : QWidget(parent)
+    , m_hotkeys(hotkeys)
     , m_layout(new QHBoxLayout(this))
     , m_tabs(new QHBoxLayout)
 {
@@ -78,10 +78,8 @@ void MainNavigationBar::addTab(int index, PushButton* button)
         button->setIconSize(QSize(navIconExtent(size), navIconExtent(size)));
     });
     connect(button, &PushButton::clicked, this, [this, index] { setActiveTab(index); });
-    const Session* session = Session::instance();
-    if (Hotkeys* hotkeys = session ? session->hotkeys() : nullptr)
-        hotkeys->addShortcut(
-            name, button, [this, index] { setActiveTab(index); }, Qt::WindowShortcut, button);
+    m_hotkeys->addShortcut(
+        name, button, [this, index] { setActiveTab(index); }, Qt::WindowShortcut, button);
     updateTabStyles();
 }
 

@@ -7,6 +7,7 @@ class QHBoxLayout;
 
 namespace vantrel {
 
+class Hotkeys;
 class PushButton;
 
 /// Square size and icon of a button of the main navigation bar, kept by text size.
@@ -19,7 +20,8 @@ class MainNavigationBar : public QWidget
     Q_OBJECT
 
 public:
-    explicit MainNavigationBar(QWidget* parent = nullptr);
+    /// hotkeys: choose the tabs; must outlive this.
+    explicit MainNavigationBar(Hotkeys* hotkeys, QWidget* parent = nullptr);
 
     void addMainMenu(QWidget* button);
     void addTab(int index, PushButton* button);
@@ -38,6 +40,7 @@ Q_SIGNALS:
     void tabSelected(int index);
 
 private:
+    Hotkeys* m_hotkeys;
     QHBoxLayout* m_layout;
     QHBoxLayout* m_tabs;
     QMap<int, PushButton*> m_buttons;

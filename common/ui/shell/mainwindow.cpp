@@ -32,7 +32,6 @@
 #include <QApplication>
 #include <QHBoxLayout>
 #include <QKeyEvent>
-#include <QLoggingCategory>
 #include <QQuickWidget>
 #include <QResizeEvent>
 #include <QScreen>
@@ -44,51 +43,30 @@ namespace vantrel {
 
 namespace {
 
-Q_LOGGING_CATEGORY(log, "vantrel.ui")
-
 constexpr int startDelay = 200; // milliseconds until the window is up
 constexpr auto tabClickWheel = static_cast<Qt::FocusPolicy>(11);
 
 enum Tab : int { OutputsTab = 0, FilesTab = 1, MediaTab = 2, PlayerTab = 3 };
 
-MainWindow*& instance()
-{
-    static MainWindow* window = nullptr;
-    return window;
-}
-
-/// The media page is known by its one operation, so that this room need not know its type.
-bool canEditCollections(const QWidget& page)
-{
-    return page.metaObject()->indexOfMethod("selectCollection(int)") >= 0;
-}
-
-ConnectionHandler* connectionHandler()
-{
-    const Session* session = Session::instance();
-    return session ? session->connectionHandler() : nullptr;
-}
-
 } // namespace
 
-MainWindow::MainWindow(QWidget* parent)
+MainWindow::MainWindow(Session* session, QWidget* parent)
     : QMainWindow(parent)
+    , m_session(session)
     , m_central(new QWidget(this))
     , m_layout(new QVBoxLayout(m_central))
     , m_hotkeys(new Hotkeys(this))
 {
-    instance() = this;
     setMainWindowWidget(this);
     setObjectName(QStringLiteral("MainWindow"));
     setWindowTitle(QStringLiteral("Halcyra"));
     const QString keymapFault = m_hotkeys->loadKeymapFromConfiguration();
-    if (Session* session = Session::instance())
-        session->setHotkeys(m_hotkeys);
+    session->setHotkeys(m_hotkeys);
     m_central->setObjectName(QStringLiteral("central"));
     m_layout->setContentsMargins(spacing::tight, 0, spacing::tight, 0);
     m_layout->setSpacing(0);
 
-    m_navigationBar = new MainNavigationBar(m_central);
+    m_navigationBar = new MainNavigationBar(m_hotkeys, m_central);
     m_tabs = new StackedTabWidget(m_central);
     m_tabs->setObjectNames(QStringLiteral("MainTabs"));
     connect(m_navigationBar, &MainNavigationBar::tabSelected, m_tabs, &QStackedWidget::setCurrentIndex);
@@ -133,22 +111,14 @@ MainWindow::~MainWindow()
     delete m_inspector;
     for (const QPointer<QWidget>& view : std::as_const(m_views))
         delete view;
-    if (Session* session = Session::instance(); session && session->hotkeys() == m_hotkeys)
-        session->setHotkeys(nullptr);
+    if (m_session->hotkeys() == m_hotkeys)
+        m_session->setHotkeys(nullptr);
     setMainWindowWidget(nullptr);
-    instance() = nullptr;
-}
-
-MainWindow* MainWindow::get()
-{
-    return instance();
 }
 
 void MainWindow::initStatusBar()
 {
-    const Session* session = Session::instance();
-    m_statusBar = new StatusBar(session ? session->systemProxy() : nullptr,
-                                session ? session->connectionProvider() : nullptr, m_central);
+    m_statusBar = new StatusBar(m_session->systemProxy(), m_session->connectionProvider(), m_central);
     connect(m_statusBar, &StatusBar::connectClicked, this, &MainWindow::handleConnectRequest);
     connect(m_statusBar, &StatusBar::disconnectClicked, this, &MainWindow::handleDisconnectRequest);
 
@@ -163,7 +133,7 @@ void MainWindow::initStatusBar()
 
 void MainWindow::initMainMenu()
 {
-    m_mainMenu = new MainMenu(this);
+    m_mainMenu = new MainMenu(m_session->getScene(), m_session->getQUndoStack(), this);
     auto* button = new IconButton(QStringLiteral(":/icons/hamburger.svg"), {}, m_navigationBar);
     button->setObjectName(QStringLiteral("MainNavigationBar-mainmenu-button"));
     button->setToolTip(tr("Main menu"));
@@ -177,13 +147,12 @@ void MainWindow::initMainMenu()
             &NotificationDialogWrapper::show);
     connect(m_mainMenu, &MainMenu::configurationClicked, this, &MainWindow::openConfigurationDialog);
     connect(m_mainMenu, &MainMenu::keyboardClicked, this, &MainWindow::openKeyboardDialog);
-    auto* shows = new ShowManager(this);
+    auto* shows = new ShowManager(m_session, this);
     connect(m_mainMenu, &MainMenu::clearShowClicked, shows, &ShowManager::handleClearShow);
     connect(m_mainMenu, &MainMenu::importShowClicked, shows, &ShowManager::handleImport);
     connect(m_mainMenu, &MainMenu::exportShowClicked, shows, &ShowManager::handleExport);
     m_configurationDialog = new ConfigurationDialog(this);
-    if (const Session* session = Session::instance())
-        m_configurationDialog->setModel(session->serverConfigurationModel());
+    m_configurationDialog->setModel(m_session->serverConfigurationModel());
 }
 
 void MainWindow::initHotkeys()
@@ -215,7 +184,7 @@ void MainWindow::initOutputView()
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(new PlaceholderView(icon, tr("Video outputs are not part of this version yet."), page),
                       1);
-    layout->addWidget(new OutputView(page));
+    layout->addWidget(new OutputView(m_session, page));
     addView(OutputsTab, tr("OUTPUTS"), icon, QStringLiteral("MainNavigationBar-outputs-button"), page);
 }
 
@@ -235,12 +204,8 @@ void MainWindow::initMediaView()
 
 void MainWindow::initPlayerView()
 {
-    auto* view = new PlayerPlaybackView(m_tabs);
-    if (const QWidget* page = m_tabs->widget(MediaTab); page && canEditCollections(*page))
-        connect(view, &PlayerPlaybackView::collectionEditRequested, this,
-                &MainWindow::handleCollectionEditRequested);
-    if (const Session* session = Session::instance())
-        view->setModel(session->objectTreeModel()->index(QStringLiteral("/device/channels")));
+    auto* view = new PlayerPlaybackView(m_session, m_tabs);
+    view->setModel(m_session->objectTreeModel()->index(QStringLiteral("/device/channels")));
     // With large text two channels can need more width than the screen has.
     auto* area = new QScrollArea(m_tabs);
     area->setObjectName(QStringLiteral("PlayerTab-scroll-area"));
@@ -254,9 +219,7 @@ void MainWindow::initPlayerView()
 
 void MainWindow::initConnection()
 {
-    ConnectionHandler* handler = connectionHandler();
-    if (!handler)
-        return;
+    ConnectionHandler* handler = m_session->connectionHandler();
     connect(handler, &ConnectionHandler::connecting, this, &MainWindow::onConnecting);
     connect(handler, &ConnectionHandler::connected, this, &MainWindow::onConnected);
     connect(handler, &ConnectionHandler::disconnected, this, &MainWindow::onDisconnected);
@@ -272,10 +235,7 @@ void MainWindow::initConnection()
 
 void MainWindow::autoConnect(const QString& host)
 {
-    QTimer::singleShot(startDelay, this, [host] {
-        if (ConnectionHandler* handler = connectionHandler())
-            handler->connect(host);
-    });
+    QTimer::singleShot(startDelay, this, [this, host] { m_session->connectionHandler()->connect(host); });
 }
 
 void MainWindow::showConnectDialog()
@@ -290,14 +250,12 @@ void MainWindow::showConnectDialogImmediate()
         connect(m_connectDialog, &ConnectDialog::stop, this, &MainWindow::handleDisconnectRequest);
         connect(m_connectDialog, &ConnectDialog::disconnectRequested, this,
                 &MainWindow::handleDisconnectRequest);
-        if (ConnectionHandler* handler = connectionHandler()) {
-            connect(m_connectDialog, &ConnectDialog::connectRequested, handler,
-                    [handler](const QString& host) { handler->connect(host); });
-            connect(handler, &ConnectionHandler::connected, m_connectDialog, &ConnectDialog::onConnected);
-            connect(handler, &ConnectionHandler::disconnected, m_connectDialog,
-                    &ConnectDialog::onDisconnected);
-        }
-        if (const Session* session = Session::instance(); session && session->isConnected())
+        ConnectionHandler* handler = m_session->connectionHandler();
+        connect(m_connectDialog, &ConnectDialog::connectRequested, handler,
+                [handler](const QString& host) { handler->connect(host); });
+        connect(handler, &ConnectionHandler::connected, m_connectDialog, &ConnectDialog::onConnected);
+        connect(handler, &ConnectionHandler::disconnected, m_connectDialog, &ConnectDialog::onDisconnected);
+        if (m_session->isConnected())
             m_connectDialog->onConnected();
     }
     m_connectDialog->showConnectDialog();
@@ -324,19 +282,7 @@ void MainWindow::handleConnectRequest()
 
 void MainWindow::handleDisconnectRequest()
 {
-    if (ConnectionHandler* handler = connectionHandler())
-        handler->disconnect();
-}
-
-void MainWindow::handleCollectionEditRequested(int collection)
-{
-    QWidget* page = m_tabs->widget(MediaTab);
-    if (!page || !canEditCollections(*page) ||
-        !QMetaObject::invokeMethod(page, "selectCollection", Q_ARG(int, collection))) {
-        qCWarning(log) << "Failed to find media view page";
-        return;
-    }
-    m_navigationBar->setActiveTab(MediaTab);
+    m_session->connectionHandler()->disconnect();
 }
 
 void MainWindow::onConnecting(const QString& address)

@@ -21,6 +21,7 @@ class NotificationDialogWrapper;
 class NotificationPresenter;
 class NotificationStatusBar;
 class PushButton;
+class Session;
 class StackedTabWidget;
 class StatusBar;
 
@@ -31,11 +32,9 @@ class MainWindow : public QMainWindow
     Q_OBJECT
 
 public:
-    explicit MainWindow(QWidget* parent = nullptr);
+    /// session: must outlive this.
+    explicit MainWindow(Session* session, QWidget* parent = nullptr);
     ~MainWindow() override;
-
-    /// Null before the window is made and after it is gone.
-    static MainWindow* get();
 
     /// Connects to the host in a moment, once the event loop runs.
     void autoConnect(const QString& host);
@@ -53,7 +52,6 @@ public Q_SLOTS:
     void showConnectDialogImmediate();
     void handleConnectRequest();
     void handleDisconnectRequest();
-    void handleCollectionEditRequested(int collection);
     void onConnecting(const QString& address);
     void onConnected();
     void onDisconnected(const QString& address);
@@ -79,6 +77,7 @@ private:
     void stepTextSize(int step);
     void showInspector();
 
+    Session* m_session;
     QWidget* m_central;
     QVBoxLayout* m_layout;
     Hotkeys* m_hotkeys;

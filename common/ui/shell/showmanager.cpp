@@ -1,5 +1,6 @@
 #include "common/ui/shell/showmanager.h"
 
+#include "common/command/execute.h"
 #include "common/command/showcommands.h"
 #include "common/session/link/connectionhandler.h"
 #include "common/session/mirror/serverconfigurationmodel.h"
@@ -18,8 +19,6 @@
 #include <QStandardPaths>
 #include <QUrlQuery>
 
-#include <memory>
-
 namespace vantrel {
 
 namespace {
@@ -30,8 +29,9 @@ constexpr auto resource = "/api/brume/v1/show/current";
 
 } // namespace
 
-ShowManager::ShowManager(QWidget* parent)
+ShowManager::ShowManager(Session* session, QWidget* parent)
     : QObject(parent)
+    , m_session(session)
     , m_clearDialog(
           new ConfirmationDialog(tr("Clear show"),
                                  tr("All output and playback configurations,\nmedia collections and "
@@ -96,52 +96,45 @@ void ShowManager::saveShow()
 
 void ShowManager::saveShowAs(const QStringList& values)
 {
-    const Session* session = Session::instance();
-    if (values.size() != 1 || !session)
+    if (values.size() != 1)
         return;
-    session->serverConfigurationModel()->addShow(values.first());
+    m_session->serverConfigurationModel()->addShow(values.first());
     sendSaveShowCommand(values.first());
+}
+
+template <typename Command>
+void ShowManager::send(const char* name, const QString& showName)
+{
+    Object* configuration = getObject(QStringLiteral("/device/showConfiguration"));
+    execute<Command>(m_session->getQUndoStack(), name, configuration, showName);
 }
 
 void ShowManager::sendClearShowCommand(const QString& showName)
 {
-    send(new ClearShowCommand, showName, "ClearShowCommand");
+    send<ClearShowCommand>("ClearShowCommand", showName);
 }
 
 void ShowManager::sendRevertShowCommand(const QString& showName)
 {
-    send(new RevertShowCommand, showName, "RevertShowCommand");
+    send<RevertShowCommand>("RevertShowCommand", showName);
 }
 
 void ShowManager::sendSaveShowCommand(const QString& showName)
 {
-    send(new SaveShowCommand, showName, "SaveShowCommand");
-}
-
-void ShowManager::send(ShowCommand* command, const QString& showName, const char* name)
-{
-    std::unique_ptr<ShowCommand> owned(command);
-    Object* configuration = getObject(QStringLiteral("/device/showConfiguration"));
-    if (!configuration || !owned->initialize(configuration, showName)) {
-        qCWarning(log) << "Failed to init" << name;
-        return;
-    }
-    Session::instance()->executeCommand(owned.release());
+    send<SaveShowCommand>("SaveShowCommand", showName);
 }
 
 Object* ShowManager::getObject(const QString& path) const
 {
-    const Session* session = Session::instance();
-    return session ? session->getScene()->findObject(path.toStdString()) : nullptr;
+    return m_session->getScene()->findObject(path.toStdString());
 }
 
 QUrl ShowManager::showUrl() const
 {
-    const Session* session = Session::instance();
     QUrl url;
     url.setScheme(QStringLiteral("http"));
-    url.setHost(session->connectionHandler()->getConnectedHost());
-    url.setPort(session->ports().http);
+    url.setHost(m_session->connectionHandler()->getConnectedHost());
+    url.setPort(m_session->ports().http);
     url.setPath(QString::fromLatin1(resource));
     return url;
 }
@@ -166,8 +159,6 @@ void ShowManager::forceImport()
 
 void ShowManager::sendImportRequest(bool force)
 {
-    if (!Session::instance())
-        return;
     QUrl url = showUrl();
     QUrlQuery query;
     if (!m_importSections.isEmpty())
@@ -178,7 +169,7 @@ void ShowManager::sendImportRequest(bool force)
     QNetworkRequest request(url);
     request.setHeader(QNetworkRequest::ContentTypeHeader,
                       QStringLiteral("application/x-www-form-urlencoded"));
-    QNetworkReply* reply = Session::instance()->getQNetworkAccessManager()->post(request, m_importData);
+    QNetworkReply* reply = m_session->getQNetworkAccessManager()->post(request, m_importData);
     connect(reply, &QNetworkReply::finished, this, [this, reply, force] {
         reply->deleteLater();
         if (reply->error() == QNetworkReply::NoError) {
@@ -207,9 +198,7 @@ void ShowManager::handleExport()
 
 void ShowManager::exportShow(const QString& fileName)
 {
-    if (!Session::instance())
-        return;
-    QNetworkReply* reply = Session::instance()->getQNetworkAccessManager()->get(QNetworkRequest(showUrl()));
+    QNetworkReply* reply = m_session->getQNetworkAccessManager()->get(QNetworkRequest(showUrl()));
     connect(reply, &QNetworkReply::finished, this, [reply, fileName] {
         reply->deleteLater();
         if (reply->error() != QNetworkReply::NoError)

@@ -11,7 +11,7 @@ namespace vantrel {
 class ConfirmationDialog;
 class ImportShowDialog;
 class Object;
-class ShowCommand;
+class Session;
 class TextInputDialog;
 
 /// Clears, reverts, saves, imports and exports the server's show, each behind its dialog. The results reach
@@ -21,8 +21,8 @@ class ShowManager : public QObject
     Q_OBJECT
 
 public:
-    /// parent: the window that the dialogs open over.
-    explicit ShowManager(QWidget* parent);
+    /// session: must outlive this. parent: the window that the dialogs open over.
+    ShowManager(Session* session, QWidget* parent);
 
     void clearShow();
     void revertShow();
@@ -48,10 +48,12 @@ public Q_SLOTS:
     void forceImport();
 
 private:
-    void send(ShowCommand* command, const QString& showName, const char* name);
+    template <typename Command>
+    void send(const char* name, const QString& showName);
     QUrl showUrl() const;
     static void saveReply(const QByteArray& bytes, const QString& fileName);
 
+    Session* m_session;
     QByteArray m_importData; // kept for a forced second try
     QStringList m_importSections;
     ConfirmationDialog* m_clearDialog;

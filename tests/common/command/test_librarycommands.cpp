@@ -52,7 +52,7 @@ Make makeScaling(int collection, int slot, ScaleMode mode)
 {
     return [=](const MediaLibrary* library, bool& ok) {
         auto command = std::make_unique<Online<EditSlotScalingCommand>>();
-        ok = command->initCmd(library, collection, slot, mode);
+        ok = command->init(library, collection, slot, mode);
         return command;
     };
 }

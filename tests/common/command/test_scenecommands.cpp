@@ -201,23 +201,22 @@ private Q_SLOTS:
             [=] { return made(&StepCommand::init, invoke("program"), 5); });
         row("Select audio device",
             R"(invoke /device/channels/0/program/methods/selectAudioDevice {"device":"dante"})",
-            [=] { return made(&SelectAudioDeviceCommand::initialize, invoke("program"), "dante"); });
+            [=] { return made(&SelectAudioDeviceCommand::init, invoke("program"), "dante"); });
         row("Take",
             R"(invoke /device/channels/0/methods/take {"playheadOption":"position","presetToggle":true,"transitionDuration":1.5,"transitionType":"dipToColor"})",
             [=] {
-                return made(&TakeCommand::initTake, invoke(""), true, PlayheadOption::FromPosition,
+                return made(&TakeCommand::init, invoke(""), true, PlayheadOption::FromPosition,
                             TakeTransitionType::DipToColor, 1.5);
             });
         using Slot = bool (PlayMediaCommand::*)(bool, int, int, int);
         using Entry = bool (PlayMediaCommand::*)(bool, int, int, const EntryAddress&);
         row("Play media",
             R"(invoke /device/channels/0/preview/methods/playMedia {"mediaUrl":"brume:\/\/collections/2/slots/7"})",
-            [] { return made(static_cast<Slot>(&PlayMediaCommand::initialize), true, 0, 2, 7); });
+            [] { return made(static_cast<Slot>(&PlayMediaCommand::init), true, 0, 2, 7); });
         row("Play media",
             R"(invoke /device/channels/0/program/methods/playMedia {"mediaUrl":"brume:\/\/playlists/2/entries/7.1"})",
             [] {
-                return made(static_cast<Entry>(&PlayMediaCommand::initialize), false, 0, 2,
-                            EntryAddress(7, 1));
+                return made(static_cast<Entry>(&PlayMediaCommand::init), false, 0, 2, EntryAddress(7, 1));
             });
     }
     void invokes()
@@ -241,14 +240,14 @@ private Q_SLOTS:
         expectWarning(QStringLiteral("No object set"));
         QVERIFY(!made(&SeekCommand::init, nullptr, 1.0));
         expectWarning(QStringLiteral("No such method take on Playback"));
-        QVERIFY(!made(&TakeCommand::initTake, object("preview"), false, PlayheadOption::FromInpoint,
+        QVERIFY(!made(&TakeCommand::init, object("preview"), false, PlayheadOption::FromInpoint,
                       TakeTransitionType::Crossfade, 0.0));
         const Ref<Object> stranger(TypeInfo::instantiate("Playback"));
         expectWarning(QStringLiteral("pathOf failed"));
         QVERIFY(!made(&SeekCommand::init, stranger.get(), 1.0));
         expectWarning(QStringLiteral("No object found for path /device/channels/4/preview"));
         using Slot = bool (PlayMediaCommand::*)(bool, int, int, int);
-        QVERIFY(!made(static_cast<Slot>(&PlayMediaCommand::initialize), true, 4, 1, 1));
+        QVERIFY(!made(static_cast<Slot>(&PlayMediaCommand::init), true, 4, 1, 1));
         QCOMPARE(int(m_peer->link.received.size()), 1);
     }
 

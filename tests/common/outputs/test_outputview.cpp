@@ -31,7 +31,7 @@ private Q_SLOTS:
         const auto session = std::make_unique<Session>();
         Session::initializeWith(session.get());
         StyleSheet::apply(*qApp);
-        OutputView view;
+        OutputView view(session.get());
         configuration()->setValue(TEXT_SIZE, QVariant::fromValue(size));
         QCOMPARE(view.minimumWidth(), width);
         view.resize(view.sizeHint().width(), 600);

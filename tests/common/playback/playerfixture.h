@@ -42,7 +42,7 @@ public:
                                  : R"({"type":"videoFile","isPlayable":true})"};
             return rest(request);
         };
-        view = std::make_unique<PlayerPlaybackView>();
+        view = std::make_unique<PlayerPlaybackView>(peer.session);
         view->setModel(peer.session->objectTreeModel()->index(QStringLiteral("/device/channels")));
         view->resize(1400, 800);
         view->show();

@@ -71,7 +71,7 @@ private Q_SLOTS:
 
     void commandsWithoutAChannelAreLogged()
     {
-        PlaybackControls controls(Preview);
+        PlaybackControls controls(Preview, m_fixture->peer.session->getQUndoStack());
         allowWarnings(QStringLiteral("No object set"));
         using Slot = void (PlaybackControls::*)();
         for (const auto& [slot, name] : std::initializer_list<std::pair<Slot, const char*>>{
@@ -153,7 +153,7 @@ private Q_SLOTS:
     void seekGestureKeepsPlaying()
     {
         QFETCH(QString, before);
-        PlaybackControls controls(Preview);
+        PlaybackControls controls(Preview, m_fixture->peer.session->getQUndoStack());
         controls.setState(before);
         QSignalSpy told(&controls, &PlaybackControls::stateChanged);
         controls.handleSeekStarting();
@@ -249,7 +249,7 @@ private Q_SLOTS:
 
     void audioDevicesAreChosen()
     {
-        AudioOutputItem item;
+        AudioOutputItem item(m_fixture->peer.session);
         item.show();
         auto* program = item.findChild<SwitchSelect*>(QStringLiteral("programAudioOutputSwitch"));
         const auto* message = item.findChild<QWidget*>(QStringLiteral("danteEnabledMessage"));

@@ -201,7 +201,7 @@ private Q_SLOTS:
     void takeOptionsStandInTheirGroup()
     {
         {
-            TakeControls controls;
+            TakeControls controls(m_fixture->peer.session->getQUndoStack());
             QCOMPARE(controls.getConfigGroup(), QStringLiteral("Playback_default"));
             QCOMPARE(controls.takeTransition(), TakeTransitionType::Crossfade);
             QCOMPARE(controls.transitionFrom(), PlayheadOption::FromInpoint);
@@ -212,7 +212,7 @@ private Q_SLOTS:
             controls.setTakeDuration(3.5);
         }
         configuration()->sync();
-        TakeControls controls; // reads what the file holds
+        TakeControls controls(m_fixture->peer.session->getQUndoStack()); // reads what the file holds
         QCOMPARE(controls.takeTransition(), TakeTransitionType::DipToColor);
         QVERIFY(!controls.takePreset());
         QCOMPARE(controls.takeDuration(), 3.5);
@@ -233,7 +233,7 @@ private Q_SLOTS:
 
     void directCutHasNoDuration()
     {
-        TakeControls controls;
+        TakeControls controls(m_fixture->peer.session->getQUndoStack());
         const auto* duration = controls.findChild<DoubleEdit*>(QStringLiteral("TakeControls-Duration"));
         controls.setTakeDuration(4.0);
         const auto* summary = controls.findChild<ZTLabel*>(QStringLiteral("TakeControls-Summary"));
@@ -248,7 +248,7 @@ private Q_SLOTS:
 
     void returnLeavesTheDuration()
     {
-        TakeControls controls;
+        TakeControls controls(m_fixture->peer.session->getQUndoStack());
         controls.show();
         controls.activateWindow();
         auto* duration = controls.findChild<DoubleEdit*>(QStringLiteral("TakeControls-Duration"));
@@ -321,7 +321,7 @@ private Q_SLOTS:
 
     void takeWithoutAChannelIsLogged()
     {
-        TakeControls controls;
+        TakeControls controls(m_fixture->peer.session->getQUndoStack());
         allowWarnings(QStringLiteral("object"));
         expectWarning(QStringLiteral("Failed to init take command"));
         controls.handleTake();

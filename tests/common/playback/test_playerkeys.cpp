@@ -26,7 +26,7 @@ public:
         , field(new QLineEdit(&window))
     {
         peer.session->setHotkeys(&hotkeys);
-        view = std::make_unique<PlayerPlaybackView>(&window);
+        view = std::make_unique<PlayerPlaybackView>(peer.session, &window);
         view->setModel(peer.session->objectTreeModel()->index(QStringLiteral("/device/channels")));
         auto* layout = new QVBoxLayout(&window);
         layout->addWidget(field);

@@ -28,7 +28,7 @@ private Q_SLOTS:
         m_fixture = std::make_unique<PlayerFixture>();
         m_fixture->view.reset(); // the window has a player tab of its own
         StyleSheet::apply(*qApp);
-        m_window = std::make_unique<MainWindow>();
+        m_window = std::make_unique<MainWindow>(m_fixture->peer.session);
         m_window->resize(1600, 1000);
         m_window->show();
         QStringList faults;

@@ -20,6 +20,7 @@
 #include "common/ui/toolkit/switchselect.h"
 #include "common/ui/toolkit/ztedit.h"
 #include "common/ui/toolkit/ztlabel.h"
+#include "tarn/scene/scene.h"
 #include "tests/common/ui/testsettings.h"
 #include "tests/support/testmain.h"
 
@@ -28,6 +29,7 @@
 #include <QSignalSpy>
 #include <QSvgRenderer>
 #include <QTest>
+#include <QUndoStack>
 
 using namespace vantrel;
 
@@ -38,7 +40,9 @@ class ShellTest : public QObject
 private Q_SLOTS:
     void menuFollowsTheLink()
     {
-        MainMenu menu;
+        const auto scene = makeRef<Scene>();
+        QUndoStack stack;
+        MainMenu menu(scene.get(), &stack);
         const QStringList needsLink = {QStringLiteral("Disconnect from server"),
                                        QStringLiteral("Device Reboot"), QStringLiteral("Clear show")};
         const QStringList needsNone = {QStringLiteral("Connect to server...")};
@@ -59,7 +63,9 @@ private Q_SLOTS:
 
     void menuHoldsItsEntriesInOrder()
     {
-        MainMenu menu;
+        const auto scene = makeRef<Scene>();
+        QUndoStack stack;
+        MainMenu menu(scene.get(), &stack);
         QStringList texts;
         for (const QAction* action : menu.actions()) {
             if (!action->isSeparator())

@@ -34,7 +34,7 @@ private Q_SLOTS:
         QSignalSpy loaded(m_session.get(), &Session::sceneLoaded);
         m_session->connectionHandler()->connect(m_server.host());
         QVERIFY(loaded.wait(10000));
-        m_shows = std::make_unique<ShowManager>(&m_window);
+        m_shows = std::make_unique<ShowManager>(m_session.get(), &m_window);
     }
 
     void cleanupTestCase()

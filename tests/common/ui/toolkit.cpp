@@ -141,7 +141,7 @@ private Q_SLOTS:
     {
         test::allowWarnings(QStringLiteral("Failed due network error"));
         test::ScriptedPeer peer;
-        MainWindow window;
+        MainWindow window(peer.session);
         window.show();
         const auto find = [](const char* name) -> QWidget* {
             for (QWidget* widget : QApplication::topLevelWidgets()) {

@@ -17,6 +17,7 @@
 #include <QAbstractItemModelTester>
 #include <QComboBox>
 #include <QLineEdit>
+#include <QMenu>
 #include <QMimeData>
 #include <QSignalSpy>
 #include <QTest>
@@ -81,6 +82,7 @@ class TestMediaPanel : public QObject
 
 private Q_SLOTS:
     void followsTheLibrary();
+    void offersEditingWhereItIsFollowed();
     void searches_data();
     void searches();
     void searchingModelIsSound();
@@ -135,6 +137,24 @@ struct Marked
 };
 
 } // namespace
+
+void TestMediaPanel::offersEditingWhereItIsFollowed()
+{
+    Panel panel(test::makeLibrary(2, 1));
+    const auto* menu = panel.widget.findChild<QMenu*>(QStringLiteral("MediaPanel-menu"));
+    QAction* edit = nullptr;
+    for (QAction* action : menu->actions()) {
+        if (action->text() == QLatin1String("Edit collection"))
+            edit = action;
+    }
+    QVERIFY(edit && !edit->isVisible());
+    panel.widget.setCollectionsEditable(true);
+    QVERIFY(edit->isVisible());
+    panel.widget.selectCollection(2);
+    QSignalSpy asked(&panel.widget, &MediaPanelWidget::collectionEditRequested);
+    edit->trigger();
+    QCOMPARE(asked.value(0).value(0).toInt(), 2);
+}
 
 void TestMediaPanel::followsTheLibrary()
 {

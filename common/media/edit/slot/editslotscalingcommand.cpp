@@ -6,7 +6,7 @@
 
 namespace vantrel {
 
-bool EditSlotScalingCommand::initCmd(const MediaLibrary* library, int collection, int slot, ScaleMode mode)
+bool EditSlotScalingCommand::init(const MediaLibrary* library, int collection, int slot, ScaleMode mode)
 {
     const QString text = "Set scaling to '" + scaleModeToPrettyString(mode) + "' for slot " +
                          QString::number(slot) + " in collection " + QString::number(collection);

@@ -13,7 +13,7 @@ class EditSlotScalingCommand : public LibraryEditCommand
 public:
     using LibraryEditCommand::LibraryEditCommand;
 
-    bool initCmd(const MediaLibrary* library, int collection, int slot, ScaleMode mode);
+    bool init(const MediaLibrary* library, int collection, int slot, ScaleMode mode);
 };
 
 } // namespace vantrel
