@@ -23,7 +23,7 @@ class PlaybackControls : public ZTFrame
     Q_PROPERTY(QString state READ state WRITE setState NOTIFY stateChanged)
 
 public:
-    /// stack: executes the commands; must outlive this.
+    /// stack: executes the commands; must outlive this. Without one they fail with a warning.
     PlaybackControls(PlaybackViewMode viewMode, QUndoStack* stack, QWidget* parent = nullptr);
     ~PlaybackControls() override;
 

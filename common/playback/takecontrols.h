@@ -31,7 +31,7 @@ class TakeControls : public ZTFrame
     Q_OBJECT
 
 public:
-    /// stack: executes the take; must outlive this.
+    /// stack: executes the take; must outlive this. Without one it fails with a warning.
     explicit TakeControls(QUndoStack* stack, QWidget* parent = nullptr);
     ~TakeControls() override;
 

@@ -274,13 +274,13 @@ QWidget* makeTakes(QWidget* parent)
         taking.append(button);
     }
     grid->addRow(QStringLiteral("taking"), taking);
-    auto* narrow = new TakeControls;
+    auto* narrow = new TakeControls(nullptr);
     narrow->setColumnStep(ColumnStep::Narrow);
-    auto* cut = new TakeControls;
+    auto* cut = new TakeControls(nullptr);
     cut->setTransitionType(TakeTransitionType::DirectCut);
     cut->setTakePreset(false);
     cut->updateDurationEditReadOnlyState();
-    grid->addRow(QStringLiteral("TakeControls"), {new TakeControls, narrow, cut});
+    grid->addRow(QStringLiteral("TakeControls"), {new TakeControls(nullptr), narrow, cut});
     return grid;
 }
 
