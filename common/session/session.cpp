@@ -235,8 +235,10 @@ void Session::followLibrary(const QString& host)
     });
     connect(api, &MediaLibraryApi::mediaLibraryRequestFailed, this,
             [api] { QTimer::singleShot(libraryRetry, api, &MediaLibraryApi::requestMediaLibrary); });
+    connect(api, &MediaLibraryApi::readingChanged, this, &Session::libraryReadingChanged);
     api->listenChanges();
     api->requestMediaLibrary();
+    Q_EMIT libraryReadingChanged();
 }
 
 void Session::connectMediaLibraryApi()

@@ -111,6 +111,8 @@ Q_SIGNALS:
     void disconnected();
     /// The first drain of patches after a connection has ended.
     void sceneLoaded();
+    /// MediaLibraryApi::reading() of the present connection.
+    void libraryReadingChanged();
 
 private:
     void onConnect();

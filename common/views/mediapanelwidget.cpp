@@ -2,6 +2,7 @@
 
 #include "common/media/edit/implmediacollectionmanager.h"
 #include "common/media/edit/mediasloteditfunctional.h"
+#include "common/media/library/medialibraryapi.h"
 #include "common/media/library/medialibraryprovider.h"
 #include "common/media/models/collectionselectormodel.h"
 #include "common/media/models/medialibrarymodel.h"
@@ -53,6 +54,8 @@ MediaPanelWidget::MediaPanelWidget(Session* session, QWidget* parent)
     connect(session, &Session::connected, this, [this] { setConnected(true); });
     connect(session, &Session::disconnected, this, [this] { setConnected(false); });
     setConnected(session->isConnected());
+    connect(session, &Session::libraryReadingChanged, this, [this, session] { showReading(session); });
+    showReading(session);
     if (Hotkeys* hotkeys = session->hotkeys())
         addHotkeys(hotkeys);
 }
@@ -242,8 +245,28 @@ void MediaPanelWidget::selectCollection(int collection)
 void MediaPanelWidget::setConnected(bool connected)
 {
     m_connected = connected;
-    m_addButton->setEnabled(connected);
-    m_menuButton->setEnabled(connected && selectedCollection() >= 0);
+    updateEditable();
+}
+
+void MediaPanelWidget::showReading(const Session* session)
+{
+    using Reading = MediaLibraryApi::Reading;
+    if (const MediaLibraryApi* api = session->getMediaLibraryApi())
+        setLibrary(api->reading() == Reading::Done     ? Library::Read
+                   : api->reading() == Reading::Failed ? Library::Failed
+                                                       : Library::Loading);
+}
+
+void MediaPanelWidget::setLibrary(Library library)
+{
+    m_libraryState = library;
+    updateEditable();
+}
+
+void MediaPanelWidget::updateEditable()
+{
+    m_addButton->setEnabled(isEditable());
+    m_menuButton->setEnabled(isEditable() && selectedCollection() >= 0);
     updateEmptyText();
 }
 
@@ -252,7 +275,7 @@ void MediaPanelWidget::updateChooser()
     const int number = selectedCollection();
     m_chooser->setCurrentIndex(
         number < 0 ? -1 : m_chooser->findData(number, CollectionSelectorModel::CollectionNumberRole));
-    m_menuButton->setEnabled(m_connected && number >= 0);
+    m_menuButton->setEnabled(isEditable() && number >= 0);
     fitButtons();
 }
 
@@ -278,6 +301,11 @@ void MediaPanelWidget::updateEmptyText()
     if (!hasCollection && !m_connected)
         m_view->setEmpty(QStringLiteral("media"),
                          tr("No server connected. Connect from the menu to see its media."));
+    else if (!hasCollection && m_libraryState == Library::Loading)
+        m_view->setEmpty(QStringLiteral("media"), tr("Loading the library from the server ..."));
+    else if (!hasCollection && m_libraryState == Library::Failed)
+        m_view->setEmpty(QStringLiteral("media"),
+                         tr("The library could not be read from the server. It is tried again each second."));
     else if (!hasCollection)
         m_view->setEmpty(QStringLiteral("folder"),
                          tr("There are no collections yet. Add one with the + button above."));
@@ -317,7 +345,7 @@ void MediaPanelWidget::moveSlot(const QModelIndex& source, int beforeRow)
     while (to < end &&
            !m_library->index(to, 0, collection).data(MediaLibraryModel::UrlRole).toUrl().isEmpty())
         ++to;
-    if (to < end && to != from && m_connected)
+    if (to < end && to != from && isEditable())
         m_manager->moveSlot(selectedCollection(), from, to);
 }
 
@@ -336,7 +364,7 @@ QList<int> MediaPanelWidget::selectedSlots() const
 void MediaPanelWidget::clearSelectedSlots()
 {
     const QList<int> numbers = selectedSlots();
-    if (!numbers.isEmpty() && m_connected)
+    if (!numbers.isEmpty() && isEditable())
         MediaSlotEditFunctional::clearSlots(selectedCollection(), numbers);
 }
 
@@ -374,7 +402,7 @@ void MediaPanelWidget::showSlotMenu(const QPoint& position)
     clear->setShortcut(Hotkeys::current(QStringLiteral("delete")));
     connect(clear, &QAction::triggered, this, &MediaPanelWidget::clearSelectedSlots);
     for (QAction* action : {rename, scaling->menuAction(), clear})
-        action->setEnabled(m_connected);
+        action->setEnabled(isEditable());
     menu->popup(m_view->viewport()->mapToGlobal(position));
 }
 

@@ -42,6 +42,10 @@ public:
     void selectCollection(int collection);
     /// Without a server an empty panel says so.
     void setConnected(bool connected);
+    /// Whether the library is the server's: until then an empty panel says what it waits for, and nothing is
+    /// edited.
+    enum class Library { Loading, Failed, Read };
+    void setLibrary(Library library);
     /// Whether the menu offers to edit the collection: where somebody follows collectionEditRequested.
     void setCollectionsEditable(bool editable);
 
@@ -60,6 +64,9 @@ private:
     void updateChooser();
     void fitSearch();
     void fitButtons();
+    void showReading(const Session* session);
+    void updateEditable();
+    bool isEditable() const { return m_connected && m_libraryState == Library::Read; }
     void updateEmptyText();
     void onActivated(const QModelIndex& index);
     void onScrolled();
@@ -91,6 +98,7 @@ private:
     SlotListView* m_view = nullptr;
     QTimer m_scrollRest;
     QTimer m_refresh;
+    Library m_libraryState = Library::Read;
     bool m_connected = false;
     bool m_choosesAdded = false; // the next collection that comes is the one made here
 };

@@ -15,6 +15,7 @@
 
 #include <algorithm>
 #include <string>
+#include <utility>
 
 namespace vantrel {
 
@@ -199,7 +200,7 @@ void MediaLibraryApi::onStreamEnded(QNetworkReply* stream)
 /// From here on the library here grows old: nothing is made on it any more.
 void MediaLibraryApi::loseStream()
 {
-    m_reading = Reading::Awaited;
+    setReading(Reading::Awaited);
     m_edits->refuseAll(tr("The server does not tell of changes any more; the library is read anew."));
     Q_EMIT streamLost();
 }
@@ -401,7 +402,7 @@ void MediaLibraryApi::adoptLibrary(MediaLibrary& fetched, std::optional<qint64> 
     }
     // What came meanwhile is in it now.
     m_revision = revision ? std::max(revision, m_revision) : std::nullopt;
-    m_reading = Reading::Done;
+    setReading(Reading::Done);
     fetchEnded();
     LibraryReading::Remains remains(*m_library);
     *m_library = fetched;
@@ -411,10 +412,16 @@ void MediaLibraryApi::adoptLibrary(MediaLibrary& fetched, std::optional<qint64> 
 
 void MediaLibraryApi::fetchFailed()
 {
-    m_reading = Reading::Failed;
+    setReading(Reading::Failed);
     fetchEnded();
     m_edits->refuseAll(tr("The library could not be read from the server."));
     Q_EMIT mediaLibraryRequestFailed();
+}
+
+void MediaLibraryApi::setReading(Reading reading)
+{
+    if (std::exchange(m_reading, reading) != reading)
+        Q_EMIT readingChanged();
 }
 
 Json MediaLibraryApi::libraryJson() const

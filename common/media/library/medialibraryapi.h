@@ -97,6 +97,8 @@ Q_SIGNALS:
     void mediaLibraryRequestFailed();
     /// The event stream has ended, or stays silent: from now on changes of others go unheard.
     void streamLost();
+    /// reading() is another one.
+    void readingChanged();
     void collectionsReceived(QList<vantrel::CollectionAndIndex> collections);
     void playlistsReceived(QList<vantrel::Playlist> playlists);
     void mediaLibraryReplaced();
@@ -125,6 +127,7 @@ private:
     void fetchFailed();
     void onStreamEnded(QNetworkReply* stream);
     void loseStream();
+    void setReading(Reading reading);
     void onStreamData();
     void handleMessage(const QByteArray& data);
     void emitLibraryChanges(const LibraryChanges& changes);
