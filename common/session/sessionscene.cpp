@@ -5,6 +5,7 @@
 #include "common/session/window/mainwindowhandle.h"
 #include "tarn/json/patch.h"
 #include "tarn/scene/scene.h"
+#include "tarn/scene/sceneoperation.h"
 
 #include <QElapsedTimer>
 #include <QTimer>
@@ -19,24 +20,6 @@ namespace {
 constexpr std::size_t quietThreshold = 20; // operations of a patch that are still painted one by one
 constexpr qint64 sliceTime = 8;            // milliseconds of applying before the window may breathe
 
-bool operationOf(const Scene& scene, const SceneChange& change, PatchOp& op)
-{
-    switch (change.kind) {
-    case SceneChange::Added:
-        op.op = PatchOpType::Add;
-        op.value = Json::object();
-        return scene.pathOf(change.object, op.path);
-    case SceneChange::Removed:
-        op.op = PatchOpType::Remove;
-        return scene.pathOf(change.object, op.path);
-    case SceneChange::PropertyChanged:
-        op.op = PatchOpType::Replace;
-        Json::fromVariant(change.value, op.value);
-        return scene.pathOf(change.object, change.property, op.path);
-    default:
-        return false;
-    }
-}
 /// Takes the items out of the arrays of the scene's skeleton; false when the slice of time was over before.
 bool emptyArrays(Scene& scene, Object* below, const QElapsedTimer& clock)
 {
