@@ -147,11 +147,8 @@ void Server::startEngine()
 {
     m_engine.reset(); // never two at once
     m_engine = std::make_unique<Engine>(m_io, *m_scene, m_store->library(), EngineConfig{m_options.media});
-    m_engine->setPreviewSink([preview = m_preview.get()](PreviewPicture picture) {
-        PreviewFrame frame{std::move(picture.source), Frame(picture.surface.get(), picture.timeNs)};
-        frame.frame.setStreamIndex(picture.stream);
-        preview->show(std::move(frame));
-    });
+    m_engine->setPreviewSink(
+        [preview = m_preview.get()](PreviewFrame picture) { preview->show(std::move(picture)); });
     m_engine->setLevelSink([preview = m_preview.get()](const PreviewLevels& levels) {
         PreviewFrame frame{levels.source, Frame(levels.levels.toSurface().get(), levels.timeNs)};
         frame.frame.setStreamIndex(levels.stream);

@@ -31,6 +31,7 @@
 #include <QDir>
 #include <QFileSystemModel>
 #include <QNetworkAccessManager>
+#include <QPointer>
 #include <QTimer>
 #include <QUndoStack>
 
@@ -50,29 +51,15 @@ Session::Session()
 
 Session::~Session()
 {
+    if (theInstance == this)
+        theInstance = nullptr;
     if (m_scene)
         m_scene->removeChangeCallback(&Session::onSceneChange, this);
     // A thread that hangs in a name look-up is left to the process's end; it must not outlive its object.
     if (m_connection && !m_connection->shutDown(shutDownTime)) {
         m_connection->QObject::disconnect();
-        m_connection->setParent(nullptr);
+        m_connection.release();
     }
-    m_preview.reset();
-    m_resourceStatus.reset();
-    m_undoStack.reset();
-    // Children that hold on to the scene or the library go before those do.
-    delete m_mediaLibraryApi;
-    delete m_metadataClient;
-    delete m_mediaDataAggregator;
-    delete m_formerAggregator;
-    delete m_previewPlaybackModel;
-    delete m_programPlaybackModel;
-    delete m_mediaLibraryModel;
-    delete m_sceneObjects;
-    delete m_playlistProvider;
-    delete m_mediaLibraryProvider;
-    if (theInstance == this)
-        theInstance = nullptr;
 }
 
 void Session::initialize(const ServerPorts& ports)
@@ -99,7 +86,7 @@ QAbstractItemModel* Session::localFileSystemModel() const
 
 QAbstractItemModel* Session::remoteFileSystemModel() const
 {
-    return m_remoteFileSystemModel;
+    return nullptr;
 }
 
 Configuration* Session::configuration() const
@@ -144,22 +131,23 @@ bool Session::isConnected() const
 
 void Session::doInit()
 {
-    m_qnam = new QNetworkAccessManager(this);
-    m_network = std::make_unique<NetworkAccessManager>(m_qnam);
+    m_qnam = std::make_unique<QNetworkAccessManager>();
+    m_network = std::make_unique<NetworkAccessManager>(m_qnam.get());
     m_scene = makeRef<Scene>();
     m_scene->addChangeCallback(&Session::onSceneChange, this);
     m_mediaLibrary = makeRef<MediaLibrary>();
     m_objectTree = std::make_unique<ObjectTreeModel>();
     m_objectTree->setScene(m_scene.get());
-    m_mediaLibraryProvider = new MediaLibraryProvider(m_mediaLibrary, this);
-    m_mediaLibraryProvider->setTrimCommands(&makeInpointCommand, &makeOutpointCommand);
-    m_playlistProvider = new PlaylistProvider(m_mediaLibrary, m_mediaLibraryProvider, this);
-    m_sceneObjects =
-        new SceneObjectProvider(m_objectTree.get(), m_playlistProvider, m_mediaLibraryProvider, this);
+    m_mediaLibraryProvider = std::make_unique<MediaLibraryProvider>(m_mediaLibrary);
+    MediaLibraryProvider* const library = m_mediaLibraryProvider.get();
+    library->setTrimCommands(&makeInpointCommand, &makeOutpointCommand);
+    m_playlistProvider = std::make_unique<PlaylistProvider>(m_mediaLibrary, library);
+    PlaylistProvider* const playlists = m_playlistProvider.get();
+    m_sceneObjects = std::make_unique<SceneObjectProvider>(m_objectTree.get(), playlists, library);
     GUIPlayback* const preview = m_sceneObjects->previewPlayback();
     GUIPlayback* const program = m_sceneObjects->programPlayback();
-    m_mediaLibraryModel = new MediaLibraryModel(m_mediaLibrary.get(), preview, program, this);
-    m_mediaLibraryModel->setMediaLibaryProvider(m_mediaLibraryProvider);
+    m_mediaLibraryModel = std::make_unique<MediaLibraryModel>(m_mediaLibrary.get(), preview, program);
+    m_mediaLibraryModel->setMediaLibaryProvider(library);
     m_localFileSystemModel = std::make_unique<QFileSystemModel>();
     m_localFileSystemModel->setRootPath(QDir::rootPath());
     m_configuration = std::make_unique<Configuration>();
@@ -168,17 +156,17 @@ void Session::doInit()
     initConnection();
     m_serverConfiguration = std::make_shared<ServerConfigurationModel>();
     m_serverConfiguration->setShowConfiguration(m_sceneObjects->showConfiguration());
-    m_previewPlaybackModel = new PlaybackModel(preview, m_playlistProvider, this);
-    m_programPlaybackModel = new PlaybackModel(program, m_playlistProvider, this);
+    m_previewPlaybackModel = std::make_unique<PlaybackModel>(preview, playlists, nullptr);
+    m_programPlaybackModel = std::make_unique<PlaybackModel>(program, playlists, nullptr);
     wireProviders();
 }
 
 void Session::initConnection()
 {
-    m_connection = new ConnectionHandler(m_ports.link, this);
-    connect(m_connection, &ConnectionHandler::patchAvailable, this, &Session::onPatchAvailable);
-    connect(m_connection, &ConnectionHandler::connected, this, &Session::onConnect);
-    connect(m_connection, &ConnectionHandler::disconnected, this, &Session::onDisconnect);
+    m_connection = std::make_unique<ConnectionHandler>(m_ports.link);
+    connect(m_connection.get(), &ConnectionHandler::patchAvailable, this, &Session::onPatchAvailable);
+    connect(m_connection.get(), &ConnectionHandler::connected, this, &Session::onConnect);
+    connect(m_connection.get(), &ConnectionHandler::disconnected, this, &Session::onDisconnect);
     m_connection->start();
     m_systemProxy = std::make_unique<SystemProxy>();
     m_systemProxy->setSession(this);
@@ -187,16 +175,15 @@ void Session::initConnection()
 
 void Session::wireProviders()
 {
-    MediaLibraryProvider* library = m_mediaLibraryProvider;
+    MediaLibraryProvider* library = m_mediaLibraryProvider.get();
+    PlaylistProvider* playlists = m_playlistProvider.get();
     // Playlists are rebuilt after the slots that they link to, and the models after both.
-    connect(library, &MediaLibraryProvider::reset, m_playlistProvider, &PlaylistProvider::onReset);
+    connect(library, &MediaLibraryProvider::reset, playlists, &PlaylistProvider::onReset);
     connect(library, &MediaLibraryProvider::libraryCommandExec, this, &Session::executeCommand);
-    connect(library, &MediaLibraryProvider::slotAdded, m_playlistProvider, &PlaylistProvider::onSlotModified);
-    connect(library, &MediaLibraryProvider::slotChanged, m_playlistProvider,
-            &PlaylistProvider::onSlotModified);
-    connect(library, &MediaLibraryProvider::slotRemoved, m_playlistProvider,
-            &PlaylistProvider::onSlotModified);
-    for (PlaybackModel* model : {m_previewPlaybackModel, m_programPlaybackModel}) {
+    connect(library, &MediaLibraryProvider::slotAdded, playlists, &PlaylistProvider::onSlotModified);
+    connect(library, &MediaLibraryProvider::slotChanged, playlists, &PlaylistProvider::onSlotModified);
+    connect(library, &MediaLibraryProvider::slotRemoved, playlists, &PlaylistProvider::onSlotModified);
+    for (PlaybackModel* model : {m_previewPlaybackModel.get(), m_programPlaybackModel.get()}) {
         connect(library, &MediaLibraryProvider::slotAdded, model, &PlaybackModel::onSlotModified);
         connect(library, &MediaLibraryProvider::slotChanged, model, &PlaybackModel::onSlotModified);
         connect(library, &MediaLibraryProvider::slotRemoved, model, &PlaybackModel::onSlotModified);
@@ -210,28 +197,30 @@ void Session::onConnect()
     const QString host = m_connection->getConnectedHost();
     if (host.isEmpty())
         return; // the operator left before this signal came through
-    m_sceneLoading = true;
-    m_sceneCleared = false;
+    m_loading = Loading::Stale;
     m_nextPatch = {};
     qCInfo(lcSession, "Session connected to: %s", qPrintable(host));
     followLibrary(host);
     initMediaLibraryHelpers(host);
     Q_EMIT connected(host);
-    delete m_metadataClient;
-    m_metadataClient = new MetadataClient(host, m_ports.http, this);
+    m_metadataClient.reset();
+    m_metadataClient = std::make_unique<MetadataClient>(host, m_ports.http);
 }
 
 /// Reads the library and follows its changes; what goes wrong with either is tried again as long as the link
 /// stands.
 void Session::followLibrary(const QString& host)
 {
-    delete m_mediaLibraryApi;
-    auto* const api = new MediaLibraryApi(host, m_qnam, m_mediaLibrary.get(), this);
-    m_mediaLibraryApi = api;
+    m_mediaLibraryApi.reset();
+    m_mediaLibraryApi = std::make_unique<MediaLibraryApi>(host, m_qnam.get(), m_mediaLibrary.get());
+    MediaLibraryApi* const api = m_mediaLibraryApi.get();
     api->setPort(m_ports.http);
     connectMediaLibraryApi();
-    connect(api, &MediaLibraryApi::streamLost, this, [this, api, host] {
-        QTimer::singleShot(libraryRetry, api, [this, host] { followLibrary(host); });
+    connect(api, &MediaLibraryApi::streamLost, this, [this, api = QPointer(api), host] {
+        QTimer::singleShot(libraryRetry, this, [this, api, host] {
+            if (api && api == m_mediaLibraryApi.get())
+                followLibrary(host);
+        });
     });
     connect(api, &MediaLibraryApi::mediaLibraryRequestFailed, this,
             [api] { QTimer::singleShot(libraryRetry, api, &MediaLibraryApi::requestMediaLibrary); });
@@ -244,9 +233,9 @@ void Session::followLibrary(const QString& host)
 void Session::connectMediaLibraryApi()
 {
     using Api = MediaLibraryApi;
-    const Api* api = m_mediaLibraryApi;
+    const Api* api = m_mediaLibraryApi.get();
     // The order of the connections is the order in which models and providers learn of a change.
-    MediaLibraryModel* model = m_mediaLibraryModel;
+    MediaLibraryModel* model = m_mediaLibraryModel.get();
     connect(api, &Api::mediaLibraryReplaced, model, &MediaLibraryModel::reset);
     connect(api, &Api::mediaCollectionChanged, model, &MediaLibraryModel::onCollectionChanged);
     connect(api, &Api::mediaCollectionAdded, model, &MediaLibraryModel::onCollectionAdded);
@@ -254,7 +243,7 @@ void Session::connectMediaLibraryApi()
     connect(api, &Api::mediaAdded, model, &MediaLibraryModel::onMediaAdded);
     connect(api, &Api::mediaChanged, model, &MediaLibraryModel::onMediaChanged);
     connect(api, &Api::mediaRemoved, model, &MediaLibraryModel::onMediaRemoved);
-    MediaLibraryProvider* library = m_mediaLibraryProvider;
+    MediaLibraryProvider* library = m_mediaLibraryProvider.get();
     connect(api, &Api::mediaLibraryReplaced, library, &MediaLibraryProvider::onReset);
     connect(api, &Api::mediaCollectionChanged, library, &MediaLibraryProvider::onCollectionChanged);
     connect(api, &Api::mediaCollectionAdded, library, &MediaLibraryProvider::onCollectionAdded);
@@ -262,7 +251,7 @@ void Session::connectMediaLibraryApi()
     connect(api, &Api::mediaAdded, library, &MediaLibraryProvider::onSlotAdded);
     connect(api, &Api::mediaChanged, library, &MediaLibraryProvider::onSlotChanged);
     connect(api, &Api::mediaRemoved, library, &MediaLibraryProvider::onSlotRemoved);
-    PlaylistProvider* playlists = m_playlistProvider;
+    PlaylistProvider* playlists = m_playlistProvider.get();
     connect(api, &Api::playlistAdded, playlists, &PlaylistProvider::onPlaylistAdded);
     connect(api, &Api::playlistChanged, playlists, &PlaylistProvider::onPlaylistChanged);
     connect(api, &Api::playlistRemoved, playlists, &PlaylistProvider::onPlaylistRemoved);
@@ -274,28 +263,28 @@ void Session::connectMediaLibraryApi()
 void Session::initMediaLibraryHelpers(const QString& host)
 {
     // Views may still hold the helpers of the last connection; those of the one before it go.
-    delete std::exchange(m_formerAggregator, m_mediaDataAggregator);
+    m_formerAggregator = std::move(m_mediaDataAggregator);
     auto* metadata = new MetadataProvider(host, m_network.get(), 1000);
     auto* thumbnails = new ThumbnailProvider(host, m_network.get(), 100);
     metadata->setPort(m_ports.http);
     thumbnails->setPort(m_ports.http);
     GUIPlayback* const preview = m_sceneObjects->previewPlayback();
     GUIPlayback* const program = m_sceneObjects->programPlayback();
-    m_mediaStateProvider =
-        new MediaStateProvider(preview, program, m_playlistProvider, m_mediaLibraryProvider, metadata, this);
-    m_mediaDataAggregator = new MediaDataAggregator(metadata, thumbnails, m_mediaStateProvider, this);
+    m_mediaStateProvider = new MediaStateProvider(preview, program, m_playlistProvider.get(),
+                                                  m_mediaLibraryProvider.get(), metadata);
+    m_mediaDataAggregator = std::make_unique<MediaDataAggregator>(metadata, thumbnails, m_mediaStateProvider);
     for (QObject* helper : {static_cast<QObject*>(metadata), static_cast<QObject*>(thumbnails),
                             static_cast<QObject*>(m_mediaStateProvider)})
-        helper->setParent(m_mediaDataAggregator);
+        helper->setParent(m_mediaDataAggregator.get());
     m_resourceStatus = std::make_unique<DefaultResourceStatusProvider>();
-    m_mediaLibraryModel->setMediaDataAggregator(m_mediaDataAggregator);
+    m_mediaLibraryModel->setMediaDataAggregator(m_mediaDataAggregator.get());
     m_mediaLibraryModel->setMediaStateProvider(m_mediaStateProvider);
 }
 
 void Session::onDisconnect()
 {
-    delete std::exchange(m_mediaLibraryApi, nullptr);
-    delete std::exchange(m_metadataClient, nullptr);
+    m_mediaLibraryApi.reset();
+    m_metadataClient.reset();
     m_qnam->clearAccessCache();
     Q_EMIT disconnected();
 }

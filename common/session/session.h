@@ -75,17 +75,17 @@ public:
     bool isConnected() const;
 
     Scene* getScene() const { return m_scene.get(); }
-    QNetworkAccessManager* getQNetworkAccessManager() const { return m_qnam; }
+    QNetworkAccessManager* getQNetworkAccessManager() const { return m_qnam.get(); }
     NetworkAccessManager* getNetworkAccessManager() const;
     /// Null while disconnected.
-    MediaLibraryApi* getMediaLibraryApi() const { return m_mediaLibraryApi; }
+    MediaLibraryApi* getMediaLibraryApi() const { return m_mediaLibraryApi.get(); }
     MediaLibrary* mediaLibrary() const;
-    ConnectionHandler* connectionHandler() const { return m_connection; }
+    ConnectionHandler* connectionHandler() const { return m_connection.get(); }
     ConnectionProvider* connectionProvider() const { return m_connectionProvider.get(); }
     PreviewThread* preview() const { return m_preview.get(); }
     SignalRelay* signalRelay() const { return m_signalRelay.get(); }
     SystemProxy* systemProxy() const { return m_systemProxy.get(); }
-    SceneObjectProvider* sceneObjectProvider() const { return m_sceneObjects; }
+    SceneObjectProvider* sceneObjectProvider() const { return m_sceneObjects.get(); }
     std::shared_ptr<ServerConfigurationModel> serverConfigurationModel() const
     {
         return m_serverConfiguration;
@@ -95,16 +95,16 @@ public:
     /// The main window's; null clears it.
     void setHotkeys(Hotkeys* hotkeys) { m_hotkeys = hotkeys; }
 
-    MediaLibraryModel* mediaLibraryModel() const { return m_mediaLibraryModel; }
-    MediaLibraryProvider* mediaLibraryProvider() const { return m_mediaLibraryProvider; }
-    PlaylistProvider* playlistProvider() const { return m_playlistProvider; }
-    PlaybackModel* previewPlaybackModel() const { return m_previewPlaybackModel; }
-    PlaybackModel* programPlaybackModel() const { return m_programPlaybackModel; }
+    MediaLibraryModel* mediaLibraryModel() const { return m_mediaLibraryModel.get(); }
+    MediaLibraryProvider* mediaLibraryProvider() const { return m_mediaLibraryProvider.get(); }
+    PlaylistProvider* playlistProvider() const { return m_playlistProvider.get(); }
+    PlaybackModel* previewPlaybackModel() const { return m_previewPlaybackModel.get(); }
+    PlaybackModel* programPlaybackModel() const { return m_programPlaybackModel.get(); }
     /// The four below are made anew on each connection, and null before the first.
-    MediaDataAggregator* mediaDataAggregator() const { return m_mediaDataAggregator; }
+    MediaDataAggregator* mediaDataAggregator() const { return m_mediaDataAggregator.get(); }
     MediaStateProvider* mediaStateProvider() const { return m_mediaStateProvider; }
     DefaultResourceStatusProvider* resourceStatusProvider() const;
-    MetadataClient* metadataClient() const { return m_metadataClient; }
+    MetadataClient* metadataClient() const { return m_metadataClient.get(); }
 
 Q_SIGNALS:
     void connected(QString host);
@@ -123,50 +123,55 @@ private:
     void followLibrary(const QString& host);
     void connectMediaLibraryApi();
     void initMediaLibraryHelpers(const QString& host);
-    bool hasPatch();
-    bool clearForLoading();
-    bool applyPatches();
     static void onSceneChange(Scene* scene, int count, const SceneChange* changes, void* user);
 
-    struct Media;
+    /// How the scene comes to be what the server's is.
+    enum class Loading {
+        Live,     // it is; what comes is applied at once
+        Behind,   // the same, and what is left waits for the next turn of the event loop
+        Stale,    // a new link: what stands has to go before the first patch
+        Clearing, // half of it is gone, the next slice waits
+        Filling,  // all of it is gone, the next slice waits
+        Applying, // within a slice: changes are the server's and do not go back to it
+    };
+    static bool isLive(Loading loading);
+    bool hasPatch();
+    void takeSlice();
+    Loading applySlice(Loading from);
 
+    // In the order of construction: who stands further down knows those above and goes before them.
     ServerPorts m_ports;
-    QAbstractItemModel* m_remoteFileSystemModel = nullptr;
-    std::unique_ptr<QFileSystemModel> m_localFileSystemModel;
-    Ref<Scene> m_scene;
-    std::unique_ptr<QUndoStack> m_undoStack;
-    std::unique_ptr<Configuration> m_configuration;
+    std::unique_ptr<QNetworkAccessManager> m_qnam;
     std::unique_ptr<NetworkAccessManager> m_network;
-    QNetworkAccessManager* m_qnam = nullptr;
+    Ref<Scene> m_scene;
+    Ref<MediaLibrary> m_mediaLibrary;
     std::unique_ptr<ObjectTreeModel> m_objectTree;
+    std::unique_ptr<MediaLibraryProvider> m_mediaLibraryProvider;
+    std::unique_ptr<PlaylistProvider> m_playlistProvider;
+    std::unique_ptr<SceneObjectProvider> m_sceneObjects;
+    std::shared_ptr<ServerConfigurationModel> m_serverConfiguration;
+    std::unique_ptr<MediaLibraryModel> m_mediaLibraryModel;
+    std::unique_ptr<QFileSystemModel> m_localFileSystemModel;
+    std::unique_ptr<Configuration> m_configuration;
     std::unique_ptr<SignalRelay> m_signalRelay;
+    std::unique_ptr<PlaybackModel> m_previewPlaybackModel;
+    std::unique_ptr<PlaybackModel> m_programPlaybackModel;
+    std::unique_ptr<MediaDataAggregator> m_formerAggregator; // of the connection before
+    std::unique_ptr<MediaDataAggregator> m_mediaDataAggregator;
+    MediaStateProvider* m_mediaStateProvider = nullptr; // the aggregator's
+    std::unique_ptr<MetadataClient> m_metadataClient;
+    std::unique_ptr<MediaLibraryApi> m_mediaLibraryApi;
+    std::unique_ptr<QUndoStack> m_undoStack;
+    std::unique_ptr<DefaultResourceStatusProvider> m_resourceStatus;
+    std::unique_ptr<PreviewThread> m_preview;
+    std::unique_ptr<ConnectionHandler> m_connection;
     std::unique_ptr<SystemProxy> m_systemProxy;
     std::unique_ptr<ConnectionProvider> m_connectionProvider;
-    std::unique_ptr<PreviewThread> m_preview;
-    ConnectionHandler* m_connection = nullptr;
-    SceneObjectProvider* m_sceneObjects = nullptr;
-    std::shared_ptr<ServerConfigurationModel> m_serverConfiguration;
-    Hotkeys* m_hotkeys = nullptr;
+    Hotkeys* m_hotkeys = nullptr; // the main window's
 
-    Ref<MediaLibrary> m_mediaLibrary;
-    MediaLibraryProvider* m_mediaLibraryProvider = nullptr;
-    PlaylistProvider* m_playlistProvider = nullptr;
-    MediaLibraryModel* m_mediaLibraryModel = nullptr;
-    PlaybackModel* m_previewPlaybackModel = nullptr;
-    PlaybackModel* m_programPlaybackModel = nullptr;
-    MediaLibraryApi* m_mediaLibraryApi = nullptr;
-    MetadataClient* m_metadataClient = nullptr;
-    MediaDataAggregator* m_mediaDataAggregator = nullptr;
-    MediaDataAggregator* m_formerAggregator = nullptr; // of the connection before
-    MediaStateProvider* m_mediaStateProvider = nullptr;
-    std::unique_ptr<DefaultResourceStatusProvider> m_resourceStatus;
-
-    int m_linksSeen = 0; // of ConnectionHandler::linkCount()
-    bool m_sceneLoading = false;
-    bool m_sceneCleared = false; // the first slice after a connection has emptied the scene
-    Patch m_nextPatch;           // taken from the link, not applied yet
-    bool m_drainPosted = false;  // more patches wait for the next turn of the event loop
-    bool m_applyingPatch = false;
+    Loading m_loading = Loading::Live;
+    int m_linksSeen = 0; // of ConnectionHandler::linkCount(): which link the scene has heard of
+    Patch m_nextPatch;   // taken from the link, not applied yet
 };
 
 } // namespace vantrel

@@ -5,13 +5,14 @@
 #include "common/session/window/mainwindowhandle.h"
 #include "tarn/json/patch.h"
 #include "tarn/scene/scene.h"
+#include "tarn/scene/sceneoperation.h"
 
 #include <QElapsedTimer>
-#include <QScopedValueRollback>
 #include <QTimer>
 
 #include <algorithm>
 #include <string>
+#include <utility>
 
 namespace vantrel {
 
@@ -19,24 +20,6 @@ namespace {
 constexpr std::size_t quietThreshold = 20; // operations of a patch that are still painted one by one
 constexpr qint64 sliceTime = 8;            // milliseconds of applying before the window may breathe
 
-bool operationOf(const Scene& scene, const SceneChange& change, PatchOp& op)
-{
-    switch (change.kind) {
-    case SceneChange::Added:
-        op.op = PatchOpType::Add;
-        op.value = Json::object();
-        return scene.pathOf(change.object, op.path);
-    case SceneChange::Removed:
-        op.op = PatchOpType::Remove;
-        return scene.pathOf(change.object, op.path);
-    case SceneChange::PropertyChanged:
-        op.op = PatchOpType::Replace;
-        Json::fromVariant(change.value, op.value);
-        return scene.pathOf(change.object, change.property, op.path);
-    default:
-        return false;
-    }
-}
 /// Takes the items out of the arrays of the scene's skeleton; false when the slice of time was over before.
 bool emptyArrays(Scene& scene, Object* below, const QElapsedTimer& clock)
 {
@@ -59,24 +42,39 @@ bool emptyArrays(Scene& scene, Object* below, const QElapsedTimer& clock)
 }
 } // namespace
 
+bool Session::isLive(Loading loading)
+{
+    return loading == Loading::Live || loading == Loading::Behind;
+}
+
 void Session::onPatchAvailable()
 {
-    if (m_drainPosted)
-        return;
+    if (m_loading == Loading::Live || m_loading == Loading::Stale)
+        takeSlice();
+}
+
+/// Takes of what has come in as much as the window has time for, and comes back for the rest.
+void Session::takeSlice()
+{
     // Of a newer link than onConnect() has heard of nothing is taken yet: its patches need the scene cleared
     // first.
-    if (m_linksSeen == m_connection->linkCount() && (m_sceneCleared || hasPatch())) {
-        if (!clearForLoading() || !applyPatches()) {
-            m_drainPosted = true;
-            QTimer::singleShot(0, this, [this] {
-                m_drainPosted = false;
-                onPatchAvailable();
-            });
-            return;
-        }
-        if (std::exchange(m_sceneLoading, false))
-            Q_EMIT sceneLoaded();
+    if (m_linksSeen != m_connection->linkCount()) {
+        m_loading = isLive(m_loading) ? Loading::Live : Loading::Stale;
+        return setMainWindowUpdatesEnabled(true);
     }
+    if (m_loading == Loading::Stale && !hasPatch())
+        return setMainWindowUpdatesEnabled(true);
+    // A new link may be heard of while this runs, and then goes before what the slice has come to.
+    const Loading from = std::exchange(m_loading, Loading::Applying);
+    const Loading next = applySlice(from);
+    if (m_loading == Loading::Applying)
+        m_loading = next;
+    if (m_loading != Loading::Live) {
+        QTimer::singleShot(0, this, &Session::takeSlice);
+        return;
+    }
+    if (!isLive(from))
+        Q_EMIT sceneLoaded();
     setMainWindowUpdatesEnabled(true);
 }
 
@@ -91,44 +89,34 @@ bool Session::hasPatch()
     return true;
 }
 
-/// The first patches after a connection replace everything; false when the slice of time was over before.
-bool Session::clearForLoading()
+/// A few milliseconds of applying; what state that leads to. Only within it changes are the server's: what
+/// the operator changes between two slices goes out.
+Session::Loading Session::applySlice(Loading from)
 {
-    if (!m_sceneLoading || m_sceneCleared)
-        return true;
-    setMainWindowUpdatesEnabled(false);
-    const QScopedValueRollback applying(m_applyingPatch, true);
     QElapsedTimer clock;
     clock.start();
-    if (!emptyArrays(*m_scene, m_scene->root(), clock))
-        return false;
-    m_scene->clear();
-    m_sceneCleared = true;
-    return true;
-}
-
-/// Applies what has come in, for a slice of time; false when there may be more.
-bool Session::applyPatches()
-{
-    // Only while applying: what the operator changes between two slices goes to the server.
-    const QScopedValueRollback applying(m_applyingPatch, true);
-    QElapsedTimer clock;
-    clock.start();
+    if (from == Loading::Stale || from == Loading::Clearing) {
+        setMainWindowUpdatesEnabled(false);
+        if (!emptyArrays(*m_scene, m_scene->root(), clock))
+            return Loading::Clearing;
+        m_scene->clear();
+        clock.restart();
+    }
     while (hasPatch()) {
         const Patch patch = std::exchange(m_nextPatch, {});
         if (patch.size() > quietThreshold)
             setMainWindowUpdatesEnabled(false);
         m_scene->apply(patch, false);
         if (clock.elapsed() >= sliceTime)
-            return false;
+            return isLive(from) ? Loading::Behind : Loading::Filling;
     }
-    return true;
+    return Loading::Live;
 }
 
 void Session::onSceneChange(Scene* scene, int count, const SceneChange* changes, void* user)
 {
     auto* session = static_cast<Session*>(user);
-    if (session->m_applyingPatch)
+    if (session->m_loading == Loading::Applying)
         return;
     Patch patch;
     for (int i = 0; i < count; ++i) {

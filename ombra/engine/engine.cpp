@@ -262,7 +262,7 @@ Engine::Engine(boost::asio::io_context& io, Scene& scene, MediaLibrary& library,
 
 Engine::~Engine() = default;
 
-void Engine::setPreviewSink(std::function<void(PreviewPicture)> sink)
+void Engine::setPreviewSink(std::function<void(PreviewFrame)> sink)
 {
     m_impl->mixer().setSink(std::move(sink));
 }

@@ -25,22 +25,12 @@ struct PropertyInfo;
 
 namespace vantrel::ombra {
 
-/// A picture of what a playback shows, 24-bit RGB (Surface::formatRgb24), EngineConfig::previewWidth wide.
-/// The surface may be shared with later pictures: never write into it.
-struct PreviewPicture
-{
-    std::string source; // path of the playback, "/device/channels/0/preview"
-    int stream = 0;
-    long long timeNs = 0; // when it was shown, nanoseconds since 1970
-    Ref<Surface> surface;
-};
-
 /// How loud a playback was since the levels before.
 struct PreviewLevels
 {
-    std::string source; // as above
+    std::string source; // path of the playback, "/device/channels/0/preview"
     int stream = 0;
-    long long timeNs = 0;
+    long long timeNs = 0; // nanoseconds since 1970
     AudioLevels levels;
 };
 
@@ -64,7 +54,9 @@ public:
     Engine& operator=(const Engine&) = delete;
 
     /// Called on the mixing thread: at every new picture, and a few times a second while nothing changes.
-    void setPreviewSink(std::function<void(PreviewPicture)> sink);
+    /// Pictures are 24-bit RGB, EngineConfig::previewWidth wide, their time is nanoseconds since 1970. A
+    /// surface may be shared with later pictures: never write into it.
+    void setPreviewSink(std::function<void(PreviewFrame)> sink);
     /// The same for the sound: with every picture's time in which the levels changed, and a few times a
     /// second.
     void setLevelSink(std::function<void(PreviewLevels)> sink);

@@ -62,7 +62,7 @@ void Mixer::wake()
     m_wake.notify_all();
 }
 
-void Mixer::setSink(std::function<void(PreviewPicture)> sink)
+void Mixer::setSink(std::function<void(PreviewFrame)> sink)
 {
     const std::lock_guard lock(m_sinkMutex);
     m_sink = std::move(sink);
@@ -140,7 +140,7 @@ void Mixer::send(Output& output, const Ref<Surface>& surface, double now)
     output.sentAt = now;
     const std::lock_guard lock(m_sinkMutex);
     if (m_sink)
-        m_sink({output.playback->path(), 0, wallTime(), surface});
+        m_sink({output.playback->path(), Frame(surface.get(), wallTime())});
 }
 
 void Mixer::sendLevels(Output& output, double now)

@@ -28,7 +28,7 @@ public:
     /// A round at once rather than at the next moment of the rate. Any thread.
     void wake();
     /// After this returns the sink before is not called any more.
-    void setSink(std::function<void(PreviewPicture)> sink);
+    void setSink(std::function<void(PreviewFrame)> sink);
     void setLevelSink(std::function<void(PreviewLevels)> sink);
 
 private:
@@ -57,7 +57,7 @@ private:
     std::vector<std::unique_ptr<Output>> m_outputs; // under m_lock
 
     std::mutex m_sinkMutex;
-    std::function<void(PreviewPicture)> m_sink;
+    std::function<void(PreviewFrame)> m_sink;
     std::function<void(PreviewLevels)> m_levelSink;
 
     std::mutex m_wakeMutex;

@@ -2,6 +2,8 @@
 
 #include "ombra/base/serverlog.h"
 #include "ombra/link/linkpolicy.h"
+#include "tarn/json/patchnames.h"
+#include "tarn/scene/sceneoperation.h"
 
 #include <boost/asio/post.hpp>
 
@@ -16,13 +18,6 @@ namespace {
 constexpr std::size_t maxClients = 64;
 // Who has heard nothing between two ticks is told something: a silence of at most two of them.
 constexpr std::chrono::milliseconds lifeTick{100};
-
-const char* nameOf(PatchOpType op)
-{
-    static constexpr const char* names[] = {"add",  "test", "replace", "remove",
-                                            "move", "copy", "get",     "invoke"};
-    return names[static_cast<std::size_t>(op)];
-}
 
 } // namespace
 
@@ -214,7 +209,7 @@ void LinkServer::restructure(LinkClient& client, const PatchOp& op)
 void LinkServer::refuse(LinkClient& client, const PatchOp& op, const std::string& why)
 {
     logLine(LogLevel::Warning, "vantrel.link",
-            client.name() + ": refused to " + nameOf(op.op) + " " + op.path.toString() + ": " + why);
+            client.name() + ": refused to " + toStr(op.op) + " " + op.path.toString() + ": " + why);
     if (op.op == PatchOpType::Replace || op.op == PatchOpType::Remove)
         sendBack(client, op.path, op.op == PatchOpType::Remove);
     scheduleFlush();
@@ -223,29 +218,12 @@ void LinkServer::refuse(LinkClient& client, const PatchOp& op, const std::string
 void LinkServer::onSceneChange(int count, const SceneChange* changes)
 {
     for (int i = 0; i < count; ++i) {
-        const SceneChange& change = changes[i];
         PatchOp op;
-        bool known = false;
-        switch (change.kind) {
-        case SceneChange::Added:
-            op.op = PatchOpType::Add;
-            known = m_scene.pathOf(change.object, op.path);
-            op.value = Scene::toJson(change.object);
-            break;
-        case SceneChange::Removed:
-            op.op = PatchOpType::Remove;
-            known = m_scene.pathOf(change.object, op.path);
-            break;
-        case SceneChange::PropertyChanged:
-            op.op = PatchOpType::Replace;
-            known = m_scene.pathOf(change.object, change.property, op.path);
-            Json::fromVariant(change.value, op.value);
-            break;
-        default:
-            break;
-        }
-        if (known)
-            publish(op);
+        if (!operationOf(m_scene, changes[i], op))
+            continue;
+        if (op.op == PatchOpType::Add)
+            op.value = Scene::toJson(changes[i].object);
+        publish(op);
     }
 }
 

@@ -1,6 +1,7 @@
 #include "tarn/json/patch.h"
 
 #include "tarn/json/jsontree.h"
+#include "tarn/json/patchnames.h"
 
 #include <algorithm>
 #include <array>
@@ -8,20 +9,25 @@
 namespace vantrel {
 
 namespace {
+constexpr std::array names = {"add", "test", "replace", "remove", "move", "copy", "get", "invoke"};
+} // namespace
 
-constexpr std::array<std::string_view, 8> names = {"add",  "test", "replace", "remove",
-                                                   "move", "copy", "get",     "invoke"};
-
-bool typeOf(std::string_view name, PatchOpType& out) noexcept
+const char* toStr(PatchOpType type) noexcept
 {
-    for (std::size_t i = 0; i < names.size(); ++i) {
-        if (names[i] == name) {
-            out = static_cast<PatchOpType>(i);
-            return true;
-        }
-    }
-    return false;
+    const auto at = static_cast<std::size_t>(type);
+    return at < names.size() ? names[at] : "";
 }
+
+bool fromStr(std::string_view name, PatchOpType& out) noexcept
+{
+    const auto found = std::ranges::find(names, name);
+    if (found == names.end())
+        return false;
+    out = static_cast<PatchOpType>(found - names.begin());
+    return true;
+}
+
+namespace {
 
 bool hasFrom(PatchOpType type) noexcept
 {
@@ -39,8 +45,8 @@ Json toJson(const PatchOp& op)
     Json json = Json::object();
     if (hasFrom(op.op))
         json.set("from", op.from.toString());
-    const auto type = static_cast<std::size_t>(op.op);
-    json.set("op", type < names.size() ? Json(names[type]) : Json());
+    const std::string_view name = toStr(op.op);
+    json.set("op", name.empty() ? Json() : Json(name));
     json.set("path", op.path.toString());
     if (needsValue(op.op) || op.op == PatchOpType::Invoke)
         json.set("value", op.value);
@@ -51,7 +57,7 @@ Json toJson(const PatchOp& op)
 const char* fromJson(const Json& json, PatchOp& op)
 {
     const Json* const name = json.find("op");
-    if (!name || !name->isString() || !typeOf(name->stringView(), op.op))
+    if (!name || !name->isString() || !fromStr(name->stringView(), op.op))
         return "unknown operation";
     const Json* const path = json.find("path");
     if (!path || !path->isString() || !Path::parse(path->stringView(), op.path))

@@ -1,5 +1,6 @@
 #include "tarn/log/log.h"
 
+#include <algorithm>
 #include <cstdarg>
 #include <cstdio>
 #include <memory>
@@ -8,6 +9,8 @@
 namespace vantrel {
 
 namespace {
+
+constexpr std::size_t longestLine = 2048; // bytes
 
 std::mutex mutex;
 
@@ -38,7 +41,49 @@ void toStandardError(LogLevel level, std::string_view module, const std::string&
                  static_cast<int>(module.size()), module.data(), message.c_str());
 }
 
+/// How many bytes of a text's beginning are one control character or line break; 0 for anything else.
+std::size_t controlAt(std::string_view text)
+{
+    const auto first = static_cast<unsigned char>(text[0]);
+    if (first < 0x20 || first == 0x7f)
+        return 1;
+    if (first == 0xc2 && text.size() > 1 && (static_cast<unsigned char>(text[1]) & 0xe0) == 0x80)
+        return 2; // U+0080 to U+009F
+    return text.starts_with("\u2028") || text.starts_with("\u2029") ? 3 : 0;
+}
+
+void appendEscaped(std::string& out, std::string_view control)
+{
+    for (const char c : control) {
+        char code[5];
+        std::snprintf(code, sizeof code, "\\x%02x", static_cast<unsigned>(static_cast<unsigned char>(c)));
+        out += c == '\n' ? "\\n" : c == '\r' ? "\\r" : c == '\t' ? "\\t" : code;
+    }
+}
+
 } // namespace
+
+std::string scrubbed(std::string_view text)
+{
+    std::string line;
+    for (std::size_t at = 0; at < text.size();) {
+        const std::size_t control = controlAt(text.substr(at));
+        std::size_t end = at + std::max<std::size_t>(control, 1);
+        while (control == 0 && end < text.size() && (static_cast<unsigned char>(text[end]) & 0xc0) == 0x80)
+            ++end; // the rest of a character
+        const std::size_t before = line.size();
+        if (control > 0)
+            appendEscaped(line, text.substr(at, control));
+        else
+            line += text.substr(at, end - at);
+        if (line.size() > longestLine) {
+            line.resize(before);
+            return line + "...";
+        }
+        at = end;
+    }
+    return line;
+}
 
 void Log::setSink(Sink sink)
 {
@@ -52,7 +97,7 @@ void Log::write_fmt(LogLevel level, const LogLoc& location, const std::string& m
 {
     va_list arguments;
     va_start(arguments, format);
-    const std::string message = formatted(format, arguments);
+    const std::string message = scrubbed(formatted(format, arguments));
     va_end(arguments);
 
     std::shared_ptr<const Sink> sink;

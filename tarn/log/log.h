@@ -15,7 +15,13 @@ struct LogLoc
     const char* function = "";
 };
 
-/// The library's log. Lines go to the sink, which any thread may call; without one to standard error.
+/// A text from outside as a line of a log may show it: line breaks and other control characters are escaped,
+/// as
+/// "\n" or "\x1b", and it is cut after 2048 bytes, never within a character.
+std::string scrubbed(std::string_view text);
+
+/// The library's log. Lines go to the sink, which any thread may call; without one to standard error. A
+/// message is scrubbed before anyone gets it, since most of them quote names from outside.
 class Log
 {
 public:

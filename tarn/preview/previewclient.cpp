@@ -2,14 +2,13 @@
 
 #include "tarn/log/log.h"
 #include "tarn/net/tcplink.h"
+#include "tarn/preview/newestqueue.h"
 #include "tarn/preview/previewwire.h"
 
 #include <boost/asio/buffer.hpp>
 
-#include <algorithm>
 #include <chrono>
 #include <condition_variable>
-#include <deque>
 #include <mutex>
 
 namespace vantrel {
@@ -33,7 +32,7 @@ struct PreviewClient::State
 
     std::mutex mutex; // for what follows
     std::condition_variable arrived;
-    std::deque<PreviewFrame> waiting; // at most one of a kind, the longest waiting first
+    NewestQueue<PreviewFrame> waiting;
     std::function<void()> callback;
 };
 
@@ -71,14 +70,9 @@ void PreviewClient::State::push(PreviewFrame&& frame)
     std::function<void()> tell;
     {
         const std::lock_guard lock(mutex);
-        const auto older = std::ranges::find_if(
-            waiting, [&](const PreviewFrame& other) { return other.isOfOneKindWith(frame); });
-        if (older != waiting.end())
-            *older = std::move(frame);
-        else
-            waiting.push_back(std::move(frame));
+        waiting.push(std::move(frame));
         if (waiting.size() > maxWaiting)
-            waiting.pop_front();
+            waiting.take();
         tell = callback;
     }
     arrived.notify_one();
@@ -121,8 +115,7 @@ bool PreviewClient::pollFrame(PreviewFrame& out, unsigned int timeoutMs)
     if (!m_state->arrived.wait_for(lock, std::chrono::milliseconds(timeoutMs),
                                    [this] { return !m_state->waiting.empty(); }))
         return false;
-    out = std::move(m_state->waiting.front());
-    m_state->waiting.pop_front();
+    out = m_state->waiting.take();
     return true;
 }
 

@@ -1,10 +1,9 @@
 #include "tarn/scene/scenepatcher.h"
 
+#include "tarn/json/patchnames.h"
 #include "tarn/log/log.h"
 #include "tarn/scene/objecttree.h"
 #include "tarn/scene/variantjson.h"
-
-#include <array>
 
 namespace vantrel {
 
@@ -16,14 +15,11 @@ bool ScenePatcher::refuse(const char* why)
 
 void ScenePatcher::report(const PatchOp& op)
 {
-    static constexpr std::array names = {"add", "test", "replace", "remove", "move", "copy", "get", "invoke"};
     // A patch of nothing but nonsense must not drown the log.
     if (++m_misfits > maxReports)
         return;
-    const auto kind = static_cast<std::size_t>(op.op);
-    Log::write_fmt(LogLevel::Warning, {"scene", "apply"}, "scene", "Skipping %s of %s: %s",
-                   kind < names.size() ? names[kind] : "operation", op.path.toString().c_str(),
-                   m_why.c_str());
+    Log::write_fmt(LogLevel::Warning, {"scene", "apply"}, "scene", "Skipping %s of %s: %s", toStr(op.op),
+                   op.path.toString().c_str(), m_why.c_str());
     if (m_misfits == maxReports)
         Log::write_fmt(LogLevel::Warning, {"scene", "apply"}, "scene",
                        "Further misfits of this patch stay unsaid");

@@ -13,6 +13,7 @@ namespace vantrel {
 
 namespace {
 constexpr unsigned int connectTimeout = 30000; // milliseconds
+constexpr int reconnectTime = 2000;            // milliseconds
 constexpr int errorRefused = 111;
 // An attempt that fails at once is not repeated at once: a host without a route would else keep a core busy
 // and flood the main thread with signals.
@@ -41,26 +42,40 @@ ConnectionHandler::ConnectionHandler(quint16 linkPort, QObject* parent)
 
 ConnectionHandler::~ConnectionHandler() = default;
 
+/// The one place where the state changes; under the lock.
+void ConnectionHandler::enter(State state, const QString& host)
+{
+    m_state = state;
+    m_host = host;
+    if (state == State::Connected)
+        ++m_linkCount;
+    m_condition.notify_all();
+}
+
+/// Where a host of the operator's or the timer's leads to.
+ConnectionHandler::State ConnectionHandler::stateForHost(State present)
+{
+    if (isLinked(present))
+        return State::Changing;
+    return present == State::Pausing || present == State::Retrying ? State::Retrying : State::Connecting;
+}
+
 void ConnectionHandler::connect(const QString& host)
 {
     const QMutexLocker lock(&m_mutex);
-    if (m_state == ConnectionState::Connected) {
-        m_autoReconnect = false;
+    if (isLinked(m_state))
         m_client->disconnect();
-    }
-    m_host = host;
-    m_condition.notify_all();
+    enter(stateForHost(m_state), host);
 }
 
 void ConnectionHandler::disconnect()
 {
-    const QMutexLocker lock(&m_mutex);
-    m_autoReconnect = false;
-    m_host.clear();
+    {
+        const QMutexLocker lock(&m_mutex);
+        enter(State::Idle, QString());
+        m_client->disconnect();
+    }
     Q_EMIT connectionAddr(QString());
-    m_client->disconnect();
-    m_state = ConnectionState::Idle;
-    m_condition.notify_all();
     if (PreviewThread* preview = previewThread())
         preview->unsubscribe();
     // The thread's signals of before may be on their way still, and say that it tries again.
@@ -70,7 +85,7 @@ void ConnectionHandler::disconnect()
 void ConnectionHandler::confirmDisconnect()
 {
     QMutexLocker lock(&m_mutex);
-    const bool isIdle = m_state == ConnectionState::Idle && m_host.isEmpty();
+    const bool isIdle = m_state == State::Idle;
     lock.unlock();
     if (isIdle && !m_heardAddress.isEmpty())
         Q_EMIT connectionAddr(QString());
@@ -84,15 +99,10 @@ void ConnectionHandler::startReconnect(int milliseconds)
 void ConnectionHandler::handleReconnectTimeout()
 {
     m_reconnectTimer.stop();
-    QString host;
-    {
-        const QMutexLocker lock(&m_mutex);
-        // A host set meanwhile is the operator's choice and goes before the retry.
-        if (m_state == ConnectionState::Reconnecting && m_host.isEmpty())
-            host = m_reconnectHost;
-    }
-    if (!host.isEmpty())
-        connect(host);
+    const QMutexLocker lock(&m_mutex);
+    // A host set meanwhile is the operator's choice and goes before the retry.
+    if (m_state == State::Pausing)
+        enter(State::Retrying, m_host);
 }
 
 void ConnectionHandler::sendPatch(const Patch& patch)
@@ -113,13 +123,13 @@ bool ConnectionHandler::recvPatch(Patch& patch)
 QString ConnectionHandler::getConnectedHost() const
 {
     const QMutexLocker lock(&m_mutex);
-    return m_state == ConnectionState::Connected ? m_host : QString();
+    return isLinked(m_state) ? m_host : QString();
 }
 
 boost::asio::ip::address ConnectionHandler::getConnectedAddress() const
 {
     const QMutexLocker lock(&m_mutex);
-    return m_state == ConnectionState::Connected ? m_address : boost::asio::ip::address();
+    return isLinked(m_state) ? m_address : boost::asio::ip::address();
 }
 
 bool ConnectionHandler::shutDown(int milliseconds)
@@ -130,11 +140,8 @@ bool ConnectionHandler::shutDown(int milliseconds)
     clock.start();
     if (!m_mutex.tryLock(milliseconds))
         return false;
-    m_autoReconnect = false;
-    m_host.clear();
-    m_state = ConnectionState::Idle;
+    enter(State::Idle, QString());
     m_client->disconnect();
-    m_condition.notify_all();
     m_mutex.unlock();
     return wait(QDeadlineTimer(std::max<qint64>(0, milliseconds - clock.elapsed())));
 }
@@ -156,9 +163,10 @@ void ConnectionHandler::run()
         if (!prepare(attempt))
             continue;
         int error = 0;
-        const bool success = openLink(attempt, error);
-        if (settle(attempt, success, error))
-            followLink(attempt);
+        if (!openLink(attempt, error))
+            handleFailure(attempt, error);
+        else if (settle(attempt))
+            followLink();
     }
 }
 
@@ -168,11 +176,11 @@ bool ConnectionHandler::prepare(Attempt& attempt)
     QMutexLocker lock(&m_mutex);
     if (isInterruptionRequested())
         return false;
-    attempt.stateBefore = m_state;
-    if (m_host.isEmpty()) {
+    if (m_host.isEmpty() || m_state == State::Pausing) {
         m_condition.wait(m_mutex);
         return false;
     }
+    attempt.stateBefore = m_state;
     attempt.host = m_host;
     // Without the lock: a slow name server must not hold up the main thread's connect() and disconnect().
     lock.unlock();
@@ -180,32 +188,36 @@ bool ConnectionHandler::prepare(Attempt& attempt)
     lock.relock();
     if (m_host != attempt.host)
         return false;
+    m_address = resolved ? attempt.address : boost::asio::ip::address();
     if (!resolved) {
-        handleUnresolved();
+        fail(lock);
         return false;
     }
-    m_address = attempt.address;
-    if (m_state == ConnectionState::Idle)
-        Q_EMIT connecting(m_host);
+    const bool isAnnounced = m_state == State::Connecting;
+    lock.unlock();
+    if (isAnnounced)
+        Q_EMIT connecting(attempt.host);
     return true;
 }
 
-void ConnectionHandler::handleUnresolved()
+/// The host is not to be had: a lost one is tried again later, another is given up. Leaves the lock.
+void ConnectionHandler::fail(QMutexLocker<QMutex>& lock)
 {
-    if (m_state == ConnectionState::Reconnecting) {
-        reconnectStep(m_host);
-        return;
-    }
-    m_address = boost::asio::ip::address();
-    m_state = ConnectionState::Idle;
-    Q_EMIT disconnected(std::exchange(m_host, QString()));
+    const QString host = m_host;
+    const bool isRetry = m_state == State::Retrying;
+    enter(isRetry ? State::Pausing : State::Idle, isRetry ? host : QString());
+    lock.unlock();
+    if (isRetry)
+        tellPause(host);
+    else
+        Q_EMIT disconnected(host);
 }
 
-/// The one step that runs without the lock, since it may take the whole time-out.
+/// May take the whole time-out.
 bool ConnectionHandler::openLink(const Attempt& attempt, int& error)
 {
     // The failures of a retry loop would fill the log.
-    const bool quiet = attempt.stateBefore == ConnectionState::Reconnecting;
+    const bool quiet = attempt.stateBefore == State::Retrying;
     if (quiet)
         m_client->setVerbose(false);
     const bool success = m_client->connect(attempt.address, m_linkPort, connectTimeout, &error);
@@ -214,64 +226,75 @@ bool ConnectionHandler::openLink(const Attempt& attempt, int& error)
     return success;
 }
 
-/// Draws the conclusions of an attempt; true when its link is to be followed.
-bool ConnectionHandler::settle(const Attempt& attempt, bool success, int error)
+void ConnectionHandler::handleFailure(const Attempt& attempt, int error)
 {
-    const QMutexLocker lock(&m_mutex);
-    if (isInterruptionRequested())
-        return false;
-    if (!success) {
-        handleFailure(attempt, error);
-        return false;
+    QMutexLocker lock(&m_mutex);
+    if (isInterruptionRequested() || m_host != attempt.host)
+        return;
+    if (m_state == State::Retrying || error == errorRefused)
+        fail(lock);
+    else
+        m_condition.wait_for(m_mutex, repeatPause);
+}
+
+/// Takes the link that has been made; false when nobody wants it any more.
+bool ConnectionHandler::settle(const Attempt& attempt)
+{
+    {
+        const QMutexLocker lock(&m_mutex);
+        if (isInterruptionRequested())
+            return false;
+        if (m_host != attempt.host) {
+            // The operator left, or chose another host, while this attempt was under way.
+            m_client->disconnect();
+            return false;
+        }
+        enter(State::Connected, attempt.host);
     }
-    if (m_host != attempt.host) {
-        // The operator left, or chose another host, while this attempt was under way.
-        m_client->disconnect();
-        return false;
-    }
-    m_state = ConnectionState::Connected;
-    m_autoReconnect = true;
-    ++m_linkCount;
-    Q_EMIT connectionAddr(m_host);
+    Q_EMIT connectionAddr(attempt.host);
     Q_EMIT connected();
     if (PreviewThread* preview = previewThread())
-        preview->subscribe(m_address);
+        preview->subscribe(attempt.address);
+    giveWay();
     return true;
 }
 
-void ConnectionHandler::handleFailure(const Attempt& attempt, int error)
-{
-    if (m_host != attempt.host)
-        return;
-    if (m_state == ConnectionState::Reconnecting) {
-        reconnectStep(m_host);
-    } else if (error != errorRefused) {
-        m_condition.wait_for(m_mutex, repeatPause);
-    } else {
-        m_state = ConnectionState::Idle;
-        Q_EMIT disconnected(std::exchange(m_host, QString()));
-    }
-}
-
-void ConnectionHandler::followLink(const Attempt& attempt)
+void ConnectionHandler::followLink()
 {
     m_client->sendPatch(PatchOp::get(""));
     m_client->run();
-    const QMutexLocker lock(&m_mutex);
+    QMutexLocker lock(&m_mutex);
     if (isInterruptionRequested())
         return;
-    Q_EMIT disconnected(m_host);
-    if (m_autoReconnect)
-        reconnectStep(attempt.host);
+    const QString host = m_host;
+    const bool isLost = m_state == State::Connected; // and not given up by the operator
+    if (isLost)
+        enter(State::Pausing, host);
+    lock.unlock();
+    Q_EMIT disconnected(host);
+    if (isLost)
+        tellPause(host);
 }
 
-void ConnectionHandler::reconnectStep(const QString& host)
+void ConnectionHandler::tellPause(const QString& host)
 {
-    m_reconnectHost = host;
-    m_state = ConnectionState::Reconnecting;
-    m_host.clear();
     Q_EMIT connectionAddr(host);
-    Q_EMIT reconnecting(m_reconnectTime);
+    Q_EMIT reconnecting(reconnectTime);
+    giveWay();
+}
+
+/// A disconnect that came while the thread was telling of something else has the last word.
+void ConnectionHandler::giveWay()
+{
+    QMutexLocker lock(&m_mutex);
+    const State state = m_state;
+    lock.unlock();
+    if (state == State::Idle || state == State::Connecting) {
+        if (PreviewThread* preview = previewThread())
+            preview->unsubscribe();
+    }
+    if (state == State::Idle)
+        QMetaObject::invokeMethod(this, &ConnectionHandler::confirmDisconnect, Qt::QueuedConnection);
 }
 
 } // namespace vantrel

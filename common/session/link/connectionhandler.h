@@ -3,6 +3,7 @@
 #include "tarn/ref.h"
 
 #include <QMutex>
+#include <QMutexLocker>
 #include <QString>
 #include <QThread>
 #include <QTimer>
@@ -19,16 +20,17 @@ class Network;
 class Patch;
 struct PatchOp;
 
-enum class ConnectionState {
-    Idle = 0,
-    Reconnecting = 1,
-    // 2 is kept free
-    Connected = 3,
-};
-
 /// The thread that keeps the scene link to one server: it waits for a host, connects, asks for the whole
 /// scene, blocks in the client's read loop until the link ends, and decides whether to try again. The object
 /// and its timer live on the main thread; the session owns it.
+///
+/// It is in one of six states, which enter() alone changes. Signals are emitted once the lock is gone.
+///   Idle        no host. A host leads to Connecting; disconnect() leads here from everywhere.
+///   Connecting  first attempts. Repeated until it is Connected; a refusal or an unknown name ends it: Idle.
+///   Connected   the link stands. Its end leads to Pausing, another host to Changing.
+///   Changing    the link is given up for another host, which is tried as in Connecting but unannounced.
+///   Pausing     the link was lost. The timer, or a host of the operator's, leads to Retrying.
+///   Retrying    one attempt: Connected, or Pausing again.
 class ConnectionHandler : public QThread
 {
     Q_OBJECT
@@ -79,32 +81,34 @@ protected:
 private:
     /// On the main thread, after a disconnect and all that was under way then: says so again, if need be.
     void confirmDisconnect();
+    enum class State { Idle, Connecting, Connected, Changing, Pausing, Retrying };
     struct Attempt
     {
         QString host;
         boost::asio::ip::address address;
-        ConnectionState stateBefore = ConnectionState::Idle;
+        State stateBefore = State::Idle;
     };
+    static bool isLinked(State state) { return state == State::Connected || state == State::Changing; }
+    static State stateForHost(State present);
+    void enter(State state, const QString& host);
     static void onClientDataStatic(JsonClient* client, void* user);
     void onClientData();
     bool prepare(Attempt& attempt);
     bool openLink(const Attempt& attempt, int& error);
-    bool settle(const Attempt& attempt, bool success, int error);
+    bool settle(const Attempt& attempt);
     void handleFailure(const Attempt& attempt, int error);
-    void handleUnresolved();
-    void followLink(const Attempt& attempt);
-    void reconnectStep(const QString& host);
+    void fail(QMutexLocker<QMutex>& lock);
+    void followLink();
+    void tellPause(const QString& host);
+    void giveWay();
 
     mutable QMutex m_mutex;                  // guards every field below
     std::condition_variable_any m_condition; // which, unlike Qt's own, the thread sanitizer can follow
-    QString m_host;
-    QString m_reconnectHost;
+    State m_state = State::Idle;
+    QString m_host; // of the link, of the attempts or to be tried again; empty when Idle
     boost::asio::ip::address m_address;
     Ref<Network> m_network;
     std::shared_ptr<JsonClient> m_client;
-    int m_reconnectTime = 2000; // milliseconds
-    bool m_autoReconnect = true;
-    ConnectionState m_state = ConnectionState::Idle;
     QTimer m_reconnectTimer;
     QString m_heardAddress; // on the main thread: of the last connectionAddr
     std::atomic<int> m_linkCount{0};

@@ -1,6 +1,6 @@
 #include "common/session/link/previewthread.h"
 
-#include <algorithm>
+#include <utility>
 
 namespace vantrel {
 
@@ -83,12 +83,7 @@ void PreviewThread::onFrameAvailable()
         bool post = false;
         {
             const QMutexLocker lock(&m_mutex);
-            const auto same = std::ranges::find_if(
-                m_pending, [&](const Pending& waiting) { return waiting.frame.isOfOneKindWith(frame); });
-            if (same != m_pending.end())
-                *same = std::move(next);
-            else
-                m_pending.push_back(std::move(next));
+            m_pending.push(std::move(next));
             post = !std::exchange(m_posted, true);
         }
         if (post)
@@ -101,8 +96,7 @@ void PreviewThread::processPending()
     QMutexLocker lock(&m_mutex);
     m_posted = false;
     while (!m_pending.empty()) {
-        Pending next = std::move(m_pending.front());
-        m_pending.pop_front();
+        Pending next = m_pending.take();
         if (!next.frame.frame.getSurface())
             return;
         if (next.image.isNull() && !next.levels)

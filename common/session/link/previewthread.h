@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tarn/preview/audiolevels.h"
+#include "tarn/preview/newestqueue.h"
 #include "tarn/preview/previewclient.h"
 
 #include <QImage>
@@ -10,7 +11,6 @@
 #include <QThread>
 #include <boost/asio/ip/tcp.hpp>
 
-#include <deque>
 #include <optional>
 #include <string>
 
@@ -49,6 +49,7 @@ private:
         PreviewFrame frame;
         QImage image; // null for what cannot be shown
         std::optional<AudioLevels> levels;
+        bool isOfOneKindWith(const Pending& other) const { return frame.isOfOneKindWith(other.frame); }
     };
     void onFrameAvailable();
     void processPending();
@@ -56,7 +57,7 @@ private:
 
     PreviewClient m_client;
     mutable QMutex m_mutex; // guards the fields below
-    std::deque<Pending> m_pending;
+    NewestQueue<Pending> m_pending;
     bool m_posted = false; // a processPending() is on its way
     std::optional<boost::asio::ip::tcp::endpoint> m_endpoint;
     const quint16 m_previewPort;

@@ -150,9 +150,9 @@ private Q_SLOTS:
         QVERIFY(m_scene->addObject(m_scene->find("/device/channels/0"), {}));
         fillLibrary();
         m_engine = std::make_unique<Engine>(m_io, *m_scene, *m_library, EngineConfig{m_media.folder()});
-        m_engine->setPreviewSink([this](PreviewPicture picture) {
+        m_engine->setPreviewSink([this](PreviewFrame picture) {
             const std::lock_guard lock(m_mutex);
-            m_recorded[picture.source].pictures.push_back(picture.surface);
+            m_recorded[picture.source].pictures.push_back(Ref<Surface>(picture.frame.getSurface()));
         });
         m_scene->addChangeCallback(
             [](Scene*, int count, const SceneChange* changes, void* user) {

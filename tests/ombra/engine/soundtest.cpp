@@ -127,9 +127,9 @@ private:
     void startEngine()
     {
         m_engine = std::make_unique<Engine>(m_io, *m_scene, *m_library, m_config);
-        m_engine->setPreviewSink([this](PreviewPicture shown) {
+        m_engine->setPreviewSink([this](PreviewFrame shown) {
             const std::lock_guard lock(m_mutex);
-            m_pictures[shown.source] = shown.surface;
+            m_pictures[shown.source] = Ref<Surface>(shown.frame.getSurface());
         });
         m_engine->setLevelSink([this](PreviewLevels levels) {
             const std::lock_guard lock(m_mutex);

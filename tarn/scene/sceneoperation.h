@@ -1,0 +1,11 @@
+#pragma once
+
+#include "tarn/scene/scene.h"
+
+namespace vantrel {
+
+/// The operation that tells the other end of a change; false when the object has no path in the scene. An add
+/// comes with an empty object: who knows what the new object holds puts it in.
+bool operationOf(const Scene& scene, const SceneChange& change, PatchOp& op);
+
+} // namespace vantrel
