@@ -108,7 +108,7 @@ private Q_SLOTS:
         const QByteArray journal = files.at(journalName);
         const qsizetype second = journal.indexOf("second\"}]}\n");
         const qsizetype third = journal.indexOf("third\"}]}\n");
-        for (qsizetype cut = 0; cut <= journal.size(); cut += cut == journal.size() - 1 ? 1 : 7) {
+        for (qsizetype cut = journal.size() % 7; cut <= journal.size(); cut += 7) { // the last is whole
             Files torn = files;
             torn[journalName] = journal.left(cut);
             QVERIFY(openWith(torn));
