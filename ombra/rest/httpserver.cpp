@@ -2,6 +2,7 @@
 
 #include "ombra/base/serverlog.h"
 #include "ombra/rest/broadcasthub.h"
+#include "ombra/rest/headerqueue.h"
 #include "ombra/rest/httpsession.h"
 
 #include <chrono>
@@ -22,6 +23,7 @@ HttpServer::HttpServer(boost::asio::io_context& io, HttpHandlers handlers)
     , m_handlers(std::make_shared<HttpHandlers>(std::move(handlers)))
     , m_streams(std::make_shared<BroadcastHub>())
     , m_sockets(std::make_shared<BroadcastHub>())
+    , m_headers(std::make_shared<HeaderQueue>())
     , m_life(io)
 {
     showLife();
@@ -48,7 +50,7 @@ bool HttpServer::accept(boost::asio::ip::tcp::socket socket)
 {
     if (*m_openSessions >= maxSessions)
         return false;
-    startHttpSession(std::move(socket), m_handlers, m_streams, m_sockets, m_openSessions);
+    startHttpSession(std::move(socket), m_handlers, m_streams, m_sockets, m_headers, m_openSessions);
     return true;
 }
 

@@ -8,6 +8,7 @@
 #include <boost/asio/ip/tcp.hpp>
 #include <boost/asio/steady_timer.hpp>
 
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <string>
@@ -15,20 +16,22 @@
 namespace vantrel::ombra {
 
 class BroadcastHub;
+class HeaderQueue;
 
 /// What the server does with what it reads.
 struct HttpHandlers
 {
     std::function<void(HttpRequest, HttpAnswer)> request;
-    std::string streamPath; // a GET of it opens an event stream
-    std::string socketPath; // a WebSocket may be opened here
-    RequestGuard guard;     // of all of these
+    std::string streamPath;                       // a GET of it opens an event stream
+    std::string socketPath;                       // a WebSocket may be opened here
+    RequestGuard guard;                           // of all of these
+    std::chrono::milliseconds headerTime{10'000}; // to send the header of a request, once it has begun
 };
 
 /// An HTTP/1.1 server with event streams and WebSockets. Each second an event stream gets a comment, so that
 /// its reader can tell a quiet server from one that hangs. Sizes and times are limited, so that nothing
-/// outside can hold it up: 16 KiB of header, 64 MiB of body, 60 s for a request, 64 MiB of unread events. One
-/// thread, that of the io_context.
+/// outside can hold it up: 16 KiB of header in 10 s, 64 MiB of body in 60 s, 64 MiB of unread events, 64
+/// connections of one peer that have sent no header. One thread, that of the io_context.
 class HttpServer
 {
 public:
@@ -55,6 +58,7 @@ private:
     std::shared_ptr<HttpHandlers> m_handlers; // shared with the sessions, which may outlive this
     std::shared_ptr<BroadcastHub> m_streams;
     std::shared_ptr<BroadcastHub> m_sockets;
+    std::shared_ptr<HeaderQueue> m_headers;
     std::shared_ptr<int> m_openSessions = std::make_shared<int>(0);
     boost::asio::steady_timer m_life;
     std::shared_ptr<int> m_alive = std::make_shared<int>(0); // the timer's waits hold it weakly

@@ -1,6 +1,7 @@
 #include "ombra/rest/httpsession.h"
 
 #include "ombra/base/serverlog.h"
+#include "ombra/rest/headerqueue.h"
 #include "ombra/rest/websocketsession.h"
 
 #include <boost/asio/write.hpp>
@@ -23,7 +24,7 @@ using namespace std::chrono_literals;
 
 constexpr std::uint32_t maxHeader = 16 * 1024;
 constexpr std::uint64_t maxBody = 64u * 1024 * 1024;
-constexpr auto requestTime = 60s; // to send a request, and to read its answer
+constexpr auto requestTime = 60s; // to send a body, to read an answer, and until the next request
 constexpr auto lingerTime = 3s;   // to take a refused request off the wire
 
 /// A field that means nothing when it comes twice; all of it then, which matches nothing.
@@ -41,14 +42,17 @@ class HttpSession : public Subscriber, public std::enable_shared_from_this<HttpS
 public:
     HttpSession(boost::asio::ip::tcp::socket socket, std::shared_ptr<const HttpHandlers> handlers,
                 std::shared_ptr<BroadcastHub> streams, std::shared_ptr<BroadcastHub> sockets,
-                std::shared_ptr<int> openSessions)
+                std::shared_ptr<HeaderQueue> headers, std::shared_ptr<int> openSessions)
         : m_stream(std::move(socket))
         , m_handlers(std::move(handlers))
         , m_streams(std::move(streams))
         , m_sockets(std::move(sockets))
+        , m_headers(std::move(headers))
         , m_openSessions(std::move(openSessions))
     {
         ++*m_openSessions;
+        beast::error_code code;
+        m_peer = m_stream.socket().remote_endpoint(code).address();
     }
     ~HttpSession() override { --*m_openSessions; }
 
@@ -56,6 +60,7 @@ public:
     void send(const std::shared_ptr<const std::string>& message) override;
 
 private:
+    void awaitRequest();
     void headerRead(beast::error_code code);
     void readBody();
     void bodyRead(beast::error_code code);
@@ -76,7 +81,10 @@ private:
     std::shared_ptr<const HttpHandlers> m_handlers;
     std::shared_ptr<BroadcastHub> m_streams;
     std::shared_ptr<BroadcastHub> m_sockets;
+    std::shared_ptr<HeaderQueue> m_headers;
     std::shared_ptr<int> m_openSessions;
+    boost::asio::ip::address m_peer;
+    HeaderQueue::Place m_place;                               // while a header is being read
     std::deque<std::shared_ptr<const std::string>> m_waiting; // the front one is being written
     std::size_t m_waitingBytes = 0;
     std::array<char, 1024> m_discard{};
@@ -88,14 +96,34 @@ void HttpSession::readHeader()
     m_parser.emplace();
     m_parser->header_limit(maxHeader);
     m_parser->body_limit(maxBody);
-    m_stream.expires_after(requestTime);
+    m_stream.expires_after(m_handlers->headerTime);
+    m_place = m_headers->join(m_peer, [weak = weak_from_this()] {
+        if (const auto self = weak.lock())
+            self->close();
+    });
     http::async_read_header(
         m_stream, m_buffer, *m_parser,
         [self = shared_from_this()](beast::error_code code, std::size_t) { self->headerRead(code); });
 }
 
+/// A connection that is kept for the next request may take its time until that begins.
+void HttpSession::awaitRequest()
+{
+    if (m_buffer.size() > 0)
+        return readHeader();
+    m_stream.expires_after(requestTime);
+    m_stream.async_read_some(m_buffer.prepare(4096),
+                             [self = shared_from_this()](beast::error_code code, std::size_t count) {
+                                 if (code)
+                                     return self->close();
+                                 self->m_buffer.commit(count);
+                                 self->readHeader();
+                             });
+}
+
 void HttpSession::headerRead(beast::error_code code)
 {
+    m_place.reset();
     if (code)
         return refuse(code);
     const auto& request = m_parser->get();
@@ -183,6 +211,8 @@ void HttpSession::answer(HttpReply reply)
     if (reply.status == 204)
         m_reply->erase(http::field::content_type);
     m_reply->prepare_payload();
+    if (request.method() == http::verb::head)
+        m_reply->body().clear(); // its length stays said
     m_stream.expires_after(requestTime);
     http::async_write(m_stream, *m_reply, [self = shared_from_this()](beast::error_code code, std::size_t) {
         self->written(code, self->m_reply->keep_alive());
@@ -195,7 +225,7 @@ void HttpSession::written(beast::error_code code, bool keepAlive)
     if (code)
         return close();
     if (keepAlive)
-        return readHeader();
+        return awaitRequest();
     // A peer that is still sending would lose the answer to a reset: take its bytes for a moment.
     beast::error_code ignored;
     m_stream.socket().shutdown(boost::asio::ip::tcp::socket::shutdown_send, ignored);
@@ -272,10 +302,10 @@ void HttpSession::close()
 
 void startHttpSession(boost::asio::ip::tcp::socket socket, std::shared_ptr<const HttpHandlers> handlers,
                       std::shared_ptr<BroadcastHub> streams, std::shared_ptr<BroadcastHub> sockets,
-                      std::shared_ptr<int> openSessions)
+                      std::shared_ptr<HeaderQueue> headers, std::shared_ptr<int> openSessions)
 {
     std::make_shared<HttpSession>(std::move(socket), std::move(handlers), std::move(streams),
-                                  std::move(sockets), std::move(openSessions))
+                                  std::move(sockets), std::move(headers), std::move(openSessions))
         ->readHeader();
 }
 

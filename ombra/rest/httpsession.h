@@ -8,6 +8,6 @@ namespace vantrel::ombra {
 /// Serves one connection until its end. It keeps itself alive by its pending operations.
 void startHttpSession(boost::asio::ip::tcp::socket socket, std::shared_ptr<const HttpHandlers> handlers,
                       std::shared_ptr<BroadcastHub> streams, std::shared_ptr<BroadcastHub> sockets,
-                      std::shared_ptr<int> openSessions);
+                      std::shared_ptr<HeaderQueue> headers, std::shared_ptr<int> openSessions);
 
 } // namespace vantrel::ombra

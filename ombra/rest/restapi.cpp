@@ -92,7 +92,7 @@ void RestApi::handle(const HttpRequest& request, const HttpAnswer& answer)
     const auto routes = m_routes.find(path);
     if (routes == m_routes.end())
         return answer(httpError(404, "no such resource"));
-    const auto route = routes->second.find(request.method);
+    const auto route = routes->second.find(request.method == "HEAD" ? "GET" : request.method);
     if (route != routes->second.end() && !hasReadableType(request))
         return answer(httpError(415, "the body must be of the type application/json"));
     if (route != routes->second.end())
@@ -234,6 +234,8 @@ void RestApi::answerEdit(const HttpAnswer& answer, const EditResult& result)
         return answer(httpError(412, result.message));
     case EditResult::Status::DoesNotFit:
         return answer(httpError(409, result.message));
+    case EditResult::Status::TooLarge:
+        return answer(httpError(413, result.message));
     case EditResult::Status::BreaksRules:
         return answer(httpError(422, result.message));
     case EditResult::Status::NotSaved:

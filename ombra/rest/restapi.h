@@ -16,8 +16,9 @@ class ShowFiles;
 struct EditResult;
 
 /// The routes below /api/brume/v1. A refused request changes nothing and says why: 400 what is malformed, 409
-/// a patch that does not fit the library, 412 an edit that was made for another revision of it, 415 a body
-/// that does not say that it is JSON, 422 an edit that would break the library's rules.
+/// a patch that does not fit the library, 412 an edit that was made for another revision of it, 413 one that
+/// would make it too large, 415 a body that does not say that it is JSON, 422 an edit that would break the
+/// library's rules.
 class RestApi
 {
 public:

@@ -2,6 +2,7 @@
 
 #include "ombra/base/serverlog.h"
 #include "ombra/show/journalline.h"
+#include "ombra/show/librarysize.h"
 #include "ombra/show/showloader.h"
 
 #include <boost/asio/post.hpp>
@@ -50,6 +51,7 @@ bool ShowStore::open(const std::function<MediaLibrary()>& makeInitial, std::stri
     m_disk->adopt(loaded);
     m_latest = loaded.found ? loaded.library : makeInitial();
     m_settings = loaded.settings;
+    m_latestBytes = librarysize::of(m_latest.toJson());
     *m_library = m_latest;
     std::string why;
     const bool saved = m_disk->writeSnapshot(m_latest.toJson(), m_settings, &why);
@@ -59,20 +61,45 @@ bool ShowStore::open(const std::function<MediaLibrary()>& makeInitial, std::stri
     return true;
 }
 
+/// Makes the edit part of the latest library, if it can be.
+EditResult ShowStore::accept(const Patch& patch)
+{
+    const EditResult tooLarge{EditResult::Status::TooLarge,
+                              "the library would be larger than " +
+                                  std::to_string(librarysize::limit / (1024 * 1024)) + " MiB"};
+    const auto isTooLarge = [this](std::size_t bytes) {
+        return bytes > librarysize::limit && bytes > m_latestBytes; // one that was too large may shrink
+    };
+    const Json before = m_latest.toJson();
+    Json document = before;
+    // Before the records are read: that takes time for each, and a patch of copies makes millions.
+    if (patch.apply(document) && isTooLarge(librarysize::after(m_latestBytes, before, document)))
+        return tooLarge;
+    MediaLibrary after(m_latest);
+    EditResult result;
+    const int code = after.applyDiff(patch, &result.message);
+    if (code == MediaLibrary::invalidContent)
+        result.status = EditResult::Status::BreaksRules;
+    else if (code == static_cast<int>(PatchError::TestFailed))
+        result.status = EditResult::Status::TestFailed;
+    else if (code != 0)
+        result.status = EditResult::Status::DoesNotFit;
+    if (code != 0)
+        return result;
+    const std::size_t bytes = librarysize::after(m_latestBytes, before, after.toJson());
+    if (isTooLarge(bytes))
+        return tooLarge;
+    m_latest = after;
+    m_latestBytes = bytes;
+    return result;
+}
+
 void ShowStore::patchLibrary(const Patch& patch, Answer answer)
 {
-    std::string message;
     const Json before = m_latest.toJson();
-    const int code = m_latest.applyDiff(patch, &message);
-    if (code != 0) {
-        auto status = EditResult::Status::DoesNotFit;
-        if (code == MediaLibrary::invalidContent)
-            status = EditResult::Status::BreaksRules;
-        else if (code == static_cast<int>(PatchError::TestFailed))
-            status = EditResult::Status::TestFailed;
-        answer({status, message});
-        return;
-    }
+    const EditResult accepted = accept(patch);
+    if (accepted.status != EditResult::Status::Saved)
+        return answer(accepted);
     Patch difference;
     Patch::diff(before, m_latest.toJson(), difference);
     m_latestRevision += difference.empty() ? 0 : 1;
@@ -196,6 +223,7 @@ void ShowStore::goBack(std::uint64_t epoch)
     ++m_epoch;
     m_latest = *m_library;
     m_latestRevision = m_revision;
+    m_latestBytes = librarysize::of(m_latest.toJson());
 }
 
 } // namespace vantrel::ombra

@@ -19,7 +19,7 @@ namespace vantrel::ombra {
 /// What became of an edit.
 struct EditResult
 {
-    enum class Status { Saved, TestFailed, DoesNotFit, BreaksRules, NotSaved };
+    enum class Status { Saved, TestFailed, DoesNotFit, BreaksRules, TooLarge, NotSaved };
     Status status = Status::Saved;
     std::string message;
     std::uint64_t revision = 0; // what a saved edit made of the library
@@ -80,6 +80,7 @@ private:
     {
     };
 
+    EditResult accept(const Patch& patch);
     void save(const Json& entry, std::function<void(bool, const std::string&)> done);
     void librarySaved(const Patch& difference, const MediaLibrary& after, std::uint64_t revision);
     void goBack(std::uint64_t epoch);
@@ -95,6 +96,7 @@ private:
     std::uint64_t m_revision;
     MediaLibrary m_latest;
     std::uint64_t m_latestRevision;
+    std::size_t m_latestBytes = 0; // see librarysize
     Json m_settings = Json::object();
     Json m_changedSettings = Json::object(); // of this turn
     bool m_flushPosted = false;

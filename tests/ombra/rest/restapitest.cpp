@@ -1,3 +1,4 @@
+#include "ombra/rest/httpserver.h"
 #include "tarn/media/mediaenums.h"
 #include "tarn/media/medialibrary.h"
 #include "tarn/media/mediametadata.h"
@@ -11,9 +12,12 @@
 #include <QImage>
 #include <QSysInfo>
 
+#include <algorithm>
 #include <array>
+#include <vector>
 
 using namespace vantrel;
+using ombra::HttpAnswer, ombra::HttpHandlers, ombra::HttpRequest, ombra::HttpServer, ombra::RequestGuard;
 using namespace vantrel::ombra::test;
 
 namespace {
@@ -293,6 +297,69 @@ private Q_SLOTS:
         const QByteArray answer = m_live.exchange(bytes);
         QVERIFY2(answer.startsWith("HTTP/1.1 " + status), answer.constData());
         QCOMPARE(m_live.request("GET", "/system").status, 200);
+    }
+
+    /// What a HEAD tells of is not sent, whether it is there or not: the next answer follows at once.
+    void sendsHeadersAlone()
+    {
+        QTcpSocket socket;
+        socket.connectToHost(QStringLiteral("127.0.0.1"), m_live.server().httpPort());
+        for (const QByteArray path : {"HEAD /api/brume/v1/medialibrary", "HEAD /api/brume/v1/sse",
+                                      "HEAD /nothing", "GET /api/brume/v1/system"})
+            socket.write(path + " HTTP/1.1\r\nHost: localhost\r\n\r\n");
+        QByteArray received;
+        QVERIFY(m_live.waitFor([&] { return (received += socket.readAll()).endsWith("}"); }));
+        const QList<QByteArray> heads = received.replace("\r\n\r\n", "|").split('|');
+        QCOMPARE(heads.size(), 5);
+        for (int i = 0; i < 4; ++i)
+            QVERIFY2(heads[i].startsWith(QByteArray("HTTP/1.1 ") + (i == 0 || i == 3 ? "200"
+                                                                    : i == 1         ? "405"
+                                                                                     : "404")),
+                     heads[i].constData());
+        const QByteArray size = QByteArray::number(m_live.request("GET", "/medialibrary").body.size());
+        QVERIFY2(heads[0].contains("Content-Length: " + size), heads[0].constData());
+    }
+
+    /// Headers that never end keep nobody out, and are not waited for.
+    void endsHalfHeaders()
+    {
+        boost::asio::io_context io;
+        HttpHandlers handlers{[](const HttpRequest&, const HttpAnswer& answer) { answer({.body = "{}"}); },
+                              "/sse", "/events", RequestGuard({})};
+        handlers.headerTime = std::chrono::milliseconds(1500);
+        HttpServer server(io, handlers);
+        std::string error;
+        QVERIFY(server.listen(boost::asio::ip::address_v4::loopback(), 0, &error));
+        const auto waitFor = [&](const std::function<bool()>& condition) {
+            QElapsedTimer clock;
+            for (clock.start(); clock.elapsed() < 10000 && !condition(); QCoreApplication::processEvents()) {
+                io.restart();
+                io.run_for(std::chrono::milliseconds(1));
+            }
+            return condition();
+        };
+        std::vector<std::unique_ptr<QTcpSocket>> slow;
+        const auto left = [&] {
+            return std::ranges::count_if(
+                slow, [](const auto& socket) { return socket->state() == QAbstractSocket::ConnectedState; });
+        };
+        for (int i = 0; i < 600; ++i) {
+            slow.push_back(std::make_unique<QTcpSocket>());
+            slow.back()->connectToHost(QStringLiteral("127.0.0.1"), server.port());
+            slow.back()->write("GET / HTTP/1.1\r\nHost: loc");
+        }
+        QTcpSocket good;
+        good.connectToHost(QStringLiteral("127.0.0.1"), server.port());
+        QByteArray answer;
+        const auto asks = [&] {
+            answer.clear();
+            good.write("GET / HTTP/1.1\r\nHost: localhost\r\n\r\n");
+            return waitFor([&] { return (answer += good.readAll()).endsWith("{}"); });
+        };
+        QVERIFY(asks());
+        QVERIFY(waitFor([&] { return left() <= 64; }));
+        QVERIFY(waitFor([&] { return left() == 0; }));
+        QVERIFY(asks()); // one that is kept between two requests has its time
     }
 
     /// Each accepted patch is one message; a client that folds blanks as the application does ends with the

@@ -98,6 +98,49 @@ private Q_SLOTS:
         QCOMPARE(name(), std::string("first"));
     }
 
+    /// A short patch that would make more than anybody can load again is refused as a whole, also when it
+    /// grows by small steps; what is removed makes room.
+    void refusesWhatIsTooLarge()
+    {
+        const auto add = [](const std::string& path, const Json& value) {
+            return PatchOp{PatchOpType::Add, Path(path), {}, value};
+        };
+        const auto copy = [](int from, int to) {
+            return PatchOp{PatchOpType::Copy,
+                           Path("/collections/" + std::to_string(to)),
+                           Path("/collections/" + std::to_string(from)),
+                           {}};
+        };
+        Json slots = Json::object();
+        for (int i = 1; i <= 1000; ++i)
+            slots.set(std::to_string(i), Json::object({{"name", std::string(10'000, 'x')}}));
+        Patch first;
+        first.append(add("/collections/1", Json::object({{"name", "large"}, {"slots", slots}}))); // 10 MB
+        QCOMPARE(edit(first).status, EditResult::Status::Saved);
+        Patch bomb;
+        for (int i = 2; i <= 30; ++i)
+            bomb.append(copy(1, i));
+        QCOMPARE(edit(bomb).status, EditResult::Status::TooLarge);
+        QCOMPARE(m_store->library().getCollections().size(), std::size_t(1));
+        int taken = 1;
+        const auto grow = [&] {
+            Patch one;
+            one.append(copy(1, taken + 1));
+            const auto status = edit(one).status;
+            taken += status == EditResult::Status::Saved;
+            return status;
+        };
+        while (taken < 40 && grow() == EditResult::Status::Saved) {
+        }
+        QVERIFY2(taken > 20 && taken < 28, qPrintable(QString::number(taken)));
+        Patch away;
+        away.append({PatchOpType::Remove, Path("/collections/2"), {}, {}});
+        QCOMPARE(edit(away).status, EditResult::Status::Saved);
+        QCOMPARE(grow(), EditResult::Status::Saved);
+        QVERIFY(reopenCopy());
+        QCOMPARE(m_store->library().getCollections().size(), std::size_t(taken - 1));
+    }
+
     /// Wherever a power failure cuts the journal, what stands whole before the cut is there afterwards.
     void tornJournals()
     {
