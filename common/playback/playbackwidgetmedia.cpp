@@ -53,8 +53,10 @@ void PlaybackWidget::connectSources()
             &PlaybackWidget::handlePlaylistReset);
     connect(m_session, &Session::connected, this, &PlaybackWidget::followHelpers);
     followHelpers();
-    if (m_playback)
+    if (m_playback) {
         connect(m_playback, &GUIPlayback::mediaChanged, this, &PlaybackWidget::handleMediaChanged);
+        connect(m_playback, &GUIPlayback::heldMediaChanged, this, &PlaybackWidget::updateMediaAddress);
+    }
 }
 
 /// Each connection has helpers of its own, and this widget outlives them.
@@ -86,12 +88,15 @@ void PlaybackWidget::updateMediaAddress()
     } else {
         Q_EMIT mediaAddressPlaylist(-1);
     }
-    m_hint->setVisible(m_mediaAddress.isEmpty());
+    const QString held = m_playback ? m_playback->heldMedia() : QString();
+    m_hint->setVisible(m_mediaAddress.isEmpty() && held.isEmpty());
     if (!MediaUtils::isMediaAddress(m_mediaAddress)) {
         setHasValidMedia(false);
+        m_controls->setEnabled(!held.isEmpty()); // it can still be paused and stopped
         clearMediaState();
         m_header->setMediaAddress({});
-        m_header->setMediaName({});
+        m_header->setMediaName(
+            held.isEmpty() ? QString() : tr("%1 (no longer in the library)").arg(QUrl(held).fileName()));
         return;
     }
     QString name;

@@ -49,6 +49,7 @@ void GUIPlayback::cacheProperties()
     const auto find = [this](const char* name) { return object()->findProperty(name); };
     m_info = {
         .media = find("media"),
+        .heldMedia = find("heldMedia"),
         .endAction = find("endAction"),
         .sourceMode = find("sourceMode"),
         .audioDevice = find("audioDevice"),

@@ -22,6 +22,7 @@ class GUIPlayback : public SceneObjectWrapper
 {
     Q_OBJECT
     Q_PROPERTY(QString media READ media WRITE setMedia NOTIFY mediaChanged)
+    Q_PROPERTY(QString heldMedia READ heldMedia NOTIFY heldMediaChanged)
     Q_PROPERTY(vantrel::EndAction endAction READ endAction WRITE setEndAction NOTIFY endActionChanged)
     Q_PROPERTY(vantrel::SourceMode sourceMode READ sourceMode NOTIFY sourceModeChanged)
     Q_PROPERTY(vantrel::AudioPlaybackDevice audioDevice READ audioDevice WRITE setAudioDevice NOTIFY
@@ -43,6 +44,8 @@ public:
 
     QString media() const { return getProperty<QString>(m_info.media); }
     void setMedia(const QString& url);
+    /// The content URL of what plays on though the library has it no more; empty while it has.
+    QString heldMedia() const { return getProperty<QString>(m_info.heldMedia); }
     EndAction endAction() const { return getProperty<EndAction>(m_info.endAction); }
     void setEndAction(EndAction value) { setProperty(m_info.endAction, value); }
     SourceMode sourceMode() const { return getProperty<SourceMode>(m_info.sourceMode); }
@@ -76,6 +79,7 @@ public:
 
 Q_SIGNALS:
     void mediaChanged();
+    void heldMediaChanged();
     void endActionChanged();
     void sourceModeChanged();
     void audioDeviceChanged();
@@ -102,6 +106,7 @@ private:
     struct Info
     {
         const PropertyInfo* media = nullptr;
+        const PropertyInfo* heldMedia = nullptr;
         const PropertyInfo* endAction = nullptr;
         const PropertyInfo* sourceMode = nullptr;
         const PropertyInfo* audioDevice = nullptr;

@@ -5,6 +5,7 @@
 #include "common/player/playerplaybackview.h"
 #include "common/session/link/connectionhandler.h"
 #include "common/session/mirror/objecttreemodel.h"
+#include "common/session/mirror/servernotices.h"
 #include "common/session/session.h"
 #include "common/session/settings/configuration.h"
 #include "common/session/window/mainwindowhandle.h"
@@ -87,6 +88,7 @@ MainWindow::MainWindow(Session* session, QWidget* parent)
     m_navigationBar->setActiveTab(PlayerTab);
     setCentralWidget(m_central);
     initConnection();
+    new ServerNotices(m_session->getScene(), NotificationManagerImpl::instance(), this);
     if (const Configuration* settings = configuration()) {
         connect(settings, &Configuration::optionChanged, this, [this](ConfigurationOption option) {
             if (option == TEXT_SIZE)
