@@ -67,6 +67,9 @@ void AbstractDiffApiCommand::send(EditDirection direction)
     MediaLibraryApi* api = Session::instance() ? Session::instance()->getMediaLibraryApi() : nullptr;
     if (!api) {
         qCWarning(lcCommand) << "No api available, check connection?";
+        DiffApiError none;
+        none.message = QObject::tr("There is no connection to the server.");
+        tellRefusal(text(), none);
         return;
     }
     m_edit->text = text();

@@ -6,9 +6,15 @@
 #include "common/session/session.h"
 #include "tarn/media/medialibrary.h"
 
+#include <array>
+#include <string_view>
+
 namespace vantrel {
 
 namespace {
+
+// What the server finds out from a slot's medium, whenever it is ready: no edit of anybody.
+constexpr std::array<std::string_view, 3> foundMembers{"isPlayable", "mediaDuration", "type"};
 
 /// A copy with the edit in it; null where the edit cannot be. The copy shares all that the edit leaves alone.
 Ref<MediaLibrary> edited(const MediaLibrary& library, const std::function<bool(MediaLibrary&)>& edit)
@@ -27,10 +33,14 @@ bool rehearsed(const MediaLibrary& library, const std::function<bool(MediaLibrar
         return false;
     const Json before = library.toJson();
     const Json done = after->toJson();
-    Patch::diff(before, done, made.redo);
-    Patch::diff(done, undone ? undone->toJson() : before, made.undo);
-    made.before = PatchBase(before, made.redo);
-    made.after = PatchBase(done, made.undo);
+    if (undone) {
+        Patch::diff(before, done, made.redo);
+        Patch::diff(done, undone->toJson(), made.undo);
+    } else {
+        Patch::diff(before, done, made.redo, made.undo);
+    }
+    made.before = PatchBase(before, made.redo, foundMembers);
+    made.after = PatchBase(done, made.undo, foundMembers);
     return true;
 }
 

@@ -194,11 +194,11 @@ void Session::wireProviders()
 void Session::onConnect()
 {
     ++m_linksSeen;
+    m_loading = Loading::Stale;
+    m_nextPatch = {};
     const QString host = m_connection->getConnectedHost();
     if (host.isEmpty())
         return; // the operator left before this signal came through
-    m_loading = Loading::Stale;
-    m_nextPatch = {};
     qCInfo(lcSession, "Session connected to: %s", qPrintable(host));
     followLibrary(host);
     initMediaLibraryHelpers(host);
@@ -222,8 +222,6 @@ void Session::followLibrary(const QString& host)
                 followLibrary(host);
         });
     });
-    connect(api, &MediaLibraryApi::mediaLibraryRequestFailed, this,
-            [api] { QTimer::singleShot(libraryRetry, api, &MediaLibraryApi::requestMediaLibrary); });
     connect(api, &MediaLibraryApi::readingChanged, this, &Session::libraryReadingChanged);
     api->listenChanges();
     api->requestMediaLibrary();

@@ -23,12 +23,6 @@ const Json* find(const Json& document, const Path& path)
     return node;
 }
 
-bool holdsAt(const Json& document, const Path& path, const std::optional<Json>& value)
-{
-    const Json* const now = find(document, path);
-    return now ? value && *now == *value : !value;
-}
-
 /// Whether one path is the other one or leads to it.
 bool overlap(const Path& a, const Path& b)
 {
@@ -43,7 +37,8 @@ bool readsFrom(const PatchOp& op)
 
 } // namespace
 
-PatchBase::PatchBase(const Json& document, const Patch& patch)
+PatchBase::PatchBase(const Json& document, const Patch& patch, std::span<const std::string_view> unminded)
+    : m_unminded(unminded)
 {
     for (const PatchOp& op : patch) {
         add(document, op.path);
@@ -58,18 +53,54 @@ void PatchBase::add(const Json& document, const Path& path)
     m_places.push_back({path, value ? std::optional(*value) : std::nullopt});
 }
 
+bool PatchBase::isUnminded(std::string_view name) const
+{
+    return std::ranges::find(m_unminded, name) != m_unminded.end();
+}
+
+bool PatchBase::isSame(const Json& a, const Json& b) const
+{
+    if (a == b)
+        return true;
+    if (m_unminded.empty() || a.size() != b.size())
+        return false;
+    if (a.isObject() && b.isObject()) {
+        bool same = true;
+        a.forEachMember([&](std::string_view name, const Json& value) {
+            const Json* const other = b.find(name);
+            same = other && (isUnminded(name) || isSame(value, *other));
+            return same;
+        });
+        return same;
+    }
+    if (!a.isArray() || !b.isArray())
+        return false;
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        if (!isSame(*a.at(i), *b.at(i)))
+            return false;
+    }
+    return true;
+}
+
+bool PatchBase::holdsAt(const Json& document, const Place& place) const
+{
+    if (!place.path.empty() && isUnminded(place.path.back().text()))
+        return true;
+    const Json* const now = find(document, place.path);
+    return now ? place.value && isSame(*place.value, *now) : !place.value;
+}
+
 bool PatchBase::holds(const Json& document) const
 {
-    return std::ranges::all_of(
-        m_places, [&](const Place& place) { return holdsAt(document, place.path, place.value); });
+    return std::ranges::all_of(m_places, [&](const Place& place) { return holdsAt(document, place); });
 }
 
 bool PatchBase::conflicts(const Json& document, const Patch& patch) const
 {
     return std::ranges::any_of(m_places, [&](const Place& place) {
-        return !holdsAt(document, place.path, place.value) &&
-               std::any_of(patch.begin(), patch.end(),
-                           [&](const PatchOp& op) { return overlap(op.path, place.path); });
+        return !holdsAt(document, place) && std::any_of(patch.begin(), patch.end(), [&](const PatchOp& op) {
+            return overlap(op.path, place.path);
+        });
     });
 }
 

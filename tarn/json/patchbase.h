@@ -3,6 +3,8 @@
 #include "tarn/json/patch.h"
 
 #include <optional>
+#include <span>
+#include <string_view>
 #include <vector>
 
 namespace vantrel {
@@ -14,7 +16,9 @@ class PatchBase
 {
 public:
     PatchBase() = default; // of no patch: holds everywhere
-    PatchBase(const Json& document, const Patch& patch);
+    /// unminded: names of members that nobody writes by hand; wherever they stand, their values may differ.
+    /// Must outlive this.
+    PatchBase(const Json& document, const Patch& patch, std::span<const std::string_view> unminded = {});
 
     bool empty() const noexcept { return m_places.empty(); }
     bool holds(const Json& document) const;
@@ -29,8 +33,12 @@ private:
         std::optional<Json> value; // nothing: there was nothing
     };
     void add(const Json& document, const Path& path);
+    bool holdsAt(const Json& document, const Place& place) const;
+    bool isUnminded(std::string_view name) const;
+    bool isSame(const Json& a, const Json& b) const;
 
     std::vector<Place> m_places;
+    std::span<const std::string_view> m_unminded;
 };
 
 } // namespace vantrel

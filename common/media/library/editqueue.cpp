@@ -124,6 +124,17 @@ bool EditQueue::prepare(Entry& entry)
     const Json now = m_api->libraryJson();
     if (entry.base().holds(now))
         return true;
+    if (isDone(entry, now)) {
+        // Both patches stay what they are: a later undo is the undo of this.
+        if (entry.direction == EditDirection::Redo)
+            edit.refused = false;
+        DiffApiError answer;
+        answer.success = true;
+        answer.statusCode = 200;
+        tell(answer);
+        dropFirst();
+        return false;
+    }
     const QString overtaken = tr("Somebody else has changed the same thing meanwhile.");
     if (entry.direction == EditDirection::Undo || !edit.rehearse) {
         refuseFirst(overtaken);
@@ -145,6 +156,15 @@ bool EditQueue::prepare(Entry& entry)
     return true;
 }
 
+/// Whether the library shows already what the edit makes: an undo that failed leaves its redo standing, and
+/// an answer that was lost may have been a yes.
+bool EditQueue::isDone(const Entry& entry, const Json& library) const
+{
+    const LibraryEdit& edit = *entry.edit;
+    const PatchBase& goal = entry.direction == EditDirection::Redo ? edit.after : edit.before;
+    return !goal.empty() && goal.holds(library);
+}
+
 void EditQueue::sendFirst()
 {
     Entry& entry = m_edits.front();
@@ -152,7 +172,8 @@ void EditQueue::sendFirst()
         return;
     if (entry.direction == EditDirection::Redo)
         entry.edit->refused = false;
-    QNetworkReply* reply = m_api->patchMediaLibrary(entry.patch(), m_api->revision());
+    m_sentFor = m_api->revision();
+    QNetworkReply* reply = m_api->patchMediaLibrary(entry.patch(), m_sentFor);
     if (!reply) {
         refuseFirst(tr("It has no form that the server reads."));
         return;
@@ -171,7 +192,7 @@ void EditQueue::onAnswer(QNetworkReply* reply)
     const DiffApiError answer = answerOf(*reply);
     if (answer.statusCode == preconditionFailed && m_edits.front().tries < maxTries) {
         // Something that this window has not heard of came first.
-        m_awaited = m_api->revision() ? std::optional(*m_api->revision() + 1) : std::nullopt;
+        m_awaited = m_sentFor ? std::optional(*m_sentFor + 1) : std::nullopt;
         settleBy(State::Overtaken);
         return;
     }

@@ -56,6 +56,7 @@ private:
     };
 
     bool prepare(Entry& entry);
+    bool isDone(const Entry& entry, const Json& library) const;
     void sendFirst();
     void onAnswer(QNetworkReply* reply);
     void onSuccess(std::optional<qint64> revision);
@@ -69,6 +70,7 @@ private:
     std::deque<Entry> m_edits;
     State m_state = State::Idle;
     QPointer<QNetworkReply> m_reply; // of InFlight
+    std::optional<qint64> m_sentFor; // the revision that it named
     std::optional<qint64> m_awaited; // the library's revision that ends Settling or Overtaken
     QTimer m_patience;
 };

@@ -25,6 +25,10 @@ const QString restRoot = QStringLiteral("/api/brume/v1");
 
 // A library of this many bytes is no library.
 constexpr qint64 maxLibraryBytes = 256LL * 1024 * 1024;
+// How long a server may be silent within an answer, in milliseconds.
+constexpr int answerTime = 10000;
+// Between a fetch that failed and the next one, in milliseconds.
+constexpr int retryTime = 1000;
 // How long a fetch waits for the event stream to open, in milliseconds.
 constexpr int streamOpeningTime = 1000;
 // A server that speaks each second and says nothing for so long has gone, in milliseconds.
@@ -85,7 +89,9 @@ QNetworkRequest MediaLibraryApi::jsonRequest(const QString& path) const
 
 QNetworkReply* MediaLibraryApi::getMediaLibrary()
 {
-    return m_manager->get(jsonRequest(QStringLiteral("/medialibrary")));
+    QNetworkRequest request = jsonRequest(QStringLiteral("/medialibrary"));
+    request.setTransferTimeout(answerTime);
+    return m_manager->get(request);
 }
 
 QNetworkReply* MediaLibraryApi::getCollections()
@@ -134,6 +140,7 @@ QNetworkReply* MediaLibraryApi::patchMediaLibrary(const Patch& patch, std::optio
     QNetworkRequest request = jsonRequest(QStringLiteral("/medialibrary"));
     if (revision)
         request.setRawHeader("If-Match", '"' + QByteArray::number(*revision) + '"');
+    request.setTransferTimeout(answerTime); // the edits behind it wait for the answer
     return m_manager->sendCustomRequest(request, QByteArrayLiteral("PATCH"), body);
 }
 
@@ -160,6 +167,7 @@ void MediaLibraryApi::listenChanges()
         return;
     }
     m_events = EventStream();
+    m_isDeaf = false;
     QNetworkReply* stream = openSSE();
     m_stream = stream;
     // A stream that outlives this object is read by nobody: what it may buffer is bounded.
@@ -200,6 +208,7 @@ void MediaLibraryApi::onStreamEnded(QNetworkReply* stream)
 /// From here on the library here grows old: nothing is made on it any more.
 void MediaLibraryApi::loseStream()
 {
+    m_isDeaf = true;
     setReading(Reading::Awaited);
     m_edits->refuseAll(tr("The server does not tell of changes any more; the library is read anew."));
     Q_EMIT streamLost();
@@ -228,6 +237,7 @@ void MediaLibraryApi::receive(const QByteArray& bytes)
     case EventStream::State::Overflow:
         qCWarning(lcMedia) << "Event stream sends a message without end, closing it";
         stopListening();
+        loseStream();
         break;
     }
 }
@@ -249,20 +259,25 @@ void MediaLibraryApi::handleMessage(const QByteArray& data)
         m_meanwhile.push_back({patch, revision});
         m_meanwhileBytes += data.size();
     }
+    const bool hasGap = revision && m_revision && *revision > *m_revision + 1;
     if (revision)
         m_revision = revision;
-    applyMediaLibraryPatch(patch);
+    // What the server sends is what it did: what does not fit, or follows on something else, shows that some
+    // of it was missed.
+    const bool fits = applyMediaLibraryPatch(patch);
+    if ((hasGap || !fits) && isCurrent())
+        requestMediaLibrary();
 }
 
-void MediaLibraryApi::applyMediaLibraryPatch(const Patch& patch)
+bool MediaLibraryApi::applyMediaLibraryPatch(const Patch& patch)
 {
-    // What the server sends is what it did; a patch that does not fit is mended by the next full load.
     std::string error;
     if (m_library->applyDiff(patch, &error) != 0) {
         qCDebug(lcMedia) << "Patch does not fit the library: " << shortened(QByteArray::fromStdString(error));
-        return;
+        return false;
     }
     emitLibraryChanges(LibraryChanges::fromPatch(patch));
+    return true;
 }
 
 void MediaLibraryApi::emitLibraryChanges(const LibraryChanges& changes)
@@ -331,10 +346,12 @@ void MediaLibraryApi::requestMediaLibrary()
         fetchLibrary();
         return;
     }
+    ++m_waits;
     auto* wait = new QTimer(this);
     wait->setSingleShot(true);
     connect(wait, &QTimer::timeout, this, [this, wait] {
         wait->deleteLater();
+        --m_waits;
         fetchLibrary();
     });
     wait->start(streamOpeningTime);
@@ -360,6 +377,7 @@ void MediaLibraryApi::onLibraryReceived(QNetworkReply* reply)
     if (reply->error() != QNetworkReply::NoError) {
         qCWarning(lcMedia) << "Failed to get media library " << reply->error();
         fetchFailed();
+        Q_EMIT mediaLibraryRequestFailed();
         return;
     }
     const std::optional<qint64> revision = revisionOf(reply->rawHeader(QByteArrayLiteral("ETag")));
@@ -386,6 +404,7 @@ void MediaLibraryApi::onLibraryRead(const LibraryReading& reading, std::optional
     case LibraryReading::Outcome::NoLibrary:
         qCWarning(lcMedia) << "Failed to parse media library" << shortened(reading.error);
         fetchFailed();
+        Q_EMIT mediaLibraryRequestFailed();
         break;
     case LibraryReading::Outcome::Library:
         adoptLibrary(*reading.library, revision);
@@ -402,7 +421,8 @@ void MediaLibraryApi::adoptLibrary(MediaLibrary& fetched, std::optional<qint64> 
     }
     // What came meanwhile is in it now.
     m_revision = revision ? std::max(revision, m_revision) : std::nullopt;
-    setReading(Reading::Done);
+    if (!m_isDeaf)
+        setReading(Reading::Done);
     fetchEnded();
     LibraryReading::Remains remains(*m_library);
     *m_library = fetched;
@@ -410,12 +430,13 @@ void MediaLibraryApi::adoptLibrary(MediaLibrary& fetched, std::optional<qint64> 
     Q_EMIT mediaLibraryChanged();
 }
 
+/// It is tried again until it comes.
 void MediaLibraryApi::fetchFailed()
 {
+    QTimer::singleShot(retryTime, this, &MediaLibraryApi::requestMediaLibrary);
     setReading(Reading::Failed);
     fetchEnded();
     m_edits->refuseAll(tr("The library could not be read from the server."));
-    Q_EMIT mediaLibraryRequestFailed();
 }
 
 void MediaLibraryApi::setReading(Reading reading)

@@ -60,8 +60,9 @@ public:
     /// Follows the event stream until it ends; nothing starts it again.
     void listenChanges();
     void stopListening();
-    /// Fetches the whole library and replaces the local one. While a stream opens, the request waits for the
-    /// server's first word on it, so that no change falls between the two.
+    /// Fetches the whole library, again each second until it comes, and replaces the local one. While a
+    /// stream opens, the request waits for the server's first word on it, so that no change falls between the
+    /// two.
     void requestMediaLibrary();
     /// From the request to the library in its place, or the failure.
     bool isFetching() const { return m_fetches > 0; }
@@ -70,7 +71,7 @@ public:
     /// What became of the last fetch.
     Reading reading() const { return m_reading; }
     /// Whether the local library is the server's, but for what is on its way.
-    bool isCurrent() const { return m_reading == Reading::Done && m_fetches == 0; }
+    bool isCurrent() const { return m_reading == Reading::Done && m_fetches + m_waits == 0; }
     /// The number of the library that stands here; none of a server that does not count.
     std::optional<qint64> revision() const { return m_revision; }
     static std::optional<qint64> revisionOf(QByteArray tag);
@@ -84,8 +85,8 @@ public:
     void receive(const QByteArray& bytes);
 
     /// What a message of the stream does: changes the library, then tells what the patch touched, collections
-    /// before playlists. A patch that does not fit changes nothing and tells nothing.
-    void applyMediaLibraryPatch(const Patch& patch);
+    /// before playlists. False, and nothing changes or is told, when the patch does not fit.
+    bool applyMediaLibraryPatch(const Patch& patch);
 
     /// The bytes that patchMediaLibrary() sends; false when the patch has no JSON form.
     static bool patchBody(const Patch& patch, QByteArray* body);
@@ -151,6 +152,8 @@ private:
     std::vector<Message> m_meanwhile;
     qsizetype m_meanwhileBytes = 0;
     int m_fetches = 0;
+    int m_waits = 0;       // fetches that wait for the stream to open
+    bool m_isDeaf = false; // the stream is lost
     std::optional<qint64> m_revision;
     Reading m_reading = Reading::Awaited;
     EditQueue* const m_edits;

@@ -63,8 +63,8 @@ ConnectionHandler::State ConnectionHandler::stateForHost(State present)
 void ConnectionHandler::connect(const QString& host)
 {
     const QMutexLocker lock(&m_mutex);
-    if (isLinked(m_state))
-        m_client->disconnect();
+    if (isLinked(m_state) || (!m_host.isEmpty() && m_host != host))
+        m_client->disconnect(); // also an attempt that nobody waits for any more
     enter(stateForHost(m_state), host);
 }
 
@@ -208,9 +208,10 @@ void ConnectionHandler::fail(QMutexLocker<QMutex>& lock)
     enter(isRetry ? State::Pausing : State::Idle, isRetry ? host : QString());
     lock.unlock();
     if (isRetry)
-        tellPause(host);
-    else
-        Q_EMIT disconnected(host);
+        return tellPause(host);
+    if (PreviewThread* preview = previewThread())
+        preview->unsubscribe(); // of the server before
+    Q_EMIT disconnected(host);
 }
 
 /// May take the whole time-out.

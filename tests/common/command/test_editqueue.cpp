@@ -40,8 +40,12 @@ private:
         }
         ScriptedHttp::Reply patch(const ScriptedHttp::Request& request)
         {
+            if (breaksMine && request.body.contains("\"mine\""))
+                return {-1, {}};
             if (isMute)
                 return {0, {}};
+            if (refusal != 0)
+                return {refusal, R"({"error":"the disk is full"})"};
             Patch patch;
             if (!Patch::parseString(request.body.toStdString(), patch) || library->applyDiff(patch) != 0)
                 return {409, R"({"error":"it does not fit"})"};
@@ -81,7 +85,9 @@ private:
 
         Ref<MediaLibrary> library;
         ScriptedPeer peer;
+        int refusal = 0; // the status of every answer
         bool isMute = false;
+        bool breaksMine = false;
         bool isBroken = false;
     };
 
@@ -94,7 +100,7 @@ private:
     }
 
 private Q_SLOTS:
-    void cleanup() { NotificationManagerImpl::instance()->clear(); }
+    void init() { NotificationManagerImpl::instance()->clear(); }
 
     /// What was clicked in a row leaves in a row, each made on what the one before will have made.
     void leavesOneByOne()
@@ -122,8 +128,10 @@ private Q_SLOTS:
         QTRY_COMPARE(server.peer.http.count("PATCH", "/medialibrary"), 1);
         QVERIFY(server.run<InsertCollectionCommand>(2, QStringLiteral("two")));
         QVERIFY(server.run<InsertCollectionCommand>(3, QStringLiteral("three")));
+        expectWarning(QStringLiteral("Unable to find media collection."));
         QVERIFY(!server.run<RenameCollectionCommand>(4, QStringLiteral("four")));
         server.isMute = false;
+        server.breaksMine = true; // also what is sent once more
         server.edit(R"([{"op":"replace","path":"/collections/1/name","value":"theirs"},
                         {"op":"add","path":"/collections/2","value":{"name":"theirs","slots":{}}}])");
         expectWarning(QStringLiteral("Failed due network error: "));
@@ -151,6 +159,26 @@ private Q_SLOTS:
         QTRY_COMPARE(said().size(), 1);
         QCOMPARE(server.name(1), QStringLiteral("theirs"));
         QCOMPARE(server.peer.http.count("PATCH", "/medialibrary"), 1);
+    }
+
+    /// An undo that failed can be tried again: what is done stays known as done.
+    void undoesAfterAFailedUndo()
+    {
+        Server server;
+        QVERIFY(server.connect());
+        QVERIFY(server.run<RenameCollectionCommand>(1, QStringLiteral("mine")));
+        QTRY_VERIFY(server.isIdle());
+        QUndoStack* const stack = server.peer.session->getQUndoStack();
+        server.refusal = 507;
+        expectWarning(QStringLiteral("Undo failed! "));
+        stack->undo();
+        QTRY_VERIFY(server.isIdle());
+        QCOMPARE(server.name(1), QStringLiteral("mine"));
+        server.refusal = 0;
+        stack->redo();
+        stack->undo();
+        QTRY_COMPARE(server.name(1), QStringLiteral("one"));
+        QCOMPARE(said().size(), 1);
     }
 
     /// Without the library there is nothing to edit; it is read again until it is there.

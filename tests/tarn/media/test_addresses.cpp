@@ -24,7 +24,8 @@ private Q_SLOTS:
         QTest::newRow("two digits") << QByteArray("5.10") << 5 << 10 << QByteArray("5.10");
         QTest::newRow("zero decimal") << QByteArray("5.0") << 5 << 0 << QByteArray("5");
         QTest::newRow("highest") << QByteArray("999999.999") << 999999 << 999 << QByteArray("999999.999");
-        for (const char* bad : {"", "0", "0.5", "-1", "+1", "5.", ".5", "5.1.2", "5,1", " 5", "5 ", "1000000",
+        QTest::newRow("before the first") << QByteArray("0.5") << 0 << 5 << QByteArray("0.5");
+        for (const char* bad : {"", "0", "0.0", "-1", "+1", "5.", ".5", "5.1.2", "5,1", " 5", "5 ", "1000000",
                                 "5.1000", "99999999999", "x"})
             QTest::newRow(bad) << QByteArray(bad) << -1 << -1 << QByteArray();
     }
@@ -36,8 +37,8 @@ private Q_SLOTS:
         QFETCH(int, decimal);
         QFETCH(QByteArray, written);
         EntryAddress address(7, 7);
-        QCOMPARE(address.parseString(text.toStdString()), whole > 0);
-        if (whole > 0) {
+        QCOMPARE(address.parseString(text.toStdString()), whole >= 0);
+        if (whole >= 0) {
             QCOMPARE(address, EntryAddress(whole, decimal));
             QCOMPARE(address.toString(true), written.toStdString());
             QCOMPARE(address.toString(false), written.toStdString());
