@@ -101,7 +101,7 @@ private Q_SLOTS:
         QCOMPARE(surfaceCount(peer.session), 3);
         QSignalSpy loaded(peer.session, &Session::sceneLoaded);
         QSignalSpy came(peer.session->connectionHandler(), &ConnectionHandler::patchAvailable);
-        peer.send({}); // a sign of life is no scene
+        peer.send(Patch()); // a sign of life is no scene
         QTRY_COMPARE(came.count(), 1);
         QCOMPARE(surfaceCount(peer.session), 3);
         QCOMPARE(loaded.count(), 0);
