@@ -51,7 +51,15 @@ ShowDisk::~ShowDisk()
 bool ShowDisk::open(std::string* error)
 {
     const Lock result = lock(error);
-    return result == Lock::Ours || result == Lock::Unwritable;
+    if (result != Lock::Ours && result != Lock::Unwritable)
+        return false;
+    // What cannot be read is not empty: a new show in its place would later overwrite what is there.
+    std::error_code code;
+    for (std::filesystem::directory_iterator it(m_folder, code), end; !code && it != end;
+         it.increment(code)) {
+    }
+    return !code || code == std::errc::no_such_file_or_directory ||
+           fail(error, "cannot read " + m_folder.string() + ": " + code.message());
 }
 
 ShowDisk::Lock ShowDisk::lock(std::string* error)
@@ -91,8 +99,14 @@ void ShowDisk::adopt(const LoadedShow& loaded)
 
 bool ShowDisk::writeSnapshot(const Json& library, const Json& settings, std::string* error)
 {
+    const bool late = m_lock < 0;
     if (lock(error) != Lock::Ours)
         return false;
+    if (late && Generations::find(m_folder).highest() > m_generation) {
+        ::close(std::exchange(m_lock, -1));
+        return fail(error,
+                    "the state folder holds a show that was not there at the start; restart the server");
+    }
     const std::uint64_t generation = m_generation + 1;
     const std::string text = encodeJournalLine(Json::object({{"format", formatVersion},
                                                              {"generation", generation},

@@ -187,13 +187,12 @@ void ShowStore::setTroubleListener(TroubleListener listener)
 void ShowStore::setTrouble(const std::string& why)
 {
     constexpr auto retryTime = std::chrono::seconds(2);
-    const bool before = !m_trouble.empty();
-    if (why.empty())
-        m_trouble.clear();
-    else if (!before) // the first reason: those that follow come of it
-        m_trouble = "The server cannot write to its disk (" + why +
-                    "). The show plays on, but edits are refused until there is room and right to write.";
-    if (before == m_trouble.empty() && m_troubleListener)
+    const std::string before = m_trouble;
+    m_trouble = why.empty() ? why
+                            : "The server cannot write to its disk (" + why +
+                                  "). The show plays on, but edits are refused until there is room and "
+                                  "right to write.";
+    if (before != m_trouble && m_troubleListener)
         m_troubleListener(m_trouble);
     if (m_trouble.empty()) {
         m_retry.cancel();

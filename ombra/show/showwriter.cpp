@@ -45,7 +45,7 @@ void ShowWriter::run()
         std::erase_if(jobs, [this](const Job& job) {
             if (job.epoch > m_failedEpoch)
                 return false;
-            job.done(false, "an earlier edit could not be saved");
+            job.done(false, m_failure); // of the edit that it was made on
             return true;
         });
         if (!jobs.empty())
@@ -57,8 +57,10 @@ void ShowWriter::write(std::vector<Job>& jobs)
 {
     std::string error;
     const bool ok = save(jobs, &error);
-    if (!ok)
+    if (!ok) {
         m_failedEpoch = jobs.back().epoch;
+        m_failure = error;
+    }
     for (const Job& job : jobs)
         job.done(ok, error);
     if (ok && m_disk.wantsSnapshot() &&

@@ -43,7 +43,8 @@ private:
     std::mutex m_mutex;
     std::condition_variable m_wake;
     std::vector<Job> m_queue;
-    std::uint64_t m_failedEpoch = 0; // writer's thread only
+    std::uint64_t m_failedEpoch = 0; // this and the next: writer's thread only
+    std::string m_failure;           // why it failed
     bool m_stop = false;
     std::thread m_thread;
 };
