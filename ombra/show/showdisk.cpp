@@ -19,6 +19,10 @@ namespace vantrel::ombra {
 
 namespace {
 
+/// Bytes of a journal, far from what a start still reads.
+constexpr std::uint64_t largeJournal = 256u << 20;
+constexpr std::uint64_t untilNextTry = 64u << 20;
+
 bool fail(std::string* error, const std::string& text)
 {
     if (error)
@@ -108,16 +112,18 @@ bool ShowDisk::writeSnapshot(const Json& library, const Json& settings, std::str
                     "the state folder holds a show that was not there at the start; restart the server");
     }
     const std::uint64_t generation = m_generation + 1;
-    const std::string text = encodeJournalLine(Json::object({{"format", formatVersion},
-                                                             {"generation", generation},
-                                                             {"library", library},
-                                                             {"settings", settings}}));
     const std::string head = encodeJournalLine(Json::object({{"generation", generation}}));
     // The journal first: a snapshot without one would hold edits that were answered as not saved.
     const std::filesystem::path path = journalPath(m_folder, generation);
     std::error_code ignored;
-    if (!writeFileAtomically(path, head, error))
+    if (!writeFileAtomically(path, head, error)) {
+        postponeSnapshot();
         return false;
+    }
+    const std::string text = encodeJournalLine(Json::object({{"format", formatVersion},
+                                                             {"generation", generation},
+                                                             {"library", library},
+                                                             {"settings", settings}}));
     const int journal = ::open(path.c_str(), O_WRONLY | O_APPEND | O_CLOEXEC);
     if (journal < 0 || !writeFileAtomically(snapshotPath(m_folder, generation), text, error)) {
         if (journal < 0)
@@ -126,7 +132,8 @@ bool ShowDisk::writeSnapshot(const Json& library, const Json& settings, std::str
             ::close(journal);
         std::filesystem::remove(snapshotPath(m_folder, generation), ignored);
         std::filesystem::remove(path, ignored);
-        m_journalEntries = 0; // not again with the next edit
+        syncFolder(m_folder); // a snapshot that came back would hide the edits that follow
+        postponeSnapshot();
         return false;
     }
     if (m_journal >= 0)
@@ -136,9 +143,17 @@ bool ShowDisk::writeSnapshot(const Json& library, const Json& settings, std::str
     m_snapshotBytes = text.size();
     m_journalBytes = head.size();
     m_journalEntries = 0;
+    m_snapshotAtBytes = largeJournal;
     keepDamaged();
     Generations::find(m_folder).prune(keptGenerations);
     return true;
+}
+
+/// Not again with the next edit: each try writes the whole library down.
+void ShowDisk::postponeSnapshot()
+{
+    m_journalEntries = 0;
+    m_snapshotAtBytes = m_journalBytes + untilNextTry;
 }
 
 void ShowDisk::keepDamaged()
@@ -179,7 +194,9 @@ bool ShowDisk::wantsSnapshot() const noexcept
 {
     constexpr std::uint64_t enoughEntries = 1000;
     constexpr std::uint64_t enoughBytes = 1 << 20;
-    return m_journalEntries >= enoughEntries && m_journalBytes >= std::max(enoughBytes, m_snapshotBytes / 2);
+    return m_journalBytes >= m_snapshotAtBytes ||
+           (m_journalEntries >= enoughEntries &&
+            m_journalBytes >= std::max(enoughBytes, m_snapshotBytes / 2));
 }
 
 } // namespace vantrel::ombra

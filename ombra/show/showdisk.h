@@ -52,6 +52,7 @@ private:
     enum class Lock { Ours, Others, Unwritable, Impossible };
     Lock lock(std::string* error);
     void keepDamaged();
+    void postponeSnapshot();
 
     std::filesystem::path m_folder;
     int m_lock = -1;
@@ -60,6 +61,7 @@ private:
     std::uint64_t m_journalBytes = 0;
     std::uint64_t m_journalEntries = 0;
     std::uint64_t m_snapshotBytes = 0;
+    std::uint64_t m_snapshotAtBytes = 0; // of a journal with however few entries
     std::vector<std::filesystem::path> m_badSnapshots, m_badJournals;
 };
 
