@@ -116,7 +116,11 @@ bool Server::openShow(std::string* error)
     m_outputs->build();
     m_notices = std::make_unique<NoticeBoard>(*m_scene);
     m_notices->set("show", m_store->loadNotice());
-    m_store->setTroubleListener([this](const std::string& sentence) { m_notices->set("disk", sentence); });
+    m_store->setTroubleListener([this](const std::string& sentence) {
+        m_notices->set("disk", sentence);
+        if (sentence.empty() && m_prober)
+            m_prober->probeUnsaved();
+    });
     m_settings = std::make_unique<SceneSettings>(
         *m_scene, *m_store,
         [this](Object* object, const PropertyInfo* property) { propertyWritten(object, property); },

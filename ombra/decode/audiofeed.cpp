@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <system_error>
 
 namespace vantrel::ombra {
 
@@ -49,7 +50,12 @@ void AudioFeed::start()
     if (m_file.empty())
         return;
     m_idle = false;
-    m_thread = std::thread([this] { run(); });
+    try {
+        m_thread = std::thread([this] { run(); });
+    } catch (const std::system_error& error) { // a machine out of threads or memory
+        m_idle = true;
+        playWithout(error.what());
+    }
 }
 
 void AudioFeed::stop()
@@ -163,22 +169,31 @@ void AudioFeed::decode()
 {
     std::string error;
     const std::unique_ptr<AudioReader> reader = AudioReader::open(m_file, m_stop, &error);
-    Lock lock(m_mutex);
-    m_channels = reader ? reader->channels() : 0;
     if (!reader) {
-        lock.unlock();
-        if (!error.empty() && !m_stop)
-            Log::write_fmt(LogLevel::Warning, {"audiofeed", "run"}, "vantrel.decode",
-                           "'%s' plays without sound: %s", m_name.c_str(), error.c_str());
-        m_arrived();
+        playWithout(error);
         return;
     }
+    Lock lock(m_mutex);
+    m_channels = reader->channels();
     while (!m_stop) {
         if (wantsMore())
             read(lock, *reader);
         else
             m_work.wait(lock);
     }
+}
+
+/// An empty reason is none to be told.
+void AudioFeed::playWithout(const std::string& reason)
+{
+    {
+        const std::lock_guard lock(m_mutex);
+        m_channels = 0;
+    }
+    if (!reason.empty() && !m_stop)
+        Log::write_fmt(LogLevel::Warning, {"audiofeed", "run"}, "vantrel.decode",
+                       "'%s' plays without sound: %s", m_name.c_str(), reason.c_str());
+    m_arrived();
 }
 
 void AudioFeed::read(Lock& lock, AudioReader& reader)

@@ -44,6 +44,7 @@ private:
 
     void run();
     void decode();
+    void playWithout(const std::string& reason);
     void read(Lock& lock, AudioReader& reader);
     bool wantsMore() const;
     bool isKnown(std::int64_t sample) const;

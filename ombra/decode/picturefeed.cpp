@@ -3,6 +3,7 @@
 #include "tarn/log/log.h"
 
 #include <algorithm>
+#include <system_error>
 
 namespace vantrel::ombra {
 
@@ -34,7 +35,13 @@ PictureFeed::~PictureFeed()
 void PictureFeed::start()
 {
     m_idle = false;
-    m_thread = std::thread([this] { run(); });
+    try {
+        m_thread = std::thread([this] { run(); });
+    } catch (const std::system_error& error) { // a machine out of threads or memory
+        m_idle = true;
+        std::unique_lock lock(m_mutex);
+        fail(lock, error.what());
+    }
 }
 
 void PictureFeed::stop()
@@ -201,6 +208,7 @@ bool PictureFeed::openAnew(std::unique_lock<std::mutex>& lock, std::unique_ptr<P
     reader = m_open(m_source, canvas, m_stop, &error);
     lock.lock();
     if (!reader) {
+        m_status.opened = false; // for another canvas: no seek helps any more
         fail(lock, error);
         return false;
     }

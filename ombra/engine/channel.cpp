@@ -45,9 +45,12 @@ const char* readOptions(const Json& args, TakeOptions& out)
     return nullptr;
 }
 
-std::optional<double> positionOf(Player& player)
+std::optional<double> positionOf(const Player& player)
 {
-    return player.deck() ? std::optional(player.deck()->position()) : std::nullopt;
+    const Deck* deck = player.deck().get();
+    if (!deck)
+        return std::nullopt;
+    return player.waiting() ? deck->target() : deck->position();
 }
 
 } // namespace
@@ -72,9 +75,11 @@ bool Channel::take(const Json& args, std::string* error)
     const Playback::Loaded cued = m_preview.loaded();
     const Playback::Loaded onAir = m_program.loaded();
     const std::optional<double> onAirAt = keep(m_program);
+    const std::shared_ptr<Deck> before = m_program.player().deck();
     std::shared_ptr<Deck> deck;
     if (!options.swap) {
-        deck = m_program.makeDeck(cued, keep(m_preview), SourcePlayState::Play);
+        deck =
+            m_program.makeDeck(cued, keep(m_preview), SourcePlayState::Play, m_preview.player().deck().get());
     } else if ((deck = m_preview.player().release())) {
         // The very deck goes over, so that a playing preview runs on without a break.
         if (fromInpoint)
@@ -87,7 +92,7 @@ bool Channel::take(const Json& args, std::string* error)
     m_program.beginTake();
     if (options.swap) {
         m_preview.setLoaded(onAir);
-        m_preview.player().load(m_preview.makeDeck(onAir, onAirAt, SourcePlayState::Pause),
+        m_preview.player().load(m_preview.makeDeck(onAir, onAirAt, SourcePlayState::Pause, before.get()),
                                 TakeTransitionType::DirectCut, 0);
     }
     m_studio.wake();

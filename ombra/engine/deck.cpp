@@ -146,7 +146,8 @@ void Deck::advance(double now)
     m_sound.samples.clear();
     m_late = false;
     if (status.failed) {
-        m_awaiting = false;
+        if (std::exchange(m_awaiting, false))
+            m_position = m_target; // where it would stand: what lasts of it is not lost
         m_surface = nullptr;
         if (m_state == SourcePlayState::Play && !m_atEnd) {
             m_atEnd = true;

@@ -115,7 +115,7 @@ void Playback::seekTo(double position)
     Deck& deck = *m_player.deck();
     const bool plays = deck.state() == SourcePlayState::Play && deck.landed() && !m_player.waiting();
     if (plays && !deck.holds(position))
-        m_player.seekBy(makeDeck(m_loaded, deck.seekable(position), SourcePlayState::Play));
+        m_player.seekBy(makeDeck(m_loaded, deck.seekable(position), SourcePlayState::Play, &deck));
     else
         deck.seek(position);
     m_studio.wake();
@@ -186,7 +186,6 @@ bool Playback::playMedia(const std::string& url, std::string* error)
 void Playback::load(const std::string& url, std::optional<MediaItem> item, SourcePlayState state,
                     bool transition)
 {
-    const std::lock_guard lock(m_studio.lock);
     const EndAction before = m_loaded.endAction;
     m_loaded = {url, std::move(item), before};
     const std::optional<MediaItem>& now = m_loaded.item;
@@ -195,21 +194,25 @@ void Playback::load(const std::string& url, std::optional<MediaItem> item, Sourc
     else if (now && (before == EndAction::Next || before == EndAction::GoTo))
         m_loaded.endAction = EndAction::Pause;
     const bool mixes = now && transition && now->mode == SourceMode::Playlist;
+    // Without the lock: a disk that hangs must not hold up what is on air.
+    std::shared_ptr<Deck> deck = makeDeck(m_loaded, std::nullopt, state);
+    const std::lock_guard lock(m_studio.lock);
     m_taking = false;
-    m_player.load(makeDeck(m_loaded, std::nullopt, state),
-                  mixes ? now->transition : TakeTransitionType::DirectCut,
+    m_player.load(std::move(deck), mixes ? now->transition : TakeTransitionType::DirectCut,
                   mixes ? now->transitionDuration : 0);
     m_studio.wake();
 }
 
 std::shared_ptr<Deck> Playback::makeDeck(const Loaded& loaded, std::optional<double> position,
-                                         SourcePlayState state) const
+                                         SourcePlayState state, const Deck* other) const
 {
     if (!loaded.item)
         return nullptr;
     // A URL that leads out of the folder gives an empty path, which plays like any other missing file.
-    MediaSource source{resolveMediaUrl(m_studio.mediaFolder, loaded.item->contentUrl).value_or(""),
-                       loaded.item->sequence};
+    MediaSource source =
+        other ? other->source()
+              : MediaSource{resolveMediaUrl(m_studio.mediaFolder, loaded.item->contentUrl).value_or(""),
+                            loaded.item->sequence};
     return std::make_shared<Deck>(std::move(source), *loaded.item, loaded.endAction, canvasOf(loaded),
                                   position, state, m_studio.wake, m_studio.open);
 }

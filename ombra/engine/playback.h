@@ -77,8 +77,9 @@ public:
 
     // For a take, under the studio's lock.
     void setLoaded(Loaded loaded) { m_loaded = std::move(loaded); }
+    /// Asks the disk where the media lie, unless another deck of them is given.
     std::shared_ptr<Deck> makeDeck(const Loaded& loaded, std::optional<double> position,
-                                   SourcePlayState state) const;
+                                   SourcePlayState state, const Deck* other = nullptr) const;
     void beginTake() { m_taking = true; }
     Canvas canvasOf(const Loaded& loaded) const;
 

@@ -88,10 +88,12 @@ void Player::beginNext(double now)
         m_retired, [&](const Retired& retired) { return now - retired.since < hangsAfter; }));
     if (stopping < stoppingAtMost && m_retired.size() < hangingAtMost)
         m_next->deck->begin();
+    const SourcePlayState wanted = m_next->deck->state(); // a failure stops it
     m_next->deck->advance(now);
     if (m_next->seeks && m_next->deck->failed() && m_deck) {
         m_deck->setEndAction(m_next->deck->endAction());
         m_deck->seek(m_next->deck->target());
+        m_deck->setState(wanted);
         retire(std::move(m_next->deck));
         m_next.reset();
     }

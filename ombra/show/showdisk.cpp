@@ -19,6 +19,10 @@ namespace vantrel::ombra {
 
 namespace {
 
+/// Bytes of a journal, far from what a start still reads.
+constexpr std::uint64_t largeJournal = 256u << 20;
+constexpr std::uint64_t untilNextTry = 64u << 20;
+
 bool fail(std::string* error, const std::string& text)
 {
     if (error)
@@ -51,7 +55,15 @@ ShowDisk::~ShowDisk()
 bool ShowDisk::open(std::string* error)
 {
     const Lock result = lock(error);
-    return result == Lock::Ours || result == Lock::Unwritable;
+    if (result != Lock::Ours && result != Lock::Unwritable)
+        return false;
+    // What cannot be read is not empty: a new show in its place would later overwrite what is there.
+    std::error_code code;
+    for (std::filesystem::directory_iterator it(m_folder, code), end; !code && it != end;
+         it.increment(code)) {
+    }
+    return !code || code == std::errc::no_such_file_or_directory ||
+           fail(error, "cannot read " + m_folder.string() + ": " + code.message());
 }
 
 ShowDisk::Lock ShowDisk::lock(std::string* error)
@@ -91,19 +103,27 @@ void ShowDisk::adopt(const LoadedShow& loaded)
 
 bool ShowDisk::writeSnapshot(const Json& library, const Json& settings, std::string* error)
 {
+    const bool late = m_lock < 0;
     if (lock(error) != Lock::Ours)
         return false;
+    if (late && Generations::find(m_folder).highest() > m_generation) {
+        ::close(std::exchange(m_lock, -1));
+        return fail(error,
+                    "the state folder holds a show that was not there at the start; restart the server");
+    }
     const std::uint64_t generation = m_generation + 1;
-    const std::string text = encodeJournalLine(Json::object({{"format", formatVersion},
-                                                             {"generation", generation},
-                                                             {"library", library},
-                                                             {"settings", settings}}));
     const std::string head = encodeJournalLine(Json::object({{"generation", generation}}));
     // The journal first: a snapshot without one would hold edits that were answered as not saved.
     const std::filesystem::path path = journalPath(m_folder, generation);
     std::error_code ignored;
-    if (!writeFileAtomically(path, head, error))
+    if (!writeFileAtomically(path, head, error)) {
+        postponeSnapshot();
         return false;
+    }
+    const std::string text = encodeJournalLine(Json::object({{"format", formatVersion},
+                                                             {"generation", generation},
+                                                             {"library", library},
+                                                             {"settings", settings}}));
     const int journal = ::open(path.c_str(), O_WRONLY | O_APPEND | O_CLOEXEC);
     if (journal < 0 || !writeFileAtomically(snapshotPath(m_folder, generation), text, error)) {
         if (journal < 0)
@@ -112,7 +132,8 @@ bool ShowDisk::writeSnapshot(const Json& library, const Json& settings, std::str
             ::close(journal);
         std::filesystem::remove(snapshotPath(m_folder, generation), ignored);
         std::filesystem::remove(path, ignored);
-        m_journalEntries = 0; // not again with the next edit
+        syncFolder(m_folder); // a snapshot that came back would hide the edits that follow
+        postponeSnapshot();
         return false;
     }
     if (m_journal >= 0)
@@ -122,9 +143,17 @@ bool ShowDisk::writeSnapshot(const Json& library, const Json& settings, std::str
     m_snapshotBytes = text.size();
     m_journalBytes = head.size();
     m_journalEntries = 0;
+    m_snapshotAtBytes = largeJournal;
     keepDamaged();
     Generations::find(m_folder).prune(keptGenerations);
     return true;
+}
+
+/// Not again with the next edit: each try writes the whole library down.
+void ShowDisk::postponeSnapshot()
+{
+    m_journalEntries = 0;
+    m_snapshotAtBytes = m_journalBytes + untilNextTry;
 }
 
 void ShowDisk::keepDamaged()
@@ -165,7 +194,9 @@ bool ShowDisk::wantsSnapshot() const noexcept
 {
     constexpr std::uint64_t enoughEntries = 1000;
     constexpr std::uint64_t enoughBytes = 1 << 20;
-    return m_journalEntries >= enoughEntries && m_journalBytes >= std::max(enoughBytes, m_snapshotBytes / 2);
+    return m_journalBytes >= m_snapshotAtBytes ||
+           (m_journalEntries >= enoughEntries &&
+            m_journalBytes >= std::max(enoughBytes, m_snapshotBytes / 2));
 }
 
 } // namespace vantrel::ombra

@@ -27,14 +27,15 @@ public:
     ShowDisk& operator=(const ShowDisk&) = delete;
 
     /// Creates the folder where needed and takes its lock. False, with the reason, when another server has
-    /// it or the path cannot be one. A disk that takes nothing is no failure: writing then says so.
+    /// it, the path cannot be one or what it holds cannot be read. A disk that takes nothing is no failure:
+    /// writing then says so.
     bool open(std::string* error);
 
     /// What was loaded: the next snapshot follows on its generation, and puts its damaged files aside.
     void adopt(const LoadedShow& loaded);
 
     /// Writes the snapshot of the next generation and starts an empty journal for it. On failure the present
-    /// generation goes on.
+    /// generation goes on. Nothing is written over a show that came into the folder after the start.
     bool writeSnapshot(const Json& library, const Json& settings, std::string* error);
 
     /// Whether there is a journal to append to. A snapshot makes one.
@@ -51,6 +52,7 @@ private:
     enum class Lock { Ours, Others, Unwritable, Impossible };
     Lock lock(std::string* error);
     void keepDamaged();
+    void postponeSnapshot();
 
     std::filesystem::path m_folder;
     int m_lock = -1;
@@ -59,6 +61,7 @@ private:
     std::uint64_t m_journalBytes = 0;
     std::uint64_t m_journalEntries = 0;
     std::uint64_t m_snapshotBytes = 0;
+    std::uint64_t m_snapshotAtBytes = 0; // of a journal with however few entries
     std::vector<std::filesystem::path> m_badSnapshots, m_badJournals;
 };
 

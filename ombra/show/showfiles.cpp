@@ -81,7 +81,7 @@ void ShowFiles::importShow(const std::string& file, const std::string& include, 
     const Json settings = show.get("settings");
     const auto rest = [this, settings, sections, done](const EditResult& result) {
         if (result.status != EditResult::Status::Saved)
-            return done(507, result.message);
+            return done(result.status == EditResult::Status::TooLarge ? 413 : 507, result.message);
         m_settings.apply(settings, sections);
         done(200, {});
     };

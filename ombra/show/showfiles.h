@@ -27,7 +27,8 @@ public:
     using Done = std::function<void(unsigned httpStatus, const std::string& message)>;
     /// Takes over sections of a show file: names out of "output", "audio", "playback" and "medialibrary" with
     /// commas between, none meaning all. 400 for what is no show file or section, 409 for one of another
-    /// version unless forced, 422 when its library is not valid.
+    /// version unless forced, 413 when its library is too large, 422 when it is not valid, 507 when the disk
+    /// takes nothing.
     void importShow(const std::string& file, const std::string& include, bool forced, Done done);
 
     /// The methods of the scene's showConfiguration: "saveShow", "revertShow", "clearShow". False, with the

@@ -51,11 +51,11 @@ bool ShowStore::open(const std::function<MediaLibrary()>& makeInitial, std::stri
     m_disk->adopt(loaded);
     m_latest = loaded.found ? loaded.library : makeInitial();
     m_settings = loaded.settings;
-    m_latestBytes = librarysize::of(m_latest.toJson());
+    m_libraryBytes = m_latestBytes = librarysize::of(m_latest.toJson());
     *m_library = m_latest;
     std::string why;
     const bool saved = m_disk->writeSnapshot(m_latest.toJson(), m_settings, &why);
-    m_writer = std::make_unique<ShowWriter>(*m_disk);
+    m_writer = std::make_unique<ShowWriter>(*m_disk, m_latest.toJson(), m_settings);
     if (!saved)
         setTrouble(why);
     return true;
@@ -105,10 +105,10 @@ void ShowStore::patchLibrary(const Patch& patch, Answer answer)
     m_latestRevision += difference.empty() ? 0 : 1;
     auto after = std::make_shared<MediaLibrary>(m_latest);
     save(Json::object({{"library", patch.toJson()}}),
-         [this, difference, after, revision = m_latestRevision,
+         [this, difference, after, revision = m_latestRevision, bytes = m_latestBytes,
           answer = std::move(answer)](bool ok, const std::string& error) {
              if (ok)
-                 librarySaved(difference, *after, revision);
+                 librarySaved(difference, *after, revision, bytes);
              answer({ok ? EditResult::Status::Saved : EditResult::Status::NotSaved, error, revision});
          });
 }
@@ -187,16 +187,17 @@ void ShowStore::setTroubleListener(TroubleListener listener)
 void ShowStore::setTrouble(const std::string& why)
 {
     constexpr auto retryTime = std::chrono::seconds(2);
-    const bool before = !m_trouble.empty();
-    if (why.empty())
-        m_trouble.clear();
-    else if (!before) // the first reason: those that follow come of it
-        m_trouble = "The server cannot write to its disk (" + why +
-                    "). The show plays on, but edits are refused until there is room and right to write.";
-    if (before == m_trouble.empty() && m_troubleListener)
+    const std::string before = m_trouble;
+    m_trouble = why.empty() ? why
+                            : "The server cannot write to its disk (" + why +
+                                  "). The show plays on, but edits are refused until there is room and "
+                                  "right to write.";
+    if (before != m_trouble && m_troubleListener)
         m_troubleListener(m_trouble);
     if (m_trouble.empty()) {
         m_retry.cancel();
+        if (!before.empty())
+            flushSettings(); // those that waited
         return;
     }
     m_retry.expires_after(retryTime);
@@ -206,9 +207,11 @@ void ShowStore::setTrouble(const std::string& why)
     });
 }
 
-void ShowStore::librarySaved(const Patch& difference, const MediaLibrary& after, std::uint64_t revision)
+void ShowStore::librarySaved(const Patch& difference, const MediaLibrary& after, std::uint64_t revision,
+                             std::size_t bytes)
 {
     *m_library = after;
+    m_libraryBytes = bytes;
     if (difference.empty())
         return;
     m_revision = revision;
@@ -223,7 +226,7 @@ void ShowStore::goBack(std::uint64_t epoch)
     ++m_epoch;
     m_latest = *m_library;
     m_latestRevision = m_revision;
-    m_latestBytes = librarysize::of(m_latest.toJson());
+    m_latestBytes = m_libraryBytes;
 }
 
 } // namespace vantrel::ombra

@@ -82,7 +82,8 @@ private:
 
     EditResult accept(const Patch& patch);
     void save(const Json& entry, std::function<void(bool, const std::string&)> done);
-    void librarySaved(const Patch& difference, const MediaLibrary& after, std::uint64_t revision);
+    void librarySaved(const Patch& difference, const MediaLibrary& after, std::uint64_t revision,
+                      std::size_t bytes);
     void goBack(std::uint64_t epoch);
     void flushSettings();
     void submitSettings();
@@ -94,9 +95,10 @@ private:
     std::unique_ptr<ShowWriter> m_writer;
     Ref<MediaLibrary> m_library;
     std::uint64_t m_revision;
+    std::size_t m_libraryBytes = 0; // see librarysize
     MediaLibrary m_latest;
     std::uint64_t m_latestRevision;
-    std::size_t m_latestBytes = 0; // see librarysize
+    std::size_t m_latestBytes = 0;
     Json m_settings = Json::object();
     Json m_changedSettings = Json::object(); // of this turn
     bool m_flushPosted = false;

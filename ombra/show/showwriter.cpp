@@ -6,8 +6,10 @@
 
 namespace vantrel::ombra {
 
-ShowWriter::ShowWriter(ShowDisk& disk)
+ShowWriter::ShowWriter(ShowDisk& disk, Json library, Json settings)
     : m_disk(disk)
+    , m_library(std::move(library))
+    , m_settings(std::move(settings))
     , m_thread([this] { run(); })
 {
 }
@@ -45,7 +47,7 @@ void ShowWriter::run()
         std::erase_if(jobs, [this](const Job& job) {
             if (job.epoch > m_failedEpoch)
                 return false;
-            job.done(false, "an earlier edit could not be saved");
+            job.done(false, m_failure); // of the edit that it was made on
             return true;
         });
         if (!jobs.empty())
@@ -57,25 +59,32 @@ void ShowWriter::write(std::vector<Job>& jobs)
 {
     std::string error;
     const bool ok = save(jobs, &error);
-    if (!ok)
+    if (!ok) {
         m_failedEpoch = jobs.back().epoch;
+        m_failure = error;
+    }
     for (const Job& job : jobs)
         job.done(ok, error);
-    if (ok && m_disk.wantsSnapshot() &&
-        !m_disk.writeSnapshot(jobs.back().library, jobs.back().settings, &error))
+    if (ok && m_disk.wantsSnapshot() && !m_disk.writeSnapshot(m_library, m_settings, &error))
         logLine(LogLevel::Error, "vantrel.show", error);
 }
 
 bool ShowWriter::save(std::vector<Job>& jobs, std::string* error)
 {
-    // A disk that took no journal, or not its end, may by now: the whole show is the journal's new beginning.
-    if (!m_disk.hasJournal())
-        return m_disk.writeSnapshot(jobs.back().library, jobs.back().settings, error);
+    // A disk that took no journal, or not its end, may by now. The edits go into the new journal, as always:
+    // a show and its journal lead to the next show, so that an older generation can stand in for a damaged
+    // one.
+    if (!m_disk.hasJournal() && !m_disk.writeSnapshot(m_library, m_settings, error))
+        return false;
     std::vector<std::string> lines;
     lines.reserve(jobs.size());
     for (Job& job : jobs)
         lines.push_back(std::move(job.line));
-    return m_disk.append(lines, error);
+    if (!m_disk.append(lines, error))
+        return false;
+    m_library = std::move(jobs.back().library);
+    m_settings = std::move(jobs.back().settings);
+    return true;
 }
 
 } // namespace vantrel::ombra

@@ -26,7 +26,8 @@ public:
         std::function<void(bool ok, const std::string& error)> done; // on the writer's thread
     };
 
-    explicit ShowWriter(ShowDisk& disk);
+    /// The library and the settings are those that were loaded.
+    ShowWriter(ShowDisk& disk, Json library, Json settings);
     /// Writes what was submitted and joins the thread.
     ~ShowWriter();
     ShowWriter(const ShowWriter&) = delete;
@@ -40,10 +41,12 @@ private:
     bool save(std::vector<Job>& jobs, std::string* error);
 
     ShowDisk& m_disk;
+    Json m_library, m_settings; // as they are saved; writer's thread only
     std::mutex m_mutex;
     std::condition_variable m_wake;
     std::vector<Job> m_queue;
-    std::uint64_t m_failedEpoch = 0; // writer's thread only
+    std::uint64_t m_failedEpoch = 0; // this and the next: writer's thread only
+    std::string m_failure;           // why it failed
     bool m_stop = false;
     std::thread m_thread;
 };

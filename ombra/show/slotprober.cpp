@@ -75,6 +75,12 @@ void SlotProber::probeAgain(const std::string& contentUrl)
     });
 }
 
+void SlotProber::probeUnsaved()
+{
+    for (const std::string& url : std::exchange(m_unsaved, {}))
+        probeAgain(url);
+}
+
 void SlotProber::probeEdited(const Patch& edit)
 {
     const MediaLibrary& library = m_store.library();
@@ -139,10 +145,20 @@ void SlotProber::look(const Found& found, const std::weak_ptr<int>& alive)
     MediaSlot probed = found.slot;
     if (m_stop || !probeSlot(m_folder, probed))
         return;
-    boost::asio::post(m_io, [this, alive, patch = probePatch(found.address, found.slot, probed)] {
+    boost::asio::post(m_io, [this, alive, found, probed] {
         if (!alive.expired())
-            m_store.patchLibrary(patch, [](const EditResult&) {}); // an edit came first where it fails
+            save(found, probed);
     });
+}
+
+void SlotProber::save(const Found& found, const MediaSlot& probed)
+{
+    m_store.patchLibrary(
+        probePatch(found.address, found.slot, probed),
+        [this, alive = std::weak_ptr(m_alive), url = found.slot.getUrl()](const EditResult& result) {
+            if (!alive.expired() && result.status == EditResult::Status::NotSaved)
+                m_unsaved.insert(url); // else it is saved, or an edit came first
+        });
 }
 
 } // namespace vantrel::ombra

@@ -31,6 +31,8 @@ public:
     void probeUnknown();
     /// The slots with this media, since its file is another now. Calls of one moment make one walk.
     void probeAgain(const std::string& contentUrl);
+    /// The slots of which something was found out while the disk took no edits.
+    void probeUnsaved();
 
     /// The slots that a saved edit brought in unknown, or gave other media.
     void probeEdited(const Patch& edit);
@@ -44,11 +46,12 @@ private:
     using Filter = std::function<bool(const MediaSlot&)>;
     void probe(Filter wanted);
     void look(const Found& found, const std::weak_ptr<int>& alive);
+    void save(const Found& found, const MediaSlot& probed);
 
     boost::asio::io_context& m_io;
     std::filesystem::path m_folder;
     ShowStore& m_store;
-    std::set<std::string> m_changed; // content URLs
+    std::set<std::string> m_changed, m_unsaved; // content URLs
     std::atomic<bool> m_stop{false};
     std::shared_ptr<int> m_alive = std::make_shared<int>(0);
     boost::asio::thread_pool m_worker{1};

@@ -86,6 +86,24 @@ private Q_SLOTS:
         QVERIFY(readOne(1));
         QCOMPARE(picture->time, 1.0);
     }
+
+    /// Where the medium cannot be opened for another canvas, the feed is over, and nobody waits for a seek.
+    void failsForGoodWhenItCannotOpenAgain()
+    {
+        QSemaphore gate(20);
+        int opened = 0;
+        PictureFeed feed(
+            {}, {}, 0, "gated", [] {},
+            [&](const MediaSource&, Canvas, const std::atomic<bool>&, std::string*) {
+                return opened++ == 0 ? std::make_unique<GatedReader>(gate) : nullptr;
+            });
+        feed.start();
+        QVERIFY(QTest::qWaitFor([&] { return feed.take(0).has_value(); }));
+        QVERIFY(feed.setCanvas({960, 540}, 0));
+        QVERIFY(QTest::qWaitFor([&] { return feed.status().failed; }));
+        feed.seek(5);
+        QVERIFY(feed.status().failed);
+    }
 };
 
 HALCYRA_TEST(PictureFeedTest)

@@ -6,6 +6,8 @@
 #include "tests/ombra/decode/testmedia.h"
 #include "tests/support/testmain.h"
 
+#include <pthread.h>
+
 using namespace vantrel;
 using namespace vantrel::ombra;
 using namespace vantrel::test;
@@ -64,6 +66,33 @@ private Q_SLOTS:
         QCOMPARE(deck->duration(), 2.0);
         deck->setState(SourcePlayState::Play); // at the end: once more from the in point
         QTRY_COMPARE(shown(*deck), 5);
+    }
+
+    /// It is saved as the place to go on from, when the file is there again.
+    void keepsItsPlaceWithoutItsFile()
+    {
+        const auto deck =
+            make("none.mp4", range(0.2, std::nullopt), EndAction::Pause, SourcePlayState::Pause);
+        deck->seek(1.2);
+        QTRY_VERIFY((deck->advance(m_now), deck->failed() && deck->landed()));
+        QCOMPARE(deck->position(), 1.2);
+        QCOMPARE(deck->state(), SourcePlayState::Pause);
+    }
+
+    /// No thread is to be had: the deck fails like one without its file.
+    void failsWithoutThreads()
+    {
+        pthread_attr_t usual{}, huge{};
+        QCOMPARE(pthread_getattr_default_np(&usual), 0);
+        QCOMPARE(pthread_getattr_default_np(&huge), 0);
+        QCOMPARE(pthread_attr_setstacksize(&huge, std::size_t(1) << 46), 0);
+        QCOMPARE(pthread_setattr_default_np(&huge), 0);
+        const auto deck = make("clip.mp4", range(0.2, std::nullopt), EndAction::Pause);
+        QCOMPARE(pthread_setattr_default_np(&usual), 0);
+        deck->advance(m_now);
+        QVERIFY(deck->failed());
+        QVERIFY(deck->idle());
+        QCOMPARE(deck->channels(), std::optional<int>(0));
     }
 
     void endsAsItIsTold_data()

@@ -75,7 +75,7 @@ class PlayerTest : public QObject
     Q_OBJECT
 
 private:
-    static std::shared_ptr<Deck> make(Disk& disk, double position = 0)
+    static std::shared_ptr<Deck> make(Disk& disk, double position = 0, bool opens = true)
     {
         MediaItem item;
         item.contentUrl = "file:///fake";
@@ -83,8 +83,10 @@ private:
         return std::make_shared<Deck>(
             MediaSource{"fake", SequenceRun{}}, item, EndAction::Pause, Canvas{}, position,
             SourcePlayState::Play, [] {},
-            [&disk](const MediaSource&, Canvas, const std::atomic<bool>& stop, std::string*) {
-                return std::make_unique<FakeReader>(disk, stop);
+            [&disk, opens](const MediaSource&, Canvas, const std::atomic<bool>& stop, std::string*) {
+                while (!opens && !disk.answers && !stop)
+                    std::this_thread::yield();
+                return opens ? std::make_unique<FakeReader>(disk, stop) : nullptr;
             });
     }
     Ref<Surface> moment()
@@ -151,6 +153,23 @@ private Q_SLOTS:
         QCOMPARE(moment.to, second->surface()); // its first picture, and nothing in between
         QCOMPARE(second->position(), 5.0);
         QCOMPARE(moment.from, seconds > 0 ? first->surface() : Ref<Surface>());
+    }
+
+    /// A file that is gone meanwhile: what is open seeks itself, and plays on though it was at its end.
+    void playsOnWhereASecondDeckFails()
+    {
+        const std::shared_ptr<Deck> first = make(m_disk, 9.9);
+        m_player->load(first, TakeTransitionType::DirectCut, 0);
+        QTRY_VERIFY((moment(), !m_player->waiting()));
+        m_player->seekBy(make(m_hanging, 5, false));
+        m_now += 1;
+        QTRY_VERIFY((m_now += 0.04, moment(), first->state() == SourcePlayState::Pause));
+        m_hanging.answers = true;
+        QTRY_VERIFY((moment(), !m_player->waiting()));
+        QTRY_VERIFY((moment(), first->landed()));
+        QCOMPARE(m_player->deck(), first);
+        QCOMPARE(first->position(), 5.0);
+        QVERIFY(playsOn(*first));
     }
 
     void stopsAndPausesAtOnce()

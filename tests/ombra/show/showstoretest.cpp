@@ -15,6 +15,7 @@
 #include <optional>
 #include <random>
 #include <sys/resource.h>
+#include <unistd.h>
 
 using namespace vantrel;
 using namespace vantrel::ombra;
@@ -53,6 +54,30 @@ void writeFile(const QString& path, const QByteArray& content)
     if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
         qFatal("cannot write %s", qPrintable(path));
 }
+
+/// Takes the rights to others' files from this process, and those to the folder from whoever has no others.
+class NoRights
+{
+public:
+    explicit NoRights(const QString& folder, QFile::Permissions left = {})
+        : m_folder(folder)
+    {
+        QFile::setPermissions(folder, left);
+        m_isRoot = geteuid() == 0 && seteuid(65534) == 0;
+    }
+    ~NoRights()
+    {
+        if (m_isRoot && seteuid(0) != 0)
+            qFatal("cannot be root again");
+        QFile::setPermissions(m_folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    }
+    NoRights(const NoRights&) = delete;
+    NoRights& operator=(const NoRights&) = delete;
+
+private:
+    QString m_folder;
+    bool m_isRoot = false;
+};
 
 } // namespace
 
@@ -331,6 +356,44 @@ private Q_SLOTS:
         QCOMPARE(edit(rename("third")).status, EditResult::Status::Saved);
     }
 
+    void refusesAFolderThatCannotBeRead()
+    {
+        const Files files = filesOf(m_folder->path());
+        m_store.reset();
+        {
+            const NoRights none(m_folder->path());
+            QVERIFY(!open());
+        }
+        QCOMPARE(filesOf(m_folder->path()), files);
+        QVERIFY(open());
+    }
+
+    /// A disk that is mounted too late: its show is not that of this server, and stays as it is.
+    void leavesAShowAloneThatCameLater()
+    {
+        QCOMPARE(edit(rename("second")).status, EditResult::Status::Saved);
+        const Files files = filesOf(m_folder->path());
+        m_store.reset();
+        const QTemporaryDir parent;
+        const QString folder = parent.filePath(QStringLiteral("state"));
+        {
+            const NoRights none(parent.path(), QFile::ReadOwner | QFile::ExeOwner | QFile::ReadGroup |
+                                                   QFile::ExeGroup | QFile::ReadOther | QFile::ExeOther);
+            QVERIFY(open(folder));
+        }
+        QVERIFY(QDir().mkpath(folder));
+        for (const auto& [name, content] : files)
+            writeFile(folder + u'/' + name, content);
+        const EditResult refused = edit(rename("third"));
+        QCOMPARE(refused.status, EditResult::Status::NotSaved);
+        QVERIFY2(refused.message.find("restart the server") != std::string::npos, refused.message.c_str());
+        m_store.reset();
+        QCOMPARE(filesOf(folder), files);
+        QVERIFY(open(folder));
+        QCOMPARE(name(), std::string("second"));
+        m_store.reset(); // before its folder
+    }
+
     void oneServerAFolder()
     {
         ShowStore other(m_io, m_folder->path().toStdString());
@@ -384,9 +447,10 @@ private:
     QString path(const char* file) const { return path(QString::fromLatin1(file)); }
     std::string name() const { return m_store->library().findCollection(1)->getName(); }
 
-    bool open()
+    bool open() { return open(m_folder->path()); }
+    bool open(const QString& folder)
     {
-        m_store = std::make_unique<ShowStore>(m_io, m_folder->path().toStdString());
+        m_store = std::make_unique<ShowStore>(m_io, folder.toStdString());
         std::string error;
         const bool opened = m_store->open(
             [] {

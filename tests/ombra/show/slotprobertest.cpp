@@ -1,10 +1,15 @@
 #include "ombra/show/slotprober.h"
 
 #include "tarn/media/medialibrary.h"
+#include "tests/ombra/linkpeer.h"
 #include "tests/ombra/liveserver.h"
 #include "tests/support/testmain.h"
 
+#include <QFile>
 #include <QImage>
+
+#include <csignal>
+#include <sys/resource.h>
 
 using namespace vantrel;
 using namespace vantrel::ombra::test;
@@ -65,6 +70,37 @@ private Q_SLOTS:
                      addition("/collections/1/slots/9", "{'name':'z','contentUrl':'file:///logo.png'}"));
         const auto stills = [&] { return live.request("GET", "/collections").body.count("imageFile"); };
         QVERIFY(live.waitFor([&] { return stills() == (known ? 2 : 1); }));
+    }
+
+    /// A file that comes while the disk takes no edits is known once it does.
+    void remembersWhatCouldNotBeSaved()
+    {
+        LiveServer live;
+        QVERIFY(live.start());
+        LinkPeer peer(live.server().linkPort());
+        peer.send("[{\"op\":\"get\",\"path\":\"\"}]");
+        const QByteArray library = "{'collections':{'1':{'name':'one','slots':{'1':{'name':'a',"
+                                   "'contentUrl':'file:///logo.png'}}}},'playlists':{}}";
+        QCOMPARE(live.request("POST", "/medialibrary", json(library)).status, 200);
+        QImage picture(32, 18, QImage::Format_RGB32);
+        picture.fill(Qt::red);
+        const QString ready = live.mediaFolder() + QStringLiteral("/../logo.png");
+        QVERIFY(picture.save(ready));
+
+        std::signal(SIGXFSZ, SIG_IGN);
+        rlimit old{};
+        QCOMPARE(getrlimit(RLIMIT_FSIZE, &old), 0);
+        rlimit tight = old;
+        tight.rlim_cur = 0;
+        QCOMPARE(setrlimit(RLIMIT_FSIZE, &tight), 0);
+        const bool moved = QFile::rename(ready, live.mediaFolder() + QStringLiteral("/logo.png"));
+        const bool refused = live.waitFor([&] {
+            peer.read();
+            return peer.value("/device/system/properties/notice").find("disk") != std::string::npos;
+        });
+        QCOMPARE(setrlimit(RLIMIT_FSIZE, &old), 0);
+        QVERIFY(moved && refused);
+        QVERIFY(live.waitFor([&] { return live.request("GET", "/collections").body.contains("imageFile"); }));
     }
 };
 
