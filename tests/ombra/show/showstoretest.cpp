@@ -293,8 +293,8 @@ private Q_SLOTS:
         QCOMPARE(contentOf(path("show.json.damaged-1")), QByteArray("{"));
     }
 
-    /// When the disk takes no more, the edit and those made on top of it are refused and forgotten, and later
-    /// ones work again.
+    /// When the disk takes no more, the edit and those made on top of it are refused and forgotten. Later
+    /// ones work again, and the settings that waited are saved with the first of them.
     void goesBackWhenTheDiskIsFull()
     {
         std::signal(SIGXFSZ, SIG_IGN);
@@ -307,6 +307,7 @@ private Q_SLOTS:
         for (const char* text : {"second", "third"})
             m_store->patchLibrary(rename(text),
                                   [&](const EditResult& result) { results.push_back(result.status); });
+        m_store->changeSetting("/a/properties/b", Json(0.5));
         const bool answered = waitFor([&] { return results.size() == 2; });
         QCOMPARE(setrlimit(RLIMIT_FSIZE, &old), 0);
         QVERIFY(answered);
@@ -315,6 +316,8 @@ private Q_SLOTS:
         QCOMPARE(m_store->latestRevision(), m_store->libraryRevision());
         QCOMPARE(name(), std::string("first"));
         QCOMPARE(edit(rename("fourth")).status, EditResult::Status::Saved);
+        QVERIFY(waitFor(
+            [&] { return contentOf(path(newest(QStringLiteral("journal")))).contains("/a/properties/b"); }));
         QVERIFY(reopenCopy());
         QCOMPARE(name(), std::string("fourth"));
     }
