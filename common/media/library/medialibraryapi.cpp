@@ -227,7 +227,8 @@ void MediaLibraryApi::onStreamData()
 
 void MediaLibraryApi::receive(const QByteArray& bytes)
 {
-    qCDebug(lcMedia) << "Received SSE data: " << shortened(bytes);
+    if (!bytes.startsWith(':')) // a comment comes each second
+        qCDebug(lcMedia) << "Received SSE data: " << shortened(bytes);
     switch (m_events.assemble(bytes)) {
     case EventStream::State::Waiting:
         break;
