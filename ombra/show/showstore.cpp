@@ -164,8 +164,9 @@ void ShowStore::save(const Json& entry, std::function<void(bool, const std::stri
     job.library = m_latest.toJson();
     job.settings = m_settings;
     job.done = [this, alive = std::weak_ptr(m_alive), epoch = m_epoch,
-                done = std::move(done)](bool ok, const std::string& error) {
-        boost::asio::post(m_io, [this, alive, epoch, done, ok, error] {
+                done = std::move(done)](bool ok, const std::string& error) mutable {
+        // Nothing of the one who waits stays behind on the writer's thread, to end there with the job.
+        boost::asio::post(m_io, [this, alive, epoch, done = std::move(done), ok, error] {
             if (alive.expired())
                 return;
             setTrouble(error);
