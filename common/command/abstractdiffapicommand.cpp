@@ -1,6 +1,7 @@
 #include "common/command/abstractdiffapicommand.h"
 
 #include "common/command/commandlogging.h"
+#include "common/command/refusal.h"
 #include "common/media/library/editqueue.h"
 #include "common/media/library/medialibraryapi.h"
 #include "common/notification/notificationmanagerimpl.h"
@@ -15,18 +16,15 @@ namespace {
 /// An operator must not take for done what is not.
 void tellRefusal(const QString& text, const DiffApiError& answer)
 {
-    const QString what = text.toHtmlEscaped();
-    if (answer.networkFailed) {
-        NotificationManagerImpl::instance()->createNotification(
-            Notification::WarningMessage, QObject::tr("Nobody knows whether it was done: %1").arg(what),
-            QObject::tr("The server did not answer (%1). Look at the library before you go on.")
-                .arg(answer.networkMessage.toHtmlEscaped()));
-        return;
-    }
+    if (!answer.networkFailed)
+        return tellNotDone(text, answer.message.isEmpty()
+                                     ? QObject::tr("The server refused it (%1).").arg(answer.statusCode)
+                                     : answer.message);
     NotificationManagerImpl::instance()->createNotification(
-        Notification::WarningMessage, QObject::tr("Not done: %1").arg(what),
-        answer.message.isEmpty() ? QObject::tr("The server refused it (%1).").arg(answer.statusCode)
-                                 : answer.message.toHtmlEscaped());
+        Notification::WarningMessage,
+        QObject::tr("Nobody knows whether it was done: %1").arg(text.toHtmlEscaped()),
+        QObject::tr("The server did not answer (%1). Look at the library before you go on.")
+            .arg(answer.networkMessage.toHtmlEscaped()));
 }
 
 } // namespace
@@ -67,9 +65,7 @@ void AbstractDiffApiCommand::send(EditDirection direction)
     MediaLibraryApi* api = Session::instance() ? Session::instance()->getMediaLibraryApi() : nullptr;
     if (!api) {
         qCWarning(lcCommand) << "No api available, check connection?";
-        DiffApiError none;
-        none.message = QObject::tr("There is no connection to the server.");
-        tellRefusal(text(), none);
+        tellNotDone(text(), QObject::tr("There is no connection to the server."));
         return;
     }
     m_edit->text = text();

@@ -1,8 +1,8 @@
 #include "common/command/libraryeditcommand.h"
 
 #include "common/command/commandlogging.h"
+#include "common/command/refusal.h"
 #include "common/media/library/medialibraryapi.h"
-#include "common/notification/notificationmanagerimpl.h"
 #include "common/session/session.h"
 #include "tarn/media/medialibrary.h"
 
@@ -64,10 +64,9 @@ bool isLibraryRead(const QString& text)
     if (!api || api->reading() == MediaLibraryApi::Reading::Done)
         return true;
     const bool failed = api->reading() == MediaLibraryApi::Reading::Failed;
-    NotificationManagerImpl::instance()->createNotification(
-        Notification::WarningMessage, QObject::tr("Not done: %1").arg(text.toHtmlEscaped()),
-        failed ? QObject::tr("The library could not be read from the server; it is tried again.")
-               : QObject::tr("The library is still being read from the server."));
+    tellNotDone(text, failed
+                          ? QObject::tr("The library could not be read from the server; it is tried again.")
+                          : QObject::tr("The library is still being read from the server."));
     return false;
 }
 

@@ -5,6 +5,7 @@
 #include "common/media/items/guimediacollection.h"
 #include "common/media/items/guimediaslot.h"
 #include "common/media/items/guiplaylist.h"
+#include "common/media/library/editqueue.h"
 #include "common/media/library/medialibraryapi.h"
 #include "common/media/library/medialibraryprovider.h"
 #include "common/media/library/playlistprovider.h"
@@ -20,6 +21,7 @@
 #include <QImage>
 #include <QNetworkReply>
 #include <QSignalSpy>
+#include <QTcpSocket>
 #include <QTest>
 #include <QUndoStack>
 
@@ -104,6 +106,35 @@ private Q_SLOTS:
         QTRY_VERIFY(!provider->collection(1));
         stack->redo();
         QTRY_VERIFY(provider->collection(1));
+    }
+
+    /// Somebody else is faster, and this window has not heard of it yet: the server refuses. What still means
+    /// the same is made anew, what would overwrite is refused.
+    void overtakenEditsGiveWay()
+    {
+        QVERIFY(m_manager.insertCollection(1, QStringLiteral("One")));
+        const auto nameOfOne = [this] {
+            const auto one = m_session->mediaLibraryProvider()->collection(1);
+            return one ? one->name() : QString();
+        };
+        QTRY_COMPARE(nameOfOne(), QStringLiteral("One"));
+        QTRY_VERIFY(m_session->getMediaLibraryApi()->edits()->isEmpty());
+        // Without a turn of the event loop, so that nothing comes in between.
+        const QByteArray body = R"([{"op":"replace","path":"/collections/1/name","value":"theirs"}])";
+        QTcpSocket other;
+        other.connectToHost(QStringLiteral("127.0.0.1"), m_server->ports().http);
+        QVERIFY(other.waitForConnected());
+        other.write("PATCH /api/brume/v1/medialibrary HTTP/1.1\r\nHost: localhost\r\n"
+                    "Content-Type: application/json\r\nContent-Length: " +
+                    QByteArray::number(body.size()) + "\r\n\r\n" + body);
+        QVERIFY(other.waitForReadyRead() && other.readAll().startsWith("HTTP/1.1 200"));
+        QCOMPARE(nameOfOne(), QStringLiteral("One"));
+
+        expectWarning(QStringLiteral("Redo failed! Somebody else"));
+        m_manager.renameCollection(1, QStringLiteral("mine"));
+        QVERIFY(m_manager.insertCollection(2, QStringLiteral("Two")));
+        QTRY_VERIFY(m_session->mediaLibraryProvider()->collection(2));
+        QTRY_COMPARE(nameOfOne(), QStringLiteral("theirs"));
     }
 
     void collectionsAreCopiedAndRemoved()

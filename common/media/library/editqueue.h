@@ -59,7 +59,6 @@ private:
     bool isDone(const Entry& entry, const Json& library) const;
     void sendFirst();
     void onAnswer(QNetworkReply* reply);
-    void onSuccess(std::optional<qint64> revision);
     bool hasSettled() const;
     void settleBy(State state);
     void tell(const DiffApiError& answer);
