@@ -4,7 +4,9 @@
 
 namespace vantrel {
 
-namespace enumtable {
+namespace {
+
+using enumtable::Row;
 
 constexpr Row<AudioPlaybackDevice> audioDevices[] = {{AudioPlaybackDevice::Off, "off"},
                                                      {AudioPlaybackDevice::Embedded, "embedded"},
@@ -14,28 +16,9 @@ constexpr Row<PlaybackType> playbackTypes[] = {{PlaybackType::Invalid, "invalid"
                                                {PlaybackType::Preview, "preview"},
                                                {PlaybackType::Program, "program"}};
 
-template <>
-constexpr std::span<const Row<AudioPlaybackDevice>> table()
-{
-    return audioDevices;
-}
-template <>
-constexpr std::span<const Row<PlaybackType>> table()
-{
-    return playbackTypes;
-}
+} // namespace
 
-} // namespace enumtable
-
-const char* toStr(AudioPlaybackDevice value)
-{
-    return enumtable::textOf(value);
-}
-const char* toStr(PlaybackType value)
-{
-    return enumtable::textOf(value);
-}
-
-TARN_ENUM_TEXT(AudioPlaybackDevice)
+TARN_ENUM_TEXT(AudioPlaybackDevice, audioDevices)
+TARN_ENUM_TEXT(PlaybackType, playbackTypes)
 
 } // namespace vantrel

@@ -72,8 +72,17 @@ T enumFromNumber(std::int64_t number)
 
 } // namespace vantrel
 
-/// Makes fromStr and its like of an enumeration whose table stands above.
-#define TARN_ENUM_TEXT(Enum)                                                                                 \
+/// Makes toStr, fromStr and their like of an enumeration from its rows, which stand above.
+#define TARN_ENUM_TEXT(Enum, rows)                                                                           \
+    template <>                                                                                              \
+    constexpr std::span<const enumtable::Row<Enum>> enumtable::table()                                       \
+    {                                                                                                        \
+        return rows;                                                                                         \
+    }                                                                                                        \
+    const char* toStr(Enum value)                                                                            \
+    {                                                                                                        \
+        return enumtable::textOf(value);                                                                     \
+    }                                                                                                        \
     template bool fromStr<Enum>(std::string_view, Enum&);                                                    \
     template Enum enumFromText<Enum>(std::string_view);                                                      \
     template Enum enumFromNumber<Enum>(std::int64_t);

@@ -4,7 +4,9 @@
 
 namespace vantrel {
 
-namespace enumtable {
+namespace {
+
+using enumtable::Row;
 
 constexpr Row<ScaleMode> scaleModes[] = {{ScaleMode::Default, "default"},
                                          {ScaleMode::Fit, "fit"},
@@ -27,49 +29,11 @@ constexpr Row<ColorSpace> colorSpaces[] = {
     {ColorSpace::Bt709, "BT.709"},    {ColorSpace::Bt2020, "BT.2020"}, {ColorSpace::Smpte240m, "SMPTE 240M"},
     {ColorSpace::Fcc, "FCC"},         {ColorSpace::YCgCo, "YCgCo"}};
 
-template <>
-constexpr std::span<const Row<ScaleMode>> table()
-{
-    return scaleModes;
-}
-template <>
-constexpr std::span<const Row<MediaDurationType>> table()
-{
-    return durationTypes;
-}
-template <>
-constexpr std::span<const Row<MediaType>> table()
-{
-    return mediaTypes;
-}
-template <>
-constexpr std::span<const Row<ColorSpace>> table()
-{
-    return colorSpaces;
-}
+} // namespace
 
-} // namespace enumtable
-
-const char* toStr(ScaleMode value)
-{
-    return enumtable::textOf(value);
-}
-const char* toStr(MediaDurationType value)
-{
-    return enumtable::textOf(value);
-}
-const char* toStr(MediaType value)
-{
-    return enumtable::textOf(value);
-}
-const char* toStr(ColorSpace value)
-{
-    return enumtable::textOf(value);
-}
-
-TARN_ENUM_TEXT(ScaleMode)
-TARN_ENUM_TEXT(MediaDurationType)
-TARN_ENUM_TEXT(MediaType)
-TARN_ENUM_TEXT(ColorSpace)
+TARN_ENUM_TEXT(ScaleMode, scaleModes)
+TARN_ENUM_TEXT(MediaDurationType, durationTypes)
+TARN_ENUM_TEXT(MediaType, mediaTypes)
+TARN_ENUM_TEXT(ColorSpace, colorSpaces)
 
 } // namespace vantrel

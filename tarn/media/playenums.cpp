@@ -4,7 +4,9 @@
 
 namespace vantrel {
 
-namespace enumtable {
+namespace {
+
+using enumtable::Row;
 
 constexpr Row<EndAction> endActions[] = {{EndAction::Next, "next"},
                                          {EndAction::Pause, "pause"},
@@ -21,59 +23,12 @@ constexpr Row<SourceMode> sourceModes[] = {
 constexpr Row<SourcePlayState> playStates[] = {
     {SourcePlayState::Play, "play"}, {SourcePlayState::Pause, "pause"}, {SourcePlayState::Stop, "stop"}};
 
-template <>
-constexpr std::span<const Row<EndAction>> table()
-{
-    return endActions;
-}
-template <>
-constexpr std::span<const Row<TakeTransitionType>> table()
-{
-    return transitions;
-}
-template <>
-constexpr std::span<const Row<PlayheadOption>> table()
-{
-    return playheads;
-}
-template <>
-constexpr std::span<const Row<SourceMode>> table()
-{
-    return sourceModes;
-}
-template <>
-constexpr std::span<const Row<SourcePlayState>> table()
-{
-    return playStates;
-}
+} // namespace
 
-} // namespace enumtable
-
-const char* toStr(EndAction value)
-{
-    return enumtable::textOf(value);
-}
-const char* toStr(TakeTransitionType value)
-{
-    return enumtable::textOf(value);
-}
-const char* toStr(PlayheadOption value)
-{
-    return enumtable::textOf(value);
-}
-const char* toStr(SourceMode value)
-{
-    return enumtable::textOf(value);
-}
-const char* toStr(SourcePlayState value)
-{
-    return enumtable::textOf(value);
-}
-
-TARN_ENUM_TEXT(EndAction)
-TARN_ENUM_TEXT(TakeTransitionType)
-TARN_ENUM_TEXT(PlayheadOption)
-TARN_ENUM_TEXT(SourceMode)
-TARN_ENUM_TEXT(SourcePlayState)
+TARN_ENUM_TEXT(EndAction, endActions)
+TARN_ENUM_TEXT(TakeTransitionType, transitions)
+TARN_ENUM_TEXT(PlayheadOption, playheads)
+TARN_ENUM_TEXT(SourceMode, sourceModes)
+TARN_ENUM_TEXT(SourcePlayState, playStates)
 
 } // namespace vantrel
