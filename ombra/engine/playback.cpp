@@ -140,8 +140,8 @@ void Playback::setMedia(const std::string& url)
 {
     std::optional<MediaItem> item = m_studio.source.resolve(url);
     if (!item && !url.empty())
-        Log::write_fmt(LogLevel::Warning, {"playback", "setMedia"}, "vantrel.engine",
-                       "There is no media '%s' to show on %s", url.c_str(), m_path.c_str());
+        Log::write_fmt(LogLevel::Warning, {}, "vantrel.engine", "There is no media '%s' to show on %s",
+                       url.c_str(), m_path.c_str());
     load(url, std::move(item), SourcePlayState::Play, false);
 }
 
