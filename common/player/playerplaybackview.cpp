@@ -179,6 +179,7 @@ void PlayerPlaybackView::onWidgetAdded(QWidget* widget, const QModelIndex& index
         channel->setObject(index.data(objectRole).value<Object*>(), index.data(sceneRole).value<Scene*>());
         if (m_keys)
             m_keys->addChannel(channel);
+        channel->setBlocked(m_session->linkHealth()->text());
     }
     updateState();
 }
