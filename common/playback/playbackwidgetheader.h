@@ -33,8 +33,10 @@ public:
     MuteButton* muteButton() const { return m_mute; }
     bool hasInfiniteDuration() const { return m_hasInfiniteDuration; }
     void setHasInfiniteDuration(bool infinite);
+    /// The media begins anew at its end: a mark beside the name, since the next media goes on with that.
+    void setRepeats(bool repeats);
     void setColumnStep(ColumnStep step);
-    /// base for this widget, base + "-MediaName" and "-MediaLocation" for its labels.
+    /// base for this widget, base + "-MediaName", "-MediaLocation" and "-Repeat" for its labels.
     void setObjectNames(const QString& base) override;
 
 Q_SIGNALS:
@@ -49,6 +51,7 @@ private:
     QWidget* m_title;
     ZTLabel* m_location;
     ElidedLabel* m_name;
+    ZTLabel* m_repeat;
     TimecodeDisplay* m_duration;
     ZTLabel* m_infinite = nullptr;
     ZTLabel* m_durationLabel = nullptr;
