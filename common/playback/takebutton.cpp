@@ -6,6 +6,7 @@
 #include <QFocusEvent>
 #include <QGraphicsDropShadowEffect>
 #include <QLabel>
+#include <QMouseEvent>
 
 #include <algorithm>
 #include <cmath>
@@ -145,6 +146,12 @@ void TakeButton::resizeEvent(QResizeEvent* event)
     m_label->setGeometry(rect());
     m_takenLabel->setGeometry(m_bar->rect());
     updateProgressBar();
+}
+
+/// The second click of a double one is no second take: it would undo the first.
+void TakeButton::mouseDoubleClickEvent(QMouseEvent* event)
+{
+    event->accept();
 }
 
 void TakeButton::setParts(const char* property, bool value)

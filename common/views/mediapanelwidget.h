@@ -42,6 +42,8 @@ public:
     void selectCollection(int collection);
     /// Without a server an empty panel says so.
     void setConnected(bool connected);
+    /// Whether the marks on the slots are no longer what the server says.
+    void setStale(bool stale);
     /// Whether the library is the server's: until then an empty panel says what it waits for, and nothing is
     /// edited.
     enum class Library { Loading, Failed, Read };
@@ -69,6 +71,7 @@ private:
     bool isEditable() const { return m_connected && m_libraryState == Library::Read; }
     void updateEmptyText();
     void onActivated(const QModelIndex& index);
+    bool cueFromSearch();
     void onScrolled();
     void moveSlot(const QModelIndex& source, int beforeRow);
     void showSlotMenu(const QPoint& position);

@@ -96,6 +96,8 @@ bool SlotListView::handleHotkey(const QKeyEvent& event)
     const QKeySequence key = Hotkeys::pressed(event);
     if (key.isEmpty())
         return false;
+    if (state() == EditingState) // what the editor leaves over, such as the Enter that ends it
+        return true;
     const auto is = [&key](const char* name) { return Hotkeys::current(QLatin1String(name)) == key; };
     if (is("delete")) {
         Q_EMIT deleteRequested();
