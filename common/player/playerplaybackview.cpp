@@ -115,7 +115,7 @@ QWidget* PlayerPlaybackView::createEmptyState()
 {
     auto* page = new QWidget(this);
     auto* icon = new ZTLabel(page);
-    icon->setPixmap(IconCache::pixmap(QStringLiteral("unlinked"), colors::getColor(colors::Zt_white_30),
+    icon->setPixmap(IconCache::pixmap(QStringLiteral("unlinked"), colors::getColor(colors::Zt_white_50),
                                       {48, 48}, devicePixelRatioF()));
     m_emptyTitle = new ZTLabel(page);
     m_emptyTitle->setStyleClass(QStringLiteral("title"));
