@@ -7,6 +7,9 @@
 #include "common/media/library/playlistprovider.h"
 #include "common/media/models/medialibrarymodel.h"
 #include "common/media/models/playbackmodel.h"
+#include "common/media/models/playlist/playlisteditormodel.h"
+#include "common/media/models/playlist/playlistlibrarymodel.h"
+#include "common/media/models/playlist/playlistselectionmodel.h"
 #include "common/media/net/defaultresourcestatusprovider.h"
 #include "common/media/net/mediadataaggregator.h"
 #include "common/media/net/mediastateprovider.h"
@@ -158,6 +161,8 @@ void Session::doInit()
     m_serverConfiguration->setShowConfiguration(m_sceneObjects->showConfiguration());
     m_previewPlaybackModel = std::make_unique<PlaybackModel>(preview, playlists, nullptr);
     m_programPlaybackModel = std::make_unique<PlaybackModel>(program, playlists, nullptr);
+    initMediaLibraryHelpers();
+    initPlaylistModels();
     wireProviders();
 }
 
@@ -201,7 +206,7 @@ void Session::onConnect()
         return; // the operator left before this signal came through
     qCInfo(lcSession, "Session connected to: %s", qPrintable(host));
     followLibrary(host);
-    initMediaLibraryHelpers(host);
+    aimMediaLibraryHelpers(host);
     Q_EMIT connected(host);
     m_metadataClient.reset();
     m_metadataClient = std::make_unique<MetadataClient>(host, m_ports.http);
@@ -258,25 +263,57 @@ void Session::connectMediaLibraryApi()
     connect(api, &Api::playlistEntryRemoved, playlists, &PlaylistProvider::onEntryRemoved);
 }
 
-void Session::initMediaLibraryHelpers(const QString& host)
+/// One source of metadata, thumbnails and states for the life of the session: who holds it need not know of
+/// connections.
+void Session::initMediaLibraryHelpers()
 {
-    // Views may still hold the helpers of the last connection; those of the one before it go.
-    m_formerAggregator = std::move(m_mediaDataAggregator);
-    auto* metadata = new MetadataProvider(host, m_network.get(), 1000);
-    auto* thumbnails = new ThumbnailProvider(host, m_network.get(), 100);
-    metadata->setPort(m_ports.http);
-    thumbnails->setPort(m_ports.http);
-    GUIPlayback* const preview = m_sceneObjects->previewPlayback();
-    GUIPlayback* const program = m_sceneObjects->programPlayback();
-    m_mediaStateProvider = new MediaStateProvider(preview, program, m_playlistProvider.get(),
-                                                  m_mediaLibraryProvider.get(), metadata);
-    m_mediaDataAggregator = std::make_unique<MediaDataAggregator>(metadata, thumbnails, m_mediaStateProvider);
-    for (QObject* helper : {static_cast<QObject*>(metadata), static_cast<QObject*>(thumbnails),
-                            static_cast<QObject*>(m_mediaStateProvider)})
-        helper->setParent(m_mediaDataAggregator.get());
+    m_metadata = std::make_unique<MetadataProvider>(QString(), m_network.get(), 1000);
+    m_thumbnails = std::make_unique<ThumbnailProvider>(QString(), m_network.get(), 100);
+    m_mediaStateProvider = std::make_unique<MediaStateProvider>(
+        m_sceneObjects->previewPlayback(), m_sceneObjects->programPlayback(), m_playlistProvider.get(),
+        m_mediaLibraryProvider.get(), m_metadata.get());
+    m_mediaDataAggregator = std::make_unique<MediaDataAggregator>(m_metadata.get(), m_thumbnails.get(),
+                                                                  m_mediaStateProvider.get());
     m_resourceStatus = std::make_unique<DefaultResourceStatusProvider>();
     m_mediaLibraryModel->setMediaDataAggregator(m_mediaDataAggregator.get());
-    m_mediaLibraryModel->setMediaStateProvider(m_mediaStateProvider);
+    m_mediaLibraryModel->setMediaStateProvider(m_mediaStateProvider.get());
+}
+
+/// Another server may hold other files under the same names.
+void Session::aimMediaLibraryHelpers(const QString& host)
+{
+    m_metadata->setServer(host, m_ports.http);
+    m_thumbnails->setServer(host, m_ports.http);
+    m_mediaStateProvider->reset();
+    for (const PlaybackViewMode mode : {PlaybackViewMode::Preview, PlaybackViewMode::Program})
+        m_resourceStatus->setIsConstrained(mode, false);
+}
+
+void Session::initPlaylistModels()
+{
+    m_playlistLibraryModel = std::make_unique<PlaylistLibraryModel>(m_playlistProvider.get());
+    const auto make = [this](PlaybackViewMode mode) {
+        auto model = std::make_unique<PlaylistEditorModel>(
+            m_playlistProvider.get(), m_mediaDataAggregator.get(), m_sceneObjects->previewPlayback(),
+            m_sceneObjects->programPlayback(), QSet<PlaybackViewMode>{mode}, m_mediaStateProvider.get());
+        model->setUndoStack(m_undoStack.get());
+        model->setResourceStatusProvider(m_resourceStatus.get());
+        return model;
+    };
+    m_previewPlaylistEditorModel = make(PlaybackViewMode::Preview);
+    m_programPlaylistEditorModel = make(PlaybackViewMode::Program);
+}
+
+PlaylistSelectionModel* Session::playlistSelection() const
+{
+    return m_playlistSelection;
+}
+
+void Session::setPlaylistSelection(PlaylistSelectionModel* selection)
+{
+    m_playlistSelection = selection;
+    m_previewPlaylistEditorModel->setSelection(selection);
+    m_programPlaylistEditorModel->setSelection(selection);
 }
 
 void Session::onDisconnect()

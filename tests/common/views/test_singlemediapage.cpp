@@ -1,6 +1,6 @@
+#include "common/media/library/medialibraryapi.h"
 #include "common/media/library/medialibraryprovider.h"
 #include "common/media/net/defaultresourcestatusprovider.h"
-#include "common/media/net/mediadataaggregator.h"
 #include "common/playback/playbackpreview.h"
 #include "common/playback/playbackwidget.h"
 #include "common/session/link/signalrelay.h"
@@ -52,9 +52,9 @@ private Q_SLOTS:
         cue("brume://collections/1/slots/1");
         QTRY_COMPARE(m_page->shownValue(Column::MediaTypeColumn), QStringLiteral("Video"));
         const Session* session = m_fixture->peer.session;
-        const QPointer<MediaDataAggregator> former = session->mediaDataAggregator();
+        const QPointer<MediaLibraryApi> former = session->getMediaLibraryApi();
         m_fixture->peer.link.socket->disconnectFromHost();
-        QTRY_VERIFY_WITH_TIMEOUT(session->isConnected() && session->mediaDataAggregator() != former, 10000);
+        QTRY_VERIFY_WITH_TIMEOUT(session->isConnected() && session->getMediaLibraryApi() && !former, 10000);
         m_fixture->peer.send(R"([{"op":"add","path":"/device/channels/0","value":{"type":"Channel"}}])");
         QTRY_VERIFY(m_fixture->channel());
         cue("brume://collections/1/slots/2");
