@@ -7,8 +7,6 @@
 
 #include <QGridLayout>
 
-#include <cmath>
-
 namespace vantrel {
 
 namespace {
@@ -64,14 +62,27 @@ QSize PlaybackTimecodes::minimumSizeHint() const
 void PlaybackTimecodes::setPosition(double seconds)
 {
     m_position = seconds;
-    m_playhead->setTime(seconds);
+    updatePlayhead();
     updateRemaining();
+}
+
+void PlaybackTimecodes::setHeldAtEnd(bool held)
+{
+    m_isHeldAtEnd = held;
+    updatePlayhead();
+}
+
+void PlaybackTimecodes::updatePlayhead()
+{
+    const bool isPastEnd = m_isHeldAtEnd && m_hasOutpoint && m_outpoint > 0.0 && m_position > m_outpoint;
+    m_playhead->setTime(isPastEnd ? m_outpoint : m_position);
 }
 
 void PlaybackTimecodes::setOutpoint(double seconds)
 {
     m_outpoint = seconds;
     m_hasOutpoint = true;
+    updatePlayhead();
     updateRemaining();
 }
 
@@ -92,9 +103,7 @@ void PlaybackTimecodes::setRemainingTimeVisible(bool visible)
 
 void PlaybackTimecodes::updateRemaining()
 {
-    // A display cuts to whole milliseconds, and a difference falls short of them by a rounding error as often
-    // as not: half a nanosecond more keeps 16.720 from showing as 16.719.
-    const double left = (std::round((m_outpoint - m_position) * 1e9) + 0.5) * 1e-9;
+    const double left = m_outpoint - m_position;
     m_remaining->setTime(m_hasOutpoint && left > 0.0 ? left : 0.0);
 }
 

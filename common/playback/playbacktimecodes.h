@@ -29,12 +29,15 @@ public Q_SLOTS:
     /// Seconds; until it is called nothing remains.
     void setOutpoint(double seconds);
     void setFps(double mediaFps);
+    /// A still stands at its end for as long as nothing follows: its playhead does not count on.
+    void setHeldAtEnd(bool held);
     void setRemainingTimeVisible(bool visible);
 
 protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
+    void updatePlayhead();
     void updateRemaining();
     void arrange();
     void stackLayout();
@@ -48,6 +51,7 @@ private:
     double m_position = 0.0;
     double m_outpoint = 0.0;
     bool m_hasOutpoint = false;
+    bool m_isHeldAtEnd = false;
     double m_fps = 0.0;
     bool m_isStacked = false;
 };

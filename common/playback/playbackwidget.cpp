@@ -11,6 +11,7 @@
 #include "common/playback/endpointtimecodes.h"
 #include "common/playback/levelmeter.h"
 #include "common/playback/mutebutton.h"
+#include "common/playback/picturenotice.h"
 #include "common/playback/playbackcontrols.h"
 #include "common/playback/playbackpreview.h"
 #include "common/playback/playbacktimecodes.h"
@@ -29,6 +30,7 @@
 #include "common/ui/style/dynamicstyle.h"
 #include "common/ui/style/spacing.h"
 #include "common/ui/timecode/timecodedisplay.h"
+#include "common/ui/toolkit/blockedreason.h"
 #include "tarn/scene/scene.h"
 
 #include <QEvent>
@@ -68,6 +70,7 @@ PlaybackWidget::PlaybackWidget(PlaybackViewMode viewMode, Session* session, QWid
         applyCell(column, m_model->index(0, column).data());
     handleMediaChanged();
     refreshPlaybackControls();
+    setLocked(!isPreview());
 }
 
 PlaybackWidget::~PlaybackWidget() = default;
@@ -77,6 +80,7 @@ void PlaybackWidget::createChildren()
     m_header = new PlaybackWidgetHeader(m_viewMode, this);
     m_preview = new PlaybackPreview(this);
     m_hint = new ChannelHint(m_viewMode, m_session->hotkeys(), m_preview);
+    m_notice = new PictureNotice(m_viewMode, m_preview);
     m_timecodes = new PlaybackTimecodes(this);
     m_endpoints = new EndpointTimecodes(this);
     m_slider = new SeekSlider(this);
@@ -144,6 +148,7 @@ void PlaybackWidget::nameChildren()
     setObjectName(prefix.chopped(1));
     m_slider->setObjectNames(prefix + QStringLiteral("SeekSlider"));
     m_preview->setObjectName(prefix + QStringLiteral("PreviewWidget"));
+    m_notice->setObjectName(prefix + QStringLiteral("Notice"));
     m_hint->setObjectName(prefix + QStringLiteral("Hint"));
     m_timecodes->setObjectNames(prefix + QStringLiteral("PlaybackTimecodes"));
     m_endpoints->setObjectNames(prefix + QStringLiteral("EndpointTimecodes"));
@@ -164,6 +169,7 @@ void PlaybackWidget::connectChildren()
     connect(m_slider, &SeekSlider::seekStarting, m_controls, &PlaybackControls::handleSeekStarting);
     connect(m_slider, &SeekSlider::seekEnding, m_controls, &PlaybackControls::handleSeekEnding);
     connect(m_preview, &PlaybackPreview::dragAndDropEntry, this, &PlaybackWidget::handleDragAndDrop);
+    connect(m_header, &PlaybackWidgetHeader::locked, this, &PlaybackWidget::setLocked);
 }
 
 void PlaybackWidget::setObject(Object* object, Scene* scene)
@@ -174,6 +180,7 @@ void PlaybackWidget::setObject(Object* object, Scene* scene)
         connectMute({});
         m_preview->setSource({}, -1);
         m_footer->levelMeter()->setSource({});
+        m_notice->levels()->setSource({});
         m_footer->levelMeter()->clear();
         setIsResourceConstrained(false);
         return;
@@ -191,6 +198,7 @@ void PlaybackWidget::setObject(Object* object, Scene* scene)
     connectMute(path);
     m_preview->setSource(path.toString(), 0);
     m_footer->levelMeter()->setSource(path.toString());
+    m_notice->levels()->setSource(path.toString());
 }
 
 void PlaybackWidget::connectMute(const Path& objectPath)
@@ -219,14 +227,44 @@ void PlaybackWidget::setIsResourceConstrained(bool constrained)
 
 void PlaybackWidget::setHasValidMedia(bool valid)
 {
-    m_controls->setEnabled(valid);
     m_slider->setEnabled(valid);
     m_hasValidMedia = valid;
+    m_hasTransport = valid;
+    updateTransport();
+}
+
+void PlaybackWidget::setBlocked(const QString& reason)
+{
+    m_blocked = reason;
+    updateTransport();
+}
+
+void PlaybackWidget::setLocked(bool locked)
+{
+    m_isLocked = locked;
+    updateTransport();
+}
+
+void PlaybackWidget::updateTransport()
+{
+    const QString held = m_isLocked
+                             ? tr("Locked, so that no stray click moves what is on air. Open the lock above.")
+                             : QString();
+    const QString reason = m_blocked.isEmpty() ? held : m_blocked;
+    m_controls->setEnabled(m_hasTransport && !m_isLocked);
+    m_controls->setBlocked(reason);
+    m_slider->setLocked(m_isLocked);
+    setBlockedReason(m_slider, reason);
 }
 
 MuteButton* PlaybackWidget::muteButton() const
 {
     return m_header->muteButton();
+}
+
+IconButton* PlaybackWidget::lockButton() const
+{
+    return m_header->lockButton();
 }
 
 double PlaybackWidget::modelSeconds(int column) const
@@ -257,6 +295,8 @@ void PlaybackWidget::applyCell(int column, const QVariant& value)
         refreshPlaybackControls();
         break;
     case PlaybackModel::MediaUrlColumn:
+        if (value.toString() != m_mediaAddress)
+            m_preview->expectNewMedia();
         m_mediaAddress = value.toString();
         updateMediaAddress();
         m_header->duration()->setTime(modelSeconds(PlaybackModel::DurationColumn));

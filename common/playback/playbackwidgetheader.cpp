@@ -2,6 +2,8 @@
 
 #include "common/media/address/mediautils.h"
 #include "common/playback/mutebutton.h"
+#include "common/ui/keyboard/hotkeytip.h"
+#include "common/ui/style/colors.h"
 #include "common/ui/style/fontsizefollower.h"
 #include "common/ui/style/spacing.h"
 #include "common/ui/timecode/timecodedisplay.h"
@@ -58,11 +60,20 @@ void PlaybackWidgetHeader::addDuration()
     m_durationStack->addWidget(m_duration);
     m_durationStack->addWidget(m_infinite);
     m_mute = new MuteButton(this);
+    m_lock = new IconButton(this);
+    m_lock->setToggleIcons(QStringLiteral("lock"), QStringLiteral("unlock"));
+    m_lock->setCheckedColor(colors::getColor(colors::Zt_spot_color));
+    m_lock->setChecked(true);
+    m_lock->setAccessibleName(tr("Lock program"));
+    setHotkeyTip(m_lock, tr("Lock: holds the timeline and the transport of program"),
+                 {QStringLiteral("lock_program")});
+    connect(m_lock, &QAbstractButton::toggled, this, &PlaybackWidgetHeader::locked);
     m_durationLabel = new ZTLabel(tr("Duration"), this);
     m_durationLabel->setStyleClass(QStringLiteral("dim"));
     m_layout->addWidget(m_durationLabel, 0, 2);
     m_layout->addWidget(m_durationStack, 0, 3);
     m_layout->addWidget(m_mute, 0, 4);
+    m_layout->addWidget(m_lock, 0, 5);
 }
 
 void PlaybackWidgetHeader::setColumnStep(ColumnStep step)
@@ -74,9 +85,10 @@ void PlaybackWidgetHeader::setColumnStep(ColumnStep step)
     if (isWide)
         m_layout->addWidget(m_title, 0, 1);
     else
-        m_layout->addWidget(m_title, 1, 0, 1, 5);
+        m_layout->addWidget(m_title, 1, 0, 1, 6);
     if (m_mute) {
         m_mute->setSizes(buttonSizes(step));
+        m_lock->setSizes(buttonSizes(step));
         m_durationLabel->setVisible(isWide);
     }
 }
@@ -121,6 +133,8 @@ void PlaybackWidgetHeader::setObjectNames(const QString& base)
     m_duration->setObjectName(base + QStringLiteral("-Duration"));
     if (m_mute)
         m_mute->setObjectName(base + QStringLiteral("-Mute"));
+    if (m_lock)
+        m_lock->setObjectName(base + QStringLiteral("-Lock"));
 }
 
 } // namespace vantrel

@@ -10,12 +10,13 @@ class QStackedWidget;
 namespace vantrel {
 
 class ElidedLabel;
+class IconButton;
 class MuteButton;
 class TimecodeDisplay;
 class ZTLabel;
 
-/// Which channel it is and what plays on it; on program also its duration and the mute. Owned by
-/// PlaybackWidget; main thread.
+/// Which channel it is and what plays on it; on program also its duration, the mute and the lock. Owned
+/// by PlaybackWidget; main thread.
 class PlaybackWidgetHeader : public ZTFrame
 {
     Q_OBJECT
@@ -31,6 +32,8 @@ public:
     TimecodeDisplay* duration() const { return m_duration; }
     /// Null on preview.
     MuteButton* muteButton() const { return m_mute; }
+    /// Holds the timeline and the transport; null on preview.
+    IconButton* lockButton() const { return m_lock; }
     bool hasInfiniteDuration() const { return m_hasInfiniteDuration; }
     void setHasInfiniteDuration(bool infinite);
     void setColumnStep(ColumnStep step);
@@ -38,7 +41,7 @@ public:
     void setObjectNames(const QString& base) override;
 
 Q_SIGNALS:
-    /// Reserved for a channel lock.
+    /// The operator opened or closed the channel's lock.
     void locked(bool locked);
     void hasInfiniteDurationChanged();
 
@@ -54,6 +57,7 @@ private:
     ZTLabel* m_durationLabel = nullptr;
     QStackedWidget* m_durationStack = nullptr;
     MuteButton* m_mute = nullptr;
+    IconButton* m_lock = nullptr;
     ColumnStep m_step = ColumnStep::Wide;
     bool m_hasInfiniteDuration = false;
 };

@@ -54,6 +54,10 @@ ChannelWidget::ChannelWidget(Session* session, QWidget* parent)
     layout->addWidget(m_takeControls);
     layout->addWidget(m_programSplitter, 1);
 
+    connect(m_preview, &PlaybackWidget::unplayableChanged, this, [this] {
+        m_takeControls->setCueFault(m_preview->unplayableReason().isEmpty() ? QString()
+                                                                            : tr("Preview cannot be played"));
+    });
     followPictures();
     followFontSize(this, [this](FontSize size) {
         setTextSize(size);
@@ -85,6 +89,13 @@ void ChannelWidget::setObject(Object* object, Scene* scene)
     m_takeControls->setObject(object, scene);
     if (object) // it may have waited hidden for its channel
         m_adjust.start();
+}
+
+void ChannelWidget::setBlocked(const QString& reason)
+{
+    m_preview->setBlocked(reason);
+    m_program->setBlocked(reason);
+    m_takeControls->setBlocked(reason);
 }
 
 void ChannelWidget::adjustSplitters()

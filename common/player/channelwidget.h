@@ -27,6 +27,8 @@ public:
 
     /// The channel object, with its children "preview" and "program"; null when the widget waits for one.
     void setObject(Object* object, Scene* scene);
+    /// Why nothing can be sent to the server; empty when it can.
+    void setBlocked(const QString& reason);
     /// Gives both columns the same division, about three quarters for the playback.
     void adjustSplitters();
     /// The least width of both columns, where the window has room for it.

@@ -1,6 +1,7 @@
 #include "common/session/session.h"
 
 #include "common/command/abstractsessioncommand.h"
+#include "common/command/commandgate.h"
 #include "common/media/edit/trimcommands.h"
 #include "common/media/library/medialibraryapi.h"
 #include "common/media/library/medialibraryprovider.h"
@@ -18,6 +19,7 @@
 #include "common/media/net/thumbnailprovider.h"
 #include "common/session/link/connectionhandler.h"
 #include "common/session/link/connectionprovider.h"
+#include "common/session/link/linkhealth.h"
 #include "common/session/link/metadataclient.h"
 #include "common/session/link/previewthread.h"
 #include "common/session/link/signalrelay.h"
@@ -38,6 +40,8 @@
 #include <QTimer>
 #include <QUndoStack>
 
+#include <utility>
+
 namespace vantrel {
 
 namespace {
@@ -49,6 +53,7 @@ Session* theInstance = nullptr;
 
 Session::Session()
     : m_undoStack(std::make_unique<QUndoStack>())
+    , m_gate(new CommandGate(m_undoStack.get()))
 {
 }
 
@@ -99,7 +104,10 @@ Configuration* Session::configuration() const
 
 void Session::executeCommand(AbstractSessionCommand* command)
 {
-    m_undoStack->push(command);
+    if (CommandGate::passes(m_undoStack.get(), command->text()))
+        m_undoStack->push(command);
+    else
+        delete command;
 }
 
 QUndoStack* Session::getQUndoStack() const
@@ -124,7 +132,10 @@ DefaultResourceStatusProvider* Session::resourceStatusProvider() const
 
 void Session::sendPatch(const Patch& patch)
 {
-    m_connection->sendPatch(patch);
+    if (m_linkHealth->state() != LinkHealth::State::Silent)
+        m_connection->sendPatch(patch);
+    else
+        qCInfo(lcSession) << "Not sent, since the server does not answer:" << patch.size() << "operations";
 }
 
 bool Session::isConnected() const
@@ -169,13 +180,37 @@ void Session::doInit()
 void Session::initConnection()
 {
     m_connection = std::make_unique<ConnectionHandler>(m_ports.link);
+    m_linkHealth = std::make_unique<LinkHealth>(m_connection.get()); // hears of the link before all others
     connect(m_connection.get(), &ConnectionHandler::patchAvailable, this, &Session::onPatchAvailable);
     connect(m_connection.get(), &ConnectionHandler::connected, this, &Session::onConnect);
     connect(m_connection.get(), &ConnectionHandler::disconnected, this, &Session::onDisconnect);
+    m_linkHealth->follow(m_sceneObjects->previewPlayback());
+    m_linkHealth->follow(m_sceneObjects->programPlayback());
+    connect(m_linkHealth.get(), &LinkHealth::changed, this, &Session::onHealthChanged);
     m_connection->start();
     m_systemProxy = std::make_unique<SystemProxy>();
     m_systemProxy->setSession(this);
     m_connectionProvider = std::make_unique<ConnectionProvider>();
+}
+
+void Session::onHealthChanged()
+{
+    const LinkHealth::State state = m_linkHealth->state();
+    m_preview->setServerAnswers(state == LinkHealth::State::Current);
+    if (state == LinkHealth::State::Silent)
+        m_gate->setReason(tr("The server does not answer."));
+    else if (state == LinkHealth::State::Lost)
+        m_gate->setReason(tr("There is no connection to the server."));
+    else
+        m_gate->setReason({});
+    if (state == LinkHealth::State::Current && !m_unsent.empty())
+        askForUnsent();
+}
+
+/// What was changed here alone becomes again what the server has.
+void Session::askForUnsent()
+{
+    m_connection->sendPatch(std::exchange(m_unsent, {}));
 }
 
 void Session::wireProviders()
@@ -201,6 +236,7 @@ void Session::onConnect()
     ++m_linksSeen;
     m_loading = Loading::Stale;
     m_nextPatch = {};
+    m_unsent = {};
     const QString host = m_connection->getConnectedHost();
     if (host.isEmpty())
         return; // the operator left before this signal came through
@@ -222,12 +258,16 @@ void Session::followLibrary(const QString& host)
     api->setPort(m_ports.http);
     connectMediaLibraryApi();
     connect(api, &MediaLibraryApi::streamLost, this, [this, api = QPointer(api), host] {
+        m_linkHealth->setLibraryCurrent(false);
         QTimer::singleShot(libraryRetry, this, [this, api, host] {
             if (api && api == m_mediaLibraryApi.get())
                 followLibrary(host);
         });
     });
-    connect(api, &MediaLibraryApi::readingChanged, this, &Session::libraryReadingChanged);
+    connect(api, &MediaLibraryApi::readingChanged, this, [this, api] {
+        m_linkHealth->setLibraryCurrent(api->reading() == MediaLibraryApi::Reading::Done);
+        Q_EMIT libraryReadingChanged();
+    });
     api->listenChanges();
     api->requestMediaLibrary();
     Q_EMIT libraryReadingChanged();

@@ -17,11 +17,13 @@ class QUndoStack;
 namespace vantrel {
 
 class AbstractSessionCommand;
+class CommandGate;
 class Configuration;
 class ConnectionHandler;
 class ConnectionProvider;
 class DefaultResourceStatusProvider;
 class Hotkeys;
+class LinkHealth;
 class MediaDataAggregator;
 class MediaLibrary;
 class MediaLibraryApi;
@@ -87,6 +89,7 @@ public:
     MediaLibraryApi* getMediaLibraryApi() const { return m_mediaLibraryApi.get(); }
     MediaLibrary* mediaLibrary() const;
     ConnectionHandler* connectionHandler() const { return m_connection.get(); }
+    LinkHealth* linkHealth() const { return m_linkHealth.get(); }
     ConnectionProvider* connectionProvider() const { return m_connectionProvider.get(); }
     PreviewThread* preview() const { return m_preview.get(); }
     SignalRelay* signalRelay() const { return m_signalRelay.get(); }
@@ -132,6 +135,8 @@ private:
     void onDisconnect();
     void onPatchAvailable();
     void initConnection();
+    void onHealthChanged();
+    void askForUnsent();
     void wireProviders();
     void followLibrary(const QString& host);
     void connectMediaLibraryApi();
@@ -185,13 +190,16 @@ private:
     QPointer<PlaylistSelectionModel> m_playlistSelection;
     std::unique_ptr<PreviewThread> m_preview;
     std::unique_ptr<ConnectionHandler> m_connection;
+    std::unique_ptr<LinkHealth> m_linkHealth;
     std::unique_ptr<SystemProxy> m_systemProxy;
     std::unique_ptr<ConnectionProvider> m_connectionProvider;
     Hotkeys* m_hotkeys = nullptr; // the main window's
+    CommandGate* m_gate;          // the undo stack's
 
     Loading m_loading = Loading::Live;
     int m_linksSeen = 0; // of ConnectionHandler::linkCount(): which link the scene has heard of
     Patch m_nextPatch;   // taken from the link, not applied yet
+    Patch m_unsent;      // asks for what was changed here while the server did not answer
 };
 
 } // namespace vantrel

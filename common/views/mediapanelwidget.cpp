@@ -263,6 +263,12 @@ void MediaPanelWidget::setLibrary(Library library)
     updateEditable();
 }
 
+void MediaPanelWidget::setStale(bool stale)
+{
+    if (m_delegate->setStale(stale))
+        m_view->viewport()->update();
+}
+
 void MediaPanelWidget::updateEditable()
 {
     m_addButton->setEnabled(isEditable());

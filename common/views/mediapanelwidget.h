@@ -42,6 +42,8 @@ public:
     void selectCollection(int collection);
     /// Without a server an empty panel says so.
     void setConnected(bool connected);
+    /// Whether the marks on the slots are no longer what the server says.
+    void setStale(bool stale);
     /// Whether the library is the server's: until then an empty panel says what it waits for, and nothing is
     /// edited.
     enum class Library { Loading, Failed, Read };

@@ -271,7 +271,11 @@ void SlotDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
         index.data(Qt::DecorationRole); // asks for the picture, which comes with a change of the row
     const int role = m_fetching ? MediaLibraryModel::StateRole : MediaLibraryModel::KnownStateRole;
     const auto state = static_cast<MediaState>(index.data(role).toInt());
-    const std::optional<Mark> mark = markOf(state);
+    std::optional<Mark> mark = markOf(state);
+    if (mark && m_stale) { // what it was last, and nobody knows what it is
+        mark->background = colors::Zt_white_4;
+        mark->colour = colors::Slate_grey_500;
+    }
     const Layout layout = layoutOf(row, index);
     const QFont caption = captionFont(row.font);
 

@@ -55,11 +55,14 @@ QMap<QString, QVariant> defaultKeymap()
         {"zoom_out", QKeySequence::ZoomOut},
     };
     static constexpr std::pair<const char*, QKeyCombination> ownKeys[] = {
-        {"play_pause", Qt::Key_Space},   {"set_inpoint", Qt::Key_I},      {"set_outpoint", Qt::Key_O},
-        {"seek_inpoint", Qt::Key_Home},  {"seek_outpoint", Qt::Key_End},  {"prev_frame", Qt::Key_Comma},
-        {"next_frame", Qt::Key_Period},  {"cue", Qt::Key_Return},         {"take", Qt::Key_F12},
-        {"mute_program", Qt::Key_M},     {"rename", Qt::Key_F2},          {"find", Qt::CTRL | Qt::Key_F},
-        {"keyboard", Qt::Key_F1},        {"tab_1", Qt::CTRL | Qt::Key_1}, {"tab_2", Qt::CTRL | Qt::Key_2},
+        {"play_pause", Qt::Key_Space},   {"set_inpoint", Qt::Key_I},
+        {"set_outpoint", Qt::Key_O},     {"seek_inpoint", Qt::Key_Home},
+        {"seek_outpoint", Qt::Key_End},  {"prev_frame", Qt::Key_Comma},
+        {"next_frame", Qt::Key_Period},  {"cue", Qt::Key_Return},
+        {"take", Qt::Key_F12},           {"mute_program", Qt::Key_M},
+        {"rename", Qt::Key_F2},          {"find", Qt::CTRL | Qt::Key_F},
+        {"keyboard", Qt::Key_F1},        {"tab_1", Qt::CTRL | Qt::Key_1},
+        {"tab_2", Qt::CTRL | Qt::Key_2}, {"lock_program", Qt::CTRL | Qt::Key_L},
         {"tab_3", Qt::CTRL | Qt::Key_3}, {"tab_4", Qt::CTRL | Qt::Key_4},
     };
     QMap<QString, QVariant> keymap;
@@ -85,6 +88,7 @@ const QList<KeyAction>& keyActions()
         {"take", player, QT_TRANSLATE_NOOP("Keymap", "Take")},
         {"play_pause", player, QT_TRANSLATE_NOOP("Keymap", "Play and pause")},
         {"mute_program", player, QT_TRANSLATE_NOOP("Keymap", "Mute program")},
+        {"lock_program", player, QT_TRANSLATE_NOOP("Keymap", "Lock program")},
         {"set_inpoint", player, QT_TRANSLATE_NOOP("Keymap", "Set the in point")},
         {"set_outpoint", player, QT_TRANSLATE_NOOP("Keymap", "Set the out point")},
         {"seek_inpoint", player, QT_TRANSLATE_NOOP("Keymap", "Go to the in point")},
