@@ -20,6 +20,8 @@ public:
 
     /// base for this widget, base + "-Playhead" and base + "-Remaining" for its displays.
     void setObjectNames(const QString& base) override;
+    /// Gives the room between the two readouts to a widget, which takes no more than that.
+    void setMiddle(QWidget* widget);
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
 
@@ -42,12 +44,14 @@ private:
     void arrange();
     void stackLayout();
     void unstackLayout();
+    void placeMiddle();
 
     QGridLayout* m_layout;
     ZTLabel* m_playheadLabel;
     TimecodeDisplay* m_playhead;
     ZTLabel* m_remainingLabel;
     TimecodeDisplay* m_remaining;
+    QWidget* m_middle = nullptr;
     double m_position = 0.0;
     double m_outpoint = 0.0;
     bool m_hasOutpoint = false;

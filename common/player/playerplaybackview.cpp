@@ -22,6 +22,8 @@
 #include "common/ui/toolkit/ztlabel.h"
 #include "common/ui/toolkit/ztsplitter.h"
 #include "common/views/mediapanelwidget.h"
+#include "common/views/playlist/playlisteditor.h"
+#include "common/views/playlistwidget.h"
 #include "tarn/scene/object.h"
 #include "tarn/scene/scene.h"
 
@@ -179,6 +181,10 @@ void PlayerPlaybackView::onWidgetAdded(QWidget* widget, const QModelIndex& index
         channel->setObject(index.data(objectRole).value<Object*>(), index.data(sceneRole).value<Scene*>());
         if (m_keys)
             m_keys->addChannel(channel);
+        PlaylistWidget* playlist = channel->previewPlaylist();
+        playlist->editor()->setMediaSource([this] { return m_panel->selectedMedia(); });
+        connect(m_panel, &MediaPanelWidget::mediaInsertRequested, playlist, &PlaylistWidget::insertMedia,
+                Qt::UniqueConnection);
     }
     updateState();
 }

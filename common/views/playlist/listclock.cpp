@@ -70,10 +70,9 @@ void ListClock::follow()
 void ListClock::recalculate()
 {
     m_recalculate.stop();
-    m_rundown = m_playlist > 0
-                    ? Rundown(m_provider->entries(m_playlist), m_playing,
-                              [this](const GuiPlaylistEntry& entry) { return lengthOf(entry); })
-                    : Rundown();
+    m_rundown = m_playlist > 0 ? Rundown(m_provider->entries(m_playlist), m_playing,
+                                         [this](const GuiPlaylistEntry& entry) { return lengthOf(entry); })
+                               : Rundown();
     if (m_playlist > 0)
         m_tick.start();
     else

@@ -20,14 +20,19 @@ namespace {
 
 using Column = PlaylistModel::Column;
 
-constexpr int scrollRestMs = 120; // until pictures are asked for
+constexpr int scrollRestMs = 120;  // until pictures are asked for
 constexpr int browseRestMs = 8000; // until a list that was scrolled by hand follows what plays again
 
 /// As they stand on the screen.
-constexpr std::array columnOrder{
-    Column::NumberColumn,   Column::StateColumn,      Column::ThumbnailColumn,
-    Column::MediaColumn,    Column::DurationColumn,   Column::TransitionColumn,
-    Column::TransitionDurationColumn, Column::EndActionColumn,  Column::SizeColumn};
+constexpr std::array columnOrder{Column::NumberColumn,
+                                 Column::StateColumn,
+                                 Column::ThumbnailColumn,
+                                 Column::MediaColumn,
+                                 Column::DurationColumn,
+                                 Column::TransitionColumn,
+                                 Column::TransitionDurationColumn,
+                                 Column::EndActionColumn,
+                                 Column::SizeColumn};
 
 /// What gives way where there is no room for all, in this order, after the words of those that have icons.
 /// On program the last column tells when an entry is over, which nothing else does.
@@ -95,8 +100,8 @@ void PlaylistContainer::setModel(PlaylistModel* model)
         return;
     for (qsizetype i = 0; i < qsizetype(columnOrder.size()); ++i)
         m_header->moveSection(m_header->visualIndex(columnOrder[size_t(i)]), int(i));
-    m_header->setSortIndicator(model->sortColumn(), model->isAscending() ? Qt::AscendingOrder
-                                                                         : Qt::DescendingOrder);
+    m_header->setSortIndicator(model->sortColumn(),
+                               model->isAscending() ? Qt::AscendingOrder : Qt::DescendingOrder);
     m_view->setSortingEnabled(true);
     m_header->setSortIndicatorShown(false);
     m_header->setSectionsClickable(true);
@@ -164,14 +169,15 @@ void PlaylistContainer::updateHeaders()
     arrangeColumns();
 }
 
-/// The columns get what their texts need at the most, and the name what is left. Measuring all rows would cost
-/// what the list holds, so nothing here looks at more than one.
+/// The columns get what their texts need at the most, and the name what is left. Measuring all rows would
+/// cost what the list holds, so nothing here looks at more than one.
 void PlaylistContainer::arrangeColumns()
 {
     const int room = m_view->viewport()->width();
-    const Dispensable& dispensable =
-        m_modes.contains(Program) ? dispensableOnProgram : dispensableOnPreview;
-    const auto needed = [this](int column) { return m_delegate->columnWidth(m_model, column, m_view->font()); };
+    const Dispensable& dispensable = m_modes.contains(Program) ? dispensableOnProgram : dispensableOnPreview;
+    const auto needed = [this](int column) {
+        return m_delegate->columnWidth(m_model, column, m_view->font());
+    };
     const auto total = [&](std::size_t given) {
         int width = 0;
         for (const Column column : columnOrder) {
@@ -189,7 +195,8 @@ void PlaylistContainer::arrangeColumns()
         ++given;
     int left = room;
     for (const Column column : columnOrder) {
-        const bool isHidden = std::ranges::find(dispensable, column) - dispensable.begin() < std::ptrdiff_t(given);
+        const bool isHidden =
+            std::ranges::find(dispensable, column) - dispensable.begin() < std::ptrdiff_t(given);
         m_header->setSectionHidden(column, isHidden);
         if (!isHidden && column != Column::MediaColumn) {
             m_header->resizeSection(column, needed(column));

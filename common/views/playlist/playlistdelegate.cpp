@@ -25,7 +25,7 @@ using media::MediaUtils;
 
 namespace {
 
-constexpr int margin = 6; // left and right of a cell's text
+constexpr int margin = 6;  // left and right of a cell's text
 constexpr int padding = 4; // above and below it
 constexpr double longestTransition = 10.0;
 
@@ -103,7 +103,9 @@ QSize PlaylistDelegate::sizeHint(const QStyleOptionViewItem& option, const QMode
 int PlaylistDelegate::columnWidth(const PlaylistModel* model, int column, const QFont& font) const
 {
     const QFontMetrics metrics(font);
-    const auto wide = [&metrics](const QString& text) { return metrics.horizontalAdvance(text) + 2 * margin; };
+    const auto wide = [&metrics](const QString& text) {
+        return metrics.horizontalAdvance(text) + 2 * margin;
+    };
     const int icon = metrics.height();
     const auto widest = [&](const auto& all, const auto& text) {
         int width = 0;
@@ -145,7 +147,8 @@ void PlaylistDelegate::paint(QPainter* painter, const QStyleOptionViewItem& opti
         return;
     Cell cell{painter, option, index, model, model->getEntryAddress(index)};
     cell.isSelected = option.state.testFlag(QStyle::State_Selected);
-    const bool isOfClock = m_clock && m_clock->playlist() > 0 && m_clock->playlist() == model->playlistNumber();
+    const bool isOfClock =
+        m_clock && m_clock->playlist() > 0 && m_clock->playlist() == model->playlistNumber();
     if (isOfClock && m_clock->playing() == cell.address)
         cell.cue = Cue::OnAir;
     else if (index.data(PlaylistModel::PreviewPlayingEntryRole).toBool())
@@ -238,9 +241,9 @@ void PlaylistDelegate::paintChoice(const Cell& cell, const QString& icon, const 
     }
     const int side = cell.option.fontMetrics.height() - 2;
     const QRect room = cell.content();
-    cell.painter->drawPixmap(room.left(), room.center().y() - side / 2,
-                             IconCache::pixmap(icon, colour, QSize(side, side),
-                                               cell.painter->device()->devicePixelRatioF()));
+    cell.painter->drawPixmap(
+        room.left(), room.center().y() - side / 2,
+        IconCache::pixmap(icon, colour, QSize(side, side), cell.painter->device()->devicePixelRatioF()));
     const int taken = side + margin / 2;
     cell.painter->setFont(cell.option.font);
     cell.painter->setPen(getColor(cell.isBright() ? colors::White : colors::Zt_white_70));
@@ -280,8 +283,8 @@ void PlaylistDelegate::paintName(const Cell& cell) const
         const int width = QFontMetrics(bold).horizontalAdvance(text) + 2 * margin;
         if (width + cell.option.fontMetrics.averageCharWidth() * 6 > room.width())
             return;
-        const QRectF box =
-            QRectF(room.right() - width + 1, room.top() + 3, width, room.height() - 6).adjusted(.5, .5, -.5, -.5);
+        const QRectF box = QRectF(room.right() - width + 1, room.top() + 3, width, room.height() - 6)
+                               .adjusted(.5, .5, -.5, -.5);
         cell.painter->setBrush(outlined ? QBrush(Qt::NoBrush) : QBrush(colour));
         cell.painter->setPen(outlined ? QPen(colour) : QPen(Qt::NoPen));
         cell.painter->drawRoundedRect(box, 3, 3);
@@ -298,7 +301,7 @@ void PlaylistDelegate::paintName(const Cell& cell) const
         chip(tr("NEXT"), getColor(colors::Zt_white_70), true);
     const QString text = name.isValid() ? name.toString() : tr("No media: the slot is empty");
     cell.painter->setFont(font);
-    cell.painter->setPen(getColor(!name.isValid()    ? colors::Red_error
+    cell.painter->setPen(getColor(!name.isValid()   ? colors::Red_error
                                   : cell.isBright() ? colors::White
                                                     : colors::Zt_white_80));
     cell.painter->drawText(room, Qt::AlignVCenter | Qt::AlignLeft | Qt::TextSingleLine,
@@ -362,8 +365,9 @@ QWidget* PlaylistDelegate::createEditor(QWidget* parent, const QStyleOptionViewI
         auto* edit = new DoubleEdit(0.0, longestTransition, QString(), parent);
         edit->setObjectNames(QStringLiteral("Preview-PlaylistTransitionDuration-editor"));
         edit->setAccessibleName(tr("Transition duration in seconds"));
-        edit->setToolTip(tr("Transition duration can be specified from 0.0 to 10.0 seconds. Duration does not "
-                            "apply to direct cut."));
+        edit->setToolTip(
+            tr("Transition duration can be specified from 0.0 to 10.0 seconds. Duration does not "
+               "apply to direct cut."));
         return edit;
     }
     default:
@@ -391,7 +395,8 @@ void PlaylistDelegate::setEditorData(QWidget* editor, const QModelIndex& index) 
         seconds->setValue(entry->transitionDuration());
 }
 
-void PlaylistDelegate::setModelData(QWidget* editor, QAbstractItemModel* model, const QModelIndex& index) const
+void PlaylistDelegate::setModelData(QWidget* editor, QAbstractItemModel* model,
+                                    const QModelIndex& index) const
 {
     if (const auto* action = qobject_cast<const PlaylistEndActionEditor*>(editor))
         setSelectedData(model, index, static_cast<int>(action->action()));
@@ -453,7 +458,8 @@ void PlaylistDelegate::drawDragAndDropTarget(QPainter* painter, const QRect& pla
         const QString text = metrics.elidedText(words, Qt::ElideRight, area.width() - 4 * margin);
         QRect label(0, 0, metrics.horizontalAdvance(text) + 2 * margin, metrics.height() + 4);
         label.moveCenter({area.center().x(), place.center().y()});
-        label.moveTop(std::clamp(label.top(), area.top(), std::max(area.top(), area.bottom() - label.height())));
+        label.moveTop(
+            std::clamp(label.top(), area.top(), std::max(area.top(), area.bottom() - label.height())));
         painter->setPen(Qt::NoPen);
         painter->setBrush(accent);
         painter->drawRoundedRect(label, 3, 3);

@@ -7,6 +7,7 @@
 #include "common/media/models/playbackmodel.h"
 #include "common/media/models/playlist/playlisteditormodel.h"
 #include "common/media/models/playlist/playlistlibrarymodel.h"
+#include "common/session/settings/configuration.h"
 #include "common/session/settings/timeutils.h"
 #include "common/ui/keyboard/hotkeytip.h"
 #include "common/ui/style/fontsizefollower.h"
@@ -88,7 +89,8 @@ void PlaylistEditorHeader::buildPreview()
     m_pin = addButton(row, QStringLiteral(":/icons/pin.svg"), "-pin-button",
                       tr("Pin: stay on this page when an entry is cued"));
     m_pin->setToggleIcons(QStringLiteral(":/icons/pinned.svg"), QStringLiteral(":/icons/pin.svg"));
-    m_context = addButton(row, QStringLiteral("more"), "-context-button", tr("What can be done with this playlist"));
+    m_context =
+        addButton(row, QStringLiteral("more"), "-context-button", tr("What can be done with this playlist"));
     row->addSpacing(spacing::tight);
     buildDuration(row);
 
@@ -138,8 +140,10 @@ void PlaylistEditorHeader::buildDuration(QHBoxLayout* row)
     m_infinite->setAccessibleName(tr("Infinite duration"));
     m_infinite->setAttribute(Qt::WA_TransparentForMouseEvents);
     m_infinite->setFocusPolicy(Qt::NoFocus);
-    m_infinite->setSizes(
-        {{FontSize::Small, {18, 18}}, {FontSize::Medium, {20, 20}}, {FontSize::Large, {26, 26}}, {FontSize::Huge, {32, 32}}});
+    m_infinite->setSizes({{FontSize::Small, {18, 18}},
+                          {FontSize::Medium, {20, 20}},
+                          {FontSize::Large, {26, 26}},
+                          {FontSize::Huge, {32, 32}}});
     m_infinite->setIconShare(0.9);
     m_infinite->hide();
     row->addWidget(m_durationLabel);
@@ -152,9 +156,11 @@ void PlaylistEditorHeader::connectModels()
     connect(m_sources.model, &PlaylistModel::playlistChanged, this, &PlaylistEditorHeader::onPlaylistChanged);
     connect(m_sources.playback, &QAbstractItemModel::dataChanged, this,
             &PlaylistEditorHeader::onPlaybackDataChanged);
-    connect(m_sources.playback, &QAbstractItemModel::modelReset, this, &PlaylistEditorHeader::onPlaybackChange);
+    connect(m_sources.playback, &QAbstractItemModel::modelReset, this,
+            &PlaylistEditorHeader::onPlaybackChange);
     connect(m_sources.library, &QAbstractItemModel::dataChanged, this, &PlaylistEditorHeader::onDataChanged);
-    connect(m_sources.library, &QAbstractItemModel::rowsInserted, this, &PlaylistEditorHeader::onRowsInserted);
+    connect(m_sources.library, &QAbstractItemModel::rowsInserted, this,
+            &PlaylistEditorHeader::onRowsInserted);
     // In the next turn: the drop-down has heard of the change by then.
     m_refresh.setSingleShot(true);
     connect(&m_refresh, &QTimer::timeout, this, &PlaylistEditorHeader::showList);
@@ -182,8 +188,9 @@ void PlaylistEditorHeader::showList()
     if (m_edit)
         m_edit->setEnabled(m_isEditable && row >= 0);
     if (m_name)
-        m_name->setText(row < 0 ? QString()
-                                : m_sources.library->index(row, PlaylistLibraryModel::NameColumn).data().toString());
+        m_name->setText(
+            row < 0 ? QString()
+                    : m_sources.library->index(row, PlaylistLibraryModel::NameColumn).data().toString());
     setDuration(m_sources.library->index(row, PlaylistLibraryModel::DurationColumn));
     fit();
 }
@@ -238,8 +245,7 @@ void PlaylistEditorHeader::onPlaylistChanged(uint playlist)
 
 void PlaylistEditorHeader::onPlaybackChange()
 {
-    const uint playing =
-        m_sources.playback->index(0, PlaybackModel::PlaylistNumberColumn).data().toUInt();
+    const uint playing = m_sources.playback->index(0, PlaybackModel::PlaylistNumberColumn).data().toUInt();
     const uint before = std::exchange(m_followed, playing);
     // From entry to entry of the same list the operator may look at another.
     if (playing == 0 || playing == before || playing == displayedPlaylist())
@@ -307,7 +313,8 @@ void PlaylistEditorHeader::beginNameEditing()
     QLineEdit* field = m_dropdown->lineEdit();
     field->setObjectName(m_dropdown->objectName() + QStringLiteral("-edit"));
     field->setAccessibleName(tr("Name of the playlist"));
-    field->setText(m_sources.library->index(row, PlaylistLibraryModel::PlainNameColumn).data(Qt::EditRole).toString());
+    field->setText(
+        m_sources.library->index(row, PlaylistLibraryModel::PlainNameColumn).data(Qt::EditRole).toString());
     field->selectAll();
     field->installEventFilter(this);
     // Not while the field tells of it: it goes with the end of editing.
@@ -323,7 +330,8 @@ void PlaylistEditorHeader::endNameEditing()
     const int row = m_sources.library->rowOf(displayedPlaylist());
     const QModelIndex cell = m_sources.library->index(row, PlaylistLibraryModel::PlainNameColumn);
     if (row >= 0 && !name.isEmpty() && name != cell.data(Qt::EditRole).toString()) {
-        const int number = cell.siblingAtColumn(PlaylistLibraryModel::NumberColumn).data(Qt::EditRole).toInt();
+        const int number =
+            cell.siblingAtColumn(PlaylistLibraryModel::NumberColumn).data(Qt::EditRole).toInt();
         const MediaLibrary* library = m_sources.model->playlistProvider()->mediaLibrary();
         if (execute<RenamePlaylistCommand>(m_sources.stack, "RenamePlaylistCommand", library, number, name))
             m_sources.library->setData(cell, name);
@@ -333,9 +341,7 @@ void PlaylistEditorHeader::endNameEditing()
 
 bool PlaylistEditorHeader::eventFilter(QObject* watched, QEvent* event)
 {
-    const auto isEscape = [event] {
-        return static_cast<const QKeyEvent*>(event)->key() == Qt::Key_Escape;
-    };
+    const auto isEscape = [event] { return static_cast<const QKeyEvent*>(event)->key() == Qt::Key_Escape; };
     if (m_isNaming && m_dropdown && watched == m_dropdown->lineEdit()) {
         if (event->type() == QEvent::ShortcutOverride && isEscape())
             event->accept();

@@ -51,8 +51,8 @@ void PlaylistHeader::paintSection(QPainter* painter, const QRect& rect, int sect
     const QString title = titleOf(section);
     const bool isSorted = sortIndicatorSection() == section && section > 0;
     if (!title.isEmpty() && hasRoom(section, title)) {
-        const bool isNumber = model()->headerData(section, Qt::Horizontal, Qt::TextAlignmentRole).toInt() &
-                              Qt::AlignRight;
+        const bool isNumber =
+            model()->headerData(section, Qt::Horizontal, Qt::TextAlignmentRole).toInt() & Qt::AlignRight;
         painter->setFont(font());
         painter->setPen(getColor(isSorted ? colors::Zt_orange : colors::Zt_white_70));
         painter->drawText(rect.adjusted(margin, 0, -margin, 0),
@@ -63,9 +63,9 @@ void PlaylistHeader::paintSection(QPainter* painter, const QRect& rect, int sect
         const int side = 8;
         const QString arrow = sortIndicatorOrder() == Qt::AscendingOrder ? QStringLiteral("chevron_up")
                                                                          : QStringLiteral("chevron_down");
-        painter->drawPixmap(rect.right() - side, rect.top() + 2,
-                            IconCache::pixmap(arrow, getColor(colors::Zt_orange), QSize(side, side),
-                                              devicePixelRatioF()));
+        painter->drawPixmap(
+            rect.right() - side, rect.top() + 2,
+            IconCache::pixmap(arrow, getColor(colors::Zt_orange), QSize(side, side), devicePixelRatioF()));
     }
     painter->restore();
 }
@@ -76,7 +76,8 @@ bool PlaylistHeader::viewportEvent(QEvent* event)
         const auto* help = static_cast<QHelpEvent*>(event);
         const int section = logicalIndexAt(help->pos());
         const QString title = section >= 0 ? titleOf(section) : QString();
-        QToolTip::showText(help->globalPos(), title.isEmpty() ? title : tr("%1: click to sort").arg(title), this);
+        QToolTip::showText(help->globalPos(), title.isEmpty() ? title : tr("%1: click to sort").arg(title),
+                           this);
         return true;
     }
     return QHeaderView::viewportEvent(event);

@@ -4,8 +4,8 @@
 
 namespace vantrel {
 
-/// The titles of a playlist's columns; a click sorts. A title that its column has no room for is left out, and
-/// its tooltip names the column. Owned by PlaylistContainer.
+/// The titles of a playlist's columns; a click sorts. A title that its column has no room for is left out,
+/// and its tooltip names the column. Owned by PlaylistContainer.
 class PlaylistHeader : public QHeaderView
 {
     Q_OBJECT

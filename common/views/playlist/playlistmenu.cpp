@@ -42,7 +42,8 @@ void PlaylistMenu::addListMenu()
     auto* menu = new ZTMenu(tr("List"), this);
     menu->setObjectNames(objectName() + QStringLiteral("-List"));
     addMenu(menu);
-    m_duplicate = add(menu, "copy", tr("Duplicate playlist"), "Duplicate", &PlaylistMenu::doDuplicatePlaylist);
+    m_duplicate =
+        add(menu, "copy", tr("Duplicate playlist"), "Duplicate", &PlaylistMenu::doDuplicatePlaylist);
     m_import = add(menu, "import", tr("Import from CSV..."), "Import", &PlaylistMenu::doImport);
     m_export = add(menu, "export", tr("Export as CSV..."), "Export", &PlaylistMenu::doExport);
     m_print = add(menu, "file", tr("Cue sheet as PDF..."), "Print", &PlaylistMenu::doPrint);

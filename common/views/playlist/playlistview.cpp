@@ -136,8 +136,9 @@ int PlaylistView::findPrecedingEntry(const EntryAddress& address) const
 
 void PlaylistView::handleScrollPositionChanged(ScrollDirection direction)
 {
-    verticalScrollBar()->triggerAction(direction == ScrollDirection::Up ? QAbstractSlider::SliderSingleStepSub
-                                                                        : QAbstractSlider::SliderSingleStepAdd);
+    verticalScrollBar()->triggerAction(direction == ScrollDirection::Up
+                                           ? QAbstractSlider::SliderSingleStepSub
+                                           : QAbstractSlider::SliderSingleStepAdd);
 }
 
 void PlaylistView::updateSelection(uint playlist, const QList<EntryAddress>& addresses)
@@ -188,8 +189,16 @@ QItemSelectionModel::SelectionFlags PlaylistView::selectionCommand(const QModelI
 
 bool PlaylistView::handleHotkey(const QKeyEvent& event)
 {
-    static constexpr std::array actions{"cue",    "delete", "rename", "move_entries_up", "move_entries_down",
-                                        "insert_media", "renumber_entries", "copy", "cut", "paste"};
+    static constexpr std::array actions{"cue",
+                                        "delete",
+                                        "rename",
+                                        "move_entries_up",
+                                        "move_entries_down",
+                                        "insert_media",
+                                        "renumber_entries",
+                                        "copy",
+                                        "cut",
+                                        "paste"};
     const QKeySequence key = Hotkeys::pressed(event);
     if (key.isEmpty())
         return false;
@@ -249,7 +258,8 @@ void PlaylistView::focusInEvent(QFocusEvent* event)
 {
     QTableView::focusInEvent(event);
     // By Tab the keys need a row to begin with.
-    if (model() && !currentIndex().isValid() && model()->rowCount() > 0 && event->reason() != Qt::MouseFocusReason)
+    if (model() && !currentIndex().isValid() && model()->rowCount() > 0 &&
+        event->reason() != Qt::MouseFocusReason)
         selectionModel()->setCurrentIndex(model()->index(0, 0), QItemSelectionModel::NoUpdate);
 }
 

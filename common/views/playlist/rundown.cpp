@@ -35,8 +35,8 @@ double overlapOf(const GuiPlaylistEntry& entry, double before, double length)
 
 Rundown::Rundown(const QList<Entry>& entries, const EntryAddress& playing, const Length& length)
 {
-    const auto found = std::ranges::lower_bound(
-        entries, playing, {}, [](const Entry& entry) { return entry->address(); });
+    const auto found =
+        std::ranges::lower_bound(entries, playing, {}, [](const Entry& entry) { return entry->address(); });
     if (found == entries.end() || (*found)->address() != playing)
         return;
     if (found + 1 != entries.end())

@@ -12,8 +12,8 @@ namespace vantrel {
 
 class GuiPlaylistEntry;
 
-/// How a playlist goes on from the entry that plays, as long as nobody touches it: to its end, or to the first
-/// entry that holds it up. Times are seconds, counted from the end of the entry that plays.
+/// How a playlist goes on from the entry that plays, as long as nobody touches it: to its end, or to the
+/// first entry that holds it up. Times are seconds, counted from the end of the entry that plays.
 class Rundown
 {
 public:
