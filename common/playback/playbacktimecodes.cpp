@@ -70,6 +70,19 @@ void PlaybackTimecodes::setObjectNames(const QString& base)
         m_ended->setObjectName(base + QStringLiteral("-Ended"));
 }
 
+void PlaybackTimecodes::setMiddle(QWidget* widget)
+{
+    m_middle = widget;
+    widget->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    placeMiddle();
+}
+
+void PlaybackTimecodes::placeMiddle()
+{
+    if (m_middle)
+        m_layout->addWidget(m_middle, 0, 2, m_isStacked ? 2 : 1, 1);
+}
+
 QSize PlaybackTimecodes::sizeHint() const
 {
     return {m_playhead->sizeHint().width() + m_remaining->sizeHint().width(), m_layout->sizeHint().height()};
@@ -195,6 +208,7 @@ void PlaybackTimecodes::stackLayout()
     m_isStacked = true;
     m_layout->addWidget(m_remainingLabel, 1, 0);
     m_layout->addWidget(m_remaining, 1, 1, Qt::AlignLeft | Qt::AlignVCenter);
+    placeMiddle();
 }
 
 void PlaybackTimecodes::unstackLayout()
@@ -202,6 +216,7 @@ void PlaybackTimecodes::unstackLayout()
     m_isStacked = false;
     m_layout->addWidget(m_remainingLabel, 0, 3);
     m_layout->addWidget(m_remaining, 0, 4, Qt::AlignLeft | Qt::AlignVCenter);
+    placeMiddle();
 }
 
 /// In a channel what is left stands at the right end of its row, which is as high on both channels.

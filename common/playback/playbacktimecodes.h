@@ -25,6 +25,8 @@ public:
     /// base for this widget, base + "-Playhead" and base + "-Remaining" for its displays, base + "-Ended" for
     /// the word.
     void setObjectNames(const QString& base) override;
+    /// Gives the room between the two readouts to a widget, which takes no more than that.
+    void setMiddle(QWidget* widget);
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
 
@@ -53,6 +55,7 @@ private:
     void arrange();
     void stackLayout();
     void unstackLayout();
+    void placeMiddle();
 
     QGridLayout* m_layout;
     ZTLabel* m_playheadLabel;
@@ -65,6 +68,7 @@ private:
     QString m_state;
     bool m_isRemainingVisible = true;
     bool m_isHolding = false;
+    QWidget* m_middle = nullptr;
     double m_position = 0.0;
     double m_outpoint = 0.0;
     bool m_hasOutpoint = false;

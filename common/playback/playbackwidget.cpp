@@ -31,6 +31,7 @@
 #include "common/ui/style/spacing.h"
 #include "common/ui/timecode/timecodedisplay.h"
 #include "common/ui/toolkit/blockedreason.h"
+#include "common/views/playlist/nextentrylabel.h"
 #include "tarn/media/playenums.h"
 #include "tarn/scene/scene.h"
 
@@ -92,8 +93,13 @@ void PlaybackWidget::createChildren()
     m_slider->setInpointOutpointEnabled(isPreview());
     setHotkeyTip(m_slider, tr("Seek bar: drag the playhead, or step a frame"),
                  {QStringLiteral("prev_frame"), QStringLiteral("next_frame")});
-    if (!isPreview())
+    if (!isPreview()) {
         m_slider->setMarkerColor(colors::getColor(colors::Zt_red));
+        auto* next = new NextEntryLabel(m_session, m_timecodes);
+        next->setObjectName(QStringLiteral("Program-PlaybackWidget-Next"));
+        next->setAlignment(Qt::AlignCenter);
+        m_timecodes->setMiddle(next);
+    }
     m_durationEdit->setEnabled(isPreview());
 }
 

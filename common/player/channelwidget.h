@@ -39,6 +39,7 @@ public:
 
     PlaybackWidget* previewWidget() const { return m_preview; }
     PlaybackWidget* programWidget() const { return m_program; }
+    PlaylistWidget* previewPlaylist() const { return m_previewPlaylist; }
     TakeControls* takeControls() const { return m_takeControls; }
 
 protected:
