@@ -12,7 +12,7 @@ using namespace vantrel::test;
 namespace {
 
 const QString takeName = QStringLiteral("TakeControls-Take-Button");
-const QString bannerName = QStringLiteral("PlayerTab-link-banner");
+const QString bannerName = QStringLiteral("MainNavigationBar-link-banner");
 const QString slotsView = QStringLiteral("MediaPanel-slots-view");
 
 QString mediaOf(const char* channel)
