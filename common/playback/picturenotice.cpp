@@ -141,11 +141,13 @@ void PictureNotice::paintDrop(QPainter& painter) const
     bold.setWeight(QFont::Bold);
     painter.setFont(bold);
     const QMargins padding(spacing::loose, spacing::normal, spacing::loose, spacing::normal);
+    // Along the top: what is dragged hides the middle.
+    constexpr int where = Qt::AlignHCenter | Qt::AlignTop | Qt::TextWordWrap;
     const QRect room = rect().marginsRemoved(padding);
-    const QRect words = painter.boundingRect(room, Qt::AlignCenter | Qt::TextWordWrap, text());
-    painter.fillRect(words.marginsAdded(padding), colour);
+    const int below = painter.boundingRect(room, where, text()).bottom() + padding.bottom();
+    painter.fillRect(QRect(0, 0, width(), below), colour);
     painter.setPen(getColor(colors::White));
-    painter.drawText(room, Qt::AlignCenter | Qt::TextWordWrap, text());
+    painter.drawText(room, where, text());
 }
 
 void PictureNotice::paintUnplayable(QPainter& painter, const QRectF& picture) const

@@ -39,6 +39,7 @@ public:
 
     PlaybackWidget* previewWidget() const { return m_preview; }
     PlaybackWidget* programWidget() const { return m_program; }
+    PlaylistWidget* previewPlaylist() const { return m_previewPlaylist; }
     TakeControls* takeControls() const { return m_takeControls; }
 
 protected:
@@ -47,7 +48,7 @@ protected:
 private:
     void followPictures();
     void updateStep();
-    void updateCaptions();
+    void updateWords();
 
     // In the order in which Tab goes through them.
     ZTSplitter* m_previewSplitter;

@@ -22,6 +22,8 @@
 #include "common/ui/toolkit/ztlabel.h"
 #include "common/ui/toolkit/ztsplitter.h"
 #include "common/views/mediapanelwidget.h"
+#include "common/views/playlist/playlisteditor.h"
+#include "common/views/playlistwidget.h"
 #include "tarn/scene/object.h"
 #include "tarn/scene/scene.h"
 
@@ -115,7 +117,7 @@ QWidget* PlayerPlaybackView::createEmptyState()
 {
     auto* page = new QWidget(this);
     auto* icon = new ZTLabel(page);
-    icon->setPixmap(IconCache::pixmap(QStringLiteral("unlinked"), colors::getColor(colors::Zt_white_30),
+    icon->setPixmap(IconCache::pixmap(QStringLiteral("unlinked"), colors::getColor(colors::Zt_white_50),
                                       {48, 48}, devicePixelRatioF()));
     m_emptyTitle = new ZTLabel(page);
     m_emptyTitle->setStyleClass(QStringLiteral("title"));
@@ -179,6 +181,11 @@ void PlayerPlaybackView::onWidgetAdded(QWidget* widget, const QModelIndex& index
         channel->setObject(index.data(objectRole).value<Object*>(), index.data(sceneRole).value<Scene*>());
         if (m_keys)
             m_keys->addChannel(channel);
+        channel->setBlocked(m_session->linkHealth()->text());
+        PlaylistWidget* playlist = channel->previewPlaylist();
+        playlist->editor()->setMediaSource([this] { return m_panel->selectedMedia(); });
+        connect(m_panel, &MediaPanelWidget::mediaInsertRequested, playlist, &PlaylistWidget::insertMedia,
+                Qt::UniqueConnection);
     }
     updateState();
 }

@@ -165,6 +165,8 @@ void MediaPanelWidget::buildList()
     connect(m_view, &QAbstractItemView::activated, this, &MediaPanelWidget::onActivated);
     connect(m_view, &QWidget::customContextMenuRequested, this, &MediaPanelWidget::showSlotMenu);
     connect(m_view, &SlotListView::deleteRequested, this, &MediaPanelWidget::clearSelectedSlots);
+    connect(m_view, &SlotListView::insertRequested, this,
+            [this] { Q_EMIT mediaInsertRequested(selectedMedia()); });
     connect(m_view, &SlotListView::moveRequested, this, &MediaPanelWidget::moveSlot);
     connect(m_view, &SlotListView::textTyped, this, [this](const QString& text) {
         m_search->setFocus(Qt::OtherFocusReason);
@@ -367,6 +369,14 @@ QList<int> MediaPanelWidget::selectedSlots() const
     return numbers;
 }
 
+QList<QString> MediaPanelWidget::selectedMedia() const
+{
+    QList<QString> urls;
+    for (const int number : selectedSlots())
+        urls.append(media::MediaUtils::toSlotAddress(selectedCollection(), number));
+    return urls;
+}
+
 void MediaPanelWidget::clearSelectedSlots()
 {
     const QList<int> numbers = selectedSlots();
@@ -386,6 +396,9 @@ void MediaPanelWidget::showSlotMenu(const QPoint& position)
     QAction* cue = menu->addEntry(QStringLiteral("mc_play"), tr("Play on preview"));
     cue->setShortcut(Hotkeys::current(QStringLiteral("cue")));
     connect(cue, &QAction::triggered, this, [this, kept] { onActivated(kept); });
+    QAction* insert = menu->addEntry(QStringLiteral("insert_after"), tr("Add to the playlist"));
+    insert->setShortcut(Hotkeys::current(QStringLiteral("insert_media")));
+    connect(insert, &QAction::triggered, this, [this] { Q_EMIT mediaInsertRequested(selectedMedia()); });
     menu->addSeparator();
     QAction* rename = menu->addEntry(QStringLiteral("edit"), tr("Rename"));
     rename->setShortcut(Hotkeys::current(QStringLiteral("rename")));
@@ -407,7 +420,7 @@ void MediaPanelWidget::showSlotMenu(const QPoint& position)
     QAction* clear = menu->addEntry(QStringLiteral("trash"), tr("Clear"));
     clear->setShortcut(Hotkeys::current(QStringLiteral("delete")));
     connect(clear, &QAction::triggered, this, &MediaPanelWidget::clearSelectedSlots);
-    for (QAction* action : {rename, scaling->menuAction(), clear})
+    for (QAction* action : {insert, rename, scaling->menuAction(), clear})
         action->setEnabled(isEditable());
     menu->popup(m_view->viewport()->mapToGlobal(position));
 }

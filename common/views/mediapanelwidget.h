@@ -50,11 +50,15 @@ public:
     void setLibrary(Library library);
     /// Whether the menu offers to edit the collection: where somebody follows collectionEditRequested.
     void setCollectionsEditable(bool editable);
+    /// The URLs of the selected slots, in their order.
+    QList<QString> selectedMedia() const;
 
 Q_SIGNALS:
     /// An index of MediaLibraryModel.
     void directPlayRequested(QModelIndex index);
     void collectionEditRequested(int collection);
+    /// URLs of slots are to go into the playlist that is edited.
+    void mediaInsertRequested(QList<QString> urls);
 
 private:
     void addHotkeys(Hotkeys* hotkeys);

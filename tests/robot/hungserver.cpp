@@ -32,6 +32,7 @@ private Q_SLOTS:
     void keepsNothingForLater();
     void holdsProgramUntilUnlocked();
     void takesOnceForADoubleClick();
+    void takesThroughAQuestion();
     void endsCleanly();
 
 private:
@@ -116,6 +117,19 @@ void HungServer::takesOnceForADoubleClick()
         QStringLiteral("Preview-PlaybackControls-Play"))); // answered after the second, if there was one
     QTRY_VERIFY(isPlaying("Preview"));
     QCOMPARE(m_robot.text(mediaOf("Program")), QStringLiteral("1-1:"));
+}
+
+void HungServer::takesThroughAQuestion()
+{
+    QVERIFY(m_robot.click(QStringLiteral("MainNavigationBar-mainmenu-button")));
+    QVERIFY(m_robot.clickMenuEntry(QStringLiteral("MainNavigationBar-mainmenu"),
+                                   QStringLiteral("Device Reboot")));
+    QVERIFY(!m_robot.waitFor(QStringLiteral("RebootDialog")).isEmpty());
+    m_robot.key(QStringLiteral("F12"));
+    QVERIFY(shows("Program", QStringLiteral("1-2:")));
+    m_robot.key(QStringLiteral("Esc"));
+    QTRY_VERIFY(!m_robot.find(QStringLiteral("RebootDialog"))["visible"].toBool());
+    QVERIFY(m_ombra.isRunning());
 }
 
 void HungServer::endsCleanly()

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace vantrel {
 
@@ -57,9 +58,12 @@ bool PressGuard::isFresh(const QKeyEvent& event)
     Key& key = m_keys[event.key()];
     if (event.isAutoRepeat())
         return false;
-    if (!std::exchange(key.isDown, true)) {
-        const qint64 sinceUp = timeOf(event) - key.upAt;
+    const qint64 now = timeOf(event);
+    // A release that another window got is not waited for.
+    if (!std::exchange(key.isDown, true) || now - key.downAt >= bounce) {
+        const qint64 sinceUp = now - key.upAt;
         key.isFresh = sinceUp < 0 || sinceUp >= bounce; // a time of another clock says nothing
+        key.downAt = now;
     }
     return key.isFresh;
 }

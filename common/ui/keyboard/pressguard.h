@@ -33,6 +33,7 @@ private:
     {
         bool isDown = false;
         bool isFresh = true; // of the last press
+        qint64 downAt = -bounce;
         qint64 upAt = -bounce;
     };
 

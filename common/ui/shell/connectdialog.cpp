@@ -193,7 +193,7 @@ void ConnectDialog::showFailure(const QString& host, const QString& reason, cons
         setDisconnectionDialog(host);
         QString text = tr("Could not establish connection to ") + host + QStringLiteral("\n\n") + reason;
         if (!next.isEmpty()) {
-            text += QStringLiteral("\n\n") + tr("%1, the server before, is connected to again.").arg(next);
+            text += QStringLiteral("\n\n") + tr("The server before, %1, is tried again.").arg(next);
             setAddress(next);
         }
         showMessage(text, false);

@@ -1,6 +1,7 @@
 #include "common/command/execute.h"
 #include "common/command/invokemethodcommand.h"
 #include "common/session/link/linkhealth.h"
+#include "common/session/link/previewthread.h"
 #include "common/session/mirror/guiplayback.h"
 #include "common/session/mirror/sceneobjectprovider.h"
 #include "tarn/scene/object.h"
@@ -8,6 +9,8 @@
 #include "tests/common/session/scriptedpeer.h"
 #include "tests/support/testmain.h"
 
+#include <QTcpServer>
+#include <QTcpSocket>
 #include <QUndoStack>
 
 namespace vantrel::test {
@@ -128,6 +131,22 @@ private Q_SLOTS:
         QVERIFY(health()->detail().isEmpty());
     }
 
+    void opensThePreviewAgain()
+    {
+        QTcpServer server;
+        QVERIFY(server.listen(QHostAddress::LocalHost));
+        PreviewThread preview(server.serverPort());
+        preview.subscribe(boost::asio::ip::address_v4::loopback());
+        QTRY_VERIFY(server.hasPendingConnections());
+        allowWarnings(QStringLiteral("The preview ended"));
+        delete server.nextPendingConnection();
+        QTRY_VERIFY(server.hasPendingConnections());
+        // One that is cut without a word, while the server speaks elsewhere.
+        const std::unique_ptr<QTcpSocket> cut(server.nextPendingConnection());
+        preview.setServerAnswers(true);
+        QTRY_VERIFY_WITH_TIMEOUT(server.hasPendingConnections(), 15000);
+    }
+
 private:
     LinkHealth* health() const { return m_peer->session->linkHealth(); }
     GUIPlayback* program() const { return m_peer->session->sceneObjectProvider()->programPlayback(); }
@@ -152,10 +171,10 @@ private:
             QByteArray::number(marker) + R"("}])";
         m_peer->send(mark.constData());
         isTaken = QTest::qWaitFor([&] {
+            const Path path("/device/showConfiguration/properties/autoStartShow");
             Variant value;
             Scene* scene = m_peer->session->getScene();
-            scene->getProperty(scene->find(PathView("/device/showConfiguration/properties/autoStartShow")),
-                               value);
+            scene->getProperty(scene->find(PathView(path)), value);
             return value.asString(-1) == std::to_string(marker);
         });
         return isTaken && m_peer->session->connectionHandler()->lastWord() >= before;

@@ -51,6 +51,8 @@ private Q_SLOTS:
         QTest::newRow("two presses") << int(Qt::Key_F12)
                                      << QList<Stroke>{{down, 1000}, {up, 1050}, {down, 1150}, {up, 1200}}
                                      << 2;
+        QTest::newRow("its release went to another window")
+            << int(Qt::Key_F12) << QList<Stroke>{{down, 1000}, {up, 1010}, {down, 1020}, {down, 3000}} << 2;
         QTest::newRow("a key that steps") << int(Qt::Key_Comma) << held << 3;
     }
     void oneActionForOnePress()
@@ -120,7 +122,5 @@ private Q_SLOTS:
 HALCYRA_TEST(TestPressGuard)
 
 } // namespace vantrel::test
-
-Q_DECLARE_METATYPE(QList<vantrel::test::Stroke>)
 
 #include "pressguard.moc"

@@ -284,7 +284,7 @@ void TestMediaPanel::enterInTheSearchCues()
     QTest::keyClick(panel.search, Qt::Key_Return);
     const QModelIndex index = played.isEmpty() ? QModelIndex() : played.first().first().toModelIndex();
     QCOMPARE(played.size(), index.isValid() ? 1 : 0);
-    QTEST(std::max(0, media::MediaUtils::parseCollectionIndex(index).slot), "cued");
+    QTEST(index.isValid() ? media::MediaUtils::parseCollectionIndex(index).slot : 0, "cued");
     QTEST(panel.search->text(), "left");
 }
 

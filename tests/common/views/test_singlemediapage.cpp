@@ -27,6 +27,7 @@ private Q_SLOTS:
         QTRY_VERIFY(m_fixture->peer.session->mediaLibraryProvider()->slot({1, 1}));
         m_page = m_fixture->view->findChild<SingleMediaWidget*>();
         m_preview = m_fixture->part<PlaylistWidget>("Preview-PlaylistWidget");
+        m_fixture->peer.session->signalRelay()->handleSetNavBar(PlaylistWidget::SingleMediaTab);
     }
     void cleanup() { m_fixture.reset(); }
 
