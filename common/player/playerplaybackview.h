@@ -7,6 +7,7 @@ class QStackedWidget;
 
 namespace vantrel {
 
+class LinkBanner;
 class MediaPanelWidget;
 class PlayerKeys;
 class Session;
@@ -50,6 +51,8 @@ private:
     void prepareChannel();
     void updateState();
     void setStale(bool stale);
+    void onHealthChanged();
+    void updateUsable();
 
     Session* m_session;
     MediaPanelWidget* m_panel = nullptr;
@@ -58,7 +61,7 @@ private:
     QStackedWidget* m_stack;
     ZTLabel* m_emptyTitle = nullptr;
     ZTLabel* m_emptyHint = nullptr;
-    ZTLabel* m_lostNotice = nullptr;
+    LinkBanner* m_banner = nullptr;
     QWidget* m_channels = nullptr;
     PlayerKeys* m_keys = nullptr; // none where there are no hotkeys
     int m_channelCount = 0;

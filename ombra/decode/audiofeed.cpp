@@ -208,8 +208,8 @@ void AudioFeed::playWithout(const std::string& reason)
         m_channels = 0;
     }
     if (!reason.empty() && !m_stop)
-        Log::write_fmt(LogLevel::Warning, {"audiofeed", "run"}, "vantrel.decode",
-                       "'%s' plays without sound: %s", m_name.c_str(), reason.c_str());
+        Log::write_fmt(LogLevel::Warning, {}, "vantrel.decode", "'%s' plays without sound: %s",
+                       m_name.c_str(), reason.c_str());
     m_arrived();
 }
 

@@ -145,8 +145,8 @@ void Playback::setMedia(const std::string& url)
 {
     std::optional<MediaItem> item = m_studio.source.resolve(url);
     if (!item && !url.empty())
-        Log::write_fmt(LogLevel::Warning, {"playback", "setMedia"}, "vantrel.engine",
-                       "There is no media '%s' to show on %s", url.c_str(), m_path.c_str());
+        Log::write_fmt(LogLevel::Warning, {}, "vantrel.engine", "There is no media '%s' to show on %s",
+                       url.c_str(), m_path.c_str());
     load(url, std::move(item), SourcePlayState::Play);
 }
 
@@ -264,7 +264,7 @@ void Playback::passOver()
 {
     m_order.noteFailure(m_loaded);
     std::optional<Loaded> loaded = m_order.beside(m_loaded, m_direction);
-    Log::write_fmt(LogLevel::Warning, {"playback", "passOver"}, "vantrel.engine",
+    Log::write_fmt(LogLevel::Warning, {}, "vantrel.engine",
                    loaded ? "'%s' cannot be played on %s and is passed over"
                           : "'%s' cannot be played on %s, nor can what comes after it: the picture stays",
                    m_loaded.url.c_str(), m_path.c_str());
@@ -286,7 +286,7 @@ bool Playback::sync()
         const auto at = m_plan.begin() + static_cast<std::ptrdiff_t>(one.index);
         if (one.failed) {
             m_order.noteFailure(at->loaded);
-            Log::write_fmt(LogLevel::Warning, {"playback", "sync"}, "vantrel.engine",
+            Log::write_fmt(LogLevel::Warning, {}, "vantrel.engine",
                            "'%s' cannot be played on %s and is passed over", at->loaded.url.c_str(),
                            m_path.c_str());
         } else {
