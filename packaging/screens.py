@@ -266,7 +266,7 @@ def silent(options):
         os.kill(options.ombra, signal.SIGSTOP)
         try:
             for each, name in ((window, "silent"), (small, "silent-huge-1280x720")):
-                wait(lambda: each.robot.find("PlayerTab-link-banner")["text"] >= "No answer for 3", "the silence")
+                wait(lambda: each.robot.find("MainNavigationBar-link-banner")["text"] >= "No answer for 3", "the silence")
                 each.shoot(options.out / f"{name}.png")
         finally:
             os.kill(options.ombra, signal.SIGCONT)
