@@ -2,6 +2,7 @@
 """Takes the pictures of docs/screens, each of a window of its own on an Xvfb of its own. See make-screens.sh."""
 import argparse
 import base64
+import ctypes
 import os
 import pathlib
 import signal
@@ -127,6 +128,40 @@ class Window:
         file.write_bytes(base64.b64decode(png))
 
 
+class Pointer:
+    """The mouse of a screen, moved as a hand moves it."""
+
+    def __init__(self, display):
+        self.x11, self.xtest = ctypes.CDLL("libX11.so.6"), ctypes.CDLL("libXtst.so.6")
+        self.x11.XOpenDisplay.restype = ctypes.c_void_p
+        self.display = ctypes.c_void_p(self.x11.XOpenDisplay(display.encode()))
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *_):
+        self.x11.XCloseDisplay(self.display)
+
+    def press(self, down):
+        self.xtest.XTestFakeButtonEvent(self.display, 1, int(down), ctypes.c_ulong(0))
+        self.x11.XFlush(self.display)
+
+    def move(self, x, y):
+        self.xtest.XTestFakeMotionEvent(self.display, -1, int(x), int(y), ctypes.c_ulong(0))
+        self.x11.XFlush(self.display)
+        time.sleep(0.05)
+
+    def drag(self, start, end):
+        self.move(start["global_x"], start["global_y"])
+        self.press(True)
+        for step in range(1, 21):
+            self.move(*(start[axis] + (end[axis] - start[axis]) * step / 20 for axis in ("global_x", "global_y")))
+
+    def drop(self, item):
+        self.move(item["global_x"], item["global_y"])
+        self.press(False)
+
+
 def wait(condition, what):
     deadline = time.monotonic() + 20
     while not condition():
@@ -231,6 +266,57 @@ def keyboard(options, name, **how):
         window.shoot(options.out / f"{name}.png")
 
 
+def waiting(options, row, name):
+    """What cannot be played, and what is sound alone, on preview."""
+    with Window(options) as window:
+        window.run_show()
+        window.cue(row)
+        time.sleep(2)
+        window.rest()
+        window.shoot(options.out / f"{name}.png")
+
+
+def disconnect(options):
+    with Window(options) as window:
+        window.run_show()
+        window.click("MainNavigationBar-mainmenu-button")
+        time.sleep(0.5)
+        window.robot.mouse("click", window.robot.find("MainNavigationBar-mainmenu-DisconnectFromServer-action"))
+        window.robot.find("DisconnectDialog")
+        window.rest()
+        window.shoot(options.out / "disconnect.png")
+
+
+def drop(options):
+    """A slot held over program, by the hand of the screen itself: the robot's own drags drop nothing."""
+    with Window(options) as window, Pointer(window.display) as pointer:
+        window.run_show()
+        pointer.drag(window.robot.slot(1), window.robot.find("Program-PlaybackWidget-PreviewWidget"))
+        time.sleep(0.5)
+        window.shoot(options.out / "drop-on-program.png")
+        pointer.drop(window.robot.find("StatusBar"))
+
+
+def silent(options):
+    """A server that hangs, at both sizes."""
+    with Window(options) as window, Window(options, **HUGE) as small:
+        window.run_show()
+        os.kill(options.ombra, signal.SIGSTOP)
+        try:
+            for each, name in ((window, "silent"), (small, "silent-huge-1280x720")):
+                wait(lambda: each.robot.find("PlayerTab-link-banner")["text"] >= "No answer for 3", "the silence")
+                each.shoot(options.out / f"{name}.png")
+        finally:
+            os.kill(options.ombra, signal.SIGCONT)
+
+
+def refused(options):
+    with Window(options) as window:
+        window.robot.find("ConnectDialog-text")
+        time.sleep(1)
+        window.shoot(options.out / "refused.png")
+
+
 def reconnect(options):
     """At both sizes, since a server dies but once."""
     with Window(options) as window, Window(options, **HUGE) as small:
@@ -240,6 +326,12 @@ def reconnect(options):
             each.robot.find("ReconnectDialog")
             time.sleep(1)
             each.shoot(options.out / f"{name}.png")
+        window.click("StatusBar-area")
+        window.robot.find("ConnectDialog-input-AddressBar")
+        for key in ["CtrlA", *"stage-rigth.invalid", "Enter"]:
+            window.robot.ask(operation="key_press", keyName=key)
+        wait(lambda: "server before" in window.robot.find("ConnectDialog-text")["text"], "the failure")
+        window.shoot(options.out / "wrong-host.png")
 
 
 SCREENS = {
@@ -266,7 +358,13 @@ SCREENS = {
     "cue-list-huge": lambda options: cue_list(options, "cue-list-huge", text="huge"),
     "cue-list-medium-1280x720": lambda options: cue_list(options, "cue-list-medium-1280x720", size=(1280, 720)),
     "cue-list-huge-1280x720": lambda options: cue_list(options, "cue-list-huge-1280x720", **HUGE),
-    "reconnect": reconnect,  # ends the server
+    "sound-alone": lambda options: waiting(options, 5, "sound-alone"),
+    "unplayable": lambda options: waiting(options, 6, "unplayable"),
+    "disconnect": disconnect,
+    "drop-on-program": drop,
+    "silent": silent,
+    "reconnect": reconnect,  # ends the server: what follows finds none
+    "refused": refused,
 }
 
 

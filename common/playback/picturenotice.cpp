@@ -35,11 +35,19 @@ PictureNotice::PictureNotice(PlaybackViewMode viewMode, PlaybackPreview* preview
     setGeometry(preview->rect());
     preview->installEventFilter(this);
     m_levels->hide();
-    connect(preview, &PlaybackPreview::dropTargetChanged, this, qOverload<>(&QWidget::update));
+    connect(preview, &PlaybackPreview::dropTargetChanged, this, &PictureNotice::refresh);
     connect(preview, &PlaybackPreview::shapeChanged, this, &PictureNotice::place);
     m_clock.setInterval(checkInterval);
     connect(&m_clock, &QTimer::timeout, this, &PictureNotice::showAge);
     m_clock.start();
+    hide();
+}
+
+/// Hidden it costs the pictures below it nothing.
+void PictureNotice::refresh()
+{
+    setVisible(m_soundOnly || !text().isEmpty());
+    update();
 }
 
 void PictureNotice::setHasMedia(bool hasMedia)
@@ -53,7 +61,7 @@ void PictureNotice::setUnplayable(const QString& reason)
     if (reason == m_unplayable)
         return;
     m_unplayable = reason;
-    update();
+    refresh();
 }
 
 void PictureNotice::setSoundOnly(bool soundOnly)
@@ -63,7 +71,7 @@ void PictureNotice::setSoundOnly(bool soundOnly)
     m_soundOnly = soundOnly;
     m_levels->setVisible(soundOnly);
     place();
-    update();
+    refresh();
 }
 
 QString PictureNotice::ageText() const
@@ -81,7 +89,7 @@ void PictureNotice::showAge()
     if (age == m_age)
         return;
     m_age = std::move(age);
-    update();
+    refresh();
 }
 
 QString PictureNotice::text() const
@@ -133,11 +141,13 @@ void PictureNotice::paintDrop(QPainter& painter) const
     bold.setWeight(QFont::Bold);
     painter.setFont(bold);
     const QMargins padding(spacing::loose, spacing::normal, spacing::loose, spacing::normal);
+    // Along the top: what is dragged hides the middle.
+    constexpr int where = Qt::AlignHCenter | Qt::AlignTop | Qt::TextWordWrap;
     const QRect room = rect().marginsRemoved(padding);
-    const QRect words = painter.boundingRect(room, Qt::AlignCenter | Qt::TextWordWrap, text());
-    painter.fillRect(words.marginsAdded(padding), colour);
+    const int below = painter.boundingRect(room, where, text()).bottom() + padding.bottom();
+    painter.fillRect(QRect(0, 0, width(), below), colour);
     painter.setPen(getColor(colors::White));
-    painter.drawText(room, Qt::AlignCenter | Qt::TextWordWrap, text());
+    painter.drawText(room, where, text());
 }
 
 void PictureNotice::paintUnplayable(QPainter& painter, const QRectF& picture) const

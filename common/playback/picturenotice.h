@@ -39,6 +39,7 @@ protected:
 private:
     QString ageText() const;
     void showAge();
+    void refresh();
     void place();
     void paintDrop(QPainter& painter) const;
     void paintUnplayable(QPainter& painter, const QRectF& picture) const;

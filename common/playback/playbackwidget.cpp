@@ -32,6 +32,7 @@
 #include "common/ui/timecode/timecodedisplay.h"
 #include "common/ui/toolkit/blockedreason.h"
 #include "common/views/playlist/nextentrylabel.h"
+#include "tarn/media/playenums.h"
 #include "tarn/scene/scene.h"
 
 #include <QEvent>
@@ -83,6 +84,7 @@ void PlaybackWidget::createChildren()
     m_hint = new ChannelHint(m_viewMode, m_session->hotkeys(), m_preview);
     m_notice = new PictureNotice(m_viewMode, m_preview);
     m_timecodes = new PlaybackTimecodes(this);
+    m_timecodes->setViewMode(m_viewMode);
     m_endpoints = new EndpointTimecodes(this);
     m_slider = new SeekSlider(this);
     m_controls = new PlaybackControls(m_viewMode, m_session->getQUndoStack(), this);
@@ -174,6 +176,17 @@ void PlaybackWidget::connectChildren()
     connect(m_slider, &SeekSlider::seekPosition, m_controls, &PlaybackControls::handleSeekPosition);
     connect(m_slider, &SeekSlider::seekStarting, m_controls, &PlaybackControls::handleSeekStarting);
     connect(m_slider, &SeekSlider::seekEnding, m_controls, &PlaybackControls::handleSeekEnding);
+    connect(m_controls, &PlaybackControls::stateChangeDone, m_timecodes,
+            [this] { m_timecodes->setState(m_controls->state()); });
+    const auto showRepeat = [this] {
+        const EndActionWidget* end = m_footer->endAction();
+        m_header->setRepeats(end->endAction() == static_cast<int>(EndAction::Repeat) &&
+                             end->endActionMode() != PlaybackModel::DISABLED);
+    };
+    connect(m_footer->endAction(), &EndActionWidget::endActionChanged, m_header, showRepeat);
+    connect(m_footer->endAction(), &EndActionWidget::endActionModeChanged, m_header, showRepeat);
+    if (const MuteButton* mute = m_header->muteButton())
+        connect(mute, &QAbstractButton::toggled, m_footer->levelMeter(), &LevelMeter::setMuted);
     connect(m_preview, &PlaybackPreview::dragAndDropEntry, this, &PlaybackWidget::handleDragAndDrop);
     connect(m_header, &PlaybackWidgetHeader::locked, this, &PlaybackWidget::setLocked);
 }

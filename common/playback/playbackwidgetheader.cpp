@@ -22,6 +22,7 @@ PlaybackWidgetHeader::PlaybackWidgetHeader(PlaybackViewMode viewMode, QWidget* p
     , m_title(new QWidget(this))
     , m_location(new ZTLabel(m_title))
     , m_name(new ElidedLabel(m_title))
+    , m_repeat(new ZTLabel(tr("Repeat"), m_title))
     , m_duration(new TimecodeDisplay(this))
 {
     const bool isProgram = viewMode == Program;
@@ -29,13 +30,19 @@ PlaybackWidgetHeader::PlaybackWidgetHeader(PlaybackViewMode viewMode, QWidget* p
     channel->setStyleClass(isProgram ? QStringLiteral("program") : QStringLiteral("preview"));
     m_location->setStyleClass(QStringLiteral("dim"));
     m_name->setElided(true);
-    m_name->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    m_name->setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Preferred);
+    m_repeat->setStyleClass(QStringLiteral("mark"));
+    m_repeat->setToolTip(
+        tr("At its end the media begins anew, and so does what comes next on this channel."));
+    m_repeat->hide();
     m_duration->setAccessibleName(tr("Duration"));
     auto* title = new QHBoxLayout(m_title);
     title->setContentsMargins(0, 0, 0, 0);
     title->setSpacing(spacing::tight);
     title->addWidget(m_location);
-    title->addWidget(m_name, 1);
+    title->addWidget(m_name);
+    title->addWidget(m_repeat, 0, Qt::AlignVCenter);
+    title->addStretch(1);
 
     m_layout->setContentsMargins(0, 0, 0, 0);
     m_layout->setHorizontalSpacing(spacing::normal);
@@ -125,11 +132,17 @@ void PlaybackWidgetHeader::setHasInfiniteDuration(bool infinite)
     Q_EMIT hasInfiniteDurationChanged();
 }
 
+void PlaybackWidgetHeader::setRepeats(bool repeats)
+{
+    m_repeat->setVisible(repeats);
+}
+
 void PlaybackWidgetHeader::setObjectNames(const QString& base)
 {
     setObjectName(base);
     m_name->setObjectName(base + QStringLiteral("-MediaName"));
     m_location->setObjectName(base + QStringLiteral("-MediaLocation"));
+    m_repeat->setObjectName(base + QStringLiteral("-Repeat"));
     m_duration->setObjectName(base + QStringLiteral("-Duration"));
     if (m_mute)
         m_mute->setObjectName(base + QStringLiteral("-Mute"));

@@ -36,8 +36,10 @@ public:
     IconButton* lockButton() const { return m_lock; }
     bool hasInfiniteDuration() const { return m_hasInfiniteDuration; }
     void setHasInfiniteDuration(bool infinite);
+    /// The media begins anew at its end: a mark beside the name, since the next media goes on with that.
+    void setRepeats(bool repeats);
     void setColumnStep(ColumnStep step);
-    /// base for this widget, base + "-MediaName" and "-MediaLocation" for its labels.
+    /// base for this widget, base + "-MediaName", "-MediaLocation" and "-Repeat" for its labels.
     void setObjectNames(const QString& base) override;
 
 Q_SIGNALS:
@@ -52,6 +54,7 @@ private:
     QWidget* m_title;
     ZTLabel* m_location;
     ElidedLabel* m_name;
+    ZTLabel* m_repeat;
     TimecodeDisplay* m_duration;
     ZTLabel* m_infinite = nullptr;
     ZTLabel* m_durationLabel = nullptr;

@@ -188,6 +188,12 @@ QRect SeekSlider::bar(int fromPixel, int toPixel, int height) const
 void SeekSlider::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
+    // A lane of the darkest grey: program's red cannot be told well from the panel's.
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(colors::getColor(colors::Slate_grey_900));
+    painter.drawRoundedRect(rect(), 3, 3);
+    painter.setRenderHint(QPainter::Antialiasing, false);
     painter.setOpacity(isEnabled() ? 1.0 : disabledOpacity);
     painter.fillRect(bar(leftMargin, lastPixel() + 1, m_grooveHeight),
                      colors::getColor(colors::Slate_grey_300));

@@ -71,7 +71,7 @@ void ChannelWidget::followPictures()
     m_adjust.setInterval(adjustDelayMs);
     connect(&m_adjust, &QTimer::timeout, this, [this] {
         updateStep(); // some heights are those of texts, which are known by now
-        updateCaptions();
+        updateWords();
         if (!m_dividedByHand)
             adjustSplitters();
     });
@@ -140,12 +140,12 @@ void ChannelWidget::updateStep()
     layout()->activate();
 }
 
-void ChannelWidget::updateCaptions()
+void ChannelWidget::updateWords()
 {
     PlaybackWidgetFooter* const footers[] = {m_preview->footer(), m_program->footer()};
-    const bool fit = std::ranges::all_of(footers, &PlaybackWidgetFooter::hasRoomForCaption);
+    const bool fit = std::ranges::all_of(footers, &PlaybackWidgetFooter::hasRoomForWords);
     for (PlaybackWidgetFooter* footer : footers)
-        footer->setCaptionAllowed(fit);
+        footer->setShowsWords(fit);
 }
 
 QSize ChannelWidget::minimumSizeHint() const

@@ -48,7 +48,7 @@ protected:
 private:
     void followPictures();
     void updateStep();
-    void updateCaptions();
+    void updateWords();
 
     // In the order in which Tab goes through them.
     ZTSplitter* m_previewSplitter;

@@ -117,7 +117,7 @@ QWidget* PlayerPlaybackView::createEmptyState()
 {
     auto* page = new QWidget(this);
     auto* icon = new ZTLabel(page);
-    icon->setPixmap(IconCache::pixmap(QStringLiteral("unlinked"), colors::getColor(colors::Zt_white_30),
+    icon->setPixmap(IconCache::pixmap(QStringLiteral("unlinked"), colors::getColor(colors::Zt_white_50),
                                       {48, 48}, devicePixelRatioF()));
     m_emptyTitle = new ZTLabel(page);
     m_emptyTitle->setStyleClass(QStringLiteral("title"));
@@ -181,6 +181,7 @@ void PlayerPlaybackView::onWidgetAdded(QWidget* widget, const QModelIndex& index
         channel->setObject(index.data(objectRole).value<Object*>(), index.data(sceneRole).value<Scene*>());
         if (m_keys)
             m_keys->addChannel(channel);
+        channel->setBlocked(m_session->linkHealth()->text());
         PlaylistWidget* playlist = channel->previewPlaylist();
         playlist->editor()->setMediaSource([this] { return m_panel->selectedMedia(); });
         connect(m_panel, &MediaPanelWidget::mediaInsertRequested, playlist, &PlaylistWidget::insertMedia,

@@ -24,6 +24,7 @@
 #include "common/session/link/previewthread.h"
 #include "common/session/link/signalrelay.h"
 #include "common/session/link/systemproxy.h"
+#include "common/session/link/webprobe.h"
 #include "common/session/mirror/guiplayback.h"
 #include "common/session/mirror/objecttreemodel.h"
 #include "common/session/mirror/sceneobjectprovider.h"
@@ -187,6 +188,8 @@ void Session::initConnection()
     m_linkHealth->follow(m_sceneObjects->previewPlayback());
     m_linkHealth->follow(m_sceneObjects->programPlayback());
     connect(m_linkHealth.get(), &LinkHealth::changed, this, &Session::onHealthChanged);
+    m_webProbe = std::make_unique<WebProbe>(m_qnam.get(), m_ports.http);
+    connect(m_webProbe.get(), &WebProbe::answered, m_linkHealth.get(), &LinkHealth::setWebAnswers);
     m_connection->start();
     m_systemProxy = std::make_unique<SystemProxy>();
     m_systemProxy->setSession(this);
@@ -197,6 +200,8 @@ void Session::onHealthChanged()
 {
     const LinkHealth::State state = m_linkHealth->state();
     m_preview->setServerAnswers(state == LinkHealth::State::Current);
+    const bool isGone = state == LinkHealth::State::Silent || state == LinkHealth::State::Lost;
+    m_webProbe->setHost(isGone ? m_lastHost : QString());
     if (state == LinkHealth::State::Silent)
         m_gate->setReason(tr("The server does not answer."));
     else if (state == LinkHealth::State::Lost)
@@ -240,6 +245,7 @@ void Session::onConnect()
     const QString host = m_connection->getConnectedHost();
     if (host.isEmpty())
         return; // the operator left before this signal came through
+    m_lastHost = host;
     qCInfo(lcSession, "Session connected to: %s", qPrintable(host));
     followLibrary(host);
     aimMediaLibraryHelpers(host);

@@ -47,6 +47,7 @@ class ServerConfigurationModel;
 class SignalRelay;
 class SystemProxy;
 class ThumbnailProvider;
+class WebProbe;
 struct SceneChange;
 
 /// Ties the application together: one a process, owner of the scene, the library, the undo stack, the
@@ -191,6 +192,7 @@ private:
     std::unique_ptr<PreviewThread> m_preview;
     std::unique_ptr<ConnectionHandler> m_connection;
     std::unique_ptr<LinkHealth> m_linkHealth;
+    std::unique_ptr<WebProbe> m_webProbe;
     std::unique_ptr<SystemProxy> m_systemProxy;
     std::unique_ptr<ConnectionProvider> m_connectionProvider;
     Hotkeys* m_hotkeys = nullptr; // the main window's
@@ -199,6 +201,7 @@ private:
     Loading m_loading = Loading::Live;
     int m_linksSeen = 0; // of ConnectionHandler::linkCount(): which link the scene has heard of
     Patch m_nextPatch;   // taken from the link, not applied yet
+    QString m_lastHost;  // of the last link
     Patch m_unsent;      // asks for what was changed here while the server did not answer
 };
 

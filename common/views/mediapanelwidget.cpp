@@ -496,6 +496,32 @@ void MediaPanelWidget::fitSearch()
     m_lens->setVisible(!hasText || textWidth + m_search->height() < room);
 }
 
+/// A number is the name of a slot, and cues it; a single hit is cued as well.
+bool MediaPanelWidget::cueFromSearch()
+{
+    bool isNumber = false;
+    const QString text = m_search->text().trimmed();
+    const int number = text.toInt(&isNumber);
+    if (text.isEmpty() || !m_view->model())
+        return false;
+    const QModelIndex root = m_view->rootIndex();
+    QModelIndex hit = m_model->rowCount(root) == 1 ? m_model->index(0, 0, root) : QModelIndex();
+    for (int row = 0; isNumber && row < m_model->rowCount(root); ++row) {
+        const QModelIndex index = m_model->index(row, 0, root);
+        if (index.data(MediaLibraryModel::NumberRole).toInt() == number)
+            hit = index;
+    }
+    if (!hit.isValid())
+        return false;
+    const QPersistentModelIndex source = m_model->mapToSource(hit);
+    if (isNumber)
+        m_search->clear();
+    m_view->setFocus(Qt::OtherFocusReason);
+    m_view->setCurrentIndex(m_model->mapFromSource(source).siblingAtColumn(MediaLibraryModel::NameColumn));
+    Q_EMIT directPlayRequested(source);
+    return true;
+}
+
 bool MediaPanelWidget::eventFilter(QObject* watched, QEvent* event)
 {
     if (watched == m_search && event->type() == QEvent::ShortcutOverride) {
@@ -512,8 +538,11 @@ bool MediaPanelWidget::eventFilter(QObject* watched, QEvent* event)
     if (watched != m_search || event->type() != QEvent::KeyPress)
         return ZTFrame::eventFilter(watched, event);
     const int key = static_cast<QKeyEvent*>(event)->key();
-    if (key != Qt::Key_Down && key != Qt::Key_Return && key != Qt::Key_Enter)
+    const bool isEnter = key == Qt::Key_Return || key == Qt::Key_Enter;
+    if (key != Qt::Key_Down && !isEnter)
         return false;
+    if (isEnter && (static_cast<QKeyEvent*>(event)->isAutoRepeat() || cueFromSearch()))
+        return true;
     if (m_view->model() && m_model->rowCount(m_view->rootIndex()) > 0) {
         if (!m_view->currentIndex().isValid())
             m_view->setCurrentIndex(m_model->index(0, MediaLibraryModel::NameColumn, m_view->rootIndex()));

@@ -75,6 +75,7 @@ private:
     bool isEditable() const { return m_connected && m_libraryState == Library::Read; }
     void updateEmptyText();
     void onActivated(const QModelIndex& index);
+    bool cueFromSearch();
     void onScrolled();
     void moveSlot(const QModelIndex& source, int beforeRow);
     void showSlotMenu(const QPoint& position);

@@ -58,6 +58,16 @@ AudioReader::AudioReader(std::unique_ptr<AvInput> input, AvPtr<AVCodecContext> d
 {
 }
 
+double AudioReader::duration() const
+{
+    const AVStream* stream = m_input->audio();
+    if (stream->duration != AV_NOPTS_VALUE && stream->duration > 0)
+        return startTime(stream) + static_cast<double>(stream->duration) * av_q2d(stream->time_base) -
+               m_origin;
+    const std::int64_t whole = m_input->format()->duration;
+    return whole != AV_NOPTS_VALUE && whole > 0 ? static_cast<double>(whole) / AV_TIME_BASE : 0;
+}
+
 bool AudioReader::seek(double time)
 {
     time = std::isfinite(time) ? std::max(0.0, time) : 0;

@@ -35,6 +35,8 @@ public:
 
     int channels() const { return m_channels; } // 1 to Sound::maxChannels; further ones are left out
 
+    double duration() const; // seconds from time 0 to its end, as the file says; 0 where it does not
+
     /// What next() reads then begins with the sample of this time, seconds.
     bool seek(double time);
     /// Appends some more samples; false at the end.

@@ -68,12 +68,14 @@ bool Channel::take(const Json& args, std::string* error)
     }
 
     const std::lock_guard lock(m_studio.lock);
+    m_preview.sync();
+    m_program.sync();
     const bool fromInpoint = options.playhead == PlayheadOption::FromInpoint;
     const auto keep = [&](Playback& playback) {
         return fromInpoint ? std::nullopt : positionOf(playback.player());
     };
-    const Playback::Loaded cued = m_preview.loaded();
-    const Playback::Loaded onAir = m_program.loaded();
+    const Loaded cued = m_preview.loaded();
+    const Loaded onAir = m_program.loaded();
     const std::optional<double> onAirAt = keep(m_program);
     const std::shared_ptr<Deck> before = m_program.player().deck();
     std::shared_ptr<Deck> deck;
@@ -87,13 +89,13 @@ bool Channel::take(const Json& args, std::string* error)
         deck->setState(SourcePlayState::Play);
         deck->setCanvas(m_program.canvasOf(cued));
     }
-    m_program.player().load(std::move(deck), options.transition, options.duration);
     m_program.setLoaded(cued);
+    m_program.player().load(std::move(deck), {options.transition, options.duration},
+                            cued.item->mode == SourceMode::Playlist);
     m_program.beginTake();
     if (options.swap) {
         m_preview.setLoaded(onAir);
-        m_preview.player().load(m_preview.makeDeck(onAir, onAirAt, SourcePlayState::Pause, before.get()),
-                                TakeTransitionType::DirectCut, 0);
+        m_preview.player().load(m_preview.makeDeck(onAir, onAirAt, SourcePlayState::Pause, before.get()), {});
     }
     m_studio.wake();
     return true;

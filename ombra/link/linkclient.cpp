@@ -1,6 +1,6 @@
 #include "ombra/link/linkclient.h"
 
-#include "ombra/base/serverlog.h"
+#include "tarn/log/log.h"
 
 #include <boost/asio/buffer.hpp>
 #include <boost/asio/write.hpp>
@@ -48,8 +48,8 @@ void LinkClient::received(std::size_t count)
         if (result == linkframe::Decoder::Result::NeedMore)
             break;
         if (result == linkframe::Decoder::Result::Error) {
-            logLine(LogLevel::Warning, "vantrel.link",
-                    "ending the link of " + m_name + ": " + m_decoder.message());
+            Log::write(LogLevel::Warning, "vantrel.link",
+                       "ending the link of " + m_name + ": " + m_decoder.message());
             return close();
         }
         m_handlers->patch(*this, patch);
@@ -89,7 +89,7 @@ bool LinkClient::checkWaiting()
 {
     if (m_frameBytes + m_batch.bytes() <= maxWaiting)
         return true;
-    logLine(LogLevel::Warning, "vantrel.link", "ending the link of " + m_name + ": it does not read");
+    Log::write(LogLevel::Warning, "vantrel.link", "ending the link of " + m_name + ": it does not read");
     close();
     return false;
 }

@@ -1,9 +1,9 @@
 #include "ombra/show/initiallibrary.h"
 
-#include "ombra/base/serverlog.h"
 #include "ombra/decode/mediaprobe.h"
 #include "ombra/decode/mediaurl.h"
 #include "ombra/show/contenturl.h"
+#include "tarn/log/log.h"
 #include "tarn/media/mediaenums.h"
 #include "util/mediasuffixes.h"
 
@@ -56,8 +56,8 @@ std::vector<std::filesystem::path> listFiles(const std::filesystem::path& folder
             files.push_back(it->path().lexically_relative(folder));
     }
     if (code)
-        logLine(LogLevel::Warning, "vantrel.show",
-                "cannot list all of " + folder.string() + ": " + code.message());
+        Log::write(LogLevel::Warning, "vantrel.show",
+                   "cannot list all of " + folder.string() + ": " + code.message());
     std::ranges::sort(files);
     return files;
 }

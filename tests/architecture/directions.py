@@ -9,7 +9,7 @@ import sys
 
 # What a room may include; longest match of a room's name counts.
 MAY_KNOW = {
-    "util": ["util"],
+    "util": ["util", "tarn/log"],
     "tarn": ["tarn"],
     "tarn/qt": ["tarn"],
     "ombra": ["ombra", "tarn", "util"],

@@ -80,6 +80,8 @@ void ConnectionHandler::connect(const QString& host)
 void ConnectionHandler::goBack()
 {
     QMutexLocker lock(&m_mutex);
+    if (m_state == State::Pausing || m_state == State::Retrying)
+        return; // that is where it is going already
     const bool isAttempt = m_state == State::Connecting || m_state == State::Changing;
     if (!isAttempt || !isHomeElsewhere()) {
         lock.unlock();

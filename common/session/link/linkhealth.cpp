@@ -69,7 +69,6 @@ void LinkHealth::onConnected()
     m_state = State::Current;
     m_givesSigns = false;
     m_webAnswers = false;
-    m_lostAt = -1;
     m_lastTick = m_clock();
     m_libraryLostAt = m_lastTick;
     for (Followed& followed : m_followed)
@@ -82,7 +81,10 @@ void LinkHealth::onDisconnected()
 {
     if (m_state != State::Current && m_state != State::Silent)
         return;
-    m_lostAt = m_clock(); // lost only when it is tried again: the operator may have left
+    // Lost only when it is tried again, since the operator may have left; a link that brought no word ended
+    // nothing.
+    if (m_lostAt < 0 || m_connection->lastWord() >= m_connection->linkSince())
+        m_lostAt = m_clock();
     m_state = State::None;
     m_timer.stop();
     tell();

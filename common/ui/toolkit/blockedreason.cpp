@@ -1,5 +1,6 @@
 #include "common/ui/toolkit/blockedreason.h"
 
+#include <QToolTip>
 #include <QVariant>
 #include <QWidget>
 
@@ -11,6 +12,7 @@ constexpr auto ownTip = "ownTip"; // kept here while a reason stands in its plac
 
 void setBlockedReason(QWidget* widget, const QString& reason)
 {
+    const QString before = widget->toolTip();
     const QVariant kept = widget->property(ownTip);
     if (reason.isEmpty()) {
         if (kept.isValid())
@@ -21,6 +23,8 @@ void setBlockedReason(QWidget* widget, const QString& reason)
             widget->setProperty(ownTip, widget->toolTip());
         widget->setToolTip(reason);
     }
+    if (QToolTip::isVisible() && QToolTip::text() == before && widget->toolTip() != before)
+        QToolTip::hideText(); // what it says is no longer true
 }
 
 } // namespace vantrel
