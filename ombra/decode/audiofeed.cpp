@@ -184,7 +184,7 @@ void AudioFeed::run()
 void AudioFeed::decode()
 {
     std::string error;
-    const std::unique_ptr<AudioReader> reader = AudioReader::open(m_file, m_stop, &error);
+    const std::unique_ptr<SoundProgramme> reader = SoundProgramme::open(m_file, m_stop, &error);
     if (!reader) {
         playWithout(error);
         return;
@@ -213,7 +213,7 @@ void AudioFeed::playWithout(const std::string& reason)
     m_arrived();
 }
 
-void AudioFeed::read(Lock& lock, AudioReader& reader)
+void AudioFeed::read(Lock& lock, SoundProgramme& reader)
 {
     const std::optional<double> target = m_seekTo;
     const bool wasReady = isReady();

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ombra/decode/audioreader.h"
+#include "ombra/decode/soundprogramme.h"
 
 #include <condition_variable>
 #include <functional>
@@ -49,7 +49,7 @@ private:
     void run();
     void decode();
     void playWithout(const std::string& reason);
-    void read(Lock& lock, AudioReader& reader);
+    void read(Lock& lock, SoundProgramme& reader);
     bool wantsMore() const;
     bool isKnown(std::int64_t sample) const;
     bool isReady() const;

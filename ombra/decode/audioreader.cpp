@@ -26,15 +26,8 @@ double startTime(const AVStream* stream)
 
 } // namespace
 
-std::unique_ptr<AudioReader> AudioReader::open(const std::filesystem::path& file,
-                                               const std::atomic<bool>& stop, std::string* error)
+std::unique_ptr<AudioReader> AudioReader::open(std::unique_ptr<AvInput> input, std::string* error)
 {
-    std::string why;
-    std::unique_ptr<AvInput> input = AvInput::open(file, stop, &why, AvInput::Read::Sound);
-    if (error)
-        error->clear();
-    if (!input || !input->audio())
-        return nullptr; // a file that does not open is reported by who reads its pictures
     AvPtr<AVCodecContext> decoder = input->openDecoder(input->audio(), error);
     if (!decoder)
         return nullptr;

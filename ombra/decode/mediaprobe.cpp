@@ -1,8 +1,8 @@
 #include "ombra/decode/mediaprobe.h"
 
-#include "ombra/decode/audioreader.h"
 #include "ombra/decode/avinput.h"
 #include "ombra/decode/mediaurl.h"
+#include "ombra/decode/soundprogramme.h"
 #include "ombra/decode/videoreader.h"
 
 #include <cmath>
@@ -65,14 +65,19 @@ std::int64_t bitRateOf(const AvInput& input)
     return std::max<std::int64_t>(input.format()->bit_rate, 0);
 }
 
-void describeSound(const std::filesystem::path& file, const AvInput& input, MediaInfo& info)
+/// Seconds of it; 0 where none can be decoded.
+double describeSound(const std::filesystem::path& file, const AvInput& input, MediaInfo& info)
 {
     const AVCodecParameters& sound = *input.audio()->codecpar;
     info.audioCodec = avcodec_get_name(sound.codec_id);
     info.audioProfile = textOf(avcodec_profile_name(sound.codec_id, sound.profile));
     info.audioChannels = sound.ch_layout.nb_channels;
     info.sampleRate = sound.sample_rate;
-    info.unsupportedAudio = !AudioReader::open(file, never, nullptr);
+    const auto programme = SoundProgramme::open(file, never, nullptr);
+    info.unsupportedAudio = !programme || programme->isPartial();
+    if (programme && input.sounds().size() > 1)
+        info.audioChannels = programme->channels();
+    return programme ? programme->duration() : 0;
 }
 
 void describePictures(const AvInput& input, MediaInfo& info)
@@ -113,18 +118,19 @@ std::optional<MediaInfo> probeFile(const std::filesystem::path& file, std::strin
     std::unique_ptr<AvInput> input = AvInput::open(file, never, error);
     if (!input)
         return info;
-    if (input->audio())
-        describeSound(file, *input, info);
+    const double sound = input->audio() ? describeSound(file, *input, info) : 0;
     if (!input->video()) {
         info.type = MediaType::AudioFile;
         info.codec = info.audioCodec;
         info.duration = input->duration();
-        info.playable = !info.unsupportedAudio;
+        info.playable = sound > 0;
         if (!info.playable)
             setError(error, "its sound cannot be decoded");
         return info;
     }
     describePictures(*input, info);
+    if (info.type == MediaType::VideoFile && sound > info.duration + AudioReader::padding)
+        info.duration = sound; // it plays on behind the pictures
     const auto reader = VideoReader::open(std::move(input), {160, 90}, error);
     Picture picture;
     info.playable = reader && reader->seek(0, picture);

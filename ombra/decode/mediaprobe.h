@@ -29,7 +29,7 @@ struct MediaInfo
     int audioChannels = 0;
     int sampleRate = 0; // Hz
     bool playable = false;
-    bool unsupportedAudio = false; // there is sound, but nothing here decodes it
+    bool unsupportedAudio = false; // there is sound that is not played
     std::int64_t frames = 0;       // 1 for stills
 };
 

@@ -17,9 +17,6 @@ constexpr double soundPatience = 0.5;
 /// Seconds by which a picture may miss its time: what falls between two moments of the mixing clock.
 constexpr double lateTolerance = 0.06;
 
-/// Seconds of sound after the last picture that are the padding of its codec and not meant to be heard.
-constexpr double padding = 0.1;
-
 /// Sequences of pictures have no sound.
 std::filesystem::path soundFile(const MediaSource& source)
 {
@@ -92,7 +89,7 @@ void Deck::setCanvas(Canvas canvas)
                                                                  : m_position);
     if (!changed || m_awaiting || m_clockStart)
         return;
-    m_target = m_position; // the picture that stands is shown once more
+    m_target = m_begin; // the picture that stands is shown once more
     m_awaiting = true;
 }
 
@@ -227,7 +224,8 @@ void Deck::play(double now, const PictureFeed::Status& status)
     if (const std::optional<Picture> picture = m_feed.take(m_clock))
         show(*picture);
     else if (status.ended && m_clock > status.endTime && m_shownFor > 0) // its sound goes on
-        m_begin = m_position += std::floor((m_clock - m_position) / m_shownFor) * m_shownFor;
+        m_begin = m_position +=
+            std::floor((m_clock - m_position + PictureReader::tolerance) / m_shownFor) * m_shownFor;
     m_late = m_clock > m_position + m_shownFor + lateTolerance && m_feed.isBehind();
 }
 
@@ -301,14 +299,14 @@ double Deck::mediumEnd(const PictureFeed::Status& status, bool playing) const
 double Deck::withSound(double pictures) const
 {
     const double sound = m_audio.end();
-    return sound > pictures + padding ? sound : pictures;
+    return sound > pictures + AudioReader::padding ? sound : pictures;
 }
 
 double Deck::remaining() const
 {
     if (m_awaiting)
         return PictureReader::endless;
-    return m_atEnd ? 0 : end(m_feed.status(), false) - (m_clockStart ? m_clock : m_position);
+    return m_atEnd ? 0 : end(m_feed.status(), false) - (m_clockStart ? m_clock : m_begin);
 }
 
 bool Deck::endIsUnknown() const

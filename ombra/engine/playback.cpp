@@ -213,7 +213,7 @@ void Playback::load(Loaded loaded, SourcePlayState state, bool transition)
 
 void Playback::setLoaded(Loaded loaded)
 {
-    if (!m_player.waiting())
+    if (!m_player.loading())
         m_onAir = std::move(m_loaded);
     m_loaded = std::move(loaded);
     m_plan.clear();

@@ -20,6 +20,8 @@ constexpr double madeAhead = 6;
 constexpr std::size_t followingAtMost = 3; // of media shorter than that
 /// Transitions over transitions are mixed whole up to so many media.
 constexpr std::size_t layersAtMost = 3;
+/// Progress at which a transition is over, in spite of how its times were rounded.
+constexpr double whole = 1 - 1e-6;
 
 void addSound(Sound& to, const Sound& more)
 {
@@ -184,11 +186,12 @@ Player::Moment Player::advance(double now)
         Layer& layer = m_layers[i];
         if (layer.transition.seconds > 0)
             layer.progress = std::clamp((now - layer.since) / layer.transition.seconds, 0.0, 1.0);
-        if (layer.progress >= 1)
+        if (layer.progress >= whole)
             lowest = i;
-        moment.layers.push_back(shown(layer));
     }
     dropBelow(lowest);
+    for (const Layer& layer : m_layers)
+        moment.layers.push_back(shown(layer));
     return moment;
 }
 
@@ -207,9 +210,14 @@ void Player::beginNext()
         m_next->deck->begin();
     const SourcePlayState wanted = m_next->deck->state(); // a failure stops it
     m_next->deck->advance(m_now);
-    if (m_next->inList && m_next->deck->failed() && wanted == SourcePlayState::Play)
-        m_next->failed = true;
-    if (m_next->seeks && m_next->deck->failed() && onAir()) {
+    if (!m_next->deck->failed())
+        return;
+    if (!m_next->seeks && wanted == SourcePlayState::Play) {
+        m_next->failed = m_next->inList;
+        if (!m_next->inList)
+            m_next->deck->setState(SourcePlayState::Stop);
+    }
+    if (m_next->seeks && onAir()) {
         onAir()->setEndAction(m_next->deck->endAction());
         onAir()->seek(m_next->deck->target());
         onAir()->setState(wanted);

@@ -90,8 +90,9 @@ public:
     void setShown(Ref<Surface> surface) { m_shown = std::move(surface); }
 
     bool inTransition() const;
-    bool waiting() const { return m_next.has_value(); } // nothing of the deck was shown yet
-    double progress() const;                            // of the transition, 0 to 1
+    bool waiting() const { return m_next.has_value(); }       // nothing of the deck was shown yet
+    bool loading() const { return m_next && !m_next->seeks; } // and another medium is on air
+    double progress() const;                                  // of the transition, 0 to 1
 
     /// Decks that are done with and have stopped, to be let go without the lock.
     std::vector<std::shared_ptr<Deck>> takeRetired();

@@ -54,11 +54,8 @@ bool RunningOrder::followEdit(Loaded& loaded, std::optional<MediaItem>& item) co
         return true;
     }
     const std::string previous = whereIs(loaded.previous, loaded.next, -1);
-    std::string next = whereIs(loaded.next, loaded.previous, 1);
-    if (next == loaded.url) // another medium in its place does not follow it
-        next = m_source.neighbour(next, 1);
-    loaded.next = std::move(next);
-    loaded.previous = previous == loaded.url ? m_source.neighbour(previous, -1) : previous;
+    loaded.next = whereIs(loaded.next, loaded.previous, 1);
+    loaded.previous = previous;
     return false;
 }
 

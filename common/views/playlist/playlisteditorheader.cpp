@@ -187,7 +187,7 @@ void PlaylistEditorHeader::showList()
         m_dropdown->setCurrentIndex(row);
     if (m_edit)
         m_edit->setEnabled(m_isEditable && row >= 0);
-    if (m_name)
+    if (m_name && !m_isOneLine)
         m_name->setText(
             row < 0 ? QString()
                     : m_sources.library->index(row, PlaylistLibraryModel::NameColumn).data().toString());
@@ -218,8 +218,20 @@ void PlaylistEditorHeader::showClock()
     if (!m_end)
         return;
     const QString text = m_clock->text();
-    m_end->setText(text.isEmpty() ? tr("No playlist on air") : text);
-    m_end->setStyleClass(text.isEmpty() ? QStringLiteral("dim") : QStringLiteral("section"));
+    ElidedLabel* shown = m_isOneLine ? m_name : m_end;
+    shown->setText(text.isEmpty() ? tr("No playlist on air") : text);
+    shown->setStyleClass(text.isEmpty() ? QStringLiteral("dim") : QStringLiteral("section"));
+}
+
+void PlaylistEditorHeader::setOneLine(bool oneLine)
+{
+    if (!m_end || oneLine == m_isOneLine)
+        return;
+    m_isOneLine = oneLine;
+    m_end->setVisible(!oneLine);
+    m_name->setStyleClass(QStringLiteral("dim"));
+    showList();
+    showClock();
 }
 
 void PlaylistEditorHeader::setEditable(bool editable)

@@ -47,6 +47,8 @@ public:
     void setDuration(const QModelIndex& index);
     /// Tells of the end of the list on program; the clock outlives this.
     void setClock(ListClock* clock);
+    /// In little room the end of the list takes the place of its name, in one line.
+    void setOneLine(bool oneLine);
     /// Whether there is a server that takes edits.
     void setEditable(bool editable);
     IconButton* pinButton() const { return m_pin; }
@@ -100,6 +102,7 @@ private:
     std::optional<uint> m_awaited; // the list that was made here and has not come yet
     uint m_followed = 0;           // the list that the channel played last
     bool m_isNaming = false;
+    bool m_isOneLine = false;
     bool m_isEditable = true;
 };
 
