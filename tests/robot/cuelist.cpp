@@ -51,7 +51,7 @@ private Q_SLOTS:
 
 private:
     QJsonObject library();
-    QJsonObject list1() { return library()["playlists"]["1"].toObject(); }
+    QJsonObject list1() { return library()["playlists"].toObject()["1"].toObject(); }
     QStringList addresses() { return list1()["entries"].toObject().keys(); }
     QString slotOf(const QString& address);
     QJsonObject cell(const QString& view, int row, int column);

@@ -128,7 +128,6 @@ private Q_SLOTS:
     void tellsWhichHalfIsGone()
     {
         QVERIFY(connectToChannel(true));
-        m_peer->http.handler = [](const ScriptedHttp::Request&) -> ScriptedHttp::Reply { return {404, {}}; };
         QVERIFY(hears("[]"));
         health()->setLibraryCurrent(true);
         QVERIFY(health()->detail().isEmpty());
