@@ -313,6 +313,7 @@ def silent(options):
 def refused(options):
     with Window(options) as window:
         window.robot.find("ConnectDialog-text")
+        window.robot.ask(operation="raise", objectName="ConnectDialog")  # above the window, which was raised
         time.sleep(1)
         window.shoot(options.out / "refused.png")
 
