@@ -44,7 +44,7 @@ PlaylistWidget::PlaylistWidget(PlaybackViewMode mode, Session* session, QWidget*
     if (isPreview)
         buildPreview(*session);
     else {
-        layout->setContentsMargins(spacing::normal, spacing::normal, spacing::normal, spacing::normal);
+        layout->setContentsMargins(spacing::normal, spacing::tight, spacing::normal, spacing::tight);
         layout->addWidget(m_editor, 1);
     }
 }

@@ -348,7 +348,7 @@ void PlaylistDelegate::paintLast(const Cell& cell) const
     if (!m_clock || m_clock->playlist() != cell.model->playlistNumber())
         return;
     if (const auto end = m_clock->endOf(cell.address))
-        paintText(cell, end->toString(QStringLiteral("HH:mm:ss")), Qt::AlignRight, !cell.isBright());
+        paintText(cell, ListClock::clockText(*end), Qt::AlignRight, !cell.isBright());
 }
 
 QWidget* PlaylistDelegate::createEditor(QWidget* parent, const QStyleOptionViewItem& option,

@@ -19,6 +19,7 @@
 #include "common/ui/toolkit/textinputdialog.h"
 #include "common/views/playlist/listclock.h"
 #include "common/views/playlist/playlistcontainer.h"
+#include "common/views/playlist/playlistdrop.h"
 #include "common/views/playlist/playlisteditorheader.h"
 #include "common/views/playlist/playlistfiles.h"
 #include "common/views/playlist/playlistlogging.h"

@@ -10,6 +10,7 @@
 #include <QTimer>
 
 #include <functional>
+#include <memory>
 
 class QMimeData;
 
@@ -128,6 +129,7 @@ private:
     std::function<QList<QString>()> m_mediaSource;
     QPersistentModelIndex m_dropTarget;
     DropTarget m_target;
+    std::unique_ptr<PlaylistDrop> m_dragged; // read once, however long the drag goes on
     bool m_isDragging = false;
     bool m_isEditable = false;
     bool m_selectsAdded = false; // what comes next is what was added here

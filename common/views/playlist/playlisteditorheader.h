@@ -76,10 +76,14 @@ protected:
 
 private:
     bool isPreview() const { return m_mode == Preview; }
+    /// Of the names of what is in it.
+    QString prefix() const;
     void buildPreview();
     void buildProgram();
     void buildDuration(QHBoxLayout* row);
     IconButton* addButton(QHBoxLayout* row, const QString& icon, const char* suffix, const QString& tip);
+    void buildGrip(QHBoxLayout* row);
+    void dragList();
     void connectModels();
     void showList();
     void showClock();
@@ -88,6 +92,7 @@ private:
     PlaybackViewMode m_mode;
     Sources m_sources;
     ListClock* m_clock = nullptr;
+    ZTLabel* m_grip = nullptr; // by which the whole list is dragged
     ZTDropdownMenu* m_dropdown = nullptr;
     IconButton* m_edit = nullptr;
     IconButton* m_new = nullptr;
