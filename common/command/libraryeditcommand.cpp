@@ -89,8 +89,13 @@ bool LibraryEditCommand::rehearse(const MediaLibrary* library, const QString& te
 bool LibraryEditCommand::rehearse(const MediaLibrary* library, const QString& text, const Edit& edit,
                                   const Edit& inverse)
 {
-    if (!hasApi() || !library || !isLibraryRead(text))
+    if (!hasApi()) {
+        tellNotDone(text, tr("There is no connection to the server."));
         return false;
+    }
+    if (!library || !isLibraryRead(text))
+        return false;
+    m_wasRehearsed = true;
     const auto again = [edit, inverse](LibraryEdit& made, const MediaLibrary& on) {
         return rehearsed(on, edit, inverse, made);
     };

@@ -18,6 +18,9 @@ class LibraryEditCommand : public AbstractDiffApiCommand
 public:
     using AbstractDiffApiCommand::AbstractDiffApiCommand;
 
+    /// Whether init() came as far as to try the edit: what it refused then does not fit the library.
+    bool wasRehearsed() const { return m_wasRehearsed; }
+
 protected:
     /// Edits the copy. False, after a warning of its own, when that cannot be.
     using Edit = std::function<bool(MediaLibrary& library)>;
@@ -29,6 +32,9 @@ protected:
 
     /// Whether there is a server to send the patches to; warns when there is none.
     virtual bool hasApi() const;
+
+private:
+    bool m_wasRehearsed = false;
 };
 
 } // namespace vantrel

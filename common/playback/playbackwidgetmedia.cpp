@@ -63,7 +63,7 @@ void PlaybackWidget::connectSources()
     }
 }
 
-/// Each connection has helpers of its own, and this widget outlives them.
+/// A new connection knows nothing of what is short of resources: it is told again.
 void PlaybackWidget::followHelpers()
 {
     m_resourceStatusProvider = m_session->resourceStatusProvider();

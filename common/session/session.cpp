@@ -301,6 +301,8 @@ void Session::connectMediaLibraryApi()
     connect(api, &Api::mediaChanged, library, &MediaLibraryProvider::onSlotChanged);
     connect(api, &Api::mediaRemoved, library, &MediaLibraryProvider::onSlotRemoved);
     PlaylistProvider* playlists = m_playlistProvider.get();
+    connect(api, &Api::changesStarted, playlists, &PlaylistProvider::onChangesStarted);
+    connect(api, &Api::changesFinished, playlists, &PlaylistProvider::onChangesFinished);
     connect(api, &Api::playlistAdded, playlists, &PlaylistProvider::onPlaylistAdded);
     connect(api, &Api::playlistChanged, playlists, &PlaylistProvider::onPlaylistChanged);
     connect(api, &Api::playlistRemoved, playlists, &PlaylistProvider::onPlaylistRemoved);

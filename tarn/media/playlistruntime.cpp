@@ -10,24 +10,37 @@ namespace vantrel {
 
 namespace {
 
-/// The slot that an entry plays; null when there is none. Entries name slots by address as a rule.
-const MediaSlot* slotOf(const MediaLibrary& library, const PlaylistEntry& entry)
-{
-    const Json* url = entry.toJson().find("slotUrl");
-    MediaAddress address;
-    if (url && address.parseString(url->stringView()))
-        return library.findSlot(address.collection, address.slot);
-    return library.findSlot(entry.getMediaUrl());
-}
-
-double overlapInto(const PlaylistEntry& entry, double previous, double duration)
-{
-    if (entry.getTransitionType() == TakeTransitionType::DirectCut)
-        return 0;
-    return std::min({entry.getTransitionDuration(), previous, duration});
-}
+constexpr double never = std::numeric_limits<double>::infinity();
 
 } // namespace
+
+double playedDuration(const MediaLibrary& library, std::string_view slotUrl)
+{
+    // Entries name slots by address as a rule.
+    MediaAddress address;
+    const MediaSlot* slot = address.parseString(slotUrl) ? library.findSlot(address.collection, address.slot)
+                                                         : library.findSlot(slotUrl);
+    if (!slot)
+        return 0;
+    return slot->isFinite() ? slot->getTrimmedDuration() : never;
+}
+
+EntryRuntime PlaylistClock::next(const EntryAddress& address, TakeTransitionType type, double transition,
+                                 double duration)
+{
+    if (m_isInfinite)
+        return {address, never, never};
+    const double overlap =
+        type == TakeTransitionType::DirectCut ? 0 : std::min({transition, m_previous, duration});
+    const double start = m_end - overlap;
+    m_isInfinite = duration == never;
+    if (!m_isInfinite) {
+        m_end = start + duration;
+        m_previous = duration;
+    }
+    m_total = m_isInfinite ? start : m_end;
+    return {address, start, start + duration};
+}
 
 PlaylistRuntimeInfo calculatePlaylistRuntime(const MediaLibrary& library, int playlist)
 {
@@ -35,28 +48,15 @@ PlaylistRuntimeInfo calculatePlaylistRuntime(const MediaLibrary& library, int pl
     const Playlist* list = library.findPlaylist(playlist);
     if (!list)
         return info;
-    constexpr double never = std::numeric_limits<double>::infinity();
     info.entries.reserve(list->getEntries().size());
-    double previous = 0; // trimmed duration of the entry before
-    double end = 0;      // when it ends
+    PlaylistClock clock;
     for (const auto& [address, entry] : list->getEntries()) {
-        const MediaSlot* slot = slotOf(library, entry);
-        const double duration = !slot ? 0 : slot->isFinite() ? slot->getTrimmedDuration() : never;
-        if (info.isInfinite) {
-            info.entries.push_back({address, never, never});
-            continue;
-        }
-        const double start = end - overlapInto(entry, previous, duration);
-        info.entries.push_back({address, start, start + duration});
-        if (duration == never) {
-            info.isInfinite = true;
-            info.totalDuration = start;
-        } else {
-            end = start + duration;
-            previous = duration;
-            info.totalDuration = end;
-        }
+        const Json* url = entry.toJson().find("slotUrl");
+        info.entries.push_back(clock.next(address, entry.getTransitionType(), entry.getTransitionDuration(),
+                                          playedDuration(library, url ? url->stringView() : "")));
     }
+    info.totalDuration = clock.total();
+    info.isInfinite = clock.isInfinite();
     return info;
 }
 

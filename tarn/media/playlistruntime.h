@@ -2,11 +2,14 @@
 
 #include "tarn/media/entryaddress.h"
 
+#include <cstdint>
+#include <string_view>
 #include <vector>
 
 namespace vantrel {
 
 class MediaLibrary;
+enum class TakeTransitionType : std::int32_t;
 
 /// The running time before and after one entry, in seconds; infinite where an entry before it never ends.
 struct EntryRuntime
@@ -29,6 +32,26 @@ struct PlaylistRuntimeInfo
     bool isInfinite = false;
     std::vector<EntryRuntime> entries;
 };
+
+/// Adds the entries of a playlist up, in address order, by the rule above.
+class PlaylistClock
+{
+public:
+    /// transition and duration in seconds; duration as of playedDuration().
+    EntryRuntime next(const EntryAddress& address, TakeTransitionType type, double transition,
+                      double duration);
+    double total() const noexcept { return m_total; }
+    bool isInfinite() const noexcept { return m_isInfinite; }
+
+private:
+    double m_previous = 0; // what of the entry before is played
+    double m_end = 0;      // when it ends
+    double m_total = 0;
+    bool m_isInfinite = false;
+};
+
+/// What of an entry's slot is played, in seconds: infinity where it never ends, 0 without a slot.
+double playedDuration(const MediaLibrary& library, std::string_view slotUrl);
 
 PlaylistRuntimeInfo calculatePlaylistRuntime(const MediaLibrary& library, int playlist);
 

@@ -59,6 +59,10 @@ Q_SIGNALS:
     void entryChanged(uint playlistIndex, vantrel::EntryAddress entryAddress);
     void entryRemoved(uint playlistIndex, vantrel::EntryAddress entryAddress);
     void entrySlotsModified(QList<std::pair<uint, vantrel::EntryAddress>> entryAddressPair);
+    /// Around the signals of one patch of the library, where the provider is told of it. Running times are
+    /// right when it is finished.
+    void changesStarted();
+    void changesFinished();
 };
 
 } // namespace vantrel

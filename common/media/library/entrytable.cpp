@@ -20,7 +20,7 @@ void EntryTable::clear()
 
 void EntryTable::put(const Item& item)
 {
-    Row row{item, MediaAddress()};
+    Row row{item, MediaAddress(), unknown};
     row.slot.parseString(item->slotUrl().toStdString());
     addUser(row);
     Rows& rows = m_rows[item->playlistNumber()];
@@ -67,6 +67,11 @@ const EntryTable::Row* EntryTable::row(uint playlist, EntryAddress address) cons
     return at != found->second.end() && at->address() == address ? &*at : nullptr;
 }
 
+EntryTable::Row* EntryTable::row(uint playlist, EntryAddress address)
+{
+    return const_cast<Row*>(std::as_const(*this).row(playlist, address));
+}
+
 EntryTable::Item EntryTable::item(uint playlist, EntryAddress address) const
 {
     const Row* found = row(playlist, address);
@@ -108,27 +113,38 @@ QList<EntryTable::Place> EntryTable::usersOfCollection(uint collection) const
     return users;
 }
 
-QList<EntryAddress> EntryTable::setRuntimes(uint playlist, const std::vector<EntryRuntime>& runtimes)
+EntryTable::Times EntryTable::updateRuntimes(uint playlist, const MediaLibrary& library)
 {
-    QList<EntryAddress> moved;
+    Times times;
     const auto found = m_rows.find(playlist);
     if (found == m_rows.end())
-        return moved;
-    auto runtime = runtimes.begin();
+        return times;
+    PlaylistClock clock;
     for (Row& row : found->second) {
-        while (runtime != runtimes.end() && runtime->address < row.address())
-            ++runtime;
-        if (runtime == runtimes.end())
-            break;
-        if (runtime->address != row.address() || (row.item->runtimeBefore() == runtime->runtimeBefore &&
-                                                  row.item->runtimeAfter() == runtime->runtimeAfter))
+        const GuiPlaylistEntry& entry = *row.item;
+        // Who names no slot is told of none.
+        if (row.duration == unknown || !row.slot.isValid())
+            row.duration = playedDuration(library, entry.slotUrl().toStdString());
+        const EntryRuntime runtime =
+            clock.next(entry.address(), entry.transitionType(), entry.transitionDuration(), row.duration);
+        if (entry.runtimeBefore() == runtime.runtimeBefore && entry.runtimeAfter() == runtime.runtimeAfter)
             continue;
-        const auto item = std::make_shared<GuiPlaylistEntry>(*row.item);
-        item->setRuntimes(runtime->runtimeBefore, runtime->runtimeAfter);
+        const auto item = std::make_shared<GuiPlaylistEntry>(entry);
+        item->setRuntimes(runtime.runtimeBefore, runtime.runtimeAfter);
         row.item = item;
-        moved.append(runtime->address);
+        times.moved.append(runtime.address);
     }
-    return moved;
+    times.total = clock.total();
+    times.isInfinite = clock.isInfinite();
+    return times;
+}
+
+void EntryTable::forgetDurations(const QList<Place>& places)
+{
+    for (const auto& [playlist, address] : places) {
+        if (Row* found = row(playlist, address))
+            found->duration = unknown;
+    }
 }
 
 void EntryTable::addUser(const Row& row)
@@ -147,7 +163,10 @@ void EntryTable::removeUser(const Row& row)
     const auto users = m_users.find(row.slot);
     if (users == m_users.end())
         return;
-    users->removeOne(Place(row.item->playlistNumber(), row.address()));
+    const Place place(row.item->playlistNumber(), row.address());
+    const auto at = std::lower_bound(users->cbegin(), users->cend(), place);
+    if (at != users->cend() && *at == place)
+        users->erase(at);
     if (users->isEmpty())
         m_users.erase(users);
 }

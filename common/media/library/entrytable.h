@@ -14,7 +14,7 @@
 namespace vantrel {
 
 class GuiPlaylistEntry;
-struct EntryRuntime;
+class MediaLibrary;
 
 /// The entries of all playlists in address order, and for each slot the entries that play it.
 ///
@@ -43,8 +43,17 @@ public:
     QList<Place> usersOf(MediaAddress slot) const { return m_users.value(slot); }
     QList<Place> usersOfCollection(uint collection) const;
 
-    /// Gives the entries of a playlist their running times, which are in address order; tells whose moved.
-    QList<EntryAddress> setRuntimes(uint playlist, const std::vector<EntryRuntime>& runtimes);
+    /// What became of the running times of a playlist.
+    struct Times
+    {
+        QList<EntryAddress> moved;
+        double total = 0; // seconds, as of PlaylistRuntimeInfo
+        bool isInfinite = false;
+    };
+    /// Works them out anew; asks the library only for the durations that are not known.
+    Times updateRuntimes(uint playlist, const MediaLibrary& library);
+    /// The slots of these entries are others.
+    void forgetDurations(const QList<Place>& places);
 
 private:
     struct Row
@@ -52,9 +61,12 @@ private:
         EntryAddress address() const;
         Item item;
         MediaAddress slot;
+        double duration = unknown; // what of the slot is played, seconds
     };
     using Rows = std::vector<Row>;
+    static constexpr double unknown = -1;
 
+    Row* row(uint playlist, EntryAddress address);
     const Row* row(uint playlist, EntryAddress address) const;
     void addUser(const Row& row);
     void removeUser(const Row& row);

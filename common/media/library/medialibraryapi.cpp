@@ -283,9 +283,11 @@ bool MediaLibraryApi::applyMediaLibraryPatch(const Patch& patch)
 
 void MediaLibraryApi::emitLibraryChanges(const LibraryChanges& changes)
 {
+    Q_EMIT changesStarted();
     // Collections first: playlists look their slots up.
     emitCollectionChanges(changes);
     emitPlaylistChanges(changes);
+    Q_EMIT changesFinished();
     Q_EMIT mediaLibraryChanged();
 }
 

@@ -116,6 +116,9 @@ Q_SIGNALS:
     void mediaAdded(vantrel::MediaAddress address);
     void mediaChanged(vantrel::MediaAddress address);
     void mediaRemoved(vantrel::MediaAddress address);
+    /// Around all that one patch changes: what is worked out of many things is worked out once.
+    void changesStarted();
+    void changesFinished();
 
 private:
     QUrl buildUrl(const QString& path, const QString& query = {}) const;

@@ -74,6 +74,8 @@ MediaLibrary* PlaylistProvider::mediaLibrary()
 void PlaylistProvider::onReset()
 {
     m_playlists.clear();
+    m_late.clear();
+    m_news.clear();
     m_entries.clear();
     populate();
     Q_EMIT reset();
@@ -101,9 +103,17 @@ void PlaylistProvider::onPlaylistChanged(uint playlist)
         Q_EMIT playlistRemoved(playlist);
         return;
     }
-    m_playlists.insert(playlist,
-                       std::make_shared<GuiPlaylist>(QString::fromStdString(record->getName()), playlist));
-    Moved moved = recalculate(playlist);
+    const auto changed = std::make_shared<GuiPlaylist>(QString::fromStdString(record->getName()), playlist);
+    if (const auto old = m_playlists.value(playlist)) {
+        changed->setEntryCount(old->entryCount());
+        changed->setDuration(old->duration(), old->isInfinite());
+    }
+    m_playlists.insert(playlist, changed);
+    if (m_isChanging) {
+        m_late[playlist] = true;
+        return;
+    }
+    Moved moved = updateTimes(playlist);
     moved.playlist = true;
     tell(playlist, moved);
 }
@@ -126,7 +136,7 @@ void PlaylistProvider::onEntryAdded(uint playlist, EntryAddress address)
     }
     // The new entry has its times already, and is among those that moved all the same.
     const Moved moved = recalculate(playlist);
-    Q_EMIT entryAdded(playlist, address);
+    announce(&PlaylistProvider::entryAdded, playlist, address);
     tell(playlist, moved);
 }
 
@@ -143,7 +153,7 @@ void PlaylistProvider::onEntryChanged(uint playlist, EntryAddress address)
         return;
     }
     const Moved moved = recalculate(playlist);
-    Q_EMIT entryChanged(playlist, address);
+    announce(&PlaylistProvider::entryChanged, playlist, address);
     tell(playlist, moved);
 }
 
@@ -151,7 +161,7 @@ void PlaylistProvider::onEntryRemoved(uint playlist, EntryAddress address)
 {
     m_entries.remove(playlist, address);
     const Moved moved = recalculate(playlist);
-    Q_EMIT entryRemoved(playlist, address);
+    announce(&PlaylistProvider::entryRemoved, playlist, address);
     tell(playlist, moved);
 }
 
@@ -174,6 +184,7 @@ void PlaylistProvider::tellOfSlots(const QList<EntryTable::Place>& users)
         warnWithoutSlot(*m_entries.item(playlist, address));
         touched.insert(playlist);
     }
+    m_entries.forgetDurations(users);
     Q_EMIT entrySlotsModified(users);
     for (const uint playlist : touched)
         tell(playlist, recalculate(playlist));
@@ -196,7 +207,7 @@ bool PlaylistProvider::loadPlaylist(uint playlist)
     const auto entries = record->getEntries();
     for (const auto& [address, entry] : entries)
         putEntry(playlist, address, entry);
-    recalculate(playlist);
+    updateTimes(playlist);
     return true;
 }
 
@@ -219,6 +230,8 @@ void PlaylistProvider::putEntry(uint playlist, EntryAddress address, const Playl
 void PlaylistProvider::forget(uint playlist)
 {
     m_playlists.remove(playlist);
+    m_late.erase(playlist);
+    std::erase_if(m_news, [=](const News& news) { return news.playlist == playlist; });
     m_entries.removeAll(playlist);
 }
 
@@ -233,11 +246,50 @@ void PlaylistProvider::warnWithoutSlot(const GuiPlaylistEntry& entry) const
     }
 }
 
+void PlaylistProvider::onChangesStarted()
+{
+    m_isChanging = true;
+    Q_EMIT changesStarted();
+}
+
+void PlaylistProvider::onChangesFinished()
+{
+    m_isChanging = false;
+    std::vector<std::pair<uint, Moved>> late;
+    for (const auto& [playlist, isOther] : std::exchange(m_late, {})) {
+        late.emplace_back(playlist, updateTimes(playlist));
+        late.back().second.playlist |= isOther;
+    }
+    for (const auto& news : std::exchange(m_news, {}))
+        Q_EMIT(this->*news.signal)(news.playlist, news.address);
+    for (const auto& [playlist, moved] : late)
+        tell(playlist, moved);
+    Q_EMIT changesFinished();
+}
+
+/// Who hears of an entry finds it with its times.
+void PlaylistProvider::announce(EntrySignal signal, uint playlist, EntryAddress address)
+{
+    if (m_isChanging)
+        m_news.push_back({signal, playlist, address});
+    else
+        Q_EMIT(this->*signal)(playlist, address);
+}
+
+/// Nothing yet where more is to come.
 PlaylistProvider::Moved PlaylistProvider::recalculate(uint playlist)
 {
-    const PlaylistRuntimeInfo info = m_library->calculateRuntimeInfo(playlist);
+    if (!m_isChanging)
+        return updateTimes(playlist);
+    m_late.try_emplace(playlist, false);
+    return {};
+}
+
+PlaylistProvider::Moved PlaylistProvider::updateTimes(uint playlist)
+{
+    const EntryTable::Times times = m_entries.updateRuntimes(playlist, *m_library);
     Moved moved;
-    moved.entries = m_entries.setRuntimes(playlist, info.entries);
+    moved.entries = times.moved;
     const auto found = m_playlists.find(playlist);
     if (found == m_playlists.end()) {
         qCWarning(lcMedia, "Missing playlist: %d", static_cast<int>(playlist));
@@ -245,11 +297,11 @@ PlaylistProvider::Moved PlaylistProvider::recalculate(uint playlist)
     }
     const GuiPlaylist& old = **found;
     const uint count = m_entries.count(playlist);
-    moved.playlist = old.duration() != info.totalDuration || old.isInfinite() != info.isInfinite ||
-                     old.entryCount() != count;
+    moved.playlist =
+        old.duration() != times.total || old.isInfinite() != times.isInfinite || old.entryCount() != count;
     if (moved.playlist) {
         const auto updated = std::make_shared<GuiPlaylist>(old);
-        updated->setDuration(info.totalDuration, info.isInfinite);
+        updated->setDuration(times.total, times.isInfinite);
         updated->setEntryCount(count);
         *found = updated;
     }

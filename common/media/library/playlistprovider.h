@@ -6,6 +6,9 @@
 
 #include <QMap>
 
+#include <map>
+#include <vector>
+
 namespace vantrel {
 
 class AbstractMediaLibraryProvider;
@@ -40,6 +43,10 @@ public:
     void onEntryChanged(uint playlist, EntryAddress address) override;
     void onEntryRemoved(uint playlist, EntryAddress address) override;
     void onSlotModified(MediaAddress address) override;
+    /// Around the calls above that belong to one patch: the times of a playlist are worked out once, and what
+    /// moved is told at the end.
+    void onChangesStarted();
+    void onChangesFinished();
 
 private:
     /// What moved when the times of a playlist were worked out again.
@@ -49,6 +56,15 @@ private:
         bool playlist = false;
     };
 
+    using EntrySignal = void (AbstractPlaylistProvider::*)(uint, EntryAddress);
+    struct News
+    {
+        EntrySignal signal;
+        uint playlist;
+        EntryAddress address;
+    };
+
+    void announce(EntrySignal signal, uint playlist, EntryAddress address);
     void populate();
     bool loadPlaylist(uint playlist);
     bool loadEntry(uint playlist, EntryAddress address);
@@ -57,6 +73,7 @@ private:
     void warnWithoutSlot(const GuiPlaylistEntry& entry) const;
 
     Moved recalculate(uint playlist);
+    Moved updateTimes(uint playlist);
     void tell(uint playlist, const Moved& moved);
     void tellOfSlots(const QList<EntryTable::Place>& users);
     void onCollectionModified(uint collection);
@@ -65,6 +82,9 @@ private:
     AbstractMediaLibraryProvider* m_mediaProvider;
     QMap<uint, std::shared_ptr<const GuiPlaylist>> m_playlists;
     EntryTable m_entries;
+    bool m_isChanging = false;   // between the two calls around a patch
+    std::vector<News> m_news;    // of entries, for its end
+    std::map<uint, bool> m_late; // playlists to work out at its end, and whether they changed themselves
 };
 
 } // namespace vantrel

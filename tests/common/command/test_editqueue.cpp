@@ -1,12 +1,12 @@
 #include "common/command/libraryeditcommand.h"
-#include "common/media/edit/playlist/renameplaylistcommand.h"
+#include "common/media/edit/playlist/addmediatoplaylistcommand.h"
 #include "common/media/edit/slot/insertcollectioncommand.h"
 #include "common/media/edit/slot/renamecollectioncommand.h"
 #include "common/media/library/editqueue.h"
 #include "common/media/library/medialibraryapi.h"
 #include "common/notification/notificationmanagerimpl.h"
 #include "tarn/media/medialibrary.h"
-#include "tests/common/session/scriptedpeer.h"
+#include "tests/common/command/scriptedlibrary.h"
 #include "tests/support/testmain.h"
 
 #include <QTest>
@@ -20,76 +20,7 @@ class TestEditQueue : public QObject
     Q_OBJECT
 
 private:
-    /// A server with the library's rules: it takes what fits its revision, and tells of it when it is told
-    /// to.
-    struct Server
-    {
-        Server()
-        {
-            library = makeRef<MediaLibrary>();
-            library->insertMediaCollection(1, MediaCollection("one"), true);
-            peer.http.handler = [this, rest = peer.http.handler](const ScriptedHttp::Request& request) {
-                if (!request.target.endsWith("/medialibrary"))
-                    return rest(request);
-                return request.method == "PATCH" ? patch(request) : get();
-            };
-        }
-        ScriptedHttp::Reply get()
-        {
-            return {isBroken ? 500 : 200, QByteArray::fromStdString(library->toJson().toString())};
-        }
-        ScriptedHttp::Reply patch(const ScriptedHttp::Request& request)
-        {
-            if (breaksMine && request.body.contains("\"mine\""))
-                return {-1, {}};
-            if (isMute)
-                return {0, {}};
-            if (refusal != 0)
-                return {refusal, R"({"error":"the disk is full"})"};
-            Patch patch;
-            if (!Patch::parseString(request.body.toStdString(), patch) || library->applyDiff(patch) != 0)
-                return {409, R"({"error":"it does not fit"})"};
-            tell(patch);
-            return {200, "{}"};
-        }
-        /// On the event stream.
-        void tell(const Patch& patch) { peer.session->getMediaLibraryApi()->applyMediaLibraryPatch(patch); }
-        /// Somebody else's edit.
-        void edit(const char* text)
-        {
-            Patch patch;
-            if (!Patch::parseString(text, patch) || library->applyDiff(patch) != 0)
-                qFatal("bad patch in a test");
-            tell(patch);
-        }
-        bool connect()
-        {
-            return peer.connect() &&
-                   QTest::qWaitFor([this] { return peer.session->getMediaLibraryApi()->isCurrent(); });
-        }
-        template <typename Command, typename... Args>
-        bool run(Args... args)
-        {
-            auto command = std::make_unique<Command>();
-            if (!command->init(peer.session->mediaLibrary(), args...))
-                return false;
-            peer.session->executeCommand(command.release());
-            return true;
-        }
-        bool isIdle() { return peer.session->getMediaLibraryApi()->edits()->isEmpty(); }
-        QString name(int collection)
-        {
-            const MediaCollection* found = std::as_const(*library).findCollection(collection);
-            return found ? QString::fromStdString(found->getName()) : QString();
-        }
-
-        Ref<MediaLibrary> library;
-        ScriptedPeer peer;
-        int refusal = 0; // the status of every answer
-        bool isMute = false;
-        bool breaksMine = false;
-        bool isBroken = false;
-    };
+    using Server = ScriptedLibrary;
 
     static QStringList said()
     {
@@ -144,6 +75,35 @@ private Q_SLOTS:
         QCOMPARE(said().size(), 2);
         QVERIFY(said()[0].contains(QStringLiteral("Nobody knows")));
         QVERIFY(said()[1].contains(QStringLiteral("Insert collection 2")));
+    }
+
+    /// Whatever comes between an addition at the end of a list and its turn, it goes behind it.
+    void addsBehindWhatCameMeanwhile()
+    {
+        using Add = AddMediaToPlaylistCommand;
+        allowWarnings(QStringLiteral("Invalid entry slot url"));
+        Server server;
+        server.library->addPlaylist(1, Playlist("list"));
+        QVERIFY(server.connect());
+        const auto add = [&](const char* url) {
+            return server.run<Add>(1, Add::AtEnd, EntryAddress(), QList<QString>{QString::fromLatin1(url)});
+        };
+        QVERIFY(add("a") && add("b")); // within one round trip
+        QTRY_VERIFY(server.isIdle());
+        QCOMPARE(server.entries(1), QStringLiteral("1=a 2=b"));
+        server.isMute = true; // holds the others up
+        QVERIFY(server.run<RenameCollectionCommand>(1, QStringLiteral("mine")));
+        QTRY_COMPARE(server.peer.http.count("PATCH", "/medialibrary"), 3);
+        QVERIFY(add("c") && add("d"));
+        server.edit(R"([{"op":"add","path":"/playlists/1/entries/3","value":{"slotUrl":"theirs"}}])");
+        server.isMute = false;
+        server.breaksMine = true;
+        expectWarning(QStringLiteral("Failed due network error: "));
+        server.peer.http.breakOpen();
+        QTRY_VERIFY(server.isIdle());
+        QCOMPARE(server.entries(1), QStringLiteral("1=a 2=b 3=theirs 4=c 5=d"));
+        server.peer.session->getQUndoStack()->undo();
+        QTRY_COMPARE(server.entries(1), QStringLiteral("1=a 2=b 3=theirs 4=c"));
     }
 
     /// What was refused is not undone, and what others wrote over is not undone either.

@@ -17,6 +17,7 @@
 #include "common/media/items/guimediaslot.h"
 #include "tarn/media/mediaenums.h"
 #include "tarn/media/playenums.h"
+#include "tests/common/command/online.h"
 #include "tests/support/librarymaker.h"
 #include "tests/support/testmain.h"
 
@@ -25,28 +26,11 @@
 #include <functional>
 
 using namespace vantrel;
+using test::Make;
+using test::make;
+using test::Online;
 
 namespace {
-
-/// A command that takes a server for granted.
-template <typename Command>
-class Online : public Command
-{
-protected:
-    bool hasApi() const override { return true; }
-};
-
-using Make = std::function<std::unique_ptr<LibraryEditCommand>(const MediaLibrary*, bool& ok)>;
-
-template <typename Command, typename... Args>
-Make make(Args... args)
-{
-    return [=](const MediaLibrary* library, bool& ok) {
-        auto command = std::make_unique<Online<Command>>();
-        ok = command->init(library, args...);
-        return command;
-    };
-}
 
 Make makeScaling(int collection, int slot, ScaleMode mode)
 {
@@ -82,7 +66,6 @@ Ref<MediaLibrary> sample()
 
 } // namespace
 
-Q_DECLARE_METATYPE(Make)
 using Check = std::function<bool(const MediaLibrary&)>;
 Q_DECLARE_METATYPE(Check)
 

@@ -96,6 +96,24 @@ EntryAddress PlaylistEditorModel::selectedAddress() const
     return rows.isEmpty() ? EntryAddress() : getEntryAddress(rows.first());
 }
 
+/// What would change nothing makes no undo step. False when the command refuses: where it has found no room,
+/// this is told under the title, if there is one.
+template <typename Command, typename... Args>
+bool PlaylistEditorModel::run(const QString& failure, Args&&... args)
+{
+    auto command = std::make_unique<Command>();
+    if (!m_stack)
+        return false;
+    if (!command->init(std::forward<Args>(args)...)) {
+        if (command->wasRehearsed() && !failure.isEmpty())
+            showNoRoom(failure);
+        return false;
+    }
+    if (command->redoPatch().size() > 0)
+        m_stack->push(command.release());
+    return true;
+}
+
 void PlaylistEditorModel::insertAtSelection(AddMode mode, const QList<QString>& urls)
 {
     const EntryAddress selected = selectedAddress();
@@ -125,7 +143,8 @@ void PlaylistEditorModel::doInsertEnd(const QList<QString>& urls)
 void PlaylistEditorModel::doDropCollection(const QList<QString>& urls, const QModelIndex& target,
                                            AddMode mode)
 {
-    executeAddMediaCommand(mode, target.isValid() ? getEntryAddress(target) : EntryAddress(), urls);
+    const EntryAddress at = target.isValid() ? getEntryAddress(target) : EntryAddress();
+    executeAddMediaCommand(mode, mode == AddMediaToPlaylistCommand::After ? addressAbove(target) : at, urls);
 }
 
 void PlaylistEditorModel::executeAddMediaCommand(AddMode mode, const EntryAddress& address,
@@ -133,30 +152,38 @@ void PlaylistEditorModel::executeAddMediaCommand(AddMode mode, const EntryAddres
 {
     if (urls.isEmpty() || playlistNumber() == noPlaylist)
         return;
-    if (!hasPlaylist()) {
-        execute<NewPlaylistAndMediaCommand>(m_stack, "new playlist and media command", library(), urls,
-                                            number());
-        return;
-    }
-    if (!tryExecute<AddMediaToPlaylistCommand>(m_stack, library(), number(), mode, address, urls))
-        showNoRoom(tr("Unable to add media to playlist"));
+    const QString failure = tr("Unable to add media to playlist");
+    // A list that is on its way to the server counts as well.
+    if (!run<AddMediaToPlaylistCommand>(hasPlaylist() ? failure : QString(), library(), number(), mode,
+                                        address, urls) &&
+        !hasPlaylist())
+        run<NewPlaylistAndMediaCommand>(failure, library(), urls, number());
+}
+
+/// What stands behind a row on the screen stands in front of it in a list that is shown backwards: the
+/// address behind which a drop below that row goes.
+EntryAddress PlaylistEditorModel::addressAbove(const QModelIndex& target) const
+{
+    if (isAscending() || sortColumn() != NumberColumn)
+        return target.isValid() ? getEntryAddress(target) : EntryAddress();
+    return getAddressAtRow(index(0, NumberColumn), target.isValid() ? target.row() + 1 : 0);
 }
 
 void PlaylistEditorModel::doDropInsert(const QList<QModelIndex>& sources, const QModelIndex& target)
 {
-    const EntryAddress behind = target.isValid() ? getEntryAddress(target) : EntryAddress();
-    if (!tryExecute<DragPlaylistEntriesCommand>(m_stack, library(), number(), sortedAddresses(sources),
-                                                behind))
-        showNoRoom(tr("Unable to drag playlist entries"));
+    const EntryAddress behind = addressAbove(target);
+    if (sources.isEmpty())
+        return;
+    run<DragPlaylistEntriesCommand>(tr("Unable to drag playlist entries"), library(), number(),
+                                    sortedAddresses(sources), behind);
 }
 
 void PlaylistEditorModel::doDropReplace(const QList<QModelIndex>& sources, const QModelIndex& target)
 {
-    if (!target.isValid())
+    if (!target.isValid() || sources.isEmpty())
         return;
-    if (!tryExecute<ReplacePlaylistEntryCommand>(m_stack, library(), number(), sortedAddresses(sources),
-                                                 getEntryAddress(target)))
-        showNoRoom(tr("Unable to replace playlist entry"));
+    run<ReplacePlaylistEntryCommand>(tr("Unable to replace playlist entry"), library(), number(),
+                                     sortedAddresses(sources), getEntryAddress(target));
 }
 
 void PlaylistEditorModel::doMoveUp(const QList<QModelIndex>& indexes)
@@ -166,9 +193,8 @@ void PlaylistEditorModel::doMoveUp(const QList<QModelIndex>& indexes)
         qCWarning(lcMedia) << "Can't move up the topmost entry";
         return;
     }
-    if (!tryExecute<MovePlaylistEntriesCommand>(m_stack, library(), number(), sortedAddresses(indexes),
-                                                getAddressAtRow(*first, first->row() - 1)))
-        showNoRoom(tr("Unable to move playlist entries"));
+    run<MovePlaylistEntriesCommand>(tr("Unable to move playlist entries"), library(), number(),
+                                    sortedAddresses(indexes), getAddressAtRow(*first, first->row() - 1));
 }
 
 void PlaylistEditorModel::doMoveDown(const QList<QModelIndex>& indexes)
@@ -180,12 +206,12 @@ void PlaylistEditorModel::doMoveDown(const QList<QModelIndex>& indexes)
     }
     const QList<EntryAddress> addresses = sortedAddresses(indexes);
     const EntryAddress below = getAddressAtRow(*last, last->row() + 1);
-    if (below.isValid()) {
-        if (!tryExecute<MovePlaylistEntriesCommand>(m_stack, library(), number(), addresses, below))
-            showNoRoom(tr("Unable to move playlist entries"));
-    } else if (!tryExecute<AppendPlaylistEntriesCommand>(m_stack, library(), number(), addresses)) {
-        showNoRoom(tr("Unable to append entries to playlist"));
-    }
+    if (below.isValid())
+        run<MovePlaylistEntriesCommand>(tr("Unable to move playlist entries"), library(), number(), addresses,
+                                        below);
+    else
+        run<AppendPlaylistEntriesCommand>(tr("Unable to append entries to playlist"), library(), number(),
+                                          addresses);
 }
 
 void PlaylistEditorModel::doRemove(const QList<QModelIndex>& indexes)

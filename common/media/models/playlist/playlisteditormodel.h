@@ -95,6 +95,9 @@ private:
     QList<EntryAddress> sortedAddresses(const QList<QModelIndex>& indexes) const;
     void insertAtSelection(AddMode mode, const QList<QString>& urls);
     void executeAddMediaCommand(AddMode mode, const EntryAddress& address, const QList<QString>& urls);
+    template <typename Command, typename... Args>
+    bool run(const QString& failure, Args&&... args);
+    EntryAddress addressAbove(const QModelIndex& target) const;
     template <typename Edit>
     bool editEntries(const QList<QModelIndex>& indexes, const Edit& edit);
     void directPlay(bool preview, const QModelIndex& index, int channel);

@@ -70,13 +70,18 @@ bool PlaylistEditorModel::doPaste(const QMimeData* payload, const QModelIndex& a
     if (entries.isEmpty() || playlistNumber() == noPlaylist)
         return false;
     const bool atEnd = !after.isValid();
-    const bool isDone = tryExecute<PastePlaylistEntriesCommand>(
-        m_stack, library(), number(),
-        atEnd ? AddMediaToPlaylistCommand::AtEnd : AddMediaToPlaylistCommand::After,
-        atEnd ? EntryAddress() : getEntryAddress(after), entries);
-    if (!isDone)
-        showNoRoom(tr("Unable to paste playlist entries"));
-    return isDone;
+    auto command = std::make_unique<PastePlaylistEntriesCommand>();
+    if (!m_stack)
+        return false;
+    if (!command->init(library(), number(),
+                       atEnd ? AddMediaToPlaylistCommand::AtEnd : AddMediaToPlaylistCommand::After,
+                       atEnd ? EntryAddress() : getEntryAddress(after), entries)) {
+        if (command->wasRehearsed())
+            showNoRoom(tr("Unable to paste playlist entries"));
+        return false;
+    }
+    m_stack->push(command.release());
+    return true;
 }
 
 bool PlaylistEditorModel::doImport(const ImportPlaylistCommand::Entries& entries)

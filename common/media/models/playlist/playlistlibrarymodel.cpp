@@ -35,7 +35,7 @@ int PlaylistLibraryModel::columnCount(const QModelIndex& parent) const
 
 QVariant PlaylistLibraryModel::data(const QModelIndex& index, int role) const
 {
-    if (!checkIndex(index, CheckIndexOption::IndexIsValid))
+    if (!index.isValid() || index.row() >= m_items.size())
         return {};
     const PlaylistLibraryItem& item = m_items[index.row()];
     if (role == Qt::EditRole)
@@ -73,7 +73,7 @@ QVariant PlaylistLibraryModel::editData(const PlaylistLibraryItem& item, const Q
 
 bool PlaylistLibraryModel::setData(const QModelIndex& index, const QVariant& value, int role)
 {
-    if (!checkIndex(index, CheckIndexOption::IndexIsValid) || index.column() != PlainNameColumn ||
+    if (!index.isValid() || index.row() >= m_items.size() || index.column() != PlainNameColumn ||
         (role != Qt::EditRole && role != Qt::DisplayRole))
         return false;
     m_items[index.row()].name = value.toString();

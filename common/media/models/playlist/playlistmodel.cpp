@@ -4,7 +4,6 @@
 #include "common/media/address/mediautils.h"
 #include "common/media/items/abstractplaylistprovider.h"
 #include "common/media/items/guiplaylistentry.h"
-#include "common/media/models/playlist/playlistorder.h"
 #include "common/media/net/mediadataaggregator.h"
 #include "common/media/net/mediastateprovider.h"
 #include "common/session/mirror/guiplayback.h"
@@ -57,6 +56,8 @@ void PlaylistModel::connectProvider()
     connect(m_provider, &Provider::entryChanged, this, &PlaylistModel::onEntryChanged);
     connect(m_provider, &Provider::entryRemoved, this, &PlaylistModel::onEntryRemoved);
     connect(m_provider, &Provider::entrySlotsModified, this, &PlaylistModel::onSlotsModified);
+    connect(m_provider, &Provider::changesStarted, this, [this] { m_isChanging = true; });
+    connect(m_provider, &Provider::changesFinished, this, &PlaylistModel::onChangesFinished);
 }
 
 void PlaylistModel::connectChannels(const QSet<PlaybackViewMode>& modes)
@@ -104,7 +105,7 @@ QVariant PlaylistModel::headerData(int section, Qt::Orientation orientation, int
 Qt::ItemFlags PlaylistModel::flags(const QModelIndex& index) const
 {
     Qt::ItemFlags flags = QAbstractTableModel::flags(index);
-    const auto entry = checkIndex(index, CheckIndexOption::IndexIsValid) ? m_rows.at(index.row()) : nullptr;
+    const auto entry = getEntry(index);
     if (!entry)
         return flags;
     // A cut takes no time.
@@ -131,7 +132,8 @@ AbstractPlaylistProvider* PlaylistModel::playlistProvider() const
 
 std::shared_ptr<const GuiPlaylistEntry> PlaylistModel::getEntry(const QModelIndex& index) const
 {
-    return checkIndex(index, CheckIndexOption::IndexIsValid) ? m_rows.at(index.row()) : nullptr;
+    const bool isHere = index.isValid() && index.model() == this && index.row() < m_rows.size();
+    return isHere ? m_rows.at(index.row()) : nullptr;
 }
 
 EntryAddress PlaylistModel::getEntryAddress(const QModelIndex& index) const
@@ -181,6 +183,7 @@ void PlaylistModel::onReset()
 void PlaylistModel::populate()
 {
     clearCachedData();
+    m_isBehind = false;
     if (m_provider && m_playlist != noPlaylist)
         m_rows.assign(m_provider->entries(m_playlist));
     sortData();
@@ -189,6 +192,8 @@ void PlaylistModel::populate()
 void PlaylistModel::clearCachedData()
 {
     m_rows.clear();
+    m_urls.clear();
+    m_areUrlsKnown = false;
 }
 
 void PlaylistModel::sort(int column, Qt::SortOrder order)
@@ -198,24 +203,42 @@ void PlaylistModel::sort(int column, Qt::SortOrder order)
         return;
     m_sortColumn = column;
     m_isAscending = order == Qt::AscendingOrder;
-    Q_EMIT layoutAboutToBeChanged({}, QAbstractItemModel::VerticalSortHint);
-    const QModelIndexList before = persistentIndexList();
-    QList<EntryAddress> addresses;
-    for (const QModelIndex& index : before)
-        addresses.append(m_rows.at(index.row())->address());
-    sortData();
-    QModelIndexList after;
-    for (qsizetype i = 0; i < before.size(); ++i)
-        after.append(index(m_rows.rowOf(addresses[i]), before[i].column()));
-    changePersistentIndexList(before, after);
-    Q_EMIT layoutChanged({}, QAbstractItemModel::VerticalSortHint);
+    m_isOrderDoubtful = false;
+    relayout(rowOrder().sorted(m_rows.items()), {});
     if (m_rows.size() > 0)
         Q_EMIT dataChanged(index(0, 0), index(m_rows.size() - 1, ColumnCount - 1));
 }
 
+PlaylistOrder PlaylistModel::rowOrder() const
+{
+    return {*this, m_sortColumn, m_isAscending};
+}
+
 void PlaylistModel::sortData()
 {
-    m_rows.assign(PlaylistOrder(*this, m_sortColumn, m_isAscending).sorted(m_rows.items()));
+    m_isOrderDoubtful = false;
+    m_rows.assign(rowOrder().sorted(m_rows.items()));
+}
+
+/// The same entries in another order; those that "moved" names have got another address. Selections and
+/// editors stay with their entries.
+void PlaylistModel::relayout(const QList<Item>& items, const QHash<EntryAddress, EntryAddress>& moved)
+{
+    Q_EMIT layoutAboutToBeChanged({}, QAbstractItemModel::VerticalSortHint);
+    const QModelIndexList before = persistentIndexList();
+    QList<EntryAddress> addresses;
+    addresses.reserve(before.size());
+    for (const QModelIndex& index : before) {
+        const EntryAddress address = m_rows.at(index.row())->address();
+        addresses.append(moved.value(address, address));
+    }
+    m_rows.assign(items);
+    QModelIndexList after;
+    after.reserve(before.size());
+    for (qsizetype i = 0; i < before.size(); ++i)
+        after.append(index(m_rows.rowOf(addresses[i]), before[i].column()));
+    changePersistentIndexList(before, after);
+    Q_EMIT layoutChanged({}, QAbstractItemModel::VerticalSortHint);
 }
 
 void PlaylistModel::onPlaylistRemoved(uint playlist)
@@ -226,7 +249,7 @@ void PlaylistModel::onPlaylistRemoved(uint playlist)
 
 void PlaylistModel::onEntryAdded(uint playlist, EntryAddress address)
 {
-    if (playlist != m_playlist || !m_provider)
+    if (playlist != m_playlist || !m_provider || isBehind())
         return;
     const auto entry = m_provider->entry(playlist, address);
     if (!entry) {
@@ -237,16 +260,13 @@ void PlaylistModel::onEntryAdded(uint playlist, EntryAddress address)
         onEntryChanged(playlist, address);
         return;
     }
-    const int row = PlaylistOrder(*this, m_sortColumn, m_isAscending).rowFor(m_rows.items(), entry);
-    beginInsertRows({}, row, row);
-    m_rows.insert(row, {entry});
-    endInsertRows();
+    insertItems({entry});
     Q_EMIT entriesAdded(playlist, {address});
 }
 
 void PlaylistModel::onEntryChanged(uint playlist, EntryAddress address)
 {
-    if (playlist != m_playlist || !m_provider)
+    if (playlist != m_playlist || !m_provider || isBehind())
         return;
     const int row = m_rows.rowOf(address);
     if (row < 0) {
@@ -260,31 +280,36 @@ void PlaylistModel::onEntryChanged(uint playlist, EntryAddress address)
         return;
     }
     m_rows.replace(row, entry);
+    knowUrl(*entry);
+    doubtOrder();
     emitDataChangedOnRow(row);
 }
 
 void PlaylistModel::onEntryRemoved(uint playlist, EntryAddress address)
 {
-    if (playlist != m_playlist)
+    if (playlist != m_playlist || isBehind())
         return;
     const int row = m_rows.rowOf(address);
     if (row < 0) {
         warnMissing(playlist, address);
         return;
     }
-    beginRemoveRows({}, row, row);
-    m_rows.remove(row, 1);
-    endRemoveRows();
+    removeItems({row});
     Q_EMIT entriesRemoved(playlist, {address});
 }
 
 void PlaylistModel::onSlotsModified(const QList<std::pair<uint, EntryAddress>>& entries)
 {
+    std::vector<int> rows;
     for (const auto& [playlist, address] : entries) {
         const int row = playlist == m_playlist ? m_rows.rowOf(address) : -1;
-        if (row >= 0)
-            emitDataChangedOnRow(row);
+        if (row < 0)
+            continue;
+        rows.push_back(row);
+        knowUrl(*m_rows.at(row));
     }
+    doubtOrder();
+    emitDataChangedOn(std::move(rows));
 }
 
 void PlaylistModel::onSlotModified(uint playlist, EntryAddress address)
@@ -328,6 +353,7 @@ void PlaylistModel::follow(Playing& playing, const GUIPlayback* channel)
                                             : media::PlaylistAndEntry();
     const Playing before =
         std::exchange(playing, now.valid ? Playing{static_cast<uint>(now.playlist), now.entry} : Playing());
+    doubtOrder();
     for (const Playing& changed : {before, playing}) {
         const int row = changed.playlist == m_playlist ? m_rows.rowOf(changed.entry) : -1;
         if (row >= 0)
@@ -343,6 +369,7 @@ void PlaylistModel::emitDataChangedOnRow(int row, int firstColumn, int lastColum
 /// column: -1 for all of them.
 void PlaylistModel::emitDataChangedFor(const QUrl& mediaUrl, int column)
 {
+    doubtOrder();
     for (const EntryAddress& address : getEntriesUsingMediaUrl(mediaUrl)) {
         const int row = m_rows.rowOf(address);
         emitDataChangedOnRow(row, std::max(column, 0), column < 0 ? ColumnCount - 1 : column);

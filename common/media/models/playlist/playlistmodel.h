@@ -1,18 +1,23 @@
 #pragma once
 
+#include "common/media/address/entryaddresshash.h"
 #include "common/media/address/mediastate.h"
+#include "common/media/models/playlist/playlistorder.h"
 #include "common/media/models/playlist/playlistrows.h"
+#include "common/media/models/urlindex.h"
 #include "common/media/net/metadataprovider.h"
 #include "tarn/media/channelenums.h"
 #include "tarn/media/entryaddress.h"
 #include "tarn/media/mediaaddress.h"
 
 #include <QAbstractTableModel>
+#include <QHash>
 #include <QPointer>
 #include <QSet>
 
 #include <memory>
 #include <utility>
+#include <vector>
 
 namespace vantrel {
 
@@ -145,12 +150,26 @@ private:
         EntryAddress entry;
     };
     using Item = PlaylistRows::Item;
+    struct Difference;
 
     void connectProvider();
     void connectChannels(const QSet<PlaybackViewMode>& modes);
     void populate();
     void clearCachedData();
+    PlaylistOrder rowOrder() const;
     void sortData();
+    void relayout(const QList<Item>& items, const QHash<EntryAddress, EntryAddress>& moved);
+    bool isBehind();
+    void onChangesFinished();
+    Difference compare(const QList<Item>& now) const;
+    void synchronise();
+    void findFates(Difference& difference);
+    void applyFates(const QHash<EntryAddress, Item>& fates);
+    void removeItems(std::vector<int> rows);
+    void insertItems(const QList<Item>& items);
+    void doubtOrder();
+    void knowUrl(const GuiPlaylistEntry& entry) const;
+    void learnUrls() const;
     void follow(Playing& playing, const GUIPlayback* channel);
     const MediaSlot* recordOf(const GuiPlaylistEntry& entry) const;
     bool isPlaying(const Playing& playing, const GuiPlaylistEntry& entry) const;
@@ -158,6 +177,7 @@ private:
     QVariant editData(const GuiPlaylistEntry& entry, int column) const;
     QVariant rowData(const GuiPlaylistEntry& entry, int role) const;
     void emitDataChangedOnRow(int row, int firstColumn = 0, int lastColumn = ColumnCount - 1);
+    void emitDataChangedOn(std::vector<int> rows);
     void emitDataChangedFor(const QUrl& mediaUrl, int column);
     void warnMissing(uint playlist, EntryAddress address) const;
 
@@ -172,6 +192,11 @@ private:
     Playing m_programPlaying;
     int m_sortColumn = NumberColumn;
     bool m_isAscending = true;
+    bool m_isChanging = false; // within a patch: what it changes is taken over at its end
+    bool m_isBehind = false;   // and it changes something here
+    bool m_isOrderDoubtful = false;
+    mutable UrlIndex m_urls;             // of the slots that are played here, and of some that were
+    mutable bool m_areUrlsKnown = false; // since somebody asked
 };
 
 } // namespace vantrel

@@ -1,4 +1,5 @@
 // What a cell of the table of entries shows, and where it comes from.
+#include "common/media/address/mediaaddresshash.h"
 #include "common/media/address/mediautils.h"
 #include "common/media/items/abstractplaylistprovider.h"
 #include "common/media/items/guimediaslot.h"
@@ -19,9 +20,10 @@ using media::MediaUtils;
 
 QVariant PlaylistModel::data(const QModelIndex& index, int role) const
 {
-    if (!checkIndex(index, CheckIndexOption::IndexIsValid))
+    const Item item = getEntry(index);
+    if (!item)
         return {};
-    const GuiPlaylistEntry& entry = *m_rows.at(index.row());
+    const GuiPlaylistEntry& entry = *item;
     switch (role) {
     case Qt::DisplayRole:
         return index.column() == ThumbnailColumn ? getThumbnail(entry) : displayData(entry, index.column());
@@ -215,14 +217,50 @@ qint64 PlaylistModel::knownSize(const GuiPlaylistEntry& entry) const
     return metadata ? metadata->getFileSize().value_or(0) : 0;
 }
 
+void PlaylistModel::knowUrl(const GuiPlaylistEntry& entry) const
+{
+    MediaAddress address;
+    if (!m_areUrlsKnown || !address.parseString(entry.slotUrl().toStdString()))
+        return;
+    const MediaSlot* slot = recordOf(entry);
+    const std::string url = slot ? slot->getUrl() : std::string();
+    if (slot && !m_urls.candidates(QUrl(QString::fromStdString(url))).contains(address))
+        m_urls.insert(url, address);
+}
+
+void PlaylistModel::learnUrls() const
+{
+    m_urls.clear();
+    m_areUrlsKnown = true;
+    QSet<MediaAddress> known;
+    MediaAddress address;
+    for (const Item& item : m_rows.items()) {
+        if (!address.parseString(item->slotUrl().toStdString()) || known.contains(address))
+            continue;
+        known.insert(address);
+        if (const MediaSlot* slot = recordOf(*item))
+            m_urls.insert(slot->getUrl(), address);
+    }
+}
+
 QList<EntryAddress> PlaylistModel::getEntriesUsingMediaUrl(const QUrl& url) const
 {
     QList<EntryAddress> addresses;
-    for (const int row : m_rows.byAddress()) {
-        const MediaSlot* slot = recordOf(*m_rows.at(row));
-        if (slot && QUrl(QString::fromStdString(slot->getUrl())) == url)
-            addresses.append(m_rows.at(row)->address());
+    const MediaLibrary* library = m_provider ? m_provider->mediaLibrary() : nullptr;
+    if (!library || url.isEmpty())
+        return addresses;
+    if (!m_areUrlsKnown)
+        learnUrls();
+    for (const MediaAddress& address : m_urls.candidates(url)) {
+        const MediaSlot* slot = library->findSlot(address.collection, address.slot);
+        if (!slot || QUrl(QString::fromStdString(slot->getUrl())) != url)
+            continue;
+        for (const auto& entry : m_provider->slotEntries(address)) {
+            if (entry->playlistNumber() == m_playlist && m_rows.rowOf(entry->address()) >= 0)
+                addresses.append(entry->address());
+        }
     }
+    std::sort(addresses.begin(), addresses.end());
     return addresses;
 }
 

@@ -25,7 +25,7 @@ PlaylistOrder::Key PlaylistOrder::keyOf(const Item& item) const
     case PlaylistModel::StateColumn:
         return {static_cast<double>(m_model.knownState(*item)), {}};
     case PlaylistModel::MediaColumn:
-        return {0, m_model.mediaName(*item)};
+        return {0, m_model.mediaName(*item).toCaseFolded()};
     case PlaylistModel::DurationColumn:
         return {m_model.shownDuration(*item), {}};
     case PlaylistModel::TransitionDurationColumn:
@@ -41,7 +41,7 @@ bool PlaylistOrder::isBefore(const Key& a, const Item& first, const Key& b, cons
 {
     if (a.number != b.number)
         return (a.number < b.number) == m_isAscending;
-    if (const int order = a.text.compare(b.text, Qt::CaseInsensitive); order != 0)
+    if (const int order = a.text.compare(b.text); order != 0)
         return (order < 0) == m_isAscending;
     const bool isAscending = m_isAscending || m_column != PlaylistModel::NumberColumn;
     return isAscending ? first->address() < second->address() : second->address() < first->address();

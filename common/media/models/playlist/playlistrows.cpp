@@ -42,6 +42,7 @@ void PlaylistRows::insert(int row, const QList<Item>& items)
     std::ranges::copy(items, m_items.begin() + row);
     std::vector<int> added(static_cast<std::size_t>(count));
     std::iota(added.begin(), added.end(), row);
+    std::ranges::sort(added, {}, [this](int r) { return addressAt(r); });
     const auto old = static_cast<std::ptrdiff_t>(m_byAddress.size());
     m_byAddress.insert(m_byAddress.end(), added.begin(), added.end());
     std::ranges::inplace_merge(m_byAddress, m_byAddress.begin() + old, {},

@@ -31,7 +31,7 @@ public:
     void clear() { assign({}); }
     /// The item has the same address as what stands there.
     void replace(int row, const Item& item) { m_items[row] = item; }
-    /// Entries whose addresses are ascending and not here yet, in consecutive rows from "row" on.
+    /// Entries whose addresses are not here yet, in consecutive rows from "row" on.
     void insert(int row, const QList<Item>& items);
     void remove(int row, int count);
 
