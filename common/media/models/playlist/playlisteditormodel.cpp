@@ -1,6 +1,6 @@
 #include "common/media/models/playlist/playlisteditormodel.h"
 
-#include "common/command/commandlogging.h"
+#include "common/command/commandgate.h"
 #include "common/command/execute.h"
 #include "common/command/playback/playmediacommand.h"
 #include "common/media/address/medialogging.h"
@@ -109,7 +109,7 @@ bool PlaylistEditorModel::run(const QString& failure, Args&&... args)
             showNoRoom(failure);
         return false;
     }
-    if (command->redoPatch().size() > 0)
+    if (command->redoPatch().size() > 0 && CommandGate::passes(m_stack, command->text()))
         m_stack->push(command.release());
     return true;
 }
@@ -234,6 +234,8 @@ int PlaylistEditorModel::doRenumber(const EntryAddress& start, const QList<Entry
         return 1;
     auto command = std::make_unique<RenumberPlaylistCommand>();
     if (command->init(library(), number(), start, entries)) {
+        if (!CommandGate::passes(m_stack, command->text()))
+            return 1;
         m_stack->push(command.release());
         return 0;
     }

@@ -1,4 +1,5 @@
 // Entries that come from elsewhere: the clipboard, another list, a file.
+#include "common/command/commandgate.h"
 #include "common/command/execute.h"
 #include "common/media/address/mediautils.h"
 #include "common/media/edit/playlist/listedit.h"
@@ -80,6 +81,8 @@ bool PlaylistEditorModel::doPaste(const QMimeData* payload, const QModelIndex& a
             showNoRoom(tr("Unable to paste playlist entries"));
         return false;
     }
+    if (!CommandGate::passes(m_stack, command->text()))
+        return false;
     m_stack->push(command.release());
     return true;
 }

@@ -4,6 +4,7 @@
 #include "common/media/models/playlist/playlistmodel.h"
 
 #include <algorithm>
+#include <numeric>
 #include <vector>
 
 namespace vantrel {
@@ -49,20 +50,23 @@ bool PlaylistOrder::isBefore(const Key& a, const Item& first, const Key& b, cons
 
 QList<PlaylistOrder::Item> PlaylistOrder::sorted(const QList<Item>& items) const
 {
-    std::vector<std::pair<Key, Item>> keyed;
-    keyed.reserve(static_cast<std::size_t>(items.size()));
+    std::vector<Key> keys;
+    keys.reserve(static_cast<std::size_t>(items.size()));
     for (const Item& item : items)
-        keyed.emplace_back(keyOf(item), item);
-    const auto before = [this](const auto& a, const auto& b) {
-        return isBefore(a.first, a.second, b.first, b.second);
+        keys.push_back(keyOf(item));
+    std::vector<int> places(keys.size()); // numbers are cheaper to move about than what they stand for
+    std::iota(places.begin(), places.end(), 0);
+    const auto before = [&](int a, int b) {
+        return isBefore(keys[static_cast<std::size_t>(a)], items[a], keys[static_cast<std::size_t>(b)],
+                        items[b]);
     };
-    if (std::is_sorted(keyed.begin(), keyed.end(), before))
+    if (std::is_sorted(places.begin(), places.end(), before))
         return items;
-    std::sort(keyed.begin(), keyed.end(), before);
+    std::sort(places.begin(), places.end(), before);
     QList<Item> sorted;
     sorted.reserve(items.size());
-    for (auto& [key, item] : keyed)
-        sorted.append(std::move(item));
+    for (const int place : places)
+        sorted.append(items[place]);
     return sorted;
 }
 
