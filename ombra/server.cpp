@@ -15,6 +15,7 @@
 #include "ombra/show/scenesettings.h"
 #include "ombra/show/showfiles.h"
 #include "ombra/show/showstore.h"
+#include "ombra/show/slotfacts.h"
 #include "ombra/show/slotprober.h"
 #include "tarn/discovery/networklocator.h"
 #include "tarn/log/log.h"
@@ -40,7 +41,7 @@ void probeSome(const std::filesystem::path& media, MediaLibrary& library)
             if (std::chrono::steady_clock::now() > deadline)
                 return;
             MediaSlot probed = slot;
-            if (probeSlot(media, probed))
+            if (applyFacts(probeFacts(media, slot.getUrl()), probed))
                 library.findCollection(index)->insertMediaSlot(number, probed, true);
         }
     }
@@ -96,7 +97,7 @@ bool Server::start(std::string* error)
     });
     m_prober = std::make_unique<SlotProber>(m_io, m_options.media, *m_store);
     watchMedia();
-    m_prober->probeUnknown(); // what the first start had no time for
+    m_prober->probeAll(); // what the first start had no time for, and what came and went meanwhile
     m_store->addLibraryListener([this](const Patch& patch) { m_prober->probeEdited(patch); });
     return true;
 }
@@ -172,12 +173,24 @@ void Server::watchMedia()
                 m_http->broadcastSocket(
                     Json::object({{"type", "metadata-changed"}, {"mediaUrl", url}}).toString());
             m_http->broadcastSocket(Json::object({{"type", type}, {"mediaUrl", url}}).toString());
-            if (event != MediaWatcher::Event::Removed)
-                m_prober->probeAgain(url);
+            m_prober->probeAgain(url, event == MediaWatcher::Event::Changed);
         });
     std::string why;
     if (!m_watcher->start(&why))
         Log::write(LogLevel::Warning, "vantrel.show", why);
+    m_watcher->setFolderListener([this](MediaWatcher::Folder folder) { tellFolder(folder); });
+}
+
+void Server::tellFolder(MediaWatcher::Folder folder)
+{
+    std::string sentence;
+    if (folder == MediaWatcher::Folder::Gone)
+        sentence = "The media folder " + m_options.media.string() +
+                   " is not there. Mount its disk or make it again: what comes back can be played at once.";
+    else if (folder == MediaWatcher::Folder::Empty && !m_store->library().getCollections().empty())
+        sentence = "The media folder " + m_options.media.string() +
+                   " is empty. Mount its disk or copy the media there again.";
+    m_notices->set("media", sentence);
 }
 
 bool Server::invoke(PathView methodPath, const Json& args, std::string* error)

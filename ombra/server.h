@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ombra/show/mediawatcher.h"
 #include "tarn/scene/scene.h"
 
 #include <boost/asio/io_context.hpp>
@@ -20,7 +21,6 @@ class Engine;
 class HttpServer;
 class LinkServer;
 class MediaData;
-class MediaWatcher;
 class NoticeBoard;
 class Outputs;
 class PreviewServer;
@@ -65,6 +65,7 @@ private:
     void startEngine();
     void restartPlayers();
     void watchMedia();
+    void tellFolder(MediaWatcher::Folder folder);
     bool invoke(PathView methodPath, const Json& args, std::string* error);
     void propertyWritten(Object* object, const PropertyInfo* property);
 

@@ -79,6 +79,38 @@ class Window:
         time.sleep(2)
         self.rest()
 
+    def build_list(self):
+        """All slots of the panel as a playlist; the server keeps it for the pictures after this one."""
+        self.robot.find("Preview-PlaylistContainer-playlist")
+        self.robot.slot(0)
+        if self.cell("Preview-PlaylistContainer-playlist", 0) is None:
+            self.robot.ask(operation="focus", objectName="MediaPanel-slots-view")
+            for key in ("Up", "CtrlA", "Insert"):
+                self.robot.ask(operation="key_press", keyName=key)
+        wait(lambda: self.cell("Preview-PlaylistContainer-playlist", 0), "the playlist")
+
+    def cell(self, view, row, column=6):
+        name = f"{view}-row{row}-col{column}"
+        return next((item for item in self.robot.ask(objectName=view, maxResults=1)
+                     if item.get("objectName") == name), None)
+
+    def run_list(self):
+        """The first entry on program, the third on preview, with its row selected."""
+        self.build_list()
+        if not self.robot.find("Preview-PlaylistEditor-pin-button").get("checked"):
+            self.click("Preview-PlaylistEditor-pin-button")
+        self.click("TakeControls-DirectCut-Button")
+        self.click("TakeControls-Copy-Button")
+        for row in (0, 2):
+            self.robot.mouse("double_click", self.cell("Preview-PlaylistContainer-playlist", row))
+            place = "Preview-PlaybackWidget-Header-MediaLocation"
+            wait(lambda number=row + 1: self.robot.find(place)["text"] == f"{number}:", "the cued entry")
+            if row == 0:
+                self.click("TakeControls-Take-Button")
+                wait(lambda: self.robot.find("Program-PlaybackWidget-Header-MediaLocation")["text"] == "1:", "the take")
+        time.sleep(2)
+        self.rest()
+
     def rest(self):
         """Nothing under the mouse, and no tooltip."""
         self.robot.mouse("move_to", self.robot.find("StatusBar"))
@@ -141,6 +173,12 @@ def wait(condition, what):
 def player(options, name, **how):
     with Window(options, **how) as window:
         window.run_show()
+        window.shoot(options.out / f"{name}.png")
+
+
+def cue_list(options, name, **how):
+    with Window(options, **how) as window:
+        window.run_list()
         window.shoot(options.out / f"{name}.png")
 
 
@@ -266,7 +304,7 @@ def silent(options):
         os.kill(options.ombra, signal.SIGSTOP)
         try:
             for each, name in ((window, "silent"), (small, "silent-huge-1280x720")):
-                wait(lambda: each.robot.find("PlayerTab-link-banner")["text"] >= "No answer for 3", "the silence")
+                wait(lambda: each.robot.find("MainNavigationBar-link-banner")["text"] >= "No answer for 3", "the silence")
                 each.shoot(options.out / f"{name}.png")
         finally:
             os.kill(options.ombra, signal.SIGCONT)
@@ -275,6 +313,7 @@ def silent(options):
 def refused(options):
     with Window(options) as window:
         window.robot.find("ConnectDialog-text")
+        window.robot.ask(operation="raise", objectName="ConnectDialog")  # above the window, which was raised
         time.sleep(1)
         window.shoot(options.out / "refused.png")
 
@@ -314,6 +353,12 @@ SCREENS = {
     "connect-huge-1280x720": lambda options: connect(options, "connect-huge-1280x720", **HUGE),
     "keyboard": lambda options: keyboard(options, "keyboard"),
     "keyboard-huge-1280x720": lambda options: keyboard(options, "keyboard-huge-1280x720", **HUGE),
+    "cue-list-small": lambda options: cue_list(options, "cue-list-small", text="small"),
+    "cue-list-medium": lambda options: cue_list(options, "cue-list-medium"),
+    "cue-list-large": lambda options: cue_list(options, "cue-list-large", text="large"),
+    "cue-list-huge": lambda options: cue_list(options, "cue-list-huge", text="huge"),
+    "cue-list-medium-1280x720": lambda options: cue_list(options, "cue-list-medium-1280x720", size=(1280, 720)),
+    "cue-list-huge-1280x720": lambda options: cue_list(options, "cue-list-huge-1280x720", **HUGE),
     "sound-alone": lambda options: waiting(options, 5, "sound-alone"),
     "unplayable": lambda options: waiting(options, 6, "unplayable"),
     "disconnect": disconnect,

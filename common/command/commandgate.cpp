@@ -13,7 +13,8 @@ CommandGate::CommandGate(QUndoStack* stack)
 
 bool CommandGate::passes(const QUndoStack* stack, const QString& command)
 {
-    const auto* gate = stack ? stack->findChild<CommandGate*>(QString(), Qt::FindDirectChildrenOnly) : nullptr;
+    const auto* gate =
+        stack ? stack->findChild<CommandGate*>(QString(), Qt::FindDirectChildrenOnly) : nullptr;
     if (!gate || gate->m_reason.isEmpty())
         return true;
     tellNotDone(command, gate->m_reason);

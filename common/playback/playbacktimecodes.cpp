@@ -80,7 +80,7 @@ void PlaybackTimecodes::setMiddle(QWidget* widget)
 void PlaybackTimecodes::placeMiddle()
 {
     if (m_middle)
-        m_layout->addWidget(m_middle, 0, 2, m_isStacked ? 2 : 1, 1);
+        m_layout->addWidget(m_middle, 0, 2, 1, m_isStacked ? 3 : 1);
 }
 
 QSize PlaybackTimecodes::sizeHint() const

@@ -97,7 +97,8 @@ void PlaybackWidget::createChildren()
         m_slider->setMarkerColor(colors::getColor(colors::Zt_red));
         auto* next = new NextEntryLabel(m_session, m_timecodes);
         next->setObjectName(QStringLiteral("Program-PlaybackWidget-Next"));
-        next->setAlignment(Qt::AlignCenter);
+        next->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+        next->setIndent(spacing::normal);
         m_timecodes->setMiddle(next);
     }
     m_durationEdit->setEnabled(isPreview());

@@ -218,9 +218,9 @@ bool TakeControls::takePreset() const
     return m_presetGroup->checkedButton() == m_swap;
 }
 
-void TakeControls::setTakePreset(bool swap)
+void TakeControls::setTakePreset(bool presetToggle)
 {
-    (swap ? m_swap : m_copy)->setChecked(true);
+    (presetToggle ? m_swap : m_copy)->setChecked(true);
 }
 
 void TakeControls::setObject(Object* object, Scene* scene)
@@ -321,14 +321,8 @@ void TakeControls::handleTake()
 {
     if (!m_takeButton->isEnabled())
         return;
-    bool swap = true;
-    if (Configuration* settings = configuration()) {
-        settings->beginGroup(getConfigGroup());
-        swap = settings->value(TAKE_PRESET_TOGGLE).toBool();
-        settings->endGroup();
-    }
-    execute<TakeCommand>(m_stack, "take command", m_object.get(), swap, transitionFrom(), takeTransition(),
-                         takeDuration());
+    execute<TakeCommand>(m_stack, "take command", m_object.get(), takePreset(), transitionFrom(),
+                         takeTransition(), takeDuration());
 }
 
 void TakeControls::handleButtonChanged(QAbstractButton* button)

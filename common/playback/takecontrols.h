@@ -45,7 +45,7 @@ public:
     void setTakeDuration(double seconds);
     /// True swaps preview and program on take, false copies preview.
     bool takePreset() const;
-    void setTakePreset(bool swap);
+    void setTakePreset(bool presetToggle);
 
     /// The channel, or null; what was chosen so far stays with the group it was chosen under.
     void setObject(Object* object, Scene* scene);

@@ -104,7 +104,10 @@ void ChannelWidget::adjustSplitters()
         return;
     int position = std::min(m_previewSplitter->getClosestPixelPosition(1, playbackShare),
                             m_programSplitter->getClosestPixelPosition(1, playbackShare));
-    // No more than the pictures fill, and no less than they need to be made out.
+    // The playlists below are to show some entries. No more than the pictures fill, and no less than they
+    // need to be made out.
+    const int below = std::max(m_previewPlaylist->usefulHeight(), m_programPlaylist->usefulHeight());
+    position = std::min(position, m_previewSplitter->height() - m_previewSplitter->handleWidth() - below);
     const auto highest = [this](auto height) { return std::max(height(m_preview), height(m_program)); };
     position = std::min(position, highest([](const PlaybackWidget* column) {
                             return column->heightForPicture(column->pictureHeight());

@@ -1,6 +1,7 @@
 #include "common/player/linkbanner.h"
 
 #include "common/session/link/linkhealth.h"
+#include "common/session/session.h"
 #include "common/ui/style/dynamicstyle.h"
 
 namespace vantrel {
@@ -9,15 +10,17 @@ namespace {
 constexpr int padding = 2; // pixels above and below the text
 }
 
-LinkBanner::LinkBanner(const LinkHealth* health, QWidget* parent)
+LinkBanner::LinkBanner(const Session* session, QWidget* parent)
     : ElidedLabel(parent)
-    , m_health(health)
+    , m_health(session->linkHealth())
 {
-    setObjectName(QStringLiteral("PlayerTab-link-banner"));
+    setObjectName(QStringLiteral("MainNavigationBar-link-banner"));
     setElided(true);
     setAlignment(Qt::AlignCenter);
     setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
-    connect(health, &LinkHealth::changed, this, &LinkBanner::showHealth);
+    connect(m_health, &LinkHealth::changed, this, &LinkBanner::showHealth);
+    connect(session, &Session::disconnected, this, [this] { setReading(true); });
+    connect(session, &Session::sceneLoaded, this, [this] { setReading(false); });
     showHealth();
 }
 

@@ -7,7 +7,6 @@
 #include "common/playback/columnstep.h"
 #include "common/playback/playbacklogging.h"
 #include "common/player/channelwidget.h"
-#include "common/player/linkbanner.h"
 #include "common/player/playerkeys.h"
 #include "common/session/link/linkhealth.h"
 #include "common/session/link/signalrelay.h"
@@ -146,7 +145,6 @@ QWidget* PlayerPlaybackView::createEmptyState()
 QWidget* PlayerPlaybackView::createChannelArea()
 {
     auto* page = new QWidget(this);
-    m_banner = new LinkBanner(m_session->linkHealth(), page);
     m_channels = new QWidget(page);
     auto* channelLayout = new QVBoxLayout(m_channels);
     channelLayout->setContentsMargins(0, 0, 0, 0);
@@ -154,7 +152,6 @@ QWidget* PlayerPlaybackView::createChannelArea()
 
     auto* layout = new QVBoxLayout(page);
     layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(m_banner);
     layout->addWidget(m_channels, 1);
     return page;
 }
@@ -193,7 +190,6 @@ void PlayerPlaybackView::onWidgetAdded(QWidget* widget, const QModelIndex& index
 void PlayerPlaybackView::setStale(bool stale)
 {
     m_isStale = stale;
-    m_banner->setReading(stale);
     updateUsable();
     updateState();
 }

@@ -7,7 +7,6 @@ class QStackedWidget;
 
 namespace vantrel {
 
-class LinkBanner;
 class MediaPanelWidget;
 class PlayerKeys;
 class Session;
@@ -61,7 +60,6 @@ private:
     QStackedWidget* m_stack;
     ZTLabel* m_emptyTitle = nullptr;
     ZTLabel* m_emptyHint = nullptr;
-    LinkBanner* m_banner = nullptr;
     QWidget* m_channels = nullptr;
     PlayerKeys* m_keys = nullptr; // none where there are no hotkeys
     int m_channelCount = 0;

@@ -43,8 +43,10 @@ PlaylistWidget::PlaylistWidget(PlaybackViewMode mode, Session* session, QWidget*
     m_editor = new PlaylistEditor(mode, session, this);
     if (isPreview)
         buildPreview(*session);
-    else
+    else {
+        layout->setContentsMargins(spacing::normal, spacing::tight, spacing::normal, spacing::tight);
         layout->addWidget(m_editor, 1);
+    }
 }
 
 void PlaylistWidget::resizeEvent(QResizeEvent* event)
@@ -52,6 +54,13 @@ void PlaylistWidget::resizeEvent(QResizeEvent* event)
     ZTFrame::resizeEvent(event);
     if (m_tabs)
         m_tabs->setVisible(height() >= scaled(headHeight + leastContent, currentFontSize()));
+}
+
+int PlaylistWidget::usefulHeight() const
+{
+    const QMargins margins = layout()->contentsMargins();
+    const int head = m_navigationBar ? m_navigationBar->height() + layout()->spacing() : 0;
+    return margins.top() + margins.bottom() + head + m_editor->usefulHeight();
 }
 
 QSize PlaylistWidget::minimumSizeHint() const

@@ -277,6 +277,7 @@ void SlotDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
     if (mark && m_stale) { // what it was last, and nobody knows what it is
         mark->background = colors::Zt_white_4;
         mark->colour = colors::Slate_grey_500;
+        mark->ink = colors::White;
     }
     const Layout layout = layoutOf(row, index);
     const QFont caption = captionFont(row.font);

@@ -46,6 +46,17 @@ AVStream* bestStream(AVFormatContext* format, AVMediaType type)
     return nullptr;
 }
 
+/// The usual decoders of VP8 and VP9 pass over what is transparent, which stands beside the pictures.
+const AVCodec* decoderOf(const AVStream* stream)
+{
+    const AVCodecID id = stream->codecpar->codec_id;
+    const AVDictionaryEntry* alpha = av_dict_get(stream->metadata, "alpha_mode", nullptr, 0);
+    const AVCodec* codec = nullptr;
+    if (alpha && std::string_view(alpha->value) == "1" && (id == AV_CODEC_ID_VP8 || id == AV_CODEC_ID_VP9))
+        codec = avcodec_find_decoder_by_name(id == AV_CODEC_ID_VP8 ? "libvpx" : "libvpx-vp9");
+    return codec ? codec : avcodec_find_decoder(id);
+}
+
 } // namespace
 
 std::unique_ptr<AvInput> AvInput::open(const std::filesystem::path& file, const std::atomic<bool>& stop,
@@ -168,7 +179,7 @@ int AvInput::quarterTurns() const
 
 AvPtr<AVCodecContext> AvInput::openDecoder(AVStream* stream, std::string* error) const
 {
-    const AVCodec* codec = avcodec_find_decoder(stream->codecpar->codec_id);
+    const AVCodec* codec = decoderOf(stream);
     if (!codec) {
         setError(error, std::string("no decoder for ") + avcodec_get_name(stream->codecpar->codec_id));
         return nullptr;

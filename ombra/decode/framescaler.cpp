@@ -130,6 +130,54 @@ AVPixelFormat plainFormat(int format, bool& fullRange)
     }
 }
 
+/// Whether values are proportional to light: floating point without a word of it is.
+bool isLinear(const AVFrame& frame, const AVPixFmtDescriptor& format)
+{
+    return frame.color_trc == AVCOL_TRC_LINEAR ||
+           (frame.color_trc == AVCOL_TRC_UNSPECIFIED && (format.flags & AV_PIX_FMT_FLAG_FLOAT));
+}
+
+/// What a screen is given for 16 bits that are linear in light: the transfer function of sRGB, IEC 61966-2-1.
+const std::vector<std::uint8_t>& screenValues()
+{
+    static const std::vector<std::uint8_t> table = [] {
+        std::vector<std::uint8_t> values(65536);
+        for (std::size_t i = 0; i < values.size(); ++i) {
+            const double light = static_cast<double>(i) / 65535;
+            const double value =
+                light <= 0.0031308 ? 12.92 * light : 1.055 * std::pow(light, 1 / 2.4) - 0.055;
+            values[i] = static_cast<std::uint8_t>(std::lround(255 * value));
+        }
+        return values;
+    }();
+    return table;
+}
+
+/// The matrix of a frame. Without a mark, what is larger than standard definition, whichever way it stands,
+/// is BT.709. Between two RGB formats there is none to choose.
+int matrixOf(const AVFrame& frame, const AVPixFmtDescriptor& format)
+{
+    if (format.flags & AV_PIX_FMT_FLAG_RGB)
+        return SWS_CS_DEFAULT;
+    switch (frame.colorspace) {
+    case AVCOL_SPC_BT709:
+        return SWS_CS_ITU709;
+    case AVCOL_SPC_BT2020_NCL:
+    case AVCOL_SPC_BT2020_CL:
+        return SWS_CS_BT2020;
+    case AVCOL_SPC_SMPTE240M:
+        return SWS_CS_SMPTE240M;
+    case AVCOL_SPC_FCC:
+        return SWS_CS_FCC;
+    case AVCOL_SPC_UNSPECIFIED:
+        return std::max(frame.width, frame.height) >= 1280 || std::min(frame.width, frame.height) > 576
+                   ? SWS_CS_ITU709
+                   : SWS_CS_ITU601;
+    default:
+        return SWS_CS_ITU601;
+    }
+}
+
 void copyPixel(std::uint8_t* to, const std::uint8_t* from, bool alpha)
 {
     if (!alpha) {
@@ -157,7 +205,8 @@ Ref<Surface> FrameScaler::scale(const AVFrame& frame, int quarterTurns, AVRation
         std::swap(width, height);
     const Fit fit = fitInto(m_canvas, width, height);
 
-    const bool alpha = descriptor->flags & AV_PIX_FMT_FLAG_ALPHA;
+    // Values that are linear come multiplied with their alpha already: as they are, they stand on black.
+    const bool alpha = (descriptor->flags & AV_PIX_FMT_FLAG_ALPHA) && !isLinear(frame, *descriptor);
     const int scaledWidth = turns % 2 ? fit.height : fit.width;
     const int scaledHeight = turns % 2 ? fit.width : fit.height;
     if (!convert(frame, scaledWidth, scaledHeight, alpha))
@@ -200,26 +249,43 @@ bool FrameScaler::convert(const AVFrame& frame, int width, int height, bool alph
 {
     bool fullRange = frame.color_range == AVCOL_RANGE_JPEG;
     const AVPixelFormat from = plainFormat(frame.format, fullRange);
-    const AVPixelFormat to = alpha ? AV_PIX_FMT_RGBA : AV_PIX_FMT_RGB24;
+    const AVPixFmtDescriptor& format = *av_pix_fmt_desc_get(from);
+    const bool linear = isLinear(frame, format);
+    const AVPixelFormat to = linear ? AV_PIX_FMT_RGB48 : alpha ? AV_PIX_FMT_RGBA : AV_PIX_FMT_RGB24;
+    const int flags =
+        linear ? SWS_BILINEAR | SWS_FULL_CHR_H_INP | SWS_FULL_CHR_H_INT | SWS_ACCURATE_RND : SWS_BILINEAR;
     m_context.reset(sws_getCachedContext(m_context.release(), frame.width, frame.height, from, width, height,
-                                         to, SWS_BILINEAR, nullptr, nullptr, nullptr));
+                                         to, flags, nullptr, nullptr, nullptr));
     if (!m_context)
         return false;
-    // Without a mark, high definition is BT.709 and everything smaller BT.601.
-    const bool hd = frame.colorspace == AVCOL_SPC_BT709 ||
-                    (frame.colorspace == AVCOL_SPC_UNSPECIFIED && frame.height >= 720);
-    const int matrix = hd                                         ? SWS_CS_ITU709
-                       : frame.colorspace == AVCOL_SPC_BT2020_NCL ? SWS_CS_BT2020
-                                                                  : SWS_CS_ITU601;
-    sws_setColorspaceDetails(m_context.get(), sws_getCoefficients(matrix), fullRange,
+    sws_setColorspaceDetails(m_context.get(), sws_getCoefficients(matrixOf(frame, format)), fullRange,
                              sws_getCoefficients(SWS_CS_DEFAULT), 1, 0, 1 << 16, 1 << 16);
 
     // The scaler's fast loops may write past the end of a line: leave them room.
     m_stride = (width * (alpha ? 4 : 3) + 64 + 63) / 64 * 64;
     m_scaled.resize(static_cast<std::size_t>(m_stride) * (height + 1));
-    std::uint8_t* planes[4] = {m_scaled.data(), nullptr, nullptr, nullptr};
-    const int strides[4] = {m_stride, 0, 0, 0};
-    return sws_scale(m_context.get(), frame.data, frame.linesize, 0, frame.height, planes, strides) > 0;
+    if (linear)
+        m_linear.resize(m_scaled.size());
+    std::uint8_t* const target = linear ? reinterpret_cast<std::uint8_t*>(m_linear.data()) : m_scaled.data();
+    std::uint8_t* planes[4] = {target, nullptr, nullptr, nullptr};
+    const int strides[4] = {linear ? 2 * m_stride : m_stride, 0, 0, 0};
+    if (sws_scale(m_context.get(), frame.data, frame.linesize, 0, frame.height, planes, strides) <= 0)
+        return false;
+    if (linear)
+        encodeLinear(width, height);
+    return true;
+}
+
+void FrameScaler::encodeLinear(int width, int height)
+{
+    const std::vector<std::uint8_t>& values = screenValues();
+    for (int row = 0; row < height; ++row) {
+        const std::size_t line = static_cast<std::size_t>(row) * m_stride;
+        std::transform(m_linear.begin() + static_cast<std::ptrdiff_t>(line),
+                       m_linear.begin() + static_cast<std::ptrdiff_t>(line) + 3 * width,
+                       m_scaled.begin() + static_cast<std::ptrdiff_t>(line),
+                       [&](std::uint16_t light) { return values[light]; });
+    }
 }
 
 } // namespace vantrel::ombra

@@ -3,9 +3,13 @@
 #include "ombra/decode/avinput.h"
 #include "ombra/decode/mediaurl.h"
 #include "ombra/decode/soundprogramme.h"
+#include "ombra/decode/unplayable.h"
 #include "ombra/decode/videoreader.h"
 
+#include <algorithm>
 #include <cmath>
+#include <string_view>
+#include <vector>
 
 extern "C" {
 #include <libavutil/pixdesc.h>
@@ -17,10 +21,10 @@ namespace {
 
 const std::atomic<bool> never{false};
 
-void setError(std::string* error, const char* text)
+void setError(std::string* error, std::string text)
 {
     if (error)
-        *error = text;
+        *error = std::move(text);
 }
 
 std::string textOf(const char* text)
@@ -74,10 +78,47 @@ double describeSound(const std::filesystem::path& file, const AvInput& input, Me
     info.audioChannels = sound.ch_layout.nb_channels;
     info.sampleRate = sound.sample_rate;
     const auto programme = SoundProgramme::open(file, never, nullptr);
-    info.unsupportedAudio = !programme || programme->isPartial();
+    info.unsupportedAudio = !programme;
+    info.partialAudio = programme && programme->isPartial();
     if (programme && input.sounds().size() > 1)
         info.audioChannels = programme->channels();
+    const AVCodecDescriptor* kind = avcodec_descriptor_get(sound.codec_id);
+    if (kind) {
+        info.audioKind = kind->long_name ? kind->long_name : kind->name;
+    } else if (sound.codec_tag != 0) {
+        char tag[AV_FOURCC_MAX_STRING_SIZE] = {};
+        info.audioKind = std::string("of the kind \"") + av_fourcc_make_string(tag, sound.codec_tag) + "\"";
+    }
     return programme ? programme->duration() : 0;
+}
+
+std::string fieldOrderOf(const AVCodecParameters& pictures)
+{
+    switch (pictures.field_order) {
+    case AV_FIELD_PROGRESSIVE:
+        return "progressive";
+    case AV_FIELD_TT: // as shown: "BT" means coded bottom first, shown top first
+    case AV_FIELD_BT:
+        return "top field first";
+    case AV_FIELD_BB:
+    case AV_FIELD_TB:
+        return "bottom field first";
+    default:
+        return {};
+    }
+}
+
+/// Of the pictures, else of any stream, else of the whole file.
+std::string timecodeOf(const AvInput& input)
+{
+    const auto read = [](const AVDictionary* tags) {
+        const AVDictionaryEntry* entry = av_dict_get(tags, "timecode", nullptr, 0);
+        return textOf(entry ? entry->value : nullptr);
+    };
+    std::string text = input.video() ? read(input.video()->metadata) : std::string();
+    for (unsigned i = 0; text.empty() && i < input.format()->nb_streams; ++i)
+        text = read(input.format()->streams[i]->metadata);
+    return text.empty() ? read(input.format()->metadata) : text;
 }
 
 void describePictures(const AvInput& input, MediaInfo& info)
@@ -100,6 +141,7 @@ void describePictures(const AvInput& input, MediaInfo& info)
         return;
     }
     info.type = MediaType::VideoFile;
+    info.fieldOrder = fieldOrderOf(pictures);
     info.fps = input.fps();
     info.bitRate = bitRateOf(input);
     info.duration = input.duration();
@@ -107,35 +149,57 @@ void describePictures(const AvInput& input, MediaInfo& info)
         input.video()->nb_frames > 0 ? input.video()->nb_frames : std::llround(info.duration * info.fps);
 }
 
+/// Sound alone.
+void probeSound(const AvInput& input, MediaInfo& info, std::string* error)
+{
+    info.type = MediaType::AudioFile;
+    info.codec = info.audioCodec;
+    info.duration = input.duration();
+    info.playable = !info.unsupportedAudio;
+    if (!info.playable)
+        setError(error, "Its sound (" + info.audioKind + ") cannot be decoded here. Convert it.");
+}
+
+/// soundSeconds: how long its sound is, which plays on behind the pictures.
+void probePictures(std::unique_ptr<AvInput> input, double soundSeconds, MediaInfo& info, std::string* error)
+{
+    describePictures(*input, info);
+    if (info.type == MediaType::VideoFile && soundSeconds > info.duration + AudioReader::padding)
+        info.duration = soundSeconds;
+    std::string why;
+    const auto reader = VideoReader::open(std::move(input), {160, 90}, &why);
+    Picture picture;
+    info.playable = reader && reader->seek(0, picture);
+    if (!reader)
+        setError(error, "Its pictures cannot be decoded here (" + why + "). Convert it.");
+    else if (!info.playable)
+        setError(error, "No picture of it can be decoded: the file is damaged. Copy it again.");
+}
+
 std::optional<MediaInfo> probeFile(const std::filesystem::path& file, std::string* error)
 {
     std::error_code code;
     if (!std::filesystem::is_regular_file(file, code)) {
-        setError(error, "there is no such file");
+        setError(error, missingReason(file));
         return std::nullopt;
     }
     MediaInfo info;
-    std::unique_ptr<AvInput> input = AvInput::open(file, never, error);
-    if (!input)
-        return info;
-    const double sound = input->audio() ? describeSound(file, *input, info) : 0;
-    if (!input->video()) {
-        info.type = MediaType::AudioFile;
-        info.codec = info.audioCodec;
-        info.duration = input->duration();
-        info.playable = sound > 0;
-        if (!info.playable)
-            setError(error, "its sound cannot be decoded");
+    std::string why;
+    std::unique_ptr<AvInput> input = AvInput::open(file, never, &why);
+    // The library takes any text for a picture of letters.
+    const bool isText = input && std::string_view(input->format()->iformat->name) == "tty";
+    if (!input || isText) {
+        setError(error, unplayableReason(file, why));
         return info;
     }
-    describePictures(*input, info);
-    if (info.type == MediaType::VideoFile && sound > info.duration + AudioReader::padding)
-        info.duration = sound; // it plays on behind the pictures
-    const auto reader = VideoReader::open(std::move(input), {160, 90}, error);
-    Picture picture;
-    info.playable = reader && reader->seek(0, picture);
-    if (reader && !info.playable)
-        setError(error, "no picture of it can be decoded");
+    const double sound = input->audio() ? describeSound(file, *input, info) : 0;
+    info.startTimecode = timecodeOf(*input);
+    if (input->video())
+        probePictures(std::move(input), sound, info, error);
+    else
+        probeSound(*input, info, error);
+    if (info.playable && info.duration > 0)
+        info.cutOff = findCutOff(file);
     return info;
 }
 
@@ -147,17 +211,20 @@ std::optional<MediaInfo> probeMedia(const std::filesystem::path& file, std::stri
     std::error_code code;
     if (!pattern || std::filesystem::exists(file, code))
         return probeFile(file, error);
-    const auto range = findSequenceRange(*pattern);
-    if (!range) {
-        setError(error, "the image sequence has no pictures");
+    const std::vector<int> numbers = findSequenceNumbers(*pattern);
+    if (numbers.empty()) {
+        setError(error, missingReason(file));
         return std::nullopt;
     }
-    std::optional<MediaInfo> info = probeFile(pattern->file(range->first), error);
+    std::optional<MediaInfo> info = probeFile(sequencePicture(*pattern, numbers.front()), error);
     if (info) {
         info->type = MediaType::ImageSequence;
-        info->frames = static_cast<std::int64_t>(range->second) - range->first + 1;
+        info->frames = static_cast<std::int64_t>(numbers.back()) - numbers.front() + 1;
         info->fps = 25;
         info->duration = static_cast<double>(info->frames) / info->fps;
+        info->missing = info->frames - static_cast<std::int64_t>(numbers.size());
+        const auto gap = std::ranges::adjacent_find(numbers, [](int a, int b) { return b != a + 1; });
+        info->firstMissing = gap == numbers.end() ? 0 : *gap + 1;
     }
     return info;
 }

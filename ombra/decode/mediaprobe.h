@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ombra/decode/mediaend.h"
 #include "tarn/media/mediaenums.h"
 #include "tarn/media/rational.h"
 
@@ -29,13 +30,20 @@ struct MediaInfo
     int audioChannels = 0;
     int sampleRate = 0; // Hz
     bool playable = false;
-    bool unsupportedAudio = false; // there is sound that is not played
+    bool unsupportedAudio = false; // there is sound, but nothing here decodes it
+    std::string audioKind;         // of such sound, as an operator may know it
+    bool partialAudio = false;     // some of the sound is left out
     std::int64_t frames = 0;       // 1 for stills
+    std::int64_t missing = 0;      // pictures that a sequence lacks between its first and last
+    int firstMissing = 0;
+    std::string startTimecode; // "10:00:00:00"; empty where there is none
+    std::string fieldOrder;    // see MediaMetadata; empty where nothing tells
+    std::optional<CutOff> cutOff;
 };
 
 /// Opens a file, or the first picture of a sequence ("frame_%05d.png"), and decodes a picture of it, so that
 /// playable holds what it says. Nothing, and the reason, when the file is missing; a damaged file gives a
-/// record that is not playable, and the reason. Blocks; any thread.
+/// record that is not playable, and the reason, which is a sentence for operators. Blocks; any thread.
 std::optional<MediaInfo> probeMedia(const std::filesystem::path& file, std::string* error);
 
 } // namespace vantrel::ombra

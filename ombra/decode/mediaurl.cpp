@@ -91,11 +91,22 @@ std::optional<SequencePattern> parseSequencePattern(const std::filesystem::path&
     return std::nullopt;
 }
 
-std::optional<std::pair<int, int>> findSequenceRange(const SequencePattern& pattern)
+std::filesystem::path sequencePicture(const SequencePattern& pattern, int number)
+{
+    const std::filesystem::path file = pattern.file(number);
+    std::error_code code;
+    if (!std::filesystem::is_symlink(file, code))
+        return file;
+    const auto folder = std::filesystem::weakly_canonical(file.parent_path(), code);
+    const auto target = std::filesystem::weakly_canonical(file, code);
+    return !code && isBelow(folder, target) ? target : std::filesystem::path();
+}
+
+std::vector<int> findSequenceNumbers(const SequencePattern& pattern)
 {
     const std::filesystem::path probe(pattern.prefix + "0");
     const std::string start = pattern.prefix.substr(pattern.prefix.rfind('/') + 1);
-    std::optional<std::pair<int, int>> range;
+    std::vector<int> numbers;
     std::error_code code;
     for (std::filesystem::directory_iterator i(probe.parent_path(), code), end; !code && i != end;
          i.increment(code)) {
@@ -110,10 +121,20 @@ std::optional<std::pair<int, int>> findSequenceRange(const SequencePattern& patt
         const auto [rest, parsed] = std::from_chars(first, last, number);
         if (parsed != std::errc() || rest != last || number < 0 || pattern.file(number).filename() != name)
             continue;
-        range = range ? std::pair(std::min(range->first, number), std::max(range->second, number))
-                      : std::pair(number, number);
+        std::error_code ignored;
+        if (!i->is_symlink(ignored) || !sequencePicture(pattern, number).empty())
+            numbers.push_back(number);
     }
-    return range;
+    std::ranges::sort(numbers);
+    return numbers;
+}
+
+std::optional<std::pair<int, int>> findSequenceRange(const SequencePattern& pattern)
+{
+    const std::vector<int> numbers = findSequenceNumbers(pattern);
+    if (numbers.empty())
+        return std::nullopt;
+    return std::pair(numbers.front(), numbers.back());
 }
 
 } // namespace vantrel::ombra

@@ -4,6 +4,8 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 namespace vantrel::ombra {
 
@@ -25,6 +27,13 @@ struct SequencePattern
 
 /// Nothing when the file's name holds no "%0<n>d".
 std::optional<SequencePattern> parseSequencePattern(const std::filesystem::path& path);
+
+/// The numbers of the pictures that there are, in order, without those that sequencePicture() refuses.
+std::vector<int> findSequenceNumbers(const SequencePattern& pattern);
+
+/// The file of one picture. A picture may be a link, but only to what lies in the folder of its sequence or
+/// below: empty for any other.
+std::filesystem::path sequencePicture(const SequencePattern& pattern, int number);
 
 /// The lowest and the highest number for which there is a file; nothing when there is none.
 std::optional<std::pair<int, int>> findSequenceRange(const SequencePattern& pattern);

@@ -53,14 +53,15 @@ bool SequenceReader::load(int index, Picture& out)
 {
     if (m_stop)
         return false;
-    const std::filesystem::path file = m_pattern.file(m_first + index);
-    std::string error;
-    if (Ref<Surface> surface = decodeStill(file, m_canvas, m_stop, &error)) {
+    const std::filesystem::path file = sequencePicture(m_pattern, m_first + index);
+    std::string error = "it is a link that leads elsewhere";
+    Ref<Surface> surface = file.empty() ? nullptr : decodeStill(file, m_canvas, m_stop, &error);
+    if (surface) {
         m_surface = std::move(surface);
     } else if (!m_complained) {
         m_complained = true;
         Log::write_fmt(LogLevel::Warning, {}, "vantrel.decode", "Cannot read picture '%s' of a sequence: %s",
-                       file.c_str(), error.c_str());
+                       m_pattern.file(m_first + index).c_str(), error.c_str());
     }
     if (!m_surface)
         m_surface = blackSurface(m_canvas);

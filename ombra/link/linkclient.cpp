@@ -3,13 +3,25 @@
 #include "tarn/log/log.h"
 
 #include <boost/asio/buffer.hpp>
+#include <boost/asio/post.hpp>
 #include <boost/asio/write.hpp>
+
+#include <utility>
 
 namespace vantrel::ombra {
 
-LinkClient::LinkClient(boost::asio::ip::tcp::socket socket, std::shared_ptr<const Handlers> handlers)
+namespace {
+
+constexpr std::size_t smallFrame = 64 * 1024;     // bytes that are parsed at once
+constexpr std::chrono::milliseconds sliceTime{5}; // of one client's operations, then it is others' turn
+
+} // namespace
+
+LinkClient::LinkClient(boost::asio::ip::tcp::socket socket, std::shared_ptr<const Handlers> handlers,
+                       PeerLimit::Place room)
     : m_socket(std::move(socket))
     , m_handlers(std::move(handlers))
+    , m_room(std::move(room))
 {
     boost::system::error_code code;
     const auto peer = m_socket.remote_endpoint(code);
@@ -43,27 +55,66 @@ void LinkClient::read()
 void LinkClient::received(std::size_t count)
 {
     m_decoder.feed({m_readBuffer.data(), count});
-    for (Patch patch; m_open;) {
-        const auto result = m_decoder.next(patch);
-        if (result == linkframe::Decoder::Result::NeedMore)
-            break;
-        if (result == linkframe::Decoder::Result::Error) {
-            Log::write(LogLevel::Warning, "vantrel.link",
-                       "ending the link of " + m_name + ": " + m_decoder.message());
-            return close();
-        }
-        m_handlers->patch(*this, patch);
+    handleFrames();
+}
+
+/// Reads on when all that is there is handled. A large frame is parsed on another thread, and nothing is read
+/// meanwhile.
+void LinkClient::handleFrames()
+{
+    if (!m_open)
+        return;
+    m_isLarge = m_decoder.nextSize() > smallFrame;
+    if (!m_isLarge)
+        return handleFrame(m_decoder.next(m_patch));
+    m_handlers->aside([self = shared_from_this()]() mutable {
+        const auto result = self->m_decoder.next(self->m_patch);
+        const auto executor = self->m_socket.get_executor();
+        // Nothing of the client stays behind on this thread, to end there.
+        boost::asio::post(executor, [self = std::move(self), result] { self->handleFrame(result); });
+    });
+}
+
+void LinkClient::handleFrame(linkframe::Decoder::Result result)
+{
+    if (!m_open)
+        return;
+    if (result == linkframe::Decoder::Result::NeedMore)
+        return read();
+    if (result == linkframe::Decoder::Result::Error) {
+        Log::write(LogLevel::Warning, "vantrel.link",
+                   "ending the link of " + m_name + ": " + m_decoder.message());
+        return close();
     }
-    if (m_open)
-        read();
+    m_handled = 0;
+    handleOperations();
+}
+
+void LinkClient::handleOperations()
+{
+    const auto until = std::chrono::steady_clock::now() + sliceTime;
+    while (m_open && m_handled < m_patch.size()) {
+        m_handlers->operation(*this, m_patch[m_handled++]);
+        if (std::chrono::steady_clock::now() >= until)
+            break;
+    }
+    if (m_open && m_handled < m_patch.size()) {
+        boost::asio::post(m_socket.get_executor(), [self = shared_from_this()] { self->handleOperations(); });
+        return;
+    }
+    auto done = std::make_shared<Patch>(std::exchange(m_patch, {}));
+    if (m_isLarge) // to free it takes time as well
+        m_handlers->aside([done = std::move(done)] {});
+    // By the loop, so that a client with many small frames leaves others their turn as well.
+    boost::asio::post(m_socket.get_executor(), [self = shared_from_this()] { self->handleFrames(); });
 }
 
 void LinkClient::queueBatch()
 {
     if (m_batch.empty())
         return;
-    m_frames.push_back(linkframe::encode(m_batch.take()));
-    m_frameBytes += m_frames.back().size();
+    m_frames.push_back({linkframe::encode(m_batch.take())});
+    m_frameBytes += m_frames.back().bytes.size();
 }
 
 void LinkClient::add(const PatchOp& op)
@@ -73,15 +124,24 @@ void LinkClient::add(const PatchOp& op)
         m_crossed.sent(op.path, std::chrono::steady_clock::now());
 }
 
-void LinkClient::send(const Patch& patch)
+bool LinkClient::startSnapshot()
+{
+    m_wantsSnapshot = m_snapshotFrames > 0;
+    return !m_wantsSnapshot;
+}
+
+void LinkClient::send(const Patch& patch, Content content)
 {
     if (!m_open)
         return;
     if (!patch.empty())
         m_crossed.sentMuch(std::chrono::steady_clock::now());
     queueBatch();
-    m_frames.push_back(linkframe::encode(patch));
-    m_frameBytes += m_frames.back().size();
+    m_frames.push_back({linkframe::encode(patch), content});
+    if (content == Content::Snapshot)
+        ++m_snapshotFrames;
+    else
+        m_frameBytes += m_frames.back().bytes.size();
     checkWaiting();
 }
 
@@ -115,15 +175,25 @@ void LinkClient::write()
 {
     m_writing = true;
     m_silent = false;
-    boost::asio::async_write(m_socket, boost::asio::buffer(m_frames.front()),
+    boost::asio::async_write(m_socket, boost::asio::buffer(m_frames.front().bytes),
                              [self = shared_from_this()](boost::system::error_code code, std::size_t) {
                                  self->m_writing = false;
                                  if (code)
                                      return self->close();
-                                 self->m_frameBytes -= self->m_frames.front().size();
-                                 self->m_frames.pop_front();
+                                 self->written();
                                  self->flush();
                              });
+}
+
+void LinkClient::written()
+{
+    if (m_frames.front().content == Content::Snapshot)
+        --m_snapshotFrames;
+    else
+        m_frameBytes -= m_frames.front().bytes.size();
+    m_frames.pop_front();
+    if (m_snapshotFrames == 0 && std::exchange(m_wantsSnapshot, false))
+        m_handlers->drained(*this);
 }
 
 } // namespace vantrel::ombra

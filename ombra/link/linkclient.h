@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ombra/base/peerlimit.h"
 #include "ombra/link/changebatch.h"
 #include "ombra/link/crossedwrites.h"
 #include "tarn/net/linkframe.h"
@@ -20,16 +21,20 @@ namespace vantrel::ombra {
 class LinkClient : public std::enable_shared_from_this<LinkClient>
 {
 public:
-    /// The most bytes that may wait for a client before its link is ended.
+    /// The most bytes that may wait for a client before its link is ended, beside one snapshot of the scene:
+    /// nobody is to be cut off for the size of that.
     static constexpr std::size_t maxWaiting = 64u * 1024 * 1024;
 
     struct Handlers
     {
-        std::function<void(LinkClient&, const Patch&)> patch;
-        std::function<void(LinkClient&)> closed; // once
+        std::function<void(LinkClient&, const PatchOp&)> operation;
+        std::function<void(std::function<void()>)> aside; // runs work on another thread
+        std::function<void(LinkClient&)> drained;         // a snapshot was asked for while one was on its way
+        std::function<void(LinkClient&)> closed;          // once
     };
 
-    LinkClient(boost::asio::ip::tcp::socket socket, std::shared_ptr<const Handlers> handlers);
+    LinkClient(boost::asio::ip::tcp::socket socket, std::shared_ptr<const Handlers> handlers,
+               PeerLimit::Place room);
 
     void start();
     void close();
@@ -38,8 +43,11 @@ public:
 
     /// Puts a change where the next flush() takes it from.
     void add(const PatchOp& op);
+    enum class Content { Changes, Snapshot };
     /// Sends whole operations after all that was added before.
-    void send(const Patch& patch);
+    void send(const Patch& patch, Content content = Content::Changes);
+    /// False while an earlier snapshot is on its way; drained() tells when there is room for this one.
+    bool startSnapshot();
     /// Writes what waits, if nothing is being written.
     void flush();
     /// Says that the server is there, by an empty frame, if nothing else was said since the last call.
@@ -53,19 +61,34 @@ public:
 private:
     void read();
     void received(std::size_t count);
+    void handleFrames();
+    void handleFrame(linkframe::Decoder::Result result);
+    void handleOperations();
     void write();
+    void written();
     void queueBatch();
     bool checkWaiting();
 
     boost::asio::ip::tcp::socket m_socket;
     std::shared_ptr<const Handlers> m_handlers;
+    PeerLimit::Place m_room;
     std::string m_name;
     linkframe::Decoder m_decoder;
     std::array<char, 64 * 1024> m_readBuffer{};
     ChangeBatch m_batch;
     CrossedWrites m_crossed;
-    std::deque<std::string> m_frames; // the front one is being written while m_writing
+    Patch m_patch; // the one being handled, up to m_handled
+    std::size_t m_handled = 0;
+    bool m_isLarge = false; // the frame that it came in
+    struct Frame
+    {
+        std::string bytes;
+        Content content = Content::Changes;
+    };
+    std::deque<Frame> m_frames; // the front one is being written while m_writing
     std::size_t m_frameBytes = 0;
+    std::size_t m_snapshotFrames = 0;
+    bool m_wantsSnapshot = false;
     bool m_writing = false;
     bool m_silent = true; // since the last showLife()
     bool m_open = true;

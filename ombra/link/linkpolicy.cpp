@@ -5,12 +5,18 @@
 #include "tarn/media/mediaenums.h"
 #include "tarn/media/playenums.h"
 
+#include <algorithm>
 #include <map>
 #include <string_view>
 
 namespace vantrel::ombra {
 
 namespace {
+
+constexpr std::size_t longestName = 256; // bytes
+constexpr int surfacesAtMost = 1000;
+constexpr int cornersAtMost = 64;            // of a surface
+constexpr std::size_t largestObject = 16384; // bytes of what is added at once
 
 using Check = bool (*)(const Json& value);
 
@@ -26,9 +32,22 @@ bool isEnum(const Json& value)
     return fromStr(value.stringView(), out);
 }
 
+bool isName(const Json& value)
+{
+    return value.stringView().size() <= longestName;
+}
+
+/// An address or a name of a file.
 bool isShortText(const Json& value)
 {
-    constexpr std::size_t longest = 64 * 1024; // an EDID as text is far below it
+    constexpr std::size_t longest = 4096;
+    return value.stringView().size() <= longest;
+}
+
+/// An EDID as text, which is far below it.
+bool isText(const Json& value)
+{
+    constexpr std::size_t longest = 64 * 1024;
     return value.stringView().size() <= longest;
 }
 
@@ -36,7 +55,7 @@ bool isShortText(const Json& value)
 const std::map<std::string, std::map<std::string, Check, std::less<>>, std::less<>>& table()
 {
     static const std::map<std::string, std::map<std::string, Check, std::less<>>, std::less<>> rules = {
-        {"Channel", {{"name", isShortText}}},
+        {"Channel", {{"name", isName}}},
         {"Playback",
          {{"media", isShortText},
           {"endAction", isEnum<EndAction>},
@@ -49,7 +68,7 @@ const std::map<std::string, std::map<std::string, Check, std::less<>>, std::less
         {"Output",
          {{"modelineId", isShortText},
           {"maxLinkRate", anything},
-          {"edidOverride", isShortText},
+          {"edidOverride", isText},
           {"edidOverrideFilename", isShortText}}},
         {"ShowConfiguration",
          {{"autoSave", anything},
@@ -57,7 +76,7 @@ const std::map<std::string, std::map<std::string, Check, std::less<>>, std::less
           {"autoStartPlayState", isEnum<SourcePlayState>},
           {"autoStartShowList", isShortText}}},
         {"Surface",
-         {{"name", isShortText},
+         {{"name", isName},
           {"source", isShortText},
           {"x", anything},
           {"y", anything},
@@ -69,6 +88,33 @@ const std::map<std::string, std::map<std::string, Check, std::less<>>, std::less
         {"Corner", {{"x", anything}, {"y", anything}}},
     };
     return rules;
+}
+
+/// Whether a value takes no more room than this as text, about; reads no further than that.
+bool fits(const Json& value, std::size_t& room)
+{
+    const std::size_t own = 8 + value.stringView().size();
+    if (own > room)
+        return false;
+    room -= own;
+    bool good = true;
+    if (value.isObject())
+        value.forEachMember([&](std::string_view key, const Json& member) {
+            good = key.size() <= std::min(room, longestName);
+            room -= good ? key.size() : 0;
+            return good = good && fits(member, room);
+        });
+    else if (value.isArray())
+        value.forEachItem([&](const Json& item) { return good = fits(item, room); });
+    return good;
+}
+
+/// How many more objects may stand beside this one.
+int roomFor(const Scene& scene, const Path& path)
+{
+    const Object* holder = scene.findObject(path.parent().toString());
+    const int most = path.size() == 3 ? surfacesAtMost : cornersAtMost;
+    return holder ? most - holder->childCount() : 1;
 }
 
 bool inRange(const PropertyInfo* property, const Json& value)
@@ -99,9 +145,23 @@ bool clientMayWrite(const Object* object, const PropertyInfo* property, const Js
     return true;
 }
 
-bool clientMayRestructure(PathView path)
+bool clientMayRestructure(const Scene& scene, const PatchOp& op, std::string& why)
 {
-    return path.size() >= 3 && path[0].text() == "device" && path[1].text() == "surfaces";
+    const auto isSurface = [](PathView path) {
+        return path.size() >= 3 && path[0].text() == "device" && path[1].text() == "surfaces";
+    };
+    const bool hasSource = op.op == PatchOpType::Move || op.op == PatchOpType::Copy;
+    why = "this part of the scene is the server's";
+    if (!isSurface(op.path) || (hasSource && !isSurface(op.from)))
+        return false;
+    if (op.op == PatchOpType::Remove)
+        return true;
+    std::size_t room = largestObject;
+    why = "it is too large";
+    if (op.path.back().text().size() > longestName || !fits(op.value, room))
+        return false;
+    why = "there are too many already";
+    return op.op == PatchOpType::Move || roomFor(scene, op.path) > 0;
 }
 
 } // namespace vantrel::ombra

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "tarn/json/json.h"
-#include "tarn/json/path.h"
-#include "tarn/scene/object.h"
+#include "tarn/json/patch.h"
+#include "tarn/scene/scene.h"
 
 #include <string>
 
@@ -13,7 +13,8 @@ namespace vantrel::ombra {
 bool clientMayWrite(const Object* object, const PropertyInfo* property, const Json& value, std::string& why);
 
 /// Whether a client may add, remove, move or copy the object at a path: only surfaces of the mapping editor,
-/// and what lies below them.
-bool clientMayRestructure(PathView path);
+/// and what lies below them, and of these only so many and so large that the scene stays small. On false, why
+/// says the reason.
+bool clientMayRestructure(const Scene& scene, const PatchOp& op, std::string& why);
 
 } // namespace vantrel::ombra

@@ -15,7 +15,6 @@ namespace vantrel::ombra {
 
 namespace {
 
-constexpr std::size_t maxClients = 64;
 // Who has heard nothing between two ticks is told something: a silence of at most two of them.
 constexpr std::chrono::milliseconds lifeTick{100};
 
@@ -34,12 +33,17 @@ LinkServer::LinkServer(boost::asio::io_context& io, Scene& scene, Handlers handl
     };
     m_scene.addChangeCallback(m_callback, this);
     LinkClient::Handlers clientHandlers;
-    clientHandlers.patch = [this, alive = std::weak_ptr(m_alive)](LinkClient& client, const Patch& patch) {
-        for (const PatchOp& op : patch) {
-            if (alive.expired() || !client.isOpen())
-                return;
+    clientHandlers.operation = [this, alive = std::weak_ptr(m_alive)](LinkClient& client, const PatchOp& op) {
+        if (!alive.expired())
             handle(client, op);
-        }
+    };
+    clientHandlers.aside = [this, alive = std::weak_ptr(m_alive)](std::function<void()> work) {
+        if (!alive.expired())
+            boost::asio::post(m_reader, std::move(work));
+    };
+    clientHandlers.drained = [this, alive = std::weak_ptr(m_alive)](LinkClient& client) {
+        if (!alive.expired())
+            answerGet(client, {});
     };
     clientHandlers.closed = [this, alive = std::weak_ptr(m_alive)](LinkClient& client) {
         if (alive.expired())
@@ -54,6 +58,7 @@ LinkServer::LinkServer(boost::asio::io_context& io, Scene& scene, Handlers handl
 LinkServer::~LinkServer()
 {
     m_alive.reset();
+    m_reader.join();
     m_scene.removeChangeCallback(m_callback, this);
     for (const auto& client : m_clients)
         client->close();
@@ -71,9 +76,11 @@ unsigned short LinkServer::port() const
 
 bool LinkServer::accept(boost::asio::ip::tcp::socket socket)
 {
-    if (m_clients.size() >= maxClients)
+    boost::system::error_code code;
+    PeerLimit::Place room = m_room.enter(socket.remote_endpoint(code).address());
+    if (!room)
         return false;
-    m_clients.push_back(std::make_shared<LinkClient>(std::move(socket), m_clientHandlers));
+    m_clients.push_back(std::make_shared<LinkClient>(std::move(socket), m_clientHandlers, std::move(room)));
     Log::write(LogLevel::Info, "vantrel.link", m_clients.back()->name() + " has joined");
     m_clients.back()->start();
     return true;
@@ -105,20 +112,20 @@ void LinkServer::handle(LinkClient& client, const PatchOp& op)
 
 void LinkServer::answerGet(LinkClient& client, PathView path)
 {
-    Patch answer;
-    if (path.empty()) {
-        answer = m_scene.snapshot();
-    } else {
+    if (!path.empty()) {
         sendBack(client, path.toPath(), false);
         return scheduleFlush();
     }
+    if (!client.startSnapshot())
+        return; // one is on its way: it asks again by drained()
     Patch piece;
-    for (const PatchOp& op : answer) {
+    for (const PatchOp& op : m_scene.snapshot()) {
         piece.append(op);
         if (piece.size() == operationsPerFrame)
-            client.send(std::exchange(piece, {}));
+            client.send(std::exchange(piece, {}), LinkClient::Content::Snapshot);
     }
-    client.send(piece); // also an empty one: a scene of nothing is an answer too
+    // Also an empty one: a scene of nothing is an answer too.
+    client.send(piece, LinkClient::Content::Snapshot);
     scheduleFlush();
 }
 
@@ -192,9 +199,9 @@ void LinkServer::settleCrossed(LinkClient& client)
 
 void LinkServer::restructure(LinkClient& client, const PatchOp& op)
 {
-    const bool hasSource = op.op == PatchOpType::Move || op.op == PatchOpType::Copy;
-    if (!clientMayRestructure(op.path) || (hasSource && !clientMayRestructure(op.from)))
-        return refuse(client, op, "this part of the scene is the server's");
+    std::string why;
+    if (!clientMayRestructure(m_scene, op, why))
+        return refuse(client, op, why);
     Patch patch;
     patch.append(op);
     m_origin = &client;

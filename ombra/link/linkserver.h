@@ -7,6 +7,7 @@
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/ip/tcp.hpp>
 #include <boost/asio/steady_timer.hpp>
+#include <boost/asio/thread_pool.hpp>
 
 #include <functional>
 #include <memory>
@@ -18,8 +19,9 @@ namespace vantrel::ombra {
 /// The server's end of the scene link, for any number of clients: answers gets with snapshots, applies what
 /// clients may write, calls methods, and sends every change of the scene to all clients but the one that made
 /// it. The changes of one turn of the loop go as one frame; where nothing changes, an empty one goes at least
-/// every 250 ms, so that clients can tell a quiet server from one that hangs. One thread, that of the
-/// io_context and the scene.
+/// every 250 ms, so that clients can tell a quiet server from one that hangs. Large frames are parsed
+/// aside and applied in slices, so that nobody waits for another's. One thread, that of the io_context and
+/// the scene.
 class LinkServer
 {
 public:
@@ -61,6 +63,7 @@ private:
     Scene& m_scene;
     Handlers m_handlers;
     Listener m_listener;
+    PeerLimit m_room{64, 32};
     std::shared_ptr<const LinkClient::Handlers> m_clientHandlers;
     std::vector<std::shared_ptr<LinkClient>> m_clients;
     LinkClient* m_origin = nullptr; // whose operation is being applied
@@ -68,6 +71,7 @@ private:
     bool m_flushPosted = false;
     std::shared_ptr<int> m_alive = std::make_shared<int>(0);
     Scene::ChangeCallback m_callback;
+    boost::asio::thread_pool m_reader{1}; // parses what is large
 };
 
 } // namespace vantrel::ombra

@@ -11,18 +11,13 @@
 
 namespace vantrel::ombra {
 
-namespace {
-
-constexpr std::size_t maxReaders = 64;
-
-}
-
 /// Lives by its pending operations.
 class PreviewServer::Reader : public std::enable_shared_from_this<Reader>
 {
 public:
-    explicit Reader(boost::asio::ip::tcp::socket socket)
+    Reader(boost::asio::ip::tcp::socket socket, PeerLimit::Place room)
         : m_socket(std::move(socket))
+        , m_room(std::move(room))
     {
     }
 
@@ -76,6 +71,7 @@ private:
     }
 
     boost::asio::ip::tcp::socket m_socket;
+    PeerLimit::Place m_room;
     std::array<char, 1024> m_discard{};
     Bytes m_current; // on its way
     std::deque<std::pair<Key, Bytes>> m_waiting;
@@ -110,12 +106,13 @@ unsigned short PreviewServer::port() const
 bool PreviewServer::accept(boost::asio::ip::tcp::socket socket)
 {
     std::erase_if(m_readers, [](const auto& weak) { return weak.expired(); });
-    if (m_readers.size() >= maxReaders)
+    boost::system::error_code ignored;
+    PeerLimit::Place room = m_room.enter(socket.remote_endpoint(ignored).address());
+    if (!room)
         return false;
     // A small send buffer: what lies in it is old by the time it is read.
-    boost::system::error_code ignored;
     socket.set_option(boost::asio::socket_base::send_buffer_size(512 * 1024), ignored);
-    const auto reader = std::make_shared<Reader>(std::move(socket));
+    const auto reader = std::make_shared<Reader>(std::move(socket), std::move(room));
     m_readers.push_back(reader);
     reader->watch();
     for (const auto& [key, frame] : m_latest)

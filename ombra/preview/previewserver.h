@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ombra/base/listener.h"
+#include "ombra/base/peerlimit.h"
 #include "tarn/preview/frame.h"
 
 #include <boost/asio/io_context.hpp>
@@ -45,6 +46,7 @@ private:
 
     boost::asio::io_context& m_io;
     Listener m_listener;
+    PeerLimit m_room{64, 32};
     std::vector<std::weak_ptr<Reader>> m_readers;
     std::map<Key, PreviewFrame> m_latest;
     std::shared_ptr<int> m_alive = std::make_shared<int>(0);

@@ -14,6 +14,7 @@ struct HttpRequest
     std::string body;
     std::string contentType = {}; // these two as the fields say, empty without one
     std::string ifMatch = {};
+    std::function<bool()> isWanted = {}; // whether somebody still waits for the answer; none: nobody knows
 };
 
 struct HttpReply

@@ -10,7 +10,6 @@ namespace vantrel::ombra {
 
 namespace {
 
-constexpr int maxSessions = 512;
 constexpr std::chrono::seconds lifeTick{1};
 
 } // namespace
@@ -47,9 +46,11 @@ unsigned short HttpServer::port() const
 
 bool HttpServer::accept(boost::asio::ip::tcp::socket socket)
 {
-    if (*m_openSessions >= maxSessions)
+    boost::system::error_code code;
+    PeerLimit::Place room = m_sessions.enter(socket.remote_endpoint(code).address());
+    if (!room)
         return false;
-    startHttpSession(std::move(socket), m_handlers, m_streams, m_sockets, m_headers, m_openSessions);
+    startHttpSession(std::move(socket), m_handlers, m_streams, m_sockets, m_headers, std::move(room));
     return true;
 }
 

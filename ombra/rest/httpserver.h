@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ombra/base/listener.h"
+#include "ombra/base/peerlimit.h"
 #include "ombra/rest/http.h"
 #include "ombra/rest/requestguard.h"
 
@@ -30,8 +31,8 @@ struct HttpHandlers
 
 /// An HTTP/1.1 server with event streams and WebSockets. Each second an event stream gets a comment, so that
 /// its reader can tell a quiet server from one that hangs. Sizes and times are limited, so that nothing
-/// outside can hold it up: 16 KiB of header in 10 s, 64 MiB of body in 60 s, 64 MiB of unread events, 64
-/// connections of one peer that have sent no header. One thread, that of the io_context.
+/// outside can hold it up: 16 KiB of header in 10 s, 64 MiB of body in 60 s, 64 MiB of unread events, 512
+/// connections, 256 of one peer, of which 64 have sent no header. One thread, that of the io_context.
 class HttpServer
 {
 public:
@@ -59,7 +60,7 @@ private:
     std::shared_ptr<BroadcastHub> m_streams;
     std::shared_ptr<BroadcastHub> m_sockets;
     std::shared_ptr<HeaderQueue> m_headers;
-    std::shared_ptr<int> m_openSessions = std::make_shared<int>(0);
+    PeerLimit m_sessions{512, 256};
     boost::asio::steady_timer m_life;
     std::shared_ptr<int> m_alive = std::make_shared<int>(0); // the timer's waits hold it weakly
 };

@@ -12,6 +12,7 @@
 #include <chrono>
 #include <deque>
 #include <optional>
+#include <sys/socket.h>
 
 namespace vantrel::ombra {
 
@@ -42,19 +43,17 @@ class HttpSession : public Subscriber, public std::enable_shared_from_this<HttpS
 public:
     HttpSession(boost::asio::ip::tcp::socket socket, std::shared_ptr<const HttpHandlers> handlers,
                 std::shared_ptr<BroadcastHub> streams, std::shared_ptr<BroadcastHub> sockets,
-                std::shared_ptr<HeaderQueue> headers, std::shared_ptr<int> openSessions)
+                std::shared_ptr<HeaderQueue> headers, PeerLimit::Place room)
         : m_stream(std::move(socket))
         , m_handlers(std::move(handlers))
         , m_streams(std::move(streams))
         , m_sockets(std::move(sockets))
         , m_headers(std::move(headers))
-        , m_openSessions(std::move(openSessions))
+        , m_room(std::move(room))
     {
-        ++*m_openSessions;
         beast::error_code code;
         m_peer = m_stream.socket().remote_endpoint(code).address();
     }
-    ~HttpSession() override { --*m_openSessions; }
 
     void readHeader();
     void send(const std::shared_ptr<const std::string>& message) override;
@@ -64,6 +63,7 @@ private:
     void headerRead(beast::error_code code);
     void readBody();
     void bodyRead(beast::error_code code);
+    bool isListening();
     void refuse(beast::error_code code);
     void answer(HttpReply reply);
     void written(beast::error_code code, bool keepAlive);
@@ -82,7 +82,7 @@ private:
     std::shared_ptr<BroadcastHub> m_streams;
     std::shared_ptr<BroadcastHub> m_sockets;
     std::shared_ptr<HeaderQueue> m_headers;
-    std::shared_ptr<int> m_openSessions;
+    PeerLimit::Place m_room;
     boost::asio::ip::address m_peer;
     HeaderQueue::Place m_place;                               // while a header is being read
     std::deque<std::shared_ptr<const std::string>> m_waiting; // the front one is being written
@@ -135,7 +135,7 @@ void HttpSession::headerRead(beast::error_code code)
     const std::string path(request.target().substr(0, request.target().find('?')));
     if (path == m_handlers->socketPath && beast::websocket::is_upgrade(request)) {
         m_stream.expires_never();
-        startWebSocket(std::move(m_stream), m_parser->release(), m_sockets, m_openSessions);
+        startWebSocket(std::move(m_stream), m_parser->release(), m_sockets, m_room);
         return;
     }
     if (path == m_handlers->streamPath && request.method() == http::verb::get)
@@ -174,8 +174,16 @@ void HttpSession::bodyRead(beast::error_code code)
     plain.body = std::move(request.body());
     plain.contentType = request[http::field::content_type];
     plain.ifMatch = request[http::field::if_match];
+    plain.isWanted = [self = shared_from_this()] { return self->isListening(); };
     m_handlers->request(std::move(plain),
                         [self = shared_from_this()](HttpReply reply) { self->answer(std::move(reply)); });
+}
+
+/// Whether the peer has not gone: it sends nothing while it waits, but its end shows.
+bool HttpSession::isListening()
+{
+    char byte = 0;
+    return ::recv(m_stream.socket().native_handle(), &byte, 1, MSG_PEEK | MSG_DONTWAIT) != 0;
 }
 
 void HttpSession::refuse(beast::error_code code)
@@ -302,10 +310,10 @@ void HttpSession::close()
 
 void startHttpSession(boost::asio::ip::tcp::socket socket, std::shared_ptr<const HttpHandlers> handlers,
                       std::shared_ptr<BroadcastHub> streams, std::shared_ptr<BroadcastHub> sockets,
-                      std::shared_ptr<HeaderQueue> headers, std::shared_ptr<int> openSessions)
+                      std::shared_ptr<HeaderQueue> headers, PeerLimit::Place room)
 {
     std::make_shared<HttpSession>(std::move(socket), std::move(handlers), std::move(streams),
-                                  std::move(sockets), std::move(headers), std::move(openSessions))
+                                  std::move(sockets), std::move(headers), std::move(room))
         ->readHeader();
 }
 

@@ -3,6 +3,7 @@
 #include "ombra/decode/mediaprobe.h"
 #include "ombra/decode/mediaurl.h"
 #include "ombra/decode/thumbnail.h"
+#include "ombra/decode/unplayable.h"
 #include "tarn/media/mediaenums.h"
 #include "tarn/media/mediametadata.h"
 
@@ -42,14 +43,9 @@ std::optional<std::string> stampOf(const std::filesystem::path& file)
 std::int64_t bytesOf(const SequencePattern& pattern)
 {
     std::int64_t bytes = 0;
-    std::error_code code;
-    const std::filesystem::path folder = std::filesystem::path(pattern.prefix).parent_path();
-    for (std::filesystem::directory_iterator it(folder, code), end; !code && it != end; it.increment(code)) {
-        const std::string name = it->path().string();
-        if (!name.starts_with(pattern.prefix) || !name.ends_with(pattern.suffix))
-            continue;
+    for (const int number : findSequenceNumbers(pattern)) {
         std::error_code gone;
-        const auto size = it->file_size(gone);
+        const auto size = std::filesystem::file_size(pattern.file(number), gone);
         bytes += gone ? 0 : static_cast<std::int64_t>(size);
     }
     return bytes;
@@ -111,15 +107,55 @@ MediaMetadata::Audio soundOf(const MediaInfo& info)
     return audio;
 }
 
+HttpReply describeMissing(const std::string& why)
+{
+    MediaMetadata metadata(MediaType::Unknown, false);
+    metadata.setError(why);
+    return {.body = metadata.toJson().toString()};
+}
+
+std::string secondsText(double seconds)
+{
+    std::array<char, 32> text{};
+    std::snprintf(text.data(), text.size(), "%.1f s", seconds);
+    return text.data();
+}
+
+/// What an operator should know of a medium that plays.
+void describeCaveats(const MediaInfo& info, MediaMetadata& metadata)
+{
+    if (info.unsupportedAudio)
+        metadata.addCaveat(MediaCaveat::UnsupportedAudio,
+                           info.audioKind.empty() ? std::string()
+                                                  : "Media contains unsupported audio (" + info.audioKind +
+                                                        "): it plays without sound. Convert the sound.");
+    else if (info.partialAudio)
+        metadata.addCaveat(MediaCaveat::UnsupportedAudio,
+                           "Not all of its sound is heard: there are several streams that do not make one "
+                           "programme, or more channels than are played. Convert the sound.");
+    if (info.cutOff)
+        metadata.addCaveat(MediaCaveat::CutOff, "The file is cut off at " + secondsText(info.cutOff->at) +
+                                                    " of " + secondsText(info.cutOff->announced) +
+                                                    ". Copy it again.");
+    if (info.missing > 0)
+        metadata.addCaveat(MediaCaveat::MissingPictures,
+                           std::to_string(info.missing) + " of " + std::to_string(info.frames) +
+                               " pictures of the sequence are missing, the first is number " +
+                               std::to_string(info.firstMissing) +
+                               ". The picture before stands instead. Copy them again.");
+}
+
 HttpReply describe(const std::filesystem::path& file)
 {
     std::string error;
     const auto info = probeMedia(file, &error);
     if (!info)
-        return httpError(404, error);
+        return describeMissing(error);
     MediaMetadata metadata(info->type, info->playable);
-    if (info->unsupportedAudio)
-        metadata.addCaveat(MediaCaveat::UnsupportedAudio);
+    describeCaveats(*info, metadata);
+    metadata.setStartTimecode(info->startTimecode);
+    if (info->type == MediaType::ImageSequence)
+        metadata.setMissingPictures(info->missing);
     if (info->duration > 0)
         metadata.setDuration(info->duration);
     if (info->type == MediaType::ImageFile || info->type == MediaType::ImageSequence) {
@@ -127,6 +163,7 @@ HttpReply describe(const std::filesystem::path& file)
     } else if (info->width > 0 && info->height > 0) {
         MediaMetadata::Pictures video = picturesOf(*info);
         video.profile = info->profile;
+        video.fieldOrder = info->fieldOrder;
         if (info->fps > 0)
             video.frameRate = info->fps;
         if (info->bitRate > 0)
@@ -167,50 +204,82 @@ MediaData::~MediaData()
     m_worker.join();
 }
 
-void MediaData::metadata(const std::string& contentUrl, HttpAnswer answer)
+void MediaData::metadata(const std::string& contentUrl, HttpAnswer answer, Wanted wanted)
 {
-    serve("m", contentUrl, describe, std::move(answer));
+    std::error_code code;
+    if (!std::filesystem::is_directory(m_folder, code))
+        return answer(
+            describeMissing("The media folder of the server is not there. Mount or make it again."));
+    const auto file = resolveMediaUrl(m_folder, contentUrl);
+    if (!file)
+        return answer(describeMissing("This is no file of the media folder. Give the slot another file."));
+    if (!stampOf(*file))
+        return answer(describeMissing(missingReason(*file)));
+    serve("m", contentUrl, describe, {std::move(answer), std::move(wanted)});
 }
 
-void MediaData::thumbnail(const std::string& contentUrl, HttpAnswer answer)
+void MediaData::thumbnail(const std::string& contentUrl, HttpAnswer answer, Wanted wanted)
 {
-    serve("t", contentUrl, picture, std::move(answer));
+    serve("t", contentUrl, picture, {std::move(answer), std::move(wanted)});
 }
 
-void MediaData::serve(const char* kind, const std::string& contentUrl, Work work, HttpAnswer answer)
+void MediaData::serve(const char* kind, const std::string& contentUrl, Work work, Waiter waiter)
 {
     const auto file = resolveMediaUrl(m_folder, contentUrl);
     const auto stamp = file ? stampOf(*file) : std::nullopt;
     if (!stamp)
-        return answer(httpError(404, "no such media: " + contentUrl));
+        return waiter.answer(httpError(404, "no such media: " + contentUrl));
     const std::string key = kind + file->string() + "\n" + *stamp;
     if (const HttpReply* reply = cached(key))
-        return answer(*reply);
-    if (m_waiting.size() >= maxWaiting)
-        return answer(httpError(503, "too many requests are waiting"));
-    std::vector<HttpAnswer>& waiting = m_waiting[key];
-    waiting.push_back(std::move(answer));
-    if (waiting.size() > 1)
-        return;
-    boost::asio::post(m_worker, [this, alive = std::weak_ptr(m_alive), key, file = *file, work] {
-        if (alive.expired())
-            return;
-        HttpReply reply;
-        try {
-            reply = work(file);
-        } catch (const std::exception& e) {
-            reply = httpError(500, e.what());
+        return waiter.answer(*reply);
+    if (m_jobs.size() >= maxWaiting)
+        return waiter.answer(httpError(503, "too many requests are waiting"));
+    Job& job = m_jobs[key];
+    job.waiters.push_back(std::move(waiter));
+    if (job.work)
+        return; // asked for already
+    job.file = *file;
+    job.work = work;
+    m_queue.push_back(key);
+    startNext();
+}
+
+void MediaData::startNext()
+{
+    while (!m_busy && !m_queue.empty()) {
+        const std::string key = std::move(m_queue.front());
+        m_queue.pop_front();
+        const auto job = m_jobs.find(key);
+        std::erase_if(job->second.waiters,
+                      [](const Waiter& waiter) { return waiter.wanted && !waiter.wanted(); });
+        if (job->second.waiters.empty()) {
+            m_jobs.erase(job);
+            continue;
         }
-        boost::asio::post(m_io, [this, alive, key, reply = std::move(reply)] {
-            if (!alive.expired())
-                finish(key, reply);
+        m_busy = true;
+        boost::asio::post(m_worker, [this, alive = std::weak_ptr(m_alive), key, file = job->second.file,
+                                     work = job->second.work] {
+            if (alive.expired())
+                return;
+            HttpReply reply;
+            try {
+                reply = work(file);
+            } catch (const std::exception& e) {
+                reply = httpError(500, e.what());
+            }
+            boost::asio::post(m_io, [this, alive, key, reply = std::move(reply)] {
+                if (!alive.expired())
+                    finish(key, reply);
+            });
         });
-    });
+    }
 }
 
 void MediaData::finish(const std::string& key, const HttpReply& reply)
 {
-    const auto waiting = m_waiting.extract(key);
+    const auto done = m_jobs.extract(key);
+    m_busy = false;
+    startNext();
     if (reply.status < 500) {
         m_recent.emplace_front(key, reply);
         m_cache[key] = m_recent.begin();
@@ -222,10 +291,8 @@ void MediaData::finish(const std::string& key, const HttpReply& reply)
             m_recent.pop_back();
         }
     }
-    if (waiting) {
-        for (const HttpAnswer& answer : waiting.mapped())
-            answer(reply);
-    }
+    for (const Waiter& waiter : done.mapped().waiters)
+        waiter.answer(reply);
 }
 
 const HttpReply* MediaData::cached(const std::string& key)

@@ -5,7 +5,9 @@
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/thread_pool.hpp>
 
+#include <deque>
 #include <filesystem>
+#include <functional>
 #include <list>
 #include <map>
 #include <memory>
@@ -17,32 +19,50 @@ namespace vantrel::ombra {
 
 /// Answers for metadata and thumbnails of media files. Files are opened on one worker thread, in the order of
 /// the requests; requests for the same file wait for one piece of work, and answers are kept until the file
-/// changes.
+/// changes, the newest 64 MiB of them. What nobody waits for any more when its turn comes is not made.
 class MediaData
 {
 public:
+    /// Whether somebody still waits for an answer; an empty one means that it is not known.
+    using Wanted = std::function<bool()>;
+
     MediaData(boost::asio::io_context& io, std::filesystem::path mediaFolder);
     /// Waits for the work at hand; answers that are still due are not given.
     ~MediaData();
     MediaData(const MediaData&) = delete;
     MediaData& operator=(const MediaData&) = delete;
 
-    /// JSON as MediaMetadata reads it; 404 when there is no such file.
-    void metadata(const std::string& contentUrl, HttpAnswer answer);
+    /// JSON as MediaMetadata reads it. A file that is missing or leads out of the folder is not playable,
+    /// with that as its reason.
+    void metadata(const std::string& contentUrl, HttpAnswer answer, Wanted wanted = {});
     /// A JPEG; 404 when there is no such file or no picture in it.
-    void thumbnail(const std::string& contentUrl, HttpAnswer answer);
+    void thumbnail(const std::string& contentUrl, HttpAnswer answer, Wanted wanted = {});
 
 private:
     using Work = HttpReply (*)(const std::filesystem::path& file);
+    struct Waiter
+    {
+        HttpAnswer answer;
+        Wanted wanted;
+    };
+    struct Job
+    {
+        std::filesystem::path file;
+        Work work = nullptr;
+        std::vector<Waiter> waiters;
+    };
 
-    void serve(const char* kind, const std::string& contentUrl, Work work, HttpAnswer answer);
+    void serve(const char* kind, const std::string& contentUrl, Work work, Waiter waiter);
+    void startNext();
     void finish(const std::string& key, const HttpReply& reply);
     const HttpReply* cached(const std::string& key);
 
     boost::asio::io_context& m_io;
     std::filesystem::path m_folder;
-    std::map<std::string, std::vector<HttpAnswer>> m_waiting; // by key
-    std::list<std::pair<std::string, HttpReply>> m_recent;    // newest first
+    std::map<std::string, Job> m_jobs; // by key; the one at hand and those that wait
+    std::deque<std::string> m_queue;   // keys of those that wait
+    bool m_busy = false;
+    std::list<std::pair<std::string, HttpReply>> m_recent; // newest first
     std::unordered_map<std::string, std::list<std::pair<std::string, HttpReply>>::iterator> m_cache;
     std::size_t m_cacheBytes = 0;
     std::shared_ptr<int> m_alive = std::make_shared<int>(0);

@@ -188,7 +188,7 @@ void RestApi::getMetadata(const HttpRequest& request, const HttpAnswer& answer)
     std::string url;
     if (!queryValue(request.query, "file", url))
         return answer(httpError(400, "the query has no readable \"file\""));
-    m_mediaData.metadata(url, answer);
+    m_mediaData.metadata(url, answer, request.isWanted);
 }
 
 void RestApi::getThumbnail(const HttpRequest& request, const HttpAnswer& answer)
@@ -196,7 +196,7 @@ void RestApi::getThumbnail(const HttpRequest& request, const HttpAnswer& answer)
     std::string url;
     if (!queryValue(request.query, "file", url))
         return answer(httpError(400, "the query has no readable \"file\""));
-    m_mediaData.thumbnail(url, answer);
+    m_mediaData.thumbnail(url, answer, request.isWanted);
 }
 
 void RestApi::getSystem(const HttpRequest&, const HttpAnswer& answer)

@@ -23,13 +23,11 @@ constexpr std::size_t maxMessage = 64 * 1024;
 class WebSocketSession : public Subscriber, public std::enable_shared_from_this<WebSocketSession>
 {
 public:
-    WebSocketSession(beast::tcp_stream stream, std::shared_ptr<int> openSessions)
+    WebSocketSession(beast::tcp_stream stream, PeerLimit::Place room)
         : m_socket(std::move(stream))
-        , m_openSessions(std::move(openSessions))
+        , m_room(std::move(room))
     {
-        ++*m_openSessions;
     }
-    ~WebSocketSession() override { --*m_openSessions; }
 
     void start(const beast::http::request<beast::http::string_body>& request,
                const std::shared_ptr<BroadcastHub>& hub)
@@ -91,7 +89,7 @@ private:
     }
 
     websocket::stream<beast::tcp_stream> m_socket;
-    std::shared_ptr<int> m_openSessions;
+    PeerLimit::Place m_room;
     beast::flat_buffer m_buffer;
     std::deque<std::shared_ptr<const std::string>> m_waiting; // the front one is being written
     std::size_t m_waitingBytes = 0;
@@ -101,9 +99,9 @@ private:
 } // namespace
 
 void startWebSocket(beast::tcp_stream stream, beast::http::request<beast::http::string_body> request,
-                    const std::shared_ptr<BroadcastHub>& hub, std::shared_ptr<int> openSessions)
+                    const std::shared_ptr<BroadcastHub>& hub, PeerLimit::Place room)
 {
-    std::make_shared<WebSocketSession>(std::move(stream), std::move(openSessions))->start(request, hub);
+    std::make_shared<WebSocketSession>(std::move(stream), std::move(room))->start(request, hub);
 }
 
 } // namespace vantrel::ombra

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ombra/base/peerlimit.h"
 #include "ombra/rest/broadcasthub.h"
 
 #include <boost/beast/core/tcp_stream.hpp>
@@ -14,6 +15,6 @@ namespace vantrel::ombra {
 /// ignored, but for pings.
 void startWebSocket(boost::beast::tcp_stream stream,
                     boost::beast::http::request<boost::beast::http::string_body> request,
-                    const std::shared_ptr<BroadcastHub>& hub, std::shared_ptr<int> openSessions);
+                    const std::shared_ptr<BroadcastHub>& hub, PeerLimit::Place room);
 
 } // namespace vantrel::ombra

@@ -24,22 +24,36 @@ std::string contentUrl(const std::filesystem::path& relative)
     return url;
 }
 
-std::string sequencePattern(const std::string& fileName, int& number)
+std::string NumberedName::pattern(int width) const
 {
+    return prefix + "%0" + std::to_string(width) + "d" + suffix;
+}
+
+std::optional<NumberedName> parseNumberedName(const std::string& fileName)
+{
+    constexpr std::string_view decimal = "0123456789";
     const std::size_t dot = fileName.rfind('.');
     if (dot == std::string::npos || dot == 0)
-        return {};
-    const std::size_t end = fileName.find_last_of("0123456789", dot - 1);
-    if (end == std::string::npos || end + 1 != dot)
-        return {};
-    std::size_t start = end;
-    while (start > 0 && fileName[start - 1] >= '0' && fileName[start - 1] <= '9')
-        --start;
-    const std::size_t width = end - start + 1;
-    const auto [stop, code] = std::from_chars(fileName.data() + start, fileName.data() + end + 1, number);
-    if (code != std::errc() || width < 2 || width > 9)
-        return {};
-    return fileName.substr(0, start) + "%0" + std::to_string(width) + "d" + fileName.substr(dot);
+        return std::nullopt;
+    const std::size_t before = fileName.find_last_not_of(decimal, dot - 1);
+    const std::size_t start = before == std::string::npos ? 0 : before + 1;
+    NumberedName name{fileName.substr(0, start), fileName.substr(dot), 0, static_cast<int>(dot - start),
+                      false};
+    if (name.digits < 1 || name.digits > 9)
+        return std::nullopt;
+    std::from_chars(fileName.data() + start, fileName.data() + dot, name.number);
+    name.padded = name.digits > 1 && fileName[start] == '0';
+    return name;
+}
+
+std::vector<std::string> sequencePatterns(const std::string& fileName)
+{
+    std::vector<std::string> patterns;
+    if (const auto name = parseNumberedName(fileName)) {
+        for (int width = name->padded ? name->digits : 1; width <= name->digits; ++width)
+            patterns.push_back(name->pattern(width));
+    }
+    return patterns;
 }
 
 } // namespace vantrel::ombra

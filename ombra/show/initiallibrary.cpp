@@ -1,14 +1,12 @@
 #include "ombra/show/initiallibrary.h"
 
-#include "ombra/decode/mediaprobe.h"
-#include "ombra/decode/mediaurl.h"
 #include "ombra/show/contenturl.h"
 #include "tarn/log/log.h"
-#include "tarn/media/mediaenums.h"
 #include "util/mediasuffixes.h"
 
 #include <algorithm>
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -31,12 +29,13 @@ std::string suffixOf(const std::filesystem::path& path)
 
 bool isStill(const std::filesystem::path& path)
 {
-    return std::ranges::find(pictureSuffixes, suffixOf(path)) != pictureSuffixes.end();
+    return std::ranges::find(playedPictureSuffixes, suffixOf(path)) != playedPictureSuffixes.end();
 }
 
 bool isMedia(const std::filesystem::path& path)
 {
-    return isStill(path) || std::ranges::find(movieSuffixes, suffixOf(path)) != movieSuffixes.end();
+    return isStill(path) ||
+           std::ranges::find(playedMovieSuffixes, suffixOf(path)) != playedMovieSuffixes.end();
 }
 
 std::vector<std::filesystem::path> listFiles(const std::filesystem::path& folder)
@@ -62,9 +61,68 @@ std::vector<std::filesystem::path> listFiles(const std::filesystem::path& folder
     return files;
 }
 
-struct Range
+/// Which sequence each numbered picture belongs to. Numbers that outgrow the others' digits go on with them,
+/// 995 to 1006, unless there are padded ones of their own length.
+class SequenceFinder
 {
-    int first = 0, last = 0, count = 0;
+public:
+    struct Range
+    {
+        int first = 0, last = 0, count = 0;
+    };
+
+    explicit SequenceFinder(const std::vector<std::filesystem::path>& files)
+    {
+        for (const auto& file : files) {
+            const auto name = isStill(file) ? parseNumberedName(file.filename().string()) : std::nullopt;
+            if (!name)
+                continue;
+            Group& group = m_groups[file.parent_path() / (name->prefix + "/" + name->suffix)];
+            group.narrowest = std::min(group.narrowest, name->digits);
+            if (name->padded)
+                group.padded.insert(name->digits);
+        }
+        for (const auto& file : files) {
+            const std::filesystem::path pattern = patternOf(file);
+            if (pattern.empty())
+                continue;
+            const int number = parseNumberedName(file.filename().string())->number;
+            Range& range = m_ranges[pattern];
+            range.first = range.count == 0 ? number : std::min(range.first, number);
+            range.last = std::max(range.last, number);
+            ++range.count;
+        }
+    }
+
+    /// Relative to the media folder, as the file is; empty for what is of no sequence.
+    std::filesystem::path patternOf(const std::filesystem::path& file) const
+    {
+        const auto name = parseNumberedName(file.filename().string());
+        if (!name || !isStill(file))
+            return {};
+        const Group& group = m_groups.at(file.parent_path() / (name->prefix + "/" + name->suffix));
+        const int width = group.padded.contains(name->digits) ? name->digits : group.narrowest;
+        return file.parent_path() / name->pattern(width);
+    }
+
+    /// Null where so few pictures are just pictures: "logo1" to "logo9" are none of a sequence either.
+    const Range* rangeOf(const std::filesystem::path& pattern) const
+    {
+        const auto range = m_ranges.find(pattern);
+        const bool single = pattern.string().find("%01d") != std::string::npos;
+        const bool isSequence = range != m_ranges.end() && range->second.count >= sequenceMinimum &&
+                                (!single || range->second.last >= 10);
+        return isSequence ? &range->second : nullptr;
+    }
+
+private:
+    struct Group
+    {
+        int narrowest = 9;
+        std::set<int> padded; // lengths of numbers that begin with a zero
+    };
+    std::map<std::filesystem::path, Group> m_groups; // by what stands around the number
+    std::map<std::filesystem::path, Range> m_ranges; // by pattern
 };
 
 } // namespace
@@ -72,63 +130,30 @@ struct Range
 MediaLibrary makeInitialLibrary(const std::filesystem::path& mediaFolder)
 {
     const std::vector<std::filesystem::path> files = listFiles(mediaFolder);
-    std::map<std::filesystem::path, Range> sequences; // by pattern
-    for (const auto& file : files) {
-        int number = 0;
-        const std::string pattern =
-            isStill(file) ? sequencePattern(file.filename().string(), number) : std::string();
-        if (pattern.empty())
-            continue;
-        Range& range = sequences[file.parent_path() / pattern];
-        range.first = range.count == 0 ? number : std::min(range.first, number);
-        range.last = std::max(range.last, number);
-        ++range.count;
-    }
+    const SequenceFinder sequences(files);
     MediaCollection collection("Media");
     int index = MediaCollection::slotIndexMin;
+    std::set<std::filesystem::path> taken; // patterns
     for (const auto& file : files) {
         if (index > MediaCollection::slotIndexMax)
             break;
-        int number = 0;
-        const std::string pattern =
-            isStill(file) ? sequencePattern(file.filename().string(), number) : std::string();
-        const auto range = sequences.find(file.parent_path() / pattern);
-        if (pattern.empty() || range == sequences.end() || range->second.count < sequenceMinimum) {
+        const std::filesystem::path pattern = sequences.patternOf(file);
+        const SequenceFinder::Range* range = sequences.rangeOf(pattern);
+        if (!range) {
             collection.insertMediaSlot(index++, MediaSlot(file.stem().string(), contentUrl(file)), true);
             continue;
         }
-        if (number != range->second.first)
+        if (!taken.insert(pattern).second)
             continue;
-        MediaSlot slot(pattern, contentUrl(file.parent_path() / pattern));
+        MediaSlot slot(pattern.filename().string(), contentUrl(pattern));
         slot.setFrameRate(sequenceRate);
-        slot.setFirstFrameNum(range->second.first);
-        slot.setLastFrameNum(range->second.last);
+        slot.setFirstFrameNum(range->first);
+        slot.setLastFrameNum(range->last);
         collection.insertMediaSlot(index++, slot, true);
     }
     MediaLibrary library;
     library.insertMediaCollection(1, collection, true);
     return library;
-}
-
-bool probeSlot(const std::filesystem::path& mediaFolder, MediaSlot& slot)
-{
-    const MediaSlot before = slot;
-    const auto file = resolveMediaUrl(mediaFolder, slot.getUrl());
-    if (!file)
-        return false;
-    std::string error;
-    const auto info = probeMedia(*file, &error);
-    if (!info)
-        return false;
-    slot.setMediaType(info->type);
-    slot.setIsPlayable(info->playable);
-    if (info->type == MediaType::ImageSequence)
-        return !(slot == before); // its length follows from the frames
-    if (info->duration > 0)
-        slot.setInherentMediaDuration(info->duration);
-    else if (before.getMediaType() == MediaType::VideoFile || before.getMediaType() == MediaType::AudioFile)
-        slot.setInherentMediaDuration(std::nullopt); // another file took its place
-    return !(slot == before);
 }
 
 } // namespace vantrel::ombra

@@ -4,11 +4,18 @@
 #include "tarn/log/log.h"
 
 #include <boost/asio/buffer.hpp>
+#include <boost/asio/post.hpp>
 
+#include <array>
 #include <cerrno>
 #include <chrono>
+#include <cstdio>
 #include <cstring>
+#include <fstream>
+#include <sstream>
 #include <sys/inotify.h>
+#include <sys/stat.h>
+#include <utility>
 #include <vector>
 
 namespace vantrel::ombra {
@@ -18,6 +25,45 @@ namespace {
 constexpr std::uint32_t watched =
     IN_CLOSE_WRITE | IN_CREATE | IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO | IN_ONLYDIR;
 constexpr auto settleTime = std::chrono::milliseconds(100);
+constexpr auto checkTime = std::chrono::seconds(1);
+const std::string nowhere = "-"; // the identity of a folder that is gone
+
+/// A path as the system's table of mounts writes it.
+std::string escaped(const std::string& path)
+{
+    std::string text;
+    for (const char c : path) {
+        if (c == ' ' || c == '\t' || c == '\n' || c == '\\') {
+            std::array<char, 8> octal{};
+            std::snprintf(octal.data(), octal.size(), "\\%03o", static_cast<unsigned>(c));
+            text += octal.data();
+        } else {
+            text += c;
+        }
+    }
+    return text;
+}
+
+/// Which folder this is, and which disks are mounted at it and below. Any thread.
+std::string identityOf(const std::filesystem::path& folder)
+{
+    struct stat status
+    {
+    };
+    if (::stat(folder.c_str(), &status) != 0 || !S_ISDIR(status.st_mode))
+        return nowhere;
+    std::string identity = std::to_string(status.st_dev) + ":" + std::to_string(status.st_ino);
+    const std::string root = escaped(folder.string());
+    std::ifstream mounts("/proc/self/mountinfo");
+    for (std::string line; std::getline(mounts, line);) {
+        std::istringstream fields(line);
+        std::string id, parent, device, source, point;
+        fields >> id >> parent >> device >> source >> point;
+        if (point == root || point.starts_with(root + "/"))
+            identity += " " + id + ":" + device + ":" + point;
+    }
+    return identity;
+}
 
 } // namespace
 
@@ -26,26 +72,92 @@ MediaWatcher::MediaWatcher(boost::asio::io_context& io, std::filesystem::path me
     , m_timer(io)
     , m_folder(std::move(mediaFolder))
     , m_listener(std::move(listener))
+    , m_check(io)
 {
 }
 
-MediaWatcher::~MediaWatcher() = default;
+MediaWatcher::~MediaWatcher()
+{
+    m_alive.reset();
+    m_asker.join();
+}
 
 bool MediaWatcher::start(std::string* error)
 {
-    const int fd = ::inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
-    if (fd < 0) {
-        *error = std::string("cannot watch ") + m_folder.string() + ": " + std::strerror(errno);
+    m_identity = identityOf(m_folder);
+    if (!open(error))
         return false;
-    }
-    m_stream.assign(fd);
-    if (!watchFolder({})) {
+    watchTree({}, false);
+    scheduleCheck();
+    return true;
+}
+
+bool MediaWatcher::open(std::string* error)
+{
+    const int fd = ::inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
+    if (fd >= 0)
+        m_stream.assign(fd);
+    if (fd < 0 || !watchFolder({})) {
         *error = "cannot watch " + m_folder.string() + ": " + std::strerror(errno);
         return false;
     }
-    watchTree({}, false);
     read();
     return true;
+}
+
+void MediaWatcher::setFolderListener(FolderListener listener)
+{
+    m_folderListener = std::move(listener);
+    m_told.reset();
+    tellFolder();
+}
+
+void MediaWatcher::tellFolder()
+{
+    const Folder now = m_identity == nowhere ? Folder::Gone : m_known.empty() ? Folder::Empty : Folder::There;
+    if (m_told == now || !m_folderListener)
+        return;
+    m_told = now;
+    m_folderListener(now);
+}
+
+void MediaWatcher::scheduleCheck()
+{
+    m_check.expires_after(checkTime);
+    m_check.async_wait([this, alive = std::weak_ptr(m_alive)](boost::system::error_code code) {
+        if (code || alive.expired())
+            return;
+        boost::asio::post(m_asker, [this, alive, folder = m_folder, executor = m_check.get_executor()] {
+            boost::asio::post(executor, [this, alive, identity = identityOf(folder)] {
+                if (alive.expired())
+                    return;
+                if (identity != m_identity)
+                    follow(identity);
+                scheduleCheck();
+            });
+        });
+    });
+}
+
+/// Another folder, another disk, or none: watches what is there now, and tells what came and went.
+void MediaWatcher::follow(const std::string& identity)
+{
+    const std::set<std::filesystem::path> before = std::exchange(m_known, {});
+    m_watches.clear();
+    ++m_round;
+    boost::system::error_code ignored;
+    m_stream.close(ignored);
+    m_identity = identity;
+    std::string why;
+    if (identity != nowhere && open(&why))
+        watchTree({}, true);
+    else if (identity != nowhere)
+        m_identity.clear(); // gone again: the next look tells
+    for (const auto& file : before) {
+        if (!m_known.contains(file))
+            note(Event::Removed, file);
+    }
+    scheduleFlush(); // also of nothing, which tells how the folder is
 }
 
 bool MediaWatcher::watchFolder(const std::filesystem::path& relative)
@@ -83,18 +195,20 @@ void MediaWatcher::watchTree(const std::filesystem::path& relative, bool announc
 
 void MediaWatcher::read()
 {
-    m_stream.async_read_some(boost::asio::buffer(m_buffer),
-                             [this](boost::system::error_code code, std::size_t size) {
-                                 if (code == boost::asio::error::operation_aborted)
-                                     return;
-                                 if (code) {
-                                     Log::write(LogLevel::Warning, "vantrel.show",
-                                                "the watch of the media folder ended: " + code.message());
-                                     return;
-                                 }
-                                 handle(m_buffer.data(), size);
-                                 read();
-                             });
+    // What was read before the folder was another one means nothing any more.
+    const auto done = [this, alive = std::weak_ptr(m_alive), round = m_round](boost::system::error_code code,
+                                                                              std::size_t size) {
+        if (code == boost::asio::error::operation_aborted || alive.expired() || round != m_round)
+            return;
+        if (code) {
+            Log::write(LogLevel::Warning, "vantrel.show",
+                       "the watch of the media folder ended: " + code.message());
+            return;
+        }
+        handle(m_buffer.data(), size);
+        read();
+    };
+    m_stream.async_read_some(boost::asio::buffer(m_buffer), done);
 }
 
 void MediaWatcher::handle(const char* bytes, std::size_t size)
@@ -118,6 +232,9 @@ void MediaWatcher::handle(int watch, std::uint32_t mask, const std::string& name
         return;
     }
     if (mask & IN_IGNORED) {
+        const auto gone = m_watches.find(watch);
+        if (gone != m_watches.end() && gone->second.empty())
+            m_identity.clear(); // the folder itself: another one of its name may look the same
         m_watches.erase(watch);
         return;
     }
@@ -165,10 +282,13 @@ void MediaWatcher::forgetTree(const std::filesystem::path& relative)
 void MediaWatcher::note(Event event, const std::filesystem::path& relative)
 {
     noteUrl(event, contentUrl(relative));
-    int number = 0;
-    const std::string pattern = sequencePattern(relative.filename().string(), number);
-    if (!pattern.empty())
+    for (const std::string& pattern : sequencePatterns(relative.filename().string()))
         noteUrl(Event::Changed, contentUrl(relative.parent_path() / pattern));
+    scheduleFlush();
+}
+
+void MediaWatcher::scheduleFlush()
+{
     if (m_timerRuns)
         return;
     m_timerRuns = true;
@@ -196,6 +316,7 @@ void MediaWatcher::flush()
     const std::map<std::string, Event> events = std::exchange(m_pending, {});
     for (const auto& [url, event] : events)
         m_listener(event, url);
+    tellFolder();
 }
 
 } // namespace vantrel::ombra

@@ -3,11 +3,14 @@
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/posix/stream_descriptor.hpp>
 #include <boost/asio/steady_timer.hpp>
+#include <boost/asio/thread_pool.hpp>
 
 #include <array>
 #include <filesystem>
 #include <functional>
 #include <map>
+#include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <unordered_map>
@@ -16,11 +19,16 @@ namespace vantrel::ombra {
 
 /// Watches the media folder and all below it, and tells which files appeared, changed or went, by their
 /// content URLs. A file counts when its writer closes it. Changes of a moment come together, each file once;
-/// numbered files are also told once by the URL of their sequence. One thread, that of the io_context.
+/// numbered files are also told once by the URL of their sequence. The folder itself may go and come back, by
+/// its disk or with its name: it is looked for each second, and what it holds then is told as added. One
+/// thread, that of the io_context; a thread of its own asks for the folder, so that a dead disk holds nobody
+/// up.
 class MediaWatcher
 {
 public:
     enum class Event { Added, Changed, Removed };
+    enum class Folder { There, Empty, Gone };
+    using FolderListener = std::function<void(Folder)>;
     using Listener = std::function<void(Event, const std::string& contentUrl)>;
 
     MediaWatcher(boost::asio::io_context& io, std::filesystem::path mediaFolder, Listener listener);
@@ -30,8 +38,14 @@ public:
 
     /// False, with the reason, when the system gives no watch.
     bool start(std::string* error);
+    /// Told how the folder is, now and whenever that changes.
+    void setFolderListener(FolderListener listener);
 
 private:
+    bool open(std::string* error);
+    void scheduleCheck();
+    void follow(const std::string& identity);
+    void tellFolder();
     void watchTree(const std::filesystem::path& relative, bool announce);
     bool watchFolder(const std::filesystem::path& relative);
     void read();
@@ -39,6 +53,7 @@ private:
     void handle(int watch, std::uint32_t mask, const std::string& name);
     void forgetTree(const std::filesystem::path& relative);
     void note(Event event, const std::filesystem::path& relative);
+    void scheduleFlush();
     void noteUrl(Event event, const std::string& url);
     void flush();
 
@@ -50,7 +65,14 @@ private:
     std::set<std::filesystem::path> m_known;                  // relative files
     std::map<std::string, Event> m_pending;
     bool m_timerRuns = false;
+    boost::asio::steady_timer m_check;
+    std::string m_identity; // of the folder and the disks in it; empty: to be watched anew
+    int m_round = 0;        // one more with each other folder
+    FolderListener m_folderListener;
+    std::optional<Folder> m_told;
+    std::shared_ptr<int> m_alive = std::make_shared<int>(0);
     alignas(8) std::array<char, 64 * 1024> m_buffer{};
+    boost::asio::thread_pool m_asker{1};
 };
 
 } // namespace vantrel::ombra

@@ -1,6 +1,5 @@
 #include "ombra/show/slotprober.h"
 
-#include "ombra/show/initiallibrary.h"
 #include "ombra/show/showstore.h"
 #include "tarn/media/mediaenums.h"
 
@@ -12,33 +11,19 @@ namespace vantrel::ombra {
 
 namespace {
 
-/// What probing changed of one slot, on condition that it still has the same media.
-Patch probePatch(const MediaAddress& address, const MediaSlot& before, const MediaSlot& after)
+/// Adds what probing changed of one slot.
+void appendFinding(const MediaAddress& address, const MediaSlot& before, const MediaSlot& after, Patch& patch)
 {
     const std::string base =
-        "/collections/" + std::to_string(address.collection) + "/slots/" + std::to_string(address.slot);
-    Patch patch;
-    PatchOp op;
-    op.op = PatchOpType::Test;
-    op.path = Path(base + "/contentUrl");
-    op.value = before.getUrl();
-    patch.append(op);
-    op.op = PatchOpType::Replace;
+        "/collections/" + std::to_string(address.collection) + "/slots/" + std::to_string(address.slot) + "/";
     after.toJson().forEachMember([&](std::string_view key, const Json& value) {
-        if (!(before.toJson().get(key) == value)) {
-            op.path = Path(base + "/" + std::string(key));
-            op.value = value;
-            patch.append(op);
-        }
+        if (!(before.toJson().get(key) == value))
+            patch.append({PatchOpType::Replace, Path(base + std::string(key)), {}, value});
         return true;
     });
-    return patch;
 }
 
-bool isUnknown(const MediaSlot& slot)
-{
-    return slot.getMediaType() == MediaType::Unknown;
-}
+constexpr std::chrono::milliseconds handInTime{200}; // what is found shows at least so often
 
 } // namespace
 
@@ -56,38 +41,42 @@ SlotProber::~SlotProber()
     m_worker.join();
 }
 
-void SlotProber::probeUnknown()
+void SlotProber::probeAll()
 {
-    probe(isUnknown);
+    walk([](const std::string&) { return true; });
 }
 
-void SlotProber::probeAgain(const std::string& contentUrl)
+void SlotProber::probeAgain(const std::string& contentUrl, bool changed)
 {
-    m_changed.insert(contentUrl);
-    if (m_changed.size() > 1)
+    m_again[contentUrl] |= changed;
+    if (m_again.size() > 1)
         return;
     boost::asio::post(m_io, [this, alive = std::weak_ptr(m_alive)] {
         if (alive.expired())
             return;
-        probe([urls = std::exchange(m_changed, {})](const MediaSlot& slot) {
-            return urls.contains(slot.getUrl());
+        auto urls = std::exchange(m_again, {});
+        boost::asio::post(m_worker, [this, urls] {
+            for (const auto& [url, other] : urls) {
+                if (other)
+                    m_remembered[url].stamp.clear();
+            }
         });
+        walk([urls = std::move(urls)](const std::string& url) { return urls.contains(url); });
     });
 }
 
 void SlotProber::probeUnsaved()
 {
     for (const std::string& url : std::exchange(m_unsaved, {}))
-        probeAgain(url);
+        probeAgain(url, false);
 }
 
 void SlotProber::probeEdited(const Patch& edit)
 {
     const MediaLibrary& library = m_store.library();
-    std::vector<Found> unknown;
+    std::vector<Found> brought;
     const auto note = [&](int collection, int number, const MediaSlot& slot, bool always) {
-        if (always || isUnknown(slot))
-            unknown.push_back({{collection, number}, slot});
+        brought.push_back({{collection, number}, slot, always});
     };
     const auto noteAll = [&](int index, const MediaCollection& collection) {
         for (const auto& [number, slot] : collection.getSlots())
@@ -98,7 +87,7 @@ void SlotProber::probeEdited(const Patch& edit)
         if (op.op == PatchOpType::Remove || op.op == PatchOpType::Test)
             continue;
         if (path.empty() || (path.size() == 1 && path[0].text() == "collections")) {
-            probeUnknown();
+            probeAll();
             return;
         }
         long long index = 0, number = 0;
@@ -115,50 +104,98 @@ void SlotProber::probeEdited(const Patch& edit)
         if (slot && (path.size() == 4 || hasOtherMedia))
             note(static_cast<int>(index), static_cast<int>(number), *slot, hasOtherMedia);
     }
-    if (unknown.empty())
+    if (brought.empty())
         return;
-    boost::asio::post(m_worker, [this, alive = std::weak_ptr(m_alive), unknown = std::move(unknown)] {
-        for (const Found& found : unknown)
-            look(found, alive);
+    boost::asio::post(m_worker, [this, alive = std::weak_ptr(m_alive), brought = std::move(brought)] {
+        for (const Found& found : brought)
+            look(found);
+        handIn(alive);
     });
 }
 
-void SlotProber::probe(Filter wanted)
+void SlotProber::walk(std::function<bool(const std::string&)> wanted)
 {
-    // The worker walks a library that stays as it is now; what was edited meanwhile is the patch's to find.
+    // The worker walks a library that stays as it is now; what is edited meanwhile is looked at by itself.
     boost::asio::post(m_worker, [this, alive = std::weak_ptr(m_alive), wanted = std::move(wanted),
                                  collections = m_store.library().getCollections()] {
         for (const auto& [index, collection] : collections) {
             for (const auto& [number, slot] : collection.getSlots()) {
                 if (m_stop)
                     return;
-                if (wanted(slot))
-                    look({{index, number}, slot}, alive);
+                if (!wanted(slot.getUrl()))
+                    continue;
+                look({{index, number}, slot});
+                const auto now = std::chrono::steady_clock::now();
+                if (m_findings.size() >= findingsAtOnce || now - m_handedIn > handInTime)
+                    handIn(alive);
             }
         }
+        handIn(alive);
     });
 }
 
 /// On the worker's thread.
-void SlotProber::look(const Found& found, const std::weak_ptr<int>& alive)
+void SlotProber::look(const Found& found)
 {
+    const std::string url = found.slot.getUrl();
+    if (m_stop || url.empty())
+        return; // no media: nothing is missing
+    const auto stamp = mediaStamp(m_folder, url);
+    const auto known = m_remembered.find(url);
+    std::optional<SlotFacts> facts;
+    if (known != m_remembered.end() && stamp == known->second.stamp) {
+        facts = known->second.facts;
+    } else if (stamp) {
+        // What plays is taken at its word, unless its file was another when somebody last looked.
+        const bool trusted = known == m_remembered.end() && !found.always && found.slot.getIsPlayable() &&
+                             found.slot.getMediaType() != MediaType::Unknown;
+        facts = trusted ? factsOf(found.slot) : probeFacts(m_folder, url);
+        if (facts)
+            remember(url, *stamp, *facts);
+    }
     MediaSlot probed = found.slot;
-    if (m_stop || !probeSlot(m_folder, probed))
+    if (applyFacts(facts, probed))
+        m_findings.push_back({found, facts});
+}
+
+void SlotProber::remember(const std::string& contentUrl, const std::string& stamp, const SlotFacts& facts)
+{
+    if (m_remembered.size() >= rememberedAtMost)
+        m_remembered.clear();
+    m_remembered[contentUrl] = {stamp, facts};
+}
+
+/// On the worker's thread.
+void SlotProber::handIn(const std::weak_ptr<int>& alive)
+{
+    m_handedIn = std::chrono::steady_clock::now();
+    if (m_findings.empty())
         return;
-    boost::asio::post(m_io, [this, alive, found, probed] {
+    boost::asio::post(m_io, [this, alive, findings = std::exchange(m_findings, {})] {
         if (!alive.expired())
-            save(found, probed);
+            save(findings);
     });
 }
 
-void SlotProber::save(const Found& found, const MediaSlot& probed)
+void SlotProber::save(const std::vector<Finding>& findings)
 {
-    m_store.patchLibrary(
-        probePatch(found.address, found.slot, probed),
-        [this, alive = std::weak_ptr(m_alive), url = found.slot.getUrl()](const EditResult& result) {
-            if (!alive.expired() && result.status == EditResult::Status::NotSaved)
-                m_unsaved.insert(url); // else it is saved, or an edit came first
-        });
+    Patch patch;
+    std::vector<std::string> urls;
+    for (const auto& [found, facts] : findings) {
+        const MediaSlot* now = m_store.latestLibrary().findSlot(found.address.collection, found.address.slot);
+        if (!now || now->getUrl() != found.slot.getUrl())
+            continue; // an edit came first
+        MediaSlot probed = *now;
+        applyFacts(facts, probed);
+        appendFinding(found.address, *now, probed, patch);
+        urls.push_back(found.slot.getUrl());
+    }
+    if (patch.empty())
+        return;
+    m_store.patchLibrary(patch, [this, alive = std::weak_ptr(m_alive), urls](const EditResult& result) {
+        if (!alive.expired() && result.status == EditResult::Status::NotSaved)
+            m_unsaved.insert(urls.begin(), urls.end());
+    });
 }
 
 } // namespace vantrel::ombra

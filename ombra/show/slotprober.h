@@ -1,23 +1,29 @@
 #pragma once
 
+#include "ombra/show/slotfacts.h"
 #include "tarn/media/medialibrary.h"
 
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/thread_pool.hpp>
 
 #include <atomic>
+#include <chrono>
 #include <filesystem>
 #include <functional>
+#include <map>
 #include <memory>
 #include <set>
 #include <string>
+#include <unordered_map>
+#include <vector>
 
 namespace vantrel::ombra {
 
 class ShowStore;
 
-/// Looks into the media of slots and edits what the slots say of it: type, length, whether it plays. Files
-/// are opened on one worker thread, all else happens on the io_context's.
+/// Looks into the media of slots and edits what the slots say of it: type, length, whether it plays. A slot
+/// whose file is missing cannot be played; a file that comes back as it was is not opened again. Files are
+/// opened on one worker thread, all else happens on the io_context's.
 class SlotProber
 {
 public:
@@ -27,14 +33,15 @@ public:
     SlotProber(const SlotProber&) = delete;
     SlotProber& operator=(const SlotProber&) = delete;
 
-    /// The slots whose media nobody has looked at yet.
-    void probeUnknown();
-    /// The slots with this media, since its file is another now. Calls of one moment make one walk.
-    void probeAgain(const std::string& contentUrl);
+    /// All slots: opens what nobody has looked at yet and what was changed, and notices what is missing.
+    void probeAll();
+    /// The slots with this media, which came, went or, where changed says so, is to be opened again. Calls of
+    /// one moment make one walk.
+    void probeAgain(const std::string& contentUrl, bool changed);
     /// The slots of which something was found out while the disk took no edits.
     void probeUnsaved();
 
-    /// The slots that a saved edit brought in unknown, or gave other media.
+    /// The slots that a saved edit brought in, or gave other media.
     void probeEdited(const Patch& edit);
 
 private:
@@ -42,18 +49,39 @@ private:
     {
         MediaAddress address;
         MediaSlot slot;
+        bool always = false; // open it, also where its type is known
     };
-    using Filter = std::function<bool(const MediaSlot&)>;
-    void probe(Filter wanted);
-    void look(const Found& found, const std::weak_ptr<int>& alive);
-    void save(const Found& found, const MediaSlot& probed);
+    struct Finding
+    {
+        Found found;
+        std::optional<SlotFacts> facts; // none: it is missing
+    };
+    struct Remembered
+    {
+        std::string stamp;
+        SlotFacts facts;
+    };
+    static constexpr std::size_t findingsAtOnce = 200; // in one edit
+    static constexpr std::size_t rememberedAtMost = 200'000;
+
+    void walk(std::function<bool(const std::string& contentUrl)> wanted);
+    void look(const Found& found);
+    void remember(const std::string& contentUrl, const std::string& stamp, const SlotFacts& facts);
+    void handIn(const std::weak_ptr<int>& alive);
+    void save(const std::vector<Finding>& findings);
 
     boost::asio::io_context& m_io;
     std::filesystem::path m_folder;
     ShowStore& m_store;
-    std::set<std::string> m_changed, m_unsaved; // content URLs
+    std::map<std::string, bool> m_again; // content URLs, and whether their files are others now
+    std::set<std::string> m_unsaved;     // likewise
     std::atomic<bool> m_stop{false};
     std::shared_ptr<int> m_alive = std::make_shared<int>(0);
+
+    // Of the worker.
+    std::unordered_map<std::string, Remembered> m_remembered; // by content URL
+    std::vector<Finding> m_findings;
+    std::chrono::steady_clock::time_point m_handedIn;
     boost::asio::thread_pool m_worker{1};
 };
 

@@ -1,6 +1,7 @@
 #include "tarn/media/mediaenums.h"
 
 #include "tarn/media/enumtable.h"
+#include "tarn/media/mediametadata.h"
 
 namespace vantrel {
 
@@ -24,6 +25,10 @@ constexpr Row<MediaType> mediaTypes[] = {{MediaType::Unknown, "unknown"},
                                          {MediaType::AudioFile, "audioFile"},
                                          {MediaType::ImageFile, "imageFile"},
                                          {MediaType::ImageSequence, "imageSequence"}};
+constexpr Row<MediaCaveat> mediaCaveats[] = {{MediaMetadata::unknownCaveat, "unknown"},
+                                             {MediaCaveat::UnsupportedAudio, "unsupportedAudio"},
+                                             {MediaCaveat::CutOff, "cutOff"},
+                                             {MediaCaveat::MissingPictures, "missingPictures"}};
 constexpr Row<ColorSpace> colorSpaces[] = {
     {ColorSpace::Unknown, "unknown"}, {ColorSpace::Rgb, "RGB"},        {ColorSpace::Bt601, "BT.601"},
     {ColorSpace::Bt709, "BT.709"},    {ColorSpace::Bt2020, "BT.2020"}, {ColorSpace::Smpte240m, "SMPTE 240M"},
@@ -34,6 +39,7 @@ constexpr Row<ColorSpace> colorSpaces[] = {
 TARN_ENUM_TEXT(ScaleMode, scaleModes)
 TARN_ENUM_TEXT(MediaDurationType, durationTypes)
 TARN_ENUM_TEXT(MediaType, mediaTypes)
+TARN_ENUM_TEXT(MediaCaveat, mediaCaveats)
 TARN_ENUM_TEXT(ColorSpace, colorSpaces)
 
 } // namespace vantrel

@@ -26,7 +26,11 @@ enum class MediaType : std::int32_t {
     ImageFile = 3,
     ImageSequence = 4
 };
-enum class MediaCaveat : std::int32_t { UnsupportedAudio = 0 };
+enum class MediaCaveat : std::int32_t {
+    UnsupportedAudio = 0,
+    CutOff = 1,         // the file ends before the time that it announces
+    MissingPictures = 2 // of an image sequence
+};
 /// The matrix by which pictures hold their colours.
 enum class ColorSpace : std::int32_t {
     Unknown = 0,
@@ -43,6 +47,7 @@ enum class ColorSpace : std::int32_t {
 const char* toStr(ScaleMode value);
 const char* toStr(MediaDurationType value);
 const char* toStr(MediaType value);
+const char* toStr(MediaCaveat value);
 const char* toStr(ColorSpace value); // "unknown", "BT.709", ...: also for the operator
 
 } // namespace vantrel

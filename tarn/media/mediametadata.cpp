@@ -3,12 +3,12 @@
 #include "tarn/media/enumtext.h"
 
 #include <limits>
+#include <set>
 
 namespace vantrel {
 
 namespace {
 
-constexpr std::string_view unsupportedAudio = "unsupportedAudio";
 constexpr std::int64_t maxCount = 1'000'000;
 
 /// A member of a record: absent and null are the same; false when it is of another type or out of bounds.
@@ -87,6 +87,7 @@ bool readPictures(const Json& json, std::string_view key, std::optional<MediaMet
         !readWhole(*value, "height", read.height, 0, maxCount) || !readAspect(*value, read.pixelAspect) ||
         !readText(*value, "codec", read.codec) || !readText(*value, "colorSpace", space) ||
         !readText(*value, "pixelFormat", read.pixelFormat) || !readText(*value, "profile", read.profile) ||
+        !readText(*value, "fieldOrder", read.fieldOrder) ||
         !readNumber(*value, "frameRate", read.frameRate) ||
         !readWhole(*value, "bitRate", read.bitRate, 0, std::numeric_limits<std::int64_t>::max()))
         return false;
@@ -112,6 +113,13 @@ bool readAudio(const Json& json, std::optional<MediaMetadata::Audio>& out)
     return true;
 }
 
+MediaCaveat caveatOf(std::string_view text)
+{
+    MediaCaveat caveat = MediaMetadata::unknownCaveat;
+    fromStr(text, caveat);
+    return caveat;
+}
+
 bool readCaveats(const Json& json, std::unordered_set<MediaCaveat>& out)
 {
     const Json* list = json.find("caveats");
@@ -122,10 +130,25 @@ bool readCaveats(const Json& json, std::unordered_set<MediaCaveat>& out)
     for (std::size_t i = 0; i < list->size(); ++i) {
         if (!list->at(i)->isString())
             return false;
-        out.insert(list->at(i)->stringView() == unsupportedAudio ? MediaCaveat::UnsupportedAudio
-                                                                 : MediaMetadata::unknownCaveat);
+        out.insert(caveatOf(list->at(i)->stringView()));
     }
     return true;
+}
+
+bool readCaveatTexts(const Json& json, std::map<MediaCaveat, std::string>& out)
+{
+    const Json* texts = json.find("caveatTexts");
+    if (!texts || texts->isNull())
+        return true;
+    if (!texts->isObject())
+        return false;
+    bool good = true;
+    texts->forEachMember([&](std::string_view caveat, const Json& text) {
+        good = good && text.isString();
+        out[caveatOf(caveat)] = text.asString();
+        return good;
+    });
+    return good;
 }
 
 template <typename T>
@@ -157,6 +180,7 @@ Json orNull(const std::optional<MediaMetadata::Pictures>& pictures)
                          {"frameRate", orNull(pictures->frameRate)},
                          {"codec", orNull(pictures->codec)},
                          {"profile", orNull(pictures->profile)},
+                         {"fieldOrder", orNull(pictures->fieldOrder)},
                          {"colorSpace", toStr(pictures->colorSpace)},
                          {"pixelFormat", orNull(pictures->pixelFormat)},
                          {"bitRate", orNull(pictures->bitRate)}});
@@ -183,25 +207,44 @@ bool MediaMetadata::parseJson(const Json& json)
     if (!playable || playable->type() != JsonType::Bool)
         return false;
     parsed.m_playable = playable->asBool();
-    if (!readCaveats(json, parsed.m_caveats) || !readNumber(json, "duration", parsed.m_duration) ||
-        !readPictures(json, "video", parsed.m_video) || !readPictures(json, "image", parsed.m_image) ||
-        !readAudio(json, parsed.m_audio) ||
+    if (!readCaveats(json, parsed.m_caveats) || !readCaveatTexts(json, parsed.m_caveatTexts) ||
+        !readNumber(json, "duration", parsed.m_duration) || !readPictures(json, "video", parsed.m_video) ||
+        !readPictures(json, "image", parsed.m_image) || !readAudio(json, parsed.m_audio) ||
         !readWhole(json, "fileSize", parsed.m_fileSize, 0, std::numeric_limits<std::int64_t>::max()) ||
         !readDate(json, "imported", parsed.m_imported) || !readDate(json, "modified", parsed.m_modified) ||
-        !readText(json, "error", parsed.m_error))
+        !readText(json, "error", parsed.m_error) ||
+        !readText(json, "startTimecode", parsed.m_startTimecode) ||
+        !readWhole(json, "missingPictures", parsed.m_missingPictures, 0, maxCount))
         return false;
     *this = std::move(parsed);
     return true;
 }
 
+std::string MediaMetadata::getCaveatText(MediaCaveat caveat) const
+{
+    const auto text = m_caveatTexts.find(caveat);
+    return text == m_caveatTexts.end() ? std::string() : text->second;
+}
+
+void MediaMetadata::addCaveat(MediaCaveat caveat, const std::string& text)
+{
+    m_caveats.insert(caveat);
+    if (!text.empty())
+        m_caveatTexts[caveat] = text;
+}
+
 Json MediaMetadata::toJson() const
 {
     Json caveats = Json::array();
-    for (const MediaCaveat caveat : m_caveats)
-        caveats.append(Json(caveat == MediaCaveat::UnsupportedAudio ? unsupportedAudio : "unknown"));
+    for (const MediaCaveat caveat : std::set(m_caveats.begin(), m_caveats.end()))
+        caveats.append(Json(toStr(caveat)));
+    Json caveatTexts = Json::object();
+    for (const auto& [caveat, text] : m_caveatTexts)
+        caveatTexts.set(toStr(caveat), text);
     return Json::object({{"type", toStr(m_type)},
                          {"isPlayable", m_playable},
                          {"caveats", caveats},
+                         {"caveatTexts", caveatTexts},
                          {"duration", orNull(m_duration)},
                          {"video", orNull(m_video)},
                          {"image", orNull(m_image)},
@@ -209,6 +252,8 @@ Json MediaMetadata::toJson() const
                          {"fileSize", orNull(m_fileSize)},
                          {"imported", orNull(m_imported)},
                          {"modified", orNull(m_modified)},
+                         {"startTimecode", orNull(m_startTimecode)},
+                         {"missingPictures", orNull(m_missingPictures)},
                          {"error", orNull(m_error)}});
 }
 

@@ -5,6 +5,7 @@
 #include "tarn/media/mediaenums.h"
 #include "tarn/media/rational.h"
 
+#include <map>
 #include <optional>
 #include <string>
 #include <unordered_set>
@@ -12,10 +13,11 @@
 namespace vantrel {
 
 /// What the server knows of one media file. JSON form, all members but "type" and "isPlayable" optional or
-/// null: {"type", "isPlayable", "caveats": [text], "duration", "error", "fileSize", "imported", "modified",
-/// "video": {"width", "height", "pixelAspect": [number, number], "frameRate", "codec", "profile",
-/// "colorSpace", "pixelFormat", "bitRate"}, "image": {as far as it is a still's}, "audio": {"codec",
-/// "description", "channels"}}. Dates are seconds since 1970, UTC.
+/// null: {"type", "isPlayable", "caveats": [text], "caveatTexts": {caveat: sentence}, "duration", "error",
+/// "fileSize", "imported", "modified", "startTimecode", "missingPictures", "video": {"width", "height",
+/// "pixelAspect": [number, number], "frameRate", "codec", "profile", "colorSpace", "pixelFormat", "bitRate",
+/// "fieldOrder"}, "image": {as far as it is a still's}, "audio": {"codec", "description", "channels"}}. Dates
+/// are seconds since 1970, UTC.
 class MediaMetadata
 {
 public:
@@ -28,9 +30,10 @@ public:
         std::string codec; // a still's format
         ColorSpace colorSpace = ColorSpace::Unknown;
         std::string pixelFormat;
-        std::string profile;                 // the three below are of moving pictures alone
+        std::string profile;                 // the four below are of moving pictures alone
         std::optional<double> frameRate;     // pictures a second
         std::optional<std::int64_t> bitRate; // bits a second
+        std::string fieldOrder;              // "progressive", "top field first" or "bottom field first"
     };
     struct Audio
     {
@@ -56,6 +59,8 @@ public:
     MediaType getMediaType() const noexcept { return m_type; }
     bool getIsPlayable() const noexcept { return m_playable; }
     const std::unordered_set<MediaCaveat>& getCaveats() const noexcept { return m_caveats; }
+    /// A sentence that an operator can act on; empty where the server gave none.
+    std::string getCaveatText(MediaCaveat caveat) const;
     std::optional<double> getDuration() const noexcept { return m_duration; } // seconds
     const std::optional<Pictures>& getVideo() const noexcept { return m_video; }
     const std::optional<Pictures>& getImage() const noexcept { return m_image; } // also of a sequence
@@ -63,11 +68,13 @@ public:
     std::optional<std::int64_t> getFileSize() const noexcept { return m_fileSize; } // bytes
     std::optional<DateTime> getImported() const noexcept { return m_imported; }
     std::optional<DateTime> getModified() const noexcept { return m_modified; }
-    const std::string& getError() const noexcept { return m_error; } // why it cannot be played
+    const std::string& getError() const noexcept { return m_error; } // why it cannot be played: a sentence
+    const std::string& getStartTimecode() const noexcept { return m_startTimecode; } // "10:00:00:00"
+    std::optional<std::int64_t> getMissingPictures() const noexcept { return m_missingPictures; }
 
     void setMediaType(MediaType type) { m_type = type; }
     void setIsPlayable(bool playable) { m_playable = playable; }
-    void addCaveat(MediaCaveat caveat) { m_caveats.insert(caveat); }
+    void addCaveat(MediaCaveat caveat, const std::string& text = {});
     void setDuration(std::optional<double> seconds) { m_duration = seconds; }
     void setVideo(std::optional<Pictures> video) { m_video = std::move(video); }
     void setImage(std::optional<Pictures> image) { m_image = std::move(image); }
@@ -76,11 +83,14 @@ public:
     void setImported(std::optional<DateTime> time) { m_imported = time; }
     void setModified(std::optional<DateTime> time) { m_modified = time; }
     void setError(std::string text) { m_error = std::move(text); }
+    void setStartTimecode(std::string text) { m_startTimecode = std::move(text); }
+    void setMissingPictures(std::optional<std::int64_t> count) { m_missingPictures = count; }
 
 private:
     MediaType m_type = MediaType::Unknown;
     bool m_playable = false;
     std::unordered_set<MediaCaveat> m_caveats;
+    std::map<MediaCaveat, std::string> m_caveatTexts;
     std::optional<double> m_duration;
     std::optional<Pictures> m_video;
     std::optional<Pictures> m_image;
@@ -89,6 +99,8 @@ private:
     std::optional<DateTime> m_imported;
     std::optional<DateTime> m_modified;
     std::string m_error;
+    std::string m_startTimecode;
+    std::optional<std::int64_t> m_missingPictures;
 };
 
 } // namespace vantrel

@@ -50,18 +50,38 @@ void Decoder::feed(std::string_view bytes)
         m_offset = 0;
     }
     m_buffer.append(bytes);
+    // Room for all of a large frame at once: to grow step by step would copy it again and again.
+    const auto length = nextLength();
+    if (length && *length <= maxPayload && m_offset + headerSize + *length > m_buffer.capacity())
+        m_buffer.reserve(m_offset + headerSize + *length);
+}
+
+/// As its header says; nothing as long as that is not there.
+std::optional<std::size_t> Decoder::nextLength() const
+{
+    if (m_buffer.size() - m_offset < headerSize)
+        return std::nullopt;
+    std::size_t length = 0;
+    for (std::size_t i = 0; i < headerSize; ++i)
+        length = length << 8 | static_cast<std::uint8_t>(m_buffer[m_offset + i]);
+    return length;
+}
+
+std::size_t Decoder::nextSize() const
+{
+    const auto length = nextLength();
+    return length && m_buffer.size() - m_offset - headerSize >= *length ? headerSize + *length : 0;
 }
 
 Decoder::Result Decoder::next(Patch& out)
 {
     if (!m_message.empty())
         return Result::Error;
-    const std::string_view left = std::string_view(m_buffer).substr(m_offset);
-    if (left.size() < headerSize)
+    const auto announced = nextLength();
+    if (!announced)
         return Result::NeedMore;
-    std::size_t length = 0;
-    for (std::size_t i = 0; i < headerSize; ++i)
-        length = length << 8 | static_cast<std::uint8_t>(left[i]);
+    const std::size_t length = *announced;
+    const std::string_view left = std::string_view(m_buffer).substr(m_offset);
     if (length > maxPayload) {
         m_message = "a frame of " + std::to_string(length) + " bytes is too large";
         return Result::Error;

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -27,9 +28,13 @@ public:
     void feed(std::string_view bytes);
     /// The next patch in out. Error is final: the link must end, message() says why.
     Result next(Patch& out);
+    /// Bytes of the next frame, 0 as long as it is not whole: how much work next() has.
+    std::size_t nextSize() const;
     const std::string& message() const { return m_message; }
 
 private:
+    std::optional<std::size_t> nextLength() const;
+
     static constexpr std::size_t keptCapacity = 1024 * 1024;
 
     std::string m_buffer;

@@ -124,7 +124,8 @@ private Q_SLOTS:
         QVERIFY(QFile::remove(onServer("clip")));
         QTRY_VERIFY(!invalidated.isEmpty());
         QVERIFY(!shows(clip, before));
-        QCOMPARE(aggregator()->mediaState(clip), MediaState::UnknownState);
+        QTRY_COMPARE(aggregator()->metadataMediaState(clip), MediaState::NotPlayable);
+        QVERIFY(aggregator()->metadata(clip)->getError().starts_with("The media folder has no clip.mp4."));
         auto* seek = new SeekCommand;
         QVERIFY(seek->init(preview()->object(), 1));
         m_session->executeCommand(seek);

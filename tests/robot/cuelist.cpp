@@ -51,13 +51,14 @@ private Q_SLOTS:
 
 private:
     QJsonObject library();
-    QJsonObject list1() { return library()["playlists"]["1"].toObject(); }
+    QJsonObject list1() { return library()["playlists"].toObject()["1"].toObject(); }
     QStringList addresses() { return list1()["entries"].toObject().keys(); }
     QString slotOf(const QString& address);
     QJsonObject cell(const QString& view, int row, int column);
     QJsonObject under(const QString& view, int fromBottom);
     bool drag(const QJsonObject& from, const QJsonObject& to);
     bool keep(const std::function<bool(const QJsonObject&)>& isThere = {});
+    void wheelUp(const QString& view);
     bool tabTo(const QString& widget);
     void undoAndRedoAll();
     bool onAir(bool (*colour)(const QColor&));
@@ -161,6 +162,14 @@ bool CueList::keep(const std::function<bool(const QJsonObject&)>& isThere)
     return isDone;
 }
 
+void CueList::wheelUp(const QString& view)
+{
+    QJsonObject request = m_robot.waitFor(view);
+    request["operation"] = QStringLiteral("scroll_vertical");
+    request["scroll"] = 12000;
+    m_robot.ask(request);
+}
+
 bool CueList::tabTo(const QString& widget)
 {
     for (int i = 0; i < 100; ++i) {
@@ -207,13 +216,8 @@ void CueList::byMouse()
     QCOMPARE(slotOf(QStringLiteral("10")), QStringLiteral("2"));
 
     // In the place of the first, by the middle of its row; then on top, by its upper fifth.
-    m_robot.mouse(QStringLiteral("scroll_vertical"), {});
-    QJsonObject first = cell(list, 0, nameColumn);
-    if (first.isEmpty()) {
-        m_robot.key(QStringLiteral("Up"));
-        QVERIFY(m_robot.click(list));
-    }
-    first = cell(list, 0, nameColumn);
+    wheelUp(list);
+    const QJsonObject first = cell(list, 0, nameColumn);
     QVERIFY(drag(cell(media, 1, 0), first));
     QVERIFY(keep());
     QCOMPARE(slotOf(QStringLiteral("1")), QStringLiteral("2"));
@@ -227,10 +231,15 @@ void CueList::byMouse()
              qPrintable(addresses().join(u' ')));
 
     // What the first entry does when it is over.
+    wheelUp(list);
     QVERIFY(m_robot.mouse(QStringLiteral("click"), cell(list, 0, nameColumn)));
     QVERIFY(m_robot.mouse(QStringLiteral("click"), cell(list, 0, endActionColumn)));
-    QVERIFY(!m_robot.waitFor(QStringLiteral("Preview-PlaylistEndAction-dropdown")).isEmpty());
-    m_robot.key(QStringLiteral("Esc"));
+    QJsonObject pause; // the second of the list that drops down
+    QTRY_VERIFY(!(pause = m_robot.find(QStringLiteral("Preview-PlaylistEndAction-dropdown"))).isEmpty());
+    pause["global_y"] = pause["global_y"].toInt() + 2 * pause["height"].toInt();
+    m_robot.mouse(QStringLiteral("click"), pause);
+    QVERIFY(keep());
+    QCOMPARE(list1()["entries"][addresses().first()]["endAction"].toString(), QStringLiteral("pause"));
 
     QVERIFY(m_robot.click(head + QStringLiteral("-pin-button")));
     QVERIFY(m_robot.mouse(QStringLiteral("double_click"), cell(list, 0, nameColumn)));

@@ -91,7 +91,17 @@ std::unordered_set<MediaCaveat> MediaDataAggregator::mediaCaveats(const QUrl& me
 
 QStringList MediaDataAggregator::mediaCaveatsDescribed(const QUrl& mediaUrl)
 {
-    return describeCaveats(mediaCaveats(mediaUrl));
+    // The server's own sentence says more of the file than any text that is known here.
+    const MediaMetadataPtr found = metadata(mediaUrl);
+    std::unordered_set<MediaCaveat> untold = found ? found->getCaveats() : std::unordered_set<MediaCaveat>();
+    QStringList told;
+    std::erase_if(untold, [&](MediaCaveat caveat) {
+        const std::string text = found->getCaveatText(caveat);
+        if (!text.empty())
+            told.append(QString::fromStdString(text));
+        return !text.empty();
+    });
+    return told + describeCaveats(untold);
 }
 
 QStringList MediaDataAggregator::describeCaveats(const std::unordered_set<MediaCaveat>& caveats) const
@@ -100,6 +110,10 @@ QStringList MediaDataAggregator::describeCaveats(const std::unordered_set<MediaC
     for (const MediaCaveat caveat : caveats) {
         if (caveat == MediaCaveat::UnsupportedAudio)
             texts.append(tr("Media contains unsupported audio"));
+        else if (caveat == MediaCaveat::CutOff)
+            texts.append(tr("The file ends too early. Copy it again."));
+        else if (caveat == MediaCaveat::MissingPictures)
+            texts.append(tr("Pictures of the sequence are missing."));
         else
             qCWarning(lcMedia) << "Unknown MediaCaveat, please add description to "
                                   "MediaDataAggregator::describeCaveats";

@@ -2,6 +2,7 @@
 
 #include "common/notification/notificationmanagerimpl.h"
 #include "common/outputs/outputview.h"
+#include "common/player/linkbanner.h"
 #include "common/player/playerplaybackview.h"
 #include "common/session/link/connectionhandler.h"
 #include "common/session/link/linkhealth.h"
@@ -72,6 +73,7 @@ MainWindow::MainWindow(Session* session, QWidget* parent)
     m_layout->setSpacing(0);
 
     m_navigationBar = new MainNavigationBar(m_hotkeys, m_central);
+    m_navigationBar->setBanner(new LinkBanner(session, m_navigationBar));
     m_tabs = new StackedTabWidget(m_central);
     m_tabs->setObjectNames(QStringLiteral("MainTabs"));
     connect(m_navigationBar, &MainNavigationBar::tabSelected, m_tabs, &QStackedWidget::setCurrentIndex);

@@ -18,12 +18,8 @@ using media::MediaUtils;
 
 namespace {
 
-constexpr int tickMs = 250; // so that no second of the clock is passed over
-
-QString clockText(const QDateTime& time)
-{
-    return time.toString(QStringLiteral("HH:mm:ss"));
-}
+constexpr int tickMs = 250;      // so that no second of the clock is passed over
+constexpr int toleranceMs = 400; // by which a position may be early or late without moving an end
 
 } // namespace
 
@@ -70,6 +66,7 @@ void ListClock::follow()
 void ListClock::recalculate()
 {
     m_recalculate.stop();
+    m_zero = {};
     m_rundown = m_playlist > 0 ? Rundown(m_provider->entries(m_playlist), m_playing,
                                          [this](const GuiPlaylistEntry& entry) { return lengthOf(entry); })
                                : Rundown();
@@ -110,7 +107,16 @@ bool ListClock::isRunning() const
 
 QDateTime ListClock::zero() const
 {
-    return m_now().addMSecs(std::llround(left() * 1000));
+    const QDateTime now = m_now().addMSecs(std::llround(left() * 1000));
+    // Positions come a little early and late; an end that stands must not go to and fro with them.
+    if (!m_zero.isValid() || std::abs(m_zero.msecsTo(now)) > toleranceMs)
+        m_zero = now;
+    return m_zero;
+}
+
+QString ListClock::clockText(const QDateTime& time)
+{
+    return time.addMSecs(500).toString(QStringLiteral("HH:mm:ss"));
 }
 
 std::optional<QDateTime> ListClock::endOf(const EntryAddress& address) const
@@ -135,7 +141,7 @@ QString ListClock::text() const
     const QString in = TimeUtils::formatClockTimeShort(clocktime::fromSeconds(seconds));
     if (!isRunning())
         return tr("%1 left, not running").arg(in);
-    const QString at = clockText(m_now().addMSecs(std::llround(seconds * 1000)));
+    const QString at = clockText(zero().addMSecs(std::llround(m_rundown.seconds() * 1000)));
     switch (kind) {
     case Kind::Endless:
         return tr("From %2 on %1 plays until somebody goes on").arg(entry, at);

@@ -42,7 +42,13 @@ public:
                           const EntryAddress& address);
 
     /// The clock, for tests.
-    void setNow(std::function<QDateTime()> now) { m_now = std::move(now); }
+    void setNow(std::function<QDateTime()> now)
+    {
+        m_now = std::move(now);
+        m_zero = {};
+    }
+    /// A time of the day, to the nearest second: "21:47:30".
+    static QString clockText(const QDateTime& time);
 
 Q_SIGNALS:
     /// Another entry plays, or other entries come after it.
@@ -55,6 +61,7 @@ private:
     void recalculate();
     void tick();
     double lengthOf(const GuiPlaylistEntry& entry) const;
+    /// When the entry that plays is over.
     QDateTime zero() const;
 
     QPointer<GUIPlayback> m_playback;
@@ -65,6 +72,7 @@ private:
     uint m_playlist = 0;
     EntryAddress m_playing;
     Rundown m_rundown;
+    mutable QDateTime m_zero; // when the entry that plays is over, as last told
 };
 
 } // namespace vantrel

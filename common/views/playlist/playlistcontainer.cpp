@@ -39,8 +39,8 @@ constexpr std::array columnOrder{Column::NumberColumn,
 using Dispensable = std::array<Column, 3>;
 constexpr Dispensable dispensableOnPreview{Column::SizeColumn, Column::ThumbnailColumn,
                                            Column::TransitionDurationColumn};
-constexpr Dispensable dispensableOnProgram{Column::ThumbnailColumn, Column::TransitionDurationColumn,
-                                           Column::EndActionColumn};
+constexpr Dispensable dispensableOnProgram{Column::TransitionDurationColumn, Column::TransitionColumn,
+                                           Column::ThumbnailColumn};
 
 } // namespace
 
@@ -203,7 +203,14 @@ void PlaylistContainer::arrangeColumns()
             left -= needed(column);
         }
     }
-    m_header->resizeSection(Column::MediaColumn, std::max(left, needed(Column::MediaColumn) / 2));
+    m_header->resizeSection(Column::MediaColumn, std::max(left, needed(Column::MediaColumn) / 4));
+}
+
+void PlaylistContainer::changeEvent(QEvent* event)
+{
+    ZTFrame::changeEvent(event);
+    if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange)
+        m_headers.start();
 }
 
 void PlaylistContainer::resizeEvent(QResizeEvent* event)

@@ -59,6 +59,17 @@ QString choiceIcon(const QModelIndex& index)
                : PlaylistTransitionTypeEditor::icon(static_cast<TakeTransitionType>(value));
 }
 
+/// The widest text of that form: digits differ in width.
+int widestOf(const QFontMetrics& metrics, QString text)
+{
+    QChar widest = u'0';
+    for (const QChar digit : QStringLiteral("123456789")) {
+        if (metrics.horizontalAdvance(digit) > metrics.horizontalAdvance(widest))
+            widest = digit;
+    }
+    return metrics.horizontalAdvance(text.replace(u'0', widest));
+}
+
 QString durationText(double seconds)
 {
     return seconds > 0 ? TimeUtils::formatClockTime(clocktime::fromSeconds(seconds)) : QString();
@@ -103,9 +114,7 @@ QSize PlaylistDelegate::sizeHint(const QStyleOptionViewItem& option, const QMode
 int PlaylistDelegate::columnWidth(const PlaylistModel* model, int column, const QFont& font) const
 {
     const QFontMetrics metrics(font);
-    const auto wide = [&metrics](const QString& text) {
-        return metrics.horizontalAdvance(text) + 2 * margin;
-    };
+    const auto wide = [&metrics](const QString& text) { return widestOf(metrics, text) + 2 * margin + 1; };
     const int icon = metrics.height();
     const auto widest = [&](const auto& all, const auto& text) {
         int width = 0;
@@ -118,7 +127,7 @@ int PlaylistDelegate::columnWidth(const PlaylistModel* model, int column, const 
         // The last entry has most digits before the point; of those behind it there is no telling.
         const int last = model ? model->rowCount() - 1 : -1;
         const QString number = last >= 0 ? model->index(last, 0).data().toString() : QString();
-        return std::max(wide(QStringLiteral("00.0")), wide(number)) + margin;
+        return std::max(wide(QStringLiteral("00.0")), wide(number));
     }
     case PlaylistModel::EndActionColumn:
         return widest(PlaylistEndActionEditor::actions(), &MediaUtils::endActionToHumanReadable);
@@ -129,13 +138,13 @@ int PlaylistDelegate::columnWidth(const PlaylistModel* model, int column, const 
     case PlaylistModel::DurationColumn:
         return wide(QStringLiteral("00:00:00.000"));
     case PlaylistModel::TransitionDurationColumn:
-        return wide(QStringLiteral("10.0 s"));
+        return wide(QStringLiteral("00.0 s"));
     case PlaylistModel::ThumbnailColumn:
         return (rowHeight(font) - 4) * 16 / 9 + margin;
     case PlaylistModel::SizeColumn:
-        return wide(isProgram() ? QStringLiteral("00:00:00") : QStringLiteral("999.99 MB")) + margin;
+        return wide(isProgram() ? QStringLiteral("00:00:00") : QStringLiteral("000.00 MB")) + margin;
     default:
-        return metrics.averageCharWidth() * 14;
+        return metrics.averageCharWidth() * 22;
     }
 }
 
@@ -339,7 +348,7 @@ void PlaylistDelegate::paintLast(const Cell& cell) const
     if (!m_clock || m_clock->playlist() != cell.model->playlistNumber())
         return;
     if (const auto end = m_clock->endOf(cell.address))
-        paintText(cell, end->toString(QStringLiteral("HH:mm:ss")), Qt::AlignRight, !cell.isBright());
+        paintText(cell, ListClock::clockText(*end), Qt::AlignRight, !cell.isBright());
 }
 
 QWidget* PlaylistDelegate::createEditor(QWidget* parent, const QStyleOptionViewItem& option,

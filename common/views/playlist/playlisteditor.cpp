@@ -19,7 +19,9 @@
 #include "common/ui/toolkit/textinputdialog.h"
 #include "common/views/playlist/listclock.h"
 #include "common/views/playlist/playlistcontainer.h"
+#include "common/views/playlist/playlistdrop.h"
 #include "common/views/playlist/playlisteditorheader.h"
+#include "common/views/playlist/playlistfiles.h"
 #include "common/views/playlist/playlistlogging.h"
 #include "common/views/playlist/playlistmenu.h"
 #include "common/views/playlist/playlistview.h"
@@ -27,6 +29,7 @@
 
 #include <QClipboard>
 #include <QGuiApplication>
+#include <QHeaderView>
 #include <QMimeData>
 #include <QVBoxLayout>
 
@@ -36,6 +39,7 @@ namespace vantrel {
 
 namespace {
 
+constexpr int usefulRows = 4;
 constexpr int hoverMs = 200; // between two steps of a list that a drag scrolls
 
 } // namespace
@@ -106,6 +110,28 @@ void PlaylistEditor::build()
     connect(&m_hover, &QTimer::timeout, this, &PlaylistEditor::dragHover);
 }
 
+int PlaylistEditor::usefulHeight() const
+{
+    const PlaylistView* view = m_container->list();
+    return m_header->sizeHint().height() + spacing::tight + view->horizontalHeader()->sizeHint().height() +
+           usefulRows * view->verticalHeader()->defaultSectionSize();
+}
+
+QSize PlaylistEditor::minimumSizeHint() const
+{
+    return {0, 0}; // it leaves out what does not fit
+}
+
+void PlaylistEditor::resizeEvent(QResizeEvent* event)
+{
+    ZTFrame::resizeEvent(event);
+    const int row = m_container->list()->verticalHeader()->defaultSectionSize();
+    m_header->setOneLine(height() < usefulHeight());
+    const int left = height() - m_header->sizeHint().height() - spacing::tight;
+    // A row and its titles, or nothing: a list that is cut is none.
+    m_container->setVisible(left >= m_container->list()->horizontalHeader()->sizeHint().height() + row);
+}
+
 void PlaylistEditor::connectMenu()
 {
     m_menu = new PlaylistMenu(this);
@@ -126,6 +152,13 @@ void PlaylistEditor::connectMenu()
     connect(m_menu, &Menu::doInsertMedia, this, [this] { runAction(QStringLiteral("insert_media")); });
     connect(m_menu, &Menu::doDuplicatePlaylist, this, &PlaylistEditor::duplicatePlaylist);
     connect(m_menu, &Menu::doRemovePlaylist, this, &PlaylistEditor::removePlaylist);
+    m_files = new PlaylistFiles(m_model, this);
+    connect(m_menu, &Menu::doImport, this, [this] {
+        if (ensurePlaylist())
+            m_files->importTable(listName());
+    });
+    connect(m_menu, &Menu::doExport, this, [this] { m_files->exportTable(listName()); });
+    connect(m_menu, &Menu::doPrint, this, [this] { m_files->printSheet(listName()); });
     connect(m_menu, &Menu::aboutToRefresh, this, [this] {
         m_menu->setOffers(PlaylistEditorModel::canPaste(QGuiApplication::clipboard()->mimeData()),
                           m_mediaSource && !m_mediaSource().isEmpty());
@@ -297,15 +330,20 @@ void PlaylistEditor::doClearList()
 void PlaylistEditor::removePlaylist()
 {
     const int number = static_cast<int>(m_model->playlistNumber());
-    const PlaylistLibraryModel* library = m_session->playlistLibraryModel();
-    const int row = library->rowOf(m_model->playlistNumber());
-    const QString name = library->index(row, PlaylistLibraryModel::NameColumn).data().toString();
     confirm(m_removeListDialog, "PlaylistEditor-remove-list-confirmation", tr("Remove playlist"),
-            tr("Remove playlist \"%1\" with its %n entries?", nullptr, m_model->rowCount()).arg(name),
+            tr("Remove playlist \"%1\" with its %n entries?", nullptr, m_model->rowCount()).arg(listName()),
             tr("REMOVE"), [this, number] {
                 execute<RemovePlaylistCommand>(m_session->getQUndoStack(), "RemovePlaylistCommand",
                                                m_session->mediaLibrary(), number);
             });
+}
+
+QString PlaylistEditor::listName() const
+{
+    const PlaylistLibraryModel* library = m_session->playlistLibraryModel();
+    const int row = library->rowOf(m_model->playlistNumber());
+    return row < 0 ? tr("New playlist %1").arg(m_model->playlistNumber())
+                   : library->index(row, PlaylistLibraryModel::PlainNameColumn).data(Qt::EditRole).toString();
 }
 
 void PlaylistEditor::duplicatePlaylist()

@@ -10,6 +10,7 @@
 #include <QTimer>
 
 #include <functional>
+#include <memory>
 
 class QMimeData;
 
@@ -21,6 +22,7 @@ class PlaylistContainer;
 class PlaylistDrop;
 class PlaylistEditorHeader;
 class PlaylistEditorModel;
+class PlaylistFiles;
 class PlaylistMenu;
 class PlaylistSelectionModel;
 class Session;
@@ -48,6 +50,9 @@ public:
 
     /// Where the URLs of the slots come from that are selected in the media panel.
     void setMediaSource(std::function<QList<QString>()> source) { m_mediaSource = std::move(source); }
+    /// The height, in pixels, at which a few entries are seen.
+    int usefulHeight() const;
+    QSize minimumSizeHint() const override;
     /// Slots behind the current entry, or at the end; makes a list where there is none.
     void insertMedia(const QList<QString>& urls);
 
@@ -75,6 +80,7 @@ Q_SIGNALS:
     void entryCued();
 
 protected:
+    void resizeEvent(QResizeEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dragMoveEvent(QDragMoveEvent* event) override;
     void dragLeaveEvent(QDragLeaveEvent* event) override;
@@ -103,6 +109,7 @@ private:
                  const QString& text, const QString& accept, const std::function<void()>& action);
     void sendRenumberCommand(const QStringList& values);
     void selectAdded(uint playlist, const QList<vantrel::EntryAddress>& addresses);
+    QString listName() const;
     void duplicatePlaylist();
     void removePlaylist();
 
@@ -113,6 +120,7 @@ private:
     PlaylistSelectionModel* m_selection;
     PlaylistContainer* m_container = nullptr;
     PlaylistMenu* m_menu = nullptr;
+    PlaylistFiles* m_files = nullptr;
     ListClock* m_clock;
     QPointer<TextInputDialog> m_renumberDialog;
     QPointer<ConfirmationDialog> m_clearDialog;
@@ -121,6 +129,7 @@ private:
     std::function<QList<QString>()> m_mediaSource;
     QPersistentModelIndex m_dropTarget;
     DropTarget m_target;
+    std::unique_ptr<PlaylistDrop> m_dragged; // read once, however long the drag goes on
     bool m_isDragging = false;
     bool m_isEditable = false;
     bool m_selectsAdded = false; // what comes next is what was added here

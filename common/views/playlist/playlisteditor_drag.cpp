@@ -51,6 +51,7 @@ void PlaylistEditor::dragEnterEvent(QDragEnterEvent* event)
     if (!PlaylistDrop::isOffered(event->mimeData()))
         return;
     m_isDragging = true;
+    m_dragged = std::make_unique<PlaylistDrop>(PlaylistDrop::read(event->mimeData()));
     m_hover.start();
     event->acceptProposedAction();
 }
@@ -78,6 +79,7 @@ void PlaylistEditor::endDrag()
     m_isDragging = false;
     m_hover.stop();
     m_target = {};
+    m_dragged.reset();
     m_dropTarget = QPersistentModelIndex();
     m_container->list()->showTarget({}, {});
 }
@@ -90,7 +92,9 @@ DropTarget PlaylistEditor::targetOf(const QDropEvent* event) const
 
 void PlaylistEditor::dragMoveEvent(QDragMoveEvent* event)
 {
-    const PlaylistDrop drop = PlaylistDrop::read(event->mimeData());
+    if (!m_dragged)
+        return;
+    const PlaylistDrop& drop = *m_dragged;
     // A playlist as a whole has no place in another, and program takes nothing else.
     const bool isPlace = isPreview() && drop.kind() != PlaylistDrop::Kind::Playlist;
     m_target = isPlace ? targetOf(event) : DropTarget();

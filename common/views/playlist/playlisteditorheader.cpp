@@ -4,16 +4,21 @@
 #include "common/media/edit/playlist/addplaylistcommand.h"
 #include "common/media/edit/playlist/renameplaylistcommand.h"
 #include "common/media/items/abstractplaylistprovider.h"
+#include "common/media/items/guiplaylist.h"
+#include "common/media/items/mimedata.h"
 #include "common/media/models/playbackmodel.h"
 #include "common/media/models/playlist/playlisteditormodel.h"
 #include "common/media/models/playlist/playlistlibrarymodel.h"
 #include "common/session/settings/configuration.h"
 #include "common/session/settings/timeutils.h"
 #include "common/ui/keyboard/hotkeytip.h"
+#include "common/ui/style/colors.h"
 #include "common/ui/style/fontsizefollower.h"
+#include "common/ui/style/iconcache.h"
 #include "common/ui/style/spacing.h"
 #include "common/ui/toolkit/elidedlabel.h"
 #include "common/ui/toolkit/iconbutton.h"
+#include "common/ui/toolkit/ztdrag.h"
 #include "common/ui/toolkit/ztdropdownmenu.h"
 #include "common/views/playlist/listclock.h"
 #include "common/views/playlist/playlistlogging.h"
@@ -23,6 +28,8 @@
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLineEdit>
+#include <QMimeData>
+#include <QMouseEvent>
 
 namespace vantrel {
 
@@ -32,6 +39,7 @@ const QMap<FontSize, QSize> buttonSizes{{FontSize::Small, {24, 24}},
                                         {FontSize::Medium, {28, 28}},
                                         {FontSize::Large, {36, 36}},
                                         {FontSize::Huge, {44, 44}}};
+constexpr int titleHeight = 26;  // on program, at the medium text size
 constexpr int leastChooser = 90; // pixels at the medium text size, before other things give way
 
 } // namespace
@@ -41,14 +49,18 @@ PlaylistEditorHeader::PlaylistEditorHeader(PlaybackViewMode mode, const Sources&
     , m_mode(mode)
     , m_sources(sources)
 {
-    setObjectName((isPreview() ? QStringLiteral("Preview") : QStringLiteral("Program")) +
-                  QStringLiteral("-PlaylistEditor"));
+    setObjectName(prefix() + QStringLiteral("-header"));
     if (isPreview())
         buildPreview();
     else
         buildProgram();
     connectModels();
     showList();
+}
+
+QString PlaylistEditorHeader::prefix() const
+{
+    return isPreview() ? QStringLiteral("Preview-PlaylistEditor") : QStringLiteral("Program-PlaylistEditor");
 }
 
 QSize PlaylistEditorHeader::minimumSizeHint() const
@@ -60,7 +72,7 @@ IconButton* PlaylistEditorHeader::addButton(QHBoxLayout* row, const QString& ico
                                             const QString& tip)
 {
     auto* button = new IconButton(icon, {}, this);
-    button->setObjectName(objectName() + QLatin1String(suffix));
+    button->setObjectName(prefix() + QLatin1String(suffix));
     button->setSizes(buttonSizes);
     button->setToolTip(tip);
     button->setAccessibleName(tip);
@@ -73,8 +85,9 @@ void PlaylistEditorHeader::buildPreview()
     auto* row = new QHBoxLayout(this);
     row->setContentsMargins(0, 0, 0, 0);
     row->setSpacing(spacing::tight);
+    buildGrip(row);
     m_dropdown = new ZTDropdownMenu(this);
-    m_dropdown->setObjectNames(objectName() + QStringLiteral("-dropdown"));
+    m_dropdown->setObjectNames(prefix() + QStringLiteral("-dropdown"));
     m_dropdown->setAccessibleName(tr("Playlist"));
     m_dropdown->setToolTip(tr("The playlist that is shown and edited"));
     m_dropdown->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
@@ -102,16 +115,41 @@ void PlaylistEditorHeader::buildPreview()
     followFontSize(this, [this](FontSize) { fit(); });
 }
 
+void PlaylistEditorHeader::buildGrip(QHBoxLayout* row)
+{
+    m_grip = new ZTLabel(this);
+    m_grip->setObjectName(prefix() + QStringLiteral("-grip"));
+    m_grip->setToolTip(tr("Drag the playlist to program from here"));
+    m_grip->setCursor(Qt::OpenHandCursor);
+    m_grip->installEventFilter(this);
+    followFontSize(m_grip, [this](FontSize size) {
+        const int side = iconExtent(size);
+        m_grip->setPixmap(IconCache::pixmap(QStringLiteral("playlist"), colors::getColor(colors::Zt_white_70),
+                                            {side, side}, devicePixelRatioF()));
+    });
+    row->addWidget(m_grip);
+}
+
+void PlaylistEditorHeader::dragList()
+{
+    const auto list = m_sources.model->playlistProvider()->playlist(displayedPlaylist());
+    if (list)
+        ZTDrag::startDrag(
+            m_grip, createMimeData({list->toJson()}, MimeItemCategory::Playlist, MediaItemType::Playlist),
+            Qt::CopyAction, tr("Playlist %1: %2").arg(list->number()).arg(list->name()));
+}
+
 void PlaylistEditorHeader::buildProgram()
 {
     auto* title = new ZTLabel(tr("PGM playlist"), this);
-    title->setObjectName(objectName() + QStringLiteral("-title"));
+    title->setObjectName(prefix() + QStringLiteral("-title"));
     title->setStyleClass(QStringLiteral("section"));
+    followFontSize(title, [title](FontSize size) { title->setMinimumHeight(scaled(titleHeight, size)); });
     m_name = new ElidedLabel(this);
-    m_name->setObjectName(objectName() + QStringLiteral("-name"));
+    m_name->setObjectName(prefix() + QStringLiteral("-name"));
     m_name->setStyleClass(QStringLiteral("dim"));
     m_end = new ElidedLabel(this);
-    m_end->setObjectName(objectName() + QStringLiteral("-end"));
+    m_end->setObjectName(prefix() + QStringLiteral("-end"));
     m_end->setStyleClass(QStringLiteral("section"));
     auto* row = new QHBoxLayout;
     row->setSpacing(spacing::normal);
@@ -131,11 +169,11 @@ void PlaylistEditorHeader::buildDuration(QHBoxLayout* row)
     m_durationLabel->setObjectName(QStringLiteral("DurationLabel"));
     m_durationLabel->setStyleClass(QStringLiteral("dim"));
     m_duration = new ZTLabel(QStringLiteral("--:--:--"), this);
-    m_duration->setObjectName(objectName() + QStringLiteral("-duration"));
+    m_duration->setObjectName(prefix() + QStringLiteral("-duration"));
     m_duration->setToolTip(tr("Duration of the playlist, up to an entry without an end"));
     m_duration->setAccessibleName(tr("Duration of the playlist"));
     m_infinite = new IconButton(QStringLiteral(":/icons/infinite_duration.svg"), {}, this);
-    m_infinite->setObjectName(objectName() + QStringLiteral("-infiniteDurationIndicator"));
+    m_infinite->setObjectName(prefix() + QStringLiteral("-infiniteDurationIndicator"));
     m_infinite->setToolTip(tr("An entry of this playlist has no end"));
     m_infinite->setAccessibleName(tr("Infinite duration"));
     m_infinite->setAttribute(Qt::WA_TransparentForMouseEvents);
@@ -187,7 +225,7 @@ void PlaylistEditorHeader::showList()
         m_dropdown->setCurrentIndex(row);
     if (m_edit)
         m_edit->setEnabled(m_isEditable && row >= 0);
-    if (m_name)
+    if (m_name && !m_isOneLine)
         m_name->setText(
             row < 0 ? QString()
                     : m_sources.library->index(row, PlaylistLibraryModel::NameColumn).data().toString());
@@ -218,8 +256,20 @@ void PlaylistEditorHeader::showClock()
     if (!m_end)
         return;
     const QString text = m_clock->text();
-    m_end->setText(text.isEmpty() ? tr("No playlist on air") : text);
-    m_end->setStyleClass(text.isEmpty() ? QStringLiteral("dim") : QStringLiteral("section"));
+    ElidedLabel* shown = m_isOneLine ? m_name : m_end;
+    shown->setText(text.isEmpty() ? tr("No playlist on air") : text);
+    shown->setStyleClass(text.isEmpty() ? QStringLiteral("dim") : QStringLiteral("section"));
+}
+
+void PlaylistEditorHeader::setOneLine(bool oneLine)
+{
+    if (!m_end || oneLine == m_isOneLine)
+        return;
+    m_isOneLine = oneLine;
+    m_end->setVisible(!oneLine);
+    m_name->setStyleClass(QStringLiteral("dim"));
+    showList();
+    showClock();
 }
 
 void PlaylistEditorHeader::setEditable(bool editable)
@@ -341,6 +391,12 @@ void PlaylistEditorHeader::endNameEditing()
 
 bool PlaylistEditorHeader::eventFilter(QObject* watched, QEvent* event)
 {
+    if (m_grip && watched == m_grip && event->type() == QEvent::MouseMove) {
+        const auto* mouse = static_cast<const QMouseEvent*>(event);
+        if (mouse->buttons().testFlag(Qt::LeftButton))
+            dragList();
+        return true;
+    }
     const auto isEscape = [event] { return static_cast<const QKeyEvent*>(event)->key() == Qt::Key_Escape; };
     if (m_isNaming && m_dropdown && watched == m_dropdown->lineEdit()) {
         if (event->type() == QEvent::ShortcutOverride && isEscape())
@@ -372,7 +428,7 @@ void PlaylistEditorHeader::fit()
     const int button = m_new->sizeHint().width() + spacing::tight;
     const int value = m_duration->sizeHint().width() + (m_infinite->isVisibleTo(this) ? button : 0);
     const int caption = m_durationLabel->sizeHint().width() + spacing::tight;
-    int left = width() - 3 * button - least - 2 * spacing::tight;
+    int left = width() - 3 * button - m_grip->sizeHint().width() - least - 3 * spacing::tight;
     const auto take = [&left](int wanted) {
         const bool fits = wanted <= left;
         if (fits)

@@ -47,6 +47,8 @@ public:
     void setDuration(const QModelIndex& index);
     /// Tells of the end of the list on program; the clock outlives this.
     void setClock(ListClock* clock);
+    /// In little room the end of the list takes the place of its name, in one line.
+    void setOneLine(bool oneLine);
     /// Whether there is a server that takes edits.
     void setEditable(bool editable);
     IconButton* pinButton() const { return m_pin; }
@@ -74,10 +76,14 @@ protected:
 
 private:
     bool isPreview() const { return m_mode == Preview; }
+    /// Of the names of what is in it.
+    QString prefix() const;
     void buildPreview();
     void buildProgram();
     void buildDuration(QHBoxLayout* row);
     IconButton* addButton(QHBoxLayout* row, const QString& icon, const char* suffix, const QString& tip);
+    void buildGrip(QHBoxLayout* row);
+    void dragList();
     void connectModels();
     void showList();
     void showClock();
@@ -86,6 +92,7 @@ private:
     PlaybackViewMode m_mode;
     Sources m_sources;
     ListClock* m_clock = nullptr;
+    ZTLabel* m_grip = nullptr; // by which the whole list is dragged
     ZTDropdownMenu* m_dropdown = nullptr;
     IconButton* m_edit = nullptr;
     IconButton* m_new = nullptr;
@@ -100,6 +107,7 @@ private:
     std::optional<uint> m_awaited; // the list that was made here and has not come yet
     uint m_followed = 0;           // the list that the channel played last
     bool m_isNaming = false;
+    bool m_isOneLine = false;
     bool m_isEditable = true;
 };
 

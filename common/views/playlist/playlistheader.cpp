@@ -1,5 +1,6 @@
 #include "common/views/playlist/playlistheader.h"
 
+#include "common/media/models/playlist/playlistmodel.h"
 #include "common/ui/style/colors.h"
 #include "common/ui/style/iconcache.h"
 
@@ -15,6 +16,14 @@ using colors::getColor;
 namespace {
 
 constexpr int margin = 6; // that of the cells
+
+/// Whose cells stand at the right, as numbers do.
+bool isNumeric(int section)
+{
+    using Column = PlaylistModel::Column;
+    return section == Column::NumberColumn || section == Column::DurationColumn ||
+           section == Column::TransitionDurationColumn || section == Column::SizeColumn;
+}
 
 } // namespace
 
@@ -51,8 +60,7 @@ void PlaylistHeader::paintSection(QPainter* painter, const QRect& rect, int sect
     const QString title = titleOf(section);
     const bool isSorted = sortIndicatorSection() == section && section > 0;
     if (!title.isEmpty() && hasRoom(section, title)) {
-        const bool isNumber =
-            model()->headerData(section, Qt::Horizontal, Qt::TextAlignmentRole).toInt() & Qt::AlignRight;
+        const bool isNumber = isNumeric(section);
         painter->setFont(font());
         painter->setPen(getColor(isSorted ? colors::Zt_orange : colors::Zt_white_70));
         painter->drawText(rect.adjusted(margin, 0, -margin, 0),

@@ -2,6 +2,7 @@
 
 #include "common/media/models/playlist/playlistmodel.h"
 #include "common/ui/keyboard/hotkeys.h"
+#include "common/ui/keyboard/hotkeytip.h"
 #include "common/ui/style/colors.h"
 #include "common/ui/style/iconcache.h"
 #include "common/ui/style/spacing.h"
@@ -9,10 +10,12 @@
 
 #include <QApplication>
 #include <QHeaderView>
+#include <QHelpEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QScrollBar>
+#include <QToolTip>
 
 #include <algorithm>
 #include <array>
@@ -261,6 +264,33 @@ void PlaylistView::focusInEvent(QFocusEvent* event)
     if (model() && !currentIndex().isValid() && model()->rowCount() > 0 &&
         event->reason() != Qt::MouseFocusReason)
         selectionModel()->setCurrentIndex(model()->index(0, 0), QItemSelectionModel::NoUpdate);
+}
+
+bool PlaylistView::viewportEvent(QEvent* event)
+{
+    if (event->type() == QEvent::ToolTip) {
+        const auto* help = static_cast<const QHelpEvent*>(event);
+        QToolTip::showText(help->globalPos(), tipFor(indexAt(help->pos())), this);
+        return true;
+    }
+    return QTableView::viewportEvent(event);
+}
+
+QString PlaylistView::tipFor(const QModelIndex& index) const
+{
+    if (!index.isValid())
+        return {};
+    const auto cell = [&index](int column) { return index.siblingAtColumn(column).data().toString(); };
+    QStringList lines{cell(PlaylistModel::NumberColumn) + u' ' + cell(PlaylistModel::MediaColumn),
+                      tr("Transition: %1. At the end: %2")
+                          .arg(cell(PlaylistModel::TransitionColumn), cell(PlaylistModel::EndActionColumn))};
+    const auto key = [](const char* name) { return keyText(Hotkeys::current(QLatin1String(name))); };
+    if (m_isEditable)
+        lines.append(tr("Double-click or %1: cue it on preview. %2 and %3: move it. %4: remove it")
+                         .arg(key("cue"), key("move_entries_up"), key("move_entries_down"), key("delete")));
+    for (QString& line : lines)
+        line = line.toHtmlEscaped();
+    return lines.join(QStringLiteral("<br>"));
 }
 
 void PlaylistView::paintEvent(QPaintEvent* event)

@@ -71,9 +71,12 @@ protected:
     void wheelEvent(QWheelEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
+    bool viewportEvent(QEvent* event) override;
 
 private:
     bool handleHotkey(const QKeyEvent& event);
+    /// All of a row that its cells may have no room for, and its keys.
+    QString tipFor(const QModelIndex& index) const;
     void paintTarget(QPainter* painter);
     void paintPlaceholder(QPainter* painter);
 

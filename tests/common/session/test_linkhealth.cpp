@@ -17,6 +17,23 @@ namespace vantrel::test {
 
 using State = LinkHealth::State;
 
+namespace {
+
+constexpr auto markerPath = "/device/showConfiguration/properties/autoStartShow";
+
+QByteArray replacement(const QByteArray& path, const QByteArray& value)
+{
+    return "{\"op\":\"replace\",\"path\":\"" + path + "\",\"value\":" + value + '}';
+}
+
+/// The server changes a property of program; the value is JSON.
+QByteArray set(const char* property, const QByteArray& value)
+{
+    return replacement(QByteArray("/device/channels/0/program/properties/") + property, value);
+}
+
+} // namespace
+
 /// What the session makes of a server's silence, on a clock of the test's.
 class TestLinkHealth : public QObject
 {
@@ -39,15 +56,9 @@ private Q_SLOTS:
         QTest::addColumn<State>("state");
         QTest::newRow("never a word") << QByteArray() << State::Silent;
         QTest::newRow("its signs of life stop") << QByteArray("[]") << State::Silent;
-        QTest::newRow("it never gives any, and stands")
-            << QByteArray(
-                   R"([{"op":"replace","path":"/device/channels/0/program/properties/volume","value":1}])")
-            << State::Current;
+        QTest::newRow("it never gives any, and stands") << '[' + set("volume", "1") + ']' << State::Current;
         QTest::newRow("it never gives any, and a position stops that moved")
-            << QByteArray(
-                   R"([{"op":"replace","path":"/device/channels/0/program/properties/state","value":"play"},
-                   {"op":"replace","path":"/device/channels/0/program/properties/mediaPosition","value":2.5}])")
-            << State::Silent;
+            << '[' + set("state", "\"play\"") + ',' + set("mediaPosition", "2.5") + ']' << State::Silent;
     }
     void judgesByWhatTheServerOwes()
     {
@@ -117,7 +128,6 @@ private Q_SLOTS:
     void tellsWhichHalfIsGone()
     {
         QVERIFY(connectToChannel(true));
-        m_peer->http.handler = [](const ScriptedHttp::Request&) -> ScriptedHttp::Reply { return {404, {}}; };
         QVERIFY(hears("[]"));
         health()->setLibraryCurrent(true);
         QVERIFY(health()->detail().isEmpty());
@@ -162,16 +172,13 @@ private:
     bool hears(const QByteArray& patch)
     {
         const qint64 before = m_peer->session->connectionHandler()->lastWord();
-        bool isTaken = false;
         // A change of its own after the word tells that the word was taken.
         const int marker = ++m_marker;
         m_peer->send(patch.constData());
-        const QByteArray mark =
-            R"([{"op":"replace","path":"/device/showConfiguration/properties/autoStartShow","value":")" +
-            QByteArray::number(marker) + R"("}])";
-        m_peer->send(mark.constData());
-        isTaken = QTest::qWaitFor([&] {
-            const Path path("/device/showConfiguration/properties/autoStartShow");
+        m_peer->send(QByteArray('[' + replacement(markerPath, '"' + QByteArray::number(marker) + '"') + ']')
+                         .constData());
+        const bool isTaken = QTest::qWaitFor([&] {
+            const Path path(markerPath);
             Variant value;
             Scene* scene = m_peer->session->getScene();
             scene->getProperty(scene->find(PathView(path)), value);

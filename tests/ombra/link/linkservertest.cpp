@@ -109,6 +109,54 @@ private Q_SLOTS:
         QVERIFY(writer.fits && reader.fits);
     }
 
+    /// Somebody sends as much as a frame may hold: others go on being heard.
+    void aLargeFrameHoldsNobodyUp()
+    {
+        Client large(m_server->port());
+        Client other(m_server->port());
+        other.send(R"([{"op":"get","path":""}])");
+        QVERIFY(waitFor([&] { return !other.operations.empty(); }, {&large, &other}));
+        const std::string text =
+            R"([{"op":"test","path":"/device/surfaces/0","value":{"a":[1,2,3,4,5,6,7,8]}})";
+        std::string frame = text;
+        while (frame.size() < 60u * 1024 * 1024)
+            frame += ',' + text.substr(1);
+        frame += ",{\"op\":\"replace\",\"path\":\"" + volume + "\",\"value\":0.75}]";
+        const auto length = static_cast<std::uint32_t>(frame.size());
+        QByteArray bytes;
+        for (int shift = 24; shift >= 0; shift -= 8)
+            bytes += static_cast<char>(length >> shift & 0xff);
+        large.socket.write(bytes + QByteArray::fromStdString(frame));
+        m_longestTurn = 0;
+        QVERIFY(waitFor([&] { return other.value(volume) == "0.75"; }, {&large, &other}));
+        QVERIFY2(m_longestTurn <= 50, qPrintable(QString::number(m_longestTurn)));
+    }
+
+    /// The scene stays small, whatever clients add to it.
+    void refusesWhatIsTooMuch()
+    {
+        Client client(m_server->port());
+        vantrel::test::expectWarning(QStringLiteral("it is too large"));
+        vantrel::test::expectWarning(QStringLiteral("there are too many already"));
+        vantrel::test::expectWarning(QStringLiteral("the value is out of range"));
+        client.send(R"([{"op":"add","path":"/device/surfaces/-","value":{"properties":{"name":")" +
+                    std::string(20'000, 'x') + R"("}}}])");
+        Patch many;
+        for (int i = 0; i < 1001; ++i)
+            many.append(
+                {PatchOpType::Add, Path("/device/surfaces/-"), {}, Json::object({{"type", "Surface"}})});
+        client.send(many.toJson().toString());
+        client.send(replaceOf("/device/surfaces/0/properties/name", '"' + std::string(300, 'x') + '"'));
+        client.send(replaceOf(volume, "0.125"));
+        QVERIFY(waitFor(
+            [&] {
+                Variant value;
+                return m_scene->getProperty(m_scene->find(volume), value) && value.as<double>() == 0.125;
+            },
+            {&client}));
+        QCOMPARE(m_scene->findObject("/device/surfaces")->childCount(), 1000);
+    }
+
     /// Who has asked for nothing, and who has got all, hear within 250 ms that the server is there.
     void saysThatItIsThere()
     {
@@ -306,7 +354,10 @@ private:
             if (condition())
                 return true;
             m_io.restart();
+            QElapsedTimer turn;
+            turn.start();
             m_io.run_for(std::chrono::milliseconds(1));
+            m_longestTurn = std::max(m_longestTurn, turn.elapsed());
             QCoreApplication::processEvents();
             for (Client* client : clients)
                 client->read();
@@ -319,6 +370,7 @@ private:
     std::unique_ptr<LinkServer> m_server;
     QStringList m_invoked;
     QStringList m_written;
+    qint64 m_longestTurn = 0; // milliseconds
 };
 
 HALCYRA_TEST(LinkServerTest)

@@ -23,7 +23,8 @@ using namespace vantrel::ombra::test;
 namespace {
 
 const QByteArray library =
-    R"({"collections":{"1":{"name":"one","slots":{"1":{"name":"clip","contentUrl":"file:///a"}}}},)"
+    R"({"collections":{"1":{"name":"one","slots":{"1":{"name":"clip","contentUrl":"file:///a",)"
+    R"("isPlayable":false}}}},)"
     R"("playlists":{"2":{"name":"list","entries":{"1.5":{"slotUrl":"brume://collections/1/slots/1"}}}}})";
 
 const QByteArray signOfLife = ":\n\n"; // a comment
@@ -94,10 +95,10 @@ private Q_SLOTS:
         row("unknown", "GET", "/nothing", "", 404);
         row("root", "GET", "", "", 404);
         row("deeper", "GET", "/medialibrary/collections", "", 404);
-        row("missing media", "GET", "/metadata/?file=file:///none.mp4", "", 404);
-        row("climbing out", "GET", "/metadata/?file=file:///../../etc/passwd", "", 404);
+        row("missing media", "GET", "/metadata/?file=file:///none.mp4", "", 200);
+        row("missing picture", "GET", "/thumbnails/?file=file:///none.mp4", "", 404);
         row("climbing out encoded", "GET", "/thumbnails/?file=file:///%252e%252e%2fetc%2fpasswd", "", 404);
-        row("other scheme", "GET", "/metadata/?file=http://localhost/a.mp4", "", 404);
+        row("other scheme", "GET", "/thumbnails/?file=http://localhost/a.mp4", "", 404);
         row("no file", "GET", "/thumbnails/", "", 400);
         row("bad escape", "GET", "/metadata/?file=%zz", "", 400);
         row("bad show", "POST", "/show/current", "{}", 400);
@@ -433,7 +434,7 @@ private Q_SLOTS:
         };
         row("root",
             R"([{"op":"replace","path":"","value":{"collections":{"1":{"name":"x","slots":{)"
-            R"("1":{"name":"clip","contentUrl":"file:///a"}}}},"playlists":{}}}])",
+            R"("1":{"name":"clip","contentUrl":"file:///a","isPlayable":false}}}},"playlists":{}}}])",
             "replace /collections/1/name, remove /playlists/2");
         row("all collections",
             R"([{"op":"add","path":"/collections","value":{"3":{"name":"y","slots":{}}}}])",
@@ -557,7 +558,11 @@ private Q_SLOTS:
 
         QVERIFY(QFile::remove(file));
         QVERIFY(comes("metadata-removed"));
-        QCOMPARE(m_live.request("GET", "/metadata/" + query).status, 404);
+        QVERIFY(metadata.parseJson(parsed(m_live.request("GET", "/metadata/" + query).body)));
+        QVERIFY(!metadata.getIsPlayable());
+        QCOMPARE(metadata.getError(),
+                 std::string("The media folder has no new clip & co.mp4. Copy it there or "
+                             "give the slot another file."));
     }
 
     void exportsAndImportsTheShow()

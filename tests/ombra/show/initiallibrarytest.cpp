@@ -1,6 +1,7 @@
 #include "ombra/show/initiallibrary.h"
 
 #include "ombra/show/contenturl.h"
+#include "ombra/show/slotfacts.h"
 #include "tests/support/testmain.h"
 
 #include <QDir>
@@ -25,6 +26,12 @@ private Q_SLOTS:
                              QStringLiteral("still_01.png"), QStringLiteral("A/tone.wav")};
         for (int i = 7; i <= 10; ++i)
             files += QStringLiteral("seq/f_%1.png").arg(i, 4, 10, QLatin1Char('0'));
+        for (int i = 995; i <= 1006; ++i) // outgrows its digits, beside another that does not
+            files += {QStringLiteral("t/g%1.tif").arg(i),
+                      QStringLiteral("t/h%1.tif").arg(i, 4, 10, QLatin1Char('0'))};
+        files += {QStringLiteral("t/logo1.png"), QStringLiteral("t/logo2.png"), QStringLiteral("t/logo3.png"),
+                  QStringLiteral("u.ts"),        QStringLiteral("v.AIFF"),      QStringLiteral("w.gif"),
+                  QStringLiteral("x.webp")};
         for (const QString& name : std::as_const(files)) {
             QVERIFY(QDir(folder.path()).mkpath(QFileInfo(folder.filePath(name)).path()));
             QFile file(folder.filePath(name));
@@ -38,16 +45,26 @@ private Q_SLOTS:
             slots_ += QStringLiteral("%1 %2 %3")
                           .arg(index)
                           .arg(QString::fromStdString(slot.getName()), QString::fromStdString(slot.getUrl()));
-        QCOMPARE(slots_, (QStringList{QStringLiteral("1 inner file:///A/inner.MOV"),
-                                      QStringLiteral("2 tone file:///A/tone.wav"),
-                                      QStringLiteral("3 b clip file:///b%20clip.mp4"),
-                                      QStringLiteral("4 f_%04d.png file:///seq/f_%2504d.png"),
-                                      QStringLiteral("5 still_01 file:///still_01.png")}));
+        QCOMPARE(slots_,
+                 (QStringList{QStringLiteral("1 inner file:///A/inner.MOV"),
+                              QStringLiteral("2 tone file:///A/tone.wav"),
+                              QStringLiteral("3 b clip file:///b%20clip.mp4"),
+                              QStringLiteral("4 f_%04d.png file:///seq/f_%2504d.png"),
+                              QStringLiteral("5 still_01 file:///still_01.png"),
+                              QStringLiteral("6 g%03d.tif file:///t/g%2503d.tif"),
+                              QStringLiteral("7 h%04d.tif file:///t/h%2504d.tif"),
+                              QStringLiteral("8 logo1 file:///t/logo1.png"),
+                              QStringLiteral("9 logo2 file:///t/logo2.png"),
+                              QStringLiteral("10 logo3 file:///t/logo3.png"),
+                              QStringLiteral("11 u file:///u.ts"), QStringLiteral("12 v file:///v.AIFF"),
+                              QStringLiteral("13 w file:///w.gif"), QStringLiteral("14 x file:///x.webp")}));
+        QCOMPARE(library.findSlot(1, 6)->getFirstFrameNum().value_or(0), 995);
+        QCOMPARE(library.findSlot(1, 6)->getLastFrameNum().value_or(0), 1006);
         const MediaSlot* sequence = library.findSlot(1, 4);
         QCOMPARE(sequence->getFirstFrameNum().value_or(0), 7);
         QCOMPARE(sequence->getLastFrameNum().value_or(0), 10);
         MediaSlot empty = *library.findSlot(1, 3);
-        QVERIFY(probeSlot(folder.path().toStdString(), empty));
+        QVERIFY(applyFacts(probeFacts(folder.path().toStdString(), empty.getUrl()), empty));
         QVERIFY(!empty.getIsPlayable());
     }
 
@@ -72,10 +89,10 @@ private Q_SLOTS:
     void sequencePatterns_data()
     {
         QTest::addColumn<QByteArray>("name");
-        QTest::addColumn<QByteArray>("pattern");
+        QTest::addColumn<QByteArray>("patterns");
         QTest::newRow("padded") << QByteArray("frame_00017.png") << QByteArray("frame_%05d.png");
-        QTest::newRow("two digits") << QByteArray("x.01.jpg") << QByteArray("x.%02d.jpg");
-        QTest::newRow("one digit") << QByteArray("x1.jpg") << QByteArray();
+        QTest::newRow("outgrown") << QByteArray("x106.jpg") << QByteArray("x%01d.jpg x%02d.jpg x%03d.jpg");
+        QTest::newRow("one digit") << QByteArray("0.jpg") << QByteArray("%01d.jpg");
         QTest::newRow("no digits") << QByteArray("x.jpg") << QByteArray();
         QTest::newRow("not last") << QByteArray("x01b.jpg") << QByteArray();
         QTest::newRow("too many") << QByteArray("x0123456789.jpg") << QByteArray();
@@ -85,9 +102,10 @@ private Q_SLOTS:
     void sequencePatterns()
     {
         QFETCH(QByteArray, name);
-        QFETCH(QByteArray, pattern);
-        int number = 0;
-        QCOMPARE(sequencePattern(name.toStdString(), number), pattern.toStdString());
+        std::string all;
+        for (const std::string& pattern : ombra::sequencePatterns(name.toStdString()))
+            all += (all.empty() ? "" : " ") + pattern;
+        QTEST(QByteArray::fromStdString(all), "patterns");
     }
 };
 

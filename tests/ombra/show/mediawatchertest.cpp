@@ -70,6 +70,37 @@ private Q_SLOTS:
         QVERIFY(comes({QStringLiteral("added file:///x/y/z/c.mp4")}));
     }
 
+    /// As its disk does; a folder that is made again in the same moment may even be the same to the system.
+    void theFolderGoesAndComes()
+    {
+        QStringList folder;
+        m_watcher->setFolderListener([&](MediaWatcher::Folder now) {
+            static constexpr const char* names[] = {"there", "empty", "gone"};
+            folder += QLatin1String(names[static_cast<int>(now)]);
+        });
+        const QString media = m_folder->filePath(QStringLiteral("media"));
+        const QString aside = m_folder->filePath(QStringLiteral("aside"));
+        QVERIFY(QDir().rename(media, aside));
+        QVERIFY(comes({QStringLiteral("removed file:///old.mp4")}));
+        QVERIFY(QDir().rename(aside, media));
+        QVERIFY(comes({QStringLiteral("added file:///old.mp4")}));
+        touch(QStringLiteral("new.mp4")); // and is watched again
+        QVERIFY(comes({QStringLiteral("added file:///new.mp4")}));
+        QVERIFY(QDir(media).removeRecursively() && QDir().mkpath(media));
+        QVERIFY(
+            comes({QStringLiteral("removed file:///new.mp4"), QStringLiteral("removed file:///old.mp4")}));
+        QElapsedTimer timer;
+        for (timer.start(); timer.elapsed() < 3000 && folder.last() != QLatin1String("empty");)
+            m_io.run_one_for(std::chrono::milliseconds(5));
+        for (timer.start(); timer.elapsed() < 5000 && m_told.isEmpty();) {
+            touch(QStringLiteral("late.mp4"));
+            m_io.restart();
+            m_io.run_one_for(std::chrono::milliseconds(50));
+        }
+        QVERIFY(m_told.contains(QStringLiteral("added file:///late.mp4")));
+        QCOMPARE(folder.join(u' '), QStringLiteral("there gone there empty there"));
+    }
+
 private:
     QString path(const QString& name) const { return m_folder->filePath(QStringLiteral("media/") + name); }
 

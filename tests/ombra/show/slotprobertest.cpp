@@ -5,6 +5,7 @@
 #include "tests/ombra/liveserver.h"
 #include "tests/support/testmain.h"
 
+#include <QDir>
 #include <QFile>
 #include <QImage>
 
@@ -70,6 +71,44 @@ private Q_SLOTS:
                      addition("/collections/1/slots/9", "{'name':'z','contentUrl':'file:///logo.png'}"));
         const auto stills = [&] { return live.request("GET", "/collections").body.count("imageFile"); };
         QVERIFY(live.waitFor([&] { return stills() == (known ? 2 : 1); }));
+    }
+
+    /// What the slot says follows its file, and a first look at what was missing before the server started.
+    void followsTheFile()
+    {
+        LiveServer live;
+        QVERIFY(live.start());
+        const QString logo = live.mediaFolder() + QStringLiteral("/logo.png");
+        const QString aside = live.mediaFolder() + QStringLiteral("/../logo.png");
+        const auto says = [&](const QByteArray& member) {
+            return live.waitFor([&] { return live.request("GET", "/collections").body.contains(member); });
+        };
+        const QByteArray library =
+            "{'collections':{'1':{'name':'one','slots':{'1':{'name':'a','type':'imageFile',"
+            "'contentUrl':'file:///logo.png'}}}},'playlists':{}}";
+        QCOMPARE(live.request("POST", "/medialibrary", json(library)).status, 200);
+        const QByteArray playable = R"("isPlayable":true)", missing = R"("isPlayable":false)";
+        QVERIFY(says(missing)); // never was
+        QImage picture(32, 18, QImage::Format_RGB32);
+        picture.fill(Qt::red);
+        QVERIFY(picture.save(logo) && says(playable));
+        QVERIFY(QFile::rename(logo, aside) && says(missing));
+        QVERIFY(live.request("GET", "/collections").body.contains("imageFile"));
+        QVERIFY(QFile::link(QStringLiteral("../logo.png"), logo)); // leads out of the folder
+        QVERIFY(says(missing));
+        QVERIFY(QFile::remove(logo) && QFile::rename(aside, logo) && says(playable));
+        live.stop();
+        QVERIFY(QFile::remove(logo) && live.start() && says(missing));
+        QVERIFY(QDir(live.mediaFolder()).removeRecursively());
+        LinkPeer peer(live.server().linkPort());
+        peer.send("[{\"op\":\"get\",\"path\":\"\"}]");
+        const auto notice = [&] {
+            peer.read();
+            return peer.value("/device/system/properties/notice");
+        };
+        QVERIFY(live.waitFor([&] { return notice().find("is not there") != std::string::npos; }));
+        QVERIFY(QDir().mkpath(live.mediaFolder()) && picture.save(logo) && says(playable));
+        QVERIFY(live.waitFor([&] { return notice().empty(); }));
     }
 
     /// A file that comes while the disk takes no edits is known once it does.

@@ -26,10 +26,13 @@ private Q_SLOTS:
     {
         MediaMetadata metadata(MediaType::VideoFile, true);
         metadata.addCaveat(MediaCaveat::UnsupportedAudio);
+        metadata.addCaveat(MediaCaveat::CutOff, "The file ends at 4.2 s.");
+        metadata.setStartTimecode("10:00:00:00");
+        metadata.setMissingPictures(3);
         metadata.setDuration(12.5);
         metadata.setVideo(MediaMetadata::Pictures{1920, 1080, Rational<int>{16, 15}, "h264",
                                                   ColorSpace::Bt2020, "yuv420p10le", "High 10", 50.0,
-                                                  40'000'000'000});
+                                                  40'000'000'000, "top field first"});
         metadata.setAudio(MediaMetadata::Audio{"AAC", "LC", 6});
         metadata.setFileSize(5'000'000'000);
         metadata.setImported(DateTime(-1));
@@ -37,6 +40,8 @@ private Q_SLOTS:
         MediaMetadata read;
         QVERIFY(read.parseJson(metadata.toJson()));
         QCOMPARE(read.toJson().toString(), metadata.toJson().toString());
+        QCOMPARE(read.getCaveats().size(), std::size_t(2));
+        QCOMPARE(read.getCaveatText(MediaCaveat::CutOff), std::string("The file ends at 4.2 s."));
         QCOMPARE(read.getVideo()->bitRate.value_or(0), std::int64_t(40'000'000'000));
         QCOMPARE(read.getVideo()->pixelAspect->toString(), std::string("16:15"));
         QVERIFY(*read.getImported() < *read.getModified());
@@ -64,6 +69,9 @@ private Q_SLOTS:
         row(R"("audio":{"channels":null})", true);
         row(R"("audio":{"channels":true})", false);
         row(R"("fileSize":-1)", false);
+        row(R"("caveats":["later"],"caveatTexts":{"later":"x"})", true);
+        row(R"("caveatTexts":{"cutOff":5})", false);
+        row(R"("missingPictures":"3")", false);
         row(R"("imported":"2024-05-17")", false);
         row(R"("isPlayable":1)", false);
     }

@@ -1,0 +1,158 @@
+#include "ombra/rest/mediadata.h"
+
+#include "tarn/media/mediaenums.h"
+#include "tarn/media/mediametadata.h"
+#include "tests/ombra/decode/testmedia.h"
+#include "tests/support/testmain.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QImage>
+#include <boost/asio/io_context.hpp>
+
+using namespace vantrel;
+using namespace vantrel::ombra;
+using namespace vantrel::test;
+
+/// What is told of media files: what an operator reads when one cannot be played, or not all of it.
+class MediaDataTest : public QObject
+{
+    Q_OBJECT
+
+private:
+    QString path(const QString& name) const { return QString::fromStdString(m_media.file(qPrintable(name))); }
+
+    void write(const QString& name, const QByteArray& bytes)
+    {
+        QFile file(path(name));
+        QVERIFY(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size());
+    }
+
+    QByteArray read(const QString& name) const
+    {
+        QFile file(path(name));
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+
+    MediaMetadata ask(const QByteArray& name)
+    {
+        std::optional<HttpReply> reply;
+        m_data->metadata("file:///" + name.toStdString(),
+                         [&](HttpReply answer) { reply = std::move(answer); });
+        QElapsedTimer timer;
+        for (timer.start(); !reply && timer.elapsed() < 20000;) {
+            m_io.restart();
+            m_io.run_one_for(std::chrono::milliseconds(5));
+        }
+        MediaMetadata metadata;
+        Json json;
+        if (!reply || reply->status != 200 || !Json::parseString(reply->body, json) ||
+            !metadata.parseJson(json))
+            qCritical("no metadata of %s", name.constData());
+        return metadata;
+    }
+
+    boost::asio::io_context m_io;
+    TestMedia m_media;
+    std::unique_ptr<MediaData> m_data;
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        const auto with = [](const QStringList& input, const char* options) {
+            return input + QString::fromLatin1(options).split(u' ');
+        };
+        const QStringList clip = TestMedia::numbered(10);
+        QVERIFY(
+            m_media.make(with(clip, "-c:v libx264 -g 25 -movflags faststart"), QStringLiteral("whole.mp4")));
+        QVERIFY(m_media.make(with(clip, "-c:v libx264 -g 25"), QStringLiteral("whole.mkv")));
+        QVERIFY(m_media.make(TestMedia::sound(QStringLiteral("0.1"), 4), QStringLiteral("whole.wav")));
+        QVERIFY(m_media.make(with(TestMedia::numbered(1, QStringLiteral("720x576")),
+                                  "-c:v mpeg2video -flags +ildct -top 0 -field_order bb -vf setfield=bff "
+                                  "-timecode 10:00:00:00"),
+                             QStringLiteral("fields.mxf")));
+        const QByteArray mp4 = read(QStringLiteral("whole.mp4"));
+        const qsizetype data = mp4.indexOf("mdat");
+        write(QStringLiteral("early.mp4"), mp4.left(data + (mp4.size() - data) / 4));
+        write(QStringLiteral("late.mp4"), QByteArray("\0\0\0\x10"
+                                                     "ftypisom\0\0\2\0",
+                                                     16) +
+                                              mp4.mid(data - 4, 3000));
+        const QByteArray mkv = read(QStringLiteral("whole.mkv"));
+        write(QStringLiteral("early.mkv"), mkv.left(mkv.size() / 2));
+        QVERIFY(m_media.make(with(clip, "-c:v mpeg4 -g 25"), QStringLiteral("whole.avi")));
+        const QByteArray avi = read(QStringLiteral("whole.avi"));
+        write(QStringLiteral("early.avi"), avi.left(avi.size() / 2));
+        write(QStringLiteral("early.wav"), read(QStringLiteral("whole.wav")).left(78 + 96000));
+        write(QStringLiteral("empty.mov"), {});
+        write(QStringLiteral("notes.txt"), "Act 1: the lights go down.\r\n");
+        write(QStringLiteral("noise.mov"), QByteArray(5000, '\xb7'));
+        QImage picture(32, 18, QImage::Format_RGB32);
+        picture.fill(Qt::red);
+        for (const char* name : {"s_0001.png", "s_0002.png", "s_0005.png", "s_0006.png"})
+            QVERIFY(picture.save(path(QString::fromLatin1(name))));
+        QVERIFY(QFile::link(QStringLiteral("s_0001.png"), path(QStringLiteral("h_0001.png"))));
+        QVERIFY(QFile::link(QStringLiteral("/etc/passwd"), path(QStringLiteral("l_0001.png"))));
+        QVERIFY(QFile::link(QStringLiteral("/etc"), path(QStringLiteral("out"))));
+        m_data = std::make_unique<MediaData>(m_io, m_media.folder());
+    }
+
+    void saysWhatIsWrong_data()
+    {
+        QTest::addColumn<QByteArray>("file");
+        QTest::addColumn<bool>("playable");
+        QTest::addColumn<QByteArray>("sentence");
+        const auto row = [](const char* file, bool playable, const char* sentence) {
+            QTest::newRow(file) << QByteArray(file) << playable << QByteArray(sentence);
+        };
+        row("whole.mp4", true, "");
+        row("whole.mkv", true, "");
+        row("whole.avi", true, "");
+        row("whole.wav", true, "");
+        row("fields.mxf", true, "");
+        row("empty.mov", false, "The file is empty. Copy it again.");
+        row("notes.txt", false, "The file holds text, neither pictures nor sound.");
+        row("noise.mov", false, "The file is damaged or of a kind that is not known here (");
+        row("late.mp4", false, "The file is cut off before the part that describes it.");
+        row("early.mp4", true, "The file is cut off at 2.");
+        row("early.mkv", true, "The file is cut off at ");
+        row("early.avi", true, "The file is cut off at ");
+        row("early.wav", true, "The file is cut off at 1.0 s of 4.0 s. Copy it again.");
+        row("s_%2504d.png", true, "2 of 6 pictures of the sequence are missing, the first is number 3.");
+        row("h_%2504d.png", true, "");
+        row("none.mp4", false,
+            "The media folder has no none.mp4. Copy it there or give the slot another file.");
+        row("none_%2504d.png", false, "The media folder has no pictures named none_%04d.png.");
+        row("l_%2504d.png", false, "The media folder has no pictures named l_%04d.png.");
+        row("../../etc/passwd", false, "This is no file of the media folder.");
+        row("out/passwd", false, "This is no file of the media folder.");
+    }
+
+    void saysWhatIsWrong()
+    {
+        QFETCH(QByteArray, file);
+        QFETCH(bool, playable);
+        QFETCH(QByteArray, sentence);
+        const MediaMetadata metadata = ask(file);
+        QCOMPARE(metadata.getIsPlayable(), playable);
+        std::string said = metadata.getError();
+        for (const MediaCaveat caveat : metadata.getCaveats())
+            said += metadata.getCaveatText(caveat);
+        QVERIFY2(said.starts_with(sentence.toStdString()) && said.empty() == sentence.isEmpty(),
+                 said.c_str());
+    }
+
+    void tellsFieldsAndTimecode()
+    {
+        const MediaMetadata metadata = ask("fields.mxf");
+        QCOMPARE(metadata.getStartTimecode(), std::string("10:00:00:00"));
+        QVERIFY(metadata.getVideo());
+        QCOMPARE(metadata.getVideo()->fieldOrder, std::string("bottom field first"));
+        QCOMPARE(ask("whole.mp4").getVideo()->fieldOrder, std::string("progressive"));
+        QCOMPARE(ask("s_%2504d.png").getMissingPictures().value_or(-1), std::int64_t(2));
+    }
+};
+
+HALCYRA_TEST(MediaDataTest)
+#include "mediadatatest.moc"
