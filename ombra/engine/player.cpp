@@ -177,9 +177,13 @@ Player::Moment Player::advance(double now)
     if (m_next && (!m_next->deck || m_next->deck->ready()) && !nextFailed()) {
         goOver(std::move(m_next->deck), m_next->transition, now);
         m_next.reset();
-    } else if (isFollowed()) {
-        if (const std::optional<double> ago = hasBegunBefore(m_following.front()))
-            handOver(*ago, moment);
+    }
+    // One that is shorter than its transitions comes and is followed in the same moment.
+    for (std::size_t i = 0; i < followingAtMost && isFollowed(); ++i) {
+        const std::optional<double> ago = hasBegunBefore(m_following.front());
+        if (!ago)
+            break;
+        handOver(*ago, moment);
     }
     std::size_t lowest = 0;
     for (std::size_t i = 0; i < m_layers.size(); ++i) {

@@ -69,6 +69,29 @@ private:
                                         {"tone.wav", Qt::black, false}};
     enum { Red, Green, Blue, Still, Tone };
 
+    /// What an entry plays of its kind, in pictures.
+    struct Run
+    {
+        int kind, from, length;
+        TakeTransitionType type = TakeTransitionType::DirectCut;
+    };
+
+    /// So many changes at random, always the same ones.
+    std::vector<Run> fillList(int changes)
+    {
+        QRandomGenerator random(7);
+        std::vector<Run> runs;
+        for (int i = 0; i <= changes; ++i) {
+            const Run run{random.bounded(5), random.bounded(10, 40), random.bounded(18, 50),
+                          TakeTransitionType(random.bounded(3))};
+            addEntry({i + 1, 0}, addSlot(run.kind, run.from, run.from + run.length), run.type,
+                     random.bounded(4, 9) * picture); // two of them leave a picture between them
+            runs.push_back(run);
+        }
+        edit([] {});
+        return runs;
+    }
+
     /// A slot of a kind, played from one picture up to another.
     int addSlot(int kind, int from, int to)
     {
@@ -128,9 +151,9 @@ private:
         });
         return prepared.value_or(false);
     }
-    bool shows(const Player::Moment& moment, QColor colour, std::optional<int> number)
+    bool shows(const Ref<Surface>& surface, QColor colour, std::optional<int> number)
     {
-        const Seen seen = seenOn(moment.to());
+        const Seen seen = seenOn(surface);
         m_why = QStringLiteral("at %1 s: %2 %3, not %4 %5")
                     .arg(m_now)
                     .arg(seen.colour.name())
@@ -138,6 +161,15 @@ private:
                     .arg(colour.name())
                     .arg(number.value_or(-1));
         return seen.colour == colour && seen.number == number;
+    }
+    bool shows(const Player::Moment& moment, QColor colour, std::optional<int> number)
+    {
+        return shows(moment.to(), colour, number);
+    }
+    bool isPictureOf(const Run& run, int index, const Ref<Surface>& surface)
+    {
+        const Kind& kind = kinds[run.kind];
+        return shows(surface, kind.colour, kind.numbered ? std::optional(run.from + index) : std::nullopt);
     }
     bool playsUntil(int kind, int from, int to)
     {
@@ -219,58 +251,31 @@ private Q_SLOTS:
     void showsEveryPictureInItsTime()
     {
         const int wanted = qEnvironmentVariableIntValue("HALCYRA_LIST_CHANGES");
-        const int changes = wanted > 0 ? wanted : 24;
-        QRandomGenerator random(7);
-        struct Entry
-        {
-            int kind, from, to;
-            TakeTransitionType type;
-        };
-        std::vector<Entry> entries;
-        for (int i = 0; i <= changes; ++i) {
-            const int from = random.bounded(10, 40), length = random.bounded(18, 50);
-            entries.push_back(
-                {random.bounded(5), from, from + length, TakeTransitionType(random.bounded(3))});
-            const Entry& entry = entries.back();
-            addEntry({i + 1, 0}, addSlot(entry.kind, from, from + length), entry.type,
-                     random.bounded(4, 9) * picture); // two of them leave a picture between them
-        }
-        edit([] {});
+        const std::vector<Run> runs = fillList(wanted > 0 ? wanted : 24);
         const PlaylistRuntimeInfo counted = calculatePlaylistRuntime(*m_library, 1);
         start();
         const auto round = [](double seconds) { return static_cast<int>(std::lround(seconds / picture)); };
-        for (std::size_t on = 0; on < entries.size(); ++on) {
-            const Entry& entry = entries[on];
-            const bool isLast = on + 1 == entries.size();
+        for (std::size_t on = 0; on < runs.size(); ++on) {
+            const bool isLast = on + 1 == runs.size();
             const int begin = round(counted.entries[on].runtimeBefore);
-            const int end =
-                isLast ? round(counted.totalDuration) : round(counted.entries[on + 1].runtimeBefore);
+            const int end = round(isLast ? counted.totalDuration : counted.entries[on + 1].runtimeBefore);
             const int before = on > 0 ? round(counted.entries[on - 1].runtimeAfter) : 0;
             for (int i = begin; i < end; ++i) {
                 m_now = i * picture;
-                const std::optional<int> number =
-                    kinds[entry.kind].numbered ? std::optional(entry.from + i - begin) : std::nullopt;
                 Player::Moment moment = advance();
-                const auto isRight = [&] { return shows(moment, kinds[entry.kind].colour, number); };
-                if (i == begin)
-                    QVERIFY2(isRight(), qPrintable(m_why)); // a change waits for nothing
-                else
-                    QVERIFY2(QTest::qWaitFor([&] { return isRight() || (moment = advance(), isRight()); }),
-                             qPrintable(m_why));
+                const auto isRight = [&] {
+                    return isPictureOf(runs[on], i - begin, moment.layers.back().surface) &&
+                           (i >= before || isPictureOf(runs[on - 1], runs[on - 1].length - before + i,
+                                                       moment.layers.front().surface));
+                };
+                if (i == begin) // a change waits for nothing
+                    QVERIFY2(isPictureOf(runs[on], 0, moment.to()), qPrintable(m_why));
+                QVERIFY2(QTest::qWaitFor([&] { return isRight() || (moment = advance(), isRight()); }),
+                         qPrintable(m_why));
                 QCOMPARE(moment.layers.size(), std::size_t(i < before ? 2 : 1));
-                if (i < before) {
-                    const Entry& out = entries[on - 1];
-                    const auto outgoing = [&] {
-                        const Seen seen = seenOn(moment.layers.front().surface);
-                        return seen.colour == kinds[out.kind].colour &&
-                               (!seen.number || *seen.number == out.to - before + i);
-                    };
-                    QVERIFY2(QTest::qWaitFor([&] { return outgoing() || (moment = advance(), outgoing()); }),
-                             qPrintable(m_why));
-                    QCOMPARE(moment.layers.back().type, entry.type);
-                    QVERIFY(std::abs(moment.layers.back().weight - double(i - begin) / (before - begin)) <
-                            1e-6);
-                }
+                const double weight = i < before ? double(i - begin) / (before - begin) : 1;
+                QVERIFY(std::abs(moment.layers.back().weight - weight) < 1e-6);
+                QVERIFY(i >= before || moment.layers.back().type == runs[on].type);
                 if (i == begin && !isLast)
                     QTRY_VERIFY(isFollowed());
             }
@@ -278,6 +283,38 @@ private Q_SLOTS:
         }
         m_now += picture;
         QTRY_VERIFY((advance(), property("state") == "pause"));
+    }
+
+    /// The one after it begins with it, as the running times say.
+    void mixesWhatIsShorterThanItsTransitions()
+    {
+        addEntry({1, 0}, addSlot(Red, 0, 20));
+        addEntry({2, 0}, addSlot(Blue, 40, 45), TakeTransitionType::Crossfade, 0.4);
+        addEntry({3, 0}, addSlot(Green, 10, 30), TakeTransitionType::Crossfade, 0.4);
+        edit([] {});
+        start();
+        const auto areFollowed = [&] {
+            int prepared = 0;
+            advance();
+            m_playback->player().forFollowing(
+                [&](const Deck& deck, const Player::Transition&) { prepared += deck.prepared(); });
+            return prepared == 2;
+        };
+        QTRY_VERIFY(areFollowed());
+        QVERIFY2(playsUntil(Red, 0, 15), qPrintable(m_why));
+        for (int i = 0; i < 5; ++i, m_now += picture) {
+            Player::Moment moment = advance();
+            QCOMPARE(moment.layers.size(), std::size_t(3));
+            const auto areRight = [&] {
+                return isPictureOf({Red, 0, 20}, 15 + i, moment.layers[0].surface) &&
+                       isPictureOf({Blue, 40, 5}, i, moment.layers[1].surface) &&
+                       isPictureOf({Green, 10, 20}, i, moment.layers[2].surface);
+            };
+            QVERIFY2(QTest::qWaitFor([&] { return areRight() || (moment = advance(), areRight()); }),
+                     qPrintable(m_why));
+        }
+        QCOMPARE(advance().layers.size(), std::size_t(1));
+        QVERIFY2(playsUntil(Green, 15, 30), qPrintable(m_why));
     }
 
     void loopsLoseNoTime_data()
