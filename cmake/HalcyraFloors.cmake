@@ -1,4 +1,4 @@
-# One object library for each room of HalcyraFramework, from cmake/floors.txt. A room's include path holds the rooms
+# One object library for each room of HalcyraSession and HalcyraFramework, from cmake/floors.txt. A room's include path holds the rooms
 # below its floor only (as links in the build tree), so that an include which runs back up does not compile.
 set(floors_file ${CMAKE_SOURCE_DIR}/cmake/floors.txt)
 set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${floors_file})
@@ -77,11 +77,25 @@ foreach(floor IN LISTS floors)
   list(APPEND halcyra_rooms ${here})
 endforeach()
 
+# Two libraries: what stands up to the session knows no window, so that the tests of those rooms build and link without
+# the floors above.
+set(session_objects)
 set(objects)
+set(target session_objects)
 foreach(room IN LISTS halcyra_rooms)
-  list(APPEND objects $<TARGET_OBJECTS:${room}>)
+  list(APPEND ${target} $<TARGET_OBJECTS:${room}>)
+  if(room STREQUAL "common_session")
+    set(target objects)
+  endif()
 endforeach()
+add_library(HalcyraSession SHARED ${session_objects})
+target_link_libraries(HalcyraSession PUBLIC util tarn tarn_qt ${core_qt} Qt6::Widgets nlohmann_json::nlohmann_json)
 add_library(HalcyraFramework SHARED ${objects})
-set_target_properties(HalcyraFramework PROPERTIES LINKER_LANGUAGE CXX)
-target_include_directories(HalcyraFramework PUBLIC ${CMAKE_SOURCE_DIR})
-target_link_libraries(HalcyraFramework PUBLIC util tarn tarn_qt ${widgets_qt} PkgConfig::ARCHIVE nlohmann_json::nlohmann_json)
+target_link_libraries(HalcyraFramework PUBLIC HalcyraSession ${widgets_qt} PkgConfig::ARCHIVE)
+foreach(library IN ITEMS HalcyraSession HalcyraFramework)
+  set_target_properties(${library} PROPERTIES LINKER_LANGUAGE CXX)
+  target_include_directories(${library} PUBLIC ${CMAKE_SOURCE_DIR})
+  if(NOT HALCYRA_SANITIZE)
+    target_link_options(${library} PRIVATE -Wl,--no-undefined)
+  endif()
+endforeach()

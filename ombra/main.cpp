@@ -1,6 +1,6 @@
-#include "ombra/base/serverlog.h"
 #include "ombra/base/version.h"
 #include "ombra/server.h"
+#include "tarn/log/logwriter.h"
 
 #include <boost/asio/signal_set.hpp>
 
@@ -8,6 +8,7 @@
 #include <csignal>
 #include <cstdio>
 #include <cstring>
+#include <memory>
 #include <optional>
 #include <string_view>
 
@@ -18,7 +19,7 @@ using namespace vantrel::ombra;
 
 constexpr const char* usage =
     "usage: ombra --media DIR --state DIR [--bind ADDR] [--http-port N] [--link-port N] [--preview-port N]\n"
-    "             [--host-name NAME]... [--no-discovery]\n"
+    "             [--host-name NAME]... [--no-discovery] [--log FILE]\n"
     "\n"
     "  --media DIR        the folder of the media files\n"
     "  --state DIR        where the show is kept; made where needed\n"
@@ -28,7 +29,9 @@ constexpr const char* usage =
     "  --preview-port N   of the preview pictures (11061)\n"
     "  --host-name NAME   a name that clients may call it by, beside the machine's own; several are "
     "possible\n"
-    "  --no-discovery     do not answer searches of the network\n";
+    "  --no-discovery     do not answer searches of the network\n"
+    "  --log FILE         write the log there instead of to standard error: 10 MB a file, FILE and FILE.1 to "
+    "FILE.4\n";
 
 bool parsePort(std::string_view text, unsigned short& out)
 {
@@ -36,12 +39,21 @@ bool parsePort(std::string_view text, unsigned short& out)
     return code == std::errc() && end == text.data() + text.size();
 }
 
-bool parseOption(std::string_view name, const char* value, ServerOptions& options)
+struct Arguments
 {
+    ServerOptions server;
+    std::string log;
+};
+
+bool parseOption(std::string_view name, const char* value, Arguments& arguments)
+{
+    ServerOptions& options = arguments.server;
     if (name == "--media")
         options.media = value;
     else if (name == "--state")
         options.state = value;
+    else if (name == "--log")
+        arguments.log = value;
     else if (name == "--host-name")
         options.hostNames.emplace_back(value);
     else if (name == "--http-port")
@@ -60,13 +72,13 @@ bool parseOption(std::string_view name, const char* value, ServerOptions& option
 }
 
 /// Nothing, with a line of what is wrong, when the arguments make no sense.
-std::optional<ServerOptions> parseArguments(int argc, char** argv)
+std::optional<Arguments> parseArguments(int argc, char** argv)
 {
-    ServerOptions options;
+    Arguments arguments;
     for (int i = 1; i < argc; ++i) {
         if (std::strcmp(argv[i], "--no-discovery") == 0) {
-            options.discovery = false;
-        } else if (i + 1 >= argc || !parseOption(argv[i], argv[i + 1], options)) {
+            arguments.server.discovery = false;
+        } else if (i + 1 >= argc || !parseOption(argv[i], argv[i + 1], arguments)) {
             std::fprintf(stderr, "ombra: cannot use \"%s%s%s\"\n%s", argv[i], i + 1 < argc ? " " : "",
                          i + 1 < argc ? argv[i + 1] : "", usage);
             return std::nullopt;
@@ -74,12 +86,29 @@ std::optional<ServerOptions> parseArguments(int argc, char** argv)
             ++i;
         }
     }
-    if (options.media.empty() || options.state.empty()) {
+    if (arguments.server.media.empty() || arguments.server.state.empty()) {
         std::fprintf(stderr, "ombra: --media and --state are needed\n%s", usage);
         return std::nullopt;
     }
-    return options;
+    return arguments;
 }
+
+/// The log in the given file for as long as it lives; without a file it stays with standard error.
+class LogToFile
+{
+public:
+    explicit LogToFile(const std::string& file)
+    {
+        if (file.empty())
+            return;
+        const auto writer = std::make_shared<LogWriter>(file);
+        Log::setSink([writer](LogLevel level, const LogLoc& from, std::string_view module,
+                              std::string_view message) { writer->write(level, from, module, message); });
+    }
+    ~LogToFile() { Log::setSink({}); }
+    LogToFile(const LogToFile&) = delete;
+    LogToFile& operator=(const LogToFile&) = delete;
+};
 
 int serve(const ServerOptions& options)
 {
@@ -102,7 +131,7 @@ int serve(const ServerOptions& options)
         try {
             io.run();
         } catch (const std::exception& e) {
-            logLine(LogLevel::Error, "vantrel.server", std::string("an operation failed: ") + e.what());
+            Log::write(LogLevel::Error, "vantrel.server", std::string("an operation failed: ") + e.what());
         }
     }
     return 0;
@@ -120,11 +149,12 @@ int main(int argc, char** argv)
             std::printf("ombra %s\n", versionText().c_str());
         return 0;
     }
-    const auto options = parseArguments(argc, argv);
-    if (!options)
+    const auto arguments = parseArguments(argc, argv);
+    if (!arguments)
         return 2;
+    const LogToFile log(arguments->log);
     try {
-        return serve(*options);
+        return serve(arguments->server);
     } catch (const std::exception& e) {
         std::fprintf(stderr, "ombra: %s\n", e.what());
         return 1;

@@ -1,6 +1,5 @@
 #include "ombra/server.h"
 
-#include "ombra/base/serverlog.h"
 #include "ombra/base/version.h"
 #include "ombra/engine/engine.h"
 #include "ombra/link/linkserver.h"
@@ -19,6 +18,7 @@
 #include "ombra/show/slotfacts.h"
 #include "ombra/show/slotprober.h"
 #include "tarn/discovery/networklocator.h"
+#include "tarn/log/log.h"
 #include "tarn/media/playenums.h"
 
 #include <boost/asio/post.hpp>
@@ -106,7 +106,7 @@ bool Server::openShow(std::string* error)
 {
     m_store = std::make_unique<ShowStore>(m_io, m_options.state);
     const auto makeInitial = [this] {
-        logLine(LogLevel::Info, "vantrel.show", "a new show from " + m_options.media.string());
+        Log::write(LogLevel::Info, "vantrel.show", "a new show from " + m_options.media.string());
         MediaLibrary library = makeInitialLibrary(m_options.media);
         probeSome(m_options.media, library);
         return library;
@@ -177,7 +177,7 @@ void Server::watchMedia()
         });
     std::string why;
     if (!m_watcher->start(&why))
-        logLine(LogLevel::Warning, "vantrel.show", why);
+        Log::write(LogLevel::Warning, "vantrel.show", why);
     m_watcher->setFolderListener([this](MediaWatcher::Folder folder) { tellFolder(folder); });
 }
 
@@ -211,7 +211,7 @@ bool Server::invoke(PathView methodPath, const Json& args, std::string* error)
 /// had, playing or paused as they were.
 void Server::restartPlayers()
 {
-    logLine(LogLevel::Info, "vantrel.server", "restarting the players");
+    Log::write(LogLevel::Info, "vantrel.server", "restarting the players");
     const Json before = m_settings->current();
     m_engine.reset();
     for (const char* side : {"preview", "program"})

@@ -9,6 +9,11 @@ media=$root/.demo/media
 "$root/packaging/make-demo-media.sh" "$media"
 
 work=$(mktemp -d)
+# Beside the demo's a file of sound alone, and one that the server takes up and that is damaged later.
+mkdir "$work/media"
+cp "$media"/*.* "$work/media"
+ffmpeg -v error -nostdin -y -f lavfi -i "sine=frequency=330:duration=60" "$work/media/06 Interlude.wav"
+cp "$media/03 Bars and tone.mp4" "$work/media/07 Interview.mp4"
 ombra_pid=
 finish() {
   [ -z "$ombra_pid" ] || kill "$ombra_pid" 2>/dev/null || true
@@ -17,6 +22,7 @@ finish() {
 }
 trap finish EXIT
 trap 'exit 130' INT TERM
-start_ombra "$media" "$work/state" "$work/ombra.out" "$work/ombra.log"
+start_ombra "$work/media" "$work/state" "$work/ombra.out" "$work/ombra.log"
+head -c 40000 /dev/zero >"$work/media/07 Interview.mp4"
 python3 "$root/packaging/screens.py" --bin "$bin_dir/halcyra" --out "$root/docs/screens" --ombra "$ombra_pid" \
   "$@" -- "${server_args[@]}"

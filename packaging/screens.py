@@ -2,6 +2,7 @@
 """Takes the pictures of docs/screens, each of a window of its own on an Xvfb of its own. See make-screens.sh."""
 import argparse
 import base64
+import ctypes
 import os
 import pathlib
 import signal
@@ -78,6 +79,38 @@ class Window:
         time.sleep(2)
         self.rest()
 
+    def build_list(self):
+        """All slots of the panel as a playlist; the server keeps it for the pictures after this one."""
+        self.robot.find("Preview-PlaylistContainer-playlist")
+        self.robot.slot(0)
+        if self.cell("Preview-PlaylistContainer-playlist", 0) is None:
+            self.robot.ask(operation="focus", objectName="MediaPanel-slots-view")
+            for key in ("Up", "CtrlA", "Insert"):
+                self.robot.ask(operation="key_press", keyName=key)
+        wait(lambda: self.cell("Preview-PlaylistContainer-playlist", 0), "the playlist")
+
+    def cell(self, view, row, column=6):
+        name = f"{view}-row{row}-col{column}"
+        return next((item for item in self.robot.ask(objectName=view, maxResults=1)
+                     if item.get("objectName") == name), None)
+
+    def run_list(self):
+        """The first entry on program, the third on preview, with its row selected."""
+        self.build_list()
+        if not self.robot.find("Preview-PlaylistEditor-pin-button").get("checked"):
+            self.click("Preview-PlaylistEditor-pin-button")
+        self.click("TakeControls-DirectCut-Button")
+        self.click("TakeControls-Copy-Button")
+        for row in (0, 2):
+            self.robot.mouse("double_click", self.cell("Preview-PlaylistContainer-playlist", row))
+            place = "Preview-PlaybackWidget-Header-MediaLocation"
+            wait(lambda number=row + 1: self.robot.find(place)["text"] == f"{number}:", "the cued entry")
+            if row == 0:
+                self.click("TakeControls-Take-Button")
+                wait(lambda: self.robot.find("Program-PlaybackWidget-Header-MediaLocation")["text"] == "1:", "the take")
+        time.sleep(2)
+        self.rest()
+
     def rest(self):
         """Nothing under the mouse, and no tooltip."""
         self.robot.mouse("move_to", self.robot.find("StatusBar"))
@@ -95,6 +128,40 @@ class Window:
         file.write_bytes(base64.b64decode(png))
 
 
+class Pointer:
+    """The mouse of a screen, moved as a hand moves it."""
+
+    def __init__(self, display):
+        self.x11, self.xtest = ctypes.CDLL("libX11.so.6"), ctypes.CDLL("libXtst.so.6")
+        self.x11.XOpenDisplay.restype = ctypes.c_void_p
+        self.display = ctypes.c_void_p(self.x11.XOpenDisplay(display.encode()))
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *_):
+        self.x11.XCloseDisplay(self.display)
+
+    def press(self, down):
+        self.xtest.XTestFakeButtonEvent(self.display, 1, int(down), ctypes.c_ulong(0))
+        self.x11.XFlush(self.display)
+
+    def move(self, x, y):
+        self.xtest.XTestFakeMotionEvent(self.display, -1, int(x), int(y), ctypes.c_ulong(0))
+        self.x11.XFlush(self.display)
+        time.sleep(0.05)
+
+    def drag(self, start, end):
+        self.move(start["global_x"], start["global_y"])
+        self.press(True)
+        for step in range(1, 21):
+            self.move(*(start[axis] + (end[axis] - start[axis]) * step / 20 for axis in ("global_x", "global_y")))
+
+    def drop(self, item):
+        self.move(item["global_x"], item["global_y"])
+        self.press(False)
+
+
 def wait(condition, what):
     deadline = time.monotonic() + 20
     while not condition():
@@ -106,6 +173,12 @@ def wait(condition, what):
 def player(options, name, **how):
     with Window(options, **how) as window:
         window.run_show()
+        window.shoot(options.out / f"{name}.png")
+
+
+def cue_list(options, name, **how):
+    with Window(options, **how) as window:
+        window.run_list()
         window.shoot(options.out / f"{name}.png")
 
 
@@ -193,6 +266,57 @@ def keyboard(options, name, **how):
         window.shoot(options.out / f"{name}.png")
 
 
+def waiting(options, row, name):
+    """What cannot be played, and what is sound alone, on preview."""
+    with Window(options) as window:
+        window.run_show()
+        window.cue(row)
+        time.sleep(2)
+        window.rest()
+        window.shoot(options.out / f"{name}.png")
+
+
+def disconnect(options):
+    with Window(options) as window:
+        window.run_show()
+        window.click("MainNavigationBar-mainmenu-button")
+        time.sleep(0.5)
+        window.robot.mouse("click", window.robot.find("MainNavigationBar-mainmenu-DisconnectFromServer-action"))
+        window.robot.find("DisconnectDialog")
+        window.rest()
+        window.shoot(options.out / "disconnect.png")
+
+
+def drop(options):
+    """A slot held over program, by the hand of the screen itself: the robot's own drags drop nothing."""
+    with Window(options) as window, Pointer(window.display) as pointer:
+        window.run_show()
+        pointer.drag(window.robot.slot(1), window.robot.find("Program-PlaybackWidget-PreviewWidget"))
+        time.sleep(0.5)
+        window.shoot(options.out / "drop-on-program.png")
+        pointer.drop(window.robot.find("StatusBar"))
+
+
+def silent(options):
+    """A server that hangs, at both sizes."""
+    with Window(options) as window, Window(options, **HUGE) as small:
+        window.run_show()
+        os.kill(options.ombra, signal.SIGSTOP)
+        try:
+            for each, name in ((window, "silent"), (small, "silent-huge-1280x720")):
+                wait(lambda: each.robot.find("MainNavigationBar-link-banner")["text"] >= "No answer for 3", "the silence")
+                each.shoot(options.out / f"{name}.png")
+        finally:
+            os.kill(options.ombra, signal.SIGCONT)
+
+
+def refused(options):
+    with Window(options) as window:
+        window.robot.find("ConnectDialog-text")
+        time.sleep(1)
+        window.shoot(options.out / "refused.png")
+
+
 def reconnect(options):
     """At both sizes, since a server dies but once."""
     with Window(options) as window, Window(options, **HUGE) as small:
@@ -202,6 +326,12 @@ def reconnect(options):
             each.robot.find("ReconnectDialog")
             time.sleep(1)
             each.shoot(options.out / f"{name}.png")
+        window.click("StatusBar-area")
+        window.robot.find("ConnectDialog-input-AddressBar")
+        for key in ["CtrlA", *"stage-rigth.invalid", "Enter"]:
+            window.robot.ask(operation="key_press", keyName=key)
+        wait(lambda: "server before" in window.robot.find("ConnectDialog-text")["text"], "the failure")
+        window.shoot(options.out / "wrong-host.png")
 
 
 SCREENS = {
@@ -222,7 +352,19 @@ SCREENS = {
     "connect-huge-1280x720": lambda options: connect(options, "connect-huge-1280x720", **HUGE),
     "keyboard": lambda options: keyboard(options, "keyboard"),
     "keyboard-huge-1280x720": lambda options: keyboard(options, "keyboard-huge-1280x720", **HUGE),
-    "reconnect": reconnect,  # ends the server
+    "cue-list-small": lambda options: cue_list(options, "cue-list-small", text="small"),
+    "cue-list-medium": lambda options: cue_list(options, "cue-list-medium"),
+    "cue-list-large": lambda options: cue_list(options, "cue-list-large", text="large"),
+    "cue-list-huge": lambda options: cue_list(options, "cue-list-huge", text="huge"),
+    "cue-list-medium-1280x720": lambda options: cue_list(options, "cue-list-medium-1280x720", size=(1280, 720)),
+    "cue-list-huge-1280x720": lambda options: cue_list(options, "cue-list-huge-1280x720", **HUGE),
+    "sound-alone": lambda options: waiting(options, 5, "sound-alone"),
+    "unplayable": lambda options: waiting(options, 6, "unplayable"),
+    "disconnect": disconnect,
+    "drop-on-program": drop,
+    "silent": silent,
+    "reconnect": reconnect,  # ends the server: what follows finds none
+    "refused": refused,
 }
 
 

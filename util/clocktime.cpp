@@ -34,7 +34,7 @@ long long fromSeconds(double seconds)
         using Limits = std::numeric_limits<long long>;
         return seconds > 0 ? Limits::max() : Limits::min();
     }
-    return static_cast<long long>(1e9 * seconds);
+    return std::llround(1e9 * seconds);
 }
 
 std::string format(long long nanoseconds)

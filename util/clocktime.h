@@ -12,8 +12,8 @@ namespace vantrel::clocktime {
 /// server does it. A rate that has no such period gives 0.
 long long frameNumber(long long nanoseconds, double fps);
 
-/// Seconds as nanoseconds, cut toward zero; what does not fit (or is no number) gives the nearest that does
-/// (or 0).
+/// Seconds as nanoseconds, rounded to the nearest: 8.04 s are 8,040,000,000 and not one less. What does not
+/// fit (or is no number) gives the nearest that does (or 0).
 long long fromSeconds(double seconds);
 
 /// "hh:mm:ss.mmm", cut to milliseconds, "-" before a negative time; hours keep 16 bits.

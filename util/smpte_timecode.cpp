@@ -1,6 +1,6 @@
 #include "util/smpte_timecode.h"
 
-#include "util/log.h"
+#include "tarn/log/log.h"
 #include "util/textscanner.h"
 
 #include <array>
@@ -13,7 +13,7 @@ namespace vantrel {
 namespace {
 
 /// The source line that log readers know this record by.
-constexpr int dropFrameLogLine = 57;
+constexpr unsigned dropFrameLogLine = 57;
 
 int frameFieldWidth(int fps)
 {
@@ -39,8 +39,8 @@ std::int64_t toDropNumber(std::int64_t frame, int fps)
 std::int32_t toDropFrameNumber(std::int32_t number, int fps)
 {
     if (fps % 30 != 0) {
-        util::log({3, "smpte_timecode", dropFrameLogLine, "toDropFrameNumber",
-                   "Drop frame not supported for fps=" + std::to_string(fps)});
+        Log::write_fmt(LogLevel::Warning, {"smpte_timecode", "toDropFrameNumber", dropFrameLogLine},
+                       "timecode", "Drop frame not supported for fps=%d", fps);
         return 0;
     }
     const std::int64_t tenMinutes = std::int64_t{fps / 30} * 18000;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/command/commandgate.h"
 #include "common/command/commandlogging.h"
 
 #include <QUndoStack>
@@ -10,14 +11,15 @@
 namespace vantrel {
 
 /// Makes a command, initialises it with args and pushes it, which runs it at once; the stack owns it from
-/// then on. False, and nothing is pushed, when init refuses or there is no stack. Main thread only.
+/// then on. False, and nothing is pushed, when init refuses, there is no stack or its gate is closed, which
+/// the operator is told. Main thread only.
 template <typename Command, typename... Args>
 bool tryExecute(QUndoStack* stack, Args&&... args)
 {
     if (!stack)
         return false;
     auto command = std::make_unique<Command>();
-    if (!command->init(std::forward<Args>(args)...))
+    if (!command->init(std::forward<Args>(args)...) || !CommandGate::passes(stack, command->text()))
         return false;
     stack->push(command.release());
     return true;

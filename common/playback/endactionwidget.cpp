@@ -2,6 +2,7 @@
 
 #include "common/playback/endactionbutton.h"
 #include "common/playback/playbacklogging.h"
+#include "common/ui/style/dynamicstyle.h"
 #include "tarn/media/playenums.h"
 
 #include <QButtonGroup>
@@ -18,21 +19,24 @@ struct EndActionSpec
 {
     EndAction action;
     const char* icon;
+    const char* word;
     const char* tip;
     const char* suffix;
 };
 
+constexpr int frameMargin = 2; // pixels around the words
+
 constexpr std::array<EndActionSpec, 5> specs{{
-    {EndAction::Next, "mc_next", QT_TRANSLATE_NOOP("vantrel::EndActionWidget", "End action: Next"),
-     "-next-button"},
-    {EndAction::Pause, "mc_pause", QT_TRANSLATE_NOOP("vantrel::EndActionWidget", "End action: Pause"),
-     "-pause-button"},
-    {EndAction::Stop, "mc_stop", QT_TRANSLATE_NOOP("vantrel::EndActionWidget", "End action: Stop"),
-     "-stop-button"},
-    {EndAction::Repeat, "repeat", QT_TRANSLATE_NOOP("vantrel::EndActionWidget", "End action: Repeat"),
-     "-repeat-button"},
-    {EndAction::GoTo, "go_to_clip", QT_TRANSLATE_NOOP("vantrel::EndActionWidget", "End action: Go to"),
-     nullptr},
+    {EndAction::Next, "mc_next", QT_TRANSLATE_NOOP("vantrel::EndActionWidget", "Next"),
+     QT_TRANSLATE_NOOP("vantrel::EndActionWidget", "End action: Next"), "-next-button"},
+    {EndAction::Pause, "mc_pause", QT_TRANSLATE_NOOP("vantrel::EndActionWidget", "Pause"),
+     QT_TRANSLATE_NOOP("vantrel::EndActionWidget", "End action: Pause"), "-pause-button"},
+    {EndAction::Stop, "mc_stop", QT_TRANSLATE_NOOP("vantrel::EndActionWidget", "Stop"),
+     QT_TRANSLATE_NOOP("vantrel::EndActionWidget", "End action: Stop"), "-stop-button"},
+    {EndAction::Repeat, "repeat", QT_TRANSLATE_NOOP("vantrel::EndActionWidget", "Repeat"),
+     QT_TRANSLATE_NOOP("vantrel::EndActionWidget", "End action: Repeat"), "-repeat-button"},
+    {EndAction::GoTo, "go_to_clip", QT_TRANSLATE_NOOP("vantrel::EndActionWidget", "Go to"),
+     QT_TRANSLATE_NOOP("vantrel::EndActionWidget", "End action: Go to"), nullptr},
 }};
 
 } // namespace
@@ -47,7 +51,7 @@ EndActionWidget::EndActionWidget(QWidget* parent)
     for (const EndActionSpec& spec : specs) {
         const QString icon = QStringLiteral(":/icons/") + QLatin1String(spec.icon);
         auto* button = new EndActionButton(icon + QStringLiteral("_off.svg"), icon + QStringLiteral(".svg"),
-                                           tr(spec.tip), this);
+                                           tr(spec.word), tr(spec.tip), this);
         m_group->addButton(button, static_cast<int>(spec.action));
         layout->addWidget(button);
     }
@@ -81,6 +85,24 @@ void EndActionWidget::setColumnStep(ColumnStep step)
 {
     for (QAbstractButton* button : m_group->buttons())
         static_cast<IconButton*>(button)->setSizes(buttonSizes(step));
+}
+
+void EndActionWidget::setShowsWords(bool shows)
+{
+    const int margin = shows ? frameMargin : 0;
+    layout()->setContentsMargins(margin, margin, margin, margin);
+    layout()->setSpacing(shows ? 0 : 2);
+    setDynamicStyle(this, "class", shows ? QStringLiteral("segments") : QString());
+    for (QAbstractButton* each : m_group->buttons())
+        static_cast<EndActionButton*>(each)->setShowsWord(shows);
+}
+
+int EndActionWidget::wordsWidth() const
+{
+    int width = 2 * frameMargin;
+    for (const QAbstractButton* each : m_group->buttons())
+        width += static_cast<const EndActionButton*>(each)->wordWidth();
+    return width;
 }
 
 void EndActionWidget::setEndAction(int endAction)

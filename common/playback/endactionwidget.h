@@ -34,6 +34,10 @@ public:
     void setObjectNames(const QString& base) override;
 
     void setColumnStep(ColumnStep step);
+    /// Words instead of icons, which look like those of the transport.
+    void setShowsWords(bool shows);
+    /// The width with words, in pixels.
+    int wordsWidth() const;
 
 public Q_SLOTS:
     void handleButtonPress(QAbstractButton* button);

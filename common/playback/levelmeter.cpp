@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace vantrel {
 
@@ -93,6 +94,14 @@ void LevelMeter::onLevels(const std::string& source, const AudioLevels& levels)
         setLevels(levels);
 }
 
+void LevelMeter::setMuted(bool muted)
+{
+    if (std::exchange(m_isMuted, muted) == muted)
+        return;
+    describe();
+    update();
+}
+
 void LevelMeter::clear()
 {
     setState(State::Blank);
@@ -149,12 +158,19 @@ void LevelMeter::paintEvent(QPaintEvent*)
     QPainter painter(this);
     painter.fillRect(rect(), colors::getColor(colors::Slate_grey_800));
     m_painted = extents();
+    if (m_isMuted) {
+        paintMuted(painter);
+        return;
+    }
     if (m_state == State::Blank)
         return;
     if (m_state == State::NoSound) {
-        painter.fillRect(barRect(0), colors::getColor(colors::Slate_grey_700));
+        painter.fillRect(barRect(0), colors::getColor(colors::Slate_grey_400));
         return;
     }
+    const QRect bars = barRect(0).united(barRect(std::max(1, int(m_bars.size())) - 1));
+    painter.setPen(colors::getColor(colors::Slate_grey_400));
+    painter.drawRect(bars.adjusted(0, -1, -1, 0));
     for (int i = 0; i < m_painted.size(); ++i)
         paintBar(painter, barRect(i), m_painted[i]);
 }
@@ -181,6 +197,20 @@ void LevelMeter::paintBar(QPainter& painter, const QRect& bar, const Extent& ext
     }
 }
 
+void LevelMeter::paintMuted(QPainter& painter) const
+{
+    painter.fillRect(rect(), colors::getColor(colors::Zt_red));
+    QFont bold = font();
+    bold.setWeight(QFont::DemiBold);
+    const QString text = tr("MUTED");
+    const int room = width() - 4;
+    if (const int needed = QFontMetrics(bold).horizontalAdvance(text); needed > room)
+        bold.setPixelSize(std::max(8, bold.pixelSize() * room / needed));
+    painter.setFont(bold);
+    painter.setPen(colors::getColor(colors::White));
+    painter.drawText(rect(), Qt::AlignCenter, text);
+}
+
 void LevelMeter::describe()
 {
     m_describedAt = m_clock();
@@ -198,6 +228,8 @@ void LevelMeter::describe()
                    : tr("%1: silence").arg(m_title);
         break;
     }
+    if (m_isMuted)
+        text += u' ' + tr("(muted)");
     if (text == toolTip())
         return;
     setToolTip(text);

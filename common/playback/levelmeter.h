@@ -40,6 +40,8 @@ public Q_SLOTS:
     void setLevels(const vantrel::AudioLevels& levels);
     /// All levels of the server; those of another source are not for this widget.
     void onLevels(const std::string& source, const vantrel::AudioLevels& levels);
+    /// A band instead of the levels: nothing of them is heard.
+    void setMuted(bool muted);
     /// The server is gone.
     void clear();
 
@@ -61,11 +63,13 @@ private:
     int reach(double decibels) const;
     QRect barRect(int channel) const;
     void paintBar(QPainter& painter, const QRect& bar, const Extent& extent) const;
+    void paintMuted(QPainter& painter) const;
     void describe();
 
     const QString m_title;
     std::string m_source;
     State m_state = State::Blank;
+    bool m_isMuted = false;
     QList<LevelBallistics> m_bars;
     QList<Extent> m_painted; // what was on the screen last
     double m_peak = AudioLevels::silence;

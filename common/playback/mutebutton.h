@@ -2,6 +2,8 @@
 
 #include "common/ui/toolkit/iconbutton.h"
 
+#include <QMouseEvent>
+
 namespace vantrel {
 
 /// Silences a channel. A click only tells; what the button shows is the channel's state. Owned by
@@ -24,6 +26,10 @@ Q_SIGNALS:
     void muteStateChanged(bool muted);
     /// Silent, since the property only ever follows the scene.
     void mutedChanged();
+
+protected:
+    /// The second click of a double one would undo the first.
+    void mouseDoubleClickEvent(QMouseEvent* event) override { event->accept(); }
 };
 
 } // namespace vantrel

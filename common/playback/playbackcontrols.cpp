@@ -7,6 +7,7 @@
 #include "common/playback/playbacklogging.h"
 #include "common/ui/keyboard/hotkeytip.h"
 #include "common/ui/style/spacing.h"
+#include "common/ui/toolkit/blockedreason.h"
 #include "common/ui/toolkit/iconbutton.h"
 #include "tarn/scene/object.h"
 
@@ -98,6 +99,12 @@ void PlaybackControls::setColumnStep(ColumnStep step)
 {
     for (IconButton* button : m_buttons)
         button->setSizes(transportSizes(step));
+}
+
+void PlaybackControls::setBlocked(const QString& reason)
+{
+    for (IconButton* button : m_buttons)
+        setBlockedReason(button, reason);
 }
 
 void PlaybackControls::setState(const QString& state)

@@ -34,6 +34,8 @@ public:
     void setObject(Object* object);
     void setSeekButtonsVisible(bool visible);
     void setSeekButtonsEnabled(bool enabled);
+    /// Why the transport cannot be used, in the place of its tooltips; empty when it can.
+    void setBlocked(const QString& reason);
     void setColumnStep(ColumnStep step);
     /// Whether the media and the channel have points to seek to, and to set.
     bool canSeekPoints() const;

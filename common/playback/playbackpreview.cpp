@@ -18,6 +18,8 @@ namespace vantrel {
 
 namespace {
 
+constexpr int newMediaTime = 500; // milliseconds; an unchanged picture comes again within half of that
+
 struct PointSizes
 {
     int title, detail;
@@ -46,14 +48,16 @@ PlaybackPreview::PlaybackPreview(QWidget* parent)
     setAccessibleName(tr("Live picture"));
     setToolTip(tr("Drop media or a playlist here to play it"));
     followFontSize(this, [this](FontSize) { update(); });
+    m_sinceFrame.start();
+    m_oldMedia.setSingleShot(true);
+    m_oldMedia.setInterval(newMediaTime);
+    connect(&m_oldMedia, &QTimer::timeout, this, &PlaybackPreview::clearPicture);
 }
 
 void PlaybackPreview::setSource(const std::string& path, int streamIndex)
 {
-    if (path != m_source) {
-        m_pixmap = QPixmap();
-        update();
-    }
+    if (path != m_source)
+        clearPicture();
     m_source = path;
     m_streamIndex = streamIndex;
 }
@@ -71,11 +75,38 @@ void PlaybackPreview::onFrame(const PreviewFrame& frame, const QPixmap& pixmap)
     if (frame.source != m_source || frame.frame.getStreamIndex() != m_streamIndex)
         return;
     m_pixmap = pixmap;
+    m_sinceFrame.start();
+    m_oldMedia.stop();
     update();
     if (pixmap.isNull() || pixmap.width() * m_shape.height() == pixmap.height() * m_shape.width())
         return;
     m_shape = pixmap.size();
     Q_EMIT shapeChanged();
+}
+
+void PlaybackPreview::expectNewMedia()
+{
+    if (m_pixmap.isNull())
+        m_sinceFrame.start();
+    else if (m_sinceFrame.elapsed() > newMediaTime)
+        clearPicture();
+    else
+        m_oldMedia.start(); // pictures come: the next will be of it
+}
+
+void PlaybackPreview::clearPicture()
+{
+    m_pixmap = QPixmap();
+    m_sinceFrame.start();
+    m_oldMedia.stop();
+    update();
+}
+
+void PlaybackPreview::setDropTarget(bool isTarget)
+{
+    m_isDropTarget = isTarget;
+    update();
+    Q_EMIT dropTargetChanged();
 }
 
 int PlaybackPreview::heightForWidth(int width) const
@@ -128,10 +159,6 @@ void PlaybackPreview::paintEvent(QPaintEvent*)
     }
     if (!isEnabled()) // the last picture of a server that is gone
         painter.fillRect(pictureRect(), colors::getColor(colors::Zt_black_50));
-    if (m_isDropTarget) {
-        painter.setPen(QPen(colors::getColor(colors::Zt_orange), 2));
-        painter.drawRect(rect().adjusted(1, 1, -1, -1));
-    }
 }
 
 void PlaybackPreview::paintConstrained(QPainter& painter) const
@@ -153,22 +180,19 @@ void PlaybackPreview::paintConstrained(QPainter& painter) const
 
 void PlaybackPreview::dragEnterEvent(QDragEnterEvent* event)
 {
-    m_isDropTarget = true;
-    update();
+    setDropTarget(true);
     event->acceptProposedAction();
 }
 
 void PlaybackPreview::dragLeaveEvent(QDragLeaveEvent* event)
 {
-    m_isDropTarget = false;
-    update();
+    setDropTarget(false);
     ZTFrame::dragLeaveEvent(event);
 }
 
 void PlaybackPreview::dropEvent(QDropEvent* event)
 {
-    m_isDropTarget = false;
-    update();
+    setDropTarget(false);
     const QList<QJsonObject> objects = jsonFromMimeData(event->mimeData());
     if (objects.isEmpty())
         return;

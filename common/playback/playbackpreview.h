@@ -4,7 +4,9 @@
 #include "common/ui/toolkit/ztframe.h"
 #include "tarn/preview/frame.h"
 
+#include <QElapsedTimer>
 #include <QPixmap>
+#include <QTimer>
 
 #include <memory>
 #include <string>
@@ -31,6 +33,11 @@ public:
     void onFrame(const PreviewFrame& frame, const QPixmap& pixmap);
     /// The picture shown last; null before the first.
     const QPixmap& pixmap() const { return m_pixmap; }
+    /// Milliseconds since the last picture, or since one was expected.
+    qint64 pictureAge() const { return m_sinceFrame.elapsed(); }
+    /// Another medium is on the channel: a picture that does not follow it is not left under its name.
+    void expectNewMedia();
+    bool isDropTarget() const { return m_isDropTarget; }
     /// Where the picture stands in this widget.
     QRectF pictureRect() const;
 
@@ -42,6 +49,7 @@ public:
 Q_SIGNALS:
     /// The picture has another shape than the one before.
     void shapeChanged();
+    void dropTargetChanged();
     void dragAndDropEntry(std::shared_ptr<vantrel::GuiMediaItem> item);
 
 protected:
@@ -52,11 +60,15 @@ protected:
     void dropEvent(QDropEvent* event) override;
 
 private:
+    void setDropTarget(bool isTarget);
+    void clearPicture();
     void paintConstrained(QPainter& painter) const;
 
     std::string m_source;
     int m_streamIndex = -1;
     QPixmap m_pixmap;
+    QElapsedTimer m_sinceFrame;
+    QTimer m_oldMedia; // runs while the picture may be that of the medium before
     QSize m_shape{16, 9};
     bool m_resourceConstrained = false;
     bool m_isDropTarget = false;

@@ -11,6 +11,7 @@
 #include "common/playback/endpointtimecodes.h"
 #include "common/playback/levelmeter.h"
 #include "common/playback/mutebutton.h"
+#include "common/playback/picturenotice.h"
 #include "common/playback/playbackcontrols.h"
 #include "common/playback/playbackpreview.h"
 #include "common/playback/playbacktimecodes.h"
@@ -29,6 +30,9 @@
 #include "common/ui/style/dynamicstyle.h"
 #include "common/ui/style/spacing.h"
 #include "common/ui/timecode/timecodedisplay.h"
+#include "common/ui/toolkit/blockedreason.h"
+#include "common/views/playlist/nextentrylabel.h"
+#include "tarn/media/playenums.h"
 #include "tarn/scene/scene.h"
 
 #include <QEvent>
@@ -68,6 +72,7 @@ PlaybackWidget::PlaybackWidget(PlaybackViewMode viewMode, Session* session, QWid
         applyCell(column, m_model->index(0, column).data());
     handleMediaChanged();
     refreshPlaybackControls();
+    setLocked(!isPreview());
 }
 
 PlaybackWidget::~PlaybackWidget() = default;
@@ -77,7 +82,9 @@ void PlaybackWidget::createChildren()
     m_header = new PlaybackWidgetHeader(m_viewMode, this);
     m_preview = new PlaybackPreview(this);
     m_hint = new ChannelHint(m_viewMode, m_session->hotkeys(), m_preview);
+    m_notice = new PictureNotice(m_viewMode, m_preview);
     m_timecodes = new PlaybackTimecodes(this);
+    m_timecodes->setViewMode(m_viewMode);
     m_endpoints = new EndpointTimecodes(this);
     m_slider = new SeekSlider(this);
     m_controls = new PlaybackControls(m_viewMode, m_session->getQUndoStack(), this);
@@ -86,8 +93,13 @@ void PlaybackWidget::createChildren()
     m_slider->setInpointOutpointEnabled(isPreview());
     setHotkeyTip(m_slider, tr("Seek bar: drag the playhead, or step a frame"),
                  {QStringLiteral("prev_frame"), QStringLiteral("next_frame")});
-    if (!isPreview())
+    if (!isPreview()) {
         m_slider->setMarkerColor(colors::getColor(colors::Zt_red));
+        auto* next = new NextEntryLabel(m_session, m_timecodes);
+        next->setObjectName(QStringLiteral("Program-PlaybackWidget-Next"));
+        next->setAlignment(Qt::AlignCenter);
+        m_timecodes->setMiddle(next);
+    }
     m_durationEdit->setEnabled(isPreview());
 }
 
@@ -144,6 +156,7 @@ void PlaybackWidget::nameChildren()
     setObjectName(prefix.chopped(1));
     m_slider->setObjectNames(prefix + QStringLiteral("SeekSlider"));
     m_preview->setObjectName(prefix + QStringLiteral("PreviewWidget"));
+    m_notice->setObjectName(prefix + QStringLiteral("Notice"));
     m_hint->setObjectName(prefix + QStringLiteral("Hint"));
     m_timecodes->setObjectNames(prefix + QStringLiteral("PlaybackTimecodes"));
     m_endpoints->setObjectNames(prefix + QStringLiteral("EndpointTimecodes"));
@@ -163,7 +176,19 @@ void PlaybackWidget::connectChildren()
     connect(m_slider, &SeekSlider::seekPosition, m_controls, &PlaybackControls::handleSeekPosition);
     connect(m_slider, &SeekSlider::seekStarting, m_controls, &PlaybackControls::handleSeekStarting);
     connect(m_slider, &SeekSlider::seekEnding, m_controls, &PlaybackControls::handleSeekEnding);
+    connect(m_controls, &PlaybackControls::stateChangeDone, m_timecodes,
+            [this] { m_timecodes->setState(m_controls->state()); });
+    const auto showRepeat = [this] {
+        const EndActionWidget* end = m_footer->endAction();
+        m_header->setRepeats(end->endAction() == static_cast<int>(EndAction::Repeat) &&
+                             end->endActionMode() != PlaybackModel::DISABLED);
+    };
+    connect(m_footer->endAction(), &EndActionWidget::endActionChanged, m_header, showRepeat);
+    connect(m_footer->endAction(), &EndActionWidget::endActionModeChanged, m_header, showRepeat);
+    if (const MuteButton* mute = m_header->muteButton())
+        connect(mute, &QAbstractButton::toggled, m_footer->levelMeter(), &LevelMeter::setMuted);
     connect(m_preview, &PlaybackPreview::dragAndDropEntry, this, &PlaybackWidget::handleDragAndDrop);
+    connect(m_header, &PlaybackWidgetHeader::locked, this, &PlaybackWidget::setLocked);
 }
 
 void PlaybackWidget::setObject(Object* object, Scene* scene)
@@ -174,6 +199,7 @@ void PlaybackWidget::setObject(Object* object, Scene* scene)
         connectMute({});
         m_preview->setSource({}, -1);
         m_footer->levelMeter()->setSource({});
+        m_notice->levels()->setSource({});
         m_footer->levelMeter()->clear();
         setIsResourceConstrained(false);
         return;
@@ -191,6 +217,7 @@ void PlaybackWidget::setObject(Object* object, Scene* scene)
     connectMute(path);
     m_preview->setSource(path.toString(), 0);
     m_footer->levelMeter()->setSource(path.toString());
+    m_notice->levels()->setSource(path.toString());
 }
 
 void PlaybackWidget::connectMute(const Path& objectPath)
@@ -219,14 +246,44 @@ void PlaybackWidget::setIsResourceConstrained(bool constrained)
 
 void PlaybackWidget::setHasValidMedia(bool valid)
 {
-    m_controls->setEnabled(valid);
     m_slider->setEnabled(valid);
     m_hasValidMedia = valid;
+    m_hasTransport = valid;
+    updateTransport();
+}
+
+void PlaybackWidget::setBlocked(const QString& reason)
+{
+    m_blocked = reason;
+    updateTransport();
+}
+
+void PlaybackWidget::setLocked(bool locked)
+{
+    m_isLocked = locked;
+    updateTransport();
+}
+
+void PlaybackWidget::updateTransport()
+{
+    const QString held = m_isLocked
+                             ? tr("Locked, so that no stray click moves what is on air. Open the lock above.")
+                             : QString();
+    const QString reason = m_blocked.isEmpty() ? held : m_blocked;
+    m_controls->setEnabled(m_hasTransport && !m_isLocked);
+    m_controls->setBlocked(reason);
+    m_slider->setLocked(m_isLocked);
+    setBlockedReason(m_slider, reason);
 }
 
 MuteButton* PlaybackWidget::muteButton() const
 {
     return m_header->muteButton();
+}
+
+IconButton* PlaybackWidget::lockButton() const
+{
+    return m_header->lockButton();
 }
 
 double PlaybackWidget::modelSeconds(int column) const
@@ -257,6 +314,8 @@ void PlaybackWidget::applyCell(int column, const QVariant& value)
         refreshPlaybackControls();
         break;
     case PlaybackModel::MediaUrlColumn:
+        if (value.toString() != m_mediaAddress)
+            m_preview->expectNewMedia();
         m_mediaAddress = value.toString();
         updateMediaAddress();
         m_header->duration()->setTime(modelSeconds(PlaybackModel::DurationColumn));

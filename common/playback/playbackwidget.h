@@ -18,11 +18,13 @@ class DurationEditWidget;
 class EndpointTimecodes;
 class GUIPlayback;
 class GuiMediaItem;
+class IconButton;
 class MediaDataAggregator;
 class MediaMetadata;
 class MuteButton;
 class Object;
 class Path;
+class PictureNotice;
 class PlaybackControls;
 class PlaybackModel;
 class PlaybackPreview;
@@ -64,6 +66,15 @@ public:
     /// The brume URL of the slot behind what plays; empty when there is none.
     QUrl getPlayedSlotUrl() const;
 
+    /// Why nothing can be sent to the server; empty when it can.
+    void setBlocked(const QString& reason);
+    /// Holds the timeline and the transport, so that no stray click moves what is on air. Program is locked
+    /// at the start, preview never.
+    void setLocked(bool locked);
+    bool isLocked() const { return m_isLocked; }
+    /// Why what is on the channel cannot be played; empty when it can.
+    QString unplayableReason() const { return m_unplayable; }
+
     void setColumnStep(ColumnStep step);
     /// The height, in pixels, that holds a picture so high and all around it at the present text size.
     int heightForPicture(int pictureHeight) const;
@@ -74,8 +85,9 @@ public:
     PlaybackPreview* preview() const { return m_preview; }
     PlaybackControls* controls() const { return m_controls; }
     SeekSlider* slider() const { return m_slider; }
-    /// Null on preview.
+    /// Null on preview, both.
     MuteButton* muteButton() const;
+    IconButton* lockButton() const;
 
 public Q_SLOTS:
     /// Takes the library's mark off the slot that was on this channel.
@@ -98,6 +110,8 @@ Q_SIGNALS:
     void mediaAddressPlaylist(int playlistNumber);
     void dropObjectReceived(std::shared_ptr<vantrel::GuiMediaItem> item);
     void isResourceConstrainedChanged();
+    /// unplayableReason() is another one.
+    void unplayableChanged();
     void stillImageDurationChanged(double durationSeconds, bool isInfinite);
 
 protected:
@@ -115,6 +129,8 @@ private:
     void followHelpers();
     void connectMute(const Path& objectPath);
     void updateMediaAddress();
+    void updateTransport();
+    void updateNotice();
     bool findMediaName(QString& name) const;
     double modelSeconds(int column) const;
     void applyCell(int column, const QVariant& value);
@@ -128,6 +144,7 @@ private:
     PlaybackWidgetHeader* m_header = nullptr;
     PlaybackPreview* m_preview = nullptr;
     ChannelHint* m_hint = nullptr;
+    PictureNotice* m_notice = nullptr;
     PlaybackTimecodes* m_timecodes = nullptr;
     EndpointTimecodes* m_endpoints = nullptr;
     SeekSlider* m_slider = nullptr;
@@ -138,6 +155,10 @@ private:
     QString m_mediaAddress;
     bool m_hasValidMedia = false;
     bool m_isResourceConstrained = false;
+    bool m_hasTransport = false; // there is something to play or to stop
+    bool m_isLocked = false;
+    QString m_blocked;
+    QString m_unplayable;
     QPointer<MediaDataAggregator> m_aggregator;
     DefaultResourceStatusProvider* m_resourceStatusProvider = nullptr;
 };

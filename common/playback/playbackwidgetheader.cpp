@@ -2,6 +2,8 @@
 
 #include "common/media/address/mediautils.h"
 #include "common/playback/mutebutton.h"
+#include "common/ui/keyboard/hotkeytip.h"
+#include "common/ui/style/colors.h"
 #include "common/ui/style/fontsizefollower.h"
 #include "common/ui/style/spacing.h"
 #include "common/ui/timecode/timecodedisplay.h"
@@ -20,6 +22,7 @@ PlaybackWidgetHeader::PlaybackWidgetHeader(PlaybackViewMode viewMode, QWidget* p
     , m_title(new QWidget(this))
     , m_location(new ZTLabel(m_title))
     , m_name(new ElidedLabel(m_title))
+    , m_repeat(new ZTLabel(tr("Repeat"), m_title))
     , m_duration(new TimecodeDisplay(this))
 {
     const bool isProgram = viewMode == Program;
@@ -27,13 +30,19 @@ PlaybackWidgetHeader::PlaybackWidgetHeader(PlaybackViewMode viewMode, QWidget* p
     channel->setStyleClass(isProgram ? QStringLiteral("program") : QStringLiteral("preview"));
     m_location->setStyleClass(QStringLiteral("dim"));
     m_name->setElided(true);
-    m_name->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    m_name->setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Preferred);
+    m_repeat->setStyleClass(QStringLiteral("mark"));
+    m_repeat->setToolTip(
+        tr("At its end the media begins anew, and so does what comes next on this channel."));
+    m_repeat->hide();
     m_duration->setAccessibleName(tr("Duration"));
     auto* title = new QHBoxLayout(m_title);
     title->setContentsMargins(0, 0, 0, 0);
     title->setSpacing(spacing::tight);
     title->addWidget(m_location);
-    title->addWidget(m_name, 1);
+    title->addWidget(m_name);
+    title->addWidget(m_repeat, 0, Qt::AlignVCenter);
+    title->addStretch(1);
 
     m_layout->setContentsMargins(0, 0, 0, 0);
     m_layout->setHorizontalSpacing(spacing::normal);
@@ -58,11 +67,20 @@ void PlaybackWidgetHeader::addDuration()
     m_durationStack->addWidget(m_duration);
     m_durationStack->addWidget(m_infinite);
     m_mute = new MuteButton(this);
+    m_lock = new IconButton(this);
+    m_lock->setToggleIcons(QStringLiteral("lock"), QStringLiteral("unlock"));
+    m_lock->setCheckedColor(colors::getColor(colors::Zt_spot_color));
+    m_lock->setChecked(true);
+    m_lock->setAccessibleName(tr("Lock program"));
+    setHotkeyTip(m_lock, tr("Lock: holds the timeline and the transport of program"),
+                 {QStringLiteral("lock_program")});
+    connect(m_lock, &QAbstractButton::toggled, this, &PlaybackWidgetHeader::locked);
     m_durationLabel = new ZTLabel(tr("Duration"), this);
     m_durationLabel->setStyleClass(QStringLiteral("dim"));
     m_layout->addWidget(m_durationLabel, 0, 2);
     m_layout->addWidget(m_durationStack, 0, 3);
     m_layout->addWidget(m_mute, 0, 4);
+    m_layout->addWidget(m_lock, 0, 5);
 }
 
 void PlaybackWidgetHeader::setColumnStep(ColumnStep step)
@@ -74,9 +92,10 @@ void PlaybackWidgetHeader::setColumnStep(ColumnStep step)
     if (isWide)
         m_layout->addWidget(m_title, 0, 1);
     else
-        m_layout->addWidget(m_title, 1, 0, 1, 5);
+        m_layout->addWidget(m_title, 1, 0, 1, 6);
     if (m_mute) {
         m_mute->setSizes(buttonSizes(step));
+        m_lock->setSizes(buttonSizes(step));
         m_durationLabel->setVisible(isWide);
     }
 }
@@ -113,14 +132,22 @@ void PlaybackWidgetHeader::setHasInfiniteDuration(bool infinite)
     Q_EMIT hasInfiniteDurationChanged();
 }
 
+void PlaybackWidgetHeader::setRepeats(bool repeats)
+{
+    m_repeat->setVisible(repeats);
+}
+
 void PlaybackWidgetHeader::setObjectNames(const QString& base)
 {
     setObjectName(base);
     m_name->setObjectName(base + QStringLiteral("-MediaName"));
     m_location->setObjectName(base + QStringLiteral("-MediaLocation"));
+    m_repeat->setObjectName(base + QStringLiteral("-Repeat"));
     m_duration->setObjectName(base + QStringLiteral("-Duration"));
     if (m_mute)
         m_mute->setObjectName(base + QStringLiteral("-Mute"));
+    if (m_lock)
+        m_lock->setObjectName(base + QStringLiteral("-Lock"));
 }
 
 } // namespace vantrel

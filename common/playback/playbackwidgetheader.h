@@ -10,12 +10,13 @@ class QStackedWidget;
 namespace vantrel {
 
 class ElidedLabel;
+class IconButton;
 class MuteButton;
 class TimecodeDisplay;
 class ZTLabel;
 
-/// Which channel it is and what plays on it; on program also its duration and the mute. Owned by
-/// PlaybackWidget; main thread.
+/// Which channel it is and what plays on it; on program also its duration, the mute and the lock. Owned
+/// by PlaybackWidget; main thread.
 class PlaybackWidgetHeader : public ZTFrame
 {
     Q_OBJECT
@@ -31,14 +32,18 @@ public:
     TimecodeDisplay* duration() const { return m_duration; }
     /// Null on preview.
     MuteButton* muteButton() const { return m_mute; }
+    /// Holds the timeline and the transport; null on preview.
+    IconButton* lockButton() const { return m_lock; }
     bool hasInfiniteDuration() const { return m_hasInfiniteDuration; }
     void setHasInfiniteDuration(bool infinite);
+    /// The media begins anew at its end: a mark beside the name, since the next media goes on with that.
+    void setRepeats(bool repeats);
     void setColumnStep(ColumnStep step);
-    /// base for this widget, base + "-MediaName" and "-MediaLocation" for its labels.
+    /// base for this widget, base + "-MediaName", "-MediaLocation" and "-Repeat" for its labels.
     void setObjectNames(const QString& base) override;
 
 Q_SIGNALS:
-    /// Reserved for a channel lock.
+    /// The operator opened or closed the channel's lock.
     void locked(bool locked);
     void hasInfiniteDurationChanged();
 
@@ -49,11 +54,13 @@ private:
     QWidget* m_title;
     ZTLabel* m_location;
     ElidedLabel* m_name;
+    ZTLabel* m_repeat;
     TimecodeDisplay* m_duration;
     ZTLabel* m_infinite = nullptr;
     ZTLabel* m_durationLabel = nullptr;
     QStackedWidget* m_durationStack = nullptr;
     MuteButton* m_mute = nullptr;
+    IconButton* m_lock = nullptr;
     ColumnStep m_step = ColumnStep::Wide;
     bool m_hasInfiniteDuration = false;
 };

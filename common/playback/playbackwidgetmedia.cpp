@@ -17,6 +17,7 @@
 #include "common/playback/endactionwidget.h"
 #include "common/playback/endpointtimecodes.h"
 #include "common/playback/levelmeter.h"
+#include "common/playback/picturenotice.h"
 #include "common/playback/playbackcontrols.h"
 #include "common/playback/playbacklogging.h"
 #include "common/playback/playbackpreview.h"
@@ -45,10 +46,13 @@ void PlaybackWidget::connectSources()
     connect(m_session->preview(), &PreviewThread::previewFrame, m_preview, &PlaybackPreview::onFrame);
     connect(m_session->preview(), &PreviewThread::levelsChanged, this,
             [this](const std::string& source, const AudioLevels& levels) {
-                if (m_session->isConnected()) // what was still waiting when the link went says nothing
-                    m_footer->levelMeter()->onLevels(source, levels);
+                if (!m_session->isConnected()) // what was still waiting when the link went says nothing
+                    return;
+                m_footer->levelMeter()->onLevels(source, levels);
+                m_notice->levels()->onLevels(source, levels);
             });
-    connect(m_session, &Session::disconnected, m_footer->levelMeter(), &LevelMeter::clear);
+    for (LevelMeter* meter : {m_footer->levelMeter(), m_notice->levels()})
+        connect(m_session, &Session::disconnected, meter, &LevelMeter::clear);
     connect(m_session->playlistProvider(), &PlaylistProvider::reset, this,
             &PlaybackWidget::handlePlaylistReset);
     connect(m_session, &Session::connected, this, &PlaybackWidget::followHelpers);
@@ -90,9 +94,11 @@ void PlaybackWidget::updateMediaAddress()
     }
     const QString held = m_playback ? m_playback->heldMedia() : QString();
     m_hint->setVisible(m_mediaAddress.isEmpty() && held.isEmpty());
+    m_notice->setHasMedia(!m_mediaAddress.isEmpty() || !held.isEmpty());
     if (!MediaUtils::isMediaAddress(m_mediaAddress)) {
         setHasValidMedia(false);
-        m_controls->setEnabled(!held.isEmpty()); // it can still be paused and stopped
+        m_hasTransport = !held.isEmpty(); // it can still be paused and stopped
+        updateTransport();
         clearMediaState();
         m_header->setMediaAddress({});
         m_header->setMediaName(
@@ -190,6 +196,22 @@ void PlaybackWidget::refreshPlaybackControls()
     m_durationEdit->setEnabled(isPreview());
     m_durationEdit->setDurationType(isInfinite ? DurationTypeWidget::Infinite : DurationTypeWidget::Manual);
     m_durationEdit->setDurationSeconds(slot ? slot->duration() : 0.0);
+    m_timecodes->setHeldAtEnd(isStill && !isInfinite);
+    updateNotice();
+}
+
+void PlaybackWidget::updateNotice()
+{
+    const auto metadata = getMediaMetadata();
+    const bool isUnplayable = metadata && !metadata->getIsPlayable();
+    QString reason;
+    if (isUnplayable)
+        reason = metadata->getError().empty() ? tr("The server does not say why.")
+                                              : QString::fromStdString(metadata->getError());
+    m_notice->setUnplayable(reason);
+    m_notice->setSoundOnly(metadata && !isUnplayable && metadata->getMediaType() == MediaType::AudioFile);
+    if (std::exchange(m_unplayable, reason) != reason)
+        Q_EMIT unplayableChanged();
 }
 
 QUrl PlaybackWidget::getPlayedSlotUrl() const

@@ -27,6 +27,8 @@ public:
     void setInpointOutpointHidden(bool hidden);
     /// Whether the marks can be dragged.
     void setInpointOutpointEnabled(bool enabled);
+    /// Shows everything and takes nothing from the hand.
+    void setLocked(bool locked);
     void setDrawGrooveFill(bool draw);
     /// Pins the playhead to the right end, for media without an end.
     void setPlayheadFixed(bool fixed);
@@ -109,6 +111,7 @@ private:
     bool m_draggingOut = false;
     bool m_draggingPlayhead = false;
     bool m_enabled = true;
+    bool m_locked = false;
     bool m_inpointOutpointEnabled = true;
     bool m_drawGrooveFill = true;
     double m_inpoint = 0.0;

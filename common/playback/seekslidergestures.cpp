@@ -30,9 +30,17 @@ double stepOf(const QKeyEvent* event)
 
 } // namespace
 
+void SeekSlider::setLocked(bool locked)
+{
+    m_locked = locked;
+    if (locked)
+        endGestures();
+    updateCursor({-1, -1});
+}
+
 void SeekSlider::mousePressEvent(QMouseEvent* event)
 {
-    if (!m_enabled)
+    if (!m_enabled || m_locked)
         return;
     const QPoint at = event->position().toPoint();
     const bool areMarkersUsable = m_inpointOutpointEnabled;
@@ -132,7 +140,7 @@ void SeekSlider::endGestures()
 
 void SeekSlider::keyPressEvent(QKeyEvent* event)
 {
-    if (!m_enabled || (event->key() != Qt::Key_Left && event->key() != Qt::Key_Right)) {
+    if (!m_enabled || m_locked || (event->key() != Qt::Key_Left && event->key() != Qt::Key_Right)) {
         QWidget::keyPressEvent(event);
         return;
     }
@@ -161,6 +169,8 @@ void SeekSlider::updateCursor(const QPoint& at)
     };
     if (m_draggingIn || m_draggingOut || m_draggingPlayhead)
         setCursor(Qt::ClosedHandCursor);
+    else if (m_locked)
+        setCursor(Qt::ForbiddenCursor);
     else if (!m_enabled)
         unsetCursor();
     else if (m_handle->sweetSpot().contains(at) ||
@@ -178,6 +188,12 @@ QRect SeekSlider::bar(int fromPixel, int toPixel, int height) const
 void SeekSlider::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
+    // A lane of the darkest grey: program's red cannot be told well from the panel's.
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(colors::getColor(colors::Slate_grey_900));
+    painter.drawRoundedRect(rect(), 3, 3);
+    painter.setRenderHint(QPainter::Antialiasing, false);
     painter.setOpacity(isEnabled() ? 1.0 : disabledOpacity);
     painter.fillRect(bar(leftMargin, lastPixel() + 1, m_grooveHeight),
                      colors::getColor(colors::Slate_grey_300));

@@ -5,7 +5,7 @@
 namespace vantrel {
 
 /// How the parts of a seek slider are drawn while it is disabled, as icons are.
-inline constexpr double disabledOpacity = 0.4;
+inline constexpr double disabledOpacity = 0.6;
 
 /// The playhead of a SeekSlider: a bar that can hold the focus. The slider moves it and handles its mouse.
 class SeekSliderHandle : public QWidget

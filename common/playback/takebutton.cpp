@@ -6,6 +6,7 @@
 #include <QFocusEvent>
 #include <QGraphicsDropShadowEffect>
 #include <QLabel>
+#include <QMouseEvent>
 
 #include <algorithm>
 #include <cmath>
@@ -20,6 +21,7 @@ TakeButton::TakeButton(QWidget* parent)
                {FontSize::Huge, {160, 190}}})
     , m_bar(new QWidget(this))
     , m_label(new QLabel(tr("TAKE"), this))
+    , m_takenLabel(new QLabel(m_label->text(), m_bar))
     , m_shadow(new QGraphicsDropShadowEffect(this))
 {
     setObjectName(QStringLiteral("Take"));
@@ -36,6 +38,11 @@ TakeButton::TakeButton(QWidget* parent)
     m_label->setObjectName(QStringLiteral("TakeLabel"));
     m_label->setAttribute(Qt::WA_TransparentForMouseEvents);
     m_label->setAlignment(Qt::AlignCenter);
+
+    // Over the bar the text is another's, which its mask uncovers with it: one colour cannot be read on both.
+    m_takenLabel->setObjectName(QStringLiteral("TakeProgressLabel"));
+    m_takenLabel->setAlignment(Qt::AlignCenter);
+    m_bar->raise();
 
     m_shadow->setBlurRadius(18);
     m_shadow->setColor(QColor(245, 169, 54, 94));
@@ -89,7 +96,8 @@ FontSize TakeButton::stepped(FontSize size) const
 
 void TakeButton::updateSizes(FontSize size)
 {
-    setDynamicStyle(m_label, "fontsize", toString(size));
+    for (QLabel* label : {m_label, m_takenLabel})
+        setDynamicStyle(label, "fontsize", toString(size));
     m_size = m_sizes.value(size);
     setFixedSize(m_size);
 }
@@ -136,7 +144,14 @@ void TakeButton::resizeEvent(QResizeEvent* event)
     QPushButton::resizeEvent(event);
     m_bar->setGeometry(rect());
     m_label->setGeometry(rect());
+    m_takenLabel->setGeometry(m_bar->rect());
     updateProgressBar();
+}
+
+/// The second click of a double one is no second take: it would undo the first.
+void TakeButton::mouseDoubleClickEvent(QMouseEvent* event)
+{
+    event->accept();
 }
 
 void TakeButton::setParts(const char* property, bool value)

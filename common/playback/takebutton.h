@@ -11,8 +11,8 @@ class QLabel;
 
 namespace vantrel {
 
-/// The button that takes preview to program. While the server carries out a transition, the bar under the
-/// text uncovers from the left. Owned by TakeControls; main thread.
+/// The button that takes preview to program. While the server carries out a transition, the bar with
+/// its text uncovers from the left. Owned by TakeControls; main thread.
 class TakeButton : public QPushButton
 {
     Q_OBJECT
@@ -46,6 +46,7 @@ protected:
     void focusInEvent(QFocusEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
 
 private:
     FontSize stepped(FontSize size) const;
@@ -56,6 +57,7 @@ private:
     ColumnStep m_step = ColumnStep::Wide;
     QWidget* m_bar;
     QLabel* m_label;
+    QLabel* m_takenLabel;
     QGraphicsDropShadowEffect* m_shadow;
     double m_takeProgress = 0.0;
 };

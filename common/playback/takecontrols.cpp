@@ -8,6 +8,7 @@
 #include "common/ui/binding/propertiesmapper.h"
 #include "common/ui/style/fontsizefollower.h"
 #include "common/ui/style/spacing.h"
+#include "common/ui/toolkit/blockedreason.h"
 #include "common/ui/toolkit/doubleedit.h"
 #include "common/ui/toolkit/iconbutton.h"
 #include "common/ui/toolkit/pushbutton.h"
@@ -160,6 +161,9 @@ void TakeControls::setColumnStep(ColumnStep step)
     m_step = step;
     m_takeButton->setColumnStep(step);
     m_summary->setVisible(step == ColumnStep::Wide);
+    // As high as its two lines, whatever it says.
+    m_summary->ensurePolished();
+    m_summary->setFixedHeight(2 * m_summary->fontMetrics().lineSpacing());
     for (IconButton* button : {m_fromInpoint, m_fromCurrent, m_directCut, m_crossfade, m_dip})
         button->setSizes(takeOptionSizes(step));
     m_presetLayout->setDirection(step == ColumnStep::Wide ? QBoxLayout::LeftToRight
@@ -214,9 +218,9 @@ bool TakeControls::takePreset() const
     return m_presetGroup->checkedButton() == m_swap;
 }
 
-void TakeControls::setTakePreset(bool swap)
+void TakeControls::setTakePreset(bool presetToggle)
 {
-    (swap ? m_swap : m_copy)->setChecked(true);
+    (presetToggle ? m_swap : m_copy)->setChecked(true);
 }
 
 void TakeControls::setObject(Object* object, Scene* scene)
@@ -241,8 +245,30 @@ void TakeControls::updateSummary()
     else if (m_dip->isChecked())
         transition = tr("Dip to color");
     const QString from = m_fromCurrent->isChecked() ? tr("from position") : tr("from in point");
-    m_summary->setText(transition + u'\n' + from);
-    m_takeButton->setAccessibleDescription(transition + u' ' + from);
+    const QString reason = m_blocked.isEmpty() ? m_cueFault : m_blocked;
+    m_summary->setText(reason.isEmpty() ? transition + u'\n' + from : reason);
+    m_summary->setStyleClass(reason.isEmpty() ? QStringLiteral("caption") : QStringLiteral("reason"));
+    m_takeButton->setAccessibleDescription(reason.isEmpty() ? transition + u' ' + from : reason);
+}
+
+void TakeControls::setBlocked(const QString& reason)
+{
+    m_blocked = reason;
+    updateReason();
+}
+
+void TakeControls::setCueFault(const QString& reason)
+{
+    m_cueFault = reason;
+    updateReason();
+}
+
+void TakeControls::updateReason()
+{
+    const QString reason = m_blocked.isEmpty() ? m_cueFault : m_blocked;
+    m_takeButton->setEnabled(reason.isEmpty());
+    setBlockedReason(m_takeButton, reason);
+    updateSummary();
 }
 
 void TakeControls::updateDurationEditReadOnlyState()
@@ -293,14 +319,10 @@ void TakeControls::restoreButtonStates()
 
 void TakeControls::handleTake()
 {
-    bool swap = true;
-    if (Configuration* settings = configuration()) {
-        settings->beginGroup(getConfigGroup());
-        swap = settings->value(TAKE_PRESET_TOGGLE).toBool();
-        settings->endGroup();
-    }
-    execute<TakeCommand>(m_stack, "take command", m_object.get(), swap, transitionFrom(), takeTransition(),
-                         takeDuration());
+    if (!m_takeButton->isEnabled())
+        return;
+    execute<TakeCommand>(m_stack, "take command", m_object.get(), takePreset(), transitionFrom(),
+                         takeTransition(), takeDuration());
 }
 
 void TakeControls::handleButtonChanged(QAbstractButton* button)

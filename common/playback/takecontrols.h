@@ -45,11 +45,15 @@ public:
     void setTakeDuration(double seconds);
     /// True swaps preview and program on take, false copies preview.
     bool takePreset() const;
-    void setTakePreset(bool swap);
+    void setTakePreset(bool presetToggle);
 
     /// The channel, or null; what was chosen so far stays with the group it was chosen under.
     void setObject(Object* object, Scene* scene);
     TakeButton* takeButton() const { return m_takeButton; }
+    /// Why nothing can be sent to the server, and why what is cued cannot be taken; empty when it can. TAKE
+    /// is grey then and the reason stands below it and in its tooltip.
+    void setBlocked(const QString& reason);
+    void setCueFault(const QString& reason);
     void setColumnStep(ColumnStep step);
     void updateDurationEditReadOnlyState();
     QString getConfigGroup() const;
@@ -63,7 +67,8 @@ public Q_SLOTS:
 
 private:
     void createControls();
-    /// Says in words what the chosen icons stand for.
+    void updateReason();
+    /// Says in words what the chosen icons stand for, or why there is no take.
     void updateSummary();
     void layOut();
 
@@ -85,6 +90,8 @@ private:
     QButtonGroup* m_transitionGroup;
     QButtonGroup* m_presetGroup;
     ColumnStep m_step = ColumnStep::Wide;
+    QString m_blocked;
+    QString m_cueFault;
     Scene* m_scene = nullptr;
     Ref<Object> m_object;
 };

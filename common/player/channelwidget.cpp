@@ -54,6 +54,10 @@ ChannelWidget::ChannelWidget(Session* session, QWidget* parent)
     layout->addWidget(m_takeControls);
     layout->addWidget(m_programSplitter, 1);
 
+    connect(m_preview, &PlaybackWidget::unplayableChanged, this, [this] {
+        m_takeControls->setCueFault(m_preview->unplayableReason().isEmpty() ? QString()
+                                                                            : tr("Preview cannot be played"));
+    });
     followPictures();
     followFontSize(this, [this](FontSize size) {
         setTextSize(size);
@@ -67,7 +71,7 @@ void ChannelWidget::followPictures()
     m_adjust.setInterval(adjustDelayMs);
     connect(&m_adjust, &QTimer::timeout, this, [this] {
         updateStep(); // some heights are those of texts, which are known by now
-        updateCaptions();
+        updateWords();
         if (!m_dividedByHand)
             adjustSplitters();
     });
@@ -87,13 +91,23 @@ void ChannelWidget::setObject(Object* object, Scene* scene)
         m_adjust.start();
 }
 
+void ChannelWidget::setBlocked(const QString& reason)
+{
+    m_preview->setBlocked(reason);
+    m_program->setBlocked(reason);
+    m_takeControls->setBlocked(reason);
+}
+
 void ChannelWidget::adjustSplitters()
 {
     if (m_previewSplitter->height() < leastHeight || m_programSplitter->height() < leastHeight)
         return;
     int position = std::min(m_previewSplitter->getClosestPixelPosition(1, playbackShare),
                             m_programSplitter->getClosestPixelPosition(1, playbackShare));
-    // No more than the pictures fill, and no less than they need to be made out.
+    // The playlists below are to show some entries. No more than the pictures fill, and no less than they
+    // need to be made out.
+    const int below = std::max(m_previewPlaylist->usefulHeight(), m_programPlaylist->usefulHeight());
+    position = std::min(position, m_previewSplitter->height() - m_previewSplitter->handleWidth() - below);
     const auto highest = [this](auto height) { return std::max(height(m_preview), height(m_program)); };
     position = std::min(position, highest([](const PlaybackWidget* column) {
                             return column->heightForPicture(column->pictureHeight());
@@ -126,12 +140,12 @@ void ChannelWidget::updateStep()
     layout()->activate();
 }
 
-void ChannelWidget::updateCaptions()
+void ChannelWidget::updateWords()
 {
     PlaybackWidgetFooter* const footers[] = {m_preview->footer(), m_program->footer()};
-    const bool fit = std::ranges::all_of(footers, &PlaybackWidgetFooter::hasRoomForCaption);
+    const bool fit = std::ranges::all_of(footers, &PlaybackWidgetFooter::hasRoomForWords);
     for (PlaybackWidgetFooter* footer : footers)
-        footer->setCaptionAllowed(fit);
+        footer->setShowsWords(fit);
 }
 
 QSize ChannelWidget::minimumSizeHint() const

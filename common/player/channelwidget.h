@@ -27,6 +27,8 @@ public:
 
     /// The channel object, with its children "preview" and "program"; null when the widget waits for one.
     void setObject(Object* object, Scene* scene);
+    /// Why nothing can be sent to the server; empty when it can.
+    void setBlocked(const QString& reason);
     /// Gives both columns the same division, about three quarters for the playback.
     void adjustSplitters();
     /// The least width of both columns, where the window has room for it.
@@ -37,6 +39,7 @@ public:
 
     PlaybackWidget* previewWidget() const { return m_preview; }
     PlaybackWidget* programWidget() const { return m_program; }
+    PlaylistWidget* previewPlaylist() const { return m_previewPlaylist; }
     TakeControls* takeControls() const { return m_takeControls; }
 
 protected:
@@ -45,7 +48,7 @@ protected:
 private:
     void followPictures();
     void updateStep();
-    void updateCaptions();
+    void updateWords();
 
     // In the order in which Tab goes through them.
     ZTSplitter* m_previewSplitter;

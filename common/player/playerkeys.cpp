@@ -9,6 +9,7 @@
 #include "common/player/playerplaybackview.h"
 #include "common/ui/keyboard/hotkeys.h"
 #include "common/ui/style/dynamicstyle.h"
+#include "common/ui/toolkit/iconbutton.h"
 
 #include <QApplication>
 #include <QShortcut>
@@ -77,6 +78,10 @@ void PlayerKeys::addWindowKeys(Hotkeys* hotkeys)
     add("mute_program", [this] {
         if (m_channel)
             m_channel->programWidget()->muteButton()->click();
+    });
+    add("lock_program", [this] {
+        if (m_channel)
+            m_channel->programWidget()->lockButton()->click();
     });
 }
 

@@ -8,6 +8,7 @@
 #include "common/playback/playbacklogging.h"
 #include "common/player/channelwidget.h"
 #include "common/player/playerkeys.h"
+#include "common/session/link/linkhealth.h"
 #include "common/session/link/signalrelay.h"
 #include "common/session/mirror/objecttreemodel.h"
 #include "common/session/session.h"
@@ -20,6 +21,8 @@
 #include "common/ui/toolkit/ztlabel.h"
 #include "common/ui/toolkit/ztsplitter.h"
 #include "common/views/mediapanelwidget.h"
+#include "common/views/playlist/playlisteditor.h"
+#include "common/views/playlistwidget.h"
 #include "tarn/scene/object.h"
 #include "tarn/scene/scene.h"
 
@@ -113,7 +116,7 @@ QWidget* PlayerPlaybackView::createEmptyState()
 {
     auto* page = new QWidget(this);
     auto* icon = new ZTLabel(page);
-    icon->setPixmap(IconCache::pixmap(QStringLiteral("unlinked"), colors::getColor(colors::Zt_white_30),
+    icon->setPixmap(IconCache::pixmap(QStringLiteral("unlinked"), colors::getColor(colors::Zt_white_50),
                                       {48, 48}, devicePixelRatioF()));
     m_emptyTitle = new ZTLabel(page);
     m_emptyTitle->setStyleClass(QStringLiteral("title"));
@@ -142,10 +145,6 @@ QWidget* PlayerPlaybackView::createEmptyState()
 QWidget* PlayerPlaybackView::createChannelArea()
 {
     auto* page = new QWidget(this);
-    m_lostNotice = new ZTLabel(page);
-    m_lostNotice->setStyleClass(QStringLiteral("error"));
-    m_lostNotice->setAlignment(Qt::AlignCenter);
-    m_lostNotice->hide();
     m_channels = new QWidget(page);
     auto* channelLayout = new QVBoxLayout(m_channels);
     channelLayout->setContentsMargins(0, 0, 0, 0);
@@ -153,7 +152,6 @@ QWidget* PlayerPlaybackView::createChannelArea()
 
     auto* layout = new QVBoxLayout(page);
     layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(m_lostNotice);
     layout->addWidget(m_channels, 1);
     return page;
 }
@@ -163,6 +161,7 @@ void PlayerPlaybackView::connectSession()
     connect(m_session, &Session::connected, this, &PlayerPlaybackView::updateState);
     connect(m_session, &Session::disconnected, this, [this] { setStale(true); });
     connect(m_session, &Session::sceneLoaded, this, [this] { setStale(false); });
+    connect(m_session->linkHealth(), &LinkHealth::changed, this, &PlayerPlaybackView::onHealthChanged);
     connect(m_session->signalRelay(), &SignalRelay::directPlay, this,
             &PlayerPlaybackView::handleMediaDirectPlay);
 }
@@ -179,6 +178,11 @@ void PlayerPlaybackView::onWidgetAdded(QWidget* widget, const QModelIndex& index
         channel->setObject(index.data(objectRole).value<Object*>(), index.data(sceneRole).value<Scene*>());
         if (m_keys)
             m_keys->addChannel(channel);
+        channel->setBlocked(m_session->linkHealth()->text());
+        PlaylistWidget* playlist = channel->previewPlaylist();
+        playlist->editor()->setMediaSource([this] { return m_panel->selectedMedia(); });
+        connect(m_panel, &MediaPanelWidget::mediaInsertRequested, playlist, &PlaylistWidget::insertMedia,
+                Qt::UniqueConnection);
     }
     updateState();
 }
@@ -186,12 +190,30 @@ void PlayerPlaybackView::onWidgetAdded(QWidget* widget, const QModelIndex& index
 void PlayerPlaybackView::setStale(bool stale)
 {
     m_isStale = stale;
+    updateUsable();
+    updateState();
+}
+
+void PlayerPlaybackView::onHealthChanged()
+{
+    const LinkHealth* health = m_session->linkHealth();
+    const QString reason = health->text();
+    for (ChannelWidget* channel : m_channels->findChildren<ChannelWidget*>(Qt::FindDirectChildrenOnly))
+        channel->setBlocked(reason);
+    m_panel->setStale(health->state() == LinkHealth::State::Silent ||
+                      health->state() == LinkHealth::State::Lost);
+    updateUsable();
+}
+
+/// While the server does not answer nothing takes a click, and nothing is kept for later either.
+void PlayerPlaybackView::updateUsable()
+{
+    const bool isUsable = !m_isStale && m_session->linkHealth()->state() != LinkHealth::State::Silent;
     // Nowhere rather than to the next that is enabled, for which the keys under the hand were not meant.
     QWidget* focused = QApplication::focusWidget();
-    if (stale && focused && m_channels->isAncestorOf(focused))
+    if (!isUsable && focused && m_channels->isAncestorOf(focused))
         focused->clearFocus();
-    m_channels->setEnabled(!stale);
-    updateState();
+    m_channels->setEnabled(isUsable);
 }
 
 void PlayerPlaybackView::onWidgetRemoved(QWidget* widget)
@@ -237,9 +259,6 @@ void PlayerPlaybackView::updateState()
     m_emptyHint->setText(isConnected ? tr("The server has not told of a channel yet.")
                                      : tr("Choose \"Connect to server...\" in the menu, or click "
                                           "\"Disconnected\" below, to see its channels."));
-    m_lostNotice->setText(isConnected ? tr("Connected again. Reading the state of the server.")
-                                      : tr("Connection lost. What you see is the last known state."));
-    m_lostNotice->setVisible(m_isStale);
     m_stack->setCurrentIndex(m_channelCount > 0 ? ChannelPage : EmptyPage);
 }
 

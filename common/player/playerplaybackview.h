@@ -50,6 +50,8 @@ private:
     void prepareChannel();
     void updateState();
     void setStale(bool stale);
+    void onHealthChanged();
+    void updateUsable();
 
     Session* m_session;
     MediaPanelWidget* m_panel = nullptr;
@@ -58,7 +60,6 @@ private:
     QStackedWidget* m_stack;
     ZTLabel* m_emptyTitle = nullptr;
     ZTLabel* m_emptyHint = nullptr;
-    ZTLabel* m_lostNotice = nullptr;
     QWidget* m_channels = nullptr;
     PlayerKeys* m_keys = nullptr; // none where there are no hotkeys
     int m_channelCount = 0;

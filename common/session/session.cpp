@@ -1,12 +1,16 @@
 #include "common/session/session.h"
 
 #include "common/command/abstractsessioncommand.h"
+#include "common/command/commandgate.h"
 #include "common/media/edit/trimcommands.h"
 #include "common/media/library/medialibraryapi.h"
 #include "common/media/library/medialibraryprovider.h"
 #include "common/media/library/playlistprovider.h"
 #include "common/media/models/medialibrarymodel.h"
 #include "common/media/models/playbackmodel.h"
+#include "common/media/models/playlist/playlisteditormodel.h"
+#include "common/media/models/playlist/playlistlibrarymodel.h"
+#include "common/media/models/playlist/playlistselectionmodel.h"
 #include "common/media/net/defaultresourcestatusprovider.h"
 #include "common/media/net/mediadataaggregator.h"
 #include "common/media/net/mediastateprovider.h"
@@ -15,10 +19,12 @@
 #include "common/media/net/thumbnailprovider.h"
 #include "common/session/link/connectionhandler.h"
 #include "common/session/link/connectionprovider.h"
+#include "common/session/link/linkhealth.h"
 #include "common/session/link/metadataclient.h"
 #include "common/session/link/previewthread.h"
 #include "common/session/link/signalrelay.h"
 #include "common/session/link/systemproxy.h"
+#include "common/session/link/webprobe.h"
 #include "common/session/mirror/guiplayback.h"
 #include "common/session/mirror/objecttreemodel.h"
 #include "common/session/mirror/sceneobjectprovider.h"
@@ -35,6 +41,8 @@
 #include <QTimer>
 #include <QUndoStack>
 
+#include <utility>
+
 namespace vantrel {
 
 namespace {
@@ -46,6 +54,7 @@ Session* theInstance = nullptr;
 
 Session::Session()
     : m_undoStack(std::make_unique<QUndoStack>())
+    , m_gate(new CommandGate(m_undoStack.get()))
 {
 }
 
@@ -96,7 +105,10 @@ Configuration* Session::configuration() const
 
 void Session::executeCommand(AbstractSessionCommand* command)
 {
-    m_undoStack->push(command);
+    if (CommandGate::passes(m_undoStack.get(), command->text()))
+        m_undoStack->push(command);
+    else
+        delete command;
 }
 
 QUndoStack* Session::getQUndoStack() const
@@ -121,7 +133,10 @@ DefaultResourceStatusProvider* Session::resourceStatusProvider() const
 
 void Session::sendPatch(const Patch& patch)
 {
-    m_connection->sendPatch(patch);
+    if (m_linkHealth->state() != LinkHealth::State::Silent)
+        m_connection->sendPatch(patch);
+    else
+        qCInfo(lcSession) << "Not sent, since the server does not answer:" << patch.size() << "operations";
 }
 
 bool Session::isConnected() const
@@ -158,19 +173,49 @@ void Session::doInit()
     m_serverConfiguration->setShowConfiguration(m_sceneObjects->showConfiguration());
     m_previewPlaybackModel = std::make_unique<PlaybackModel>(preview, playlists, nullptr);
     m_programPlaybackModel = std::make_unique<PlaybackModel>(program, playlists, nullptr);
+    initMediaLibraryHelpers();
+    initPlaylistModels();
     wireProviders();
 }
 
 void Session::initConnection()
 {
     m_connection = std::make_unique<ConnectionHandler>(m_ports.link);
+    m_linkHealth = std::make_unique<LinkHealth>(m_connection.get()); // hears of the link before all others
     connect(m_connection.get(), &ConnectionHandler::patchAvailable, this, &Session::onPatchAvailable);
     connect(m_connection.get(), &ConnectionHandler::connected, this, &Session::onConnect);
     connect(m_connection.get(), &ConnectionHandler::disconnected, this, &Session::onDisconnect);
+    m_linkHealth->follow(m_sceneObjects->previewPlayback());
+    m_linkHealth->follow(m_sceneObjects->programPlayback());
+    connect(m_linkHealth.get(), &LinkHealth::changed, this, &Session::onHealthChanged);
+    m_webProbe = std::make_unique<WebProbe>(m_qnam.get(), m_ports.http);
+    connect(m_webProbe.get(), &WebProbe::answered, m_linkHealth.get(), &LinkHealth::setWebAnswers);
     m_connection->start();
     m_systemProxy = std::make_unique<SystemProxy>();
     m_systemProxy->setSession(this);
     m_connectionProvider = std::make_unique<ConnectionProvider>();
+}
+
+void Session::onHealthChanged()
+{
+    const LinkHealth::State state = m_linkHealth->state();
+    m_preview->setServerAnswers(state == LinkHealth::State::Current);
+    const bool isGone = state == LinkHealth::State::Silent || state == LinkHealth::State::Lost;
+    m_webProbe->setHost(isGone ? m_lastHost : QString());
+    if (state == LinkHealth::State::Silent)
+        m_gate->setReason(tr("The server does not answer."));
+    else if (state == LinkHealth::State::Lost)
+        m_gate->setReason(tr("There is no connection to the server."));
+    else
+        m_gate->setReason({});
+    if (state == LinkHealth::State::Current && !m_unsent.empty())
+        askForUnsent();
+}
+
+/// What was changed here alone becomes again what the server has.
+void Session::askForUnsent()
+{
+    m_connection->sendPatch(std::exchange(m_unsent, {}));
 }
 
 void Session::wireProviders()
@@ -196,12 +241,14 @@ void Session::onConnect()
     ++m_linksSeen;
     m_loading = Loading::Stale;
     m_nextPatch = {};
+    m_unsent = {};
     const QString host = m_connection->getConnectedHost();
     if (host.isEmpty())
         return; // the operator left before this signal came through
+    m_lastHost = host;
     qCInfo(lcSession, "Session connected to: %s", qPrintable(host));
     followLibrary(host);
-    initMediaLibraryHelpers(host);
+    aimMediaLibraryHelpers(host);
     Q_EMIT connected(host);
     m_metadataClient.reset();
     m_metadataClient = std::make_unique<MetadataClient>(host, m_ports.http);
@@ -217,12 +264,16 @@ void Session::followLibrary(const QString& host)
     api->setPort(m_ports.http);
     connectMediaLibraryApi();
     connect(api, &MediaLibraryApi::streamLost, this, [this, api = QPointer(api), host] {
+        m_linkHealth->setLibraryCurrent(false);
         QTimer::singleShot(libraryRetry, this, [this, api, host] {
             if (api && api == m_mediaLibraryApi.get())
                 followLibrary(host);
         });
     });
-    connect(api, &MediaLibraryApi::readingChanged, this, &Session::libraryReadingChanged);
+    connect(api, &MediaLibraryApi::readingChanged, this, [this, api] {
+        m_linkHealth->setLibraryCurrent(api->reading() == MediaLibraryApi::Reading::Done);
+        Q_EMIT libraryReadingChanged();
+    });
     api->listenChanges();
     api->requestMediaLibrary();
     Q_EMIT libraryReadingChanged();
@@ -258,25 +309,57 @@ void Session::connectMediaLibraryApi()
     connect(api, &Api::playlistEntryRemoved, playlists, &PlaylistProvider::onEntryRemoved);
 }
 
-void Session::initMediaLibraryHelpers(const QString& host)
+/// One source of metadata, thumbnails and states for the life of the session: who holds it need not know of
+/// connections.
+void Session::initMediaLibraryHelpers()
 {
-    // Views may still hold the helpers of the last connection; those of the one before it go.
-    m_formerAggregator = std::move(m_mediaDataAggregator);
-    auto* metadata = new MetadataProvider(host, m_network.get(), 1000);
-    auto* thumbnails = new ThumbnailProvider(host, m_network.get(), 100);
-    metadata->setPort(m_ports.http);
-    thumbnails->setPort(m_ports.http);
-    GUIPlayback* const preview = m_sceneObjects->previewPlayback();
-    GUIPlayback* const program = m_sceneObjects->programPlayback();
-    m_mediaStateProvider = new MediaStateProvider(preview, program, m_playlistProvider.get(),
-                                                  m_mediaLibraryProvider.get(), metadata);
-    m_mediaDataAggregator = std::make_unique<MediaDataAggregator>(metadata, thumbnails, m_mediaStateProvider);
-    for (QObject* helper : {static_cast<QObject*>(metadata), static_cast<QObject*>(thumbnails),
-                            static_cast<QObject*>(m_mediaStateProvider)})
-        helper->setParent(m_mediaDataAggregator.get());
+    m_metadata = std::make_unique<MetadataProvider>(QString(), m_network.get(), 1000);
+    m_thumbnails = std::make_unique<ThumbnailProvider>(QString(), m_network.get(), 100);
+    m_mediaStateProvider = std::make_unique<MediaStateProvider>(
+        m_sceneObjects->previewPlayback(), m_sceneObjects->programPlayback(), m_playlistProvider.get(),
+        m_mediaLibraryProvider.get(), m_metadata.get());
+    m_mediaDataAggregator = std::make_unique<MediaDataAggregator>(m_metadata.get(), m_thumbnails.get(),
+                                                                  m_mediaStateProvider.get());
     m_resourceStatus = std::make_unique<DefaultResourceStatusProvider>();
     m_mediaLibraryModel->setMediaDataAggregator(m_mediaDataAggregator.get());
-    m_mediaLibraryModel->setMediaStateProvider(m_mediaStateProvider);
+    m_mediaLibraryModel->setMediaStateProvider(m_mediaStateProvider.get());
+}
+
+/// Another server may hold other files under the same names.
+void Session::aimMediaLibraryHelpers(const QString& host)
+{
+    m_metadata->setServer(host, m_ports.http);
+    m_thumbnails->setServer(host, m_ports.http);
+    m_mediaStateProvider->reset();
+    for (const PlaybackViewMode mode : {PlaybackViewMode::Preview, PlaybackViewMode::Program})
+        m_resourceStatus->setIsConstrained(mode, false);
+}
+
+void Session::initPlaylistModels()
+{
+    m_playlistLibraryModel = std::make_unique<PlaylistLibraryModel>(m_playlistProvider.get());
+    const auto make = [this](PlaybackViewMode mode) {
+        auto model = std::make_unique<PlaylistEditorModel>(
+            m_playlistProvider.get(), m_mediaDataAggregator.get(), m_sceneObjects->previewPlayback(),
+            m_sceneObjects->programPlayback(), QSet<PlaybackViewMode>{mode}, m_mediaStateProvider.get());
+        model->setUndoStack(m_undoStack.get());
+        model->setResourceStatusProvider(m_resourceStatus.get());
+        return model;
+    };
+    m_previewPlaylistEditorModel = make(PlaybackViewMode::Preview);
+    m_programPlaylistEditorModel = make(PlaybackViewMode::Program);
+}
+
+PlaylistSelectionModel* Session::playlistSelection() const
+{
+    return m_playlistSelection;
+}
+
+void Session::setPlaylistSelection(PlaylistSelectionModel* selection)
+{
+    m_playlistSelection = selection;
+    m_previewPlaylistEditorModel->setSelection(selection);
+    m_programPlaylistEditorModel->setSelection(selection);
 }
 
 void Session::onDisconnect()

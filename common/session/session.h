@@ -5,6 +5,7 @@
 #include "tarn/ref.h"
 
 #include <QObject>
+#include <QPointer>
 
 #include <memory>
 
@@ -16,11 +17,13 @@ class QUndoStack;
 namespace vantrel {
 
 class AbstractSessionCommand;
+class CommandGate;
 class Configuration;
 class ConnectionHandler;
 class ConnectionProvider;
 class DefaultResourceStatusProvider;
 class Hotkeys;
+class LinkHealth;
 class MediaDataAggregator;
 class MediaLibrary;
 class MediaLibraryApi;
@@ -28,17 +31,23 @@ class MediaLibraryModel;
 class MediaLibraryProvider;
 class MediaStateProvider;
 class MetadataClient;
+class MetadataProvider;
 class NetworkAccessManager;
 class ObjectTreeModel;
 class Patch;
 class PlaybackModel;
+class PlaylistEditorModel;
+class PlaylistLibraryModel;
 class PlaylistProvider;
+class PlaylistSelectionModel;
 class PreviewThread;
 class Scene;
 class SceneObjectProvider;
 class ServerConfigurationModel;
 class SignalRelay;
 class SystemProxy;
+class ThumbnailProvider;
+class WebProbe;
 struct SceneChange;
 
 /// Ties the application together: one a process, owner of the scene, the library, the undo stack, the
@@ -81,6 +90,7 @@ public:
     MediaLibraryApi* getMediaLibraryApi() const { return m_mediaLibraryApi.get(); }
     MediaLibrary* mediaLibrary() const;
     ConnectionHandler* connectionHandler() const { return m_connection.get(); }
+    LinkHealth* linkHealth() const { return m_linkHealth.get(); }
     ConnectionProvider* connectionProvider() const { return m_connectionProvider.get(); }
     PreviewThread* preview() const { return m_preview.get(); }
     SignalRelay* signalRelay() const { return m_signalRelay.get(); }
@@ -100,10 +110,17 @@ public:
     PlaylistProvider* playlistProvider() const { return m_playlistProvider.get(); }
     PlaybackModel* previewPlaybackModel() const { return m_previewPlaybackModel.get(); }
     PlaybackModel* programPlaybackModel() const { return m_programPlaybackModel.get(); }
-    /// The four below are made anew on each connection, and null before the first.
+    PlaylistLibraryModel* playlistLibraryModel() const { return m_playlistLibraryModel.get(); }
+    PlaylistEditorModel* previewPlaylistEditorModel() const { return m_previewPlaylistEditorModel.get(); }
+    PlaylistEditorModel* programPlaylistEditorModel() const { return m_programPlaylistEditorModel.get(); }
+    /// What is selected in the editor; its view's, null while there is none.
+    PlaylistSelectionModel* playlistSelection() const;
+    void setPlaylistSelection(PlaylistSelectionModel* selection);
+    // One of each for the life of the session.
     MediaDataAggregator* mediaDataAggregator() const { return m_mediaDataAggregator.get(); }
-    MediaStateProvider* mediaStateProvider() const { return m_mediaStateProvider; }
+    MediaStateProvider* mediaStateProvider() const { return m_mediaStateProvider.get(); }
     DefaultResourceStatusProvider* resourceStatusProvider() const;
+    /// Made anew on each connection, and null before the first.
     MetadataClient* metadataClient() const { return m_metadataClient.get(); }
 
 Q_SIGNALS:
@@ -119,10 +136,14 @@ private:
     void onDisconnect();
     void onPatchAvailable();
     void initConnection();
+    void onHealthChanged();
+    void askForUnsent();
     void wireProviders();
     void followLibrary(const QString& host);
     void connectMediaLibraryApi();
-    void initMediaLibraryHelpers(const QString& host);
+    void initMediaLibraryHelpers();
+    void aimMediaLibraryHelpers(const QString& host);
+    void initPlaylistModels();
     static void onSceneChange(Scene* scene, int count, const SceneChange* changes, void* user);
 
     /// How the scene comes to be what the server's is.
@@ -156,22 +177,32 @@ private:
     std::unique_ptr<SignalRelay> m_signalRelay;
     std::unique_ptr<PlaybackModel> m_previewPlaybackModel;
     std::unique_ptr<PlaybackModel> m_programPlaybackModel;
-    std::unique_ptr<MediaDataAggregator> m_formerAggregator; // of the connection before
+    std::unique_ptr<PlaylistLibraryModel> m_playlistLibraryModel;
+    std::unique_ptr<MetadataProvider> m_metadata;
+    std::unique_ptr<ThumbnailProvider> m_thumbnails;
+    std::unique_ptr<MediaStateProvider> m_mediaStateProvider;
     std::unique_ptr<MediaDataAggregator> m_mediaDataAggregator;
-    MediaStateProvider* m_mediaStateProvider = nullptr; // the aggregator's
     std::unique_ptr<MetadataClient> m_metadataClient;
     std::unique_ptr<MediaLibraryApi> m_mediaLibraryApi;
     std::unique_ptr<QUndoStack> m_undoStack;
     std::unique_ptr<DefaultResourceStatusProvider> m_resourceStatus;
+    std::unique_ptr<PlaylistEditorModel> m_previewPlaylistEditorModel;
+    std::unique_ptr<PlaylistEditorModel> m_programPlaylistEditorModel;
+    QPointer<PlaylistSelectionModel> m_playlistSelection;
     std::unique_ptr<PreviewThread> m_preview;
     std::unique_ptr<ConnectionHandler> m_connection;
+    std::unique_ptr<LinkHealth> m_linkHealth;
+    std::unique_ptr<WebProbe> m_webProbe;
     std::unique_ptr<SystemProxy> m_systemProxy;
     std::unique_ptr<ConnectionProvider> m_connectionProvider;
     Hotkeys* m_hotkeys = nullptr; // the main window's
+    CommandGate* m_gate;          // the undo stack's
 
     Loading m_loading = Loading::Live;
     int m_linksSeen = 0; // of ConnectionHandler::linkCount(): which link the scene has heard of
     Patch m_nextPatch;   // taken from the link, not applied yet
+    QString m_lastHost;  // of the last link
+    Patch m_unsent;      // asks for what was changed here while the server did not answer
 };
 
 } // namespace vantrel

@@ -1,6 +1,7 @@
 // How the session keeps its scene and the server's the same.
 
 #include "common/session/link/connectionhandler.h"
+#include "common/session/link/linkhealth.h"
 #include "common/session/session.h"
 #include "common/session/window/mainwindowhandle.h"
 #include "tarn/json/patch.h"
@@ -85,6 +86,8 @@ bool Session::hasPatch()
     while (m_nextPatch.empty()) {
         if (!m_connection->recvPatch(m_nextPatch))
             return false;
+        if (m_nextPatch.empty())
+            m_linkHealth->noteSign();
     }
     return true;
 }
@@ -118,13 +121,19 @@ void Session::onSceneChange(Scene* scene, int count, const SceneChange* changes,
     auto* session = static_cast<Session*>(user);
     if (session->m_loading == Loading::Applying)
         return;
+    const bool isHeld = session->m_linkHealth->state() == LinkHealth::State::Silent;
     Patch patch;
     for (int i = 0; i < count; ++i) {
         PatchOp op;
-        if (operationOf(*scene, changes[i], op))
+        if (!operationOf(*scene, changes[i], op))
+            continue;
+        if (isHeld)
+            session->m_unsent.append(PatchOp::get(op.path.toString()));
+        else
             patch.append(std::move(op));
     }
-    session->m_connection->sendPatch(patch);
+    if (!isHeld)
+        session->m_connection->sendPatch(patch);
 }
 
 } // namespace vantrel

@@ -165,6 +165,8 @@ void MediaPanelWidget::buildList()
     connect(m_view, &QAbstractItemView::activated, this, &MediaPanelWidget::onActivated);
     connect(m_view, &QWidget::customContextMenuRequested, this, &MediaPanelWidget::showSlotMenu);
     connect(m_view, &SlotListView::deleteRequested, this, &MediaPanelWidget::clearSelectedSlots);
+    connect(m_view, &SlotListView::insertRequested, this,
+            [this] { Q_EMIT mediaInsertRequested(selectedMedia()); });
     connect(m_view, &SlotListView::moveRequested, this, &MediaPanelWidget::moveSlot);
     connect(m_view, &SlotListView::textTyped, this, [this](const QString& text) {
         m_search->setFocus(Qt::OtherFocusReason);
@@ -261,6 +263,12 @@ void MediaPanelWidget::setLibrary(Library library)
 {
     m_libraryState = library;
     updateEditable();
+}
+
+void MediaPanelWidget::setStale(bool stale)
+{
+    if (m_delegate->setStale(stale))
+        m_view->viewport()->update();
 }
 
 void MediaPanelWidget::updateEditable()
@@ -361,6 +369,14 @@ QList<int> MediaPanelWidget::selectedSlots() const
     return numbers;
 }
 
+QList<QString> MediaPanelWidget::selectedMedia() const
+{
+    QList<QString> urls;
+    for (const int number : selectedSlots())
+        urls.append(media::MediaUtils::toSlotAddress(selectedCollection(), number));
+    return urls;
+}
+
 void MediaPanelWidget::clearSelectedSlots()
 {
     const QList<int> numbers = selectedSlots();
@@ -380,6 +396,9 @@ void MediaPanelWidget::showSlotMenu(const QPoint& position)
     QAction* cue = menu->addEntry(QStringLiteral("mc_play"), tr("Play on preview"));
     cue->setShortcut(Hotkeys::current(QStringLiteral("cue")));
     connect(cue, &QAction::triggered, this, [this, kept] { onActivated(kept); });
+    QAction* insert = menu->addEntry(QStringLiteral("insert_after"), tr("Add to the playlist"));
+    insert->setShortcut(Hotkeys::current(QStringLiteral("insert_media")));
+    connect(insert, &QAction::triggered, this, [this] { Q_EMIT mediaInsertRequested(selectedMedia()); });
     menu->addSeparator();
     QAction* rename = menu->addEntry(QStringLiteral("edit"), tr("Rename"));
     rename->setShortcut(Hotkeys::current(QStringLiteral("rename")));
@@ -401,7 +420,7 @@ void MediaPanelWidget::showSlotMenu(const QPoint& position)
     QAction* clear = menu->addEntry(QStringLiteral("trash"), tr("Clear"));
     clear->setShortcut(Hotkeys::current(QStringLiteral("delete")));
     connect(clear, &QAction::triggered, this, &MediaPanelWidget::clearSelectedSlots);
-    for (QAction* action : {rename, scaling->menuAction(), clear})
+    for (QAction* action : {insert, rename, scaling->menuAction(), clear})
         action->setEnabled(isEditable());
     menu->popup(m_view->viewport()->mapToGlobal(position));
 }
@@ -477,6 +496,32 @@ void MediaPanelWidget::fitSearch()
     m_lens->setVisible(!hasText || textWidth + m_search->height() < room);
 }
 
+/// A number is the name of a slot, and cues it; a single hit is cued as well.
+bool MediaPanelWidget::cueFromSearch()
+{
+    bool isNumber = false;
+    const QString text = m_search->text().trimmed();
+    const int number = text.toInt(&isNumber);
+    if (text.isEmpty() || !m_view->model())
+        return false;
+    const QModelIndex root = m_view->rootIndex();
+    QModelIndex hit = m_model->rowCount(root) == 1 ? m_model->index(0, 0, root) : QModelIndex();
+    for (int row = 0; isNumber && row < m_model->rowCount(root); ++row) {
+        const QModelIndex index = m_model->index(row, 0, root);
+        if (index.data(MediaLibraryModel::NumberRole).toInt() == number)
+            hit = index;
+    }
+    if (!hit.isValid())
+        return false;
+    const QPersistentModelIndex source = m_model->mapToSource(hit);
+    if (isNumber)
+        m_search->clear();
+    m_view->setFocus(Qt::OtherFocusReason);
+    m_view->setCurrentIndex(m_model->mapFromSource(source).siblingAtColumn(MediaLibraryModel::NameColumn));
+    Q_EMIT directPlayRequested(source);
+    return true;
+}
+
 bool MediaPanelWidget::eventFilter(QObject* watched, QEvent* event)
 {
     if (watched == m_search && event->type() == QEvent::ShortcutOverride) {
@@ -493,8 +538,11 @@ bool MediaPanelWidget::eventFilter(QObject* watched, QEvent* event)
     if (watched != m_search || event->type() != QEvent::KeyPress)
         return ZTFrame::eventFilter(watched, event);
     const int key = static_cast<QKeyEvent*>(event)->key();
-    if (key != Qt::Key_Down && key != Qt::Key_Return && key != Qt::Key_Enter)
+    const bool isEnter = key == Qt::Key_Return || key == Qt::Key_Enter;
+    if (key != Qt::Key_Down && !isEnter)
         return false;
+    if (isEnter && (static_cast<QKeyEvent*>(event)->isAutoRepeat() || cueFromSearch()))
+        return true;
     if (m_view->model() && m_model->rowCount(m_view->rootIndex()) > 0) {
         if (!m_view->currentIndex().isValid())
             m_view->setCurrentIndex(m_model->index(0, MediaLibraryModel::NameColumn, m_view->rootIndex()));

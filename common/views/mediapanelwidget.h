@@ -42,17 +42,23 @@ public:
     void selectCollection(int collection);
     /// Without a server an empty panel says so.
     void setConnected(bool connected);
+    /// Whether the marks on the slots are no longer what the server says.
+    void setStale(bool stale);
     /// Whether the library is the server's: until then an empty panel says what it waits for, and nothing is
     /// edited.
     enum class Library { Loading, Failed, Read };
     void setLibrary(Library library);
     /// Whether the menu offers to edit the collection: where somebody follows collectionEditRequested.
     void setCollectionsEditable(bool editable);
+    /// The URLs of the selected slots, in their order.
+    QList<QString> selectedMedia() const;
 
 Q_SIGNALS:
     /// An index of MediaLibraryModel.
     void directPlayRequested(QModelIndex index);
     void collectionEditRequested(int collection);
+    /// URLs of slots are to go into the playlist that is edited.
+    void mediaInsertRequested(QList<QString> urls);
 
 private:
     void addHotkeys(Hotkeys* hotkeys);
@@ -69,6 +75,7 @@ private:
     bool isEditable() const { return m_connected && m_libraryState == Library::Read; }
     void updateEmptyText();
     void onActivated(const QModelIndex& index);
+    bool cueFromSearch();
     void onScrolled();
     void moveSlot(const QModelIndex& source, int beforeRow);
     void showSlotMenu(const QPoint& position);

@@ -14,10 +14,9 @@
 #include "common/ui/toolkit/navbutton.h"
 #include "common/ui/toolkit/navigationbar.h"
 #include "common/ui/toolkit/stackedtabwidget.h"
-#include "common/ui/toolkit/ztlabel.h"
+#include "common/views/playlist/playlisteditor.h"
 #include "common/views/singlemediawidget.h"
 
-#include <QHBoxLayout>
 #include <QVBoxLayout>
 
 namespace vantrel {
@@ -41,19 +40,27 @@ PlaylistWidget::PlaylistWidget(PlaybackViewMode mode, Session* session, QWidget*
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(spacing::normal, 0, spacing::normal, spacing::normal);
     layout->setSpacing(spacing::tight);
+    m_editor = new PlaylistEditor(mode, session, this);
     if (isPreview)
         buildPreview(*session);
-    else
-        buildProgram();
-    QWidget* head = layout->itemAt(0)->widget();
-    followFontSize(head, [head](FontSize size) { head->setFixedHeight(scaled(headHeight, size)); });
+    else {
+        layout->setContentsMargins(spacing::normal, spacing::normal, spacing::normal, spacing::normal);
+        layout->addWidget(m_editor, 1);
+    }
 }
 
 void PlaylistWidget::resizeEvent(QResizeEvent* event)
 {
     ZTFrame::resizeEvent(event);
-    const FontSize size = currentFontSize();
-    layout()->itemAt(1)->widget()->setVisible(height() >= scaled(headHeight + leastContent, size));
+    if (m_tabs)
+        m_tabs->setVisible(height() >= scaled(headHeight + leastContent, currentFontSize()));
+}
+
+int PlaylistWidget::usefulHeight() const
+{
+    const QMargins margins = layout()->contentsMargins();
+    const int head = m_navigationBar ? m_navigationBar->height() + layout()->spacing() : 0;
+    return margins.top() + margins.bottom() + head + m_editor->usefulHeight();
 }
 
 QSize PlaylistWidget::minimumSizeHint() const
@@ -66,7 +73,7 @@ void PlaylistWidget::buildPreview(const Session& session)
 {
     m_navigationBar = new NavigationBar(this);
     m_tabs = new StackedTabWidget(this);
-    m_tabs->addPage(createPlaylistPage());
+    m_tabs->addPage(m_editor);
     m_tabs->addPage(createSingleMediaPage(session));
     const auto addTab = [this](Tab tab, const QString& text, const QString& tip, const char* name) {
         auto* button = new NavButton(text, {}, m_navigationBar);
@@ -84,31 +91,26 @@ void PlaylistWidget::buildPreview(const Session& session)
     connect(m_navigationBar, &NavigationBar::tabSelected, m_tabs, &QStackedWidget::setCurrentIndex);
     connect(session.signalRelay(), &SignalRelay::setNavBar, m_navigationBar,
             [this](uint tab) { m_navigationBar->setActiveTab(static_cast<int>(tab)); });
-    // As long as there are no playlists to edit, the other page has more to say.
-    m_navigationBar->setActiveTab(SingleMediaTab);
+    m_navigationBar->setActiveTab(PlaylistEditorTab);
+    followFontSize(m_navigationBar,
+                   [this](FontSize size) { m_navigationBar->setFixedHeight(scaled(headHeight, size)); });
+    connect(m_editor, &PlaylistEditor::editorPinned, this, &PlaylistWidget::handleEditorPinned);
+    connect(m_editor, &PlaylistEditor::entryCued, this, [this] {
+        if (!m_isPinned)
+            m_navigationBar->setActiveTab(SingleMediaTab);
+    });
 }
 
-void PlaylistWidget::buildProgram()
+void PlaylistWidget::handleEditorPinned(bool pinned)
 {
-    auto* head = new QWidget(this);
-    auto* title = new ZTLabel(tr("PGM playlist"), head);
-    title->setObjectName(QStringLiteral("Program-PlaylistEditor-title"));
-    title->setStyleClass(QStringLiteral("section"));
-    auto* row = new QHBoxLayout(head);
-    row->setContentsMargins(0, 0, 0, 0);
-    row->addWidget(title);
-    layout()->addWidget(head);
-    static_cast<QVBoxLayout*>(layout())->addWidget(createPlaylistPage(), 1);
+    m_isPinned = pinned;
 }
 
-QWidget* PlaylistWidget::createPlaylistPage()
+void PlaylistWidget::insertMedia(const QList<QString>& urls)
 {
-    auto* label = new ZTLabel(tr("Playlists are not part of this version yet."), this);
-    label->setObjectName(objectName() + QStringLiteral("-empty"));
-    label->setStyleClass(QStringLiteral("dim"));
-    label->setAlignment(Qt::AlignCenter);
-    label->setWordWrap(true);
-    return label;
+    if (m_navigationBar)
+        m_navigationBar->setActiveTab(PlaylistEditorTab);
+    m_editor->insertMedia(urls);
 }
 
 QWidget* PlaylistWidget::createSingleMediaPage(const Session& session)

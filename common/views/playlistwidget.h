@@ -6,12 +6,14 @@
 namespace vantrel {
 
 class NavigationBar;
+class PlaylistEditor;
 class Session;
 class SingleMediaModel;
 class StackedTabWidget;
 
 /// What stands under a channel. On preview the playlist editor and all about the single media on the channel,
-/// behind two tabs; on program its playlist. Owned by ChannelWidget; main thread.
+/// behind two tabs; a double click on an entry shows the latter unless the editor is pinned. On program its
+/// playlist. Owned by ChannelWidget; main thread.
 class PlaylistWidget : public ZTFrame
 {
     Q_OBJECT
@@ -25,20 +27,28 @@ public:
     PlaybackViewMode mode() const { return m_mode; }
     /// The tab shown; -1 on program, which has none.
     int currentTab() const;
+    PlaylistEditor* editor() const { return m_editor; }
+    /// Slots into the playlist of preview, which comes to the front.
+    void insertMedia(const QList<QString>& urls);
+    /// The height, in pixels, at which it is of use.
+    int usefulHeight() const;
     QSize minimumSizeHint() const override;
+
+public Q_SLOTS:
+    void handleEditorPinned(bool pinned);
 
 protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
     void buildPreview(const Session& session);
-    void buildProgram();
-    QWidget* createPlaylistPage();
     QWidget* createSingleMediaPage(const Session& session);
 
     PlaybackViewMode m_mode;
     StackedTabWidget* m_tabs = nullptr;
     NavigationBar* m_navigationBar = nullptr;
+    PlaylistEditor* m_editor = nullptr;
+    bool m_isPinned = false;
 };
 
 } // namespace vantrel

@@ -55,16 +55,18 @@ struct Mark
     QString text;
     colors::ColorCode colour = colors::Transparent;
     colors::ColorCode background = colors::Transparent;
+    colors::ColorCode ink = colors::White; // of what stands on the colour
     QString icon;
 };
 
 std::optional<Mark> markOf(MediaState state)
 {
     const auto program = [](const char* icon) {
-        return Mark{QStringLiteral("PGM"), colors::Red_red, colors::Zt_red_10, QString::fromLatin1(icon)};
+        return Mark{QStringLiteral("PGM"), colors::Red_red, colors::Zt_red_10, colors::White,
+                    QString::fromLatin1(icon)};
     };
     const auto preview = [](const char* icon) {
-        return Mark{QStringLiteral("PRW"), colors::Green_primary, colors::Zt_green_10,
+        return Mark{QStringLiteral("PRW"), colors::Green_green, colors::Zt_green_10, colors::Slate_grey_900,
                     QString::fromLatin1(icon)};
     };
     switch (state) {
@@ -179,7 +181,7 @@ void paintThumbnail(QPainter* painter, const QRect& rect, const QModelIndex& ind
     const auto type = static_cast<MediaType>(index.data(MediaLibraryModel::KnownTypeRole).toInt());
     const int side = rect.height() * 3 / 5;
     const QPixmap icon =
-        IconCache::pixmap(placeholderIcon(type), getColor(colors::Zt_white_30), QSize(side, side), ratio);
+        IconCache::pixmap(placeholderIcon(type), getColor(colors::Zt_white_50), QSize(side, side), ratio);
     painter->drawPixmap(rect.center() - QPoint(side / 2, side / 2), icon);
 }
 
@@ -197,12 +199,12 @@ int paintMark(QPainter* painter, const QRect& line, const QFont& font, const Mar
     const QRect chip(line.right() - width + 1, line.top(), width, line.height());
     painter->setBrush(getColor(mark.colour));
     painter->drawRoundedRect(chip, 3, 3);
-    const QPixmap icon = IconCache::pixmap(mark.icon, getColor(colors::White), QSize(side, side),
+    const QPixmap icon = IconCache::pixmap(mark.icon, getColor(mark.ink), QSize(side, side),
                                            painter->device()->devicePixelRatioF());
     painter->drawPixmap(chip.left() + 3, chip.center().y() - side / 2, icon);
     if (!isShort) {
         painter->setFont(bold);
-        painter->setPen(getColor(colors::White));
+        painter->setPen(getColor(mark.ink));
         painter->drawText(chip.adjusted(side + 5, 0, -3, 0), Qt::AlignVCenter | Qt::AlignLeft, mark.text);
         painter->setPen(Qt::NoPen);
     }
@@ -271,7 +273,12 @@ void SlotDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
         index.data(Qt::DecorationRole); // asks for the picture, which comes with a change of the row
     const int role = m_fetching ? MediaLibraryModel::StateRole : MediaLibraryModel::KnownStateRole;
     const auto state = static_cast<MediaState>(index.data(role).toInt());
-    const std::optional<Mark> mark = markOf(state);
+    std::optional<Mark> mark = markOf(state);
+    if (mark && m_stale) { // what it was last, and nobody knows what it is
+        mark->background = colors::Zt_white_4;
+        mark->colour = colors::Slate_grey_500;
+        mark->ink = colors::White;
+    }
     const Layout layout = layoutOf(row, index);
     const QFont caption = captionFont(row.font);
 

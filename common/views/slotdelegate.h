@@ -2,6 +2,8 @@
 
 #include <QStyledItemDelegate>
 
+#include <utility>
+
 namespace vantrel {
 
 /// Paints a row of the media panel: number, picture, name, length, and what plays where. Heights follow the
@@ -16,6 +18,10 @@ public:
     /// Off while rows fly past: what is not known yet is then not asked for.
     void setFetching(bool fetching) { m_fetching = fetching; }
 
+    /// Shows the marks of the channels without their colours: they are the last that was known. False when
+    /// that is nothing new.
+    bool setStale(bool stale) { return std::exchange(m_stale, stale) != stale; }
+
     void paint(QPainter* painter, const QStyleOptionViewItem& option,
                const QModelIndex& index) const override;
     QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override;
@@ -27,6 +33,7 @@ private:
     Layout layoutOf(const QStyleOptionViewItem& option, const QModelIndex& index) const;
 
     bool m_fetching = true;
+    bool m_stale = false;
 };
 
 } // namespace vantrel

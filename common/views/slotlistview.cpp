@@ -60,7 +60,7 @@ void SlotListView::paintEvent(QPaintEvent* event)
     const QRect text = metrics.boundingRect(box, Qt::AlignHCenter | Qt::TextWordWrap, m_emptyText);
     const int top = std::max(box.top(), box.center().y() - (side + 12 + text.height()) / 2);
     painter.drawPixmap(box.center().x() - side / 2, top,
-                       IconCache::pixmap(m_emptyIcon, getColor(colors::Zt_white_30), QSize(side, side),
+                       IconCache::pixmap(m_emptyIcon, getColor(colors::Zt_white_50), QSize(side, side),
                                          devicePixelRatioF()));
     box.setTop(top + side + 12);
     painter.setPen(getColor(colors::Zt_white_70));
@@ -79,8 +79,9 @@ bool SlotListView::viewportEvent(QEvent* event)
     if (event->type() == QEvent::ToolTip) {
         auto* help = static_cast<QHelpEvent*>(event);
         const QString text = indexAt(help->pos()).data(Qt::ToolTipRole).toString();
-        const QString keys =
-            tr("Double-click or %1: cue it on preview").arg(keyText(Hotkeys::current(QStringLiteral("cue"))));
+        const QString keys = tr("Double-click or %1: cue it on preview. %2: add it to the playlist")
+                                 .arg(keyText(Hotkeys::current(QStringLiteral("cue"))),
+                                      keyText(Hotkeys::current(QStringLiteral("insert_media"))));
         QToolTip::showText(help->globalPos(),
                            text.isEmpty()
                                ? text
@@ -96,7 +97,13 @@ bool SlotListView::handleHotkey(const QKeyEvent& event)
     const QKeySequence key = Hotkeys::pressed(event);
     if (key.isEmpty())
         return false;
+    if (state() == EditingState) // what the editor leaves over, such as the Enter that ends it
+        return true;
     const auto is = [&key](const char* name) { return Hotkeys::current(QLatin1String(name)) == key; };
+    if (is("insert_media")) {
+        Q_EMIT insertRequested();
+        return true;
+    }
     if (is("delete")) {
         Q_EMIT deleteRequested();
         return true;

@@ -21,6 +21,8 @@ public:
 Q_SIGNALS:
     void textTyped(QString text);
     void deleteRequested();
+    /// The selected slots are to go into the playlist.
+    void insertRequested();
     /// One of our own rows was dropped before this one; the row count for the end.
     void moveRequested(QModelIndex source, int beforeRow);
 

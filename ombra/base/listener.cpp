@@ -1,6 +1,6 @@
 #include "ombra/base/listener.h"
 
-#include "ombra/base/serverlog.h"
+#include "tarn/log/log.h"
 #include "tarn/net/tcplink.h"
 
 #include <chrono>
@@ -48,7 +48,7 @@ void Listener::accept()
             return;
         if (code) {
             // Out of descriptors, most likely: wait until some are free again.
-            logLine(LogLevel::Warning, m_module, "cannot accept a connection: " + code.message());
+            Log::write(LogLevel::Warning, m_module, "cannot accept a connection: " + code.message());
             m_retry.expires_after(std::chrono::milliseconds(200));
             m_retry.async_wait([this](boost::system::error_code waited) {
                 if (!waited)
@@ -58,7 +58,7 @@ void Listener::accept()
         }
         setLinkOptions(socket);
         if (!m_accepted(std::move(socket)))
-            logLine(LogLevel::Warning, m_module, "too many connections: refusing one");
+            Log::write(LogLevel::Warning, m_module, "too many connections: refusing one");
         accept();
     });
 }

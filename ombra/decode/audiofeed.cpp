@@ -112,6 +112,22 @@ std::optional<int> AudioFeed::channels() const
     return m_channels;
 }
 
+double AudioFeed::end() const
+{
+    const std::lock_guard lock(m_mutex);
+    if (m_channels.value_or(0) == 0)
+        return 0;
+    if (m_seekTo || m_ended)
+        return m_toldEnd;
+    return std::max(m_toldEnd, static_cast<double>(bufferEnd()) / Sound::sampleRate);
+}
+
+bool AudioFeed::ended() const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_channels == 0 || (m_ended && !m_seekTo);
+}
+
 std::int64_t AudioFeed::bufferEnd() const
 {
     const int channels = m_channels.value_or(0);
@@ -168,13 +184,14 @@ void AudioFeed::run()
 void AudioFeed::decode()
 {
     std::string error;
-    const std::unique_ptr<AudioReader> reader = AudioReader::open(m_file, m_stop, &error);
+    const std::unique_ptr<SoundProgramme> reader = SoundProgramme::open(m_file, m_stop, &error);
     if (!reader) {
         playWithout(error);
         return;
     }
     Lock lock(m_mutex);
     m_channels = reader->channels();
+    m_toldEnd = reader->duration();
     while (!m_stop) {
         if (wantsMore())
             read(lock, *reader);
@@ -191,12 +208,12 @@ void AudioFeed::playWithout(const std::string& reason)
         m_channels = 0;
     }
     if (!reason.empty() && !m_stop)
-        Log::write_fmt(LogLevel::Warning, {"audiofeed", "run"}, "vantrel.decode",
-                       "'%s' plays without sound: %s", m_name.c_str(), reason.c_str());
+        Log::write_fmt(LogLevel::Warning, {}, "vantrel.decode", "'%s' plays without sound: %s",
+                       m_name.c_str(), reason.c_str());
     m_arrived();
 }
 
-void AudioFeed::read(Lock& lock, AudioReader& reader)
+void AudioFeed::read(Lock& lock, SoundProgramme& reader)
 {
     const std::optional<double> target = m_seekTo;
     const bool wasReady = isReady();
@@ -213,6 +230,10 @@ void AudioFeed::read(Lock& lock, AudioReader& reader)
     }
     m_buffer.insert(m_buffer.end(), samples.begin(), samples.end());
     m_ended = !found;
+    if (m_ended) {
+        const double last = static_cast<double>(bufferEnd()) / Sound::sampleRate;
+        m_toldEnd = target ? std::min(m_toldEnd, last) : last; // sought behind the end tells only that
+    }
     m_filling = bufferEnd() < m_playedTo + fillTo;
     if (!wasReady && isReady()) {
         lock.unlock();

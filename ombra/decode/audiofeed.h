@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ombra/decode/audioreader.h"
+#include "ombra/decode/soundprogramme.h"
 
 #include <condition_variable>
 #include <functional>
@@ -35,6 +35,10 @@ public:
     bool holds(double time) const;
     /// Nothing until the medium is opened; 0 for one without sound, or with sound that does not decode.
     std::optional<int> channels() const;
+    /// Seconds of the medium at which its sound ends: exactly once ended() is true, before that as the file
+    /// says; 0 without sound.
+    double end() const;
+    bool ended() const;
     /// Appends what sounds between two times of the media (seconds), silence where there is nothing. Time
     /// goes on: what lies well before it is forgotten.
     void take(double from, double to, Sound& out);
@@ -45,7 +49,7 @@ private:
     void run();
     void decode();
     void playWithout(const std::string& reason);
-    void read(Lock& lock, AudioReader& reader);
+    void read(Lock& lock, SoundProgramme& reader);
     bool wantsMore() const;
     bool isKnown(std::int64_t sample) const;
     bool isReady() const;
@@ -60,6 +64,7 @@ private:
     mutable std::mutex m_mutex;
     std::condition_variable m_work;
     std::optional<int> m_channels;
+    double m_toldEnd = 0;           // seconds
     std::optional<double> m_seekTo; // asked for, not done
     std::vector<float> m_buffer;    // decoded, from m_bufferStart on
     std::int64_t m_bufferStart = 0; // sample

@@ -26,15 +26,8 @@ double startTime(const AVStream* stream)
 
 } // namespace
 
-std::unique_ptr<AudioReader> AudioReader::open(const std::filesystem::path& file,
-                                               const std::atomic<bool>& stop, std::string* error)
+std::unique_ptr<AudioReader> AudioReader::open(std::unique_ptr<AvInput> input, std::string* error)
 {
-    std::string why;
-    std::unique_ptr<AvInput> input = AvInput::open(file, stop, &why, AvInput::Read::Sound);
-    if (error)
-        error->clear();
-    if (!input || !input->audio())
-        return nullptr; // a file that does not open is reported by who reads its pictures
     AvPtr<AVCodecContext> decoder = input->openDecoder(input->audio(), error);
     if (!decoder)
         return nullptr;
@@ -56,6 +49,16 @@ AudioReader::AudioReader(std::unique_ptr<AvInput> input, AvPtr<AVCodecContext> d
     , m_frame(av_frame_alloc())
     , m_origin(startTime(m_input->video() ? m_input->video() : m_input->audio()))
 {
+}
+
+double AudioReader::duration() const
+{
+    const AVStream* stream = m_input->audio();
+    if (stream->duration != AV_NOPTS_VALUE && stream->duration > 0)
+        return startTime(stream) + static_cast<double>(stream->duration) * av_q2d(stream->time_base) -
+               m_origin;
+    const std::int64_t whole = m_input->format()->duration;
+    return whole != AV_NOPTS_VALUE && whole > 0 ? static_cast<double>(whole) / AV_TIME_BASE : 0;
 }
 
 bool AudioReader::seek(double time)

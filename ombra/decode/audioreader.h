@@ -22,18 +22,21 @@ struct Sound
     }
 };
 
-/// The sound of one medium in order, found to the sample: time 0 is where the pictures begin, or the sound
-/// where there are none. What is missing in between reads as silence. One thread at a time; calls block while
-/// they decode, and the flag given on opening ends them early.
+/// One stream of sound of a medium in order, found to the sample: time 0 is where the pictures begin, or the
+/// sound where there are none. What is missing in between reads as silence. One thread at a time; calls block
+/// while they decode, and the flag given on opening ends them early.
 class AudioReader
 {
 public:
-    /// Null for a medium without sound, with an empty reason, and for sound that cannot be decoded, with the
-    /// reason.
-    static std::unique_ptr<AudioReader> open(const std::filesystem::path& file, const std::atomic<bool>& stop,
-                                             std::string* error);
+    /// Of an input that reads its sound. Null, and the reason, where that cannot be decoded.
+    static std::unique_ptr<AudioReader> open(std::unique_ptr<AvInput> input, std::string* error);
+
+    /// Seconds of sound after the last picture that are the padding of its codec and not meant to be heard.
+    static constexpr double padding = 0.1;
 
     int channels() const { return m_channels; } // 1 to Sound::maxChannels; further ones are left out
+
+    double duration() const; // seconds from time 0 to its end, as the file says; 0 where it does not
 
     /// What next() reads then begins with the sample of this time, seconds.
     bool seek(double time);

@@ -26,7 +26,7 @@ void forwardAvLog(void* source, int level, const char* format, va_list args)
         text.pop_back();
     // What a damaged file says to a decoder is no failure of ours: only the worst of it is worth a warning.
     const LogLevel ours = level <= AV_LOG_FATAL ? LogLevel::Warning : LogLevel::Debug;
-    Log::write_fmt(ours, {"avhandles", "forwardAvLog"}, "vantrel.decode", "%s", text.c_str());
+    Log::write(ours, "vantrel.decode", text);
 }
 
 } // namespace

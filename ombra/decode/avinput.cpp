@@ -109,6 +109,27 @@ std::unique_ptr<AvInput> AvInput::open(const std::filesystem::path& file, const 
     return input;
 }
 
+std::vector<AVStream*> AvInput::sounds() const
+{
+    std::vector<AVStream*> streams;
+    for (unsigned i = 0; i < m_format->nb_streams; ++i) {
+        if (m_format->streams[i]->codecpar->codec_type == AVMEDIA_TYPE_AUDIO)
+            streams.push_back(m_format->streams[i]);
+    }
+    return streams;
+}
+
+bool AvInput::chooseSound(std::size_t index)
+{
+    const std::vector<AVStream*> streams = sounds();
+    if (index >= streams.size())
+        return false;
+    m_audio->discard = AVDISCARD_ALL;
+    m_audio = streams[index];
+    m_audio->discard = AVDISCARD_DEFAULT;
+    return true;
+}
+
 int AvInput::openOnlyOwn(AVFormatContext* context, AVIOContext** out, const char* url, int flags,
                          AVDictionary** options)
 {

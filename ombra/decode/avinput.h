@@ -7,6 +7,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace vantrel::ombra {
 
@@ -25,6 +26,10 @@ public:
     AVFormatContext* format() const { return m_format.get(); }
     AVStream* video() const { return m_video; } // null without pictures; a cover picture is none
     AVStream* audio() const { return m_audio; }
+    /// All streams of sound, in the file's order.
+    std::vector<AVStream*> sounds() const;
+    /// Reads that one of them in place of the best; false where there is none.
+    bool chooseSound(std::size_t index);
     bool isStill() const;
     bool stopped() const { return m_stop.load(std::memory_order_relaxed); }
 

@@ -1,8 +1,8 @@
 #include "ombra/decode/mediaprobe.h"
 
-#include "ombra/decode/audioreader.h"
 #include "ombra/decode/avinput.h"
 #include "ombra/decode/mediaurl.h"
+#include "ombra/decode/soundprogramme.h"
 #include "ombra/decode/unplayable.h"
 #include "ombra/decode/videoreader.h"
 
@@ -69,14 +69,14 @@ std::int64_t bitRateOf(const AvInput& input)
     return std::max<std::int64_t>(input.format()->bit_rate, 0);
 }
 
-void describeSound(const std::filesystem::path& file, const AvInput& input, MediaInfo& info)
+/// Seconds of it; 0 where none can be decoded.
+double describeSound(const std::filesystem::path& file, const AvInput& input, MediaInfo& info)
 {
     const AVCodecParameters& sound = *input.audio()->codecpar;
     info.audioCodec = avcodec_get_name(sound.codec_id);
     info.audioProfile = textOf(avcodec_profile_name(sound.codec_id, sound.profile));
     info.audioChannels = sound.ch_layout.nb_channels;
     info.sampleRate = sound.sample_rate;
-    info.unsupportedAudio = !AudioReader::open(file, never, nullptr);
     const AVCodecDescriptor* kind = avcodec_descriptor_get(sound.codec_id);
     if (kind) {
         info.audioKind = kind->long_name ? kind->long_name : kind->name;
@@ -84,6 +84,12 @@ void describeSound(const std::filesystem::path& file, const AvInput& input, Medi
         char tag[AV_FOURCC_MAX_STRING_SIZE] = {};
         info.audioKind = std::string("of the kind \"") + av_fourcc_make_string(tag, sound.codec_tag) + "\"";
     }
+    const auto programme = SoundProgramme::open(file, never, nullptr);
+    info.unsupportedAudio = !programme || programme->isPartial();
+    info.partialAudio = programme && programme->isPartial();
+    if (programme && input.sounds().size() > 1)
+        info.audioChannels = programme->channels();
+    return programme ? programme->duration() : 0;
 }
 
 std::string fieldOrderOf(const AVCodecParameters& pictures)
@@ -144,19 +150,22 @@ void describePictures(const AvInput& input, MediaInfo& info)
 }
 
 /// Sound alone.
-void probeSound(const AvInput& input, MediaInfo& info, std::string* error)
+void probeSound(const AvInput& input, double sound, MediaInfo& info, std::string* error)
 {
     info.type = MediaType::AudioFile;
     info.codec = info.audioCodec;
     info.duration = input.duration();
-    info.playable = !info.unsupportedAudio;
+    info.playable = sound > 0;
     if (!info.playable)
         setError(error, "Its sound (" + info.audioKind + ") cannot be decoded here. Convert it.");
 }
 
-void probePictures(std::unique_ptr<AvInput> input, MediaInfo& info, std::string* error)
+/// With so many seconds of sound.
+void probePictures(std::unique_ptr<AvInput> input, double sound, MediaInfo& info, std::string* error)
 {
     describePictures(*input, info);
+    if (info.type == MediaType::VideoFile && sound > info.duration + AudioReader::padding)
+        info.duration = sound; // it plays on behind the pictures
     std::string why;
     const auto reader = VideoReader::open(std::move(input), {160, 90}, &why);
     Picture picture;
@@ -183,13 +192,12 @@ std::optional<MediaInfo> probeFile(const std::filesystem::path& file, std::strin
         setError(error, unplayableReason(file, why));
         return info;
     }
-    if (input->audio())
-        describeSound(file, *input, info);
+    const double sound = input->audio() ? describeSound(file, *input, info) : 0;
     info.startTimecode = timecodeOf(*input);
     if (input->video())
-        probePictures(std::move(input), info, error);
+        probePictures(std::move(input), sound, info, error);
     else
-        probeSound(*input, info, error);
+        probeSound(*input, sound, info, error);
     if (info.playable && info.duration > 0)
         info.cutOff = findCutOff(file);
     return info;

@@ -244,8 +244,8 @@ void PictureFeed::fail(std::unique_lock<std::mutex>& lock, const std::string& er
     if (m_stop)
         return;
     lock.unlock();
-    Log::write_fmt(LogLevel::Warning, {"picturefeed", "fail"}, "vantrel.decode", "Cannot play '%s': %s",
-                   m_name.c_str(), error.c_str());
+    Log::write_fmt(LogLevel::Warning, {}, "vantrel.decode", "Cannot play '%s': %s", m_name.c_str(),
+                   error.c_str());
     m_arrived();
     lock.lock();
 }

@@ -60,9 +60,8 @@ bool SequenceReader::load(int index, Picture& out)
         m_surface = std::move(surface);
     } else if (!m_complained) {
         m_complained = true;
-        Log::write_fmt(LogLevel::Warning, {"sequencereader", "load"}, "vantrel.decode",
-                       "Cannot read picture '%s' of a sequence: %s", m_pattern.file(m_first + index).c_str(),
-                       error.c_str());
+        Log::write_fmt(LogLevel::Warning, {}, "vantrel.decode", "Cannot read picture '%s' of a sequence: %s",
+                       m_pattern.file(m_first + index).c_str(), error.c_str());
     }
     if (!m_surface)
         m_surface = blackSurface(m_canvas);

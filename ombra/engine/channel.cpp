@@ -14,10 +14,10 @@ constexpr double longestTransition = 60; // seconds
 
 struct TakeOptions
 {
-    bool swap = true;
-    PlayheadOption playhead = PlayheadOption::FromInpoint;
-    TakeTransitionType transition = TakeTransitionType::Crossfade;
-    double duration = 0;
+    bool presetToggle = true;
+    PlayheadOption playheadOption = PlayheadOption::FromInpoint;
+    TakeTransitionType transitionType = TakeTransitionType::Crossfade;
+    double transitionDuration = 0; // seconds
 };
 
 template <typename T>
@@ -33,15 +33,15 @@ const char* readOptions(const Json& args, TakeOptions& out)
     const Json* toggle = args.find("presetToggle");
     if (toggle && toggle->type() != JsonType::Bool)
         return "presetToggle";
-    out.swap = !toggle || toggle->asBool();
-    if (!readText(args, "playheadOption", out.playhead))
+    out.presetToggle = !toggle || toggle->asBool();
+    if (!readText(args, "playheadOption", out.playheadOption))
         return "playheadOption";
-    if (!readText(args, "transitionType", out.transition))
+    if (!readText(args, "transitionType", out.transitionType))
         return "transitionType";
     const Json* duration = args.find("transitionDuration");
     if (duration && (!duration->isNumber() || duration->asDouble() < 0))
         return "transitionDuration";
-    out.duration = duration ? std::min(duration->asDouble(), longestTransition) : 0;
+    out.transitionDuration = duration ? std::min(duration->asDouble(), longestTransition) : 0;
     return nullptr;
 }
 
@@ -68,16 +68,18 @@ bool Channel::take(const Json& args, std::string* error)
     }
 
     const std::lock_guard lock(m_studio.lock);
-    const bool fromInpoint = options.playhead == PlayheadOption::FromInpoint;
+    m_preview.sync();
+    m_program.sync();
+    const bool fromInpoint = options.playheadOption == PlayheadOption::FromInpoint;
     const auto keep = [&](Playback& playback) {
         return fromInpoint ? std::nullopt : positionOf(playback.player());
     };
-    const Playback::Loaded cued = m_preview.loaded();
-    const Playback::Loaded onAir = m_program.loaded();
+    const Loaded cued = m_preview.loaded();
+    const Loaded onAir = m_program.loaded();
     const std::optional<double> onAirAt = keep(m_program);
     const std::shared_ptr<Deck> before = m_program.player().deck();
     std::shared_ptr<Deck> deck;
-    if (!options.swap) {
+    if (!options.presetToggle) {
         deck =
             m_program.makeDeck(cued, keep(m_preview), SourcePlayState::Play, m_preview.player().deck().get());
     } else if ((deck = m_preview.player().release())) {
@@ -87,13 +89,13 @@ bool Channel::take(const Json& args, std::string* error)
         deck->setState(SourcePlayState::Play);
         deck->setCanvas(m_program.canvasOf(cued));
     }
-    m_program.player().load(std::move(deck), options.transition, options.duration);
     m_program.setLoaded(cued);
+    m_program.player().load(std::move(deck), {options.transitionType, options.transitionDuration},
+                            cued.item->mode == SourceMode::Playlist);
     m_program.beginTake();
-    if (options.swap) {
+    if (options.presetToggle) {
         m_preview.setLoaded(onAir);
-        m_preview.player().load(m_preview.makeDeck(onAir, onAirAt, SourcePlayState::Pause, before.get()),
-                                TakeTransitionType::DirectCut, 0);
+        m_preview.player().load(m_preview.makeDeck(onAir, onAirAt, SourcePlayState::Pause, before.get()), {});
     }
     m_studio.wake();
     return true;

@@ -33,6 +33,7 @@ Deck::Deck(MediaSource source, const MediaItem& item, EndAction endAction, Canva
     , m_state(state)
     , m_target(position.value_or(item.inpoint))
     , m_position(m_target)
+    , m_begin(m_target)
     , m_audio(soundFile(source), m_target, item.contentUrl, wake)
     , m_feed(std::move(source), canvas, m_target, item.contentUrl, wake, std::move(open))
 {
@@ -52,6 +53,14 @@ void Deck::retire()
     m_feed.stop();
 }
 
+void Deck::release(double now, double ago)
+{
+    m_held = false;
+    m_clockStart = now - ago;
+    m_clockPosition = m_begin;
+    m_heardTo = m_begin;
+}
+
 void Deck::setState(SourcePlayState state)
 {
     if (state == SourcePlayState::Stop && m_state != SourcePlayState::Stop)
@@ -69,7 +78,7 @@ void Deck::setItem(const MediaItem& item)
 {
     const bool moved = item.inpoint != m_item.inpoint;
     m_item = item;
-    if (moved && m_state == SourcePlayState::Stop)
+    if (moved && (m_held || m_state == SourcePlayState::Stop))
         start(m_item.inpoint);
 }
 
@@ -80,7 +89,7 @@ void Deck::setCanvas(Canvas canvas)
                                                                  : m_position);
     if (!changed || m_awaiting || m_clockStart)
         return;
-    m_target = m_position; // the picture that stands is shown once more
+    m_target = m_begin; // the picture that stands is shown once more
     m_awaiting = true;
 }
 
@@ -132,7 +141,7 @@ void Deck::start(double position)
     m_awaiting = true;
     m_toOutpoint = false;
     m_atEnd = false;
-    m_endedNews = false;
+    m_endIsDue = false;
     m_clockStart.reset();
     m_soundAwaitedSince.reset();
     m_audio.seek(position);
@@ -145,31 +154,48 @@ void Deck::advance(double now)
     m_sound.channels = 0;
     m_sound.samples.clear();
     m_late = false;
+    m_past = 0;
     if (status.failed) {
-        if (std::exchange(m_awaiting, false))
-            m_position = m_target; // where it would stand: what lasts of it is not lost
-        m_surface = nullptr;
-        if (m_state == SourcePlayState::Play && !m_atEnd) {
-            m_atEnd = true;
-            m_endedNews = m_endAction == EndAction::Next;
-            if (!m_endedNews)
-                m_state = SourcePlayState::Stop;
-        }
+        fail();
         return;
     }
     if (m_toOutpoint && status.opened)
         seekOutpoint();
-    const bool playing = m_state == SourcePlayState::Play && !m_atEnd;
+    if (m_endIsDue && !m_followed)
+        doEndAction();
+    const bool playing = m_state == SourcePlayState::Play && !m_atEnd && !m_held;
     if (m_awaiting) {
         const std::optional<Picture> picture =
             playing && !soundIsDue(now) ? std::nullopt : m_feed.take(m_target);
         if (!picture)
             return;
-        show(*picture);
-        m_awaiting = false;
+        land(*picture);
     }
     if (playing && (m_clockStart || soundIsDue(now)))
         play(now, status);
+}
+
+void Deck::fail()
+{
+    if (std::exchange(m_awaiting, false))
+        m_position = m_target; // where it would stand: what lasts of it is not lost
+    m_surface = nullptr;
+    if (m_held || m_state != SourcePlayState::Play || m_atEnd)
+        return;
+    m_atEnd = true;
+    if (m_endAction != EndAction::Next)
+        m_state = SourcePlayState::Stop;
+}
+
+/// The first picture of what was sought. Where that lies within the picture, or in sound behind the last one,
+/// the clock begins there.
+void Deck::land(const Picture& picture)
+{
+    show(picture);
+    m_awaiting = false;
+    if (m_target > m_position &&
+        m_target < std::max(m_position + m_shownFor, withSound(m_position + m_shownFor)))
+        m_begin = m_target;
 }
 
 /// Pictures and sound begin together: whether the sound is there, or was waited for long enough.
@@ -184,18 +210,22 @@ void Deck::play(double now, const PictureFeed::Status& status)
 {
     if (!m_clockStart) {
         m_clockStart = now;
-        m_clockPosition = m_position;
-        m_heardTo = m_position;
+        m_clockPosition = m_begin;
+        m_heardTo = m_begin;
     }
     m_clock = m_clockPosition + now - *m_clockStart;
     const double limit = end(status, true);
-    hear(std::min(m_clock, limit));
-    if (m_clock > limit - PictureReader::tolerance) {
+    const bool ends = m_clock > limit - PictureReader::tolerance;
+    hear(ends ? limit : m_clock);
+    if (ends) {
         finish(limit);
         return;
     }
     if (const std::optional<Picture> picture = m_feed.take(m_clock))
         show(*picture);
+    else if (status.ended && m_clock > status.endTime && m_shownFor > 0) // its sound goes on
+        m_begin = m_position +=
+            std::floor((m_clock - m_position + PictureReader::tolerance) / m_shownFor) * m_shownFor;
     m_late = m_clock > m_position + m_shownFor + lateTolerance && m_feed.isBehind();
 }
 
@@ -212,6 +242,7 @@ void Deck::show(const Picture& picture)
     m_surface = picture.surface;
     m_position = picture.time;
     m_shownFor = picture.duration;
+    m_begin = m_position;
 }
 
 void Deck::finish(double end)
@@ -219,11 +250,20 @@ void Deck::finish(double end)
     if (const std::optional<Picture> picture = m_feed.take(end - beforeEnd))
         show(*picture);
     m_atEnd = true;
+    m_past = m_clock - end;
     m_clockStart.reset();
+    m_endIsDue = true;
+    if (!m_followed)
+        doEndAction();
+}
+
+void Deck::doEndAction()
+{
+    m_endIsDue = false;
     switch (m_endAction) {
     case EndAction::Repeat:
         // What is no longer than a picture has nothing to repeat, and would seek for ever.
-        if (end - m_item.inpoint > 0.05)
+        if (length().value_or(0) > 0.05)
             start(m_item.inpoint);
         else
             m_state = SourcePlayState::Pause;
@@ -232,7 +272,6 @@ void Deck::finish(double end)
         setState(SourcePlayState::Stop);
         break;
     case EndAction::Next:
-        m_endedNews = true;
         break;
     case EndAction::Pause:
     case EndAction::GoTo:
@@ -245,12 +284,43 @@ double Deck::end(const PictureFeed::Status& status, bool playing) const
 {
     if (status.type == MediaType::ImageFile)
         return m_item.stillDuration.value_or(PictureReader::endless);
-    double limit = m_item.outpoint.value_or(PictureReader::endless);
-    if (status.ended)
-        limit = std::min(limit, status.endTime);
-    else if (status.duration > 0 && !playing)
-        limit = std::min(limit, status.duration);
-    return limit;
+    return std::min(m_item.outpoint.value_or(PictureReader::endless), mediumEnd(status, playing));
+}
+
+double Deck::mediumEnd(const PictureFeed::Status& status, bool playing) const
+{
+    if (!status.ended)
+        return playing || status.duration <= 0 ? PictureReader::endless : withSound(status.duration);
+    const double whole = withSound(status.endTime);
+    return playing && whole > status.endTime && !m_audio.ended() ? PictureReader::endless : whole;
+}
+
+/// Sound that is longer than the pictures plays on.
+double Deck::withSound(double pictures) const
+{
+    const double sound = m_audio.end();
+    return sound > pictures + AudioReader::padding ? sound : pictures;
+}
+
+double Deck::remaining() const
+{
+    if (m_awaiting)
+        return PictureReader::endless;
+    return m_atEnd ? 0 : end(m_feed.status(), false) - (m_clockStart ? m_clock : m_begin);
+}
+
+bool Deck::endIsUnknown() const
+{
+    const PictureFeed::Status status = m_feed.status();
+    return status.opened && status.duration <= 0 && !m_item.outpoint && !status.ended;
+}
+
+std::optional<double> Deck::length() const
+{
+    const PictureFeed::Status status = m_feed.status();
+    if (!status.opened)
+        return std::nullopt;
+    return std::max(0.0, end(status, false) - m_item.inpoint);
 }
 
 double Deck::seekLimit() const
@@ -258,15 +328,14 @@ double Deck::seekLimit() const
     const PictureFeed::Status status = m_feed.status();
     if (status.type == MediaType::ImageFile)
         return end(status, false);
-    return status.duration > 0 ? status.duration : PictureReader::endless;
+    return status.duration > 0 ? withSound(status.duration) : PictureReader::endless;
 }
 
 double Deck::outpoint() const
 {
-    const PictureFeed::Status status = m_feed.status();
-    if (status.type == MediaType::ImageFile)
+    if (m_feed.status().type == MediaType::ImageFile)
         return m_item.stillDuration.value_or(0);
-    const double whole = std::isinf(status.duration) ? 0 : status.duration;
+    const double whole = duration();
     return m_item.outpoint ? (whole > 0 ? std::min(*m_item.outpoint, whole) : *m_item.outpoint) : whole;
 }
 
@@ -275,7 +344,7 @@ double Deck::duration() const
     const PictureFeed::Status status = m_feed.status();
     if (status.type == MediaType::ImageFile)
         return m_item.stillDuration.value_or(0);
-    return std::isinf(status.duration) ? 0 : status.duration;
+    return std::isinf(status.duration) || status.duration <= 0 ? 0 : withSound(status.duration);
 }
 
 } // namespace vantrel::ombra

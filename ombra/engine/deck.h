@@ -24,6 +24,14 @@ public:
 
     /// Opens the medium and decodes, once; a deck that was never begun costs nothing.
     void begin();
+    /// Waits at the in point with picture and sound ready, whatever its state, until it is released.
+    void hold() { m_held = true; }
+    /// Begins from there as if that had been so many seconds before now.
+    void release(double now, double ago);
+    /// Whether it can be released, and plays from that moment.
+    bool prepared() const { return m_held && landed() && !failed() && m_audio.ready(); }
+    /// At the end nothing happens but that it holds: another deck is there to go on.
+    void setFollowed(bool followed) { m_followed = followed; }
     /// Ends all decoding at once, without waiting for it. When idle(), letting the deck go waits for nobody.
     void retire();
     bool idle() const { return m_audio.idle() && m_feed.idle(); }
@@ -49,6 +57,17 @@ public:
 
     /// Takes what the feed has for this moment. At the end it does as the end action says.
     void advance(double now);
+    /// Plays no further, though it is not paused: another one is to follow.
+    bool atEnd() const { return m_atEnd && m_state == SourcePlayState::Play; }
+    /// Seconds by which the end lay before this moment, where it was reached since the moment before.
+    double past() const { return m_past; }
+    /// Seconds to the end, as far as that is known ahead; endless before the first picture and for what never
+    /// ends.
+    double remaining() const;
+    /// Whether only its last picture will tell where it ends.
+    bool endIsUnknown() const;
+    /// Seconds from the in point to the end; endless as above, nothing until the medium is opened.
+    std::optional<double> length() const;
 
     const Ref<Surface>& surface() const { return m_surface; } // null before the first picture
     const Sound& sound() const { return m_sound; }            // played since the advance before
@@ -63,8 +82,6 @@ public:
     bool failed() const { return m_feed.status().failed; }
     /// Whether it can come on air: one that fails in a list is passed over instead.
     bool ready() const { return landed() && !(failed() && m_state == SourcePlayState::Play); }
-    /// Whether the end was reached and the end action Next is due; tells it once.
-    bool takeEnded() { return std::exchange(m_endedNews, false); }
     PictureFeed::Status status() const { return m_feed.status(); }
     double outpoint() const; // the out point, else the end of the media; 0 while that is unknown or endless
     double duration() const; // of the media untrimmed, 0 as above
@@ -73,24 +90,32 @@ private:
     /// The out point or the end of the media. While it plays, only the last picture itself ends a medium,
     /// since files are often a little longer or shorter than they say.
     double end(const PictureFeed::Status& status, bool playing) const;
+    double mediumEnd(const PictureFeed::Status& status, bool playing) const;
+    double withSound(double pictures) const;
     double seekLimit() const;
     void start(double position);
     bool soundIsDue(double now);
     void play(double now, const PictureFeed::Status& status);
     void hear(double to);
     void show(const Picture& picture);
+    void land(const Picture& picture);
+    void fail();
     void finish(double end);
+    void doEndAction();
 
     MediaItem m_item;
     bool m_begun = false;
+    bool m_held = false;
+    bool m_followed = false;
     EndAction m_endAction;
     SourcePlayState m_state;
     double m_target; // sought last
     bool m_awaiting = true;
     bool m_toOutpoint = false; // the target is the out point, which is not known yet
     bool m_atEnd = false;
-    bool m_endedNews = false;
+    bool m_endIsDue = false; // the end action was put off
     bool m_late = false;
+    double m_past = 0;
     std::optional<double> m_soundAwaitedSince; // "now"
     std::optional<double> m_clockStart;        // "now" at which m_clockPosition was shown, while playing
     double m_clockPosition = 0;
@@ -100,6 +125,7 @@ private:
     Ref<Surface> m_surface;
     double m_position;
     double m_shownFor = 0; // seconds that the surface stands
+    double m_begin = 0;    // from where the clock starts when it does
     // Last: their threads call wake.
     AudioFeed m_audio;
     PictureFeed m_feed;

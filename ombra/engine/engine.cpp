@@ -3,7 +3,6 @@
 #include "ombra/engine/channel.h"
 #include "ombra/engine/librarysource.h"
 #include "ombra/engine/mixer.h"
-#include "tarn/log/log.h"
 #include "tarn/media/enumtext.h"
 #include "tarn/media/medialibrary.h"
 #include "tarn/scene/scene.h"

@@ -16,14 +16,12 @@ namespace {
 template <typename Map, typename Key>
 std::optional<Key> neighbourKey(const Map& map, const Key& key, int direction)
 {
-    std::optional<Key> before;
-    for (const auto& [candidate, record] : map) {
-        if (candidate < key)
-            before = candidate;
-        else if (key < candidate)
-            return direction < 0 ? before : std::optional<Key>(candidate);
-    }
-    return direction < 0 ? before : std::nullopt;
+    auto at = map.lower_bound(key);
+    if (direction < 0)
+        return at == map.begin() ? std::nullopt : std::optional<Key>(std::prev(at)->first);
+    if (at != map.end() && at->first == key)
+        ++at;
+    return at == map.end() ? std::nullopt : std::optional<Key>(at->first);
 }
 
 MediaItem toItem(const MediaSlot& slot)
@@ -32,6 +30,7 @@ MediaItem toItem(const MediaSlot& slot)
     item.contentUrl = slot.getUrl();
     item.inpoint = std::max(0.0, slot.getInpoint());
     item.outpoint = slot.getOutpoint();
+    item.playable = slot.getIsPlayable();
     item.scaling = slot.getScaleMode();
     if (slot.isFinite())
         item.stillDuration = slot.getCustomMediaDuration();

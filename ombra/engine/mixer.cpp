@@ -3,6 +3,7 @@
 #include "ombra/engine/mix.h"
 
 #include <algorithm>
+#include <ranges>
 
 namespace vantrel::ombra {
 
@@ -118,8 +119,9 @@ void Mixer::round(double now, bool inTime)
             output->playback->lateWatch().note(moment.late, now);
             retired = output->playback->player().takeRetired();
         }
-        const Ref<Surface> surface =
-            moment.from ? mix(moment.from, moment.to, moment.type, moment.weight) : moment.to;
+        Ref<Surface> surface = moment.layers.front().surface;
+        for (const Player::Moment::Layer& layer : moment.layers | std::views::drop(1))
+            surface = mix(surface, layer.surface, layer.type, layer.weight);
         {
             const std::lock_guard lock(m_lock);
             output->playback->player().setShown(surface);

@@ -70,6 +70,7 @@ Playback::Playback(Studio& studio, std::string path, bool isProgram)
     : m_studio(studio)
     , m_path(std::move(path))
     , m_isProgram(isProgram)
+    , m_order(studio.source)
     , m_player(studio.black, isProgram)
     , m_output(studio.canvas)
 {
@@ -82,7 +83,7 @@ bool Playback::invoke(std::string_view method, const Json& args, std::string* er
     if (method == "playMedia")
         return textArgument(args, "mediaUrl", text, error) && playMedia(text, error);
     if (method == "nextMedia" || method == "prevMedia") {
-        move(method == "nextMedia" ? 1 : -1, method == "nextMedia");
+        move(method == "nextMedia" ? 1 : -1);
         return true;
     }
     if (method == "seekMedia" && !numberArgument(args, "mediaPosition", number, error))
@@ -95,6 +96,7 @@ bool Playback::invoke(std::string_view method, const Json& args, std::string* er
         return fail(error, "a playback has no method '" + std::string(method) + "'");
 
     const std::lock_guard lock(m_studio.lock);
+    sync();
     const std::shared_ptr<Deck>& deck = m_player.deck();
     if (!deck || !m_loaded.item)
         return true;
@@ -124,25 +126,28 @@ void Playback::seekTo(double position)
 void Playback::setState(SourcePlayState state)
 {
     const std::lock_guard lock(m_studio.lock);
+    sync();
     m_player.setState(state);
     m_studio.wake();
 }
 
 void Playback::setEndAction(EndAction action)
 {
-    m_loaded.endAction = action;
     const std::lock_guard lock(m_studio.lock);
+    sync();
+    m_loaded.endAction = action;
     if (m_player.deck())
         m_player.deck()->setEndAction(action);
+    revisePlan();
 }
 
 void Playback::setMedia(const std::string& url)
 {
     std::optional<MediaItem> item = m_studio.source.resolve(url);
     if (!item && !url.empty())
-        Log::write_fmt(LogLevel::Warning, {"playback", "setMedia"}, "vantrel.engine",
-                       "There is no media '%s' to show on %s", url.c_str(), m_path.c_str());
-    load(url, std::move(item), SourcePlayState::Play, false);
+        Log::write_fmt(LogLevel::Warning, {}, "vantrel.engine", "There is no media '%s' to show on %s",
+                       url.c_str(), m_path.c_str());
+    load(url, std::move(item), SourcePlayState::Play);
 }
 
 void Playback::followSound(const Object& object)
@@ -161,9 +166,11 @@ void Playback::setOutput(const Canvas& output)
     if (output == m_output)
         return;
     const std::lock_guard lock(m_studio.lock);
+    sync();
     m_output = output;
     if (m_player.deck())
         m_player.deck()->setCanvas(canvasOf(m_loaded));
+    revisePlan();
 }
 
 Canvas Playback::canvasOf(const Loaded& loaded) const
@@ -179,28 +186,45 @@ bool Playback::playMedia(const std::string& url, std::string* error)
     std::optional<MediaItem> item = m_studio.source.resolve(url);
     if (!item)
         return fail(error, "there is no media '" + url + "'");
-    load(url, std::move(item), SourcePlayState::Play, false);
+    load(url, std::move(item), SourcePlayState::Play);
     return true;
 }
 
-void Playback::load(const std::string& url, std::optional<MediaItem> item, SourcePlayState state,
-                    bool transition)
+void Playback::load(const std::string& url, std::optional<MediaItem> item, SourcePlayState state)
 {
-    const EndAction before = m_loaded.endAction;
-    m_loaded = {url, std::move(item), before};
-    const std::optional<MediaItem>& now = m_loaded.item;
-    if (now && now->mode == SourceMode::Playlist)
-        m_loaded.endAction = now->endAction;
-    else if (now && (before == EndAction::Next || before == EndAction::GoTo))
-        m_loaded.endAction = EndAction::Pause;
-    const bool mixes = now && transition && now->mode == SourceMode::Playlist;
+    m_order.forgetFailures();
+    m_direction = 1;
+    load(m_order.load(url, std::move(item), m_loaded.endAction), state, false);
+}
+
+void Playback::load(Loaded loaded, SourcePlayState state, bool transition)
+{
     // Without the lock: a disk that hangs must not hold up what is on air.
-    std::shared_ptr<Deck> deck = makeDeck(m_loaded, std::nullopt, state);
+    std::shared_ptr<Deck> deck = makeDeck(loaded, std::nullopt, state);
+    const bool inList = loaded.item && loaded.item->mode == SourceMode::Playlist;
     const std::lock_guard lock(m_studio.lock);
+    sync();
     m_taking = false;
-    m_player.load(std::move(deck), mixes ? now->transition : TakeTransitionType::DirectCut,
-                  mixes ? now->transitionDuration : 0);
+    const Player::Transition into = transition ? transitionInto(loaded) : Player::Transition();
+    setLoaded(std::move(loaded));
+    m_player.load(std::move(deck), into, inList);
     m_studio.wake();
+}
+
+void Playback::setLoaded(Loaded loaded)
+{
+    if (!m_player.loading())
+        m_onAir = std::move(m_loaded);
+    m_loaded = std::move(loaded);
+    m_plan.clear();
+    m_planIsWhole = false;
+}
+
+Player::Transition Playback::transitionInto(const Loaded& loaded) const
+{
+    const bool mixes = loaded.item && loaded.item->mode == SourceMode::Playlist;
+    return mixes ? Player::Transition{loaded.item->transition, loaded.item->transitionDuration}
+                 : Player::Transition();
 }
 
 std::shared_ptr<Deck> Playback::makeDeck(const Loaded& loaded, std::optional<double> position,
@@ -217,36 +241,137 @@ std::shared_ptr<Deck> Playback::makeDeck(const Loaded& loaded, std::optional<dou
                                   position, state, m_studio.wake, m_studio.open);
 }
 
-bool Playback::move(int direction, bool transition)
+bool Playback::move(int direction)
 {
-    const std::string url = m_studio.source.neighbour(m_loaded.url, direction);
-    std::optional<MediaItem> item = url.empty() ? std::nullopt : m_studio.source.resolve(url);
-    if (!item)
+    SourcePlayState now = SourcePlayState::Pause;
+    {
+        const std::lock_guard lock(m_studio.lock);
+        sync();
+        if (m_loaded.item)
+            now = m_player.deck() ? m_player.deck()->state() : SourcePlayState::Stop;
+    }
+    m_order.forgetFailures();
+    std::optional<Loaded> loaded = m_order.beside(m_loaded, direction);
+    if (!loaded)
         return false;
-    const SourcePlayState now = m_loaded.item ? state() : SourcePlayState::Pause;
-    load(url, std::move(item), now, transition && now == SourcePlayState::Play);
+    m_direction = direction;
+    load(std::move(*loaded), now, direction > 0 && now == SourcePlayState::Play);
     return true;
+}
+
+/// What was loaded does not play: the one behind it instead, or else what was on air before goes on.
+void Playback::passOver()
+{
+    m_order.noteFailure(m_loaded);
+    std::optional<Loaded> loaded = m_order.beside(m_loaded, m_direction);
+    Log::write_fmt(LogLevel::Warning, {}, "vantrel.engine",
+                   loaded ? "'%s' cannot be played on %s and is passed over"
+                          : "'%s' cannot be played on %s, nor can what comes after it: the picture stays",
+                   m_loaded.url.c_str(), m_path.c_str());
+    if (loaded) {
+        load(std::move(*loaded), SourcePlayState::Play, m_direction > 0);
+        return;
+    }
+    const std::lock_guard lock(m_studio.lock);
+    if (m_player.dropNext()) {
+        m_loaded = std::move(m_onAir);
+        m_planIsWhole = false;
+    }
+}
+
+bool Playback::sync()
+{
+    const std::vector<Player::News> news = m_player.takeNews();
+    for (const Player::News& one : news) {
+        const auto at = m_plan.begin() + static_cast<std::ptrdiff_t>(one.index);
+        if (one.failed) {
+            m_order.noteFailure(at->loaded);
+            Log::write_fmt(LogLevel::Warning, {}, "vantrel.engine",
+                           "'%s' cannot be played on %s and is passed over", at->loaded.url.c_str(),
+                           m_path.c_str());
+        } else {
+            m_loaded = std::move(at->loaded);
+            m_taking = false;
+        }
+        m_plan.erase(at);
+    }
+    m_planIsWhole = m_planIsWhole && news.empty();
+    return !news.empty();
+}
+
+/// Has one more opened to follow, where its time is near.
+void Playback::extendPlan()
+{
+    Planned next;
+    {
+        const std::lock_guard lock(m_studio.lock);
+        sync();
+        if (m_planIsWhole || !m_player.wantsFollowing())
+            return;
+        const Loaded& last = m_plan.empty() ? m_loaded : m_plan.back().loaded;
+        std::optional<Loaded> after = m_order.after(last);
+        m_planIsWhole = !after;
+        if (!after)
+            return;
+        next = {std::move(*after), last.endAction == EndAction::Repeat};
+    }
+    std::shared_ptr<Deck> deck = makeDeck(next.loaded, std::nullopt, SourcePlayState::Play);
+    const std::lock_guard lock(m_studio.lock);
+    if (sync() || !m_player.wantsFollowing())
+        return; // it may not be the next one any more
+    m_player.follow(std::move(deck), next.loops ? Player::Transition() : transitionInto(next.loaded),
+                    next.loops);
+    m_plan.push_back(std::move(next));
+}
+
+/// Under the lock: keeps of what is to follow what still does, as it is to be played now.
+void Playback::revisePlan()
+{
+    m_planIsWhole = false;
+    const Loaded* last = &m_loaded;
+    for (std::size_t i = 0; i < m_plan.size(); ++i) {
+        const bool loops = last->endAction == EndAction::Repeat;
+        std::optional<Loaded> after = m_order.after(*last);
+        if (!after || loops != m_plan[i].loops || !isSameMedium(after->item, m_plan[i].loaded.item)) {
+            m_player.unfollow(i);
+            m_plan.resize(i);
+            break;
+        }
+        m_plan[i].loaded = std::move(*after);
+        last = &m_plan[i].loaded;
+    }
+    m_player.forFollowing([this, i = std::size_t(0)](Deck& deck, Player::Transition& transition) mutable {
+        const Planned& planned = m_plan[i++];
+        deck.setCanvas(canvasOf(planned.loaded));
+        deck.setItem(*planned.loaded.item);
+        deck.setEndAction(planned.loaded.endAction);
+        transition = planned.loops ? Player::Transition() : transitionInto(planned.loaded);
+    });
 }
 
 void Playback::libraryChanged()
 {
     if (m_loaded.url.empty())
         return;
-    const std::string place = m_studio.source.whereabouts(m_loaded.url);
-    const std::string& url = place.empty() ? m_loaded.url : place;
-    std::optional<MediaItem> item = m_studio.source.resolve(url);
-    const bool same = item && m_loaded.item && item->contentUrl == m_loaded.item->contentUrl &&
-                      item->sequence == m_loaded.item->sequence;
-    if (same) {
-        m_loaded.url = url;
-        m_loaded.held = false; // it may have come back
-        update(std::move(*item));
-    } else if (m_loaded.item && (m_loaded.held || (m_isProgram && state() != SourcePlayState::Stop))) {
-        m_loaded.held = true;
-    } else if (item != m_loaded.item) {
-        const bool stays = item && m_loaded.item;
-        load(m_loaded.url, std::move(item), stays ? state() : SourcePlayState::Stop, false);
+    {
+        const std::lock_guard lock(m_studio.lock);
+        sync();
     }
+    std::optional<MediaItem> item;
+    if (m_onAir.item)
+        m_order.followEdit(m_onAir, item);
+    if (m_order.followEdit(m_loaded, item))
+        update(std::move(*item));
+    else if (m_loaded.item && (m_loaded.held || (m_isProgram && state() != SourcePlayState::Stop)))
+        m_loaded.held = true;
+    else if (item != m_loaded.item) {
+        const bool stays = item && m_loaded.item;
+        load(m_loaded.url, std::move(item), stays ? state() : SourcePlayState::Stop);
+    }
+    const std::lock_guard lock(m_studio.lock);
+    if (sync() && m_loaded.item) // went on in between: followed like what was on air before
+        m_order.followEdit(m_loaded, item);
+    revisePlan();
 }
 
 /// The same medium with other settings.
@@ -271,24 +396,16 @@ SourcePlayState Playback::state() const
     return m_player.deck() ? m_player.deck()->state() : SourcePlayState::Stop;
 }
 
-void Playback::goOn()
-{
-    if (move(1, true))
-        return;
-    const std::lock_guard lock(m_studio.lock);
-    if (const std::shared_ptr<Deck>& deck = m_player.deck())
-        deck->setState(deck->failed() ? SourcePlayState::Stop : SourcePlayState::Pause);
-}
-
 void Playback::publish(Scene& scene)
 {
-    bool ended = false;
+    bool failed = false;
     {
         const std::lock_guard lock(m_studio.lock);
-        ended = m_player.deck() && m_player.deck()->takeEnded();
+        failed = m_player.nextFailed();
     }
-    if (ended)
-        goOn();
+    if (failed)
+        passOver();
+    extendPlan();
 
     PictureFeed::Status status;
     SourcePlayState state = SourcePlayState::Stop;
@@ -296,6 +413,9 @@ void Playback::publish(Scene& scene)
     bool constrained = false;
     {
         const std::lock_guard lock(m_studio.lock);
+        sync();
+        if (m_planIsWhole && m_player.ended()) // on the last picture
+            m_player.setState(m_player.deck()->failed() ? SourcePlayState::Stop : SourcePlayState::Pause);
         if (const std::shared_ptr<Deck>& deck = m_player.deck()) {
             const Deck& medium = *m_player.described();
             state = deck->state();

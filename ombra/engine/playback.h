@@ -2,10 +2,12 @@
 
 #include "ombra/engine/latewatch.h"
 #include "ombra/engine/player.h"
+#include "ombra/engine/runningorder.h"
 #include "ombra/engine/slotsource.h"
 #include "tarn/json/json.h"
 #include "tarn/media/playenums.h"
 
+#include <deque>
 #include <filesystem>
 #include <functional>
 #include <mutex>
@@ -36,19 +38,10 @@ struct Studio
 /// A stopped playback waits at the in point; program is black meanwhile, preview shows the picture. A seek or
 /// a step turns stop into pause. Slots have no end action of their own: loading one turns "next" into
 /// "pause". At the end of a list "next" pauses on the last picture; media that do not play are passed over in
-/// a list and stop elsewhere.
+/// a list and stop elsewhere. What comes next is opened ahead, and made anew when an edit changes it.
 class Playback
 {
 public:
-    /// What is loaded. The item is empty where the library has no such media.
-    struct Loaded
-    {
-        std::string url; // where it is in the library, or was before it was held
-        std::optional<MediaItem> item;
-        EndAction endAction = EndAction::Next;
-        bool held = false; // plays on, though the library has it no more
-    };
-
     Playback(Studio& studio, std::string path, bool isProgram);
 
     /// A client's call; false, and a message, when there is no such method or argument.
@@ -76,7 +69,10 @@ public:
     LateWatch& lateWatch() { return m_lateWatch; }
 
     // For a take, under the studio's lock.
-    void setLoaded(Loaded loaded) { m_loaded = std::move(loaded); }
+    /// Takes notice of what the player did by itself; true where it did something. Before anything that is
+    /// done with what is loaded.
+    bool sync();
+    void setLoaded(Loaded loaded);
     /// Asks the disk where the media lie, unless another deck of them is given.
     std::shared_ptr<Deck> makeDeck(const Loaded& loaded, std::optional<double> position,
                                    SourcePlayState state, const Deck* other = nullptr) const;
@@ -85,19 +81,35 @@ public:
 
 private:
     bool playMedia(const std::string& url, std::string* error);
-    void load(const std::string& url, std::optional<MediaItem> item, SourcePlayState state, bool transition);
+    void load(const std::string& url, std::optional<MediaItem> item, SourcePlayState state);
+    void load(Loaded loaded, SourcePlayState state, bool transition);
     /// To the next or the previous slot or entry; false when there is none.
-    bool move(int direction, bool transition);
+    bool move(int direction);
+    Player::Transition transitionInto(const Loaded& loaded) const;
+    void passOver();
+    void extendPlan();
+    void revisePlan();
     SourcePlayState state() const;
     void update(MediaItem item);
     void seekTo(double position);
-    void goOn();
     void publishProgress(Scene& scene, Object& object, double progress);
 
     Studio& m_studio;
     const std::string m_path;
     const bool m_isProgram;
+    /// What the player has as to follow.
+    struct Planned
+    {
+        Loaded loaded;
+        bool loops = false;
+    };
+
+    RunningOrder m_order;
     Loaded m_loaded;
+    Loaded m_onAir; // while the player waits for what is loaded
+    std::deque<Planned> m_plan;
+    bool m_planIsWhole = false; // nothing comes after it
+    int m_direction = 1;        // of the move that loaded it
     Player m_player;
     Canvas m_output;
     double m_gain = 0;

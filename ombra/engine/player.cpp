@@ -15,133 +15,338 @@ constexpr std::size_t stoppingAtMost = 3;
 constexpr std::size_t hangingAtMost = 30;
 constexpr double hangsAfter = 2; // seconds
 
+/// Seconds before its time that a deck is made to follow: it is to be ready two seconds ahead.
+constexpr double madeAhead = 6;
+constexpr std::size_t followingAtMost = 3; // of media shorter than that
+/// Transitions over transitions are mixed whole up to so many media.
+constexpr std::size_t layersAtMost = 3;
+/// Progress at which a transition is over, in spite of how its times were rounded.
+constexpr double whole = 1 - 1e-6;
+
+void addSound(Sound& to, const Sound& more)
+{
+    Sound both;
+    both.channels = std::max(to.channels, more.channels);
+    const auto channels = static_cast<std::size_t>(both.channels);
+    both.samples.assign((to.frames() + more.frames()) * channels, 0.0f);
+    std::size_t at = 0;
+    for (const Sound* sound : {static_cast<const Sound*>(&to), &more}) {
+        const auto own = static_cast<std::size_t>(sound->channels);
+        for (std::size_t i = 0; i < sound->frames(); ++i, ++at)
+            std::copy_n(sound->samples.data() + i * own, own, both.samples.data() + at * channels);
+    }
+    to = std::move(both);
+}
+
 } // namespace
 
-void Player::load(std::shared_ptr<Deck> deck, TakeTransitionType type, double seconds)
+Player::Player(Ref<Surface> black, bool blackWhenStopped)
+    : m_black(std::move(black))
+    , m_shown(m_black)
+    , m_blackWhenStopped(blackWhenStopped)
 {
-    const bool timed = type != TakeTransitionType::DirectCut && seconds > 0;
-    replaceNext({std::move(deck), timed ? type : TakeTransitionType::DirectCut, timed ? seconds : 0});
-    if (m_deck)
-        m_deck->setEndAction(EndAction::Pause); // its list goes on with the new one
+    m_layers.push_back({nullptr, m_black});
+}
+
+const std::shared_ptr<Deck>& Player::described() const
+{
+    return m_next && m_next->seeks ? m_layers.back().deck : deck();
+}
+
+void Player::load(std::shared_ptr<Deck> deck, Transition transition, bool inList)
+{
+    replaceNext({std::move(deck), transition, inList});
+    unfollow(0);
+    m_news.clear();
 }
 
 void Player::seekBy(std::shared_ptr<Deck> deck)
 {
-    replaceNext({std::move(deck), TakeTransitionType::DirectCut, 0, true});
-    m_deck->setEndAction(EndAction::Pause); // it ends for the other one
+    replaceNext({std::move(deck), {}, false, true});
 }
 
+/// Meanwhile what is on air neither begins again nor goes off at its end.
 void Player::replaceNext(Next next)
 {
     if (m_next)
         retire(std::move(m_next->deck));
+    else if (onAir())
+        m_endActionBefore = onAir()->endAction();
     m_next = std::move(next);
+    if (onAir())
+        onAir()->setEndAction(EndAction::Pause);
+}
+
+bool Player::nextFailed() const
+{
+    return m_next && m_next->failed;
+}
+
+bool Player::dropNext()
+{
+    if (!m_next)
+        return false;
+    if (!onAir()) { // black is all there is
+        m_next->failed = m_next->inList = false;
+        m_next->deck->setState(SourcePlayState::Stop);
+        return false;
+    }
+    retire(std::move(m_next->deck));
+    m_next.reset();
+    onAir()->setEndAction(m_endActionBefore.value_or(EndAction::Pause));
+    return true;
 }
 
 void Player::setState(SourcePlayState state)
 {
     if (m_next && m_next->deck)
         m_next->deck->setState(state);
-    if (m_deck && (!m_next || state != SourcePlayState::Play))
-        m_deck->setState(state);
+    const bool plays = state == SourcePlayState::Play;
+    if (onAir() && (!m_next || !plays))
+        onAir()->setState(state);
+    if (state == SourcePlayState::Stop)
+        dropBelow(m_layers.size() - 1);
+    // What fades out stands still with what comes, and goes on with it; the transition runs out.
+    for (std::size_t i = 0; i + 1 < m_layers.size() && (!m_next || !plays); ++i) {
+        const std::shared_ptr<Deck>& deck = m_layers[i].deck;
+        if (deck && deck->remaining() > 0)
+            deck->setState(state);
+    }
 }
 
 std::shared_ptr<Deck> Player::release()
 {
-    m_still = m_shown;
-    if (!m_next)
-        return std::exchange(m_deck, nullptr);
-    std::shared_ptr<Deck> deck = std::move(m_next->deck);
-    m_next.reset();
+    std::shared_ptr<Deck> deck;
+    unfollow(0);
+    m_news.clear();
+    if (m_next) {
+        deck = std::move(m_next->deck);
+        m_next.reset();
+    } else {
+        deck = std::move(m_layers.back().deck);
+        m_layers.back().still = m_shown;
+        dropBelow(m_layers.size() - 1);
+    }
     return deck;
+}
+
+void Player::follow(std::shared_ptr<Deck> deck, Transition transition, bool loops)
+{
+    deck->hold();
+    m_following.push_back({std::move(deck), transition, loops});
+}
+
+void Player::unfollow(std::size_t from)
+{
+    while (m_following.size() > from) {
+        retire(std::move(m_following.back().deck));
+        m_following.pop_back();
+    }
+}
+
+bool Player::wantsFollowing() const
+{
+    if (m_next || !onAir() || !onAir()->landed() || m_following.size() >= followingAtMost)
+        return false;
+    double ahead = onAir()->endIsUnknown() ? 0 : onAir()->remaining();
+    for (const Following& following : m_following)
+        ahead += following.deck->length().value_or(madeAhead); // of a medium that is being opened
+    return ahead < madeAhead;
+}
+
+bool Player::ended() const
+{
+    return !m_next && m_following.empty() && onAir() && onAir()->atEnd() &&
+           onAir()->endAction() == EndAction::Next;
 }
 
 Player::Moment Player::advance(double now)
 {
-    m_now = now;
-    if (m_deck)
-        m_deck->advance(now);
-    if (m_outgoing)
-        m_outgoing->advance(now);
+    m_before = std::exchange(m_now, now);
     Moment moment;
-    moment.late = (m_deck && m_deck->late()) || (m_outgoing && m_outgoing->late());
-    sound(moment); // of the time before this moment: what was on air
-    beginNext(now);
-    if (m_next && (!m_next->deck || m_next->deck->ready()))
-        goOver(now);
-    moment.to = shownNow();
-    if (m_type != TakeTransitionType::DirectCut) {
-        moment.from = m_outgoing ? surfaceOf(*m_outgoing) : m_from;
-        moment.type = m_type;
-        moment.weight = m_progress = std::clamp((now - m_startedAt) / m_seconds, 0.0, 1.0);
+    if (onAir())
+        onAir()->setFollowed(isFollowed());
+    for (const Layer& layer : m_layers) {
+        if (layer.deck)
+            layer.deck->advance(now);
+        moment.late = moment.late || (layer.deck && layer.deck->late());
     }
-    if (m_progress >= 1)
-        endTransition();
+    sound(moment); // of the time before this moment: what was on air
+    beginNext();
+    prepareFollowing();
+    if (m_next && (!m_next->deck || m_next->deck->ready()) && !nextFailed()) {
+        goOver(std::move(m_next->deck), m_next->transition, now);
+        m_next.reset();
+    } else if (isFollowed()) {
+        if (const std::optional<double> ago = hasBegunBefore(m_following.front()))
+            handOver(*ago, moment);
+    }
+    std::size_t lowest = 0;
+    for (std::size_t i = 0; i < m_layers.size(); ++i) {
+        Layer& layer = m_layers[i];
+        if (layer.transition.seconds > 0)
+            layer.progress = std::clamp((now - layer.since) / layer.transition.seconds, 0.0, 1.0);
+        if (layer.progress >= whole)
+            lowest = i;
+    }
+    dropBelow(lowest);
+    for (const Layer& layer : m_layers)
+        moment.layers.push_back(shown(layer));
     return moment;
 }
 
-void Player::beginNext(double now)
+bool Player::mayOpen() const
+{
+    const auto stopping = static_cast<std::size_t>(std::ranges::count_if(
+        m_retired, [&](const Retired& retired) { return m_now - retired.since < hangsAfter; }));
+    return stopping < stoppingAtMost && m_retired.size() < hangingAtMost;
+}
+
+void Player::beginNext()
 {
     if (!m_next || !m_next->deck)
         return;
-    const auto stopping = static_cast<std::size_t>(std::ranges::count_if(
-        m_retired, [&](const Retired& retired) { return now - retired.since < hangsAfter; }));
-    if (stopping < stoppingAtMost && m_retired.size() < hangingAtMost)
+    if (mayOpen())
         m_next->deck->begin();
     const SourcePlayState wanted = m_next->deck->state(); // a failure stops it
-    m_next->deck->advance(now);
-    if (m_next->seeks && m_next->deck->failed() && m_deck) {
-        m_deck->setEndAction(m_next->deck->endAction());
-        m_deck->seek(m_next->deck->target());
-        m_deck->setState(wanted);
+    m_next->deck->advance(m_now);
+    if (!m_next->deck->failed())
+        return;
+    if (!m_next->seeks && wanted == SourcePlayState::Play) {
+        m_next->failed = m_next->inList;
+        if (!m_next->inList)
+            m_next->deck->setState(SourcePlayState::Stop);
+    }
+    if (m_next->seeks && onAir()) {
+        onAir()->setEndAction(m_next->deck->endAction());
+        onAir()->seek(m_next->deck->target());
+        onAir()->setState(wanted);
         retire(std::move(m_next->deck));
         m_next.reset();
     }
 }
 
-/// The first picture is there.
-void Player::goOver(double now)
+void Player::goOver(std::shared_ptr<Deck> deck, Transition transition, double since)
 {
-    // A second transition starts from the mixture that is on air; only a whole deck can play on.
-    const bool mixing = m_type != TakeTransitionType::DirectCut;
-    const bool timed = m_next->type != TakeTransitionType::DirectCut;
-    endTransition();
-    if (timed && m_deck && !mixing)
-        m_outgoing = std::move(m_deck);
-    else if (timed)
-        m_from = m_shown;
-    if (m_deck)
-        retire(std::move(m_deck));
-    m_deck = std::move(m_next->deck);
-    m_type = m_next->type;
-    m_seconds = m_next->seconds;
-    m_startedAt = now;
-    m_next.reset();
-    m_still = m_black;
+    const bool timed = transition.type != TakeTransitionType::DirectCut && transition.seconds > 0;
+    if (m_layers.size() >= layersAtMost || !timed) {
+        for (Layer& layer : m_layers)
+            retire(std::move(layer.deck));
+        m_layers.clear();
+    }
+    if (m_layers.empty() && timed)
+        m_layers.push_back({nullptr, m_shown});
+    m_layers.push_back(
+        {std::move(deck), m_black, timed ? transition : Transition(), since, timed ? 0.0 : 1.0});
+}
+
+bool Player::isFollowed() const
+{
+    return !m_next && onAir() && !m_following.empty() && m_following.front().deck->prepared();
+}
+
+void Player::prepareFollowing()
+{
+    for (std::size_t i = 0; i < m_following.size();) {
+        Deck& deck = *m_following[i].deck;
+        if (mayOpen())
+            deck.begin();
+        deck.advance(m_now);
+        if (!deck.failed()) {
+            ++i;
+            continue;
+        }
+        retire(std::move(m_following[i].deck));
+        m_following.erase(m_following.begin() + static_cast<std::ptrdiff_t>(i));
+        m_news.push_back({true, i});
+    }
+}
+
+/// Seconds before the end at which the deck that follows begins: its transition is no longer than the media
+/// on both sides of it.
+double Player::overlap(const Following& following) const
+{
+    if (following.transition.type == TakeTransitionType::DirectCut)
+        return 0;
+    return std::min(
+        {following.transition.seconds, onAir()->length().value_or(0), following.deck->length().value_or(0)});
+}
+
+/// For how many seconds the first that follows should have been on air by now; nothing while its time has not
+/// come.
+std::optional<double> Player::hasBegunBefore(const Following& following) const
+{
+    const Deck& deck = *onAir();
+    if (deck.state() != SourcePlayState::Play)
+        return std::nullopt;
+    if (deck.atEnd())
+        return deck.past();
+    const double seconds = overlap(following);
+    if (seconds <= 0)
+        return std::nullopt; // the last picture itself tells
+    const double ago = seconds - deck.remaining();
+    // Who seeks into the transition's time sees it begin then.
+    return ago < -PictureReader::tolerance ? std::nullopt
+                                           : std::optional(std::clamp(ago, 0.0, m_now - m_before));
+}
+
+void Player::handOver(double ago, Moment& moment)
+{
+    Following following = std::move(m_following.front());
+    m_following.pop_front();
+    following.transition.seconds = overlap(following);
+    following.deck->release(m_now, ago);
+    following.deck->setFollowed(false);
+    following.deck->advance(m_now);
+    if (following.transition.seconds <= 0)
+        addSound(moment.sound, following.deck->sound());
+    std::shared_ptr<Deck> before = following.loops && m_layers.size() == 1 ? m_layers.back().deck : nullptr;
+    if (before)
+        m_layers.back().deck = nullptr;
+    goOver(std::move(following.deck), following.transition, m_now - ago);
+    if (before) {
+        before->seekInpoint();
+        before->hold();
+        m_following.push_back({std::move(before), following.transition, true});
+    } else {
+        m_news.push_back({false, 0});
+    }
 }
 
 void Player::sound(Moment& moment) const
 {
+    moment.channels = onAir() ? onAir()->channels() : std::optional(0);
     const Sound silence;
-    const Sound& to = m_deck ? m_deck->sound() : silence;
-    moment.channels = m_deck ? m_deck->channels() : std::optional(0);
-    if (m_type == TakeTransitionType::DirectCut) {
-        moment.sound = to;
-        return;
+    for (const Layer& layer : m_layers) {
+        const Sound& own = layer.deck ? layer.deck->sound() : silence;
+        moment.sound = &layer == m_layers.data()
+                           ? own
+                           : mixSound(moment.sound, own, layer.transition.type, layer.progress);
+        if (moment.channels && layer.deck)
+            moment.channels = std::max(*moment.channels, layer.deck->channels().value_or(0));
     }
-    moment.sound = mixSound(m_outgoing ? m_outgoing->sound() : silence, to, m_type, m_progress);
-    if (moment.channels && m_outgoing)
-        moment.channels = std::max(*moment.channels, m_outgoing->channels().value_or(0));
 }
 
-void Player::endTransition()
+bool Player::inTransition() const
 {
-    if (m_outgoing)
-        retire(std::move(m_outgoing));
-    m_outgoing = nullptr;
-    m_from = nullptr;
-    m_type = TakeTransitionType::DirectCut;
-    m_progress = 0;
+    const Transition& transition = m_next ? m_next->transition : m_layers.back().transition;
+    return transition.type != TakeTransitionType::DirectCut && transition.seconds > 0 &&
+           (m_next || m_layers.size() > 1);
+}
+
+double Player::progress() const
+{
+    return m_next || m_layers.size() < 2 ? 0 : m_layers.back().progress;
+}
+
+/// The transition into that layer is over.
+void Player::dropBelow(std::size_t layer)
+{
+    for (std::size_t i = 0; i < layer; ++i)
+        retire(std::move(m_layers[i].deck));
+    m_layers.erase(m_layers.begin(), m_layers.begin() + static_cast<std::ptrdiff_t>(layer));
+    m_layers.front().transition = {};
+    m_layers.front().progress = 1;
 }
 
 void Player::retire(std::shared_ptr<Deck> deck)
@@ -163,15 +368,13 @@ std::vector<std::shared_ptr<Deck>> Player::takeRetired()
     return stopped;
 }
 
-Ref<Surface> Player::shownNow() const
+Player::Moment::Layer Player::shown(const Layer& layer) const
 {
-    return m_deck ? surfaceOf(*m_deck) : m_still;
-}
-
-Ref<Surface> Player::surfaceOf(const Deck& deck) const
-{
-    const bool hidden = m_blackWhenStopped && deck.state() == SourcePlayState::Stop;
-    return hidden || !deck.surface() ? m_black : deck.surface();
+    const Deck* deck = layer.deck.get();
+    Ref<Surface> surface = deck ? deck->surface() : layer.still;
+    if (!surface || (deck && m_blackWhenStopped && deck->state() == SourcePlayState::Stop))
+        surface = m_black;
+    return {std::move(surface), layer.transition.type, layer.progress};
 }
 
 } // namespace vantrel::ombra

@@ -3,70 +3,123 @@
 #include "ombra/engine/deck.h"
 #include "tarn/media/playenums.h"
 
+#include <deque>
 #include <memory>
 #include <vector>
 
 namespace vantrel::ombra {
 
-/// What one output shows: a deck, and during a transition the one before it. Used under the engine's lock.
+/// What one output shows: a deck, during transitions those below it, and the decks that wait to follow it.
+/// Used under the engine's lock.
 class Player
 {
 public:
     /// What is to be mixed for a moment.
     struct Moment
     {
-        Ref<Surface> from; // null without a transition
-        Ref<Surface> to;
-        TakeTransitionType type = TakeTransitionType::DirectCut;
-        double weight = 1;
+        struct Layer
+        {
+            Ref<Surface> surface;
+            TakeTransitionType type = TakeTransitionType::DirectCut; // over the mixture of those below
+            double weight = 1;
+        };
+        std::vector<Layer> layers;   // the lowest first; at least one
         Sound sound;                 // mixed, of the time since the moment before
         std::optional<int> channels; // of what plays; nothing while that is not known
         bool late = false;           // a picture of it was not decoded in time
+
+        const Ref<Surface>& to() const { return layers.back().surface; }
+    };
+    /// How a deck comes on air.
+    struct Transition
+    {
+        TakeTransitionType type = TakeTransitionType::DirectCut;
+        double seconds = 0;
+    };
+    /// What became of the decks that were to follow, in the order in which it happened.
+    struct News
+    {
+        bool failed = false;   // it will never play and was dropped; otherwise it is on air
+        std::size_t index = 0; // among those that were to follow then
     };
 
     /// Shows black where a deck is stopped, or else its first picture.
-    Player(Ref<Surface> black, bool blackWhenStopped)
-        : m_black(std::move(black))
-        , m_shown(m_black)
-        , m_still(m_black)
-        , m_blackWhenStopped(blackWhenStopped)
-    {
-    }
+    Player(Ref<Surface> black, bool blackWhenStopped);
 
     /// The one loaded last, also while the one before it is still on air; null where nothing is loaded.
-    const std::shared_ptr<Deck>& deck() const { return m_next ? m_next->deck : m_deck; }
+    const std::shared_ptr<Deck>& deck() const { return m_next ? m_next->deck : m_layers.back().deck; }
     /// Of the medium that is loaded: the one that knows what it is.
-    const std::shared_ptr<Deck>& described() const { return m_next && m_next->seeks ? m_deck : deck(); }
-    /// Goes over to a deck, or to black, in so many seconds from the moment at which its first picture is
-    /// there; until then what was shown and heard goes on. One that waited before it is dropped.
-    void load(std::shared_ptr<Deck> deck, TakeTransitionType type, double seconds);
+    const std::shared_ptr<Deck>& described() const;
+    /// Goes over to a deck, or to black, from the moment at which its first picture is there; until then what
+    /// was shown and heard goes on. One that waited before it is dropped, as is what was to follow. In a list
+    /// one that fails never comes: nextFailed() tells.
+    void load(std::shared_ptr<Deck> deck, Transition transition, bool inList = false);
     /// Cuts to another deck of the same medium, which stands where it was sought. Where it cannot be opened,
     /// the one on air seeks itself.
     void seekBy(std::shared_ptr<Deck> deck);
+    bool nextFailed() const;
+    /// What was on air before a load goes on as if there had been none; false, and black, where there is
+    /// nothing.
+    bool dropNext();
     /// Of what is on air and of what is to follow; play is for the newest alone.
     void setState(SourcePlayState state);
     /// Gives the deck away; what was shown last stays until the next load.
     std::shared_ptr<Deck> release();
 
+    /// Another deck to follow at the end of the last one, without a picture in between. Its transition begins
+    /// so much earlier that it is over at that end. One that loops is the medium on air once more, and then
+    /// the deck before it is the next to follow.
+    void follow(std::shared_ptr<Deck> deck, Transition transition, bool loops);
+    /// Drops all that were to follow from that one on.
+    void unfollow(std::size_t from);
+    /// Calls a function with each of them, from the first on.
+    template <typename Visit>
+    void forFollowing(Visit visit)
+    {
+        for (Following& following : m_following)
+            visit(*following.deck, following.transition);
+    }
+    /// Whether the end is so near that another deck should be made to follow.
+    bool wantsFollowing() const;
+    std::vector<News> takeNews() { return std::exchange(m_news, {}); }
+    /// Whether the end was reached, the end action Next is due, and nothing follows.
+    bool ended() const;
+
     Moment advance(double now);
     /// What became of the moment: the picture from which a transition starts when there is no deck to go on.
     void setShown(Ref<Surface> surface) { m_shown = std::move(surface); }
 
-    bool inTransition() const { return (m_next ? m_next->type : m_type) != TakeTransitionType::DirectCut; }
-    bool waiting() const { return m_next.has_value(); }         // nothing of the deck was shown yet
-    double progress() const { return m_next ? 0 : m_progress; } // of the transition, 0 to 1
+    bool inTransition() const;
+    bool waiting() const { return m_next.has_value(); }       // nothing of the deck was shown yet
+    bool loading() const { return m_next && !m_next->seeks; } // and another medium is on air
+    double progress() const;                                  // of the transition, 0 to 1
 
     /// Decks that are done with and have stopped, to be let go without the lock.
     std::vector<std::shared_ptr<Deck>> takeRetired();
 
 private:
+    struct Layer
+    {
+        std::shared_ptr<Deck> deck;
+        Ref<Surface> still; // where there is no deck
+        Transition transition{};
+        double since = 0; // "now" at which the transition began
+        double progress = 1;
+    };
     /// What comes on air as soon as it has a picture.
     struct Next
     {
         std::shared_ptr<Deck> deck; // null: black
-        TakeTransitionType type = TakeTransitionType::DirectCut;
-        double seconds = 0;
+        Transition transition;
+        bool inList = false;
         bool seeks = false; // the medium on air, elsewhere
+        bool failed = false;
+    };
+    struct Following
+    {
+        std::shared_ptr<Deck> deck;
+        Transition transition;
+        bool loops = false;
     };
     struct Retired
     {
@@ -74,28 +127,31 @@ private:
         double since; // "now"
     };
 
-    void beginNext(double now);
+    bool mayOpen() const;
+    void beginNext();
     void replaceNext(Next next);
-    void goOver(double now);
+    void goOver(std::shared_ptr<Deck> deck, Transition transition, double since);
+    void prepareFollowing();
+    bool isFollowed() const;
+    double overlap(const Following& following) const;
+    std::optional<double> hasBegunBefore(const Following& following) const;
+    void handOver(double ago, Moment& moment);
     void sound(Moment& moment) const;
-    void endTransition();
+    void dropBelow(std::size_t layer);
     void retire(std::shared_ptr<Deck> deck);
-    Ref<Surface> shownNow() const;
-    Ref<Surface> surfaceOf(const Deck& deck) const;
+    Deck* onAir() const { return m_layers.back().deck.get(); }
+    Moment::Layer shown(const Layer& layer) const;
 
     Ref<Surface> m_black;
     Ref<Surface> m_shown;
-    Ref<Surface> m_still; // where there is no deck
     bool m_blackWhenStopped;
-    std::shared_ptr<Deck> m_deck; // on air
+    std::vector<Layer> m_layers; // the lowest first; the last one is on air, those below it fade
     std::optional<Next> m_next;
-    std::shared_ptr<Deck> m_outgoing; // null: m_from stands still
-    Ref<Surface> m_from;
-    TakeTransitionType m_type = TakeTransitionType::DirectCut;
-    double m_seconds = 0;
-    double m_startedAt = 0;
-    double m_progress = 0;
+    std::optional<EndAction> m_endActionBefore; // of what is on air, while another one is to come
+    std::deque<Following> m_following;
+    std::vector<News> m_news;
     double m_now = 0;
+    double m_before = 0; // "now" of the moment before
     std::vector<Retired> m_retired;
 };
 

@@ -19,6 +19,7 @@ struct MediaItem
     std::optional<double> outpoint;      // none: the end of the media
     std::optional<double> stillDuration; // none: a still stands for ever
     std::optional<SequenceRun> sequence;
+    bool playable = false;                  // as far as the library knows
     ScaleMode scaling = ScaleMode::Default; // the output's own
 
     // Of a playlist's entry only:

@@ -1,6 +1,6 @@
 #include "ombra/link/linkclient.h"
 
-#include "ombra/base/serverlog.h"
+#include "tarn/log/log.h"
 
 #include <boost/asio/buffer.hpp>
 #include <boost/asio/post.hpp>
@@ -82,8 +82,8 @@ void LinkClient::handleFrame(linkframe::Decoder::Result result)
     if (result == linkframe::Decoder::Result::NeedMore)
         return read();
     if (result == linkframe::Decoder::Result::Error) {
-        logLine(LogLevel::Warning, "vantrel.link",
-                "ending the link of " + m_name + ": " + m_decoder.message());
+        Log::write(LogLevel::Warning, "vantrel.link",
+                   "ending the link of " + m_name + ": " + m_decoder.message());
         return close();
     }
     m_handled = 0;
@@ -149,7 +149,7 @@ bool LinkClient::checkWaiting()
 {
     if (m_frameBytes + m_batch.bytes() <= maxWaiting)
         return true;
-    logLine(LogLevel::Warning, "vantrel.link", "ending the link of " + m_name + ": it does not read");
+    Log::write(LogLevel::Warning, "vantrel.link", "ending the link of " + m_name + ": it does not read");
     close();
     return false;
 }

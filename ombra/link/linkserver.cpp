@@ -1,8 +1,8 @@
 #include "ombra/link/linkserver.h"
 
-#include "ombra/base/serverlog.h"
 #include "ombra/link/linkpolicy.h"
 #include "tarn/json/patchnames.h"
+#include "tarn/log/log.h"
 #include "tarn/scene/sceneoperation.h"
 
 #include <boost/asio/post.hpp>
@@ -48,7 +48,7 @@ LinkServer::LinkServer(boost::asio::io_context& io, Scene& scene, Handlers handl
     clientHandlers.closed = [this, alive = std::weak_ptr(m_alive)](LinkClient& client) {
         if (alive.expired())
             return;
-        logLine(LogLevel::Info, "vantrel.link", client.name() + " has left");
+        Log::write(LogLevel::Info, "vantrel.link", client.name() + " has left");
         std::erase_if(m_clients, [&](const auto& held) { return held.get() == &client; });
     };
     m_clientHandlers = std::make_shared<const LinkClient::Handlers>(std::move(clientHandlers));
@@ -81,7 +81,7 @@ bool LinkServer::accept(boost::asio::ip::tcp::socket socket)
     if (!room)
         return false;
     m_clients.push_back(std::make_shared<LinkClient>(std::move(socket), m_clientHandlers, std::move(room)));
-    logLine(LogLevel::Info, "vantrel.link", m_clients.back()->name() + " has joined");
+    Log::write(LogLevel::Info, "vantrel.link", m_clients.back()->name() + " has joined");
     m_clients.back()->start();
     return true;
 }
@@ -94,8 +94,8 @@ void LinkServer::handle(LinkClient& client, const PatchOp& op)
     case PatchOpType::Invoke: {
         std::string error;
         if (!m_handlers.invoke(op.path, op.value, &error))
-            logLine(LogLevel::Warning, "vantrel.link",
-                    client.name() + ": cannot call " + op.path.toString() + ": " + error);
+            Log::write(LogLevel::Warning, "vantrel.link",
+                       client.name() + ": cannot call " + op.path.toString() + ": " + error);
         return;
     }
     case PatchOpType::Replace:
@@ -144,7 +144,7 @@ void LinkServer::sendBack(LinkClient& client, const Path& path, bool missing)
         op.op = missing ? PatchOpType::Add : PatchOpType::Replace; // in an array an add would be one more
         op.value = Scene::toJson(at.deref());
     } else {
-        logLine(LogLevel::Debug, "vantrel.link", client.name() + ": nothing is at " + path.toString());
+        Log::write(LogLevel::Debug, "vantrel.link", client.name() + ": nothing is at " + path.toString());
         return;
     }
     Patch patch;
@@ -215,8 +215,8 @@ void LinkServer::restructure(LinkClient& client, const PatchOp& op)
 /// Says so in the log, and puts the client's copy right where that can be done.
 void LinkServer::refuse(LinkClient& client, const PatchOp& op, const std::string& why)
 {
-    logLine(LogLevel::Warning, "vantrel.link",
-            client.name() + ": refused to " + toStr(op.op) + " " + op.path.toString() + ": " + why);
+    Log::write(LogLevel::Warning, "vantrel.link",
+               client.name() + ": refused to " + toStr(op.op) + " " + op.path.toString() + ": " + why);
     if (op.op == PatchOpType::Replace || op.op == PatchOpType::Remove)
         sendBack(client, op.path, op.op == PatchOpType::Remove);
     scheduleFlush();

@@ -1,7 +1,7 @@
 #include "ombra/outputs/outputs.h"
 
-#include "ombra/base/serverlog.h"
 #include "ombra/outputs/videomodes.h"
+#include "tarn/log/log.h"
 #include "tarn/media/enumtext.h"
 #include "tarn/media/mediaenums.h"
 #include "tarn/scene/variantjson.h"
@@ -110,7 +110,7 @@ void Outputs::build()
                              {"outputs", Json::array({output(0), output(1)})}});
     patch.append(op);
     if (!m_scene.apply(patch, true))
-        logLine(LogLevel::Error, "vantrel.outputs", "the scene does not take the outputs");
+        Log::write(LogLevel::Error, "vantrel.outputs", "the scene does not take the outputs");
     const Object* outputs = m_scene.findObject("/device/system/gpus/0/outputs");
     for (int i = 0; outputs && i < outputs->childCount(); ++i)
         applyMode(outputs->childAt(i), *findVideoMode(preferredMode));
@@ -279,7 +279,7 @@ void Outputs::set(Object* object, const char* property, const T& value)
     Path path;
     if (!m_scene.pathOf(object, path) ||
         !m_scene.replaceProperty(m_scene.find(path + Path{"properties", property}), Variant::from(value)))
-        logLine(LogLevel::Error, "vantrel.outputs", std::string("cannot set ") + property);
+        Log::write(LogLevel::Error, "vantrel.outputs", std::string("cannot set ") + property);
 }
 
 } // namespace vantrel::ombra

@@ -1,6 +1,5 @@
 #include "ombra/preview/previewserver.h"
 
-#include "ombra/base/serverlog.h"
 #include "tarn/preview/previewwire.h"
 
 #include <boost/asio/buffer.hpp>

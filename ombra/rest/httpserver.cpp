@@ -1,6 +1,5 @@
 #include "ombra/rest/httpserver.h"
 
-#include "ombra/base/serverlog.h"
 #include "ombra/rest/broadcasthub.h"
 #include "ombra/rest/headerqueue.h"
 #include "ombra/rest/httpsession.h"

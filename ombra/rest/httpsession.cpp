@@ -1,8 +1,8 @@
 #include "ombra/rest/httpsession.h"
 
-#include "ombra/base/serverlog.h"
 #include "ombra/rest/headerqueue.h"
 #include "ombra/rest/websocketsession.h"
+#include "tarn/log/log.h"
 
 #include <boost/asio/write.hpp>
 #include <boost/beast/core.hpp>
@@ -278,7 +278,7 @@ void HttpSession::send(const std::shared_ptr<const std::string>& message)
     if (m_closing)
         return;
     if (m_waitingBytes + message->size() > BroadcastHub::maxWaiting && !m_waiting.empty()) {
-        logLine(LogLevel::Warning, "vantrel.rest", "dropping an event stream that does not read");
+        Log::write(LogLevel::Warning, "vantrel.rest", "dropping an event stream that does not read");
         return close();
     }
     m_waiting.push_back(message);

@@ -1,6 +1,6 @@
 #include "ombra/rest/websocketsession.h"
 
-#include "ombra/base/serverlog.h"
+#include "tarn/log/log.h"
 
 #include <boost/asio/buffer.hpp>
 #include <boost/beast/core/flat_buffer.hpp>
@@ -48,7 +48,7 @@ public:
         if (m_closing)
             return;
         if (m_waitingBytes + message->size() > BroadcastHub::maxWaiting) {
-            logLine(LogLevel::Warning, "vantrel.rest", "dropping a WebSocket that does not read");
+            Log::write(LogLevel::Warning, "vantrel.rest", "dropping a WebSocket that does not read");
             return close();
         }
         m_waiting.push_back(message);

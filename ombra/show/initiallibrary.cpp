@@ -1,7 +1,7 @@
 #include "ombra/show/initiallibrary.h"
 
-#include "ombra/base/serverlog.h"
 #include "ombra/show/contenturl.h"
+#include "tarn/log/log.h"
 #include "util/mediasuffixes.h"
 
 #include <algorithm>
@@ -55,8 +55,8 @@ std::vector<std::filesystem::path> listFiles(const std::filesystem::path& folder
             files.push_back(it->path().lexically_relative(folder));
     }
     if (code)
-        logLine(LogLevel::Warning, "vantrel.show",
-                "cannot list all of " + folder.string() + ": " + code.message());
+        Log::write(LogLevel::Warning, "vantrel.show",
+                   "cannot list all of " + folder.string() + ": " + code.message());
     std::ranges::sort(files);
     return files;
 }

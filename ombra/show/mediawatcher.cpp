@@ -1,7 +1,7 @@
 #include "ombra/show/mediawatcher.h"
 
-#include "ombra/base/serverlog.h"
 #include "ombra/show/contenturl.h"
+#include "tarn/log/log.h"
 
 #include <boost/asio/buffer.hpp>
 #include <boost/asio/post.hpp>
@@ -178,8 +178,8 @@ void MediaWatcher::watchTree(const std::filesystem::path& relative, bool announc
         const std::filesystem::path folder = std::move(folders.back());
         folders.pop_back();
         if (!watchFolder(folder))
-            logLine(LogLevel::Warning, "vantrel.show",
-                    "cannot watch " + (m_folder / folder).string() + ": " + std::strerror(errno));
+            Log::write(LogLevel::Warning, "vantrel.show",
+                       "cannot watch " + (m_folder / folder).string() + ": " + std::strerror(errno));
         std::error_code code;
         for (std::filesystem::directory_iterator it(m_folder / folder, code), end; !code && it != end;
              it.increment(code)) {
@@ -201,8 +201,8 @@ void MediaWatcher::read()
         if (code == boost::asio::error::operation_aborted || alive.expired() || round != m_round)
             return;
         if (code) {
-            logLine(LogLevel::Warning, "vantrel.show",
-                    "the watch of the media folder ended: " + code.message());
+            Log::write(LogLevel::Warning, "vantrel.show",
+                       "the watch of the media folder ended: " + code.message());
             return;
         }
         handle(m_buffer.data(), size);

@@ -1,6 +1,6 @@
 #include "ombra/show/noticeboard.h"
 
-#include "ombra/base/serverlog.h"
+#include "tarn/log/log.h"
 
 namespace vantrel::ombra {
 
@@ -10,10 +10,10 @@ void NoticeBoard::set(const std::string& matter, const std::string& sentence)
     if (sentence == (present == m_sentences.end() ? std::string() : present->second))
         return;
     if (sentence.empty()) {
-        logLine(LogLevel::Info, "vantrel.show", "no longer: " + present->second);
+        Log::write(LogLevel::Info, "vantrel.show", "no longer: " + present->second);
         m_sentences.erase(present);
     } else {
-        logLine(LogLevel::Warning, "vantrel.show", sentence);
+        Log::write(LogLevel::Warning, "vantrel.show", sentence);
         m_sentences[matter] = sentence;
     }
     std::string text;

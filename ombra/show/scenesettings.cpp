@@ -1,8 +1,8 @@
 #include "ombra/show/scenesettings.h"
 
-#include "ombra/base/serverlog.h"
 #include "ombra/outputs/outputs.h"
 #include "ombra/show/showstore.h"
+#include "tarn/log/log.h"
 #include "tarn/media/playenums.h"
 
 #include <map>
@@ -110,9 +110,9 @@ void SceneSettings::applyOne(std::string_view path, const Json& value, const std
     const ScenePointer at = m_scene.find(path);
     const char* section = at.deref() && at.property() ? sectionOf(at.deref(), at.property()) : nullptr;
     if (!section)
-        logLine(LogLevel::Warning, "vantrel.show", "the show sets what is not here: " + std::string(path));
+        Log::write(LogLevel::Warning, "vantrel.show", "the show sets what is not here: " + std::string(path));
     else if (sections.contains(section) && !write(std::string(path), value))
-        logLine(LogLevel::Warning, "vantrel.show", "the show's value does not fit: " + std::string(path));
+        Log::write(LogLevel::Warning, "vantrel.show", "the show's value does not fit: " + std::string(path));
 }
 
 bool SceneSettings::write(const std::string& path, const Json& value)

@@ -1,10 +1,10 @@
 #include "ombra/show/showdisk.h"
 
-#include "ombra/base/serverlog.h"
 #include "ombra/show/atomicfile.h"
 #include "ombra/show/generations.h"
 #include "ombra/show/journalline.h"
 #include "ombra/show/showloader.h"
+#include "tarn/log/log.h"
 
 #include <algorithm>
 #include <array>
@@ -159,9 +159,9 @@ void ShowDisk::postponeSnapshot()
 void ShowDisk::keepDamaged()
 {
     const auto tell = [](const std::filesystem::path& path, const std::filesystem::path& kept) {
-        logLine(LogLevel::Error, "vantrel.show",
-                path.filename().string() + " is damaged; " +
-                    (kept.empty() ? "it cannot be put aside" : "kept as " + kept.filename().string()));
+        Log::write(LogLevel::Error, "vantrel.show",
+                   path.filename().string() + " is damaged; " +
+                       (kept.empty() ? "it cannot be put aside" : "kept as " + kept.filename().string()));
     };
     for (const auto& path : std::exchange(m_badSnapshots, {}))
         tell(path, moveAside(path));

@@ -1,11 +1,11 @@
 #include "ombra/show/showfiles.h"
 
-#include "ombra/base/serverlog.h"
 #include "ombra/base/version.h"
 #include "ombra/outputs/outputs.h"
 #include "ombra/show/atomicfile.h"
 #include "ombra/show/scenesettings.h"
 #include "ombra/show/showstore.h"
+#include "tarn/log/log.h"
 
 #include <set>
 #include <string_view>
@@ -123,7 +123,7 @@ bool ShowFiles::revertShow(const std::string& name, std::string* error)
         return fail(error, why.empty() ? "no show was saved as \"" + name + "\"" : why);
     importShow(*text, {}, false, [name](unsigned status, const std::string& message) {
         if (status != 200)
-            logLine(LogLevel::Error, "vantrel.show", "cannot revert to \"" + name + "\": " + message);
+            Log::write(LogLevel::Error, "vantrel.show", "cannot revert to \"" + name + "\": " + message);
     });
     return true;
 }
@@ -134,7 +134,7 @@ void ShowFiles::clearShow()
     m_settings.resetPlayback();
     m_store.replaceLibrary(MediaLibrary(), [](const EditResult& result) {
         if (result.status != EditResult::Status::Saved)
-            logLine(LogLevel::Error, "vantrel.show", "cannot clear the show: " + result.message);
+            Log::write(LogLevel::Error, "vantrel.show", "cannot clear the show: " + result.message);
     });
 }
 

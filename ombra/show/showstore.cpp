@@ -1,6 +1,5 @@
 #include "ombra/show/showstore.h"
 
-#include "ombra/base/serverlog.h"
 #include "ombra/show/journalline.h"
 #include "ombra/show/librarysize.h"
 #include "ombra/show/showloader.h"

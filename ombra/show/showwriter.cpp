@@ -1,6 +1,6 @@
 #include "ombra/show/showwriter.h"
 
-#include "ombra/base/serverlog.h"
+#include "tarn/log/log.h"
 
 #include <utility>
 
@@ -66,7 +66,7 @@ void ShowWriter::write(std::vector<Job>& jobs)
     for (const Job& job : jobs)
         job.done(ok, error);
     if (ok && m_disk.wantsSnapshot() && !m_disk.writeSnapshot(m_library, m_settings, &error))
-        logLine(LogLevel::Error, "vantrel.show", error);
+        Log::write(LogLevel::Error, "vantrel.show", error);
 }
 
 bool ShowWriter::save(std::vector<Job>& jobs, std::string* error)

@@ -43,8 +43,8 @@ bool NetworkResponder::Impl::open(const asio::ip::address& bound, unsigned short
     if (!error)
         socket.bind({group, port}, error); // hears what is sent to the group, and nothing else
     if (error) {
-        Log::write_fmt(LogLevel::Warning, {"networkresponder", "start"}, "discovery",
-                       "Cannot answer searches: %s", error.message().c_str());
+        Log::write_fmt(LogLevel::Warning, {}, "discovery", "Cannot answer searches: %s",
+                       error.message().c_str());
         return false;
     }
     // Else the kernel hands over what any socket of this machine has joined, on other interfaces too.
@@ -59,7 +59,7 @@ bool NetworkResponder::Impl::open(const asio::ip::address& bound, unsigned short
         }
     }
     if (!isJoined)
-        Log::write_fmt(LogLevel::Warning, {"networkresponder", "start"}, "discovery",
+        Log::write_fmt(LogLevel::Warning, {}, "discovery",
                        "Cannot answer searches: no interface has the address %s", bound.to_string().c_str());
     return isJoined;
 }

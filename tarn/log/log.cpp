@@ -1,5 +1,7 @@
 #include "tarn/log/log.h"
 
+#include "tarn/log/logwriter.h"
+
 #include <algorithm>
 #include <cstdarg>
 #include <cstdio>
@@ -33,12 +35,34 @@ std::string formatted(const char* format, va_list arguments)
     return text;
 }
 
-void toStandardError(LogLevel level, std::string_view module, const std::string& message)
+/// "toStr" of "const char* vantrel::toStr(vantrel::EndAction)".
+std::string_view bareFunction(std::string_view signature)
 {
-    static constexpr const char* marks[] = {"trace", "debug", "info", "warning", "error"};
-    const auto at = static_cast<std::size_t>(level);
-    std::fprintf(stderr, "%s %.*s: %s\n", at < std::size(marks) ? marks[at] : "?",
-                 static_cast<int>(module.size()), module.data(), message.c_str());
+    const std::string_view name = signature.substr(0, signature.find('('));
+    return name.substr(name.find_last_of(": ") + 1);
+}
+
+std::string_view bareFile(std::string_view path)
+{
+    const std::string_view name = path.substr(path.rfind('/') + 1);
+    return name.substr(0, name.rfind('.'));
+}
+
+void deliver(LogLevel level, const LogLoc& location, std::string_view module, std::string_view text)
+{
+    const std::string message = scrubbed(text);
+    std::shared_ptr<const Log::Sink> sink;
+    {
+        const std::lock_guard lock(mutex);
+        sink = currentSink();
+    }
+    // Called without the lock: a sink may log, or replace itself.
+    if (sink) {
+        (*sink)(level, location, module, message);
+    } else {
+        static LogWriter standardError;
+        standardError.write(level, location, module, message);
+    }
 }
 
 /// How many bytes of a text's beginning are one control character or line break; 0 for anything else.
@@ -62,6 +86,13 @@ void appendEscaped(std::string& out, std::string_view control)
 }
 
 } // namespace
+
+LogLoc::LogLoc(const std::source_location& where)
+    : file(bareFile(where.file_name()))
+    , function(bareFunction(where.function_name()))
+    , line(where.line())
+{
+}
 
 std::string scrubbed(std::string_view text)
 {
@@ -92,24 +123,20 @@ void Log::setSink(Sink sink)
     currentSink() = std::move(shared);
 }
 
+void Log::write(LogLevel level, std::string_view module, std::string_view message,
+                const std::source_location& where)
+{
+    deliver(level, where, module, message);
+}
+
 void Log::write_fmt(LogLevel level, const LogLoc& location, const std::string& module, const char* format,
                     ...)
 {
     va_list arguments;
     va_start(arguments, format);
-    const std::string message = scrubbed(formatted(format, arguments));
+    const std::string message = formatted(format, arguments);
     va_end(arguments);
-
-    std::shared_ptr<const Sink> sink;
-    {
-        const std::lock_guard lock(mutex);
-        sink = currentSink();
-    }
-    // Called without the lock: a sink may log, or replace itself.
-    if (sink)
-        (*sink)(level, location, module, message);
-    else if (level > LogLevel::Debug)
-        toStandardError(level, module, message);
+    deliver(level, location, module, message);
 }
 
 } // namespace vantrel

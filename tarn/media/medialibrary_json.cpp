@@ -86,7 +86,7 @@ private:
     PlaylistMap m_playlists;
     bool m_all = false;
     std::set<int> m_wholeCollections, m_collectionNames, m_wholePlaylists, m_playlistNames;
-    std::set<std::pair<int, int>> m_slots;
+    std::set<MediaAddress> m_slots;
     std::set<std::pair<int, EntryAddress>> m_entries;
 };
 

@@ -11,6 +11,7 @@
 #include <cerrno>
 #include <deque>
 #include <mutex>
+#include <source_location>
 #include <vector>
 
 namespace vantrel {
@@ -57,7 +58,8 @@ struct JsonClient::Impl
     void send(Connection& c, const Patch& patch);
     void write(Connection& c);
     void end(Connection& c, std::string reason);
-    void log(const char* function, const std::string& text) const;
+    void log(const std::string& text,
+             const std::source_location& where = std::source_location::current()) const;
 
     JsonClient* const owner;
     const std::size_t maxUntaken;
@@ -71,10 +73,10 @@ struct JsonClient::Impl
     std::size_t untaken = 0;   // operations in them
 };
 
-void JsonClient::Impl::log(const char* function, const std::string& text) const
+void JsonClient::Impl::log(const std::string& text, const std::source_location& where) const
 {
     if (isVerbose)
-        Log::write_fmt(LogLevel::Warning, {"jsonclient", function}, "net", "%s", text.c_str());
+        Log::write(LogLevel::Warning, "net", text, where);
 }
 
 void JsonClient::Impl::end(Connection& c, std::string reason)
@@ -210,7 +212,7 @@ bool JsonClient::connect(const asio::ip::address& address, unsigned short port, 
     if (error)
         *error = result.value();
     if (result && result != asio::error::operation_aborted)
-        m_impl->log("connect", "Connecting to " + address.to_string() + " failed: " + result.message());
+        m_impl->log("Connecting to " + address.to_string() + " failed: " + result.message());
     return !result;
 }
 
@@ -222,7 +224,7 @@ void JsonClient::run()
     m_impl->read(*connection);
     connection->link.run();
     if (!connection->reason.empty())
-        m_impl->log("run", "The link ended: " + connection->reason);
+        m_impl->log("The link ended: " + connection->reason);
 }
 
 void JsonClient::disconnect()

@@ -22,8 +22,8 @@ void appendFrames(std::string& out, const Patch& patch)
         return;
     }
     if (patch.size() < 2) {
-        Log::write_fmt(LogLevel::Error, {"linkframe", "encode"}, "net",
-                       "An operation of %zu bytes is too large for the link", text.size());
+        Log::write_fmt(LogLevel::Error, {}, "net", "An operation of %zu bytes is too large for the link",
+                       text.size());
         return;
     }
     // Operations apply one after the other, so that two frames say the same as one.

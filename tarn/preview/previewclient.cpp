@@ -39,8 +39,7 @@ struct PreviewClient::State
 void PreviewClient::State::end(TcpLink& link, const std::string& reason)
 {
     if (link.isOpen())
-        Log::write_fmt(LogLevel::Warning, {"previewclient", "run"}, "preview", "The preview ended: %s",
-                       reason.c_str());
+        Log::write_fmt(LogLevel::Warning, {}, "preview", "The preview ended: %s", reason.c_str());
     link.close();
 }
 

@@ -18,11 +18,10 @@ void ScenePatcher::report(const PatchOp& op)
     // A patch of nothing but nonsense must not drown the log.
     if (++m_misfits > maxReports)
         return;
-    Log::write_fmt(LogLevel::Warning, {"scene", "apply"}, "scene", "Skipping %s of %s: %s", toStr(op.op),
+    Log::write_fmt(LogLevel::Warning, {}, "scene", "Skipping %s of %s: %s", toStr(op.op),
                    op.path.toString().c_str(), m_why.c_str());
     if (m_misfits == maxReports)
-        Log::write_fmt(LogLevel::Warning, {"scene", "apply"}, "scene",
-                       "Further misfits of this patch stay unsaid");
+        Log::write_fmt(LogLevel::Warning, {}, "scene", "Further misfits of this patch stay unsaid");
 }
 
 bool ScenePatcher::apply(const Patch& patch, bool strict)

@@ -9,7 +9,7 @@ import sys
 
 # What a room may include; longest match of a room's name counts.
 MAY_KNOW = {
-    "util": ["util"],
+    "util": ["util", "tarn/log"],
     "tarn": ["tarn"],
     "tarn/qt": ["tarn"],
     "ombra": ["ombra", "tarn", "util"],
@@ -33,7 +33,7 @@ REACHES = {
     "common/media/models/playbackmodel.cpp": "executes the entry's edit on the one undo stack",
     "common/session/link/connectionhandler.cpp": "tells the preview thread of the session where to connect",
     "common/session/link/connectionprovider.cpp": "follows the one connection",
-    "common/session/link/metadataclient.cpp": "the aggregator is made anew for each connection",
+    "common/session/link/metadataclient.cpp": "tells the one aggregator",
     "common/session/link/systemproxy.cpp": "follows the connection of the session that it is given",
 }
 # Qt stays out of these rooms.

@@ -5,6 +5,8 @@
 #include <QFileInfo>
 #include <QRegularExpression>
 
+#include <csignal>
+
 namespace vantrel::test {
 
 OmbraProcess::OmbraProcess()
@@ -91,6 +93,18 @@ void OmbraProcess::kill()
     m_process->waitForFinished();
     m_output += m_process->readAll();
     m_process.reset();
+}
+
+void OmbraProcess::hang()
+{
+    if (m_process)
+        ::kill(pid_t(m_process->processId()), SIGSTOP);
+}
+
+void OmbraProcess::goOn()
+{
+    if (m_process)
+        ::kill(pid_t(m_process->processId()), SIGCONT);
 }
 
 bool OmbraProcess::restart(int timeout)

@@ -34,6 +34,9 @@ public:
     /// Asks it to end; kills it after the time-out (milliseconds).
     void stop(int timeout = 5000);
     bool isRunning() const;
+    /// It hangs: its sockets stand, and it says and does nothing, until it goes on.
+    void hang();
+    void goOn();
 
     /// Before start(): serve this folder, which stays the caller's, in place of an own one.
     void setMediaFolder(const QString& folder) { m_mediaFolder = folder; }

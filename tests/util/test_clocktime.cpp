@@ -73,6 +73,7 @@ private Q_SLOTS:
         QTest::newRow("25") << 3600.0 << 25.0 << qint64{90000};
         // 33366700 ns a frame, cut from 33366700.03: the hour reaches its 107892nd frame
         QTest::newRow("29.97") << 3600.0 << 29.97 << qint64{3600000000000 / 33366700};
+        QTest::newRow("the nearest nanosecond") << 8.04 << 25.0 << qint64{201};
         QTest::newRow("no rate") << 3600.0 << 0.0 << qint64{0};
         QTest::newRow("absurd rate") << 3600.0 << 1e12 << qint64{0};
         QTest::newRow("no number") << std::numeric_limits<double>::quiet_NaN() << 25.0 << qint64{0};

@@ -1,5 +1,5 @@
+#include "tarn/log/log.h"
 #include "tests/support/testmain.h"
-#include "util/log.h"
 #include "util/smpte_timecode.h"
 
 #include <QTest>
@@ -144,17 +144,21 @@ private Q_SLOTS:
 
     void dropFrameNeedsAMultipleOf30()
     {
-        std::vector<util::LogRecord> records;
-        util::setLogSink([&](const util::LogRecord& record) { records.push_back(record); });
+        QStringList lines;
+        Log::setSink([&](LogLevel level, const LogLoc& from, std::string_view, std::string_view message) {
+            lines += QStringLiteral("%1 %2:%3 %4 %5")
+                         .arg(static_cast<int>(level))
+                         .arg(QLatin1StringView(from.file.data(), qsizetype(from.file.size())))
+                         .arg(from.line)
+                         .arg(QLatin1StringView(from.function.data(), qsizetype(from.function.size())),
+                              QLatin1StringView(message.data(), qsizetype(message.size())));
+        });
         const auto timecode = SmpteTimecode::fromString("00:01:00;02", 25);
         (void)SmpteTimecode(SmpteTimecodeType::DropFrame, 90000, 25).toString();
-        util::setLogSink({});
+        Log::setSink({});
         QCOMPARE(timecode, SmpteTimecode(SmpteTimecodeType::DropFrame, 0, 25));
-        QCOMPARE(records.size(), std::size_t{1});
-        QCOMPARE(records[0].level, 3);
-        QCOMPARE(records[0].line, 57);
-        QCOMPARE(records[0].function, "toDropFrameNumber");
-        QCOMPARE(records[0].message, std::string("Drop frame not supported for fps=25"));
+        QCOMPARE(lines, QStringList{QStringLiteral("3 smpte_timecode:57 toDropFrameNumber Drop frame not "
+                                                   "supported for fps=25")});
     }
 };
 

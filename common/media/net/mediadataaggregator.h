@@ -14,8 +14,8 @@ namespace vantrel {
 
 class MediaStateProvider;
 
-/// All that views want to know of a media file beside its slot: metadata, thumbnail, state. Made for each
-/// connection; main thread only.
+/// All that views want to know of a media file beside its slot: metadata, thumbnail, state. The session
+/// owns it; main thread only.
 class MediaDataAggregator : public QObject
 {
     Q_OBJECT

@@ -34,7 +34,7 @@ MetadataProvider::~MetadataProvider() = default;
 
 MediaMetadataPtr MetadataProvider::getMetadata(const QUrl& url)
 {
-    if (url.isEmpty())
+    if (url.isEmpty() || m_host.isEmpty())
         return nullptr;
     if (MediaMetadataPtr cached = getMetadataFromCache(url))
         return cached;
@@ -82,6 +82,13 @@ void MetadataProvider::invalidateMetadata(const QUrl& url, bool terminate)
         m_resources->fetchAgainAfterwards(text); // the answer may tell of the file as it was
     m_cache.remove(url);
     Q_EMIT metadataInvalidated(url);
+}
+
+void MetadataProvider::setServer(const QString& host, unsigned short port)
+{
+    m_host = host;
+    m_port = port;
+    invalidateAll();
 }
 
 void MetadataProvider::invalidateAll()

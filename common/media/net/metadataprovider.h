@@ -16,8 +16,8 @@ class NetworkResourceCollection;
 
 using MediaMetadataPtr = std::shared_ptr<MediaMetadata>;
 
-/// Asks the server for the metadata of media files and keeps the last hundred answers. Made for each
-/// connection; main thread only.
+/// Asks the server for the metadata of media files and keeps the last hundred answers. The session
+/// owns it; main thread only.
 class MetadataProvider : public QObject
 {
     Q_OBJECT
@@ -29,6 +29,8 @@ public:
     ~MetadataProvider() override;
 
     void setPort(unsigned short port) { m_port = port; }
+    /// Another server: forgets what the last one said. An empty host is none, and nothing is asked for.
+    void setServer(const QString& host, unsigned short port);
 
     /// The cached answer; else null, a request is on its way and metadataChanged follows.
     MediaMetadataPtr getMetadata(const QUrl& url);

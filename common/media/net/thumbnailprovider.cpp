@@ -70,7 +70,7 @@ ThumbnailProvider::~ThumbnailProvider()
 
 ThumbnailPtr ThumbnailProvider::getThumbnail(const QUrl& url)
 {
-    if (url.isEmpty())
+    if (url.isEmpty() || m_host.isEmpty())
         return nullptr;
     if (ThumbnailPtr cached = getThumbnailFromCache(url))
         return cached;
@@ -146,6 +146,13 @@ void ThumbnailProvider::invalidateThumbnail(const QUrl& url, bool terminate)
     m_decoding.remove(url);
     m_cache.remove(url);
     Q_EMIT thumbnailInvalidated(url);
+}
+
+void ThumbnailProvider::setServer(const QString& host, unsigned short port)
+{
+    m_host = host;
+    m_port = port;
+    invalidateAll();
 }
 
 void ThumbnailProvider::invalidateAll()

@@ -18,7 +18,7 @@ class NetworkResourceCollection;
 using ThumbnailPtr = std::shared_ptr<const QPixmap>;
 
 /// Asks the server for thumbnails, JPEG, and keeps the last five thousand. They are decoded on a worker
-/// thread, everything else happens on the main thread. Made for each connection.
+/// thread, everything else happens on the main thread. The session owns it.
 class ThumbnailProvider : public QObject
 {
     Q_OBJECT
@@ -30,6 +30,8 @@ public:
     ~ThumbnailProvider() override;
 
     void setPort(unsigned short port) { m_port = port; }
+    /// Another server: forgets what the last one said. An empty host is none, and nothing is asked for.
+    void setServer(const QString& host, unsigned short port);
 
     /// The cached picture; else null, a request is on its way and thumbnailChanged follows. A picture that
     /// the server does not have or that could not be decoded is a null pixmap.

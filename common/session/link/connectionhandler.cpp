@@ -8,6 +8,7 @@
 #include <QElapsedTimer>
 
 #include <chrono>
+#include <utility>
 
 namespace vantrel {
 
@@ -52,12 +53,19 @@ void ConnectionHandler::enter(State state, const QString& host)
     m_condition.notify_all();
 }
 
-/// Where a host of the operator's or the timer's leads to.
-ConnectionHandler::State ConnectionHandler::stateForHost(State present)
+/// Where a host of the operator's leads to; under the lock.
+ConnectionHandler::State ConnectionHandler::stateForHost(const QString& host) const
 {
-    if (isLinked(present))
+    if (isLinked(m_state))
         return State::Changing;
-    return present == State::Pausing || present == State::Retrying ? State::Retrying : State::Connecting;
+    const bool isLost = m_state == State::Pausing || m_state == State::Retrying;
+    return isLost && host == m_home ? State::Retrying : State::Connecting;
+}
+
+qint64 ConnectionHandler::now()
+{
+    using namespace std::chrono;
+    return duration_cast<milliseconds>(steady_clock::now().time_since_epoch()).count();
 }
 
 void ConnectionHandler::connect(const QString& host)
@@ -65,13 +73,29 @@ void ConnectionHandler::connect(const QString& host)
     const QMutexLocker lock(&m_mutex);
     if (isLinked(m_state) || (!m_host.isEmpty() && m_host != host))
         m_client->disconnect(); // also an attempt that nobody waits for any more
-    enter(stateForHost(m_state), host);
+    m_toldHost.clear();
+    enter(stateForHost(host), host);
+}
+
+void ConnectionHandler::goBack()
+{
+    QMutexLocker lock(&m_mutex);
+    if (m_state == State::Pausing || m_state == State::Retrying)
+        return; // that is where it is going already
+    const bool isAttempt = m_state == State::Connecting || m_state == State::Changing;
+    if (!isAttempt || !isHomeElsewhere()) {
+        lock.unlock();
+        return disconnect();
+    }
+    m_client->disconnect();
+    enter(State::Retrying, m_home);
 }
 
 void ConnectionHandler::disconnect()
 {
     {
         const QMutexLocker lock(&m_mutex);
+        m_home.clear();
         enter(State::Idle, QString());
         m_client->disconnect();
     }
@@ -153,6 +177,7 @@ void ConnectionHandler::onClientDataStatic(JsonClient*, void* user)
 
 void ConnectionHandler::onClientData()
 {
+    m_lastWord = now();
     Q_EMIT patchAvailable();
 }
 
@@ -190,7 +215,7 @@ bool ConnectionHandler::prepare(Attempt& attempt)
         return false;
     m_address = resolved ? attempt.address : boost::asio::ip::address();
     if (!resolved) {
-        fail(lock);
+        fail(lock, tr("There is no server of that name on the network."));
         return false;
     }
     const bool isAnnounced = m_state == State::Connecting;
@@ -200,18 +225,22 @@ bool ConnectionHandler::prepare(Attempt& attempt)
     return true;
 }
 
-/// The host is not to be had: a lost one is tried again later, another is given up. Leaves the lock.
-void ConnectionHandler::fail(QMutexLocker<QMutex>& lock)
+/// The host is not to be had: a lost one is tried again later, another is given up for it. Leaves the lock.
+void ConnectionHandler::fail(QMutexLocker<QMutex>& lock, const QString& reason)
 {
     const QString host = m_host;
     const bool isRetry = m_state == State::Retrying;
-    enter(isRetry ? State::Pausing : State::Idle, isRetry ? host : QString());
+    const QString next = isRetry ? host : isHomeElsewhere() ? m_home : QString();
+    enter(next.isEmpty() ? State::Idle : State::Pausing, next);
     lock.unlock();
     if (isRetry)
         return tellPause(host);
     if (PreviewThread* preview = previewThread())
         preview->unsubscribe(); // of the server before
     Q_EMIT disconnected(host);
+    Q_EMIT attemptFailed(host, reason, next);
+    if (!next.isEmpty())
+        tellPause(next);
 }
 
 /// May take the whole time-out.
@@ -232,10 +261,14 @@ void ConnectionHandler::handleFailure(const Attempt& attempt, int error)
     QMutexLocker lock(&m_mutex);
     if (isInterruptionRequested() || m_host != attempt.host)
         return;
-    if (m_state == State::Retrying || error == errorRefused)
-        fail(lock);
-    else
-        m_condition.wait_for(m_mutex, repeatPause);
+    const QString reason = error == errorRefused
+                               ? tr("The machine answers, but no Halcyra server runs on it.")
+                               : tr("It does not answer. Is it switched on, and on this network?");
+    if (m_state == State::Retrying || error == errorRefused || isHomeElsewhere())
+        return fail(lock, reason);
+    if (std::exchange(m_toldHost, attempt.host) != attempt.host)
+        Q_EMIT attemptFailed(attempt.host, reason, attempt.host); // queued: nobody calls back under the lock
+    m_condition.wait_for(m_mutex, repeatPause);
 }
 
 /// Takes the link that has been made; false when nobody wants it any more.
@@ -250,6 +283,8 @@ bool ConnectionHandler::settle(const Attempt& attempt)
             m_client->disconnect();
             return false;
         }
+        m_home = attempt.host;
+        m_linkSince = now();
         enter(State::Connected, attempt.host);
     }
     Q_EMIT connectionAddr(attempt.host);

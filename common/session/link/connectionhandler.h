@@ -29,8 +29,11 @@ struct PatchOp;
 ///   Connecting  first attempts. Repeated until it is Connected; a refusal or an unknown name ends it: Idle.
 ///   Connected   the link stands. Its end leads to Pausing, another host to Changing.
 ///   Changing    the link is given up for another host, which is tried as in Connecting but unannounced.
-///   Pausing     the link was lost. The timer, or a host of the operator's, leads to Retrying.
+///   Pausing     the link was lost. The timer, or the lost host chosen again, leads to Retrying, another one
+///               to Connecting.
 ///   Retrying    one attempt: Connected, or Pausing again.
+/// The host of the last link stays the one to come back to until the operator disconnects: where another
+/// cannot be had, it is tried again.
 class ConnectionHandler : public QThread
 {
     Q_OBJECT
@@ -49,6 +52,13 @@ public:
     /// The connected address; unspecified unless the link stands. Main thread.
     boost::asio::ip::address getConnectedAddress() const;
 
+    /// When the server said something last, on the clock of now(); of whichever link. Any thread.
+    qint64 lastWord() const { return m_lastWord; }
+    /// When the last link was made.
+    qint64 linkSince() const { return m_linkSince; }
+    /// Milliseconds that only go up.
+    static qint64 now();
+
     /// The links made so far; the patches to be taken are those of the last one. Any thread.
     int linkCount() const { return m_linkCount; }
 
@@ -64,6 +74,8 @@ public:
 public Q_SLOTS:
     /// The operator's way out of a link or of the reconnect loop. Any thread.
     void disconnect();
+    /// Gives up the attempt under way, for the host of the last link where there is one. Any thread.
+    void goBack();
     void startReconnect(int milliseconds);
     void handleReconnectTimeout();
 
@@ -73,6 +85,9 @@ Q_SIGNALS:
     void reconnecting(int msSeconds);
     void connected();
     void disconnected(QString addr);
+    /// An attempt of the operator's came to nothing. reason: a sentence. next: the host that is tried from
+    /// now on, empty when none is.
+    void attemptFailed(QString host, QString reason, QString next);
     void patchAvailable();
 
 protected:
@@ -89,7 +104,7 @@ private:
         State stateBefore = State::Idle;
     };
     static bool isLinked(State state) { return state == State::Connected || state == State::Changing; }
-    static State stateForHost(State present);
+    State stateForHost(const QString& host) const;
     void enter(State state, const QString& host);
     static void onClientDataStatic(JsonClient* client, void* user);
     void onClientData();
@@ -97,7 +112,8 @@ private:
     bool openLink(const Attempt& attempt, int& error);
     bool settle(const Attempt& attempt);
     void handleFailure(const Attempt& attempt, int error);
-    void fail(QMutexLocker<QMutex>& lock);
+    void fail(QMutexLocker<QMutex>& lock, const QString& reason);
+    bool isHomeElsewhere() const { return !m_home.isEmpty() && m_home != m_host; }
     void followLink();
     void tellPause(const QString& host);
     void giveWay();
@@ -105,13 +121,17 @@ private:
     mutable QMutex m_mutex;                  // guards every field below
     std::condition_variable_any m_condition; // which, unlike Qt's own, the thread sanitizer can follow
     State m_state = State::Idle;
-    QString m_host; // of the link, of the attempts or to be tried again; empty when Idle
+    QString m_host;     // of the link, of the attempts or to be tried again; empty when Idle
+    QString m_home;     // of the last link; empty when the operator left it
+    QString m_toldHost; // whose failing attempts were told of
     boost::asio::ip::address m_address;
     Ref<Network> m_network;
     std::shared_ptr<JsonClient> m_client;
     QTimer m_reconnectTimer;
     QString m_heardAddress; // on the main thread: of the last connectionAddr
     std::atomic<int> m_linkCount{0};
+    std::atomic<qint64> m_lastWord{0};
+    std::atomic<qint64> m_linkSince{0};
     const quint16 m_linkPort;
 };
 

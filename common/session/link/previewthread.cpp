@@ -5,6 +5,9 @@
 namespace vantrel {
 
 namespace {
+constexpr int retryTime = 1000;    // milliseconds between two attempts
+constexpr int silenceLimit = 4000; // milliseconds
+
 /// The picture in the screen's own pixel format, so that the main thread need not convert; null when the
 /// surface is of another format or says more than its bytes hold.
 QImage imageOf(const Surface* surface)
@@ -27,6 +30,8 @@ PreviewThread::PreviewThread(quint16 previewPort, QObject* parent)
     setObjectName(QStringLiteral("preview"));
     m_client.addFrameCallback([this] { onFrameAvailable(); });
     connect(this, &PreviewThread::onPendingFrames, this, &PreviewThread::processPending);
+    m_watch.setInterval(retryTime);
+    connect(&m_watch, &QTimer::timeout, this, &PreviewThread::checkSilence);
 }
 
 PreviewThread::~PreviewThread()
@@ -53,8 +58,27 @@ void PreviewThread::unsubscribe()
     {
         const QMutexLocker lock(&m_mutex);
         m_endpoint.reset();
+        m_wake.wakeAll();
     }
     m_client.disconnect();
+}
+
+void PreviewThread::setServerAnswers(bool answers)
+{
+    if (answers == m_serverAnswers)
+        return;
+    m_serverAnswers = answers;
+    m_sinceFrame.start();
+    answers ? m_watch.start() : m_watch.stop();
+}
+
+/// A stream that was cut without a word stays open for ever.
+void PreviewThread::checkSilence()
+{
+    if (m_sinceFrame.elapsed() < silenceLimit || !endpoint())
+        return;
+    m_sinceFrame.start();
+    m_client.disconnect(); // the thread opens it again
 }
 
 std::optional<boost::asio::ip::tcp::endpoint> PreviewThread::endpoint() const
@@ -66,12 +90,19 @@ std::optional<boost::asio::ip::tcp::endpoint> PreviewThread::endpoint() const
 void PreviewThread::run()
 {
     // Connecting here keeps a server that does not answer from holding up the scene link.
-    const auto target = endpoint();
-    if (!target || !m_client.connect(*target, 0, nullptr))
-        return;
-    if (endpoint())
-        m_client.run();
-    m_client.disconnect();
+    while (!isInterruptionRequested()) {
+        const auto target = endpoint();
+        if (!target)
+            return;
+        if (m_client.connect(*target, 0, nullptr)) {
+            if (endpoint())
+                m_client.run();
+            m_client.disconnect();
+        }
+        QMutexLocker lock(&m_mutex);
+        if (m_endpoint)
+            m_wake.wait(&m_mutex, retryTime);
+    }
 }
 
 void PreviewThread::onFrameAvailable()
@@ -93,6 +124,7 @@ void PreviewThread::onFrameAvailable()
 
 void PreviewThread::processPending()
 {
+    m_sinceFrame.start();
     QMutexLocker lock(&m_mutex);
     m_posted = false;
     while (!m_pending.empty()) {

@@ -4,11 +4,14 @@
 #include "tarn/preview/newestqueue.h"
 #include "tarn/preview/previewclient.h"
 
+#include <QElapsedTimer>
 #include <QImage>
 #include <QMetaType>
 #include <QMutex>
 #include <QPixmap>
 #include <QThread>
+#include <QTimer>
+#include <QWaitCondition>
 #include <boost/asio/ip/tcp.hpp>
 
 #include <optional>
@@ -18,8 +21,8 @@ namespace vantrel {
 
 /// Reads the server's live pictures and audio levels on a thread of its own and hands them to the main
 /// thread, pictures as pixmaps. Only the newest waiting frame of each source, stream and format is kept, so
-/// that a busy main thread never falls behind; frames of other formats are dropped. The object lives on the
-/// main thread; the session owns it.
+/// that a busy main thread never falls behind; frames of other formats are dropped. A stream that ends or
+/// falls silent is opened again. The object lives on the main thread; the session owns it.
 class PreviewThread : public QThread
 {
     Q_OBJECT
@@ -33,6 +36,8 @@ public:
     void subscribe(const boost::asio::ip::address& address);
     /// Ends the stream. Any thread; does not wait.
     void unsubscribe();
+    /// Whether the server answers elsewhere: only then its silence here is a fault of the stream.
+    void setServerAnswers(bool answers);
 
 Q_SIGNALS:
     void previewFrame(vantrel::PreviewFrame frame, QPixmap pixmap);
@@ -53,10 +58,15 @@ private:
     };
     void onFrameAvailable();
     void processPending();
+    void checkSilence();
     std::optional<boost::asio::ip::tcp::endpoint> endpoint() const;
 
     PreviewClient m_client;
+    QElapsedTimer m_sinceFrame; // on the main thread, as the two below
+    QTimer m_watch;
+    bool m_serverAnswers = false;
     mutable QMutex m_mutex; // guards the fields below
+    QWaitCondition m_wake;  // out of the pause between two attempts
     NewestQueue<Pending> m_pending;
     bool m_posted = false; // a processPending() is on its way
     std::optional<boost::asio::ip::tcp::endpoint> m_endpoint;

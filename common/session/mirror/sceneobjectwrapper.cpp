@@ -72,9 +72,10 @@ void SceneObjectWrapper::prepareSignalMap()
     m_signalMap.clear();
     for (int i = QObject::staticMetaObject.propertyCount(); i < metaObject()->propertyCount(); ++i) {
         const QMetaProperty property = metaObject()->property(i);
-        if (property.hasNotifySignal())
-            m_signalMap.insert(property.name(), property.notifySignalIndex());
-        else
+        const PropertyInfo* info = m_object->findProperty(property.name()); // none: the mirror's own
+        if (info && property.hasNotifySignal())
+            m_signalMap.insert(info, property.notifySignalIndex());
+        else if (!property.hasNotifySignal())
             qCWarning(lcSession) << "Notify signal missing from property" << property.name();
     }
 }
@@ -88,15 +89,15 @@ void SceneObjectWrapper::onSceneChangeStatic(Scene*, int count, const SceneChang
     }
     for (int i = 0; i < count; ++i)
         if (changes[i].kind == SceneChange::PropertyChanged && changes[i].object == self->m_object.get())
-            self->notifyPropertyChanged(changes[i].property->name);
+            self->notifyPropertyChanged(changes[i].property);
 }
 
-void SceneObjectWrapper::notifyPropertyChanged(const std::string& name)
+void SceneObjectWrapper::notifyPropertyChanged(const PropertyInfo* property)
 {
-    const auto found = m_signalMap.constFind(QByteArray::fromStdString(name));
+    const auto found = m_signalMap.constFind(property);
     if (found == m_signalMap.cend())
         return;
-    notifyPropertyChangedHook(name);
+    notifyPropertyChangedHook(property->name);
     metaObject()->method(*found).invoke(this, Qt::DirectConnection);
 }
 

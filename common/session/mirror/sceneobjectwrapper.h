@@ -61,13 +61,13 @@ private:
     static void onSceneChangeStatic(Scene* scene, int count, const SceneChange* changes, void* user);
     void write(const PropertyInfo* info, const Variant& value);
     void prepareSignalMap();
-    void notifyPropertyChanged(const std::string& name);
+    void notifyPropertyChanged(const PropertyInfo* property);
     Ref<Object> makePlaceholder() const;
 
     QString m_typeName;
     Ref<Scene> m_scene;
     Ref<Object> m_object;
-    QHash<QByteArray, int> m_signalMap; // property to the index of its notify signal
+    QHash<const PropertyInfo*, int> m_signalMap; // property to the index of its notify signal
 };
 
 } // namespace vantrel

@@ -55,12 +55,28 @@ QMap<QString, QVariant> defaultKeymap()
         {"zoom_out", QKeySequence::ZoomOut},
     };
     static constexpr std::pair<const char*, QKeyCombination> ownKeys[] = {
-        {"play_pause", Qt::Key_Space},   {"set_inpoint", Qt::Key_I},      {"set_outpoint", Qt::Key_O},
-        {"seek_inpoint", Qt::Key_Home},  {"seek_outpoint", Qt::Key_End},  {"prev_frame", Qt::Key_Comma},
-        {"next_frame", Qt::Key_Period},  {"cue", Qt::Key_Return},         {"take", Qt::Key_F12},
-        {"mute_program", Qt::Key_M},     {"rename", Qt::Key_F2},          {"find", Qt::CTRL | Qt::Key_F},
-        {"keyboard", Qt::Key_F1},        {"tab_1", Qt::CTRL | Qt::Key_1}, {"tab_2", Qt::CTRL | Qt::Key_2},
-        {"tab_3", Qt::CTRL | Qt::Key_3}, {"tab_4", Qt::CTRL | Qt::Key_4},
+        {"play_pause", Qt::Key_Space},
+        {"set_inpoint", Qt::Key_I},
+        {"set_outpoint", Qt::Key_O},
+        {"seek_inpoint", Qt::Key_Home},
+        {"seek_outpoint", Qt::Key_End},
+        {"prev_frame", Qt::Key_Comma},
+        {"next_frame", Qt::Key_Period},
+        {"cue", Qt::Key_Return},
+        {"take", Qt::Key_F12},
+        {"mute_program", Qt::Key_M},
+        {"rename", Qt::Key_F2},
+        {"find", Qt::CTRL | Qt::Key_F},
+        {"keyboard", Qt::Key_F1},
+        {"tab_1", Qt::CTRL | Qt::Key_1},
+        {"tab_2", Qt::CTRL | Qt::Key_2},
+        {"lock_program", Qt::CTRL | Qt::Key_L},
+        {"tab_3", Qt::CTRL | Qt::Key_3},
+        {"tab_4", Qt::CTRL | Qt::Key_4},
+        {"insert_media", Qt::Key_Insert},
+        {"move_entries_up", Qt::ALT | Qt::Key_Up},
+        {"move_entries_down", Qt::ALT | Qt::Key_Down},
+        {"renumber_entries", Qt::CTRL | Qt::Key_R},
     };
     QMap<QString, QVariant> keymap;
     for (const auto& [name, key] : keys)
@@ -74,6 +90,7 @@ const QList<KeyAction>& keyActions()
 {
     static const char* const player = QT_TRANSLATE_NOOP("Keymap", "Player");
     static const char* const library = QT_TRANSLATE_NOOP("Keymap", "Library");
+    static const char* const playlist = QT_TRANSLATE_NOOP("Keymap", "Playlist");
     static const char* const window = QT_TRANSLATE_NOOP("Keymap", "Window");
     struct Row
     {
@@ -85,18 +102,26 @@ const QList<KeyAction>& keyActions()
         {"take", player, QT_TRANSLATE_NOOP("Keymap", "Take")},
         {"play_pause", player, QT_TRANSLATE_NOOP("Keymap", "Play and pause")},
         {"mute_program", player, QT_TRANSLATE_NOOP("Keymap", "Mute program")},
+        {"lock_program", player, QT_TRANSLATE_NOOP("Keymap", "Lock program")},
         {"set_inpoint", player, QT_TRANSLATE_NOOP("Keymap", "Set the in point")},
         {"set_outpoint", player, QT_TRANSLATE_NOOP("Keymap", "Set the out point")},
         {"seek_inpoint", player, QT_TRANSLATE_NOOP("Keymap", "Go to the in point")},
         {"seek_outpoint", player, QT_TRANSLATE_NOOP("Keymap", "Go to the out point")},
         {"prev_frame", player, QT_TRANSLATE_NOOP("Keymap", "A frame back")},
         {"next_frame", player, QT_TRANSLATE_NOOP("Keymap", "A frame on")},
-        {"cue", library, QT_TRANSLATE_NOOP("Keymap", "Cue the slot on preview")},
-        {"rename", library, QT_TRANSLATE_NOOP("Keymap", "Rename the slot")},
-        {"delete", library, QT_TRANSLATE_NOOP("Keymap", "Clear the chosen slots")},
+        {"cue", library, QT_TRANSLATE_NOOP("Keymap", "Cue the slot or entry on preview")},
+        {"rename", library, QT_TRANSLATE_NOOP("Keymap", "Rename the slot, or the playlist")},
+        {"delete", library, QT_TRANSLATE_NOOP("Keymap", "Clear the chosen slots, or remove the entries")},
         {"find", library, QT_TRANSLATE_NOOP("Keymap", "Search the collection")},
         {"undo", library, QT_TRANSLATE_NOOP("Keymap", "Undo")},
         {"redo", library, QT_TRANSLATE_NOOP("Keymap", "Redo")},
+        {"insert_media", playlist, QT_TRANSLATE_NOOP("Keymap", "Add the chosen slots to the playlist")},
+        {"move_entries_up", playlist, QT_TRANSLATE_NOOP("Keymap", "Move the entries up")},
+        {"move_entries_down", playlist, QT_TRANSLATE_NOOP("Keymap", "Move the entries down")},
+        {"renumber_entries", playlist, QT_TRANSLATE_NOOP("Keymap", "Renumber the entries")},
+        {"copy", playlist, QT_TRANSLATE_NOOP("Keymap", "Copy the entries")},
+        {"cut", playlist, QT_TRANSLATE_NOOP("Keymap", "Cut the entries")},
+        {"paste", playlist, QT_TRANSLATE_NOOP("Keymap", "Paste entries or slots")},
         {"tab_1", window, QT_TRANSLATE_NOOP("Keymap", "Outputs page")},
         {"tab_2", window, QT_TRANSLATE_NOOP("Keymap", "Files page")},
         {"tab_3", window, QT_TRANSLATE_NOOP("Keymap", "Media page")},
@@ -145,8 +170,12 @@ QString reservedKeyReason(const QString& action, const QKeySequence& key)
     const auto because = [&key](const char* reason) {
         return translated("%1 cannot be used: %2.").arg(keyCaps(key).join(u'+'), translated(reason));
     };
+    // What text fields do by their own keys, a list of entries does by the same.
+    static const QStringList clipboard{QStringLiteral("copy"), QStringLiteral("cut"),
+                                       QStringLiteral("paste")};
+    const bool isOwn = clipboard.contains(action) && keyOf(defaultKeymap(), action) == key;
     for (const Rule& rule : rules) {
-        if (rule.keys.contains(key))
+        if (!isOwn && rule.keys.contains(key))
             return because(rule.reason);
     }
     // In the list of slots alone nothing is half typed that the key would end.

@@ -1,5 +1,7 @@
 #include "common/ui/diagnostics/logmanager.h"
 
+#include "tarn/log/log.h"
+
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
@@ -70,6 +72,8 @@ LogManager::~LogManager()
 {
     qInstallMessageHandler(nullptr);
     const QMutexLocker lock(&m_mutex);
+    m_logToStdOut = false; // its stream goes before, at the end of the process
+    tellHeld(RepeatLimit::Clock::time_point::max());
     closeFile();
 }
 
@@ -96,11 +100,17 @@ void LogManager::rotateLogs()
     closeFile();
     qint64 size = logFolderSize();
     if (size > m_sizeLimit)
-        cleanupOldLogs(size);
+        cleanupOldLogs(size, m_sizeLimit);
     qSetMessagePattern(m_pattern);
     const QtMessageHandler before = qInstallMessageHandler(customLogger);
     if (!m_previous)
         m_previous = before;
+}
+
+void LogManager::setFileSizeLimit(qint64 bytes)
+{
+    const QMutexLocker lock(&m_mutex);
+    m_fileSizeLimit = bytes;
 }
 
 QString LogManager::logDir() const
@@ -128,32 +138,53 @@ void LogManager::customLogger(QtMsgType type, const QMessageLogContext& context,
 
 void LogManager::handleCustomLogger(QtMsgType type, const QMessageLogContext& context, const QString& message)
 {
+    const std::string line = scrubbed(message.toStdString());
+    const QString text = QString::fromStdString(line);
     QtMessageHandler previous = nullptr;
     {
         const QMutexLocker lock(&m_mutex);
-        if (m_logToFile) {
-            if (!m_file && !createNewLogFile()) {
-                m_file.reset();
-                return;
-            }
-            if (!m_stream)
-                m_stream = std::make_unique<QTextStream>(m_file.get());
-            writeLogLine(type, context, message, *m_stream);
-            m_stream->flush(); // the last line before a crash is the one that counts
-        }
-        if (m_logToStdOut) {
-            static QTextStream out(stdout, QIODevice::WriteOnly);
-            writeLogLine(type, context, message, out);
-            out.flush();
-        }
+        tellHeld(RepeatLimit::Clock::now());
+        if (!m_repeats.admits(type, line) || !append(type, context, text))
+            return;
         previous = m_previous;
     }
     // Outside the lock, since the previous handler may log itself.
     if (previous) {
         const QMessageLogContext shortened(insideSources(context.file), context.line, context.function,
                                            context.category);
-        previous(type, shortened, message);
+        previous(type, shortened, text);
     }
+}
+
+void LogManager::tellHeld(RepeatLimit::Clock::time_point now)
+{
+    for (const RepeatLimit::Held& held : m_repeats.takeHeld(now))
+        append(static_cast<QtMsgType>(held.level), {}, QString::fromStdString(held.text()));
+}
+
+bool LogManager::append(QtMsgType type, const QMessageLogContext& context, const QString& line)
+{
+    if (m_logToFile) {
+        if (!m_file && !createNewLogFile()) {
+            m_file.reset();
+            return false;
+        }
+        if (!m_stream)
+            m_stream = std::make_unique<QTextStream>(m_file.get());
+        writeLogLine(type, context, line, *m_stream);
+        m_stream->flush(); // the last line before a crash is the one that counts
+        if (m_file->size() >= m_fileSizeLimit) {
+            closeFile();
+            qint64 size = logFolderSize();
+            cleanupOldLogs(size, m_sizeLimit - m_fileSizeLimit); // room for the next file
+        }
+    }
+    if (m_logToStdOut) {
+        static QTextStream out(stdout, QIODevice::WriteOnly);
+        writeLogLine(type, context, line, out);
+        out.flush();
+    }
+    return true;
 }
 
 bool LogManager::createNewLogFile()
@@ -192,12 +223,12 @@ qint64 LogManager::logFolderSize() const
     return size;
 }
 
-void LogManager::cleanupOldLogs(qint64& size) const
+void LogManager::cleanupOldLogs(qint64& size, qint64 limit) const
 {
     const QFileInfoList files =
         QDir(m_directory).entryInfoList(QDir::Files | QDir::Hidden, QDir::Time | QDir::Reversed);
     for (const QFileInfo& file : files) {
-        if (size <= m_sizeLimit)
+        if (size <= limit)
             return;
         qCDebug(log) << "Removing old log" << file.absoluteFilePath();
         const qint64 bytes = file.size();

@@ -13,6 +13,7 @@
 #include "common/playback/takebutton.h"
 #include "common/playback/takecontrols.h"
 #include "common/playback/volumecontrolpopup.h"
+#include "common/playback/volumefader.h"
 #include "common/playback/volumeslider.h"
 #include "common/ui/gallery/gallerysections.h"
 #include "common/ui/gallery/pictureof.h"
@@ -75,6 +76,7 @@ QWidget* makeHeader(PlaybackViewMode mode, ColumnStep step, bool infinite)
     header->setMediaName(QStringLiteral("Opening loop of the second night"));
     header->duration()->setTime(83.48);
     header->setHasInfiniteDuration(infinite);
+    header->setRepeats(infinite || step == ColumnStep::Narrow);
     header->setColumnStep(step);
     header->setFixedWidth(columnWidth(step, FontSize::Huge));
     return header;
@@ -95,6 +97,34 @@ QWidget* makeEndAction(EndAction action, PlaybackModel::EndActionMode mode)
     widget->setEndAction(static_cast<int>(action));
     widget->setEndActionMode(mode);
     return widget;
+}
+
+/// The times of a channel with so many seconds left; held once none are.
+QWidget* makeTimesLeft(PlaybackViewMode mode, double left)
+{
+    auto* times = new PlaybackTimecodes;
+    times->setViewMode(mode);
+    times->setFps(25);
+    times->setOutpoint(30.0);
+    times->setPosition(30.0 - left);
+    times->setState(left > 0.04 ? QStringLiteral("play") : QStringLiteral("pause"));
+    times->setFixedWidth(columnWidth(ColumnStep::Narrow, FontSize::Huge));
+    return times;
+}
+
+QWidget* makeWords(EndAction action, PlaybackModel::EndActionMode mode)
+{
+    auto* widget = makeEndAction(action, mode);
+    static_cast<EndActionWidget*>(widget)->setShowsWords(true);
+    return widget;
+}
+
+QWidget* makeFader(int decibels, bool enabled)
+{
+    auto* fader = new VolumeFader;
+    fader->setValue(decibels);
+    fader->setEnabled(enabled);
+    return fader;
 }
 
 QWidget* makeDuration(DurationTypeWidget::DurationType type)
@@ -171,6 +201,11 @@ QWidget* makeTimes(QWidget* parent)
     infinite->setRemainingTimeVisible(false);
     grid->addWide(QStringLiteral("in a row"), inARow);
     grid->addWide(QStringLiteral("infinite"), infinite);
+    for (const double left : {26.92, 8.04, 3.2, 0.04}) {
+        grid->addWide(left > 20 ? QStringLiteral("time left, program") : QString(),
+                      makeTimesLeft(Program, left));
+        grid->addWide(left > 20 ? QStringLiteral("preview") : QString(), makeTimesLeft(Preview, left));
+    }
     grid->addRow(QStringLiteral("EndpointTimecodes"), enabledAndNot([] {
                      auto* points = new EndpointTimecodes;
                      points->inpoint()->setTime(4.0);
@@ -202,6 +237,8 @@ QWidget* makeChannelParts(QWidget* parent)
                   makeEndAction(EndAction::GoTo, PlaybackModel::ENTRY));
     grid->addWide(QStringLiteral("slot"), makeEndAction(EndAction::Repeat, PlaybackModel::SLOT));
     grid->addWide(QStringLiteral("none"), makeEndAction(EndAction::Pause, PlaybackModel::DISABLED));
+    grid->addWide(QStringLiteral("as words"), makeWords(EndAction::GoTo, PlaybackModel::ENTRY));
+    grid->addWide(QString(), makeWords(EndAction::Repeat, PlaybackModel::SLOT));
     return grid;
 }
 
@@ -247,6 +284,11 @@ QWidget* makeSounds(QWidget* parent)
     grid->addRow(QStringLiteral("8 channels, silence"),
                  {makeMeter({-3, -6, -9, -12, -18, -24, -36, -50}), makeMeter({silence, silence})});
     grid->addRow(QStringLiteral("no sound, no server"), {makeMeter({}), makeMeter({}, false)});
+    auto* silenced = makeMeter({-24, -9});
+    static_cast<LevelMeter*>(silenced)->setMuted(true);
+    grid->addRow(QStringLiteral("muted"), {silenced});
+    grid->addRow(QStringLiteral("VolumeFader"),
+                 {makeFader(0, true), makeFader(-12, true), makeFader(-60, true), makeFader(-12, false)});
     auto* muted = new MuteButton;
     muted->setMuted(true);
     auto* disabled = new MuteButton;

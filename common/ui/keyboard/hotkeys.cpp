@@ -1,5 +1,6 @@
 #include "common/ui/keyboard/hotkeys.h"
 
+#include "common/command/commandgate.h"
 #include "common/session/session.h"
 #include "common/session/settings/configuration.h"
 #include "common/session/settings/keymap.h"
@@ -24,13 +25,15 @@ QUndoStack* undoStack()
 
 void undo()
 {
-    if (QUndoStack* stack = undoStack())
+    QUndoStack* stack = undoStack();
+    if (stack && (!stack->canUndo() || CommandGate::passes(stack, QObject::tr("Undo"))))
         stack->undo();
 }
 
 void redo()
 {
-    if (QUndoStack* stack = undoStack())
+    QUndoStack* stack = undoStack();
+    if (stack && (!stack->canRedo() || CommandGate::passes(stack, QObject::tr("Redo"))))
         stack->redo();
 }
 

@@ -176,10 +176,38 @@ void ConnectDialog::showConnectDialog()
     m_address->selectAll();
 }
 
-void ConnectDialog::showConnectingDialog()
+void ConnectDialog::showConnectingDialog(const QString& host)
 {
-    setConnectingDialog(m_address->text().trimmed());
+    setConnectingDialog(host);
     show();
+}
+
+void ConnectDialog::showFailure(const QString& host, const QString& reason, const QString& next)
+{
+    if (next == host) {
+        setConnectingDialog(host);
+        showMessage(tr("Connecting to ") + host + QStringLiteral("\n\n") + reason + u' ' +
+                        tr("It is tried again until you cancel."),
+                    true);
+    } else {
+        setDisconnectionDialog(host);
+        QString text = tr("Could not establish connection to ") + host + QStringLiteral("\n\n") + reason;
+        if (!next.isEmpty()) {
+            text += QStringLiteral("\n\n") + tr("The server before, %1, is tried again.").arg(next);
+            setAddress(next);
+        }
+        showMessage(text, false);
+    }
+    show();
+    fitToContent();
+}
+
+/// The address to begin with, here and after the next start.
+void ConnectDialog::setAddress(const QString& host)
+{
+    m_address->setText(host);
+    if (Configuration* settings = configuration())
+        settings->setValue(CONNECTION_HOST, host);
 }
 
 void ConnectDialog::doConnect()
@@ -188,8 +216,7 @@ void ConnectDialog::doConnect()
         return;
     m_attemptInProgress = true;
     const QString host = m_address->text().trimmed();
-    if (Configuration* settings = configuration())
-        settings->setValue(CONNECTION_HOST, host);
+    setAddress(host);
     Q_EMIT connectRequested(host);
 }
 

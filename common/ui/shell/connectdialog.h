@@ -25,7 +25,9 @@ public:
     void setConnectingDialog(const QString& host);
     void setDisconnectionDialog(const QString& host);
     void showConnectDialog();
-    void showConnectingDialog();
+    void showConnectingDialog(const QString& host);
+    /// Says why the host is not to be had and what is tried from now on: another one, the same, or nothing.
+    void showFailure(const QString& host, const QString& reason, const QString& next);
 
     /// With a valid address: keeps it as the configured host and asks for the connection.
     void doConnect();
@@ -51,6 +53,7 @@ private:
     void showServers();
     void setFace(const QString& title, const QString& accept, const QString& styleClass,
                  const std::function<void()>& action);
+    void setAddress(const QString& host);
     void showMessage(const QString& text, bool busy);
 
     QStackedWidget* m_pages;

@@ -30,7 +30,8 @@ void MainMenu::addEntries()
     m_disconnect->setObjectName(QStringLiteral("MainNavigationBar-mainmenu-DisconnectFromServer-action"));
     connect(m_disconnect, &QAction::triggered, this, &MainMenu::disconnectClicked);
     m_reboot = addEntry(QStringLiteral(":/icons/reboot.svg"), tr("Device Reboot"));
-    connect(m_reboot, &QAction::triggered, this, &MainMenu::rebootServer);
+    m_reboot->setObjectName(QStringLiteral("MainNavigationBar-mainmenu-DeviceReboot-action"));
+    connect(m_reboot, &QAction::triggered, this, &MainMenu::rebootClicked);
     addSeparator();
     m_clearShow = addEntry(QStringLiteral(":/icons/close.svg"), tr("Clear show"));
     connect(m_clearShow, &QAction::triggered, this, &MainMenu::clearShowClicked);

@@ -36,6 +36,7 @@ public Q_SLOTS:
 Q_SIGNALS:
     void connectClicked();
     void disconnectClicked();
+    void rebootClicked();
     void clearShowClicked();
     void importShowClicked();
     void exportShowClicked();

@@ -61,6 +61,13 @@ MainNavigationBar::MainNavigationBar(Hotkeys* hotkeys, QWidget* parent)
     m_layout->addStretch(1);
 }
 
+void MainNavigationBar::setBanner(QWidget* banner)
+{
+    const int stretch = m_layout->indexOf(m_tabs) + 1; // whose room it takes
+    delete m_layout->takeAt(stretch);
+    m_layout->insertWidget(stretch, banner, 1, Qt::AlignVCenter);
+}
+
 void MainNavigationBar::addMainMenu(QWidget* button)
 {
     m_layout->insertWidget(0, button);

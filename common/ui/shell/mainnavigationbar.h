@@ -24,6 +24,8 @@ public:
     explicit MainNavigationBar(Hotkeys* hotkeys, QWidget* parent = nullptr);
 
     void addMainMenu(QWidget* button);
+    /// What takes the room beside the tabs; once.
+    void setBanner(QWidget* banner);
     void addTab(int index, PushButton* button);
     void addButton(QWidget* button);
     int activeTab() const { return m_active; }

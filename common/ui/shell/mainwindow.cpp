@@ -2,8 +2,10 @@
 
 #include "common/notification/notificationmanagerimpl.h"
 #include "common/outputs/outputview.h"
+#include "common/player/linkbanner.h"
 #include "common/player/playerplaybackview.h"
 #include "common/session/link/connectionhandler.h"
+#include "common/session/link/linkhealth.h"
 #include "common/session/mirror/objecttreemodel.h"
 #include "common/session/mirror/servernotices.h"
 #include "common/session/session.h"
@@ -14,6 +16,7 @@
 #include "common/ui/keyboard/hotkeys.h"
 #include "common/ui/keyboard/keyboarddialog.h"
 #include "common/ui/keyboard/keyboardfocus.h"
+#include "common/ui/keyboard/pressguard.h"
 #include "common/ui/shell/configurationdialog.h"
 #include "common/ui/shell/connectdialog.h"
 #include "common/ui/shell/developermenu.h"
@@ -22,6 +25,7 @@
 #include "common/ui/shell/notificationdialogwrapper.h"
 #include "common/ui/shell/notificationpresenter.h"
 #include "common/ui/shell/notificationstatusbar.h"
+#include "common/ui/shell/onairquestions.h"
 #include "common/ui/shell/showmanager.h"
 #include "common/ui/shell/statusbar.h"
 #include "common/ui/style/spacing.h"
@@ -44,7 +48,8 @@ namespace vantrel {
 
 namespace {
 
-constexpr int startDelay = 200; // milliseconds until the window is up
+constexpr int startDelay = 200;    // milliseconds until the window is up
+constexpr int quietAttempt = 3000; // milliseconds of a first attempt that nobody needs to hear of
 constexpr auto tabClickWheel = static_cast<Qt::FocusPolicy>(11);
 
 enum Tab : int { OutputsTab = 0, FilesTab = 1, MediaTab = 2, PlayerTab = 3 };
@@ -68,10 +73,12 @@ MainWindow::MainWindow(Session* session, QWidget* parent)
     m_layout->setSpacing(0);
 
     m_navigationBar = new MainNavigationBar(m_hotkeys, m_central);
+    m_navigationBar->setBanner(new LinkBanner(session, m_navigationBar));
     m_tabs = new StackedTabWidget(m_central);
     m_tabs->setObjectNames(QStringLiteral("MainTabs"));
     connect(m_navigationBar, &MainNavigationBar::tabSelected, m_tabs, &QStackedWidget::setCurrentIndex);
     m_notificationPresenter = new NotificationPresenter(NotificationManagerImpl::instance(), this);
+    m_questions = new OnAirQuestions(session, this);
     initStatusBar();
     initMainMenu();
     initHotkeys();
@@ -104,6 +111,7 @@ MainWindow::MainWindow(Session* session, QWidget* parent)
     setFocusPolicy(tabClickWheel);
     raise();
     m_developerMenu = new DeveloperMenu(this);
+    new PressGuard(m_hotkeys, this);
     new KeyboardFocus(this);
     resize(QSize(1600, 1000).boundedTo(screen()->availableSize()));
 }
@@ -145,12 +153,17 @@ void MainWindow::initMainMenu()
     connect(button, &IconButton::clicked, m_mainMenu, [this] { m_mainMenu->popup(QCursor::pos()); });
     connect(m_mainMenu, &MainMenu::connectClicked, this, &MainWindow::handleConnectRequest);
     connect(m_mainMenu, &MainMenu::disconnectClicked, this, &MainWindow::handleDisconnectRequest);
+    connect(m_mainMenu, &MainMenu::rebootClicked, this,
+            [this] { m_questions->beforeReboot([this] { m_mainMenu->rebootServer(); }); });
     connect(m_mainMenu, &MainMenu::notificationsClicked, m_notificationDialog,
             &NotificationDialogWrapper::show);
     connect(m_mainMenu, &MainMenu::configurationClicked, this, &MainWindow::openConfigurationDialog);
     connect(m_mainMenu, &MainMenu::keyboardClicked, this, &MainWindow::openKeyboardDialog);
     auto* shows = new ShowManager(m_session, this);
-    connect(m_mainMenu, &MainMenu::clearShowClicked, shows, &ShowManager::handleClearShow);
+    connect(m_mainMenu, &MainMenu::clearShowClicked, shows, [this, shows] {
+        shows->setOnAir(m_questions->isProgramPlaying());
+        shows->handleClearShow();
+    });
     connect(m_mainMenu, &MainMenu::importShowClicked, shows, &ShowManager::handleImport);
     connect(m_mainMenu, &MainMenu::exportShowClicked, shows, &ShowManager::handleExport);
     m_configurationDialog = new ConfigurationDialog(this);
@@ -225,6 +238,11 @@ void MainWindow::initConnection()
     connect(handler, &ConnectionHandler::connecting, this, &MainWindow::onConnecting);
     connect(handler, &ConnectionHandler::connected, this, &MainWindow::onConnected);
     connect(handler, &ConnectionHandler::disconnected, this, &MainWindow::onDisconnected);
+    connect(handler, &ConnectionHandler::attemptFailed, this, &MainWindow::onAttemptFailed);
+    const LinkHealth* health = m_session->linkHealth();
+    connect(health, &LinkHealth::changed, m_statusBar, [this, health] {
+        m_statusBar->setSilence(health->state() == LinkHealth::State::Silent ? health->text() : QString());
+    });
     connect(handler, &ConnectionHandler::connected, m_mainMenu, &MainMenu::handleConnected);
     connect(handler, &ConnectionHandler::disconnected, m_mainMenu, &MainMenu::handleDisconnected);
     connect(handler, &ConnectionHandler::connected, m_statusBar, &StatusBar::onConnected);
@@ -238,6 +256,11 @@ void MainWindow::initConnection()
 void MainWindow::autoConnect(const QString& host)
 {
     QTimer::singleShot(startDelay, this, [this, host] { m_session->connectionHandler()->connect(host); });
+    // One that does not even refuse is not waited for without a word.
+    QTimer::singleShot(startDelay + quietAttempt, this, [this] {
+        if (!m_attemptedHost.isEmpty())
+            connectDialog()->showConnectingDialog(m_attemptedHost);
+    });
 }
 
 void MainWindow::showConnectDialog()
@@ -245,11 +268,13 @@ void MainWindow::showConnectDialog()
     QTimer::singleShot(startDelay, this, &MainWindow::showConnectDialogImmediate);
 }
 
-void MainWindow::showConnectDialogImmediate()
+/// Made on first use.
+ConnectDialog* MainWindow::connectDialog()
 {
     if (!m_connectDialog) {
         m_connectDialog = new ConnectDialog(this);
-        connect(m_connectDialog, &ConnectDialog::stop, this, &MainWindow::handleDisconnectRequest);
+        connect(m_connectDialog, &ConnectDialog::stop, m_session->connectionHandler(),
+                &ConnectionHandler::goBack);
         connect(m_connectDialog, &ConnectDialog::disconnectRequested, this,
                 &MainWindow::handleDisconnectRequest);
         ConnectionHandler* handler = m_session->connectionHandler();
@@ -260,7 +285,12 @@ void MainWindow::showConnectDialogImmediate()
         if (m_session->isConnected())
             m_connectDialog->onConnected();
     }
-    m_connectDialog->showConnectDialog();
+    return m_connectDialog;
+}
+
+void MainWindow::showConnectDialogImmediate()
+{
+    connectDialog()->showConnectDialog();
     m_connectDialog->activateWindow();
 }
 
@@ -284,25 +314,33 @@ void MainWindow::handleConnectRequest()
 
 void MainWindow::handleDisconnectRequest()
 {
-    m_session->connectionHandler()->disconnect();
+    m_questions->beforeDisconnect([this] { m_session->connectionHandler()->disconnect(); });
 }
 
 void MainWindow::onConnecting(const QString& address)
 {
+    m_attemptedHost = address;
     if (m_connectDialog)
         m_connectDialog->setConnectingDialog(address);
 }
 
 void MainWindow::onConnected()
 {
+    m_attemptedHost.clear();
     if (m_connectDialog)
         m_connectDialog->hide();
 }
 
 void MainWindow::onDisconnected(const QString& address)
 {
+    m_attemptedHost.clear();
     if (m_connectDialog && m_connectDialog->isVisible())
         m_connectDialog->setDisconnectionDialog(address);
+}
+
+void MainWindow::onAttemptFailed(const QString& host, const QString& reason, const QString& next)
+{
+    connectDialog()->showFailure(host, reason, next);
 }
 
 void MainWindow::openConfigurationDialog()

@@ -20,6 +20,7 @@ class MainNavigationBar;
 class NotificationDialogWrapper;
 class NotificationPresenter;
 class NotificationStatusBar;
+class OnAirQuestions;
 class PushButton;
 class Session;
 class StackedTabWidget;
@@ -55,6 +56,7 @@ public Q_SLOTS:
     void onConnecting(const QString& address);
     void onConnected();
     void onDisconnected(const QString& address);
+    void onAttemptFailed(const QString& host, const QString& reason, const QString& next);
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -68,6 +70,7 @@ private:
     void initFileView();
     void initMediaView();
     void initPlayerView();
+    ConnectDialog* connectDialog();
     void initStatusBar();
     void initConnection();
     void addView(int index, const QString& caption, const QString& icon, const QString& name, QWidget* view);
@@ -84,6 +87,8 @@ private:
     MainNavigationBar* m_navigationBar = nullptr;
     StackedTabWidget* m_tabs = nullptr;
     MainMenu* m_mainMenu = nullptr;
+    OnAirQuestions* m_questions = nullptr;
+    QString m_attemptedHost; // while its first attempt is under way
     StatusBar* m_statusBar = nullptr;
     NotificationPresenter* m_notificationPresenter = nullptr;
     NotificationDialogWrapper* m_notificationDialog = nullptr;

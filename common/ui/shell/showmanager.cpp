@@ -29,14 +29,16 @@ constexpr auto resource = "/api/brume/v1/show/current";
 
 } // namespace
 
+QString ShowManager::clearText()
+{
+    return tr("All output and playback configurations,\nmedia collections and playlists will be lost.\n"
+              "Do you want to continue?");
+}
+
 ShowManager::ShowManager(Session* session, QWidget* parent)
     : QObject(parent)
     , m_session(session)
-    , m_clearDialog(
-          new ConfirmationDialog(tr("Clear show"),
-                                 tr("All output and playback configurations,\nmedia collections and "
-                                    "playlists will be lost.\nDo you want to continue?"),
-                                 tr("CLEAR"), parent))
+    , m_clearDialog(new ConfirmationDialog(tr("Clear show"), clearText(), tr("CLEAR"), parent))
     , m_revertDialog(new ConfirmationDialog(tr("Revert show"),
                                             tr("All unsaved changes will be lost. Do you want to continue?"),
                                             tr("REVERT"), parent))
@@ -67,6 +69,12 @@ void ShowManager::handleSaveAs()
 void ShowManager::handleRevertShow()
 {
     m_revertDialog->open();
+}
+
+void ShowManager::setOnAir(bool onAir)
+{
+    m_clearDialog->setDescription(
+        (onAir ? tr("Program is playing and goes black at once.") + u'\n' : QString()) + clearText());
 }
 
 void ShowManager::handleClearShow()

@@ -42,12 +42,15 @@ public Q_SLOTS:
     void handleSaveAs();
     void handleRevertShow();
     void handleClearShow();
+    /// Whether the question before a show is cleared warns of program.
+    void setOnAir(bool onAir);
     void handleImport();
     void handleExport();
     void importShow(QString fileName, QStringList imports);
     void forceImport();
 
 private:
+    static QString clearText();
     template <typename Command>
     void send(const char* name, const QString& showName);
     QUrl showUrl() const;

@@ -108,6 +108,12 @@ void StatusBar::updateData()
     m_address->setText(QStringLiteral("(%1) %2").arg(version, address));
 }
 
+void StatusBar::setSilence(const QString& text)
+{
+    m_label->setText(text.isEmpty() ? tr("Server Connection") : text);
+    m_toggle->setCheckedColor(colors::getColor(text.isEmpty() ? colors::Green_green : colors::Zt_spot_color));
+}
+
 void StatusBar::onConnected()
 {
     updateData();

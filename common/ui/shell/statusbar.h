@@ -33,6 +33,9 @@ public:
     ReconnectDialog* reconnectDialog() const { return m_reconnectDialog; }
     StatusBarMenu* menu() const { return m_menu; }
 
+    /// What the lamp tells in amber while the link stands and the server says nothing; empty when it answers.
+    void setSilence(const QString& text);
+
 public Q_SLOTS:
     void updateData();
     void onConnected();

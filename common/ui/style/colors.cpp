@@ -60,7 +60,7 @@ QColor getColor(ColorCode code)
     case Blue_button_hover:
         return QColor::fromRgba(0xFF2493E6);
     case Red_button_focus:
-        return QColor::fromRgba(0xFF9E1316);
+        return QColor::fromRgba(0xFF8C1013);
     case Red_button_hover:
         return QColor::fromRgba(0xFFC92A2D);
     case Green_primary:
@@ -142,7 +142,7 @@ QColor getColor(ColorCode code)
     case Button_background_disabled:
         return QColor::fromRgba(0x0FFFFFFF);
     case Button_text_disabled:
-        return QColor::fromRgba(0x59FFFFFF);
+        return QColor::fromRgba(0x8CFFFFFF);
     case Notification_info:
         return QColor::fromRgba(0xFF114268);
     case Notification_warning:

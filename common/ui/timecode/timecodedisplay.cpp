@@ -55,6 +55,12 @@ void TimecodeDisplay::setRunningOn(const QColor& background)
     fit();
 }
 
+void TimecodeDisplay::setFiguresOnly(bool only)
+{
+    m_figuresOnly = only;
+    fit();
+}
+
 /// A widget of fixed size does not have its window laid out with each of its texts.
 void TimecodeDisplay::fit()
 {
@@ -132,7 +138,8 @@ QSize TimecodeDisplay::sizeHint() const
     const QMargins margins = contentsMargins();
     const QFontMetrics metrics = fontMetrics();
     return {textWidth(metrics, text()) + margins.left() + margins.right(),
-            metrics.height() + margins.top() + margins.bottom()};
+            (m_figuresOnly ? metrics.capHeight() * 5 / 4 : metrics.height()) + margins.top() +
+                margins.bottom()};
 }
 
 QSize TimecodeDisplay::minimumSizeHint() const

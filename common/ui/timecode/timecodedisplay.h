@@ -27,6 +27,8 @@ public:
     /// For a time that runs with the pictures, on this background: each step asks for room only when the
     /// width changes, and paints nothing but the display.
     void setRunningOn(const QColor& background);
+    /// As high as its figures alone, without the room that letters need below the line.
+    void setFiguresOnly(bool only);
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
@@ -46,6 +48,7 @@ private:
     void updateText();
     void fit();
 
+    bool m_figuresOnly = false;
     QColor m_background; // invalid: what lies below shows
     TimecodeViewMode m_viewMode = TimecodeViewMode::Time;
     double m_time = 0.0;

@@ -79,7 +79,7 @@ QColor ColorBox::borderColor() const
         return getColor(colors::Zt_white_8);
     if (isDown())
         return getColor(colors::Zt_orange);
-    return getColor(underMouse() ? colors::Zt_white_70 : colors::Zt_white_30);
+    return getColor(underMouse() ? colors::Zt_white_70 : colors::Zt_white_50);
 }
 
 void ColorBox::paintEvent(QPaintEvent*)

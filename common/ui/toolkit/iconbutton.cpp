@@ -97,9 +97,9 @@ QColor IconButton::currentColor() const
         return m_normal;
     if (isDown())
         return m_pressed;
-    // A segment is filled with the accent while checked, and its icon must stand out from that.
+    // A segment is filled with the accent while checked, and its icon must be read on that.
     if (isChecked() && property("class") == QLatin1String("segment"))
-        return getColor(colors::White);
+        return getColor(colors::Slate_grey_900);
     if (isChecked() && m_checked.isValid())
         return m_checked;
     return underMouse() ? m_hover : m_normal;
@@ -130,7 +130,7 @@ void IconButton::paintEvent(QPaintEvent*)
     const QPixmap pixmap = IconCache::pixmap(icon, currentColor(), QSize(side, side), devicePixelRatioF());
     // The whole drawing at once: where a fill and its outline overlap, it must not get denser.
     if (!isEnabled())
-        painter.setOpacity(0.4);
+        painter.setOpacity(0.5); // of white at 80 %: 40 % in all
     painter.drawPixmap((width() - side) / 2, (height() - side) / 2, pixmap);
 }
 

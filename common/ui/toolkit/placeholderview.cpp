@@ -16,7 +16,7 @@ PlaceholderView::PlaceholderView(const QString& icon, const QString& text, QWidg
     auto* picture = new QLabel(this);
     followFontSize(picture, [picture, icon](FontSize size) {
         const int extent = scaled(56, size);
-        picture->setPixmap(IconCache::pixmap(icon, colors::getColor(colors::Zt_white_30),
+        picture->setPixmap(IconCache::pixmap(icon, colors::getColor(colors::Zt_white_50),
                                              QSize(extent, extent), picture->devicePixelRatioF()));
     });
     auto* label = new ZTLabel(text, this);

@@ -36,8 +36,17 @@ ZTEdit* TextInputDialog::addField(const QString& label, const QString& text)
     caption->setBuddy(field);
     auto* pair = new QVBoxLayout;
     pair->setSpacing(4);
-    pair->addWidget(caption);
-    pair->addWidget(field);
+    const auto makeNote = [this](const QString& style) {
+        auto* note = new ZTLabel(this);
+        note->setStyleClass(style);
+        note->setWordWrap(true);
+        note->hide();
+        return note;
+    };
+    const Notes notes{makeNote(QStringLiteral("caption")), makeNote(QStringLiteral("error"))};
+    m_notes.append(notes);
+    for (QWidget* part : std::initializer_list<QWidget*>{caption, field, notes.help, notes.error})
+        pair->addWidget(part);
     contentLayout()->addLayout(pair);
     m_fields.append(field);
     connect(field, &ZTEdit::textChanged, this, &TextInputDialog::updateAccept);
@@ -60,11 +69,27 @@ void TextInputDialog::setValue(int field, const QString& text)
         m_fields[field]->setText(text);
 }
 
+void TextInputDialog::setHelp(int field, const QString& text)
+{
+    m_notes[field].help->setText(text);
+    m_notes[field].help->setVisible(!text.isEmpty());
+}
+
+void TextInputDialog::setError(int field, const QString& text)
+{
+    m_notes[field].error->setText(text);
+    m_notes[field].error->setVisible(!text.isEmpty());
+    if (isVisible())
+        fitToContent();
+}
+
 void TextInputDialog::setObjectNames(const QString& base)
 {
     ZTDialog::setObjectNames(base);
-    for (qsizetype i = 0; i < m_fields.size(); ++i)
+    for (qsizetype i = 0; i < m_fields.size(); ++i) {
         m_fields[i]->setObjectName(QStringLiteral("%1-input-%2").arg(base).arg(i));
+        m_notes[i].error->setObjectName(m_fields[i]->objectName() + QStringLiteral("-error"));
+    }
 }
 
 void TextInputDialog::showEvent(QShowEvent* event)

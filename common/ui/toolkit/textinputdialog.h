@@ -7,6 +7,7 @@
 namespace vantrel {
 
 class ZTEdit;
+class ZTLabel;
 
 /// Asks for one or more texts; the accept button needs all of them to hold more than blanks.
 class TextInputDialog : public ZTDialog
@@ -23,6 +24,10 @@ public:
     /// The fields' texts in order, without blanks at their ends.
     QStringList values() const;
     void setValue(int field, const QString& text);
+    /// A line under the field that says what goes into it, and one that says what is wrong with it. An empty
+    /// text takes the line away.
+    void setHelp(int field, const QString& text);
+    void setError(int field, const QString& text);
     void setObjectNames(const QString& base) override;
 
 Q_SIGNALS:
@@ -32,9 +37,15 @@ protected:
     void showEvent(QShowEvent* event) override;
 
 private:
+    struct Notes
+    {
+        ZTLabel* help;
+        ZTLabel* error;
+    };
     void updateAccept();
 
     QList<ZTEdit*> m_fields;
+    QList<Notes> m_notes; // of each field
 };
 
 } // namespace vantrel

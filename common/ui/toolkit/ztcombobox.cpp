@@ -46,7 +46,7 @@ void ZTComboBox::paintEvent(QPaintEvent*)
     painter.drawControl(QStyle::CE_ComboBoxLabel, option);
 
     const int side = qMin(height() / 2, 18);
-    const QColor colour = colors::getColor(isEnabled() ? colors::Zt_white_70 : colors::Zt_white_30);
+    const QColor colour = colors::getColor(isEnabled() ? colors::Zt_white_70 : colors::Zt_white_50);
     painter.drawPixmap(
         width() - side - 8, (height() - side) / 2,
         IconCache::pixmap(QStringLiteral("chevron_down"), colour, QSize(side, side), devicePixelRatioF()));

@@ -14,6 +14,7 @@ using namespace vantrel::test;
 namespace {
 
 constexpr double silence = AudioLevels::silence;
+const QString frame = QStringLiteral("#6b7a86");
 
 AudioLevels levelsOf(std::initializer_list<double> peaks)
 {
@@ -133,7 +134,8 @@ private Q_SLOTS:
         const QImage image = meter.image();
         QTEST(kindAt(image, x, 3), "upper");
         QTEST(kindAt(image, x, 12), "lower");
-        QCOMPARE(kindAt(image, x, 8), QStringLiteral("Slate_grey_800")); // between them
+        // Between them the panel, and at the end the frame of both.
+        QCOMPARE(kindAt(image, x, 8), x < 119 ? QStringLiteral("Slate_grey_800") : frame);
     }
 
     void marksThePeakAndFalls()
@@ -178,7 +180,13 @@ private Q_SLOTS:
         meter.widget.setLevels({});
         QVERIFY(says("Program level: the media has no sound"));
         QCOMPARE(meter.widget.state(), LevelMeter::State::NoSound);
-        QCOMPARE(kindAt(meter.image(), 60, 7), QStringLiteral("Slate_grey_700"));
+        QCOMPARE(kindAt(meter.image(), 60, 7), frame);
+        meter.widget.setMuted(true);
+        QVERIFY(says("Program level: the media has no sound (muted)"));
+        QCOMPARE(kindAt(meter.image(), 2, 2), QStringLiteral("Zt_red"));
+        QCOMPARE(kindAt(meter.image(), 118, 14), QStringLiteral("Zt_red"));
+        meter.widget.setMuted(false);
+        QCOMPARE(kindAt(meter.image(), 2, 2), QStringLiteral("Slate_grey_800"));
         meter.widget.clear();
         QVERIFY(says("Program level: not connected"));
     }

@@ -5,6 +5,7 @@
 #include "common/session/session.h"
 #include "common/ui/keyboard/hotkeys.h"
 #include "common/ui/keyboard/keyboardfocus.h"
+#include "common/ui/toolkit/iconbutton.h"
 #include "common/views/slotlistview.h"
 #include "tests/common/playback/playerfixture.h"
 
@@ -47,6 +48,7 @@ public:
         const auto provider = peer.session->mediaLibraryProvider();
         if (!connect() || !QTest::qWaitFor([&] { return provider->slot({1, 1}) != nullptr; }))
             return false;
+        channel()->programWidget()->lockButton()->click();
         for (const char* playback : {"preview", "program"}) {
             set(playback, "media", "\"brume://collections/1/slots/1\"");
             set(playback, "mediaPosition", "5.0");

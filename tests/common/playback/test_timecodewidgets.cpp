@@ -94,6 +94,22 @@ private Q_SLOTS:
         QCOMPARE(timecodes.findChild<TimecodeDisplay*>(QStringLiteral("T-Playhead"))->getTime(), 11.0);
     }
 
+    void aStillCountsNoFurtherThanItsEnd()
+    {
+        PlaybackTimecodes timecodes;
+        timecodes.setObjectNames(QStringLiteral("T"));
+        const auto* playhead = timecodes.findChild<TimecodeDisplay*>(QStringLiteral("T-Playhead"));
+        timecodes.setOutpoint(10.0);
+        timecodes.setPosition(8.04);
+        QCOMPARE(playhead->text(), QStringLiteral("00:00:08.040"));
+        timecodes.setPosition(48.08); // a video beyond an out point that was moved is where it is
+        QCOMPARE(playhead->text(), QStringLiteral("00:00:48.080"));
+        timecodes.setHeldAtEnd(true);
+        QCOMPARE(playhead->text(), QStringLiteral("00:00:10.000"));
+        timecodes.setOutpoint(60.0);
+        QCOMPARE(playhead->text(), QStringLiteral("00:00:48.080"));
+    }
+
     void remainingDropsToASecondRowWhereItMust()
     {
         PlaybackTimecodes timecodes;

@@ -196,6 +196,47 @@ private Q_SLOTS:
         QVERIFY(running.handler.shutDown(3000));
     }
 
+    /// Neither a wrong name nor one that does not answer makes it forget the server that was lost, or left
+    /// for it.
+    void comesBackToTheServerBefore_data()
+    {
+        QTest::addColumn<bool>("isLost");
+        QTest::addColumn<QString>("other");
+        QTest::addColumn<bool>("byHand");
+        const QString unknown = QStringLiteral("no-such-host.invalid");
+        QTest::newRow("lost, an unknown name") << true << unknown << false;
+        QTest::newRow("changed to an unknown name") << false << unknown << false;
+        QTest::newRow("changed to one that refuses") << false << QStringLiteral("127.0.0.9") << false;
+        QTest::newRow("changed, and given up") << false << QStringLiteral("127.0.0.9") << true;
+    }
+    void comesBackToTheServerBefore()
+    {
+        QFETCH(bool, isLost);
+        QFETCH(QString, other);
+        QFETCH(bool, byHand);
+        ScriptedServer server;
+        Running running(server.port());
+        QSignalSpy failures(&running.handler, &ConnectionHandler::attemptFailed);
+        running.handler.connect(loopback);
+        QTRY_COMPARE(running.recorder.lines, firstConnection);
+        if (isLost) {
+            server.socket->disconnectFromHost();
+            QTRY_VERIFY(running.recorder.lines.contains(QStringLiteral("reconnecting 2000")));
+        }
+        running.handler.connect(other);
+        if (byHand)
+            running.handler.goBack();
+        else
+            QTRY_COMPARE_WITH_TIMEOUT(failures.size(), 1, 20000);
+        if (!byHand) {
+            QCOMPARE(failures[0][0].toString(), other);
+            QVERIFY(failures[0][1].toString().endsWith(u'.'));
+            QCOMPARE(failures[0][2].toString(), loopback);
+        }
+        QTRY_COMPARE_WITH_TIMEOUT(server.connections, 2, 10000);
+        QTRY_COMPARE(running.handler.getConnectedHost(), loopback);
+    }
+
     void takesTheLastOfTwoHosts()
     {
         ScriptedServer server;

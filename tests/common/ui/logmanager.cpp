@@ -61,6 +61,7 @@ private Q_SLOTS:
         LogManager& logs = LogManager::instance();
         logs.setLogToStdOut(false);
         logs.setSizeLimit(52428800);
+        logs.setFileSizeLimit(10485760);
         logs.rotateLogs(); // closes the file of the test before
         m_folder.setPath(logs.logDir());
         emptyFolder();
@@ -110,6 +111,48 @@ private Q_SLOTS:
                         time + QStringLiteral(" \\*D\\* /home/dev/Tessen/common/x.cpp:12 - a debug line$")));
         QVERIFY(matches(lines[1], time + QStringLiteral(" \\*I\\* - an info line$")));
         QVERIFY(matches(lines[2], time + QStringLiteral(" \\*C\\* - a critical line$")));
+    }
+
+    void aRunThatNeverEndsStaysWithinItsLimits()
+    {
+        LogManager& logs = LogManager::instance();
+        logs.setSizeLimit(50000);
+        logs.setFileSizeLimit(10000);
+        logs.rotateLogs();
+        const QMessageLogContext bare;
+        int number = 0;
+        QString first;
+        // Names tell files apart by milliseconds: what comes within one is written to the next that opens.
+        const bool isSwept = QTest::qWaitFor([&] {
+            for (int i = 0; i < 20; ++i)
+                qt_message_output(QtInfoMsg, bare, QStringLiteral("%1 ").arg(++number).repeated(50));
+            const QStringList names = m_folder.entryList({QStringLiteral("halcyra_log_*.txt")}, QDir::Files);
+            if (first.isEmpty())
+                first = names.value(0);
+            return !first.isEmpty() && !names.contains(first);
+        });
+        qInstallMessageHandler(m_watch);
+        QVERIFY(isSwept);
+        const QFileInfoList files = m_folder.entryInfoList(QDir::Files);
+        QVERIFY2(folderSize(m_folder) <= 50000, qPrintable(QString::number(folderSize(m_folder))));
+        QVERIFY(files.size() >= 4);
+        for (const QFileInfo& file : files)
+            QVERIFY(file.size() < 11000);
+    }
+
+    void aLineFromOutsideStaysOneAndShort()
+    {
+        LogManager::instance().rotateLogs();
+        const QMessageLogContext bare;
+        qt_message_output(QtInfoMsg, bare, QStringLiteral("a.mov\n12:00:00.000: *C* - forged"));
+        qt_message_output(QtInfoMsg, bare, QString(5000, u'x'));
+        for (int i = 0; i < 100; ++i)
+            qt_message_output(QtWarningMsg, bare, QStringLiteral("again"));
+        qInstallMessageHandler(m_watch);
+        const QStringList lines = logLines();
+        QCOMPARE(lines.size(), 2 + 10);
+        QVERIFY(lines[0].endsWith(QStringLiteral("- a.mov\\n12:00:00.000: *C* - forged")));
+        QVERIFY(lines[1].size() < 2100);
     }
 
     void aRunHasOneFileUntilRotation()

@@ -124,7 +124,7 @@ private Q_SLOTS:
                 const bool mayElide = qobject_cast<const ElidedLabel*>(label);
                 if (label->isVisible() && !mayElide && !label->wordWrap() &&
                     (label->width() < label->sizeHint().width() ||
-                     label->height() < label->fontMetrics().height()))
+                     label->height() < qMin(label->fontMetrics().height(), label->sizeHint().height())))
                     cut.append(label->text());
             }
             return cut.isEmpty();

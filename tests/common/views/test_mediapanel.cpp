@@ -87,6 +87,9 @@ private Q_SLOTS:
     void searches();
     void searchingModelIsSound();
     void playsWhatIsActivated();
+    void enterInTheSearchCues_data();
+    void enterInTheSearchCues();
+    void enterInAnEditorStaysInIt();
     void emptyTexts();
     void dragPayloadReadsBack();
     void movesIntoGaps_data();
@@ -256,6 +259,47 @@ void TestMediaPanel::playsWhatIsActivated()
     QTest::keyClicks(panel.view, QStringLiteral("5"));
     QCOMPARE(panel.search->text(), QStringLiteral("5"));
     QCOMPARE(panel.listed(), QStringLiteral("5"));
+}
+
+void TestMediaPanel::enterInTheSearchCues_data()
+{
+    QTest::addColumn<QString>("typed");
+    QTest::addColumn<int>("cued"); // 0 for none
+    QTest::addColumn<QString>("left");
+    QTest::newRow("a number among its like") << "1" << 1 << "";
+    QTest::newRow("a longer one") << "12" << 12 << "";
+    QTest::newRow("one hit by name") << "c1s7" << 7 << "c1s7";
+    QTest::newRow("several hits") << "c1s" << 0 << "c1s";
+    QTest::newRow("no such slot") << "99" << 0 << "99";
+    QTest::newRow("nothing typed") << "" << 0 << "";
+}
+
+void TestMediaPanel::enterInTheSearchCues()
+{
+    QFETCH(QString, typed);
+    Panel panel(test::makeLibrary(1, 12));
+    panel.widget.show();
+    QSignalSpy played(&panel.widget, &MediaPanelWidget::directPlayRequested);
+    QTest::keyClicks(panel.search, typed);
+    QTest::keyClick(panel.search, Qt::Key_Return);
+    const QModelIndex index = played.isEmpty() ? QModelIndex() : played.first().first().toModelIndex();
+    QCOMPARE(played.size(), index.isValid() ? 1 : 0);
+    QTEST(index.isValid() ? media::MediaUtils::parseCollectionIndex(index).slot : 0, "cued");
+    QTEST(panel.search->text(), "left");
+}
+
+void TestMediaPanel::enterInAnEditorStaysInIt()
+{
+    Panel panel(test::makeLibrary(1, 3));
+    panel.widget.show();
+    QSignalSpy played(&panel.widget, &MediaPanelWidget::directPlayRequested);
+    panel.view->setCurrentIndex(panel.row(1));
+    QTest::keyClick(panel.view, Qt::Key_F2);
+    auto* editor = panel.view->findChild<QLineEdit*>();
+    QVERIFY(editor);
+    QTest::keyClick(editor, Qt::Key_Return);
+    QTRY_VERIFY(!panel.view->findChild<QLineEdit*>() || !panel.view->findChild<QLineEdit*>()->isVisible());
+    QCOMPARE(played.size(), 0);
 }
 
 void TestMediaPanel::emptyTexts()

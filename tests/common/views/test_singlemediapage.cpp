@@ -1,6 +1,6 @@
+#include "common/media/library/medialibraryapi.h"
 #include "common/media/library/medialibraryprovider.h"
 #include "common/media/net/defaultresourcestatusprovider.h"
-#include "common/media/net/mediadataaggregator.h"
 #include "common/playback/playbackpreview.h"
 #include "common/playback/playbackwidget.h"
 #include "common/session/link/signalrelay.h"
@@ -27,6 +27,7 @@ private Q_SLOTS:
         QTRY_VERIFY(m_fixture->peer.session->mediaLibraryProvider()->slot({1, 1}));
         m_page = m_fixture->view->findChild<SingleMediaWidget*>();
         m_preview = m_fixture->part<PlaylistWidget>("Preview-PlaylistWidget");
+        m_fixture->peer.session->signalRelay()->handleSetNavBar(PlaylistWidget::SingleMediaTab);
     }
     void cleanup() { m_fixture.reset(); }
 
@@ -52,9 +53,9 @@ private Q_SLOTS:
         cue("brume://collections/1/slots/1");
         QTRY_COMPARE(m_page->shownValue(Column::MediaTypeColumn), QStringLiteral("Video"));
         const Session* session = m_fixture->peer.session;
-        const QPointer<MediaDataAggregator> former = session->mediaDataAggregator();
+        const QPointer<MediaLibraryApi> former = session->getMediaLibraryApi();
         m_fixture->peer.link.socket->disconnectFromHost();
-        QTRY_VERIFY_WITH_TIMEOUT(session->isConnected() && session->mediaDataAggregator() != former, 10000);
+        QTRY_VERIFY_WITH_TIMEOUT(session->isConnected() && session->getMediaLibraryApi() && !former, 10000);
         m_fixture->peer.send(R"([{"op":"add","path":"/device/channels/0","value":{"type":"Channel"}}])");
         QTRY_VERIFY(m_fixture->channel());
         cue("brume://collections/1/slots/2");

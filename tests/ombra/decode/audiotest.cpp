@@ -1,5 +1,5 @@
 #include "ombra/decode/audiofeed.h"
-#include "ombra/decode/audioreader.h"
+#include "ombra/decode/soundprogramme.h"
 #include "tests/ombra/decode/testmedia.h"
 #include "tests/support/testmain.h"
 
@@ -34,12 +34,12 @@ class AudioTest : public QObject
     Q_OBJECT
 
 private:
-    std::unique_ptr<AudioReader> open(const char* name)
+    std::unique_ptr<SoundProgramme> open(const char* name)
     {
-        return AudioReader::open(m_media.file(name), m_stop, &m_error);
+        return SoundProgramme::open(m_media.file(name), m_stop, &m_error);
     }
 
-    static std::vector<float> readAll(AudioReader& reader)
+    static std::vector<float> readAll(SoundProgramme& reader)
     {
         std::vector<float> samples;
         while (reader.next(samples)) {
@@ -85,6 +85,53 @@ private Q_SLOTS:
         QVERIFY(m_media.make(clip + words("-c:a pcm_s16le"), QStringLiteral("sowt.mov")));
         QVERIFY(m_media.spoilSound("sowt.mov", "spoilt.mov"));
         QVERIFY(m_media.make(TestMedia::numbered(0.2) + TestMedia::h264(12), QStringLiteral("mute.mp4")));
+    }
+
+    void monoStreamsAreOneProgramme_data()
+    {
+        QTest::addColumn<QByteArray>("name");
+        QTest::addColumn<double>("third"); // seconds that the third stream lasts; the others last two
+        QTest::newRow("broadcast") << QByteArray("mono.mxf") << 2.0;
+        QTest::newRow("one shorter") << QByteArray("mono.mov") << 1.0;
+    }
+
+    void monoStreamsAreOneProgramme()
+    {
+        QFETCH(QByteArray, name);
+        QFETCH(double, third);
+        QStringList arguments = TestMedia::numbered(2);
+        for (const char* level : {"0.1", "0.2", "0.3", "0.4"})
+            arguments += TestMedia::sound(QString::fromLatin1(level), level[2] == '3' ? third : 2);
+        QVERIFY(m_media.make(arguments +
+                                 words("-map 0 -map 1 -map 2 -map 3 -map 4 -c:v mpeg2video -c:a pcm_s16le"),
+                             QString::fromLatin1(name)));
+        const auto reader = open(name);
+        QVERIFY2(reader, m_error.c_str());
+        QCOMPARE(reader->channels(), 4);
+        QVERIFY(!reader->isPartial());
+        for (const double from : {0.0, 0.5, 0.0}) {
+            QVERIFY(reader->seek(from));
+            const std::vector<float> samples = readAll(*reader);
+            QCOMPARE(samples.size() / 4, std::size_t((2 - from) * 48000));
+            for (const std::size_t at : {std::size_t(100), std::size_t(60000)}) {
+                for (std::size_t channel = 0; channel < 4; ++channel) {
+                    const bool over = channel == 2 && from + double(at) / 48000 > third;
+                    const double level = over ? 0 : 0.1 * double(channel + 1);
+                    QVERIFY(std::abs(samples[at * 4 + channel] - level) < 0.01);
+                }
+            }
+        }
+    }
+
+    void whatCannotBeMixedIsLeftOut()
+    {
+        QVERIFY(m_media.make(TestMedia::numbered(0.4) + TestMedia::sound(QStringLiteral("0.1|0.1"), 0.4) +
+                                 TestMedia::sound(QStringLiteral("0.2|0.2"), 0.4) + TestMedia::h264(12) +
+                                 words("-map 0 -map 1 -map 2 -c:a pcm_s16le"),
+                             QStringLiteral("languages.mov")));
+        const auto reader = open("languages.mov");
+        QVERIFY2(reader && reader->isPartial(), m_error.c_str());
+        QCOMPARE(reader->channels(), 2);
     }
 
     void findsEverySampleExactly_data()

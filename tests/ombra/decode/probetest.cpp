@@ -131,6 +131,22 @@ private Q_SLOTS:
         }
     }
 
+    void soundLongerThanThePicturesCounts()
+    {
+        for (const double sound : {1.0, 0.44}) { // the second no longer than a codec's padding
+            QVERIFY(
+                m_media.make(TestMedia::numbered(0.4) + TestMedia::sound(QStringLiteral("0.1|0.1"), sound) +
+                                 TestMedia::sound(QStringLiteral("0.1|0.1"), sound) + TestMedia::h264(12) +
+                                 QStringList{"-map", "0", "-map", "1", "-map", "2", "-c:a", "pcm_s16le"},
+                             QStringLiteral("tail.mov")));
+            const auto info = probeMedia(m_media.file("tail.mov"), nullptr);
+            QVERIFY(info && info->playable);
+            QVERIFY(info->unsupportedAudio); // of two that are no programme one is heard
+            QCOMPARE(info->duration, sound > 0.5 ? 1.0 : 0.4);
+            QCOMPARE(info->frames, 10);
+        }
+    }
+
     void thumbnailsAreJpegs()
     {
         std::string error;

@@ -100,7 +100,7 @@ private Q_SLOTS:
         QTest::addColumn<int>("action");
         QTest::addColumn<int>("picture");
         QTest::addColumn<int>("state");
-        QTest::addColumn<bool>("news");
+        QTest::addColumn<bool>("isFollowed");
         QTest::newRow("repeat") << int(EndAction::Repeat) << 5 << int(SourcePlayState::Play) << false;
         QTest::newRow("pause") << int(EndAction::Pause) << 9 << int(SourcePlayState::Pause) << false;
         QTest::newRow("goTo") << int(EndAction::GoTo) << 9 << int(SourcePlayState::Pause) << false;
@@ -118,8 +118,7 @@ private Q_SLOTS:
         QTRY_VERIFY((shown(*deck), deck->landed()));
         QTEST(numberOn(deck->surface().get()), "picture");
         QTEST(int(deck->state()), "state");
-        QTEST(deck->takeEnded(), "news");
-        QVERIFY(!deck->takeEnded());
+        QTEST(deck->atEnd(), "isFollowed");
         m_now += 0.04;
         if (EndAction(action) == EndAction::Repeat)
             QTRY_COMPARE(shown(*deck), 6);
@@ -141,16 +140,16 @@ private Q_SLOTS:
         QFETCH(int, action);
         const std::shared_ptr<Deck> outgoing = make("clip.mp4", range(0.2, 0.4), EndAction(action));
         Player player(blackSurface(Canvas{}), true);
-        player.load(outgoing, TakeTransitionType::DirectCut, 0);
+        player.load(outgoing, {});
         QTRY_VERIFY((player.advance(m_now), !player.waiting()));
         player.load(make("clip.mp4", range(1.0, std::nullopt), EndAction::Pause),
-                    TakeTransitionType::Crossfade, 9);
+                    {TakeTransitionType::Crossfade, 9});
         QTRY_VERIFY((player.advance(m_now), !player.waiting()));
         m_now += 0.4;
         QTRY_VERIFY((player.advance(m_now), outgoing->state() != SourcePlayState::Play));
         QCOMPARE(outgoing->state(), SourcePlayState::Pause);
         QCOMPARE(numberOn(outgoing->surface().get()), 9);
-        QVERIFY(!outgoing->takeEnded());
+        QVERIFY(!outgoing->atEnd());
     }
 
     void seeksAndStepsExactly()

@@ -91,7 +91,7 @@ private:
     }
     Ref<Surface> moment()
     {
-        const Ref<Surface> shown = m_player->advance(m_now).to;
+        const Ref<Surface> shown = m_player->advance(m_now).to();
         (void)m_player->takeRetired();
         return shown;
     }
@@ -136,13 +136,13 @@ private Q_SLOTS:
         QFETCH(bool, seeks);
         QFETCH(double, seconds);
         const std::shared_ptr<Deck> first = make(m_disk);
-        m_player->load(first, TakeTransitionType::DirectCut, 0);
+        m_player->load(first, {});
         QTRY_VERIFY((moment(), !m_player->waiting()));
         const std::shared_ptr<Deck> second = make(m_hanging, 5);
         if (seeks)
             m_player->seekBy(second);
         else
-            m_player->load(second, TakeTransitionType::Crossfade, seconds);
+            m_player->load(second, {TakeTransitionType::Crossfade, seconds});
         QCOMPARE(m_player->deck(), second);
         QVERIFY(playsOn(*first));
         QVERIFY(m_player->waiting());
@@ -150,16 +150,17 @@ private Q_SLOTS:
         m_hanging.answers = true;
         Player::Moment moment;
         QTRY_VERIFY((moment = m_player->advance(m_now), !m_player->waiting()));
-        QCOMPARE(moment.to, second->surface()); // its first picture, and nothing in between
+        QCOMPARE(moment.to(), second->surface()); // its first picture, and nothing in between
         QCOMPARE(second->position(), 5.0);
-        QCOMPARE(moment.from, seconds > 0 ? first->surface() : Ref<Surface>());
+        QCOMPARE(moment.layers.size(), std::size_t(seconds > 0 ? 2 : 1));
+        QCOMPARE(moment.layers.front().surface, seconds > 0 ? first->surface() : second->surface());
     }
 
     /// A file that is gone meanwhile: what is open seeks itself, and plays on though it was at its end.
     void playsOnWhereASecondDeckFails()
     {
         const std::shared_ptr<Deck> first = make(m_disk, 9.9);
-        m_player->load(first, TakeTransitionType::DirectCut, 0);
+        m_player->load(first, {});
         QTRY_VERIFY((moment(), !m_player->waiting()));
         m_player->seekBy(make(m_hanging, 5, false));
         m_now += 1;
@@ -175,9 +176,9 @@ private Q_SLOTS:
     void stopsAndPausesAtOnce()
     {
         const std::shared_ptr<Deck> first = make(m_disk);
-        m_player->load(first, TakeTransitionType::DirectCut, 0);
+        m_player->load(first, {});
         QTRY_VERIFY((moment(), !m_player->waiting()));
-        m_player->load(make(m_hanging), TakeTransitionType::DirectCut, 0);
+        m_player->load(make(m_hanging), {});
         m_player->setState(SourcePlayState::Pause);
         QCOMPARE(first->state(), SourcePlayState::Pause);
         QCOMPARE(moment(), first->surface());
@@ -190,15 +191,15 @@ private Q_SLOTS:
         // Nothing that was opened answers, but all of it stops when it is told to.
         for (int i = 0; i < 1000; ++i) {
             m_now += 0.001;
-            m_player->load(make(m_hanging), TakeTransitionType::DirectCut, 0);
-            m_player->load(make(m_hanging), TakeTransitionType::DirectCut, 0); // overtakes the one before
+            m_player->load(make(m_hanging), {});
+            m_player->load(make(m_hanging), {}); // overtakes the one before
             (void)moment();
         }
         QVERIFY2(m_hanging.mostOpen <= 5, qPrintable(QString::number(m_hanging.mostOpen)));
         QVERIFY2(m_hanging.opened <= 1000, qPrintable(QString::number(m_hanging.opened)));
         QTRY_VERIFY((moment(), m_hanging.open <= 1)); // what was retired stopped at once
         const std::shared_ptr<Deck> newest = make(m_disk);
-        m_player->load(newest, TakeTransitionType::DirectCut, 0);
+        m_player->load(newest, {});
         QTRY_VERIFY((moment(), !m_player->waiting() && newest->landed()));
         QTRY_COMPARE((moment(), m_hanging.open.load()), 0);
         QCOMPARE(m_disk.opened.load(), 1);

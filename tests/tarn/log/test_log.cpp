@@ -1,7 +1,14 @@
+#include "tarn/log/logwriter.h"
 #include "tests/support/testmain.h"
 #include "tests/tarn/logcapture.h"
 
+#include <QDir>
+#include <QFile>
+#include <QRegularExpression>
+#include <QTemporaryDir>
 #include <QTest>
+
+#include <vector>
 
 using namespace vantrel;
 using vantrel::test::LogCapture;
@@ -34,6 +41,95 @@ private Q_SLOTS:
         const LogCapture log;
         Log::write_fmt(LogLevel::Warning, {}, "m", "%s", text.constData());
         QCOMPARE(log.lines(), QStringList{QStringLiteral("m: ") + QString::fromUtf8(line)});
+    }
+
+    void knowsWhereALineComesFrom()
+    {
+        std::vector<LogLoc> places;
+        Log::setSink([&](LogLevel, const LogLoc& from, auto, auto) { places.push_back(from); });
+        Log::write(LogLevel::Info, "m", "text");
+        Log::write_fmt(LogLevel::Info, {}, "m", "%d", 1);
+        [] { Log::write(LogLevel::Info, "m", "text"); }();
+        Log::setSink({});
+        QCOMPARE(places.size(), std::size_t{3});
+        for (const LogLoc& place : places) {
+            QCOMPARE(std::string(place.file), "test_log");
+            QCOMPARE(std::string(place.function), "knowsWhereALineComesFrom");
+            QVERIFY(place.line > 40 && place.line < 100);
+        }
+    }
+
+    void countsWhatRepeats()
+    {
+        using namespace std::chrono_literals;
+        RepeatLimit limit;
+        const RepeatLimit::Clock::time_point start{};
+        int written = 0;
+        for (int i = 0; i < 1000; ++i)
+            written += limit.admits(2, "flood", start + i * 1ms);
+        QCOMPARE(written, 10);
+        QVERIFY(limit.admits(3, "flood", start + 500ms)); // of another level: another line
+        QVERIFY(limit.admits(2, "other", start + 500ms));
+        QVERIFY(limit.takeHeld(start + 999ms).empty());
+        const auto held = limit.takeHeld(start + 1s);
+        QCOMPARE(held.size(), std::size_t{1});
+        QCOMPARE(held[0].text(), "990 times more: flood");
+        QVERIFY(limit.admits(2, "flood", start + 1s));
+        QVERIFY(limit.takeHeld(start + 9s).empty()); // what was not held back is not counted
+
+        written = 0;
+        for (int i = 0; i < 1000; ++i) {
+            QVERIFY(limit.admits(2, "different " + std::to_string(i), start + 10s));
+            written += limit.admits(2, "between them", start + 10s);
+        }
+        QCOMPARE(written, 10);
+    }
+
+    void aFileIsFollowedByTheNext()
+    {
+        const QTemporaryDir folder;
+        const QString path = folder.filePath(QStringLiteral("new/ombra.log"));
+        LogFile file(path.toStdString(), 100, 3);
+        for (int i = 0; i < 50; ++i)
+            QVERIFY(file.append("line " + std::to_string(i) + std::string(30, '.')));
+        const QDir logs(folder.filePath(QStringLiteral("new")));
+        QCOMPARE(logs.entryList(QDir::Files, QDir::Name),
+                 (QStringList{QStringLiteral("ombra.log"), QStringLiteral("ombra.log.1"),
+                              QStringLiteral("ombra.log.2")}));
+        QByteArray all;
+        for (const char* name : {"ombra.log.2", "ombra.log.1", "ombra.log"}) {
+            QFile part(logs.filePath(QLatin1StringView(name)));
+            QVERIFY(part.open(QIODevice::ReadOnly));
+            QVERIFY(part.size() <= 100);
+            all += part.readAll();
+        }
+        QCOMPARE(all.count('\n'), 6);
+        QVERIFY(all.startsWith("line 44.") && all.contains("line 49."));
+        // Goes on where a run before has stopped, and says when nothing is taken.
+        QVERIFY(LogFile(path.toStdString(), 100, 3).append("the next run"));
+        QVERIFY(logs.exists(QStringLiteral("ombra.log.1")));
+        QVERIFY(!LogFile("/dev/full").append("a line"));
+        QVERIFY(!LogFile("/proc/no/such.log").append("a line"));
+    }
+
+    void linesTellTheTime()
+    {
+        const QTemporaryDir folder;
+        const QString path = folder.filePath(QStringLiteral("ombra.log"));
+        {
+            LogWriter writer(path.toStdString());
+            writer.write(LogLevel::Debug, {}, "m", "not for everyone");
+            for (int i = 0; i < 12; ++i)
+                writer.write(LogLevel::Warning, {"file", "f", 7}, "m", "text");
+        }
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const QStringList lines = QString::fromUtf8(file.readAll()).split(u'\n', Qt::SkipEmptyParts);
+        QCOMPARE(lines.size(), 11);
+        static const QRegularExpression pattern(
+            QStringLiteral("^\\d{4}-\\d\\d-\\d\\d \\d\\d:\\d\\d:\\d\\d\\.\\d{3} warning m file:7: text$"));
+        QVERIFY2(pattern.match(lines[0]).hasMatch(), qPrintable(lines[0]));
+        QVERIFY(lines.last().endsWith(QStringLiteral(" warning 2 times more: m file:7: text")));
     }
 };
 

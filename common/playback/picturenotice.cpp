@@ -1,0 +1,192 @@
+#include "common/playback/picturenotice.h"
+
+#include "common/playback/levelmeter.h"
+#include "common/playback/playbackpreview.h"
+#include "common/ui/style/colors.h"
+#include "common/ui/style/fontsizefollower.h"
+#include "common/ui/style/iconcache.h"
+#include "common/ui/style/spacing.h"
+
+#include <QEvent>
+#include <QPainter>
+
+#include <algorithm>
+
+namespace vantrel {
+
+using colors::getColor;
+
+namespace {
+
+constexpr int checkInterval = 200;  // milliseconds
+constexpr qint64 freshFor = 1000;   // milliseconds
+constexpr double levelsShare = 0.5; // of the picture's width
+constexpr int noteExtent = 64;      // pixels at the medium text size
+
+} // namespace
+
+PictureNotice::PictureNotice(PlaybackViewMode viewMode, PlaybackPreview* preview)
+    : QWidget(preview)
+    , m_viewMode(viewMode)
+    , m_preview(preview)
+    , m_levels(new LevelMeter(viewMode, this))
+{
+    setAttribute(Qt::WA_TransparentForMouseEvents);
+    setGeometry(preview->rect());
+    preview->installEventFilter(this);
+    m_levels->hide();
+    connect(preview, &PlaybackPreview::dropTargetChanged, this, &PictureNotice::refresh);
+    connect(preview, &PlaybackPreview::shapeChanged, this, &PictureNotice::place);
+    m_clock.setInterval(checkInterval);
+    connect(&m_clock, &QTimer::timeout, this, &PictureNotice::showAge);
+    m_clock.start();
+    hide();
+}
+
+/// Hidden it costs the pictures below it nothing.
+void PictureNotice::refresh()
+{
+    setVisible(m_soundOnly || !text().isEmpty());
+    update();
+}
+
+void PictureNotice::setHasMedia(bool hasMedia)
+{
+    m_hasMedia = hasMedia;
+    showAge();
+}
+
+void PictureNotice::setUnplayable(const QString& reason)
+{
+    if (reason == m_unplayable)
+        return;
+    m_unplayable = reason;
+    refresh();
+}
+
+void PictureNotice::setSoundOnly(bool soundOnly)
+{
+    if (soundOnly == m_soundOnly)
+        return;
+    m_soundOnly = soundOnly;
+    m_levels->setVisible(soundOnly);
+    place();
+    refresh();
+}
+
+QString PictureNotice::ageText() const
+{
+    const qint64 age = m_preview->pictureAge();
+    if (!m_hasMedia || age < freshFor)
+        return {};
+    return m_preview->pixmap().isNull() ? tr("No picture from the server")
+                                        : tr("Picture is %1 s old").arg(age / 1000);
+}
+
+void PictureNotice::showAge()
+{
+    QString age = ageText();
+    if (age == m_age)
+        return;
+    m_age = std::move(age);
+    refresh();
+}
+
+QString PictureNotice::text() const
+{
+    if (m_preview->isDropTarget())
+        return m_viewMode == Program ? tr("Let go: on air now, cut") : tr("Let go: cued on preview");
+    return m_unplayable.isEmpty() ? m_age : m_unplayable;
+}
+
+bool PictureNotice::eventFilter(QObject* watched, QEvent* event)
+{
+    if (watched == m_preview && event->type() == QEvent::Resize) {
+        setGeometry(m_preview->rect());
+        place();
+    }
+    return QWidget::eventFilter(watched, event);
+}
+
+void PictureNotice::place()
+{
+    const QRectF picture = m_preview->pictureRect();
+    const QSize size(qRound(picture.width() * levelsShare), m_levels->sizeHint().height());
+    m_levels->setGeometry(QRect(QPoint(qRound(picture.center().x()) - size.width() / 2,
+                                       qRound(picture.bottom()) - size.height() - spacing::loose),
+                                size));
+}
+
+void PictureNotice::paintEvent(QPaintEvent*)
+{
+    QPainter painter(this);
+    const QRectF picture = m_preview->pictureRect();
+    if (m_preview->isDropTarget())
+        return paintDrop(painter);
+    if (!m_unplayable.isEmpty())
+        return paintUnplayable(painter, picture);
+    if (m_soundOnly)
+        paintNote(painter, picture);
+    if (!m_age.isEmpty())
+        paintAge(painter, picture);
+}
+
+void PictureNotice::paintDrop(QPainter& painter) const
+{
+    const QColor colour = getColor(m_viewMode == Program ? colors::Zt_red : colors::Green_primary);
+    painter.fillRect(rect(), getColor(colors::Zt_black_50));
+    painter.setPen(QPen(colour, 4));
+    painter.drawRect(rect().adjusted(2, 2, -2, -2));
+    QFont bold = font();
+    bold.setWeight(QFont::Bold);
+    painter.setFont(bold);
+    const QMargins padding(spacing::loose, spacing::normal, spacing::loose, spacing::normal);
+    // Along the top: what is dragged hides the middle.
+    constexpr int where = Qt::AlignHCenter | Qt::AlignTop | Qt::TextWordWrap;
+    const QRect room = rect().marginsRemoved(padding);
+    const int below = painter.boundingRect(room, where, text()).bottom() + padding.bottom();
+    painter.fillRect(QRect(0, 0, width(), below), colour);
+    painter.setPen(getColor(colors::White));
+    painter.drawText(room, where, text());
+}
+
+void PictureNotice::paintUnplayable(QPainter& painter, const QRectF& picture) const
+{
+    painter.fillRect(picture, getColor(colors::Zt_black_80));
+    const int side = iconExtent(currentFontSize()) * 2;
+    QRect box = picture.toRect().adjusted(spacing::loose, spacing::normal, -spacing::loose, -spacing::normal);
+    const QString words = tr("This medium cannot be played.") + u'\n' + m_unplayable;
+    const QRect bounds = painter.boundingRect(box, Qt::AlignHCenter | Qt::TextWordWrap, words);
+    const int top = std::max(box.top(), box.center().y() - (side + spacing::normal + bounds.height()) / 2);
+    painter.drawPixmap(box.center().x() - side / 2, top,
+                       IconCache::pixmap(QStringLiteral("error"), getColor(colors::Red_error),
+                                         QSize(side, side), devicePixelRatioF()));
+    box.setTop(top + side + spacing::normal);
+    painter.setPen(getColor(colors::White));
+    painter.drawText(box, Qt::AlignHCenter | Qt::AlignTop | Qt::TextWordWrap, words);
+}
+
+void PictureNotice::paintAge(QPainter& painter, const QRectF& picture) const
+{
+    if (!m_preview->pixmap().isNull() && m_preview->isEnabled()) // a disabled one is dimmed already
+        painter.fillRect(picture, getColor(colors::Zt_black_50));
+    const QMargins padding(spacing::normal, spacing::tight, spacing::normal, spacing::tight);
+    const QRect room = picture.toRect().marginsRemoved(padding * 2);
+    const QRect words = painter.boundingRect(room, Qt::AlignLeft | Qt::AlignTop | Qt::TextWordWrap, m_age);
+    painter.fillRect(words.marginsAdded(padding), getColor(colors::Very_dark_navy_blue));
+    painter.setPen(getColor(colors::Zt_spot_color));
+    painter.drawText(room, Qt::AlignLeft | Qt::AlignTop | Qt::TextWordWrap, m_age);
+}
+
+void PictureNotice::paintNote(QPainter& painter, const QRectF& picture) const
+{
+    painter.fillRect(picture, getColor(colors::Slate_grey_900));
+    const int room = static_cast<int>(picture.height()) - m_levels->height() - 4 * spacing::loose;
+    const int side = std::clamp(scaled(noteExtent, currentFontSize()), 16, std::max(16, room));
+    const QPoint centre = picture.center().toPoint();
+    painter.drawPixmap(centre.x() - side / 2, centre.y() - side / 2 - m_levels->height() / 2,
+                       IconCache::pixmap(QStringLiteral("audio"), getColor(colors::Zt_white_70),
+                                         QSize(side, side), devicePixelRatioF()));
+}
+
+} // namespace vantrel

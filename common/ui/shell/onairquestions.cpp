@@ -1,0 +1,72 @@
+#include "common/ui/shell/onairquestions.h"
+
+#include "common/media/items/guimediaslot.h"
+#include "common/session/mirror/guiplayback.h"
+#include "common/session/mirror/sceneobjectprovider.h"
+#include "common/session/session.h"
+#include "common/ui/toolkit/confirmationdialog.h"
+
+#include <utility>
+
+namespace vantrel {
+
+OnAirQuestions::OnAirQuestions(Session* session, QWidget* window)
+    : QObject(window)
+    , m_session(session)
+    , m_window(window)
+{
+}
+
+bool OnAirQuestions::isProgramPlaying() const
+{
+    const GUIPlayback* program = m_session->sceneObjectProvider()->programPlayback();
+    const bool hasMedia = !program->media().isEmpty() || !program->heldMedia().isEmpty();
+    return m_session->isConnected() && hasMedia && program->state() == SourcePlayState::Play;
+}
+
+QString OnAirQuestions::programName() const
+{
+    const auto slot = m_session->sceneObjectProvider()->programPlayback()->playingSlot();
+    return slot && !slot->name().isEmpty() ? QStringLiteral("\"%1\"").arg(slot->name()) : QString();
+}
+
+/// "Program is playing "Walk-in". ", or nothing.
+QString OnAirQuestions::onAir() const
+{
+    if (!isProgramPlaying())
+        return {};
+    const QString name = programName();
+    return (name.isEmpty() ? tr("Program is playing.") : tr("Program is playing %1.").arg(name)) + u' ';
+}
+
+void OnAirQuestions::beforeDisconnect(std::function<void()> act)
+{
+    if (!isProgramPlaying())
+        return act();
+    ask(tr("Disconnect from the server?"),
+        onAir() + tr("The server plays on without this window: nothing can be taken, stopped or muted from "
+                     "here until "
+                     "you connect again."),
+        tr("DISCONNECT"), QStringLiteral("DisconnectDialog"), std::move(act));
+}
+
+void OnAirQuestions::beforeReboot(std::function<void()> act)
+{
+    const QString black = isProgramPlaying() ? tr("It goes black at once.") + u' ' : QString();
+    ask(tr("Reboot the server?"),
+        onAir() + black + tr("Its outputs stay black until it is up again, which takes a minute or more."),
+        tr("REBOOT"), QStringLiteral("RebootDialog"), std::move(act));
+}
+
+void OnAirQuestions::ask(const QString& title, const QString& text, const QString& yes, const QString& name,
+                         std::function<void()> act)
+{
+    auto* dialog = new ConfirmationDialog(title, text, yes, m_window);
+    dialog->setObjectNames(name);
+    dialog->setAcceptClass(QStringLiteral("red"));
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    connect(dialog, &ZTDialog::confirmed, this, std::move(act), Qt::QueuedConnection);
+    dialog->open();
+}
+
+} // namespace vantrel

@@ -1,0 +1,166 @@
+#include "common/views/playlist/listclock.h"
+
+#include "common/media/address/mediautils.h"
+#include "common/media/items/abstractplaylistprovider.h"
+#include "common/media/items/guimediaslot.h"
+#include "common/media/items/guiplaylistentry.h"
+#include "common/session/mirror/guiplayback.h"
+#include "common/session/settings/timeutils.h"
+#include "util/clocktime.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace vantrel {
+
+using media::MediaUtils;
+
+namespace {
+
+constexpr int tickMs = 250; // so that no second of the clock is passed over
+
+QString clockText(const QDateTime& time)
+{
+    return time.toString(QStringLiteral("HH:mm:ss"));
+}
+
+} // namespace
+
+ListClock::ListClock(GUIPlayback* playback, AbstractPlaylistProvider* provider, QObject* parent)
+    : QObject(parent)
+    , m_playback(playback)
+    , m_provider(provider)
+{
+    connect(playback, &GUIPlayback::mediaChanged, this, &ListClock::follow);
+    connect(playback, &GUIPlayback::stateChanged, this, &ListClock::tick);
+    // Once for all that an edit changes.
+    m_recalculate.setSingleShot(true);
+    m_recalculate.setInterval(0);
+    connect(&m_recalculate, &QTimer::timeout, this, &ListClock::recalculate);
+    using Provider = AbstractPlaylistProvider;
+    const auto later = [this] { m_recalculate.start(); };
+    const auto ofList = [this](uint playlist) {
+        if (playlist == m_playlist)
+            m_recalculate.start();
+    };
+    connect(provider, &Provider::reset, this, later);
+    connect(provider, &Provider::entrySlotsModified, this, later);
+    connect(provider, &Provider::playlistAdded, this, ofList);
+    connect(provider, &Provider::playlistChanged, this, ofList);
+    connect(provider, &Provider::playlistRemoved, this, ofList);
+    connect(provider, &Provider::entryAdded, this, ofList);
+    connect(provider, &Provider::entryChanged, this, ofList);
+    connect(provider, &Provider::entryRemoved, this, ofList);
+    m_tick.setInterval(tickMs);
+    connect(&m_tick, &QTimer::timeout, this, &ListClock::ticked);
+    follow();
+}
+
+void ListClock::follow()
+{
+    const QString media = m_playback ? m_playback->media() : QString();
+    const auto entry = MediaUtils::isPlaylistAddress(media) ? MediaUtils::parsePlaylistAddress(media)
+                                                            : media::PlaylistAndEntry();
+    m_playlist = entry.valid ? static_cast<uint>(entry.playlist) : 0;
+    m_playing = entry.valid ? entry.entry : EntryAddress();
+    recalculate();
+}
+
+void ListClock::recalculate()
+{
+    m_recalculate.stop();
+    m_rundown = m_playlist > 0 ? Rundown(m_provider->entries(m_playlist), m_playing,
+                                         [this](const GuiPlaylistEntry& entry) { return lengthOf(entry); })
+                               : Rundown();
+    if (m_playlist > 0)
+        m_tick.start();
+    else
+        m_tick.stop();
+    Q_EMIT courseChanged();
+}
+
+void ListClock::tick()
+{
+    Q_EMIT ticked();
+}
+
+double ListClock::lengthOf(const GuiPlaylistEntry& entry) const
+{
+    const auto slot = m_provider->entrySlot(entry.playlistNumber(), entry.address());
+    if (!slot)
+        return 0;
+    if (slot->hasInfiniteDuration())
+        return std::numeric_limits<double>::infinity();
+    return std::max(0.0, slot->outpoint().value_or(slot->duration()) - slot->inpoint());
+}
+
+double ListClock::left() const
+{
+    if (!m_playback)
+        return 0;
+    const double end = m_playback->outpoint().value_or(m_playback->duration());
+    return std::max(0.0, end - m_playback->mediaPosition());
+}
+
+bool ListClock::isRunning() const
+{
+    return m_playback && m_playback->state() == SourcePlayState::Play;
+}
+
+QDateTime ListClock::zero() const
+{
+    return m_now().addMSecs(std::llround(left() * 1000));
+}
+
+std::optional<QDateTime> ListClock::endOf(const EntryAddress& address) const
+{
+    const std::optional<double> seconds = m_rundown.endOf(address);
+    return seconds ? std::optional(zero().addMSecs(std::llround(*seconds * 1000))) : std::nullopt;
+}
+
+QString ListClock::text() const
+{
+    using Kind = Rundown::Kind;
+    const Kind kind = m_rundown.kind();
+    if (kind == Kind::None)
+        return {};
+    const bool isNow = m_rundown.last() == m_playing;
+    const QString entry = QString::fromStdString(m_rundown.last().toString(false));
+    if (kind == Kind::Endless && isNow)
+        return tr("%1 plays until somebody goes on").arg(entry);
+    if (kind == Kind::Repeats && isNow)
+        return tr("%1 repeats until somebody goes on").arg(entry);
+    const double seconds = left() + m_rundown.seconds();
+    const QString in = TimeUtils::formatClockTimeShort(clocktime::fromSeconds(seconds));
+    if (!isRunning())
+        return tr("%1 left, not running").arg(in);
+    const QString at = clockText(m_now().addMSecs(std::llround(seconds * 1000)));
+    switch (kind) {
+    case Kind::Endless:
+        return tr("From %2 on %1 plays until somebody goes on").arg(entry, at);
+    case Kind::Repeats:
+        return tr("From %2 on %1 repeats").arg(entry, at);
+    case Kind::Pauses:
+        return tr("Pauses after %1 at %2 (in %3)").arg(entry, at, in);
+    case Kind::Stops:
+        return tr("Stops after %1 at %2 (in %3)").arg(entry, at, in);
+    default:
+        return tr("Ends at %1 (in %2)").arg(at, in);
+    }
+}
+
+QString ListClock::nextName() const
+{
+    return next().isValid() ? nameOf(m_provider, m_playlist, next()) : QString();
+}
+
+QString ListClock::nameOf(const AbstractPlaylistProvider* provider, uint playlist,
+                          const EntryAddress& address)
+{
+    const QString number = QString::fromStdString(address.toString(false));
+    const auto slot = provider->entrySlot(playlist, address);
+    return slot && !slot->name().isEmpty() ? number + u' ' + slot->name() : number;
+}
+
+} // namespace vantrel

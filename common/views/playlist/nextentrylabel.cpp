@@ -1,0 +1,29 @@
+#include "common/views/playlist/nextentrylabel.h"
+
+#include "common/media/library/playlistprovider.h"
+#include "common/session/mirror/guiplayback.h"
+#include "common/session/mirror/sceneobjectprovider.h"
+#include "common/session/session.h"
+#include "common/views/playlist/listclock.h"
+
+namespace vantrel {
+
+NextEntryLabel::NextEntryLabel(Session* session, QWidget* parent)
+    : ElidedLabel(parent)
+    , m_clock(
+          new ListClock(session->sceneObjectProvider()->programPlayback(), session->playlistProvider(), this))
+{
+    setAccessibleName(tr("What comes next on program"));
+    setStyleClass(QStringLiteral("section"));
+    connect(m_clock, &ListClock::courseChanged, this, &NextEntryLabel::refresh);
+    refresh();
+}
+
+void NextEntryLabel::refresh()
+{
+    setVisible(m_clock->playlist() > 0);
+    const QString next = m_clock->nextName();
+    setText(next.isEmpty() ? tr("Last entry of the playlist") : tr("Next: %1").arg(next));
+}
+
+} // namespace vantrel

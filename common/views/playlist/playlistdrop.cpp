@@ -1,0 +1,150 @@
+#include "common/views/playlist/playlistdrop.h"
+
+#include "common/media/address/mediautils.h"
+#include "common/media/items/guimediaslot.h"
+#include "common/media/items/guiplaylist.h"
+#include "common/media/items/mimedata.h"
+
+#include <QCoreApplication>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QMimeData>
+
+#include <cmath>
+
+namespace vantrel {
+
+using media::MediaUtils;
+
+namespace {
+
+// A payload of a whole library is some megabytes; what is larger was not made by a drag of ours.
+constexpr qsizetype largestPayload = 64 * 1024 * 1024;
+
+QString translated(const char* text)
+{
+    return QCoreApplication::translate("PlaylistDrop", text);
+}
+
+QString unreadable()
+{
+    return translated("What was dropped cannot be read. Drag slots from the media panel or entries from a "
+                      "playlist.");
+}
+
+bool isWhole(const QJsonValue& value, int least, int most)
+{
+    const double number = value.toDouble(std::nan(""));
+    return number >= least && number <= most && number == std::floor(number);
+}
+
+/// Items take any number for what they hold; here it must be one that means something.
+bool isSound(const QJsonObject& entry)
+{
+    const double duration = entry.value(QStringLiteral("transitionDuration")).toDouble(-1);
+    return isWhole(entry.value(QStringLiteral("playlistIndex")), 1, EntryAddress::maxMajor) &&
+           isWhole(entry.value(QStringLiteral("endAction")), 0, static_cast<int>(EndAction::GoTo)) &&
+           isWhole(entry.value(QStringLiteral("transitionType")), 0,
+                   static_cast<int>(TakeTransitionType::DirectCut)) &&
+           duration >= 0 && duration <= 3600;
+}
+
+} // namespace
+
+bool PlaylistDrop::isOffered(const QMimeData* data)
+{
+    return data && data->hasFormat(mimeformat::json) && data->hasFormat(mimeformat::type);
+}
+
+PlaylistDrop PlaylistDrop::refused(const QString& fault)
+{
+    PlaylistDrop nothing;
+    nothing.m_fault = fault;
+    return nothing;
+}
+
+PlaylistDrop PlaylistDrop::read(const QMimeData* data)
+{
+    if (!isOffered(data) || data->data(mimeformat::json).size() > largestPayload)
+        return refused(unreadable());
+    const QByteArray type = data->data(mimeformat::type);
+    const QJsonDocument document = QJsonDocument::fromJson(data->data(mimeformat::json));
+    if (type == "media")
+        return refused(translated("Files cannot be put into a playlist. Import them into a collection first, "
+                                  "then drag them from there."));
+    if (type == "slot" && document.isObject())
+        return readSlotNumbers(document.object());
+    const QJsonArray objects = document.array();
+    PlaylistDrop drop;
+    for (const QJsonValue& value : objects) {
+        if (!value.isObject() || !drop.add(data, value.toObject()))
+            return refused(unreadable());
+    }
+    return objects.isEmpty() ? refused(unreadable()) : drop;
+}
+
+/// The payload of one who drags slots onto slots: numbers of one collection.
+PlaylistDrop PlaylistDrop::readSlotNumbers(const QJsonObject& object)
+{
+    const QJsonValue collection = object.value(QStringLiteral("collection"));
+    const QJsonArray numbers = object.value(QStringLiteral("slots")).toArray();
+    if (!isWhole(collection, 0, EntryAddress::maxMajor))
+        return refused(translated("The slots that were dropped do not say which collection they are of. Drag "
+                                  "them from the media panel."));
+    PlaylistDrop drop;
+    drop.m_kind = Kind::Media;
+    for (const QJsonValue& number : numbers) {
+        if (!isWhole(number, 0, EntryAddress::maxMajor))
+            return refused(unreadable());
+        drop.m_media.append(MediaAddress(collection.toInt(), number.toInt()));
+    }
+    return numbers.isEmpty() ? refused(unreadable()) : drop;
+}
+
+bool PlaylistDrop::add(const QMimeData* data, const QJsonObject& object)
+{
+    std::shared_ptr<GuiMediaItem> item;
+    if (data->data(mimeformat::type) == "slot") {
+        item = std::make_shared<GuiMediaSlot>();
+        if (!item->fromJson(object))
+            return false;
+    } else {
+        item = mediaItemFromMimeData(data, object);
+    }
+    if (const auto* slot = dynamic_cast<const GuiMediaSlot*>(item.get())) {
+        m_kind = Kind::Media;
+        m_media.append(slot->address());
+        return slot->address().isValid();
+    }
+    if (const auto* entry = dynamic_cast<const GuiPlaylistEntry*>(item.get()))
+        return isSound(object) && addEntry(*entry);
+    const auto* playlist = dynamic_cast<const GuiPlaylist*>(item.get());
+    if (!playlist || m_kind == Kind::Playlist) // of which a channel plays one
+        return false;
+    m_kind = Kind::Playlist;
+    m_playlist = playlist->number();
+    return isWhole(object.value(QStringLiteral("number")), 1, EntryAddress::maxMajor);
+}
+
+bool PlaylistDrop::addEntry(const GuiPlaylistEntry& entry)
+{
+    // All of them are of one list, each once.
+    if (!m_entries.isEmpty() && entry.playlistNumber() != m_playlist)
+        return false;
+    if (!MediaUtils::parseSlotAddress(entry.slotUrl()).isValid())
+        return false;
+    m_kind = Kind::Entries;
+    m_playlist = entry.playlistNumber();
+    m_entries.append(entry);
+    return true;
+}
+
+QList<QString> PlaylistDrop::mediaUrls() const
+{
+    QList<QString> urls;
+    for (const MediaAddress& address : m_media)
+        urls.append(MediaUtils::toSlotAddress(address));
+    return urls;
+}
+
+} // namespace vantrel

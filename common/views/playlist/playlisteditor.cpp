@@ -1,0 +1,481 @@
+#include "common/views/playlist/playlisteditor.h"
+
+#include "common/command/execute.h"
+#include "common/command/refusal.h"
+#include "common/media/address/entryaddressutils.h"
+#include "common/media/edit/playlist/importplaylistcommand.h"
+#include "common/media/edit/playlist/removeplaylistcommand.h"
+#include "common/media/library/medialibraryapi.h"
+#include "common/media/library/playlistprovider.h"
+#include "common/media/models/playlist/playlisteditormodel.h"
+#include "common/media/models/playlist/playlistlibrarymodel.h"
+#include "common/media/models/playlist/playlistselectionmodel.h"
+#include "common/session/mirror/guiplayback.h"
+#include "common/session/mirror/sceneobjectprovider.h"
+#include "common/session/session.h"
+#include "common/ui/style/spacing.h"
+#include "common/ui/toolkit/confirmationdialog.h"
+#include "common/ui/toolkit/iconbutton.h"
+#include "common/ui/toolkit/textinputdialog.h"
+#include "common/views/playlist/listclock.h"
+#include "common/views/playlist/playlistcontainer.h"
+#include "common/views/playlist/playlisteditorheader.h"
+#include "common/views/playlist/playlistfiles.h"
+#include "common/views/playlist/playlistlogging.h"
+#include "common/views/playlist/playlistmenu.h"
+#include "common/views/playlist/playlistview.h"
+#include "tarn/media/medialibrary.h"
+
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QHeaderView>
+#include <QMimeData>
+#include <QVBoxLayout>
+
+#include <utility>
+
+namespace vantrel {
+
+namespace {
+
+constexpr int usefulRows = 4;
+constexpr int hoverMs = 200; // between two steps of a list that a drag scrolls
+
+} // namespace
+
+PlaylistEditor::PlaylistEditor(PlaybackViewMode mode, Session* session, QWidget* parent)
+    : ZTFrame(parent)
+    , m_mode(mode)
+    , m_session(session)
+    , m_model(isPreview() ? session->previewPlaylistEditorModel() : session->programPlaylistEditorModel())
+    , m_selection(new PlaylistSelectionModel(m_model, this))
+    , m_clock(
+          new ListClock(session->sceneObjectProvider()->programPlayback(), session->playlistProvider(), this))
+{
+    setObjectName(isPreview() ? QStringLiteral("Preview-PlaylistEditor")
+                              : QStringLiteral("PlaylistEditor-program"));
+    setAcceptDrops(true);
+    build();
+    connectSession();
+    if (isPreview()) {
+        session->setPlaylistSelection(m_selection);
+        connectMenu();
+    }
+    updateEditable();
+}
+
+PlaylistEditor::~PlaylistEditor()
+{
+    if (m_session->playlistSelection() == m_selection)
+        m_session->setPlaylistSelection(nullptr);
+}
+
+void PlaylistEditor::build()
+{
+    const PlaylistEditorHeader::Sources sources{m_model, m_session->playlistLibraryModel(),
+                                                isPreview() ? m_session->previewPlaybackModel()
+                                                            : m_session->programPlaybackModel(),
+                                                m_session->getQUndoStack()};
+    m_header = new PlaylistEditorHeader(m_mode, sources, this);
+    m_container = new PlaylistContainer({m_mode}, isPreview(), this);
+    m_container->setObjectNames(isPreview() ? QStringLiteral("Preview-PlaylistContainer")
+                                            : QStringLiteral("Program-PlaylistContainer"));
+    m_container->setModel(m_model);
+    m_container->setSelectionModel(m_selection);
+    m_container->setClock(m_clock);
+    PlaylistView* view = m_container->list();
+    view->setAccessibleName(isPreview() ? tr("Entries of the playlist")
+                                        : tr("Entries of the playlist on program"));
+    view->setPlaceholderText(isPreview() ? tr("Insert items from Collections tab to build playlist.")
+                                         : tr("Take from Preview or drag a playlist here."));
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(spacing::tight);
+    layout->addWidget(m_header);
+    layout->addWidget(m_container, 1);
+    if (!isPreview()) {
+        m_header->setClock(m_clock);
+        m_container->followClock();
+    }
+
+    connect(m_header, &PlaylistEditorHeader::editorPinned, this, &PlaylistEditor::editorPinned);
+    connect(m_header, &PlaylistEditorHeader::contextMenu, this, &PlaylistEditor::openContextMenu);
+    connect(m_container, &PlaylistContainer::entryDoubleClick, this, &PlaylistEditor::handleEntryDoubleClick);
+    connect(m_container, &PlaylistContainer::entryDragStarted, this, &PlaylistEditor::handleDragAndDrop);
+    connect(view, &PlaylistView::actionRequested, this, &PlaylistEditor::runAction);
+    connect(this, &PlaylistEditor::scrollPositionChanged, view, &PlaylistView::handleScrollPositionChanged);
+    connect(m_model, &PlaylistModel::entriesAdded, this, &PlaylistEditor::selectAdded);
+    m_hover.setInterval(hoverMs);
+    connect(&m_hover, &QTimer::timeout, this, &PlaylistEditor::dragHover);
+}
+
+int PlaylistEditor::usefulHeight() const
+{
+    const PlaylistView* view = m_container->list();
+    return m_header->sizeHint().height() + spacing::tight + view->horizontalHeader()->sizeHint().height() +
+           usefulRows * view->verticalHeader()->defaultSectionSize();
+}
+
+QSize PlaylistEditor::minimumSizeHint() const
+{
+    return {0, 0}; // it leaves out what does not fit
+}
+
+void PlaylistEditor::resizeEvent(QResizeEvent* event)
+{
+    ZTFrame::resizeEvent(event);
+    const int row = m_container->list()->verticalHeader()->defaultSectionSize();
+    m_header->setOneLine(height() < usefulHeight());
+    const int left = height() - m_header->sizeHint().height() - spacing::tight;
+    // A row and its titles, or nothing: a list that is cut is none.
+    m_container->setVisible(left >= m_container->list()->horizontalHeader()->sizeHint().height() + row);
+}
+
+void PlaylistEditor::connectMenu()
+{
+    m_menu = new PlaylistMenu(this);
+    m_menu->setModels(m_model, m_selection);
+    connect(m_container->list(), &QWidget::customContextMenuRequested, this,
+            &PlaylistEditor::openContextMenu);
+    using Menu = PlaylistMenu;
+    connect(m_menu, &Menu::doPreview, this, &PlaylistEditor::doPreview);
+    connect(m_menu, &Menu::doRenumber, this, &PlaylistEditor::doRenumber);
+    connect(m_menu, &Menu::doMoveUp, this, &PlaylistEditor::doMoveUp);
+    connect(m_menu, &Menu::doMoveDown, this, &PlaylistEditor::doMoveDown);
+    connect(m_menu, &Menu::doRemove, this, &PlaylistEditor::doRemove);
+    connect(m_menu, &Menu::doRenamePlaylist, this, &PlaylistEditor::doRenamePlaylist);
+    connect(m_menu, &Menu::doClearList, this, &PlaylistEditor::doClearList);
+    connect(m_menu, &Menu::doCut, this, &PlaylistEditor::doCut);
+    connect(m_menu, &Menu::doCopy, this, &PlaylistEditor::doCopy);
+    connect(m_menu, &Menu::doPaste, this, &PlaylistEditor::doPaste);
+    connect(m_menu, &Menu::doInsertMedia, this, [this] { runAction(QStringLiteral("insert_media")); });
+    connect(m_menu, &Menu::doDuplicatePlaylist, this, &PlaylistEditor::duplicatePlaylist);
+    connect(m_menu, &Menu::doRemovePlaylist, this, &PlaylistEditor::removePlaylist);
+    m_files = new PlaylistFiles(m_model, this);
+    connect(m_menu, &Menu::doImport, this, [this] {
+        if (ensurePlaylist())
+            m_files->importTable(listName());
+    });
+    connect(m_menu, &Menu::doExport, this, [this] { m_files->exportTable(listName()); });
+    connect(m_menu, &Menu::doPrint, this, [this] { m_files->printSheet(listName()); });
+    connect(m_menu, &Menu::aboutToRefresh, this, [this] {
+        m_menu->setOffers(PlaylistEditorModel::canPaste(QGuiApplication::clipboard()->mimeData()),
+                          m_mediaSource && !m_mediaSource().isEmpty());
+    });
+}
+
+void PlaylistEditor::connectSession()
+{
+    connect(m_session, &Session::connected, this, &PlaylistEditor::updateEditable);
+    connect(m_session, &Session::disconnected, this, &PlaylistEditor::updateEditable);
+    connect(m_session, &Session::libraryReadingChanged, this, &PlaylistEditor::updateEditable);
+}
+
+/// What cannot reach the server is not offered.
+void PlaylistEditor::updateEditable()
+{
+    const MediaLibraryApi* api = m_session->getMediaLibraryApi();
+    m_isEditable = m_session->isConnected() && api && api->reading() == MediaLibraryApi::Reading::Done;
+    m_header->setEditable(m_isEditable);
+    if (!isPreview())
+        return;
+    m_container->list()->setEditable(m_isEditable);
+    m_menu->setEditable(m_isEditable);
+}
+
+void PlaylistEditor::runAction(const QString& name)
+{
+    const auto is = [&name](const char* action) { return name == QLatin1String(action); };
+    if (is("copy"))
+        return doCopy();
+    if (is("cue")) {
+        if (isPreview())
+            doPreview();
+        return;
+    }
+    if (!isPreview() || !m_isEditable)
+        return;
+    const bool hasRows = !m_selection->sortedSelectedRows().isEmpty();
+    if (is("rename"))
+        doRenamePlaylist();
+    else if (is("paste"))
+        doPaste();
+    else if (is("insert_media"))
+        insertMedia(m_mediaSource ? m_mediaSource() : QList<QString>());
+    else if (!hasRows)
+        return;
+    else if (is("delete"))
+        doRemove();
+    else if (is("cut"))
+        doCut();
+    else if (is("renumber_entries"))
+        doRenumber();
+    else if (is("move_entries_up"))
+        doMoveUp();
+    else if (is("move_entries_down"))
+        doMoveDown();
+}
+
+void PlaylistEditor::openContextMenu()
+{
+    if (m_menu)
+        m_menu->popup(QCursor::pos());
+}
+
+void PlaylistEditor::doColumns()
+{
+    qCDebug(lcPlaylist) << "doColumns";
+}
+
+void PlaylistEditor::changePlaylistNumber(int number)
+{
+    if (number > 0)
+        m_model->setPlaylistNumber(static_cast<uint>(number));
+}
+
+void PlaylistEditor::doPreview()
+{
+    const QList<QModelIndex> rows = m_selection->sortedSelectedRows();
+    if (rows.isEmpty()) {
+        qCWarning(lcPlaylist) << "Selected entry not valid.";
+        return;
+    }
+    m_model->doDirectPlayPreview(rows.first(), 0);
+}
+
+void PlaylistEditor::handleEntryDoubleClick(const QModelIndex& index)
+{
+    if (!index.isValid()) {
+        qCWarning(lcPlaylist) << "Double clicked invalid model index, cannot proceed";
+        return;
+    }
+    // The end action's cell has an editor of its own.
+    if (!isPreview() || index.column() == PlaylistModel::EndActionColumn)
+        return;
+    m_model->doDirectPlayPreview(index, 0);
+    Q_EMIT entryCued();
+}
+
+void PlaylistEditor::doMoveUp()
+{
+    const QList<QModelIndex> rows = m_selection->sortedSelectedRows();
+    if (!rows.isEmpty() && rows.first().row() > 0) {
+        m_selectsAdded = true;
+        m_model->doMoveUp(rows);
+    }
+}
+
+void PlaylistEditor::doMoveDown()
+{
+    const QList<QModelIndex> rows = m_selection->sortedSelectedRows();
+    if (!rows.isEmpty() && rows.last().row() + 1 < m_model->rowCount()) {
+        m_selectsAdded = true;
+        m_model->doMoveDown(rows);
+    }
+}
+
+void PlaylistEditor::selectAdded(uint playlist, const QList<EntryAddress>& addresses)
+{
+    if (std::exchange(m_selectsAdded, false))
+        m_container->list()->updateSelection(playlist, addresses);
+}
+
+void PlaylistEditor::confirm(QPointer<ConfirmationDialog>& dialog, const char* name, const QString& title,
+                             const QString& text, const QString& accept, const std::function<void()>& action)
+{
+    if (dialog)
+        dialog->close();
+    dialog = new ConfirmationDialog(title, text, accept, this);
+    dialog->setObjectNames(QLatin1String(name));
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setAcceptClass(QStringLiteral("red"));
+    connect(dialog, &ZTDialog::confirmed, this, action);
+    dialog->open();
+}
+
+void PlaylistEditor::doRemove()
+{
+    const QList<QModelIndex> rows = m_selection->sortedSelectedRows();
+    if (rows.isEmpty())
+        return;
+    const bool isOne = rows.size() == 1;
+    // Those that were seen selected when it was asked, wherever they stand by then.
+    QList<QPersistentModelIndex> kept(rows.begin(), rows.end());
+    confirm(m_removeDialog, "PlaylistEditor-remove-confirmation",
+            isOne ? tr("Remove playlist entry") : tr("Remove playlist entries"),
+            isOne ? tr("Are you sure you want to remove selected entry?")
+                  : tr("Are you sure you want to remove selected entries?"),
+            tr("REMOVE"), [this, kept] {
+                QList<QModelIndex> still;
+                for (const QPersistentModelIndex& index : kept) {
+                    if (index.isValid())
+                        still.append(index);
+                }
+                if (!still.isEmpty())
+                    m_model->doRemove(still);
+            });
+}
+
+void PlaylistEditor::doClearList()
+{
+    const uint playlist = m_model->playlistNumber();
+    confirm(m_clearDialog, "PlaylistEditor-clear-confirmation", tr("Clear playlist"),
+            tr("Are you sure you clear playlist?"), tr("CLEAR"), [this, playlist] {
+                if (m_model->playlistNumber() == playlist)
+                    m_model->doClear();
+            });
+}
+
+void PlaylistEditor::removePlaylist()
+{
+    const int number = static_cast<int>(m_model->playlistNumber());
+    confirm(m_removeListDialog, "PlaylistEditor-remove-list-confirmation", tr("Remove playlist"),
+            tr("Remove playlist \"%1\" with its %n entries?", nullptr, m_model->rowCount()).arg(listName()),
+            tr("REMOVE"), [this, number] {
+                execute<RemovePlaylistCommand>(m_session->getQUndoStack(), "RemovePlaylistCommand",
+                                               m_session->mediaLibrary(), number);
+            });
+}
+
+QString PlaylistEditor::listName() const
+{
+    const PlaylistLibraryModel* library = m_session->playlistLibraryModel();
+    const int row = library->rowOf(m_model->playlistNumber());
+    return row < 0 ? tr("New playlist %1").arg(m_model->playlistNumber())
+                   : library->index(row, PlaylistLibraryModel::PlainNameColumn).data(Qt::EditRole).toString();
+}
+
+void PlaylistEditor::duplicatePlaylist()
+{
+    const MediaLibrary* library = m_session->mediaLibrary();
+    const Playlist* list = library->findPlaylist(static_cast<int>(m_model->playlistNumber()));
+    if (!list)
+        return;
+    ImportPlaylistCommand::Entries entries;
+    for (const auto& [address, entry] : list->getEntries())
+        entries.append({address, entry});
+    const int number = m_session->playlistLibraryModel()->nextFreeNumber();
+    const QString name = tr("Copy of %1").arg(QString::fromStdString(list->getName()));
+    execute<ImportPlaylistCommand>(m_session->getQUndoStack(), "ImportPlaylistCommand", library, number, name,
+                                   entries);
+}
+
+void PlaylistEditor::doRenamePlaylist()
+{
+    m_header->beginNameEditing();
+}
+
+void PlaylistEditor::doRenumber()
+{
+    const QList<QModelIndex> rows = m_selection->sortedSelectedRows();
+    if (rows.isEmpty())
+        return;
+    const QList<EntryAddress> addresses = m_model->getEntryAddresses(rows);
+    if (m_renumberDialog)
+        m_renumberDialog->close();
+    m_renumberDialog = new TextInputDialog(this);
+    m_renumberDialog->setTitle(tr("Renumber"));
+    m_renumberDialog->setAcceptText(tr("RENUMBER"));
+    m_renumberDialog->addField(tr("FROM:"), EntryAddressUtils::entriesToRanges(addresses));
+    m_renumberDialog->setHelp(
+        0, tr("Insert single slot numbers or ranges separated by commas (e.g. 3,6,8-14)."));
+    m_renumberDialog->addField(tr("TO (START):"), QString::fromStdString(addresses.first().toString(false)));
+    m_renumberDialog->setHelp(1, tr("Insert new number for first slot to be renumbered."));
+    m_renumberDialog->setObjectNames(QStringLiteral("Playlist-Renumber-Dialog"));
+    m_renumberDialog->setAttribute(Qt::WA_DeleteOnClose);
+    m_renumberDialog->setClosesOnAccept(false);
+    connect(m_renumberDialog, &TextInputDialog::valuesConfirmed, this, &PlaylistEditor::sendRenumberCommand);
+    m_renumberDialog->open();
+}
+
+void PlaylistEditor::sendRenumberCommand(const QStringList& values)
+{
+    const QList<EntryAddress> entries = EntryAddressUtils::rangesToEntries(values.value(0));
+    EntryAddress target;
+    target.parseString(values.value(1).toStdString());
+    m_renumberDialog->setError(0, {});
+    m_renumberDialog->setError(1, {});
+    if (!target.isValid()) {
+        m_renumberDialog->setError(1, tr("Invalid slot number given for first slot."));
+        return;
+    }
+    m_selectsAdded = true;
+    switch (m_model->doRenumber(target, entries)) {
+    case 0:
+        m_renumberDialog->accept();
+        return;
+    case 3:
+        m_renumberDialog->setError(0, tr("Given slot(s) not found."));
+        break;
+    case 4:
+        m_renumberDialog->setError(1, tr("Not enough space for renumbering."));
+        break;
+    default:
+        m_renumberDialog->setError(0, tr("An error occured while renumbering."));
+        break;
+    }
+    m_selectsAdded = false;
+}
+
+void PlaylistEditor::doCopy()
+{
+    if (QMimeData* data = m_model->copyEntries(m_selection->sortedSelectedRows()))
+        QGuiApplication::clipboard()->setMimeData(data);
+}
+
+void PlaylistEditor::doCut()
+{
+    const QList<QModelIndex> rows = m_selection->sortedSelectedRows();
+    if (rows.isEmpty() || !m_isEditable)
+        return;
+    doCopy();
+    m_model->doRemove(rows); // not asked about: it is on the clipboard, and undo brings it back
+}
+
+void PlaylistEditor::doPaste()
+{
+    const QMimeData* data = QGuiApplication::clipboard()->mimeData();
+    if (!PlaylistEditorModel::canPaste(data)) {
+        refuse(tr("There are no entries or slots on the clipboard. Copy entries of a playlist first."));
+        return;
+    }
+    const QList<QModelIndex> rows = m_selection->sortedSelectedRows();
+    if (!ensurePlaylist())
+        return;
+    m_selectsAdded = true;
+    if (!m_model->doPaste(data, rows.isEmpty() ? QModelIndex() : rows.last()))
+        m_selectsAdded = false;
+}
+
+void PlaylistEditor::insertMedia(const QList<QString>& urls)
+{
+    if (!m_isEditable)
+        return;
+    if (urls.isEmpty()) {
+        refuse(tr("Nothing is selected in the media panel. Select one or more slots there first."));
+        return;
+    }
+    if (!ensurePlaylist())
+        return;
+    m_selectsAdded = true;
+    const QList<QModelIndex> rows = m_selection->sortedSelectedRows();
+    if (rows.isEmpty())
+        m_model->doInsertEnd(urls);
+    else
+        m_model->doDropCollection(urls, rows.last(), PlaylistEditorModel::AddMode::After);
+}
+
+/// What is added before there is a list makes one.
+bool PlaylistEditor::ensurePlaylist()
+{
+    if (m_model->playlistNumber() == PlaylistModel::noPlaylist)
+        m_model->setPlaylistNumber(static_cast<uint>(m_session->playlistLibraryModel()->nextFreeNumber()));
+    return m_model->playlistNumber() != PlaylistModel::noPlaylist;
+}
+
+void PlaylistEditor::refuse(const QString& why) const
+{
+    tellNotDone(tr("Edit playlist"), why);
+}
+
+} // namespace vantrel

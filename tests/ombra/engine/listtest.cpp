@@ -1,0 +1,471 @@
+#include "ombra/engine/librarysource.h"
+#include "ombra/engine/playback.h"
+#include "tarn/log/log.h"
+#include "tarn/media/medialibrary.h"
+#include "tarn/media/playlistruntime.h"
+#include "tarn/scene/scene.h"
+#include "tests/ombra/decode/testmedia.h"
+#include "tests/support/numberedclip.h"
+#include "tests/support/testmain.h"
+
+#include <QRandomGenerator>
+
+#include <cmath>
+#include <mutex>
+
+using namespace vantrel;
+using namespace vantrel::ombra;
+using namespace vantrel::test;
+
+namespace {
+
+constexpr double picture = 0.04; // seconds
+const std::string path = "/device/channels/0/program";
+
+/// What a picture is of: the number is none for a still, and for the black of sound alone.
+struct Seen
+{
+    QColor colour;
+    std::optional<int> number;
+};
+
+QColor nearest(const QColor& colour)
+{
+    const auto level = [](int value) { return value < 128 ? 0 : 255; };
+    return QColor(level(colour.red()), level(colour.green()), level(colour.blue()));
+}
+
+Seen seenOn(const Ref<Surface>& surface)
+{
+    const QImage image(surface->pixels.data(), surface->width, surface->height, surface->bytesPerLine,
+                       QImage::Format_RGB888);
+    return {nearest(markerOf(image)), frameNumberOf(image)};
+}
+
+std::string slotUrl(int slot)
+{
+    return MediaAddress(1, slot).toString();
+}
+
+} // namespace
+
+/// Lists on a playback by a clock that the test moves, picture by picture: what is due is waited for, what
+/// has to be there already is not.
+class ListTest : public QObject
+{
+    Q_OBJECT
+
+private:
+    struct Kind
+    {
+        const char* file;
+        QColor colour;
+        bool numbered;
+    };
+    static inline const Kind kinds[] = {{"red.mp4", Qt::red, true},
+                                        {"green.mp4", Qt::green, true},
+                                        {"blue.mp4", Qt::blue, true},
+                                        {"white.png", Qt::white, false},
+                                        {"tone.wav", Qt::black, false}};
+    enum { Red, Green, Blue, Still, Tone };
+
+    /// A slot of a kind, played from one picture up to another.
+    int addSlot(int kind, int from, int to)
+    {
+        const int number = static_cast<int>(m_kinds.size()) + 1;
+        MediaSlot slot(kinds[kind].file, std::string("file:///") + kinds[kind].file);
+        if (kind == Still) {
+            slot.setDurationType(MediaDurationType::Manual);
+            slot.setCustomMediaDuration((to - from) * picture);
+        } else {
+            slot.setInherentMediaDuration(4.0);
+            slot.setInpoint(from * picture);
+            slot.setOutpoint(to * picture);
+        }
+        if (!m_library->findCollection(1)->insertMediaSlot(number, slot, false))
+            qFatal("no room for a slot");
+        m_kinds.push_back(kind);
+        return number;
+    }
+    void addEntry(EntryAddress address, int slot, TakeTransitionType type = TakeTransitionType::DirectCut,
+                  double seconds = 0, EndAction action = EndAction::Next)
+    {
+        m_library->findPlaylist(1)->addEntry(address, {slotUrl(slot), action, type, seconds});
+    }
+    void start(EntryAddress address = {1, 0})
+    {
+        m_playback->setMedia(entryUrl(1, address));
+        QTRY_VERIFY((advance(), !m_playback->player().waiting()));
+    }
+    void edit(const std::function<void()>& change)
+    {
+        change();
+        m_source->noteEdit();
+        m_playback->libraryChanged();
+    }
+
+    Player::Moment advance()
+    {
+        m_playback->publish(*m_scene);
+        Player::Moment moment = [&] {
+            const std::lock_guard lock(m_studio->lock);
+            return m_playback->player().advance(m_now);
+        }();
+        const std::vector<std::shared_ptr<Deck>> retired = [&] {
+            const std::lock_guard lock(m_studio->lock);
+            return m_playback->player().takeRetired();
+        }();
+        return moment;
+    }
+    /// What follows lies ready, if anything does: from now on nothing needs to be waited for.
+    bool isFollowed()
+    {
+        advance();
+        const std::lock_guard lock(m_studio->lock);
+        std::optional<bool> prepared;
+        m_playback->player().forFollowing([&](const Deck& deck, const Player::Transition&) {
+            prepared = prepared.value_or(deck.prepared());
+        });
+        return prepared.value_or(false);
+    }
+    bool shows(const Player::Moment& moment, QColor colour, std::optional<int> number)
+    {
+        const Seen seen = seenOn(moment.to());
+        m_why = QStringLiteral("at %1 s: %2 %3, not %4 %5")
+                    .arg(m_now)
+                    .arg(seen.colour.name())
+                    .arg(seen.number.value_or(-1))
+                    .arg(colour.name())
+                    .arg(number.value_or(-1));
+        return seen.colour == colour && seen.number == number;
+    }
+    bool playsUntil(int kind, int from, int to)
+    {
+        for (int number = from; number < to; ++number, m_now += picture) {
+            if (!QTest::qWaitFor([&] { return shows(advance(), kinds[kind].colour, number); }))
+                return false;
+        }
+        return true;
+    }
+    std::string property(const char* name) const
+    {
+        Variant value;
+        m_scene->getProperty(m_scene->find(path + "/properties/" + name), value);
+        return value.asString();
+    }
+    bool wasLogged(const std::string& part)
+    {
+        const std::lock_guard lock(m_logMutex);
+        return std::ranges::any_of(m_log,
+                                   [&](const std::string& line) { return line.find(part) != line.npos; });
+    }
+
+    TestMedia m_media;
+    Ref<MediaLibrary> m_library;
+    Ref<Scene> m_scene;
+    std::unique_ptr<LibrarySource> m_source;
+    std::unique_ptr<Studio> m_studio;
+    std::unique_ptr<Playback> m_playback;
+    std::vector<int> m_kinds; // by slot
+    double m_now = 0;
+    QString m_why;
+    std::mutex m_logMutex; // decoders log on threads of their own
+    std::vector<std::string> m_log;
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        for (const int kind : {Red, Green, Blue})
+            QVERIFY(makeNumberedClip(QString::fromStdString(m_media.file(kinds[kind].file)),
+                                     kinds[kind].colour, 100));
+        QVERIFY(m_media.make({"-f", "lavfi", "-i", "color=white:s=320x180", "-frames:v", "1"},
+                             QStringLiteral("white.png")));
+        QVERIFY(m_media.make(TestMedia::sound(QStringLiteral("0.5"), 4), QStringLiteral("tone.wav")));
+        QVERIFY(m_media.make(TestMedia::numbered(2) + TestMedia::sound(QStringLiteral("0.5"), 3) +
+                                 TestMedia::h264(12) + QStringList{"-c:a", "pcm_s16le"},
+                             QStringLiteral("long.mov")));
+        QFile broken(QString::fromStdString(m_media.file("broken.mp4")));
+        QVERIFY(broken.open(QIODevice::WriteOnly) && broken.write(QByteArray(4000, 'b')) == 4000);
+        Log::setSink([this](LogLevel level, const LogLoc&, std::string_view, std::string_view message) {
+            const std::lock_guard lock(m_logMutex);
+            if (level >= LogLevel::Warning)
+                m_log.emplace_back(message);
+        });
+    }
+    void cleanupTestCase() { Log::setSink({}); }
+
+    void init()
+    {
+        m_log.clear();
+        m_kinds.clear();
+        m_now = 0;
+        m_scene = makeRef<Scene>();
+        QVERIFY(m_scene->addObject(m_scene->find("/device/channels/0"), {}));
+        m_library = makeRef<MediaLibrary>();
+        QVERIFY(m_library->insertMediaCollection(1, MediaCollection("Main"), false));
+        QVERIFY(m_library->addPlaylist(1, Playlist("Show")));
+        m_source = std::make_unique<LibrarySource>(*m_library);
+        m_studio = std::unique_ptr<Studio>(
+            new Studio{*m_source, m_media.folder(), Canvas{}, blackSurface({}), [] {}});
+        m_playback = std::make_unique<Playback>(*m_studio, path, true);
+    }
+    void cleanup()
+    {
+        m_playback.reset();
+        m_scene = nullptr;
+    }
+
+    /// By the running times of the library, which say when each entry comes and when it is over.
+    void showsEveryPictureInItsTime()
+    {
+        const int wanted = qEnvironmentVariableIntValue("HALCYRA_LIST_CHANGES");
+        const int changes = wanted > 0 ? wanted : 24;
+        QRandomGenerator random(7);
+        struct Entry
+        {
+            int kind, from, to;
+            TakeTransitionType type;
+        };
+        std::vector<Entry> entries;
+        for (int i = 0; i <= changes; ++i) {
+            const int from = random.bounded(10, 40), length = random.bounded(18, 50);
+            entries.push_back(
+                {random.bounded(5), from, from + length, TakeTransitionType(random.bounded(3))});
+            const Entry& entry = entries.back();
+            addEntry({i + 1, 0}, addSlot(entry.kind, from, from + length), entry.type,
+                     random.bounded(4, 9) * picture); // two of them leave a picture between them
+        }
+        edit([] {});
+        const PlaylistRuntimeInfo counted = calculatePlaylistRuntime(*m_library, 1);
+        start();
+        const auto round = [](double seconds) { return static_cast<int>(std::lround(seconds / picture)); };
+        for (std::size_t on = 0; on < entries.size(); ++on) {
+            const Entry& entry = entries[on];
+            const bool isLast = on + 1 == entries.size();
+            const int begin = round(counted.entries[on].runtimeBefore);
+            const int end =
+                isLast ? round(counted.totalDuration) : round(counted.entries[on + 1].runtimeBefore);
+            const int before = on > 0 ? round(counted.entries[on - 1].runtimeAfter) : 0;
+            for (int i = begin; i < end; ++i) {
+                m_now = i * picture;
+                const std::optional<int> number =
+                    kinds[entry.kind].numbered ? std::optional(entry.from + i - begin) : std::nullopt;
+                Player::Moment moment = advance();
+                const auto isRight = [&] { return shows(moment, kinds[entry.kind].colour, number); };
+                if (i == begin)
+                    QVERIFY2(isRight(), qPrintable(m_why)); // a change waits for nothing
+                else
+                    QVERIFY2(QTest::qWaitFor([&] { return isRight() || (moment = advance(), isRight()); }),
+                             qPrintable(m_why));
+                QCOMPARE(moment.layers.size(), std::size_t(i < before ? 2 : 1));
+                if (i < before) {
+                    const Entry& out = entries[on - 1];
+                    const auto outgoing = [&] {
+                        const Seen seen = seenOn(moment.layers.front().surface);
+                        return seen.colour == kinds[out.kind].colour &&
+                               (!seen.number || *seen.number == out.to - before + i);
+                    };
+                    QVERIFY2(QTest::qWaitFor([&] { return outgoing() || (moment = advance(), outgoing()); }),
+                             qPrintable(m_why));
+                    QCOMPARE(moment.layers.back().type, entry.type);
+                    QVERIFY(std::abs(moment.layers.back().weight - double(i - begin) / (before - begin)) <
+                            1e-6);
+                }
+                if (i == begin && !isLast)
+                    QTRY_VERIFY(isFollowed());
+            }
+            QCOMPARE(property("media"), entryUrl(1, {static_cast<int>(on) + 1, 0}));
+        }
+        m_now += picture;
+        QTRY_VERIFY((advance(), property("state") == "pause"));
+    }
+
+    void loopsLoseNoTime_data()
+    {
+        QTest::addColumn<double>("outpoint");
+        QTest::newRow("whole pictures") << 1.2;
+        QTest::newRow("between pictures") << 1.213;
+        QTest::newRow("a hair over") << 1.20025;
+    }
+
+    void loopsLoseNoTime()
+    {
+        QFETCH(double, outpoint);
+        MediaSlot slot("long", "file:///long.mov");
+        slot.setInpoint(0.4);
+        slot.setOutpoint(outpoint);
+        QVERIFY(m_library->findCollection(1)->insertMediaSlot(1, slot, false));
+        addEntry({1, 0}, 1, TakeTransitionType::Crossfade, 0.2, EndAction::Repeat);
+        edit([] {});
+        start();
+        std::size_t heard = 0;
+        for (int i = 1; i < 1250; ++i) { // some sixty loops
+            // A hair before its end is the end.
+            const double position = 0.4 + std::fmod(i * picture + 0.0006, outpoint - 0.4);
+            const int number = static_cast<int>((position + 1e-7) / picture);
+            QVERIFY(i % 20 != 5 || QTest::qWaitFor([&] { return isFollowed(); }));
+            m_now = i * picture;
+            Player::Moment moment = advance();
+            heard += moment.sound.frames();
+            QVERIFY2(std::ranges::all_of(moment.sound.samples, [](float value) { return value > 0.49f; }),
+                     qPrintable(QString::number(m_now)));
+            const auto isRight = [&] { return std::abs(numberOn(moment.to().get()) - number) == 0; };
+            QVERIFY2(QTest::qWaitFor([&] { return isRight() || (moment = advance(), isRight()); }),
+                     qPrintable(QStringLiteral("%1: %2, not %3")
+                                    .arg(m_now)
+                                    .arg(numberOn(moment.to().get()))
+                                    .arg(number)));
+        }
+        QVERIFY2(std::abs(double(heard) - m_now * Sound::sampleRate) < 100,
+                 qPrintable(QString::number(heard)));
+    }
+
+    void followsEditsToTheLast_data()
+    {
+        QTest::addColumn<QByteArray>("change");
+        QTest::addColumn<int>("kind");
+        QTest::addColumn<int>("number");
+        QTest::addColumn<QByteArray>("media");
+        const QByteArray at = "/playlists/1/entries/", slot = "/collections/1/slots/";
+        const auto entry = [](int main, int minor) {
+            return QByteArray::fromStdString(entryUrl(1, {main, minor}));
+        };
+        QTest::newRow("inserted") << "[{'op':'copy','from':'" + at + "4','path':'" + at + "2.5'}]" << int(Red)
+                                  << 60 << entry(2, 5);
+        QTest::newRow("next removed")
+            << "[{'op':'remove','path':'" + at + "3'}]" << int(Red) << 60 << entry(4, 0);
+        QTest::newRow("itself removed")
+            << "[{'op':'remove','path':'" + at + "2'}]" << int(Blue) << 40 << entry(3, 0);
+        QTest::newRow("itself removed, others renumbered")
+            << "[{'op':'remove','path':'" + at + "2'},{'op':'move','from':'" + at + "3','path':'" + at +
+                   "2'},{'op':'move','from':'" + at + "4','path':'" + at + "3'}]"
+            << int(Blue) << 40 << entry(2, 0);
+        QTest::newRow("itself moved behind")
+            << "[{'op':'move','from':'" + at + "2','path':'" + at + "3.5'}]" << int(Red) << 60 << entry(4, 0);
+        QTest::newRow("next has another in point")
+            << "[{'op':'replace','path':'" + slot + "3/inpoint','value':2.0}]" << int(Blue) << 50
+            << entry(3, 0);
+        QTest::newRow("next has another medium")
+            << "[{'op':'replace','path':'" + slot + "3/contentUrl','value':'file:///green.mp4'}]"
+            << int(Green) << 40 << entry(3, 0);
+    }
+
+    void followsEditsToTheLast()
+    {
+        QFETCH(QByteArray, change);
+        QFETCH(int, kind);
+        QFETCH(int, number);
+        QFETCH(QByteArray, media);
+        addEntry({1, 0}, addSlot(Red, 0, 20));
+        addEntry({2, 0}, addSlot(Green, 10, 30));
+        addEntry({3, 0}, addSlot(Blue, 40, 90));
+        addEntry({4, 0}, addSlot(Red, 60, 90));
+        edit([] {});
+        start({2, 0});
+        QVERIFY2(playsUntil(Green, 10, 20), qPrintable(m_why));
+        QTRY_VERIFY(isFollowed());
+        edit([&] {
+            Patch patch;
+            QVERIFY(Patch::parseString(change.replace('\'', '"').toStdString(), patch));
+            QCOMPARE(m_library->applyDiff(patch), 0);
+        });
+        QVERIFY2(playsUntil(Green, 20, 29), qPrintable(m_why)); // undisturbed
+        QTRY_VERIFY(isFollowed());
+        QVERIFY2(playsUntil(Green, 29, 30), qPrintable(m_why));
+        QVERIFY2(shows(advance(), kinds[kind].colour, number), qPrintable(m_why));
+        advance();
+        QCOMPARE(property("media"), media.toStdString());
+    }
+
+    void passesOverWhatCannotBePlayed()
+    {
+        QVERIFY(
+            m_library->findCollection(1)->insertMediaSlot(50, MediaSlot("b", "file:///broken.mp4"), false));
+        QVERIFY(m_library->findCollection(1)->insertMediaSlot(51, MediaSlot("n", "file:///none.mp4"), false));
+        const int red = addSlot(Red, 0, 10), blue = addSlot(Blue, 20, 30);
+        const int list[] = {50, red, 50, 99, 51, blue, 51, 50};
+        for (int i = 0; i < 8; ++i)
+            addEntry({i + 1, 0}, list[i]);
+        edit([] {});
+        start({2, 0});
+        QTRY_VERIFY(isFollowed());
+        QVERIFY2(playsUntil(Red, 0, 10), qPrintable(m_why));
+        QVERIFY2(playsUntil(Blue, 20, 30), qPrintable(m_why));
+        QTRY_VERIFY((shows(advance(), Qt::blue, 29), property("state") == "pause"));
+        QVERIFY2(shows(advance(), Qt::blue, 29), qPrintable(m_why)); // the last picture holds
+        QCOMPARE(property("media"), entryUrl(1, {6, 0}));
+        QVERIFY(wasLogged("broken.mp4") && wasLogged("none.mp4") && wasLogged("passed over"));
+
+        // By hand into what cannot be played, and nothing else in that direction: what was on air stays.
+        start({2, 0});
+        QVERIFY2(playsUntil(Red, 0, 3), qPrintable(m_why));
+        std::string error;
+        QVERIFY(m_playback->invoke("prevMedia", Json::object(), &error));
+        QTRY_VERIFY((advance(), !m_playback->player().waiting()));
+        QCOMPARE(property("media"), entryUrl(1, {2, 0}));
+        QVERIFY2(playsUntil(Red, 3, 10), qPrintable(m_why));
+        QTRY_VERIFY(shows(advance(), Qt::blue, 20));
+    }
+
+    /// The media stand, and the transition runs out, so that no mixture stays on air.
+    void pausesInATransition()
+    {
+        addEntry({1, 0}, addSlot(Red, 0, 20));
+        addEntry({2, 0}, addSlot(Blue, 40, 80), TakeTransitionType::Crossfade, 0.4);
+        edit([] {});
+        start();
+        QTRY_VERIFY(isFollowed());
+        QVERIFY2(playsUntil(Red, 0, 10), qPrintable(m_why));
+        QVERIFY2(playsUntil(Blue, 40, 43), qPrintable(m_why));
+        Player::Moment moment;
+        QTRY_VERIFY((moment = advance(), shows(moment, Qt::blue, 43) && moment.layers.size() == 2 &&
+                                             seenOn(moment.layers.front().surface).number == 13));
+        m_playback->setState(SourcePlayState::Pause);
+        for (int i = 0; i < 20; ++i) {
+            m_now += picture;
+            moment = advance();
+            QVERIFY2(shows(moment, Qt::blue, 43), qPrintable(m_why));
+            QVERIFY(moment.layers.size() == 1 || seenOn(moment.layers.front().surface).number == 13);
+        }
+        QCOMPARE(advance().layers.size(), std::size_t(1));
+        m_playback->setState(SourcePlayState::Play);
+        QVERIFY2(playsUntil(Blue, 43, 80), qPrintable(m_why));
+    }
+
+    void holdsInfiniteStills()
+    {
+        QVERIFY(
+            m_library->findCollection(1)->insertMediaSlot(50, MediaSlot("w", "file:///white.png"), false));
+        addEntry({1, 0}, 50);
+        addEntry({2, 0}, addSlot(Blue, 40, 80), TakeTransitionType::Crossfade, 0.4);
+        edit([] {});
+        start();
+        for (int i = 0; i < 1000; ++i, m_now += picture)
+            QVERIFY2(shows(advance(), Qt::white, std::nullopt), qPrintable(m_why));
+        std::string error;
+        QVERIFY(m_playback->invoke("nextMedia", Json::object(), &error));
+        QTRY_VERIFY(shows(advance(), Qt::blue, 40));
+        QCOMPARE(advance().layers.size(), std::size_t(2)); // by its own transition
+    }
+
+    void soundPlaysOnBehindThePictures()
+    {
+        QVERIFY(m_library->findCollection(1)->insertMediaSlot(50, MediaSlot("l", "file:///long.mov"), false));
+        addEntry({1, 0}, 50);
+        addEntry({2, 0}, addSlot(Blue, 40, 80));
+        edit([] {});
+        start();
+        for (int i = 1; i < 75; ++i) {
+            m_now = i * picture;
+            QTRY_COMPARE(numberOn(advance().to().get()), std::min(i, 49));
+        }
+        QVERIFY(std::abs(m_playback->player().deck()->position() - 74 * picture) < 1e-6);
+        QCOMPARE(m_playback->player().deck()->duration(), 3.0);
+        QTRY_VERIFY(isFollowed());
+        m_now += picture;
+        QVERIFY2(playsUntil(Blue, 40, 50), qPrintable(m_why));
+    }
+};
+
+HALCYRA_TEST(ListTest)
+#include "listtest.moc"
