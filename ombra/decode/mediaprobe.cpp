@@ -77,11 +77,6 @@ double describeSound(const std::filesystem::path& file, const AvInput& input, Me
     info.audioProfile = textOf(avcodec_profile_name(sound.codec_id, sound.profile));
     info.audioChannels = sound.ch_layout.nb_channels;
     info.sampleRate = sound.sample_rate;
-    const auto programme = SoundProgramme::open(file, never, nullptr);
-    info.unsupportedAudio = !programme;
-    info.partialAudio = programme && programme->isPartial();
-    if (programme && input.sounds().size() > 1)
-        info.audioChannels = programme->channels();
     const AVCodecDescriptor* kind = avcodec_descriptor_get(sound.codec_id);
     if (kind) {
         info.audioKind = kind->long_name ? kind->long_name : kind->name;
@@ -89,6 +84,11 @@ double describeSound(const std::filesystem::path& file, const AvInput& input, Me
         char tag[AV_FOURCC_MAX_STRING_SIZE] = {};
         info.audioKind = std::string("of the kind \"") + av_fourcc_make_string(tag, sound.codec_tag) + "\"";
     }
+    const auto programme = SoundProgramme::open(file, never, nullptr);
+    info.unsupportedAudio = !programme || programme->isPartial();
+    info.partialAudio = programme && programme->isPartial();
+    if (programme && input.sounds().size() > 1)
+        info.audioChannels = programme->channels();
     return programme ? programme->duration() : 0;
 }
 
@@ -150,22 +150,22 @@ void describePictures(const AvInput& input, MediaInfo& info)
 }
 
 /// Sound alone.
-void probeSound(const AvInput& input, MediaInfo& info, std::string* error)
+void probeSound(const AvInput& input, double sound, MediaInfo& info, std::string* error)
 {
     info.type = MediaType::AudioFile;
     info.codec = info.audioCodec;
     info.duration = input.duration();
-    info.playable = !info.unsupportedAudio;
+    info.playable = sound > 0;
     if (!info.playable)
         setError(error, "Its sound (" + info.audioKind + ") cannot be decoded here. Convert it.");
 }
 
-/// soundSeconds: how long its sound is, which plays on behind the pictures.
-void probePictures(std::unique_ptr<AvInput> input, double soundSeconds, MediaInfo& info, std::string* error)
+/// With so many seconds of sound.
+void probePictures(std::unique_ptr<AvInput> input, double sound, MediaInfo& info, std::string* error)
 {
     describePictures(*input, info);
-    if (info.type == MediaType::VideoFile && soundSeconds > info.duration + AudioReader::padding)
-        info.duration = soundSeconds;
+    if (info.type == MediaType::VideoFile && sound > info.duration + AudioReader::padding)
+        info.duration = sound; // it plays on behind the pictures
     std::string why;
     const auto reader = VideoReader::open(std::move(input), {160, 90}, &why);
     Picture picture;
@@ -197,7 +197,7 @@ std::optional<MediaInfo> probeFile(const std::filesystem::path& file, std::strin
     if (input->video())
         probePictures(std::move(input), sound, info, error);
     else
-        probeSound(*input, info, error);
+        probeSound(*input, sound, info, error);
     if (info.playable && info.duration > 0)
         info.cutOff = findCutOff(file);
     return info;

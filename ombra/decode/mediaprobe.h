@@ -30,9 +30,9 @@ struct MediaInfo
     int audioChannels = 0;
     int sampleRate = 0; // Hz
     bool playable = false;
-    bool unsupportedAudio = false; // there is sound, but nothing here decodes it
+    bool unsupportedAudio = false; // there is sound that is not played
+    bool partialAudio = false;     // only some of it is not
     std::string audioKind;         // of such sound, as an operator may know it
-    bool partialAudio = false;     // some of the sound is left out
     std::int64_t frames = 0;       // 1 for stills
     std::int64_t missing = 0;      // pictures that a sequence lacks between its first and last
     int firstMissing = 0;

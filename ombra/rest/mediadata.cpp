@@ -124,15 +124,15 @@ std::string secondsText(double seconds)
 /// What an operator should know of a medium that plays.
 void describeCaveats(const MediaInfo& info, MediaMetadata& metadata)
 {
-    if (info.unsupportedAudio)
+    const std::string sound = "Media contains unsupported audio";
+    if (info.partialAudio)
         metadata.addCaveat(MediaCaveat::UnsupportedAudio,
-                           info.audioKind.empty() ? std::string()
-                                                  : "Media contains unsupported audio (" + info.audioKind +
-                                                        "): it plays without sound. Convert the sound.");
-    else if (info.partialAudio)
+                           sound +
+                               ": some of its streams or channels are not played. Make one stream of them.");
+    else if (info.unsupportedAudio)
         metadata.addCaveat(MediaCaveat::UnsupportedAudio,
-                           "Not all of its sound is heard: there are several streams that do not make one "
-                           "programme, or more channels than are played. Convert the sound.");
+                           sound + (info.audioKind.empty() ? "" : " (" + info.audioKind + ")") +
+                               ": it plays without sound. Convert the sound.");
     if (info.cutOff)
         metadata.addCaveat(MediaCaveat::CutOff, "The file is cut off at " + secondsText(info.cutOff->at) +
                                                     " of " + secondsText(info.cutOff->announced) +

@@ -141,8 +141,7 @@ private Q_SLOTS:
                              QStringLiteral("tail.mov")));
             const auto info = probeMedia(m_media.file("tail.mov"), nullptr);
             QVERIFY(info && info->playable);
-            QVERIFY(info->partialAudio &&
-                    !info->unsupportedAudio); // of two that are no programme one is heard
+            QVERIFY(info->unsupportedAudio); // of two that are no programme one is heard
             QCOMPARE(info->duration, sound > 0.5 ? 1.0 : 0.4);
             QCOMPARE(info->frames, 10);
         }
