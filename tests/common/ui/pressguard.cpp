@@ -121,6 +121,4 @@ HALCYRA_TEST(TestPressGuard)
 
 } // namespace vantrel::test
 
-Q_DECLARE_METATYPE(QList<vantrel::test::Stroke>)
-
 #include "pressguard.moc"
