@@ -119,7 +119,7 @@ private:
 };
 
 /// Ends the event loop when the system or a terminal asks the process to end, so that everything closes in
-/// order.
+/// order; a loop that does not come back in time is ended with the process.
 class EndSignals
 {
 public:
@@ -129,12 +129,15 @@ public:
         QObject::connect(&m_notifier, &QSocketNotifier::activated, qApp, [] { QCoreApplication::quit(); });
         for (const int signal : {SIGTERM, SIGINT, SIGHUP})
             std::signal(signal, [](int) {
+                alarm(endSeconds);
                 const char byte = 0;
                 [[maybe_unused]] const auto written = write(ends()[1], &byte, 1);
             });
     }
 
 private:
+    static constexpr unsigned endSeconds = 5;
+
     /// A pipe: a signal's handler may do little more than write to it.
     static const int* ends()
     {

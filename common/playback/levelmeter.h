@@ -28,6 +28,7 @@ public:
     /// The scene path of the playback whose levels are shown; before this none are.
     void setSource(const std::string& path) { m_source = path; }
     State state() const { return m_state; }
+    bool isMuted() const { return m_isMuted; }
     /// Milliseconds that only go up; for tests in place of the real time.
     void setClock(std::function<double()> clock);
     /// How far the bar and the mark of a channel reach, dBFS.

@@ -1,5 +1,6 @@
 #include "common/playback/seekslider.h"
 
+#include "common/playback/accessibletimeline.h"
 #include "common/playback/seeksliderhandle.h"
 #include "common/playback/seekslidermarker.h"
 #include "common/ui/style/colors.h"
@@ -38,6 +39,7 @@ SeekSlider::SeekSlider(QWidget* parent)
     , m_outMarker(new SeekSliderMarker(QStringLiteral(":/icons/mc_set_outpoint.svg"), 0.6, this))
     , m_markerColor(colors::getColor(colors::Green_green))
 {
+    AccessibleTimeline::install();
     setMouseTracking(true);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     setToolTip(tr("Drag to seek. Arrow keys move what has the focus: 0.1 s, with Shift 1 s, with Alt 10 s."));

@@ -5,6 +5,7 @@
 #include "common/playback/playbackwidgetfooter.h"
 #include "common/playback/takecontrols.h"
 #include "common/session/session.h"
+#include "common/session/settings/storedvalue.h"
 #include "common/ui/style/fontsizefollower.h"
 #include "common/ui/style/spacing.h"
 #include "common/ui/toolkit/ztsplitter.h"
@@ -72,13 +73,16 @@ void ChannelWidget::followPictures()
     connect(&m_adjust, &QTimer::timeout, this, [this] {
         updateStep(); // some heights are those of texts, which are known by now
         updateWords();
-        if (!m_dividedByHand)
+        if (!divideAsKept())
             adjustSplitters();
     });
     for (const PlaybackWidget* column : {m_preview, m_program})
         connect(column->preview(), &PlaybackPreview::shapeChanged, &m_adjust, qOverload<>(&QTimer::start));
-    for (const ZTSplitter* splitter : {m_previewSplitter, m_programSplitter})
-        connect(splitter, &QSplitter::splitterMoved, this, [this] { m_dividedByHand = !m_isAdjusting; });
+    for (ZTSplitter* splitter : {m_previewSplitter, m_programSplitter})
+        connect(splitter, &QSplitter::splitterMoved, this, [this, splitter] {
+            if (!m_isAdjusting && splitter->height() > 0)
+                storeValue(shareKey(splitter), double(splitter->sizes().constFirst()) / splitter->height());
+        });
     m_adjust.start();
 }
 
@@ -96,6 +100,28 @@ void ChannelWidget::setBlocked(const QString& reason)
     m_preview->setBlocked(reason);
     m_program->setBlocked(reason);
     m_takeControls->setBlocked(reason);
+}
+
+QString ChannelWidget::shareKey(const QSplitter* splitter) const
+{
+    return splitter == m_previewSplitter ? QStringLiteral("Window/PreviewShare")
+                                         : QStringLiteral("Window/ProgramShare");
+}
+
+/// Divides the columns as the operator has done by hand; false when they never did.
+bool ChannelWidget::divideAsKept()
+{
+    bool isKept = false;
+    m_isAdjusting = true;
+    for (ZTSplitter* splitter : {m_previewSplitter, m_programSplitter}) {
+        const double share = storedValue(shareKey(splitter)).toDouble();
+        if (!(share > 0.0 && share < 1.0))
+            continue;
+        isKept = true;
+        splitter->moveHandle(1, splitter->getClosestPixelPosition(1, share));
+    }
+    m_isAdjusting = false;
+    return isKept;
 }
 
 void ChannelWidget::adjustSplitters()

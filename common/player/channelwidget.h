@@ -5,6 +5,8 @@
 #include <QTimer>
 #include <QWidget>
 
+class QSplitter;
+
 namespace vantrel {
 
 class Object;
@@ -49,6 +51,8 @@ private:
     void followPictures();
     void updateStep();
     void updateWords();
+    QString shareKey(const QSplitter* splitter) const;
+    bool divideAsKept();
 
     // In the order in which Tab goes through them.
     ZTSplitter* m_previewSplitter;
@@ -63,7 +67,6 @@ private:
     FontSize m_size = FontSize::Medium;
     bool m_isSized = false; // by its parent, before which its width says nothing
     bool m_isAdjusting = false;
-    bool m_dividedByHand = false;
 };
 
 } // namespace vantrel

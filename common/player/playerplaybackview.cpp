@@ -13,6 +13,7 @@
 #include "common/session/mirror/objecttreemodel.h"
 #include "common/session/session.h"
 #include "common/session/settings/configuration.h"
+#include "common/session/settings/storedvalue.h"
 #include "common/ui/binding/widgetmapper.h"
 #include "common/ui/keyboard/hotkeys.h"
 #include "common/ui/style/colors.h"
@@ -40,6 +41,8 @@ namespace {
 
 constexpr int objectRole = 257; // of the scene's tree model
 constexpr int sceneRole = 258;
+constexpr int mostChannels = 8; // each takes some 50 ms to build, and a screen holds no more
+const QString panelKey = QStringLiteral("Window/PanelWidth");
 
 /// In pixels: the panel gives way to the channels down to its least width.
 const QMap<FontSize, int> leastPanelWidths{
@@ -81,13 +84,18 @@ PlayerPlaybackView::PlayerPlaybackView(Session* session, QWidget* parent)
     m_splitter->addWidget(m_stack);
     m_splitter->setStretchFactor(0, 0);
     m_splitter->setStretchFactor(1, 1);
-    connect(m_splitter, &QSplitter::splitterMoved, this, [this] { m_dividedByHand = true; });
+    connect(m_splitter, &QSplitter::splitterMoved, this, [this] {
+        m_panelWidth = m_splitter->sizes().constFirst();
+        storeValue(panelKey, m_panelWidth);
+    });
+    m_panelWidth = storedValue(panelKey, m_panelWidth).toInt();
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(m_splitter);
     followFontSize(this, [this](FontSize) { shareWidth(); });
 
     m_mapper->setObjectName(QStringLiteral("playbacksMapper"));
+    m_mapper->setMost(mostChannels);
     m_mapper->setFactory([session] { return new ChannelWidget(session); });
     connect(m_mapper, &WidgetMapper::widgetAdded, this, &PlayerPlaybackView::onWidgetAdded);
     connect(m_mapper, &WidgetMapper::widgetRemoved, this, &PlayerPlaybackView::onWidgetRemoved);
@@ -99,10 +107,10 @@ PlayerPlaybackView::PlayerPlaybackView(Session* session, QWidget* parent)
 
 void PlayerPlaybackView::shareWidth()
 {
-    if (m_dividedByHand)
-        return;
     const int room = width() - m_splitter->handleWidth();
-    const int panel = panelWidthIn(room, currentFontSize());
+    const int least = leastPanelWidths.value(currentFontSize());
+    const int panel = m_panelWidth > 0 ? std::clamp(m_panelWidth, least, std::max(least, room / 2))
+                                       : panelWidthIn(room, currentFontSize());
     m_splitter->setSizes({panel, room - panel});
 }
 

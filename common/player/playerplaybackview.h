@@ -63,7 +63,7 @@ private:
     QWidget* m_channels = nullptr;
     PlayerKeys* m_keys = nullptr; // none where there are no hotkeys
     int m_channelCount = 0;
-    bool m_dividedByHand = false;
+    int m_panelWidth = -1;     // as the operator divided it; without, it follows the room
     bool m_isStale = false;    // from the loss of the server until its state has come anew
     bool m_isPrepared = false; // a channel's widget was built for the first connection
 };

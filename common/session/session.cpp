@@ -16,6 +16,7 @@
 #include "common/media/net/mediastateprovider.h"
 #include "common/media/net/metadataprovider.h"
 #include "common/media/net/networkaccessmanager.h"
+#include "common/media/net/serveraccess.h"
 #include "common/media/net/thumbnailprovider.h"
 #include "common/session/link/connectionhandler.h"
 #include "common/session/link/connectionprovider.h"
@@ -146,7 +147,7 @@ bool Session::isConnected() const
 
 void Session::doInit()
 {
-    m_qnam = std::make_unique<QNetworkAccessManager>();
+    m_qnam = std::make_unique<ServerAccess>();
     m_network = std::make_unique<NetworkAccessManager>(m_qnam.get());
     m_scene = makeRef<Scene>();
     m_scene->addChangeCallback(&Session::onSceneChange, this);

@@ -10,6 +10,7 @@
 #include "common/session/link/signalrelay.h"
 #include "common/session/session.h"
 #include "common/session/settings/configuration.h"
+#include "common/session/settings/storedvalue.h"
 #include "common/ui/keyboard/hotkeys.h"
 #include "common/ui/keyboard/hotkeytip.h"
 #include "common/ui/style/dynamicstyle.h"
@@ -39,6 +40,7 @@ namespace vantrel {
 namespace {
 
 constexpr int scrollRestMs = 120;
+const QString collectionKey = QStringLiteral("Window/Collection");
 constexpr int minimumPanelWidth = 220;
 constexpr int addButtonWidth = 200; // of the panel, at the medium text size
 
@@ -207,8 +209,10 @@ void MediaPanelWidget::setCollectionsEditable(bool editable)
 void MediaPanelWidget::connectModels()
 {
     connect(m_chooser, &QComboBox::activated, this, [this](int row) {
-        m_selector->setSelectedCollectionIndex(
-            m_chooser->itemData(row, CollectionSelectorModel::CollectionNumberRole).toInt());
+        const int number = m_chooser->itemData(row, CollectionSelectorModel::CollectionNumberRole).toInt();
+        m_selector->setSelectedCollectionIndex(number);
+        storeValue(collectionKey, number);
+        m_remembered = -1;
     });
     connect(m_selector, &CollectionSelectorModel::selectionChanged, this, [this] {
         updateChooser();
@@ -221,7 +225,12 @@ void MediaPanelWidget::connectModels()
     });
     // In the next turn, once for all: the chooser and the list have heard of the changes by then.
     m_refresh.setSingleShot(true);
+    m_remembered = storedValue(collectionKey, -1).toInt();
     connect(&m_refresh, &QTimer::timeout, this, [this] {
+        // Once, when the library with it has come.
+        if (m_remembered >= 0 &&
+            m_chooser->findData(m_remembered, CollectionSelectorModel::CollectionNumberRole) >= 0)
+            m_selector->setSelectedCollectionIndex(std::exchange(m_remembered, -1));
         updateChooser();
         showCollection();
     });

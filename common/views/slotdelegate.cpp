@@ -25,6 +25,7 @@ namespace {
 constexpr int margin = 8;  // between the parts of a row
 constexpr int padding = 6; // above and below them
 constexpr int lineGap = 2;
+constexpr int leastPicture = 28; // wide: less is a speck
 constexpr qreal radius = 4;
 
 QFont captionFont(const QFont& font)
@@ -232,6 +233,7 @@ struct SlotDelegate::Layout
     QRect thumbnail;
     QRect name;
     QRect details;
+    bool isStacked = false; // the picture below the number
 };
 
 SlotDelegate::Layout SlotDelegate::layoutOf(const QStyleOptionViewItem& option,
@@ -247,16 +249,23 @@ SlotDelegate::Layout SlotDelegate::layoutOf(const QStyleOptionViewItem& option,
     const int digits = std::max<int>(2, static_cast<int>(QString::number(last).size()));
     const int numberWidth = QFontMetrics(option.font).horizontalAdvance(u'0') * digits;
     layout.number = QRect(row.left() + 2, row.top(), numberWidth, row.height());
-    // The name comes first: in a narrow panel the picture gives way, and goes before it is a speck.
+    // The name comes first: in a narrow panel the picture gives way.
     const int room =
         row.width() - numberWidth - 3 * margin - QFontMetrics(option.font).averageCharWidth() * 14;
     int width = std::min(row.height() * 16 / 9, room);
-    if (width < 28)
-        width = 0;
-    const int height = width * 9 / 16;
-    layout.thumbnail =
-        QRect(layout.number.right() + margin + 1, row.center().y() - height / 2 + 1, width, height);
-    const int left = layout.thumbnail.left() + (width > 0 ? width + margin + 2 : 0);
+    if (width < leastPicture) {
+        // Below the number, which then takes the smaller font: no text is the narrower for it.
+        layout.isStacked = true;
+        const int top = QFontMetrics(captionFont(option.font)).height();
+        width = std::min((row.height() - top) * 16 / 9, std::max(leastPicture, row.width() / 4));
+        layout.number = QRect(row.left(), row.top(), width, top);
+        layout.thumbnail = QRect(row.left(), row.top() + top, width, width * 9 / 16);
+    } else {
+        const int height = width * 9 / 16;
+        layout.thumbnail =
+            QRect(layout.number.right() + margin + 1, row.center().y() - height / 2 + 1, width, height);
+    }
+    const int left = layout.thumbnail.right() + 1 + margin + (layout.isStacked ? 0 : 2);
     const int nameHeight = QFontMetrics(nameFont(option.font)).height();
     const int top = row.center().y() - textHeight(option.font) / 2;
     layout.name = QRect(left, top, row.right() - left, nameHeight);
@@ -286,12 +295,11 @@ void SlotDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
     painter->setRenderHint(QPainter::Antialiasing);
     painter->setPen(Qt::NoPen);
     paintBackground(painter, row, mark);
-    if (!layout.thumbnail.isEmpty())
-        paintThumbnail(painter, layout.thumbnail, index);
+    paintThumbnail(painter, layout.thumbnail, index);
 
-    painter->setFont(row.font);
+    painter->setFont(layout.isStacked ? caption : row.font);
     painter->setPen(getColor(colors::Zt_white_50));
-    painter->drawText(layout.number, Qt::AlignRight | Qt::AlignVCenter,
+    painter->drawText(layout.number, layout.isStacked ? Qt::AlignCenter : Qt::AlignRight | Qt::AlignVCenter,
                       QString::number(index.data(MediaLibraryModel::NumberRole).toInt()));
     painter->setPen(Qt::NoPen);
     const QString length = lengthText(index);
@@ -326,9 +334,9 @@ void SlotDelegate::updateEditorGeometry(QWidget* editor, const QStyleOptionViewI
                                         const QModelIndex& index) const
 {
     const Layout layout = layoutOf(option, index);
-    const int height = std::min(editor->sizeHint().height(), option.rect.height());
-    editor->setGeometry(layout.name.left() - 4, option.rect.center().y() - height / 2,
-                        layout.name.width() + 8, height);
+    // Over both lines, and opaque by its style: nothing shows through what is typed.
+    editor->setGeometry(layout.name.left() - 4, option.rect.top() + 2, layout.name.width() + 8,
+                        option.rect.height() - 4);
 }
 
 } // namespace vantrel

@@ -112,6 +112,7 @@ private:
     void secondSlotRepeatsAndIsMixedIn();
     void stillIsDippedTo();
     void soundIsMutedAndTurnedDown();
+    void turnDownBesideTheMeter();
     void blankGoesWhereTheClickWas();
 
     Hand m_hand = Hand::Mouse;
@@ -423,6 +424,22 @@ void ThreeSlotShow::stillIsDippedTo()
     QTRY_COMPARE(sceneOf(program, "media").toString(), QStringLiteral("brume://collections/1/slots/3"));
 }
 
+/// In a column with room the fader stands open.
+void ThreeSlotShow::turnDownBesideTheMeter()
+{
+    const QString fader = QStringLiteral("Program-PlaybackWidget-Footer-Fader");
+    if (isMouse()) {
+        QVERIFY(m_robot.click(fader)); // on the groove, below its upper end
+        QTRY_VERIFY(sceneOf(program, "volume").toDouble() < 0.5);
+    } else {
+        m_robot.ask({{"operation", "focus"}, {"objectName", fader}});
+        for (int i = 0; i < 6; ++i)
+            m_robot.key(QStringLiteral("Left"));
+        QTRY_COMPARE(sceneOf(program, "volume").toDouble(), std::pow(10.0, -6 / 20.0));
+    }
+    QCOMPARE(sceneOf(preview, "volume").toDouble(), 1.0);
+}
+
 void ThreeSlotShow::soundIsMutedAndTurnedDown()
 {
     for (const bool muted : {true, false}) {
@@ -433,6 +450,10 @@ void ThreeSlotShow::soundIsMutedAndTurnedDown()
         QTRY_COMPARE(sceneOf(program, "muted").toBool(!muted), muted);
     }
     QCOMPARE(sceneOf(program, "volume").toDouble(), 1.0);
+    if (!m_robot.find(volumeButton)["visible"].toBool()) {
+        turnDownBesideTheMeter();
+        return;
+    }
     QVERIFY(push(volumeButton));
     QVERIFY(!m_robot.waitFor(volumePopup).isEmpty());
     if (isMouse()) {

@@ -1,5 +1,6 @@
 #include "common/media/models/collectionselectormodel.h"
 
+#include "common/media/address/showntext.h"
 #include "common/media/items/guimediacollection.h"
 
 #include <algorithm>
@@ -20,16 +21,16 @@ QVariant CollectionSelectorModel::data(const QModelIndex& index, int role) const
     const std::shared_ptr<const GuiMediaCollection> collection = getCollection(index);
     if (!collection)
         return {};
-    const QString label =
-        QStringLiteral("%1: %2").arg(QString::number(collection->index()), collection->name());
+    const QString name = shownText(collection->name());
+    const QString label = QStringLiteral("%1: %2").arg(QString::number(collection->index()), name);
     switch (role) {
     case Qt::DisplayRole:
-        return index.column() == 0 ? collection->name() : label;
+        return index.column() == 0 ? name : label;
     case DisplayTextRole:
         return label;
     case Qt::EditRole:
     case EditTextRole:
-        return collection->name();
+        return name;
     case CollectionNumberRole:
         return collection->index();
     default:

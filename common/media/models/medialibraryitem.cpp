@@ -6,13 +6,13 @@ namespace vantrel {
 
 MediaLibraryItem::MediaLibraryItem(int number, const QString& name)
     : m_number(number)
-    , m_name(name)
+    , m_name(shownText(name))
 {
 }
 
 MediaLibraryItem::MediaLibraryItem(int number, const MediaSlot& slot)
     : m_number(number)
-    , m_name(QString::fromStdString(slot.getName()))
+    , m_name(shownText(QString::fromStdString(slot.getName())))
     , m_url(QString::fromStdString(slot.getUrl()))
     , m_inpoint(slot.getInpoint())
     , m_outpoint(slot.getOutpoint())

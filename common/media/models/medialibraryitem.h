@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/media/address/showntext.h"
 #include "tarn/media/mediaenums.h"
 #include "tarn/media/mediaslot.h"
 #include "tarn/media/sharedmap.h"
@@ -21,7 +22,7 @@ public:
 
     int number() const { return m_number; }
     const QString& name() const { return m_name; }
-    void setName(const QString& name) { m_name = name; }
+    void setName(const QString& name) { m_name = shownText(name); }
     const QUrl& url() const { return m_url; }
     double inpoint() const { return m_inpoint; }
     /// The out point, or else the duration.

@@ -15,6 +15,7 @@
 #include "util/clocktime.h"
 
 #include <algorithm>
+#include <array>
 
 namespace vantrel {
 
@@ -243,6 +244,8 @@ QVariant MediaLibraryModel::slotData(const MediaLibraryItem& item, const QModelI
         return addressOf(index).collection;
     case Qt::EditRole:
         return index.column() == NameColumn ? QVariant(item.name()) : QVariant();
+    case Qt::AccessibleTextRole:
+        return accessibleText(item, index);
     case Qt::ToolTipRole:
         // Escaped: a tooltip takes a name that looks like markup for markup.
         return QStringLiteral("<p style='white-space:pre'>%1\n%2</p>")
@@ -250,6 +253,28 @@ QVariant MediaLibraryModel::slotData(const MediaLibraryItem& item, const QModelI
     default:
         return knownData(item, index, role);
     }
+}
+
+/// "Slot 4, Clock, on preview, playing", and why it does not play when that is so.
+QString MediaLibraryModel::accessibleText(const MediaLibraryItem& item, const QModelIndex& index) const
+{
+    QStringList parts{tr("Slot %1").arg(item.number()), item.name()};
+    const auto state = static_cast<MediaState>(knownData(item, index, KnownStateRole).toInt());
+    static constexpr std::array<const char*, 9> texts{QT_TR_NOOP("on program, playing"),
+                                                      QT_TR_NOOP("on program, paused"),
+                                                      QT_TR_NOOP("on program, stopped"),
+                                                      QT_TR_NOOP("on preview, playing"),
+                                                      QT_TR_NOOP("on preview, paused"),
+                                                      QT_TR_NOOP("on preview, stopped"),
+                                                      QT_TR_NOOP("playable"),
+                                                      QT_TR_NOOP("playable, with limits"),
+                                                      QT_TR_NOOP("cannot be played")};
+    if (const auto number = static_cast<std::size_t>(state); number < texts.size())
+        parts.append(tr(texts[number]));
+    if (m_aggregator && m_aggregator->knownMetadata(item.url()))
+        parts += m_aggregator->mediaCaveatsDescribed(item.url());
+    parts.removeAll(QString());
+    return parts.join(QStringLiteral(", "));
 }
 
 QVariant MediaLibraryModel::knownData(const MediaLibraryItem& item, const QModelIndex& index, int role) const

@@ -156,6 +156,7 @@ private:
     int stateOf(const QModelIndex& index) const;
     int mediaType(const MediaLibraryItem& item) const;
     QVariant knownData(const MediaLibraryItem& item, const QModelIndex& index, int role) const;
+    QString accessibleText(const MediaLibraryItem& item, const QModelIndex& index) const;
     bool setName(const QModelIndex& index, const QString& name);
     bool setDuration(const QModelIndex& index, const QVariant& value);
 

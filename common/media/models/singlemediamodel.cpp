@@ -1,6 +1,7 @@
 #include "common/media/models/singlemediamodel.h"
 
 #include "common/media/address/mediautils.h"
+#include "common/media/address/showntext.h"
 #include "common/media/items/abstractplaylistprovider.h"
 #include "common/media/items/guimediacollection.h"
 #include "common/media/items/guimediaslot.h"
@@ -15,6 +16,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <numeric>
 
 namespace vantrel {
 
@@ -67,6 +69,31 @@ QString rateText(double rate)
 QString dateText(const std::optional<DateTime>& time)
 {
     return orUnknown(time ? QString::fromStdString(time->toString()) : QString());
+}
+
+/// The shape of the picture as it is shown: "16:9", or "1.85:1" where no small numbers say it.
+QString aspectText(qint64 width, qint64 height, const Rational<int>& pixel)
+{
+    constexpr qint64 largestTerm = 32;
+    qint64 wide = width * pixel.num, high = height * pixel.den;
+    if (wide <= 0 || high <= 0)
+        return unknown;
+    const qint64 common = std::gcd(wide, high);
+    wide /= common;
+    high /= common;
+    QString text = wide <= largestTerm && high <= largestTerm
+                       ? QStringLiteral("%1:%2").arg(wide).arg(high)
+                       : QStringLiteral("%1:1").arg(double(wide) / double(high), 0, 'f', 2);
+    if (pixel.num != pixel.den)
+        text += u' ' + SingleMediaModel::tr("(pixels %1)").arg(QString::fromStdString(pixel.toString()));
+    return text;
+}
+
+QString bitRateText(qint64 bitsPerSecond)
+{
+    if (bitsPerSecond < 1'000'000)
+        return SingleMediaModel::tr("%1 kbit/s").arg(std::lround(bitsPerSecond / 1e3));
+    return SingleMediaModel::tr("%1 Mbit/s").arg(QLocale().toString(bitsPerSecond / 1e6, 'f', 1));
 }
 
 } // namespace
@@ -152,9 +179,9 @@ QVariant SingleMediaModel::data(const QModelIndex& index, int role) const
     const auto slot = getMediaSlotPtr();
     switch (index.column()) {
     case NameColumn:
-        return slot ? slot->name() : QString();
+        return slot ? shownText(slot->name()) : QString();
     case LocationColumn:
-        return m_contentUrl.isLocalFile() ? m_contentUrl.toLocalFile() : m_contentUrl.toString();
+        return shownText(m_contentUrl.isLocalFile() ? m_contentUrl.toLocalFile() : m_contentUrl.toString());
     case DurationColumn:
         if (slot && slot->hasInfiniteDuration())
             return tr("Infinite");
@@ -180,7 +207,7 @@ QVariant SingleMediaModel::fileData(int column) const
         return fpsText();
     case FileSizeColumn:
         if (const auto size = m_metadata->getFileSize(); size && *size > 0)
-            return locale.formattedDataSize(*size, 0, QLocale::DataSizeTraditionalFormat);
+            return locale.formattedDataSize(*size, *size < 1'000'000 ? 0 : 1, QLocale::DataSizeSIFormat);
         return QStringLiteral("0 B");
     case AudioColumn:
         return audioText();
@@ -222,7 +249,8 @@ QString SingleMediaModel::pictureText(int column) const
     case HeightColumn:
         return pixels(pictures->height);
     case AspectColumn:
-        return pictures->pixelAspect ? QString::fromStdString(pictures->pixelAspect->toString()) : unknown;
+        return aspectText(pictures->width.value_or(0), pictures->height.value_or(0),
+                          pictures->pixelAspect.value_or(Rational<int>{1, 1}));
     case VideoColumn: {
         const QString codec = QString::fromStdString(pictures->codec);
         return orUnknown(
@@ -233,10 +261,7 @@ QString SingleMediaModel::pictureText(int column) const
     case PixelFormatColumn:
         return orUnknown(QString::fromStdString(pictures->pixelFormat));
     case BitRateColumn:
-        // The data size of a second, so in bytes.
-        if (isVideo && pictures->bitRate)
-            return tr("%1/s").arg(QLocale().formattedDataSize(*pictures->bitRate / 8));
-        return unknown;
+        return isVideo && pictures->bitRate ? bitRateText(*pictures->bitRate) : unknown;
     default:
         return unknown;
     }

@@ -70,7 +70,7 @@ void ObjectMapper::populate()
     if (!initialized() || (m_hasRoot && !m_root.isValid()))
         return;
     const int rows = m_model->rowCount(m_root);
-    for (int row = 0; row < rows; ++row)
+    for (int row = 0; row < rows && m_mapped.size() < m_most; ++row)
         populate(m_model->index(row, 0, m_root));
 }
 
@@ -143,7 +143,7 @@ void ObjectMapper::onRowsInserted(const QModelIndex& parent, int first, int last
 {
     if (!initialized() || !concerns(parent))
         return;
-    for (int row = first; row <= last; ++row)
+    for (int row = first; row <= last && m_mapped.size() < m_most; ++row)
         populate(m_model->index(row, 0, parent));
 }
 

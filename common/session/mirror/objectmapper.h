@@ -6,6 +6,8 @@
 #include <QPersistentModelIndex>
 #include <QPointer>
 
+#include <limits>
+
 namespace vantrel {
 
 /// Keeps one object for each row below an index of a model, or only tells of the rows when no object type is
@@ -30,6 +32,8 @@ public:
     void setModel(QAbstractItemModel* model, const QModelIndex& root);
     void setModel(const QModelIndex& root);
     void setRoot(const QModelIndex& root);
+    /// Rows beyond so many objects get none, whatever a server tells of.
+    void setMost(int objects) { m_most = objects; }
     QModelIndex root() const { return m_root; }
     QAbstractItemModel* model() const { return m_model; }
     const QList<MappedObject>& mapped() const { return m_mapped; }
@@ -61,6 +65,7 @@ private:
 
     const QMetaObject* m_objectType = nullptr;
     QPersistentModelIndex m_root;
+    int m_most = std::numeric_limits<int>::max();
     bool m_hasRoot = false; // a root that went with its model's rows does not become the model's top
     QPointer<QAbstractItemModel> m_model;
     QList<MappedObject> m_mapped;

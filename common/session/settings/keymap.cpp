@@ -81,6 +81,11 @@ QMap<QString, QVariant> defaultKeymap()
     QMap<QString, QVariant> keymap;
     for (const auto& [name, key] : keys)
         keymap.insert(QString::fromLatin1(name), QVariant::fromValue(QKeySequence(key)));
+    // F11 opens a window for service, and some desktops have no key for the full screen.
+    if (const QKeySequence full(QKeySequence::FullScreen);
+        full.isEmpty() || full == QKeySequence(Qt::Key_F11))
+        keymap.insert(QStringLiteral("fullscreen"),
+                      QVariant::fromValue(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_F)));
     for (const auto& [name, key] : ownKeys)
         keymap.insert(QString::fromLatin1(name), QVariant::fromValue(QKeySequence(key)));
     return keymap;
@@ -126,6 +131,7 @@ const QList<KeyAction>& keyActions()
         {"tab_2", window, QT_TRANSLATE_NOOP("Keymap", "Files page")},
         {"tab_3", window, QT_TRANSLATE_NOOP("Keymap", "Media page")},
         {"tab_4", window, QT_TRANSLATE_NOOP("Keymap", "Player page")},
+        {"fullscreen", window, QT_TRANSLATE_NOOP("Keymap", "Full screen")},
         {"zoom_in", window, QT_TRANSLATE_NOOP("Keymap", "Larger text")},
         {"zoom_out", window, QT_TRANSLATE_NOOP("Keymap", "Smaller text")},
         {"keyboard", window, QT_TRANSLATE_NOOP("Keymap", "Show and change the keys")},

@@ -12,9 +12,7 @@
 #include "common/ui/toolkit/ztcombobox.h"
 #include "common/ui/toolkit/ztlabel.h"
 
-#include <QApplication>
 #include <QFormLayout>
-#include <QMainWindow>
 #include <QSignalBlocker>
 #include <QStackedWidget>
 #include <QTimer>
@@ -167,13 +165,9 @@ void ConfigurationDialog::onTextSizeSelected(const QVariant&)
     QTimer::singleShot(adjustDelay, this, &ConfigurationDialog::adjustApp);
 }
 
+/// The dialog alone: the window keeps the size that the operator gave it.
 void ConfigurationDialog::adjustApp()
 {
-    const QWidgetList windows = QApplication::topLevelWidgets();
-    for (QWidget* window : windows) {
-        if (qobject_cast<QMainWindow*>(window) && !window->isFullScreen() && !window->isMaximized())
-            window->adjustSize();
-    }
     adjustSize();
 }
 

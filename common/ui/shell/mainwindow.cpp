@@ -28,6 +28,7 @@
 #include "common/ui/shell/onairquestions.h"
 #include "common/ui/shell/showmanager.h"
 #include "common/ui/shell/statusbar.h"
+#include "common/ui/shell/windowmemory.h"
 #include "common/ui/style/spacing.h"
 #include "common/ui/toolkit/iconbutton.h"
 #include "common/ui/toolkit/navbutton.h"
@@ -48,6 +49,8 @@ namespace vantrel {
 
 namespace {
 
+constexpr QSize usualSize(1600, 1000);
+constexpr QSize leastSize(960, 540);
 constexpr int startDelay = 200;    // milliseconds until the window is up
 constexpr int quietAttempt = 3000; // milliseconds of a first attempt that nobody needs to hear of
 constexpr auto tabClickWheel = static_cast<Qt::FocusPolicy>(11);
@@ -113,7 +116,12 @@ MainWindow::MainWindow(Session* session, QWidget* parent)
     m_developerMenu = new DeveloperMenu(this);
     new PressGuard(m_hotkeys, this);
     new KeyboardFocus(this);
-    resize(QSize(1600, 1000).boundedTo(screen()->availableSize()));
+    // What it holds must not make it grow, with larger text say: the operator's size stands.
+    m_central->setMinimumSize(1, 1);
+    setMinimumSize(leastSize.boundedTo(screen()->availableSize()));
+    m_memory = new WindowMemory(this, usualSize);
+    m_navigationBar->setActiveTab(m_memory->tab(PlayerTab));
+    connect(m_navigationBar, &MainNavigationBar::tabSelected, m_memory, &WindowMemory::keepTab);
 }
 
 MainWindow::~MainWindow()
@@ -176,6 +184,7 @@ void MainWindow::initHotkeys()
         m_hotkeys->addShortcut(QLatin1String(name), this, run);
     };
     add("keyboard", [this] { openKeyboardDialog(); });
+    add("fullscreen", [this] { m_memory->toggleFullScreen(); });
     add("zoom_in", [this] { stepTextSize(1); });
     add("zoom_out", [this] { stepTextSize(-1); });
 }

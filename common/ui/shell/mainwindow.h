@@ -25,6 +25,7 @@ class PushButton;
 class Session;
 class StackedTabWidget;
 class StatusBar;
+class WindowMemory;
 
 /// The window of the application: the four views under their tabs, the menu, the status bar and the dialogs
 /// of the connection. One a process, made after the session; the launcher owns it.
@@ -90,6 +91,7 @@ private:
     OnAirQuestions* m_questions = nullptr;
     QString m_attemptedHost; // while its first attempt is under way
     StatusBar* m_statusBar = nullptr;
+    WindowMemory* m_memory = nullptr;
     NotificationPresenter* m_notificationPresenter = nullptr;
     NotificationDialogWrapper* m_notificationDialog = nullptr;
     ConfigurationDialog* m_configurationDialog = nullptr;

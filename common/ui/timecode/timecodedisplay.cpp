@@ -2,6 +2,7 @@
 
 #include "common/session/settings/timeutils.h"
 #include "common/ui/style/opaque.h"
+#include "common/ui/timecode/accessibletime.h"
 #include "util/clocktime.h"
 #include "util/smpte_timecode.h"
 
@@ -42,6 +43,7 @@ int textWidth(const QFontMetrics& metrics, const QString& text)
 TimecodeDisplay::TimecodeDisplay(QWidget* parent)
     : ZTLabel(parent)
 {
+    AccessibleTime::install();
     setTextFormat(Qt::PlainText);
     if (const Configuration* settings = configuration())
         connect(settings, &Configuration::optionChanged, this, &TimecodeDisplay::onTimecodeViewModeChange);

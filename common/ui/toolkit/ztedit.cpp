@@ -1,5 +1,7 @@
 #include "common/ui/toolkit/ztedit.h"
 
+#include "common/ui/style/colors.h"
+
 #include <QKeyEvent>
 
 namespace vantrel {
@@ -17,6 +19,26 @@ ZTEdit::ZTEdit(const QString& text, QWidget* parent)
 void ZTEdit::setObjectNames(const QString& base)
 {
     setObjectName(base);
+}
+
+bool ZTEdit::event(QEvent* event)
+{
+    const bool handled = QLineEdit::event(event);
+    if (event->type() == QEvent::PaletteChange || event->type() == QEvent::Polish)
+        colourPlaceholder();
+    return handled;
+}
+
+/// A style sheet gives it half of the text's colour, which is too little to be read.
+void ZTEdit::colourPlaceholder()
+{
+    const QColor wanted = colors::getColor(colors::Zt_white_70);
+    if (palette().color(QPalette::PlaceholderText) == wanted)
+        return;
+    QPalette readable = palette();
+    for (const auto group : {QPalette::Active, QPalette::Inactive, QPalette::Disabled})
+        readable.setColor(group, QPalette::PlaceholderText, wanted);
+    setPalette(readable);
 }
 
 void ZTEdit::focusInEvent(QFocusEvent* event)

@@ -19,10 +19,13 @@ public:
     virtual void setObjectNames(const QString& base);
 
 protected:
+    bool event(QEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
+    void colourPlaceholder();
+
     QString m_before;
     bool m_escapeClears = false;
 };

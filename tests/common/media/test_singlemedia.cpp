@@ -109,9 +109,10 @@ void TestSingleMedia::describesAFile_data()
     QTest::addColumn<QString>("pictures");
     QTest::addColumn<QString>("rest");
     const QString imported = QString::fromStdString(DateTime(1700000000).toString());
-    QTest::newRow("video") << videoJson << "1920 px|1080 px|16:15|29.97|H264 High|BT.709|yuv420p|1.00 MiB/s"
-                           << "5 MB|AAC LC, 48 kHz|2 channels|" + imported + "|--|Video";
-    QTest::newRow("still") << stillJson << "640 px|480 px|--|--|png|unknown|rgb24|--"
+    QTest::newRow("video")
+        << videoJson << "1920 px|1080 px|1.90:1 (pixels 16:15)|29.97|H264 High|BT.709|yuv420p|8.4 Mbit/s"
+        << "5.2 MB|AAC LC, 48 kHz|2 channels|" + imported + "|--|Video";
+    QTest::newRow("still") << stillJson << "640 px|480 px|4:3|--|png|unknown|rgb24|--"
                            << "0 B|--|--|--|--|Image";
     QTest::newRow("sound") << soundJson << "--|--|--|--|--|--|--|--"
                            << "0 B|PCM S16LE 44.1 kHz|1 channel|--|--|Audio";

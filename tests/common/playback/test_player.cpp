@@ -284,6 +284,24 @@ private Q_SLOTS:
         QVERIFY2(sent.startsWith(QStringLiteral("invoke")) && !sent.contains(u'\n'), qPrintable(sent));
     }
 
+    /// A server that tells of thousands of channels, by fault or malice, leaves a window that works.
+    void manyChannelsDoNotStopTheWindow()
+    {
+        QVERIFY(m_fixture->connect());
+        Patch patch;
+        for (int i = 1; i <= 10000; ++i) {
+            const std::string text = "[{\"op\":\"add\",\"path\":\"/device/channels/" + std::to_string(i) +
+                                     "\",\"value\":{\"type\":\"Channel\"}}]";
+            Patch one;
+            QVERIFY(Patch::parseString(text, one));
+            m_fixture->peer.send(one);
+        }
+        auto* tree = m_fixture->peer.session->objectTreeModel();
+        const auto rows = [&] { return tree->rowCount(tree->index(QStringLiteral("/device/channels"))); };
+        QTRY_COMPARE_WITH_TIMEOUT(rows(), 10001, 30000);
+        QCOMPARE(m_fixture->view->findChildren<ChannelWidget*>().size(), 8);
+    }
+
     /// While there is no server nothing can be set, and what was being done ends.
     void lostServerTakesTheControlsAway()
     {

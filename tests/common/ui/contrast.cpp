@@ -204,13 +204,19 @@ private:
             for (QAction* action : menu->actions())
                 lookAtText(menu, part(menu->actionGeometry(action)), action->text());
         }
-        if (const auto* meter = qobject_cast<LevelMeter*>(widget);
-            meter && meter->state() != LevelMeter::State::Blank)
-            lookAtTrack(widget, part(widget->rect()), Qt::Horizontal);
-        else if (qobject_cast<SeekSlider*>(widget) || qobject_cast<QProgressBar*>(widget))
-            lookAtTrack(widget, part(widget->rect()), Qt::Horizontal);
+        const QRect whole = widget->rect();
+        if (const auto* meter = qobject_cast<LevelMeter*>(widget); meter && meter->isMuted())
+            lookAtText(widget, part(whole), QStringLiteral("MUTED"));
+        else if (meter && meter->state() != LevelMeter::State::Blank)
+            lookAtTrack(widget, part(whole), Qt::Horizontal);
+        else if (qobject_cast<SeekSlider*>(widget))
+            lookAtTrack(widget, part(whole), Qt::Horizontal);
+        else if (qobject_cast<QProgressBar*>(widget))
+            lookAtTrack(widget, part(whole.adjusted(0, -2, 0, 2)), Qt::Horizontal);
+        else if (qobject_cast<VolumeFader*>(widget)) // its value stands beside the groove
+            lookAtTrack(widget, part(QRect(0, 0, whole.width() / 2, whole.height())), Qt::Horizontal);
         else if (const auto* slider = qobject_cast<QSlider*>(widget))
-            lookAtTrack(widget, part(widget->rect()), slider->orientation());
+            lookAtTrack(widget, part(whole), slider->orientation());
     }
 
     template <typename Part>

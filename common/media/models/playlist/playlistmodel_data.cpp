@@ -58,8 +58,9 @@ QVariant PlaylistModel::displayData(const GuiPlaylistEntry& entry, int column) c
         return entry.transitionDuration();
     case SizeColumn: {
         const qint64 size = getMediaSize(entry);
-        return size > 0 ? QLocale().formattedDataSize(size, 0, QLocale::DataSizeTraditionalFormat)
-                        : QStringLiteral("0 B");
+        return size > 0
+                   ? QLocale().formattedDataSize(size, size < 1'000'000 ? 0 : 1, QLocale::DataSizeSIFormat)
+                   : QStringLiteral("0 B");
     }
     default:
         return {};
