@@ -51,7 +51,11 @@ private Q_SLOTS:
 
 private:
     QJsonObject library();
-    QJsonObject list1() { return library()["playlists"]["1"].toObject(); }
+    QJsonObject list1()
+    {
+        const QJsonObject all = library();
+        return all["playlists"]["1"].toObject();
+    }
     QStringList addresses() { return list1()["entries"].toObject().keys(); }
     QString slotOf(const QString& address);
     QJsonObject cell(const QString& view, int row, int column);
