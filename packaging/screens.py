@@ -358,7 +358,6 @@ SCREENS = {
     "cue-list-large": lambda options: cue_list(options, "cue-list-large", text="large"),
     "cue-list-huge": lambda options: cue_list(options, "cue-list-huge", text="huge"),
     "cue-list-medium-1280x720": lambda options: cue_list(options, "cue-list-medium-1280x720", size=(1280, 720)),
-    "cue-list-huge-1280x720": lambda options: cue_list(options, "cue-list-huge-1280x720", **HUGE),
     "sound-alone": lambda options: waiting(options, 5, "sound-alone"),
     "unplayable": lambda options: waiting(options, 6, "unplayable"),
     "disconnect": disconnect,

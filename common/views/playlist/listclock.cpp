@@ -29,6 +29,7 @@ ListClock::ListClock(GUIPlayback* playback, AbstractPlaylistProvider* provider, 
     , m_provider(provider)
 {
     connect(playback, &GUIPlayback::mediaChanged, this, &ListClock::follow);
+    connect(playback, &SceneObjectWrapper::reset, this, &ListClock::follow);
     connect(playback, &GUIPlayback::stateChanged, this, &ListClock::tick);
     // Once for all that an edit changes.
     m_recalculate.setSingleShot(true);
