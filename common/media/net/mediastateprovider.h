@@ -20,8 +20,8 @@ class AbstractPlaylistProvider;
 class GUIPlayback;
 class GuiMediaSlot;
 
-/// Tells what a media item is doing: what the channels play, and of the rest whether it can be played. The session
-/// owns it; main thread only.
+/// Tells what a media item is doing: what the channels play, and of the rest whether it can be played. The
+/// session owns it; main thread only.
 class MediaStateProvider : public QObject
 {
     Q_OBJECT
