@@ -31,7 +31,7 @@ QByteArray libraryWithLists()
 {
     QByteArray entries;
     for (const char* address : {"1", "2", "3", "3.1"})
-        entries += QByteArray(entries.isEmpty() ? "" : ",") + '"' + address +
+        entries += QByteArray(entries.isEmpty() ? "" : ",") + "\"" + address +
                    R"(":{"slotUrl":"brume://collections/1/slots/1","endAction":"next",)"
                    R"("transitionType":"crossfade","transitionDuration":1.0})";
     return R"({"1":{"name":"Empty","entries":{}},"2":{"name":"Show","entries":{)" + entries + "}}}";
