@@ -1,5 +1,6 @@
 #include "common/session/settings/configuration.h"
 #include "common/session/settings/keymap.h"
+#include "common/session/settings/storedvalue.h"
 #include "common/ui/shell/mainnavigationbar.h"
 #include "common/ui/shell/mainwindow.h"
 #include "common/ui/style/stylesheet.h"
@@ -7,6 +8,7 @@
 #include "tests/common/ui/testsettings.h"
 #include "tests/support/testmain.h"
 
+#include <QScreen>
 #include <QTest>
 
 using namespace vantrel;
@@ -38,6 +40,24 @@ private Q_SLOTS:
         QTRY_COMPARE(again.size(), left);
         QCOMPARE(again.navigationBar()->activeTab(), 0);
         again.navigationBar()->setActiveTab(3);
+    }
+
+    void staysWhereItIsMoved()
+    {
+        test::allowWarnings(QStringLiteral("Failed due network error"));
+        test::ScriptedPeer peer;
+        MainWindow window(peer.session);
+        window.show();
+        const auto isKept = [&window] {
+            return storedValue(QStringLiteral("Window/Geometry")).toByteArray() == window.saveGeometry();
+        };
+        QTRY_VERIFY(isKept());
+        const QRect screen = window.screen()->availableGeometry();
+        QVERIFY(screen.contains(window.frameGeometry()));
+        const QPoint overTheEdge = screen.center();
+        window.move(overTheEdge);
+        QTRY_VERIFY(isKept());
+        QCOMPARE(window.pos(), overTheEdge);
     }
 
     void textNeverResizesIt()
