@@ -7,8 +7,6 @@
 #include <QScreen>
 #include <QWindow>
 
-#include <utility>
-
 namespace vantrel {
 
 namespace {
@@ -26,8 +24,7 @@ WindowMemory::WindowMemory(QMainWindow* window, QSize usual)
     m_rest.setSingleShot(true);
     m_rest.setInterval(restMs);
     connect(&m_rest, &QTimer::timeout, this, [this] {
-        if (!std::exchange(m_isFitted, true))
-            fit();
+        fit();
         save();
     });
     const QByteArray kept = storedValue(geometryKey).toByteArray();
