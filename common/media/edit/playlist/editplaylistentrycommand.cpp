@@ -9,7 +9,7 @@ namespace vantrel {
 bool EditPlaylistEntryCommand::init(const MediaLibrary* library, int playlist,
                                     const QList<EntryAddress>& addresses, const Change& change)
 {
-    return rehearse(library, tr("Edit playlist entries"), [=](MediaLibrary& copy) {
+    const bool isDone = rehearse(library, tr("Edit playlist entries"), [=](MediaLibrary& copy) {
         Playlist* list = findListOrWarn(copy, playlist);
         if (!list)
             return false;
@@ -23,11 +23,14 @@ bool EditPlaylistEntryCommand::init(const MediaLibrary* library, int playlist,
         }
         return true;
     });
+    if (!isDone && wasRehearsed())
+        tellEntriesGone(tr("Edit playlist entries"));
+    return isDone;
 }
 
 bool EditPlaylistEntryCommand::init(const MediaLibrary* library, const QList<EditEntryData>& entries)
 {
-    return rehearse(library, tr("Edit playlist entries"), [=](MediaLibrary& copy) {
+    const bool isDone = rehearse(library, tr("Edit playlist entries"), [=](MediaLibrary& copy) {
         for (const EditEntryData& data : entries) {
             Playlist* playlist = copy.findPlaylist(data.playlist);
             if (!playlist) {
@@ -41,6 +44,9 @@ bool EditPlaylistEntryCommand::init(const MediaLibrary* library, const QList<Edi
         }
         return true;
     });
+    if (!isDone && wasRehearsed())
+        tellEntriesGone(tr("Edit playlist entries"));
+    return isDone;
 }
 
 bool EditPlaylistEntryCommand::init(const MediaLibrary* library, int playlist, const EntryAddress& address,

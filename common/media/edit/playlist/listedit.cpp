@@ -1,7 +1,10 @@
 #include "common/media/edit/playlist/listedit.h"
 
 #include "common/command/commandlogging.h"
+#include "common/command/refusal.h"
 #include "tarn/media/medialibrary.h"
+
+#include <QObject>
 
 #include <iterator>
 #include <utility>
@@ -32,6 +35,13 @@ Playlist* findListOrWarn(MediaLibrary& library, int playlist, const char* warnin
     if (!list)
         qCWarning(lcCommand) << warning;
     return list;
+}
+
+void tellEntriesGone(const QString& command)
+{
+    tellNotDone(command,
+                QObject::tr("The entries are not at these places of the playlist any more, or an edit "
+                            "that is under way takes them away."));
 }
 
 PlaylistEntry newEntry(const QString& mediaUrl)

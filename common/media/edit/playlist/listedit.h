@@ -16,6 +16,9 @@ class PlaylistEntry;
 Playlist* findListOrWarn(MediaLibrary& library, int playlist,
                          const char* warning = "Unable to find playlist");
 
+/// Tells the operator why a command on entries does nothing.
+void tellEntriesGone(const QString& command);
+
 /// An entry as operators get it who add media: with a transition of a second.
 PlaylistEntry newEntry(const QString& mediaUrl);
 

@@ -9,7 +9,7 @@ namespace vantrel {
 bool RemovePlaylistEntryCommand::init(const MediaLibrary* library, int playlist,
                                       const QList<EntryAddress>& addresses)
 {
-    return rehearse(library, tr("Remove entries from playlist"), [=](MediaLibrary& copy) {
+    const bool isDone = rehearse(library, tr("Remove entries from playlist"), [=](MediaLibrary& copy) {
         Playlist* list = findListOrWarn(copy, playlist);
         if (!list)
             return false;
@@ -21,6 +21,9 @@ bool RemovePlaylistEntryCommand::init(const MediaLibrary* library, int playlist,
         }
         return true;
     });
+    if (!isDone && wasRehearsed())
+        tellEntriesGone(tr("Remove entries from playlist"));
+    return isDone;
 }
 
 } // namespace vantrel

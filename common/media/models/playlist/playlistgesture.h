@@ -1,3 +1,4 @@
+// How a gesture of PlaylistEditorModel becomes a command; for its own source files.
 #pragma once
 
 #include "common/command/commandgate.h"
