@@ -16,6 +16,8 @@ public:
 
     /// "-6 dB", or "Mute" at the lowest value.
     QString valueText() const;
+    /// Where the groove ends and the room for the value begins, in pixels from the left.
+    int grooveEnd() const;
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
 
@@ -27,7 +29,6 @@ protected:
 
 private:
     int textWidth() const;
-    int grooveEnd() const;
     int valueToX(int value) const;
     int xToValue(int x) const;
     void describe();

@@ -52,6 +52,7 @@ private:
     bool isChecked(const QString& name) { return m_robot.find(name)["checked"].toBool(); }
     bool setDuration(const QString& seconds);
     void checkUsable();
+    void resize(int width, int height);
 
     QTemporaryDir m_media;
     OmbraProcess m_ombra;
@@ -122,6 +123,12 @@ void LostServer::checkUsable()
     QVERIFY(shows(programName, Blue));
     QTRY_VERIFY(!isVisible(QStringLiteral("TakeProgressBar")));
     QVERIFY(cue(Red)); // what the next loss begins with
+}
+
+void LostServer::resize(int width, int height)
+{
+    m_robot.ask(
+        {{"operation", "resize"}, {"objectName", "MainWindow"}, {"width", width}, {"height", height}});
 }
 
 void LostServer::initTestCase()
@@ -231,14 +238,21 @@ void LostServer::withTakeHeld()
 
 void LostServer::withTheVolumeOpen()
 {
+    // Where there is no room for a fader, a button opens one.
     const QString popup = QStringLiteral("Preview-PlaybackWidget-Footer-VolumePopup");
-    QVERIFY(m_robot.click(QStringLiteral("Preview-PlaybackWidget-Footer-Volume")));
+    const QString button = QStringLiteral("Preview-PlaybackWidget-Footer-Volume");
+    const QJsonObject window = m_robot.find(QStringLiteral("MainWindow"));
+    resize(1280, 720);
+    QTRY_VERIFY(isVisible(button));
+    QVERIFY(m_robot.click(button));
     QVERIFY(!m_robot.waitFor(popup).isEmpty());
     QVERIFY(m_robot.mouseAt(QStringLiteral("drag_start"), popup + QStringLiteral("-Slider"), 0.5));
     QVERIFY(loseServer());
     QTRY_VERIFY2(!isVisible(popup), "a popup that nobody can use holds the mouse");
     QVERIFY(getServerBack());
     checkUsable();
+    resize(window["width"].toInt(), window["height"].toInt());
+    QTRY_VERIFY(!isVisible(button));
 }
 
 void LostServer::withAMenuOpen()

@@ -2,6 +2,7 @@
 
 #include "common/session/window/mainwindowhandle.h"
 #include "common/ui/clicktest/clicktestrequest.h"
+#include "common/ui/keyboard/pressguard.h"
 
 #include <QApplication>
 #include <QContextMenuEvent>
@@ -196,9 +197,18 @@ void scrollVertical(const ClickTestRequest& request, const QPoint& global)
     }
 }
 
-bool triggerShortcut(QWidget* widget, const Key& key)
+/// In milliseconds. A robot presses faster than any hand: each of its presses is one all the same, and not
+/// the bounce of the one before.
+quint64 strokeTime()
+{
+    static quint64 time = 0;
+    return time += 2 * static_cast<quint64>(PressGuard::bounce);
+}
+
+bool triggerShortcut(QWidget* widget, const Key& key, quint64 time)
 {
     QKeyEvent claim(QEvent::ShortcutOverride, key.key, key.modifiers, key.text);
+    claim.setTimestamp(time);
     claim.ignore();
     QCoreApplication::sendEvent(widget, &claim);
     if (claim.isAccepted())
@@ -256,13 +266,16 @@ void handleKeyPress(const QString& keyName)
 {
     const Key key = keyOf(keyName);
     const QPointer<QWidget> widget = keyTarget();
-    if (key.key == 0 || !widget || triggerShortcut(widget, key))
+    const quint64 time = strokeTime();
+    if (key.key == 0 || !widget || triggerShortcut(widget, key, time))
         return;
     QKeyEvent down(QEvent::KeyPress, key.key, key.modifiers, key.text);
+    down.setTimestamp(time);
     QCoreApplication::sendEvent(widget, &down);
     if (!widget)
         return;
     QKeyEvent up(QEvent::KeyRelease, key.key, key.modifiers, key.text);
+    up.setTimestamp(time);
     QCoreApplication::sendEvent(widget, &up);
 }
 

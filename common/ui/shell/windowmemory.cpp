@@ -7,6 +7,8 @@
 #include <QScreen>
 #include <QWindow>
 
+#include <utility>
+
 namespace vantrel {
 
 namespace {
@@ -24,7 +26,8 @@ WindowMemory::WindowMemory(QMainWindow* window, QSize usual)
     m_rest.setSingleShot(true);
     m_rest.setInterval(restMs);
     connect(&m_rest, &QTimer::timeout, this, [this] {
-        fit();
+        if (!std::exchange(m_isFitted, true))
+            fit();
         save();
     });
     const QByteArray kept = storedValue(geometryKey).toByteArray();

@@ -32,6 +32,7 @@ private:
     void fit();
 
     QMainWindow* m_window;
+    bool m_isFitted = false;
     QTimer m_rest; // until a drag of the frame is over
 };
 

@@ -213,8 +213,8 @@ private:
             lookAtTrack(widget, part(whole), Qt::Horizontal);
         else if (qobject_cast<QProgressBar*>(widget))
             lookAtTrack(widget, part(whole.adjusted(0, -2, 0, 2)), Qt::Horizontal);
-        else if (qobject_cast<VolumeFader*>(widget)) // its value stands beside the groove
-            lookAtTrack(widget, part(QRect(0, 0, whole.width() / 2, whole.height())), Qt::Horizontal);
+        else if (const auto* fader = qobject_cast<VolumeFader*>(widget)) // its value stands beside the groove
+            lookAtTrack(widget, part(QRect(0, 0, fader->grooveEnd(), whole.height())), Qt::Horizontal);
         else if (const auto* slider = qobject_cast<QSlider*>(widget))
             lookAtTrack(widget, part(whole), slider->orientation());
     }

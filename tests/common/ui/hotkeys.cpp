@@ -75,12 +75,12 @@ private Q_SLOTS:
         test::TestSettings settings;
         QWidget window;
         Hotkeys first(&window);
-        first.remap(QStringLiteral("redo"), QKeySequence(QStringLiteral("Ctrl+R")));
+        first.remap(QStringLiteral("redo"), QKeySequence(QStringLiteral("Ctrl+Y")));
         first.saveKeymap();
         settings.reopen();
         Hotkeys second(&window);
         QCOMPARE(second.loadKeymapFromConfiguration(), QString());
-        QCOMPARE(second.shortcut(QStringLiteral("redo"))->key(), QKeySequence(QStringLiteral("Ctrl+R")));
+        QCOMPARE(second.shortcut(QStringLiteral("redo"))->key(), QKeySequence(QStringLiteral("Ctrl+Y")));
         QCOMPARE(second.mapping(QStringLiteral("undo")), QKeySequence(QKeySequence::Undo));
     }
 
@@ -101,8 +101,9 @@ private Q_SLOTS:
                                      << QString();
         QTest::newRow("one that nothing answers to") << keys({{"save_as", f9}, {"take", f9}}) << QString();
         QTest::newRow("of an older version") << keys({{"take", QKeySequence(Qt::Key_F1)}}) << QString();
-        QTest::newRow("twice") << keys({{"take", f9}, {"cue", f9}})
-                               << "\"Take\" and \"Cue the slot on preview\" have the same stored key, F9.";
+        QTest::newRow("twice")
+            << keys({{"take", f9}, {"cue", f9}})
+            << "\"Take\" and \"Cue the slot or entry on preview\" have the same stored key, F9.";
         QTest::newRow("reserved") << keys({{"take", QKeySequence(Qt::Key_Escape)}})
                                   << "The stored key of \"Take\" is reserved.";
         QTest::newRow("a number") << keys({{"take", 12.5}}) << "The stored key of \"Take\" is none.";

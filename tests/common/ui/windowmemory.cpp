@@ -48,7 +48,7 @@ private Q_SLOTS:
         MainWindow window(peer.session);
         window.show();
         QVERIFY(QTest::qWaitForWindowExposed(&window));
-        for (const QSize size : {QSize(1600, 1000), QSize(960, 540)}) {
+        for (const QSize size : {QSize(800, 700), QSize(800, 560)}) {
             window.resize(size);
             QTRY_COMPARE(window.size(), size);
             for (const FontSize text : {FontSize::Huge, FontSize::Small, FontSize::Medium}) {
