@@ -18,7 +18,9 @@
 #include <QShortcut>
 #include <QWheelEvent>
 #include <QWidget>
+#include <QWindow>
 
+#include <algorithm>
 #include <functional>
 
 namespace vantrel::clicktest {
@@ -130,9 +132,26 @@ Qt::KeyboardModifiers modifiersOf(const ClickTestRequest& request)
     return request.keyName == QLatin1String("Shift") ? Qt::ShiftModifier : Qt::NoModifier;
 }
 
+/// A drag takes the mouse from the widgets: it follows what comes to windows, and shows its picture in one of
+/// its own.
+bool isDragGoingOn()
+{
+    return std::ranges::any_of(QGuiApplication::topLevelWindows(), [](const QWindow* window) {
+        return window->isVisible() && window->inherits("QShapedPixmapWindow");
+    });
+}
+
 void sendMouse(const ClickTestRequest& request, const QPoint& global, QEvent::Type type,
                Qt::MouseButton button, Qt::MouseButtons held)
 {
+    QWidget* main = mainWindowWidget();
+    if (main && main->windowHandle() && isDragGoingOn()) {
+        QMouseEvent event(type, main->mapFromGlobal(QPointF(global)), QPointF(global), button, held,
+                          modifiersOf(request), QPointingDevice::primaryPointingDevice());
+        QCursor::setPos(global);
+        QCoreApplication::sendEvent(main->windowHandle(), &event);
+        return;
+    }
     const Target target = targetAt(request, global);
     if (!target.object)
         return;

@@ -514,6 +514,12 @@ bool PlaylistEditorHeader::eventFilter(QObject* watched, QEvent* event)
     }
     if (watched == m_dropdown && (type == QEvent::Resize || type == QEvent::Move))
         placeNameField();
+    if (watched == m_nameField && type == QEvent::FocusOut) {
+        // The field itself tells of it only when something was typed.
+        const auto reason = static_cast<const QFocusEvent*>(event)->reason();
+        if (reason != Qt::ActiveWindowFocusReason && reason != Qt::PopupFocusReason)
+            QMetaObject::invokeMethod(this, &PlaylistEditorHeader::endNameEditing, Qt::QueuedConnection);
+    }
     if (watched == m_nameField && (type == QEvent::ShortcutOverride || type == QEvent::KeyPress) &&
         static_cast<const QKeyEvent*>(event)->key() == Qt::Key_Escape) {
         event->accept();

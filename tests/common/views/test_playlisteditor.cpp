@@ -94,6 +94,7 @@ private:
     {
         return m_editor->findChild<T*>(QLatin1String(name));
     }
+    static void drop(PlaylistEditor* editor, QMimeData* data, const QPoint& at);
     void drop(QMimeData* data, const QPoint& viewportPosition);
 
     std::unique_ptr<PlayerFixture> m_fixture;
@@ -109,7 +110,7 @@ void TestPlaylistEditor::menuOffersWhatIsPossible_data()
     QTest::newRow("empty list") << 1 << QList<int>{} << "N";
     QTest::newRow("nothing selected") << 2 << QList<int>{} << "NC";
     QTest::newRow("first") << 2 << QList<int>{0} << "PRDENC";
-    QTest::newRow("second") << 2 << QList<int>{1} << "PRUDENC";
+    QTest::newRow("second, without room below") << 2 << QList<int>{1} << "PRUENC";
     QTest::newRow("last") << 2 << QList<int>{3} << "PRUENC";
     QTest::newRow("two") << 2 << QList<int>{1, 2} << "RUDENC";
     QTest::newRow("first and last") << 2 << QList<int>{0, 3} << "RENC";
@@ -243,7 +244,7 @@ void TestPlaylistEditor::keysEdit()
     QFETCH(Qt::KeyboardModifiers, modifiers);
     QFETCH(QString, opens);
     QFETCH(bool, edits);
-    select({1});
+    select({2});
     QTest::keyClick(m_view, Qt::Key(key), modifiers);
     if (!opens.isEmpty())
         QVERIFY(m_editor->findChild<QWidget*>(opens));
@@ -323,25 +324,26 @@ void TestPlaylistEditor::listsStartOnProgramWithTheirFirst()
     m_fixture->takeSent();
     const uint before = program->model()->playlistNumber();
     const QJsonObject show{{"name", "Show"}, {"number", 2}, {"entryCount", 4}, {"duration", 2}};
-    const std::unique_ptr<QMimeData> data(
-        createMimeData({show}, MimeItemCategory::Playlist, MediaItemType::Playlist));
-    QDropEvent event(QPointF(5, 5), Qt::CopyAction, data.get(), Qt::LeftButton, Qt::NoModifier);
-    QCoreApplication::sendEvent(program, &event);
+    drop(program, createMimeData({show}, MimeItemCategory::Playlist, MediaItemType::Playlist), {5, 5});
     QVERIFY(m_fixture->waitForSent().contains(QStringLiteral("playlists/2/entries/1\"")));
     QCOMPARE(program->model()->playlistNumber(), before);
 }
 
-/// Drags the data over the view to a point and drops it there.
-void TestPlaylistEditor::drop(QMimeData* data, const QPoint& viewportPosition)
+/// Drags the data over the editor to a point and drops it there.
+void TestPlaylistEditor::drop(PlaylistEditor* editor, QMimeData* data, const QPoint& at)
 {
     const std::unique_ptr<QMimeData> owned(data);
-    const QPoint at = m_view->viewport()->mapTo(m_editor, viewportPosition);
     QDragEnterEvent enter(at, Qt::CopyAction, data, Qt::LeftButton, Qt::NoModifier);
-    QCoreApplication::sendEvent(m_editor, &enter);
+    QCoreApplication::sendEvent(editor, &enter);
     QDragMoveEvent move(at, Qt::CopyAction, data, Qt::LeftButton, Qt::NoModifier);
-    QCoreApplication::sendEvent(m_editor, &move);
+    QCoreApplication::sendEvent(editor, &move);
     QDropEvent event(at, Qt::CopyAction, data, Qt::LeftButton, Qt::NoModifier);
-    QCoreApplication::sendEvent(m_editor, &event);
+    QCoreApplication::sendEvent(editor, &event);
+}
+
+void TestPlaylistEditor::drop(QMimeData* data, const QPoint& viewportPosition)
+{
+    drop(m_editor, data, m_view->viewport()->mapTo(m_editor, viewportPosition));
 }
 
 void TestPlaylistEditor::lyingDropsChangeNothing()
