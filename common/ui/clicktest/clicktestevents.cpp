@@ -1,6 +1,7 @@
 #include "common/ui/clicktest/clicktestevents.h"
 
 #include "common/session/window/mainwindowhandle.h"
+#include "common/ui/clicktest/clicktestdrag.h"
 #include "common/ui/clicktest/clicktestrequest.h"
 #include "common/ui/keyboard/pressguard.h"
 
@@ -18,9 +19,7 @@
 #include <QShortcut>
 #include <QWheelEvent>
 #include <QWidget>
-#include <QWindow>
 
-#include <algorithm>
 #include <functional>
 
 namespace vantrel::clicktest {
@@ -132,26 +131,9 @@ Qt::KeyboardModifiers modifiersOf(const ClickTestRequest& request)
     return request.keyName == QLatin1String("Shift") ? Qt::ShiftModifier : Qt::NoModifier;
 }
 
-/// A drag takes the mouse from the widgets: it follows what comes to windows, and shows its picture in one of
-/// its own.
-bool isDragGoingOn()
-{
-    return std::ranges::any_of(QGuiApplication::topLevelWindows(), [](const QWindow* window) {
-        return window->isVisible() && window->inherits("QShapedPixmapWindow");
-    });
-}
-
 void sendMouse(const ClickTestRequest& request, const QPoint& global, QEvent::Type type,
                Qt::MouseButton button, Qt::MouseButtons held)
 {
-    QWidget* main = mainWindowWidget();
-    if (main && main->windowHandle() && isDragGoingOn()) {
-        QMouseEvent event(type, main->mapFromGlobal(QPointF(global)), QPointF(global), button, held,
-                          modifiersOf(request), QPointingDevice::primaryPointingDevice());
-        QCursor::setPos(global);
-        QCoreApplication::sendEvent(main->windowHandle(), &event);
-        return;
-    }
     const Target target = targetAt(request, global);
     if (!target.object)
         return;
@@ -194,6 +176,31 @@ void doubleClick(const ClickTestRequest& request, const QPoint& global)
     click(request, global, Qt::LeftButton);
     sendMouse(request, global, QEvent::MouseButtonDblClick, Qt::LeftButton, Qt::LeftButton);
     release(request, global, Qt::LeftButton);
+}
+
+ClickTestDrag& drag()
+{
+    static ClickTestDrag drag;
+    return drag;
+}
+
+void dragMove(const ClickTestRequest& request, const QPoint& global)
+{
+    if (drag().isGoingOn()) {
+        QCursor::setPos(global);
+        drag().move(reachableAt(global), global);
+        return;
+    }
+    sendMouse(request, global, QEvent::MouseMove, Qt::NoButton, Qt::LeftButton);
+    drag().takeOver();
+}
+
+void dragEnd(const ClickTestRequest& request, const QPoint& global)
+{
+    if (drag().isGoingOn())
+        drag().end(reachableAt(global), global);
+    else
+        release(request, global, Qt::LeftButton);
 }
 
 void contextMenu(const ClickTestRequest& request, const QPoint& global)
@@ -258,9 +265,8 @@ void handleMouse(const ClickTestRequest& request, const QPoint& global)
         {QStringLiteral("move_to"),
          [](auto& r, auto& g) { sendMouse(r, g, QEvent::MouseMove, Qt::NoButton, Qt::NoButton); }},
         {QStringLiteral("drag_start"), [](auto& r, auto& g) { press(r, g, Qt::LeftButton); }},
-        {QStringLiteral("drag_move"),
-         [](auto& r, auto& g) { sendMouse(r, g, QEvent::MouseMove, Qt::NoButton, Qt::LeftButton); }},
-        {QStringLiteral("drag_end"), [](auto& r, auto& g) { release(r, g, Qt::LeftButton); }},
+        {QStringLiteral("drag_move"), dragMove},
+        {QStringLiteral("drag_end"), dragEnd},
         {QStringLiteral("scroll_vertical"), scrollVertical},
     };
     if (const auto found = handlers.constFind(request.operation); found != handlers.cend())
