@@ -131,8 +131,8 @@ Qt::KeyboardModifiers modifiersOf(const ClickTestRequest& request)
     return request.keyName == QLatin1String("Shift") ? Qt::ShiftModifier : Qt::NoModifier;
 }
 
-void sendMouse(const ClickTestRequest& request, const QPoint& global, QEvent::Type type,
-               Qt::MouseButton button, Qt::MouseButtons held)
+void deliverMouse(const ClickTestRequest& request, const QPoint& global, QEvent::Type type,
+                  Qt::MouseButton button, Qt::MouseButtons held)
 {
     const Target target = targetAt(request, global);
     if (!target.object)
@@ -140,6 +140,12 @@ void sendMouse(const ClickTestRequest& request, const QPoint& global, QEvent::Ty
     QMouseEvent event(type, target.local, QPointF(global), button, held, modifiersOf(request),
                       QPointingDevice::primaryPointingDevice());
     QCoreApplication::sendEvent(target.object, &event);
+}
+
+void sendMouse(const ClickTestRequest& request, const QPoint& global, QEvent::Type type,
+               Qt::MouseButton button, Qt::MouseButtons held)
+{
+    deliverMouse(request, global, type, button, held);
     QCursor::setPos(global);
 }
 
@@ -191,8 +197,13 @@ void dragMove(const ClickTestRequest& request, const QPoint& global)
         drag().move(reachableAt(global), global);
         return;
     }
-    sendMouse(request, global, QEvent::MouseMove, Qt::NoButton, Qt::LeftButton);
-    drag().takeOver();
+    // Views begin a drag with the second move of a mouse. The cursor comes last: its own event has no button
+    // held, and would begin a drag that nobody leads.
+    for (int i = 0; i < 2 && !drag().isGoingOn(); ++i) {
+        deliverMouse(request, global, QEvent::MouseMove, Qt::NoButton, Qt::LeftButton);
+        drag().takeOver();
+    }
+    QCursor::setPos(global);
 }
 
 void dragEnd(const ClickTestRequest& request, const QPoint& global)
