@@ -242,7 +242,7 @@ void LostServer::withTheVolumeOpen()
     const QString popup = QStringLiteral("Preview-PlaybackWidget-Footer-VolumePopup");
     const QString button = QStringLiteral("Preview-PlaybackWidget-Footer-Volume");
     const QJsonObject window = m_robot.find(QStringLiteral("MainWindow"));
-    resize(1280, 720);
+    resize(1100, 720);
     QTRY_VERIFY(isVisible(button));
     QVERIFY(m_robot.click(button));
     QVERIFY(!m_robot.waitFor(popup).isEmpty());

@@ -1,5 +1,7 @@
 #include "tests/support/appprocess.h"
 
+#include "tests/support/offscreendesk.h"
+
 #include <QFile>
 #include <QRegularExpression>
 #include <QTest>
@@ -30,7 +32,7 @@ bool AppProcess::start(const QStringList& arguments)
     environment.insert(QStringLiteral("XDG_CONFIG_HOME"), m_home.filePath(QStringLiteral("config")));
     environment.insert(QStringLiteral("XDG_DATA_HOME"), m_home.filePath(QStringLiteral("data")));
     if (qEnvironmentVariable("QT_QPA_PLATFORM") != QLatin1String("xcb"))
-        environment.insert(QStringLiteral("QT_QPA_PLATFORM"), offscreenPlatform());
+        environment.insert(QStringLiteral("QT_QPA_PLATFORM"), offscreenDesk(m_home.path()));
     m_process.setProcessEnvironment(environment);
     // Into a file: a pipe that nobody empties would hold the application up at its next line of log.
     m_process.setProcessChannelMode(QProcess::MergedChannels);
@@ -48,18 +50,6 @@ bool AppProcess::start(const QStringList& arguments)
             return m_port != 0;
         },
         20000);
-}
-
-/// Without a display: a screen that holds the whole window, since outside of it no mouse finds a widget.
-QString AppProcess::offscreenPlatform() const
-{
-    QFile screens(m_home.filePath(QStringLiteral("screens.json")));
-    if (!screens.open(QIODevice::WriteOnly))
-        return QStringLiteral("offscreen");
-    screens.write(
-        "{\"screens\": [{\"name\": \"desk\", \"x\": 0, \"y\": 0, \"width\": 1920, \"height\": 1200, "
-        "\"dpr\": 1, \"logicalDpi\": 96, \"logicalBaseDpi\": 96}]}");
-    return QStringLiteral("offscreen:configfile=") + screens.fileName();
 }
 
 QString AppProcess::settingsFile() const

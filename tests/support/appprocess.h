@@ -34,7 +34,6 @@ public:
 
 private:
     QString outputFile() const;
-    QString offscreenPlatform() const;
 
     QProcess m_process;
     QTemporaryDir m_home;

@@ -1,9 +1,12 @@
 #include "tests/support/testmain.h"
 
+#include "tests/support/offscreendesk.h"
+
 #include <QApplication>
 #include <QMutex>
 #include <QStandardPaths>
 #include <QStringList>
+#include <QTemporaryDir>
 #include <QTest>
 
 #include <memory>
@@ -96,6 +99,9 @@ int main(int argc, char** argv)
 {
     using namespace vantrel::test;
     QStandardPaths::setTestModeEnabled(true);
+    const QTemporaryDir desk;
+    if (qgetenv("QT_QPA_PLATFORM") == "offscreen")
+        qputenv("QT_QPA_PLATFORM", offscreenDesk(desk.path()).toLocal8Bit());
     QApplication app(argc, argv);
     QCoreApplication::setOrganizationName(QStringLiteral("HalcyraTest"));
     QCoreApplication::setApplicationName(QStringLiteral("test-%1").arg(QCoreApplication::applicationPid()));

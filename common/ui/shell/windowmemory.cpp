@@ -7,8 +7,6 @@
 #include <QScreen>
 #include <QWindow>
 
-#include <utility>
-
 namespace vantrel {
 
 namespace {
@@ -26,8 +24,7 @@ WindowMemory::WindowMemory(QMainWindow* window, QSize usual)
     m_rest.setSingleShot(true);
     m_rest.setInterval(restMs);
     connect(&m_rest, &QTimer::timeout, this, [this] {
-        if (!std::exchange(m_isFitted, true))
-            fit();
+        fit();
         save();
     });
     const QByteArray kept = storedValue(geometryKey).toByteArray();
@@ -51,15 +48,19 @@ void WindowMemory::keepTab(int tab)
     storeValue(tabKey, tab);
 }
 
-/// What the window manager puts around the window is known only once it stands.
+/// What the window manager puts around the window is known only once it stands. Later the operator may have
+/// it over two screens, or half out of one.
 void WindowMemory::fit()
 {
-    if (!m_window->isVisible() || m_window->isMaximized() || m_window->isFullScreen())
+    if (!m_mustFit || !m_window->isVisible() || m_window->isMaximized() || m_window->isFullScreen())
         return;
     const QMargins frame = m_window->windowHandle()->frameMargins();
     const QRect room = m_window->screen()->availableGeometry().marginsRemoved(frame);
     const QRect inner = m_window->geometry();
-    if (frame.isNull() || room.contains(inner))
+    if (frame.isNull())
+        return;
+    m_mustFit = false;
+    if (room.contains(inner))
         return;
     QRect fitting(inner.topLeft(), inner.size().boundedTo(room.size()));
     fitting.moveLeft(qBound(room.left(), fitting.left(), room.right() + 1 - fitting.width()));
@@ -77,9 +78,11 @@ bool WindowMemory::eventFilter(QObject* watched, QEvent* event)
 {
     switch (event->type()) {
     case QEvent::Show:
+    case QEvent::WindowStateChange:
+        m_mustFit = true;
+        [[fallthrough]];
     case QEvent::Resize:
     case QEvent::Move:
-    case QEvent::WindowStateChange:
         m_rest.start();
         break;
     case QEvent::Close:

@@ -8,8 +8,8 @@ class QMainWindow;
 namespace vantrel {
 
 /// Keeps in the settings how the operator left the window: its size and place, whole screen or not. Brings it
-/// back at the next start, and keeps the whole of it, frame included, on the screen. Owned by the window;
-/// main thread.
+/// back at the next start, the whole of it, frame included, on the screen; where the operator moves it from
+/// there, it stays. Owned by the window; main thread.
 class WindowMemory : public QObject
 {
     Q_OBJECT
@@ -32,8 +32,8 @@ private:
     void fit();
 
     QMainWindow* m_window;
-    bool m_isFitted = false;
-    QTimer m_rest; // until a drag of the frame is over
+    QTimer m_rest;         // until a drag of the frame is over
+    bool m_mustFit = true; // since it was shown
 };
 
 } // namespace vantrel

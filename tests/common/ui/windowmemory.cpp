@@ -1,5 +1,6 @@
 #include "common/session/settings/configuration.h"
 #include "common/session/settings/keymap.h"
+#include "common/session/settings/storedvalue.h"
 #include "common/ui/shell/mainnavigationbar.h"
 #include "common/ui/shell/mainwindow.h"
 #include "common/ui/style/stylesheet.h"
@@ -7,6 +8,7 @@
 #include "tests/common/ui/testsettings.h"
 #include "tests/support/testmain.h"
 
+#include <QScreen>
 #include <QTest>
 
 using namespace vantrel;
@@ -40,6 +42,24 @@ private Q_SLOTS:
         again.navigationBar()->setActiveTab(3);
     }
 
+    void staysWhereItIsMoved()
+    {
+        test::allowWarnings(QStringLiteral("Failed due network error"));
+        test::ScriptedPeer peer;
+        MainWindow window(peer.session);
+        window.show();
+        const auto isKept = [&window] {
+            return storedValue(QStringLiteral("Window/Geometry")).toByteArray() == window.saveGeometry();
+        };
+        QTRY_VERIFY(isKept());
+        const QRect screen = window.screen()->availableGeometry();
+        QVERIFY(screen.contains(window.frameGeometry()));
+        const QPoint overTheEdge = screen.center();
+        window.move(overTheEdge);
+        QTRY_VERIFY(isKept());
+        QCOMPARE(window.pos(), overTheEdge);
+    }
+
     void textNeverResizesIt()
     {
         test::allowWarnings(QStringLiteral("Failed due network error"));
@@ -48,7 +68,7 @@ private Q_SLOTS:
         MainWindow window(peer.session);
         window.show();
         QVERIFY(QTest::qWaitForWindowExposed(&window));
-        for (const QSize size : {QSize(800, 700), QSize(800, 560)}) {
+        for (const QSize size : {QSize(1600, 1000), QSize(960, 540)}) {
             window.resize(size);
             QTRY_COMPARE(window.size(), size);
             for (const FontSize text : {FontSize::Huge, FontSize::Small, FontSize::Medium}) {
