@@ -87,6 +87,7 @@ void AbstractDiffApiCommand::handleAnswer(EditDirection direction, const DiffApi
     else if (answer.statusCode != 0)
         QUndoCommand::redo(); // children run after a confirmed undo too; the diff commands have none
     direction == EditDirection::Redo ? redoResult(answer) : undoResult(answer);
+    Q_EMIT answered(direction, answer.success);
 }
 
 void AbstractDiffApiCommand::redoResult(DiffApiError result)

@@ -28,6 +28,10 @@ public:
     void redo() override;
     void undo() override;
 
+Q_SIGNALS:
+    /// The last word on a redo or an undo: whether it was done.
+    void answered(vantrel::EditDirection direction, bool isDone);
+
 protected:
     virtual void redoResult(DiffApiError result);
     virtual void undoResult(DiffApiError result);

@@ -1,6 +1,7 @@
 #include "common/ui/clicktest/clicktestevents.h"
 
 #include "common/session/window/mainwindowhandle.h"
+#include "common/ui/clicktest/clicktestdrag.h"
 #include "common/ui/clicktest/clicktestrequest.h"
 #include "common/ui/keyboard/pressguard.h"
 
@@ -130,8 +131,8 @@ Qt::KeyboardModifiers modifiersOf(const ClickTestRequest& request)
     return request.keyName == QLatin1String("Shift") ? Qt::ShiftModifier : Qt::NoModifier;
 }
 
-void sendMouse(const ClickTestRequest& request, const QPoint& global, QEvent::Type type,
-               Qt::MouseButton button, Qt::MouseButtons held)
+void deliverMouse(const ClickTestRequest& request, const QPoint& global, QEvent::Type type,
+                  Qt::MouseButton button, Qt::MouseButtons held)
 {
     const Target target = targetAt(request, global);
     if (!target.object)
@@ -139,6 +140,12 @@ void sendMouse(const ClickTestRequest& request, const QPoint& global, QEvent::Ty
     QMouseEvent event(type, target.local, QPointF(global), button, held, modifiersOf(request),
                       QPointingDevice::primaryPointingDevice());
     QCoreApplication::sendEvent(target.object, &event);
+}
+
+void sendMouse(const ClickTestRequest& request, const QPoint& global, QEvent::Type type,
+               Qt::MouseButton button, Qt::MouseButtons held)
+{
+    deliverMouse(request, global, type, button, held);
     QCursor::setPos(global);
 }
 
@@ -175,6 +182,36 @@ void doubleClick(const ClickTestRequest& request, const QPoint& global)
     click(request, global, Qt::LeftButton);
     sendMouse(request, global, QEvent::MouseButtonDblClick, Qt::LeftButton, Qt::LeftButton);
     release(request, global, Qt::LeftButton);
+}
+
+ClickTestDrag& drag()
+{
+    static ClickTestDrag drag;
+    return drag;
+}
+
+void dragMove(const ClickTestRequest& request, const QPoint& global)
+{
+    if (drag().isGoingOn()) {
+        QCursor::setPos(global);
+        drag().move(reachableAt(global), global);
+        return;
+    }
+    // Views begin a drag with the second move of a mouse. The cursor comes last: its own event has no button
+    // held, and would begin a drag that nobody leads.
+    for (int i = 0; i < 2 && !drag().isGoingOn(); ++i) {
+        deliverMouse(request, global, QEvent::MouseMove, Qt::NoButton, Qt::LeftButton);
+        drag().takeOver();
+    }
+    QCursor::setPos(global);
+}
+
+void dragEnd(const ClickTestRequest& request, const QPoint& global)
+{
+    if (drag().isGoingOn())
+        drag().end(reachableAt(global), global);
+    else
+        release(request, global, Qt::LeftButton);
 }
 
 void contextMenu(const ClickTestRequest& request, const QPoint& global)
@@ -239,9 +276,8 @@ void handleMouse(const ClickTestRequest& request, const QPoint& global)
         {QStringLiteral("move_to"),
          [](auto& r, auto& g) { sendMouse(r, g, QEvent::MouseMove, Qt::NoButton, Qt::NoButton); }},
         {QStringLiteral("drag_start"), [](auto& r, auto& g) { press(r, g, Qt::LeftButton); }},
-        {QStringLiteral("drag_move"),
-         [](auto& r, auto& g) { sendMouse(r, g, QEvent::MouseMove, Qt::NoButton, Qt::LeftButton); }},
-        {QStringLiteral("drag_end"), [](auto& r, auto& g) { release(r, g, Qt::LeftButton); }},
+        {QStringLiteral("drag_move"), dragMove},
+        {QStringLiteral("drag_end"), dragEnd},
         {QStringLiteral("scroll_vertical"), scrollVertical},
     };
     if (const auto found = handlers.constFind(request.operation); found != handlers.cend())

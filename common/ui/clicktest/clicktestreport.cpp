@@ -55,7 +55,9 @@ QJsonObject getWidgetBasics(const QWidget* widget)
     json.insert(QLatin1String("parentClassName"), className(widget->parent()));
     addGeometry(json, QRect(widget->mapToGlobal(QPoint(0, 0)), widget->size()), widget->rect().center());
     json.insert(QLatin1String("visible"), widget->isVisible());
-    json.insert(QLatin1String("focus"), widget->hasFocus());
+    // Where no window manager makes a window active, what its keys go to all the same.
+    const bool isNext = !QApplication::activeWindow() && widget->window()->focusWidget() == widget;
+    json.insert(QLatin1String("focus"), widget->hasFocus() || isNext);
     json.insert(QLatin1String("enabled"), widget->isEnabled());
     json.insert(QLatin1String("toolTip"), widget->toolTip());
     const QList<QByteArray> names = widget->dynamicPropertyNames();

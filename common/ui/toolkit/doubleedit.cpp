@@ -105,7 +105,7 @@ void DoubleEdit::startTyping()
     setCursor(Qt::IBeamCursor);
 }
 
-void DoubleEdit::commitTyping()
+void DoubleEdit::commit()
 {
     if (!m_typing)
         return;
@@ -114,7 +114,8 @@ void DoubleEdit::commitTyping()
     QString typed = text().trimmed();
     if (!m_unit.isEmpty() && typed.endsWith(m_unit))
         typed.chop(m_unit.size());
-    if (const auto number = parsed(typed.trimmed()))
+    const bool isShown = typed == locale().toString(m_value, 'f', m_decimals);
+    if (const auto number = isShown ? std::nullopt : parsed(typed.trimmed()))
         edit(rounded(*number, m_decimals));
     showValue();
 }
@@ -140,7 +141,7 @@ void DoubleEdit::focusInEvent(QFocusEvent* event)
 
 void DoubleEdit::focusOutEvent(QFocusEvent* event)
 {
-    commitTyping();
+    commit();
     ZTEdit::focusOutEvent(event);
     deselect();
 }
@@ -153,7 +154,7 @@ void DoubleEdit::keyPressEvent(QKeyEvent* event)
     case Qt::Key_Up:
     case Qt::Key_Down:
         if (!isReadOnly()) {
-            commitTyping();
+            commit();
             const double direction = event->key() == Qt::Key_Up ? 1.0 : -1.0;
             edit(rounded(m_value + direction * steps * m_step, m_decimals));
             startTyping();
@@ -161,7 +162,7 @@ void DoubleEdit::keyPressEvent(QKeyEvent* event)
         return;
     case Qt::Key_Return:
     case Qt::Key_Enter:
-        commitTyping();
+        commit();
         ZTEdit::keyPressEvent(event);
         if (hasFocus()) // who listens may have taken it
             startTyping();
@@ -224,7 +225,7 @@ void DoubleEdit::mouseReleaseEvent(QMouseEvent* event)
 void DoubleEdit::wheelEvent(QWheelEvent* event)
 {
     if (hasFocus() && !isReadOnly() && event->angleDelta().y() != 0) {
-        commitTyping();
+        commit();
         edit(rounded(m_value + (event->angleDelta().y() > 0 ? m_step : -m_step), m_decimals));
         startTyping();
         return;

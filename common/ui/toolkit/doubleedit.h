@@ -36,6 +36,9 @@ public:
 public Q_SLOTS:
     /// Limits to the range; a value that is no number is ignored.
     void setValue(double value);
+    /// Takes what is typed, as when the focus leaves. Text that stands as it was shown changes nothing, not
+    /// even the decimals that it does not show.
+    void commit();
 
 Q_SIGNALS:
     /// Any change of the value.
@@ -55,7 +58,6 @@ protected:
 
 private:
     void startTyping();
-    void commitTyping();
     void showValue();
     std::optional<double> parsed(const QString& text) const;
     void edit(double value);

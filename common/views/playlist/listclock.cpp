@@ -3,6 +3,7 @@
 #include "common/media/address/mediautils.h"
 #include "common/media/items/abstractplaylistprovider.h"
 #include "common/media/items/guimediaslot.h"
+#include "common/media/items/guiplaylist.h"
 #include "common/media/items/guiplaylistentry.h"
 #include "common/session/mirror/guiplayback.h"
 #include "common/session/settings/timeutils.h"
@@ -68,9 +69,10 @@ void ListClock::recalculate()
 {
     m_recalculate.stop();
     m_zero = {};
-    m_rundown = m_playlist > 0 ? Rundown(m_provider->entries(m_playlist), m_playing,
-                                         [this](const GuiPlaylistEntry& entry) { return lengthOf(entry); })
-                               : Rundown();
+    const bool isKnown = m_playlist > 0 && m_provider->playlist(m_playlist); // it may not be read yet
+    m_rundown = isKnown ? Rundown(m_provider->entries(m_playlist), m_playing,
+                                  [this](const GuiPlaylistEntry& entry) { return lengthOf(entry); })
+                        : Rundown();
     if (m_playlist > 0)
         m_tick.start();
     else
@@ -132,6 +134,9 @@ QString ListClock::text() const
     const Kind kind = m_rundown.kind();
     if (kind == Kind::None)
         return {};
+    if (kind == Kind::Removed)
+        return tr("%1 was removed and plays to its end")
+            .arg(QString::fromStdString(m_playing.toString(false)));
     const bool isNow = m_rundown.last() == m_playing;
     const QString entry = QString::fromStdString(m_rundown.last().toString(false));
     if (kind == Kind::Endless && isNow)

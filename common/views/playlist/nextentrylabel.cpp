@@ -21,9 +21,12 @@ NextEntryLabel::NextEntryLabel(Session* session, QWidget* parent)
 
 void NextEntryLabel::refresh()
 {
-    setVisible(m_clock->playlist() > 0);
+    setVisible(m_clock->rundown().kind() != Rundown::Kind::None);
     const QString next = m_clock->nextName();
-    setText(next.isEmpty() ? tr("Last entry of the playlist") : tr("Next: %1").arg(next));
+    QString text = next.isEmpty() ? tr("Last entry of the playlist") : tr("Next: %1").arg(next);
+    if (m_clock->rundown().kind() == Rundown::Kind::Removed)
+        text = tr("%1 was removed. %2").arg(QString::fromStdString(m_clock->playing().toString(false)), text);
+    setText(text);
 }
 
 } // namespace vantrel

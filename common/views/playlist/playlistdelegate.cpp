@@ -25,6 +25,9 @@ using media::MediaUtils;
 
 namespace {
 
+constexpr auto chosenProperty = "isChosen"; // of a drop-down: by the operator
+constexpr auto givenProperty = "given";     // of a field: what it showed at first
+
 constexpr int margin = 6;  // left and right of a cell's text
 constexpr int padding = 4; // above and below it
 constexpr double longestTransition = 10.0;
@@ -347,6 +350,9 @@ void PlaylistDelegate::paintLast(const Cell& cell) const
     }
     if (!m_clock || m_clock->playlist() != cell.model->playlistNumber())
         return;
+    // While nothing runs no end stands: it would creep on with the clock.
+    if (!m_clock->isRunning())
+        return;
     if (const auto end = m_clock->endOf(cell.address))
         paintText(cell, ListClock::clockText(*end), Qt::AlignRight, !cell.isBright());
 }
@@ -359,7 +365,10 @@ QWidget* PlaylistDelegate::createEditor(QWidget* parent, const QStyleOptionViewI
         return nullptr;
     auto* self = const_cast<PlaylistDelegate*>(this);
     const auto makeMenu = [self](ZTDropdownMenu* menu) {
-        connect(menu, &ZTDropdownMenu::chosen, self, [self, menu] { self->finishEditing(menu); });
+        connect(menu, &ZTDropdownMenu::chosen, self, [self, menu] {
+            menu->setProperty(chosenProperty, true);
+            self->finishEditing(menu);
+        });
         connect(menu, &ZTDropdownMenu::cancelled, self,
                 [self, menu] { Q_EMIT self->closeEditor(menu, NoHint); });
         QMetaObject::invokeMethod(menu, &QComboBox::showPopup, Qt::QueuedConnection);
@@ -400,19 +409,29 @@ void PlaylistDelegate::setEditorData(QWidget* editor, const QModelIndex& index) 
         action->setAction(entry->endAction());
     else if (auto* type = qobject_cast<PlaylistTransitionTypeEditor*>(editor))
         type->setType(entry->transitionType());
-    else if (auto* seconds = qobject_cast<DoubleEdit*>(editor))
+    else if (auto* seconds = qobject_cast<DoubleEdit*>(editor)) {
         seconds->setValue(entry->transitionDuration());
+        seconds->setProperty(givenProperty, seconds->value());
+    }
 }
 
+/// Only what the operator has chosen or typed: an editor that is left as it was would put the value of its
+/// row into all that are selected.
 void PlaylistDelegate::setModelData(QWidget* editor, QAbstractItemModel* model,
                                     const QModelIndex& index) const
 {
+    if (qobject_cast<ZTDropdownMenu*>(editor) && !editor->property(chosenProperty).toBool())
+        return;
     if (const auto* action = qobject_cast<const PlaylistEndActionEditor*>(editor))
         setSelectedData(model, index, static_cast<int>(action->action()));
     else if (const auto* type = qobject_cast<const PlaylistTransitionTypeEditor*>(editor))
         setSelectedData(model, index, static_cast<int>(type->type()));
-    else if (const auto* seconds = qobject_cast<const DoubleEdit*>(editor))
-        setSelectedData(model, index, seconds->value());
+    else if (auto* seconds = qobject_cast<DoubleEdit*>(editor)) {
+        // Tab and a click elsewhere come here before the field has heard of them.
+        seconds->commit();
+        if (seconds->value() != seconds->property(givenProperty).toDouble())
+            setSelectedData(model, index, seconds->value());
+    }
 }
 
 void PlaylistDelegate::setSelectedData(QAbstractItemModel* model, const QModelIndex& index,

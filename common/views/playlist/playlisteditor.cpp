@@ -18,10 +18,10 @@
 #include "common/ui/toolkit/iconbutton.h"
 #include "common/ui/toolkit/textinputdialog.h"
 #include "common/views/playlist/listclock.h"
+#include "common/views/playlist/ownaddition.h"
 #include "common/views/playlist/playlistcontainer.h"
 #include "common/views/playlist/playlistdrop.h"
 #include "common/views/playlist/playlisteditorheader.h"
-#include "common/views/playlist/playlistfiles.h"
 #include "common/views/playlist/playlistlogging.h"
 #include "common/views/playlist/playlistmenu.h"
 #include "common/views/playlist/playlistview.h"
@@ -32,8 +32,6 @@
 #include <QHeaderView>
 #include <QMimeData>
 #include <QVBoxLayout>
-
-#include <utility>
 
 namespace vantrel {
 
@@ -52,6 +50,7 @@ PlaylistEditor::PlaylistEditor(PlaybackViewMode mode, Session* session, QWidget*
     , m_selection(new PlaylistSelectionModel(m_model, this))
     , m_clock(
           new ListClock(session->sceneObjectProvider()->programPlayback(), session->playlistProvider(), this))
+    , m_added(new OwnAddition(session->getQUndoStack(), this))
 {
     setObjectName(isPreview() ? QStringLiteral("Preview-PlaylistEditor")
                               : QStringLiteral("PlaylistEditor-program"));
@@ -87,8 +86,7 @@ void PlaylistEditor::build()
     PlaylistView* view = m_container->list();
     view->setAccessibleName(isPreview() ? tr("Entries of the playlist")
                                         : tr("Entries of the playlist on program"));
-    view->setPlaceholderText(isPreview() ? tr("Insert items from Collections tab to build playlist.")
-                                         : tr("Take from Preview or drag a playlist here."));
+    showLoss(0);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(spacing::tight);
@@ -101,13 +99,26 @@ void PlaylistEditor::build()
 
     connect(m_header, &PlaylistEditorHeader::editorPinned, this, &PlaylistEditor::editorPinned);
     connect(m_header, &PlaylistEditorHeader::contextMenu, this, &PlaylistEditor::openContextMenu);
+    connect(m_header, &PlaylistEditorHeader::listLost, this, &PlaylistEditor::showLoss);
     connect(m_container, &PlaylistContainer::entryDoubleClick, this, &PlaylistEditor::handleEntryDoubleClick);
     connect(m_container, &PlaylistContainer::entryDragStarted, this, &PlaylistEditor::handleDragAndDrop);
     connect(view, &PlaylistView::actionRequested, this, &PlaylistEditor::runAction);
     connect(this, &PlaylistEditor::scrollPositionChanged, view, &PlaylistView::handleScrollPositionChanged);
     connect(m_model, &PlaylistModel::entriesAdded, this, &PlaylistEditor::selectAdded);
+    // Who looks elsewhere by then wants to stay there.
+    connect(m_model, &PlaylistModel::playlistChanged, m_added, &OwnAddition::forget);
+    connect(m_selection, &QItemSelectionModel::selectionChanged, m_added, &OwnAddition::forget);
     m_hover.setInterval(hoverMs);
     connect(&m_hover, &QTimer::timeout, this, &PlaylistEditor::dragHover);
+}
+
+void PlaylistEditor::showLoss(uint number)
+{
+    QString text = isPreview() ? tr("Insert items from Collections tab to build playlist.")
+                               : tr("Take from Preview or drag a playlist here.");
+    if (number != 0)
+        text = tr("Playlist %1 was removed. Choose another one above.").arg(number);
+    m_container->list()->setPlaceholderText(text);
 }
 
 int PlaylistEditor::usefulHeight() const
@@ -152,13 +163,13 @@ void PlaylistEditor::connectMenu()
     connect(m_menu, &Menu::doInsertMedia, this, [this] { runAction(QStringLiteral("insert_media")); });
     connect(m_menu, &Menu::doDuplicatePlaylist, this, &PlaylistEditor::duplicatePlaylist);
     connect(m_menu, &Menu::doRemovePlaylist, this, &PlaylistEditor::removePlaylist);
-    m_files = new PlaylistFiles(m_model, this);
+    m_files = new PlaylistFiles(m_model, m_session->getQUndoStack(), this);
     connect(m_menu, &Menu::doImport, this, [this] {
         if (ensurePlaylist())
-            m_files->importTable(listName());
+            m_files->importTable(shownList());
     });
-    connect(m_menu, &Menu::doExport, this, [this] { m_files->exportTable(listName()); });
-    connect(m_menu, &Menu::doPrint, this, [this] { m_files->printSheet(listName()); });
+    connect(m_menu, &Menu::doExport, this, [this] { m_files->exportTable(shownList()); });
+    connect(m_menu, &Menu::doPrint, this, [this] { m_files->printSheet(shownList()); });
     connect(m_menu, &Menu::aboutToRefresh, this, [this] {
         m_menu->setOffers(PlaylistEditorModel::canPaste(QGuiApplication::clipboard()->mimeData()),
                           m_mediaSource && !m_mediaSource().isEmpty());
@@ -170,6 +181,8 @@ void PlaylistEditor::connectSession()
     connect(m_session, &Session::connected, this, &PlaylistEditor::updateEditable);
     connect(m_session, &Session::disconnected, this, &PlaylistEditor::updateEditable);
     connect(m_session, &Session::libraryReadingChanged, this, &PlaylistEditor::updateEditable);
+    connect(m_session->playlistProvider(), &AbstractPlaylistProvider::playlistRemoved, this,
+            &PlaylistEditor::closeQuestionsOf);
 }
 
 /// What cannot reach the server is not offered.
@@ -260,25 +273,20 @@ void PlaylistEditor::handleEntryDoubleClick(const QModelIndex& index)
 void PlaylistEditor::doMoveUp()
 {
     const QList<QModelIndex> rows = m_selection->sortedSelectedRows();
-    if (!rows.isEmpty() && rows.first().row() > 0) {
-        m_selectsAdded = true;
-        m_model->doMoveUp(rows);
-    }
+    if (!rows.isEmpty() && rows.first().row() > 0)
+        m_model->doMoveUp(rows); // it keeps them selected where they go
 }
 
 void PlaylistEditor::doMoveDown()
 {
     const QList<QModelIndex> rows = m_selection->sortedSelectedRows();
-    if (!rows.isEmpty() && rows.last().row() + 1 < m_model->rowCount()) {
-        m_selectsAdded = true;
+    if (!rows.isEmpty() && rows.last().row() + 1 < m_model->rowCount())
         m_model->doMoveDown(rows);
-    }
 }
 
 void PlaylistEditor::selectAdded(uint playlist, const QList<EntryAddress>& addresses)
 {
-    if (std::exchange(m_selectsAdded, false))
-        m_container->list()->updateSelection(playlist, addresses);
+    m_container->list()->updateSelection(playlist, m_added->take(playlist, addresses));
 }
 
 void PlaylistEditor::confirm(QPointer<ConfirmationDialog>& dialog, const char* name, const QString& title,
@@ -291,7 +299,36 @@ void PlaylistEditor::confirm(QPointer<ConfirmationDialog>& dialog, const char* n
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setAcceptClass(QStringLiteral("red"));
     connect(dialog, &ZTDialog::confirmed, this, action);
+    ask(dialog);
+}
+
+void PlaylistEditor::ask(ZTDialog* dialog)
+{
+    dialog->setProperty("playlist", m_model->playlistNumber());
+    ++m_openQuestions;
+    holdList();
+    connect(dialog, &QObject::destroyed, this, [this] {
+        --m_openQuestions;
+        holdList();
+    });
     dialog->open();
+}
+
+void PlaylistEditor::holdList()
+{
+    if (isPreview())
+        m_header->setHeld(m_openQuestions > 0 || m_isDragging);
+}
+
+/// The next list of that number is another one.
+void PlaylistEditor::closeQuestionsOf(uint playlist)
+{
+    for (ZTDialog* dialog : findChildren<ZTDialog*>(Qt::FindDirectChildrenOnly)) {
+        if (dialog->isVisible() && dialog->property("playlist").toUInt() == playlist) {
+            dialog->close();
+            refuse(tr("Playlist %1 was removed meanwhile.").arg(playlist));
+        }
+    }
 }
 
 void PlaylistEditor::doRemove()
@@ -302,19 +339,23 @@ void PlaylistEditor::doRemove()
     const bool isOne = rows.size() == 1;
     // Those that were seen selected when it was asked, wherever they stand by then.
     QList<QPersistentModelIndex> kept(rows.begin(), rows.end());
-    confirm(m_removeDialog, "PlaylistEditor-remove-confirmation",
-            isOne ? tr("Remove playlist entry") : tr("Remove playlist entries"),
-            isOne ? tr("Are you sure you want to remove selected entry?")
-                  : tr("Are you sure you want to remove selected entries?"),
-            tr("REMOVE"), [this, kept] {
-                QList<QModelIndex> still;
-                for (const QPersistentModelIndex& index : kept) {
-                    if (index.isValid())
-                        still.append(index);
-                }
-                if (!still.isEmpty())
-                    m_model->doRemove(still);
-            });
+    confirm(
+        m_removeDialog, "PlaylistEditor-remove-confirmation",
+        isOne ? tr("Remove playlist entry") : tr("Remove playlist entries"),
+        isOne ? tr("Are you sure you want to remove selected entry?")
+              : tr("Are you sure you want to remove selected entries?"),
+        tr("REMOVE"), [this, kept] {
+            QList<QModelIndex> still;
+            for (const QPersistentModelIndex& index : kept) {
+                if (index.isValid())
+                    still.append(index);
+            }
+            if (!still.isEmpty())
+                m_model->doRemove(still);
+            else
+                refuse(tr("The entries were removed meanwhile, or the playlist was read anew. Look at it and "
+                          "select them again."));
+        });
 }
 
 void PlaylistEditor::doClearList()
@@ -324,6 +365,8 @@ void PlaylistEditor::doClearList()
             tr("Are you sure you clear playlist?"), tr("CLEAR"), [this, playlist] {
                 if (m_model->playlistNumber() == playlist)
                     m_model->doClear();
+                else
+                    refuse(tr("Another playlist is shown now. Nothing was cleared."));
             });
 }
 
@@ -336,6 +379,12 @@ void PlaylistEditor::removePlaylist()
                 execute<RemovePlaylistCommand>(m_session->getQUndoStack(), "RemovePlaylistCommand",
                                                m_session->mediaLibrary(), number);
             });
+}
+
+PlaylistFiles::List PlaylistEditor::shownList() const
+{
+    return {m_model->playlistNumber(), listName(),
+            m_session->playlistLibraryModel()->rowOf(m_model->playlistNumber()) < 0};
 }
 
 QString PlaylistEditor::listName() const
@@ -385,11 +434,14 @@ void PlaylistEditor::doRenumber()
     m_renumberDialog->setObjectNames(QStringLiteral("Playlist-Renumber-Dialog"));
     m_renumberDialog->setAttribute(Qt::WA_DeleteOnClose);
     m_renumberDialog->setClosesOnAccept(false);
-    connect(m_renumberDialog, &TextInputDialog::valuesConfirmed, this, &PlaylistEditor::sendRenumberCommand);
-    m_renumberDialog->open();
+    connect(m_renumberDialog, &TextInputDialog::valuesConfirmed, this,
+            [this, playlist = m_model->playlistNumber()](const QStringList& values) {
+                sendRenumberCommand(playlist, values);
+            });
+    ask(m_renumberDialog);
 }
 
-void PlaylistEditor::sendRenumberCommand(const QStringList& values)
+void PlaylistEditor::sendRenumberCommand(uint playlist, const QStringList& values)
 {
     const QList<EntryAddress> entries = EntryAddressUtils::rangesToEntries(values.value(0));
     EntryAddress target;
@@ -400,7 +452,11 @@ void PlaylistEditor::sendRenumberCommand(const QStringList& values)
         m_renumberDialog->setError(1, tr("Invalid slot number given for first slot."));
         return;
     }
-    m_selectsAdded = true;
+    if (m_model->playlistNumber() != playlist) {
+        m_renumberDialog->setError(
+            0, tr("Another playlist is shown now. Show playlist %1 and renumber it there.").arg(playlist));
+        return;
+    }
     switch (m_model->doRenumber(target, entries)) {
     case 0:
         m_renumberDialog->accept();
@@ -415,7 +471,6 @@ void PlaylistEditor::sendRenumberCommand(const QStringList& values)
         m_renumberDialog->setError(0, tr("An error occured while renumbering."));
         break;
     }
-    m_selectsAdded = false;
 }
 
 void PlaylistEditor::doCopy()
@@ -443,9 +498,7 @@ void PlaylistEditor::doPaste()
     const QList<QModelIndex> rows = m_selection->sortedSelectedRows();
     if (!ensurePlaylist())
         return;
-    m_selectsAdded = true;
-    if (!m_model->doPaste(data, rows.isEmpty() ? QModelIndex() : rows.last()))
-        m_selectsAdded = false;
+    m_added->watch([&] { m_model->doPaste(data, rows.isEmpty() ? QModelIndex() : rows.last()); });
 }
 
 void PlaylistEditor::insertMedia(const QList<QString>& urls)
@@ -458,12 +511,13 @@ void PlaylistEditor::insertMedia(const QList<QString>& urls)
     }
     if (!ensurePlaylist())
         return;
-    m_selectsAdded = true;
     const QList<QModelIndex> rows = m_selection->sortedSelectedRows();
-    if (rows.isEmpty())
-        m_model->doInsertEnd(urls);
-    else
-        m_model->doDropCollection(urls, rows.last(), PlaylistEditorModel::AddMode::After);
+    m_added->watch([&] {
+        if (rows.isEmpty())
+            m_model->doInsertEnd(urls);
+        else
+            m_model->doDropCollection(urls, rows.last(), PlaylistEditorModel::AddMode::After);
+    });
 }
 
 /// What is added before there is a list makes one.

@@ -2,6 +2,7 @@
 
 #include "common/ui/toolkit/ztframe.h"
 #include "common/views/playlist/droptarget.h"
+#include "common/views/playlist/playlistfiles.h"
 #include "tarn/media/channelenums.h"
 #include "tarn/media/entryaddress.h"
 
@@ -18,11 +19,12 @@ namespace vantrel {
 
 class ConfirmationDialog;
 class ListClock;
+class OwnAddition;
 class PlaylistContainer;
 class PlaylistDrop;
 class PlaylistEditorHeader;
 class PlaylistEditorModel;
-class PlaylistFiles;
+class GuiPlaylistEntry;
 class PlaylistMenu;
 class PlaylistSelectionModel;
 class Session;
@@ -107,8 +109,16 @@ private:
     void refuse(const QString& why) const;
     void confirm(QPointer<ConfirmationDialog>& dialog, const char* name, const QString& title,
                  const QString& text, const QString& accept, const std::function<void()>& action);
-    void sendRenumberCommand(const QStringList& values);
+    void sendRenumberCommand(uint playlist, const QStringList& values);
     void selectAdded(uint playlist, const QList<vantrel::EntryAddress>& addresses);
+    /// While the dialog is open the list that is shown stays.
+    void ask(ZTDialog* dialog);
+    void closeQuestionsOf(uint playlist);
+    void holdList();
+    void showLoss(uint number);
+    PlaylistFiles::List shownList() const;
+    bool canTake(const PlaylistDrop& drop) const;
+    bool isAsDragged(const GuiPlaylistEntry& entry) const;
     QString listName() const;
     void duplicatePlaylist();
     void removePlaylist();
@@ -132,7 +142,8 @@ private:
     std::unique_ptr<PlaylistDrop> m_dragged; // read once, however long the drag goes on
     bool m_isDragging = false;
     bool m_isEditable = false;
-    bool m_selectsAdded = false; // what comes next is what was added here
+    OwnAddition* m_added;    // is selected when it comes
+    int m_openQuestions = 0; // dialogs that are about what is shown
     QTimer m_hover;
 };
 

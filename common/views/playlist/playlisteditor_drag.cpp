@@ -1,11 +1,14 @@
 // Drags out of a playlist, over it and onto it.
 #include "common/command/execute.h"
+#include "common/command/playback/playmediacommand.h"
 #include "common/media/address/mediautils.h"
 #include "common/media/edit/playlist/pasteplaylistentriescommand.h"
+#include "common/media/library/playlistprovider.h"
 #include "common/media/models/playlist/playlisteditormodel.h"
 #include "common/media/models/playlist/playlistselectionmodel.h"
 #include "common/session/session.h"
 #include "common/ui/toolkit/ztdrag.h"
+#include "common/views/playlist/ownaddition.h"
 #include "common/views/playlist/playlistcontainer.h"
 #include "common/views/playlist/playlistdrop.h"
 #include "common/views/playlist/playlisteditor.h"
@@ -36,6 +39,8 @@ void PlaylistEditor::handleDragAndDrop(const QModelIndex& index)
         return;
     PlaylistView* view = m_container->list();
     view->setDragSource(true);
+    m_isDragging = true;
+    holdList();
     const QString label =
         rows.size() == 1 ? nameAt(rows.first().row()) : tr("%n entries", nullptr, int(rows.size()));
     const QPointer<PlaylistEditor> self = this;
@@ -51,6 +56,7 @@ void PlaylistEditor::dragEnterEvent(QDragEnterEvent* event)
     if (!PlaylistDrop::isOffered(event->mimeData()))
         return;
     m_isDragging = true;
+    holdList();
     m_dragged = std::make_unique<PlaylistDrop>(PlaylistDrop::read(event->mimeData()));
     m_hover.start();
     event->acceptProposedAction();
@@ -76,7 +82,8 @@ void PlaylistEditor::dragLeaveEvent(QDragLeaveEvent* event)
 
 void PlaylistEditor::endDrag()
 {
-    m_isDragging = false;
+    m_isDragging = m_container->list()->isDragSource();
+    holdList();
     m_hover.stop();
     m_target = {};
     m_dragged.reset();
@@ -100,7 +107,17 @@ void PlaylistEditor::dragMoveEvent(QDragMoveEvent* event)
     m_target = isPlace ? targetOf(event) : DropTarget();
     m_dropTarget = m_model->index(m_target.row, 0);
     m_container->list()->showTarget(m_target, wordsFor(m_target, drop));
-    event->acceptProposedAction();
+    if (canTake(drop))
+        event->acceptProposedAction();
+    else
+        event->ignore();
+}
+
+/// What is nothing at all is taken as far as the drop, which has the room to say why.
+bool PlaylistEditor::canTake(const PlaylistDrop& drop) const
+{
+    using Kind = PlaylistDrop::Kind;
+    return drop.kind() == Kind::Nothing || drop.kind() == Kind::Playlist || (isPreview() && m_isEditable);
 }
 
 QString PlaylistEditor::nameAt(int row) const
@@ -130,11 +147,11 @@ QString PlaylistEditor::wordsFor(const DropTarget& target, const PlaylistDrop& d
 void PlaylistEditor::dropEvent(QDropEvent* event)
 {
     const DropTarget target = isPreview() ? targetOf(event) : DropTarget();
-    endDrag();
     // A copy to the source: entries go where they go when the server says so.
     event->setDropAction(Qt::CopyAction);
     event->accept();
     applyDrop(event->mimeData(), target);
+    endDrag(); // now the list may be another
 }
 
 void PlaylistEditor::applyDrop(const QMimeData* data, const DropTarget& target)
@@ -169,9 +186,17 @@ void PlaylistEditor::dropPlaylist(uint number)
         refuse(tr("Playlist %1 is not in the library any more.").arg(number));
         return;
     }
-    m_model->setPlaylistNumber(number);
-    if (!isPreview() && m_model->rowCount() > 0)
-        m_model->doDirectPlayProgram(m_model->index(0, 0), 0);
+    if (isPreview()) {
+        m_model->setPlaylistNumber(number);
+        return;
+    }
+    // By address, however the rows are sorted. The list is shown when it plays.
+    const auto entries = m_session->playlistProvider()->entries(number);
+    if (entries.isEmpty())
+        refuse(tr("Playlist %1 has no entries. Nothing was put on air.").arg(number));
+    else
+        execute<PlayMediaCommand>(m_session->getQUndoStack(), "PlayMediaCommand", false, 0,
+                                  static_cast<int>(number), entries.first()->address());
 }
 
 bool PlaylistEditor::hasAllSlots(const QList<QString>& urls) const
@@ -192,13 +217,16 @@ bool PlaylistEditor::hasAllSlots(const QList<QString>& urls) const
 void PlaylistEditor::dropEntries(const PlaylistDrop& drop, const DropTarget& target)
 {
     const QModelIndex place = m_model->index(target.row, 0);
-    m_selectsAdded = true;
     if (drop.playlist() == m_model->playlistNumber()) {
         // Those of the payload: the selection may have changed under a drag.
         QList<QModelIndex> rows;
-        for (const GuiPlaylistEntry& entry : drop.entries())
+        for (const GuiPlaylistEntry& entry : drop.entries()) {
+            if (!isAsDragged(entry)) {
+                refuse(tr("The entries were moved or removed while they were dragged. Drag them again."));
+                return;
+            }
             rows.append(m_model->indexOf(entry.address()));
-        rows.removeAll(QModelIndex());
+        }
         const bool isOntoItself = target.isReplace() && rows == QList<QModelIndex>{place};
         if (rows.isEmpty() || isOntoItself)
             return;
@@ -219,10 +247,19 @@ void PlaylistEditor::dropEntries(const PlaylistDrop& drop, const DropTarget& tar
     using Mode = AddMediaToPlaylistCommand::AddMode;
     const Mode mode = target.isReplace() ? Mode::Replace : Mode::After;
     const EntryAddress address = place.isValid() ? m_model->getEntryAddress(place) : EntryAddress();
-    if (!tryExecute<PastePlaylistEntriesCommand>(m_session->getQUndoStack(), m_session->mediaLibrary(),
-                                                 static_cast<int>(m_model->playlistNumber()), mode, address,
-                                                 entries))
-        refuse(tr("There is no room for the entries at this place. Renumber entries to make room."));
+    m_added->watch([&] {
+        if (!tryExecute<PastePlaylistEntriesCommand>(m_session->getQUndoStack(), m_session->mediaLibrary(),
+                                                     static_cast<int>(m_model->playlistNumber()), mode,
+                                                     address, entries))
+            refuse(tr("There is no room for the entries at this place. Renumber entries to make room."));
+    });
+}
+
+/// Whether what stands at the address is what stood there when the drag began.
+bool PlaylistEditor::isAsDragged(const GuiPlaylistEntry& entry) const
+{
+    const auto present = m_model->getEntry(m_model->indexOf(entry.address()));
+    return present && present->slotUrl() == entry.slotUrl();
 }
 
 void PlaylistEditor::dropMedia(const PlaylistDrop& drop, const DropTarget& target)
@@ -230,9 +267,10 @@ void PlaylistEditor::dropMedia(const PlaylistDrop& drop, const DropTarget& targe
     if (!hasAllSlots(drop.mediaUrls()) || !ensurePlaylist())
         return;
     using Mode = PlaylistEditorModel::AddMode;
-    m_selectsAdded = true;
-    m_model->doDropCollection(drop.mediaUrls(), m_model->index(target.row, 0),
-                              target.isReplace() ? Mode::Replace : Mode::After);
+    m_added->watch([&] {
+        m_model->doDropCollection(drop.mediaUrls(), m_model->index(target.row, 0),
+                                  target.isReplace() ? Mode::Replace : Mode::After);
+    });
 }
 
 } // namespace vantrel

@@ -1,6 +1,7 @@
 #include "common/views/playlist/playlisteditorheader.h"
 
 #include "common/command/execute.h"
+#include "common/command/refusal.h"
 #include "common/media/edit/playlist/addplaylistcommand.h"
 #include "common/media/edit/playlist/renameplaylistcommand.h"
 #include "common/media/items/abstractplaylistprovider.h"
@@ -20,16 +21,19 @@
 #include "common/ui/toolkit/iconbutton.h"
 #include "common/ui/toolkit/ztdrag.h"
 #include "common/ui/toolkit/ztdropdownmenu.h"
+#include "common/ui/toolkit/ztedit.h"
 #include "common/views/playlist/listclock.h"
 #include "common/views/playlist/playlistlogging.h"
 #include "util/clocktime.h"
 
+#include <QApplication>
 #include <QEvent>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QMimeData>
 #include <QMouseEvent>
+#include <QUndoStack>
 
 namespace vantrel {
 
@@ -95,6 +99,7 @@ void PlaylistEditorHeader::buildPreview()
     m_dropdown->setPlaceholderText(tr("No playlists"));
     m_dropdown->setModel(m_sources.library);
     m_dropdown->setModelColumn(PlaylistLibraryModel::NameColumn);
+    m_dropdown->installEventFilter(this);
     row->addWidget(m_dropdown, 1);
     m_edit = addButton(row, QStringLiteral(":/icons/edit.svg"), "-edit-button", tr("Rename playlist"));
     setHotkeyTip(m_edit, tr("Rename playlist"), {QStringLiteral("rename")});
@@ -203,8 +208,13 @@ void PlaylistEditorHeader::connectModels()
     m_refresh.setSingleShot(true);
     connect(&m_refresh, &QTimer::timeout, this, &PlaylistEditorHeader::showList);
     const auto later = [this] { m_refresh.start(0); };
-    connect(m_sources.library, &QAbstractItemModel::modelReset, this, later);
+    connect(m_sources.library, &QAbstractItemModel::modelReset, this, [this, later] {
+        m_isReadAnew = true;
+        later();
+    });
     connect(m_sources.library, &QAbstractItemModel::rowsRemoved, this, later);
+    connect(m_sources.library, &QAbstractItemModel::rowsAboutToBeRemoved, this,
+            [this](const QModelIndex&, int first, int last) { onRowsAboutToBeRemoved(first, last); });
     connect(m_sources.library, &QAbstractItemModel::rowsInserted, this, later);
 }
 
@@ -213,15 +223,34 @@ uint PlaylistEditorHeader::displayedPlaylist() const
     return m_sources.model->playlistNumber();
 }
 
-/// Shows the list of the model; an editor without one, or whose list has gone, shows the first that there is.
+/// Only what the operator has seen go is lost: a library read anew shows its first list.
+void PlaylistEditorHeader::onRowsAboutToBeRemoved(int first, int last)
+{
+    const int row = m_sources.library->rowOf(displayedPlaylist());
+    if (isPreview() && row >= first && row <= last)
+        setLost(displayedPlaylist());
+}
+
+void PlaylistEditorHeader::setLost(uint number)
+{
+    if (std::exchange(m_lost, number) != number)
+        Q_EMIT listLost(number);
+}
+
+/// Shows the list of the model. An editor without one shows the first that there is; one whose list was
+/// removed, or is on its way, none: what is edited next must not land in a list that nobody has chosen.
 void PlaylistEditorHeader::showList()
 {
     int row = m_sources.library->rowOf(displayedPlaylist());
-    if (row < 0 && isPreview() && m_sources.library->rowCount() > 0) {
+    const bool isUnchosen =
+        std::exchange(m_isReadAnew, false) || displayedPlaylist() == PlaylistModel::noPlaylist;
+    if (row >= 0 || isUnchosen || m_sources.library->rowCount() == 0 || displayedPlaylist() != m_lost)
+        setLost(0);
+    if (row < 0 && isUnchosen && isPreview() && m_sources.library->rowCount() > 0) {
         m_sources.model->setPlaylistNumber(m_sources.library->playlistNumberAt(0));
         row = 0;
     }
-    if (m_dropdown && !m_isNaming)
+    if (m_dropdown)
         m_dropdown->setCurrentIndex(row);
     if (m_edit)
         m_edit->setEnabled(m_isEditable && row >= 0);
@@ -283,7 +312,7 @@ void PlaylistEditorHeader::setEditable(bool editable)
 void PlaylistEditorHeader::dropdownIndexChanged(int index)
 {
     const uint number = m_sources.library->playlistNumberAt(index);
-    if (number != PlaylistModel::noPlaylist && !m_isNaming)
+    if (number != PlaylistModel::noPlaylist)
         m_sources.model->setPlaylistNumber(number);
 }
 
@@ -296,12 +325,22 @@ void PlaylistEditorHeader::onPlaylistChanged(uint playlist)
 void PlaylistEditorHeader::onPlaybackChange()
 {
     const uint playing = m_sources.playback->index(0, PlaybackModel::PlaylistNumberColumn).data().toUInt();
+    // An entry that moves, is put back or is read anew is gone for a moment: the channel plays on.
+    if (playing == 0 || m_isHeld || m_naming != 0)
+        return;
     const uint before = std::exchange(m_followed, playing);
     // From entry to entry of the same list the operator may look at another.
-    if (playing == 0 || playing == before || playing == displayedPlaylist())
+    if (playing == before || playing == displayedPlaylist())
         return;
     m_sources.model->setPlaylistNumber(playing);
     onPlaylistChanged(playing);
+}
+
+void PlaylistEditorHeader::setHeld(bool held)
+{
+    m_isHeld = held;
+    if (!held)
+        onPlaybackChange();
 }
 
 void PlaylistEditorHeader::onPlaybackDataChanged(const QModelIndex& topLeft, const QModelIndex& bottomRight)
@@ -321,20 +360,29 @@ void PlaylistEditorHeader::onDataChanged(const QModelIndex& topLeft, const QMode
 void PlaylistEditorHeader::onRowsInserted(const QModelIndex& parent, int first, int last)
 {
     Q_UNUSED(parent);
-    for (int row = first; m_awaited && row <= last; ++row) {
-        if (m_sources.library->playlistNumberAt(row) != *m_awaited)
-            continue;
-        m_sources.model->setPlaylistNumber(*m_awaited);
-        m_awaited.reset();
-        // The drop-down hears of the row after this.
-        QMetaObject::invokeMethod(
-            this,
-            [this] {
-                showList();
+    Q_UNUSED(first);
+    Q_UNUSED(last);
+    showAwaited();
+}
+
+/// Shows the list that was made here and lets it be named, once it is there and is known to be this one: two
+/// operators may ask for the same number.
+void PlaylistEditorHeader::showAwaited()
+{
+    if (!m_awaited || !m_isAwaitedDone || m_sources.library->rowOf(*m_awaited) < 0)
+        return;
+    const uint number = *m_awaited;
+    m_awaited.reset();
+    m_sources.model->setPlaylistNumber(number);
+    // The drop-down hears of the row after this.
+    QMetaObject::invokeMethod(
+        this,
+        [this, number] {
+            showList();
+            if (displayedPlaylist() == number)
                 beginNameEditing();
-            },
-            Qt::QueuedConnection);
-    }
+        },
+        Qt::QueuedConnection);
 }
 
 void PlaylistEditorHeader::onNewPlaylistButtonClicked()
@@ -348,71 +396,143 @@ void PlaylistEditorHeader::createNewPlaylist(const QString& name, int number)
 {
     qCDebug(lcPlaylist) << "About to create a new playlist:" << name << "with number" << number;
     const MediaLibrary* library = m_sources.model->playlistProvider()->mediaLibrary();
-    if (execute<AddPlaylistCommand>(m_sources.stack, "AddPlaylistCommand", library, number, name))
-        m_awaited = static_cast<uint>(number);
+    m_awaited.reset();
+    if (!execute<AddPlaylistCommand>(m_sources.stack, "AddPlaylistCommand", library, number, name))
+        return;
+    m_awaited = static_cast<uint>(number);
+    m_isAwaitedDone = false;
+    const auto answered = [this, awaited = *m_awaited](EditDirection, bool isDone) {
+        if (m_awaited != awaited)
+            return;
+        m_isAwaitedDone = isDone;
+        if (isDone)
+            showAwaited();
+        else
+            m_awaited.reset();
+    };
+    if (const auto* command = lastCommand())
+        connect(command, &AbstractDiffApiCommand::answered, this, answered, Qt::SingleShotConnection);
+}
+
+const AbstractDiffApiCommand* PlaylistEditorHeader::lastCommand() const
+{
+    const QUndoStack* stack = m_sources.stack;
+    return dynamic_cast<const AbstractDiffApiCommand*>(stack->command(stack->index() - 1));
 }
 
 void PlaylistEditorHeader::beginNameEditing()
 {
     const int row = m_sources.library->rowOf(displayedPlaylist());
-    if (!m_dropdown || row < 0 || m_isNaming || !m_isEditable)
+    if (!m_dropdown || row < 0 || m_naming != 0 || !m_isEditable)
         return;
-    m_isNaming = true;
-    m_dropdown->setCurrentIndex(row);
-    m_dropdown->beginEditing();
-    QLineEdit* field = m_dropdown->lineEdit();
-    field->setObjectName(m_dropdown->objectName() + QStringLiteral("-edit"));
-    field->setAccessibleName(tr("Name of the playlist"));
-    field->setText(
-        m_sources.library->index(row, PlaylistLibraryModel::PlainNameColumn).data(Qt::EditRole).toString());
-    field->selectAll();
-    field->installEventFilter(this);
+    m_naming = displayedPlaylist();
+    m_nameField = new ZTEdit(
+        m_sources.library->index(row, PlaylistLibraryModel::PlainNameColumn).data(Qt::EditRole).toString(),
+        this);
+    m_nameField->setObjectName(m_dropdown->objectName() + QStringLiteral("-edit"));
+    m_nameField->setAccessibleName(tr("Name of the playlist"));
+    m_nameField->setToolTip(tr("Name of the playlist. Enter: rename it. Escape: keep the name that it has"));
+    m_nameField->installEventFilter(this);
+    placeNameField();
+    m_nameField->show();
+    m_nameField->setFocus(Qt::OtherFocusReason);
+    m_nameField->selectAll();
     // Not while the field tells of it: it goes with the end of editing.
-    connect(field, &QLineEdit::editingFinished, this, &PlaylistEditorHeader::endNameEditing,
+    connect(m_nameField, &QLineEdit::editingFinished, this, &PlaylistEditorHeader::endNameEditing,
             Qt::QueuedConnection);
+}
+
+void PlaylistEditorHeader::placeNameField()
+{
+    if (!m_nameField)
+        return;
+    m_nameField->setGeometry(m_dropdown->geometry());
+    m_nameField->raise();
+}
+
+void PlaylistEditorHeader::closeNameField()
+{
+    m_naming = 0;
+    ZTEdit* field = std::exchange(m_nameField, nullptr);
+    field->disconnect(this);
+    if (field->hasFocus())
+        m_dropdown->setFocus(Qt::OtherFocusReason);
+    field->hide();
+    field->setObjectName({});
+    field->deleteLater();
+    showList();
+    onPlaybackChange();
 }
 
 void PlaylistEditorHeader::endNameEditing()
 {
-    if (!std::exchange(m_isNaming, false))
+    if (m_naming == 0)
         return;
-    const QString name = m_dropdown->endEditing();
-    const int row = m_sources.library->rowOf(displayedPlaylist());
-    const QModelIndex cell = m_sources.library->index(row, PlaylistLibraryModel::PlainNameColumn);
-    if (row >= 0 && !name.isEmpty() && name != cell.data(Qt::EditRole).toString()) {
-        const int number =
-            cell.siblingAtColumn(PlaylistLibraryModel::NumberColumn).data(Qt::EditRole).toInt();
-        const MediaLibrary* library = m_sources.model->playlistProvider()->mediaLibrary();
-        if (execute<RenamePlaylistCommand>(m_sources.stack, "RenamePlaylistCommand", library, number, name))
-            m_sources.library->setData(cell, name);
+    const uint playlist = m_naming;
+    const QString name = m_nameField->text().trimmed();
+    if (!name.isEmpty())
+        rename(playlist, name);
+    closeNameField();
+}
+
+void PlaylistEditorHeader::rename(uint playlist, const QString& name)
+{
+    const int row = m_sources.library->rowOf(playlist);
+    if (row < 0) {
+        tellNotDone(tr("Rename playlist"), tr("Playlist %1 was removed meanwhile.").arg(playlist));
+        return;
     }
-    showList();
+    const QModelIndex cell = m_sources.library->index(row, PlaylistLibraryModel::PlainNameColumn);
+    if (name == cell.data(Qt::EditRole).toString())
+        return;
+    const MediaLibrary* library = m_sources.model->playlistProvider()->mediaLibrary();
+    if (!execute<RenamePlaylistCommand>(m_sources.stack, "RenamePlaylistCommand", library,
+                                        static_cast<int>(playlist), name))
+        return;
+    // Shown at once, and taken back when the server says no.
+    m_sources.library->setData(cell, name);
+    const auto answered = [library = m_sources.library, playlist](EditDirection, bool isDone) {
+        if (!isDone)
+            library->handleProviderChange(playlist);
+    };
+    if (const auto* command = lastCommand())
+        connect(command, &AbstractDiffApiCommand::answered, this, answered);
 }
 
 bool PlaylistEditorHeader::eventFilter(QObject* watched, QEvent* event)
 {
-    if (m_grip && watched == m_grip && event->type() == QEvent::MouseMove) {
+    const auto type = event->type();
+    if (watched == m_grip && (type == QEvent::MouseButtonPress || type == QEvent::MouseMove)) {
         const auto* mouse = static_cast<const QMouseEvent*>(event);
-        if (mouse->buttons().testFlag(Qt::LeftButton))
+        const QPoint at = mouse->position().toPoint();
+        if (type == QEvent::MouseButtonPress)
+            m_gripPressed = at;
+        else if (mouse->buttons().testFlag(Qt::LeftButton) &&
+                 (at - m_gripPressed).manhattanLength() >= QApplication::startDragDistance())
             dragList();
         return true;
     }
-    const auto isEscape = [event] { return static_cast<const QKeyEvent*>(event)->key() == Qt::Key_Escape; };
-    if (m_isNaming && m_dropdown && watched == m_dropdown->lineEdit()) {
-        if (event->type() == QEvent::ShortcutOverride && isEscape())
-            event->accept();
-        if (event->type() == QEvent::KeyPress && isEscape()) {
-            // Later: the field is in the midst of its event.
+    if (watched == m_dropdown && (type == QEvent::Resize || type == QEvent::Move))
+        placeNameField();
+    if (watched == m_nameField && type == QEvent::FocusOut) {
+        // The field itself tells of it only when something was typed.
+        const auto reason = static_cast<const QFocusEvent*>(event)->reason();
+        if (reason != Qt::ActiveWindowFocusReason && reason != Qt::PopupFocusReason)
+            QMetaObject::invokeMethod(this, &PlaylistEditorHeader::endNameEditing, Qt::QueuedConnection);
+    }
+    if (watched == m_nameField && (type == QEvent::ShortcutOverride || type == QEvent::KeyPress) &&
+        static_cast<const QKeyEvent*>(event)->key() == Qt::Key_Escape) {
+        event->accept();
+        // Later: the field is in the midst of its event.
+        if (type == QEvent::KeyPress)
             QMetaObject::invokeMethod(
                 this,
                 [this] {
-                    m_isNaming = false;
-                    m_dropdown->endEditing();
-                    showList();
+                    if (m_naming != 0)
+                        closeNameField();
                 },
                 Qt::QueuedConnection);
-            return true;
-        }
+        return true;
     }
     return ZTFrame::eventFilter(watched, event);
 }

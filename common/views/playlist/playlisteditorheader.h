@@ -4,6 +4,7 @@
 #include "tarn/media/channelenums.h"
 
 #include <QModelIndex>
+#include <QPoint>
 #include <QTimer>
 
 #include <optional>
@@ -13,6 +14,7 @@ class QUndoStack;
 
 namespace vantrel {
 
+class AbstractDiffApiCommand;
 class ContextMenuButton;
 class ElidedLabel;
 class IconButton;
@@ -21,6 +23,7 @@ class PlaybackModel;
 class PlaylistEditorModel;
 class PlaylistLibraryModel;
 class ZTDropdownMenu;
+class ZTEdit;
 class ZTLabel;
 
 /// What stands above a playlist: on preview the choice among all playlists and what makes, names and pins
@@ -51,6 +54,8 @@ public:
     void setOneLine(bool oneLine);
     /// Whether there is a server that takes edits.
     void setEditable(bool editable);
+    /// While the operator is in the midst of something the list stays; what was missed is caught up after it.
+    void setHeld(bool held);
     IconButton* pinButton() const { return m_pin; }
     QSize minimumSizeHint() const override;
 
@@ -69,6 +74,8 @@ public Q_SLOTS:
 Q_SIGNALS:
     void editorPinned(bool pinned);
     void contextMenu();
+    /// The list that was shown was removed, and none is shown in its place; 0 when one is shown again.
+    void listLost(uint number);
 
 protected:
     void resizeEvent(QResizeEvent* event) override;
@@ -88,6 +95,13 @@ private:
     void showList();
     void showClock();
     void fit();
+    void onRowsAboutToBeRemoved(int first, int last);
+    void setLost(uint number);
+    void showAwaited();
+    void placeNameField();
+    void closeNameField();
+    void rename(uint playlist, const QString& name);
+    const AbstractDiffApiCommand* lastCommand() const;
 
     PlaybackViewMode m_mode;
     Sources m_sources;
@@ -105,8 +119,14 @@ private:
     IconButton* m_infinite = nullptr;
     QTimer m_refresh;
     std::optional<uint> m_awaited; // the list that was made here and has not come yet
+    bool m_isAwaitedDone = false;  // the server has made it
     uint m_followed = 0;           // the list that the channel played last
-    bool m_isNaming = false;
+    uint m_lost = 0;               // the list that was shown and is no more
+    uint m_naming = 0;             // the list whose name is typed
+    ZTEdit* m_nameField = nullptr; // over the drop-down, which shows what the library says
+    QPoint m_gripPressed;
+    bool m_isHeld = false;
+    bool m_isReadAnew = false; // the library, since the list was shown last
     bool m_isOneLine = false;
     bool m_isEditable = true;
 };

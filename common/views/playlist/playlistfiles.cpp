@@ -1,23 +1,19 @@
 #include "common/views/playlist/playlistfiles.h"
 
+#include "common/command/execute.h"
 #include "common/command/refusal.h"
+#include "common/media/edit/playlist/importplaylistcommand.h"
 #include "common/media/items/abstractplaylistprovider.h"
+#include "common/media/models/playlist/playlistcsv.h"
 #include "common/media/models/playlist/playlisteditormodel.h"
 #include "common/notification/notificationmanagerimpl.h"
 #include "common/views/playlist/cuesheet.h"
-#include "common/views/playlist/playlistcsv.h"
 #include "common/views/playlist/playlistimportdialog.h"
 #include "tarn/media/medialibrary.h"
 
-#include <QFile>
 #include <QFileDialog>
 #include <QFileInfo>
-#include <QPointer>
 #include <QSaveFile>
-#include <QThreadPool>
-
-#include <memory>
-#include <optional>
 
 namespace vantrel {
 
@@ -25,29 +21,12 @@ namespace {
 
 const QString tables = QStringLiteral("CSV (*.csv)");
 
-/// Nothing, and why, for a file that is none or too large for a cue list.
-std::optional<QByteArray> bytesOf(const QString& fileName, QString& reason)
-{
-    QFile file(fileName);
-    if (!file.open(QIODevice::ReadOnly)) {
-        reason = PlaylistFiles::tr("The file cannot be read: %1.").arg(file.errorString());
-        return std::nullopt;
-    }
-    if (file.size() > PlaylistCsv::largestFile) {
-        reason = PlaylistFiles::tr("The file has %1 MB, which is no cue list: %2 MB hold a hundred thousand "
-                                   "entries. Choose another.")
-                     .arg(file.size() / (1024 * 1024))
-                     .arg(PlaylistCsv::largestFile / (1024 * 1024));
-        return std::nullopt;
-    }
-    return file.readAll();
-}
-
 } // namespace
 
-PlaylistFiles::PlaylistFiles(PlaylistEditorModel* model, QWidget* window)
+PlaylistFiles::PlaylistFiles(PlaylistEditorModel* model, QUndoStack* stack, QWidget* window)
     : QObject(window)
     , m_model(model)
+    , m_stack(stack)
     , m_window(window)
 {
 }
@@ -69,76 +48,92 @@ QFileDialog* PlaylistFiles::ask(const QString& title, const QString& filter, con
     return dialog;
 }
 
-void PlaylistFiles::importTable(const QString& list)
+const MediaLibrary& PlaylistFiles::library() const
+{
+    return *m_model->playlistProvider()->mediaLibrary();
+}
+
+/// A list of another name under the number is another list.
+bool PlaylistFiles::isStillThere(const List& list, const QString& title) const
+{
+    const Playlist* found = library().findPlaylist(static_cast<int>(list.number));
+    if (list.isNew ? !found : found && QString::fromStdString(found->getName()) == list.name)
+        return true;
+    tellNotDone(title,
+                tr("Playlist %1, \"%2\", was removed, renamed or made anew meanwhile. Look at it and do "
+                   "it again.")
+                    .arg(list.number)
+                    .arg(list.name));
+    return false;
+}
+
+void PlaylistFiles::importTable(const List& list)
 {
     connect(ask(tr("Import playlist"), tables, {}), &QFileDialog::fileSelected, this,
             [this, list](const QString& file) { openTable(file, list); });
 }
 
-void PlaylistFiles::openTable(const QString& fileName, const QString& list)
+void PlaylistFiles::openTable(const QString& fileName, const List& list)
 {
-    auto* dialog = new PlaylistImportDialog(fileName, list, m_model->rowCount(), m_window);
-    const uint playlist = m_model->playlistNumber();
+    if (!isStillThere(list, tr("Import playlist")))
+        return;
+    const Playlist* present = library().findPlaylist(static_cast<int>(list.number));
+    const int count = present ? static_cast<int>(present->getEntries().size()) : 0;
+    auto* dialog = new PlaylistImportDialog(fileName, list.name, count, library(), m_window);
     connect(dialog, &PlaylistImportDialog::importConfirmed, this,
-            [this, playlist](const ImportPlaylistCommand::Entries& entries) {
-                if (m_model->playlistNumber() == playlist) // another may be shown by now
-                    m_model->doImport(entries);
-                else
-                    tellNotDone(tr("Import playlist"), tr("Another playlist is shown now. Import it again."));
+            [this, list](const ImportPlaylistCommand::Entries& entries) {
+                if (isStillThere(list, tr("Import playlist")))
+                    execute<ImportPlaylistCommand>(m_stack, "ImportPlaylistCommand", &library(),
+                                                   static_cast<int>(list.number), list.name, entries);
             });
     dialog->open();
-    const QPointer<PlaylistImportDialog> shown = dialog;
-    QThreadPool::globalInstance()->start([this, fileName, shown] {
-        QString reason;
-        const std::optional<QByteArray> bytes = bytesOf(fileName, reason);
-        auto reading = std::make_shared<PlaylistCsv::Reading>(bytes ? PlaylistCsv::read(*bytes)
-                                                                    : PlaylistCsv::Reading());
-        QMetaObject::invokeMethod(
-            qApp,
-            [self = this, shown, reading, reason] {
-                if (!shown) // and with it goes whoever opened it
+}
+
+void PlaylistFiles::exportTable(const List& list)
+{
+    connect(ask(tr("Export playlist"), tables, list.name + QStringLiteral(".csv")),
+            &QFileDialog::fileSelected, this, [this, list](const QString& fileName) {
+                if (!isStillThere(list, tr("Export playlist")))
                     return;
-                if (!reason.isEmpty()) {
-                    shown->setFault(reason);
+                QString fault;
+                QSaveFile file(fileName);
+                const bool isWritten =
+                    file.open(QIODevice::WriteOnly) &&
+                    PlaylistCsv::write(file, library(), static_cast<int>(list.number), &fault) &&
+                    file.commit();
+                tellWritten(isWritten ? QString() : file.errorString(), fileName);
+            });
+}
+
+void PlaylistFiles::printSheet(const List& list)
+{
+    connect(ask(tr("Cue sheet"), QStringLiteral("PDF (*.pdf)"), list.name + QStringLiteral(".pdf")),
+            &QFileDialog::fileSelected, this, [this, list](const QString& fileName) {
+                if (!isStillThere(list, tr("Cue sheet")))
+                    return;
+                if (m_model->playlistNumber() != list.number) {
+                    tellNotDone(tr("Cue sheet"), tr("Another playlist is shown now. Show \"%1\" and print it "
+                                                    "again.")
+                                                     .arg(list.name));
                     return;
                 }
-                PlaylistCsv::checkMedia(*reading, *self->m_model->playlistProvider()->mediaLibrary());
-                shown->setReading(*reading);
-            },
-            Qt::QueuedConnection);
-    });
-}
-
-void PlaylistFiles::exportTable(const QString& list)
-{
-    connect(ask(tr("Export playlist"), tables, list + QStringLiteral(".csv")), &QFileDialog::fileSelected,
-            this, [this](const QString& fileName) {
-                const MediaLibrary& library = *m_model->playlistProvider()->mediaLibrary();
-                const QByteArray text =
-                    PlaylistCsv::write(library, static_cast<int>(m_model->playlistNumber()));
-                QSaveFile file(fileName);
-                const bool isWritten = file.open(QIODevice::WriteOnly) && file.write(text) == text.size();
-                tellWritten(isWritten && file.commit(), fileName);
+                const bool isWritten = CueSheet(m_model, list.name).savePdf(fileName);
+                tellWritten(isWritten ? QString() : tr("no room, or no right to write there"), fileName);
             });
 }
 
-void PlaylistFiles::printSheet(const QString& list)
-{
-    connect(ask(tr("Cue sheet"), QStringLiteral("PDF (*.pdf)"), list + QStringLiteral(".pdf")),
-            &QFileDialog::fileSelected, this, [this, list](const QString& fileName) {
-                tellWritten(CueSheet(m_model, list).savePdf(fileName), fileName);
-            });
-}
-
-void PlaylistFiles::tellWritten(bool written, const QString& fileName) const
+/// fault: why it was not; empty when it was.
+void PlaylistFiles::tellWritten(const QString& fault, const QString& fileName) const
 {
     const QString name = QFileInfo(fileName).fileName();
-    if (written)
+    if (fault.isEmpty())
         NotificationManagerImpl::instance()->createNotification(
             Notification::CheckedMessage, tr("Saved %1").arg(name.toHtmlEscaped()), QString());
     else
         tellNotDone(tr("Save %1").arg(name),
-                    tr("The file cannot be written. Choose another folder, or make room on the disk."));
+                    tr("The file cannot be written (%1). Choose another folder, or make "
+                       "room on the disk.")
+                        .arg(fault));
 }
 
 } // namespace vantrel

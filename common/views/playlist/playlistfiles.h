@@ -3,33 +3,47 @@
 #include <QObject>
 
 class QFileDialog;
+class QUndoStack;
 
 namespace vantrel {
 
+class MediaLibrary;
 class PlaylistEditorModel;
 
 /// A playlist from and to files: imported from a table after a look at what it holds, exported to one, and
-/// printed as a cue sheet. A file is read beside the main thread. Owned by the editor; main thread.
+/// printed as a cue sheet. Each works on the list it was called for, whatever is shown by the time that a
+/// file is chosen. Owned by the editor; main thread.
 class PlaylistFiles : public QObject
 {
     Q_OBJECT
 
 public:
-    /// window: over which the dialogs open.
-    PlaylistFiles(PlaylistEditorModel* model, QWidget* window);
+    /// A playlist as it was when the operator chose to do something with it.
+    struct List
+    {
+        uint number;
+        QString name;
+        bool isNew; // it comes to be by what is imported
+    };
 
-    /// Asks for a file; list: the playlist's name.
-    void importTable(const QString& list);
-    void exportTable(const QString& list);
-    void printSheet(const QString& list);
+    /// window: over which the dialogs open.
+    PlaylistFiles(PlaylistEditorModel* model, QUndoStack* stack, QWidget* window);
+
+    /// Asks for a file.
+    void importTable(const List& list);
+    void exportTable(const List& list);
+    void printSheet(const List& list);
     /// Shows what the file holds and imports it when the operator agrees.
-    void openTable(const QString& fileName, const QString& list);
+    void openTable(const QString& fileName, const List& list);
 
 private:
     QFileDialog* ask(const QString& title, const QString& filter, const QString& proposal);
-    void tellWritten(bool written, const QString& fileName) const;
+    const MediaLibrary& library() const;
+    bool isStillThere(const List& list, const QString& title) const;
+    void tellWritten(const QString& fault, const QString& fileName) const;
 
     PlaylistEditorModel* m_model;
+    QUndoStack* m_stack;
     QWidget* m_window;
 };
 

@@ -12,16 +12,18 @@ namespace vantrel {
 
 namespace {
 
-constexpr qsizetype mostShown = 500; // lines with faults; nobody reads more
+constexpr int sliceMs = 8; // of the main thread, between two turns of the window
 constexpr int listHeight = 160;
 
 } // namespace
 
 PlaylistImportDialog::PlaylistImportDialog(const QString& file, const QString& list, int count,
-                                           QWidget* parent)
+                                           const MediaLibrary& library, QWidget* parent)
     : ZTDialog(tr("Import playlist"), parent)
     , m_list(list)
     , m_count(count)
+    , m_file(file)
+    , m_import(library)
     , m_faults(new QPlainTextEdit(this))
 {
     setAttribute(Qt::WA_DeleteOnClose);
@@ -36,13 +38,29 @@ PlaylistImportDialog::PlaylistImportDialog(const QString& file, const QString& l
     contentLayout()->addWidget(m_faults);
     setObjectNames(QStringLiteral("PlaylistEditor-import"));
     m_faults->setObjectName(QStringLiteral("PlaylistEditor-import-faults"));
-    connect(this, &ZTDialog::confirmed, this, [this] { Q_EMIT importConfirmed(m_reading.entries); });
+    connect(this, &ZTDialog::confirmed, this, [this] { Q_EMIT importConfirmed(m_import.entries()); });
+    connect(&m_reading, &QTimer::timeout, this, &PlaylistImportDialog::readSome);
+    if (m_file.open(QIODevice::ReadOnly))
+        m_reading.start(0);
+    else
+        refuse(tr("The file cannot be read: %1.").arg(m_file.errorString()));
 }
 
-void PlaylistImportDialog::setReading(const PlaylistCsv::Reading& reading)
+void PlaylistImportDialog::readSome()
 {
-    m_reading = reading;
-    const int entries = int(reading.entries.size());
+    if (m_import.readSome(m_file, sliceMs))
+        return;
+    m_reading.stop();
+    m_file.close();
+    if (m_import.refusal().isEmpty())
+        showResult();
+    else
+        refuse(m_import.refusal());
+}
+
+void PlaylistImportDialog::showResult()
+{
+    const int entries = int(m_import.entries().size());
     QString text = entries == 0  ? tr("The file holds no entry that can be taken. Nothing would change.")
                    : m_count > 0 ? tr("%n entries can be taken. They replace the %1 entries of \"%2\".",
                                       nullptr, entries)
@@ -50,12 +68,12 @@ void PlaylistImportDialog::setReading(const PlaylistCsv::Reading& reading)
                                        .arg(m_list)
                                  : tr("%n entries can be taken into \"%1\".", nullptr, entries).arg(m_list);
     QStringList lines;
-    for (const PlaylistCsv::Fault& fault : reading.faults.first(std::min(mostShown, reading.faults.size())))
-        lines.append(tr("Line %1: %2").arg(fault.line).arg(fault.reason));
-    if (reading.faults.size() > mostShown)
-        lines.append(tr("... and %n more", nullptr, int(reading.faults.size() - mostShown)));
+    for (const PlaylistCsvImport::Problem& problem : m_import.problems())
+        lines.append(tr("Line %1: %2").arg(problem.line).arg(problem.text));
+    if (m_import.problemCount() > lines.size())
+        lines.append(tr("... and %n more", nullptr, int(m_import.problemCount() - lines.size())));
     if (!lines.isEmpty())
-        text += u'\n' + tr("%n lines cannot be taken:", nullptr, int(reading.faults.size()));
+        text += u'\n' + tr("%n lines cannot be taken:", nullptr, m_import.problemCount());
     setDescription(text);
     m_faults->setPlainText(lines.join(u'\n'));
     m_faults->setVisible(!lines.isEmpty());
@@ -63,7 +81,7 @@ void PlaylistImportDialog::setReading(const PlaylistCsv::Reading& reading)
     fitToContent();
 }
 
-void PlaylistImportDialog::setFault(const QString& reason)
+void PlaylistImportDialog::refuse(const QString& reason)
 {
     setDescription(reason);
     fitToContent();

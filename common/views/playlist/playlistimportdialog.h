@@ -1,34 +1,40 @@
 #pragma once
 
+#include "common/media/models/playlist/playlistcsv.h"
 #include "common/ui/toolkit/ztdialog.h"
-#include "common/views/playlist/playlistcsv.h"
+
+#include <QFile>
+#include <QTimer>
 
 class QPlainTextEdit;
 
 namespace vantrel {
 
 /// Shows what of a file becomes a playlist and names every line that cannot be taken, before anything is
-/// changed. Deletes itself once it is closed.
+/// changed. Reads in slices between which the window lives on. Deletes itself once it is closed.
 class PlaylistImportDialog : public ZTDialog
 {
     Q_OBJECT
 
 public:
-    /// list: the name of the playlist that gets the entries; count: those that it loses.
-    PlaylistImportDialog(const QString& file, const QString& list, int count, QWidget* parent = nullptr);
-
-    /// What was read. Until then the dialog says that it reads.
-    void setReading(const PlaylistCsv::Reading& reading);
-    /// The file could not be read at all; why, as a sentence.
-    void setFault(const QString& reason);
+    /// list: the name of the playlist that gets the entries; count: those that it loses. The library must
+    /// outlive the dialog.
+    PlaylistImportDialog(const QString& file, const QString& list, int count, const MediaLibrary& library,
+                         QWidget* parent = nullptr);
 
 Q_SIGNALS:
     void importConfirmed(const vantrel::ImportPlaylistCommand::Entries& entries);
 
 private:
+    void readSome();
+    void showResult();
+    void refuse(const QString& reason);
+
     QString m_list;
     int m_count;
-    PlaylistCsv::Reading m_reading;
+    QFile m_file;
+    PlaylistCsvImport m_import;
+    QTimer m_reading;
     QPlainTextEdit* m_faults;
 };
 

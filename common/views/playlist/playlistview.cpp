@@ -205,6 +205,8 @@ bool PlaylistView::handleHotkey(const QKeyEvent& event)
     const QKeySequence key = Hotkeys::pressed(event);
     if (key.isEmpty())
         return false;
+    if (state() == EditingState) // what the editor leaves over, such as the Enter that ends it
+        return true;
     const auto found = std::ranges::find_if(
         actions, [&key](const char* name) { return Hotkeys::current(QLatin1String(name)) == key; });
     if (found != actions.end()) {

@@ -15,6 +15,7 @@ Rundown::Kind holdOf(EndAction action, bool isLast)
     case EndAction::Repeat:
         return Rundown::Kind::Repeats;
     case EndAction::Pause:
+    case EndAction::GoTo: // it waits for where to go
         return isLast ? Rundown::Kind::Ends : Rundown::Kind::Pauses;
     case EndAction::Stop:
         return isLast ? Rundown::Kind::Ends : Rundown::Kind::Stops;
@@ -37,8 +38,12 @@ Rundown::Rundown(const QList<Entry>& entries, const EntryAddress& playing, const
 {
     const auto found =
         std::ranges::lower_bound(entries, playing, {}, [](const Entry& entry) { return entry->address(); });
-    if (found == entries.end() || (*found)->address() != playing)
+    if (found == entries.end() || (*found)->address() != playing) {
+        m_kind = Kind::Removed;
+        if (found != entries.end())
+            m_next = (*found)->address();
         return;
+    }
     if (found + 1 != entries.end())
         m_next = (*(found + 1))->address();
     walk(entries, found - entries.begin(), length);

@@ -19,6 +19,7 @@ class Rundown
 public:
     enum class Kind {
         None,    // the list does not play
+        Removed, // what plays is no entry any more; the list goes on behind its place
         Ends,    // after the last entry
         Pauses,  // at the end of an entry, until somebody goes on
         Stops,   // the same

@@ -1,11 +1,8 @@
 #include "common/media/items/guiplaylistentry.h"
 #include "common/media/items/mimedata.h"
 #include "common/views/playlist/droptarget.h"
-#include "common/views/playlist/playlistcsv.h"
 #include "common/views/playlist/playlistdrop.h"
 #include "common/views/playlist/rundown.h"
-#include "tarn/media/medialibrary.h"
-#include "tests/support/librarymaker.h"
 #include "tests/support/testmain.h"
 
 #include <QJsonDocument>
@@ -31,9 +28,6 @@ private Q_SLOTS:
     void payloads();
     void rundowns_data();
     void rundowns();
-    void tables_data();
-    void tables();
-    void tablesReadBack();
 };
 
 void TestPlaylistDrops::targets_data()
@@ -170,7 +164,7 @@ void TestPlaylistDrops::payloads()
 void TestPlaylistDrops::rundowns_data()
 {
     using R = Rundown::Kind;
-    QTest::addColumn<QByteArray>("actions"); // n, p, s, r of each entry; i: it has no end
+    QTest::addColumn<QByteArray>("actions"); // n, p, s, r, g of each entry; i: it has no end
     QTest::addColumn<int>("playing");
     QTest::addColumn<R>("kind");
     QTest::addColumn<int>("last");
@@ -185,7 +179,9 @@ void TestPlaylistDrops::rundowns_data()
     QTest::newRow("no end, later") << QByteArray("nnin") << 1 << R::Endless << 3 << 10.0;
     QTest::newRow("no end, now") << QByteArray("nin") << 2 << R::Endless << 2 << 0.0;
     QTest::newRow("behind one without an end") << QByteArray("innn") << 2 << R::Ends << 4 << 20.0;
-    QTest::newRow("not in the list") << QByteArray("nn") << 7 << R::None << 0 << 0.0;
+    QTest::newRow("holds for a target") << QByteArray("ngn") << 1 << R::Pauses << 2 << 10.0;
+    QTest::newRow("removed, the last") << QByteArray("nn") << 7 << R::Removed << 0 << 0.0;
+    QTest::newRow("removed, the first") << QByteArray("nn") << 0 << R::Removed << 0 << 0.0;
 }
 
 /// Entries of ten seconds each that follow by a cut.
@@ -206,6 +202,7 @@ void TestPlaylistDrops::rundowns()
         item.setEndAction(action == 'p'   ? EndAction::Pause
                           : action == 's' ? EndAction::Stop
                           : action == 'r' ? EndAction::Repeat
+                          : action == 'g' ? EndAction::GoTo
                                           : EndAction::Next);
         item.setRuntimes(before, after);
         entries.append(std::make_shared<GuiPlaylistEntry>(item));
@@ -217,85 +214,8 @@ void TestPlaylistDrops::rundowns()
     QTEST(rundown.seconds(), "seconds");
     if (rundown.kind() == Rundown::Kind::Ends)
         QCOMPARE(rundown.endOf(rundown.last()), std::optional(rundown.seconds()));
+    QCOMPARE(rundown.next(), playing < actions.size() ? EntryAddress(playing + 1, 0) : EntryAddress());
     QVERIFY(!rundown.endOf(EntryAddress(playing - 1, 0)));
-}
-
-void TestPlaylistDrops::tables_data()
-{
-    QTest::addColumn<QByteArray>("text");
-    QTest::addColumn<QString>("taken");  // addresses
-    QTest::addColumn<QString>("faults"); // lines
-    const auto table = [](const char* rows) {
-        return QByteArray("Address,Media,Transition,End action\n") + rows;
-    };
-    QTest::newRow("plain") << table("1,1-1,,\n2.5,1-2,Crossfade,pause\n") << "1 2.5"
-                           << "";
-    QTest::newRow("out of order") << table("7,1-1\n3,1-1\n") << "3 7"
-                                  << "";
-    QTest::newRow("URL of a slot") << table("1,brume://collections/1/slots/1\n") << "1"
-                                   << "";
-    QTest::newRow("other columns, Windows, semicolons")
-        << QByteArray("\xef\xbb\xbfMedia;Name;ADDRESS\r\n1-1;\"a; \"\"b\"\"\n\";4\r\n1-1;x;5") << "4 5"
-        << "";
-    QTest::newRow("blank lines") << table("\n1,1-1\n\n\n2,1-1\n") << "1 2"
-                                 << "";
-    QTest::newRow("no such address") << table("0,1-1\nx,1-1\n1.2.3,1-1\n,1-1\n9,1-1\n") << "9"
-                                     << "2 3 4 5";
-    QTest::newRow("no such medium") << table("1,clip.mp4\n2,\n3,1--1\n4,1-99\n5,1-1\n") << "5"
-                                    << "2 3 4 5";
-    QTest::newRow("no such value") << table("1,1-1,wipe,\n2,1-1,,goTo\n") << ""
-                                   << "2 3";
-    QTest::newRow("twice") << table("1,1-1\n1,1-2\n") << "1"
-                           << "3";
-    QTest::newRow("quote without an end") << table("1,1-1\n2,\"1-1\n3,1-1\n") << "1"
-                                          << "3";
-    QTest::newRow("no columns") << QByteArray("1,1-1\n2,1-1\n") << ""
-                                << "1";
-    QTest::newRow("empty") << QByteArray() << ""
-                           << "1";
-    QTest::newRow("no text") << QByteArray("\x00\xff\xfe\n,,\"", 7) << ""
-                             << "1";
-}
-
-void TestPlaylistDrops::tables()
-{
-    QFETCH(QByteArray, text);
-    test::allowWarnings(QStringLiteral("did not match|Invalid"));
-    const Ref<MediaLibrary> library = test::makeLibrary(1, 3);
-    PlaylistCsv::Reading reading = PlaylistCsv::read(text);
-    PlaylistCsv::checkMedia(reading, *library);
-    QStringList taken;
-    for (const auto& [address, each] : reading.entries)
-        taken.append(QString::fromStdString(address.toString(false)));
-    QStringList faults;
-    for (const PlaylistCsv::Fault& fault : reading.faults) {
-        faults.append(QString::number(fault.line));
-        QVERIFY(fault.reason.endsWith(u'.'));
-    }
-    QTEST(taken.join(u' '), "taken");
-    QTEST(faults.join(u' '), "faults");
-}
-
-void TestPlaylistDrops::tablesReadBack()
-{
-    const Ref<MediaLibrary> library = test::makeLibrary(1, 3);
-    Playlist list("a, \"b\"");
-    int minor = 0;
-    for (const EndAction action : {EndAction::Next, EndAction::Pause, EndAction::Stop, EndAction::Repeat}) {
-        PlaylistEntry each;
-        each.setMediaUrl("brume://collections/1/slots/2");
-        each.setEndAction(action);
-        each.setTransitionType(TakeTransitionType::DipToColor);
-        each.setTransitionDuration(0.5 * ++minor);
-        QVERIFY(list.addEntry(EntryAddress(3, minor), each));
-    }
-    QVERIFY(library->addPlaylist(4, list));
-    const PlaylistCsv::Reading reading = PlaylistCsv::read(PlaylistCsv::write(*library, 4));
-    QVERIFY(reading.faults.isEmpty());
-    Playlist back("a, \"b\"");
-    for (const auto& [address, each] : reading.entries)
-        back.addEntry(address, each);
-    QVERIFY(back.toJson() == list.toJson());
 }
 
 HALCYRA_TEST(TestPlaylistDrops)

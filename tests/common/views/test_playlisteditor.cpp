@@ -74,6 +74,9 @@ private Q_SLOTS:
     void keysEdit_data();
     void keysEdit();
     void nameIsEdited();
+    void typedTimesCount_data();
+    void typedTimesCount();
+    void listsStartOnProgramWithTheirFirst();
     void lyingDropsChangeNothing();
     void dropsGoWhereTheyAreShown_data();
     void dropsGoWhereTheyAreShown();
@@ -91,6 +94,7 @@ private:
     {
         return m_editor->findChild<T*>(QLatin1String(name));
     }
+    static void drop(PlaylistEditor* editor, QMimeData* data, const QPoint& at);
     void drop(QMimeData* data, const QPoint& viewportPosition);
 
     std::unique_ptr<PlayerFixture> m_fixture;
@@ -106,7 +110,7 @@ void TestPlaylistEditor::menuOffersWhatIsPossible_data()
     QTest::newRow("empty list") << 1 << QList<int>{} << "N";
     QTest::newRow("nothing selected") << 2 << QList<int>{} << "NC";
     QTest::newRow("first") << 2 << QList<int>{0} << "PRDENC";
-    QTest::newRow("second") << 2 << QList<int>{1} << "PRUDENC";
+    QTest::newRow("second, without room below") << 2 << QList<int>{1} << "PRUENC";
     QTest::newRow("last") << 2 << QList<int>{3} << "PRUENC";
     QTest::newRow("two") << 2 << QList<int>{1, 2} << "RUDENC";
     QTest::newRow("first and last") << 2 << QList<int>{0, 3} << "RENC";
@@ -151,7 +155,8 @@ void TestPlaylistEditor::emptyListsSayWhatToDo()
 
 void TestPlaylistEditor::renumberingSaysWhatIsWrong()
 {
-    allowWarnings(QStringLiteral("numbering plan|Failed to find|renumber|Failed to add"));
+    allowWarnings(QStringLiteral("Failed to find 8"));
+    allowWarnings(QStringLiteral("Unable to acquire valid numbering plan"));
     select({0, 1});
     m_editor->doRenumber();
     auto* dialog = dialogPart<QDialog>("Playlist-Renumber-Dialog");
@@ -240,7 +245,7 @@ void TestPlaylistEditor::keysEdit()
     QFETCH(Qt::KeyboardModifiers, modifiers);
     QFETCH(QString, opens);
     QFETCH(bool, edits);
-    select({1});
+    select({2});
     QTest::keyClick(m_view, Qt::Key(key), modifiers);
     if (!opens.isEmpty())
         QVERIFY(m_editor->findChild<QWidget*>(opens));
@@ -254,31 +259,92 @@ void TestPlaylistEditor::nameIsEdited()
 {
     auto* chooser = m_fixture->part<QComboBox>("Preview-PlaylistEditor-dropdown");
     QTRY_COMPARE(chooser->currentText(), QStringLiteral("2: Show"));
+    const auto field = [this] {
+        return m_editor->findChild<QLineEdit*>(QStringLiteral("Preview-PlaylistEditor-dropdown-edit"));
+    };
     m_editor->doRenamePlaylist();
-    QVERIFY(chooser->isEditable());
-    QCOMPARE(chooser->lineEdit()->selectedText(), QStringLiteral("Show"));
-    QTest::keyClick(chooser->lineEdit(), Qt::Key_Escape);
-    QTRY_VERIFY(!chooser->isEditable());
+    QVERIFY(field());
+    QCOMPARE(field()->selectedText(), QStringLiteral("Show"));
+    QTest::keyClick(field(), Qt::Key_Escape);
+    QTRY_VERIFY(!field());
     QVERIFY(m_fixture->patches.isEmpty());
     m_editor->doRenamePlaylist();
-    chooser->lineEdit()->setText(QStringLiteral("Gala"));
-    QTest::keyClick(chooser->lineEdit(), Qt::Key_Return);
+    field()->setText(QStringLiteral("Gala"));
+    // What is shown goes over to another list, and the library tells of the list: the name stays what it is.
+    m_editor->changePlaylistNumber(1);
+    QTRY_COMPARE(chooser->currentText(), QStringLiteral("1: Empty"));
+    QCOMPARE(field()->text(), QStringLiteral("Gala"));
+    QTest::keyClick(field(), Qt::Key_Return);
     QTRY_COMPARE(m_fixture->patches.size(), 1);
     QVERIFY(m_fixture->patches.first().contains("Gala"));
+    QVERIFY2(m_fixture->patches.first().contains("/2"), m_fixture->patches.first().constData());
+    m_editor->changePlaylistNumber(2);
     QTRY_COMPARE(chooser->currentText(), QStringLiteral("2: Gala"));
 }
 
-/// Drags the data over the view to a point and drops it there.
-void TestPlaylistEditor::drop(QMimeData* data, const QPoint& viewportPosition)
+void TestPlaylistEditor::typedTimesCount_data()
+{
+    QTest::addColumn<QString>("typed");
+    QTest::addColumn<int>("key");
+    QTest::addColumn<int>("edited"); // entries
+    QTest::newRow("Enter") << "2.5" << int(Qt::Key_Return) << 2;
+    QTest::newRow("Tab") << "2.5" << int(Qt::Key_Tab) << 2;
+    QTest::newRow("nothing typed") << "" << int(Qt::Key_Tab) << 0;
+}
+
+/// A time is for all rows that are selected, and the key that ends it means nothing else.
+void TestPlaylistEditor::typedTimesCount()
+{
+    QFETCH(QString, typed);
+    QFETCH(int, key);
+    QFETCH(int, edited);
+    select({0, 1});
+    m_fixture->takeSent();
+    const QModelIndex cell = m_editor->model()->index(0, PlaylistModel::TransitionDurationColumn);
+    static_cast<QAbstractItemView*>(m_view)->edit(cell);
+    auto* field =
+        m_editor->findChild<QLineEdit*>(QStringLiteral("Preview-PlaylistTransitionDuration-editor"));
+    QVERIFY(field);
+    field->setFocus();
+    field->selectAll();
+    QTest::keyClicks(field, typed);
+    const QPointer<QLineEdit> open = field;
+    QTest::keyClick(field, Qt::Key(key));
+    QTRY_VERIFY(!open);
+    if (edited > 0)
+        QTRY_COMPARE(m_fixture->patches.size(), 1);
+    QCOMPARE(m_fixture->patches.value(0).count("transitionDuration"), edited);
+    QVERIFY(!m_fixture->takeSent().contains(QStringLiteral("playlists/2/entries"))); // nothing was cued
+}
+
+/// By the first address, whatever the rows are sorted by; the list that is shown is that on air.
+void TestPlaylistEditor::listsStartOnProgramWithTheirFirst()
+{
+    auto* program = m_fixture->part<PlaylistEditor>("PlaylistEditor-program");
+    program->model()->sort(PlaylistModel::NumberColumn, Qt::DescendingOrder);
+    m_fixture->takeSent();
+    const uint before = program->model()->playlistNumber();
+    const QJsonObject show{{"name", "Show"}, {"number", 2}, {"entryCount", 4}, {"duration", 2}};
+    drop(program, createMimeData({show}, MimeItemCategory::Playlist, MediaItemType::Playlist), {5, 5});
+    QVERIFY(m_fixture->waitForSent().contains(QStringLiteral("playlists/2/entries/1\"")));
+    QCOMPARE(program->model()->playlistNumber(), before);
+}
+
+/// Drags the data over the editor to a point and drops it there.
+void TestPlaylistEditor::drop(PlaylistEditor* editor, QMimeData* data, const QPoint& at)
 {
     const std::unique_ptr<QMimeData> owned(data);
-    const QPoint at = m_view->viewport()->mapTo(m_editor, viewportPosition);
     QDragEnterEvent enter(at, Qt::CopyAction, data, Qt::LeftButton, Qt::NoModifier);
-    QCoreApplication::sendEvent(m_editor, &enter);
+    QCoreApplication::sendEvent(editor, &enter);
     QDragMoveEvent move(at, Qt::CopyAction, data, Qt::LeftButton, Qt::NoModifier);
-    QCoreApplication::sendEvent(m_editor, &move);
+    QCoreApplication::sendEvent(editor, &move);
     QDropEvent event(at, Qt::CopyAction, data, Qt::LeftButton, Qt::NoModifier);
-    QCoreApplication::sendEvent(m_editor, &event);
+    QCoreApplication::sendEvent(editor, &event);
+}
+
+void TestPlaylistEditor::drop(QMimeData* data, const QPoint& viewportPosition)
+{
+    drop(m_editor, data, m_view->viewport()->mapTo(m_editor, viewportPosition));
 }
 
 void TestPlaylistEditor::lyingDropsChangeNothing()
