@@ -29,9 +29,10 @@ QAccessibleInterface* make(const QString& name, QObject* object)
         return new AccessibleTimeline(part, slider, [slider] { return slider->position(); });
     if (name != QLatin1String("vantrel::SeekSliderMarker"))
         return nullptr;
-    if (part->objectName().endsWith(QLatin1String("-inMarker")))
-        return new AccessibleTimeline(part, slider, [slider] { return slider->inpoint(); });
-    return new AccessibleTimeline(part, slider, [slider] { return slider->outpoint(); });
+    return new AccessibleTimeline(part, slider, [slider, part] {
+        return part->objectName().endsWith(QLatin1String("-inMarker")) ? slider->inpoint()
+                                                                       : slider->outpoint();
+    });
 }
 
 } // namespace

@@ -6,6 +6,7 @@
 #include "common/ui/timecode/timecodedisplay.h"
 #include "common/ui/toolkit/ztlabel.h"
 
+#include <QEvent>
 #include <QGridLayout>
 
 #include <utility>
@@ -16,6 +17,7 @@ namespace {
 
 /// What a single row needs besides its four items.
 constexpr int rowSlack = 23;
+constexpr int leastMiddle = 160;  // pixels in which a number and a name can be read
 constexpr double soonFrom = 10.0; // seconds that are left
 constexpr double nowFrom = 5.0;
 constexpr double assumedPicture = 0.04; // seconds, of media without a rate
@@ -74,7 +76,22 @@ void PlaybackTimecodes::setMiddle(QWidget* widget)
 {
     m_middle = widget;
     widget->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    widget->installEventFilter(this);
     placeMiddle();
+}
+
+bool PlaybackTimecodes::eventFilter(QObject* watched, QEvent* event)
+{
+    if (watched == m_middle &&
+        (event->type() == QEvent::ShowToParent || event->type() == QEvent::HideToParent))
+        QMetaObject::invokeMethod(this, &PlaybackTimecodes::arrange, Qt::QueuedConnection);
+    return ZTFrame::eventFilter(watched, event);
+}
+
+void PlaybackTimecodes::fitMiddle(int left)
+{
+    const bool isShown = m_middle && m_middle->isVisibleTo(this);
+    m_playheadLabel->setVisible(!isShown || m_isStacked || left >= leastMiddle);
 }
 
 void PlaybackTimecodes::placeMiddle()
@@ -201,6 +218,7 @@ void PlaybackTimecodes::arrange()
     if (m_largest && (m_isPlacedStacked != m_isStacked || m_placedHeight != m_largest->sizeHint().height()))
         place();
     showRemaining();
+    fitMiddle(width() - used);
 }
 
 void PlaybackTimecodes::stackLayout()

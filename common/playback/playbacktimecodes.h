@@ -44,6 +44,7 @@ public Q_SLOTS:
 
 protected:
     void resizeEvent(QResizeEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     void updatePlayhead();
@@ -56,6 +57,9 @@ private:
     void stackLayout();
     void unstackLayout();
     void placeMiddle();
+    /// Where the middle needs it, the caption of the playhead gives way: the figures have a name of their
+    /// own.
+    void fitMiddle(int left);
 
     QGridLayout* m_layout;
     ZTLabel* m_playheadLabel;

@@ -17,7 +17,7 @@ namespace {
 
 constexpr int knobWidth = 10; // pixels
 constexpr int groovePixels = 72;
-constexpr qreal disabledOpacity = 0.6;
+constexpr qreal disabledOpacity = 0.65;
 
 } // namespace
 

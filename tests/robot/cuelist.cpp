@@ -203,7 +203,7 @@ void CueList::byMouse()
 {
     QVERIFY(m_robot.click(head + QStringLiteral("-new-button")));
     QVERIFY(keep());
-    QTRY_COMPARE(m_robot.text(head + QStringLiteral("-dropdown")), QStringLiteral("1: New playlist 1"));
+    QTRY_VERIFY(m_robot.text(head + QStringLiteral("-dropdown")).endsWith(QStringLiteral("New playlist 1")));
     // Red and blue in turn, each under the last.
     for (int i = 0; i < entries; ++i) {
         QVERIFY(drag(cell(media, i % 2, 0), under(list, 4)));
@@ -266,6 +266,7 @@ void CueList::byKeyboard()
         keep([](const QJsonObject& now) { return now["playlists"]["1"]["name"] == QLatin1String("show"); }));
 
     QVERIFY(tabTo(media));
+    m_robot.key(QStringLiteral("Down")); // the focus alone selects nothing
     for (int i = 0; i < entries; ++i) {
         m_robot.key(i % 2 == 0 ? QStringLiteral("Up") : QStringLiteral("Down"));
         m_robot.key(QStringLiteral("Insert"));

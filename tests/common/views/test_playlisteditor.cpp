@@ -15,6 +15,8 @@
 #include <QComboBox>
 #include <QDialog>
 #include <QDropEvent>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMimeData>
@@ -29,12 +31,16 @@ namespace {
 /// Playlist 1 is empty, 2 holds 1, 2, 3 and 3.1; there is no room between 3 and 3.1.
 QByteArray libraryWithLists()
 {
-    QByteArray entries;
+    const QJsonObject entry{{"slotUrl", "brume://collections/1/slots/1"},
+                            {"endAction", "next"},
+                            {"transitionType", "crossfade"},
+                            {"transitionDuration", 1.0}};
+    QJsonObject entries;
     for (const char* address : {"1", "2", "3", "3.1"})
-        entries += QByteArray(entries.isEmpty() ? "" : ",") + '"' + address +
-                   R"(":{"slotUrl":"brume://collections/1/slots/1","endAction":"next",)"
-                   R"("transitionType":"crossfade","transitionDuration":1.0})";
-    return R"({"1":{"name":"Empty","entries":{}},"2":{"name":"Show","entries":{)" + entries + "}}}";
+        entries.insert(QLatin1String(address), entry);
+    const QJsonObject empty{{"name", "Empty"}, {"entries", QJsonObject()}};
+    const QJsonObject show{{"name", "Show"}, {"entries", entries}};
+    return QJsonDocument(QJsonObject{{"1", empty}, {"2", show}}).toJson(QJsonDocument::Compact);
 }
 
 } // namespace
