@@ -280,7 +280,7 @@ void CueList::byKeyboard()
     m_robot.key(QStringLiteral("Alt+Up"));
     QVERIFY(keep());
     QCOMPARE(addresses().size(), entries);
-    m_robot.key(QStringLiteral("CtrlR"));
+    m_robot.key(QStringLiteral("Ctrl+R"));
     QVERIFY(!m_robot.waitFor(QStringLiteral("Playlist-Renumber-Dialog")).isEmpty());
     m_robot.key(QStringLiteral("Tab"));
     m_robot.key(QStringLiteral("CtrlA"));
@@ -290,8 +290,8 @@ void CueList::byKeyboard()
         return now["playlists"]["1"]["entries"].toObject().contains(QStringLiteral("50"));
     }));
     QTRY_VERIFY(m_robot.find(QStringLiteral("Playlist-Renumber-Dialog")).isEmpty());
-    m_robot.key(QStringLiteral("CtrlC"));
-    m_robot.key(QStringLiteral("CtrlV"));
+    m_robot.key(QStringLiteral("Ctrl+C"));
+    m_robot.key(QStringLiteral("Ctrl+V"));
     QVERIFY(keep([](const QJsonObject& now) {
         return now["playlists"]["1"]["entries"].toObject().size() == entries + 1;
     }));
