@@ -74,10 +74,14 @@ bool isLibraryRead(const QString& text)
 
 bool LibraryEditCommand::hasApi() const
 {
-    const Session* session = Session::instance();
-    if (session && session->getMediaLibraryApi())
+    return hasApiOrWarns("No api available, check connection?");
+}
+
+bool LibraryEditCommand::hasApiOrWarns(const char* warning) const
+{
+    if (sessionApi())
         return true;
-    qCWarning(lcCommand) << "No api available, check connection?";
+    qCWarning(lcCommand) << warning;
     return false;
 }
 

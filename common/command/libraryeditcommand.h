@@ -32,6 +32,7 @@ protected:
 
     /// Whether there is a server to send the patches to; warns when there is none.
     virtual bool hasApi() const;
+    bool hasApiOrWarns(const char* warning) const;
 
 private:
     bool m_wasRehearsed = false;

@@ -284,6 +284,8 @@ void Session::connectMediaLibraryApi()
 {
     using Api = MediaLibraryApi;
     const Api* api = m_mediaLibraryApi.get();
+    m_previewPlaylistEditorModel->setLibraryApi(api);
+    m_programPlaylistEditorModel->setLibraryApi(api);
     // The order of the connections is the order in which models and providers learn of a change.
     MediaLibraryModel* model = m_mediaLibraryModel.get();
     connect(api, &Api::mediaLibraryReplaced, model, &MediaLibraryModel::reset);

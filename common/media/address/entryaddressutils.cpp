@@ -13,7 +13,7 @@ constexpr long long maxRange = 100'000;
 EntryAddress parsed(const QString& text)
 {
     EntryAddress address;
-    if (!address.parseString(text.toStdString()))
+    if (!address.parseString(text.trimmed().toStdString()))
         return {};
     return address;
 }
@@ -74,6 +74,8 @@ QList<EntryAddress> EntryAddressUtils::rangesToEntries(const QString& text)
 {
     QList<EntryAddress> entries;
     for (const QString& part : text.split(u',', Qt::SkipEmptyParts)) {
+        if (part.trimmed().isEmpty())
+            continue;
         if (!part.contains(u'-')) {
             entries.append(parsed(part));
             continue;

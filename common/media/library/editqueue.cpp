@@ -255,6 +255,7 @@ void EditQueue::dropFirst()
     m_patience.stop();
     m_awaited.reset();
     m_state = State::Idle;
+    Q_EMIT dropped();
 }
 
 } // namespace vantrel

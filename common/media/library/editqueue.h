@@ -37,6 +37,10 @@ public:
     /// Nothing that waits can be sent any more.
     void refuseAll(const QString& why);
 
+Q_SIGNALS:
+    /// An edit is not under way any more: the library shows it, or it was refused.
+    void dropped();
+
 private:
     struct Entry
     {

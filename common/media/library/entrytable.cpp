@@ -23,15 +23,12 @@ void EntryTable::put(const Item& item)
     Row row{item, MediaAddress(), unknown};
     row.slot.parseString(item->slotUrl().toStdString());
     addUser(row);
-    Rows& rows = m_rows[item->playlistNumber()];
-    const auto at = std::ranges::lower_bound(rows, row.address(), {}, &Row::address);
-    if (at == rows.end() || at->address() != row.address()) {
-        rows.insert(at, std::move(row));
-    } else {
-        if (at->slot != row.slot)
-            removeUser(*at);
-        *at = std::move(row);
-    }
+    const auto [at, isNew] = m_rows[item->playlistNumber()].try_emplace(item->address(), row);
+    if (isNew)
+        return;
+    if (at->second.slot != row.slot)
+        removeUser(at->second);
+    at->second = std::move(row);
 }
 
 bool EntryTable::remove(uint playlist, EntryAddress address)
@@ -39,12 +36,11 @@ bool EntryTable::remove(uint playlist, EntryAddress address)
     const auto found = m_rows.find(playlist);
     if (found == m_rows.end())
         return false;
-    Rows& rows = found->second;
-    const auto at = std::ranges::lower_bound(rows, address, {}, &Row::address);
-    if (at == rows.end() || at->address() != address)
+    const auto at = found->second.find(address);
+    if (at == found->second.end())
         return false;
-    removeUser(*at);
-    rows.erase(at);
+    removeUser(at->second);
+    found->second.erase(at);
     return true;
 }
 
@@ -53,7 +49,7 @@ void EntryTable::removeAll(uint playlist)
     const auto found = m_rows.find(playlist);
     if (found == m_rows.end())
         return;
-    for (const Row& row : found->second)
+    for (const auto& [address, row] : found->second)
         removeUser(row);
     m_rows.erase(found);
 }
@@ -63,8 +59,8 @@ const EntryTable::Row* EntryTable::row(uint playlist, EntryAddress address) cons
     const auto found = m_rows.find(playlist);
     if (found == m_rows.end())
         return nullptr;
-    const auto at = std::ranges::lower_bound(found->second, address, {}, &Row::address);
-    return at != found->second.end() && at->address() == address ? &*at : nullptr;
+    const auto at = found->second.find(address);
+    return at != found->second.end() ? &at->second : nullptr;
 }
 
 EntryTable::Row* EntryTable::row(uint playlist, EntryAddress address)
@@ -85,7 +81,7 @@ QList<EntryTable::Item> EntryTable::items(uint playlist) const
     if (found == m_rows.end())
         return items;
     items.reserve(static_cast<qsizetype>(found->second.size()));
-    for (const Row& row : found->second)
+    for (const auto& [address, row] : found->second)
         items.append(row.item);
     return items;
 }
@@ -102,12 +98,18 @@ MediaAddress EntryTable::slotOf(uint playlist, EntryAddress address) const
     return found ? found->slot : MediaAddress();
 }
 
+QList<EntryTable::Place> EntryTable::usersOf(MediaAddress slot) const
+{
+    const auto users = m_users.constFind(slot);
+    return users == m_users.cend() ? QList<Place>() : QList<Place>(users->begin(), users->end());
+}
+
 QList<EntryTable::Place> EntryTable::usersOfCollection(uint collection) const
 {
     QList<Place> users;
     for (auto it = m_users.cbegin(); it != m_users.cend(); ++it) {
         if (it.key().collection == static_cast<int>(collection))
-            users += it.value();
+            users.append(QList<Place>(it.value().begin(), it.value().end()));
     }
     std::sort(users.begin(), users.end());
     return users;
@@ -120,7 +122,7 @@ EntryTable::Times EntryTable::updateRuntimes(uint playlist, const MediaLibrary& 
     if (found == m_rows.end())
         return times;
     PlaylistClock clock;
-    for (Row& row : found->second) {
+    for (auto& [address, row] : found->second) {
         const GuiPlaylistEntry& entry = *row.item;
         // Who names no slot is told of none.
         if (row.duration == unknown || !row.slot.isValid())
@@ -151,11 +153,7 @@ void EntryTable::addUser(const Row& row)
 {
     if (!row.slot.isValid())
         return;
-    QList<Place>& users = m_users[row.slot];
-    const Place place(row.item->playlistNumber(), row.address());
-    const auto at = std::lower_bound(users.cbegin(), users.cend(), place);
-    if (at == users.cend() || *at != place)
-        users.insert(at, place);
+    m_users[row.slot].insert(Place(row.item->playlistNumber(), row.address()));
 }
 
 void EntryTable::removeUser(const Row& row)
@@ -163,11 +161,8 @@ void EntryTable::removeUser(const Row& row)
     const auto users = m_users.find(row.slot);
     if (users == m_users.end())
         return;
-    const Place place(row.item->playlistNumber(), row.address());
-    const auto at = std::lower_bound(users->cbegin(), users->cend(), place);
-    if (at != users->cend() && *at == place)
-        users->erase(at);
-    if (users->isEmpty())
+    users->erase(Place(row.item->playlistNumber(), row.address()));
+    if (users->empty())
         m_users.erase(users);
 }
 

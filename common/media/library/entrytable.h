@@ -8,8 +8,8 @@
 
 #include <map>
 #include <memory>
+#include <set>
 #include <utility>
-#include <vector>
 
 namespace vantrel {
 
@@ -40,7 +40,7 @@ public:
     uint count(uint playlist) const;
     /// No address when the entry is absent or its URL names no slot.
     MediaAddress slotOf(uint playlist, EntryAddress address) const;
-    QList<Place> usersOf(MediaAddress slot) const { return m_users.value(slot); }
+    QList<Place> usersOf(MediaAddress slot) const;
     QList<Place> usersOfCollection(uint collection) const;
 
     /// What became of the running times of a playlist.
@@ -63,7 +63,8 @@ private:
         MediaAddress slot;
         double duration = unknown; // what of the slot is played, seconds
     };
-    using Rows = std::vector<Row>;
+    // A patch adds or removes thousands one by one: each must cost the same wherever it stands.
+    using Rows = std::map<EntryAddress, Row>;
     static constexpr double unknown = -1;
 
     Row* row(uint playlist, EntryAddress address);
@@ -72,7 +73,7 @@ private:
     void removeUser(const Row& row);
 
     std::map<uint, Rows> m_rows;
-    QHash<MediaAddress, QList<Place>> m_users; // in ascending order
+    QHash<MediaAddress, std::set<Place>> m_users;
 };
 
 } // namespace vantrel

@@ -282,15 +282,13 @@ void PlaybackModel::setEndActionCommand(EndAction endAction)
         return;
     const MediaLibrary* library = m_playlistProvider->mediaLibrary();
     const auto number = static_cast<int>(m_playlist.number());
-    const PlaylistEntry* present = library ? library->findPlaylistEntry(number, m_entry.address()) : nullptr;
-    if (!present) {
+    if (!library || !library->findPlaylistEntry(number, m_entry.address())) {
         qErrnoWarning("Invalid implementation. Entry missing from library.");
         return;
     }
-    PlaylistEntry entry = *present;
-    entry.setEndAction(endAction);
+    const auto change = [endAction](PlaylistEntry& entry) { entry.setEndAction(endAction); };
     tryExecute<EditPlaylistEntryCommand>(Session::instance()->getQUndoStack(), library, number,
-                                         m_entry.address(), entry);
+                                         QList{m_entry.address()}, change);
 }
 
 bool PlaybackModel::updateEndActionMode()

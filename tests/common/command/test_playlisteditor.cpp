@@ -54,7 +54,11 @@ private:
         /// When the server has all edits, and the window what became of them.
         bool settle()
         {
-            return QTest::qWaitFor([this] { return server.isIdle(); }) &&
+            const auto isDone = [this] {
+                QCoreApplication::sendPostedEvents(model); // gestures that wait for their turn
+                return server.isIdle();
+            };
+            return QTest::qWaitFor(isDone) &&
                    server.library->toJson() == server.peer.session->mediaLibrary()->toJson();
         }
 
@@ -158,6 +162,71 @@ private Q_SLOTS:
         QCOMPARE(all[2].data(Qt::EditRole).toInt(), static_cast<int>(TakeTransitionType::DirectCut));
     }
 
+    /// The second of two quick edits of an entry leaves the first one alone, whichever way it was made.
+    void editsBesideAnEdit()
+    {
+        Editor e;
+        QVERIFY(e.connect());
+        const auto cut = TakeTransitionType::DirectCut;
+        e.model->setTransition(e.row(0), cut);
+        e.model->setEndAction(e.row(0), EndAction::Pause);
+        e.model->setEndAction(e.row(1), EndAction::Pause);
+        e.model->setEndAction(e.row(1), EndAction::Next); // what the screen shows still
+        QVERIFY(e.settle());
+        QCOMPARE(e.model->getEntry(e.row(0))->transitionType(), cut);
+        QCOMPARE(e.model->getEntry(e.row(0))->endAction(), EndAction::Pause);
+        QCOMPARE(e.model->getEntry(e.row(1))->endAction(), EndAction::Next);
+        QCOMPARE(saidCount(), 0);
+    }
+
+    /// A move that is held down goes on with the entry; what else is done to an entry on its way is refused.
+    void gesturesBesideAMove()
+    {
+        Editor e;
+        QVERIFY(e.connect());
+        e.model->doInsertEnd(urls({4, 5}));
+        QVERIFY(e.settle());
+        e.model->sort(PlaylistModel::NumberColumn, Qt::DescendingOrder);
+        const QPersistentModelIndex moved(e.row(0));
+        for (int i = 0; i < 3; ++i)
+            e.model->doMoveDown({moved});
+        QCOMPARE(saidCount(), 0);
+        e.model->doRemove({moved});
+        QCOMPARE(saidCount(), 1);
+        e.model->setEndAction(moved, EndAction::Stop);
+        QCOMPARE(saidCount(), 2);
+        e.model->setEndAction(e.row(4), EndAction::Stop); // not on its way anywhere
+        QVERIFY(e.settle());
+        QCOMPARE(moved.row(), 3);
+        QCOMPARE(e.shown().section(u'=', -1), QStringLiteral("s1"));
+        QCOMPARE(e.model->getEntry(e.row(4))->endAction(), EndAction::Stop);
+        e.model->sort(PlaylistModel::MediaColumn);
+        e.model->doMoveUp({moved});
+        e.model->doInsertEnd(urls({6})); // the end is the end, whatever the order on the screen
+        QVERIFY(e.settle());
+        QCOMPARE(saidCount(), 3);
+        QCOMPARE(e.model->rowCount(), 6);
+    }
+
+    /// The library is read anew: the selection and the row of what stays are as they were.
+    void survivesAReading()
+    {
+        Editor e;
+        QVERIFY(e.connect());
+        const QAbstractItemModelTester tester(e.model, Failure::Fatal);
+        const QPersistentModelIndex kept(e.row(1));
+        const QPersistentModelIndex removed(e.row(2));
+        e.server.library->findPlaylist(1)->removeEntry({3, 0});
+        e.server.library->findPlaylist(1)->addEntry({1, 5}, {slotUrl(1, 7), {}, {}, 0});
+        e.server.library->findSlot(1, 2)->setName("renamed2");
+        e.server.peer.session->getMediaLibraryApi()->requestMediaLibrary();
+        QVERIFY(QTest::qWaitFor([&] { return e.model->indexOf({1, 5}).isValid(); }));
+        QCOMPARE(e.model->getEntryAddress(kept), EntryAddress(2, 0));
+        QCOMPARE(kept.sibling(kept.row(), PlaylistModel::MediaColumn).data().toString(),
+                 QStringLiteral("renamed2"));
+        QVERIFY(!removed.isValid());
+    }
+
     /// Entries go between lists with all that they are; what is no such payload changes nothing.
     void pastes()
     {
@@ -179,7 +248,9 @@ private Q_SLOTS:
         QCOMPARE(e.shown(), QStringLiteral("1=s1 1.1=s2 1.2=s3 2=s2 3=s3"));
         const int steps = e.stack()->count();
         for (const QByteArray json :
-             {"[{}]", "no json", "[]", "[{\"slotUrl\":\"brume://playlists/1/entries/1\"}]"}) {
+             {"[{}]", "no json", "[]", "[{\"slotUrl\":\"brume://playlists/1/entries/1\"}]",
+              "[{\"slotUrl\":\"brume://collections/1/slots/2\",\"playlistIndex\":1,\"endAction\":99,"
+              "\"transitionType\":0,\"transitionDuration\":1}]"}) {
             QMimeData bad;
             bad.setData(mimeformat::json, json);
             bad.setData(mimeformat::category, "2");
@@ -298,7 +369,8 @@ private:
             random.below(2) ? e.stack()->undo() : e.stack()->redo();
             break;
         default:
-            model->sort(random.below(PlaylistModel::ColumnCount),
+            model->sort(random.below(4) ? PlaylistModel::NumberColumn
+                                        : random.below(PlaylistModel::ColumnCount),
                         random.below(2) ? Qt::AscendingOrder : Qt::DescendingOrder);
         }
     }

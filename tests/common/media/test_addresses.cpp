@@ -189,6 +189,7 @@ void TestAddresses::rangesRead_data()
     QTest::newRow("decimals of ends ignored") << QStringLiteral("1.2-3.4") << List{{1, 0}, {2, 0}, {3, 0}};
     QTest::newRow("backwards") << QStringLiteral("3-1") << List{};
     QTest::newRow("empty parts") << QStringLiteral(",,2,") << List{{2, 0}};
+    QTest::newRow("blanks") << QStringLiteral(" 3, 6 , ,8 - 9") << List{{3, 0}, {6, 0}, {8, 0}, {9, 0}};
     QTest::newRow("no address") << QStringLiteral("x") << List{EntryAddress()};
     QTest::newRow("lone dash") << QStringLiteral("-") << List{};
 }

@@ -51,6 +51,11 @@ bool replace(Playlist& list, const QList<EntryAddress>& addresses, const EntryAd
 
 } // namespace
 
+bool ReplacePlaylistEntryCommand::hasApi() const
+{
+    return hasApiOrWarns("No api available, check connection");
+}
+
 bool ReplacePlaylistEntryCommand::init(const MediaLibrary* library, int playlist,
                                        const QList<EntryAddress>& addresses, const EntryAddress& target)
 {

@@ -17,6 +17,9 @@ public:
 
     bool init(const MediaLibrary* library, int playlist, const QList<EntryAddress>& addresses,
               const EntryAddress& target);
+
+protected:
+    bool hasApi() const override;
 };
 
 } // namespace vantrel

@@ -3,19 +3,19 @@
 #include "common/command/commandgate.h"
 #include "common/command/execute.h"
 #include "common/command/playback/playmediacommand.h"
+#include "common/command/refusal.h"
 #include "common/media/address/medialogging.h"
-#include "common/media/edit/playlist/appendplaylistentriescommand.h"
 #include "common/media/edit/playlist/clearplaylistcommand.h"
 #include "common/media/edit/playlist/dragplaylistentriescommand.h"
 #include "common/media/edit/playlist/editplaylistentrycommand.h"
 #include "common/media/edit/playlist/listedit.h"
-#include "common/media/edit/playlist/moveplaylistentriescommand.h"
 #include "common/media/edit/playlist/newplaylistandmediacommand.h"
 #include "common/media/edit/playlist/removeplaylistentrycommand.h"
 #include "common/media/edit/playlist/renumberplaylistcommand.h"
 #include "common/media/edit/playlist/replaceplaylistentrycommand.h"
 #include "common/media/items/abstractplaylistprovider.h"
 #include "common/media/items/guiplaylistentry.h"
+#include "common/media/models/playlist/playlistgesture.h"
 #include "common/media/models/playlist/playlistselectionmodel.h"
 #include "common/media/net/resourcestatusprovider.h"
 #include "common/notification/notificationmanagerimpl.h"
@@ -47,6 +47,17 @@ void PlaylistEditorModel::setSelection(PlaylistSelectionModel* selection)
 const MediaLibrary* PlaylistEditorModel::library() const
 {
     return playlistProvider() ? playlistProvider()->mediaLibrary() : nullptr;
+}
+
+bool PlaylistEditorModel::isInOrder(const QString& title) const
+{
+    if (sortColumn() == NumberColumn)
+        return true;
+    const QString name = headerData(sortColumn(), Qt::Horizontal).toString();
+    const QString why =
+        name.isEmpty() ? tr("The table is not sorted by #.") : tr("The table is sorted by %1.").arg(name);
+    tellNotDone(title, why + u' ' + tr("Click # to see the order of the list."));
+    return false;
 }
 
 bool PlaylistEditorModel::hasPlaylist() const
@@ -88,36 +99,26 @@ QList<EntryAddress> PlaylistEditorModel::sortedAddresses(const QList<QModelIndex
     return addresses;
 }
 
-EntryAddress PlaylistEditorModel::selectedAddress() const
+QModelIndex PlaylistEditorModel::selectedIndex() const
 {
     const QList<QModelIndex> rows = m_selection && m_selection->model() == this
                                         ? m_selection->sortedSelectedRows()
                                         : QList<QModelIndex>();
-    return rows.isEmpty() ? EntryAddress() : getEntryAddress(rows.first());
-}
-
-/// What would change nothing makes no undo step. False when the command refuses: where it has found no room,
-/// this is told under the title, if there is one.
-template <typename Command, typename... Args>
-bool PlaylistEditorModel::run(const QString& failure, Args&&... args)
-{
-    auto command = std::make_unique<Command>();
-    if (!m_stack)
-        return false;
-    if (!command->init(std::forward<Args>(args)...)) {
-        if (command->wasRehearsed() && !failure.isEmpty())
-            showNoRoom(failure);
-        return false;
-    }
-    if (command->redoPatch().size() > 0 && CommandGate::passes(m_stack, command->text()))
-        m_stack->push(command.release());
-    return true;
+    return rows.isEmpty() ? QModelIndex() : rows.first();
 }
 
 void PlaylistEditorModel::insertAtSelection(AddMode mode, const QList<QString>& urls)
 {
-    const EntryAddress selected = selectedAddress();
-    executeAddMediaCommand(selected.isValid() ? mode : AddMediaToPlaylistCommand::AtEnd, selected, urls);
+    const QModelIndex selected = selectedIndex();
+    if (!selected.isValid())
+        return doInsertEnd(urls);
+    const EntryAddress address = getEntryAddress(selected);
+    if (mode == AddMediaToPlaylistCommand::After)
+        doDropCollection(urls, selected, mode);
+    else if (mode == AddMediaToPlaylistCommand::Before && !isAscending() && sortColumn() == NumberColumn)
+        executeAddMediaCommand(AddMediaToPlaylistCommand::After, address, urls); // which is above it
+    else if (mode == AddMediaToPlaylistCommand::Replace || isInOrder(tr("Add media to playlist")))
+        executeAddMediaCommand(mode, address, urls);
 }
 
 void PlaylistEditorModel::doInsertBefore(const QList<QString>& urls)
@@ -143,6 +144,8 @@ void PlaylistEditorModel::doInsertEnd(const QList<QString>& urls)
 void PlaylistEditorModel::doDropCollection(const QList<QString>& urls, const QModelIndex& target,
                                            AddMode mode)
 {
+    if (mode == AddMediaToPlaylistCommand::After && !isInOrder(tr("Add media to playlist")))
+        return;
     const EntryAddress at = target.isValid() ? getEntryAddress(target) : EntryAddress();
     executeAddMediaCommand(mode, mode == AddMediaToPlaylistCommand::After ? addressAbove(target) : at, urls);
 }
@@ -152,6 +155,8 @@ void PlaylistEditorModel::executeAddMediaCommand(AddMode mode, const EntryAddres
 {
     if (urls.isEmpty() || playlistNumber() == noPlaylist)
         return;
+    if (!areStillOrTells(tr("Add media to playlist"), {address}))
+        return;
     const QString failure = tr("Unable to add media to playlist");
     // A list that is on its way to the server counts as well.
     if (!run<AddMediaToPlaylistCommand>(hasPlaylist() ? failure : QString(), library(), number(), mode,
@@ -160,19 +165,21 @@ void PlaylistEditorModel::executeAddMediaCommand(AddMode mode, const EntryAddres
         run<NewPlaylistAndMediaCommand>(failure, library(), urls, number());
 }
 
-/// What stands behind a row on the screen stands in front of it in a list that is shown backwards: the
-/// address behind which a drop below that row goes.
+/// What stands below a row on the screen stands in front of it in a list that is shown backwards.
 EntryAddress PlaylistEditorModel::addressAbove(const QModelIndex& target) const
 {
-    if (isAscending() || sortColumn() != NumberColumn)
+    if (isAscending())
         return target.isValid() ? getEntryAddress(target) : EntryAddress();
     return getAddressAtRow(index(0, NumberColumn), target.isValid() ? target.row() + 1 : 0);
 }
 
 void PlaylistEditorModel::doDropInsert(const QList<QModelIndex>& sources, const QModelIndex& target)
 {
+    const QString title = tr("Move entries in playlist");
+    if (sources.isEmpty() || !isInOrder(title))
+        return;
     const EntryAddress behind = addressAbove(target);
-    if (sources.isEmpty())
+    if (!areStillOrTells(title, sortedAddresses(sources) + QList{behind}))
         return;
     run<DragPlaylistEntriesCommand>(tr("Unable to drag playlist entries"), library(), number(),
                                     sortedAddresses(sources), behind);
@@ -182,42 +189,20 @@ void PlaylistEditorModel::doDropReplace(const QList<QModelIndex>& sources, const
 {
     if (!target.isValid() || sources.isEmpty())
         return;
+    const QList<EntryAddress> touched = sortedAddresses(sources) + QList{getEntryAddress(target)};
+    if (!areStillOrTells(tr("Replace entries from playlist"), touched))
+        return;
     run<ReplacePlaylistEntryCommand>(tr("Unable to replace playlist entry"), library(), number(),
                                      sortedAddresses(sources), getEntryAddress(target));
 }
 
-void PlaylistEditorModel::doMoveUp(const QList<QModelIndex>& indexes)
-{
-    const auto first = std::min_element(indexes.begin(), indexes.end());
-    if (first == indexes.end() || first->row() < 1) {
-        qCWarning(lcMedia) << "Can't move up the topmost entry";
-        return;
-    }
-    run<MovePlaylistEntriesCommand>(tr("Unable to move playlist entries"), library(), number(),
-                                    sortedAddresses(indexes), getAddressAtRow(*first, first->row() - 1));
-}
-
-void PlaylistEditorModel::doMoveDown(const QList<QModelIndex>& indexes)
-{
-    const auto last = std::max_element(indexes.begin(), indexes.end());
-    if (last == indexes.end()) {
-        qCWarning(lcMedia) << "Can't move up the topmost entry";
-        return;
-    }
-    const QList<EntryAddress> addresses = sortedAddresses(indexes);
-    const EntryAddress below = getAddressAtRow(*last, last->row() + 1);
-    if (below.isValid())
-        run<MovePlaylistEntriesCommand>(tr("Unable to move playlist entries"), library(), number(), addresses,
-                                        below);
-    else
-        run<AppendPlaylistEntriesCommand>(tr("Unable to append entries to playlist"), library(), number(),
-                                          addresses);
-}
-
 void PlaylistEditorModel::doRemove(const QList<QModelIndex>& indexes)
 {
+    const QString title = tr("Remove entries from playlist");
     const QList<EntryAddress> addresses = sortedAddresses(indexes);
-    if (!addresses.isEmpty())
+    if (addresses.isEmpty())
+        return tellNotDone(title, tr("They are not in the playlist any more."));
+    if (areStillOrTells(title, addresses))
         execute<RemovePlaylistEntryCommand>(m_stack, "remove playlist entry command", library(), number(),
                                             addresses);
 }
@@ -230,10 +215,13 @@ void PlaylistEditorModel::doClear()
 
 int PlaylistEditorModel::doRenumber(const EntryAddress& start, const QList<EntryAddress>& entries)
 {
-    if (!m_stack)
+    QList<EntryAddress> ordered = entries;
+    std::sort(ordered.begin(), ordered.end());
+    ordered.erase(std::unique(ordered.begin(), ordered.end()), ordered.end());
+    if (!m_stack || !areStillOrTells(tr("Renumber playlist %1").arg(number()), ordered))
         return 1;
     auto command = std::make_unique<RenumberPlaylistCommand>();
-    if (command->init(library(), number(), start, entries)) {
+    if (command->init(library(), number(), start, ordered)) {
         if (!CommandGate::passes(m_stack, command->text()))
             return 1;
         m_stack->push(command.release());
@@ -249,22 +237,13 @@ int PlaylistEditorModel::doRenumber(const EntryAddress& start, const QList<Entry
     }
 }
 
-template <typename Edit>
-bool PlaylistEditorModel::editEntries(const QList<QModelIndex>& indexes, const Edit& edit)
+/// Each change is of what the server will have by then: an edit that is under way is not taken back.
+bool PlaylistEditorModel::editEntries(const QList<QModelIndex>& indexes,
+                                      const std::function<void(PlaylistEntry& entry)>& change)
 {
-    QList<EditEntryData> edited;
-    for (const QModelIndex& index : indexes) {
-        const EntryAddress address = getEntryAddress(index);
-        const PlaylistEntry* present = list() ? list()->findEntry(address) : nullptr;
-        if (!present)
-            continue;
-        PlaylistEntry entry = *present;
-        edit(entry);
-        if (!(entry == *present))
-            edited.append({number(), address, entry});
-    }
-    return !edited.isEmpty() &&
-           execute<EditPlaylistEntryCommand>(m_stack, "edit playlist entry command", library(), edited);
+    const QList<EntryAddress> addresses = sortedAddresses(indexes);
+    return !addresses.isEmpty() && areStillOrTells(tr("Edit playlist entries"), addresses) &&
+           run<EditPlaylistEntryCommand>(QString(), library(), number(), addresses, change);
 }
 
 void PlaylistEditorModel::setEndAction(const QModelIndex& index, EndAction action)
@@ -322,7 +301,7 @@ bool PlaylistEditorModel::setSelectedData(const QList<QModelIndex>& indexes, con
 bool PlaylistEditorModel::isRoomForInsertBefore(const QList<QModelIndex>& indexes, uint count) const
 {
     const auto first = std::min_element(indexes.begin(), indexes.end());
-    if (first == indexes.end())
+    if (first == indexes.end() || sortColumn() != NumberColumn)
         return false;
     const EntryAddress target = getAddressAtRow(*first, first->row() - static_cast<int>(count));
     return list() && target.isValid() && !addressesPast(*list(), sortedAddresses(indexes), target).isEmpty();
@@ -331,7 +310,7 @@ bool PlaylistEditorModel::isRoomForInsertBefore(const QList<QModelIndex>& indexe
 bool PlaylistEditorModel::isRoomForInsertAfter(const QList<QModelIndex>& indexes, uint count) const
 {
     const auto last = std::max_element(indexes.begin(), indexes.end());
-    if (last == indexes.end())
+    if (last == indexes.end() || sortColumn() != NumberColumn)
         return false;
     const EntryAddress target = getAddressAtRow(*last, last->row() + static_cast<int>(count));
     return list() && target.isValid() && !addressesPast(*list(), sortedAddresses(indexes), target).isEmpty();
@@ -357,15 +336,6 @@ void PlaylistEditorModel::doDirectPlayPreview(const QModelIndex& index, int chan
 void PlaylistEditorModel::doDirectPlayProgram(const QModelIndex& index, int channel)
 {
     directPlay(false, index, channel);
-}
-
-void PlaylistEditorModel::directPlay(bool preview, const QModelIndex& index, int channel)
-{
-    if (!getEntry(index)) {
-        qCWarning(lcMedia) << "Invalid index for doDirectPlay";
-        return;
-    }
-    directPlayAddress(preview, getEntryAddress(index), channel);
 }
 
 void PlaylistEditorModel::doDirectPlayPreviewWithAddress(const EntryAddress& address, int channel)

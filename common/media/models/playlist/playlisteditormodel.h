@@ -5,13 +5,19 @@
 #include "common/media/models/playlist/playlistmodel.h"
 #include "tarn/media/playenums.h"
 
+#include <QDeadlineTimer>
+
+#include <functional>
+
 class QMimeData;
 class QUndoStack;
 
 namespace vantrel {
 
 class MediaLibrary;
+class MediaLibraryApi;
 class Playlist;
+class PlaylistEntry;
 class PlaylistSelectionModel;
 class ResourceStatusProvider;
 
@@ -31,6 +37,8 @@ public:
     void setUndoStack(QUndoStack* stack);
     void setResourceStatusProvider(ResourceStatusProvider* status);
     void setSelection(PlaylistSelectionModel* selection);
+    /// The client of the connection: gestures have regard to its edits that are under way.
+    void setLibraryApi(const MediaLibraryApi* api);
 
     bool setData(const QModelIndex& index, const QVariant& value, int role = Qt::EditRole) override;
 
@@ -46,11 +54,13 @@ public:
     void doDropInsert(const QList<QModelIndex>& sources, const QModelIndex& target);
     /// Moves entries in the place of another one.
     void doDropReplace(const QList<QModelIndex>& sources, const QModelIndex& target);
+    /// On the screen. While an edit of the list is under way they wait for it, and several become one.
     void doMoveUp(const QList<QModelIndex>& indexes);
     void doMoveDown(const QList<QModelIndex>& indexes);
     void doRemove(const QList<QModelIndex>& indexes);
     void doClear();
-    /// 0 when done, 3 when one of the entries is not there, 4 without room, 1 for anything else.
+    /// In the order of their addresses. 0 when done, 3 when one of the entries is not there, 4 without room,
+    /// 1 for anything else.
     int doRenumber(const EntryAddress& start, const QList<EntryAddress>& entries);
 
     /// One undo step each; of several rows too.
@@ -63,12 +73,13 @@ public:
     /// The payload of entries, for the clipboard and for drags; null without any. The caller owns it.
     QMimeData* copyEntries(const QList<QModelIndex>& indexes) const;
     static bool canPaste(const QMimeData* payload);
-    /// Entries, or slots, of a payload behind a row, or at the end for an invalid index; one undo step.
+    /// Entries, or slots, of a payload below a row, or at the end for an invalid index; one undo step.
     /// False, and nothing changes, for anything that is no such payload.
     bool doPaste(const QMimeData* payload, const QModelIndex& after);
     /// Puts what was read from a file in the place of all entries; one undo step.
     bool doImport(const ImportPlaylistCommand::Entries& entries);
 
+    /// An entry that is being moved is played when it has arrived.
     void doDirectPlayPreview(const QModelIndex& index, int channel);
     void doDirectPlayProgram(const QModelIndex& index, int channel);
     void doDirectPlayPreviewWithAddress(const EntryAddress& address, int channel);
@@ -79,6 +90,9 @@ public:
     bool isRoomForInsertBefore(const QList<QModelIndex>& indexes, uint count) const;
     bool isRoomForInsertAfter(const QList<QModelIndex>& indexes, uint count) const;
     bool hasPlaylist() const;
+    /// Behind which entry of the list something goes that is put below this row on the screen; an invalid
+    /// index is the top of the screen, an invalid address the start of the list.
+    EntryAddress addressAbove(const QModelIndex& target) const;
     /// Of a row of the model that the index belongs to; invalid where there is no such row.
     EntryAddress getAddressAtRow(const QModelIndex& index, int row) const;
     /// "3.5: Applause loop"
@@ -91,24 +105,46 @@ private:
     const MediaLibrary* library() const;
     const Playlist* list() const; // null when there is none
     int number() const { return static_cast<int>(playlistNumber()); }
-    EntryAddress selectedAddress() const;
+    QModelIndex selectedIndex() const;
     QList<EntryAddress> sortedAddresses(const QList<QModelIndex>& indexes) const;
     void insertAtSelection(AddMode mode, const QList<QString>& urls);
     void executeAddMediaCommand(AddMode mode, const EntryAddress& address, const QList<QString>& urls);
     template <typename Command, typename... Args>
     bool run(const QString& failure, Args&&... args);
-    EntryAddress addressAbove(const QModelIndex& target) const;
-    template <typename Edit>
-    bool editEntries(const QList<QModelIndex>& indexes, const Edit& edit);
+    bool editEntries(const QList<QModelIndex>& indexes,
+                     const std::function<void(PlaylistEntry& entry)>& change);
+    bool isInOrder(const QString& title) const;
+    bool hasSlotsOf(const QString& title, const QList<PlaylistEntry>& entries) const;
     void directPlay(bool preview, const QModelIndex& index, int channel);
     void directPlayAddress(bool preview, const EntryAddress& address, int channel);
     bool isPreviewConstrained() const;
+
+    /// A gesture that waits until the list shows what is under way; its rows go with their entries.
+    struct Held
+    {
+        enum class Kind { Move, Preview, Program };
+        Kind kind;
+        QList<QPersistentModelIndex> rows;
+        int value; // rows to move down the screen, or the channel
+        QDeadlineTimer patience;
+    };
+    bool isSettled() const;
+    bool areStill(const QList<EntryAddress>& addresses) const;
+    bool areStillOrTells(const QString& title, const QList<EntryAddress>& addresses) const;
+    void move(const QList<QModelIndex>& indexes, int steps);
+    void moveUp(const QList<QModelIndex>& indexes, int steps);
+    void moveDown(const QList<QModelIndex>& indexes, int steps);
+    void hold(Held::Kind kind, const QList<QModelIndex>& rows, int value);
+    void resume();
+    void perform(const Held& held);
     void showError(const QString& title, const QString& text) const;
     void showNoRoom(const QString& title) const;
 
     QPointer<QUndoStack> m_stack;
     QPointer<ResourceStatusProvider> m_resourceStatus;
     QPointer<PlaylistSelectionModel> m_selection;
+    QPointer<const MediaLibraryApi> m_api;
+    QList<Held> m_held;
 };
 
 } // namespace vantrel

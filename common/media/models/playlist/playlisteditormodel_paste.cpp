@@ -1,54 +1,20 @@
 // Entries that come from elsewhere: the clipboard, another list, a file.
-#include "common/command/commandgate.h"
 #include "common/command/execute.h"
+#include "common/command/refusal.h"
 #include "common/media/address/mediautils.h"
-#include "common/media/edit/playlist/listedit.h"
 #include "common/media/edit/playlist/pasteplaylistentriescommand.h"
-#include "common/media/items/guimediaslot.h"
 #include "common/media/items/guiplaylistentry.h"
 #include "common/media/items/mimedata.h"
 #include "common/media/models/playlist/playlisteditormodel.h"
-#include "tarn/media/playlistentry.h"
+#include "common/media/models/playlist/playlistgesture.h"
+#include "common/media/models/playlist/playlistpayload.h"
+#include "tarn/media/medialibrary.h"
 
 #include <QMimeData>
-#include <QUndoStack>
-
-#include <optional>
 
 namespace vantrel {
 
 using media::MediaUtils;
-
-namespace {
-
-/// What an item of a payload is in a list; nothing where it names no slot.
-std::optional<PlaylistEntry> entryOf(const GuiMediaItem& item)
-{
-    if (const auto* entry = dynamic_cast<const GuiPlaylistEntry*>(&item)) {
-        if (MediaUtils::parseSlotAddress(entry->slotUrl()).isValid())
-            return entry->toSdkEntry();
-    } else if (const auto* slot = dynamic_cast<const GuiMediaSlot*>(&item)) {
-        if (slot->address().isValid())
-            return newEntry(MediaUtils::toSlotAddress(slot->address()));
-    }
-    return std::nullopt;
-}
-
-/// All of a payload or nothing: half of what somebody copied is not what they copied.
-QList<PlaylistEntry> entriesOf(const QMimeData* payload)
-{
-    QList<PlaylistEntry> entries;
-    for (const QJsonObject& object : jsonFromMimeData(payload)) {
-        const auto item = mediaItemFromMimeData(payload, object);
-        const auto entry = item ? entryOf(*item) : std::nullopt;
-        if (!entry)
-            return {};
-        entries.append(*entry);
-    }
-    return entries;
-}
-
-} // namespace
 
 QMimeData* PlaylistEditorModel::copyEntries(const QList<QModelIndex>& indexes) const
 {
@@ -62,29 +28,37 @@ QMimeData* PlaylistEditorModel::copyEntries(const QList<QModelIndex>& indexes) c
 
 bool PlaylistEditorModel::canPaste(const QMimeData* payload)
 {
-    return !entriesOf(payload).isEmpty();
+    return !PlaylistPayload::entries(payload).isEmpty();
+}
+
+bool PlaylistEditorModel::hasSlotsOf(const QString& title, const QList<PlaylistEntry>& entries) const
+{
+    for (const PlaylistEntry& entry : entries) {
+        const MediaAddress slot = MediaUtils::parseSlotAddress(QString::fromStdString(entry.getMediaUrl()));
+        if (library() && library()->findSlot(slot.collection, slot.slot))
+            continue;
+        tellNotDone(title, tr("Slot %1-%2 is not in the library any more. Nothing was changed.")
+                               .arg(slot.collection)
+                               .arg(slot.slot));
+        return false;
+    }
+    return true;
 }
 
 bool PlaylistEditorModel::doPaste(const QMimeData* payload, const QModelIndex& after)
 {
-    const QList<PlaylistEntry> entries = entriesOf(payload);
-    if (entries.isEmpty() || playlistNumber() == noPlaylist)
+    const QString title = tr("Paste playlist entries");
+    const QList<PlaylistEntry> entries = PlaylistPayload::entries(payload);
+    if (entries.isEmpty() || playlistNumber() == noPlaylist || !hasSlotsOf(title, entries))
         return false;
     const bool atEnd = !after.isValid();
-    auto command = std::make_unique<PastePlaylistEntriesCommand>();
-    if (!m_stack)
+    if (!atEnd && !isInOrder(title))
         return false;
-    if (!command->init(library(), number(),
-                       atEnd ? AddMediaToPlaylistCommand::AtEnd : AddMediaToPlaylistCommand::After,
-                       atEnd ? EntryAddress() : getEntryAddress(after), entries)) {
-        if (command->wasRehearsed())
-            showNoRoom(tr("Unable to paste playlist entries"));
-        return false;
-    }
-    if (!CommandGate::passes(m_stack, command->text()))
-        return false;
-    m_stack->push(command.release());
-    return true;
+    const EntryAddress behind = atEnd ? EntryAddress() : addressAbove(after);
+    return areStillOrTells(title, {behind}) &&
+           run<PastePlaylistEntriesCommand>(
+               tr("Unable to paste playlist entries"), library(), number(),
+               atEnd ? AddMediaToPlaylistCommand::AtEnd : AddMediaToPlaylistCommand::After, behind, entries);
 }
 
 bool PlaylistEditorModel::doImport(const ImportPlaylistCommand::Entries& entries)

@@ -46,7 +46,7 @@ void PlaylistModel::connectProvider()
     if (!m_provider)
         return;
     using Provider = AbstractPlaylistProvider;
-    connect(m_provider, &Provider::reset, this, [this] { onReset(); });
+    connect(m_provider, &Provider::reset, this, [this] { onLibraryRead(); });
     connect(m_provider, &Provider::playlistAdded, this, [this](uint playlist) {
         if (playlist == m_playlist)
             onReset();

@@ -163,6 +163,7 @@ private:
     void onChangesFinished();
     Difference compare(const QList<Item>& now) const;
     void synchronise();
+    void onLibraryRead();
     void findFates(Difference& difference);
     void applyFates(const QHash<EntryAddress, Item>& fates);
     void removeItems(std::vector<int> rows);

@@ -136,6 +136,23 @@ void PlaylistModel::synchronise()
         Q_EMIT entriesAdded(m_playlist, difference.added);
 }
 
+/// The library was read anew, in the midst of a show perhaps: what stays keeps its row, its selection and
+/// its cell editor. Of its slots anything may have changed.
+void PlaylistModel::onLibraryRead()
+{
+    if (m_rows.size() == 0 || !m_provider || !m_provider->playlist(m_playlist)) {
+        onReset();
+        return;
+    }
+    m_isBehind = false;
+    m_urls.clear();
+    m_areUrlsKnown = false;
+    synchronise();
+    doubtOrder();
+    if (m_rows.size() > 0)
+        Q_EMIT dataChanged(index(0, 0), index(m_rows.size() - 1, ColumnCount - 1));
+}
+
 /// What is selected stays selected, wherever it goes.
 void PlaylistModel::applyFates(const QHash<EntryAddress, Item>& fates)
 {

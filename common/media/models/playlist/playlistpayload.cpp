@@ -1,0 +1,72 @@
+#include "common/media/models/playlist/playlistpayload.h"
+
+#include "common/media/address/mediautils.h"
+#include "common/media/edit/playlist/listedit.h"
+#include "common/media/items/guimediaslot.h"
+#include "common/media/items/guiplaylistentry.h"
+#include "common/media/items/mimedata.h"
+#include "tarn/media/entryaddress.h"
+#include "tarn/media/playenums.h"
+
+#include <QJsonObject>
+#include <QMimeData>
+
+#include <cmath>
+#include <optional>
+
+namespace vantrel {
+
+using media::MediaUtils;
+
+namespace {
+
+// A payload of a whole library is some megabytes; what is larger was not copied here.
+constexpr qsizetype largestPayload = 64 * 1024 * 1024;
+
+bool isWhole(const QJsonValue& value, int least, int most)
+{
+    const double number = value.toDouble(std::nan(""));
+    return number >= least && number <= most && number == std::floor(number);
+}
+
+/// What an item of a payload is in a list; nothing where it names no slot.
+std::optional<PlaylistEntry> entryOf(const GuiMediaItem& item, const QJsonObject& object)
+{
+    if (const auto* entry = dynamic_cast<const GuiPlaylistEntry*>(&item)) {
+        if (PlaylistPayload::isSound(object) && MediaUtils::parseSlotAddress(entry->slotUrl()).isValid())
+            return entry->toSdkEntry();
+    } else if (const auto* slot = dynamic_cast<const GuiMediaSlot*>(&item)) {
+        if (slot->address().isValid())
+            return newEntry(MediaUtils::toSlotAddress(slot->address()));
+    }
+    return std::nullopt;
+}
+
+} // namespace
+
+bool PlaylistPayload::isSound(const QJsonObject& entry)
+{
+    const double duration = entry.value(QStringLiteral("transitionDuration")).toDouble(-1);
+    return isWhole(entry.value(QStringLiteral("playlistIndex")), 1, EntryAddress::maxMajor) &&
+           isWhole(entry.value(QStringLiteral("endAction")), 0, static_cast<int>(EndAction::GoTo)) &&
+           isWhole(entry.value(QStringLiteral("transitionType")), 0,
+                   static_cast<int>(TakeTransitionType::DirectCut)) &&
+           duration >= 0 && duration <= 3600;
+}
+
+QList<PlaylistEntry> PlaylistPayload::entries(const QMimeData* payload)
+{
+    QList<PlaylistEntry> entries;
+    if (!payload || payload->data(mimeformat::json).size() > largestPayload)
+        return entries;
+    for (const QJsonObject& object : jsonFromMimeData(payload)) {
+        const auto item = mediaItemFromMimeData(payload, object);
+        const auto entry = item ? entryOf(*item, object) : std::nullopt;
+        if (!entry)
+            return {};
+        entries.append(*entry);
+    }
+    return entries;
+}
+
+} // namespace vantrel

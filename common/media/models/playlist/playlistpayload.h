@@ -1,0 +1,25 @@
+#pragma once
+
+#include "tarn/media/playlistentry.h"
+
+#include <QList>
+
+class QJsonObject;
+class QMimeData;
+
+namespace vantrel {
+
+/// Entries of the clipboard or of a drag, read with distrust: items take any number for what they hold.
+class PlaylistPayload
+{
+public:
+    PlaylistPayload() = delete;
+
+    /// All of a payload of entries or slots, or nothing: half of what somebody copied is not what they
+    /// copied.
+    static QList<PlaylistEntry> entries(const QMimeData* payload);
+    /// Whether each value of an entry's JSON is one that means something.
+    static bool isSound(const QJsonObject& entry);
+};
+
+} // namespace vantrel

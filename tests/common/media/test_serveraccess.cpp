@@ -1,0 +1,70 @@
+#include "common/media/address/showntext.h"
+#include "common/media/net/serveraccess.h"
+#include "tests/support/testmain.h"
+
+#include <QNetworkReply>
+#include <QPointer>
+#include <QTcpServer>
+#include <QTcpSocket>
+#include <QTest>
+#include <QTimer>
+
+#include <memory>
+
+namespace vantrel::test {
+
+/// A server that would keep or lead the client where it must not go.
+class TestServerAccess : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void boundsWhatAServerDoes_data()
+    {
+        QTest::addColumn<QByteArray>("answer");
+        QTest::addColumn<int>("error");
+        QTest::newRow("another host")
+            << QByteArray("HTTP/1.1 302 Found\r\nLocation: http://127.0.0.2:1/x\r\nContent-Length: 0\r\n\r\n")
+            << int(QNetworkReply::InsecureRedirectError);
+        QTest::newRow("headers without end")
+            << QByteArray("HTTP/1.1 200 OK\r\nX-A: ") << int(QNetworkReply::OperationCanceledError);
+        QTest::newRow("well") << QByteArray("HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\nok")
+                              << int(QNetworkReply::NoError);
+    }
+    void boundsWhatAServerDoes()
+    {
+        QFETCH(QByteArray, answer);
+        QTcpServer server;
+        QVERIFY(server.listen(QHostAddress::LocalHost));
+        connect(&server, &QTcpServer::newConnection, this, [&] {
+            QTcpSocket* socket = server.nextPendingConnection();
+            connect(socket, &QTcpSocket::readyRead, socket, [socket, answer] {
+                socket->readAll();
+                socket->write(answer);
+            });
+            auto* drip = new QTimer(socket); // headers that go on
+            connect(drip, &QTimer::timeout, socket, [socket] { socket->write("a"); });
+            if (answer.endsWith("X-A: "))
+                drip->start(20);
+        });
+        ServerAccess access;
+        access.setHeaderTime(400);
+        const std::unique_ptr<QNetworkReply> reply(
+            access.get(QNetworkRequest(QStringLiteral("http://127.0.0.1:%1/x").arg(server.serverPort()))));
+        QTRY_VERIFY(reply->isFinished());
+        QTEST(int(reply->error()), "error");
+    }
+
+    void shownTextHidesNothing()
+    {
+        const QString turned = QStringLiteral("a\u202egpj.exe\u0000b\u2066c\nd");
+        QCOMPARE(shownText(turned), QStringLiteral("agpj.exebc d"));
+        const QString plain = QStringLiteral("Größe 日本 שלום");
+        QCOMPARE(shownText(plain), plain);
+    }
+};
+
+HALCYRA_TEST(TestServerAccess)
+
+} // namespace vantrel::test
+#include "test_serveraccess.moc"

@@ -1,0 +1,103 @@
+#include "common/playback/playbackwidget.h"
+#include "tests/common/playback/playerfixture.h"
+#include "tests/support/layoutaudit.h"
+
+#include <QAbstractItemView>
+#include <QAccessible>
+
+using namespace vantrel;
+using namespace vantrel::test;
+
+/// The player as a screen reader tells it.
+class TestAccessibility : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        m_fixture = std::make_unique<PlayerFixture>();
+        QVERIFY(m_fixture->connectWithLibrary());
+        m_fixture->set("program", "sourceMode", "1");
+        m_fixture->set("program", "media", quoted("brume://collections/1/slots/1"));
+        m_fixture->set("program", "state", quoted("play"));
+        m_fixture->set("program", "mediaPosition", "2.5");
+        QTRY_COMPARE(value("Program-PlaybackWidget-PlaybackTimecodes-Playhead"),
+                     QStringLiteral("00:00:02.500"));
+    }
+    void cleanup() { m_fixture.reset(); }
+
+    void timesTellTheirValue()
+    {
+        QCOMPARE(name("Program-PlaybackWidget-PlaybackTimecodes-Remaining"), QStringLiteral("Time left"));
+        QCOMPARE(value("Program-PlaybackWidget-PlaybackTimecodes-Remaining"), QStringLiteral("00:00:05.500"));
+        QCOMPARE(value("Program-PlaybackWidget-EndpointTimecodes-Outpoint"), QStringLiteral("00:00:08.000"));
+    }
+
+    void timelineTellsItsPosition()
+    {
+        for (const char* part : {"", "-playhead"}) {
+            const QByteArray name = QByteArray("Program-PlaybackWidget-SeekSlider") + part;
+            QAccessibleInterface* timeline = interface(name.constData());
+            QCOMPARE(timeline->role(), QAccessible::Slider);
+            QCOMPARE(timeline->text(QAccessible::Value), QStringLiteral("00:00:02.500 of 00:00:10.000"));
+            QVERIFY(timeline->valueInterface());
+            QCOMPARE(timeline->valueInterface()->currentValue().toDouble(), 2.5);
+            QCOMPARE(timeline->valueInterface()->maximumValue().toDouble(), 10.0);
+        }
+        QCOMPARE(value("Program-PlaybackWidget-SeekSlider-inMarker"),
+                 QStringLiteral("00:00:01.000 of 00:00:10.000"));
+        m_fixture->takeSent();
+        interface("Program-PlaybackWidget-SeekSlider")->valueInterface()->setCurrentValue(30.0);
+        QTRY_VERIFY(m_fixture->takeSent().contains(QStringLiteral("seek"), Qt::CaseInsensitive));
+    }
+
+    void slotsTellNumberNameAndState()
+    {
+        auto* view = m_fixture->part<QAbstractItemView>("MediaPanel-slots-view");
+        QTRY_VERIFY(view->model() && view->model()->rowCount(view->rootIndex()) == 3);
+        QAccessibleInterface* list = QAccessible::queryAccessibleInterface(view);
+        const auto row = [&](int number) {
+            QAccessibleInterface* child = list->child(number);
+            return child ? child->text(QAccessible::Name) : QString();
+        };
+        QTRY_COMPARE(row(0), QStringLiteral("Slot 1, Walk-in, on program, playing"));
+        QVERIFY2(row(1).startsWith(QStringLiteral("Slot 2, Logo, ")), qPrintable(row(1)));
+    }
+
+    /// What Tab reaches has a name, and lies where the eye looks next: onward in the row, or further down.
+    void tabFollowsTheEye()
+    {
+        for (QWidget* column : std::initializer_list<QWidget*>{m_fixture->channel()->previewWidget(),
+                                                               m_fixture->channel()->programWidget()}) {
+            QRect before;
+            int controls = 0;
+            for (QWidget* widget : tabOrder(column)) {
+                const QAccessibleInterface* control = QAccessible::queryAccessibleInterface(widget);
+                QVERIFY(control && control->state().focusable);
+                QVERIFY2(!control->text(QAccessible::Name).isEmpty(), qPrintable(widget->objectName()));
+                const QRect place = control->rect();
+                const bool isSameRow = before.top() <= place.bottom() && place.top() <= before.bottom();
+                QVERIFY2(before.isNull() || before.contains(place) ||
+                             (isSameRow ? place.left() >= before.left() : place.top() > before.top()),
+                         qPrintable(widget->objectName()));
+                before = place;
+                ++controls;
+            }
+            QVERIFY(controls > 8);
+        }
+    }
+
+private:
+    QAccessibleInterface* interface(const char* name) const
+    {
+        return QAccessible::queryAccessibleInterface(m_fixture->part<QWidget>(name));
+    }
+    QString value(const char* name) const { return interface(name)->text(QAccessible::Value); }
+    QString name(const char* name) const { return interface(name)->text(QAccessible::Name); }
+
+    std::unique_ptr<PlayerFixture> m_fixture;
+};
+
+HALCYRA_TEST(TestAccessibility)
+#include "test_accessibility.moc"
