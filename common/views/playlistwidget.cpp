@@ -23,8 +23,7 @@ namespace vantrel {
 
 namespace {
 
-constexpr int headHeight = 32;   // of tabs and title, in pixels at the medium text size
-constexpr int leastContent = 24; // below which there is nothing to see of it
+constexpr int headHeight = 32; // of tabs and title, in pixels at the medium text size
 
 } // namespace
 
@@ -52,8 +51,12 @@ PlaylistWidget::PlaylistWidget(PlaybackViewMode mode, Session* session, QWidget*
 void PlaylistWidget::resizeEvent(QResizeEvent* event)
 {
     ZTFrame::resizeEvent(event);
-    if (m_tabs)
-        m_tabs->setVisible(height() >= scaled(headHeight + leastContent, currentFontSize()));
+    if (!m_tabs)
+        return;
+    // The pages go before their controls are squeezed.
+    const QMargins margins = layout()->contentsMargins();
+    const int head = m_navigationBar->height() + layout()->spacing();
+    m_tabs->setVisible(height() >= margins.top() + head + m_editor->leastHeight() + margins.bottom());
 }
 
 int PlaylistWidget::usefulHeight() const

@@ -482,6 +482,8 @@ void ThreeSlotShow::blankGoesWhereTheClickWas()
     QVERIFY(choose(copyButton, {swapButton}));
     take();
     QVERIFY(shows(program, Red));
+    m_robot.key(QStringLiteral("Ctrl+L")); // locked, program would take neither click nor key
+    QTRY_VERIFY(m_robot.find(program + QStringLiteral("-PlaybackControls-Play"))["enabled"].toBool());
     for (const QString& channel : {program, preview}) {
         for (const QString& spot :
              {picture.arg(channel), channel + QStringLiteral("-PlaybackControls-Pause")}) {

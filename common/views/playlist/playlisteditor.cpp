@@ -128,6 +128,11 @@ int PlaylistEditor::usefulHeight() const
            usefulRows * view->verticalHeader()->defaultSectionSize();
 }
 
+int PlaylistEditor::leastHeight() const
+{
+    return m_header->minimumSizeHint().height();
+}
+
 QSize PlaylistEditor::minimumSizeHint() const
 {
     return {0, 0}; // it leaves out what does not fit

@@ -54,6 +54,8 @@ public:
     void setMediaSource(std::function<QList<QString>()> source) { m_mediaSource = std::move(source); }
     /// The height, in pixels, at which a few entries are seen.
     int usefulHeight() const;
+    /// The pixels of what stands above the entries; in less nothing can be shown.
+    int leastHeight() const;
     QSize minimumSizeHint() const override;
     /// Slots behind the current entry, or at the end; makes a list where there is none.
     void insertMedia(const QList<QString>& urls);
