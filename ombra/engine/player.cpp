@@ -302,12 +302,19 @@ void Player::handOver(double ago, Moment& moment)
     following.deck->release(m_now, ago);
     following.deck->setFollowed(false);
     following.deck->advance(m_now);
-    if (following.transition.seconds <= 0)
-        addSound(moment.sound, following.deck->sound());
-    std::shared_ptr<Deck> before = following.loops && m_layers.size() == 1 ? m_layers.back().deck : nullptr;
-    if (before)
-        m_layers.back().deck = nullptr;
-    goOver(std::move(following.deck), following.transition, m_now - ago);
+    const bool isCut = following.transition.seconds <= 0;
+    Layer& top = m_layers.back();
+    // What follows while a transition is under way comes in with it: the transition goes on.
+    const bool isComing = isCut && m_layers.size() > 1;
+    if (isCut)
+        addSound(moment.sound, isComing
+                                   ? mixSound({}, following.deck->sound(), top.transition.type, top.progress)
+                                   : following.deck->sound());
+    std::shared_ptr<Deck> before = following.loops ? std::exchange(top.deck, nullptr) : nullptr;
+    if (isComing)
+        retire(std::exchange(top.deck, std::move(following.deck)));
+    else
+        goOver(std::move(following.deck), following.transition, m_now - ago);
     if (before) {
         before->seekInpoint();
         before->hold();

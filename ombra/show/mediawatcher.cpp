@@ -252,6 +252,12 @@ void MediaWatcher::handle(int watch, std::uint32_t mask, const std::string& name
         note(Event::Removed, path);
     } else if (mask & (IN_CLOSE_WRITE | IN_MOVED_TO)) {
         note(m_known.insert(path).second ? Event::Added : Event::Changed, path);
+    } else if (mask & IN_CREATE) {
+        // A new name for a file that is whole, a link say: nobody will close it. Others are empty yet.
+        std::error_code code;
+        const auto bytes = std::filesystem::file_size(m_folder / path, code);
+        if (!code && bytes > 0)
+            note(m_known.insert(path).second ? Event::Added : Event::Changed, path);
     }
 }
 

@@ -55,7 +55,8 @@ bool DriftWatch::start()
                QTest::qWaitFor([this] { return read(QStringLiteral("Preview")).has_value(); }, 10000);
     };
     return cue(0) && m_robot.click(QStringLiteral("TakeControls-Take-Button")) &&
-           QTest::qWaitFor([this] { return read(QStringLiteral("Program")).has_value(); }, 10000) && cue(1);
+           QTest::qWaitFor([this] { return read(QStringLiteral("Program")).has_value(); }, 10000) &&
+           m_robot.click(QStringLiteral("Program-PlaybackWidget-Header-Lock")) && cue(1);
 }
 
 std::optional<DriftWatch::Reading> DriftWatch::read(const QString& channel)

@@ -123,8 +123,12 @@ QStringList MediaDataAggregator::describeCaveats(const std::unordered_set<MediaC
 
 void MediaDataAggregator::refreshData(const QUrl& mediaUrl)
 {
-    if (m_metadataProvider)
+    if (m_metadataProvider) {
+        const MediaMetadataPtr known = m_metadataProvider->getMetadataFromCache(mediaUrl);
+        if (known && !known->getIsPlayable()) // as one that was missing
+            m_metadataProvider->invalidateMetadata(mediaUrl, false);
         m_metadataProvider->getMetadata(mediaUrl);
+    }
     if (m_thumbnailProvider)
         m_thumbnailProvider->getThumbnail(mediaUrl);
 }

@@ -43,6 +43,7 @@ PreviewThread::~PreviewThread()
 
 void PreviewThread::subscribe(const boost::asio::ip::address& address)
 {
+    const QMutexLocker alone(&m_subscribing);
     unsubscribe();
     requestInterruption();
     wait();

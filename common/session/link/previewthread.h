@@ -65,6 +65,7 @@ private:
     QElapsedTimer m_sinceFrame; // on the main thread, as the two below
     QTimer m_watch;
     bool m_serverAnswers = false;
+    QMutex m_subscribing;   // one at a time stops the thread and starts it anew
     mutable QMutex m_mutex; // guards the fields below
     QWaitCondition m_wake;  // out of the pause between two attempts
     NewestQueue<Pending> m_pending;

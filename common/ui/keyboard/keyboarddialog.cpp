@@ -329,6 +329,8 @@ void KeyboardDialog::showFitting(QShowEvent* event)
         qBound(smallestList, height * 9 / 10 - others, m_area->widget()->sizeHint().height()));
     ZTDialog::showEvent(event);
     m_area->setMinimumHeight(smallestList);
+    if (const int most = height * 9 / 10; this->height() > most)
+        resize(width(), most); // texts that wrap count for more than they take
 }
 
 void KeyboardDialog::showEvent(QShowEvent* event)

@@ -148,6 +148,9 @@ private Q_SLOTS:
         server.isBroken = true;
         allowWarnings(QStringLiteral("Failed to get media library"));
         QVERIFY(server.peer.connect());
+        // It waits longer than the second that a server may be without a word.
+        QTRY_VERIFY(!server.peer.link.received.empty());
+        server.peer.send(R"([{"op":"add","path":"/device/channels/0","value":{"type":"Channel"}}])");
         MediaLibraryApi* const api = server.peer.session->getMediaLibraryApi();
         QVERIFY(!server.run<InsertCollectionCommand>(1, QStringLiteral("over it")));
         QTRY_COMPARE(api->reading(), MediaLibraryApi::Reading::Failed);

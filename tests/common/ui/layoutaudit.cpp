@@ -91,7 +91,9 @@ private Q_SLOTS:
         QTRY_COMPARE(preview->height(), program->height());
         QCOMPARE(preview->preview()->y(), program->preview()->y());
         QVERIFY(std::abs(preview->width() - program->width()) <= 1);
-        const double least = size.height() < 600 ? 90 : size.height() < 700 ? 110 : slot == 1 ? 150 : 130;
+        // A still has a row more, which takes its room from the picture.
+        const double whole = size.height() < 600 ? 90 : size.height() < 700 ? 110 : 150;
+        const double least = slot == 1 ? whole : whole - 20;
         for (const PlaybackWidget* column : {preview, program})
             QTRY_VERIFY2(column->preview()->pictureRect().height() >= least,
                          qPrintable(QString::number(column->preview()->pictureRect().height())));
