@@ -317,6 +317,24 @@ private Q_SLOTS:
         QVERIFY2(playsUntil(Green, 15, 30), qPrintable(m_why));
     }
 
+    /// One that is shorter than its transition begins anew in the middle of it, and the transition goes on.
+    void loopsComeInWithTheirTransition()
+    {
+        addEntry({1, 0}, addSlot(Red, 0, 90));
+        addEntry({2, 0}, addSlot(Blue, 40, 45), TakeTransitionType::Crossfade, 0.4, EndAction::Repeat);
+        edit([] {});
+        start();
+        QVERIFY(m_playback->invoke("nextMedia", Json::object(), nullptr));
+        QTRY_COMPARE(advance().layers.size(), std::size_t(2));
+        for (int i = 1; i < 10; ++i) {
+            QTRY_VERIFY(isFollowed());
+            m_now += picture;
+            QCOMPARE(advance().layers.size(), std::size_t(2));
+        }
+        m_now += picture;
+        QCOMPARE(advance().layers.size(), std::size_t(1));
+    }
+
     void loopsLoseNoTime_data()
     {
         QTest::addColumn<double>("outpoint");
