@@ -15,6 +15,7 @@ option(HALCYRA_FUZZ "build the fuzz targets only, with libFuzzer" OFF)
 set(HALCYRA_SANITIZE "" CACHE STRING "sanitizers, as -fsanitize takes them")
 
 if(HALCYRA_SANITIZE)
+  add_compile_definitions(HALCYRA_SANITIZED)
   add_compile_options(-fsanitize=${HALCYRA_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
   add_link_options(-fsanitize=${HALCYRA_SANITIZE})
   # What a report needs to name a line, and no more; programs of that size are linked one by one.

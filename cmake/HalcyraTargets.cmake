@@ -49,6 +49,7 @@ function(halcyra_test name directory)
     return()
   endif()
   add_executable(${name} ${sources})
+  set_target_properties(${name} PROPERTIES ENABLE_EXPORTS ON) # so that the stack of a crash has names
   halcyra_moc(${name} "${sources}")
   halcyra_qt_definitions(${name})
   halcyra_warnings(${name})

@@ -36,6 +36,15 @@ REACHES = {
     "common/session/link/metadataclient.cpp": "tells the one aggregator",
     "common/session/link/systemproxy.cpp": "follows the connection of the session that it is given",
 }
+# Who asks for the one session above it, where everybody else is handed what he works with: file, and why.
+ASKS = {
+    "common/ui/clicktest/clickteststate.cpp": "tells from outside what the whole application holds",
+    "common/ui/clicktest/uifigures.cpp": "measures the whole application from outside",
+    "common/ui/inspect/inspectorwidget.cpp": "looks at the session itself",
+    "common/ui/keyboard/hotkeys.cpp": "keys undo and redo on the one undo stack, wherever the focus is",
+    "common/ui/keyboard/hotkeytip.cpp": "shows the keys in force in tooltips of any room",
+}
+ASKED = "Session::instance()"
 # Qt stays out of these rooms.
 NO_QT = ["util", "tarn", "ombra"]
 NO_QT_EXCEPT = ["tarn/qt"]
@@ -110,6 +119,18 @@ def drawn_faults(root, floors):
         yield f"ARCHITECTURE.md does not show the floors of {FLOORS}"
 
 
+def asking_faults(root, files, floors):
+    """Above the session nobody asks for it but those named in ASKS."""
+    asking = set()
+    for path in files:
+        name = path.relative_to(root).as_posix()
+        room = room_of(name, floors)
+        if room and floors[room] > floors["common/session"] and ASKED in path.read_text(encoding="utf-8"):
+            asking.add(name)
+    yield from (f"{name} asks for the one session: hand it what it needs" for name in sorted(asking - ASKS.keys()))
+    yield from (f"{name} asks for the session no longer: take its line out of ASKS" for name in ASKS if name not in asking)
+
+
 def main():
     root = pathlib.Path(sys.argv[1]).resolve()
     files = [p for room in ("util", "tarn", "ombra", "launcher", "common")
@@ -117,6 +138,7 @@ def main():
     floors = read_floors(root)
     faults = list(drawn_faults(root, floors))
     faults += [fault for path in files for fault in faults_of(root, path, floors)]
+    faults += asking_faults(root, files, floors)
     unused = [knot for knot in KNOTS if not (root / knot[0]).exists() or knot[1] not in (root / knot[0]).read_text()]
     faults += [f"the knot {knot} is gone from the code: take its line out" for knot in unused]
     faults += [f"{name} reaches for the session no longer: take its line out of REACHES" for name in REACHES

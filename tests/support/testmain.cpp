@@ -1,5 +1,6 @@
 #include "tests/support/testmain.h"
 
+#include "tests/support/crashtrace.h"
 #include "tests/support/offscreendesk.h"
 
 #include <QApplication>
@@ -98,6 +99,9 @@ void allowWarnings(const QString& part)
 int main(int argc, char** argv)
 {
     using namespace vantrel::test;
+#ifndef HALCYRA_SANITIZED // a sanitizer tells more
+    traceCrashes();
+#endif
     QStandardPaths::setTestModeEnabled(true);
     const QTemporaryDir desk;
     if (qgetenv("QT_QPA_PLATFORM") == "offscreen")

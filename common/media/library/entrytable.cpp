@@ -4,6 +4,7 @@
 #include "tarn/media/playlistruntime.h"
 
 #include <algorithm>
+#include <type_traits>
 
 namespace vantrel {
 
@@ -54,18 +55,29 @@ void EntryTable::removeAll(uint playlist)
     m_rows.erase(found);
 }
 
-const EntryTable::Row* EntryTable::row(uint playlist, EntryAddress address) const
+namespace {
+
+/// The row in a table of rows, const as the table is.
+auto* find(auto& rows, uint playlist, EntryAddress address)
 {
-    const auto found = m_rows.find(playlist);
-    if (found == m_rows.end())
-        return nullptr;
+    const auto found = rows.find(playlist);
+    using Row = std::remove_reference_t<decltype((found->second.find(address)->second))>;
+    if (found == rows.end())
+        return static_cast<Row*>(nullptr);
     const auto at = found->second.find(address);
     return at != found->second.end() ? &at->second : nullptr;
 }
 
+} // namespace
+
+const EntryTable::Row* EntryTable::row(uint playlist, EntryAddress address) const
+{
+    return find(m_rows, playlist, address);
+}
+
 EntryTable::Row* EntryTable::row(uint playlist, EntryAddress address)
 {
-    return const_cast<Row*>(std::as_const(*this).row(playlist, address));
+    return find(m_rows, playlist, address);
 }
 
 EntryTable::Item EntryTable::item(uint playlist, EntryAddress address) const
