@@ -19,12 +19,6 @@ constexpr int errorRefused = 111;
 // An attempt that fails at once is not repeated at once: a host without a route would else keep a core busy
 // and flood the main thread with signals.
 constexpr std::chrono::milliseconds repeatPause{250};
-
-PreviewThread* previewThread()
-{
-    Session* session = Session::instance();
-    return session ? session->preview() : nullptr;
-}
 } // namespace
 
 ConnectionHandler::ConnectionHandler(quint16 linkPort, QObject* parent)
@@ -66,6 +60,13 @@ qint64 ConnectionHandler::now()
 {
     using namespace std::chrono;
     return duration_cast<milliseconds>(steady_clock::now().time_since_epoch()).count();
+}
+
+/// Of this handler's own session: once it is to end, the one there is may be the next one's.
+PreviewThread* ConnectionHandler::previewThread() const
+{
+    Session* session = isInterruptionRequested() ? nullptr : Session::instance();
+    return session ? session->preview() : nullptr;
 }
 
 void ConnectionHandler::connect(const QString& host)

@@ -1,5 +1,6 @@
 #include "common/ui/shell/showmanager.h"
 
+#include "common/command/commandgate.h"
 #include "common/command/execute.h"
 #include "common/command/showcommands.h"
 #include "common/session/link/connectionhandler.h"
@@ -167,6 +168,9 @@ void ShowManager::forceImport()
 
 void ShowManager::sendImportRequest(bool force)
 {
+    // By a road of its own, which is no reason to wait in the sockets of a server that hangs.
+    if (!CommandGate::passes(m_session->getQUndoStack(), tr("Import show")))
+        return;
     QUrl url = showUrl();
     QUrlQuery query;
     if (!m_importSections.isEmpty())
