@@ -15,6 +15,7 @@ public:
     /// oldValue counts only when its tag is not None.
     void init(const Path& path, const Variant& value, const Variant& oldValue = {});
     void setMergeable(bool mergeable) { m_mergeable = mergeable; }
+    bool isMergeable() const { return m_mergeable; }
     /// The stack drops the command right after its first redo().
     void disableUndo() { m_undoDisabled = true; }
     /// Both of one kind, and a kind that merges at all.
