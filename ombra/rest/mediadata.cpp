@@ -137,6 +137,9 @@ void describeCaveats(const MediaInfo& info, MediaMetadata& metadata)
         metadata.addCaveat(MediaCaveat::CutOff, "The file is cut off at " + secondsText(info.cutOff->at) +
                                                     " of " + secondsText(info.cutOff->announced) +
                                                     ". Copy it again.");
+    else if (info.isPictureCutOff)
+        metadata.addCaveat(MediaCaveat::CutOff,
+                           "The file is cut off: its picture is not whole. Copy it again.");
     if (info.missing > 0)
         metadata.addCaveat(MediaCaveat::MissingPictures,
                            std::to_string(info.missing) + " of " + std::to_string(info.frames) +
