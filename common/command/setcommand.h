@@ -18,6 +18,7 @@ public:
     bool isMergeable() const { return m_mergeable; }
     /// The stack drops the command right after its first redo().
     void disableUndo() { m_undoDisabled = true; }
+    bool leavesNoTrace() const override { return m_undoDisabled; }
     /// Both of one kind, and a kind that merges at all.
     static bool canMerge(const Variant& a, const Variant& b);
 

@@ -1,7 +1,7 @@
 #include "common/session/session.h"
 
-#include "common/command/abstractsessioncommand.h"
 #include "common/command/commandgate.h"
+#include "common/command/execute.h"
 #include "common/media/edit/trimcommands.h"
 #include "common/media/library/medialibraryapi.h"
 #include "common/media/library/medialibraryprovider.h"
@@ -111,10 +111,7 @@ Configuration* Session::configuration() const
 
 void Session::executeCommand(AbstractSessionCommand* command)
 {
-    if (CommandGate::passes(m_undoStack.get(), command->text()))
-        m_undoStack->push(command);
-    else
-        delete command;
+    submit(m_undoStack.get(), std::unique_ptr<AbstractSessionCommand>(command));
 }
 
 QUndoStack* Session::getQUndoStack() const

@@ -267,8 +267,13 @@ void ConnectionHandler::handleFailure(const Attempt& attempt, int error)
                                : tr("It does not answer. Is it switched on, and on this network?");
     if (m_state == State::Retrying || error == errorRefused || isHomeElsewhere())
         return fail(lock, reason);
-    if (std::exchange(m_toldHost, attempt.host) != attempt.host)
-        Q_EMIT attemptFailed(attempt.host, reason, attempt.host); // queued: nobody calls back under the lock
+    if (std::exchange(m_toldHost, attempt.host) != attempt.host) {
+        lock.unlock();
+        Q_EMIT attemptFailed(attempt.host, reason, attempt.host);
+        lock.relock();
+        if (isInterruptionRequested() || m_host != attempt.host)
+            return;
+    }
     m_condition.wait_for(m_mutex, repeatPause);
 }
 
