@@ -9,6 +9,7 @@
 #include "ombra/rest/httpserver.h"
 #include "ombra/rest/mediadata.h"
 #include "ombra/rest/restapi.h"
+#include "ombra/show/generations.h"
 #include "ombra/show/initiallibrary.h"
 #include "ombra/show/mediawatcher.h"
 #include "ombra/show/noticeboard.h"
@@ -64,11 +65,13 @@ Server::~Server()
 bool Server::start(std::string* error)
 {
     std::error_code code;
-    if (!std::filesystem::is_directory(m_options.media, code)) {
+    // A show that is there already is worth starting for: its media come with a disk that is mounted late.
+    if (!std::filesystem::is_directory(m_options.media, code) &&
+        Generations::find(m_options.state).snapshots.empty()) {
         *error = "there is no media folder " + m_options.media.string();
         return false;
     }
-    m_options.media = std::filesystem::canonical(m_options.media, code);
+    m_options.media = std::filesystem::weakly_canonical(m_options.media, code);
     if (!openShow(error))
         return false;
     m_preview = std::make_unique<PreviewServer>(m_io);
