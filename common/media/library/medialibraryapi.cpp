@@ -388,7 +388,7 @@ void MediaLibraryApi::onLibraryReceived(QNetworkReply* reply)
 {
     if (reply->error() != QNetworkReply::NoError) {
         qCWarning(lcMedia) << "Failed to get media library " << reply->error();
-        fetchFailed();
+        fetchFailed(reply->errorString());
         Q_EMIT mediaLibraryRequestFailed();
         return;
     }
@@ -411,11 +411,11 @@ void MediaLibraryApi::onLibraryRead(const LibraryReading& reading, std::optional
     switch (reading.outcome) {
     case LibraryReading::Outcome::NoJson:
         qCWarning(lcMedia) << "Failed to convert  QT JSON to SDK JSON";
-        fetchFailed();
+        fetchFailed(tr("the answer is no JSON"));
         break;
     case LibraryReading::Outcome::NoLibrary:
         qCWarning(lcMedia) << "Failed to parse media library" << shortened(reading.error);
-        fetchFailed();
+        fetchFailed(tr("the answer is no library"));
         Q_EMIT mediaLibraryRequestFailed();
         break;
     case LibraryReading::Outcome::Library:
@@ -443,8 +443,10 @@ void MediaLibraryApi::adoptLibrary(MediaLibrary& fetched, std::optional<qint64> 
 }
 
 /// It is tried again until it comes.
-void MediaLibraryApi::fetchFailed()
+void MediaLibraryApi::fetchFailed(const QString& why)
 {
+    constexpr qsizetype longest = 200;
+    m_readingError = why.left(longest);
     QTimer::singleShot(retryTime, this, &MediaLibraryApi::requestMediaLibrary);
     setReading(Reading::Failed);
     fetchEnded();
