@@ -262,8 +262,10 @@ void MediaPanelWidget::setConnected(bool connected)
 void MediaPanelWidget::showReading(const Session* session)
 {
     using Reading = MediaLibraryApi::Reading;
-    if (const MediaLibraryApi* api = session->getMediaLibraryApi())
-        m_libraryError = api->readingError();
+    const MediaLibraryApi* api = session->getMediaLibraryApi();
+    if (!api)
+        return;
+    m_libraryError = api->readingError();
     setLibrary(api->reading() == Reading::Done     ? Library::Read
                : api->reading() == Reading::Failed ? Library::Failed
                                                    : Library::Loading);
