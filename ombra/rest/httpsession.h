@@ -1,7 +1,7 @@
 #pragma once
 
-#include "ombra/base/peerlimit.h"
 #include "ombra/base/bytebudget.h"
+#include "ombra/base/peerlimit.h"
 #include "ombra/rest/broadcasthub.h"
 #include "ombra/rest/httpserver.h"
 

@@ -9,7 +9,11 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <array>
+#include <csignal>
+#include <execinfo.h>
 #include <memory>
+#include <unistd.h>
 #include <vector>
 
 namespace vantrel::test {
@@ -74,7 +78,26 @@ QString takeVerdict()
     return text;
 }
 
+/// What a crash leaves behind: where it was, for addr2line.
+void onCrash(int signal)
+{
+    std::array<void*, 64> frames{};
+    backtrace_symbols_fd(frames.data(), backtrace(frames.data(), int(frames.size())), STDERR_FILENO);
+    raise(signal); // which ends it now
+}
+
 } // namespace
+
+void installCrashTrace()
+{
+    struct sigaction action
+    {
+    };
+    action.sa_handler = onCrash;
+    action.sa_flags = SA_RESETHAND | SA_NODEFER;
+    for (const int signal : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT})
+        sigaction(signal, &action, nullptr);
+}
 
 Registration::Registration(const char* name, std::function<QObject*()> make)
 {
@@ -98,6 +121,7 @@ void allowWarnings(const QString& part)
 int main(int argc, char** argv)
 {
     using namespace vantrel::test;
+    installCrashTrace();
     QStandardPaths::setTestModeEnabled(true);
     const QTemporaryDir desk;
     if (qgetenv("QT_QPA_PLATFORM") == "offscreen")

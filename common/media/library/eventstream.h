@@ -22,8 +22,8 @@ public:
 
     /// Costs what the piece costs.
     State assemble(const QByteArray& piece);
-    /// Reads all messages that are whole, and keeps the beginning of the next. Each message's data lines go to
-    /// the handler, joined by line feeds.
+    /// Reads all messages that are whole, and keeps the beginning of the next. Each message's data lines go
+    /// to the handler, joined by line feeds.
     void parse(const std::function<void(const QByteArray& data)>& onMessage);
 
     qsizetype buffered() const { return m_buffer.size(); }

@@ -1,7 +1,7 @@
 #include "common/ui/shell/showmanager.h"
 
-#include "common/session/link/connectionhandler.h"
 #include "common/notification/notificationmanagerimpl.h"
+#include "common/session/link/connectionhandler.h"
 #include "common/session/session.h"
 #include "common/ui/shell/importshowdialog.h"
 #include "common/ui/toolkit/confirmationdialog.h"

@@ -168,7 +168,8 @@ private Q_SLOTS:
         QFETCH(QString, kind);
         QFETCH(QByteArray, options);
         const QString format = kind == QStringLiteral("exr") ? QStringLiteral("gbrpf32le") : QString();
-        QStringList input{"-f", "lavfi", "-i", "nullsrc=s=640x360,geq=random(1)*255:128:128", "-frames:v", "1"};
+        QStringList input{"-f",        "lavfi", "-i", "nullsrc=s=640x360,geq=random(1)*255:128:128",
+                          "-frames:v", "1"};
         if (!format.isEmpty())
             input += {"-pix_fmt", format};
         for (const QByteArray& option : options.split(' '))

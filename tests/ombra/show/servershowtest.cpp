@@ -116,8 +116,9 @@ private Q_SLOTS:
                 return value(program + "/properties/waitsToPlay") == "true";
             }));
             QVERIFY(waitForState("stop"));
-            QVERIFY(m_live->waitFor(
-                [&] { return m_live->request("GET", "/collections").body.contains("\"isPlayable\":false"); }));
+            QVERIFY(m_live->waitFor([&] {
+                return m_live->request("GET", "/collections").body.contains("\"isPlayable\":false");
+            }));
         }
         QVERIFY(QFile::rename(clip + QStringLiteral(".away"), clip));
         QVERIFY(waitForState("play"));
