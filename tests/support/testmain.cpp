@@ -79,7 +79,7 @@ QString takeVerdict()
 }
 
 /// What a crash leaves behind: where it was, for addr2line.
-void onCrash(int signal)
+[[maybe_unused]] void onCrash(int signal)
 {
     std::array<void*, 64> frames{};
     backtrace_symbols_fd(frames.data(), backtrace(frames.data(), int(frames.size())), STDERR_FILENO);
@@ -90,6 +90,7 @@ void onCrash(int signal)
 
 void installCrashTrace()
 {
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__) // they tell more
     struct sigaction action
     {
     };
@@ -97,6 +98,7 @@ void installCrashTrace()
     action.sa_flags = SA_RESETHAND | SA_NODEFER;
     for (const int signal : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT})
         sigaction(signal, &action, nullptr);
+#endif
 }
 
 Registration::Registration(const char* name, std::function<QObject*()> make)
