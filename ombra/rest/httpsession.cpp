@@ -200,7 +200,9 @@ bool HttpSession::makeRoomToStay()
 
 void HttpSession::readBody()
 {
-    m_stream.expires_after(requestTime);
+    constexpr std::uint64_t bytesASecond = 2 * 1024 * 1024; // so that a show has the time that it takes
+    m_stream.expires_after(requestTime +
+                           std::chrono::seconds(m_parser->content_length().value_or(0) / bytesASecond));
     http::async_read(
         m_stream, m_buffer, *m_parser,
         [self = shared_from_this()](beast::error_code code, std::size_t) { self->bodyRead(code); });
