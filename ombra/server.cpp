@@ -9,6 +9,7 @@
 #include "ombra/rest/httpserver.h"
 #include "ombra/rest/mediadata.h"
 #include "ombra/rest/restapi.h"
+#include "ombra/show/generations.h"
 #include "ombra/show/initiallibrary.h"
 #include "ombra/show/mediawatcher.h"
 #include "ombra/show/noticeboard.h"
@@ -64,24 +65,26 @@ Server::~Server()
 bool Server::start(std::string* error)
 {
     std::error_code code;
-    if (!std::filesystem::is_directory(m_options.media, code)) {
+    // A show that is there already is worth starting for: its media come with a disk that is mounted late.
+    if (!std::filesystem::is_directory(m_options.media, code) &&
+        Generations::find(m_options.state).snapshots.empty()) {
         *error = "there is no media folder " + m_options.media.string();
         return false;
     }
-    m_options.media = std::filesystem::canonical(m_options.media, code);
+    m_options.media = std::filesystem::weakly_canonical(m_options.media, code);
     if (!openShow(error))
         return false;
     m_preview = std::make_unique<PreviewServer>(m_io);
     m_mediaData = std::make_unique<MediaData>(m_io, m_options.media);
-    m_rest = std::make_unique<RestApi>(*m_store, *m_mediaData, *m_showFiles);
+    m_rest = std::make_unique<RestApi>(m_io, *m_store, *m_mediaData, *m_showFiles);
     const std::string root(RestApi::root);
     std::vector<std::string> names = m_options.hostNames;
     names.push_back(hostName());
     m_http = std::make_unique<HttpServer>(
-        m_io, HttpHandlers{[this](const HttpRequest& request, const HttpAnswer& answer) {
-                               m_rest->handle(request, answer);
+        m_io, HttpHandlers{[this](HttpRequest request, const HttpAnswer& answer) {
+                               m_rest->handle(std::move(request), answer);
                            },
-                           root + "/sse", root + "/events", RequestGuard(names)});
+                           root + "/sse", root + "/events", root + "/show/current", RequestGuard(names)});
     m_link = std::make_unique<LinkServer>(
         m_io, *m_scene,
         LinkServer::Handlers{
@@ -131,6 +134,8 @@ bool Server::openShow(std::string* error)
             m_engine->invoke(seek, Json::object({{"mediaPosition", seconds}}), &ignored);
         });
     m_showFiles = std::make_unique<ShowFiles>(*m_store, *m_settings, *m_outputs, m_options.state);
+    m_showFiles->setTroubleListener(
+        [this](const std::string& sentence) { m_notices->set("show file", sentence); });
     return true;
 }
 

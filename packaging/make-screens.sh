@@ -24,5 +24,5 @@ trap finish EXIT
 trap 'exit 130' INT TERM
 start_ombra "$work/media" "$work/state" "$work/ombra.out" "$work/ombra.log"
 head -c 40000 /dev/zero >"$work/media/07 Interview.mp4"
-python3 "$root/packaging/screens.py" --bin "$bin_dir/halcyra" --out "$root/docs/screens" --ombra "$ombra_pid" \
+python3 "$root/packaging/screens.py" --bin "$bin_dir/halcyra" --out "$root/docs/screens" --ombra "$ombra_pid" --media "$work/media" \
   "$@" -- "${server_args[@]}"

@@ -3,13 +3,17 @@
 import argparse
 import base64
 import ctypes
+import http.server
+import json
 import os
 import pathlib
 import signal
 import subprocess
 import sys
 import tempfile
+import threading
 import time
+import urllib.request
 
 from robot import Robot, port_of
 
@@ -20,7 +24,7 @@ SIZES = {"small": 0, "medium": 1, "large": 2, "huge": 3}
 class Window:
     """A halcyra that fills a screen of so many pixels, with settings of its own."""
 
-    def __init__(self, options, text="medium", size=(1600, 1000), scale=1, connect=True):
+    def __init__(self, options, text="medium", size=(1600, 1000), scale=1, connect=True, server=None):
         self.size = [pixels * scale for pixels in size]
         self.home = tempfile.TemporaryDirectory()
         settings = pathlib.Path(self.home.name, "Halcyra", "halcyra.ini")
@@ -39,7 +43,7 @@ class Window:
                            QT_QPA_PLATFORM="xcb", QT_SCALE_FACTOR=str(scale))
         with open(output, "w", encoding="utf-8") as file:
             self.app = subprocess.Popen(
-                [options.bin, "--ui-test", "--ui-test-port", "0"] + (options.server if connect else []),
+                [options.bin, "--ui-test", "--ui-test-port", "0"] + (server or options.server if connect else []),
                 env=environment, stdout=file, stderr=subprocess.DEVNULL)
         self.robot = Robot(port_of(output))
         self.robot.ask(operation="raise", objectName="MainWindow")
@@ -93,6 +97,12 @@ class Window:
         name = f"{view}-row{row}-col{column}"
         return next((item for item in self.robot.ask(objectName=view, maxResults=1)
                      if item.get("objectName") == name), None)
+
+    def choose(self, entry):
+        """Of the main menu."""
+        self.click("MainNavigationBar-mainmenu-button")
+        time.sleep(0.5)
+        self.robot.mouse("click", self.robot.find(f"MainNavigationBar-mainmenu-{entry}-action"))
 
     def run_list(self):
         """The first entry on program, the third on preview, with its row selected."""
@@ -276,15 +286,101 @@ def waiting(options, row, name):
         window.shoot(options.out / f"{name}.png")
 
 
-def disconnect(options):
+def questions(options):
+    """What is asked before program would go dark."""
     with Window(options) as window:
         window.run_show()
-        window.click("MainNavigationBar-mainmenu-button")
-        time.sleep(0.5)
-        window.robot.mouse("click", window.robot.find("MainNavigationBar-mainmenu-DisconnectFromServer-action"))
-        window.robot.find("DisconnectDialog")
+        for entry, dialog, name in (("DisconnectFromServer", "DisconnectDialog", "disconnect"),
+                                    ("DeviceReboot", "RebootDialog", "reboot"),
+                                    ("ClearShow", "ClearShowDialog", "clear")):
+            window.choose(entry)
+            window.robot.find(dialog)
+            window.rest()
+            window.shoot(options.out / f"{name}.png")
+            window.robot.ask(operation="key_press", keyName="Escape")
+
+
+def countdown(options):
+    """Program's last seconds: amber, red, and its last picture that holds; muted and unlocked."""
+    with Window(options) as window:
+        window.click("TakeControls-DirectCut-Button")
+        window.cue(2)
+        window.click("TakeControls-Take-Button")
+        left = "Program-PlaybackWidget-PlaybackTimecodes-Remaining"
+        for seconds, name in (("00:00:08", "time-left-amber"), ("00:00:04", "time-left-red")):
+            wait(lambda: "00:00:00" < window.robot.find(left)["text"] < seconds, "the last seconds")
+            window.shoot(options.out / f"{name}.png")
+        window.click("Program-PlaybackWidget-Header-Mute")
+        window.click("Program-PlaybackWidget-Header-Lock")
+        window.robot.find("Program-PlaybackWidget-PlaybackTimecodes-Ended")
         window.rest()
-        window.shoot(options.out / "disconnect.png")
+        window.shoot(options.out / "ended-muted-unlocked.png")
+        window.click("Program-PlaybackWidget-Header-Mute")
+
+
+def held(options):
+    """What is on air while its slot is cleared, and put back."""
+    with Window(options) as window:
+        window.run_show()
+        slot = json.load(rest(options, "GET"))["collections"]["1"]["slots"]["1"]
+        rest(options, "PATCH", [{"op": "remove", "path": "/collections/1/slots/1"}])
+        name = "Program-PlaybackWidget-Header-MediaName"
+        wait(lambda: "no longer" in window.robot.find(name)["text"], "the word on what is on air")
+        window.shoot(options.out / "no-longer-in-the-library.png")
+        rest(options, "PATCH", [{"op": "add", "path": "/collections/1/slots/1", "value": slot}])
+
+
+def rest(options, method, body=None):
+    port = options.server[options.server.index("--http-port") + 1]
+    request = urllib.request.Request(f"http://127.0.0.1:{port}/api/brume/v1/medialibrary", method=method,
+                                     data=json.dumps(body).encode() if body else None,
+                                     headers={"Content-Type": "application/json"})
+    return urllib.request.urlopen(request, timeout=10)
+
+
+class Unwell(http.server.BaseHTTPRequestHandler):
+    """The server's web side as it must not be: it says nothing, or that it cannot."""
+    status = None
+
+    def do_GET(self):
+        if not self.status:
+            time.sleep(60)
+            return
+        self.send_response(self.status)
+        self.send_header("Content-Length", "0")
+        self.end_headers()
+
+    def log_message(self, *_):
+        pass
+
+
+def library(options, name, status):
+    """The link stands and the library does not come."""
+    Unwell.status = status
+    web = http.server.ThreadingHTTPServer(("127.0.0.1", 0), Unwell)
+    web.daemon_threads = True
+    threading.Thread(target=web.serve_forever, daemon=True).start()
+    server = list(options.server)
+    server[server.index("--http-port") + 1] = str(web.server_port)
+    with Window(options, server=server) as window:
+        window.robot.find("MediaPanel-slots-view")
+        time.sleep(6)
+        window.shoot(options.out / f"{name}.png")
+    web.shutdown()
+
+
+def notice(options):
+    """The media folder goes, and comes back."""
+    away = options.media.with_name("away")
+    with Window(options) as window:
+        window.run_show()
+        options.media.rename(away)
+        try:
+            time.sleep(3)
+            window.shoot(options.out / "media-folder-gone.png")
+        finally:
+            away.rename(options.media)
+        time.sleep(3)
 
 
 def drop(options):
@@ -360,7 +456,12 @@ SCREENS = {
     "cue-list-medium-1280x720": lambda options: cue_list(options, "cue-list-medium-1280x720", size=(1280, 720)),
     "sound-alone": lambda options: waiting(options, 5, "sound-alone"),
     "unplayable": lambda options: waiting(options, 6, "unplayable"),
-    "disconnect": disconnect,
+    "disconnect": questions,
+    "time-left-amber": countdown,
+    "no-longer-in-the-library": held,
+    "library-loading": lambda options: library(options, "library-loading", None),
+    "library-not-read": lambda options: library(options, "library-not-read", 500),
+    "media-folder-gone": notice,
     "drop-on-program": drop,
     "silent": silent,
     "reconnect": reconnect,  # ends the server: what follows finds none
@@ -373,6 +474,7 @@ def main():
     parser.add_argument("--bin", required=True, help="the application")
     parser.add_argument("--out", required=True, type=pathlib.Path, help="folder of the pictures")
     parser.add_argument("--ombra", required=True, type=int, help="process id of the server")
+    parser.add_argument("--media", required=True, type=pathlib.Path, help="media folder of the server")
     parser.add_argument("--only", choices=SCREENS, action="append", help="one picture; may be given again")
     parser.add_argument("server", nargs="+", help="arguments that connect the application to the server")
     options = parser.parse_args()

@@ -31,6 +31,7 @@ public:
     void setUndoVarMap(const QString& verb, const QString& path, const VariantMap& body);
 
     virtual bool isUndoSupported() const { return m_undo.supported; }
+    bool leavesNoTrace() const override { return !isUndoSupported(); }
     void redo() override;
     virtual void redoResult(const QJsonObject& object);
     void undo() override;

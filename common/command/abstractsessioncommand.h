@@ -15,6 +15,10 @@ public:
     {
     }
 
+    /// Whether it leaves the stack right after its run: then it never comes on it, and what was undone before
+    /// can still be redone.
+    virtual bool leavesNoTrace() const { return false; }
+
     bool initialized() const { return m_initialized; }
     void setInitialized(bool initialized) { m_initialized = initialized; }
 

@@ -22,6 +22,7 @@ public:
     /// After init() only; makes the command undoable.
     bool setUndo(const QString& method, const VariantMap& args);
     virtual bool isUndoSupported() const { return m_undoSupported; }
+    bool leavesNoTrace() const override { return !isUndoSupported(); }
 
     void redo() override;
     void undo() override;

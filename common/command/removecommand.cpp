@@ -19,17 +19,21 @@ void RemoveCommand::init(const Path& path)
 void RemoveCommand::redo()
 {
     if (Scene* tree = scene()) {
-        m_properties.clear();
-        tree->getProperties(tree->find(PathView(m_path)), m_properties);
-        tree->removeObject(tree->find(PathView(m_path)));
+        const ScenePointer at = tree->find(PathView(m_path));
+        m_object = Scene::toJson(at.deref());
+        tree->removeObject(at);
     }
     QUndoCommand::redo();
 }
 
 void RemoveCommand::undo()
 {
-    if (Scene* tree = scene())
-        tree->addObject(tree->find(PathView(m_path)), m_properties);
+    Scene* tree = scene();
+    if (tree && !m_object.isNull()) {
+        Patch back;
+        back.append({PatchOpType::Add, m_path, {}, m_object});
+        tree->apply(back, false);
+    }
     QUndoCommand::undo();
 }
 

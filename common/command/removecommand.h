@@ -5,7 +5,7 @@
 
 namespace vantrel {
 
-/// Removes an object from the scene; undo brings it back with the properties that it had at the last redo.
+/// Removes an object from the scene; undo brings it back whole, as it was at the last redo.
 class RemoveCommand : public AbstractSceneCommand
 {
 public:
@@ -19,7 +19,7 @@ public:
 
 private:
     Path m_path;
-    VariantMap m_properties;
+    Json m_object; // whole, as it stood at the last redo
 };
 
 } // namespace vantrel

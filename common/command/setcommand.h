@@ -15,8 +15,10 @@ public:
     /// oldValue counts only when its tag is not None.
     void init(const Path& path, const Variant& value, const Variant& oldValue = {});
     void setMergeable(bool mergeable) { m_mergeable = mergeable; }
+    bool isMergeable() const { return m_mergeable; }
     /// The stack drops the command right after its first redo().
     void disableUndo() { m_undoDisabled = true; }
+    bool leavesNoTrace() const override { return m_undoDisabled; }
     /// Both of one kind, and a kind that merges at all.
     static bool canMerge(const Variant& a, const Variant& b);
 

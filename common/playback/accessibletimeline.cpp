@@ -13,6 +13,8 @@ QString timeText(double seconds)
     return TimeUtils::formatClockTime(clocktime::fromSeconds(seconds));
 }
 
+using Mark = AccessibleTimeline::Mark;
+
 QAccessibleInterface* make(const QString& name, QObject* object)
 {
     auto* part = qobject_cast<QWidget*>(object);
@@ -20,27 +22,25 @@ QAccessibleInterface* make(const QString& name, QObject* object)
         return nullptr;
     if (name == QLatin1String("vantrel::SeekSlider")) {
         auto* slider = static_cast<SeekSlider*>(part);
-        return new AccessibleTimeline(part, slider, [slider] { return slider->position(); });
+        return new AccessibleTimeline(part, slider, Mark::Playhead);
     }
     auto* slider = qobject_cast<SeekSlider*>(part->parentWidget());
     if (!slider)
         return nullptr;
     if (name == QLatin1String("vantrel::SeekSliderHandle"))
-        return new AccessibleTimeline(part, slider, [slider] { return slider->position(); });
+        return new AccessibleTimeline(part, slider, Mark::Playhead);
     if (name != QLatin1String("vantrel::SeekSliderMarker"))
         return nullptr;
-    return new AccessibleTimeline(part, slider, [slider, part] {
-        return part->objectName().endsWith(QLatin1String("-inMarker")) ? slider->inpoint()
-                                                                       : slider->outpoint();
-    });
+    const bool isIn = part->objectName().endsWith(QLatin1String("-inMarker"));
+    return new AccessibleTimeline(part, slider, isIn ? Mark::In : Mark::Out);
 }
 
 } // namespace
 
-AccessibleTimeline::AccessibleTimeline(QWidget* part, SeekSlider* slider, std::function<double()> time)
+AccessibleTimeline::AccessibleTimeline(QWidget* part, SeekSlider* slider, Mark mark)
     : QAccessibleWidget(part, QAccessible::Slider)
     , m_slider(slider)
-    , m_time(std::move(time))
+    , m_mark(mark)
 {
 }
 
@@ -56,7 +56,7 @@ QString AccessibleTimeline::text(QAccessible::Text kind) const
 {
     if (kind != QAccessible::Value)
         return QAccessibleWidget::text(kind);
-    return SeekSlider::tr("%1 of %2").arg(timeText(m_time()), timeText(m_slider->duration()));
+    return SeekSlider::tr("%1 of %2").arg(timeText(time()), timeText(m_slider->duration()));
 }
 
 void* AccessibleTimeline::interface_cast(QAccessible::InterfaceType type)
@@ -68,11 +68,29 @@ void* AccessibleTimeline::interface_cast(QAccessible::InterfaceType type)
 
 void AccessibleTimeline::setCurrentValue(const QVariant& seconds)
 {
-    if (!m_slider->isEnabled())
+    const double wanted = seconds.toDouble();
+    if (m_mark == Mark::Playhead ? !m_slider->isMovable() : !m_slider->areMarksMovable())
         return;
-    Q_EMIT m_slider->seekStarting();
-    Q_EMIT m_slider->seekPosition(qBound(m_slider->inpoint(), seconds.toDouble(), m_slider->outpoint()));
-    Q_EMIT m_slider->seekEnding();
+    switch (m_mark) {
+    case Mark::In:
+        Q_EMIT m_slider->inpointSet(qBound(0.0, wanted, m_slider->outpoint()));
+        break;
+    case Mark::Out:
+        Q_EMIT m_slider->outpointSet(qBound(m_slider->inpoint(), wanted, m_slider->duration()));
+        break;
+    case Mark::Playhead:
+        Q_EMIT m_slider->seekStarting();
+        Q_EMIT m_slider->seekPosition(qBound(m_slider->inpoint(), wanted, m_slider->outpoint()));
+        Q_EMIT m_slider->seekEnding();
+        break;
+    }
+}
+
+double AccessibleTimeline::time() const
+{
+    return m_mark == Mark::In    ? m_slider->inpoint()
+           : m_mark == Mark::Out ? m_slider->outpoint()
+                                 : m_slider->position();
 }
 
 QVariant AccessibleTimeline::minimumValue() const

@@ -2,8 +2,6 @@
 
 #include <QAccessibleWidget>
 
-#include <functional>
-
 namespace vantrel {
 
 class SeekSlider;
@@ -13,8 +11,10 @@ class SeekSlider;
 class AccessibleTimeline : public QAccessibleWidget, public QAccessibleValueInterface
 {
 public:
-    /// part: the slider or a child of it; time: what it stands at, in seconds.
-    AccessibleTimeline(QWidget* part, SeekSlider* slider, std::function<double()> time);
+    enum class Mark { Playhead, In, Out };
+
+    /// part: the slider or a child of it, which stands for the mark.
+    AccessibleTimeline(QWidget* part, SeekSlider* slider, Mark mark);
 
     /// Lets Qt find this class for the parts of every slider; once is enough.
     static void install();
@@ -22,16 +22,18 @@ public:
     QString text(QAccessible::Text kind) const override;
     void* interface_cast(QAccessible::InterfaceType type) override;
 
-    QVariant currentValue() const override { return m_time(); }
-    /// Seeks, as a drag of the playhead does.
+    QVariant currentValue() const override { return time(); }
+    /// As a drag of the playhead or of the mark does, within the same bounds; what no hand can move stays.
     void setCurrentValue(const QVariant& seconds) override;
     QVariant minimumValue() const override;
     QVariant maximumValue() const override;
     QVariant minimumStepSize() const override { return 0.1; }
 
 private:
+    double time() const;
+
     SeekSlider* m_slider;
-    std::function<double()> m_time;
+    Mark m_mark;
 };
 
 } // namespace vantrel

@@ -18,6 +18,7 @@
 #include "common/playback/playbackwidgetfooter.h"
 #include "common/playback/playbackwidgetheader.h"
 #include "common/playback/seekslider.h"
+#include "common/playback/volumebinding.h"
 #include "common/playback/volumecontrolpopup.h"
 #include "common/session/link/previewthread.h"
 #include "common/session/mirror/guiplayback.h"
@@ -90,6 +91,7 @@ void PlaybackWidget::createChildren()
     m_controls = new PlaybackControls(m_viewMode, m_session->getQUndoStack(), this);
     m_durationEdit = new DurationEditWidget(this);
     m_footer = new PlaybackWidgetFooter(m_viewMode, this);
+    m_volume = new VolumeBinding(m_footer->volumeControlPopup(), m_session->getQUndoStack(), this);
     m_slider->setInpointOutpointEnabled(isPreview());
     setHotkeyTip(m_slider, tr("Seek bar: drag the playhead, or step a frame"),
                  {QStringLiteral("prev_frame"), QStringLiteral("next_frame")});
@@ -198,6 +200,7 @@ void PlaybackWidget::setObject(Object* object, Scene* scene)
     m_controls->setObject(object);
     if (!object) {
         connectMute({});
+        m_volume->setPath({});
         m_preview->setSource({}, -1);
         m_footer->levelMeter()->setSource({});
         m_notice->levels()->setSource({});
@@ -207,7 +210,8 @@ void PlaybackWidget::setObject(Object* object, Scene* scene)
     }
     m_propertiesMapper->addMapping(QStringLiteral("state"), m_controls, "state");
     m_propertiesMapper->addMapping(QStringLiteral("sourceMode"), m_model, "sourceMode");
-    m_propertiesMapper->addMapping(QStringLiteral("volume"), m_footer->volumeControlPopup(), "volume");
+    m_volume->setPath({});
+    m_propertiesMapper->addMapping(QStringLiteral("volume"), m_volume, "volume");
     if (m_header->muteButton())
         m_propertiesMapper->addMapping(QStringLiteral("muted"), m_header->muteButton(), "muted");
     m_propertiesMapper->addMapping(QStringLiteral("resourceConstrained"), this, "isResourceConstrained");
@@ -216,6 +220,7 @@ void PlaybackWidget::setObject(Object* object, Scene* scene)
     if (scene)
         scene->pathOf(object, path);
     connectMute(path);
+    m_volume->setPath(path);
     m_preview->setSource(path.toString(), 0);
     m_footer->levelMeter()->setSource(path.toString());
     m_notice->levels()->setSource(path.toString());

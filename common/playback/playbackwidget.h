@@ -35,6 +35,7 @@ class PropertiesMapper;
 class Scene;
 class SeekSlider;
 class Session;
+class VolumeBinding;
 
 /// One channel as the operator handles it: picture, timeline, transport, volume and end action. It holds no
 /// state of its own; the truth is the channel's scene object, seen through its model. Owned by ChannelWidget;
@@ -151,6 +152,7 @@ private:
     PlaybackControls* m_controls = nullptr;
     PlaybackWidgetFooter* m_footer = nullptr;
     DurationEditWidget* m_durationEdit = nullptr;
+    VolumeBinding* m_volume = nullptr;
     PropertiesMapper* m_propertiesMapper;
     QString m_mediaAddress;
     bool m_hasValidMedia = false;

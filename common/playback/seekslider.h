@@ -29,6 +29,9 @@ public:
     void setInpointOutpointEnabled(bool enabled);
     /// Shows everything and takes nothing from the hand.
     void setLocked(bool locked);
+    /// Whether the playhead, or the marks, can be moved by whatever means.
+    bool isMovable() const { return isEnabled() && m_enabled && !m_locked; }
+    bool areMarksMovable() const { return isMovable() && m_inpointOutpointEnabled; }
     void setDrawGrooveFill(bool draw);
     /// Pins the playhead to the right end, for media without an end.
     void setPlayheadFixed(bool fixed);

@@ -3,6 +3,7 @@
 #include "common/ui/keyboard/hotkeytip.h"
 #include "common/ui/style/dynamicstyle.h"
 
+#include <QApplication>
 #include <QFocusEvent>
 #include <QGraphicsDropShadowEffect>
 #include <QLabel>
@@ -10,6 +11,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace vantrel {
 
@@ -151,7 +153,19 @@ void TakeButton::resizeEvent(QResizeEvent* event)
 /// The second click of a double one is no second take: it would undo the first.
 void TakeButton::mouseDoubleClickEvent(QMouseEvent* event)
 {
+    m_pressedAt = event->timestamp();
     event->accept();
+}
+
+/// Nor is the third one of a contact that bounces or of an angry hand, which comes as a press of its own.
+void TakeButton::mousePressEvent(QMouseEvent* event)
+{
+    const quint64 before = std::exchange(m_pressedAt, event->timestamp());
+    const auto tooSoon = static_cast<quint64>(QApplication::doubleClickInterval());
+    if (before > 0 && m_pressedAt >= before && m_pressedAt - before < tooSoon)
+        event->accept();
+    else
+        QPushButton::mousePressEvent(event);
 }
 
 void TakeButton::setParts(const char* property, bool value)

@@ -47,6 +47,7 @@ protected:
     void focusOutEvent(QFocusEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
 
 private:
     FontSize stepped(FontSize size) const;
@@ -60,6 +61,7 @@ private:
     QLabel* m_takenLabel;
     QGraphicsDropShadowEffect* m_shadow;
     double m_takeProgress = 0.0;
+    quint64 m_pressedAt = 0; // milliseconds, of the last press; 0: no event told its time
 };
 
 } // namespace vantrel

@@ -186,7 +186,7 @@ void PlayerPlaybackView::onWidgetAdded(QWidget* widget, const QModelIndex& index
         channel->setObject(index.data(objectRole).value<Object*>(), index.data(sceneRole).value<Scene*>());
         if (m_keys)
             m_keys->addChannel(channel);
-        channel->setBlocked(m_session->linkHealth()->text());
+        channel->setBlocked(blockedReason());
         PlaylistWidget* playlist = channel->previewPlaylist();
         playlist->editor()->setMediaSource([this] { return m_panel->selectedMedia(); });
         connect(m_panel, &MediaPanelWidget::mediaInsertRequested, playlist, &PlaylistWidget::insertMedia,
@@ -198,14 +198,24 @@ void PlayerPlaybackView::onWidgetAdded(QWidget* widget, const QModelIndex& index
 void PlayerPlaybackView::setStale(bool stale)
 {
     m_isStale = stale;
-    updateUsable();
+    onHealthChanged();
     updateState();
+}
+
+/// Why nothing takes a click; empty while everything does.
+QString PlayerPlaybackView::blockedReason() const
+{
+    const QString silence = m_session->linkHealth()->text();
+    if (!silence.isEmpty() || !m_isStale)
+        return silence;
+    return m_session->isConnected() ? tr("The server's state is being read")
+                                    : tr("There is no connection to the server");
 }
 
 void PlayerPlaybackView::onHealthChanged()
 {
     const LinkHealth* health = m_session->linkHealth();
-    const QString reason = health->text();
+    const QString reason = blockedReason();
     for (ChannelWidget* channel : m_channels->findChildren<ChannelWidget*>(Qt::FindDirectChildrenOnly))
         channel->setBlocked(reason);
     m_panel->setStale(health->state() == LinkHealth::State::Silent ||

@@ -51,6 +51,7 @@ private:
     void updateState();
     void setStale(bool stale);
     void onHealthChanged();
+    QString blockedReason() const;
     void updateUsable();
 
     Session* m_session;

@@ -1,7 +1,7 @@
 #include "common/session/session.h"
 
-#include "common/command/abstractsessioncommand.h"
 #include "common/command/commandgate.h"
+#include "common/command/execute.h"
 #include "common/media/edit/trimcommands.h"
 #include "common/media/library/medialibraryapi.h"
 #include "common/media/library/medialibraryprovider.h"
@@ -42,6 +42,7 @@
 #include <QTimer>
 #include <QUndoStack>
 
+#include <atomic>
 #include <utility>
 
 namespace vantrel {
@@ -50,7 +51,7 @@ namespace {
 constexpr int shutDownTime = 2000; // milliseconds
 constexpr int libraryRetry = 1000; // milliseconds
 
-Session* theInstance = nullptr;
+std::atomic<Session*> theInstance = nullptr; // the connection's thread asks too
 } // namespace
 
 Session::Session()
@@ -67,8 +68,10 @@ Session::~Session()
         m_scene->removeChangeCallback(&Session::onSceneChange, this);
     // A thread that hangs in a name look-up is left to the process's end; it must not outlive its object.
     if (m_connection && !m_connection->shutDown(shutDownTime)) {
+        qCWarning(lcSession) << "The connection's thread does not end; it is left behind";
         m_connection->QObject::disconnect();
         m_connection.release();
+        m_preview.release(); // it may be about to subscribe
     }
 }
 
@@ -91,6 +94,8 @@ Session* Session::instance()
 
 QAbstractItemModel* Session::localFileSystemModel() const
 {
+    // It walks the disk on a thread of its own: from the first look on, and not before.
+    m_localFileSystemModel->setRootPath(QDir::rootPath());
     return m_localFileSystemModel.get();
 }
 
@@ -106,10 +111,7 @@ Configuration* Session::configuration() const
 
 void Session::executeCommand(AbstractSessionCommand* command)
 {
-    if (CommandGate::passes(m_undoStack.get(), command->text()))
-        m_undoStack->push(command);
-    else
-        delete command;
+    submit(m_undoStack.get(), std::unique_ptr<AbstractSessionCommand>(command));
 }
 
 QUndoStack* Session::getQUndoStack() const
@@ -165,7 +167,6 @@ void Session::doInit()
     m_mediaLibraryModel = std::make_unique<MediaLibraryModel>(m_mediaLibrary.get(), preview, program);
     m_mediaLibraryModel->setMediaLibaryProvider(library);
     m_localFileSystemModel = std::make_unique<QFileSystemModel>();
-    m_localFileSystemModel->setRootPath(QDir::rootPath());
     m_configuration = std::make_unique<Configuration>();
     m_preview = std::make_unique<PreviewThread>(m_ports.preview);
     m_signalRelay = std::make_unique<SignalRelay>();
@@ -205,10 +206,9 @@ void Session::onHealthChanged()
     m_webProbe->setHost(isGone ? m_lastHost : QString());
     if (state == LinkHealth::State::Silent)
         m_gate->setReason(tr("The server does not answer."));
-    else if (state == LinkHealth::State::Lost)
-        m_gate->setReason(tr("There is no connection to the server."));
-    else
-        m_gate->setReason({});
+    else // also while another host is tried: what is pressed then would go nowhere
+        m_gate->setReason(state == LinkHealth::State::Current ? QString()
+                                                              : tr("There is no connection to the server."));
     if (state == LinkHealth::State::Current && !m_unsent.empty())
         askForUnsent();
 }

@@ -262,10 +262,13 @@ void MediaPanelWidget::setConnected(bool connected)
 void MediaPanelWidget::showReading(const Session* session)
 {
     using Reading = MediaLibraryApi::Reading;
-    if (const MediaLibraryApi* api = session->getMediaLibraryApi())
-        setLibrary(api->reading() == Reading::Done     ? Library::Read
-                   : api->reading() == Reading::Failed ? Library::Failed
-                                                       : Library::Loading);
+    const MediaLibraryApi* api = session->getMediaLibraryApi();
+    if (!api)
+        return;
+    m_libraryError = api->readingError();
+    setLibrary(api->reading() == Reading::Done     ? Library::Read
+               : api->reading() == Reading::Failed ? Library::Failed
+                                                   : Library::Loading);
 }
 
 void MediaPanelWidget::setLibrary(Library library)
@@ -321,8 +324,10 @@ void MediaPanelWidget::updateEmptyText()
     else if (!hasCollection && m_libraryState == Library::Loading)
         m_view->setEmpty(QStringLiteral("media"), tr("Loading the library from the server ..."));
     else if (!hasCollection && m_libraryState == Library::Failed)
-        m_view->setEmpty(QStringLiteral("media"),
-                         tr("The library could not be read from the server. It is tried again each second."));
+        m_view->setEmpty(
+            QStringLiteral("media"),
+            tr("The library could not be read from the server: %1. It is tried again each second.")
+                .arg(m_libraryError));
     else if (!hasCollection)
         m_view->setEmpty(QStringLiteral("folder"),
                          tr("There are no collections yet. Add one with the + button above."));

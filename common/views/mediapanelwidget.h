@@ -106,7 +106,8 @@ private:
     QTimer m_scrollRest;
     QTimer m_refresh;
     Library m_libraryState = Library::Read;
-    int m_remembered = -1; // the collection of the last run, until it has come
+    QString m_libraryError; // of Failed
+    int m_remembered = -1;  // the collection of the last run, until it has come
     bool m_connected = false;
     bool m_choosesAdded = false; // the next collection that comes is the one made here
 };

@@ -46,6 +46,15 @@ public:
         return m_end;
     }
 
+    /// The same from the first packet on, for what has no index to seek by; nothing where that takes too
+    /// long.
+    std::optional<double> walk()
+    {
+        while (read()) {
+        }
+        return inTime() ? std::optional(m_end) : std::nullopt;
+    }
+
 private:
     bool seek(double time)
     {
@@ -135,6 +144,44 @@ std::optional<CutOff> findCutChunk(const AvInput& input, const std::filesystem::
     return length - whole > agreement ? std::optional(CutOff{whole, length}) : std::nullopt;
 }
 
+/// Where the last partition of an MXF file begins, as its first one says; 0 where that leaves it open.
+std::uint64_t mxfFooter(const std::filesystem::path& file)
+{
+    constexpr std::size_t headAtMost = 64 * 1024; // what may stand before the first partition
+    constexpr std::string_view key("\x06\x0e\x2b\x34\x02\x05\x01\x01\x0d\x01\x02\x01\x01\x02", 14);
+    std::string head(headAtMost, '\0');
+    std::ifstream in(file, std::ios::binary);
+    in.read(head.data(), static_cast<std::streamsize>(head.size()));
+    head.resize(static_cast<std::size_t>(in.gcount()));
+    std::size_t at = head.find(key);
+    if (at == head.npos || at + 17 > head.size())
+        return 0;
+    at += 16;
+    const auto length = static_cast<unsigned char>(head[at]);
+    at += 1 + (length & 0x80 ? length & 0x7f : 0);
+    at += 2 + 2 + 4 + 8 + 8; // versions, grid, this partition and the one before
+    std::uint64_t footer = 0;
+    for (std::size_t i = 0; i < 8 && at + i < head.size(); ++i)
+        footer = footer << 8 | static_cast<unsigned char>(head[at + i]);
+    return at + 8 <= head.size() ? footer : 0;
+}
+
+/// Its index lies at its end: a file that is cut can only be read from its beginning.
+std::optional<CutOff> findCutPartition(const AvInput& input, const std::filesystem::path& file)
+{
+    std::error_code code;
+    const auto present = std::filesystem::file_size(file, code);
+    const std::uint64_t footer = mxfFooter(file);
+    if (code || footer < present)
+        return std::nullopt;
+    CutOff cut;
+    cut.announced = input.duration();
+    cut.at = EndSearch(input.format())
+                 .walk()
+                 .value_or(cut.announced * static_cast<double>(present) / static_cast<double>(footer));
+    return cut;
+}
+
 } // namespace
 
 std::optional<CutOff> findCutOff(const std::filesystem::path& file)
@@ -142,6 +189,8 @@ std::optional<CutOff> findCutOff(const std::filesystem::path& file)
     const std::unique_ptr<AvInput> input = AvInput::open(file, never, nullptr);
     if (!input || input->isStill())
         return std::nullopt;
+    if (std::string_view(input->format()->iformat->name) == "mxf")
+        return findCutPartition(*input, file);
     if (const auto cut = findCutChunk(*input, file))
         return cut;
     AVFormatContext* format = input->format();

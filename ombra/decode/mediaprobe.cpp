@@ -2,6 +2,7 @@
 
 #include "ombra/decode/avinput.h"
 #include "ombra/decode/mediaurl.h"
+#include "ombra/decode/pictureend.h"
 #include "ombra/decode/soundprogramme.h"
 #include "ombra/decode/unplayable.h"
 #include "ombra/decode/videoreader.h"
@@ -200,6 +201,11 @@ std::optional<MediaInfo> probeFile(const std::filesystem::path& file, std::strin
         probeSound(*input, sound, info, error);
     if (info.playable && info.duration > 0)
         info.cutOff = findCutOff(file);
+    if (!info.cutOff && isPictureCutOff(file)) {
+        info.isPictureCutOff = true;
+        if (!info.playable)
+            setError(error, unplayableReason(file, {}));
+    }
     return info;
 }
 

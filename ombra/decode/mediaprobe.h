@@ -39,6 +39,7 @@ struct MediaInfo
     std::string startTimecode; // "10:00:00:00"; empty where there is none
     std::string fieldOrder;    // see MediaMetadata; empty where nothing tells
     std::optional<CutOff> cutOff;
+    bool isPictureCutOff = false; // of a still
 };
 
 /// Opens a file, or the first picture of a sequence ("frame_%05d.png"), and decodes a picture of it, so that

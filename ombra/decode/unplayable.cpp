@@ -1,6 +1,7 @@
 #include "ombra/decode/unplayable.h"
 
 #include "ombra/decode/mediaurl.h"
+#include "ombra/decode/pictureend.h"
 
 #include <algorithm>
 #include <array>
@@ -106,6 +107,8 @@ std::string unplayableReason(const std::filesystem::path& file, const std::strin
         return "The file is empty. Copy it again.";
     if (looksLikeText(file))
         return "The file holds text, neither pictures nor sound. Give the slot another file.";
+    if (isPictureCutOff(file))
+        return "The file is cut off: nothing of its picture can be shown. Copy it again.";
     if (endsBeforeItsIndex(file, size))
         return "The file is cut off before the part that describes it. Copy it again.";
     return "The file is damaged or of a kind that is not known here (" + detail +

@@ -61,8 +61,15 @@ void Deck::release(double now, double ago)
     m_heardTo = m_begin;
 }
 
+void Deck::giveUp()
+{
+    setState(SourcePlayState::Stop);
+    m_waitsToPlay = true;
+}
+
 void Deck::setState(SourcePlayState state)
 {
+    m_waitsToPlay = false;
     if (state == SourcePlayState::Stop && m_state != SourcePlayState::Stop)
         start(m_item.inpoint);
     if (state == SourcePlayState::Play && m_atEnd)
@@ -96,6 +103,7 @@ void Deck::setCanvas(Canvas canvas)
 void Deck::seek(double position)
 {
     start(seekable(position));
+    m_waitsToPlay = false;
     if (m_state == SourcePlayState::Stop)
         m_state = SourcePlayState::Pause;
 }
@@ -183,8 +191,10 @@ void Deck::fail()
     if (m_held || m_state != SourcePlayState::Play || m_atEnd)
         return;
     m_atEnd = true;
-    if (m_endAction != EndAction::Next)
+    if (m_endAction != EndAction::Next) {
         m_state = SourcePlayState::Stop;
+        m_waitsToPlay = true;
+    }
 }
 
 /// The first picture of what was sought. Where that lies within the picture, or in sound behind the last one,

@@ -80,6 +80,10 @@ public:
     SourcePlayState state() const { return m_state; }
     bool landed() const { return !m_awaiting; } // what is shown is what was sought last
     bool failed() const { return m_feed.status().failed; }
+    /// Whether it would play if its medium could be opened.
+    bool waitsToPlay() const { return m_waitsToPlay; }
+    /// Stops for want of its medium.
+    void giveUp();
     /// Whether it can come on air: one that fails in a list is passed over instead.
     bool ready() const { return landed() && !(failed() && m_state == SourcePlayState::Play); }
     PictureFeed::Status status() const { return m_feed.status(); }
@@ -111,6 +115,7 @@ private:
     SourcePlayState m_state;
     double m_target; // sought last
     bool m_awaiting = true;
+    bool m_waitsToPlay = false;
     bool m_toOutpoint = false; // the target is the out point, which is not known yet
     bool m_atEnd = false;
     bool m_endIsDue = false; // the end action was put off

@@ -379,7 +379,42 @@ void Playback::update(MediaItem item)
 {
     if (item == m_loaded.item)
         return;
+    const bool hasCome = item.playable && !m_loaded.item->playable;
+    {
+        const std::lock_guard lock(m_studio.lock);
+        adopt(std::move(item));
+        const std::shared_ptr<Deck>& deck = m_player.deck();
+        if (!hasCome || !deck || !deck->failed())
+            return;
+    }
+    loadAnew();
+}
+
+/// What could not be opened is there now: it goes on as if it had been.
+void Playback::loadAnew()
+{
+    std::optional<double> position;
+    SourcePlayState state = SourcePlayState::Stop;
+    {
+        const std::lock_guard lock(m_studio.lock);
+        const Deck& before = *m_player.deck();
+        state = before.waitsToPlay() ? SourcePlayState::Play : before.state();
+        position = before.target();
+    }
+    std::shared_ptr<Deck> deck = makeDeck(m_loaded, position, state);
+    const bool inList = m_loaded.item->mode == SourceMode::Playlist;
     const std::lock_guard lock(m_studio.lock);
+    if (!m_player.loading())
+        m_onAir = m_loaded; // itself, as it failed
+    m_plan.clear();
+    m_planIsWhole = false;
+    m_player.load(std::move(deck), {}, inList);
+    m_studio.wake();
+}
+
+/// Under the lock.
+void Playback::adopt(MediaItem item)
+{
     if (item.mode == SourceMode::Playlist && item.endAction != m_loaded.item->endAction)
         m_loaded.endAction = item.endAction;
     m_loaded.item = std::move(item);
@@ -410,15 +445,20 @@ void Playback::publish(Scene& scene)
     PictureFeed::Status status;
     SourcePlayState state = SourcePlayState::Stop;
     double position = 0, outpoint = 0, duration = 0, progress = 0;
-    bool constrained = false;
+    bool constrained = false, waits = false;
     {
         const std::lock_guard lock(m_studio.lock);
         sync();
-        if (m_planIsWhole && m_player.ended()) // on the last picture
-            m_player.setState(m_player.deck()->failed() ? SourcePlayState::Stop : SourcePlayState::Pause);
+        if (m_planIsWhole && m_player.ended()) { // on the last picture
+            if (m_player.deck()->failed())
+                m_player.deck()->giveUp();
+            else
+                m_player.setState(SourcePlayState::Pause);
+        }
         if (const std::shared_ptr<Deck>& deck = m_player.deck()) {
             const Deck& medium = *m_player.described();
             state = deck->state();
+            waits = deck->waitsToPlay();
             position = m_player.waiting() ? deck->target() : deck->position();
             status = medium.status();
             outpoint = medium.outpoint();
@@ -438,6 +478,7 @@ void Playback::publish(Scene& scene)
     put(scene, *object, "heldMedia", Variant::from(named ? std::string() : item->contentUrl));
     put(scene, *object, "sourceMode", Variant::from(item && named ? item->mode : SourceMode::None));
     put(scene, *object, "endAction", Variant::from(m_loaded.endAction));
+    put(scene, *object, "waitsToPlay", Variant::from(waits)); // before the state, which is kept by it
     put(scene, *object, "state", Variant::from(state));
     put(scene, *object, "inpoint", Variant::from(item ? item->inpoint : 0.0));
     put(scene, *object, "outpoint", Variant::from(outpoint));

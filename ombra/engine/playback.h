@@ -91,6 +91,8 @@ private:
     void revisePlan();
     SourcePlayState state() const;
     void update(MediaItem item);
+    void adopt(MediaItem item);
+    void loadAnew();
     void seekTo(double position);
     void publishProgress(Scene& scene, Object& object, double progress);
 

@@ -88,7 +88,7 @@ bool Player::dropNext()
         return false;
     if (!onAir()) { // black is all there is
         m_next->failed = m_next->inList = false;
-        m_next->deck->setState(SourcePlayState::Stop);
+        m_next->deck->giveUp();
         return false;
     }
     retire(std::move(m_next->deck));
@@ -219,7 +219,7 @@ void Player::beginNext()
     if (!m_next->seeks && wanted == SourcePlayState::Play) {
         m_next->failed = m_next->inList;
         if (!m_next->inList)
-            m_next->deck->setState(SourcePlayState::Stop);
+            m_next->deck->giveUp();
     }
     if (m_next->seeks && onAir()) {
         onAir()->setEndAction(m_next->deck->endAction());

@@ -12,6 +12,8 @@ namespace vantrel::ombra {
 
 namespace {
 
+constexpr std::chrono::seconds frameTime{20}; // for a frame to come, and so much more for a large one:
+constexpr std::size_t bytesASecond = 128 * 1024;
 constexpr std::size_t smallFrame = 64 * 1024;     // bytes that are parsed at once
 constexpr std::chrono::milliseconds sliceTime{5}; // of one client's operations, then it is others' turn
 
@@ -22,6 +24,7 @@ LinkClient::LinkClient(boost::asio::ip::tcp::socket socket, std::shared_ptr<cons
     : m_socket(std::move(socket))
     , m_handlers(std::move(handlers))
     , m_room(std::move(room))
+    , m_patience(m_socket.get_executor())
 {
     boost::system::error_code code;
     const auto peer = m_socket.remote_endpoint(code);
@@ -30,7 +33,35 @@ LinkClient::LinkClient(boost::asio::ip::tcp::socket socket, std::shared_ptr<cons
 
 void LinkClient::start()
 {
+    awaitFrame();
     read();
+}
+
+/// Who never says anything, or stops within a frame, keeps no place for ever. False, and the link is ended,
+/// when there is no room for a frame as large as this one.
+bool LinkClient::awaitFrame()
+{
+    const std::size_t size = m_decoder.waitingSize();
+    if (std::exchange(m_isPatient, true) && size == m_awaited)
+        return true;
+    m_awaited = size;
+    if (size > ByteBudget::small && !m_roomForIt && !(m_roomForIt = m_handlers->largeFrames->take(size))) {
+        end("too many large frames are on their way");
+        return false;
+    }
+    m_patience.expires_after(frameTime + std::chrono::seconds(size / bytesASecond));
+    m_patience.async_wait([weak = weak_from_this()](boost::system::error_code code) {
+        const auto self = weak.lock();
+        if (!code && self && self->m_isPatient)
+            self->end("it sends no whole frame");
+    });
+    return true;
+}
+
+void LinkClient::end(const std::string& why)
+{
+    Log::write(LogLevel::Warning, "vantrel.link", "ending the link of " + m_name + ": " + why);
+    close();
 }
 
 void LinkClient::close()
@@ -38,6 +69,8 @@ void LinkClient::close()
     if (!std::exchange(m_open, false))
         return;
     boost::system::error_code ignored;
+    m_isPatient = false;
+    m_patience.cancel();
     m_socket.close(ignored);
     m_handlers->closed(*this);
 }
@@ -79,13 +112,16 @@ void LinkClient::handleFrame(linkframe::Decoder::Result result)
 {
     if (!m_open)
         return;
-    if (result == linkframe::Decoder::Result::NeedMore)
-        return read();
-    if (result == linkframe::Decoder::Result::Error) {
-        Log::write(LogLevel::Warning, "vantrel.link",
-                   "ending the link of " + m_name + ": " + m_decoder.message());
-        return close();
+    if (result == linkframe::Decoder::Result::NeedMore) {
+        if (m_decoder.waitingSize() == 0 || awaitFrame())
+            read();
+        return;
     }
+    if (std::exchange(m_isPatient, false))
+        m_patience.cancel();
+    m_roomForIt.reset();
+    if (result == linkframe::Decoder::Result::Error)
+        return end(m_decoder.message());
     m_handled = 0;
     handleOperations();
 }
@@ -149,8 +185,7 @@ bool LinkClient::checkWaiting()
 {
     if (m_frameBytes + m_batch.bytes() <= maxWaiting)
         return true;
-    Log::write(LogLevel::Warning, "vantrel.link", "ending the link of " + m_name + ": it does not read");
-    close();
+    end("it does not read");
     return false;
 }
 

@@ -1,11 +1,13 @@
 #pragma once
 
+#include "ombra/base/bytebudget.h"
 #include "ombra/base/peerlimit.h"
 #include "ombra/link/changebatch.h"
 #include "ombra/link/crossedwrites.h"
 #include "tarn/net/linkframe.h"
 
 #include <boost/asio/ip/tcp.hpp>
+#include <boost/asio/steady_timer.hpp>
 
 #include <array>
 #include <deque>
@@ -31,6 +33,8 @@ public:
         std::function<void(std::function<void()>)> aside; // runs work on another thread
         std::function<void(LinkClient&)> drained;         // a snapshot was asked for while one was on its way
         std::function<void(LinkClient&)> closed;          // once
+        /// Of all clients.
+        std::shared_ptr<ByteBudget> largeFrames = std::make_shared<ByteBudget>(256u * 1024 * 1024);
     };
 
     LinkClient(boost::asio::ip::tcp::socket socket, std::shared_ptr<const Handlers> handlers,
@@ -61,6 +65,7 @@ public:
 private:
     void read();
     void received(std::size_t count);
+    bool awaitFrame();
     void handleFrames();
     void handleFrame(linkframe::Decoder::Result result);
     void handleOperations();
@@ -68,12 +73,17 @@ private:
     void written();
     void queueBatch();
     bool checkWaiting();
+    void end(const std::string& why);
 
     boost::asio::ip::tcp::socket m_socket;
     std::shared_ptr<const Handlers> m_handlers;
     PeerLimit::Place m_room;
     std::string m_name;
     linkframe::Decoder m_decoder;
+    boost::asio::steady_timer m_patience; // runs while a frame is half there, and before the first one
+    bool m_isPatient = false;
+    std::size_t m_awaited = 0;     // bytes of the frame that it waits for
+    ByteBudget::Place m_roomForIt; // of a large one
     std::array<char, 64 * 1024> m_readBuffer{};
     ChangeBatch m_batch;
     CrossedWrites m_crossed;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -22,8 +23,9 @@ struct HttpReply
     unsigned status = 200;
     std::string body;
     std::string contentType = "application/json";
-    std::string allow = {}; // the methods of the path, for 405
-    std::string etag = {};  // quoted
+    std::string allow = {};                             // the methods of the path, for 405
+    std::string etag = {};                              // quoted
+    std::shared_ptr<const std::string> sharedBody = {}; // instead of a body of its own
 };
 
 /// Called once for each request, now or later, on the server's thread.

@@ -22,6 +22,7 @@ HttpServer::HttpServer(boost::asio::io_context& io, HttpHandlers handlers)
     , m_streams(std::make_shared<BroadcastHub>())
     , m_sockets(std::make_shared<BroadcastHub>())
     , m_headers(std::make_shared<HeaderQueue>())
+    , m_limits(std::make_shared<HttpLimits>())
     , m_life(io)
 {
     showLife();
@@ -50,7 +51,8 @@ bool HttpServer::accept(boost::asio::ip::tcp::socket socket)
     PeerLimit::Place room = m_sessions.enter(socket.remote_endpoint(code).address());
     if (!room)
         return false;
-    startHttpSession(std::move(socket), m_handlers, m_streams, m_sockets, m_headers, std::move(room));
+    startHttpSession(std::move(socket), m_handlers, m_streams, m_sockets, m_headers, m_limits,
+                     std::move(room));
     return true;
 }
 

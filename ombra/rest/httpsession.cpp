@@ -25,6 +25,9 @@ using namespace std::chrono_literals;
 
 constexpr std::uint32_t maxHeader = 16 * 1024;
 constexpr std::uint64_t maxBody = 64u * 1024 * 1024;
+constexpr std::uint64_t maxShow =
+    272u * 1024 * 1024; // a library as large as one may be, and what is beside it
+constexpr std::uint64_t maxUnannounced = 1024 * 1024; // of a body that does not say how long it is
 constexpr auto requestTime = 60s; // to send a body, to read an answer, and until the next request
 constexpr auto lingerTime = 3s;   // to take a refused request off the wire
 
@@ -43,12 +46,14 @@ class HttpSession : public Subscriber, public std::enable_shared_from_this<HttpS
 public:
     HttpSession(boost::asio::ip::tcp::socket socket, std::shared_ptr<const HttpHandlers> handlers,
                 std::shared_ptr<BroadcastHub> streams, std::shared_ptr<BroadcastHub> sockets,
-                std::shared_ptr<HeaderQueue> headers, PeerLimit::Place room)
+                std::shared_ptr<HeaderQueue> headers, std::shared_ptr<HttpLimits> limits,
+                PeerLimit::Place room)
         : m_stream(std::move(socket))
         , m_handlers(std::move(handlers))
         , m_streams(std::move(streams))
         , m_sockets(std::move(sockets))
         , m_headers(std::move(headers))
+        , m_limits(std::move(limits))
         , m_room(std::move(room))
     {
         beast::error_code code;
@@ -61,6 +66,8 @@ public:
 private:
     void awaitRequest();
     void headerRead(beast::error_code code);
+    bool makeRoom(std::string_view path);
+    bool makeRoomToStay();
     void readBody();
     void bodyRead(beast::error_code code);
     bool isListening();
@@ -77,12 +84,16 @@ private:
     beast::tcp_stream m_stream;
     beast::flat_buffer m_buffer;
     std::optional<http::request_parser<http::string_body>> m_parser;
-    std::optional<http::response<http::string_body>> m_reply;
+    std::optional<http::response<http::span_body<const char>>> m_reply;
+    std::shared_ptr<const std::string> m_replyBody; // of it
     std::shared_ptr<const HttpHandlers> m_handlers;
     std::shared_ptr<BroadcastHub> m_streams;
     std::shared_ptr<BroadcastHub> m_sockets;
     std::shared_ptr<HeaderQueue> m_headers;
+    std::shared_ptr<HttpLimits> m_limits;
     PeerLimit::Place m_room;
+    PeerLimit::Place m_roomToStay; // of a stream
+    ByteBudget::Place m_bodyRoom;  // from the header to the answer
     boost::asio::ip::address m_peer;
     HeaderQueue::Place m_place;                               // while a header is being read
     std::deque<std::shared_ptr<const std::string>> m_waiting; // the front one is being written
@@ -95,7 +106,7 @@ void HttpSession::readHeader()
 {
     m_parser.emplace();
     m_parser->header_limit(maxHeader);
-    m_parser->body_limit(maxBody);
+    m_parser->body_limit(maxShow); // what the path takes is known with the header
     m_stream.expires_after(m_handlers->headerTime);
     m_place = m_headers->join(m_peer, [weak = weak_from_this()] {
         if (const auto self = weak.lock())
@@ -134,12 +145,18 @@ void HttpSession::headerRead(beast::error_code code)
     }
     const std::string path(request.target().substr(0, request.target().find('?')));
     if (path == m_handlers->socketPath && beast::websocket::is_upgrade(request)) {
+        if (!makeRoomToStay())
+            return;
         m_stream.expires_never();
-        startWebSocket(std::move(m_stream), m_parser->release(), m_sockets, m_room);
+        const auto both =
+            std::make_shared<std::pair<PeerLimit::Place, PeerLimit::Place>>(m_room, m_roomToStay);
+        startWebSocket(std::move(m_stream), m_parser->release(), m_sockets, both);
         return;
     }
     if (path == m_handlers->streamPath && request.method() == http::verb::get)
-        return startStream();
+        return makeRoomToStay() ? startStream() : void();
+    if (!makeRoom(path))
+        return;
     if (!beast::iequals(request[http::field::expect], "100-continue"))
         return readBody();
     static const std::string goOn = "HTTP/1.1 100 Continue\r\n\r\n";
@@ -150,9 +167,42 @@ void HttpSession::headerRead(beast::error_code code)
                              });
 }
 
+/// False, and the request is refused, when its body is too large, or for now while others are as large.
+bool HttpSession::makeRoom(std::string_view path)
+{
+    const std::uint64_t most = path == m_handlers->showPath ? maxShow : maxBody;
+    const auto announced = m_parser->content_length();
+    const std::uint64_t bytes = announced ? *announced : m_parser->chunked() ? maxUnannounced : 0;
+    m_closing = true; // if it is refused, then before its body is read
+    if (bytes > most) {
+        answer(httpError(413, "the body is too large"));
+        return false;
+    }
+    m_bodyRoom = bytes > ByteBudget::small ? m_limits->bodies.take(bytes) : nullptr;
+    if (bytes > ByteBudget::small && !m_bodyRoom) {
+        answer(httpError(503, "others are sending as much as there is room for: send it again"));
+        return false;
+    }
+    m_closing = false;
+    m_parser->body_limit(bytes);
+    return true;
+}
+
+bool HttpSession::makeRoomToStay()
+{
+    m_roomToStay = m_limits->streams.enter(m_peer);
+    if (m_roomToStay)
+        return true;
+    m_closing = true;
+    answer(httpError(503, "too many streams of this peer are open already"));
+    return false;
+}
+
 void HttpSession::readBody()
 {
-    m_stream.expires_after(requestTime);
+    constexpr std::uint64_t bytesASecond = 2 * 1024 * 1024; // so that a show has the time that it takes
+    m_stream.expires_after(requestTime +
+                           std::chrono::seconds(m_parser->content_length().value_or(0) / bytesASecond));
     http::async_read(
         m_stream, m_buffer, *m_parser,
         [self = shared_from_this()](beast::error_code code, std::size_t) { self->bodyRead(code); });
@@ -215,12 +265,14 @@ void HttpSession::answer(HttpReply reply)
     if (!reply.etag.empty())
         m_reply->set(http::field::etag, reply.etag);
     m_reply->keep_alive(!m_closing && request.keep_alive());
-    m_reply->body() = std::move(reply.body);
+    m_replyBody = reply.sharedBody ? std::move(reply.sharedBody)
+                                   : std::make_shared<const std::string>(std::move(reply.body));
+    m_reply->body() = {m_replyBody->data(), m_replyBody->size()};
     if (reply.status == 204)
         m_reply->erase(http::field::content_type);
     m_reply->prepare_payload();
     if (request.method() == http::verb::head)
-        m_reply->body().clear(); // its length stays said
+        m_reply->body() = {}; // its length stays said
     m_stream.expires_after(requestTime);
     http::async_write(m_stream, *m_reply, [self = shared_from_this()](beast::error_code code, std::size_t) {
         self->written(code, self->m_reply->keep_alive());
@@ -230,6 +282,8 @@ void HttpSession::answer(HttpReply reply)
 void HttpSession::written(beast::error_code code, bool keepAlive)
 {
     m_reply.reset();
+    m_replyBody.reset();
+    m_bodyRoom.reset();
     if (code)
         return close();
     if (keepAlive)
@@ -310,10 +364,11 @@ void HttpSession::close()
 
 void startHttpSession(boost::asio::ip::tcp::socket socket, std::shared_ptr<const HttpHandlers> handlers,
                       std::shared_ptr<BroadcastHub> streams, std::shared_ptr<BroadcastHub> sockets,
-                      std::shared_ptr<HeaderQueue> headers, PeerLimit::Place room)
+                      std::shared_ptr<HeaderQueue> headers, std::shared_ptr<HttpLimits> limits,
+                      PeerLimit::Place room)
 {
     std::make_shared<HttpSession>(std::move(socket), std::move(handlers), std::move(streams),
-                                  std::move(sockets), std::move(headers), std::move(room))
+                                  std::move(sockets), std::move(headers), std::move(limits), std::move(room))
         ->readHeader();
 }
 

@@ -137,6 +137,9 @@ void describeCaveats(const MediaInfo& info, MediaMetadata& metadata)
         metadata.addCaveat(MediaCaveat::CutOff, "The file is cut off at " + secondsText(info.cutOff->at) +
                                                     " of " + secondsText(info.cutOff->announced) +
                                                     ". Copy it again.");
+    else if (info.isPictureCutOff)
+        metadata.addCaveat(MediaCaveat::CutOff,
+                           "The file is cut off: its picture is not whole. Copy it again.");
     if (info.missing > 0)
         metadata.addCaveat(MediaCaveat::MissingPictures,
                            std::to_string(info.missing) + " of " + std::to_string(info.frames) +
@@ -201,35 +204,64 @@ MediaData::~MediaData()
 {
     m_alive.reset();
     m_worker.stop();
+    m_asker.stop();
     m_worker.join();
+    m_asker.join();
 }
 
 void MediaData::metadata(const std::string& contentUrl, HttpAnswer answer, Wanted wanted)
 {
-    std::error_code code;
-    if (!std::filesystem::is_directory(m_folder, code))
-        return answer(
-            describeMissing("The media folder of the server is not there. Mount or make it again."));
-    const auto file = resolveMediaUrl(m_folder, contentUrl);
-    if (!file)
-        return answer(describeMissing("This is no file of the media folder. Give the slot another file."));
-    if (!stampOf(*file))
-        return answer(describeMissing(missingReason(*file)));
-    serve("m", contentUrl, describe, {std::move(answer), std::move(wanted)});
+    find(contentUrl, answer, [this, answer, wanted = std::move(wanted)](const Found& found) {
+        if (!found.isFolderThere)
+            return answer(
+                describeMissing("The media folder of the server is not there. Mount or make it again."));
+        if (!found.file)
+            return answer(
+                describeMissing("This is no file of the media folder. Give the slot another file."));
+        if (!found.stamp)
+            return answer(describeMissing(missingReason(*found.file)));
+        serve("m", found, describe, {answer, wanted});
+    });
 }
 
 void MediaData::thumbnail(const std::string& contentUrl, HttpAnswer answer, Wanted wanted)
 {
-    serve("t", contentUrl, picture, {std::move(answer), std::move(wanted)});
+    find(contentUrl, answer, [this, contentUrl, answer, wanted = std::move(wanted)](const Found& found) {
+        if (!found.stamp)
+            return answer(httpError(404, "no such media: " + contentUrl));
+        serve("t", found, picture, {answer, wanted});
+    });
 }
 
-void MediaData::serve(const char* kind, const std::string& contentUrl, Work work, Waiter waiter)
+/// A share that is gone answers late or never: nobody but those who ask for its files waits for it.
+void MediaData::find(const std::string& contentUrl, const HttpAnswer& answer,
+                     std::function<void(const Found&)> then)
 {
-    const auto file = resolveMediaUrl(m_folder, contentUrl);
-    const auto stamp = file ? stampOf(*file) : std::nullopt;
-    if (!stamp)
-        return waiter.answer(httpError(404, "no such media: " + contentUrl));
-    const std::string key = kind + file->string() + "\n" + *stamp;
+    if (m_finding >= maxWaiting)
+        return answer(httpError(503, "too many requests are waiting"));
+    ++m_finding;
+    boost::asio::post(m_asker, [this, alive = std::weak_ptr(m_alive), folder = m_folder, contentUrl,
+                                then = std::move(then)]() mutable {
+        if (alive.expired())
+            return;
+        Found found;
+        std::error_code code;
+        found.isFolderThere = std::filesystem::is_directory(folder, code);
+        found.file = resolveMediaUrl(folder, contentUrl);
+        if (found.file)
+            found.stamp = stampOf(*found.file);
+        boost::asio::post(m_io, [this, alive, found = std::move(found), then = std::move(then)] {
+            if (alive.expired())
+                return;
+            --m_finding;
+            then(found);
+        });
+    });
+}
+
+void MediaData::serve(const char* kind, const Found& found, Work work, Waiter waiter)
+{
+    const std::string key = kind + found.file->string() + "\n" + *found.stamp;
     if (const HttpReply* reply = cached(key))
         return waiter.answer(*reply);
     if (m_jobs.size() >= maxWaiting)
@@ -238,7 +270,7 @@ void MediaData::serve(const char* kind, const std::string& contentUrl, Work work
     job.waiters.push_back(std::move(waiter));
     if (job.work)
         return; // asked for already
-    job.file = *file;
+    job.file = *found.file;
     job.work = work;
     m_queue.push_back(key);
     startNext();

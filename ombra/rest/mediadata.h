@@ -11,15 +11,17 @@
 #include <list>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <unordered_map>
 #include <vector>
 
 namespace vantrel::ombra {
 
-/// Answers for metadata and thumbnails of media files. Files are opened on one worker thread, in the order of
-/// the requests; requests for the same file wait for one piece of work, and answers are kept until the file
-/// changes, the newest 64 MiB of them. What nobody waits for any more when its turn comes is not made.
+/// Answers for metadata and thumbnails of media files. Files are looked for and opened on threads of their
+/// own, in the order of the requests; requests for the same file wait for one piece of work, and answers are
+/// kept until the file changes, the newest 64 MiB of them. What nobody waits for any more when its turn comes
+/// is not made.
 class MediaData
 {
 public:
@@ -52,7 +54,16 @@ private:
         std::vector<Waiter> waiters;
     };
 
-    void serve(const char* kind, const std::string& contentUrl, Work work, Waiter waiter);
+    /// What the disk says of a URL.
+    struct Found
+    {
+        bool isFolderThere = false;
+        std::optional<std::filesystem::path> file; // nothing where it leads out of the folder
+        std::optional<std::string> stamp;          // nothing where the file is not there
+    };
+    void find(const std::string& contentUrl, const HttpAnswer& answer,
+              std::function<void(const Found&)> then);
+    void serve(const char* kind, const Found& found, Work work, Waiter waiter);
     void startNext();
     void finish(const std::string& key, const HttpReply& reply);
     const HttpReply* cached(const std::string& key);
@@ -65,7 +76,9 @@ private:
     std::list<std::pair<std::string, HttpReply>> m_recent; // newest first
     std::unordered_map<std::string, std::list<std::pair<std::string, HttpReply>>::iterator> m_cache;
     std::size_t m_cacheBytes = 0;
+    std::size_t m_finding = 0; // questions to the disk
     std::shared_ptr<int> m_alive = std::make_shared<int>(0);
+    boost::asio::thread_pool m_asker{1}; // asks the disk, which may hang
     boost::asio::thread_pool m_worker{1};
 };
 

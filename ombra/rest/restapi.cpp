@@ -4,23 +4,59 @@
 #include "ombra/rest/mediadata.h"
 #include "ombra/show/showfiles.h"
 #include "ombra/show/showstore.h"
+#include "tarn/json/patch.h"
 #include "tarn/media/medialibrary.h"
 
 #include <boost/algorithm/string/predicate.hpp>
+#include <boost/asio/post.hpp>
 
 #include <algorithm>
+#include <utility>
 
 namespace vantrel::ombra {
 
 namespace {
 
-bool parseBody(const HttpRequest& request, const HttpAnswer& answer, Json& out)
+constexpr std::size_t readAtOnce = 64 * 1024; // bytes
+
+/// What the text of a body holds: a value, or why there is none.
+template <typename T>
+struct Reading
 {
+    T value{};
+    unsigned status = 200;
     std::string error;
-    if (Json::parseString(request.body, out, &error))
-        return true;
-    answer(httpError(400, error));
-    return false;
+};
+
+Reading<Json> readJson(const std::string& text)
+{
+    Reading<Json> reading;
+    if (!Json::parseString(text, reading.value, &reading.error))
+        reading.status = 400;
+    return reading;
+}
+
+Reading<MediaLibrary> readLibrary(const std::string& text)
+{
+    const Reading<Json> json = readJson(text);
+    Reading<MediaLibrary> reading{{}, json.status, json.error};
+    if (json.status == 200 && !reading.value.parseJson(json.value, &reading.error))
+        reading.status = 422;
+    return reading;
+}
+
+Reading<Patch> readPatch(const std::string& text)
+{
+    Reading<Patch> reading;
+    if (!Patch::parseString(text, reading.value, &reading.error)) {
+        reading.status = 400;
+    } else if (std::ranges::any_of(reading.value, [](const PatchOp& op) {
+                   return op.op == PatchOpType::Get || op.op == PatchOpType::Invoke;
+               })) {
+        reading.status = 400;
+        reading.error = "an operation that a document does not know";
+    }
+    return reading;
 }
 
 /// A body must be announced as what it is: a web page can send forms and plain text wherever it likes, but
@@ -62,7 +98,7 @@ bool matches(std::string_view field, std::string_view tag)
 
 } // namespace
 
-RestApi::RestApi(ShowStore& store, MediaData& mediaData, ShowFiles& showFiles)
+RestApi::RestApi(boost::asio::io_context& io, ShowStore& store, MediaData& mediaData, ShowFiles& showFiles)
     : m_store(store)
     , m_mediaData(mediaData)
     , m_showFiles(showFiles)
@@ -80,10 +116,35 @@ RestApi::RestApi(ShowStore& store, MediaData& mediaData, ShowFiles& showFiles)
           {"/sse", {}},    // opened by the server itself
           {"/events", {}}, // likewise
       }
+    , m_io(io)
 {
 }
 
-void RestApi::handle(const HttpRequest& request, const HttpAnswer& answer)
+RestApi::~RestApi()
+{
+    m_alive.reset();
+    m_reader.join();
+}
+
+/// Does what costs as much as so many bytes of text, then goes on with what came of it, on this thread.
+template <typename Read, typename Then>
+void RestApi::aside(std::size_t bytes, Read read, Then then)
+{
+    if (bytes <= readAtOnce)
+        return then(read());
+    boost::asio::post(m_reader, [this, alive = std::weak_ptr(m_alive), read = std::move(read),
+                                 then = std::move(then)]() mutable {
+        auto result = std::make_shared<decltype(read())>(read());
+        boost::asio::post(m_io, [this, alive, then = std::move(then), result = std::move(result)]() mutable {
+            if (alive.expired())
+                return;
+            then(*result);
+            boost::asio::post(m_reader, [result = std::move(result)] {}); // to free it takes time as well
+        });
+    });
+}
+
+void RestApi::handle(HttpRequest request, const HttpAnswer& answer)
 {
     std::string_view path = request.path;
     if (!path.starts_with(root))
@@ -96,7 +157,7 @@ void RestApi::handle(const HttpRequest& request, const HttpAnswer& answer)
     if (route != routes->second.end() && !hasReadableType(request))
         return answer(httpError(415, "the body must be of the type application/json"));
     if (route != routes->second.end())
-        return (this->*route->second)(request, answer);
+        return (this->*route->second)(std::make_shared<const HttpRequest>(std::move(request)), answer);
     HttpReply reply = httpError(405, "method not allowed here");
     for (const auto& [method, ignored] : routes->second)
         reply.allow += (reply.allow.empty() ? "" : ", ") + method;
@@ -105,14 +166,19 @@ void RestApi::handle(const HttpRequest& request, const HttpAnswer& answer)
     answer(std::move(reply));
 }
 
-void RestApi::getLibrary(const HttpRequest&, const HttpAnswer& answer)
+void RestApi::getLibrary(const Request&, const HttpAnswer& answer)
 {
     const Json json = m_store.library().toJson();
-    if (!json.sameNode(m_libraryJson) || m_libraryText.empty()) {
-        m_libraryText = json.toString();
-        m_libraryJson = json;
-    }
-    answer({.body = m_libraryText, .etag = entityTag(m_store.libraryRevision())});
+    const std::string tag = entityTag(m_store.libraryRevision());
+    if (m_libraryText && json.sameNode(m_libraryJson))
+        return answer({.body = {}, .etag = tag, .sharedBody = m_libraryText});
+    const auto write = [json] { return std::make_shared<const std::string>(json.toString()); };
+    aside(m_store.librarySize(), write,
+          [this, json, tag, answer](const std::shared_ptr<const std::string>& text) {
+              m_libraryJson = json;
+              m_libraryText = text;
+              answer({.body = {}, .etag = tag, .sharedBody = text});
+          });
 }
 
 /// An edit may name the revision that it was made for. Compared with all that is accepted, saved or not:
@@ -127,53 +193,58 @@ bool RestApi::isUpToDate(const HttpRequest& request, const HttpAnswer& answer) c
     return false;
 }
 
-void RestApi::postLibrary(const HttpRequest& request, const HttpAnswer& answer)
+void RestApi::postLibrary(const Request& request, const HttpAnswer& answer)
 {
-    Json json;
-    if (!parseBody(request, answer, json) || !isUpToDate(request, answer))
-        return;
-    MediaLibrary library;
-    std::string error;
-    if (!library.parseJson(json, &error))
-        return answer(httpError(422, error));
-    m_store.replaceLibrary(library, [answer](const EditResult& result) { answerEdit(answer, result); });
+    const auto read = [request] { return readLibrary(request->body); };
+    aside(request->body.size(), read, [this, request, answer](const Reading<MediaLibrary>& reading) {
+        if (reading.status != 200)
+            return answer(httpError(reading.status, reading.error));
+        if (isUpToDate(*request, answer))
+            m_store.replaceLibrary(reading.value,
+                                   [answer](const EditResult& result) { answerEdit(answer, result); });
+    });
 }
 
-void RestApi::patchLibrary(const HttpRequest& request, const HttpAnswer& answer)
+void RestApi::patchLibrary(const Request& request, const HttpAnswer& answer)
 {
-    Patch patch;
-    std::string error;
-    if (!Patch::parseString(request.body, patch, &error))
-        return answer(httpError(400, error));
-    if (std::ranges::any_of(patch, [](const PatchOp& op) {
-            return op.op == PatchOpType::Get || op.op == PatchOpType::Invoke;
-        }))
-        return answer(httpError(400, "an operation that a document does not know"));
-    if (!isUpToDate(request, answer))
-        return;
-    m_store.patchLibrary(patch, [answer](const EditResult& result) { answerEdit(answer, result); });
+    const auto read = [request] { return readPatch(request->body); };
+    aside(request->body.size(), read, [this, request, answer](const Reading<Patch>& reading) {
+        if (reading.status != 200)
+            return answer(httpError(reading.status, reading.error));
+        if (isUpToDate(*request, answer))
+            m_store.patchLibrary(reading.value,
+                                 [answer](const EditResult& result) { answerEdit(answer, result); });
+    });
 }
 
-void RestApi::getCollections(const HttpRequest&, const HttpAnswer& answer)
+void RestApi::getCollections(const Request&, const HttpAnswer& answer)
 {
     answer({.body = m_store.library().toJson().get("collections").toString()});
 }
 
-void RestApi::getPlaylists(const HttpRequest&, const HttpAnswer& answer)
+void RestApi::getPlaylists(const Request&, const HttpAnswer& answer)
 {
     answer({.body = m_store.library().toJson().get("playlists").toString()});
 }
 
-void RestApi::postPlaylists(const HttpRequest& request, const HttpAnswer& answer)
+void RestApi::postPlaylists(const Request& request, const HttpAnswer& answer)
 {
-    Json json;
-    if (!parseBody(request, answer, json) || !isUpToDate(request, answer))
-        return;
-    if (!json.isArray() || json.size() > static_cast<std::size_t>(MediaLibrary::indexMax))
+    const auto read = [request] { return readJson(request->body); };
+    aside(request->body.size(), read, [this, request, answer](const Reading<Json>& reading) {
+        if (reading.status != 200)
+            return answer(httpError(reading.status, reading.error));
+        if (isUpToDate(*request, answer))
+            replacePlaylists(reading.value, answer);
+    });
+}
+
+void RestApi::replacePlaylists(const Json& list, const HttpAnswer& answer)
+{
+    if (!list.isArray() || list.size() > static_cast<std::size_t>(MediaLibrary::indexMax))
         return answer(httpError(422, "playlists come as an array of at most 9999"));
     Json playlists = Json::object();
-    for (std::size_t i = 0; i < json.size(); ++i)
-        playlists.set(std::to_string(i + 1), *json.at(i));
+    for (std::size_t i = 0; i < list.size(); ++i)
+        playlists.set(std::to_string(i + 1), *list.at(i));
     Json whole = m_store.latestLibrary().toJson();
     whole.set("playlists", playlists);
     MediaLibrary library(m_store.latestLibrary());
@@ -183,23 +254,23 @@ void RestApi::postPlaylists(const HttpRequest& request, const HttpAnswer& answer
     m_store.replaceLibrary(library, [answer](const EditResult& result) { answerEdit(answer, result); });
 }
 
-void RestApi::getMetadata(const HttpRequest& request, const HttpAnswer& answer)
+void RestApi::getMetadata(const Request& request, const HttpAnswer& answer)
 {
     std::string url;
-    if (!queryValue(request.query, "file", url))
+    if (!queryValue(request->query, "file", url))
         return answer(httpError(400, "the query has no readable \"file\""));
-    m_mediaData.metadata(url, answer, request.isWanted);
+    m_mediaData.metadata(url, answer, request->isWanted);
 }
 
-void RestApi::getThumbnail(const HttpRequest& request, const HttpAnswer& answer)
+void RestApi::getThumbnail(const Request& request, const HttpAnswer& answer)
 {
     std::string url;
-    if (!queryValue(request.query, "file", url))
+    if (!queryValue(request->query, "file", url))
         return answer(httpError(400, "the query has no readable \"file\""));
-    m_mediaData.thumbnail(url, answer, request.isWanted);
+    m_mediaData.thumbnail(url, answer, request->isWanted);
 }
 
-void RestApi::getSystem(const HttpRequest&, const HttpAnswer& answer)
+void RestApi::getSystem(const Request&, const HttpAnswer& answer)
 {
     answer({.body = Json::object({{"hostname", hostName()},
                                   {"firmwareVersion", Json::object({{"major", version::major},
@@ -208,21 +279,28 @@ void RestApi::getSystem(const HttpRequest&, const HttpAnswer& answer)
                         .toString()});
 }
 
-void RestApi::getShow(const HttpRequest&, const HttpAnswer& answer)
+void RestApi::getShow(const Request&, const HttpAnswer& answer)
 {
-    answer({.body = m_showFiles.exportShow(), .contentType = "application/octet-stream"});
+    const auto write = [show = m_showFiles.show()] {
+        return std::make_shared<const std::string>(ShowFiles::textOf(show));
+    };
+    aside(m_store.librarySize(), write, [answer](const std::shared_ptr<const std::string>& text) {
+        answer({.body = {}, .contentType = "application/octet-stream", .sharedBody = text});
+    });
 }
 
-void RestApi::postShow(const HttpRequest& request, const HttpAnswer& answer)
+void RestApi::postShow(const Request& request, const HttpAnswer& answer)
 {
     std::string include;
     std::string force;
-    queryValue(request.query, "include", include);
-    const bool forced = queryValue(request.query, "force", force);
-    m_showFiles.importShow(request.body, include, forced,
-                           [answer](unsigned status, const std::string& message) {
-                               answer(status == 200 ? HttpReply{.body = "{}"} : httpError(status, message));
-                           });
+    queryValue(request->query, "include", include);
+    const bool forced = queryValue(request->query, "force", force);
+    const auto read = [request] { return ShowFiles::read(request->body); };
+    aside(request->body.size(), read, [this, include, forced, answer](const ShowFiles::Reading& show) {
+        m_showFiles.importShow(show, include, forced, [answer](unsigned status, const std::string& message) {
+            answer(status == 200 ? HttpReply{.body = "{}"} : httpError(status, message));
+        });
+    });
 }
 
 void RestApi::answerEdit(const HttpAnswer& answer, const EditResult& result)

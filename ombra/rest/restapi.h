@@ -3,8 +3,13 @@
 #include "ombra/rest/http.h"
 #include "tarn/json/json.h"
 
+#include <boost/asio/io_context.hpp>
+#include <boost/asio/thread_pool.hpp>
+
+#include <cstddef>
 #include <functional>
 #include <map>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -18,30 +23,39 @@ struct EditResult;
 /// The routes below /api/brume/v1. A refused request changes nothing and says why: 400 what is malformed, 409
 /// a patch that does not fit the library, 412 an edit that was made for another revision of it, 413 one that
 /// would make it too large, 415 a body that does not say that it is JSON, 422 an edit that would break the
-/// library's rules.
+/// library's rules. Texts of more than 64 KiB are read and written on a thread of their own, so that nobody
+/// else waits for them. The thread of the io_context.
 class RestApi
 {
 public:
     static constexpr std::string_view root = "/api/brume/v1";
 
-    RestApi(ShowStore& store, MediaData& mediaData, ShowFiles& showFiles);
+    RestApi(boost::asio::io_context& io, ShowStore& store, MediaData& mediaData, ShowFiles& showFiles);
+    ~RestApi();
+    RestApi(const RestApi&) = delete;
+    RestApi& operator=(const RestApi&) = delete;
 
-    void handle(const HttpRequest& request, const HttpAnswer& answer);
+    void handle(HttpRequest request, const HttpAnswer& answer);
 
 private:
-    using Route = void (RestApi::*)(const HttpRequest&, const HttpAnswer&);
+    using Request = std::shared_ptr<const HttpRequest>; // also for the reading thread
+    using Route = void (RestApi::*)(const Request&, const HttpAnswer&);
 
-    void getLibrary(const HttpRequest&, const HttpAnswer&);
-    void postLibrary(const HttpRequest&, const HttpAnswer&);
-    void patchLibrary(const HttpRequest&, const HttpAnswer&);
-    void getCollections(const HttpRequest&, const HttpAnswer&);
-    void getPlaylists(const HttpRequest&, const HttpAnswer&);
-    void postPlaylists(const HttpRequest&, const HttpAnswer&);
-    void getMetadata(const HttpRequest&, const HttpAnswer&);
-    void getThumbnail(const HttpRequest&, const HttpAnswer&);
-    void getSystem(const HttpRequest&, const HttpAnswer&);
-    void getShow(const HttpRequest&, const HttpAnswer&);
-    void postShow(const HttpRequest&, const HttpAnswer&);
+    template <typename Read, typename Then>
+    void aside(std::size_t bytes, Read read, Then then);
+
+    void getLibrary(const Request&, const HttpAnswer&);
+    void postLibrary(const Request&, const HttpAnswer&);
+    void patchLibrary(const Request&, const HttpAnswer&);
+    void getCollections(const Request&, const HttpAnswer&);
+    void getPlaylists(const Request&, const HttpAnswer&);
+    void postPlaylists(const Request&, const HttpAnswer&);
+    void replacePlaylists(const Json& list, const HttpAnswer& answer);
+    void getMetadata(const Request&, const HttpAnswer&);
+    void getThumbnail(const Request&, const HttpAnswer&);
+    void getSystem(const Request&, const HttpAnswer&);
+    void getShow(const Request&, const HttpAnswer&);
+    void postShow(const Request&, const HttpAnswer&);
     bool isUpToDate(const HttpRequest& request, const HttpAnswer& answer) const;
     static void answerEdit(const HttpAnswer& answer, const EditResult& result);
 
@@ -50,7 +64,11 @@ private:
     ShowFiles& m_showFiles;
     std::map<std::string, std::map<std::string, Route>, std::less<>> m_routes; // by path, then method
     Json m_libraryJson;                                                        // the text's source
-    std::string m_libraryText;
+    std::shared_ptr<const std::string> m_libraryText;
+    boost::asio::io_context& m_io;
+    std::shared_ptr<int> m_alive =
+        std::make_shared<int>(0);         // what comes back from the thread holds it weakly
+    boost::asio::thread_pool m_reader{1}; // reads and writes large texts
 };
 
 } // namespace vantrel::ombra

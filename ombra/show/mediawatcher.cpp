@@ -85,9 +85,10 @@ MediaWatcher::~MediaWatcher()
 bool MediaWatcher::start(std::string* error)
 {
     m_identity = identityOf(m_folder);
-    if (!open(error))
+    if (m_identity != nowhere && !open(error))
         return false;
-    watchTree({}, false);
+    if (m_identity != nowhere)
+        watchTree({}, false);
     scheduleCheck();
     return true;
 }
@@ -299,8 +300,8 @@ void MediaWatcher::scheduleFlush()
         return;
     m_timerRuns = true;
     m_timer.expires_after(settleTime);
-    m_timer.async_wait([this](boost::system::error_code code) {
-        if (!code)
+    m_timer.async_wait([this, alive = std::weak_ptr(m_alive)](boost::system::error_code code) {
+        if (!code && !alive.expired())
             flush();
     });
 }

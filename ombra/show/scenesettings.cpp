@@ -57,6 +57,20 @@ bool lasts(const Object* object, const PropertyInfo* property)
             (object->getProperty("state", state) && state.as<SourcePlayState>() == SourcePlayState::Pause));
 }
 
+/// What is to be kept of a property: a playback that waits for its medium counts as playing.
+bool keptValue(const Object* object, const PropertyInfo* property, Json& out)
+{
+    Variant value, waits;
+    if (!object->getProperty(property, value))
+        return false;
+    const bool isState = property->name == "state" && object->getProperty("waitsToPlay", waits);
+    if (isState && waits.as<bool>())
+        out = toStr(SourcePlayState::Play);
+    else
+        Json::fromVariant(value, out);
+    return true;
+}
+
 } // namespace
 
 const std::set<std::string>& SceneSettings::sections()
@@ -144,12 +158,9 @@ void SceneSettings::collect(const Object* object, Json& out) const
         if (!lasts(object, property))
             continue;
         Path path;
-        Variant value;
         Json json;
-        if (m_scene.pathOf(object, property, path) && object->getProperty(property, value)) {
-            Json::fromVariant(value, json);
+        if (m_scene.pathOf(object, property, path) && keptValue(object, property, json))
             out.set(path.toString(), json);
-        }
     }
     for (int i = 0; i < object->childCount(); ++i)
         collect(object->childAt(i), out);
@@ -183,6 +194,8 @@ void SceneSettings::onSceneChange(int count, const SceneChange* changes)
             continue;
         Object* object = changes[i].object;
         save(object, changes[i].property);
+        if (changes[i].property->name == "waitsToPlay")
+            save(object, object->findProperty("state"));
         if (sectionOf(object, changes[i].property) && changes[i].property->name == "state")
             save(object, object->findProperty("mediaPosition")); // where it was paused
     }
@@ -191,12 +204,10 @@ void SceneSettings::onSceneChange(int count, const SceneChange* changes)
 void SceneSettings::save(Object* object, const PropertyInfo* property)
 {
     Path path;
-    Variant value;
     Json json;
     if (!lasts(object, property) || !m_scene.pathOf(object, property, path) ||
-        !object->getProperty(property, value))
+        !keptValue(object, property, json))
         return;
-    Json::fromVariant(value, json);
     m_store.changeSetting(path.toString(), json);
 }
 

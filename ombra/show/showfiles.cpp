@@ -3,9 +3,9 @@
 #include "ombra/base/version.h"
 #include "ombra/outputs/outputs.h"
 #include "ombra/show/atomicfile.h"
+#include "ombra/show/librarysize.h"
 #include "ombra/show/scenesettings.h"
 #include "ombra/show/showstore.h"
-#include "tarn/log/log.h"
 
 #include <set>
 #include <string_view>
@@ -15,7 +15,7 @@ namespace vantrel::ombra {
 namespace {
 
 constexpr std::string_view formatName = "halcyra-show";
-constexpr std::size_t maxFile = 64u * 1024 * 1024;
+constexpr std::size_t maxFile = librarysize::limit + 16u * 1024 * 1024; // what can be saved can be read
 constexpr std::size_t longestName = 80; // bytes; three times that, escaped, must fit a file name
 
 bool fail(std::string* error, const std::string& text)
@@ -54,31 +54,44 @@ ShowFiles::ShowFiles(ShowStore& store, SceneSettings& settings, Outputs& outputs
 {
 }
 
-std::string ShowFiles::exportShow() const
+Json ShowFiles::show() const
 {
     return Json::object({{"format", formatName},
                          {"version", formatVersion},
                          {"server", versionText()},
                          {"library", m_store.library().toJson()},
-                         {"settings", m_settings.current()}})
-        .toString(true);
+                         {"settings", m_settings.current()}});
 }
 
-void ShowFiles::importShow(const std::string& file, const std::string& include, bool forced, Done done)
+/// Without a layout, which would take more room than what it lays out.
+std::string ShowFiles::textOf(const Json& show)
 {
-    Json show;
+    return show.toString();
+}
+
+ShowFiles::Reading ShowFiles::read(const std::string& file)
+{
+    Reading reading;
     std::string why;
-    if (!Json::parseString(file, show, &why) || show.get("format").stringView() != formatName)
-        return done(400, "this is no show file" + (why.empty() ? why : ": " + why));
+    if (!Json::parseString(file, reading.show, &why) || reading.show.get("format").stringView() != formatName)
+        reading.whyNoShow = "this is no show file" + (why.empty() ? why : ": " + why);
+    else
+        reading.library.parseJson(reading.show.get("library"), &reading.whyNoLibrary);
+    return reading;
+}
+
+void ShowFiles::importShow(const Reading& file, const std::string& include, bool forced, Done done)
+{
+    if (!file.whyNoShow.empty())
+        return done(400, file.whyNoShow);
     std::set<std::string> sections;
     if (!parseSections(include, sections))
         return done(400, "unknown section in \"" + include + "\"");
-    if (show.get("version").asInt() != formatVersion && !forced)
+    if (file.show.get("version").asInt() != formatVersion && !forced)
         return done(409, "the show is of another version");
-    MediaLibrary library;
-    if (sections.contains("medialibrary") && !library.parseJson(show.get("library"), &why))
-        return done(422, why);
-    const Json settings = show.get("settings");
+    if (sections.contains("medialibrary") && !file.whyNoLibrary.empty())
+        return done(422, file.whyNoLibrary);
+    const Json settings = file.show.get("settings");
     const auto rest = [this, settings, sections, done](const EditResult& result) {
         if (result.status != EditResult::Status::Saved)
             return done(result.status == EditResult::Status::TooLarge ? 413 : 507, result.message);
@@ -86,7 +99,7 @@ void ShowFiles::importShow(const std::string& file, const std::string& include, 
         done(200, {});
     };
     if (sections.contains("medialibrary"))
-        m_store.replaceLibrary(library, rest);
+        m_store.replaceLibrary(file.library, rest);
     else
         rest({});
 }
@@ -112,30 +125,47 @@ bool ShowFiles::saveShow(const std::string& name, std::string* error)
     const std::filesystem::path path = pathOf(name);
     std::error_code code;
     std::filesystem::create_directories(path.parent_path(), code);
-    return writeFileAtomically(path, exportShow(), error);
+    std::string why;
+    const bool isSaved = writeFileAtomically(path, textOf(show()), &why);
+    tell(isSaved ? std::string() : "The show could not be saved as \"" + name + "\": " + why + ".");
+    return isSaved || fail(error, why);
 }
 
 bool ShowFiles::revertShow(const std::string& name, std::string* error)
 {
+    const auto refuse = [this, name](const std::string& why) {
+        tell("The show \"" + name + "\" could not be taken back: " + why + ".");
+    };
     std::string why;
     const auto text = readWholeFile(pathOf(name), maxFile, &why);
-    if (!text)
-        return fail(error, why.empty() ? "no show was saved as \"" + name + "\"" : why);
-    importShow(*text, {}, false, [name](unsigned status, const std::string& message) {
-        if (status != 200)
-            Log::write(LogLevel::Error, "vantrel.show", "cannot revert to \"" + name + "\": " + message);
+    if (!text) {
+        if (why.empty())
+            why = "no show was saved under that name";
+        refuse(why);
+        return fail(error, why);
+    }
+    importShow(read(*text), {}, false, [this, refuse](unsigned status, const std::string& message) {
+        status == 200 ? tell({}) : refuse(message);
     });
     return true;
 }
 
+/// The players stop once the library is gone, and not before: a disk that takes nothing leaves all as it is.
 void ShowFiles::clearShow()
 {
-    m_outputs.reset();
-    m_settings.resetPlayback();
-    m_store.replaceLibrary(MediaLibrary(), [](const EditResult& result) {
+    m_store.replaceLibrary(MediaLibrary(), [this](const EditResult& result) {
         if (result.status != EditResult::Status::Saved)
-            Log::write(LogLevel::Error, "vantrel.show", "cannot clear the show: " + result.message);
+            return tell("The show could not be cleared: " + result.message + ".");
+        m_outputs.reset();
+        m_settings.resetPlayback();
+        tell({});
     });
+}
+
+void ShowFiles::tell(const std::string& sentence) const
+{
+    if (m_trouble)
+        m_trouble(sentence);
 }
 
 std::filesystem::path ShowFiles::pathOf(const std::string& name) const

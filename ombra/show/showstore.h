@@ -53,6 +53,8 @@ public:
     std::uint64_t libraryRevision() const noexcept { return m_revision; }
     /// With the edits that are accepted and not saved yet: what the next edit will be applied to.
     const MediaLibrary& latestLibrary() const noexcept { return m_latest; }
+    /// Of the library as text, about, in bytes.
+    std::size_t librarySize() const noexcept { return m_libraryBytes; }
     std::uint64_t latestRevision() const noexcept { return m_latestRevision; }
     /// Values of lasting scene properties by their path.
     const Json& settings() const noexcept { return m_settings; }

@@ -73,6 +73,11 @@ std::size_t Decoder::nextSize() const
     return length && m_buffer.size() - m_offset - headerSize >= *length ? headerSize + *length : 0;
 }
 
+std::size_t Decoder::waitingSize() const
+{
+    return m_buffer.size() > m_offset ? headerSize + nextLength().value_or(0) : 0;
+}
+
 Decoder::Result Decoder::next(Patch& out)
 {
     if (!m_message.empty())

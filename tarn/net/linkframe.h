@@ -30,6 +30,8 @@ public:
     Result next(Patch& out);
     /// Bytes of the next frame, 0 as long as it is not whole: how much work next() has.
     std::size_t nextSize() const;
+    /// Bytes of a frame that has begun, as it announces; 0 between two frames.
+    std::size_t waitingSize() const;
     const std::string& message() const { return m_message; }
 
 private:

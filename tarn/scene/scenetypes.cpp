@@ -83,6 +83,8 @@ void declarePlayback(Types& types)
         .property("state", Variant::from(SourcePlayState::Stop))
         .readOnly("takeProgress", Variant::from(0.0))
         .readOnly("resourceConstrained", Variant::from(false))
+        // Stopped for want of its medium only: it plays as soon as that is there.
+        .readOnly("waitsToPlay", Variant::from(false))
         // The content URL of what plays on though the library has it no more; empty otherwise.
         .readOnly("heldMedia", Variant::from(std::string()))
         .methods({"playMedia", "seekMedia", "step", "seekInpoint", "seekOutpoint", "prevMedia", "nextMedia",

@@ -1,57 +1,35 @@
 #pragma once
 
-#include <QPointer>
-#include <QRandomGenerator>
-#include <QTcpServer>
-#include <QTcpSocket>
-#include <QTimer>
+#include "tests/support/localproxy.h"
 
-#include <algorithm>
-#include <utility>
+#include <QTimer>
 
 namespace vantrel::test {
 
-/// Stands between a client and a server on this machine and passes on what both send; what the server sends
-/// comes in pieces of random size, each in a turn of the event loop of its own.
-class ChoppyProxy : public QObject
+/// What the server sends comes in pieces of random size, each in a turn of the event loop of its own.
+class ChoppyProxy : public LocalProxy
 {
 public:
-    ChoppyProxy(quint16 serverPort, quint32 seed)
-        : m_serverPort(serverPort)
-        , m_random(seed)
-    {
-        connect(&m_listener, &QTcpServer::newConnection, this, [this] {
-            while (QTcpSocket* client = m_listener.nextPendingConnection())
-                accept(client);
-        });
-        if (!m_listener.listen(QHostAddress::LocalHost))
-            qFatal("no port to listen on");
-    }
+    using LocalProxy::LocalProxy;
 
-    quint16 port() const { return m_listener.serverPort(); }
     int pieces() const { return m_pieces; }
     /// Ends all connections, in the middle of what they bring.
     void drop()
     {
-        for (QTcpSocket* client : m_listener.findChildren<QTcpSocket*>())
-            client->abort();
+        cut([](const QTcpSocket*) { return true; });
     }
 
-private:
-    void accept(QTcpSocket* client)
+protected:
+    void join(QTcpSocket* client, QTcpSocket* server) override
     {
-        auto* server = new QTcpSocket(client);
         auto* pump = new QTimer(client);
-        server->connectToHost(QHostAddress::LocalHost, m_serverPort);
         connect(client, &QTcpSocket::readyRead, server, [=] { server->write(client->readAll()); });
         connect(server, &QTcpSocket::readyRead, pump, [=] { pump->start(0); });
         connect(pump, &QTimer::timeout, this, [=, this] { passOn(*server, *client, *pump); });
         connect(server, &QTcpSocket::disconnected, client, &QTcpSocket::disconnectFromHost);
-        connect(client, &QTcpSocket::disconnected, client, [=] {
-            server->abort();
-            client->deleteLater();
-        });
     }
+
+private:
     void passOn(QTcpSocket& server, QTcpSocket& client, QTimer& pump)
     {
         // Mostly smaller than a message of the event stream, so that many end inside of one.
@@ -63,9 +41,6 @@ private:
             pump.stop();
     }
 
-    quint16 m_serverPort;
-    QRandomGenerator m_random;
-    QTcpServer m_listener;
     int m_pieces = 0;
 };
 

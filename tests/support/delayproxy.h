@@ -1,9 +1,8 @@
 #pragma once
 
+#include "tests/support/localproxy.h"
+
 #include <QQueue>
-#include <QRandomGenerator>
-#include <QTcpServer>
-#include <QTcpSocket>
 #include <QTimer>
 
 #include <functional>
@@ -11,24 +10,13 @@
 
 namespace vantrel::test {
 
-/// Stands between a client and a server on this machine like a slow line: each connection has a delay of its
-/// own, of 0 to 200 ms in each direction, so that connections overtake each other, and can be cut.
-class DelayProxy : public QObject
+/// A slow line: each connection has a delay of its own, of 0 to 200 ms in each direction, so that connections
+/// overtake each other, and can be cut.
+class DelayProxy : public LocalProxy
 {
 public:
-    DelayProxy(quint16 serverPort, quint32 seed)
-        : m_serverPort(serverPort)
-        , m_random(seed)
-    {
-        connect(&m_listener, &QTcpServer::newConnection, this, [this] {
-            while (QTcpSocket* client = m_listener.nextPendingConnection())
-                accept(client);
-        });
-        if (!m_listener.listen(QHostAddress::LocalHost))
-            qFatal("no port to listen on");
-    }
+    using LocalProxy::LocalProxy;
 
-    quint16 port() const { return m_listener.serverPort(); }
     void cutAll()
     {
         cut([](const QTcpSocket*) { return true; });
@@ -41,27 +29,17 @@ public:
         cut([](const QTcpSocket* client) { return !isStream(client); });
     }
 
+protected:
+    void join(QTcpSocket* client, QTcpSocket* server) override
+    {
+        pass(client, server);
+        pass(server, client);
+    }
+
 private:
     static constexpr int longestDelay = 200; // milliseconds
 
     static bool isStream(const QTcpSocket* client) { return client->property("isStream").toBool(); }
-    void cut(const std::function<bool(const QTcpSocket*)>& concerns)
-    {
-        for (QTcpSocket* client : m_listener.findChildren<QTcpSocket*>(QString(), Qt::FindDirectChildrenOnly))
-            if (concerns(client))
-                client->abort();
-    }
-    void accept(QTcpSocket* client)
-    {
-        auto* server = new QTcpSocket(client);
-        server->connectToHost(QHostAddress::LocalHost, m_serverPort);
-        pass(client, server);
-        pass(server, client);
-        connect(client, &QTcpSocket::disconnected, client, [=] {
-            server->abort();
-            client->deleteLater();
-        });
-    }
     /// What comes from one end reaches the other, in its order, after the delay; so does the end.
     void pass(QTcpSocket* from, QTcpSocket* to)
     {
@@ -80,10 +58,6 @@ private:
         if (from->parent() == to)
             connect(from, &QTcpSocket::disconnected, to, [=] { later([=] { to->disconnectFromHost(); }); });
     }
-
-    quint16 m_serverPort;
-    QRandomGenerator m_random;
-    QTcpServer m_listener;
 };
 
 } // namespace vantrel::test

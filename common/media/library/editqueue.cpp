@@ -131,8 +131,7 @@ bool EditQueue::prepare(Entry& entry)
         DiffApiError answer;
         answer.success = true;
         answer.statusCode = 200;
-        tell(answer);
-        dropFirst();
+        finishFirst(answer);
         return false;
     }
     const QString overtaken = tr("Somebody else has changed the same thing meanwhile.");
@@ -197,17 +196,16 @@ void EditQueue::onAnswer(QNetworkReply* reply)
         return;
     }
     if (answer.success) {
-        tell(answer);
+        tell(m_edits.front(), answer);
         m_awaited = MediaLibraryApi::revisionOf(reply->rawHeader("ETag"));
         settleBy(State::Settling);
         return;
     }
     if (m_edits.front().direction == EditDirection::Redo)
         m_edits.front().edit->refused = !answer.networkFailed;
-    tell(answer);
-    dropFirst();
     if (answer.networkFailed)
         m_api->requestMediaLibrary(); // nobody knows whether it was made
+    finishFirst(answer);
     proceed();
 }
 
@@ -224,38 +222,52 @@ void EditQueue::refuseAll(const QString& why)
         DiffApiError answer;
         answer.networkFailed = true;
         answer.networkMessage = why;
-        tell(answer);
-    }
-    if (m_state != State::Idle && m_state != State::Overtaken)
+        finishFirst(answer);
+    } else if (m_state == State::Settling) {
         dropFirst(); // the server has it
-    while (!m_edits.empty())
+    }
+    // Whoever hears of one may edit anew, and that is another matter.
+    for (std::size_t left = m_edits.size(); left > 0 && !m_edits.empty(); --left)
         refuseFirst(why);
 }
 
 void EditQueue::refuseFirst(const QString& why)
 {
-    Entry& entry = m_edits.front();
-    if (entry.direction == EditDirection::Redo)
-        entry.edit->refused = true;
+    if (m_edits.front().direction == EditDirection::Redo)
+        m_edits.front().edit->refused = true;
     DiffApiError answer;
     answer.message = why;
-    tell(answer);
-    dropFirst();
+    finishFirst(answer);
 }
 
-void EditQueue::tell(const DiffApiError& answer)
+/// The edit has left the queue when its sender hears of it: who edits anew then finds the queue in order.
+void EditQueue::finishFirst(const DiffApiError& answer)
 {
-    if (const EditAnswered answered = std::exchange(m_edits.front().answered, nullptr))
+    Entry entry = takeFirst();
+    tell(entry, answer);
+    Q_EMIT dropped();
+}
+
+void EditQueue::tell(Entry& entry, const DiffApiError& answer)
+{
+    if (const EditAnswered answered = std::exchange(entry.answered, nullptr))
         answered(answer);
 }
 
 void EditQueue::dropFirst()
 {
+    takeFirst();
+    Q_EMIT dropped();
+}
+
+EditQueue::Entry EditQueue::takeFirst()
+{
+    Entry entry = std::move(m_edits.front());
     m_edits.pop_front();
     m_patience.stop();
     m_awaited.reset();
     m_state = State::Idle;
-    Q_EMIT dropped();
+    return entry;
 }
 
 } // namespace vantrel

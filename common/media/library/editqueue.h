@@ -65,9 +65,11 @@ private:
     void onAnswer(QNetworkReply* reply);
     bool hasSettled() const;
     void settleBy(State state);
-    void tell(const DiffApiError& answer);
+    static void tell(Entry& entry, const DiffApiError& answer);
     void refuseFirst(const QString& why);
+    void finishFirst(const DiffApiError& answer);
     void dropFirst();
+    Entry takeFirst();
 
     MediaLibraryApi* const m_api;
     std::deque<Entry> m_edits;

@@ -2,6 +2,7 @@
 
 #include "common/media/address/medialogging.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace vantrel {
@@ -13,13 +14,17 @@ EventStream::State EventStream::assemble(const QByteArray& piece)
         m_message = QByteArray();
         return State::Overflow;
     }
+    // While much comes in, pieces end within messages: what is whole does not wait for the rest.
+    const qsizetype from = std::max<qsizetype>(0, m_buffer.size() - 1);
     m_buffer.append(piece);
-    return m_buffer.endsWith("\n\n") ? State::Complete : State::Waiting;
+    return m_buffer.indexOf("\n\n", from) >= 0 ? State::Complete : State::Waiting;
 }
 
 void EventStream::parse(const std::function<void(const QByteArray& data)>& onMessage)
 {
-    const QByteArray text = std::exchange(m_buffer, QByteArray());
+    const qsizetype whole = m_buffer.lastIndexOf("\n\n") + 2;
+    const QByteArray text = m_buffer.left(whole);
+    m_buffer.remove(0, whole);
     qsizetype start = 0;
     while (start <= text.size()) {
         qsizetype end = text.indexOf('\n', start);

@@ -15,15 +15,15 @@ public:
     static constexpr qsizetype maxBuffered = 64 * 1024 * 1024;
 
     enum class State {
-        Waiting,  // the last piece ended inside a message
-        Complete, // it ended on a boundary: call parse()
+        Waiting,  // no message is whole
+        Complete, // the last piece ended at least one: call parse()
         Overflow, // more than maxBuffered without a boundary; what was buffered is dropped
     };
 
     /// Costs what the piece costs.
     State assemble(const QByteArray& piece);
-    /// Reads all that is buffered, which is nothing afterwards. Each message's data lines go to the handler,
-    /// joined by line feeds.
+    /// Reads all messages that are whole, and keeps the beginning of the next. Each message's data lines go
+    /// to the handler, joined by line feeds.
     void parse(const std::function<void(const QByteArray& data)>& onMessage);
 
     qsizetype buffered() const { return m_buffer.size(); }

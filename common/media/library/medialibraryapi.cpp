@@ -65,7 +65,11 @@ MediaLibraryApi::MediaLibraryApi(const QString& host, QNetworkAccessManager* man
     connect(this, &MediaLibraryApi::mediaLibraryChanged, m_edits, &EditQueue::proceed);
 }
 
-MediaLibraryApi::~MediaLibraryApi() = default;
+MediaLibraryApi::~MediaLibraryApi()
+{
+    stopListening();
+    delete m_edits; // while this is still whole: it tells what becomes of the edits
+}
 
 QUrl MediaLibraryApi::buildUrl(const QString& path, const QString& query) const
 {
@@ -353,7 +357,7 @@ void MediaLibraryApi::requestMediaLibrary()
     auto* wait = new QTimer(this);
     wait->setSingleShot(true);
     connect(wait, &QTimer::timeout, this, [this, wait] {
-        wait->deleteLater();
+        delete wait; // the stream may open in this very moment, and it counts once
         --m_waits;
         fetchLibrary();
     });
@@ -368,10 +372,15 @@ void MediaLibraryApi::fetchLibrary()
 {
     QNetworkReply* reply = getMediaLibrary();
     ++m_fetches;
-    connect(reply, &QNetworkReply::downloadProgress, this, [this, reply](qint64 received) {
-        if (received > maxLibraryBytes || m_meanwhileBytes > EventStream::maxBuffered)
+    connect(reply, &QNetworkReply::downloadProgress, reply, [reply](qint64 received) {
+        if (received > maxLibraryBytes)
             reply->abort();
     });
+    connect(reply, &QNetworkReply::downloadProgress, this, [this, reply] {
+        if (m_meanwhileBytes > EventStream::maxBuffered)
+            reply->abort();
+    });
+    connect(reply, &QNetworkReply::finished, reply, &QObject::deleteLater);
     connect(reply, &QNetworkReply::finished, this, [this, reply] { onLibraryReceived(reply); });
 }
 
@@ -379,7 +388,7 @@ void MediaLibraryApi::onLibraryReceived(QNetworkReply* reply)
 {
     if (reply->error() != QNetworkReply::NoError) {
         qCWarning(lcMedia) << "Failed to get media library " << reply->error();
-        fetchFailed();
+        fetchFailed(reply->errorString());
         Q_EMIT mediaLibraryRequestFailed();
         return;
     }
@@ -402,11 +411,11 @@ void MediaLibraryApi::onLibraryRead(const LibraryReading& reading, std::optional
     switch (reading.outcome) {
     case LibraryReading::Outcome::NoJson:
         qCWarning(lcMedia) << "Failed to convert  QT JSON to SDK JSON";
-        fetchFailed();
+        fetchFailed(tr("the answer is no JSON"));
         break;
     case LibraryReading::Outcome::NoLibrary:
         qCWarning(lcMedia) << "Failed to parse media library" << shortened(reading.error);
-        fetchFailed();
+        fetchFailed(tr("the answer is no library"));
         Q_EMIT mediaLibraryRequestFailed();
         break;
     case LibraryReading::Outcome::Library:
@@ -434,8 +443,10 @@ void MediaLibraryApi::adoptLibrary(MediaLibrary& fetched, std::optional<qint64> 
 }
 
 /// It is tried again until it comes.
-void MediaLibraryApi::fetchFailed()
+void MediaLibraryApi::fetchFailed(const QString& why)
 {
+    constexpr qsizetype longest = 200;
+    m_readingError = why.left(longest);
     QTimer::singleShot(retryTime, this, &MediaLibraryApi::requestMediaLibrary);
     setReading(Reading::Failed);
     fetchEnded();

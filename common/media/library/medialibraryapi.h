@@ -70,6 +70,8 @@ public:
     enum class Reading { Awaited, Done, Failed };
     /// What became of the last fetch.
     Reading reading() const { return m_reading; }
+    /// Why it failed, for the operator; plain text without a full stop.
+    const QString& readingError() const { return m_readingError; }
     /// Whether the local library is the server's, but for what is on its way.
     bool isCurrent() const { return m_reading == Reading::Done && m_fetches + m_waits == 0; }
     /// The number of the library that stands here; none of a server that does not count.
@@ -128,7 +130,7 @@ private:
     void onLibraryRead(const LibraryReading& reading, std::optional<qint64> revision);
     void fetchEnded();
     void adoptLibrary(MediaLibrary& fetched, std::optional<qint64> revision);
-    void fetchFailed();
+    void fetchFailed(const QString& why);
     void onStreamEnded(QNetworkReply* stream);
     void loseStream();
     void setReading(Reading reading);
@@ -159,6 +161,7 @@ private:
     bool m_isDeaf = false; // the stream is lost
     std::optional<qint64> m_revision;
     Reading m_reading = Reading::Awaited;
+    QString m_readingError;
     EditQueue* const m_edits;
     QTimer* const m_silence; // runs while a stream is open whose server says each second that it is there
 };

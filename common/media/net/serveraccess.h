@@ -1,12 +1,15 @@
 #pragma once
 
+#include <QElapsedTimer>
 #include <QNetworkAccessManager>
+#include <QSet>
+#include <QTimer>
 
 namespace vantrel {
 
 /// HTTP to the server with bounds that no answer can leave: a redirect stays on its host, the headers come
-/// within half a minute and what follows keeps coming, an event stream apart. Owned by the session; main
-/// thread.
+/// within a quarter of a minute and are no flood, and what follows keeps coming, an event stream apart. Owned
+/// by the session; main thread.
 class ServerAccess : public QNetworkAccessManager
 {
     Q_OBJECT
@@ -14,7 +17,7 @@ class ServerAccess : public QNetworkAccessManager
 public:
     explicit ServerAccess(QObject* parent = nullptr);
 
-    /// For tests in place of half a minute; milliseconds.
+    /// For tests in place of a quarter of a minute; milliseconds.
     void setHeaderTime(int ms) { m_headerTime = ms; }
 
 protected:
@@ -22,7 +25,15 @@ protected:
                                  QIODevice* body = nullptr) override;
 
 private:
+    void await(QNetworkReply* reply);
+    void arrived(QNetworkReply* reply);
+    void checkMemory();
+
     int m_headerTime;
+    QSet<QNetworkReply*> m_awaited; // whose headers have not come
+    QTimer m_watch;
+    QElapsedTimer m_sinceBase;
+    qint64 m_base = 0; // bytes that this process took then
 };
 
 } // namespace vantrel

@@ -19,12 +19,6 @@ constexpr int errorRefused = 111;
 // An attempt that fails at once is not repeated at once: a host without a route would else keep a core busy
 // and flood the main thread with signals.
 constexpr std::chrono::milliseconds repeatPause{250};
-
-PreviewThread* previewThread()
-{
-    Session* session = Session::instance();
-    return session ? session->preview() : nullptr;
-}
 } // namespace
 
 ConnectionHandler::ConnectionHandler(quint16 linkPort, QObject* parent)
@@ -66,6 +60,13 @@ qint64 ConnectionHandler::now()
 {
     using namespace std::chrono;
     return duration_cast<milliseconds>(steady_clock::now().time_since_epoch()).count();
+}
+
+/// Of this handler's own session: once it is to end, the one there is may be the next one's.
+PreviewThread* ConnectionHandler::previewThread() const
+{
+    Session* session = isInterruptionRequested() ? nullptr : Session::instance();
+    return session ? session->preview() : nullptr;
 }
 
 void ConnectionHandler::connect(const QString& host)
@@ -266,8 +267,13 @@ void ConnectionHandler::handleFailure(const Attempt& attempt, int error)
                                : tr("It does not answer. Is it switched on, and on this network?");
     if (m_state == State::Retrying || error == errorRefused || isHomeElsewhere())
         return fail(lock, reason);
-    if (std::exchange(m_toldHost, attempt.host) != attempt.host)
-        Q_EMIT attemptFailed(attempt.host, reason, attempt.host); // queued: nobody calls back under the lock
+    if (std::exchange(m_toldHost, attempt.host) != attempt.host) {
+        lock.unlock();
+        Q_EMIT attemptFailed(attempt.host, reason, attempt.host);
+        lock.relock();
+        if (isInterruptionRequested() || m_host != attempt.host)
+            return;
+    }
     m_condition.wait_for(m_mutex, repeatPause);
 }
 

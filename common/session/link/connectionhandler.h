@@ -18,6 +18,7 @@ namespace vantrel {
 class JsonClient;
 class Network;
 class Patch;
+class PreviewThread;
 struct PatchOp;
 
 /// The thread that keeps the scene link to one server: it waits for a host, connects, asks for the whole
@@ -117,6 +118,7 @@ private:
     void followLink();
     void tellPause(const QString& host);
     void giveWay();
+    PreviewThread* previewThread() const;
 
     mutable QMutex m_mutex;                  // guards every field below
     std::condition_variable_any m_condition; // which, unlike Qt's own, the thread sanitizer can follow

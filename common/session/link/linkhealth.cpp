@@ -164,7 +164,8 @@ QString LinkHealth::detail() const
         return {};
     case State::Current:
         if (m_libraryLostAt >= 0 && m_clock() - m_libraryLostAt > libraryPatience)
-            return tr("The players answer, the library does not: play and take work, edits wait.");
+            return tr("The players answer, the library does not: play and take work, "
+                      "edits are refused until it is read again.");
         return {};
     case State::Silent:
         return m_webAnswers ? tr("Its library answers, its players do not: nothing is sent to them.")

@@ -50,6 +50,7 @@ MetadataClient::~MetadataClient()
 {
     // The socket closes in its destructor, when this object's slots are no longer there to be called.
     m_webSocket.disconnect(this);
+    m_webSocket.abort(); // also in the middle of its opening
 }
 
 void MetadataClient::onConnected()

@@ -34,6 +34,7 @@ void MainMenu::addEntries()
     connect(m_reboot, &QAction::triggered, this, &MainMenu::rebootClicked);
     addSeparator();
     m_clearShow = addEntry(QStringLiteral(":/icons/close.svg"), tr("Clear show"));
+    m_clearShow->setObjectName(QStringLiteral("MainNavigationBar-mainmenu-ClearShow-action"));
     connect(m_clearShow, &QAction::triggered, this, &MainMenu::clearShowClicked);
     connect(addEntry(QStringLiteral(":/icons/import.svg"), tr("Import show")), &QAction::triggered, this,
             &MainMenu::importShowClicked);

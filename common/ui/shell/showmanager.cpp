@@ -1,7 +1,10 @@
 #include "common/ui/shell/showmanager.h"
 
+#include "common/command/commandgate.h"
 #include "common/command/execute.h"
+#include "common/command/refusal.h"
 #include "common/command/showcommands.h"
+#include "common/notification/notificationmanagerimpl.h"
 #include "common/session/link/connectionhandler.h"
 #include "common/session/mirror/serverconfigurationmodel.h"
 #include "common/session/session.h"
@@ -13,9 +16,12 @@
 #include <QDateTime>
 #include <QFile>
 #include <QFileDialog>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QLoggingCategory>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
+#include <QSaveFile>
 #include <QStandardPaths>
 #include <QUrlQuery>
 
@@ -26,6 +32,37 @@ namespace {
 Q_LOGGING_CATEGORY(log, "vantrel.show")
 
 constexpr auto resource = "/api/brume/v1/show/current";
+
+int statusOf(const QNetworkReply& reply)
+{
+    return reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+}
+
+/// Whether the server has read the show and finds it incompatible.
+bool isDislike(const QNetworkReply& reply)
+{
+    const int status = statusOf(reply);
+    return status == 400 || status == 409 || status == 422;
+}
+
+/// In the server's own words, where it has any.
+QString reasonOf(QNetworkReply& reply)
+{
+    constexpr qint64 longest = 4096; // bytes of an error
+    const QString said =
+        QJsonDocument::fromJson(reply.read(longest)).object().value(QStringLiteral("error")).toString();
+    if (!said.isEmpty())
+        return said;
+    const int status = statusOf(reply);
+    return status == 0 ? QObject::tr("The server did not answer (%1).").arg(reply.errorString())
+                       : QObject::tr("The server refused it (%1).").arg(status);
+}
+
+void tellDone(const QString& what)
+{
+    NotificationManagerImpl::instance()->createNotification(Notification::CheckedMessage,
+                                                            what.toHtmlEscaped(), QString());
+}
 
 } // namespace
 
@@ -152,6 +189,7 @@ void ShowManager::importShow(QString fileName, QStringList imports)
     QFile file(fileName);
     if (!file.open(QIODevice::ReadOnly)) {
         qCWarning(log) << "Failed to open import file:" << file.errorString();
+        tellNotDone(tr("Import show"), file.errorString());
         return;
     }
     m_importSections = imports;
@@ -167,6 +205,9 @@ void ShowManager::forceImport()
 
 void ShowManager::sendImportRequest(bool force)
 {
+    // By a road of its own, which is no reason to wait in the sockets of a server that hangs.
+    if (!CommandGate::passes(m_session->getQUndoStack(), tr("Import show")))
+        return;
     QUrl url = showUrl();
     QUrlQuery query;
     if (!m_importSections.isEmpty())
@@ -182,11 +223,15 @@ void ShowManager::sendImportRequest(bool force)
         reply->deleteLater();
         if (reply->error() == QNetworkReply::NoError) {
             qCDebug(log) << "Success:" << reply->readAll();
+            tellDone(tr("The show was imported"));
             return;
         }
         qCDebug(log) << "Error:" << reply->errorString();
-        if (!force)
+        // Only what the server has read and does not like may be forced on it.
+        if (!force && isDislike(*reply))
             m_forceImportDialog->open();
+        else
+            tellNotDone(tr("Import show"), reasonOf(*reply));
     });
 }
 
@@ -206,24 +251,30 @@ void ShowManager::handleExport()
 
 void ShowManager::exportShow(const QString& fileName)
 {
+    if (!CommandGate::passes(m_session->getQUndoStack(), tr("Export show")))
+        return;
     QNetworkReply* reply = m_session->getQNetworkAccessManager()->get(QNetworkRequest(showUrl()));
     connect(reply, &QNetworkReply::finished, this, [reply, fileName] {
         reply->deleteLater();
-        if (reply->error() != QNetworkReply::NoError)
+        if (reply->error() != QNetworkReply::NoError) {
             qCWarning(log) << "Download failed:" << reply->errorString();
-        else
+            tellNotDone(tr("Export show"), reasonOf(*reply));
+        } else {
             saveReply(reply->readAll(), fileName);
+        }
     });
 }
 
 void ShowManager::saveReply(const QByteArray& bytes, const QString& fileName)
 {
-    QFile file(fileName);
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.flush()) {
+    QSaveFile file(fileName); // an earlier export stays until this one is whole
+    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit()) {
         qCWarning(log) << "Failed to save the file!";
+        tellNotDone(tr("Export show"), file.errorString());
         return;
     }
     qCDebug(log) << "File downloaded successfully!";
+    tellDone(tr("The show was exported to %1").arg(fileName));
 }
 
 } // namespace vantrel

@@ -1,7 +1,6 @@
 #include "common/ui/toolkit/ztdropdownmenu.h"
 
 #include <QAbstractItemView>
-#include <QLineEdit>
 #include <QTimer>
 
 namespace vantrel {
@@ -14,21 +13,6 @@ ZTDropdownMenu::ZTDropdownMenu(QWidget* parent)
         m_chosen = true;
         Q_EMIT chosen(index);
     });
-}
-
-void ZTDropdownMenu::beginEditing()
-{
-    setEditable(true);
-    lineEdit()->setText(itemText(currentIndex()));
-    lineEdit()->setFocus(Qt::OtherFocusReason);
-    lineEdit()->selectAll();
-}
-
-QString ZTDropdownMenu::endEditing()
-{
-    const QString text = isEditable() ? lineEdit()->text().trimmed() : currentText();
-    setEditable(false);
-    return text;
 }
 
 void ZTDropdownMenu::hidePopup()

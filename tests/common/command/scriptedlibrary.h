@@ -43,7 +43,7 @@ struct ScriptedLibrary
         return {200, "{}"};
     }
     /// On the event stream.
-    void tell(const Patch& patch) { peer.session->getMediaLibraryApi()->applyMediaLibraryPatch(patch); }
+    void tell(const Patch& patch) { api()->applyMediaLibraryPatch(patch); }
     /// Somebody else's edit.
     void edit(const char* text)
     {
@@ -66,7 +66,14 @@ struct ScriptedLibrary
         peer.session->executeCommand(command.release());
         return true;
     }
-    bool isIdle() { return peer.session->getMediaLibraryApi()->edits()->isEmpty(); }
+    bool isIdle() { return api()->edits()->isEmpty(); }
+    MediaLibraryApi* api() const
+    {
+        MediaLibraryApi* const api = peer.session->getMediaLibraryApi();
+        if (!api)
+            qFatal("the test has lost its link");
+        return api;
+    }
     QString name(int collection)
     {
         const MediaCollection* found = std::as_const(*library).findCollection(collection);

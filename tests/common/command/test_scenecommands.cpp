@@ -153,6 +153,24 @@ private Q_SLOTS:
         QCOMPARE(names(), QStringLiteral("first renamed"));
     }
 
+    /// What cannot be undone passes the stack by: what was undone can still be redone.
+    void keepsWhatMayBeRedone()
+    {
+        auto* set = new SetCommand;
+        set->init(Path("/device/surfaces/0/properties/name"), Variant::from("other"));
+        push(set);
+        stack()->undo();
+        auto* step = new StepCommand;
+        QVERIFY(step->init(object("preview"), 1));
+        push(step);
+        auto* play = new DirectPlayCommand;
+        QVERIFY(play->init(true, 0, QStringLiteral("brume://collections/1/slots/1")));
+        push(play);
+        QVERIFY(stack()->canRedo());
+        stack()->redo();
+        QCOMPARE(names(), QStringLiteral("other second"));
+    }
+
     void survivesWhatIsGone()
     {
         auto* set = new SetCommand;

@@ -1,7 +1,9 @@
 #include "common/playback/playbackwidget.h"
+#include "common/playback/seekslider.h"
 #include "tests/common/playback/playerfixture.h"
 #include "tests/support/testmain.h"
 
+#include <QAbstractButton>
 #include <QAbstractItemView>
 #include <QAccessible>
 
@@ -25,7 +27,11 @@ private Q_SLOTS:
         QTRY_COMPARE(value("Program-PlaybackWidget-PlaybackTimecodes-Playhead"),
                      QStringLiteral("00:00:02.500"));
     }
-    void cleanup() { m_fixture.reset(); }
+    void cleanup()
+    {
+        m_fixture.reset();
+        m_sent.clear();
+    }
 
     void timesTellTheirValue()
     {
@@ -49,6 +55,31 @@ private Q_SLOTS:
                  QStringLiteral("00:00:01.000 of 00:00:10.000"));
     }
 
+    /// Preview's parts move by their values, program's only once its lock is open, its marks never.
+    void timelineMovesByItsValue()
+    {
+        m_fixture->set("preview", "sourceMode", "1");
+        m_fixture->set("preview", "media", quoted("brume://collections/1/slots/1"));
+        auto* preview = m_fixture->part<SeekSlider>("Preview-PlaybackWidget-SeekSlider");
+        QTRY_COMPARE(preview->outpoint(), 8.0);
+        m_fixture->takeSent();
+        move("Preview-PlaybackWidget-SeekSlider", 3.5);
+        QTRY_VERIFY(sent().contains(QStringLiteral("preview/methods/seekMedia {\"mediaPosition\":3.5}")));
+        move("Preview-PlaybackWidget-SeekSlider-playhead", 99);
+        QTRY_VERIFY(sent().contains(QStringLiteral("preview/methods/seekMedia {\"mediaPosition\":8.0}")));
+        move("Preview-PlaybackWidget-SeekSlider-inMarker", 2.0);
+        QTRY_COMPARE(m_fixture->patches.size(), 1);
+        QVERIFY2(m_fixture->patches[0].contains("/inpoint"), m_fixture->patches[0].constData());
+
+        move("Program-PlaybackWidget-SeekSlider", 4.5); // locked
+        move("Program-PlaybackWidget-SeekSlider-outMarker", 4.5);
+        m_fixture->part<QAbstractButton>("Program-PlaybackWidget-Header-Lock")->click();
+        move("Program-PlaybackWidget-SeekSlider", 5.5);
+        QTRY_VERIFY(sent().contains(QStringLiteral("program/methods/seekMedia {\"mediaPosition\":5.5}")));
+        QVERIFY(!m_sent.contains(QStringLiteral("4.5")));
+        QCOMPARE(m_fixture->patches.size(), 1);
+    }
+
     void slotsTellNumberNameAndState()
     {
         auto* view = m_fixture->part<QAbstractItemView>("MediaPanel-slots-view");
@@ -67,10 +98,17 @@ private:
     {
         return QAccessible::queryAccessibleInterface(m_fixture->part<QWidget>(name));
     }
+    void move(const char* name, double seconds) const
+    {
+        interface(name)->valueInterface()->setCurrentValue(seconds);
+    }
+    /// All that went over the link.
+    const QString& sent() { return m_sent += m_fixture->takeSent() + u'\n'; }
     QString value(const char* name) const { return interface(name)->text(QAccessible::Value); }
     QString name(const char* name) const { return interface(name)->text(QAccessible::Name); }
 
     std::unique_ptr<PlayerFixture> m_fixture;
+    QString m_sent;
 };
 
 HALCYRA_TEST(TestAccessibility)

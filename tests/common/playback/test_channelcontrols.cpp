@@ -1,3 +1,4 @@
+#include "common/command/setcommand.h"
 #include "common/media/items/guimediaslot.h"
 #include "common/media/library/medialibraryprovider.h"
 #include "common/media/models/playbackmodel.h"
@@ -9,6 +10,7 @@
 #include "common/playback/playbackpreview.h"
 #include "common/playback/playbackwidget.h"
 #include "common/playback/seekslider.h"
+#include "common/playback/volumeslider.h"
 #include "common/session/mirror/guiplayback.h"
 #include "common/session/mirror/sceneobjectprovider.h"
 #include "common/ui/timecode/timecodeedit.h"
@@ -66,7 +68,41 @@ private Q_SLOTS:
         QTRY_VERIFY(target->isEnabled());
         m_fixture->takeSent();
         target->click();
-        QTEST(m_fixture->waitForSent(), "sent");
+        QFETCH(QString, sent);
+        QStringList all; // what is late of the connection may come first
+        QVERIFY2(QTest::qWaitFor([&] {
+                     all += m_fixture->takeSent().split(u'\n', Qt::SkipEmptyParts);
+                     return all.contains(sent);
+                 }),
+                 qPrintable(QStringLiteral("%1, button enabled: %2")
+                                .arg(all.join(QStringLiteral(" | ")))
+                                .arg(target->isEnabled())));
+    }
+
+    /// Its steps are on their way at once, and one step back undoes them all; the next gesture is another.
+    void aGestureOfTheVolumeIsOneStepBack()
+    {
+        QVERIFY(m_fixture->connect());
+        const QString volume = QStringLiteral("replace /device/channels/0/program/properties/volume ");
+        auto* slider = m_fixture->part<VolumeSlider>("Program-PlaybackWidget-Footer-VolumePopup-Slider");
+        QUndoStack* stack = m_fixture->peer.session->getQUndoStack();
+        m_fixture->takeSent();
+        for (const int decibels : {-6, -12, -60})
+            slider->setValue(decibels);
+        QString sent;
+        QTRY_COMPARE((sent += m_fixture->takeSent() + u'\n').count(volume), 3);
+        QCOMPARE(stack->count(), 1);
+        const auto* gesture = dynamic_cast<const SetCommand*>(stack->command(0));
+        QVERIFY(gesture && gesture->isMergeable());
+        QTRY_VERIFY(!gesture->isMergeable()); // it has ended
+        slider->setValue(-20);
+        QCOMPARE(stack->count(), 2);
+        stack->undo();
+        QCOMPARE(slider->value(), -60);
+        stack->undo();
+        QCOMPARE(slider->value(), 0);
+        QTRY_VERIFY((sent += m_fixture->takeSent()).endsWith(volume + QStringLiteral("1.0")));
+        QVERIFY(!stack->canUndo());
     }
 
     void commandsWithoutAChannelAreLogged()

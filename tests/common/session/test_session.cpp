@@ -122,8 +122,11 @@ private Q_SLOTS:
         peer.session->sceneObjectProvider()->previewPlayback()->setVolume(0.5);
         QTRY_COMPARE(describe(peer.lastReceived()),
                      QStringLiteral("replace /device/channels/0/preview/properties/volume 0.5"));
-        QVERIFY(scene->addObject(scene->find("/device/surfaces/1"), {}));
-        QTRY_COMPARE(describe(peer.lastReceived()), QStringLiteral("add /device/surfaces/1 {}"));
+        QVERIFY(scene->addObject(scene->find("/device/surfaces/1"), {{"name", Variant::from("side")}}));
+        QTRY_COMPARE(peer.lastReceived().size(), std::size_t(1));
+        QTRY_COMPARE(peer.lastReceived().begin()->path.toString(), std::string("/device/surfaces/1"));
+        QCOMPARE(peer.lastReceived().begin()->value.get("properties").get("name").asString(),
+                 std::string("side"));
         QVERIFY(scene->removeObject(scene->find("/device/surfaces/0")));
         QTRY_COMPARE(describe(peer.lastReceived()), QStringLiteral("remove /device/surfaces/0"));
         // The three answers above are all that came: what the server sent was not echoed.

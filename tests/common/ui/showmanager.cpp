@@ -1,5 +1,6 @@
 #include "common/ui/shell/showmanager.h"
 
+#include "common/notification/notificationmanagerimpl.h"
 #include "common/session/link/connectionhandler.h"
 #include "common/session/session.h"
 #include "common/ui/shell/importshowdialog.h"
@@ -71,7 +72,16 @@ private Q_SLOTS:
         const QString after = m_folder.filePath(QStringLiteral("after.show"));
         m_shows->exportShow(after);
         QTRY_VERIFY(QFile(after).size() > 0);
-        QVERIFY(!m_shows->forceImportDialog()->isVisible()); // a forced import that fails only logs
+        QVERIFY(!m_shows->forceImportDialog()->isVisible()); // a forced import that fails only tells
+        QVERIFY(!said().filter(QStringLiteral("Not done: Import show")).isEmpty());
+    }
+
+    /// A disk that is full, or a folder that takes nothing, leaves the earlier export as it was.
+    void anExportThatFailsIsTold()
+    {
+        test::expectWarning(QStringLiteral("Failed to save the file!"));
+        m_shows->exportShow(m_folder.filePath(QStringLiteral("none/gala.show")));
+        QTRY_VERIFY(!said().filter(QStringLiteral("Not done: Export show")).isEmpty());
     }
 
     void aFileThatCannotBeReadIsLogged()
@@ -118,6 +128,14 @@ private Q_SLOTS:
     }
 
 private:
+    static QStringList said()
+    {
+        QStringList titles;
+        for (const auto& notification : NotificationManagerImpl::instance()->notifications())
+            titles << notification->title();
+        return titles;
+    }
+
     test::OmbraProcess m_server;
     std::unique_ptr<Session> m_session;
     QWidget m_window;

@@ -67,20 +67,6 @@ private Q_SLOTS:
         QTEST(int(cancelled.size()), "cancelled");
     }
 
-    void dropdownRenames()
-    {
-        ZTDropdownMenu menu;
-        menu.addItems({QStringLiteral("a"), QStringLiteral("b")});
-        menu.setCurrentIndex(1);
-        menu.beginEditing();
-        QCOMPARE(menu.lineEdit()->selectedText(), QStringLiteral("b"));
-        menu.lineEdit()->setText(QStringLiteral(" new "));
-        QCOMPARE(menu.endEditing(), QStringLiteral("new"));
-        QVERIFY(!menu.isEditable());
-        QCOMPARE(menu.count(), 2);
-        QCOMPARE(menu.currentText(), QStringLiteral("b"));
-    }
-
     void colorBoxChooses()
     {
         ColorBox box(Qt::red);

@@ -36,6 +36,8 @@ private Q_SLOTS:
             "light.exr", {118, 188, 48});
         row("linear, large", QStringLiteral("color=0x2e8008:s=1920x1080:d=0.04,format=gbrpf32le"),
             "-frames:v 1", "large.exr", {118, 188, 48});
+        row("linear, 4K, half floats", QStringLiteral("color=0x2e8008:s=4096x2160:d=0.04,format=gbrpf32le"),
+            "-frames:v 1 -compression zip16 -format half", "4k.exr", {118, 188, 48});
         row("linear, half transparent",
             QStringLiteral("color=0x2e8008@0.5:s=192x108:d=0.04,format=gbrapf32le"), "-frames:v 1",
             "alpha.exr", {118, 188, 48});

@@ -79,6 +79,9 @@ private Q_SLOTS:
                                                      "ftypisom\0\0\2\0",
                                                      16) +
                                               mp4.mid(data - 4, 3000));
+        QVERIFY(m_media.make(with(clip, "-c:v mpeg2video -g 12"), QStringLiteral("whole.mxf")));
+        const QByteArray mxf = read(QStringLiteral("whole.mxf"));
+        write(QStringLiteral("early.mxf"), mxf.left(mxf.size() / 2));
         const QByteArray mkv = read(QStringLiteral("whole.mkv"));
         write(QStringLiteral("early.mkv"), mkv.left(mkv.size() / 2));
         QVERIFY(m_media.make(with(clip, "-c:v mpeg4 -g 25"), QStringLiteral("whole.avi")));
@@ -111,6 +114,8 @@ private Q_SLOTS:
         row("whole.avi", true, "");
         row("whole.wav", true, "");
         row("fields.mxf", true, "");
+        row("whole.mxf", true, "");
+        row("early.mxf", true, "The file is cut off at ");
         row("empty.mov", false, "The file is empty. Copy it again.");
         row("notes.txt", false, "The file holds text, neither pictures nor sound.");
         row("noise.mov", false, "The file is damaged or of a kind that is not known here (");
@@ -141,6 +146,52 @@ private Q_SLOTS:
             said += metadata.getCaveatText(caveat);
         QVERIFY2(said.starts_with(sentence.toStdString()) && said.empty() == sentence.isEmpty(),
                  said.c_str());
+    }
+
+    void tellsPicturesThatAreCut_data()
+    {
+        QTest::addColumn<QString>("kind");
+        QTest::addColumn<QByteArray>("options");
+        const auto row = [](const char* kind, const char* options) {
+            QTest::addRow("%s %s", kind, options) << QString::fromLatin1(kind) << QByteArray(options);
+        };
+        for (const char* kind : {"png", "jpg", "bmp", "tif", "dpx", "webp", "gif"})
+            row(kind, "");
+        row("tif", "-compression_algo deflate");
+        row("exr", "-compression zip16 -format half");
+        row("exr", "-compression none -format float");
+    }
+
+    /// Noise, so that no kind makes nothing of it.
+    void tellsPicturesThatAreCut()
+    {
+        QFETCH(QString, kind);
+        QFETCH(QByteArray, options);
+        const QString format = kind == QStringLiteral("exr") ? QStringLiteral("gbrpf32le") : QString();
+        QStringList input{"-f",        "lavfi", "-i", "nullsrc=s=640x360,geq=random(1)*255:128:128",
+                          "-frames:v", "1"};
+        if (!format.isEmpty())
+            input += {"-pix_fmt", format};
+        for (const QByteArray& option : options.split(' '))
+            if (!option.isEmpty())
+                input += QString::fromLatin1(option);
+        const QString whole = QStringLiteral("picture.") + kind, cut = QStringLiteral("cut.") + kind;
+        QVERIFY(m_media.make(input, whole));
+        const auto said = [&](const QString& name) {
+            const MediaMetadata metadata = ask(name.toLatin1());
+            std::string text = metadata.getError();
+            for (const MediaCaveat caveat : metadata.getCaveats())
+                text += metadata.getCaveatText(caveat);
+            return text;
+        };
+        QCOMPARE(said(whole), std::string());
+        const QByteArray bytes = read(whole);
+        for (const double share : {0.98, 0.6, 0.1}) {
+            QFile::remove(path(cut));
+            write(cut, bytes.left(static_cast<qsizetype>(share * double(bytes.size()))));
+            const std::string text = said(cut);
+            QVERIFY2(text.starts_with("The file is cut off"), (std::to_string(share) + ": " + text).c_str());
+        }
     }
 
     void tellsFieldsAndTimecode()

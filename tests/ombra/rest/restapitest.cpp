@@ -326,7 +326,7 @@ private Q_SLOTS:
     {
         boost::asio::io_context io;
         HttpHandlers handlers{[](const HttpRequest&, const HttpAnswer& answer) { answer({.body = "{}"}); },
-                              "/sse", "/events", RequestGuard({})};
+                              "/sse", "/events", "/show/current", RequestGuard({})};
         handlers.headerTime = std::chrono::milliseconds(1500);
         HttpServer server(io, handlers);
         std::string error;

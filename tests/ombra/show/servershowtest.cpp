@@ -94,6 +94,37 @@ private Q_SLOTS:
         QCOMPARE(value(program + "/properties/state"), state.toStdString());
     }
 
+    /// A medium that is missing at a start plays when it comes, however often the server starts without it.
+    void playsWhenItsMediumComes()
+    {
+        const QString clip = m_live->mediaFolder() + QStringLiteral("/clip.mp4");
+        QVERIFY(vantrel::test::makeClip(clip, {Qt::red, Qt::green, Qt::blue, Qt::white}, 30));
+        const QByteArray library = R"({"collections":{"1":{"name":"one","slots":{"1":{"name":"clip",)"
+                                   R"("contentUrl":"file:///clip.mp4"}}}},"playlists":{}})";
+        QCOMPARE(m_live->request("POST", "/medialibrary", library).status, 200);
+        invoke(program + "/methods/playMedia", "{\"mediaUrl\":\"" + media.toStdString() + "\"}");
+        QVERIFY(waitForState("play"));
+        QVERIFY(settled());
+        QVERIFY(QFile::rename(clip, clip + QStringLiteral(".away")));
+        for (int start = 0; start < 2; ++start) {
+            m_peer.reset();
+            m_live->stop();
+            QVERIFY(m_live->start());
+            connectPeer();
+            QVERIFY(m_live->waitFor([&] {
+                m_peer->read();
+                return value(program + "/properties/waitsToPlay") == "true";
+            }));
+            QVERIFY(waitForState("stop"));
+            QVERIFY(m_live->waitFor([&] {
+                return m_live->request("GET", "/collections").body.contains("\"isPlayable\":false");
+            }));
+        }
+        QVERIFY(QFile::rename(clip + QStringLiteral(".away"), clip));
+        QVERIFY(waitForState("play"));
+        QCOMPARE(value(program + "/properties/waitsToPlay"), std::string("false"));
+    }
+
     void savesClearsAndReverts()
     {
         invoke(configuration + "/methods/saveShow", "{\"showName\":\"../my show\"}");

@@ -1,0 +1,152 @@
+#include "common/playback/levelmeter.h"
+#include "common/playback/picturenotice.h"
+#include "common/playback/playbackpreview.h"
+#include "common/playback/playbackwidget.h"
+#include "common/playback/takebutton.h"
+#include "common/ui/toolkit/ztlabel.h"
+#include "tests/common/playback/playerfixture.h"
+#include "tests/support/testmain.h"
+
+using namespace vantrel;
+using namespace vantrel::test;
+
+/// What the player says by itself when something is not as it should be, or soon will not be.
+class TestSpokenStates : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        m_fixture = std::make_unique<PlayerFixture>();
+        m_fixture->library.replace("\"outpoint\":8.0", "\"outpoint\":20.0");
+        m_fixture->library.replace("\"mediaDuration\":10.0", "\"mediaDuration\":30.0");
+        m_fixture->peer.http.handler = [this, rest = m_fixture->peer.http.handler](
+                                           const ScriptedHttp::Request& request) -> ScriptedHttp::Reply {
+            if (request.target.contains("/metadata/") && request.target.contains("b.mp4"))
+                return {200, metadata};
+            return rest(request);
+        };
+        QVERIFY(m_fixture->connectWithLibrary());
+    }
+    void cleanup() { m_fixture.reset(); }
+
+    void programsTimeLeft_data()
+    {
+        QTest::addColumn<QByteArray>("position");
+        QTest::addColumn<QByteArray>("state");
+        QTest::addColumn<QString>("urgency");
+        QTest::addColumn<bool>("hasEnded");
+        const auto row = [](const char* position, const char* state, const char* urgency, bool hasEnded) {
+            QTest::addRow("%s %s", position, state)
+                << QByteArray(position) << QByteArray(state) << QString::fromLatin1(urgency) << hasEnded;
+        };
+        row("9.9", "play", "", false);
+        row("10.1", "play", "soon", false);
+        row("15.1", "play", "now", false);
+        row("19.98", "play", "now", false);
+        row("19.98", "pause", "now", true);
+        row("5.0", "pause", "", false);
+    }
+    void programsTimeLeft()
+    {
+        QFETCH(QByteArray, position);
+        QFETCH(QByteArray, state);
+        QFETCH(QString, urgency);
+        QFETCH(bool, hasEnded);
+        cue("program", 1);
+        m_fixture->set("program", "state", '"' + state + '"');
+        m_fixture->set("program", "mediaPosition", position);
+        const auto* left = m_fixture->part<QWidget>("Program-PlaybackWidget-PlaybackTimecodes-Remaining");
+        const auto* ended = m_fixture->part<QWidget>("Program-PlaybackWidget-PlaybackTimecodes-Ended");
+        QTRY_COMPARE(ended->isVisible(), hasEnded);
+        QTRY_COMPARE(left->property("urgency").toString(), urgency);
+        QCOMPARE(left->isVisible(), !hasEnded);
+    }
+
+    void repeatStandsBesideTheName()
+    {
+        cue("program", 1);
+        const auto* mark = m_fixture->part<QWidget>("Program-PlaybackWidget-Header-Repeat");
+        QVERIFY(!mark->isVisible());
+        m_fixture->set("program", "endAction", quoted("repeat"));
+        QTRY_VERIFY(mark->isVisible());
+    }
+
+    void heldMediaAreNamed()
+    {
+        m_fixture->set("program", "heldMedia", quoted("file:///clips/gone.mp4"));
+        const auto* name = m_fixture->part<ZTLabel>("Program-PlaybackWidget-Header-MediaName");
+        QTRY_COMPARE(name->text(), QStringLiteral("gone.mp4 (no longer in the library)"));
+    }
+
+    void unplayableCuesGreyTheTake()
+    {
+        metadata = R"({"type":"videoFile","isPlayable":false,"error":"The file is empty. Copy it again."})";
+        cue("preview", 3);
+        auto* take = m_fixture->part<TakeButton>("TakeControls-Take-Button");
+        QTRY_VERIFY(!take->isEnabled());
+        QVERIFY2(notice("Preview")->text().contains(QStringLiteral("The file is empty.")),
+                 qPrintable(notice("Preview")->text()));
+        QVERIFY2(!take->accessibleDescription().isEmpty() && take->toolTip() == take->accessibleDescription(),
+                 qPrintable(take->toolTip()));
+        cue("preview", 1);
+        QTRY_VERIFY(take->isEnabled());
+        QVERIFY(notice("Preview")->text().isEmpty());
+    }
+
+    void soundAloneShowsItsLevel()
+    {
+        metadata = R"({"type":"audioFile","isPlayable":true})";
+        QVERIFY(!notice("Preview")->levels()->isVisible());
+        cue("preview", 3);
+        QTRY_VERIFY(notice("Preview")->levels()->isVisible());
+    }
+
+    /// A picture that is old says so, and does not stand under the name of the next medium.
+    void oldPicturesAreTold()
+    {
+        cue("preview", 1);
+        auto* picture = m_fixture->part<PlaybackPreview>("Preview-PlaybackWidget-PreviewWidget");
+        PreviewFrame frame;
+        frame.source = "/device/channels/0/preview";
+        QPixmap red(160, 90);
+        red.fill(Qt::red);
+        picture->onFrame(frame, red);
+        QVERIFY(!picture->pixmap().isNull());
+        QVERIFY(!notice("Preview")->text().contains(QStringLiteral("old")));
+        QTRY_COMPARE(notice("Preview")->text(), QStringLiteral("Picture is 1 s old"));
+        cue("preview", 2);
+        QTRY_VERIFY(picture->pixmap().isNull());
+        QTRY_COMPARE(notice("Preview")->text(), QStringLiteral("No picture from the server"));
+    }
+
+    /// From the link's return to its scene there is a reason for what is grey.
+    void readingTheStateIsAReason()
+    {
+        auto* take = m_fixture->part<TakeButton>("TakeControls-Take-Button");
+        m_fixture->peer.link.socket->disconnectFromHost();
+        QTRY_VERIFY(take->toolTip().startsWith(QStringLiteral("Lost for")));
+        QTRY_VERIFY_WITH_TIMEOUT(m_fixture->peer.session->isConnected(), 10000);
+        QTRY_VERIFY2(take->toolTip().contains(QStringLiteral("is being read")), qPrintable(take->toolTip()));
+    }
+
+private:
+    void cue(const char* playback, int slot) const
+    {
+        const QByteArray url = "brume://collections/1/slots/" + QByteArray::number(slot);
+        m_fixture->set(playback, "sourceMode", "1");
+        m_fixture->set(playback, "media", '"' + url + '"');
+    }
+    PictureNotice* notice(const char* channel) const
+    {
+        return m_fixture->part<PictureNotice>(
+            qPrintable(QString::fromLatin1(channel) + QStringLiteral("-PlaybackWidget-Notice")));
+    }
+
+    QByteArray metadata = R"({"type":"videoFile","isPlayable":true})"; // of the third slot
+    std::unique_ptr<PlayerFixture> m_fixture;
+};
+
+HALCYRA_TEST(TestSpokenStates)
+#include "test_spokenstates.moc"
