@@ -135,6 +135,7 @@ void CsvReader::endRecord()
 {
     if (m_state != State::Broken && !(m_state == State::FieldStart && m_record.fields.empty()))
         endField();
+    m_record.lastLine = m_line;
     Record record = std::exchange(m_record, {});
     m_state = State::FieldStart;
     m_hasCr = false;

@@ -21,6 +21,7 @@ public:
     struct Record
     {
         int line = 0; // on which it begins, from 1
+        int lastLine = 0;
         std::vector<std::string> fields;
         std::string fault; // a clause that says what is wrong; empty for a sound record
     };

@@ -92,6 +92,7 @@ private:
     SourcePlayState state() const;
     void update(MediaItem item);
     void seekTo(double position);
+    std::string nextInList() const;
     void publishProgress(Scene& scene, Object& object, double progress);
 
     Studio& m_studio;

@@ -24,12 +24,15 @@ public:
     /// The list that plays and its entry; the list is 0, and the entry no address, while none does.
     uint playlist() const { return m_playlist; }
     const EntryAddress& playing() const { return m_playing; }
-    EntryAddress next() const { return m_rundown.next(); }
+    /// As the server tells it, or else as the list has it.
+    EntryAddress next() const;
     const Rundown& rundown() const { return m_rundown; }
     /// Seconds left of the entry that plays, 0 or more.
     double left() const;
     /// While the channel is paused every end moves on with the clock.
     bool isRunning() const;
+    /// The server says nothing any more: ends stay where they were last known to be, and are told as such.
+    void setStale(bool stale);
     /// Nothing for an entry that is not about to come by itself.
     std::optional<QDateTime> endOf(const EntryAddress& address) const;
     /// When the list is over, or how it goes on instead, in a few words: "Ends at 21:47:30 (in 00:12:08)".
@@ -57,6 +60,7 @@ Q_SIGNALS:
     void ticked();
 
 private:
+    QString courseText() const;
     void follow();
     void recalculate();
     void tick();
@@ -72,6 +76,8 @@ private:
     uint m_playlist = 0;
     EntryAddress m_playing;
     Rundown m_rundown;
+    bool m_isStale = false;
+    mutable double m_left = -1;
     mutable QDateTime m_zero; // when the entry that plays is over, as last told
 };
 

@@ -163,6 +163,17 @@ QModelIndex PlaylistModel::indexOf(EntryAddress address) const
     return row < 0 ? QModelIndex() : index(row, 0);
 }
 
+std::pair<int, int> PlaylistModel::addressDigits() const
+{
+    int major = 0, minor = 0;
+    for (const Item& item : m_rows.items()) {
+        major = std::max(major, item->address().major);
+        minor = std::max(minor, item->address().minor);
+    }
+    const auto digits = [](int number) { return static_cast<int>(QString::number(number).size()); };
+    return {digits(major), minor > 0 ? digits(minor) : 0};
+}
+
 QModelIndex PlaylistModel::getLeftmostIndex(int row) const
 {
     return index(row, 0);
@@ -370,10 +381,10 @@ void PlaylistModel::emitDataChangedOnRow(int row, int firstColumn, int lastColum
 void PlaylistModel::emitDataChangedFor(const QUrl& mediaUrl, int column)
 {
     doubtOrder();
-    for (const EntryAddress& address : getEntriesUsingMediaUrl(mediaUrl)) {
-        const int row = m_rows.rowOf(address);
-        emitDataChangedOnRow(row, std::max(column, 0), column < 0 ? ColumnCount - 1 : column);
-    }
+    std::vector<int> rows;
+    for (const EntryAddress& address : getEntriesUsingMediaUrl(mediaUrl))
+        rows.push_back(m_rows.rowOf(address));
+    emitDataChangedOn(std::move(rows), std::max(column, 0), column < 0 ? ColumnCount - 1 : column);
 }
 
 void PlaylistModel::warnMissing(uint playlist, EntryAddress address) const

@@ -12,6 +12,7 @@
 
 #include <QAbstractTableModel>
 #include <QHash>
+#include <QPixmap>
 #include <QPointer>
 #include <QSet>
 
@@ -95,6 +96,8 @@ public:
     QList<EntryAddress> getEntryAddresses(const QList<QModelIndex>& indexes) const;
     /// Of the first cell; invalid when there is no such entry.
     QModelIndex indexOf(EntryAddress address) const;
+    /// The most digits that an address here has before and behind its point.
+    std::pair<int, int> addressDigits() const;
     QModelIndex getLeftmostIndex(int row) const;
     QModelIndex getRightmostIndex(int row) const;
 
@@ -108,6 +111,8 @@ public:
     MediaMetadataPtr getMetadata(const GuiPlaylistEntry& entry) const;
     /// In bytes; 0 while it is not known.
     qint64 getMediaSize(const GuiPlaylistEntry& entry) const;
+    /// As the table writes it.
+    static QString sizeText(qint64 bytes);
     QVariant getThumbnail(const GuiPlaylistEntry& entry) const;
     /// Seconds: of the medium, and of what of it is played.
     double getMediaDuration(const GuiPlaylistEntry& entry) const;
@@ -120,6 +125,7 @@ public:
     // As the table shows them, asking nobody for what is not known yet.
     MediaState knownState(const GuiPlaylistEntry& entry) const;
     qint64 knownSize(const GuiPlaylistEntry& entry) const;
+    QPixmap knownThumbnail(const GuiPlaylistEntry& entry) const;
     /// In address order.
     QList<EntryAddress> getEntriesUsingMediaUrl(const QUrl& url) const;
 
@@ -178,7 +184,7 @@ private:
     QVariant editData(const GuiPlaylistEntry& entry, int column) const;
     QVariant rowData(const GuiPlaylistEntry& entry, int role) const;
     void emitDataChangedOnRow(int row, int firstColumn = 0, int lastColumn = ColumnCount - 1);
-    void emitDataChangedOn(std::vector<int> rows);
+    void emitDataChangedOn(std::vector<int> rows, int firstColumn = 0, int lastColumn = ColumnCount - 1);
     void emitDataChangedFor(const QUrl& mediaUrl, int column);
     void warnMissing(uint playlist, EntryAddress address) const;
 

@@ -226,11 +226,11 @@ void PlaylistModel::doubtOrder()
     m_isOrderDoubtful = m_sortColumn != NumberColumn;
 }
 
-void PlaylistModel::emitDataChangedOn(std::vector<int> rows)
+void PlaylistModel::emitDataChangedOn(std::vector<int> rows, int firstColumn, int lastColumn)
 {
     std::ranges::sort(rows);
-    forEachRun(rows, [this](int first, int last) {
-        Q_EMIT dataChanged(index(first, 0), index(last, ColumnCount - 1));
+    forEachRun(rows, [=, this](int first, int last) {
+        Q_EMIT dataChanged(index(first, firstColumn), index(last, lastColumn));
     });
 }
 

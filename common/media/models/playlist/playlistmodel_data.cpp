@@ -56,15 +56,18 @@ QVariant PlaylistModel::displayData(const GuiPlaylistEntry& entry, int column) c
         return shownDuration(entry);
     case TransitionDurationColumn:
         return entry.transitionDuration();
-    case SizeColumn: {
-        const qint64 size = getMediaSize(entry);
-        return size > 0
-                   ? QLocale().formattedDataSize(size, size < 1'000'000 ? 0 : 1, QLocale::DataSizeSIFormat)
-                   : QStringLiteral("0 B");
-    }
+    case SizeColumn:
+        return sizeText(getMediaSize(entry));
     default:
         return {};
     }
+}
+
+QString PlaylistModel::sizeText(qint64 bytes)
+{
+    return bytes > 0
+               ? QLocale().formattedDataSize(bytes, bytes < 1'000'000 ? 0 : 1, QLocale::DataSizeSIFormat)
+               : QStringLiteral("0 B");
 }
 
 QVariant PlaylistModel::editData(const GuiPlaylistEntry& entry, int column) const
@@ -216,6 +219,15 @@ qint64 PlaylistModel::knownSize(const GuiPlaylistEntry& entry) const
         slot && m_aggregator ? m_aggregator->knownMetadata(QUrl(QString::fromStdString(slot->getUrl())))
                              : nullptr;
     return metadata ? metadata->getFileSize().value_or(0) : 0;
+}
+
+QPixmap PlaylistModel::knownThumbnail(const GuiPlaylistEntry& entry) const
+{
+    const MediaSlot* slot = recordOf(entry);
+    const ThumbnailPtr picture =
+        slot && m_aggregator ? m_aggregator->knownThumbnail(QUrl(QString::fromStdString(slot->getUrl())))
+                             : nullptr;
+    return picture ? *picture : QPixmap();
 }
 
 void PlaylistModel::knowUrl(const GuiPlaylistEntry& entry) const
