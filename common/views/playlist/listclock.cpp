@@ -5,7 +5,10 @@
 #include "common/media/items/guimediaslot.h"
 #include "common/media/items/guiplaylist.h"
 #include "common/media/items/guiplaylistentry.h"
+#include "common/media/library/playlistprovider.h"
 #include "common/session/mirror/guiplayback.h"
+#include "common/session/mirror/sceneobjectprovider.h"
+#include "common/session/session.h"
 #include "common/session/settings/timeutils.h"
 #include "util/clocktime.h"
 
@@ -62,6 +65,14 @@ ListClock::ListClock(GUIPlayback* playback, AbstractPlaylistProvider* provider, 
     m_tick.setInterval(tickMs);
     connect(&m_tick, &QTimer::timeout, this, &ListClock::ticked);
     follow();
+}
+
+ListClock* ListClock::ofProgram(Session* session)
+{
+    if (auto* present = session->findChild<ListClock*>(QString(), Qt::FindDirectChildrenOnly))
+        return present;
+    return new ListClock(session->sceneObjectProvider()->programPlayback(), session->playlistProvider(),
+                         session);
 }
 
 void ListClock::follow()

@@ -11,6 +11,7 @@ namespace vantrel {
 
 class AbstractPlaylistProvider;
 class GUIPlayback;
+class Session;
 
 /// When what plays on a channel will be over: the entry, those after it and the list, on the wall clock.
 /// Follows the channel and the library; what it is given must outlive it. Main thread.
@@ -20,6 +21,8 @@ class ListClock : public QObject
 
 public:
     ListClock(GUIPlayback* playback, AbstractPlaylistProvider* provider, QObject* parent = nullptr);
+    /// Program's, the session's own: working out a long list is done once for all who show it.
+    static ListClock* ofProgram(Session* session);
 
     /// The list that plays and its entry; the list is 0, and the entry no address, while none does.
     uint playlist() const { return m_playlist; }

@@ -48,8 +48,7 @@ PlaylistEditor::PlaylistEditor(PlaybackViewMode mode, Session* session, QWidget*
     , m_session(session)
     , m_model(isPreview() ? session->previewPlaylistEditorModel() : session->programPlaylistEditorModel())
     , m_selection(new PlaylistSelectionModel(m_model, this))
-    , m_clock(
-          new ListClock(session->sceneObjectProvider()->programPlayback(), session->playlistProvider(), this))
+    , m_clock(ListClock::ofProgram(session))
     , m_added(new OwnAddition(session->getQUndoStack(), this))
 {
     setObjectName(isPreview() ? QStringLiteral("Preview-PlaylistEditor")

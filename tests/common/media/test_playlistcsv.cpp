@@ -88,8 +88,8 @@ private Q_SLOTS:
                 "11 The line cannot be read: a quote stands inside a field that does not begin with one.\n"
                 "12 The line cannot be read: something follows a closing quote.\n"
                 "14 \"9.05\" is no address: write a number such as 5 or 5.1.\n"
-                "15 The lines up to 17 cannot be read: a quote is never closed."));
-        QCOMPARE(import.problemCount(), 13);
+                "15 The lines up to 16 cannot be read: a quote is never closed."));
+        QCOMPARE(import.problemCount(), 12);
         QCOMPARE(import.entries().size(), 2);
         const PlaylistEntry& last = import.entries()[1].second;
         QCOMPARE(last.getTransitionType(), TakeTransitionType::DirectCut);

@@ -194,7 +194,8 @@ void PlaylistModel::onReset()
 void PlaylistModel::populate()
 {
     clearCachedData();
-    m_isBehind = false;
+    m_isBehind = m_isRearranged = false;
+    m_edited.clear();
     if (m_provider && m_playlist != noPlaylist)
         m_rows.assign(m_provider->entries(m_playlist));
     sortData();
@@ -260,7 +261,7 @@ void PlaylistModel::onPlaylistRemoved(uint playlist)
 
 void PlaylistModel::onEntryAdded(uint playlist, EntryAddress address)
 {
-    if (playlist != m_playlist || !m_provider || isBehind())
+    if (playlist != m_playlist || !m_provider || isBehind(address, false))
         return;
     const auto entry = m_provider->entry(playlist, address);
     if (!entry) {
@@ -277,7 +278,7 @@ void PlaylistModel::onEntryAdded(uint playlist, EntryAddress address)
 
 void PlaylistModel::onEntryChanged(uint playlist, EntryAddress address)
 {
-    if (playlist != m_playlist || !m_provider || isBehind())
+    if (playlist != m_playlist || !m_provider || isBehind(address, true))
         return;
     const int row = m_rows.rowOf(address);
     if (row < 0) {
@@ -298,7 +299,7 @@ void PlaylistModel::onEntryChanged(uint playlist, EntryAddress address)
 
 void PlaylistModel::onEntryRemoved(uint playlist, EntryAddress address)
 {
-    if (playlist != m_playlist || isBehind())
+    if (playlist != m_playlist || isBehind(address, false))
         return;
     const int row = m_rows.rowOf(address);
     if (row < 0) {

@@ -165,7 +165,8 @@ private:
     PlaylistOrder rowOrder() const;
     void sortData();
     void relayout(const QList<Item>& items, const QHash<EntryAddress, EntryAddress>& moved);
-    bool isBehind();
+    bool isBehind(EntryAddress address, bool isEdited);
+    bool takeOverEdits(const std::vector<EntryAddress>& edited);
     void onChangesFinished();
     Difference compare(const QList<Item>& now) const;
     void synchronise();
@@ -199,8 +200,10 @@ private:
     Playing m_programPlaying;
     int m_sortColumn = NumberColumn;
     bool m_isAscending = true;
-    bool m_isChanging = false; // within a patch: what it changes is taken over at its end
-    bool m_isBehind = false;   // and it changes something here
+    bool m_isChanging = false;          // within a patch: what it changes is taken over at its end
+    bool m_isBehind = false;            // and it changes something here
+    bool m_isRearranged = false;        // entries come or go
+    std::vector<EntryAddress> m_edited; // what else there is to take over, as long as it is little
     bool m_isOrderDoubtful = false;
     mutable UrlIndex m_urls;             // of the slots that are played here, and of some that were
     mutable bool m_areUrlsKnown = false; // since somebody asked
