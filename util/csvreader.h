@@ -57,9 +57,9 @@ private:
     std::string m_field;
     int m_line = 1;
     bool m_isAtLineStart = false; // the last byte was the end of a line in a quoted field
-    bool m_hasCr = false;     // a CR outside of quotes waits for its LF
-    std::size_t m_mark = 0;   // bytes of the mark at the start that were seen
-    bool m_isStarted = false; // past the mark
+    bool m_hasCr = false;         // a CR outside of quotes waits for its LF
+    std::size_t m_mark = 0;       // bytes of the mark at the start that were seen
+    bool m_isStarted = false;     // past the mark
 };
 
 } // namespace vantrel
