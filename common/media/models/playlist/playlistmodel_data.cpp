@@ -159,7 +159,7 @@ MediaMetadataPtr PlaylistModel::getMetadata(const GuiPlaylistEntry& entry) const
 qint64 PlaylistModel::getMediaSize(const GuiPlaylistEntry& entry) const
 {
     const MediaMetadataPtr metadata = getMetadata(entry);
-    return metadata ? metadata->getFileSize().value_or(0) : 0;
+    return metadata ? metadata->getFileSize().value_or(0) : knownSize(entry);
 }
 
 QVariant PlaylistModel::getThumbnail(const GuiPlaylistEntry& entry) const
@@ -215,10 +215,7 @@ MediaState PlaylistModel::knownState(const GuiPlaylistEntry& entry) const
 qint64 PlaylistModel::knownSize(const GuiPlaylistEntry& entry) const
 {
     const MediaSlot* slot = recordOf(entry);
-    const MediaMetadataPtr metadata =
-        slot && m_aggregator ? m_aggregator->knownMetadata(QUrl(QString::fromStdString(slot->getUrl())))
-                             : nullptr;
-    return metadata ? metadata->getFileSize().value_or(0) : 0;
+    return slot && m_aggregator ? m_aggregator->knownSize(QUrl(QString::fromStdString(slot->getUrl()))) : 0;
 }
 
 QPixmap PlaylistModel::knownThumbnail(const GuiPlaylistEntry& entry) const
