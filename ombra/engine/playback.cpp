@@ -454,8 +454,7 @@ std::string Playback::nextInList() const
 {
     if (!m_loaded.item || m_loaded.item->mode != SourceMode::Playlist)
         return {};
-    const std::optional<Loaded> next = m_order.beside(m_loaded, 1);
-    return next ? next->url : std::string();
+    return m_order.expectedAfter(m_loaded);
 }
 
 /// A transition always ends at 1 before it goes back to 0, also when no picture fell on its last moment.
