@@ -1,16 +1,19 @@
-// A cue list of 20,000 entries in a table: shown, sorted, edited and moved about, and what it holds in
-// memory. The peer is a plain QStandardItemModel with the same cells, which is filled, sorted and edited
-// without a library behind it.
+// A cue list of 20,000 entries on the screen, as its editor draws it: shown, sorted, scrolled, edited and
+// moved about, and what it holds in memory. The peer is a plain QStandardItemModel with the same cells in a
+// plain table, which is filled, sorted and edited without a library behind it.
 #include "bench/json_library.h"
 #include "common/media/edit/playlist/editplaylistentrycommand.h"
 #include "common/media/edit/playlist/moveplaylistentriescommand.h"
 #include "common/media/models/playlist/playlistmodel.h"
+#include "common/views/playlist/playlistcontainer.h"
+#include "common/views/playlist/playlistview.h"
 #include "tests/support/librarymaker.h"
 #include "tests/support/mediamirror.h"
 
 #include <QApplication>
 #include <QHeaderView>
 #include <QLoggingCategory>
+#include <QScrollBar>
 #include <QStandardItemModel>
 #include <QTableView>
 
@@ -26,6 +29,7 @@ namespace {
 constexpr int entryCount = 20000;
 constexpr int slotCount = 2000;
 constexpr int movedCount = 500;
+constexpr int scrollSteps = 300;
 
 template <typename Base>
 class Unconnected : public Base
@@ -51,7 +55,17 @@ std::size_t heap()
     return mallinfo2().uordblks + mallinfo2().hblkhd;
 }
 
-/// A window with a table, painted.
+constexpr QSize tableSize(900, 700);
+
+/// What the screen owes to what has changed is drawn, once.
+void repaint(QTableView& view)
+{
+    QCoreApplication::sendPostedEvents();
+    QCoreApplication::processEvents();
+    view.viewport()->repaint();
+}
+
+/// A window with a plain table.
 class Table
 {
 public:
@@ -59,22 +73,33 @@ public:
     {
         m_view.verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
         m_view.setSelectionBehavior(QAbstractItemView::SelectRows);
-        m_view.resize(900, 700);
+        m_view.resize(tableSize);
         m_view.show();
         paint();
     }
     void setModel(QAbstractItemModel* model) { m_view.setModel(model); }
-    QTableView& view() { return m_view; }
-    /// What the screen owes to what has changed is drawn, once.
-    void paint()
-    {
-        QCoreApplication::sendPostedEvents();
-        QCoreApplication::processEvents();
-        m_view.viewport()->repaint();
-    }
+    void paint() { repaint(m_view); }
 
 private:
     QTableView m_view;
+};
+
+/// A window with the table of the editor.
+class Screen
+{
+public:
+    Screen()
+    {
+        m_container.resize(tableSize);
+        m_container.show();
+        paint();
+    }
+    void setModel(PlaylistModel* model) { m_container.setModel(model); }
+    QTableView& view() { return *m_container.list(); }
+    void paint() { repaint(view()); }
+
+private:
+    PlaylistContainer m_container{{Preview}, true};
 };
 
 /// Milliseconds; the best of some runs, each after its own preparation.
@@ -125,6 +150,27 @@ public:
                 m_model->sort(column);
                 m_table.paint();
             });
+    }
+    /// The longest of the steps from the top to the end; the best of some ways.
+    double scroll()
+    {
+        m_model->sort(PlaylistModel::NumberColumn);
+        QScrollBar* bar = m_table.view().verticalScrollBar();
+        double least = 1e9;
+        for (int way = 0; way < 3; ++way) {
+            double longest = 0;
+            bar->setValue(0);
+            m_table.paint();
+            for (int step = 1; step <= scrollSteps; ++step) {
+                const int to = static_cast<int>(static_cast<long long>(bar->maximum()) * step / scrollSteps);
+                longest = std::max(longest, bestOf(1, [&] {
+                                                bar->setValue(to);
+                                                m_table.paint();
+                                            }) * 1000);
+            }
+            least = std::min(least, longest);
+        }
+        return least;
     }
     /// transition: of the first entry, which moves the times of all.
     double edit(bool transition)
@@ -177,7 +223,7 @@ public:
 private:
     test::MediaMirror m_mirror;
     std::unique_ptr<PlaylistModel> m_model;
-    Table m_table;
+    Screen m_table;
 };
 
 std::unique_ptr<QStandardItemModel> makePlain()
@@ -299,6 +345,7 @@ int main(int argc, char** argv)
     row("show", ours.show(), plain.show, 100);
     row("sort-name", ours.sort(PlaylistModel::MediaColumn), plain.sort, 50);
     row("sort-duration", ours.sort(PlaylistModel::DurationColumn), 0, 50);
+    row("scroll-longest", ours.scroll(), 0, 16);
     row("edit-entry", ours.edit(false), 0, 5);
     row("edit-times-of-all", ours.edit(true), plain.edit, 16);
     row("move-500", ours.move(), plain.move, 50);

@@ -50,9 +50,11 @@ void CsvReader::take(char c)
     if (m_record.line == 0)
         m_record.line = m_line;
     if (m_state == State::Quoted) {
+        m_isAtLineStart = c == '\n';
         takeQuoted(c);
         return;
     }
+    m_isAtLineStart = false;
     if (c == '\n') {
         m_hasCr = false;
         endRecord();
@@ -135,6 +137,7 @@ void CsvReader::endRecord()
 {
     if (m_state != State::Broken && !(m_state == State::FieldStart && m_record.fields.empty()))
         endField();
+    m_record.lastLine = std::exchange(m_isAtLineStart, false) ? m_line - 1 : m_line;
     Record record = std::exchange(m_record, {});
     m_state = State::FieldStart;
     m_hasCr = false;

@@ -21,6 +21,7 @@ public:
     struct Record
     {
         int line = 0; // on which it begins, from 1
+        int lastLine = 0;
         std::vector<std::string> fields;
         std::string fault; // a clause that says what is wrong; empty for a sound record
     };
@@ -55,9 +56,10 @@ private:
     Record m_record;
     std::string m_field;
     int m_line = 1;
-    bool m_hasCr = false;     // a CR outside of quotes waits for its LF
-    std::size_t m_mark = 0;   // bytes of the mark at the start that were seen
-    bool m_isStarted = false; // past the mark
+    bool m_isAtLineStart = false; // the last byte was the end of a line in a quoted field
+    bool m_hasCr = false;         // a CR outside of quotes waits for its LF
+    std::size_t m_mark = 0;       // bytes of the mark at the start that were seen
+    bool m_isStarted = false;     // past the mark
 };
 
 } // namespace vantrel

@@ -6,7 +6,10 @@
 #include "common/session/session.h"
 #include "tarn/media/medialibrary.h"
 
+#include <algorithm>
 #include <array>
+#include <set>
+#include <string>
 #include <string_view>
 
 namespace vantrel {
@@ -21,6 +24,41 @@ Ref<MediaLibrary> edited(const MediaLibrary& library, const std::function<bool(M
 {
     const auto copy = makeRef<MediaLibrary>(library);
     return edit(*copy) ? copy : Ref<MediaLibrary>();
+}
+
+// What a record is of: with another one in it, it is another record.
+constexpr std::array<std::string_view, 2> identities{"slotUrl", "contentUrl"};
+constexpr std::size_t recordDepth = 4; // "/playlists/1/entries/2", "/collections/1/slots/2"
+
+/// The lists and collections in which a patch puts records elsewhere, adds or takes away some.
+std::set<std::string> rearrangedBy(const Patch& patch)
+{
+    std::set<std::string> containers;
+    for (const PatchOp& op : patch) {
+        const bool isOther = op.path.size() == recordDepth + 1 &&
+                             std::ranges::find(identities, op.path.back().text()) != identities.end();
+        if (op.path.size() == recordDepth)
+            containers.insert(op.path.parent().toString());
+        else if (isOther)
+            containers.insert(op.path.parent().parent().toString());
+    }
+    return containers;
+}
+
+/// What a patch was made on. It tells only what differs: where it moves records, one whose settings happen to
+/// be those of another keeps them where it stands, and so would what somebody has set since. There it is
+/// whole records that count.
+PatchBase baseOf(const Json& document, const Patch& patch)
+{
+    const std::set<std::string> rearranged = rearrangedBy(patch);
+    return {document, patch, foundMembers, [&](const Path& path) {
+                Path record = path;
+                while (record.size() > recordDepth)
+                    record = record.parent();
+                const bool isIn =
+                    record.size() == recordDepth && rearranged.contains(record.parent().toString());
+                return isIn ? record : path;
+            }};
 }
 
 /// Both ways of an edit. Without an inverse of its own it is taken back as it was done.
@@ -39,8 +77,8 @@ bool rehearsed(const MediaLibrary& library, const std::function<bool(MediaLibrar
     } else {
         Patch::diff(before, done, made.redo, made.undo);
     }
-    made.before = PatchBase(before, made.redo, foundMembers);
-    made.after = PatchBase(done, made.undo, foundMembers);
+    made.before = baseOf(before, made.redo);
+    made.after = baseOf(done, made.undo);
     return true;
 }
 

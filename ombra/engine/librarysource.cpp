@@ -39,6 +39,13 @@ MediaItem toItem(const MediaSlot& slot)
     return item;
 }
 
+/// Whether nothing in them differs; copies of a library share what no edit has touched.
+template <typename Record>
+bool isSame(const Record& one, const Record* other)
+{
+    return other && one.toJson().sameNode(other->toJson());
+}
+
 /// How slots and entries are walked, found and told apart.
 struct Slots
 {
@@ -50,9 +57,11 @@ struct Slots
         return library.findSlot(at.collection, at.slot);
     }
     template <typename Visit>
-    static void forEach(const MediaLibrary& library, const Visit& visit)
+    static void forEach(const MediaLibrary& library, const MediaLibrary& other, const Visit& visit)
     {
         for (const auto& [index, collection] : library.getCollections()) {
+            if (isSame(collection, other.findCollection(index)))
+                continue;
             for (const auto& [number, slot] : collection.getSlots())
                 visit(slot, [&] { return MediaAddress(index, number).toString(); });
         }
@@ -69,9 +78,11 @@ struct Entries
         return library.findPlaylistEntry(source.getPlaylistNumber(), source.getEntryAddress());
     }
     template <typename Visit>
-    static void forEach(const MediaLibrary& library, const Visit& visit)
+    static void forEach(const MediaLibrary& library, const MediaLibrary& other, const Visit& visit)
     {
         for (const auto& [number, playlist] : library.getPlaylists()) {
+            if (isSame(playlist, other.findPlaylist(number)))
+                continue;
             for (const auto& [address, entry] : playlist.getEntries())
                 visit(entry, [&] { return entryUrl(number, address); });
         }
@@ -85,7 +96,7 @@ std::vector<std::string> placesOf(const typename Kind::Record& record, const Med
                                   const MediaLibrary& other)
 {
     std::vector<std::string> places;
-    Kind::forEach(library, [&](const typename Kind::Record& candidate, const auto& urlOf) {
+    Kind::forEach(library, other, [&](const typename Kind::Record& candidate, const auto& urlOf) {
         if (!(candidate == record))
             return;
         const std::string url = urlOf();

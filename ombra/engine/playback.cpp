@@ -474,8 +474,10 @@ void Playback::publish(Scene& scene)
     const Ref<Object> keep(object);
     const std::optional<MediaItem>& item = m_loaded.item;
     const bool named = !m_loaded.held;
-    put(scene, *object, "media", Variant::from(named ? m_loaded.url : std::string()));
+    // First, so that nobody sees neither of the two.
     put(scene, *object, "heldMedia", Variant::from(named ? std::string() : item->contentUrl));
+    put(scene, *object, "media", Variant::from(named ? m_loaded.url : std::string()));
+    put(scene, *object, "nextMedia", Variant::from(nextInList()));
     put(scene, *object, "sourceMode", Variant::from(item && named ? item->mode : SourceMode::None));
     put(scene, *object, "endAction", Variant::from(m_loaded.endAction));
     put(scene, *object, "waitsToPlay", Variant::from(waits)); // before the state, which is kept by it
@@ -487,6 +489,13 @@ void Playback::publish(Scene& scene)
     put(scene, *object, "mediaPosition", Variant::from(wholeNanoseconds(position)));
     put(scene, *object, "resourceConstrained", Variant::from(constrained));
     publishProgress(scene, *object, progress);
+}
+
+std::string Playback::nextInList() const
+{
+    if (!m_loaded.item || m_loaded.item->mode != SourceMode::Playlist)
+        return {};
+    return m_order.expectedAfter(m_loaded);
 }
 
 /// A transition always ends at 1 before it goes back to 0, also when no picture fell on its last moment.

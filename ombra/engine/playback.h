@@ -94,6 +94,7 @@ private:
     void adopt(MediaItem item);
     void loadAnew();
     void seekTo(double position);
+    std::string nextInList() const;
     void publishProgress(Scene& scene, Object& object, double progress);
 
     Studio& m_studio;

@@ -42,6 +42,16 @@ std::optional<Loaded> RunningOrder::beside(const Loaded& loaded, int direction) 
     return std::nullopt;
 }
 
+std::string RunningOrder::expectedAfter(const Loaded& loaded) const
+{
+    for (std::string url = loaded.next; !url.empty(); url = m_source.neighbour(url, 1)) {
+        const std::optional<MediaItem> item = m_source.resolve(url);
+        if (item && item->playable && !hasFailed(*item))
+            return url;
+    }
+    return {};
+}
+
 bool RunningOrder::followEdit(Loaded& loaded, std::optional<MediaItem>& item) const
 {
     const std::string place = m_source.whereabouts(loaded.url);

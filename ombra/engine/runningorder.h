@@ -40,6 +40,8 @@ public:
     std::optional<Loaded> after(const Loaded& loaded) const;
     /// The nearest one after (direction 1) or before (-1) it; nothing where there is none.
     std::optional<Loaded> beside(const Loaded& loaded, int direction) const;
+    /// Where the one after it is that is expected to play: what is known to fail is not waited for.
+    std::string expectedAfter(const Loaded& loaded) const;
     /// Follows the library's newest edit: true when it has the medium, be it elsewhere. Otherwise only the
     /// neighbours are followed, and item is what has come in its place.
     bool followEdit(Loaded& loaded, std::optional<MediaItem>& item) const;

@@ -37,18 +37,22 @@ bool readsFrom(const PatchOp& op)
 
 } // namespace
 
-PatchBase::PatchBase(const Json& document, const Patch& patch, std::span<const std::string_view> unminded)
+PatchBase::PatchBase(const Json& document, const Patch& patch, std::span<const std::string_view> unminded,
+                     const std::function<Path(const Path&)>& widened)
     : m_unminded(unminded)
 {
+    const auto wide = [&](const Path& path) { return widened ? widened(path) : path; };
     for (const PatchOp& op : patch) {
-        add(document, op.path);
+        add(document, wide(op.path));
         if (readsFrom(op))
-            add(document, op.from);
+            add(document, wide(op.from));
     }
 }
 
 void PatchBase::add(const Json& document, const Path& path)
 {
+    if (!m_places.empty() && m_places.back().path == path)
+        return; // several members of one record
     const Json* const value = find(document, path);
     m_places.push_back({path, value ? std::optional(*value) : std::nullopt});
 }
@@ -95,12 +99,13 @@ bool PatchBase::holds(const Json& document) const
     return std::ranges::all_of(m_places, [&](const Place& place) { return holdsAt(document, place); });
 }
 
-bool PatchBase::conflicts(const Json& document, const Patch& patch) const
+bool PatchBase::conflicts(const Json& document, const Patch& patch,
+                          const std::function<bool(const Path&)>& isKept) const
 {
     return std::ranges::any_of(m_places, [&](const Place& place) {
-        return !holdsAt(document, place) && std::any_of(patch.begin(), patch.end(), [&](const PatchOp& op) {
-            return overlap(op.path, place.path);
-        });
+        const auto touches = [&](const PatchOp& op) { return overlap(op.path, place.path); };
+        return !holdsAt(document, place) && std::any_of(patch.begin(), patch.end(), touches) &&
+               !(isKept && isKept(place.path));
     });
 }
 

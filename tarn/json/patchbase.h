@@ -2,6 +2,7 @@
 
 #include "tarn/json/patch.h"
 
+#include <functional>
 #include <optional>
 #include <span>
 #include <string_view>
@@ -18,13 +19,17 @@ public:
     PatchBase() = default; // of no patch: holds everywhere
     /// unminded: names of members that nobody writes by hand; wherever they stand, their values may differ.
     /// Must outlive this.
-    PatchBase(const Json& document, const Patch& patch, std::span<const std::string_view> unminded = {});
+    /// widened: what of the document an operation's path stands for, that path or one that leads to it.
+    PatchBase(const Json& document, const Patch& patch, std::span<const std::string_view> unminded = {},
+              const std::function<Path(const Path&)>& widened = {});
 
     bool empty() const noexcept { return m_places.empty(); }
     bool holds(const Json& document) const;
     /// Whether a patch writes at, above or below a place where the document differs from this base: it would
-    /// overwrite what somebody else did.
-    bool conflicts(const Json& document, const Patch& patch) const;
+    /// overwrite what somebody else did. isKept: whether what stands at such a place is there afterwards all
+    /// the same.
+    bool conflicts(const Json& document, const Patch& patch,
+                   const std::function<bool(const Path&)>& isKept = {}) const;
 
 private:
     struct Place

@@ -87,6 +87,9 @@ void declarePlayback(Types& types)
         .readOnly("waitsToPlay", Variant::from(false))
         // The content URL of what plays on though the library has it no more; empty otherwise.
         .readOnly("heldMedia", Variant::from(std::string()))
+        // The entry after the one that plays in its list, without those that cannot be played; empty where
+        // none follows, or no list plays.
+        .readOnly("nextMedia", Variant::from(std::string()))
         .methods({"playMedia", "seekMedia", "step", "seekInpoint", "seekOutpoint", "prevMedia", "nextMedia",
                   "selectAudioDevice"});
 

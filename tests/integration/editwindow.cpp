@@ -65,11 +65,15 @@ private:
             command = m_operator.next(session().mediaLibrary());
         if (!command)
             return "nothing to edit";
-        const bool isMarked =
-            command->redoPatch().toJson().toString().find(mark.toStdString()) != std::string::npos;
+        const QByteArray patch = QByteArray::fromStdString(command->redoPatch().toJson().toString());
+        const bool isMarked = patch.contains(mark.toUtf8());
+        static const QByteArray kept =
+            "\"/playlists/" + QByteArray::number(keptList) + "/entries/"; // the path of what it touches
+        const bool isKept = isMarked && patch.contains(kept);
         command->setText(command->text() + u' ' + mark);
         session().executeCommand(command.release());
-        return isMarked ? mark.toUtf8() : QByteArray("unmarked");
+        const QByteArray answer = isMarked ? mark.toUtf8() : QByteArray("unmarked");
+        return isKept ? answer + ' ' + QByteArray::number(patch.count(mark.toUtf8())) : answer;
     }
 
     /// An undo that its command has nothing for takes the command off the stack.

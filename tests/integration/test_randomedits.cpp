@@ -1,4 +1,5 @@
 #include "tests/integration/editwindow.h"
+#include "tests/integration/randomoperator.h"
 #include "tests/support/delayproxy.h"
 #include "tests/support/ombraprocess.h"
 #include "tests/support/testmain.h"
@@ -38,6 +39,15 @@ public:
         const std::unique_ptr<QNetworkReply> reply(
             m_manager.get(QNetworkRequest(address(QStringLiteral("medialibrary")))));
         return QTest::qWaitFor([&] { return reply->isFinished(); }, 10000) ? reply->readAll() : QByteArray();
+    }
+    /// An edit by nobody's window.
+    bool patch(const QByteArray& operations)
+    {
+        QNetworkRequest request(address(QStringLiteral("medialibrary")));
+        request.setHeader(QNetworkRequest::ContentTypeHeader, QStringLiteral("application/json"));
+        const std::unique_ptr<QNetworkReply> reply(m_manager.sendCustomRequest(request, "PATCH", operations));
+        return QTest::qWaitFor([&] { return reply->isFinished(); }, 10000) &&
+               reply->error() == QNetworkReply::NoError;
     }
 
 private:
@@ -89,19 +99,21 @@ private:
         DelayProxy http;
         DelayProxy link;
         EditWindow window;
-        QSet<QByteArray> made;   // marks of what was edited
-        QSet<QByteArray> undone; // and of what was taken back or made again since
+        QSet<QByteArray> made;       // marks of what was edited
+        QSet<QByteArray> undone;     // and of what was taken back or made again since
+        QHash<QByteArray, int> kept; // how many entries of keptList carry the mark
     };
 
     void act(Line& line);
     void cut(Line& line);
     void settle();
     void judge(Line& line);
+    void judgeKept(Line& line);
 
     QRandomGenerator m_random;
     std::unique_ptr<Witness> m_witness;
     std::vector<std::unique_ptr<Line>> m_lines;
-    int m_seen = 0, m_told = 0;
+    int m_seen = 0, m_told = 0, m_kept = 0;
 };
 
 void TestRandomEdits::act(Line& line)
@@ -109,8 +121,14 @@ void TestRandomEdits::act(Line& line)
     const int kind = m_random.bounded(10);
     const auto answer = line.window.ask(kind < 6 ? "edit" : kind < 8 ? "undo" : "redo");
     QVERIFY2(answer, "a window is gone");
-    if (answer->startsWith('#'))
-        (kind < 6 ? line.made : line.undone).insert(*answer);
+    const QByteArrayList words = answer->split(' ');
+    const QByteArray& mark = words.first();
+    if (mark.startsWith('#'))
+        (kind < 6 ? line.made : line.undone).insert(mark);
+    if (words.size() > 1)
+        line.kept.insert(mark, words[1].toInt());
+    if (kind >= 6)
+        line.kept.remove(mark);
     if (m_random.bounded(4) == 0)
         QVERIFY(line.window.ask("settle")); // else several are under way at once
 }
@@ -167,9 +185,21 @@ void TestRandomEdits::judge(Line& line)
                  "there, and refused: " + mark);
         m_seen += isSeen;
         m_told += isTold;
+        if (!isSeen)
+            line.kept.remove(mark);
     }
     line.made.clear();
     line.undone.clear();
+}
+
+/// Whatever anybody did to the list since, every entry that was added is there, and once.
+void TestRandomEdits::judgeKept(Line& line)
+{
+    const QByteArray library = m_witness->library();
+    for (auto kept = line.kept.cbegin(); kept != line.kept.cend(); ++kept, ++m_kept)
+        QVERIFY2(library.count(kept.key()) == kept.value(), QByteArray::number(library.count(kept.key())) +
+                                                                " of " + kept.key() + " are there, not " +
+                                                                QByteArray::number(kept.value()));
 }
 
 void TestRandomEdits::allHoldTheSame()
@@ -190,6 +220,9 @@ void TestRandomEdits::allHoldTheSame()
     QVERIFY2(server.start(), server.output().constData());
     m_witness = std::make_unique<Witness>(server.ports().http);
     QTRY_VERIFY_WITH_TIMEOUT(m_witness->isListening(), 10000);
+    const QByteArray list = QByteArray::number(keptList);
+    QVERIFY(m_witness->patch("[{\"op\":\"add\",\"path\":\"/playlists/" + list +
+                             "\",\"value\":{\"name\":\"kept\",\"entries\":{}}}]"));
     for (const quint32 window : {10, 20})
         m_lines.push_back(std::make_unique<Line>(server.ports(), seed + window));
     for (const auto& line : m_lines)
@@ -207,14 +240,18 @@ void TestRandomEdits::allHoldTheSame()
         }
         if (!QTest::currentTestFailed())
             settle();
+        m_kept = 0;
         for (const auto& line : m_lines)
             if (!QTest::currentTestFailed())
                 judge(*line);
+        for (const auto& line : m_lines)
+            if (!QTest::currentTestFailed())
+                judgeKept(*line);
         if (QTest::currentTestFailed())
             qInfo("failed in round %d of seed %u", round, seed);
     }
-    qInfo("%d rounds: %d edits there, %d refused aloud", last, m_seen, m_told);
-    QVERIFY(m_seen > last);
+    qInfo("%d rounds: %d edits there, %d refused aloud, %d entries kept", last, m_seen, m_told, m_kept);
+    QVERIFY(m_seen > last && m_kept > 0);
     m_lines.clear();
     m_witness.reset();
 }

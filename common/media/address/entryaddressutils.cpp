@@ -9,6 +9,7 @@ namespace vantrel {
 namespace {
 
 constexpr long long maxRange = 100'000;
+constexpr qsizetype maxEntries = 200'000; // of all ranges: more than any list holds
 
 EntryAddress parsed(const QString& text)
 {
@@ -32,6 +33,30 @@ void appendRange(QList<EntryAddress>& entries, EntryAddress first, EntryAddress 
 }
 
 } // namespace
+
+EntryAddress EntryAddressUtils::typed(const QString& text)
+{
+    const qsizetype point = text.indexOf(u'.');
+    const QString decimal = point < 0 ? QString() : text.mid(point + 1).trimmed();
+    return decimal.size() > 1 && decimal.startsWith(u'0') ? EntryAddress() : parsed(text);
+}
+
+bool EntryAddressUtils::isAmbiguous(const QString& ranges)
+{
+    for (const QString& part : ranges.split(u',', Qt::SkipEmptyParts)) {
+        const QStringList ends = part.split(u'-', Qt::SkipEmptyParts);
+        for (const QString& end : ends) {
+            if (parsed(end).isValid() && !typed(end).isValid())
+                return true;
+        }
+        if (ends.size() < 2)
+            continue;
+        const EntryAddress first = parsed(ends.first()), last = parsed(ends.last());
+        if (first.major != last.major && (first.minor != 0 || last.minor != 0))
+            return true;
+    }
+    return false;
+}
 
 bool EntryAddressUtils::areEntriesAdjacent(EntryAddress a, EntryAddress b)
 {
@@ -84,6 +109,8 @@ QList<EntryAddress> EntryAddressUtils::rangesToEntries(const QString& text)
         if (ends.isEmpty())
             continue;
         appendRange(entries, parsed(ends.first()), parsed(ends.last()));
+        if (entries.size() > maxEntries)
+            break;
     }
     return entries;
 }

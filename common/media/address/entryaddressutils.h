@@ -13,6 +13,12 @@ class EntryAddressUtils
 public:
     EntryAddressUtils() = delete;
 
+    /// An address as people write it; invalid where it could be taken for another one: the decimal is a whole
+    /// number, and 3.05 would be 3.5.
+    static EntryAddress typed(const QString& text);
+    /// Whether ranges hold such an address, or go from one with a decimal to another whole number.
+    static bool isAmbiguous(const QString& ranges);
+
     /// Whether b directly follows a, counting in whole numbers or in decimals.
     static bool areEntriesAdjacent(EntryAddress a, EntryAddress b);
     /// What two addresses step by: 2 for decimals of one number, 1 for whole numbers.

@@ -31,6 +31,9 @@ public:
     double runtimeBefore() const { return m_runtimeBefore; }
     double runtimeAfter() const { return m_runtimeAfter; }
     void setRuntimes(double before, double after);
+    /// Whether its slot is there and can be played; a list passes over one that cannot. Not in its JSON.
+    bool isPlayable() const { return m_isPlayable; }
+    void setPlayable(bool playable) { m_isPlayable = playable; }
 
     /// The library's record of this entry, for commands.
     PlaylistEntry toSdkEntry() const;
@@ -43,6 +46,7 @@ private:
     QString m_slotUrl;
     EndAction m_endAction = EndAction::Next;
     TakeTransitionType m_transitionType = TakeTransitionType::DirectCut;
+    bool m_isPlayable = true;
     double m_transitionDuration = 0;
     double m_runtimeBefore = 0;
     double m_runtimeAfter = 0;

@@ -42,6 +42,32 @@ DiffApiError answerOf(QNetworkReply& reply)
     return answer;
 }
 
+const Json* nodeAt(const Json& document, const Path& path, std::size_t depth)
+{
+    const Json* node = &document;
+    for (std::size_t i = 0; node && i < depth; ++i)
+        node = node->isObject() ? node->find(path[i].text()) : nullptr;
+    return node;
+}
+
+/// Whether the record that stands at a place is still in its list or collection afterwards, be it elsewhere.
+bool isRecordKept(const Json& before, const Json& after, const Path& place)
+{
+    constexpr std::size_t recordDepth = 4;
+    const Json* const record = place.size() == recordDepth ? nodeAt(before, place, recordDepth) : nullptr;
+    const Json* const from = record ? nodeAt(before, place, recordDepth - 1) : nullptr;
+    const Json* const to = record ? nodeAt(after, place, recordDepth - 1) : nullptr;
+    const auto count = [record](const Json& container) {
+        int found = 0;
+        container.forEachMember([&](std::string_view, const Json& value) {
+            found += value == *record;
+            return true;
+        });
+        return found;
+    };
+    return from && to && count(*to) >= count(*from);
+}
+
 } // namespace
 
 const Patch& EditQueue::Entry::patch() const
@@ -144,7 +170,11 @@ bool EditQueue::prepare(Entry& entry)
         refuseFirst(tr("The library has changed meanwhile, and it does not fit any more."));
         return false;
     }
-    if (edit.before.conflicts(now, anew.redo)) {
+    MediaLibrary after(m_api->library());
+    after.applyDiff(anew.redo);
+    const Json then = after.toJson();
+    if (edit.before.conflicts(now, anew.redo,
+                              [&](const Path& place) { return isRecordKept(now, then, place); })) {
         refuseFirst(overtaken);
         return false;
     }

@@ -1,7 +1,7 @@
 #include "common/media/library/entrytable.h"
 
 #include "common/media/items/guiplaylistentry.h"
-#include "tarn/media/playlistruntime.h"
+#include "tarn/media/medialibrary.h"
 
 #include <algorithm>
 #include <type_traits>
@@ -21,7 +21,7 @@ void EntryTable::clear()
 
 void EntryTable::put(const Item& item)
 {
-    Row row{item, MediaAddress(), unknown};
+    Row row{item, MediaAddress()};
     row.slot.parseString(item->slotUrl().toStdString());
     addUser(row);
     const auto [at, isNew] = m_rows[item->playlistNumber()].try_emplace(item->address(), row);
@@ -127,6 +127,14 @@ QList<EntryTable::Place> EntryTable::usersOfCollection(uint collection) const
     return users;
 }
 
+void EntryTable::learn(Row& row, const MediaLibrary& library)
+{
+    row.duration = playedDuration(library, row.item->slotUrl().toStdString());
+    const MediaSlot* slot =
+        row.slot.isValid() ? library.findSlot(row.slot.collection, row.slot.slot) : nullptr;
+    row.isPlayable = slot && slot->getIsPlayable();
+}
+
 EntryTable::Times EntryTable::updateRuntimes(uint playlist, const MediaLibrary& library)
 {
     Times times;
@@ -138,13 +146,15 @@ EntryTable::Times EntryTable::updateRuntimes(uint playlist, const MediaLibrary& 
         const GuiPlaylistEntry& entry = *row.item;
         // Who names no slot is told of none.
         if (row.duration == unknown || !row.slot.isValid())
-            row.duration = playedDuration(library, entry.slotUrl().toStdString());
+            learn(row, library);
         const EntryRuntime runtime =
             clock.next(entry.address(), entry.transitionType(), entry.transitionDuration(), row.duration);
-        if (entry.runtimeBefore() == runtime.runtimeBefore && entry.runtimeAfter() == runtime.runtimeAfter)
+        if (entry.runtimeBefore() == runtime.runtimeBefore && entry.runtimeAfter() == runtime.runtimeAfter &&
+            entry.isPlayable() == row.isPlayable)
             continue;
         const auto item = std::make_shared<GuiPlaylistEntry>(entry);
         item->setRuntimes(runtime.runtimeBefore, runtime.runtimeAfter);
+        item->setPlayable(row.isPlayable);
         row.item = item;
         times.moved.append(runtime.address);
     }

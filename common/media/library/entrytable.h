@@ -50,7 +50,7 @@ public:
         double total = 0; // seconds, as of PlaylistRuntimeInfo
         bool isInfinite = false;
     };
-    /// Works them out anew; asks the library only for the durations that are not known.
+    /// Works them out anew, and which entries can be played; asks the library only for what is not known.
     Times updateRuntimes(uint playlist, const MediaLibrary& library);
     /// The slots of these entries are others.
     void forgetDurations(const QList<Place>& places);
@@ -62,11 +62,13 @@ private:
         Item item;
         MediaAddress slot;
         double duration = unknown; // what of the slot is played, seconds
+        bool isPlayable = true;    // known with the duration
     };
     // A patch adds or removes thousands one by one: each must cost the same wherever it stands.
     using Rows = std::map<EntryAddress, Row>;
     static constexpr double unknown = -1;
 
+    static void learn(Row& row, const MediaLibrary& library);
     Row* row(uint playlist, EntryAddress address);
     const Row* row(uint playlist, EntryAddress address) const;
     void addUser(const Row& row);

@@ -30,8 +30,10 @@ MediaDataAggregator::MediaDataAggregator(MetadataProvider* metadataProvider,
 {
     connect(metadataProvider, &MetadataProvider::metadataChanged, this,
             &MediaDataAggregator::handleMetadataChanged);
-    connect(metadataProvider, &MetadataProvider::metadataInvalidated, this,
-            &MediaDataAggregator::metadataInvalidated);
+    connect(metadataProvider, &MetadataProvider::metadataInvalidated, this, [this](const QUrl& mediaUrl) {
+        m_sizes.remove(mediaUrl);
+        Q_EMIT metadataInvalidated(mediaUrl);
+    });
     connect(thumbnailProvider, &ThumbnailProvider::thumbnailChanged, this,
             &MediaDataAggregator::handleThumbnailChanged);
     connect(thumbnailProvider, &ThumbnailProvider::thumbnailInvalidated, this,
@@ -145,12 +147,15 @@ void MediaDataAggregator::invalidateAllData()
 {
     if (m_thumbnailProvider)
         m_thumbnailProvider->invalidateAll();
+    m_sizes.clear();
     if (m_metadataProvider)
         m_metadataProvider->invalidateAll();
 }
 
 void MediaDataAggregator::handleMetadataChanged(const QUrl& mediaUrl, const MediaMetadataPtr& metadata)
 {
+    if (metadata && metadata->getFileSize())
+        m_sizes.insert(mediaUrl, *metadata->getFileSize());
     if (m_thumbnailProvider && !knownThumbnail(mediaUrl))
         Q_EMIT thumbnailChanged(mediaUrl, selectPlaceholderThumbnailForMetadata(metadata));
     if (m_stateProvider)

@@ -4,6 +4,7 @@
 #include "common/media/net/metadataprovider.h"
 #include "common/media/net/thumbnailprovider.h"
 
+#include <QHash>
 #include <QObject>
 #include <QPointer>
 #include <QStringList>
@@ -30,6 +31,8 @@ public:
     /// What is here already, asking nobody; null for none.
     ThumbnailPtr knownThumbnail(const QUrl& mediaUrl) const;
     MediaMetadataPtr knownMetadata(const QUrl& mediaUrl) const;
+    /// Of the file, in bytes, as last told, however long ago; 0 while nobody has told.
+    qint64 knownSize(const QUrl& mediaUrl) const { return m_sizes.value(mediaUrl); }
     MediaState mediaState(const QUrl& mediaUrl) const;
     MediaState metadataMediaState(const QUrl& mediaUrl);
     MediaState previewMediaState(int channel) const;
@@ -60,6 +63,7 @@ private:
     QPointer<MetadataProvider> m_metadataProvider;
     QPointer<ThumbnailProvider> m_thumbnailProvider;
     QPointer<MediaStateProvider> m_stateProvider;
+    QHash<QUrl, qint64> m_sizes; // of more files than metadata is kept of
     ThumbnailPtr m_genericPlaceholder;
     ThumbnailPtr m_imagePlaceholder;
     ThumbnailPtr m_audioPlaceholder;

@@ -50,6 +50,7 @@ void GUIPlayback::cacheProperties()
     m_info = {
         .media = find("media"),
         .heldMedia = find("heldMedia"),
+        .nextMedia = find("nextMedia"),
         .endAction = find("endAction"),
         .sourceMode = find("sourceMode"),
         .audioDevice = find("audioDevice"),

@@ -23,6 +23,7 @@ class GUIPlayback : public SceneObjectWrapper
     Q_OBJECT
     Q_PROPERTY(QString media READ media WRITE setMedia NOTIFY mediaChanged)
     Q_PROPERTY(QString heldMedia READ heldMedia NOTIFY heldMediaChanged)
+    Q_PROPERTY(QString nextMedia READ nextMedia NOTIFY nextMediaChanged)
     Q_PROPERTY(vantrel::EndAction endAction READ endAction WRITE setEndAction NOTIFY endActionChanged)
     Q_PROPERTY(vantrel::SourceMode sourceMode READ sourceMode NOTIFY sourceModeChanged)
     Q_PROPERTY(vantrel::AudioPlaybackDevice audioDevice READ audioDevice WRITE setAudioDevice NOTIFY
@@ -46,6 +47,9 @@ public:
     void setMedia(const QString& url);
     /// The content URL of what plays on though the library has it no more; empty while it has.
     QString heldMedia() const { return getProperty<QString>(m_info.heldMedia); }
+    /// The entry that comes next in the list that plays, as the server will have it; empty where none does,
+    /// and with a server that does not tell.
+    QString nextMedia() const { return getProperty<QString>(m_info.nextMedia); }
     EndAction endAction() const { return getProperty<EndAction>(m_info.endAction); }
     void setEndAction(EndAction value) { setProperty(m_info.endAction, value); }
     SourceMode sourceMode() const { return getProperty<SourceMode>(m_info.sourceMode); }
@@ -80,6 +84,7 @@ public:
 Q_SIGNALS:
     void mediaChanged();
     void heldMediaChanged();
+    void nextMediaChanged();
     void endActionChanged();
     void sourceModeChanged();
     void audioDeviceChanged();
@@ -107,6 +112,7 @@ private:
     {
         const PropertyInfo* media = nullptr;
         const PropertyInfo* heldMedia = nullptr;
+        const PropertyInfo* nextMedia = nullptr;
         const PropertyInfo* endAction = nullptr;
         const PropertyInfo* sourceMode = nullptr;
         const PropertyInfo* audioDevice = nullptr;

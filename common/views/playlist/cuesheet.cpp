@@ -1,25 +1,30 @@
 #include "common/views/playlist/cuesheet.h"
 
+#include "common/media/address/mediautils.h"
+#include "common/media/items/abstractplaylistprovider.h"
 #include "common/media/items/guiplaylistentry.h"
 #include "common/media/models/playlist/playlistmodel.h"
 #include "common/session/settings/timeutils.h"
 #include "util/clocktime.h"
 
+#include <QBuffer>
 #include <QCoreApplication>
 #include <QDateTime>
 #include <QFont>
+#include <QHash>
 #include <QLocale>
 #include <QPageSize>
 #include <QPainter>
 #include <QPdfWriter>
 #include <QPixmap>
+#include <QSaveFile>
 
 #include <array>
 #include <cmath>
 
 namespace vantrel {
 
-using Column = PlaylistModel::Column;
+using media::MediaUtils;
 
 namespace {
 
@@ -66,23 +71,55 @@ struct CueSheet::Page
     }
 };
 
-CueSheet::CueSheet(const PlaylistModel* model, const QString& title)
-    : m_model(model)
-    , m_title(title)
+CueSheet::CueSheet(const PlaylistModel& model, const QString& title)
+    : m_title(title)
 {
+    QHash<QString, qsizetype> known;
+
+    for (const Entry& entry : model.playlistProvider()->entries(model.playlistNumber())) {
+        const auto [at, end] = known.equal_range(entry->slotUrl());
+        const qsizetype medium = at != end ? *at : m_media.size();
+        if (medium == m_media.size()) {
+            m_media.append({entry, model.mediaName(*entry), model.shownDuration(*entry), {}});
+            known.insert(entry->slotUrl(), medium);
+        }
+        m_rows.append({entry, medium});
+    }
 }
 
-bool CueSheet::savePdf(const QString& fileName) const
+qsizetype CueSheet::takePictures(const PlaylistModel& model, bool ask)
 {
-    QPdfWriter writer(fileName);
+    qsizetype missing = 0;
+    for (Medium& medium : m_media) {
+        if (!medium.picture.isNull())
+            continue;
+        medium.picture = model.knownThumbnail(*medium.entry).toImage();
+        missing += medium.picture.isNull();
+        if (ask && medium.picture.isNull())
+            model.getThumbnail(*medium.entry);
+    }
+    return missing;
+}
+
+QString CueSheet::savePdf(const QString& fileName, const Progress& progress) const
+{
+    QSaveFile file(fileName);
+    if (!file.open(QIODevice::WriteOnly))
+        return file.errorString();
+    QBuffer pdf;
+    pdf.open(QIODevice::WriteOnly);
+    QPdfWriter writer(&pdf);
     writer.setTitle(m_title);
     writer.setPageSize(QPageSize(QPageSize::A4));
     writer.setPageMargins(QMarginsF(12, 12, 12, 12), QPageLayout::Millimeter);
     writer.setResolution(72); // text and lines have none, and pictures keep their own
-    return print(&writer);
+    if (!print(&writer, progress))
+        return translated("it was ended");
+    file.write(pdf.data());
+    return file.commit() ? QString() : file.errorString();
 }
 
-bool CueSheet::print(QPagedPaintDevice* device) const
+bool CueSheet::print(QPagedPaintDevice* device, const Progress& progress) const
 {
     QPainter painter;
     if (!painter.begin(device))
@@ -92,15 +129,15 @@ bool CueSheet::print(QPagedPaintDevice* device) const
     QFont font(QStringLiteral("Inter"));
     font.setPixelSize(10);
     painter.setFont(font);
-    const int onPage = std::max(1, int((page.size.height() - headHeight) / rowHeight));
-    for (int row = 0; row == 0 || row < m_model->rowCount(); ++row) {
-        if (row % onPage == 0) {
-            if (row > 0 && !device->newPage())
-                return false;
-            printHead(page, row / onPage + 1);
-        }
-        if (row < m_model->rowCount())
-            printRow(page, row, headHeight + (row % onPage) * rowHeight);
+    const qsizetype onPage = std::max(1, int((page.size.height() - headHeight) / rowHeight));
+    const int pages = std::max(1, int((m_rows.size() + onPage - 1) / onPage));
+    for (int number = 1; number <= pages; ++number) {
+        if ((progress && !progress(number, pages)) || (number > 1 && !device->newPage()))
+            return false;
+        printHead(page, number);
+        const qsizetype first = (number - 1) * onPage;
+        for (qsizetype row = first; row < std::min(first + onPage, m_rows.size()); ++row)
+            printRow(page, m_rows[row], headHeight + qreal(row - first) * rowHeight);
     }
     return painter.end();
 }
@@ -127,30 +164,26 @@ void CueSheet::printHead(const Page& page, int number) const
     painter.setFont(normal);
 }
 
-void CueSheet::printRow(const Page& page, int row, qreal y) const
+void CueSheet::printRow(const Page& page, const Row& row, qreal y) const
 {
-    const auto text = [this, row](int column) { return m_model->index(row, column).data().toString(); };
-    const auto entry = m_model->getEntry(m_model->index(row, 0));
-    if (!entry)
-        return;
-    page.write(0, y, text(Column::NumberColumn), true);
-    page.write(1, y, timeText(entry->runtimeBefore()));
-    const auto picture = m_model->index(row, Column::ThumbnailColumn).data().value<QPixmap>();
-    if (!picture.isNull()) {
+    const GuiPlaylistEntry& entry = *row.entry;
+    const Medium& medium = m_media[row.medium];
+    page.write(0, y, QString::fromStdString(entry.address().toString(false)), true);
+    page.write(1, y, timeText(entry.runtimeBefore()));
+    if (!medium.picture.isNull()) {
         const QRectF room = page.cell(2, y).adjusted(0, 2, 0, -2);
-        QRectF place(QPointF(), QSizeF(picture.size()).scaled(room.size(), Qt::KeepAspectRatio));
+        QRectF place(QPointF(), QSizeF(medium.picture.size()).scaled(room.size(), Qt::KeepAspectRatio));
         place.moveCenter(room.center());
-        page.painter->drawPixmap(place, picture, QRectF(picture.rect()));
+        page.painter->drawImage(place, medium.picture);
     }
-    page.write(3, y, text(Column::MediaColumn));
-    const double seconds = m_model->shownDuration(*entry);
-    page.write(4, y, std::isfinite(seconds) ? timeText(seconds) : translated("Infinite"));
-    const QString transition = text(Column::TransitionColumn);
+    page.write(3, y, medium.name);
+    page.write(4, y, std::isfinite(medium.seconds) ? timeText(medium.seconds) : translated("Infinite"));
+    const QString transition = MediaUtils::transitionTypeToHumanReadable(entry.transitionType());
     page.write(5, y,
-               entry->transitionType() == TakeTransitionType::DirectCut
+               entry.transitionType() == TakeTransitionType::DirectCut
                    ? transition
-                   : translated("%1, %2 s").arg(transition).arg(entry->transitionDuration(), 0, 'f', 1));
-    page.write(6, y, text(Column::EndActionColumn));
+                   : translated("%1, %2 s").arg(transition).arg(entry.transitionDuration(), 0, 'f', 1));
+    page.write(6, y, MediaUtils::endActionToHumanReadable(entry.endAction()));
     page.painter->setPen(QPen(QColor(0, 0, 0, 40), 0.5));
     page.painter->drawLine(QPointF(0, y + rowHeight), QPointF(page.size.width(), y + rowHeight));
     page.painter->setPen(Qt::black);

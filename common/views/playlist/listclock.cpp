@@ -5,13 +5,19 @@
 #include "common/media/items/guimediaslot.h"
 #include "common/media/items/guiplaylist.h"
 #include "common/media/items/guiplaylistentry.h"
+#include "common/media/library/playlistprovider.h"
 #include "common/session/mirror/guiplayback.h"
+#include "common/session/mirror/sceneobjectprovider.h"
+#include "common/session/session.h"
 #include "common/session/settings/timeutils.h"
 #include "util/clocktime.h"
+
+#include <QLocale>
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <utility>
 
 namespace vantrel {
 
@@ -30,6 +36,8 @@ ListClock::ListClock(GUIPlayback* playback, AbstractPlaylistProvider* provider, 
     , m_provider(provider)
 {
     connect(playback, &GUIPlayback::mediaChanged, this, &ListClock::follow);
+    connect(playback, &GUIPlayback::heldMediaChanged, this, &ListClock::follow);
+    connect(playback, &GUIPlayback::nextMediaChanged, this, &ListClock::courseChanged);
     connect(playback, &SceneObjectWrapper::reset, this, &ListClock::follow);
     connect(playback, &GUIPlayback::stateChanged, this, &ListClock::tick);
     // Once for all that an edit changes.
@@ -37,10 +45,14 @@ ListClock::ListClock(GUIPlayback* playback, AbstractPlaylistProvider* provider, 
     m_recalculate.setInterval(0);
     connect(&m_recalculate, &QTimer::timeout, this, &ListClock::recalculate);
     using Provider = AbstractPlaylistProvider;
-    const auto later = [this] { m_recalculate.start(); };
-    const auto ofList = [this](uint playlist) {
-        if (playlist == m_playlist)
+    // An edit may tell of every entry: a timer that runs is left alone.
+    const auto later = [this] {
+        if (!m_recalculate.isActive())
             m_recalculate.start();
+    };
+    const auto ofList = [this, later](uint playlist) {
+        if (playlist == m_playlist)
+            later();
     };
     connect(provider, &Provider::reset, this, later);
     connect(provider, &Provider::entrySlotsModified, this, later);
@@ -55,9 +67,22 @@ ListClock::ListClock(GUIPlayback* playback, AbstractPlaylistProvider* provider, 
     follow();
 }
 
+ListClock* ListClock::ofProgram(Session* session)
+{
+    if (auto* present = session->findChild<ListClock*>(QString(), Qt::FindDirectChildrenOnly))
+        return present;
+    return new ListClock(session->sceneObjectProvider()->programPlayback(), session->playlistProvider(),
+                         session);
+}
+
 void ListClock::follow()
 {
     const QString media = m_playback ? m_playback->media() : QString();
+    // An entry that is removed, or whose medium is another one, plays to its end, and the list goes on.
+    if (media.isEmpty() && m_playback && !m_playback->heldMedia().isEmpty() && m_playlist > 0) {
+        recalculate();
+        return;
+    }
     const auto entry = MediaUtils::isPlaylistAddress(media) ? MediaUtils::parsePlaylistAddress(media)
                                                             : media::PlaylistAndEntry();
     m_playlist = entry.valid ? static_cast<uint>(entry.playlist) : 0;
@@ -108,9 +133,20 @@ bool ListClock::isRunning() const
     return m_playback && m_playback->state() == SourcePlayState::Play;
 }
 
+void ListClock::setStale(bool stale)
+{
+    if (std::exchange(m_isStale, stale) != stale)
+        Q_EMIT ticked();
+}
+
 QDateTime ListClock::zero() const
 {
-    const QDateTime now = m_now().addMSecs(std::llround(left() * 1000));
+    // Without a word the show goes on, as far as anybody knows.
+    const double seconds = left();
+    const bool isNews = std::exchange(m_left, seconds) != seconds || !isRunning();
+    if (m_zero.isValid() && (m_isStale || !isNews))
+        return m_zero;
+    const QDateTime now = m_now().addMSecs(std::llround(seconds * 1000));
     // Positions come a little early and late; an end that stands must not go to and fro with them.
     if (!m_zero.isValid() || std::abs(m_zero.msecsTo(now)) > toleranceMs)
         m_zero = now;
@@ -130,10 +166,16 @@ std::optional<QDateTime> ListClock::endOf(const EntryAddress& address) const
 
 QString ListClock::text() const
 {
+    const QString text = courseText();
+    return m_isStale && !text.isEmpty() ? tr("%1 (as last known)").arg(text) : text;
+}
+
+QString ListClock::courseText() const
+{
     using Kind = Rundown::Kind;
     const Kind kind = m_rundown.kind();
     if (kind == Kind::None)
-        return {};
+        return m_playlist > 0 ? tr("Playlist %1 is on air; it is not read yet").arg(m_playlist) : QString();
     if (kind == Kind::Removed)
         return tr("%1 was removed and plays to its end")
             .arg(QString::fromStdString(m_playing.toString(false)));
@@ -143,11 +185,16 @@ QString ListClock::text() const
         return tr("%1 plays until somebody goes on").arg(entry);
     if (kind == Kind::Repeats && isNow)
         return tr("%1 repeats until somebody goes on").arg(entry);
-    const double seconds = left() + m_rundown.seconds();
+    const QDateTime ends = zero();
+    const double now = isRunning() ? std::max<qint64>(0, m_now().msecsTo(ends)) / 1000.0 : left();
+    const double seconds = now + m_rundown.seconds();
     const QString in = TimeUtils::formatClockTimeShort(clocktime::fromSeconds(seconds));
     if (!isRunning())
         return tr("%1 left, not running").arg(in);
-    const QString at = clockText(zero().addMSecs(std::llround(m_rundown.seconds() * 1000)));
+    const QDateTime then = ends.addMSecs(std::llround(m_rundown.seconds() * 1000));
+    const bool isToday = then.date() == m_now().date();
+    const QString at =
+        isToday ? clockText(then) : QLocale().toString(then, QStringLiteral("ddd ")) + clockText(then);
     switch (kind) {
     case Kind::Endless:
         return tr("From %2 on %1 plays until somebody goes on").arg(entry, at);
@@ -160,6 +207,15 @@ QString ListClock::text() const
     default:
         return tr("Ends at %1 (in %2)").arg(at, in);
     }
+}
+
+EntryAddress ListClock::next() const
+{
+    const QString told = m_playback ? m_playback->nextMedia() : QString();
+    const auto entry = MediaUtils::isPlaylistAddress(told) ? MediaUtils::parsePlaylistAddress(told)
+                                                           : media::PlaylistAndEntry();
+    const bool isOfList = entry.valid && m_playlist > 0 && static_cast<uint>(entry.playlist) == m_playlist;
+    return isOfList ? entry.entry : m_rundown.next();
 }
 
 QString ListClock::nextName() const

@@ -11,6 +11,7 @@ namespace vantrel {
 
 class AbstractPlaylistProvider;
 class GUIPlayback;
+class Session;
 
 /// When what plays on a channel will be over: the entry, those after it and the list, on the wall clock.
 /// Follows the channel and the library; what it is given must outlive it. Main thread.
@@ -20,16 +21,21 @@ class ListClock : public QObject
 
 public:
     ListClock(GUIPlayback* playback, AbstractPlaylistProvider* provider, QObject* parent = nullptr);
+    /// Program's, the session's own: working out a long list is done once for all who show it.
+    static ListClock* ofProgram(Session* session);
 
     /// The list that plays and its entry; the list is 0, and the entry no address, while none does.
     uint playlist() const { return m_playlist; }
     const EntryAddress& playing() const { return m_playing; }
-    EntryAddress next() const { return m_rundown.next(); }
+    /// As the server tells it, or else as the list has it.
+    EntryAddress next() const;
     const Rundown& rundown() const { return m_rundown; }
     /// Seconds left of the entry that plays, 0 or more.
     double left() const;
     /// While the channel is paused every end moves on with the clock.
     bool isRunning() const;
+    /// The server says nothing any more: ends stay where they were last known to be, and are told as such.
+    void setStale(bool stale);
     /// Nothing for an entry that is not about to come by itself.
     std::optional<QDateTime> endOf(const EntryAddress& address) const;
     /// When the list is over, or how it goes on instead, in a few words: "Ends at 21:47:30 (in 00:12:08)".
@@ -57,6 +63,7 @@ Q_SIGNALS:
     void ticked();
 
 private:
+    QString courseText() const;
     void follow();
     void recalculate();
     void tick();
@@ -72,6 +79,8 @@ private:
     uint m_playlist = 0;
     EntryAddress m_playing;
     Rundown m_rundown;
+    bool m_isStale = false;
+    mutable double m_left = -1;
     mutable QDateTime m_zero; // when the entry that plays is over, as last told
 };
 

@@ -1,17 +1,12 @@
 #include "common/views/playlist/nextentrylabel.h"
 
-#include "common/media/library/playlistprovider.h"
-#include "common/session/mirror/guiplayback.h"
-#include "common/session/mirror/sceneobjectprovider.h"
-#include "common/session/session.h"
 #include "common/views/playlist/listclock.h"
 
 namespace vantrel {
 
 NextEntryLabel::NextEntryLabel(Session* session, QWidget* parent)
     : ElidedLabel(parent)
-    , m_clock(
-          new ListClock(session->sceneObjectProvider()->programPlayback(), session->playlistProvider(), this))
+    , m_clock(ListClock::ofProgram(session))
 {
     setAccessibleName(tr("What comes next on program"));
     setStyleClass(QStringLiteral("section"));

@@ -169,14 +169,16 @@ void PlaylistContainer::updateHeaders()
     arrangeColumns();
 }
 
-/// The columns get what their texts need at the most, and the name what is left. Measuring all rows would
-/// cost what the list holds, so nothing here looks at more than one.
+/// The columns get what their texts need at the most, and the name what is left. Measuring the texts of all
+/// rows would cost what the list holds: of them only the addresses are looked at.
 void PlaylistContainer::arrangeColumns()
 {
     const int room = m_view->viewport()->width();
     const Dispensable& dispensable = m_modes.contains(Program) ? dispensableOnProgram : dispensableOnPreview;
-    const auto needed = [this](int column) {
-        return m_delegate->columnWidth(m_model, column, m_view->font());
+    const int number = m_delegate->columnWidth(m_model, Column::NumberColumn, m_view->font());
+    const auto needed = [&](int column) {
+        return column == Column::NumberColumn ? number
+                                              : m_delegate->columnWidth(m_model, column, m_view->font());
     };
     const auto total = [&](std::size_t given) {
         int width = 0;

@@ -127,9 +127,11 @@ int PlaylistDelegate::columnWidth(const PlaylistModel* model, int column, const 
     };
     switch (column) {
     case PlaylistModel::NumberColumn: {
-        // The last entry has most digits before the point; of those behind it there is no telling.
-        const int last = model ? model->rowCount() - 1 : -1;
-        const QString number = last >= 0 ? model->index(last, 0).data().toString() : QString();
+        // A number that is cut looks like another one.
+        const auto [whole, decimals] = model ? model->addressDigits() : std::pair(0, 0);
+        QString number(std::max(whole, 2), u'0');
+        if (decimals > 0)
+            number += u'.' + QString(decimals, u'0');
         return std::max(wide(QStringLiteral("00.0")), wide(number));
     }
     case PlaylistModel::EndActionColumn:
@@ -224,6 +226,8 @@ void PlaylistDelegate::paintRow(const Cell& cell) const
         cell.painter->fillRect(bar, colourOf(cell.cue));
     else if (cell.isSelected)
         cell.painter->fillRect(bar, getColor(colors::Zt_orange));
+    else if (cell.cue == Cue::Next) // also where there is no room for the word
+        cell.painter->fillRect(bar, getColor(colors::Zt_white_70));
 }
 
 void PlaylistDelegate::paintText(const Cell& cell, const QString& text, Qt::Alignment alignment,
@@ -271,6 +275,10 @@ void PlaylistDelegate::paintState(const Cell& cell) const
         return;
     }
     const auto entry = cell.model->getEntry(cell.index);
+    if (cell.cue == Cue::Next) {
+        paintIcon(cell, QStringLiteral("mc_next"), getColor(colors::Zt_white_80));
+        return;
+    }
     const MediaState state = m_fetching || !entry ? static_cast<MediaState>(cell.index.data().toInt())
                                                   : cell.model->knownState(*entry);
     if (cell.cue == Cue::OnPreview)
@@ -345,7 +353,11 @@ void PlaylistDelegate::paintThumbnail(const Cell& cell) const
 void PlaylistDelegate::paintLast(const Cell& cell) const
 {
     if (!isProgram()) {
-        paintText(cell, cell.index.data().toString(), Qt::AlignRight, true);
+        const auto entry = cell.model->getEntry(cell.index);
+        paintText(cell,
+                  m_fetching || !entry ? cell.index.data().toString()
+                                       : PlaylistModel::sizeText(cell.model->knownSize(*entry)),
+                  Qt::AlignRight, true);
         return;
     }
     if (!m_clock || m_clock->playlist() != cell.model->playlistNumber())

@@ -19,7 +19,7 @@ using media::MediaUtils;
 namespace {
 
 // A payload of a whole library is some megabytes; what is larger was not made by a drag of ours.
-constexpr qsizetype largestPayload = 64 * 1024 * 1024;
+constexpr qsizetype largestPayload = 16 * 1024 * 1024;
 
 QString translated(const char* text)
 {

@@ -3,13 +3,13 @@
 #include "common/command/execute.h"
 #include "common/command/refusal.h"
 #include "common/media/address/entryaddressutils.h"
-#include "common/media/edit/playlist/importplaylistcommand.h"
-#include "common/media/edit/playlist/removeplaylistcommand.h"
 #include "common/media/library/medialibraryapi.h"
 #include "common/media/library/playlistprovider.h"
 #include "common/media/models/playlist/playlisteditormodel.h"
 #include "common/media/models/playlist/playlistlibrarymodel.h"
+#include "common/media/models/playlist/playlistpayload.h"
 #include "common/media/models/playlist/playlistselectionmodel.h"
+#include "common/session/link/linkhealth.h"
 #include "common/session/mirror/guiplayback.h"
 #include "common/session/mirror/sceneobjectprovider.h"
 #include "common/session/session.h"
@@ -48,8 +48,7 @@ PlaylistEditor::PlaylistEditor(PlaybackViewMode mode, Session* session, QWidget*
     , m_session(session)
     , m_model(isPreview() ? session->previewPlaylistEditorModel() : session->programPlaylistEditorModel())
     , m_selection(new PlaylistSelectionModel(m_model, this))
-    , m_clock(
-          new ListClock(session->sceneObjectProvider()->programPlayback(), session->playlistProvider(), this))
+    , m_clock(ListClock::ofProgram(session))
     , m_added(new OwnAddition(session->getQUndoStack(), this))
 {
     setObjectName(isPreview() ? QStringLiteral("Preview-PlaylistEditor")
@@ -108,6 +107,10 @@ void PlaylistEditor::build()
     // Who looks elsewhere by then wants to stay there.
     connect(m_model, &PlaylistModel::playlistChanged, m_added, &OwnAddition::forget);
     connect(m_selection, &QItemSelectionModel::selectionChanged, m_added, &OwnAddition::forget);
+    connect(m_model, &QAbstractItemModel::modelReset, this, &PlaylistEditor::showAim);
+    connect(m_model, &QAbstractItemModel::layoutChanged, this, &PlaylistEditor::showAim);
+    connect(m_model, &QAbstractItemModel::rowsInserted, this, &PlaylistEditor::showAim);
+    connect(m_model, &QAbstractItemModel::rowsRemoved, this, &PlaylistEditor::showAim);
     m_hover.setInterval(hoverMs);
     connect(&m_hover, &QTimer::timeout, this, &PlaylistEditor::dragHover);
 }
@@ -152,8 +155,10 @@ void PlaylistEditor::connectMenu()
 {
     m_menu = new PlaylistMenu(this);
     m_menu->setModels(m_model, m_selection);
-    connect(m_container->list(), &QWidget::customContextMenuRequested, this,
-            &PlaylistEditor::openContextMenu);
+    // By the keyboard too, and then at the list.
+    const PlaylistView* view = m_container->list();
+    connect(view, &QWidget::customContextMenuRequested, this,
+            [this, view](const QPoint& at) { m_menu->popup(view->viewport()->mapToGlobal(at)); });
     using Menu = PlaylistMenu;
     connect(m_menu, &Menu::doPreview, this, &PlaylistEditor::doPreview);
     connect(m_menu, &Menu::doRenumber, this, &PlaylistEditor::doRenumber);
@@ -165,9 +170,10 @@ void PlaylistEditor::connectMenu()
     connect(m_menu, &Menu::doCut, this, &PlaylistEditor::doCut);
     connect(m_menu, &Menu::doCopy, this, &PlaylistEditor::doCopy);
     connect(m_menu, &Menu::doPaste, this, &PlaylistEditor::doPaste);
-    connect(m_menu, &Menu::doInsertMedia, this, [this] { runAction(QStringLiteral("insert_media")); });
+    connect(m_menu, &Menu::doAction, this, &PlaylistEditor::runAction);
     connect(m_menu, &Menu::doDuplicatePlaylist, this, &PlaylistEditor::duplicatePlaylist);
-    connect(m_menu, &Menu::doRemovePlaylist, this, &PlaylistEditor::removePlaylist);
+    connect(m_menu, &Menu::doShowPlaylists, this, &PlaylistEditor::showPlaylists);
+    connect(m_menu, &Menu::doRemovePlaylist, this, [this] { removePlaylist(m_model->playlistNumber()); });
     m_files = new PlaylistFiles(m_model, m_session->getQUndoStack(), this);
     connect(m_menu, &Menu::doImport, this, [this] {
         if (ensurePlaylist())
@@ -176,8 +182,8 @@ void PlaylistEditor::connectMenu()
     connect(m_menu, &Menu::doExport, this, [this] { m_files->exportTable(shownList()); });
     connect(m_menu, &Menu::doPrint, this, [this] { m_files->printSheet(shownList()); });
     connect(m_menu, &Menu::aboutToRefresh, this, [this] {
-        m_menu->setOffers(PlaylistEditorModel::canPaste(QGuiApplication::clipboard()->mimeData()),
-                          m_mediaSource && !m_mediaSource().isEmpty());
+        m_menu->setOffers(PlaylistPayload::isOffered(QGuiApplication::clipboard()->mimeData()),
+                          !selectedMedia().isEmpty());
     });
 }
 
@@ -186,6 +192,7 @@ void PlaylistEditor::connectSession()
     connect(m_session, &Session::connected, this, &PlaylistEditor::updateEditable);
     connect(m_session, &Session::disconnected, this, &PlaylistEditor::updateEditable);
     connect(m_session, &Session::libraryReadingChanged, this, &PlaylistEditor::updateEditable);
+    connect(m_session->linkHealth(), &LinkHealth::changed, this, &PlaylistEditor::updateEditable);
     connect(m_session->playlistProvider(), &AbstractPlaylistProvider::playlistRemoved, this,
             &PlaylistEditor::closeQuestionsOf);
 }
@@ -193,9 +200,14 @@ void PlaylistEditor::connectSession()
 /// What cannot reach the server is not offered.
 void PlaylistEditor::updateEditable()
 {
+    using State = LinkHealth::State;
     const MediaLibraryApi* api = m_session->getMediaLibraryApi();
-    m_isEditable = m_session->isConnected() && api && api->reading() == MediaLibraryApi::Reading::Done;
+    const State health = m_session->linkHealth()->state();
+    m_clock->setStale(health == State::Silent || health == State::Lost);
+    m_isEditable = m_session->isConnected() && health != State::Silent && api &&
+                   api->reading() == MediaLibraryApi::Reading::Done;
     m_header->setEditable(m_isEditable);
+    m_header->setLibraryApi(api);
     if (!isPreview())
         return;
     m_container->list()->setEditable(m_isEditable);
@@ -212,6 +224,8 @@ void PlaylistEditor::runAction(const QString& name)
             doPreview();
         return;
     }
+    if (is("list_order"))
+        return m_container->list()->sortByColumn(PlaylistModel::NumberColumn, Qt::AscendingOrder);
     if (!isPreview() || !m_isEditable)
         return;
     const bool hasRows = !m_selection->sortedSelectedRows().isEmpty();
@@ -220,9 +234,19 @@ void PlaylistEditor::runAction(const QString& name)
     else if (is("paste"))
         doPaste();
     else if (is("insert_media"))
-        insertMedia(m_mediaSource ? m_mediaSource() : QList<QString>());
+        insertMedia(selectedMedia());
     else if (!hasRows)
         return;
+    else if (is("insert_media_before"))
+        placeMedia([this](const QList<QString>& urls) { m_model->doInsertBefore(urls); });
+    else if (is("replace_by_media"))
+        placeMedia([this](const QList<QString>& urls) { m_model->doReplace(urls); });
+    else if (is("edit_transition"))
+        m_container->list()->editSelected(PlaylistModel::TransitionColumn);
+    else if (is("edit_transition_time"))
+        m_container->list()->editSelected(PlaylistModel::TransitionDurationColumn);
+    else if (is("edit_end_action"))
+        m_container->list()->editSelected(PlaylistModel::EndActionColumn);
     else if (is("delete"))
         doRemove();
     else if (is("cut"))
@@ -255,11 +279,13 @@ void PlaylistEditor::changePlaylistNumber(int number)
 void PlaylistEditor::doPreview()
 {
     const QList<QModelIndex> rows = m_selection->sortedSelectedRows();
-    if (rows.isEmpty()) {
+    const QModelIndex chosen = rows.isEmpty() ? m_selection->currentIndex() : rows.first();
+    if (!chosen.isValid()) {
         qCWarning(lcPlaylist) << "Selected entry not valid.";
+        refuse(tr("No entry is selected. Select the one to cue."));
         return;
     }
-    m_model->doDirectPlayPreview(rows.first(), 0);
+    m_model->doDirectPlayPreview(chosen, 0);
 }
 
 void PlaylistEditor::handleEntryDoubleClick(const QModelIndex& index)
@@ -367,52 +393,12 @@ void PlaylistEditor::doClearList()
 {
     const uint playlist = m_model->playlistNumber();
     confirm(m_clearDialog, "PlaylistEditor-clear-confirmation", tr("Clear playlist"),
-            tr("Are you sure you clear playlist?"), tr("CLEAR"), [this, playlist] {
+            tr("Are you sure you clear playlist?") + onAirWarning(playlist), tr("CLEAR"), [this, playlist] {
                 if (m_model->playlistNumber() == playlist)
                     m_model->doClear();
                 else
                     refuse(tr("Another playlist is shown now. Nothing was cleared."));
             });
-}
-
-void PlaylistEditor::removePlaylist()
-{
-    const int number = static_cast<int>(m_model->playlistNumber());
-    confirm(m_removeListDialog, "PlaylistEditor-remove-list-confirmation", tr("Remove playlist"),
-            tr("Remove playlist \"%1\" with its %n entries?", nullptr, m_model->rowCount()).arg(listName()),
-            tr("REMOVE"), [this, number] {
-                execute<RemovePlaylistCommand>(m_session->getQUndoStack(), "RemovePlaylistCommand",
-                                               m_session->mediaLibrary(), number);
-            });
-}
-
-PlaylistFiles::List PlaylistEditor::shownList() const
-{
-    return {m_model->playlistNumber(), listName(),
-            m_session->playlistLibraryModel()->rowOf(m_model->playlistNumber()) < 0};
-}
-
-QString PlaylistEditor::listName() const
-{
-    const PlaylistLibraryModel* library = m_session->playlistLibraryModel();
-    const int row = library->rowOf(m_model->playlistNumber());
-    return row < 0 ? tr("New playlist %1").arg(m_model->playlistNumber())
-                   : library->index(row, PlaylistLibraryModel::PlainNameColumn).data(Qt::EditRole).toString();
-}
-
-void PlaylistEditor::duplicatePlaylist()
-{
-    const MediaLibrary* library = m_session->mediaLibrary();
-    const Playlist* list = library->findPlaylist(static_cast<int>(m_model->playlistNumber()));
-    if (!list)
-        return;
-    ImportPlaylistCommand::Entries entries;
-    for (const auto& [address, entry] : list->getEntries())
-        entries.append({address, entry});
-    const int number = m_session->playlistLibraryModel()->nextFreeNumber();
-    const QString name = tr("Copy of %1").arg(QString::fromStdString(list->getName()));
-    execute<ImportPlaylistCommand>(m_session->getQUndoStack(), "ImportPlaylistCommand", library, number, name,
-                                   entries);
 }
 
 void PlaylistEditor::doRenamePlaylist()
@@ -449,12 +435,17 @@ void PlaylistEditor::doRenumber()
 void PlaylistEditor::sendRenumberCommand(uint playlist, const QStringList& values)
 {
     const QList<EntryAddress> entries = EntryAddressUtils::rangesToEntries(values.value(0));
-    EntryAddress target;
-    target.parseString(values.value(1).toStdString());
+    const EntryAddress target = EntryAddressUtils::typed(values.value(1));
     m_renumberDialog->setError(0, {});
     m_renumberDialog->setError(1, {});
     if (!target.isValid()) {
         m_renumberDialog->setError(1, tr("Invalid slot number given for first slot."));
+        return;
+    }
+    if (EntryAddressUtils::isAmbiguous(values.value(0))) {
+        m_renumberDialog->setError(
+            0, tr("A range goes over whole numbers, or over decimals of one. Write 1.5,2-3 instead of 1.5-3, "
+                  "and 3.5 instead of 3.05."));
         return;
     }
     if (m_model->playlistNumber() != playlist) {
@@ -506,15 +497,28 @@ void PlaylistEditor::doPaste()
     m_added->watch([&] { m_model->doPaste(data, rows.isEmpty() ? QModelIndex() : rows.last()); });
 }
 
+QList<QString> PlaylistEditor::selectedMedia() const
+{
+    return m_mediaSource ? m_mediaSource() : QList<QString>();
+}
+
+bool PlaylistEditor::hasMedia(const QList<QString>& urls) const
+{
+    if (urls.isEmpty())
+        refuse(tr("Nothing is selected in the media panel. Select one or more slots there first."));
+    return !urls.isEmpty();
+}
+
+void PlaylistEditor::placeMedia(const std::function<void(const QList<QString>& urls)>& place)
+{
+    const QList<QString> urls = selectedMedia();
+    if (hasMedia(urls))
+        m_added->watch([&] { place(urls); });
+}
+
 void PlaylistEditor::insertMedia(const QList<QString>& urls)
 {
-    if (!m_isEditable)
-        return;
-    if (urls.isEmpty()) {
-        refuse(tr("Nothing is selected in the media panel. Select one or more slots there first."));
-        return;
-    }
-    if (!ensurePlaylist())
+    if (!m_isEditable || !hasMedia(urls) || !ensurePlaylist())
         return;
     const QList<QModelIndex> rows = m_selection->sortedSelectedRows();
     m_added->watch([&] {
@@ -529,7 +533,7 @@ void PlaylistEditor::insertMedia(const QList<QString>& urls)
 bool PlaylistEditor::ensurePlaylist()
 {
     if (m_model->playlistNumber() == PlaylistModel::noPlaylist)
-        m_model->setPlaylistNumber(static_cast<uint>(m_session->playlistLibraryModel()->nextFreeNumber()));
+        m_model->setPlaylistNumber(static_cast<uint>(m_header->freeNumber()));
     return m_model->playlistNumber() != PlaylistModel::noPlaylist;
 }
 

@@ -99,13 +99,19 @@ private:
     void updateEditable();
     void dragHover();
     void endDrag();
-    DropTarget targetOf(const QDropEvent* event) const;
+    DropTarget targetOf(const QPoint& position) const;
+    void aim(const QPoint& position);
+    void showAim();
+    bool hasShifted(const QPoint& position, const DropTarget& target) const;
     QString wordsFor(const DropTarget& target, const PlaylistDrop& drop) const;
     QString nameAt(int row) const;
     void applyDrop(const QMimeData* data, const DropTarget& target);
     void dropPlaylist(uint number);
     void dropEntries(const PlaylistDrop& drop, const DropTarget& target);
     void dropMedia(const PlaylistDrop& drop, const DropTarget& target);
+    QList<QString> selectedMedia() const;
+    bool hasMedia(const QList<QString>& urls) const;
+    void placeMedia(const std::function<void(const QList<QString>& urls)>& place);
     bool ensurePlaylist();
     bool hasAllSlots(const QList<QString>& urls) const;
     void refuse(const QString& why) const;
@@ -120,10 +126,12 @@ private:
     void showLoss(uint number);
     PlaylistFiles::List shownList() const;
     bool canTake(const PlaylistDrop& drop) const;
-    bool isAsDragged(const GuiPlaylistEntry& entry) const;
+    std::optional<QList<QModelIndex>> draggedRows(const PlaylistDrop& drop) const;
+    QString onAirWarning(uint playlist) const;
     QString listName() const;
     void duplicatePlaylist();
-    void removePlaylist();
+    void removePlaylist(uint playlist);
+    void showPlaylists();
 
     PlaybackViewMode m_mode;
     Session* m_session;
@@ -139,8 +147,10 @@ private:
     QPointer<ConfirmationDialog> m_removeDialog;
     QPointer<ConfirmationDialog> m_removeListDialog;
     std::function<QList<QString>()> m_mediaSource;
-    QPersistentModelIndex m_dropTarget;
+    QList<QPersistentModelIndex> m_dragSources;
+    QPersistentModelIndex m_dropTarget; // the entry of what is shown
     DropTarget m_target;
+    QPoint m_aimedAt;                        // where the drag is
     std::unique_ptr<PlaylistDrop> m_dragged; // read once, however long the drag goes on
     bool m_isDragging = false;
     bool m_isEditable = false;

@@ -2,7 +2,6 @@
 #include "common/command/execute.h"
 #include "common/command/playback/playmediacommand.h"
 #include "common/media/address/mediautils.h"
-#include "common/media/edit/playlist/pasteplaylistentriescommand.h"
 #include "common/media/library/playlistprovider.h"
 #include "common/media/models/playlist/playlisteditormodel.h"
 #include "common/media/models/playlist/playlistselectionmodel.h"
@@ -21,6 +20,7 @@
 #include <QDropEvent>
 #include <QMimeData>
 
+#include <optional>
 #include <utility>
 
 namespace vantrel {
@@ -39,6 +39,7 @@ void PlaylistEditor::handleDragAndDrop(const QModelIndex& index)
         return;
     PlaylistView* view = m_container->list();
     view->setDragSource(true);
+    m_dragSources = QList<QPersistentModelIndex>(rows.begin(), rows.end());
     m_isDragging = true;
     holdList();
     const QString label =
@@ -70,8 +71,11 @@ void PlaylistEditor::dragHover()
     const int y = mapFromGlobal(QCursor::pos()).y();
     const int top = view->mapTo(this, QPoint(0, 0)).y();
     const int step = DropGeometry::scrollStep(y, top, height());
-    if (step != 0)
-        Q_EMIT scrollPositionChanged(step < 0 ? ScrollDirection::Up : ScrollDirection::Down);
+    if (step == 0)
+        return;
+    Q_EMIT scrollPositionChanged(step < 0 ? ScrollDirection::Up : ScrollDirection::Down);
+    if (m_dragged)
+        aim(mapFromGlobal(QCursor::pos())); // the rows have moved under the cursor
 }
 
 void PlaylistEditor::dragLeaveEvent(QDragLeaveEvent* event)
@@ -91,23 +95,42 @@ void PlaylistEditor::endDrag()
     m_container->list()->showTarget({}, {});
 }
 
-DropTarget PlaylistEditor::targetOf(const QDropEvent* event) const
+DropTarget PlaylistEditor::targetOf(const QPoint& position) const
 {
     const QWidget* viewport = m_container->list()->viewport();
-    return m_container->list()->targetAt(viewport->mapFrom(this, event->position().toPoint()));
+    return m_container->list()->targetAt(viewport->mapFrom(this, position));
+}
+
+/// What a drop there would do is shown, and remembered by its entry.
+void PlaylistEditor::aim(const QPoint& position)
+{
+    m_aimedAt = position;
+    showAim();
+    m_dropTarget = m_model->index(m_target.row, 0);
+}
+
+void PlaylistEditor::showAim()
+{
+    if (!m_dragged)
+        return;
+    // A playlist as a whole has no place in another, and program takes nothing else.
+    const bool isPlace = isPreview() && m_dragged->kind() != PlaylistDrop::Kind::Playlist;
+    m_target = isPlace ? targetOf(m_aimedAt) : DropTarget();
+    m_container->list()->showTarget(m_target, wordsFor(m_target, *m_dragged));
+}
+
+/// Whether somebody's edit has put another entry under a cursor that stands still.
+bool PlaylistEditor::hasShifted(const QPoint& position, const DropTarget& target) const
+{
+    return m_dragged && position == m_aimedAt && m_dropTarget != m_model->index(target.row, 0);
 }
 
 void PlaylistEditor::dragMoveEvent(QDragMoveEvent* event)
 {
     if (!m_dragged)
         return;
-    const PlaylistDrop& drop = *m_dragged;
-    // A playlist as a whole has no place in another, and program takes nothing else.
-    const bool isPlace = isPreview() && drop.kind() != PlaylistDrop::Kind::Playlist;
-    m_target = isPlace ? targetOf(event) : DropTarget();
-    m_dropTarget = m_model->index(m_target.row, 0);
-    m_container->list()->showTarget(m_target, wordsFor(m_target, drop));
-    if (canTake(drop))
+    aim(event->position().toPoint());
+    if (canTake(*m_dragged))
         event->acceptProposedAction();
     else
         event->ignore();
@@ -146,11 +169,16 @@ QString PlaylistEditor::wordsFor(const DropTarget& target, const PlaylistDrop& d
 
 void PlaylistEditor::dropEvent(QDropEvent* event)
 {
-    const DropTarget target = isPreview() ? targetOf(event) : DropTarget();
+    const QPoint position = event->position().toPoint();
+    const DropTarget target = isPreview() ? targetOf(position) : DropTarget();
     // A copy to the source: entries go where they go when the server says so.
     event->setDropAction(Qt::CopyAction);
     event->accept();
-    applyDrop(event->mimeData(), target);
+    if (isPreview() && m_dragged && m_dragged->kind() != PlaylistDrop::Kind::Playlist &&
+        hasShifted(position, target))
+        refuse(tr("The playlist has changed under the drag. Nothing was changed: drag it again."));
+    else
+        applyDrop(event->mimeData(), target);
     endDrag(); // now the list may be another
 }
 
@@ -218,15 +246,10 @@ void PlaylistEditor::dropEntries(const PlaylistDrop& drop, const DropTarget& tar
 {
     const QModelIndex place = m_model->index(target.row, 0);
     if (drop.playlist() == m_model->playlistNumber()) {
-        // Those of the payload: the selection may have changed under a drag.
-        QList<QModelIndex> rows;
-        for (const GuiPlaylistEntry& entry : drop.entries()) {
-            if (!isAsDragged(entry)) {
-                refuse(tr("The entries were moved or removed while they were dragged. Drag them again."));
-                return;
-            }
-            rows.append(m_model->indexOf(entry.address()));
-        }
+        const std::optional<QList<QModelIndex>> dragged = draggedRows(drop);
+        if (!dragged)
+            return refuse(tr("The entries were moved or removed while they were dragged. Drag them again."));
+        const QList<QModelIndex>& rows = *dragged;
         const bool isOntoItself = target.isReplace() && rows == QList<QModelIndex>{place};
         if (rows.isEmpty() || isOntoItself)
             return;
@@ -236,30 +259,37 @@ void PlaylistEditor::dropEntries(const PlaylistDrop& drop, const DropTarget& tar
             m_model->doDropInsert(rows, place);
         return;
     }
-    QList<QString> urls;
     QList<PlaylistEntry> entries;
-    for (const GuiPlaylistEntry& entry : drop.entries()) {
-        urls.append(entry.slotUrl());
+    for (const GuiPlaylistEntry& entry : drop.entries())
         entries.append(entry.toSdkEntry());
-    }
-    if (!hasAllSlots(urls) || !ensurePlaylist())
+    if (!ensurePlaylist())
         return;
-    using Mode = AddMediaToPlaylistCommand::AddMode;
-    const Mode mode = target.isReplace() ? Mode::Replace : Mode::After;
-    const EntryAddress address = place.isValid() ? m_model->getEntryAddress(place) : EntryAddress();
-    m_added->watch([&] {
-        if (!tryExecute<PastePlaylistEntriesCommand>(m_session->getQUndoStack(), m_session->mediaLibrary(),
-                                                     static_cast<int>(m_model->playlistNumber()), mode,
-                                                     address, entries))
-            refuse(tr("There is no room for the entries at this place. Renumber entries to make room."));
-    });
+    using Mode = PlaylistEditorModel::AddMode;
+    m_added->watch(
+        [&] { m_model->doDropEntries(entries, place, target.isReplace() ? Mode::Replace : Mode::After); });
 }
 
-/// Whether what stands at the address is what stood there when the drag began.
-bool PlaylistEditor::isAsDragged(const GuiPlaylistEntry& entry) const
+/// What was dragged, wherever it is by now: the selection may have changed under a drag. Nothing where some
+/// of it is gone. What another window drags is known by its address and what it holds.
+std::optional<QList<QModelIndex>> PlaylistEditor::draggedRows(const PlaylistDrop& drop) const
 {
-    const auto present = m_model->getEntry(m_model->indexOf(entry.address()));
-    return present && present->slotUrl() == entry.slotUrl();
+    QList<QModelIndex> rows;
+    if (m_container->list()->isDragSource()) {
+        for (const QPersistentModelIndex& source : m_dragSources) {
+            if (!source.isValid())
+                return std::nullopt;
+            rows.append(source);
+        }
+        return rows;
+    }
+    for (const GuiPlaylistEntry& entry : drop.entries()) {
+        const QModelIndex index = m_model->indexOf(entry.address());
+        const auto present = m_model->getEntry(index);
+        if (!present || !(present->toSdkEntry() == entry.toSdkEntry()))
+            return std::nullopt;
+        rows.append(index);
+    }
+    return rows;
 }
 
 void PlaylistEditor::dropMedia(const PlaylistDrop& drop, const DropTarget& target)

@@ -7,6 +7,7 @@
 #include "common/media/items/abstractplaylistprovider.h"
 #include "common/media/items/guiplaylist.h"
 #include "common/media/items/mimedata.h"
+#include "common/media/library/medialibraryapi.h"
 #include "common/media/models/playbackmodel.h"
 #include "common/media/models/playlist/playlisteditormodel.h"
 #include "common/media/models/playlist/playlistlibrarymodel.h"
@@ -24,6 +25,7 @@
 #include "common/ui/toolkit/ztedit.h"
 #include "common/views/playlist/listclock.h"
 #include "common/views/playlist/playlistlogging.h"
+#include "tarn/media/medialibrary.h"
 #include "util/clocktime.h"
 
 #include <QApplication>
@@ -388,7 +390,7 @@ void PlaylistEditorHeader::showAwaited()
 void PlaylistEditorHeader::onNewPlaylistButtonClicked()
 {
     qCDebug(lcPlaylist) << "Requesting a new playlist...";
-    const int number = m_sources.library->nextFreeNumber();
+    const int number = freeNumber();
     createNewPlaylist(tr("New playlist %1").arg(number), number);
 }
 
@@ -399,7 +401,26 @@ void PlaylistEditorHeader::createNewPlaylist(const QString& name, int number)
     m_awaited.reset();
     if (!execute<AddPlaylistCommand>(m_sources.stack, "AddPlaylistCommand", library, number, name))
         return;
-    m_awaited = static_cast<uint>(number);
+    showWhenThere(static_cast<uint>(number));
+}
+
+void PlaylistEditorHeader::setLibraryApi(const MediaLibraryApi* api)
+{
+    m_api = api;
+}
+
+int PlaylistEditorHeader::freeNumber() const
+{
+    int number = m_sources.library->nextFreeNumber();
+    const Ref<MediaLibrary> expected = m_api ? m_api->expectedLibrary() : nullptr;
+    while (expected && number < MediaLibrary::indexMax && std::as_const(*expected).findPlaylist(number))
+        ++number;
+    return number;
+}
+
+void PlaylistEditorHeader::showWhenThere(uint number)
+{
+    m_awaited = number;
     m_isAwaitedDone = false;
     const auto answered = [this, awaited = *m_awaited](EditDirection, bool isDone) {
         if (m_awaited != awaited)

@@ -5,6 +5,7 @@
 
 #include <QModelIndex>
 #include <QPoint>
+#include <QPointer>
 #include <QTimer>
 
 #include <optional>
@@ -19,6 +20,7 @@ class ContextMenuButton;
 class ElidedLabel;
 class IconButton;
 class ListClock;
+class MediaLibraryApi;
 class PlaybackModel;
 class PlaylistEditorModel;
 class PlaylistLibraryModel;
@@ -46,6 +48,12 @@ public:
 
     /// The number of the list shown; PlaylistModel::noPlaylist for none.
     uint displayedPlaylist() const;
+    /// Lists that are on their way to its server have their numbers too. Null for none.
+    void setLibraryApi(const MediaLibraryApi* api);
+    /// The least number that no list has.
+    int freeNumber() const;
+    /// A list of that number was made by the newest command: once it is there it is shown, to be named.
+    void showWhenThere(uint number);
     /// Duration of the list in a row of the library; nothing known for an invalid index.
     void setDuration(const QModelIndex& index);
     /// Tells of the end of the list on program; the clock outlives this.
@@ -118,6 +126,7 @@ private:
     ZTLabel* m_duration = nullptr;
     IconButton* m_infinite = nullptr;
     QTimer m_refresh;
+    QPointer<const MediaLibraryApi> m_api;
     std::optional<uint> m_awaited; // the list that was made here and has not come yet
     bool m_isAwaitedDone = false;  // the server has made it
     uint m_followed = 0;           // the list that the channel played last

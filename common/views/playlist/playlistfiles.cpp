@@ -7,7 +7,7 @@
 #include "common/media/models/playlist/playlistcsv.h"
 #include "common/media/models/playlist/playlisteditormodel.h"
 #include "common/notification/notificationmanagerimpl.h"
-#include "common/views/playlist/cuesheet.h"
+#include "common/views/playlist/cuesheetdialog.h"
 #include "common/views/playlist/playlistimportdialog.h"
 #include "tarn/media/medialibrary.h"
 
@@ -80,6 +80,7 @@ void PlaylistFiles::openTable(const QString& fileName, const List& list)
     const Playlist* present = library().findPlaylist(static_cast<int>(list.number));
     const int count = present ? static_cast<int>(present->getEntries().size()) : 0;
     auto* dialog = new PlaylistImportDialog(fileName, list.name, count, library(), m_window);
+    dialog->setWarning(list.warning);
     connect(dialog, &PlaylistImportDialog::importConfirmed, this,
             [this, list](const ImportPlaylistCommand::Entries& entries) {
                 if (isStillThere(list, tr("Import playlist")))
@@ -117,8 +118,10 @@ void PlaylistFiles::printSheet(const List& list)
                                                      .arg(list.name));
                     return;
                 }
-                const bool isWritten = CueSheet(m_model, list.name).savePdf(fileName);
-                tellWritten(isWritten ? QString() : tr("no room, or no right to write there"), fileName);
+                const CueSheet sheet(*m_model, list.name);
+                auto* dialog = new CueSheetDialog(sheet, m_model, fileName, m_window);
+                connect(dialog, &CueSheetDialog::ended, this,
+                        [this, fileName](const QString& fault) { tellWritten(fault, fileName); });
             });
 }
 

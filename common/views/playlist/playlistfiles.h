@@ -23,7 +23,8 @@ public:
     {
         uint number;
         QString name;
-        bool isNew; // it comes to be by what is imported
+        bool isNew;      // it comes to be by what is imported
+        QString warning; // what there is to say before it is replaced
     };
 
     /// window: over which the dialogs open.

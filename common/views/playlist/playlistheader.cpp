@@ -58,7 +58,8 @@ void PlaylistHeader::paintSection(QPainter* painter, const QRect& rect, int sect
     painter->save();
     painter->fillRect(rect.left(), rect.bottom(), rect.width(), 1, getColor(colors::Zt_white_15));
     const QString title = titleOf(section);
-    const bool isSorted = sortIndicatorSection() == section && section > 0;
+    const bool isSorted =
+        sortIndicatorSection() == section && (section > 0 || sortIndicatorOrder() == Qt::DescendingOrder);
     if (!title.isEmpty() && hasRoom(section, title)) {
         const bool isNumber = isNumeric(section);
         painter->setFont(font());

@@ -67,11 +67,13 @@ void PlaylistImportDialog::showResult()
                                        .arg(m_count)
                                        .arg(m_list)
                                  : tr("%n entries can be taken into \"%1\".", nullptr, entries).arg(m_list);
+    if (entries > 0)
+        text += m_warning;
     QStringList lines;
     for (const PlaylistCsvImport::Problem& problem : m_import.problems())
         lines.append(tr("Line %1: %2").arg(problem.line).arg(problem.text));
-    if (m_import.problemCount() > lines.size())
-        lines.append(tr("... and %n more", nullptr, int(m_import.problemCount() - lines.size())));
+    if (m_import.unlistedCount() > 0)
+        lines.append(tr("... and %n more", nullptr, m_import.unlistedCount()));
     if (!lines.isEmpty())
         text += u'\n' + tr("%n lines cannot be taken:", nullptr, m_import.problemCount());
     setDescription(text);

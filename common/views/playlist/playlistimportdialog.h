@@ -22,6 +22,9 @@ public:
     PlaylistImportDialog(const QString& file, const QString& list, int count, const MediaLibrary& library,
                          QWidget* parent = nullptr);
 
+    /// Is said behind what an import would do.
+    void setWarning(const QString& text) { m_warning = text; }
+
 Q_SIGNALS:
     void importConfirmed(const vantrel::ImportPlaylistCommand::Entries& entries);
 
@@ -30,6 +33,7 @@ private:
     void showResult();
     void refuse(const QString& reason);
 
+    QString m_warning;
     QString m_list;
     int m_count;
     QFile m_file;

@@ -30,8 +30,16 @@ void PlaylistMenu::addEntryMenu()
     auto* menu = new ZTMenu(tr("Edit"), this);
     menu->setObjectNames(objectName() + QStringLiteral("-Edit"));
     addMenu(menu);
-    m_insert = add(menu, "insert_after", tr("Insert what is selected in the media panel"), "Insert",
-                   &PlaylistMenu::doInsertMedia, "insert_media");
+    m_insert = addKeyed(menu, "insert_after", tr("Insert what is selected in the media panel"), "Insert",
+                        "insert_media");
+    m_insertBefore = addKeyed(menu, "", tr("Insert it in front"), "InsertBefore", "insert_media_before");
+    m_replace = addKeyed(menu, "", tr("Replace by it"), "Replace", "replace_by_media");
+    menu->addSeparator();
+    m_transition = addKeyed(menu, "", tr("Transition..."), "Transition", "edit_transition");
+    m_transitionTime = addKeyed(menu, "", tr("Transition time..."), "TransitionTime", "edit_transition_time");
+    m_endAction = addKeyed(menu, "", tr("End action..."), "EndAction", "edit_end_action");
+    addKeyed(menu, "", tr("Show in the order of the list"), "ListOrder", "list_order");
+    menu->addSeparator();
     m_cut = add(menu, "", tr("Cut"), "Cut", &PlaylistMenu::doCut, "cut");
     m_copy = add(menu, "copy", tr("Copy"), "Copy", &PlaylistMenu::doCopy, "copy");
     m_paste = add(menu, "", tr("Paste"), "Paste", &PlaylistMenu::doPaste, "paste");
@@ -42,6 +50,7 @@ void PlaylistMenu::addListMenu()
     auto* menu = new ZTMenu(tr("List"), this);
     menu->setObjectNames(objectName() + QStringLiteral("-List"));
     addMenu(menu);
+    add(menu, "playlist", tr("All playlists..."), "Playlists", &PlaylistMenu::doShowPlaylists);
     m_duplicate =
         add(menu, "copy", tr("Duplicate playlist"), "Duplicate", &PlaylistMenu::doDuplicatePlaylist);
     m_import = add(menu, "import", tr("Import from CSV..."), "Import", &PlaylistMenu::doImport);
@@ -63,7 +72,16 @@ QAction* PlaylistMenu::add(ZTMenu* menu, const char* icon, const QString& text, 
         action->setProperty("key", QLatin1String(key));
         action->setShortcutContext(Qt::WidgetShortcut);
     }
-    connect(action, &QAction::triggered, this, signal);
+    if (signal)
+        connect(action, &QAction::triggered, this, signal);
+    return action;
+}
+
+QAction* PlaylistMenu::addKeyed(ZTMenu* menu, const char* icon, const QString& text, const char* name,
+                                const char* key)
+{
+    QAction* action = add(menu, icon, text, name, nullptr, key);
+    connect(action, &QAction::triggered, this, [this, key] { Q_EMIT doAction(QLatin1String(key)); });
     return action;
 }
 
@@ -96,6 +114,10 @@ void PlaylistMenu::refresh()
     m_rename->setEnabled(m_editable);
     m_clear->setEnabled(m_editable && last >= 0);
     m_insert->setEnabled(m_editable && m_canInsert);
+    for (QAction* action : {m_insertBefore, m_replace})
+        action->setEnabled(m_editable && m_canInsert && hasRows);
+    for (QAction* action : {m_transition, m_transitionTime, m_endAction})
+        action->setEnabled(m_editable && hasRows);
     m_cut->setEnabled(m_editable && hasRows);
     m_copy->setEnabled(hasRows);
     m_paste->setEnabled(m_editable && m_canPaste);

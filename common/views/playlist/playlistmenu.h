@@ -38,7 +38,9 @@ Q_SIGNALS:
     void doCut();
     void doCopy();
     void doPaste();
-    void doInsertMedia();
+    /// An action of the key map.
+    void doAction(const QString& name);
+    void doShowPlaylists();
     void doDuplicatePlaylist();
     void doRemovePlaylist();
     void doImport();
@@ -53,6 +55,7 @@ protected:
 private:
     QAction* add(ZTMenu* menu, const char* icon, const QString& text, const char* name,
                  void (PlaylistMenu::*signal)(), const char* key = nullptr);
+    QAction* addKeyed(ZTMenu* menu, const char* icon, const QString& text, const char* name, const char* key);
     void addEntryMenu();
     void addListMenu();
 
@@ -69,6 +72,11 @@ private:
     QAction* m_rename;
     QAction* m_clear;
     QAction* m_insert = nullptr;
+    QAction* m_insertBefore = nullptr;
+    QAction* m_replace = nullptr;
+    QAction* m_transition = nullptr;
+    QAction* m_transitionTime = nullptr;
+    QAction* m_endAction = nullptr;
     QAction* m_cut = nullptr;
     QAction* m_copy = nullptr;
     QAction* m_paste = nullptr;

@@ -1,5 +1,6 @@
 #include "common/views/playlist/playlistview.h"
 
+#include "common/command/refusal.h"
 #include "common/media/models/playlist/playlistmodel.h"
 #include "common/ui/keyboard/hotkeys.h"
 #include "common/ui/keyboard/hotkeytip.h"
@@ -181,6 +182,25 @@ bool PlaylistView::edit(const QModelIndex& index, EditTrigger trigger, QEvent* e
     return QTableView::edit(index, isClick ? AllEditTriggers : trigger, event);
 }
 
+void PlaylistView::editSelected(int column)
+{
+    const QList<int> rows = selectedRows();
+    if (!m_isEditable || rows.isEmpty())
+        return;
+    const int current = rows.contains(currentIndex().row()) ? currentIndex().row() : rows.first();
+    // A cut takes no time: another of the rows may.
+    const auto cell = [&](int row) { return model()->index(row, column); };
+    const auto canEdit = [&](int row) { return model()->flags(cell(row)).testFlag(Qt::ItemIsEditable); };
+    const auto other = std::ranges::find_if(rows, canEdit);
+    if (other == rows.end())
+        return tellNotDone(tr("Edit playlist entries"),
+                           tr("A direct cut takes no time. Choose another transition first."));
+    const QModelIndex index = cell(canEdit(current) ? current : *other);
+    selectionModel()->setCurrentIndex(index, QItemSelectionModel::NoUpdate);
+    scrollTo(index);
+    QTableView::edit(index);
+}
+
 QItemSelectionModel::SelectionFlags PlaylistView::selectionCommand(const QModelIndex& index,
                                                                    const QEvent* event) const
 {
@@ -198,6 +218,12 @@ bool PlaylistView::handleHotkey(const QKeyEvent& event)
                                         "move_entries_up",
                                         "move_entries_down",
                                         "insert_media",
+                                        "insert_media_before",
+                                        "replace_by_media",
+                                        "edit_transition",
+                                        "edit_transition_time",
+                                        "edit_end_action",
+                                        "list_order",
                                         "renumber_entries",
                                         "copy",
                                         "cut",

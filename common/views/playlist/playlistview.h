@@ -52,6 +52,8 @@ public:
 public Q_SLOTS:
     void handleScrollPositionChanged(vantrel::ScrollDirection direction);
     /// Selects the entries, where the list is this one, and brings the first into view.
+    /// Opens the editor of that column, for all selected rows.
+    void editSelected(int column);
     void updateSelection(uint playlist, const QList<vantrel::EntryAddress>& addresses);
 
 Q_SIGNALS:

@@ -32,47 +32,48 @@ double overlapOf(const GuiPlaylistEntry& entry, double before, double length)
     return std::min({entry.transitionDuration(), before, length});
 }
 
+/// What the list takes no time for is passed over, and so is its end action.
+qsizetype playableFrom(const QList<Rundown::Entry>& entries, qsizetype index)
+{
+    while (index < entries.size() && !entries[index]->isPlayable())
+        ++index;
+    return index;
+}
+
 } // namespace
 
 Rundown::Rundown(const QList<Entry>& entries, const EntryAddress& playing, const Length& length)
 {
     const auto found =
         std::ranges::lower_bound(entries, playing, {}, [](const Entry& entry) { return entry->address(); });
-    if (found == entries.end() || (*found)->address() != playing) {
+    const bool isThere = found != entries.end() && (*found)->address() == playing;
+    const qsizetype next = playableFrom(entries, found - entries.begin() + isThere);
+    if (next < entries.size())
+        m_next = entries[next]->address();
+    if (isThere)
+        walk(entries, found - entries.begin(), length);
+    else
         m_kind = Kind::Removed;
-        if (found != entries.end())
-            m_next = (*found)->address();
-        return;
-    }
-    if (found + 1 != entries.end())
-        m_next = (*(found + 1))->address();
-    walk(entries, found - entries.begin(), length);
 }
 
 void Rundown::walk(const QList<Entry>& entries, qsizetype playing, const Length& length)
 {
-    const bool isTimed = std::isfinite(entries[playing]->runtimeBefore());
-    const double zero = entries[playing]->runtimeAfter();
     double before = 0; // the length of the entry in front
     double end = 0;
-    for (qsizetype i = playing; i < entries.size() && m_kind == Kind::None; ++i) {
+    for (qsizetype i = playing; i < entries.size() && m_kind == Kind::None;) {
         const GuiPlaylistEntry& entry = *entries[i];
-        double begin = end;
-        if (isTimed) {
-            begin = i == playing ? 0 : entry.runtimeBefore() - zero;
-            end = i == playing && std::isfinite(zero) ? 0 : entry.runtimeAfter() - zero;
-            if (!std::isfinite(entry.runtimeAfter()))
-                end = entry.runtimeAfter();
-        } else {
-            const double own = length(entry);
-            begin = i == playing ? 0 : end - overlapOf(entry, before, own);
-            end = i == playing && std::isfinite(own) ? 0 : begin + own;
-            before = own;
-        }
-        const bool isEndless = !std::isfinite(end);
-        m_kind = isEndless ? Kind::Endless : holdOf(entry.endAction(), i + 1 == entries.size());
-        m_seconds = isEndless ? begin : end;
+        // Behind an entry without an end the running times say nothing.
+        const double own = std::isfinite(entry.runtimeBefore()) ? entry.runtimeAfter() - entry.runtimeBefore()
+                                                                : length(entry);
+        const bool isEndless = !std::isfinite(own);
+        const double begin = i == playing ? 0 : end - overlapOf(entry, before, own);
+        end = i == playing && !isEndless ? 0 : begin + own;
+        before = own;
         m_ends.append({entry.address(), end});
+        const qsizetype next = playableFrom(entries, i + 1);
+        m_kind = isEndless ? Kind::Endless : holdOf(entry.endAction(), next == entries.size());
+        m_seconds = isEndless ? begin : end;
+        i = next;
     }
 }
 

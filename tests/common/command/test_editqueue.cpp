@@ -1,11 +1,13 @@
 #include "common/command/libraryeditcommand.h"
 #include "common/media/edit/playlist/addmediatoplaylistcommand.h"
+#include "common/media/edit/playlist/renumberplaylistcommand.h"
 #include "common/media/edit/slot/insertcollectioncommand.h"
 #include "common/media/edit/slot/renamecollectioncommand.h"
 #include "common/media/library/editqueue.h"
 #include "common/media/library/medialibraryapi.h"
 #include "common/notification/notificationmanagerimpl.h"
 #include "tarn/media/medialibrary.h"
+#include "tarn/media/playenums.h"
 #include "tests/common/command/scriptedlibrary.h"
 #include "tests/support/testmain.h"
 
@@ -104,6 +106,45 @@ private Q_SLOTS:
         QCOMPARE(server.entries(1), QStringLiteral("1=a 2=b 3=theirs 4=c 5=d"));
         server.peer.session->getQUndoStack()->undo();
         QTRY_COMPARE(server.entries(1), QStringLiteral("1=a 2=b 3=theirs 4=c"));
+    }
+
+    /// What somebody else sets while entries get other numbers stays with its entry, and is not overwritten
+    /// by the undo of that either.
+    void settingsStayWithTheirEntries()
+    {
+        allowWarnings(QStringLiteral("Invalid entry slot url"));
+        Server server;
+        Playlist list("list");
+        for (int i = 1; i <= 3; ++i)
+            list.addEntry({i, 0}, {std::string(1, char('a' + i - 1)), EndAction::Next,
+                                   TakeTransitionType::Crossfade, 1});
+        server.library->addPlaylist(1, list);
+        QVERIFY(server.connect());
+        const auto pausesAt = [&](int address) {
+            const PlaylistEntry* entry = std::as_const(*server.library).findPlaylistEntry(1, {address, 0});
+            return entry && entry->getEndAction() == EndAction::Pause;
+        };
+        server.isMute = true; // holds the renumbering up
+        QVERIFY(server.run<RenameCollectionCommand>(1, QStringLiteral("mine")));
+        QTRY_COMPARE(server.peer.http.count("PATCH", "/medialibrary"), 1);
+        QVERIFY(server.run<RenumberPlaylistCommand>(1, EntryAddress(2, 0),
+                                                    QList<EntryAddress>{{1, 0}, {2, 0}, {3, 0}}));
+        server.edit(R"([{"op":"replace","path":"/playlists/1/entries/3/endAction","value":"pause"}])");
+        server.isMute = false;
+        server.breaksMine = true;
+        expectWarning(QStringLiteral("Failed due network error: "));
+        server.peer.http.breakOpen();
+        QTRY_VERIFY(server.isIdle());
+        QCOMPARE(server.entries(1), QStringLiteral("2=a 3=b 4=c"));
+        QVERIFY(pausesAt(4) && !pausesAt(3));
+        server.edit(R"([{"op":"replace","path":"/playlists/1/entries/2/endAction","value":"pause"}])");
+        QTRY_VERIFY(server.isIdle());
+        expectWarning(QStringLiteral("Undo failed! "));
+        const auto told = said().size();
+        server.peer.session->getQUndoStack()->undo();
+        QTRY_COMPARE(said().size(), told + 1);
+        QCOMPARE(server.entries(1), QStringLiteral("2=a 3=b 4=c"));
+        QVERIFY(pausesAt(2) && pausesAt(4));
     }
 
     /// What was refused is not undone, and what others wrote over is not undone either.

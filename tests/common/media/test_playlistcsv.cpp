@@ -31,7 +31,7 @@ private Q_SLOTS:
         Playlist list("Show");
         list.addEntry({0, 999}, {slotUrl(1, 2), EndAction::Stop, TakeTransitionType::DirectCut, 0});
         list.addEntry({1, 0}, {slotUrl(1, 3), EndAction::Repeat, TakeTransitionType::DipToColor, 2.125});
-        list.addEntry({7, 10}, {slotUrl(1, 4), EndAction::Next, TakeTransitionType::Crossfade, 10});
+        list.addEntry({7, 10}, {slotUrl(1, 4), EndAction::GoTo, TakeTransitionType::Crossfade, 3600});
         library->addPlaylist(1, list);
         QBuffer buffer;
         buffer.open(QIODevice::WriteOnly);
@@ -68,7 +68,9 @@ private Q_SLOTS:
                      "a\"b,7\n"
                      "\"a\"b,8\n"
                      "brume://collections/1/slots/4,9,Direct Cut,STOP,0.5\n"
-                     "\"never closed,10\n");
+                     "brume://collections/1/slots/4,9.05\n"
+                     "\"never closed,10\n"
+                     "brume://collections/1/slots/4,11\n");
         QCOMPARE(import.refusal(), QString());
         QStringList problems;
         for (const auto& problem : import.problems())
@@ -82,10 +84,12 @@ private Q_SLOTS:
                 "7 \"1.2.3\" is no address: write a number such as 5 or 5.1.\n"
                 "8 \"wipe\" is no transition: it is crossfade, dipToColor or directCut.\n"
                 "9 \"explode\" is no end action: it is next, pause, stop or repeat.\n"
-                "10 \"soon\" is no duration of a transition: it is 0 to 10 seconds.\n"
+                "10 \"soon\" is no duration of a transition: it is 0 to 3600 seconds.\n"
                 "11 The line cannot be read: a quote stands inside a field that does not begin with one.\n"
                 "12 The line cannot be read: something follows a closing quote.\n"
-                "14 The line cannot be read: a quote is never closed."));
+                "14 \"9.05\" is no address: write a number such as 5 or 5.1.\n"
+                "15 The lines up to 16 cannot be read: a quote is never closed."));
+        QCOMPARE(import.problemCount(), 12);
         QCOMPARE(import.entries().size(), 2);
         const PlaylistEntry& last = import.entries()[1].second;
         QCOMPARE(last.getTransitionType(), TakeTransitionType::DirectCut);

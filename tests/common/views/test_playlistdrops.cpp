@@ -164,7 +164,8 @@ void TestPlaylistDrops::payloads()
 void TestPlaylistDrops::rundowns_data()
 {
     using R = Rundown::Kind;
-    QTest::addColumn<QByteArray>("actions"); // n, p, s, r, g of each entry; i: it has no end
+    QTest::addColumn<QByteArray>(
+        "actions"); // n, p, s, r, g of each entry; i: it has no end, u: it cannot be played
     QTest::addColumn<int>("playing");
     QTest::addColumn<R>("kind");
     QTest::addColumn<int>("last");
@@ -180,6 +181,11 @@ void TestPlaylistDrops::rundowns_data()
     QTest::newRow("no end, now") << QByteArray("nin") << 2 << R::Endless << 2 << 0.0;
     QTest::newRow("behind one without an end") << QByteArray("innn") << 2 << R::Ends << 4 << 20.0;
     QTest::newRow("holds for a target") << QByteArray("ngn") << 1 << R::Pauses << 2 << 10.0;
+    QTest::newRow("passes over what cannot be played") << QByteArray("nuun") << 1 << R::Ends << 4 << 10.0;
+    QTest::newRow("nothing else can be played") << QByteArray("nnu") << 2 << R::Ends << 2 << 0.0;
+    QTest::newRow("plays what cannot be played any more") << QByteArray("nun") << 2 << R::Ends << 3 << 10.0;
+    QTest::newRow("removed, before some that cannot be played")
+        << QByteArray("uun") << 0 << R::Removed << 0 << 0.0;
     QTest::newRow("removed, the last") << QByteArray("nn") << 7 << R::Removed << 0 << 0.0;
     QTest::newRow("removed, the first") << QByteArray("nn") << 0 << R::Removed << 0 << 0.0;
 }
@@ -205,6 +211,7 @@ void TestPlaylistDrops::rundowns()
                           : action == 'g' ? EndAction::GoTo
                                           : EndAction::Next);
         item.setRuntimes(before, after);
+        item.setPlayable(action != 'u');
         entries.append(std::make_shared<GuiPlaylistEntry>(item));
         before = after;
     }
@@ -214,7 +221,10 @@ void TestPlaylistDrops::rundowns()
     QTEST(rundown.seconds(), "seconds");
     if (rundown.kind() == Rundown::Kind::Ends)
         QCOMPARE(rundown.endOf(rundown.last()), std::optional(rundown.seconds()));
-    QCOMPARE(rundown.next(), playing < actions.size() ? EntryAddress(playing + 1, 0) : EntryAddress());
+    int next = playing;
+    while (next < actions.size() && actions[next] == 'u')
+        ++next;
+    QCOMPARE(rundown.next(), next < actions.size() ? EntryAddress(next + 1, 0) : EntryAddress());
     QVERIFY(!rundown.endOf(EntryAddress(playing - 1, 0)));
 }
 

@@ -1,26 +1,32 @@
 #include "common/media/items/mimedata.h"
+#include "common/media/library/medialibraryapi.h"
 #include "common/media/models/playlist/playlisteditormodel.h"
 #include "common/media/models/playlist/playlistselectionmodel.h"
 #include "common/notification/notificationmanagerimpl.h"
 #include "common/ui/toolkit/iconbutton.h"
+#include "common/views/playlist/cuesheetdialog.h"
 #include "common/views/playlist/playlistcontainer.h"
 #include "common/views/playlist/playlisteditor.h"
 #include "common/views/playlist/playlisteditorheader.h"
 #include "common/views/playlist/playlistmenu.h"
 #include "common/views/playlist/playlistview.h"
 #include "common/views/playlistwidget.h"
+#include "tarn/json/patch.h"
 #include "tests/common/playback/playerfixture.h"
 
 #include <QAction>
 #include <QComboBox>
 #include <QDialog>
 #include <QDropEvent>
+#include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMimeData>
 #include <QPushButton>
+#include <QSignalSpy>
+#include <QTemporaryDir>
 #include <QUndoStack>
 
 using namespace vantrel;
@@ -78,6 +84,11 @@ private Q_SLOTS:
     void typedTimesCount();
     void listsStartOnProgramWithTheirFirst();
     void lyingDropsChangeNothing();
+    void entriesOfOtherListsGoWhereTheyAreShown_data();
+    void entriesOfOtherListsGoWhereTheyAreShown();
+    void dropsOnWhatHasMovedAreRefused();
+    void programTellsItsCourse();
+    void cueSheetsAreWhole();
     void dropsGoWhereTheyAreShown_data();
     void dropsGoWhereTheyAreShown();
 
@@ -233,6 +244,14 @@ void TestPlaylistEditor::keysEdit_data()
     QTest::newRow("up") << int(Qt::Key_Up) << alt << "" << true;
     QTest::newRow("down") << int(Qt::Key_Down) << alt << "" << true;
     QTest::newRow("cut") << int(Qt::Key_X) << control << "" << true;
+    QTest::newRow("transition") << int(Qt::Key_T) << control << "Preview-PlaylistTransitionType-dropdown"
+                                << false;
+    QTest::newRow("time") << int(Qt::Key_D) << control << "Preview-PlaylistTransitionDuration-editor"
+                          << false;
+    QTest::newRow("end action") << int(Qt::Key_E) << control << "Preview-PlaylistEndAction-dropdown" << false;
+    QTest::newRow("insert in front") << int(Qt::Key_Insert) << Qt::KeyboardModifiers(Qt::ShiftModifier) << ""
+                                     << true;
+    QTest::newRow("replace") << int(Qt::Key_Insert) << control << "" << true;
     QTest::newRow("delete") << int(Qt::Key_Delete) << none << "PlaylistEditor-remove-confirmation" << false;
     QTest::newRow("renumber") << int(Qt::Key_R) << control << "Playlist-Renumber-Dialog" << false;
     QTest::newRow("rename") << int(Qt::Key_F2) << none << "Preview-PlaylistEditor-dropdown-edit" << false;
@@ -245,14 +264,12 @@ void TestPlaylistEditor::keysEdit()
     QFETCH(Qt::KeyboardModifiers, modifiers);
     QFETCH(QString, opens);
     QFETCH(bool, edits);
+    m_editor->setMediaSource([] { return QList<QString>{QStringLiteral("brume://collections/1/slots/2")}; });
     select({2});
     QTest::keyClick(m_view, Qt::Key(key), modifiers);
     if (!opens.isEmpty())
         QVERIFY(m_editor->findChild<QWidget*>(opens));
-    if (edits)
-        QTRY_COMPARE(m_fixture->patches.size(), 1);
-    else
-        QVERIFY(m_fixture->patches.isEmpty());
+    QCOMPARE(m_fixture->peer.session->getQUndoStack()->count(), int(edits));
 }
 
 void TestPlaylistEditor::nameIsEdited()
@@ -345,6 +362,123 @@ void TestPlaylistEditor::drop(PlaylistEditor* editor, QMimeData* data, const QPo
 void TestPlaylistEditor::drop(QMimeData* data, const QPoint& viewportPosition)
 {
     drop(m_editor, data, m_view->viewport()->mapTo(m_editor, viewportPosition));
+}
+
+/// Seen by their addresses: what is put below a row stands in front of it in a list that is shown backwards.
+void TestPlaylistEditor::entriesOfOtherListsGoWhereTheyAreShown_data()
+{
+    QTest::addColumn<int>("column");
+    QTest::addColumn<Qt::SortOrder>("order");
+    QTest::addColumn<double>("share");
+    QTest::addColumn<QByteArray>("expected"); // none: refused, with a sentence
+    const int number = PlaylistModel::NumberColumn;
+    QTest::newRow("behind") << number << Qt::AscendingOrder << 0.95 << QByteArray("/entries/2.1\"");
+    QTest::newRow("behind, backwards")
+        << number << Qt::DescendingOrder << 0.95 << QByteArray("/entries/2.1\"");
+    QTest::newRow("in place") << number << Qt::DescendingOrder << 0.5 << QByteArray("/entries/3/");
+    QTest::newRow("sorted by name") << int(PlaylistModel::MediaColumn) << Qt::AscendingOrder << 0.95
+                                    << QByteArray();
+}
+
+void TestPlaylistEditor::entriesOfOtherListsGoWhereTheyAreShown()
+{
+    QFETCH(int, column);
+    QFETCH(Qt::SortOrder, order);
+    QFETCH(double, share);
+    QFETCH(QByteArray, expected);
+    m_view->sortByColumn(column, order);
+    const QJsonObject entry{
+        {"playlistIndex", 7}, {"entryAddress", "4"}, {"slotUrl", "brume://collections/1/slots/2"},
+        {"endAction", 1},     {"transitionType", 0}, {"transitionDuration", 2},
+        {"runtimeBefore", 0}, {"runtimeAfter", 1}};
+    const QRect rect = m_view->visualRect(m_editor->model()->index(1, 0));
+    drop(createMimeData({entry}, MimeItemCategory::Playlist, MediaItemType::PlaylistEntry),
+         {50, rect.top() + qRound(share * (rect.height() - 1))});
+    QCOMPARE(m_fixture->peer.session->getQUndoStack()->count(), int(!expected.isEmpty()));
+    QCOMPARE(NotificationManagerImpl::instance()->notifications().isEmpty(), !expected.isEmpty());
+    if (expected.isEmpty())
+        return;
+    QTRY_COMPARE(m_fixture->patches.size(), 1);
+    QVERIFY2(m_fixture->patches.first().contains(expected), m_fixture->patches.first().constData());
+}
+
+/// While a drag stands still somebody else's edit may put another entry under it.
+void TestPlaylistEditor::dropsOnWhatHasMovedAreRefused()
+{
+    const QRect rect = m_view->visualRect(m_editor->model()->index(2, 0));
+    const QPoint at = m_view->viewport()->mapTo(m_editor, rect.center());
+    const QJsonObject slot{{"address", "brume://collections/1/slots/2"},
+                           {"name", "Logo"},
+                           {"contentUrl", "file:///logo.png"},
+                           {"inpoint", 0},
+                           {"outpoint", QJsonValue::Null},
+                           {"duration", 4},
+                           {"isPlayable", true},
+                           {"durationType", "manual"}};
+    const std::unique_ptr<QMimeData> data(
+        createMimeData({slot}, MimeItemCategory::MediaLibrary, MediaItemType::Slot));
+    QDragEnterEvent enter(at, Qt::CopyAction, data.get(), Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(m_editor, &enter);
+    QDragMoveEvent move(at, Qt::CopyAction, data.get(), Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(m_editor, &move);
+    QVERIFY(m_view->dropTarget().isReplace());
+    Patch patch;
+    QVERIFY(Patch::parseString(R"([{"op":"remove","path":"/playlists/2/entries/1"}])", patch));
+    m_fixture->peer.session->getMediaLibraryApi()->applyMediaLibraryPatch(patch);
+    QCOMPARE(m_editor->model()->rowCount(), 3);
+    QDropEvent event(at, Qt::CopyAction, data.get(), Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(m_editor, &event);
+    QCOMPARE(m_fixture->peer.session->getQUndoStack()->count(), 0);
+    QCOMPARE(NotificationManagerImpl::instance()->notifications().size(), 1);
+}
+
+/// By what the server tells of what is on air, also of what was removed from the list meanwhile.
+void TestPlaylistEditor::programTellsItsCourse()
+{
+    const auto* next = m_fixture->part<QLabel>("Program-PlaybackWidget-Next");
+    const auto* end = m_fixture->part<QLabel>("Program-PlaylistEditor-end");
+    QVERIFY(next && end);
+    m_fixture->set("program", "media", quoted("brume://playlists/2/entries/1"));
+    QTRY_COMPARE(next->text(), QStringLiteral("Next: 2 Walk-in"));
+    m_fixture->set("program", "nextMedia", quoted("brume://playlists/2/entries/3"));
+    QTRY_COMPARE(next->text(), QStringLiteral("Next: 3 Walk-in"));
+    QTRY_VERIFY2(end->text().contains(QStringLiteral("not running")), qPrintable(end->text()));
+    m_fixture->set("program", "heldMedia", quoted("file:///a.mp4"));
+    m_fixture->set("program", "media", quoted(""));
+    Patch patch;
+    QVERIFY(Patch::parseString(R"([{"op":"remove","path":"/playlists/2/entries/1"}])", patch));
+    m_fixture->peer.session->getMediaLibraryApi()->applyMediaLibraryPatch(patch);
+    QTRY_COMPARE(next->text(), QStringLiteral("1 was removed. Next: 3 Walk-in"));
+    QCOMPARE(end->text(), QStringLiteral("1 was removed and plays to its end"));
+}
+
+/// All pages and no more, with the text of the last entry on the last of them; a folder that is none is told.
+void TestPlaylistEditor::cueSheetsAreWhole()
+{
+    QTemporaryDir folder;
+    CueSheet sheet(*m_editor->model(), QStringLiteral("Show"));
+    QCOMPARE(sheet.pictureCount(), 1); // four entries of one slot
+    QList<int> pages;
+    const QString file = folder.filePath(QStringLiteral("show.pdf"));
+    QCOMPARE(sheet.savePdf(file,
+                           [&](int page, int of) {
+                               pages << page << of;
+                               return true;
+                           }),
+             QString());
+    QCOMPARE(pages, QList<int>({1, 1}));
+    QFile written(file);
+    QVERIFY(written.open(QIODevice::ReadOnly) && written.read(5) == "%PDF-");
+    QVERIFY(!sheet.savePdf(folder.filePath(QStringLiteral("none/show.pdf"))).isEmpty());
+    const QString ended = folder.filePath(QStringLiteral("ended.pdf"));
+    QVERIFY(!sheet.savePdf(ended, [](int, int) { return false; }).isEmpty());
+    QVERIFY(!QFile::exists(ended));
+
+    auto* dialog = new CueSheetDialog(sheet, m_editor->model(), ended, m_editor);
+    QSignalSpy told(dialog, &CueSheetDialog::ended);
+    QVERIFY(told.wait(10000));
+    QCOMPARE(told.first().first().toString(), QString());
+    QVERIFY(QFile::exists(ended));
 }
 
 void TestPlaylistEditor::lyingDropsChangeNothing()

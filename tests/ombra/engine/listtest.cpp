@@ -476,6 +476,30 @@ private Q_SLOTS:
         QCOMPARE(property("media"), media.toStdString());
     }
 
+    /// Clients are told of it long before it is opened.
+    void tellsWhatComesNext()
+    {
+        const int red = addSlot(Red, 0, 90), unplayable = addSlot(Green, 0, 90), blue = addSlot(Blue, 0, 90);
+        m_library->findSlot(1, unplayable)->setIsPlayable(false);
+        const int list[] = {red, unplayable, 99, blue};
+        for (int i = 0; i < 4; ++i)
+            addEntry({i + 1, 0}, list[i], TakeTransitionType::DirectCut, 0, EndAction::Pause);
+        edit([] {});
+        start();
+        advance();
+        QCOMPARE(property("nextMedia"), entryUrl(1, {4, 0}));
+        edit([&] { m_library->findSlot(1, unplayable)->setIsPlayable(true); });
+        advance();
+        QCOMPARE(property("nextMedia"), entryUrl(1, {2, 0}));
+        edit([&] { m_library->findPlaylist(1)->removeEntry({1, 0}); });
+        advance();
+        QCOMPARE(property("media"), std::string());
+        QCOMPARE(property("nextMedia"), entryUrl(1, {2, 0}));
+        start({4, 0});
+        advance();
+        QCOMPARE(property("nextMedia"), std::string());
+    }
+
     void passesOverWhatCannotBePlayed()
     {
         QVERIFY(
@@ -488,6 +512,7 @@ private Q_SLOTS:
         edit([] {});
         start({2, 0});
         QTRY_VERIFY(isFollowed());
+        QTRY_COMPARE((advance(), property("nextMedia")), entryUrl(1, {6, 0}));
         QVERIFY2(playsUntil(Red, 0, 10), qPrintable(m_why));
         QVERIFY2(playsUntil(Blue, 20, 30), qPrintable(m_why));
         QTRY_VERIFY((shows(advance(), Qt::blue, 29), property("state") == "pause"));

@@ -1,5 +1,6 @@
 #include "common/media/models/playlist/playlistcsv.h"
 
+#include "common/media/address/entryaddressutils.h"
 #include "common/media/address/mediautils.h"
 #include "tarn/media/enumtext.h"
 #include "tarn/media/medialibrary.h"
@@ -18,7 +19,7 @@ using media::MediaUtils;
 namespace {
 
 constexpr qint64 pieceSize = 65536;
-constexpr double maxTransition = 10; // seconds, as in the editor
+constexpr double maxTransition = 3600; // seconds; what a list holds is taken back whole
 
 QByteArray quoted(const QString& text)
 {
@@ -146,6 +147,7 @@ void PlaylistCsvImport::refuse(const QString& why)
     m_lines.clear();
     m_problems.clear();
     m_problemCount = 0;
+    m_unlistedCount = 0;
 }
 
 ImportPlaylistCommand::Entries PlaylistCsvImport::entries() const
@@ -164,15 +166,19 @@ void PlaylistCsvImport::take(CsvReader::Record&& record)
         takeTitles(record);
         return;
     }
-    QString fault;
-    if (!record.fault.empty())
-        fault = tr("The line cannot be read: %1.").arg(QString::fromStdString(record.fault));
-    else
-        fault = takeEntry(record);
+    const QString broken = QString::fromStdString(record.fault);
+    const int swallowed = record.fault.empty() ? 0 : record.lastLine - record.line; // by an open quote
+    const QString fault = swallowed > 0
+                              ? tr("The lines up to %1 cannot be read: %2.").arg(record.lastLine).arg(broken)
+                          : broken.isEmpty() ? takeEntry(record)
+                                             : tr("The line cannot be read: %1.").arg(broken);
     if (fault.isEmpty())
         return;
-    if (m_problemCount++ < maxProblems)
+    m_problemCount += 1 + swallowed;
+    if (m_problems.size() < maxProblems)
         m_problems.append({record.line, fault});
+    else
+        ++m_unlistedCount;
 }
 
 void PlaylistCsvImport::takeTitles(const CsvReader::Record& record)
@@ -205,8 +211,8 @@ QString PlaylistCsvImport::field(const CsvReader::Record& record, PlaylistCsv::C
 QString PlaylistCsvImport::takeEntry(const CsvReader::Record& record)
 {
     const QString addressText = field(record, PlaylistCsv::Address);
-    EntryAddress address;
-    if (!address.parseString(addressText.toStdString()))
+    const EntryAddress address = EntryAddressUtils::typed(addressText);
+    if (!address.isValid())
         return tr("\"%1\" is no address: write a number such as 5 or 5.1.").arg(shortened(addressText));
     if (const auto taken = m_lines.find(address); taken != m_lines.end())
         return tr("The address %1 is that of line %2 already.")
@@ -252,7 +258,8 @@ QString PlaylistCsvImport::readTransition(const QString& text, PlaylistEntry& en
 
 QString PlaylistCsvImport::readEndAction(const QString& text, PlaylistEntry& entry)
 {
-    constexpr std::array values{EndAction::Next, EndAction::Pause, EndAction::Stop, EndAction::Repeat};
+    constexpr std::array values{EndAction::Next, EndAction::Pause, EndAction::Stop, EndAction::Repeat,
+                                EndAction::GoTo};
     EndAction action = entry.getEndAction();
     if (!text.isEmpty() && !readEnum(text, values, &MediaUtils::endActionToHumanReadable, action))
         return tr("\"%1\" is no end action: it is next, pause, stop or repeat.").arg(shortened(text));

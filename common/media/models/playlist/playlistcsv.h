@@ -73,7 +73,10 @@ public:
     /// In address order.
     ImportPlaylistCommand::Entries entries() const;
     const QList<Problem>& problems() const { return m_problems; }
+    /// Lines; one problem may be of several.
     int problemCount() const { return m_problemCount; }
+    /// Problems that are counted and not listed.
+    int unlistedCount() const { return m_unlistedCount; }
     /// For progress.
     qint64 bytesRead() const { return m_bytes; }
 
@@ -102,6 +105,7 @@ private:
     std::map<EntryAddress, Line> m_lines;
     QList<Problem> m_problems;
     int m_problemCount = 0;
+    int m_unlistedCount = 0;
     qint64 m_bytes = 0;
     QString m_refusal;
 };

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "common/media/edit/playlist/addmediatoplaylistcommand.h"
-#include "common/media/edit/playlist/importplaylistcommand.h"
 #include "common/media/models/playlist/playlistmodel.h"
 #include "tarn/media/playenums.h"
 
@@ -76,8 +75,9 @@ public:
     /// Entries, or slots, of a payload below a row, or at the end for an invalid index; one undo step.
     /// False, and nothing changes, for anything that is no such payload.
     bool doPaste(const QMimeData* payload, const QModelIndex& after);
-    /// Puts what was read from a file in the place of all entries; one undo step.
-    bool doImport(const ImportPlaylistCommand::Entries& entries);
+    /// Entries of another list, behind the row on the screen or in its place; an invalid row is the top of
+    /// the list.
+    bool doDropEntries(const QList<PlaylistEntry>& entries, const QModelIndex& target, AddMode mode);
 
     /// An entry that is being moved is played when it has arrived.
     void doDirectPlayPreview(const QModelIndex& index, int channel);
@@ -132,9 +132,11 @@ private:
     bool areStill(const QList<EntryAddress>& addresses) const;
     bool areStillOrTells(const QString& title, const QList<EntryAddress>& addresses) const;
     void move(const QList<QModelIndex>& indexes, int steps);
+    bool placeEntries(const QList<PlaylistEntry>& entries, AddMode mode, const QModelIndex& target);
     void moveUp(const QList<QModelIndex>& indexes, int steps);
     void moveDown(const QList<QModelIndex>& indexes, int steps);
     void hold(Held::Kind kind, const QList<QModelIndex>& rows, int value);
+    void dropExpired();
     void resume();
     void perform(const Held& held);
     void showError(const QString& title, const QString& text) const;

@@ -12,6 +12,8 @@
 #include "common/media/models/playlist/playlistgesture.h"
 #include "tarn/media/medialibrary.h"
 
+#include <QTimer>
+
 #include <algorithm>
 
 namespace vantrel {
@@ -20,6 +22,15 @@ namespace {
 
 // After that long a gesture is not what the operator means any more, in milliseconds.
 constexpr int patience = 3000;
+
+/// No entry has come, gone or moved.
+bool haveSameAddresses(const Playlist* one, const Playlist* other)
+{
+    return one && other &&
+           std::ranges::equal(
+               one->getEntries(), other->getEntries(), {}, [](const auto& entry) { return entry.first; },
+               [](const auto& entry) { return entry.first; });
+}
 
 const PlaylistEntry* entryAt(const Playlist* list, const EntryAddress& address)
 {
@@ -60,7 +71,11 @@ bool PlaylistEditorModel::areStill(const QList<EntryAddress>& addresses) const
     return std::ranges::all_of(addresses, [&](const EntryAddress& address) {
         const PlaylistEntry* shown = entryAt(list(), address);
         const PlaylistEntry* coming = entryAt(then, address);
-        return shown && coming ? shown->getMediaUrl() == coming->getMediaUrl() : shown == coming;
+        if (!shown || !coming)
+            return shown == coming;
+        // The same clip may stand in many entries: another record may be another of them.
+        return *shown == *coming ||
+               (shown->getMediaUrl() == coming->getMediaUrl() && haveSameAddresses(list(), then));
     });
 }
 
@@ -150,9 +165,18 @@ void PlaylistEditorModel::hold(Held::Kind kind, const QList<QModelIndex>& rows, 
     } else if (!m_held.isEmpty() && m_held.last().kind == kind && m_held.last().rows == kept) {
         m_held.last().value += value;
         m_held.last().patience.setRemainingTime(patience);
+        QTimer::singleShot(patience + 1, this, &PlaylistEditorModel::dropExpired);
         return;
     }
     m_held.append({kind, kept, value, QDeadlineTimer(patience)});
+    QTimer::singleShot(patience + 1, this, &PlaylistEditorModel::dropExpired);
+}
+
+/// Of a server that hangs the operator hears at once, and not when it answers.
+void PlaylistEditorModel::dropExpired()
+{
+    while (!m_held.isEmpty() && m_held.first().patience.hasExpired())
+        perform(m_held.takeFirst());
 }
 
 void PlaylistEditorModel::resume()

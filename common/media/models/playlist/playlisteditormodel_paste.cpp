@@ -1,5 +1,4 @@
 // Entries that come from elsewhere: the clipboard, another list, a file.
-#include "common/command/execute.h"
 #include "common/command/refusal.h"
 #include "common/media/address/mediautils.h"
 #include "common/media/edit/playlist/pasteplaylistentriescommand.h"
@@ -47,25 +46,36 @@ bool PlaylistEditorModel::hasSlotsOf(const QString& title, const QList<PlaylistE
 
 bool PlaylistEditorModel::doPaste(const QMimeData* payload, const QModelIndex& after)
 {
-    const QString title = tr("Paste playlist entries");
-    const QList<PlaylistEntry> entries = PlaylistPayload::entries(payload);
-    if (entries.isEmpty() || playlistNumber() == noPlaylist || !hasSlotsOf(title, entries))
-        return false;
-    const bool atEnd = !after.isValid();
-    if (!atEnd && !isInOrder(title))
-        return false;
-    const EntryAddress behind = atEnd ? EntryAddress() : addressAbove(after);
-    return areStillOrTells(title, {behind}) &&
-           run<PastePlaylistEntriesCommand>(
-               tr("Unable to paste playlist entries"), library(), number(),
-               atEnd ? AddMediaToPlaylistCommand::AtEnd : AddMediaToPlaylistCommand::After, behind, entries);
+    return placeEntries(PlaylistPayload::entries(payload),
+                        after.isValid() ? AddMediaToPlaylistCommand::After : AddMediaToPlaylistCommand::AtEnd,
+                        after);
 }
 
-bool PlaylistEditorModel::doImport(const ImportPlaylistCommand::Entries& entries)
+bool PlaylistEditorModel::doDropEntries(const QList<PlaylistEntry>& entries, const QModelIndex& target,
+                                        AddMode mode)
 {
-    return playlistNumber() != noPlaylist &&
-           execute<ImportPlaylistCommand>(m_stack, "import playlist command", library(), number(),
-                                          tr("New playlist %1").arg(number()), entries);
+    return placeEntries(entries, mode, target);
+}
+
+bool PlaylistEditorModel::placeEntries(const QList<PlaylistEntry>& entries, AddMode mode,
+                                       const QModelIndex& target)
+{
+    const QString title = tr("Paste playlist entries");
+    if (entries.isEmpty() || playlistNumber() == noPlaylist || !hasSlotsOf(title, entries))
+        return false;
+    EntryAddress address;
+    if (mode == AddMediaToPlaylistCommand::After) {
+        if (!isInOrder(title))
+            return false;
+        address = addressAbove(target);
+    } else if (mode == AddMediaToPlaylistCommand::Replace) {
+        if (!target.isValid())
+            return false;
+        address = getEntryAddress(target);
+    }
+    return areStillOrTells(title, {address}) &&
+           run<PastePlaylistEntriesCommand>(tr("Unable to paste playlist entries"), library(), number(), mode,
+                                            address, entries);
 }
 
 } // namespace vantrel

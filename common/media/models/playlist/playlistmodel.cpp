@@ -163,6 +163,17 @@ QModelIndex PlaylistModel::indexOf(EntryAddress address) const
     return row < 0 ? QModelIndex() : index(row, 0);
 }
 
+std::pair<int, int> PlaylistModel::addressDigits() const
+{
+    int major = 0, minor = 0;
+    for (const Item& item : m_rows.items()) {
+        major = std::max(major, item->address().major);
+        minor = std::max(minor, item->address().minor);
+    }
+    const auto digits = [](int number) { return static_cast<int>(QString::number(number).size()); };
+    return {digits(major), minor > 0 ? digits(minor) : 0};
+}
+
 QModelIndex PlaylistModel::getLeftmostIndex(int row) const
 {
     return index(row, 0);
@@ -183,7 +194,8 @@ void PlaylistModel::onReset()
 void PlaylistModel::populate()
 {
     clearCachedData();
-    m_isBehind = false;
+    m_isBehind = m_isRearranged = false;
+    m_edited.clear();
     if (m_provider && m_playlist != noPlaylist)
         m_rows.assign(m_provider->entries(m_playlist));
     sortData();
@@ -249,7 +261,7 @@ void PlaylistModel::onPlaylistRemoved(uint playlist)
 
 void PlaylistModel::onEntryAdded(uint playlist, EntryAddress address)
 {
-    if (playlist != m_playlist || !m_provider || isBehind())
+    if (playlist != m_playlist || !m_provider || isBehind(address, false))
         return;
     const auto entry = m_provider->entry(playlist, address);
     if (!entry) {
@@ -266,7 +278,7 @@ void PlaylistModel::onEntryAdded(uint playlist, EntryAddress address)
 
 void PlaylistModel::onEntryChanged(uint playlist, EntryAddress address)
 {
-    if (playlist != m_playlist || !m_provider || isBehind())
+    if (playlist != m_playlist || !m_provider || isBehind(address, true))
         return;
     const int row = m_rows.rowOf(address);
     if (row < 0) {
@@ -287,7 +299,7 @@ void PlaylistModel::onEntryChanged(uint playlist, EntryAddress address)
 
 void PlaylistModel::onEntryRemoved(uint playlist, EntryAddress address)
 {
-    if (playlist != m_playlist || isBehind())
+    if (playlist != m_playlist || isBehind(address, false))
         return;
     const int row = m_rows.rowOf(address);
     if (row < 0) {
@@ -370,10 +382,10 @@ void PlaylistModel::emitDataChangedOnRow(int row, int firstColumn, int lastColum
 void PlaylistModel::emitDataChangedFor(const QUrl& mediaUrl, int column)
 {
     doubtOrder();
-    for (const EntryAddress& address : getEntriesUsingMediaUrl(mediaUrl)) {
-        const int row = m_rows.rowOf(address);
-        emitDataChangedOnRow(row, std::max(column, 0), column < 0 ? ColumnCount - 1 : column);
-    }
+    std::vector<int> rows;
+    for (const EntryAddress& address : getEntriesUsingMediaUrl(mediaUrl))
+        rows.push_back(m_rows.rowOf(address));
+    emitDataChangedOn(std::move(rows), std::max(column, 0), column < 0 ? ColumnCount - 1 : column);
 }
 
 void PlaylistModel::warnMissing(uint playlist, EntryAddress address) const

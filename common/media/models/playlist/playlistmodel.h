@@ -12,6 +12,7 @@
 
 #include <QAbstractTableModel>
 #include <QHash>
+#include <QPixmap>
 #include <QPointer>
 #include <QSet>
 
@@ -95,6 +96,8 @@ public:
     QList<EntryAddress> getEntryAddresses(const QList<QModelIndex>& indexes) const;
     /// Of the first cell; invalid when there is no such entry.
     QModelIndex indexOf(EntryAddress address) const;
+    /// The most digits that an address here has before and behind its point.
+    std::pair<int, int> addressDigits() const;
     QModelIndex getLeftmostIndex(int row) const;
     QModelIndex getRightmostIndex(int row) const;
 
@@ -108,6 +111,8 @@ public:
     MediaMetadataPtr getMetadata(const GuiPlaylistEntry& entry) const;
     /// In bytes; 0 while it is not known.
     qint64 getMediaSize(const GuiPlaylistEntry& entry) const;
+    /// As the table writes it.
+    static QString sizeText(qint64 bytes);
     QVariant getThumbnail(const GuiPlaylistEntry& entry) const;
     /// Seconds: of the medium, and of what of it is played.
     double getMediaDuration(const GuiPlaylistEntry& entry) const;
@@ -120,6 +125,7 @@ public:
     // As the table shows them, asking nobody for what is not known yet.
     MediaState knownState(const GuiPlaylistEntry& entry) const;
     qint64 knownSize(const GuiPlaylistEntry& entry) const;
+    QPixmap knownThumbnail(const GuiPlaylistEntry& entry) const;
     /// In address order.
     QList<EntryAddress> getEntriesUsingMediaUrl(const QUrl& url) const;
 
@@ -159,7 +165,8 @@ private:
     PlaylistOrder rowOrder() const;
     void sortData();
     void relayout(const QList<Item>& items, const QHash<EntryAddress, EntryAddress>& moved);
-    bool isBehind();
+    bool isBehind(EntryAddress address, bool isEdited);
+    bool takeOverEdits(const std::vector<EntryAddress>& edited);
     void onChangesFinished();
     Difference compare(const QList<Item>& now) const;
     void synchronise();
@@ -178,7 +185,7 @@ private:
     QVariant editData(const GuiPlaylistEntry& entry, int column) const;
     QVariant rowData(const GuiPlaylistEntry& entry, int role) const;
     void emitDataChangedOnRow(int row, int firstColumn = 0, int lastColumn = ColumnCount - 1);
-    void emitDataChangedOn(std::vector<int> rows);
+    void emitDataChangedOn(std::vector<int> rows, int firstColumn = 0, int lastColumn = ColumnCount - 1);
     void emitDataChangedFor(const QUrl& mediaUrl, int column);
     void warnMissing(uint playlist, EntryAddress address) const;
 
@@ -193,8 +200,10 @@ private:
     Playing m_programPlaying;
     int m_sortColumn = NumberColumn;
     bool m_isAscending = true;
-    bool m_isChanging = false; // within a patch: what it changes is taken over at its end
-    bool m_isBehind = false;   // and it changes something here
+    bool m_isChanging = false;          // within a patch: what it changes is taken over at its end
+    bool m_isBehind = false;            // and it changes something here
+    bool m_isRearranged = false;        // entries come or go
+    std::vector<EntryAddress> m_edited; // what else there is to take over, as long as it is little
     bool m_isOrderDoubtful = false;
     mutable UrlIndex m_urls;             // of the slots that are played here, and of some that were
     mutable bool m_areUrlsKnown = false; // since somebody asked

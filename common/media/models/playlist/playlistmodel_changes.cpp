@@ -13,6 +13,8 @@ namespace {
 
 using Item = PlaylistRows::Item;
 
+constexpr std::size_t fewEdits = 64;
+
 auto contentOf(const GuiPlaylistEntry& entry)
 {
     return std::tuple(entry.slotUrl(), entry.endAction(), entry.transitionType(), entry.transitionDuration());
@@ -45,17 +47,53 @@ struct PlaylistModel::Difference
 };
 
 /// Whether somebody tells of what onChangesFinished() takes over as a whole.
-bool PlaylistModel::isBehind()
+bool PlaylistModel::isBehind(EntryAddress address, bool isEdited)
 {
-    m_isBehind = m_isBehind || m_isChanging;
-    return m_isChanging;
+    if (!m_isChanging)
+        return false;
+    m_isBehind = true;
+    m_isRearranged = m_isRearranged || !isEdited || m_edited.size() >= fewEdits;
+    if (!m_isRearranged)
+        m_edited.push_back(address);
+    return true;
 }
 
 void PlaylistModel::onChangesFinished()
 {
     m_isChanging = false;
-    if (std::exchange(m_isBehind, false))
+    const std::vector<EntryAddress> edited = std::exchange(m_edited, {});
+    const bool isRearranged = std::exchange(m_isRearranged, false);
+    if (std::exchange(m_isBehind, false) && (isRearranged || !takeOverEdits(edited)))
         synchronise();
+}
+
+/// What most edits are: one entry has other settings, and some have other times. Nothing is compared then
+/// that is not told of. False, with nothing done, where it may be more: several may have changed places.
+bool PlaylistModel::takeOverEdits(const std::vector<EntryAddress>& edited)
+{
+    std::vector<std::pair<int, Item>> news;
+    std::vector<int> others, timed;
+    for (const EntryAddress& address : edited) {
+        const int row = m_rows.rowOf(address);
+        const Item item = m_provider && row >= 0 ? m_provider->entry(m_playlist, address) : nullptr;
+        if (!item)
+            return false;
+        (contentOf(*m_rows.at(row)) == contentOf(*item) ? timed : others).push_back(row);
+        news.emplace_back(row, item);
+    }
+    std::ranges::sort(others);
+    others.erase(std::ranges::unique(others).begin(), others.end());
+    if (others.size() > 1)
+        return false;
+    for (const auto& [row, item] : news)
+        m_rows.replace(row, item);
+    if (!others.empty()) {
+        knowUrl(*m_rows.at(others.front()));
+        doubtOrder();
+    }
+    emitDataChangedOn(std::move(others));
+    emitDataChangedOn(std::move(timed), RuntimeBeforeColumn, RuntimeAfterColumn);
+    return true;
 }
 
 PlaylistModel::Difference PlaylistModel::compare(const QList<Item>& now) const
@@ -226,11 +264,11 @@ void PlaylistModel::doubtOrder()
     m_isOrderDoubtful = m_sortColumn != NumberColumn;
 }
 
-void PlaylistModel::emitDataChangedOn(std::vector<int> rows)
+void PlaylistModel::emitDataChangedOn(std::vector<int> rows, int firstColumn, int lastColumn)
 {
     std::ranges::sort(rows);
-    forEachRun(rows, [this](int first, int last) {
-        Q_EMIT dataChanged(index(first, 0), index(last, ColumnCount - 1));
+    forEachRun(rows, [=, this](int first, int last) {
+        Q_EMIT dataChanged(index(first, firstColumn), index(last, lastColumn));
     });
 }
 

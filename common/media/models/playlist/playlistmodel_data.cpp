@@ -56,15 +56,18 @@ QVariant PlaylistModel::displayData(const GuiPlaylistEntry& entry, int column) c
         return shownDuration(entry);
     case TransitionDurationColumn:
         return entry.transitionDuration();
-    case SizeColumn: {
-        const qint64 size = getMediaSize(entry);
-        return size > 0
-                   ? QLocale().formattedDataSize(size, size < 1'000'000 ? 0 : 1, QLocale::DataSizeSIFormat)
-                   : QStringLiteral("0 B");
-    }
+    case SizeColumn:
+        return sizeText(getMediaSize(entry));
     default:
         return {};
     }
+}
+
+QString PlaylistModel::sizeText(qint64 bytes)
+{
+    return bytes > 0
+               ? QLocale().formattedDataSize(bytes, bytes < 1'000'000 ? 0 : 1, QLocale::DataSizeSIFormat)
+               : QStringLiteral("0 B");
 }
 
 QVariant PlaylistModel::editData(const GuiPlaylistEntry& entry, int column) const
@@ -156,7 +159,7 @@ MediaMetadataPtr PlaylistModel::getMetadata(const GuiPlaylistEntry& entry) const
 qint64 PlaylistModel::getMediaSize(const GuiPlaylistEntry& entry) const
 {
     const MediaMetadataPtr metadata = getMetadata(entry);
-    return metadata ? metadata->getFileSize().value_or(0) : 0;
+    return metadata ? metadata->getFileSize().value_or(0) : knownSize(entry);
 }
 
 QVariant PlaylistModel::getThumbnail(const GuiPlaylistEntry& entry) const
@@ -212,10 +215,16 @@ MediaState PlaylistModel::knownState(const GuiPlaylistEntry& entry) const
 qint64 PlaylistModel::knownSize(const GuiPlaylistEntry& entry) const
 {
     const MediaSlot* slot = recordOf(entry);
-    const MediaMetadataPtr metadata =
-        slot && m_aggregator ? m_aggregator->knownMetadata(QUrl(QString::fromStdString(slot->getUrl())))
+    return slot && m_aggregator ? m_aggregator->knownSize(QUrl(QString::fromStdString(slot->getUrl()))) : 0;
+}
+
+QPixmap PlaylistModel::knownThumbnail(const GuiPlaylistEntry& entry) const
+{
+    const MediaSlot* slot = recordOf(entry);
+    const ThumbnailPtr picture =
+        slot && m_aggregator ? m_aggregator->knownThumbnail(QUrl(QString::fromStdString(slot->getUrl())))
                              : nullptr;
-    return metadata ? metadata->getFileSize().value_or(0) : 0;
+    return picture ? *picture : QPixmap();
 }
 
 void PlaylistModel::knowUrl(const GuiPlaylistEntry& entry) const

@@ -21,7 +21,7 @@ using media::MediaUtils;
 namespace {
 
 // A payload of a whole library is some megabytes; what is larger was not copied here.
-constexpr qsizetype largestPayload = 64 * 1024 * 1024;
+constexpr qsizetype largestPayload = 16 * 1024 * 1024;
 
 bool isWhole(const QJsonValue& value, int least, int most)
 {
@@ -52,6 +52,14 @@ bool PlaylistPayload::isSound(const QJsonObject& entry)
            isWhole(entry.value(QStringLiteral("transitionType")), 0,
                    static_cast<int>(TakeTransitionType::DirectCut)) &&
            duration >= 0 && duration <= 3600;
+}
+
+bool PlaylistPayload::isOffered(const QMimeData* payload)
+{
+    const int type = payload ? payload->data(mimeformat::type).toInt() : 0;
+    return payload && payload->hasFormat(mimeformat::json) &&
+           (type == static_cast<int>(MediaItemType::PlaylistEntry) ||
+            type == static_cast<int>(MediaItemType::Slot));
 }
 
 QList<PlaylistEntry> PlaylistPayload::entries(const QMimeData* payload)

@@ -18,6 +18,8 @@ public:
     /// All of a payload of entries or slots, or nothing: half of what somebody copied is not what they
     /// copied.
     static QList<PlaylistEntry> entries(const QMimeData* payload);
+    /// By its looks: what it holds is read when it is wanted.
+    static bool isOffered(const QMimeData* payload);
     /// Whether each value of an entry's JSON is one that means something.
     static bool isSound(const QJsonObject& entry);
 };

@@ -1,0 +1,86 @@
+// What is done with a playlist as a whole, and with all of them.
+#include "common/command/execute.h"
+#include "common/media/edit/playlist/importplaylistcommand.h"
+#include "common/media/edit/playlist/removeplaylistcommand.h"
+#include "common/media/items/guiplaylist.h"
+#include "common/media/library/playlistprovider.h"
+#include "common/media/models/playlist/playlisteditormodel.h"
+#include "common/media/models/playlist/playlistlibrarymodel.h"
+#include "common/session/session.h"
+#include "common/ui/toolkit/confirmationdialog.h"
+#include "common/views/playlist/listclock.h"
+#include "common/views/playlist/playlisteditor.h"
+#include "common/views/playlist/playlisteditorheader.h"
+#include "common/views/playlist/playlistsdialog.h"
+#include "tarn/media/medialibrary.h"
+
+namespace vantrel {
+
+void PlaylistEditor::removePlaylist(uint playlist)
+{
+    const auto list = m_session->playlistProvider()->playlist(playlist);
+    if (!list)
+        return;
+    confirm(m_removeListDialog, "PlaylistEditor-remove-list-confirmation", tr("Remove playlist"),
+            tr("Remove playlist \"%1\" with its %n entries?", nullptr, int(list->entryCount()))
+                    .arg(list->name()) +
+                onAirWarning(playlist),
+            tr("REMOVE"), [this, playlist] {
+                execute<RemovePlaylistCommand>(m_session->getQUndoStack(), "RemovePlaylistCommand",
+                                               m_session->mediaLibrary(), static_cast<int>(playlist));
+            });
+    m_removeListDialog->setProperty("playlist", playlist);
+}
+
+void PlaylistEditor::showPlaylists()
+{
+    const PlaylistsDialog::Sources sources{m_session->playlistLibraryModel(), m_session->mediaLibrary(),
+                                           m_session->getQUndoStack(), m_clock};
+    auto* dialog = new PlaylistsDialog(sources, m_model->playlistNumber(), this);
+    dialog->setEditable(m_isEditable);
+    connect(dialog, &PlaylistsDialog::chosen, this,
+            [this](uint playlist) { changePlaylistNumber(static_cast<int>(playlist)); });
+    connect(dialog, &PlaylistsDialog::removalWanted, this, &PlaylistEditor::removePlaylist);
+    dialog->open();
+}
+
+/// Behind a question about a list; empty where it is not on air.
+QString PlaylistEditor::onAirWarning(uint playlist) const
+{
+    if (m_clock->playlist() == 0 || m_clock->playlist() != playlist)
+        return {};
+    return u' ' + tr("It is on program: %1 plays to its end.")
+                      .arg(ListClock::nameOf(m_session->playlistProvider(), playlist, m_clock->playing()));
+}
+
+PlaylistFiles::List PlaylistEditor::shownList() const
+{
+    const uint number = m_model->playlistNumber();
+    return {number, listName(), m_session->playlistLibraryModel()->rowOf(number) < 0, onAirWarning(number)};
+}
+
+QString PlaylistEditor::listName() const
+{
+    const PlaylistLibraryModel* library = m_session->playlistLibraryModel();
+    const int row = library->rowOf(m_model->playlistNumber());
+    return row < 0 ? tr("New playlist %1").arg(m_model->playlistNumber())
+                   : library->index(row, PlaylistLibraryModel::PlainNameColumn).data(Qt::EditRole).toString();
+}
+
+void PlaylistEditor::duplicatePlaylist()
+{
+    const MediaLibrary* library = m_session->mediaLibrary();
+    const Playlist* list = library->findPlaylist(static_cast<int>(m_model->playlistNumber()));
+    if (!list)
+        return;
+    ImportPlaylistCommand::Entries entries;
+    for (const auto& [address, entry] : list->getEntries())
+        entries.append({address, entry});
+    const int number = m_header->freeNumber();
+    const QString name = tr("Copy of %1").arg(QString::fromStdString(list->getName()));
+    if (execute<ImportPlaylistCommand>(m_session->getQUndoStack(), "ImportPlaylistCommand", library, number,
+                                       name, entries))
+        m_header->showWhenThere(static_cast<uint>(number));
+}
+
+} // namespace vantrel
