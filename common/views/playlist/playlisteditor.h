@@ -17,6 +17,7 @@ class QMimeData;
 
 namespace vantrel {
 
+class AllPlaylists;
 class ConfirmationDialog;
 class ListClock;
 class OwnAddition;
@@ -131,7 +132,7 @@ private:
     QString listName() const;
     void duplicatePlaylist();
     void removePlaylist(uint playlist);
-    void showPlaylists();
+    bool copyList(uint playlist, int number);
 
     PlaybackViewMode m_mode;
     Session* m_session;
@@ -141,6 +142,7 @@ private:
     PlaylistContainer* m_container = nullptr;
     PlaylistMenu* m_menu = nullptr;
     PlaylistFiles* m_files = nullptr;
+    AllPlaylists* m_lists = nullptr;
     ListClock* m_clock;
     QPointer<TextInputDialog> m_renumberDialog;
     QPointer<ConfirmationDialog> m_clearDialog;
