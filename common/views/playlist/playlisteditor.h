@@ -106,7 +106,7 @@ private:
     bool hasShifted(const QPoint& position, const DropTarget& target) const;
     QString wordsFor(const DropTarget& target, const PlaylistDrop& drop) const;
     QString nameAt(int row) const;
-    void applyDrop(const QMimeData* data, const DropTarget& target);
+    void applyDrop(const PlaylistDrop& drop, const DropTarget& target);
     void dropPlaylist(uint number);
     void dropEntries(const PlaylistDrop& drop, const DropTarget& target);
     void dropMedia(const PlaylistDrop& drop, const DropTarget& target);

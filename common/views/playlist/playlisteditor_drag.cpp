@@ -181,13 +181,12 @@ void PlaylistEditor::dropEvent(QDropEvent* event)
         hasShifted(position, target))
         refuse(tr("The playlist has changed under the drag. Nothing was changed: drag it again."));
     else
-        applyDrop(event->mimeData(), target);
+        applyDrop(m_dragged ? *m_dragged : PlaylistDrop::read(event->mimeData()), target);
     endDrag(); // now the list may be another
 }
 
-void PlaylistEditor::applyDrop(const QMimeData* data, const DropTarget& target)
+void PlaylistEditor::applyDrop(const PlaylistDrop& drop, const DropTarget& target)
 {
-    const PlaylistDrop drop = PlaylistDrop::read(data);
     using Kind = PlaylistDrop::Kind;
     if (drop.kind() == Kind::Nothing) {
         refuse(drop.fault());

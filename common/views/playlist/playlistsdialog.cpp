@@ -162,6 +162,7 @@ void PlaylistsDialog::setEditable(bool editable)
 void PlaylistsDialog::updateOffers()
 {
     const bool hasList = current() != ~0U;
+    setDescription(m_table->rowCount() == 0 ? tr("There are no playlists yet.") : QString());
     setAcceptEnabled(hasList);
     for (PushButton* action : std::as_const(m_actions))
         action->setEnabled(hasList && m_isEditable);

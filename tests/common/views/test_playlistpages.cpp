@@ -8,6 +8,7 @@
 #include "common/views/playlist/playlistview.h"
 #include "tests/common/playback/playerfixture.h"
 
+#include <QAbstractItemModelTester>
 #include <QAction>
 #include <QFile>
 #include <QFileDialog>
@@ -123,6 +124,8 @@ void TestPlaylistPages::listsAreEdited()
     QFETCH(QStringList, sent);
     QTableView* table = openPage();
     QVERIFY(table && table->isVisible());
+    const QAbstractItemModelTester tester(table->model(),
+                                          QAbstractItemModelTester::FailureReportingMode::Fatal);
     QCOMPARE(table->currentIndex().row(), 1);
     QTest::keyClick(table, key[0].key(), key[0].keyboardModifiers());
     if (!typed.isEmpty()) {
