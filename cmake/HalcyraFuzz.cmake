@@ -18,7 +18,15 @@ foreach(source IN LISTS targets)
   target_link_options(fuzz_${name} PRIVATE -fsanitize=fuzzer)
 endforeach()
 
-# The reader of the event stream is the one parser outside of tarn.
+# Parsers outside of tarn: the reader of the event stream,
 target_sources(fuzz_eventstream PRIVATE ${CMAKE_SOURCE_DIR}/common/media/library/eventstream.cpp
   ${CMAKE_SOURCE_DIR}/common/media/address/medialogging.cpp)
 target_link_libraries(fuzz_eventstream PRIVATE Qt6::Core)
+
+# and what a playlist believes of a drag.
+set(items guimediacollection guimediaitemfactory guimediaslot guiplaylist guiplaylistentry mimedata)
+list(TRANSFORM items REPLACE "(.+)" "${CMAKE_SOURCE_DIR}/common/media/items/\\1.cpp")
+target_sources(fuzz_drop PRIVATE ${CMAKE_SOURCE_DIR}/common/views/playlist/playlistdrop.cpp ${items}
+  ${CMAKE_SOURCE_DIR}/common/media/address/mediafiles.cpp ${CMAKE_SOURCE_DIR}/common/media/address/mediautils.cpp
+  ${CMAKE_SOURCE_DIR}/common/media/address/medialogging.cpp)
+target_link_libraries(fuzz_drop PRIVATE Qt6::Core)

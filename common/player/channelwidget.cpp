@@ -95,6 +95,14 @@ void ChannelWidget::setObject(Object* object, Scene* scene)
         m_adjust.start();
 }
 
+void ChannelWidget::setUsable(bool usable)
+{
+    m_preview->setEnabled(usable);
+    m_program->setEnabled(usable);
+    m_takeControls->setEnabled(usable);
+    m_previewPlaylist->setUsable(usable);
+}
+
 void ChannelWidget::setBlocked(const QString& reason)
 {
     m_preview->setBlocked(reason);

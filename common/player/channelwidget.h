@@ -31,6 +31,8 @@ public:
     void setObject(Object* object, Scene* scene);
     /// Why nothing can be sent to the server; empty when it can.
     void setBlocked(const QString& reason);
+    /// Without a server nothing takes a click but the playlists, which can still be read, saved and printed.
+    void setUsable(bool usable);
     /// Gives both columns the same division, about three quarters for the playback.
     void adjustSplitters();
     /// The least width of both columns, where the window has room for it.

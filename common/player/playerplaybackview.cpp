@@ -187,6 +187,7 @@ void PlayerPlaybackView::onWidgetAdded(QWidget* widget, const QModelIndex& index
         if (m_keys)
             m_keys->addChannel(channel);
         channel->setBlocked(blockedReason());
+        updateUsable();
         PlaylistWidget* playlist = channel->previewPlaylist();
         playlist->editor()->setMediaSource([this] { return m_panel->selectedMedia(); });
         connect(m_panel, &MediaPanelWidget::mediaInsertRequested, playlist, &PlaylistWidget::insertMedia,
@@ -223,15 +224,24 @@ void PlayerPlaybackView::onHealthChanged()
     updateUsable();
 }
 
-/// While the server does not answer nothing takes a click, and nothing is kept for later either.
+/// While the server does not answer nothing takes a click, and nothing is kept for later either. The
+/// playlists can be read on, and go to paper: that is when an operator wants them there.
 void PlayerPlaybackView::updateUsable()
 {
     const bool isUsable = !m_isStale && m_session->linkHealth()->state() != LinkHealth::State::Silent;
     // Nowhere rather than to the next that is enabled, for which the keys under the hand were not meant.
     QWidget* focused = QApplication::focusWidget();
-    if (!isUsable && focused && m_channels->isAncestorOf(focused))
+    const auto isInList = [this](const QWidget* widget) {
+        for (; widget && widget != m_channels; widget = widget->parentWidget()) {
+            if (qobject_cast<const PlaylistEditor*>(widget))
+                return true;
+        }
+        return false;
+    };
+    if (!isUsable && focused && m_channels->isAncestorOf(focused) && !isInList(focused))
         focused->clearFocus();
-    m_channels->setEnabled(isUsable);
+    for (ChannelWidget* channel : m_channels->findChildren<ChannelWidget*>(Qt::FindDirectChildrenOnly))
+        channel->setUsable(isUsable);
 }
 
 void PlayerPlaybackView::onWidgetRemoved(QWidget* widget)

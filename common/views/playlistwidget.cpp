@@ -116,6 +116,12 @@ void PlaylistWidget::insertMedia(const QList<QString>& urls)
     m_editor->insertMedia(urls);
 }
 
+void PlaylistWidget::setUsable(bool usable)
+{
+    if (m_tabs)
+        m_tabs->widget(SingleMediaTab)->setEnabled(usable);
+}
+
 QWidget* PlaylistWidget::createSingleMediaPage(const Session& session)
 {
     auto* model = new SingleMediaModel(session.mediaDataAggregator(), session.playlistProvider(),

@@ -30,6 +30,8 @@ public:
     PlaylistEditor* editor() const { return m_editor; }
     /// Slots into the playlist of preview, which comes to the front.
     void insertMedia(const QList<QString>& urls);
+    /// The list stays in reach: it offers by itself only what can be done.
+    void setUsable(bool usable);
     /// The height, in pixels, at which it is of use.
     int usefulHeight() const;
     QSize minimumSizeHint() const override;

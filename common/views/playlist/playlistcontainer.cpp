@@ -110,7 +110,15 @@ void PlaylistContainer::setModel(PlaylistModel* model)
     connect(model, &QAbstractItemModel::rowsInserted, this, later);
     connect(model, &QAbstractItemModel::rowsRemoved, this, later);
     connect(model, &QAbstractItemModel::layoutChanged, this, later);
+    // Another list is seen in the order in which it plays.
+    connect(model, &PlaylistModel::playlistChanged, this, &PlaylistContainer::sortByNumber);
     updateHeaders();
+}
+
+void PlaylistContainer::sortByNumber()
+{
+    if (m_model && (m_model->sortColumn() != Column::NumberColumn || !m_model->isAscending()))
+        m_view->sortByColumn(Column::NumberColumn, Qt::AscendingOrder);
 }
 
 void PlaylistContainer::setSelectionModel(QItemSelectionModel* selection)

@@ -41,6 +41,8 @@ public:
 
 public Q_SLOTS:
     void updateHeaders();
+    /// Back to the order of the list.
+    void sortByNumber();
 
 Q_SIGNALS:
     void entryDoubleClick(QModelIndex index);
@@ -52,7 +54,6 @@ protected:
 
 private:
     void arrangeColumns();
-    void onTicked();
     void onBrowsed();
     void showPlaying();
 

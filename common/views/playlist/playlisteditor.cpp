@@ -17,6 +17,7 @@
 #include "common/ui/toolkit/confirmationdialog.h"
 #include "common/ui/toolkit/iconbutton.h"
 #include "common/ui/toolkit/textinputdialog.h"
+#include "common/views/playlist/allplaylists.h"
 #include "common/views/playlist/listclock.h"
 #include "common/views/playlist/ownaddition.h"
 #include "common/views/playlist/playlistcontainer.h"
@@ -97,7 +98,10 @@ void PlaylistEditor::build()
     }
 
     connect(m_header, &PlaylistEditorHeader::editorPinned, this, &PlaylistEditor::editorPinned);
-    connect(m_header, &PlaylistEditorHeader::contextMenu, this, &PlaylistEditor::openContextMenu);
+    connect(m_header, &PlaylistEditorHeader::contextMenu, this, [this](const QPoint& at) {
+        if (m_menu)
+            m_menu->popup(at);
+    });
     connect(m_header, &PlaylistEditorHeader::listLost, this, &PlaylistEditor::showLoss);
     connect(m_container, &PlaylistContainer::entryDoubleClick, this, &PlaylistEditor::handleEntryDoubleClick);
     connect(m_container, &PlaylistContainer::entryDragStarted, this, &PlaylistEditor::handleDragAndDrop);
@@ -172,9 +176,13 @@ void PlaylistEditor::connectMenu()
     connect(m_menu, &Menu::doPaste, this, &PlaylistEditor::doPaste);
     connect(m_menu, &Menu::doAction, this, &PlaylistEditor::runAction);
     connect(m_menu, &Menu::doDuplicatePlaylist, this, &PlaylistEditor::duplicatePlaylist);
-    connect(m_menu, &Menu::doShowPlaylists, this, &PlaylistEditor::showPlaylists);
     connect(m_menu, &Menu::doRemovePlaylist, this, [this] { removePlaylist(m_model->playlistNumber()); });
     m_files = new PlaylistFiles(m_model, m_session->getQUndoStack(), this);
+    m_lists = new AllPlaylists(
+        {m_model, m_session->playlistLibraryModel(), m_clock, m_session->getQUndoStack()}, this);
+    connect(m_lists, &AllPlaylists::removalWanted, this, &PlaylistEditor::removePlaylist);
+    connect(m_lists, &AllPlaylists::copyWanted, this,
+            [this](uint playlist) { copyList(playlist, m_header->freeNumber()); });
     connect(m_menu, &Menu::doImport, this, [this] {
         if (ensurePlaylist())
             m_files->importTable(shownList());
@@ -212,6 +220,7 @@ void PlaylistEditor::updateEditable()
         return;
     m_container->list()->setEditable(m_isEditable);
     m_menu->setEditable(m_isEditable);
+    m_lists->setEditable(m_isEditable);
 }
 
 void PlaylistEditor::runAction(const QString& name)
@@ -225,7 +234,9 @@ void PlaylistEditor::runAction(const QString& name)
         return;
     }
     if (is("list_order"))
-        return m_container->list()->sortByColumn(PlaylistModel::NumberColumn, Qt::AscendingOrder);
+        return m_container->sortByNumber();
+    if (is("all_playlists") && isPreview())
+        return m_lists->show();
     if (!isPreview() || !m_isEditable)
         return;
     const bool hasRows = !m_selection->sortedSelectedRows().isEmpty();
@@ -370,11 +381,13 @@ void PlaylistEditor::doRemove()
     const bool isOne = rows.size() == 1;
     // Those that were seen selected when it was asked, wherever they stand by then.
     QList<QPersistentModelIndex> kept(rows.begin(), rows.end());
+    const QModelIndex onAir = m_model->indexOf(m_clock->playing());
     confirm(
         m_removeDialog, "PlaylistEditor-remove-confirmation",
         isOne ? tr("Remove playlist entry") : tr("Remove playlist entries"),
-        isOne ? tr("Are you sure you want to remove selected entry?")
-              : tr("Are you sure you want to remove selected entries?"),
+        (isOne ? tr("Are you sure you want to remove selected entry?")
+               : tr("Are you sure you want to remove selected entries?")) +
+            (rows.contains(onAir) ? onAirWarning(m_model->playlistNumber()) : QString()),
         tr("REMOVE"), [this, kept] {
             QList<QModelIndex> still;
             for (const QPersistentModelIndex& index : kept) {

@@ -17,6 +17,7 @@ class QMimeData;
 
 namespace vantrel {
 
+class AllPlaylists;
 class ConfirmationDialog;
 class ListClock;
 class OwnAddition;
@@ -105,7 +106,7 @@ private:
     bool hasShifted(const QPoint& position, const DropTarget& target) const;
     QString wordsFor(const DropTarget& target, const PlaylistDrop& drop) const;
     QString nameAt(int row) const;
-    void applyDrop(const QMimeData* data, const DropTarget& target);
+    void applyDrop(const PlaylistDrop& drop, const DropTarget& target);
     void dropPlaylist(uint number);
     void dropEntries(const PlaylistDrop& drop, const DropTarget& target);
     void dropMedia(const PlaylistDrop& drop, const DropTarget& target);
@@ -131,7 +132,7 @@ private:
     QString listName() const;
     void duplicatePlaylist();
     void removePlaylist(uint playlist);
-    void showPlaylists();
+    bool copyList(uint playlist, int number);
 
     PlaybackViewMode m_mode;
     Session* m_session;
@@ -141,6 +142,7 @@ private:
     PlaylistContainer* m_container = nullptr;
     PlaylistMenu* m_menu = nullptr;
     PlaylistFiles* m_files = nullptr;
+    AllPlaylists* m_lists = nullptr;
     ListClock* m_clock;
     QPointer<TextInputDialog> m_renumberDialog;
     QPointer<ConfirmationDialog> m_clearDialog;

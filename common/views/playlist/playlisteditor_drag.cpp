@@ -20,6 +20,7 @@
 #include <QDropEvent>
 #include <QMimeData>
 
+#include <algorithm>
 #include <optional>
 #include <utility>
 
@@ -159,12 +160,14 @@ QString PlaylistEditor::wordsFor(const DropTarget& target, const PlaylistDrop& d
         return tr("Replace %1").arg(nameAt(target.row));
     if (!target.isInsert())
         return {};
-    const auto number = [this](int row) { return m_model->index(row, 0).data().toString(); };
     if (m_model->rowCount() == 0)
         return tr("Insert as the first entry");
-    if (target.isOnTop())
-        return tr("Insert before %1").arg(number(0));
-    return tr("Insert after %1").arg(number(target.row));
+    if (m_model->sortColumn() != PlaylistModel::NumberColumn)
+        return tr("Not between rows that are sorted: click # first");
+    const QString number = m_model->index(std::max(target.row, 0), 0).data().toString();
+    // A list that is shown backwards goes on above a row.
+    const bool isBehind = target.isOnTop() != m_model->isAscending();
+    return isBehind ? tr("Insert after %1").arg(number) : tr("Insert before %1").arg(number);
 }
 
 void PlaylistEditor::dropEvent(QDropEvent* event)
@@ -178,13 +181,12 @@ void PlaylistEditor::dropEvent(QDropEvent* event)
         hasShifted(position, target))
         refuse(tr("The playlist has changed under the drag. Nothing was changed: drag it again."));
     else
-        applyDrop(event->mimeData(), target);
+        applyDrop(m_dragged ? *m_dragged : PlaylistDrop::read(event->mimeData()), target);
     endDrag(); // now the list may be another
 }
 
-void PlaylistEditor::applyDrop(const QMimeData* data, const DropTarget& target)
+void PlaylistEditor::applyDrop(const PlaylistDrop& drop, const DropTarget& target)
 {
-    const PlaylistDrop drop = PlaylistDrop::read(data);
     using Kind = PlaylistDrop::Kind;
     if (drop.kind() == Kind::Nothing) {
         refuse(drop.fault());

@@ -11,7 +11,6 @@
 #include "common/views/playlist/listclock.h"
 #include "common/views/playlist/playlisteditor.h"
 #include "common/views/playlist/playlisteditorheader.h"
-#include "common/views/playlist/playlistsdialog.h"
 #include "tarn/media/medialibrary.h"
 
 namespace vantrel {
@@ -30,18 +29,6 @@ void PlaylistEditor::removePlaylist(uint playlist)
                                                m_session->mediaLibrary(), static_cast<int>(playlist));
             });
     m_removeListDialog->setProperty("playlist", playlist);
-}
-
-void PlaylistEditor::showPlaylists()
-{
-    const PlaylistsDialog::Sources sources{m_session->playlistLibraryModel(), m_session->mediaLibrary(),
-                                           m_session->getQUndoStack(), m_clock};
-    auto* dialog = new PlaylistsDialog(sources, m_model->playlistNumber(), this);
-    dialog->setEditable(m_isEditable);
-    connect(dialog, &PlaylistsDialog::chosen, this,
-            [this](uint playlist) { changePlaylistNumber(static_cast<int>(playlist)); });
-    connect(dialog, &PlaylistsDialog::removalWanted, this, &PlaylistEditor::removePlaylist);
-    dialog->open();
 }
 
 /// Behind a question about a list; empty where it is not on air.
@@ -69,18 +56,24 @@ QString PlaylistEditor::listName() const
 
 void PlaylistEditor::duplicatePlaylist()
 {
+    const int number = m_header->freeNumber();
+    if (copyList(m_model->playlistNumber(), number))
+        m_header->showWhenThere(static_cast<uint>(number));
+}
+
+/// number: of the copy; a free one.
+bool PlaylistEditor::copyList(uint playlist, int number)
+{
     const MediaLibrary* library = m_session->mediaLibrary();
-    const Playlist* list = library->findPlaylist(static_cast<int>(m_model->playlistNumber()));
+    const Playlist* list = library->findPlaylist(static_cast<int>(playlist));
     if (!list)
-        return;
+        return false;
     ImportPlaylistCommand::Entries entries;
     for (const auto& [address, entry] : list->getEntries())
         entries.append({address, entry});
-    const int number = m_header->freeNumber();
     const QString name = tr("Copy of %1").arg(QString::fromStdString(list->getName()));
-    if (execute<ImportPlaylistCommand>(m_session->getQUndoStack(), "ImportPlaylistCommand", library, number,
-                                       name, entries))
-        m_header->showWhenThere(static_cast<uint>(number));
+    return execute<ImportPlaylistCommand>(m_session->getQUndoStack(), "ImportPlaylistCommand", library,
+                                          number, name, entries);
 }
 
 } // namespace vantrel

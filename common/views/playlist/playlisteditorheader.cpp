@@ -118,7 +118,9 @@ void PlaylistEditorHeader::buildPreview()
     connect(m_edit, &QAbstractButton::clicked, this, &PlaylistEditorHeader::beginNameEditing);
     connect(m_new, &QAbstractButton::clicked, this, &PlaylistEditorHeader::onNewPlaylistButtonClicked);
     connect(m_pin, &QAbstractButton::toggled, this, &PlaylistEditorHeader::editorPinned);
-    connect(m_context, &QAbstractButton::clicked, this, &PlaylistEditorHeader::contextMenu);
+    // Under its button, which a key may have pressed.
+    connect(m_context, &QAbstractButton::clicked, this,
+            [this] { Q_EMIT contextMenu(m_context->mapToGlobal(m_context->rect().bottomLeft())); });
     followFontSize(this, [this](FontSize) { fit(); });
 }
 

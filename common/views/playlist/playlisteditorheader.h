@@ -81,7 +81,8 @@ public Q_SLOTS:
 
 Q_SIGNALS:
     void editorPinned(bool pinned);
-    void contextMenu();
+    /// Where on the screen it is to open.
+    void contextMenu(QPoint position);
     /// The list that was shown was removed, and none is shown in its place; 0 when one is shown again.
     void listLost(uint number);
 

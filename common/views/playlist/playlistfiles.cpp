@@ -13,7 +13,12 @@
 
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QFuture>
+#include <QPromise>
 #include <QSaveFile>
+#include <QThreadPool>
+
+#include <memory>
 
 namespace vantrel {
 
@@ -96,14 +101,25 @@ void PlaylistFiles::exportTable(const List& list)
             &QFileDialog::fileSelected, this, [this, list](const QString& fileName) {
                 if (!isStillThere(list, tr("Export playlist")))
                     return;
-                QString fault;
-                QSaveFile file(fileName);
-                const bool isWritten =
-                    file.open(QIODevice::WriteOnly) &&
-                    PlaylistCsv::write(file, library(), static_cast<int>(list.number), &fault) &&
-                    file.commit();
-                tellWritten(isWritten ? QString() : file.errorString(), fileName);
+                writeTable(list, fileName);
             });
+}
+
+/// On another thread, from the library as it is now: a long list takes longer than a picture does.
+void PlaylistFiles::writeTable(const List& list, const QString& fileName)
+{
+    const auto promise = std::make_shared<QPromise<QString>>();
+    promise->start();
+    promise->future().then(this, [this, fileName](const QString& fault) { tellWritten(fault, fileName); });
+    const Ref<MediaLibrary> kept = makeRef<MediaLibrary>(library());
+    QThreadPool::globalInstance()->start([promise, kept, fileName, number = static_cast<int>(list.number)] {
+        QString fault;
+        QSaveFile file(fileName);
+        const bool isWritten = file.open(QIODevice::WriteOnly) &&
+                               PlaylistCsv::write(file, *kept, number, &fault) && file.commit();
+        promise->addResult(isWritten ? QString() : fault.isEmpty() ? file.errorString() : fault);
+        promise->finish();
+    });
 }
 
 void PlaylistFiles::printSheet(const List& list)

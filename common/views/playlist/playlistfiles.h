@@ -41,6 +41,7 @@ private:
     QFileDialog* ask(const QString& title, const QString& filter, const QString& proposal);
     const MediaLibrary& library() const;
     bool isStillThere(const List& list, const QString& title) const;
+    void writeTable(const List& list, const QString& fileName);
     void tellWritten(const QString& fault, const QString& fileName) const;
 
     PlaylistEditorModel* m_model;

@@ -36,6 +36,8 @@ PlaylistHeader::PlaylistHeader(QWidget* parent)
     setMinimumSectionSize(1);
     setFocusPolicy(Qt::NoFocus);
     setMouseTracking(true);
+    // The mark may stand over another column.
+    connect(this, &QHeaderView::sortIndicatorChanged, this, [this] { viewport()->update(); });
 }
 
 void PlaylistHeader::setTitle(int section, const QString& title)
@@ -48,6 +50,17 @@ QString PlaylistHeader::titleOf(int section) const
     return m_titles.value(section, model()->headerData(section, Qt::Horizontal).toString());
 }
 
+/// The column that shows the order, where it is not that of the list; -1 where it is. A column that has given
+/// way lends its mark to the name.
+int PlaylistHeader::markedSection() const
+{
+    const int sorted = sortIndicatorSection();
+    if (sorted < 0 || sorted >= count() ||
+        (sorted == PlaylistModel::NumberColumn && sortIndicatorOrder() == Qt::AscendingOrder))
+        return -1;
+    return isSectionHidden(sorted) ? int(PlaylistModel::MediaColumn) : sorted;
+}
+
 bool PlaylistHeader::hasRoom(int section, const QString& title) const
 {
     return fontMetrics().horizontalAdvance(title) <= sectionSize(section) - margin;
@@ -57,9 +70,13 @@ void PlaylistHeader::paintSection(QPainter* painter, const QRect& rect, int sect
 {
     painter->save();
     painter->fillRect(rect.left(), rect.bottom(), rect.width(), 1, getColor(colors::Zt_white_15));
-    const QString title = titleOf(section);
-    const bool isSorted =
-        sortIndicatorSection() == section && (section > 0 || sortIndicatorOrder() == Qt::DescendingOrder);
+    const bool isSorted = markedSection() == section;
+    QString title = titleOf(section);
+    if (isSorted && sortIndicatorSection() != section) {
+        const QString sorted = titleOf(sortIndicatorSection());
+        const QString whole = tr("%1, sorted by %2").arg(title, sorted);
+        title = hasRoom(section, whole) ? whole : tr("By %1").arg(sorted);
+    }
     if (!title.isEmpty() && hasRoom(section, title)) {
         const bool isNumber = isNumeric(section);
         painter->setFont(font());

@@ -22,6 +22,7 @@ protected:
 
 private:
     QString titleOf(int section) const;
+    int markedSection() const;
     bool hasRoom(int section, const QString& title) const;
 
     QHash<int, QString> m_titles;

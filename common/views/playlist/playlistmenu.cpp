@@ -50,7 +50,8 @@ void PlaylistMenu::addListMenu()
     auto* menu = new ZTMenu(tr("List"), this);
     menu->setObjectNames(objectName() + QStringLiteral("-List"));
     addMenu(menu);
-    add(menu, "playlist", tr("All playlists..."), "Playlists", &PlaylistMenu::doShowPlaylists);
+    addKeyed(menu, "playlist", tr("All playlists..."), "AllPlaylists", "all_playlists");
+    menu->addSeparator();
     m_duplicate =
         add(menu, "copy", tr("Duplicate playlist"), "Duplicate", &PlaylistMenu::doDuplicatePlaylist);
     m_import = add(menu, "import", tr("Import from CSV..."), "Import", &PlaylistMenu::doImport);

@@ -40,7 +40,6 @@ Q_SIGNALS:
     void doPaste();
     /// An action of the key map.
     void doAction(const QString& name);
-    void doShowPlaylists();
     void doDuplicatePlaylist();
     void doRemovePlaylist();
     void doImport();

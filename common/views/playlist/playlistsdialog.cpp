@@ -1,180 +1,205 @@
 #include "common/views/playlist/playlistsdialog.h"
 
-#include "common/command/execute.h"
-#include "common/media/edit/playlist/moveplaylistcommand.h"
-#include "common/media/models/playlist/playlistlibrarymodel.h"
-#include "common/session/settings/timeutils.h"
-#include "common/ui/style/colors.h"
+#include "common/session/settings/configuration.h"
+#include "common/ui/keyboard/hotkeys.h"
+#include "common/ui/keyboard/hotkeytip.h"
 #include "common/ui/style/fontsizefollower.h"
+#include "common/ui/style/spacing.h"
 #include "common/ui/toolkit/pushbutton.h"
-#include "common/ui/toolkit/textinputdialog.h"
-#include "common/views/playlist/listclock.h"
-#include "tarn/media/medialibrary.h"
-#include "util/clocktime.h"
+#include "common/views/playlist/playliststable.h"
 
+#include <QHBoxLayout>
 #include <QHeaderView>
-#include <QStyledItemDelegate>
+#include <QKeyEvent>
 #include <QTableView>
 #include <QVBoxLayout>
 
-#include <algorithm>
+#include <array>
 
 namespace vantrel {
 
-using Column = PlaylistLibraryModel::Column;
-
 namespace {
 
-constexpr QSize tableSize{460, 260}; // at the medium text size
+using Column = PlaylistsTable::Column;
 
-/// Durations as times, and the list on air in its colour.
-class ListDelegate : public QStyledItemDelegate
-{
-public:
-    ListDelegate(const ListClock* clock, QObject* parent)
-        : QStyledItemDelegate(parent)
-        , m_clock(clock)
-    {
-    }
+constexpr int tableWidth = 560; // pixels at the medium text size
+constexpr int tableHeight = 280;
+constexpr int rowHeight = 28;
 
-protected:
-    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override
-    {
-        QStyledItemDelegate::initStyleOption(option, index);
-        const auto own = [&](Column column) { return index.siblingAtColumn(column).data(Qt::EditRole); };
-        const bool isOnAir =
-            m_clock->playlist() > 0 && own(Column::NumberColumn).toUInt() == m_clock->playlist();
-        if (index.column() == Column::DurationColumn) {
-            const double seconds = index.data().toDouble();
-            option->text =
-                seconds > 0 ? TimeUtils::formatClockTimeShort(clocktime::fromSeconds(seconds)) : QString();
-            if (own(Column::InfiniteColumn).toBool())
-                option->text = PlaylistsDialog::tr("no end");
-        } else if (isOnAir && index.column() == Column::NameColumn) {
-            option->text += QStringLiteral("  (") + PlaylistsDialog::tr("on program") + u')';
-        }
-        if (isOnAir)
-            option->backgroundBrush = colors::getColor(colors::Zt_red_20);
-    }
-
-private:
-    const ListClock* m_clock;
-};
+constexpr std::array columnOrder{Column::RowColumn, Column::NumberColumn, Column::PlainNameColumn,
+                                 Column::CountColumn, Column::DurationColumn};
 
 } // namespace
 
-PlaylistsDialog::PlaylistsDialog(const Sources& sources, uint shown, QWidget* parent)
+PlaylistsDialog::PlaylistsDialog(PlaylistLibraryModel* library, const ListClock* clock, uint shown,
+                                 QWidget* parent)
     : ZTDialog(tr("All playlists"), parent)
-    , m_sources(sources)
-    , m_table(new QTableView(this))
-    , m_number(new PushButton(tr("NUMBER..."), this))
-    , m_remove(new PushButton(tr("REMOVE..."), this))
+    , m_table(new PlaylistsTable(library, clock, this))
+    , m_view(new QTableView(this))
 {
     setAttribute(Qt::WA_DeleteOnClose);
     setAcceptText(tr("SHOW"));
+    setCancelText(tr("CLOSE"));
     buildTable();
-    m_number->setStyleClass(QStringLiteral("cancel"));
-    m_number->setToolTip(tr("Give the playlist another number"));
-    m_remove->setStyleClass(QStringLiteral("cancel"));
-    m_remove->setToolTip(tr("Remove the playlist with its entries"));
-    addButton(m_number);
-    addButton(m_remove);
-    setObjectNames(QStringLiteral("PlaylistEditor-playlists"));
-    m_table->setObjectName(QStringLiteral("PlaylistEditor-playlists-table"));
-    m_number->setObjectName(QStringLiteral("PlaylistEditor-playlists-number"));
-    m_remove->setObjectName(QStringLiteral("PlaylistEditor-playlists-remove"));
-    connect(this, &ZTDialog::confirmed, this, [this] {
-        if (current() > 0)
-            Q_EMIT chosen(current());
-    });
-    connect(m_table, &QAbstractItemView::doubleClicked, acceptButton(), &QAbstractButton::click);
-    connect(m_number, &QAbstractButton::clicked, this, &PlaylistsDialog::askForNumber);
-    connect(m_remove, &QAbstractButton::clicked, this, [this] { Q_EMIT removalWanted(current()); });
-    connect(sources.clock, &ListClock::courseChanged, m_table->viewport(), qOverload<>(&QWidget::update));
-    m_table->selectRow(std::max(0, sources.playlists->rowOf(shown)));
-    refresh();
+    buildButtons();
+    setObjectNames(QStringLiteral("AllPlaylists"));
+    m_view->setObjectName(QStringLiteral("AllPlaylists-table"));
+    connect(this, &ZTDialog::confirmed, this, [this] { Q_EMIT chosen(current()); });
+    connect(m_table, &PlaylistsTable::renameRequested, this, &PlaylistsDialog::renameRequested);
+    connect(m_table, &PlaylistsTable::numberRequested, this, &PlaylistsDialog::numberRequested);
+    setCurrent(shown);
+    m_view->setFocus();
 }
 
 void PlaylistsDialog::buildTable()
 {
-    m_table->setModel(m_sources.playlists);
-    m_table->setItemDelegate(new ListDelegate(m_sources.clock, m_table));
-    m_table->setAccessibleName(tr("All playlists"));
-    m_table->setToolTip(tr("Double-click or Enter: show the playlist"));
-    m_table->setSelectionBehavior(QAbstractItemView::SelectRows);
-    m_table->setSelectionMode(QAbstractItemView::SingleSelection);
-    m_table->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    m_table->setTabKeyNavigation(false);
-    m_table->setShowGrid(false);
-    m_table->setWordWrap(false);
-    m_table->verticalHeader()->hide();
-    QHeaderView* header = m_table->horizontalHeader();
+    m_view->setModel(m_table);
+    m_view->setAccessibleName(tr("All playlists"));
+    m_view->setSelectionBehavior(QAbstractItemView::SelectRows);
+    m_view->setSelectionMode(QAbstractItemView::SingleSelection);
+    m_view->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    m_view->setShowGrid(false);
+    m_view->setWordWrap(false);
+    m_view->setTabKeyNavigation(false);
+    m_view->setCornerButtonEnabled(false);
+    m_view->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    m_view->setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
+    m_view->verticalHeader()->hide();
+    m_view->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    QHeaderView* header = m_view->horizontalHeader();
     header->setHighlightSections(false);
-    for (int column = 0; column < Column::ColumnCount; ++column) {
-        const bool isShown =
-            column == Column::NameColumn || column == Column::DurationColumn || column == Column::CountColumn;
-        m_table->setColumnHidden(column, !isShown);
-        header->setSectionResizeMode(column, column == Column::NameColumn ? QHeaderView::Stretch
-                                                                          : QHeaderView::ResizeToContents);
-    }
-    followFontSize(m_table, [this](FontSize size) {
-        m_table->setMinimumSize(scaled(tableSize.width(), size), scaled(tableSize.height(), size));
-        m_table->verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 10);
+    header->setFocusPolicy(Qt::NoFocus);
+    header->setMinimumSectionSize(1);
+    for (int i = 0; i < int(columnOrder.size()); ++i)
+        header->moveSection(header->visualIndex(columnOrder[size_t(i)]), i);
+    for (const int unseen : {int(Column::NameColumn), int(Column::InfiniteColumn)})
+        m_view->setColumnHidden(unseen, true);
+    m_view->installEventFilter(this);
+    contentLayout()->addWidget(m_view, 1);
+    followFontSize(this, [this](FontSize size) {
+        m_view->setMinimumSize(scaled(tableWidth, size), scaled(tableHeight, size));
+        m_view->verticalHeader()->setDefaultSectionSize(scaled(rowHeight, size));
+        arrangeColumns();
     });
-    contentLayout()->addWidget(m_table);
-    connect(m_table->selectionModel(), &QItemSelectionModel::selectionChanged, this,
-            &PlaylistsDialog::refresh);
-    connect(m_sources.playlists, &QAbstractItemModel::rowsRemoved, this, &PlaylistsDialog::refresh);
-    connect(m_sources.playlists, &QAbstractItemModel::modelReset, this, &PlaylistsDialog::refresh);
+    connect(m_view, &QTableView::doubleClicked, this, [this] { acceptButton()->click(); });
+    connect(m_view->selectionModel(), &QItemSelectionModel::currentRowChanged, this,
+            &PlaylistsDialog::updateOffers);
+    const auto changed = [this] {
+        arrangeColumns();
+        updateOffers();
+    };
+    connect(m_table, &QAbstractItemModel::modelReset, this, changed);
+    connect(m_table, &QAbstractItemModel::rowsInserted, this, changed);
+    connect(m_table, &QAbstractItemModel::rowsRemoved, this, changed);
+}
+
+/// Name gets what the others leave.
+void PlaylistsDialog::arrangeColumns()
+{
+    QHeaderView* header = m_view->horizontalHeader();
+    for (const Column column : columnOrder)
+        header->setSectionResizeMode(
+            column, column == Column::PlainNameColumn ? QHeaderView::Stretch : QHeaderView::ResizeToContents);
+}
+
+PushButton* PlaylistsDialog::makeButton(const QString& text, const QString& tip, const char* name)
+{
+    auto* button = new PushButton(text, this);
+    button->setToolTip(tip);
+    button->setAccessibleName(tip);
+    button->setObjectName(QStringLiteral("AllPlaylists-%1-button").arg(QLatin1String(name)));
+    button->setAutoDefault(false);
+    m_actions.append(button);
+    return button;
+}
+
+void PlaylistsDialog::buildButtons()
+{
+    auto* row = new QHBoxLayout;
+    row->setSpacing(spacing::normal);
+    const auto add = [&](const QString& text, const QString& tip, const char* name, const char* key,
+                         const std::function<void()>& act) {
+        PushButton* button = makeButton(text, tip, name);
+        if (key)
+            setHotkeyTip(button, tip, {QLatin1String(key)});
+        connect(button, &QAbstractButton::clicked, this, act);
+        row->addWidget(button);
+    };
+    add(tr("Rename"), tr("Rename the playlist"), "rename", "rename",
+        [this] { edit(Column::PlainNameColumn); });
+    add(tr("Number"), tr("Give the playlist another number"), "number", "renumber_entries",
+        [this] { edit(Column::NumberColumn); });
+    add(tr("Up"), tr("Swap numbers with the playlist above"), "up", "move_entries_up", [this] { swap(-1); });
+    add(tr("Down"), tr("Swap numbers with the playlist below"), "down", "move_entries_down",
+        [this] { swap(1); });
+    add(tr("Duplicate"), tr("Make a copy of the playlist"), "duplicate", "copy",
+        [this] { Q_EMIT duplicateRequested(current()); });
+    add(tr("Remove"), tr("Remove the playlist"), "remove", "delete",
+        [this] { Q_EMIT removeRequested(current()); });
+    contentLayout()->addLayout(row);
+}
+
+uint PlaylistsDialog::current() const
+{
+    return m_table->library()->playlistNumberAt(m_view->currentIndex().row());
+}
+
+void PlaylistsDialog::setCurrent(uint playlist)
+{
+    const int row = m_table->library()->rowOf(playlist);
+    if (row >= 0)
+        m_view->setCurrentIndex(m_table->index(row, Column::PlainNameColumn));
+    updateOffers();
 }
 
 void PlaylistsDialog::setEditable(bool editable)
 {
     m_isEditable = editable;
-    refresh();
+    m_table->setEditable(editable);
+    updateOffers();
 }
 
-/// 0 for none.
-uint PlaylistsDialog::current() const
+void PlaylistsDialog::updateOffers()
 {
-    const QModelIndexList rows = m_table->selectionModel()->selectedRows();
-    return rows.isEmpty() ? 0 : m_sources.playlists->playlistNumberAt(rows.first().row());
+    const bool hasList = current() != ~0U;
+    setDescription(m_table->rowCount() == 0 ? tr("There are no playlists yet.") : QString());
+    setAcceptEnabled(hasList);
+    for (PushButton* action : std::as_const(m_actions))
+        action->setEnabled(hasList && m_isEditable);
 }
 
-void PlaylistsDialog::refresh()
+void PlaylistsDialog::edit(int column)
 {
-    const bool isAny = current() > 0;
-    setDescription(m_sources.playlists->rowCount() == 0 ? tr("There are no playlists yet.") : QString());
-    setAcceptEnabled(isAny);
-    m_number->setEnabled(isAny && m_isEditable);
-    m_remove->setEnabled(isAny && m_isEditable);
+    m_view->setFocus();
+    if (m_view->currentIndex().isValid() && m_isEditable)
+        m_view->edit(m_view->currentIndex().siblingAtColumn(column));
 }
 
-void PlaylistsDialog::askForNumber()
+void PlaylistsDialog::swap(int step)
 {
     const uint playlist = current();
-    auto* dialog = new TextInputDialog(tr("Number of the playlist"), tr("NEW NUMBER:"), tr("MOVE"), this);
-    dialog->setAttribute(Qt::WA_DeleteOnClose);
-    dialog->setObjectNames(QStringLiteral("PlaylistEditor-playlists-number-dialog"));
-    dialog->setValue(0, QString::number(playlist));
-    dialog->setClosesOnAccept(false);
-    connect(dialog, &TextInputDialog::valuesConfirmed, this,
-            [this, dialog, playlist](const QStringList& values) {
-                bool isNumber = false;
-                const int number = values.value(0).toInt(&isNumber);
-                const bool isTaken = number != int(playlist) && m_sources.library->findPlaylist(number);
-                if (!isNumber || number < MediaLibrary::indexMin || number > MediaLibrary::indexMax)
-                    return dialog->setError(0, tr("A playlist has a number from %1 to %2.")
-                                                   .arg(MediaLibrary::indexMin)
-                                                   .arg(MediaLibrary::indexMax));
-                if (isTaken)
-                    return dialog->setError(0, tr("Another playlist has this number."));
-                if (number != int(playlist))
-                    execute<MovePlaylistCommand>(m_sources.stack, "MovePlaylistCommand", m_sources.library,
-                                                 int(playlist), number);
-                dialog->accept();
-            });
-    dialog->open();
+    Q_EMIT swapRequested(playlist, m_table->library()->playlistNumberAt(m_view->currentIndex().row() + step));
+}
+
+bool PlaylistsDialog::handleKey(const QKeySequence& key)
+{
+    static constexpr std::array keys{
+        "rename", "renumber_entries", "move_entries_up", "move_entries_down", "copy", "delete"};
+    for (std::size_t i = 0; i < keys.size(); ++i) {
+        if (!key.isEmpty() && Hotkeys::current(QLatin1String(keys[i])) == key) {
+            m_actions[qsizetype(i)]->click();
+            return true;
+        }
+    }
+    return false;
+}
+
+bool PlaylistsDialog::eventFilter(QObject* watched, QEvent* event)
+{
+    if (watched == m_view && event->type() == QEvent::KeyPress &&
+        handleKey(Hotkeys::pressed(*static_cast<QKeyEvent*>(event))))
+        return true;
+    return ZTDialog::eventFilter(watched, event);
 }
 
 } // namespace vantrel

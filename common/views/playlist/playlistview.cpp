@@ -198,7 +198,15 @@ void PlaylistView::editSelected(int column)
     const QModelIndex index = cell(canEdit(current) ? current : *other);
     selectionModel()->setCurrentIndex(index, QItemSelectionModel::NoUpdate);
     scrollTo(index);
+    m_opened = index;
     QTableView::edit(index);
+}
+
+/// Where a column has given way its editor stands over the name.
+QRect PlaylistView::visualRect(const QModelIndex& index) const
+{
+    const bool isHidden = index.isValid() && index == m_opened && isColumnHidden(index.column());
+    return QTableView::visualRect(isHidden ? index.siblingAtColumn(PlaylistModel::MediaColumn) : index);
 }
 
 QItemSelectionModel::SelectionFlags PlaylistView::selectionCommand(const QModelIndex& index,
@@ -224,6 +232,7 @@ bool PlaylistView::handleHotkey(const QKeyEvent& event)
                                         "edit_transition_time",
                                         "edit_end_action",
                                         "list_order",
+                                        "all_playlists",
                                         "renumber_entries",
                                         "copy",
                                         "cut",
@@ -313,9 +322,12 @@ QString PlaylistView::tipFor(const QModelIndex& index) const
                       tr("Transition: %1. At the end: %2")
                           .arg(cell(PlaylistModel::TransitionColumn), cell(PlaylistModel::EndActionColumn))};
     const auto key = [](const char* name) { return keyText(Hotkeys::current(QLatin1String(name))); };
-    if (m_isEditable)
+    if (m_isEditable) {
         lines.append(tr("Double-click or %1: cue it on preview. %2 and %3: move it. %4: remove it")
                          .arg(key("cue"), key("move_entries_up"), key("move_entries_down"), key("delete")));
+        lines.append(tr("%1: its transition. %2: its time. %3: what happens at its end")
+                         .arg(key("edit_transition"), key("edit_transition_time"), key("edit_end_action")));
+    }
     for (QString& line : lines)
         line = line.toHtmlEscaped();
     return lines.join(QStringLiteral("<br>"));

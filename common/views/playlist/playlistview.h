@@ -47,6 +47,7 @@ public:
     /// The row of the entry itself or of the last in front of it, by number; -1 where there is none.
     int findPrecedingEntry(const EntryAddress& address) const;
 
+    QRect visualRect(const QModelIndex& index) const override;
     void keyboardSearch(const QString& text) override;
 
 public Q_SLOTS:
@@ -87,6 +88,7 @@ private:
     DropTarget m_target;
     QString m_targetWords;
     QString m_placeholder;
+    QPersistentModelIndex m_opened; // the cell whose editor a key has opened
     QPersistentModelIndex m_pressed;
     QPoint m_pressedAt;
 };

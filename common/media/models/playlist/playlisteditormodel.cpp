@@ -15,6 +15,7 @@
 #include "common/media/edit/playlist/replaceplaylistentrycommand.h"
 #include "common/media/items/abstractplaylistprovider.h"
 #include "common/media/items/guiplaylistentry.h"
+#include "common/media/library/medialibraryapi.h"
 #include "common/media/models/playlist/playlistgesture.h"
 #include "common/media/models/playlist/playlistselectionmodel.h"
 #include "common/media/net/resourcestatusprovider.h"
@@ -322,8 +323,18 @@ void PlaylistEditorModel::showError(const QString& title, const QString& text) c
                                                             QStringLiteral("<b>%1</b>").arg(title), text);
 }
 
-void PlaylistEditorModel::showNoRoom(const QString& title) const
+void PlaylistEditorModel::showRefusal(const QString& title, const QList<EntryAddress>& named) const
 {
+    // Looked for where the command has looked: in the library as it will be.
+    const bool isExpected = m_api && library() == &m_api->library();
+    const Ref<MediaLibrary> expected = isExpected ? m_api->expectedLibrary() : Ref<MediaLibrary>();
+    const Playlist* then = isExpected ? std::as_const(*expected).findPlaylist(number()) : list();
+    for (const EntryAddress& address : named) {
+        if (then && !then->hasEntry(address))
+            return tellNotDone(
+                title, tr("Entry %1 was moved or removed meanwhile. Look at the list and do it again.")
+                           .arg(QString::fromStdString(address.toString(true))));
+    }
     showError(title, tr("Please ensure there is address space available at the requested playlist position. "
                         "You can renumber existing playlist entries to add more space."));
 }
@@ -353,8 +364,25 @@ void PlaylistEditorModel::directPlayAddress(bool preview, const EntryAddress& ad
     if (preview && isPreviewConstrained())
         return;
     qCInfo(lcMedia) << "Direct play for " << number() << address.toString(true).c_str();
-    if (!tryExecute<PlayMediaCommand>(m_stack, preview, channel, number(), address))
+    const auto entry = getEntry(indexOf(address));
+    // The server may know better, and is asked all the same.
+    if (entry && !getEntrySlot(*entry))
+        tellNotDone(tr("Play playlist entry"), tr("Entry %1 has no media: its slot is empty.")
+                                                   .arg(QString::fromStdString(address.toString(true))));
+    play(preview, channel, number(), address);
+}
+
+/// Why nothing is played is said aloud: who cues waits for a picture.
+template <typename... Place>
+void PlaylistEditorModel::play(bool preview, int channel, Place&&... place)
+{
+    auto command = std::make_unique<PlayMediaCommand>();
+    if (!m_stack || !command->init(preview, channel, std::forward<Place>(place)...)) {
         qCWarning(lcMedia) << "Failed to init PlayMediaCommand";
+        tellNotDone(tr("Play playlist entry"), tr("The server has no such channel at present."));
+    } else if (CommandGate::passes(m_stack, command->text())) {
+        m_stack->push(command.release());
+    }
 }
 
 void PlaylistEditorModel::doDirectPlayWithSlot(bool preview, int channel, int collection, int slot)
@@ -362,8 +390,7 @@ void PlaylistEditorModel::doDirectPlayWithSlot(bool preview, int channel, int co
     if (preview && isPreviewConstrained())
         return;
     qCInfo(lcMedia) << "Direct play for " << collection << slot;
-    if (!tryExecute<PlayMediaCommand>(m_stack, preview, channel, collection, slot))
-        qCWarning(lcMedia) << "Failed to init PlayMediaCommand";
+    play(preview, channel, collection, slot);
 }
 
 bool PlaylistEditorModel::isPreviewConstrained() const
@@ -371,6 +398,7 @@ bool PlaylistEditorModel::isPreviewConstrained() const
     if (!m_resourceStatus || !m_resourceStatus->isConstrained(PlaybackViewMode::Preview))
         return false;
     qCWarning(lcMedia) << "Preview is resource constrained. Skipping media direct play request";
+    tellNotDone(tr("Cue on preview"), tr("The server has no capacity left for preview at present."));
     return true;
 }
 

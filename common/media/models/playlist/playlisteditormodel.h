@@ -117,6 +117,8 @@ private:
     bool hasSlotsOf(const QString& title, const QList<PlaylistEntry>& entries) const;
     void directPlay(bool preview, const QModelIndex& index, int channel);
     void directPlayAddress(bool preview, const EntryAddress& address, int channel);
+    template <typename... Place>
+    void play(bool preview, int channel, Place&&... place);
     bool isPreviewConstrained() const;
 
     /// A gesture that waits until the list shows what is under way; its rows go with their entries.
@@ -140,7 +142,8 @@ private:
     void resume();
     void perform(const Held& held);
     void showError(const QString& title, const QString& text) const;
-    void showNoRoom(const QString& title) const;
+    /// What the command has named is not there any more, or there is no room.
+    void showRefusal(const QString& title, const QList<EntryAddress>& named) const;
 
     QPointer<QUndoStack> m_stack;
     QPointer<ResourceStatusProvider> m_resourceStatus;

@@ -11,17 +11,38 @@
 
 namespace vantrel {
 
-/// What would change nothing makes no undo step. False when the command refuses: where it has found no room,
-/// this is told under the title, if there is one.
+namespace gesture {
+
+/// The entries that a command is told to act on or beside, among all that it is told.
+inline void collect(QList<EntryAddress>& named, const EntryAddress& address)
+{
+    if (address.isValid())
+        named.append(address);
+}
+inline void collect(QList<EntryAddress>& named, const QList<EntryAddress>& addresses)
+{
+    named.append(addresses);
+}
+template <typename Other>
+void collect(QList<EntryAddress>&, const Other&)
+{
+}
+
+} // namespace gesture
+
+/// What would change nothing makes no undo step. False when the command refuses: what it has found missing,
+/// an entry or room, is told under the title, if there is one.
 template <typename Command, typename... Args>
 bool PlaylistEditorModel::run(const QString& failure, Args&&... args)
 {
     auto command = std::make_unique<Command>();
     if (!m_stack)
         return false;
+    QList<EntryAddress> named;
+    (gesture::collect(named, args), ...);
     if (!command->init(std::forward<Args>(args)...)) {
         if (command->wasRehearsed() && !failure.isEmpty())
-            showNoRoom(failure);
+            showRefusal(failure, named);
         return false;
     }
     if (command->redoPatch().size() > 0 && CommandGate::passes(m_stack, command->text()))
