@@ -40,7 +40,8 @@ ZTDialog* DialogFactory::openRenameDialog(const QString& title, const QString& d
 ZTDialog* DialogFactory::openConfirmationDialog(const QString& title, const QString& description,
                                                 const QString& confirmText)
 {
-    return open(new ConfirmationDialog(title, description, confirmText, mainWindowWidget()), title, description);
+    return open(new ConfirmationDialog(title, description, confirmText, mainWindowWidget()), title,
+                description);
 }
 
 ZTDialog* DialogFactory::openConfirmationDialog(const QString& title, const QString& description)

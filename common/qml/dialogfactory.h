@@ -7,8 +7,8 @@
 
 namespace vantrel {
 
-/// Opens the dialogs of the application for declarative views ("dialogs"), over the main window. A dialog goes once it
-/// is closed; its confirmed() and valuesConfirmed() are the caller's. Main thread only.
+/// Opens the dialogs of the application for declarative views ("dialogs"), over the main window. A dialog
+/// goes once it is closed; its confirmed() and valuesConfirmed() are the caller's. Main thread only.
 class DialogFactory : public QObject
 {
     Q_OBJECT

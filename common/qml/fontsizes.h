@@ -6,8 +6,8 @@
 
 namespace vantrel {
 
-/// The lengths of the text size in force as declarative views see them ("fontSizes"), in pixels: those of the style
-/// sheet, and the side of an icon. Main thread only.
+/// The lengths of the text size in force as declarative views see them ("fontSizes"), in pixels: those of the
+/// style sheet, and the side of an icon. Main thread only.
 class FontSizes : public QObject
 {
     Q_OBJECT

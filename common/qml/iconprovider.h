@@ -4,8 +4,8 @@
 
 namespace vantrel {
 
-/// The drawings of the application for declarative views: "image://icons/folder/ccffffff" is the folder in white at
-/// 80 %, as large as is asked for. The engine owns it; main thread only.
+/// The drawings of the application for declarative views: "image://icons/folder/ccffffff" is the folder in
+/// white at 80 %, as large as is asked for. The engine owns it; main thread only.
 class IconProvider : public QQuickImageProvider
 {
     Q_OBJECT

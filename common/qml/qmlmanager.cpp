@@ -50,7 +50,8 @@ public:
         engine.addImageProvider(QStringLiteral("thumbnails"), new QmlThumbnailProvider);
         engine.addImageProvider(QStringLiteral("icons"), new IconProvider);
         QQmlContext* context = engine.rootContext();
-        context->setContextProperty(QStringLiteral("notificationManager"), NotificationManagerImpl::instance());
+        context->setContextProperty(QStringLiteral("notificationManager"),
+                                    NotificationManagerImpl::instance());
         context->setContextProperty(QStringLiteral("session"), Session::instance());
         context->setContextProperty(QStringLiteral("fontSizes"), &fontSizes);
         context->setContextProperty(QStringLiteral("colorHelper"), &colorHelper);
@@ -83,8 +84,8 @@ void QMLManager::initialize()
     qCInfo(log) << "Initializing QML manager...";
     qputenv("QT_QUICK_CONTROLS_STYLE", "Material");
     qputenv("QT_QUICK_CONTROLS_MATERIAL_THEME", "Dark");
-    // With a graphics card the whole window that holds a declarative view would be put together on it, the pictures of
-    // both channels among the rest; and there are consoles without one.
+    // With a graphics card the whole window that holds a declarative view would be put together on it, the
+    // pictures of both channels among the rest; and there are consoles without one.
     QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
     static const bool once = (registerTypes(), true);
     Q_UNUSED(once);

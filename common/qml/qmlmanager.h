@@ -11,8 +11,8 @@ namespace vantrel {
 class ImplMediaCollectionManager;
 class QMLManagerPrivate;
 
-/// The one engine of all declarative views, with the types and objects that they see. Nothing of it is made before the
-/// first view asks. The application owns it; main thread only.
+/// The one engine of all declarative views, with the types and objects that they see. Nothing of it is made
+/// before the first view asks. The application owns it; main thread only.
 class QMLManager : public QObject
 {
     Q_OBJECT

@@ -5,8 +5,8 @@
 
 namespace vantrel {
 
-/// The thumbnails of media files for declarative views, under "image://thumbnails/". The engine owns it; main thread
-/// only.
+/// The thumbnails of media files for declarative views, under "image://thumbnails/". The engine owns it; main
+/// thread only.
 class QmlThumbnailProvider : public QQuickImageProvider
 {
     Q_OBJECT

@@ -6,8 +6,9 @@
 
 namespace vantrel {
 
-/// What is selected in a declarative list, by mouse and keyboard as any list has it. A model that begins anew (one that
-/// was sorted, say) gets its selection back by the names of its rows. The view owns it; main thread only.
+/// What is selected in a declarative list, by mouse and keyboard as any list has it. A model that begins anew
+/// (one that was sorted, say) gets its selection back by the names of its rows. The view owns it; main thread
+/// only.
 class SelectionModel : public QItemSelectionModel
 {
     Q_OBJECT

@@ -54,7 +54,7 @@ QSharedPointer<TransferOperation> ConflictDesk::asking() const
 
 bool ConflictDesk::isAsking() const
 {
-    return asking();
+    return !asking().isNull();
 }
 
 QString ConflictDesk::name() const
@@ -103,7 +103,8 @@ void ConflictDesk::answer(Answer answer, bool forAll)
     const ConflictPolicy policy = policyOf(answer);
     if (forAll) {
         for (const QSharedPointer<TransferOperation>& transfer : open()) {
-            if (transfer != first && transfer->conflictPolicy() == ConflictPolicy::Ask && !transfer->conflict())
+            if (transfer != first && transfer->conflictPolicy() == ConflictPolicy::Ask &&
+                !transfer->conflict())
                 transfer->setConflictPolicy(policy);
         }
     }

@@ -9,8 +9,8 @@ namespace vantrel {
 
 class FileSystemOperations;
 
-/// Where transfers ask what to do with what is in their way: one question at a time, and an answer that may stand for
-/// all that was asked for so far. Main thread only.
+/// Where transfers ask what to do with what is in their way: one question at a time, and an answer that may
+/// stand for all that was asked for so far. Main thread only.
 class ConflictDesk : public QObject
 {
     Q_OBJECT

@@ -34,7 +34,8 @@ SortKeys keysOf(const FileRows& rows, bool byKind)
 }
 
 /// Below, equal to or above 0 as the first comes before, with or behind the second; names are not looked at.
-int compare(const FileRows& rows, const SortKeys& keys, const FileSorting& sorting, std::size_t a, std::size_t b)
+int compare(const FileRows& rows, const SortKeys& keys, const FileSorting& sorting, std::size_t a,
+            std::size_t b)
 {
     const auto order = [](const auto& first, const auto& second) {
         return first < second ? -1 : second < first ? 1 : 0;

@@ -30,8 +30,8 @@ struct FileSorting
 /// Sorts as a reader would: "Clip 2" before "clip 10", names deciding between equals. Any thread.
 void sortRows(FileRows& rows, const FileSorting& sorting);
 
-/// How one list becomes another with the least disturbance of what shows it. Indexes are of the old list where
-/// rows go and of the new one otherwise, each ascending.
+/// How one list becomes another with the least disturbance of what shows it. Indexes are of the old list
+/// where rows go and of the new one otherwise, each ascending.
 struct RowChange
 {
     FileRows rows;             // the new list

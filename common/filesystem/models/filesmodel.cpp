@@ -127,7 +127,8 @@ QVariant FilesModel::data(const QModelIndex& index, int role) const
     case SizeRole:
         return row.sizeBytes;
     case SizeTextRole:
-        return row.isDirectory ? QString() : QLocale().formattedDataSize(row.sizeBytes, 1, QLocale::DataSizeSIFormat);
+        return row.isDirectory ? QString()
+                               : QLocale().formattedDataSize(row.sizeBytes, 1, QLocale::DataSizeSIFormat);
     case TypeTextRole:
         return row.isDirectory ? tr("Folder") : shownText(fileKind(row.name));
     default:

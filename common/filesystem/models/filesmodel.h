@@ -54,7 +54,8 @@ public:
     Q_ENUM(FileModelRoles)
 
     /// Both must outlive this. homeLocations: the top places of a local side; null on a side without them.
-    explicit FilesModel(FileSystem* fileSystem, HomeLocations* homeLocations = nullptr, QObject* parent = nullptr);
+    explicit FilesModel(FileSystem* fileSystem, HomeLocations* homeLocations = nullptr,
+                        QObject* parent = nullptr);
     ~FilesModel() override;
 
     QString directoryPath() const;
@@ -73,7 +74,8 @@ public:
     QVariant data(const QModelIndex& index, int role) const override;
     QHash<int, QByteArray> roleNames() const override;
 
-    /// Sorts by NameRole, SizeRole, TypeTextRole or DurationValueMsRole; by the role in force: the other way round.
+    /// Sorts by NameRole, SizeRole, TypeTextRole or DurationValueMsRole; by the role in force: the other way
+    /// round.
     Q_INVOKABLE void sortBy(int role);
     /// Reads the directory anew, metadata included.
     Q_INVOKABLE void refresh();

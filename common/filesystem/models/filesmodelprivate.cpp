@@ -15,7 +15,8 @@ constexpr int resortDelay = 500;         // milliseconds in which further durati
 QString thumbnailOf(const FileMetadata& metadata)
 {
     const QUrl& media = metadata.thumbnail;
-    return media.isEmpty() || media.scheme() == QLatin1String("image") ? media.toString() : thumbnailImageUrl(media);
+    return media.isEmpty() || media.scheme() == QLatin1String("image") ? media.toString()
+                                                                       : thumbnailImageUrl(media);
 }
 
 } // namespace
@@ -55,7 +56,8 @@ void FilesModelPrivate::follow()
                 Qt::QueuedConnection);
     }
     if (m_homes)
-        connect(m_homes, &HomeLocations::homeLocationsChanged, this, &FilesModelPrivate::onHomeLocationsChanged);
+        connect(m_homes, &HomeLocations::homeLocationsChanged, this,
+                &FilesModelPrivate::onHomeLocationsChanged);
 }
 
 void FilesModelPrivate::setDirectoryPath(const QString& path)
@@ -343,7 +345,8 @@ void FilesModelPrivate::onFileSystemReadyChanged(bool isReady)
 {
     if (!isReady || !m_fileSystem)
         return;
-    qCInfo(lcFileSystem) << "Files system" << m_fileSystem->fileSystemName() << "is ready. Reloading model...";
+    qCInfo(lcFileSystem) << "Files system" << m_fileSystem->fileSystemName()
+                         << "is ready. Reloading model...";
     reload();
 }
 
@@ -359,7 +362,8 @@ void FilesModelPrivate::onFileChanged(const FileSystemFile& file)
         return;
     const int row = m_model->rowOf(file.name);
     if (row < 0) {
-        qCDebug(lcFileSystem) << "File" << file.getFullPath() << "changed but it wasn't part of the model data.";
+        qCDebug(lcFileSystem) << "File" << file.getFullPath()
+                              << "changed but it wasn't part of the model data.";
         return;
     }
     FileRow& shown = m_rows[static_cast<std::size_t>(row)];

@@ -42,7 +42,8 @@ bool FileSystemDropHandler::dropDrag(QVariant drag, QVariant targetFileSystem, Q
     return mime.canConvert<QVariantMap>() && dropMimeData(mime.toMap(), targetFileSystem, targetPath);
 }
 
-bool FileSystemDropHandler::dropMimeData(QMap<QString, QVariant> mime, QVariant targetFileSystem, QString targetPath)
+bool FileSystemDropHandler::dropMimeData(QMap<QString, QVariant> mime, QVariant targetFileSystem,
+                                         QString targetPath)
 {
     return d->drop(mime, targetFileSystem, targetPath, false);
 }
@@ -78,15 +79,16 @@ bool FileSystemDropHandler::dropUrls(const QList<QUrl>& urls, const QVariant& ta
 }
 
 FileSystemDropHandlerPrivate::FileSystemDropHandlerPrivate(FileSystemProvider* provider,
-                                                           FileSystemOperations* operations, ConflictDesk* desk)
+                                                           FileSystemOperations* operations,
+                                                           ConflictDesk* desk)
     : m_provider(provider)
     , m_operations(operations)
     , m_desk(desk)
 {
 }
 
-bool FileSystemDropHandlerPrivate::drop(const QVariantMap& mime, const QVariant& target, const QString& targetPath,
-                                        bool moves)
+bool FileSystemDropHandlerPrivate::drop(const QVariantMap& mime, const QVariant& target,
+                                        const QString& targetPath, bool moves)
 {
     qCInfo(lcFileSystem) << "Dropped file system MIME value map" << mime;
     const std::optional<Entries> entries = parseMimeData(mime, targetOf(target), targetPath);
@@ -132,7 +134,8 @@ FileSystemDropHandlerPrivate::parseMimeData(const QVariantMap& mime, FileSystem*
         return {};
     }
     if (!target) {
-        qCInfo(lcFileSystem) << "Failed to drag MIME" << text << "to invalid file system target. Path:" << targetPath;
+        qCInfo(lcFileSystem) << "Failed to drag MIME" << text
+                             << "to invalid file system target. Path:" << targetPath;
         return {};
     }
     Entries entries;
@@ -151,7 +154,8 @@ FileSystemDropHandlerPrivate::parseMimeData(const QVariantMap& mime, FileSystem*
 }
 
 std::optional<DropEntry> FileSystemDropHandlerPrivate::parseEntry(const QJsonValue& element,
-                                                                  const QJsonDocument& document, FileSystem* target,
+                                                                  const QJsonDocument& document,
+                                                                  FileSystem* target,
                                                                   const QString& targetPath) const
 {
     const QJsonObject object = element.toObject();

@@ -18,15 +18,17 @@ class FileSystemDropHandlerPrivate : public QObject
 public:
     using Entries = QList<DropEntry>;
 
-    FileSystemDropHandlerPrivate(FileSystemProvider* provider, FileSystemOperations* operations, ConflictDesk* desk);
+    FileSystemDropHandlerPrivate(FileSystemProvider* provider, FileSystemOperations* operations,
+                                 ConflictDesk* desk);
 
     bool drop(const QVariantMap& mime, const QVariant& target, const QString& targetPath, bool moves);
     FileSystem* getFileSystem(const QString& name) const;
     FileSystem* targetOf(const QVariant& target) const;
     /// Nothing when one element is not sound.
-    std::optional<Entries> parseMimeData(const QVariantMap& mime, FileSystem* target, const QString& targetPath) const;
-    std::optional<DropEntry> parseEntry(const QJsonValue& element, const QJsonDocument& document, FileSystem* target,
-                                        const QString& targetPath) const;
+    std::optional<Entries> parseMimeData(const QVariantMap& mime, FileSystem* target,
+                                         const QString& targetPath) const;
+    std::optional<DropEntry> parseEntry(const QJsonValue& element, const QJsonDocument& document,
+                                        FileSystem* target, const QString& targetPath) const;
     bool isValid(const DropEntry& entry) const;
     QString filterPath(const QString& path, FileSystem* fileSystem) const;
     void handleEntries(const Entries& entries, bool moves);

@@ -18,9 +18,11 @@ namespace {
 constexpr int refreshMs = 500;
 
 constexpr std::array columns = {
-    OperationsModel::OperationTypeRole,    OperationsModel::OperationStateRole,   OperationsModel::ProgressRole,
-    OperationsModel::SourceFileSystemRole, OperationsModel::TargetFileSystemRole, OperationsModel::SourcePathRole,
-    OperationsModel::TargetPathRole,       OperationsModel::EtaRole,              OperationsModel::TransferSpeedRole,
+    OperationsModel::OperationTypeRole,    OperationsModel::OperationStateRole,
+    OperationsModel::ProgressRole,         OperationsModel::SourceFileSystemRole,
+    OperationsModel::TargetFileSystemRole, OperationsModel::SourcePathRole,
+    OperationsModel::TargetPathRole,       OperationsModel::EtaRole,
+    OperationsModel::TransferSpeedRole,
 };
 
 QString dataSize(quint64 bytes)
@@ -57,7 +59,9 @@ OperationsModel::Stage stageOf(const BaseOperation* operation)
     using Stage = OperationsModel::Stage;
     const auto* runnable = qobject_cast<const RunnableOperation*>(operation);
     if (!runnable)
-        return operation->isRunning() ? Stage::Running : operation->hasFinished() ? Stage::Done : Stage::Waiting;
+        return operation->isRunning()     ? Stage::Running
+               : operation->hasFinished() ? Stage::Done
+                                          : Stage::Waiting;
     switch (runnable->state()) {
     case RunnableOperation::NotStarted:
         return Stage::Waiting;
@@ -85,7 +89,8 @@ QString stateText(OperationsModel::Stage stage)
 {
     if (isOver(stage))
         return OperationsModel::tr("Finished");
-    return stage == OperationsModel::Stage::Waiting ? OperationsModel::tr("Idle") : OperationsModel::tr("Running");
+    return stage == OperationsModel::Stage::Waiting ? OperationsModel::tr("Idle")
+                                                    : OperationsModel::tr("Running");
 }
 
 } // namespace
@@ -208,9 +213,15 @@ QVariant OperationsModel::headerData(int section, Qt::Orientation orientation, i
 {
     if (orientation != Qt::Horizontal || role != Qt::DisplayRole || section < 0 || section >= columnCount())
         return QAbstractTableModel::headerData(section, orientation, role);
-    static const QStringList labels = {tr("Type"),        tr("State"),       tr("Progress"),
-                                       tr("Source file system"), tr("Target file system"), tr("Source path"),
-                                       tr("Target path"), tr("Time left"),   tr("Speed")};
+    static const QStringList labels = {tr("Type"),
+                                       tr("State"),
+                                       tr("Progress"),
+                                       tr("Source file system"),
+                                       tr("Target file system"),
+                                       tr("Source path"),
+                                       tr("Target path"),
+                                       tr("Time left"),
+                                       tr("Speed")};
     return labels.value(section);
 }
 
@@ -248,7 +259,8 @@ void OperationsModel::reload()
     }
     if (!fresh.empty()) {
         beginInsertRows({}, count(), count() + static_cast<int>(fresh.size()) - 1);
-        m_rows.insert(m_rows.end(), std::make_move_iterator(fresh.begin()), std::make_move_iterator(fresh.end()));
+        m_rows.insert(m_rows.end(), std::make_move_iterator(fresh.begin()),
+                      std::make_move_iterator(fresh.end()));
         endInsertRows();
     }
     refreshAll();
@@ -291,7 +303,8 @@ void OperationsModel::follow(const OperationPtr& operation)
     if (const auto* transfer = qobject_cast<const TransferOperation*>(operation.data())) {
         connect(transfer, &TransferOperation::conflictFound, this, refresh);
         connect(transfer, &TransferOperation::conflictAnswered, this, refresh);
-        connect(transfer, &TransferOperation::transferredBytesChanged, this, &OperationsModel::onOperationProgressed);
+        connect(transfer, &TransferOperation::transferredBytesChanged, this,
+                &OperationsModel::onOperationProgressed);
     }
 }
 
@@ -324,7 +337,8 @@ void OperationsModel::refreshRow(const void* id)
     updateTotal();
 }
 
-/// A running transfer reports hundreds of times a second: the table takes part twice, and the last one counts.
+/// A running transfer reports hundreds of times a second: the table takes part twice, and the last one
+/// counts.
 void OperationsModel::onOperationProgressed()
 {
     if (m_refresh.isActive())

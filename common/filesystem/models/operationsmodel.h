@@ -15,12 +15,13 @@ namespace vantrel {
 
 class FileSystemOperations;
 
-/// All file work of the session, in the order in which it was asked for: a row for each operation. What changes
-/// while one runs is told twice a second. The session owns it; main thread only.
+/// All file work of the session, in the order in which it was asked for: a row for each operation. What
+/// changes while one runs is told twice a second. The session owns it; main thread only.
 class OperationsModel : public QAbstractTableModel
 {
     Q_OBJECT
-    /// From 0 to 1, the mean of all that was asked for since nothing was left to do; 1 while there is nothing.
+    /// From 0 to 1, the mean of all that was asked for since nothing was left to do; 1 while there is
+    /// nothing.
     Q_PROPERTY(double totalProgress READ totalProgress NOTIFY totalProgressChanged)
     Q_PROPERTY(int count READ count NOTIFY countChanged)
     /// How many are not over.

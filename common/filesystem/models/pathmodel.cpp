@@ -55,10 +55,10 @@ void PathModel::append(QString path)
 void PathModel::appendStandardPlaces()
 {
     using Place = QStandardPaths::StandardLocation;
-    for (const Place place : {QStandardPaths::HomeLocation, QStandardPaths::DesktopLocation,
-                              QStandardPaths::DocumentsLocation, QStandardPaths::DownloadLocation,
-                              QStandardPaths::MoviesLocation, QStandardPaths::MusicLocation,
-                              QStandardPaths::PicturesLocation}) {
+    for (const Place place :
+         {QStandardPaths::HomeLocation, QStandardPaths::DesktopLocation, QStandardPaths::DocumentsLocation,
+          QStandardPaths::DownloadLocation, QStandardPaths::MoviesLocation, QStandardPaths::MusicLocation,
+          QStandardPaths::PicturesLocation}) {
         const QString path = QStandardPaths::writableLocation(place);
         if (!path.isEmpty() && QDir(path).exists())
             append(normalizePath(path));
@@ -69,7 +69,8 @@ QString PathModel::nameOf(const QString& path) const
 {
     if (isSamePath(path, QDir::homePath()))
         return tr("Home");
-    return path == QLatin1String("/") && m_fileSystem ? m_fileSystem->fileSystemName() : shownText(getNameInPath(path));
+    return path == QLatin1String("/") && m_fileSystem ? m_fileSystem->fileSystemName()
+                                                      : shownText(getNameInPath(path));
 }
 
 } // namespace vantrel

@@ -11,13 +11,14 @@ namespace vantrel {
 class QmlFileSystemOperations : public QObject
 {
     Q_OBJECT
-    Q_PROPERTY(vantrel::FileSystemOperations* operationsProvider READ operationsProvider WRITE setOperationsProvider
-                   NOTIFY operationsProviderChanged)
-    Q_PROPERTY(QList<const vantrel::BaseOperation*> allOperations READ allOperations NOTIFY allOperationsChanged)
+    Q_PROPERTY(vantrel::FileSystemOperations* operationsProvider READ operationsProvider WRITE
+                   setOperationsProvider NOTIFY operationsProviderChanged)
     Q_PROPERTY(
-        QList<const vantrel::BaseOperation*> activeOperations READ activeOperations NOTIFY activeOperationsChanged)
-    Q_PROPERTY(
-        QList<const vantrel::BaseOperation*> pendingOperations READ pendingOperations NOTIFY pendingOperationsChanged)
+        QList<const vantrel::BaseOperation*> allOperations READ allOperations NOTIFY allOperationsChanged)
+    Q_PROPERTY(QList<const vantrel::BaseOperation*> activeOperations READ activeOperations NOTIFY
+                   activeOperationsChanged)
+    Q_PROPERTY(QList<const vantrel::BaseOperation*> pendingOperations READ pendingOperations NOTIFY
+                   pendingOperationsChanged)
     Q_PROPERTY(QList<const vantrel::BaseOperation*> finishedOperations READ finishedOperations NOTIFY
                    finishedOperationsChanged)
 

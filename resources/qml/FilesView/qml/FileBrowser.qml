@@ -37,17 +37,17 @@ FocusScope {
         for (let i = 0; i < columns.count; ++i) {
             const column = columns.get(i)
             if (column.type !== "name")
-                fixed += fontSizes.scaled(column.width)
+                fixed += Theme.scaled(column.width)
         }
-        const drops = room - fixed < fontSizes.scaled(170)
+        const drops = room - fixed < Theme.scaled(170)
         let rest = room - fixed
         if (drops)
-            rest += fontSizes.scaled(70)
+            rest += Theme.scaled(70)
         let x = Theme.tight
         for (let i = 0; i < columns.count; ++i) {
             const column = columns.get(i)
             const wide = column.type === "name" ? rest : drops && column.type === "type" ? 0
-                                                                                          : fontSizes.scaled(column.width)
+                                                                                          : Theme.scaled(column.width)
             all[column.type] = { x: x, width: wide, isRight: column.type !== "name" && column.type !== "thumbnail" }
             x += wide
         }
@@ -66,7 +66,6 @@ FocusScope {
     function goUp() {
         if (!isUsable || model.parentPath.length === 0)
             return
-        const crumbs = model.breadcrumbs()
         comingFrom = model.directoryPath
         goTo(model.parentPath)
     }
@@ -341,7 +340,7 @@ FocusScope {
         id: empty
 
         anchors.centerIn: list
-        width: Math.min(list.width - 2 * Theme.loose, fontSizes.scaled(380))
+        width: Math.min(list.width - 2 * Theme.loose, Theme.scaled(380))
         spacing: Theme.loose
         visible: words.title.length > 0
 
@@ -349,7 +348,7 @@ FocusScope {
             id: words
 
             width: parent.width
-            iconName: list.height < fontSizes.scaled(170) ? "" : !browser.isUsable ? "unlinked"
+            iconName: list.height < Theme.scaled(170) ? "" : !browser.isUsable ? "unlinked"
                     : browser.model.isWaiting ? "" : "folder_open"
             title: !browser.isUsable ? qsTr("Not connected to a server")
                  : list.count > 0 ? ""
@@ -413,6 +412,9 @@ FocusScope {
         id: menu
 
         active: false
-        sourceComponent: FileMenu { browser: browser }
+        sourceComponent: FileMenu {
+            parent: browser
+            browser: menu.parent
+        }
     }
 }

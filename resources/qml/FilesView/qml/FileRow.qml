@@ -6,22 +6,25 @@ Item {
     id: row
 
     required property int index
+    required property var model
     required property string name
     required property string shownName
     required property bool isDirectory
     required property string absolutePath
     required property string sizeText
     required property string typeText
-    property var browser: ListView.view ? ListView.view.browser : null
+    property var browser: null
     // Asked for only where they are shown.
-    readonly property string duration: browser && !browser.isLocal && !isDirectory ? model.durationText : ""
-    readonly property string picture: browser && !browser.isLocal && !isDirectory ? model.thumbnail : ""
-    readonly property bool isSelected: browser && (browser.selection.revision, browser.selection.isRowSelected(index))
-    readonly property bool isCurrent: browser && browser.selection.currentRow === index
+    readonly property string duration: !!browser && !browser.isLocal && !isDirectory ? model.durationText : ""
+    readonly property string picture: !!browser && !browser.isLocal && !isDirectory ? model.thumbnail : ""
+    readonly property bool isSelected: !!browser && (browser.selection.revision, browser.selection.isRowSelected(index))
+    readonly property bool isCurrent: !!browser && browser.selection.currentRow === index
     readonly property double progress: browser ? (browser.operationsRevision, browser.progressOf(absolutePath)) : -1
-    readonly property bool isRenaming: browser && browser.renamingRow === index
-    readonly property bool isDropTarget: browser && browser.dropRow === index
+    readonly property bool isRenaming: !!browser && browser.renamingRow === index
+    readonly property string text: shownName // for who asks what the row shows
+    readonly property bool isDropTarget: !!browser && browser.dropRow === index
 
+    objectName: browser ? browser.objectName + "-row" + index : ""
     width: ListView.view ? ListView.view.width : 0
     height: Theme.rowHeight
     Accessible.role: Accessible.ListItem

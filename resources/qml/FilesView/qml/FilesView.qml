@@ -69,7 +69,7 @@ ZTQMLWidget {
         TransferPanel {
             id: transfers
 
-            T.SplitView.preferredHeight: isShrunk ? titleHeight : Math.min(view.height * 0.28, fontSizes.scaled(190))
+            T.SplitView.preferredHeight: isShrunk ? titleHeight : Math.min(view.height * 0.28, Theme.scaled(190))
             T.SplitView.minimumHeight: isShrunk ? titleHeight : titleHeight + 2 * Theme.rowHeight
             T.SplitView.maximumHeight: isShrunk ? titleHeight : view.height * 0.6
         }

@@ -47,6 +47,7 @@ Item {
 
                 active: false
                 sourceComponent: PlacesMenu {
+                    parent: places
                     browser: bar.browser
                     y: places.height
                 }

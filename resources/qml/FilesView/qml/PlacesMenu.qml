@@ -11,13 +11,9 @@ ZTMenu {
     Instantiator {
         model: menu.browser.paths
         delegate: ZTMenuItem {
-            required property string name
-            required property string path
-            required property string icon
-
-            text: name
-            iconName: icon
-            onTriggered: menu.browser.goTo(path)
+            text: model.name
+            iconName: model.icon
+            onTriggered: menu.browser.goTo(model.path)
         }
         onObjectAdded: (index, object) => menu.insertItem(index, object)
         onObjectRemoved: (index, object) => menu.removeItem(object)
@@ -25,8 +21,6 @@ ZTMenu {
     Instantiator {
         model: menu.browser.isLocal && typeof homeLocations !== "undefined" ? homeLocations.homeLocations : []
         delegate: ZTMenuItem {
-            required property var modelData
-
             text: modelData.name
             iconName: "drive"
             onTriggered: menu.browser.goTo(modelData.path)

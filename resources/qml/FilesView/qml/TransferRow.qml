@@ -22,11 +22,13 @@ Item {
     readonly property bool isFailed: stage === 5
     readonly property bool isBusy: stage === 1 || stage === 3
     readonly property bool isCurrent: ListView.isCurrentItem && ListView.view.activeFocus
+    readonly property string text: name + ": " + stageText
     readonly property string stageText: [qsTr("Waiting"), qsTr("Running"), qsTr("Asks"), qsTr("Stopping"), qsTr("Done"),
                                          qsTr("Failed")][stage]
     readonly property bool isUpload: session.localFilesModel !== null
                                      && sourceFileSystem === session.localFilesModel.fileSystem.fileSystemName
 
+    objectName: "transfers-row" + index
     width: ListView.view ? ListView.view.width : 0
     height: Theme.rowHeight
     Accessible.role: Accessible.ListItem
@@ -70,7 +72,7 @@ Item {
         id: bar
 
         anchors { left: what.right; leftMargin: Theme.loose; verticalCenter: parent.verticalCenter }
-        width: visible ? fontSizes.scaled(120) : 0
+        width: visible ? Theme.scaled(120) : 0
         height: 6
         visible: row.isBusy && row.isTransfer
         value: row.progress

@@ -10,7 +10,7 @@ ZTFrame {
     property bool isShrunk: false
     readonly property int titleHeight: bar.height + 2 * Theme.tight
     default property alias content: body.data
-    property alias tools: tools.data
+    property alias tools: toolRow.data
 
     Item {
         id: bar
@@ -41,14 +41,14 @@ ZTFrame {
             visible: name.length > 0
         }
         ZTLabel {
-            anchors { left: icon.right; right: tools.left; verticalCenter: parent.verticalCenter }
+            anchors { left: icon.right; right: toolRow.left; verticalCenter: parent.verticalCenter }
             anchors { leftMargin: Theme.normal; rightMargin: Theme.normal }
             text: frame.title
             color: Theme.strong
             font.weight: Font.DemiBold
         }
         Row {
-            id: tools
+            id: toolRow
 
             anchors { right: parent.right; verticalCenter: parent.verticalCenter }
             spacing: Theme.tight

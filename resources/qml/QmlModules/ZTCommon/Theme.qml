@@ -41,4 +41,7 @@ QtObject {
     // Of a row of a list, and of a bar of buttons.
     readonly property int rowHeight: fontSizes.body + 2 * fontSizes.padY + 6
     readonly property int barHeight: Math.ceil(fontSizes.body * 1.25) + 2 * fontSizes.padY + 2
+
+    // A length of the Medium layout at the text size in force.
+    function scaled(pixels) { return (fontSizes.index, fontSizes.scaled(pixels)) }
 }

@@ -14,7 +14,7 @@ T.Button {
                                : hovered || checked ? Theme.strong : Theme.text
 
     implicitHeight: Theme.barHeight
-    implicitWidth: text.length > 0 ? content.implicitWidth + leftPadding + rightPadding : implicitHeight
+    implicitWidth: text.length > 0 ? implicitContentWidth + leftPadding + rightPadding : implicitHeight
     leftPadding: text.length > 0 ? (iconName.length > 0 ? fontSizes.pad + 4 : 12) : 0
     rightPadding: text.length > 0 ? 12 : 0
     focusPolicy: Qt.TabFocus

@@ -6,9 +6,9 @@ T.CheckBox {
 
     property string tip
 
-    implicitWidth: contentItem.implicitWidth + leftPadding + rightPadding
+    implicitWidth: implicitContentWidth + leftPadding + rightPadding
     implicitHeight: Theme.barHeight
-    leftPadding: box.width + Theme.normal + 2
+    leftPadding: fontSizes.body + 2 + Theme.normal
     rightPadding: Theme.tight
     focusPolicy: Qt.TabFocus
     hoverEnabled: true
@@ -23,8 +23,6 @@ T.CheckBox {
         border.color: control.visualFocus ? Theme.focus : "transparent"
     }
     indicator: Rectangle {
-        id: box
-
         x: 2
         anchors.verticalCenter: parent.verticalCenter
         width: fontSizes.body + 2

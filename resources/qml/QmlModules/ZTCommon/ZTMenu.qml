@@ -15,7 +15,7 @@ T.Menu {
             widest = Math.max(widest, itemAt(i).implicitWidth)
         return widest
     }
-    implicitHeight: contentItem.contentHeight + topPadding + bottomPadding
+    implicitHeight: implicitContentHeight + topPadding + bottomPadding
     delegate: ZTMenuItem {}
 
     contentItem: ListView {

@@ -8,7 +8,7 @@ T.MenuItem {
     property string iconName
     property string keys
 
-    implicitWidth: row.implicitWidth + leftPadding + rightPadding
+    implicitWidth: implicitContentWidth + leftPadding + rightPadding
     implicitHeight: visible ? Theme.barHeight : 0
     leftPadding: Theme.loose
     rightPadding: Theme.loose
@@ -19,11 +19,11 @@ T.MenuItem {
         color: control.highlighted && control.enabled ? Theme.hoverStrong : "transparent"
     }
     contentItem: Item {
+        implicitWidth: row.implicitWidth
         Row {
             id: row
 
             anchors.verticalCenter: parent.verticalCenter
-            width: parent.width
             spacing: Theme.normal
 
             ZTIcon {

@@ -5,7 +5,7 @@ Rectangle {
     id: bar
 
     property double value: 0
-    property color color_: Theme.accent
+    property color ink: Theme.accent
 
     implicitHeight: 4
     radius: height / 2
@@ -19,6 +19,6 @@ Rectangle {
         width: Math.round(parent.width * Math.max(0, Math.min(1, bar.value)))
         height: parent.height
         radius: parent.radius
-        color: bar.color_
+        color: bar.ink
     }
 }
