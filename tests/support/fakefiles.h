@@ -31,7 +31,10 @@ public:
             m_items.insert(path, bytes);
     }
     void remove(const QString& path) { m_items.remove(path); }
-    void change(const QString& directory) { Q_EMIT directoryChanged(FileSystemDirectory::fromFullPath(directory)); }
+    void change(const QString& directory)
+    {
+        Q_EMIT directoryChanged(FileSystemDirectory::fromFullPath(directory));
+    }
     /// Gives the answer that a slow one owes.
     void release(const QString& directory)
     {
@@ -104,9 +107,11 @@ private:
             Q_EMIT invalidDirectoryPathRequest(path);
         return isValidDirectoryPath(path) && (!m_isSlow || m_known.contains(path));
     }
-    template <typename Use> void forEachBelow(const QString& path, const Use& use) const
+    template <typename Use>
+    void forEachBelow(const QString& path, const Use& use) const
     {
-        for (auto item = m_items.lowerBound(path); item != m_items.cend() && item.key().startsWith(path); ++item) {
+        for (auto item = m_items.lowerBound(path); item != m_items.cend() && item.key().startsWith(path);
+             ++item) {
             QString name = item.key().mid(path.size());
             if (name.endsWith(u'/'))
                 name.chop(1);

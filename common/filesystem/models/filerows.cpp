@@ -1,6 +1,7 @@
 #include "common/filesystem/models/filerows.h"
 
 #include <QCollator>
+#include <QLocale>
 #include <QSet>
 
 #include <algorithm>
@@ -20,7 +21,9 @@ struct SortKeys
 
 SortKeys keysOf(const FileRows& rows, bool byKind)
 {
-    QCollator collator;
+    // In the C locale there is no collation to speak of.
+    const QLocale locale;
+    QCollator collator(locale.language() == QLocale::C ? QLocale(QLocale::English) : locale);
     collator.setNumericMode(true);
     collator.setCaseSensitivity(Qt::CaseInsensitive);
     SortKeys keys;

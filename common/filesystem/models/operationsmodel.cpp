@@ -423,9 +423,11 @@ void OperationsModel::retry(int row)
     if (const auto* transfer = qobject_cast<const TransferOperation*>(operation.data())) {
         const FileSystemTarget from = transfer->from();
         const FileSystemTarget to = transfer->to();
-        again = transfer->transferType() == TransferOperation::Move
-                    ? m_operations->move(from.fileSystem, from.fullPath, to.fileSystem, to.fullPath)
-                    : m_operations->copy(from.fileSystem, from.fullPath, to.fileSystem, to.fullPath);
+        again = m_operations->retryOperation(operation); // leaves out what has come over whole
+        if (!again)
+            again = transfer->transferType() == TransferOperation::Move
+                        ? m_operations->move(from.fileSystem, from.fullPath, to.fileSystem, to.fullPath)
+                        : m_operations->copy(from.fileSystem, from.fullPath, to.fileSystem, to.fullPath);
         if (auto* next = qobject_cast<TransferOperation*>(again.data()))
             next->setConflictPolicy(ConflictPolicy::Ask);
     } else if (const auto* change = qobject_cast<const ModifyOperation*>(operation.data())) {

@@ -1,9 +1,8 @@
-#include "tests/support/testmain.h"
-
-#include "common/filesystem/models/filesmodel.h"
 #include "common/filesystem/models/filerows.h"
+#include "common/filesystem/models/filesmodel.h"
 #include "common/filesystem/models/pathmodel.h"
 #include "tests/support/fakefiles.h"
+#include "tests/support/testmain.h"
 
 #include <QAbstractItemModelTester>
 #include <QSignalSpy>
@@ -59,7 +58,8 @@ private Q_SLOTS:
         QCOMPARE(namesOf(model), (QStringList{"Act", "clip 2.mov", "Clip 10.mov", "Zoom.png", "Big.wav"}));
         model.sortBy(FilesModel::TypeTextRole);
         QCOMPARE(namesOf(model), (QStringList{"Act", "clip 2.mov", "Clip 10.mov", "Zoom.png", "Big.wav"}));
-        QCOMPARE(value(model, QStringLiteral("Act"), FilesModel::AbsolutePathRole), QStringLiteral("/shows/Act/"));
+        QCOMPARE(value(model, QStringLiteral("Act"), FilesModel::AbsolutePathRole),
+                 QStringLiteral("/shows/Act/"));
         QCOMPARE(value(model, QStringLiteral("Big.wav"), FilesModel::TypeTextRole), QStringLiteral("WAV"));
     }
 
@@ -74,7 +74,8 @@ private Q_SLOTS:
         m_files->add(QStringLiteral("/shows/Curtain.mov"));
         m_files->add(QStringLiteral("/shows/Clip 10.mov"), 77);
         m_files->change(QStringLiteral("/shows/"));
-        QCOMPARE(namesOf(model), (QStringList{"Act", "clip 2.mov", "Clip 10.mov", "Curtain.mov", "Zoom.png"}));
+        QCOMPARE(namesOf(model),
+                 (QStringList{"Act", "clip 2.mov", "Clip 10.mov", "Curtain.mov", "Zoom.png"}));
         QCOMPARE(value(model, QStringLiteral("Clip 10.mov"), FilesModel::SizeRole), 77);
         QCOMPARE(kept.data(FilesModel::NameRole), QStringLiteral("Zoom.png"));
         QVERIFY(resets.isEmpty());
@@ -89,7 +90,8 @@ private Q_SLOTS:
         model.setDirectoryPath(QStringLiteral("Drives"));
         QVERIFY(model.isAtTop());
         QCOMPARE(namesOf(model), (QStringList{"/", "STICK"}));
-        QCOMPARE(value(model, QStringLiteral("STICK"), FilesModel::AbsolutePathRole), QStringLiteral("/media/STICK/"));
+        QCOMPARE(value(model, QStringLiteral("STICK"), FilesModel::AbsolutePathRole),
+                 QStringLiteral("/media/STICK/"));
         m_homes.places.removeLast();
         Q_EMIT m_homes.homeLocationsChanged();
         QCOMPARE(model.count(), 1);
@@ -168,9 +170,11 @@ private Q_SLOTS:
         QCOMPARE(server.asked.size(), 2);
         QSignalSpy changes(&model, &QAbstractItemModel::dataChanged);
         metadata.durationMs = 3723000;
-        Q_EMIT server.fileMetadataChanged({QStringLiteral("b.mov"), 0, FileSystemDirectory::fromFullPath("/")}, metadata);
+        Q_EMIT server.fileMetadataChanged(
+            {QStringLiteral("b.mov"), 0, FileSystemDirectory::fromFullPath("/")}, metadata);
         QCOMPARE(changes.size(), 1);
-        QCOMPARE(value(model, QStringLiteral("b.mov"), FilesModel::DurationTextRole), QStringLiteral("1:02:03"));
+        QCOMPARE(value(model, QStringLiteral("b.mov"), FilesModel::DurationTextRole),
+                 QStringLiteral("1:02:03"));
         model.sortBy(FilesModel::DurationValueMsRole);
         model.sortBy(FilesModel::DurationValueMsRole);
         QTRY_COMPARE(namesOf(model), (QStringList{"b.mov", "a.mov"}));
@@ -192,9 +196,12 @@ private Q_SLOTS:
         const qint64 shown = clock.restart();
         model.sortBy(FilesModel::NameRole);
         const qint64 blocked = clock.elapsed();
-        QTRY_COMPARE(value(model, QStringLiteral("Camera 49999 take 0.mov"), FilesModel::NumberRole).toInt() < 10, true);
+        QTRY_COMPARE(value(model, QStringLiteral("Camera 49999 take 0.mov"), FilesModel::NumberRole).toInt() <
+                         10,
+                     true);
         const auto perRow = (mallinfo2().uordblks - before) / 50000;
-        qInfo("50,000 rows: shown after %lld ms, sorting held %lld ms, %zu bytes a row", shown, blocked, perRow);
+        qInfo("50,000 rows: shown after %lld ms, sorting held %lld ms, %zu bytes a row", shown, blocked,
+              perRow);
         QVERIFY(blocked < 16 * 3); // a loaded machine
         QVERIFY(perRow < 600);
     }

@@ -1,10 +1,9 @@
-#include "tests/support/testmain.h"
-
 #include "common/filesystem/models/conflictdesk.h"
 #include "common/filesystem/models/filesmodel.h"
 #include "common/filesystem/models/filesystemdrophandler.h"
 #include "common/filesystem/models/operationsmodel.h"
 #include "tests/support/fakefiles.h"
+#include "tests/support/testmain.h"
 
 #include <QAbstractItemModelTester>
 #include <QSignalSpy>
@@ -45,24 +44,40 @@ private Q_SLOTS:
         const QString a = entry("local", "/shows/a.mov", false);
         const QString act = entry("local", "/shows/Act/", true);
         const QStringList none;
-        QTest::newRow("up") << "media" << list({a, act}) << "server" << "/media/"
+        QTest::newRow("up") << "media" << list({a, act}) << "server"
+                            << "/media/"
                             << QStringList{"copy /shows/a.mov /media/", "copy /shows/Act/ /media/"};
-        QTest::newRow("within one side") << "directory" << list({a}) << "local" << "/shows/Act/"
-                                         << QStringList{"move /shows/a.mov /shows/Act/"};
-        QTest::newRow("where it is") << "media" << list({a}) << "local" << "/shows/" << none;
-        QTest::newRow("onto itself") << "media" << list({act}) << "local" << "/shows/Act/" << none;
-        QTest::newRow("one of two is no object") << "media" << list({a, "7"}) << "server" << "/media/" << none;
-        QTest::newRow("a file that is none") << "media" << list({a, entry("local", "/shows/Act", false)}) << "server"
-                                             << "/media/" << none;
-        QTest::newRow("one is gone") << "media" << list({a, entry("local", "/shows/gone.mov", false)}) << "server"
+        QTest::newRow("within one side") << "directory" << list({a}) << "local"
+                                         << "/shows/Act/" << QStringList{"move /shows/a.mov /shows/Act/"};
+        QTest::newRow("where it is") << "media" << list({a}) << "local"
+                                     << "/shows/" << none;
+        QTest::newRow("onto itself") << "media" << list({act}) << "local"
+                                     << "/shows/Act/" << none;
+        QTest::newRow("one of two is no object") << "media" << list({a, "7"}) << "server"
+                                                 << "/media/" << none;
+        QTest::newRow("a file that is none")
+            << "media" << list({a, entry("local", "/shows/Act", false)}) << "server"
+            << "/media/" << none;
+        QTest::newRow("one is gone") << "media" << list({a, entry("local", "/shows/gone.mov", false)})
+                                     << "server"
                                      << "/media/" << none;
-        QTest::newRow("an unknown side") << "media" << list({entry("cloud", "/shows/a.mov", false)}) << "server"
-                                         << "/media/" << none;
-        QTest::newRow("to an unknown side") << "media" << list({a}) << "cloud" << "/media/" << none;
-        QTest::newRow("to no folder") << "media" << list({a}) << "server" << "/elsewhere/" << none;
-        QTest::newRow("another type") << "slot" << list({a}) << "server" << "/media/" << none;
-        QTest::newRow("no list") << "media" << "{}" << "server" << "/media/" << none;
-        QTest::newRow("no JSON") << "media" << "[" << "server" << "/media/" << none;
+        QTest::newRow("an unknown side")
+            << "media" << list({entry("cloud", "/shows/a.mov", false)}) << "server"
+            << "/media/" << none;
+        QTest::newRow("to an unknown side") << "media" << list({a}) << "cloud"
+                                            << "/media/" << none;
+        QTest::newRow("to no folder") << "media" << list({a}) << "server"
+                                      << "/elsewhere/" << none;
+        QTest::newRow("another type") << "slot" << list({a}) << "server"
+                                      << "/media/" << none;
+        QTest::newRow("no list") << "media"
+                                 << "{}"
+                                 << "server"
+                                 << "/media/" << none;
+        QTest::newRow("no JSON") << "media"
+                                 << "["
+                                 << "server"
+                                 << "/media/" << none;
     }
     void dropsBecomeOperations()
     {
@@ -117,7 +132,8 @@ private Q_SLOTS:
         first->finish();
         QCOMPARE(text(model, OperationsModel::OperationStateRole), QStringLiteral("Finished"));
         model.cancel(1);
-        QCOMPARE(model.index(1, 0).data(OperationsModel::StageRole).toInt(), int(OperationsModel::Stage::Failed));
+        QCOMPARE(model.index(1, 0).data(OperationsModel::StageRole).toInt(),
+                 int(OperationsModel::Stage::Failed));
         QCOMPARE(model.openCount(), 0);
         QCOMPARE(model.totalProgress(), 1.0);
 
@@ -131,7 +147,8 @@ private Q_SLOTS:
         QCOMPARE(model.count(), 1);
     }
 
-    /// However often a transfer reports, the table hears of it twice a second, and of the last report in any case.
+    /// However often a transfer reports, the table hears of it twice a second, and of the last report in any
+    /// case.
     void progressIsToldAtItsPace()
     {
         start("/shows/a.mov");
@@ -175,9 +192,13 @@ private Q_SLOTS:
 private:
     OperationPtr start(const char* path)
     {
-        return m_queue->copy(m_local.get(), QString::fromLatin1(path), m_server.get(), QStringLiteral("/media/"));
+        return m_queue->copy(m_local.get(), QString::fromLatin1(path), m_server.get(),
+                             QStringLiteral("/media/"));
     }
-    QString text(const OperationsModel& model, int role) const { return model.index(0, 0).data(role).toString(); }
+    QString text(const OperationsModel& model, int role) const
+    {
+        return model.index(0, 0).data(role).toString();
+    }
 
     std::unique_ptr<FakeFiles> m_local;
     std::unique_ptr<FakeFiles> m_server;

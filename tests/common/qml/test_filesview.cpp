@@ -1,5 +1,3 @@
-#include "tests/support/testmain.h"
-
 #include "common/filesystem/models/filesmodel.h"
 #include "common/filesystem/models/operationsmodel.h"
 #include "common/filesystem/models/pathmodel.h"
@@ -9,10 +7,12 @@
 #include "common/views/files/filesview.h"
 #include "tests/common/ui/testsettings.h"
 #include "tests/support/fakefiles.h"
+#include "tests/support/testmain.h"
 
 #include <QApplication>
 #include <QQuickItem>
 #include <QQuickWidget>
+#include <QQuickWindow>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -52,10 +52,12 @@ private Q_SLOTS:
         StyleSheet::apply(*qApp);
         m_local = std::make_unique<FakeFiles>(QStringLiteral("Local files"));
         m_server = std::make_unique<FakeFiles>(QStringLiteral("Server files"));
-        for (const char* name : {"Act 1/", "Act 2/x.mov", "Opening loop.mov", "Walk-in.mp4", "Logo.png", "Bell.wav"})
+        for (const char* name :
+             {"Act 1/", "Act 2/x.mov", "Opening loop.mov", "Walk-in.mp4", "Logo.png", "Bell.wav"})
             m_local->add(QStringLiteral("/home/op/Videos/") + QString::fromLatin1(name), 123456789);
         m_server->add(QStringLiteral("/shows/"));
-        for (const char* name : {"Opening loop.mov", "Interview with a name that is far too long for any column.mov"})
+        for (const char* name :
+             {"Opening loop.mov", "Interview with a name that is far too long for any column.mov"})
             m_server->add(QStringLiteral("/") + QString::fromLatin1(name), 987654321);
         m_provider.local = m_local.get();
         m_provider.server = m_server.get();
@@ -112,10 +114,7 @@ private Q_SLOTS:
         m_view->resize(size);
         QTRY_COMPARE(root()->width(), qreal(size.width()));
         QTRY_VERIFY2(faults().isEmpty(), qPrintable(faults().join(u'\n')));
-        if (const QByteArray folder = qgetenv("HALCYRA_PICTURES"); !folder.isEmpty()) {
-            QCoreApplication::processEvents();
-            m_view->grab().save(QStringLiteral("%1/files-%2-%3.png").arg(QString::fromLocal8Bit(folder)).arg(text).arg(size.width()));
-        }
+        takePicture(QStringLiteral("%1-%2").arg(text).arg(size.width()));
     }
 
     void keysDoWhatListsDo()
@@ -128,7 +127,8 @@ private Q_SLOTS:
         key(Qt::Key_Down, Qt::ShiftModifier);
         QCOMPARE(summary(), QStringLiteral("2 of 6 selected, 0 bytes"));
         key(Qt::Key_Right, Qt::ControlModifier);
-        QCOMPARE(m_queue.calls, (QStringList{"copy /home/op/Videos/Act 1/ /", "copy /home/op/Videos/Act 2/ /"}));
+        QCOMPARE(m_queue.calls,
+                 (QStringList{"copy /home/op/Videos/Act 1/ /", "copy /home/op/Videos/Act 2/ /"}));
         QTest::keyClick(m_view->quickWidget(), 'o'); // type-ahead
         key(Qt::Key_C, Qt::ControlModifier);
         QVERIFY(summary().startsWith(QLatin1String("1 of 6")));
@@ -164,6 +164,27 @@ private Q_SLOTS:
         QMetaObject::invokeMethod(item("local-files-header-name"), "clicked");
     }
 
+    void menusOfferWhatCanBeDone()
+    {
+        item("local-files-list")->forceActiveFocus();
+        key(Qt::Key_End);
+        key(Qt::Key_Menu);
+        QTRY_VERIFY(overlay("local-files-menu-rename") && overlay("local-files-menu-rename")->isVisible());
+        QVERIFY(overlay("local-files-menu-copy")->isEnabled());
+        QVERIFY(!overlay("local-files-menu-open")->isEnabled());
+        takePicture(QStringLiteral("menu"));
+        key(Qt::Key_Escape);
+        QTRY_VERIFY(!overlay("local-files-menu-rename") || !overlay("local-files-menu-rename")->isVisible());
+        QVERIFY(item("local-files-list")->hasActiveFocus());
+        QMetaObject::invokeMethod(item("local-files-places-button"), "clicked");
+        QTRY_VERIFY(overlay("local-files-place0"));
+        takePicture(QStringLiteral("places"));
+        QMetaObject::invokeMethod(overlay("local-files-place0"), "triggered");
+        QCOMPARE(m_localModel->directoryPath(), QStringLiteral("/home/op/"));
+        key(Qt::Key_Escape);
+        m_localModel->setDirectoryPath(QStringLiteral("/home/op/Videos/"));
+    }
+
     void conflictsAskInTheTab()
     {
         FakeTransfer* transfer = m_queue.transfer(0);
@@ -171,16 +192,21 @@ private Q_SLOTS:
         transfer->run();
         transfer->askConflict({QStringLiteral("/Act 1"), true});
         QTRY_VERIFY(item("conflict-skip-button")->isVisible());
-        if (const QByteArray folder = qgetenv("HALCYRA_PICTURES"); !folder.isEmpty()) {
-            m_queue.transfer(1)->abort();
-            m_view->grab().save(QString::fromLocal8Bit(folder) + QStringLiteral("/files-conflict.png"));
-        }
+        m_queue.transfer(1)->abort();
+        m_queue.transfer(2)->run();
+        m_queue.transfer(2)->setTotalSizeBytes(123456789);
+        m_queue.transfer(2)->setTransferredBytes(43456789);
+        m_queue.transfer(2)->setProgress(0.35);
+        QTRY_COMPARE(m_operations->index(2, 0).data(OperationsModel::ProgressRole).toDouble(), 0.35);
+        takePicture(QStringLiteral("conflict"));
         QMetaObject::invokeMethod(item("conflict-skip-button"), "clicked");
         QTRY_VERIFY(!item("conflict-skip-button")->isVisible());
     }
 
     void withoutAServerTheTabSaysSo()
     {
+        item("local-files-list")->forceActiveFocus();
+        key(Qt::Key_End);
         m_session.server = nullptr;
         Q_EMIT m_session.serverFilesModelChanged();
         QTRY_VERIFY(!item("local-files-copy-button")->isEnabled());
@@ -195,6 +221,21 @@ private Q_SLOTS:
 
 private:
     QQuickItem* root() const { return m_view->quickWidget()->rootObject(); }
+    /// What menus are made of lies beside the root object.
+    QQuickItem* overlay(const char* name) const
+    {
+        return find(m_view->quickWidget()->quickWindow()->contentItem(), QLatin1String(name));
+    }
+    /// To look at, where HALCYRA_PICTURES names a folder.
+    void takePicture(const QString& name) const
+    {
+        const QString folder = qEnvironmentVariable("HALCYRA_PICTURES");
+        if (folder.isEmpty())
+            return;
+        QSignalSpy frames(m_view->quickWidget()->quickWindow(), &QQuickWindow::afterRendering);
+        frames.wait(200);
+        m_view->grab().save(QStringLiteral("%1/files-%2.png").arg(folder, name));
+    }
     QQuickItem* item(const char* name) const { return find(root(), QLatin1String(name)); }
     static QQuickItem* find(QQuickItem* from, const QString& name)
     {

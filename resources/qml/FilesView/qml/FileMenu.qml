@@ -8,6 +8,7 @@ ZTMenu {
     property var browser
 
     objectName: browser.objectName + "-menu"
+    onClosed: browser.takeFocus()
 
     ZTMenuItem {
         objectName: menu.browser.objectName + "-menu-open"
@@ -47,7 +48,7 @@ ZTMenu {
         iconName: "edit"
         keys: qsTr("F2")
         enabled: menu.browser.canRename
-        onTriggered: menu.browser.startRename()
+        onTriggered: Qt.callLater(menu.browser.startRename) // once the menu has given the keys back
     }
     ZTMenuItem {
         objectName: menu.browser.objectName + "-menu-remove"

@@ -34,7 +34,7 @@ Item {
     Accessible.selected: isSelected
 
     Rectangle {
-        anchors { fill: parent; leftMargin: Theme.tight; rightMargin: Theme.tight }
+        anchors { fill: parent; leftMargin: Theme.tight; rightMargin: fontSizes.bar }
         radius: Theme.radius
         color: row.isDropTarget ? Theme.accentVeil : row.isSelected ? (row.browser.hasKeys ? Theme.accentVeil : Theme.hoverStrong)
              : mouse.containsMouse ? Theme.hover : "transparent"

@@ -34,10 +34,13 @@ Row {
         onClicked: tools.browser.askRemove()
     }
     ZTButton {
+        readonly property string caption: tools.browser.isLocal ? qsTr("Copy to server") : qsTr("Copy to local")
+
         objectName: tools.browser.objectName + "-copy-button"
         kind: enabled ? "accent" : ""
         iconName: tools.browser.isLocal ? "upload" : "download"
-        text: tools.browser.isLocal ? qsTr("Copy to server") : qsTr("Copy to local")
+        Accessible.name: caption
+        text: tools.browser.width < Theme.scaled(350) ? "" : caption
         tip: !tools.browser.other.isUsable ? qsTr("The other side is not there")
            : tools.browser.selectedCount === 0 ? qsTr("Select what to copy first")
            : tools.browser.isLocal ? qsTr("Copy what is selected to the folder of the server (Ctrl+Right)")

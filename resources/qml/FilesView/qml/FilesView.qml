@@ -70,7 +70,7 @@ ZTQMLWidget {
             id: transfers
 
             T.SplitView.preferredHeight: isShrunk ? titleHeight : Math.min(view.height * 0.28, Theme.scaled(190))
-            T.SplitView.minimumHeight: isShrunk ? titleHeight : titleHeight + 2 * Theme.rowHeight
+            T.SplitView.minimumHeight: isShrunk ? titleHeight : titleHeight + Theme.rowHeight + Theme.normal
             T.SplitView.maximumHeight: isShrunk ? titleHeight : view.height * 0.6
         }
     }

@@ -29,7 +29,7 @@ Item {
             kind: "flat"
             iconName: "arrow_up"
             tip: qsTr("To the folder above (Backspace)")
-            enabled: bar.browser.isUsable && bar.model.parentPath.length > 0
+            enabled: !!bar.model && bar.model.parentPath.length > 0
             onClicked: bar.browser.goUp()
         }
         ZTButton {
@@ -39,6 +39,7 @@ Item {
             kind: "flat"
             iconName: "home"
             tip: qsTr("Places: folders that are used often, and drives")
+            visible: bar.browser.isLocal
             enabled: bar.browser.isUsable
             onClicked: placesMenu.item ? placesMenu.item.open() : placesMenu.active = true
 

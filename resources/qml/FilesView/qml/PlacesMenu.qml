@@ -8,6 +8,8 @@ ZTMenu {
 
     property var browser
 
+    onClosed: browser.takeFocus()
+
     Instantiator {
         model: menu.browser.paths
         delegate: ZTMenuItem {
@@ -15,7 +17,10 @@ ZTMenu {
             iconName: model.icon
             onTriggered: menu.browser.goTo(model.path)
         }
-        onObjectAdded: (index, object) => menu.insertItem(index, object)
+        onObjectAdded: (index, object) => {
+            object.objectName = menu.browser.objectName + "-place" + index
+            menu.insertItem(index, object)
+        }
         onObjectRemoved: (index, object) => menu.removeItem(object)
     }
     Instantiator {

@@ -42,7 +42,7 @@ Item {
     }
 
     Rectangle {
-        anchors { fill: parent; leftMargin: Theme.tight; rightMargin: Theme.tight }
+        anchors { fill: parent; leftMargin: Theme.tight; rightMargin: fontSizes.bar }
         radius: Theme.radius
         color: hover.hovered ? Theme.veil : "transparent"
         border.width: 1
@@ -62,7 +62,7 @@ Item {
         id: what
 
         anchors { left: icon.right; leftMargin: Theme.normal; verticalCenter: parent.verticalCenter }
-        width: Math.max(0, (row.width - icon.width - buttons.width) * 0.42 - Theme.loose * 2)
+        width: Math.max(0, row.width * 0.4 - icon.width)
         text: row.isTransfer ? qsTr("%1  ›  %2").arg(row.name).arg(row.where) : qsTr("%1 %2").arg(row.operationType).arg(row.name)
         color: row.isOpen ? Theme.text : Theme.dim
         elide: Text.ElideMiddle

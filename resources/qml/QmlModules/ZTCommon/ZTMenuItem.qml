@@ -19,7 +19,8 @@ T.MenuItem {
         color: control.highlighted && control.enabled ? Theme.hoverStrong : "transparent"
     }
     contentItem: Item {
-        implicitWidth: row.implicitWidth
+        implicitWidth: row.implicitWidth + (control.keys.length > 0 ? shortcut.implicitWidth + 3 * Theme.loose : 0)
+
         Row {
             id: row
 
@@ -39,22 +40,15 @@ T.MenuItem {
                 color: !control.enabled ? Theme.disabled : control.highlighted ? Theme.strong : Theme.text
                 Accessible.ignored: true
             }
-            // Room between the text and its keys.
-            Item {
-                width: Theme.loose * 2
-                height: 1
-                visible: shortcut.text.length > 0
-            }
-            ZTLabel {
-                id: shortcut
+        }
+        ZTLabel {
+            id: shortcut
 
-                anchors.verticalCenter: parent.verticalCenter
-                text: control.keys
-                visible: text.length > 0
-                color: Theme.faint
-                font.pixelSize: fontSizes.caption
-                Accessible.ignored: true
-            }
+            anchors { right: parent.right; verticalCenter: parent.verticalCenter }
+            text: control.keys
+            color: Theme.faint
+            font.pixelSize: fontSizes.caption
+            Accessible.ignored: true
         }
     }
 }
