@@ -16,6 +16,9 @@ public:
     using TransferOperation::TransferOperation;
 
     void print(QDebug& debug) const override;
+    /// Between two file systems a target that is there already is dealt with here, by conflictPolicy(),
+    /// before anyone begins; within one the file system does so itself, item by item.
+    void run() override;
     /// With a last error that says how far it came. Closes both devices.
     void abort() override;
     bool accept(OperationVisitor* visitor) override;
@@ -31,6 +34,9 @@ Q_SIGNALS:
     void outputChanged();
 
 private:
+    void meetConflict(ConflictPolicy policy);
+    FileSystemTarget freeTarget() const;
+
     QSharedPointer<QIODevice> m_input;
     QSharedPointer<QIODevice> m_output;
 };
