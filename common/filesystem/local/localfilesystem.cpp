@@ -5,6 +5,8 @@
 
 #include <QDir>
 
+#include <sys/statvfs.h>
+
 namespace vantrel {
 
 LocalFileSystem::LocalFileSystem(QObject* parent)
@@ -84,6 +86,27 @@ bool LocalFileSystem::isValidDirectoryPath(QString directoryPath) const
 OperationVisitor* LocalFileSystem::operationVisitor()
 {
     return m_private.get();
+}
+
+qint64 LocalFileSystem::availableBytes(const QString& path) const
+{
+    struct statvfs disk
+    {
+    };
+    if (::statvfs(QFile::encodeName(path).constData(), &disk) != 0)
+        return -1;
+    return static_cast<qint64>(disk.f_bavail) * static_cast<qint64>(disk.f_frsize);
+}
+
+qint64 LocalFileSystem::fileSize(const QString& path) const
+{
+    const QFileInfo info(path);
+    return info.isFile() ? info.size() : -1;
+}
+
+bool LocalFileSystem::wantsFreeNames() const
+{
+    return true;
 }
 
 } // namespace vantrel

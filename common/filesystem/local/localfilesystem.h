@@ -32,6 +32,9 @@ public:
     bool requestMetadata(QString filePath, FileMetadata& result) override;
     bool isValidDirectoryPath(QString directoryPath) const override;
     OperationVisitor* operationVisitor() override;
+    qint64 availableBytes(const QString& path) const override;
+    qint64 fileSize(const QString& path) const override;
+    bool wantsFreeNames() const override;
 
 private:
     std::unique_ptr<LocalFileSystemPrivate> m_private;

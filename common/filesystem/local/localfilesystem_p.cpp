@@ -287,9 +287,10 @@ void LocalFileSystemPrivate::doRemove(QWeakPointer<ModifyOperation> operation)
         removal->abort();
         return;
     }
-    startModification(removal, [path = removal->target().fullPath](JobControl& control) {
-        return RemovalWork(control).run(path);
-    });
+    startModification(
+        removal, [path = removal->target().fullPath, onlyEmpty = removal->onlyEmpty()](JobControl& control) {
+            return RemovalWork(control).run(path, onlyEmpty);
+        });
 }
 
 void LocalFileSystemPrivate::doCreate(QWeakPointer<ModifyOperation> operation)
@@ -298,8 +299,9 @@ void LocalFileSystemPrivate::doCreate(QWeakPointer<ModifyOperation> operation)
     if (!creation)
         return;
     const bool isDirectory = creation->modifiedTargetType() == ModifyOperation::Directory;
-    startModification(creation, [path = creation->target().fullPath, isDirectory](JobControl&) {
-        return createItem(path, isDirectory);
+    startModification(creation, [path = creation->target().fullPath, isDirectory,
+                                 accepts = creation->acceptsExisting()](JobControl&) {
+        return createItem(path, isDirectory, accepts);
     });
 }
 
@@ -333,7 +335,7 @@ void LocalFileSystemPrivate::finishModification(const QSharedPointer<ModifyOpera
                                                 const JobResult& result)
 {
     const QString path = operation->target().fullPath;
-    const bool isDone = result.outcome == JobResult::Done;
+    const bool isDone = result.outcome == JobResult::Done || result.outcome == JobResult::Skipped;
     const QString kind = operation->modifiedTargetType() == ModifyOperation::Directory
                              ? QStringLiteral("directory")
                              : QStringLiteral("file");

@@ -156,7 +156,7 @@ bool LocalStreams::initializeIncomingTransfer(const QSharedPointer<FileTransferO
     QString path = operation->to().fullPath;
     if (QFileInfo(path).isDir())
         path = createJoinedPath(path, getNameInPath(operation->from().fullPath), false);
-    const bool isReplacing = operation->conflictPolicy() == ConflictPolicy::Replace;
+    const bool isReplacing = operation->replacesTarget();
     const auto there = linkStat(bytesOf(path));
     if (there && (!isReplacing || isDirectory(itemStat(bytesOf(path))))) {
         operation->addErrorText(tr("%1 is there already.").arg(bold(path)));

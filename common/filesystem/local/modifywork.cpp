@@ -26,9 +26,9 @@ JobResult failed(JobResult::Outcome outcome, const QString& sentence)
     return {outcome, {}, {sentence}};
 }
 
-int makeItem(const std::string& path, bool isDirectory)
+int makeItem(const std::string& path, bool isWantedDirectory)
 {
-    if (isDirectory)
+    if (isWantedDirectory)
         return ::mkdir(path.c_str(), 0777) == 0 ? 0 : errno;
     Handle file(::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
     return file.isOpen() ? file.close() : errno;
@@ -49,13 +49,15 @@ QString nameProblem(const QString& name)
     return {};
 }
 
-JobResult createItem(const QString& path, bool isDirectory)
+JobResult createItem(const QString& path, bool isWantedDirectory, bool acceptsExisting)
 {
     const std::string target = withoutSlash(bytesOf(path));
     const std::string name = nameOf(target);
     if (const QString problem = nameProblem(textOf(name)); !problem.isEmpty())
         return failed(JobResult::Failed, problem);
-    const int error = makeItem(target, isDirectory);
+    const int error = makeItem(target, isWantedDirectory);
+    if (error == EEXIST && isWantedDirectory && acceptsExisting && isDirectory(itemStat(target)))
+        return {JobResult::Done, path, {}};
     if (error == EEXIST)
         return failed(JobResult::Exists, text("%1 is there already.").arg(shownName(target)));
     if (error)

@@ -42,7 +42,7 @@ RemovalWork::RemovalWork(JobControl& control)
 {
 }
 
-JobResult RemovalWork::run(const QString& path)
+JobResult RemovalWork::run(const QString& path, bool onlyEmpty)
 {
     const std::string target = withoutSlash(bytesOf(path));
     JobResult result;
@@ -56,6 +56,13 @@ JobResult RemovalWork::run(const QString& path)
     if (const QString reason = protection(target); !reason.isEmpty()) {
         result.errors.append(reason);
         return result;
+    }
+    if (onlyEmpty && isDirectory(stat)) {
+        const int error = ::rmdir(target.c_str()) == 0 ? 0 : errno;
+        if (!error || error == ENOTEMPTY || error == EEXIST) {
+            result.outcome = error ? JobResult::Skipped : JobResult::Done;
+            return result;
+        }
     }
     m_device = stat->st_dev;
     m_control->setTotal(countItems(target));

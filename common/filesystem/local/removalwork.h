@@ -15,7 +15,8 @@ public:
 
     /// What an operator asks for: also refuses what nobody means to remove, the whole disk, a volume, the
     /// home folder. Tells its progress in items.
-    JobResult run(const QString& path);
+    /// With onlyEmpty a directory that holds anything stays, and that is no failure.
+    JobResult run(const QString& path, bool onlyEmpty);
     /// The same for what is our own, not to be stopped and without progress; the error and the path at which
     /// it stopped.
     static int removeAll(const std::string& path, std::string* failedAt = nullptr);

@@ -38,7 +38,8 @@ void FileTransferOperation::print(QDebug& debug) const
 void FileTransferOperation::run()
 {
     FileSystem* system = to().fileSystem;
-    if (state() != NotStarted || conflict() || !system || system == from().fileSystem) {
+    if (state() != NotStarted || conflict() || !system || system == from().fileSystem ||
+        !system->wantsFreeNames()) {
         TransferOperation::run();
         return;
     }
@@ -47,7 +48,15 @@ void FileTransferOperation::run()
     if (system->getType(to().fullPath) == FileSystem::Unknown)
         TransferOperation::run();
     else
-        meetConflict(conflictPolicy());
+        meetConflict(isThereWhole() ? ConflictPolicy::Skip : conflictPolicy());
+}
+
+// What an earlier attempt at the same copy has brought over.
+bool FileTransferOperation::isThereWhole() const
+{
+    const qint64 size = to().fileSystem->fileSize(to().fullPath);
+    return isRetry() && transferType() == Copy && size >= 0 &&
+           size == from().fileSystem->fileSize(from().fullPath);
 }
 
 void FileTransferOperation::meetConflict(ConflictPolicy policy)
@@ -62,6 +71,7 @@ void FileTransferOperation::meetConflict(ConflictPolicy policy)
         setTo(freeTarget());
         break;
     case ConflictPolicy::Replace:
+        m_replacesTarget = true;
         break;
     case ConflictPolicy::Skip:
         qCInfo(lcFileSystem) << "Operation" << *this << "leaves out what is there already";
