@@ -12,4 +12,9 @@ qint64 FileSystem::fileSize(const QString&) const
     return -1;
 }
 
+bool FileSystem::wantsFreeNames() const
+{
+    return false;
+}
+
 } // namespace vantrel

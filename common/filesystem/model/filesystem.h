@@ -55,6 +55,9 @@ public:
     virtual qint64 availableBytes(const QString& path) const;
     /// Bytes of a file; -1 when it is not there, or nothing is known of it.
     virtual qint64 fileSize(const QString& path) const;
+    /// Of a transfer into it from elsewhere the operation meets what is there already before anyone begins;
+    /// false when the file system does so itself.
+    virtual bool wantsFreeNames() const;
 
 Q_SIGNALS:
     void isReadyChanged(bool isReady);

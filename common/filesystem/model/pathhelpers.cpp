@@ -50,6 +50,19 @@ bool isPathBelow(const QString& path, const QString& directory)
     return below.size() > above.size() && below.startsWith(above.endsWith(u'/') ? above : above + u'/');
 }
 
+QString numberedPath(const QString& path, int number)
+{
+    constexpr qsizetype most = 255; // bytes, as file systems count
+    QString stem = getNameInPath(path);
+    const qsizetype dot = stem.lastIndexOf(u'.');
+    const QString suffix = dot > 0 ? stem.mid(dot) : QString();
+    stem.chop(suffix.size());
+    const QString ending = QStringLiteral(" (%1)").arg(number) + suffix;
+    while (!stem.isEmpty() && stem.toUtf8().size() + ending.toUtf8().size() > most)
+        stem.chop(stem.back().isLowSurrogate() ? 2 : 1);
+    return createJoinedPath(getParentPath(path), stem + ending, false);
+}
+
 bool isMediaFile(const QString& path)
 {
     static const QStringList suffixes = mediaFileExtensions(QStringLiteral("."));

@@ -16,6 +16,8 @@ QString createJoinedPath(const QString& base, const QString& name, bool isDirect
 bool isSamePath(const QString& path, const QString& other);
 /// path lies somewhere below directory; a directory does not lie below itself.
 bool isPathBelow(const QString& path, const QString& directory);
+/// The path of a second, third ... item of the same name: "clip (2).mov". The name stays within 255 bytes.
+QString numberedPath(const QString& path, int number);
 /// By its extension, in any case: video or sound.
 bool isMediaFile(const QString& path);
 /// By its extension, in any case: a picture, which may be one of a sequence.

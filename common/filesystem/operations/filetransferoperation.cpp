@@ -2,6 +2,7 @@
 
 #include "common/filesystem/model/filesystemlogging.h"
 #include "common/filesystem/model/operationvisitor.h"
+#include "common/filesystem/model/pathhelpers.h"
 
 #include <QLocale>
 #include <QThread>
@@ -32,6 +33,66 @@ void FileTransferOperation::print(QDebug& debug) const
     debug << ", to:";
     printTarget(debug, to());
     debug << ", state:" << state() << ", errors:" << errors().size();
+}
+
+void FileTransferOperation::run()
+{
+    FileSystem* system = to().fileSystem;
+    if (state() != NotStarted || conflict() || !system || system == from().fileSystem ||
+        !system->wantsFreeNames()) {
+        TransferOperation::run();
+        return;
+    }
+    if (system->getType(to().fullPath) == FileSystem::Directory)
+        setTo({system, createJoinedPath(to().fullPath, getNameInPath(from().fullPath), false)});
+    if (system->getType(to().fullPath) == FileSystem::Unknown)
+        TransferOperation::run();
+    else
+        meetConflict(isThereWhole() ? ConflictPolicy::Skip : conflictPolicy());
+}
+
+// What an earlier attempt at the same copy has brought over.
+bool FileTransferOperation::isThereWhole() const
+{
+    const qint64 size = to().fileSystem->fileSize(to().fullPath);
+    return isRetry() && transferType() == Copy && size >= 0 &&
+           size == from().fileSystem->fileSize(from().fullPath);
+}
+
+void FileTransferOperation::meetConflict(ConflictPolicy policy)
+{
+    switch (policy) {
+    case ConflictPolicy::Ask:
+        connect(this, &TransferOperation::conflictAnswered, this, &FileTransferOperation::meetConflict,
+                static_cast<Qt::ConnectionType>(Qt::AutoConnection | Qt::UniqueConnection));
+        askConflict({to().fullPath, to().fileSystem->getType(to().fullPath) == FileSystem::Directory});
+        return;
+    case ConflictPolicy::KeepBoth:
+        setTo(freeTarget());
+        break;
+    case ConflictPolicy::Replace:
+        m_replacesTarget = true;
+        break;
+    case ConflictPolicy::Skip:
+        qCInfo(lcFileSystem) << "Operation" << *this << "leaves out what is there already";
+        setState(Passed);
+        return;
+    case ConflictPolicy::Refuse:
+        addErrorText(tr("<b>%1</b> is there already.").arg(getNameInPath(to().fullPath).toHtmlEscaped()));
+        abort();
+        return;
+    }
+    TransferOperation::run();
+}
+
+FileSystemTarget FileTransferOperation::freeTarget() const
+{
+    FileSystem* system = to().fileSystem;
+    for (int number = 2;; ++number) {
+        const QString path = numberedPath(to().fullPath, number);
+        if (system->getType(path) == FileSystem::Unknown)
+            return {system, path};
+    }
 }
 
 void FileTransferOperation::abort()

@@ -16,9 +16,14 @@ public:
     using TransferOperation::TransferOperation;
 
     void print(QDebug& debug) const override;
+    /// Where the other file system wants free names, a target that is there already is dealt with here, by
+    /// conflictPolicy(), before anyone begins.
+    void run() override;
     /// With a last error that says how far it came. Closes both devices.
     void abort() override;
     bool accept(OperationVisitor* visitor) override;
+    /// The target is there already, and is to be replaced.
+    bool replacesTarget() const { return m_replacesTarget; }
 
     /// Null until a visitor sets it. It may live on the thread of the one who works with it.
     QSharedPointer<QIODevice> input() const;
@@ -31,6 +36,11 @@ Q_SIGNALS:
     void outputChanged();
 
 private:
+    void meetConflict(ConflictPolicy policy);
+    bool isThereWhole() const;
+    FileSystemTarget freeTarget() const;
+
+    bool m_replacesTarget = false;
     QSharedPointer<QIODevice> m_input;
     QSharedPointer<QIODevice> m_output;
 };

@@ -70,7 +70,9 @@ void RunnableOperation::run()
         return;
     }
     if (acceptAllVisitor()) {
-        setRunning(true);
+        // A visitor may have ended it: then there is nothing left to do.
+        if (m_state == NotStarted)
+            setRunning(true);
         return;
     }
     qCWarning(lcFileSystem) << "Failed to accept visitors on operation" << *this;

@@ -135,6 +135,11 @@ FileSystemTarget TransferOperation::to() const
     return m_to;
 }
 
+void TransferOperation::setTo(FileSystemTarget to)
+{
+    m_to = std::move(to);
+}
+
 TransferOperation::TransferType TransferOperation::transferType() const
 {
     return m_type;

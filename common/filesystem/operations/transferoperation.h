@@ -69,6 +69,8 @@ Q_SIGNALS:
     void conflictAnswered(vantrel::ConflictPolicy answer, bool forAll);
 
 protected:
+    /// Only before it has started.
+    void setTo(FileSystemTarget to);
     /// Milliseconds of a clock that never goes back, and that midnight does not touch.
     virtual qint64 nowMs() const;
 

@@ -63,6 +63,25 @@ private Q_SLOTS:
         QCOMPARE(value(model, QStringLiteral("Big.wav"), FilesModel::TypeTextRole), QStringLiteral("WAV"));
     }
 
+    /// Also with letters that only a collation knows where to put.
+    void namesOfAllLanguagesAreSorted()
+    {
+        FileRows rows{{"Zug 2.mov"}, {"Öffnung.mov"}, {"zug 10.mov"},
+                      {"Paus.mov"},  {"Zug 02.wav"},  {"zug.mov"}};
+        sortRows(rows, {});
+        QStringList names;
+        for (const FileRow& row : rows)
+            names.append(row.name);
+        QCOMPARE(names, (QStringList{"Öffnung.mov", "Paus.mov", "Zug 2.mov", "Zug 02.wav", "zug 10.mov",
+                                     "zug.mov"}));
+        FileRows plain(rows.begin() + 1, rows.end());
+        sortRows(plain, {});
+        names.clear();
+        for (const FileRow& row : plain)
+            names.append(row.name);
+        QCOMPARE(names, (QStringList{"Paus.mov", "Zug 2.mov", "Zug 02.wav", "zug 10.mov", "zug.mov"}));
+    }
+
     void changesMoveAsLittleAsTheyCan()
     {
         FilesModel model(m_files.get(), &m_homes);
