@@ -1,0 +1,20 @@
+#include "common/filesystem/ftp/filesystemclient.h"
+
+namespace vantrel {
+
+bool FileSystemClient::size(const QString&)
+{
+    return false;
+}
+
+bool FileSystemClient::resumeWrite(const QString&, QIODevice*, qint64)
+{
+    return false;
+}
+
+bool FileSystemClient::resumeRead(const QString&, QIODevice*, qint64)
+{
+    return false;
+}
+
+} // namespace vantrel

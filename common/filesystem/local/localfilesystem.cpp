@@ -1,0 +1,112 @@
+#include "common/filesystem/local/localfilesystem.h"
+
+#include "common/filesystem/local/localfilesystem_p.h"
+#include "common/filesystem/model/filesystemlogging.h"
+
+#include <QDir>
+
+#include <sys/statvfs.h>
+
+namespace vantrel {
+
+LocalFileSystem::LocalFileSystem(QObject* parent)
+    : FileSystem(parent)
+    , m_private(std::make_unique<LocalFileSystemPrivate>(this))
+{
+}
+
+LocalFileSystem::~LocalFileSystem() = default;
+
+QString LocalFileSystem::fileSystemName() const
+{
+    return tr("Local files");
+}
+
+QString LocalFileSystem::defaultRootPath() const
+{
+    return QStringLiteral("/");
+}
+
+bool LocalFileSystem::isReady() const
+{
+    return true;
+}
+
+bool LocalFileSystem::isLoading() const
+{
+    return false;
+}
+
+bool LocalFileSystem::getDirectories(QString directoryPath, QList<FileSystemDirectory>& result)
+{
+    const DirectoryContent* content = nullptr;
+    if (!m_private->findContent(directoryPath, &content)) {
+        qCWarning(lcFileSystem) << "Unable to read directories from invalid path:" << directoryPath;
+        Q_EMIT invalidDirectoryPathRequest(directoryPath);
+    }
+    if (content)
+        result += content->directories;
+    return content;
+}
+
+bool LocalFileSystem::getFiles(QString directoryPath, QList<FileSystemFile>& result)
+{
+    const DirectoryContent* content = nullptr;
+    if (!m_private->findContent(directoryPath, &content)) {
+        qCWarning(lcFileSystem) << "Unable to read files from invalid path:" << directoryPath;
+        Q_EMIT invalidDirectoryPathRequest(directoryPath);
+    }
+    if (content)
+        result = content->files;
+    return content;
+}
+
+FileSystem::ItemType LocalFileSystem::getType(QString path)
+{
+    const QFileInfo info(path);
+    if (!info.exists())
+        return Unknown;
+    if (info.isFile())
+        return File;
+    return info.isDir() ? Directory : Unknown;
+}
+
+bool LocalFileSystem::requestMetadata(QString filePath, FileMetadata&)
+{
+    qCDebug(lcFileSystem) << "Requesting metadata for file" << filePath << "- local files have none";
+    return false;
+}
+
+bool LocalFileSystem::isValidDirectoryPath(QString directoryPath) const
+{
+    const QDir dir(directoryPath);
+    return dir.isAbsolute() && dir.exists() && dir.isReadable();
+}
+
+OperationVisitor* LocalFileSystem::operationVisitor()
+{
+    return m_private.get();
+}
+
+qint64 LocalFileSystem::availableBytes(const QString& path) const
+{
+    struct statvfs disk
+    {
+    };
+    if (::statvfs(QFile::encodeName(path).constData(), &disk) != 0)
+        return -1;
+    return static_cast<qint64>(disk.f_bavail) * static_cast<qint64>(disk.f_frsize);
+}
+
+qint64 LocalFileSystem::fileSize(const QString& path) const
+{
+    const QFileInfo info(path);
+    return info.isFile() ? info.size() : -1;
+}
+
+bool LocalFileSystem::wantsFreeNames() const
+{
+    return true;
+}
+
+} // namespace vantrel

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "common/filesystem/model/filesystem.h"
+
+#include <memory>
+
+namespace vantrel {
+
+class LocalFileSystemPrivate;
+
+/// The disks of the operator's computer. It is always ready; listings are read beside the main thread, and so
+/// is all work on the disk. Nothing that is there is ever overwritten unless an operation's conflict policy
+/// says so.
+class LocalFileSystem : public FileSystem
+{
+    Q_OBJECT
+
+public:
+    explicit LocalFileSystem(QObject* parent = nullptr);
+    /// Stops what runs and waits for it.
+    ~LocalFileSystem() override;
+
+    QString fileSystemName() const override;
+    /// "/".
+    QString defaultRootPath() const override;
+    bool isReady() const override;
+    bool isLoading() const override;
+    bool getDirectories(QString directoryPath, QList<FileSystemDirectory>& result) override;
+    bool getFiles(QString directoryPath, QList<FileSystemFile>& result) override;
+    ItemType getType(QString path) override;
+    /// Always false: nobody looks into local files.
+    bool requestMetadata(QString filePath, FileMetadata& result) override;
+    bool isValidDirectoryPath(QString directoryPath) const override;
+    OperationVisitor* operationVisitor() override;
+    qint64 availableBytes(const QString& path) const override;
+    qint64 fileSize(const QString& path) const override;
+    bool wantsFreeNames() const override;
+
+private:
+    std::unique_ptr<LocalFileSystemPrivate> m_private;
+};
+
+} // namespace vantrel

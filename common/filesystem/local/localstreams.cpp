@@ -1,0 +1,262 @@
+#include "common/filesystem/local/localstreams.h"
+
+#include "common/filesystem/local/copywork.h"
+#include "common/filesystem/local/systemfile.h"
+#include "common/filesystem/model/filesystemlogging.h"
+#include "common/filesystem/model/pathhelpers.h"
+#include "common/filesystem/operations/filetransferoperation.h"
+
+#include <QDateTime>
+#include <QFileInfo>
+#include <QLocale>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <sys/statvfs.h>
+#include <unistd.h>
+
+namespace vantrel {
+
+using namespace systemfile;
+
+namespace {
+
+using OperationRef = QWeakPointer<FileTransferOperation>;
+
+QString bold(const QString& path)
+{
+    return QStringLiteral("<b>%1</b>").arg(getNameInPath(path).toHtmlEscaped());
+}
+
+void closeStream(const QSharedPointer<QFile>& file)
+{
+    if (!file->isOpen())
+        return;
+    file->flush();
+    file->close();
+}
+
+int place(const std::string& hidden, const std::string& path, bool isReplacing)
+{
+    JobControl nobody(
+        ConflictPolicy::Refuse, [] {}, [](const TransferConflict&) {});
+    if (const int error = CopyWork(nobody).flush(hidden))
+        return error;
+    if (!isReplacing)
+        return renameNoReplace(hidden, path);
+    return std::rename(hidden.c_str(), path.c_str()) == 0 ? 0 : errno;
+}
+
+} // namespace
+
+LocalStreams::LocalStreams(FileSystem* fileSystem, StartJob startJob, QObject* parent)
+    : QObject(parent)
+    , m_fileSystem(fileSystem)
+    , m_startJob(std::move(startJob))
+{
+}
+
+QSharedPointer<QFile> LocalStreams::openFile(const QString& path, QIODeviceBase::OpenMode mode)
+{
+    const auto file = QSharedPointer<QFile>::create(path);
+    if (!file->open(mode)) {
+        qCWarning(lcFileSystem) << "Failed to open a local file" << path << "with mode" << mode;
+        return {};
+    }
+    m_openFiles.insert(path, file);
+    connect(file.data(), &QIODevice::aboutToClose, this, [this, raw = file.data()] { forget(raw); });
+    qCInfo(lcFileSystem) << "Opened a local file" << path << "with mode" << mode;
+    return file;
+}
+
+void LocalStreams::forget(const QFile* file)
+{
+    const auto found = std::find_if(m_openFiles.begin(), m_openFiles.end(),
+                                    [&](const auto& open) { return open.data() == file; });
+    if (found == m_openFiles.end())
+        return;
+    const QString path = found.key();
+    m_openFiles.erase(found);
+    qCInfo(lcFileSystem) << "Removed opened file" << path << "from file list ( count:" << m_openFiles.size()
+                         << ")";
+}
+
+bool LocalStreams::isReceivingInto(const QString& directory) const
+{
+    for (auto open = m_openFiles.begin(); open != m_openFiles.end(); ++open) {
+        // The file itself is busy on another thread: the disk is asked.
+        if (open.value()->openMode().testFlag(QIODeviceBase::WriteOnly) &&
+            isPathBelow(open.key(), directory) && QFileInfo(open.key()).size() > 0)
+            return true;
+    }
+    return false;
+}
+
+bool LocalStreams::initializeOutgoingTransfer(const QSharedPointer<FileTransferOperation>& operation)
+{
+    const QString path = operation->from().fullPath;
+    const QSharedPointer<QFile> file = openFile(path, QIODeviceBase::ReadOnly);
+    if (!file) {
+        operation->addErrorText(tr("%1 could not be opened.").arg(bold(path)));
+        return false;
+    }
+    operation->setInput(file);
+    const QFileInfo info(path);
+    connect(operation.data(), &RunnableOperation::targetIsReady, this,
+            [this, file, ref = OperationRef(operation), modified = info.lastModified(),
+             size = info.size()](const FileSystemTarget& target, bool isSuccessful) {
+                const auto transfer = ref.toStrongRef();
+                if (!transfer || target != transfer->to())
+                    return;
+                transfer->setInput({});
+                transfer->setOutput({});
+                closeStream(file);
+                if (isSuccessful && transfer->transferType() == TransferOperation::Move)
+                    removeMoved(transfer, modified, size);
+                else
+                    transfer->setReady(transfer->from(), true);
+            });
+    return true;
+}
+
+// The source of a move goes once the other side has it, unless it is another file by now.
+void LocalStreams::removeMoved(const QSharedPointer<FileTransferOperation>& operation,
+                               const QDateTime& modified, qint64 size)
+{
+    const QString path = operation->from().fullPath;
+    const auto work = [path, modified, size](JobControl&) {
+        const QFileInfo info(path);
+        if (info.lastModified() != modified || info.size() != size)
+            return JobResult{JobResult::Failed,
+                             {},
+                             {tr("%1 changed while it was moved, and was not removed.").arg(bold(path))}};
+        QFile file(path);
+        if (file.remove())
+            return JobResult{JobResult::Done, path, {}};
+        return JobResult{JobResult::Failed,
+                         {},
+                         {tr("%1 was copied, but could not be removed from where it was: %2.")
+                              .arg(bold(path), file.errorString().toHtmlEscaped())}};
+    };
+    m_startJob(work, [this, path, ref = OperationRef(operation)](const JobResult& result) {
+        const bool isRemoved = result.outcome == JobResult::Done;
+        if (isRemoved)
+            Q_EMIT removed(path);
+        if (const auto transfer = ref.toStrongRef(); transfer && !transfer->hasFinished()) {
+            for (const QString& error : result.errors)
+                transfer->addErrorText(error);
+            transfer->setReady(transfer->from(), isRemoved);
+        }
+    });
+}
+
+bool LocalStreams::initializeIncomingTransfer(const QSharedPointer<FileTransferOperation>& operation)
+{
+    QString path = operation->to().fullPath;
+    if (QFileInfo(path).isDir())
+        path = createJoinedPath(path, getNameInPath(operation->from().fullPath), false);
+    const bool isReplacing = operation->replacesTarget();
+    const auto there = linkStat(bytesOf(path));
+    if (there && (!isReplacing || isDirectory(itemStat(bytesOf(path))))) {
+        operation->addErrorText(tr("%1 is there already.").arg(bold(path)));
+        return false;
+    }
+    const QString hidden = textOf(hiddenPathBeside(bytesOf(path)));
+    const QSharedPointer<QFile> file = openFile(hidden, QIODeviceBase::WriteOnly | QIODeviceBase::NewOnly);
+    if (!file) {
+        operation->addErrorText(tr("%1 could not be written.").arg(bold(path)));
+        return false;
+    }
+    operation->setOutput(file);
+    m_progressMarks.insert(path, 0);
+    watchIncoming(operation, {path, hidden, file, isReplacing});
+    return true;
+}
+
+void LocalStreams::watchIncoming(const QSharedPointer<FileTransferOperation>& operation,
+                                 const Incoming& incoming)
+{
+    const OperationRef ref(operation);
+    FileTransferOperation* sender = operation.data();
+    connect(sender, &RunnableOperation::targetIsReady, this,
+            [this, ref, incoming](const FileSystemTarget& target, bool isSuccessful) {
+                const auto transfer = ref.toStrongRef();
+                if (!transfer || target != transfer->from())
+                    return;
+                transfer->setInput({});
+                transfer->setOutput({});
+                closeStream(incoming.file);
+                if (isSuccessful)
+                    takeIncoming(transfer, incoming);
+                else
+                    transfer->setReady(transfer->to(), true);
+            });
+    connect(sender, &TransferOperation::totalSizeBytesChanged, this, [this, ref, incoming] {
+        if (const auto transfer = ref.toStrongRef())
+            checkRoom(transfer, incoming);
+    });
+    connect(sender, &BaseOperation::progressChanged, this, [this, incoming](double, double to) {
+        double& mark = m_progressMarks[incoming.path];
+        if (to <= mark + 0.1)
+            return;
+        mark = to;
+        Q_EMIT progressed(incoming.path, QFileInfo(incoming.hidden).size());
+    });
+    connect(sender, &BaseOperation::operationStopped, this, [this, incoming] {
+        m_progressMarks.remove(incoming.path);
+        // What did not become whole goes; what did has another name by now.
+        m_startJob(
+            [hidden = bytesOf(incoming.hidden)](JobControl&) {
+                ::unlink(hidden.c_str());
+                return JobResult{JobResult::Done, {}, {}};
+            },
+            [](const JobResult&) {});
+    });
+}
+
+void LocalStreams::checkRoom(const QSharedPointer<FileTransferOperation>& operation, const Incoming& incoming)
+{
+    if (operation->hasFinished() || operation->transferredBytes() > 0)
+        return;
+    struct statvfs disk
+    {
+    };
+    if (::statvfs(parentOf(bytesOf(incoming.path)).c_str(), &disk) != 0)
+        return;
+    const unsigned long long free = static_cast<unsigned long long>(disk.f_bavail) * disk.f_frsize;
+    if (operation->totalSizeBytes() <= free)
+        return;
+    const auto sizeText = [](unsigned long long bytes) {
+        return QLocale().formattedDataSize(static_cast<qint64>(bytes), 1);
+    };
+    operation->addErrorText(
+        tr("There is no room for %1: it takes %2, and %3 are free.")
+            .arg(bold(incoming.path), sizeText(operation->totalSizeBytes()), sizeText(free)));
+    operation->abort();
+}
+
+void LocalStreams::takeIncoming(const QSharedPointer<FileTransferOperation>& operation,
+                                const Incoming& incoming)
+{
+    const auto work = [incoming](JobControl&) {
+        const int error = place(bytesOf(incoming.hidden), bytesOf(incoming.path), incoming.isReplacing);
+        if (!error)
+            return JobResult{JobResult::Done, incoming.path, {}};
+        return JobResult{JobResult::Failed,
+                         {},
+                         {tr("%1 could not be written: %2.").arg(bold(incoming.path), reasonText(error))}};
+    };
+    m_startJob(work, [this, incoming, ref = OperationRef(operation)](const JobResult& result) {
+        const bool isPlaced = result.outcome == JobResult::Done;
+        if (isPlaced)
+            Q_EMIT received(incoming.path);
+        if (const auto transfer = ref.toStrongRef(); transfer && !transfer->hasFinished()) {
+            for (const QString& error : result.errors)
+                transfer->addErrorText(error);
+            transfer->setReady(transfer->to(), isPlaced);
+        }
+    });
+}
+
+} // namespace vantrel

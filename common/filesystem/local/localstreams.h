@@ -1,0 +1,64 @@
+#pragma once
+
+#include "common/filesystem/local/filejob.h"
+
+#include <QFile>
+#include <QMap>
+#include <QObject>
+#include <QSharedPointer>
+
+namespace vantrel {
+
+class FileSystem;
+class FileTransferOperation;
+
+/// The local end of transfers between the disks and a server: opens the file, hands it to the operation, and
+/// closes it at the end. What comes in stands under a hidden name until it is whole. Owned by the local file
+/// system; main thread.
+class LocalStreams : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// Runs the work beside the main thread and hands over how it ended.
+    using StartJob =
+        std::function<void(FileJob::Work work, std::function<void(const JobResult&)> onFinished)>;
+
+    LocalStreams(FileSystem* fileSystem, StartJob startJob, QObject* parent);
+
+    bool initializeIncomingTransfer(const QSharedPointer<FileTransferOperation>& operation);
+    bool initializeOutgoingTransfer(const QSharedPointer<FileTransferOperation>& operation);
+    /// Something is on its way into the directory.
+    bool isReceivingInto(const QString& directory) const;
+
+Q_SIGNALS:
+    /// An incoming file has grown by a tenth.
+    void progressed(QString path, qint64 sizeBytes);
+    /// It stands whole under its name.
+    void received(QString path);
+    void removed(QString path);
+
+private:
+    struct Incoming
+    {
+        QString path;
+        QString hidden;
+        QSharedPointer<QFile> file;
+        bool isReplacing;
+    };
+
+    QSharedPointer<QFile> openFile(const QString& path, QIODeviceBase::OpenMode mode);
+    void forget(const QFile* file);
+    void watchIncoming(const QSharedPointer<FileTransferOperation>& operation, const Incoming& incoming);
+    void takeIncoming(const QSharedPointer<FileTransferOperation>& operation, const Incoming& incoming);
+    void checkRoom(const QSharedPointer<FileTransferOperation>& operation, const Incoming& incoming);
+    void removeMoved(const QSharedPointer<FileTransferOperation>& operation, const QDateTime& modified,
+                     qint64 size);
+
+    FileSystem* m_fileSystem;
+    StartJob m_startJob;
+    QMap<QString, QSharedPointer<QFile>> m_openFiles;
+    QMap<QString, double> m_progressMarks;
+};
+
+} // namespace vantrel

@@ -1,0 +1,146 @@
+#include "common/filesystem/local/removalwork.h"
+
+#include "common/filesystem/local/systemfile.h"
+#include "common/filesystem/model/pathhelpers.h"
+
+#include <QCoreApplication>
+#include <QDir>
+
+#include <cerrno>
+#include <unistd.h>
+
+namespace vantrel {
+
+using namespace systemfile;
+
+namespace {
+
+QString text(const char* source)
+{
+    return QCoreApplication::translate("LocalFileSystem", source);
+}
+
+// Empty when it may go.
+QString protection(const std::string& path)
+{
+    const QString shown = textOf(path);
+    for (const QString& home : {QDir::homePath(), QDir::home().canonicalPath()}) {
+        if (path == "/" || isSamePath(shown, home) || isPathBelow(home, shown))
+            return text("%1 holds your home folder and is not removed.").arg(shownName(path));
+    }
+    const auto own = linkStat(path);
+    const auto parent = itemStat(parentOf(path));
+    if (isDirectory(own) && parent && own->st_dev != parent->st_dev)
+        return text("%1 is a volume of its own and is not removed.").arg(shownName(path));
+    return {};
+}
+
+} // namespace
+
+RemovalWork::RemovalWork(JobControl& control)
+    : m_control(&control)
+{
+}
+
+JobResult RemovalWork::run(const QString& path, bool onlyEmpty)
+{
+    const std::string target = withoutSlash(bytesOf(path));
+    JobResult result;
+    result.destination = path;
+    const auto stat = linkStat(target);
+    if (!stat) {
+        result.outcome = JobResult::Missing;
+        result.errors.append(text("%1 is not there any more.").arg(shownName(target)));
+        return result;
+    }
+    if (const QString reason = protection(target); !reason.isEmpty()) {
+        result.errors.append(reason);
+        return result;
+    }
+    if (onlyEmpty && isDirectory(stat)) {
+        const int error = ::rmdir(target.c_str()) == 0 ? 0 : errno;
+        if (!error || error == ENOTEMPTY || error == EEXIST) {
+            result.outcome = error ? JobResult::Skipped : JobResult::Done;
+            return result;
+        }
+    }
+    m_device = stat->st_dev;
+    m_control->setTotal(countItems(target));
+    const int error = removeItem(target);
+    if (error == ECANCELED) {
+        result.outcome = JobResult::Canceled;
+    } else if (error) {
+        result.errors.append(
+            text("%1 could not be removed: %2.").arg(shownName(m_failedAt), reasonText(error)));
+    } else {
+        result.outcome = JobResult::Done;
+    }
+    return result;
+}
+
+int RemovalWork::removeAll(const std::string& path, std::string* failedAt)
+{
+    const auto stat = linkStat(path);
+    if (!stat)
+        return errno;
+    JobControl nobody(
+        ConflictPolicy::Refuse, [] {}, [](const TransferConflict&) {});
+    RemovalWork work(nobody);
+    work.m_device = stat->st_dev;
+    const int error = work.removeItem(withoutSlash(path));
+    if (failedAt)
+        *failedAt = work.m_failedAt;
+    return error;
+}
+
+quint64 RemovalWork::countItems(const std::string& path)
+{
+    quint64 count = 1;
+    if (const auto stat = linkStat(path);
+        isDirectory(stat) && stat->st_dev == m_device && !m_control->isCanceled()) {
+        forEachName(path, [&](const std::string& name) {
+            count += countItems(joined(path, name));
+            return 0;
+        });
+    }
+    return count;
+}
+
+int RemovalWork::removeItem(const std::string& path)
+{
+    if (m_control->isCanceled())
+        return ECANCELED;
+    const auto stat = linkStat(path);
+    const auto failed = [&](int error) {
+        m_failedAt = path;
+        return error;
+    };
+    if (!stat)
+        return failed(errno);
+    if (stat->st_dev != m_device)
+        return failed(EXDEV);
+    if (isDirectory(stat)) {
+        if (const int error = removeContent(path))
+            return error;
+        if (::rmdir(path.c_str()) != 0)
+            return failed(errno);
+    } else if (::unlink(path.c_str()) != 0) {
+        return failed(errno);
+    }
+    m_control->addDone(1);
+    return 0;
+}
+
+int RemovalWork::removeContent(const std::string& directory)
+{
+    bool isInside = false;
+    const int error = forEachName(directory, [&](const std::string& name) {
+        isInside = true;
+        return removeItem(joined(directory, name));
+    });
+    if (error && !isInside)
+        m_failedAt = directory;
+    return error;
+}
+
+} // namespace vantrel
