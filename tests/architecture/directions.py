@@ -38,6 +38,8 @@ REACHES = {
 }
 # Who asks for the one session above it, where everybody else is handed what he works with: file, and why.
 ASKS = {
+    "common/qml/qmlmanager.cpp": "what QML may see of the application",
+    "common/qml/qmlthumbnailprovider.cpp": "the engine of QML makes it and hands it nothing",
     "common/ui/clicktest/clickteststate.cpp": "tells from outside what the whole application holds",
     "common/ui/clicktest/uifigures.cpp": "measures the whole application from outside",
     "common/ui/inspect/inspectorwidget.cpp": "looks at the session itself",
