@@ -13,8 +13,6 @@ QString timeText(double seconds)
     return TimeUtils::formatClockTime(clocktime::fromSeconds(seconds));
 }
 
-using Mark = AccessibleTimeline::Mark;
-
 QAccessibleInterface* make(const QString& name, QObject* object)
 {
     auto* part = qobject_cast<QWidget*>(object);
@@ -22,25 +20,24 @@ QAccessibleInterface* make(const QString& name, QObject* object)
         return nullptr;
     if (name == QLatin1String("vantrel::SeekSlider")) {
         auto* slider = static_cast<SeekSlider*>(part);
-        return new AccessibleTimeline(part, slider, Mark::Playhead);
+        return new AccessibleTimeline(part, slider, false);
     }
     auto* slider = qobject_cast<SeekSlider*>(part->parentWidget());
     if (!slider)
         return nullptr;
     if (name == QLatin1String("vantrel::SeekSliderHandle"))
-        return new AccessibleTimeline(part, slider, Mark::Playhead);
+        return new AccessibleTimeline(part, slider, false);
     if (name != QLatin1String("vantrel::SeekSliderMarker"))
         return nullptr;
-    const bool isIn = part->objectName().endsWith(QLatin1String("-inMarker"));
-    return new AccessibleTimeline(part, slider, isIn ? Mark::In : Mark::Out);
+    return new AccessibleTimeline(part, slider, true);
 }
 
 } // namespace
 
-AccessibleTimeline::AccessibleTimeline(QWidget* part, SeekSlider* slider, Mark mark)
+AccessibleTimeline::AccessibleTimeline(QWidget* part, SeekSlider* slider, bool isPoint)
     : QAccessibleWidget(part, QAccessible::Slider)
     , m_slider(slider)
-    , m_mark(mark)
+    , m_isPoint(isPoint)
 {
 }
 
@@ -69,9 +66,9 @@ void* AccessibleTimeline::interface_cast(QAccessible::InterfaceType type)
 void AccessibleTimeline::setCurrentValue(const QVariant& seconds)
 {
     const double wanted = seconds.toDouble();
-    if (m_mark == Mark::Playhead ? !m_slider->isMovable() : !m_slider->areMarksMovable())
+    if (m_isPoint ? !m_slider->areMarksMovable() : !m_slider->isMovable())
         return;
-    switch (m_mark) {
+    switch (mark()) {
     case Mark::In:
         Q_EMIT m_slider->inpointSet(qBound(0.0, wanted, m_slider->outpoint()));
         break;
@@ -86,10 +83,19 @@ void AccessibleTimeline::setCurrentValue(const QVariant& seconds)
     }
 }
 
+/// By a name that is given after this is made.
+AccessibleTimeline::Mark AccessibleTimeline::mark() const
+{
+    if (!m_isPoint)
+        return Mark::Playhead;
+    return object()->objectName().endsWith(QLatin1String("-inMarker")) ? Mark::In : Mark::Out;
+}
+
 double AccessibleTimeline::time() const
 {
-    return m_mark == Mark::In    ? m_slider->inpoint()
-           : m_mark == Mark::Out ? m_slider->outpoint()
+    const Mark stands = mark();
+    return stands == Mark::In    ? m_slider->inpoint()
+           : stands == Mark::Out ? m_slider->outpoint()
                                  : m_slider->position();
 }
 

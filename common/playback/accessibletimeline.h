@@ -11,10 +11,8 @@ class SeekSlider;
 class AccessibleTimeline : public QAccessibleWidget, public QAccessibleValueInterface
 {
 public:
-    enum class Mark { Playhead, In, Out };
-
-    /// part: the slider or a child of it, which stands for the mark.
-    AccessibleTimeline(QWidget* part, SeekSlider* slider, Mark mark);
+    /// part: the slider or a child of it.
+    AccessibleTimeline(QWidget* part, SeekSlider* slider, bool isPoint);
 
     /// Lets Qt find this class for the parts of every slider; once is enough.
     static void install();
@@ -30,10 +28,12 @@ public:
     QVariant minimumStepSize() const override { return 0.1; }
 
 private:
+    enum class Mark { Playhead, In, Out };
+    Mark mark() const;
     double time() const;
 
     SeekSlider* m_slider;
-    Mark m_mark;
+    bool m_isPoint; // the in or the out point
 };
 
 } // namespace vantrel

@@ -67,7 +67,10 @@ MediaLibraryApi::MediaLibraryApi(const QString& host, QNetworkAccessManager* man
 
 MediaLibraryApi::~MediaLibraryApi()
 {
-    stopListening();
+    if (m_stream) { // an abort would still tell of an end
+        m_stream->disconnect(this);
+        m_stream->deleteLater();
+    }
     delete m_edits; // while this is still whole: it tells what becomes of the edits
 }
 

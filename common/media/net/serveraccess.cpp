@@ -37,6 +37,13 @@ ServerAccess::ServerAccess(QObject* parent)
     connect(&m_watch, &QTimer::timeout, this, &ServerAccess::checkMemory);
 }
 
+ServerAccess::~ServerAccess()
+{
+    // The replies go with the base, when there is nothing here any more that could be told of it.
+    for (QNetworkReply* reply : findChildren<QNetworkReply*>())
+        reply->disconnect(this);
+}
+
 QNetworkReply* ServerAccess::createRequest(Operation operation, const QNetworkRequest& request,
                                            QIODevice* body)
 {

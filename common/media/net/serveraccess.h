@@ -16,6 +16,7 @@ class ServerAccess : public QNetworkAccessManager
 
 public:
     explicit ServerAccess(QObject* parent = nullptr);
+    ~ServerAccess() override;
 
     /// For tests in place of a quarter of a minute; milliseconds.
     void setHeaderTime(int ms) { m_headerTime = ms; }

@@ -389,7 +389,13 @@ private Q_SLOTS:
         const auto status = [](const char* field) {
             QFile file(QStringLiteral("/proc/self/status"));
             const QByteArray text = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-            return text.mid(text.indexOf(field) + qstrlen(field)).trimmed().split(' ').value(0).toLongLong();
+            return text.mid(text.indexOf(field) + qstrlen(field))
+                .trimmed()
+                .split('\n')
+                .value(0)
+                .split(' ')
+                .value(0)
+                .toLongLong();
         };
         const auto threads = [&] { return status("Threads:"); };
         const auto kilobytes = [&] { return status("VmRSS:"); };
