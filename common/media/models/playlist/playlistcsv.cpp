@@ -258,10 +258,12 @@ QString PlaylistCsvImport::readTransition(const QString& text, PlaylistEntry& en
 
 QString PlaylistCsvImport::readEndAction(const QString& text, PlaylistEntry& entry)
 {
-    constexpr std::array values{EndAction::Next, EndAction::Pause, EndAction::Stop, EndAction::Repeat,
-                                EndAction::GoTo};
+    constexpr std::array values{EndAction::Next, EndAction::Pause, EndAction::Stop, EndAction::Repeat};
     EndAction action = entry.getEndAction();
-    if (!text.isEmpty() && !readEnum(text, values, &MediaUtils::endActionToHumanReadable, action))
+    // Has no words of its own on the screen, and comes back as it was exported.
+    if (text.compare(QLatin1String(toStr(EndAction::GoTo)), Qt::CaseInsensitive) == 0)
+        action = EndAction::GoTo;
+    else if (!text.isEmpty() && !readEnum(text, values, &MediaUtils::endActionToHumanReadable, action))
         return tr("\"%1\" is no end action: it is next, pause, stop or repeat.").arg(shortened(text));
     entry.setEndAction(action);
     return {};
