@@ -98,9 +98,9 @@ void PlaylistEditor::build()
     }
 
     connect(m_header, &PlaylistEditorHeader::editorPinned, this, &PlaylistEditor::editorPinned);
-    connect(m_header, &PlaylistEditorHeader::contextMenu, this, [this](const QPoint& at) {
+    connect(m_header, &PlaylistEditorHeader::contextMenu, this, [this] {
         if (m_menu)
-            m_menu->popup(at);
+            m_menu->popup(m_header->menuPosition());
     });
     connect(m_header, &PlaylistEditorHeader::listLost, this, &PlaylistEditor::showLoss);
     connect(m_container, &PlaylistContainer::entryDoubleClick, this, &PlaylistEditor::handleEntryDoubleClick);

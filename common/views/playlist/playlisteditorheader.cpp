@@ -69,6 +69,11 @@ QString PlaylistEditorHeader::prefix() const
     return isPreview() ? QStringLiteral("Preview-PlaylistEditor") : QStringLiteral("Program-PlaylistEditor");
 }
 
+QPoint PlaylistEditorHeader::menuPosition() const
+{
+    return m_context ? m_context->mapToGlobal(m_context->rect().bottomLeft()) : QPoint();
+}
+
 QSize PlaylistEditorHeader::minimumSizeHint() const
 {
     return {0, layout()->minimumSize().height()};
@@ -118,9 +123,7 @@ void PlaylistEditorHeader::buildPreview()
     connect(m_edit, &QAbstractButton::clicked, this, &PlaylistEditorHeader::beginNameEditing);
     connect(m_new, &QAbstractButton::clicked, this, &PlaylistEditorHeader::onNewPlaylistButtonClicked);
     connect(m_pin, &QAbstractButton::toggled, this, &PlaylistEditorHeader::editorPinned);
-    // Under its button, which a key may have pressed.
-    connect(m_context, &QAbstractButton::clicked, this,
-            [this] { Q_EMIT contextMenu(m_context->mapToGlobal(m_context->rect().bottomLeft())); });
+    connect(m_context, &QAbstractButton::clicked, this, &PlaylistEditorHeader::contextMenu);
     followFontSize(this, [this](FontSize) { fit(); });
 }
 

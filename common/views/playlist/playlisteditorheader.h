@@ -65,6 +65,8 @@ public:
     /// While the operator is in the midst of something the list stays; what was missed is caught up after it.
     void setHeld(bool held);
     IconButton* pinButton() const { return m_pin; }
+    /// On the screen, under the button of the menu, which a key may have pressed.
+    QPoint menuPosition() const;
     QSize minimumSizeHint() const override;
 
 public Q_SLOTS:
@@ -81,8 +83,7 @@ public Q_SLOTS:
 
 Q_SIGNALS:
     void editorPinned(bool pinned);
-    /// Where on the screen it is to open.
-    void contextMenu(QPoint position);
+    void contextMenu();
     /// The list that was shown was removed, and none is shown in its place; 0 when one is shown again.
     void listLost(uint number);
 

@@ -109,6 +109,7 @@ PushButton* PlaylistsDialog::makeButton(const QString& text, const QString& tip,
     button->setAccessibleName(tip);
     button->setObjectName(QStringLiteral("AllPlaylists-%1-button").arg(QLatin1String(name)));
     button->setAutoDefault(false);
+    button->setStyleClass(QStringLiteral("cancel"));
     m_actions.append(button);
     return button;
 }

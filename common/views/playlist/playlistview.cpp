@@ -288,6 +288,19 @@ void PlaylistView::mouseMoveEvent(QMouseEvent* event)
     Q_EMIT dragStarted(index);
 }
 
+bool PlaylistView::event(QEvent* event)
+{
+    const bool isMenuKey = event->type() == QEvent::ContextMenu &&
+                           static_cast<QContextMenuEvent*>(event)->reason() == QContextMenuEvent::Keyboard;
+    if (!isMenuKey || !currentIndex().isValid())
+        return QTableView::event(event);
+    // At the row that the keys go to.
+    const QPoint below = visualRect(currentIndex()).bottomLeft();
+    Q_EMIT customContextMenuRequested({below.x(), std::clamp(below.y(), 0, viewport()->height())});
+    event->accept();
+    return true;
+}
+
 void PlaylistView::wheelEvent(QWheelEvent* event)
 {
     Q_EMIT browsed();

@@ -12,6 +12,8 @@
 #include <QAction>
 #include <QFile>
 #include <QFileDialog>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
@@ -25,18 +27,25 @@ using namespace vantrel::test;
 
 namespace {
 
-QByteArray entry(const char* address)
+QJsonObject listOf(const char* name, const QStringList& addresses)
 {
-    return QByteArray("\"") + address +
-           R"(":{"slotUrl":"brume://collections/1/slots/1","endAction":"next","transitionType":"crossfade",)"
-           R"("transitionDuration":1.0})";
+    const QJsonObject entry{{"slotUrl", "brume://collections/1/slots/1"},
+                            {"endAction", "next"},
+                            {"transitionType", "crossfade"},
+                            {"transitionDuration", 1.0}};
+    QJsonObject entries;
+    for (const QString& address : addresses)
+        entries.insert(address, entry);
+    return {{"name", name}, {"entries", entries}};
 }
 
 /// 1 is empty, 2 holds decimals on both sides of 1, 4 one entry.
 QByteArray libraryWithLists()
 {
-    return R"({"1":{"name":"Empty","entries":{}},"2":{"name":"Show","entries":{)" + entry("0.999") + ',' +
-           entry("12.125") + ',' + entry("14") + R"(}},"4":{"name":"Late","entries":{)" + entry("1") + "}}}";
+    const QJsonObject lists{{"1", listOf("Empty", {})},
+                            {"2", listOf("Show", {"0.999", "12.125", "14"})},
+                            {"4", listOf("Late", {"1"})}};
+    return QJsonDocument(lists).toJson(QJsonDocument::Compact);
 }
 
 } // namespace
