@@ -1,0 +1,81 @@
+#pragma once
+
+#include "common/filesystem/ftp/qftp.h"
+
+#include <QMutex>
+#include <QThread>
+
+#include <atomic>
+#include <chrono>
+#include <functional>
+
+class QIODevice;
+
+namespace vantrel {
+
+/// The thread of one QFtp. The calls come from the main thread; each gives the number of the command as soon
+/// as it is on its way and never waits for what that thread does, which may be a slow disk. Owned by the
+/// FtpClientPrivate; the object itself lives on the main thread.
+class FtpWorker : public QThread
+{
+    Q_OBJECT
+
+public:
+    explicit FtpWorker(QObject* parent = nullptr);
+    ~FtpWorker() override;
+
+    int connectToHost(const QString& host, quint16 port);
+    int login(const QString& user, const QString& password);
+    int list(const QString& path);
+    int removeFile(const QString& path);
+    int removeDirectory(const QString& path);
+    int createDirectory(const QString& path);
+    int rename(const QString& from, const QString& to);
+    /// The device goes to the worker's thread, and comes back before the command is told to be finished.
+    /// offset: bytes.
+    int put(QIODevice* device, const QString& path, QFtp::TransferType type, qint64 offset = 0);
+    int get(const QString& path, QIODevice* device, QFtp::TransferType type, qint64 offset = 0);
+    int size(const QString& path);
+    void disconnectServer();
+    void abort();
+    void noop();
+    void setPatience(std::chrono::milliseconds patience);
+
+    QFtp::State ftpState() const { return m_state; }
+    /// Of the command that failed last.
+    QFtp::Error getError(QString* text) const;
+
+    /// Ends the thread and waits for it. Commands under way are dropped; their devices are left alone then.
+    void shutDown();
+
+Q_SIGNALS:
+    void stateChanged(int state);
+    void listInfo(const vantrel::QUrlInfo& info);
+    void dataTransferProgress(qint64 done, qint64 total);
+    void fileSize(qint64 bytes);
+    void commandStarted(int id);
+    void commandFinished(int id, bool error);
+
+protected:
+    void run() override;
+
+private:
+    using Call = std::function<void(QFtp& ftp)>;
+    void post(Call call);
+    int command(Call call);
+    int transfer(QIODevice* device, Call call);
+    void onDataTransferProgress(QFtp& ftp, qint64 done, qint64 total);
+    void onCommandFinished(QFtp& ftp, int id, bool error);
+
+    mutable QMutex m_mutex;     // guards what follows, up to the error's text
+    QFtp* m_ftp = nullptr;      // while the thread runs
+    std::vector<Call> m_early;  // from before it ran
+    QFtp::Error m_error = QFtp::NoError;
+    QString m_errorText;
+    std::atomic<QFtp::State> m_state{QFtp::Unconnected};
+    qint64 m_done = 0;          // on the worker's thread: bytes of the present transfer
+    bool m_isPresized = false;  // on the worker's thread
+    QThread* const m_home;
+};
+
+} // namespace vantrel
