@@ -1,0 +1,41 @@
+#pragma once
+
+#include "common/media/address/mediastate.h"
+#include "tarn/media/mediaenums.h"
+
+#include <QSet>
+#include <QString>
+#include <QUrl>
+
+namespace vantrel {
+
+/// What is known of a media file beside its name and size. Only the server's side fills it.
+struct FileMetadata
+{
+    Q_GADGET
+    Q_PROPERTY(QString videoCodec MEMBER videoCodec)
+    Q_PROPERTY(quint64 durationMs MEMBER durationMs)
+    Q_PROPERTY(bool isPlayable MEMBER isPlayable)
+    Q_PROPERTY(QSet<QString> mediaCaveats MEMBER mediaCaveats)
+    Q_PROPERTY(vantrel::MediaState mediaState MEMBER mediaState)
+    Q_PROPERTY(QUrl thumbnail MEMBER thumbnail)
+    Q_PROPERTY(vantrel::MediaType mediaType MEMBER mediaType)
+
+public:
+    QString videoCodec;
+    quint64 durationMs = 0;
+    /// The server can play the file.
+    bool isPlayable = false;
+    /// One text a caveat, for the operator.
+    QSet<QString> mediaCaveats;
+    MediaState mediaState = MediaState::UnknownState;
+    /// Where declarative views find its picture.
+    QUrl thumbnail;
+    MediaType mediaType = MediaType::Unknown;
+
+    bool operator==(const FileMetadata&) const = default;
+};
+
+} // namespace vantrel
+
+Q_DECLARE_METATYPE(vantrel::FileMetadata)

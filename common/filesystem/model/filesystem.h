@@ -1,0 +1,63 @@
+#pragma once
+
+#include "common/filesystem/model/filemetadata.h"
+#include "common/filesystem/model/filesystemdirectory.h"
+#include "common/filesystem/model/filesystemfile.h"
+
+#include <QList>
+#include <QObject>
+
+namespace vantrel {
+
+class OperationVisitor;
+
+/// The disks of the operator's computer or the media storage of the server, behind one face. Listings answer
+/// at once or later; whoever changes something makes an operation, which operationVisitor() prepares. Lives
+/// as long as the process; main thread only.
+class FileSystem : public QObject
+{
+    Q_OBJECT
+    Q_PROPERTY(QString fileSystemName READ fileSystemName CONSTANT)
+    Q_PROPERTY(bool isReady READ isReady NOTIFY isReadyChanged)
+    Q_PROPERTY(bool isLoading READ isLoading NOTIFY isLoadingChanged)
+
+public:
+    enum ItemType {
+        Unknown = 0,
+        File = 1,
+        Directory = 2,
+    };
+    Q_ENUM(ItemType)
+
+    using QObject::QObject;
+
+    /// "Local files" or "Server files", translated.
+    virtual QString fileSystemName() const = 0;
+    /// Where a view starts.
+    virtual QString defaultRootPath() const = 0;
+    virtual bool isReady() const = 0;
+    virtual bool isLoading() const = 0;
+    /// The sub-directories, the way up ("..") among them, appended to the result. False: the answer is not
+    /// here, and directoryChanged comes once it is, upon which the caller asks again. True may still give
+    /// what was known a while ago; directoryChanged then comes when that was not true any more.
+    Q_INVOKABLE virtual bool getDirectories(QString directoryPath,
+                                            QList<vantrel::FileSystemDirectory>& result) = 0;
+    /// The media files, which replace the result; otherwise as getDirectories().
+    Q_INVOKABLE virtual bool getFiles(QString directoryPath, QList<vantrel::FileSystemFile>& result) = 0;
+    Q_INVOKABLE virtual ItemType getType(QString path) = 0;
+    /// False when nothing is known; fileMetadataChanged comes once something is.
+    Q_INVOKABLE virtual bool requestMetadata(QString filePath, vantrel::FileMetadata& result) = 0;
+    Q_INVOKABLE virtual bool isValidDirectoryPath(QString directoryPath) const = 0;
+    /// Not owned by the caller.
+    virtual OperationVisitor* operationVisitor() = 0;
+
+Q_SIGNALS:
+    void isReadyChanged(bool isReady);
+    void isLoadingChanged(bool isLoading);
+    void directoryChanged(vantrel::FileSystemDirectory directory);
+    void fileChanged(vantrel::FileSystemFile file);
+    void invalidDirectoryPathRequest(QString path);
+    void fileMetadataChanged(vantrel::FileSystemFile file, vantrel::FileMetadata metadata);
+};
+
+} // namespace vantrel

@@ -1,0 +1,65 @@
+#include "common/filesystem/model/pathhelpers.h"
+
+#include <algorithm>
+#include <filesystem>
+
+namespace vantrel {
+
+namespace {
+
+QString withoutTrailingSeparator(const QString& path)
+{
+    return path.size() > 1 && path.endsWith(u'/') ? path.chopped(1) : path;
+}
+
+bool endsWithOneOf(const QString& path, const QStringList& suffixes)
+{
+    return std::ranges::any_of(
+        suffixes, [&](const QString& suffix) { return path.endsWith(suffix, Qt::CaseInsensitive); });
+}
+
+} // namespace
+
+QString getParentPath(const QString& path)
+{
+    const qsizetype separator = withoutTrailingSeparator(path).lastIndexOf(u'/');
+    return separator < 0 ? path : path.left(separator + 1);
+}
+
+QString normalizePath(const QString& path)
+{
+    const std::filesystem::path normal = std::filesystem::path(path.toStdString()).lexically_normal();
+    return QString::fromStdString(normal.generic_string());
+}
+
+QString createJoinedPath(const QString& base, const QString& name, bool isDirectory)
+{
+    const QString joined = (base.endsWith(u'/') ? base : base + u'/') + name;
+    return isDirectory ? joined + u'/' : joined;
+}
+
+bool isSamePath(const QString& path, const QString& other)
+{
+    return withoutTrailingSeparator(normalizePath(path)) == withoutTrailingSeparator(normalizePath(other));
+}
+
+bool isPathBelow(const QString& path, const QString& directory)
+{
+    const QString above = withoutTrailingSeparator(normalizePath(directory));
+    const QString below = withoutTrailingSeparator(normalizePath(path));
+    return below.size() > above.size() && below.startsWith(above.endsWith(u'/') ? above : above + u'/');
+}
+
+bool isMediaFile(const QString& path)
+{
+    static const QStringList suffixes = mediaFileExtensions(QStringLiteral("."));
+    return endsWithOneOf(path, suffixes);
+}
+
+bool isImageFile(const QString& path)
+{
+    static const QStringList suffixes = imageSequenceFileExtensions(QStringLiteral("."));
+    return endsWithOneOf(path, suffixes);
+}
+
+} // namespace vantrel
