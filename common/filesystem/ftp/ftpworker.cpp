@@ -75,7 +75,15 @@ int FtpWorker::transfer(QIODevice* device, Call call)
         return 0;
     if (device->thread() != this)
         device->moveToThread(this);
-    return command(std::move(call));
+    const int id = QFtpCommand::nextId();
+    post([this, id, device, call = std::move(call)](QFtp& ftp) {
+        m_device = device;
+        m_deviceId = id;
+        m_isPresized = false;
+        ftp.setNextId(id);
+        call(ftp);
+    });
+    return id;
 }
 
 int FtpWorker::connectToHost(const QString& host, quint16 port)
@@ -158,26 +166,34 @@ QFtp::Error FtpWorker::getError(QString* text) const
     return m_error;
 }
 
-/// A download has its full size on the disk from the start, and after a failure what came of it.
-void FtpWorker::onDataTransferProgress(QFtp& ftp, qint64 done, qint64 total)
+/// A download has its full size on the disk from the start.
+void FtpWorker::onDataTransferProgress(const QFtp& ftp, qint64 done, qint64 total)
 {
-    if (ftp.currentCommand() != QFtp::Get)
-        return;
     auto* const file = qobject_cast<QFile*>(ftp.currentDevice());
-    if (file && done == 0 && total >= 1)
+    if (ftp.currentCommand() == QFtp::Get && file && done == 0 && total >= 1)
         m_isPresized = file->resize(total);
-    m_done = done;
 }
 
-void FtpWorker::onCommandFinished(QFtp& ftp, int id, bool error)
+void FtpWorker::onCommandFinished(const QFtp& ftp, int id, bool error)
 {
-    Q_UNUSED(ftp)
-    if (error) {
+    {
         const QMutexLocker lock(&m_mutex);
-        m_error = ftp.error();
-        m_errorText = ftp.errorString();
+        m_error = error ? ftp.error() : QFtp::NoError;
+        m_errorText = error ? ftp.errorString() : QString();
     }
+    // A failure also ends what waited behind it.
+    if (m_device && (id == m_deviceId || error))
+        returnDevice(error);
     Q_EMIT commandFinished(id, error);
+}
+
+void FtpWorker::returnDevice(bool error)
+{
+    QIODevice* const device = std::exchange(m_device, nullptr);
+    // What never came is no part of the file.
+    if (auto* const file = qobject_cast<QFile*>(device); file && error && m_isPresized)
+        file->resize(file->pos());
+    device->moveToThread(m_home);
 }
 
 void FtpWorker::shutDown()

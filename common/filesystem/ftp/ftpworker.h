@@ -8,6 +8,7 @@
 #include <atomic>
 #include <chrono>
 #include <functional>
+#include <vector>
 
 class QIODevice;
 
@@ -42,7 +43,7 @@ public:
     void setPatience(std::chrono::milliseconds patience);
 
     QFtp::State ftpState() const { return m_state; }
-    /// Of the command that failed last.
+    /// Of the command that ended last.
     QFtp::Error getError(QString* text) const;
 
     /// Ends the thread and waits for it. Commands under way are dropped; their devices are left alone then.
@@ -64,18 +65,21 @@ private:
     void post(Call call);
     int command(Call call);
     int transfer(QIODevice* device, Call call);
-    void onDataTransferProgress(QFtp& ftp, qint64 done, qint64 total);
-    void onCommandFinished(QFtp& ftp, int id, bool error);
+    void onDataTransferProgress(const QFtp& ftp, qint64 done, qint64 total);
+    void onCommandFinished(const QFtp& ftp, int id, bool error);
+    void returnDevice(bool error);
 
-    mutable QMutex m_mutex;     // guards what follows, up to the error's text
-    QFtp* m_ftp = nullptr;      // while the thread runs
-    std::vector<Call> m_early;  // from before it ran
+    mutable QMutex m_mutex;    // guards what follows, up to the error's text
+    QFtp* m_ftp = nullptr;     // while the thread runs
+    std::vector<Call> m_early; // from before it ran
     QFtp::Error m_error = QFtp::NoError;
     QString m_errorText;
     std::atomic<QFtp::State> m_state{QFtp::Unconnected};
-    qint64 m_done = 0;          // on the worker's thread: bytes of the present transfer
-    bool m_isPresized = false;  // on the worker's thread
     QThread* const m_home;
+    // On the worker's thread, of the transfer under way or waiting:
+    QIODevice* m_device = nullptr;
+    int m_deviceId = 0;
+    bool m_isPresized = false;
 };
 
 } // namespace vantrel

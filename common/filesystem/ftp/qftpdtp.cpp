@@ -275,9 +275,8 @@ namespace {
 
 QDateTime timeOf(const FtpTime& time)
 {
-    return time.isValid()
-               ? QDateTime(QDate(time.year, time.month, time.day), QTime(time.hour, time.minute))
-               : QDateTime();
+    return time.isValid() ? QDateTime(QDate(time.year, time.month, time.day), QTime(time.hour, time.minute))
+                          : QDateTime();
 }
 
 QUrlInfo infoOf(const FtpListEntry& entry)
@@ -392,8 +391,8 @@ void QFtpDTP::sendDevice()
     }
     tellProgress(false);
     if (m_socket && m_socket->bytesToWrite() == 0)
-        QMetaObject::invokeMethod(this, [this] { m_isSending && m_callWriteData ? writeData() : void(); },
-                                  Qt::QueuedConnection);
+        QMetaObject::invokeMethod(
+            this, [this] { m_isSending&& m_callWriteData ? writeData() : void(); }, Qt::QueuedConnection);
 }
 
 /// False when there is nothing to send, for now or for good.

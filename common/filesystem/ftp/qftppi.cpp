@@ -3,11 +3,10 @@
 #include "common/filesystem/ftp/ftplogging.h"
 #include "tarn/ftp/ftpaddress.h"
 
+#include <algorithm>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <sys/socket.h>
-
-#include <algorithm>
 #include <utility>
 
 namespace vantrel {
@@ -155,6 +154,8 @@ void QFtpPI::connectionClosed()
 
 void QFtpPI::socketError(QAbstractSocket::SocketError error)
 {
+    if (error == QAbstractSocket::RemoteHostClosedError)
+        return; // an ordinary end: what was said last is read before it is told
     qCWarning(lcFtp) << "Network error occurred:" << error;
     const QString host = m_commandSocket.peerName();
     switch (error) {
@@ -166,8 +167,6 @@ void QFtpPI::socketError(QAbstractSocket::SocketError error)
         return drop(QFtp::ConnectionRefused, tr("Connection timed out to host %1").arg(host));
     case QAbstractSocket::NetworkError:
         return drop(QFtp::NotConnected, tr("Network error when connecting to host %1").arg(host));
-    case QAbstractSocket::RemoteHostClosedError:
-        return; // what it said last is read before the end is told
     default:
         return drop(QFtp::NotConnected, m_commandSocket.errorString());
     }
@@ -201,8 +200,8 @@ void QFtpPI::closeSoon()
 /// Armed as long as something is wanted of the server.
 void QFtpPI::watch()
 {
-    const bool isWanted = m_isOpen && (m_state == Begin || m_state == Waiting || m_waitForDtpToConnect ||
-                                       m_waitForDtpToClose);
+    const bool isWanted =
+        m_isOpen && (m_state == Begin || m_state == Waiting || m_waitForDtpToConnect || m_waitForDtpToClose);
     if (isWanted)
         m_watch.start(m_patience);
     else
@@ -258,8 +257,7 @@ bool QFtpPI::processReply()
     const int code = m_reply.code;
     if (m_abortState != AbortState::None)
         return processAbortReply(code);
-    const bool endsTransfer =
-        code == 226 || (code == 250 && m_currentCmd.startsWith(QLatin1String("RETR")));
+    const bool endsTransfer = code == 226 || (code == 250 && m_currentCmd.startsWith(QLatin1String("RETR")));
     if (endsTransfer && m_state == Waiting && isTransfer(m_currentCmd)) {
         m_dtp.waitForConnection(); // which may be in the queue still
         if (m_dtp.state() != QTcpSocket::UnconnectedState) {
@@ -472,8 +470,8 @@ void QFtpPI::dtpConnectState(int state)
 
 // ------------------------------------------------------------------ giving up
 
-// How servers answer ABOR differs: at once, when nobody takes their data any more, twice, or with one more 150. A
-// NOOP behind it has one answer everywhere, and what comes before that belongs to what was given up.
+// How servers answer ABOR differs: at once, when nobody takes their data any more, twice, or with one more
+// 150. A NOOP behind it has one answer everywhere, and what comes before that belongs to what was given up.
 void QFtpPI::abort(const QString& why)
 {
     m_pendingCommands.clear();
@@ -488,8 +486,8 @@ void QFtpPI::abort(const QString& why)
     m_dtp.clearError();
     m_commandSocket.write("ABOR\r\n");
     m_watch.start(std::min<std::chrono::milliseconds>(abortPatience, m_patience));
-    const bool isReceiving = m_currentCmd.startsWith(QLatin1String("RETR")) ||
-                             m_currentCmd.startsWith(QLatin1String("LIST"));
+    const bool isReceiving =
+        m_currentCmd.startsWith(QLatin1String("RETR")) || m_currentCmd.startsWith(QLatin1String("LIST"));
     if (isReceiving && m_dtp.state() == QTcpSocket::ConnectedState) {
         m_drain.start(drainTime);
         return;

@@ -218,7 +218,10 @@ void QFtpPrivate::_q_piError(int code, const QString& text)
     error = QFtp::Error(code);
     errorString = described(text);
     pi.clearPendingCommands();
-    clearPendingCommands();
+    // What waited for this one goes with it; that the connection is to end still holds.
+    std::erase_if(pending, [command](const auto& one) {
+        return one.get() != command && one->command != QFtp::Close;
+    });
     finish(true);
 }
 
