@@ -51,6 +51,11 @@ public:
     /// Not owned by the caller.
     virtual OperationVisitor* operationVisitor() = 0;
 
+    /// Bytes that may still be written where the path lies; -1 when nobody knows.
+    virtual qint64 availableBytes(const QString& path) const;
+    /// Bytes of a file; -1 when it is not there, or nothing is known of it.
+    virtual qint64 fileSize(const QString& path) const;
+
 Q_SIGNALS:
     void isReadyChanged(bool isReady);
     void isLoadingChanged(bool isLoading);

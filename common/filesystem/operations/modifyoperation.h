@@ -41,11 +41,20 @@ public:
     /// The target's path with newName() as its last component.
     QString absolutePath() const;
 
+    /// Of the creation of a directory: one that is there already will do.
+    bool acceptsExisting() const { return m_acceptsExisting; }
+    void setAcceptsExisting(bool accepts) { m_acceptsExisting = accepts; }
+    /// Of the removal of a directory: one that holds anything stays, and that is no failure.
+    bool onlyEmpty() const { return m_onlyEmpty; }
+    void setOnlyEmpty(bool onlyEmpty) { m_onlyEmpty = onlyEmpty; }
+
 private:
     FileSystemTarget m_target;
     ModifyType m_modifyType;
     ModifiedTargetType m_targetType;
     QString m_newName;
+    bool m_acceptsExisting = false;
+    bool m_onlyEmpty = false;
 };
 
 } // namespace vantrel

@@ -150,6 +150,17 @@ void TransferOperation::setParentOperation(QWeakPointer<TransferOperation> paren
     m_parent = std::move(parent);
 }
 
+bool TransferOperation::isRetry() const
+{
+    const QSharedPointer<TransferOperation> parent = m_parent.toStrongRef();
+    return parent ? parent->isRetry() : m_isRetry;
+}
+
+void TransferOperation::setRetry(bool isRetry)
+{
+    m_isRetry = isRetry;
+}
+
 ConflictPolicy TransferOperation::conflictPolicy() const
 {
     const QSharedPointer<TransferOperation> parent = m_parent.toStrongRef();

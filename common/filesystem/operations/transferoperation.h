@@ -42,6 +42,11 @@ public:
     QWeakPointer<TransferOperation> parentOperation() const;
     void setParentOperation(QWeakPointer<TransferOperation> parent);
 
+    /// Whether it repeats one that has failed: what that has brought over whole need not come again. Of a
+    /// part the whole says so.
+    bool isRetry() const;
+    void setRetry(bool isRetry);
+
     /// Refuse until somebody says otherwise. Set it before the operation starts.
     ConflictPolicy conflictPolicy() const;
     void setConflictPolicy(ConflictPolicy policy);
@@ -88,6 +93,7 @@ private:
     double m_transferSpeed = 0;
     quint16 m_etaSeconds = 0;
     std::deque<Sample> m_samples;
+    bool m_isRetry = false;
     ConflictPolicy m_conflictPolicy = ConflictPolicy::Refuse;
     std::optional<TransferConflict> m_conflict;
 };

@@ -1,0 +1,15 @@
+#include "common/filesystem/model/filesystem.h"
+
+namespace vantrel {
+
+qint64 FileSystem::availableBytes(const QString&) const
+{
+    return -1;
+}
+
+qint64 FileSystem::fileSize(const QString&) const
+{
+    return -1;
+}
+
+} // namespace vantrel

@@ -1,0 +1,10 @@
+#include "common/filesystem/schedule/filesystemoperations.h"
+
+namespace vantrel {
+
+OperationPtr FileSystemOperations::retryOperation(OperationPtr)
+{
+    return {};
+}
+
+} // namespace vantrel
