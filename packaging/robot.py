@@ -40,7 +40,7 @@ class Robot:
         sys.exit(f"the window has no {name}")
 
     def mouse(self, operation, item):
-        at = {key: item[key] for key in ("global_x", "global_y", "local_x", "local_y")}
+        at = {key: item[key] for key in ("objectName", "global_x", "global_y", "local_x", "local_y")}
         self.ask(operation=operation, **at)
 
     def slot(self, row):

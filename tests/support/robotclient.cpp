@@ -68,6 +68,7 @@ bool RobotClient::mouse(const QString& operation, const QJsonObject& target)
     if (target.isEmpty())
         return false;
     ask({{"operation", operation},
+         {"objectName", target["objectName"]}, // items of declarative views are reached by it
          {"global_x", target["global_x"]},
          {"global_y", target["global_y"]},
          {"local_x", target["local_x"]},

@@ -16,6 +16,7 @@
 #include <QPointingDevice>
 #include <QQuickItem>
 #include <QQuickWidget>
+#include <QQuickWindow>
 #include <QShortcut>
 #include <QWheelEvent>
 #include <QWidget>
@@ -76,7 +77,19 @@ struct Target
     QPointF local;
 };
 
-Target quickTarget(QQuickWidget* view, const ClickTestRequest& request)
+QQuickItem* namedItem(QQuickItem* from, const QString& name)
+{
+    if (from->objectName() == name)
+        return from;
+    for (QQuickItem* child : from->childItems()) {
+        if (QQuickItem* found = namedItem(child, name))
+            return found;
+    }
+    return nullptr;
+}
+
+/// The item must be there, and the view gets the event where the mouse is: an item may leave the mouse to a part of it.
+Target quickTarget(QQuickWidget* view, const ClickTestRequest& request, const QPoint& global)
 {
     QQuickItem* root = view->rootObject();
     if (!root) {
@@ -87,13 +100,11 @@ Target quickTarget(QQuickWidget* view, const ClickTestRequest& request)
         qCInfo(log) << "No named target object";
         return {};
     }
-    auto* item =
-        root->objectName() == request.objectName ? root : root->findChild<QQuickItem*>(request.objectName);
-    if (!item) {
+    if (!namedItem(view->quickWindow()->contentItem(), request.objectName)) {
         qCInfo(log) << "Could not find named target";
         return {};
     }
-    return {item, request.localPosition()};
+    return {view, view->mapFromGlobal(global)};
 }
 
 /// The widget that a real mouse reaches there: an open popup takes all of it, and what lies behind a modal
@@ -119,7 +130,7 @@ Target targetAt(const ClickTestRequest& request, const QPoint& global)
         return {};
     }
     if (auto* view = qobject_cast<QQuickWidget*>(widget))
-        return quickTarget(view, request);
+        return quickTarget(view, request, global);
     // The widget under the point may lie inside the one that the robot asked about.
     return {widget, widget->mapFromGlobal(global)};
 }

@@ -153,6 +153,11 @@ QJsonObject quickItemJson(const QQuickItem* item)
     addGeometry(json, place.toAlignedRect(), QPointF(item->width() / 2, item->height() / 2).toPoint());
     json.insert(QLatin1String("visible"), item->isVisible());
     json.insert(QLatin1String("enabled"), item->isEnabled());
+    json.insert(QLatin1String("focus"), item->hasActiveFocus());
+    for (const char* name : {"text", "checked", "count"}) {
+        if (const QVariant value = item->property(name); value.isValid())
+            json.insert(QLatin1String(name), QJsonValue::fromVariant(value));
+    }
     return json;
 }
 

@@ -34,7 +34,6 @@ struct ClickTestRequest
     bool isOpen() const { return objectName.isEmpty() && className.isEmpty(); }
     /// The screen position of the event; none unless all four coordinates were sent.
     std::optional<QPoint> globalPosition() const;
-    QPoint localPosition() const { return {localX.value_or(0), localY.value_or(0)}; }
     /// True for the mouse and the keyboard, which have nothing to reply.
     bool isEvent() const;
     /// Milliseconds between the operation and its reply, for its effects to take place.

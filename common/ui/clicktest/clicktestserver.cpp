@@ -14,6 +14,7 @@
 #include <QMenu>
 #include <QQuickItem>
 #include <QQuickWidget>
+#include <QQuickWindow>
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <QTimer>
@@ -151,8 +152,9 @@ void ClickTestServer::findQmlItems()
     const QWidgetList all = QApplication::allWidgets();
     for (QWidget* widget : all) {
         auto* view = qobject_cast<QQuickWidget*>(widget);
-        if (view && (m_request.rootItem.isEmpty() || view->objectName() == m_request.rootItem))
-            traverseQQuickItem(view->rootObject(), m_request, m_items);
+        // From above the root object: beside it lies what it opens, its menus among it.
+        if (view && view->rootObject() && (m_request.rootItem.isEmpty() || view->objectName() == m_request.rootItem))
+            traverseQQuickItem(view->quickWindow()->contentItem(), m_request, m_items);
     }
 }
 

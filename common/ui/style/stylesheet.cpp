@@ -113,6 +113,15 @@ QString StyleSheet::load(FontSize size)
     return sheet;
 }
 
+int StyleSheet::length(const QString& token, FontSize size)
+{
+    for (const Length& length : lengths) {
+        if (token == QLatin1String(length.token))
+            return length.pixels[static_cast<std::size_t>(size)];
+    }
+    return 0;
+}
+
 void StyleSheet::apply(QApplication& application)
 {
     QApplication::setStyle(new ScaledStyle); // the application's from here on

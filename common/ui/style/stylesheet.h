@@ -16,6 +16,9 @@ public:
     /// The text of the sheet for one text size. A token without a meaning is logged and becomes empty.
     static QString load(FontSize size);
 
+    /// A length of the sheet ("body", "pad") at a text size, in pixels; 0 for a name without a meaning.
+    static int length(const QString& token, FontSize size);
+
     /// Dresses the application: base style, palette, font and sheet, and follows the text size from then on.
     static void apply(QApplication& application);
 };

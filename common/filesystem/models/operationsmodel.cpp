@@ -1,0 +1,504 @@
+#include "common/filesystem/models/operationsmodel.h"
+
+#include "common/filesystem/model/filesystemlogging.h"
+#include "common/filesystem/model/pathhelpers.h"
+#include "common/filesystem/operations/modifyoperation.h"
+#include "common/filesystem/schedule/filesystemoperations.h"
+#include "common/media/address/showntext.h"
+
+#include <QLocale>
+#include <QTextDocumentFragment>
+
+#include <array>
+
+namespace vantrel {
+
+namespace {
+
+constexpr int refreshMs = 500;
+
+constexpr std::array columns = {
+    OperationsModel::OperationTypeRole,    OperationsModel::OperationStateRole,
+    OperationsModel::ProgressRole,         OperationsModel::SourceFileSystemRole,
+    OperationsModel::TargetFileSystemRole, OperationsModel::SourcePathRole,
+    OperationsModel::TargetPathRole,       OperationsModel::EtaRole,
+    OperationsModel::TransferSpeedRole,
+};
+
+QString dataSize(quint64 bytes)
+{
+    return QLocale().formattedDataSize(static_cast<qint64>(bytes), 1, QLocale::DataSizeSIFormat);
+}
+
+QString sideName(const FileSystemTarget& target)
+{
+    return target.fileSystem ? target.fileSystem->fileSystemName() : QString();
+}
+
+QString typeText(const BaseOperation* operation)
+{
+    if (const auto* transfer = qobject_cast<const TransferOperation*>(operation))
+        return transfer->transferType() == TransferOperation::Copy ? OperationsModel::tr("Copy")
+                                                                   : OperationsModel::tr("Move");
+    if (const auto* change = qobject_cast<const ModifyOperation*>(operation)) {
+        switch (change->modifyType()) {
+        case ModifyOperation::Remove:
+            return OperationsModel::tr("Remove");
+        case ModifyOperation::Create:
+            return OperationsModel::tr("Create");
+        case ModifyOperation::Rename:
+            return OperationsModel::tr("Rename");
+        }
+    }
+    qCWarning(lcFileSystem) << "Unimplemented code.";
+    return {};
+}
+
+OperationsModel::Stage stageOf(const BaseOperation* operation)
+{
+    using Stage = OperationsModel::Stage;
+    const auto* runnable = qobject_cast<const RunnableOperation*>(operation);
+    if (!runnable)
+        return operation->isRunning()     ? Stage::Running
+               : operation->hasFinished() ? Stage::Done
+                                          : Stage::Waiting;
+    switch (runnable->state()) {
+    case RunnableOperation::NotStarted:
+        return Stage::Waiting;
+    case RunnableOperation::Running: {
+        const auto* transfer = qobject_cast<const TransferOperation*>(operation);
+        return transfer && transfer->conflict() ? Stage::Asking : Stage::Running;
+    }
+    case RunnableOperation::Stopping:
+        return Stage::Stopping;
+    case RunnableOperation::Failed:
+        return Stage::Failed;
+    case RunnableOperation::Passed:
+        return Stage::Done;
+    }
+    return Stage::Waiting;
+}
+
+bool isOver(OperationsModel::Stage stage)
+{
+    return stage == OperationsModel::Stage::Done || stage == OperationsModel::Stage::Failed;
+}
+
+/// As the column of the table names it.
+QString stateText(OperationsModel::Stage stage)
+{
+    if (isOver(stage))
+        return OperationsModel::tr("Finished");
+    return stage == OperationsModel::Stage::Waiting ? OperationsModel::tr("Idle")
+                                                    : OperationsModel::tr("Running");
+}
+
+} // namespace
+
+QString etaText(int seconds)
+{
+    const QString h = OperationsModel::tr("h");
+    const QString m = OperationsModel::tr("m");
+    const QString s = OperationsModel::tr("s");
+    if (seconds >= 3600)
+        return QStringLiteral("%1 %2 %3 %4").arg(seconds / 3600).arg(h).arg(seconds / 60 % 60).arg(m);
+    if (seconds >= 60)
+        return QStringLiteral("%1 %2 %3 %4").arg(seconds / 60).arg(m).arg(seconds % 60).arg(s);
+    return QStringLiteral("%1 %2").arg(seconds).arg(s);
+}
+
+OperationsModel::OperationsModel(FileSystemOperations* operations, QObject* parent)
+    : QAbstractTableModel(parent)
+    , m_operations(operations)
+{
+    m_refresh.setSingleShot(true);
+    connect(&m_refresh, &QTimer::timeout, this, &OperationsModel::refreshAll);
+    if (m_operations)
+        connect(m_operations, &FileSystemOperations::allOperationsChanged, this, &OperationsModel::reload);
+    reload();
+}
+
+OperationsModel::~OperationsModel() = default;
+
+int OperationsModel::openCount() const
+{
+    return static_cast<int>(std::ranges::count_if(m_rows, [](const Row& row) { return !isOver(row.stage); }));
+}
+
+int OperationsModel::failedCount() const
+{
+    return static_cast<int>(std::ranges::count(m_rows, Stage::Failed, &Row::stage));
+}
+
+int OperationsModel::rowCount(const QModelIndex& parent) const
+{
+    return parent.isValid() ? 0 : count();
+}
+
+int OperationsModel::columnCount(const QModelIndex& parent) const
+{
+    return parent.isValid() ? 0 : static_cast<int>(columns.size());
+}
+
+QVariant OperationsModel::data(const QModelIndex& index, int role) const
+{
+    if (!checkIndex(index, CheckIndexOption::IndexIsValid))
+        return {};
+    const Row& row = m_rows[static_cast<std::size_t>(index.row())];
+    if (row.operation.isNull())
+        qCInfo(lcFileSystem) << "Operation on row" << index.row() << "and role" << role << "is null";
+    if (role == Qt::DisplayRole)
+        return cell(row, columns[static_cast<std::size_t>(index.column())]);
+    return cell(row, role);
+}
+
+QVariant OperationsModel::cell(const Row& row, int role) const
+{
+    switch (role) {
+    case OperationTypeRole:
+        return row.type;
+    case OperationStateRole:
+        return stateText(row.stage);
+    case ProgressRole:
+        return row.progress;
+    case SourceFileSystemRole:
+        return sideName(row.source);
+    case TargetFileSystemRole:
+        return sideName(row.target);
+    case SourcePathRole:
+        return row.source.fullPath;
+    case TargetPathRole:
+        return row.target.fullPath;
+    case EtaRole:
+        return row.stage == Stage::Running && row.eta > 0 ? etaText(row.eta) : QString();
+    case TransferSpeedRole:
+        return row.stage == Stage::Running && row.speed > 0
+                   ? tr("%1/s").arg(dataSize(static_cast<quint64>(row.speed)))
+                   : QString();
+    case NameRole:
+        return row.name;
+    case StageRole:
+        return static_cast<int>(row.stage);
+    case ErrorRole:
+        return row.stage == Stage::Failed ? errorOf(row) : QString();
+    case SizeTextRole:
+        if (row.totalBytes == 0)
+            return QString();
+        return isOver(row.stage) && row.bytes >= row.totalBytes
+                   ? dataSize(row.totalBytes)
+                   : tr("%1 of %2").arg(dataSize(row.bytes), dataSize(row.totalBytes));
+    case IsTransferRole:
+        return row.isTransfer;
+    case WhereRole:
+        return row.where;
+    default:
+        return {};
+    }
+}
+
+/// The last reason, without its markup; names in it were escaped.
+QString OperationsModel::errorOf(const Row& row) const
+{
+    const auto operation = row.operation.toStrongRef();
+    const auto* runnable = qobject_cast<const RunnableOperation*>(operation.data());
+    if (!runnable)
+        return {};
+    QStringList lines;
+    for (const OperationError& error : runnable->errors())
+        lines.append(shownText(QTextDocumentFragment::fromHtml(error.message).toPlainText()));
+    return lines.isEmpty() ? tr("Did not succeed") : lines.join(QStringLiteral("; "));
+}
+
+QVariant OperationsModel::headerData(int section, Qt::Orientation orientation, int role) const
+{
+    if (orientation != Qt::Horizontal || role != Qt::DisplayRole || section < 0 || section >= columnCount())
+        return QAbstractTableModel::headerData(section, orientation, role);
+    static const QStringList labels = {tr("Type"),
+                                       tr("State"),
+                                       tr("Progress"),
+                                       tr("Source file system"),
+                                       tr("Target file system"),
+                                       tr("Source path"),
+                                       tr("Target path"),
+                                       tr("Time left"),
+                                       tr("Speed")};
+    return labels.value(section);
+}
+
+QHash<int, QByteArray> OperationsModel::roleNames() const
+{
+    return {
+        {OperationTypeRole, "operationType"},
+        {OperationStateRole, "operationState"},
+        {ProgressRole, "progress"},
+        {SourceFileSystemRole, "sourceFileSystem"},
+        {TargetFileSystemRole, "targetFileSystem"},
+        {SourcePathRole, "sourcePath"},
+        {TargetPathRole, "targetPath"},
+        {EtaRole, "eta"},
+        {TransferSpeedRole, "transferSpeed"},
+        {NameRole, "name"},
+        {StageRole, "stage"},
+        {ErrorRole, "errorText"},
+        {SizeTextRole, "sizeText"},
+        {IsTransferRole, "isTransfer"},
+        {WhereRole, "where"},
+    };
+}
+
+/// The queue only grows: what is new comes behind, and what was taken out of the list stays out.
+void OperationsModel::reload()
+{
+    const OperationPtrList all = m_operations ? m_operations->allOperations() : OperationPtrList();
+    std::vector<Row> fresh;
+    for (const OperationPtr& operation : all) {
+        if (operation && !m_followed.contains(operation.data()) && !m_dismissed.contains(operation.data())) {
+            follow(operation);
+            fresh.push_back(rowOf(operation));
+        }
+    }
+    if (!fresh.empty()) {
+        beginInsertRows({}, count(), count() + static_cast<int>(fresh.size()) - 1);
+        m_rows.insert(m_rows.end(), std::make_move_iterator(fresh.begin()),
+                      std::make_move_iterator(fresh.end()));
+        endInsertRows();
+    }
+    refreshAll();
+}
+
+OperationsModel::Row OperationsModel::rowOf(const OperationPtr& operation) const
+{
+    Row row;
+    row.operation = operation;
+    row.id = operation.data();
+    row.type = typeText(operation.data());
+    const QList<FileSystemTarget> targets = operation->targets();
+    row.source = targets.value(0);
+    row.name = shownText(getNameInPath(row.source.fullPath));
+    row.where = shownText(getParentPath(row.source.fullPath));
+    if (qobject_cast<const TransferOperation*>(operation.data())) {
+        row.isTransfer = true;
+        row.target = targets.value(1);
+        row.where = shownText(row.target.fullPath);
+    }
+    storeRefreshedValues(row);
+    return row;
+}
+
+void OperationsModel::follow(const OperationPtr& operation)
+{
+    m_followed.insert(operation.data());
+    const void* id = operation.data();
+    const auto refresh = [this, id] { refreshRow(id); };
+    connect(operation.data(), &BaseOperation::operationStarted, this, refresh);
+    connect(operation.data(), &BaseOperation::operationStopped, this, refresh);
+    connect(operation.data(), &BaseOperation::progressChanged, this, &OperationsModel::onOperationProgressed);
+    // Another may come to stand at the same address.
+    connect(operation.data(), &QObject::destroyed, this, [this, id] {
+        m_followed.remove(id);
+        m_dismissed.remove(id);
+    });
+    if (const auto* runnable = qobject_cast<const RunnableOperation*>(operation.data()))
+        connect(runnable, &RunnableOperation::errorsChanged, this, refresh);
+    if (const auto* transfer = qobject_cast<const TransferOperation*>(operation.data())) {
+        connect(transfer, &TransferOperation::conflictFound, this, refresh);
+        connect(transfer, &TransferOperation::conflictAnswered, this, refresh);
+        connect(transfer, &TransferOperation::transferredBytesChanged, this,
+                &OperationsModel::onOperationProgressed);
+    }
+}
+
+void OperationsModel::storeRefreshedValues(Row& row) const
+{
+    const auto operation = row.operation.toStrongRef();
+    if (!operation)
+        return;
+    row.stage = stageOf(operation.data());
+    row.progress = row.stage == Stage::Done ? 1.0 : operation->progress();
+    if (const auto* transfer = qobject_cast<const TransferOperation*>(operation.data())) {
+        row.bytes = transfer->transferredBytes();
+        row.totalBytes = transfer->totalSizeBytes();
+        row.speed = transfer->transferSpeed();
+        row.eta = transfer->etaSeconds();
+    }
+}
+
+void OperationsModel::refreshRow(const void* id)
+{
+    const auto found = std::ranges::find(m_rows, id, &Row::id);
+    if (found == m_rows.end())
+        return;
+    storeRefreshedValues(*found);
+    const int row = static_cast<int>(found - m_rows.begin());
+    Q_EMIT dataChanged(index(row, 0), index(row, columnCount() - 1));
+    ++m_revision;
+    Q_EMIT revisionChanged();
+    Q_EMIT countChanged();
+    updateTotal();
+}
+
+/// A running transfer reports hundreds of times a second: the table takes part twice, and the last one
+/// counts.
+void OperationsModel::onOperationProgressed()
+{
+    if (m_refresh.isActive())
+        return;
+    if (!m_sinceRefresh.isValid() || m_sinceRefresh.hasExpired(refreshMs))
+        refreshAll();
+    else
+        m_refresh.start(static_cast<int>(refreshMs - m_sinceRefresh.elapsed()));
+}
+
+void OperationsModel::refreshAll()
+{
+    m_sinceRefresh.restart();
+    for (Row& row : m_rows) {
+        if (!isOver(row.stage))
+            storeRefreshedValues(row);
+    }
+    if (!m_rows.empty())
+        Q_EMIT dataChanged(index(0, 0), index(count() - 1, columnCount() - 1));
+    ++m_revision;
+    Q_EMIT revisionChanged();
+    Q_EMIT countChanged();
+    updateTotal();
+}
+
+/// Over all that was asked for since the last time that nothing was left to do.
+void OperationsModel::updateTotal()
+{
+    double sum = 0;
+    int of = 0;
+    const bool isIdle = openCount() == 0;
+    for (Row& row : m_rows) {
+        row.isInRound = !isIdle && (row.isInRound || !isOver(row.stage));
+        if (row.isInRound) {
+            sum += isOver(row.stage) ? 1.0 : row.progress;
+            ++of;
+        }
+    }
+    const double total = of > 0 ? sum / of : 1.0;
+    if (qFuzzyCompare(1.0 + total, 1.0 + m_totalProgress))
+        return;
+    m_totalProgress = total;
+    Q_EMIT totalProgressChanged();
+}
+
+OperationPtr OperationsModel::operationAt(int row) const
+{
+    if (row < 0 || row >= count() || !m_operations)
+        return {};
+    const void* id = m_rows[static_cast<std::size_t>(row)].id;
+    for (const OperationPtr& operation : m_operations->allOperations()) {
+        if (operation.data() == id)
+            return operation;
+    }
+    return {};
+}
+
+void OperationsModel::cancel(int row)
+{
+    const OperationPtr operation = operationAt(row);
+    if (auto* runnable = qobject_cast<RunnableOperation*>(operation.data()))
+        runnable->abort();
+}
+
+void OperationsModel::cancelAll()
+{
+    // What waits goes first: else the next one would begin each time.
+    for (int row = count() - 1; row >= 0; --row) {
+        if (m_rows[static_cast<std::size_t>(row)].stage == Stage::Waiting)
+            cancel(row);
+    }
+    for (int row = 0; row < count(); ++row)
+        cancel(row);
+}
+
+void OperationsModel::retry(int row)
+{
+    const OperationPtr operation = operationAt(row);
+    if (!operation || !m_operations || !operation->hasFinished())
+        return;
+    OperationPtr again;
+    if (const auto* transfer = qobject_cast<const TransferOperation*>(operation.data())) {
+        const FileSystemTarget from = transfer->from();
+        const FileSystemTarget to = transfer->to();
+        again = m_operations->retryOperation(operation); // leaves out what has come over whole
+        if (!again)
+            again = transfer->transferType() == TransferOperation::Move
+                        ? m_operations->move(from.fileSystem, from.fullPath, to.fileSystem, to.fullPath)
+                        : m_operations->copy(from.fileSystem, from.fullPath, to.fileSystem, to.fullPath);
+        if (auto* next = qobject_cast<TransferOperation*>(again.data()))
+            next->setConflictPolicy(ConflictPolicy::Ask);
+    } else if (const auto* change = qobject_cast<const ModifyOperation*>(operation.data())) {
+        const FileSystemTarget target = change->target();
+        if (change->modifyType() == ModifyOperation::Remove)
+            again = m_operations->remove(target.fileSystem, target.fullPath);
+        else if (change->modifyType() == ModifyOperation::Rename)
+            again = m_operations->rename(target.fileSystem, target.fullPath, change->newName());
+        else if (change->modifiedTargetType() == ModifyOperation::Directory)
+            again = m_operations->createDirectory(target.fileSystem, target.fullPath);
+    }
+    if (again)
+        dismiss(row);
+}
+
+void OperationsModel::clearFinished()
+{
+    for (int row = count() - 1; row >= 0; --row) {
+        if (isOver(m_rows[static_cast<std::size_t>(row)].stage))
+            removeRow(row);
+    }
+    Q_EMIT countChanged();
+}
+
+void OperationsModel::dismiss(int row)
+{
+    if (row < 0 || row >= count() || !isOver(m_rows[static_cast<std::size_t>(row)].stage))
+        return;
+    removeRow(row);
+    Q_EMIT countChanged();
+}
+
+void OperationsModel::removeRow(int row)
+{
+    beginRemoveRows({}, row, row);
+    const Row& gone = m_rows[static_cast<std::size_t>(row)];
+    m_followed.remove(gone.id);
+    if (!gone.operation.isNull())
+        m_dismissed.insert(gone.id);
+    m_rows.erase(m_rows.begin() + row);
+    endRemoveRows();
+}
+
+double OperationsModel::progressAt(FileSystem* fileSystem, const QString& path) const
+{
+    for (const Row& row : m_rows) {
+        if (isOver(row.stage) || row.stage == Stage::Waiting || !row.isTransfer)
+            continue;
+        if (row.source.fileSystem == fileSystem && isSamePath(row.source.fullPath, path))
+            return row.progress;
+        if (row.target.fileSystem != fileSystem)
+            continue;
+        const QString name = getNameInPath(row.source.fullPath);
+        if (isSamePath(row.target.fullPath, path) ||
+            isSamePath(createJoinedPath(row.target.fullPath, name, false), path))
+            return row.progress;
+    }
+    return -1;
+}
+
+int OperationsModel::activeRow() const
+{
+    int waiting = -1;
+    for (int row = 0; row < count(); ++row) {
+        const Stage stage = m_rows[static_cast<std::size_t>(row)].stage;
+        if (stage == Stage::Running || stage == Stage::Asking || stage == Stage::Stopping)
+            return row;
+        if (waiting < 0 && stage == Stage::Waiting)
+            waiting = row;
+    }
+    return waiting;
+}
+
+} // namespace vantrel

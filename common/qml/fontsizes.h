@@ -1,0 +1,47 @@
+#pragma once
+
+#include "common/session/settings/fontsize.h"
+
+#include <QObject>
+
+namespace vantrel {
+
+/// The lengths of the text size in force as declarative views see them ("fontSizes"), in pixels: those of the
+/// style sheet, and the side of an icon. Main thread only.
+class FontSizes : public QObject
+{
+    Q_OBJECT
+    Q_PROPERTY(int caption READ caption NOTIFY changed)
+    Q_PROPERTY(int body READ body NOTIFY changed)
+    Q_PROPERTY(int title READ title NOTIFY changed)
+    Q_PROPERTY(int pad READ pad NOTIFY changed)
+    Q_PROPERTY(int padY READ padY NOTIFY changed)
+    Q_PROPERTY(int bar READ bar NOTIFY changed)
+    Q_PROPERTY(int icon READ icon NOTIFY changed)
+    /// 0 to 3, from Small to Huge.
+    Q_PROPERTY(int index READ index NOTIFY changed)
+
+public:
+    explicit FontSizes(QObject* parent = nullptr);
+
+    int caption() const { return length("caption"); }
+    int body() const { return length("body"); }
+    int title() const { return length("title"); }
+    int pad() const { return length("pad"); }
+    int padY() const { return length("pady"); }
+    int bar() const { return length("bar"); }
+    int icon() const;
+    int index() const { return static_cast<int>(m_size); }
+    /// A length of the Medium layout at the size in force.
+    Q_INVOKABLE int scaled(int pixels) const;
+
+Q_SIGNALS:
+    void changed();
+
+private:
+    int length(const char* token) const;
+
+    FontSize m_size = FontSize::Medium;
+};
+
+} // namespace vantrel

@@ -1,0 +1,111 @@
+#include "common/qml/qmlmanager.h"
+
+#include "common/media/address/mediastate.h"
+#include "common/media/edit/implmediacollectionmanager.h"
+#include "common/notification/notificationmanagerimpl.h"
+#include "common/qml/dialogfactory.h"
+#include "common/qml/fontsizes.h"
+#include "common/qml/iconprovider.h"
+#include "common/qml/qmlthumbnailprovider.h"
+#include "common/qml/selectionmodel.h"
+#include "common/qml/tooltips.h"
+#include "common/session/session.h"
+#include "common/ui/style/colors.h"
+
+#include <QCoreApplication>
+#include <QLoggingCategory>
+#include <QQmlContext>
+#include <QQmlEngine>
+#include <QQuickWindow>
+#include <QtQml>
+
+namespace vantrel {
+
+namespace {
+
+Q_LOGGING_CATEGORY(log, "vantrel.qml")
+
+const auto uncreatable = QStringLiteral("Uncreatable type");
+
+void registerTypes()
+{
+    const auto onlyEnums = QStringLiteral("Error: only enums");
+    qmlRegisterType<colors::ColorHelper>("Tessen.Utils", 1, 0, "ColorHelper");
+    qmlRegisterUncreatableMetaObject(colors::staticMetaObject, "Tessen.Utils", 1, 0, "Vantrel", onlyEnums);
+    qmlRegisterUncreatableType<ZTDialog>("Tessen.Models", 1, 0, "ZTWidgetDialog", uncreatable);
+    qmlRegisterType<SelectionModel>("Tessen.Models", 1, 0, "ZTSelectionModel");
+    qmlRegisterUncreatableType<NotificationManager>("Tessen", 1, 0, "NotificationManager", uncreatable);
+    qmlRegisterUncreatableType<Notification>("Tessen", 1, 0, "Notification", uncreatable);
+}
+
+} // namespace
+
+/// What lives as long as the engine does.
+class QMLManagerPrivate
+{
+public:
+    QMLManagerPrivate()
+    {
+        engine.addImportPath(QStringLiteral("qrc:/QmlModules"));
+        engine.addImageProvider(QStringLiteral("thumbnails"), new QmlThumbnailProvider);
+        engine.addImageProvider(QStringLiteral("icons"), new IconProvider);
+        QQmlContext* context = engine.rootContext();
+        context->setContextProperty(QStringLiteral("notificationManager"),
+                                    NotificationManagerImpl::instance());
+        context->setContextProperty(QStringLiteral("session"), Session::instance());
+        context->setContextProperty(QStringLiteral("fontSizes"), &fontSizes);
+        context->setContextProperty(QStringLiteral("colorHelper"), &colorHelper);
+        context->setContextProperty(QStringLiteral("commandCenter"), &commandCenter);
+        context->setContextProperty(QStringLiteral("dialogs"), &dialogs);
+        context->setContextProperty(QStringLiteral("toolTips"), &toolTips);
+    }
+
+    FontSizes fontSizes;
+    colors::ColorHelper colorHelper;
+    ImplMediaCollectionManager commandCenter;
+    DialogFactory dialogs;
+    ToolTips toolTips;
+    QQmlEngine engine; // last: it goes before what its objects are
+};
+
+QMLManager::QMLManager() = default;
+QMLManager::~QMLManager() = default;
+
+QMLManager* QMLManager::instance()
+{
+    static QMLManager manager;
+    return &manager;
+}
+
+void QMLManager::initialize()
+{
+    if (d)
+        return;
+    qCInfo(log) << "Initializing QML manager...";
+    qputenv("QT_QUICK_CONTROLS_STYLE", "Material");
+    qputenv("QT_QUICK_CONTROLS_MATERIAL_THEME", "Dark");
+    // With a graphics card the whole window that holds a declarative view would be put together on it, the
+    // pictures of both channels among the rest; and there are consoles without one.
+    QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
+    static const bool once = (registerTypes(), true);
+    Q_UNUSED(once);
+    d = std::make_unique<QMLManagerPrivate>();
+    connect(qApp, &QCoreApplication::aboutToQuit, this, &QMLManager::deinitialize, Qt::UniqueConnection);
+}
+
+QQmlEngine* QMLManager::engine() const
+{
+    return d ? &d->engine : nullptr;
+}
+
+ImplMediaCollectionManager* QMLManager::commandCenter() const
+{
+    return d ? &d->commandCenter : nullptr;
+}
+
+void QMLManager::deinitialize()
+{
+    d.reset();
+}
+
+} // namespace vantrel

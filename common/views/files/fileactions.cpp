@@ -1,0 +1,90 @@
+#include "common/views/files/fileactions.h"
+
+#include "common/filesystem/model/pathhelpers.h"
+#include "common/filesystem/models/conflictdesk.h"
+#include "common/filesystem/models/filesystemdrophandler.h"
+#include "common/ui/toolkit/ztdrag.h"
+
+#include <QLocale>
+#include <QMimeData>
+#include <QPointer>
+#include <QTimer>
+#include <QWidget>
+
+namespace vantrel {
+
+FileActions::FileActions(QWidget* view, FileSystemDropHandler* drops, ConflictDesk* desk, QObject* parent)
+    : QObject(parent)
+    , m_view(view)
+    , m_drops(drops)
+    , m_desk(desk)
+{
+}
+
+void FileActions::startDrag(FilesModel* model, const QList<int>& rows)
+{
+    if (!model || rows.isEmpty())
+        return;
+    // Once the view is done with the mouse's move: while a drag runs it gets no other.
+    QTimer::singleShot(0, this, [this, from = QPointer<FilesModel>(model), rows] {
+        if (from)
+            runDrag(from, rows);
+    });
+}
+
+void FileActions::runDrag(FilesModel* model, const QList<int>& rows)
+{
+    const QVariantMap mime = model->mimeOf(rows);
+    if (mime.isEmpty())
+        return;
+    auto data = std::make_unique<QMimeData>();
+    for (auto format = mime.cbegin(); format != mime.cend(); ++format)
+        data->setData(format.key(), format.value().toString().toUtf8());
+    if (model->isLocal()) {
+        QList<QUrl> urls;
+        for (const int row : rows)
+            urls.append(
+                QUrl::fromLocalFile(model->get(row).value(QStringLiteral("absolutePath")).toString()));
+        data->setUrls(urls);
+    }
+    const QString label = rows.size() == 1
+                              ? model->get(rows.first()).value(QStringLiteral("shownName")).toString()
+                              : tr("%n items", nullptr, static_cast<int>(rows.size()));
+    ZTDrag::startDrag(m_view, data.release(), Qt::CopyAction | Qt::MoveAction, label);
+}
+
+bool FileActions::drop(const QVariantMap& mime, const QList<QUrl>& urls, FilesModel* model,
+                       const QString& directory)
+{
+    if (!model)
+        return false;
+    const QVariant target = QVariant::fromValue(model->fileSystem());
+    return mime.isEmpty() ? m_drops->dropUrls(urls, target, directory)
+                          : m_drops->dropMimeData(mime, target, directory);
+}
+
+void FileActions::answerConflict(int choice, bool forAll)
+{
+    m_desk->answer(static_cast<ConflictDesk::Answer>(choice), forAll);
+}
+
+QString FileActions::iconOf(const QString& name) const
+{
+    static const QStringList sounds = {QStringLiteral(".wav"), QStringLiteral(".mp3"),
+                                       QStringLiteral(".flac"), QStringLiteral(".aac"),
+                                       QStringLiteral(".m4a")};
+    if (isImageFile(name))
+        return QStringLiteral("image");
+    for (const QString& suffix : sounds) {
+        if (name.endsWith(suffix, Qt::CaseInsensitive))
+            return QStringLiteral("audio");
+    }
+    return isMediaFile(name) ? QStringLiteral("video") : QStringLiteral("file");
+}
+
+QString FileActions::sizeText(qint64 bytes) const
+{
+    return QLocale().formattedDataSize(bytes, 1, QLocale::DataSizeSIFormat);
+}
+
+} // namespace vantrel

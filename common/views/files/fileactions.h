@@ -1,0 +1,46 @@
+#pragma once
+
+#include "common/filesystem/models/filesmodel.h"
+
+#include <QList>
+#include <QObject>
+#include <QUrl>
+#include <QVariantMap>
+
+class QWidget;
+
+namespace vantrel {
+
+class ConflictDesk;
+class FileSystemDropHandler;
+
+/// What the file browsers cannot do by themselves ("fileActions"): drags that leave the view, drops that may
+/// come from anywhere, texts and drawings of files. The view owns it; main thread only.
+class FileActions : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// All must outlive this.
+    FileActions(QWidget* view, FileSystemDropHandler* drops, ConflictDesk* desk, QObject* parent = nullptr);
+
+    /// Drags the rows until they are dropped. Of this computer's files other programs get their addresses.
+    Q_INVOKABLE void startDrag(vantrel::FilesModel* model, const QList<int>& rows);
+    /// A drop on a browser: of our own items (mime) or else of files of this computer (urls).
+    Q_INVOKABLE bool drop(const QVariantMap& mime, const QList<QUrl>& urls, vantrel::FilesModel* model,
+                          const QString& directory);
+    /// choice: a ConflictDesk::Answer.
+    Q_INVOKABLE void answerConflict(int choice, bool forAll);
+    /// The name of the drawing for a file of that name.
+    Q_INVOKABLE QString iconOf(const QString& name) const;
+    Q_INVOKABLE QString sizeText(qint64 bytes) const;
+
+private:
+    void runDrag(FilesModel* model, const QList<int>& rows);
+
+    QWidget* m_view;
+    FileSystemDropHandler* m_drops;
+    ConflictDesk* m_desk;
+};
+
+} // namespace vantrel

@@ -1,0 +1,69 @@
+import QtQuick
+import QtQuick.Templates as T
+
+// A button: a drawing, a text or both. kind is that of the style sheet: "", "accent", "flat".
+T.Button {
+    id: control
+
+    property string iconName
+    property string tip
+    property string kind
+    readonly property bool isAccent: kind === "accent"
+    readonly property bool isFlat: kind === "flat"
+    readonly property color ink: !enabled ? Theme.disabled : isAccent ? Theme.onAccent
+                               : hovered || checked ? Theme.strong : Theme.text
+
+    implicitHeight: Theme.barHeight
+    implicitWidth: text.length > 0 ? implicitContentWidth + leftPadding + rightPadding : implicitHeight
+    leftPadding: text.length > 0 ? (iconName.length > 0 ? fontSizes.pad + 4 : 12) : 0
+    rightPadding: text.length > 0 ? 12 : 0
+    focusPolicy: Qt.TabFocus
+    hoverEnabled: true
+    Accessible.role: Accessible.Button
+    Accessible.name: text.length > 0 ? text : tip
+    Accessible.description: tip
+    Accessible.onPressAction: if (enabled) clicked()
+
+    onHoveredChanged: hovered ? toolTips.show(control, tip) : toolTips.hide(control)
+    onPressed: toolTips.hide(control)
+    Keys.onReturnPressed: clicked()
+    Keys.onEnterPressed: clicked()
+
+    background: Rectangle {
+        radius: Theme.radius
+        color: !control.enabled ? (control.isFlat ? "transparent" : Theme.disabledFill)
+             : control.isAccent ? (control.pressed ? Theme.accentPressed
+                                                   : control.hovered ? Theme.accentHover : Theme.accent)
+             : control.checked ? Theme.accentVeil
+             : control.pressed ? Theme.veil
+             : control.hovered ? (control.isFlat ? Theme.hover : Theme.hoverStrong)
+             : control.isFlat ? "transparent" : Theme.hover
+        border.width: 1
+        border.color: control.visualFocus ? Theme.focus : control.checked ? Theme.accent : "transparent"
+    }
+    contentItem: Item {
+        implicitWidth: content.implicitWidth
+
+        Row {
+            id: content
+
+            anchors.centerIn: parent
+            spacing: fontSizes.pad
+
+            ZTIcon {
+                anchors.verticalCenter: parent.verticalCenter
+                name: control.iconName
+                color: control.ink
+                visible: name.length > 0
+            }
+            ZTLabel {
+                anchors.verticalCenter: parent.verticalCenter
+                text: control.text
+                visible: text.length > 0
+                color: control.ink
+                font.weight: control.isAccent ? Font.DemiBold : Font.Medium
+                Accessible.ignored: true
+            }
+        }
+    }
+}

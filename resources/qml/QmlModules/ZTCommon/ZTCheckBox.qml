@@ -1,0 +1,47 @@
+import QtQuick
+import QtQuick.Templates as T
+
+T.CheckBox {
+    id: control
+
+    property string tip
+
+    implicitWidth: implicitContentWidth + leftPadding + rightPadding
+    implicitHeight: Theme.barHeight
+    leftPadding: fontSizes.body + 2 + Theme.normal
+    rightPadding: Theme.tight
+    focusPolicy: Qt.TabFocus
+    hoverEnabled: true
+    Accessible.name: text
+    Accessible.description: tip
+    onHoveredChanged: hovered ? toolTips.show(control, tip) : toolTips.hide(control)
+
+    background: Rectangle {
+        color: "transparent"
+        radius: Theme.radius
+        border.width: 1
+        border.color: control.visualFocus ? Theme.focus : "transparent"
+    }
+    indicator: Rectangle {
+        x: 2
+        anchors.verticalCenter: parent.verticalCenter
+        width: fontSizes.body + 2
+        height: width
+        radius: 3
+        color: control.checked ? Theme.accent : Theme.field
+        border.color: control.checked ? Theme.accent : control.hovered ? Theme.dim : Theme.faint
+
+        ZTIcon {
+            anchors.centerIn: parent
+            side: parent.width
+            name: "check"
+            color: Theme.onAccent
+            visible: control.checked
+        }
+    }
+    contentItem: ZTLabel {
+        text: control.text
+        color: control.enabled ? Theme.text : Theme.disabled
+        Accessible.ignored: true
+    }
+}

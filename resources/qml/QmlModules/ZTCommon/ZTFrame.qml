@@ -1,0 +1,7 @@
+import QtQuick
+
+// A panel.
+Rectangle {
+    color: Theme.panel
+    radius: Theme.panelRadius
+}

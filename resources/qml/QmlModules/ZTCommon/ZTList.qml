@@ -1,0 +1,17 @@
+import QtQuick
+import QtQuick.Templates as T
+
+// A list that scrolls by the wheel and its bar; drags are its rows' own.
+ListView {
+    id: list
+
+    clip: true
+    boundsBehavior: Flickable.StopAtBounds
+    reuseItems: true
+    keyNavigationEnabled: false
+    highlightFollowsCurrentItem: false
+    currentIndex: -1
+    flickDeceleration: 10000
+    pixelAligned: true
+    T.ScrollBar.vertical: ZTScrollBar {}
+}
