@@ -35,6 +35,7 @@
 #include "common/session/sessionfiles.h"
 #include "common/session/settings/configuration.h"
 #include "common/session/settings/sessionlogging.h"
+#include "common/session/transferlimit.h"
 #include "tarn/media/medialibrary.h"
 #include "tarn/scene/scene.h"
 
@@ -181,6 +182,7 @@ void Session::doInit()
     initPlaylistModels();
     wireProviders();
     m_files = std::make_unique<SessionFiles>();
+    m_transferLimit = std::make_unique<TransferLimit>(m_configuration.get(), program);
     connect(m_files.get(), &SessionFiles::serverFilesModelChanged, this, &Session::serverFilesModelChanged);
     connect(m_files.get(), &SessionFiles::serverFilesPathModelChanged, this,
             &Session::serverFilesPathModelChanged);
@@ -380,6 +382,7 @@ void Session::connectFiles(const QString& host)
     m_files->disconnectServer(); // of a link of which no end was heard
     m_files->connectTo(host, m_ports.ftp, m_configuration->value(SERVER_CREDENTIALS_USERNAME).toString(),
                        m_configuration->value(SERVER_CREDENTIALS_PASSWORD).toString());
+    m_transferLimit->setServer(m_files->serverFileSystem());
 }
 
 FilesModel* Session::localFilesModel() const

@@ -54,6 +54,7 @@ class SessionFiles;
 class SignalRelay;
 class SystemProxy;
 class ThumbnailProvider;
+class TransferLimit;
 class WebProbe;
 struct SceneChange;
 
@@ -229,6 +230,7 @@ private:
     std::unique_ptr<SystemProxy> m_systemProxy;
     std::unique_ptr<ConnectionProvider> m_connectionProvider;
     std::unique_ptr<SessionFiles> m_files;
+    std::unique_ptr<TransferLimit> m_transferLimit;
     Hotkeys* m_hotkeys = nullptr; // the main window's
     CommandGate* m_gate;          // the undo stack's
 

@@ -72,6 +72,11 @@ void SessionFiles::connectTo(const QString& host, quint16 port, const QString& u
     Q_EMIT serverFilesPathModelChanged();
 }
 
+ServerFileSystem* SessionFiles::serverFileSystem() const
+{
+    return m_serverFiles ? qobject_cast<ServerFileSystem*>(m_serverFiles->fileSystem()) : nullptr;
+}
+
 void SessionFiles::disconnectServer()
 {
     if (!m_serverFiles)

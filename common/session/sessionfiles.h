@@ -9,6 +9,7 @@ namespace vantrel {
 class FilesModel;
 class OperationsModel;
 class PathModel;
+class ServerFileSystem;
 
 /// What the session holds for the views of files: models of the operator's own disks and of the work in hand,
 /// made when somebody first asks, and those of the server as long as there is a link. The session owns it;
@@ -32,6 +33,8 @@ public:
     /// Makes the server's models. Port 0: it serves no files.
     void connectTo(const QString& host, quint16 port, const QString& username, const QString& password);
     void disconnectServer();
+    /// Of the models; null without a link.
+    ServerFileSystem* serverFileSystem() const;
 
 Q_SIGNALS:
     void serverFilesModelChanged();

@@ -114,6 +114,11 @@ QString FtpClient::lastErrorText() const
     return d->lastErrorText();
 }
 
+void FtpClient::setRateLimit(qint64 bytesPerSecond)
+{
+    d->setRateLimit(bytesPerSecond);
+}
+
 void FtpClient::setPatience(std::chrono::milliseconds patience)
 {
     d->setPatience(patience);

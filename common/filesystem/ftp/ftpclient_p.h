@@ -41,6 +41,7 @@ public:
     void abort();
     QString lastErrorText() const { return m_errorText; }
     void setPatience(std::chrono::milliseconds patience) { m_worker->setPatience(patience); }
+    void setRateLimit(qint64 bytesPerSecond) { m_worker->setRateLimit(bytesPerSecond); }
     void setReconnectUnit(std::chrono::milliseconds unit) { m_reconnectUnit = unit; }
     void setKeepaliveInterval(std::chrono::milliseconds interval);
 

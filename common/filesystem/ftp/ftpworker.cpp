@@ -159,6 +159,11 @@ void FtpWorker::setPatience(std::chrono::milliseconds patience)
     post([=](QFtp& ftp) { ftp.setPatience(patience); });
 }
 
+void FtpWorker::setRateLimit(qint64 bytesPerSecond)
+{
+    post([=](QFtp& ftp) { ftp.setRateLimit(bytesPerSecond); });
+}
+
 QFtp::Error FtpWorker::getError(QString* text) const
 {
     const QMutexLocker lock(&m_mutex);

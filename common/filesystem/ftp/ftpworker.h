@@ -41,6 +41,7 @@ public:
     void abort();
     void noop();
     void setPatience(std::chrono::milliseconds patience);
+    void setRateLimit(qint64 bytesPerSecond);
 
     QFtp::State ftpState() const { return m_state; }
     /// Of the command that ended last.

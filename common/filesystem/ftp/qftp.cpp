@@ -77,6 +77,11 @@ void QFtp::setPatience(std::chrono::milliseconds patience)
     d->pi.setPatience(patience);
 }
 
+void QFtp::setRateLimit(qint64 bytesPerSecond)
+{
+    d->pi.dtp().setRateLimit(bytesPerSecond);
+}
+
 int QFtp::connectToHost(const QString& host, quint16 port)
 {
     return add(std::make_unique<QFtpCommand>(ConnectToHost, QStringList{host, QString::number(port)},

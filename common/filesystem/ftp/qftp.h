@@ -79,6 +79,8 @@ public:
     /// How long a server may be silent, while something is wanted of it, before the connection is given up:
     /// 20 seconds.
     void setPatience(std::chrono::milliseconds patience);
+    /// Of files, both ways; 0: as fast as it goes.
+    void setRateLimit(qint64 bytesPerSecond);
 
     int currentId() const;
     Command currentCommand() const;

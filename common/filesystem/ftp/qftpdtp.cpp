@@ -5,6 +5,7 @@
 
 #include <QDateTime>
 #include <QIODevice>
+#include <QTimer>
 
 #include <algorithm>
 #include <utility>
@@ -201,9 +202,17 @@ void QFtpDTP::socketReadyRead()
     m_block.resize(blockSize);
     qint64 moved = 0;
     qint64 size = 0;
-    while (m_socket && moved < turnSize && m_bytesFromSocket.size() < maxUnread &&
-           (size = m_socket->read(m_block.data(), m_block.size())) > 0) {
+    while (m_socket && moved < turnSize && m_bytesFromSocket.size() < maxUnread) {
+        const qint64 most = m_device ? m_limit.allowed(m_block.size()) : m_block.size();
+        if (most == 0) {
+            comeBack(false);
+            break;
+        }
+        size = m_socket->read(m_block.data(), most);
+        if (size <= 0)
+            break;
         moved += size;
+        m_limit.spend(size);
         if (!m_isDropping && !consume(m_block.constData(), size))
             return;
     }
@@ -219,6 +228,20 @@ void QFtpDTP::socketReadyRead()
             m_errorText = tr("The data connection broke: %1").arg(m_socket->errorString());
         socketConnectionClosed();
     }
+}
+
+/// No more may go for now.
+void QFtpDTP::comeBack(bool isSending)
+{
+    if (std::exchange(m_isHeld, true))
+        return;
+    QTimer::singleShot(RateLimit::waitMs, this, [this, isSending] {
+        m_isHeld = false;
+        if (!isSending)
+            socketReadyRead();
+        else if (m_isSending && m_callWriteData)
+            writeData();
+    });
 }
 
 /// False when the transfer cannot go on.
@@ -386,7 +409,12 @@ void QFtpDTP::sendBytes()
 void QFtpDTP::sendDevice()
 {
     for (qint64 turn = 0; turn < turnSize && m_socket->bytesToWrite() == 0; turn += blockSize) {
-        if (!sendBlock())
+        const qint64 most = m_limit.allowed(blockSize);
+        if (most == 0) {
+            tellProgress(false);
+            return comeBack(true);
+        }
+        if (!sendBlock(most))
             return;
     }
     tellProgress(false);
@@ -396,10 +424,10 @@ void QFtpDTP::sendDevice()
 }
 
 /// False when there is nothing to send, for now or for good.
-bool QFtpDTP::sendBlock()
+bool QFtpDTP::sendBlock(qint64 most)
 {
     m_block.resize(blockSize);
-    const qint64 size = m_device->read(m_block.data(), m_block.size());
+    const qint64 size = m_device->read(m_block.data(), most);
     if (size <= 0) {
         if (size == 0 && m_device->isSequential())
             return false;
@@ -422,6 +450,7 @@ bool QFtpDTP::sendBlock()
         return false;
     }
     m_sent += size;
+    m_limit.spend(size);
     m_bytesDone = m_sent - m_socket->bytesToWrite();
     Q_EMIT moved();
     return m_socket != nullptr;

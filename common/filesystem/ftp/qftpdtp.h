@@ -1,6 +1,7 @@
 #pragma once
 
 #include "common/filesystem/ftp/qurlinfo.h"
+#include "common/filesystem/ftp/ratelimit.h"
 #include "tarn/ftp/ftplisting.h"
 
 #include <QElapsedTimer>
@@ -57,6 +58,8 @@ public:
     /// What went wrong although the server is content.
     QString errorText() const { return m_errorText; }
     void clearError() { m_errorText.clear(); }
+    /// Of files, both ways; 0: as fast as it goes.
+    void setRateLimit(qint64 bytesPerSecond) { m_limit.set(bytesPerSecond); }
 
     /// Sends what there is, as fast as the socket takes it.
     void writeData();
@@ -94,7 +97,8 @@ private:
     void readListLine(const QByteArray& line);
     void sendBytes();
     void sendDevice();
-    bool sendBlock();
+    bool sendBlock(qint64 most);
+    void comeBack(bool isSending);
     void finishSending();
     void fail(const QString& text);
     void tellProgress(bool isLast);
@@ -118,6 +122,8 @@ private:
     FtpTime m_now; // when the listing began
     QString m_errorText;
     QByteArray m_block;
+    RateLimit m_limit;
+    bool m_isHeld = false; // comes back when more may go
     QElapsedTimer m_lastTold;
     qint64 m_toldDone = -1;
 };
