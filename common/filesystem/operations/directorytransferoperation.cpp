@@ -156,7 +156,7 @@ void DirectoryTransferOperation::fail(const QString& message)
 
 void DirectoryTransferOperation::abort()
 {
-    if (!canAbort() || state() == Stopping)
+    if (!canAbort() || std::exchange(m_isStopping, true))
         return;
     const QString size =
         QLocale().formattedDataSize(static_cast<qint64>(totalSizeBytes()), 1, QLocale::DataSizeIecFormat);

@@ -70,6 +70,7 @@ private:
     std::unique_ptr<RecursiveDirectoryLister> m_destinationLister; // of what is there already
     QString m_name;                                                // of the directory at its destination
     bool m_isNameAsked = false; // whether the directory itself may be merged with one that is there
+    bool m_isStopping = false;
     QHash<QString, unsigned long long> m_bytes; // transferred, of each source path
     unsigned long long m_bytesSum = 0;          // of m_bytes
 };

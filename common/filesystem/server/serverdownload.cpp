@@ -43,14 +43,16 @@ void ServerDownload::start()
 void ServerDownload::read(qint64 offset)
 {
     m_done = offset;
-    const auto get = [this, offset](FileSystemClient& client) {
-        if (offset == 0 && m_reached >= 0) { // anew
-            m_output->seek(0);
-            if (auto* file = qobject_cast<QFile*>(m_output.data()))
+    const bool isAnew = offset == 0 && m_reached >= 0;
+    // The command keeps the device for as long as the client works with it.
+    const auto get = [source = m_source, device = m_output, offset, isAnew](FileSystemClient& client) {
+        if (isAnew) {
+            device->seek(0);
+            if (auto* file = qobject_cast<QFile*>(device.data()))
                 file->resize(0);
         }
-        return offset > 0 ? client.resumeRead(m_source, m_output.data(), offset)
-                          : client.read(m_source, m_output.data(), 0);
+        return offset > 0 ? client.resumeRead(source, device.data(), offset)
+                          : client.read(source, device.data(), 0);
     };
     askOnce(Kind::Read, get, [this](Outcome outcome) { onRead(outcome); });
 }

@@ -88,10 +88,11 @@ void ServerUpload::sendTo(const QString& destination)
 void ServerUpload::send(qint64 offset)
 {
     m_isSent = true;
-    const auto write = [this, offset](FileSystemClient& client) {
-        m_input->seek(offset);
-        return offset > 0 ? client.resumeWrite(m_temporary, m_input.data(), offset)
-                          : client.write(m_temporary, m_input.data(), 0);
+    // The command keeps the device for as long as the client works with it.
+    const auto write = [temporary = m_temporary, device = m_input, offset](FileSystemClient& client) {
+        device->seek(offset);
+        return offset > 0 ? client.resumeWrite(temporary, device.data(), offset)
+                          : client.write(temporary, device.data(), 0);
     };
     askOnce(Kind::Write, write, [this](Outcome outcome) { onWritten(outcome); });
 }
