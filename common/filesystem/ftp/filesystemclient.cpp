@@ -17,4 +17,6 @@ bool FileSystemClient::resumeRead(const QString&, QIODevice*, qint64)
     return false;
 }
 
+void FileSystemClient::setRateLimit(qint64) {}
+
 } // namespace vantrel

@@ -54,6 +54,8 @@ public:
     /// Why the last command failed, as plain text that may come from the server; empty after one that did
     /// not.
     virtual QString lastErrorText() const { return {}; }
+    /// What a transfer may take of the line, also the one that runs; 0: all.
+    virtual void setRateLimit(qint64 bytesPerSecond);
 
 Q_SIGNALS:
     void isServerConnectedChanged(bool isServerConnected);

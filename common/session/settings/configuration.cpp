@@ -87,6 +87,8 @@ QVariant Configuration::defaultValue(ConfigurationOption option)
         return QStringLiteral("opsadmin");
     case SERVER_CREDENTIALS_PASSWORD:
         return QStringLiteral("tnempius");
+    case TRANSFER_LIMIT_WHILE_PLAYING:
+        return 0;
     case REFRESH_RATE:
     case BIT_DEPTH:
         break;
@@ -113,6 +115,7 @@ QString Configuration::key(ConfigurationOption option)
         "TAKE_PRESET_TOGGLE",
         "SERVER_CREDENTIALS_USERNAME",
         "SERVER_CREDENTIALS_PASSWORD",
+        "TRANSFER_LIMIT_WHILE_PLAYING",
     };
     const auto number = static_cast<std::size_t>(option);
     return QString::fromLatin1(number < std::size(keys) ? keys[number] : "UNKNOWN_CONFIGURATION_OPTION");

@@ -25,6 +25,7 @@ enum ConfigurationOption : int {
     TAKE_PRESET_TOGGLE = 12,
     SERVER_CREDENTIALS_USERNAME = 13,
     SERVER_CREDENTIALS_PASSWORD = 14,
+    TRANSFER_LIMIT_WHILE_PLAYING = 15, // MB/s, 0 for none
 };
 
 /// Local settings in an INI file of the user scope. One stands in a running program, owned by the session; it

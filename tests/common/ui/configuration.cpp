@@ -39,6 +39,8 @@ private Q_SLOTS:
                               << QVariant(QStringLiteral("opsadmin"));
         QTest::newRow("password") << int(SERVER_CREDENTIALS_PASSWORD) << "SERVER_CREDENTIALS_PASSWORD"
                                   << QVariant(QStringLiteral("tnempius"));
+        QTest::newRow("limit") << int(TRANSFER_LIMIT_WHILE_PLAYING) << "TRANSFER_LIMIT_WHILE_PLAYING"
+                               << QVariant(0);
     }
 
     void givesDefaults()
