@@ -15,8 +15,9 @@ namespace {
 constexpr int headerMs = 15000; // once the request is sent, or in the queue for one that sends nothing
 constexpr int idleMs = 30000;   // without a byte
 constexpr int watchMs = 100;
-// How far this process may grow within so long while headers are awaited.
-constexpr qint64 floodBytes = 128LL * 1024 * 1024;
+// How far this process may grow within so long while headers are awaited: further than a library of the
+// largest size makes it grow that is read meanwhile.
+constexpr qint64 floodBytes = 2048LL * 1024 * 1024;
 constexpr qint64 floodMs = 5000;
 
 /// What this process has in memory, in bytes; 0 where the system does not tell.
@@ -32,6 +33,7 @@ qint64 memoryInUse()
 ServerAccess::ServerAccess(QObject* parent)
     : QNetworkAccessManager(parent)
     , m_headerTime(headerMs)
+    , m_floodBytes(floodBytes)
 {
     m_watch.setInterval(watchMs);
     connect(&m_watch, &QTimer::timeout, this, &ServerAccess::checkMemory);
@@ -93,7 +95,7 @@ void ServerAccess::arrived(QNetworkReply* reply)
 void ServerAccess::checkMemory()
 {
     const qint64 now = memoryInUse();
-    if (now - m_base > floodBytes) {
+    if (now - m_base > m_floodBytes) {
         qCWarning(lcMedia) << "An answer begins without end, giving it up";
         for (QNetworkReply* reply : std::exchange(m_awaited, {}))
             reply->abort();

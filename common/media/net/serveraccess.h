@@ -20,6 +20,8 @@ public:
 
     /// For tests in place of a quarter of a minute; milliseconds.
     void setHeaderTime(int ms) { m_headerTime = ms; }
+    /// For tests in place of 2 GiB: how far headers without end may make the process grow.
+    void setFloodBytes(qint64 bytes) { m_floodBytes = bytes; }
 
 protected:
     QNetworkReply* createRequest(Operation operation, const QNetworkRequest& request,
@@ -31,6 +33,7 @@ private:
     void checkMemory();
 
     int m_headerTime;
+    qint64 m_floodBytes;
     QSet<QNetworkReply*> m_awaited; // whose headers have not come
     QTimer m_watch;
     QElapsedTimer m_sinceBase;

@@ -76,6 +76,7 @@ private Q_SLOTS:
             connect(socket, &QTcpSocket::bytesWritten, socket, fill);
         });
         ServerAccess access;
+        access.setFloodBytes(128LL * 1024 * 1024);
         const QUrl url(QStringLiteral("http://127.0.0.1:%1/x").arg(server.serverPort()));
         QNetworkRequest request(url);
         request.setHeader(QNetworkRequest::ContentTypeHeader, QStringLiteral("application/json"));
