@@ -1,6 +1,5 @@
 #include "common/playback/levelmeter.h"
 #include "common/playback/picturenotice.h"
-#include "common/playback/playbackpreview.h"
 #include "common/playback/playbackwidget.h"
 #include "common/playback/takebutton.h"
 #include "common/ui/toolkit/ztlabel.h"
@@ -101,24 +100,6 @@ private Q_SLOTS:
         QVERIFY(!notice("Preview")->levels()->isVisible());
         cue("preview", 3);
         QTRY_VERIFY(notice("Preview")->levels()->isVisible());
-    }
-
-    /// A picture that is old says so, and does not stand under the name of the next medium.
-    void oldPicturesAreTold()
-    {
-        cue("preview", 1);
-        auto* picture = m_fixture->part<PlaybackPreview>("Preview-PlaybackWidget-PreviewWidget");
-        PreviewFrame frame;
-        frame.source = "/device/channels/0/preview";
-        QPixmap red(160, 90);
-        red.fill(Qt::red);
-        picture->onFrame(frame, red);
-        QVERIFY(!picture->pixmap().isNull());
-        QVERIFY(!notice("Preview")->text().contains(QStringLiteral("old")));
-        QTRY_COMPARE(notice("Preview")->text(), QStringLiteral("Picture is 1 s old"));
-        cue("preview", 2);
-        QTRY_VERIFY(picture->pixmap().isNull());
-        QTRY_COMPARE(notice("Preview")->text(), QStringLiteral("No picture from the server"));
     }
 
     /// From the link's return to its scene there is a reason for what is grey.
