@@ -1,7 +1,6 @@
 #include "common/qml/qmlmanager.h"
 
 #include "common/media/address/mediastate.h"
-#include "common/media/edit/implmediacollectionmanager.h"
 #include "common/notification/notificationmanagerimpl.h"
 #include "common/qml/dialogfactory.h"
 #include "common/qml/fontsizes.h"
@@ -15,7 +14,6 @@
 #include <QCoreApplication>
 #include <QLoggingCategory>
 #include <QQmlContext>
-#include <QQmlEngine>
 #include <QQuickWindow>
 #include <QtQml>
 

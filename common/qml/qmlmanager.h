@@ -1,14 +1,14 @@
 #pragma once
 
+#include "common/media/edit/implmediacollectionmanager.h"
+
 #include <QObject>
+#include <QQmlEngine>
 
 #include <memory>
 
-class QQmlEngine;
-
 namespace vantrel {
 
-class ImplMediaCollectionManager;
 class QMLManagerPrivate;
 
 /// The one engine of all declarative views, with the types and objects that they see. Nothing of it is made

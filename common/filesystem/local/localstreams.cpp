@@ -1,6 +1,7 @@
 #include "common/filesystem/local/localstreams.h"
 
 #include "common/filesystem/local/copywork.h"
+#include "common/filesystem/local/hiddenitems.h"
 #include "common/filesystem/local/systemfile.h"
 #include "common/filesystem/model/filesystemlogging.h"
 #include "common/filesystem/model/pathhelpers.h"
@@ -84,13 +85,10 @@ void LocalStreams::forget(const QFile* file)
 
 bool LocalStreams::isReceivingInto(const QString& directory) const
 {
-    for (auto open = m_openFiles.begin(); open != m_openFiles.end(); ++open) {
-        // The file itself is busy on another thread: the disk is asked.
-        if (open.value()->openMode().testFlag(QIODeviceBase::WriteOnly) &&
-            isPathBelow(open.key(), directory) && QFileInfo(open.key()).size() > 0)
-            return true;
-    }
-    return false;
+    // The file itself is busy on another thread: the disk is asked.
+    return std::ranges::any_of(m_receiving, [&](const QString& path) {
+        return isPathBelow(path, directory) && QFileInfo(path).size() > 0;
+    });
 }
 
 bool LocalStreams::initializeOutgoingTransfer(const QSharedPointer<FileTransferOperation>& operation)
@@ -169,6 +167,7 @@ bool LocalStreams::initializeIncomingTransfer(const QSharedPointer<FileTransferO
         return false;
     }
     operation->setOutput(file);
+    m_receiving.insert(hidden);
     m_progressMarks.insert(path, 0);
     watchIncoming(operation, {path, hidden, file, isReplacing});
     return true;
@@ -204,6 +203,7 @@ void LocalStreams::watchIncoming(const QSharedPointer<FileTransferOperation>& op
         Q_EMIT progressed(incoming.path, QFileInfo(incoming.hidden).size());
     });
     connect(sender, &BaseOperation::operationStopped, this, [this, incoming] {
+        m_receiving.remove(incoming.hidden);
         m_progressMarks.remove(incoming.path);
         // What did not become whole goes; what did has another name by now.
         m_startJob(
@@ -240,6 +240,7 @@ void LocalStreams::takeIncoming(const QSharedPointer<FileTransferOperation>& ope
                                 const Incoming& incoming)
 {
     const auto work = [incoming](JobControl&) {
+        sweepHidden(parentOf(bytesOf(incoming.path)));
         const int error = place(bytesOf(incoming.hidden), bytesOf(incoming.path), incoming.isReplacing);
         if (!error)
             return JobResult{JobResult::Done, incoming.path, {}};

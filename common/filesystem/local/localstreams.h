@@ -5,6 +5,7 @@
 #include <QFile>
 #include <QMap>
 #include <QObject>
+#include <QSet>
 #include <QSharedPointer>
 
 namespace vantrel {
@@ -58,6 +59,7 @@ private:
     FileSystem* m_fileSystem;
     StartJob m_startJob;
     QMap<QString, QSharedPointer<QFile>> m_openFiles;
+    QSet<QString> m_receiving;
     QMap<QString, double> m_progressMarks;
 };
 

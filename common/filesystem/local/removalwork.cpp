@@ -20,12 +20,18 @@ QString text(const char* source)
     return QCoreApplication::translate("LocalFileSystem", source);
 }
 
-// Empty when it may go.
-QString protection(const std::string& path)
+} // namespace
+
+RemovalWork::RemovalWork(JobControl& control)
+    : m_control(&control)
 {
-    const QString shown = textOf(path);
+}
+
+QString RemovalWork::protection(const QString& wanted)
+{
+    const std::string path = withoutSlash(bytesOf(wanted));
     for (const QString& home : {QDir::homePath(), QDir::home().canonicalPath()}) {
-        if (path == "/" || isSamePath(shown, home) || isPathBelow(home, shown))
+        if (path == "/" || isSamePath(wanted, home) || isPathBelow(home, wanted))
             return text("%1 holds your home folder and is not removed.").arg(shownName(path));
     }
     const auto own = linkStat(path);
@@ -33,13 +39,6 @@ QString protection(const std::string& path)
     if (isDirectory(own) && parent && own->st_dev != parent->st_dev)
         return text("%1 is a volume of its own and is not removed.").arg(shownName(path));
     return {};
-}
-
-} // namespace
-
-RemovalWork::RemovalWork(JobControl& control)
-    : m_control(&control)
-{
 }
 
 JobResult RemovalWork::run(const QString& path, bool onlyEmpty)
@@ -53,7 +52,7 @@ JobResult RemovalWork::run(const QString& path, bool onlyEmpty)
         result.errors.append(text("%1 is not there any more.").arg(shownName(target)));
         return result;
     }
-    if (const QString reason = protection(target); !reason.isEmpty()) {
+    if (const QString reason = protection(path); !reason.isEmpty()) {
         result.errors.append(reason);
         return result;
     }

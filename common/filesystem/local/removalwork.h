@@ -21,6 +21,9 @@ public:
     /// it stopped.
     static int removeAll(const std::string& path, std::string* failedAt = nullptr);
 
+    /// Why nobody may remove it, escaped; empty when it may go.
+    static QString protection(const QString& path);
+
 private:
     int removeItem(const std::string& path);
     int removeContent(const std::string& directory);

@@ -2,7 +2,6 @@
 
 #include <QFile>
 
-#include <atomic>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -92,18 +91,6 @@ int renameNoReplace(const std::string& from, const std::string& to)
     if (linkStat(to))
         return EEXIST;
     return ::rename(from.c_str(), to.c_str()) == 0 ? 0 : errno;
-}
-
-std::string hiddenPathBeside(const std::string& path)
-{
-    static std::atomic<unsigned> count = 0;
-    for (;;) {
-        const std::string name =
-            ".halcyra-" + std::to_string(::getpid()) + '-' + std::to_string(++count) + ".part";
-        const std::string hidden = joined(parentOf(path), name);
-        if (!linkStat(hidden))
-            return hidden;
-    }
 }
 
 int forEachName(const std::string& directory, const std::function<int(const std::string& name)>& take)

@@ -52,8 +52,6 @@ std::string joined(const std::string& directory, const std::string& name);
 
 /// Fails with EEXIST when something is there, in one step with the renaming where the disk can do that.
 int renameNoReplace(const std::string& from, const std::string& to);
-/// A hidden name in the same directory that nobody else has; what is not whole yet stands there.
-std::string hiddenPathBeside(const std::string& path);
 /// Calls take for each name but "." and ".." until it gives an error, and returns that. The names are read
 /// before the first call, so that it may change the directory.
 int forEachName(const std::string& directory, const std::function<int(const std::string& name)>& take);

@@ -1,5 +1,6 @@
 #include "common/filesystem/local/transferwork.h"
 
+#include "common/filesystem/local/hiddenitems.h"
 #include "common/filesystem/local/removalwork.h"
 #include "common/filesystem/local/systemfile.h"
 #include "common/filesystem/model/pathhelpers.h"
@@ -88,6 +89,9 @@ JobResult TransferWork::run(const QString& from, const QString& to)
     } else if (isDirectory(itemStat(m_source)) && liesInside(target, m_source)) {
         fail(text("%1 cannot be put inside of itself.").arg(shownName(m_source)));
         m_result.outcome = JobResult::Inside;
+    } else if (const QString reason = m_isMove ? RemovalWork::protection(from) : QString();
+               !reason.isEmpty()) {
+        m_result.outcome = fail(reason);
     } else {
         m_result.outcome = transfer(m_source, target);
     }
@@ -192,9 +196,10 @@ bool TransferWork::lookAhead(const std::string& from, const std::string& to)
     }
     if (std::exchange(m_isMeasured, true))
         return true;
+    sweepHidden(parentOf(to));
     quint64 total = 0;
     if (const int error = m_copy.measure(m_source, total)) {
-        m_result.outcome = failCopy(error);
+        failCopy(error);
         return false;
     }
     struct statvfs disk

@@ -88,7 +88,8 @@ QQuickItem* namedItem(QQuickItem* from, const QString& name)
     return nullptr;
 }
 
-/// The item must be there, and the view gets the event where the mouse is: an item may leave the mouse to a part of it.
+/// The item must be there, and the view gets the event where the mouse is: an item may leave the mouse to a
+/// part of it.
 Target quickTarget(QQuickWidget* view, const ClickTestRequest& request, const QPoint& global)
 {
     QQuickItem* root = view->rootObject();

@@ -153,7 +153,8 @@ void ClickTestServer::findQmlItems()
     for (QWidget* widget : all) {
         auto* view = qobject_cast<QQuickWidget*>(widget);
         // From above the root object: beside it lies what it opens, its menus among it.
-        if (view && view->rootObject() && (m_request.rootItem.isEmpty() || view->objectName() == m_request.rootItem))
+        if (view && view->rootObject() &&
+            (m_request.rootItem.isEmpty() || view->objectName() == m_request.rootItem))
             traverseQQuickItem(view->quickWindow()->contentItem(), m_request, m_items);
     }
 }

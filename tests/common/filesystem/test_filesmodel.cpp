@@ -8,6 +8,7 @@
 #include <QSignalSpy>
 #include <QTest>
 
+#include <ctime>
 #include <malloc.h>
 
 using namespace vantrel;
@@ -208,20 +209,23 @@ private Q_SLOTS:
             server.add(QStringLiteral("/many/Camera %1 take %2.mov").arg(i * 7919 % 50000).arg(i % 9));
         FilesModel model(&server);
         const auto before = mallinfo2().uordblks;
-        QElapsedTimer clock;
-        clock.start();
+        // Of this process alone: what else runs on the machine does not count.
+        const auto work = [] { return static_cast<long>(std::clock() * 1000 / CLOCKS_PER_SEC); };
+        long start = work();
         model.setDirectoryPath(QStringLiteral("/many/"));
         QTRY_COMPARE(model.count(), 50000);
-        const qint64 shown = clock.restart();
+        const long shown = work() - start;
+        start = work();
         model.sortBy(FilesModel::NameRole);
-        const qint64 blocked = clock.elapsed();
+        const long blocked = work() - start;
         QTRY_COMPARE(value(model, QStringLiteral("Camera 49999 take 0.mov"), FilesModel::NumberRole).toInt() <
                          10,
                      true);
         const auto perRow = (mallinfo2().uordblks - before) / 50000;
-        qInfo("50,000 rows: shown after %lld ms, sorting held %lld ms, %zu bytes a row", shown, blocked,
+        qInfo("50,000 rows: shown after %ld ms, sorting held %ld ms, %zu bytes a row", shown, blocked,
               perRow);
-        QVERIFY(blocked < 16 * 3); // a loaded machine
+        QVERIFY(shown < 300);
+        QVERIFY(blocked < 16);
         QVERIFY(perRow < 600);
     }
 

@@ -16,6 +16,9 @@
 #include <QSignalSpy>
 #include <QTest>
 
+#include <ctime>
+#include <malloc.h>
+
 using namespace vantrel;
 using namespace vantrel::test;
 
@@ -81,11 +84,16 @@ private Q_SLOTS:
         m_view = std::make_unique<FilesView>(sources);
         m_view->resize(1268, 600);
         QVERIFY(!m_view->quickWidget());
-        QElapsedTimer clock;
-        clock.start();
+        const std::size_t memory = mallinfo2().uordblks;
+        const std::clock_t start = std::clock();
         m_view->show();
+        // Of this process alone: what else runs on the machine does not count.
+        const auto work = (std::clock() - start) * 1000 / CLOCKS_PER_SEC;
         QVERIFY(QTest::qWaitForWindowActive(m_view.get()));
-        qInfo("the tab stood after %lld ms", clock.elapsed());
+        const std::size_t taken = (mallinfo2().uordblks - memory) / 1024 / 1024;
+        qInfo("the tab was made in %ld ms and took %zu MB", static_cast<long>(work), taken);
+        QVERIFY(work < 2 * 120); // twice what it may cost where the processor runs at its pace
+        QVERIFY(taken < 40);
         QCOMPARE(m_view->quickWidget()->status(), QQuickWidget::Ready);
     }
     void cleanupTestCase()
