@@ -1,5 +1,6 @@
 #include "common/session/sessionfiles.h"
 
+#include "common/filesystem/model/localhomelocations.h"
 #include "common/filesystem/models/filesmodel.h"
 #include "common/filesystem/models/operationsmodel.h"
 #include "common/filesystem/models/pathmodel.h"
@@ -17,7 +18,8 @@ SessionFiles::~SessionFiles() = default;
 FilesModel* SessionFiles::localFilesModel()
 {
     if (!m_localFiles) {
-        m_localFiles.reset(new FilesModel(DefaultFileSystemProvider::instance()->getLocalFileSystem()));
+        m_localFiles.reset(new FilesModel(DefaultFileSystemProvider::instance()->getLocalFileSystem(),
+                                          LocalHomeLocations::instance()));
         const PathModel* places = localFilesPathModel();
         m_localFiles->setDirectoryPath(places->data(places->index(0, 0), PathModel::PathRole).toString());
     }
