@@ -18,8 +18,9 @@ using namespace systemfile;
 namespace {
 
 constexpr std::size_t chunkBytes = 4 * 1024 * 1024;
-// So much may wait in memory for the disk: progress stays true and a stop quick, also on a slow stick.
-constexpr quint64 unflushedBytes = 64 * 1024 * 1024;
+// Two such windows may wait in memory for the disk: progress stays true and a stop quick, also on a slow
+// stick.
+constexpr off64_t windowBytes = 32 * 1024 * 1024;
 
 bool wantsPlainCopy(int error)
 {
@@ -45,6 +46,17 @@ void keepTimes(int descriptor, const struct stat& stat)
     const std::array<timespec, 2> times{stat.st_atim, stat.st_mtim};
     // Some disks keep none; a copy is none the worse.
     (void)::futimens(descriptor, times.data());
+}
+
+// Sends the window to the disk and waits for the one before. A disk that cannot do so only lets more wait:
+// what is written is made sure of at the end.
+void writeWindow(int descriptor, off64_t begin, off64_t size)
+{
+    (void)::sync_file_range(descriptor, begin, size, SYNC_FILE_RANGE_WRITE);
+    if (begin > 0)
+        (void)::sync_file_range(descriptor, 0, begin,
+                                SYNC_FILE_RANGE_WAIT_BEFORE | SYNC_FILE_RANGE_WRITE |
+                                    SYNC_FILE_RANGE_WAIT_AFTER);
 }
 
 bool hasChanged(const struct stat& before, const struct stat& after)
@@ -165,7 +177,8 @@ int CopyWork::copyFile(const std::string& from, const std::string& to)
 int CopyWork::copyBytes(int from, int to)
 {
     bool isPlain = false;
-    quint64 unflushed = 0;
+    off64_t copied = 0;
+    off64_t window = 0;
     for (;;) {
         if (m_control.isCanceled())
             return ECANCELED;
@@ -182,11 +195,10 @@ int CopyWork::copyBytes(int from, int to)
         if (count == 0)
             return 0;
         m_control.addDone(static_cast<quint64>(count));
-        unflushed += static_cast<quint64>(count);
-        if (unflushed >= unflushedBytes) {
-            if (::fdatasync(to) != 0)
-                return errno;
-            unflushed = 0;
+        copied += count;
+        if (copied - window >= windowBytes) {
+            writeWindow(to, window, copied - window);
+            window = copied;
         }
     }
 }

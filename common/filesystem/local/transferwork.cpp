@@ -8,7 +8,9 @@
 #include <QCoreApplication>
 #include <QLocale>
 
+#include <array>
 #include <cerrno>
+#include <climits>
 #include <cstdlib>
 #include <sys/statvfs.h>
 #include <unistd.h>
@@ -49,6 +51,26 @@ int rename(const std::string& from, const std::string& to, bool isReplacing)
     if (!isReplacing)
         return renameNoReplace(from, to);
     return ::rename(from.c_str(), to.c_str()) == 0 ? 0 : errno;
+}
+
+// A link that says its way from where it stands would lead nowhere from another directory: it moves as one
+// that says it from the root.
+int moveItem(const std::string& from, const std::string& to, bool isReplacing)
+{
+    std::array<char, PATH_MAX> target{};
+    const ssize_t length = ::readlink(from.c_str(), target.data(), target.size() - 1);
+    if (length <= 0 || target[0] == '/' || parentOf(from) == parentOf(to))
+        return rename(from, to, isReplacing);
+    const auto before = itemStat(parentOf(from));
+    const auto after = itemStat(parentOf(to));
+    if (before && after && before->st_dev != after->st_dev)
+        return EXDEV;
+    const std::string hidden = hiddenPathBeside(to);
+    if (::symlink(joined(parentOf(from), target.data()).c_str(), hidden.c_str()) != 0)
+        return errno == EPERM ? EXDEV : errno; // a disk without links
+    const int error = rename(hidden, to, isReplacing);
+    ::unlink(error ? hidden.c_str() : from.c_str());
+    return error;
 }
 
 } // namespace
@@ -112,7 +134,7 @@ JobResult::Outcome TransferWork::transfer(const std::string& from, const std::st
             return merge(from, place.path);
         if (!m_isMove)
             return copy(from, place);
-        const int error = rename(from, place.path, place.isReplacing);
+        const int error = moveItem(from, place.path, place.isReplacing);
         if (error == EXDEV)
             return copy(from, place);
         if (error == 0)

@@ -88,6 +88,12 @@ private Q_SLOTS:
         QCOMPARE(outcomeOf(*move), RunnableOperation::Passed);
         QCOMPARE(disk.names(), QStringList(QStringLiteral("show")));
         QCOMPARE(disk.read(QStringLiteral("show/copy/deep/b.mov")), QByteArray("b"));
+        QVERIFY(QFile::link(QStringLiteral("show/a.mov"), disk.path(QStringLiteral("link.mov"))));
+        QCOMPARE(outcomeOf(*disk.transfer(TransferOperation::Move, QStringLiteral("link.mov"),
+                                          QStringLiteral("show/copy"))),
+                 RunnableOperation::Passed);
+        QCOMPARE(disk.read(QStringLiteral("show/copy/link.mov")), QByteArray("a"));
+        QCOMPARE(disk.names(), QStringList(QStringLiteral("show")));
     }
 
     void refusesWhatNeverEnds()
