@@ -219,9 +219,8 @@ void QFtpPrivate::_q_piError(int code, const QString& text)
     errorString = described(text);
     pi.clearPendingCommands();
     // What waited for this one goes with it; that the connection is to end still holds.
-    std::erase_if(pending, [command](const auto& one) {
-        return one.get() != command && one->command != QFtp::Close;
-    });
+    std::erase_if(pending,
+                  [command](const auto& one) { return one.get() != command && one->command != QFtp::Close; });
     finish(true);
 }
 
