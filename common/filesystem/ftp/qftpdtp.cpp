@@ -244,6 +244,20 @@ void QFtpDTP::comeBack(bool isSending)
     });
 }
 
+void QFtpDTP::collect()
+{
+    if (!m_socket || m_isDropping || !m_device)
+        return;
+    m_block.resize(blockSize);
+    for (qint64 size = 0, all = 0; all < turnSize; all += size) {
+        size = m_socket->read(m_block.data(), m_block.size());
+        if (size <= 0 || m_device->write(m_block.constData(), size) != size)
+            break;
+        m_bytesDone += size;
+    }
+    tellProgress(true);
+}
+
 /// False when the transfer cannot go on.
 bool QFtpDTP::consume(const char* data, qint64 size)
 {
@@ -368,7 +382,7 @@ void QFtpDTP::socketConnectionClosed()
         return;
     if (!m_line.isEmpty() && !m_isDropping && m_line.size() <= maxListLine)
         readListLine(m_line); // the last one without an end
-    const bool isCutShort = m_callWriteData || (m_isSending && m_device && m_bytesDone < m_sent);
+    const bool isCutShort = m_isSending && (m_callWriteData || (m_device && m_bytesDone < m_sent));
     if (!m_isDropping && isCutShort && m_errorText.isEmpty())
         m_errorText = tr("The server ended the transfer before all was sent");
     abortConnection();

@@ -52,6 +52,8 @@ public:
     QAbstractSocket::SocketState state() const;
     /// Drops the connection and what the transfer worked with, and tells nobody.
     void abortConnection();
+    /// Takes what came already of a download that failed: another one may go on there.
+    void collect();
     /// The transfer is given up: what still comes is dropped.
     void dropData();
 

@@ -18,6 +18,8 @@ namespace {
 constexpr auto defaultPatience = 20s;
 constexpr auto abortPatience = 5s;   // until both sides must be in step again
 constexpr auto drainTime = 300ms;    // some servers hear ABOR only when nobody takes their data any more
+constexpr auto quietTime = 250ms;    // for the first answer to ABOR
+constexpr auto probeTime = 700ms;    // for that to NOOP
 constexpr auto closingPatience = 2s; // after the answer to QUIT
 
 bool isTransfer(const QString& line)
@@ -78,11 +80,8 @@ QFtpPI::QFtpPI(QObject* parent)
     });
     m_watch.setSingleShot(true);
     connect(&m_watch, &QTimer::timeout, this, &QFtpPI::losePatience);
-    m_drain.setSingleShot(true);
-    connect(&m_drain, &QTimer::timeout, this, [this] {
-        m_dtp.abortConnection();
-        dataConnectionGone();
-    });
+    m_abortStep.setSingleShot(true);
+    connect(&m_abortStep, &QTimer::timeout, this, &QFtpPI::stepAbort);
 }
 
 QFtpPI::~QFtpPI()
@@ -177,7 +176,7 @@ void QFtpPI::drop(QFtp::Error error, const QString& text)
     if (!std::exchange(m_isOpen, false))
         return;
     m_watch.stop();
-    m_drain.stop();
+    m_abortStep.stop();
     m_commandSocket.abort();
     const QString why = m_abortState == AbortState::None ? text : m_abortReason;
     const bool isOwed = m_isBusy;
@@ -367,6 +366,8 @@ void QFtpPI::goOn()
 
 void QFtpPI::handleFailure()
 {
+    if (m_currentCmd.startsWith(QLatin1String("RETR")))
+        m_dtp.collect();
     m_dtp.clearError();
     m_state = Idle;
     const bool isPassive = m_currentCmd.startsWith(QLatin1String("EPSV"));
@@ -472,6 +473,8 @@ void QFtpPI::dtpConnectState(int state)
 
 // How servers answer ABOR differs: at once, when nobody takes their data any more, twice, or with one more
 // 150. A NOOP behind it has one answer everywhere, and what comes before that belongs to what was given up.
+// It goes out on its own, since some read away all that comes with ABOR; where it was lost, a PWD is the next
+// that cannot be mistaken.
 void QFtpPI::abort(const QString& why)
 {
     m_pendingCommands.clear();
@@ -479,6 +482,8 @@ void QFtpPI::abort(const QString& why)
         return;
     m_abortState = AbortState::AbortStarted;
     m_abortReason = why;
+    m_abortReplies = 0;
+    m_probe = Probe::None;
     m_isOwnReplyDue = m_state == Waiting && !m_hadPreliminary && !isTransfer(m_currentCmd);
     m_waitForDtpToConnect = m_waitForDtpToClose = false;
     m_rawCommand = false;
@@ -488,39 +493,66 @@ void QFtpPI::abort(const QString& why)
     m_watch.start(std::min<std::chrono::milliseconds>(abortPatience, m_patience));
     const bool isReceiving =
         m_currentCmd.startsWith(QLatin1String("RETR")) || m_currentCmd.startsWith(QLatin1String("LIST"));
-    if (isReceiving && m_dtp.state() == QTcpSocket::ConnectedState) {
-        m_drain.start(drainTime);
-        return;
+    if (isReceiving && m_dtp.state() == QTcpSocket::ConnectedState)
+        m_abortStep.start(drainTime);
+    else
+        stepAbort();
+}
+
+void QFtpPI::stepAbort()
+{
+    if (m_abortState == AbortState::AbortStarted) {
+        m_dtp.abortConnection();
+        dataConnectionGone();
+    } else if (m_abortState == AbortState::WaitForAbortToFinish) {
+        probe();
     }
-    m_dtp.abortConnection();
-    dataConnectionGone();
 }
 
 void QFtpPI::dataConnectionGone()
 {
     if (m_abortState != AbortState::AbortStarted)
         return;
-    m_drain.stop();
     m_abortState = AbortState::WaitForAbortToFinish;
-    m_commandSocket.write("NOOP\r\n");
+    if (m_abortReplies > 0)
+        probe();
+    else
+        m_abortStep.start(quietTime);
     takeReplies();
     readyRead();
+}
+
+void QFtpPI::probe()
+{
+    if (m_probe == Probe::None) {
+        m_probe = Probe::Noop;
+        m_commandSocket.write("NOOP\r\n");
+        m_abortStep.start(probeTime);
+    } else if (m_probe == Probe::Noop) {
+        m_probe = Probe::Pwd;
+        m_commandSocket.write("PWD\r\n");
+    }
 }
 
 bool QFtpPI::processAbortReply(int code)
 {
     if (code / 100 == 1)
         return true;
-    if (std::exchange(m_isOwnReplyDue, false))
-        return true;
-    if (m_abortState == AbortState::WaitForAbortToFinish && code == 200)
+    const bool isOwn = std::exchange(m_isOwnReplyDue, false);
+    if (!isOwn && ((m_probe == Probe::Noop && code == 200) || (m_probe == Probe::Pwd && code == 257))) {
         finishAbort();
+        return true;
+    }
+    ++m_abortReplies;
+    if (m_abortState == AbortState::WaitForAbortToFinish && m_probe == Probe::None)
+        probe();
     return true;
 }
 
 void QFtpPI::finishAbort()
 {
     m_abortState = AbortState::None;
+    m_abortStep.stop();
     m_currentCmd.clear();
     m_state = Idle;
     watch();

@@ -75,6 +75,8 @@ private:
     bool preparePort(QString& line);
     void dtpConnectState(int state);
     void dataConnectionGone();
+    void stepAbort();
+    void probe();
     void finishAbort();
     void tellFinished(const QString& text);
     void tellError(QFtp::Error code, const QString& text);
@@ -90,6 +92,8 @@ private:
     AbortState m_abortState = AbortState::None;
     QString m_abortReason;
     bool m_isOwnReplyDue = false; // of the command that was given up
+    int m_abortReplies = 0;
+    enum class Probe { None, Noop, Pwd } m_probe = Probe::None; // what went out to get in step again
     QStringList m_pendingCommands;
     QString m_currentCmd;
     bool m_rawCommand = false;
@@ -102,7 +106,7 @@ private:
     bool m_hadPreliminary = false; // a 1yz to the current line
     std::chrono::milliseconds m_patience;
     QTimer m_watch;
-    QTimer m_drain; // how long data of a transfer that was given up are waited out
+    QTimer m_abortStep; // what is done next if nothing is heard
 };
 
 } // namespace vantrel

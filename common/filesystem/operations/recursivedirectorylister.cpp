@@ -192,12 +192,14 @@ void RecursiveDirectoryLister::handleInvalidDirectoryRequest(const QString& path
 
 bool RecursiveDirectoryLister::getListing(const QString& path, DirectoryItem& item) const
 {
-    item = {QStringLiteral("."), 0, DirectoryItem::Directory, {}};
-    const bool isParsed = parseDirectory(path, m_depths.value(keyOf(path)), item);
-    if (isParsed)
+    DirectoryItem root{QStringLiteral("."), 0, DirectoryItem::Directory, {}};
+    const bool isParsed = parseDirectory(path, m_depths.value(keyOf(path)), root);
+    if (isParsed) {
         qCDebug(lcFileSystem) << "Succesfully parsed file listing for" << path;
-    else
+        item = std::move(root);
+    } else {
         qCDebug(lcFileSystem) << "Failed to parse directory content for path" << path;
+    }
     return isParsed;
 }
 

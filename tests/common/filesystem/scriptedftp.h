@@ -95,11 +95,11 @@ private:
     QByteArray usual(const QByteArray& verb)
     {
         static const QHash<QByteArray, QByteArray> usual{
-            {"USER", "331 word?\r\n"},  {"PASS", "230 in\r\n"},    {"TYPE", "200 ok\r\n"},
-            {"RETR", "150 comes\r\n"},  {"LIST", "150 comes\r\n"}, {"STOR", "150 give\r\n"},
-            {"ABOR", "226 over\r\n"},   {"NOOP", "200 ok\r\n"},    {"QUIT", "221 bye\r\n"},
-            {"RNFR", "350 to\r\n"},     {"REST", "350 from\r\n"},  {"MKD", "257 made\r\n"},
-            {"ALLO", "202 no need\r\n"}};
+            {"USER", "331 word?\r\n"}, {"PASS", "230 in\r\n"},     {"TYPE", "200 ok\r\n"},
+            {"RETR", "150 comes\r\n"}, {"LIST", "150 comes\r\n"},  {"STOR", "150 give\r\n"},
+            {"ABOR", "226 over\r\n"},  {"NOOP", "200 ok\r\n"},     {"QUIT", "221 bye\r\n"},
+            {"RNFR", "350 to\r\n"},    {"REST", "350 from\r\n"},   {"MKD", "257 made\r\n"},
+            {"PWD", "257 \"/\"\r\n"},  {"ALLO", "202 no need\r\n"}};
         if (verb == "SIZE")
             return "213 " + QByteArray::number(content.size()) + "\r\n";
         if (verb == "PASV") {

