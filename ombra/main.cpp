@@ -19,7 +19,7 @@ using namespace vantrel::ombra;
 
 constexpr const char* usage =
     "usage: ombra --media DIR --state DIR [--bind ADDR] [--http-port N] [--link-port N] [--preview-port N]\n"
-    "             [--host-name NAME]... [--no-discovery] [--log FILE]\n"
+    "             [--ftp-port N] [--host-name NAME]... [--no-discovery] [--log FILE]\n"
     "\n"
     "  --media DIR        the folder of the media files\n"
     "  --state DIR        where the show is kept; made where needed\n"
@@ -27,6 +27,7 @@ constexpr const char* usage =
     "  --http-port N      of the library and the media data (80); 0 takes a free port, as for the others\n"
     "  --link-port N      of the scene (11060)\n"
     "  --preview-port N   of the preview pictures (11061)\n"
+    "  --ftp-port N       of the media folder over FTP (21)\n"
     "  --host-name NAME   a name that clients may call it by, beside the machine's own; several are "
     "possible\n"
     "  --no-discovery     do not answer searches of the network\n"
@@ -62,6 +63,8 @@ bool parseOption(std::string_view name, const char* value, Arguments& arguments)
         return parsePort(value, options.linkPort);
     else if (name == "--preview-port")
         return parsePort(value, options.previewPort);
+    else if (name == "--ftp-port")
+        return parsePort(value, options.ftpPort);
     else if (name == "--bind") {
         boost::system::error_code code;
         options.bind = boost::asio::ip::make_address(value, code);
@@ -124,8 +127,8 @@ int serve(const ServerOptions& options)
         std::fprintf(stderr, "ombra: %s\n", error.c_str());
         return 1;
     }
-    std::printf("ombra ready http=%u link=%u preview=%u\n", server.httpPort(), server.linkPort(),
-                server.previewPort());
+    std::printf("ombra ready http=%u link=%u preview=%u ftp=%u\n", server.httpPort(), server.linkPort(),
+                server.previewPort(), server.ftpPort());
     std::fflush(stdout);
     while (!io.stopped()) {
         try {

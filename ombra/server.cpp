@@ -2,6 +2,7 @@
 
 #include "ombra/base/version.h"
 #include "ombra/engine/engine.h"
+#include "ombra/ftp/ftpservice.h"
 #include "ombra/link/linkserver.h"
 #include "ombra/outputs/outputs.h"
 #include "ombra/preview/previewserver.h"
@@ -138,7 +139,7 @@ bool Server::openPorts(std::string* error)
 {
     if (!m_http->listen(m_options.bind, m_options.httpPort, error) ||
         !m_link->listen(m_options.bind, m_options.linkPort, error) ||
-        !m_preview->listen(m_options.bind, m_options.previewPort, error))
+        !m_preview->listen(m_options.bind, m_options.previewPort, error) || !openFiles(error))
         return false;
     if (m_options.discovery) {
         m_responder = std::make_unique<NetworkResponder>(
@@ -146,6 +147,17 @@ bool Server::openPorts(std::string* error)
         m_responder->start(m_options.bind);
     }
     return true;
+}
+
+bool Server::openFiles(std::string* error)
+{
+    FtpCredentials credentials;
+    if (!credentials.read(m_options.state / "credentials.json", error))
+        return false;
+    m_files = std::make_unique<FtpService>(
+        m_io, m_options.media, std::move(credentials),
+        [this](const std::string& sentence) { m_notices->set("files", sentence); });
+    return m_files->listen(m_options.bind, m_options.ftpPort, error);
 }
 
 void Server::startEngine()
@@ -242,6 +254,11 @@ unsigned short Server::linkPort() const
 unsigned short Server::previewPort() const
 {
     return m_preview->port();
+}
+
+unsigned short Server::ftpPort() const
+{
+    return m_files->port();
 }
 
 } // namespace vantrel::ombra

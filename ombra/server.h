@@ -18,6 +18,7 @@ class NetworkResponder;
 namespace vantrel::ombra {
 
 class Engine;
+class FtpService;
 class HttpServer;
 class LinkServer;
 class MediaData;
@@ -39,6 +40,7 @@ struct ServerOptions
     unsigned short httpPort = 80;
     unsigned short linkPort = 11060;
     unsigned short previewPort = 11061;
+    unsigned short ftpPort = 21;
     bool discovery = true;              // answer searches of the network
     std::vector<std::string> hostNames; // that clients may call it by, beside the machine's own
 };
@@ -58,10 +60,12 @@ public:
     unsigned short httpPort() const;
     unsigned short linkPort() const;
     unsigned short previewPort() const;
+    unsigned short ftpPort() const;
 
 private:
     bool openShow(std::string* error);
     bool openPorts(std::string* error);
+    bool openFiles(std::string* error);
     void startEngine();
     void restartPlayers();
     void watchMedia();
@@ -78,6 +82,7 @@ private:
     std::unique_ptr<SceneSettings> m_settings;
     std::unique_ptr<ShowFiles> m_showFiles;
     std::unique_ptr<PreviewServer> m_preview;
+    std::unique_ptr<FtpService> m_files;
     std::unique_ptr<Engine> m_engine;
     std::unique_ptr<MediaData> m_mediaData;
     std::unique_ptr<RestApi> m_rest;

@@ -55,6 +55,19 @@ build() {
   ninja -C "$build_dir" "$@" >"$log" 2>&1 || { grep -E 'error|FAILED' -A 5 "$log" | head -n 40 >&2; fail "the build failed; see $log"; }
 }
 
+# A file server for the tests, unpacked into the build folder: its packages would start it on port 21.
+unpack_file_server() {
+  local folder=$build_dir/ftpd package
+  [ -e "$folder/usr/sbin/pure-ftpd" ] && return 0
+  say "unpacking pure-ftpd"
+  mkdir -p "$folder/packages"
+  (cd "$folder/packages" && apt-get download -q pure-ftpd pure-ftpd-common) >"$folder/log" 2>&1 || {
+    say "pure-ftpd could not be had: its tests are skipped"
+    return 0
+  }
+  for package in "$folder"/packages/*.deb; do dpkg -x "$package" "$folder"; done
+}
+
 # Sets DISPLAY, to an Xvfb of our own where there is no display; that Xvfb's process id is then in xvfb_pid.
 need_display() {
   [ -n "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ] && return 0
@@ -77,7 +90,7 @@ start_ombra() {
   say "starting ombra"
   mkdir -p "$2"
   touch "$3"
-  "$bin_dir/ombra" --media "$1" --state "$2" --http-port 0 --link-port 0 --preview-port 0 --log "$4" >"$3" 2>"$3.err" &
+  "$bin_dir/ombra" --media "$1" --state "$2" --http-port 0 --link-port 0 --preview-port 0 --ftp-port 0 --log "$4" >"$3" 2>"$3.err" &
   ombra_pid=$!
   for _ in $(seq 200); do
     grep -q '^ombra ready' "$3" && break
@@ -87,7 +100,7 @@ start_ombra() {
   local ready name
   ready=$(grep -m1 '^ombra ready' "$3") || fail "ombra did not get ready within 20 seconds; its log is $4"
   server_args=(--connect 127.0.0.1)
-  for name in http link preview; do
+  for name in http link preview ftp; do
     server_args+=("--$name-port" "$(printf '%s' "$ready" | sed -E "s/.*$name=([0-9]+).*/\1/")")
   done
 }

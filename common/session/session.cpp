@@ -2,6 +2,8 @@
 
 #include "common/command/abstractsessioncommand.h"
 #include "common/command/commandgate.h"
+#include "common/filesystem/schedule/defaultfilesystemprovider.h"
+#include "common/filesystem/schedule/filesystemoperationsprovider.h"
 #include "common/media/edit/trimcommands.h"
 #include "common/media/library/medialibraryapi.h"
 #include "common/media/library/medialibraryprovider.h"
@@ -30,6 +32,7 @@
 #include "common/session/mirror/objecttreemodel.h"
 #include "common/session/mirror/sceneobjectprovider.h"
 #include "common/session/mirror/serverconfigurationmodel.h"
+#include "common/session/sessionfiles.h"
 #include "common/session/settings/configuration.h"
 #include "common/session/settings/sessionlogging.h"
 #include "tarn/media/medialibrary.h"
@@ -177,6 +180,10 @@ void Session::doInit()
     initMediaLibraryHelpers();
     initPlaylistModels();
     wireProviders();
+    m_files = std::make_unique<SessionFiles>();
+    connect(m_files.get(), &SessionFiles::serverFilesModelChanged, this, &Session::serverFilesModelChanged);
+    connect(m_files.get(), &SessionFiles::serverFilesPathModelChanged, this,
+            &Session::serverFilesPathModelChanged);
 }
 
 void Session::initConnection()
@@ -251,6 +258,7 @@ void Session::onConnect()
     followLibrary(host);
     aimMediaLibraryHelpers(host);
     Q_EMIT connected(host);
+    connectFiles(host);
     m_metadataClient.reset();
     m_metadataClient = std::make_unique<MetadataClient>(host, m_ports.http);
 }
@@ -367,8 +375,57 @@ void Session::setPlaylistSelection(PlaylistSelectionModel* selection)
     m_programPlaylistEditorModel->setSelection(selection);
 }
 
+void Session::connectFiles(const QString& host)
+{
+    m_files->disconnectServer(); // of a link of which no end was heard
+    m_files->connectTo(host, m_ports.ftp, m_configuration->value(SERVER_CREDENTIALS_USERNAME).toString(),
+                       m_configuration->value(SERVER_CREDENTIALS_PASSWORD).toString());
+}
+
+FilesModel* Session::localFilesModel() const
+{
+    return m_files->localFilesModel();
+}
+
+PathModel* Session::localFilesPathModel() const
+{
+    return m_files->localFilesPathModel();
+}
+
+FilesModel* Session::serverFilesModel() const
+{
+    return m_files->serverFilesModel();
+}
+
+PathModel* Session::serverFilesPathModel() const
+{
+    return m_files->serverFilesPathModel();
+}
+
+OperationsModel* Session::operationsModel() const
+{
+    return m_files->operationsModel();
+}
+
+FileSystemOperations* Session::fileSystemOperations() const
+{
+    return FileSystemOperationsProvider::getFileSystemOperations();
+}
+
+FileSystemProvider* Session::fileSystemProvider() const
+{
+    return DefaultFileSystemProvider::instance();
+}
+
+FileSystemOperationsProvider* Session::fileSystemOperationsProvider() const
+{
+    static FileSystemOperationsProvider theProvider;
+    return &theProvider;
+}
+
 void Session::onDisconnect()
 {
+    m_files->disconnectServer();
     m_mediaLibraryApi.reset();
     m_metadataClient.reset();
     m_qnam->clearAccessCache();

@@ -22,6 +22,10 @@ class Configuration;
 class ConnectionHandler;
 class ConnectionProvider;
 class DefaultResourceStatusProvider;
+class FileSystemOperations;
+class FileSystemOperationsProvider;
+class FileSystemProvider;
+class FilesModel;
 class Hotkeys;
 class LinkHealth;
 class MediaDataAggregator;
@@ -34,7 +38,9 @@ class MetadataClient;
 class MetadataProvider;
 class NetworkAccessManager;
 class ObjectTreeModel;
+class OperationsModel;
 class Patch;
+class PathModel;
 class PlaybackModel;
 class PlaylistEditorModel;
 class PlaylistLibraryModel;
@@ -44,6 +50,7 @@ class PreviewThread;
 class Scene;
 class SceneObjectProvider;
 class ServerConfigurationModel;
+class SessionFiles;
 class SignalRelay;
 class SystemProxy;
 class ThumbnailProvider;
@@ -56,6 +63,17 @@ struct SceneChange;
 class Session : public QObject
 {
     Q_OBJECT
+    Q_MOC_INCLUDE("common/filesystem/models/filesmodel.h")
+    Q_MOC_INCLUDE("common/filesystem/models/operationsmodel.h")
+    Q_MOC_INCLUDE("common/filesystem/models/pathmodel.h")
+    Q_MOC_INCLUDE("common/filesystem/schedule/filesystemoperations.h")
+    Q_PROPERTY(vantrel::OperationsModel* operationsModel READ operationsModel CONSTANT)
+    Q_PROPERTY(vantrel::FilesModel* localFilesModel READ localFilesModel CONSTANT)
+    Q_PROPERTY(vantrel::FilesModel* serverFilesModel READ serverFilesModel NOTIFY serverFilesModelChanged)
+    Q_PROPERTY(vantrel::FileSystemOperations* fileSystemOperations READ fileSystemOperations CONSTANT)
+    Q_PROPERTY(vantrel::PathModel* localFilesPathModel READ localFilesPathModel CONSTANT)
+    Q_PROPERTY(
+        vantrel::PathModel* serverFilesPathModel READ serverFilesPathModel NOTIFY serverFilesPathModelChanged)
 
 public:
     Session();
@@ -123,6 +141,18 @@ public:
     /// Made anew on each connection, and null before the first.
     MetadataClient* metadataClient() const { return m_metadataClient.get(); }
 
+    // Of files; those of this computer and of the work in hand are made when they are first asked for.
+    FilesModel* localFilesModel() const;
+    PathModel* localFilesPathModel() const;
+    /// Null without a link.
+    FilesModel* serverFilesModel() const;
+    /// Without a link one of no file system.
+    PathModel* serverFilesPathModel() const;
+    OperationsModel* operationsModel() const;
+    FileSystemOperations* fileSystemOperations() const;
+    FileSystemProvider* fileSystemProvider() const;
+    FileSystemOperationsProvider* fileSystemOperationsProvider() const;
+
 Q_SIGNALS:
     void connected(QString host);
     void disconnected();
@@ -130,6 +160,8 @@ Q_SIGNALS:
     void sceneLoaded();
     /// MediaLibraryApi::reading() of the present connection.
     void libraryReadingChanged();
+    void serverFilesModelChanged();
+    void serverFilesPathModelChanged();
 
 private:
     void onConnect();
@@ -144,6 +176,7 @@ private:
     void initMediaLibraryHelpers();
     void aimMediaLibraryHelpers(const QString& host);
     void initPlaylistModels();
+    void connectFiles(const QString& host);
     static void onSceneChange(Scene* scene, int count, const SceneChange* changes, void* user);
 
     /// How the scene comes to be what the server's is.
@@ -195,6 +228,7 @@ private:
     std::unique_ptr<WebProbe> m_webProbe;
     std::unique_ptr<SystemProxy> m_systemProxy;
     std::unique_ptr<ConnectionProvider> m_connectionProvider;
+    std::unique_ptr<SessionFiles> m_files;
     Hotkeys* m_hotkeys = nullptr; // the main window's
     CommandGate* m_gate;          // the undo stack's
 

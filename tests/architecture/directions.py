@@ -28,6 +28,8 @@ REACHES = {
     "common/command/invokemethodcommand.cpp": "sends on the link of the moment",
     "common/command/libraryeditcommand.cpp": "finds the one library by itself",
     "common/command/playback/playmediacommand.cpp": "finds the channel in the one tree of objects",
+    "common/filesystem/schedule/defaultfilesystemprovider.cpp": "a server's file system follows the one connection",
+    "common/filesystem/server/serverfilesystemprivate.cpp": "asks the one aggregator about its files",
     "common/media/edit/implmediacollectionmanager.cpp": "executes on the one undo stack",
     "common/media/edit/mediasloteditfunctional.cpp": "executes on the one undo stack",
     "common/media/models/playbackmodel.cpp": "executes the entry's edit on the one undo stack",

@@ -142,6 +142,7 @@ void runEditWindow()
     ServerPorts ports;
     ports.http = words.value(0).toUShort();
     ports.link = words.value(1).toUShort();
+    ports.ftp = 0;
     ports.preview = words.value(2).toUShort();
     Session::initialize(ports);
     const std::unique_ptr<Session> session(Session::instance());

@@ -28,7 +28,7 @@ public:
         ServerOptions options;
         options.media = mediaFolder().toStdString();
         options.state = stateFolder().toStdString();
-        options.httpPort = options.linkPort = options.previewPort = 0;
+        options.httpPort = options.linkPort = options.previewPort = options.ftpPort = 0;
         options.discovery = false;
         options.hostNames = {"Stage-1.example.org"};
         m_server = std::make_unique<Server>(m_io, options);

@@ -51,7 +51,8 @@ bool OmbraProcess::start(int timeout)
                       QStringLiteral("--bind"), host(), QStringLiteral("--no-discovery"),
                       QStringLiteral("--http-port"), QString::number(m_ports.http),
                       QStringLiteral("--link-port"), QString::number(m_ports.link),
-                      QStringLiteral("--preview-port"), QString::number(m_ports.preview)});
+                      QStringLiteral("--preview-port"), QString::number(m_ports.preview),
+                      QStringLiteral("--ftp-port"), QString::number(m_ports.ftp)});
     QElapsedTimer clock;
     clock.start();
     while (clock.elapsed() < timeout) {

@@ -34,6 +34,7 @@ public:
     /// Asks it to end; kills it after the time-out (milliseconds).
     void stop(int timeout = 5000);
     bool isRunning() const;
+    qint64 processId() const { return m_process ? m_process->processId() : 0; }
     /// It hangs: its sockets stand, and it says and does nothing, until it goes on.
     void hang();
     void goOn();
@@ -42,7 +43,7 @@ public:
     void setMediaFolder(const QString& folder) { m_mediaFolder = folder; }
     QString mediaFolder() const { return m_mediaFolder; }
     QString stateFolder() const;
-    /// Of the interfaces that it told; ftp is 0 when it serves none.
+    /// Of the interfaces that it told.
     ServerPorts ports() const { return m_ports; }
     QString host() const { return QStringLiteral("127.0.0.1"); }
     /// What it wrote so far, for the message of a failed test.

@@ -1,6 +1,18 @@
 #include "common/filesystem/operations/directorytransferoperation.h"
 
+#include "common/filesystem/model/filesystemlogging.h"
 #include "common/filesystem/model/operationvisitor.h"
+#include "common/filesystem/model/pathhelpers.h"
+#include "common/filesystem/operations/abstractoperationfactory.h"
+#include "common/filesystem/operations/directorypaths.h"
+#include "common/filesystem/operations/filetransferoperation.h"
+#include "common/filesystem/operations/modifyoperation.h"
+
+#include <QLocale>
+#include <QTimer>
+
+#include <cmath>
+#include <utility>
 
 namespace vantrel {
 
@@ -9,13 +21,287 @@ DirectoryTransferOperation::DirectoryTransferOperation(AbstractOperationFactory*
                                                        TransferType type, QObject* parent)
     : TransferOperation(std::move(from), std::move(to), type, parent)
     , m_factory(factory)
+    , m_lister(new RecursiveDirectoryLister(this->from().fileSystem, this->from().fullPath, 0, nullptr))
+    , m_runner(std::make_unique<RecursiveOperationRunner>(this))
+    , m_name(getNameInPath(this->from().fullPath))
 {
+    connect(m_lister.data(), &RecursiveDirectoryLister::hasFinishedChanged, this,
+            &DirectoryTransferOperation::handleDirectoryListingHasFinishedChanged);
+    connect(m_runner.get(), &RecursiveOperationRunner::stateChanged, this,
+            &DirectoryTransferOperation::handleOperationRunnerStateChanged);
+    connect(m_runner.get(), &RecursiveOperationRunner::progressChanged, this,
+            &DirectoryTransferOperation::updateProgress);
+    connect(this, &TransferOperation::conflictAnswered, this, [this](ConflictPolicy answer) {
+        if (std::exchange(m_isNameAsked, false)) // an answer that asks again is none
+            meetExisting(answer == ConflictPolicy::Ask ? ConflictPolicy::Refuse : answer);
+    });
+}
+
+DirectoryTransferOperation::~DirectoryTransferOperation() = default;
+
+void DirectoryTransferOperation::print(QDebug& debug) const
+{
+    debug << metaObject()->className() << ", type:" << transferType() << ", from:";
+    printTarget(debug, from());
+    debug << ", to:";
+    printTarget(debug, to());
+    debug << ", state:" << state() << ", errors:" << errors().size();
+}
+
+QList<OperationError> DirectoryTransferOperation::errors() const
+{
+    return TransferOperation::errors() + m_runner->errors();
 }
 
 bool DirectoryTransferOperation::accept(OperationVisitor* visitor)
 {
     const auto self = sharedFromThis().staticCast<DirectoryTransferOperation>();
     return self && visitor->visit(self);
+}
+
+bool DirectoryTransferOperation::setRunning(bool running)
+{
+    if (!TransferOperation::setRunning(running))
+        return false;
+    qCDebug(lcFileSystem) << "Requesting sub-operations to" << (running ? "start" : "stop") << *this;
+    if (running) {
+        m_bytes.clear();
+        m_bytesSum = 0;
+        updateProgress();
+        // Within one file system that does the whole. Whoever hears of the start is to be done first.
+        if (from().fileSystem != to().fileSystem)
+            QTimer::singleShot(0, this, &DirectoryTransferOperation::lookAtDestination);
+    } else if (m_runner->isRunning()) {
+        m_runner->stop();
+    }
+    return true;
+}
+
+/// What is there already decides where the parts go: its directory is read first.
+void DirectoryTransferOperation::lookAtDestination()
+{
+    if (!isRunning())
+        return;
+    m_destinationLister =
+        std::make_unique<RecursiveDirectoryLister>(to().fileSystem, to().fullPath, 1, nullptr);
+    connect(m_destinationLister.get(), &RecursiveDirectoryLister::hasFinishedChanged, this,
+            &DirectoryTransferOperation::onDestinationRead);
+    m_destinationLister->start();
+}
+
+void DirectoryTransferOperation::onDestinationRead()
+{
+    if (!isRunning() || !m_destinationLister || !m_destinationLister->hasFinished())
+        return;
+    const bool isValid = m_destinationLister->isValid();
+    m_destinationLister.release()->deleteLater(); // it is its signal
+    const QString path = createJoinedPath(to().fullPath, m_name, false);
+    if (!isValid)
+        fail(tr("The directory <code>%1</code> could not be read").arg(to().fullPath.toHtmlEscaped()));
+    else if (to().fileSystem->getType(path) == FileSystem::Unknown)
+        startRunner();
+    else // what a first attempt has left is the retry's own
+        meetExisting(isRetry() ? ConflictPolicy::Replace : conflictPolicy());
+}
+
+/// Something has the directory's name at its destination.
+void DirectoryTransferOperation::meetExisting(ConflictPolicy policy)
+{
+    if (!isRunning())
+        return;
+    const QString path = createJoinedPath(to().fullPath, m_name, false);
+    const bool isDirectory = to().fileSystem->getType(path) == FileSystem::Directory;
+    switch (policy) {
+    case ConflictPolicy::Ask:
+        if (!std::exchange(m_isNameAsked, true))
+            askConflict({path, isDirectory});
+        return;
+    case ConflictPolicy::Replace:
+        if (!isDirectory)
+            return fail(
+                tr("A file is in the way of the directory <code>%1</code>").arg(path.toHtmlEscaped()));
+        return startRunner();
+    case ConflictPolicy::KeepBoth:
+        takeFreeName();
+        return startRunner();
+    case ConflictPolicy::Skip:
+        return finish();
+    case ConflictPolicy::Refuse:
+        return fail(tr("<code>%1</code> exists already").arg(path.toHtmlEscaped()));
+    }
+}
+
+void DirectoryTransferOperation::takeFreeName()
+{
+    const auto isTaken = [this](const QString& name) {
+        const QString path = createJoinedPath(to().fullPath, name, false);
+        return to().fileSystem->getType(path) != FileSystem::Unknown;
+    };
+    const QString name = m_name;
+    for (int number = 2; isTaken(m_name); ++number)
+        m_name = QStringLiteral("%1 (%2)").arg(name).arg(number);
+}
+
+void DirectoryTransferOperation::startRunner()
+{
+    if (isRunning())
+        m_runner->start();
+}
+
+void DirectoryTransferOperation::fail(const QString& message)
+{
+    addErrorText(message);
+    abort();
+}
+
+void DirectoryTransferOperation::abort()
+{
+    if (!canAbort() || state() == Stopping)
+        return;
+    const QString size =
+        QLocale().formattedDataSize(static_cast<qint64>(totalSizeBytes()), 1, QLocale::DataSizeIecFormat);
+    addErrorText(tr("<b>Directory transfer interrupted</b> at %1% of %2")
+                     .arg(std::lround(progress() * 100))
+                     .arg(size));
+    qCInfo(lcFileSystem) << "Operation" << *this << "abort requested...";
+    Q_EMIT operationAborted();
+    const bool isWorking = m_runner->isRunning();
+    setRunning(false);
+    // Otherwise the runner says when its part has stopped.
+    if (!isWorking && m_runner->state() == RecursiveOperationRunner::Idle)
+        setState(Failed);
+}
+
+void DirectoryTransferOperation::handleOperationRunnerStateChanged()
+{
+    qCDebug(lcFileSystem) << "Operation runner state changed to" << m_runner->state() << "in operation"
+                          << *this;
+    if (m_runner->state() == RecursiveOperationRunner::Failed) {
+        qCInfo(lcFileSystem) << "Runner failed. About to abort operation" << *this;
+        Q_EMIT errorsChanged();
+        abort();
+        qCInfo(lcFileSystem) << "Operation" << *this << "was aborted";
+        setState(Failed);
+    } else if (m_runner->state() == RecursiveOperationRunner::Finished) {
+        qCInfo(lcFileSystem) << "Runner succeeded. About to finish operation" << *this;
+        finish();
+    }
+}
+
+void DirectoryTransferOperation::handleDirectoryListingHasFinishedChanged()
+{
+    qCDebug(lcFileSystem) << "Directory listing for" << m_lister->directoryPath()
+                          << "has finished:" << m_lister->hasFinished();
+    if (m_lister->hasFinished())
+        Q_EMIT directoryListingFinished();
+}
+
+void DirectoryTransferOperation::updateProgress()
+{
+    setProgress(m_runner->progress());
+}
+
+QSharedPointer<RecursiveDirectoryLister> DirectoryTransferOperation::directoryLister() const
+{
+    return m_lister;
+}
+
+QList<FileSystemPath> DirectoryTransferOperation::getPathList(RecursiveDirectoryLister::DirectoryItem& item)
+{
+    QList<FileSystemPath> paths;
+    parseDirectoryPaths(paths, getParentPath(from().fullPath), m_name, item);
+    if (transferType() == Move)
+        appendEmptied(paths);
+    setTotalSizeBytes(static_cast<unsigned long long>(item.sizeBytes));
+    checkRoom(item.sizeBytes);
+    return paths;
+}
+
+/// A retry needs less; its files look for themselves.
+void DirectoryTransferOperation::checkRoom(qint64 neededBytes)
+{
+    const qint64 free = to().fileSystem->availableBytes(to().fullPath);
+    if (isRetry() || free < 0 || neededBytes <= free)
+        return;
+    const QLocale locale;
+    fail(tr("There is not enough room: %1 are needed and %2 are free")
+             .arg(locale.formattedDataSize(neededBytes, 1), locale.formattedDataSize(free, 1)));
+}
+
+QString DirectoryTransferOperation::destinationOf(const QString& sourcePath) const
+{
+    const QString source = normalizePath(from().fullPath);
+    const qsizetype length = source.endsWith(u'/') ? source.size() : source.size() + 1;
+    const QString below = normalizePath(sourcePath).mid(length);
+    const QString root = createJoinedPath(to().fullPath, m_name, false);
+    return below.isEmpty() ? root : createJoinedPath(root, below, false);
+}
+
+OperationPtr DirectoryTransferOperation::createSubOperation(FileSystemPath const& path)
+{
+    const FileSystemTarget target{to().fileSystem, destinationOf(path.path)};
+    qCDebug(lcFileSystem) << "Creating a new transfer operation for"
+                          << (path.type == FileSystemPath::File ? "file" : "directory") << path.path
+                          << ", relative:" << target.fullPath.mid(to().fullPath.size());
+    if (path.isEmptied) {
+        const FileSystemTarget emptied{from().fileSystem, path.path};
+        const auto removal = QSharedPointer<ModifyOperation>::create(emptied, ModifyOperation::Remove,
+                                                                     ModifyOperation::Directory);
+        removal->setOnlyEmpty(true);
+        return removal;
+    }
+    if (path.type == FileSystemPath::File)
+        return createFileOperation(path, target);
+    const OperationPtr creation = m_factory->createDirectoryCreationOperation(target);
+    if (auto* modification = qobject_cast<ModifyOperation*>(creation.data()))
+        modification->setAcceptsExisting(true);
+    return creation;
+}
+
+OperationPtr DirectoryTransferOperation::createFileOperation(const FileSystemPath& path,
+                                                             const FileSystemTarget& to)
+{
+    if (isThereAlready(path, to))
+        return {};
+    const FileSystemTarget source{from().fileSystem, path.path};
+    OperationPtr operation;
+    if (transferType() == Copy)
+        operation = m_factory->createCopyOperation(source, to);
+    else if (transferType() == Move)
+        operation = m_factory->createMoveOperation(source, to);
+    else
+        qCWarning(lcFileSystem) << "Unknown transfer operation type!";
+    auto* transfer = qobject_cast<TransferOperation*>(operation.data());
+    if (!transfer)
+        return operation;
+    transfer->setParentOperation(sharedFromThis().staticCast<TransferOperation>());
+    m_bytes.insert(path.path, 0);
+    connect(transfer, &TransferOperation::transferredBytesChanged, this,
+            &DirectoryTransferOperation::handleTransferOperationTransferredBytesChanged);
+    return operation;
+}
+
+/// A retry leaves out what the first attempt has brought over.
+bool DirectoryTransferOperation::isThereAlready(const FileSystemPath& path, const FileSystemTarget& to) const
+{
+    return isRetry() && transferType() == Copy && to.fileSystem &&
+           to.fileSystem->fileSize(to.fullPath) == static_cast<qint64>(path.sizeBytes);
+}
+
+void DirectoryTransferOperation::handleTransferOperationTransferredBytesChanged(size_t bytes)
+{
+    const auto* transfer = qobject_cast<const TransferOperation*>(sender());
+    const auto found = transfer ? m_bytes.find(transfer->from().fullPath) : m_bytes.end();
+    if (found == m_bytes.end())
+        return;
+    m_bytesSum += bytes - *found;
+    *found = bytes;
+    updateTransferredByteCount();
+}
+
+void DirectoryTransferOperation::updateTransferredByteCount()
+{
+    setTransferredBytes(m_bytesSum);
 }
 
 } // namespace vantrel

@@ -27,6 +27,7 @@ public:
         ServerPorts ports;
         ports.http = http.port();
         ports.link = link.port();
+        ports.ftp = 0;
         ports.preview = 1;
         session = new Session;
         Session::initializeWith(session, ports);

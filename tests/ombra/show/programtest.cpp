@@ -35,7 +35,7 @@ private Q_SLOTS:
         row("no value", "--media %1 --state %1/s --link-port", 2, "cannot use \"--link-port\"");
         row("no media", "--media %1/none --state %1/s", 1, "there is no media folder");
         row("state is a file", "--media %1 --state /dev/null/s", 1, "cannot create");
-        row("port in use", "--media %1 --state %1/s --http-port 0 --link-port %2 --preview-port 0", 1,
+        row("port in use", "--media %1 --state %1/s --http-port 0 --link-port %2 --preview-port 0 --ftp-port 0", 1,
             "cannot listen on 127.0.0.1 port %2");
     }
 

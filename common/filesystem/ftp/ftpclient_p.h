@@ -1,0 +1,107 @@
+#pragma once
+
+#include "common/filesystem/ftp/clientcredentials.h"
+#include "common/filesystem/ftp/commandrequest.h"
+#include "common/filesystem/ftp/ftpclient.h"
+#include "common/filesystem/ftp/ftpworker.h"
+
+#include <QHash>
+#include <QObject>
+#include <QTimer>
+
+#include <chrono>
+#include <memory>
+
+namespace vantrel {
+
+/// What an FtpClient knows and decides; it owns this. Main thread only: the worker's signals come queued.
+class FtpClientPrivate : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit FtpClientPrivate(FtpClient* q);
+    ~FtpClientPrivate() override;
+
+    void setCredentials(const ClientCredentials& credentials) { m_credentials = credentials; }
+    ClientCredentials credentials() const { return m_credentials; }
+    bool isServerConnected() const;
+    bool isLoading() const;
+    bool connectToServer(const QString& host, int port);
+    bool disconnectServer();
+    bool list(const QString& path);
+    bool remove(const QString& path);
+    bool create(const QString& path, ClientFileSystemType type);
+    bool rename(const QString& path, const QString& newName);
+    bool move(const QString& from, const QString& to);
+    bool write(const QString& path, QIODevice* device, qint64 offset);
+    bool read(const QString& path, QIODevice* device, qint64 offset);
+    bool resume(const QString& path, QIODevice* device, qint64 offset, QFtp::Command command);
+    bool size(const QString& path);
+    void abort();
+    QString lastErrorText() const { return m_errorText; }
+    void setPatience(std::chrono::milliseconds patience) { m_worker->setPatience(patience); }
+    void setReconnectUnit(std::chrono::milliseconds unit) { m_reconnectUnit = unit; }
+    void setKeepaliveInterval(std::chrono::milliseconds interval);
+
+private Q_SLOTS:
+    void onFtpCommandFinished(int id, bool error);
+    void onFtpStateChanged(int state);
+    void onFtpListInfo(const vantrel::QUrlInfo& info);
+    void onFtpCommandStarted(int id);
+    void onDataTransferProgressed(qint64 done, qint64 total);
+    void onKeepaliveTimer();
+    void onReconnectTimer();
+
+private:
+    struct PathType
+    {
+        ClientFileSystemType type = ClientFileSystemType::Unknown;
+        bool isSymLink = false;
+    };
+    struct Listing
+    {
+        int id = 0;
+        QString path;
+        QList<QUrlInfo> entries;
+    };
+    struct DeleteLater
+    {
+        void operator()(FtpWorker* worker) const;
+    };
+
+    void setActiveCommand(QFtp::Command command, int id, const QVariantList& parameters = {});
+    void setActiveCommand(QFtp::Command command, int id, const QVariant& parameter);
+    void clearActiveCommand();
+    void startConnecting();
+    void login();
+    void handleUnconnected();
+    void finishCommand(const CommandRequest& request, bool succeeded);
+    void finishRename(const CommandRequest& request, bool succeeded);
+    void finishFileListing(bool succeeded);
+    ClientFileSystemInfo infoOf(const QUrlInfo& entry) const;
+    ClientFileSystemType getPathType(const QString& path) const;
+    void rememberPath(const QString& path, ClientFileSystemType type, bool isSymLink = false);
+    void forgetPath(const QString& path);
+    static QString pathKey(const QString& path);
+
+    FtpClient* const m_q;
+    std::unique_ptr<FtpWorker, DeleteLater> m_worker;
+    QTimer m_keepaliveTimer;
+    QTimer m_reconnectTimer;
+    ClientCredentials m_credentials;
+    CommandRequest m_active;
+    Listing m_listing;
+    QHash<QString, PathType> m_pathTypes; // by path without a "/" at its end
+    int m_lastState = QFtp::Unconnected;
+    bool m_isReconnectEnabled = false;
+    bool m_isLeaving = false; // disconnectServer() is on its way
+    QString m_host;
+    int m_port = 0;
+    qint64 m_reconnectAttempts = 0;
+    std::chrono::milliseconds m_reconnectUnit{100};
+    qint64 m_fileSize = -1;
+    QString m_errorText;
+};
+
+} // namespace vantrel

@@ -1,0 +1,471 @@
+#include "common/filesystem/ftp/ftpclient_p.h"
+#include "common/filesystem/ftp/ftplogging.h"
+#include "common/filesystem/model/pathhelpers.h"
+
+#include <QIODevice>
+
+#include <algorithm>
+#include <utility>
+
+namespace vantrel {
+
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr auto keepaliveInterval = 60000ms;
+constexpr auto maxReconnectDelay = 60000ms;
+
+QFtp::State stateOf(int state)
+{
+    return static_cast<QFtp::State>(state);
+}
+
+/// What a link leads to is not known; media have a suffix, folders have none.
+bool looksLikeFile(const QString& name)
+{
+    const qsizetype dot = name.lastIndexOf(QLatin1Char('.'), -2);
+    return dot > 0;
+}
+
+} // namespace
+
+void FtpClientPrivate::DeleteLater::operator()(FtpWorker* worker) const
+{
+    worker->shutDown();
+    worker->deleteLater();
+}
+
+FtpClientPrivate::FtpClientPrivate(FtpClient* q)
+    : m_q(q)
+    , m_worker(new FtpWorker)
+{
+    const auto how = Qt::QueuedConnection;
+    FtpWorker* const worker = m_worker.get();
+    connect(worker, &FtpWorker::commandFinished, this, &FtpClientPrivate::onFtpCommandFinished, how);
+    connect(worker, &FtpWorker::stateChanged, this, &FtpClientPrivate::onFtpStateChanged, how);
+    connect(worker, &FtpWorker::listInfo, this, &FtpClientPrivate::onFtpListInfo, how);
+    connect(worker, &FtpWorker::commandStarted, this, &FtpClientPrivate::onFtpCommandStarted, how);
+    connect(worker, &FtpWorker::dataTransferProgress, this, &FtpClientPrivate::onDataTransferProgressed, how);
+    connect(
+        worker, &FtpWorker::fileSize, this, [this](qint64 bytes) { m_fileSize = bytes; }, how);
+    connect(&m_keepaliveTimer, &QTimer::timeout, this, &FtpClientPrivate::onKeepaliveTimer);
+    connect(&m_reconnectTimer, &QTimer::timeout, this, &FtpClientPrivate::onReconnectTimer);
+    m_keepaliveTimer.start(keepaliveInterval);
+    m_reconnectTimer.setSingleShot(true);
+    worker->start(QThread::InheritPriority);
+}
+
+FtpClientPrivate::~FtpClientPrivate() = default;
+
+void FtpClientPrivate::setKeepaliveInterval(std::chrono::milliseconds interval)
+{
+    m_keepaliveTimer.start(interval);
+}
+
+bool FtpClientPrivate::isServerConnected() const
+{
+    return m_lastState == QFtp::Connected || m_lastState == QFtp::LoggedIn;
+}
+
+bool FtpClientPrivate::isLoading() const
+{
+    return m_active.id != 0 || (m_lastState != QFtp::Unconnected && m_lastState != QFtp::LoggedIn);
+}
+
+// ------------------------------------------------------------------ the connection
+
+bool FtpClientPrivate::connectToServer(const QString& host, int port)
+{
+    qCDebug(lcFtp) << "About to connect to FTP server" << host << port
+                   << "- Current state:" << stateOf(m_lastState);
+    if (m_lastState == QFtp::Connecting || m_lastState == QFtp::HostLookup ||
+        m_active.command == QFtp::ConnectToHost) {
+        qCWarning(lcFtp, "Unable to connect to the FTP server (connection in progress)");
+        return false;
+    }
+    if (isServerConnected()) {
+        qCWarning(lcFtp, "Unable to connect to the FTP server (connection already established)");
+        return false;
+    }
+    m_isLeaving = false;
+    m_host = host;
+    m_port = port;
+    startConnecting();
+    return true;
+}
+
+void FtpClientPrivate::startConnecting()
+{
+    m_reconnectTimer.stop();
+    setActiveCommand(QFtp::ConnectToHost, m_worker->connectToHost(m_host, static_cast<quint16>(m_port)));
+}
+
+bool FtpClientPrivate::disconnectServer()
+{
+    m_isReconnectEnabled = false;
+    m_reconnectTimer.stop();
+    qCDebug(lcFtp) << "About to close FTP. Current state:" << stateOf(m_lastState);
+    const bool isStarting = m_active.command == QFtp::ConnectToHost;
+    if ((m_lastState == QFtp::Unconnected && !isStarting) || m_lastState == QFtp::Closing)
+        return false;
+    m_isLeaving = true;
+    m_active.aborted = m_active.id != 0;
+    m_worker->disconnectServer();
+    return true;
+}
+
+void FtpClientPrivate::onFtpStateChanged(int state)
+{
+    const int before = std::exchange(m_lastState, state);
+    qCDebug(lcFtp) << "FTP state changed from" << stateOf(before) << "to" << stateOf(state);
+    if (before == state)
+        return;
+    // Who hears that the server is there may ask it at once.
+    if (state == QFtp::LoggedIn && m_active.command == QFtp::Login)
+        clearActiveCommand();
+    if (before != QFtp::LoggedIn)
+        Q_EMIT m_q->isLoadingChanged(isLoading());
+    switch (state) {
+    case QFtp::Unconnected:
+        return handleUnconnected();
+    case QFtp::HostLookup:
+        if (m_isLeaving)
+            return;
+        if (!std::exchange(m_isReconnectEnabled, true))
+            m_reconnectAttempts = 0;
+        return;
+    case QFtp::Connected:
+        return login();
+    case QFtp::LoggedIn:
+        qCDebug(lcFtp, "FTP is now connected");
+        Q_EMIT m_q->isLoadingChanged(isLoading());
+        Q_EMIT m_q->isServerConnectedChanged(true);
+        return;
+    case QFtp::Connecting:
+    case QFtp::Closing:
+        return;
+    default:
+        qCWarning(lcFtp) << "Unhandled FTP state:" << state;
+    }
+}
+
+void FtpClientPrivate::login()
+{
+    if (m_isLeaving)
+        return;
+    qCDebug(lcFtp, "Requesting FTP login...");
+    setActiveCommand(QFtp::Login, m_worker->login(m_credentials.username, m_credentials.password));
+}
+
+/// The attempts are not counted anew after a login: a server that drops the connection again and again is
+/// approached more and more slowly.
+void FtpClientPrivate::handleUnconnected()
+{
+    m_isLeaving = false;
+    qCDebug(lcFtp, "FTP is now disconnected");
+    Q_EMIT m_q->isServerConnectedChanged(false);
+    if (!m_isReconnectEnabled)
+        return;
+    ++m_reconnectAttempts;
+    const auto delay = std::min<std::chrono::milliseconds>(
+        m_reconnectUnit * m_reconnectAttempts * m_reconnectAttempts, maxReconnectDelay);
+    qCDebug(lcFtp).nospace() << "Reconnecting to " << m_host << ":" << m_port << " in " << delay.count()
+                             << " ms";
+    m_reconnectTimer.start(delay);
+}
+
+void FtpClientPrivate::onReconnectTimer()
+{
+    if (m_lastState == QFtp::Unconnected && m_active.command != QFtp::ConnectToHost)
+        startConnecting();
+}
+
+void FtpClientPrivate::onKeepaliveTimer()
+{
+    if (m_lastState != QFtp::LoggedIn || m_active.id != 0)
+        return;
+    qCDebug(lcFtp, "Sending keepalive command");
+    m_worker->noop();
+}
+
+// ------------------------------------------------------------------ requests
+
+void FtpClientPrivate::setActiveCommand(QFtp::Command command, int id, const QVariantList& parameters)
+{
+    if (id == m_active.id)
+        return;
+    const CommandRequest previous = std::exchange(m_active, {command, id, parameters, false});
+    qCDebug(lcFtp) << "Changed current active FTP command request:" << m_active << ", previous:" << previous;
+    if ((previous.id == 0) != (id == 0))
+        Q_EMIT m_q->isLoadingChanged(isLoading());
+}
+
+void FtpClientPrivate::setActiveCommand(QFtp::Command command, int id, const QVariant& parameter)
+{
+    setActiveCommand(command, id, QVariantList{parameter});
+}
+
+void FtpClientPrivate::clearActiveCommand()
+{
+    setActiveCommand(QFtp::None, 0);
+}
+
+bool FtpClientPrivate::list(const QString& path)
+{
+    const int id = m_worker->list(path);
+    m_listing = {id, path, {}};
+    setActiveCommand(QFtp::List, id, QVariant(path));
+    return true;
+}
+
+bool FtpClientPrivate::remove(const QString& path)
+{
+    // A link is a name in its folder, whatever it leads to.
+    const bool isSymLink = m_pathTypes.value(pathKey(path)).isSymLink;
+    const ClientFileSystemType type = isSymLink ? ClientFileSystemType::File : getPathType(path);
+    if (type == ClientFileSystemType::File)
+        setActiveCommand(QFtp::Remove, m_worker->removeFile(isSymLink ? pathKey(path) : path),
+                         QVariant(path));
+    else if (type == ClientFileSystemType::Directory)
+        setActiveCommand(QFtp::Rmdir, m_worker->removeDirectory(path), QVariant(path));
+    else
+        return false;
+    return true;
+}
+
+bool FtpClientPrivate::create(const QString& path, ClientFileSystemType type)
+{
+    if (type == ClientFileSystemType::File) {
+        qCWarning(lcFtp, "Unimplemented code.");
+        return false;
+    }
+    if (type != ClientFileSystemType::Directory) {
+        qCWarning(lcFtp) << "Unknown create operation type for path" << path;
+        return false;
+    }
+    setActiveCommand(QFtp::Mkdir, m_worker->createDirectory(path), QVariant(path));
+    return true;
+}
+
+/// The new name stands beside the old one, not below it.
+bool FtpClientPrivate::rename(const QString& path, const QString& newName)
+{
+    const QString to = createJoinedPath(getParentPath(path), newName, false);
+    setActiveCommand(QFtp::Rename, m_worker->rename(path, to), {path, to, false});
+    return true;
+}
+
+bool FtpClientPrivate::move(const QString& from, const QString& to)
+{
+    setActiveCommand(QFtp::Rename, m_worker->rename(from, to), {from, to, true});
+    return true;
+}
+
+bool FtpClientPrivate::write(const QString& path, QIODevice* device, qint64 offset)
+{
+    const int id = m_worker->put(device, path, QFtp::Binary, offset);
+    if (id == 0)
+        return false;
+    // Something may stand there whatever comes of it.
+    rememberPath(path, ClientFileSystemType::File);
+    setActiveCommand(QFtp::Put, id, QVariant(path));
+    return true;
+}
+
+bool FtpClientPrivate::read(const QString& path, QIODevice* device, qint64 offset)
+{
+    const int id = m_worker->get(path, device, QFtp::Binary, offset);
+    if (id != 0)
+        setActiveCommand(QFtp::Get, id, QVariant(path));
+    return id != 0;
+}
+
+bool FtpClientPrivate::resume(const QString& path, QIODevice* device, qint64 offset, QFtp::Command command)
+{
+    if (offset < 0 || device->isSequential() || !device->seek(offset))
+        return false;
+    return command == QFtp::Put ? write(path, device, offset) : read(path, device, offset);
+}
+
+bool FtpClientPrivate::size(const QString& path)
+{
+    m_fileSize = -1;
+    setActiveCommand(QFtp::Size, m_worker->size(path), QVariant(path));
+    return true;
+}
+
+void FtpClientPrivate::abort()
+{
+    qCDebug(lcFtp) << "Requesting abort for the current FTP operation:" << m_active;
+    m_active.aborted = true;
+    m_worker->abort();
+}
+
+// ------------------------------------------------------------------ answers
+
+void FtpClientPrivate::onFtpListInfo(const QUrlInfo& info)
+{
+    m_keepaliveTimer.start();
+    if (m_listing.id == 0) {
+        qCWarning(lcFtp, "Received FTP list info event, but no active file listing is running");
+        return;
+    }
+    const ClientFileSystemType type = info.isFile()  ? ClientFileSystemType::File
+                                      : info.isDir() ? ClientFileSystemType::Directory
+                                      : info.isSymLink() && looksLikeFile(info.name())
+                                          ? ClientFileSystemType::File
+                                      : info.isSymLink() ? ClientFileSystemType::Directory
+                                                         : ClientFileSystemType::Unknown;
+    rememberPath(createJoinedPath(m_listing.path, info.name(), info.isDir()), type, info.isSymLink());
+    m_listing.entries.append(info);
+}
+
+ClientFileSystemInfo FtpClientPrivate::infoOf(const QUrlInfo& entry) const
+{
+    const bool isDirectory = entry.isSymLink() ? !looksLikeFile(entry.name()) : entry.isDir();
+    return {isDirectory ? ClientFileSystemType::Directory : ClientFileSystemType::File, entry.name(),
+            createJoinedPath(m_listing.path, entry.name(), isDirectory), entry.size(), entry.isSymLink()};
+}
+
+void FtpClientPrivate::finishFileListing(bool succeeded)
+{
+    QList<ClientFileSystemInfo> result;
+    result.reserve(m_listing.entries.size());
+    for (const QUrlInfo& entry : std::as_const(m_listing.entries))
+        result.append(infoOf(entry));
+    const QString path = m_listing.path;
+    m_listing = {};
+    qCDebug(lcFtp) << "Finished directory" << path << "listing with" << result.size()
+                   << "entries. Succeeded:" << succeeded;
+    Q_EMIT m_q->listFinished(path, result, succeeded);
+}
+
+void FtpClientPrivate::onFtpCommandStarted(int id)
+{
+    qCDebug(lcFtp) << "Started FTP command with ID:" << id << "- Current request:" << m_active;
+    m_keepaliveTimer.start();
+}
+
+void FtpClientPrivate::onFtpCommandFinished(int id, bool error)
+{
+    const CommandRequest request = m_active;
+    m_keepaliveTimer.start();
+    if (error) {
+        QString text;
+        const QFtp::Error code = m_worker->getError(&text);
+        m_errorText = text;
+        qCWarning(lcFtp) << "Failed FTP command request with ID:" << id << "- Current request:" << request
+                         << ", error:" << code << "=" << text;
+    } else {
+        qCDebug(lcFtp) << "Finished FTP command request with ID:" << id << "- Current request:" << request;
+        if (id == request.id)
+            m_errorText.clear();
+    }
+    // What waited behind one that failed was dropped with it.
+    const bool isOver = id == request.id || (error && id < request.id);
+    if (request.id == 0 || !isOver)
+        return;
+    clearActiveCommand();
+    finishCommand(request, !error && !request.aborted);
+}
+
+void FtpClientPrivate::finishCommand(const CommandRequest& request, bool succeeded)
+{
+    const QString path = request.path();
+    switch (request.command) {
+    case QFtp::ConnectToHost:
+        return;
+    case QFtp::Login:
+        if (!succeeded && m_lastState == QFtp::Connected)
+            m_worker->disconnectServer(); // nothing can be done with it; it is tried again later
+        return;
+    case QFtp::List:
+        if (request.id == m_listing.id)
+            return finishFileListing(succeeded);
+        qCWarning(lcFtp) << "FTP list operation" << request.id
+                         << "finished, but it didn't match the last file listing operation" << m_listing.id;
+        return;
+    case QFtp::Get:
+        Q_EMIT m_q->readFinished(path, succeeded);
+        return;
+    case QFtp::Put:
+        Q_EMIT m_q->writeFinished(path, succeeded);
+        return;
+    case QFtp::Remove:
+    case QFtp::Rmdir:
+        if (succeeded)
+            forgetPath(path);
+        Q_EMIT m_q->removeFinished(path,
+                                   request.command == QFtp::Remove ? ClientFileSystemType::File
+                                                                   : ClientFileSystemType::Directory,
+                                   succeeded);
+        return;
+    case QFtp::Mkdir:
+        if (succeeded)
+            rememberPath(path, ClientFileSystemType::Directory);
+        Q_EMIT m_q->createFinished(path, ClientFileSystemType::Directory, succeeded);
+        return;
+    case QFtp::Rename:
+        return finishRename(request, succeeded);
+    case QFtp::Size:
+        Q_EMIT m_q->sizeFinished(path, m_fileSize, succeeded && m_fileSize >= 0);
+        return;
+    default:
+        qCWarning(lcFtp) << "Unhandled post clean-up for finished command" << request;
+    }
+}
+
+void FtpClientPrivate::finishRename(const CommandRequest& request, bool succeeded)
+{
+    const QString from = request.path(0);
+    const QString to = request.path(1);
+    const ClientFileSystemType type = getPathType(from);
+    if (succeeded) {
+        rememberPath(to, type, m_pathTypes.value(pathKey(from)).isSymLink);
+        forgetPath(from);
+    }
+    if (request.parameters.value(2).toBool())
+        Q_EMIT m_q->moveFinished(from, to, type, succeeded);
+    else
+        Q_EMIT m_q->renameFinished(to, type, succeeded);
+}
+
+void FtpClientPrivate::onDataTransferProgressed(qint64 done, qint64 total)
+{
+    if (m_active.command == QFtp::Get)
+        Q_EMIT m_q->readProgressed(m_active.path(), done, total);
+    else if (m_active.command == QFtp::Put)
+        Q_EMIT m_q->writeProgressed(m_active.path(), done, total);
+    else
+        return;
+    m_keepaliveTimer.start();
+}
+
+// ------------------------------------------------------------------ what is known of paths
+
+QString FtpClientPrivate::pathKey(const QString& path)
+{
+    return path.size() > 1 && path.endsWith(QLatin1Char('/')) ? path.chopped(1) : path;
+}
+
+void FtpClientPrivate::rememberPath(const QString& path, ClientFileSystemType type, bool isSymLink)
+{
+    m_pathTypes.insert(pathKey(path), {type, isSymLink});
+}
+
+void FtpClientPrivate::forgetPath(const QString& path)
+{
+    m_pathTypes.remove(pathKey(path));
+}
+
+ClientFileSystemType FtpClientPrivate::getPathType(const QString& path) const
+{
+    const auto known = m_pathTypes.constFind(pathKey(path));
+    if (known != m_pathTypes.constEnd())
+        return known->type;
+    qCDebug(lcFtp, "Unimplemented code.");
+    return path.endsWith(QLatin1Char('/')) ? ClientFileSystemType::Directory : ClientFileSystemType::Unknown;
+}
+
+} // namespace vantrel

@@ -1,0 +1,85 @@
+#pragma once
+
+#include "common/filesystem/ftp/qftp.h"
+
+#include <QMutex>
+#include <QThread>
+
+#include <atomic>
+#include <chrono>
+#include <functional>
+#include <vector>
+
+class QIODevice;
+
+namespace vantrel {
+
+/// The thread of one QFtp. The calls come from the main thread; each gives the number of the command as soon
+/// as it is on its way and never waits for what that thread does, which may be a slow disk. Owned by the
+/// FtpClientPrivate; the object itself lives on the main thread.
+class FtpWorker : public QThread
+{
+    Q_OBJECT
+
+public:
+    explicit FtpWorker(QObject* parent = nullptr);
+    ~FtpWorker() override;
+
+    int connectToHost(const QString& host, quint16 port);
+    int login(const QString& user, const QString& password);
+    int list(const QString& path);
+    int removeFile(const QString& path);
+    int removeDirectory(const QString& path);
+    int createDirectory(const QString& path);
+    int rename(const QString& from, const QString& to);
+    /// The device goes to the worker's thread, and comes back before the command is told to be finished.
+    /// offset: bytes.
+    int put(QIODevice* device, const QString& path, QFtp::TransferType type, qint64 offset = 0);
+    int get(const QString& path, QIODevice* device, QFtp::TransferType type, qint64 offset = 0);
+    int size(const QString& path);
+    void disconnectServer();
+    void abort();
+    void noop();
+    void setPatience(std::chrono::milliseconds patience);
+
+    QFtp::State ftpState() const { return m_state; }
+    /// Of the command that ended last.
+    QFtp::Error getError(QString* text) const;
+
+    /// Ends the thread and waits for it. Commands under way are dropped; their devices are left alone then.
+    void shutDown();
+
+Q_SIGNALS:
+    void stateChanged(int state);
+    void listInfo(const vantrel::QUrlInfo& info);
+    void dataTransferProgress(qint64 done, qint64 total);
+    void fileSize(qint64 bytes);
+    void commandStarted(int id);
+    void commandFinished(int id, bool error);
+
+protected:
+    void run() override;
+
+private:
+    using Call = std::function<void(QFtp& ftp)>;
+    void post(Call call);
+    int command(Call call);
+    int transfer(QIODevice* device, Call call);
+    void onDataTransferProgress(const QFtp& ftp, qint64 done, qint64 total);
+    void onCommandFinished(const QFtp& ftp, int id, bool error);
+    void returnDevice(bool error);
+
+    mutable QMutex m_mutex;    // guards what follows, up to the error's text
+    QFtp* m_ftp = nullptr;     // while the thread runs
+    std::vector<Call> m_early; // from before it ran
+    QFtp::Error m_error = QFtp::NoError;
+    QString m_errorText;
+    std::atomic<QFtp::State> m_state{QFtp::Unconnected};
+    QThread* const m_home;
+    // On the worker's thread, of the transfer under way or waiting:
+    QIODevice* m_device = nullptr;
+    int m_deviceId = 0;
+    bool m_isPresized = false;
+};
+
+} // namespace vantrel

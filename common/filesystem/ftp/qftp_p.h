@@ -1,0 +1,58 @@
+#pragma once
+
+#include "common/filesystem/ftp/qftp.h"
+#include "common/filesystem/ftp/qftpcommand.h"
+#include "common/filesystem/ftp/qftppi.h"
+
+#include <QObject>
+
+#include <list>
+#include <memory>
+
+namespace vantrel {
+
+/// The queue of a QFtp, which owns it, and what its protocol interpreter tells.
+class QFtpPrivate : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit QFtpPrivate(QFtp* q);
+
+    int addCommand(std::unique_ptr<QFtpCommand> command);
+    void clearPendingCommands();
+    void abort();
+
+    QFtpPI pi;
+    std::list<std::unique_ptr<QFtpCommand>> pending; // the first is the current one
+    int nextId = 0;                                  // 0 takes a new number
+    QFtp::State state = QFtp::Unconnected;
+    QFtp::Error error = QFtp::NoError;
+    QString errorString;
+    QFtp::TransferMode transferMode = QFtp::Passive;
+    QString host;
+    quint16 port = 0;
+
+    QFtpCommand* current() const { return pending.empty() ? nullptr : pending.front().get(); }
+
+public Q_SLOTS:
+    void _q_startNextCommand();
+    void _q_piFinished(const QString& text);
+    void _q_piError(int code, const QString& text);
+    void _q_piConnectState(int state);
+
+private:
+    void schedule();
+    void start(QFtpCommand& command);
+    void startPut(QFtpCommand& command);
+    void rewriteForProxy(QFtpCommand& command) const;
+    void finish(bool isError);
+    QString described(const QString& text) const;
+
+    QFtp* const m_q;
+    QString m_proxyHost;
+    quint16 m_proxyPort = 0;
+    bool m_isClosing = false; // QUIT was answered, and the connection is to go
+};
+
+} // namespace vantrel

@@ -1,0 +1,530 @@
+#include "common/filesystem/ftp/qftppi.h"
+
+#include "common/filesystem/ftp/ftplogging.h"
+#include "tarn/ftp/ftpaddress.h"
+
+#include <algorithm>
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <sys/socket.h>
+#include <utility>
+
+namespace vantrel {
+
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr auto defaultPatience = 20s;
+constexpr auto abortPatience = 5s;   // until both sides must be in step again
+constexpr auto drainTime = 300ms;    // some servers hear ABOR only when nobody takes their data any more
+constexpr auto closingPatience = 2s; // after the answer to QUIT
+
+bool isTransfer(const QString& line)
+{
+    return line.startsWith(QLatin1String("RETR")) || line.startsWith(QLatin1String("STOR")) ||
+           line.startsWith(QLatin1String("LIST"));
+}
+
+/// Small lines go at once, and a pulled cable is noticed.
+void setControlOptions(QTcpSocket& socket, std::chrono::milliseconds patience)
+{
+    socket.setSocketOption(QAbstractSocket::LowDelayOption, 1);
+    socket.setSocketOption(QAbstractSocket::KeepAliveOption, 1);
+    const auto set = [&](int option, int value) {
+        ::setsockopt(int(socket.socketDescriptor()), IPPROTO_TCP, option, &value, sizeof(value));
+    };
+    set(TCP_KEEPIDLE, 5);
+    set(TCP_KEEPINTVL, 2);
+    set(TCP_KEEPCNT, 3);
+    set(TCP_USER_TIMEOUT, int(patience.count()));
+}
+
+QHostAddress plain(const QHostAddress& address)
+{
+    bool isIpv4 = false;
+    const quint32 number = address.toIPv4Address(&isIpv4);
+    return isIpv4 ? QHostAddress(number) : address;
+}
+
+bool isIpv6(const QHostAddress& address)
+{
+    return plain(address).protocol() == QAbstractSocket::IPv6Protocol;
+}
+
+} // namespace
+
+QFtpPI::QFtpPI(QObject* parent)
+    : QObject(parent)
+    , m_dtp(this)
+    , m_patience(defaultPatience)
+{
+    m_commandSocket.setObjectName(QStringLiteral("QFtpPI_socket"));
+    m_commandSocket.setReadBufferSize(qint64{FtpReplyReader::maxReply} / 2);
+    connect(&m_commandSocket, &QTcpSocket::hostFound, this, &QFtpPI::hostFound);
+    connect(&m_commandSocket, &QTcpSocket::connected, this, &QFtpPI::connected);
+    connect(&m_commandSocket, &QTcpSocket::disconnected, this, &QFtpPI::connectionClosed);
+    connect(&m_commandSocket, &QTcpSocket::readyRead, this, &QFtpPI::readyRead);
+    connect(&m_commandSocket, &QTcpSocket::errorOccurred, this, &QFtpPI::socketError);
+    connect(&m_dtp, &QFtpDTP::connectState, this, &QFtpPI::dtpConnectState);
+    connect(&m_dtp, &QFtpDTP::moved, this, [this] {
+        if (m_abortState == AbortState::None)
+            watch();
+    });
+    connect(&m_dtp, &QFtpDTP::failed, this, [this] {
+        const QString why = m_dtp.errorText();
+        m_dtp.clearError();
+        abort(why);
+    });
+    m_watch.setSingleShot(true);
+    connect(&m_watch, &QTimer::timeout, this, &QFtpPI::losePatience);
+    m_drain.setSingleShot(true);
+    connect(&m_drain, &QTimer::timeout, this, [this] {
+        m_dtp.abortConnection();
+        dataConnectionGone();
+    });
+}
+
+QFtpPI::~QFtpPI()
+{
+    m_commandSocket.disconnect(this);
+}
+
+void QFtpPI::connectToHost(const QString& host, quint16 port)
+{
+    m_isBusy = true;
+    if (m_isOpen)
+        return tellError(QFtp::UnknownError, tr("Already connected"));
+    m_isOpen = true;
+    m_state = Begin;
+    m_reader.clear();
+    Q_EMIT connectState(QFtp::HostLookup);
+    watch();
+    m_commandSocket.connectToHost(host, port, QIODevice::ReadWrite, QAbstractSocket::AnyIPProtocol);
+}
+
+bool QFtpPI::isPeer(const QHostAddress& address) const
+{
+    return plain(address).isEqual(plain(m_commandSocket.peerAddress()), QHostAddress::TolerantConversion);
+}
+
+bool QFtpPI::sendCommands(const QStringList& lines)
+{
+    if (!m_pendingCommands.isEmpty())
+        return false;
+    m_isBusy = true;
+    if (m_commandSocket.state() != QTcpSocket::ConnectedState || m_state != Idle) {
+        tellError(QFtp::NotConnected, tr("Not connected"));
+        return false;
+    }
+    m_pendingCommands = lines;
+    startNextCmd();
+    return true;
+}
+
+void QFtpPI::clearPendingCommands()
+{
+    m_pendingCommands.clear();
+    m_dtp.abortConnection();
+    m_currentCmd.clear();
+    m_waitForDtpToConnect = m_waitForDtpToClose = false;
+    m_isBusy = false;
+    if (m_state != Begin)
+        m_state = Idle;
+    watch();
+}
+
+void QFtpPI::hostFound()
+{
+    Q_EMIT connectState(QFtp::Connecting);
+}
+
+void QFtpPI::connected()
+{
+    m_state = Begin;
+    setControlOptions(m_commandSocket, m_patience);
+    watch();
+    Q_EMIT connectState(QFtp::Connected);
+}
+
+void QFtpPI::connectionClosed()
+{
+    drop(QFtp::NotConnected, tr("The server closed the connection"));
+}
+
+void QFtpPI::socketError(QAbstractSocket::SocketError error)
+{
+    if (error == QAbstractSocket::RemoteHostClosedError)
+        return; // an ordinary end: what was said last is read before it is told
+    qCWarning(lcFtp) << "Network error occurred:" << error;
+    const QString host = m_commandSocket.peerName();
+    switch (error) {
+    case QAbstractSocket::HostNotFoundError:
+        return drop(QFtp::HostNotFound, tr("Host %1 not found").arg(host));
+    case QAbstractSocket::ConnectionRefusedError:
+        return drop(QFtp::ConnectionRefused, tr("Connection refused to host %1").arg(host));
+    case QAbstractSocket::SocketTimeoutError:
+        return drop(QFtp::ConnectionRefused, tr("Connection timed out to host %1").arg(host));
+    case QAbstractSocket::NetworkError:
+        return drop(QFtp::NotConnected, tr("Network error when connecting to host %1").arg(host));
+    default:
+        return drop(QFtp::NotConnected, m_commandSocket.errorString());
+    }
+}
+
+void QFtpPI::drop(QFtp::Error error, const QString& text)
+{
+    if (!std::exchange(m_isOpen, false))
+        return;
+    m_watch.stop();
+    m_drain.stop();
+    m_commandSocket.abort();
+    const QString why = m_abortState == AbortState::None ? text : m_abortReason;
+    const bool isOwed = m_isBusy;
+    m_abortState = AbortState::None;
+    m_state = Begin;
+    m_rawCommand = false;
+    clearPendingCommands();
+    Q_EMIT connectState(QFtp::Unconnected);
+    if (isOwed)
+        tellError(error, why);
+}
+
+void QFtpPI::closeSoon()
+{
+    m_commandSocket.disconnectFromHost();
+    if (m_isOpen)
+        m_watch.start(std::min<std::chrono::milliseconds>(closingPatience, m_patience));
+}
+
+/// Armed as long as something is wanted of the server.
+void QFtpPI::watch()
+{
+    const bool isWanted =
+        m_isOpen && (m_state == Begin || m_state == Waiting || m_waitForDtpToConnect || m_waitForDtpToClose);
+    if (isWanted)
+        m_watch.start(m_patience);
+    else
+        m_watch.stop();
+}
+
+void QFtpPI::losePatience()
+{
+    if (!m_isBusy)
+        return drop(QFtp::NotConnected, QString()); // after QUIT
+    if (m_state == Begin && m_commandSocket.state() != QTcpSocket::ConnectedState)
+        return drop(QFtp::ConnectionRefused,
+                    tr("Connection timed out to host %1").arg(m_commandSocket.peerName()));
+    const double seconds = double(m_patience.count()) / 1000;
+    drop(QFtp::NotConnected, tr("The server did not answer for %1 seconds").arg(seconds));
+}
+
+void QFtpPI::tellFinished(const QString& text)
+{
+    m_isBusy = false;
+    Q_EMIT finished(text);
+}
+
+void QFtpPI::tellError(QFtp::Error code, const QString& text)
+{
+    m_isBusy = false;
+    Q_EMIT error(code, text);
+}
+
+// ------------------------------------------------------------------ answers
+
+void QFtpPI::readyRead()
+{
+    while (m_isOpen && !m_waitForDtpToClose && m_commandSocket.bytesAvailable() > 0) {
+        const QByteArray bytes = m_commandSocket.read(16 * 1024);
+        if (!m_reader.feed({bytes.constData(), static_cast<std::size_t>(bytes.size())}))
+            return drop(QFtp::UnknownError, tr("The server's answer is too long"));
+        takeReplies();
+    }
+}
+
+void QFtpPI::takeReplies()
+{
+    while (m_isOpen && !m_waitForDtpToClose && m_reader.take(m_reply)) {
+        m_replyText = QString::fromStdString(m_reply.text);
+        processReply();
+    }
+}
+
+/// False when the answer is kept until the data connection has closed.
+bool QFtpPI::processReply()
+{
+    const int code = m_reply.code;
+    if (m_abortState != AbortState::None)
+        return processAbortReply(code);
+    const bool endsTransfer = code == 226 || (code == 250 && m_currentCmd.startsWith(QLatin1String("RETR")));
+    if (endsTransfer && m_state == Waiting && isTransfer(m_currentCmd)) {
+        m_dtp.waitForConnection(); // which may be in the queue still
+        if (m_dtp.state() != QTcpSocket::UnconnectedState) {
+            m_waitForDtpToClose = true;
+            watch();
+            return false;
+        }
+    }
+    if (m_state == Begin)
+        return processGreeting(code);
+    if (m_state != Waiting)
+        return true; // nobody asked
+    switch (code / 100) {
+    case 1:
+        m_hadPreliminary = true;
+        break;
+    case 2:
+        m_state = code == 202 ? Failure : Success;
+        break;
+    case 3:
+        m_state = Idle;
+        break;
+    default:
+        m_state = Failure;
+    }
+    watch();
+    Q_EMIT rawFtpReply(code, m_replyText);
+    if (!m_rawCommand)
+        actOnReply(code);
+    else if (m_state != Waiting)
+        m_rawCommand = false;
+    if (m_isOpen)
+        goOn();
+    return true;
+}
+
+bool QFtpPI::processGreeting(int code)
+{
+    if (code / 100 == 1)
+        return true;
+    if (code / 100 != 2) {
+        drop(QFtp::NotConnected, m_replyText);
+        return true;
+    }
+    m_state = Idle;
+    watch();
+    tellFinished(tr("Connected to host %1").arg(m_commandSocket.peerName()));
+    return true;
+}
+
+void QFtpPI::actOnReply(int code)
+{
+    if (code == 227 || code == 229) {
+        if (!openDataConnection(code)) {
+            m_state = Failure;
+            m_replyText = tr("The server named no usable data connection: %1").arg(m_replyText);
+        }
+    } else if (code == 230) {
+        if (m_currentCmd.startsWith(QLatin1String("USER ")) && !m_pendingCommands.isEmpty() &&
+            m_pendingCommands.constFirst().startsWith(QLatin1String("PASS ")))
+            m_pendingCommands.removeFirst();
+        Q_EMIT connectState(QFtp::LoggedIn);
+    } else if (code == 213 && m_currentCmd.startsWith(QLatin1String("SIZE "))) {
+        bool isNumber = false;
+        const qint64 size = m_replyText.simplified().toLongLong(&isNumber);
+        m_dtp.setBytesTotal(isNumber && size > 0 ? size : 0);
+        if (isNumber && size >= 0)
+            Q_EMIT fileSize(size);
+    } else if (code / 100 == 1 && m_currentCmd.startsWith(QLatin1String("STOR "))) {
+        m_dtp.waitForConnection();
+        m_dtp.writeData();
+    }
+}
+
+/// Always to the host of the control connection, whatever the server says: nobody is sent elsewhere.
+bool QFtpPI::openDataConnection(int code)
+{
+    FtpAddress address;
+    const bool isUsable = code == 229 ? parseExtendedPassiveReply(m_reply.text, address.port)
+                                      : parsePassiveReply(m_reply.text, address);
+    if (!isUsable)
+        return false;
+    const QHostAddress peer = m_commandSocket.peerAddress();
+    if (code == 227 && !isPeer(QHostAddress(QString::fromStdString(address.host))))
+        qCWarning(lcFtp) << "The server named another host for data, which is not used:"
+                         << QString::fromStdString(address.host);
+    m_waitForDtpToConnect = true;
+    m_dtp.connectToHost(peer, address.port);
+    watch();
+    return true;
+}
+
+void QFtpPI::goOn()
+{
+    if (m_state == Waiting)
+        return;
+    if (m_state == Failure)
+        return handleFailure();
+    m_state = Idle;
+    if (!m_dtp.errorText().isEmpty()) {
+        const QString text = m_dtp.errorText();
+        m_dtp.clearError();
+        return tellError(QFtp::UnknownError, text);
+    }
+    startNextCmd();
+}
+
+void QFtpPI::handleFailure()
+{
+    m_dtp.clearError();
+    m_state = Idle;
+    const bool isPassive = m_currentCmd.startsWith(QLatin1String("EPSV"));
+    if ((isPassive || m_currentCmd.startsWith(QLatin1String("EPRT"))) && m_transferConnectionExtended) {
+        m_transferConnectionExtended = false;
+        m_pendingCommands.prepend(isPassive ? QStringLiteral("PASV\r\n") : QStringLiteral("PORT\r\n"));
+    } else {
+        Q_EMIT error(QFtp::UnknownError, m_replyText);
+    }
+    // Whoever heard it has ended the command, unless it can do without that line.
+    if (m_isBusy && m_state == Idle && !m_pendingCommands.isEmpty())
+        startNextCmd();
+}
+
+// ------------------------------------------------------------------ lines
+
+void QFtpPI::startNextCmd()
+{
+    if (m_waitForDtpToConnect)
+        return; // nothing goes out until there is a way for the data
+    if (m_pendingCommands.isEmpty()) {
+        m_currentCmd.clear();
+        watch();
+        if (m_isBusy)
+            tellFinished(m_replyText);
+        return;
+    }
+    if (m_state != Idle)
+        return;
+    m_currentCmd = m_pendingCommands.takeFirst();
+    if (!prepareLine(m_currentCmd)) {
+        clearPendingCommands();
+        return tellError(QFtp::UnknownError, tr("No data connection is possible"));
+    }
+    if (m_currentCmd.startsWith(QLatin1String("TYPE ")))
+        m_isBinary = m_currentCmd.startsWith(QLatin1String("TYPE I"));
+    m_hadPreliminary = false;
+    m_state = Waiting;
+    watch();
+    m_commandSocket.write(m_currentCmd.toUtf8());
+}
+
+bool QFtpPI::prepareLine(QString& line)
+{
+    if (line.startsWith(QLatin1String("PORT")))
+        return preparePort(line);
+    if (line.startsWith(QLatin1String("PASV")) && isIpv6(m_commandSocket.localAddress()) &&
+        m_transferConnectionExtended)
+        line = QStringLiteral("EPSV\r\n");
+    return true;
+}
+
+bool QFtpPI::preparePort(QString& line)
+{
+    const QHostAddress local = plain(m_commandSocket.localAddress());
+    const bool isExtended = isIpv6(local);
+    if (isExtended && !m_transferConnectionExtended)
+        return false;
+    const int port = m_dtp.setupListener(local);
+    if (port < 0)
+        return false;
+    QHostAddress bare = local;
+    bare.setScopeId({});
+    const std::string address = bare.toString().toStdString();
+    line = QString::fromStdString(isExtended ? extendedPortCommand(address, true, std::uint16_t(port))
+                                             : portCommand(address, std::uint16_t(port)));
+    return true;
+}
+
+void QFtpPI::dtpConnectState(int state)
+{
+    switch (state) {
+    case QFtpDTP::CsClosed:
+        if (m_abortState != AbortState::None)
+            return dataConnectionGone();
+        if (std::exchange(m_waitForDtpToClose, false))
+            processReply();
+        takeReplies();
+        readyRead();
+        return;
+    case QFtpDTP::CsConnected:
+        m_waitForDtpToConnect = false;
+        watch();
+        startNextCmd();
+        return;
+    case QFtpDTP::CsHostNotFound:
+    case QFtpDTP::CsConnectionRefused:
+        if (m_abortState != AbortState::None)
+            return dataConnectionGone();
+        if (!std::exchange(m_waitForDtpToConnect, false))
+            return;
+        m_dtp.clearError();
+        m_state = Idle;
+        watch();
+        tellError(QFtp::ConnectionRefused, tr("Connection refused for data connection"));
+        return;
+    default:
+        return;
+    }
+}
+
+// ------------------------------------------------------------------ giving up
+
+// How servers answer ABOR differs: at once, when nobody takes their data any more, twice, or with one more
+// 150. A NOOP behind it has one answer everywhere, and what comes before that belongs to what was given up.
+void QFtpPI::abort(const QString& why)
+{
+    m_pendingCommands.clear();
+    if (m_abortState != AbortState::None || !m_isOpen || !m_isBusy)
+        return;
+    m_abortState = AbortState::AbortStarted;
+    m_abortReason = why;
+    m_isOwnReplyDue = m_state == Waiting && !m_hadPreliminary && !isTransfer(m_currentCmd);
+    m_waitForDtpToConnect = m_waitForDtpToClose = false;
+    m_rawCommand = false;
+    m_dtp.dropData();
+    m_dtp.clearError();
+    m_commandSocket.write("ABOR\r\n");
+    m_watch.start(std::min<std::chrono::milliseconds>(abortPatience, m_patience));
+    const bool isReceiving =
+        m_currentCmd.startsWith(QLatin1String("RETR")) || m_currentCmd.startsWith(QLatin1String("LIST"));
+    if (isReceiving && m_dtp.state() == QTcpSocket::ConnectedState) {
+        m_drain.start(drainTime);
+        return;
+    }
+    m_dtp.abortConnection();
+    dataConnectionGone();
+}
+
+void QFtpPI::dataConnectionGone()
+{
+    if (m_abortState != AbortState::AbortStarted)
+        return;
+    m_drain.stop();
+    m_abortState = AbortState::WaitForAbortToFinish;
+    m_commandSocket.write("NOOP\r\n");
+    takeReplies();
+    readyRead();
+}
+
+bool QFtpPI::processAbortReply(int code)
+{
+    if (code / 100 == 1)
+        return true;
+    if (std::exchange(m_isOwnReplyDue, false))
+        return true;
+    if (m_abortState == AbortState::WaitForAbortToFinish && code == 200)
+        finishAbort();
+    return true;
+}
+
+void QFtpPI::finishAbort()
+{
+    m_abortState = AbortState::None;
+    m_currentCmd.clear();
+    m_state = Idle;
+    watch();
+    tellError(QFtp::UnknownError, std::exchange(m_abortReason, {}));
+}
+
+} // namespace vantrel

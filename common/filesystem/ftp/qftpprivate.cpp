@@ -1,0 +1,257 @@
+#include "common/filesystem/ftp/ftplogging.h"
+#include "common/filesystem/ftp/qftp_p.h"
+
+#include <QIODevice>
+#include <QTimer>
+
+#include <utility>
+
+namespace vantrel {
+
+QFtpPrivate::QFtpPrivate(QFtp* q)
+    : m_q(q)
+{
+    connect(&pi, &QFtpPI::connectState, this, &QFtpPrivate::_q_piConnectState);
+    connect(&pi, &QFtpPI::finished, this, &QFtpPrivate::_q_piFinished);
+    connect(&pi, &QFtpPI::error, this, &QFtpPrivate::_q_piError);
+    connect(&pi, &QFtpPI::rawFtpReply, this, [this](int code, const QString& text) {
+        if (current() && current()->command == QFtp::RawCommand)
+            Q_EMIT m_q->rawCommandReply(code, text);
+    });
+    connect(&pi, &QFtpPI::fileSize, this, [this](qint64 bytes) {
+        if (current() && current()->command == QFtp::Size)
+            Q_EMIT m_q->fileSize(bytes);
+    });
+    connect(&pi.dtp(), &QFtpDTP::listInfo, m_q, &QFtp::listInfo);
+    connect(&pi.dtp(), &QFtpDTP::readyRead, m_q, &QFtp::readyRead);
+    connect(&pi.dtp(), &QFtpDTP::dataTransferProgress, m_q, &QFtp::dataTransferProgress);
+}
+
+int QFtpPrivate::addCommand(std::unique_ptr<QFtpCommand> command)
+{
+    const int id = command->id;
+    pending.push_back(std::move(command));
+    if (pending.size() == 1)
+        schedule();
+    return id;
+}
+
+void QFtpPrivate::schedule()
+{
+    QTimer::singleShot(0, this, &QFtpPrivate::_q_startNextCommand);
+}
+
+void QFtpPrivate::_q_startNextCommand()
+{
+    QFtpCommand* const command = current();
+    if (!command || command->isStarted)
+        return;
+    command->isStarted = true;
+    error = QFtp::NoError;
+    errorString = QFtp::tr("Unknown error");
+    pi.dtp().reset();
+    Q_EMIT m_q->commandStarted(command->id);
+    if (current() != command)
+        return;
+    if (!command->fault.isEmpty())
+        _q_piError(QFtp::UnknownError, command->fault);
+    else
+        start(*command);
+}
+
+void QFtpPrivate::start(QFtpCommand& command)
+{
+    switch (command.command) {
+    case QFtp::SetTransferMode:
+        transferMode = QFtp::TransferMode(command.rawCmds.constFirst().toInt());
+        pi.resetTransferConnection();
+        return _q_piFinished(QFtp::tr("Transfer mode set"));
+    case QFtp::SetProxy:
+        m_proxyHost = command.rawCmds.constFirst();
+        m_proxyPort = command.rawCmds.constLast().toUShort();
+        return _q_piFinished(QFtp::tr("Proxy set to %1:%2").arg(m_proxyHost).arg(m_proxyPort));
+    case QFtp::ConnectToHost:
+        host = command.rawCmds.constFirst();
+        port = command.rawCmds.constLast().toUShort();
+        if (m_proxyHost.isEmpty())
+            pi.connectToHost(host, port);
+        else
+            pi.connectToHost(m_proxyHost, m_proxyPort);
+        return;
+    case QFtp::Login:
+        rewriteForProxy(command);
+        break;
+    case QFtp::Close:
+        if (state == QFtp::Unconnected)
+            return finish(false);
+        state = QFtp::Closing;
+        Q_EMIT m_q->stateChanged(state);
+        break;
+    case QFtp::Get:
+        pi.dtp().setDevice(command.device(), command.offset);
+        break;
+    case QFtp::Put:
+        startPut(command);
+        break;
+    case QFtp::RawCommand:
+        pi.setRawCommand();
+        break;
+    default:
+        break;
+    }
+    if (current() == &command)
+        pi.sendCommands(command.rawCmds);
+}
+
+void QFtpPrivate::startPut(QFtpCommand& command)
+{
+    QFtpDTP& dtp = pi.dtp();
+    if (command.isByteArray()) {
+        auto& data = std::get<QByteArray>(command.data);
+        dtp.setData(&data);
+        dtp.setBytesTotal(data.size());
+        return;
+    }
+    QIODevice* const device = command.device();
+    if (!device)
+        return;
+    if (!device->isOpen())
+        device->open(QIODevice::ReadOnly);
+    dtp.setDevice(device, command.offset);
+    if (device->isSequential()) {
+        dtp.setBytesTotal(0);
+        connect(device, &QIODevice::readyRead, &dtp, &QFtpDTP::dataReadyRead, Qt::UniqueConnection);
+        connect(device, &QIODevice::readChannelFinished, &dtp, &QFtpDTP::dataReadyRead, Qt::UniqueConnection);
+    } else {
+        dtp.setBytesTotal(device->size());
+    }
+}
+
+void QFtpPrivate::rewriteForProxy(QFtpCommand& command) const
+{
+    if (m_proxyHost.isEmpty())
+        return;
+    QString line = command.rawCmds.constFirst().trimmed() + QLatin1Char('@') + host;
+    if (port != 0 && port != 21)
+        line += QLatin1Char(':') + QString::number(port);
+    command.rawCmds.first() = line + QLatin1String("\r\n");
+}
+
+void QFtpPrivate::_q_piFinished(const QString& text)
+{
+    QFtpCommand* const command = current();
+    if (!command)
+        return;
+    if (command->command == QFtp::Close && state != QFtp::Unconnected) {
+        m_isClosing = true;
+        return pi.closeSoon();
+    }
+    // Said of a folder that is not there, by servers that read patterns.
+    const bool isMissing =
+        command->command == QFtp::List && text.endsWith(QLatin1String("\r\n0 matches total"));
+    if (isMissing) {
+        error = QFtp::UnknownError;
+        errorString = QFtp::tr("Listing directory failed:\n%1").arg(text);
+    }
+    finish(isMissing);
+}
+
+/// The current command is done, the next one begins.
+void QFtpPrivate::finish(bool isError)
+{
+    const std::unique_ptr<QFtpCommand> command = std::move(pending.front());
+    pending.pop_front();
+    const bool isLast = pending.empty();
+    pi.dtp().setDevice(nullptr, 0);
+    if (QIODevice* const device = command->device(); device && command->command == QFtp::Put)
+        device->disconnect(&pi.dtp());
+    // One more may be put in the queue by whoever hears it, and is then started by that.
+    Q_EMIT m_q->commandFinished(command->id, isError);
+    if (isLast)
+        Q_EMIT m_q->done(isError);
+    else
+        _q_startNextCommand();
+}
+
+QString QFtpPrivate::described(const QString& text) const
+{
+    switch (current()->command) {
+    case QFtp::ConnectToHost:
+        return QFtp::tr("Connecting to host failed:\n%1").arg(text);
+    case QFtp::Login:
+        return QFtp::tr("Login failed:\n%1").arg(text);
+    case QFtp::List:
+        return QFtp::tr("Listing directory failed:\n%1").arg(text);
+    case QFtp::Cd:
+        return QFtp::tr("Changing directory failed:\n%1").arg(text);
+    case QFtp::Get:
+        return QFtp::tr("Downloading file failed:\n%1").arg(text);
+    case QFtp::Put:
+        return QFtp::tr("Uploading file failed:\n%1").arg(text);
+    case QFtp::Remove:
+        return QFtp::tr("Removing file failed:\n%1").arg(text);
+    case QFtp::Mkdir:
+        return QFtp::tr("Creating directory failed:\n%1").arg(text);
+    case QFtp::Rmdir:
+        return QFtp::tr("Removing directory failed:\n%1").arg(text);
+    default:
+        return text;
+    }
+}
+
+void QFtpPrivate::_q_piError(int code, const QString& text)
+{
+    const QFtpCommand* const command = current();
+    if (!command) {
+        qCWarning(lcFtp, "QFtpPrivate::_q_piError was called without pending command!");
+        return;
+    }
+    const QString line = pi.currentCommand();
+    if (command->command == QFtp::Get && line.startsWith(QLatin1String("SIZE "))) {
+        pi.dtp().setBytesTotal(0);
+        return;
+    }
+    if (command->command == QFtp::Put && line.startsWith(QLatin1String("ALLO ")))
+        return;
+    if (command->command == QFtp::Close && state == QFtp::Unconnected)
+        return finish(false); // the server was faster
+    error = QFtp::Error(code);
+    errorString = described(text);
+    pi.clearPendingCommands();
+    // What waited for this one goes with it; that the connection is to end still holds.
+    std::erase_if(pending, [command](const auto& one) {
+        return one.get() != command && one->command != QFtp::Close;
+    });
+    finish(true);
+}
+
+void QFtpPrivate::_q_piConnectState(int newState)
+{
+    state = QFtp::State(newState);
+    Q_EMIT m_q->stateChanged(state);
+    if (state == QFtp::Unconnected && std::exchange(m_isClosing, false))
+        _q_piFinished(QFtp::tr("Connection closed"));
+}
+
+void QFtpPrivate::clearPendingCommands()
+{
+    while (pending.size() > 1)
+        pending.pop_back();
+}
+
+void QFtpPrivate::abort()
+{
+    clearPendingCommands();
+    QFtpCommand* const command = current();
+    if (!command)
+        return;
+    const QString why = QFtp::tr("Aborted");
+    if (!command->isStarted)
+        command->fault = why;
+    else if (command->command == QFtp::ConnectToHost || command->command == QFtp::Login)
+        pi.drop(QFtp::NotConnected, why);
+    else if (command->command != QFtp::Close)
+        pi.abort(why);
+}
+
+} // namespace vantrel

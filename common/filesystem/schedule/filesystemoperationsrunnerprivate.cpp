@@ -1,0 +1,168 @@
+#include "common/filesystem/model/filesystemlogging.h"
+#include "common/filesystem/operations/abstractoperationfactory.h"
+#include "common/filesystem/operations/modifyoperation.h"
+#include "common/filesystem/operations/transferoperation.h"
+#include "common/filesystem/schedule/filesystemoperationsrunner_p.h"
+#include "common/notification/notificationmanagerimpl.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace vantrel {
+
+namespace {
+
+constexpr int pollInterval = 1000; // milliseconds; only a fallback: what changes wakes the queue at once
+
+QString textOf(const QList<OperationError>& errors)
+{
+    QString text;
+    for (const OperationError& error : errors)
+        text += u'\n' + error.message;
+    return text;
+}
+
+void notify(const QString& title, const QString& details)
+{
+    NotificationManagerImpl::instance()->createNotification(Notification::ErrorMessage, title, details);
+}
+
+} // namespace
+
+FileSystemOperationsRunnerPrivate::FileSystemOperationsRunnerPrivate(
+    FileSystemOperationsRunner* runner, AbstractOperationFactory* operationFactory)
+    : factory(operationFactory)
+    , m_runner(runner)
+{
+    connect(&m_timer, &QTimer::timeout, this, &FileSystemOperationsRunnerPrivate::runNextOperation);
+    connect(&m_watch, &TargetWatch::changed, this, &FileSystemOperationsRunnerPrivate::wake);
+    m_timer.start(pollInterval);
+}
+
+OperationPtr FileSystemOperationsRunnerPrivate::createCopyOperation(const FileSystemTarget& from,
+                                                                    const FileSystemTarget& to)
+{
+    return add(factory->createCopyOperation(from, to));
+}
+
+OperationPtr FileSystemOperationsRunnerPrivate::createMoveOperation(const FileSystemTarget& from,
+                                                                    const FileSystemTarget& to)
+{
+    return add(factory->createMoveOperation(from, to));
+}
+
+OperationPtr FileSystemOperationsRunnerPrivate::add(const OperationPtr& operation)
+{
+    if (!operation)
+        return operation;
+    allOperations.append(operation);
+    Q_EMIT m_runner->pendingOperationsChanged();
+    Q_EMIT m_runner->allOperationsChanged();
+    showNotificationOnFailure(operation);
+    wake(); // not before its caller is done with it
+    return operation;
+}
+
+void FileSystemOperationsRunnerPrivate::wake()
+{
+    if (std::exchange(m_isWoken, true))
+        return;
+    QMetaObject::invokeMethod(this, &FileSystemOperationsRunnerPrivate::runNextOperation,
+                              Qt::QueuedConnection);
+}
+
+void FileSystemOperationsRunnerPrivate::runNextOperation()
+{
+    m_isWoken = false;
+    if (activeOperation && !activeOperation->hasFinished())
+        return;
+    const OperationPtrList pending = m_runner->pendingOperations();
+    if (pending.isEmpty())
+        return;
+    const OperationPtr& next = pending.constFirst();
+    for (const FileSystemTarget& target : next->targets())
+        if (!target.fileSystem)
+            qCInfo(lcFileSystem) << "fileSystem not defined in operation" << *next;
+    if (const FileSystem* blocking = m_watch.blocking(*next)) {
+        qCDebug(lcFileSystem) << "File system" << blocking->fileSystemName() << "isn't ready for operation"
+                              << *next;
+        return;
+    }
+    start(next, pending.size() - 1);
+}
+
+void FileSystemOperationsRunnerPrivate::start(const OperationPtr& operation, qsizetype pendingCount)
+{
+    activeOperation = operation;
+    connect(operation.data(), &BaseOperation::operationStopped, this,
+            &FileSystemOperationsRunnerPrivate::onOperationFinished);
+    qCInfo(lcFileSystem) << "About to run next operation" << *operation
+                         << "- Pending operations:" << pendingCount;
+    auto* runnable = qobject_cast<RunnableOperation*>(operation.data());
+    if (!runnable) {
+        qCWarning(lcFileSystem) << "Failed to start operation" << *operation;
+        disconnect(operation.data(), &BaseOperation::operationStopped, this, nullptr);
+        activeOperation.reset();
+        return;
+    }
+    runnable->run();
+    Q_EMIT m_runner->allOperationsChanged();
+    Q_EMIT m_runner->pendingOperationsChanged();
+    Q_EMIT m_runner->activeOperationsChanged();
+}
+
+void FileSystemOperationsRunnerPrivate::onOperationFinished()
+{
+    if (!activeOperation || sender() != activeOperation.data()) {
+        qCCritical(lcFileSystem) << "Unexpected operation finished sender";
+        return;
+    }
+    qCInfo(lcFileSystem) << "Active operation finished. Clearing it for the next operation.";
+    activeOperation->disconnect(this);
+    activeOperation.reset();
+    Q_EMIT m_runner->allOperationsChanged();
+    Q_EMIT m_runner->activeOperationsChanged();
+    Q_EMIT m_runner->finishedOperationsChanged();
+    wake(); // the one that ends is still in the midst of saying so
+}
+
+void FileSystemOperationsRunnerPrivate::showNotificationOnFailure(const OperationPtr& operation)
+{
+    qCDebug(lcFileSystem) << "Observing failure notifications on" << *operation;
+    if (auto* runnable = qobject_cast<RunnableOperation*>(operation.data()))
+        connect(runnable, &RunnableOperation::operationAborted, this,
+                &FileSystemOperationsRunnerPrivate::showNotificationForFailedOperation);
+}
+
+void FileSystemOperationsRunnerPrivate::showNotificationForFailedOperation()
+{
+    // Who cancels what has not begun need not be told.
+    const bool isPending = std::ranges::any_of(allOperations, [this](const OperationPtr& operation) {
+        return operation.data() == sender() && operation != activeOperation && !operation->isRunning();
+    });
+    if (isPending)
+        return;
+    if (!activeOperation || sender() != activeOperation.data()) {
+        qCCritical(lcFileSystem) << "Unexpected operation finished sender";
+        return;
+    }
+    if (const auto* transfer = qobject_cast<const TransferOperation*>(activeOperation.data()))
+        notifyOfTransfer(*transfer);
+    else if (const auto* change = qobject_cast<const ModifyOperation*>(activeOperation.data()))
+        notify(tr("<b>File operation failed</b>"),
+               tr("<code>%1</code>").arg(change->target().fullPath.toHtmlEscaped()) +
+                   textOf(change->errors()));
+}
+
+void FileSystemOperationsRunnerPrivate::notifyOfTransfer(const TransferOperation& operation)
+{
+    const QList<OperationError> errors = operation.errors();
+    qCInfo(lcFileSystem) << "Transfer operation" << operation << "failed. Error count:" << errors.size()
+                         << "- Showing notification about it...";
+    notify(tr("<b>Transfer operation failed</b>"),
+           tr("From <code>%1</code> to <code>%2</code>")
+                   .arg(operation.from().fullPath.toHtmlEscaped(), operation.to().fullPath.toHtmlEscaped()) +
+               textOf(errors));
+}
+
+} // namespace vantrel

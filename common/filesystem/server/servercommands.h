@@ -1,0 +1,76 @@
+#pragma once
+
+#include <QList>
+#include <QObject>
+#include <QPointer>
+#include <QSharedPointer>
+
+#include <functional>
+#include <optional>
+
+namespace vantrel {
+
+class FileSystemClient;
+
+/// What the server file system wants of its client, one after the other: a command waits until there is a
+/// link and nothing else runs, and its owner hears how it ended. Owned by the server file system; main thread
+/// only.
+class ServerCommands : public QObject
+{
+    Q_OBJECT
+
+public:
+    enum class Kind { List, Remove, Create, Rename, Write, Read, Copy, Move, Size };
+    enum class Outcome {
+        Done,
+        Failed,   // the server said so
+        NotSent,  // the client did not take it, although it was free
+        LinkLost, // nobody knows how far it came
+    };
+    struct Command
+    {
+        Kind kind;
+        std::function<bool(FileSystemClient&)> send;
+        std::function<void(Outcome)> answer;
+    };
+
+    explicit ServerCommands(QSharedPointer<FileSystemClient> client, QObject* parent = nullptr);
+
+    /// Hears the client from now on, after whoever has connected itself before.
+    void follow();
+
+    /// The answer comes only while the owner lives.
+    void ask(QObject* owner, Command command);
+    /// Nothing of the owner's is sent or answered any more; what runs for it is aborted.
+    void drop(QObject* owner);
+    /// Something waits or runs.
+    bool hasWork() const { return m_running || !m_waiting.isEmpty(); }
+    /// Of the last Size that is Done: bytes.
+    qint64 size() const { return m_size; }
+
+Q_SIGNALS:
+    /// The last of the work is done.
+    void idle();
+
+private:
+    struct Asked
+    {
+        QPointer<QObject> owner;
+        Command command;
+    };
+
+    void pump();
+    void pumpSoon();
+    void onConnectedChanged(bool isConnected);
+    void onFinished(Kind kind, bool succeeded);
+    void end(Outcome outcome);
+
+    QSharedPointer<FileSystemClient> m_client;
+    QList<Asked> m_waiting;
+    std::optional<Asked> m_running;
+    qint64 m_size = -1;
+    int m_number = 0; // of the command that runs
+    bool m_isPumpDue = false;
+};
+
+} // namespace vantrel

@@ -1,0 +1,143 @@
+#include "common/filesystem/server/serverdownload.h"
+
+#include "common/filesystem/ftp/filesystemclient.h"
+#include "common/filesystem/model/filesystemlogging.h"
+#include "common/filesystem/model/pathhelpers.h"
+#include "common/filesystem/operations/filetransferoperation.h"
+#include "common/filesystem/server/serverfilesystem_p.h"
+
+#include <QFile>
+
+#include <algorithm>
+
+namespace vantrel {
+
+namespace {
+constexpr int attemptsInVain = 3;
+} // namespace
+
+ServerDownload::ServerDownload(ServerFileSystemPrivate* server,
+                               QSharedPointer<FileTransferOperation> operation)
+    : ServerTask(server, operation)
+    , m_transfer(operation.data())
+    , m_output(operation->output())
+    , m_source(operation->from().fullPath)
+{
+}
+
+ServerDownload::~ServerDownload() = default;
+
+void ServerDownload::start()
+{
+    server().keepConnection(m_transfer, connect(server().client(), &FileSystemClient::readProgressed, this,
+                                                &ServerDownload::onProgress));
+    m_sinceLog.start();
+    const std::optional<ClientFileSystemInfo> listed = server().listings().entry(m_source);
+    if (listed && listed->type == ClientFileSystemType::File)
+        m_size = listed->sizeBytes;
+    m_transfer->setTotalSizeBytes(static_cast<unsigned long long>(std::max<qint64>(0, m_size)));
+    if (operation()->isRunning()) // the other side may have found that there is no room for it
+        read(0);
+}
+
+void ServerDownload::read(qint64 offset)
+{
+    m_done = offset;
+    const auto get = [this, offset](FileSystemClient& client) {
+        if (offset == 0 && m_reached >= 0) { // anew
+            m_output->seek(0);
+            if (auto* file = qobject_cast<QFile*>(m_output.data()))
+                file->resize(0);
+        }
+        return offset > 0 ? client.resumeRead(m_source, m_output.data(), offset)
+                          : client.read(m_source, m_output.data(), 0);
+    };
+    askOnce(Kind::Read, get, [this](Outcome outcome) { onRead(outcome); });
+}
+
+void ServerDownload::onProgress(const QString& path, qint64 done, qint64 total)
+{
+    if (path != m_source)
+        return;
+    m_done = done;
+    if (total > 0 && total != m_size) {
+        m_size = total;
+        m_transfer->setTotalSizeBytes(static_cast<unsigned long long>(total));
+    }
+    m_transfer->setTransferredBytes(static_cast<unsigned long long>(done));
+    const double share = m_size > 0 ? static_cast<double>(done) / static_cast<double>(m_size) : 0.0;
+    m_transfer->setProgress(std::min(share, 1.0));
+    if (m_sinceLog.elapsed() <= 1000)
+        return;
+    m_sinceLog.start();
+    qCInfo(lcFileSystem) << "Reading file" << m_source << "progressed to" << done << "bytes of" << m_size
+                         << "bytes =" << qRound(share * 100);
+}
+
+void ServerDownload::onRead(Outcome outcome)
+{
+    if (outcome == Outcome::NotSent) {
+        qCWarning(lcFileSystem) << "Failed to request read from" << m_source << "to"
+                                << m_transfer->to().fullPath;
+        return fail(tr("<code>%1</code> could not be read").arg(m_source.toHtmlEscaped()));
+    }
+    qCInfo(lcFileSystem) << "Read operation finished for path" << m_source
+                         << "- Succeded:" << (outcome == Outcome::Done ? "true" : "false");
+    if (outcome != Outcome::Done || (m_size >= 0 && m_done != m_size))
+        return measure();
+    m_transfer->setProgress(1.0);
+    m_transfer->setReady(m_transfer->from(), true);
+}
+
+/// What there is to read by now, after a break.
+void ServerDownload::measure()
+{
+    ask(
+        Kind::Size, [this](FileSystemClient& client) { return client.size(m_source); },
+        [this](Outcome outcome) { onMeasured(outcome == Outcome::Done ? server().commands().size() : -1); });
+}
+
+void ServerDownload::onMeasured(qint64 bytes)
+{
+    m_vain = m_done > m_reached ? 0 : m_vain + 1;
+    m_reached = std::max(m_reached, m_done);
+    if (m_vain >= attemptsInVain || (bytes < 0 && m_done == 0))
+        return fail(tr("<code>%1</code> could not be read").arg(m_source.toHtmlEscaped()));
+    const bool isSame = bytes >= 0 && bytes == m_size && m_done < m_size;
+    m_size = bytes;
+    read(isSame ? m_done : 0);
+}
+
+void ServerDownload::fail(const QString& message)
+{
+    m_transfer->addErrorText(message + reason());
+    m_transfer->setReady(m_transfer->from(), false);
+}
+
+void ServerDownload::removeSource()
+{
+    const auto remove = [this](FileSystemClient& client) { return client.remove(m_source); };
+    askOnce(Kind::Remove, remove, [this](Outcome outcome) {
+        if (outcome == Outcome::NotSent)
+            qCWarning(lcFileSystem) << "File removal request failed during move operation. Path:" << m_source;
+        if (outcome != Outcome::LinkLost)
+            return onSourceRemoved(outcome == Outcome::Done);
+        readAnew(getParentPath(m_source), [this] { onSourceRemoved(!server().listings().entry(m_source)); });
+    });
+}
+
+void ServerDownload::onSourceRemoved(bool isRemoved)
+{
+    qCInfo(lcFileSystem) << "Remove operation finished for path" << m_source
+                         << "- Succeded:" << (isRemoved ? "true" : "false");
+    if (isRemoved)
+        server().listings().remove(m_source);
+    else
+        m_transfer->addErrorText(
+            tr("<code>%1</code> was copied but could not be removed").arg(m_source.toHtmlEscaped()) +
+            reason());
+    server().finishOperation(operationPointer(), isRemoved,
+                             {ServerFileSystemPrivate::directoryEntry(getParentPath(m_source))});
+}
+
+} // namespace vantrel

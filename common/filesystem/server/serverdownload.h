@@ -1,0 +1,49 @@
+#pragma once
+
+#include "common/filesystem/server/servertask.h"
+
+#include <QElapsedTimer>
+
+class QIODevice;
+
+namespace vantrel {
+
+class FileTransferOperation;
+
+/// A file on its way from the server into the device that the other side has opened. What a lost link has
+/// torn goes on where it broke off, as long as the file is the same. Of a move the source goes once the other
+/// side holds all of it.
+class ServerDownload : public ServerTask
+{
+    Q_OBJECT
+
+public:
+    ServerDownload(ServerFileSystemPrivate* server, QSharedPointer<FileTransferOperation> operation);
+    ~ServerDownload() override;
+
+    void start() override;
+    /// Both sides have all that they wanted: the source of a move is to go.
+    void removeSource();
+
+protected:
+    void fail(const QString& message) override;
+
+private:
+    void measure();
+    void onMeasured(qint64 bytes);
+    void read(qint64 offset);
+    void onRead(Outcome outcome);
+    void onProgress(const QString& path, qint64 done, qint64 total);
+    void onSourceRemoved(bool isRemoved);
+
+    FileTransferOperation* m_transfer; // the operation
+    QSharedPointer<QIODevice> m_output;
+    QString m_source;
+    qint64 m_size = -1;    // bytes of the source; -1 when the server does not say
+    qint64 m_done = 0;     // bytes in the device
+    qint64 m_reached = -1; // bytes in the device at the last break
+    int m_vain = 0;        // attempts that brought nothing
+    QElapsedTimer m_sinceLog;
+};
+
+} // namespace vantrel

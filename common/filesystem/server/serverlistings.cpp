@@ -1,0 +1,195 @@
+#include "common/filesystem/server/serverlistings.h"
+
+#include "common/filesystem/model/pathhelpers.h"
+
+#include <QSet>
+
+namespace vantrel {
+
+namespace {
+
+constexpr int freshFor = 6000; // milliseconds
+constexpr int dayMs = 24 * 60 * 60 * 1000;
+
+QString keyOf(const QString& directory)
+{
+    const QString path = normalizePath(directory);
+    return path.endsWith(u'/') ? path : path + u'/';
+}
+
+FileSystem::ItemType itemType(ClientFileSystemType type)
+{
+    switch (type) {
+    case ClientFileSystemType::File:
+        return FileSystem::File;
+    case ClientFileSystemType::Directory:
+        return FileSystem::Directory;
+    case ClientFileSystemType::Unknown:
+        break;
+    }
+    return FileSystem::Unknown;
+}
+
+void removeByName(QList<ClientFileSystemInfo>& entries, const QString& name)
+{
+    const auto found = std::ranges::find(entries, name, &ClientFileSystemInfo::name);
+    if (found != entries.end())
+        entries.erase(found);
+}
+
+} // namespace
+
+QString withoutTrailingSlash(const QString& path)
+{
+    const QString normal = normalizePath(path);
+    return normal.size() > 1 && normal.endsWith(u'/') ? normal.chopped(1) : normal;
+}
+
+bool ServerListings::isShown(const ClientFileSystemInfo& entry)
+{
+    static const QSet<QString> suffixes = [] {
+        const QStringList all = allFileExtensions({});
+        return QSet<QString>(all.cbegin(), all.cend());
+    }();
+    if (entry.name.startsWith(u'.'))
+        return false;
+    if (entry.type != ClientFileSystemType::File)
+        return entry.type == ClientFileSystemType::Directory;
+    const qsizetype dot = entry.name.lastIndexOf(u'.');
+    return dot >= 0 && suffixes.contains(entry.name.mid(dot + 1).toLower());
+}
+
+DirectoryListingRequest* ServerListings::find(const QString& directory)
+{
+    const auto found = m_listings.find(keyOf(directory));
+    return found == m_listings.end() ? nullptr : &*found;
+}
+
+bool ServerListings::isFresh(const QString& directory) const
+{
+    const auto found = m_listings.constFind(keyOf(directory));
+    if (found == m_listings.constEnd() || !found->time.isValid())
+        return false;
+    const int age = (found->time.msecsTo(m_clock()) + dayMs) % dayMs; // midnight may lie between
+    return age < freshFor;
+}
+
+bool ServerListings::isKnown(const QString& directory) const
+{
+    const auto found = m_listings.constFind(keyOf(directory));
+    return found != m_listings.constEnd() && found->isAnswered && isFresh(directory);
+}
+
+void ServerListings::noteRequest(const QString& directory)
+{
+    m_listings[keyOf(directory)].time = m_clock();
+}
+
+void ServerListings::noteNoAnswer(const QString& directory)
+{
+    const QString key = keyOf(directory);
+    const auto found = m_listings.find(key);
+    if (found == m_listings.end())
+        return;
+    found->time = {};
+    if (!found->isAnswered && !found->isWatched)
+        m_listings.erase(found);
+}
+
+void ServerListings::store(const QString& directory, const QList<ClientFileSystemInfo>& entries)
+{
+    Listing& listing = m_listings[keyOf(directory)];
+    listing.time = m_clock();
+    listing.isAnswered = true;
+    listing.entries.clear();
+    listing.all.clear();
+    listing.all.reserve(entries.size());
+    for (const ClientFileSystemInfo& entry : entries) {
+        listing.all.insert(entry.name, entry);
+        if (isShown(entry))
+            listing.entries.append(entry);
+    }
+}
+
+bool ServerListings::markStale(const QString& directory)
+{
+    DirectoryListingRequest* listing = find(directory);
+    if (!listing)
+        return false;
+    listing->time = {};
+    return true;
+}
+
+QStringList ServerListings::markTreeStale(const QString& directory)
+{
+    QStringList watched;
+    const QString key = keyOf(directory);
+    for (auto found = m_listings.lowerBound(key); found != m_listings.end() && found.key().startsWith(key);
+         ++found) {
+        found->time = {};
+        if (found->isWatched)
+            watched.append(found.key());
+    }
+    return watched;
+}
+
+void ServerListings::markAllUnanswered()
+{
+    for (Listing& listing : m_listings)
+        if (!listing.isAnswered)
+            listing.time = {};
+}
+
+void ServerListings::add(const QString& path, ClientFileSystemType type, qint64 sizeBytes)
+{
+    const QString plain = withoutTrailingSlash(path);
+    const bool isDirectory = type == ClientFileSystemType::Directory;
+    const ClientFileSystemInfo entry{type, getNameInPath(plain), isDirectory ? plain + u'/' : plain,
+                                     sizeBytes, false};
+    if (const auto parent = m_listings.find(keyOf(getParentPath(plain))); parent != m_listings.end()) {
+        if (parent->all.contains(entry.name))
+            removeByName(parent->entries, entry.name);
+        parent->all.insert(entry.name, entry);
+        if (isShown(entry))
+            parent->entries.append(entry);
+    }
+}
+
+void ServerListings::remove(const QString& path)
+{
+    const QString plain = withoutTrailingSlash(path);
+    const QString name = getNameInPath(plain);
+    if (const auto parent = m_listings.find(keyOf(getParentPath(plain))); parent != m_listings.end()) {
+        parent->all.remove(name);
+        removeByName(parent->entries, name);
+    }
+    const QString key = keyOf(plain);
+    for (auto found = m_listings.lowerBound(key); found != m_listings.end() && found.key().startsWith(key);)
+        found = m_listings.erase(found);
+}
+
+FileSystem::ItemType ServerListings::type(const QString& path) const
+{
+    if (withoutTrailingSlash(path) == QStringLiteral("/"))
+        return FileSystem::Directory;
+    const std::optional<ClientFileSystemInfo> found = entry(path);
+    return found && isShown(*found) ? itemType(found->type) : FileSystem::Unknown;
+}
+
+std::optional<ClientFileSystemInfo> ServerListings::entry(const QString& path) const
+{
+    const QString plain = withoutTrailingSlash(path);
+    const auto parent = m_listings.constFind(keyOf(getParentPath(plain)));
+    if (parent == m_listings.constEnd())
+        return {};
+    const auto found = parent->all.constFind(getNameInPath(plain));
+    return found == parent->all.constEnd() ? std::nullopt : std::optional(*found);
+}
+
+qint64 ServerListings::fileSize(const QString& path) const
+{
+    const std::optional<ClientFileSystemInfo> found = entry(path);
+    return found && found->type == ClientFileSystemType::File && isShown(*found) ? found->sizeBytes : -1;
+}
+
+} // namespace vantrel

@@ -1,0 +1,354 @@
+#include "common/filesystem/ftp/clientcredentials.h"
+#include "common/filesystem/ftp/ftpclient.h"
+#include "tests/support/ombraprocess.h"
+#include "tests/support/pureftpd.h"
+#include "tests/support/testmain.h"
+
+#include <QBuffer>
+#include <QDir>
+#include <QFile>
+#include <QRandomGenerator>
+#include <QSignalSpy>
+#include <QTemporaryFile>
+#include <QTest>
+#include <QTimer>
+
+#include <csignal>
+#include <memory>
+
+using namespace vantrel;
+using namespace std::chrono_literals;
+using vantrel::test::allowWarnings;
+using vantrel::test::OmbraProcess;
+using vantrel::test::PureFtpd;
+using Type = ClientFileSystemType;
+
+/// The client against servers as they are, with a look at the bytes on the disk.
+class TestFtpLive : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void init();
+    void cleanup();
+    void cleanupTestCase();
+    void roundTrip_data() { servers(); }
+    void roundTrip();
+    void manyFiles_data() { servers(); }
+    void manyFiles();
+    void abortStorm_data() { servers(); }
+    void abortStorm();
+    void serverComesBack();
+    void serverEndsWithOmbra();
+    void passwordStaysSecret();
+
+private:
+    static void servers();
+    bool useServer();
+    bool connectTo(quint16 port);
+    template <typename Signal, typename Start>
+    bool run(Signal signal, Start start, int succeededAt);
+    bool list(const QString& path, QStringList* names = nullptr);
+    bool put(const QString& path, const QByteArray& bytes, qint64 offset = 0);
+    bool get(const QString& path, QByteArray* bytes, qint64 offset = 0);
+    static qint64 fileServerOf(qint64 parent);
+
+    OmbraProcess m_ombra;
+    PureFtpd m_pure;
+    QString m_folder;
+    std::unique_ptr<FtpClient> m_client;
+    QList<QVariant> m_last; // of the signal that run() waited for
+};
+
+void TestFtpLive::initTestCase()
+{
+    if (!OmbraProcess::isAvailable())
+        QSKIP("no ombra was built");
+    QVERIFY2(m_ombra.start(), m_ombra.output().constData());
+    QVERIFY(m_ombra.ports().ftp != 0);
+    if (PureFtpd::isAvailable())
+        QVERIFY(m_pure.start());
+}
+
+void TestFtpLive::init()
+{
+    m_client = std::make_unique<FtpClient>();
+    m_client->setCredentials({QStringLiteral("opsadmin"), QStringLiteral("tnempius")});
+    m_client->setReconnectUnit(10ms);
+}
+
+void TestFtpLive::cleanup()
+{
+    m_client.reset();
+    if (!m_folder.isEmpty())
+        QDir(m_folder).removeRecursively();
+}
+
+void TestFtpLive::cleanupTestCase()
+{
+    m_ombra.stop();
+}
+
+void TestFtpLive::servers()
+{
+    QTest::addColumn<bool>("isPure");
+    QTest::newRow("ombra") << false;
+    QTest::newRow("pure-ftpd") << true;
+}
+
+bool TestFtpLive::connectTo(quint16 port)
+{
+    QSignalSpy connected(m_client.get(), &FtpClient::isServerConnectedChanged);
+    return m_client->connectToServer(QStringLiteral("127.0.0.1"), port) &&
+           QTest::qWaitFor([&] { return !connected.isEmpty() && connected.last().first().toBool(); }, 15000);
+}
+
+/// Each test works in a folder of its own, which it makes itself.
+bool TestFtpLive::useServer()
+{
+    QFETCH(bool, isPure);
+    m_folder = (isPure ? m_pure.folder() : m_ombra.mediaFolder()) + QStringLiteral("/t");
+    return connectTo(isPure ? m_pure.port() : m_ombra.ports().ftp) &&
+           run(
+               &FtpClient::createFinished,
+               [&] { return m_client->create(QStringLiteral("/t"), Type::Directory); }, 2);
+}
+
+/// Starts something and waits for its signal; true when it succeeded.
+template <typename Signal, typename Start>
+bool TestFtpLive::run(Signal signal, Start start, int succeededAt)
+{
+    QSignalSpy spy(m_client.get(), signal);
+    if (!start() || !QTest::qWaitFor([&] { return !spy.isEmpty(); }, 30000))
+        return false;
+    m_last = spy.first();
+    return m_last.at(succeededAt).toBool();
+}
+
+bool TestFtpLive::list(const QString& path, QStringList* names)
+{
+    const bool isDone = run(
+        &FtpClient::listFinished, [&] { return m_client->list(path); }, 2);
+    if (names) {
+        names->clear();
+        for (const auto& entry : m_last.at(1).value<QList<ClientFileSystemInfo>>()) {
+            if (entry.name != QLatin1String(".") && entry.name != QLatin1String(".."))
+                *names << entry.name;
+        }
+        names->sort();
+    }
+    return isDone;
+}
+
+bool TestFtpLive::put(const QString& path, const QByteArray& bytes, qint64 offset)
+{
+    QBuffer source;
+    source.setData(bytes);
+    source.open(QIODevice::ReadOnly);
+    return run(
+        &FtpClient::writeFinished,
+        [&] {
+            return offset ? m_client->resumeWrite(path, &source, offset) : m_client->write(path, &source, 0);
+        },
+        1);
+}
+
+bool TestFtpLive::get(const QString& path, QByteArray* bytes, qint64 offset)
+{
+    QBuffer sink(bytes);
+    sink.open(QIODevice::ReadWrite);
+    return run(
+        &FtpClient::readFinished,
+        [&] { return offset ? m_client->resumeRead(path, &sink, offset) : m_client->read(path, &sink, 0); },
+        1);
+}
+
+void TestFtpLive::roundTrip()
+{
+    QFETCH(bool, isPure);
+    if (isPure && m_pure.port() == 0)
+        QSKIP("pure-ftpd is not unpacked (./test does), or this is not root");
+    allowWarnings(QStringLiteral("Failed FTP command request"));
+    QVERIFY(useServer());
+    QStringList names{
+        QStringLiteral("plain.mov"),       QStringLiteral("two words.mov"), QStringLiteral("[1] x.mov"),
+        QStringLiteral("Bühne ünten.mov"), QStringLiteral("a -> b.mov"),    QStringLiteral("star *?.mov"),
+        QStringLiteral("quote \"'.mov"),   QStringLiteral(".hidden.mov"),   QStringLiteral("100%.mov")};
+    if (!isPure)
+        names << QStringLiteral("back\\slash.mov"); // which the other one cannot do
+    names.sort();
+    QByteArray bytes(2'500'000, '\0');
+    QRandomGenerator random(7);
+    random.fillRange(reinterpret_cast<quint32*>(bytes.data()), bytes.size() / 4);
+    for (const QString& name : std::as_const(names)) {
+        const QString path = QStringLiteral("/t/") + name;
+        QVERIFY2(put(path, bytes), qPrintable(name + m_client->lastErrorText()));
+        QFile onDisk(m_folder + QLatin1Char('/') + name);
+        QVERIFY2(onDisk.open(QIODevice::ReadOnly) && onDisk.readAll() == bytes, qPrintable(name));
+        QByteArray back;
+        QVERIFY(get(path, &back) && back == bytes);
+        const QString folder = QStringLiteral("/t/") + name + QStringLiteral(" [d]");
+        QVERIFY(run(
+            &FtpClient::createFinished, [&] { return m_client->create(folder, Type::Directory); }, 2));
+        QStringList inside;
+        QVERIFY(list(folder + QLatin1Char('/'), &inside));
+        QCOMPARE(inside, QStringList());
+        QVERIFY(run(
+            &FtpClient::removeFinished, [&] { return m_client->remove(folder + QLatin1Char('/')); }, 2));
+    }
+    QStringList found;
+    QVERIFY(list(QStringLiteral("/t/"), &found));
+    QCOMPARE(found, names);
+    QVERIFY(!list(QStringLiteral("/t/none/")));
+
+    // A transfer that goes on where an earlier one ended.
+    QFile half(m_folder + QStringLiteral("/plain.mov"));
+    QVERIFY(half.resize(1'000'000));
+    QVERIFY(run(
+        &FtpClient::sizeFinished, [&] { return m_client->size(QStringLiteral("/t/plain.mov")); }, 2));
+    QCOMPARE(m_last.at(1).toLongLong(), 1'000'000);
+    QVERIFY(put(QStringLiteral("/t/plain.mov"), bytes, 1'000'000));
+    QVERIFY(half.open(QIODevice::ReadOnly) && half.readAll() == bytes);
+    QByteArray begun = bytes.left(1'200'000);
+    QVERIFY(get(QStringLiteral("/t/plain.mov"), &begun, 1'200'000) && begun == bytes);
+    QVERIFY(put(QStringLiteral("/t/empty.mov"), QByteArray()));
+
+    // A finished upload takes the place of what was there.
+    QVERIFY(put(QStringLiteral("/t/.new.part"), "new"));
+    const QString target = QStringLiteral("/t/plain.mov");
+    QVERIFY(run(
+        &FtpClient::moveFinished, [&] { return m_client->move(QStringLiteral("/t/.new.part"), target); }, 3));
+    QByteArray now;
+    QVERIFY(get(target, &now));
+    QCOMPARE(now, QByteArray("new"));
+    QVERIFY(run(
+        &FtpClient::renameFinished, [&] { return m_client->rename(target, QStringLiteral("n.mov")); }, 2));
+    QVERIFY(QFile::exists(m_folder + QStringLiteral("/n.mov")));
+    QVERIFY(run(
+        &FtpClient::removeFinished, [&] { return m_client->remove(QStringLiteral("/t/n.mov")); }, 2));
+    QVERIFY(!QFile::exists(m_folder + QStringLiteral("/n.mov")));
+    QByteArray nothing;
+    QVERIFY(!get(target, &nothing));
+    QVERIFY(m_client->lastErrorText().startsWith(QStringLiteral("Downloading file failed:\n")));
+    QVERIFY(!m_client->isLoading());
+}
+
+void TestFtpLive::manyFiles()
+{
+    QFETCH(bool, isPure);
+    if (isPure && m_pure.port() == 0)
+        QSKIP("pure-ftpd is not unpacked (./test does), or this is not root");
+    QVERIFY(useServer());
+    for (int i = 0; i < 1500; ++i) {
+        QFile file(m_folder + QStringLiteral("/frame %1.png").arg(i, 5, 10, QLatin1Char('0')));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(QByteArray(i % 100, 'x'));
+    }
+    QVERIFY(list(QStringLiteral("/t")));
+    int files = 0;
+    for (const auto& entry : m_last.at(1).value<QList<ClientFileSystemInfo>>()) {
+        if (entry.type != Type::File)
+            continue;
+        ++files;
+        QCOMPARE(entry.sizeBytes, entry.name.mid(6, 5).toInt() % 100);
+    }
+    QCOMPARE(files, 1500);
+}
+
+/// Whenever an operator stops something, the next thing works on the same connection.
+void TestFtpLive::abortStorm()
+{
+    QFETCH(bool, isPure);
+    if (isPure && m_pure.port() == 0)
+        QSKIP("pure-ftpd is not unpacked (./test does), or this is not root");
+    allowWarnings(QStringLiteral("Failed FTP command request"));
+    QVERIFY(useServer());
+    const QByteArray large(40'000'000, 'x');
+    QVERIFY(put(QStringLiteral("/t/large.mov"), large));
+    QRandomGenerator random(20261125);
+    QSignalSpy connection(m_client.get(), &FtpClient::isServerConnectedChanged);
+    int cut = 0;
+    for (int round = 0; round < 60; ++round) {
+        QTimer moment;
+        moment.setSingleShot(true);
+        connect(&moment, &QTimer::timeout, m_client.get(), [&] { m_client->abort(); });
+        moment.start(int(random.bounded(25)));
+        QByteArray back;
+        const auto size = [&] { return m_client->size(QStringLiteral("/t/large.mov")); };
+        const bool isDone = round % 4 == 0   ? get(QStringLiteral("/t/large.mov"), &back)
+                            : round % 4 == 1 ? put(QStringLiteral("/t/other.mov"), large)
+                            : round % 4 == 2 ? list(QStringLiteral("/t"))
+                                             : run(&FtpClient::sizeFinished, size, 2);
+        moment.stop();
+        cut += isDone ? 0 : 1;
+        QVERIFY(round % 4 != 0 || !isDone || back == large);
+        for (int i = 0; i < 2; ++i) {
+            QVERIFY2(run(&FtpClient::sizeFinished, size, 2),
+                     qPrintable(QStringLiteral("round %1: ").arg(round) + m_client->lastErrorText()));
+            QCOMPARE(m_last.at(1).toLongLong(), large.size());
+        }
+    }
+    QVERIFY(cut > 10);
+    QCOMPARE(connection.size(), 0);
+}
+
+/// The process of the file server that has this parent; 0 when there is none.
+qint64 TestFtpLive::fileServerOf(qint64 parent)
+{
+    const QStringList processes = QDir(QStringLiteral("/proc")).entryList(QDir::Dirs);
+    for (const QString& number : processes) {
+        QFile stat(QStringLiteral("/proc/%1/stat").arg(number));
+        if (number.toLongLong() == 0 || !stat.open(QIODevice::ReadOnly))
+            continue;
+        const QByteArray text = stat.readAll();
+        const QList<QByteArray> fields = text.mid(text.lastIndexOf(')') + 2).split(' ');
+        if (fields.value(1).toLongLong() == parent && fields.value(0) != "Z")
+            return number.toLongLong();
+    }
+    return 0;
+}
+
+void TestFtpLive::serverComesBack()
+{
+    allowWarnings(QStringLiteral("Network error occurred"));
+    allowWarnings(QStringLiteral("Failed FTP command request"));
+    QVERIFY(connectTo(m_ombra.ports().ftp));
+    QSignalSpy connection(m_client.get(), &FtpClient::isServerConnectedChanged);
+    const qint64 before = fileServerOf(m_ombra.processId());
+    QVERIFY(before > 0);
+    ::kill(pid_t(before), SIGKILL);
+    QVERIFY(
+        QTest::qWaitFor([&] { return connection.size() >= 2 && connection.last().first().toBool(); }, 15000));
+    const qint64 after = fileServerOf(m_ombra.processId());
+    QVERIFY(after > 0 && after != before);
+    QVERIFY(list(QStringLiteral("/")));
+}
+
+void TestFtpLive::serverEndsWithOmbra()
+{
+    OmbraProcess ombra;
+    QVERIFY(ombra.start());
+    const qint64 child = fileServerOf(ombra.processId());
+    QVERIFY(child > 0);
+    ombra.kill();
+    const QString process = QStringLiteral("/proc/%1/exe").arg(child);
+    QVERIFY(QTest::qWaitFor(
+        [&] { return !QFileInfo(process).isSymLink() || QFile::symLinkTarget(process).isEmpty(); }, 5000));
+}
+
+void TestFtpLive::passwordStaysSecret()
+{
+    const qint64 child = fileServerOf(m_ombra.processId());
+    for (const qint64 process : {child, m_ombra.processId()}) {
+        for (const char* what : {"cmdline", "environ"}) {
+            QFile file(QStringLiteral("/proc/%1/%2").arg(process).arg(QLatin1String(what)));
+            QVERIFY(file.open(QIODevice::ReadOnly));
+            QVERIFY(!file.readAll().contains("tnempius"));
+        }
+    }
+    QVERIFY(!m_ombra.output().contains("tnempius"));
+}
+
+HALCYRA_TEST(TestFtpLive)
+#include "test_ftplive.moc"
