@@ -69,7 +69,7 @@ bool FilesModel::isAtTop() const
 
 bool FilesModel::isLocal() const
 {
-    return d->m_homes;
+    return d->m_isLocal;
 }
 
 QString FilesModel::kind() const

@@ -41,6 +41,7 @@ public:
     FilesModel* m_model;
     QPointer<FileSystem> m_fileSystem;
     QPointer<HomeLocations> m_homes;
+    bool m_isLocal;
     QString m_path;
     FileRows m_rows;
     QList<HomeLocation> m_places; // of the rows at the top

@@ -1,3 +1,4 @@
+#include "common/filesystem/local/localfilesystem.h"
 #include "common/filesystem/model/filesystemlogging.h"
 #include "common/filesystem/model/pathhelpers.h"
 #include "common/filesystem/models/filesmodel_p.h"
@@ -25,6 +26,7 @@ FilesModelPrivate::FilesModelPrivate(FilesModel* model, FileSystem* fileSystem, 
     : m_model(model)
     , m_fileSystem(fileSystem)
     , m_homes(homeLocations)
+    , m_isLocal(homeLocations || qobject_cast<LocalFileSystem*>(fileSystem))
 {
     m_sorters.setMaxThreadCount(1);
     m_resort.setSingleShot(true);
@@ -298,7 +300,7 @@ const FilesModelPrivate::Known& FilesModelPrivate::known(const FileRow& row, int
 bool FilesModelPrivate::requestMetadata(const QString& path, int row)
 {
     FileMetadata metadata;
-    if (!m_fileSystem || m_homes || !m_fileSystem->requestMetadata(path, metadata))
+    if (!m_fileSystem || m_isLocal || !m_fileSystem->requestMetadata(path, metadata))
         return false;
     keep(m_rows[static_cast<std::size_t>(row)].name, metadata);
     return true;

@@ -4,6 +4,7 @@
 #include "common/outputs/outputview.h"
 #include "common/player/linkbanner.h"
 #include "common/player/playerplaybackview.h"
+#include "common/qml/qmlmanager.h"
 #include "common/session/link/connectionhandler.h"
 #include "common/session/link/linkhealth.h"
 #include "common/session/mirror/objecttreemodel.h"
@@ -34,6 +35,7 @@
 #include "common/ui/toolkit/navbutton.h"
 #include "common/ui/toolkit/placeholderview.h"
 #include "common/ui/toolkit/stackedtabwidget.h"
+#include "common/views/files/filesview.h"
 
 #include <QApplication>
 #include <QHBoxLayout>
@@ -129,6 +131,7 @@ MainWindow::~MainWindow()
     delete m_inspector;
     for (const QPointer<QWidget>& view : std::as_const(m_views))
         delete view;
+    QMLManager::instance()->deinitialize();
     if (m_session->hotkeys() == m_hotkeys)
         m_session->setHotkeys(nullptr);
     setMainWindowWidget(nullptr);
@@ -215,8 +218,12 @@ void MainWindow::initOutputView()
 void MainWindow::initFileView()
 {
     const QString icon = QStringLiteral(":/icons/file.svg");
+    FilesView::Sources sources;
+    sources.session = m_session;
+    sources.provider = m_session->fileSystemProvider();
+    sources.operations = m_session->fileSystemOperations();
     addView(FilesTab, tr("FILES"), icon, QStringLiteral("MainNavigationBar-files-button"),
-            new PlaceholderView(icon, tr("File transfers are not part of this version yet."), m_tabs));
+            new FilesView(sources, m_tabs));
 }
 
 void MainWindow::initMediaView()

@@ -350,11 +350,11 @@ FocusScope {
             width: parent.width
             iconName: list.height < Theme.scaled(170) ? "" : !browser.isUsable ? "unlinked"
                     : browser.model.isWaiting ? "" : "folder_open"
-            title: !browser.isUsable ? qsTr("Not connected to a server")
+            title: !browser.isUsable ? qsTr("No files of a server")
                  : list.count > 0 ? ""
                  : browser.model.isWaiting ? (patience.isOver ? qsTr("Reading the folder ...") : "")
                  : qsTr("No media files here")
-            text: !browser.isUsable ? qsTr("Its files show here once it is connected.")
+            text: !browser.isUsable ? qsTr("They show here once a server that serves its files is connected.")
                 : list.count > 0 || browser.model.isWaiting ? browser.waitingText()
                 : browser.isTop ? qsTr("No drive is mounted.")
                 : browser.isLocal ? qsTr("Folders, videos, sound and pictures show here.")
