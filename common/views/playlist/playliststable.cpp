@@ -102,6 +102,8 @@ QVariant PlaylistsTable::headerData(int section, Qt::Orientation orientation, in
 
 Qt::ItemFlags PlaylistsTable::flags(const QModelIndex& index) const
 {
+    if (!index.isValid())
+        return Qt::NoItemFlags;
     const Qt::ItemFlags flags = Qt::ItemIsSelectable | Qt::ItemIsEnabled;
     const bool isTyped = index.column() == Column::PlainNameColumn || index.column() == Column::NumberColumn;
     return m_isEditable && isTyped ? flags | Qt::ItemIsEditable : flags;

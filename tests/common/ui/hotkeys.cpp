@@ -75,12 +75,12 @@ private Q_SLOTS:
         test::TestSettings settings;
         QWidget window;
         Hotkeys first(&window);
-        first.remap(QStringLiteral("redo"), QKeySequence(QStringLiteral("Ctrl+E")));
+        first.remap(QStringLiteral("redo"), QKeySequence(QStringLiteral("Ctrl+Shift+Y")));
         first.saveKeymap();
         settings.reopen();
         Hotkeys second(&window);
         QCOMPARE(second.loadKeymapFromConfiguration(), QString());
-        QCOMPARE(second.shortcut(QStringLiteral("redo"))->key(), QKeySequence(QStringLiteral("Ctrl+E")));
+        QCOMPARE(second.shortcut(QStringLiteral("redo"))->key(), QKeySequence(QStringLiteral("Ctrl+Shift+Y")));
         QCOMPARE(second.mapping(QStringLiteral("undo")), QKeySequence(QKeySequence::Undo));
     }
 
