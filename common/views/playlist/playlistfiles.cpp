@@ -18,6 +18,7 @@
 #include <QSaveFile>
 #include <QThreadPool>
 
+#include <algorithm>
 #include <memory>
 
 namespace vantrel {
@@ -25,6 +26,16 @@ namespace vantrel {
 namespace {
 
 const QString tables = QStringLiteral("CSV (*.csv)");
+
+/// Whether an import would change nothing, and so is no step to undo.
+bool isAlike(const Playlist* list, const ImportPlaylistCommand::Entries& entries)
+{
+    return list && list->getEntries().size() == std::size_t(entries.size()) &&
+           std::ranges::all_of(entries, [list](const auto& item) {
+               const PlaylistEntry* present = list->findEntry(item.first);
+               return present && *present == item.second;
+           });
+}
 
 } // namespace
 
@@ -88,7 +99,8 @@ void PlaylistFiles::openTable(const QString& fileName, const List& list)
     dialog->setWarning(list.warning);
     connect(dialog, &PlaylistImportDialog::importConfirmed, this,
             [this, list](const ImportPlaylistCommand::Entries& entries) {
-                if (isStillThere(list, tr("Import playlist")))
+                if (isStillThere(list, tr("Import playlist")) &&
+                    !isAlike(library().findPlaylist(static_cast<int>(list.number)), entries))
                     execute<ImportPlaylistCommand>(m_stack, "ImportPlaylistCommand", &library(),
                                                    static_cast<int>(list.number), list.name, entries);
             });

@@ -55,7 +55,7 @@ private Q_SLOTS:
         QTEST(int(reply->error()), "error");
     }
 
-    /// A flood of headers ends long before their time is over, of an edit's answer too.
+    /// A flood of headers ends with their time and fills nothing until then, of an edit's answer too.
     void givesUpHeadersWithoutEnd()
     {
         QTcpServer server;
@@ -76,19 +76,18 @@ private Q_SLOTS:
             connect(socket, &QTcpSocket::bytesWritten, socket, fill);
         });
         ServerAccess access;
-        access.setFloodBytes(32LL * 1024 * 1024);
+        access.setHeaderTime(1500);
         const QUrl url(QStringLiteral("http://127.0.0.1:%1/x").arg(server.serverPort()));
         QNetworkRequest request(url);
         request.setHeader(QNetworkRequest::ContentTypeHeader, QStringLiteral("application/json"));
         for (const bool isEdit : {false, true}) {
             sent = 0;
-            allowWarnings(QStringLiteral("An answer begins without end"));
             const std::unique_ptr<QNetworkReply> reply(
                 isEdit ? access.sendCustomRequest(request, "PATCH", QByteArray("[]")) : access.get(request));
-            QTRY_VERIFY_WITH_TIMEOUT(reply->isFinished(), 14000);
+            QTRY_VERIFY_WITH_TIMEOUT(reply->isFinished(), 10000);
             QVERIFY(reply->error() != QNetworkReply::NoError);
             qInfo("%lld MiB came", sent / (1024 * 1024));
-            QVERIFY(sent < 256LL * 1024 * 1024);
+            QVERIFY(sent < 64LL * 1024 * 1024);
         }
     }
 

@@ -131,6 +131,7 @@ void TestPlaylistPages::listsAreEdited()
     QFETCH(QKeySequence, key);
     QFETCH(QString, typed);
     QFETCH(QStringList, sent);
+    QFETCH(QString, told);
     QTableView* table = openPage();
     QVERIFY(table && table->isVisible());
     const QAbstractItemModelTester tester(table->model(),
@@ -144,7 +145,7 @@ void TestPlaylistPages::listsAreEdited()
         QTest::keyClick(field, Qt::Key_Return);
     }
     QTRY_COMPARE(undoCount(), int(!sent.isEmpty()));
-    QTEST(told(), "told");
+    QTRY_COMPARE(this->told(), told.toHtmlEscaped());
     if (key == QKeySequence(Qt::Key_Delete))
         QVERIFY(m_editor->findChild<ZTDialog*>(QStringLiteral("PlaylistEditor-remove-list-confirmation")));
     if (sent.isEmpty())
@@ -213,6 +214,8 @@ void TestPlaylistPages::columnsThatGaveWayAreEdited()
 void TestPlaylistPages::filesComeAndGo()
 {
     m_fixture->set("program", "media", quoted("brume://playlists/2/entries/14"));
+    const auto* end = m_fixture->part<QLabel>("Program-PlaylistEditor-end");
+    QTRY_VERIFY2(end->text().contains(QStringLiteral("not running")), qPrintable(end->text()));
     QTemporaryDir folder;
     const QString file = folder.filePath(QStringLiteral("show.csv"));
     const auto choose = [&](const char* action) {
