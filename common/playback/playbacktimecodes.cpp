@@ -9,6 +9,7 @@
 #include <QEvent>
 #include <QGridLayout>
 
+#include <limits>
 #include <utility>
 
 namespace vantrel {
@@ -163,7 +164,11 @@ void PlaybackTimecodes::setState(const QString& state)
 void PlaybackTimecodes::updateRemaining()
 {
     const double left = m_outpoint - m_position;
-    m_remaining->setTime(m_hasOutpoint && left > 0.0 ? left : 0.0);
+    // What runs without an end that is known is not over.
+    const bool isUnknown = m_position > 0.0 && m_outpoint <= 0.0;
+    m_remaining->setTime(isUnknown                     ? std::numeric_limits<double>::quiet_NaN()
+                         : m_hasOutpoint && left > 0.0 ? left
+                                                       : 0.0);
     if (!m_ended)
         return;
     // The last picture is the one that begins before the out point.

@@ -61,6 +61,7 @@ void PlaybackWidgetHeader::addDuration()
     m_infinite = new ZTLabel(tr("Infinite"), this);
     m_infinite->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     m_duration->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    m_duration->setZeroUnknown(true);
     m_durationStack = new QStackedWidget(this);
     m_durationStack->setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Preferred);
     m_durationStack->setToolTip(tr("Duration"));

@@ -391,7 +391,9 @@ void MediaLibraryApi::onLibraryReceived(QNetworkReply* reply)
 {
     if (reply->error() != QNetworkReply::NoError) {
         qCWarning(lcMedia) << "Failed to get media library " << reply->error();
-        fetchFailed(reply->errorString());
+        const int status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+        const QString reason = reply->attribute(QNetworkRequest::HttpReasonPhraseAttribute).toString();
+        fetchFailed(status > 0 ? tr("it answers \"%1 %2\"").arg(status).arg(reason) : reply->errorString());
         Q_EMIT mediaLibraryRequestFailed();
         return;
     }

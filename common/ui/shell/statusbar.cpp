@@ -105,7 +105,7 @@ void StatusBar::updateData()
     const QString version = m_system ? m_system->version() : QString();
     const QString address = m_connection ? m_connection->hostAddress() : QString();
     m_name->setText(m_system ? m_system->hostname() : QString());
-    m_address->setText(QStringLiteral("(%1) %2").arg(version, address));
+    m_address->setText(version.isEmpty() ? address : QStringLiteral("(%1) %2").arg(version, address));
 }
 
 void StatusBar::setSilence(const QString& text)

@@ -92,6 +92,12 @@ void TimecodeDisplay::setTime(double seconds)
     fit();
 }
 
+void TimecodeDisplay::setZeroUnknown(bool unknown)
+{
+    m_isZeroUnknown = unknown;
+    updateText();
+}
+
 void TimecodeDisplay::setFps(double fps)
 {
     m_fps = fps;
@@ -114,6 +120,10 @@ void TimecodeDisplay::onTimecodeViewModeChange(ConfigurationOption option, const
 
 void TimecodeDisplay::updateText()
 {
+    if (std::isnan(m_time) || (m_isZeroUnknown && m_time == 0.0)) {
+        setText(QStringLiteral("--:--:--"));
+        return;
+    }
     const long long ns = clocktime::fromSeconds(m_time);
     if (m_viewMode == TimecodeViewMode::Time) {
         setText(TimeUtils::formatClockTime(ns));

@@ -19,8 +19,11 @@ public:
 
     double getTime() const { return m_time; }
     double getFps() const { return m_fps; }
-    /// Seconds; the signals stay silent, the display being the end of the line.
+    /// Seconds, or NaN for a time that nobody knows, which is shown as "--:--:--". The signals stay silent,
+    /// the display being the end of the line.
     void setTime(double seconds);
+    /// For a time that is never none, a duration say.
+    void setZeroUnknown(bool unknown);
     /// The real rate, 29.97 say; the nominal one is its nearest whole number.
     void setFps(double fps);
     void setTimecodeViewMode(TimecodeViewMode mode);
@@ -49,6 +52,7 @@ private:
     void fit();
 
     bool m_figuresOnly = false;
+    bool m_isZeroUnknown = false;
     QColor m_background; // invalid: what lies below shows
     TimecodeViewMode m_viewMode = TimecodeViewMode::Time;
     double m_time = 0.0;
