@@ -59,15 +59,25 @@ private:
 
     static constexpr const char* script = R"(
 import sys
+import time
 from pyftpdlib.authorizers import DummyAuthorizer
-from pyftpdlib.handlers import FTPHandler, ThrottledDTPHandler, DTPHandler
+from pyftpdlib.handlers import FTPHandler, DTPHandler
 from pyftpdlib.servers import FTPServer
 folder, port, limit = sys.argv[1], int(sys.argv[2]), int(sys.argv[3])
-class Slow(ThrottledDTPHandler):
-    read_limit = write_limit = limit
+class Slow(DTPHandler):
     ac_in_buffer_size = ac_out_buffer_size = 16384
+    use_sendfile = False
+    def recv(self, size):
+        data = super().recv(size)
+        time.sleep(len(data) / limit)
+        return data
+    def send(self, data):
+        sent = super().send(data)
+        time.sleep(sent / limit)
+        return sent
 class Handler(FTPHandler):
     dtp_handler = Slow if limit else DTPHandler
+    use_sendfile = not limit
     def pre_process_command(self, line, cmd, arg):
         if cmd == 'LIST':
             if arg == '-a' or arg.startswith('-a '):

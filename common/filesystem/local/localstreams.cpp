@@ -16,6 +16,7 @@
 #include <cstdio>
 #include <sys/statvfs.h>
 #include <unistd.h>
+#include <utility>
 
 namespace vantrel {
 
@@ -56,6 +57,13 @@ LocalStreams::LocalStreams(FileSystem* fileSystem, StartJob startJob, QObject* p
     , m_fileSystem(fileSystem)
     , m_startJob(std::move(startJob))
 {
+}
+
+LocalStreams::~LocalStreams()
+{
+    // Those that the program ends in the midst of close when the last hold on them goes, with nobody to tell.
+    for (const QSharedPointer<QFile>& file : std::as_const(m_openFiles))
+        file->disconnect(this);
 }
 
 QSharedPointer<QFile> LocalStreams::openFile(const QString& path, QIODeviceBase::OpenMode mode)

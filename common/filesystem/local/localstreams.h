@@ -26,6 +26,7 @@ public:
         std::function<void(FileJob::Work work, std::function<void(const JobResult&)> onFinished)>;
 
     LocalStreams(FileSystem* fileSystem, StartJob startJob, QObject* parent);
+    ~LocalStreams() override;
 
     bool initializeIncomingTransfer(const QSharedPointer<FileTransferOperation>& operation);
     bool initializeOutgoingTransfer(const QSharedPointer<FileTransferOperation>& operation);

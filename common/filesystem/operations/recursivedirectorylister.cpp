@@ -6,6 +6,7 @@
 #include <QDebug>
 #include <QElapsedTimer>
 
+#include <algorithm>
 #include <utility>
 
 namespace vantrel {
@@ -181,7 +182,9 @@ void RecursiveDirectoryLister::savePathContent(const QString& path, const Conten
 
 void RecursiveDirectoryLister::handleInvalidDirectoryRequest(const QString& path)
 {
-    if (!m_isRunning || (path != m_inFlight && !m_queue.contains(path)))
+    const auto isThis = [key = keyOf(path)](const QString& asked) { return keyOf(asked) == key; };
+    const bool isInFlight = !m_inFlight.isEmpty() && isThis(m_inFlight);
+    if (!m_isRunning || (!isInFlight && std::ranges::none_of(m_queue, isThis)))
         return;
     qCInfo(lcFileSystem) << "Invalid path request:" << path;
     m_hasFailed = true;

@@ -355,8 +355,7 @@ void TestFtpEngine::ipv6()
     QCOMPARE(s.server.count("EPSV"), 1);
     // A server that does not know it is asked the other way from then on.
     s.server.answers["EPSV"] = "500 what?\r\n";
-    expectWarning(QStringLiteral("another host")); // an address of IPv4, of which only the port counts
-    expectWarning(QStringLiteral("another host"));
+    // That can only name an address of IPv4: here the same machine's.
     QVERIFY(s.succeeds(s.ftp.list()));
     QVERIFY(s.succeeds(s.ftp.list()));
     QCOMPARE(s.server.count("EPSV"), 2);
