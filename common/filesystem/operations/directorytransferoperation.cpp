@@ -209,7 +209,7 @@ QSharedPointer<RecursiveDirectoryLister> DirectoryTransferOperation::directoryLi
 QList<FileSystemPath> DirectoryTransferOperation::getPathList(RecursiveDirectoryLister::DirectoryItem& item)
 {
     QList<FileSystemPath> paths;
-    parseDirectoryPaths(paths, getParentPath(from().fullPath), m_name, item);
+    parseDirectoryPaths(paths, getParentPath(from().fullPath), getNameInPath(from().fullPath), item);
     if (transferType() == Move)
         appendEmptied(paths);
     setTotalSizeBytes(static_cast<unsigned long long>(item.sizeBytes));
