@@ -135,8 +135,8 @@ private Q_SLOTS:
         program->button(int(AudioPlaybackDevice::Dante))->click();
         QTRY_COMPARE(second.audioDevice(), std::string("dante"));
         QTRY_VERIFY(view.findChild<QWidget*>(QStringLiteral("danteEnabledMessage"))->isVisible());
-        QCOMPARE(m_session->sceneObjectProvider()->programPlayback()->audioDevice(),
-                 AudioPlaybackDevice::Dante);
+        QTRY_COMPARE(m_session->sceneObjectProvider()->programPlayback()->audioDevice(),
+                     AudioPlaybackDevice::Dante);
 
         second.handler.sendPatch(PatchOp::invoke(Path("/device/channels/0/program/methods/selectAudioDevice"),
                                                  {{"device", "xlr"}}));
