@@ -66,7 +66,6 @@ from pyftpdlib.servers import FTPServer
 folder, port, limit = sys.argv[1], int(sys.argv[2]), int(sys.argv[3])
 class Slow(DTPHandler):
     ac_in_buffer_size = ac_out_buffer_size = 16384
-    use_sendfile = False
     def recv(self, size):
         data = super().recv(size)
         time.sleep(len(data) / limit)

@@ -119,10 +119,8 @@ OperationPtr FileSystemOperationsRunner::retryOperation(OperationPtr operation)
     const OperationPtr retry = failed->transferType() == TransferOperation::Move
                                    ? m_private->createMoveOperation(failed->from(), failed->to())
                                    : m_private->createCopyOperation(failed->from(), failed->to());
-    if (auto* transfer = qobject_cast<TransferOperation*>(retry.data())) {
-        transfer->setConflictPolicy(failed->conflictPolicy());
-        transfer->setRetry(true);
-    }
+    if (auto* transfer = qobject_cast<TransferOperation*>(retry.data()))
+        transfer->setRetryOf(*failed);
     return retry;
 }
 

@@ -182,6 +182,24 @@ private Q_SLOTS:
         QCOMPARE(m_queue->transfer(1)->conflictPolicy(), ConflictPolicy::KeepBoth);
     }
 
+    /// Also of a transfer that nobody has brought here.
+    void mergingAFolderReplacesNoFiles()
+    {
+        ConflictDesk desk(m_queue.get());
+        const OperationPtr folder = start("/shows/Act/");
+        start("/shows/a.mov");
+        for (int i : {0, 1})
+            m_queue->transfer(i)->setConflictPolicy(ConflictPolicy::Ask);
+        QSignalSpy asked(&desk, &ConflictDesk::questionChanged);
+        m_queue->transfer(0)->run();
+        m_queue->transfer(0)->askConflict({QStringLiteral("/media/Act"), true});
+        QCOMPARE(asked.size(), 1);
+        desk.answer(ConflictDesk::Answer::Replace, true);
+        QVERIFY(!desk.isAsking());
+        QCOMPARE(m_queue->transfer(0)->conflictPolicy(), ConflictPolicy::Ask);
+        QCOMPARE(m_queue->transfer(1)->conflictPolicy(), ConflictPolicy::Ask);
+    }
+
     void timeLeftHasUnits()
     {
         QCOMPARE(etaText(8), QStringLiteral("8 s"));

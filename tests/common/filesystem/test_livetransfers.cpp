@@ -97,7 +97,8 @@ private Q_SLOTS:
     {
         QVERIFY(connectTo());
         const QStringList names{QStringLiteral("a.mov"), QStringLiteral("sub [1]/b c.mp4"),
-                                QStringLiteral("sub [1]/deep/\u00e4.wav"), QStringLiteral("none.mkv")};
+                                QStringLiteral("sub [1]/deep/\u00e4.wav"), QStringLiteral("none.mkv"),
+                                QString(251, u'x') + QStringLiteral(".mov")};
         for (const QString& name : names)
             write(disk(QStringLiteral("show/") + name), noise(name.startsWith(u'n') ? 0 : 70000));
         QDir().mkpath(disk(QStringLiteral("show/empty")));
