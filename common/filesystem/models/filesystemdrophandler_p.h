@@ -21,7 +21,10 @@ public:
     FileSystemDropHandlerPrivate(FileSystemProvider* provider, FileSystemOperations* operations,
                                  ConflictDesk* desk);
 
-    bool drop(const QVariantMap& mime, const QVariant& target, const QString& targetPath, bool moves);
+    /// A drag moves within a side and copies to the other one.
+    enum class How { Drag, Copy, Move };
+
+    bool drop(const QVariantMap& mime, const QVariant& target, const QString& targetPath, How how);
     FileSystem* getFileSystem(const QString& name) const;
     FileSystem* targetOf(const QVariant& target) const;
     /// Nothing when one element is not sound.
@@ -31,7 +34,7 @@ public:
                                         FileSystem* target, const QString& targetPath) const;
     bool isValid(const DropEntry& entry) const;
     QString filterPath(const QString& path, FileSystem* fileSystem) const;
-    void handleEntries(const Entries& entries, bool moves);
+    void handleEntries(const Entries& entries, How how);
 
     FileSystemProvider* m_provider;
     FileSystemOperations* m_operations;

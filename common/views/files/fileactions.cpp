@@ -3,6 +3,7 @@
 #include "common/filesystem/model/pathhelpers.h"
 #include "common/filesystem/models/conflictdesk.h"
 #include "common/filesystem/models/filesystemdrophandler.h"
+#include "common/session/settings/configuration.h"
 #include "common/ui/toolkit/ztdrag.h"
 
 #include <QLocale>
@@ -19,6 +20,22 @@ FileActions::FileActions(QWidget* view, FileSystemDropHandler* drops, ConflictDe
     , m_drops(drops)
     , m_desk(desk)
 {
+    if (Configuration* settings = configuration())
+        connect(settings, &Configuration::optionChanged, this, [this](ConfigurationOption option) {
+            if (option == TRANSFER_LIMIT_WHILE_PLAYING)
+                Q_EMIT transferLimitChanged();
+        });
+}
+
+double FileActions::transferLimit() const
+{
+    return configurationValue(TRANSFER_LIMIT_WHILE_PLAYING).toDouble();
+}
+
+void FileActions::setTransferLimit(double megabytes)
+{
+    if (Configuration* settings = configuration())
+        settings->setValue(TRANSFER_LIMIT_WHILE_PLAYING, megabytes);
 }
 
 void FileActions::startDrag(FilesModel* model, const QList<int>& rows)

@@ -107,6 +107,15 @@ private Q_SLOTS:
         QVERIFY(!drops.dropUrls({QUrl("http://a/b.mov")}, server, QStringLiteral("/media/")));
         QCOMPARE(m_queue->calls, (QStringList{"copy /shows/Act/ /media/", "copy /shows/b.mov /media/",
                                               "move /shows/a.mov /media/", "copy /shows/b.mov /media/"}));
+        // What is put elsewhere on its own side leaves only when it is dragged there.
+        m_queue->calls.clear();
+        const QVariant local = QVariant::fromValue<FileSystem*>(m_local.get());
+        QVERIFY(drops.dropMimeData(model.mimeOf({1}), local, QStringLiteral("/shows/Act/")));
+        QVERIFY(drops.copyMimeData(model.mimeOf({1}), local, QStringLiteral("/shows/Act/")));
+        QVERIFY(drops.dropUrls({QUrl::fromLocalFile("/shows/a.mov")}, local, QStringLiteral("/shows/Act/")));
+        QCOMPARE(m_queue->calls,
+                 (QStringList{"move /shows/a.mov /shows/Act/", "copy /shows/a.mov /shows/Act/",
+                              "copy /shows/a.mov /shows/Act/"}));
     }
 
     void operationsShowWhatTheyDo()

@@ -8,6 +8,7 @@ ZTMenu {
 
     property var browser
 
+    onOpened: toolTips.hide(parent)
     onClosed: browser.takeFocus()
 
     Instantiator {

@@ -63,7 +63,7 @@ Item {
 
         anchors { left: icon.right; leftMargin: Theme.normal; verticalCenter: parent.verticalCenter }
         width: Math.max(0, row.width * 0.4 - icon.width)
-        text: row.isTransfer ? qsTr("%1  ›  %2").arg(row.name).arg(row.where) : qsTr("%1 %2").arg(row.operationType).arg(row.name)
+        text: row.isTransfer ? qsTr("%1  ›  %2").arg(row.name).arg(row.where === "/" && row.isUpload ? qsTr("Server") : row.where) : qsTr("%1 %2").arg(row.operationType).arg(row.name)
         color: row.isOpen ? Theme.text : Theme.dim
         elide: Text.ElideMiddle
         Accessible.ignored: true
