@@ -9,7 +9,6 @@
 #include <QLocale>
 #include <QMimeData>
 #include <QPointer>
-#include <QTimer>
 #include <QWidget>
 
 namespace vantrel {
@@ -43,10 +42,11 @@ void FileActions::startDrag(FilesModel* model, const QList<int>& rows)
     if (!model || rows.isEmpty())
         return;
     // Once the view is done with the mouse's move: while a drag runs it gets no other.
-    QTimer::singleShot(0, this, [this, from = QPointer<FilesModel>(model), rows] {
+    const auto begin = [this, from = QPointer<FilesModel>(model), rows] {
         if (from)
             runDrag(from, rows);
-    });
+    };
+    QMetaObject::invokeMethod(this, begin, Qt::QueuedConnection);
 }
 
 void FileActions::runDrag(FilesModel* model, const QList<int>& rows)

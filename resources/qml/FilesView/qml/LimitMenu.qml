@@ -6,8 +6,6 @@ import ZTCommon 1.0
 ZTMenu {
     id: menu
 
-    onOpened: toolTips.hide(parent)
-
     Instantiator {
         model: [0, 1, 2, 5, 10, 20, 50, 100]
         delegate: ZTMenuItem {

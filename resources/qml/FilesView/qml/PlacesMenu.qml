@@ -8,7 +8,6 @@ ZTMenu {
 
     property var browser
 
-    onOpened: toolTips.hide(parent)
     onClosed: browser.takeFocus()
 
     Instantiator {

@@ -23,6 +23,7 @@ ShrinkableFrame {
             kind: "flat"
             text: fileActions.transferLimit > 0 ? qsTr("Limit: %1 MB/s").arg(fileActions.transferLimit) : qsTr("No limit")
             tip: qsTr("The most that transfers take while program plays; what is on air comes first")
+            isOpen: limitMenu.item !== null && limitMenu.item.visible
             onClicked: limitMenu.item ? limitMenu.item.open() : limitMenu.active = true
 
             Loader {
