@@ -7,6 +7,7 @@ import http.server
 import json
 import os
 import pathlib
+import shutil
 import signal
 import subprocess
 import sys
@@ -420,6 +421,9 @@ def files(options, name, **how):
     for file, size in {"Applause.wav": 9_400_000, "Curtain.mov": 212_000_000, "Doors open.mp4": 31_000_000,
                        "Sponsor plate.png": 812_000}.items():
         fill(shows / file, size)
+    for sent in ("Act 1", "Act 2"):
+        shutil.rmtree(options.media / sent, ignore_errors=True)
+    (options.media / "Sponsor plate.png").unlink(missing_ok=True)
     with Window(options, **how) as window:
         window.run_show()
         window.click("MainNavigationBar-files-button")
