@@ -76,6 +76,7 @@ Item {
             required property var modelData
 
             height: list.height
+            opacity: x + 1 < list.contentX ? 0 : 1 // no half of a name
 
             ZTIcon {
                 anchors.verticalCenter: parent.verticalCenter
