@@ -7,12 +7,14 @@
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
+#include <QEventLoop>
 #include <QFile>
 #include <QLoggingCategory>
 #include <QProcess>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTimer>
 
 #include <algorithm>
 #include <functional>
@@ -120,18 +122,18 @@ public:
     {
         QList<ClientFileSystemInfo> entries;
         std::unique_ptr<QFile> sink;
-        bool isOver = false;
         bool isSound = true;
+        QEventLoop loop; // waiting for a condition sleeps between two looks
         const auto next = [&] {
             while (!entries.isEmpty() && entries.last().type != ClientFileSystemType::File)
                 entries.removeLast();
-            isOver = entries.isEmpty();
-            if (isOver)
-                return;
+            if (entries.isEmpty())
+                return loop.quit();
             const ClientFileSystemInfo entry = entries.takeLast();
             sink = std::make_unique<QFile>(local(entry.name));
             isSound = sink->open(QIODevice::WriteOnly) && m_client.read(entry.path, sink.get(), 0) && isSound;
-            isOver = !isSound;
+            if (!isSound)
+                loop.quit();
         };
         QObject context;
         QObject::connect(&m_client, &FtpClient::listFinished, &context,
@@ -144,8 +146,14 @@ public:
             isSound = succeeded && isSound;
             next();
         });
-        return m_client.list(QLatin1Char('/') + name) && QTest::qWaitFor([&] { return isOver; }, limit) &&
-               isSound;
+        QTimer::singleShot(limit, &loop, [&] {
+            isSound = false;
+            loop.quit();
+        });
+        if (!m_client.list(QLatin1Char('/') + name))
+            return false;
+        loop.exec();
+        return isSound;
     }
 
 private:

@@ -355,8 +355,16 @@ void FtpClientPrivate::onFtpCommandFinished(int id, bool error)
         QString text;
         const QFtp::Error code = m_worker->getError(&text);
         m_errorText = text;
-        qCWarning(lcFtp) << "Failed FTP command request with ID:" << id << "- Current request:" << request
-                         << ", error:" << code << "=" << text;
+        QString said;
+        QDebug(&said) << "Failed FTP command request with ID:" << id << "- Current request:" << request
+                      << ", error:" << code << "=" << text;
+        // A server that is not there is an ordinary state, and asked for again and again.
+        const bool isAttempt = request.command == QFtp::ConnectToHost || request.command == QFtp::Login;
+        if (isAttempt &&
+            (code == QFtp::ConnectionRefused || code == QFtp::NotConnected || code == QFtp::NoError))
+            qCInfo(lcFtp).noquote() << said;
+        else
+            qCWarning(lcFtp).noquote() << said;
     } else {
         qCDebug(lcFtp) << "Finished FTP command request with ID:" << id << "- Current request:" << request;
         if (id == request.id)

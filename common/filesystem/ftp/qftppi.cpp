@@ -155,7 +155,11 @@ void QFtpPI::socketError(QAbstractSocket::SocketError error)
 {
     if (error == QAbstractSocket::RemoteHostClosedError)
         return; // an ordinary end: what was said last is read before it is told
-    qCWarning(lcFtp) << "Network error occurred:" << error;
+    // A server that is not there is an ordinary state, and asked for again and again.
+    if (error == QAbstractSocket::ConnectionRefusedError)
+        qCInfo(lcFtp) << "Network error occurred:" << error;
+    else
+        qCWarning(lcFtp) << "Network error occurred:" << error;
     const QString host = m_commandSocket.peerName();
     switch (error) {
     case QAbstractSocket::HostNotFoundError:

@@ -80,7 +80,8 @@ private Q_SLOTS:
         settings.reopen();
         Hotkeys second(&window);
         QCOMPARE(second.loadKeymapFromConfiguration(), QString());
-        QCOMPARE(second.shortcut(QStringLiteral("redo"))->key(), QKeySequence(QStringLiteral("Ctrl+Shift+Y")));
+        QCOMPARE(second.shortcut(QStringLiteral("redo"))->key(),
+                 QKeySequence(QStringLiteral("Ctrl+Shift+Y")));
         QCOMPARE(second.mapping(QStringLiteral("undo")), QKeySequence(QKeySequence::Undo));
     }
 

@@ -1,0 +1,227 @@
+// Whole folders and trees as the window moves them, by the queue of file work and the storage of a server,
+// beside lftp on the same pure-ftpd.
+#include "bench/row.h"
+#include "common/filesystem/operations/recursivedirectorylister.h"
+#include "common/filesystem/operations/runnableoperation.h"
+#include "common/filesystem/schedule/clientfactory.h"
+#include "common/filesystem/schedule/defaultfilesystemprovider.h"
+#include "common/filesystem/schedule/filesystemoperationsrunner.h"
+#include "common/filesystem/schedule/operationfactory.h"
+#include "common/filesystem/server/serverfilesystem.h"
+#include "tests/support/pureftpd.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QEventLoop>
+#include <QFile>
+#include <QLoggingCategory>
+#include <QProcess>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTimer>
+
+#include <algorithm>
+#include <functional>
+
+using namespace vantrel;
+using vantrel::bench::row;
+using vantrel::test::PureFtpd;
+
+namespace {
+
+constexpr int folders = 20;
+constexpr int filesInEach = 100;
+constexpr int smallSize = 10 * 1024;
+constexpr int treeFolders = 2000;
+constexpr int treeFilesInEach = 10;
+constexpr int limit = 300'000; // milliseconds
+
+void fill(const QString& path, int size)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(QByteArray(size, 'x')) != size)
+        qFatal("%s cannot be written", qPrintable(path));
+}
+
+double seconds(const std::function<void()>& work)
+{
+    QElapsedTimer clock;
+    clock.start();
+    work();
+    return double(clock.nsecsElapsed()) / 1e9;
+}
+
+/// The longest time for which the main thread looked at nothing else, while it lives.
+class StallWatch
+{
+public:
+    StallWatch()
+    {
+        m_timer.setTimerType(Qt::PreciseTimer);
+        QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this] {
+            m_longest = std::max(m_longest, double(m_since.nsecsElapsed()) / 1e6 - tick);
+            m_since.restart();
+        });
+        m_since.start();
+        m_timer.start(tick);
+    }
+    double longestMs() const { return m_longest; }
+
+private:
+    static constexpr int tick = 1;
+    QTimer m_timer;
+    QElapsedTimer m_since;
+    double m_longest = 0;
+};
+
+class Peer
+{
+public:
+    Peer()
+    {
+        if (!PureFtpd::isAvailable() || !m_pure.start())
+            qFatal("pure-ftpd is not there: ./test unpacks it, and it wants root");
+        m_server = std::make_unique<ServerFileSystem>(
+            QUrl(QStringLiteral("ftp://127.0.0.1:%1").arg(m_pure.port())), &m_clients);
+        m_server->setUsername(QStringLiteral("opsadmin"));
+        m_server->setPassword(QStringLiteral("tnempius"));
+        m_server->connectToServer();
+        if (!QTest::qWaitFor([this] { return m_server->isReady() && !m_server->isLoading(); }, 10000))
+            qFatal("the server does not answer");
+    }
+    QString remote(const QString& below) const { return m_pure.folder() + u'/' + below; }
+    QString local(const QString& below) const { return m_disk.filePath(below); }
+    ServerFileSystem* server() { return m_server.get(); }
+
+    void lftp(const QString& command) const
+    {
+        const QStringList arguments{QStringLiteral("-u"), QStringLiteral("opsadmin,tnempius"),
+                                    QStringLiteral("-e"), command + QStringLiteral("; bye"),
+                                    QStringLiteral("ftp://127.0.0.1:%1/").arg(m_pure.port())};
+        QProcess process;
+        process.setStandardOutputFile(QProcess::nullDevice());
+        process.start(QStringLiteral("lftp"), arguments);
+        if (!process.waitForFinished(limit) || process.exitCode() != 0)
+            qFatal("lftp failed");
+    }
+
+    void up(const QString& name)
+    {
+        finish(m_queue.copy(disk(), local(name), m_server.get(), QStringLiteral("/")));
+    }
+    void down(const QString& name, const QString& to)
+    {
+        // Listed, as what is dragged has been.
+        QList<FileSystemFile> files;
+        if (!QTest::qWaitFor(
+                [&] {
+                    m_server->getFiles(QStringLiteral("/"), files);
+                    return m_server->getType(u'/' + name) == FileSystem::Directory;
+                },
+                limit))
+            qFatal("the server does not list %s", qPrintable(name));
+        QDir().mkpath(to);
+        finish(m_queue.copy(m_server.get(), u'/' + name, disk(), to));
+    }
+    void read(const QString& path)
+    {
+        RecursiveDirectoryLister lister(m_server.get(), path, 0);
+        QEventLoop loop;
+        QObject::connect(&lister, &RecursiveDirectoryLister::hasFinishedChanged, &loop, [&] {
+            if (lister.hasFinished())
+                loop.quit();
+        });
+        QTimer::singleShot(limit, &loop, [&] { loop.exit(1); });
+        lister.start();
+        if (loop.exec() != 0 || !lister.isValid())
+            qFatal("the tree cannot be read");
+    }
+
+private:
+    static FileSystem* disk() { return DefaultFileSystemProvider::instance()->getLocalFileSystem(); }
+
+    static void finish(const OperationPtr& operation)
+    {
+        if (!operation)
+            qFatal("the queue takes no operation");
+        QEventLoop loop;
+        QObject::connect(operation.get(), &BaseOperation::operationStopped, &loop, &QEventLoop::quit);
+        QTimer::singleShot(limit, &loop, &QEventLoop::quit);
+        if (!operation->hasFinished())
+            loop.exec();
+        const auto runnable = qSharedPointerCast<RunnableOperation>(operation);
+        if (runnable->state() != RunnableOperation::OperationState::Passed)
+            qFatal("an operation failed");
+    }
+
+    PureFtpd m_pure;
+    QTemporaryDir m_disk;
+    ClientFactory m_clients;
+    OperationFactory m_operations;
+    std::unique_ptr<ServerFileSystem> m_server;
+    FileSystemOperationsRunner m_queue{&m_operations};
+};
+
+void manySmallFiles(Peer& peer)
+{
+    for (int folder = 0; folder < folders; ++folder) {
+        const QString path = peer.local(QStringLiteral("small/%1").arg(folder));
+        QDir().mkpath(path);
+        for (int i = 0; i < filesInEach; ++i)
+            fill(QStringLiteral("%1/%2.png").arg(path).arg(i), smallSize);
+    }
+    double up = 1e9, down = 1e9, theirUp = 1e9, theirDown = 1e9, stall = 1e9;
+    for (int round = 0; round < 3; ++round) {
+        const QString back = peer.local(QStringLiteral("back%1").arg(round));
+        {
+            const StallWatch watch;
+            up = std::min(up, seconds([&] { peer.up(QStringLiteral("small")); }));
+            down = std::min(down, seconds([&] { peer.down(QStringLiteral("small"), back); }));
+            stall = std::min(stall, watch.longestMs());
+        }
+        QDir(peer.remote(QStringLiteral("small"))).removeRecursively();
+        const QString source = peer.local(QStringLiteral("small"));
+        theirUp = std::min(theirUp,
+                           seconds([&] { peer.lftp(QStringLiteral("mirror -R %1 /theirs").arg(source)); }));
+        theirDown = std::min(
+            theirDown, seconds([&] { peer.lftp(QStringLiteral("mirror /theirs %1/theirs").arg(back)); }));
+        QDir(peer.remote(QStringLiteral("theirs"))).removeRecursively();
+    }
+    row("ftp/folder-of-2000-up", "lftp mirror -R", up, theirUp, "s", 1);
+    row("ftp/folder-of-2000-down", "lftp mirror", down, theirDown, "s", 1);
+    row("ftp/folder-of-2000-longest-stall", "the limit of 16 ms, best of three", stall, 16, "ms", 1);
+}
+
+void tree(Peer& peer)
+{
+    for (int folder = 0; folder < treeFolders; ++folder) {
+        const QString path = peer.remote(QStringLiteral("tree/%1/%2").arg(folder / 50).arg(folder));
+        QDir().mkpath(path);
+        for (int i = 0; i < treeFilesInEach; ++i)
+            fill(QStringLiteral("%1/%2.mov").arg(path).arg(i), 1);
+    }
+    double our = 1e9, their = 1e9, stall = 1e9;
+    for (int round = 0; round < 3; ++round) {
+        const StallWatch watch;
+        our = std::min(our, seconds([&] { peer.read(QStringLiteral("/tree")); }));
+        stall = std::min(stall, watch.longestMs());
+        their = std::min(their, seconds([&] { peer.lftp(QStringLiteral("find /tree")); }));
+    }
+    row("ftp/tree-of-20000", "lftp find", our, their, "s", 0.9);
+    row("ftp/tree-of-20000-longest-stall", "the limit of 16 ms, best of three", stall, 16, "ms", 1);
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    QApplication application(argc, argv);
+    QStandardPaths::setTestModeEnabled(true);
+    QLoggingCategory::setFilterRules(QStringLiteral("*.debug=false\n*.info=false"));
+    Peer peer;
+    manySmallFiles(peer);
+    tree(peer);
+    return 0;
+}
