@@ -64,13 +64,13 @@ OperationsModel::Stage stageOf(const BaseOperation* operation)
         return operation->isRunning()     ? Stage::Running
                : operation->hasFinished() ? Stage::Done
                                           : Stage::Waiting;
+    const auto* transfer = qobject_cast<const TransferOperation*>(operation);
+    const bool isAsking = transfer && transfer->conflict();
     switch (runnable->state()) {
-    case RunnableOperation::NotStarted:
-        return Stage::Waiting;
-    case RunnableOperation::Running: {
-        const auto* transfer = qobject_cast<const TransferOperation*>(operation);
-        return transfer && transfer->conflict() ? Stage::Asking : Stage::Running;
-    }
+    case RunnableOperation::NotStarted: // some ask before they start
+        return isAsking ? Stage::Asking : Stage::Waiting;
+    case RunnableOperation::Running:
+        return isAsking ? Stage::Asking : Stage::Running;
     case RunnableOperation::Stopping:
         return Stage::Stopping;
     case RunnableOperation::Failed:
