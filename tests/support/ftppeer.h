@@ -18,7 +18,9 @@ public:
 
     static bool isAvailable()
     {
-        return QProcess::execute(python(), {QStringLiteral("-c"), QStringLiteral("import pyftpdlib")}) == 0;
+        static const bool isThere =
+            QProcess::execute(python(), {QStringLiteral("-c"), QStringLiteral("import pyftpdlib")}) == 0;
+        return isThere;
     }
 
     /// bytesPerSecond: of each transfer; 0 for as fast as it goes.

@@ -17,6 +17,8 @@ namespace {
 const QString typeKey = QStringLiteral("application/type");
 const QString jsonKey = QStringLiteral("application/json");
 
+using Way = FileSystemDropHandlerPrivate::Way;
+
 /// A reason goes to the log, and the check has failed.
 bool refused(const char* reason, const QString& about)
 {
@@ -45,19 +47,19 @@ bool FileSystemDropHandler::dropDrag(QVariant drag, QVariant targetFileSystem, Q
 bool FileSystemDropHandler::dropMimeData(QMap<QString, QVariant> mime, QVariant targetFileSystem,
                                          QString targetPath)
 {
-    return d->drop(mime, targetFileSystem, targetPath, FileSystemDropHandlerPrivate::How::Drag);
+    return d->drop(mime, targetFileSystem, targetPath, Way::ByDrag);
 }
 
 bool FileSystemDropHandler::moveMimeData(const QVariantMap& mime, const QVariant& targetFileSystem,
                                          const QString& targetPath)
 {
-    return d->drop(mime, targetFileSystem, targetPath, FileSystemDropHandlerPrivate::How::Move);
+    return d->drop(mime, targetFileSystem, targetPath, Way::Move);
 }
 
 bool FileSystemDropHandler::copyMimeData(const QVariantMap& mime, const QVariant& targetFileSystem,
                                          const QString& targetPath)
 {
-    return d->drop(mime, targetFileSystem, targetPath, FileSystemDropHandlerPrivate::How::Copy);
+    return d->drop(mime, targetFileSystem, targetPath, Way::Copy);
 }
 
 bool FileSystemDropHandler::dropUrls(const QList<QUrl>& urls, const QVariant& targetFileSystem,
@@ -80,7 +82,7 @@ bool FileSystemDropHandler::dropUrls(const QList<QUrl>& urls, const QVariant& ta
         entries.append(entry);
     }
     // What comes from elsewhere is copied, also to a folder of this computer.
-    d->handleEntries(entries, FileSystemDropHandlerPrivate::How::Copy);
+    d->handleEntries(entries, Way::Copy);
     return !entries.isEmpty();
 }
 
@@ -94,7 +96,7 @@ FileSystemDropHandlerPrivate::FileSystemDropHandlerPrivate(FileSystemProvider* p
 }
 
 bool FileSystemDropHandlerPrivate::drop(const QVariantMap& mime, const QVariant& target,
-                                        const QString& targetPath, How how)
+                                        const QString& targetPath, Way way)
 {
     qCInfo(lcFileSystem) << "Dropped file system MIME value map" << mime;
     const std::optional<Entries> entries = parseMimeData(mime, targetOf(target), targetPath);
@@ -102,7 +104,7 @@ bool FileSystemDropHandlerPrivate::drop(const QVariantMap& mime, const QVariant&
         qCInfo(lcFileSystem) << "Failed to process file system MIME data:" << mime;
         return false;
     }
-    handleEntries(*entries, how);
+    handleEntries(*entries, way);
     return true;
 }
 
@@ -209,7 +211,7 @@ bool FileSystemDropHandlerPrivate::isValid(const DropEntry& entry) const
     return true;
 }
 
-void FileSystemDropHandlerPrivate::handleEntries(const Entries& entries, How how)
+void FileSystemDropHandlerPrivate::handleEntries(const Entries& entries, Way way)
 {
     qCInfo(lcFileSystem) << "About to handle" << entries.size() << "drop entries...";
     for (const DropEntry& entry : entries) {
@@ -223,7 +225,7 @@ void FileSystemDropHandlerPrivate::handleEntries(const Entries& entries, How how
             qCInfo(lcFileSystem) << "Dragged to the same directory path. Skipping it - " << entry.sourcePath;
             continue;
         }
-        const bool moves = how == How::Move || (how == How::Drag && isSameSide);
+        const bool moves = way == Way::Move || (way == Way::ByDrag && isSameSide);
         const OperationPtr operation = moves ? m_operations->move(entry.sourceFileSystem, entry.sourcePath,
                                                                   entry.targetFileSystem, entry.targetPath)
                                              : m_operations->copy(entry.sourceFileSystem, entry.sourcePath,

@@ -17,14 +17,13 @@ class FileSystemDropHandlerPrivate : public QObject
 
 public:
     using Entries = QList<DropEntry>;
+    /// ByDrag: within one side a move, from one to the other a copy.
+    enum class Way { ByDrag, Copy, Move };
 
     FileSystemDropHandlerPrivate(FileSystemProvider* provider, FileSystemOperations* operations,
                                  ConflictDesk* desk);
 
-    /// A drag moves within a side and copies to the other one.
-    enum class How { Drag, Copy, Move };
-
-    bool drop(const QVariantMap& mime, const QVariant& target, const QString& targetPath, How how);
+    bool drop(const QVariantMap& mime, const QVariant& target, const QString& targetPath, Way way);
     FileSystem* getFileSystem(const QString& name) const;
     FileSystem* targetOf(const QVariant& target) const;
     /// Nothing when one element is not sound.
@@ -34,7 +33,7 @@ public:
                                         FileSystem* target, const QString& targetPath) const;
     bool isValid(const DropEntry& entry) const;
     QString filterPath(const QString& path, FileSystem* fileSystem) const;
-    void handleEntries(const Entries& entries, How how);
+    void handleEntries(const Entries& entries, Way way);
 
     FileSystemProvider* m_provider;
     FileSystemOperations* m_operations;

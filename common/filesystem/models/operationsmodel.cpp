@@ -65,12 +65,12 @@ OperationsModel::Stage stageOf(const BaseOperation* operation)
                : operation->hasFinished() ? Stage::Done
                                           : Stage::Waiting;
     const auto* transfer = qobject_cast<const TransferOperation*>(operation);
-    const bool asks = transfer && transfer->conflict(); // a download before it starts
+    const bool isAsking = transfer && transfer->conflict();
     switch (runnable->state()) {
-    case RunnableOperation::NotStarted:
-        return asks ? Stage::Asking : Stage::Waiting;
+    case RunnableOperation::NotStarted: // some ask before they start
+        return isAsking ? Stage::Asking : Stage::Waiting;
     case RunnableOperation::Running:
-        return asks ? Stage::Asking : Stage::Running;
+        return isAsking ? Stage::Asking : Stage::Running;
     case RunnableOperation::Stopping:
         return Stage::Stopping;
     case RunnableOperation::Failed:

@@ -176,6 +176,7 @@ void DirectoryTransferOperation::abort()
                      .arg(size));
     qCInfo(lcFileSystem) << "Operation" << *this << "abort requested...";
     Q_EMIT operationAborted();
+    m_destinationLister.reset();
     const bool isWorking = m_runner->isRunning();
     setRunning(false);
     // Otherwise the runner says when its part has stopped.
@@ -287,8 +288,10 @@ OperationPtr DirectoryTransferOperation::createFileOperation(const FileSystemPat
     else
         qCWarning(lcFileSystem) << "Unknown transfer operation type!";
     auto* transfer = qobject_cast<TransferOperation*>(operation.data());
-    if (!transfer)
-        return operation;
+    if (!transfer) {
+        fail(tr("<code>%1</code> is not there any more").arg(path.path.toHtmlEscaped()));
+        return {};
+    }
     transfer->setParentOperation(sharedFromThis().staticCast<TransferOperation>());
     m_bytes.insert(path.path, 0);
     connect(transfer, &TransferOperation::transferredBytesChanged, this,

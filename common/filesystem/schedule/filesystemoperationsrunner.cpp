@@ -187,8 +187,6 @@ void FileSystemOperationsRunner::abortAllOperations()
     for (const OperationPtr& operation : pendingOperations())
         if (auto* runnable = qobject_cast<RunnableOperation*>(operation.data()))
             runnable->abort();
-    Q_EMIT pendingOperationsChanged();
-    Q_EMIT finishedOperationsChanged();
     const OperationPtr active = m_private->activeOperation;
     if (auto* runnable = qobject_cast<RunnableOperation*>(active.data()))
         runnable->abort();

@@ -68,6 +68,12 @@ OperationPtr FileSystemOperationsRunnerPrivate::add(const OperationPtr& operatio
     Q_EMIT m_runner->pendingOperationsChanged();
     Q_EMIT m_runner->allOperationsChanged();
     showNotificationOnFailure(operation);
+    connect(operation.data(), &BaseOperation::operationStopped, this, [this, raw = operation.data()] {
+        if (raw == activeOperation.data())
+            return;
+        Q_EMIT m_runner->pendingOperationsChanged();
+        Q_EMIT m_runner->finishedOperationsChanged();
+    });
     wake(); // not before its caller is done with it
     return operation;
 }
@@ -124,8 +130,6 @@ void FileSystemOperationsRunnerPrivate::onGivenUp(const QString& message)
         runnable->addErrorText(message);
         runnable->abort();
     }
-    Q_EMIT m_runner->pendingOperationsChanged();
-    Q_EMIT m_runner->finishedOperationsChanged();
     wake();
 }
 

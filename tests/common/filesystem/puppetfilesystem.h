@@ -27,6 +27,8 @@ public:
 
     void add(const QString& path, qint64 size) { m_files[path] = size; }
     void addDirectory(const QString& path) { m_files[path] = -1; }
+    /// It is listed still.
+    void vanish(const QString& path) { m_vanished.insert(path); }
     /// Of a directory that is there.
     void makeLink(const QString& path) { m_links.insert(path); }
     void setReady(bool ready)
@@ -56,10 +58,11 @@ public:
     ItemType getType(QString path) override
     {
         const QString plain = path.size() > 1 && path.endsWith(u'/') ? path.chopped(1) : path;
-        return plain == QStringLiteral("/") ? Directory
-               : !m_files.contains(plain)   ? Unknown
-               : m_files.value(plain) < 0   ? Directory
-                                            : File;
+        return m_vanished.contains(plain)     ? Unknown
+               : plain == QStringLiteral("/") ? Directory
+               : !m_files.contains(plain)     ? Unknown
+               : m_files.value(plain) < 0     ? Directory
+                                              : File;
     }
     bool requestMetadata(QString, FileMetadata&) override { return false; }
     qint64 fileSize(const QString& path) const override { return m_files.value(path, -1); }
@@ -119,6 +122,7 @@ private:
     }
 
     QSet<QString> m_links;
+    QSet<QString> m_vanished;
     QMap<QString, qint64> m_files; // size; -1: a directory
     bool m_isReady = true;
 };

@@ -149,6 +149,18 @@ private Q_SLOTS:
         QCOMPARE(m_to->done.size(), first.isEmpty() ? 0 : 11);
     }
 
+    /// A part that has gone before its turn is no part that is done.
+    void tellsOfPartsThatHaveGone()
+    {
+        allowWarnings(QStringLiteral("Unable to create copy operation for unknown file type"));
+        m_from->vanish(QStringLiteral("/show/3.mov"));
+        const OperationPtr tree = copy(QStringLiteral("/show"), QStringLiteral("/"));
+        QTRY_COMPARE(stateOf(tree), State::Failed);
+        QVERIFY(m_to->done.isEmpty());
+        QCOMPARE(qSharedPointerCast<RunnableOperation>(tree)->errors().first().message,
+                 QStringLiteral("<code>/show/3.mov</code> is not there any more"));
+    }
+
     /// What a retry finds under the name that the first attempt has met is nobody's that it knows.
     void retryDoesNotTakeWhatItWasRefused()
     {
