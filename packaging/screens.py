@@ -7,6 +7,7 @@ import http.server
 import json
 import os
 import pathlib
+import shutil
 import signal
 import subprocess
 import sys
@@ -120,6 +121,10 @@ class Window:
                 wait(lambda: self.robot.find("Program-PlaybackWidget-Header-MediaLocation")["text"] == "1:", "the take")
         time.sleep(2)
         self.rest()
+
+    def keys(self, *names):
+        for name in names:
+            self.robot.ask(operation="key_press", keyName=name)
 
     def rest(self):
         """Nothing under the mouse, and no tooltip."""
@@ -406,6 +411,43 @@ def silent(options):
             os.kill(options.ombra, signal.SIGCONT)
 
 
+def files(options, name, **how):
+    """The FILES tab at work, half a gigabyte on its way up while program plays; the limit keeps it there."""
+    shows = options.media.parent / "Shows"
+    for folder, names in {"Act 1": ("Overture.mov", "Storm.mov"), "Act 2": ("Night.mov",), "Rehearsal": ()}.items():
+        (shows / folder).mkdir(parents=True, exist_ok=True)
+        for file in names:
+            fill(shows / folder / file, 60_000_000)
+    for file, size in {"Applause.wav": 9_400_000, "Curtain.mov": 212_000_000, "Doors open.mp4": 31_000_000,
+                       "Sponsor plate.png": 812_000}.items():
+        fill(shows / file, size)
+    for sent in ("Act 1", "Act 2"):
+        shutil.rmtree(options.media / sent, ignore_errors=True)
+    (options.media / "Sponsor plate.png").unlink(missing_ok=True)
+    with Window(options, **how) as window:
+        window.run_show()
+        window.click("MainNavigationBar-files-button")
+        window.click("local-files-list")
+        window.keys("Ctrl+L", *str(shows), "Enter")
+        wait(lambda: window.robot.find("local-files-row0")["text"] == "Act 1", "the folder")
+        window.click("transfers-limit-button")
+        window.click("transfers-limit-20")
+        window.click("local-files-list")
+        window.keys("End", "Ctrl+Right")
+        wait(lambda: window.robot.find("transfers-row0")["text"].endswith("Done"), "the small file")
+        window.keys("Home", "Shift+Down", "Ctrl+Right")
+        time.sleep(4)
+        window.rest()
+        window.shoot(options.out / f"{name}.png")
+        window.click("transfers-stop-button")
+        time.sleep(1)
+
+
+def fill(path, size):
+    with open(path, "wb") as file:
+        file.truncate(size)
+
+
 def refused(options):
     with Window(options) as window:
         window.robot.find("ConnectDialog-text")
@@ -463,6 +505,8 @@ SCREENS = {
     "library-not-read": lambda options: library(options, "library-not-read", 500),
     "media-folder-gone": notice,
     "drop-on-program": drop,
+    "files": lambda options: files(options, "files"),
+    "files-huge-1280x720": lambda options: files(options, "files-huge-1280x720", **HUGE),
     "silent": silent,
     "reconnect": reconnect,  # ends the server: what follows finds none
     "refused": refused,

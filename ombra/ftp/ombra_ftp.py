@@ -54,6 +54,13 @@ class Handler(FTPHandler):
             line = ("LIST " + arg).rstrip(" ")
         super().pre_process_command(line, cmd, arg)
 
+    def ftp_RNTO(self, path):
+        """Puts nothing in the place of what is there: clients look first, but another may have been quicker."""
+        if self.fs.lexists(path):
+            self.respond("550 Something of that name is there already.")
+            return None
+        return super().ftp_RNTO(path)
+
 
 def end_with_parent():
     ctypes.CDLL(None).prctl(PR_SET_PDEATHSIG, signal.SIGKILL)

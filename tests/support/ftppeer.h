@@ -18,7 +18,9 @@ public:
 
     static bool isAvailable()
     {
-        return QProcess::execute(python(), {QStringLiteral("-c"), QStringLiteral("import pyftpdlib")}) == 0;
+        static const bool isThere =
+            QProcess::execute(python(), {QStringLiteral("-c"), QStringLiteral("import pyftpdlib")}) == 0;
+        return isThere;
     }
 
     /// bytesPerSecond: of each transfer; 0 for as fast as it goes.
@@ -66,7 +68,6 @@ from pyftpdlib.servers import FTPServer
 folder, port, limit = sys.argv[1], int(sys.argv[2]), int(sys.argv[3])
 class Slow(DTPHandler):
     ac_in_buffer_size = ac_out_buffer_size = 16384
-    use_sendfile = False
     def recv(self, size):
         data = super().recv(size)
         time.sleep(len(data) / limit)

@@ -59,17 +59,18 @@ void writeWindow(int descriptor, off64_t begin, off64_t size)
                                     SYNC_FILE_RANGE_WAIT_AFTER);
 }
 
-bool hasChanged(const struct stat& before, const struct stat& after)
-{
-    return before.st_size != after.st_size || before.st_mtim.tv_sec != after.st_mtim.tv_sec ||
-           before.st_mtim.tv_nsec != after.st_mtim.tv_nsec;
-}
-
 } // namespace
 
-CopyWork::CopyWork(JobControl& control)
+CopyWork::CopyWork(JobControl& control, bool remembers)
     : m_control(control)
+    , m_remembers(remembers)
 {
+}
+
+void CopyWork::remember(const std::string& path, const struct stat& stat)
+{
+    if (m_remembers)
+        m_copied.insert_or_assign(path, stat);
 }
 
 int CopyWork::failed(const std::string& path, int error)
@@ -123,8 +124,12 @@ int CopyWork::copy(const std::string& from, const std::string& to)
 int CopyWork::copyBrokenLink(const std::string& from, const std::string& to)
 {
     std::array<char, PATH_MAX> target{};
+    const auto own = linkStat(from);
     const ssize_t length = ::readlink(from.c_str(), target.data(), target.size() - 1);
-    return length < 0 || ::symlink(target.data(), to.c_str()) != 0 ? failed(from, errno) : 0;
+    if (!own || length < 0 || ::symlink(target.data(), to.c_str()) != 0)
+        return failed(from, errno);
+    remember(from, *own);
+    return 0;
 }
 
 int CopyWork::copyDirectory(const std::string& from, const std::string& to, const struct stat& stat)
@@ -140,6 +145,7 @@ int CopyWork::copyDirectory(const std::string& from, const std::string& to, cons
     m_inside.pop_back();
     if (error)
         return m_failedAt.empty() ? failed(from, error) : error;
+    remember(from, stat);
     (void)::chmod(to.c_str(), stat.st_mode & 0777);
     const Handle directory(::open(to.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (directory.isOpen())
@@ -170,6 +176,7 @@ int CopyWork::copyFile(const std::string& from, const std::string& to)
     }
     (void)::fchmod(target.get(), before.st_mode & 0777);
     keepTimes(target.get(), before);
+    remember(from, before);
     const int error = target.close();
     return error ? failed(from, error) : 0;
 }

@@ -6,9 +6,14 @@
 
 #include <string>
 #include <sys/stat.h>
+#include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace vantrel {
+
+/// The items as they were when they were copied, by path.
+using CopiedItems = std::unordered_map<std::string, struct stat>;
 
 /// Copies files and directories in chunks on a worker thread, always to a name that is free. A symbolic link
 /// is copied as what it points to; one that points to nothing stays one. Errors are the system's numbers,
@@ -16,7 +21,8 @@ namespace vantrel {
 class CopyWork
 {
 public:
-    explicit CopyWork(JobControl& control);
+    /// remembers: what takeCopied() wants to know.
+    explicit CopyWork(JobControl& control, bool remembers = false);
 
     /// The bytes of all files below, added to total.
     int measure(const std::string& path, quint64& total);
@@ -24,6 +30,8 @@ public:
     int copy(const std::string& from, const std::string& to);
     /// Returns once all of it is on the disk: what is said to be done must outlive a pulled cable.
     int flush(const std::string& path);
+    /// All that was copied since the last take, by the path of the source.
+    CopiedItems takeCopied() { return std::exchange(m_copied, {}); }
     /// Where the last error arose.
     const std::string& failedAt() const { return m_failedAt; }
     /// A sentence of its own for the last error, where the system's words do not say enough.
@@ -36,12 +44,15 @@ private:
     int copyBrokenLink(const std::string& from, const std::string& to);
     bool enter(const struct stat& directory);
     int failed(const std::string& path, int error);
+    void remember(const std::string& path, const struct stat& stat);
 
     JobControl& m_control;
+    bool m_remembers;
     std::string m_failedAt;
     QString m_failure;
     // The directories that it is inside of: a link to one of them would never end.
     std::vector<std::pair<dev_t, ino_t>> m_inside;
+    CopiedItems m_copied;
 };
 
 } // namespace vantrel

@@ -1,6 +1,7 @@
 #include "common/filesystem/local/localfilesystem.h"
 
 #include "common/filesystem/local/localfilesystem_p.h"
+#include "common/filesystem/local/systemfile.h"
 #include "common/filesystem/model/filesystemlogging.h"
 
 #include <QDir>
@@ -73,7 +74,9 @@ FileSystem::ItemType LocalFileSystem::getType(QString path)
 
 bool LocalFileSystem::requestMetadata(QString filePath, FileMetadata&)
 {
-    qCDebug(lcFileSystem) << "Requesting metadata for file" << filePath << "- local files have none";
+    // Every row of a view asks: no warning.
+    qCDebug(lcFileSystem) << "Requesting metadata for file" << filePath;
+    qCDebug(lcFileSystem, "Unimplemented code.");
     return false;
 }
 
@@ -102,6 +105,12 @@ qint64 LocalFileSystem::fileSize(const QString& path) const
 {
     const QFileInfo info(path);
     return info.isFile() ? info.size() : -1;
+}
+
+bool LocalFileSystem::isLink(const QString& path) const
+{
+    const auto stat = systemfile::linkStat(systemfile::withoutSlash(systemfile::bytesOf(path)));
+    return stat && S_ISLNK(stat->st_mode);
 }
 
 bool LocalFileSystem::wantsFreeNames() const

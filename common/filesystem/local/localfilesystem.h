@@ -34,6 +34,7 @@ public:
     OperationVisitor* operationVisitor() override;
     qint64 availableBytes(const QString& path) const override;
     qint64 fileSize(const QString& path) const override;
+    bool isLink(const QString& path) const override;
     bool wantsFreeNames() const override;
 
 private:

@@ -8,6 +8,7 @@
 
 #include <cerrno>
 #include <unistd.h>
+#include <utility>
 
 namespace vantrel {
 
@@ -77,7 +78,7 @@ JobResult RemovalWork::run(const QString& path, bool onlyEmpty)
     return result;
 }
 
-int RemovalWork::removeAll(const std::string& path, std::string* failedAt)
+int RemovalWork::removeAll(const std::string& path)
 {
     const auto stat = linkStat(path);
     if (!stat)
@@ -86,10 +87,31 @@ int RemovalWork::removeAll(const std::string& path, std::string* failedAt)
         ConflictPolicy::Refuse, [] {}, [](const TransferConflict&) {});
     RemovalWork work(nobody);
     work.m_device = stat->st_dev;
+    return work.removeItem(withoutSlash(path));
+}
+
+int RemovalWork::removeCopied(const std::string& path, const CopiedItems& copied, std::string& failedAt)
+{
+    const auto stat = linkStat(path);
+    if (!stat)
+        return errno;
+    JobControl nobody(
+        ConflictPolicy::Refuse, [] {}, [](const TransferConflict&) {});
+    RemovalWork work(nobody);
+    work.m_device = stat->st_dev;
+    work.m_copied = &copied;
     const int error = work.removeItem(withoutSlash(path));
-    if (failedAt)
-        *failedAt = work.m_failedAt;
-    return error;
+    failedAt = work.m_failedAt;
+    return error || !work.m_isLeft ? error : EBUSY;
+}
+
+/// Of a link it is what it leads to that was copied: only that it was counts.
+bool RemovalWork::isCopied(const std::string& path, const struct stat& stat) const
+{
+    const auto found = m_copied->find(path);
+    if (found == m_copied->end())
+        return false;
+    return !S_ISREG(stat.st_mode) || (isSameItem(found->second, stat) && !hasChanged(found->second, stat));
 }
 
 quint64 RemovalWork::countItems(const std::string& path)
@@ -118,9 +140,16 @@ int RemovalWork::removeItem(const std::string& path)
         return failed(errno);
     if (stat->st_dev != m_device)
         return failed(EXDEV);
+    if (m_copied && !isCopied(path, *stat)) {
+        m_isLeft = true;
+        return failed(0);
+    }
     if (isDirectory(stat)) {
+        const bool wasLeft = std::exchange(m_isLeft, false);
         if (const int error = removeContent(path))
             return error;
+        if (std::exchange(m_isLeft, m_isLeft || wasLeft))
+            return 0;
         if (::rmdir(path.c_str()) != 0)
             return failed(errno);
     } else if (::unlink(path.c_str()) != 0) {

@@ -49,6 +49,12 @@ bool isDirectory(const std::optional<struct stat>& stat)
     return stat && S_ISDIR(stat->st_mode);
 }
 
+bool hasChanged(const struct stat& before, const struct stat& after)
+{
+    return before.st_size != after.st_size || before.st_mtim.tv_sec != after.st_mtim.tv_sec ||
+           before.st_mtim.tv_nsec != after.st_mtim.tv_nsec;
+}
+
 bool isSameItem(const struct stat& left, const struct stat& right)
 {
     return left.st_dev == right.st_dev && left.st_ino == right.st_ino;

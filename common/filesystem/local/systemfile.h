@@ -42,6 +42,8 @@ std::optional<struct stat> itemStat(const std::string& path);
 /// Of the symbolic link itself where there is one.
 std::optional<struct stat> linkStat(const std::string& path);
 bool isDirectory(const std::optional<struct stat>& stat);
+/// In size or time: of one item before and after.
+bool hasChanged(const struct stat& before, const struct stat& after);
 bool isSameItem(const struct stat& left, const struct stat& right);
 
 /// Without one trailing "/": with it the system takes a link for what it points to.

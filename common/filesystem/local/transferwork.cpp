@@ -77,7 +77,7 @@ int moveItem(const std::string& from, const std::string& to, bool isReplacing)
 
 TransferWork::TransferWork(JobControl& control, bool isMove)
     : m_control(control)
-    , m_copy(control)
+    , m_copy(control, isMove)
     , m_isMove(isMove)
 {
 }
@@ -281,9 +281,12 @@ JobResult::Outcome TransferWork::settle(const std::string& from, const std::stri
 JobResult::Outcome TransferWork::removeSource(const std::string& from)
 {
     std::string failedAt;
-    const int error = RemovalWork::removeAll(from, &failedAt);
+    const int error = RemovalWork::removeCopied(from, m_copy.takeCopied(), failedAt);
     if (!error)
         return JobResult::Done;
+    if (error == EBUSY)
+        return fail(text("%1 was copied, but stays where it was: %2 has come or changed meanwhile.")
+                        .arg(shownName(from), shownName(failedAt)));
     return fail(text("%1 was copied, but could not be removed from where it was: %2.")
                     .arg(shownName(failedAt), reasonText(error)));
 }

@@ -12,6 +12,11 @@ qint64 FileSystem::fileSize(const QString&) const
     return -1;
 }
 
+bool FileSystem::isLink(const QString&) const
+{
+    return false;
+}
+
 bool FileSystem::wantsFreeNames() const
 {
     return false;

@@ -55,6 +55,9 @@ public:
     virtual qint64 availableBytes(const QString& path) const;
     /// Bytes of a file; -1 when it is not there, or nothing is known of it.
     virtual qint64 fileSize(const QString& path) const;
+    /// A symbolic link, whatever it leads to: a removal takes it away and leaves that. False when nothing is
+    /// known of it.
+    virtual bool isLink(const QString& path) const;
     /// Of a transfer into it from elsewhere the operation meets what is there already before anyone begins;
     /// false when the file system does so itself.
     virtual bool wantsFreeNames() const;
@@ -65,6 +68,8 @@ Q_SIGNALS:
     void directoryChanged(vantrel::FileSystemDirectory directory);
     void fileChanged(vantrel::FileSystemFile file);
     void invalidDirectoryPathRequest(QString path);
+    /// It is not coming back: what waits for it ends as failed, with the message.
+    void givenUp(QString message);
     void fileMetadataChanged(vantrel::FileSystemFile file, vantrel::FileMetadata metadata);
 };
 

@@ -29,6 +29,24 @@ ConflictDesk::ConflictDesk(FileSystemOperations* operations, QObject* parent)
     : QObject(parent)
     , m_operations(operations)
 {
+    if (!m_operations)
+        return;
+    connect(m_operations, &FileSystemOperations::allOperationsChanged, this, &ConflictDesk::followNew);
+    followNew();
+}
+
+/// Also what somebody else has told to ask is asked for here: the queue only grows.
+void ConflictDesk::followNew()
+{
+    const OperationPtrList all = m_operations ? m_operations->allOperations() : OperationPtrList();
+    for (; m_followedCount < all.size(); ++m_followedCount) {
+        const auto* transfer = qobject_cast<const TransferOperation*>(all.at(m_followedCount).data());
+        if (!transfer)
+            continue;
+        connect(transfer, &TransferOperation::conflictFound, this, &ConflictDesk::questionChanged);
+        connect(transfer, &TransferOperation::conflictAnswered, this, &ConflictDesk::questionChanged);
+        connect(transfer, &BaseOperation::operationStopped, this, &ConflictDesk::questionChanged);
+    }
 }
 
 QList<QSharedPointer<TransferOperation>> ConflictDesk::open() const
@@ -82,13 +100,8 @@ int ConflictDesk::othersWaiting() const
 
 void ConflictDesk::watch(const OperationPtr& operation)
 {
-    const auto transfer = operation.objectCast<TransferOperation>();
-    if (!transfer)
-        return;
-    transfer->setConflictPolicy(ConflictPolicy::Ask);
-    connect(transfer.data(), &TransferOperation::conflictFound, this, &ConflictDesk::questionChanged);
-    connect(transfer.data(), &TransferOperation::conflictAnswered, this, &ConflictDesk::questionChanged);
-    connect(transfer.data(), &BaseOperation::operationStopped, this, &ConflictDesk::questionChanged);
+    if (const auto transfer = operation.objectCast<TransferOperation>())
+        transfer->setConflictPolicy(ConflictPolicy::Ask);
 }
 
 void ConflictDesk::answer(Answer answer, bool forAll)
@@ -101,6 +114,9 @@ void ConflictDesk::answer(Answer answer, bool forAll)
         return;
     }
     const ConflictPolicy policy = policyOf(answer);
+    // To merge a folder with another one is no leave to replace the files in it.
+    if (policy == ConflictPolicy::Replace && first->conflict()->isDirectory)
+        forAll = false;
     if (forAll) {
         for (const QSharedPointer<TransferOperation>& transfer : open()) {
             if (transfer != first && transfer->conflictPolicy() == ConflictPolicy::Ask &&

@@ -36,7 +36,8 @@ public:
 
     /// Has the transfer ask here in place of failing.
     void watch(const OperationPtr& operation);
-    /// Stop ends the transfer that asks. forAll: the same for all transfers that wait now.
+    /// Stop ends the transfer that asks. forAll: the same for all transfers that wait now, but never for a
+    /// folder that is merged with another one.
     Q_INVOKABLE void answer(vantrel::ConflictDesk::Answer answer, bool forAll);
 
 Q_SIGNALS:
@@ -46,7 +47,10 @@ private:
     QList<QSharedPointer<TransferOperation>> open() const;
     QSharedPointer<TransferOperation> asking() const;
 
+    void followNew();
+
     QPointer<FileSystemOperations> m_operations;
+    qsizetype m_followedCount = 0; // of all operations
 };
 
 } // namespace vantrel

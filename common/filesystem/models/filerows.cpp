@@ -146,7 +146,7 @@ RowChange changeRows(const FileRows& from, FileRows to)
             change.removed.push_back(static_cast<int>(i));
             continue;
         }
-        change.isReset = change.isReset || place < last; // one that moved
+        change.isReset = change.isReset || place <= last; // one that moved, or a name that is there twice
         last = place;
         isKept[static_cast<std::size_t>(place)] = true;
         if (change.rows[place].sizeBytes != from[i].sizeBytes)

@@ -17,6 +17,8 @@ namespace {
 const QString typeKey = QStringLiteral("application/type");
 const QString jsonKey = QStringLiteral("application/json");
 
+using Way = FileSystemDropHandlerPrivate::Way;
+
 /// A reason goes to the log, and the check has failed.
 bool refused(const char* reason, const QString& about)
 {
@@ -45,13 +47,19 @@ bool FileSystemDropHandler::dropDrag(QVariant drag, QVariant targetFileSystem, Q
 bool FileSystemDropHandler::dropMimeData(QMap<QString, QVariant> mime, QVariant targetFileSystem,
                                          QString targetPath)
 {
-    return d->drop(mime, targetFileSystem, targetPath, false);
+    return d->drop(mime, targetFileSystem, targetPath, Way::ByDrag);
 }
 
 bool FileSystemDropHandler::moveMimeData(const QVariantMap& mime, const QVariant& targetFileSystem,
                                          const QString& targetPath)
 {
-    return d->drop(mime, targetFileSystem, targetPath, true);
+    return d->drop(mime, targetFileSystem, targetPath, Way::Move);
+}
+
+bool FileSystemDropHandler::copyMimeData(const QVariantMap& mime, const QVariant& targetFileSystem,
+                                         const QString& targetPath)
+{
+    return d->drop(mime, targetFileSystem, targetPath, Way::Copy);
 }
 
 bool FileSystemDropHandler::dropUrls(const QList<QUrl>& urls, const QVariant& targetFileSystem,
@@ -74,7 +82,7 @@ bool FileSystemDropHandler::dropUrls(const QList<QUrl>& urls, const QVariant& ta
         entries.append(entry);
     }
     // What comes from elsewhere is copied, also to a folder of this computer.
-    d->handleEntries(entries, false);
+    d->handleEntries(entries, Way::Copy);
     return !entries.isEmpty();
 }
 
@@ -88,7 +96,7 @@ FileSystemDropHandlerPrivate::FileSystemDropHandlerPrivate(FileSystemProvider* p
 }
 
 bool FileSystemDropHandlerPrivate::drop(const QVariantMap& mime, const QVariant& target,
-                                        const QString& targetPath, bool moves)
+                                        const QString& targetPath, Way way)
 {
     qCInfo(lcFileSystem) << "Dropped file system MIME value map" << mime;
     const std::optional<Entries> entries = parseMimeData(mime, targetOf(target), targetPath);
@@ -96,7 +104,7 @@ bool FileSystemDropHandlerPrivate::drop(const QVariantMap& mime, const QVariant&
         qCInfo(lcFileSystem) << "Failed to process file system MIME data:" << mime;
         return false;
     }
-    handleEntries(*entries, moves);
+    handleEntries(*entries, way);
     return true;
 }
 
@@ -127,8 +135,8 @@ FileSystemDropHandlerPrivate::parseMimeData(const QVariantMap& mime, FileSystem*
     }
     const QString text = mime.value(jsonKey).toString();
     const QJsonDocument document = QJsonDocument::fromJson(text.toUtf8());
-    if (!document.isArray()) {
-        if (document.isEmpty())
+    if (!document.isArray() || document.array().isEmpty()) {
+        if (document.isEmpty() || document.isArray())
             qCInfo(lcFileSystem) << "MIME" << text << "is empty/error";
         qCInfo(lcFileSystem) << "Unable to read entry array from MIME JSON:" << text;
         return {};
@@ -203,7 +211,7 @@ bool FileSystemDropHandlerPrivate::isValid(const DropEntry& entry) const
     return true;
 }
 
-void FileSystemDropHandlerPrivate::handleEntries(const Entries& entries, bool moves)
+void FileSystemDropHandlerPrivate::handleEntries(const Entries& entries, Way way)
 {
     qCInfo(lcFileSystem) << "About to handle" << entries.size() << "drop entries...";
     for (const DropEntry& entry : entries) {
@@ -217,11 +225,11 @@ void FileSystemDropHandlerPrivate::handleEntries(const Entries& entries, bool mo
             qCInfo(lcFileSystem) << "Dragged to the same directory path. Skipping it - " << entry.sourcePath;
             continue;
         }
-        const OperationPtr operation = isSameSide || moves
-                                           ? m_operations->move(entry.sourceFileSystem, entry.sourcePath,
-                                                                entry.targetFileSystem, entry.targetPath)
-                                           : m_operations->copy(entry.sourceFileSystem, entry.sourcePath,
-                                                                entry.targetFileSystem, entry.targetPath);
+        const bool moves = way == Way::Move || (way == Way::ByDrag && isSameSide);
+        const OperationPtr operation = moves ? m_operations->move(entry.sourceFileSystem, entry.sourcePath,
+                                                                  entry.targetFileSystem, entry.targetPath)
+                                             : m_operations->copy(entry.sourceFileSystem, entry.sourcePath,
+                                                                  entry.targetFileSystem, entry.targetPath);
         if (m_desk && operation)
             m_desk->watch(operation);
     }

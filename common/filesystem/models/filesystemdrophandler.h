@@ -40,6 +40,9 @@ public:
     /// As dropMimeData, but from one side to the other the items are moved.
     Q_INVOKABLE bool moveMimeData(const QVariantMap& mime, const QVariant& targetFileSystem,
                                   const QString& targetPath);
+    /// As dropMimeData, but what is put elsewhere on its own side stays where it was as well.
+    Q_INVOKABLE bool copyMimeData(const QVariantMap& mime, const QVariant& targetFileSystem,
+                                  const QString& targetPath);
 
 private:
     std::unique_ptr<FileSystemDropHandlerPrivate> d;

@@ -17,11 +17,13 @@ class FileSystemDropHandlerPrivate : public QObject
 
 public:
     using Entries = QList<DropEntry>;
+    /// ByDrag: within one side a move, from one to the other a copy.
+    enum class Way { ByDrag, Copy, Move };
 
     FileSystemDropHandlerPrivate(FileSystemProvider* provider, FileSystemOperations* operations,
                                  ConflictDesk* desk);
 
-    bool drop(const QVariantMap& mime, const QVariant& target, const QString& targetPath, bool moves);
+    bool drop(const QVariantMap& mime, const QVariant& target, const QString& targetPath, Way way);
     FileSystem* getFileSystem(const QString& name) const;
     FileSystem* targetOf(const QVariant& target) const;
     /// Nothing when one element is not sound.
@@ -31,7 +33,7 @@ public:
                                         FileSystem* target, const QString& targetPath) const;
     bool isValid(const DropEntry& entry) const;
     QString filterPath(const QString& path, FileSystem* fileSystem) const;
-    void handleEntries(const Entries& entries, bool moves);
+    void handleEntries(const Entries& entries, Way way);
 
     FileSystemProvider* m_provider;
     FileSystemOperations* m_operations;

@@ -9,7 +9,9 @@
 #include <QLocale>
 #include <QTextDocumentFragment>
 
+#include <algorithm>
 #include <array>
+#include <utility>
 
 namespace vantrel {
 
@@ -62,13 +64,13 @@ OperationsModel::Stage stageOf(const BaseOperation* operation)
         return operation->isRunning()     ? Stage::Running
                : operation->hasFinished() ? Stage::Done
                                           : Stage::Waiting;
+    const auto* transfer = qobject_cast<const TransferOperation*>(operation);
+    const bool isAsking = transfer && transfer->conflict();
     switch (runnable->state()) {
-    case RunnableOperation::NotStarted:
-        return Stage::Waiting;
-    case RunnableOperation::Running: {
-        const auto* transfer = qobject_cast<const TransferOperation*>(operation);
-        return transfer && transfer->conflict() ? Stage::Asking : Stage::Running;
-    }
+    case RunnableOperation::NotStarted: // some ask before they start
+        return isAsking ? Stage::Asking : Stage::Waiting;
+    case RunnableOperation::Running:
+        return isAsking ? Stage::Asking : Stage::Running;
     case RunnableOperation::Stopping:
         return Stage::Stopping;
     case RunnableOperation::Failed:
@@ -251,8 +253,8 @@ void OperationsModel::reload()
 {
     const OperationPtrList all = m_operations ? m_operations->allOperations() : OperationPtrList();
     std::vector<Row> fresh;
-    for (const OperationPtr& operation : all) {
-        if (operation && !m_followed.contains(operation.data()) && !m_dismissed.contains(operation.data())) {
+    for (; m_takenCount < all.size(); ++m_takenCount) {
+        if (const OperationPtr& operation = all.at(m_takenCount)) {
             follow(operation);
             fresh.push_back(rowOf(operation));
         }
@@ -262,8 +264,9 @@ void OperationsModel::reload()
         m_rows.insert(m_rows.end(), std::make_move_iterator(fresh.begin()),
                       std::make_move_iterator(fresh.end()));
         endInsertRows();
+        Q_EMIT countChanged();
     }
-    refreshAll();
+    onOperationProgressed(); // many come at once
 }
 
 OperationsModel::Row OperationsModel::rowOf(const OperationPtr& operation) const
@@ -287,17 +290,11 @@ OperationsModel::Row OperationsModel::rowOf(const OperationPtr& operation) const
 
 void OperationsModel::follow(const OperationPtr& operation)
 {
-    m_followed.insert(operation.data());
     const void* id = operation.data();
     const auto refresh = [this, id] { refreshRow(id); };
     connect(operation.data(), &BaseOperation::operationStarted, this, refresh);
     connect(operation.data(), &BaseOperation::operationStopped, this, refresh);
     connect(operation.data(), &BaseOperation::progressChanged, this, &OperationsModel::onOperationProgressed);
-    // Another may come to stand at the same address.
-    connect(operation.data(), &QObject::destroyed, this, [this, id] {
-        m_followed.remove(id);
-        m_dismissed.remove(id);
-    });
     if (const auto* runnable = qobject_cast<const RunnableOperation*>(operation.data()))
         connect(runnable, &RunnableOperation::errorsChanged, this, refresh);
     if (const auto* transfer = qobject_cast<const TransferOperation*>(operation.data())) {
@@ -388,12 +385,7 @@ OperationPtr OperationsModel::operationAt(int row) const
 {
     if (row < 0 || row >= count() || !m_operations)
         return {};
-    const void* id = m_rows[static_cast<std::size_t>(row)].id;
-    for (const OperationPtr& operation : m_operations->allOperations()) {
-        if (operation.data() == id)
-            return operation;
-    }
-    return {};
+    return m_rows[static_cast<std::size_t>(row)].operation.toStrongRef();
 }
 
 void OperationsModel::cancel(int row)
@@ -406,12 +398,17 @@ void OperationsModel::cancel(int row)
 void OperationsModel::cancelAll()
 {
     // What waits goes first: else the next one would begin each time.
-    for (int row = count() - 1; row >= 0; --row) {
-        if (m_rows[static_cast<std::size_t>(row)].stage == Stage::Waiting)
-            cancel(row);
+    OperationPtrList open;
+    for (const Row& row : m_rows) {
+        if (!isOver(row.stage))
+            open.prepend(row.operation.toStrongRef());
     }
-    for (int row = 0; row < count(); ++row)
-        cancel(row);
+    std::ranges::stable_partition(
+        open, [](const OperationPtr& operation) { return operation && !operation->isRunning(); });
+    for (const OperationPtr& operation : std::as_const(open)) {
+        if (auto* runnable = qobject_cast<RunnableOperation*>(operation.data()))
+            runnable->abort();
+    }
 }
 
 void OperationsModel::retry(int row)
@@ -441,6 +438,8 @@ void OperationsModel::retry(int row)
     }
     if (again)
         dismiss(row);
+    else if (auto* runnable = qobject_cast<RunnableOperation*>(operation.data()))
+        runnable->addErrorText(tr("It cannot be tried again: what it was about is not there any more."));
 }
 
 void OperationsModel::clearFinished()
@@ -463,10 +462,8 @@ void OperationsModel::dismiss(int row)
 void OperationsModel::removeRow(int row)
 {
     beginRemoveRows({}, row, row);
-    const Row& gone = m_rows[static_cast<std::size_t>(row)];
-    m_followed.remove(gone.id);
-    if (!gone.operation.isNull())
-        m_dismissed.insert(gone.id);
+    if (const OperationPtr gone = m_rows[static_cast<std::size_t>(row)].operation.toStrongRef())
+        gone->disconnect(this);
     m_rows.erase(m_rows.begin() + row);
     endRemoveRows();
 }

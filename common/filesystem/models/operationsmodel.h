@@ -6,7 +6,6 @@
 #include <QAbstractTableModel>
 #include <QElapsedTimer>
 #include <QPointer>
-#include <QSet>
 #include <QTimer>
 
 #include <vector>
@@ -94,7 +93,7 @@ Q_SIGNALS:
 private:
     struct Row
     {
-        QWeakPointer<const BaseOperation> operation;
+        QWeakPointer<BaseOperation> operation;
         const void* id = nullptr; // the operation's address
         QString type;
         QString name;
@@ -125,9 +124,8 @@ private:
 
     QPointer<FileSystemOperations> m_operations;
     std::vector<Row> m_rows;
-    QSet<const void*> m_followed;
-    QSet<const void*> m_dismissed;
-    QTimer m_refresh; // at most one in 500 ms
+    qsizetype m_takenCount = 0; // of all operations
+    QTimer m_refresh;           // at most one in 500 ms
     QElapsedTimer m_sinceRefresh;
     double m_totalProgress = 1;
     int m_revision = 0;

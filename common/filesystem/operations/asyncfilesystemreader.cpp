@@ -210,13 +210,17 @@ void AsyncFileSystemReader::reset()
         Q_EMIT isReadyChanged();
 }
 
+/// The nearest of those that lie above: what a limit has kept one from reading may be another's own.
 RecursiveDirectoryLister* AsyncFileSystemReader::listerFor(const QString& path) const
 {
-    const auto covers = [&](const ListerPtr& lister) {
-        return isSamePath(path, lister->directoryPath()) || isPathBelow(path, lister->directoryPath());
-    };
-    const auto found = std::find_if(m_succeeded.begin(), m_succeeded.end(), covers);
-    return found == m_succeeded.end() ? nullptr : found->get();
+    RecursiveDirectoryLister* nearest = nullptr;
+    for (const ListerPtr& lister : m_succeeded) {
+        const QString root = lister->directoryPath();
+        const bool covers = isSamePath(path, root) || isPathBelow(path, root);
+        if (covers && (!nearest || isPathBelow(root, nearest->directoryPath())))
+            nearest = lister.get();
+    }
+    return nearest;
 }
 
 QList<std::filesystem::path> AsyncFileSystemReader::getFileSystemPaths(const std::filesystem::path& path)

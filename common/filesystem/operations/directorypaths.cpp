@@ -1,5 +1,6 @@
 #include "common/filesystem/operations/directorypaths.h"
 
+#include "common/filesystem/model/filesystem.h"
 #include "common/filesystem/model/filesystemlogging.h"
 #include "common/filesystem/model/pathhelpers.h"
 
@@ -39,10 +40,22 @@ void parseContentPaths(QList<FileSystemPath>& result, const QString& path,
         result.append(pathOf(path, child));
 }
 
+void markLinked(QList<FileSystemPath>& paths, const FileSystem& fileSystem)
+{
+    QString link; // below which the last one lies, or which it is
+    for (FileSystemPath& path : paths) {
+        path.isLinked = !link.isEmpty() && path.path.startsWith(link);
+        if (path.isLinked)
+            continue;
+        const bool isLink = path.type == FileSystemPath::Directory && fileSystem.isLink(path.path);
+        link = isLink ? path.path : QString();
+    }
+}
+
 void appendEmptied(QList<FileSystemPath>& paths)
 {
     for (qsizetype i = paths.size() - 1; i >= 0; --i) {
-        if (paths[i].type != FileSystemPath::Directory)
+        if (paths[i].type != FileSystemPath::Directory || paths[i].isLinked)
             continue;
         FileSystemPath emptied = paths[i];
         emptied.isEmptied = true;

@@ -100,8 +100,8 @@ void DirectoryTransferOperation::onDestinationRead()
         fail(tr("The directory <code>%1</code> could not be read").arg(to().fullPath.toHtmlEscaped()));
     else if (to().fileSystem->getType(path) == FileSystem::Unknown)
         startRunner();
-    else // what a first attempt has left is the retry's own
-        meetExisting(isRetry() ? ConflictPolicy::Replace : conflictPolicy());
+    else // what the attempt before has made is the retry's own
+        meetExisting(m_hasPlace ? ConflictPolicy::Replace : conflictPolicy());
 }
 
 /// Something has the directory's name at its destination.
@@ -148,6 +148,17 @@ void DirectoryTransferOperation::startRunner()
         m_runner->start();
 }
 
+void DirectoryTransferOperation::setRetryOf(const TransferOperation& failed)
+{
+    TransferOperation::setRetryOf(failed);
+    const auto* before = qobject_cast<const DirectoryTransferOperation*>(&failed);
+    if (!before || !before->m_hasPlace)
+        return;
+    m_hasPlace = true;
+    m_name = before->m_name;
+    m_arrived = before->m_arrived;
+}
+
 void DirectoryTransferOperation::fail(const QString& message)
 {
     addErrorText(message);
@@ -165,6 +176,7 @@ void DirectoryTransferOperation::abort()
                      .arg(size));
     qCInfo(lcFileSystem) << "Operation" << *this << "abort requested...";
     Q_EMIT operationAborted();
+    m_destinationLister.reset();
     const bool isWorking = m_runner->isRunning();
     setRunning(false);
     // Otherwise the runner says when its part has stopped.
@@ -210,8 +222,10 @@ QList<FileSystemPath> DirectoryTransferOperation::getPathList(RecursiveDirectory
 {
     QList<FileSystemPath> paths;
     parseDirectoryPaths(paths, getParentPath(from().fullPath), getNameInPath(from().fullPath), item);
-    if (transferType() == Move)
+    if (transferType() == Move) {
+        markLinked(paths, *from().fileSystem);
         appendEmptied(paths);
+    }
     setTotalSizeBytes(static_cast<unsigned long long>(item.sizeBytes));
     checkRoom(item.sizeBytes);
     return paths;
@@ -255,37 +269,45 @@ OperationPtr DirectoryTransferOperation::createSubOperation(FileSystemPath const
     const OperationPtr creation = m_factory->createDirectoryCreationOperation(target);
     if (auto* modification = qobject_cast<ModifyOperation*>(creation.data()))
         modification->setAcceptsExisting(true);
+    if (const auto* runnable = qobject_cast<RunnableOperation*>(creation.data()))
+        connect(runnable, &RunnableOperation::operationSucceeded, this, [this] { m_hasPlace = true; });
     return creation;
 }
 
 OperationPtr DirectoryTransferOperation::createFileOperation(const FileSystemPath& path,
                                                              const FileSystemTarget& to)
 {
-    if (isThereAlready(path, to))
+    if (isThereAlready(path))
         return {};
     const FileSystemTarget source{from().fileSystem, path.path};
     OperationPtr operation;
-    if (transferType() == Copy)
+    if (transferType() == Copy || path.isLinked)
         operation = m_factory->createCopyOperation(source, to);
     else if (transferType() == Move)
         operation = m_factory->createMoveOperation(source, to);
     else
         qCWarning(lcFileSystem) << "Unknown transfer operation type!";
     auto* transfer = qobject_cast<TransferOperation*>(operation.data());
-    if (!transfer)
-        return operation;
+    if (!transfer) {
+        fail(tr("<code>%1</code> is not there any more").arg(path.path.toHtmlEscaped()));
+        return {};
+    }
     transfer->setParentOperation(sharedFromThis().staticCast<TransferOperation>());
     m_bytes.insert(path.path, 0);
     connect(transfer, &TransferOperation::transferredBytesChanged, this,
             &DirectoryTransferOperation::handleTransferOperationTransferredBytesChanged);
+    connect(transfer, &RunnableOperation::operationSucceeded, this,
+            [this, transfer] { m_arrived.insert(transfer->from().fullPath, transfer->to().fullPath); });
     return operation;
 }
 
-/// A retry leaves out what the first attempt has brought over.
-bool DirectoryTransferOperation::isThereAlready(const FileSystemPath& path, const FileSystemTarget& to) const
+/// A retry leaves out what the attempt before has brought over, and nothing else: what only has the same name
+/// and size may be another file.
+bool DirectoryTransferOperation::isThereAlready(const FileSystemPath& path) const
 {
-    return isRetry() && transferType() == Copy && to.fileSystem &&
-           to.fileSystem->fileSize(to.fullPath) == static_cast<qint64>(path.sizeBytes);
+    const auto arrived = m_arrived.constFind(path.path);
+    return (transferType() == Copy || path.isLinked) && arrived != m_arrived.constEnd() &&
+           to().fileSystem->fileSize(*arrived) == static_cast<qint64>(path.sizeBytes);
 }
 
 void DirectoryTransferOperation::handleTransferOperationTransferredBytesChanged(size_t bytes)

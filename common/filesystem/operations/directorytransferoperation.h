@@ -29,6 +29,8 @@ public:
     QList<OperationError> errors() const override;
     bool setRunning(bool running) override;
     bool accept(OperationVisitor* visitor) override;
+    /// Goes on where that has come to: into the same directory, without what has arrived there.
+    void setRetryOf(const TransferOperation& failed) override;
 
     OperationPtr createSubOperation(FileSystemPath const& path) override;
     QSharedPointer<RecursiveDirectoryLister> directoryLister() const override;
@@ -62,14 +64,16 @@ private:
     void checkRoom(qint64 neededBytes);
     void fail(const QString& message);
     OperationPtr createFileOperation(const FileSystemPath& path, const FileSystemTarget& to);
-    bool isThereAlready(const FileSystemPath& path, const FileSystemTarget& to) const;
+    bool isThereAlready(const FileSystemPath& path) const;
 
     AbstractOperationFactory* m_factory;
     QSharedPointer<RecursiveDirectoryLister> m_lister;
     std::unique_ptr<RecursiveOperationRunner> m_runner;
     std::unique_ptr<RecursiveDirectoryLister> m_destinationLister; // of what is there already
     QString m_name;                                                // of the directory at its destination
-    bool m_isNameAsked = false; // whether the directory itself may be merged with one that is there
+    bool m_hasPlace = false;           // the directory of that name is the operation's to fill
+    QHash<QString, QString> m_arrived; // by source path, where what has been brought over lies
+    bool m_isNameAsked = false;        // whether the directory itself may be merged with one that is there
     bool m_isStopping = false;
     QHash<QString, unsigned long long> m_bytes; // transferred, of each source path
     unsigned long long m_bytesSum = 0;          // of m_bytes

@@ -18,6 +18,8 @@ struct FileSystemPath
     unsigned long long sizeBytes = 0;
     /// A directory whose content has been moved away: it goes when nothing else is in it.
     bool isEmptied = false;
+    /// It lies below a symbolic link, which may lead out of the tree: it is copied, and stays.
+    bool isLinked = false;
 };
 
 } // namespace vantrel

@@ -48,15 +48,7 @@ void FileTransferOperation::run()
     if (system->getType(to().fullPath) == FileSystem::Unknown)
         TransferOperation::run();
     else
-        meetConflict(isThereWhole() ? ConflictPolicy::Skip : conflictPolicy());
-}
-
-// What an earlier attempt at the same copy has brought over.
-bool FileTransferOperation::isThereWhole() const
-{
-    const qint64 size = to().fileSystem->fileSize(to().fullPath);
-    return isRetry() && transferType() == Copy && size >= 0 &&
-           size == from().fileSystem->fileSize(from().fullPath);
+        meetConflict(conflictPolicy());
 }
 
 void FileTransferOperation::meetConflict(ConflictPolicy policy)

@@ -37,7 +37,6 @@ Q_SIGNALS:
 
 private:
     void meetConflict(ConflictPolicy policy);
-    bool isThereWhole() const;
     FileSystemTarget freeTarget() const;
 
     bool m_replacesTarget = false;

@@ -142,8 +142,11 @@ void RecursiveOperationRunner::createEntries()
     QElapsedTimer clock;
     clock.start();
     while (m_nextPath < m_paths.size()) {
-        const FileSystemPath& path = m_paths.at(m_nextPath++);
-        if (const OperationPtr operation = m_creator->createSubOperation(path)) {
+        const FileSystemPath path = m_paths.at(m_nextPath++);
+        const OperationPtr operation = m_creator->createSubOperation(path);
+        if (m_state != Listing)
+            return; // it has found that it cannot be done
+        if (operation) {
             m_pending.append(std::make_shared<RunningEntry>(RunningEntry{path, operation}));
             if (path.type == FileSystemPath::File)
                 m_totalBytes += path.sizeBytes;

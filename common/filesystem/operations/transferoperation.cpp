@@ -155,15 +155,10 @@ void TransferOperation::setParentOperation(QWeakPointer<TransferOperation> paren
     m_parent = std::move(parent);
 }
 
-bool TransferOperation::isRetry() const
+void TransferOperation::setRetryOf(const TransferOperation& failed)
 {
-    const QSharedPointer<TransferOperation> parent = m_parent.toStrongRef();
-    return parent ? parent->isRetry() : m_isRetry;
-}
-
-void TransferOperation::setRetry(bool isRetry)
-{
-    m_isRetry = isRetry;
+    m_isRetry = true;
+    m_conflictPolicy = failed.m_conflictPolicy;
 }
 
 ConflictPolicy TransferOperation::conflictPolicy() const

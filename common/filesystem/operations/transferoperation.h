@@ -42,10 +42,9 @@ public:
     QWeakPointer<TransferOperation> parentOperation() const;
     void setParentOperation(QWeakPointer<TransferOperation> parent);
 
-    /// Whether it repeats one that has failed: what that has brought over whole need not come again. Of a
-    /// part the whole says so.
-    bool isRetry() const;
-    void setRetry(bool isRetry);
+    /// It repeats one that has failed, with the same answers. Set it before the operation starts.
+    virtual void setRetryOf(const TransferOperation& failed);
+    bool isRetry() const { return m_isRetry; }
 
     /// Refuse until somebody says otherwise. Set it before the operation starts.
     ConflictPolicy conflictPolicy() const;

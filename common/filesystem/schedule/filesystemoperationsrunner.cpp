@@ -119,10 +119,8 @@ OperationPtr FileSystemOperationsRunner::retryOperation(OperationPtr operation)
     const OperationPtr retry = failed->transferType() == TransferOperation::Move
                                    ? m_private->createMoveOperation(failed->from(), failed->to())
                                    : m_private->createCopyOperation(failed->from(), failed->to());
-    if (auto* transfer = qobject_cast<TransferOperation*>(retry.data())) {
-        transfer->setConflictPolicy(failed->conflictPolicy());
-        transfer->setRetry(true);
-    }
+    if (auto* transfer = qobject_cast<TransferOperation*>(retry.data()))
+        transfer->setRetryOf(*failed);
     return retry;
 }
 
@@ -189,8 +187,6 @@ void FileSystemOperationsRunner::abortAllOperations()
     for (const OperationPtr& operation : pendingOperations())
         if (auto* runnable = qobject_cast<RunnableOperation*>(operation.data()))
             runnable->abort();
-    Q_EMIT pendingOperationsChanged();
-    Q_EMIT finishedOperationsChanged();
     const OperationPtr active = m_private->activeOperation;
     if (auto* runnable = qobject_cast<RunnableOperation*>(active.data()))
         runnable->abort();

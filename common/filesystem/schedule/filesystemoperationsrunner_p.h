@@ -30,17 +30,20 @@ public:
 public Q_SLOTS:
     void runNextOperation();
     void onOperationFinished();
+    void onGivenUp(const QString& message);
     void showNotificationForFailedOperation();
 
 private:
     void wake();
-    void start(const OperationPtr& operation, qsizetype pendingCount);
+    void start(const OperationPtr& operation);
+    OperationPtr findNextPending();
     void showNotificationOnFailure(const OperationPtr& operation);
     void notifyOfTransfer(const TransferOperation& operation);
 
     FileSystemOperationsRunner* m_runner;
     TargetWatch m_watch;
     QTimer m_timer;
+    qsizetype m_firstOpen = 0; // in allOperations: all before it are over
     bool m_isWoken = false;
 };
 

@@ -22,6 +22,11 @@ QString textOf(const QList<OperationError>& errors)
     return text;
 }
 
+bool isWaiting(const OperationPtr& operation)
+{
+    return !operation->isRunning() && !operation->hasFinished();
+}
+
 void notify(const QString& title, const QString& details)
 {
     NotificationManagerImpl::instance()->createNotification(Notification::ErrorMessage, title, details);
@@ -56,9 +61,19 @@ OperationPtr FileSystemOperationsRunnerPrivate::add(const OperationPtr& operatio
     if (!operation)
         return operation;
     allOperations.append(operation);
+    for (const FileSystemTarget& target : operation->targets())
+        if (target.fileSystem)
+            connect(target.fileSystem, &FileSystem::givenUp, this,
+                    &FileSystemOperationsRunnerPrivate::onGivenUp, Qt::UniqueConnection);
     Q_EMIT m_runner->pendingOperationsChanged();
     Q_EMIT m_runner->allOperationsChanged();
     showNotificationOnFailure(operation);
+    connect(operation.data(), &BaseOperation::operationStopped, this, [this, raw = operation.data()] {
+        if (raw == activeOperation.data())
+            return;
+        Q_EMIT m_runner->pendingOperationsChanged();
+        Q_EMIT m_runner->finishedOperationsChanged();
+    });
     wake(); // not before its caller is done with it
     return operation;
 }
@@ -76,10 +91,9 @@ void FileSystemOperationsRunnerPrivate::runNextOperation()
     m_isWoken = false;
     if (activeOperation && !activeOperation->hasFinished())
         return;
-    const OperationPtrList pending = m_runner->pendingOperations();
-    if (pending.isEmpty())
+    const OperationPtr next = findNextPending();
+    if (!next)
         return;
-    const OperationPtr& next = pending.constFirst();
     for (const FileSystemTarget& target : next->targets())
         if (!target.fileSystem)
             qCInfo(lcFileSystem) << "fileSystem not defined in operation" << *next;
@@ -88,16 +102,45 @@ void FileSystemOperationsRunnerPrivate::runNextOperation()
                               << *next;
         return;
     }
-    start(next, pending.size() - 1);
+    start(next);
 }
 
-void FileSystemOperationsRunnerPrivate::start(const OperationPtr& operation, qsizetype pendingCount)
+/// Large selections are many operations: those that are over are not looked at again.
+OperationPtr FileSystemOperationsRunnerPrivate::findNextPending()
+{
+    while (m_firstOpen < allOperations.size() && allOperations.at(m_firstOpen)->hasFinished())
+        ++m_firstOpen;
+    const auto open = allOperations.cbegin() + m_firstOpen;
+    const auto next = std::find_if(open, allOperations.cend(), isWaiting);
+    return next == allOperations.cend() ? OperationPtr() : *next;
+}
+
+/// Nothing waits for a file system that does not come back, and holds up what is behind it.
+void FileSystemOperationsRunnerPrivate::onGivenUp(const QString& message)
+{
+    const QObject* const left = sender();
+    const OperationPtrList operations = allOperations.mid(m_firstOpen);
+    for (const OperationPtr& operation : operations) {
+        auto* runnable = qobject_cast<RunnableOperation*>(operation.data());
+        const bool isConcerned =
+            std::ranges::any_of(operation->targets(),
+                                [left](const FileSystemTarget& target) { return target.fileSystem == left; });
+        if (!runnable || !isConcerned || operation->hasFinished())
+            continue;
+        runnable->addErrorText(message);
+        runnable->abort();
+    }
+    wake();
+}
+
+void FileSystemOperationsRunnerPrivate::start(const OperationPtr& operation)
 {
     activeOperation = operation;
     connect(operation.data(), &BaseOperation::operationStopped, this,
             &FileSystemOperationsRunnerPrivate::onOperationFinished);
+    const auto waiting = std::count_if(allOperations.cbegin() + m_firstOpen, allOperations.cend(), isWaiting);
     qCInfo(lcFileSystem) << "About to run next operation" << *operation
-                         << "- Pending operations:" << pendingCount;
+                         << "- Pending operations:" << waiting - 1;
     auto* runnable = qobject_cast<RunnableOperation*>(operation.data());
     if (!runnable) {
         qCWarning(lcFileSystem) << "Failed to start operation" << *operation;

@@ -100,7 +100,8 @@ OperationPtr OperationFactory::createRemoveOperation(FileSystemTarget target)
                                 << nameOf(target) << "target" << target.fullPath;
         return {};
     }
-    if (type == FileSystem::Directory && !isLocal(target))
+    const bool isLink = target.fileSystem && target.fileSystem->isLink(target.fullPath);
+    if (type == FileSystem::Directory && !isLocal(target) && !isLink)
         return make<RecursiveRemoveOperation>(this, target);
     return make<ModifyOperation>(target, ModifyOperation::Remove, modifiedType(type));
 }

@@ -33,7 +33,7 @@ void ServerChange::start()
     case ModifyOperation::Create:
         return know(getParentPath(m_path), [this] { create(); });
     case ModifyOperation::Rename:
-        return know(getParentPath(m_path), [this] { rename(); });
+        return readAnew(getParentPath(m_path), [this] { rename(); }); // most servers replace without a word
     case ModifyOperation::Remove:
         return remove();
     }
@@ -197,7 +197,8 @@ void ServerRelocation::start()
     if (isSamePath(m_from, m_destination) || isPathBelow(m_destination, m_from))
         return fail(tr("<code>%1</code> cannot be put into itself").arg(m_from.toHtmlEscaped()));
     const bool isDirectory = server().listings().type(m_from) == FileSystem::Directory;
-    know(getParentPath(m_destination), [this, isDirectory] {
+    // Most servers put one file in the place of another without a word.
+    readAnew(getParentPath(m_destination), [this, isDirectory] {
         meet(m_destination, isDirectory, [this](const QString& destination) { send(destination); });
     });
 }
@@ -220,18 +221,38 @@ void ServerRelocation::onAnswer(Outcome outcome)
     if (outcome == Outcome::NotSent)
         qCWarning(lcFileSystem) << (m_isMove ? "Failed to request move from" : "Failed to request copy from")
                                 << m_from << "to" << m_destination;
+    noteReason(outcome);
+    if (outcome == Outcome::Failed && m_isMove && mayReplace() && !hasSteppedAside())
+        return makeRoom();
     if (outcome != Outcome::LinkLost)
         return finish(outcome == Outcome::Done);
+    // What was at the destination before may still be: the source tells whether it has gone there.
+    readAnew(getParentPath(m_destination), [this] {
+        readAnew(getParentPath(m_from), [this] {
+            const bool isGone = m_isMove && !server().listings().entry(m_from);
+            const bool isThere = server().listings().entry(m_destination).has_value();
+            if (isGone || (!m_isMove && isThere && !mayReplace()))
+                finish(isThere);
+            else
+                send(m_destination);
+        });
+    });
+}
+
+/// The server may have refused since something is in the way.
+void ServerRelocation::makeRoom()
+{
     readAnew(getParentPath(m_destination), [this] {
         if (server().listings().entry(m_destination))
-            finish(true);
+            stepAside(m_destination, [this] { send(m_destination); });
         else
-            send(m_destination);
+            finish(false);
     });
 }
 
 void ServerRelocation::finish(bool isDone)
 {
+    endAside(isDone);
     qCInfo(lcFileSystem) << (m_isMove ? "Move operation finished from path"
                                       : "Copy operation finished from path")
                          << m_from << "to" << m_destination << "- Succeded:" << textOf(isDone);

@@ -47,6 +47,7 @@ public:
 private:
     void send(const QString& destination);
     void onAnswer(Outcome outcome);
+    void makeRoom();
     void finish(bool isDone);
 
     TransferOperation* m_transfer; // the operation

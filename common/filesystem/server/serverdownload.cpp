@@ -85,6 +85,7 @@ void ServerDownload::onRead(Outcome outcome)
     }
     qCInfo(lcFileSystem) << "Read operation finished for path" << m_source
                          << "- Succeded:" << (outcome == Outcome::Done ? "true" : "false");
+    noteReason(outcome);
     if (outcome != Outcome::Done || (m_size >= 0 && m_done != m_size))
         return measure();
     m_transfer->setProgress(1.0);
@@ -120,6 +121,7 @@ void ServerDownload::removeSource()
 {
     const auto remove = [this](FileSystemClient& client) { return client.remove(m_source); };
     askOnce(Kind::Remove, remove, [this](Outcome outcome) {
+        noteReason(outcome);
         if (outcome == Outcome::NotSent)
             qCWarning(lcFileSystem) << "File removal request failed during move operation. Path:" << m_source;
         if (outcome != Outcome::LinkLost)

@@ -53,6 +53,9 @@ bool ServerFileSystem::getFiles(QString directoryPath, QList<FileSystemFile>& re
 
 FileSystem::ItemType ServerFileSystem::getType(QString path)
 {
+    const std::optional<ClientFileSystemInfo> entry = m_private->listings().entry(path);
+    if (entry && entry->type == ClientFileSystemType::Unknown)
+        qCWarning(lcFileSystem) << "Unknown type for file system path" << path;
     return m_private->listings().type(path);
 }
 
@@ -74,6 +77,12 @@ OperationVisitor* ServerFileSystem::operationVisitor()
 qint64 ServerFileSystem::fileSize(const QString& path) const
 {
     return m_private->getFileSize(path);
+}
+
+bool ServerFileSystem::isLink(const QString& path) const
+{
+    const std::optional<ClientFileSystemInfo> entry = m_private->listings().entry(path);
+    return entry && entry->isSymLink;
 }
 
 bool ServerFileSystem::connectToServer()

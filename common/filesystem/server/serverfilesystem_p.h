@@ -54,6 +54,8 @@ public:
                          const QList<ClientFileSystemInfo>& changes = {});
     /// What is left of an upload that will not be finished goes as soon as the client has time.
     void removeLeftover(const QString& path);
+    /// What has stepped aside for another comes back in its place, likewise.
+    void putBack(const QString& aside, const QString& path);
     static ClientFileSystemInfo directoryEntry(const QString& path);
 
 private Q_SLOTS:

@@ -214,6 +214,7 @@ void ServerFileSystemPrivate::giveUp(const QString& message)
     const auto tasks = findChildren<ServerTask*>(QString(), Qt::FindDirectChildrenOnly);
     for (ServerTask* task : tasks)
         task->giveUp(message);
+    Q_EMIT m_q->givenUp(message);
 }
 
 } // namespace vantrel

@@ -231,8 +231,8 @@ void ServerFileSystemPrivate::finishOperation(const QWeakPointer<RunnableOperati
     for (const ClientFileSystemInfo& change : changes) {
         const bool isFile = change.type == ClientFileSystemType::File;
         if (!m_listings.markStale(isFile ? getParentPath(change.path) : change.path))
-            qCDebug(lcFileSystem) << "Failed to find matching list request for path" << change.path
-                                  << "in operation" << *operation;
+            qCWarning(lcFileSystem) << "Failed to find matching list request for path" << change.path
+                                    << "in operation" << *operation;
     }
     for (const ClientFileSystemInfo& change : changes) {
         if (change.type == ClientFileSystemType::Directory)
@@ -280,6 +280,19 @@ void ServerFileSystemPrivate::removeLeftover(const QString& path)
                               else
                                   m_listings.remove(path);
                           }});
+}
+
+void ServerFileSystemPrivate::putBack(const QString& aside, const QString& path)
+{
+    m_commands.ask(this,
+                   {ServerCommands::Kind::Move,
+                    [aside, path](FileSystemClient& client) { return client.move(aside, path); },
+                    [this, aside, path](ServerCommands::Outcome outcome) {
+                        if (outcome == ServerCommands::Outcome::LinkLost)
+                            return putBack(aside, path);
+                        m_listings.markStale(getParentPath(path));
+                        Q_EMIT m_q->directoryChanged(FileSystemDirectory::fromFullPath(getParentPath(path)));
+                    }});
 }
 
 } // namespace vantrel

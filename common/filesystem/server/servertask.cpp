@@ -5,6 +5,8 @@
 #include "common/filesystem/operations/transferoperation.h"
 #include "common/filesystem/server/serverfilesystem_p.h"
 
+#include <QUuid>
+
 #include <utility>
 
 namespace vantrel {
@@ -41,13 +43,66 @@ void ServerTask::giveUp(const QString& message)
 void ServerTask::fail(const QString& message)
 {
     m_operation->addErrorText(message + reason());
+    endAside(false);
     m_server->finishOperation(m_operation, false);
 }
 
 QString ServerTask::reason() const
 {
+    if (!m_reason.isEmpty())
+        return m_reason;
     const QString said = m_server->client()->lastErrorText().simplified();
     return said.isEmpty() ? QString() : QStringLiteral(": ") + said.toHtmlEscaped();
+}
+
+void ServerTask::noteReason(Outcome outcome)
+{
+    m_reason.clear();
+    if (outcome == Outcome::Failed)
+        m_reason = reason();
+}
+
+void ServerTask::onAborted()
+{
+    endAside(false);
+}
+
+void ServerTask::stepAside(const QString& destination, Step next)
+{
+    const QString name = QStringLiteral(".halcyra-%1.old").arg(QUuid::createUuid().toString(QUuid::Id128));
+    const QString aside = createJoinedPath(getParentPath(destination), name, false);
+    const auto isAside = [this, destination, aside] {
+        m_aside = aside;
+        m_replaced = destination;
+        m_server->listings().remove(destination);
+    };
+    askOnce(
+        Kind::Move,
+        [destination, aside](FileSystemClient& client) { return client.move(destination, aside); },
+        [this, destination, aside, isAside, next = std::move(next)](Outcome outcome) {
+            if (outcome == Outcome::LinkLost)
+                return readAnew(getParentPath(destination), [this, destination, aside, isAside, next] {
+                    if (!m_server->listings().entry(aside))
+                        return stepAside(destination, next);
+                    isAside();
+                    next();
+                });
+            if (outcome != Outcome::Done)
+                return fail(tr("<code>%1</code> could not be replaced").arg(destination.toHtmlEscaped()));
+            isAside();
+            next();
+        });
+}
+
+void ServerTask::endAside(bool isReplaced)
+{
+    if (m_aside.isEmpty())
+        return;
+    if (isReplaced)
+        m_server->removeLeftover(m_aside);
+    else
+        m_server->putBack(m_aside, m_replaced);
+    m_aside.clear();
 }
 
 void ServerTask::askOnce(Kind kind, std::function<bool(FileSystemClient&)> send,

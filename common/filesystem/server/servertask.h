@@ -44,16 +44,25 @@ protected:
     /// Ends the operation without a fault, and without having done anything.
     virtual void skip();
     /// Somebody aborts the operation.
-    virtual void onAborted() {}
+    virtual void onAborted();
+
+    /// For a server that puts nothing in the place of another file: what lies there steps aside until the new
+    /// one has its name, so that nothing is lost whatever happens between.
+    void stepAside(const QString& destination, Step next);
+    bool hasSteppedAside() const { return !m_aside.isEmpty(); }
+    /// What has stepped aside goes, or comes back when nothing has taken its place.
+    void endAside(bool isReplaced);
 
     ServerFileSystemPrivate& server() const { return *m_server; }
     RunnableOperation* operation() const { return m_operation.data(); }
     const QSharedPointer<RunnableOperation>& operationPointer() const { return m_operation; }
     /// What is in the way may be replaced.
     bool mayReplace() const { return m_mayReplace; }
-    /// What the server said of the last failure, escaped, as the end of a sentence; empty when it said
-    /// nothing.
+    /// What the server said of the failure that was noted, or else of the last one, escaped, as the end of a
+    /// sentence; empty when it said nothing.
     QString reason() const;
+    /// Before another command has a failure of its own; of any other outcome nothing is kept.
+    void noteReason(Outcome outcome);
 
 private:
     void end();
@@ -66,6 +75,9 @@ private:
     QSharedPointer<RunnableOperation> m_operation;
     std::function<void(const QString&)> m_met;
     bool m_mayReplace = false;
+    QString m_aside;    // where what is being replaced lies meanwhile
+    QString m_replaced; // where it belongs
+    QString m_reason;
 };
 
 } // namespace vantrel

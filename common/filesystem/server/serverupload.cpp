@@ -46,29 +46,21 @@ void ServerUpload::start()
                         ? createJoinedPath(to, getNameInPath(m_transfer->from().fullPath), false)
                         : to;
     m_transfer->setTotalSizeBytes(static_cast<unsigned long long>(m_size));
-    know(getParentPath(m_destination), [this] {
-        if (isThereAlready())
-            return succeed();
-        meet(m_destination, false, [this](const QString& destination) { sendTo(destination); });
-    });
+    know(getParentPath(m_destination),
+         [this] { meet(m_destination, false, [this](const QString& destination) { sendTo(destination); }); });
 }
 
-/// What an earlier attempt at the same has brought over is not sent again.
-bool ServerUpload::isThereAlready() const
-{
-    return m_transfer->isRetry() && server().listings().fileSize(m_destination) == m_size;
-}
-
-/// Of the source as it is: what another attempt has left of it can be told from what came of anything else.
+/// Of the source as it is and of its place: what another attempt has left of it can be told from what came of
+/// anything else. It is short, since a name may be as long as a server takes.
 QString ServerUpload::temporaryName() const
 {
-    const QString source = QStringLiteral("%1|%2|%3")
-                               .arg(m_transfer->from().fullPath)
+    const QString source = QStringLiteral("%1|%2|%3|%4")
                                .arg(m_size)
-                               .arg(m_modified.toMSecsSinceEpoch());
+                               .arg(m_modified.toMSecsSinceEpoch())
+                               .arg(m_transfer->from().fullPath, getNameInPath(m_destination));
     const QByteArray mark =
-        QCryptographicHash::hash(source.toUtf8(), QCryptographicHash::Sha1).toHex().first(8);
-    return QStringLiteral(".%1.%2.part").arg(getNameInPath(m_destination), QString::fromLatin1(mark));
+        QCryptographicHash::hash(source.toUtf8(), QCryptographicHash::Sha1).toHex().first(16);
+    return QStringLiteral(".halcyra-%1.part").arg(QString::fromLatin1(mark));
 }
 
 void ServerUpload::sendTo(const QString& destination)
@@ -79,10 +71,21 @@ void ServerUpload::sendTo(const QString& destination)
                                                 &ServerUpload::onProgress));
     m_sinceLog.start();
     const std::optional<ClientFileSystemInfo> left = server().listings().entry(m_temporary);
-    if (left && left->type == ClientFileSystemType::File && left->sizeBytes <= m_size)
-        goOnFrom(left->sizeBytes);
+    if (left && left->type == ClientFileSystemType::File)
+        goOnFromWhatIsLeft();
     else
         send(0);
+}
+
+/// The listing may be old: a part that has gone since would come again with a hole in front of it.
+void ServerUpload::goOnFromWhatIsLeft()
+{
+    measureFile(m_temporary, [this](qint64 bytes) {
+        if (bytes > 0 && bytes <= m_size)
+            goOnFrom(bytes);
+        else
+            send(0);
+    });
 }
 
 void ServerUpload::send(qint64 offset)
@@ -120,21 +123,24 @@ void ServerUpload::onWritten(Outcome outcome)
     }
     qCInfo(lcFileSystem) << "Write operation finished for path" << m_destination
                          << "- Succeded:" << (outcome == Outcome::Done ? "true" : "false");
-    measure();
+    noteReason(outcome);
+    measureFile(m_temporary, [this](qint64 bytes) { onMeasured(bytes); });
 }
 
-/// What has arrived, as the server counts it.
-void ServerUpload::measure()
+/// The bytes of a file as the server counts them; -1 when it is not there.
+void ServerUpload::measureFile(const QString& path, std::function<void(qint64)> next)
 {
     ask(
-        Kind::Size, [this](FileSystemClient& client) { return client.size(m_temporary); },
-        [this](Outcome outcome) {
-            if (outcome == Outcome::Done)
-                return onMeasured(server().commands().size());
+        Kind::Size, [path](FileSystemClient& client) { return client.size(path); },
+        [this, path, next = std::move(next)](Outcome outcome) {
+            if (outcome == Outcome::Done) {
+                m_tellsSizes = true;
+                return next(server().commands().size());
+            }
             // Not every server tells sizes, but all list.
-            readAnew(getParentPath(m_destination), [this] {
-                const std::optional<ClientFileSystemInfo> there = server().listings().entry(m_temporary);
-                onMeasured(there ? there->sizeBytes : -1);
+            readAnew(getParentPath(path), [this, path, next] {
+                const std::optional<ClientFileSystemInfo> there = server().listings().entry(path);
+                next(there ? there->sizeBytes : -1);
             });
         });
 }
@@ -166,14 +172,29 @@ bool ServerUpload::isSourceChanged() const
     return m_input->size() != m_size || modifiedTime(m_input) != m_modified;
 }
 
-/// All of it is there: it gets its name, unless something else has got that meanwhile.
+/// All of it is there: it gets its name, unless something else has got that meanwhile. Most servers put one
+/// file in the place of another without a word, so this one is asked first, however fresh what is here.
 void ServerUpload::place()
 {
-    know(getParentPath(m_destination), [this] {
-        meet(m_destination, false, [this](const QString& destination) {
-            m_destination = destination;
-            rename();
+    noteReason(Outcome::Done);
+    if (mayReplace())
+        return rename();
+    ask(
+        Kind::Size, [this](FileSystemClient& client) { return client.size(m_destination); },
+        [this](Outcome outcome) {
+            const bool isFree = outcome == Outcome::Failed && m_tellsSizes;
+            if (isFree)
+                rename();
+            else
+                readAnew(getParentPath(m_destination), [this] { meetThere(); });
         });
+}
+
+void ServerUpload::meetThere()
+{
+    meet(m_destination, false, [this](const QString& destination) {
+        m_destination = destination;
+        rename();
     });
 }
 
@@ -197,26 +218,21 @@ void ServerUpload::onRenamed(Outcome outcome)
             else
                 send(0);
         });
-    if (mayReplace() && server().listings().entry(m_destination))
-        return makeRoom();
-    fail(tr("<code>%1</code> could not be written").arg(m_destination.toHtmlEscaped()));
-}
-
-/// The server puts nothing in the place of another file by itself.
-void ServerUpload::makeRoom()
-{
-    ask(
-        Kind::Remove, [this](FileSystemClient& client) { return client.remove(m_destination); },
-        [this](Outcome outcome) {
-            if (outcome != Outcome::Done)
-                return fail(tr("<code>%1</code> could not be replaced").arg(m_destination.toHtmlEscaped()));
-            server().listings().remove(m_destination);
-            rename();
-        });
+    noteReason(outcome);
+    readAnew(getParentPath(m_destination), [this] {
+        const bool isTaken = server().listings().entry(m_destination).has_value();
+        if (!isTaken || hasSteppedAside())
+            fail(tr("<code>%1</code> could not be written").arg(m_destination.toHtmlEscaped()));
+        else if (mayReplace())
+            stepAside(m_destination, [this] { rename(); });
+        else
+            meetThere();
+    });
 }
 
 void ServerUpload::succeed()
 {
+    endAside(true);
     if (std::exchange(m_isSent, false)) {
         server().listings().remove(m_temporary);
         server().listings().add(m_destination, ClientFileSystemType::File, m_size);
@@ -241,9 +257,10 @@ void ServerUpload::skip()
     ServerTask::skip();
 }
 
-/// What is not going to be whole is taken away.
+/// What is not going to be whole is taken away, and what has stepped aside for it comes back.
 void ServerUpload::onAborted()
 {
+    ServerTask::onAborted();
     if (std::exchange(m_isSent, false))
         server().removeLeftover(m_temporary);
 }

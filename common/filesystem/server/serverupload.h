@@ -34,27 +34,28 @@ private:
     void send(qint64 offset);
     void onWritten(Outcome outcome);
     void onProgress(const QString& path, qint64 done, qint64 total);
-    void measure();
+    void goOnFromWhatIsLeft();
+    void measureFile(const QString& path, std::function<void(qint64)> next);
     void onMeasured(qint64 bytes);
     void goOnFrom(qint64 bytes);
     void place();
+    void meetThere();
     void rename();
     void onRenamed(Outcome outcome);
-    void makeRoom();
     void succeed();
     bool isSourceChanged() const;
     QString temporaryName() const;
-    bool isThereAlready() const;
 
     FileTransferOperation* m_transfer; // the operation
     QSharedPointer<QIODevice> m_input;
-    qint64 m_size = 0;     // bytes of the source
-    QDateTime m_modified;  // of the source
-    QString m_destination; // where it is to lie
-    QString m_temporary;   // where it lies until it is whole
-    qint64 m_reached = -1; // bytes that the server had at the last break
-    int m_vain = 0;        // attempts that brought nothing
-    bool m_isSent = false; // something of it may lie at the server
+    qint64 m_size = 0;         // bytes of the source
+    QDateTime m_modified;      // of the source
+    QString m_destination;     // where it is to lie
+    QString m_temporary;       // where it lies until it is whole
+    qint64 m_reached = -1;     // bytes that the server had at the last break
+    int m_vain = 0;            // attempts that brought nothing
+    bool m_isSent = false;     // something of it may lie at the server
+    bool m_tellsSizes = false; // the server does
     QElapsedTimer m_sinceLog;
 };
 

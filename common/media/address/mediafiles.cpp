@@ -52,9 +52,9 @@ QStringList allFileExtensions(const QString& prefix)
 QString thumbnailImageUrl(const QUrl& media)
 {
     const QString file = QString::fromLatin1(QUrl::toPercentEncoding(mediaUrlToString(media)));
+    // Both at once: there are percent signs in the first.
     return QStringLiteral("image://thumbnails/?file=%1&time=%2")
-        .arg(file)
-        .arg(QDateTime::currentMSecsSinceEpoch());
+        .arg(file, QString::number(QDateTime::currentMSecsSinceEpoch()));
 }
 
 } // namespace vantrel

@@ -213,6 +213,8 @@ void dragMove(const ClickTestRequest& request, const QPoint& global)
     // held, and would begin a drag that nobody leads.
     for (int i = 0; i < 2 && !drag().isGoingOn(); ++i) {
         deliverMouse(request, global, QEvent::MouseMove, Qt::NoButton, Qt::LeftButton);
+        // Declarative views begin theirs once they are done with the move.
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::MetaCall);
         drag().takeOver();
     }
     QCursor::setPos(global);

@@ -3,12 +3,12 @@
 #include "common/filesystem/model/pathhelpers.h"
 #include "common/filesystem/models/conflictdesk.h"
 #include "common/filesystem/models/filesystemdrophandler.h"
+#include "common/session/settings/configuration.h"
 #include "common/ui/toolkit/ztdrag.h"
 
 #include <QLocale>
 #include <QMimeData>
 #include <QPointer>
-#include <QTimer>
 #include <QWidget>
 
 namespace vantrel {
@@ -19,6 +19,22 @@ FileActions::FileActions(QWidget* view, FileSystemDropHandler* drops, ConflictDe
     , m_drops(drops)
     , m_desk(desk)
 {
+    if (Configuration* settings = configuration())
+        connect(settings, &Configuration::optionChanged, this, [this](ConfigurationOption option) {
+            if (option == TRANSFER_LIMIT_WHILE_PLAYING)
+                Q_EMIT transferLimitChanged();
+        });
+}
+
+double FileActions::transferLimit() const
+{
+    return configurationValue(TRANSFER_LIMIT_WHILE_PLAYING).toDouble();
+}
+
+void FileActions::setTransferLimit(double megabytes)
+{
+    if (Configuration* settings = configuration())
+        settings->setValue(TRANSFER_LIMIT_WHILE_PLAYING, megabytes);
 }
 
 void FileActions::startDrag(FilesModel* model, const QList<int>& rows)
@@ -26,10 +42,11 @@ void FileActions::startDrag(FilesModel* model, const QList<int>& rows)
     if (!model || rows.isEmpty())
         return;
     // Once the view is done with the mouse's move: while a drag runs it gets no other.
-    QTimer::singleShot(0, this, [this, from = QPointer<FilesModel>(model), rows] {
+    const auto begin = [this, from = QPointer<FilesModel>(model), rows] {
         if (from)
             runDrag(from, rows);
-    });
+    };
+    QMetaObject::invokeMethod(this, begin, Qt::QueuedConnection);
 }
 
 void FileActions::runDrag(FilesModel* model, const QList<int>& rows)

@@ -19,6 +19,8 @@ class FileSystemDropHandler;
 class FileActions : public QObject
 {
     Q_OBJECT
+    /// The most that transfers may take while program plays, in MB/s; 0 for all. Kept in the settings.
+    Q_PROPERTY(double transferLimit READ transferLimit WRITE setTransferLimit NOTIFY transferLimitChanged)
 
 public:
     /// All must outlive this.
@@ -34,6 +36,12 @@ public:
     /// The name of the drawing for a file of that name.
     Q_INVOKABLE QString iconOf(const QString& name) const;
     Q_INVOKABLE QString sizeText(qint64 bytes) const;
+
+    double transferLimit() const;
+    void setTransferLimit(double megabytes);
+
+Q_SIGNALS:
+    void transferLimitChanged();
 
 private:
     void runDrag(FilesModel* model, const QList<int>& rows);

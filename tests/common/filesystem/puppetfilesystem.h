@@ -7,6 +7,7 @@
 #include "common/filesystem/operations/recursiveremoveoperation.h"
 
 #include <QMap>
+#include <QSet>
 
 #include <functional>
 
@@ -22,8 +23,14 @@ public:
     QStringList done; // the paths of what was started
     std::function<Fate(const QString& path)> fate = [](const QString&) { return Fate::Passes; };
 
+    std::function<void(const TransferOperation& operation)> onTransfer; // of each file that comes
+
     void add(const QString& path, qint64 size) { m_files[path] = size; }
     void addDirectory(const QString& path) { m_files[path] = -1; }
+    /// It is listed still.
+    void vanish(const QString& path) { m_vanished.insert(path); }
+    /// Of a directory that is there.
+    void makeLink(const QString& path) { m_links.insert(path); }
     void setReady(bool ready)
     {
         m_isReady = ready;
@@ -51,18 +58,28 @@ public:
     ItemType getType(QString path) override
     {
         const QString plain = path.size() > 1 && path.endsWith(u'/') ? path.chopped(1) : path;
-        return plain == QStringLiteral("/") ? Directory
-               : !m_files.contains(plain)   ? Unknown
-               : m_files.value(plain) < 0   ? Directory
-                                            : File;
+        return m_vanished.contains(plain)     ? Unknown
+               : plain == QStringLiteral("/") ? Directory
+               : !m_files.contains(plain)     ? Unknown
+               : m_files.value(plain) < 0     ? Directory
+                                              : File;
     }
     bool requestMetadata(QString, FileMetadata&) override { return false; }
+    qint64 fileSize(const QString& path) const override { return m_files.value(path, -1); }
+    bool isLink(const QString& path) const override
+    {
+        return m_links.contains(path.endsWith(u'/') ? path.chopped(1) : path);
+    }
     bool isValidDirectoryPath(QString) const override { return true; }
     OperationVisitor* operationVisitor() override { return this; }
 
     bool visit(QSharedPointer<FileTransferOperation> operation) override
     {
-        return operation->to().fileSystem != this || follow(operation, operation->to().fullPath);
+        if (operation->to().fileSystem != this)
+            return true;
+        if (onTransfer)
+            onTransfer(*operation);
+        return follow(operation, operation->to().fullPath);
     }
     bool visit(QSharedPointer<DirectoryTransferOperation>) override { return true; }
     bool visit(QSharedPointer<ModifyOperation> operation) override
@@ -104,6 +121,8 @@ private:
         return below;
     }
 
+    QSet<QString> m_links;
+    QSet<QString> m_vanished;
     QMap<QString, qint64> m_files; // size; -1: a directory
     bool m_isReady = true;
 };

@@ -17,6 +17,7 @@ class ScriptedClient : public FileSystemClient
 public:
     QStringList calls; // "list /", "move /a /b"
     ClientCredentials known;
+    QString errorText; // of the last command
 
     QString last() const { return calls.value(calls.size() - 1); }
     void setConnected(bool connected)
@@ -95,6 +96,7 @@ public:
     bool copy(const QString&, const QString&) override { return false; }
     bool move(const QString& from, const QString& to) override { return begin("move", from, to); }
     bool size(const QString& path) override { return begin("size", path); }
+    QString lastErrorText() const override { return errorText; }
     void abort() override { calls << QStringLiteral("abort"); }
 
 private:

@@ -57,6 +57,7 @@ private Q_SLOTS:
     void readsDirectly();
     void caches();
     void cachesOnce();
+    void nearestAnswers();
 };
 
 void TestDirectoryReading::walks_data()
@@ -223,6 +224,21 @@ void TestDirectoryReading::cachesOnce()
     QCOMPARE(files.asked.count(QStringLiteral("/top/one/two/")), 1);
     QCOMPARE(texts(reader.getFileSystemPaths(QStringLiteral("/top/one/two"))),
              QStringList({QStringLiteral("/top/one/two/c.mov")}));
+}
+
+/// What a limit has kept one from reading may be another's own.
+void TestDirectoryReading::nearestAnswers()
+{
+    FakeFileSystem files;
+    fill(files);
+    AsyncFileSystemReader reader;
+    reader.setFileSystem(&files);
+    reader.setSearchDepth(1);
+    reader.addCachePaths({QStringLiteral("/top"), QStringLiteral("/top/one")});
+    QVERIFY(reader.startCaching());
+    QVERIFY(QTest::qWaitFor([&] { return reader.isReady(); }));
+    QCOMPARE(texts(reader.getFileSystemPaths(QStringLiteral("/top/one"))),
+             QStringList({QStringLiteral("/top/one/two/"), QStringLiteral("/top/one/b.mov")}));
 }
 
 HALCYRA_TEST(TestDirectoryReading)

@@ -104,9 +104,18 @@ private Q_SLOTS:
         QVERIFY(drops.dropMimeData(model.mimeOf({0, 2}), server, QStringLiteral("/media/")));
         QVERIFY(drops.moveMimeData(model.mimeOf({1}), server, QStringLiteral("/media/")));
         QVERIFY(drops.dropUrls({QUrl::fromLocalFile("/shows/b.mov")}, server, QStringLiteral("/media/")));
+        const QVariant local = QVariant::fromValue<FileSystem*>(m_local.get());
+        QVERIFY(drops.dropUrls({QUrl::fromLocalFile("/shows/b.mov")}, local, QStringLiteral("/shows/Act/")));
         QVERIFY(!drops.dropUrls({QUrl("http://a/b.mov")}, server, QStringLiteral("/media/")));
         QCOMPARE(m_queue->calls, (QStringList{"copy /shows/Act/ /media/", "copy /shows/b.mov /media/",
-                                              "move /shows/a.mov /media/", "copy /shows/b.mov /media/"}));
+                                              "move /shows/a.mov /media/", "copy /shows/b.mov /media/",
+                                              "copy /shows/b.mov /shows/Act/"}));
+        // What is put elsewhere on its own side leaves only when it is dragged there.
+        m_queue->calls.clear();
+        QVERIFY(drops.dropMimeData(model.mimeOf({1}), local, QStringLiteral("/shows/Act/")));
+        QVERIFY(drops.copyMimeData(model.mimeOf({1}), local, QStringLiteral("/shows/Act/")));
+        QCOMPARE(m_queue->calls,
+                 (QStringList{"move /shows/a.mov /shows/Act/", "copy /shows/a.mov /shows/Act/"}));
     }
 
     void operationsShowWhatTheyDo()
@@ -180,6 +189,24 @@ private Q_SLOTS:
         QCOMPARE(answered[0][0].value<ConflictPolicy>(), ConflictPolicy::KeepBoth);
         QVERIFY(!desk.isAsking());
         QCOMPARE(m_queue->transfer(1)->conflictPolicy(), ConflictPolicy::KeepBoth);
+    }
+
+    /// Also of a transfer that nobody has brought here.
+    void mergingAFolderReplacesNoFiles()
+    {
+        ConflictDesk desk(m_queue.get());
+        const OperationPtr folder = start("/shows/Act/");
+        start("/shows/a.mov");
+        for (int i : {0, 1})
+            m_queue->transfer(i)->setConflictPolicy(ConflictPolicy::Ask);
+        QSignalSpy asked(&desk, &ConflictDesk::questionChanged);
+        m_queue->transfer(0)->run();
+        m_queue->transfer(0)->askConflict({QStringLiteral("/media/Act"), true});
+        QCOMPARE(asked.size(), 1);
+        desk.answer(ConflictDesk::Answer::Replace, true);
+        QVERIFY(!desk.isAsking());
+        QCOMPARE(m_queue->transfer(0)->conflictPolicy(), ConflictPolicy::Ask);
+        QCOMPARE(m_queue->transfer(1)->conflictPolicy(), ConflictPolicy::Ask);
     }
 
     void timeLeftHasUnits()

@@ -1,10 +1,12 @@
 #include "common/filesystem/local/removalwork.h"
+#include "common/filesystem/local/systemfile.h"
 #include "common/filesystem/operations/directorytransferoperation.h"
 #include "tests/common/filesystem/localfixture.h"
 #include "tests/support/testmain.h"
 
 #include <QStorageInfo>
 
+#include <cerrno>
 #include <sys/stat.h>
 
 namespace vantrel::test {
@@ -194,6 +196,28 @@ private Q_SLOTS:
         QCOMPARE(QDir(other.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
                  QStringList(QStringLiteral("show")));
         QVERIFY(QFileInfo(other.filePath(QStringLiteral("show/link/a.mov"))).isFile());
+    }
+
+    /// Of a move by copying only what was copied leaves its place.
+    void keepsWhatCameMeanwhile()
+    {
+        LocalFixture disk;
+        for (const char* name : {"show/a.mov", "show/b.mov", "show/sub/c.mov", "show/done/d.mov"})
+            QVERIFY(disk.write(QString::fromLatin1(name), "old"));
+        JobControl nobody(
+            ConflictPolicy::Refuse, [] {}, [](const TransferConflict&) {});
+        CopyWork work(nobody, true);
+        const std::string show = systemfile::bytesOf(disk.path(QStringLiteral("show")));
+        QCOMPARE(work.copy(show, show + " (2)"), 0);
+        QVERIFY(disk.write(QStringLiteral("show/b.mov"), "longer"));
+        QVERIFY(disk.write(QStringLiteral("show/sub/new.mov"), "new"));
+        std::string left;
+        QCOMPARE(RemovalWork::removeCopied(show, work.takeCopied(), left), EBUSY);
+        QVERIFY(!left.empty());
+        QCOMPARE(disk.names(QStringLiteral("show")),
+                 (QStringList{QStringLiteral("b.mov"), QStringLiteral("sub")}));
+        QCOMPARE(disk.names(QStringLiteral("show/sub")), QStringList{QStringLiteral("new.mov")});
+        QCOMPARE(disk.names(QStringLiteral("show (2)")).size(), 4);
     }
 
     void removesNoMoreThanItShould()

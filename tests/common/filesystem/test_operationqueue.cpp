@@ -102,13 +102,20 @@ private Q_SLOTS:
         for (int i = 0; i <= 4; ++i)
             expected << QStringLiteral("/show/%1.mov").arg(i);
         QCOMPARE(m_to->done, expected);
-        // Once more: what has come over is left out, and its directory is no conflict.
+        // Once more: what has come over is left out, and its directory is no conflict. What only looks like
+        // it is.
         m_to->fate = [](const QString&) { return Fate::Passes; };
         m_to->addDirectory(QStringLiteral("/show"));
+        for (const int i : {0, 1, 3, 7})
+            m_to->add(QStringLiteral("/show/%1.mov").arg(i), 100);
         m_to->done.clear();
         const OperationPtr retry = m_queue->retryOperation(tree);
         QTRY_VERIFY(retry->hasFinished());
         QCOMPARE(stateOf(retry), State::Passed);
+        expected = {QStringLiteral("/show")};
+        for (const int i : {2, 4, 5, 6, 7, 8, 9})
+            expected << QStringLiteral("/show/%1.mov").arg(i);
+        QCOMPARE(m_to->done, expected);
         QCOMPARE(qSharedPointerCast<TransferOperation>(retry)->totalSizeBytes(), 1000ULL);
         QVERIFY(!m_queue->retryOperation(retry));
     }
@@ -137,6 +144,71 @@ private Q_SLOTS:
         QTRY_VERIFY(tree->hasFinished());
         QTEST(tree->state(), "state");
         QTEST(m_to->done.value(0), "first");
+        QFETCH(QString, first);
+        QCOMPARE(m_to->done.value(1), first.isEmpty() ? QString() : first + QStringLiteral("/0.mov"));
+        QCOMPARE(m_to->done.size(), first.isEmpty() ? 0 : 11);
+    }
+
+    /// A part that has gone before its turn is no part that is done.
+    void tellsOfPartsThatHaveGone()
+    {
+        allowWarnings(QStringLiteral("Unable to create copy operation for unknown file type"));
+        m_from->vanish(QStringLiteral("/show/3.mov"));
+        const OperationPtr tree = copy(QStringLiteral("/show"), QStringLiteral("/"));
+        QTRY_COMPARE(stateOf(tree), State::Failed);
+        QVERIFY(m_to->done.isEmpty());
+        QCOMPARE(qSharedPointerCast<RunnableOperation>(tree)->errors().first().message,
+                 QStringLiteral("<code>/show/3.mov</code> is not there any more"));
+    }
+
+    /// What a retry finds under the name that the first attempt has met is nobody's that it knows.
+    void retryDoesNotTakeWhatItWasRefused()
+    {
+        m_to->addDirectory(QStringLiteral("/show"));
+        const OperationPtr tree = copy(QStringLiteral("/show"), QStringLiteral("/"));
+        QTRY_COMPARE(stateOf(tree), State::Failed);
+        const OperationPtr retry = m_queue->retryOperation(tree);
+        QTRY_COMPARE(stateOf(retry), State::Failed);
+        QVERIFY(m_to->done.isEmpty());
+    }
+
+    void linksAreNotFollowed()
+    {
+        m_from->addDirectory(QStringLiteral("/show/link"));
+        m_from->makeLink(QStringLiteral("/show/link"));
+        m_from->add(QStringLiteral("/show/link/far.mov"), 100);
+        QStringList moved;
+        const auto tree =
+            m_queue->move(m_from.get(), QStringLiteral("/show"), m_to.get(), QStringLiteral("/"));
+        m_to->onTransfer = [&](const TransferOperation& part) {
+            if (part.transferType() == TransferOperation::Move)
+                moved << part.from().fullPath;
+        };
+        QTRY_VERIFY(tree->hasFinished());
+        QCOMPARE(stateOf(tree), State::Passed);
+        QVERIFY(m_to->done.contains(QStringLiteral("/show/link/far.mov")));
+        QCOMPARE(moved.size(), 10);
+        QVERIFY(!moved.contains(QStringLiteral("/show/link/far.mov")));
+        QCOMPARE(m_from->done, (QStringList{QStringLiteral("/show/link/"), QStringLiteral("/show/")}));
+        m_from->done.clear();
+        const OperationPtr removal = m_queue->remove(m_from.get(), QStringLiteral("/show"));
+        QTRY_VERIFY(removal->hasFinished());
+        QCOMPARE(m_from->done.first(), QStringLiteral("/show/link/"));
+        QVERIFY(!m_from->done.contains(QStringLiteral("/show/link/far.mov")));
+    }
+
+    void doesNotWaitForWhatIsGivenUp()
+    {
+        m_to->setReady(false);
+        const OperationPtr first = copy(QStringLiteral("/show/0.mov"), QStringLiteral("/0.mov"));
+        const OperationPtr removal = m_queue->remove(m_from.get(), QStringLiteral("/show/1.mov"));
+        QCoreApplication::processEvents();
+        QVERIFY(!removal->hasFinished());
+        Q_EMIT m_to->givenUp(QStringLiteral("gone"));
+        QCOMPARE(stateOf(first), State::Failed);
+        QCOMPARE(qSharedPointerCast<RunnableOperation>(first)->errors().first().message,
+                 QStringLiteral("gone"));
+        QTRY_COMPARE(stateOf(removal), State::Passed);
     }
 
     void abortsOnce()

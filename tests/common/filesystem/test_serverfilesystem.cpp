@@ -103,13 +103,16 @@ private Q_SLOTS:
         QSignalSpy changed(m_server.get(), &FileSystem::directoryChanged);
         upload->run();
         const QString temporary = client()->last().section(u' ', 1);
-        QVERIFY2(client()->last().startsWith(QStringLiteral("write /.a.mov.")), qPrintable(client()->last()));
+        QVERIFY2(client()->last().startsWith(QStringLiteral("write /.halcyra-")),
+                 qPrintable(client()->last()));
         client()->finishWrite(temporary, true);
         QCOMPARE(client()->last(), QStringLiteral("size ") + temporary);
         client()->finishSize(temporary, 2000); // says it has it all, and has not
         QCOMPARE(client()->last(), QStringLiteral("write ") + temporary);
         client()->finishWrite(temporary, true);
         client()->finishSize(temporary, 3000);
+        QCOMPARE(client()->last(), QStringLiteral("size /a.mov"));
+        client()->finishSize(QStringLiteral("/a.mov"), -1, false);
         QCOMPARE(client()->last(), QStringLiteral("move %1 /a.mov").arg(temporary));
         client()->finishMove(temporary, QStringLiteral("/a.mov"), true);
         QCOMPARE(upload->state(), State::Passed);
@@ -134,6 +137,7 @@ private Q_SLOTS:
         // The link goes once more, while the name changes: what the server shows decides.
         client()->finishWrite(temporary, true);
         client()->finishSize(temporary, 3 << 20);
+        client()->finishSize(QStringLiteral("/a.mov"), -1, false);
         client()->setConnected(false);
         client()->finishMove(temporary, QStringLiteral("/a.mov"), false);
         client()->setConnected(true);
@@ -165,9 +169,9 @@ private Q_SLOTS:
         QTest::addColumn<State>("state");
         QTest::newRow("refuse") << ConflictPolicy::Refuse << QString() << State::Failed;
         QTest::newRow("skip") << ConflictPolicy::Skip << QString() << State::Passed;
-        QTest::newRow("replace") << ConflictPolicy::Replace << QStringLiteral("write /.a.mov.")
+        QTest::newRow("replace") << ConflictPolicy::Replace << QStringLiteral("write /.halcyra-")
                                  << State::Running;
-        QTest::newRow("keep both") << ConflictPolicy::KeepBoth << QStringLiteral("write /.a (2).mov.")
+        QTest::newRow("keep both") << ConflictPolicy::KeepBoth << QStringLiteral("write /.halcyra-")
                                    << State::Running;
     }
     void meetsWhatIsThere()
@@ -197,6 +201,110 @@ private Q_SLOTS:
                 client()->finishRemove(QString(), true);
             }
         }
+    }
+
+    /// Somebody else was quicker, while this one was on its way.
+    void meetsWhatHasComeMeanwhile()
+    {
+        const auto upload = transferUp(QByteArray(30, 'x'), QStringLiteral("/a.mov"));
+        know(QStringLiteral("/"), {});
+        upload->setConflictPolicy(ConflictPolicy::Ask);
+        const QString temporary = sendWhole(*upload, 30);
+        QCOMPARE(client()->last(), QStringLiteral("size /a.mov"));
+        client()->finishSize(QStringLiteral("/a.mov"), 5);
+        QCOMPARE(client()->last(), QStringLiteral("list /"));
+        client()->finishList(QStringLiteral("/"),
+                             {fileEntry(QStringLiteral("/a.mov"), 5), fileEntry(temporary, 30)});
+        QVERIFY(upload->conflict());
+        upload->answerConflict(ConflictPolicy::KeepBoth, false);
+        QCOMPARE(client()->last(), QStringLiteral("move %1 /a (2).mov").arg(temporary));
+    }
+
+    void replacedFileIsNeverLost_data()
+    {
+        QTest::addColumn<bool>("isPlaced");
+        QTest::newRow("done") << true;
+        QTest::newRow("refused") << false;
+    }
+    void replacedFileIsNeverLost()
+    {
+        QFETCH(bool, isPlaced);
+        const auto upload = transferUp(QByteArray(30, 'x'), QStringLiteral("/a.mov"));
+        const QList<ClientFileSystemInfo> there{fileEntry(QStringLiteral("/a.mov"), 5)};
+        know(QStringLiteral("/"), there);
+        upload->setConflictPolicy(ConflictPolicy::Replace);
+        const QString temporary = sendWhole(*upload, 30);
+        const QString placing = QStringLiteral("move %1 /a.mov").arg(temporary);
+        QCOMPARE(client()->last(), placing);
+        client()->errorText = QStringLiteral("550 is <there>");
+        client()->finishMove(temporary, QStringLiteral("/a.mov"), false);
+        client()->errorText.clear();
+        client()->finishList(QStringLiteral("/"), there);
+        const QString aside = client()->last().section(u' ', 2);
+        QCOMPARE(client()->last(), QStringLiteral("move /a.mov ") + aside);
+        client()->setConnected(false); // nobody knows whether it has stepped aside
+        client()->setConnected(true);
+        QTRY_COMPARE(client()->last(), QStringLiteral("list /"));
+        client()->finishList(QStringLiteral("/"), {fileEntry(aside, 5), fileEntry(temporary, 30)});
+        QCOMPARE(client()->last(), placing);
+        client()->errorText = isPlaced ? QString() : QStringLiteral("550 is <full>");
+        client()->finishMove(temporary, QStringLiteral("/a.mov"), isPlaced);
+        client()->errorText.clear();
+        if (isPlaced) {
+            QCOMPARE(upload->state(), State::Passed);
+            QTRY_COMPARE(client()->last(), QStringLiteral("remove ") + aside);
+            return;
+        }
+        client()->finishList(QStringLiteral("/"), {fileEntry(aside, 5), fileEntry(temporary, 30)});
+        QCOMPARE(upload->state(), State::Failed);
+        const QString said = upload->errors().first().message;
+        QVERIFY2(said.endsWith(QStringLiteral("550 is &lt;full&gt;")), qPrintable(said));
+        QTRY_COMPARE(client()->last(), QStringLiteral("move %1 /a.mov").arg(aside));
+        client()->finishMove(aside, QStringLiteral("/a.mov"), true);
+        QTRY_COMPARE(client()->last(), QStringLiteral("remove ") + temporary);
+    }
+
+    /// The sizes asked for after it do not hide why a transfer has failed.
+    void saysWhatTheServerSaid()
+    {
+        const auto upload = transferUp(QByteArray(30, 'x'), QStringLiteral("/a.mov"));
+        know(QStringLiteral("/"), {});
+        upload->run();
+        const QString temporary = client()->last().section(u' ', 1);
+        for (int attempt = 0; upload->isRunning() && attempt < 5; ++attempt) {
+            client()->errorText = QStringLiteral("552 Disk full.");
+            client()->finishWrite(temporary, false);
+            client()->errorText.clear();
+            client()->finishSize(temporary, 10);
+        }
+        QCOMPARE(upload->state(), State::Failed);
+        QVERIFY2(upload->errors().first().message.endsWith(QStringLiteral("552 Disk full.")),
+                 qPrintable(upload->errors().first().message));
+    }
+
+    /// What lay at the destination before does not answer for what was to come there.
+    void replacingMoveSurvivesALostLink()
+    {
+        const QList<ClientFileSystemInfo> before{fileEntry(QStringLiteral("/a.mov"), 7),
+                                                 fileEntry(QStringLiteral("/b.mov"), 5)};
+        const auto move = make<FileTransferOperation>(
+            target(QStringLiteral("/a.mov")), target(QStringLiteral("/b.mov")), TransferOperation::Move);
+        move->setConflictPolicy(ConflictPolicy::Replace);
+        know(QStringLiteral("/"), before);
+        move->run();
+        client()->finishList(QStringLiteral("/"), before);
+        const QString moving = QStringLiteral("move /a.mov /b.mov");
+        QCOMPARE(client()->last(), moving);
+        client()->setConnected(false);
+        client()->setConnected(true);
+        for (int i = 0; i < 2; ++i) {
+            QTRY_COMPARE(client()->last(), QStringLiteral("list /"));
+            client()->finishList(QStringLiteral("/"), before);
+        }
+        QTRY_COMPARE(client()->last(), moving);
+        client()->finishMove(QStringLiteral("/a.mov"), QStringLiteral("/b.mov"), true);
+        QCOMPARE(move->state(), State::Passed);
+        QCOMPARE(m_server->fileSize(QStringLiteral("/b.mov")), 7);
     }
 
     void movedFileStaysWhenTheServerKeepsIt()
@@ -274,6 +382,15 @@ private:
             file.write(bytes);
         return make<FileTransferOperation>(FileSystemTarget{&m_local, path}, target(to),
                                            TransferOperation::Copy);
+    }
+    /// Until it is to get its name; gives where it lies.
+    QString sendWhole(FileTransferOperation& upload, qint64 size)
+    {
+        upload.run();
+        const QString temporary = client()->last().section(u' ', 1);
+        client()->finishWrite(temporary, true);
+        client()->finishSize(temporary, size);
+        return temporary;
     }
     static QByteArray contentOf(const QString& path)
     {

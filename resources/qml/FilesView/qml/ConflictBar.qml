@@ -14,6 +14,13 @@ Rectangle {
     onVisibleChanged: if (visible) forAll.checked = false
 
     function answer(choice) { fileActions.answerConflict(choice, forAll.checked) }
+    function question() {
+        const isTop = conflictDesk.place === "/"
+        const text = conflictDesk.isDirectory ? (isTop ? qsTr("The folder “%1” is there already")
+                                                       : qsTr("The folder “%1” is there already in %2"))
+                                              : (isTop ? qsTr("“%1” is there already") : qsTr("“%1” is there already in %2"))
+        return isTop ? text.arg(conflictDesk.name) : text.arg(conflictDesk.name).arg(conflictDesk.place)
+    }
 
     ZTLabel {
         anchors { left: parent.left; right: buttons.left; verticalCenter: parent.verticalCenter }
@@ -21,8 +28,7 @@ Rectangle {
         objectName: "conflict-text"
         color: Theme.strong
         elide: Text.ElideMiddle
-        text: conflictDesk.isDirectory ? qsTr("The folder “%1” is there already in %2").arg(conflictDesk.name).arg(conflictDesk.place)
-                                       : qsTr("“%1” is there already in %2").arg(conflictDesk.name).arg(conflictDesk.place)
+        text: bar.question()
         Accessible.role: Accessible.AlertMessage
     }
     Row {
@@ -41,6 +47,7 @@ Rectangle {
         ZTButton {
             objectName: "conflict-replace-button"
             text: conflictDesk.isDirectory ? qsTr("Merge") : qsTr("Replace")
+            enabled: !conflictDesk.isDirectory || !forAll.checked // each folder is asked for by itself
             tip: conflictDesk.isDirectory ? qsTr("Put the content of both into one folder; files of the same name are asked for")
                                           : qsTr("Put the new one in its place; the old one is gone")
             onClicked: bar.answer(0)
@@ -57,6 +64,13 @@ Rectangle {
             text: qsTr("Skip")
             tip: qsTr("Leave the old one as it is, and the new one out")
             onClicked: bar.answer(2)
+        }
+        ZTButton {
+            objectName: "conflict-stop-button"
+            kind: "flat"
+            iconName: "close"
+            tip: qsTr("Stop this transfer")
+            onClicked: bar.answer(3)
         }
     }
 }

@@ -24,8 +24,13 @@ FocusScope {
     readonly property bool canSend: canChange && other.isUsable && !other.isTop
     readonly property bool canPaste: canCreate && view.clip !== null
     readonly property bool canOpen: isUsable && selectedCount === 1 && model.get(selection.rows()[0]).isDirectory === true
+    // Of the files: what folders hold is not known.
+    readonly property string selectedSize: {
+        const bytes = selectedCount > 0 ? (selection.revision, model.bytesOf(selection.rows())) : 0
+        return bytes > 0 ? fileActions.sizeText(bytes) : ""
+    }
     readonly property int operationsRevision: session.operationsModel ? session.operationsModel.revision : 0
-    property int renamingRow: -1
+    property string renamingName // by name: a row may come to stand above it meanwhile
     property int dropRow: -1
     readonly property var textColumns: isLocal ? ["type", "size"] : ["duration", "type", "size"]
 
@@ -85,10 +90,8 @@ FocusScope {
         if (!canSend)
             return
         const mime = model.mimeOf(selection.rows())
-        if (moves)
-            fileSystemDropHandler.moveMimeData(mime, other.model.fileSystem, other.model.directoryPath)
-        else
-            fileSystemDropHandler.dropMimeData(mime, other.model.fileSystem, other.model.directoryPath)
+        tell(moves ? fileSystemDropHandler.moveMimeData(mime, other.model.fileSystem, other.model.directoryPath)
+                   : fileSystemDropHandler.dropMimeData(mime, other.model.fileSystem, other.model.directoryPath))
     }
     function copy() {
         if (canChange)
@@ -96,7 +99,16 @@ FocusScope {
     }
     function paste() {
         if (canPaste)
-            fileSystemDropHandler.dropMimeData(view.clip.mime, model.fileSystem, model.directoryPath)
+            tell(fileSystemDropHandler.copyMimeData(view.clip.mime, model.fileSystem, model.directoryPath))
+    }
+    function say(text) {
+        refused.text = text
+        refusedTimer.restart()
+    }
+    // A drop is taken whole or not at all.
+    function tell(isTaken) {
+        if (!isTaken)
+            say(qsTr("Nothing was copied: a part of it is not there any more. F5 reads the folder again."))
     }
     function startDrag() {
         fileActions.startDrag(model, selection.rows())
@@ -131,11 +143,11 @@ FocusScope {
     }
     function startRename() {
         if (canRename)
-            renamingRow = selection.rows()[0]
+            renamingName = model.get(selection.rows()[0]).name
     }
     function finishRename(name) {
-        const row = renamingRow
-        renamingRow = -1
+        const row = renamingName.length > 0 ? model.rowOf(renamingName) : -1
+        renamingName = ""
         if (row < 0)
             return
         const item = model.get(row)
@@ -190,7 +202,7 @@ FocusScope {
         target: browser.model
 
         function onDirectoryPathChanged() {
-            browser.renamingRow = -1
+            browser.renamingName = ""
             list.positionViewAtBeginning()
         }
         function onCountChanged() {
@@ -206,8 +218,7 @@ FocusScope {
             browser.comingFrom = ""
         }
         function onPathRefused(path) {
-            refused.text = qsTr("%1 cannot be opened.").arg(path)
-            refusedTimer.restart()
+            browser.say(qsTr("%1 cannot be opened.").arg(path))
         }
     }
     Timer {
@@ -276,8 +287,10 @@ FocusScope {
         }
     }
     MouseArea {
-        // The empty part of the list, and what is below its rows.
-        anchors.fill: list
+        // The empty part of the list, and what is below its rows; the list itself would keep a press there.
+        parent: list.contentItem
+        width: list.width
+        height: Math.max(list.height, list.contentHeight)
         z: -1
         acceptedButtons: Qt.LeftButton | Qt.RightButton
         onPressed: (event) => {
@@ -312,10 +325,10 @@ FocusScope {
             if (!isOurs(drop))
                 return
             drop.accept(Qt.CopyAction)
-            fileActions.drop(drop.formats.indexOf("application/json") >= 0
-                             ? { "application/type": drop.getDataAsString("application/type"),
-                                 "application/json": drop.getDataAsString("application/json") } : {},
-                             drop.urls, browser.model, target)
+            browser.tell(fileActions.drop(drop.formats.indexOf("application/json") >= 0
+                                          ? { "application/type": drop.getDataAsString("application/type"),
+                                              "application/json": drop.getDataAsString("application/json") } : {},
+                                          drop.urls, browser.model, target))
         }
     }
     Rectangle {
@@ -403,8 +416,8 @@ FocusScope {
             color: Theme.dim
             text: !browser.isUsable ? ""
                 : browser.selectedCount > 0
-                  ? qsTr("%1 of %2 selected, %3").arg(browser.selectedCount).arg(list.count)
-                        .arg(fileActions.sizeText((selection.revision, browser.model.bytesOf(selection.rows()))))
+                  ? [qsTr("%1 of %2 selected").arg(browser.selectedCount).arg(list.count), browser.selectedSize]
+                        .filter(part => part.length > 0).join(", ")
                   : list.count === 1 ? qsTr("1 item") : qsTr("%1 items").arg(list.count)
         }
     }

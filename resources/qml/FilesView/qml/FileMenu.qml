@@ -35,9 +35,17 @@ ZTMenu {
     }
     ZTMenuSeparator {}
     ZTMenuItem {
+        objectName: menu.browser.objectName + "-menu-take"
+        text: qsTr("Copy")
+        iconName: "copy"
+        keys: qsTr("Ctrl+C")
+        enabled: menu.browser.canChange
+        onTriggered: menu.browser.copy()
+    }
+    ZTMenuItem {
         objectName: menu.browser.objectName + "-menu-paste"
         text: qsTr("Paste")
-        iconName: "copy"
+        iconName: "paste"
         keys: qsTr("Ctrl+V")
         enabled: menu.browser.canPaste
         onTriggered: menu.browser.paste()

@@ -20,7 +20,7 @@ Item {
     readonly property bool isSelected: !!browser && (browser.selection.revision, browser.selection.isRowSelected(index))
     readonly property bool isCurrent: !!browser && browser.selection.currentRow === index
     readonly property double progress: browser ? (browser.operationsRevision, browser.progressOf(absolutePath)) : -1
-    readonly property bool isRenaming: !!browser && browser.renamingRow === index
+    readonly property bool isRenaming: !!browser && browser.renamingName === name
     readonly property string text: shownName // for who asks what the row shows
     readonly property bool isDropTarget: !!browser && browser.dropRow === index
 
@@ -119,6 +119,7 @@ Item {
         onContainsMouseChanged: containsMouse && label.truncated ? toolTips.show(label, row.shownName)
                                                                  : toolTips.hide(label)
         onPressed: (event) => {
+            toolTips.hide(label)
             row.browser.takeFocus()
             from = Qt.point(event.x, event.y)
             hasDragged = false

@@ -69,7 +69,9 @@ ZTQMLWidget {
         TransferPanel {
             id: transfers
 
-            T.SplitView.preferredHeight: isShrunk ? titleHeight : Math.min(view.height * 0.28, Theme.scaled(190))
+            T.SplitView.preferredHeight: isShrunk ? titleHeight
+                                       : operations && operations.count > 0 ? Math.min(view.height * 0.28, Theme.scaled(190))
+                                                                            : T.SplitView.minimumHeight
             T.SplitView.minimumHeight: isShrunk ? titleHeight : titleHeight + Theme.rowHeight + Theme.normal
             T.SplitView.maximumHeight: isShrunk ? titleHeight : view.height * 0.6
         }

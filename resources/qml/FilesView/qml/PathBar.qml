@@ -41,6 +41,7 @@ Item {
             tip: qsTr("Places: folders that are used often, and drives")
             visible: bar.browser.isLocal
             enabled: bar.browser.isUsable
+            isOpen: placesMenu.item !== null && placesMenu.item.visible
             onClicked: placesMenu.item ? placesMenu.item.open() : placesMenu.active = true
 
             Loader {
@@ -75,6 +76,7 @@ Item {
             required property var modelData
 
             height: list.height
+            opacity: x + 1 < list.contentX ? 0 : 1 // no half of a name
 
             ZTIcon {
                 anchors.verticalCenter: parent.verticalCenter

@@ -12,9 +12,31 @@ ShrinkableFrame {
     objectName: "transfers-panel"
     canShrink: true
     iconName: "transfer"
-    title: open > 0 ? qsTr("Transfers: %1 to go, %2 %").arg(open).arg(Math.round(operations.totalProgress * 100))
+    title: conflictDesk.isAsking ? qsTr("Transfers: a question")
+         : open > 0 ? qsTr("Transfers: %1 to go, %2 %").arg(open).arg(Math.round(operations.totalProgress * 100))
          : failed > 0 ? qsTr("Transfers: %1 failed").arg(failed) : qsTr("Transfers")
     tools: [
+        ZTButton {
+            id: limit
+
+            objectName: "transfers-limit-button"
+            kind: "flat"
+            text: fileActions.transferLimit > 0 ? qsTr("Limit: %1 MB/s").arg(fileActions.transferLimit) : qsTr("No limit")
+            tip: qsTr("The most that transfers take while program plays; what is on air comes first")
+            isOpen: limitMenu.item !== null && limitMenu.item.visible
+            onClicked: limitMenu.item ? limitMenu.item.open() : limitMenu.active = true
+
+            Loader {
+                id: limitMenu
+
+                active: false
+                sourceComponent: LimitMenu {
+                    parent: limit
+                    y: limit.height
+                }
+                onLoaded: item.open()
+            }
+        },
         ZTButton {
             objectName: "transfers-clear-button"
             kind: "flat"
@@ -33,6 +55,15 @@ ShrinkableFrame {
         }
     ]
 
+    Connections {
+        // A question that nobody sees would hold the queue.
+        target: conflictDesk
+
+        function onQuestionChanged() {
+            if (conflictDesk.isAsking)
+                panel.isShrunk = false
+        }
+    }
     ConflictBar {
         id: conflict
 
@@ -55,12 +86,16 @@ ShrinkableFrame {
         Keys.onDeletePressed: if (currentItem) currentItem.end()
 
         Connections {
+            // To what has just begun, and then the list stays where the wheel leaves it.
+            property int shown: -1
+
             target: panel.operations
 
             function onCountChanged() {
                 const row = panel.operations.activeRow()
-                if (row >= 0 && !list.activeFocus)
+                if (row >= 0 && row !== shown && !list.activeFocus)
                     list.positionViewAtIndex(row, ListView.Contain)
+                shown = row
             }
         }
     }

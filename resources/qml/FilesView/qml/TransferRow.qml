@@ -63,7 +63,7 @@ Item {
 
         anchors { left: icon.right; leftMargin: Theme.normal; verticalCenter: parent.verticalCenter }
         width: Math.max(0, row.width * 0.4 - icon.width)
-        text: row.isTransfer ? qsTr("%1  ›  %2").arg(row.name).arg(row.where) : qsTr("%1 %2").arg(row.operationType).arg(row.name)
+        text: row.isTransfer ? qsTr("%1  ›  %2").arg(row.name).arg(row.where === "/" && row.isUpload ? qsTr("Server") : row.where) : qsTr("%1 %2").arg(row.operationType).arg(row.name)
         color: row.isOpen ? Theme.text : Theme.dim
         elide: Text.ElideMiddle
         Accessible.ignored: true
@@ -82,7 +82,8 @@ Item {
         anchors { leftMargin: Theme.loose; rightMargin: Theme.normal }
         color: row.isFailed ? Theme.bad : row.stage === 2 ? Theme.notice : Theme.dim
         text: row.isFailed ? row.errorText
-            : row.isBusy ? [qsTr("%1 %").arg(Math.round(row.progress * 100)), row.sizeText, row.transferSpeed,
+            : row.isBusy ? [qsTr("%1 %").arg(Math.round(row.progress * 100)),
+                            row.width < Theme.scaled(900) ? "" : row.sizeText, row.transferSpeed,
                             row.eta.length > 0 ? qsTr("%1 left").arg(row.eta) : ""].filter(part => part.length > 0).join("   ")
             : row.stageText
         Accessible.ignored: true

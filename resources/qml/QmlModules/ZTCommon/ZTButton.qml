@@ -1,13 +1,15 @@
 import QtQuick
 import QtQuick.Templates as T
 
-// A button: a drawing, a text or both. kind is that of the style sheet: "", "accent", "flat".
+// A button: a drawing, a text or both. kind is that of the style sheet: "", "accent", "flat". One whose menu is open
+// says nothing.
 T.Button {
     id: control
 
     property string iconName
     property string tip
     property string kind
+    property bool isOpen: false
     readonly property bool isAccent: kind === "accent"
     readonly property bool isFlat: kind === "flat"
     readonly property color ink: !enabled ? Theme.disabled : isAccent ? Theme.onAccent
@@ -24,7 +26,8 @@ T.Button {
     Accessible.description: tip
     Accessible.onPressAction: if (enabled) clicked()
 
-    onHoveredChanged: hovered ? toolTips.show(control, tip) : toolTips.hide(control)
+    onIsOpenChanged: toolTips.hide(control)
+    onHoveredChanged: hovered && !isOpen ? toolTips.show(control, tip) : toolTips.hide(control)
     onPressed: toolTips.hide(control)
     Keys.onReturnPressed: clicked()
     Keys.onEnterPressed: clicked()

@@ -24,6 +24,7 @@ Column {
         color: Theme.strong
         font.weight: Font.DemiBold
         wrapMode: Text.WordWrap
+        visible: text.length > 0
     }
     ZTLabel {
         width: parent.width

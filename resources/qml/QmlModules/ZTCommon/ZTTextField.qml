@@ -14,6 +14,7 @@ T.TextField {
     selectionColor: Theme.accent
     selectedTextColor: Theme.onAccent
     placeholderTextColor: Theme.faint
+    font.family: Qt.application.font.family // the platform has another one for fields
     font.pixelSize: fontSizes.body
     verticalAlignment: TextInput.AlignVCenter
     selectByMouse: true
