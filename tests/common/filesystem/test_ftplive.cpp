@@ -52,6 +52,7 @@ private Q_SLOTS:
 
 private:
     static void servers();
+    quint16 prepareServer(const QString& password);
     bool useServer();
     bool connectTo(const QString& host, quint16 port);
     bool isThere() const;
@@ -121,18 +122,21 @@ bool TestFtpLive::connectTo(const QString& host, quint16 port)
            QTest::qWaitFor([&] { return !connected.isEmpty() && connected.last().first().toBool(); }, 15000);
 }
 
-/// Each test works in a folder of its own.
-bool TestFtpLive::useServer()
+/// Each test works in a folder of its own. Returns the server's port, 0 when the folder cannot be made.
+quint16 TestFtpLive::prepareServer(const QString& password)
 {
     QFETCH(int, other);
-    if (other < 0) {
-        m_folder = m_ombra.mediaFolder() + QStringLiteral("/t");
-        return QDir().mkpath(m_folder) && connectTo(QStringLiteral("127.0.0.1"), m_ombra.ports().ftp);
-    }
-    const FtpDaemon& server = m_others.at(size_t(other));
-    m_folder = server.folder() + QStringLiteral("/t");
-    m_client->setCredentials({server.user(), QStringLiteral("tnempius")});
-    return FtpDaemon::makeFolder(m_folder) && connectTo(server.address().toString(), server.port());
+    const FtpDaemon* server = other < 0 ? nullptr : &m_others.at(size_t(other));
+    m_folder = (server ? server->folder() : m_ombra.mediaFolder()) + QStringLiteral("/t");
+    m_client->setCredentials({server ? server->user() : QStringLiteral("opsadmin"), password});
+    if (!(server ? FtpDaemon::makeFolder(m_folder) : QDir().mkpath(m_folder)))
+        return 0;
+    return server ? server->port() : m_ombra.ports().ftp;
+}
+
+bool TestFtpLive::useServer()
+{
+    return connectTo(QStringLiteral("127.0.0.1"), prepareServer(QStringLiteral("tnempius")));
 }
 
 /// Starts something and waits for its signal; true when it succeeded.
@@ -200,12 +204,12 @@ void TestFtpLive::roundTrip()
                       QStringLiteral("quote \"'.mov"),
                       QStringLiteral(".hidden.mov"),
                       QStringLiteral("100%41 %s.mov"),
-                      QStringLiteral("  both ends.mov  "),
+                      QStringLiteral("  blanks before.mov"),
                       QStringLiteral("{a,b} ~$.mov"),
                       QStringLiteral("\u8f38\U0001f3ac\u0301.mov"),
                       QString(125, QChar(0xfc)) + QStringLiteral("x.mov")};
-    if (other != 0)
-        names << QStringLiteral("back\\slash.mov"); // which pure-ftpd cannot do
+    if (other != 0) // pure-ftpd knows neither
+        names << QStringLiteral("back\\slash.mov") << QStringLiteral("  both ends.mov  ");
     names.sort();
     QByteArray bytes(2'500'000, '\0');
     QRandomGenerator random(7);
@@ -217,12 +221,18 @@ void TestFtpLive::roundTrip()
         QVERIFY2(onDisk.open(QIODevice::ReadOnly) && onDisk.readAll() == bytes, qPrintable(name));
         QByteArray back;
         QVERIFY(get(path, &back) && back == bytes);
-        const QString folder = QString(path).replace(QLatin1String("mov"), QLatin1String("[d]"));
+        QString folder = QString(path).replace(QLatin1String("mov"), QLatin1String("[d]"));
+        if (other == 1)
+            folder.remove(QLatin1Char('*')); // proftpd has files with a star, but no folders
         QVERIFY(run(
             &FtpClient::createFinished, [&] { return m_client->create(folder, Type::Directory); }, 2));
+        const QString file = folder + QStringLiteral("/in.mov");
+        QVERIFY(put(file, "in"));
         QStringList inside;
         QVERIFY(list(folder + QLatin1Char('/'), &inside));
-        QCOMPARE(inside, QStringList());
+        QCOMPARE(inside, QStringList{QStringLiteral("in.mov")});
+        QVERIFY(run(
+            &FtpClient::removeFinished, [&] { return m_client->remove(file); }, 2));
         QVERIFY(run(
             &FtpClient::removeFinished, [&] { return m_client->remove(folder + QLatin1Char('/')); }, 2));
     }
@@ -328,18 +338,10 @@ void TestFtpLive::wrongPassword()
     if (!isThere())
         QSKIP("this server is not unpacked (./test does), or this is not root");
     allowWarnings(QStringLiteral("Failed FTP command request"));
-    QVERIFY(useServer());
-    ClientCredentials credentials = m_client->credentials();
-    credentials.password = QStringLiteral("wrong");
-    m_client->disconnectServer();
-    m_client->setCredentials(credentials);
-    QFETCH(int, other);
-    const quint16 port = other < 0 ? m_ombra.ports().ftp : m_others.at(size_t(other)).port();
     QSignalSpy connection(m_client.get(), &FtpClient::isServerConnectedChanged);
-    QVERIFY(m_client->connectToServer(QStringLiteral("127.0.0.1"), port));
+    QVERIFY(m_client->connectToServer(QStringLiteral("127.0.0.1"), prepareServer(QStringLiteral("wrong"))));
     QVERIFY(QTest::qWaitFor(
         [&] { return m_client->lastErrorText().startsWith(QStringLiteral("Login failed:\n")); }, 15000));
-    QVERIFY(!m_client->isServerConnected());
     QVERIFY(!connection.contains(QList<QVariant>{true}));
 }
 
