@@ -38,6 +38,8 @@ private Q_SLOTS:
     void cleanupTestCase();
     void roundTrip_data() { servers(); }
     void roundTrip();
+    void filesChange_data() { servers(); }
+    void filesChange();
     void manyFiles_data() { servers(); }
     void manyFiles();
     void abortStorm_data() { servers(); }
@@ -52,6 +54,7 @@ private Q_SLOTS:
 
 private:
     static void servers();
+    static QByteArray noise();
     quint16 prepareServer(const QString& password);
     bool useServer();
     bool connectTo(const QString& host, quint16 port);
@@ -188,6 +191,14 @@ bool TestFtpLive::get(const QString& path, QByteArray* bytes, qint64 offset)
         1);
 }
 
+QByteArray TestFtpLive::noise()
+{
+    QByteArray bytes(2'500'000, '\0');
+    QRandomGenerator random(7);
+    random.fillRange(reinterpret_cast<quint32*>(bytes.data()), bytes.size() / 4);
+    return bytes;
+}
+
 void TestFtpLive::roundTrip()
 {
     QFETCH(int, other);
@@ -211,9 +222,7 @@ void TestFtpLive::roundTrip()
     if (other != 0) // pure-ftpd knows neither
         names << QStringLiteral("back\\slash.mov") << QStringLiteral("  both ends.mov  ");
     names.sort();
-    QByteArray bytes(2'500'000, '\0');
-    QRandomGenerator random(7);
-    random.fillRange(reinterpret_cast<quint32*>(bytes.data()), bytes.size() / 4);
+    const QByteArray bytes = noise();
     for (const QString& name : std::as_const(names)) {
         const QString path = QStringLiteral("/t/") + name;
         QVERIFY2(put(path, bytes), qPrintable(name + m_client->lastErrorText()));
@@ -240,6 +249,16 @@ void TestFtpLive::roundTrip()
     QVERIFY(list(QStringLiteral("/t/"), &found));
     QCOMPARE(found, names);
     QVERIFY(!list(QStringLiteral("/t/none/")));
+}
+
+void TestFtpLive::filesChange()
+{
+    if (!isThere())
+        QSKIP("this server is not unpacked (./test does), or this is not root");
+    allowWarnings(QStringLiteral("Failed FTP command request"));
+    QVERIFY(useServer());
+    const QByteArray bytes = noise();
+    QVERIFY(put(QStringLiteral("/t/plain.mov"), bytes));
 
     // A transfer that goes on where an earlier one ended.
     QFile half(m_folder + QStringLiteral("/plain.mov"));
