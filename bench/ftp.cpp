@@ -3,7 +3,7 @@
 #include "bench/row.h"
 #include "common/filesystem/ftp/clientcredentials.h"
 #include "common/filesystem/ftp/ftpclient.h"
-#include "tests/support/pureftpd.h"
+#include "tests/support/ftpdaemon.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
@@ -22,7 +22,7 @@
 
 using namespace vantrel;
 using vantrel::bench::row;
-using vantrel::test::PureFtpd;
+using vantrel::test::FtpDaemon;
 
 namespace {
 
@@ -88,7 +88,7 @@ class Peer
 public:
     Peer()
     {
-        if (!PureFtpd::isAvailable() || !m_server.start())
+        if (!m_server.isAvailable() || !m_server.start())
             qFatal("pure-ftpd is not there: ./test unpacks it, and it wants root");
         m_client.setCredentials({QStringLiteral("opsadmin"), QStringLiteral("tnempius")});
         m_client.connectToServer(QStringLiteral("127.0.0.1"), m_server.port());
@@ -157,7 +157,7 @@ public:
     }
 
 private:
-    PureFtpd m_server;
+    FtpDaemon m_server{FtpDaemon::Make::Pure};
     QTemporaryDir m_folder;
     FtpClient m_client;
 };

@@ -8,7 +8,7 @@
 #include "common/filesystem/schedule/filesystemoperationsrunner.h"
 #include "common/filesystem/schedule/operationfactory.h"
 #include "common/filesystem/server/serverfilesystem.h"
-#include "tests/support/pureftpd.h"
+#include "tests/support/ftpdaemon.h"
 
 #include <QApplication>
 #include <QDir>
@@ -27,7 +27,7 @@
 
 using namespace vantrel;
 using vantrel::bench::row;
-using vantrel::test::PureFtpd;
+using vantrel::test::FtpDaemon;
 
 namespace {
 
@@ -81,7 +81,7 @@ class Peer
 public:
     Peer()
     {
-        if (!PureFtpd::isAvailable() || !m_pure.start())
+        if (!m_pure.isAvailable() || !m_pure.start())
             qFatal("pure-ftpd is not there: ./test unpacks it, and it wants root");
         m_server = std::make_unique<ServerFileSystem>(
             QUrl(QStringLiteral("ftp://127.0.0.1:%1").arg(m_pure.port())), &m_clients);
@@ -156,7 +156,7 @@ private:
             qFatal("an operation failed");
     }
 
-    PureFtpd m_pure;
+    FtpDaemon m_pure{FtpDaemon::Make::Pure};
     QTemporaryDir m_disk;
     ClientFactory m_clients;
     OperationFactory m_operations;

@@ -55,17 +55,27 @@ build() {
   ninja -C "$build_dir" "$@" >"$log" 2>&1 || { grep -E 'error|FAILED' -A 5 "$log" | head -n 40 >&2; fail "the build failed; see $log"; }
 }
 
-# A file server for the tests, unpacked into the build folder: its packages would start it on port 21.
-unpack_file_server() {
-  local folder=$build_dir/ftpd package
-  [ -e "$folder/usr/sbin/pure-ftpd" ] && return 0
-  say "unpacking pure-ftpd"
-  mkdir -p "$folder/packages"
-  (cd "$folder/packages" && apt-get download -q pure-ftpd pure-ftpd-common) >"$folder/log" 2>&1 || {
-    say "pure-ftpd could not be had: its tests are skipped"
-    return 0
-  }
-  for package in "$folder"/packages/*.deb; do dpkg -x "$package" "$folder"; done
+# File servers for the tests, unpacked into the build folder with the libraries that few machines have: their
+# packages would start them on port 21.
+unpack_file_servers() {
+  local folder=$build_dir/ftpd package server packages
+  mkdir -p "$folder"
+  while read -r server packages; do
+    [ -e "$folder/usr/sbin/$server" ] && continue
+    say "unpacking $server"
+    rm -rf "$folder/packages" && mkdir "$folder/packages"
+    # shellcheck disable=SC2086
+    (cd "$folder/packages" && apt-get download -q $packages) >"$folder/log" 2>&1 || {
+      say "$server could not be had: its tests are skipped"
+      continue
+    }
+    for package in "$folder"/packages/*.deb; do dpkg -x "$package" "$folder"; done
+  done <<'END'
+pure-ftpd pure-ftpd pure-ftpd-common
+proftpd proftpd-core libhiredis0.14 libmemcached11 libmemcachedutil2 libhashkit2 libpcre2-posix3
+vsftpd vsftpd libwrap0
+END
+  ln -sfn "usr/lib/$(dpkg-architecture -qDEB_HOST_MULTIARCH 2>/dev/null || gcc -print-multiarch)" "$folder/libraries"
 }
 
 # Sets DISPLAY, to an Xvfb of our own where there is no display; that Xvfb's process id is then in xvfb_pid.

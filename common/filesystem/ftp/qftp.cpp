@@ -119,8 +119,12 @@ int QFtp::setProxy(const QString& host, quint16 port)
 
 int QFtp::list(const QString& dir)
 {
-    // -a also brings what begins with a dot; the server reads a pattern, so the name is quoted.
+    // -a also brings what begins with a dot. Servers differ in how LIST takes a name with blanks or brackets,
+    // and some show nothing where there is no such folder: to enter it means the same on all of them.
     QString last = QStringLiteral("LIST -a");
+    if (dir.startsWith(QLatin1Char('/')))
+        return add(List,
+                   {line("CWD", dir), typeLine(Ascii), connectionLine(d->transferMode), last + lineEnd});
     if (!dir.isEmpty())
         last += QLatin1Char(' ') + QString::fromStdString(quoteListPath(dir.toStdString()));
     return add(List, {typeLine(Ascii), connectionLine(d->transferMode), last + lineEnd});

@@ -1,7 +1,7 @@
 #include "common/filesystem/ftp/clientcredentials.h"
 #include "common/filesystem/ftp/ftpclient.h"
+#include "tests/support/ftpdaemon.h"
 #include "tests/support/ombraprocess.h"
-#include "tests/support/pureftpd.h"
 #include "tests/support/testmain.h"
 
 #include <QBuffer>
@@ -9,18 +9,21 @@
 #include <QFile>
 #include <QRandomGenerator>
 #include <QSignalSpy>
+#include <QTcpServer>
 #include <QTemporaryFile>
 #include <QTest>
 #include <QTimer>
 
+#include <array>
 #include <csignal>
 #include <memory>
 
 using namespace vantrel;
 using namespace std::chrono_literals;
 using vantrel::test::allowWarnings;
+using vantrel::test::FtpDaemon;
 using vantrel::test::OmbraProcess;
-using vantrel::test::PureFtpd;
+using Make = FtpDaemon::Make;
 using Type = ClientFileSystemType;
 
 /// The client against servers as they are, with a look at the bytes on the disk.
@@ -35,18 +38,27 @@ private Q_SLOTS:
     void cleanupTestCase();
     void roundTrip_data() { servers(); }
     void roundTrip();
+    void filesChange_data() { servers(); }
+    void filesChange();
     void manyFiles_data() { servers(); }
     void manyFiles();
     void abortStorm_data() { servers(); }
     void abortStorm();
+    void wrongPassword_data() { servers(); }
+    void wrongPassword();
+    void overIpv6_data();
+    void overIpv6();
     void serverComesBack();
     void serverEndsWithOmbra();
     void passwordStaysSecret();
 
 private:
     static void servers();
+    static QByteArray noise();
+    quint16 prepareServer(const QString& password);
     bool useServer();
-    bool connectTo(quint16 port);
+    bool connectTo(const QString& host, quint16 port);
+    bool isThere() const;
     template <typename Signal, typename Start>
     bool run(Signal signal, Start start, int succeededAt);
     bool list(const QString& path, QStringList* names = nullptr);
@@ -55,7 +67,7 @@ private:
     static qint64 fileServerOf(qint64 parent);
 
     OmbraProcess m_ombra;
-    PureFtpd m_pure;
+    std::array<FtpDaemon, 3> m_others{FtpDaemon(Make::Pure), FtpDaemon(Make::Pro), FtpDaemon(Make::Vs)};
     QString m_folder;
     std::unique_ptr<FtpClient> m_client;
     QList<QVariant> m_last; // of the signal that run() waited for
@@ -67,8 +79,8 @@ void TestFtpLive::initTestCase()
         QSKIP("no ombra was built");
     QVERIFY2(m_ombra.start(), m_ombra.output().constData());
     QVERIFY(m_ombra.ports().ftp != 0);
-    if (PureFtpd::isAvailable())
-        QVERIFY(m_pure.start());
+    for (FtpDaemon& other : m_others)
+        QVERIFY(!other.isAvailable() || other.start());
 }
 
 void TestFtpLive::init()
@@ -92,27 +104,42 @@ void TestFtpLive::cleanupTestCase()
 
 void TestFtpLive::servers()
 {
-    QTest::addColumn<bool>("isPure");
-    QTest::newRow("ombra") << false;
-    QTest::newRow("pure-ftpd") << true;
+    QTest::addColumn<int>("other");
+    QTest::newRow("ombra") << -1;
+    QTest::newRow("pure-ftpd") << 0;
+    QTest::newRow("proftpd") << 1;
+    QTest::newRow("vsftpd") << 2;
 }
 
-bool TestFtpLive::connectTo(quint16 port)
+/// False for a server that is not unpacked (./test does), or that cannot run without root.
+bool TestFtpLive::isThere() const
+{
+    QFETCH(int, other);
+    return other < 0 || m_others.at(size_t(other)).port() != 0;
+}
+
+bool TestFtpLive::connectTo(const QString& host, quint16 port)
 {
     QSignalSpy connected(m_client.get(), &FtpClient::isServerConnectedChanged);
-    return m_client->connectToServer(QStringLiteral("127.0.0.1"), port) &&
+    return m_client->connectToServer(host, port) &&
            QTest::qWaitFor([&] { return !connected.isEmpty() && connected.last().first().toBool(); }, 15000);
 }
 
-/// Each test works in a folder of its own, which it makes itself.
+/// Each test works in a folder of its own. Returns the server's port, 0 when the folder cannot be made.
+quint16 TestFtpLive::prepareServer(const QString& password)
+{
+    QFETCH(int, other);
+    const FtpDaemon* server = other < 0 ? nullptr : &m_others.at(size_t(other));
+    m_folder = (server ? server->folder() : m_ombra.mediaFolder()) + QStringLiteral("/t");
+    m_client->setCredentials({server ? server->user() : QStringLiteral("opsadmin"), password});
+    if (!(server ? FtpDaemon::makeFolder(m_folder) : QDir().mkpath(m_folder)))
+        return 0;
+    return server ? server->port() : m_ombra.ports().ftp;
+}
+
 bool TestFtpLive::useServer()
 {
-    QFETCH(bool, isPure);
-    m_folder = (isPure ? m_pure.folder() : m_ombra.mediaFolder()) + QStringLiteral("/t");
-    return connectTo(isPure ? m_pure.port() : m_ombra.ports().ftp) &&
-           run(
-               &FtpClient::createFinished,
-               [&] { return m_client->create(QStringLiteral("/t"), Type::Directory); }, 2);
+    return connectTo(QStringLiteral("127.0.0.1"), prepareServer(QStringLiteral("tnempius")));
 }
 
 /// Starts something and waits for its signal; true when it succeeded.
@@ -164,23 +191,38 @@ bool TestFtpLive::get(const QString& path, QByteArray* bytes, qint64 offset)
         1);
 }
 
-void TestFtpLive::roundTrip()
+QByteArray TestFtpLive::noise()
 {
-    QFETCH(bool, isPure);
-    if (isPure && m_pure.port() == 0)
-        QSKIP("pure-ftpd is not unpacked (./test does), or this is not root");
-    allowWarnings(QStringLiteral("Failed FTP command request"));
-    QVERIFY(useServer());
-    QStringList names{
-        QStringLiteral("plain.mov"),       QStringLiteral("two words.mov"), QStringLiteral("[1] x.mov"),
-        QStringLiteral("Bühne ünten.mov"), QStringLiteral("a -> b.mov"),    QStringLiteral("star *?.mov"),
-        QStringLiteral("quote \"'.mov"),   QStringLiteral(".hidden.mov"),   QStringLiteral("100%.mov")};
-    if (!isPure)
-        names << QStringLiteral("back\\slash.mov"); // which the other one cannot do
-    names.sort();
     QByteArray bytes(2'500'000, '\0');
     QRandomGenerator random(7);
     random.fillRange(reinterpret_cast<quint32*>(bytes.data()), bytes.size() / 4);
+    return bytes;
+}
+
+void TestFtpLive::roundTrip()
+{
+    QFETCH(int, other);
+    if (!isThere())
+        QSKIP("this server is not unpacked (./test does), or this is not root");
+    allowWarnings(QStringLiteral("Failed FTP command request"));
+    QVERIFY(useServer());
+    QStringList names{QStringLiteral("plain.mov"),
+                      QStringLiteral("two words.mov"),
+                      QStringLiteral("[1] x.mov"),
+                      QStringLiteral("Bühne ünten.mov"),
+                      QStringLiteral("a -> b.mov"),
+                      QStringLiteral("star *?.mov"),
+                      QStringLiteral("quote \"'.mov"),
+                      QStringLiteral(".hidden.mov"),
+                      QStringLiteral("100%41 %s.mov"),
+                      QStringLiteral("  blanks before.mov"),
+                      QStringLiteral("{a,b} ~$.mov"),
+                      QStringLiteral("\u8f38\U0001f3ac\u0301.mov"),
+                      QString(125, QChar(0xfc)) + QStringLiteral("x.mov")};
+    if (other != 0) // pure-ftpd knows neither
+        names << QStringLiteral("back\\slash.mov") << QStringLiteral("  both ends.mov  ");
+    names.sort();
+    const QByteArray bytes = noise();
     for (const QString& name : std::as_const(names)) {
         const QString path = QStringLiteral("/t/") + name;
         QVERIFY2(put(path, bytes), qPrintable(name + m_client->lastErrorText()));
@@ -188,12 +230,18 @@ void TestFtpLive::roundTrip()
         QVERIFY2(onDisk.open(QIODevice::ReadOnly) && onDisk.readAll() == bytes, qPrintable(name));
         QByteArray back;
         QVERIFY(get(path, &back) && back == bytes);
-        const QString folder = QStringLiteral("/t/") + name + QStringLiteral(" [d]");
+        QString folder = QString(path).replace(QLatin1String("mov"), QLatin1String("[d]"));
+        if (other == 1)
+            folder.remove(QLatin1Char('*')); // proftpd has files with a star, but no folders
         QVERIFY(run(
             &FtpClient::createFinished, [&] { return m_client->create(folder, Type::Directory); }, 2));
+        const QString file = folder + QStringLiteral("/in.mov");
+        QVERIFY(put(file, "in"));
         QStringList inside;
         QVERIFY(list(folder + QLatin1Char('/'), &inside));
-        QCOMPARE(inside, QStringList());
+        QCOMPARE(inside, QStringList{QStringLiteral("in.mov")});
+        QVERIFY(run(
+            &FtpClient::removeFinished, [&] { return m_client->remove(file); }, 2));
         QVERIFY(run(
             &FtpClient::removeFinished, [&] { return m_client->remove(folder + QLatin1Char('/')); }, 2));
     }
@@ -201,6 +249,16 @@ void TestFtpLive::roundTrip()
     QVERIFY(list(QStringLiteral("/t/"), &found));
     QCOMPARE(found, names);
     QVERIFY(!list(QStringLiteral("/t/none/")));
+}
+
+void TestFtpLive::filesChange()
+{
+    if (!isThere())
+        QSKIP("this server is not unpacked (./test does), or this is not root");
+    allowWarnings(QStringLiteral("Failed FTP command request"));
+    QVERIFY(useServer());
+    const QByteArray bytes = noise();
+    QVERIFY(put(QStringLiteral("/t/plain.mov"), bytes));
 
     // A transfer that goes on where an earlier one ended.
     QFile half(m_folder + QStringLiteral("/plain.mov"));
@@ -213,6 +271,9 @@ void TestFtpLive::roundTrip()
     QByteArray begun = bytes.left(1'200'000);
     QVERIFY(get(QStringLiteral("/t/plain.mov"), &begun, 1'200'000) && begun == bytes);
     QVERIFY(put(QStringLiteral("/t/empty.mov"), QByteArray()));
+    QByteArray none;
+    QVERIFY(get(QStringLiteral("/t/empty.mov"), &none) && none.isEmpty());
+    QCOMPARE(QFileInfo(m_folder + QStringLiteral("/empty.mov")).size(), 0);
 
     // A finished upload takes the place of what was there, which ombra wants out of the way first.
     QVERIFY(put(QStringLiteral("/t/.new.part"), "new"));
@@ -243,9 +304,8 @@ void TestFtpLive::roundTrip()
 
 void TestFtpLive::manyFiles()
 {
-    QFETCH(bool, isPure);
-    if (isPure && m_pure.port() == 0)
-        QSKIP("pure-ftpd is not unpacked (./test does), or this is not root");
+    if (!isThere())
+        QSKIP("this server is not unpacked (./test does), or this is not root");
     QVERIFY(useServer());
     for (int i = 0; i < 1500; ++i) {
         QFile file(m_folder + QStringLiteral("/frame %1.png").arg(i, 5, 10, QLatin1Char('0')));
@@ -266,9 +326,8 @@ void TestFtpLive::manyFiles()
 /// Whenever an operator stops something, the next thing works on the same connection.
 void TestFtpLive::abortStorm()
 {
-    QFETCH(bool, isPure);
-    if (isPure && m_pure.port() == 0)
-        QSKIP("pure-ftpd is not unpacked (./test does), or this is not root");
+    if (!isThere())
+        QSKIP("this server is not unpacked (./test does), or this is not root");
     allowWarnings(QStringLiteral("Failed FTP command request"));
     QVERIFY(useServer());
     const QByteArray large(40'000'000, 'x');
@@ -300,6 +359,45 @@ void TestFtpLive::abortStorm()
     QCOMPARE(connection.size(), 0);
 }
 
+void TestFtpLive::wrongPassword()
+{
+    if (!isThere())
+        QSKIP("this server is not unpacked (./test does), or this is not root");
+    allowWarnings(QStringLiteral("Failed FTP command request"));
+    QSignalSpy connection(m_client.get(), &FtpClient::isServerConnectedChanged);
+    QVERIFY(m_client->connectToServer(QStringLiteral("127.0.0.1"), prepareServer(QStringLiteral("wrong"))));
+    QVERIFY(QTest::qWaitFor(
+        [&] { return m_client->lastErrorText().startsWith(QStringLiteral("Login failed:\n")); }, 15000));
+    QVERIFY(!connection.contains(QList<QVariant>{true}));
+}
+
+void TestFtpLive::overIpv6_data()
+{
+    QTest::addColumn<Make>("make");
+    QTest::newRow("pure-ftpd") << Make::Pure;
+    QTest::newRow("proftpd") << Make::Pro;
+    QTest::newRow("vsftpd") << Make::Vs;
+}
+
+void TestFtpLive::overIpv6()
+{
+    QFETCH(Make, make);
+    FtpDaemon server(make, QHostAddress::LocalHostIPv6);
+    if (!server.isAvailable() || !QTcpServer().listen(QHostAddress::LocalHostIPv6))
+        QSKIP("this server is not unpacked (./test does), this is not root, or it has no IPv6");
+    QVERIFY(server.start());
+    QVERIFY(FtpDaemon::makeFolder(server.folder() + QStringLiteral("/t")));
+    m_client->setCredentials({server.user(), QStringLiteral("tnempius")});
+    QVERIFY(connectTo(QStringLiteral("::1"), server.port()));
+    const QByteArray bytes(300'000, 'x');
+    QVERIFY(put(QStringLiteral("/t/a b.mov"), bytes));
+    QByteArray back;
+    QVERIFY(get(QStringLiteral("/t/a b.mov"), &back) && back == bytes);
+    QStringList names;
+    QVERIFY(list(QStringLiteral("/t/"), &names));
+    QCOMPARE(names, QStringList{QStringLiteral("a b.mov")});
+}
+
 /// The process of the file server that has this parent; 0 when there is none.
 qint64 TestFtpLive::fileServerOf(qint64 parent)
 {
@@ -320,7 +418,7 @@ void TestFtpLive::serverComesBack()
 {
     allowWarnings(QStringLiteral("Network error occurred"));
     allowWarnings(QStringLiteral("Failed FTP command request"));
-    QVERIFY(connectTo(m_ombra.ports().ftp));
+    QVERIFY(connectTo(QStringLiteral("127.0.0.1"), m_ombra.ports().ftp));
     QSignalSpy connection(m_client.get(), &FtpClient::isServerConnectedChanged);
     const qint64 before = fileServerOf(m_ombra.processId());
     QVERIFY(before > 0);
