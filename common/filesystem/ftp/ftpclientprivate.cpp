@@ -65,7 +65,7 @@ void FtpClientPrivate::setKeepaliveInterval(std::chrono::milliseconds interval)
 
 bool FtpClientPrivate::isServerConnected() const
 {
-    return m_lastState == QFtp::Connected || m_lastState == QFtp::LoggedIn;
+    return !m_isLeaving && (m_lastState == QFtp::Connected || m_lastState == QFtp::LoggedIn);
 }
 
 bool FtpClientPrivate::isLoading() const
@@ -79,6 +79,14 @@ bool FtpClientPrivate::connectToServer(const QString& host, int port)
 {
     qCDebug(lcFtp) << "About to connect to FTP server" << host << port
                    << "- Current state:" << stateOf(m_lastState);
+    if (m_isLeaving &&
+        m_lastState != QFtp::Unconnected) { // an end may take seconds; it begins anew behind that
+        m_host = host;
+        m_port = port;
+        m_isReconnectEnabled = true;
+        m_reconnectAttempts = 0;
+        return true;
+    }
     if (m_lastState == QFtp::Connecting || m_lastState == QFtp::HostLookup ||
         m_active.command == QFtp::ConnectToHost) {
         qCWarning(lcFtp, "Unable to connect to the FTP server (connection in progress)");

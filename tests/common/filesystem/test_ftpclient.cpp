@@ -336,6 +336,13 @@ void TestFtpClient::leavesDuringTransfer()
     QCOMPARE(read.first().at(1).toBool(), false);
     QCOMPARE(m_server->count("QUIT"), 1);
     QVERIFY(!m_client->isLoading());
+    // A session that is back before the end is through finds its files again.
+    QVERIFY(open());
+    m_server->transferEnd.clear();
+    QVERIFY(m_client->read(QStringLiteral("/x"), &sink, 0));
+    QVERIFY(QTest::qWaitFor([&] { return m_server->count("RETR") == 2; }));
+    QVERIFY(m_client->disconnectServer());
+    QVERIFY(open());
 }
 
 void TestFtpClient::requestText()
