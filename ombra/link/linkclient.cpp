@@ -33,6 +33,10 @@ LinkClient::LinkClient(boost::asio::ip::tcp::socket socket, std::shared_ptr<cons
 
 void LinkClient::start()
 {
+    m_room->giveWay = [weak = weak_from_this()] {
+        if (const auto self = weak.lock())
+            self->end("it gives way to another peer");
+    };
     awaitFrame();
     read();
 }
@@ -60,7 +64,8 @@ bool LinkClient::awaitFrame()
 
 void LinkClient::end(const std::string& why)
 {
-    Log::write(LogLevel::Warning, "vantrel.link", "ending the link of " + m_name + ": " + why);
+    if (m_open)
+        Log::write(LogLevel::Warning, "vantrel.link", "ending the link of " + m_name + ": " + why);
     close();
 }
 

@@ -21,6 +21,15 @@ public:
     {
     }
 
+    void start()
+    {
+        m_room->giveWay = [weak = weak_from_this()] {
+            if (const auto self = weak.lock())
+                self->close();
+        };
+        watch();
+    }
+
     /// Notices the end; what a reader sends means nothing.
     void watch()
     {
@@ -114,7 +123,7 @@ bool PreviewServer::accept(boost::asio::ip::tcp::socket socket)
     socket.set_option(boost::asio::socket_base::send_buffer_size(512 * 1024), ignored);
     const auto reader = std::make_shared<Reader>(std::move(socket), std::move(room));
     m_readers.push_back(reader);
-    reader->watch();
+    reader->start();
     for (const auto& [key, frame] : m_latest)
         reader->offer(key, std::make_shared<const std::string>(previewwire::encode(frame)));
     return true;

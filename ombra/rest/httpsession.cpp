@@ -60,10 +60,11 @@ public:
         m_peer = m_stream.socket().remote_endpoint(code).address();
     }
 
-    void readHeader();
+    void start();
     void send(const std::shared_ptr<const std::string>& message) override;
 
 private:
+    void readHeader();
     void awaitRequest();
     void headerRead(beast::error_code code);
     bool makeRoom(std::string_view path);
@@ -101,6 +102,15 @@ private:
     std::array<char, 1024> m_discard{};
     bool m_closing = false;
 };
+
+void HttpSession::start()
+{
+    m_room->giveWay = [weak = weak_from_this()] {
+        if (const auto self = weak.lock())
+            self->close();
+    };
+    readHeader();
+}
 
 void HttpSession::readHeader()
 {
@@ -148,9 +158,8 @@ void HttpSession::headerRead(beast::error_code code)
         if (!makeRoomToStay())
             return;
         m_stream.expires_never();
-        const auto both =
-            std::make_shared<std::pair<PeerLimit::Place, PeerLimit::Place>>(m_room, m_roomToStay);
-        startWebSocket(std::move(m_stream), m_parser->release(), m_sockets, both);
+        startWebSocket(std::move(m_stream), m_parser->release(), m_sockets,
+                       {std::move(m_room), std::move(m_roomToStay)});
         return;
     }
     if (path == m_handlers->streamPath && request.method() == http::verb::get)
@@ -191,8 +200,10 @@ bool HttpSession::makeRoom(std::string_view path)
 bool HttpSession::makeRoomToStay()
 {
     m_roomToStay = m_limits->streams.enter(m_peer);
-    if (m_roomToStay)
+    if (m_roomToStay) {
+        m_roomToStay->giveWay = m_room->giveWay;
         return true;
+    }
     m_closing = true;
     answer(httpError(503, "too many streams of this peer are open already"));
     return false;
@@ -369,7 +380,7 @@ void startHttpSession(boost::asio::ip::tcp::socket socket, std::shared_ptr<const
 {
     std::make_shared<HttpSession>(std::move(socket), std::move(handlers), std::move(streams),
                                   std::move(sockets), std::move(headers), std::move(limits), std::move(room))
-        ->readHeader();
+        ->start();
 }
 
 } // namespace vantrel::ombra

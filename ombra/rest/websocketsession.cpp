@@ -23,9 +23,9 @@ constexpr std::size_t maxMessage = 64 * 1024;
 class WebSocketSession : public Subscriber, public std::enable_shared_from_this<WebSocketSession>
 {
 public:
-    WebSocketSession(beast::tcp_stream stream, PeerLimit::Place room)
+    WebSocketSession(beast::tcp_stream stream, SocketSeats seats)
         : m_socket(std::move(stream))
-        , m_room(std::move(room))
+        , m_seats(std::move(seats))
     {
     }
 
@@ -35,6 +35,11 @@ public:
         // A client that is gone is noticed by the pings within a minute.
         m_socket.set_option(websocket::stream_base::timeout{10s, 60s, true});
         m_socket.read_message_max(maxMessage);
+        for (const PeerLimit::Place& seat : m_seats)
+            seat->giveWay = [weak = weak_from_this()] {
+                if (const auto self = weak.lock())
+                    self->close();
+            };
         m_socket.async_accept(request, [self = shared_from_this(), hub](beast::error_code code) {
             if (code)
                 return;
@@ -89,7 +94,7 @@ private:
     }
 
     websocket::stream<beast::tcp_stream> m_socket;
-    PeerLimit::Place m_room;
+    SocketSeats m_seats;
     beast::flat_buffer m_buffer;
     std::deque<std::shared_ptr<const std::string>> m_waiting; // the front one is being written
     std::size_t m_waitingBytes = 0;
@@ -99,9 +104,9 @@ private:
 } // namespace
 
 void startWebSocket(beast::tcp_stream stream, beast::http::request<beast::http::string_body> request,
-                    const std::shared_ptr<BroadcastHub>& hub, PeerLimit::Place room)
+                    const std::shared_ptr<BroadcastHub>& hub, SocketSeats seats)
 {
-    std::make_shared<WebSocketSession>(std::move(stream), std::move(room))->start(request, hub);
+    std::make_shared<WebSocketSession>(std::move(stream), std::move(seats))->start(request, hub);
 }
 
 } // namespace vantrel::ombra

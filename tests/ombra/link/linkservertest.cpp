@@ -133,6 +133,34 @@ private Q_SLOTS:
         QVERIFY2(m_longestTurn <= 50, qPrintable(QString::number(m_longestTurn)));
     }
 
+    void peersLeaveRoomForOthers()
+    {
+        const auto peer = [](const char* address) { return boost::asio::ip::make_address(address); };
+        PeerLimit limit(4, 3);
+        QStringList ended;
+        std::vector<PeerLimit::Place> places;
+        const auto enters = [&](const char* address) {
+            PeerLimit::Place place = limit.enter(peer(address));
+            const QString name = QString::fromLatin1(address) + u'/' + QString::number(places.size());
+            if (!place)
+                return false;
+            place->giveWay = [&ended, &places, name, at = places.size()] {
+                ended += name;
+                places[at].reset();
+            };
+            places.push_back(std::move(place));
+            return true;
+        };
+        QVERIFY(enters("10.0.0.1") && enters("10.0.0.1") && enters("10.0.0.1"));
+        QVERIFY(!enters("10.0.0.1")); // as many as one may have
+        QVERIFY(enters("10.0.0.2"));
+        QVERIFY(enters("10.0.0.3")); // the fullest gives way to one with fewer
+        QCOMPARE(ended, QStringList{QStringLiteral("10.0.0.1/0")});
+        QVERIFY(!enters("10.0.0.2")); // not to its like
+        places.back().reset();
+        QVERIFY(enters("10.0.0.4"));
+    }
+
     /// The scene stays small, whatever clients add to it.
     void refusesWhatIsTooMuch()
     {

@@ -9,11 +9,13 @@
 #include <QDateTime>
 #include <QFile>
 #include <QFileInfo>
+#include <QHostAddress>
 #include <QImage>
 #include <QSysInfo>
 
 #include <algorithm>
 #include <array>
+#include <memory>
 #include <vector>
 
 using namespace vantrel;
@@ -361,6 +363,46 @@ private Q_SLOTS:
         QVERIFY(waitFor([&] { return left() <= 64; }));
         QVERIFY(waitFor([&] { return left() == 0; }));
         QVERIFY(asks()); // one that is kept between two requests has its time
+    }
+
+    void theFullestPeerGivesWay_data()
+    {
+        QTest::addColumn<int>("port");
+        QTest::addColumn<QByteArray>("request");
+        QTest::addColumn<int>("peers"); // each takes 32 places, all of them together every one
+        QTest::newRow("links") << int(m_live.server().linkPort()) << QByteArray() << 2;
+        QTest::newRow("previews") << int(m_live.server().previewPort()) << QByteArray() << 2;
+        QTest::newRow("streams") << int(m_live.server().httpPort())
+                                 << QByteArray("GET /api/brume/v1/sse HTTP/1.1\r\nHost: localhost\r\n\r\n")
+                                 << 8;
+    }
+
+    /// A few silent peers that take every place keep nobody else out.
+    void theFullestPeerGivesWay()
+    {
+        QFETCH(const int, port);
+        QFETCH(const QByteArray, request);
+        QFETCH(const int, peers);
+        std::vector<std::unique_ptr<QTcpSocket>> sockets;
+        const auto comes = [&](int peer) {
+            sockets.push_back(std::make_unique<QTcpSocket>());
+            QTcpSocket& socket = *sockets.back();
+            socket.bind(QHostAddress(QStringLiteral("127.0.0.%1").arg(peer)));
+            socket.connectToHost(QStringLiteral("127.0.0.1"), quint16(port));
+            socket.write(request);
+            return m_live.waitFor([&] {
+                return socket.state() == QAbstractSocket::ConnectedState &&
+                       (request.isEmpty() || socket.readAll().startsWith("HTTP/1.1 200 "));
+            });
+        };
+        for (int i = 0; i < peers * 32; ++i)
+            QVERIFY(comes(2 + i / 32));
+        QVERIFY(comes(100));
+        const auto isGone = [](const auto& socket) {
+            return socket->state() == QAbstractSocket::UnconnectedState;
+        };
+        QVERIFY(m_live.waitFor([&] { return isGone(sockets.front()); }));
+        QCOMPARE(std::ranges::count_if(sockets, isGone), 1);
     }
 
     /// Each accepted patch is one message; a client that folds blanks as the application does ends with the
