@@ -91,7 +91,7 @@ private Q_SLOTS:
                 "15 The lines up to 16 cannot be read: a quote is never closed."));
         QCOMPARE(import.problemCount(), 12);
         QCOMPARE(import.entries().size(), 2);
-        const PlaylistEntry& last = import.entries()[1].second;
+        const PlaylistEntry last = import.entries()[1].second;
         QCOMPARE(last.getTransitionType(), TakeTransitionType::DirectCut);
         QCOMPARE(last.getEndAction(), EndAction::Stop);
         QCOMPARE(last.getTransitionDuration(), 0.5);
