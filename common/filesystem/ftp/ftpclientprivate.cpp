@@ -366,10 +366,8 @@ void FtpClientPrivate::onFtpCommandFinished(int id, bool error)
         QString said;
         QDebug(&said) << "Failed FTP command request with ID:" << id << "- Current request:" << request
                       << ", error:" << code << "=" << text;
-        // A server that is not there is an ordinary state, and asked for again and again.
-        const bool isAttempt = request.command == QFtp::ConnectToHost || request.command == QFtp::Login;
-        if (isAttempt &&
-            (code == QFtp::ConnectionRefused || code == QFtp::NotConnected || code == QFtp::NoError))
+        // A server that is not there, a lost link and what was aborted are ordinary states.
+        if (code == QFtp::ConnectionRefused || code == QFtp::NotConnected || code == QFtp::NoError)
             qCInfo(lcFtp).noquote() << said;
         else
             qCWarning(lcFtp).noquote() << said;
