@@ -4,6 +4,7 @@
 #include "tarn/log/log.h"
 
 #include <boost/asio/buffer.hpp>
+#include <boost/asio/executor_work_guard.hpp>
 #include <boost/asio/post.hpp>
 
 #include <array>
@@ -79,30 +80,32 @@ MediaWatcher::MediaWatcher(boost::asio::io_context& io, std::filesystem::path me
 MediaWatcher::~MediaWatcher()
 {
     m_alive.reset();
+    m_asker.stop();
     m_asker.join();
 }
 
 bool MediaWatcher::start(std::string* error)
 {
     m_identity = identityOf(m_folder);
-    if (m_identity != nowhere && !open(error))
-        return false;
-    if (m_identity != nowhere)
-        watchTree({}, false);
     scheduleCheck();
+    if (m_identity == nowhere)
+        return true;
+    if (!open(error))
+        return false;
+    if (!take(watchTree(m_stream.native_handle(), m_folder, {}), false))
+        m_identity.clear(); // gone again, or not to be watched: the next look tells
+    read();
     return true;
 }
 
 bool MediaWatcher::open(std::string* error)
 {
     const int fd = ::inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
-    if (fd >= 0)
-        m_stream.assign(fd);
-    if (fd < 0 || !watchFolder({})) {
+    if (fd < 0) {
         *error = "cannot watch " + m_folder.string() + ": " + std::strerror(errno);
         return false;
     }
-    read();
+    m_stream.assign(fd);
     return true;
 }
 
@@ -116,7 +119,7 @@ void MediaWatcher::setFolderListener(FolderListener listener)
 void MediaWatcher::tellFolder()
 {
     const Folder now = m_identity == nowhere ? Folder::Gone : m_known.empty() ? Folder::Empty : Folder::There;
-    if (m_told == now || !m_folderListener)
+    if (m_told == now || !m_folderListener || !m_isListed || m_identity.empty())
         return;
     m_told = now;
     m_folderListener(now);
@@ -128,11 +131,12 @@ void MediaWatcher::scheduleCheck()
     m_check.async_wait([this, alive = std::weak_ptr(m_alive)](boost::system::error_code code) {
         if (code || alive.expired())
             return;
-        boost::asio::post(m_asker, [this, alive, folder = m_folder, executor = m_check.get_executor()] {
-            boost::asio::post(executor, [this, alive, identity = identityOf(folder)] {
+        boost::asio::post(m_asker, [this, alive, folder = m_folder,
+                                    loop = boost::asio::make_work_guard(m_check.get_executor())] {
+            boost::asio::post(loop.get_executor(), [this, alive, identity = identityOf(folder)] {
                 if (alive.expired())
                     return;
-                if (identity != m_identity)
+                if (identity != m_identity && m_looks == 0) // otherwise the next time: they use the watch
                     follow(identity);
                 scheduleCheck();
             });
@@ -146,56 +150,129 @@ void MediaWatcher::follow(const std::string& identity)
     const std::set<std::filesystem::path> before = std::exchange(m_known, {});
     m_watches.clear();
     ++m_round;
+    m_reads = false;
     boost::system::error_code ignored;
     m_stream.close(ignored);
     m_identity = identity;
+    const auto tellGone = [this, before] {
+        m_isListed = true;
+        for (const auto& file : before) {
+            if (!m_known.contains(file))
+                note(Event::Removed, file);
+        }
+        scheduleFlush(); // also of nothing, which tells how the folder is
+    };
     std::string why;
-    if (identity != nowhere && open(&why))
-        watchTree({}, true);
-    else if (identity != nowhere)
-        m_identity.clear(); // gone again: the next look tells
-    for (const auto& file : before) {
-        if (!m_known.contains(file))
-            note(Event::Removed, file);
+    if (identity != nowhere && open(&why)) {
+        m_isListed = false;
+        return look({}, tellGone);
     }
-    scheduleFlush(); // also of nothing, which tells how the folder is
+    if (identity != nowhere)
+        m_identity.clear(); // no watch: the next look tries again
+    tellGone();
 }
 
-bool MediaWatcher::watchFolder(const std::filesystem::path& relative)
+/// Has a folder and all below it watched and listed on the thread that asks the disk. Nothing is read from
+/// the watch meanwhile, so that what happens comes after what was found.
+void MediaWatcher::look(const std::filesystem::path& relative, std::function<void()> then)
 {
-    const std::filesystem::path path = relative.empty() ? m_folder : m_folder / relative;
-    const int watch = ::inotify_add_watch(m_stream.native_handle(), path.c_str(), watched);
-    if (watch < 0)
-        return false;
-    m_watches[watch] = relative;
-    return true;
+    ask([this, fd = m_stream.native_handle(), root = m_folder, relative, then = std::move(then)] {
+        return [this, relative, then, tree = watchTree(fd, root, relative)] {
+            if (!take(tree, true) && relative.empty())
+                m_identity.clear(); // as at the start
+            if (then)
+                then();
+        };
+    });
 }
 
-void MediaWatcher::watchTree(const std::filesystem::path& relative, bool announce)
+/// A new name for a file that is whole, a link say: nobody will close it. Others are empty yet.
+void MediaWatcher::lookAtNew(std::vector<std::filesystem::path> files)
 {
-    // Each folder is watched before it is listed, so that what comes meanwhile is seen at least once.
+    ask([this, root = m_folder, files = std::move(files)]() mutable {
+        std::erase_if(files, [&root](const std::filesystem::path& file) {
+            std::error_code code;
+            const auto bytes = std::filesystem::file_size(root / file, code);
+            return code || bytes == 0;
+        });
+        return [this, files = std::move(files)] {
+            for (const auto& file : files) {
+                if (m_known.insert(file).second)
+                    note(Event::Added, file);
+            }
+        };
+    });
+}
+
+/// Runs work on the thread that asks the disk, and afterwards here what it gives; the loop does not end
+/// before.
+void MediaWatcher::ask(std::function<std::function<void()>()> work)
+{
+    ++m_looks;
+    boost::asio::post(m_asker,
+                      [this, alive = std::weak_ptr(m_alive),
+                       loop = boost::asio::make_work_guard(m_check.get_executor()), work = std::move(work)] {
+                          boost::asio::post(loop.get_executor(), [this, alive, then = work()] {
+                              if (alive.expired())
+                                  return;
+                              --m_looks;
+                              then();
+                              read();
+                          });
+                      });
+}
+
+/// Any thread. Each folder is watched before it is listed, so that what comes meanwhile is seen at least
+/// once.
+MediaWatcher::Tree MediaWatcher::watchTree(int inotify, const std::filesystem::path& root,
+                                           const std::filesystem::path& relative)
+{
+    Tree tree;
     std::vector<std::filesystem::path> folders{relative};
     while (!folders.empty()) {
         const std::filesystem::path folder = std::move(folders.back());
         folders.pop_back();
-        if (!watchFolder(folder))
-            Log::write(LogLevel::Warning, "vantrel.show",
-                       "cannot watch " + (m_folder / folder).string() + ": " + std::strerror(errno));
+        const std::filesystem::path path = folder.empty() ? root : root / folder;
+        const int watch = ::inotify_add_watch(inotify, path.c_str(), watched);
+        if (watch >= 0)
+            tree.watches.emplace_back(watch, folder);
+        else if (errno != ENOENT)
+            tree.trouble = "cannot watch " + path.string() + ": " + std::strerror(errno);
+        if (watch < 0 && folder.empty())
+            break;
         std::error_code code;
-        for (std::filesystem::directory_iterator it(m_folder / folder, code), end; !code && it != end;
+        for (std::filesystem::directory_iterator it(path, code), end; !code && it != end;
              it.increment(code)) {
             std::error_code ignored;
             const std::filesystem::path entry = folder / it->path().filename();
             if (it->is_directory(ignored) && !it->is_symlink(ignored))
                 folders.push_back(entry);
-            else if (m_known.insert(entry).second && announce)
-                note(Event::Added, entry);
+            else
+                tree.files.push_back(entry);
         }
     }
+    return tree;
 }
 
+/// False where there is no such folder, or no watch for it.
+bool MediaWatcher::take(const Tree& tree, bool announce)
+{
+    if (tree.trouble != std::exchange(m_trouble, tree.trouble) && !tree.trouble.empty())
+        Log::write(LogLevel::Warning, "vantrel.show", tree.trouble);
+    for (const auto& [watch, folder] : tree.watches)
+        m_watches[watch] = folder;
+    for (const auto& file : tree.files) {
+        if (m_known.insert(file).second && announce)
+            note(Event::Added, file);
+    }
+    return !tree.watches.empty();
+}
+
+/// Unless it is read already, or the disk is being looked at.
 void MediaWatcher::read()
 {
+    if (m_looks > 0 || !m_stream.is_open() || std::exchange(m_reads, true))
+        return;
     // What was read before the folder was another one means nothing any more.
     const auto done = [this, alive = std::weak_ptr(m_alive), round = m_round](boost::system::error_code code,
                                                                               std::size_t size) {
@@ -206,7 +283,10 @@ void MediaWatcher::read()
                        "the watch of the media folder ended: " + code.message());
             return;
         }
+        m_reads = false;
         handle(m_buffer.data(), size);
+        if (!m_new.empty())
+            lookAtNew(std::exchange(m_new, {}));
         read();
     };
     m_stream.async_read_some(boost::asio::buffer(m_buffer), done);
@@ -229,7 +309,7 @@ void MediaWatcher::handle(const char* bytes, std::size_t size)
 void MediaWatcher::handle(int watch, std::uint32_t mask, const std::string& name)
 {
     if (mask & IN_Q_OVERFLOW) {
-        watchTree({}, true); // events were lost: look at everything again
+        look({}); // events were lost: look at everything again
         return;
     }
     if (mask & IN_IGNORED) {
@@ -245,7 +325,7 @@ void MediaWatcher::handle(int watch, std::uint32_t mask, const std::string& name
     const std::filesystem::path path = folder->second / name;
     if (mask & IN_ISDIR) {
         if (mask & (IN_CREATE | IN_MOVED_TO))
-            watchTree(path, true);
+            look(path);
         else if (mask & (IN_DELETE | IN_MOVED_FROM))
             forgetTree(path);
     } else if (mask & (IN_DELETE | IN_MOVED_FROM)) {
@@ -254,11 +334,7 @@ void MediaWatcher::handle(int watch, std::uint32_t mask, const std::string& name
     } else if (mask & (IN_CLOSE_WRITE | IN_MOVED_TO)) {
         note(m_known.insert(path).second ? Event::Added : Event::Changed, path);
     } else if (mask & IN_CREATE) {
-        // A new name for a file that is whole, a link say: nobody will close it. Others are empty yet.
-        std::error_code code;
-        const auto bytes = std::filesystem::file_size(m_folder / path, code);
-        if (!code && bytes > 0)
-            note(m_known.insert(path).second ? Event::Added : Event::Changed, path);
+        m_new.push_back(path);
     }
 }
 

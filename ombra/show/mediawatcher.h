@@ -14,6 +14,8 @@
 #include <set>
 #include <string>
 #include <unordered_map>
+#include <utility>
+#include <vector>
 
 namespace vantrel::ombra {
 
@@ -21,8 +23,8 @@ namespace vantrel::ombra {
 /// content URLs. A file counts when its writer closes it. Changes of a moment come together, each file once;
 /// numbered files are also told once by the URL of their sequence. The folder itself may go and come back, by
 /// its disk or with its name: it is looked for each second, and what it holds then is told as added. One
-/// thread, that of the io_context; a thread of its own asks for the folder, so that a dead disk holds nobody
-/// up.
+/// thread, that of the io_context; a thread of its own asks for the folder and lists it, so that a dead disk
+/// holds nobody up.
 class MediaWatcher
 {
 public:
@@ -36,18 +38,32 @@ public:
     MediaWatcher(const MediaWatcher&) = delete;
     MediaWatcher& operator=(const MediaWatcher&) = delete;
 
-    /// False, with the reason, when the system gives no watch.
+    /// Lists what is there, which is not told. False, with the reason, when the system gives no watch; a
+    /// folder that is not there is waited for.
     bool start(std::string* error);
     /// Told how the folder is, now and whenever that changes.
     void setFolderListener(FolderListener listener);
 
 private:
+    /// What a look at the disk found; paths are relative.
+    struct Tree
+    {
+        std::vector<std::pair<int, std::filesystem::path>>
+            watches; // none: there is no such folder, or no watch for it
+        std::vector<std::filesystem::path> files;
+        std::string trouble;
+    };
+    static Tree watchTree(int inotify, const std::filesystem::path& root,
+                          const std::filesystem::path& relative);
+
     bool open(std::string* error);
     void scheduleCheck();
     void follow(const std::string& identity);
     void tellFolder();
-    void watchTree(const std::filesystem::path& relative, bool announce);
-    bool watchFolder(const std::filesystem::path& relative);
+    void look(const std::filesystem::path& relative, std::function<void()> then = {});
+    void lookAtNew(std::vector<std::filesystem::path> files);
+    void ask(std::function<std::function<void()>()> work);
+    bool take(const Tree& tree, bool announce);
     void read();
     void handle(const char* bytes, std::size_t size);
     void handle(int watch, std::uint32_t mask, const std::string& name);
@@ -64,10 +80,15 @@ private:
     std::unordered_map<int, std::filesystem::path> m_watches; // relative folders
     std::set<std::filesystem::path> m_known;                  // relative files
     std::map<std::string, Event> m_pending;
+    bool m_reads = false;
+    bool m_isListed = true; // not while another folder is looked at for the first time
     bool m_timerRuns = false;
     boost::asio::steady_timer m_check;
-    std::string m_identity; // of the folder and the disks in it; empty: to be watched anew
-    int m_round = 0;        // one more with each other folder
+    std::string m_identity;                   // of the folder and the disks in it; empty: to be watched anew
+    int m_round = 0;                          // one more with each other folder
+    int m_looks = 0;                          // at the disk, under way
+    std::vector<std::filesystem::path> m_new; // names that came, of files that may be whole already
+    std::string m_trouble;                    // said in the log
     FolderListener m_folderListener;
     std::optional<Folder> m_told;
     std::shared_ptr<int> m_alive = std::make_shared<int>(0);

@@ -5,6 +5,7 @@
 
 #include <boost/asio/post.hpp>
 
+#include <algorithm>
 #include <utility>
 
 namespace vantrel::ombra {
@@ -73,44 +74,46 @@ void SlotProber::probeUnsaved()
 
 void SlotProber::probeEdited(const Patch& edit)
 {
-    const MediaLibrary& library = m_store.library();
-    std::vector<Found> brought;
-    const auto note = [&](int collection, int number, const MediaSlot& slot, bool always) {
-        brought.push_back({{collection, number}, slot, always});
-    };
-    const auto noteAll = [&](int index, const MediaCollection& collection) {
-        for (const auto& [number, slot] : collection.getSlots())
-            note(index, number, slot, false);
-    };
+    const bool all = std::ranges::any_of(edit, [](const PatchOp& op) {
+        const bool brings = op.op != PatchOpType::Remove && op.op != PatchOpType::Test;
+        return brings && (op.path.empty() || (op.path.size() == 1 && op.path[0].text() == "collections"));
+    });
+    if (all)
+        return probeAll();
+    std::vector<Path> paths;
     for (const PatchOp& op : edit) {
-        const PathView path = op.path;
-        if (op.op == PatchOpType::Remove || op.op == PatchOpType::Test)
-            continue;
-        if (path.empty() || (path.size() == 1 && path[0].text() == "collections")) {
-            probeAll();
-            return;
-        }
-        long long index = 0, number = 0;
-        if (path.size() < 2 || path[0].text() != "collections" || !path[1].parseIndex(&index))
-            continue;
-        const MediaCollection* collection = library.findCollection(static_cast<int>(index));
-        const bool isSlots = path.size() > 2 && path[2].text() == "slots";
-        if (collection && (path.size() == 2 || (isSlots && path.size() == 3)))
-            noteAll(static_cast<int>(index), *collection);
-        if (!isSlots || path.size() < 4 || !path[3].parseIndex(&number))
-            continue;
-        const MediaSlot* slot = library.findSlot(static_cast<int>(index), static_cast<int>(number));
-        const bool hasOtherMedia = path.size() == 5 && path[4].text() == "contentUrl";
-        if (slot && (path.size() == 4 || hasOtherMedia))
-            note(static_cast<int>(index), static_cast<int>(number), *slot, hasOtherMedia);
+        if (op.op != PatchOpType::Remove && op.op != PatchOpType::Test && op.path.size() > 1)
+            paths.push_back(op.path);
     }
-    if (brought.empty())
+    if (paths.empty())
         return;
-    boost::asio::post(m_worker, [this, alive = std::weak_ptr(m_alive), brought = std::move(brought)] {
-        for (const Found& found : brought)
-            look(found);
+    // The worker finds the slots: an edit may bring very many.
+    boost::asio::post(m_worker, [this, alive = std::weak_ptr(m_alive), paths = std::move(paths),
+                                 collections = m_store.library().getCollections()] {
+        for (const Path& path : paths)
+            lookBelow(path, collections);
         handIn(alive);
     });
+}
+
+/// On the worker's thread: the slots that came with what an edit put there.
+void SlotProber::lookBelow(PathView path, const MediaCollectionMap& collections)
+{
+    long long index = 0, number = 0;
+    if (path[0].text() != "collections" || !path[1].parseIndex(&index))
+        return;
+    const MediaCollection* collection = collections.get(static_cast<int>(index));
+    const bool isSlots = path.size() > 2 && path[2].text() == "slots";
+    if (collection && (path.size() == 2 || (isSlots && path.size() == 3))) {
+        for (const auto& [slotNumber, slot] : collection->getSlots())
+            look({{static_cast<int>(index), slotNumber}, slot, false});
+    }
+    if (!collection || !isSlots || path.size() < 4 || !path[3].parseIndex(&number))
+        return;
+    const MediaSlot* slot = collection->getSlots().get(static_cast<int>(number));
+    const bool hasOtherMedia = path.size() == 5 && path[4].text() == "contentUrl";
+    if (slot && (path.size() == 4 || hasOtherMedia))
+        look({{static_cast<int>(index), static_cast<int>(number)}, *slot, hasOtherMedia});
 }
 
 void SlotProber::walk(std::function<bool(const std::string&)> wanted)

@@ -65,6 +65,7 @@ private:
     static constexpr std::size_t rememberedAtMost = 200'000;
 
     void walk(std::function<bool(const std::string& contentUrl)> wanted);
+    void lookBelow(PathView path, const MediaCollectionMap& collections);
     void look(const Found& found);
     void remember(const std::string& contentUrl, const std::string& stamp, const SlotFacts& facts);
     void handIn(const std::weak_ptr<int>& alive);
