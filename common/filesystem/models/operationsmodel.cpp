@@ -86,6 +86,11 @@ bool isOver(OperationsModel::Stage stage)
     return stage == OperationsModel::Stage::Done || stage == OperationsModel::Stage::Failed;
 }
 
+bool isActive(OperationsModel::Stage stage)
+{
+    return !isOver(stage) && stage != OperationsModel::Stage::Waiting;
+}
+
 /// As the column of the table names it.
 QString stateText(OperationsModel::Stage stage)
 {
@@ -122,14 +127,36 @@ OperationsModel::OperationsModel(FileSystemOperations* operations, QObject* pare
 
 OperationsModel::~OperationsModel() = default;
 
-int OperationsModel::openCount() const
+void OperationsModel::Counts::add(const Row& row, int by)
 {
-    return static_cast<int>(std::ranges::count_if(m_rows, [](const Row& row) { return !isOver(row.stage); }));
+    const bool isRowOver = isOver(row.stage);
+    open += isRowOver ? 0 : by;
+    failed += row.stage == Stage::Failed ? by : 0;
+    active += isActive(row.stage) ? by : 0;
+    round += row.isInRound ? by : 0;
+    roundOver += row.isInRound && isRowOver ? by : 0;
 }
 
-int OperationsModel::failedCount() const
+/// As in the queue, whose operations end in their order; count() when all are over.
+int OperationsModel::firstOpen() const
 {
-    return static_cast<int>(std::ranges::count(m_rows, Stage::Failed, &Row::stage));
+    while (m_firstOpen < count() && isOver(m_rows[static_cast<std::size_t>(m_firstOpen)].stage))
+        ++m_firstOpen;
+    return m_firstOpen;
+}
+
+/// From the first on, until use gives true.
+template <typename Use>
+void OperationsModel::forActive(const Use& use) const
+{
+    int left = m_counts.active;
+    for (int row = firstOpen(); left > 0 && row < count(); ++row) {
+        if (!isActive(m_rows[static_cast<std::size_t>(row)].stage))
+            continue;
+        --left;
+        if (use(row))
+            return;
+    }
 }
 
 int OperationsModel::rowCount(const QModelIndex& parent) const
@@ -260,6 +287,8 @@ void OperationsModel::reload()
         }
     }
     if (!fresh.empty()) {
+        for (const Row& row : fresh)
+            m_counts.add(row, 1);
         beginInsertRows({}, count(), count() + static_cast<int>(fresh.size()) - 1);
         m_rows.insert(m_rows.end(), std::make_move_iterator(fresh.begin()),
                       std::make_move_iterator(fresh.end()));
@@ -320,12 +349,22 @@ void OperationsModel::storeRefreshedValues(Row& row) const
     }
 }
 
+void OperationsModel::refresh(Row& row)
+{
+    m_counts.add(row, -1);
+    storeRefreshedValues(row);
+    m_counts.add(row, 1);
+}
+
 void OperationsModel::refreshRow(const void* id)
 {
-    const auto found = std::ranges::find(m_rows, id, &Row::id);
+    auto found = std::find_if(m_rows.begin() + firstOpen(), m_rows.end(),
+                              [id](const Row& row) { return row.id == id; });
+    if (found == m_rows.end())
+        found = std::ranges::find(m_rows, id, &Row::id);
     if (found == m_rows.end())
         return;
-    storeRefreshedValues(*found);
+    refresh(*found);
     const int row = static_cast<int>(found - m_rows.begin());
     Q_EMIT dataChanged(index(row, 0), index(row, columnCount() - 1));
     ++m_revision;
@@ -349,12 +388,13 @@ void OperationsModel::onOperationProgressed()
 void OperationsModel::refreshAll()
 {
     m_sinceRefresh.restart();
-    for (Row& row : m_rows) {
-        if (!isOver(row.stage))
-            storeRefreshedValues(row);
+    const int first = firstOpen();
+    for (int row = first; row < count(); ++row) {
+        if (Row& open = m_rows[static_cast<std::size_t>(row)]; !isOver(open.stage))
+            refresh(open);
     }
-    if (!m_rows.empty())
-        Q_EMIT dataChanged(index(0, 0), index(count() - 1, columnCount() - 1));
+    if (first < count())
+        Q_EMIT dataChanged(index(first, 0), index(count() - 1, columnCount() - 1));
     ++m_revision;
     Q_EMIT revisionChanged();
     Q_EMIT countChanged();
@@ -364,17 +404,17 @@ void OperationsModel::refreshAll()
 /// Over all that was asked for since the last time that nothing was left to do.
 void OperationsModel::updateTotal()
 {
-    double sum = 0;
-    int of = 0;
-    const bool isIdle = openCount() == 0;
-    for (Row& row : m_rows) {
-        row.isInRound = !isIdle && (row.isInRound || !isOver(row.stage));
-        if (row.isInRound) {
-            sum += isOver(row.stage) ? 1.0 : row.progress;
-            ++of;
-        }
+    if (m_counts.open == 0) {
+        for (Row& row : m_rows)
+            row.isInRound = false;
+        m_counts.round = m_counts.roundOver = 0;
     }
-    const double total = of > 0 ? sum / of : 1.0;
+    double sum = m_counts.roundOver;
+    forActive([&](int row) {
+        sum += m_rows[static_cast<std::size_t>(row)].progress;
+        return false;
+    });
+    const double total = m_counts.round > 0 ? sum / m_counts.round : 1.0;
     if (qFuzzyCompare(1.0 + total, 1.0 + m_totalProgress))
         return;
     m_totalProgress = total;
@@ -444,9 +484,15 @@ void OperationsModel::retry(int row)
 
 void OperationsModel::clearFinished()
 {
-    for (int row = count() - 1; row >= 0; --row) {
-        if (isOver(m_rows[static_cast<std::size_t>(row)].stage))
-            removeRow(row);
+    const auto isRowOver = [this](int row) { return isOver(m_rows[static_cast<std::size_t>(row)].stage); };
+    for (int last = count() - 1; last >= 0; --last) {
+        if (!isRowOver(last))
+            continue;
+        int first = last;
+        while (first > 0 && isRowOver(first - 1))
+            --first;
+        takeOut(first, last);
+        last = first;
     }
     Q_EMIT countChanged();
 }
@@ -455,47 +501,56 @@ void OperationsModel::dismiss(int row)
 {
     if (row < 0 || row >= count() || !isOver(m_rows[static_cast<std::size_t>(row)].stage))
         return;
-    removeRow(row);
+    takeOut(row, row);
     Q_EMIT countChanged();
 }
 
-void OperationsModel::removeRow(int row)
+void OperationsModel::takeOut(int first, int last)
 {
-    beginRemoveRows({}, row, row);
-    if (const OperationPtr gone = m_rows[static_cast<std::size_t>(row)].operation.toStrongRef())
-        gone->disconnect(this);
-    m_rows.erase(m_rows.begin() + row);
+    beginRemoveRows({}, first, last);
+    const auto begin = m_rows.begin() + first, end = m_rows.begin() + last + 1;
+    for (auto row = begin; row != end; ++row) {
+        m_counts.add(*row, -1);
+        if (const OperationPtr gone = row->operation.toStrongRef())
+            gone->disconnect(this);
+    }
+    m_rows.erase(begin, end);
+    m_firstOpen = std::min(m_firstOpen, first);
     endRemoveRows();
 }
 
 double OperationsModel::progressAt(FileSystem* fileSystem, const QString& path) const
 {
-    for (const Row& row : m_rows) {
-        if (isOver(row.stage) || row.stage == Stage::Waiting || !row.isTransfer)
-            continue;
-        if (row.source.fileSystem == fileSystem && isSamePath(row.source.fullPath, path))
-            return row.progress;
-        if (row.target.fileSystem != fileSystem)
-            continue;
-        const QString name = getNameInPath(row.source.fullPath);
-        if (isSamePath(row.target.fullPath, path) ||
-            isSamePath(createJoinedPath(row.target.fullPath, name, false), path))
-            return row.progress;
-    }
-    return -1;
+    double progress = -1;
+    forActive([&](int at) {
+        const Row& row = m_rows[static_cast<std::size_t>(at)];
+        if (row.isTransfer && isAt(row, fileSystem, path))
+            progress = row.progress;
+        return progress >= 0;
+    });
+    return progress;
+}
+
+/// Whether it leads from or to there.
+bool OperationsModel::isAt(const Row& row, const FileSystem* fileSystem, const QString& path)
+{
+    if (row.source.fileSystem == fileSystem && isSamePath(row.source.fullPath, path))
+        return true;
+    if (row.target.fileSystem != fileSystem)
+        return false;
+    const QString name = getNameInPath(row.source.fullPath);
+    return isSamePath(row.target.fullPath, path) ||
+           isSamePath(createJoinedPath(row.target.fullPath, name, false), path);
 }
 
 int OperationsModel::activeRow() const
 {
-    int waiting = -1;
-    for (int row = 0; row < count(); ++row) {
-        const Stage stage = m_rows[static_cast<std::size_t>(row)].stage;
-        if (stage == Stage::Running || stage == Stage::Asking || stage == Stage::Stopping)
-            return row;
-        if (waiting < 0 && stage == Stage::Waiting)
-            waiting = row;
-    }
-    return waiting;
+    int active = m_counts.open > 0 ? firstOpen() : -1; // waits, where none is active
+    forActive([&](int row) {
+        active = row;
+        return true;
+    });
+    return active;
 }
 
 } // namespace vantrel

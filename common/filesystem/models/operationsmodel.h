@@ -59,8 +59,8 @@ public:
 
     double totalProgress() const { return m_totalProgress; }
     int count() const { return static_cast<int>(m_rows.size()); }
-    int openCount() const;
-    int failedCount() const;
+    int openCount() const { return m_counts.open; }
+    int failedCount() const { return m_counts.failed; }
     int revision() const { return m_revision; }
 
     int rowCount(const QModelIndex& parent = {}) const override;
@@ -110,6 +110,18 @@ private:
         bool isInRound = true; // counts for the total
     };
 
+    /// Of the rows: an operation that begins or ends must not cost a walk over thousands that wait.
+    struct Counts
+    {
+        int open = 0;
+        int failed = 0;
+        int active = 0; // run, ask, or are being stopped
+        int round = 0;  // count for the total
+        int roundOver = 0;
+
+        void add(const Row& row, int by);
+    };
+
     Row rowOf(const OperationPtr& operation) const;
     void follow(const OperationPtr& operation);
     void storeRefreshedValues(Row& row) const;
@@ -117,15 +129,22 @@ private:
     void onOperationProgressed();
     void refreshAll();
     void updateTotal();
-    void removeRow(int row);
+    void takeOut(int first, int last);
+    int firstOpen() const;
+    template <typename Use>
+    void forActive(const Use& use) const;
+    void refresh(Row& row);
+    static bool isAt(const Row& row, const FileSystem* fileSystem, const QString& path);
     OperationPtr operationAt(int row) const;
     QVariant cell(const Row& row, int role) const;
     QString errorOf(const Row& row) const;
 
     QPointer<FileSystemOperations> m_operations;
     std::vector<Row> m_rows;
-    qsizetype m_takenCount = 0; // of all operations
-    QTimer m_refresh;           // at most one in 500 ms
+    Counts m_counts;
+    mutable int m_firstOpen = 0; // what is before it is over
+    qsizetype m_takenCount = 0;  // of all operations
+    QTimer m_refresh;            // at most one in 500 ms
     QElapsedTimer m_sinceRefresh;
     double m_totalProgress = 1;
     int m_revision = 0;
