@@ -80,17 +80,16 @@ JobResult RemovalWork::run(const QString& path, bool onlyEmpty)
 
 int RemovalWork::removeAll(const std::string& path)
 {
-    const auto stat = linkStat(path);
-    if (!stat)
-        return errno;
-    JobControl nobody(
-        ConflictPolicy::Refuse, [] {}, [](const TransferConflict&) {});
-    RemovalWork work(nobody);
-    work.m_device = stat->st_dev;
-    return work.removeItem(withoutSlash(path));
+    std::string ignored;
+    return removeUnasked(path, nullptr, &ignored);
 }
 
 int RemovalWork::removeCopied(const std::string& path, const CopiedItems& copied, std::string& failedAt)
+{
+    return removeUnasked(path, &copied, &failedAt);
+}
+
+int RemovalWork::removeUnasked(const std::string& path, const CopiedItems* copied, std::string* failedAt)
 {
     const auto stat = linkStat(path);
     if (!stat)
@@ -99,9 +98,9 @@ int RemovalWork::removeCopied(const std::string& path, const CopiedItems& copied
         ConflictPolicy::Refuse, [] {}, [](const TransferConflict&) {});
     RemovalWork work(nobody);
     work.m_device = stat->st_dev;
-    work.m_copied = &copied;
+    work.m_copied = copied;
     const int error = work.removeItem(withoutSlash(path));
-    failedAt = work.m_failedAt;
+    *failedAt = work.m_failedAt;
     return error || !work.m_isLeft ? error : EBUSY;
 }
 

@@ -28,6 +28,7 @@ public:
     static QString protection(const QString& path);
 
 private:
+    static int removeUnasked(const std::string& path, const CopiedItems* copied, std::string* failedAt);
     int removeItem(const std::string& path);
     bool isCopied(const std::string& path, const struct stat& stat) const;
     int removeContent(const std::string& directory);

@@ -74,6 +74,8 @@ private:
     void listWanted();
 
     bool isHere(const FileSystem* fileSystem) const { return fileSystem == m_q; }
+    template <typename Transfer>
+    bool initialize(const QSharedPointer<Transfer>& operation);
     bool initializeLocalTransfer(const QSharedPointer<TransferOperation>& operation);
     bool initializeIncomingTransfer(const QSharedPointer<FileTransferOperation>& operation);
     bool initializeIncomingTransfer(const QSharedPointer<DirectoryTransferOperation>& operation);

@@ -12,7 +12,8 @@
 
 namespace vantrel {
 
-bool ServerFileSystemPrivate::visit(QSharedPointer<FileTransferOperation> operation)
+template <typename Transfer>
+bool ServerFileSystemPrivate::initialize(const QSharedPointer<Transfer>& operation)
 {
     const bool isFromHere = isHere(operation->from().fileSystem);
     const bool isToHere = isHere(operation->to().fileSystem);
@@ -23,15 +24,14 @@ bool ServerFileSystemPrivate::visit(QSharedPointer<FileTransferOperation> operat
     return isFromHere && initializeOutgoingTransfer(operation);
 }
 
+bool ServerFileSystemPrivate::visit(QSharedPointer<FileTransferOperation> operation)
+{
+    return initialize(operation);
+}
+
 bool ServerFileSystemPrivate::visit(QSharedPointer<DirectoryTransferOperation> operation)
 {
-    const bool isFromHere = isHere(operation->from().fileSystem);
-    const bool isToHere = isHere(operation->to().fileSystem);
-    if (isFromHere && isToHere)
-        return initializeLocalTransfer(operation);
-    if (isToHere)
-        return initializeIncomingTransfer(operation);
-    return isFromHere && initializeOutgoingTransfer(operation);
+    return initialize(operation);
 }
 
 bool ServerFileSystemPrivate::visit(QSharedPointer<ModifyOperation> operation)
