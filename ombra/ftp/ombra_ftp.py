@@ -23,17 +23,6 @@ BLOCK = 1024 * 1024
 PR_SET_PDEATHSIG = 1
 
 
-def unquoted(path):
-    """A path of LIST as it was before the client put a backslash before what could be a pattern."""
-    out = []
-    rest = iter(path)
-    for c in rest:
-        if c == "\\":
-            c = next(rest, c)
-        out.append(c)
-    return "".join(out)
-
-
 class Data(DTPHandler):
     ac_in_buffer_size = BLOCK
     ac_out_buffer_size = BLOCK
@@ -50,7 +39,6 @@ class Handler(FTPHandler):
         if cmd == "LIST":
             if arg == "-a" or arg.startswith("-a "):
                 arg = arg[3:]
-            arg = unquoted(arg)
             line = ("LIST " + arg).rstrip(" ")
         super().pre_process_command(line, cmd, arg)
 
