@@ -88,4 +88,11 @@ std::optional<int> frameNumberOf(const QImage& picture)
     return number;
 }
 
+Seen seenOn(const QImage& picture)
+{
+    const auto level = [](int value) { return value < 128 ? 0 : 255; };
+    const QColor marker = markerOf(picture);
+    return {QColor(level(marker.red()), level(marker.green()), level(marker.blue())), frameNumberOf(picture)};
+}
+
 } // namespace vantrel::test

@@ -20,4 +20,15 @@ QColor markerOf(const QImage& picture);
 /// the two rows differ, as in a mixture of two pictures.
 std::optional<int> frameNumberOf(const QImage& picture);
 
+/// What a picture is of: a pure colour, and the number of the frame, none for a still, for black and for
+/// mixtures.
+struct Seen
+{
+    QColor colour;
+    std::optional<int> number;
+};
+
+/// By the nearest of the pure colours to that of the marker.
+Seen seenOn(const QImage& picture);
+
 } // namespace vantrel::test

@@ -23,24 +23,11 @@ namespace {
 constexpr double picture = 0.04; // seconds
 const std::string path = "/device/channels/0/program";
 
-/// What a picture is of: the number is none for a still, and for the black of sound alone.
-struct Seen
-{
-    QColor colour;
-    std::optional<int> number;
-};
-
-QColor nearest(const QColor& colour)
-{
-    const auto level = [](int value) { return value < 128 ? 0 : 255; };
-    return QColor(level(colour.red()), level(colour.green()), level(colour.blue()));
-}
-
 Seen seenOn(const Ref<Surface>& surface)
 {
     const QImage image(surface->pixels.data(), surface->width, surface->height, surface->bytesPerLine,
                        QImage::Format_RGB888);
-    return {nearest(markerOf(image)), frameNumberOf(image)};
+    return vantrel::test::seenOn(image);
 }
 
 std::string slotUrl(int slot)
