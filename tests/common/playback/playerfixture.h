@@ -8,6 +8,8 @@
 #include "tests/common/session/scriptedpeer.h"
 #include "tests/support/testmain.h"
 
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QTest>
 
 #include <memory>
@@ -63,6 +65,27 @@ public:
         return connect() && QTest::qWaitFor([this] {
                    return peer.session->mediaLibraryProvider()->slot({1, 1}) != nullptr;
                });
+    }
+
+    /// The same, with these playlists by number in it.
+    bool connectWithPlaylists(const QJsonObject& lists)
+    {
+        const qsizetype at = library.indexOf("\"playlists\":") + 12;
+        library = library.left(at) + QJsonDocument(lists).toJson(QJsonDocument::Compact) + '}';
+        return connectWithLibrary();
+    }
+
+    /// A playlist of entries that all play the first slot.
+    static QJsonObject playlistOf(const char* name, const QStringList& addresses)
+    {
+        const QJsonObject entry{{"slotUrl", "brume://collections/1/slots/1"},
+                                {"endAction", "next"},
+                                {"transitionType", "crossfade"},
+                                {"transitionDuration", 1.0}};
+        QJsonObject entries;
+        for (const QString& address : addresses)
+            entries.insert(address, entry);
+        return {{"name", name}, {"entries", entries}};
     }
 
     /// Null while it waits hidden for the server to tell of one.

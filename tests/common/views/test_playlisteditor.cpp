@@ -19,7 +19,6 @@
 #include <QDialog>
 #include <QDropEvent>
 #include <QFile>
-#include <QJsonDocument>
 #include <QJsonObject>
 #include <QLabel>
 #include <QLineEdit>
@@ -34,19 +33,18 @@ using namespace vantrel::test;
 
 namespace {
 
-/// Playlist 1 is empty, 2 holds 1, 2, 3 and 3.1; there is no room between 3 and 3.1.
-QByteArray libraryWithLists()
+/// A slot of the panel on its way.
+QMimeData* draggedLogo()
 {
-    const QJsonObject entry{{"slotUrl", "brume://collections/1/slots/1"},
-                            {"endAction", "next"},
-                            {"transitionType", "crossfade"},
-                            {"transitionDuration", 1.0}};
-    QJsonObject entries;
-    for (const char* address : {"1", "2", "3", "3.1"})
-        entries.insert(QLatin1String(address), entry);
-    const QJsonObject empty{{"name", "Empty"}, {"entries", QJsonObject()}};
-    const QJsonObject show{{"name", "Show"}, {"entries", entries}};
-    return QJsonDocument(QJsonObject{{"1", empty}, {"2", show}}).toJson(QJsonDocument::Compact);
+    const QJsonObject slot{{"address", "brume://collections/1/slots/2"},
+                           {"name", "Logo"},
+                           {"contentUrl", "file:///logo.png"},
+                           {"inpoint", 0},
+                           {"outpoint", QJsonValue::Null},
+                           {"duration", 4},
+                           {"isPlayable", true},
+                           {"durationType", "manual"}};
+    return createMimeData({slot}, MimeItemCategory::MediaLibrary, MediaItemType::Slot);
 }
 
 } // namespace
@@ -60,9 +58,10 @@ private Q_SLOTS:
     void init()
     {
         m_fixture = std::make_unique<PlayerFixture>();
-        const qsizetype at = m_fixture->library.indexOf("\"playlists\":") + 12;
-        m_fixture->library = m_fixture->library.left(at) + libraryWithLists() + '}';
-        QVERIFY(m_fixture->connectWithLibrary());
+        // There is no room between 3 and 3.1.
+        QVERIFY(m_fixture->connectWithPlaylists(
+            {{"1", PlayerFixture::playlistOf("Empty", {})},
+             {"2", PlayerFixture::playlistOf("Show", {"1", "2", "3", "3.1"})}}));
         m_editor = m_fixture->part<PlaylistEditor>("Preview-PlaylistEditor");
         m_view = m_editor->container()->list();
         NotificationManagerImpl::instance()->clear();
@@ -407,16 +406,7 @@ void TestPlaylistEditor::dropsOnWhatHasMovedAreRefused()
 {
     const QRect rect = m_view->visualRect(m_editor->model()->index(2, 0));
     const QPoint at = m_view->viewport()->mapTo(m_editor, rect.center());
-    const QJsonObject slot{{"address", "brume://collections/1/slots/2"},
-                           {"name", "Logo"},
-                           {"contentUrl", "file:///logo.png"},
-                           {"inpoint", 0},
-                           {"outpoint", QJsonValue::Null},
-                           {"duration", 4},
-                           {"isPlayable", true},
-                           {"durationType", "manual"}};
-    const std::unique_ptr<QMimeData> data(
-        createMimeData({slot}, MimeItemCategory::MediaLibrary, MediaItemType::Slot));
+    const std::unique_ptr<QMimeData> data(draggedLogo());
     QDragEnterEvent enter(at, Qt::CopyAction, data.get(), Qt::LeftButton, Qt::NoModifier);
     QCoreApplication::sendEvent(m_editor, &enter);
     QDragMoveEvent move(at, Qt::CopyAction, data.get(), Qt::LeftButton, Qt::NoModifier);
@@ -521,16 +511,7 @@ void TestPlaylistEditor::dropsGoWhereTheyAreShown()
     QFETCH(double, share);
     QFETCH(QByteArray, expected);
     const QRect rect = m_view->visualRect(m_editor->model()->index(row, 0));
-    const QJsonObject slot{{"address", "brume://collections/1/slots/2"},
-                           {"name", "Logo"},
-                           {"contentUrl", "file:///logo.png"},
-                           {"inpoint", 0},
-                           {"outpoint", QJsonValue::Null},
-                           {"duration", 4},
-                           {"isPlayable", true},
-                           {"durationType", "manual"}};
-    drop(createMimeData({slot}, MimeItemCategory::MediaLibrary, MediaItemType::Slot),
-         {50, rect.top() + qRound(share * (rect.height() - 1))});
+    drop(draggedLogo(), {50, rect.top() + qRound(share * (rect.height() - 1))});
     QTRY_COMPARE(m_fixture->patches.size(), 1);
     const QByteArray sent = m_fixture->patches.first();
     QVERIFY2(sent.contains(expected + '"') || sent.contains(expected + '/') ||

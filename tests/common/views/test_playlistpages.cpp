@@ -12,8 +12,6 @@
 #include <QAction>
 #include <QFile>
 #include <QFileDialog>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
@@ -24,31 +22,6 @@
 
 using namespace vantrel;
 using namespace vantrel::test;
-
-namespace {
-
-QJsonObject listOf(const char* name, const QStringList& addresses)
-{
-    const QJsonObject entry{{"slotUrl", "brume://collections/1/slots/1"},
-                            {"endAction", "next"},
-                            {"transitionType", "crossfade"},
-                            {"transitionDuration", 1.0}};
-    QJsonObject entries;
-    for (const QString& address : addresses)
-        entries.insert(address, entry);
-    return {{"name", name}, {"entries", entries}};
-}
-
-/// 1 is empty, 2 holds decimals on both sides of 1, 4 one entry.
-QByteArray libraryWithLists()
-{
-    const QJsonObject lists{{"1", listOf("Empty", {})},
-                            {"2", listOf("Show", {"0.999", "12.125", "14"})},
-                            {"4", listOf("Late", {"1"})}};
-    return QJsonDocument(lists).toJson(QJsonDocument::Compact);
-}
-
-} // namespace
 
 /// What opens over the playlist editor and beside it: the page of all lists, files, and a narrow table.
 class TestPlaylistPages : public QObject
@@ -85,9 +58,10 @@ private:
 void TestPlaylistPages::init()
 {
     m_fixture = std::make_unique<PlayerFixture>();
-    const qsizetype at = m_fixture->library.indexOf("\"playlists\":") + 12;
-    m_fixture->library = m_fixture->library.left(at) + libraryWithLists() + '}';
-    QVERIFY(m_fixture->connectWithLibrary());
+    QVERIFY(m_fixture->connectWithPlaylists(
+        {{"1", PlayerFixture::playlistOf("Empty", {})},
+         {"2", PlayerFixture::playlistOf("Show", {"0.999", "12.125", "14"})}, // on both sides of 1
+         {"4", PlayerFixture::playlistOf("Late", {"1"})}}));
     m_editor = m_fixture->part<PlaylistEditor>("Preview-PlaylistEditor");
     m_view = m_editor->container()->list();
     NotificationManagerImpl::instance()->clear();
