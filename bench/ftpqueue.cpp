@@ -8,6 +8,7 @@
 #include "common/filesystem/schedule/filesystemoperationsrunner.h"
 #include "common/filesystem/schedule/operationfactory.h"
 #include "common/filesystem/server/serverfilesystem.h"
+#include "common/ui/clicktest/uifigures.h"
 #include "tests/support/ftpdaemon.h"
 
 #include <QApplication>
@@ -53,27 +54,15 @@ double seconds(const std::function<void()>& work)
     return double(clock.nsecsElapsed()) / 1e9;
 }
 
-/// The longest time for which the main thread looked at nothing else, while it lives.
+/// The longest own standstill of the main thread while it lives, in milliseconds.
 class StallWatch
 {
 public:
-    StallWatch()
-    {
-        m_timer.setTimerType(Qt::PreciseTimer);
-        QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this] {
-            m_longest = std::max(m_longest, double(m_since.nsecsElapsed()) / 1e6 - tick);
-            m_since.restart();
-        });
-        m_since.start();
-        m_timer.start(tick);
-    }
-    double longestMs() const { return m_longest; }
+    StallWatch() { m_figures.reset(); }
+    double longestMs() const { return m_figures.toJson()[QStringLiteral("longestOwnStallMs")].toDouble(); }
 
 private:
-    static constexpr int tick = 1;
-    QTimer m_timer;
-    QElapsedTimer m_since;
-    double m_longest = 0;
+    UiFigures m_figures{nullptr};
 };
 
 class Peer
