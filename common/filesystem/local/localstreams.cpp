@@ -3,13 +3,13 @@
 #include "common/filesystem/local/copywork.h"
 #include "common/filesystem/local/hiddenitems.h"
 #include "common/filesystem/local/systemfile.h"
+#include "common/filesystem/model/filesize.h"
 #include "common/filesystem/model/filesystemlogging.h"
 #include "common/filesystem/model/pathhelpers.h"
 #include "common/filesystem/operations/filetransferoperation.h"
 
 #include <QDateTime>
 #include <QFileInfo>
-#include <QLocale>
 
 #include <algorithm>
 #include <cerrno>
@@ -235,9 +235,7 @@ void LocalStreams::checkRoom(const QSharedPointer<FileTransferOperation>& operat
     const unsigned long long free = static_cast<unsigned long long>(disk.f_bavail) * disk.f_frsize;
     if (operation->totalSizeBytes() <= free)
         return;
-    const auto sizeText = [](unsigned long long bytes) {
-        return QLocale().formattedDataSize(static_cast<qint64>(bytes), 1);
-    };
+    const auto sizeText = [](unsigned long long bytes) { return fileSizeText(static_cast<qint64>(bytes)); };
     operation->addErrorText(
         tr("There is no room for %1: it takes %2, and %3 are free.")
             .arg(bold(incoming.path), sizeText(operation->totalSizeBytes()), sizeText(free)));

@@ -3,10 +3,10 @@
 #include "common/filesystem/local/hiddenitems.h"
 #include "common/filesystem/local/removalwork.h"
 #include "common/filesystem/local/systemfile.h"
+#include "common/filesystem/model/filesize.h"
 #include "common/filesystem/model/pathhelpers.h"
 
 #include <QCoreApplication>
-#include <QLocale>
 
 #include <array>
 #include <cerrno>
@@ -39,11 +39,6 @@ bool liesInside(const std::string& path, const std::string& directory)
     const QString above = realPath(directory);
     const QString below = realPath(parentOf(path));
     return isSamePath(below, above) || isPathBelow(below, above);
-}
-
-QString sizeText(quint64 bytes)
-{
-    return QLocale().formattedDataSize(static_cast<qint64>(bytes), 1);
 }
 
 int rename(const std::string& from, const std::string& to, bool isReplacing)
@@ -234,7 +229,8 @@ bool TransferWork::lookAhead(const std::string& from, const std::string& to)
     const quint64 free = static_cast<quint64>(disk.f_bavail) * disk.f_frsize;
     if (total > free) {
         fail(text("There is no room for %1: it takes %2, and %3 are free.")
-                 .arg(shownName(m_source), sizeText(total), sizeText(free)));
+                 .arg(shownName(m_source), fileSizeText(static_cast<qint64>(total)),
+                      fileSizeText(static_cast<qint64>(free))));
         return false;
     }
     m_control.setTotal(total);

@@ -1,5 +1,6 @@
 #include "common/filesystem/models/filesmodel.h"
 
+#include "common/filesystem/model/filesize.h"
 #include "common/filesystem/model/pathhelpers.h"
 #include "common/filesystem/models/filesmodel_p.h"
 #include "common/media/address/showntext.h"
@@ -7,7 +8,6 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QLocale>
 
 namespace vantrel {
 
@@ -127,8 +127,7 @@ QVariant FilesModel::data(const QModelIndex& index, int role) const
     case SizeRole:
         return row.sizeBytes;
     case SizeTextRole:
-        return row.isDirectory ? QString()
-                               : QLocale().formattedDataSize(row.sizeBytes, 1, QLocale::DataSizeSIFormat);
+        return row.isDirectory ? QString() : fileSizeText(row.sizeBytes);
     case TypeTextRole:
         return row.isDirectory ? tr("Folder") : shownText(fileKind(row.name));
     default:

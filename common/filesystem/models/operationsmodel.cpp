@@ -1,12 +1,12 @@
 #include "common/filesystem/models/operationsmodel.h"
 
+#include "common/filesystem/model/filesize.h"
 #include "common/filesystem/model/filesystemlogging.h"
 #include "common/filesystem/model/pathhelpers.h"
 #include "common/filesystem/operations/modifyoperation.h"
 #include "common/filesystem/schedule/filesystemoperations.h"
 #include "common/media/address/showntext.h"
 
-#include <QLocale>
 #include <QTextDocumentFragment>
 
 #include <algorithm>
@@ -26,11 +26,6 @@ constexpr std::array columns = {
     OperationsModel::TargetPathRole,       OperationsModel::EtaRole,
     OperationsModel::TransferSpeedRole,
 };
-
-QString dataSize(quint64 bytes)
-{
-    return QLocale().formattedDataSize(static_cast<qint64>(bytes), 1, QLocale::DataSizeSIFormat);
-}
 
 QString sideName(const FileSystemTarget& target)
 {
@@ -202,7 +197,7 @@ QVariant OperationsModel::cell(const Row& row, int role) const
         return row.stage == Stage::Running && row.eta > 0 ? etaText(row.eta) : QString();
     case TransferSpeedRole:
         return row.stage == Stage::Running && row.speed > 0
-                   ? tr("%1/s").arg(dataSize(static_cast<quint64>(row.speed)))
+                   ? tr("%1/s").arg(fileSizeText(static_cast<qint64>(row.speed)))
                    : QString();
     case NameRole:
         return row.name;
@@ -214,8 +209,10 @@ QVariant OperationsModel::cell(const Row& row, int role) const
         if (row.totalBytes == 0)
             return QString();
         return isOver(row.stage) && row.bytes >= row.totalBytes
-                   ? dataSize(row.totalBytes)
-                   : tr("%1 of %2").arg(dataSize(row.bytes), dataSize(row.totalBytes));
+                   ? fileSizeText(static_cast<qint64>(row.totalBytes))
+                   : tr("%1 of %2")
+                         .arg(fileSizeText(static_cast<qint64>(row.bytes)),
+                              fileSizeText(static_cast<qint64>(row.totalBytes)));
     case IsTransferRole:
         return row.isTransfer;
     case WhereRole:

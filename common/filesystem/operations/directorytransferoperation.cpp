@@ -1,5 +1,6 @@
 #include "common/filesystem/operations/directorytransferoperation.h"
 
+#include "common/filesystem/model/filesize.h"
 #include "common/filesystem/model/filesystemlogging.h"
 #include "common/filesystem/model/operationvisitor.h"
 #include "common/filesystem/model/pathhelpers.h"
@@ -8,7 +9,6 @@
 #include "common/filesystem/operations/filetransferoperation.h"
 #include "common/filesystem/operations/modifyoperation.h"
 
-#include <QLocale>
 #include <QTimer>
 
 #include <cmath>
@@ -169,8 +169,7 @@ void DirectoryTransferOperation::abort()
 {
     if (!canAbort() || std::exchange(m_isStopping, true))
         return;
-    const QString size =
-        QLocale().formattedDataSize(static_cast<qint64>(totalSizeBytes()), 1, QLocale::DataSizeIecFormat);
+    const QString size = fileSizeText(static_cast<qint64>(totalSizeBytes()));
     addErrorText(tr("<b>Directory transfer interrupted</b> at %1% of %2")
                      .arg(std::lround(progress() * 100))
                      .arg(size));
@@ -237,9 +236,8 @@ void DirectoryTransferOperation::checkRoom(qint64 neededBytes)
     const qint64 free = to().fileSystem->availableBytes(to().fullPath);
     if (isRetry() || free < 0 || neededBytes <= free)
         return;
-    const QLocale locale;
     fail(tr("There is not enough room: %1 are needed and %2 are free")
-             .arg(locale.formattedDataSize(neededBytes, 1), locale.formattedDataSize(free, 1)));
+             .arg(fileSizeText(neededBytes), fileSizeText(free)));
 }
 
 QString DirectoryTransferOperation::destinationOf(const QString& sourcePath) const

@@ -1,10 +1,10 @@
 #include "common/filesystem/operations/filetransferoperation.h"
 
+#include "common/filesystem/model/filesize.h"
 #include "common/filesystem/model/filesystemlogging.h"
 #include "common/filesystem/model/operationvisitor.h"
 #include "common/filesystem/model/pathhelpers.h"
 
-#include <QLocale>
 #include <QThread>
 
 #include <cmath>
@@ -91,8 +91,7 @@ void FileTransferOperation::abort()
 {
     if (!canAbort())
         return;
-    const QString size =
-        QLocale().formattedDataSize(static_cast<qint64>(totalSizeBytes()), 1, QLocale::DataSizeIecFormat);
+    const QString size = fileSizeText(static_cast<qint64>(totalSizeBytes()));
     addErrorText(
         tr("<b>File transfer aborted</b> at %1% of %2").arg(std::lround(progress() * 100)).arg(size));
     TransferOperation::abort();
