@@ -19,6 +19,11 @@ inline constexpr std::array<std::string_view, 63> playedMovieSuffixes{
     "h264", "265", "hevc", "mjpeg", "mjpg", "qt",  "mp3",  "flac", "aac",  "aif",  "aiff", "aifc", "m4a",
     "opus", "oga", "wma",  "w64",   "caf",  "mka", "ac3",  "eac3", "rf64", "bwf",  "au"};
 
+/// Of these, those that hold sound alone.
+inline constexpr std::array<std::string_view, 21> soundSuffixes{
+    "wav", "mp2", "mp3", "flac", "aac", "aif", "aiff", "aifc", "m4a", "opus", "oga",
+    "ogg", "wma", "w64", "caf",  "mka", "ac3", "eac3", "rf64", "bwf", "au"};
+
 /// Of pictures, each of which may be one of a sequence: those that an operator is offered.
 inline constexpr std::span<const std::string_view> pictureSuffixes =
     std::span<const std::string_view>(playedPictureSuffixes).first<10>();

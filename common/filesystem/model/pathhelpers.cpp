@@ -69,6 +69,12 @@ bool isMediaFile(const QString& path)
     return endsWithOneOf(path, suffixes);
 }
 
+bool isSoundFile(const QString& path)
+{
+    static const QStringList suffixes = soundFileExtensions(QStringLiteral("."));
+    return endsWithOneOf(path, suffixes);
+}
+
 bool isImageFile(const QString& path)
 {
     static const QStringList suffixes = imageSequenceFileExtensions(QStringLiteral("."));

@@ -20,6 +20,8 @@ bool isPathBelow(const QString& path, const QString& directory);
 QString numberedPath(const QString& path, int number);
 /// By its extension, in any case: video or sound.
 bool isMediaFile(const QString& path);
+/// By its extension, in any case: sound alone.
+bool isSoundFile(const QString& path);
 /// By its extension, in any case: a picture, which may be one of a sequence.
 bool isImageFile(const QString& path);
 

@@ -39,6 +39,11 @@ QStringList mediaFileExtensions(const QString& prefix)
     return withPrefix(offeredMovieSuffixes, prefix);
 }
 
+QStringList soundFileExtensions(const QString& prefix)
+{
+    return withPrefix(soundSuffixes, prefix);
+}
+
 QStringList imageSequenceFileExtensions(const QString& prefix)
 {
     return withPrefix(pictureSuffixes, prefix);

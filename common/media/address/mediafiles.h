@@ -16,6 +16,8 @@ QString getNameInPath(const QString& path);
 
 /// The extensions of video and audio files, each with the prefix in front ("." or "*.").
 QStringList mediaFileExtensions(const QString& prefix);
+/// Those of sound alone.
+QStringList soundFileExtensions(const QString& prefix);
 /// The extensions of images, which may be one of a sequence.
 QStringList imageSequenceFileExtensions(const QString& prefix);
 /// Both, media first.

@@ -1,12 +1,12 @@
 #include "common/views/files/fileactions.h"
 
+#include "common/filesystem/model/filesize.h"
 #include "common/filesystem/model/pathhelpers.h"
 #include "common/filesystem/models/conflictdesk.h"
 #include "common/filesystem/models/filesystemdrophandler.h"
 #include "common/session/settings/configuration.h"
 #include "common/ui/toolkit/ztdrag.h"
 
-#include <QLocale>
 #include <QMimeData>
 #include <QPointer>
 #include <QWidget>
@@ -87,21 +87,16 @@ void FileActions::answerConflict(int choice, bool forAll)
 
 QString FileActions::iconOf(const QString& name) const
 {
-    static const QStringList sounds = {QStringLiteral(".wav"), QStringLiteral(".mp3"),
-                                       QStringLiteral(".flac"), QStringLiteral(".aac"),
-                                       QStringLiteral(".m4a")};
     if (isImageFile(name))
         return QStringLiteral("image");
-    for (const QString& suffix : sounds) {
-        if (name.endsWith(suffix, Qt::CaseInsensitive))
-            return QStringLiteral("audio");
-    }
+    if (isSoundFile(name))
+        return QStringLiteral("audio");
     return isMediaFile(name) ? QStringLiteral("video") : QStringLiteral("file");
 }
 
 QString FileActions::sizeText(qint64 bytes) const
 {
-    return QLocale().formattedDataSize(bytes, 1, QLocale::DataSizeSIFormat);
+    return fileSizeText(bytes);
 }
 
 } // namespace vantrel
