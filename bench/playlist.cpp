@@ -16,10 +16,12 @@
 #include <QScrollBar>
 #include <QStandardItemModel>
 #include <QTableView>
+#include <QTimer>
 
 #include <functional>
 #include <malloc.h>
 #include <optional>
+#include <time.h>
 
 using namespace vantrel;
 using namespace vantrel::bench;
@@ -57,12 +59,48 @@ std::size_t heap()
 
 constexpr QSize tableSize(900, 700);
 
-/// What the screen owes to what has changed is drawn, once.
-void repaint(QTableView& view)
+/// What the screen owes to what has changed is drawn, once, when its turn comes: no more than what is dirty,
+/// and nothing where nothing is, which is false.
+bool repaint(QTableView& view)
 {
-    QCoreApplication::sendPostedEvents();
-    QCoreApplication::processEvents();
-    view.viewport()->repaint();
+    class Watch : public QObject
+    {
+    public:
+        bool isPainted = false;
+
+    protected:
+        bool eventFilter(QObject*, QEvent* event) override
+        {
+            isPainted = isPainted || event->type() == QEvent::Paint;
+            return false;
+        }
+    } watch;
+    view.viewport()->installEventFilter(&watch);
+    QTimer end; // an update waits some milliseconds for the screen
+    end.setSingleShot(true);
+    end.start(60);
+    while (!watch.isPainted && end.isActive())
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    return watch.isPainted;
+}
+
+void paintOrAbort(QTableView& view)
+{
+    if (!repaint(view))
+        std::abort(); // a change that no screen shows
+}
+
+/// What the main thread spends, in milliseconds, without what it waits.
+double spentMs(const std::function<void()>& work)
+{
+    const auto now = [] {
+        timespec time{};
+        ::clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+        return double(time.tv_sec) * 1e3 + double(time.tv_nsec) / 1e6;
+    };
+    const double before = now();
+    work();
+    return now() - before;
 }
 
 /// A window with a plain table.
@@ -75,10 +113,11 @@ public:
         m_view.setSelectionBehavior(QAbstractItemView::SelectRows);
         m_view.resize(tableSize);
         m_view.show();
-        paint();
+        settle();
     }
     void setModel(QAbstractItemModel* model) { m_view.setModel(model); }
-    void paint() { repaint(m_view); }
+    void settle() { repaint(m_view); }
+    void paint() { paintOrAbort(m_view); }
 
 private:
     QTableView m_view;
@@ -92,11 +131,12 @@ public:
     {
         m_container.resize(tableSize);
         m_container.show();
-        paint();
+        settle();
     }
     void setModel(PlaylistModel* model) { m_container.setModel(model); }
     QTableView& view() { return *m_container.list(); }
-    void paint() { repaint(view()); }
+    void settle() { repaint(view()); }
+    void paint() { paintOrAbort(view()); }
 
 private:
     PlaylistContainer m_container{{Preview}, true};
@@ -108,7 +148,7 @@ double best(int runs, const std::function<void()>& prepare, const std::function<
     double least = 1e9;
     for (int i = 0; i < runs; ++i) {
         prepare();
-        least = std::min(least, bestOf(1, run) * 1000);
+        least = std::min(least, spentMs(run));
     }
     return least;
 }
@@ -128,7 +168,7 @@ public:
             [this] {
                 m_table.setModel(nullptr);
                 m_model.reset();
-                m_table.paint();
+                m_table.settle();
             },
             [this] {
                 m_model = std::make_unique<PlaylistModel>(&m_mirror.playlists, nullptr, nullptr, nullptr,
@@ -144,7 +184,7 @@ public:
             5,
             [this] {
                 m_model->sort(PlaylistModel::NumberColumn);
-                m_table.paint();
+                m_table.settle();
             },
             [=, this] {
                 m_model->sort(column);
@@ -160,13 +200,13 @@ public:
         for (int way = 0; way < 3; ++way) {
             double longest = 0;
             bar->setValue(0);
-            m_table.paint();
+            m_table.settle();
             for (int step = 1; step <= scrollSteps; ++step) {
                 const int to = static_cast<int>(static_cast<long long>(bar->maximum()) * step / scrollSteps);
-                longest = std::max(longest, bestOf(1, [&] {
-                                                bar->setValue(to);
-                                                m_table.paint();
-                                            }) * 1000);
+                longest = std::max(longest, spentMs([&] {
+                                       bar->setValue(to);
+                                       m_table.paint();
+                                   }));
             }
             least = std::min(least, longest);
         }
@@ -176,9 +216,10 @@ public:
     double edit(bool transition)
     {
         m_model->sort(PlaylistModel::NumberColumn);
+        m_table.view().scrollToTop();
         int round = 0;
         return best(
-            9, [this] { m_table.paint(); },
+            9, [this] { m_table.settle(); },
             [&] {
                 PlaylistEntry entry = *std::as_const(*m_mirror.library).findPlaylistEntry(1, {2, 0});
                 if (transition)
@@ -195,6 +236,7 @@ public:
     double move()
     {
         m_model->sort(PlaylistModel::NumberColumn);
+        m_table.view().scrollToTop();
         std::optional<Patch> back;
         return best(
             5,
@@ -203,7 +245,7 @@ public:
                     m_mirror.api.applyMediaLibraryPatch(*back);
                 const QItemSelection rows(m_model->index(5000, 0), m_model->index(5000 + movedCount - 1, 10));
                 m_table.view().selectionModel()->select(rows, QItemSelectionModel::ClearAndSelect);
-                m_table.paint();
+                m_table.settle();
             },
             [&] {
                 QList<QModelIndex> rows = m_table.view().selectionModel()->selectedRows();
@@ -269,7 +311,7 @@ PlainFigures measurePlain()
         [&] {
             table.setModel(nullptr);
             model.reset();
-            table.paint();
+            table.settle();
         },
         [&] {
             model = makePlain();
@@ -280,7 +322,7 @@ PlainFigures measurePlain()
         3,
         [&] {
             model->sort(PlaylistModel::NumberColumn);
-            table.paint();
+            table.settle();
         },
         [&] {
             model->sort(PlaylistModel::MediaColumn);
@@ -288,7 +330,7 @@ PlainFigures measurePlain()
         });
     model->sort(PlaylistModel::NumberColumn);
     figures.edit = best(
-        5, [&] { table.paint(); },
+        5, [&] { table.settle(); },
         [&] {
             model->item(1, PlaylistModel::TransitionDurationColumn)->setData(2.5, Qt::DisplayRole);
             for (int row = 1; row < entryCount; ++row) {
@@ -301,7 +343,7 @@ PlainFigures measurePlain()
             table.paint();
         });
     figures.move = best(
-        3, [&] { table.paint(); },
+        3, [&] { table.settle(); },
         [&] {
             for (int i = 0; i < movedCount; ++i)
                 model->insertRow(100 + i, model->takeRow(5000 + i));
