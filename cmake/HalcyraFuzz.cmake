@@ -22,6 +22,7 @@ endforeach()
 target_sources(fuzz_eventstream PRIVATE ${CMAKE_SOURCE_DIR}/common/media/library/eventstream.cpp
   ${CMAKE_SOURCE_DIR}/common/media/address/medialogging.cpp)
 target_link_libraries(fuzz_eventstream PRIVATE Qt6::Core)
+halcyra_qt_definitions(fuzz_eventstream)
 
 # and what a playlist believes of a drag.
 set(items guimediacollection guimediaitemfactory guimediaslot guiplaylist guiplaylistentry mimedata)
@@ -30,3 +31,4 @@ target_sources(fuzz_drop PRIVATE ${CMAKE_SOURCE_DIR}/common/views/playlist/playl
   ${CMAKE_SOURCE_DIR}/common/media/address/mediafiles.cpp ${CMAKE_SOURCE_DIR}/common/media/address/mediautils.cpp
   ${CMAKE_SOURCE_DIR}/common/media/address/medialogging.cpp)
 target_link_libraries(fuzz_drop PRIVATE Qt6::Core)
+halcyra_qt_definitions(fuzz_drop)
