@@ -156,7 +156,6 @@ void PlaylistEditorHeader::buildProgram()
     auto* title = new ZTLabel(tr("PGM playlist"), this);
     title->setObjectName(prefix() + QStringLiteral("-title"));
     title->setStyleClass(QStringLiteral("section"));
-    followFontSize(title, [title](FontSize size) { title->setMinimumHeight(scaled(titleHeight, size)); });
     m_name = new ElidedLabel(this);
     m_name->setObjectName(prefix() + QStringLiteral("-name"));
     m_name->setStyleClass(QStringLiteral("dim"));
@@ -165,6 +164,13 @@ void PlaylistEditorHeader::buildProgram()
     m_end->setStyleClass(QStringLiteral("section"));
     auto* row = new QHBoxLayout;
     row->setSpacing(spacing::normal);
+    // Not a height of the title's own: a label goes on asking for the one it had in larger text.
+    auto* strut = new QSpacerItem(0, 0);
+    row->addItem(strut);
+    followFontSize(title, [row, strut](FontSize size) {
+        strut->changeSize(0, scaled(titleHeight, size));
+        row->invalidate();
+    });
     row->addWidget(title);
     row->addWidget(m_name, 1);
     buildDuration(row);

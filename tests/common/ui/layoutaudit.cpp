@@ -82,8 +82,8 @@ private Q_SLOTS:
             QTest::qWaitFor([&] { return (faults = layoutFaults(m_window.get())).isEmpty(); }, 2000);
         QVERIFY2(isSound, qPrintable(faults.join(u'\n')));
         const auto* area = m_window->findChild<QScrollArea*>(QStringLiteral("PlayerTab-scroll-area"));
-        QCOMPARE(area->horizontalScrollBar()->maximum(), 0);
-        QCOMPARE(area->verticalScrollBar()->maximum(), 0);
+        QTRY_COMPARE(area->horizontalScrollBar()->maximum(), 0);
+        QTRY_COMPARE(area->verticalScrollBar()->maximum(), 0);
 
         // Both channels in the same place, and pictures that can be made out.
         const PlaybackWidget* preview = channel()->previewWidget();
