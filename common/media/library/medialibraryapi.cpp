@@ -2,6 +2,7 @@
 
 #include "common/media/address/medialogging.h"
 #include "common/media/library/editqueue.h"
+#include "common/media/library/endreply.h"
 #include "common/media/library/librarychanges.h"
 #include "common/media/library/libraryreading.h"
 #include "tarn/media/medialibrary.h"
@@ -199,7 +200,7 @@ void MediaLibraryApi::stopListening()
     m_silence->stop();
     QNetworkReply* stream = m_stream;
     m_stream = nullptr;
-    stream->abort();
+    endReply(stream);
     stream->disconnect(this);
     stream->deleteLater();
 }

@@ -1,5 +1,7 @@
 #include "common/media/net/networkreply.h"
 
+#include "common/media/library/endreply.h"
+
 namespace vantrel {
 
 namespace {
@@ -23,8 +25,7 @@ NetworkReply::~NetworkReply()
     if (!m_reply)
         return;
     m_reply->disconnect(this);
-    if (m_reply->isRunning())
-        m_reply->abort();
+    abort();
     m_reply->deleteLater();
 }
 
@@ -40,8 +41,7 @@ bool NetworkReply::isRunning() const
 
 void NetworkReply::abort()
 {
-    if (m_reply)
-        m_reply->abort();
+    endReply(m_reply);
 }
 
 // A reply that went with its manager counts as cancelled.

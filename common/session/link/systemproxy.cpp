@@ -1,5 +1,6 @@
 #include "common/session/link/systemproxy.h"
 
+#include "common/media/library/endreply.h"
 #include "common/session/link/connectionhandler.h"
 #include "common/session/session.h"
 #include "common/session/settings/sessionlogging.h"
@@ -42,8 +43,7 @@ void SystemProxy::onConnected()
         if (reply->bytesAvailable() >= maxAnswer)
             reply->abort();
     });
-    if (earlier)
-        earlier->abort();
+    endReply(earlier);
 }
 
 void SystemProxy::onFinished(QNetworkReply* reply)

@@ -1,5 +1,7 @@
 #include "common/session/link/webprobe.h"
 
+#include "common/media/library/endreply.h"
+
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
 #include <QUrl>
@@ -32,7 +34,7 @@ void WebProbe::setHost(const QString& host)
     m_host = host;
     if (m_reply) {
         m_reply->disconnect(this);
-        m_reply->abort();
+        endReply(m_reply);
         m_reply->deleteLater();
     }
     if (host.isEmpty())
