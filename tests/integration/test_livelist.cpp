@@ -17,6 +17,7 @@
 #include <QRandomGenerator>
 #include <QTest>
 
+#include <algorithm>
 #include <atomic>
 #include <cmath>
 #include <limits>
@@ -29,6 +30,7 @@ namespace {
 
 constexpr double picture = 0.04; // seconds
 constexpr int changesInTheSuite = 5;
+constexpr int aroundChange = 10; // pictures
 
 /// Every picture of program as it comes over the preview stream.
 class Recorder
@@ -115,6 +117,7 @@ private:
     {
         Layer on;
         std::optional<Layer> before; // goes out meanwhile
+        bool isChange = false;       // among the first of an entry
         bool isMixed() const { return before.has_value(); }
         bool isConstant() const { return !isMixed() && !on.isNumbered(); }
         bool isVague() const { return isMixed() && (!on.isNumbered() || !before->isNumbered()); }
@@ -128,13 +131,32 @@ private:
     struct Verdict
     {
         int missing = 0, wrong = 0;
-        int firstFault = -1; // the tick
+        int firstFault = -1;      // the tick
+        int missingAtChanges = 0; // of those that miss
         int faults() const { return missing + wrong; }
         Verdict passing(const Tick& tick, int number) const
         {
-            return tick.isCountable() ? Verdict{missing + 1, wrong, firstOr(number)} : *this;
+            return tick.isCountable() ? Verdict{missing + 1, wrong, firstOr(number),
+                                                missingAtChanges + (tick.isChange ? 1 : 0)}
+                                      : *this;
         }
-        Verdict withWrong(int number) const { return {missing, wrong + 1, firstOr(number)}; }
+        Verdict withWrong(int number) const
+        {
+            return {missing, wrong + 1, firstOr(number), missingAtChanges};
+        }
+        /// Beside other programs the server may be late, but then anywhere: of the pictures at changes no
+        /// larger a part is missing than of the others.
+        bool isOnlyLate(const std::vector<Tick>& ticks) const
+        {
+            const auto counted = [&](bool isChange) {
+                return std::ranges::count_if(ticks, [isChange](const Tick& tick) {
+                    return tick.isCountable() && tick.isChange == isChange;
+                });
+            };
+            const double atChanges = double(missingAtChanges) / double(counted(true));
+            const double elsewhere = double(missing - missingAtChanges) / double(counted(false));
+            return atChanges <= elsewhere + 0.2;
+        }
 
     private:
         int firstOr(int number) const { return firstFault < 0 ? number : firstFault; }
@@ -235,6 +257,7 @@ std::vector<TestLiveList::Tick> TestLiveList::ticks() const
             Tick& tick = ticks[static_cast<std::size_t>(i)];
             tick.before = i < overlapEnd ? std::optional(tick.on) : std::nullopt;
             tick.on = {kind, from + i - begin};
+            tick.isChange = i - begin < aroundChange;
         }
     }
     return ticks;
@@ -244,7 +267,7 @@ std::vector<TestLiveList::Tick> TestLiveList::ticks() const
 /// may come twice, and where it goes over into something else there is no telling of one from the next.
 TestLiveList::Verdict TestLiveList::judge(const std::vector<Tick>& ticks, const std::vector<Seen>& seen)
 {
-    const Verdict none{std::numeric_limits<int>::max() / 4, 0};
+    const Verdict none{std::numeric_limits<int>::max() / 4};
     const auto better = [](const Verdict& a, const Verdict& b) { return b.faults() < a.faults() ? b : a; };
     std::vector<Verdict> best(ticks.size() + 1, none); // by the number of ticks that are over
     best[0] = {};
@@ -291,11 +314,12 @@ void TestLiveList::everyPictureIsAccountedFor()
         program->playingEntryAddress() == last && program->state() == SourcePlayState::Pause, patience);
     const std::vector<Seen> seen = recorder.taken();
     const Verdict verdict = judge(expected, seen);
-    qInfo("%d changes, %d ticks, %d pictures: %d missing, %d wrong", changes, int(expected.size()),
-          int(seen.size()), verdict.missing, verdict.wrong);
+    qInfo("%d changes, %d ticks, %d pictures: %d missing (%d at changes), %d wrong", changes,
+          int(expected.size()), int(seen.size()), verdict.missing, verdict.missingAtChanges, verdict.wrong);
     QVERIFY2(verdict.wrong == 0, qPrintable(QStringLiteral("at tick %1").arg(verdict.firstFault)));
-    // Beside other programs the server may be late now and then.
-    QVERIFY(verdict.missing <= (wanted > 0 ? 0 : int(expected.size()) / 5));
+    if (wanted > 0)
+        QCOMPARE(verdict.missing, 0);
+    QVERIFY(verdict.missing <= int(expected.size()) / 5 || verdict.isOnlyLate(expected));
 }
 
 HALCYRA_TEST(TestLiveList)
