@@ -9,8 +9,7 @@
 #include <QCoreApplication>
 #include <QHash>
 #include <QTimer>
-
-#include <utility>
+#include <QUrl>
 
 namespace vantrel {
 
@@ -23,18 +22,61 @@ QHash<QUrl, ServerFileSystem*>& serverFileSystems()
     return all;
 }
 
-void follow(const Session* session, ServerFileSystem* fileSystem, const QString& host)
+/// Where the files of a host were asked for last: a server may come back with them at another port.
+QHash<QString, QUrl>& addresses()
 {
-    QObject::connect(session, &Session::connected, fileSystem, [fileSystem, host](const QString& connected) {
-        if (connected != host)
+    static QHash<QString, QUrl> all;
+    return all;
+}
+
+/// As addresses have it: in small letters.
+QString hostOf(const QString& name)
+{
+    QUrl address;
+    address.setHost(name);
+    return address.host();
+}
+
+bool isLeft(const ServerFileSystem* fileSystem)
+{
+    return addresses().value(fileSystem->server().host()) != fileSystem->server();
+}
+
+void connectIfWanted(ServerFileSystem* fileSystem)
+{
+    if (!isLeft(fileSystem) && !fileSystem->isConnectedToServer())
+        fileSystem->connectToServer();
+}
+
+void follow(const Session* session, ServerFileSystem* fileSystem)
+{
+    QObject::connect(session, &Session::connected, fileSystem, [fileSystem](const QString& connected) {
+        if (hostOf(connected) != fileSystem->server().host())
             fileSystem->giveUp(DefaultFileSystemProvider::tr("The application has turned to another server"));
-        else if (!fileSystem->isConnectedToServer())
-            fileSystem->connectToServer();
+        else
+            connectIfWanted(fileSystem);
     });
     QObject::connect(session, &Session::disconnected, fileSystem,
                      [fileSystem] { fileSystem->disconnectServer(); });
-    if (session->isConnected())
-        QTimer::singleShot(0, fileSystem, [fileSystem] { fileSystem->connectToServer(); });
+}
+
+/// The files of the host are here now; nobody answers where they were before.
+void turnTo(ServerFileSystem* fileSystem)
+{
+    const QUrl address = fileSystem->server();
+    if (addresses().value(address.host()) == address)
+        return;
+    addresses()[address.host()] = address;
+    const auto all = serverFileSystems().values();
+    for (ServerFileSystem* other : all) {
+        if (other == fileSystem || other->server().host() != address.host())
+            continue;
+        other->giveUp(DefaultFileSystemProvider::tr("The server has its files at another port now"));
+        other->disconnectServer();
+    }
+    const Session* session = Session::instance();
+    if (session && session->isConnected())
+        QTimer::singleShot(0, fileSystem, [fileSystem] { connectIfWanted(fileSystem); });
 }
 
 } // namespace
@@ -58,16 +100,19 @@ DefaultFileSystemProvider* DefaultFileSystemProvider::instance()
 FileSystem* DefaultFileSystemProvider::getServerFileSystem(QUrl address, QString username, QString password)
 {
     static ClientFactory factory;
-    ServerFileSystem*& fileSystem = serverFileSystems()[address];
-    if (fileSystem)
-        return fileSystem;
-    fileSystem = new ServerFileSystem(address, &factory, QCoreApplication::instance());
+    if (ServerFileSystem* known = serverFileSystems().value(address)) {
+        turnTo(known);
+        return known;
+    }
+    auto* const fileSystem = new ServerFileSystem(address, &factory, QCoreApplication::instance());
+    serverFileSystems().insert(address, fileSystem);
     QObject::connect(fileSystem, &QObject::destroyed, fileSystem,
                      [address] { serverFileSystems().remove(address); });
     fileSystem->setUsername(username);
     fileSystem->setPassword(password);
     if (const Session* session = Session::instance())
-        follow(session, fileSystem, address.host());
+        follow(session, fileSystem);
+    turnTo(fileSystem);
     return fileSystem;
 }
 
@@ -84,11 +129,8 @@ FileSystem* DefaultFileSystemProvider::getFileSystem(QString kind)
     const Session* session = Session::instance();
     if (kind != QStringLiteral("server") || !session || !session->isConnected())
         return nullptr;
-    const QString host = session->connectionHandler()->getConnectedHost();
-    for (ServerFileSystem* fileSystem : std::as_const(serverFileSystems()))
-        if (fileSystem->server().host() == host)
-            return fileSystem;
-    return nullptr;
+    const QString host = hostOf(session->connectionHandler()->getConnectedHost());
+    return serverFileSystems().value(addresses().value(host)); // what the session has asked for
 }
 
 } // namespace vantrel

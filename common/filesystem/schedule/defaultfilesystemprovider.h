@@ -7,7 +7,8 @@
 namespace vantrel {
 
 /// The file systems of the process. A server's follows the session: it connects with it, rests while it has
-/// no link, and gives up what runs when the session turns to another server. Main thread only.
+/// no link, and gives up what runs when the session turns to another server or to another port of the same.
+/// Main thread only.
 class DefaultFileSystemProvider : public QObject, public FileSystemProvider
 {
     Q_OBJECT

@@ -13,7 +13,7 @@ namespace vantrel::test {
 class ScriptedPeer
 {
 public:
-    ScriptedPeer()
+    explicit ScriptedPeer(quint16 ftpPort = 0)
     {
         http.handler = [](const ScriptedHttp::Request& request) -> ScriptedHttp::Reply {
             if (request.target.endsWith("/medialibrary"))
@@ -27,7 +27,7 @@ public:
         ServerPorts ports;
         ports.http = http.port();
         ports.link = link.port();
-        ports.ftp = 0;
+        ports.ftp = ftpPort;
         ports.preview = 1;
         session = new Session;
         Session::initializeWith(session, ports);
