@@ -5,6 +5,7 @@
 
 #include <QIODevice>
 
+#include <algorithm>
 #include <utility>
 
 namespace vantrel {
@@ -159,7 +160,7 @@ int QFtp::put(QIODevice* device, const QString& file, TransferType type, qint64 
 {
     QStringList lines{typeLine(type), connectionLine(d->transferMode)};
     if (device && !device->isSequential())
-        lines << line("ALLO", QString::number(device->size()));
+        lines << line("ALLO", QString::number(std::max<qint64>(device->size() - offset, 0)));
     if (offset > 0)
         lines << line("REST", QString::number(offset));
     lines << line("STOR", file);

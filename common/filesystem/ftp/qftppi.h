@@ -40,6 +40,8 @@ public:
     void closeSoon();
 
     QString currentCommand() const { return m_currentCmd; }
+    /// Of the answer that is told as finished or as an error.
+    int replyCode() const { return m_reply.code; }
     bool isBinaryDownload() const { return m_isBinary && m_currentCmd.startsWith(QLatin1String("RETR")); }
     bool isPeer(const QHostAddress& address) const;
     void setPatience(std::chrono::milliseconds patience) { m_patience = patience; }

@@ -8,6 +8,12 @@
 
 namespace vantrel {
 
+namespace {
+
+constexpr int noRoom = 552; // an answer
+
+} // namespace
+
 QFtpPrivate::QFtpPrivate(QFtp* q)
     : m_q(q)
 {
@@ -211,7 +217,8 @@ void QFtpPrivate::_q_piError(int code, const QString& text)
         pi.dtp().setBytesTotal(0);
         return;
     }
-    if (command->command == QFtp::Put && line.startsWith(QLatin1String("ALLO ")))
+    // Many servers do not know the question; one that does and has no room says so before a byte goes.
+    if (command->command == QFtp::Put && line.startsWith(QLatin1String("ALLO ")) && pi.replyCode() != noRoom)
         return;
     if (command->command == QFtp::Close && state == QFtp::Unconnected)
         return finish(false); // the server was faster

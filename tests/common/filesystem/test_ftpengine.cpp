@@ -67,6 +67,7 @@ private Q_SLOTS:
     void downloads_data();
     void downloads();
     void uploads();
+    void noRoom();
     void uploadCutShort();
     void sourceFails();
     void sinkFails();
@@ -213,15 +214,38 @@ void TestFtpEngine::uploads()
     // The rest of a file, from where an earlier attempt ended.
     s.server.received.clear();
     source.seek(8'999'990);
-    s.server.answers["ALLO"] = "552 no room\r\n";
     QVERIFY(s.succeeds(s.ftp.put(&source, QStringLiteral("/x"), QFtp::Binary, 8'999'990)));
     QCOMPARE(s.server.received, source.data().right(10));
     QCOMPARE(s.server.count("REST 8999990"), 1);
+    QCOMPARE(s.server.count("ALLO 10"), 1); // what is there already needs no room
     for (const QByteArray& bytes : {QByteArray(), pattern(300'000)}) {
         s.server.received.clear();
         QVERIFY(s.succeeds(s.ftp.put(bytes, QStringLiteral("/y"))));
         QCOMPARE(s.server.received, bytes);
     }
+}
+
+/// A server that has no room says so before a byte goes; one that knows no such question is not taken at it.
+void TestFtpEngine::noRoom()
+{
+    Session s;
+    QVERIFY(s.open());
+    QBuffer source;
+    source.setData("abc");
+    source.open(QIODevice::ReadOnly);
+    for (const char* answer : {"500 what?", "502 not here", "202 no need"}) {
+        s.server.answers["ALLO"] = answer + QByteArray("\r\n");
+        source.seek(0);
+        QVERIFY(s.succeeds(s.ftp.put(&source, QStringLiteral("/x"))));
+    }
+    s.server.answers["ALLO"] = "552 no room for that\r\n";
+    const int sent = s.server.count("STOR");
+    source.seek(0);
+    const int id = s.ftp.put(&source, QStringLiteral("/x"));
+    QVERIFY(s.fails(id));
+    QCOMPARE(s.texts.value(id), QStringLiteral("Uploading file failed:\nno room for that"));
+    QCOMPARE(s.server.count("STOR"), sent);
+    QVERIFY(s.succeeds(s.ftp.noop()));
 }
 
 void TestFtpEngine::uploadCutShort()
