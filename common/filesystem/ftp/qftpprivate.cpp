@@ -12,6 +12,13 @@ namespace {
 
 constexpr int noRoom = 552; // an answer
 
+/// A server may say back what it was told, and what it says is shown and written to the log.
+QString withoutPassword(QString text, const QFtpCommand& login)
+{
+    const QString password = login.rawCmds.constLast().mid(int(sizeof("PASS"))).trimmed();
+    return password.isEmpty() ? text : text.replace(password, QStringLiteral("***"));
+}
+
 } // namespace
 
 QFtpPrivate::QFtpPrivate(QFtp* q)
@@ -185,7 +192,7 @@ QString QFtpPrivate::described(const QString& text) const
     case QFtp::ConnectToHost:
         return QFtp::tr("Connecting to host failed:\n%1").arg(text);
     case QFtp::Login:
-        return QFtp::tr("Login failed:\n%1").arg(text);
+        return QFtp::tr("Login failed:\n%1").arg(withoutPassword(text, *current()));
     case QFtp::List:
         return QFtp::tr("Listing directory failed:\n%1").arg(text);
     case QFtp::Cd:
