@@ -78,6 +78,7 @@ private:
     void login();
     void handleUnconnected();
     void finishCommand(const CommandRequest& request, bool succeeded);
+    void finishConnecting();
     void finishRename(const CommandRequest& request, bool succeeded);
     void finishFileListing(bool succeeded);
     ClientFileSystemInfo infoOf(const QUrlInfo& entry) const;

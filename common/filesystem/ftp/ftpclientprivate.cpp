@@ -79,16 +79,16 @@ bool FtpClientPrivate::connectToServer(const QString& host, int port)
 {
     qCDebug(lcFtp) << "About to connect to FTP server" << host << port
                    << "- Current state:" << stateOf(m_lastState);
-    if (m_isLeaving &&
-        m_lastState != QFtp::Unconnected) { // an end may take seconds; it begins anew behind that
+    const bool isStarting = m_active.command == QFtp::ConnectToHost;
+    // An end may take seconds; it begins anew behind that.
+    if (m_isLeaving && (m_lastState != QFtp::Unconnected || isStarting)) {
         m_host = host;
         m_port = port;
         m_isReconnectEnabled = true;
         m_reconnectAttempts = 0;
         return true;
     }
-    if (m_lastState == QFtp::Connecting || m_lastState == QFtp::HostLookup ||
-        m_active.command == QFtp::ConnectToHost) {
+    if (m_lastState == QFtp::Connecting || m_lastState == QFtp::HostLookup || isStarting) {
         qCWarning(lcFtp, "Unable to connect to the FTP server (connection in progress)");
         return false;
     }
@@ -389,7 +389,7 @@ void FtpClientPrivate::finishCommand(const CommandRequest& request, bool succeed
     const QString path = request.path();
     switch (request.command) {
     case QFtp::ConnectToHost:
-        return;
+        return finishConnecting();
     case QFtp::Login:
         if (!succeeded && m_lastState == QFtp::Connected)
             m_worker->disconnectServer(); // nothing can be done with it; it is tried again later
@@ -431,6 +431,13 @@ void FtpClientPrivate::finishCommand(const CommandRequest& request, bool succeed
 }
 
 void FtpClientPrivate::finishRename(const CommandRequest& request, bool succeeded)
+/// What was left before it began has no state that tells of its end.
+void FtpClientPrivate::finishConnecting()
+{
+    if (m_lastState == QFtp::Unconnected && std::exchange(m_isLeaving, false) && m_isReconnectEnabled)
+        startConnecting();
+}
+
 {
     const QString from = request.path(0);
     const QString to = request.path(1);

@@ -358,3 +358,10 @@ void TestFtpClient::requestText()
 
 HALCYRA_TEST(TestFtpClient)
 #include "test_ftpclient.moc"
+    // And one that is back before there was anything to leave.
+    QVERIFY(m_client->disconnectServer());
+    QVERIFY(QTest::qWaitFor([&] { return m_server->count("QUIT") == 3; }));
+    QVERIFY(QTest::qWaitFor([&] { return !m_client->isLoading(); }));
+    QVERIFY(m_client->connectToServer(m_server->host(), m_server->port()));
+    QVERIFY(m_client->disconnectServer());
+    QVERIFY(open());
