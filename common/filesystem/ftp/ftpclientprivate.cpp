@@ -362,13 +362,16 @@ void FtpClientPrivate::onFtpCommandFinished(int id, bool error)
     if (error) {
         QString text;
         const QFtp::Error code = m_worker->getError(&text);
-        m_errorText = text;
+        if (id == request.id)
+            m_errorText = text;
         QString said;
         QDebug(&said) << "Failed FTP command request with ID:" << id << "- Current request:" << request
                       << ", error:" << code << "=" << text;
         // A server that is not there, a lost link and what was aborted are ordinary states.
         if (code == QFtp::ConnectionRefused || code == QFtp::NotConnected || code == QFtp::NoError)
             qCInfo(lcFtp).noquote() << said;
+        else if (request.command == QFtp::Size)
+            qCDebug(lcFtp).noquote() << said; // that a file is not there is an answer
         else
             qCWarning(lcFtp).noquote() << said;
     } else {
@@ -376,9 +379,7 @@ void FtpClientPrivate::onFtpCommandFinished(int id, bool error)
         if (id == request.id)
             m_errorText.clear();
     }
-    // What waited behind one that failed was dropped with it.
-    const bool isOver = id == request.id || (error && id < request.id);
-    if (request.id == 0 || !isOver)
+    if (request.id == 0 || id != request.id)
         return;
     clearActiveCommand();
     finishCommand(request, !error && !request.aborted);
@@ -430,7 +431,6 @@ void FtpClientPrivate::finishCommand(const CommandRequest& request, bool succeed
     }
 }
 
-void FtpClientPrivate::finishRename(const CommandRequest& request, bool succeeded)
 /// What was left before it began has no state that tells of its end.
 void FtpClientPrivate::finishConnecting()
 {
@@ -438,6 +438,7 @@ void FtpClientPrivate::finishConnecting()
         startConnecting();
 }
 
+void FtpClientPrivate::finishRename(const CommandRequest& request, bool succeeded)
 {
     const QString from = request.path(0);
     const QString to = request.path(1);

@@ -36,8 +36,11 @@ void FtpWorker::run()
     connect(&ftp, &QFtp::commandStarted, this, &FtpWorker::commandStarted, Qt::DirectConnection);
     connect(&ftp, &QFtp::dataTransferProgress, this, &FtpWorker::dataTransferProgress, Qt::DirectConnection);
     connect(&ftp, &QFtp::fileSize, this, &FtpWorker::fileSize, Qt::DirectConnection);
-    connect(&ftp, &QFtp::commandFinished, &ftp,
-            [&](int id, bool error) { onCommandFinished(ftp, id, error); });
+    connect(&ftp, &QFtp::commandFinished, &ftp, [&](int id, bool error) {
+        onCommandFinished(id, error ? ftp.error() : QFtp::NoError, error ? ftp.errorString() : QString());
+    });
+    connect(&ftp, &QFtp::commandDropped, &ftp,
+            [this](int id, const QString& why) { onCommandFinished(id, QFtp::UnknownError, why); });
     {
         const QMutexLocker lock(&m_mutex);
         m_ftp = &ftp;
@@ -179,17 +182,16 @@ void FtpWorker::onDataTransferProgress(const QFtp& ftp, qint64 done, qint64 tota
         m_isPresized = file->resize(total);
 }
 
-void FtpWorker::onCommandFinished(const QFtp& ftp, int id, bool error)
+void FtpWorker::onCommandFinished(int id, QFtp::Error error, const QString& text)
 {
     {
         const QMutexLocker lock(&m_mutex);
-        m_error = error ? ftp.error() : QFtp::NoError;
-        m_errorText = error ? ftp.errorString() : QString();
+        m_error = error;
+        m_errorText = text;
     }
-    // A failure also ends what waited behind it.
-    if (m_device && (id == m_deviceId || error))
-        returnDevice(error);
-    Q_EMIT commandFinished(id, error);
+    if (m_device && id == m_deviceId)
+        returnDevice(error != QFtp::NoError);
+    Q_EMIT commandFinished(id, error != QFtp::NoError);
 }
 
 void FtpWorker::returnDevice(bool error)

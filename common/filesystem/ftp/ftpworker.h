@@ -67,7 +67,7 @@ private:
     int command(Call call);
     int transfer(QIODevice* device, Call call);
     void onDataTransferProgress(const QFtp& ftp, qint64 done, qint64 total);
-    void onCommandFinished(const QFtp& ftp, int id, bool error);
+    void onCommandFinished(int id, QFtp::Error error, const QString& text);
     void returnDevice(bool error);
 
     mutable QMutex m_mutex;    // guards what follows, up to the error's text

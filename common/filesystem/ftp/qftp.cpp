@@ -222,7 +222,7 @@ bool QFtp::hasPendingCommands() const
 
 void QFtp::clearPendingCommands()
 {
-    d->clearPendingCommands();
+    d->dropWaiting(tr("Aborted"), false);
 }
 
 QFtp::State QFtp::state() const

@@ -16,7 +16,8 @@ class QFtpPrivate;
 
 /// A client of FTP (RFC 959, 2428, 3659). Every method that does something with the server only puts it in a
 /// queue and gives its number; commandStarted() and commandFinished() tell the rest. A command that fails
-/// takes all behind it with it. Nothing blocks; all of it lives on the one thread that made it.
+/// takes all behind it with it, which commandDropped() tells. Nothing blocks; all of it lives on the one
+/// thread that made it.
 class QFtp : public QObject
 {
     Q_OBJECT
@@ -107,6 +108,8 @@ Q_SIGNALS:
     void fileSize(qint64 bytes);
     void commandStarted(int id);
     void commandFinished(int id, bool error);
+    /// It was waiting, and will not begin.
+    void commandDropped(int id, const QString& why);
     void done(bool error);
 
 private:

@@ -20,7 +20,8 @@ public:
     explicit QFtpPrivate(QFtp* q);
 
     int addCommand(std::unique_ptr<QFtpCommand> command);
-    void clearPendingCommands();
+    /// All but the current one. An end of the connection may be kept: that it is to end still holds.
+    void dropWaiting(const QString& why, bool keepsClose);
     void abort();
 
     QFtpPI pi;

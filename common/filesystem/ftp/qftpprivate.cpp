@@ -232,9 +232,7 @@ void QFtpPrivate::_q_piError(int code, const QString& text)
     error = QFtp::Error(code);
     errorString = described(text);
     pi.clearPendingCommands();
-    // What waited for this one goes with it; that the connection is to end still holds.
-    std::erase_if(pending,
-                  [command](const auto& one) { return one.get() != command && one->command != QFtp::Close; });
+    dropWaiting(errorString, true); // what waited for this one goes with it
     finish(true);
 }
 
@@ -246,19 +244,26 @@ void QFtpPrivate::_q_piConnectState(int newState)
         _q_piFinished(QFtp::tr("Connection closed"));
 }
 
-void QFtpPrivate::clearPendingCommands()
+void QFtpPrivate::dropWaiting(const QString& why, bool keepsClose)
 {
-    while (pending.size() > 1)
-        pending.pop_back();
+    QList<int> dropped;
+    std::erase_if(pending, [&](const auto& one) {
+        const bool goes = one.get() != current() && !(keepsClose && one->command == QFtp::Close);
+        if (goes)
+            dropped.append(one->id);
+        return goes;
+    });
+    for (const int id : std::as_const(dropped))
+        Q_EMIT m_q->commandDropped(id, why);
 }
 
 void QFtpPrivate::abort()
 {
-    clearPendingCommands();
     QFtpCommand* const command = current();
     if (!command)
         return;
     const QString why = QFtp::tr("Aborted");
+    dropWaiting(why, true);
     if (!command->isStarted)
         command->fault = why;
     else if (command->command == QFtp::ConnectToHost || command->command == QFtp::Login)

@@ -45,8 +45,10 @@ public:
     }
     void say(const QByteArray& text)
     {
-        if (m_control)
-            m_control->write(text);
+        if (!m_control)
+            return;
+        m_control->write(text);
+        m_control->flush();
     }
     void closeControl()
     {

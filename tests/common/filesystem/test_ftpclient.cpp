@@ -33,6 +33,7 @@ private Q_SLOTS:
     void wrongPassword();
     void keepsAlive();
     void listBehindKeepalive();
+    void writeBehindKeepalive();
     void abortIsFailure();
     void presizes();
     void leavesDuringTransfer();
@@ -272,6 +273,37 @@ void TestFtpClient::listBehindKeepalive()
     QVERIFY(isListed(QStringLiteral("/")));
 }
 
+/// Of a keepalive that has failed the client hears when it has sent the next command already.
+void TestFtpClient::writeBehindKeepalive()
+{
+    allowWarnings(QStringLiteral("Failed FTP command request"));
+    QVERIFY(open());
+    QBuffer device;
+    device.setData("abc");
+    device.open(QIODevice::ReadWrite);
+    QSignalSpy read(m_client.get(), &FtpClient::readFinished);
+    QVERIFY(m_client->read(QStringLiteral("/x"), &device, 0));
+    QThread* const worker = device.thread();
+    QVERIFY(worker != thread());
+    QVERIFY(QTest::qWaitFor([&] { return !read.isEmpty(); }));
+    m_server->answers["NOOP"] = "";
+    m_client->setKeepaliveInterval(10ms);
+    QVERIFY(QTest::qWaitFor([&] { return m_server->count("NOOP") == 1; }));
+    m_client->setKeepaliveInterval(60s);
+    m_server->say("500 no\r\n");
+    QObject there;
+    there.moveToThread(worker);
+    for (int i = 0; i < 10; ++i) // the worker has read what came by then
+        QMetaObject::invokeMethod(
+            &there, [] {}, Qt::BlockingQueuedConnection);
+    QSignalSpy written(m_client.get(), &FtpClient::writeFinished);
+    QVERIFY(m_client->write(QStringLiteral("/y"), &device, 0));
+    QVERIFY(QTest::qWaitFor([&] { return !written.isEmpty(); }));
+    QVERIFY(written.first().at(1).toBool());
+    QCOMPARE(device.thread(), thread());
+    QCOMPARE(m_server->received, QByteArray("abc"));
+}
+
 void TestFtpClient::abortIsFailure()
 {
     allowWarnings(QStringLiteral("Failed FTP command request"));
@@ -344,6 +376,13 @@ void TestFtpClient::leavesDuringTransfer()
     QVERIFY(beginsRead(&sink));
     QVERIFY(m_client->disconnectServer());
     QVERIFY(open());
+    // And one that is back before there was anything to leave.
+    QVERIFY(m_client->disconnectServer());
+    QVERIFY(QTest::qWaitFor([&] { return m_server->count("QUIT") == 3; }));
+    QVERIFY(QTest::qWaitFor([&] { return !m_client->isLoading(); }));
+    QVERIFY(m_client->connectToServer(m_server->host(), m_server->port()));
+    QVERIFY(m_client->disconnectServer());
+    QVERIFY(open());
 }
 
 void TestFtpClient::requestText()
@@ -358,10 +397,3 @@ void TestFtpClient::requestText()
 
 HALCYRA_TEST(TestFtpClient)
 #include "test_ftpclient.moc"
-    // And one that is back before there was anything to leave.
-    QVERIFY(m_client->disconnectServer());
-    QVERIFY(QTest::qWaitFor([&] { return m_server->count("QUIT") == 3; }));
-    QVERIFY(QTest::qWaitFor([&] { return !m_client->isLoading(); }));
-    QVERIFY(m_client->connectToServer(m_server->host(), m_server->port()));
-    QVERIFY(m_client->disconnectServer());
-    QVERIFY(open());
