@@ -2,6 +2,11 @@
 
 namespace vantrel {
 
+ClientListing FileSystemClient::takeListing(const QList<ClientFileSystemInfo>& entries)
+{
+    return ClientListing(entries);
+}
+
 bool FileSystemClient::size(const QString&)
 {
     return false;

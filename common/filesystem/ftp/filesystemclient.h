@@ -1,6 +1,6 @@
 #pragma once
 
-#include "common/filesystem/ftp/clientfilesysteminfo.h"
+#include "common/filesystem/ftp/clientlisting.h"
 
 #include <QObject>
 
@@ -54,6 +54,9 @@ public:
     /// Why the last command failed, as plain text that may come from the server; empty after one that did
     /// not.
     virtual QString lastErrorText() const { return {}; }
+    /// For who hears listFinished(), and only then: its entries as they are looked up and shown, which may be
+    /// made already. They are given away, so that whoever asks next has to wait for them.
+    virtual ClientListing takeListing(const QList<ClientFileSystemInfo>& entries);
     /// What a transfer may take of the line, also the one that runs; 0: all.
     virtual void setRateLimit(qint64 bytesPerSecond);
 

@@ -109,6 +109,11 @@ void FtpClient::abort()
         d->abort();
 }
 
+ClientListing FtpClient::takeListing(const QList<ClientFileSystemInfo>& entries)
+{
+    return d->takeListing(entries);
+}
+
 QString FtpClient::lastErrorText() const
 {
     return d->lastErrorText();

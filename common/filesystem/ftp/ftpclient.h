@@ -40,6 +40,7 @@ public:
     bool resumeWrite(const QString& path, QIODevice* device, qint64 offset) override;
     bool resumeRead(const QString& path, QIODevice* device, qint64 offset) override;
     QString lastErrorText() const override;
+    ClientListing takeListing(const QList<ClientFileSystemInfo>& entries) override;
     void setRateLimit(qint64 bytesPerSecond) override;
 
     /// How long the server may be silent while something is wanted of it.

@@ -11,6 +11,7 @@
 
 #include <chrono>
 #include <memory>
+#include <optional>
 
 namespace vantrel {
 
@@ -40,6 +41,7 @@ public:
     bool size(const QString& path);
     void abort();
     QString lastErrorText() const { return m_errorText; }
+    ClientListing takeListing(const QList<ClientFileSystemInfo>& entries);
     void setPatience(std::chrono::milliseconds patience) { m_worker->setPatience(patience); }
     void setRateLimit(qint64 bytesPerSecond) { m_worker->setRateLimit(bytesPerSecond); }
     void setReconnectUnit(std::chrono::milliseconds unit) { m_reconnectUnit = unit; }
@@ -48,24 +50,14 @@ public:
 private Q_SLOTS:
     void onFtpCommandFinished(int id, bool error);
     void onFtpStateChanged(int state);
-    void onFtpListInfo(const vantrel::QUrlInfo& info);
+    void onFtpListInfo(const vantrel::FtpListing& listing);
     void onFtpCommandStarted(int id);
     void onDataTransferProgressed(qint64 done, qint64 total);
     void onKeepaliveTimer();
     void onReconnectTimer();
 
 private:
-    struct PathType
-    {
-        ClientFileSystemType type = ClientFileSystemType::Unknown;
-        bool isSymLink = false;
-    };
-    struct Listing
-    {
-        int id = 0;
-        QString path;
-        QList<QUrlInfo> entries;
-    };
+    using Kinds = QHash<QString, FtpListing::Kind>;
     struct DeleteLater
     {
         void operator()(FtpWorker* worker) const;
@@ -81,7 +73,7 @@ private:
     void finishConnecting();
     void finishRename(const CommandRequest& request, bool succeeded);
     void finishFileListing(bool succeeded);
-    ClientFileSystemInfo infoOf(const QUrlInfo& entry) const;
+    std::optional<FtpListing::Kind> known(const QString& path) const;
     ClientFileSystemType getPathType(const QString& path) const;
     void rememberPath(const QString& path, ClientFileSystemType type, bool isSymLink = false);
     void forgetPath(const QString& path);
@@ -93,8 +85,10 @@ private:
     QTimer m_reconnectTimer;
     ClientCredentials m_credentials;
     CommandRequest m_active;
-    Listing m_listing;
-    QHash<QString, PathType> m_pathTypes; // by path without a "/" at its end
+    FtpListing m_listing;                    // of the active LIST
+    std::optional<ClientListing> m_prepared; // of the listing that is being told
+    QHash<QString, Kinds> m_listed;          // by directory, without a "/" at its end, and name
+    Kinds m_pathTypes;                       // what was made here, by path, likewise
     int m_lastState = QFtp::Unconnected;
     bool m_isReconnectEnabled = false;
     bool m_isLeaving = false; // disconnectServer() is on its way

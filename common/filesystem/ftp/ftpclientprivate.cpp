@@ -21,13 +21,6 @@ QFtp::State stateOf(int state)
     return static_cast<QFtp::State>(state);
 }
 
-/// What a link leads to is not known; media have a suffix, folders have none.
-bool looksLikeFile(const QString& name)
-{
-    const qsizetype dot = name.lastIndexOf(QLatin1Char('.'), -2);
-    return dot > 0;
-}
-
 } // namespace
 
 void FtpClientPrivate::DeleteLater::operator()(FtpWorker* worker) const
@@ -222,7 +215,7 @@ void FtpClientPrivate::clearActiveCommand()
 bool FtpClientPrivate::list(const QString& path)
 {
     const int id = m_worker->list(path);
-    m_listing = {id, path, {}};
+    m_listing = {id, path, {}, {}, {}};
     setActiveCommand(QFtp::List, id, QVariant(path));
     return true;
 }
@@ -230,7 +223,7 @@ bool FtpClientPrivate::list(const QString& path)
 bool FtpClientPrivate::remove(const QString& path)
 {
     // A link is a name in its folder, whatever it leads to.
-    const bool isSymLink = m_pathTypes.value(pathKey(path)).isSymLink;
+    const bool isSymLink = known(path).value_or(FtpListing::Kind()).isSymLink;
     const ClientFileSystemType type = isSymLink ? ClientFileSystemType::File : getPathType(path);
     if (type == ClientFileSystemType::File)
         setActiveCommand(QFtp::Remove, m_worker->removeFile(isSymLink ? pathKey(path) : path),
@@ -312,41 +305,30 @@ void FtpClientPrivate::abort()
 
 // ------------------------------------------------------------------ answers
 
-void FtpClientPrivate::onFtpListInfo(const QUrlInfo& info)
+void FtpClientPrivate::onFtpListInfo(const FtpListing& listing)
 {
     m_keepaliveTimer.start();
-    if (m_listing.id == 0) {
+    if (m_listing.id != listing.id)
         qCWarning(lcFtp, "Received FTP list info event, but no active file listing is running");
-        return;
-    }
-    const ClientFileSystemType type = info.isFile()  ? ClientFileSystemType::File
-                                      : info.isDir() ? ClientFileSystemType::Directory
-                                      : info.isSymLink() && looksLikeFile(info.name())
-                                          ? ClientFileSystemType::File
-                                      : info.isSymLink() ? ClientFileSystemType::Directory
-                                                         : ClientFileSystemType::Unknown;
-    rememberPath(createJoinedPath(m_listing.path, info.name(), info.isDir()), type, info.isSymLink());
-    m_listing.entries.append(info);
-}
-
-ClientFileSystemInfo FtpClientPrivate::infoOf(const QUrlInfo& entry) const
-{
-    const bool isDirectory = entry.isSymLink() ? !looksLikeFile(entry.name()) : entry.isDir();
-    return {isDirectory ? ClientFileSystemType::Directory : ClientFileSystemType::File, entry.name(),
-            createJoinedPath(m_listing.path, entry.name(), isDirectory), entry.size(), entry.isSymLink()};
+    else
+        m_listing = listing;
 }
 
 void FtpClientPrivate::finishFileListing(bool succeeded)
 {
-    QList<ClientFileSystemInfo> result;
-    result.reserve(m_listing.entries.size());
-    for (const QUrlInfo& entry : std::as_const(m_listing.entries))
-        result.append(infoOf(entry));
-    const QString path = m_listing.path;
-    m_listing = {};
-    qCDebug(lcFtp) << "Finished directory" << path << "listing with" << result.size()
+    FtpListing listing = std::exchange(m_listing, {});
+    if (succeeded)
+        m_listed[pathKey(listing.path)] = std::move(listing.kinds);
+    qCDebug(lcFtp) << "Finished directory" << listing.path << "listing with" << listing.entries.size()
                    << "entries. Succeeded:" << succeeded;
-    Q_EMIT m_q->listFinished(path, result, succeeded);
+    m_prepared = std::move(listing.listing);
+    Q_EMIT m_q->listFinished(listing.path, listing.entries, succeeded);
+    m_prepared.reset();
+}
+
+ClientListing FtpClientPrivate::takeListing(const QList<ClientFileSystemInfo>& entries)
+{
+    return m_prepared ? *std::exchange(m_prepared, std::nullopt) : ClientListing(entries);
 }
 
 void FtpClientPrivate::onFtpCommandStarted(int id)
@@ -368,7 +350,8 @@ void FtpClientPrivate::onFtpCommandFinished(int id, bool error)
         QDebug(&said) << "Failed FTP command request with ID:" << id << "- Current request:" << request
                       << ", error:" << code << "=" << text;
         // A server that is not there, a lost link and what was aborted are ordinary states.
-        if (code == QFtp::ConnectionRefused || code == QFtp::NotConnected || code == QFtp::NoError)
+        if (request.aborted || code == QFtp::ConnectionRefused || code == QFtp::NotConnected ||
+            code == QFtp::NoError)
             qCInfo(lcFtp).noquote() << said;
         else if (request.command == QFtp::Size)
             qCDebug(lcFtp).noquote() << said; // that a file is not there is an answer
@@ -444,7 +427,7 @@ void FtpClientPrivate::finishRename(const CommandRequest& request, bool succeede
     const QString to = request.path(1);
     const ClientFileSystemType type = getPathType(from);
     if (succeeded) {
-        rememberPath(to, type, m_pathTypes.value(pathKey(from)).isSymLink);
+        rememberPath(to, type, known(from).value_or(FtpListing::Kind()).isSymLink);
         forgetPath(from);
     }
     if (request.parameters.value(2).toBool())
@@ -473,19 +456,37 @@ QString FtpClientPrivate::pathKey(const QString& path)
 
 void FtpClientPrivate::rememberPath(const QString& path, ClientFileSystemType type, bool isSymLink)
 {
-    m_pathTypes.insert(pathKey(path), {type, isSymLink});
+    const QString key = pathKey(path);
+    m_pathTypes.insert(key, {type, isSymLink});
+    if (const auto directory = m_listed.find(pathKey(getParentPath(key))); directory != m_listed.end())
+        directory->insert(getNameInPath(key), {type, isSymLink});
 }
 
 void FtpClientPrivate::forgetPath(const QString& path)
 {
-    m_pathTypes.remove(pathKey(path));
+    const QString key = pathKey(path);
+    m_pathTypes.remove(key);
+    if (const auto directory = m_listed.find(pathKey(getParentPath(key))); directory != m_listed.end())
+        directory->remove(getNameInPath(key));
+}
+
+/// A listing has the last word, but not every server lists what is hidden.
+std::optional<FtpListing::Kind> FtpClientPrivate::known(const QString& path) const
+{
+    const QString key = pathKey(path);
+    const auto directory = m_listed.constFind(pathKey(getParentPath(key)));
+    if (directory != m_listed.cend()) {
+        if (const auto found = directory->constFind(getNameInPath(key)); found != directory->cend())
+            return *found;
+    }
+    const auto made = m_pathTypes.constFind(key);
+    return made == m_pathTypes.cend() ? std::nullopt : std::optional(*made);
 }
 
 ClientFileSystemType FtpClientPrivate::getPathType(const QString& path) const
 {
-    const auto known = m_pathTypes.constFind(pathKey(path));
-    if (known != m_pathTypes.constEnd())
-        return known->type;
+    if (const std::optional<FtpListing::Kind> kind = known(path))
+        return kind->type;
     qCDebug(lcFtp, "Unimplemented code.");
     return path.endsWith(QLatin1Char('/')) ? ClientFileSystemType::Directory : ClientFileSystemType::Unknown;
 }

@@ -14,7 +14,7 @@ FtpWorker::FtpWorker(QObject* parent)
     , m_home(QThread::currentThread())
 {
     setObjectName(QStringLiteral("ftp"));
-    qRegisterMetaType<QUrlInfo>();
+    qRegisterMetaType<FtpListing>();
 }
 
 FtpWorker::~FtpWorker()
@@ -32,7 +32,7 @@ void FtpWorker::run()
         m_state = QFtp::State(state);
         Q_EMIT stateChanged(state);
     });
-    connect(&ftp, &QFtp::listInfo, this, &FtpWorker::listInfo, Qt::DirectConnection);
+    connect(&ftp, &QFtp::listInfo, &ftp, [this](const QUrlInfo& info) { m_listing.add(info); });
     connect(&ftp, &QFtp::commandStarted, this, &FtpWorker::commandStarted, Qt::DirectConnection);
     connect(&ftp, &QFtp::dataTransferProgress, this, &FtpWorker::dataTransferProgress, Qt::DirectConnection);
     connect(&ftp, &QFtp::fileSize, this, &FtpWorker::fileSize, Qt::DirectConnection);
@@ -101,7 +101,13 @@ int FtpWorker::login(const QString& user, const QString& password)
 
 int FtpWorker::list(const QString& path)
 {
-    return command([=](QFtp& ftp) { ftp.list(path); });
+    const int id = QFtpCommand::nextId();
+    post([this, id, path](QFtp& ftp) {
+        m_listing = {id, path, {}, {}, {}};
+        ftp.setNextId(id);
+        ftp.list(path);
+    });
+    return id;
 }
 
 int FtpWorker::removeFile(const QString& path)
@@ -191,6 +197,8 @@ void FtpWorker::onCommandFinished(int id, QFtp::Error error, const QString& text
     }
     if (m_device && id == m_deviceId)
         returnDevice(error != QFtp::NoError);
+    if (id == m_listing.id)
+        Q_EMIT listInfo(std::exchange(m_listing, {}));
     Q_EMIT commandFinished(id, error != QFtp::NoError);
 }
 

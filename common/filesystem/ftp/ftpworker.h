@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/filesystem/ftp/ftplisting.h"
 #include "common/filesystem/ftp/qftp.h"
 
 #include <QMutex>
@@ -52,7 +53,8 @@ public:
 
 Q_SIGNALS:
     void stateChanged(int state);
-    void listInfo(const vantrel::QUrlInfo& info);
+    /// All of a listing at once, before its command is told to be finished.
+    void listInfo(const vantrel::FtpListing& listing);
     void dataTransferProgress(qint64 done, qint64 total);
     void fileSize(qint64 bytes);
     void commandStarted(int id);
@@ -81,6 +83,7 @@ private:
     QIODevice* m_device = nullptr;
     int m_deviceId = 0;
     bool m_isPresized = false;
+    FtpListing m_listing; // on the worker's thread, of the LIST under way or waiting
 };
 
 } // namespace vantrel

@@ -122,7 +122,7 @@ void ServerFileSystemPrivate::onListFinished(const QString& path, const QList<Cl
 {
     if (succeeded) {
         m_invalidPaths.remove(withoutTrailingSlash(path));
-        m_listings.store(path, entries);
+        m_listings.store(path, m_client->takeListing(entries));
         Q_EMIT m_q->directoryChanged(FileSystemDirectory::fromFullPath(path));
         return;
     }
@@ -171,6 +171,7 @@ QList<FileSystemFile> ServerFileSystemPrivate::parseFileList(const QString& path
                                                              const QList<ClientFileSystemInfo>& entries)
 {
     QList<FileSystemFile> files;
+    files.reserve(entries.size());
     const FileSystemDirectory directory = FileSystemDirectory::fromFullPath(path);
     for (const ClientFileSystemInfo& entry : entries)
         if (entry.type == ClientFileSystemType::File)

@@ -2,7 +2,7 @@
 
 #include "common/filesystem/model/pathhelpers.h"
 
-#include <QSet>
+#include <utility>
 
 namespace vantrel {
 
@@ -45,20 +45,6 @@ QString withoutTrailingSlash(const QString& path)
     return normal.size() > 1 && normal.endsWith(u'/') ? normal.chopped(1) : normal;
 }
 
-bool ServerListings::isShown(const ClientFileSystemInfo& entry)
-{
-    static const QSet<QString> suffixes = [] {
-        const QStringList all = allFileExtensions({});
-        return QSet<QString>(all.cbegin(), all.cend());
-    }();
-    if (entry.name.startsWith(u'.'))
-        return false;
-    if (entry.type != ClientFileSystemType::File)
-        return entry.type == ClientFileSystemType::Directory;
-    const qsizetype dot = entry.name.lastIndexOf(u'.');
-    return dot >= 0 && suffixes.contains(entry.name.mid(dot + 1).toLower());
-}
-
 DirectoryListingRequest* ServerListings::find(const QString& directory)
 {
     const auto found = m_listings.find(keyOf(directory));
@@ -96,19 +82,13 @@ void ServerListings::noteNoAnswer(const QString& directory)
         m_listings.erase(found);
 }
 
-void ServerListings::store(const QString& directory, const QList<ClientFileSystemInfo>& entries)
+void ServerListings::store(const QString& directory, ClientListing entries)
 {
     Listing& listing = m_listings[keyOf(directory)];
     listing.time = m_clock();
     listing.isAnswered = true;
-    listing.entries.clear();
-    listing.all.clear();
-    listing.all.reserve(entries.size());
-    for (const ClientFileSystemInfo& entry : entries) {
-        listing.all.insert(entry.name, entry);
-        if (isShown(entry))
-            listing.entries.append(entry);
-    }
+    listing.entries = std::move(entries.shown);
+    listing.all = std::move(entries.all);
 }
 
 bool ServerListings::markStale(const QString& directory)
@@ -150,7 +130,7 @@ void ServerListings::add(const QString& path, ClientFileSystemType type, qint64 
         if (parent->all.contains(entry.name))
             removeByName(parent->entries, entry.name);
         parent->all.insert(entry.name, entry);
-        if (isShown(entry))
+        if (ClientListing::isShown(entry))
             parent->entries.append(entry);
     }
 }
@@ -173,7 +153,7 @@ FileSystem::ItemType ServerListings::type(const QString& path) const
     if (withoutTrailingSlash(path) == QStringLiteral("/"))
         return FileSystem::Directory;
     const std::optional<ClientFileSystemInfo> found = entry(path);
-    return found && isShown(*found) ? itemType(found->type) : FileSystem::Unknown;
+    return found && ClientListing::isShown(*found) ? itemType(found->type) : FileSystem::Unknown;
 }
 
 std::optional<ClientFileSystemInfo> ServerListings::entry(const QString& path) const
@@ -189,7 +169,9 @@ std::optional<ClientFileSystemInfo> ServerListings::entry(const QString& path) c
 qint64 ServerListings::fileSize(const QString& path) const
 {
     const std::optional<ClientFileSystemInfo> found = entry(path);
-    return found && found->type == ClientFileSystemType::File && isShown(*found) ? found->sizeBytes : -1;
+    return found && found->type == ClientFileSystemType::File && ClientListing::isShown(*found)
+               ? found->sizeBytes
+               : -1;
 }
 
 } // namespace vantrel

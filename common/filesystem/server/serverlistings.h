@@ -1,6 +1,6 @@
 #pragma once
 
-#include "common/filesystem/ftp/clientfilesysteminfo.h"
+#include "common/filesystem/ftp/clientlisting.h"
 #include "common/filesystem/model/filesystem.h"
 
 #include <QHash>
@@ -43,8 +43,8 @@ public:
     void noteRequest(const QString& directory);
     /// No answer will come to the last request.
     void noteNoAnswer(const QString& directory);
-    /// An answer: all entries, shown or not.
-    void store(const QString& directory, const QList<ClientFileSystemInfo>& entries);
+    /// An answer.
+    void store(const QString& directory, ClientListing entries);
     /// False when it was never asked for.
     bool markStale(const QString& directory);
     /// It and all below it; gives those that somebody shows.
@@ -62,9 +62,6 @@ public:
     std::optional<ClientFileSystemInfo> entry(const QString& path) const;
     /// Bytes of a shown file; -1 for anything else.
     qint64 fileSize(const QString& path) const;
-
-    /// Media and directories, as far as they are not hidden: what a listing shows.
-    static bool isShown(const ClientFileSystemInfo& entry);
 
 private:
     struct Listing : DirectoryListingRequest

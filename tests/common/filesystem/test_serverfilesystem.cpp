@@ -367,7 +367,7 @@ private:
     FileSystemTarget target(const QString& path) { return {m_server.get(), path}; }
     void know(const QString& path, const QList<ClientFileSystemInfo>& entries)
     {
-        m_private->listings().store(path, entries);
+        m_private->listings().store(path, ClientListing(entries));
     }
     template <typename Operation, typename... Arguments>
     static QSharedPointer<Operation> make(Arguments&&... arguments)

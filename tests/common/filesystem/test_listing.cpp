@@ -1,0 +1,131 @@
+#include "common/filesystem/models/filesmodel.h"
+#include "common/filesystem/schedule/clientfactory.h"
+#include "common/filesystem/server/serverfilesystem.h"
+#include "tests/common/filesystem/scriptedftp.h"
+#include "tests/support/testmain.h"
+
+#include <QElapsedTimer>
+#include <QSemaphore>
+#include <QTest>
+#include <QThread>
+#include <QTimer>
+
+namespace vantrel::test {
+
+namespace {
+
+constexpr int names = 50'000;
+
+QByteArray listingOf(int count)
+{
+    QByteArray lines;
+    for (int i = 0; i < count; ++i)
+        lines += "-rw-r--r-- 1 media media " + QByteArray::number(1000 + i) + " Jan 10 2020 Shot " +
+                 QByteArray::number((i * 7919) % count) +
+                 (i % 10 == 0 ? " notes.txt\r\n" : " take one.mov\r\n");
+    return lines;
+}
+
+/// A server on a thread of its own, which costs the test's nothing.
+class FarServer : public QThread
+{
+public:
+    explicit FarServer(QByteArray content)
+        : m_content(std::move(content))
+    {
+        start();
+        m_isUp.acquire();
+    }
+    ~FarServer() override
+    {
+        quit();
+        wait();
+    }
+    quint16 port() const { return m_port; }
+
+protected:
+    void run() override
+    {
+        ScriptedFtp server;
+        server.content = m_content;
+        m_port = server.port();
+        m_isUp.release();
+        exec();
+    }
+
+private:
+    QByteArray m_content;
+    quint16 m_port = 0;
+    QSemaphore m_isUp;
+};
+
+/// What other threads have this one do.
+class CallCounter : public QObject
+{
+public:
+    CallCounter() { qApp->installEventFilter(this); }
+    int calls = 0;
+
+protected:
+    bool eventFilter(QObject*, QEvent* event) override
+    {
+        calls += event->type() == QEvent::MetaCall ? 1 : 0;
+        return false;
+    }
+};
+
+/// The longest that this thread's event loop was away from it.
+class StallWatch
+{
+public:
+    StallWatch()
+    {
+        m_clock.start();
+        QObject::connect(&m_beat, &QTimer::timeout, &m_beat, [this] {
+            longest = std::max(longest, double(m_clock.nsecsElapsed()) / 1e6);
+            m_clock.start();
+        });
+        m_beat.start(0);
+    }
+    double longest = 0; // milliseconds
+
+private:
+    QTimer m_beat;
+    QElapsedTimer m_clock;
+};
+
+} // namespace
+
+class TestListing : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    /// A folder of fifty thousand names does not hold up the window.
+    void manyNames()
+    {
+        FarServer far(listingOf(names));
+        ClientFactory clients;
+        ServerFileSystem server(QUrl(QStringLiteral("ftp://127.0.0.1:%1").arg(far.port())), &clients);
+        QVERIFY(server.connectToServer());
+        QTRY_VERIFY(server.isReady() && !server.isLoading());
+        FilesModel model(&server);
+        for (const char* what : {"first", "again"}) {
+            StallWatch watch;
+            const CallCounter counter;
+            QElapsedTimer clock;
+            clock.start();
+            model.setDirectoryPath(QString::fromLatin1(what[0] == 'f' ? "/many/" : "/more/"));
+            QTRY_COMPARE_WITH_TIMEOUT(model.count(), names * 9 / 10, 20000);
+            qInfo("%s: %lld ms from the question to the rows, longest stall %.1f ms", what,
+                  static_cast<long long>(clock.elapsed()), watch.longest);
+            QVERIFY2(counter.calls < names / 100, qPrintable(QString::number(counter.calls)));
+        }
+    }
+};
+
+HALCYRA_TEST(TestListing)
+
+} // namespace vantrel::test
+
+#include "test_listing.moc"
