@@ -11,6 +11,8 @@
 #include <QThreadPool>
 #include <QTimer>
 
+#include <functional>
+
 namespace vantrel {
 
 /// What FilesModel knows and does; lives and dies with it.
@@ -62,7 +64,8 @@ private:
     bool requestMetadata(const QString& path, int row);
     bool read();
     void readPlaces();
-    void arrange(FileRows rows);
+    void arrange(const FileRows& rows);
+    void arrange(std::size_t count, std::function<FileRows()> rows);
     void apply(RowChange change);
     void reset(FileRows rows);
     void removeRows(const std::vector<int>& rows);

@@ -12,6 +12,20 @@ constexpr qsizetype mostKnown = 4096;    // files whose metadata is kept
 constexpr std::size_t mostAsked = 1000;  // files whose durations are asked for to sort by them
 constexpr int resortDelay = 500;         // milliseconds in which further durations may come
 
+/// The way up is no item that somebody could select and remove: it is parentPath().
+FileRows rowsOf(const QList<FileSystemDirectory>& directories, const QList<FileSystemFile>& files)
+{
+    FileRows rows;
+    rows.reserve(static_cast<std::size_t>(directories.size() + files.size()));
+    for (const FileSystemDirectory& directory : directories) {
+        if (directory.name != QLatin1String("..") && directory.name != QLatin1String("."))
+            rows.push_back({directory.name, 0, true});
+    }
+    for (const FileSystemFile& file : files)
+        rows.push_back({file.name, file.sizeBytes, false});
+    return rows;
+}
+
 /// A new one each time: the picture may be another under the same address.
 QString thumbnailOf(const FileMetadata& metadata)
 {
@@ -124,18 +138,12 @@ bool FilesModelPrivate::read()
     const bool knowsFiles = m_fileSystem->getFiles(m_path, files);
     if (!knowsDirectories || !knowsFiles)
         return false;
-    FileRows rows;
-    rows.reserve(static_cast<std::size_t>(directories.size() + files.size()));
-    // The way up is no item that somebody could select and remove: it is parentPath().
-    for (const FileSystemDirectory& directory : std::as_const(directories)) {
-        if (directory.name != QLatin1String("..") && directory.name != QLatin1String("."))
-            rows.push_back({directory.name, 0, true});
-    }
-    for (const FileSystemFile& file : std::as_const(files))
-        rows.push_back({file.name, file.sizeBytes, false});
     qCDebug(lcFileSystem) << "File model for path" << m_path << "has" << directories.size() << "directories,"
                           << files.size() << "files and" << 0 << "home locations";
-    arrange(std::move(rows));
+    const auto count = static_cast<std::size_t>(directories.size() + files.size());
+    arrange(count, [directories = std::move(directories), files = std::move(files)] {
+        return rowsOf(directories, files);
+    });
     return true;
 }
 
@@ -158,21 +166,27 @@ void FilesModelPrivate::readPlaces()
     m_lastPath = m_path;
 }
 
-/// Sorts the rows and shows them: at once, or later when they are many.
-void FilesModelPrivate::arrange(FileRows rows)
+void FilesModelPrivate::arrange(const FileRows& rows)
+{
+    arrange(rows.size(), [rows] { return rows; });
+}
+
+/// Makes the rows, sorts and shows them: at once, or later when they are many, without this thread.
+void FilesModelPrivate::arrange(std::size_t count, std::function<FileRows()> rows)
 {
     const int round = ++m_round;
-    const auto work = [from = m_rows, sorting = m_sorting](FileRows to) {
+    auto work = [from = m_rows, sorting = m_sorting, rows = std::move(rows)] {
+        FileRows to = rows();
         sortRows(to, sorting);
         return changeRows(from, std::move(to));
     };
-    if (rows.size() <= mostAtOnce && m_rows.size() <= mostAtOnce) {
-        apply(work(std::move(rows)));
+    if (count <= mostAtOnce && m_rows.size() <= mostAtOnce) {
+        apply(work());
         return;
     }
     setWaiting(m_isNewPlace);
-    m_sorters.start([this, round, work, rows = std::move(rows)]() mutable {
-        auto change = std::make_shared<RowChange>(work(std::move(rows)));
+    m_sorters.start([this, round, work = std::move(work)] {
+        auto change = std::make_shared<RowChange>(work());
         // The destructor waits for this: the object is still here.
         QMetaObject::invokeMethod(
             this,
