@@ -26,15 +26,14 @@ std::int64_t sampleAt(double time)
 
 } // namespace
 
-AudioFeed::AudioFeed(std::filesystem::path file, double begin, std::string name,
-                     std::function<void()> arrived)
-    : m_file(std::move(file))
+AudioFeed::AudioFeed(MediaSource source, double begin, std::string name, std::function<void()> arrived)
+    : m_source(std::move(source))
     , m_name(std::move(name))
     , m_arrived(std::move(arrived))
     , m_seekTo(begin)
     , m_playedTo(sampleAt(begin))
 {
-    if (m_file.empty())
+    if (m_source.sequence)
         m_channels = 0;
 }
 
@@ -47,7 +46,7 @@ AudioFeed::~AudioFeed()
 
 void AudioFeed::start()
 {
-    if (m_file.empty())
+    if (m_source.sequence)
         return;
     m_idle = false;
     try {
@@ -184,7 +183,7 @@ void AudioFeed::run()
 void AudioFeed::decode()
 {
     std::string error;
-    const std::unique_ptr<SoundProgramme> reader = SoundProgramme::open(m_file, m_stop, &error);
+    const std::unique_ptr<SoundProgramme> reader = SoundProgramme::open(m_source.locate(), m_stop, &error);
     if (!reader) {
         playWithout(error);
         return;

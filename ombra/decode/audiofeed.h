@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ombra/decode/picturereader.h"
 #include "ombra/decode/soundprogramme.h"
 
 #include <condition_variable>
@@ -15,9 +16,9 @@ namespace vantrel::ombra {
 class AudioFeed
 {
 public:
-    /// For sound from begin (seconds) on; an empty file is a medium without sound. arrived is called on the
-    /// feed's thread when ready() has come true; name stands for the medium in the log.
-    AudioFeed(std::filesystem::path file, double begin, std::string name, std::function<void()> arrived);
+    /// For sound from begin (seconds) on; a sequence is a medium without. arrived is called on the feed's
+    /// thread when ready() has come true; name stands for the medium in the log.
+    AudioFeed(MediaSource source, double begin, std::string name, std::function<void()> arrived);
     ~AudioFeed();
     AudioFeed(const AudioFeed&) = delete;
     AudioFeed& operator=(const AudioFeed&) = delete;
@@ -55,7 +56,7 @@ private:
     bool isReady() const;
     std::int64_t bufferEnd() const;
 
-    const std::filesystem::path m_file;
+    const MediaSource m_source;
     const std::string m_name;
     const std::function<void()> m_arrived;
     std::atomic<bool> m_stop{false};

@@ -37,7 +37,6 @@ public:
     PictureFeed(const PictureFeed&) = delete;
     PictureFeed& operator=(const PictureFeed&) = delete;
 
-    const MediaSource& source() const { return m_source; }
     /// Opens the medium and begins to decode; once.
     void start();
     /// Ends that at once, without waiting for it: nothing comes any more. When idle(), letting the feed go

@@ -23,15 +23,21 @@ Ref<Surface> firstPicture(PictureReader& reader, std::string* error)
 
 } // namespace
 
+std::filesystem::path MediaSource::locate() const
+{
+    return url.empty() ? file : resolveMediaUrl(folder, url).value_or("");
+}
+
 std::unique_ptr<PictureReader> openReader(const MediaSource& source, Canvas canvas,
                                           const std::atomic<bool>& stop, std::string* error)
 {
-    const auto pattern = parseSequencePattern(source.file);
+    const std::filesystem::path file = source.locate();
+    const auto pattern = parseSequencePattern(file);
     std::error_code code;
-    if (pattern && (source.sequence || !std::filesystem::exists(source.file, code)))
+    if (pattern && (source.sequence || !std::filesystem::exists(file, code)))
         return SequenceReader::open(*pattern, source.sequence.value_or(SequenceRun{}), canvas, stop, error);
 
-    std::unique_ptr<AvInput> input = AvInput::open(source.file, stop, error);
+    std::unique_ptr<AvInput> input = AvInput::open(file, stop, error);
     if (!input)
         return nullptr;
     if (!input->video()) {

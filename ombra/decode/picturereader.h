@@ -44,11 +44,17 @@ struct SequenceRun
     friend bool operator==(const SequenceRun&, const SequenceRun&) = default;
 };
 
-/// What to open: a file, or the printf pattern of an image sequence and how it runs.
+/// What to open: a file, or the printf pattern of an image sequence and how it runs. Or the URL of either
+/// below a media folder, which is asked of the disk only where it is opened.
 struct MediaSource
 {
     std::filesystem::path file;
-    std::optional<SequenceRun> sequence;
+    std::optional<SequenceRun> sequence = {};
+    std::filesystem::path folder = {}; // of the URL
+    std::string url = {};
+
+    /// Asks the disk. Empty for a URL that leads out of the folder, which opens like any other missing file.
+    std::filesystem::path locate() const;
     friend bool operator==(const MediaSource&, const MediaSource&) = default;
 };
 

@@ -77,11 +77,9 @@ bool Channel::take(const Json& args, std::string* error)
     const Loaded cued = m_preview.loaded();
     const Loaded onAir = m_program.loaded();
     const std::optional<double> onAirAt = keep(m_program);
-    const std::shared_ptr<Deck> before = m_program.player().deck();
     std::shared_ptr<Deck> deck;
     if (!options.presetToggle) {
-        deck =
-            m_program.makeDeck(cued, keep(m_preview), SourcePlayState::Play, m_preview.player().deck().get());
+        deck = m_program.makeDeck(cued, keep(m_preview), SourcePlayState::Play);
     } else if ((deck = m_preview.player().release())) {
         // The very deck goes over, so that a playing preview runs on without a break.
         if (fromInpoint)
@@ -95,7 +93,7 @@ bool Channel::take(const Json& args, std::string* error)
     m_program.beginTake();
     if (options.presetToggle) {
         m_preview.setLoaded(onAir);
-        m_preview.player().load(m_preview.makeDeck(onAir, onAirAt, SourcePlayState::Pause, before.get()), {});
+        m_preview.player().load(m_preview.makeDeck(onAir, onAirAt, SourcePlayState::Pause), {});
     }
     m_studio.wake();
     return true;

@@ -17,12 +17,6 @@ constexpr double soundPatience = 0.5;
 /// Seconds by which a picture may miss its time: what falls between two moments of the mixing clock.
 constexpr double lateTolerance = 0.06;
 
-/// Sequences of pictures have no sound.
-std::filesystem::path soundFile(const MediaSource& source)
-{
-    return source.sequence ? std::filesystem::path() : source.file;
-}
-
 } // namespace
 
 Deck::Deck(MediaSource source, const MediaItem& item, EndAction endAction, Canvas canvas,
@@ -34,7 +28,7 @@ Deck::Deck(MediaSource source, const MediaItem& item, EndAction endAction, Canva
     , m_target(position.value_or(item.inpoint))
     , m_position(m_target)
     , m_begin(m_target)
-    , m_audio(soundFile(source), m_target, item.contentUrl, wake)
+    , m_audio(source, m_target, item.contentUrl, wake)
     , m_feed(std::move(source), canvas, m_target, item.contentUrl, wake, std::move(open))
 {
 }

@@ -36,7 +36,6 @@ public:
     void retire();
     bool idle() const { return m_audio.idle() && m_feed.idle(); }
 
-    const MediaSource& source() const { return m_feed.source(); }
     void setState(SourcePlayState state);
     void setEndAction(EndAction action) { m_endAction = action; }
     EndAction endAction() const { return m_endAction; }

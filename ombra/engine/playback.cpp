@@ -1,6 +1,5 @@
 #include "ombra/engine/playback.h"
 
-#include "ombra/decode/mediaurl.h"
 #include "tarn/log/log.h"
 #include "tarn/media/channelenums.h"
 #include "tarn/media/mediaenums.h"
@@ -117,7 +116,7 @@ void Playback::seekTo(double position)
     Deck& deck = *m_player.deck();
     const bool plays = deck.state() == SourcePlayState::Play && deck.landed() && !m_player.waiting();
     if (plays && !deck.holds(position))
-        m_player.seekBy(makeDeck(m_loaded, deck.seekable(position), SourcePlayState::Play, &deck));
+        m_player.seekBy(makeDeck(m_loaded, deck.seekable(position), SourcePlayState::Play));
     else
         deck.seek(position);
     m_studio.wake();
@@ -199,7 +198,6 @@ void Playback::load(const std::string& url, std::optional<MediaItem> item, Sourc
 
 void Playback::load(Loaded loaded, SourcePlayState state, bool transition)
 {
-    // Without the lock: a disk that hangs must not hold up what is on air.
     std::shared_ptr<Deck> deck = makeDeck(loaded, std::nullopt, state);
     const bool inList = loaded.item && loaded.item->mode == SourceMode::Playlist;
     const std::lock_guard lock(m_studio.lock);
@@ -228,15 +226,12 @@ Player::Transition Playback::transitionInto(const Loaded& loaded) const
 }
 
 std::shared_ptr<Deck> Playback::makeDeck(const Loaded& loaded, std::optional<double> position,
-                                         SourcePlayState state, const Deck* other) const
+                                         SourcePlayState state) const
 {
     if (!loaded.item)
         return nullptr;
-    // A URL that leads out of the folder gives an empty path, which plays like any other missing file.
-    MediaSource source =
-        other ? other->source()
-              : MediaSource{resolveMediaUrl(m_studio.mediaFolder, loaded.item->contentUrl).value_or(""),
-                            loaded.item->sequence};
+    // Its own threads ask the disk where it lies: one that hangs must not hold up anything else.
+    MediaSource source{{}, loaded.item->sequence, m_studio.mediaFolder, loaded.item->contentUrl};
     return std::make_shared<Deck>(std::move(source), *loaded.item, loaded.endAction, canvasOf(loaded),
                                   position, state, m_studio.wake, m_studio.open);
 }

@@ -73,9 +73,8 @@ public:
     /// done with what is loaded.
     bool sync();
     void setLoaded(Loaded loaded);
-    /// Asks the disk where the media lie, unless another deck of them is given.
     std::shared_ptr<Deck> makeDeck(const Loaded& loaded, std::optional<double> position,
-                                   SourcePlayState state, const Deck* other = nullptr) const;
+                                   SourcePlayState state) const;
     void beginTake() { m_taking = true; }
     Canvas canvasOf(const Loaded& loaded) const;
 

@@ -188,7 +188,7 @@ private Q_SLOTS:
         QCOMPARE(m_error, std::string());
         QVERIFY(!open("spoilt.mov"));
         QVERIFY(!m_error.empty());
-        AudioFeed spoilt(m_media.file("spoilt.mov"), 0, "spoilt.mov", [] {});
+        AudioFeed spoilt(MediaSource{m_media.file("spoilt.mov")}, 0, "spoilt.mov", [] {});
         spoilt.start();
         QTRY_COMPARE(spoilt.channels(), std::optional(0));
         QVERIFY(spoilt.ready());
@@ -215,7 +215,7 @@ private Q_SLOTS:
     void feedsAheadOfTheClock()
     {
         std::atomic<int> arrived{0};
-        AudioFeed feed(m_media.file("aac.mp4"), 0.5, "aac.mp4", [&] { ++arrived; });
+        AudioFeed feed(MediaSource{m_media.file("aac.mp4")}, 0.5, "aac.mp4", [&] { ++arrived; });
         feed.start();
         QTRY_VERIFY(feed.ready() && arrived > 0);
         QCOMPARE(feed.channels(), std::optional(2));

@@ -5,7 +5,10 @@
 #include "tests/ombra/decode/testmedia.h"
 #include "tests/support/testmain.h"
 
+#include <QElapsedTimer>
+
 #include <atomic>
+#include <optional>
 #include <thread>
 
 using namespace vantrel;
@@ -58,7 +61,7 @@ private:
             std::this_thread::yield();
         if (m_stop || m_number >= 250)
             return false;
-        out = {blackSurface({}), m_number / 25.0, 0.04};
+        out = {blackSurface({16, 9}), m_number / 25.0, 0.04};
         return true;
     }
 
@@ -75,10 +78,12 @@ class PlayerTest : public QObject
     Q_OBJECT
 
 private:
-    static std::shared_ptr<Deck> make(Disk& disk, double position = 0, bool opens = true)
+    static std::shared_ptr<Deck> make(Disk& disk, double position = 0, bool opens = true,
+                                      std::optional<double> outpoint = std::nullopt)
     {
         MediaItem item;
         item.contentUrl = "file:///fake";
+        item.outpoint = outpoint;
         // A sequence, since that has no sound to be opened.
         return std::make_shared<Deck>(
             MediaSource{"fake", SequenceRun{}}, item, EndAction::Pause, Canvas{}, position,
@@ -115,7 +120,7 @@ private:
 private Q_SLOTS:
     void init()
     {
-        m_disk.opened = m_hanging.opened = m_hanging.mostOpen = 0;
+        m_disk.opened = m_disk.mostOpen = m_hanging.opened = m_hanging.mostOpen = 0;
         m_hanging.answers = false;
         m_now = 0;
         m_player = std::make_unique<Player>(blackSurface({}), true);
@@ -203,6 +208,54 @@ private Q_SLOTS:
         QTRY_VERIFY((moment(), !m_player->waiting() && newest->landed()));
         QTRY_COMPARE((moment(), m_hanging.open.load()), 0);
         QCOMPARE(m_disk.opened.load(), 1);
+    }
+
+    /// Entries of a list, each with those that are held to follow it.
+    void listsOpenNoMoreThanTheyCanClose()
+    {
+        for (int i = 0; i < 1000; ++i) {
+            m_now += 0.001;
+            m_player->load(make(m_disk, 0, true, 1.0), {}, true);
+            QTRY_VERIFY((moment(), i % 10 != 0 || !m_player->waiting()));
+            while (m_player->wantsFollowing())
+                m_player->follow(make(m_disk, 0, true, 1.0), {}, false);
+            (void)moment();
+        }
+        QVERIFY2(m_disk.mostOpen <= 16, qPrintable(QString::number(m_disk.mostOpen)));
+        m_player->load(nullptr, {});
+        QTRY_COMPARE((moment(), m_disk.open.load()), 0);
+    }
+
+    /// Two decks in turn, and nothing adds up: after an hour a loop of two seconds stands where it should.
+    void loopsForAnHour()
+    {
+        constexpr int rate = 25, loop = 2 * rate; // pictures
+        const auto until = [this](const auto& condition) {
+            QElapsedTimer clock;
+            for (clock.start(); clock.elapsed() < 10000;) {
+                (void)moment();
+                if (condition())
+                    return true;
+                std::this_thread::yield();
+            }
+            return false;
+        };
+        m_player->load(make(m_disk, 0, true, 2.0), {});
+        QVERIFY(until([&] { return !m_player->waiting(); }));
+        m_player->follow(make(m_disk, 0, true, 2.0), {}, true);
+        for (int i = 1; i <= 3600 * rate; ++i) {
+            const auto isPrepared = [&] {
+                bool prepared = false;
+                m_player->forFollowing([&](Deck& deck, auto&) { prepared = deck.prepared(); });
+                return prepared;
+            };
+            QVERIFY2(i % loop != loop / 2 || until(isPrepared), qPrintable(QString::number(m_now)));
+            m_now = double(i) / rate;
+            const double position = double(i % loop) / rate;
+            QVERIFY2(until([&] { return qAbs(m_player->deck()->position() - position) < 1e-6; }),
+                     qPrintable(QStringLiteral("%1: %2").arg(m_now).arg(m_player->deck()->position())));
+        }
+        QCOMPARE(m_disk.opened.load(), 2);
     }
 };
 
