@@ -2,7 +2,6 @@
 
 #include "common/media/address/medialogging.h"
 #include "common/media/library/editqueue.h"
-#include "common/media/library/endreply.h"
 #include "common/media/library/librarychanges.h"
 #include "common/media/library/libraryreading.h"
 #include "tarn/media/medialibrary.h"
@@ -200,7 +199,7 @@ void MediaLibraryApi::stopListening()
     m_silence->stop();
     QNetworkReply* stream = m_stream;
     m_stream = nullptr;
-    endReply(stream);
+    stream->abort();
     stream->disconnect(this);
     stream->deleteLater();
 }

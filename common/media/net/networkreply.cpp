@@ -1,7 +1,5 @@
 #include "common/media/net/networkreply.h"
 
-#include "common/media/library/endreply.h"
-
 namespace vantrel {
 
 namespace {
@@ -25,7 +23,8 @@ NetworkReply::~NetworkReply()
     if (!m_reply)
         return;
     m_reply->disconnect(this);
-    abort();
+    if (m_reply->isRunning())
+        m_reply->abort();
     m_reply->deleteLater();
 }
 
@@ -41,7 +40,8 @@ bool NetworkReply::isRunning() const
 
 void NetworkReply::abort()
 {
-    endReply(m_reply);
+    if (m_reply)
+        m_reply->abort();
 }
 
 // A reply that went with its manager counts as cancelled.

@@ -1,6 +1,5 @@
 #include "common/session/link/systemproxy.h"
 
-#include "common/media/library/endreply.h"
 #include "common/session/link/connectionhandler.h"
 #include "common/session/session.h"
 #include "common/session/settings/sessionlogging.h"
@@ -43,7 +42,8 @@ void SystemProxy::onConnected()
         if (reply->bytesAvailable() >= maxAnswer)
             reply->abort();
     });
-    endReply(earlier);
+    if (earlier)
+        earlier->abort();
 }
 
 void SystemProxy::onFinished(QNetworkReply* reply)

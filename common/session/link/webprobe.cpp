@@ -1,7 +1,5 @@
 #include "common/session/link/webprobe.h"
 
-#include "common/media/library/endreply.h"
-
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
 #include <QUrl>
@@ -34,7 +32,7 @@ void WebProbe::setHost(const QString& host)
     m_host = host;
     if (m_reply) {
         m_reply->disconnect(this);
-        endReply(m_reply);
+        m_reply->abort();
         m_reply->deleteLater();
     }
     if (host.isEmpty())
