@@ -5,8 +5,6 @@
 #include "common/media/edit/playlist/addplaylistcommand.h"
 #include "common/media/edit/playlist/renameplaylistcommand.h"
 #include "common/media/items/abstractplaylistprovider.h"
-#include "common/media/items/guiplaylist.h"
-#include "common/media/items/mimedata.h"
 #include "common/media/library/medialibraryapi.h"
 #include "common/media/models/playbackmodel.h"
 #include "common/media/models/playlist/playlisteditormodel.h"
@@ -14,27 +12,22 @@
 #include "common/session/settings/configuration.h"
 #include "common/session/settings/timeutils.h"
 #include "common/ui/keyboard/hotkeytip.h"
-#include "common/ui/style/colors.h"
 #include "common/ui/style/fontsizefollower.h"
-#include "common/ui/style/iconcache.h"
 #include "common/ui/style/spacing.h"
 #include "common/ui/toolkit/elidedlabel.h"
 #include "common/ui/toolkit/iconbutton.h"
-#include "common/ui/toolkit/ztdrag.h"
 #include "common/ui/toolkit/ztdropdownmenu.h"
 #include "common/ui/toolkit/ztedit.h"
 #include "common/views/playlist/listclock.h"
+#include "common/views/playlist/playlistgrip.h"
 #include "common/views/playlist/playlistlogging.h"
 #include "tarn/media/medialibrary.h"
 #include "util/clocktime.h"
 
-#include <QApplication>
 #include <QEvent>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLineEdit>
-#include <QMimeData>
-#include <QMouseEvent>
 #include <QUndoStack>
 
 namespace vantrel {
@@ -96,7 +89,9 @@ void PlaylistEditorHeader::buildPreview()
     auto* row = new QHBoxLayout(this);
     row->setContentsMargins(0, 0, 0, 0);
     row->setSpacing(spacing::tight);
-    buildGrip(row);
+    m_grip = new PlaylistGrip(m_sources.model, this);
+    m_grip->setObjectName(prefix() + QStringLiteral("-grip"));
+    row->addWidget(m_grip);
     m_dropdown = new ZTDropdownMenu(this);
     m_dropdown->setObjectNames(prefix() + QStringLiteral("-dropdown"));
     m_dropdown->setAccessibleName(tr("Playlist"));
@@ -125,30 +120,6 @@ void PlaylistEditorHeader::buildPreview()
     connect(m_pin, &QAbstractButton::toggled, this, &PlaylistEditorHeader::editorPinned);
     connect(m_context, &QAbstractButton::clicked, this, &PlaylistEditorHeader::contextMenu);
     followFontSize(this, [this](FontSize) { fit(); });
-}
-
-void PlaylistEditorHeader::buildGrip(QHBoxLayout* row)
-{
-    m_grip = new ZTLabel(this);
-    m_grip->setObjectName(prefix() + QStringLiteral("-grip"));
-    m_grip->setToolTip(tr("Drag the playlist to program from here"));
-    m_grip->setCursor(Qt::OpenHandCursor);
-    m_grip->installEventFilter(this);
-    followFontSize(m_grip, [this](FontSize size) {
-        const int side = iconExtent(size);
-        m_grip->setPixmap(IconCache::pixmap(QStringLiteral("playlist"), colors::getColor(colors::Zt_white_70),
-                                            {side, side}, devicePixelRatioF()));
-    });
-    row->addWidget(m_grip);
-}
-
-void PlaylistEditorHeader::dragList()
-{
-    const auto list = m_sources.model->playlistProvider()->playlist(displayedPlaylist());
-    if (list)
-        ZTDrag::startDrag(
-            m_grip, createMimeData({list->toJson()}, MimeItemCategory::Playlist, MediaItemType::Playlist),
-            Qt::CopyAction, tr("Playlist %1: %2").arg(list->number()).arg(list->name()));
 }
 
 void PlaylistEditorHeader::buildProgram()
@@ -534,16 +505,6 @@ void PlaylistEditorHeader::rename(uint playlist, const QString& name)
 bool PlaylistEditorHeader::eventFilter(QObject* watched, QEvent* event)
 {
     const auto type = event->type();
-    if (watched == m_grip && (type == QEvent::MouseButtonPress || type == QEvent::MouseMove)) {
-        const auto* mouse = static_cast<const QMouseEvent*>(event);
-        const QPoint at = mouse->position().toPoint();
-        if (type == QEvent::MouseButtonPress)
-            m_gripPressed = at;
-        else if (mouse->buttons().testFlag(Qt::LeftButton) &&
-                 (at - m_gripPressed).manhattanLength() >= QApplication::startDragDistance())
-            dragList();
-        return true;
-    }
     if (watched == m_dropdown && (type == QEvent::Resize || type == QEvent::Move))
         placeNameField();
     if (watched == m_nameField && type == QEvent::FocusOut) {

@@ -23,6 +23,7 @@ class ListClock;
 class MediaLibraryApi;
 class PlaybackModel;
 class PlaylistEditorModel;
+class PlaylistGrip;
 class PlaylistLibraryModel;
 class ZTDropdownMenu;
 class ZTEdit;
@@ -99,8 +100,6 @@ private:
     void buildProgram();
     void buildDuration(QHBoxLayout* row);
     IconButton* addButton(QHBoxLayout* row, const QString& icon, const char* suffix, const QString& tip);
-    void buildGrip(QHBoxLayout* row);
-    void dragList();
     void connectModels();
     void showList();
     void showClock();
@@ -116,7 +115,7 @@ private:
     PlaybackViewMode m_mode;
     Sources m_sources;
     ListClock* m_clock = nullptr;
-    ZTLabel* m_grip = nullptr; // by which the whole list is dragged
+    PlaylistGrip* m_grip = nullptr;
     ZTDropdownMenu* m_dropdown = nullptr;
     IconButton* m_edit = nullptr;
     IconButton* m_new = nullptr;
@@ -135,7 +134,6 @@ private:
     uint m_lost = 0;               // the list that was shown and is no more
     uint m_naming = 0;             // the list whose name is typed
     ZTEdit* m_nameField = nullptr; // over the drop-down, which shows what the library says
-    QPoint m_gripPressed;
     bool m_isHeld = false;
     bool m_isReadAnew = false; // the library, since the list was shown last
     bool m_isOneLine = false;
