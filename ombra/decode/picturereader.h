@@ -55,7 +55,6 @@ struct MediaSource
 
     /// Asks the disk. Empty for a URL that leads out of the folder, which opens like any other missing file.
     std::filesystem::path locate() const;
-    friend bool operator==(const MediaSource&, const MediaSource&) = default;
 };
 
 /// Reads the pictures of one medium in order. One thread at a time; calls block while they decode. The flag
