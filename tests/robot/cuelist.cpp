@@ -250,6 +250,17 @@ void CueList::byMouse()
     QVERIFY(onAir(isRed));
     QTRY_VERIFY(!m_robot.cells(program).isEmpty());
     QTRY_COMPARE(nextText(), QStringLiteral("Next: 1 2 blue"));
+
+    // Another goes on air, and then the whole list by its grip.
+    QVERIFY(m_robot.mouse(QStringLiteral("double_click"), cell(list, 1, nameColumn)));
+    QTRY_COMPARE(m_robot.text(QStringLiteral("Preview-PlaybackWidget-Header-MediaLocation")),
+                 QStringLiteral("1:"));
+    QVERIFY(m_robot.click(QStringLiteral("TakeControls-Take-Button")));
+    QVERIFY(onAir(isBlue));
+    QJsonObject grip = m_robot.waitFor(head + QStringLiteral("-grip")); // by its left edge: it is narrow
+    grip["global_x"] = grip["global_x"].toInt() - grip["width"].toInt() / 2 + 2;
+    QVERIFY(drag(grip, m_robot.waitFor(program)));
+    QVERIFY(onAir(isRed));
     undoAndRedoAll();
 }
 
