@@ -59,6 +59,7 @@ PlaylistContainer::PlaylistContainer(const QSet<PlaybackViewMode>& modes, bool e
     m_view->setHorizontalHeader(m_header);
     m_view->setItemDelegate(m_delegate);
     m_view->setEditable(editable);
+    m_view->viewport()->installEventFilter(this); // the scroll bar takes room as well
     if (modes.contains(Program))
         m_header->setTitle(Column::SizeColumn, tr("Ends"));
     m_header->setTitle(Column::TransitionDurationColumn, tr("Time"));
@@ -223,10 +224,11 @@ void PlaylistContainer::changeEvent(QEvent* event)
         m_headers.start();
 }
 
-void PlaylistContainer::resizeEvent(QResizeEvent* event)
+bool PlaylistContainer::eventFilter(QObject* watched, QEvent* event)
 {
-    ZTFrame::resizeEvent(event);
-    m_headers.start();
+    if (watched == m_view->viewport() && event->type() == QEvent::Resize)
+        m_headers.start();
+    return ZTFrame::eventFilter(watched, event);
 }
 
 } // namespace vantrel

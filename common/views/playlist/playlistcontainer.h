@@ -49,7 +49,7 @@ Q_SIGNALS:
     void entryDragStarted(QModelIndex index);
 
 protected:
-    void resizeEvent(QResizeEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
     void changeEvent(QEvent* event) override;
 
 private:

@@ -12,6 +12,7 @@
 #include <QAction>
 #include <QFile>
 #include <QFileDialog>
+#include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
@@ -37,6 +38,7 @@ private Q_SLOTS:
     void listsOnProgramKeepTheirNumbers();
     void listsAreChosen();
     void numbersAreShownWhole();
+    void nothingIsBelowTheScrollBar();
     void columnsThatGaveWayAreEdited();
     void filesComeAndGo();
     void listsStayInReachWithoutAServer();
@@ -166,6 +168,20 @@ void TestPlaylistPages::numbersAreShownWhole()
         }
     }
     configuration()->resetValue(TEXT_SIZE);
+}
+
+/// The bar comes when the list has become long enough, and takes its room from the name.
+void TestPlaylistPages::nothingIsBelowTheScrollBar()
+{
+    const QHeaderView* header = m_view->horizontalHeader();
+    const int last = header->logicalIndexAt(m_view->viewport()->width() - 2);
+    m_editor->container()->updateHeaders();
+    const int needed = header->sectionSize(last);
+    const int room = m_view->viewport()->width();
+    m_view->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
+    QTRY_VERIFY(m_view->viewport()->width() < room);
+    QTRY_COMPARE(header->length(), m_view->viewport()->width());
+    QTRY_COMPARE(header->sectionSize(last), needed); // what is too much is taken from it first
 }
 
 /// The editor of a column that has given way is seen all the same, and the order that it makes is named.
