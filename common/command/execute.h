@@ -37,14 +37,15 @@ bool tryExecute(QUndoStack* stack, Args&&... args)
     return command->init(std::forward<Args>(args)...) && submit(stack, std::move(command));
 }
 
-/// The same, and a refusal is a warning. name: the command's in the log.
+/// The same, and a refusal of init is a warning. name: the command's in the log.
 template <typename Command, typename... Args>
 bool execute(QUndoStack* stack, const char* name, Args&&... args)
 {
-    const bool isDone = tryExecute<Command>(stack, std::forward<Args>(args)...);
-    if (!isDone)
-        qCWarning(lcCommand) << "Failed to init" << name;
-    return isDone;
+    auto command = std::make_unique<Command>();
+    if (stack && command->init(std::forward<Args>(args)...))
+        return submit(stack, std::move(command));
+    qCWarning(lcCommand) << "Failed to init" << name;
+    return false;
 }
 
 } // namespace vantrel
