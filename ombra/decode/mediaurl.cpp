@@ -1,5 +1,7 @@
 #include "ombra/decode/mediaurl.h"
 
+#include "tarn/media/imagesequenceformat.h"
+
 #include <algorithm>
 #include <charconv>
 
@@ -69,26 +71,15 @@ std::optional<std::filesystem::path> resolveMediaUrl(const std::filesystem::path
 
 std::filesystem::path SequencePattern::file(int number) const
 {
-    std::string digits = std::to_string(number);
-    if (digits.size() < static_cast<std::size_t>(width))
-        digits.insert(0, static_cast<std::size_t>(width) - digits.size(), '0');
-    return prefix + digits + suffix;
+    return ImageSequenceFormat(prefix, width, suffix).file(static_cast<std::size_t>(number));
 }
 
 std::optional<SequencePattern> parseSequencePattern(const std::filesystem::path& path)
 {
-    const std::string text = path.string();
-    const std::size_t name = text.rfind('/') == std::string::npos ? 0 : text.rfind('/') + 1;
-    for (std::size_t at = text.find('%', name); at != std::string::npos; at = text.find('%', at + 1)) {
-        int width = 0;
-        const char* begin = text.data() + at + 1;
-        const char* end = text.data() + text.size();
-        const auto [rest, code] = std::from_chars(begin, end, width);
-        if (code != std::errc() || rest - begin < 2 || rest == end || *rest != 'd' || width < 1 || width > 9)
-            continue;
-        return SequencePattern{text.substr(0, at), std::string(rest + 1, end), width};
-    }
-    return std::nullopt;
+    const auto format = ImageSequenceFormat::parse(path.native());
+    if (!format)
+        return std::nullopt;
+    return SequencePattern{format->prefix(), format->suffix(), format->width()};
 }
 
 std::filesystem::path sequencePicture(const SequencePattern& pattern, int number)

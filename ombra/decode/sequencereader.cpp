@@ -12,13 +12,14 @@ std::unique_ptr<SequenceReader> SequenceReader::open(const SequencePattern& patt
                                                      Canvas canvas, const std::atomic<bool>& stop,
                                                      std::string* error)
 {
-    const auto range = findSequenceRange(pattern);
     std::unique_ptr<SequenceReader> reader(new SequenceReader(pattern, canvas, stop));
-    if (range) {
-        reader->m_first = std::max(run.firstFrame.value_or(range->first), range->first);
-        reader->m_last = std::min(run.lastFrame.value_or(range->second), range->second);
+    reader->m_numbers = findSequenceNumbers(pattern);
+    const std::vector<int>& numbers = reader->m_numbers;
+    if (!numbers.empty()) {
+        reader->m_first = std::max(run.firstFrame.value_or(numbers.front()), numbers.front());
+        reader->m_last = std::min(run.lastFrame.value_or(numbers.back()), numbers.back());
     }
-    if (!range || reader->m_last < reader->m_first) {
+    if (numbers.empty() || reader->m_last < reader->m_first) {
         if (error)
             *error = "the image sequence has no pictures";
         return nullptr;
@@ -53,21 +54,45 @@ bool SequenceReader::load(int index, Picture& out)
 {
     if (m_stop)
         return false;
-    const std::filesystem::path file = sequencePicture(m_pattern, m_first + index);
-    std::string error = "it is a link that leads elsewhere";
-    Ref<Surface> surface = file.empty() ? nullptr : decodeStill(file, m_canvas, m_stop, &error);
-    if (surface) {
-        m_surface = std::move(surface);
-    } else if (!m_complained) {
-        m_complained = true;
-        Log::write_fmt(LogLevel::Warning, {}, "vantrel.decode", "Cannot read picture '%s' of a sequence: %s",
-                       m_pattern.file(m_first + index).c_str(), error.c_str());
-    }
+    const int wanted = m_first + index;
+    if (!show(wanted))
+        showBefore(wanted);
     if (!m_surface)
         m_surface = blackSurface(m_canvas);
     m_index = index;
     out = {m_surface, index / m_fps, 1 / m_fps};
     return true;
+}
+
+/// False, and the picture as it was, for one that is missing or damaged.
+bool SequenceReader::show(int number)
+{
+    const std::filesystem::path file = sequencePicture(m_pattern, number);
+    std::string error = "it is a link that leads elsewhere";
+    Ref<Surface> surface = file.empty() ? nullptr : decodeStill(file, m_canvas, m_stop, &error);
+    if (surface) {
+        m_surface = std::move(surface);
+        m_shown = number;
+        return true;
+    }
+    if (!m_complained && !m_stop) {
+        m_complained = true;
+        Log::write_fmt(LogLevel::Warning, {}, "vantrel.decode", "Cannot read picture '%s' of a sequence: %s",
+                       m_pattern.file(number).c_str(), error.c_str());
+    }
+    return false;
+}
+
+/// Where a picture is missing, the nearest before it is shown, wherever the reader comes from.
+void SequenceReader::showBefore(int number)
+{
+    constexpr int damagedInARow = 4; // each of them costs a decoding
+    auto before = std::ranges::lower_bound(m_numbers, number);
+    for (int tries = 0; before != m_numbers.begin() && tries < damagedInARow && !m_stop; ++tries) {
+        --before;
+        if (*before == m_shown || show(*before))
+            return;
+    }
 }
 
 } // namespace vantrel::ombra

@@ -4,6 +4,8 @@
 #include "ombra/decode/picturereader.h"
 #include "tarn/media/mediaenums.h"
 
+#include <vector>
+
 namespace vantrel::ombra {
 
 /// An image sequence: one file a picture. A missing or damaged file shows the picture before it.
@@ -32,6 +34,8 @@ private:
     double count() const { return double(m_last) - m_first + 1; }
     int indexAt(double time) const;
     bool load(int index, Picture& out);
+    bool show(int number);
+    void showBefore(int number);
 
     SequencePattern m_pattern;
     Canvas m_canvas;
@@ -39,7 +43,9 @@ private:
     double m_fps = 25;
     int m_first = 0;
     int m_last = 0;
-    int m_index = -1; // of the picture read last, from 0
+    int m_index = -1;           // of the picture read last, from 0
+    std::vector<int> m_numbers; // of the pictures that there were when it was opened
+    int m_shown = -1;           // the number of what is in the surface
     Ref<Surface> m_surface;
     bool m_complained = false;
 };

@@ -1,6 +1,9 @@
 #include "ombra/show/contenturl.h"
 
-#include <charconv>
+#include "tarn/media/imagesequenceformat.h"
+#include "tarn/media/numberfields.h"
+
+#include <algorithm>
 #include <string_view>
 
 namespace vantrel::ombra {
@@ -24,34 +27,21 @@ std::string contentUrl(const std::filesystem::path& relative)
     return url;
 }
 
-std::string NumberedName::pattern(int width) const
-{
-    return prefix + "%0" + std::to_string(width) + "d" + suffix;
-}
-
-std::optional<NumberedName> parseNumberedName(const std::string& fileName)
-{
-    constexpr std::string_view decimal = "0123456789";
-    const std::size_t dot = fileName.rfind('.');
-    if (dot == std::string::npos || dot == 0)
-        return std::nullopt;
-    const std::size_t before = fileName.find_last_not_of(decimal, dot - 1);
-    const std::size_t start = before == std::string::npos ? 0 : before + 1;
-    NumberedName name{fileName.substr(0, start), fileName.substr(dot), 0, static_cast<int>(dot - start),
-                      false};
-    if (name.digits < 1 || name.digits > 9)
-        return std::nullopt;
-    std::from_chars(fileName.data() + start, fileName.data() + dot, name.number);
-    name.padded = name.digits > 1 && fileName[start] == '0';
-    return name;
-}
-
 std::vector<std::string> sequencePatterns(const std::string& fileName)
 {
     std::vector<std::string> patterns;
-    if (const auto name = parseNumberedName(fileName)) {
-        for (int width = name->padded ? name->digits : 1; width <= name->digits; ++width)
-            patterns.push_back(name->pattern(width));
+    std::vector<NumberField> fields;
+    findNumberFields(fileName, fields);
+    for (const NumberField& field : fields) {
+        const int digits = static_cast<int>(std::min<std::size_t>(field.length, 100));
+        if (digits > ImageSequenceFormat::maxWidth ||
+            !beginsWithSuffix(std::string_view(fileName).substr(field.end())))
+            continue;
+        const bool isPadded = digits > 1 && fileName[field.start] == '0';
+        for (int width = isPadded ? digits : 1; width <= digits; ++width)
+            patterns.push_back(
+                ImageSequenceFormat(fileName.substr(0, field.start), width, fileName.substr(field.end()))
+                    .toString());
     }
     return patterns;
 }

@@ -2,7 +2,8 @@
 
 #include "ombra/show/contenturl.h"
 #include "tarn/log/log.h"
-#include "util/mediasuffixes.h"
+#include "tarn/media/imgseqanalyzer.h"
+#include "tarn/media/mediasuffixes.h"
 
 #include <algorithm>
 #include <map>
@@ -15,7 +16,7 @@ namespace vantrel::ombra {
 namespace {
 
 constexpr double sequenceRate = 25; // frames a second, until somebody says otherwise
-constexpr int sequenceMinimum = 3;  // fewer numbered pictures are just pictures
+constexpr std::size_t sequenceMinimum = 3;
 
 /// In small letters and without the dot.
 std::string suffixOf(const std::filesystem::path& path)
@@ -27,15 +28,11 @@ std::string suffixOf(const std::filesystem::path& path)
     return suffix;
 }
 
-bool isStill(const std::filesystem::path& path)
-{
-    return std::ranges::find(playedPictureSuffixes, suffixOf(path)) != playedPictureSuffixes.end();
-}
-
 bool isMedia(const std::filesystem::path& path)
 {
-    return isStill(path) ||
-           std::ranges::find(playedMovieSuffixes, suffixOf(path)) != playedMovieSuffixes.end();
+    const std::string suffix = suffixOf(path);
+    return std::ranges::find(playedPictureSuffixes, suffix) != playedPictureSuffixes.end() ||
+           std::ranges::find(playedMovieSuffixes, suffix) != playedMovieSuffixes.end();
 }
 
 std::vector<std::filesystem::path> listFiles(const std::filesystem::path& folder)
@@ -61,94 +58,52 @@ std::vector<std::filesystem::path> listFiles(const std::filesystem::path& folder
     return files;
 }
 
-/// Which sequence each numbered picture belongs to. Numbers that outgrow the others' digits go on with them,
-/// 995 to 1006, unless there are padded ones of their own length.
-class SequenceFinder
+/// Few pictures are just pictures where nobody looks at what was found: "logo1" to "logo9" are none of a
+/// sequence either.
+bool isSurelySequence(const ImageSequenceInfo& sequence)
 {
-public:
-    struct Range
-    {
-        int first = 0, last = 0, count = 0;
-    };
+    return sequence.pictureCount() >= sequenceMinimum &&
+           (sequence.format.width() > 1 || sequence.lastFrame >= 10);
+}
 
-    explicit SequenceFinder(const std::vector<std::filesystem::path>& files)
-    {
-        for (const auto& file : files) {
-            const auto name = isStill(file) ? parseNumberedName(file.filename().string()) : std::nullopt;
-            if (!name)
-                continue;
-            Group& group = m_groups[file.parent_path() / (name->prefix + "/" + name->suffix)];
-            group.narrowest = std::min(group.narrowest, name->digits);
-            if (name->padded)
-                group.padded.insert(name->digits);
-        }
-        for (const auto& file : files) {
-            const std::filesystem::path pattern = patternOf(file);
-            if (pattern.empty())
-                continue;
-            const int number = parseNumberedName(file.filename().string())->number;
-            Range& range = m_ranges[pattern];
-            range.first = range.count == 0 ? number : std::min(range.first, number);
-            range.last = std::max(range.last, number);
-            ++range.count;
-        }
+/// By the paths of their pictures.
+std::map<std::string, const ImageSequenceInfo*> picturesOf(const std::vector<ImageSequenceInfo>& sequences)
+{
+    std::map<std::string, const ImageSequenceInfo*> pictures;
+    for (const ImageSequenceInfo& sequence : sequences) {
+        if (isSurelySequence(sequence))
+            sequence.forEachFrame(
+                [&](std::size_t frame) { pictures.emplace(sequence.format.file(frame), &sequence); });
     }
-
-    /// Relative to the media folder, as the file is; empty for what is of no sequence.
-    std::filesystem::path patternOf(const std::filesystem::path& file) const
-    {
-        const auto name = parseNumberedName(file.filename().string());
-        if (!name || !isStill(file))
-            return {};
-        const Group& group = m_groups.at(file.parent_path() / (name->prefix + "/" + name->suffix));
-        const int width = group.padded.contains(name->digits) ? name->digits : group.narrowest;
-        return file.parent_path() / name->pattern(width);
-    }
-
-    /// Null where so few pictures are just pictures: "logo1" to "logo9" are none of a sequence either.
-    const Range* rangeOf(const std::filesystem::path& pattern) const
-    {
-        const auto range = m_ranges.find(pattern);
-        const bool single = pattern.string().find("%01d") != std::string::npos;
-        const bool isSequence = range != m_ranges.end() && range->second.count >= sequenceMinimum &&
-                                (!single || range->second.last >= 10);
-        return isSequence ? &range->second : nullptr;
-    }
-
-private:
-    struct Group
-    {
-        int narrowest = 9;
-        std::set<int> padded; // lengths of numbers that begin with a zero
-    };
-    std::map<std::filesystem::path, Group> m_groups; // by what stands around the number
-    std::map<std::filesystem::path, Range> m_ranges; // by pattern
-};
+    return pictures;
+}
 
 } // namespace
 
 MediaLibrary makeInitialLibrary(const std::filesystem::path& mediaFolder)
 {
     const std::vector<std::filesystem::path> files = listFiles(mediaFolder);
-    const SequenceFinder sequences(files);
+    const auto sequences = ImgSeqAnalyzer(playedPictureSuffixes).findSequences(files, {});
+    const auto pictures = picturesOf(sequences);
     MediaCollection collection("Media");
     int index = MediaCollection::slotIndexMin;
-    std::set<std::filesystem::path> taken; // patterns
+    std::set<const ImageSequenceInfo*> taken;
     for (const auto& file : files) {
         if (index > MediaCollection::slotIndexMax)
             break;
-        const std::filesystem::path pattern = sequences.patternOf(file);
-        const SequenceFinder::Range* range = sequences.rangeOf(pattern);
-        if (!range) {
+        const auto picture = pictures.find(file.native());
+        if (picture == pictures.end()) {
             collection.insertMediaSlot(index++, MediaSlot(file.stem().string(), contentUrl(file)), true);
             continue;
         }
-        if (!taken.insert(pattern).second)
+        const ImageSequenceInfo* const sequence = picture->second;
+        if (!taken.insert(sequence).second)
             continue;
+        const std::filesystem::path pattern = sequence->format.toString();
         MediaSlot slot(pattern.filename().string(), contentUrl(pattern));
         slot.setFrameRate(sequenceRate);
-        slot.setFirstFrameNum(range->first);
-        slot.setLastFrameNum(range->last);
+        slot.setFirstFrameNum(static_cast<int>(sequence->firstFrame));
+        slot.setLastFrameNum(static_cast<int>(sequence->lastFrame));
         collection.insertMediaSlot(index++, slot, true);
     }
     MediaLibrary library;

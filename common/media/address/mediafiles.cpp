@@ -1,6 +1,6 @@
 #include "common/media/address/mediafiles.h"
 
-#include "util/mediasuffixes.h"
+#include "tarn/media/mediasuffixes.h"
 
 #include <QDateTime>
 #include <QUrl>

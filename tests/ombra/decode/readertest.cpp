@@ -323,6 +323,8 @@ private Q_SLOTS:
         QCOMPARE(numberOn(picture.surface.get()), 6);
         QVERIFY(reader->catchUp(0.1, picture)); // never back
         QCOMPARE(numberOn(picture.surface.get()), 7);
+        QVERIFY(reader->seek(0.4, picture)); // after a later one as well
+        QCOMPARE(numberOn(picture.surface.get()), 4);
         QVERIFY(!open("seq_%03d.png", {}, SequenceRun{10, 90, 99}));
         QVERIFY(!m_error.empty());
     }
