@@ -20,6 +20,13 @@ QMimeData* createMimeData(const QList<QJsonObject>& objects, MimeItemCategory ca
     return data;
 }
 
+QMimeData* createSlotMimeData(const QList<QJsonObject>& slotObjects)
+{
+    QMimeData* const data = createMimeData(slotObjects, MimeItemCategory::MediaLibrary, MediaItemType::Slot);
+    data->setData(mimeformat::type, mimeformat::slotType.toLatin1());
+    return data;
+}
+
 QList<QJsonObject> jsonFromMimeData(const QMimeData* mimeData)
 {
     QList<QJsonObject> objects;
@@ -33,14 +40,21 @@ QList<QJsonObject> jsonFromMimeData(const QMimeData* mimeData)
     return objects;
 }
 
+std::optional<MediaItemType> mediaItemTypeOf(const QMimeData* mimeData)
+{
+    const QByteArray text = mimeData ? mimeData->data(mimeformat::type) : QByteArray();
+    if (text == mimeformat::slotType.toLatin1())
+        return MediaItemType::Slot;
+    bool isNumber = false;
+    const int type = text.toInt(&isNumber);
+    return isNumber ? std::optional(static_cast<MediaItemType>(type)) : std::nullopt;
+}
+
 std::shared_ptr<GuiMediaItem> mediaItemFromMimeData(const QMimeData* mimeData, const QJsonObject& object)
 {
-    bool isNumber = false;
-    const int type = mimeData ? mimeData->data(mimeformat::type).toInt(&isNumber) : 0;
-    if (!isNumber)
-        return nullptr;
     static const GuiMediaItemFactory factory;
-    return factory.createObject(static_cast<MediaItemType>(type), object);
+    const std::optional<MediaItemType> type = mediaItemTypeOf(mimeData);
+    return type ? factory.createObject(*type, object) : nullptr;
 }
 
 } // namespace vantrel

@@ -209,11 +209,14 @@ QMimeData* MediaLibraryModel::mimeData(const QModelIndexList& indexes) const
         if (!record)
             continue;
         GuiMediaSlot slot(address, *record);
-        slot.setMediaType(std::nullopt); // whoever takes it in refuses a type: that is the server's to tell
-        objects.append(slot.toJson());
+        if (slot.frameRate() && !slot.mediaType()) // the pictures' numbers go with the type only
+            slot.setMediaType(MediaType::ImageSequence);
+        QJsonObject object = slot.toJson();
+        // Whoever takes it in refuses a type: that is the server's to tell.
+        object.remove(QStringLiteral("type"));
+        objects.append(object);
     }
-    return objects.isEmpty() ? nullptr
-                             : createMimeData(objects, MimeItemCategory::MediaLibrary, MediaItemType::Slot);
+    return objects.isEmpty() ? nullptr : createSlotMimeData(objects);
 }
 
 } // namespace vantrel

@@ -103,14 +103,7 @@ PlaylistDrop PlaylistDrop::readSlotNumbers(const QJsonObject& object)
 
 bool PlaylistDrop::add(const QMimeData* data, const QJsonObject& object)
 {
-    std::shared_ptr<GuiMediaItem> item;
-    if (data->data(mimeformat::type) == "slot") {
-        item = std::make_shared<GuiMediaSlot>();
-        if (!item->fromJson(object))
-            return false;
-    } else {
-        item = mediaItemFromMimeData(data, object);
-    }
+    const std::shared_ptr<GuiMediaItem> item = mediaItemFromMimeData(data, object);
     if (const auto* slot = dynamic_cast<const GuiMediaSlot*>(item.get())) {
         m_kind = Kind::Media;
         m_media.append(slot->address());

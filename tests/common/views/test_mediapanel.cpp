@@ -319,8 +319,12 @@ void TestMediaPanel::emptyTexts()
 void TestMediaPanel::dragPayloadReadsBack()
 {
     Panel panel(test::makeLibrary(1, 3));
-    panel.mirror.edit(
-        [](MediaLibrary& library) { library.findSlot(1, 2)->setMediaType(MediaType::VideoFile); });
+    panel.mirror.edit([](MediaLibrary& library) {
+        library.findSlot(1, 2)->setMediaType(MediaType::ImageSequence);
+        library.findSlot(1, 2)->setFrameRate(30);
+        library.findSlot(1, 2)->setFirstFrameNum(1001);
+        library.findSlot(1, 2)->setLastFrameNum(1240);
+    });
     const std::unique_ptr<QMimeData> mime(
         panel.view->model()->mimeData({panel.row(1), panel.row(0), panel.row(1).siblingAtColumn(0)}));
     const QList<QJsonObject> objects = jsonFromMimeData(mime.get());
@@ -328,6 +332,12 @@ void TestMediaPanel::dragPayloadReadsBack()
     const auto item = std::dynamic_pointer_cast<GuiMediaSlot>(mediaItemFromMimeData(mime.get(), objects[1]));
     QVERIFY(item);
     QVERIFY(item->address() == MediaAddress(1, 2));
+    QCOMPARE(item->frameRate().value_or(0), 30.0);
+    QCOMPARE(item->firstFrame().value_or(0), 1001);
+    QCOMPARE(item->lastFrame().value_or(0), 1240);
+    QCOMPARE(mime->data(mimeformat::type), QByteArray("slot")); // what a slot takes,
+    mime->setData(mimeformat::type, "2");                       // and what was written before
+    QVERIFY(mediaItemFromMimeData(mime.get(), objects[1]));
 }
 
 void TestMediaPanel::movesIntoGaps_data()

@@ -56,10 +56,9 @@ bool PlaylistPayload::isSound(const QJsonObject& entry)
 
 bool PlaylistPayload::isOffered(const QMimeData* payload)
 {
-    const int type = payload ? payload->data(mimeformat::type).toInt() : 0;
+    const std::optional<MediaItemType> type = mediaItemTypeOf(payload);
     return payload && payload->hasFormat(mimeformat::json) &&
-           (type == static_cast<int>(MediaItemType::PlaylistEntry) ||
-            type == static_cast<int>(MediaItemType::Slot));
+           (type == MediaItemType::PlaylistEntry || type == MediaItemType::Slot);
 }
 
 QList<PlaylistEntry> PlaylistPayload::entries(const QMimeData* payload)
