@@ -30,6 +30,7 @@ REACHES = {
     "common/command/playback/playmediacommand.cpp": "finds the channel in the one tree of objects",
     "common/filesystem/schedule/defaultfilesystemprovider.cpp": "a server's file system follows the one connection",
     "common/filesystem/server/serverfilesystemprivate.cpp": "asks the one aggregator about its files",
+    "common/import/imagesequencecreator.cpp": "tells the aggregator of the session that it is given",
     "common/media/edit/implmediacollectionmanager.cpp": "executes on the one undo stack",
     "common/media/edit/mediasloteditfunctional.cpp": "executes on the one undo stack",
     "common/media/models/playbackmodel.cpp": "executes the entry's edit on the one undo stack",

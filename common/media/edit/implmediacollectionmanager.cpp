@@ -19,6 +19,7 @@
 
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QUndoStack>
 
 namespace vantrel {
 
@@ -230,6 +231,27 @@ bool ImplMediaCollectionManager::updateMedia(int collection, int slot, const Gui
         return true;
     return run<SetDurationCommand>(present.contentUrl(), newMediaSlot.duration(),
                                    newMediaSlot.hasInfiniteDuration(), MediaAddress(collection, slot));
+}
+
+void ImplMediaCollectionManager::beginStep(const QString& text)
+{
+    if (Session* session = Session::instance())
+        session->getQUndoStack()->beginMacro(text);
+}
+
+void ImplMediaCollectionManager::endStep()
+{
+    Session* session = Session::instance();
+    if (!session)
+        return;
+    QUndoStack* const stack = session->getQUndoStack();
+    stack->endMacro();
+    // Where nothing was taken there is nothing to undo.
+    const QUndoCommand* const step = stack->command(stack->index() - 1);
+    if (step && step->childCount() == 0) {
+        const_cast<QUndoCommand*>(step)->setObsolete(true);
+        stack->undo();
+    }
 }
 
 } // namespace vantrel

@@ -40,6 +40,8 @@ public:
                                          bool isInfinite) override;
     Q_INVOKABLE bool updateMedia(int collection, int slot,
                                  const vantrel::GuiMediaSlot& newMediaSlot) override;
+    void beginStep(const QString& text) override;
+    void endStep() override;
 
 protected:
     /// The library that commands are made for; null without a session.

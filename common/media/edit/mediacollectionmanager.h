@@ -34,6 +34,10 @@ public:
     virtual bool updateMediaDuration(int collection, int slot, double durationSeconds, bool isInfinite) = 0;
     /// Takes over the duration and its type, nothing else.
     virtual bool updateMedia(int collection, int slot, const GuiMediaSlot& newMediaSlot) = 0;
+
+    /// What is done until endStep() is one step of undo, under the text.
+    virtual void beginStep(const QString& text) { Q_UNUSED(text); }
+    virtual void endStep() {}
 };
 
 } // namespace vantrel

@@ -1,0 +1,110 @@
+#include "common/import/mediadrop.h"
+
+#include "common/import/mediadrop_p.h"
+
+namespace vantrel {
+
+MediaDrop::MediaDrop(AsyncFileSystemReader* reader, ImageSequenceCreator* creator, int collection,
+                     int startSlot, QObject* parent)
+    : QObject(parent)
+    , d(std::make_unique<MediaDropPrivate>(this, reader, creator, collection, startSlot))
+{
+}
+
+MediaDrop::~MediaDrop() = default;
+
+int MediaDrop::startSlot() const
+{
+    return d->m_startSlot;
+}
+
+int MediaDrop::lastSlot() const
+{
+    return d->lastSlot();
+}
+
+int MediaDrop::collection() const
+{
+    return d->m_collection;
+}
+
+QList<int> MediaDrop::collectionSlots() const
+{
+    return d->m_collectionSlots;
+}
+
+void MediaDrop::setCollectionSlots(const QList<int>& slotNumbers)
+{
+    d->m_collectionSlots = slotNumbers;
+    Q_EMIT collectionSlotsChanged();
+    Q_EMIT lastSlotChanged();
+}
+
+QList<GuiMediaSlot> MediaDrop::medias() const
+{
+    return d->m_medias;
+}
+
+void MediaDrop::setMedias(const QList<GuiMediaSlot>& medias)
+{
+    d->m_medias = medias;
+    Q_EMIT mediasChanged();
+    Q_EMIT lastSlotChanged();
+}
+
+QList<images::ImagesResult> MediaDrop::imageResults() const
+{
+    return d->m_imageResults;
+}
+
+void MediaDrop::setImageResults(const QList<images::ImagesResult>& results)
+{
+    d->m_imageResults = results;
+    Q_EMIT imageResultsChanged();
+    Q_EMIT lastSlotChanged();
+}
+
+bool MediaDrop::isReady() const
+{
+    return d->isReady();
+}
+
+QStringList MediaDrop::faults() const
+{
+    return d->m_faults;
+}
+
+QList<ImageSequenceCandidate> MediaDrop::imageSequences() const
+{
+    QList<ImageSequenceCandidate> candidates;
+    for (const images::ImagesResult& result : std::as_const(d->m_imageResults)) {
+        if (result.hasImageSequence())
+            candidates.append(result.getImageSequence());
+    }
+    return candidates;
+}
+
+QList<images::StillImage> MediaDrop::stillImages() const
+{
+    QList<images::StillImage> stills;
+    for (const images::ImagesResult& result : std::as_const(d->m_imageResults))
+        stills += result.stillImages();
+    return stills;
+}
+
+void MediaDrop::requestAsynchronously(const images::RequestPath& path, FileSystem* fileSystem)
+{
+    d->requestAsynchronously(path, fileSystem);
+}
+
+void MediaDrop::save()
+{
+    d->save();
+}
+
+void MediaDrop::cancel()
+{
+    d->cancel();
+}
+
+} // namespace vantrel

@@ -1,0 +1,91 @@
+#pragma once
+
+#include "common/import/asyncrequest.h"
+#include "common/import/imagesresult.h"
+#include "common/media/items/guimediaslot.h"
+
+#include <QList>
+#include <QObject>
+#include <QStringList>
+
+#include <memory>
+
+namespace vantrel {
+
+class AsyncFileSystemReader;
+class FileSystem;
+class ImageSequenceCreator;
+class MediaDropPrivate;
+
+/// One act of dropping things onto a slot: slots of the collection, ready media, files and whole directories.
+/// It reads what has to be read, tells all the while how many slots it will take, lets the operator look at
+/// what was found, and writes all of it on save() as one step of undo, or nothing. Main thread only; what it
+/// is given must outlive it.
+class MediaDrop : public QObject
+{
+    Q_OBJECT
+    Q_PROPERTY(int startSlot READ startSlot CONSTANT)
+    Q_PROPERTY(int lastSlot READ lastSlot NOTIFY lastSlotChanged)
+    Q_PROPERTY(int collection READ collection CONSTANT)
+    Q_PROPERTY(QList<int> collectionSlots READ collectionSlots WRITE setCollectionSlots NOTIFY
+                   collectionSlotsChanged)
+    Q_PROPERTY(QList<vantrel::GuiMediaSlot> medias READ medias WRITE setMedias NOTIFY mediasChanged)
+    Q_PROPERTY(QList<vantrel::images::ImagesResult> imageResults READ imageResults WRITE setImageResults
+                   NOTIFY imageResultsChanged)
+    Q_PROPERTY(bool isReady READ isReady NOTIFY isReadyChanged)
+    /// What was left out, and why: a sentence each, plain text.
+    Q_PROPERTY(QStringList faults READ faults NOTIFY faultsChanged)
+
+public:
+    MediaDrop(AsyncFileSystemReader* reader, ImageSequenceCreator* creator, int collection, int startSlot,
+              QObject* parent = nullptr);
+    ~MediaDrop() override;
+
+    int startSlot() const;
+    /// -1 for a drop of nothing. What is still to be read counts as one slot each.
+    int lastSlot() const;
+    int collection() const;
+    /// Slots of the same collection that are moved here.
+    QList<int> collectionSlots() const;
+    void setCollectionSlots(const QList<int>& slotNumbers);
+    QList<GuiMediaSlot> medias() const;
+    void setMedias(const QList<GuiMediaSlot>& medias);
+    QList<images::ImagesResult> imageResults() const;
+    void setImageResults(const QList<images::ImagesResult>& results);
+    /// Nothing is left to be read.
+    bool isReady() const;
+    QStringList faults() const;
+
+    QList<ImageSequenceCandidate> imageSequences() const;
+    QList<images::StillImage> stillImages() const;
+
+    /// Has a file or a directory read; isReadyChanged() comes when all is.
+    void requestAsynchronously(const images::RequestPath& path, FileSystem* fileSystem);
+
+public Q_SLOTS:
+    /// Writes the drop, unless it is still at work or does not fit into the collection.
+    void save();
+    /// Lets go of what was found, unless it is still at work.
+    void cancel();
+
+Q_SIGNALS:
+    void lastSlotChanged();
+    void collectionSlotsChanged();
+    void mediasChanged();
+    void imageResultsChanged();
+    void imageSequencesFound(QList<vantrel::ImageSequenceCandidate> sequenceCandidates, int targetCollection,
+                             int targetSlot);
+    void isReadyChanged();
+    void faultsChanged();
+    void saved();
+    void canceled();
+    void collectionSlotMoved(int collection, int fromSlot, int toSlot);
+    void mediaSlotSaved(QString media, int collection, int slot);
+    void imageSequencesSaved(QList<vantrel::ImageSequenceCandidate> sequences, int collection, int slot);
+    void stillImageSaved(vantrel::images::StillImage stillImage, int collection, int slot);
+
+private:
+    std::unique_ptr<MediaDropPrivate> d;
+};
+
+} // namespace vantrel

@@ -1,0 +1,100 @@
+#pragma once
+
+#include "common/import/asyncrequest.h"
+#include "common/import/imagesresult.h"
+#include "common/media/items/guimediaslot.h"
+
+#include <QDeadlineTimer>
+#include <QHash>
+#include <QList>
+#include <QObject>
+#include <QStringList>
+#include <QTimer>
+
+#include <map>
+#include <optional>
+
+namespace vantrel {
+
+class AsyncFileSystemReader;
+class ImageSequenceCreator;
+class MediaDrop;
+
+class MediaDropPrivate : public QObject
+{
+    Q_OBJECT
+
+public:
+    MediaDropPrivate(MediaDrop* owner, AsyncFileSystemReader* reader, ImageSequenceCreator* creator,
+                     int collection, int startSlot);
+    ~MediaDropPrivate() override;
+
+    using PathTypes = std::map<QString, FileSystem::ItemType>;
+
+    // What is to be read, request after request.
+    bool isReady() const { return !m_timer.isActive() && m_queue.isEmpty(); }
+    void requestAsynchronously(const images::RequestPath& path, FileSystem* fileSystem);
+    void requestAsynchronously(const images::AsyncRequest& request);
+    void startDirectoryListing(const images::AsyncRequest& request);
+    bool isReaderFree();
+    bool isListingOurs() const;
+    void handleFailedListing();
+    void handleFinishedDirectoryListing();
+    void handleFinishedAsyncRequests();
+    void notifyReady();
+
+    // What was found.
+    void createResults(const QList<images::RequestPath>& requestPaths, FileSystem* fileSystem,
+                       QList<images::ImagesResult>& imageResults, QStringList& otherMedias);
+    QStringList extractAllPaths(const images::RequestPath& requestPath, FileSystem* fileSystem) const;
+    QList<images::StillImage> takePictures(const ImageSequenceCandidate& candidate,
+                                           PathTypes& remaining) const;
+    void addMediaPaths(const QStringList& paths, FileSystem* fileSystem);
+    bool addKnownMedias();
+    void leaveOut(const QString& path, const QString& why);
+    void addFault(const QString& text);
+
+    // What is written.
+    int requiredSlotCount() const;
+    int lastSlot() const;
+    bool hasRoom(qsizetype slotCount);
+    void save();
+    void cancel();
+    void moveSlots(const QList<int>& sourceSlots, int collection, int& current);
+    void moveSlot(int collection, int from, int to);
+    void saveMediaToSlot(const GuiMediaSlot& item, int collection, int slot);
+    void saveMediasToSlot(const QList<GuiMediaSlot>& medias, int collection, int slot);
+    bool saveImageSequences(const QList<ImageSequenceCandidate>& candidates, int collection, int slot);
+    void saveStillImages(const QList<images::StillImage>& stills, int collection, int slot);
+
+    /// A file of which it is not known yet whether it plays.
+    struct AwaitedMedia
+    {
+        QString path;
+        FileSystem* fileSystem = nullptr;
+    };
+
+    MediaDrop* m_owner;
+    AsyncFileSystemReader* m_reader;
+    ImageSequenceCreator* m_creator;
+    QTimer m_timer;
+    int m_collection;
+    int m_startSlot;
+    QList<images::AsyncRequest> m_queue;
+    std::optional<images::AsyncRequest> m_current;
+    QList<GuiMediaSlot> m_medias;
+    QList<images::ImagesResult> m_imageResults;
+    QList<int> m_collectionSlots;
+
+    QStringList m_listed;     // the directories that the reader was given for the current request
+    int m_waits = 0;          // ticks for which a listing of somebody else's has stood in the reader
+    qsizetype m_requests = 0; // done
+    QList<AwaitedMedia> m_awaited;
+    QDeadlineTimer m_patience; // for what is awaited
+    QStringList m_faults;
+
+public Q_SLOTS:
+    void handleNextAsyncRequest();
+};
+
+} // namespace vantrel

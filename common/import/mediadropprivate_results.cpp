@@ -1,0 +1,195 @@
+// What was found in what a drop has read.
+#include "common/filesystem/model/pathhelpers.h"
+#include "common/filesystem/operations/asyncfilesystemreader.h"
+#include "common/import/imagesequencecreator.h"
+#include "common/import/mediadrop.h"
+#include "common/import/mediadrop_p.h"
+#include "common/media/address/medialogging.h"
+#include "common/media/address/showntext.h"
+#include "tarn/media/imagesequenceformat.h"
+
+#include <chrono>
+
+namespace vantrel {
+
+using namespace std::chrono_literals;
+using images::ImageResultType;
+using images::ImagesResult;
+using images::StillImage;
+
+namespace {
+
+QString withSeparator(const QString& directory)
+{
+    return directory.endsWith(u'/') ? directory : directory + u'/';
+}
+
+} // namespace
+
+void MediaDropPrivate::createResults(const QList<images::RequestPath>& requestPaths, FileSystem* fileSystem,
+                                     QList<ImagesResult>& imageResults, QStringList& otherMedias)
+{
+    PathTypes remaining;
+    QStringList asked;
+    for (const images::RequestPath& requestPath : requestPaths) {
+        const bool isDirectory = requestPath.type == FileSystem::Directory;
+        asked.append(isDirectory ? withSeparator(requestPath.path) : requestPath.path);
+        for (const QString& path : extractAllPaths(requestPath, fileSystem))
+            remaining.emplace(path, FileSystem::File);
+    }
+    const std::size_t total = remaining.size();
+    m_creator->setFileSystemReader(m_reader);
+    const QList<ImageSequenceCandidate> candidates = m_creator->fromPaths(asked);
+    qCDebug(lcMedia) << "Found" << candidates.size() << "image sequence candidate(s) from paths" << asked;
+    const qsizetype before = imageResults.size();
+    for (const ImageSequenceCandidate& candidate : candidates) {
+        ImagesResult result;
+        result.setType(ImageResultType::ImageSequence);
+        result.setImageSequence(candidate);
+        result.setStillImages(takePictures(candidate, remaining));
+        result.setFileSystem(fileSystem);
+        if (!result.stillImages().isEmpty())
+            imageResults.append(result);
+    }
+    qsizetype stills = 0;
+    for (const auto& [path, type] : remaining) {
+        if (isImageFile(path)) {
+            ImagesResult result;
+            result.setStillImages({StillImage{path}});
+            result.setFileSystem(fileSystem);
+            imageResults.append(result);
+            ++stills;
+        } else if (isMediaFile(path)) {
+            otherMedias.append(path);
+        } else {
+            qCWarning(lcMedia) << "Found unknown file path from input list:" << path;
+            leaveOut(path, tr("it is neither a picture nor video nor sound."));
+        }
+    }
+    qCDebug(lcMedia) << "Found" << stills << "still image candidate(s) from the rest of the" << total
+                     << "path(s)";
+    qCDebug(lcMedia) << "Found total" << imageResults.size() - before << "image result(s) and"
+                     << otherMedias.size() << "other media(s)";
+}
+
+/// Those of the remaining paths that are pictures of the sequence, in their order, taken out. Only what is
+/// there is looked at: a sequence may name a number of pictures that nobody has.
+QList<StillImage> MediaDropPrivate::takePictures(const ImageSequenceCandidate& candidate,
+                                                 PathTypes& remaining) const
+{
+    QList<StillImage> pictures;
+    const std::string pattern = candidate.id.toLocalFile().toStdString();
+    const auto format = ImageSequenceFormat::parse(pattern);
+    if (!format) {
+        qCWarning(lcMedia) << "Unable to detect files from sequence name:"
+                           << getNameInPath(candidate.id.toLocalFile());
+        return pictures;
+    }
+    const QString prefix = QString::fromStdString(format->prefix());
+    const QString suffix = QString::fromStdString(format->suffix());
+    for (auto at = remaining.lower_bound(prefix); at != remaining.end() && at->first.startsWith(prefix);) {
+        const QString& path = at->first;
+        const qsizetype digits = path.size() - prefix.size() - suffix.size();
+        bool isNumber = false;
+        const qulonglong number = digits > 0 ? path.mid(prefix.size(), digits).toULongLong(&isNumber) : 0;
+        if (!isNumber || !path.endsWith(suffix) || number < candidate.startFrame ||
+            number > candidate.endFrame || QString::fromStdString(format->file(number)) != path) {
+            ++at;
+            continue;
+        }
+        pictures.append(StillImage{path});
+        at = remaining.erase(at);
+    }
+    return pictures;
+}
+
+QStringList MediaDropPrivate::extractAllPaths(const images::RequestPath& requestPath,
+                                              FileSystem* fileSystem) const
+{
+    if (requestPath.type == FileSystem::File)
+        return {requestPath.path};
+    QStringList files;
+    if (requestPath.type != FileSystem::Directory)
+        return files;
+    for (const std::filesystem::path& path : m_reader->getFileSystemPaths(requestPath.path)) {
+        const QString text = QString::fromStdString(path.generic_string());
+        if (text.isEmpty())
+            qCWarning(lcMedia) << "Received unknown type for path" << text << "in sub-dir" << requestPath.path
+                               << "of" << fileSystem->fileSystemName();
+        else if (!text.endsWith(u'/') && !getNameInPath(text).startsWith(u'.')) // nothing of sub-directories
+            files.append(text);
+    }
+    return files;
+}
+
+void MediaDropPrivate::addMediaPaths(const QStringList& paths, FileSystem* fileSystem)
+{
+    for (const QString& path : paths) {
+        const FileSystem::ItemType type = fileSystem->getType(path);
+        if (type == FileSystem::File) {
+            FileMetadata unused;
+            fileSystem->requestMetadata(path,
+                                        unused); // of all at once; what is known is taken below, in order
+            m_awaited.append({path, fileSystem});
+            continue;
+        }
+        qCWarning(lcMedia) << "Unexpectedly got invalid path type"
+                           << (type == FileSystem::Unknown ? QStringLiteral("UNKNOWN")
+                                                           : QString::number(type))
+                           << "for a media file" << path;
+        leaveOut(path, tr("it is not there any more."));
+    }
+    m_patience.setRemainingTime(10s);
+    addKnownMedias();
+}
+
+/// Turns what is known by now into media. What a file holds may be told later than it is asked for; the files
+/// keep their order, so that the rest is waited for. False while something is.
+bool MediaDropPrivate::addKnownMedias()
+{
+    QList<GuiMediaSlot> added;
+    while (!m_awaited.isEmpty()) {
+        const AwaitedMedia next = m_awaited.first();
+        FileMetadata metadata;
+        const bool isKnown = next.fileSystem->requestMetadata(next.path, metadata) &&
+                             (metadata.isPlayable || metadata.mediaType != MediaType::Unknown ||
+                              metadata.mediaState != MediaState::UnknownState);
+        if (!isKnown && !m_patience.hasExpired())
+            break;
+        m_awaited.removeFirst();
+        if (!isKnown) {
+            qCWarning(lcMedia) << "Unable to read metadata for a media file" << next.path;
+            leaveOut(next.path, tr("nothing was told of it in time."));
+            continue;
+        }
+        m_patience.setRemainingTime(10s); // they are told one after the other
+        if (!metadata.isPlayable) {
+            qCInfo(lcMedia) << "Skipping media file" << next.path << "since it's not playable";
+            const QStringList caveats(metadata.mediaCaveats.cbegin(), metadata.mediaCaveats.cend());
+            leaveOut(next.path, caveats.isEmpty() ? tr("the server cannot play it.")
+                                                  : caveats.join(QStringLiteral(" ")));
+            continue;
+        }
+        GuiMediaSlot slot;
+        slot.setScaleMode(ScaleMode::Default);
+        slot.setName(getNameInPath(next.path));
+        slot.setContentUrl(QUrl::fromLocalFile(next.path));
+        slot.setDuration(static_cast<double>(metadata.durationMs) / 1000.0);
+        slot.setIsPlayable(true);
+        added.append(slot);
+    }
+    if (!added.isEmpty()) {
+        qCDebug(lcMedia) << "Added" << added.size() << "new media(s) to a drop";
+        m_medias += added;
+        Q_EMIT m_owner->mediasChanged();
+        Q_EMIT m_owner->lastSlotChanged();
+    }
+    return m_awaited.isEmpty();
+}
+
+void MediaDropPrivate::leaveOut(const QString& path, const QString& why)
+{
+    addFault(tr("\"%1\" is left out: %2").arg(shownText(getNameInPath(path)), shownText(why)));
+}
+
+} // namespace vantrel

@@ -1,0 +1,192 @@
+#include "common/filesystem/operations/asyncfilesystemreader.h"
+#include "common/import/imagesequencecreator.h"
+#include "common/import/mediadrop.h"
+#include "tests/common/filesystem/fakefilesystem.h"
+#include "tests/common/import/fakecollections.h"
+#include "tests/support/testmain.h"
+
+#include <QSignalSpy>
+#include <QTest>
+
+using namespace vantrel;
+using images::ImageResultType;
+using images::ImagesResult;
+using test::expectWarning;
+
+namespace {
+
+/// Its videos play unless they are told not to; what is late is told when the test says so.
+class MediaFiles : public test::FakeFileSystem
+{
+public:
+    QSet<QString> unplayable;
+    QSet<QString> late;
+
+    ItemType getType(QString path) override { return path.endsWith(u'/') ? Directory : File; }
+    bool requestMetadata(QString path, FileMetadata& result) override
+    {
+        result.isPlayable = !unplayable.contains(path);
+        result.mediaType = MediaType::VideoFile;
+        result.durationMs = 2500;
+        return !late.contains(path);
+    }
+};
+
+} // namespace
+
+class TestMediaDrop : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        m_files = std::make_unique<MediaFiles>();
+        m_files->answersLater = true;
+        m_reader = std::make_unique<AsyncFileSystemReader>();
+        m_collections = test::FakeCollections();
+        m_creator = std::make_unique<ImageSequenceCreator>(nullptr, &m_collections);
+    }
+
+    void storesWhatAFolderHolds()
+    {
+        for (const char* name : {"s.0001.exr", "s.0002.exr", "s.0005.exr", "logo_v1.png", "logo_v2.png",
+                                 "b.mov", "a.mov", "bad.mov", "notes.txt", ".x.01.png", "below/c.mov"})
+            m_files->add(QStringLiteral("/in/") + QString::fromLatin1(name), 1);
+        m_files->unplayable = {QStringLiteral("/in/bad.mov")};
+        m_files->late = {QStringLiteral("/in/a.mov")};
+        expectWarning(QStringLiteral("Found unknown file path from input list: \"/in/notes.txt\""));
+        const auto drop = makeDrop(20);
+        QSignalSpy found(drop.get(), &MediaDrop::imageSequencesFound);
+        QCOMPARE(drop->lastSlot(), -1);
+        drop->requestAsynchronously({QStringLiteral("/in/"), FileSystem::Directory}, m_files.get());
+        QCOMPARE(drop->lastSlot(), 20);
+        QVERIFY(!drop->isReady());
+        QTRY_COMPARE(drop->imageResults().size(), 3);
+        drop->save(); // it waits for what the server has to tell of a.mov
+        drop->cancel();
+        QVERIFY(!drop->isReady() && m_collections.done.isEmpty());
+        QCOMPARE(drop->lastSlot(), 25);
+        m_files->late.clear();
+        waitFor(*drop);
+
+        QCOMPARE(found.size(), 1);
+        const ImagesResult sequence = drop->imageResults().constFirst();
+        QCOMPARE(sequence.getImageSequence(),
+                 (ImageSequenceCandidate{QUrl::fromLocalFile(QStringLiteral("/in/s.%04d.exr")),
+                                         QStringLiteral("s.%04d.exr"), 1, 5, 60}));
+        QCOMPARE(sequence.stillImages().size(), 3);
+        QCOMPARE(drop->faults().size(), 2);
+        drop->save();
+        QCOMPARE(m_collections.shown(), QStringLiteral("20 a.mov, 21 b.mov, 22 s.%04d.exr, 23 logo_v1.png, "
+                                                       "24 logo_v2.png"));
+        QCOMPARE(m_collections.done.join(u'|'), QStringLiteral("begin|add 20 x2|add 22 x1|add 23 x2|end"));
+        QCOMPARE(m_collections.content[20].duration(), 2.5);
+        const GuiMediaSlot slot = m_collections.content[22];
+        QCOMPARE(slot.firstFrame().value_or(0), 1);
+        QCOMPARE(slot.lastFrame().value_or(0), 5);
+        QCOMPARE(slot.duration(), 5 / 60.0);
+        QCOMPARE(m_collections.content[23].duration(), 10.0);
+    }
+
+    void storesSequencesAsStills()
+    {
+        for (int i = 1; i <= 3; ++i)
+            m_files->add(QStringLiteral("/in/%1.left.png").arg(i), 1);
+        const auto drop = makeDrop(1);
+        for (int i = 1; i <= 3; ++i)
+            drop->requestAsynchronously({QStringLiteral("/in/%1.left.png").arg(i), FileSystem::File},
+                                        m_files.get());
+        QCOMPARE(drop->lastSlot(), 1); // they are one request
+        waitFor(*drop);
+        QList<ImagesResult> results = drop->imageResults();
+        QCOMPARE(results.size(), 1);
+        QVERIFY(results[0].isSequence());
+        results[0].setType(ImageResultType::StillImage);
+        results[0].setStillImageDuration(3, true);
+        drop->setImageResults(results);
+        m_collections.last = 2;
+        expectWarning(QStringLiteral("No room for 3 slot(s) from slot 1"));
+        drop->save();
+        QVERIFY(m_collections.done.isEmpty());
+        QCOMPARE(drop->faults().size(), 1);
+        m_collections.last = 3;
+        QSignalSpy saved(drop.get(), &MediaDrop::saved);
+        drop->save();
+        QCOMPARE(saved.size(), 1);
+        QCOMPARE(m_collections.shown(), QStringLiteral("1 1.left.png, 2 2.left.png, 3 3.left.png"));
+        QVERIFY(m_collections.content[2].hasInfiniteDuration());
+    }
+
+    void readsAroundFoldersThatAreGone()
+    {
+        m_files->add(QStringLiteral("/a/1.mov"), 1);
+        m_files->add(QStringLiteral("/b/2.mov"), 1);
+        m_files->invalid = {QStringLiteral("/gone/")};
+        test::allowWarnings(QStringLiteral("Invalid path request"));
+        const auto drop = makeDrop(1);
+        for (const char* path : {"/a/", "/gone/", "/b/"})
+            drop->requestAsynchronously({QString::fromLatin1(path), FileSystem::Directory}, m_files.get());
+        drop->requestAsynchronously({QStringLiteral("/c.png"), FileSystem::File}, m_files.get());
+        waitFor(*drop);
+        QCOMPARE(drop->medias().size(), 2);
+        QCOMPARE(drop->imageResults().size(), 1);
+        QCOMPARE(drop->faults(), QStringList{QStringLiteral("\"gone\" is left out: it could not be read.")});
+    }
+
+    void dropsShareTheReader()
+    {
+        std::vector<std::unique_ptr<MediaDrop>> drops;
+        for (int i = 0; i < 4; ++i) {
+            m_files->add(QStringLiteral("/%1/clip%1.mov").arg(i), 1);
+            drops.push_back(makeDrop(1));
+            drops.back()->requestAsynchronously({QStringLiteral("/%1/").arg(i), FileSystem::Directory},
+                                                m_files.get());
+        }
+        drops.front().reset(); // in the middle of it, as when its window is closed
+        for (std::size_t i = 1; i < drops.size(); ++i) {
+            waitFor(*drops[i]);
+            QCOMPARE(drops[i]->medias().size(), 1);
+            QCOMPARE(drops[i]->medias().constFirst().name(), QStringLiteral("clip%1.mov").arg(i));
+        }
+    }
+
+    void movesSlots_data()
+    {
+        QTest::addColumn<QList<int>>("sources");
+        QTest::addColumn<int>("start");
+        QTest::addColumn<QString>("content"); // of 3 to 7, "c" to "g"
+        QTest::newRow("one further") << QList<int>{3, 4, 5} << 4 << QStringLiteral("4 c, 5 d, 6 e, 7 g");
+        QTest::newRow("where it is") << QList<int>{7} << 7 << QStringLiteral("3 c, 4 d, 5 e, 6 f, 7 g");
+        QTest::newRow("turned round") << QList<int>{4, 3} << 3 << QStringLiteral("3 d, 4 c, 5 e, 6 f, 7 g");
+        QTest::newRow("to the front") << QList<int>{6, 7} << 3 << QStringLiteral("3 f, 4 g, 5 e");
+        QTest::newRow("to free ones") << QList<int>{3, 5} << 9 << QStringLiteral("4 d, 6 f, 7 g, 9 c, 10 e");
+    }
+
+    void movesSlots()
+    {
+        QFETCH(QList<int>, sources);
+        QFETCH(int, start);
+        for (int slot = 3; slot <= 7; ++slot)
+            m_collections.put(slot, QString(QChar(u'a' + slot - 1)));
+        const auto drop = makeDrop(start);
+        drop->setCollectionSlots(sources);
+        drop->save();
+        QTEST(m_collections.shown(), "content");
+    }
+
+private:
+    std::unique_ptr<MediaDrop> makeDrop(int slot)
+    {
+        return std::make_unique<MediaDrop>(m_reader.get(), m_creator.get(), 1, slot);
+    }
+    static void waitFor(const MediaDrop& drop) { QTRY_VERIFY(drop.isReady()); }
+
+    std::unique_ptr<MediaFiles> m_files;
+    std::unique_ptr<AsyncFileSystemReader> m_reader;
+    test::FakeCollections m_collections;
+    std::unique_ptr<ImageSequenceCreator> m_creator;
+};
+
+HALCYRA_TEST(TestMediaDrop)
+#include "test_mediadrop.moc"
