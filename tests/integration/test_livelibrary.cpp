@@ -108,43 +108,6 @@ private Q_SLOTS:
         QTRY_VERIFY(provider->collection(1));
     }
 
-    /// What a drop writes is taken back at once, also where one edit builds on the other.
-    void editsOfOneStepAreUndoneTogether()
-    {
-        const MediaLibraryProvider* provider = m_session->mediaLibraryProvider();
-        QUndoStack* const stack = m_session->getQUndoStack();
-        QVERIFY(m_manager.insertCollection(7, QStringLiteral("Seven")));
-        QTRY_VERIFY(provider->collection(7));
-        const int before = stack->index();
-        m_manager.beginStep(QStringLiteral("nothing"));
-        m_manager.endStep();
-        QCOMPARE(stack->index(), before);
-        m_manager.addMedia(7, 1, red());
-        QTRY_VERIFY(provider->slot({7, 1}) && !provider->slot({7, 1})->name().isEmpty());
-
-        m_manager.beginStep(QStringLiteral("drop"));
-        m_manager.moveSlot(7, 1, 2);
-        m_manager.addMedia(7, 1, red());
-        m_manager.addMedia(7, 3, red());
-        m_manager.endStep();
-        const auto names = [provider] {
-            QStringList all;
-            for (int slot = 1; slot <= 3; ++slot) {
-                const auto one = provider->slot({7, slot});
-                all += one ? one->name() : QString();
-            }
-            return all;
-        };
-        const QString name = provider->slot({7, 1})->name();
-        QTRY_COMPARE(names(), (QStringList{name, name, name}));
-        stack->undo();
-        QTRY_COMPARE(names(), (QStringList{name, QString(), QString()}));
-        stack->redo();
-        QTRY_COMPARE(names(), (QStringList{name, name, name}));
-        stack->undo();
-        QTRY_COMPARE(names(), (QStringList{name, QString(), QString()}));
-    }
-
     /// Somebody else is faster, and this window has not heard of it yet: the server refuses. What still means
     /// the same is made anew, what would overwrite is refused.
     void overtakenEditsGiveWay()
