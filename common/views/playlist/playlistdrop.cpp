@@ -124,11 +124,13 @@ bool PlaylistDrop::addEntry(const GuiPlaylistEntry& entry)
     // All of them are of one list, each once.
     if (!m_entries.isEmpty() && entry.playlistNumber() != m_playlist)
         return false;
-    if (!MediaUtils::parseSlotAddress(entry.slotUrl()).isValid())
+    const MediaAddress slot = MediaUtils::parseSlotAddress(entry.slotUrl());
+    if (!slot.isValid())
         return false;
     m_kind = Kind::Entries;
     m_playlist = entry.playlistNumber();
     m_entries.append(entry);
+    m_entries.last().setSlotUrl(MediaUtils::toSlotAddress(slot)); // as the library writes it
     return true;
 }
 

@@ -33,12 +33,16 @@ bool isWhole(const QJsonValue& value, int least, int most)
 std::optional<PlaylistEntry> entryOf(const GuiMediaItem& item, const QJsonObject& object)
 {
     if (const auto* entry = dynamic_cast<const GuiPlaylistEntry*>(&item)) {
-        if (PlaylistPayload::isSound(object) && MediaUtils::parseSlotAddress(entry->slotUrl()).isValid())
-            return entry->toSdkEntry();
-    } else if (const auto* slot = dynamic_cast<const GuiMediaSlot*>(&item)) {
-        if (slot->address().isValid())
-            return newEntry(MediaUtils::toSlotAddress(slot->address()));
+        const MediaAddress slot = MediaUtils::parseSlotAddress(entry->slotUrl());
+        if (!PlaylistPayload::isSound(object) || !slot.isValid())
+            return std::nullopt;
+        GuiPlaylistEntry sound = *entry;
+        sound.setSlotUrl(MediaUtils::toSlotAddress(slot)); // as the library writes it
+        return sound.toSdkEntry();
     }
+    const auto* slot = dynamic_cast<const GuiMediaSlot*>(&item);
+    if (slot && slot->address().isValid())
+        return newEntry(MediaUtils::toSlotAddress(slot->address()));
     return std::nullopt;
 }
 
