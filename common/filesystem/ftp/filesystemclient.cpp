@@ -12,6 +12,11 @@ bool FileSystemClient::size(const QString&)
     return false;
 }
 
+bool FileSystemClient::writeAndPlace(const QString& path, QIODevice* device, const FtpPlacing&)
+{
+    return write(path, device, 0);
+}
+
 bool FileSystemClient::resumeWrite(const QString&, QIODevice*, qint64)
 {
     return false;

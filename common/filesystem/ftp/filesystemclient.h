@@ -1,6 +1,7 @@
 #pragma once
 
 #include "common/filesystem/ftp/clientlisting.h"
+#include "common/filesystem/ftp/ftpplacing.h"
 
 #include <QObject>
 
@@ -51,6 +52,11 @@ public:
     /// sequential. What is reported as done counts from the start of the file.
     virtual bool resumeWrite(const QString& path, QIODevice* device, qint64 offset);
     virtual bool resumeRead(const QString& path, QIODevice* device, qint64 offset);
+    /// As write(), of all that is in the device, and then gives it its place where nothing speaks against it:
+    /// lastOutcome(). A client that cannot do that only writes.
+    virtual bool writeAndPlace(const QString& path, QIODevice* device, const FtpPlacing& placing);
+    /// Of the last transfer, as far as it has come.
+    virtual FtpOutcome lastOutcome() const { return {}; }
     /// Why the last command failed, as plain text that may come from the server; empty after one that did
     /// not.
     virtual QString lastErrorText() const { return {}; }

@@ -81,6 +81,16 @@ bool FtpClient::read(const QString& path, QIODevice* device, qint64)
     return mayStart() && d->read(path, device, 0);
 }
 
+bool FtpClient::writeAndPlace(const QString& path, QIODevice* device, const FtpPlacing& placing)
+{
+    return mayStart() && d->writeAndPlace(path, device, placing);
+}
+
+FtpOutcome FtpClient::lastOutcome() const
+{
+    return d->lastOutcome();
+}
+
 bool FtpClient::resumeWrite(const QString& path, QIODevice* device, qint64 offset)
 {
     return mayStart() && d->resume(path, device, offset, QFtp::Put);

@@ -37,6 +37,8 @@ public:
     bool move(const QString& from, const QString& to) override;
     void abort() override;
     bool size(const QString& path) override;
+    bool writeAndPlace(const QString& path, QIODevice* device, const FtpPlacing& placing) override;
+    FtpOutcome lastOutcome() const override;
     bool resumeWrite(const QString& path, QIODevice* device, qint64 offset) override;
     bool resumeRead(const QString& path, QIODevice* device, qint64 offset) override;
     QString lastErrorText() const override;

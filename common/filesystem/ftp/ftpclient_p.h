@@ -37,6 +37,8 @@ public:
     bool move(const QString& from, const QString& to);
     bool write(const QString& path, QIODevice* device, qint64 offset);
     bool read(const QString& path, QIODevice* device, qint64 offset);
+    bool writeAndPlace(const QString& path, QIODevice* device, const FtpPlacing& placing);
+    FtpOutcome lastOutcome() const { return m_worker->outcome(m_transferId); }
     bool resume(const QString& path, QIODevice* device, qint64 offset, QFtp::Command command);
     bool size(const QString& path);
     void abort();
@@ -77,6 +79,7 @@ private:
     ClientFileSystemType getPathType(const QString& path) const;
     void rememberPath(const QString& path, ClientFileSystemType type, bool isSymLink = false);
     void forgetPath(const QString& path);
+    bool startWriting(int id, const QVariantList& paths);
     static QString pathKey(const QString& path);
 
     FtpClient* const m_q;
@@ -85,6 +88,7 @@ private:
     QTimer m_reconnectTimer;
     ClientCredentials m_credentials;
     CommandRequest m_active;
+    int m_transferId = 0;                    // of the last one
     FtpListing m_listing;                    // of the active LIST
     std::optional<ClientListing> m_prepared; // of the listing that is being told
     QHash<QString, Kinds> m_listed;          // by directory, without a "/" at its end, and name

@@ -265,21 +265,33 @@ bool FtpClientPrivate::move(const QString& from, const QString& to)
 
 bool FtpClientPrivate::write(const QString& path, QIODevice* device, qint64 offset)
 {
-    const int id = m_worker->put(device, path, QFtp::Binary, offset);
+    return startWriting(m_worker->put(device, path, QFtp::Binary, offset), {path});
+}
+
+bool FtpClientPrivate::writeAndPlace(const QString& path, QIODevice* device, const FtpPlacing& placing)
+{
+    return startWriting(m_worker->putAndPlace(device, path, placing), {path, placing.destination});
+}
+
+bool FtpClientPrivate::startWriting(int id, const QVariantList& paths)
+{
     if (id == 0)
         return false;
+    m_transferId = id;
     // Something may stand there whatever comes of it.
-    rememberPath(path, ClientFileSystemType::File);
-    setActiveCommand(QFtp::Put, id, QVariant(path));
+    rememberPath(paths.constFirst().toString(), ClientFileSystemType::File);
+    setActiveCommand(QFtp::Put, id, paths);
     return true;
 }
 
 bool FtpClientPrivate::read(const QString& path, QIODevice* device, qint64 offset)
 {
     const int id = m_worker->get(path, device, QFtp::Binary, offset);
-    if (id != 0)
-        setActiveCommand(QFtp::Get, id, QVariant(path));
-    return id != 0;
+    if (id == 0)
+        return false;
+    m_transferId = id;
+    setActiveCommand(QFtp::Get, id, QVariant(path));
+    return true;
 }
 
 bool FtpClientPrivate::resume(const QString& path, QIODevice* device, qint64 offset, QFtp::Command command)
@@ -388,6 +400,10 @@ void FtpClientPrivate::finishCommand(const CommandRequest& request, bool succeed
         Q_EMIT m_q->readFinished(path, succeeded);
         return;
     case QFtp::Put:
+        if (m_worker->outcome(request.id).placed == FtpOutcome::Done) {
+            rememberPath(request.path(1), ClientFileSystemType::File);
+            forgetPath(path);
+        }
         Q_EMIT m_q->writeFinished(path, succeeded);
         return;
     case QFtp::Remove:

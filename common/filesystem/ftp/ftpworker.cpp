@@ -35,6 +35,11 @@ void FtpWorker::run()
     connect(&ftp, &QFtp::listInfo, &ftp, [this](const QUrlInfo& info) { m_listing.add(info); });
     connect(&ftp, &QFtp::commandStarted, this, &FtpWorker::commandStarted, Qt::DirectConnection);
     connect(&ftp, &QFtp::dataTransferProgress, this, &FtpWorker::dataTransferProgress, Qt::DirectConnection);
+    connect(&ftp, &QFtp::outcomeChanged, &ftp, [&] {
+        const QMutexLocker lock(&m_mutex);
+        m_outcome = ftp.outcome();
+        m_outcomeId = ftp.currentId();
+    });
     connect(&ftp, &QFtp::fileSize, this, &FtpWorker::fileSize, Qt::DirectConnection);
     connect(&ftp, &QFtp::commandFinished, &ftp, [&](int id, bool error) {
         onCommandFinished(id, error ? ftp.error() : QFtp::NoError, error ? ftp.errorString() : QString());
@@ -135,6 +140,11 @@ int FtpWorker::put(QIODevice* device, const QString& path, QFtp::TransferType ty
     return transfer(device, [=](QFtp& ftp) { ftp.put(device, path, type, offset); });
 }
 
+int FtpWorker::putAndPlace(QIODevice* device, const QString& path, const FtpPlacing& placing)
+{
+    return transfer(device, [=](QFtp& ftp) { ftp.put(device, path, placing); });
+}
+
 int FtpWorker::get(const QString& path, QIODevice* device, QFtp::TransferType type, qint64 offset)
 {
     return transfer(device, [=](QFtp& ftp) { ftp.get(path, device, type, offset); });
@@ -178,6 +188,12 @@ QFtp::Error FtpWorker::getError(QString* text) const
     const QMutexLocker lock(&m_mutex);
     *text = m_errorText;
     return m_error;
+}
+
+FtpOutcome FtpWorker::outcome(int id) const
+{
+    const QMutexLocker lock(&m_mutex);
+    return id == m_outcomeId ? m_outcome : FtpOutcome();
 }
 
 /// A download has its full size on the disk from the start.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "common/filesystem/ftp/ftplisting.h"
+#include "common/filesystem/ftp/ftpplacing.h"
 #include "common/filesystem/ftp/qftp.h"
 
 #include <QMutex>
@@ -36,6 +37,7 @@ public:
     /// The device goes to the worker's thread, and comes back before the command is told to be finished.
     /// offset: bytes.
     int put(QIODevice* device, const QString& path, QFtp::TransferType type, qint64 offset = 0);
+    int putAndPlace(QIODevice* device, const QString& path, const FtpPlacing& placing);
     int get(const QString& path, QIODevice* device, QFtp::TransferType type, qint64 offset = 0);
     int size(const QString& path);
     void disconnectServer();
@@ -47,6 +49,8 @@ public:
     QFtp::State ftpState() const { return m_state; }
     /// Of the command that ended last.
     QFtp::Error getError(QString* text) const;
+    /// Of the transfer of that number, as far as it has come; nothing where another has begun since.
+    FtpOutcome outcome(int id) const;
 
     /// Ends the thread and waits for it. Commands under way are dropped; their devices are left alone then.
     void shutDown();
@@ -77,6 +81,8 @@ private:
     std::vector<Call> m_early; // from before it ran
     QFtp::Error m_error = QFtp::NoError;
     QString m_errorText;
+    FtpOutcome m_outcome;
+    int m_outcomeId = 0;
     std::atomic<QFtp::State> m_state{QFtp::Unconnected};
     QThread* const m_home;
     // On the worker's thread, of the transfer under way or waiting:

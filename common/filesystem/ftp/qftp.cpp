@@ -37,6 +37,11 @@ bool isLine(const QString& text)
     return text.endsWith(lineEnd) && isFtpArgument(text.chopped(2).toStdString()) && !isEmpty;
 }
 
+QString badName()
+{
+    return QFtp::tr("A name that is empty or holds a line break cannot be sent");
+}
+
 } // namespace
 
 QFtp::QFtp(QObject* parent)
@@ -63,7 +68,7 @@ int QFtp::add(Command kind, const QStringList& lines)
     auto command = std::make_unique<QFtpCommand>(kind, lines, d->nextId ? d->nextId : QFtpCommand::nextId());
     for (const QString& text : lines) {
         if (!isLine(text))
-            command->fault = tr("A name that is empty or holds a line break cannot be sent");
+            command->fault = badName();
     }
     return add(std::move(command));
 }
@@ -92,7 +97,8 @@ int QFtp::connectToHost(const QString& host, quint16 port)
 int QFtp::login(const QString& user, const QString& password)
 {
     return add(Login, {line("USER", user.isNull() ? QStringLiteral("anonymous") : user),
-                       line("PASS", password.isNull() ? QStringLiteral("anonymous@") : password)});
+                       line("PASS", password.isNull() ? QStringLiteral("anonymous@") : password),
+                       QStringLiteral("FEAT\r\n")});
 }
 
 int QFtp::close()
@@ -143,6 +149,7 @@ int QFtp::get(const QString& file, QIODevice* device, TransferType type, qint64 
         lines << line("REST", QString::number(offset));
     lines << line("RETR", file);
     const int id = add(Get, lines);
+    d->pending.back()->file = file;
     d->pending.back()->data = device;
     d->pending.back()->offset = offset;
     return id;
@@ -165,9 +172,24 @@ int QFtp::put(QIODevice* device, const QString& file, TransferType type, qint64 
         lines << line("REST", QString::number(offset));
     lines << line("STOR", file);
     const int id = add(Put, lines);
+    d->pending.back()->file = file;
     d->pending.back()->data = device;
     d->pending.back()->offset = offset;
     return id;
+}
+
+int QFtp::put(QIODevice* device, const QString& file, const FtpPlacing& placing)
+{
+    const int id = put(device, file, Binary, 0);
+    d->pending.back()->placing = placing;
+    if (!isLine(line("RNTO", placing.destination)))
+        d->pending.back()->fault = badName();
+    return id;
+}
+
+FtpOutcome QFtp::outcome() const
+{
+    return d->outcome;
 }
 
 int QFtp::remove(const QString& file)

@@ -11,6 +11,8 @@ class QIODevice;
 
 namespace vantrel {
 
+struct FtpOutcome;
+struct FtpPlacing;
 struct QFtpCommand;
 class QFtpPrivate;
 
@@ -67,6 +69,8 @@ public:
     int put(const QByteArray& data, const QString& file, TransferType type = Binary);
     /// A device that is not sequential is sent from offset on.
     int put(QIODevice* device, const QString& file, TransferType type = Binary, qint64 offset = 0);
+    /// All of the device, and then gives it its place: outcome().
+    int put(QIODevice* device, const QString& file, const FtpPlacing& placing);
     int remove(const QString& file);
     int mkdir(const QString& dir);
     int rmdir(const QString& dir);
@@ -83,6 +87,8 @@ public:
     /// Of files, both ways; 0: as fast as it goes.
     void setRateLimit(qint64 bytesPerSecond);
 
+    /// Of the transfer that runs, or of the last one.
+    FtpOutcome outcome() const;
     int currentId() const;
     Command currentCommand() const;
     QIODevice* currentDevice() const;
@@ -106,6 +112,7 @@ Q_SIGNALS:
     void dataTransferProgress(qint64 done, qint64 total);
     void rawCommandReply(int code, const QString& text);
     void fileSize(qint64 bytes);
+    void outcomeChanged();
     void commandStarted(int id);
     void commandFinished(int id, bool error);
     /// It was waiting, and will not begin.

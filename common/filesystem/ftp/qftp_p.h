@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/filesystem/ftp/ftpplacing.h"
 #include "common/filesystem/ftp/qftp.h"
 #include "common/filesystem/ftp/qftpcommand.h"
 #include "common/filesystem/ftp/qftppi.h"
@@ -33,6 +34,7 @@ public:
     QFtp::TransferMode transferMode = QFtp::Passive;
     QString host;
     quint16 port = 0;
+    FtpOutcome outcome;
 
     QFtpCommand* current() const { return pending.empty() ? nullptr : pending.front().get(); }
 
@@ -46,6 +48,13 @@ private:
     void schedule();
     void start(QFtpCommand& command);
     void startPut(QFtpCommand& command);
+    void onReply(int code, const QString& text);
+    void takeAnswer(const QFtpCommand& command, int code, const QString& text);
+    void takeChecksum(int code, const QString& text);
+    bool goOn(QFtpCommand& command);
+    bool askAboutIt(QFtpCommand& command);
+    bool giveName(QFtpCommand& command);
+    void setOutcome(FtpOutcome next);
     void rewriteForProxy(QFtpCommand& command) const;
     void finish(bool isError);
     QString described(const QString& text) const;
@@ -53,6 +62,13 @@ private:
     QFtp* const m_q;
     QString m_proxyHost;
     quint16 m_proxyPort = 0;
+    bool m_knowsChecksums = false; // the server
+    struct Answers
+    {
+        bool isWhole = false;
+        bool isFree = false;
+        bool isNamed = false; // the file, for its renaming
+    } m_answers;              // about the upload that runs
     bool m_isClosing = false; // QUIT was answered, and the connection is to go
 };
 

@@ -1,10 +1,12 @@
 #pragma once
 
+#include "common/filesystem/ftp/ftpplacing.h"
 #include "common/filesystem/ftp/qftp.h"
 
 #include <QByteArray>
 #include <QStringList>
 
+#include <optional>
 #include <variant>
 
 namespace vantrel {
@@ -24,6 +26,9 @@ struct QFtpCommand
     qint64 offset = 0;                                   // bytes, where data begin in the file
     QString fault;                                       // why it is not to be done at all
     bool isStarted = false;
+    QString file;                        // of Get and Put
+    std::optional<FtpPlacing> placing{}; // of Put
+    enum Step { Main, Questions, Renaming } step = Main;
 
     bool isByteArray() const { return std::holds_alternative<QByteArray>(data); }
     QIODevice* device() const { return isByteArray() ? nullptr : std::get<QIODevice*>(data); }

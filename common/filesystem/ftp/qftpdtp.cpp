@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <utility>
+#include <zlib.h>
 
 namespace vantrel {
 
@@ -75,6 +76,8 @@ void QFtpDTP::reset()
     m_bytesFromSocket.clear();
     m_bytesDone = m_sent = m_bytesTotal = 0;
     m_toldDone = -1;
+    m_isChecksumWanted = false;
+    m_checksum = 0;
 }
 
 void QFtpDTP::setBytesTotal(qint64 bytes)
@@ -253,9 +256,17 @@ void QFtpDTP::collect()
         size = m_socket->read(m_block.data(), m_block.size());
         if (size <= 0 || m_device->write(m_block.constData(), size) != size)
             break;
+        addToChecksum(m_block.constData(), size);
         m_bytesDone += size;
     }
     tellProgress(true);
+}
+
+void QFtpDTP::addToChecksum(const char* data, qint64 size)
+{
+    if (m_isChecksumWanted)
+        m_checksum = static_cast<quint32>(
+            ::crc32_z(m_checksum, reinterpret_cast<const Bytef*>(data), static_cast<z_size_t>(size)));
 }
 
 /// False when the transfer cannot go on.
@@ -279,6 +290,7 @@ bool QFtpDTP::consume(const char* data, qint64 size)
         fail(tr("Writing failed: %1").arg(m_device->errorString()));
         return false;
     }
+    addToChecksum(data, size);
     m_bytesDone += size;
     return true;
 }
@@ -463,6 +475,7 @@ bool QFtpDTP::sendBlock(qint64 most)
         socketConnectionClosed();
         return false;
     }
+    addToChecksum(m_block.constData(), size);
     m_sent += size;
     m_limit.spend(size);
     m_bytesDone = m_sent - m_socket->bytesToWrite();

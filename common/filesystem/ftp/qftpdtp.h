@@ -43,6 +43,11 @@ public:
     void reset();
     /// Of the whole file; tells the progress.
     void setBytesTotal(qint64 bytes);
+    qint64 bytesTotal() const { return m_bytesTotal; }
+    /// Of the next transfer the checksum is wanted, CRC-32, of all that passes between here and the device.
+    void setChecksumWanted(bool isWanted) { m_isChecksumWanted = isWanted; }
+    bool isChecksumWanted() const { return m_isChecksumWanted; }
+    quint32 checksum() const { return m_checksum; }
 
     void connectToHost(const QHostAddress& address, quint16 port);
     /// Listens for the server's connection. Its port, -1 where that is not possible.
@@ -95,6 +100,7 @@ private:
     void socketConnectionClosed();
     void socketBytesWritten();
     bool consume(const char* data, qint64 size);
+    void addToChecksum(const char* data, qint64 size);
     void readListing(QByteArrayView piece);
     void readListLine(const QByteArray& line);
     void sendBytes();
@@ -113,6 +119,8 @@ private:
     qint64 m_sent = 0;      // offset and what was handed to the socket
     qint64 m_bytesTotal = 0;
     qint64 m_offset = 0;
+    bool m_isChecksumWanted = false;
+    quint32 m_checksum = 0;
     bool m_callWriteData = false; // there is more to send
     bool m_isSending = false;     // the server said that it takes it
     bool m_isDropping = false;

@@ -21,11 +21,24 @@ constexpr auto drainTime = 300ms;    // some servers hear ABOR only when nobody 
 constexpr auto quietTime = 250ms;    // for the first answer to ABOR
 constexpr auto probeTime = 700ms;    // for that to NOOP
 constexpr auto closingPatience = 2s; // after the answer to QUIT
+constexpr qint64 slowDisk = 20'000;  // bytes a millisecond, at which a server may read a file through
 
 bool isTransfer(const QString& line)
 {
     return line.startsWith(QLatin1String("RETR")) || line.startsWith(QLatin1String("STOR")) ||
            line.startsWith(QLatin1String("LIST"));
+}
+
+/// The answer to a line decides nothing about the next, so that both go out in one.
+bool letsNextGo(const QString& line, const QString& next)
+{
+    const auto isOne = [](const QString& text, std::initializer_list<const char*> verbs) {
+        return std::ranges::any_of(verbs,
+                                   [&](const char* verb) { return text.startsWith(QLatin1String(verb)); });
+    };
+    if (isOne(line, {"PASV", "EPSV"}))
+        return isOne(next, {"ALLO "});
+    return isOne(line, {"SIZE ", "XCRC "}) && isOne(next, {"SIZE ", "XCRC ", "RNFR ", "PASV"});
 }
 
 /// Small lines go at once, and a pulled cable is noticed.
@@ -97,6 +110,7 @@ void QFtpPI::connectToHost(const QString& host, quint16 port)
     m_isOpen = true;
     m_state = Begin;
     m_reader.clear();
+    m_type = {};
     Q_EMIT connectState(QFtp::HostLookup);
     watch();
     m_commandSocket.connectToHost(host, port, QIODevice::ReadWrite, QAbstractSocket::AnyIPProtocol);
@@ -124,10 +138,11 @@ bool QFtpPI::sendCommands(const QStringList& lines)
 void QFtpPI::clearPendingCommands()
 {
     m_pendingCommands.clear();
+    m_unheard += std::exchange(m_ahead, 0);
     m_dtp.abortConnection();
     m_currentCmd.clear();
     m_waitForDtpToConnect = m_waitForDtpToClose = false;
-    m_isBusy = false;
+    m_isBusy = m_isAsking = false;
     if (m_state != Begin)
         m_state = Idle;
     watch();
@@ -188,6 +203,7 @@ void QFtpPI::drop(QFtp::Error error, const QString& text)
     m_state = Begin;
     m_rawCommand = false;
     clearPendingCommands();
+    m_unheard = 0;
     Q_EMIT connectState(QFtp::Unconnected);
     if (isOwed)
         tellError(error, why);
@@ -205,10 +221,12 @@ void QFtpPI::watch()
 {
     const bool isWanted =
         m_isOpen && (m_state == Begin || m_state == Waiting || m_waitForDtpToConnect || m_waitForDtpToClose);
-    if (isWanted)
-        m_watch.start(m_patience);
-    else
-        m_watch.stop();
+    if (!isWanted)
+        return m_watch.stop();
+    std::chrono::milliseconds patience = m_patience;
+    if (m_currentCmd.startsWith(QLatin1String("XCRC ")))
+        patience += std::chrono::milliseconds(m_dtp.bytesTotal() / slowDisk);
+    m_watch.start(patience);
 }
 
 void QFtpPI::losePatience()
@@ -224,13 +242,13 @@ void QFtpPI::losePatience()
 
 void QFtpPI::tellFinished(const QString& text)
 {
-    m_isBusy = false;
+    m_isBusy = m_isAsking = false;
     Q_EMIT finished(text);
 }
 
 void QFtpPI::tellError(QFtp::Error code, const QString& text)
 {
-    m_isBusy = false;
+    m_isBusy = m_isAsking = false;
     Q_EMIT error(code, text);
 }
 
@@ -260,6 +278,10 @@ bool QFtpPI::processReply()
     const int code = m_reply.code;
     if (m_abortState != AbortState::None)
         return processAbortReply(code);
+    if (m_unheard > 0) {
+        m_unheard -= code / 100 == 1 ? 0 : 1;
+        return true;
+    }
     const bool endsTransfer = code == 226 || (code == 250 && m_currentCmd.startsWith(QLatin1String("RETR")));
     if (endsTransfer && m_state == Waiting && isTransfer(m_currentCmd)) {
         m_dtp.waitForConnection(); // which may be in the queue still
@@ -287,8 +309,10 @@ bool QFtpPI::processReply()
         m_state = Failure;
     }
     watch();
+    if (m_currentCmd.startsWith(QLatin1String("TYPE ")))
+        m_type = m_state == Success ? m_currentCmd.at(5) : QChar();
     Q_EMIT rawFtpReply(code, m_replyText);
-    if (!m_rawCommand)
+    if (!m_rawCommand && !m_isAsking)
         actOnReply(code);
     else if (m_state != Waiting)
         m_rawCommand = false;
@@ -375,14 +399,17 @@ void QFtpPI::handleFailure()
     m_dtp.clearError();
     m_state = Idle;
     const bool isPassive = m_currentCmd.startsWith(QLatin1String("EPSV"));
+    if (m_isAsking)
+        return startNextCmd();
     if ((isPassive || m_currentCmd.startsWith(QLatin1String("EPRT"))) && m_transferConnectionExtended) {
         m_transferConnectionExtended = false;
-        m_pendingCommands.prepend(isPassive ? QStringLiteral("PASV\r\n") : QStringLiteral("PORT\r\n"));
+        m_pendingCommands.insert(m_ahead,
+                                 isPassive ? QStringLiteral("PASV\r\n") : QStringLiteral("PORT\r\n"));
     } else {
         Q_EMIT error(QFtp::UnknownError, m_replyText);
     }
     // Whoever heard it has ended the command, unless it can do without that line.
-    if (m_isBusy && m_state == Idle && !m_pendingCommands.isEmpty())
+    if (m_isBusy && m_state == Idle)
         startNextCmd();
 }
 
@@ -390,7 +417,16 @@ void QFtpPI::handleFailure()
 
 void QFtpPI::startNextCmd()
 {
-    if (m_waitForDtpToConnect)
+    if (m_state != Idle)
+        return;
+    // The server knows the type of data already.
+    const auto isStanding = [this](const QString& line) {
+        return line.startsWith(QLatin1String("TYPE ")) && line.at(5) == m_type;
+    };
+    while (!m_rawCommand && m_ahead == 0 && !m_pendingCommands.isEmpty() &&
+           isStanding(m_pendingCommands.constFirst()))
+        m_pendingCommands.removeFirst();
+    if (m_waitForDtpToConnect && m_ahead == 0)
         return; // nothing goes out until there is a way for the data
     if (m_pendingCommands.isEmpty()) {
         m_currentCmd.clear();
@@ -399,19 +435,32 @@ void QFtpPI::startNextCmd()
             tellFinished(m_replyText);
         return;
     }
-    if (m_state != Idle)
-        return;
     m_currentCmd = m_pendingCommands.takeFirst();
-    if (!prepareLine(m_currentCmd)) {
+    if (m_ahead == 0 && !prepareLine(m_currentCmd)) {
         clearPendingCommands();
         return tellError(QFtp::UnknownError, tr("No data connection is possible"));
     }
-    if (m_currentCmd.startsWith(QLatin1String("TYPE ")))
-        m_isBinary = m_currentCmd.startsWith(QLatin1String("TYPE I"));
     m_hadPreliminary = false;
     m_state = Waiting;
     watch();
-    m_commandSocket.write(m_currentCmd.toUtf8());
+    if (m_ahead > 0)
+        --m_ahead;
+    else
+        sendLines();
+}
+
+/// The current one, and those behind it that need not wait for its answer.
+void QFtpPI::sendLines()
+{
+    QByteArray text = m_currentCmd.toUtf8();
+    for (QString line = m_currentCmd; m_ahead < m_pendingCommands.size(); ++m_ahead) {
+        QString& next = m_pendingCommands[m_ahead];
+        if (!letsNextGo(std::exchange(line, next), next))
+            break;
+        prepareLine(next);
+        text += next.toUtf8();
+    }
+    m_commandSocket.write(text);
 }
 
 bool QFtpPI::prepareLine(QString& line)
@@ -464,6 +513,7 @@ void QFtpPI::dtpConnectState(int state)
         if (!std::exchange(m_waitForDtpToConnect, false))
             return;
         m_dtp.clearError();
+        m_unheard += m_state == Waiting ? 1 : 0;
         m_state = Idle;
         watch();
         tellError(QFtp::ConnectionRefused, tr("Connection refused for data connection"));
@@ -488,9 +538,10 @@ void QFtpPI::abort(const QString& why)
     m_abortReason = why;
     m_abortReplies = 0;
     m_probe = Probe::None;
-    m_isOwnReplyDue = m_state == Waiting && !m_hadPreliminary && !isTransfer(m_currentCmd);
+    const bool isOwnDue = m_state == Waiting && !m_hadPreliminary && !isTransfer(m_currentCmd);
+    m_ownReplies = std::exchange(m_ahead, 0) + std::exchange(m_unheard, 0) + (isOwnDue ? 1 : 0);
     m_waitForDtpToConnect = m_waitForDtpToClose = false;
-    m_rawCommand = false;
+    m_rawCommand = m_isAsking = false;
     m_dtp.dropData();
     m_dtp.clearError();
     m_commandSocket.write("ABOR\r\n");
@@ -542,7 +593,8 @@ bool QFtpPI::processAbortReply(int code)
 {
     if (code / 100 == 1)
         return true;
-    const bool isOwn = std::exchange(m_isOwnReplyDue, false);
+    const bool isOwn = m_ownReplies > 0;
+    m_ownReplies -= isOwn ? 1 : 0;
     if (!isOwn && ((m_probe == Probe::Noop && code == 200) || (m_probe == Probe::Pwd && code == 257))) {
         finishAbort();
         return true;

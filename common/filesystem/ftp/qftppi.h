@@ -42,11 +42,16 @@ public:
     QString currentCommand() const { return m_currentCmd; }
     /// Of the answer that is told as finished or as an error.
     int replyCode() const { return m_reply.code; }
-    bool isBinaryDownload() const { return m_isBinary && m_currentCmd.startsWith(QLatin1String("RETR")); }
+    bool isBinaryDownload() const
+    {
+        return m_type == QLatin1Char('I') && m_currentCmd.startsWith(QLatin1String("RETR"));
+    }
     bool isPeer(const QHostAddress& address) const;
     void setPatience(std::chrono::milliseconds patience) { m_patience = patience; }
     /// The next answer is told by rawFtpReply() and not acted upon.
     void setRawCommand() { m_rawCommand = true; }
+    /// The same for all lines of the next command, none of which can fail.
+    void setQuestions() { m_isAsking = true; }
     /// Extended passive and active mode may be tried again.
     void resetTransferConnection() { m_transferConnectionExtended = true; }
     QFtpDTP& dtp() { return m_dtp; }
@@ -73,6 +78,7 @@ private:
     void goOn();
     void handleFailure();
     void startNextCmd();
+    void sendLines();
     bool prepareLine(QString& line);
     bool preparePort(QString& line);
     void dtpConnectState(int state);
@@ -93,18 +99,21 @@ private:
     State m_state = Begin;
     AbortState m_abortState = AbortState::None;
     QString m_abortReason;
-    bool m_isOwnReplyDue = false; // of the command that was given up
+    int m_ownReplies = 0; // still to come to the lines that were given up
     int m_abortReplies = 0;
     enum class Probe { None, Noop, Pwd } m_probe = Probe::None; // what went out to get in step again
     QStringList m_pendingCommands;
+    int m_ahead = 0;   // of these, sent already
+    int m_unheard = 0; // answers that nobody waits for any more
+    QChar m_type;      // of data, as the server was told last
+    bool m_isAsking = false;
     QString m_currentCmd;
     bool m_rawCommand = false;
     bool m_transferConnectionExtended = true;
     bool m_waitForDtpToConnect = false;
     bool m_waitForDtpToClose = false;
-    bool m_isBusy = false; // finished() or error() is owed
-    bool m_isOpen = false; // connected() or on the way there
-    bool m_isBinary = false;
+    bool m_isBusy = false;         // finished() or error() is owed
+    bool m_isOpen = false;         // connected() or on the way there
     bool m_hadPreliminary = false; // a 1yz to the current line
     std::chrono::milliseconds m_patience;
     QTimer m_watch;

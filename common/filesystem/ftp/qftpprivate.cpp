@@ -4,6 +4,7 @@
 #include <QIODevice>
 #include <QTimer>
 
+#include <algorithm>
 #include <utility>
 
 namespace vantrel {
@@ -12,10 +13,33 @@ namespace {
 
 constexpr int noRoom = 552; // an answer
 
+QString question(const char* verb, const QString& file)
+{
+    return QLatin1String(verb) + QLatin1Char(' ') + file + QLatin1String("\r\n");
+}
+
+/// Of the answer to FEAT (RFC 2389), a line for each.
+bool knowsChecksums(const QString& features)
+{
+    const QStringList lines = features.split(QLatin1Char('\n'));
+    return std::ranges::any_of(lines, [](const QString& line) {
+        return line.simplified()
+                   .section(QLatin1Char(' '), 0, 0)
+                   .compare(QLatin1String("XCRC"), Qt::CaseInsensitive) == 0;
+    });
+}
+
+/// Servers differ in whether a name with blanks wants to be quoted; quoted it is one word to all of them.
+QString checksumQuestion(const QString& file)
+{
+    const QLatin1Char quote('"');
+    return question("XCRC", file.contains(quote) ? file : quote + file + quote);
+}
+
 /// A server may say back what it was told, and what it says is shown and written to the log.
 QString withoutPassword(QString text, const QFtpCommand& login)
 {
-    const QString password = login.rawCmds.constLast().mid(int(sizeof("PASS"))).trimmed();
+    const QString password = login.rawCmds.at(1).mid(int(sizeof("PASS"))).trimmed();
     return password.isEmpty() ? text : text.replace(password, QStringLiteral("***"));
 }
 
@@ -27,10 +51,7 @@ QFtpPrivate::QFtpPrivate(QFtp* q)
     connect(&pi, &QFtpPI::connectState, this, &QFtpPrivate::_q_piConnectState);
     connect(&pi, &QFtpPI::finished, this, &QFtpPrivate::_q_piFinished);
     connect(&pi, &QFtpPI::error, this, &QFtpPrivate::_q_piError);
-    connect(&pi, &QFtpPI::rawFtpReply, this, [this](int code, const QString& text) {
-        if (current() && current()->command == QFtp::RawCommand)
-            Q_EMIT m_q->rawCommandReply(code, text);
-    });
+    connect(&pi, &QFtpPI::rawFtpReply, this, &QFtpPrivate::onReply);
     connect(&pi, &QFtpPI::fileSize, this, [this](qint64 bytes) {
         if (current() && current()->command == QFtp::Size)
             Q_EMIT m_q->fileSize(bytes);
@@ -101,7 +122,9 @@ void QFtpPrivate::start(QFtpCommand& command)
         Q_EMIT m_q->stateChanged(state);
         break;
     case QFtp::Get:
+        setOutcome({});
         pi.dtp().setDevice(command.device(), command.offset);
+        pi.dtp().setChecksumWanted(m_knowsChecksums && command.device() && command.offset == 0);
         break;
     case QFtp::Put:
         startPut(command);
@@ -119,6 +142,9 @@ void QFtpPrivate::start(QFtpCommand& command)
 void QFtpPrivate::startPut(QFtpCommand& command)
 {
     QFtpDTP& dtp = pi.dtp();
+    setOutcome({});
+    m_answers = {};
+    dtp.setChecksumWanted(m_knowsChecksums && command.placing);
     if (command.isByteArray()) {
         auto& data = std::get<QByteArray>(command.data);
         dtp.setData(&data);
@@ -140,6 +166,101 @@ void QFtpPrivate::startPut(QFtpCommand& command)
     }
 }
 
+// ------------------------------------------------------------------ what comes behind the bytes
+
+void QFtpPrivate::setOutcome(FtpOutcome next)
+{
+    outcome = next;
+    Q_EMIT m_q->outcomeChanged();
+}
+
+void QFtpPrivate::onReply(int code, const QString& text)
+{
+    const QFtpCommand* const command = current();
+    if (!command)
+        return;
+    if (command->command == QFtp::RawCommand)
+        Q_EMIT m_q->rawCommandReply(code, text);
+    else if (command->step == QFtpCommand::Questions)
+        takeAnswer(*command, code, text);
+    else if (command->command == QFtp::Login && pi.currentCommand().startsWith(QLatin1String("FEAT")))
+        m_knowsChecksums = code == 211 && knowsChecksums(text);
+}
+
+void QFtpPrivate::takeAnswer(const QFtpCommand& command, int code, const QString& text)
+{
+    const QString line = pi.currentCommand();
+    if (line.startsWith(QLatin1String("XCRC ")))
+        takeChecksum(code, text);
+    else if (!command.placing)
+        return;
+    else if (line.startsWith(QLatin1String("RNFR ")))
+        m_answers.isNamed = code / 100 == 3;
+    else if (line == question("SIZE", command.file))
+        m_answers.isWhole = code == 213 && text.simplified() == QString::number(command.placing->size);
+    else
+        m_answers.isFree = code / 100 == 5;
+}
+
+void QFtpPrivate::takeChecksum(int code, const QString& text)
+{
+    bool isNumber = false;
+    const quint32 theirs = text.simplified().section(QLatin1Char(' '), 0, 0).toUInt(&isNumber, 16);
+    if (code / 100 == 2 && isNumber)
+        setOutcome(
+            {outcome.placed, theirs == pi.dtp().checksum() ? FtpOutcome::Same : FtpOutcome::Different});
+}
+
+/// True when there is more to do than the lines of the command that are done.
+bool QFtpPrivate::goOn(QFtpCommand& command)
+{
+    switch (command.step) {
+    case QFtpCommand::Main:
+        return (command.command == QFtp::Get || command.command == QFtp::Put) && askAboutIt(command);
+    case QFtpCommand::Questions:
+        return giveName(command);
+    case QFtpCommand::Renaming:
+        setOutcome({FtpOutcome::Done, outcome.check});
+        break;
+    }
+    return false;
+}
+
+/// None of the questions needs the answer to another one, and a RNFR alone does nothing.
+bool QFtpPrivate::askAboutIt(QFtpCommand& command)
+{
+    QStringList lines;
+    if (pi.dtp().isChecksumWanted())
+        lines << checksumQuestion(command.file);
+    if (command.placing) {
+        lines << question("SIZE", command.file);
+        if (!command.placing->mayReplace)
+            lines << question("SIZE", command.placing->destination);
+        lines << question("RNFR", command.file);
+    }
+    if (lines.isEmpty())
+        return false;
+    command.step = QFtpCommand::Questions;
+    pi.setQuestions();
+    pi.sendCommands(lines);
+    return true;
+}
+
+bool QFtpPrivate::giveName(QFtpCommand& command)
+{
+    if (!command.placing)
+        return false;
+    const bool isReady = m_answers.isWhole && m_answers.isNamed &&
+                         (m_answers.isFree || command.placing->mayReplace) &&
+                         outcome.check != FtpOutcome::Different;
+    if (!isReady || (command.placing->isWanted && !command.placing->isWanted()))
+        return false;
+    command.step = QFtpCommand::Renaming;
+    setOutcome({FtpOutcome::Unknown, outcome.check});
+    pi.sendCommands({question("RNTO", command.placing->destination)});
+    return true;
+}
+
 void QFtpPrivate::rewriteForProxy(QFtpCommand& command) const
 {
     if (m_proxyHost.isEmpty())
@@ -159,6 +280,8 @@ void QFtpPrivate::_q_piFinished(const QString& text)
         m_isClosing = true;
         return pi.closeSoon();
     }
+    if (goOn(*command))
+        return;
     // Said of a folder that is not there, by servers that read patterns.
     const bool isMissing =
         command->command == QFtp::List && text.endsWith(QLatin1String("\r\n0 matches total"));
@@ -220,6 +343,10 @@ void QFtpPrivate::_q_piError(int code, const QString& text)
         return;
     }
     const QString line = pi.currentCommand();
+    if (command->command == QFtp::Login && line.startsWith(QLatin1String("FEAT")) && state == QFtp::LoggedIn)
+        return; // it knows no more than it has to
+    if (command->step == QFtpCommand::Renaming && state != QFtp::Unconnected)
+        setOutcome({FtpOutcome::Refused, outcome.check});
     if (command->command == QFtp::Get && line.startsWith(QLatin1String("SIZE "))) {
         pi.dtp().setBytesTotal(0);
         return;
@@ -264,8 +391,12 @@ void QFtpPrivate::abort()
         return;
     const QString why = QFtp::tr("Aborted");
     dropWaiting(why, true);
+    const bool isIn =
+        command->command == QFtp::Login && state == QFtp::LoggedIn; // and has one answer to come
     if (!command->isStarted)
         command->fault = why;
+    else if (isIn)
+        return;
     else if (command->command == QFtp::ConnectToHost || command->command == QFtp::Login)
         pi.drop(QFtp::NotConnected, why);
     else if (command->command != QFtp::Close)
