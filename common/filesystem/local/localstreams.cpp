@@ -1,6 +1,5 @@
 #include "common/filesystem/local/localstreams.h"
 
-#include "common/filesystem/local/copywork.h"
 #include "common/filesystem/local/hiddenitems.h"
 #include "common/filesystem/local/systemfile.h"
 #include "common/filesystem/model/filesize.h"
@@ -12,8 +11,6 @@
 #include <QFileInfo>
 
 #include <algorithm>
-#include <cerrno>
-#include <cstdio>
 #include <sys/statvfs.h>
 #include <unistd.h>
 #include <utility>
@@ -39,23 +36,13 @@ void closeStream(const QSharedPointer<QFile>& file)
     file->close();
 }
 
-int place(const std::string& hidden, const std::string& path, bool isReplacing)
-{
-    JobControl nobody(
-        ConflictPolicy::Refuse, [] {}, [](const TransferConflict&) {});
-    if (const int error = CopyWork(nobody).flush(hidden))
-        return error;
-    if (!isReplacing)
-        return renameNoReplace(hidden, path);
-    return std::rename(hidden.c_str(), path.c_str()) == 0 ? 0 : errno;
-}
-
 } // namespace
 
 LocalStreams::LocalStreams(FileSystem* fileSystem, StartJob startJob, QObject* parent)
     : QObject(parent)
     , m_fileSystem(fileSystem)
     , m_startJob(std::move(startJob))
+    , m_settling(m_startJob, nullptr)
 {
 }
 
@@ -169,7 +156,8 @@ bool LocalStreams::initializeIncomingTransfer(const QSharedPointer<FileTransferO
         return false;
     }
     const QString hidden = textOf(hiddenPathBeside(bytesOf(path)));
-    const QSharedPointer<QFile> file = openFile(hidden, QIODeviceBase::WriteOnly | QIODeviceBase::NewOnly);
+    const QSharedPointer<QFile> file =
+        openFile(hidden, QIODeviceBase::WriteOnly | QIODeviceBase::NewOnly | QIODeviceBase::Unbuffered);
     if (!file) {
         operation->addErrorText(tr("%1 could not be written.").arg(bold(path)));
         return false;
@@ -177,7 +165,8 @@ bool LocalStreams::initializeIncomingTransfer(const QSharedPointer<FileTransferO
     operation->setOutput(file);
     m_receiving.insert(hidden);
     m_progressMarks.insert(path, 0);
-    watchIncoming(operation, {path, hidden, file, isReplacing});
+    watchIncoming(operation, {path, hidden, file, isReplacing, std::make_shared<std::atomic_bool>(false),
+                              std::make_shared<bool>(false)});
     return true;
 }
 
@@ -213,7 +202,10 @@ void LocalStreams::watchIncoming(const QSharedPointer<FileTransferOperation>& op
     connect(sender, &BaseOperation::operationStopped, this, [this, incoming] {
         m_receiving.remove(incoming.hidden);
         m_progressMarks.remove(incoming.path);
-        // What did not become whole goes; what did has another name by now.
+        if (*incoming.isPlaced)
+            return;
+        // What did not become whole goes.
+        *incoming.isDropped = true;
         m_startJob(
             [hidden = bytesOf(incoming.hidden)](JobControl&) {
                 ::unlink(hidden.c_str());
@@ -245,25 +237,24 @@ void LocalStreams::checkRoom(const QSharedPointer<FileTransferOperation>& operat
 void LocalStreams::takeIncoming(const QSharedPointer<FileTransferOperation>& operation,
                                 const Incoming& incoming)
 {
-    const auto work = [incoming](JobControl&) {
-        sweepHidden(parentOf(bytesOf(incoming.path)));
-        const int error = place(bytesOf(incoming.hidden), bytesOf(incoming.path), incoming.isReplacing);
-        if (!error)
-            return JobResult{JobResult::Done, incoming.path, {}};
-        return JobResult{JobResult::Failed,
-                         {},
-                         {tr("%1 could not be written: %2.").arg(bold(incoming.path), reasonText(error))}};
-    };
-    m_startJob(work, [this, incoming, ref = OperationRef(operation)](const JobResult& result) {
-        const bool isPlaced = result.outcome == JobResult::Done;
-        if (isPlaced)
+    const auto onSettled = [this, incoming, ref = OperationRef(operation)](int error) {
+        *incoming.isPlaced = error == 0;
+        if (error == 0)
             Q_EMIT received(incoming.path);
-        if (const auto transfer = ref.toStrongRef(); transfer && !transfer->hasFinished()) {
-            for (const QString& error : result.errors)
-                transfer->addErrorText(error);
-            transfer->setReady(transfer->to(), isPlaced);
-        }
-    });
+        const auto transfer = ref.toStrongRef();
+        if (!transfer || transfer->hasFinished())
+            return;
+        if (error)
+            transfer->addErrorText(
+                tr("%1 could not be written: %2.").arg(bold(incoming.path), reasonText(error)));
+        transfer->setReady(transfer->to(), error == 0);
+    };
+    m_settling.add(
+        {bytesOf(incoming.hidden), bytesOf(incoming.path), incoming.isReplacing, incoming.isDropped},
+        onSettled);
+    // Of a move the source is still to go.
+    if (operation->transferType() == TransferOperation::Copy)
+        operation->setSettling();
 }
 
 } // namespace vantrel

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "common/filesystem/local/filejob.h"
+#include "common/filesystem/local/settlequeue.h"
 
 #include <QFile>
 #include <QMap>
@@ -22,8 +22,7 @@ class LocalStreams : public QObject
 
 public:
     /// Runs the work beside the main thread and hands over how it ended.
-    using StartJob =
-        std::function<void(FileJob::Work work, std::function<void(const JobResult&)> onFinished)>;
+    using StartJob = SettleQueue::StartJob;
 
     LocalStreams(FileSystem* fileSystem, StartJob startJob, QObject* parent);
     ~LocalStreams() override;
@@ -47,6 +46,8 @@ private:
         QString hidden;
         QSharedPointer<QFile> file;
         bool isReplacing;
+        std::shared_ptr<std::atomic_bool> isDropped;
+        std::shared_ptr<bool> isPlaced;
     };
 
     QSharedPointer<QFile> openFile(const QString& path, QIODeviceBase::OpenMode mode);
@@ -59,6 +60,7 @@ private:
 
     FileSystem* m_fileSystem;
     StartJob m_startJob;
+    SettleQueue m_settling;
     QMap<QString, QSharedPointer<QFile>> m_openFiles;
     QSet<QString> m_receiving;
     QMap<QString, double> m_progressMarks;

@@ -157,6 +157,7 @@ void DirectoryTransferOperation::setRetryOf(const TransferOperation& failed)
     m_hasPlace = true;
     m_name = before->m_name;
     m_arrived = before->m_arrived;
+    m_verified = before->m_verified;
 }
 
 void DirectoryTransferOperation::fail(const QString& message)
@@ -275,8 +276,10 @@ OperationPtr DirectoryTransferOperation::createSubOperation(FileSystemPath const
 OperationPtr DirectoryTransferOperation::createFileOperation(const FileSystemPath& path,
                                                              const FileSystemTarget& to)
 {
+    ++m_fileCount;
     if (isThereAlready(path))
         return {};
+    m_verified.remove(path.path);
     const FileSystemTarget source{from().fileSystem, path.path};
     OperationPtr operation;
     if (transferType() == Copy || path.isLinked)
@@ -295,8 +298,16 @@ OperationPtr DirectoryTransferOperation::createFileOperation(const FileSystemPat
     connect(transfer, &TransferOperation::transferredBytesChanged, this,
             &DirectoryTransferOperation::handleTransferOperationTransferredBytesChanged);
     connect(transfer, &RunnableOperation::operationSucceeded, this,
-            [this, transfer] { m_arrived.insert(transfer->from().fullPath, transfer->to().fullPath); });
+            [this, transfer] { noteArrived(*transfer); });
     return operation;
+}
+
+void DirectoryTransferOperation::noteArrived(const TransferOperation& transfer)
+{
+    const QString path = transfer.from().fullPath;
+    m_arrived.insert(path, transfer.to().fullPath);
+    if (transfer.isVerified())
+        m_verified.insert(path);
 }
 
 /// A retry leaves out what the attempt before has brought over, and nothing else: what only has the same name

@@ -5,6 +5,7 @@
 #include "common/filesystem/operations/transferoperation.h"
 
 #include <QHash>
+#include <QSet>
 
 namespace vantrel {
 
@@ -29,6 +30,8 @@ public:
     QList<OperationError> errors() const override;
     bool setRunning(bool running) override;
     bool accept(OperationVisitor* visitor) override;
+    /// All of its files were.
+    bool isVerified() const override { return m_fileCount > 0 && m_verified.size() == m_fileCount; }
     /// Goes on where that has come to: into the same directory, without what has arrived there.
     void setRetryOf(const TransferOperation& failed) override;
 
@@ -64,6 +67,7 @@ private:
     void checkRoom(qint64 neededBytes);
     void fail(const QString& message);
     OperationPtr createFileOperation(const FileSystemPath& path, const FileSystemTarget& to);
+    void noteArrived(const TransferOperation& transfer);
     bool isThereAlready(const FileSystemPath& path) const;
 
     AbstractOperationFactory* m_factory;
@@ -73,6 +77,8 @@ private:
     QString m_name;                                                // of the directory at its destination
     bool m_hasPlace = false;           // the directory of that name is the operation's to fill
     QHash<QString, QString> m_arrived; // by source path, where what has been brought over lies
+    QSet<QString> m_verified;          // of these, the compared ones
+    qsizetype m_fileCount = 0;         // of the source
     bool m_isNameAsked = false;        // whether the directory itself may be merged with one that is there
     bool m_isStopping = false;
     QHash<QString, unsigned long long> m_bytes; // transferred, of each source path

@@ -17,6 +17,7 @@ constexpr int fallbackTick = 50;       // milliseconds; what wakes the runner is
 constexpr int progressInterval = 1000; // milliseconds
 constexpr qint64 sliceTime = 5;        // milliseconds of making or letting go before the window may breathe
 constexpr int discardedAtOnce = 100;
+constexpr qsizetype maxSettling = 128;
 
 qint64 now()
 {
@@ -62,6 +63,7 @@ RecursiveOperationRunner::RecursiveOperationRunner(SubOperationCreator* creator,
 RecursiveOperationRunner::~RecursiveOperationRunner()
 {
     letGo(std::move(m_pending));
+    letGo(std::move(m_settling));
     letGo(std::move(m_finished));
 }
 
@@ -73,10 +75,10 @@ bool RecursiveOperationRunner::isRunning() const
 QList<QWeakPointer<BaseOperation>> RecursiveOperationRunner::operations() const
 {
     QList<QWeakPointer<BaseOperation>> all;
-    all.reserve(m_pending.size() + m_finished.size() + 1);
+    all.reserve(m_pending.size() + m_settling.size() + m_finished.size() + 1);
     if (m_active)
         all.append(m_active->operation);
-    for (const QList<EntryPtr>& entries : {m_pending, m_finished})
+    for (const QList<EntryPtr>& entries : {m_settling, m_pending, m_finished})
         for (const EntryPtr& entry : entries)
             all.append(entry->operation);
     return all;
@@ -180,16 +182,60 @@ void RecursiveOperationRunner::wake()
 void RecursiveOperationRunner::runNextOperation()
 {
     m_isWoken = false;
-    if (m_state != RunningOperations)
+    if (m_state != RunningOperations || !closeSettled() || !makeRoom())
         return;
-    if (m_active && (!m_active->operation->hasFinished() || !closeActive()))
-        return;
-    if (m_pending.isEmpty()) {
+    if (m_pending.isEmpty() && m_settling.isEmpty()) {
         qCDebug(lcFileSystem) << "Sub-operation queue is empty. Finished:" << m_finished.size();
         finishRunner(true);
-    } else if (areTargetsReady(m_pending.constFirst()->operation)) {
+    } else if (!m_pending.isEmpty() && areTargetsReady(m_pending.constFirst()->operation)) {
         startNext();
     }
+}
+
+/// False when the next one has to wait for the active one, or the runner has ended.
+bool RecursiveOperationRunner::makeRoom()
+{
+    if (!m_active)
+        return true;
+    if (m_active->operation->hasFinished())
+        return closeActive();
+    const RunnableOperation* operation = runnable(m_active->operation);
+    if (!operation || !operation->isSettling() || m_settling.size() >= maxSettling)
+        return false;
+    m_settling.append(std::exchange(m_active, nullptr));
+    return true;
+}
+
+/// Takes those out of the way that have settled. False when one could not, or nothing more is to begin.
+bool RecursiveOperationRunner::closeSettled()
+{
+    bool isAllWell = true;
+    m_settling.removeIf([&](const EntryPtr& entry) {
+        if (!entry->operation->hasFinished())
+            return false;
+        const RunnableOperation* operation = runnable(entry->operation);
+        if (operation && operation->state() == RunnableOperation::Failed) {
+            m_errors += operation->errors();
+            entry->operation->disconnect(this);
+            isAllWell = false;
+        } else {
+            close(entry);
+        }
+        return true;
+    });
+    if (isAllWell && !m_isFailing)
+        return true;
+    finishRunner(false);
+    return false;
+}
+
+void RecursiveOperationRunner::close(const EntryPtr& entry)
+{
+    entry->operation->disconnect(this);
+    if (entry->path.type == FileSystemPath::File)
+        m_doneBytes += entry->path.sizeBytes;
+    ++m_doneItems;
+    m_finished.append(entry);
 }
 
 /// Takes the one that has ended out of the way; false when its failure has ended the runner.
@@ -205,11 +251,7 @@ bool RecursiveOperationRunner::closeActive()
         finishRunner(false);
         return false;
     }
-    m_active->operation->disconnect(this);
-    if (m_active->path.type == FileSystemPath::File)
-        m_doneBytes += m_active->path.sizeBytes;
-    ++m_doneItems;
-    m_finished.append(std::exchange(m_active, nullptr));
+    close(std::exchange(m_active, nullptr));
     return true;
 }
 
@@ -231,8 +273,10 @@ void RecursiveOperationRunner::startNext()
             &RecursiveOperationRunner::updateProgress);
     connect(operation.data(), &BaseOperation::operationStopped, this, &RecursiveOperationRunner::wake);
     qCDebug(lcFileSystem) << "Starting next sub-operation:" << *operation << "- Pending:" << m_pending.size();
-    if (RunnableOperation* next = runnable(operation))
+    if (RunnableOperation* next = runnable(operation)) {
+        connect(next, &RunnableOperation::settling, this, &RecursiveOperationRunner::wake);
         next->run();
+    }
     updateProgress();
 }
 
@@ -253,6 +297,10 @@ void RecursiveOperationRunner::finishRunner(bool succeeded)
         if (lister->isRunning())
             lister->stop();
     }
+    // What is whole and only needs its name gets it: the retry would find it in its way.
+    if (const RunnableOperation* active = m_active ? runnable(m_active->operation) : nullptr;
+        active && active->isRunning() && active->isSettling())
+        m_settling.append(std::exchange(m_active, nullptr));
     if (m_active) {
         const OperationPtr operation = m_active->operation;
         RunnableOperation* active = runnable(operation);
@@ -266,7 +314,9 @@ void RecursiveOperationRunner::finishRunner(bool succeeded)
         operation->disconnect(this);
         m_active.reset();
     }
-    endWith(succeeded);
+    m_isFailing = !succeeded;
+    if (m_settling.isEmpty())
+        endWith(succeeded);
 }
 
 void RecursiveOperationRunner::endWith(bool succeeded)
@@ -295,7 +345,9 @@ void RecursiveOperationRunner::updateProgress()
     double done = static_cast<double>(m_doneBytes);
     if (m_active && m_active->path.type == FileSystemPath::File)
         done += static_cast<double>(m_active->path.sizeBytes) * m_active->operation->progress();
-    const qsizetype items = m_pending.size() + m_finished.size() + (m_active ? 1 : 0);
+    for (const EntryPtr& entry : std::as_const(m_settling))
+        done += static_cast<double>(entry->path.sizeBytes);
+    const qsizetype items = m_pending.size() + m_settling.size() + m_finished.size() + (m_active ? 1 : 0);
     if (m_totalBytes > 0)
         m_progress = done / static_cast<double>(m_totalBytes);
     else // empty files and directories: by number

@@ -15,7 +15,8 @@ class SubOperationCreator;
 
 /// Carries out an operation on a directory: has it listed, makes an operation for each item and runs these
 /// one after the other, each as soon as the one before has ended and the file systems can take it. The
-/// operation on the directory owns it; main thread only.
+/// operation on the directory owns it; main thread only. What only settles on a disk does not hold up the
+/// next.
 class RecursiveOperationRunner : public QObject
 {
     Q_OBJECT
@@ -75,6 +76,9 @@ private:
     void startOperations();
     void runNextOperation();
     bool closeActive();
+    bool makeRoom();
+    void close(const EntryPtr& entry);
+    bool closeSettled();
     bool areTargetsReady(const OperationPtr& operation);
     void wake();
     void startNext();
@@ -89,6 +93,7 @@ private:
     QWeakPointer<RecursiveDirectoryLister> m_lister;
     QTimer m_timer;
     EntryPtr m_active;
+    QList<EntryPtr> m_settling;
     QList<EntryPtr> m_pending;
     QList<EntryPtr> m_finished;
     QList<OperationError> m_errors;
@@ -97,6 +102,7 @@ private:
     qsizetype m_nextPath = 0;      // in m_paths
     TargetWatch m_watch;
     bool m_isWoken = false;
+    bool m_isFailing = false;            // it ends when all that settles has done so
     bool m_isWaiting = false;            // for a file system, which has been said
     unsigned long long m_totalBytes = 0; // of the files of all entries
     unsigned long long m_doneBytes = 0;  // of the finished ones

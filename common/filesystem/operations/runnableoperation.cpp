@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace vantrel {
 
@@ -197,6 +198,12 @@ bool RunnableOperation::setReady(FileSystemTarget target, bool isSuccessful)
     m_ready.insert(target, isSuccessful);
     Q_EMIT targetIsReady(target, isSuccessful);
     return true;
+}
+
+void RunnableOperation::setSettling()
+{
+    if (!std::exchange(m_isSettling, true))
+        Q_EMIT settling();
 }
 
 QDebug operator<<(QDebug debug, RunnableOperation::OperationState state)

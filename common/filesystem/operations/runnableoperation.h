@@ -61,6 +61,10 @@ public:
     bool isReady(FileSystemTarget target, bool* success) const;
     /// One end of the work reports. False for a target that is none of its own or has reported before.
     bool setReady(FileSystemTarget target, bool isSuccessful);
+    /// What is left of its work takes nothing from others: whoever runs one after the other may begin the
+    /// next.
+    bool isSettling() const { return m_isSettling; }
+    void setSettling();
     /// addError() with the text and the time of now. Names and paths in it must come escaped.
     void addErrorText(const QString& message);
 
@@ -68,6 +72,7 @@ Q_SIGNALS:
     void operationFailed();
     void operationSucceeded();
     void operationAborted();
+    void settling();
     void targetIsReady(vantrel::FileSystemTarget target, bool isSuccessful);
     void errorsChanged();
 
@@ -81,6 +86,7 @@ private:
     OperationState m_state = NotStarted;
     double m_progress = 0;
     bool m_isAborting = false;
+    bool m_isSettling = false;
     QMap<FileSystemTarget, bool> m_ready;
     QList<OperationError> m_errors;
 };

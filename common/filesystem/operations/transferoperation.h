@@ -46,6 +46,10 @@ public:
     virtual void setRetryOf(const TransferOperation& failed);
     bool isRetry() const { return m_isRetry; }
 
+    /// Both sides were compared, byte by byte or by a checksum of all of it, and are the same.
+    virtual bool isVerified() const { return m_isVerified; }
+    void setVerified(bool isVerified) { m_isVerified = isVerified; }
+
     /// Refuse until somebody says otherwise. Set it before the operation starts.
     ConflictPolicy conflictPolicy() const;
     void setConflictPolicy(ConflictPolicy policy);
@@ -95,6 +99,7 @@ private:
     quint16 m_etaSeconds = 0;
     std::deque<Sample> m_samples;
     bool m_isRetry = false;
+    bool m_isVerified = false;
     ConflictPolicy m_conflictPolicy = ConflictPolicy::Refuse;
     std::optional<TransferConflict> m_conflict;
 };

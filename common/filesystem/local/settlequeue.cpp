@@ -1,0 +1,165 @@
+#include "common/filesystem/local/settlequeue.h"
+
+#include "common/filesystem/local/copywork.h"
+#include "common/filesystem/local/hiddenitems.h"
+#include "common/filesystem/local/systemfile.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <fcntl.h>
+#include <unistd.h>
+#include <utility>
+
+namespace vantrel {
+
+using namespace systemfile;
+
+namespace {
+
+constexpr std::size_t oneByOne =
+    3; // as many are made sure of each on its own, and the rest of the disk left alone
+
+int flush(const std::string& path)
+{
+    JobControl nobody(
+        ConflictPolicy::Refuse, [] {}, [](const TransferConflict&) {});
+    return CopyWork(nobody).flush(path);
+}
+
+/// Of the whole disk, through one item on it.
+int flushDisk(const std::string& path)
+{
+    const Handle item(::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC));
+    if (!item.isOpen())
+        return errno;
+    return ::syncfs(item.get()) == 0 ? 0 : errno;
+}
+
+int place(const SettleQueue::Item& item)
+{
+    if (*item.isDropped)
+        return ECANCELED;
+    if (!item.isReplacing)
+        return renameNoReplace(item.hidden, item.path);
+    return std::rename(item.hidden.c_str(), item.path.c_str()) == 0 ? 0 : errno;
+}
+
+/// The items of one job, with the error of each.
+class Batch
+{
+public:
+    explicit Batch(const std::vector<SettleQueue::Item>& items)
+        : m_items(items)
+        , m_errors(items.size())
+    {
+    }
+
+    std::vector<int> run(std::vector<std::string>& swept)
+    {
+        collectFolders();
+        for (const std::string& folder : m_folders) {
+            if (std::ranges::find(swept, folder) == swept.end()) {
+                sweepHidden(folder);
+                swept.push_back(folder);
+            }
+        }
+        if (m_items.size() <= oneByOne)
+            forEach([](const SettleQueue::Item& item) { return flush(item.hidden); });
+        else
+            flushDisks();
+        forEach(place);
+        // The names, too.
+        for (const std::string& folder : m_folders)
+            flushFolder(folder);
+        return m_errors;
+    }
+
+private:
+    template <typename Work>
+    void forEach(const Work& work)
+    {
+        for (std::size_t i = 0; i < m_items.size(); ++i)
+            if (m_errors[i] == 0)
+                m_errors[i] = work(m_items[i]);
+    }
+
+    void collectFolders()
+    {
+        for (const SettleQueue::Item& item : m_items)
+            if (std::string folder = parentOf(item.path);
+                std::ranges::find(m_folders, folder) == m_folders.end())
+                m_folders.push_back(std::move(folder));
+    }
+
+    void flushDisks()
+    {
+        std::vector<std::pair<dev_t, int>> disks;
+        forEach([&](const SettleQueue::Item& item) {
+            const auto stat = linkStat(item.hidden);
+            if (!stat)
+                return ENOENT;
+            const auto known = std::ranges::find(disks, stat->st_dev, &std::pair<dev_t, int>::first);
+            if (known != disks.end())
+                return known->second;
+            return disks.emplace_back(stat->st_dev, flushDisk(item.hidden)).second;
+        });
+    }
+
+    // Not every disk can do that, and the files are on it in any case.
+    static void flushFolder(const std::string& folder)
+    {
+        const Handle item(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+        if (item.isOpen())
+            (void)::fsync(item.get());
+    }
+
+    const std::vector<SettleQueue::Item>& m_items;
+    std::vector<int> m_errors;
+    std::vector<std::string> m_folders;
+};
+
+} // namespace
+
+SettleQueue::SettleQueue(StartJob startJob, QObject* parent)
+    : QObject(parent)
+    , m_startJob(std::move(startJob))
+    , m_swept(std::make_shared<std::vector<std::string>>())
+{
+}
+
+void SettleQueue::add(Item item, Done done)
+{
+    m_waiting.push_back({std::move(item), std::move(done)});
+    if (!m_isRunning)
+        start();
+}
+
+void SettleQueue::start()
+{
+    m_isRunning = true;
+    auto batch = std::exchange(m_waiting, {});
+    auto items = std::make_shared<std::vector<Item>>();
+    for (const Waiting& waiting : batch)
+        items->push_back(waiting.item);
+    auto errors = std::make_shared<std::vector<int>>();
+    m_startJob(
+        [items, errors, swept = m_swept](JobControl&) {
+            *errors = Batch(*items).run(*swept);
+            return JobResult{JobResult::Done, {}, {}};
+        },
+        [this, batch = std::move(batch), errors](const JobResult&) { onFinished(batch, *errors); });
+}
+
+void SettleQueue::onFinished(const std::vector<Waiting>& batch, const std::vector<int>& errors)
+{
+    m_isRunning = false;
+    if (!m_waiting.empty())
+        start(); // the disk need not wait for what is told here
+    else
+        m_swept->clear();
+    for (std::size_t i = 0; i < batch.size() && i < errors.size(); ++i)
+        batch[i].done(errors[i]);
+}
+
+} // namespace vantrel
