@@ -1,6 +1,7 @@
 #include "common/filesystem/server/serverdownload.h"
 
 #include "common/filesystem/ftp/filesystemclient.h"
+#include "common/filesystem/ftp/ftpplacing.h"
 #include "common/filesystem/model/filesystemlogging.h"
 #include "common/filesystem/model/pathhelpers.h"
 #include "common/filesystem/operations/filetransferoperation.h"
@@ -14,6 +15,7 @@ namespace vantrel {
 
 namespace {
 constexpr int attemptsInVain = 3;
+constexpr int attemptsUnlike = 2;
 } // namespace
 
 ServerDownload::ServerDownload(ServerFileSystemPrivate* server,
@@ -29,8 +31,9 @@ ServerDownload::~ServerDownload() = default;
 
 void ServerDownload::start()
 {
-    server().keepConnection(m_transfer, connect(server().client(), &FileSystemClient::readProgressed, this,
-                                                &ServerDownload::onProgress));
+    m_progress =
+        connect(server().client(), &FileSystemClient::readProgressed, this, &ServerDownload::onProgress);
+    server().keepConnection(m_transfer, m_progress);
     m_sinceLog.start();
     const std::optional<ClientFileSystemInfo> listed = server().listings().entry(m_source);
     if (listed && listed->type == ClientFileSystemType::File)
@@ -88,8 +91,23 @@ void ServerDownload::onRead(Outcome outcome)
     noteReason(outcome);
     if (outcome != Outcome::Done || (m_size >= 0 && m_done != m_size))
         return measure();
+    const FtpOutcome::Check check = server().client()->lastOutcome().check;
+    if (check == FtpOutcome::Different)
+        return startAnew();
+    disconnect(m_progress); // another may be read while this one settles
+    m_transfer->setVerified(check == FtpOutcome::Same);
     m_transfer->setProgress(1.0);
     m_transfer->setReady(m_transfer->from(), true);
+}
+
+/// All of it came, but not as the server has it.
+void ServerDownload::startAnew()
+{
+    if (++m_unlike >= attemptsUnlike)
+        return fail(tr("<code>%1</code> did not come as it is: its checksum at the server is another one")
+                        .arg(m_source.toHtmlEscaped()));
+    m_reached = std::max(m_reached, m_done);
+    read(0);
 }
 
 /// What there is to read by now, after a break.

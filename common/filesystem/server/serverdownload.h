@@ -33,6 +33,7 @@ private:
     void onMeasured(qint64 bytes);
     void read(qint64 offset);
     void onRead(Outcome outcome);
+    void startAnew();
     void onProgress(const QString& path, qint64 done, qint64 total);
     void onSourceRemoved(bool isRemoved);
 
@@ -43,6 +44,8 @@ private:
     qint64 m_done = 0;     // bytes in the device
     qint64 m_reached = -1; // bytes in the device at the last break
     int m_vain = 0;        // attempts that brought nothing
+    int m_unlike = 0;      // attempts that brought something else than the server has
+    QMetaObject::Connection m_progress;
     QElapsedTimer m_sinceLog;
 };
 

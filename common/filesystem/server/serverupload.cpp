@@ -19,6 +19,7 @@ namespace {
 
 constexpr qint64 sentAgain = 1 << 20; // bytes; what a server had at last may not have reached its disk
 constexpr int attemptsInVain = 3;
+constexpr int attemptsUnlike = 2;
 
 QDateTime modifiedTime(const QSharedPointer<QIODevice>& device)
 {
@@ -91,13 +92,27 @@ void ServerUpload::goOnFromWhatIsLeft()
 void ServerUpload::send(qint64 offset)
 {
     m_isSent = true;
+    m_isVerified = false;
     // The command keeps the device for as long as the client works with it.
-    const auto write = [temporary = m_temporary, device = m_input, offset](FileSystemClient& client) {
+    const auto write = [temporary = m_temporary, device = m_input, offset,
+                        placing = placing()](FileSystemClient& client) {
         device->seek(offset);
         return offset > 0 ? client.resumeWrite(temporary, device.data(), offset)
-                          : client.write(temporary, device.data(), 0);
+                          : client.writeAndPlace(temporary, device.data(), placing);
     };
     askOnce(Kind::Write, write, [this](Outcome outcome) { onWritten(outcome); });
+}
+
+FtpPlacing ServerUpload::placing() const
+{
+    const auto* file = qobject_cast<const QFile*>(m_input.data());
+    std::function<bool()> isUnchanged;
+    if (file)
+        isUnchanged = [path = file->fileName(), size = m_size, modified = m_modified] {
+            const QFileInfo info(path);
+            return info.size() == size && info.lastModified() == modified;
+        };
+    return {m_destination, m_size, mayReplace(), std::move(isUnchanged)};
 }
 
 void ServerUpload::onProgress(const QString& path, qint64 done, qint64)
@@ -124,7 +139,28 @@ void ServerUpload::onWritten(Outcome outcome)
     qCInfo(lcFileSystem) << "Write operation finished for path" << m_destination
                          << "- Succeded:" << (outcome == Outcome::Done ? "true" : "false");
     noteReason(outcome);
+    const FtpOutcome beyond = server().client()->lastOutcome();
+    if (!isCompared(beyond))
+        return;
+    if (beyond.placed == FtpOutcome::Done)
+        return succeed();
+    if (beyond.placed != FtpOutcome::No)
+        return onRenamed(beyond.placed == FtpOutcome::Unknown ? Outcome::LinkLost : outcome);
     measureFile(m_temporary, [this](qint64 bytes) { onMeasured(bytes); });
+}
+
+/// False when the server has something else than what was sent, which is dealt with here.
+bool ServerUpload::isCompared(const FtpOutcome& beyond)
+{
+    m_isVerified = beyond.check == FtpOutcome::Same;
+    if (beyond.check != FtpOutcome::Different)
+        return true;
+    if (++m_unlike < attemptsUnlike)
+        send(0);
+    else
+        fail(tr("<code>%1</code> did not arrive as it was sent: its checksum at the server is another one")
+                 .arg(m_destination.toHtmlEscaped()));
+    return false;
 }
 
 /// The bytes of a file as the server counts them; -1 when it is not there.
@@ -239,6 +275,7 @@ void ServerUpload::succeed()
     }
     m_transfer->setTransferredBytes(static_cast<unsigned long long>(m_size));
     m_transfer->setProgress(1.0);
+    m_transfer->setVerified(m_isVerified);
     m_transfer->setReady(m_transfer->to(), true);
 }
 

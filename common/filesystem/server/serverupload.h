@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/filesystem/ftp/ftpplacing.h"
 #include "common/filesystem/server/servertask.h"
 
 #include <QDateTime>
@@ -33,6 +34,8 @@ private:
     void sendTo(const QString& destination);
     void send(qint64 offset);
     void onWritten(Outcome outcome);
+    bool isCompared(const FtpOutcome& beyond);
+    FtpPlacing placing() const;
     void onProgress(const QString& path, qint64 done, qint64 total);
     void goOnFromWhatIsLeft();
     void measureFile(const QString& path, std::function<void(qint64)> next);
@@ -54,6 +57,8 @@ private:
     QString m_temporary;       // where it lies until it is whole
     qint64 m_reached = -1;     // bytes that the server had at the last break
     int m_vain = 0;            // attempts that brought nothing
+    int m_unlike = 0;          // attempts after which the server had something else
+    bool m_isVerified = false; // what was sent last
     bool m_isSent = false;     // something of it may lie at the server
     bool m_tellsSizes = false; // the server does
     QElapsedTimer m_sinceLog;
