@@ -209,8 +209,16 @@ int main(int argc, char** argv)
     QApplication application(argc, argv);
     QStandardPaths::setTestModeEnabled(true);
     QLoggingCategory::setFilterRules(QStringLiteral("*.debug=false\n*.info=false"));
+    const QStringList names = application.arguments().mid(1);
+    const auto isWanted = [&](const char* name) {
+        return names.isEmpty() || std::ranges::any_of(names, [&](const QString& start) {
+            return QLatin1String(name).startsWith(start) || start.startsWith(QLatin1String(name));
+        });
+    };
     Peer peer;
-    manySmallFiles(peer);
-    tree(peer);
+    if (isWanted("ftp/folder"))
+        manySmallFiles(peer);
+    if (isWanted("ftp/tree"))
+        tree(peer);
     return 0;
 }

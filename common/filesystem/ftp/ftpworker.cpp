@@ -9,6 +9,10 @@
 
 namespace vantrel {
 
+namespace {
+constexpr qint64 smallTransfer = 256 * 1024; // bytes
+} // namespace
+
 FtpWorker::FtpWorker(QObject* parent)
     : QThread(parent)
     , m_home(QThread::currentThread())
@@ -33,8 +37,11 @@ void FtpWorker::run()
         Q_EMIT stateChanged(state);
     });
     connect(&ftp, &QFtp::listInfo, &ftp, [this](const QUrlInfo& info) { m_listing.add(info); });
-    connect(&ftp, &QFtp::commandStarted, this, &FtpWorker::commandStarted, Qt::DirectConnection);
-    connect(&ftp, &QFtp::dataTransferProgress, this, &FtpWorker::dataTransferProgress, Qt::DirectConnection);
+    connect(&ftp, &QFtp::commandStarted, &ftp, [&](int id) {
+        m_heldStart = id;
+        if (ftp.currentCommand() != QFtp::Get && ftp.currentCommand() != QFtp::Put)
+            tellHeld();
+    });
     connect(&ftp, &QFtp::outcomeChanged, &ftp, [&] {
         const QMutexLocker lock(&m_mutex);
         m_outcome = ftp.outcome();
@@ -202,6 +209,17 @@ void FtpWorker::onDataTransferProgress(const QFtp& ftp, qint64 done, qint64 tota
     auto* const file = qobject_cast<QFile*>(ftp.currentDevice());
     if (ftp.currentCommand() == QFtp::Get && file && done == 0 && total >= 1)
         m_isPresized = file->resize(total);
+    m_heldProgress.emplace_back(done, total);
+    if (total > smallTransfer || done > smallTransfer || m_heldProgress.size() > 2)
+        tellHeld();
+}
+
+void FtpWorker::tellHeld()
+{
+    if (const int id = std::exchange(m_heldStart, 0))
+        Q_EMIT commandStarted(id);
+    for (const auto& [done, total] : std::exchange(m_heldProgress, {}))
+        Q_EMIT dataTransferProgress(done, total);
 }
 
 void FtpWorker::onCommandFinished(int id, QFtp::Error error, const QString& text)
@@ -211,6 +229,7 @@ void FtpWorker::onCommandFinished(int id, QFtp::Error error, const QString& text
         m_error = error;
         m_errorText = text;
     }
+    tellHeld();
     if (m_device && id == m_deviceId)
         returnDevice(error != QFtp::NoError);
     if (id == m_listing.id)

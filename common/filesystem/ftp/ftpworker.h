@@ -73,6 +73,7 @@ private:
     int command(Call call);
     int transfer(QIODevice* device, Call call);
     void onDataTransferProgress(const QFtp& ftp, qint64 done, qint64 total);
+    void tellHeld();
     void onCommandFinished(int id, QFtp::Error error, const QString& text);
     void returnDevice(bool error);
 
@@ -89,6 +90,9 @@ private:
     QIODevice* m_device = nullptr;
     int m_deviceId = 0;
     bool m_isPresized = false;
+    // Of small transfers, told at their end: each word on its way wakes the main thread.
+    int m_heldStart = 0; // the number of a command
+    std::vector<std::pair<qint64, qint64>> m_heldProgress;
     FtpListing m_listing; // on the worker's thread, of the LIST under way or waiting
 };
 

@@ -254,7 +254,7 @@ void LocalStreams::takeIncoming(const QSharedPointer<FileTransferOperation>& ope
         onSettled);
     // Of a move the source is still to go.
     if (operation->transferType() == TransferOperation::Copy)
-        operation->setSettling();
+        operation->setPace(RunnableOperation::Pace::Settling);
 }
 
 } // namespace vantrel

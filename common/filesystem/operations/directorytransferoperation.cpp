@@ -295,8 +295,12 @@ OperationPtr DirectoryTransferOperation::createFileOperation(const FileSystemPat
     }
     transfer->setParentOperation(sharedFromThis().staticCast<TransferOperation>());
     m_bytes.insert(path.path, 0);
+    // Whose signal it is is told along: to look for the sender among thousands takes longer than the
+    // transfer.
     connect(transfer, &TransferOperation::transferredBytesChanged, this,
-            &DirectoryTransferOperation::handleTransferOperationTransferredBytesChanged);
+            [this, path = path.path](size_t bytes) {
+                handleTransferOperationTransferredBytesChanged(path, bytes);
+            });
     connect(transfer, &RunnableOperation::operationSucceeded, this,
             [this, transfer] { noteArrived(*transfer); });
     return operation;
@@ -319,10 +323,10 @@ bool DirectoryTransferOperation::isThereAlready(const FileSystemPath& path) cons
            to().fileSystem->fileSize(*arrived) == static_cast<qint64>(path.sizeBytes);
 }
 
-void DirectoryTransferOperation::handleTransferOperationTransferredBytesChanged(size_t bytes)
+void DirectoryTransferOperation::handleTransferOperationTransferredBytesChanged(const QString& path,
+                                                                                size_t bytes)
 {
-    const auto* transfer = qobject_cast<const TransferOperation*>(sender());
-    const auto found = transfer ? m_bytes.find(transfer->from().fullPath) : m_bytes.end();
+    const auto found = m_bytes.find(path);
     if (found == m_bytes.end())
         return;
     m_bytesSum += bytes - *found;

@@ -55,7 +55,7 @@ private Q_SLOTS:
     void updateProgress();
     void handleDirectoryListingHasFinishedChanged();
     void handleOperationRunnerStateChanged();
-    void handleTransferOperationTransferredBytesChanged(size_t bytes);
+    void handleTransferOperationTransferredBytesChanged(const QString& path, size_t bytes);
     void updateTransferredByteCount();
 
 private:

@@ -2,6 +2,7 @@
 
 #include "common/filesystem/model/filesystemlogging.h"
 #include "common/filesystem/operations/suboperationcreator.h"
+#include "common/filesystem/operations/transferoperation.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
@@ -75,9 +76,10 @@ bool RecursiveOperationRunner::isRunning() const
 QList<QWeakPointer<BaseOperation>> RecursiveOperationRunner::operations() const
 {
     QList<QWeakPointer<BaseOperation>> all;
-    all.reserve(m_pending.size() + m_settling.size() + m_finished.size() + 1);
-    if (m_active)
-        all.append(m_active->operation);
+    all.reserve(m_pending.size() + m_settling.size() + m_finished.size() + 2);
+    for (const EntryPtr& entry : {m_active, m_next})
+        if (entry)
+            all.append(entry->operation);
     for (const QList<EntryPtr>& entries : {m_settling, m_pending, m_finished})
         for (const EntryPtr& entry : entries)
             all.append(entry->operation);
@@ -182,28 +184,54 @@ void RecursiveOperationRunner::wake()
 void RecursiveOperationRunner::runNextOperation()
 {
     m_isWoken = false;
-    if (m_state != RunningOperations || !closeSettled() || !makeRoom())
+    if (m_state != RunningOperations || !closeSettled())
         return;
+    if (!makeRoom()) {
+        if (mayPrepareNext())
+            startNext(m_next);
+        return;
+    }
     if (m_pending.isEmpty() && m_settling.isEmpty()) {
         qCDebug(lcFileSystem) << "Sub-operation queue is empty. Finished:" << m_finished.size();
         finishRunner(true);
     } else if (!m_pending.isEmpty() && areTargetsReady(m_pending.constFirst()->operation)) {
-        startNext();
+        startNext(m_active);
     }
 }
 
-/// False when the next one has to wait for the active one, or the runner has ended.
+/// Takes out of the way what needs nothing more; false when the next one has to wait for the active one, or
+/// the runner has ended.
 bool RecursiveOperationRunner::makeRoom()
 {
-    if (!m_active)
-        return true;
-    if (m_active->operation->hasFinished())
-        return closeActive();
-    const RunnableOperation* operation = runnable(m_active->operation);
-    if (!operation || !operation->isSettling() || m_settling.size() >= maxSettling)
-        return false;
-    m_settling.append(std::exchange(m_active, nullptr));
+    while (m_active) {
+        const RunnableOperation* operation = runnable(m_active->operation);
+        if (m_active->operation->hasFinished()) {
+            if (!closeActive())
+                return false;
+        } else if (operation && operation->pace() == RunnableOperation::Pace::Settling &&
+                   m_settling.size() < maxSettling) {
+            m_settling.append(std::exchange(m_active, nullptr));
+        } else {
+            return false;
+        }
+        m_active = std::exchange(m_next, nullptr);
+    }
     return true;
+}
+
+/// Files only: what comes behind a directory may be what lies in it.
+bool RecursiveOperationRunner::mayPrepareNext() const
+{
+    if (m_state != RunningOperations || !m_active || m_next || m_pending.isEmpty())
+        return false;
+    const RunnableOperation* active = runnable(m_active->operation);
+    const EntryPtr& next = m_pending.constFirst();
+    if (!active || active->pace() == RunnableOperation::Pace::Alone ||
+        next->path.type != FileSystemPath::File || !qobject_cast<TransferOperation*>(next->operation.data()))
+        return false;
+    return std::ranges::all_of(next->operation->targets(), [](const FileSystemTarget& target) {
+        return !target.fileSystem || target.fileSystem->isReady();
+    });
 }
 
 /// Takes those out of the way that have settled. False when one could not, or nothing more is to begin.
@@ -265,16 +293,16 @@ bool RecursiveOperationRunner::areTargetsReady(const OperationPtr& operation)
     return !blocking;
 }
 
-void RecursiveOperationRunner::startNext()
+void RecursiveOperationRunner::startNext(EntryPtr& place)
 {
-    m_active = m_pending.takeFirst();
-    const OperationPtr operation = m_active->operation;
+    place = m_pending.takeFirst();
+    const OperationPtr operation = place->operation;
     connect(operation.data(), &BaseOperation::progressChanged, this,
             &RecursiveOperationRunner::updateProgress);
     connect(operation.data(), &BaseOperation::operationStopped, this, &RecursiveOperationRunner::wake);
     qCDebug(lcFileSystem) << "Starting next sub-operation:" << *operation << "- Pending:" << m_pending.size();
     if (RunnableOperation* next = runnable(operation)) {
-        connect(next, &RunnableOperation::settling, this, &RecursiveOperationRunner::wake);
+        connect(next, &RunnableOperation::paceChanged, this, &RecursiveOperationRunner::wake);
         next->run();
     }
     updateProgress();
@@ -297,9 +325,14 @@ void RecursiveOperationRunner::finishRunner(bool succeeded)
         if (lister->isRunning())
             lister->stop();
     }
+    if (const EntryPtr next = std::exchange(m_next, nullptr)) {
+        next->operation->disconnect(this); // it has hardly begun
+        if (RunnableOperation* operation = runnable(next->operation))
+            operation->abort();
+    }
     // What is whole and only needs its name gets it: the retry would find it in its way.
     if (const RunnableOperation* active = m_active ? runnable(m_active->operation) : nullptr;
-        active && active->isRunning() && active->isSettling())
+        active && active->isRunning() && active->pace() == RunnableOperation::Pace::Settling)
         m_settling.append(std::exchange(m_active, nullptr));
     if (m_active) {
         const OperationPtr operation = m_active->operation;
@@ -347,7 +380,8 @@ void RecursiveOperationRunner::updateProgress()
         done += static_cast<double>(m_active->path.sizeBytes) * m_active->operation->progress();
     for (const EntryPtr& entry : std::as_const(m_settling))
         done += static_cast<double>(entry->path.sizeBytes);
-    const qsizetype items = m_pending.size() + m_settling.size() + m_finished.size() + (m_active ? 1 : 0);
+    const qsizetype items =
+        m_pending.size() + m_settling.size() + m_finished.size() + (m_active ? 1 : 0) + (m_next ? 1 : 0);
     if (m_totalBytes > 0)
         m_progress = done / static_cast<double>(m_totalBytes);
     else // empty files and directories: by number

@@ -77,11 +77,12 @@ private:
     void runNextOperation();
     bool closeActive();
     bool makeRoom();
+    bool mayPrepareNext() const;
     void close(const EntryPtr& entry);
     bool closeSettled();
     bool areTargetsReady(const OperationPtr& operation);
     void wake();
-    void startNext();
+    void startNext(EntryPtr& place);
     void finishRunner(bool succeeded);
     void endWith(bool succeeded);
     void updateProgress();
@@ -93,6 +94,7 @@ private:
     QWeakPointer<RecursiveDirectoryLister> m_lister;
     QTimer m_timer;
     EntryPtr m_active;
+    EntryPtr m_next; // gets ready, while the active one has the line
     QList<EntryPtr> m_settling;
     QList<EntryPtr> m_pending;
     QList<EntryPtr> m_finished;

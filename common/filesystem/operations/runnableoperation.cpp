@@ -200,10 +200,10 @@ bool RunnableOperation::setReady(FileSystemTarget target, bool isSuccessful)
     return true;
 }
 
-void RunnableOperation::setSettling()
+void RunnableOperation::setPace(Pace pace)
 {
-    if (!std::exchange(m_isSettling, true))
-        Q_EMIT settling();
+    if (std::exchange(m_pace, pace) != pace)
+        Q_EMIT paceChanged();
 }
 
 QDebug operator<<(QDebug debug, RunnableOperation::OperationState state)

@@ -26,6 +26,12 @@ public:
     };
     Q_ENUM(OperationState)
 
+    enum class Pace {
+        Alone,
+        OnTheLine, // it has all that it wants but the bytes: the next may get ready
+        Settling,  // what is left of its work takes nothing from others: the next may begin
+    };
+
     using BaseOperation::BaseOperation;
 
     void print(QDebug& debug) const override;
@@ -61,10 +67,9 @@ public:
     bool isReady(FileSystemTarget target, bool* success) const;
     /// One end of the work reports. False for a target that is none of its own or has reported before.
     bool setReady(FileSystemTarget target, bool isSuccessful);
-    /// What is left of its work takes nothing from others: whoever runs one after the other may begin the
-    /// next.
-    bool isSettling() const { return m_isSettling; }
-    void setSettling();
+    /// What it leaves to others while it runs, for whoever runs one after the other.
+    Pace pace() const { return m_pace; }
+    void setPace(Pace pace);
     /// addError() with the text and the time of now. Names and paths in it must come escaped.
     void addErrorText(const QString& message);
 
@@ -72,7 +77,7 @@ Q_SIGNALS:
     void operationFailed();
     void operationSucceeded();
     void operationAborted();
-    void settling();
+    void paceChanged();
     void targetIsReady(vantrel::FileSystemTarget target, bool isSuccessful);
     void errorsChanged();
 
@@ -86,7 +91,7 @@ private:
     OperationState m_state = NotStarted;
     double m_progress = 0;
     bool m_isAborting = false;
-    bool m_isSettling = false;
+    Pace m_pace = Pace::Alone;
     QMap<FileSystemTarget, bool> m_ready;
     QList<OperationError> m_errors;
 };

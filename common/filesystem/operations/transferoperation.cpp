@@ -179,14 +179,36 @@ std::optional<TransferConflict> TransferOperation::conflict() const
 
 void TransferOperation::askConflict(const TransferConflict& conflict)
 {
+    const QSharedPointer<TransferOperation> parent = m_parent.toStrongRef();
+    if (parent && parent->conflict())
+        return askLater(*parent, conflict);
     m_conflict = conflict;
     // The queue and the views know only the whole of which this may be a part.
-    if (const QSharedPointer<TransferOperation> parent = m_parent.toStrongRef()) {
+    if (parent) {
         connect(parent.data(), &TransferOperation::conflictAnswered, this, &TransferOperation::answerConflict,
                 static_cast<Qt::ConnectionType>(Qt::AutoConnection | Qt::UniqueConnection));
         parent->askConflict(conflict);
     }
     Q_EMIT conflictFound(conflict);
+}
+
+/// Another part waits for its answer, which is no answer to this one unless it is for all.
+void TransferOperation::askLater(const TransferOperation& parent, const TransferConflict& conflict)
+{
+    const auto ask = [this, conflict] {
+        if (hasFinished())
+            return;
+        if (const ConflictPolicy policy = conflictPolicy(); policy != ConflictPolicy::Ask) {
+            m_conflict = conflict;
+            answerConflict(policy, false);
+        } else {
+            askConflict(conflict);
+        }
+    };
+    connect(
+        &parent, &TransferOperation::conflictAnswered, this,
+        [this, ask] { QMetaObject::invokeMethod(this, ask, Qt::QueuedConnection); },
+        Qt::SingleShotConnection);
 }
 
 void TransferOperation::answerConflict(ConflictPolicy answer, bool forAll)

@@ -84,6 +84,7 @@ private:
         unsigned long long bytes;
     };
 
+    void askLater(const TransferOperation& parent, const TransferConflict& conflict);
     void setTransferSpeed(double speed);
     void updateEstimates();
     double calculateMedianSpeed() const;

@@ -6,6 +6,15 @@
 
 namespace vantrel {
 
+namespace {
+
+bool isTransfer(ServerCommands::Kind kind)
+{
+    return kind == ServerCommands::Kind::Write || kind == ServerCommands::Kind::Read;
+}
+
+} // namespace
+
 ServerCommands::ServerCommands(QSharedPointer<FileSystemClient> client, QObject* parent)
     : QObject(parent)
     , m_client(std::move(client))
@@ -108,6 +117,13 @@ void ServerCommands::onFinished(Kind kind, bool succeeded)
 void ServerCommands::end(Outcome outcome)
 {
     const Asked asked = std::exchange(m_running, std::nullopt).value();
+    if (isTransfer(asked.command.kind)) {
+        m_outcome = m_client->lastOutcome();
+        // The line is not idle while this one is being seen to.
+        if (outcome == Outcome::Done && !m_waiting.isEmpty() &&
+            isTransfer(m_waiting.constFirst().command.kind))
+            pump();
+    }
     if (asked.owner && asked.command.answer)
         asked.command.answer(outcome);
     pumpSoon();

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "common/filesystem/ftp/ftpplacing.h"
+
 #include <QList>
 #include <QObject>
 #include <QPointer>
@@ -47,6 +49,8 @@ public:
     bool hasWork() const { return m_running || !m_waiting.isEmpty(); }
     /// Of the last Size that is Done: bytes.
     qint64 size() const { return m_size; }
+    /// Of the transfer that ended last.
+    FtpOutcome outcome() const { return m_outcome; }
 
 Q_SIGNALS:
     /// The last of the work is done.
@@ -69,6 +73,7 @@ private:
     QList<Asked> m_waiting;
     std::optional<Asked> m_running;
     qint64 m_size = -1;
+    FtpOutcome m_outcome;
     int m_number = 0; // of the command that runs
     bool m_isPumpDue = false;
 };

@@ -46,6 +46,7 @@ void ServerDownload::start()
 void ServerDownload::read(qint64 offset)
 {
     m_done = offset;
+    m_transfer->setPace(RunnableOperation::Pace::OnTheLine);
     const bool isAnew = offset == 0 && m_reached >= 0;
     // The command keeps the device for as long as the client works with it.
     const auto get = [source = m_source, device = m_output, offset, isAnew](FileSystemClient& client) {
@@ -91,7 +92,7 @@ void ServerDownload::onRead(Outcome outcome)
     noteReason(outcome);
     if (outcome != Outcome::Done || (m_size >= 0 && m_done != m_size))
         return measure();
-    const FtpOutcome::Check check = server().client()->lastOutcome().check;
+    const FtpOutcome::Check check = server().commands().outcome().check;
     if (check == FtpOutcome::Different)
         return startAnew();
     disconnect(m_progress); // another may be read while this one settles

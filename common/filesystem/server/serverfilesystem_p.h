@@ -72,6 +72,7 @@ private:
     static QList<FileSystemDirectory> parseDirectoryList(const QString& path,
                                                          const QList<ClientFileSystemInfo>& entries);
     void listWanted();
+    void askForWanted();
 
     bool isHere(const FileSystem* fileSystem) const { return fileSystem == m_q; }
     template <typename Transfer>

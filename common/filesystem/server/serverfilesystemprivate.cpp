@@ -61,11 +61,28 @@ void ServerFileSystemPrivate::tellLoading()
 /// What a view asked for while the client was busy.
 void ServerFileSystemPrivate::listWanted()
 {
-    if (isLoading() || m_wantedPath.isEmpty())
+    if (m_wantedPath.isEmpty())
+        return;
+    if (m_commands.hasWork())
+        return askForWanted();
+    if (isLoading())
         return;
     bool hasCache = false;
     bool requested = false;
     requestDirectoryListing(std::exchange(m_wantedPath, {}), &hasCache, &requested);
+}
+
+/// In its turn among what operations want, which may leave the client no other time for hours.
+void ServerFileSystemPrivate::askForWanted()
+{
+    const QString path = std::exchange(m_wantedPath, {});
+    m_listings.noteRequest(path);
+    const auto onListed = [this, path](ServerCommands::Outcome outcome) {
+        if (outcome == ServerCommands::Outcome::NotSent)
+            m_listings.noteNoAnswer(path);
+    };
+    m_commands.ask(this, {ServerCommands::Kind::List,
+                          [path](FileSystemClient& client) { return client.list(path); }, onListed});
 }
 
 QList<ClientFileSystemInfo> ServerFileSystemPrivate::requestDirectoryListing(const QString& path,
@@ -214,7 +231,8 @@ void ServerFileSystemPrivate::giveUp(const QString& message)
 {
     const auto tasks = findChildren<ServerTask*>(QString(), Qt::FindDirectChildrenOnly);
     for (ServerTask* task : tasks)
-        task->giveUp(message);
+        if (!task->isSettling()) // the server has done its part
+            task->giveUp(message);
     Q_EMIT m_q->givenUp(message);
 }
 

@@ -21,6 +21,7 @@ public:
     virtual void start() = 0;
     /// The server is not coming back: ends the operation as failed, with the text.
     void giveUp(const QString& message);
+    bool isSettling() const { return m_operation->pace() == RunnableOperation::Pace::Settling; }
 
 protected:
     using Outcome = ServerCommands::Outcome;

@@ -93,6 +93,7 @@ void ServerUpload::send(qint64 offset)
 {
     m_isSent = true;
     m_isVerified = false;
+    m_transfer->setPace(RunnableOperation::Pace::OnTheLine);
     // The command keeps the device for as long as the client works with it.
     const auto write = [temporary = m_temporary, device = m_input, offset,
                         placing = placing()](FileSystemClient& client) {
@@ -139,7 +140,7 @@ void ServerUpload::onWritten(Outcome outcome)
     qCInfo(lcFileSystem) << "Write operation finished for path" << m_destination
                          << "- Succeded:" << (outcome == Outcome::Done ? "true" : "false");
     noteReason(outcome);
-    const FtpOutcome beyond = server().client()->lastOutcome();
+    const FtpOutcome beyond = server().commands().outcome();
     if (!isCompared(beyond))
         return;
     if (beyond.placed == FtpOutcome::Done)
