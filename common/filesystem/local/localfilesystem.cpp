@@ -18,6 +18,11 @@ LocalFileSystem::LocalFileSystem(QObject* parent)
 
 LocalFileSystem::~LocalFileSystem() = default;
 
+void LocalFileSystem::setPatience(std::chrono::milliseconds patience)
+{
+    m_private->knock().setLimit(patience);
+}
+
 QString LocalFileSystem::fileSystemName() const
 {
     return tr("Local files");
@@ -64,6 +69,8 @@ bool LocalFileSystem::getFiles(QString directoryPath, QList<FileSystemFile>& res
 
 FileSystem::ItemType LocalFileSystem::getType(QString path)
 {
+    if (!m_private->knock().answersForItem(path))
+        return m_private->typeOf(path);
     const QFileInfo info(path);
     if (!info.exists())
         return Unknown;
@@ -83,6 +90,9 @@ bool LocalFileSystem::requestMetadata(QString filePath, FileMetadata&)
 bool LocalFileSystem::isValidDirectoryPath(QString directoryPath) const
 {
     const QDir dir(directoryPath);
+    // Of a disk that does not answer the reading will tell.
+    if (dir.isAbsolute() && !m_private->knock().answers(directoryPath))
+        return true;
     return dir.isAbsolute() && dir.exists() && dir.isReadable();
 }
 
@@ -96,19 +106,23 @@ qint64 LocalFileSystem::availableBytes(const QString& path) const
     struct statvfs disk
     {
     };
-    if (::statvfs(QFile::encodeName(path).constData(), &disk) != 0)
+    if (!m_private->knock().answers(path) || ::statvfs(QFile::encodeName(path).constData(), &disk) != 0)
         return -1;
     return static_cast<qint64>(disk.f_bavail) * static_cast<qint64>(disk.f_frsize);
 }
 
 qint64 LocalFileSystem::fileSize(const QString& path) const
 {
+    if (!m_private->knock().answersForItem(path))
+        return -1;
     const QFileInfo info(path);
     return info.isFile() ? info.size() : -1;
 }
 
 bool LocalFileSystem::isLink(const QString& path) const
 {
+    if (!m_private->knock().answersForItem(path))
+        return false;
     const auto stat = systemfile::linkStat(systemfile::withoutSlash(systemfile::bytesOf(path)));
     return stat && S_ISLNK(stat->st_mode);
 }
@@ -116,6 +130,11 @@ bool LocalFileSystem::isLink(const QString& path) const
 bool LocalFileSystem::wantsFreeNames() const
 {
     return true;
+}
+
+void LocalFileSystem::whenReachable(const QString& path, QObject* context, std::function<void(bool)> next)
+{
+    m_private->knock().whenItAnswers(path, context, std::move(next));
 }
 
 } // namespace vantrel

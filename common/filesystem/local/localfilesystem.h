@@ -2,6 +2,7 @@
 
 #include "common/filesystem/model/filesystem.h"
 
+#include <chrono>
 #include <memory>
 
 namespace vantrel {
@@ -9,8 +10,8 @@ namespace vantrel {
 class LocalFileSystemPrivate;
 
 /// The disks of the operator's computer. It is always ready; listings are read beside the main thread, and so
-/// is all work on the disk. Nothing that is there is ever overwritten unless an operation's conflict policy
-/// says so.
+/// is all work on the disk; of one that does not answer only what is known already is told. Nothing that is
+/// there is ever overwritten unless an operation's conflict policy says so.
 class LocalFileSystem : public FileSystem
 {
     Q_OBJECT
@@ -19,6 +20,8 @@ public:
     explicit LocalFileSystem(QObject* parent = nullptr);
     /// Stops what runs and waits for it.
     ~LocalFileSystem() override;
+    /// How long anything waits for a disk that does not answer, before it is given up: twenty seconds.
+    void setPatience(std::chrono::milliseconds patience);
 
     QString fileSystemName() const override;
     /// "/".
@@ -36,6 +39,7 @@ public:
     qint64 fileSize(const QString& path) const override;
     bool isLink(const QString& path) const override;
     bool wantsFreeNames() const override;
+    void whenReachable(const QString& path, QObject* context, std::function<void(bool)> next) override;
 
 private:
     std::unique_ptr<LocalFileSystemPrivate> m_private;

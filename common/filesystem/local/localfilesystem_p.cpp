@@ -60,11 +60,38 @@ bool LocalFileSystemPrivate::isHere(const FileSystem* fileSystem) const
 bool LocalFileSystemPrivate::findContent(const QString& path, const DirectoryContent** content)
 {
     const QDir dir(path);
-    if (!dir.isAbsolute() || !dir.exists())
+    if (!dir.isAbsolute())
+        return false;
+    if (!m_knock.answers(path)) {
+        awaitDisk(path);
+        return true;
+    }
+    if (!dir.exists())
         return false;
     m_listings.watch(path);
     *content = m_listings.find(path);
     return true;
+}
+
+/// Whoever wants to see it asks again once its disk answers, or hears that it cannot be seen.
+void LocalFileSystemPrivate::awaitDisk(const QString& path)
+{
+    if (m_awaited.contains(path))
+        return;
+    m_awaited.insert(path);
+    const auto tell = [this, path](bool isAnswered) {
+        m_awaited.remove(path);
+        if (isAnswered)
+            return announceDirectory(path);
+        qCWarning(lcFileSystem) << "Unable to read directory of a disk that does not answer:" << path;
+        Q_EMIT m_owner->invalidDirectoryPathRequest(path);
+    };
+    // Not from within the question of the one who is to hear it.
+    const auto tellSoon = [this, tell](bool isAnswered) {
+        QMetaObject::invokeMethod(
+            this, [tell, isAnswered] { tell(isAnswered); }, Qt::QueuedConnection);
+    };
+    m_knock.whenItAnswers(path, this, tellSoon);
 }
 
 void LocalFileSystemPrivate::onDirectoryChanged(const QString& path)

@@ -1,10 +1,12 @@
 #pragma once
 
+#include "common/filesystem/local/diskknock.h"
 #include "common/filesystem/local/filejob.h"
 #include "common/filesystem/local/locallistings.h"
 #include "common/filesystem/local/localstreams.h"
 #include "common/filesystem/model/operationvisitor.h"
 
+#include <QSet>
 #include <QThreadPool>
 
 namespace vantrel {
@@ -24,6 +26,9 @@ public:
 
     /// False when there is no such directory; the content is null while it is read.
     bool findContent(const QString& path, const DirectoryContent** content);
+    /// By what was read of its directory last.
+    FileSystem::ItemType typeOf(const QString& path) const { return m_listings.typeOf(path); }
+    DiskKnock& knock() { return m_knock; }
 
     bool visit(QSharedPointer<FileTransferOperation> operation) override;
     bool visit(QSharedPointer<DirectoryTransferOperation> operation) override;
@@ -58,9 +63,12 @@ private:
     void onDirectoryChanged(const QString& path);
     void onFileChanged(const QString& path, qint64 sizeBytes);
     void announceDirectory(const QString& path);
+    void awaitDisk(const QString& path);
     void stopJobs();
 
     LocalFileSystem* m_owner;
+    DiskKnock m_knock;
+    QSet<QString> m_awaited; // directories that somebody wants to see, on disks that do not answer
     LocalListings m_listings;
     LocalStreams m_streams;
     QThreadPool m_pool;

@@ -3,6 +3,8 @@
 #include "common/filesystem/model/filesystemlogging.h"
 #include "common/filesystem/model/pathhelpers.h"
 
+#include <algorithm>
+
 namespace vantrel {
 
 namespace {
@@ -56,6 +58,23 @@ const DirectoryContent* LocalListings::find(const QString& path)
         read(key, entry);
     entry.isAwaited |= !holds;
     return holds ? &*entry.content : nullptr;
+}
+
+FileSystem::ItemType LocalListings::typeOf(const QString& path) const
+{
+    const QString key = keyOf(path);
+    const QString name = getNameInPath(key);
+    const auto holder = m_entries.constFind(keyOf(getParentPath(key)));
+    if (m_entries.contains(key) && m_entries[key].content)
+        return FileSystem::Directory;
+    if (holder == m_entries.constEnd() || !holder->content)
+        return FileSystem::Unknown;
+    const auto holds = [&name](const auto& items) {
+        return std::ranges::any_of(items, [&name](const auto& item) { return item.name == name; });
+    };
+    return holds(holder->content->directories) ? FileSystem::Directory
+           : holds(holder->content->files)     ? FileSystem::File
+                                               : FileSystem::Unknown;
 }
 
 void LocalListings::watch(const QString& path)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "common/filesystem/local/directorycontent.h"
+#include "common/filesystem/model/filesystem.h"
 
 #include <QElapsedTimer>
 #include <QFileSystemWatcher>
@@ -22,6 +23,8 @@ public:
 
     /// What is known to hold. Otherwise null, and changed() comes once it was read.
     const DirectoryContent* find(const QString& path);
+    /// Of an item, by what was read of its directory last, however long ago; Unknown when nothing was.
+    FileSystem::ItemType typeOf(const QString& path) const;
     /// Watches it, in place of the one that was asked for longest ago when there are ten.
     void watch(const QString& path);
     /// What is known of it holds no longer; the next find() reads it anew.

@@ -28,14 +28,6 @@ QString bold(const QString& path)
     return QStringLiteral("<b>%1</b>").arg(getNameInPath(path).toHtmlEscaped());
 }
 
-void closeStream(const QSharedPointer<QFile>& file)
-{
-    if (!file->isOpen())
-        return;
-    file->flush();
-    file->close();
-}
-
 } // namespace
 
 LocalStreams::LocalStreams(FileSystem* fileSystem, StartJob startJob, QObject* parent)
@@ -80,10 +72,9 @@ void LocalStreams::forget(const QFile* file)
 
 bool LocalStreams::isReceivingInto(const QString& directory) const
 {
-    // The file itself is busy on another thread: the disk is asked.
-    return std::ranges::any_of(m_receiving, [&](const QString& path) {
-        return isPathBelow(path, directory) && QFileInfo(path).size() > 0;
-    });
+    const auto end = m_receiving.constKeyValueEnd();
+    return std::any_of(m_receiving.constKeyValueBegin(), end,
+                       [&](const auto& file) { return file.second && isPathBelow(file.first, directory); });
 }
 
 bool LocalStreams::initializeOutgoingTransfer(const QSharedPointer<FileTransferOperation>& operation)
@@ -104,7 +95,7 @@ bool LocalStreams::initializeOutgoingTransfer(const QSharedPointer<FileTransferO
                     return;
                 transfer->setInput({});
                 transfer->setOutput({});
-                closeStream(file);
+                file->close();
                 if (isSuccessful && transfer->transferType() == TransferOperation::Move)
                     removeMoved(transfer, modified, size);
                 else
@@ -163,7 +154,7 @@ bool LocalStreams::initializeIncomingTransfer(const QSharedPointer<FileTransferO
         return false;
     }
     operation->setOutput(file);
-    m_receiving.insert(hidden);
+    m_receiving.insert(hidden, false);
     m_progressMarks.insert(path, 0);
     watchIncoming(operation, {path, hidden, file, isReplacing, std::make_shared<std::atomic_bool>(false),
                               std::make_shared<bool>(false)});
@@ -182,22 +173,30 @@ void LocalStreams::watchIncoming(const QSharedPointer<FileTransferOperation>& op
                     return;
                 transfer->setInput({});
                 transfer->setOutput({});
-                closeStream(incoming.file);
                 if (isSuccessful)
-                    takeIncoming(transfer, incoming);
-                else
-                    transfer->setReady(transfer->to(), true);
+                    return takeIncoming(transfer, incoming);
+                m_startJob(
+                    [file = incoming.file](JobControl&) {
+                        file->close();
+                        return JobResult{JobResult::Done, {}, {}};
+                    },
+                    [](const JobResult&) {});
+                transfer->setReady(transfer->to(), true);
             });
     connect(sender, &TransferOperation::totalSizeBytesChanged, this, [this, ref, incoming] {
         if (const auto transfer = ref.toStrongRef())
             checkRoom(transfer, incoming);
     });
-    connect(sender, &BaseOperation::progressChanged, this, [this, incoming](double, double to) {
+    connect(sender, &TransferOperation::transferredBytesChanged, this, [this, incoming](size_t bytes) {
+        if (bytes > 0 && m_receiving.contains(incoming.hidden))
+            m_receiving[incoming.hidden] = true;
+    });
+    connect(sender, &BaseOperation::progressChanged, this, [this, sender, incoming](double, double to) {
         double& mark = m_progressMarks[incoming.path];
         if (to <= mark + 0.1)
             return;
         mark = to;
-        Q_EMIT progressed(incoming.path, QFileInfo(incoming.hidden).size());
+        Q_EMIT progressed(incoming.path, static_cast<qint64>(sender->transferredBytes()));
     });
     connect(sender, &BaseOperation::operationStopped, this, [this, incoming] {
         m_receiving.remove(incoming.hidden);
@@ -249,9 +248,9 @@ void LocalStreams::takeIncoming(const QSharedPointer<FileTransferOperation>& ope
                 tr("%1 could not be written: %2.").arg(bold(incoming.path), reasonText(error)));
         transfer->setReady(transfer->to(), error == 0);
     };
-    m_settling.add(
-        {bytesOf(incoming.hidden), bytesOf(incoming.path), incoming.isReplacing, incoming.isDropped},
-        onSettled);
+    m_settling.add({bytesOf(incoming.hidden), bytesOf(incoming.path), incoming.isReplacing,
+                    incoming.isDropped, incoming.file},
+                   onSettled);
     // Of a move the source is still to go.
     if (operation->transferType() == TransferOperation::Copy)
         operation->setPace(RunnableOperation::Pace::Settling);

@@ -3,9 +3,9 @@
 #include "common/filesystem/local/settlequeue.h"
 
 #include <QFile>
+#include <QHash>
 #include <QMap>
 #include <QObject>
-#include <QSet>
 #include <QSharedPointer>
 
 namespace vantrel {
@@ -62,7 +62,7 @@ private:
     StartJob m_startJob;
     SettleQueue m_settling;
     QMap<QString, QSharedPointer<QFile>> m_openFiles;
-    QSet<QString> m_receiving;
+    QHash<QString, bool> m_receiving; // by hidden path, whether there is something of it already
     QMap<QString, double> m_progressMarks;
 };
 

@@ -20,6 +20,13 @@ namespace {
 constexpr std::size_t oneByOne =
     3; // as many are made sure of each on its own, and the rest of the disk left alone
 
+/// Some disks tell only now that there was no room.
+int closeFile(const SettleQueue::Item& item)
+{
+    item.file->close();
+    return item.file->error() == QFileDevice::NoError ? 0 : EIO;
+}
+
 int flush(const std::string& path)
 {
     JobControl nobody(
@@ -58,6 +65,7 @@ public:
     std::vector<int> run(std::vector<std::string>& swept)
     {
         collectFolders();
+        forEach(closeFile);
         for (const std::string& folder : m_folders) {
             if (std::ranges::find(swept, folder) == swept.end()) {
                 sweepHidden(folder);

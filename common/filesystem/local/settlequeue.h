@@ -2,7 +2,9 @@
 
 #include "common/filesystem/local/filejob.h"
 
+#include <QFile>
 #include <QObject>
+#include <QSharedPointer>
 
 #include <atomic>
 #include <functional>
@@ -31,6 +33,7 @@ public:
         std::string path;
         bool isReplacing = false;
         std::shared_ptr<std::atomic_bool> isDropped; // nobody wants it any more; also from another thread
+        QSharedPointer<QFile> file; // open still: a disk of another machine may take its time
     };
 
     SettleQueue(StartJob startJob, QObject* parent);

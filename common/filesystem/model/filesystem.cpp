@@ -22,4 +22,9 @@ bool FileSystem::wantsFreeNames() const
     return false;
 }
 
+void FileSystem::whenReachable(const QString&, QObject*, std::function<void(bool)> next)
+{
+    next(true);
+}
+
 } // namespace vantrel

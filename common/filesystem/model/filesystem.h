@@ -7,6 +7,8 @@
 #include <QList>
 #include <QObject>
 
+#include <functional>
+
 namespace vantrel {
 
 class OperationVisitor;
@@ -61,6 +63,9 @@ public:
     /// Of a transfer into it from elsewhere the operation meets what is there already before anyone begins;
     /// false when the file system does so itself.
     virtual bool wantsFreeNames() const;
+    /// Goes on once it can be asked for the path without this thread having to wait: at once, where that is
+    /// never so. False when it cannot after twenty seconds. Not once the context is gone.
+    virtual void whenReachable(const QString& path, QObject* context, std::function<void(bool)> next);
 
 Q_SIGNALS:
     void isReadyChanged(bool isReady);

@@ -61,4 +61,15 @@ QStringList volumesIn(const QByteArray& mountInfo)
     return volumes;
 }
 
+QString volumeAbove(const QByteArray& mountInfo, const QString& path)
+{
+    QString volume = QStringLiteral("/");
+    for (const QByteArray& line : mountInfo.split('\n')) {
+        const QString mount = unescaped(line.split(' ').value(4));
+        if (mount.size() > volume.size() && (path == mount || path.startsWith(mount + u'/')))
+            volume = mount;
+    }
+    return volume;
+}
+
 } // namespace vantrel

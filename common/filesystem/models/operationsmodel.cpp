@@ -76,6 +76,19 @@ OperationsModel::Stage stageOf(const BaseOperation* operation)
     return Stage::Waiting;
 }
 
+OperationsModel::Wait waitOf(const BaseOperation& operation)
+{
+    const auto* runnable = qobject_cast<const RunnableOperation*>(&operation);
+    if (operation.hasFinished())
+        return OperationsModel::Wait::Nothing;
+    const auto isAway = [](const FileSystemTarget& target) {
+        return target.fileSystem && !target.fileSystem->isReady();
+    };
+    if (std::ranges::any_of(operation.targets(), isAway))
+        return OperationsModel::Wait::Server;
+    return runnable && runnable->isReaching() ? OperationsModel::Wait::Disk : OperationsModel::Wait::Nothing;
+}
+
 bool isOver(OperationsModel::Stage stage)
 {
     return stage == OperationsModel::Stage::Done || stage == OperationsModel::Stage::Failed;
@@ -217,6 +230,8 @@ QVariant OperationsModel::cell(const Row& row, int role) const
         return row.isTransfer;
     case WhereRole:
         return row.where;
+    case WaitsForRole:
+        return static_cast<int>(row.wait);
     default:
         return {};
     }
@@ -269,6 +284,7 @@ QHash<int, QByteArray> OperationsModel::roleNames() const
         {SizeTextRole, "sizeText"},
         {IsTransferRole, "isTransfer"},
         {WhereRole, "where"},
+        {WaitsForRole, "waitsFor"},
     };
 }
 
@@ -321,6 +337,10 @@ void OperationsModel::follow(const OperationPtr& operation)
     connect(operation.data(), &BaseOperation::operationStarted, this, refresh);
     connect(operation.data(), &BaseOperation::operationStopped, this, refresh);
     connect(operation.data(), &BaseOperation::progressChanged, this, &OperationsModel::onOperationProgressed);
+    for (const FileSystemTarget& target : operation->targets())
+        if (target.fileSystem)
+            connect(target.fileSystem, &FileSystem::isReadyChanged, this,
+                    &OperationsModel::onOperationProgressed, Qt::UniqueConnection);
     if (const auto* runnable = qobject_cast<const RunnableOperation*>(operation.data()))
         connect(runnable, &RunnableOperation::errorsChanged, this, refresh);
     if (const auto* transfer = qobject_cast<const TransferOperation*>(operation.data())) {
@@ -337,6 +357,7 @@ void OperationsModel::storeRefreshedValues(Row& row) const
     if (!operation)
         return;
     row.stage = stageOf(operation.data());
+    row.wait = waitOf(*operation);
     row.progress = row.stage == Stage::Done ? 1.0 : operation->progress();
     if (const auto* transfer = qobject_cast<const TransferOperation*>(operation.data())) {
         row.bytes = transfer->transferredBytes();

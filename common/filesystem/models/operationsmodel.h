@@ -46,13 +46,18 @@ public:
         ErrorRole = 268,         // plain text, why it failed
         SizeTextRole = 269,      // how much of how much
         IsTransferRole = 270,
-        WhereRole = 271, // the directories, for a line below the name
+        WhereRole = 271,    // the directories, for a line below the name
+        WaitsForRole = 272, // Wait
     };
     Q_ENUM(Roles)
 
     /// What an operator wants to know of the state.
     enum class Stage : int { Waiting, Running, Asking, Stopping, Done, Failed };
     Q_ENUM(Stage)
+
+    /// What an operation that is not over waits for, beside its turn.
+    enum class Wait : int { Nothing, Server, Disk };
+    Q_ENUM(Wait)
 
     explicit OperationsModel(FileSystemOperations* operations, QObject* parent = nullptr);
     ~OperationsModel() override;
@@ -106,6 +111,7 @@ private:
         quint64 totalBytes = 0;
         double speed = 0; // bytes a second
         int eta = 0;      // seconds
+        Wait wait = Wait::Nothing;
         bool isTransfer = false;
         bool isInRound = true; // counts for the total
     };

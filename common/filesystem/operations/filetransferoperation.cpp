@@ -37,12 +37,17 @@ void FileTransferOperation::print(QDebug& debug) const
 
 void FileTransferOperation::run()
 {
-    FileSystem* system = to().fileSystem;
+    const FileSystem* system = to().fileSystem;
     if (state() != NotStarted || conflict() || !system || system == from().fileSystem ||
-        !system->wantsFreeNames()) {
+        !system->wantsFreeNames())
         TransferOperation::run();
-        return;
-    }
+    else
+        whenReached([this] { lookAtTarget(); });
+}
+
+void FileTransferOperation::lookAtTarget()
+{
+    FileSystem* system = to().fileSystem;
     if (system->getType(to().fullPath) == FileSystem::Directory)
         setTo({system, createJoinedPath(to().fullPath, getNameInPath(from().fullPath), false)});
     if (system->getType(to().fullPath) == FileSystem::Unknown)

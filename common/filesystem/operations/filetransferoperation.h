@@ -36,6 +36,7 @@ Q_SIGNALS:
     void outputChanged();
 
 private:
+    void lookAtTarget();
     void meetConflict(ConflictPolicy policy);
     FileSystemTarget freeTarget() const;
 

@@ -70,6 +70,39 @@ void RunnableOperation::run()
         qCInfo(lcFileSystem) << "Operation" << *this << "has already been executed or it's running";
         return;
     }
+    whenReached([this] { start(); });
+}
+
+void RunnableOperation::whenReached(std::function<void()> next)
+{
+    if (!std::exchange(m_isReaching, true))
+        reach(targets(), next);
+}
+
+/// Visitors open and look at items on this thread.
+void RunnableOperation::reach(QList<FileSystemTarget> targets, const std::function<void()>& next)
+{
+    while (!targets.isEmpty() && !targets.constFirst().fileSystem)
+        targets.removeFirst();
+    if (targets.isEmpty()) {
+        m_isReaching = false;
+        return next();
+    }
+    const FileSystemTarget target = targets.takeFirst();
+    const auto go = [this, target, targets, next](bool isReached) {
+        if (m_state != NotStarted)
+            return;
+        if (isReached)
+            return reach(targets, next);
+        addErrorText(
+            tr("The disk that holds <code>%1</code> does not answer").arg(target.fullPath.toHtmlEscaped()));
+        abort();
+    };
+    target.fileSystem->whenReachable(target.fullPath, this, go);
+}
+
+void RunnableOperation::start()
+{
     if (acceptAllVisitor()) {
         // A visitor may have ended it: then there is nothing left to do.
         if (m_state == NotStarted)

@@ -5,6 +5,8 @@
 
 #include <QMap>
 
+#include <functional>
+
 namespace vantrel {
 
 class OperationVisitor;
@@ -72,6 +74,8 @@ public:
     void setPace(Pace pace);
     /// addError() with the text and the time of now. Names and paths in it must come escaped.
     void addErrorText(const QString& message);
+    /// It is to run, and waits for a disk that does not answer.
+    bool isReaching() const { return m_isReaching; }
 
 Q_SIGNALS:
     void operationFailed();
@@ -84,14 +88,19 @@ Q_SIGNALS:
 protected:
     /// It has not ended, and nobody is ending it: who hears operationAborted() may well call abort() again.
     bool canAbort() const;
+    /// Goes on once all that it is about can be asked for without waiting; fails when that takes too long.
+    void whenReached(std::function<void()> next);
 
 private:
+    void reach(QList<FileSystemTarget> targets, const std::function<void()>& next);
+    void start();
     bool acceptAllVisitor();
 
     OperationState m_state = NotStarted;
     double m_progress = 0;
     bool m_isAborting = false;
     Pace m_pace = Pace::Alone;
+    bool m_isReaching = false;
     QMap<FileSystemTarget, bool> m_ready;
     QList<OperationError> m_errors;
 };

@@ -98,6 +98,7 @@ private Q_SLOTS:
         endWhenReady(*operation);
         operation->run();
         QCOMPARE(operation->output()->write(QByteArray(100000, 'x')), 100000);
+        operation->setTransferredBytes(100000);
         changed.clear();
         QVERIFY(disk.write(QStringLiteral("other.mov"), "1"));
         // What happens after that elsewhere is told after it.

@@ -17,13 +17,15 @@ Item {
     required property string sizeText
     required property string errorText
     required property bool isTransfer
+    required property int waitsFor
 
     readonly property bool isOpen: stage < 4
     readonly property bool isFailed: stage === 5
     readonly property bool isBusy: stage === 1 || stage === 3
     readonly property bool isCurrent: ListView.isCurrentItem && ListView.view.activeFocus
     readonly property string text: name + ": " + stageText
-    readonly property string stageText: [qsTr("Waiting"), qsTr("Running"), qsTr("Asks"), qsTr("Stopping"), qsTr("Done"),
+    readonly property string waitText: ["", qsTr("Waiting for the server"), qsTr("Waiting for the disk")][waitsFor]
+    readonly property string stageText: [waitText.length > 0 ? waitText : qsTr("Waiting"), qsTr("Running"), qsTr("Asks"), qsTr("Stopping"), qsTr("Done"),
                                          qsTr("Failed")][stage]
     readonly property bool isUpload: session.localFilesModel !== null
                                      && sourceFileSystem === session.localFilesModel.fileSystem.fileSystemName
@@ -82,9 +84,9 @@ Item {
         anchors { leftMargin: Theme.loose; rightMargin: Theme.normal }
         color: row.isFailed ? Theme.bad : row.stage === 2 ? Theme.notice : Theme.dim
         text: row.isFailed ? row.errorText
-            : row.isBusy ? [qsTr("%1 %").arg(Math.round(row.progress * 100)),
-                            row.width < Theme.scaled(900) ? "" : row.sizeText, row.transferSpeed,
-                            row.eta.length > 0 ? qsTr("%1 left").arg(row.eta) : ""].filter(part => part.length > 0).join("   ")
+            : row.isBusy ? [qsTr("%1 %").arg(Math.round(row.progress * 100)), row.waitText,
+                            row.width < Theme.scaled(900) ? "" : row.sizeText, row.waitsFor ? "" : row.transferSpeed,
+                            row.eta.length > 0 && !row.waitsFor ? qsTr("%1 left").arg(row.eta) : ""].filter(part => part.length > 0).join("   ")
             : row.stageText
         Accessible.ignored: true
 
