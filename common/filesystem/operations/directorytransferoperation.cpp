@@ -35,6 +35,7 @@ DirectoryTransferOperation::DirectoryTransferOperation(AbstractOperationFactory*
         if (std::exchange(m_isNameAsked, false)) // an answer that asks again is none
             meetExisting(answer == ConflictPolicy::Ask ? ConflictPolicy::Refuse : answer);
     });
+    connect(this, &BaseOperation::operationStopped, this, &DirectoryTransferOperation::forgetParts);
 }
 
 DirectoryTransferOperation::~DirectoryTransferOperation() = default;
@@ -158,6 +159,15 @@ void DirectoryTransferOperation::setRetryOf(const TransferOperation& failed)
     m_name = before->m_name;
     m_arrived = before->m_arrived;
     m_verified = before->m_verified;
+}
+
+/// The queue keeps what is over for the life of the process. A retry asks for what has arrived.
+void DirectoryTransferOperation::forgetParts()
+{
+    m_lister->forget();
+    m_bytes.clear();
+    if (state() == Passed)
+        m_arrived.clear();
 }
 
 void DirectoryTransferOperation::fail(const QString& message)

@@ -65,6 +65,7 @@ private:
     void takeFreeName();
     void startRunner();
     void checkRoom(qint64 neededBytes);
+    void forgetParts();
     void fail(const QString& message);
     OperationPtr createFileOperation(const FileSystemPath& path, const FileSystemTarget& to);
     void noteArrived(const TransferOperation& transfer);

@@ -56,6 +56,7 @@ void RecursiveDirectoryLister::start()
     m_queue.clear();
     m_inFlight.clear();
     m_hasFailed = false;
+    m_isTooDeep = false;
     m_isValid = false;
     m_hasFinished = false;
     Q_EMIT isValidChanged();
@@ -75,6 +76,14 @@ void RecursiveDirectoryLister::stop()
 {
     if (m_isRunning || !m_hasFinished)
         stopRequests(false);
+}
+
+void RecursiveDirectoryLister::forget()
+{
+    if (m_isRunning)
+        return;
+    m_contents.clear();
+    m_depths.clear();
 }
 
 void RecursiveDirectoryLister::stopRequests(bool success)
@@ -167,11 +176,15 @@ void RecursiveDirectoryLister::savePathContent(const QString& path, const Conten
 {
     const QString key = keyOf(path);
     const qint64 below = m_depths.value(key) + 1;
-    const bool isDeepEnough = (m_depthLimit > 0 && below >= m_depthLimit) || below > deepestLevel;
+    const bool isDeepEnough = m_depthLimit > 0 && below >= m_depthLimit;
     for (const FileSystemDirectory& directory : content.directories) {
         const QString directoryKey = keyOf(directory.fullPath);
         if (directory.name == QStringLiteral("..") || isDeepEnough || m_depths.contains(directoryKey))
             continue;
+        if (below > deepestLevel) {
+            m_isTooDeep = true;
+            continue;
+        }
         m_depths.insert(directoryKey, below);
         m_queue.enqueue(directory.fullPath);
     }

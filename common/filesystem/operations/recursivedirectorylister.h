@@ -44,6 +44,9 @@ public:
     bool hasFinished() const { return m_hasFinished; }
     /// All of it was read.
     bool isValid() const { return m_isValid; }
+    /// It goes deeper than is read, which leads back into itself more often than anywhere: no listing is
+    /// known.
+    bool isTooDeep() const { return m_isTooDeep; }
     /// The tree below the path, which lies in what was read. False when that is not known.
     bool getListing(const QString& path, DirectoryItem& item) const;
     bool getRootListing(DirectoryItem& item) const { return getListing(m_directoryPath, item); }
@@ -52,6 +55,8 @@ public Q_SLOTS:
     void start();
     /// Ends it as not valid.
     void stop();
+    /// Lets go of what was read, which nobody asks for any more.
+    void forget();
 
 Q_SIGNALS:
     void isRunningChanged();
@@ -86,6 +91,7 @@ private:
     QQueue<QString> m_queue;
     QString m_inFlight; // empty when nothing is asked for
     bool m_hasFailed = false;
+    bool m_isTooDeep = false;
     bool m_isWoken = false;
     int m_ticksInFlight = 0;
     QTimer m_timer;

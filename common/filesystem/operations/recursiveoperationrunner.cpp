@@ -118,7 +118,7 @@ void RecursiveOperationRunner::handleDirectoryListerHasFinishedChanged()
     // What was read in part only would be copied, or removed, in part only.
     if (!lister->isValid() || !lister->getRootListing(item)) {
         qCWarning(lcFileSystem) << "Unable to get listed directory content";
-        addListingError(lister->directoryPath());
+        addListingError(*lister);
         finishRunner(false);
         return;
     }
@@ -132,10 +132,14 @@ void RecursiveOperationRunner::handleDirectoryListerHasFinishedChanged()
     createEntries();
 }
 
-void RecursiveOperationRunner::addListingError(const QString& path)
+void RecursiveOperationRunner::addListingError(const RecursiveDirectoryLister& lister)
 {
-    const QString text = tr("The directory <code>%1</code> could not be read").arg(path.toHtmlEscaped());
-    m_errors.append({text, 2, QDateTime::currentDateTime()});
+    const QString text =
+        lister.isTooDeep()
+            ? tr("The directory <code>%1</code> holds too many levels of directories, or a link "
+                 "that leads back into it")
+            : tr("The directory <code>%1</code> could not be read");
+    m_errors.append({text.arg(lister.directoryPath().toHtmlEscaped()), 2, QDateTime::currentDateTime()});
 }
 
 /// Makes the entries, of a large tree some at a time.

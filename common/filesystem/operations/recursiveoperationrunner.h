@@ -86,7 +86,7 @@ private:
     void finishRunner(bool succeeded);
     void endWith(bool succeeded);
     void updateProgress();
-    void addListingError(const QString& path);
+    void addListingError(const RecursiveDirectoryLister& lister);
 
     SubOperationCreator* m_creator;
     RunnerState m_state = Idle;

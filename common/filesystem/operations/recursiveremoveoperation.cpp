@@ -27,6 +27,7 @@ RecursiveRemoveOperation::RecursiveRemoveOperation(AbstractOperationFactory* fac
             &RecursiveRemoveOperation::handleOperationRunnerStateChanged);
     connect(m_runner.get(), &RecursiveOperationRunner::progressChanged, this,
             &RecursiveRemoveOperation::updateProgress);
+    connect(this, &BaseOperation::operationStopped, m_lister.data(), &RecursiveDirectoryLister::forget);
 }
 
 RecursiveRemoveOperation::~RecursiveRemoveOperation() = default;

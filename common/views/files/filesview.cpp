@@ -4,6 +4,7 @@
 #include "common/filesystem/models/conflictdesk.h"
 #include "common/filesystem/models/filesmodel.h"
 #include "common/filesystem/models/filesystemdrophandler.h"
+#include "common/filesystem/models/filesystemoperationswrapper.h"
 #include "common/filesystem/models/operationsmodel.h"
 #include "common/filesystem/models/pathmodel.h"
 #include "common/filesystem/schedule/filesystemoperations.h"
@@ -18,6 +19,12 @@
 #include <QVBoxLayout>
 #include <QtQml>
 
+// Its name is looked for outside of all namespaces.
+static void initResources()
+{
+    Q_INIT_RESOURCE(filesview);
+}
+
 namespace vantrel {
 
 namespace {
@@ -30,7 +37,8 @@ void registerTypes()
     qmlRegisterUncreatableType<FilesModel>("Tessen.Models", 1, 0, "FilesModel", why);
     qmlRegisterUncreatableType<PathModel>("Tessen.Models", 1, 0, "PathModel", why);
     qmlRegisterUncreatableType<FileSystem>("Tessen.Models", 1, 0, "FileSystem", why);
-    qmlRegisterUncreatableType<FileSystemOperations>("Tessen.Models", 1, 0, "FileSystemOperations", why);
+    qmlRegisterUncreatableType<FileSystemOperationsWrapper>("Tessen.Models", 1, 0, "FileSystemOperations",
+                                                            why);
     qmlRegisterUncreatableType<OperationsModel>("Tessen.Models", 1, 0, "OperationsModel", why);
     qmlRegisterUncreatableType<ConflictDesk>("Tessen.Models", 1, 0, "ConflictDesk", why);
 }
@@ -64,6 +72,7 @@ void FilesView::load()
 {
     static const bool once = (registerTypes(), true);
     Q_UNUSED(once);
+    initResources();
     const QUrl file(QStringLiteral("qrc:/FilesView/qml/FilesView.qml"));
     qCInfo(log) << "Creating view for QML file:" << file;
     QMLManager::instance()->initialize();
@@ -78,6 +87,8 @@ void FilesView::load()
     context->setContextProperty(QStringLiteral("session"), m_sources.session);
     context->setContextProperty(QStringLiteral("mainWindow"), mainWindowWidget());
     context->setContextProperty(QStringLiteral("homeLocations"), m_sources.homeLocations);
+    context->setContextProperty(QStringLiteral("fileSystemOperations"),
+                                new FileSystemOperationsWrapper(m_sources.operations, m_view));
     context->setContextProperty(QStringLiteral("fileSystemDropHandler"), m_drops);
     context->setContextProperty(QStringLiteral("conflictDesk"), m_desk);
     context->setContextProperty(QStringLiteral("fileActions"),

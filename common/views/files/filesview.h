@@ -25,7 +25,7 @@ public:
     struct Sources
     {
         /// Has the models as properties: "localFilesModel", "serverFilesModel", "localFilesPathModel",
-        /// "serverFilesPathModel", "operationsModel", "fileSystemOperations".
+        /// "serverFilesPathModel", "operationsModel".
         QObject* session = nullptr;
         FileSystemProvider* provider = nullptr;
         FileSystemOperations* operations = nullptr;

@@ -53,6 +53,7 @@ private Q_SLOTS:
     void walks();
     void waitsForTheServer();
     void refusedPath();
+    void tooDeep();
     void stopped();
     void readsDirectly();
     void caches();
@@ -124,6 +125,17 @@ void TestDirectoryReading::refusedPath()
     lister.start();
     QVERIFY(QTest::qWaitFor([&] { return lister.hasFinished(); }));
     QVERIFY(!lister.isValid());
+}
+
+void TestDirectoryReading::tooDeep()
+{
+    FakeFileSystem files;
+    files.add(QStringLiteral("/top") + QStringLiteral("/x").repeated(64) + QStringLiteral("/y/a.mov"), 1);
+    RecursiveDirectoryLister lister(&files, QStringLiteral("/top"), 0);
+    lister.start();
+    QVERIFY(QTest::qWaitFor([&] { return lister.hasFinished(); }));
+    Item item;
+    QVERIFY(lister.isTooDeep() && !lister.getRootListing(item));
 }
 
 void TestDirectoryReading::stopped()

@@ -108,7 +108,7 @@ FocusScope {
     // A drop is taken whole or not at all.
     function tell(isTaken) {
         if (!isTaken)
-            say(qsTr("Nothing was copied: a part of it is not there any more. F5 reads the folder again."))
+            say(qsTr("Nothing was copied: a part of it is not there any more, or its disk does not answer. F5 reads the folder again."))
     }
     function startDrag() {
         fileActions.startDrag(model, selection.rows())
@@ -138,7 +138,7 @@ FocusScope {
             if (fault.length > 0)
                 dialogs.openErrorDialog(qsTr("No new folder"), fault)
             else if (browser.model === target)
-                session.fileSystemOperations.createDirectory(target.fileSystem, target.directoryPath + values[0].trim())
+                fileSystemOperations.operationsProvider.createDirectory(target.fileSystem, target.directoryPath + values[0].trim())
         })
     }
     function startRename() {
@@ -158,7 +158,7 @@ FocusScope {
         if (fault.length > 0)
             dialogs.openErrorDialog(qsTr("The name stays"), fault)
         else
-            session.fileSystemOperations.rename(model.fileSystem, item.absolutePath, name.trim())
+            fileSystemOperations.operationsProvider.rename(model.fileSystem, item.absolutePath, name.trim())
     }
     function askRemove() {
         if (!canChange)
@@ -176,7 +176,7 @@ FocusScope {
         dialog.setObjectNames("RemoveFilesDialog")
         dialog.confirmed.connect(function() {
             for (const path of paths)
-                session.fileSystemOperations.remove(target, path)
+                fileSystemOperations.operationsProvider.remove(target, path)
         })
     }
     function step(to, modifiers) {
