@@ -6,13 +6,17 @@ the listening socket, which stays ombra's, so that the port outlives this proces
 which is when ombra is gone.
 """
 import ctypes
+import errno
 import json
 import logging
 import os
+import re
 import signal
 import socket
+import stat
 import sys
 import threading
+import time
 
 from pyftpdlib.authorizers import DummyAuthorizer
 from pyftpdlib.handlers import DTPHandler, FTPHandler
@@ -21,11 +25,26 @@ from pyftpdlib.servers import FTPServer
 LISTENING = 3
 BLOCK = 1024 * 1024
 PR_SET_PDEATHSIG = 1
+NO_ROOM = (errno.ENOSPC, errno.EDQUOT, errno.EFBIG)
+DAY = 24 * 60 * 60
+# What a client of ours gives an upload until it is whole.
+UNFINISHED = re.compile(r"\.halcyra-[0-9a-f]{16}\.part")
 
 
 class Data(DTPHandler):
     ac_in_buffer_size = BLOCK
     ac_out_buffer_size = BLOCK
+
+    def handle_error(self):
+        """Says why a file could not be read or written, which the library loses on the way: its error holds ours."""
+        error = sys.exc_info()[1]
+        reason = error.args[0] if isinstance(error, OSError) and error.args else None
+        if not isinstance(reason, OSError) or reason.errno is None:
+            super().handle_error()
+            return
+        code = 552 if reason.errno in NO_ROOM else 426
+        self._resp = (f"{code} {os.strerror(reason.errno)}; transfer aborted.", logging.warning)
+        self.close()
 
 
 class Handler(FTPHandler):
@@ -61,6 +80,26 @@ def end_with_parent():
     threading.Thread(target=wait, daemon=True).start()
 
 
+def sweep(folder):
+    """Takes away what uploads left a day ago or longer, whose clients have not come back to go on with them."""
+    for directory, _, names in os.walk(folder):
+        for name in filter(UNFINISHED.fullmatch, names):
+            path = os.path.join(directory, name)
+            try:
+                item = os.lstat(path)
+                if stat.S_ISREG(item.st_mode) and time.time() - item.st_mtime > DAY:
+                    os.unlink(path)
+                    logging.warning("removed what an upload left: %s", path)
+            except OSError as error:
+                logging.warning("cannot remove what an upload left: %s", error)
+
+
+def sweep_daily(folder):
+    while True:
+        sweep(folder)
+        time.sleep(DAY)
+
+
 def read_settings():
     line = b""
     while not line.endswith(b"\n"):
@@ -79,6 +118,7 @@ def main():
     authorizer = DummyAuthorizer()
     authorizer.add_user(settings["username"], settings["password"], settings["folder"], perm="elradfmwMT")
     Handler.authorizer = authorizer
+    threading.Thread(target=sweep_daily, args=(settings["folder"],), daemon=True).start()
     # What is written here is a text for people; the server reads paths as UTF-8 whatever the machine's language is.
     server = FTPServer(socket.socket(fileno=LISTENING), Handler)
     server.serve_forever(handle_exit=False)

@@ -36,7 +36,8 @@ void ServerDownload::start()
     server().keepConnection(m_transfer, m_progress);
     m_sinceLog.start();
     const std::optional<ClientFileSystemInfo> listed = server().listings().entry(m_source);
-    if (listed && listed->type == ClientFileSystemType::File)
+    // Of a link the listing tells the length of the link.
+    if (listed && listed->type == ClientFileSystemType::File && !listed->isSymLink)
         m_size = listed->sizeBytes;
     m_transfer->setTotalSizeBytes(static_cast<unsigned long long>(std::max<qint64>(0, m_size)));
     if (operation()->isRunning()) // the other side may have found that there is no room for it
