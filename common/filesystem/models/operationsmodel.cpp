@@ -364,6 +364,11 @@ void OperationsModel::storeRefreshedValues(Row& row) const
         row.totalBytes = transfer->totalSizeBytes();
         row.speed = transfer->transferSpeed();
         row.eta = transfer->etaSeconds();
+        // The parts of a folder tell their bytes at once, and its progress less often: one row says one
+        // thing.
+        if (row.stage != Stage::Done && row.totalBytes > 0)
+            row.progress =
+                std::min(1.0, static_cast<double>(row.bytes) / static_cast<double>(row.totalBytes));
     }
 }
 

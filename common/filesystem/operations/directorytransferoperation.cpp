@@ -237,8 +237,19 @@ QList<FileSystemPath> DirectoryTransferOperation::getPathList(RecursiveDirectory
         appendEmptied(paths);
     }
     setTotalSizeBytes(static_cast<unsigned long long>(item.sizeBytes));
+    countArrived(paths);
     checkRoom(item.sizeBytes);
     return paths;
+}
+
+/// What a retry leaves out has been transferred.
+void DirectoryTransferOperation::countArrived(const QList<FileSystemPath>& paths)
+{
+    for (const FileSystemPath& path : paths)
+        if (path.type == FileSystemPath::File && isThereAlready(path))
+            m_bytesSum += path.sizeBytes;
+    if (m_bytesSum > 0)
+        updateTransferredByteCount();
 }
 
 /// A retry needs less; its files look for themselves.

@@ -64,6 +64,7 @@ private:
     void meetExisting(ConflictPolicy policy);
     void takeFreeName();
     void startRunner();
+    void countArrived(const QList<FileSystemPath>& paths);
     void checkRoom(qint64 neededBytes);
     void forgetParts();
     void fail(const QString& message);

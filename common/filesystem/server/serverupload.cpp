@@ -1,6 +1,7 @@
 #include "common/filesystem/server/serverupload.h"
 
 #include "common/filesystem/ftp/filesystemclient.h"
+#include "common/filesystem/model/filesize.h"
 #include "common/filesystem/model/filesystemlogging.h"
 #include "common/filesystem/model/pathhelpers.h"
 #include "common/filesystem/operations/filetransferoperation.h"
@@ -192,11 +193,21 @@ void ServerUpload::onMeasured(qint64 bytes)
     m_vain = bytes > m_reached ? 0 : m_vain + 1;
     m_reached = std::max(m_reached, bytes);
     if (m_vain >= attemptsInVain)
-        return fail(tr("<code>%1</code> could not be written").arg(m_destination.toHtmlEscaped()));
+        return fail(writeFault());
     if (bytes > m_size)
         send(0);
     else
         goOnFrom(bytes);
+}
+
+/// A server that takes a part and no more has no room for the rest; not all of them say so.
+QString ServerUpload::writeFault() const
+{
+    const QString path = m_destination.toHtmlEscaped();
+    if (m_reached <= 0)
+        return tr("<code>%1</code> could not be written").arg(path);
+    return tr("<code>%1</code> could not be written: the server took %2 of %3, and may have no room for more")
+        .arg(path, fileSizeText(m_reached), fileSizeText(m_size));
 }
 
 void ServerUpload::goOnFrom(qint64 bytes)

@@ -41,6 +41,7 @@ private:
     void measureFile(const QString& path, std::function<void(qint64)> next);
     void onMeasured(qint64 bytes);
     void goOnFrom(qint64 bytes);
+    QString writeFault() const;
     void place();
     void meetThere();
     void rename();

@@ -7,9 +7,12 @@
 #include "common/session/settings/configuration.h"
 #include "common/ui/toolkit/ztdrag.h"
 
+#include <QEvent>
 #include <QMimeData>
-#include <QPointer>
 #include <QWidget>
+
+#include <algorithm>
+#include <utility>
 
 namespace vantrel {
 
@@ -18,12 +21,43 @@ FileActions::FileActions(QWidget* view, FileSystemDropHandler* drops, ConflictDe
     , m_view(view)
     , m_drops(drops)
     , m_desk(desk)
+    , m_popup(view->window()->findChild<QWidget*>(QStringLiteral("NotificationPresenter")))
 {
+    m_view->installEventFilter(this);
+    if (m_popup)
+        m_popup->installEventFilter(this);
+    measureCover();
     if (Configuration* settings = configuration())
         connect(settings, &Configuration::optionChanged, this, [this](ConfigurationOption option) {
             if (option == TRANSFER_LIMIT_WHILE_PLAYING)
                 Q_EMIT transferLimitChanged();
         });
+}
+
+bool FileActions::eventFilter(QObject* watched, QEvent* event)
+{
+    switch (event->type()) {
+    case QEvent::Show:
+    case QEvent::Hide:
+    case QEvent::Move:
+    case QEvent::Resize:
+        // Once it is so.
+        QMetaObject::invokeMethod(this, &FileActions::measureCover, Qt::QueuedConnection);
+        break;
+    default:
+        break;
+    }
+    return QObject::eventFilter(watched, event);
+}
+
+/// What has just failed is read in the list below, which the pop-up that tells of it must leave in sight.
+void FileActions::measureCover()
+{
+    const bool covers = m_popup && m_popup->isVisible() && m_view->isVisible();
+    const int top = covers ? m_view->mapFromGlobal(m_popup->mapToGlobal(QPoint())).y() : 0;
+    const int height = covers ? std::clamp(m_view->height() - top, 0, m_view->height()) : 0;
+    if (std::exchange(m_coveredHeight, height) != height)
+        Q_EMIT coveredHeightChanged();
 }
 
 double FileActions::transferLimit() const

@@ -4,6 +4,7 @@
 
 #include <QList>
 #include <QObject>
+#include <QPointer>
 #include <QUrl>
 #include <QVariantMap>
 
@@ -19,6 +20,8 @@ class FileSystemDropHandler;
 class FileActions : public QObject
 {
     Q_OBJECT
+    /// How much of the view's lower end a pop-up over the window covers, in pixels.
+    Q_PROPERTY(int coveredHeight READ coveredHeight NOTIFY coveredHeightChanged)
     /// The most that transfers may take while program plays, in MB/s; 0 for all. Kept in the settings.
     Q_PROPERTY(double transferLimit READ transferLimit WRITE setTransferLimit NOTIFY transferLimitChanged)
 
@@ -39,16 +42,23 @@ public:
 
     double transferLimit() const;
     void setTransferLimit(double megabytes);
+    int coveredHeight() const { return m_coveredHeight; }
+
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 Q_SIGNALS:
+    void coveredHeightChanged();
     void transferLimitChanged();
 
 private:
     void runDrag(FilesModel* model, const QList<int>& rows);
+    void measureCover();
 
     QWidget* m_view;
     FileSystemDropHandler* m_drops;
     ConflictDesk* m_desk;
+    QPointer<QWidget> m_popup; // of the window
+    int m_coveredHeight = 0;
 };
 
 } // namespace vantrel

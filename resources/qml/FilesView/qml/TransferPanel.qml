@@ -76,6 +76,7 @@ ShrinkableFrame {
 
         objectName: "transfers-list"
         anchors { left: parent.left; right: parent.right; top: conflict.bottom; bottom: parent.bottom }
+        anchors.bottomMargin: Math.min(fileActions.coveredHeight, parent.height / 2) // what failed stays in sight
         model: panel.operations
         delegate: TransferRow {}
         activeFocusOnTab: count > 0
