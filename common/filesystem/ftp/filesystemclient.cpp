@@ -17,6 +17,11 @@ bool FileSystemClient::writeAndPlace(const QString& path, QIODevice* device, con
     return write(path, device, 0);
 }
 
+bool FileSystemClient::modified(const QString&)
+{
+    return false;
+}
+
 bool FileSystemClient::resumeWrite(const QString&, QIODevice*, qint64)
 {
     return false;

@@ -48,6 +48,8 @@ public:
 
     /// Asks for the size of a file in bytes: sizeFinished().
     virtual bool size(const QString& path);
+    /// Asks when a file was changed last, in the server's own words: modifiedFinished().
+    virtual bool modified(const QString& path);
     /// As write() and read(), from the given offset (bytes) of both the file and the device, which is not
     /// sequential. What is reported as done counts from the start of the file.
     virtual bool resumeWrite(const QString& path, QIODevice* device, qint64 offset);
@@ -83,6 +85,7 @@ Q_SIGNALS:
     void moveFinished(const QString& fromPath, const QString& toPath, vantrel::ClientFileSystemType type,
                       bool succeeded);
     void sizeFinished(const QString& path, qint64 bytes, bool succeeded);
+    void modifiedFinished(const QString& path, const QString& time, bool succeeded);
 };
 
 } // namespace vantrel

@@ -106,6 +106,11 @@ bool FtpClient::size(const QString& path)
     return mayStart() && d->size(path);
 }
 
+bool FtpClient::modified(const QString& path)
+{
+    return mayStart() && d->modified(path);
+}
+
 bool FtpClient::copy(const QString&, const QString&)
 {
     // The protocol has no copy on the server.

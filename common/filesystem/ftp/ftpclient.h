@@ -39,6 +39,7 @@ public:
     bool size(const QString& path) override;
     bool writeAndPlace(const QString& path, QIODevice* device, const FtpPlacing& placing) override;
     FtpOutcome lastOutcome() const override;
+    bool modified(const QString& path) override;
     bool resumeWrite(const QString& path, QIODevice* device, qint64 offset) override;
     bool resumeRead(const QString& path, QIODevice* device, qint64 offset) override;
     QString lastErrorText() const override;

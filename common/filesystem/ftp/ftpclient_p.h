@@ -41,6 +41,7 @@ public:
     FtpOutcome lastOutcome() const { return m_worker->outcome(m_transferId); }
     bool resume(const QString& path, QIODevice* device, qint64 offset, QFtp::Command command);
     bool size(const QString& path);
+    bool modified(const QString& path);
     void abort();
     QString lastErrorText() const { return m_errorText; }
     ClientListing takeListing(const QList<ClientFileSystemInfo>& entries);
@@ -101,6 +102,7 @@ private:
     qint64 m_reconnectAttempts = 0;
     std::chrono::milliseconds m_reconnectUnit{100};
     qint64 m_fileSize = -1;
+    QString m_modified; // as the server said it
     QString m_errorText;
 };
 

@@ -42,6 +42,8 @@ FtpClientPrivate::FtpClientPrivate(FtpClient* q)
     connect(worker, &FtpWorker::dataTransferProgress, this, &FtpClientPrivate::onDataTransferProgressed, how);
     connect(
         worker, &FtpWorker::fileSize, this, [this](qint64 bytes) { m_fileSize = bytes; }, how);
+    connect(
+        worker, &FtpWorker::fileModified, this, [this](const QString& time) { m_modified = time; }, how);
     connect(&m_keepaliveTimer, &QTimer::timeout, this, &FtpClientPrivate::onKeepaliveTimer);
     connect(&m_reconnectTimer, &QTimer::timeout, this, &FtpClientPrivate::onReconnectTimer);
     m_keepaliveTimer.start(keepaliveInterval);
@@ -308,6 +310,13 @@ bool FtpClientPrivate::size(const QString& path)
     return true;
 }
 
+bool FtpClientPrivate::modified(const QString& path)
+{
+    m_modified.clear();
+    setActiveCommand(QFtp::RawCommand, m_worker->modified(path), QVariant(path));
+    return true;
+}
+
 void FtpClientPrivate::abort()
 {
     qCDebug(lcFtp) << "Requesting abort for the current FTP operation:" << m_active;
@@ -424,6 +433,9 @@ void FtpClientPrivate::finishCommand(const CommandRequest& request, bool succeed
         return finishRename(request, succeeded);
     case QFtp::Size:
         Q_EMIT m_q->sizeFinished(path, m_fileSize, succeeded && m_fileSize >= 0);
+        return;
+    case QFtp::RawCommand:
+        Q_EMIT m_q->modifiedFinished(path, m_modified, succeeded && !m_modified.isEmpty());
         return;
     default:
         qCWarning(lcFtp) << "Unhandled post clean-up for finished command" << request;

@@ -11,6 +11,7 @@ namespace vantrel {
 
 namespace {
 constexpr qint64 smallTransfer = 256 * 1024; // bytes
+constexpr int timeTold = 213;                // an answer
 } // namespace
 
 FtpWorker::FtpWorker(QObject* parent)
@@ -48,6 +49,10 @@ void FtpWorker::run()
         m_outcomeId = ftp.currentId();
     });
     connect(&ftp, &QFtp::fileSize, this, &FtpWorker::fileSize, Qt::DirectConnection);
+    connect(&ftp, &QFtp::rawCommandReply, &ftp, [this](int code, const QString& text) {
+        if (code == timeTold)
+            Q_EMIT fileModified(text.trimmed());
+    });
     connect(&ftp, &QFtp::commandFinished, &ftp, [&](int id, bool error) {
         onCommandFinished(id, error ? ftp.error() : QFtp::NoError, error ? ftp.errorString() : QString());
     });
@@ -160,6 +165,11 @@ int FtpWorker::get(const QString& path, QIODevice* device, QFtp::TransferType ty
 int FtpWorker::size(const QString& path)
 {
     return command([=](QFtp& ftp) { ftp.size(path); });
+}
+
+int FtpWorker::modified(const QString& path)
+{
+    return command([=](QFtp& ftp) { ftp.modified(path); });
 }
 
 void FtpWorker::disconnectServer()

@@ -40,6 +40,7 @@ public:
     int putAndPlace(QIODevice* device, const QString& path, const FtpPlacing& placing);
     int get(const QString& path, QIODevice* device, QFtp::TransferType type, qint64 offset = 0);
     int size(const QString& path);
+    int modified(const QString& path);
     void disconnectServer();
     void abort();
     void noop();
@@ -61,6 +62,7 @@ Q_SIGNALS:
     void listInfo(const vantrel::FtpListing& listing);
     void dataTransferProgress(qint64 done, qint64 total);
     void fileSize(qint64 bytes);
+    void fileModified(const QString& time);
     void commandStarted(int id);
     void commandFinished(int id, bool error);
 

@@ -222,6 +222,11 @@ int QFtp::size(const QString& file)
     return add(Size, {typeLine(Binary), line("SIZE", file)});
 }
 
+int QFtp::modified(const QString& file)
+{
+    return add(RawCommand, {line("MDTM", file)});
+}
+
 int QFtp::currentId() const
 {
     return d->current() ? d->current()->id : 0;

@@ -78,6 +78,8 @@ public:
     int rawCommand(const QString& command);
     /// Asks for the size of a file: fileSize().
     int size(const QString& file);
+    /// Asks when a file was changed last: rawCommandReply().
+    int modified(const QString& file);
 
     /// The number of the next command, of QFtpCommand::nextId().
     void setNextId(int id);

@@ -269,6 +269,19 @@ void QFtpDTP::addToChecksum(const char* data, qint64 size)
             ::crc32_z(m_checksum, reinterpret_cast<const Bytef*>(data), static_cast<z_size_t>(size)));
 }
 
+/// A disk that fills takes a part, and says what is wrong to the next byte only.
+bool QFtpDTP::writeAll(const char* data, qint64 size)
+{
+    while (size > 0) {
+        const qint64 written = m_device->write(data, size);
+        if (written <= 0)
+            return false;
+        data += written;
+        size -= written;
+    }
+    return true;
+}
+
 /// False when the transfer cannot go on.
 bool QFtpDTP::consume(const char* data, qint64 size)
 {
@@ -286,7 +299,7 @@ bool QFtpDTP::consume(const char* data, qint64 size)
         Q_EMIT readyRead();
         return true;
     }
-    if (m_device->write(data, size) != size) {
+    if (!writeAll(data, size)) {
         fail(tr("Writing failed: %1").arg(m_device->errorString()));
         return false;
     }

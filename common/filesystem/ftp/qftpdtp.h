@@ -99,6 +99,7 @@ private:
     void socketError(QAbstractSocket::SocketError error);
     void socketConnectionClosed();
     void socketBytesWritten();
+    bool writeAll(const char* data, qint64 size);
     bool consume(const char* data, qint64 size);
     void addToChecksum(const char* data, qint64 size);
     void readListing(QByteArrayView piece);

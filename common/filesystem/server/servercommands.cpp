@@ -42,6 +42,11 @@ void ServerCommands::follow()
         m_size = bytes;
         onFinished(Kind::Size, succeeded);
     });
+    connect(client, &Client::modifiedFinished, this,
+            [this](const QString&, const QString& time, bool succeeded) {
+                m_modified = time;
+                onFinished(Kind::Modified, succeeded);
+            });
     connect(client, &Client::isServerConnectedChanged, this, &ServerCommands::onConnectedChanged);
     connect(client, &Client::isLoadingChanged, this, &ServerCommands::pumpSoon);
 }

@@ -22,7 +22,7 @@ class ServerCommands : public QObject
     Q_OBJECT
 
 public:
-    enum class Kind { List, Remove, Create, Rename, Write, Read, Copy, Move, Size };
+    enum class Kind { List, Remove, Create, Rename, Write, Read, Copy, Move, Size, Modified };
     enum class Outcome {
         Done,
         Failed,   // the server said so
@@ -51,6 +51,8 @@ public:
     qint64 size() const { return m_size; }
     /// Of the transfer that ended last.
     FtpOutcome outcome() const { return m_outcome; }
+    /// Of the last Modified that is Done: a time in the server's words.
+    QString modified() const { return m_modified; }
 
 Q_SIGNALS:
     /// The last of the work is done.
@@ -74,6 +76,7 @@ private:
     std::optional<Asked> m_running;
     qint64 m_size = -1;
     FtpOutcome m_outcome;
+    QString m_modified;
     int m_number = 0; // of the command that runs
     bool m_isPumpDue = false;
 };

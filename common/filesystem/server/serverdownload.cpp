@@ -10,12 +10,14 @@
 #include <QFile>
 
 #include <algorithm>
+#include <utility>
 
 namespace vantrel {
 
 namespace {
 constexpr int attemptsInVain = 3;
 constexpr int attemptsUnlike = 2;
+constexpr qint64 worthGoingOn = 4 << 20; // bytes
 } // namespace
 
 ServerDownload::ServerDownload(ServerFileSystemPrivate* server,
@@ -41,7 +43,61 @@ void ServerDownload::start()
         m_size = listed->sizeBytes;
     m_transfer->setTotalSizeBytes(static_cast<unsigned long long>(std::max<qint64>(0, m_size)));
     if (operation()->isRunning()) // the other side may have found that there is no room for it
+        begin();
+}
+
+/// A file that is replaced by one of its size while it is read would come as something of both.
+void ServerDownload::begin()
+{
+    m_modified.clear();
+    if (m_size < worthGoingOn)
+        return read(0);
+    askWhenModified([this](const QString& time) {
+        m_modified = time;
         read(0);
+    });
+}
+
+/// Empty when the server does not tell.
+void ServerDownload::askWhenModified(std::function<void(const QString&)> next)
+{
+    ask(
+        Kind::Modified, [this](FileSystemClient& client) { return client.modified(m_source); },
+        [this, next = std::move(next)](Outcome outcome) {
+            next(outcome == Outcome::Done ? server().commands().modified() : QString());
+        });
+}
+
+/// A small one is begun anew: that takes no longer than to ask.
+void ServerDownload::goOn()
+{
+    if (m_size < worthGoingOn)
+        return read(0);
+    askWhenModified([this](const QString& time) {
+        const bool isSame = std::exchange(m_modified, time) == time;
+        read(isSame ? m_done : 0);
+    });
+}
+
+void ServerDownload::confirm()
+{
+    if (m_modified.isEmpty())
+        return succeed();
+    askWhenModified([this](const QString& time) {
+        if (time.isEmpty() || time == m_modified)
+            return succeed();
+        if (++m_vain >= attemptsInVain)
+            return fail(tr("<code>%1</code> changes while it is read").arg(m_source.toHtmlEscaped()));
+        m_reached = m_done;
+        begin();
+    });
+}
+
+void ServerDownload::succeed()
+{
+    disconnect(m_progress); // another may be read while this one settles
+    m_transfer->setProgress(1.0);
+    m_transfer->setReady(m_transfer->from(), true);
 }
 
 void ServerDownload::read(qint64 offset)
@@ -96,10 +152,11 @@ void ServerDownload::onRead(Outcome outcome)
     const FtpOutcome::Check check = server().commands().outcome().check;
     if (check == FtpOutcome::Different)
         return startAnew();
-    disconnect(m_progress); // another may be read while this one settles
     m_transfer->setVerified(check == FtpOutcome::Same);
-    m_transfer->setProgress(1.0);
-    m_transfer->setReady(m_transfer->from(), true);
+    if (check == FtpOutcome::Same)
+        succeed();
+    else
+        confirm();
 }
 
 /// All of it came, but not as the server has it.
@@ -128,7 +185,10 @@ void ServerDownload::onMeasured(qint64 bytes)
         return fail(tr("<code>%1</code> could not be read").arg(m_source.toHtmlEscaped()));
     const bool isSame = bytes >= 0 && bytes == m_size && m_done < m_size;
     m_size = bytes;
-    read(isSame ? m_done : 0);
+    if (isSame)
+        goOn();
+    else
+        begin();
 }
 
 void ServerDownload::fail(const QString& message)

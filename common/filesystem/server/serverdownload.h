@@ -29,6 +29,11 @@ protected:
     void fail(const QString& message) override;
 
 private:
+    void begin();
+    void askWhenModified(std::function<void(const QString&)> next);
+    void goOn();
+    void confirm();
+    void succeed();
     void measure();
     void onMeasured(qint64 bytes);
     void read(qint64 offset);
@@ -41,6 +46,7 @@ private:
     QSharedPointer<QIODevice> m_output;
     QString m_source;
     qint64 m_size = -1;    // bytes of the source; -1 when the server does not say
+    QString m_modified;    // when the source was, in the server's words; empty when it does not say
     qint64 m_done = 0;     // bytes in the device
     qint64 m_reached = -1; // bytes in the device at the last break
     int m_vain = 0;        // attempts that brought nothing

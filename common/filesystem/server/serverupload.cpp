@@ -48,6 +48,10 @@ void ServerUpload::start()
                         ? createJoinedPath(to, getNameInPath(m_transfer->from().fullPath), false)
                         : to;
     m_transfer->setTotalSizeBytes(static_cast<unsigned long long>(m_size));
+    // Not only when all of it is there and is to get its name.
+    if (m_destination.contains(u'\n') || m_destination.contains(u'\r'))
+        return fail(tr("<code>%1</code> has a line break in its name, which cannot be said to a server")
+                        .arg(m_destination.toHtmlEscaped()));
     know(getParentPath(m_destination),
          [this] { meet(m_destination, false, [this](const QString& destination) { sendTo(destination); }); });
 }
