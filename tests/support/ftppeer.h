@@ -23,13 +23,15 @@ public:
         return isThere;
     }
 
-    /// bytesPerSecond: of each transfer; 0 for as fast as it goes.
-    bool start(int bytesPerSecond = 0)
+    /// bytesPerSecond: of each transfer; 0 for as fast as it goes. roomBytes: no file grows beyond them, as
+    /// if the disk were full then; 0: as far as it goes.
+    bool start(int bytesPerSecond = 0, qint64 roomBytes = 0)
     {
         m_process = std::make_unique<QProcess>();
         m_process->setProcessChannelMode(QProcess::ForwardedErrorChannel);
         m_process->start(python(), {QStringLiteral("-c"), QString::fromLatin1(script), folder(),
-                                    QString::number(m_port), QString::number(bytesPerSecond)});
+                                    QString::number(m_port), QString::number(bytesPerSecond),
+                                    QString::number(roomBytes)});
         if (!m_process->waitForReadyRead(20000))
             return false;
         m_port = m_process->readLine().trimmed().toUShort();
@@ -60,12 +62,15 @@ private:
     static QString python() { return QStringLiteral("/usr/bin/python3"); }
 
     static constexpr const char* script = R"(
+import resource
 import sys
 import time
 from pyftpdlib.authorizers import DummyAuthorizer
 from pyftpdlib.handlers import FTPHandler, DTPHandler
 from pyftpdlib.servers import FTPServer
-folder, port, limit = sys.argv[1], int(sys.argv[2]), int(sys.argv[3])
+folder, port, limit, room = sys.argv[1], int(sys.argv[2]), int(sys.argv[3]), int(sys.argv[4])
+if room:
+    resource.setrlimit(resource.RLIMIT_FSIZE, (room, room))
 class Slow(DTPHandler):
     ac_in_buffer_size = ac_out_buffer_size = 16384
     def recv(self, size):

@@ -10,6 +10,7 @@
 #include <QRandomGenerator>
 #include <QSignalSpy>
 #include <QTcpServer>
+#include <QTemporaryDir>
 #include <QTemporaryFile>
 #include <QTest>
 #include <QTimer>
@@ -17,6 +18,7 @@
 #include <array>
 #include <csignal>
 #include <memory>
+#include <unistd.h>
 
 using namespace vantrel;
 using namespace std::chrono_literals;
@@ -40,6 +42,8 @@ private Q_SLOTS:
     void roundTrip();
     void filesChange_data() { servers(); }
     void filesChange();
+    void hugeFiles_data() { servers(); }
+    void hugeFiles();
     void manyFiles_data() { servers(); }
     void manyFiles();
     void abortStorm_data() { servers(); }
@@ -50,6 +54,7 @@ private Q_SLOTS:
     void overIpv6();
     void serverComesBack();
     void serverEndsWithOmbra();
+    void sweepsWhatUploadsLeft();
     void passwordStaysSecret();
 
 private:
@@ -303,6 +308,39 @@ void TestFtpLive::filesChange()
     QVERIFY(!m_client->isLoading());
 }
 
+/// Their bytes are more than 32 bits count; only the end of them is sent.
+void TestFtpLive::hugeFiles()
+{
+    if (!isThere())
+        QSKIP("this server is not unpacked (./test does), or this is not root");
+    QVERIFY(useServer());
+    constexpr qint64 size = 5LL << 30;
+    constexpr qint64 begun = size - (1 << 20);
+    const QByteArray end = noise().first(size - begun);
+    const QTemporaryDir desk;
+    const QString path = QStringLiteral("/t/huge.mov");
+    QFile source(desk.filePath(QStringLiteral("huge.mov")));
+    QVERIFY(source.open(QIODevice::ReadWrite) && source.seek(begun) && source.write(end) == end.size());
+    QFile there(m_folder + QStringLiteral("/huge.mov"));
+    QVERIFY(there.open(QIODevice::WriteOnly) && there.resize(begun));
+    QFETCH(int, other);
+    QVERIFY(other < 0 || ::chown(QFile::encodeName(there.fileName()).constData(), 1, 1) == 0);
+    QVERIFY(run(
+        &FtpClient::writeFinished, [&] { return m_client->resumeWrite(path, &source, begun); }, 1));
+    QVERIFY(run(
+        &FtpClient::sizeFinished, [&] { return m_client->size(path); }, 2));
+    QCOMPARE(m_last.at(1).toLongLong(), size);
+    QVERIFY(list(QStringLiteral("/t")));
+    for (const auto& entry : m_last.at(1).value<QList<ClientFileSystemInfo>>())
+        QVERIFY(entry.type != Type::File || entry.sizeBytes == size);
+    QFile back(desk.filePath(QStringLiteral("back.mov")));
+    QVERIFY(back.open(QIODevice::ReadWrite) && back.resize(begun));
+    QVERIFY(run(
+        &FtpClient::readFinished, [&] { return m_client->resumeRead(path, &back, begun); }, 1));
+    QCOMPARE(back.size(), size);
+    QVERIFY(back.seek(begun) && back.readAll() == end);
+}
+
 void TestFtpLive::manyFiles()
 {
     if (!isThere())
@@ -441,6 +479,29 @@ void TestFtpLive::serverEndsWithOmbra()
     const QString process = QStringLiteral("/proc/%1/exe").arg(child);
     QVERIFY(QTest::qWaitFor(
         [&] { return !QFileInfo(process).isSymLink() || QFile::symLinkTarget(process).isEmpty(); }, 5000));
+}
+
+/// Of ours, once nobody has come back for a day to go on with them; nothing else.
+void TestFtpLive::sweepsWhatUploadsLeft()
+{
+    OmbraProcess ombra;
+    const QTemporaryDir media;
+    const QString left = QStringLiteral(".halcyra-0123456789abcdef.part");
+    const QString fresh = QStringLiteral("new/") + left;
+    const QString old = QStringLiteral("show/") + left;
+    const QStringList kept{QStringLiteral("show/.other.part"), QStringLiteral("show/a.mov"), fresh};
+    for (const char* folder : {"show", "new"})
+        QVERIFY(QDir(media.path()).mkpath(QString::fromLatin1(folder)));
+    for (const QString& name : kept + QStringList{old}) {
+        QFile file(media.filePath(name));
+        const QDateTime time = QDateTime::currentDateTime().addDays(name == fresh ? 0 : -2);
+        QVERIFY(file.open(QIODevice::WriteOnly) && file.setFileTime(time, QFileDevice::FileModificationTime));
+    }
+    ombra.setMediaFolder(media.path());
+    QVERIFY2(ombra.start(), ombra.output().constData());
+    QTRY_VERIFY(!QFile::exists(media.filePath(old)));
+    for (const QString& name : kept)
+        QVERIFY2(QFile::exists(media.filePath(name)), qPrintable(name));
 }
 
 void TestFtpLive::passwordStaysSecret()
