@@ -3,6 +3,7 @@
 #include "common/filesystem/model/filesize.h"
 #include "common/filesystem/model/filesystemlogging.h"
 #include "common/filesystem/model/pathhelpers.h"
+#include "common/filesystem/operations/directorytransferoperation.h"
 #include "common/filesystem/operations/modifyoperation.h"
 #include "common/filesystem/schedule/filesystemoperations.h"
 #include "common/media/address/showntext.h"
@@ -366,7 +367,8 @@ void OperationsModel::storeRefreshedValues(Row& row) const
         row.eta = transfer->etaSeconds();
         // The parts of a folder tell their bytes at once, and its progress less often: one row says one
         // thing.
-        if (row.stage != Stage::Done && row.totalBytes > 0)
+        const bool isFolder = qobject_cast<const DirectoryTransferOperation*>(transfer);
+        if (isFolder && row.stage != Stage::Done && row.totalBytes > 0)
             row.progress =
                 std::min(1.0, static_cast<double>(row.bytes) / static_cast<double>(row.totalBytes));
     }
