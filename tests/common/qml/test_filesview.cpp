@@ -84,6 +84,9 @@ private Q_SLOTS:
         sources.homeLocations = &m_homes;
         m_view = std::make_unique<FilesView>(sources);
         m_view->resize(1268, 600);
+        m_popup = new QWidget(m_view.get());
+        m_popup->setObjectName(QStringLiteral("NotificationPresenter"));
+        m_popup->hide();
         QVERIFY(!m_view->quickWidget());
         const std::size_t memory = mallinfo2().uordblks;
         const std::clock_t start = std::clock();
@@ -226,6 +229,16 @@ private Q_SLOTS:
         QTRY_VERIFY(!item("conflict-skip-button")->isVisible());
     }
 
+    void popUpLeavesTheTransfersInSight()
+    {
+        const double height = item("transfers-list")->height();
+        m_popup->setGeometry(100, m_view->height() - 30, 300, 30);
+        m_popup->show();
+        QTRY_COMPARE(item("transfers-list")->height(), height - 30);
+        m_popup->hide();
+        QTRY_COMPARE(item("transfers-list")->height(), height);
+    }
+
     void withoutAServerTheTabSaysSo()
     {
         item("local-files-list")->forceActiveFocus();
@@ -314,6 +327,7 @@ private:
     std::unique_ptr<PathModel> m_localPaths;
     std::unique_ptr<OperationsModel> m_operations;
     std::unique_ptr<FilesView> m_view;
+    QWidget* m_popup = nullptr; // of the view
 };
 
 HALCYRA_TEST(TestFilesView)
