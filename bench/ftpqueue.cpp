@@ -212,8 +212,8 @@ int main(int argc, char** argv)
     const QStringList names = application.arguments().mid(1);
     const auto isWanted = [&](const char* name) {
         return names.isEmpty() || std::ranges::any_of(names, [&](const QString& start) {
-            return QLatin1String(name).startsWith(start) || start.startsWith(QLatin1String(name));
-        });
+                   return QLatin1String(name).startsWith(start) || start.startsWith(QLatin1String(name));
+               });
     };
     Peer peer;
     if (isWanted("ftp/folder"))

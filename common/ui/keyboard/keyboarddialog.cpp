@@ -322,6 +322,9 @@ void KeyboardDialog::showFitting(QShowEvent* event)
 {
     const QWidget* over = parentWidget() ? parentWidget()->window() : nullptr;
     const int height = over && over->isVisible() ? over->height() : screen()->availableSize().height();
+    // It does not scroll sideways: whatever the font, the rows fit.
+    m_area->setMinimumWidth(m_area->widget()->minimumSizeHint().width() +
+                            m_area->verticalScrollBar()->sizeHint().width());
     m_area->setMinimumHeight(smallestList);
     layout()->activate();
     const int others = layout()->totalSizeHint().height() - m_area->sizeHint().height();

@@ -11,7 +11,6 @@
 #include "tests/support/testmain.h"
 
 #include <QApplication>
-#include <QScopeGuard>
 #include <QScrollArea>
 #include <QShortcut>
 #include <QTest>
@@ -79,6 +78,8 @@ class KeyboardDialogTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void initTestCase() { StyleSheet::apply(*qApp); }
+
     void init()
     {
         m_desk = std::make_unique<Desk>();
@@ -283,8 +284,6 @@ private Q_SLOTS:
         QFETCH(FontSize, size);
         m_desk->dialog.close();
         m_desk->settings->setValue(TEXT_SIZE, QVariant::fromValue(size));
-        const auto restore = qScopeGuard([] { qApp->setStyleSheet({}); });
-        qApp->setStyleSheet(StyleSheet::load(size));
         m_desk->dialog.open();
         QVERIFY(m_desk->isReady());
         const QSize dialog = m_desk->dialog.size();
