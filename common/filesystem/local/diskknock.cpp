@@ -20,8 +20,10 @@ using namespace systemfile;
 
 namespace {
 
-constexpr auto patience = 100ms; // an operator takes it for the time that a click takes
-constexpr qint64 trustMs = 50;   // many items of one directory are one question
+constexpr auto patience = 100ms;     // an operator takes it for the time that a click takes
+constexpr auto longPatience = 500ms; // where nobody waits: a busy computer is not taken for a silent disk
+constexpr qint64 trustMs = 2000;     // many items of one directory are one question,
+constexpr qint64 freshMs = 50;       // which is asked anew beside after so long
 constexpr qsizetype mostTrusted = 256;
 constexpr int mostSilent = 8; // disks that hang at once
 constexpr int farewellMs = 200;
@@ -61,10 +63,15 @@ DiskKnock::DiskKnock(QObject* parent)
 
 DiskKnock::~DiskKnock()
 {
-    for (const Silence& silence : std::as_const(m_silences)) {
-        const std::lock_guard lock(silence.question->mutex);
-        silence.question->listener = nullptr;
-    }
+    const auto leave = [](const QuestionPtr& question) {
+        const std::lock_guard lock(question->mutex);
+        question->listener = nullptr;
+    };
+    for (const Asked& asked : std::as_const(m_asked))
+        leave(asked.question);
+    for (const Trust& trust : std::as_const(m_trusted))
+        if (trust.question)
+            leave(trust.question);
     // Nobody can wake who asks a disk that hangs: the process ends without that thread.
     if (!m_pool->waitForDone(farewellMs))
         (void)m_pool.release();
@@ -75,42 +82,75 @@ bool DiskKnock::answers(const QString& path)
     const QString item = plain(path);
     if (silenceOver(item))
         return false;
-    const QuestionPtr question = ask(item);
+    const QuestionPtr question = ask(item, nullptr);
+    bool isAnswered = false;
     {
         std::unique_lock lock(question->mutex);
-        if (!question->changed.wait_for(lock, patience, [&] { return question->isAnswered; }))
+        isAnswered = question->changed.wait_for(lock, patience, [&] { return question->isAnswered; });
+        if (!isAnswered)
             question->listener = this;
     }
-    if (!question->listener) {
+    if (isAnswered)
         noteAnswer(item);
-        return true;
-    }
-    m_silences.append({placeOf(item), question, {}});
-    qCInfo(lcFileSystem) << "The disk does not answer:" << m_silences.constLast().place;
-    return false;
+    else
+        noteSilence(question);
+    return isAnswered;
 }
 
 bool DiskKnock::answersForItem(const QString& path)
 {
-    const auto answered = m_answered.constFind(getParentPath(plain(path)));
-    if (answered != m_answered.constEnd() && !answered->hasExpired(trustMs))
+    return isTrusted(plain(path)) || answers(path);
+}
+
+bool DiskKnock::isTrusted(const QString& path)
+{
+    const auto trust = m_trusted.find(getParentPath(path));
+    if (trust == m_trusted.end() || trust->answered.hasExpired(trustMs))
+        return false;
+    if (!trust->question) {
+        if (trust->answered.hasExpired(freshMs)) {
+            trust->question = ask(path, this);
+            trust->asked.start();
+        }
         return true;
-    return answers(path);
+    }
+    const QuestionPtr question = trust->question;
+    {
+        // The answer is there, and is told in a later turn.
+        const std::lock_guard lock(question->mutex);
+        if (question->isAnswered)
+            return true;
+    }
+    if (!trust->asked.hasExpired(longPatience.count()))
+        return true;
+    m_trusted.erase(trust);
+    noteSilence(question);
+    return false;
 }
 
 void DiskKnock::whenItAnswers(const QString& path, QObject* context, Next next)
 {
-    if (answers(path))
-        return next(true);
+    const QString item = plain(path);
+    Asked* asked = silenceOver(item);
+    if (!asked) {
+        const QuestionPtr question = ask(item, this);
+        m_asked.append({item, question, {}});
+        asked = &m_asked.last();
+        QTimer::singleShot(longPatience, this, [this, question] {
+            if (this->asked(question))
+                noteSilence(question);
+        });
+    }
     const int number = ++m_lastNumber;
-    silenceOver(plain(path))->waiting.append({number, context, std::move(next)});
+    asked->waiting.append({number, context, std::move(next)});
     QTimer::singleShot(m_limit, this, [this, number] { giveUp(number); });
 }
 
-DiskKnock::QuestionPtr DiskKnock::ask(const QString& path)
+DiskKnock::QuestionPtr DiskKnock::ask(const QString& path, DiskKnock* listener)
 {
     const auto question = std::make_shared<Question>();
     question->path = path;
+    question->listener = listener;
     m_pool->start([question, bytes = bytesOf(path)] {
         // What is known of an item may be remembered here; how much room there is has to be asked for.
         struct statvfs disk
@@ -121,29 +161,42 @@ DiskKnock::QuestionPtr DiskKnock::ask(const QString& path)
         const std::lock_guard lock(question->mutex);
         question->isAnswered = true;
         question->changed.notify_all();
-        if (DiskKnock* listener = question->listener)
+        if (DiskKnock* hearer = question->listener)
             QMetaObject::invokeMethod(
-                listener, [listener, question] { listener->onAnswered(question); }, Qt::QueuedConnection);
+                hearer, [hearer, question] { hearer->onAnswered(question); }, Qt::QueuedConnection);
     });
     return question;
 }
 
 void DiskKnock::noteAnswer(const QString& path)
 {
-    if (m_answered.size() >= mostTrusted)
-        m_answered.clear();
-    m_answered[getParentPath(path)].start();
+    if (m_trusted.size() >= mostTrusted)
+        m_trusted.removeIf([](const auto& one) { return !one.value().question; });
+    m_trusted[getParentPath(path)].answered.start();
+}
+
+void DiskKnock::noteSilence(const QuestionPtr& question)
+{
+    if (!asked(question))
+        m_asked.append({question->path, question, {}});
+    Asked* const silence = asked(question);
+    silence->place = placeOf(question->path);
+    silence->isSilent = true;
+    qCInfo(lcFileSystem) << "The disk does not answer:" << silence->place;
 }
 
 void DiskKnock::onAnswered(const QuestionPtr& question)
 {
-    const auto silence = std::ranges::find(m_silences, question, &Silence::question);
-    if (silence == m_silences.end())
-        return;
-    qCInfo(lcFileSystem) << "The disk answers again:" << silence->place;
     noteAnswer(question->path);
-    const QList<Waiting> waiting = std::exchange(silence->waiting, {});
-    m_silences.erase(silence);
+    if (Trust& trust = m_trusted[getParentPath(question->path)]; trust.question == question)
+        trust.question.reset();
+    Asked* const found = asked(question);
+    if (!found)
+        return;
+    if (found->isSilent)
+        qCInfo(lcFileSystem) << "The disk answers again:" << found->place;
+    const QList<Waiting> waiting = std::exchange(found->waiting, {});
+    m_asked.removeIf([&question](const Asked& one) { return one.question == question; });
     for (const Waiting& one : waiting)
         if (one.context)
             one.next(true);
@@ -151,25 +204,30 @@ void DiskKnock::onAnswered(const QuestionPtr& question)
 
 void DiskKnock::giveUp(int number)
 {
-    for (Silence& silence : m_silences) {
-        const auto found = std::ranges::find(silence.waiting, number, &Waiting::number);
-        if (found == silence.waiting.end())
+    for (Asked& asked : m_asked) {
+        const auto found = std::ranges::find(asked.waiting, number, &Waiting::number);
+        if (found == asked.waiting.end())
             continue;
         const Waiting one = *found;
-        silence.waiting.erase(found);
+        asked.waiting.erase(found);
         if (one.context)
             one.next(false);
         return;
     }
 }
 
-DiskKnock::Silence* DiskKnock::silenceOver(const QString& path)
+DiskKnock::Asked* DiskKnock::silenceOver(const QString& path)
 {
-    const auto holds = [&path](const Silence& silence) {
-        return path == silence.place || isPathBelow(path, silence.place);
-    };
-    const auto found = std::ranges::find_if(m_silences, holds);
-    return found == m_silences.end() ? nullptr : &*found;
+    const auto found = std::ranges::find_if(m_asked, [&path](const Asked& asked) {
+        return asked.isSilent && (path == asked.place || isPathBelow(path, asked.place));
+    });
+    return found == m_asked.end() ? nullptr : &*found;
+}
+
+DiskKnock::Asked* DiskKnock::asked(const QuestionPtr& question)
+{
+    const auto found = std::ranges::find(m_asked, question, &Asked::question);
+    return found == m_asked.end() ? nullptr : &*found;
 }
 
 } // namespace vantrel

@@ -27,11 +27,11 @@ public:
 
     /// Waits for the disk a tenth of a second at most, and no longer at all while it is known to be silent.
     bool answers(const QString& path);
-    /// The same of one item among many: another of its directory may have been answered just now, and will
-    /// do.
+    /// The same of one item among many: another of its directory was answered a moment ago, and will do,
+    /// while the disk is asked anew beside. So no work on many items waits for another thread's turn.
     bool answersForItem(const QString& path);
-    /// Goes on as soon as it answers, which may be at once, or with false when it has not in twenty seconds.
-    /// Not once the context is gone.
+    /// Goes on in a later turn, as soon as it answers, or with false when it has not in twenty seconds. By
+    /// then the system knows the item by heart. Not once the context is gone.
     void whenItAnswers(const QString& path, QObject* context, Next next);
     void setLimit(std::chrono::milliseconds limit) { m_limit = limit; }
 
@@ -44,22 +44,33 @@ private:
         QPointer<QObject> context;
         Next next;
     };
-    struct Silence
+    /// What was asked for, and is silent with all that is below it once that has taken too long.
+    struct Asked
     {
-        QString place; // which is silent with all that is below it
+        QString place;
         QuestionPtr question;
         QList<Waiting> waiting;
+        bool isSilent = false;
+    };
+    struct Trust
+    {
+        QElapsedTimer answered; // something in the directory, last
+        QuestionPtr question;   // that is under way
+        QElapsedTimer asked;
     };
 
-    QuestionPtr ask(const QString& path);
+    QuestionPtr ask(const QString& path, DiskKnock* listener);
+    bool isTrusted(const QString& path);
     void noteAnswer(const QString& path);
+    void noteSilence(const QuestionPtr& question);
     void onAnswered(const QuestionPtr& question);
     void giveUp(int number);
-    Silence* silenceOver(const QString& path);
+    Asked* silenceOver(const QString& path);
+    Asked* asked(const QuestionPtr& question);
 
     std::unique_ptr<QThreadPool> m_pool;
-    QHash<QString, QElapsedTimer> m_answered; // by directory, when something in it was answered last
-    QList<Silence> m_silences;
+    QHash<QString, Trust> m_trusted; // by directory
+    QList<Asked> m_asked;
     std::chrono::milliseconds m_limit{20000};
     int m_lastNumber = 0;
 };

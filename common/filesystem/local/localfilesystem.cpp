@@ -121,8 +121,9 @@ qint64 LocalFileSystem::fileSize(const QString& path) const
 
 bool LocalFileSystem::isLink(const QString& path) const
 {
+    // Nothing is removed through what may be one.
     if (!m_private->knock().answersForItem(path))
-        return false;
+        return true;
     const auto stat = systemfile::linkStat(systemfile::withoutSlash(systemfile::bytesOf(path)));
     return stat && S_ISLNK(stat->st_mode);
 }

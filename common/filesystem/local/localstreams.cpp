@@ -45,17 +45,22 @@ LocalStreams::~LocalStreams()
         file->disconnect(this);
 }
 
-QSharedPointer<QFile> LocalStreams::openFile(const QString& path, QIODeviceBase::OpenMode mode)
+QSharedPointer<QFile> LocalStreams::openFile(const QString& path)
 {
     const auto file = QSharedPointer<QFile>::create(path);
-    if (!file->open(mode)) {
-        qCWarning(lcFileSystem) << "Failed to open a local file" << path << "with mode" << mode;
+    if (!file->open(QIODeviceBase::ReadOnly)) {
+        qCWarning(lcFileSystem) << "Failed to open a local file" << path << "with mode" << file->openMode();
         return {};
     }
-    m_openFiles.insert(path, file);
-    connect(file.data(), &QIODevice::aboutToClose, this, [this, raw = file.data()] { forget(raw); });
-    qCInfo(lcFileSystem) << "Opened a local file" << path << "with mode" << mode;
+    remember(file);
     return file;
+}
+
+void LocalStreams::remember(const QSharedPointer<QFile>& file)
+{
+    m_openFiles.insert(file->fileName(), file);
+    connect(file.data(), &QIODevice::aboutToClose, this, [this, raw = file.data()] { forget(raw); });
+    qCInfo(lcFileSystem) << "Opened a local file" << file->fileName() << "with mode" << file->openMode();
 }
 
 void LocalStreams::forget(const QFile* file)
@@ -80,7 +85,7 @@ bool LocalStreams::isReceivingInto(const QString& directory) const
 bool LocalStreams::initializeOutgoingTransfer(const QSharedPointer<FileTransferOperation>& operation)
 {
     const QString path = operation->from().fullPath;
-    const QSharedPointer<QFile> file = openFile(path, QIODeviceBase::ReadOnly);
+    const QSharedPointer<QFile> file = openFile(path);
     if (!file) {
         operation->addErrorText(tr("%1 could not be opened.").arg(bold(path)));
         return false;
@@ -147,17 +152,16 @@ bool LocalStreams::initializeIncomingTransfer(const QSharedPointer<FileTransferO
         return false;
     }
     const QString hidden = textOf(hiddenPathBeside(bytesOf(path)));
-    const QSharedPointer<QFile> file =
-        openFile(hidden, QIODeviceBase::WriteOnly | QIODeviceBase::NewOnly | QIODeviceBase::Unbuffered);
-    if (!file) {
+    if (!QFileInfo(getParentPath(path)).isWritable()) {
         operation->addErrorText(tr("%1 could not be written.").arg(bold(path)));
         return false;
     }
+    const auto file = QSharedPointer<IncomingFile>::create(hidden);
+    remember(file);
     operation->setOutput(file);
     m_receiving.insert(hidden, false);
     m_progressMarks.insert(path, 0);
-    watchIncoming(operation, {path, hidden, file, isReplacing, std::make_shared<std::atomic_bool>(false),
-                              std::make_shared<bool>(false)});
+    watchIncoming(operation, {path, hidden, file, isReplacing, std::make_shared<bool>(false)});
     return true;
 }
 
@@ -204,7 +208,7 @@ void LocalStreams::watchIncoming(const QSharedPointer<FileTransferOperation>& op
         if (*incoming.isPlaced)
             return;
         // What did not become whole goes.
-        *incoming.isDropped = true;
+        incoming.file->drop();
         m_startJob(
             [hidden = bytesOf(incoming.hidden)](JobControl&) {
                 ::unlink(hidden.c_str());
@@ -248,8 +252,7 @@ void LocalStreams::takeIncoming(const QSharedPointer<FileTransferOperation>& ope
                 tr("%1 could not be written: %2.").arg(bold(incoming.path), reasonText(error)));
         transfer->setReady(transfer->to(), error == 0);
     };
-    m_settling.add({bytesOf(incoming.hidden), bytesOf(incoming.path), incoming.isReplacing,
-                    incoming.isDropped, incoming.file},
+    m_settling.add({bytesOf(incoming.hidden), bytesOf(incoming.path), incoming.isReplacing, incoming.file},
                    onSettled);
     // Of a move the source is still to go.
     if (operation->transferType() == TransferOperation::Copy)

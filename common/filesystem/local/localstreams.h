@@ -44,13 +44,13 @@ private:
     {
         QString path;
         QString hidden;
-        QSharedPointer<QFile> file;
+        QSharedPointer<IncomingFile> file;
         bool isReplacing;
-        std::shared_ptr<std::atomic_bool> isDropped;
         std::shared_ptr<bool> isPlaced;
     };
 
-    QSharedPointer<QFile> openFile(const QString& path, QIODeviceBase::OpenMode mode);
+    QSharedPointer<QFile> openFile(const QString& path);
+    void remember(const QSharedPointer<QFile>& file);
     void forget(const QFile* file);
     void watchIncoming(const QSharedPointer<FileTransferOperation>& operation, const Incoming& incoming);
     void takeIncoming(const QSharedPointer<FileTransferOperation>& operation, const Incoming& incoming);

@@ -17,12 +17,12 @@ using namespace systemfile;
 
 namespace {
 
-constexpr std::size_t oneByOne =
-    3; // as many are made sure of each on its own, and the rest of the disk left alone
-
-/// Some disks tell only now that there was no room.
+/// Some disks tell only now that there was no room. One of no bytes is made here.
 int closeFile(const SettleQueue::Item& item)
 {
+    errno = 0;
+    if (!item.file->make())
+        return errno ? errno : EIO;
     item.file->close();
     return item.file->error() == QFileDevice::NoError ? 0 : EIO;
 }
@@ -34,18 +34,20 @@ int flush(const std::string& path)
     return CopyWork(nobody).flush(path);
 }
 
-/// Of the whole disk, through one item on it.
-int flushDisk(const std::string& path)
+/// Sends its bytes on their way to the disk, so that what is asked for next need not wait for one after the
+/// other: the first one that is made sure of settles all. The whole disk is left alone, with the log of this
+/// program on it.
+int startFlush(const SettleQueue::Item& item)
 {
-    const Handle item(::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC));
-    if (!item.isOpen())
-        return errno;
-    return ::syncfs(item.get()) == 0 ? 0 : errno;
+    const Handle file(::open(item.hidden.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC));
+    if (file.isOpen())
+        (void)::sync_file_range(file.get(), 0, 0, SYNC_FILE_RANGE_WRITE);
+    return 0;
 }
 
 int place(const SettleQueue::Item& item)
 {
-    if (*item.isDropped)
+    if (item.file->isDropped())
         return ECANCELED;
     if (!item.isReplacing)
         return renameNoReplace(item.hidden, item.path);
@@ -72,10 +74,8 @@ public:
                 swept.push_back(folder);
             }
         }
-        if (m_items.size() <= oneByOne)
-            forEach([](const SettleQueue::Item& item) { return flush(item.hidden); });
-        else
-            flushDisks();
+        forEach(startFlush);
+        forEach([](const SettleQueue::Item& item) { return flush(item.hidden); });
         forEach(place);
         // The names, too.
         for (const std::string& folder : m_folders)
@@ -98,20 +98,6 @@ private:
             if (std::string folder = parentOf(item.path);
                 std::ranges::find(m_folders, folder) == m_folders.end())
                 m_folders.push_back(std::move(folder));
-    }
-
-    void flushDisks()
-    {
-        std::vector<std::pair<dev_t, int>> disks;
-        forEach([&](const SettleQueue::Item& item) {
-            const auto stat = linkStat(item.hidden);
-            if (!stat)
-                return ENOENT;
-            const auto known = std::ranges::find(disks, stat->st_dev, &std::pair<dev_t, int>::first);
-            if (known != disks.end())
-                return known->second;
-            return disks.emplace_back(stat->st_dev, flushDisk(item.hidden)).second;
-        });
     }
 
     // Not every disk can do that, and the files are on it in any case.

@@ -1,12 +1,11 @@
 #pragma once
 
 #include "common/filesystem/local/filejob.h"
+#include "common/filesystem/local/incomingfile.h"
 
-#include <QFile>
 #include <QObject>
 #include <QSharedPointer>
 
-#include <atomic>
 #include <functional>
 #include <memory>
 #include <string>
@@ -32,8 +31,7 @@ public:
         std::string hidden;
         std::string path;
         bool isReplacing = false;
-        std::shared_ptr<std::atomic_bool> isDropped; // nobody wants it any more; also from another thread
-        QSharedPointer<QFile> file; // open still: a disk of another machine may take its time
+        QSharedPointer<IncomingFile> file; // open still: a disk of another machine may take its time
     };
 
     SettleQueue(StartJob startJob, QObject* parent);

@@ -1,3 +1,4 @@
+#include "tests/common/filesystem/begin.h"
 #include "tests/common/filesystem/localfixture.h"
 #include "tests/common/filesystem/quietfilesystem.h"
 #include "tests/support/testmain.h"
@@ -71,7 +72,7 @@ private Q_SLOTS:
         const auto operation = QSharedPointer<FileTransferOperation>::create(
             FileSystemTarget{&server, remotePath}, disk.target({}), TransferOperation::Copy);
         QSignalSpy grown(&disk.files, &FileSystem::fileChanged);
-        operation->run();
+        QVERIFY(begin(*operation));
         operation->output()->write("half");
         operation->setProgress(0.05);
         operation->setProgress(0.2);
@@ -96,7 +97,7 @@ private Q_SLOTS:
         const auto operation = QSharedPointer<FileTransferOperation>::create(
             FileSystemTarget{&server, remotePath}, disk.target({}), TransferOperation::Copy);
         endWhenReady(*operation);
-        operation->run();
+        QVERIFY(begin(*operation));
         QCOMPARE(operation->output()->write(QByteArray(100000, 'x')), 100000);
         operation->setTransferredBytes(100000);
         changed.clear();

@@ -3,6 +3,7 @@
 #include "common/filesystem/operations/modifyoperation.h"
 #include "common/filesystem/server/serverfilesystem.h"
 #include "common/filesystem/server/serverfilesystem_p.h"
+#include "tests/common/filesystem/begin.h"
 #include "tests/common/filesystem/scriptedclient.h"
 #include "tests/support/testmain.h"
 
@@ -101,7 +102,7 @@ private Q_SLOTS:
         const auto upload = transferUp(QByteArray(3000, 'x'), QStringLiteral("/a.mov"));
         know(QStringLiteral("/"), {});
         QSignalSpy changed(m_server.get(), &FileSystem::directoryChanged);
-        upload->run();
+        QVERIFY(begin(*upload));
         const QString temporary = client()->last().section(u' ', 1);
         QVERIFY2(client()->last().startsWith(QStringLiteral("write /.halcyra-")),
                  qPrintable(client()->last()));
@@ -125,7 +126,7 @@ private Q_SLOTS:
     {
         const auto upload = transferUp(QByteArray(3 << 20, 'x'), QStringLiteral("/a.mov"));
         know(QStringLiteral("/"), {});
-        upload->run();
+        QVERIFY(begin(*upload));
         const QString temporary = client()->last().section(u' ', 1);
         client()->setConnected(false);
         client()->finishWrite(temporary, false);
@@ -150,7 +151,7 @@ private Q_SLOTS:
     {
         const auto upload = transferUp(QByteArray(3000, 'x'), QStringLiteral("/a.mov"));
         know(QStringLiteral("/"), {});
-        upload->run();
+        QVERIFY(begin(*upload));
         const QString temporary = client()->last().section(u' ', 1);
         upload->abort();
         QCOMPARE(upload->state(), State::Failed);
@@ -183,7 +184,7 @@ private Q_SLOTS:
             know(QStringLiteral("/"), {fileEntry(QStringLiteral("/a.mov"), 5)});
             client()->calls.clear();
             upload->setConflictPolicy(isAsked ? ConflictPolicy::Ask : policy);
-            upload->run();
+            QVERIFY(begin(*upload));
             if (isAsked) {
                 QVERIFY(upload->conflict());
                 QCOMPARE(upload->conflict()->path, QStringLiteral("/a.mov"));
@@ -269,7 +270,7 @@ private Q_SLOTS:
     {
         const auto upload = transferUp(QByteArray(30, 'x'), QStringLiteral("/a.mov"));
         know(QStringLiteral("/"), {});
-        upload->run();
+        QVERIFY(begin(*upload));
         const QString temporary = client()->last().section(u' ', 1);
         for (int attempt = 0; upload->isRunning() && attempt < 5; ++attempt) {
             client()->errorText = QStringLiteral("552 Disk full.");
@@ -291,7 +292,7 @@ private Q_SLOTS:
             target(QStringLiteral("/a.mov")), target(QStringLiteral("/b.mov")), TransferOperation::Move);
         move->setConflictPolicy(ConflictPolicy::Replace);
         know(QStringLiteral("/"), before);
-        move->run();
+        QVERIFY(begin(*move));
         client()->finishList(QStringLiteral("/"), before);
         const QString moving = QStringLiteral("move /a.mov /b.mov");
         QCOMPARE(client()->last(), moving);
@@ -313,7 +314,7 @@ private Q_SLOTS:
         const QString path = m_disk->filePath(QStringLiteral("here.mov"));
         const auto download = make<FileTransferOperation>(
             target(QStringLiteral("/<a>.mov")), FileSystemTarget{&m_local, path}, TransferOperation::Move);
-        download->run();
+        QVERIFY(begin(*download));
         QCOMPARE(client()->last(), QStringLiteral("read /<a>.mov"));
         client()->finishRead(QStringLiteral("/<a>.mov"), "12345");
         QTRY_COMPARE(client()->last(), QStringLiteral("remove /<a>.mov"));
@@ -341,7 +342,7 @@ private Q_SLOTS:
             make<ModifyOperation>(target(QStringLiteral("/<b>")),
                                   static_cast<ModifyOperation::ModifyType>(type), ModifyOperation::Directory);
         allowWarnings(QStringLiteral("Create operation failed for path"));
-        change->run();
+        QVERIFY(begin(*change));
         if (type == ModifyOperation::Create)
             client()->finishCreate(QStringLiteral("/<b>/"), false);
         else
@@ -386,7 +387,7 @@ private:
     /// Until it is to get its name; gives where it lies.
     QString sendWhole(FileTransferOperation& upload, qint64 size)
     {
-        upload.run();
+        begin(upload);
         const QString temporary = client()->last().section(u' ', 1);
         client()->finishWrite(temporary, true);
         client()->finishSize(temporary, size);
