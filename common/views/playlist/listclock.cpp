@@ -75,14 +75,21 @@ ListClock* ListClock::ofProgram(Session* session)
                          session);
 }
 
+/// An entry that is removed, or whose medium is another one, plays to its end, and the list goes on.
+bool ListClock::isHeld() const
+{
+    return m_playlist > 0 && m_playback && m_playback->media().isEmpty() &&
+           !m_playback->heldMedia().isEmpty();
+}
+
 void ListClock::follow()
 {
-    const QString media = m_playback ? m_playback->media() : QString();
-    // An entry that is removed, or whose medium is another one, plays to its end, and the list goes on.
-    if (media.isEmpty() && m_playback && !m_playback->heldMedia().isEmpty() && m_playlist > 0) {
+    if (isHeld()) {
         recalculate();
         return;
     }
+    m_isGone = false;
+    const QString media = m_playback ? m_playback->media() : QString();
     const auto entry = MediaUtils::isPlaylistAddress(media) ? MediaUtils::parsePlaylistAddress(media)
                                                             : media::PlaylistAndEntry();
     m_playlist = entry.valid ? static_cast<uint>(entry.playlist) : 0;
@@ -94,10 +101,15 @@ void ListClock::recalculate()
 {
     m_recalculate.stop();
     m_zero = {};
-    const bool isKnown = m_playlist > 0 && m_provider->playlist(m_playlist); // it may not be read yet
-    m_rundown = isKnown ? Rundown(m_provider->entries(m_playlist), m_playing,
-                                  [this](const GuiPlaylistEntry& entry) { return lengthOf(entry); })
-                        : Rundown();
+    // It may not be read yet, or be gone with what it plays.
+    const bool isKnown = m_playlist > 0 && (m_provider->playlist(m_playlist) || isHeld());
+    const auto rundown = [this] {
+        return Rundown(m_provider->entries(m_playlist), m_playing, m_isGone,
+                       [this](const GuiPlaylistEntry& entry) { return lengthOf(entry); });
+    };
+    m_rundown = isKnown ? rundown() : Rundown();
+    // From here on its number may become another entry's.
+    m_isGone = isHeld() && m_rundown.kind() == Rundown::Kind::Removed;
     if (m_playlist > 0)
         m_tick.start();
     else

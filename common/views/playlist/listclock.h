@@ -27,6 +27,11 @@ public:
     /// The list that plays and its entry; the list is 0, and the entry no address, while none does.
     uint playlist() const { return m_playlist; }
     const EntryAddress& playing() const { return m_playing; }
+    /// Whether this entry of the list plays. One that was removed does not, whatever has its number by now.
+    bool isPlaying(const EntryAddress& address) const
+    {
+        return address == m_playing && m_rundown.kind() != Rundown::Kind::Removed;
+    }
     /// As the server tells it, or else as the list has it.
     EntryAddress next() const;
     const Rundown& rundown() const { return m_rundown; }
@@ -64,6 +69,7 @@ Q_SIGNALS:
 
 private:
     QString courseText() const;
+    bool isHeld() const;
     void follow();
     void recalculate();
     void tick();
@@ -79,6 +85,7 @@ private:
     uint m_playlist = 0;
     EntryAddress m_playing;
     Rundown m_rundown;
+    bool m_isGone = false; // what plays is no entry any more
     bool m_isStale = false;
     mutable double m_left = -1;
     mutable QDateTime m_zero; // when the entry that plays is over, as last told

@@ -157,8 +157,9 @@ void PlaylistContainer::showPlaying()
     if (!m_follows || !m_model || m_clock->playlist() != m_model->playlistNumber())
         return;
     m_shown = m_clock->playing();
+    const EntryAddress onAir = m_clock->isPlaying(m_shown) ? m_shown : EntryAddress();
     // The next one first: where there is no room for both, the one on air is seen.
-    for (const EntryAddress& address : {m_clock->next(), m_clock->playing()}) {
+    for (const EntryAddress& address : {m_clock->next(), onAir}) {
         const QModelIndex index = address.isValid() ? m_model->indexOf(address) : QModelIndex();
         if (index.isValid())
             m_view->scrollTo(index);

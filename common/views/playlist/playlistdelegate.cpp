@@ -163,7 +163,7 @@ void PlaylistDelegate::paint(QPainter* painter, const QStyleOptionViewItem& opti
     cell.isSelected = option.state.testFlag(QStyle::State_Selected);
     const bool isOfClock =
         m_clock && m_clock->playlist() > 0 && m_clock->playlist() == model->playlistNumber();
-    if (isOfClock && m_clock->playing() == cell.address)
+    if (isOfClock && m_clock->isPlaying(cell.address))
         cell.cue = Cue::OnAir;
     else if (index.data(PlaylistModel::PreviewPlayingEntryRole).toBool())
         cell.cue = Cue::OnPreview;

@@ -34,6 +34,8 @@
 #include <QMimeData>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 namespace vantrel {
 
 namespace {
@@ -381,13 +383,15 @@ void PlaylistEditor::doRemove()
     const bool isOne = rows.size() == 1;
     // Those that were seen selected when it was asked, wherever they stand by then.
     QList<QPersistentModelIndex> kept(rows.begin(), rows.end());
-    const QModelIndex onAir = m_model->indexOf(m_clock->playing());
+    const auto isOnAir = [this](const QModelIndex& row) {
+        return m_clock->isPlaying(m_model->getEntryAddress(row));
+    };
     confirm(
         m_removeDialog, "PlaylistEditor-remove-confirmation",
         isOne ? tr("Remove playlist entry") : tr("Remove playlist entries"),
         (isOne ? tr("Are you sure you want to remove selected entry?")
                : tr("Are you sure you want to remove selected entries?")) +
-            (rows.contains(onAir) ? onAirWarning(m_model->playlistNumber()) : QString()),
+            (std::ranges::any_of(rows, isOnAir) ? onAirWarning(m_model->playlistNumber()) : QString()),
         tr("REMOVE"), [this, kept] {
             QList<QModelIndex> still;
             for (const QPersistentModelIndex& index : kept) {

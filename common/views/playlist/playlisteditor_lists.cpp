@@ -36,8 +36,11 @@ QString PlaylistEditor::onAirWarning(uint playlist) const
 {
     if (m_clock->playlist() == 0 || m_clock->playlist() != playlist)
         return {};
+    const EntryAddress& playing = m_clock->playing();
     return u' ' + tr("It is on program: %1 plays to its end.")
-                      .arg(ListClock::nameOf(m_session->playlistProvider(), playlist, m_clock->playing()));
+                      .arg(m_clock->isPlaying(playing)
+                               ? ListClock::nameOf(m_session->playlistProvider(), playlist, playing)
+                               : QString::fromStdString(playing.toString(false)));
 }
 
 PlaylistFiles::List PlaylistEditor::shownList() const

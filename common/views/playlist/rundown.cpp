@@ -42,11 +42,11 @@ qsizetype playableFrom(const QList<Rundown::Entry>& entries, qsizetype index)
 
 } // namespace
 
-Rundown::Rundown(const QList<Entry>& entries, const EntryAddress& playing, const Length& length)
+Rundown::Rundown(const QList<Entry>& entries, const EntryAddress& playing, bool isGone, const Length& length)
 {
     const auto found =
         std::ranges::lower_bound(entries, playing, {}, [](const Entry& entry) { return entry->address(); });
-    const bool isThere = found != entries.end() && (*found)->address() == playing;
+    const bool isThere = !isGone && found != entries.end() && (*found)->address() == playing;
     const qsizetype next = playableFrom(entries, found - entries.begin() + isThere);
     if (next < entries.size())
         m_next = entries[next]->address();

@@ -31,9 +31,9 @@ public:
     using Length = std::function<double(const GuiPlaylistEntry& entry)>;
 
     Rundown() = default;
-    /// Entries in address order. Lengths are asked for only behind an entry without an end, where the running
-    /// times of the list say nothing.
-    Rundown(const QList<Entry>& entries, const EntryAddress& playing, const Length& length);
+    /// Entries in address order. isGone: what plays is none of them, also where one has its address. Lengths
+    /// are asked for only behind an entry without an end, where the running times of the list say nothing.
+    Rundown(const QList<Entry>& entries, const EntryAddress& playing, bool isGone, const Length& length);
 
     Kind kind() const { return m_kind; }
     /// The last entry that comes by itself.

@@ -215,7 +215,8 @@ void TestPlaylistDrops::rundowns()
         entries.append(std::make_shared<GuiPlaylistEntry>(item));
         before = after;
     }
-    const Rundown rundown(entries, EntryAddress(playing, 0), [](const GuiPlaylistEntry&) { return 10.0; });
+    const Rundown rundown(entries, EntryAddress(playing, 0), false,
+                          [](const GuiPlaylistEntry&) { return 10.0; });
     QTEST(rundown.kind(), "kind");
     QTEST(rundown.last().major, "last");
     QTEST(rundown.seconds(), "seconds");

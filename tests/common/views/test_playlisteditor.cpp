@@ -1,10 +1,14 @@
 #include "common/media/items/mimedata.h"
 #include "common/media/library/medialibraryapi.h"
+#include "common/media/library/playlistprovider.h"
 #include "common/media/models/playlist/playlisteditormodel.h"
 #include "common/media/models/playlist/playlistselectionmodel.h"
 #include "common/notification/notificationmanagerimpl.h"
+#include "common/session/mirror/guiplayback.h"
+#include "common/session/mirror/sceneobjectprovider.h"
 #include "common/ui/toolkit/iconbutton.h"
 #include "common/views/playlist/cuesheetdialog.h"
+#include "common/views/playlist/listclock.h"
 #include "common/views/playlist/playlistcontainer.h"
 #include "common/views/playlist/playlisteditor.h"
 #include "common/views/playlist/playlisteditorheader.h"
@@ -436,11 +440,29 @@ void TestPlaylistEditor::programTellsItsCourse()
     QTRY_VERIFY2(end->text().contains(QStringLiteral("not running")), qPrintable(end->text()));
     m_fixture->set("program", "heldMedia", quoted("file:///a.mp4"));
     m_fixture->set("program", "media", quoted(""));
-    Patch patch;
-    QVERIFY(Patch::parseString(R"([{"op":"remove","path":"/playlists/2/entries/1"}])", patch));
-    m_fixture->peer.session->getMediaLibraryApi()->applyMediaLibraryPatch(patch);
+    const auto apply = [this](const char* text) {
+        Patch edit;
+        QVERIFY(Patch::parseString(text, edit));
+        m_fixture->peer.session->getMediaLibraryApi()->applyMediaLibraryPatch(edit);
+    };
+    const GUIPlayback* playback = m_fixture->peer.session->sceneObjectProvider()->programPlayback();
+    QTRY_VERIFY(playback->media().isEmpty());
+    apply(R"([{"op":"remove","path":"/playlists/2/entries/1"}])");
     QTRY_COMPARE(next->text(), QStringLiteral("1 was removed. Next: 3 Walk-in"));
-    QCOMPARE(end->text(), QStringLiteral("1 was removed and plays to its end"));
+    const QString removed = QStringLiteral("1 was removed and plays to its end");
+    QCOMPARE(end->text(), removed);
+    // Its number is another entry's now, which is not on air; then the whole list is gone.
+    const auto* clock = ListClock::ofProgram(m_fixture->peer.session);
+    const QSignalSpy worked(clock, &ListClock::courseChanged);
+    apply(R"([{"op":"remove","path":"/playlists/2/entries/2"},
+              {"op":"add","path":"/playlists/2/entries/1","value":{"slotUrl":"brume://collections/1/slots/1"}}])");
+    QVERIFY(m_fixture->peer.session->playlistProvider()->entry(2, EntryAddress(1, 0)));
+    QTRY_VERIFY(!worked.isEmpty());
+    QVERIFY(!clock->isPlaying(EntryAddress(1, 0)));
+    QCOMPARE(end->text(), removed);
+    apply(R"([{"op":"remove","path":"/playlists/2"}])");
+    QTRY_VERIFY(worked.count() > 1);
+    QCOMPARE(end->text(), removed);
 }
 
 /// All pages and no more, with the text of the last entry on the last of them; a folder that is none is told.
