@@ -182,7 +182,9 @@ void CueSheet::printRow(const Page& page, const Row& row, qreal y) const
     page.write(5, y,
                entry.transitionType() == TakeTransitionType::DirectCut
                    ? transition
-                   : translated("%1, %2 s").arg(transition).arg(entry.transitionDuration(), 0, 'f', 1));
+                   : translated("%1, %2 s")
+                         .arg(transition)
+                         .arg(PlaylistModel::secondsText(entry.transitionDuration())));
     page.write(6, y, MediaUtils::endActionToHumanReadable(entry.endAction()));
     page.painter->setPen(QPen(QColor(0, 0, 0, 40), 0.5));
     page.painter->drawLine(QPointF(0, y + rowHeight), QPointF(page.size.width(), y + rowHeight));

@@ -27,6 +27,7 @@ namespace {
 
 constexpr auto chosenProperty = "isChosen"; // of a drop-down: by the operator
 constexpr auto givenProperty = "given";     // of a field: what it showed at first
+constexpr auto typedProperty = "typed";     // and the text that the operator has put there since
 
 constexpr int margin = 6;  // left and right of a cell's text
 constexpr int padding = 4; // above and below it
@@ -193,7 +194,8 @@ void PlaylistDelegate::paint(QPainter* painter, const QStyleOptionViewItem& opti
         break;
     case PlaylistModel::TransitionDurationColumn:
         if (model->flags(index).testFlag(Qt::ItemIsEditable)) // a cut takes no time
-            paintText(cell, tr("%1 s").arg(index.data().toDouble(), 0, 'f', 1), Qt::AlignRight, true);
+            paintText(cell, tr("%1 s").arg(PlaylistModel::secondsText(index.data().toDouble())),
+                      Qt::AlignRight, true);
         break;
     case PlaylistModel::ThumbnailColumn:
         paintThumbnail(cell);
@@ -398,6 +400,8 @@ QWidget* PlaylistDelegate::createEditor(QWidget* parent, const QStyleOptionViewI
         edit->setToolTip(
             tr("Transition duration can be specified from 0.0 to 10.0 seconds. Duration does not "
                "apply to direct cut."));
+        connect(edit, &QLineEdit::textEdited, edit,
+                [edit](const QString& text) { edit->setProperty(typedProperty, text); });
         return edit;
     }
     default:
@@ -422,6 +426,9 @@ void PlaylistDelegate::setEditorData(QWidget* editor, const QModelIndex& index) 
     else if (auto* type = qobject_cast<PlaylistTransitionTypeEditor*>(editor))
         type->setType(entry->transitionType());
     else if (auto* seconds = qobject_cast<DoubleEdit*>(editor)) {
+        const QString shown = PlaylistModel::secondsText(entry->transitionDuration());
+        if (!seconds->property(givenProperty).isValid()) // later it would write over what is typed
+            seconds->setDecimals(static_cast<int>(shown.size() - shown.indexOf(u'.') - 1));
         seconds->setValue(entry->transitionDuration());
         seconds->setProperty(givenProperty, seconds->value());
     }
@@ -441,7 +448,11 @@ void PlaylistDelegate::setModelData(QWidget* editor, QAbstractItemModel* model,
     else if (auto* seconds = qobject_cast<DoubleEdit*>(editor)) {
         // Tab and a click elsewhere come here before the field has heard of them.
         seconds->commit();
-        if (seconds->value() != seconds->property(givenProperty).toDouble())
+        // The value that its row has already is typed for the other rows.
+        const QString typed = seconds->property(typedProperty).toString().replace(u',', u'.');
+        bool isNumber = false;
+        const bool isConfirmed = typed.toDouble(&isNumber) == seconds->value() && isNumber;
+        if (isConfirmed || seconds->value() != seconds->property(givenProperty).toDouble())
             setSelectedData(model, index, seconds->value());
     }
 }

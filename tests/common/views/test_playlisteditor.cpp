@@ -310,6 +310,7 @@ void TestPlaylistEditor::typedTimesCount_data()
     QTest::newRow("Enter") << "2.5" << int(Qt::Key_Return) << 2;
     QTest::newRow("Tab") << "2.5" << int(Qt::Key_Tab) << 2;
     QTest::newRow("nothing typed") << "" << int(Qt::Key_Tab) << 0;
+    QTest::newRow("what its row has already") << "1.0" << int(Qt::Key_Return) << 1;
 }
 
 /// A time is for all rows that are selected, and the key that ends it means nothing else.
@@ -318,6 +319,10 @@ void TestPlaylistEditor::typedTimesCount()
     QFETCH(QString, typed);
     QFETCH(int, key);
     QFETCH(int, edited);
+    Patch other;
+    QVERIFY(Patch::parseString(
+        R"([{"op":"replace","path":"/playlists/2/entries/2/transitionDuration","value":0.25}])", other));
+    m_fixture->peer.session->getMediaLibraryApi()->applyMediaLibraryPatch(other);
     select({0, 1});
     m_fixture->takeSent();
     const QModelIndex cell = m_editor->model()->index(0, PlaylistModel::TransitionDurationColumn);

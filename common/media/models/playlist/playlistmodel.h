@@ -113,6 +113,8 @@ public:
     qint64 getMediaSize(const GuiPlaylistEntry& entry) const;
     /// As the table writes it.
     static QString sizeText(qint64 bytes);
+    /// To the millisecond, with as many decimals as that takes and one at the least: "1.0", "0.25".
+    static QString secondsText(double seconds);
     QVariant getThumbnail(const GuiPlaylistEntry& entry) const;
     /// Seconds: of the medium, and of what of it is played.
     double getMediaDuration(const GuiPlaylistEntry& entry) const;

@@ -70,6 +70,13 @@ QString PlaylistModel::sizeText(qint64 bytes)
                : QStringLiteral("0 B");
 }
 
+QString PlaylistModel::secondsText(double seconds)
+{
+    const QString text = QString::number(seconds, 'f', 3);
+    const qsizetype zeros = text.endsWith(QLatin1String("00")) ? 2 : text.endsWith(u'0') ? 1 : 0;
+    return text.chopped(zeros);
+}
+
 QVariant PlaylistModel::editData(const GuiPlaylistEntry& entry, int column) const
 {
     switch (column) {
