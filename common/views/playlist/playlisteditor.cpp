@@ -428,7 +428,8 @@ void PlaylistEditor::doRenumber()
     const QList<QModelIndex> rows = m_selection->sortedSelectedRows();
     if (rows.isEmpty())
         return;
-    const QList<EntryAddress> addresses = m_model->getEntryAddresses(rows);
+    QList<EntryAddress> addresses = m_model->getEntryAddresses(rows);
+    std::ranges::sort(addresses); // they are renumbered in this order, however the rows stand
     if (m_renumberDialog)
         m_renumberDialog->close();
     m_renumberDialog = new TextInputDialog(this);

@@ -169,9 +169,10 @@ void TestPlaylistEditor::emptyListsSayWhatToDo()
 
 void TestPlaylistEditor::renumberingSaysWhatIsWrong()
 {
+    m_editor->model()->sort(PlaylistModel::NumberColumn, Qt::DescendingOrder); // they keep their own order
     allowWarnings(QStringLiteral("Failed to find 8"));
     allowWarnings(QStringLiteral("Unable to acquire valid numbering plan"));
-    select({0, 1});
+    select({2, 3});
     m_editor->doRenumber();
     auto* dialog = dialogPart<QDialog>("Playlist-Renumber-Dialog");
     QVERIFY(dialog && dialog->isVisible());
@@ -191,6 +192,8 @@ void TestPlaylistEditor::renumberingSaysWhatIsWrong()
     QCOMPARE(tried("1-2", "x", 1), QStringLiteral("Invalid slot number given for first slot."));
     QCOMPARE(tried("8", "20", 0), QStringLiteral("Given slot(s) not found."));
     QCOMPARE(tried("1-2", "2.999", 1), QStringLiteral("Not enough space for renumbering."));
+    // The numbers that they have are no step to undo.
+    QCOMPARE(m_editor->model()->doRenumber(EntryAddress(1, 0), {EntryAddress(1, 0), EntryAddress(2, 0)}), 0);
     QCOMPARE(m_fixture->peer.session->getQUndoStack()->count(), 0);
     const QPointer<QDialog> open = dialog;
     QCOMPARE(tried("1-2", "20", 1), QString());
