@@ -68,6 +68,9 @@ PlaylistEditor::PlaylistEditor(PlaybackViewMode mode, Session* session, QWidget*
 
 PlaylistEditor::~PlaylistEditor()
 {
+    // Those that are open go after the header does.
+    for (const ZTDialog* dialog : findChildren<ZTDialog*>(Qt::FindDirectChildrenOnly))
+        dialog->disconnect(this);
     if (m_session->playlistSelection() == m_selection)
         m_session->setPlaylistSelection(nullptr);
 }
