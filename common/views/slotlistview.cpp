@@ -100,12 +100,15 @@ bool SlotListView::handleHotkey(const QKeyEvent& event)
     if (state() == EditingState) // what the editor leaves over, such as the Enter that ends it
         return true;
     const auto is = [&key](const char* name) { return Hotkeys::current(QLatin1String(name)) == key; };
+    // Held down, none of them is meant twice.
     if (is("insert_media")) {
-        Q_EMIT insertRequested();
+        if (!event.isAutoRepeat())
+            Q_EMIT insertRequested();
         return true;
     }
     if (is("delete")) {
-        Q_EMIT deleteRequested();
+        if (!event.isAutoRepeat())
+            Q_EMIT deleteRequested();
         return true;
     }
     if (is("rename"))

@@ -92,19 +92,23 @@ bool AllPlaylists::mayMove(uint playlist) const
     return false;
 }
 
-/// The page and the editor go with a list that gets another number, once the server has given it.
+/// The page goes with a list that gets another number, at once: who presses the key again means it again, and
+/// not the list that it passes. The editor follows once the server has given the number.
 void AllPlaylists::follow(uint from, uint to)
 {
     const QUndoStack* stack = m_sources.stack;
     const auto* command = dynamic_cast<const AbstractDiffApiCommand*>(stack->command(stack->index() - 1));
     if (!command)
         return;
-    const uint shown = m_sources.model->playlistNumber();
-    const auto answered = [this, from, to, shown](EditDirection, bool isDone) {
+    m_movedTo = to;
+    if (m_dialog)
+        m_dialog->setCurrent(to);
+    const auto answered = [this, from, to](EditDirection, bool isDone) {
+        if (m_dialog && m_movedTo == to)
+            m_dialog->setCurrent(isDone ? to : from);
         if (!isDone)
             return;
-        if (m_dialog)
-            m_dialog->setCurrent(to);
+        const uint shown = m_sources.model->playlistNumber(); // an edit after the other
         if (shown == from)
             m_sources.model->setPlaylistNumber(to);
         else if (shown == to) // with which it has changed places

@@ -52,6 +52,7 @@ private:
     Sources m_sources;
     QWidget* m_window;
     QPointer<PlaylistsDialog> m_dialog;
+    uint m_movedTo = 0; // by the last edit of a number
     bool m_isEditable = true;
 };
 

@@ -206,8 +206,16 @@ void PlaylistEditor::connectSession()
     connect(m_session, &Session::disconnected, this, &PlaylistEditor::updateEditable);
     connect(m_session, &Session::libraryReadingChanged, this, &PlaylistEditor::updateEditable);
     connect(m_session->linkHealth(), &LinkHealth::changed, this, &PlaylistEditor::updateEditable);
-    connect(m_session->playlistProvider(), &AbstractPlaylistProvider::playlistRemoved, this,
-            &PlaylistEditor::closeQuestionsOf);
+    const AbstractPlaylistProvider* lists = m_session->playlistProvider();
+    connect(lists, &AbstractPlaylistProvider::playlistRemoved, this, &PlaylistEditor::closeQuestionsOf);
+    // A library that was read anew, after a loss of the link, may be another one.
+    connect(lists, &AbstractPlaylistProvider::reset, this, [this, lists] {
+        for (const ZTDialog* dialog : findChildren<ZTDialog*>(Qt::FindDirectChildrenOnly)) {
+            const uint playlist = dialog->property("playlist").toUInt();
+            if (playlist > 0 && !lists->playlist(playlist))
+                closeQuestionsOf(playlist);
+        }
+    });
 }
 
 /// What cannot reach the server is not offered.
@@ -413,8 +421,9 @@ void PlaylistEditor::doClearList()
 {
     const uint playlist = m_model->playlistNumber();
     confirm(m_clearDialog, "PlaylistEditor-clear-confirmation", tr("Clear playlist"),
-            tr("Are you sure you clear playlist?") + onAirWarning(playlist), tr("CLEAR"), [this, playlist] {
-                if (m_model->playlistNumber() == playlist)
+            tr("Are you sure you clear playlist?") + onAirWarning(playlist), tr("CLEAR"),
+            [this, playlist, name = nameComing(playlist)] {
+                if (m_model->playlistNumber() == playlist && nameComing(playlist) == name)
                     m_model->doClear();
                 else
                     refuse(tr("Another playlist is shown now. Nothing was cleared."));

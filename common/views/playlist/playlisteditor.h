@@ -129,6 +129,7 @@ private:
     bool canTake(const PlaylistDrop& drop) const;
     std::optional<QList<QModelIndex>> draggedRows(const PlaylistDrop& drop) const;
     QString onAirWarning(uint playlist) const;
+    QString nameComing(uint playlist) const;
     QString listName() const;
     void duplicatePlaylist();
     void removePlaylist(uint playlist);

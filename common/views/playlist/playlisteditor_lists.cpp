@@ -3,6 +3,7 @@
 #include "common/media/edit/playlist/importplaylistcommand.h"
 #include "common/media/edit/playlist/removeplaylistcommand.h"
 #include "common/media/items/guiplaylist.h"
+#include "common/media/library/medialibraryapi.h"
 #include "common/media/library/playlistprovider.h"
 #include "common/media/models/playlist/playlisteditormodel.h"
 #include "common/media/models/playlist/playlistlibrarymodel.h"
@@ -24,11 +25,27 @@ void PlaylistEditor::removePlaylist(uint playlist)
             tr("Remove playlist \"%1\" with its %n entries?", nullptr, int(list->entryCount()))
                     .arg(list->name()) +
                 onAirWarning(playlist),
-            tr("REMOVE"), [this, playlist] {
+            tr("REMOVE"), [this, playlist, name = list->name()] {
+                if (nameComing(playlist) != name)
+                    return refuse(
+                        tr("Playlist %1 was renamed, removed or made anew meanwhile, or is about to "
+                           "be. Look at it and do it again.")
+                            .arg(playlist));
                 execute<RemovePlaylistCommand>(m_session->getQUndoStack(), "RemovePlaylistCommand",
                                                m_session->mediaLibrary(), static_cast<int>(playlist));
             });
     m_removeListDialog->setProperty("playlist", playlist);
+}
+
+/// Of the list that has the number once what is under way has arrived: lists change places, and there may be
+/// another library since the link was lost. Empty without one.
+QString PlaylistEditor::nameComing(uint playlist) const
+{
+    const MediaLibraryApi* api = m_session->getMediaLibraryApi();
+    const Ref<MediaLibrary> expected = api ? api->expectedLibrary() : nullptr;
+    const MediaLibrary* library = expected ? &*expected : m_session->mediaLibrary();
+    const Playlist* list = library->findPlaylist(static_cast<int>(playlist));
+    return list ? QString::fromStdString(list->getName()) : QString();
 }
 
 /// Behind a question about a list; empty where it is not on air.

@@ -182,13 +182,16 @@ void PlaylistsDialog::swap(int step)
     Q_EMIT swapRequested(playlist, m_table->library()->playlistNumberAt(m_view->currentIndex().row() + step));
 }
 
-bool PlaylistsDialog::handleKey(const QKeySequence& key)
+bool PlaylistsDialog::handleKey(const QKeyEvent& event)
 {
+    const QKeySequence key = Hotkeys::pressed(event);
     static constexpr std::array keys{
         "rename", "renumber_entries", "move_entries_up", "move_entries_down", "copy", "delete"};
     for (std::size_t i = 0; i < keys.size(); ++i) {
         if (!key.isEmpty() && Hotkeys::current(QLatin1String(keys[i])) == key) {
-            m_actions[qsizetype(i)]->click();
+            // Held down, a key moves a list on and on; nothing else is meant twice.
+            if (!event.isAutoRepeat() || QLatin1String(keys[i]).startsWith(QLatin1String("move_entries")))
+                m_actions[qsizetype(i)]->click();
             return true;
         }
     }
@@ -198,7 +201,7 @@ bool PlaylistsDialog::handleKey(const QKeySequence& key)
 bool PlaylistsDialog::eventFilter(QObject* watched, QEvent* event)
 {
     if (watched == m_view && event->type() == QEvent::KeyPress &&
-        handleKey(Hotkeys::pressed(*static_cast<QKeyEvent*>(event))))
+        handleKey(*static_cast<const QKeyEvent*>(event)))
         return true;
     return ZTDialog::eventFilter(watched, event);
 }

@@ -47,7 +47,7 @@ private:
     PushButton* makeButton(const QString& text, const QString& tip, const char* name);
     void arrangeColumns();
     void updateOffers();
-    bool handleKey(const QKeySequence& key);
+    bool handleKey(const QKeyEvent& event);
     void edit(int column);
     void swap(int step);
 

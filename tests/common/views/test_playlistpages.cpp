@@ -1,4 +1,6 @@
+#include "common/media/library/medialibraryapi.h"
 #include "common/media/models/playlist/playlisteditormodel.h"
+#include "common/media/models/playlist/playlistlibrarymodel.h"
 #include "common/notification/notificationmanagerimpl.h"
 #include "common/playback/playbackwidget.h"
 #include "common/ui/toolkit/ztdialog.h"
@@ -6,6 +8,8 @@
 #include "common/views/playlist/playlisteditor.h"
 #include "common/views/playlist/playlistmenu.h"
 #include "common/views/playlist/playlistview.h"
+#include "tarn/json/patch.h"
+#include "tarn/media/medialibrary.h"
 #include "tests/common/playback/playerfixture.h"
 
 #include <QAbstractItemModelTester>
@@ -13,6 +17,7 @@
 #include <QFile>
 #include <QFileDialog>
 #include <QHeaderView>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
@@ -36,6 +41,8 @@ private Q_SLOTS:
     void listsAreEdited_data();
     void listsAreEdited();
     void listsOnProgramKeepTheirNumbers();
+    void heldKeysMoveOneList();
+    void questionsAreAboutTheListThatWasSeen();
     void listsAreChosen();
     void numbersAreShownWhole();
     void nothingIsBelowTheScrollBar();
@@ -143,6 +150,44 @@ void TestPlaylistPages::listsOnProgramKeepTheirNumbers()
     QTest::keyClick(table, Qt::Key_Down, Qt::AltModifier);
     QCOMPARE(undoCount(), 0);
     QCOMPARE(told(), QStringLiteral("Playlist 4 is on program and keeps its number until it is off."));
+}
+
+/// Pressed again before the server has answered, a key moves the same list on, not the one that it passes.
+void TestPlaylistPages::heldKeysMoveOneList()
+{
+    QTableView* table = openPage();
+    QVERIFY(table);
+    table->setCurrentIndex(table->model()->index(0, PlaylistLibraryModel::PlainNameColumn));
+    for (int press = 0; press < 2; ++press)
+        QTest::keyClick(table, Qt::Key_Down, Qt::AltModifier);
+    const auto nameOf = [this](int playlist) {
+        const Ref<MediaLibrary> then = m_fixture->peer.session->getMediaLibraryApi()->expectedLibrary();
+        const Playlist* list = std::as_const(*then).findPlaylist(playlist);
+        return list ? list->getName() : std::string();
+    };
+    QCOMPARE(nameOf(1), std::string("Show"));
+    QCOMPARE(nameOf(2), std::string("Late"));
+    QCOMPARE(nameOf(4), std::string("Empty"));
+    QKeyEvent held(QEvent::KeyPress, Qt::Key_C, Qt::ControlModifier, QString(), true);
+    QCoreApplication::sendEvent(table, &held);
+    QCOMPARE(undoCount(), 2);
+}
+
+/// The number may be another list's by the answer: after somebody's edit, or a library that was read anew.
+void TestPlaylistPages::questionsAreAboutTheListThatWasSeen()
+{
+    QTableView* table = openPage();
+    QVERIFY(table);
+    QTest::keyClick(table, Qt::Key_Delete);
+    auto* accept = m_editor->findChild<QPushButton*>(
+        QStringLiteral("PlaylistEditor-remove-list-confirmation-accept-button"));
+    QVERIFY(accept);
+    Patch patch;
+    QVERIFY(Patch::parseString(R"([{"op":"replace","path":"/playlists/2/name","value":"Gala"}])", patch));
+    m_fixture->peer.session->getMediaLibraryApi()->applyMediaLibraryPatch(patch);
+    accept->click();
+    QCOMPARE(undoCount(), 0);
+    QVERIFY2(told().startsWith(QStringLiteral("Playlist 2 was renamed")), qPrintable(told()));
 }
 
 void TestPlaylistPages::listsAreChosen()
