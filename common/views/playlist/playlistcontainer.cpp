@@ -106,6 +106,12 @@ void PlaylistContainer::setModel(PlaylistModel* model)
     m_view->setSortingEnabled(true);
     m_header->setSortIndicatorShown(false);
     m_header->setSectionsClickable(true);
+    // What has no order to sort by, the pictures, gets no mark either.
+    connect(m_header, &QHeaderView::sortIndicatorChanged, model, [this, model](int section) {
+        if (model == m_model && section != model->sortColumn())
+            m_header->setSortIndicator(model->sortColumn(),
+                                       model->isAscending() ? Qt::AscendingOrder : Qt::DescendingOrder);
+    });
     const auto later = [this] { m_headers.start(); };
     connect(model, &QAbstractItemModel::modelReset, this, later);
     connect(model, &QAbstractItemModel::rowsInserted, this, later);

@@ -166,9 +166,11 @@ void PlaylistView::updateSelection(uint playlist, const QList<EntryAddress>& add
 
 void PlaylistView::keyboardSearch(const QString& text)
 {
-    // Letters are hotkeys of the player; a number is that of an entry.
-    if (!text.at(0).isDigit())
+    // Letters are hotkeys of the player; a number is that of an entry, and a point within it is no hotkey.
+    const bool isPoint = text == QLatin1String(".") && !m_numberTyped.hasExpired();
+    if (!text.at(0).isDigit() && !isPoint)
         return;
+    m_numberTyped.setRemainingTime(QApplication::keyboardInputInterval());
     const QModelIndex current = currentIndex();
     if (current.isValid() && current.column() != 0 && selectionModel())
         selectionModel()->setCurrentIndex(current.siblingAtColumn(0), QItemSelectionModel::NoUpdate);
@@ -290,6 +292,11 @@ void PlaylistView::mouseMoveEvent(QMouseEvent* event)
 
 bool PlaylistView::event(QEvent* event)
 {
+    if (event->type() == QEvent::ShortcutOverride && !m_numberTyped.hasExpired() &&
+        static_cast<const QKeyEvent*>(event)->text() == QLatin1String(".")) {
+        event->accept();
+        return true;
+    }
     const bool isMenuKey = event->type() == QEvent::ContextMenu &&
                            static_cast<QContextMenuEvent*>(event)->reason() == QContextMenuEvent::Keyboard;
     if (!isMenuKey || !currentIndex().isValid())

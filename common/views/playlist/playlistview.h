@@ -3,6 +3,7 @@
 #include "common/views/playlist/droptarget.h"
 #include "tarn/media/entryaddress.h"
 
+#include <QDeadlineTimer>
 #include <QList>
 #include <QPersistentModelIndex>
 #include <QTableView>
@@ -92,6 +93,7 @@ private:
     QPersistentModelIndex m_opened; // the cell whose editor a key has opened
     QPersistentModelIndex m_pressed;
     QPoint m_pressedAt;
+    QDeadlineTimer m_numberTyped; // until what is typed begins another number
 };
 
 } // namespace vantrel

@@ -82,6 +82,7 @@ private Q_SLOTS:
     void doubleClickCues();
     void keysEdit_data();
     void keysEdit();
+    void typedNumbersAreFound();
     void nameIsEdited();
     void typedTimesCount_data();
     void typedTimesCount();
@@ -236,6 +237,12 @@ void TestPlaylistEditor::doubleClickCues()
     QCOMPARE(widget->currentTab(), int(PlaylistWidget::SingleMediaTab));
     allowWarnings(QStringLiteral("Double clicked invalid model index"));
     m_editor->handleEntryDoubleClick({});
+}
+
+void TestPlaylistEditor::typedNumbersAreFound()
+{
+    QTest::keyClicks(m_view, QStringLiteral("3.1"));
+    QCOMPARE(m_view->currentIndex().row(), 3);
 }
 
 void TestPlaylistEditor::keysEdit_data()

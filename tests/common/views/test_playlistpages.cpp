@@ -241,6 +241,10 @@ void TestPlaylistPages::columnsThatGaveWayAreEdited()
     const QRect row = m_view->visualRect(m_editor->model()->index(1, PlaylistModel::MediaColumn));
     QVERIFY(row.intersects(field->geometry()));
     m_view->sortByColumn(PlaylistModel::MediaColumn, Qt::DescendingOrder);
+    // Pictures have no order: the mark stays where the rows are sorted.
+    m_view->horizontalHeader()->setSortIndicator(PlaylistModel::ThumbnailColumn, Qt::AscendingOrder);
+    QCOMPARE(m_view->horizontalHeader()->sortIndicatorSection(), int(PlaylistModel::MediaColumn));
+    QCOMPARE(m_view->horizontalHeader()->sortIndicatorOrder(), Qt::DescendingOrder);
     m_editor->changePlaylistNumber(4);
     QCOMPARE(m_editor->model()->sortColumn(), int(PlaylistModel::NumberColumn));
 }
