@@ -17,6 +17,7 @@
 #include "common/ui/toolkit/confirmationdialog.h"
 #include "common/ui/toolkit/iconbutton.h"
 #include "common/ui/toolkit/textinputdialog.h"
+#include "common/ui/toolkit/ztedit.h"
 #include "common/views/playlist/allplaylists.h"
 #include "common/views/playlist/listclock.h"
 #include "common/views/playlist/ownaddition.h"
@@ -41,7 +42,8 @@ namespace vantrel {
 namespace {
 
 constexpr int usefulRows = 4;
-constexpr int hoverMs = 200; // between two steps of a list that a drag scrolls
+constexpr int longestRanges = 4'000'000; // characters, of as many addresses as a list may hold
+constexpr int hoverMs = 200;             // between two steps of a list that a drag scrolls
 
 } // namespace
 
@@ -447,7 +449,9 @@ void PlaylistEditor::doRenumber()
     m_renumberDialog = new TextInputDialog(this);
     m_renumberDialog->setTitle(tr("Renumber"));
     m_renumberDialog->setAcceptText(tr("RENUMBER"));
-    m_renumberDialog->addField(tr("FROM:"), EntryAddressUtils::entriesToRanges(addresses));
+    ZTEdit* from = m_renumberDialog->addField(tr("FROM:"));
+    from->setMaxLength(longestRanges); // a text that is cut names other entries
+    from->setText(EntryAddressUtils::entriesToRanges(addresses));
     m_renumberDialog->setHelp(
         0, tr("Insert single slot numbers or ranges separated by commas (e.g. 3,6,8-14)."));
     m_renumberDialog->addField(tr("TO (START):"), QString::fromStdString(addresses.first().toString(false)));

@@ -152,9 +152,16 @@ void PlaylistView::updateSelection(uint playlist, const QList<EntryAddress>& add
         return;
     const std::set<EntryAddress> wanted(addresses.begin(), addresses.end());
     QItemSelection rows;
+    const auto isWanted = [&](int row) {
+        return row < list->rowCount() && wanted.contains(list->getEntryAddress(list->index(row, 0)));
+    };
+    // By runs: all that asks for the selection goes through its ranges.
     for (int row = 0; row < list->rowCount(); ++row) {
-        if (wanted.contains(list->getEntryAddress(list->index(row, 0))))
-            rows.select(list->getLeftmostIndex(row), list->getRightmostIndex(row));
+        const int first = row;
+        while (isWanted(row))
+            ++row;
+        if (row > first)
+            rows.select(list->getLeftmostIndex(first), list->getRightmostIndex(row - 1));
     }
     if (rows.isEmpty())
         return;

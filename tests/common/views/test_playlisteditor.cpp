@@ -23,6 +23,7 @@
 #include <QDialog>
 #include <QDropEvent>
 #include <QFile>
+#include <QJsonArray>
 #include <QJsonObject>
 #include <QLabel>
 #include <QLineEdit>
@@ -78,6 +79,7 @@ private Q_SLOTS:
     void menuOffersWhatIsPossible();
     void emptyListsSayWhatToDo();
     void renumberingSaysWhatIsWrong();
+    void allEntriesOfALongListAreRenumbered();
     void removalIsAskedFor();
     void doubleClickCues();
     void keysEdit_data();
@@ -200,6 +202,24 @@ void TestPlaylistEditor::renumberingSaysWhatIsWrong()
     QCOMPARE(tried("1-2", "20", 1), QString());
     QTRY_VERIFY(!open || !open->isVisible());
     QTRY_COMPARE(m_fixture->patches.size(), 1);
+}
+
+/// More text than a field of input takes as a rule.
+void TestPlaylistEditor::allEntriesOfALongListAreRenumbered()
+{
+    QStringList addresses;
+    for (int number = 1000; number < 6000; ++number)
+        addresses.append(QString::number(number) + QStringLiteral(".5"));
+    const QJsonArray edit{QJsonObject{
+        {"op", "add"}, {"path", "/playlists/3"}, {"value", PlayerFixture::playlistOf("Long", addresses)}}};
+    Patch patch;
+    QVERIFY(Patch::parseString(QJsonDocument(edit).toJson().toStdString(), patch));
+    m_fixture->peer.session->getMediaLibraryApi()->applyMediaLibraryPatch(patch);
+    m_editor->changePlaylistNumber(3);
+    m_view->selectAll();
+    m_editor->doRenumber();
+    const auto* from = dialogPart<QLineEdit>("Playlist-Renumber-Dialog-input-0");
+    QCOMPARE(from->text(), addresses.join(u','));
 }
 
 void TestPlaylistEditor::removalIsAskedFor()
