@@ -451,7 +451,8 @@ void PlaylistDelegate::setModelData(QWidget* editor, QAbstractItemModel* model,
         // The value that its row has already is typed for the other rows.
         const QString typed = seconds->property(typedProperty).toString().replace(u',', u'.');
         bool isNumber = false;
-        const bool isConfirmed = typed.toDouble(&isNumber) == seconds->value() && isNumber;
+        const double wanted = std::clamp(typed.toDouble(&isNumber), seconds->minimum(), seconds->maximum());
+        const bool isConfirmed = isNumber && wanted == seconds->value();
         if (isConfirmed || seconds->value() != seconds->property(givenProperty).toDouble())
             setSelectedData(model, index, seconds->value());
     }
