@@ -210,9 +210,14 @@ uint PlaylistEditorHeader::displayedPlaylist() const
 /// Only what the operator has seen go is lost: a library read anew shows its first list.
 void PlaylistEditorHeader::onRowsAboutToBeRemoved(int first, int last)
 {
-    const int row = m_sources.library->rowOf(displayedPlaylist());
-    if (isPreview() && row >= first && row <= last)
+    const auto isGone = [=, this](uint playlist) {
+        const int row = m_sources.library->rowOf(playlist);
+        return row >= first && row <= last;
+    };
+    if (isPreview() && isGone(displayedPlaylist()))
         setLost(displayedPlaylist());
+    if (m_naming != 0 && isGone(m_naming))
+        QMetaObject::invokeMethod(this, &PlaylistEditorHeader::dropNaming, Qt::QueuedConnection);
 }
 
 void PlaylistEditorHeader::setLost(uint number)
@@ -478,13 +483,25 @@ void PlaylistEditorHeader::endNameEditing()
     closeNameField();
 }
 
+/// The next list of that number is another one.
+void PlaylistEditorHeader::dropNaming()
+{
+    if (m_naming == 0)
+        return;
+    tellRemoved(m_naming);
+    closeNameField();
+}
+
+void PlaylistEditorHeader::tellRemoved(uint playlist) const
+{
+    tellNotDone(tr("Rename playlist"), tr("Playlist %1 was removed meanwhile.").arg(playlist));
+}
+
 void PlaylistEditorHeader::rename(uint playlist, const QString& name)
 {
     const int row = m_sources.library->rowOf(playlist);
-    if (row < 0) {
-        tellNotDone(tr("Rename playlist"), tr("Playlist %1 was removed meanwhile.").arg(playlist));
-        return;
-    }
+    if (row < 0)
+        return tellRemoved(playlist);
     const QModelIndex cell = m_sources.library->index(row, PlaylistLibraryModel::PlainNameColumn);
     if (name == cell.data(Qt::EditRole).toString())
         return;

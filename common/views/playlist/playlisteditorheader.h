@@ -109,6 +109,8 @@ private:
     void showAwaited();
     void placeNameField();
     void closeNameField();
+    void dropNaming();
+    void tellRemoved(uint playlist) const;
     void rename(uint playlist, const QString& name);
     const AbstractDiffApiCommand* lastCommand() const;
 

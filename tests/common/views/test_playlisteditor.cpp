@@ -330,6 +330,15 @@ void TestPlaylistEditor::nameIsEdited()
     QVERIFY2(m_fixture->patches.first().contains("/2"), m_fixture->patches.first().constData());
     m_editor->changePlaylistNumber(2);
     QTRY_COMPARE(chooser->currentText(), QStringLiteral("2: Gala"));
+    // The next list of that number is not the one that is being named.
+    m_editor->doRenamePlaylist();
+    for (const char* edit : {R"([{"op":"remove","path":"/playlists/2"}])",
+                             R"([{"op":"add","path":"/playlists/2","value":{"name":"Other"}}])"}) {
+        Patch patch;
+        QVERIFY(Patch::parseString(edit, patch));
+        m_fixture->peer.session->getMediaLibraryApi()->applyMediaLibraryPatch(patch);
+    }
+    QTRY_VERIFY(!field());
 }
 
 void TestPlaylistEditor::typedTimesCount_data()
