@@ -1,3 +1,4 @@
+// The lines of a command and the answers to them. How one is given up is in qftppi_abort.cpp.
 #include "common/filesystem/ftp/qftppi.h"
 
 #include "common/filesystem/ftp/ftplogging.h"
@@ -16,18 +17,8 @@ using namespace std::chrono_literals;
 namespace {
 
 constexpr auto defaultPatience = 20s;
-constexpr auto abortPatience = 5s;   // until both sides must be in step again
-constexpr auto drainTime = 300ms;    // some servers hear ABOR only when nobody takes their data any more
-constexpr auto quietTime = 250ms;    // for the first answer to ABOR
-constexpr auto probeTime = 700ms;    // for that to NOOP
 constexpr auto closingPatience = 2s; // after the answer to QUIT
 constexpr qint64 slowDisk = 20'000;  // bytes a millisecond, at which a server may read a file through
-
-bool isTransfer(const QString& line)
-{
-    return line.startsWith(QLatin1String("RETR")) || line.startsWith(QLatin1String("STOR")) ||
-           line.startsWith(QLatin1String("LIST"));
-}
 
 /// The answer to a line decides nothing about the next, so that both go out in one.
 bool letsNextGo(const QString& line, const QString& next)
@@ -119,6 +110,12 @@ void QFtpPI::connectToHost(const QString& host, quint16 port)
 bool QFtpPI::isPeer(const QHostAddress& address) const
 {
     return plain(address).isEqual(plain(m_commandSocket.peerAddress()), QHostAddress::TolerantConversion);
+}
+
+bool QFtpPI::isTransfer() const
+{
+    return m_currentCmd.startsWith(QLatin1String("RETR")) || m_currentCmd.startsWith(QLatin1String("STOR")) ||
+           m_currentCmd.startsWith(QLatin1String("LIST"));
 }
 
 bool QFtpPI::sendCommands(const QStringList& lines)
@@ -283,7 +280,7 @@ bool QFtpPI::processReply()
         return true;
     }
     const bool endsTransfer = code == 226 || (code == 250 && m_currentCmd.startsWith(QLatin1String("RETR")));
-    if (endsTransfer && m_state == Waiting && isTransfer(m_currentCmd)) {
+    if (endsTransfer && m_state == Waiting && isTransfer()) {
         m_dtp.waitForConnection(); // which may be in the queue still
         if (m_dtp.state() != QTcpSocket::UnconnectedState) {
             m_waitForDtpToClose = true;
@@ -521,98 +518,6 @@ void QFtpPI::dtpConnectState(int state)
     default:
         return;
     }
-}
-
-// ------------------------------------------------------------------ giving up
-
-// How servers answer ABOR differs: at once, when nobody takes their data any more, twice, or with one more
-// 150. A NOOP behind it has one answer everywhere, and what comes before that belongs to what was given up.
-// It goes out on its own, since some read away all that comes with ABOR; where it was lost, a PWD is the next
-// that cannot be mistaken.
-void QFtpPI::abort(const QString& why)
-{
-    m_pendingCommands.clear();
-    if (m_abortState != AbortState::None || !m_isOpen || !m_isBusy)
-        return;
-    m_abortState = AbortState::AbortStarted;
-    m_abortReason = why;
-    m_abortReplies = 0;
-    m_probe = Probe::None;
-    const bool isOwnDue = m_state == Waiting && !m_hadPreliminary && !isTransfer(m_currentCmd);
-    m_ownReplies = std::exchange(m_ahead, 0) + std::exchange(m_unheard, 0) + (isOwnDue ? 1 : 0);
-    m_waitForDtpToConnect = m_waitForDtpToClose = false;
-    m_rawCommand = m_isAsking = false;
-    m_dtp.dropData();
-    m_dtp.clearError();
-    m_commandSocket.write("ABOR\r\n");
-    m_watch.start(std::min<std::chrono::milliseconds>(abortPatience, m_patience));
-    const bool isReceiving =
-        m_currentCmd.startsWith(QLatin1String("RETR")) || m_currentCmd.startsWith(QLatin1String("LIST"));
-    if (isReceiving && m_dtp.state() == QTcpSocket::ConnectedState)
-        m_abortStep.start(drainTime);
-    else
-        stepAbort();
-}
-
-void QFtpPI::stepAbort()
-{
-    if (m_abortState == AbortState::AbortStarted) {
-        m_dtp.abortConnection();
-        dataConnectionGone();
-    } else if (m_abortState == AbortState::WaitForAbortToFinish) {
-        probe();
-    }
-}
-
-void QFtpPI::dataConnectionGone()
-{
-    if (m_abortState != AbortState::AbortStarted)
-        return;
-    m_abortState = AbortState::WaitForAbortToFinish;
-    if (m_abortReplies > 0)
-        probe();
-    else
-        m_abortStep.start(quietTime);
-    takeReplies();
-    readyRead();
-}
-
-void QFtpPI::probe()
-{
-    if (m_probe == Probe::None) {
-        m_probe = Probe::Noop;
-        m_commandSocket.write("NOOP\r\n");
-        m_abortStep.start(probeTime);
-    } else if (m_probe == Probe::Noop) {
-        m_probe = Probe::Pwd;
-        m_commandSocket.write("PWD\r\n");
-    }
-}
-
-bool QFtpPI::processAbortReply(int code)
-{
-    if (code / 100 == 1)
-        return true;
-    const bool isOwn = m_ownReplies > 0;
-    m_ownReplies -= isOwn ? 1 : 0;
-    if (!isOwn && ((m_probe == Probe::Noop && code == 200) || (m_probe == Probe::Pwd && code == 257))) {
-        finishAbort();
-        return true;
-    }
-    ++m_abortReplies;
-    if (m_abortState == AbortState::WaitForAbortToFinish && m_probe == Probe::None)
-        probe();
-    return true;
-}
-
-void QFtpPI::finishAbort()
-{
-    m_abortState = AbortState::None;
-    m_abortStep.stop();
-    m_currentCmd.clear();
-    m_state = Idle;
-    watch();
-    tellError(QFtp::UnknownError, std::exchange(m_abortReason, {}));
 }
 
 } // namespace vantrel

@@ -64,6 +64,8 @@ Q_SIGNALS:
     void fileSize(qint64 bytes);
 
 private:
+    /// The current line, of data.
+    bool isTransfer() const;
     void hostFound();
     void connected();
     void connectionClosed();
