@@ -87,7 +87,7 @@ OperationsModel::Wait waitOf(const BaseOperation& operation)
     };
     if (std::ranges::any_of(operation.targets(), isAway))
         return OperationsModel::Wait::Server;
-    return runnable && runnable->isReaching() ? OperationsModel::Wait::Disk : OperationsModel::Wait::Nothing;
+    return runnable && runnable->isHeldUp() ? OperationsModel::Wait::Disk : OperationsModel::Wait::Nothing;
 }
 
 bool isOver(OperationsModel::Stage stage)
@@ -342,8 +342,10 @@ void OperationsModel::follow(const OperationPtr& operation)
         if (target.fileSystem)
             connect(target.fileSystem, &FileSystem::isReadyChanged, this,
                     &OperationsModel::onOperationProgressed, Qt::UniqueConnection);
-    if (const auto* runnable = qobject_cast<const RunnableOperation*>(operation.data()))
+    if (const auto* runnable = qobject_cast<const RunnableOperation*>(operation.data())) {
         connect(runnable, &RunnableOperation::errorsChanged, this, refresh);
+        connect(runnable, &RunnableOperation::heldUpChanged, this, refresh);
+    }
     if (const auto* transfer = qobject_cast<const TransferOperation*>(operation.data())) {
         connect(transfer, &TransferOperation::conflictFound, this, refresh);
         connect(transfer, &TransferOperation::conflictAnswered, this, refresh);

@@ -4,14 +4,18 @@
 #include "common/filesystem/model/operationvisitor.h"
 
 #include <QScopedValueRollback>
+#include <QTimer>
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 #include <utility>
 
 namespace vantrel {
 
 namespace {
+
+constexpr std::chrono::milliseconds heldUpAfter(200); // an operator is not told of what is gone by then
 
 const char* classNameOf(const FileSystemTarget& target)
 {
@@ -75,8 +79,22 @@ void RunnableOperation::run()
 
 void RunnableOperation::whenReached(std::function<void()> next)
 {
-    if (!std::exchange(m_isReaching, true))
-        reach(targets(), next);
+    if (std::exchange(m_isReaching, true))
+        return;
+    QTimer::singleShot(heldUpAfter, this, [this] { setHeldUp(m_isReaching); });
+    reach(targets(), next);
+}
+
+void RunnableOperation::endReaching()
+{
+    m_isReaching = false;
+    setHeldUp(false);
+}
+
+void RunnableOperation::setHeldUp(bool isHeldUp)
+{
+    if (std::exchange(m_isHeldUp, isHeldUp) != isHeldUp)
+        Q_EMIT heldUpChanged();
 }
 
 /// Visitors open and look at items on this thread.
@@ -85,7 +103,7 @@ void RunnableOperation::reach(QList<FileSystemTarget> targets, const std::functi
     while (!targets.isEmpty() && !targets.constFirst().fileSystem)
         targets.removeFirst();
     if (targets.isEmpty()) {
-        m_isReaching = false;
+        endReaching();
         return next();
     }
     const FileSystemTarget target = targets.takeFirst();
@@ -94,6 +112,7 @@ void RunnableOperation::reach(QList<FileSystemTarget> targets, const std::functi
             return;
         if (isReached)
             return reach(targets, next);
+        endReaching();
         addErrorText(
             tr("The disk that holds <code>%1</code> does not answer").arg(target.fullPath.toHtmlEscaped()));
         abort();

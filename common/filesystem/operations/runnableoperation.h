@@ -74,14 +74,17 @@ public:
     void setPace(Pace pace);
     /// addError() with the text and the time of now. Names and paths in it must come escaped.
     void addErrorText(const QString& message);
-    /// It is to run, and waits for a disk that does not answer.
+    /// It is to run, and finds out whether its disks answer.
     bool isReaching() const { return m_isReaching; }
+    /// One of them does not, and is waited for.
+    bool isHeldUp() const { return m_isHeldUp; }
 
 Q_SIGNALS:
     void operationFailed();
     void operationSucceeded();
     void operationAborted();
     void paceChanged();
+    void heldUpChanged();
     void targetIsReady(vantrel::FileSystemTarget target, bool isSuccessful);
     void errorsChanged();
 
@@ -94,6 +97,8 @@ protected:
 private:
     void reach(QList<FileSystemTarget> targets, const std::function<void()>& next);
     void start();
+    void endReaching();
+    void setHeldUp(bool isHeldUp);
     bool acceptAllVisitor();
 
     OperationState m_state = NotStarted;
@@ -101,6 +106,7 @@ private:
     bool m_isAborting = false;
     Pace m_pace = Pace::Alone;
     bool m_isReaching = false;
+    bool m_isHeldUp = false;
     QMap<FileSystemTarget, bool> m_ready;
     QList<OperationError> m_errors;
 };
