@@ -1,3 +1,4 @@
+#include "common/filesystem/local/incomingfile.h"
 #include "tests/common/filesystem/begin.h"
 #include "tests/common/filesystem/localfixture.h"
 #include "tests/common/filesystem/quietfilesystem.h"
@@ -63,6 +64,27 @@ private Q_SLOTS:
         QCOMPARE(outcomeOf(*operation), isTaken ? RunnableOperation::Passed : RunnableOperation::Failed);
         QTEST(disk.read(name), "content");
         QTRY_COMPARE(disk.names().size(), disk.read(name).isNull() ? 0 : 1);
+    }
+
+    /// And not before, nor where one is already, nor once nobody wants it.
+    void isMadeWithItsFirstByte()
+    {
+        LocalFixture disk;
+        IncomingFile file(disk.path(QStringLiteral("a.mov")));
+        QVERIFY(file.isWritable() && disk.names().isEmpty());
+        QCOMPARE(file.write("12"), 2);
+        file.close();
+        IncomingFile second(disk.path(QStringLiteral("a.mov")));
+        QCOMPARE(second.write("3"), -1);
+        QCOMPARE(disk.read(QStringLiteral("a.mov")), QByteArray("12"));
+        IncomingFile dropped(disk.path(QStringLiteral("b.mov")));
+        dropped.drop();
+        QCOMPARE(dropped.write("4"), -1);
+        dropped.close();
+        QCOMPARE(disk.names().size(), 1);
+        IncomingFile empty(disk.path(QStringLiteral("c.mov")));
+        QVERIFY(empty.make());
+        QCOMPARE(disk.read(QStringLiteral("c.mov")), QByteArray(""));
     }
 
     void abortsWithoutATrace()

@@ -225,6 +225,7 @@ private Q_SLOTS:
             QTRY_VERIFY(operation->hasFinished());
             const auto failed = qSharedPointerCast<RunnableOperation>(operation);
             QVERIFY(failed->errors().constFirst().message.contains(QStringLiteral("does not answer")));
+            QVERIFY(disk->isLink(path(QStringLiteral("share/a.mov")))); // nothing is removed through it
         }
         QTRY_COMPARE(wait(), static_cast<int>(OperationsModel::Wait::Nothing));
         QCOMPARE(askedOnMain.load(), 0);
