@@ -5,8 +5,8 @@
 namespace vantrel {
 
 namespace {
-constexpr int retryTime = 1000;    // milliseconds between two attempts
-constexpr int silenceLimit = 4000; // milliseconds
+constexpr std::chrono::seconds retryTime(1); // between two attempts
+constexpr int silenceLimit = 4000;           // milliseconds
 
 /// The picture in the screen's own pixel format, so that the main thread need not convert; null when the
 /// surface is of another format or says more than its bytes hold.
@@ -59,7 +59,7 @@ void PreviewThread::unsubscribe()
     {
         const QMutexLocker lock(&m_mutex);
         m_endpoint.reset();
-        m_wake.wakeAll();
+        m_wake.notify_all();
     }
     m_client.disconnect();
 }
@@ -102,7 +102,7 @@ void PreviewThread::run()
         }
         QMutexLocker lock(&m_mutex);
         if (m_endpoint)
-            m_wake.wait(&m_mutex, retryTime);
+            m_wake.wait_for(m_mutex, retryTime);
     }
 }
 

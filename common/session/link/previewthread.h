@@ -11,9 +11,9 @@
 #include <QPixmap>
 #include <QThread>
 #include <QTimer>
-#include <QWaitCondition>
 #include <boost/asio/ip/tcp.hpp>
 
+#include <condition_variable>
 #include <optional>
 #include <string>
 
@@ -67,7 +67,8 @@ private:
     bool m_serverAnswers = false;
     QMutex m_subscribing;   // one at a time stops the thread and starts it anew
     mutable QMutex m_mutex; // guards the fields below
-    QWaitCondition m_wake;  // out of the pause between two attempts
+    std::condition_variable_any
+        m_wake; // out of the pause between two attempts; the thread sanitizer follows it
     NewestQueue<Pending> m_pending;
     bool m_posted = false; // a processPending() is on its way
     std::optional<boost::asio::ip::tcp::endpoint> m_endpoint;
