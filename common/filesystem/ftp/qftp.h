@@ -25,7 +25,7 @@ class QFtp : public QObject
     Q_OBJECT
 
 public:
-    enum Command {
+    enum Command : int {
         None = 0,
         SetTransferMode = 1,
         SetProxy = 2,
