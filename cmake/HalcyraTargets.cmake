@@ -64,5 +64,5 @@ function(halcyra_test name directory)
   endif()
   set_tests_properties(${name} PROPERTIES LABELS ${ARG_LABEL} TIMEOUT ${ARG_TIMEOUT}
     # die_after_fork: a test that starts a tool goes on with threads of its own.
-    ENVIRONMENT "QT_QPA_PLATFORM=offscreen;TSAN_OPTIONS=die_after_fork=0 ignore_noninstrumented_modules=1 suppressions=${CMAKE_SOURCE_DIR}/tests/support/tsan.supp;HALCYRA_BIN=${CMAKE_RUNTIME_OUTPUT_DIRECTORY}")
+    ENVIRONMENT "QT_QPA_PLATFORM=offscreen;TSAN_OPTIONS=die_after_fork=0 ignore_noninstrumented_modules=1 suppressions=${CMAKE_SOURCE_DIR}/tests/support/tsan.supp;LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/support/lsan.supp:print_suppressions=0;HALCYRA_BIN=${CMAKE_RUNTIME_OUTPUT_DIRECTORY}")
 endfunction()

@@ -1,21 +1,18 @@
 #include "tests/support/testmedia.h"
 
-#include <QProcess>
 #include <QTemporaryDir>
 
 #include <algorithm>
 #include <cmath>
+#include <spawn.h>
+#include <string>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <vector>
 
 namespace vantrel::test {
 
 namespace {
-
-bool runFfmpeg(const QStringList& arguments)
-{
-    QProcess process;
-    process.start(QStringLiteral("ffmpeg"), QStringList{"-v", "error", "-nostdin", "-y"} + arguments);
-    return process.waitForFinished(60000) && process.exitCode() == 0;
-}
 
 QColor meanColour(const QImage& picture, QPoint centre, int radius)
 {
@@ -35,6 +32,21 @@ QColor meanColour(const QImage& picture, QPoint centre, int radius)
 }
 
 } // namespace
+
+bool runFfmpeg(const QStringList& arguments)
+{
+    std::vector<std::string> texts{"ffmpeg", "-v", "error", "-nostdin", "-y"};
+    for (const QString& argument : arguments)
+        texts.push_back(argument.toStdString());
+    std::vector<char*> argv;
+    for (std::string& text : texts)
+        argv.push_back(text.data());
+    argv.push_back(nullptr);
+    pid_t process = 0;
+    int status = 0;
+    return ::posix_spawnp(&process, argv[0], nullptr, nullptr, argv.data(), environ) == 0 &&
+           ::waitpid(process, &status, 0) == process && status == 0;
+}
 
 bool makeClip(const QString& file, const Quadrants& colours, double seconds)
 {

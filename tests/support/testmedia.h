@@ -3,6 +3,7 @@
 #include <QColor>
 #include <QImage>
 #include <QString>
+#include <QStringList>
 
 #include <array>
 
@@ -11,6 +12,10 @@ namespace vantrel::test {
 /// Four colours, by quadrant: upper left, upper right, lower left, lower right. What a test clip shows all
 /// along.
 using Quadrants = std::array<QColor, 4>;
+
+/// Runs the ffmpeg tool, which writes what is wrong to the test's own output. False on failure. Not by Qt's
+/// process: that leaves the thread sanitizer blind to what the calling thread locks from then on.
+bool runFfmpeg(const QStringList& arguments);
 
 /// Makes a clip of 320 x 180 pixels, 25 frames a second, with a quiet tone, by the ffmpeg tool. False on
 /// failure.

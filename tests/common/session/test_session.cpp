@@ -100,9 +100,12 @@ private Q_SLOTS:
         QTRY_VERIFY_WITH_TIMEOUT(peer.session->isConnected() && peer.session->getMediaLibraryApi(), 10000);
         QCOMPARE(surfaceCount(peer.session), 3);
         QSignalSpy loaded(peer.session, &Session::sceneLoaded);
-        QSignalSpy came(peer.session->connectionHandler(), &ConnectionHandler::patchAvailable);
+        int came = 0;
+        const QObject here; // a spy would count on the thread that tells
+        connect(peer.session->connectionHandler(), &ConnectionHandler::patchAvailable, &here,
+                [&came] { ++came; });
         peer.send(Patch()); // a sign of life is no scene
-        QTRY_COMPARE(came.count(), 1);
+        QTRY_COMPARE(came, 1);
         QCOMPARE(surfaceCount(peer.session), 3);
         QCOMPARE(loaded.count(), 0);
         peer.send(surfaces(1));

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "tarn/preview/frame.h"
+#include "tests/support/testmedia.h"
 
 #include <QFile>
-#include <QProcess>
 #include <QStringList>
 #include <QTemporaryDir>
 #include <QTest>
@@ -23,16 +23,10 @@ public:
     /// Runs the tool on "arguments name"; false, with its output, when it fails.
     bool make(const QStringList& arguments, const QString& name) const
     {
-        QProcess tool;
-        tool.setProcessChannelMode(QProcess::MergedChannels);
-        tool.start(QStringLiteral("ffmpeg"),
-                   QStringList{QStringLiteral("-y"), QStringLiteral("-loglevel"), QStringLiteral("error"),
-                               QStringLiteral("-nostdin")} +
-                       arguments + QStringList{m_folder.filePath(name)});
-        if (tool.waitForFinished(60000) && tool.exitCode() == 0)
-            return true;
-        qCritical("ffmpeg failed for %s: %s", qPrintable(name), tool.readAll().constData());
-        return false;
+        const bool isMade = runFfmpeg(arguments + QStringList{m_folder.filePath(name)});
+        if (!isMade)
+            qCritical("ffmpeg failed for %s", qPrintable(name));
+        return isMade;
     }
 
     /// Numbered pictures, by default 25 a second, as input arguments for make().
