@@ -22,6 +22,13 @@ void expectWarning(const QString& part);
 /// random.
 void allowWarnings(const QString& part);
 
+/// How many times what is allowed in the release build work may take: a sanitizer slows it down.
+#ifdef HALCYRA_SANITIZED
+inline constexpr int slowness = 8;
+#else
+inline constexpr int slowness = 1;
+#endif
+
 } // namespace vantrel::test
 
 /// Puts the class into this executable's run; stands once, at the end of the test's .cpp, before the moc

@@ -18,11 +18,7 @@ namespace vantrel::test {
 namespace {
 
 constexpr int names = 50'000;
-#ifdef HALCYRA_SANITIZED
-constexpr double longestTurn = 250; // milliseconds
-#else
-constexpr double longestTurn = 32; // milliseconds: a frame, and another for a slow machine
-#endif
+constexpr double longestTurn = 32 * slowness; // milliseconds: a frame, and another for a slow machine
 
 QByteArray listingOf(int count)
 {

@@ -21,12 +21,6 @@ using Client = vantrel::ombra::test::LinkPeer;
 
 namespace {
 
-#ifdef HALCYRA_SANITIZED
-constexpr qint64 limitMs = 60000; // a large frame takes its time then
-#else
-constexpr qint64 limitMs = 10000;
-#endif
-
 const std::string volume = "/device/channels/0/program/properties/volume";
 
 std::string replaceOf(const std::string& path, const std::string& value)
@@ -390,7 +384,7 @@ private:
     bool waitFor(const std::function<bool()>& condition, std::initializer_list<Client*> clients)
     {
         QElapsedTimer timer;
-        for (timer.start(); timer.elapsed() < limitMs;) {
+        for (timer.start(); timer.elapsed() < 10000 * vantrel::test::slowness;) {
             if (condition())
                 return true;
             m_io.restart();
