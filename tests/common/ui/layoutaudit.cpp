@@ -10,6 +10,8 @@
 #include "tests/common/playback/playerfixture.h"
 
 #include <QApplication>
+#include <QLineEdit>
+#include <QListView>
 #include <QPushButton>
 #include <QScrollArea>
 #include <QScrollBar>
@@ -138,6 +140,26 @@ private Q_SLOTS:
             QVERIFY2(room.width() >= each->fontMetrics().horizontalAdvance(each->text()),
                      qPrintable(each->text()));
         }
+    }
+
+    /// Nothing shows through below what is typed.
+    void anEditorCoversTheName()
+    {
+        show(1, {1280, 720}, 1);
+        auto* view = m_window->findChild<QListView*>(QStringLiteral("MediaPanel-slots-view"));
+        const QModelIndex slot = view->model()->index(0, view->modelColumn(), view->rootIndex());
+        view->setCurrentIndex(slot);
+        view->edit(slot);
+        auto* editor = view->viewport()->findChild<QLineEdit*>();
+        QVERIFY(editor && !editor->text().isEmpty());
+        editor->clear();
+        constexpr int cursor = 12; // pixels in which it stands, and the frame of the others
+        const QImage below = view->viewport()->grab(editor->geometry().adjusted(cursor, 3, -3, -3)).toImage();
+        QVERIFY(below.width() > 50);
+        QImage plain(below.size(), below.format());
+        plain.fill(below.pixelColor(0, 0));
+        QCOMPARE(below, plain);
+        QTest::keyClick(editor, Qt::Key_Escape);
     }
 
     void tabGoesOnward()
