@@ -1,5 +1,6 @@
 #include "common/playback/levelmeter.h"
 #include "common/playback/picturenotice.h"
+#include "common/playback/playbackcontrols.h"
 #include "common/playback/playbackwidget.h"
 #include "common/playback/takebutton.h"
 #include "common/ui/toolkit/ztlabel.h"
@@ -131,9 +132,16 @@ private Q_SLOTS:
         const auto* view = m_fixture->part<SlotListView>("MediaPanel-slots-view");
         QTRY_VERIFY2(view->emptyText().startsWith(text), qPrintable(view->emptyText()));
         QVERIFY(!m_fixture->part<QWidget>("MediaPanel-add-collection-button")->isEnabled());
+        // What the server plays is played and stopped from here, whether or not its name is known.
+        cue("preview", 9);
+        const auto* location = m_fixture->part<ZTLabel>("Preview-PlaybackWidget-Header-MediaLocation");
+        QTRY_COMPARE(location->text(), QStringLiteral("1-9:"));
+        const PlaybackControls* controls = m_fixture->channel()->previewWidget()->controls();
+        QVERIFY(controls->isEnabled() && !controls->canSetPoints());
         isWell = true;
         m_fixture->peer.http.breakOpen();
         QTRY_VERIFY_WITH_TIMEOUT(view->model() && view->model()->rowCount(view->rootIndex()) == 3, 10000);
+        QTRY_VERIFY(!controls->isEnabled()); // there is no ninth slot
     }
 
     /// From the link's return to its scene there is a reason for what is grey.
