@@ -103,7 +103,7 @@ void PlaybackWidget::updateMediaAddress()
         clearMediaState();
         m_header->setMediaAddress({});
         m_header->setMediaName(
-            held.isEmpty() ? QString() : tr("%1 (no longer in the library)").arg(QUrl(held).fileName()));
+            held.isEmpty() ? QString() : tr("No longer in the library: %1").arg(QUrl(held).fileName()));
         return;
     }
     QString name;

@@ -78,7 +78,7 @@ private Q_SLOTS:
     {
         m_fixture->set("program", "heldMedia", quoted("file:///clips/go%E2%80%AEne.mp4"));
         const auto* name = m_fixture->part<ZTLabel>("Program-PlaybackWidget-Header-MediaName");
-        QTRY_COMPARE(name->text(), QStringLiteral("gone.mp4 (no longer in the library)"));
+        QTRY_COMPARE(name->text(), QStringLiteral("No longer in the library: gone.mp4"));
     }
 
     void unplayableCuesGreyTheTake()
