@@ -9,6 +9,7 @@ import os
 import pathlib
 import shutil
 import signal
+import socket
 import subprocess
 import sys
 import tempfile
@@ -330,7 +331,7 @@ def held(options):
         slot = json.load(rest(options, "GET"))["collections"]["1"]["slots"]["1"]
         rest(options, "PATCH", [{"op": "remove", "path": "/collections/1/slots/1"}])
         name = "Program-PlaybackWidget-Header-MediaName"
-        wait(lambda: "no longer" in window.robot.find(name)["text"], "the word on what is on air")
+        wait(lambda: "No longer" in window.robot.find(name)["text"], "the word on what is on air")
         window.shoot(options.out / "no-longer-in-the-library.png")
         rest(options, "PATCH", [{"op": "add", "path": "/collections/1/slots/1", "value": slot}])
 
@@ -372,6 +373,65 @@ def library(options, name, status):
         time.sleep(6)
         window.shoot(options.out / f"{name}.png")
     web.shutdown()
+
+
+class Relay:
+    """A port before one of the server's, over which nothing comes any more once it is held."""
+
+    def __init__(self, port):
+        self.port, self.held = port, threading.Event()
+        self.listener = socket.create_server(("127.0.0.1", 0))
+        threading.Thread(target=self.accept, daemon=True).start()
+
+    def accept(self):
+        while True:
+            near = self.listener.accept()[0]
+            far = socket.create_connection(("127.0.0.1", self.port))
+            for source, target in ((near, far), (far, near)):
+                threading.Thread(target=self.copy, args=(source, target), daemon=True).start()
+
+    def copy(self, source, target):
+        with source, target:
+            while piece := source.recv(65536):
+                while self.held.is_set():
+                    time.sleep(0.1)
+                target.sendall(piece)
+
+
+def half(options, port, text, name):
+    """One of the server's ports says nothing any more, the others do."""
+    server = list(options.server)
+    at = server.index(port) + 1
+    relay = Relay(int(server[at]))
+    server[at] = str(relay.listener.getsockname()[1])
+    with Window(options, server=server) as window:
+        window.run_show()
+        relay.held.set()
+        wait(lambda: text in window.robot.find("MainNavigationBar-link-banner")["text"], "the silence")
+        time.sleep(4)
+        window.shoot(options.out / f"{name}.png")
+
+
+def repeat(options):
+    """What repeats says so beside its name."""
+    with Window(options) as window:
+        window.run_show()
+        window.click("Preview-PlaybackWidget-Footer-EndAction-repeat-button")
+        window.rest()
+        window.shoot(options.out / "repeat.png")
+        window.click("Preview-PlaybackWidget-Footer-EndAction-pause-button")
+        time.sleep(1)
+
+
+def rename(options):
+    """A name being edited in the panel."""
+    with Window(options, scale=2) as window:
+        window.run_show()
+        window.robot.mouse("click", window.robot.slot(1))
+        window.keys("F2")
+        time.sleep(0.5)
+        window.shoot_widget("PlayerTab-mediapanel-widget", options.out / "rename.png")
+        window.keys("Escape")
 
 
 def notice(options):
@@ -503,6 +563,10 @@ SCREENS = {
     "no-longer-in-the-library": held,
     "library-loading": lambda options: library(options, "library-loading", None),
     "library-not-read": lambda options: library(options, "library-not-read", 500),
+    "picture-old": lambda options: half(options, "--preview-port", "", "picture-old"),
+    "players-silent": lambda options: half(options, "--link-port", "Its library answers", "players-silent"),
+    "repeat": repeat,
+    "rename": rename,
     "media-folder-gone": notice,
     "drop-on-program": drop,
     "files": lambda options: files(options, "files"),

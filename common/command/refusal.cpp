@@ -1,5 +1,6 @@
 #include "common/command/refusal.h"
 
+#include "common/media/address/showntext.h"
 #include "common/notification/notificationmanagerimpl.h"
 
 namespace vantrel {
@@ -7,8 +8,8 @@ namespace vantrel {
 void tellNotDone(const QString& command, const QString& why)
 {
     NotificationManagerImpl::instance()->createNotification(
-        Notification::WarningMessage, QObject::tr("Not done: %1").arg(command.toHtmlEscaped()),
-        why.toHtmlEscaped());
+        Notification::WarningMessage, QObject::tr("Not done: %1").arg(shownText(command).toHtmlEscaped()),
+        shownText(why).toHtmlEscaped());
 }
 
 } // namespace vantrel

@@ -133,7 +133,8 @@ void PictureNotice::paintEvent(QPaintEvent*)
 
 void PictureNotice::paintDrop(QPainter& painter) const
 {
-    const QColor colour = getColor(m_viewMode == Program ? colors::Zt_red : colors::Green_primary);
+    const bool isProgram = m_viewMode == Program;
+    const QColor colour = getColor(isProgram ? colors::Zt_red : colors::Green_green);
     painter.fillRect(rect(), getColor(colors::Zt_black_50));
     painter.setPen(QPen(colour, 4));
     painter.drawRect(rect().adjusted(2, 2, -2, -2));
@@ -146,7 +147,7 @@ void PictureNotice::paintDrop(QPainter& painter) const
     const QRect room = rect().marginsRemoved(padding);
     const int below = painter.boundingRect(room, where, text()).bottom() + padding.bottom();
     painter.fillRect(QRect(0, 0, width(), below), colour);
-    painter.setPen(getColor(colors::White));
+    painter.setPen(getColor(isProgram ? colors::White : colors::Slate_grey_900));
     painter.drawText(room, where, text());
 }
 

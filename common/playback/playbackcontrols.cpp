@@ -144,6 +144,12 @@ void PlaybackControls::setSeekButtonsEnabled(bool enabled)
         button->setEnabled(enabled);
 }
 
+void PlaybackControls::setPointsEnabled(bool enabled)
+{
+    m_buttons[SetIn]->setEnabled(enabled);
+    m_buttons[SetOut]->setEnabled(enabled);
+}
+
 bool PlaybackControls::canSeekPoints() const
 {
     return m_buttons[SeekIn]->isEnabled();

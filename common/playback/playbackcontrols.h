@@ -34,6 +34,8 @@ public:
     void setObject(Object* object);
     void setSeekButtonsVisible(bool visible);
     void setSeekButtonsEnabled(bool enabled);
+    /// Of the two that set points, which need a slot; behind setSeekButtonsEnabled().
+    void setPointsEnabled(bool enabled);
     /// Why the transport cannot be used, in the place of its tooltips; empty when it can.
     void setBlocked(const QString& reason);
     void setColumnStep(ColumnStep step);

@@ -1,6 +1,7 @@
 #include "common/playback/playbackwidgetheader.h"
 
 #include "common/media/address/mediautils.h"
+#include "common/media/address/showntext.h"
 #include "common/playback/mutebutton.h"
 #include "common/ui/keyboard/hotkeytip.h"
 #include "common/ui/style/colors.h"
@@ -103,7 +104,7 @@ void PlaybackWidgetHeader::setColumnStep(ColumnStep step)
 
 void PlaybackWidgetHeader::setMediaName(const QString& name)
 {
-    m_name->setText(name);
+    m_name->setText(shownText(name));
 }
 
 void PlaybackWidgetHeader::setMediaAddress(const QString& address)

@@ -7,6 +7,7 @@
 #include "common/media/items/guimediaslot.h"
 #include "common/media/items/guiplaylist.h"
 #include "common/media/items/guiplaylistentry.h"
+#include "common/media/library/medialibraryapi.h"
 #include "common/media/library/playlistprovider.h"
 #include "common/media/models/medialibrarymodel.h"
 #include "common/media/models/playbackmodel.h"
@@ -102,13 +103,19 @@ void PlaybackWidget::updateMediaAddress()
         clearMediaState();
         m_header->setMediaAddress({});
         m_header->setMediaName(
-            held.isEmpty() ? QString() : tr("%1 (no longer in the library)").arg(QUrl(held).fileName()));
+            held.isEmpty() ? QString() : tr("No longer in the library: %1").arg(QUrl(held).fileName()));
         return;
     }
     QString name;
     const bool isFound = findMediaName(name);
     setHasValidMedia(isFound);
-    m_header->setMediaAddress(isFound ? m_mediaAddress : QString());
+    const MediaLibraryApi* library = m_session->getMediaLibraryApi();
+    const bool isUnread = !isFound && library && library->reading() != MediaLibraryApi::Reading::Done;
+    if (isUnread) { // the server knows it, and plays it all the same
+        m_hasTransport = true;
+        updateTransport();
+    }
+    m_header->setMediaAddress(isFound || isUnread ? m_mediaAddress : QString());
     m_header->setMediaName(isFound ? name : QString());
 }
 
@@ -188,6 +195,7 @@ void PlaybackWidget::refreshPlaybackControls()
     m_timecodes->setRemainingTimeVisible(!isInfinite);
     m_footer->endAction()->setDisabled(isInfinite);
     m_controls->setSeekButtonsEnabled(!isStill);
+    m_controls->setPointsEnabled(!isStill && slot);
     m_slider->setSeekBarEnabled(!isStill);
     m_slider->setInpointOutpointEnabled(!isStill);
     m_slider->setInpointOutpointHidden(isInfinite);

@@ -1,5 +1,6 @@
 #include "common/views/mediapanelwidget.h"
 
+#include "common/media/address/showntext.h"
 #include "common/media/edit/implmediacollectionmanager.h"
 #include "common/media/edit/mediasloteditfunctional.h"
 #include "common/media/library/medialibraryapi.h"
@@ -474,7 +475,7 @@ void MediaPanelWidget::askForRemoval()
     auto* dialog = new ConfirmationDialog(
         tr("Remove collection %1?").arg(collection),
         tr("\"%1\" goes with all its slots. Playlists that play them lose their media. It can be undone.")
-            .arg(collectionName()),
+            .arg(shownText(collectionName())),
         tr("REMOVE"), this);
     dialog->setObjectNames(QStringLiteral("MediaPanel-remove-collection"));
     dialog->setAcceptClass(QStringLiteral("red"));

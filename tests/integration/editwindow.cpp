@@ -1,5 +1,6 @@
 #include "tests/integration/editwindow.h"
 
+#include "common/command/abstractdiffapicommand.h"
 #include "common/media/library/editqueue.h"
 #include "common/media/library/medialibraryapi.h"
 #include "common/notification/notificationmanagerimpl.h"
@@ -45,7 +46,7 @@ public:
         if (word == "library")
             return isQuiet() ? QByteArray::fromStdString(session().mediaLibrary()->toJson().toString())
                              : QByteArray();
-        return told();
+        return word == "done" ? std::exchange(m_done, {}).join('\t') : told();
     }
 
 private:
@@ -71,8 +72,13 @@ private:
             "\"/playlists/" + QByteArray::number(keptList) + "/entries/"; // the path of what it touches
         const bool isKept = isMarked && patch.contains(kept);
         command->setText(command->text() + u' ' + mark);
+        QObject::connect(command.get(), &AbstractDiffApiCommand::answered, &m_heart,
+                         [this, mark](EditDirection direction, bool isDone) {
+                             if (isDone && direction == EditDirection::Redo)
+                                 m_done << mark.toUtf8();
+                         });
         session().executeCommand(command.release());
-        const QByteArray answer = isMarked ? mark.toUtf8() : QByteArray("unmarked");
+        const QByteArray answer = (isMarked ? QByteArray() : "?") + mark.toUtf8();
         return isKept ? answer + ' ' + QByteArray::number(patch.count(mark.toUtf8())) : answer;
     }
 
@@ -93,7 +99,9 @@ private:
         return titles.join(u'\t').toUtf8();
     }
 
+    QObject m_heart;
     Operator m_operator;
+    QByteArrayList m_done; // marks of edits that the server has taken
     quint32 m_seed;
     int m_edits = 0;
 };

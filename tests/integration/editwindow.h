@@ -15,10 +15,11 @@ public:
     EditWindow(quint16 httpPort, quint16 linkPort, quint16 previewPort, quint32 seed);
     ~EditWindow();
 
-    /// Sends a word and waits for its answer: "edit" (the mark of the edit where it has one, and how many
-    /// entries of keptList carry it), "undo" and "redo" (the mark of that edit), "settle" (waits for what is
-    /// under way), "library" (its text, or nothing while something is under way), "told" (the titles of all
-    /// that the operator was told). Nothing when the process is gone or hangs.
+    /// Sends a word and waits for its answer: "edit" (its mark, behind a "?" where it leaves none, and how
+    /// many entries of keptList carry it), "undo" and "redo" (the mark of that edit), "settle" (waits for
+    /// what is under way), "library" (its text, or nothing while something is under way), "told" (the titles
+    /// of all that the operator was told), "done" (the marks of what the server has taken since the last
+    /// time). Nothing when the process is gone or hangs.
     std::optional<QByteArray> ask(const QByteArray& word);
 
 private:

@@ -22,9 +22,10 @@ public:
     QString mediaFolder() const { return m_folder.filePath(QStringLiteral("media")); }
     QString stateFolder() const { return m_folder.filePath(QStringLiteral("state")); }
 
-    bool start()
+    bool start(bool hasMedia = true)
     {
-        QDir(m_folder.path()).mkpath(QStringLiteral("media"));
+        if (hasMedia)
+            QDir(m_folder.path()).mkpath(QStringLiteral("media"));
         ServerOptions options;
         options.media = mediaFolder().toStdString();
         options.state = stateFolder().toStdString();

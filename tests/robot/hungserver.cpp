@@ -73,10 +73,22 @@ void HungServer::initTestCase()
 
 void HungServer::keepsNothingForLater()
 {
+    const auto places = [this] {
+        QString all;
+        for (const QString& name : {takeName, mediaOf("Preview"), mediaOf("Program"), slotsView}) {
+            const QJsonObject item = m_robot.find(name);
+            all += QStringLiteral("%1,%2 ").arg(item["global_x"].toInt()).arg(item["global_y"].toInt());
+        }
+        return all;
+    };
+    const QString before = places();
     m_ombra.hang();
     QTRY_VERIFY_WITH_TIMEOUT(!m_robot.find(takeName)["enabled"].toBool(), 10000);
     QVERIFY(m_robot.text(bannerName).startsWith(QStringLiteral("No answer for ")));
     QVERIFY(m_robot.find(takeName)["toolTip"].toString().startsWith(QStringLiteral("No answer for ")));
+    QCOMPARE(m_robot.find(bannerName)["property_mode"].toString(),
+             QStringLiteral("silent")); // which is amber
+    QCOMPARE(places(), before);         // nothing moves under the hand
     for (int second = 2; second <= 5; ++second) {
         for (const char* key : {"F12", "Space", "M", "F12"})
             m_robot.key(QLatin1String(key));
@@ -122,14 +134,37 @@ void HungServer::takesOnceForADoubleClick()
 
 void HungServer::takesThroughAQuestion()
 {
-    QVERIFY(m_robot.click(QStringLiteral("MainNavigationBar-mainmenu-button")));
-    QVERIFY(m_robot.clickMenuEntry(QStringLiteral("MainNavigationBar-mainmenu"),
-                                   QStringLiteral("Device Reboot")));
-    QVERIFY(!m_robot.waitFor(QStringLiteral("RebootDialog")).isEmpty());
-    m_robot.key(QStringLiteral("F12"));
+    m_robot.key(QStringLiteral("F12")); // what plays on preview, on air
     QVERIFY(shows("Program", QStringLiteral("1-2:")));
-    m_robot.key(QStringLiteral("Esc"));
-    QTRY_VERIFY(!m_robot.find(QStringLiteral("RebootDialog"))["visible"].toBool());
+    QVERIFY(m_robot.click(QStringLiteral("Preview-PlaybackControls-Play")));
+    struct Question
+    {
+        QString entry, dialog, word;
+    };
+    const QList<Question> questions{{QStringLiteral("Disconnect from server"),
+                                     QStringLiteral("DisconnectDialog"),
+                                     QStringLiteral("plays on without this window")},
+                                    {QStringLiteral("Clear show"), QStringLiteral("ClearShowDialog"),
+                                     QStringLiteral("goes black at once")},
+                                    {QStringLiteral("Device Reboot"), QStringLiteral("RebootDialog"),
+                                     QStringLiteral("goes black at once")}};
+    QString onAir = QStringLiteral("1-2:"), next = QStringLiteral("1-1:");
+    for (const Question& question : questions) {
+        QTRY_VERIFY(isPlaying("Program"));
+        QVERIFY(m_robot.click(QStringLiteral("MainNavigationBar-mainmenu-button")));
+        QVERIFY(m_robot.clickMenuEntry(QStringLiteral("MainNavigationBar-mainmenu"), question.entry));
+        QVERIFY(!m_robot.waitFor(question.dialog).isEmpty());
+        const QString text = m_robot.text(question.dialog + QStringLiteral("-description"));
+        QVERIFY2(text.startsWith(QStringLiteral("Program is playing")) && text.contains(question.word),
+                 qPrintable(text));
+        m_robot.key(QStringLiteral("F12"));
+        std::swap(onAir, next);
+        QVERIFY(shows("Program", onAir));
+        m_robot.key(QStringLiteral("Esc"));
+        QTRY_VERIFY(!m_robot.find(question.dialog)["visible"].toBool());
+        QVERIFY(shows("Program", onAir) && shows("Preview", next)); // and nothing else was done
+        QVERIFY(m_robot.click(QStringLiteral("Preview-PlaybackControls-Play")));
+    }
     QVERIFY(m_ombra.isRunning());
 }
 

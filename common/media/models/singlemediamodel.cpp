@@ -317,8 +317,8 @@ QString SingleMediaModel::getCollectionString(int collection, int slot) const
     const auto item = m_mediaProvider ? m_mediaProvider->collection(collection) : nullptr;
     if (!item)
         return {};
-    return QString::number(collection) + QStringLiteral(": ") + item->name() + QStringLiteral(", ") +
-           tr("slot ") + QString::number(slot);
+    return QString::number(collection) + QStringLiteral(": ") + shownText(item->name()) +
+           QStringLiteral(", ") + tr("slot ") + QString::number(slot);
 }
 
 QString SingleMediaModel::getPlaylistString(uint playlist, EntryAddress address) const
@@ -326,8 +326,8 @@ QString SingleMediaModel::getPlaylistString(uint playlist, EntryAddress address)
     const auto item = m_playlistProvider ? m_playlistProvider->playlist(playlist) : nullptr;
     if (!item)
         return {};
-    return QString::number(playlist) + QStringLiteral(": ") + item->name() + QStringLiteral(" - ") +
-           QString::fromStdString(address.toString(true));
+    return QString::number(playlist) + QStringLiteral(": ") + shownText(item->name()) +
+           QStringLiteral(" - ") + QString::fromStdString(address.toString(true));
 }
 
 QStringList SingleMediaModel::getUsedInList() const

@@ -1,5 +1,6 @@
 #include "common/session/link/locatormodel.h"
 
+#include "common/media/address/showntext.h"
 #include "common/session/link/locatorthread.h"
 
 #include <algorithm>
@@ -38,7 +39,7 @@ QVariant LocatorModel::data(const QModelIndex& index, int role) const
     if (index.column() == 0)
         return QString::fromStdString(peer.address);
     const auto version = peer.attributes.find("version");
-    return version == peer.attributes.end() ? QVariant() : QString::fromStdString(version->second);
+    return version == peer.attributes.end() ? QVariant() : shownText(QString::fromStdString(version->second));
 }
 
 QVariant LocatorModel::headerData(int section, Qt::Orientation orientation, int role) const

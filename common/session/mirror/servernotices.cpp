@@ -1,5 +1,6 @@
 #include "common/session/mirror/servernotices.h"
 
+#include "common/media/address/showntext.h"
 #include "common/notification/notificationmanager.h"
 
 #include <algorithm>
@@ -45,7 +46,7 @@ void ServerNotices::read()
     for (const QString& line : lines) {
         if (!before.contains(line))
             m_manager->createNotification(Notification::WarningMessage, tr("The server has trouble"),
-                                          line.toHtmlEscaped());
+                                          shownText(line).toHtmlEscaped());
     }
 }
 

@@ -1,5 +1,6 @@
 #include "common/ui/shell/configurationdialog.h"
 
+#include "common/media/address/showntext.h"
 #include "common/session/mirror/serverconfigurationmodel.h"
 #include "common/session/settings/configuration.h"
 #include "common/session/settings/timecodeviewmode.h"
@@ -202,7 +203,7 @@ void ConfigurationDialog::initAutoStartShow(const QStringList& shows, const QStr
     m_startShow->addItem(tr("Default"), QStringLiteral("default"));
     for (const QString& show : shows) {
         if (!show.isEmpty() && show != QLatin1String("default"))
-            m_startShow->addItem(show, show);
+            m_startShow->addItem(shownText(show), show);
     }
     m_startShow->setCurrentIndex(qMax(0, m_startShow->findData(current)));
 }

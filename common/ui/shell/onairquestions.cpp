@@ -1,5 +1,6 @@
 #include "common/ui/shell/onairquestions.h"
 
+#include "common/media/address/showntext.h"
 #include "common/media/items/guimediaslot.h"
 #include "common/session/mirror/guiplayback.h"
 #include "common/session/mirror/sceneobjectprovider.h"
@@ -27,7 +28,8 @@ bool OnAirQuestions::isProgramPlaying() const
 QString OnAirQuestions::programName() const
 {
     const auto slot = m_session->sceneObjectProvider()->programPlayback()->playingSlot();
-    return slot && !slot->name().isEmpty() ? QStringLiteral("\"%1\"").arg(slot->name()) : QString();
+    return slot && !slot->name().isEmpty() ? QStringLiteral("\"%1\"").arg(shownText(slot->name()))
+                                           : QString();
 }
 
 /// "Program is playing "Walk-in". ", or nothing.

@@ -1,5 +1,6 @@
 #include "common/ui/shell/statusbar.h"
 
+#include "common/media/address/showntext.h"
 #include "common/session/link/connectionprovider.h"
 #include "common/session/link/systemproxy.h"
 #include "common/ui/shell/reconnectdialog.h"
@@ -102,9 +103,9 @@ void StatusBar::addWidget(QWidget* widget)
 
 void StatusBar::updateData()
 {
-    const QString version = m_system ? m_system->version() : QString();
+    const QString version = m_system ? shownText(m_system->version()) : QString();
     const QString address = m_connection ? m_connection->hostAddress() : QString();
-    m_name->setText(m_system ? m_system->hostname() : QString());
+    m_name->setText(m_system ? shownText(m_system->hostname()) : QString());
     m_address->setText(version.isEmpty() ? address : QStringLiteral("(%1) %2").arg(version, address));
 }
 

@@ -1,6 +1,7 @@
 #include "common/views/playlist/cuesheet.h"
 
 #include "common/media/address/mediautils.h"
+#include "common/media/address/showntext.h"
 #include "common/media/items/abstractplaylistprovider.h"
 #include "common/media/items/guiplaylistentry.h"
 #include "common/media/models/playlist/playlistmodel.h"
@@ -72,7 +73,7 @@ struct CueSheet::Page
 };
 
 CueSheet::CueSheet(const PlaylistModel& model, const QString& title)
-    : m_title(title)
+    : m_title(shownText(title))
 {
     QHash<QString, qsizetype> known;
 

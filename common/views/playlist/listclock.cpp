@@ -1,6 +1,7 @@
 #include "common/views/playlist/listclock.h"
 
 #include "common/media/address/mediautils.h"
+#include "common/media/address/showntext.h"
 #include "common/media/items/abstractplaylistprovider.h"
 #include "common/media/items/guimediaslot.h"
 #include "common/media/items/guiplaylist.h"
@@ -240,7 +241,7 @@ QString ListClock::nameOf(const AbstractPlaylistProvider* provider, uint playlis
 {
     const QString number = QString::fromStdString(address.toString(false));
     const auto slot = provider->entrySlot(playlist, address);
-    return slot && !slot->name().isEmpty() ? number + u' ' + slot->name() : number;
+    return slot && !slot->name().isEmpty() ? number + u' ' + shownText(slot->name()) : number;
 }
 
 } // namespace vantrel

@@ -38,7 +38,7 @@ enum class Cue { None, OnPreview, OnAir, Next };
 
 QColor colourOf(Cue cue)
 {
-    return getColor(cue == Cue::OnAir ? colors::Red_red : colors::Green_primary);
+    return getColor(cue == Cue::OnAir ? colors::Red_red : colors::Green_green);
 }
 
 QString transportIcon(MediaState state)
@@ -299,7 +299,7 @@ void PlaylistDelegate::paintName(const Cell& cell) const
     const QVariant name = cell.index.data();
     QFont font = cell.option.font;
     font.setWeight(QFont::Medium);
-    const auto chip = [&](const QString& text, const QColor& colour, bool outlined) {
+    const auto chip = [&](const QString& text, const QColor& colour, const QColor& ink) {
         QFont bold = cell.option.font;
         bold.setWeight(QFont::DemiBold);
         const int width = QFontMetrics(bold).horizontalAdvance(text) + 2 * margin;
@@ -307,20 +307,21 @@ void PlaylistDelegate::paintName(const Cell& cell) const
             return;
         const QRectF box = QRectF(room.right() - width + 1, room.top() + 3, width, room.height() - 6)
                                .adjusted(.5, .5, -.5, -.5);
-        cell.painter->setBrush(outlined ? QBrush(Qt::NoBrush) : QBrush(colour));
-        cell.painter->setPen(outlined ? QPen(colour) : QPen(Qt::NoPen));
+        const bool isOutlined = colour == ink;
+        cell.painter->setBrush(isOutlined ? QBrush(Qt::NoBrush) : QBrush(colour));
+        cell.painter->setPen(isOutlined ? QPen(colour) : QPen(Qt::NoPen));
         cell.painter->drawRoundedRect(box, 3, 3);
         cell.painter->setFont(bold);
-        cell.painter->setPen(outlined ? colour : getColor(colors::White));
+        cell.painter->setPen(ink);
         cell.painter->drawText(box, Qt::AlignCenter, text);
         room.setRight(room.right() - width - margin);
     };
     if (cell.cue == Cue::OnAir)
-        chip(QStringLiteral("PGM"), colourOf(cell.cue), false);
+        chip(QStringLiteral("PGM"), colourOf(cell.cue), getColor(colors::White));
     else if (cell.cue == Cue::OnPreview)
-        chip(QStringLiteral("PRW"), colourOf(cell.cue), false);
+        chip(QStringLiteral("PRW"), colourOf(cell.cue), getColor(colors::Slate_grey_900));
     else if (cell.cue == Cue::Next)
-        chip(tr("NEXT"), getColor(colors::Zt_white_70), true);
+        chip(tr("NEXT"), getColor(colors::Zt_white_70), getColor(colors::Zt_white_70));
     const QString text = name.isValid() ? name.toString() : tr("No media: the slot is empty");
     cell.painter->setFont(font);
     cell.painter->setPen(getColor(!name.isValid()   ? colors::Red_error

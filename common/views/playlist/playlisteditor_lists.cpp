@@ -1,5 +1,6 @@
 // What is done with a playlist as a whole, and with all of them.
 #include "common/command/execute.h"
+#include "common/media/address/showntext.h"
 #include "common/media/edit/playlist/importplaylistcommand.h"
 #include "common/media/edit/playlist/removeplaylistcommand.h"
 #include "common/media/items/guiplaylist.h"
@@ -23,7 +24,7 @@ void PlaylistEditor::removePlaylist(uint playlist)
         return;
     confirm(m_removeListDialog, "PlaylistEditor-remove-list-confirmation", tr("Remove playlist"),
             tr("Remove playlist \"%1\" with its %n entries?", nullptr, int(list->entryCount()))
-                    .arg(list->name()) +
+                    .arg(shownText(list->name())) +
                 onAirWarning(playlist),
             tr("REMOVE"), [this, playlist, name = list->name()] {
                 if (nameComing(playlist) != name)

@@ -1,5 +1,6 @@
 #include "common/views/playlist/playlistgrip.h"
 
+#include "common/media/address/showntext.h"
 #include "common/media/items/abstractplaylistprovider.h"
 #include "common/media/items/guiplaylist.h"
 #include "common/media/items/mimedata.h"
@@ -47,7 +48,7 @@ void PlaylistGrip::drag()
     if (list)
         ZTDrag::startDrag(
             this, createMimeData({list->toJson()}, MimeItemCategory::Playlist, MediaItemType::Playlist),
-            Qt::CopyAction, tr("Playlist %1: %2").arg(list->number()).arg(list->name()));
+            Qt::CopyAction, tr("Playlist %1: %2").arg(list->number()).arg(shownText(list->name())));
 }
 
 } // namespace vantrel

@@ -1,5 +1,6 @@
 #include "common/views/playlist/playliststable.h"
 
+#include "common/media/address/showntext.h"
 #include "common/session/settings/timeutils.h"
 #include "common/ui/style/colors.h"
 #include "common/views/playlist/listclock.h"
@@ -49,6 +50,7 @@ QVariant PlaylistsTable::data(const QModelIndex& index, int role) const
     const bool isText = index.column() == Column::PlainNameColumn || index.column() == Column::RowColumn;
     switch (role) {
     case Qt::DisplayRole:
+        return shownText(text(index));
     case Qt::EditRole:
         return text(index);
     case Qt::TextAlignmentRole:
@@ -56,7 +58,7 @@ QVariant PlaylistsTable::data(const QModelIndex& index, int role) const
     case Qt::ForegroundRole:
         return index.column() == Column::RowColumn ? colors::getColor(colors::Red_error) : QVariant();
     case Qt::AccessibleTextRole:
-        return isOnAir(index.row()) ? tr("%1, on program").arg(text(index)) : text(index);
+        return shownText(isOnAir(index.row()) ? tr("%1, on program").arg(text(index)) : text(index));
     default:
         return {};
     }

@@ -4,6 +4,7 @@
 #include "common/media/models/playlist/playlistlibrarymodel.h"
 #include "common/media/models/playlist/playlistselectionmodel.h"
 #include "common/notification/notificationmanagerimpl.h"
+#include "tarn/scene/scene.h"
 #include "tests/common/command/scriptedlibrary.h"
 #include "tests/support/librarymaker.h"
 #include "tests/support/testmain.h"
@@ -114,6 +115,25 @@ private Q_SLOTS:
     }
 
     /// What is selected stays selected when it moves, and becomes nothing else when others edit.
+    /// To cue an entry is no step, and takes nothing from what may be redone.
+    void cuesBesideWhatMayBeRedone()
+    {
+        Editor e;
+        QVERIFY(e.connect());
+        e.server.peer.send(R"([{"op":"add","path":"/device/channels/0","value":{"type":"Channel"}}])");
+        QTRY_VERIFY(e.server.peer.session->getScene()->findObject("/device/channels/0"));
+        e.model->doClear();
+        QVERIFY(e.settle() && e.model->rowCount() == 0);
+        e.stack()->undo();
+        QVERIFY(e.settle() && e.model->rowCount() == 3);
+        e.model->doDirectPlayPreviewWithAddress({2, 0}, 0);
+        QTRY_COMPARE(e.server.peer.lastReceived().begin()->path.toString(),
+                     std::string("/device/channels/0/preview/methods/playMedia"));
+        QVERIFY(e.stack()->canRedo());
+        e.stack()->redo();
+        QVERIFY(e.settle() && e.model->rowCount() == 0);
+    }
+
     void keepsTheSelection()
     {
         Editor e;

@@ -73,6 +73,7 @@ private Q_SLOTS:
     void changesWhileItIsFetched_data();
     void changesWhileItIsFetched();
     void changesThatItHolds();
+    void streamThatFallsSilent();
     void urlsBySpelling_data();
     void urlsBySpelling();
 
@@ -153,6 +154,31 @@ void TestLibraryFetch::changesThatItHolds()
     QTRY_COMPARE(changed.size(), 1);
     QCOMPARE(name(), std::string("Collection 1"));
     QCOMPARE(m_library->findSlot(1, 1)->getName(), std::string("new"));
+}
+
+/// One that has said that it is there is given up when it says so no more, and with it the library; one that
+/// never did is not held to it.
+void TestLibraryFetch::streamThatFallsSilent()
+{
+    SlowServer speaking;
+    const auto library = test::makeLibrary(1, 1);
+    MediaLibraryApi told(QStringLiteral("127.0.0.1"), &m_manager, library.get());
+    told.setPort(speaking.port());
+    told.listenChanges();
+    told.requestMediaLibrary();
+    QTRY_VERIFY(speaking.stream);
+    for (SlowServer* server : {m_server.get(), &speaking}) {
+        server->openStream();
+        QTRY_VERIFY(server->fetch);
+        server->answer(*library, 1);
+    }
+    QTRY_VERIFY(m_api->isCurrent() && told.isCurrent());
+    QSignalSpy lost(&told, &MediaLibraryApi::streamLost);
+    QSignalSpy kept(m_api.get(), &MediaLibraryApi::streamLost);
+    speaking.stream->write(":\n\n");
+    QTRY_COMPARE_WITH_TIMEOUT(lost.size(), 1, 10000);
+    QVERIFY(!told.isCurrent());
+    QVERIFY(kept.isEmpty() && m_api->isCurrent());
 }
 
 void TestLibraryFetch::urlsBySpelling_data()

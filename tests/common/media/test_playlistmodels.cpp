@@ -1,5 +1,6 @@
 #include "common/media/items/guiplaylist.h"
 #include "common/media/items/guiplaylistentry.h"
+#include "common/media/models/playlist/playlistlibrarymodel.h"
 #include "common/media/models/playlist/playlistmodel.h"
 #include "tarn/media/mediaenums.h"
 #include "tests/support/librarymaker.h"
@@ -82,6 +83,23 @@ private Q_SLOTS:
         QCOMPARE(f.model.getEntriesUsingMediaUrl(url), QList{EntryAddress(3, 0)});
         expectWarning(QStringLiteral("Invalid index"));
         QVERIFY(!f.model.getEntryAddress({}).isValid());
+    }
+
+    /// What others wrote is shown without what would make it look like something else, and edited as it is.
+    void namesHideNothing()
+    {
+        const std::string turned = "a\u202egpj";
+        Fixture f;
+        f.mirror.edit([&](MediaLibrary& library) {
+            library.findSlot(1, 3)->setName(turned);
+            library.findPlaylist(1)->setName(turned);
+        });
+        QCOMPARE(f.model.index(0, PlaylistModel::MediaColumn).data().toString(), QStringLiteral("agpj"));
+        const PlaylistLibraryModel lists(&f.mirror.playlists);
+        QCOMPARE(lists.index(0, PlaylistLibraryModel::NameColumn).data().toString(),
+                 QStringLiteral("1: agpj"));
+        QCOMPARE(lists.index(0, PlaylistLibraryModel::PlainNameColumn).data(Qt::EditRole).toString(),
+                 QString::fromStdString(turned));
     }
 
     void orders_data()

@@ -27,6 +27,9 @@ const QByteArray videoJson = R"({"type":"videoFile","isPlayable":true,"fileSize"
     "video":{"width":1920,"height":1080,"pixelAspect":[16,15],"frameRate":29.97002997,"codec":"h264",
              "profile":"High","colorSpace":"BT.709","pixelFormat":"yuv420p","bitRate":8388608},
     "audio":{"codec":"AAC","description":"LC, 48 kHz","channels":2}})";
+const QByteArray smallJson = R"({"type":"videoFile","isPlayable":true,"fileSize":51200,
+    "video":{"width":1280,"height":720,"frameRate":25,"codec":"h264","colorSpace":"BT.709",
+             "pixelFormat":"yuv420p","bitRate":640000}})";
 const QByteArray stillJson = R"({"type":"imageFile","isPlayable":true,"fileSize":0,
     "image":{"width":640,"height":480,"codec":"png","pixelFormat":"rgb24","bitRate":99}})";
 const QByteArray soundJson = R"({"type":"audioFile","isPlayable":true,
@@ -112,6 +115,8 @@ void TestSingleMedia::describesAFile_data()
     QTest::newRow("video")
         << videoJson << "1920 px|1080 px|1.90:1 (pixels 16:15)|29.97|H264 High|BT.709|yuv420p|8.4 Mbit/s"
         << "5.2 MB|AAC LC, 48 kHz|2 channels|" + imported + "|--|Video";
+    QTest::newRow("small video") << smallJson << "1280 px|720 px|16:9|25|H264|BT.709|yuv420p|640 kbit/s"
+                                 << "51 kB|--|--|--|--|Video";
     QTest::newRow("still") << stillJson << "640 px|480 px|4:3|--|png|unknown|rgb24|--"
                            << "0 B|--|--|--|--|Image";
     QTest::newRow("sound") << soundJson << "--|--|--|--|--|--|--|--"

@@ -330,6 +330,7 @@ private Q_SLOTS:
         QVERIFY(!QApplication::focusWidget());
         QVERIFY(!preview->controls()->isEnabled());
         QVERIFY2(banner.text().startsWith(QStringLiteral("Lost for 00:0")), qPrintable(banner.text()));
+        QCOMPARE(banner.property("mode").toString(), QStringLiteral("lost")); // which is red
 
         // Only with the new state in place.
         QTRY_VERIFY_WITH_TIMEOUT(m_fixture->peer.session->isConnected(), 10000);

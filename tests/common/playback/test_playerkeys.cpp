@@ -149,6 +149,18 @@ private Q_SLOTS:
             QCOMPARE(m_fixture->field->text(), QStringLiteral(" "));
     }
 
+    /// Once it is locked again, no key moves program, nor preview in its stead.
+    void lockedProgramStands()
+    {
+        m_fixture->press(QKeySequence(Qt::CTRL | Qt::Key_L));
+        m_fixture->focus(QStringLiteral("Program-PlaybackWidget"), Qt::MouseFocusReason);
+        m_fixture->takeSent();
+        for (const Qt::Key key : {Qt::Key_Space, Qt::Key_Home, Qt::Key_End, Qt::Key_Period, Qt::Key_F12})
+            m_fixture->press(QKeySequence(key));
+        const QString got = m_fixture->waitForSent();
+        QVERIFY2(got.startsWith(takeLine) && got.count(u'\n') == 0, qPrintable(got));
+    }
+
     void spacePressesAButtonAfterTabOnly_data()
     {
         QTest::addColumn<Qt::FocusReason>("reason");

@@ -1,6 +1,7 @@
 #include "common/media/items/mimedata.h"
 #include "common/playback/endactionwidget.h"
 #include "common/playback/mutebutton.h"
+#include "common/playback/picturenotice.h"
 #include "common/playback/playbackpreview.h"
 #include "common/playback/playbackwidgetheader.h"
 #include "common/playback/takebutton.h"
@@ -14,6 +15,7 @@
 #include "tests/support/testmain.h"
 
 #include <QAbstractButton>
+#include <QApplication>
 #include <QDropEvent>
 #include <QMimeData>
 #include <QSignalSpy>
@@ -72,6 +74,31 @@ private Q_SLOTS:
         QCOMPARE(button.size(), QSize(80, 95));
     }
 
+    /// The third press of a contact that bounces comes as a press of its own.
+    void aBouncingContactTakesOnce()
+    {
+        TakeButton button;
+        QSignalSpy taken(&button, &QPushButton::clicked);
+        const auto send = [&button](QEvent::Type type, quint64 at) {
+            const QPointF place = QRectF(button.rect()).center();
+            QMouseEvent event(type, place, button.mapToGlobal(place), Qt::LeftButton,
+                              type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton,
+                              Qt::NoModifier);
+            event.setTimestamp(at);
+            QCoreApplication::sendEvent(&button, &event);
+        };
+        const auto press = [&send](quint64 at, QEvent::Type type = QEvent::MouseButtonPress) {
+            send(type, at);
+            send(QEvent::MouseButtonRelease, at + 5);
+        };
+        press(1000);
+        press(1030, QEvent::MouseButtonDblClick);
+        press(1060);
+        QCOMPARE(taken.size(), 1);
+        press(1060 + quint64(QApplication::doubleClickInterval()));
+        QCOMPARE(taken.size(), 2);
+    }
+
     void previewFiltersFrames_data()
     {
         QTest::addColumn<QByteArray>("source");
@@ -115,6 +142,61 @@ private Q_SLOTS:
         preview.setResourceConstrained(true);
         image = preview.grab().toImage();
         QVERIFY(image.pixelColor(2, 160) != QColor(Qt::red));
+    }
+
+    /// A picture that has grown old is marked and dimmed; that of other media goes, at once when it is old,
+    /// and soon when no more come.
+    void oldPicturesAreMarked()
+    {
+        PlaybackPreview preview;
+        PictureNotice notice(Program, &preview);
+        preview.setSource("a", 0);
+        preview.resize(320, 180);
+        preview.show();
+        QPixmap picture(160, 90);
+        picture.fill(Qt::red);
+        preview.onFrame({"a", {}}, picture);
+        notice.setHasMedia(true);
+        const auto shown = [&preview] { return preview.grab().toImage().pixelColor(160, 150); };
+        QCOMPARE(notice.text(), QString());
+        QCOMPARE(shown(), QColor(Qt::red));
+        QTRY_COMPARE(notice.text(), QStringLiteral("Picture is 1 s old"));
+        QVERIFY(shown().red() < 200);
+        preview.expectNewMedia();
+        QVERIFY(preview.pixmap().isNull());
+        QTRY_COMPARE(notice.text(), QStringLiteral("No picture from the server"));
+        preview.onFrame({"a", {}}, picture);
+        preview.expectNewMedia();
+        QVERIFY(!preview.pixmap().isNull()); // the next one may be of the new medium
+        QTRY_VERIFY(preview.pixmap().isNull());
+    }
+
+    void aDropSaysWhatItWillDo_data()
+    {
+        QTest::addColumn<int>("channel");
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QColor>("colour");
+        QTest::newRow("program") << int(Program) << QStringLiteral("Let go: on air now, cut")
+                                 << colors::getColor(colors::Zt_red);
+        QTest::newRow("preview") << int(Preview) << QStringLiteral("Let go: cued on preview")
+                                 << colors::getColor(colors::Green_green);
+    }
+    void aDropSaysWhatItWillDo()
+    {
+        QFETCH(int, channel);
+        QFETCH(QColor, colour);
+        PlaybackPreview preview;
+        const PictureNotice notice(PlaybackViewMode(channel), &preview);
+        preview.resize(320, 180);
+        preview.show();
+        QMimeData data;
+        QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(&preview, &enter);
+        QTEST(notice.text(), "text");
+        QCOMPARE(preview.grab().toImage().pixelColor(6, 6), colour);
+        QDragLeaveEvent leave;
+        QCoreApplication::sendEvent(&preview, &leave);
+        QVERIFY(notice.text().isEmpty() && !notice.isVisible());
     }
 
     void previewTakesDrops_data()

@@ -1,8 +1,10 @@
 #include "common/playback/levelmeter.h"
 #include "common/playback/picturenotice.h"
+#include "common/playback/playbackcontrols.h"
 #include "common/playback/playbackwidget.h"
 #include "common/playback/takebutton.h"
 #include "common/ui/toolkit/ztlabel.h"
+#include "common/views/slotlistview.h"
 #include "tests/common/playback/playerfixture.h"
 #include "tests/support/testmain.h"
 
@@ -74,9 +76,9 @@ private Q_SLOTS:
 
     void heldMediaAreNamed()
     {
-        m_fixture->set("program", "heldMedia", quoted("file:///clips/gone.mp4"));
+        m_fixture->set("program", "heldMedia", quoted("file:///clips/go%E2%80%AEne.mp4"));
         const auto* name = m_fixture->part<ZTLabel>("Program-PlaybackWidget-Header-MediaName");
-        QTRY_COMPARE(name->text(), QStringLiteral("gone.mp4 (no longer in the library)"));
+        QTRY_COMPARE(name->text(), QStringLiteral("No longer in the library: gone.mp4"));
     }
 
     void unplayableCuesGreyTheTake()
@@ -100,6 +102,46 @@ private Q_SLOTS:
         QVERIFY(!notice("Preview")->levels()->isVisible());
         cue("preview", 3);
         QTRY_VERIFY(notice("Preview")->levels()->isVisible());
+    }
+
+    void libraryThatIsNotRead_data()
+    {
+        QTest::addColumn<int>("status");
+        QTest::addColumn<QString>("text");
+        QTest::newRow("none yet") << 0 << QStringLiteral("Loading the library from the server");
+        QTest::newRow("refused") << 503
+                                 << QStringLiteral(
+                                        "The library could not be read from the server: it answers "
+                                        "\"503 Scripted\". It is tried again");
+    }
+    /// Nobody says that there are no collections before that is known.
+    void libraryThatIsNotRead()
+    {
+        QFETCH(int, status);
+        QFETCH(QString, text);
+        allowWarnings(QStringLiteral("Failed to get media library"));
+        m_fixture = nullptr; // one session at a time
+        m_fixture = std::make_unique<PlayerFixture>();
+        bool isWell = false;
+        m_fixture->peer.http.handler = [&, rest = m_fixture->peer.http.handler](
+                                           const ScriptedHttp::Request& request) -> ScriptedHttp::Reply {
+            return request.target.endsWith("/medialibrary") && !isWell ? ScriptedHttp::Reply{status, {}}
+                                                                       : rest(request);
+        };
+        QVERIFY(m_fixture->connect());
+        const auto* view = m_fixture->part<SlotListView>("MediaPanel-slots-view");
+        QTRY_VERIFY2(view->emptyText().startsWith(text), qPrintable(view->emptyText()));
+        QVERIFY(!m_fixture->part<QWidget>("MediaPanel-add-collection-button")->isEnabled());
+        // What the server plays is played and stopped from here, whether or not its name is known.
+        cue("preview", 9);
+        const auto* location = m_fixture->part<ZTLabel>("Preview-PlaybackWidget-Header-MediaLocation");
+        QTRY_COMPARE(location->text(), QStringLiteral("1-9:"));
+        const PlaybackControls* controls = m_fixture->channel()->previewWidget()->controls();
+        QVERIFY(controls->isEnabled() && !controls->canSetPoints());
+        isWell = true;
+        m_fixture->peer.http.breakOpen();
+        QTRY_VERIFY_WITH_TIMEOUT(view->model() && view->model()->rowCount(view->rootIndex()) == 3, 10000);
+        QTRY_VERIFY(!controls->isEnabled()); // there is no ninth slot
     }
 
     /// From the link's return to its scene there is a reason for what is grey.

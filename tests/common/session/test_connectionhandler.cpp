@@ -48,6 +48,17 @@ struct Running
         : handler(port)
         , recorder(&handler)
     {
+        // Whoever hears of something may ask back, on the thread that tells it.
+        const auto askBack = [this] { (void)handler.getConnectedHost(); };
+        const auto tells = [&](auto signal) {
+            QObject::connect(&handler, signal, &handler, askBack, Qt::DirectConnection);
+        };
+        tells(&ConnectionHandler::connectionAddr);
+        tells(&ConnectionHandler::connecting);
+        tells(&ConnectionHandler::connected);
+        tells(&ConnectionHandler::disconnected);
+        tells(&ConnectionHandler::reconnecting);
+        tells(&ConnectionHandler::attemptFailed);
         handler.start();
     }
     ~Running() { isEnded = handler.shutDown(5000); }

@@ -1,5 +1,7 @@
 #include "common/command/execute.h"
 #include "common/command/invokemethodcommand.h"
+#include "common/media/library/medialibraryapi.h"
+#include "common/notification/notificationmanagerimpl.h"
 #include "common/session/link/linkhealth.h"
 #include "common/session/link/previewthread.h"
 #include "common/session/mirror/guiplayback.h"
@@ -139,6 +141,36 @@ private Q_SLOTS:
         m_late = 0;
         health()->check();
         QVERIFY(health()->detail().isEmpty());
+    }
+
+    void saysThatTheLibraryIsGone()
+    {
+        QVERIFY(connectToChannel(true));
+        QTRY_VERIFY(m_peer->session->getMediaLibraryApi()->isCurrent());
+        health()->setLibraryCurrent(false);
+        health()->check();
+        QVERIFY(health()->detail().isEmpty()); // it may be on its way
+        m_late = 3600;
+        health()->check(); // of players that stand nothing is owed
+        QCOMPARE(health()->state(), State::Current);
+        QVERIFY2(health()->detail().contains(QStringLiteral("edits are refused")),
+                 qPrintable(health()->detail()));
+    }
+
+    /// Without a link a press would go nowhere, though the scene of the last one still stands.
+    void sendsNothingWithoutALink()
+    {
+        QVERIFY(connectToChannel(true));
+        Session* session = m_peer->session;
+        Object* channel = session->getScene()->findObject("/device/channels/0");
+        session->connectionHandler()->disconnect();
+        QTRY_COMPARE(health()->state(), State::None);
+        NotificationManagerImpl::instance()->clear();
+        QVERIFY(!tryExecute<InvokeMethodCommand>(session->getQUndoStack(), channel, QStringLiteral("take"),
+                                                 VariantMap(), QStringLiteral("Take")));
+        const auto told = NotificationManagerImpl::instance()->notifications();
+        QCOMPARE(told.size(), 1);
+        QVERIFY(told.first()->details().contains(QStringLiteral("no connection")));
     }
 
     void opensThePreviewAgain()

@@ -2,6 +2,7 @@
 #include "common/media/items/guimediaslot.h"
 #include "common/media/library/medialibraryprovider.h"
 #include "common/media/library/playlistprovider.h"
+#include "common/notification/notificationmanagerimpl.h"
 #include "common/session/mirror/guichannel.h"
 #include "common/session/mirror/guimapping.h"
 #include "common/session/mirror/guimodeline.h"
@@ -10,6 +11,7 @@
 #include "common/session/mirror/guishowconfiguration.h"
 #include "common/session/mirror/objecttreemodel.h"
 #include "common/session/mirror/sceneobjectprovider.h"
+#include "common/session/mirror/servernotices.h"
 #include "tarn/media/channelenums.h"
 #include "tarn/media/medialibrary.h"
 #include "tarn/media/playenums.h"
@@ -93,6 +95,32 @@ private Q_SLOTS:
         QVERIFY(!stage.mirrors->modelines(2));
         QCOMPARE(stage.mirrors->showConfiguration()->object(),
                  stage.scene->findObject("/device/showConfiguration"));
+    }
+
+    /// What the server has trouble with is told once, line by line, and never as markup.
+    void tellsTheServersTrouble()
+    {
+        Stage stage;
+        NotificationManagerImpl* const manager = NotificationManagerImpl::instance();
+        manager->clear();
+        const ServerNotices notices(stage.scene.get(), manager);
+        const auto toldAfter = [&](const char* notice) {
+            const QByteArray patch =
+                "[{\"op\":\"replace\",\"path\":\"/device/system/properties/notice\",\"value\":\"" +
+                QByteArray(notice) + "\"}]";
+            if (!stage.apply(patch.constData()))
+                return QStringLiteral("no such notice");
+            QStringList lines;
+            for (const auto& each : manager->notifications())
+                lines << each->details();
+            return lines.join(u'|');
+        };
+        QCOMPARE(toldAfter("The disk is full."), QStringLiteral("The disk is full."));
+        QCOMPARE(toldAfter("The disk is full.\\n<b>x\\u202ey is gone."),
+                 QStringLiteral("The disk is full.|&lt;b&gt;xy is gone."));
+        QCOMPARE(toldAfter(""), QStringLiteral("The disk is full.|&lt;b&gt;xy is gone."));
+        manager->clear();
+        QCOMPARE(toldAfter("The disk is full."), QStringLiteral("The disk is full.")); // again
     }
 
     void movesToTheChannelAndBack()

@@ -1,3 +1,4 @@
+#include "common/command/removecommand.h"
 #include "common/session/link/connectionprovider.h"
 #include "common/session/link/systemproxy.h"
 #include "common/session/mirror/guiplayback.h"
@@ -10,6 +11,7 @@
 
 #include <QSignalSpy>
 #include <QTest>
+#include <QUndoStack>
 #include <QWidget>
 
 namespace vantrel::test {
@@ -134,6 +136,16 @@ private Q_SLOTS:
         QTRY_COMPARE(describe(peer.lastReceived()), QStringLiteral("remove /device/surfaces/0"));
         // The three answers above are all that came: what the server sent was not echoed.
         QCOMPARE(int(peer.link.received.size()), 4);
+
+        // What an undo brings back comes with all that it had.
+        auto* remove = new RemoveCommand;
+        remove->init(Path("/device/surfaces/0"));
+        peer.session->getQUndoStack()->push(remove);
+        QTRY_COMPARE(int(peer.link.received.size()), 5);
+        peer.session->getQUndoStack()->undo();
+        QTRY_COMPARE(int(peer.link.received.size()), 6);
+        QCOMPARE(peer.lastReceived().begin()->value.get("properties").get("name").asString(),
+                 std::string("side"));
     }
 
     void holdsRepaintsOfLargePatches_data()

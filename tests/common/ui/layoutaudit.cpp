@@ -1,6 +1,7 @@
 #include "tests/support/layoutaudit.h"
 
 #include "common/media/library/medialibraryprovider.h"
+#include "common/playback/endactionbutton.h"
 #include "common/playback/playbackpreview.h"
 #include "common/playback/playbackwidget.h"
 #include "common/playback/takecontrols.h"
@@ -9,9 +10,12 @@
 #include "tests/common/playback/playerfixture.h"
 
 #include <QApplication>
+#include <QLineEdit>
+#include <QListView>
 #include <QPushButton>
 #include <QScrollArea>
 #include <QScrollBar>
+#include <QStyleOptionButton>
 
 using namespace vantrel;
 using namespace vantrel::test;
@@ -85,6 +89,15 @@ private Q_SLOTS:
         QTRY_COMPARE(area->horizontalScrollBar()->maximum(), 0);
         QTRY_COMPARE(area->verticalScrollBar()->maximum(), 0);
 
+        QVERIFY(
+            m_window->findChild<QWidget*>(QStringLiteral("Program-PlaybackWidget-Header-Mute"))->isVisible());
+        const auto timeLeft = [this](const char* channel) {
+            const auto* time = m_window->findChild<QWidget*>(
+                QLatin1String(channel) + QStringLiteral("-PlaybackWidget-PlaybackTimecodes-Remaining"));
+            return time->fontInfo().pixelSize();
+        };
+        QCOMPARE(timeLeft("Program"), 2 * timeLeft("Preview"));
+
         // Both channels in the same place, and pictures that can be made out.
         const PlaybackWidget* preview = channel()->previewWidget();
         const PlaybackWidget* program = channel()->programWidget();
@@ -106,6 +119,47 @@ private Q_SLOTS:
         const PlaybackPreview* preview = channel()->previewWidget()->preview();
         QTRY_COMPARE(qRound(preview->pictureRect().height()), preview->height());
         QCOMPARE(qRound(preview->pictureRect().width()), preview->width());
+    }
+
+    /// The words of the end actions, in what the style leaves of their segments.
+    void wordsHaveTheirRoom()
+    {
+        show(1, {1600, 1000}, 1);
+        const auto words = [this] {
+            QList<EndActionButton*> found = m_window->findChildren<EndActionButton*>();
+            found.removeIf([](const EndActionButton* each) {
+                return !each->isVisible() || each->property("class") != QLatin1String("segment");
+            });
+            return found;
+        };
+        QTRY_COMPARE(words().size(), 10);
+        for (const EndActionButton* each : words()) {
+            QStyleOptionButton option;
+            option.initFrom(each);
+            const QRect room = each->style()->subElementRect(QStyle::SE_PushButtonContents, &option, each);
+            QVERIFY2(room.width() >= each->fontMetrics().horizontalAdvance(each->text()),
+                     qPrintable(each->text()));
+        }
+    }
+
+    /// Nothing shows through below what is typed.
+    void anEditorCoversTheName()
+    {
+        show(1, {1280, 720}, 1);
+        auto* view = m_window->findChild<QListView*>(QStringLiteral("MediaPanel-slots-view"));
+        const QModelIndex slot = view->model()->index(0, view->modelColumn(), view->rootIndex());
+        view->setCurrentIndex(slot);
+        view->edit(slot);
+        auto* editor = view->viewport()->findChild<QLineEdit*>();
+        QVERIFY(editor && !editor->text().isEmpty());
+        editor->clear();
+        constexpr int cursor = 12; // pixels in which it stands, and the frame of the others
+        const QImage below = view->viewport()->grab(editor->geometry().adjusted(cursor, 3, -3, -3)).toImage();
+        QVERIFY(below.width() > 50);
+        QImage plain(below.size(), below.format());
+        plain.fill(below.pixelColor(0, 0));
+        QCOMPARE(below, plain);
+        QTest::keyClick(editor, Qt::Key_Escape);
     }
 
     void tabGoesOnward()

@@ -239,6 +239,13 @@ private Q_SLOTS:
         QCOMPARE(stopped.size(), 1);
         QVERIFY(!dialog.isVisible());
         QCOMPARE(requested.size(), 1);
+        // Why, and which server is tried now: that of before is not forgotten for a name that was wrong.
+        dialog.showFailure(QStringLiteral("wrong"), QStringLiteral("Because."), QStringLiteral("stage"));
+        const QString told = dialog.findChild<ZTLabel*>(QStringLiteral("ConnectDialog-text"))->text();
+        QVERIFY2(
+            told.contains(QStringLiteral("wrong\n\nBecause.\n\nThe server before, stage, is tried again.")),
+            qPrintable(told));
+        QCOMPARE(settings->value(CONNECTION_HOST).toString(), QStringLiteral("stage"));
     }
 
     void foundServersStayPut()

@@ -4,14 +4,45 @@
 #include "common/ui/shell/mainnavigationbar.h"
 #include "common/ui/shell/mainwindow.h"
 #include "common/ui/style/stylesheet.h"
+#include "tests/common/playback/playerfixture.h"
 #include "tests/common/session/scriptedpeer.h"
 #include "tests/common/ui/testsettings.h"
 #include "tests/support/testmain.h"
 
+#include <QComboBox>
 #include <QScreen>
+#include <QSplitter>
 #include <QTest>
 
 using namespace vantrel;
+
+namespace {
+
+/// Those that stand around a channel and within it.
+QList<QSplitter*> splitters(ChannelWidget* channel)
+{
+    QList<QSplitter*> found = channel->findChildren<QSplitter*>();
+    for (QWidget* above = channel->parentWidget(); above; above = above->parentWidget()) {
+        if (auto* splitter = qobject_cast<QSplitter*>(above))
+            found << splitter;
+    }
+    return found;
+}
+
+/// Takes it by hand to another place.
+void dragHandle(QSplitter& splitter)
+{
+    QWidget* handle = splitter.handle(1);
+    const QPoint from = handle->rect().center();
+    const QPoint to = from + (splitter.orientation() == Qt::Vertical ? QPoint(0, 60) : QPoint(30, 0));
+    const QList<int> before = splitter.sizes();
+    QTest::mousePress(handle, Qt::LeftButton, {}, from);
+    QTest::mouseMove(handle, to);
+    QTest::mouseRelease(handle, Qt::LeftButton, {}, to);
+    QVERIFY(splitter.sizes() != before);
+}
+
+} // namespace
 
 /// The window is as the operator left it, and its size is theirs alone.
 class WindowMemoryTest : public QObject
@@ -94,6 +125,46 @@ private Q_SLOTS:
         QTest::keySequence(&window,
                            defaultKeymap().value(QStringLiteral("fullscreen")).value<QKeySequence>());
         QTRY_VERIFY(!window.isFullScreen());
+    }
+
+    /// What is divided by hand, and the collection that was chosen.
+    void comesBackAsItWasDivided()
+    {
+        QList<QList<int>> divided;
+        for (const bool isAgain : {false, true}) {
+            test::PlayerFixture fixture;
+            fixture.view.reset(); // the window has a player of its own
+            fixture.library.replace(R"({"collections":{)",
+                                    R"({"collections":{"2":{"name":"Second","slots":{}},)");
+            MainWindow window(fixture.peer.session);
+            window.resize(1600, 1000);
+            window.show();
+            QVERIFY(fixture.peer.connect());
+            QTRY_VERIFY(!fixture.peer.link.received.empty());
+            fixture.peer.send(R"([{"op":"add","path":"/device/channels/0","value":{"type":"Channel"}}])");
+            QTRY_VERIFY(window.findChild<ChannelWidget*>());
+            const QList<QSplitter*> all = splitters(window.findChild<ChannelWidget*>());
+            QCOMPARE(all.size(), 3);
+            const auto sizes = [&all] {
+                QList<QList<int>> found;
+                for (const QSplitter* splitter : all)
+                    found << splitter->sizes();
+                return found;
+            };
+            auto* chooser = window.findChild<QComboBox*>(QStringLiteral("MediaPanel-collection-chooser"));
+            QTRY_COMPARE(chooser->count(), 2);
+            if (isAgain) {
+                QTRY_COMPARE(sizes(), divided);
+                QTRY_COMPARE(chooser->currentText(), QStringLiteral("2: Second"));
+                break;
+            }
+            for (QSplitter* splitter : all)
+                dragHandle(*splitter);
+            divided = sizes();
+            chooser->setCurrentIndex(1);
+            Q_EMIT chooser->activated(1);
+            window.close();
+        }
     }
 };
 

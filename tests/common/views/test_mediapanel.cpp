@@ -407,6 +407,10 @@ void TestMediaPanel::marksWhatPlays()
         QCOMPARE(marked.coloured(image, row, false, 4, 5) > 20, row == 0);
         QCOMPARE(marked.coloured(image, row, true, 4, 5) > 20, row == 1);
     }
+    marked.panel.widget.setStale(true); // nobody knows whether that is so still
+    const QImage stale = marked.panel.view->viewport()->grab().toImage();
+    for (int row = 0; row < 3; ++row)
+        QCOMPARE(marked.coloured(stale, row, false, 0, 300) + marked.coloured(stale, row, true, 0, 300), 0);
 }
 
 void TestMediaPanel::marksLeaveTheNumberFree()

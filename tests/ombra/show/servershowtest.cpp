@@ -7,6 +7,8 @@
 #include <QFile>
 
 #include <cmath>
+#include <csignal>
+#include <sys/resource.h>
 
 using namespace vantrel;
 using namespace vantrel::ombra::test;
@@ -153,6 +155,57 @@ private Q_SLOTS:
         QVERIFY(m_live->request("GET", "/collections").body.contains("one"));
     }
 
+    /// What was asked for and could not be done is told where the operator looks, and nothing is half done.
+    void tellsWhatCouldNotBeDone()
+    {
+        const auto hears = [this](const char* text, bool isThere = true) {
+            return m_live->waitFor([&] { return (notice().find(text) != std::string::npos) == isThere; });
+        };
+        invoke(configuration + "/methods/revertShow", "{\"showName\":\"none\"}");
+        QVERIFY(hears("The show \"none\" could not be taken back: no show was saved under that name."));
+        invoke(configuration + "/methods/saveShow", "{\"showName\":\"mine\"}");
+        QVERIFY(hears("The show", false));
+        std::signal(SIGXFSZ, SIG_IGN);
+        rlimit old{};
+        QCOMPARE(getrlimit(RLIMIT_FSIZE, &old), 0);
+        rlimit tight = old;
+        tight.rlim_cur = 0;
+        QCOMPARE(setrlimit(RLIMIT_FSIZE, &tight), 0);
+        invoke(configuration + "/methods/saveShow", "{\"showName\":\"more\"}");
+        const bool isSaveTold = hears("The show could not be saved as \"more\"");
+        invoke(configuration + "/methods/clearShow", "{\"showName\":\"default\"}");
+        const bool isClearTold = hears("The show could not be cleared");
+        QCOMPARE(setrlimit(RLIMIT_FSIZE, &old), 0);
+        QVERIFY(isSaveTold && isClearTold);
+        QCOMPARE(value(program + "/properties/media"), media.toStdString());
+        QCOMPARE(value(program + "/properties/volume"), std::string("0.25"));
+        QVERIFY(m_live->request("GET", "/collections").body.contains("one"));
+    }
+
+    /// What can be saved can be taken back, also where it is more than a request may hold.
+    void largeShowsComeBack()
+    {
+        QByteArray records; // 2 MB
+        for (int i = 1; i <= 200; ++i)
+            records += (i > 1 ? ",\"" : "\"") + QByteArray::number(i) + "\":{\"name\":\"" +
+                       QByteArray(10'000, 'x') + "\"}";
+        QByteArray patch =
+            R"([{"op":"add","path":"/collections/2","value":{"name":"","slots":{)" + records + "}}}";
+        for (int i = 3; i <= 36; ++i) // 70 MB
+            patch += ",{\"op\":\"copy\",\"from\":\"/collections/2\",\"path\":\"/collections/" +
+                     QByteArray::number(i) + "\"}";
+        QCOMPARE(m_live->request("PATCH", "/medialibrary", patch + ']').status, 200);
+        invoke(configuration + "/methods/saveShow", "{\"showName\":\"large\"}");
+        write(program + "/properties/volume", "0.5");
+        QVERIFY(settled());
+        invoke(configuration + "/methods/revertShow", "{\"showName\":\"large\"}");
+        QVERIFY(m_live->waitFor([&] {
+            m_peer->read();
+            return value(program + "/properties/volume") == "0.25";
+        }));
+        QVERIFY2(notice().find("The show") == std::string::npos, notice().c_str());
+    }
+
     void rebootRestartsThePlayers()
     {
         invoke("/device/system/methods/reboot", "{}");
@@ -185,6 +238,11 @@ private:
         m_peer->send("[{\"op\":\"invoke\",\"path\":\"" + path + "\",\"value\":" + args + "}]");
     }
     std::string value(const std::string& path) { return m_peer->value(path); }
+    std::string notice()
+    {
+        m_peer->read();
+        return value("/device/system/properties/notice");
+    }
     double position() { return std::stod(value(program + "/properties/mediaPosition")); }
     bool waitForState(const std::string& state)
     {

@@ -359,6 +359,32 @@ private Q_SLOTS:
         QCOMPARE(edit(rename("third")).status, EditResult::Status::Saved);
     }
 
+    /// The same in a folder, or on a disk, that may only be read.
+    void startsWhereItMayOnlyRead()
+    {
+        QCOMPARE(edit(rename("second")).status, EditResult::Status::Saved);
+        const Files files = filesOf(m_folder->path());
+        m_store.reset();
+        bool opened = false;
+        std::string trouble;
+        EditResult refused;
+        {
+            const NoRights none(m_folder->path(), QFile::ReadOwner | QFile::ExeOwner | QFile::ReadGroup |
+                                                      QFile::ExeGroup | QFile::ReadOther | QFile::ExeOther);
+            opened = open();
+            if (opened) {
+                m_store->setTroubleListener([&](const std::string& sentence) { trouble = sentence; });
+                refused = edit(rename("third"));
+            }
+        }
+        QVERIFY(opened);
+        QCOMPARE(name(), std::string("second"));
+        QCOMPARE(refused.status, EditResult::Status::NotSaved);
+        QCOMPARE(filesOf(m_folder->path()), files);
+        QVERIFY(waitFor([&] { return trouble.empty(); }));
+        QCOMPARE(edit(rename("third")).status, EditResult::Status::Saved);
+    }
+
     void refusesAFolderThatCannotBeRead()
     {
         const Files files = filesOf(m_folder->path());

@@ -99,7 +99,8 @@ private Q_SLOTS:
         QVERIFY(QFile::remove(logo) && QFile::rename(aside, logo) && says(playable));
         live.stop();
         QVERIFY(QFile::remove(logo) && live.start() && says(missing));
-        QVERIFY(QDir(live.mediaFolder()).removeRecursively());
+        live.stop(); // and a disk that is mounted late
+        QVERIFY(QDir(live.mediaFolder()).removeRecursively() && live.start(false) && says(missing));
         LinkPeer peer(live.server().linkPort());
         peer.send("[{\"op\":\"get\",\"path\":\"\"}]");
         const auto notice = [&] {

@@ -1,6 +1,5 @@
 #include "common/media/models/playlist/playlisteditormodel.h"
 
-#include "common/command/commandgate.h"
 #include "common/command/execute.h"
 #include "common/command/playback/playmediacommand.h"
 #include "common/command/refusal.h"
@@ -225,10 +224,7 @@ int PlaylistEditorModel::doRenumber(const EntryAddress& start, const QList<Entry
     if (command->init(library(), number(), start, ordered)) {
         if (command->redoPatch().size() == 0) // they have these numbers
             return 0;
-        if (!CommandGate::passes(m_stack, command->text()))
-            return 1;
-        m_stack->push(command.release());
-        return 0;
+        return vantrel::submit(m_stack, std::move(command)) ? 0 : 1;
     }
     switch (command->outcome()) {
     case RenumberPlaylistCommand::Outcome::NoEntry:
@@ -382,8 +378,8 @@ void PlaylistEditorModel::play(bool preview, int channel, Place&&... place)
     if (!m_stack || !command->init(preview, channel, std::forward<Place>(place)...)) {
         qCWarning(lcMedia) << "Failed to init PlayMediaCommand";
         tellNotDone(tr("Play playlist entry"), tr("The server has no such channel at present."));
-    } else if (CommandGate::passes(m_stack, command->text())) {
-        m_stack->push(command.release());
+    } else {
+        vantrel::submit(m_stack, std::move(command));
     }
 }
 

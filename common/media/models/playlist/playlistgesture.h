@@ -1,10 +1,8 @@
 // How a gesture of PlaylistEditorModel becomes a command; for its own source files.
 #pragma once
 
-#include "common/command/commandgate.h"
+#include "common/command/execute.h"
 #include "common/media/models/playlist/playlisteditormodel.h"
-
-#include <QUndoStack>
 
 #include <memory>
 #include <utility>
@@ -45,8 +43,8 @@ bool PlaylistEditorModel::run(const QString& failure, Args&&... args)
             showRefusal(failure, named);
         return false;
     }
-    if (command->redoPatch().size() > 0 && CommandGate::passes(m_stack, command->text()))
-        m_stack->push(command.release());
+    if (command->redoPatch().size() > 0)
+        vantrel::submit(m_stack, std::move(command));
     return true;
 }
 

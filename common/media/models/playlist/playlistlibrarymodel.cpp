@@ -1,5 +1,6 @@
 #include "common/media/models/playlist/playlistlibrarymodel.h"
 
+#include "common/media/address/showntext.h"
 #include "common/media/items/abstractplaylistprovider.h"
 #include "common/media/items/guiplaylist.h"
 
@@ -46,7 +47,7 @@ QVariant PlaylistLibraryModel::data(const QModelIndex& index, int role) const
     case RowColumn:
         return index.row();
     case NameColumn:
-        return QStringLiteral("%1: %2").arg(item.number).arg(item.name);
+        return QStringLiteral("%1: %2").arg(item.number).arg(shownText(item.name));
     case DurationColumn:
         return item.duration;
     case CountColumn:

@@ -1,6 +1,7 @@
 // What a cell of the table of entries shows, and where it comes from.
 #include "common/media/address/mediaaddresshash.h"
 #include "common/media/address/mediautils.h"
+#include "common/media/address/showntext.h"
 #include "common/media/items/abstractplaylistprovider.h"
 #include "common/media/items/guimediaslot.h"
 #include "common/media/items/guiplaylistentry.h"
@@ -205,7 +206,7 @@ double PlaylistModel::shownDuration(const GuiPlaylistEntry& entry) const
 QString PlaylistModel::mediaName(const GuiPlaylistEntry& entry) const
 {
     const MediaSlot* slot = recordOf(entry);
-    return slot ? QString::fromStdString(slot->getName()) : QString();
+    return slot ? shownText(QString::fromStdString(slot->getName())) : QString();
 }
 
 MediaState PlaylistModel::knownState(const GuiPlaylistEntry& entry) const
