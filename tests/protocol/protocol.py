@@ -19,6 +19,8 @@ import zlib
 BASE = "/api/brume/v1"
 TYPES = {"text": "string", "flag": "bool", "integer": "int", "number": "double"}
 LITERALS = {"true": "bool", "false": "bool", "ColorValue{}": "color", "std::string()": "string"}
+JSON_TYPES = {"int": int, "double": float, "bool": bool, "object": dict, "array": list, "null": type(None)}
+PROPERTY = r'\.(text|flag|integer|number|property|readOnly)\("(\w+)"([^;]*?)(?=\n|\)\.|$)'
 faults = []
 
 
@@ -49,7 +51,8 @@ def tables(text):
 class Document:
     def __init__(self, text):
         self.properties, self.methods, self.writable, self.routes, self.statuses = set(), set(), set(), set(), set()
-        self.records, self.enumerations, self.units, self.used, self.operations = set(), set(), set(), set(), set()
+        self.enumerations, self.units, self.used, self.operations, self.records = set(), set(), set(), set(), {}
+        self.text, self.frame = text, []
         self.types = set(re.findall(r"^    .* {3,}([A-Z]\w+)$", text, re.M))
         for heading, columns, rows in tables(text):
             for row in rows:
@@ -63,8 +66,7 @@ class Document:
             self.used.add(unit)
             if writer == "client":
                 self.writable.add(f"{heading}.{name}")
-            if (of_type in ("int", "double")) == (unit == "-"):
-                faults.append(f"docs/protocol.md: the unit of {heading}.{name} cannot be \"{unit}\"")
+            self.check_unit(f"{heading}.{name}", of_type, unit)
         elif kind == "Method":
             self.methods.add(f"{heading}.{row[0]}")
         elif kind == "Route":
@@ -72,14 +74,29 @@ class Document:
         elif kind == "Status":
             self.statuses.add(row[0])
         elif kind == "Record":
-            self.records.add(f"{row[0]}.{row[1]}")
+            self.records[f"{row[0]}.{row[1]}"] = row[2]
             self.used.add(row[3])
+            self.check_unit(f"{row[0]}.{row[1]}", row[2].removesuffix(" or null"), row[3])
         elif kind == "Enumeration":
             self.enumerations.add(f"{row[0]}: {row[1]}")
         elif kind == "Unit":
             self.units.add(row[0])
+        elif kind == "Offset":
+            self.frame.append((int(row[0]), int(row[1]), row[3]))
         elif kind == "Operation":
             self.operations.add(row[0].strip("`"))
+
+    def check_unit(self, name, of_type, unit):
+        if (of_type in ("int", "double")) == (unit == "-"):
+            faults.append(f"docs/protocol.md: the unit of {name} cannot be \"{unit}\"")
+
+
+def example_bytes(text, heading):
+    """The bytes in the last indented block of a section that begins with hexadecimal digits."""
+    section = text.split(f"\n## {heading}\n", 1)[1].split("\n## ", 1)[0]
+    block = re.findall(r"(?:^    (?:[0-9a-f]{2} {1,2})+.*\n)+", section, re.M)[-1]
+    lines = re.findall(r"^    ((?:[0-9a-f]{2} {1,2})+)", block, re.M)
+    return bytes.fromhex("".join(lines))
 
 
 # What the code says
@@ -90,7 +107,7 @@ def declared(root):
     types, properties, methods = set(), set(), set()
     for name, calls in re.findall(r'Declaration\(types, "(\w+)"\)(.*?);', source, re.S):
         types.add(name)
-        for call, prop, rest in re.findall(r'\.(text|flag|integer|number|property|readOnly)\("(\w+)"([^;]*?)(?=\n|\)\.|$)', calls):
+        for call, prop, rest in re.findall(PROPERTY, calls):
             if call in TYPES:
                 properties.add(f"{name}.{prop}: {TYPES[call]}")
             else:
@@ -176,17 +193,19 @@ class Server:
         connection.close()
         return answer.status, answer.headers, content
 
-    def scene(self):
-        """Properties of every type, those of surfaces by making one."""
+    def scene(self, request):
+        """Properties of every type, those of surfaces by making one; the whole scene is asked for by these bytes."""
         found = set()
         link = socket.create_connection(("127.0.0.1", int(self.ports["link"])), timeout=5)
         stream = link.makefile("rb")
-        for operations in ([{"op": "add", "path": "/device/surfaces/0", "value": {"corners": {"a": {}}}}],
-                           [{"op": "get", "path": ""}]):
-            text = json.dumps(operations).encode()
-            link.sendall(struct.pack(">I", len(text)) + text)
+        surface = json.dumps([{"op": "add", "path": "/device/surfaces/0", "value": {"corners": {"a": {}}}}]).encode()
+        link.sendall(struct.pack(">I", len(surface)) + surface + request)
         while not any(name.startswith("Corner.") for name in found):
-            for op in json.loads(stream.read(struct.unpack(">I", stream.read(4))[0])):
+            header = stream.read(4)
+            if len(header) < 4:
+                faults.append("docs/protocol.md: ombra ends the link at the bytes of the example")
+                break
+            for op in json.loads(stream.read(struct.unpack(">I", header)[0])):
                 fixed = re.fullmatch("/device/(\\w+)/properties", op["path"])
                 value = op.get("value")
                 if fixed and isinstance(value, dict):
@@ -195,6 +214,13 @@ class Server:
                 collect(value, found)
         link.close()
         return found
+
+    def first_frame(self):
+        """Bytes of the first preview frame's header, and its source."""
+        with socket.create_connection(("127.0.0.1", int(self.ports["preview"])), timeout=5) as preview:
+            stream = preview.makefile("rb")
+            header = stream.read(40)
+            return header, stream.read(int.from_bytes(header[32:36], "little"))
 
 
 def collect(value, found):
@@ -211,16 +237,38 @@ def check_records(document, server):
         faults.append(f"ombra refuses a playlist: {answer.decode()}")
         return
     library = json.loads(server.ask("GET", "/medialibrary")[2])
-    found = {f"slot.{key}" for key in library["collections"]["1"]["slots"]["1"]}
-    found |= {f"entry.{key}" for key in library["playlists"]["1"]["entries"]["1"]}
     url = urllib.parse.quote("file:///red.png", safe="")
-    found |= {f"metadata.{key}" for key in json.loads(server.ask("GET", f"/metadata/?file={url}")[2])}
-    found |= {f"show.{key}" for key in json.loads(server.ask("GET", "/show/current")[2])}
-    same("the member", document.records, found)
+    records = {"slot": library["collections"]["1"]["slots"]["1"], "entry": library["playlists"]["1"]["entries"]["1"],
+               "metadata": json.loads(server.ask("GET", f"/metadata/?file={url}")[2]),
+               "show": json.loads(server.ask("GET", "/show/current")[2])}
+    members = {f"{record}.{key}": value for record, content in records.items() for key, value in content.items()}
+    same("the member", document.records, members)
+    for name, value in members.items():
+        of_type = document.records.get(name, "")
+        kinds = {JSON_TYPES.get(kind, str) for kind in of_type.split(" or ")}
+        if of_type and type(value) not in kinds:
+            faults.append(f"docs/protocol.md: {name} is no {of_type}: {json.dumps(value)}")
+
+
+def check_frames(document, server):
+    """The example of a preview frame and a real one are laid out as the table says."""
+    example = example_bytes(document.text, "Preview")
+    real, source = server.first_frame()
+    for name, data, rest in (("the example", example[:40], example[40:]), ("a frame of ombra", real, source)):
+        fields = {re.split("[,:]", what)[0]: int.from_bytes(data[offset:offset + size], "little")
+                  for offset, size, what in document.frame[1:]}
+        if data[:4] != b"OPVW" or fields["version"] != 1 or fields["format"] not in (33, 97) or \
+           fields["height"] * fields["bytes per line"] != fields["length of the pixels"] or \
+           rest[:1] != b"/" or len(rest) not in (fields["length of the source"],
+                                                 fields["length of the source"] + fields["length of the pixels"]):
+            faults.append(f"docs/protocol.md: {name} is not laid out as the table of the preview says")
+    if sum(size for _, size, _ in document.frame) != 40:
+        faults.append("docs/protocol.md: the header of a preview frame has 40 bytes")
 
 
 def check_server(document, server):
-    same("the property", {name.split(":")[0] for name in document.properties}, server.scene())
+    told = server.scene(example_bytes(document.text, "The link"))
+    same("the property", {name.split(":")[0] for name in document.properties}, told)
     allowed = set()
     for path in {route.split()[1] for route in document.routes}:
         status, headers, _ = server.ask("DELETE", path)
@@ -228,6 +276,7 @@ def check_server(document, server):
             allowed |= {f"{method} {path}" for method in headers["Allow"].split(", ")}
     same("the route", document.routes, allowed)
     check_records(document, server)
+    check_frames(document, server)
 
 
 def check_example(root, server):
