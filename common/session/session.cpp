@@ -41,7 +41,6 @@
 
 #include <QDir>
 #include <QFileSystemModel>
-#include <QNetworkAccessManager>
 #include <QPointer>
 #include <QTimer>
 #include <QUndoStack>
@@ -365,6 +364,11 @@ void Session::initPlaylistModels()
     m_programPlaylistEditorModel = make(PlaybackViewMode::Program);
 }
 
+QNetworkAccessManager* Session::getQNetworkAccessManager() const
+{
+    return m_qnam.get();
+}
+
 PlaylistSelectionModel* Session::playlistSelection() const
 {
     return m_playlistSelection;
@@ -431,7 +435,7 @@ void Session::onDisconnect()
     m_files->disconnectServer();
     m_mediaLibraryApi.reset();
     m_metadataClient.reset();
-    m_qnam->clearAccessCache();
+    m_qnam->forgetConnections();
     Q_EMIT disconnected();
 }
 

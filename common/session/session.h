@@ -49,6 +49,7 @@ class PlaylistSelectionModel;
 class PreviewThread;
 class Scene;
 class SceneObjectProvider;
+class ServerAccess;
 class ServerConfigurationModel;
 class SessionFiles;
 class SignalRelay;
@@ -103,7 +104,7 @@ public:
     bool isConnected() const;
 
     Scene* getScene() const { return m_scene.get(); }
-    QNetworkAccessManager* getQNetworkAccessManager() const { return m_qnam.get(); }
+    QNetworkAccessManager* getQNetworkAccessManager() const;
     NetworkAccessManager* getNetworkAccessManager() const;
     /// Null while disconnected.
     MediaLibraryApi* getMediaLibraryApi() const { return m_mediaLibraryApi.get(); }
@@ -196,7 +197,7 @@ private:
 
     // In the order of construction: who stands further down knows those above and goes before them.
     ServerPorts m_ports;
-    std::unique_ptr<QNetworkAccessManager> m_qnam;
+    std::unique_ptr<ServerAccess> m_qnam;
     std::unique_ptr<NetworkAccessManager> m_network;
     Ref<Scene> m_scene;
     Ref<MediaLibrary> m_mediaLibrary;

@@ -35,6 +35,7 @@ const QStringList trueWarnings = {
     QStringLiteral("This plugin does not support "), // the offscreen platform's
     QStringLiteral("No api available, check connection?"),
     QStringLiteral("Failed to acquire media name"), // a cued slot was cleared
+    QStringLiteral("Selected entry not valid."),    // the operator is told
     QStringLiteral("Undo failed! "),
     QStringLiteral("Redo failed! "),
 };

@@ -19,9 +19,35 @@ ServerAccess::ServerAccess(QObject* parent)
 {
 }
 
+void ServerAccess::forgetConnections()
+{
+    m_isForgetting = true;
+    QMetaObject::invokeMethod(this, &ServerAccess::forgetNow, Qt::QueuedConnection);
+}
+
+void ServerAccess::forgetNow()
+{
+    if (m_isForgetting && m_bodies == 0) {
+        m_isForgetting = false;
+        clearAccessCache();
+    }
+}
+
+/// Where a connection ends under a body, the thread that sends it asks this one to begin it again, and waits;
+/// clearAccessCache() waits for that thread.
+void ServerAccess::watchBody(const QNetworkReply* reply)
+{
+    ++m_bodies;
+    connect(reply, &QObject::destroyed, this, [this] {
+        --m_bodies;
+        QMetaObject::invokeMethod(this, &ServerAccess::forgetNow, Qt::QueuedConnection);
+    });
+}
+
 QNetworkReply* ServerAccess::createRequest(Operation operation, const QNetworkRequest& request,
                                            QIODevice* body)
 {
+    m_isForgetting = false;
     QNetworkRequest bounded = request;
     bounded.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::SameOriginRedirectPolicy);
     const bool isStream = request.url().path().endsWith(QLatin1String("/sse"));
@@ -37,8 +63,10 @@ QNetworkReply* ServerAccess::createRequest(Operation operation, const QNetworkRe
     connect(reply, &QNetworkReply::metaDataChanged, headers, &QTimer::stop);
     connect(reply, &QNetworkReply::finished, headers, &QTimer::stop);
     headers->start();
-    if (body) // what is sent first may take its time
+    if (body) { // what is sent first may take its time
         connect(reply, &QNetworkReply::uploadProgress, headers, QOverload<>::of(&QTimer::start));
+        watchBody(reply);
+    }
     return reply;
 }
 

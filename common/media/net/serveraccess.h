@@ -14,6 +14,9 @@ class ServerAccess : public QNetworkAccessManager
 public:
     explicit ServerAccess(QObject* parent = nullptr);
 
+    /// Drops the connections that are kept, and leaves unanswered what is under way on them: in a later turn,
+    /// once no body is being sent. Not at all when something is asked for before.
+    void forgetConnections();
     /// For tests in place of a quarter of a minute; milliseconds.
     void setHeaderTime(int ms) { m_headerTime = ms; }
 
@@ -22,7 +25,12 @@ protected:
                                  QIODevice* body = nullptr) override;
 
 private:
+    void forgetNow();
+    void watchBody(const QNetworkReply* reply);
+
     int m_headerTime;
+    int m_bodies = 0; // of replies that are there
+    bool m_isForgetting = false;
 };
 
 } // namespace vantrel

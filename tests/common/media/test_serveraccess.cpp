@@ -2,16 +2,89 @@
 #include "common/media/net/serveraccess.h"
 #include "tests/support/testmain.h"
 
+#include <QCoreApplication>
+#include <QElapsedTimer>
 #include <QNetworkReply>
 #include <QPointer>
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <QTest>
 #include <QTimer>
+#include <boost/asio/buffer.hpp>
+#include <boost/asio/io_context.hpp>
+#include <boost/asio/ip/tcp.hpp>
+#include <boost/asio/read_until.hpp>
+#include <boost/asio/write.hpp>
 
+#include <array>
+#include <atomic>
 #include <memory>
+#include <string>
+#include <string_view>
+#include <thread>
 
 namespace vantrel::test {
+
+namespace {
+
+/// On a thread of its own: answers one request, and ends on demand when it has the head of an edit.
+class DyingServer
+{
+public:
+    DyingServer()
+        : m_listener(m_io, {boost::asio::ip::address_v4::loopback(), 0})
+        , m_thread([this] { serve(); })
+    {
+    }
+    ~DyingServer()
+    {
+        m_mayDie = true;
+        m_mayDie.notify_one();
+        m_thread.join();
+    }
+    quint16 port() const { return m_listener.local_endpoint().port(); }
+    bool hasEdit() const { return m_hasEdit; }
+    /// Comes back when the client has closed its side, too.
+    void die()
+    {
+        m_mayDie = true;
+        m_mayDie.notify_one();
+        m_isClosed.wait(false);
+    }
+
+private:
+    void serve()
+    {
+        boost::system::error_code error;
+        boost::asio::ip::tcp::socket socket(m_io);
+        m_listener.accept(socket, error);
+        std::string text;
+        const auto head = boost::asio::dynamic_buffer(text);
+        boost::asio::read_until(socket, head, "\r\n\r\n", error);
+        const std::string_view answer = "HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\nok";
+        boost::asio::write(socket, boost::asio::buffer(answer), error);
+        text.clear();
+        boost::asio::read_until(socket, head, "\r\n\r\n", error);
+        m_listener.close(error);
+        m_hasEdit = true;
+        m_mayDie.wait(false);
+        socket.shutdown(boost::asio::socket_base::shutdown_send, error);
+        std::array<char, 256> rest{};
+        while (!error)
+            socket.read_some(boost::asio::buffer(rest), error);
+        m_isClosed = true;
+        m_isClosed.notify_one();
+    }
+
+    boost::asio::io_context m_io;
+    boost::asio::ip::tcp::acceptor m_listener;
+    std::atomic<bool> m_hasEdit{false};
+    std::atomic<bool> m_mayDie{false};
+    std::atomic<bool> m_isClosed{false};
+    std::thread m_thread;
+};
+
+} // namespace
 
 /// A server that would keep or lead the client where it must not go.
 class TestServerAccess : public QObject
@@ -89,6 +162,61 @@ private Q_SLOTS:
             qInfo("%lld MiB came", sent / (1024 * 1024));
             QVERIFY(sent < 64LL * 1024 * 1024);
         }
+    }
+
+    /// A server that goes in the midst of an edit, on a connection that was kept: its thread wants the body
+    /// again, and whoever drops the connections must not wait for that thread meanwhile.
+    void endsUnderAnEdit()
+    {
+        DyingServer server;
+        ServerAccess access;
+        QNetworkRequest request(QStringLiteral("http://127.0.0.1:%1/x").arg(server.port()));
+        request.setHeader(QNetworkRequest::ContentTypeHeader, QStringLiteral("application/json"));
+        const std::unique_ptr<QNetworkReply> first(access.get(request));
+        QTRY_VERIFY(first->isFinished());
+        QCOMPARE(first->error(), QNetworkReply::NoError);
+        std::unique_ptr<QNetworkReply> edit(access.sendCustomRequest(request, "PATCH", QByteArray("[]")));
+        QTRY_VERIFY(server.hasEdit());
+        server.die(); // no turn of this thread until the client has seen it
+        QElapsedTimer clock;
+        clock.start();
+        access.forgetConnections();
+        QCoreApplication::processEvents();
+        QVERIFY2(clock.elapsed() < 1000, qPrintable(QString::number(clock.elapsed())));
+        QTRY_VERIFY(edit->isFinished());
+        QVERIFY(edit->error() != QNetworkReply::NoError);
+    }
+
+    /// The next session's requests go over connections of their own, and are not cut off.
+    void forgetsItsConnections()
+    {
+        QTcpServer server;
+        QVERIFY(server.listen(QHostAddress::LocalHost));
+        int connections = 0;
+        connect(&server, &QTcpServer::newConnection, this, [&] {
+            QTcpSocket* socket = server.nextPendingConnection();
+            ++connections;
+            connect(socket, &QTcpSocket::readyRead, socket, [socket] {
+                if (socket->readAll().endsWith("\r\n\r\n"))
+                    socket->write("HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\nok");
+            });
+        });
+        ServerAccess access;
+        const QNetworkRequest request(QStringLiteral("http://127.0.0.1:%1/x").arg(server.serverPort()));
+        const auto asks = [&] {
+            const std::unique_ptr<QNetworkReply> reply(access.get(request));
+            return QTest::qWaitFor([&] { return reply->isFinished(); }) &&
+                   reply->error() == QNetworkReply::NoError;
+        };
+        QVERIFY(asks() && asks());
+        QCOMPARE(connections, 1);
+        access.forgetConnections();
+        QCoreApplication::processEvents();
+        QVERIFY(asks());
+        QCOMPARE(connections, 2);
+        access.forgetConnections();
+        QVERIFY(asks()); // sooner than it has come to that
+        QCOMPARE(connections, 2);
     }
 
     void shownTextHidesNothing()
