@@ -93,10 +93,11 @@ protected:
     bool canAbort() const;
     /// Goes on once all that it is about can be asked for without waiting; fails when that takes too long.
     void whenReached(std::function<void()> next);
+    /// For whoever has just reached them.
+    void start();
 
 private:
     void reach(QList<FileSystemTarget> targets, const std::function<void()>& next);
-    void start();
     void endReaching();
     void setHeldUp(bool isHeldUp);
     bool acceptAllVisitor();
