@@ -3,6 +3,7 @@
 #include "common/filesystem/model/operationerror.h"
 #include "common/filesystem/operations/baseoperation.h"
 
+#include <QBasicTimer>
 #include <QMap>
 
 #include <functional>
@@ -99,6 +100,7 @@ protected:
 private:
     void reach(QList<FileSystemTarget> targets, const std::function<void()>& next);
     void endReaching();
+    void timerEvent(QTimerEvent* event) override;
     void setHeldUp(bool isHeldUp);
     bool acceptAllVisitor();
 
@@ -108,6 +110,7 @@ private:
     Pace m_pace = Pace::Alone;
     bool m_isReaching = false;
     bool m_isHeldUp = false;
+    QBasicTimer m_heldUpTimer;
     QMap<FileSystemTarget, bool> m_ready;
     QList<OperationError> m_errors;
 };
