@@ -59,6 +59,12 @@ public:
     virtual bool writeAndPlace(const QString& path, QIODevice* device, const FtpPlacing& placing);
     /// Of the last transfer, as far as it has come.
     virtual FtpOutcome lastOutcome() const { return {}; }
+    /// While a transfer runs: the next one that is asked for is taken, and begins as soon as this one has
+    /// succeeded: followUpBegan(), before the end of this one is told. Where it does not, followUpDropped()
+    /// comes. False when that cannot be.
+    virtual bool takeFollowUp() { return false; }
+    /// It is not wanted any more, unless it has begun: followUpDropped().
+    virtual void dropFollowUp() {}
     /// Why the last command failed, as plain text that may come from the server; empty after one that did
     /// not.
     virtual QString lastErrorText() const { return {}; }
@@ -84,6 +90,8 @@ Q_SIGNALS:
                       bool succeeded);
     void moveFinished(const QString& fromPath, const QString& toPath, vantrel::ClientFileSystemType type,
                       bool succeeded);
+    void followUpBegan();
+    void followUpDropped();
     void sizeFinished(const QString& path, qint64 bytes, bool succeeded);
     void modifiedFinished(const QString& path, const QString& time, bool succeeded);
 };

@@ -73,17 +73,32 @@ bool FtpClient::move(const QString& from, const QString& to)
 
 bool FtpClient::write(const QString& path, QIODevice* device, qint64)
 {
-    return mayStart() && d->write(path, device, 0);
+    return mayTransfer() && d->write(path, device, 0);
 }
 
 bool FtpClient::read(const QString& path, QIODevice* device, qint64)
 {
-    return mayStart() && d->read(path, device, 0);
+    return mayTransfer() && d->read(path, device, 0);
 }
 
 bool FtpClient::writeAndPlace(const QString& path, QIODevice* device, const FtpPlacing& placing)
 {
-    return mayStart() && d->writeAndPlace(path, device, placing);
+    return mayTransfer() && d->writeAndPlace(path, device, placing);
+}
+
+bool FtpClient::mayTransfer()
+{
+    return d->isFollowUpDue() || mayStart();
+}
+
+bool FtpClient::takeFollowUp()
+{
+    return isServerConnected() && d->takeFollowUp();
+}
+
+void FtpClient::dropFollowUp()
+{
+    d->dropFollowUp();
 }
 
 FtpOutcome FtpClient::lastOutcome() const
@@ -93,12 +108,12 @@ FtpOutcome FtpClient::lastOutcome() const
 
 bool FtpClient::resumeWrite(const QString& path, QIODevice* device, qint64 offset)
 {
-    return mayStart() && d->resume(path, device, offset, QFtp::Put);
+    return mayTransfer() && d->resume(path, device, offset, QFtp::Put);
 }
 
 bool FtpClient::resumeRead(const QString& path, QIODevice* device, qint64 offset)
 {
-    return mayStart() && d->resume(path, device, offset, QFtp::Get);
+    return mayTransfer() && d->resume(path, device, offset, QFtp::Get);
 }
 
 bool FtpClient::size(const QString& path)

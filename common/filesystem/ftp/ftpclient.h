@@ -40,6 +40,8 @@ public:
     bool writeAndPlace(const QString& path, QIODevice* device, const FtpPlacing& placing) override;
     FtpOutcome lastOutcome() const override;
     bool modified(const QString& path) override;
+    bool takeFollowUp() override;
+    void dropFollowUp() override;
     bool resumeWrite(const QString& path, QIODevice* device, qint64 offset) override;
     bool resumeRead(const QString& path, QIODevice* device, qint64 offset) override;
     QString lastErrorText() const override;
@@ -53,6 +55,7 @@ public:
     void setKeepaliveInterval(std::chrono::milliseconds interval);
 
 private:
+    bool mayTransfer();
     bool mayStart() const { return isServerConnected() && !isLoading(); }
 
     std::unique_ptr<FtpClientPrivate> d;

@@ -39,6 +39,9 @@ public:
     bool read(const QString& path, QIODevice* device, qint64 offset);
     bool writeAndPlace(const QString& path, QIODevice* device, const FtpPlacing& placing);
     FtpOutcome lastOutcome() const { return m_worker->outcome(m_transferId); }
+    bool takeFollowUp();
+    bool isFollowUpDue() const { return m_isFollowUpDue; }
+    void dropFollowUp();
     bool resume(const QString& path, QIODevice* device, qint64 offset, QFtp::Command command);
     bool size(const QString& path);
     bool modified(const QString& path);
@@ -51,10 +54,11 @@ public:
     void setKeepaliveInterval(std::chrono::milliseconds interval);
 
 private Q_SLOTS:
-    void onFtpCommandFinished(int id, bool error);
+    void onFtpCommandFinished(int id, bool error, qint64 done, qint64 total);
     void onFtpStateChanged(int state);
     void onFtpListInfo(const vantrel::FtpListing& listing);
     void onFtpCommandStarted(int id);
+    void onFollowUpDropped(int id);
     void onDataTransferProgressed(qint64 done, qint64 total);
     void onKeepaliveTimer();
     void onReconnectTimer();
@@ -81,6 +85,8 @@ private:
     void rememberPath(const QString& path, ClientFileSystemType type, bool isSymLink = false);
     void forgetPath(const QString& path);
     bool startWriting(int id, const QVariantList& paths);
+    bool startTransfer(QFtp::Command command, int id, const QVariantList& paths);
+    int predecessor() const;
     static QString pathKey(const QString& path);
 
     FtpClient* const m_q;
@@ -89,7 +95,9 @@ private:
     QTimer m_reconnectTimer;
     ClientCredentials m_credentials;
     CommandRequest m_active;
-    int m_transferId = 0;                    // of the last one
+    CommandRequest m_followUp;               // begins when the active one has succeeded
+    bool m_isFollowUpDue = false;            // the next transfer that is asked for is to be one
+    int m_transferId = 0;                    // of the last one that was active
     FtpListing m_listing;                    // of the active LIST
     std::optional<ClientListing> m_prepared; // of the listing that is being told
     QHash<QString, Kinds> m_listed;          // by directory, without a "/" at its end, and name

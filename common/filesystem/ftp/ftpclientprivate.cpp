@@ -40,6 +40,7 @@ FtpClientPrivate::FtpClientPrivate(FtpClient* q)
     connect(worker, &FtpWorker::listInfo, this, &FtpClientPrivate::onFtpListInfo, how);
     connect(worker, &FtpWorker::commandStarted, this, &FtpClientPrivate::onFtpCommandStarted, how);
     connect(worker, &FtpWorker::dataTransferProgress, this, &FtpClientPrivate::onDataTransferProgressed, how);
+    connect(worker, &FtpWorker::followUpDropped, this, &FtpClientPrivate::onFollowUpDropped, how);
     connect(
         worker, &FtpWorker::fileSize, this, [this](qint64 bytes) { m_fileSize = bytes; }, how);
     connect(
@@ -65,7 +66,8 @@ bool FtpClientPrivate::isServerConnected() const
 
 bool FtpClientPrivate::isLoading() const
 {
-    return m_active.id != 0 || (m_lastState != QFtp::Unconnected && m_lastState != QFtp::LoggedIn);
+    return m_active.id != 0 || m_followUp.id != 0 ||
+           (m_lastState != QFtp::Unconnected && m_lastState != QFtp::LoggedIn);
 }
 
 // ------------------------------------------------------------------ the connection
@@ -267,39 +269,77 @@ bool FtpClientPrivate::move(const QString& from, const QString& to)
 
 bool FtpClientPrivate::write(const QString& path, QIODevice* device, qint64 offset)
 {
-    return startWriting(m_worker->put(device, path, QFtp::Binary, offset), {path});
+    return startWriting(m_worker->put(device, path, QFtp::Binary, offset, predecessor()), {path});
 }
 
 bool FtpClientPrivate::writeAndPlace(const QString& path, QIODevice* device, const FtpPlacing& placing)
 {
-    return startWriting(m_worker->putAndPlace(device, path, placing), {path, placing.destination});
+    return startWriting(m_worker->putAndPlace(device, path, placing, predecessor()),
+                        {path, placing.destination});
 }
 
 bool FtpClientPrivate::startWriting(int id, const QVariantList& paths)
 {
+    // Something may stand there whatever comes of it.
+    if (id != 0)
+        rememberPath(paths.constFirst().toString(), ClientFileSystemType::File);
+    return startTransfer(QFtp::Put, id, paths);
+}
+
+bool FtpClientPrivate::startTransfer(QFtp::Command command, int id, const QVariantList& paths)
+{
+    const bool isFollowUp = std::exchange(m_isFollowUpDue, false);
     if (id == 0)
         return false;
-    m_transferId = id;
-    // Something may stand there whatever comes of it.
-    rememberPath(paths.constFirst().toString(), ClientFileSystemType::File);
-    setActiveCommand(QFtp::Put, id, paths);
+    if (isFollowUp) {
+        m_followUp = {command, id, paths, false};
+    } else {
+        m_transferId = id;
+        setActiveCommand(command, id, paths);
+    }
     return true;
+}
+
+/// Of the transfer that is being asked for; 0: it begins at once.
+int FtpClientPrivate::predecessor() const
+{
+    return m_isFollowUpDue ? m_active.id : 0;
+}
+
+bool FtpClientPrivate::takeFollowUp()
+{
+    const bool isTransfer = m_active.command == QFtp::Get || m_active.command == QFtp::Put;
+    m_isFollowUpDue = isTransfer && m_active.id != 0 && !m_active.aborted && m_followUp.id == 0;
+    return m_isFollowUpDue;
+}
+
+void FtpClientPrivate::dropFollowUp()
+{
+    if (m_followUp.id != 0)
+        m_worker->dropFollowUp(m_followUp.id);
+}
+
+void FtpClientPrivate::onFollowUpDropped(int id)
+{
+    if (id != m_followUp.id)
+        return;
+    m_followUp = {};
+    if (!isLoading())
+        Q_EMIT m_q->isLoadingChanged(false);
+    Q_EMIT m_q->followUpDropped();
 }
 
 bool FtpClientPrivate::read(const QString& path, QIODevice* device, qint64 offset)
 {
-    const int id = m_worker->get(path, device, QFtp::Binary, offset);
-    if (id == 0)
-        return false;
-    m_transferId = id;
-    setActiveCommand(QFtp::Get, id, QVariant(path));
-    return true;
+    return startTransfer(QFtp::Get, m_worker->get(path, device, QFtp::Binary, offset, predecessor()), {path});
 }
 
 bool FtpClientPrivate::resume(const QString& path, QIODevice* device, qint64 offset, QFtp::Command command)
 {
-    if (offset < 0 || device->isSequential() || !device->seek(offset))
+    if (offset < 0 || device->isSequential() || !device->seek(offset)) {
+        m_isFollowUpDue = false;
         return false;
+    }
     return command == QFtp::Put ? write(path, device, offset) : read(path, device, offset);
 }
 
@@ -321,7 +361,7 @@ void FtpClientPrivate::abort()
 {
     qCDebug(lcFtp) << "Requesting abort for the current FTP operation:" << m_active;
     m_active.aborted = true;
-    m_worker->abort();
+    m_worker->abort(m_active.id);
 }
 
 // ------------------------------------------------------------------ answers
@@ -358,8 +398,10 @@ void FtpClientPrivate::onFtpCommandStarted(int id)
     m_keepaliveTimer.start();
 }
 
-void FtpClientPrivate::onFtpCommandFinished(int id, bool error)
+void FtpClientPrivate::onFtpCommandFinished(int id, bool error, qint64 done, qint64 total)
 {
+    if (done >= 0 && id == m_active.id)
+        onDataTransferProgressed(done, total);
     const CommandRequest request = m_active;
     m_keepaliveTimer.start();
     if (error) {
@@ -385,8 +427,16 @@ void FtpClientPrivate::onFtpCommandFinished(int id, bool error)
     }
     if (request.id == 0 || id != request.id)
         return;
-    clearActiveCommand();
-    finishCommand(request, !error && !request.aborted);
+    if (error || m_followUp.id == 0) {
+        clearActiveCommand();
+        finishCommand(request, !error && !request.aborted);
+    } else {
+        const CommandRequest next = std::exchange(m_followUp, {});
+        setActiveCommand(next.command, next.id, next.parameters);
+        Q_EMIT m_q->followUpBegan();
+        finishCommand(request, !request.aborted);
+        m_transferId = next.id; // whoever heard of the end may have asked for the outcome
+    }
 }
 
 void FtpClientPrivate::finishCommand(const CommandRequest& request, bool succeeded)

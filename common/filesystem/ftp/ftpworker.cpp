@@ -5,6 +5,7 @@
 #include <QFile>
 #include <QMutexLocker>
 
+#include <algorithm>
 #include <utility>
 
 namespace vantrel {
@@ -12,6 +13,11 @@ namespace vantrel {
 namespace {
 constexpr qint64 smallTransfer = 256 * 1024; // bytes
 constexpr int timeTold = 213;                // an answer
+
+// Set as the library is loaded, while there is one thread: those that Qt makes wait by poll() then. GLib's
+// loop wakes itself with each socket that is opened, closed or turned to, which is a third of the time of a
+// small file.
+[[maybe_unused]] const bool isWithoutGlib = qputenv("QT_NO_THREADED_GLIB", "1");
 } // namespace
 
 FtpWorker::FtpWorker(QObject* parent)
@@ -43,11 +49,7 @@ void FtpWorker::run()
         if (ftp.currentCommand() != QFtp::Get && ftp.currentCommand() != QFtp::Put)
             tellHeld();
     });
-    connect(&ftp, &QFtp::outcomeChanged, &ftp, [&] {
-        const QMutexLocker lock(&m_mutex);
-        m_outcome = ftp.outcome();
-        m_outcomeId = ftp.currentId();
-    });
+    connect(&ftp, &QFtp::outcomeChanged, &ftp, [&] { noteOutcome(ftp.currentId(), ftp.outcome()); });
     connect(&ftp, &QFtp::fileSize, this, &FtpWorker::fileSize, Qt::DirectConnection);
     connect(&ftp, &QFtp::rawCommandReply, &ftp, [this](int code, const QString& text) {
         if (code == timeTold)
@@ -55,6 +57,8 @@ void FtpWorker::run()
     });
     connect(&ftp, &QFtp::commandFinished, &ftp, [&](int id, bool error) {
         onCommandFinished(id, error ? ftp.error() : QFtp::NoError, error ? ftp.errorString() : QString());
+        if (const Transfer next = std::exchange(m_followUp, {}); next.id != 0)
+            error ? drop(next) : begin(ftp, next);
     });
     connect(&ftp, &QFtp::commandDropped, &ftp,
             [this](int id, const QString& why) { onCommandFinished(id, QFtp::UnknownError, why); });
@@ -89,21 +93,39 @@ int FtpWorker::command(Call call)
     return id;
 }
 
-int FtpWorker::transfer(QIODevice* device, Call call)
+int FtpWorker::transfer(QIODevice* device, int after, Call call)
 {
     if (!isRunning())
         return 0;
     if (device->thread() != this)
         device->moveToThread(this);
     const int id = QFtpCommand::nextId();
-    post([this, id, device, call = std::move(call)](QFtp& ftp) {
-        m_device = device;
-        m_deviceId = id;
-        m_isPresized = false;
-        ftp.setNextId(id);
-        call(ftp);
+    post([this, after, transfer = Transfer{id, device, std::move(call)}](QFtp& ftp) {
+        if (after == 0 || (after == m_endedId && !m_hasFailed))
+            begin(ftp, transfer);
+        else if (after == ftp.currentId())
+            m_followUp = transfer;
+        else
+            drop(transfer);
     });
     return id;
+}
+
+void FtpWorker::begin(QFtp& ftp, Transfer transfer)
+{
+    m_device = transfer.device;
+    m_deviceId = transfer.id;
+    m_isPresized = false;
+    ftp.setNextId(transfer.id);
+    transfer.call(ftp);
+}
+
+void FtpWorker::drop(const Transfer& transfer)
+{
+    if (transfer.id == 0)
+        return;
+    transfer.device->moveToThread(m_home);
+    Q_EMIT followUpDropped(transfer.id);
 }
 
 int FtpWorker::connectToHost(const QString& host, quint16 port)
@@ -147,19 +169,19 @@ int FtpWorker::rename(const QString& from, const QString& to)
     return command([=](QFtp& ftp) { ftp.rename(from, to); });
 }
 
-int FtpWorker::put(QIODevice* device, const QString& path, QFtp::TransferType type, qint64 offset)
+int FtpWorker::put(QIODevice* device, const QString& path, QFtp::TransferType type, qint64 offset, int after)
 {
-    return transfer(device, [=](QFtp& ftp) { ftp.put(device, path, type, offset); });
+    return transfer(device, after, [=](QFtp& ftp) { ftp.put(device, path, type, offset); });
 }
 
-int FtpWorker::putAndPlace(QIODevice* device, const QString& path, const FtpPlacing& placing)
+int FtpWorker::putAndPlace(QIODevice* device, const QString& path, const FtpPlacing& placing, int after)
 {
-    return transfer(device, [=](QFtp& ftp) { ftp.put(device, path, placing); });
+    return transfer(device, after, [=](QFtp& ftp) { ftp.put(device, path, placing); });
 }
 
-int FtpWorker::get(const QString& path, QIODevice* device, QFtp::TransferType type, qint64 offset)
+int FtpWorker::get(const QString& path, QIODevice* device, QFtp::TransferType type, qint64 offset, int after)
 {
-    return transfer(device, [=](QFtp& ftp) { ftp.get(path, device, type, offset); });
+    return transfer(device, after, [=](QFtp& ftp) { ftp.get(path, device, type, offset); });
 }
 
 int FtpWorker::size(const QString& path)
@@ -174,15 +196,28 @@ int FtpWorker::modified(const QString& path)
 
 void FtpWorker::disconnectServer()
 {
-    post([](QFtp& ftp) {
+    post([this](QFtp& ftp) {
+        drop(std::exchange(m_followUp, {}));
         ftp.abort(); // what runs may be hours away from its end
         ftp.close();
     });
 }
 
-void FtpWorker::abort()
+void FtpWorker::abort(int id)
 {
-    post([](QFtp& ftp) { ftp.abort(); });
+    post([this, id](QFtp& ftp) {
+        drop(std::exchange(m_followUp, {}));
+        if (id != m_endedId)
+            ftp.abort();
+    });
+}
+
+void FtpWorker::dropFollowUp(int id)
+{
+    post([this, id](QFtp&) {
+        if (m_followUp.id == id)
+            drop(std::exchange(m_followUp, {}));
+    });
 }
 
 void FtpWorker::noop()
@@ -210,7 +245,16 @@ QFtp::Error FtpWorker::getError(QString* text) const
 FtpOutcome FtpWorker::outcome(int id) const
 {
     const QMutexLocker lock(&m_mutex);
-    return id == m_outcomeId ? m_outcome : FtpOutcome();
+    const auto found = std::ranges::find(m_outcomes, id, &std::pair<int, FtpOutcome>::first);
+    return found == m_outcomes.end() ? FtpOutcome() : found->second;
+}
+
+void FtpWorker::noteOutcome(int id, FtpOutcome outcome)
+{
+    const QMutexLocker lock(&m_mutex);
+    if (m_outcomes[0].first != id)
+        m_outcomes[1] = m_outcomes[0];
+    m_outcomes[0] = {id, outcome};
 }
 
 /// A download has its full size on the disk from the start.
@@ -239,12 +283,22 @@ void FtpWorker::onCommandFinished(int id, QFtp::Error error, const QString& text
         m_error = error;
         m_errorText = text;
     }
-    tellHeld();
-    if (m_device && id == m_deviceId)
+    m_endedId = id;
+    m_hasFailed = error != QFtp::NoError;
+    const bool isTransfer = m_device && id == m_deviceId;
+    std::pair<qint64, qint64> reached{-1, 0};
+    if (!isTransfer || m_heldProgress.empty()) {
+        tellHeld();
+    } else {
+        reached = m_heldProgress.back();
+        m_heldProgress.clear();
+        m_heldStart = 0;
+    }
+    if (isTransfer)
         returnDevice(error != QFtp::NoError);
     if (id == m_listing.id)
         Q_EMIT listInfo(std::exchange(m_listing, {}));
-    Q_EMIT commandFinished(id, error != QFtp::NoError);
+    Q_EMIT commandFinished(id, error != QFtp::NoError, reached.first, reached.second);
 }
 
 void FtpWorker::returnDevice(bool error)

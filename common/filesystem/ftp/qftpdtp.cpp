@@ -97,7 +97,6 @@ void QFtpDTP::wireSocket(std::unique_ptr<QTcpSocket> socket, const QString& name
     m_isDropping = false;
     m_line.clear();
     m_lines = 0;
-    m_now = localNow();
     m_bytesFromSocket.clear();
     connect(m_socket.get(), &QTcpSocket::readyRead, this, &QFtpDTP::socketReadyRead);
     connect(m_socket.get(), &QTcpSocket::errorOccurred, this, &QFtpDTP::socketError);
@@ -377,6 +376,8 @@ bool QFtpDTP::parseDir(const QByteArray& line, const QString& userName, QUrlInfo
 
 void QFtpDTP::readListLine(const QByteArray& line)
 {
+    if (m_lines == 0)
+        m_now = localNow();
     QUrlInfo info;
     if (parseWith(line, QString(), m_now, info))
         Q_EMIT listInfo(info);

@@ -130,7 +130,7 @@ private:
     QByteArray m_bytesFromSocket;
     QByteArray m_line; // of a listing, begun
     qint64 m_lines = 0;
-    FtpTime m_now; // when the listing began
+    FtpTime m_now; // when its first line came
     QString m_errorText;
     QByteArray m_block;
     RateLimit m_limit;

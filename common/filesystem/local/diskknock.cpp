@@ -6,7 +6,6 @@
 #include "common/filesystem/model/pathhelpers.h"
 
 #include <QFile>
-#include <QTimer>
 
 #include <condition_variable>
 #include <mutex>
@@ -27,6 +26,14 @@ constexpr qint64 freshMs = 50;       // which is asked anew beside after so long
 constexpr qsizetype mostTrusted = 256;
 constexpr int mostSilent = 8; // disks that hang at once
 constexpr int farewellMs = 200;
+constexpr auto watchEvery = 50ms;
+
+QElapsedTimer now()
+{
+    QElapsedTimer timer;
+    timer.start();
+    return timer;
+}
 
 QString plain(const QString& path)
 {
@@ -59,6 +66,8 @@ DiskKnock::DiskKnock(QObject* parent)
     , m_pool(std::make_unique<QThreadPool>())
 {
     m_pool->setMaxThreadCount(mostSilent);
+    m_watch.setInterval(watchEvery);
+    connect(&m_watch, &QTimer::timeout, this, &DiskKnock::losePatience);
 }
 
 DiskKnock::~DiskKnock()
@@ -134,16 +143,33 @@ void DiskKnock::whenItAnswers(const QString& path, QObject* context, Next next)
     Asked* asked = silenceOver(item);
     if (!asked) {
         const QuestionPtr question = ask(item, this);
-        m_asked.append({item, question, {}});
+        m_asked.append({item, question, now(), {}});
         asked = &m_asked.last();
-        QTimer::singleShot(longPatience, this, [this, question] {
-            if (this->asked(question))
-                noteSilence(question);
-        });
     }
-    const int number = ++m_lastNumber;
-    asked->waiting.append({number, context, std::move(next)});
-    QTimer::singleShot(m_limit, this, [this, number] { giveUp(number); });
+    asked->waiting.append({now(), context, std::move(next)});
+    if (!m_watch.isActive())
+        m_watch.start();
+}
+
+void DiskKnock::losePatience()
+{
+    QList<QuestionPtr> late;
+    for (const Asked& asked : std::as_const(m_asked))
+        if (!asked.isSilent && asked.since.hasExpired(longPatience.count()))
+            late.append(asked.question);
+    for (const QuestionPtr& question : std::as_const(late))
+        noteSilence(question);
+    QList<Waiting> givenUp;
+    for (Asked& asked : m_asked)
+        while (!asked.waiting.isEmpty() && asked.waiting.constFirst().since.hasExpired(m_limit.count()))
+            givenUp.append(asked.waiting.takeFirst());
+    const bool isWaitedFor = std::ranges::any_of(
+        m_asked, [](const Asked& asked) { return !asked.isSilent || !asked.waiting.isEmpty(); });
+    if (!isWaitedFor)
+        m_watch.stop();
+    for (const Waiting& one : std::as_const(givenUp))
+        if (one.context)
+            one.next(false);
 }
 
 DiskKnock::QuestionPtr DiskKnock::ask(const QString& path, DiskKnock* listener)
@@ -178,7 +204,7 @@ void DiskKnock::noteAnswer(const QString& path)
 void DiskKnock::noteSilence(const QuestionPtr& question)
 {
     if (!asked(question))
-        m_asked.append({question->path, question, {}});
+        m_asked.append({question->path, question, now(), {}});
     Asked* const silence = asked(question);
     silence->place = placeOf(question->path);
     silence->isSilent = true;
@@ -200,20 +226,6 @@ void DiskKnock::onAnswered(const QuestionPtr& question)
     for (const Waiting& one : waiting)
         if (one.context)
             one.next(true);
-}
-
-void DiskKnock::giveUp(int number)
-{
-    for (Asked& asked : m_asked) {
-        const auto found = std::ranges::find(asked.waiting, number, &Waiting::number);
-        if (found == asked.waiting.end())
-            continue;
-        const Waiting one = *found;
-        asked.waiting.erase(found);
-        if (one.context)
-            one.next(false);
-        return;
-    }
 }
 
 DiskKnock::Asked* DiskKnock::silenceOver(const QString& path)

@@ -5,6 +5,7 @@
 #include <QObject>
 #include <QPointer>
 #include <QThreadPool>
+#include <QTimer>
 
 #include <chrono>
 #include <functional>
@@ -40,7 +41,7 @@ private:
     using QuestionPtr = std::shared_ptr<Question>;
     struct Waiting
     {
-        int number;
+        QElapsedTimer since;
         QPointer<QObject> context;
         Next next;
     };
@@ -49,7 +50,8 @@ private:
     {
         QString place;
         QuestionPtr question;
-        QList<Waiting> waiting;
+        QElapsedTimer since;
+        QList<Waiting> waiting; // the longest first
         bool isSilent = false;
     };
     struct Trust
@@ -64,15 +66,15 @@ private:
     void noteAnswer(const QString& path);
     void noteSilence(const QuestionPtr& question);
     void onAnswered(const QuestionPtr& question);
-    void giveUp(int number);
+    void losePatience();
     Asked* silenceOver(const QString& path);
     Asked* asked(const QuestionPtr& question);
 
     std::unique_ptr<QThreadPool> m_pool;
     QHash<QString, Trust> m_trusted; // by directory
     QList<Asked> m_asked;
+    QTimer m_watch; // over all of them: a timer for each of many files would cost more than the files
     std::chrono::milliseconds m_limit{20000};
-    int m_lastNumber = 0;
 };
 
 } // namespace vantrel

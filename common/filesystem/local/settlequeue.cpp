@@ -17,6 +17,8 @@ using namespace systemfile;
 
 namespace {
 
+constexpr int gatherMs = 20; // where they come faster than the disk takes them
+
 /// Some disks tell only now that there was no room. One of no bytes is made here.
 int closeFile(const SettleQueue::Item& item)
 {
@@ -120,12 +122,15 @@ SettleQueue::SettleQueue(StartJob startJob, QObject* parent)
     , m_startJob(std::move(startJob))
     , m_swept(std::make_shared<std::vector<std::string>>())
 {
+    m_gathering.setSingleShot(true);
+    m_gathering.setInterval(gatherMs);
+    connect(&m_gathering, &QTimer::timeout, this, &SettleQueue::start);
 }
 
 void SettleQueue::add(Item item, Done done)
 {
     m_waiting.push_back({std::move(item), std::move(done)});
-    if (!m_isRunning)
+    if (!m_isRunning && !m_gathering.isActive())
         start();
 }
 
@@ -148,10 +153,10 @@ void SettleQueue::start()
 void SettleQueue::onFinished(const std::vector<Waiting>& batch, const std::vector<int>& errors)
 {
     m_isRunning = false;
-    if (!m_waiting.empty())
-        start(); // the disk need not wait for what is told here
-    else
+    if (m_waiting.empty())
         m_swept->clear();
+    else
+        m_gathering.start();
     for (std::size_t i = 0; i < batch.size() && i < errors.size(); ++i)
         batch[i].done(errors[i]);
 }

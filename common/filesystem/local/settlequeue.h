@@ -5,6 +5,7 @@
 
 #include <QObject>
 #include <QSharedPointer>
+#include <QTimer>
 
 #include <functional>
 #include <memory>
@@ -52,6 +53,7 @@ private:
     std::vector<Waiting> m_waiting;
     std::shared_ptr<std::vector<std::string>> m_swept; // directories; of the job that runs
     bool m_isRunning = false;
+    QTimer m_gathering; // of those that come in quick succession
 };
 
 } // namespace vantrel

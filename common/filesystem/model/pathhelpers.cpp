@@ -12,6 +12,20 @@ QString withoutTrailingSeparator(const QString& path)
     return path.size() > 1 && path.endsWith(u'/') ? path.chopped(1) : path;
 }
 
+/// Of most paths nothing is to be changed, which is seen sooner than done.
+bool isNormal(QStringView path)
+{
+    for (qsizetype begin = path.startsWith(u'/') ? 1 : 0; begin < path.size();) {
+        const qsizetype separator = path.indexOf(u'/', begin);
+        const qsizetype end = separator < 0 ? path.size() : separator;
+        const QStringView name = path.sliced(begin, end - begin);
+        if (name.isEmpty() || name == u"." || name == u"..")
+            return false;
+        begin = end + 1;
+    }
+    return true;
+}
+
 bool endsWithOneOf(const QString& path, const QStringList& suffixes)
 {
     return std::ranges::any_of(
@@ -28,6 +42,8 @@ QString getParentPath(const QString& path)
 
 QString normalizePath(const QString& path)
 {
+    if (isNormal(path))
+        return path;
     const std::filesystem::path normal = std::filesystem::path(path.toStdString()).lexically_normal();
     return QString::fromStdString(normal.generic_string());
 }

@@ -51,7 +51,7 @@ void FileTransferOperation::lookAtTarget()
     if (system->getType(to().fullPath) == FileSystem::Directory)
         setTo({system, createJoinedPath(to().fullPath, getNameInPath(from().fullPath), false)});
     if (system->getType(to().fullPath) == FileSystem::Unknown)
-        TransferOperation::run();
+        start();
     else
         meetConflict(conflictPolicy());
 }

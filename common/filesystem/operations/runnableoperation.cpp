@@ -4,7 +4,7 @@
 #include "common/filesystem/model/operationvisitor.h"
 
 #include <QScopedValueRollback>
-#include <QTimer>
+#include <QTimerEvent>
 
 #include <algorithm>
 #include <chrono>
@@ -81,14 +81,23 @@ void RunnableOperation::whenReached(std::function<void()> next)
 {
     if (std::exchange(m_isReaching, true))
         return;
-    QTimer::singleShot(heldUpAfter, this, [this] { setHeldUp(m_isReaching); });
+    m_heldUpTimer.start(int(heldUpAfter.count()), this);
     reach(targets(), next);
 }
 
 void RunnableOperation::endReaching()
 {
+    m_heldUpTimer.stop();
     m_isReaching = false;
     setHeldUp(false);
+}
+
+void RunnableOperation::timerEvent(QTimerEvent* event)
+{
+    if (event->timerId() != m_heldUpTimer.timerId())
+        return BaseOperation::timerEvent(event);
+    m_heldUpTimer.stop();
+    setHeldUp(m_isReaching);
 }
 
 void RunnableOperation::setHeldUp(bool isHeldUp)

@@ -3,6 +3,7 @@
 #include "common/filesystem/model/operationerror.h"
 #include "common/filesystem/operations/baseoperation.h"
 
+#include <QBasicTimer>
 #include <QMap>
 
 #include <functional>
@@ -93,11 +94,13 @@ protected:
     bool canAbort() const;
     /// Goes on once all that it is about can be asked for without waiting; fails when that takes too long.
     void whenReached(std::function<void()> next);
+    /// For whoever has just reached them.
+    void start();
 
 private:
     void reach(QList<FileSystemTarget> targets, const std::function<void()>& next);
-    void start();
     void endReaching();
+    void timerEvent(QTimerEvent* event) override;
     void setHeldUp(bool isHeldUp);
     bool acceptAllVisitor();
 
@@ -107,6 +110,7 @@ private:
     Pace m_pace = Pace::Alone;
     bool m_isReaching = false;
     bool m_isHeldUp = false;
+    QBasicTimer m_heldUpTimer;
     QMap<FileSystemTarget, bool> m_ready;
     QList<OperationError> m_errors;
 };

@@ -47,6 +47,8 @@ void ServerCommands::follow()
                 m_modified = time;
                 onFinished(Kind::Modified, succeeded);
             });
+    connect(client, &Client::followUpBegan, this, [this] { m_hasAheadBegun = m_ahead.has_value(); });
+    connect(client, &Client::followUpDropped, this, &ServerCommands::onFollowUpDropped);
     connect(client, &Client::isServerConnectedChanged, this, &ServerCommands::onConnectedChanged);
     connect(client, &Client::isLoadingChanged, this, &ServerCommands::pumpSoon);
 }
@@ -55,11 +57,16 @@ void ServerCommands::ask(QObject* owner, Command command)
 {
     m_waiting.append({owner, std::move(command)});
     pump();
+    pumpAhead();
 }
 
 void ServerCommands::drop(QObject* owner)
 {
     m_waiting.removeIf([owner](const Asked& asked) { return asked.owner == owner; });
+    if (m_ahead && m_ahead->owner == owner) {
+        m_ahead->owner.clear();
+        m_client->dropFollowUp();
+    }
     if (!m_running || m_running->owner != owner)
         return;
     m_running->owner.clear();
@@ -69,7 +76,8 @@ void ServerCommands::drop(QObject* owner)
 /// Sends the next when the client can take it.
 void ServerCommands::pump()
 {
-    while (!m_running && !m_waiting.isEmpty() && m_client->isServerConnected() && !m_client->isLoading()) {
+    while (!m_running && !m_ahead && !m_waiting.isEmpty() && m_client->isServerConnected() &&
+           !m_client->isLoading()) {
         m_running = m_waiting.takeFirst();
         ++m_number;
         if (!m_running->owner)
@@ -77,6 +85,33 @@ void ServerCommands::pump()
         else if (!m_running->command.send(*m_client))
             end(Outcome::NotSent);
     }
+}
+
+/// Hands over what is next while the line is still taken.
+void ServerCommands::pumpAhead()
+{
+    if (!m_running || m_ahead || !isTransfer(m_running->command.kind))
+        return;
+    while (!m_waiting.isEmpty() && !m_waiting.constFirst().owner)
+        m_waiting.removeFirst();
+    if (m_waiting.isEmpty() || !isTransfer(m_waiting.constFirst().command.kind) || !m_client->takeFollowUp())
+        return;
+    // One that cannot be hears so in its turn.
+    if (m_waiting.constFirst().command.send(*m_client))
+        m_ahead = m_waiting.takeFirst();
+}
+
+/// The transfer before it did not succeed, or nobody wants it any more.
+void ServerCommands::onFollowUpDropped()
+{
+    if (!m_ahead)
+        return;
+    const Asked asked = std::exchange(m_ahead, std::nullopt).value();
+    if (asked.owner)
+        m_waiting.prepend(asked);
+    pumpSoon();
+    if (!hasWork())
+        Q_EMIT idle();
 }
 
 /// Not within the client's own signal, which may have more to say of the command before.
@@ -122,15 +157,20 @@ void ServerCommands::onFinished(Kind kind, bool succeeded)
 void ServerCommands::end(Outcome outcome)
 {
     const Asked asked = std::exchange(m_running, std::nullopt).value();
-    if (isTransfer(asked.command.kind)) {
+    if (isTransfer(asked.command.kind))
         m_outcome = m_client->lastOutcome();
-        // The line is not idle while this one is being seen to.
-        if (outcome == Outcome::Done && !m_waiting.isEmpty() &&
-            isTransfer(m_waiting.constFirst().command.kind))
-            pump();
+    if (std::exchange(m_hasAheadBegun, false)) {
+        m_running = std::exchange(m_ahead, std::nullopt);
+        ++m_number;
+        if (!m_running->owner)
+            m_client->abort();
+    } else if (outcome == Outcome::Done && isTransfer(asked.command.kind) && !m_waiting.isEmpty() &&
+               isTransfer(m_waiting.constFirst().command.kind)) {
+        pump(); // the line is not idle while this one is being seen to
     }
     if (asked.owner && asked.command.answer)
         asked.command.answer(outcome);
+    pumpAhead();
     pumpSoon();
     if (!hasWork())
         Q_EMIT idle();

@@ -15,8 +15,9 @@ namespace vantrel {
 class FileSystemClient;
 
 /// What the server file system wants of its client, one after the other: a command waits until there is a
-/// link and nothing else runs, and its owner hears how it ended. Owned by the server file system; main thread
-/// only.
+/// link and nothing else runs, and its owner hears how it ended. A transfer behind a transfer is handed over
+/// before that has ended, so that the line never waits for this thread. Owned by the server file system; main
+/// thread only.
 class ServerCommands : public QObject
 {
     Q_OBJECT
@@ -46,7 +47,7 @@ public:
     /// Nothing of the owner's is sent or answered any more; what runs for it is aborted.
     void drop(QObject* owner);
     /// Something waits or runs.
-    bool hasWork() const { return m_running || !m_waiting.isEmpty(); }
+    bool hasWork() const { return m_running || m_ahead || !m_waiting.isEmpty(); }
     /// Of the last Size that is Done: bytes.
     qint64 size() const { return m_size; }
     /// Of the transfer that ended last.
@@ -67,6 +68,8 @@ private:
 
     void pump();
     void pumpSoon();
+    void pumpAhead();
+    void onFollowUpDropped();
     void onConnectedChanged(bool isConnected);
     void onFinished(Kind kind, bool succeeded);
     void end(Outcome outcome);
@@ -74,6 +77,8 @@ private:
     QSharedPointer<FileSystemClient> m_client;
     QList<Asked> m_waiting;
     std::optional<Asked> m_running;
+    std::optional<Asked> m_ahead; // follows it
+    bool m_hasAheadBegun = false;
     qint64 m_size = -1;
     FtpOutcome m_outcome;
     QString m_modified;

@@ -35,6 +35,8 @@ private Q_SLOTS:
     void listBehindKeepalive();
     void writeBehindKeepalive();
     void abortIsFailure();
+    void followUps_data();
+    void followUps();
     void presizes();
     void leavesDuringTransfer();
     void requestText();
@@ -43,6 +45,8 @@ private:
     bool open();
     bool isListed(const QString& path);
     bool beginsRead(QBuffer* sink);
+    QThread* workerOf(QBuffer* device);
+    static void awaitTurn(QThread* worker);
 
     std::unique_ptr<ScriptedFtp> m_server;
     std::unique_ptr<FtpClient> m_client;
@@ -87,6 +91,25 @@ bool TestFtpClient::beginsRead(QBuffer* sink)
     return (sink->isOpen() || sink->open(QIODevice::WriteOnly)) &&
            m_client->read(QStringLiteral("/x"), sink, 0) &&
            QTest::qWaitFor([&] { return m_server->count("RETR") > before; });
+}
+
+/// Where devices are worked with, found out by a download; none when that fails.
+QThread* TestFtpClient::workerOf(QBuffer* device)
+{
+    QSignalSpy read(m_client.get(), &FtpClient::readFinished);
+    if (!m_client->read(QStringLiteral("/x"), device, 0))
+        return nullptr;
+    QThread* const worker = device->thread();
+    return QTest::qWaitFor([&] { return !read.isEmpty(); }) ? worker : nullptr;
+}
+
+/// What was handed to the worker before has been taken.
+void TestFtpClient::awaitTurn(QThread* worker)
+{
+    QObject there;
+    there.moveToThread(worker);
+    QMetaObject::invokeMethod(
+        &there, [] {}, Qt::BlockingQueuedConnection);
 }
 
 void TestFtpClient::oneThingAtATime()
@@ -255,6 +278,10 @@ void TestFtpClient::listBehindKeepalive()
 {
     allowWarnings(QStringLiteral("Failed FTP command request"));
     QVERIFY(open());
+    QBuffer device;
+    device.open(QIODevice::ReadWrite);
+    QThread* const worker = workerOf(&device);
+    QVERIFY(worker && worker != thread());
     QSignalSpy listed(m_client.get(), &FtpClient::listFinished);
     for (const char* answer : {"200 ok\r\n", "500 no\r\n"}) {
         listed.clear();
@@ -264,6 +291,7 @@ void TestFtpClient::listBehindKeepalive()
         QVERIFY(QTest::qWaitFor([&] { return m_server->count("NOOP") == before + 1; }));
         m_client->setKeepaliveInterval(60s);
         QVERIFY(m_client->list(QStringLiteral("/")));
+        awaitTurn(worker); // it has the list behind its own question
         m_server->say(answer);
         QVERIFY(QTest::qWaitFor([&] { return !listed.isEmpty(); }));
         QCOMPARE(listed.first().at(2).toBool(), answer[0] == '2');
@@ -281,21 +309,15 @@ void TestFtpClient::writeBehindKeepalive()
     QBuffer device;
     device.setData("abc");
     device.open(QIODevice::ReadWrite);
-    QSignalSpy read(m_client.get(), &FtpClient::readFinished);
-    QVERIFY(m_client->read(QStringLiteral("/x"), &device, 0));
-    QThread* const worker = device.thread();
-    QVERIFY(worker != thread());
-    QVERIFY(QTest::qWaitFor([&] { return !read.isEmpty(); }));
+    QThread* const worker = workerOf(&device);
+    QVERIFY(worker && worker != thread());
     m_server->answers["NOOP"] = "";
     m_client->setKeepaliveInterval(10ms);
     QVERIFY(QTest::qWaitFor([&] { return m_server->count("NOOP") == 1; }));
     m_client->setKeepaliveInterval(60s);
     m_server->say("500 no\r\n");
-    QObject there;
-    there.moveToThread(worker);
     for (int i = 0; i < 10; ++i) // the worker has read what came by then
-        QMetaObject::invokeMethod(
-            &there, [] {}, Qt::BlockingQueuedConnection);
+        awaitTurn(worker);
     QSignalSpy written(m_client.get(), &FtpClient::writeFinished);
     QVERIFY(m_client->write(QStringLiteral("/y"), &device, 0));
     QVERIFY(QTest::qWaitFor([&] { return !written.isEmpty(); }));
@@ -317,6 +339,54 @@ void TestFtpClient::abortIsFailure()
     QCOMPARE(sink.thread(), thread());
     m_server->keepsDataOpen = false;
     m_server->transferEnd = "226 done\r\n";
+    m_server->content.clear();
+    QVERIFY(isListed(QStringLiteral("/")));
+}
+
+void TestFtpClient::followUps_data()
+{
+    QTest::addColumn<QString>("what");
+    QTest::addColumn<QStringList>("told");
+    QTest::newRow("behind one that succeeds") << QString() << QStringList{"began", "/x well", "/y well"};
+    QTest::newRow("behind one that fails") << QStringLiteral("fails") << QStringList{"/x badly", "dropped"};
+    QTest::newRow("behind one that is given up")
+        << QStringLiteral("abort") << QStringList{"dropped", "/x badly"};
+    QTest::newRow("not wanted any more") << QStringLiteral("drop") << QStringList{"dropped", "/x well"};
+}
+
+/// One transfer may wait behind another one, and begins only where that has succeeded.
+void TestFtpClient::followUps()
+{
+    QFETCH(QString, what);
+    QFETCH(QStringList, told);
+    allowWarnings(QStringLiteral("Failed FTP command request"));
+    QVERIFY(open());
+    m_server->content = "abc";
+    if (what == u"fails")
+        m_server->answers["RETR"] = "550 no\r\n";
+    QStringList heard;
+    const QObject context;
+    connect(m_client.get(), &FtpClient::followUpBegan, &context, [&] { heard << QStringLiteral("began"); });
+    connect(m_client.get(), &FtpClient::followUpDropped, &context,
+            [&] { heard << QStringLiteral("dropped"); });
+    connect(m_client.get(), &FtpClient::readFinished, &context, [&](const QString& path, bool isWell) {
+        heard << path + (isWell ? QStringLiteral(" well") : QStringLiteral(" badly"));
+    });
+    QBuffer first, second;
+    QVERIFY(first.open(QIODevice::WriteOnly) && second.open(QIODevice::WriteOnly));
+    QVERIFY(!m_client->takeFollowUp());
+    QVERIFY(m_client->read(QStringLiteral("/x"), &first, 0));
+    QVERIFY(m_client->takeFollowUp());
+    QVERIFY(m_client->read(QStringLiteral("/y"), &second, 0));
+    QVERIFY(!m_client->takeFollowUp());
+    if (what == u"abort")
+        m_client->abort();
+    else if (what == u"drop")
+        m_client->dropFollowUp();
+    QVERIFY(QTest::qWaitFor([&] { return heard.size() == told.size() && !m_client->isLoading(); }));
+    QCOMPARE(heard, told);
+    QVERIFY(first.thread() == thread() && second.thread() == thread());
+    QCOMPARE(second.data(), told.constLast() == u"/y well" ? QByteArray("abc") : QByteArray());
     m_server->content.clear();
     QVERIFY(isListed(QStringLiteral("/")));
 }
