@@ -133,12 +133,13 @@ FocusScope {
             return
         const dialog = dialogs.openTextInputDialog(qsTr("New folder"), qsTr("Name"), qsTr("CREATE"))
         const target = model
+        const directory = model.directoryPath // the model may be elsewhere by then
         dialog.valuesConfirmed.connect(function(values) {
             const fault = browser.nameFault(values[0], "")
             if (fault.length > 0)
                 dialogs.openErrorDialog(qsTr("No new folder"), fault)
             else if (browser.model === target)
-                fileSystemOperations.operationsProvider.createDirectory(target.fileSystem, target.directoryPath + values[0].trim())
+                fileSystemOperations.operationsProvider.createDirectory(target.fileSystem, directory + values[0].trim())
         })
     }
     function startRename() {
@@ -152,7 +153,7 @@ FocusScope {
             return
         const item = model.get(row)
         takeFocus()
-        if (name.length === 0 || name.trim() === item.name)
+        if (name.length === 0 || name === item.name || name.trim() === item.name)
             return
         const fault = nameFault(name, item.name)
         if (fault.length > 0)
