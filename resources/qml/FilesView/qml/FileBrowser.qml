@@ -22,7 +22,7 @@ FocusScope {
     readonly property bool canChange: isUsable && !isTop && selectedCount > 0
     readonly property bool canRename: canChange && selectedCount === 1
     readonly property bool canSend: canChange && other.isUsable && !other.isTop
-    readonly property bool canPaste: canCreate && view.clip !== null
+    readonly property bool canPaste: canCreate && view.clip !== null && isHere(view.clip.source)
     readonly property bool canOpen: isUsable && selectedCount === 1 && model.get(selection.rows()[0]).isDirectory === true
     // Of the files: what folders hold is not known.
     readonly property string selectedSize: {
@@ -95,7 +95,11 @@ FocusScope {
     }
     function copy() {
         if (canChange)
-            view.clip = { mime: model.mimeOf(selection.rows()) }
+            view.clip = { mime: model.mimeOf(selection.rows()), source: model.fileSystem }
+    }
+    // Another server may have files under the same paths.
+    function isHere(source) {
+        return source === model.fileSystem || (other.isUsable && source === other.model.fileSystem)
     }
     function paste() {
         if (canPaste)
