@@ -29,6 +29,7 @@ PR_SET_PDEATHSIG = 1
 NO_ROOM = (errno.ENOSPC, errno.EDQUOT, errno.EFBIG)
 SMALL = 4 * BLOCK  # a file that is checked sooner than a thread starts
 LOOK = 0.002  # seconds until it is looked whether a check is done
+LEAST = 19  # of priorities
 MOST_HELD = 64  # lines
 DAY = 24 * 60 * 60
 # What a client of ours gives an upload until it is whole.
@@ -61,6 +62,8 @@ class Check(threading.Thread):
         self.is_wanted = True
 
     def run(self):
+        if threading.current_thread() is self:  # what is on air comes first, at the disk as well
+            os.setpriority(os.PRIO_PROCESS, self.native_id, LEAST)
         checksum = 0
         try:
             with self.file:
