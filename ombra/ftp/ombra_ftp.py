@@ -17,6 +17,7 @@ import stat
 import sys
 import threading
 import time
+import zlib
 
 from pyftpdlib.authorizers import DummyAuthorizer
 from pyftpdlib.handlers import DTPHandler, FTPHandler
@@ -26,6 +27,10 @@ LISTENING = 3
 BLOCK = 1024 * 1024
 PR_SET_PDEATHSIG = 1
 NO_ROOM = (errno.ENOSPC, errno.EDQUOT, errno.EFBIG)
+SMALL = 4 * BLOCK  # a file that is checked sooner than a thread starts
+LOOK = 0.002  # seconds until it is looked whether a check is done
+LEAST = 19  # of priorities
+MOST_HELD = 64  # lines
 DAY = 24 * 60 * 60
 # What a client of ours gives an upload until it is whole.
 UNFINISHED = re.compile(r"\.halcyra-[0-9a-f]{16}\.part")
@@ -47,19 +52,103 @@ class Data(DTPHandler):
         self.close()
 
 
+class Check(threading.Thread):
+    """Makes the CRC-32 of a file, while others are served."""
+
+    def __init__(self, file):
+        super().__init__(daemon=True)
+        self.file = file
+        self.answer = None
+        self.is_wanted = True
+
+    def run(self):
+        if threading.current_thread() is self:  # what is on air comes first, at the disk as well
+            os.setpriority(os.PRIO_PROCESS, self.native_id, LEAST)
+        checksum = 0
+        try:
+            with self.file:
+                while self.is_wanted and (piece := self.file.read(4 * BLOCK)):
+                    checksum = zlib.crc32(piece, checksum)
+            self.answer = f"250 {checksum:08X}"
+        except OSError as error:
+            self.answer = f"451 {os.strerror(error.errno)}."
+
+
 class Handler(FTPHandler):
     banner = "ombra's media folder."
     dtp_handler = Data
     auth_failed_timeout = 1
     max_login_attempts = 3
     use_gmt_times = False
+    proto_cmds = dict(
+        FTPHandler.proto_cmds,
+        XCRC={"perm": "r", "auth": True, "arg": True, "help": "Syntax: XCRC <SP> file-name (its CRC-32)."},
+    )
+
+    def __init__(self, *arguments, **options):
+        self.check = None  # that is being made
+        self.held = []  # what came meanwhile: answers keep the order of the questions
+        super().__init__(*arguments, **options)
+        self._extra_feats = ["XCRC"]
 
     def pre_process_command(self, line, cmd, arg):
+        if self.check:
+            self.hold(line, cmd, arg)
+            return
+        if cmd == "XCRC" and len(arg) > 1 and arg[0] == arg[-1] == '"':
+            arg = arg[1:-1]
+            line = "XCRC " + arg
         if cmd == "LIST":
             if arg == "-a" or arg.startswith("-a "):
                 arg = arg[3:]
             line = ("LIST " + arg).rstrip(" ")
         super().pre_process_command(line, cmd, arg)
+
+    def hold(self, line, cmd, arg):
+        self.held.append((line, cmd, arg))
+        if cmd.endswith("ABOR"):
+            self.end_check("450 Aborted.")
+        elif len(self.held) > MOST_HELD:
+            self.close()
+
+    def ftp_XCRC(self, path):
+        """Tells the CRC-32 of a whole file as it is on the disk."""
+        try:
+            item = os.stat(path)
+            if not stat.S_ISREG(item.st_mode):
+                self.respond("550 This is no file.")
+                return
+            self.check = Check(open(path, "rb", buffering=0))
+        except OSError as error:
+            self.respond(f"550 {os.strerror(error.errno)}.")
+            return
+        if item.st_size > SMALL:
+            self.check.start()
+        else:
+            self.check.run()
+        self.look_at(self.check)
+
+    def look_at(self, check):
+        if check is not self.check:
+            return  # it was given up
+        if check.answer:
+            self.end_check(check.answer)
+        else:
+            self.ioloop.call_later(LOOK, self.look_at, check, _errback=self.handle_error)
+
+    def end_check(self, answer):
+        self.check.is_wanted = False
+        self.check = None
+        self.respond(answer)
+        held, self.held = self.held, []
+        for one in held:
+            self.pre_process_command(*one)
+
+    def close(self):
+        if self.check:
+            self.check.is_wanted = False
+            self.check = None
+        super().close()
 
     def ftp_RNTO(self, path):
         """Puts nothing in the place of what is there: clients look first, but another may have been quicker."""

@@ -166,7 +166,7 @@ std::optional<Passage> Files::dragTree(const QString& from, const QString& to, c
     const QJsonObject figures = m_robot.figures();
     qInfo() << name << "went to" << to << "in" << seconds << "s:" << figures;
     const auto isSaid = [&] {
-        return text(QStringLiteral("transfers-row0")) == name + QStringLiteral(": Done");
+        return text(QStringLiteral("transfers-row0")) == name + QStringLiteral(": Done, verified");
     };
     if (!QTest::qWaitFor(isSaid, 15000))
         return {};
@@ -209,7 +209,8 @@ void Files::folderIsDraggedUp()
 {
     QVERIFY(drag(QStringLiteral("local-files-row0"), QStringLiteral("server-files-list")));
     QTRY_COMPARE_WITH_TIMEOUT(read(m_media.filePath(QStringLiteral("Act 1/Opening.mov"))), m_up, 30000);
-    QTRY_COMPARE_WITH_TIMEOUT(text(QStringLiteral("transfers-row0")), QStringLiteral("Act 1: Done"), 15000);
+    QTRY_COMPARE_WITH_TIMEOUT(text(QStringLiteral("transfers-row0")), QStringLiteral("Act 1: Done, verified"),
+                              15000);
     QTRY_COMPARE_WITH_TIMEOUT(text(QStringLiteral("server-files-row0")), QStringLiteral("Act 1"), 15000);
 }
 
@@ -218,8 +219,8 @@ void Files::folderComesDownByKeys()
     QVERIFY(m_robot.click(QStringLiteral("server-files-row1")));
     m_robot.key(QStringLiteral("Ctrl+Left"));
     QTRY_COMPARE_WITH_TIMEOUT(read(m_local.filePath(QStringLiteral("Recorded/Take.mov"))), m_down, 30000);
-    QTRY_COMPARE_WITH_TIMEOUT(text(QStringLiteral("transfers-row1")), QStringLiteral("Recorded: Done"),
-                              15000);
+    QTRY_COMPARE_WITH_TIMEOUT(text(QStringLiteral("transfers-row1")),
+                              QStringLiteral("Recorded: Done, verified"), 15000);
     QTRY_COMPARE_WITH_TIMEOUT(text(QStringLiteral("local-files-row1")), QStringLiteral("Recorded"), 15000);
 }
 

@@ -78,8 +78,9 @@ void LocalStreams::forget(const QFile* file)
 bool LocalStreams::isReceivingInto(const QString& directory) const
 {
     const auto end = m_receiving.constKeyValueEnd();
-    return std::any_of(m_receiving.constKeyValueBegin(), end,
-                       [&](const auto& file) { return file.second && isPathBelow(file.first, directory); });
+    return std::any_of(m_receiving.constKeyValueBegin(), end, [&](const auto& file) {
+        return file.second && isSamePath(getParentPath(file.first), directory);
+    });
 }
 
 bool LocalStreams::initializeOutgoingTransfer(const QSharedPointer<FileTransferOperation>& operation)

@@ -96,7 +96,8 @@ JobResult TransferWork::run(const QString& from, const QString& to)
 {
     m_source = withoutSlash(bytesOf(from));
     std::string target = withoutSlash(bytesOf(to));
-    if (isDirectory(itemStat(target)))
+    // A folder that has gone since is still no name for the item.
+    if (to.endsWith(u'/') || isDirectory(itemStat(target)))
         target = joined(target, nameOf(m_source));
     m_result.destination = textOf(target);
     const auto stat = linkStat(m_source);

@@ -233,6 +233,8 @@ QVariant OperationsModel::cell(const Row& row, int role) const
         return row.where;
     case WaitsForRole:
         return static_cast<int>(row.wait);
+    case VerifiedRole:
+        return row.isVerified;
     default:
         return {};
     }
@@ -286,6 +288,7 @@ QHash<int, QByteArray> OperationsModel::roleNames() const
         {IsTransferRole, "isTransfer"},
         {WhereRole, "where"},
         {WaitsForRole, "waitsFor"},
+        {VerifiedRole, "isVerified"},
     };
 }
 
@@ -367,6 +370,7 @@ void OperationsModel::storeRefreshedValues(Row& row) const
         row.totalBytes = transfer->totalSizeBytes();
         row.speed = transfer->transferSpeed();
         row.eta = transfer->etaSeconds();
+        row.isVerified = row.stage == Stage::Done && transfer->isVerified();
         // The parts of a folder tell their bytes at once, and its progress less often: one row says one
         // thing.
         const bool isFolder = qobject_cast<const DirectoryTransferOperation*>(transfer);

@@ -48,6 +48,7 @@ public:
         IsTransferRole = 270,
         WhereRole = 271,    // the directories, for a line below the name
         WaitsForRole = 272, // Wait
+        VerifiedRole = 273, // a transfer that is done, and both sides were compared
     };
     Q_ENUM(Roles)
 
@@ -113,6 +114,7 @@ private:
         int eta = 0;      // seconds
         Wait wait = Wait::Nothing;
         bool isTransfer = false;
+        bool isVerified = false;
         bool isInRound = true; // counts for the total
     };
 

@@ -11,6 +11,7 @@
 
 #include <QTimer>
 
+#include <algorithm>
 #include <cmath>
 #include <utility>
 
@@ -180,10 +181,12 @@ void DirectoryTransferOperation::abort()
 {
     if (!canAbort() || std::exchange(m_isStopping, true))
         return;
-    const QString size = fileSizeText(static_cast<qint64>(totalSizeBytes()));
+    const auto total = static_cast<double>(totalSizeBytes());
+    // By its bytes: a runner that has failed is done with its progress.
+    const double share = total > 0 ? std::min(1.0, static_cast<double>(transferredBytes()) / total) : 0.0;
     addErrorText(tr("<b>Directory transfer interrupted</b> at %1% of %2")
-                     .arg(std::lround(progress() * 100))
-                     .arg(size));
+                     .arg(std::lround(share * 100))
+                     .arg(fileSizeText(static_cast<qint64>(totalSizeBytes()))));
     qCInfo(lcFileSystem) << "Operation" << *this << "abort requested...";
     Q_EMIT operationAborted();
     m_destinationLister.reset();

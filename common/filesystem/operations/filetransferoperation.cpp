@@ -48,7 +48,8 @@ void FileTransferOperation::run()
 void FileTransferOperation::lookAtTarget()
 {
     FileSystem* system = to().fileSystem;
-    if (system->getType(to().fullPath) == FileSystem::Directory)
+    // A folder that has gone since is still no name for the file.
+    if (to().fullPath.endsWith(u'/') || system->getType(to().fullPath) == FileSystem::Directory)
         setTo({system, createJoinedPath(to().fullPath, getNameInPath(from().fullPath), false)});
     if (system->getType(to().fullPath) == FileSystem::Unknown)
         start();

@@ -39,6 +39,11 @@ void ServerChange::start()
     }
 }
 
+QStringList ServerChange::touched() const
+{
+    return {getParentPath(m_path)};
+}
+
 bool ServerChange::isThere(const QString& path, bool asDirectory) const
 {
     const std::optional<ClientFileSystemInfo> entry = server().listings().entry(path);
@@ -192,7 +197,7 @@ void ServerRelocation::start()
             qCWarning(lcFileSystem) << "Failed to copy path" << m_from << "to" << m_destination
                                     << "since it's an existing file";
     }
-    if (type == FileSystem::Directory)
+    if (type == FileSystem::Directory || m_destination.endsWith(u'/')) // one that has gone since is no name
         m_destination = createJoinedPath(m_destination, getNameInPath(m_from), false);
     if (isSamePath(m_from, m_destination) || isPathBelow(m_destination, m_from))
         return fail(tr("<code>%1</code> cannot be put into itself").arg(m_from.toHtmlEscaped()));
@@ -201,6 +206,11 @@ void ServerRelocation::start()
     readAnew(getParentPath(m_destination), [this, isDirectory] {
         meet(m_destination, isDirectory, [this](const QString& destination) { send(destination); });
     });
+}
+
+QStringList ServerRelocation::touched() const
+{
+    return {getParentPath(m_from), getParentPath(m_destination)};
 }
 
 void ServerRelocation::send(const QString& destination)

@@ -17,6 +17,9 @@ public:
 
     void start() override;
 
+protected:
+    QStringList touched() const override;
+
 private:
     void remove();
     void onRemoved(Outcome outcome);
@@ -43,6 +46,9 @@ public:
     ServerRelocation(ServerFileSystemPrivate* server, QSharedPointer<TransferOperation> operation);
 
     void start() override;
+
+protected:
+    QStringList touched() const override;
 
 private:
     void send(const QString& destination);

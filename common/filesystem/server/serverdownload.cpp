@@ -197,6 +197,12 @@ void ServerDownload::fail(const QString& message)
     m_transfer->setReady(m_transfer->from(), false);
 }
 
+QStringList ServerDownload::touched() const
+{
+    const bool isMove = m_transfer->transferType() == TransferOperation::Move;
+    return isMove ? QStringList(getParentPath(m_source)) : QStringList();
+}
+
 void ServerDownload::removeSource()
 {
     const auto remove = [this](FileSystemClient& client) { return client.remove(m_source); };

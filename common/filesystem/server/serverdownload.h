@@ -26,6 +26,7 @@ public:
     void removeSource();
 
 protected:
+    QStringList touched() const override;
     void fail(const QString& message) override;
 
 private:

@@ -15,6 +15,7 @@ namespace vantrel {
 class BaseOperation;
 class RunnableOperation;
 class ServerDownload;
+class ServerUpload;
 class TransferOperation;
 
 /// Does the work of ServerFileSystem: answers from listings, and gives each operation that starts a task of
@@ -56,6 +57,8 @@ public:
     void removeLeftover(const QString& path);
     /// What has stepped aside for another comes back in its place, likewise.
     void putBack(const QString& aside, const QString& path);
+    /// Those who show one of them read it again.
+    void tellTouched(const QStringList& directories);
     static ClientFileSystemInfo directoryEntry(const QString& path);
 
 private Q_SLOTS:
@@ -87,7 +90,7 @@ private:
     void doReadTransfer(const QWeakPointer<FileTransferOperation>& operation);
     void doLocalTransfer(const QWeakPointer<TransferOperation>& operation);
     void doModification(const QWeakPointer<ModifyOperation>& operation);
-    void onUploadReady(const QSharedPointer<FileTransferOperation>& operation);
+    void onUploadReady(const QSharedPointer<FileTransferOperation>& operation, const ServerUpload* task);
     void onDownloadReady(const QSharedPointer<FileTransferOperation>& operation, ServerDownload* task);
     void disconnectOperation(const QSharedPointer<RunnableOperation>& operation);
     void tellLoading();

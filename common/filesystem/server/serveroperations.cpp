@@ -146,14 +146,15 @@ void ServerFileSystemPrivate::doWriteTransfer(const QWeakPointer<FileTransferOpe
     }
     auto* task = new ServerUpload(this, operation);
     keepConnection(operation.data(),
-                   connect(operation.data(), &RunnableOperation::targetIsReady, this, [this, ref] {
+                   connect(operation.data(), &RunnableOperation::targetIsReady, this, [this, ref, task] {
                        if (const auto transfer = ref.toStrongRef())
-                           onUploadReady(transfer);
+                           onUploadReady(transfer, task);
                    }));
     task->start();
 }
 
-void ServerFileSystemPrivate::onUploadReady(const QSharedPointer<FileTransferOperation>& operation)
+void ServerFileSystemPrivate::onUploadReady(const QSharedPointer<FileTransferOperation>& operation,
+                                            const ServerUpload* task)
 {
     bool success = false;
     if (!operation->isReady(&success))
@@ -161,7 +162,7 @@ void ServerFileSystemPrivate::onUploadReady(const QSharedPointer<FileTransferOpe
     if (success && operation->parentOperation())
         finishOperation(operation, true);
     else
-        finishOperation(operation, success, {directoryEntry(getParentPath(operation->to().fullPath))});
+        finishOperation(operation, success, {directoryEntry(getParentPath(task->destination()))});
 }
 
 void ServerFileSystemPrivate::doReadTransfer(const QWeakPointer<FileTransferOperation>& ref)
@@ -284,15 +285,21 @@ void ServerFileSystemPrivate::removeLeftover(const QString& path)
 
 void ServerFileSystemPrivate::putBack(const QString& aside, const QString& path)
 {
-    m_commands.ask(this,
-                   {ServerCommands::Kind::Move,
-                    [aside, path](FileSystemClient& client) { return client.move(aside, path); },
-                    [this, aside, path](ServerCommands::Outcome outcome) {
-                        if (outcome == ServerCommands::Outcome::LinkLost)
-                            return putBack(aside, path);
-                        m_listings.markStale(getParentPath(path));
-                        Q_EMIT m_q->directoryChanged(FileSystemDirectory::fromFullPath(getParentPath(path)));
-                    }});
+    m_commands.ask(this, {ServerCommands::Kind::Move,
+                          [aside, path](FileSystemClient& client) { return client.move(aside, path); },
+                          [this, aside, path](ServerCommands::Outcome outcome) {
+                              if (outcome == ServerCommands::Outcome::LinkLost)
+                                  return putBack(aside, path);
+                              tellTouched({getParentPath(path)});
+                          }});
+}
+
+void ServerFileSystemPrivate::tellTouched(const QStringList& directories)
+{
+    for (const QString& directory : directories) {
+        m_listings.markStale(directory);
+        Q_EMIT m_q->directoryChanged(FileSystemDirectory::fromFullPath(directory));
+    }
 }
 
 } // namespace vantrel

@@ -65,32 +65,33 @@ void ServerTask::noteReason(Outcome outcome)
 void ServerTask::onAborted()
 {
     endAside(false);
+    // What the server was told last it may have done.
+    m_server->tellTouched(touched());
 }
 
 void ServerTask::stepAside(const QString& destination, Step next)
 {
     const QString name = QStringLiteral(".halcyra-%1.old").arg(QUuid::createUuid().toString(QUuid::Id128));
     const QString aside = createJoinedPath(getParentPath(destination), name, false);
-    const auto isAside = [this, destination, aside] {
-        m_aside = aside;
-        m_replaced = destination;
+    // From now on: who stops in the midst of it does not know how far it has come.
+    m_aside = aside;
+    m_replaced = destination;
+    const auto goOn = [this, destination, next = std::move(next)] {
         m_server->listings().remove(destination);
+        next();
     };
     askOnce(
         Kind::Move,
         [destination, aside](FileSystemClient& client) { return client.move(destination, aside); },
-        [this, destination, aside, isAside, next = std::move(next)](Outcome outcome) {
+        [this, destination, aside, goOn](Outcome outcome) {
             if (outcome == Outcome::LinkLost)
-                return readAnew(getParentPath(destination), [this, destination, aside, isAside, next] {
-                    if (!m_server->listings().entry(aside))
-                        return stepAside(destination, next);
-                    isAside();
-                    next();
+                return readAnew(getParentPath(destination), [this, destination, aside, goOn] {
+                    m_server->listings().entry(aside) ? goOn() : stepAside(destination, goOn);
                 });
-            if (outcome != Outcome::Done)
-                return fail(tr("<code>%1</code> could not be replaced").arg(destination.toHtmlEscaped()));
-            isAside();
-            next();
+            if (outcome == Outcome::Done)
+                return goOn();
+            m_aside.clear();
+            fail(tr("<code>%1</code> could not be replaced").arg(destination.toHtmlEscaped()));
         });
 }
 

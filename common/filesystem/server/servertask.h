@@ -46,6 +46,8 @@ protected:
     virtual void skip();
     /// Somebody aborts the operation.
     virtual void onAborted();
+    /// The directories of which nobody knows what is in them when it is stopped in the midst of its work.
+    virtual QStringList touched() const { return {}; }
 
     /// For a server that puts nothing in the place of another file: what lies there steps aside until the new
     /// one has its name, so that nothing is lost whatever happens between.

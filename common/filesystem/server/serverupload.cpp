@@ -44,9 +44,9 @@ ServerUpload::~ServerUpload() = default;
 void ServerUpload::start()
 {
     const QString to = m_transfer->to().fullPath;
-    m_destination = server().listings().type(to) == FileSystem::Directory
-                        ? createJoinedPath(to, getNameInPath(m_transfer->from().fullPath), false)
-                        : to;
+    // A folder that has gone since is still no name for the file.
+    const bool isInto = to.endsWith(u'/') || server().listings().type(to) == FileSystem::Directory;
+    m_destination = isInto ? createJoinedPath(to, getNameInPath(m_transfer->from().fullPath), false) : to;
     m_transfer->setTotalSizeBytes(static_cast<unsigned long long>(m_size));
     // Not only when all of it is there and is to get its name.
     if (m_destination.contains(u'\n') || m_destination.contains(u'\r'))
@@ -308,6 +308,11 @@ void ServerUpload::skip()
     m_transfer->setInput({});
     m_input->close();
     ServerTask::skip();
+}
+
+QStringList ServerUpload::touched() const
+{
+    return m_isSent ? QStringList(getParentPath(m_destination)) : QStringList();
 }
 
 /// What is not going to be whole is taken away, and what has stepped aside for it comes back.

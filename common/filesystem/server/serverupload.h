@@ -24,8 +24,11 @@ public:
     ~ServerUpload() override;
 
     void start() override;
+    /// Where the file is to lie, or lies.
+    QString destination() const { return m_destination; }
 
 protected:
+    QStringList touched() const override;
     void fail(const QString& message) override;
     void skip() override;
     void onAborted() override;

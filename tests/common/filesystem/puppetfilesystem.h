@@ -103,6 +103,10 @@ private:
         connect(raw, &BaseOperation::operationStarted, this, [this, raw, path] {
             done << path;
             const Fate how = fate(path);
+            auto* const transfer = qobject_cast<FileTransferOperation*>(raw);
+            if (how == Fate::Passes && transfer)
+                transfer->setTransferredBytes(
+                    static_cast<quint64>(transfer->from().fileSystem->fileSize(transfer->from().fullPath)));
             if (how == Fate::Passes)
                 raw->finish();
             else if (how == Fate::Fails)

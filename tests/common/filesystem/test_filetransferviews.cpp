@@ -138,8 +138,14 @@ private Q_SLOTS:
         QCOMPARE(model.progressAt(m_local.get(), QStringLiteral("/shows/a.mov")), 0.5);
         QCOMPARE(model.progressAt(m_server.get(), QStringLiteral("/media/a.mov")), 0.5);
         QCOMPARE(model.progressAt(m_local.get(), QStringLiteral("/shows/b.mov")), -1.0);
+        first->setVerified(true);
+        const auto isVerified = [&] {
+            return model.index(0, 0).data(OperationsModel::VerifiedRole).toBool();
+        };
+        QVERIFY(!isVerified());
         first->finish();
         QCOMPARE(text(model, OperationsModel::OperationStateRole), QStringLiteral("Finished"));
+        QVERIFY(isVerified());
         model.cancel(1);
         QCOMPARE(model.index(1, 0).data(OperationsModel::StageRole).toInt(),
                  int(OperationsModel::Stage::Failed));

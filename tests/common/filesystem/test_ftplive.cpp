@@ -55,6 +55,7 @@ private Q_SLOTS:
     void serverComesBack();
     void serverEndsWithOmbra();
     void sweepsWhatUploadsLeft();
+    void ombraTellsChecksums();
     void passwordStaysSecret();
 
 private:
@@ -504,6 +505,43 @@ void TestFtpLive::sweepsWhatUploadsLeft()
     QTRY_VERIFY(!QFile::exists(media.filePath(old)));
     for (const QString& name : kept)
         QVERIFY2(QFile::exists(media.filePath(name)), qPrintable(name));
+}
+
+/// Only what is the same on both sides may be called verified.
+void TestFtpLive::ombraTellsChecksums()
+{
+    m_folder = m_ombra.mediaFolder() + QStringLiteral("/t");
+    QVERIFY(QDir().mkpath(m_folder));
+    QVERIFY(connectTo(QStringLiteral("127.0.0.1"), m_ombra.ports().ftp));
+    const QString name = QStringLiteral("a \"b\".mov");
+    const QString path = QStringLiteral("/t/") + name;
+    QByteArray bytes = noise().repeated(12); // more than is checked in one go
+    QBuffer source(&bytes);
+    source.open(QIODevice::ReadOnly);
+    QVERIFY(run(
+        &FtpClient::writeFinished,
+        [&] {
+            return m_client->writeAndPlace(QStringLiteral("/t/.a.part"), &source,
+                                           {path, bytes.size(), false, {}});
+        },
+        1));
+    QCOMPARE(m_client->lastOutcome().placed, FtpOutcome::Done);
+    QCOMPARE(m_client->lastOutcome().check, FtpOutcome::Same);
+    QByteArray back;
+    QVERIFY(get(path, &back) && back == bytes);
+    QCOMPARE(m_client->lastOutcome().check, FtpOutcome::Same);
+
+    // The file changes behind what has been read of it.
+    QFile onDisk(m_folder + u'/' + name);
+    QVERIFY(onDisk.open(QIODevice::ReadWrite | QIODevice::Unbuffered));
+    connect(m_client.get(), &FtpClient::readProgressed, m_client.get(),
+            [&](const QString&, qint64 done, qint64) {
+                if (done > 0 && onDisk.seek(0))
+                    onDisk.write(QByteArray(1, char(~bytes.at(0))));
+            });
+    m_client->setRateLimit(100'000'000);
+    QVERIFY(get(path, &back));
+    QCOMPARE(m_client->lastOutcome().check, FtpOutcome::Different);
 }
 
 void TestFtpLive::passwordStaysSecret()

@@ -36,6 +36,7 @@ private Q_SLOTS:
         row("keeping both", ConflictPolicy::KeepBoth, "there.mov", true, "there (2).mov", "there");
         row("leaving out", ConflictPolicy::Skip, "there.mov", true, "", "there");
         row("a file in place of a folder", ConflictPolicy::Replace, "full", false, "", "there");
+        row("into a folder that has gone", ConflictPolicy::Refuse, "gone/", false, "", "there");
         row("into nowhere", ConflictPolicy::Refuse, "no/new.mov", false, "", "there");
     }
 

@@ -135,6 +135,27 @@ private Q_SLOTS:
         QTRY_VERIFY(disk.files.getFiles(disk.folder.path(), files) && files.size() == 2);
     }
 
+    /// A folder above it shows what else happens there: the transfer may take an hour.
+    void tellsWhatHappensAboveIt()
+    {
+        LocalFixture disk;
+        QuietFileSystem server;
+        QList<FileSystemFile> files;
+        QVERIFY(disk.write(QStringLiteral("into/x.mov"), "1"));
+        QSignalSpy changed(&disk.files, &FileSystem::directoryChanged);
+        disk.files.getFiles(disk.folder.path(), files);
+        QTRY_COMPARE(changed.count(), 1);
+        const auto operation = QSharedPointer<FileTransferOperation>::create(
+            FileSystemTarget{&server, remotePath}, disk.target(QStringLiteral("into")),
+            TransferOperation::Copy);
+        QVERIFY(begin(*operation));
+        operation->setTransferredBytes(100000);
+        changed.clear();
+        QVERIFY(disk.write(QStringLiteral("other.mov"), "1"));
+        QTRY_COMPARE(changed.count(), 1);
+        operation->abort();
+    }
+
     void removesTheSourceOfAMove_data()
     {
         QTest::addColumn<bool>("succeeds");

@@ -98,6 +98,8 @@ private Q_SLOTS:
         const OperationPtr tree = copy(QStringLiteral("/show"), QStringLiteral("/"));
         QTRY_VERIFY(tree->hasFinished());
         QCOMPARE(stateOf(tree), State::Failed);
+        const QString said = qSharedPointerCast<RunnableOperation>(tree)->errors().first().message;
+        QVERIFY2(said.contains(QStringLiteral("interrupted</b> at 40% of")), qPrintable(said));
         QStringList expected{QStringLiteral("/show")};
         for (int i = 0; i <= 4; ++i)
             expected << QStringLiteral("/show/%1.mov").arg(i);

@@ -265,6 +265,90 @@ private Q_SLOTS:
         QTRY_COMPARE(client()->last(), QStringLiteral("remove ") + temporary);
     }
 
+    /// Nobody knows how far it has come.
+    void stoppedWhileItReplaces()
+    {
+        const auto upload = transferUp(QByteArray(30, 'x'), QStringLiteral("/a.mov"));
+        const QList<ClientFileSystemInfo> there{fileEntry(QStringLiteral("/a.mov"), 5)};
+        know(QStringLiteral("/"), there);
+        upload->setConflictPolicy(ConflictPolicy::Replace);
+        const QString temporary = sendWhole(*upload, 30);
+        client()->finishMove(temporary, QStringLiteral("/a.mov"), false);
+        client()->finishList(QStringLiteral("/"), there);
+        const QString aside = client()->last().section(u' ', 2);
+        QCOMPARE(client()->last(), QStringLiteral("move /a.mov ") + aside);
+        upload->abort();
+        client()->finishMove(QStringLiteral("/a.mov"), aside, false);
+        QTRY_COMPARE(client()->last(), QStringLiteral("move %1 /a.mov").arg(aside));
+        client()->finishMove(aside, QStringLiteral("/a.mov"), true);
+        QTRY_COMPARE(client()->last(), QStringLiteral("remove ") + temporary);
+    }
+
+    void stoppedTooLate()
+    {
+        const auto removal = make<ModifyOperation>(target(QStringLiteral("/show/a.mov")),
+                                                   ModifyOperation::Remove, ModifyOperation::File);
+        know(QStringLiteral("/show"), {fileEntry(QStringLiteral("/show/a.mov"), 5)});
+        QSignalSpy changed(m_server.get(), &FileSystem::directoryChanged);
+        QVERIFY(begin(*removal));
+        removal->abort();
+        client()->finishRemove(QStringLiteral("/show/a.mov"), false); // which it has done all the same
+        QCOMPARE(changed.size(), 1);
+        QCOMPARE(changed.constFirst().constFirst().value<FileSystemDirectory>().fullPath,
+                 QStringLiteral("/show/"));
+        QVERIFY(!m_private->listings().isFresh(QStringLiteral("/show")));
+    }
+
+    /// Who shows it reads it again.
+    void tellsTheFolderThatItWentInto()
+    {
+        const auto upload = transferUp(QByteArray(30, 'x'), QStringLiteral("/show/"));
+        know(QStringLiteral("/"), {directoryEntry(QStringLiteral("/show/"))});
+        know(QStringLiteral("/show"), {});
+        QSignalSpy changed(m_server.get(), &FileSystem::directoryChanged);
+        const QString temporary = sendWhole(*upload, 30);
+        const QString path = QStringLiteral("/show/source.mov");
+        client()->finishSize(path, -1, false);
+        client()->finishMove(temporary, path, true);
+        QCOMPARE(upload->state(), State::Passed);
+        QCOMPARE(changed.size(), 1);
+        QCOMPARE(changed.constFirst().constFirst().value<FileSystemDirectory>().fullPath,
+                 QStringLiteral("/show/"));
+    }
+
+    void folderHasGone_data()
+    {
+        QTest::addColumn<QString>("from");
+        QTest::addColumn<QString>("asked");
+        QTest::newRow("up") << QString() << QStringLiteral("list /show/");
+        QTest::newRow("on the server") << QStringLiteral("/b.mov") << QStringLiteral("list /show/");
+        QTest::newRow("down") << QStringLiteral("/b.mov") << QString();
+    }
+    /// What was to go into it does not take its name, while it waited in the queue.
+    void folderHasGone()
+    {
+        QFETCH(QString, from);
+        QFETCH(QString, asked);
+        allowWarnings(QStringLiteral("Failed to find matching list request"));
+        allowWarnings(QStringLiteral("Failed to visit operation"));
+        allowWarnings(QStringLiteral("Failed to accept visitors"));
+        know(QStringLiteral("/"), {fileEntry(QStringLiteral("/b.mov"), 5)});
+        const auto transfer =
+            from.isEmpty()
+                ? transferUp(QByteArray(30, 'x'), QStringLiteral("/show/"))
+                : make<FileTransferOperation>(
+                      target(from),
+                      asked.isEmpty() ? FileSystemTarget{&m_local, m_disk->filePath(QStringLiteral("show/"))}
+                                      : target(QStringLiteral("/show/")),
+                      TransferOperation::Move);
+        QVERIFY(begin(*transfer));
+        QCOMPARE(client()->last(), asked);
+        if (!asked.isEmpty())
+            client()->finishList(QStringLiteral("/show/"), {}, false);
+        QCOMPARE(transfer->state(), State::Failed);
+        QCOMPARE(client()->last(), asked);
+    }
+
     /// The sizes asked for after it do not hide why a transfer has failed.
     void saysWhatTheServerSaid()
     {

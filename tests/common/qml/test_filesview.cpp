@@ -176,6 +176,25 @@ private Q_SLOTS:
         QCOMPARE(m_queue.calls.last(), QStringLiteral("rename /home/op/Videos/Walk-in.mp4 Doors.mp4"));
     }
 
+    /// What was taken up from a server is not looked for on another one.
+    void pasteKnowsItsServer()
+    {
+        FakeFiles another(QStringLiteral("Server files"));
+        another.add(QStringLiteral("/shows/"));
+        FilesModel itsFiles(&another);
+        itsFiles.setDirectoryPath(QStringLiteral("/"));
+        item("server-files-list")->forceActiveFocus();
+        key(Qt::Key_Home);
+        key(Qt::Key_C, Qt::ControlModifier);
+        item("local-files-list")->forceActiveFocus();
+        for (FilesModel* const now : {&itsFiles, m_serverModel.get()}) {
+            m_session.server = now;
+            Q_EMIT m_session.serverFilesModelChanged();
+            key(Qt::Key_V, Qt::ControlModifier);
+            QCOMPARE(m_queue.calls.size(), now == &itsFiles ? 0 : 1);
+        }
+    }
+
     /// The selection stays with what it means when rows are sorted anew.
     void sortingKeepsTheSelection()
     {

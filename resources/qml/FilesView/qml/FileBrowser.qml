@@ -22,7 +22,7 @@ FocusScope {
     readonly property bool canChange: isUsable && !isTop && selectedCount > 0
     readonly property bool canRename: canChange && selectedCount === 1
     readonly property bool canSend: canChange && other.isUsable && !other.isTop
-    readonly property bool canPaste: canCreate && view.clip !== null
+    readonly property bool canPaste: canCreate && view.clip !== null && isHere(view.clip.source)
     readonly property bool canOpen: isUsable && selectedCount === 1 && model.get(selection.rows()[0]).isDirectory === true
     // Of the files: what folders hold is not known.
     readonly property string selectedSize: {
@@ -95,7 +95,11 @@ FocusScope {
     }
     function copy() {
         if (canChange)
-            view.clip = { mime: model.mimeOf(selection.rows()) }
+            view.clip = { mime: model.mimeOf(selection.rows()), source: model.fileSystem }
+    }
+    // Another server may have files under the same paths.
+    function isHere(source) {
+        return source === model.fileSystem || (other.isUsable && source === other.model.fileSystem)
     }
     function paste() {
         if (canPaste)
@@ -133,12 +137,13 @@ FocusScope {
             return
         const dialog = dialogs.openTextInputDialog(qsTr("New folder"), qsTr("Name"), qsTr("CREATE"))
         const target = model
+        const directory = model.directoryPath // the model may be elsewhere by then
         dialog.valuesConfirmed.connect(function(values) {
             const fault = browser.nameFault(values[0], "")
             if (fault.length > 0)
                 dialogs.openErrorDialog(qsTr("No new folder"), fault)
             else if (browser.model === target)
-                fileSystemOperations.operationsProvider.createDirectory(target.fileSystem, target.directoryPath + values[0].trim())
+                fileSystemOperations.operationsProvider.createDirectory(target.fileSystem, directory + values[0].trim())
         })
     }
     function startRename() {
@@ -152,7 +157,7 @@ FocusScope {
             return
         const item = model.get(row)
         takeFocus()
-        if (name.length === 0 || name.trim() === item.name)
+        if (name.length === 0 || name === item.name || name.trim() === item.name)
             return
         const fault = nameFault(name, item.name)
         if (fault.length > 0)

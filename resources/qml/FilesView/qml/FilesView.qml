@@ -8,7 +8,7 @@ ZTQMLWidget {
 
     objectName: "FilesView"
 
-    // What Ctrl+C took up: {mime, text}.
+    // What Ctrl+C took up: {mime, source}.
     property var clip: null
     readonly property int leastSide: Math.min(500, Math.floor((width - Theme.normal) / 2))
 

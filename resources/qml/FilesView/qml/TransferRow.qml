@@ -18,6 +18,7 @@ Item {
     required property string errorText
     required property bool isTransfer
     required property int waitsFor
+    required property bool isVerified
 
     readonly property bool isOpen: stage < 4
     readonly property bool isFailed: stage === 5
@@ -25,7 +26,8 @@ Item {
     readonly property bool isCurrent: ListView.isCurrentItem && ListView.view.activeFocus
     readonly property string text: name + ": " + stageText
     readonly property string waitText: ["", qsTr("Waiting for the server"), qsTr("Waiting for the disk")][waitsFor]
-    readonly property string stageText: [waitText.length > 0 ? waitText : qsTr("Waiting"), qsTr("Running"), qsTr("Asks"), qsTr("Stopping"), qsTr("Done"),
+    readonly property string stageText: [waitText.length > 0 ? waitText : qsTr("Waiting"), qsTr("Running"), qsTr("Asks"), qsTr("Stopping"),
+                                         isVerified ? qsTr("Done, verified") : qsTr("Done"),
                                          qsTr("Failed")][stage]
     readonly property bool isUpload: session.localFilesModel !== null
                                      && sourceFileSystem === session.localFilesModel.fileSystem.fileSystemName
