@@ -91,6 +91,11 @@ class Handler(FTPHandler):
         super().__init__(*arguments, **options)
         self._extra_feats = ["XCRC"]
 
+    def get_repr_info(self, as_str=False, extra_info=()):
+        """For the log. The library's own asks a file that may be closed by then, and so never ends a connection."""
+        about = dict(extra_info, addr=f"{self.remote_ip}:{self.remote_port}")
+        return str(about) if as_str else about
+
     def pre_process_command(self, line, cmd, arg):
         if self.check:
             self.hold(line, cmd, arg)

@@ -84,6 +84,8 @@ class Slow(DTPHandler):
 class Handler(FTPHandler):
     dtp_handler = Slow if limit else DTPHandler
     use_sendfile = not limit
+    def get_repr_info(self, as_str=False, extra_info=()):
+        return self.remote_ip # the library's own asks a file that may be closed, and never ends a connection then
     def pre_process_command(self, line, cmd, arg):
         if cmd == 'LIST':
             if arg == '-a' or arg.startswith('-a '):

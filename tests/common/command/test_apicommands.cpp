@@ -212,10 +212,10 @@ private Q_SLOTS:
         peer.session->executeCommand(kept);
         QCOMPARE(peer.session->getQUndoStack()->count(), 1);
         QTRY_COMPARE(kept->redoAnswers, 1);
-        QByteArray body;
+        QByteArrayList bodies; // in any order: each goes over a connection of its own
         for (const ScriptedHttp::Request& request : peer.http.requests)
-            body = request.method == "PATCH" ? request.body : body;
-        QCOMPARE(body, QByteArray("{\"a\":1}"));
+            bodies += request.method == "PATCH" ? request.body : QByteArray();
+        QVERIFY(bodies.contains("{\"a\":1}"));
         expectWarning(QStringLiteral("Undo failed due network error:"));
         peer.session->getQUndoStack()->undo();
         QTRY_COMPARE(kept->undoErrors, 1);

@@ -133,13 +133,14 @@ private Q_SLOTS:
             return found;
         };
         QTRY_COMPARE(words().size(), 10);
-        for (const EndActionButton* each : words()) {
+        const auto hasRoom = [](const EndActionButton* each) {
             QStyleOptionButton option;
             option.initFrom(each);
             const QRect room = each->style()->subElementRect(QStyle::SE_PushButtonContents, &option, each);
-            QVERIFY2(room.width() >= each->fontMetrics().horizontalAdvance(each->text()),
-                     qPrintable(each->text()));
-        }
+            return room.width() >= each->fontMetrics().horizontalAdvance(each->text());
+        };
+        for (const EndActionButton* each : words()) // once they are laid out
+            QTRY_VERIFY2(hasRoom(each), qPrintable(each->text()));
     }
 
     /// Nothing shows through below what is typed.
