@@ -467,6 +467,8 @@ bool QFtpPI::prepareLine(QString& line)
     if (line.startsWith(QLatin1String("PASV")) && isIpv6(m_commandSocket.localAddress()) &&
         m_transferConnectionExtended)
         line = QStringLiteral("EPSV\r\n");
+    if (line.startsWith(QLatin1String("TYPE ")))
+        m_type = {}; // until the server agrees, which an abort may keep from being heard
     return true;
 }
 

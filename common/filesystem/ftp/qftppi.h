@@ -107,7 +107,7 @@ private:
     QStringList m_pendingCommands;
     int m_ahead = 0;   // of these, sent already
     int m_unheard = 0; // answers that nobody waits for any more
-    QChar m_type;      // of data, as the server was told last
+    QChar m_type;      // of data, as the server agreed to last; null while that is open
     bool m_isAsking = false;
     QString m_currentCmd;
     bool m_rawCommand = false;

@@ -82,6 +82,7 @@ private Q_SLOTS:
     void lineBreaks();
     void abortAnywhere_data();
     void abortAnywhere();
+    void abortOfAType();
     void lostConnection();
 };
 
@@ -512,6 +513,26 @@ void TestFtpEngine::abortAnywhere()
         QVERIFY(s.succeeds(s.ftp.size(QStringLiteral("/x"))));
         QCOMPARE(sizes.first().first().toLongLong(), 77);
     }
+}
+
+/// A type that was asked for and never heard of is said again: the server may have taken it.
+void TestFtpEngine::abortOfAType()
+{
+    Session s;
+    QVERIFY(s.open());
+    QBuffer sink;
+    sink.open(QIODevice::WriteOnly);
+    QVERIFY(s.succeeds(s.ftp.get(QStringLiteral("/x"), &sink)));
+    s.server.answers["TYPE"] = "";
+    const int list = s.ftp.list(QStringLiteral("/"));
+    QVERIFY(QTest::qWaitFor([&] { return s.server.lines.contains("TYPE A"); }));
+    s.server.answers.remove("TYPE");
+    s.ftp.abort();
+    s.server.say("200 late\r\n");
+    QVERIFY(s.ends(list));
+    s.server.lines.clear();
+    QVERIFY(s.succeeds(s.ftp.get(QStringLiteral("/x"), &sink)));
+    QVERIFY(s.server.lines.contains("TYPE I"));
 }
 
 void TestFtpEngine::lostConnection()
