@@ -143,9 +143,8 @@ void LocalStreams::removeMoved(const QSharedPointer<FileTransferOperation>& oper
 
 bool LocalStreams::initializeIncomingTransfer(const QSharedPointer<FileTransferOperation>& operation)
 {
-    QString path = operation->to().fullPath;
-    if (QFileInfo(path).isDir())
-        path = createJoinedPath(path, getNameInPath(operation->from().fullPath), false);
+    const QString to = operation->to().fullPath;
+    const QString path = destinationPath(to, operation->from().fullPath, QFileInfo(to).isDir());
     const bool isReplacing = operation->replacesTarget();
     const auto there = linkStat(bytesOf(path));
     if (there && (!isReplacing || isDirectory(itemStat(bytesOf(path))))) {

@@ -54,6 +54,11 @@ QString createJoinedPath(const QString& base, const QString& name, bool isDirect
     return isDirectory ? joined + u'/' : joined;
 }
 
+QString destinationPath(const QString& to, const QString& from, bool isDirectory)
+{
+    return isDirectory || to.endsWith(u'/') ? createJoinedPath(to, getNameInPath(from), false) : to;
+}
+
 bool isSamePath(const QString& path, const QString& other)
 {
     return withoutTrailingSeparator(normalizePath(path)) == withoutTrailingSeparator(normalizePath(other));

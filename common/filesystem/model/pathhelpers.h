@@ -12,6 +12,9 @@ QString getParentPath(const QString& path);
 QString normalizePath(const QString& path);
 /// base and name with one "/" between them, and one behind when isDirectory.
 QString createJoinedPath(const QString& base, const QString& name, bool isDirectory);
+/// Where a file of the path from comes to stand: inside of to when that is a directory or ends with "/" (a
+/// directory that has gone since is still no name for the file), else to itself.
+QString destinationPath(const QString& to, const QString& from, bool isDirectory);
 /// Both name one item: normalised, and with or without a "/" at the end.
 bool isSamePath(const QString& path, const QString& other);
 /// path lies somewhere below directory; a directory does not lie below itself.

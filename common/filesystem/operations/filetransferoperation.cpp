@@ -48,9 +48,8 @@ void FileTransferOperation::run()
 void FileTransferOperation::lookAtTarget()
 {
     FileSystem* system = to().fileSystem;
-    // A folder that has gone since is still no name for the file.
-    if (to().fullPath.endsWith(u'/') || system->getType(to().fullPath) == FileSystem::Directory)
-        setTo({system, createJoinedPath(to().fullPath, getNameInPath(from().fullPath), false)});
+    setTo({system, destinationPath(to().fullPath, from().fullPath,
+                                   system->getType(to().fullPath) == FileSystem::Directory)});
     if (system->getType(to().fullPath) == FileSystem::Unknown)
         start();
     else

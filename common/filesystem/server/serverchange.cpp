@@ -197,8 +197,7 @@ void ServerRelocation::start()
             qCWarning(lcFileSystem) << "Failed to copy path" << m_from << "to" << m_destination
                                     << "since it's an existing file";
     }
-    if (type == FileSystem::Directory || m_destination.endsWith(u'/')) // one that has gone since is no name
-        m_destination = createJoinedPath(m_destination, getNameInPath(m_from), false);
+    m_destination = destinationPath(m_destination, m_from, type == FileSystem::Directory);
     if (isSamePath(m_from, m_destination) || isPathBelow(m_destination, m_from))
         return fail(tr("<code>%1</code> cannot be put into itself").arg(m_from.toHtmlEscaped()));
     const bool isDirectory = server().listings().type(m_from) == FileSystem::Directory;

@@ -44,9 +44,8 @@ ServerUpload::~ServerUpload() = default;
 void ServerUpload::start()
 {
     const QString to = m_transfer->to().fullPath;
-    // A folder that has gone since is still no name for the file.
-    const bool isInto = to.endsWith(u'/') || server().listings().type(to) == FileSystem::Directory;
-    m_destination = isInto ? createJoinedPath(to, getNameInPath(m_transfer->from().fullPath), false) : to;
+    m_destination = destinationPath(to, m_transfer->from().fullPath,
+                                    server().listings().type(to) == FileSystem::Directory);
     m_transfer->setTotalSizeBytes(static_cast<unsigned long long>(m_size));
     // Not only when all of it is there and is to get its name.
     if (m_destination.contains(u'\n') || m_destination.contains(u'\r'))
