@@ -150,7 +150,8 @@ MediaAddress MediaLibraryModel::addressOf(const QModelIndex& index) const
 
 QVariant MediaLibraryModel::data(const QModelIndex& index, int role) const
 {
-    if (!checkIndex(index, CheckIndexOption::IndexIsValid))
+    // A view's own copy asks also where no row is current.
+    if (!index.isValid() || !checkIndex(index))
         return {};
     if (const MediaLibraryItem* collection = collectionItem(index))
         return collectionData(*collection, index.column(), role);
