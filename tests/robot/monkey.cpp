@@ -51,7 +51,7 @@ const QStringList disturbedWarnings = {
     QStringLiteral("SSE stream: "),
     QStringLiteral("Failed to get media library"),
     QStringLiteral("Failed to parse m"), // a message, the media library
-    QStringLiteral("Failed to init "), // of a command that lost its premise between press and run
+    QStringLiteral("Failed to init "),   // of a command that lost its premise between press and run
     QStringLiteral("Failed to convert  QT JSON to SDK JSON"),
     QStringLiteral("Getting system property failed"),
     QStringLiteral("PlayMediaCommand"), // while there is no channel to play on
