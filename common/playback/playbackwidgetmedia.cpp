@@ -212,10 +212,7 @@ void PlaybackWidget::updateNotice()
 {
     const auto metadata = getMediaMetadata();
     const bool isUnplayable = metadata && !metadata->getIsPlayable();
-    QString reason;
-    if (isUnplayable)
-        reason = metadata->getError().empty() ? tr("The server does not say why.")
-                                              : QString::fromStdString(metadata->getError());
+    const QString reason = isUnplayable ? MediaDataAggregator::whyNotPlayable(*metadata) : QString();
     m_notice->setUnplayable(reason);
     m_notice->setSoundOnly(metadata && !isUnplayable && metadata->getMediaType() == MediaType::AudioFile);
     if (std::exchange(m_unplayable, reason) != reason)

@@ -36,7 +36,9 @@ void ToolTips::appear()
     if (!m_item || !m_item->isVisible())
         return;
     const QPointF place = m_item->mapToGlobal(QPointF(0, m_item->height()));
-    QToolTip::showText(place.toPoint(), QStringLiteral("<qt>%1</qt>").arg(m_text.toHtmlEscaped()));
+    QToolTip::showText(
+        place.toPoint(),
+        QStringLiteral("<qt>%1</qt>").arg(m_text.toHtmlEscaped().replace(u'\n', QLatin1String("<br>"))));
 }
 
 } // namespace vantrel

@@ -303,6 +303,10 @@ void SlotDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
                       QString::number(index.data(MediaLibraryModel::NumberRole).toInt()));
     painter->setPen(Qt::NoPen);
     const QString length = lengthText(index);
+    // The length of what does not play helps nobody; why it does not, does.
+    const QStringList faults = state == MediaState::NotPlayable
+                                   ? index.data(MediaLibraryModel::KnownFaultsRole).toStringList()
+                                   : QStringList();
     const int lengthWidth = QFontMetrics(caption).horizontalAdvance(length);
     const int taken = mark ? paintMark(painter, layout.details, caption, *mark, lengthWidth)
                            : paintWarning(painter, layout.details, state);
@@ -319,7 +323,12 @@ void SlotDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
     painter->setFont(caption);
     painter->setPen(getColor(colors::Zt_white_50));
     const QRect details = layout.details.adjusted(0, 0, -taken, 0);
-    if (lengthWidth <= details.width()) // a part of a time would tell another time
+    if (!faults.isEmpty()) {
+        painter->setPen(getColor(colors::Zt_white_70));
+        painter->drawText(
+            details, Qt::AlignVCenter | Qt::AlignLeft | Qt::TextSingleLine,
+            QFontMetrics(caption).elidedText(faults.constFirst(), Qt::ElideRight, details.width()));
+    } else if (lengthWidth <= details.width()) // a part of a time would tell another time
         painter->drawText(details, Qt::AlignVCenter | Qt::AlignLeft | Qt::TextSingleLine, length);
     painter->restore();
 }

@@ -26,7 +26,7 @@ public:
     quint64 durationMs = 0;
     /// The server can play the file.
     bool isPlayable = false;
-    /// One text a caveat, for the operator.
+    /// For the operator: why it cannot be played, and one text a caveat.
     QSet<QString> mediaCaveats;
     MediaState mediaState = MediaState::UnknownState;
     /// Where declarative views find its picture.

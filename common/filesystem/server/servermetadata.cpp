@@ -61,8 +61,8 @@ void ServerMetadata::applyMetadata(const QUrl& url, const MediaMetadataPtr& meta
 {
     if (m_aggregator) {
         result.mediaState = m_aggregator->mediaState(url);
-        const QStringList caveats = m_aggregator->mediaCaveatsDescribed(url);
-        result.mediaCaveats = QSet<QString>(caveats.cbegin(), caveats.cend());
+        const QStringList faults = m_aggregator->knownFaults(url);
+        result.mediaCaveats = QSet<QString>(faults.cbegin(), faults.cend());
     } else {
         qCInfo(lcFileSystem) << "XXX Using default, Unable to acquire metadata for " << url;
         result.mediaState = MediaState::NotPlayable;

@@ -248,9 +248,7 @@ QVariant MediaLibraryModel::slotData(const MediaLibraryItem& item, const QModelI
     case Qt::AccessibleTextRole:
         return accessibleText(item, index);
     case Qt::ToolTipRole:
-        // Escaped: a tooltip takes a name that looks like markup for markup.
-        return QStringLiteral("<p style='white-space:pre'>%1\n%2</p>")
-            .arg(item.name().toHtmlEscaped(), item.url().toDisplayString().toHtmlEscaped());
+        return toolTip(item);
     default:
         return knownData(item, index, role);
     }
@@ -272,10 +270,24 @@ QString MediaLibraryModel::accessibleText(const MediaLibraryItem& item, const QM
                                                       QT_TR_NOOP("cannot be played")};
     if (const auto number = static_cast<std::size_t>(state); number < texts.size())
         parts.append(tr(texts[number]));
-    if (m_aggregator && m_aggregator->knownMetadata(item.url()))
-        parts += m_aggregator->mediaCaveatsDescribed(item.url());
+    parts += knownFaults(item);
     parts.removeAll(QString());
     return parts.join(QStringLiteral(", "));
+}
+
+QString MediaLibraryModel::toolTip(const MediaLibraryItem& item) const
+{
+    // Escaped: a tooltip takes a name that looks like markup for markup.
+    QString text = QStringLiteral("<p style='white-space:pre'>%1\n%2</p>")
+                       .arg(item.name().toHtmlEscaped(), item.url().toDisplayString().toHtmlEscaped());
+    for (const QString& fault : knownFaults(item))
+        text += QStringLiteral("<p>%1</p>").arg(fault.toHtmlEscaped());
+    return text;
+}
+
+QStringList MediaLibraryModel::knownFaults(const MediaLibraryItem& item) const
+{
+    return m_aggregator ? m_aggregator->knownFaults(item.url()) : QStringList();
 }
 
 QVariant MediaLibraryModel::knownData(const MediaLibraryItem& item, const QModelIndex& index, int role) const
@@ -291,6 +303,8 @@ QVariant MediaLibraryModel::knownData(const MediaLibraryItem& item, const QModel
                                      : MediaState::UnknownState;
         return static_cast<int>(state);
     }
+    case KnownFaultsRole:
+        return knownFaults(item);
     case KnownTypeRole: {
         const MediaMetadataPtr metadata = m_aggregator ? m_aggregator->knownMetadata(item.url()) : nullptr;
         return static_cast<int>(metadata ? metadata->getMediaType() : item.mediaType());

@@ -66,6 +66,7 @@ public:
         KnownThumbnailRole = 272, // nothing while there is only a placeholder
         KnownStateRole = 273,
         KnownTypeRole = 274,
+        KnownFaultsRole = 275, // sentences: why it is not played, or not whole
     };
     Q_ENUM(Roles)
 
@@ -156,6 +157,8 @@ private:
     int stateOf(const QModelIndex& index) const;
     int mediaType(const MediaLibraryItem& item) const;
     QVariant knownData(const MediaLibraryItem& item, const QModelIndex& index, int role) const;
+    QString toolTip(const MediaLibraryItem& item) const;
+    QStringList knownFaults(const MediaLibraryItem& item) const;
     QString accessibleText(const MediaLibraryItem& item, const QModelIndex& index) const;
     bool setName(const QModelIndex& index, const QString& name);
     bool setDuration(const QModelIndex& index, const QVariant& value);

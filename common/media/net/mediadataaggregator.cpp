@@ -1,6 +1,7 @@
 #include "common/media/net/mediadataaggregator.h"
 
 #include "common/media/address/medialogging.h"
+#include "common/media/address/showntext.h"
 #include "common/media/net/mediastateprovider.h"
 #include "tarn/media/mediaenums.h"
 
@@ -93,17 +94,41 @@ std::unordered_set<MediaCaveat> MediaDataAggregator::mediaCaveats(const QUrl& me
 
 QStringList MediaDataAggregator::mediaCaveatsDescribed(const QUrl& mediaUrl)
 {
-    // The server's own sentence says more of the file than any text that is known here.
     const MediaMetadataPtr found = metadata(mediaUrl);
-    std::unordered_set<MediaCaveat> untold = found ? found->getCaveats() : std::unordered_set<MediaCaveat>();
+    return found ? caveatTexts(*found) : QStringList();
+}
+
+QStringList MediaDataAggregator::caveatTexts(const MediaMetadata& metadata) const
+{
+    // The server's own sentence says more of the file than any text that is known here.
+    std::unordered_set<MediaCaveat> untold = metadata.getCaveats();
     QStringList told;
     std::erase_if(untold, [&](MediaCaveat caveat) {
-        const std::string text = found->getCaveatText(caveat);
+        const std::string text = metadata.getCaveatText(caveat);
         if (!text.empty())
-            told.append(QString::fromStdString(text));
+            told.append(shownText(QString::fromStdString(text)));
         return !text.empty();
     });
     return told + describeCaveats(untold);
+}
+
+QStringList MediaDataAggregator::knownFaults(const QUrl& mediaUrl) const
+{
+    const MediaMetadataPtr found = knownMetadata(mediaUrl);
+    if (!found)
+        return {};
+    QStringList faults = caveatTexts(*found);
+    if (const QString reason = whyNotPlayable(*found); !reason.isEmpty())
+        faults.prepend(reason);
+    return faults;
+}
+
+QString MediaDataAggregator::whyNotPlayable(const MediaMetadata& metadata)
+{
+    if (metadata.getIsPlayable())
+        return {};
+    const QString reason = shownText(QString::fromStdString(metadata.getError())).simplified();
+    return reason.isEmpty() ? tr("The server cannot play it, and does not say why.") : reason;
 }
 
 QStringList MediaDataAggregator::describeCaveats(const std::unordered_set<MediaCaveat>& caveats) const

@@ -40,6 +40,11 @@ public:
     std::unordered_set<MediaCaveat> mediaCaveats(const QUrl& mediaUrl);
     /// For the operator, one text a caveat.
     QStringList mediaCaveatsDescribed(const QUrl& mediaUrl);
+    /// Why the file is not played, or not whole, as sentences for the operator and as far as it is known here
+    /// already; none for a file that plays whole.
+    QStringList knownFaults(const QUrl& mediaUrl) const;
+    /// The sentence alone that stands for a file that cannot be played; empty for one that can.
+    static QString whyNotPlayable(const MediaMetadata& metadata);
     void refreshData(const QUrl& mediaUrl);
     /// Forgets all of a file; with terminate also answers that are still to come.
     void invalidateData(const QUrl& mediaUrl, bool terminate);
@@ -58,6 +63,7 @@ private:
     void handleThumbnailInvalidated(const QUrl& mediaUrl);
     ThumbnailPtr selectPlaceholderThumbnailForMetadata(const MediaMetadataPtr& metadata) const;
     ThumbnailPtr getPlaceholderThumbnail(const QUrl& mediaUrl) const;
+    QStringList caveatTexts(const MediaMetadata& metadata) const;
     QStringList describeCaveats(const std::unordered_set<MediaCaveat>& caveats) const;
 
     QPointer<MetadataProvider> m_metadataProvider;

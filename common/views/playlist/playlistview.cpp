@@ -348,6 +348,8 @@ QString PlaylistView::tipFor(const QModelIndex& index) const
     QStringList lines{cell(PlaylistModel::NumberColumn) + u' ' + cell(PlaylistModel::MediaColumn),
                       tr("Transition: %1. At the end: %2")
                           .arg(cell(PlaylistModel::TransitionColumn), cell(PlaylistModel::EndActionColumn))};
+    if (const QString faults = index.data(Qt::AccessibleDescriptionRole).toString(); !faults.isEmpty())
+        lines.append(faults);
     const auto key = [](const char* name) { return keyText(Hotkeys::current(QLatin1String(name))); };
     if (m_isEditable) {
         lines.append(tr("Double-click or %1: cue it on preview. %2 and %3: move it. %4: remove it")

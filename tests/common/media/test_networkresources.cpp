@@ -91,6 +91,8 @@ private Q_SLOTS:
     void forgottenWhileDecoding();
     void cacheIsBounded();
     void aggregation();
+    void faults_data();
+    void faults();
     void channelStates();
     void resourceStatus();
 };
@@ -386,6 +388,39 @@ void TestNetworkResources::aggregation()
     told.clear();
     aggregator.invalidateData(clip, true);
     QCOMPARE(told.join(u','), QStringLiteral("no thumbnail,state,no metadata"));
+}
+
+void TestNetworkResources::faults_data()
+{
+    QTest::addColumn<QByteArray>("told");
+    QTest::addColumn<QStringList>("faults");
+    const auto row = [](const char* name, const char* told, const QStringList& faults) {
+        QTest::newRow(name) << QByteArray(told) << faults;
+    };
+    row("none", R"({"type":"videoFile","isPlayable":true})", {});
+    row("the server's own",
+        R"({"type":"videoFile","isPlayable":false,"error":"Empty.\u0000\u202e Copy it\nagain."})",
+        {QStringLiteral("Empty. Copy it again.")});
+    row("none given", R"({"type":"videoFile","isPlayable":false})",
+        {QStringLiteral("The server cannot play it, and does not say why.")});
+    row("both",
+        R"({"type":"videoFile","isPlayable":false,"error":"No pictures.","caveats":["unsupportedAudio"],)"
+        R"("caveatTexts":{"unsupportedAudio":"The sound is DTS."}})",
+        {QStringLiteral("No pictures."), QStringLiteral("The sound is DTS.")});
+}
+
+/// What a row says of its file: known, in words that may stand on the screen, and asked of nobody.
+void TestNetworkResources::faults()
+{
+    QFETCH(QByteArray, told);
+    MediaMirror mirror(test::makeLibrary(1, 2));
+    Helpers helpers(mirror);
+    helpers.network.addGetReply(metadataUrl(clip), told);
+    QCOMPARE(helpers.aggregator.knownFaults(clip), QStringList());
+    QVERIFY(!helpers.aggregator.knownMetadata(clip));
+    helpers.aggregator.metadata(clip);
+    QTRY_VERIFY(helpers.aggregator.knownMetadata(clip));
+    QTEST(helpers.aggregator.knownFaults(clip), "faults");
 }
 
 void TestNetworkResources::channelStates()

@@ -127,6 +127,8 @@ public:
     // As the table shows them, asking nobody for what is not known yet.
     MediaState knownState(const GuiPlaylistEntry& entry) const;
     qint64 knownSize(const GuiPlaylistEntry& entry) const;
+    /// Sentences: why its medium is not played, or not whole.
+    QStringList knownFaults(const GuiPlaylistEntry& entry) const;
     QPixmap knownThumbnail(const GuiPlaylistEntry& entry) const;
     /// In address order.
     QList<EntryAddress> getEntriesUsingMediaUrl(const QUrl& url) const;

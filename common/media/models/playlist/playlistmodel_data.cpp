@@ -109,6 +109,8 @@ QVariant PlaylistModel::rowData(const GuiPlaylistEntry& entry, int role) const
         return QVariant::fromValue(getPreviewMediaState(entry));
     case ProgramRole:
         return QVariant::fromValue(getProgramMediaState(entry));
+    case Qt::AccessibleDescriptionRole:
+        return knownFaults(entry).join(u' ');
     default:
         return {};
     }
@@ -224,6 +226,13 @@ qint64 PlaylistModel::knownSize(const GuiPlaylistEntry& entry) const
 {
     const MediaSlot* slot = recordOf(entry);
     return slot && m_aggregator ? m_aggregator->knownSize(QUrl(QString::fromStdString(slot->getUrl()))) : 0;
+}
+
+QStringList PlaylistModel::knownFaults(const GuiPlaylistEntry& entry) const
+{
+    const MediaSlot* slot = recordOf(entry);
+    return slot && m_aggregator ? m_aggregator->knownFaults(QUrl(QString::fromStdString(slot->getUrl())))
+                                : QStringList();
 }
 
 QPixmap PlaylistModel::knownThumbnail(const GuiPlaylistEntry& entry) const

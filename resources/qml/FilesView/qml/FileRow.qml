@@ -17,6 +17,9 @@ Item {
     // Asked for only where they are shown.
     readonly property string duration: !!browser && !browser.isLocal && !isDirectory ? model.durationText : ""
     readonly property string picture: !!browser && !browser.isLocal && !isDirectory ? model.thumbnail : ""
+    // Why it is not played, or not whole.
+    readonly property string faults: !!browser && !browser.isLocal && !isDirectory ? model.mediaCaveats.join(" ") : ""
+    readonly property bool isPlayable: faults === "" || model.isPlayable
     readonly property bool isSelected: !!browser && (browser.selection.revision, browser.selection.isRowSelected(index))
     readonly property bool isCurrent: !!browser && browser.selection.currentRow === index
     readonly property double progress: browser ? (browser.operationsRevision, browser.progressOf(absolutePath)) : -1
@@ -30,6 +33,7 @@ Item {
     Accessible.role: Accessible.ListItem
     Accessible.name: isDirectory ? qsTr("%1, folder").arg(shownName)
                                  : qsTr("%1, %2").arg(shownName).arg(sizeText)
+    Accessible.description: faults
     Accessible.selectable: true
     Accessible.selected: isSelected
 
@@ -72,13 +76,22 @@ Item {
         readonly property var place: row.browser ? row.browser.placeOf("name") : null
 
         x: place ? place.x + Theme.tight + 2 : 0
-        width: place ? place.width - 2 * Theme.tight - 2 : 0
+        width: place ? place.width - 2 * Theme.tight - 2 - (mark.visible ? mark.width + Theme.tight : 0) : 0
         height: parent.height
         visible: !row.isRenaming
         text: row.shownName
-        color: row.isSelected ? Theme.strong : Theme.text
+        color: !row.isPlayable ? Theme.faint : row.isSelected ? Theme.strong : Theme.text
         elide: Text.ElideMiddle
         Accessible.ignored: true
+    }
+    ZTIcon {
+        id: mark
+
+        anchors.verticalCenter: parent.verticalCenter
+        x: label.x + label.width + Theme.tight
+        visible: row.faults !== "" && !row.isRenaming
+        name: "error"
+        color: row.isPlayable ? Theme.accent : Theme.bad
     }
     Repeater {
         model: row.browser ? row.browser.textColumns : []
@@ -116,8 +129,9 @@ Item {
         preventStealing: true
         enabled: !row.isRenaming
 
-        onContainsMouseChanged: containsMouse && label.truncated ? toolTips.show(label, row.shownName)
-                                                                 : toolTips.hide(label)
+        readonly property string tip: (label.truncated ? [row.shownName] : []).concat(row.faults === "" ? [] : [row.faults]).join("\n")
+
+        onContainsMouseChanged: containsMouse && tip !== "" ? toolTips.show(label, tip) : toolTips.hide(label)
         onPressed: (event) => {
             toolTips.hide(label)
             row.browser.takeFocus()
