@@ -38,6 +38,7 @@ const QStringList trueWarnings = {
     QStringLiteral("Selected entry not valid."),    // the operator is told
     QStringLiteral("Undo failed! "),
     QStringLiteral("Redo failed! "),
+    QStringLiteral("Media slot not found for setting "), // done again after somebody has cleared it
 };
 
 /// Those of a server that is dead, or means harm.

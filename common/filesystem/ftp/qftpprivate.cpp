@@ -11,7 +11,9 @@ namespace vantrel {
 
 namespace {
 
-constexpr int noRoom = 552; // an answer
+// Answers.
+constexpr int noRoom = 552;
+constexpr int notThere = 550; // or not a file; that it was not able to look, it says otherwise
 
 QString question(const char* verb, const QString& file)
 {
@@ -199,7 +201,7 @@ void QFtpPrivate::takeAnswer(const QFtpCommand& command, int code, const QString
     else if (line == question("SIZE", command.file))
         m_answers.isWhole = code == 213 && text.simplified() == QString::number(command.placing->size);
     else
-        m_answers.isFree = code / 100 == 5;
+        m_answers.isFree = code == notThere;
 }
 
 void QFtpPrivate::takeChecksum(int code, const QString& text)

@@ -27,6 +27,8 @@ struct JobResult
     QString destination;
     /// Sentences for the operator, with names escaped.
     QStringList errors;
+    /// What was left out of it, or itself, since something of its name was there.
+    int skipped = 0;
 };
 
 /// Work on the disk that takes longer than a picture of the screen, done beside the main thread. Lives on the

@@ -301,6 +301,7 @@ void LocalFileSystemPrivate::finishTransfer(const QSharedPointer<TransferOperati
     m_listings.refresh(getParentPath(to));
     if (isMove)
         m_listings.refresh(getParentPath(from));
+    operation->setSkippedCount(result.skipped);
     finishOperation(operation, result);
 }
 

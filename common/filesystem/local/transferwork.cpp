@@ -166,6 +166,7 @@ JobResult::Outcome TransferWork::meet(const std::string& from, const struct stat
     const bool isDirectoryThere = isDirectory(itemStat(place.path));
     switch (m_control.decide({textOf(place.path), isDirectoryThere})) {
     case ConflictPolicy::Skip:
+        ++m_result.skipped;
         return JobResult::Skipped;
     case ConflictPolicy::KeepBoth: {
         const QString wanted = textOf(place.path);

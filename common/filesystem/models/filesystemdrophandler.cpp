@@ -6,8 +6,11 @@
 #include "common/filesystem/models/conflictdesk.h"
 #include "common/filesystem/models/filesystemdrophandler_p.h"
 #include "common/filesystem/schedule/filesystemoperations.h"
+#include "common/media/address/showntext.h"
+#include "common/notification/notificationmanagerimpl.h"
 
 #include <QJsonObject>
+#include <QStringList>
 #include <QUrl>
 
 namespace vantrel {
@@ -24,6 +27,18 @@ bool refused(const char* reason, const QString& about)
 {
     qCInfo(lcFileSystem) << reason << about;
     return false;
+}
+
+void tellLeftOut(const QStringList& names)
+{
+    const QString first = shownText(names.constFirst()).toHtmlEscaped();
+    const QString what =
+        names.size() == 1
+            ? FileSystemDropHandler::tr("%1 is no media file").arg(first)
+            : FileSystemDropHandler::tr("%1 and %2 more are no media files").arg(first).arg(names.size() - 1);
+    NotificationManagerImpl::instance()->createNotification(
+        Notification::WarningMessage, FileSystemDropHandler::tr("Not copied"),
+        FileSystemDropHandler::tr("%1. Only media and folders are copied.").arg(what));
 }
 
 } // namespace
@@ -68,6 +83,7 @@ bool FileSystemDropHandler::dropUrls(const QList<QUrl>& urls, const QVariant& ta
     FileSystem* local = d->m_provider->getLocalFileSystem();
     FileSystem* target = d->targetOf(targetFileSystem);
     FileSystemDropHandlerPrivate::Entries entries;
+    QStringList others;
     for (const QUrl& url : urls) {
         if (!url.isLocalFile() || !local || !target)
             return false;
@@ -79,8 +95,14 @@ bool FileSystemDropHandler::dropUrls(const QList<QUrl>& urls, const QVariant& ta
             qCInfo(lcFileSystem) << "Skipping all drop entries";
             return false;
         }
-        entries.append(entry);
+        // It would come to lie where no view shows it, and nobody could take it away again.
+        if (entry.type == FileSystem::File && !isMediaFile(path))
+            others.append(getNameInPath(path));
+        else
+            entries.append(entry);
     }
+    if (!others.isEmpty())
+        tellLeftOut(others);
     // What comes from elsewhere is copied, also to a folder of this computer.
     d->handleEntries(entries, Way::Copy);
     return !entries.isEmpty();

@@ -34,7 +34,8 @@ public:
     /// "fileSystem", "name", "isDirectory" and "path".
     Q_INVOKABLE bool dropMimeData(QMap<QString, QVariant> mime, QVariant targetFileSystem,
                                   QString targetPath);
-    /// Files of this computer, as its own file manager drags them.
+    /// Files of this computer, as its own file manager drags them. What is neither media nor a folder is left
+    /// out, and the operator told.
     Q_INVOKABLE bool dropUrls(const QList<QUrl>& urls, const QVariant& targetFileSystem,
                               const QString& targetPath);
     /// As dropMimeData, but from one side to the other the items are moved.

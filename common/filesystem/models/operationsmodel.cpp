@@ -4,6 +4,7 @@
 #include "common/filesystem/model/filesystemlogging.h"
 #include "common/filesystem/model/pathhelpers.h"
 #include "common/filesystem/operations/directorytransferoperation.h"
+#include "common/filesystem/operations/filetransferoperation.h"
 #include "common/filesystem/operations/modifyoperation.h"
 #include "common/filesystem/schedule/filesystemoperations.h"
 #include "common/media/address/showntext.h"
@@ -235,9 +236,22 @@ QVariant OperationsModel::cell(const Row& row, int role) const
         return static_cast<int>(row.wait);
     case VerifiedRole:
         return row.isVerified;
+    case OutcomeTextRole:
+        return outcomeText(row);
     default:
         return {};
     }
+}
+
+/// Of one that is done: what has come of it.
+QString OperationsModel::outcomeText(const Row& row)
+{
+    if (row.skipped == 0)
+        return row.isVerified ? tr("Done, verified") : tr("Done");
+    if (row.isFile)
+        return tr("Skipped: the name is taken there");
+    return row.skipped == 1 ? tr("Done, 1 skipped: its name is taken there")
+                            : tr("Done, %1 skipped: their names are taken there").arg(row.skipped);
 }
 
 /// The last reason, without its markup; names in it were escaped.
@@ -289,6 +303,7 @@ QHash<int, QByteArray> OperationsModel::roleNames() const
         {WhereRole, "where"},
         {WaitsForRole, "waitsFor"},
         {VerifiedRole, "isVerified"},
+        {OutcomeTextRole, "outcomeText"},
     };
 }
 
@@ -327,6 +342,7 @@ OperationsModel::Row OperationsModel::rowOf(const OperationPtr& operation) const
     row.where = shownText(getParentPath(row.source.fullPath));
     if (qobject_cast<const TransferOperation*>(operation.data())) {
         row.isTransfer = true;
+        row.isFile = qobject_cast<const FileTransferOperation*>(operation.data());
         row.target = targets.value(1);
         row.where = shownText(row.target.fullPath);
     }
@@ -371,6 +387,7 @@ void OperationsModel::storeRefreshedValues(Row& row) const
         row.speed = transfer->transferSpeed();
         row.eta = transfer->etaSeconds();
         row.isVerified = row.stage == Stage::Done && transfer->isVerified();
+        row.skipped = transfer->skippedCount();
         // The parts of a folder tell their bytes at once, and its progress less often: one row says one
         // thing.
         const bool isFolder = qobject_cast<const DirectoryTransferOperation*>(transfer);

@@ -46,9 +46,10 @@ public:
         ErrorRole = 268,         // plain text, why it failed
         SizeTextRole = 269,      // how much of how much
         IsTransferRole = 270,
-        WhereRole = 271,    // the directories, for a line below the name
-        WaitsForRole = 272, // Wait
-        VerifiedRole = 273, // a transfer that is done, and both sides were compared
+        WhereRole = 271,       // the directories, for a line below the name
+        WaitsForRole = 272,    // Wait
+        VerifiedRole = 273,    // a transfer that is done, and both sides were compared
+        OutcomeTextRole = 274, // of one that is done
     };
     Q_ENUM(Roles)
 
@@ -114,7 +115,9 @@ private:
         int eta = 0;      // seconds
         Wait wait = Wait::Nothing;
         bool isTransfer = false;
+        bool isFile = false;
         bool isVerified = false;
+        int skipped = 0;
         bool isInRound = true; // counts for the total
     };
 
@@ -146,6 +149,7 @@ private:
     OperationPtr operationAt(int row) const;
     QVariant cell(const Row& row, int role) const;
     QString errorOf(const Row& row) const;
+    static QString outcomeText(const Row& row);
 
     QPointer<FileSystemOperations> m_operations;
     std::vector<Row> m_rows;

@@ -127,6 +127,7 @@ void DirectoryTransferOperation::meetExisting(ConflictPolicy policy)
         takeFreeName();
         return startRunner();
     case ConflictPolicy::Skip:
+        setSkippedCount(1);
         return finish();
     case ConflictPolicy::Refuse:
         return fail(tr("<code>%1</code> exists already").arg(path.toHtmlEscaped()));
@@ -160,6 +161,7 @@ void DirectoryTransferOperation::setRetryOf(const TransferOperation& failed)
     m_name = before->m_name;
     m_arrived = before->m_arrived;
     m_verified = before->m_verified;
+    m_skipped = before->m_skipped;
 }
 
 /// The queue keeps what is over for the life of the process. A retry asks for what has arrived.
@@ -301,7 +303,8 @@ OperationPtr DirectoryTransferOperation::createFileOperation(const FileSystemPat
                                                              const FileSystemTarget& to)
 {
     ++m_fileCount;
-    if (isThereAlready(path))
+    // The answer that left it out holds for a retry too.
+    if (isThereAlready(path) || m_skipped.contains(path.path))
         return {};
     m_verified.remove(path.path);
     const FileSystemTarget source{from().fileSystem, path.path};
@@ -325,14 +328,17 @@ OperationPtr DirectoryTransferOperation::createFileOperation(const FileSystemPat
             [this, path = path.path](size_t bytes) {
                 handleTransferOperationTransferredBytesChanged(path, bytes);
             });
-    connect(transfer, &RunnableOperation::operationSucceeded, this,
-            [this, transfer] { noteArrived(*transfer); });
+    connect(transfer, &RunnableOperation::operationSucceeded, this, [this, transfer] { noteEnd(*transfer); });
     return operation;
 }
 
-void DirectoryTransferOperation::noteArrived(const TransferOperation& transfer)
+void DirectoryTransferOperation::noteEnd(const TransferOperation& transfer)
 {
     const QString path = transfer.from().fullPath;
+    if (transfer.skippedCount() > 0) {
+        m_skipped.insert(path);
+        return;
+    }
     m_arrived.insert(path, transfer.to().fullPath);
     if (transfer.isVerified())
         m_verified.insert(path);

@@ -32,6 +32,10 @@ public:
     bool accept(OperationVisitor* visitor) override;
     /// All of its files were.
     bool isVerified() const override { return m_fileCount > 0 && m_verified.size() == m_fileCount; }
+    int skippedCount() const override
+    {
+        return TransferOperation::skippedCount() + static_cast<int>(m_skipped.size());
+    }
     /// Goes on where that has come to: into the same directory, without what has arrived there.
     void setRetryOf(const TransferOperation& failed) override;
 
@@ -69,7 +73,7 @@ private:
     void forgetParts();
     void fail(const QString& message);
     OperationPtr createFileOperation(const FileSystemPath& path, const FileSystemTarget& to);
-    void noteArrived(const TransferOperation& transfer);
+    void noteEnd(const TransferOperation& transfer);
     bool isThereAlready(const FileSystemPath& path) const;
 
     AbstractOperationFactory* m_factory;
@@ -80,6 +84,7 @@ private:
     bool m_hasPlace = false;           // the directory of that name is the operation's to fill
     QHash<QString, QString> m_arrived; // by source path, where what has been brought over lies
     QSet<QString> m_verified;          // of these, the compared ones
+    QSet<QString> m_skipped;           // by source path, what somebody chose to leave out
     qsizetype m_fileCount = 0;         // of the source
     bool m_isNameAsked = false;        // whether the directory itself may be merged with one that is there
     bool m_isStopping = false;

@@ -72,6 +72,7 @@ void FileTransferOperation::meetConflict(ConflictPolicy policy)
         break;
     case ConflictPolicy::Skip:
         qCInfo(lcFileSystem) << "Operation" << *this << "leaves out what is there already";
+        setSkippedCount(1);
         setState(Passed);
         return;
     case ConflictPolicy::Refuse:

@@ -50,6 +50,11 @@ public:
     virtual bool isVerified() const { return m_isVerified; }
     void setVerified(bool isVerified) { m_isVerified = isVerified; }
 
+    /// Of its files and directories those that were left out, since something of their name was there
+    /// already; 1 for a file of its own.
+    virtual int skippedCount() const { return m_skippedCount; }
+    void setSkippedCount(int count) { m_skippedCount = count; }
+
     /// Refuse until somebody says otherwise. Set it before the operation starts.
     ConflictPolicy conflictPolicy() const;
     void setConflictPolicy(ConflictPolicy policy);
@@ -101,6 +106,7 @@ private:
     std::deque<Sample> m_samples;
     bool m_isRetry = false;
     bool m_isVerified = false;
+    int m_skippedCount = 0;
     ConflictPolicy m_conflictPolicy = ConflictPolicy::Refuse;
     std::optional<TransferConflict> m_conflict;
 };

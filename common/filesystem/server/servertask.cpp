@@ -31,6 +31,8 @@ void ServerTask::end()
 
 void ServerTask::skip()
 {
+    if (TransferOperation* const left = transfer())
+        left->setSkippedCount(1);
     m_server->finishOperation(m_operation, true);
 }
 

@@ -174,10 +174,8 @@ void ServerUpload::measureFile(const QString& path, std::function<void(qint64)> 
     ask(
         Kind::Size, [path](FileSystemClient& client) { return client.size(path); },
         [this, path, next = std::move(next)](Outcome outcome) {
-            if (outcome == Outcome::Done) {
-                m_tellsSizes = true;
+            if (outcome == Outcome::Done)
                 return next(server().commands().size());
-            }
             // Not every server tells sizes, but all list.
             readAnew(getParentPath(path), [this, path, next] {
                 const std::optional<ClientFileSystemInfo> there = server().listings().entry(path);
@@ -230,15 +228,8 @@ void ServerUpload::place()
     noteReason(Outcome::Done);
     if (mayReplace())
         return rename();
-    ask(
-        Kind::Size, [this](FileSystemClient& client) { return client.size(m_destination); },
-        [this](Outcome outcome) {
-            const bool isFree = outcome == Outcome::Failed && m_tellsSizes;
-            if (isFree)
-                rename();
-            else
-                readAnew(getParentPath(m_destination), [this] { meetThere(); });
-        });
+    // A question for its size alone may also fail since the server is too busy to look.
+    readAnew(getParentPath(m_destination), [this] { meetThere(); });
 }
 
 void ServerUpload::meetThere()
@@ -261,14 +252,7 @@ void ServerUpload::onRenamed(Outcome outcome)
     if (outcome == Outcome::Done)
         return succeed();
     if (outcome == Outcome::LinkLost) // before or after it was done
-        return readAnew(getParentPath(m_destination), [this] {
-            if (server().listings().entry(m_temporary))
-                rename();
-            else if (server().listings().fileSize(m_destination) == m_size)
-                succeed();
-            else
-                send(0);
-        });
+        return readAnew(getParentPath(m_destination), [this] { findOutWhetherRenamed(); });
     noteReason(outcome);
     readAnew(getParentPath(m_destination), [this] {
         const bool isTaken = server().listings().entry(m_destination).has_value();
@@ -279,6 +263,21 @@ void ServerUpload::onRenamed(Outcome outcome)
         else
             meetThere();
     });
+}
+
+/// The file that was to be replaced may be as long as the new one, so that its length tells nothing.
+void ServerUpload::findOutWhetherRenamed()
+{
+    if (server().listings().entry(m_temporary))
+        rename();
+    else if (!mayReplace() && server().listings().fileSize(m_destination) == m_size)
+        succeed();
+    else if (++m_vain < attemptsInVain)
+        send(0);
+    else
+        fail(tr("<code>%1</code> could not be written: the server was lost each time that it was to get its "
+                "name")
+                 .arg(m_destination.toHtmlEscaped()));
 }
 
 void ServerUpload::succeed()

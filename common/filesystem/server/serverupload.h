@@ -49,6 +49,7 @@ private:
     void meetThere();
     void rename();
     void onRenamed(Outcome outcome);
+    void findOutWhetherRenamed();
     void succeed();
     bool isSourceChanged() const;
     QString temporaryName() const;
@@ -64,7 +65,6 @@ private:
     int m_unlike = 0;          // attempts after which the server had something else
     bool m_isVerified = false; // what was sent last
     bool m_isSent = false;     // something of it may lie at the server
-    bool m_tellsSizes = false; // the server does
     QElapsedTimer m_sinceLog;
 };
 

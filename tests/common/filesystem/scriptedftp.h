@@ -27,7 +27,7 @@ public:
     quint16 port() const { return m_server.serverPort(); }
     QString host() const { return m_address.toString(); }
 
-    QHash<QByteArray, QByteArray> answers; // by verb, with the line's end
+    QHash<QByteArray, QByteArray> answers; // by line or by verb, with the line's end
     QByteArray greeting = "220 ready\r\n";
     QByteArray content;   // what RETR and LIST send
     qint64 cutAfter = -1; // bytes of it, then the data connection goes
@@ -76,8 +76,8 @@ private:
         lines << line;
         const QByteArray verb = line.left(line.indexOf(' ') < 0 ? line.size() : line.indexOf(' '));
         const bool isTransfer = verb == "RETR" || verb == "LIST" || verb == "STOR";
-        if (answers.contains(verb)) {
-            const QByteArray answer = answers.value(verb);
+        if (const QByteArray known = answers.contains(line) ? line : verb; answers.contains(known)) {
+            const QByteArray answer = answers.value(known);
             say(answer);
             if (!isTransfer || !answer.startsWith('1'))
                 return;

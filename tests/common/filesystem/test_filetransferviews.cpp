@@ -107,6 +107,8 @@ private Q_SLOTS:
         const QVariant local = QVariant::fromValue<FileSystem*>(m_local.get());
         QVERIFY(drops.dropUrls({QUrl::fromLocalFile("/shows/b.mov")}, local, QStringLiteral("/shows/Act/")));
         QVERIFY(!drops.dropUrls({QUrl("http://a/b.mov")}, server, QStringLiteral("/media/")));
+        QVERIFY(
+            !drops.dropUrls({QUrl::fromLocalFile("/shows/notes.txt")}, server, QStringLiteral("/media/")));
         QCOMPARE(m_queue->calls, (QStringList{"copy /shows/Act/ /media/", "copy /shows/b.mov /media/",
                                               "move /shows/a.mov /media/", "copy /shows/b.mov /media/",
                                               "copy /shows/b.mov /shows/Act/"}));
@@ -146,6 +148,7 @@ private Q_SLOTS:
         first->finish();
         QCOMPARE(text(model, OperationsModel::OperationStateRole), QStringLiteral("Finished"));
         QVERIFY(isVerified());
+        QCOMPARE(text(model, OperationsModel::OutcomeTextRole), QStringLiteral("Done, verified"));
         model.cancel(1);
         QCOMPARE(model.index(1, 0).data(OperationsModel::StageRole).toInt(),
                  int(OperationsModel::Stage::Failed));

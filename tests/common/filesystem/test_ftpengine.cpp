@@ -1,3 +1,4 @@
+#include "common/filesystem/ftp/ftpplacing.h"
 #include "common/filesystem/ftp/qftp.h"
 #include "tests/common/filesystem/scriptedftp.h"
 #include "tests/support/testmain.h"
@@ -69,6 +70,8 @@ private Q_SLOTS:
     void uploads();
     void noRoom();
     void uploadCutShort();
+    void placesOnlyWhereNothingIs_data();
+    void placesOnlyWhereNothingIs();
     void sourceFails();
     void sinkFails();
     void silence_data();
@@ -476,6 +479,34 @@ void TestFtpEngine::abortAnywhere_data()
     row("RETR, one more 150", "RETR", "150 comes\r\n");
     row("RETR, not known", "RETR", "502 what?\r\n");
     row("STOR, no answer at all", "STOR", "");
+}
+
+void TestFtpEngine::placesOnlyWhereNothingIs_data()
+{
+    QTest::addColumn<QByteArray>("answer");
+    QTest::addColumn<bool>("isPlaced");
+    QTest::newRow("nothing there") << QByteArray("550 no such file\r\n") << true;
+    QTest::newRow("a file") << QByteArray("213 5\r\n") << false;
+    QTest::newRow("too busy to look") << QByteArray("450 try again\r\n") << false;
+    QTest::newRow("not allowed to look") << QByteArray("530 log in first\r\n") << false;
+}
+
+/// What cannot be asked for may be there, and a rename would put the upload in its place.
+void TestFtpEngine::placesOnlyWhereNothingIs()
+{
+    QFETCH(QByteArray, answer);
+    QFETCH(bool, isPlaced);
+    Session s;
+    QVERIFY(s.open());
+    QBuffer device;
+    device.setData(pattern(300));
+    device.open(QIODevice::ReadOnly);
+    s.server.answers["SIZE /.part"] = "213 300\r\n";
+    s.server.answers["SIZE /a.mov"] = answer;
+    QVERIFY(
+        s.succeeds(s.ftp.put(&device, QStringLiteral("/.part"), {QStringLiteral("/a.mov"), 300, false, {}})));
+    QCOMPARE(s.server.count("RNTO"), isPlaced ? 1 : 0);
+    QCOMPARE(s.ftp.outcome().placed, isPlaced ? FtpOutcome::Done : FtpOutcome::No);
 }
 
 /// Whatever the server was about to say: the next command has its own answer.

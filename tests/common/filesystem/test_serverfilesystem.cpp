@@ -112,8 +112,8 @@ private Q_SLOTS:
         QCOMPARE(client()->last(), QStringLiteral("write ") + temporary);
         client()->finishWrite(temporary, true);
         client()->finishSize(temporary, 3000);
-        QCOMPARE(client()->last(), QStringLiteral("size /a.mov"));
-        client()->finishSize(QStringLiteral("/a.mov"), -1, false);
+        QCOMPARE(client()->last(), QStringLiteral("list /")); // nothing has come there meanwhile
+        client()->finishList(QStringLiteral("/"), {fileEntry(temporary, 3000)});
         QCOMPARE(client()->last(), QStringLiteral("move %1 /a.mov").arg(temporary));
         client()->finishMove(temporary, QStringLiteral("/a.mov"), true);
         QCOMPARE(upload->state(), State::Passed);
@@ -138,7 +138,7 @@ private Q_SLOTS:
         // The link goes once more, while the name changes: what the server shows decides.
         client()->finishWrite(temporary, true);
         client()->finishSize(temporary, 3 << 20);
-        client()->finishSize(QStringLiteral("/a.mov"), -1, false);
+        client()->finishList(QStringLiteral("/"), {fileEntry(temporary, 3 << 20)});
         client()->setConnected(false);
         client()->finishMove(temporary, QStringLiteral("/a.mov"), false);
         client()->setConnected(true);
@@ -211,14 +211,29 @@ private Q_SLOTS:
         know(QStringLiteral("/"), {});
         upload->setConflictPolicy(ConflictPolicy::Ask);
         const QString temporary = sendWhole(*upload, 30);
-        QCOMPARE(client()->last(), QStringLiteral("size /a.mov"));
-        client()->finishSize(QStringLiteral("/a.mov"), 5);
         QCOMPARE(client()->last(), QStringLiteral("list /"));
         client()->finishList(QStringLiteral("/"),
                              {fileEntry(QStringLiteral("/a.mov"), 5), fileEntry(temporary, 30)});
         QVERIFY(upload->conflict());
         upload->answerConflict(ConflictPolicy::KeepBoth, false);
         QCOMPARE(client()->last(), QStringLiteral("move %1 /a (2).mov").arg(temporary));
+    }
+
+    /// What lies there afterwards is as long as what was sent, and was so before.
+    void lostWhileItReplacesOneAsLong()
+    {
+        const auto upload = transferUp(QByteArray(30, 'x'), QStringLiteral("/a.mov"));
+        const QList<ClientFileSystemInfo> there{fileEntry(QStringLiteral("/a.mov"), 30)};
+        know(QStringLiteral("/"), there);
+        upload->setConflictPolicy(ConflictPolicy::Replace);
+        const QString temporary = sendWhole(*upload, 30);
+        QCOMPARE(client()->last(), QStringLiteral("move %1 /a.mov").arg(temporary));
+        client()->setConnected(false);
+        client()->setConnected(true);
+        QTRY_COMPARE(client()->last(), QStringLiteral("list /"));
+        client()->finishList(QStringLiteral("/"), there);
+        QCOMPARE(upload->state(), State::Running);
+        QCOMPARE(client()->last(), QStringLiteral("write ") + temporary);
     }
 
     void replacedFileIsNeverLost_data()
@@ -308,7 +323,8 @@ private Q_SLOTS:
         QSignalSpy changed(m_server.get(), &FileSystem::directoryChanged);
         const QString temporary = sendWhole(*upload, 30);
         const QString path = QStringLiteral("/show/source.mov");
-        client()->finishSize(path, -1, false);
+        client()->finishList(QStringLiteral("/show/"), {fileEntry(temporary, 30)});
+        changed.clear();
         client()->finishMove(temporary, path, true);
         QCOMPARE(upload->state(), State::Passed);
         QCOMPARE(changed.size(), 1);

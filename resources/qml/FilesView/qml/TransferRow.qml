@@ -18,7 +18,7 @@ Item {
     required property string errorText
     required property bool isTransfer
     required property int waitsFor
-    required property bool isVerified
+    required property string outcomeText
 
     readonly property bool isOpen: stage < 4
     readonly property bool isFailed: stage === 5
@@ -27,7 +27,7 @@ Item {
     readonly property string text: name + ": " + stageText
     readonly property string waitText: ["", qsTr("Waiting for the server"), qsTr("Waiting for the disk")][waitsFor]
     readonly property string stageText: [waitText.length > 0 ? waitText : qsTr("Waiting"), qsTr("Running"), qsTr("Asks"), qsTr("Stopping"),
-                                         isVerified ? qsTr("Done, verified") : qsTr("Done"),
+                                         outcomeText,
                                          qsTr("Failed")][stage]
     readonly property bool isUpload: session.localFilesModel !== null
                                      && sourceFileSystem === session.localFilesModel.fileSystem.fileSystemName
