@@ -2,6 +2,7 @@
 #include "common/filesystem/models/filesmodel.h"
 #include "common/filesystem/models/filesystemdrophandler.h"
 #include "common/filesystem/models/operationsmodel.h"
+#include "common/notification/notificationmanagerimpl.h"
 #include "tests/support/fakefiles.h"
 #include "tests/support/testmain.h"
 
@@ -21,7 +22,8 @@ private Q_SLOTS:
     {
         m_local = std::make_unique<FakeFiles>(QStringLiteral("Local files"));
         m_server = std::make_unique<FakeFiles>(QStringLiteral("Server files"));
-        for (const char* path : {"/shows/a.mov", "/shows/b.mov", "/shows/Act/"})
+        for (const char* path :
+             {"/shows/a.mov", "/shows/b.mov", "/shows/Act/", "/shows/notes.txt", "/shows/logo.png"})
             m_local->add(QString::fromLatin1(path));
         m_server->add(QStringLiteral("/media/"));
         m_provider.local = m_local.get();
@@ -107,11 +109,18 @@ private Q_SLOTS:
         const QVariant local = QVariant::fromValue<FileSystem*>(m_local.get());
         QVERIFY(drops.dropUrls({QUrl::fromLocalFile("/shows/b.mov")}, local, QStringLiteral("/shows/Act/")));
         QVERIFY(!drops.dropUrls({QUrl("http://a/b.mov")}, server, QStringLiteral("/media/")));
+        // No view would show it there.
+        const qsizetype told = NotificationManagerImpl::instance()->notifications().size();
+        QVERIFY(
+            drops.dropUrls({QUrl::fromLocalFile("/shows/notes.txt"), QUrl::fromLocalFile("/shows/logo.png")},
+                           server, QStringLiteral("/media/")));
+        QCOMPARE(NotificationManagerImpl::instance()->notifications().size(), told + 1);
         QVERIFY(
             !drops.dropUrls({QUrl::fromLocalFile("/shows/notes.txt")}, server, QStringLiteral("/media/")));
-        QCOMPARE(m_queue->calls, (QStringList{"copy /shows/Act/ /media/", "copy /shows/b.mov /media/",
-                                              "move /shows/a.mov /media/", "copy /shows/b.mov /media/",
-                                              "copy /shows/b.mov /shows/Act/"}));
+        QCOMPARE(m_queue->calls,
+                 (QStringList{"copy /shows/Act/ /media/", "copy /shows/b.mov /media/",
+                              "move /shows/a.mov /media/", "copy /shows/b.mov /media/",
+                              "copy /shows/b.mov /shows/Act/", "copy /shows/logo.png /media/"}));
         // What is put elsewhere on its own side leaves only when it is dragged there.
         m_queue->calls.clear();
         QVERIFY(drops.dropMimeData(model.mimeOf({1}), local, QStringLiteral("/shows/Act/")));
