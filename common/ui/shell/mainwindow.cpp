@@ -200,6 +200,7 @@ void MainWindow::addView(int index, const QString& caption, const QString& icon,
     auto* button = new NavButton(QStringLiteral("  ") + caption, icon, m_navigationBar);
     button->setObjectName(name);
     button->setAccessibleName(caption);
+    button->setOpensByDrag(true);
     m_navigationBar->addTab(index, button);
 }
 

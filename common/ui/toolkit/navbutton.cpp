@@ -5,7 +5,11 @@
 #include "common/ui/style/fontsizefollower.h"
 #include "common/ui/style/iconcache.h"
 
+#include <QDragEnterEvent>
+
 namespace vantrel {
+
+using namespace std::chrono_literals;
 
 NavButton::NavButton(const QString& text, const QString& icon, QWidget* parent)
     : PushButton(text, parent)
@@ -15,6 +19,9 @@ NavButton::NavButton(const QString& text, const QString& icon, QWidget* parent)
     setFocusPolicy(Qt::TabFocus);
     setCursor(Qt::PointingHandCursor);
     setDynamicStyle(this, "active", false);
+    m_dragRest.setSingleShot(true);
+    m_dragRest.setInterval(500ms);
+    connect(&m_dragRest, &QTimer::timeout, this, &QAbstractButton::click);
     followFontSize(this, [this](FontSize size) {
         setIconSize(QSize(iconExtent(size), iconExtent(size)));
         updateIcon();
@@ -26,6 +33,20 @@ void NavButton::setActive(bool active)
     m_active = active;
     setDynamicStyle(this, "active", active);
     updateIcon();
+}
+
+/// Nothing can be dropped on the button itself, which the mouse shows all the while.
+void NavButton::dragEnterEvent(QDragEnterEvent* event)
+{
+    event->setDropAction(Qt::IgnoreAction);
+    event->accept(); // else it hears no more of the drag
+    if (!m_active)
+        m_dragRest.start();
+}
+
+void NavButton::dragLeaveEvent(QDragLeaveEvent*)
+{
+    m_dragRest.stop();
 }
 
 void NavButton::updateIcon()
