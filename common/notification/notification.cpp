@@ -13,6 +13,7 @@ public:
     QString details;
     QDateTime dateTime = QDateTime::currentDateTime();
     bool isAccepted = false;
+    int repeats = 1;
 };
 
 namespace {
@@ -97,6 +98,18 @@ void Notification::setIsAccepted(bool accepted)
 {
     if (assign(m_private->isAccepted, accepted))
         Q_EMIT isAcceptedChanged();
+}
+
+int Notification::repeats() const
+{
+    return m_private->repeats;
+}
+
+void Notification::repeat()
+{
+    ++m_private->repeats;
+    m_private->dateTime = QDateTime::currentDateTime();
+    Q_EMIT repeatsChanged();
 }
 
 NotificationManager* Notification::manager() const

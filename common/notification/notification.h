@@ -50,6 +50,10 @@ public:
     /// The operator has acknowledged it.
     bool isAccepted() const;
     void setIsAccepted(bool accepted);
+    /// How often it was said, the first time among them.
+    int repeats() const;
+    /// It is said once more: now.
+    void repeat();
     NotificationManager* manager() const;
 
 Q_SIGNALS:
@@ -58,6 +62,7 @@ Q_SIGNALS:
     void detailsChanged();
     void dateTimeChanged();
     void isAcceptedChanged();
+    void repeatsChanged();
 
 private:
     std::unique_ptr<NotificationPrivate> m_private;

@@ -3,7 +3,15 @@
 #include "common/notification/notificationlogging.h"
 #include "common/notification/notificationmanagerimpl_p.h"
 
+#include <algorithm>
+
 namespace vantrel {
+
+namespace {
+
+constexpr qsizetype searched = 64; // of the newest, for one that is said again
+
+} // namespace
 
 void NotificationManagerImplPrivate::observeNotification(const QSharedPointer<Notification>& notification)
 {
@@ -18,6 +26,20 @@ void NotificationManagerImplPrivate::observeNotification(const QSharedPointer<No
     connect(source, &Notification::detailsChanged, this, changed);
     connect(source, &Notification::dateTimeChanged, this, changed);
     connect(source, &Notification::isAcceptedChanged, this, changed);
+    connect(source, &Notification::repeatsChanged, this, changed);
+}
+
+QSharedPointer<Notification> NotificationManagerImplPrivate::findWaiting(Notification::MessageType type,
+                                                                         const QString& title,
+                                                                         const QString& details) const
+{
+    const auto newest = std::min<qsizetype>(list.size(), searched);
+    for (qsizetype i = 1; i <= newest; ++i) {
+        const QSharedPointer<Notification>& one = list.at(list.size() - i);
+        if (!one->isAccepted() && one->type() == type && one->title() == title && one->details() == details)
+            return one;
+    }
+    return {};
 }
 
 void NotificationManagerImplPrivate::forgetAll()
@@ -45,6 +67,10 @@ QSharedPointer<Notification> NotificationManagerImpl::createNotification(Notific
                                                                          QString const& title,
                                                                          QString const& details)
 {
+    if (const auto same = m_private->findWaiting(type, title, details)) {
+        same->repeat();
+        return same;
+    }
     const auto notification = QSharedPointer<Notification>::create(this, type, title, details);
     addNotification(notification);
     return notification;

@@ -17,6 +17,9 @@ public:
 
     void observeNotification(const QSharedPointer<Notification>& notification);
     void forgetAll();
+    /// That says the same and that nobody has accepted yet; null for none.
+    QSharedPointer<Notification> findWaiting(Notification::MessageType type, const QString& title,
+                                             const QString& details) const;
 
     QList<QSharedPointer<Notification>> list;
 

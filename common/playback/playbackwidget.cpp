@@ -32,6 +32,7 @@
 #include "common/ui/style/spacing.h"
 #include "common/ui/timecode/timecodedisplay.h"
 #include "common/ui/toolkit/blockedreason.h"
+#include "common/ui/toolkit/uncovered.h"
 #include "common/views/playlist/nextentrylabel.h"
 #include "tarn/media/playenums.h"
 #include "tarn/scene/scene.h"
@@ -159,6 +160,8 @@ void PlaybackWidget::nameChildren()
     setObjectName(prefix.chopped(1));
     m_slider->setObjectNames(prefix + QStringLiteral("SeekSlider"));
     m_preview->setObjectName(prefix + QStringLiteral("PreviewWidget"));
+    keepUncovered(m_preview);
+    keepUncovered(m_timecodes);
     m_notice->setObjectName(prefix + QStringLiteral("Notice"));
     m_hint->setObjectName(prefix + QStringLiteral("Hint"));
     m_timecodes->setObjectNames(prefix + QStringLiteral("PlaybackTimecodes"));

@@ -2,6 +2,7 @@
 
 #include "common/ui/keyboard/hotkeytip.h"
 #include "common/ui/style/dynamicstyle.h"
+#include "common/ui/toolkit/uncovered.h"
 
 #include <QApplication>
 #include <QFocusEvent>
@@ -26,6 +27,7 @@ TakeButton::TakeButton(QWidget* parent)
     , m_takenLabel(new QLabel(m_label->text(), m_bar))
     , m_shadow(new QGraphicsDropShadowEffect(this))
 {
+    keepUncovered(this);
     setObjectName(QStringLiteral("Take"));
     setHotkeyTip(this, tr("Perform take"), {QStringLiteral("take")});
     setAccessibleName(tr("Take"));

@@ -58,7 +58,8 @@ const QStringList disturbedWarnings = {
     QStringLiteral("PlayMediaCommand"), // while there is no channel to play on
     QStringLiteral("No object found for path /device/channels/"),
     QStringLiteral("Playback object for index '0' not found"),
-    QStringLiteral("Not a JPEG file: "), // of the library that decodes pictures
+    QStringLiteral("this method must only be called once"), // Qt's own, of a reply that fails twice
+    QStringLiteral("Not a JPEG file: "),                    // of the library that decodes pictures
 };
 
 bool isAmong(const QStringList& parts, const QString& line)

@@ -35,9 +35,11 @@
 #include "common/ui/toolkit/navbutton.h"
 #include "common/ui/toolkit/placeholderview.h"
 #include "common/ui/toolkit/stackedtabwidget.h"
+#include "common/ui/toolkit/uncovered.h"
 #include "common/views/files/filesview.h"
 
 #include <QApplication>
+#include <QDialog>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QQuickWidget>
@@ -275,8 +277,10 @@ void MainWindow::autoConnect(const QString& host)
     QTimer::singleShot(startDelay, this, [this, host] { m_session->connectionHandler()->connect(host); });
     // One that does not even refuse is not waited for without a word.
     QTimer::singleShot(startDelay + quietAttempt, this, [this] {
-        if (!m_attemptedHost.isEmpty())
-            connectDialog()->showConnectingDialog(m_attemptedHost);
+        onceNoDialogIsOpen([this] {
+            if (!m_attemptedHost.isEmpty())
+                connectDialog()->showConnectingDialog(m_attemptedHost);
+        });
     });
 }
 
@@ -318,10 +322,21 @@ quint16 MainWindow::startClickTestServer(quint16 port)
     return m_clickTestServer->port();
 }
 
+/// At the lower end, in its middle unless it would lie over what is watched there.
 void MainWindow::repositionNotifications()
 {
-    m_notificationPresenter->move((width() - m_notificationPresenter->width()) / 2,
-                                  height() - m_notificationPresenter->height() - m_statusBar->height());
+    m_notificationPresenter->setMostWidth(std::max(240, width() / 2));
+    const QSize size = m_notificationPresenter->size();
+    const int y = height() - size.height() - m_statusBar->height();
+    const int middle = (width() - size.width()) / 2;
+    int x = middle;
+    for (const int candidate : {middle, spacing::normal, width() - size.width() - spacing::normal}) {
+        if (!coversKept(*this, QRect(QPoint(candidate, y), size))) {
+            x = candidate;
+            break;
+        }
+    }
+    m_notificationPresenter->move(x, y);
 }
 
 void MainWindow::handleConnectRequest()
@@ -357,7 +372,22 @@ void MainWindow::onDisconnected(const QString& address)
 
 void MainWindow::onAttemptFailed(const QString& host, const QString& reason, const QString& next)
 {
-    connectDialog()->showFailure(host, reason, next);
+    onceNoDialogIsOpen([this, host, reason, next] {
+        if (!m_session->isConnected())
+            connectDialog()->showFailure(host, reason, next);
+    });
+}
+
+/// One that is open would keep the mouse from any that comes beside it, and is not to vanish from under it.
+void MainWindow::onceNoDialogIsOpen(const std::function<void()>& show)
+{
+    const auto* open = qobject_cast<const QDialog*>(QApplication::activeModalWidget());
+    if (!open)
+        return show();
+    // When it is gone for good.
+    const auto again = [this, show] { onceNoDialogIsOpen(show); };
+    connect(open, &QDialog::finished, this, again,
+            static_cast<Qt::ConnectionType>(Qt::QueuedConnection | Qt::SingleShotConnection));
 }
 
 void MainWindow::openConfigurationDialog()

@@ -3,6 +3,8 @@
 #include <QMainWindow>
 #include <QPointer>
 
+#include <functional>
+
 class QAction;
 class QVBoxLayout;
 
@@ -79,6 +81,7 @@ private:
     void openConfigurationDialog();
     void openKeyboardDialog();
     void stepTextSize(int step);
+    void onceNoDialogIsOpen(const std::function<void()>& show);
     void showInspector();
 
     Session* m_session;

@@ -4,10 +4,9 @@
 
 #include <QPointer>
 
-class QTextBrowser;
-
 namespace vantrel {
 
+class NotificationList;
 class NotificationManager;
 
 /// All notifications, newest first. Looking at them acknowledges them when the dialog is closed by its
@@ -24,7 +23,7 @@ private:
     void acceptAll();
 
     QPointer<NotificationManager> m_manager;
-    QTextBrowser* m_list;
+    NotificationList* m_list;
 };
 
 } // namespace vantrel

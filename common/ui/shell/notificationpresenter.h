@@ -1,21 +1,28 @@
 #pragma once
 
+#include "common/notification/notification.h"
 #include "common/ui/toolkit/ztframe.h"
 
+#include <QList>
 #include <QPointer>
 #include <QSharedPointer>
+#include <QTimer>
+#include <QWeakPointer>
+
+#include <chrono>
 
 class QLabel;
 
 namespace vantrel {
 
+class ElidedLabel;
 class NotificationManager;
-class Notification;
 class PushButton;
-class ZTLabel;
 
 /// The pop-up over the window for the notification that most needs the operator: the highest kind first, the
-/// oldest of a kind first. It lets the mouse through, and hides, while there is none.
+/// oldest of a kind first. An error stays until it is acknowledged; others leave after six seconds, for which
+/// nobody rests on them with the mouse, and a warning is counted on. It lets the mouse through, and hides,
+/// while there is none.
 class NotificationPresenter : public ZTFrame
 {
     Q_OBJECT
@@ -23,20 +30,34 @@ class NotificationPresenter : public ZTFrame
 public:
     NotificationPresenter(NotificationManager* manager, QWidget* parent);
 
-    /// Null while all are acknowledged.
+    /// Null while there is none to show.
     QSharedPointer<Notification> pending() const;
+    /// For how long what is no error is shown: six seconds.
+    void setStay(std::chrono::milliseconds stay) { m_stay.setInterval(stay); }
+    /// It grows no wider; in pixels.
+    void setMostWidth(int width);
 
 Q_SIGNALS:
     /// The operator wants the details.
     void detailsClicked();
 
+protected:
+    void enterEvent(QEnterEvent* event) override;
+    void leaveEvent(QEvent* event) override;
+
 private:
     void refresh();
+    void leave();
     void updateMouseInput();
+    bool hasLeft(const QSharedPointer<Notification>& notification) const;
 
     QPointer<NotificationManager> m_manager;
+    QList<QWeakPointer<Notification>> m_left; // warnings that have been shown for long enough
+    QSharedPointer<Notification> m_shown;
+    QTimer m_stay;
+    int m_mostWidth = 800;
     QLabel* m_icon;
-    ZTLabel* m_title;
+    ElidedLabel* m_title;
     PushButton* m_details;
     PushButton* m_accept;
 };

@@ -1,6 +1,5 @@
 #include "common/ui/shell/notificationstatusbar.h"
 
-#include "common/notification/notificationmanager.h"
 #include "common/ui/shell/notificationstyle.h"
 #include "common/ui/style/fontsizefollower.h"
 #include "common/ui/style/iconcache.h"
@@ -9,12 +8,11 @@
 
 #include <QHBoxLayout>
 
-#include <algorithm>
-
 namespace vantrel {
 
 NotificationStatusBar::NotificationStatusBar(QWidget* parent)
     : QWidget(parent)
+    , m_counts(new NotificationStatusModel(this))
 {
     setObjectName(QStringLiteral("NotificationStatusBar"));
     auto* layout = new QHBoxLayout(this);
@@ -32,7 +30,6 @@ NotificationStatusBar::NotificationStatusBar(QWidget* parent)
         });
         number->setObjectName(QStringLiteral("NotificationStatusBar-count-%1").arg(static_cast<int>(type)));
         entry->setToolTip(notificationName(type));
-        entry->setAccessibleName(notificationName(type));
         auto* row = new QHBoxLayout(entry);
         row->setContentsMargins(6, 2, 6, 2);
         row->setSpacing(4);
@@ -42,30 +39,18 @@ NotificationStatusBar::NotificationStatusBar(QWidget* parent)
         connect(entry, &ClickableLayoutWidget::clicked, this, &NotificationStatusBar::clicked);
         m_entries.insert(type, {entry, number});
     }
+    connect(m_counts, &QAbstractItemModel::modelReset, this, &NotificationStatusBar::refresh);
     refresh();
 }
 
 void NotificationStatusBar::setManager(NotificationManager* manager)
 {
-    if (m_manager)
-        m_manager->disconnect(this);
-    m_manager = manager;
-    if (m_manager) {
-        connect(m_manager, &NotificationManager::notificationsChanged, this, &NotificationStatusBar::refresh);
-        connect(m_manager, &NotificationManager::notificationChanged, this, &NotificationStatusBar::refresh);
-    }
-    refresh();
+    m_counts->setManager(manager);
 }
 
 int NotificationStatusBar::count(Notification::MessageType type) const
 {
-    if (!m_manager)
-        return 0;
-    const auto all = m_manager->notifications();
-    return static_cast<int>(
-        std::ranges::count_if(all, [type](const QSharedPointer<Notification>& notification) {
-            return notification->type() == type && !notification->isAccepted();
-        }));
+    return m_counts->count(type);
 }
 
 void NotificationStatusBar::refresh()
@@ -73,6 +58,7 @@ void NotificationStatusBar::refresh()
     for (auto it = m_entries.cbegin(); it != m_entries.cend(); ++it) {
         const int waiting = count(it.key());
         it.value().number->setText(QString::number(waiting));
+        it.value().widget->setAccessibleName(tr("%1: %2").arg(notificationName(it.key())).arg(waiting));
         it.value().widget->setVisible(waiting > 0);
     }
 }

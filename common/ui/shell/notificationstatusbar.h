@@ -1,10 +1,9 @@
 #pragma once
 
 #include "common/notification/notification.h"
-#include "common/notification/notificationmanager.h"
+#include "common/notification/notificationstatusmodel.h"
 
 #include <QMap>
-#include <QPointer>
 #include <QWidget>
 
 namespace vantrel {
@@ -21,7 +20,7 @@ class NotificationStatusBar : public QWidget
 public:
     explicit NotificationStatusBar(QWidget* parent = nullptr);
 
-    NotificationManager* manager() const { return m_manager; }
+    NotificationManager* manager() const { return m_counts->manager(); }
     void setManager(NotificationManager* manager);
     /// Unacknowledged notifications of the kind.
     int count(Notification::MessageType type) const;
@@ -37,7 +36,7 @@ private:
     };
     void refresh();
 
-    QPointer<NotificationManager> m_manager;
+    NotificationStatusModel* m_counts;
     QMap<Notification::MessageType, Entry> m_entries;
 };
 

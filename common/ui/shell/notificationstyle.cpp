@@ -3,6 +3,7 @@
 #include "common/ui/style/colors.h"
 
 #include <QCoreApplication>
+#include <QTextDocumentFragment>
 
 namespace vantrel {
 
@@ -49,6 +50,12 @@ QString notificationName(Notification::MessageType type)
         break;
     }
     return QCoreApplication::translate("Notification", "Messages");
+}
+
+QString plainText(const QString& richText)
+{
+    const bool isPlain = !richText.contains(u'<') && !richText.contains(u'&');
+    return isPlain ? richText : QTextDocumentFragment::fromHtml(richText).toPlainText();
 }
 
 } // namespace vantrel

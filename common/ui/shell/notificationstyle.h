@@ -12,5 +12,7 @@ QString notificationIcon(Notification::MessageType type);
 QColor notificationColor(Notification::MessageType type);
 /// "Error", "Warning", ...: for tooltips and accessible names.
 QString notificationName(Notification::MessageType type);
+/// A title or details as a line of text: without their markup.
+QString plainText(const QString& richText);
 
 } // namespace vantrel

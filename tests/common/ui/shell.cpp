@@ -322,6 +322,28 @@ private Q_SLOTS:
         warning->setIsAccepted(true);
         QVERIFY(presenter.testAttribute(Qt::WA_TransparentForMouseEvents) && presenter.isHidden());
     }
+
+    /// What is done needs nobody, a warning is counted on, an error stays until somebody has seen it.
+    void notificationsLeaveByThemselves()
+    {
+        NotificationManagerImpl manager;
+        QWidget window;
+        NotificationStatusBar counts(&window);
+        counts.setManager(&manager);
+        NotificationPresenter presenter(&manager, &window);
+        presenter.setStay(std::chrono::milliseconds(1));
+        const auto done = manager.createNotification(Notification::CheckedMessage, QStringLiteral("d"), {});
+        const auto warning =
+            manager.createNotification(Notification::WarningMessage, QStringLiteral("w"), {});
+        QTRY_VERIFY(presenter.isHidden());
+        QVERIFY(done->isAccepted() && !warning->isAccepted());
+        QCOMPARE(counts.count(Notification::WarningMessage), 1);
+        const auto error = manager.createNotification(Notification::ErrorMessage, QStringLiteral("e"), {});
+        const auto next = manager.createNotification(Notification::InfoMessage, QStringLiteral("i"), {});
+        QCOMPARE(presenter.pending(), error);
+        error->setIsAccepted(true);
+        QTRY_VERIFY(next->isAccepted());
+    }
 };
 
 HALCYRA_TEST(ShellTest)

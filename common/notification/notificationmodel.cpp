@@ -1,0 +1,185 @@
+#include "common/notification/notificationmodel.h"
+
+#include "common/notification/notificationlogging.h"
+#include "common/notification/notificationmodel_p.h"
+
+#include <array>
+
+namespace vantrel {
+
+namespace {
+
+struct Column
+{
+    int role;
+    const char* name;
+    const char* header;
+};
+
+constexpr std::array columns{
+    Column{NotificationModel::TypeRole, "type", QT_TRANSLATE_NOOP("NotificationModel", "Message type")},
+    Column{NotificationModel::TitleRole, "title", QT_TRANSLATE_NOOP("NotificationModel", "Title")},
+    Column{NotificationModel::DetailsRole, "details", QT_TRANSLATE_NOOP("NotificationModel", "Details")},
+    Column{NotificationModel::DateTimeRole, "dateTime", QT_TRANSLATE_NOOP("NotificationModel", "Created")},
+    Column{NotificationModel::AcceptedRole, "accepted", QT_TRANSLATE_NOOP("NotificationModel", "Accepted")},
+};
+
+} // namespace
+
+NotificationModel::NotificationModel(QObject* parent)
+    : QAbstractListModel(parent)
+    , d(std::make_unique<NotificationModelPrivate>(this))
+{
+}
+
+NotificationModel::~NotificationModel() = default;
+
+NotificationManager* NotificationModel::manager() const
+{
+    return d->m_manager;
+}
+
+void NotificationModel::setManager(NotificationManager* manager)
+{
+    d->setManager(manager);
+}
+
+QSharedPointer<Notification> NotificationModel::notificationAt(int row) const
+{
+    return d->m_rows.value(row);
+}
+
+int NotificationModel::rowCount(const QModelIndex& parent) const
+{
+    return parent.isValid() ? 0 : static_cast<int>(d->m_rows.size());
+}
+
+int NotificationModel::columnCount(const QModelIndex& parent) const
+{
+    return parent.isValid() ? 0 : static_cast<int>(columns.size());
+}
+
+QVariant NotificationModel::valueOf(const Notification& notification, int role)
+{
+    switch (role) {
+    case TypeRole:
+        return QVariant::fromValue(notification.type());
+    case TitleRole:
+        return notification.title();
+    case DetailsRole:
+        return notification.details().replace(u'\n', QStringLiteral("<br>"));
+    case DateTimeRole:
+        return notification.dateTime();
+    case AcceptedRole:
+        return notification.isAccepted();
+    case RepeatsRole:
+        return notification.repeats();
+    default:
+        return {};
+    }
+}
+
+QHash<int, QByteArray> NotificationModel::names()
+{
+    QHash<int, QByteArray> all{{RepeatsRole, "repeats"}};
+    for (const Column& column : columns)
+        all.insert(column.role, column.name);
+    return all;
+}
+
+QHash<int, QByteArray> NotificationModel::roleNames() const
+{
+    return names();
+}
+
+QVariant NotificationModel::data(const QModelIndex& index, int role) const
+{
+    const auto notification = index.isValid() ? notificationAt(index.row()) : nullptr;
+    if (!notification || !checkIndex(index))
+        return {};
+    // A table asks for what stands in a column, and for much that is nothing to it.
+    const int asked = role == Qt::DisplayRole ? columns[static_cast<std::size_t>(index.column())].role : role;
+    const QVariant value = valueOf(*notification, asked);
+    if (!value.isValid() && role > Qt::UserRole)
+        qCWarning(lcNotification) << "Unexpected role" << role << "on row" << index.row();
+    return value;
+}
+
+QVariant NotificationModel::headerData(int section, Qt::Orientation orientation, int role) const
+{
+    if (orientation != Qt::Horizontal || role != Qt::DisplayRole || section < 0 ||
+        section >= static_cast<int>(columns.size()))
+        return QAbstractListModel::headerData(section, orientation, role);
+    return tr(columns[static_cast<std::size_t>(section)].header);
+}
+
+bool NotificationModel::setData(const QModelIndex& index, const QVariant& value, int role)
+{
+    const auto notification = index.isValid() ? notificationAt(index.row()) : nullptr;
+    if (!notification || role != AcceptedRole)
+        return false;
+    notification->setIsAccepted(value.toBool());
+    return true;
+}
+
+void NotificationModelPrivate::setManager(NotificationManager* manager)
+{
+    if (m_manager == manager)
+        return;
+    if (m_manager)
+        m_manager->disconnect(this);
+    m_manager = manager;
+    if (manager) {
+        connect(manager, &NotificationManager::notificationsChanged, this,
+                &NotificationModelPrivate::onNotificationsChanged);
+        connect(manager, &NotificationManager::notificationChanged, this,
+                &NotificationModelPrivate::onNotificationChanged);
+        connect(manager, &QObject::destroyed, this, [this] { updateModel({}); });
+    }
+    updateModel(manager ? manager->notifications() : QList<NotificationPtr>());
+    Q_EMIT m_model->managerChanged();
+}
+
+void NotificationModelPrivate::onNotificationsChanged()
+{
+    qCDebug(lcNotification) << "Notifications changed...";
+    updateModel(m_manager->notifications());
+}
+
+/// Position by position.
+void NotificationModelPrivate::updateModel(const QList<NotificationPtr>& list)
+{
+    for (qsizetype at = 0; at < list.size(); ++at) {
+        if (at >= m_rows.size() || m_rows.at(at) != list.at(at))
+            takeRow(list.at(at), at);
+    }
+    const qsizetype left = m_rows.size();
+    if (left <= list.size())
+        return;
+    m_model->beginRemoveRows({}, static_cast<int>(list.size()), static_cast<int>(left) - 1);
+    m_rows.resize(list.size());
+    m_model->endRemoveRows();
+}
+
+void NotificationModelPrivate::takeRow(const NotificationPtr& notification, qsizetype to)
+{
+    const int row = static_cast<int>(to);
+    if (const qsizetype from = m_rows.indexOf(notification, to); from >= 0) {
+        m_model->beginMoveRows({}, static_cast<int>(from), static_cast<int>(from), {}, row);
+        m_rows.move(from, to);
+        m_model->endMoveRows();
+        return;
+    }
+    m_model->beginInsertRows({}, row, row);
+    m_rows.insert(to, notification);
+    m_model->endInsertRows();
+}
+
+void NotificationModelPrivate::onNotificationChanged(const NotificationPtr& notification)
+{
+    const int row = static_cast<int>(m_rows.lastIndexOf(notification));
+    if (row >= 0)
+        Q_EMIT m_model->dataChanged(m_model->index(row, 0), m_model->index(row, m_model->columnCount() - 1));
+}
+
+} // namespace vantrel

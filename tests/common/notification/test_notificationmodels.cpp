@@ -1,0 +1,142 @@
+#include "common/notification/notificationmanagerimpl.h"
+#include "common/notification/notificationstatusmodel.h"
+#include "common/notification/pendingnotificationmodel.h"
+#include "common/notification/sortednotificationmodel.h"
+#include "tests/support/testmain.h"
+
+#include <QAbstractItemModelTester>
+#include <QSignalSpy>
+#include <QTest>
+
+namespace vantrel::test {
+
+/// The cuts of a manager's list that views show.
+class TestNotificationModels : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        m_manager = std::make_unique<NotificationManagerImpl>();
+        m_model = std::make_unique<NotificationModel>();
+        m_tester = std::make_unique<QAbstractItemModelTester>(
+            m_model.get(), QAbstractItemModelTester::FailureReportingMode::Fatal);
+        m_model->setManager(m_manager.get());
+    }
+    void cleanup() { m_tester.reset(); }
+
+    /// What views keep of rows goes with a reset.
+    void rowsComeAndGoOneByOne()
+    {
+        QSignalSpy resets(m_model.get(), &QAbstractItemModel::modelReset);
+        add(Notification::InfoMessage, "a");
+        const auto b = add(Notification::ErrorMessage, "b");
+        const QPersistentModelIndex kept = m_model->index(1, 0);
+        add(Notification::InfoMessage, "c\nd");
+        QCOMPARE(m_model->rowCount(), 3);
+        QCOMPARE(m_model->index(2, 0).data(NotificationModel::DetailsRole).toString(),
+                 QStringLiteral("c<br>d"));
+        QSignalSpy changed(m_model.get(), &QAbstractItemModel::dataChanged);
+        QVERIFY(m_model->setData(kept, true, NotificationModel::AcceptedRole));
+        QVERIFY(b->isAccepted());
+        QCOMPARE(changed.size(), 1);
+        QVERIFY(!m_model->setData(kept, QStringLiteral("x"), NotificationModel::TitleRole));
+        QVERIFY(kept.isValid());
+        QCOMPARE(m_model->headerData(3, Qt::Horizontal, Qt::DisplayRole).toString(),
+                 QStringLiteral("Created"));
+        QCOMPARE(m_model->index(1, 4).data(Qt::DisplayRole).toBool(), true);
+        m_manager->clear();
+        QCOMPARE(m_model->rowCount(), 0);
+        QCOMPARE(resets.size(), 0);
+        add(Notification::InfoMessage, "e");
+        m_manager.reset();
+        QCOMPARE(m_model->rowCount(), 0);
+    }
+
+    void newestStandsFirst()
+    {
+        SortedNotificationModel sorted;
+        const QAbstractItemModelTester tester(&sorted, QAbstractItemModelTester::FailureReportingMode::Fatal);
+        sorted.setManager(m_manager.get());
+        const QDateTime noon(QDate(2026, 5, 1), QTime(12, 0));
+        add(Notification::InfoMessage, "first")->setDateTime(noon);
+        add(Notification::InfoMessage, "last")->setDateTime(noon.addSecs(5));
+        QCOMPARE(sorted.index(0, 0).data(NotificationModel::TitleRole).toString(), QStringLiteral("last"));
+    }
+
+    void gravestIsPending()
+    {
+        PendingNotificationModel pending;
+        const QAbstractItemModelTester tester(&pending,
+                                              QAbstractItemModelTester::FailureReportingMode::Fatal);
+        pending.setManager(m_manager.get());
+        const auto title = [&pending] {
+            return pending.index(0, 0).data(NotificationModel::TitleRole).toString();
+        };
+        QCOMPARE(pending.rowCount(), 0);
+        add(Notification::WarningMessage, "warning");
+        QCOMPARE(title(), QStringLiteral("warning"));
+        const auto error = add(Notification::ErrorMessage, "error");
+        add(Notification::ErrorMessage, "second error");
+        QCOMPARE(title(), QStringLiteral("error"));
+        QVERIFY(pending.setData(pending.index(0, 0), true, NotificationModel::AcceptedRole));
+        QVERIFY(error->isAccepted());
+        QCOMPARE(title(), QStringLiteral("second error"));
+        error->setIsAccepted(false); // waits again, and was there before
+        QCOMPARE(title(), QStringLiteral("error"));
+        m_manager->clear();
+        QCOMPARE(pending.rowCount(), 0);
+    }
+
+    void countsWhatWaits()
+    {
+        NotificationStatusModel status;
+        const QAbstractItemModelTester tester(&status, QAbstractItemModelTester::FailureReportingMode::Fatal);
+        status.setManager(m_manager.get());
+        add(Notification::WarningMessage, "w");
+        const auto e = add(Notification::ErrorMessage, "e1");
+        add(Notification::ErrorMessage, "e2");
+        add(Notification::ErrorMessage, "e3");
+        const auto row = [&status](int number) {
+            const QModelIndex index = status.index(number, 0);
+            return std::pair(index.data(NotificationStatusModel::TypeRole).value<Notification::MessageType>(),
+                             index.data(NotificationStatusModel::CountRole).toInt());
+        };
+        QCOMPARE(status.rowCount(), 2);
+        QCOMPARE(row(0), std::pair(Notification::ErrorMessage, 3));
+        QCOMPARE(row(1), std::pair(Notification::WarningMessage, 1));
+        e->setIsAccepted(true);
+        QCOMPARE(row(0).second, 2);
+    }
+
+    /// A server that says one thing a hundred times says one thing.
+    void repeatsAreOne()
+    {
+        const auto first = add(Notification::ErrorMessage, "same");
+        for (int i = 0; i < 9; ++i)
+            QCOMPARE(add(Notification::ErrorMessage, "same"), first);
+        QCOMPARE(m_model->rowCount(), 1);
+        QCOMPARE(m_model->index(0, 0).data(NotificationModel::RepeatsRole).toInt(), 10);
+        first->setIsAccepted(true); // who has read it hears of it again
+        QVERIFY(add(Notification::ErrorMessage, "same") != first);
+        QVERIFY(add(Notification::WarningMessage, "same") != first);
+        QCOMPARE(m_model->rowCount(), 3);
+    }
+
+private:
+    QSharedPointer<Notification> add(Notification::MessageType type, const char* text)
+    {
+        return m_manager->createNotification(type, QString::fromLatin1(text), QString::fromLatin1(text));
+    }
+
+    std::unique_ptr<NotificationManagerImpl> m_manager;
+    std::unique_ptr<NotificationModel> m_model;
+    std::unique_ptr<QAbstractItemModelTester> m_tester;
+};
+
+} // namespace vantrel::test
+
+using vantrel::test::TestNotificationModels;
+HALCYRA_TEST(TestNotificationModels)
+#include "test_notificationmodels.moc"
