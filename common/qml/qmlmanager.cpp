@@ -2,6 +2,9 @@
 
 #include "common/media/address/mediastate.h"
 #include "common/notification/notificationmanagerimpl.h"
+#include "common/notification/notificationstatusmodel.h"
+#include "common/notification/pendingnotificationmodel.h"
+#include "common/notification/sortednotificationmodel.h"
 #include "common/qml/dialogfactory.h"
 #include "common/qml/fontsizes.h"
 #include "common/qml/iconprovider.h"
@@ -34,6 +37,10 @@ void registerTypes()
     qmlRegisterType<SelectionModel>("Tessen.Models", 1, 0, "ZTSelectionModel");
     qmlRegisterUncreatableType<NotificationManager>("Tessen", 1, 0, "NotificationManager", uncreatable);
     qmlRegisterUncreatableType<Notification>("Tessen", 1, 0, "Notification", uncreatable);
+    qmlRegisterType<NotificationModel>("Tessen", 1, 0, "NotificationModel");
+    qmlRegisterType<SortedNotificationModel>("Tessen", 1, 0, "AllNotificationModel");
+    qmlRegisterType<PendingNotificationModel>("Tessen", 1, 0, "PendingNotificationModel");
+    qmlRegisterType<NotificationStatusModel>("Tessen", 1, 0, "NotificationStatusModel");
 }
 
 } // namespace
