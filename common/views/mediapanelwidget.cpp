@@ -1,9 +1,5 @@
 #include "common/views/mediapanelwidget.h"
 
-#include "common/import/dropsettler.h"
-#include "common/import/imagesequencecreator.h"
-#include "common/import/mediaarrivals.h"
-#include "common/import/mediaslotdrophandler.h"
 #include "common/media/address/showntext.h"
 #include "common/media/edit/implmediacollectionmanager.h"
 #include "common/media/edit/mediasloteditfunctional.h"
@@ -27,7 +23,6 @@
 #include "common/ui/toolkit/ztcombobox.h"
 #include "common/ui/toolkit/ztedit.h"
 #include "common/ui/toolkit/ztmenu.h"
-#include "common/views/arrivalstrip.h"
 #include "common/views/mediapanelmodel.h"
 #include "common/views/slotdelegate.h"
 #include "common/views/slotlistview.h"
@@ -66,11 +61,6 @@ MediaPanelWidget::MediaPanelWidget(Session* session, QWidget* parent)
     showReading(session);
     if (Hotkeys* hotkeys = session->hotkeys())
         addHotkeys(hotkeys);
-    auto* creator = new ImageSequenceCreator(session, m_manager, this);
-    auto* drops = new MediaSlotDropHandler(creator, session->fileSystemProvider(), this);
-    new DropSettler(drops, m_manager, drops);
-    setDrops(drops,
-             new MediaArrivals(session->fileSystemProvider(), session->fileSystemOperations(), drops, drops));
 }
 
 MediaPanelWidget::MediaPanelWidget(MediaLibraryModel* library, AbstractMediaLibraryProvider* provider,
@@ -298,7 +288,6 @@ void MediaPanelWidget::updateEditable()
 {
     m_addButton->setEnabled(isEditable());
     m_menuButton->setEnabled(isEditable() && selectedCollection() >= 0);
-    m_view->setTakesMedia(m_drops && isEditable());
     updateEmptyText();
 }
 
@@ -320,8 +309,6 @@ void MediaPanelWidget::showCollection()
         m_view->setModel(shown);
         m_view->setModelColumn(MediaLibraryModel::NameColumn);
     }
-    if (m_strip)
-        m_strip->setCollection(selectedCollection());
     if (shown && m_view->rootIndex() != root) {
         m_view->setRootIndex(root);
         m_view->scrollToTop();
@@ -348,9 +335,8 @@ void MediaPanelWidget::updateEmptyText()
     else if (!m_model->searchText().isEmpty())
         m_view->setEmpty(QStringLiteral("search"), tr("No slot matches \"%1\".").arg(m_model->searchText()));
     else
-        m_view->setEmpty(
-            QStringLiteral("import"),
-            tr("This collection is empty. Drop files from the desktop here, or from the FILES tab."));
+        m_view->setEmpty(QStringLiteral("import"),
+                         tr("This collection is empty. Duplicate one that holds media, or choose another."));
 }
 
 void MediaPanelWidget::onActivated(const QModelIndex& index)
@@ -364,6 +350,26 @@ void MediaPanelWidget::onScrolled()
 {
     m_delegate->setFetching(false);
     m_scrollRest.start();
+}
+
+void MediaPanelWidget::moveSlot(const QModelIndex& source, int beforeRow)
+{
+    const QModelIndex root = m_view->rootIndex();
+    const auto numberAt = [this, &root](int row) {
+        return m_model->index(row, 0, root).data(MediaLibraryModel::NumberRole).toInt();
+    };
+    const int from = source.data(MediaLibraryModel::NumberRole).toInt();
+    const int rows = m_model->rowCount(root);
+    const int last = m_manager->lastSlotInCollection(selectedCollection());
+    const int end = beforeRow < rows ? numberAt(beforeRow) : last + 1;
+    // The first number in the gap that holds no media; a search may hide some that do.
+    int to = beforeRow > 0 ? numberAt(beforeRow - 1) + 1 : 1;
+    const QModelIndex collection = m_library->collectionIndex(selectedCollection());
+    while (to < end &&
+           !m_library->index(to, 0, collection).data(MediaLibraryModel::UrlRole).toUrl().isEmpty())
+        ++to;
+    if (to < end && to != from && isEditable())
+        m_manager->moveSlot(selectedCollection(), from, to);
 }
 
 QList<int> MediaPanelWidget::selectedSlots() const

@@ -6,21 +6,17 @@
 #include <QTimer>
 
 class QAction;
-class QMimeData;
 class QMenu;
 
 namespace vantrel {
 
 class AbstractMediaLibraryProvider;
-class ArrivalStrip;
 class CollectionSelectorModel;
 class Hotkeys;
 class IconButton;
 class MediaCollectionManager;
-class MediaArrivals;
 class MediaLibraryModel;
 class MediaPanelModel;
-class MediaSlotDropHandler;
 class Session;
 class SlotDelegate;
 class SlotListView;
@@ -54,8 +50,6 @@ public:
     void setLibrary(Library library);
     /// Whether the menu offers to edit the collection: where somebody follows collectionEditRequested.
     void setCollectionsEditable(bool editable);
-    /// Where media goes that is dropped on the list; without it none can be. Both must outlive this.
-    void setDrops(MediaSlotDropHandler* handler, MediaArrivals* arrivals);
     /// The URLs of the selected slots, in their order.
     QList<QString> selectedMedia() const;
 
@@ -84,10 +78,6 @@ private:
     bool cueFromSearch();
     void onScrolled();
     void moveSlot(const QModelIndex& source, int beforeRow);
-    int numberBefore(int row) const;
-    int rowOf(int number) const;
-    void showDrop(qsizetype count, int beforeRow);
-    void drop(const QMimeData* data, int beforeRow);
     void showSlotMenu(const QPoint& position);
     QList<int> selectedSlots() const;
     void clearSelectedSlots();
@@ -113,9 +103,6 @@ private:
     ZTEdit* m_search = nullptr;
     QAction* m_lens = nullptr; // in the search field
     SlotListView* m_view = nullptr;
-    MediaSlotDropHandler* m_drops = nullptr;
-    MediaArrivals* m_arrivals = nullptr;
-    ArrivalStrip* m_strip = nullptr;
     QTimer m_scrollRest;
     QTimer m_refresh;
     Library m_libraryState = Library::Read;

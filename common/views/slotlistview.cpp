@@ -10,32 +10,12 @@
 #include <QDropEvent>
 #include <QHelpEvent>
 #include <QKeyEvent>
-#include <QMimeData>
 #include <QPainter>
 #include <QToolTip>
-#include <QUrl>
-
-#include <algorithm>
-#include <utility>
 
 namespace vantrel {
 
 using colors::getColor;
-
-namespace {
-
-/// Files of this computer, or one of the file browsers' offers, of which it is not known how many it holds.
-qsizetype offeredCount(const QMimeData* data)
-{
-    if (data->hasFormat(QStringLiteral("application/json")) &&
-        data->data(QStringLiteral("application/type")) == "media")
-        return 1;
-    const QList<QUrl> urls = data->urls();
-    const bool areFiles = std::ranges::all_of(urls, [](const QUrl& url) { return url.isLocalFile(); });
-    return areFiles ? urls.size() : 0;
-}
-
-} // namespace
 
 SlotListView::SlotListView(QWidget* parent)
     : QListView(parent)
@@ -64,9 +44,12 @@ void SlotListView::setEmpty(const QString& icon, const QString& text)
 void SlotListView::paintEvent(QPaintEvent* event)
 {
     QListView::paintEvent(event);
-    if (m_gap >= 0 && model()) {
+    if (m_gap >= 0) {
+        const int rows = model()->rowCount(rootIndex());
+        const QRect row = visualRect(model()->index(std::min(m_gap, rows - 1), modelColumn(), rootIndex()));
         QPainter painter(viewport());
-        paintGap(painter);
+        painter.fillRect(row.left(), (m_gap < rows ? row.top() : row.bottom() + 1) - 1, row.width(), 2,
+                         getColor(colors::Zt_orange));
     }
     if (m_emptyText.isEmpty() || (model() && model()->rowCount(rootIndex()) > 0))
         return;
@@ -82,42 +65,6 @@ void SlotListView::paintEvent(QPaintEvent* event)
     box.setTop(top + side + 12);
     painter.setPen(getColor(colors::Zt_white_70));
     painter.drawText(box, Qt::AlignHCenter | Qt::AlignTop | Qt::TextWordWrap, m_emptyText);
-}
-
-/// A line where a drop would go, around all of it while it is empty, and in words what it would do.
-void SlotListView::paintGap(QPainter& painter) const
-{
-    const int rows = model()->rowCount(rootIndex());
-    const QColor accent = getColor(colors::Zt_orange);
-    int y = viewport()->height() / 2;
-    if (rows == 0) {
-        painter.setPen(QPen(accent, 2));
-        painter.drawRoundedRect(viewport()->rect().adjusted(1, 1, -2, -2), 4, 4);
-    } else {
-        const QRect row = visualRect(model()->index(std::min(m_gap, rows - 1), modelColumn(), rootIndex()));
-        y = std::clamp(m_gap < rows ? row.top() : row.bottom() + 1, 1, viewport()->height() - 1);
-        painter.fillRect(row.left(), y - 1, row.width(), 2, accent);
-    }
-    if (m_dropText.isEmpty())
-        return;
-    const QFontMetrics metrics(font());
-    const int width = std::min(metrics.horizontalAdvance(m_dropText) + 16, viewport()->width());
-    QRect box(0, y + 3, width, metrics.height() + 6);
-    if (box.bottom() >= viewport()->height())
-        box.moveBottom(y - 4);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(accent);
-    painter.drawRoundedRect(box, 4, 4);
-    painter.setPen(getColor(colors::Slate_grey_900));
-    painter.drawText(box, Qt::AlignCenter, metrics.elidedText(m_dropText, Qt::ElideRight, width - 8));
-}
-
-void SlotListView::showDrop(int row, const QString& text)
-{
-    m_gap = row;
-    m_dropText = text;
-    viewport()->update();
 }
 
 void SlotListView::keyboardSearch(const QString& text)
@@ -201,55 +148,40 @@ int SlotListView::gapAt(const QPoint& position) const
     return position.y() < visualRect(index).center().y() ? index.row() : index.row() + 1;
 }
 
+void SlotListView::showGap(int row)
+{
+    if (m_gap == row)
+        return;
+    m_gap = row;
+    viewport()->update();
+}
+
 void SlotListView::dragEnterEvent(QDragEnterEvent* event)
 {
-    aim(event);
+    event->setAccepted(isOwnRow(event));
 }
 
 void SlotListView::dragMoveEvent(QDragMoveEvent* event)
 {
-    QListView::dragMoveEvent(event); // scrolls at the edges
-    aim(event);
-}
-
-void SlotListView::aim(QDropEvent* event)
-{
-    const qsizetype count = m_takesMedia && model() ? offeredCount(event->mimeData()) : 0;
-    const bool isOwn = isOwnRow(event);
-    event->setAccepted(isOwn || count > 0);
-    if (count > 0)
-        event->setDropAction(Qt::CopyAction);
-    const int aimed = event->isAccepted() ? gapAt(event->position().toPoint()) : -1;
-    if (std::exchange(m_aimed, aimed) == aimed)
-        return;
-    if (isOwn || aimed < 0)
-        showDrop(aimed, {});
-    else
-        Q_EMIT dropAimed(count, aimed);
+    event->setAccepted(isOwnRow(event));
+    showGap(event->isAccepted() ? gapAt(event->position().toPoint()) : -1);
 }
 
 void SlotListView::dragLeaveEvent(QDragLeaveEvent* event)
 {
-    m_aimed = -1;
-    showDrop(-1, {});
+    showGap(-1);
     QListView::dragLeaveEvent(event);
 }
 
 void SlotListView::dropEvent(QDropEvent* event)
 {
-    m_aimed = -1;
-    showDrop(-1, {});
-    const int gap = model() ? gapAt(event->position().toPoint()) : 0;
-    const bool isOwn = isOwnRow(event);
-    if (!isOwn && !(m_takesMedia && model() && offeredCount(event->mimeData()) > 0))
+    showGap(-1);
+    if (!isOwnRow(event))
         return;
     // A copy to the drag: the row goes where it goes when the server says so, never by the view's own hand.
     event->setDropAction(Qt::CopyAction);
     event->accept();
-    if (isOwn)
-        Q_EMIT moveRequested(selectionModel()->selectedIndexes().first(), gap);
-    else
-        Q_EMIT mediaDropped(event->mimeData(), gap);
+    Q_EMIT moveRequested(selectionModel()->selectedIndexes().first(), gapAt(event->position().toPoint()));
 }
 
 } // namespace vantrel

@@ -2,8 +2,6 @@
 
 #include <QListView>
 
-class QMimeData;
-
 namespace vantrel {
 
 /// The list of the media panel: one height for all rows, a text in its middle while it is empty, and digits
@@ -17,11 +15,6 @@ public:
 
     const QString& emptyText() const { return m_emptyText; }
     void setEmpty(const QString& icon, const QString& text);
-    /// Whether media from elsewhere can be dropped, and what the drop that is aimed at would do.
-    void setTakesMedia(bool takesMedia) { m_takesMedia = takesMedia; }
-    /// It would come to stand before the row.
-    void showDrop(int row, const QString& text);
-    const QString& dropText() const { return m_dropText; }
 
     void keyboardSearch(const QString& text) override;
 
@@ -32,10 +25,6 @@ Q_SIGNALS:
     void insertRequested();
     /// One of our own rows was dropped before this one; the row count for the end.
     void moveRequested(QModelIndex source, int beforeRow);
-    /// So many things from elsewhere are held over the place before this row.
-    void dropAimed(qsizetype count, int beforeRow);
-    /// They were let go: files of this computer, or what the file browsers drag.
-    void mediaDropped(const QMimeData* data, int beforeRow);
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -50,16 +39,12 @@ protected:
 private:
     bool isOwnRow(const QDropEvent* event) const;
     int gapAt(const QPoint& position) const;
-    void paintGap(QPainter& painter) const;
-    void aim(QDropEvent* event);
+    void showGap(int row);
 
     /// Does what the key map says of the key for a list; false for any other key.
     bool handleHotkey(const QKeyEvent& event);
 
-    int m_gap = -1;   // the row before which a drop would go
-    int m_aimed = -1; // that before which it is held; one from elsewhere may find no room there
-    QString m_dropText;
-    bool m_takesMedia = false;
+    int m_gap = -1; // the row before which a drop would go
     QString m_emptyIcon;
     QString m_emptyText;
 };

@@ -32,7 +32,6 @@ public:
     bool accept(OperationVisitor* visitor) override;
     /// All of its files were.
     bool isVerified() const override { return m_fileCount > 0 && m_verified.size() == m_fileCount; }
-    QString arrivedAt() const override { return destinationOf(from().fullPath); }
     int skippedCount() const override
     {
         return TransferOperation::skippedCount() + static_cast<int>(m_skipped.size());

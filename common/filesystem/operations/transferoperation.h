@@ -37,9 +37,6 @@ public:
 
     FileSystemTarget from() const;
     FileSystemTarget to() const;
-    /// Where it lies once it has passed: to(), or what the answers to conflicts made of it.
-    virtual QString arrivedAt() const { return m_arrivedAt.isEmpty() ? m_to.fullPath : m_arrivedAt; }
-    void setArrivedAt(const QString& path) { m_arrivedAt = path; }
     TransferType transferType() const;
     /// The one that this is a part of; null for one of its own.
     QWeakPointer<TransferOperation> parentOperation() const;
@@ -100,7 +97,6 @@ private:
 
     FileSystemTarget m_from;
     FileSystemTarget m_to;
-    QString m_arrivedAt;
     TransferType m_type;
     QWeakPointer<TransferOperation> m_parent;
     unsigned long long m_transferredBytes = 0;

@@ -287,7 +287,6 @@ void ServerUpload::succeed()
         server().listings().remove(m_temporary);
         server().listings().add(m_destination, ClientFileSystemType::File, m_size);
     }
-    m_transfer->setArrivedAt(m_destination);
     m_transfer->setTransferredBytes(static_cast<unsigned long long>(m_size));
     m_transfer->setProgress(1.0);
     m_transfer->setVerified(m_isVerified);

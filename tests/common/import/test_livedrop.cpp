@@ -1,15 +1,11 @@
 #include "common/filesystem/models/filesmodel.h"
 #include "common/filesystem/operations/asyncfilesystemreader.h"
-#include "common/import/dropsettler.h"
 #include "common/import/imagesequencecreator.h"
-#include "common/import/mediaarrivals.h"
 #include "common/import/mediadrop.h"
-#include "common/import/mediaslotdrophandler.h"
 #include "common/media/edit/implmediacollectionmanager.h"
 #include "common/media/items/guimediacollection.h"
 #include "common/media/library/medialibraryapi.h"
 #include "common/media/library/medialibraryprovider.h"
-#include "common/notification/notificationmanagerimpl.h"
 #include "common/session/link/connectionhandler.h"
 #include "common/session/session.h"
 #include "tests/support/ombraprocess.h"
@@ -18,7 +14,6 @@
 #include <QDir>
 #include <QImage>
 #include <QSignalSpy>
-#include <QTemporaryDir>
 #include <QTest>
 #include <QUndoStack>
 
@@ -36,14 +31,10 @@ private Q_SLOTS:
             QSKIP("HALCYRA_BIN names no folder with ombra in it");
     }
 
-    void init()
+    void isOneStepOfUndo()
     {
         allowWarnings(QStringLiteral("Getting system property failed"));
         allowWarnings(QStringLiteral("Failed to get media library"));
-    }
-
-    void isOneStepOfUndo()
-    {
         OmbraProcess server;
         QVERIFY(QDir(server.mediaFolder()).mkpath(QStringLiteral("in")));
         QImage red(64, 36, QImage::Format_RGB32);
@@ -102,51 +93,6 @@ private Q_SLOTS:
         manager.beginStep(QStringLiteral("nothing"));
         manager.endStep();
         QCOMPARE(stack->index(), steps + 1);
-    }
-
-    /// Files of this computer become slots once the server has them, beside files of the same names.
-    void localFilesArrive()
-    {
-        OmbraProcess server;
-        QImage picture(64, 36, QImage::Format_RGB32);
-        picture.fill(Qt::blue);
-        QVERIFY(picture.save(server.mediaFolder() + QStringLiteral("/logo.png")));
-        QTemporaryDir here;
-        picture.fill(Qt::red);
-        for (const char* name : {"logo.png", "in/s.0001.png", "in/s.0002.png"}) {
-            QVERIFY(QDir(here.path()).mkpath(QStringLiteral("in")));
-            QVERIFY(picture.save(here.filePath(QString::fromLatin1(name))));
-        }
-        QVERIFY(QFile(here.filePath(QStringLiteral("notes.txt"))).open(QIODevice::WriteOnly));
-        QVERIFY(server.start());
-        const auto session = std::make_unique<Session>();
-        Session::initializeWith(session.get(), server.ports());
-        QSignalSpy loaded(session->mediaLibraryProvider(), &AbstractMediaLibraryProvider::reset);
-        session->connectionHandler()->connect(server.host());
-        QTRY_VERIFY(session->isConnected() && session->getMediaLibraryApi() && !loaded.isEmpty());
-        QTRY_VERIFY(session->serverFilesModel());
-
-        ImplMediaCollectionManager manager;
-        const MediaLibraryProvider* const library = session->mediaLibraryProvider();
-        QVERIFY(manager.insertCollection(7, QStringLiteral("Seven")));
-        QTRY_VERIFY(library->collection(7));
-        ImageSequenceCreator creator(session.get(), &manager);
-        MediaSlotDropHandler handler(&creator, session->fileSystemProvider());
-        DropSettler settler(&handler, &manager);
-        MediaArrivals arrivals(session->fileSystemProvider(), session->fileSystemOperations(), &handler);
-        auto* const notices = NotificationManagerImpl::instance();
-        const qsizetype told = notices->notifications().size();
-        arrivals.add({here.filePath(QStringLiteral("logo.png")), here.filePath(QStringLiteral("notes.txt")),
-                      here.filePath(QStringLiteral("in"))},
-                     7, 1);
-        QCOMPARE(notices->notifications().size(), told + 1);
-        QCOMPARE(arrivals.arrivals().size(), 2);
-        QTRY_VERIFY_WITH_TIMEOUT(library->slot({7, 2}), 15000);
-        QVERIFY(arrivals.arrivals().isEmpty());
-        QCOMPARE(library->slot({7, 1})->contentUrl().path(), QStringLiteral("/in/s.%04d.png"));
-        QCOMPARE(library->slot({7, 2})->contentUrl().path(), QStringLiteral("/logo (2).png"));
-        const QImage arrived(server.mediaFolder() + QStringLiteral("/logo (2).png"));
-        QCOMPARE(arrived.pixelColor(5, 5), QColor(Qt::red));
     }
 };
 

@@ -1,7 +1,3 @@
-#include "common/import/imagesequencecreator.h"
-#include "common/import/mediaarrivals.h"
-#include "common/import/mediadrop.h"
-#include "common/import/mediaslotdrophandler.h"
 #include "common/media/edit/implmediacollectionmanager.h"
 #include "common/media/items/guimediaslot.h"
 #include "common/media/items/mimedata.h"
@@ -13,7 +9,6 @@
 #include "common/views/mediapanelwidget.h"
 #include "common/views/slotlistview.h"
 #include "tarn/media/mediaenums.h"
-#include "tests/support/fakefiles.h"
 #include "tests/support/librarymaker.h"
 #include "tests/support/mediamirror.h"
 #include "tests/support/mocknetworkaccessmanager.h"
@@ -21,7 +16,6 @@
 
 #include <QAbstractItemModelTester>
 #include <QComboBox>
-#include <QDragMoveEvent>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMimeData>
@@ -42,10 +36,7 @@ public:
         asked.append(QStringLiteral("move %1/%2 to %3").arg(collection).arg(from).arg(to));
     }
 
-    bool isSlotOccupied(int, int slot) const override { return taken.contains(slot); }
-
     QStringList asked;
-    QSet<int> taken;
 };
 
 struct Panel
@@ -103,8 +94,6 @@ private Q_SLOTS:
     void dragPayloadReadsBack();
     void movesIntoGaps_data();
     void movesIntoGaps();
-    void takesFilesFromElsewhere_data();
-    void takesFilesFromElsewhere();
     void asksOnlyForWhatIsSeen();
     void marksWhatPlays();
     void marksLeaveTheNumberFree();
@@ -374,70 +363,6 @@ void TestMediaPanel::movesIntoGaps()
     });
     Q_EMIT panel.view->moveRequested(panel.row(0), beforeRow);
     QTEST(panel.manager.asked.join(u' '), "asked");
-}
-
-void TestMediaPanel::takesFilesFromElsewhere_data()
-{
-    QTest::addColumn<int>("row"); // over whose upper half they are held; the row count for below all
-    QTest::addColumn<bool>("isConnected");
-    QTest::addColumn<QString>("text");
-    QTest::newRow("between two") << 1 << true << "Add as 3 to 4";
-    QTest::newRow("below all") << 2 << true << "Add as 8 to 9";
-    QTest::newRow("without a server") << 1 << false << "";
-}
-
-/// Before the button is let go it says where they go; they go to the server first.
-void TestMediaPanel::takesFilesFromElsewhere()
-{
-    QFETCH(int, row);
-    QFETCH(bool, isConnected);
-    QFETCH(QString, text);
-    Panel panel(test::makeLibrary(1, 2));
-    panel.mirror.edit([](MediaLibrary& library) {
-        library.findCollection(1)->removeMediaSlot(1);
-        library.findCollection(1)->insertMediaSlot(7, test::makeSlot("seven"), true);
-    });
-    panel.manager.taken = {2, 7};
-    test::FakeFiles local(QStringLiteral("Local files"));
-    test::FakeFiles server(QStringLiteral("Server files"));
-    test::FakeProvider sides;
-    sides.local = &local;
-    sides.server = &server;
-    test::FakeOperations queue;
-    ImageSequenceCreator creator(nullptr, &panel.manager);
-    MediaSlotDropHandler handler(&creator, &sides);
-    MediaArrivals arrivals(&sides, &queue, &handler);
-    panel.widget.setDrops(&handler, &arrivals);
-    panel.widget.setConnected(isConnected);
-    panel.widget.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&panel.widget));
-
-    QMimeData data;
-    data.setUrls({QUrl::fromLocalFile("/shows/a.mov"), QUrl::fromLocalFile("/shows/b.png")});
-    const QPoint place = row < 2 ? panel.view->visualRect(panel.row(row)).topLeft() + QPoint(20, 3)
-                                 : QPoint(20, panel.view->viewport()->height() - 5);
-    QDragEnterEvent enter(place, Qt::CopyAction, &data, Qt::LeftButton, {});
-    QCoreApplication::sendEvent(panel.view->viewport(), &enter);
-    QDragMoveEvent move(place, Qt::CopyAction, &data, Qt::LeftButton, {});
-    QCoreApplication::sendEvent(panel.view->viewport(), &move);
-    QCOMPARE(move.isAccepted(), isConnected);
-    QCOMPARE(panel.view->dropText(), text);
-    QDropEvent drop(place, Qt::CopyAction, &data, Qt::LeftButton, {});
-    QCoreApplication::sendEvent(panel.view->viewport(), &drop);
-    QCOMPARE(queue.calls,
-             isConnected ? QStringList({"copy /shows/a.mov /", "copy /shows/b.png /"}) : QStringList());
-    const auto* strip = panel.widget.findChild<QWidget*>(QStringLiteral("MediaPanel-arrivals"));
-    QVERIFY(strip && strip->isVisible() == isConnected);
-    if (!isConnected)
-        return;
-    QSignalSpy created(&handler, &MediaSlotDropHandler::mediaDropCreated);
-    for (int i = 0; i < 2; ++i) {
-        queue.transfer(i)->run();
-        queue.transfer(i)->finish();
-    }
-    QTRY_COMPARE(created.size(), 1);
-    QCOMPARE(created.constFirst().constFirst().value<MediaDrop*>()->startSlot(), row < 2 ? 3 : 8);
-    QVERIFY(!strip->isVisible());
 }
 
 void TestMediaPanel::asksOnlyForWhatIsSeen()
