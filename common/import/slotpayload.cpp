@@ -159,6 +159,29 @@ bool SlotPayload::addEntry(const QJsonObject& object)
     return true;
 }
 
+SlotPayload SlotPayload::ofFiles(const QList<MediaEntry>& entries)
+{
+    SlotPayload payload;
+    payload.m_kind = entries.isEmpty() ? Kind::Nothing : Kind::Media;
+    payload.m_entries = entries;
+    return payload;
+}
+
+QVariantMap SlotPayload::mimeOf(const QList<MediaEntry>& entries)
+{
+    QJsonArray array;
+    for (const MediaEntry& entry : entries)
+        array.append(QJsonObject{{QStringLiteral("path"), entry.path},
+                                 {QStringLiteral("fileSystem"), entry.fileSystem},
+                                 {QStringLiteral("name"), entry.name},
+                                 {QStringLiteral("duration"), entry.durationSeconds},
+                                 {QStringLiteral("isDirectory"), entry.isDirectory},
+                                 {QStringLiteral("isPlayable"), entry.isPlayable},
+                                 {QStringLiteral("isKnown"), entry.isKnown}});
+    return {{mimeformat::type, mimeformat::mediaType},
+            {mimeformat::json, QString::fromUtf8(QJsonDocument(array).toJson(QJsonDocument::Compact))}};
+}
+
 bool SlotPayload::isWithin(int collection) const
 {
     return std::ranges::all_of(m_addresses, [collection](const MediaAddress& address) {

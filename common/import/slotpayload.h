@@ -41,6 +41,11 @@ public:
     /// An array of entries. What stands before a bad one is kept beside the fault.
     static SlotPayload readMedia(const QJsonDocument& document);
 
+    /// Of entries that are known already.
+    static SlotPayload ofFiles(const QList<MediaEntry>& entries);
+    /// The payload that reads back as the entries.
+    static QVariantMap mimeOf(const QList<MediaEntry>& entries);
+
     Kind kind() const { return m_kind; }
     /// What is wrong with it, as a sentence for the operator; empty for a sound one.
     const QString& fault() const { return m_fault; }

@@ -73,7 +73,7 @@ MediaPanelWidget::MediaPanelWidget(MediaLibraryModel* library, AbstractMediaLibr
     , m_sortedSelector(new SortedCollectionSelectorModel(m_selector, this))
     , m_model(new MediaPanelModel(library, this))
     , m_delegate(new SlotDelegate(this))
-    , m_drops(new SlotDrops(session, manager, session ? session->fileSystemProvider() : nullptr, this))
+    , m_drops(new SlotDrops(session, manager, this))
 {
     setObjectName(QStringLiteral("PlayerTab-mediapanel-widget"));
     setDynamicStyle(this, "class", QStringLiteral("panel"));
@@ -166,6 +166,8 @@ void MediaPanelWidget::buildList()
     m_view->setAccessibleName(tr("Slots"));
     m_view->setItemDelegate(m_delegate);
     m_view->setDrops(m_drops);
+    m_delegate->setArrivals(&m_drops->arrivals());
+    connect(m_drops, &SlotDrops::arrivalsChanged, m_view->viewport(), qOverload<>(&QWidget::update));
     m_drops->setObstacle([this] {
         return isEditable() ? QString() : tr("There is no library to edit. Drop it again once it is back.");
     });

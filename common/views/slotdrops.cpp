@@ -3,7 +3,9 @@
 #include "common/command/refusal.h"
 #include "common/import/mediadrop.h"
 #include "common/media/edit/mediacollectionmanager.h"
+#include "common/media/items/guimediaslot.h"
 #include "common/media/items/mimedata.h"
+#include "common/session/session.h"
 #include "common/ui/toolkit/confirmationdialog.h"
 
 #include <QMimeData>
@@ -14,14 +16,16 @@
 
 namespace vantrel {
 
-SlotDrops::SlotDrops(Session* session, MediaCollectionManager* manager, FileSystemProvider* fileSystems,
-                     QWidget* window)
+SlotDrops::SlotDrops(Session* session, MediaCollectionManager* manager, QWidget* window)
     : QObject(window)
     , m_manager(manager)
     , m_window(window)
     , m_creator(session, manager)
-    , m_handler(&m_creator, fileSystems)
+    , m_handler(&m_creator, session ? session->fileSystemProvider() : nullptr)
+    , m_arrivals(session ? session->fileSystemProvider() : nullptr,
+                 session ? session->fileSystemOperations() : nullptr)
 {
+    connect(&m_arrivals, &MediaArrivals::changed, this, &SlotDrops::arrivalsChanged);
     connect(&m_handler, &MediaSlotDropHandler::dropRefused, this, &SlotDrops::refuse);
     connect(&m_handler, &MediaSlotDropHandler::mediaDropCreated, this, &SlotDrops::take);
 }
@@ -33,12 +37,15 @@ bool SlotDrops::begin(const QMimeData* data)
     end();
     m_mime = SlotPayload::mapOf(data);
     const QString type = m_mime.value(mimeformat::type).toString();
-    if (m_collection < 0 || (type != mimeformat::slotType && type != mimeformat::mediaType)) {
-        m_mime.clear();
+    if (m_collection < 0)
         return false;
+    if (type == mimeformat::slotType || type == mimeformat::mediaType) {
+        m_payload = SlotPayload::read(m_mime);
+        return true;
     }
-    m_payload = SlotPayload::read(m_mime);
-    return true;
+    m_mime.clear();
+    m_payload = SlotPayload::ofFiles(MediaArrivals::entriesOf(data->urls()));
+    return m_payload.isSound();
 }
 
 const DropForecast& SlotDrops::aim(int slot)
@@ -47,11 +54,8 @@ const DropForecast& SlotDrops::aim(int slot)
         return m_forecast;
     m_aimed = slot;
     m_forecast = DropForecast::of(m_payload, *m_manager, m_collection, slot);
-    const auto isLocal = [](const MediaEntry& entry) { return entry.fileSystem == QStringLiteral("local"); };
-    if (const QString obstacle = m_obstacle ? m_obstacle() : QString(); !obstacle.isEmpty())
-        m_forecast.fault = obstacle;
-    else if (std::ranges::any_of(m_payload.entries(), isLocal))
-        m_forecast.fault = tr("The server plays its own files only. Copy these to it in FILES first.");
+    if (const QString why = obstacle(); !why.isEmpty())
+        m_forecast.fault = why;
     return m_forecast;
 }
 
@@ -73,12 +77,63 @@ void SlotDrops::drop(int slot)
     // What it would overwrite was told for the slots that it was known to take.
     m_toldLast =
         told.first == forecast.first && told.overwritten == forecast.overwritten ? forecast.last : -1;
-    m_handler.dropMimeData(m_mime, m_collection, slot);
+    if (!MediaArrivals::isLocal(m_payload.entries())) {
+        m_handler.dropMimeData(m_mime, m_collection, slot);
+        return;
+    }
+    const auto next = [this, collection = m_collection, slot, toldLast = m_toldLast](
+                          const MediaArrivals::Plan& plan) { bring(plan, collection, slot, toldLast); };
+    m_arrivals.plan(m_payload.entries(), next);
+}
+
+/// The slots stand at once, under the names that the files will have; the server calls them playable when it
+/// has them.
+void SlotDrops::bring(const MediaArrivals::Plan& plan, int collection, int slot, int toldLast)
+{
+    if (!plan.fault.isEmpty())
+        return refuse(plan.fault);
+    if (plan.files.isEmpty()) {
+        if (!plan.faults.isEmpty())
+            refuse(plan.faults.join(u'\n'));
+        return bringDirectories(plan.directories, collection, slot);
+    }
+    m_plan = plan;
+    m_toldLast = toldLast;
+    m_handler.dropMimeData(SlotPayload::mimeOf(plan.files), collection, slot);
+    m_plan = {};
+}
+
+/// What a folder holds is known when all of it is there.
+void SlotDrops::bringDirectories(const QStringList& directories, int collection, int slot)
+{
+    for (const QString& directory : directories) {
+        m_arrivals.bringDirectory(directory, [this, collection, slot](const QString& path) {
+            MediaEntry entry;
+            entry.path = path;
+            entry.fileSystem = QStringLiteral("server");
+            entry.isDirectory = true;
+            m_toldLast = -1;
+            m_handler.dropMimeData(SlotPayload::mimeOf({entry}), collection, slot);
+        });
+    }
 }
 
 void SlotDrops::take(MediaDrop* drop)
 {
     const int told = m_toldLast;
+    if (!m_plan.files.isEmpty()) {
+        QList<GuiMediaSlot> medias = drop->medias();
+        for (GuiMediaSlot& media : medias)
+            media.setIsPlayable(false);
+        drop->setMedias(medias);
+        for (const QString& fault : std::as_const(m_plan.faults))
+            drop->addFault(fault);
+        connect(drop, &MediaDrop::saved, this, [this, drop, plan = m_plan, next = drop->startSlot()] {
+            for (const QString& path : plan.uploads)
+                m_arrivals.bringFile(path);
+            bringDirectories(plan.directories, drop->collection(), std::max(next, drop->lastSlot() + 1));
+        });
+    }
     const auto whenReady = [this, drop, told] {
         if (drop->isReady())
             finish(drop, told);
@@ -130,8 +185,8 @@ void SlotDrops::save(MediaDrop* drop)
     const QPointer<MediaDrop> kept(drop);
     bool isSaved = false;
     const auto connection = connect(drop, &MediaDrop::saved, this, [&isSaved] { isSaved = true; });
-    if (const QString obstacle = m_obstacle ? m_obstacle() : QString(); !obstacle.isEmpty())
-        drop->addFault(obstacle);
+    if (const QString why = obstacle(); !why.isEmpty())
+        drop->addFault(why);
     else if (drop->lastSlot() >= 0)
         drop->save();
     else if (drop->faults().isEmpty())

@@ -2,6 +2,7 @@
 
 #include "common/import/dropforecast.h"
 #include "common/import/imagesequencecreator.h"
+#include "common/import/mediaarrivals.h"
 #include "common/import/mediaslotdrophandler.h"
 #include "common/import/slotpayload.h"
 
@@ -15,6 +16,7 @@ class QWidget;
 
 namespace vantrel {
 
+class FileSystemOperations;
 class FileSystemProvider;
 class MediaCollectionManager;
 class MediaDrop;
@@ -28,9 +30,8 @@ class SlotDrops : public QObject
     Q_OBJECT
 
 public:
-    /// session: null fetches no metadata. window: over which it asks.
-    SlotDrops(Session* session, MediaCollectionManager* manager, FileSystemProvider* fileSystems,
-              QWidget* window);
+    /// session: null takes no files. window: over which it asks.
+    SlotDrops(Session* session, MediaCollectionManager* manager, QWidget* window);
     ~SlotDrops() override;
 
     /// Of the slots on which is dropped; below 0 takes nothing.
@@ -45,7 +46,17 @@ public:
     void drop(int slot);
     void end();
 
+    /// What of this computer is on its way into slots.
+    const MediaArrivals& arrivals() const { return m_arrivals; }
+
+Q_SIGNALS:
+    /// What arrivals() says of some slots.
+    void arrivalsChanged();
+
 private:
+    QString obstacle() const { return m_obstacle ? m_obstacle() : QString(); }
+    void bring(const MediaArrivals::Plan& plan, int collection, int slot, int toldLast);
+    void bringDirectories(const QStringList& directories, int collection, int slot);
     void take(MediaDrop* drop);
     void finish(MediaDrop* drop, int toldLast);
     void save(MediaDrop* drop);
@@ -56,13 +67,15 @@ private:
     QWidget* m_window;
     ImageSequenceCreator m_creator;
     MediaSlotDropHandler m_handler;
+    MediaArrivals m_arrivals;
     std::function<QString()> m_obstacle;
     int m_collection = -1;
     QVariantMap m_mime;
     SlotPayload m_payload;
     DropForecast m_forecast;
-    int m_aimed = -1;    // the slot of m_forecast
-    int m_toldLast = -1; // up to which the operator has seen what a drop overwrites
+    int m_aimed = -1;           // the slot of m_forecast
+    MediaArrivals::Plan m_plan; // of the drop that is made now, where its files have yet to arrive
+    int m_toldLast = -1;        // up to which the operator has seen what a drop overwrites
 };
 
 } // namespace vantrel
