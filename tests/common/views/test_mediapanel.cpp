@@ -38,6 +38,13 @@ public:
         asked.append(QStringLiteral("move %1/%2 to %3").arg(collection).arg(from).arg(to));
     }
 
+    std::optional<bool> moveSlots(int collection, const QList<int>& from, int to) override
+    {
+        for (const int slot : from)
+            moveSlot(collection, slot, to++);
+        return true;
+    }
+
     QStringList asked;
 };
 
