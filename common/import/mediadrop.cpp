@@ -74,6 +74,11 @@ QStringList MediaDrop::faults() const
     return d->m_faults;
 }
 
+void MediaDrop::addFault(const QString& text)
+{
+    d->addFault(text);
+}
+
 QList<ImageSequenceCandidate> MediaDrop::imageSequences() const
 {
     QList<ImageSequenceCandidate> candidates;

@@ -55,6 +55,8 @@ public:
     /// Nothing is left to be read.
     bool isReady() const;
     QStringList faults() const;
+    /// What whoever made it has left out; a sentence, plain text.
+    void addFault(const QString& text);
 
     QList<ImageSequenceCandidate> imageSequences() const;
     QList<images::StillImage> stillImages() const;

@@ -78,7 +78,18 @@ void MediaDropPrivate::save()
 
 void MediaDropPrivate::moveSlots(const QList<int>& sourceSlots, int collection, int& current)
 {
-    const MediaCollectionManager* const manager = m_creator->mediaCollectionManager();
+    MediaCollectionManager* const manager = m_creator->mediaCollectionManager();
+    // An edit for each would be a request for each, and hold the window with thousands of them.
+    if (sourceSlots.size() > 1) {
+        if (const std::optional<bool> moved = manager->moveSlots(collection, sourceSlots, current)) {
+            for (const int source : sourceSlots) {
+                if (*moved && source != current)
+                    Q_EMIT m_owner->collectionSlotMoved(collection, source, current);
+                ++current;
+            }
+            return;
+        }
+    }
     QHash<int, GuiMediaSlot> overwritten; // by this very drop
     const int last = lastSlot();
     for (const int source : sourceSlots) {

@@ -25,6 +25,7 @@
 #include "common/ui/toolkit/ztmenu.h"
 #include "common/views/mediapanelmodel.h"
 #include "common/views/slotdelegate.h"
+#include "common/views/slotdrops.h"
 #include "common/views/slotlistview.h"
 #include "tarn/media/mediaenums.h"
 
@@ -49,7 +50,7 @@ constexpr int addButtonWidth = 200; // of the panel, at the medium text size
 
 MediaPanelWidget::MediaPanelWidget(Session* session, QWidget* parent)
     : MediaPanelWidget(session->mediaLibraryModel(), session->mediaLibraryProvider(),
-                       new ImplMediaCollectionManager, parent)
+                       new ImplMediaCollectionManager, parent, session)
 {
     dynamic_cast<ImplMediaCollectionManager*>(m_manager)->setParent(this);
     connect(this, &MediaPanelWidget::directPlayRequested, session->signalRelay(),
@@ -64,7 +65,7 @@ MediaPanelWidget::MediaPanelWidget(Session* session, QWidget* parent)
 }
 
 MediaPanelWidget::MediaPanelWidget(MediaLibraryModel* library, AbstractMediaLibraryProvider* provider,
-                                   MediaCollectionManager* manager, QWidget* parent)
+                                   MediaCollectionManager* manager, QWidget* parent, Session* session)
     : ZTFrame(parent)
     , m_library(library)
     , m_manager(manager)
@@ -72,6 +73,7 @@ MediaPanelWidget::MediaPanelWidget(MediaLibraryModel* library, AbstractMediaLibr
     , m_sortedSelector(new SortedCollectionSelectorModel(m_selector, this))
     , m_model(new MediaPanelModel(library, this))
     , m_delegate(new SlotDelegate(this))
+    , m_drops(new SlotDrops(session, manager, this))
 {
     setObjectName(QStringLiteral("PlayerTab-mediapanel-widget"));
     setDynamicStyle(this, "class", QStringLiteral("panel"));
@@ -163,6 +165,12 @@ void MediaPanelWidget::buildList()
     m_view->setObjectName(QStringLiteral("MediaPanel-slots-view"));
     m_view->setAccessibleName(tr("Slots"));
     m_view->setItemDelegate(m_delegate);
+    m_view->setDrops(m_drops);
+    m_delegate->setArrivals(&m_drops->arrivals());
+    connect(m_drops, &SlotDrops::arrivalsChanged, m_view->viewport(), qOverload<>(&QWidget::update));
+    m_drops->setObstacle([this] {
+        return isEditable() ? QString() : tr("There is no library to edit. Drop it again once it is back.");
+    });
     m_view->setContextMenuPolicy(Qt::CustomContextMenu);
     static_cast<QVBoxLayout*>(layout())->addWidget(m_view, 1);
     connect(m_view, &QAbstractItemView::activated, this, &MediaPanelWidget::onActivated);
@@ -309,6 +317,7 @@ void MediaPanelWidget::showCollection()
         m_view->setModel(shown);
         m_view->setModelColumn(MediaLibraryModel::NameColumn);
     }
+    m_drops->setCollection(shown ? selectedCollection() : -1);
     if (shown && m_view->rootIndex() != root) {
         m_view->setRootIndex(root);
         m_view->scrollToTop();

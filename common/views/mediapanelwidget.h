@@ -19,6 +19,7 @@ class MediaLibraryModel;
 class MediaPanelModel;
 class Session;
 class SlotDelegate;
+class SlotDrops;
 class SlotListView;
 class SortedCollectionSelectorModel;
 class ZTComboBox;
@@ -34,7 +35,7 @@ public:
     /// On the session's library; what is to be played goes to its SignalRelay.
     explicit MediaPanelWidget(Session* session, QWidget* parent = nullptr);
     MediaPanelWidget(MediaLibraryModel* library, AbstractMediaLibraryProvider* provider,
-                     MediaCollectionManager* manager, QWidget* parent = nullptr);
+                     MediaCollectionManager* manager, QWidget* parent = nullptr, Session* session = nullptr);
     ~MediaPanelWidget() override;
 
     /// -1 while there is none.
@@ -103,6 +104,7 @@ private:
     ZTEdit* m_search = nullptr;
     QAction* m_lens = nullptr; // in the search field
     SlotListView* m_view = nullptr;
+    SlotDrops* m_drops;
     QTimer m_scrollRest;
     QTimer m_refresh;
     Library m_libraryState = Library::Read;

@@ -1,5 +1,6 @@
 #include "common/views/slotdelegate.h"
 
+#include "common/import/mediaarrivals.h"
 #include "common/media/models/medialibrarymodel.h"
 #include "common/media/net/mediastateprovider.h"
 #include "common/session/settings/timeutils.h"
@@ -302,14 +303,18 @@ void SlotDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
     painter->drawText(layout.number, layout.isStacked ? Qt::AlignCenter : Qt::AlignRight | Qt::AlignVCenter,
                       QString::number(index.data(MediaLibraryModel::NumberRole).toInt()));
     painter->setPen(Qt::NoPen);
-    const QString length = lengthText(index);
+    const QString arriving = m_arrivals && !m_arrivals->isEmpty()
+                                 ? m_arrivals->textOf(index.data(MediaLibraryModel::UrlRole).toUrl())
+                                 : QString();
+    const QString length = arriving.isEmpty() ? lengthText(index) : arriving;
     // The length of what does not play helps nobody; why it does not, does.
-    const QStringList faults = state == MediaState::NotPlayable
+    const QStringList faults = arriving.isEmpty() && state == MediaState::NotPlayable
                                    ? index.data(MediaLibraryModel::KnownFaultsRole).toStringList()
                                    : QStringList();
     const int lengthWidth = QFontMetrics(caption).horizontalAdvance(length);
-    const int taken = mark ? paintMark(painter, layout.details, caption, *mark, lengthWidth)
-                           : paintWarning(painter, layout.details, state);
+    const int taken = mark                 ? paintMark(painter, layout.details, caption, *mark, lengthWidth)
+                      : arriving.isEmpty() ? paintWarning(painter, layout.details, state)
+                                           : 0;
 
     const bool bright = mark || row.state.testFlag(QStyle::State_Selected);
     const QFont name = nameFont(row.font);

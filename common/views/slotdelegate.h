@@ -6,6 +6,8 @@
 
 namespace vantrel {
 
+class MediaArrivals;
+
 /// Paints a row of the media panel: number, picture, name, length, and what plays where. Heights follow the
 /// text size. Owned by its view.
 class SlotDelegate : public QStyledItemDelegate
@@ -17,6 +19,9 @@ public:
 
     /// Off while rows fly past: what is not known yet is then not asked for.
     void setFetching(bool fetching) { m_fetching = fetching; }
+
+    /// What is on its way into the slots, which then say how far it is; null for nothing.
+    void setArrivals(const MediaArrivals* arrivals) { m_arrivals = arrivals; }
 
     /// Shows the marks of the channels without their colours: they are the last that was known. False when
     /// that is nothing new.
@@ -32,6 +37,7 @@ private:
     struct Layout;
     Layout layoutOf(const QStyleOptionViewItem& option, const QModelIndex& index) const;
 
+    const MediaArrivals* m_arrivals = nullptr;
     bool m_fetching = true;
     bool m_stale = false;
 };

@@ -1,9 +1,11 @@
 #include "common/views/slotlistview.h"
 
+#include "common/media/models/medialibrarymodel.h"
 #include "common/ui/keyboard/hotkeys.h"
 #include "common/ui/keyboard/hotkeytip.h"
 #include "common/ui/style/colors.h"
 #include "common/ui/style/iconcache.h"
+#include "common/views/slotdrops.h"
 
 #include <QDragEnterEvent>
 #include <QDragMoveEvent>
@@ -51,7 +53,9 @@ void SlotListView::paintEvent(QPaintEvent* event)
         painter.fillRect(row.left(), (m_gap < rows ? row.top() : row.bottom() + 1) - 1, row.width(), 2,
                          getColor(colors::Zt_orange));
     }
-    if (m_emptyText.isEmpty() || (model() && model()->rowCount(rootIndex()) > 0))
+    if (m_target >= 0 && m_drops)
+        paintDrop();
+    if (m_emptyText.isEmpty() || m_target >= 0 || (model() && model()->rowCount(rootIndex()) > 0))
         return;
     QPainter painter(viewport());
     const QFontMetrics metrics(font());
@@ -156,32 +160,112 @@ void SlotListView::showGap(int row)
     viewport()->update();
 }
 
+int SlotListView::slotAt(int row) const
+{
+    return model()->index(row, modelColumn(), rootIndex()).data(MediaLibraryModel::NumberRole).toInt();
+}
+
+/// On a row that slot, between two rows and below all of them the one after the row above.
+int SlotListView::slotUnder(const QPoint& position) const
+{
+    const int rows = model() ? model()->rowCount(rootIndex()) : 0;
+    const QModelIndex index = indexAt(position);
+    if (!index.isValid())
+        return rows > 0 ? slotAt(rows - 1) + 1 : 1;
+    const QRect row = visualRect(index);
+    const int edge = row.height() / 4;
+    if (position.y() > row.bottom() - edge)
+        return slotAt(index.row()) + 1;
+    if (position.y() < row.top() + edge)
+        return index.row() > 0 ? slotAt(index.row() - 1) + 1 : 1;
+    return slotAt(index.row());
+}
+
+/// The rows that a drop would take, the line where it lands, and what it does, in words.
+void SlotListView::paintDrop()
+{
+    const DropForecast& forecast = m_drops->aim(m_target);
+    QPainter painter(viewport());
+    const QFontMetrics metrics(font());
+    const int rows = model() ? model()->rowCount(rootIndex()) : 0;
+    int line = 1;
+    if (forecast.isPossible()) {
+        for (int row = 0; row < rows; ++row) {
+            const QRect rect = visualRect(model()->index(row, modelColumn(), rootIndex()));
+            if (rect.top() > viewport()->height())
+                break;
+            const int slot = slotAt(row);
+            if (slot < forecast.first)
+                line = rect.bottom() + 1;
+            else if (slot <= forecast.last && rect.bottom() >= 0)
+                painter.fillRect(rect, getColor(colors::Zt_red_10));
+        }
+        painter.fillRect(0, line - 1, viewport()->width(), 2, getColor(colors::Zt_orange));
+    }
+    const int margin = 8;
+    const QRect room = viewport()->rect().adjusted(margin, margin, -margin, -margin);
+    QRect box = metrics.boundingRect(room, Qt::AlignLeft | Qt::TextWordWrap, forecast.text());
+    box = QRect(0, 0, viewport()->width(), box.height() + 2 * margin);
+    if (line < viewport()->height() / 2) // it must not lie over the line that it speaks of
+        box.moveBottom(viewport()->rect().bottom());
+    painter.fillRect(box, getColor(colors::Slate_grey_900));
+    painter.fillRect(
+        box.left(), box.top(), 3, box.height(),
+        getColor(!forecast.isPossible() || forecast.overwritten > 0 ? colors::Red_red : colors::Zt_orange));
+    painter.setPen(getColor(colors::White));
+    painter.drawText(box.adjusted(margin + 3, margin, -margin, -margin), Qt::AlignLeft | Qt::TextWordWrap,
+                     forecast.text());
+}
+
 void SlotListView::dragEnterEvent(QDragEnterEvent* event)
 {
-    event->setAccepted(isOwnRow(event));
+    event->setAccepted(isOwnRow(event) || (m_drops && m_drops->begin(event->mimeData())));
 }
 
 void SlotListView::dragMoveEvent(QDragMoveEvent* event)
 {
-    event->setAccepted(isOwnRow(event));
-    showGap(event->isAccepted() ? gapAt(event->position().toPoint()) : -1);
+    const QPoint position = event->position().toPoint();
+    if (isOwnRow(event)) {
+        event->accept();
+        showGap(gapAt(position));
+        return;
+    }
+    m_target = m_drops ? slotUnder(position) : -1;
+    event->setDropAction(Qt::CopyAction);
+    event->setAccepted(m_drops != nullptr); // what cannot be dropped says why at the drop, too
+    viewport()->update();
 }
 
 void SlotListView::dragLeaveEvent(QDragLeaveEvent* event)
 {
-    showGap(-1);
+    endDrag();
     QListView::dragLeaveEvent(event);
+}
+
+void SlotListView::endDrag()
+{
+    showGap(-1);
+    m_target = -1;
+    if (m_drops)
+        m_drops->end();
+    viewport()->update();
 }
 
 void SlotListView::dropEvent(QDropEvent* event)
 {
-    showGap(-1);
-    if (!isOwnRow(event))
-        return;
     // A copy to the drag: the row goes where it goes when the server says so, never by the view's own hand.
     event->setDropAction(Qt::CopyAction);
-    event->accept();
-    Q_EMIT moveRequested(selectionModel()->selectedIndexes().first(), gapAt(event->position().toPoint()));
+    const QPoint position = event->position().toPoint();
+    if (isOwnRow(event)) {
+        event->accept();
+        showGap(-1);
+        Q_EMIT moveRequested(selectionModel()->selectedIndexes().first(), gapAt(position));
+        return;
+    }
+    event->setAccepted(m_drops != nullptr);
+    if (m_drops)
+        m_drops->drop(slotUnder(position));
+    endDrag();
 }
 
 } // namespace vantrel

@@ -4,6 +4,8 @@
 
 namespace vantrel {
 
+class SlotDrops;
+
 /// The list of the media panel: one height for all rows, a text in its middle while it is empty, and digits
 /// that go to the search field.
 class SlotListView : public QListView
@@ -15,6 +17,9 @@ public:
 
     const QString& emptyText() const { return m_emptyText; }
     void setEmpty(const QString& icon, const QString& text);
+
+    /// Takes what is dragged here beside the list's own single rows; null takes nothing else.
+    void setDrops(SlotDrops* drops) { m_drops = drops; }
 
     void keyboardSearch(const QString& text) override;
 
@@ -40,11 +45,17 @@ private:
     bool isOwnRow(const QDropEvent* event) const;
     int gapAt(const QPoint& position) const;
     void showGap(int row);
+    int slotAt(int row) const;
+    int slotUnder(const QPoint& position) const;
+    void paintDrop();
+    void endDrag();
 
     /// Does what the key map says of the key for a list; false for any other key.
     bool handleHotkey(const QKeyEvent& event);
 
     int m_gap = -1; // the row before which a drop would go
+    SlotDrops* m_drops = nullptr;
+    int m_target = -1; // the slot on which a drop would land
     QString m_emptyIcon;
     QString m_emptyText;
 };

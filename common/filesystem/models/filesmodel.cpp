@@ -269,13 +269,18 @@ QVariantMap FilesModel::mimeOf(const QList<int>& rows) const
         const FileRow& file = d->m_rows[static_cast<std::size_t>(row)];
         const auto known = d->m_known.constFind(file.name);
         const bool isKnown = known != d->m_known.cend();
+        // Asked for is not answered: what the server has not told yet counts as unplayable nowhere.
+        const bool isTold =
+            isKnown && (known->metadata.isPlayable || known->metadata.mediaType != MediaType::Unknown ||
+                        known->metadata.mediaState != MediaState::UnknownState);
         const double seconds = isKnown ? static_cast<double>(known->metadata.durationMs) / 1000.0 : 0.0;
         entries.append(QJsonObject{{QStringLiteral("path"), d->pathOf(file, row)},
                                    {QStringLiteral("fileSystem"), kind()},
                                    {QStringLiteral("name"), file.name},
                                    {QStringLiteral("duration"), seconds},
                                    {QStringLiteral("isDirectory"), file.isDirectory},
-                                   {QStringLiteral("isPlayable"), isKnown && known->metadata.isPlayable}});
+                                   {QStringLiteral("isPlayable"), isKnown && known->metadata.isPlayable},
+                                   {QStringLiteral("isKnown"), isTold}});
     }
     if (entries.isEmpty())
         return {};

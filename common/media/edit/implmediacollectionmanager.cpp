@@ -7,6 +7,7 @@
 #include "common/media/edit/slot/copycollectioncommand.h"
 #include "common/media/edit/slot/insertcollectioncommand.h"
 #include "common/media/edit/slot/moveslotincollectioncommand.h"
+#include "common/media/edit/slot/moveslotsincollectioncommand.h"
 #include "common/media/edit/slot/removecollectioncommand.h"
 #include "common/media/edit/slot/renamecollectioncommand.h"
 #include "common/media/edit/slot/setdurationcommand.h"
@@ -191,6 +192,12 @@ void ImplMediaCollectionManager::clearSlot(int collection, int slot)
 void ImplMediaCollectionManager::moveSlot(int collection, int fromSlot, int toSlot)
 {
     run<MoveSlotInCollectionCommand>(collection, fromSlot, toSlot);
+}
+
+std::optional<bool> ImplMediaCollectionManager::moveSlots(int collection, const QList<int>& fromSlots,
+                                                          int toSlot)
+{
+    return run<MoveSlotsInCollectionCommand>(collection, fromSlots, toSlot);
 }
 
 void ImplMediaCollectionManager::addMedia(int collection, int slot, const GuiMediaSlot& mediaSlot)

@@ -3,6 +3,8 @@
 #include <QList>
 #include <QString>
 
+#include <optional>
+
 namespace vantrel {
 
 class GuiMediaSlot;
@@ -28,6 +30,15 @@ public:
     virtual void addMedia(int collection, int slot, const QList<QString>& medias) = 0;
     virtual void clearSlot(int collection, int slot) = 0;
     virtual void moveSlot(int collection, int fromSlot, int toSlot) = 0;
+    /// To consecutive slots, all in one edit, onto whatever is there. Whether that was taken; nothing from
+    /// who moves them only one by one.
+    virtual std::optional<bool> moveSlots(int collection, const QList<int>& fromSlots, int toSlot)
+    {
+        Q_UNUSED(collection);
+        Q_UNUSED(fromSlots);
+        Q_UNUSED(toSlot);
+        return std::nullopt;
+    }
     virtual void addMedia(int collection, int slot, const GuiMediaSlot& mediaSlot) = 0;
     virtual void addMedias(int collection, int slot, const QList<GuiMediaSlot>& mediaSlots) = 0;
     virtual void renameCollection(int collection, const QString& name) = 0;

@@ -4,6 +4,7 @@
 #include "common/media/models/collectionselectormodel.h"
 #include "common/media/net/mediadataaggregator.h"
 #include "common/media/net/mediastateprovider.h"
+#include "common/notification/notificationmanagerimpl.h"
 #include "common/session/mirror/guiplayback.h"
 #include "common/views/mediapanelmodel.h"
 #include "common/views/mediapanelwidget.h"
@@ -16,6 +17,7 @@
 
 #include <QAbstractItemModelTester>
 #include <QComboBox>
+#include <QDropEvent>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMimeData>
@@ -34,6 +36,13 @@ public:
     void moveSlot(int collection, int from, int to) override
     {
         asked.append(QStringLiteral("move %1/%2 to %3").arg(collection).arg(from).arg(to));
+    }
+
+    std::optional<bool> moveSlots(int collection, const QList<int>& from, int to) override
+    {
+        for (const int slot : from)
+            moveSlot(collection, slot, to++);
+        return true;
     }
 
     QStringList asked;
@@ -92,6 +101,7 @@ private Q_SLOTS:
     void enterInAnEditorStaysInIt();
     void emptyTexts();
     void dragPayloadReadsBack();
+    void takesDrops();
     void movesIntoGaps_data();
     void movesIntoGaps();
     void asksOnlyForWhatIsSeen();
@@ -342,6 +352,40 @@ void TestMediaPanel::dragPayloadReadsBack()
     QCOMPARE(mime->data(mimeformat::type), QByteArray("slot")); // what a slot takes,
     mime->setData(mimeformat::type, "2");                       // and what was written before
     QVERIFY(mediaItemFromMimeData(mime.get(), objects[1]));
+}
+
+void TestMediaPanel::takesDrops()
+{
+    Panel panel(test::makeLibrary(1, 3));
+    panel.widget.show();
+    const std::unique_ptr<QMimeData> data(panel.view->model()->mimeData({panel.row(0), panel.row(2)}));
+    const auto drag = [&panel](QMimeData* mime, const QPoint& at) {
+        QWidget* const target = panel.view->viewport();
+        QDragEnterEvent enter(at, Qt::CopyAction, mime, Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(target, &enter);
+        if (!enter.isAccepted())
+            return false;
+        QDragMoveEvent move(at, Qt::CopyAction, mime, Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(target, &move);
+        target->grab();
+        QDropEvent drop(at, Qt::CopyAction, mime, Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(target, &drop);
+        return true;
+    };
+    QMimeData text;
+    text.setText(QStringLiteral("text"));
+    QVERIFY(!drag(&text, QPoint(20, 20)));
+    // Below the last row: the slots after it.
+    QVERIFY(drag(data.get(), QPoint(20, panel.view->visualRect(panel.row(2)).bottom() + 20)));
+    QTRY_COMPARE(panel.manager.asked.join(u'|'), QStringLiteral("move 1/1 to 4|move 1/3 to 5"));
+    // Nothing is written while there is nothing to write to.
+    panel.manager.asked.clear();
+    panel.widget.setConnected(false);
+    const qsizetype told = NotificationManagerImpl::instance()->notifications().size();
+    QVERIFY(drag(data.get(), panel.view->visualRect(panel.row(1)).center()));
+    QCoreApplication::processEvents();
+    QVERIFY(panel.manager.asked.isEmpty());
+    QCOMPARE(NotificationManagerImpl::instance()->notifications().size(), told + 1);
 }
 
 void TestMediaPanel::movesIntoGaps_data()

@@ -1,0 +1,94 @@
+#include "common/import/dropforecast.h"
+
+#include "common/filesystem/model/pathhelpers.h"
+#include "common/import/slotpayload.h"
+#include "common/media/address/showntext.h"
+#include "common/media/edit/mediacollectionmanager.h"
+#include "common/media/items/guimediaslot.h"
+
+#include <QCoreApplication>
+#include <QSet>
+
+namespace vantrel {
+
+namespace {
+
+constexpr qsizetype mostNames = 2;
+
+QString translated(const char* text)
+{
+    return QCoreApplication::translate("DropForecast", text);
+}
+
+} // namespace
+
+int overwrittenSlots(const MediaCollectionManager& manager, int collection, int first, int last,
+                     const QList<int>& movedSlots, QStringList& names)
+{
+    const QSet<int> moved(movedSlots.cbegin(), movedSlots.cend());
+    int count = 0;
+    for (int slot = first; slot <= last; ++slot) {
+        GuiMediaSlot there;
+        // A slot that has been cleared is kept, and holds nothing.
+        if (moved.contains(slot) || !manager.isSlotOccupied(collection, slot) ||
+            !manager.findMediaSlot(collection, slot, there) || there.contentUrl().isEmpty())
+            continue;
+        if (++count <= mostNames)
+            names.append(QString::number(slot) + u' ' + shownText(there.name()));
+    }
+    return count;
+}
+
+DropForecast DropForecast::of(const SlotPayload& payload, const MediaCollectionManager& manager,
+                              int collection, int slot)
+{
+    DropForecast forecast;
+    forecast.fault = payload.fault();
+    qsizetype count = payload.addresses().size();
+    for (const MediaEntry& entry : payload.entries()) {
+        const bool isRead = entry.isDirectory || !isMediaFile(entry.path);
+        forecast.isExact &= !isRead;
+        if (isRead || entry.isPlayable || !entry.isKnown)
+            ++count;
+    }
+    if (!forecast.fault.isEmpty())
+        return forecast;
+    const int end = manager.lastSlotInCollection(collection);
+    if (count == 0)
+        forecast.fault = translated("The server can play none of these files.");
+    else if (slot < 0 || slot + count - 1 > end)
+        forecast.fault = translated("There is no room: the last slot is %1.").arg(end);
+    if (!forecast.fault.isEmpty())
+        return forecast;
+    forecast.first = slot;
+    forecast.last = slot + static_cast<int>(count) - 1;
+    QList<int> moved;
+    if (payload.isWithin(collection)) {
+        for (const MediaAddress& address : payload.addresses())
+            moved.append(address.slot);
+    }
+    forecast.overwritten =
+        overwrittenSlots(manager, collection, forecast.first, forecast.last, moved, forecast.losing);
+    return forecast;
+}
+
+QString DropForecast::text() const
+{
+    if (!fault.isEmpty())
+        return fault;
+    QString text =
+        first == last && isExact
+            ? translated("Slot %1.").arg(first)
+            : (isExact ? translated("Slots %1 to %2 (%3).").arg(first).arg(last).arg(last - first + 1)
+                       : translated("From slot %1 on; how many slots tells once it is read.").arg(first));
+    if (overwritten == 0)
+        return text;
+    const int more = overwritten - static_cast<int>(losing.size());
+    text +=
+        u' ' +
+        (more > 0 ? translated("Overwrites %1 and %2 more.").arg(losing.join(QStringLiteral(", "))).arg(more)
+                  : translated("Overwrites %1.").arg(losing.join(QStringLiteral(", "))));
+    return text;
+}
+
+} // namespace vantrel

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+namespace vantrel {
+
+class MediaCollectionManager;
+class SlotPayload;
+
+/// What a drop on a slot would do, told before the button is let go. A value.
+struct DropForecast
+{
+    static DropForecast of(const SlotPayload& payload, const MediaCollectionManager& manager, int collection,
+                           int slot);
+
+    int first = -1; // the slots that it takes
+    int last = -1;
+    bool isExact = true; // false: folders and pictures tell only once they are read
+    int overwritten = 0; // slots that hold media and would hold another
+    QStringList losing;  // "4 Logo": the first of those
+    QString fault;       // why nothing can be dropped there; the rest says nothing then
+
+    bool isPossible() const { return fault.isEmpty(); }
+    /// "Slots 3 to 7 (5). Overwrites 4 Logo, 5 Loop and 1 more."
+    QString text() const;
+};
+
+/// The slots in the range that hold media, without those that the payload itself moves away: how many, and
+/// the first few as "4 Logo".
+int overwrittenSlots(const MediaCollectionManager& manager, int collection, int first, int last,
+                     const QList<int>& movedSlots, QStringList& names);
+
+} // namespace vantrel

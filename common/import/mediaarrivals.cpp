@@ -1,0 +1,244 @@
+#include "common/import/mediaarrivals.h"
+
+#include "common/filesystem/model/filesystem.h"
+#include "common/filesystem/model/filesystemprovider.h"
+#include "common/filesystem/model/pathhelpers.h"
+#include "common/filesystem/operations/runnableoperation.h"
+#include "common/filesystem/schedule/filesystemoperations.h"
+#include "common/media/address/medialogging.h"
+#include "common/media/address/showntext.h"
+
+#include <QSet>
+
+#include <algorithm>
+#include <chrono>
+#include <memory>
+
+namespace vantrel {
+
+using namespace std::chrono_literals;
+
+namespace {
+
+const QString localName = QStringLiteral("local");
+const QString serverName = QStringLiteral("server");
+
+/// Whether all that is copied is there, and not only that the operation has ended.
+bool hasPassed(const BaseOperation& operation)
+{
+    const auto* runnable = dynamic_cast<const RunnableOperation*>(&operation);
+    return runnable && runnable->state() == RunnableOperation::Passed;
+}
+
+} // namespace
+
+struct MediaArrivals::Question
+{
+    QList<MediaEntry> entries;
+    std::function<void(const Plan&)> next;
+    QTimer patience;
+};
+
+MediaArrivals::MediaArrivals(FileSystemProvider* fileSystems, FileSystemOperations* operations,
+                             QObject* parent)
+    : QObject(parent)
+    , m_fileSystems(fileSystems)
+    , m_operations(operations)
+{
+    m_pace.setSingleShot(true);
+    m_pace.setInterval(100ms);
+    connect(&m_pace, &QTimer::timeout, this, &MediaArrivals::changed);
+}
+
+bool MediaArrivals::isLocal(const QList<MediaEntry>& entries)
+{
+    return !entries.isEmpty() && std::ranges::all_of(entries, [](const MediaEntry& entry) {
+        return entry.fileSystem == localName;
+    });
+}
+
+QList<MediaEntry> MediaArrivals::entriesOf(const QList<QUrl>& urls)
+{
+    QList<MediaEntry> entries;
+    for (const QUrl& url : urls) {
+        const QString path = url.isLocalFile() ? normalizePath(url.toLocalFile()) : QString();
+        if (!path.startsWith(u'/') || path == QStringLiteral("/"))
+            return {};
+        MediaEntry entry;
+        entry.path = path;
+        entry.fileSystem = localName;
+        entry.name = getNameInPath(path);
+        entry.isDirectory = !isMediaFile(path) && !isImageFile(path); // until somebody looks
+        entry.isKnown = false;
+        entries.append(entry);
+    }
+    return entries;
+}
+
+void MediaArrivals::plan(const QList<MediaEntry>& entries, const std::function<void(const Plan&)>& next)
+{
+    FileSystem* const local = m_fileSystems ? m_fileSystems->getFileSystem(localName) : nullptr;
+    FileSystem* const server = m_fileSystems ? m_fileSystems->getFileSystem(serverName) : nullptr;
+    if (!local || !server || !m_operations || entries.isEmpty()) {
+        Plan plan;
+        plan.fault = tr("The server takes no files. Copy them to it by hand and drop them again.");
+        return next(plan);
+    }
+    const auto question = std::make_shared<Question>();
+    question->entries = entries;
+    question->next = next;
+    local->whenReachable(entries.first().path, this, [this, question](bool isReachable) {
+        if (isReachable)
+            return lookAtServer(question);
+        Plan plan;
+        plan.fault = tr("The disk that the files are on does not answer.");
+        question->next(plan);
+    });
+}
+
+/// A name that is taken there is met before anything is stored: a slot must not play what only has the name.
+void MediaArrivals::lookAtServer(const std::shared_ptr<Question>& question)
+{
+    FileSystem* const server = m_fileSystems->getFileSystem(serverName);
+    // Both connections hold the question, and go with its answer.
+    const auto end = [question, server](const Plan& plan) {
+        const std::shared_ptr<Question> kept = question;
+        server->disconnect(&kept->patience);
+        kept->patience.disconnect();
+        kept->patience.stop();
+        kept->next(plan);
+    };
+    const auto ask = [this, question, server, end] {
+        QList<FileSystemFile> files;
+        if (!server->getFiles(server->defaultRootPath(), files))
+            return false;
+        end(answer(*question));
+        return true;
+    };
+    if (ask())
+        return;
+    connect(server, &FileSystem::directoryChanged, &question->patience, ask);
+    question->patience.setSingleShot(true);
+    question->patience.setInterval(10s);
+    connect(&question->patience, &QTimer::timeout, this, [end] {
+        Plan plan;
+        plan.fault = tr("The server does not tell which files it holds.");
+        end(plan);
+    });
+    question->patience.start();
+}
+
+QString MediaArrivals::targetOf(const QString& localPath, bool isDirectory) const
+{
+    const QString root = m_fileSystems->getFileSystem(serverName)->defaultRootPath();
+    return createJoinedPath(root, getNameInPath(localPath), isDirectory);
+}
+
+MediaArrivals::Plan MediaArrivals::answer(const Question& question) const
+{
+    Plan plan;
+    QSet<QString> names;
+    for (const MediaEntry& entry : question.entries) {
+        const QString name = getNameInPath(entry.path);
+        if (names.contains(name)) {
+            plan.faults.append(
+                tr("\"%1\" is left out: another one of its name comes with it.").arg(shownText(name)));
+            continue;
+        }
+        names.insert(name);
+        add(plan, entry);
+    }
+    return plan;
+}
+
+void MediaArrivals::add(Plan& plan, const MediaEntry& entry) const
+{
+    FileSystem* const local = m_fileSystems->getFileSystem(localName);
+    FileSystem* const server = m_fileSystems->getFileSystem(serverName);
+    const auto leaveOut = [&plan, &entry](const QString& why) {
+        plan.faults.append(
+            tr("\"%1\" is left out: %2").arg(shownText(getNameInPath(entry.path)), shownText(why)));
+    };
+    const FileSystem::ItemType type = local->getType(entry.path);
+    const bool isDirectory = type == FileSystem::Directory;
+    if (type == FileSystem::Unknown)
+        return leaveOut(tr("it is not there any more."));
+    if (!isDirectory && !isMediaFile(entry.path) && !isImageFile(entry.path))
+        return leaveOut(tr("it is neither a picture nor video nor sound."));
+    const QString target = targetOf(entry.path, isDirectory);
+    const FileSystem::ItemType there =
+        std::max(server->getType(target), server->getType(targetOf(entry.path, !isDirectory)));
+    if (there != FileSystem::Unknown || m_progress.contains(QUrl::fromLocalFile(target)))
+        return leaveOut(tr("the server holds something of this name. Drop that one, or give this one another "
+                           "name."));
+    if (isDirectory) {
+        plan.directories.append(entry.path);
+        return;
+    }
+    MediaEntry arriving = entry;
+    arriving.path = target;
+    arriving.fileSystem = serverName;
+    arriving.name = getNameInPath(target);
+    arriving.isDirectory = false;
+    arriving.isKnown = true;
+    arriving.isPlayable = true; // or nobody knows: the server says so once it has it
+    plan.files.append(arriving);
+    plan.uploads.append(entry.path);
+}
+
+OperationPtr MediaArrivals::send(const QString& localPath)
+{
+    FileSystem* const server = m_fileSystems->getFileSystem(serverName);
+    return server ? m_operations->copy(m_fileSystems->getFileSystem(localName), localPath, server,
+                                       server->defaultRootPath())
+                  : nullptr;
+}
+
+void MediaArrivals::bringFile(const QString& localPath)
+{
+    const OperationPtr operation = send(localPath);
+    if (!operation)
+        return;
+    const QUrl url = QUrl::fromLocalFile(targetOf(localPath, false));
+    m_progress.insert(url, 0);
+    connect(operation.get(), &BaseOperation::progressChanged, this, [this, url](double, double to) {
+        m_progress[url] = to;
+        noteChange();
+    });
+    // Whole or not, from now on the server says what there is.
+    connect(operation.get(), &BaseOperation::operationStopped, this, [this, url] {
+        m_progress.remove(url);
+        noteChange();
+    });
+    noteChange();
+}
+
+void MediaArrivals::bringDirectory(const QString& localPath,
+                                   const std::function<void(const QString&)>& arrived)
+{
+    const OperationPtr operation = send(localPath);
+    if (!operation)
+        return;
+    const QString target = targetOf(localPath, true);
+    connect(operation.get(), &BaseOperation::operationStopped, this,
+            [operation = operation.get(), target, arrived] {
+                if (hasPassed(*operation))
+                    arrived(target);
+            });
+}
+
+QString MediaArrivals::textOf(const QUrl& media) const
+{
+    const auto found = m_progress.constFind(media);
+    if (found == m_progress.cend())
+        return {};
+    return tr("arriving %1 %").arg(static_cast<int>(std::clamp(*found, 0.0, 1.0) * 100));
+}
+
+void MediaArrivals::noteChange()
+{
+    if (!m_pace.isActive())
+        m_pace.start();
+}
+
+} // namespace vantrel

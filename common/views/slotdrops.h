@@ -1,0 +1,81 @@
+#pragma once
+
+#include "common/import/dropforecast.h"
+#include "common/import/imagesequencecreator.h"
+#include "common/import/mediaarrivals.h"
+#include "common/import/mediaslotdrophandler.h"
+#include "common/import/slotpayload.h"
+
+#include <QObject>
+#include <QVariantMap>
+
+#include <functional>
+
+class QMimeData;
+class QWidget;
+
+namespace vantrel {
+
+class FileSystemOperations;
+class FileSystemProvider;
+class MediaCollectionManager;
+class MediaDrop;
+class Session;
+
+/// What the media panel does with a drag over its slots: it says what a drop would do, and has it done as one
+/// step of undo, without a question where all that goes was told before. Main thread; what it is given must
+/// outlive it.
+class SlotDrops : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// session: null takes no files. window: over which it asks.
+    SlotDrops(Session* session, MediaCollectionManager* manager, QWidget* window);
+    ~SlotDrops() override;
+
+    /// Of the slots on which is dropped; below 0 takes nothing.
+    void setCollection(int collection) { m_collection = collection; }
+    /// Why nothing can be changed now, a sentence; empty where it can.
+    void setObstacle(const std::function<QString()>& obstacle) { m_obstacle = obstacle; }
+
+    /// A drag has come; false for what is none of ours.
+    bool begin(const QMimeData* data);
+    /// What a drop on the slot would do. Between begin() and end().
+    const DropForecast& aim(int slot);
+    void drop(int slot);
+    void end();
+
+    /// What of this computer is on its way into slots.
+    const MediaArrivals& arrivals() const { return m_arrivals; }
+
+Q_SIGNALS:
+    /// What arrivals() says of some slots.
+    void arrivalsChanged();
+
+private:
+    QString obstacle() const { return m_obstacle ? m_obstacle() : QString(); }
+    void bring(const MediaArrivals::Plan& plan, int collection, int slot, int toldLast);
+    void bringDirectories(const QStringList& directories, int collection, int slot);
+    void take(MediaDrop* drop);
+    void finish(MediaDrop* drop, int toldLast);
+    void save(MediaDrop* drop);
+    void tell(const MediaDrop& drop) const;
+    void refuse(const QString& why) const;
+
+    MediaCollectionManager* m_manager;
+    QWidget* m_window;
+    ImageSequenceCreator m_creator;
+    MediaSlotDropHandler m_handler;
+    MediaArrivals m_arrivals;
+    std::function<QString()> m_obstacle;
+    int m_collection = -1;
+    QVariantMap m_mime;
+    SlotPayload m_payload;
+    DropForecast m_forecast;
+    int m_aimed = -1;           // the slot of m_forecast
+    MediaArrivals::Plan m_plan; // of the drop that is made now, where its files have yet to arrive
+    int m_toldLast = -1;        // up to which the operator has seen what a drop overwrites
+};
+
+} // namespace vantrel

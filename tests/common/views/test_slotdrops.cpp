@@ -1,0 +1,114 @@
+#include "common/filesystem/models/filesmodel.h"
+#include "common/media/edit/implmediacollectionmanager.h"
+#include "common/media/items/guimediaslot.h"
+#include "common/media/library/medialibraryapi.h"
+#include "common/media/library/medialibraryprovider.h"
+#include "common/notification/notificationmanagerimpl.h"
+#include "common/session/link/connectionhandler.h"
+#include "common/session/session.h"
+#include "common/views/slotdrops.h"
+#include "tests/support/ombraprocess.h"
+#include "tests/support/testmain.h"
+
+#include <QDir>
+#include <QImage>
+#include <QMimeData>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QUndoStack>
+#include <QUrl>
+#include <QWidget>
+
+namespace vantrel::test {
+
+/// What the desktop's file manager drags onto the slots of a live server.
+class TestSlotDrops : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        if (!OmbraProcess::isAvailable())
+            QSKIP("HALCYRA_BIN names no folder with ombra in it");
+        allowWarnings(QStringLiteral("Getting system property failed"));
+        allowWarnings(QStringLiteral("Failed to get media library"));
+    }
+
+    void bringsLocalFiles()
+    {
+        OmbraProcess server;
+        QVERIFY(server.start());
+        const auto session = std::make_unique<Session>();
+        Session::initializeWith(session.get(), server.ports());
+        QSignalSpy loaded(session->mediaLibraryProvider(), &AbstractMediaLibraryProvider::reset);
+        session->connectionHandler()->connect(server.host());
+        QTRY_VERIFY(session->isConnected() && session->getMediaLibraryApi() && !loaded.isEmpty());
+        QTRY_VERIFY(session->serverFilesModel());
+        ImplMediaCollectionManager manager;
+        const MediaLibraryProvider* const library = session->mediaLibraryProvider();
+        QVERIFY(manager.insertCollection(7, QStringLiteral("Seven")));
+        QTRY_VERIFY(library->collection(7));
+
+        QTemporaryDir local;
+        for (const char* name : {"logo.png", "shots/s.0001.png", "shots/s.0002.png", "notes.txt"})
+            makePicture(local.filePath(QString::fromLatin1(name)));
+        QWidget window;
+        SlotDrops drops(session.get(), &manager, &window);
+        drops.setCollection(7);
+        const auto drop = [&](const QStringList& names, int slot) {
+            QMimeData data;
+            QList<QUrl> urls;
+            for (const QString& name : names)
+                urls.append(QUrl::fromLocalFile(local.filePath(name)));
+            data.setUrls(urls);
+            if (!drops.begin(&data))
+                return false;
+            drops.aim(slot);
+            drops.drop(slot);
+            drops.end();
+            return true;
+        };
+        const qsizetype told = NotificationManagerImpl::instance()->notifications().size();
+        const int steps = session->getQUndoStack()->index();
+        QVERIFY(drop({QStringLiteral("logo.png"), QStringLiteral("notes.txt")}, 3));
+        QTRY_VERIFY(library->slot({7, 3}));
+        QCOMPARE(session->getQUndoStack()->index(), steps + 1);
+        QTRY_VERIFY(library->slot({7, 3})->isPlayable()); // the server has it
+        QTRY_VERIFY(drops.arrivals().isEmpty());
+        QVERIFY(QFile::exists(server.mediaFolder() + QStringLiteral("/logo.png")));
+        QTRY_COMPARE(NotificationManagerImpl::instance()->notifications().size(), told + 1); // of notes.txt
+
+        // A folder becomes what it holds once it is there.
+        QVERIFY(drop({QStringLiteral("shots")}, 5));
+        QTRY_VERIFY(library->slot({7, 5}));
+        QTRY_VERIFY(library->slot({7, 5})->isPlayable());
+        QCOMPARE(library->slot({7, 5})->lastFrame().value_or(0), 2);
+
+        // What has only its name is not played in its place.
+        makePicture(local.filePath(QStringLiteral("logo.png")));
+        QVERIFY(drop({QStringLiteral("logo.png")}, 9));
+        QTRY_COMPARE(NotificationManagerImpl::instance()->notifications().size(), told + 2);
+        QVERIFY(!library->slot({7, 9}));
+
+        session->getQUndoStack()->undo();
+        session->getQUndoStack()->undo();
+        QTRY_VERIFY(!library->slot({7, 3}) && !library->slot({7, 5}));
+    }
+
+private:
+    static void makePicture(const QString& path)
+    {
+        QDir().mkpath(QFileInfo(path).path());
+        QImage picture(64, 36, QImage::Format_RGB32);
+        picture.fill(Qt::red);
+        picture.save(path, "PNG");
+    }
+};
+
+} // namespace vantrel::test
+
+using vantrel::test::TestSlotDrops;
+HALCYRA_TEST(TestSlotDrops)
+#include "test_slotdrops.moc"
