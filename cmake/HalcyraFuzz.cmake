@@ -32,3 +32,10 @@ target_sources(fuzz_drop PRIVATE ${CMAKE_SOURCE_DIR}/common/views/playlist/playl
   ${CMAKE_SOURCE_DIR}/common/media/address/medialogging.cpp)
 target_link_libraries(fuzz_drop PRIVATE Qt6::Core)
 halcyra_qt_definitions(fuzz_drop)
+
+# What a slot believes of one.
+target_sources(fuzz_slotdrop PRIVATE ${CMAKE_SOURCE_DIR}/common/import/slotpayload.cpp ${items}
+  ${CMAKE_SOURCE_DIR}/common/media/address/mediafiles.cpp ${CMAKE_SOURCE_DIR}/common/media/address/mediautils.cpp
+  ${CMAKE_SOURCE_DIR}/common/media/address/medialogging.cpp)
+target_link_libraries(fuzz_slotdrop PRIVATE Qt6::Core)
+halcyra_qt_definitions(fuzz_slotdrop)

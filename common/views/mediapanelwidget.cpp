@@ -345,7 +345,7 @@ void MediaPanelWidget::updateEmptyText()
         m_view->setEmpty(QStringLiteral("search"), tr("No slot matches \"%1\".").arg(m_model->searchText()));
     else
         m_view->setEmpty(QStringLiteral("import"),
-                         tr("This collection is empty. Duplicate one that holds media, or choose another."));
+                         tr("This collection is empty. Drop files, folders or slots here."));
 }
 
 void MediaPanelWidget::onActivated(const QModelIndex& index)

@@ -32,6 +32,13 @@ SlotDrops::SlotDrops(Session* session, MediaCollectionManager* manager, QWidget*
 
 SlotDrops::~SlotDrops() = default;
 
+bool SlotDrops::isFree(int slot) const
+{
+    QStringList names;
+    return slot <= m_manager->lastSlotInCollection(m_collection) &&
+           overwrittenSlots(*m_manager, m_collection, slot, slot, {}, names) == 0;
+}
+
 bool SlotDrops::begin(const QMimeData* data)
 {
     end();

@@ -39,6 +39,12 @@ public:
     /// Why nothing can be changed now, a sentence; empty where it can.
     void setObstacle(const std::function<QString()>& obstacle) { m_obstacle = obstacle; }
 
+    /// Whether a drop could be done now.
+    bool isTaking() const { return m_collection >= 0 && obstacle().isEmpty(); }
+
+    /// Whether there is such a slot, and it holds nothing.
+    bool isFree(int slot) const;
+
     /// A drag has come; false for what is none of ours.
     bool begin(const QMimeData* data);
     /// What a drop on the slot would do. Between begin() and end().

@@ -53,6 +53,10 @@ void SlotListView::paintEvent(QPaintEvent* event)
         painter.fillRect(row.left(), (m_gap < rows ? row.top() : row.bottom() + 1) - 1, row.width(), 2,
                          getColor(colors::Zt_orange));
     }
+    if (m_drops && m_drops->isTaking()) {
+        QPainter painter(viewport());
+        paintPlaces(painter);
+    }
     if (m_target >= 0 && m_drops)
         paintDrop();
     if (m_emptyText.isEmpty() || m_target >= 0 || (model() && model()->rowCount(rootIndex()) > 0))
@@ -179,6 +183,38 @@ int SlotListView::slotUnder(const QPoint& position) const
     if (position.y() < row.top() + edge)
         return index.row() > 0 ? slotAt(index.row() - 1) + 1 : 1;
     return slotAt(index.row());
+}
+
+/// The free slots behind the last one are places too: the first of them, and while something is dragged there
+/// as many as it takes.
+void SlotListView::paintPlaces(QPainter& painter)
+{
+    const int rows = model() ? model()->rowCount(rootIndex()) : 0;
+    const QModelIndex last = rows > 0 ? model()->index(rows - 1, modelColumn(), rootIndex()) : QModelIndex();
+    const QRect above = visualRect(last);
+    const int height = last.isValid() ? above.height() : 0;
+    if (height <= 0)
+        return;
+    const int next = slotAt(rows - 1) + 1;
+    const bool isAimed = m_target >= next && m_drops->aim(m_target).isPossible();
+    if (!isAimed && !m_drops->isFree(next)) // a search hides what it holds
+        return;
+    const int first = isAimed ? m_drops->aim(m_target).first : next;
+    const int count = isAimed ? m_drops->aim(m_target).last - first + 1 : 1;
+    painter.setRenderHint(QPainter::Antialiasing);
+    for (int place = 0; place < count; ++place) {
+        const QRect box = above.translated(0, height * (place + 1)).adjusted(3, 3, -3, -3);
+        if (box.top() > viewport()->height())
+            return;
+        painter.setBrush(Qt::NoBrush);
+        painter.setPen(QPen(getColor(isAimed ? colors::Zt_orange : colors::Zt_white_30), 1, Qt::DashLine));
+        painter.drawRoundedRect(QRectF(box).adjusted(0.5, 0.5, -0.5, -0.5), 4, 4);
+        painter.setPen(getColor(isAimed ? colors::White : colors::Zt_white_50));
+        const QString text =
+            isAimed ? QString::number(first + place) : tr("%1  Drop files or slots here").arg(first + place);
+        painter.drawText(box.adjusted(8, 0, -8, 0), Qt::AlignVCenter | Qt::AlignLeft,
+                         painter.fontMetrics().elidedText(text, Qt::ElideRight, box.width() - 16));
+    }
 }
 
 /// The rows that a drop would take, the line where it lands, and what it does, in words.

@@ -48,6 +48,7 @@ private:
     int slotAt(int row) const;
     int slotUnder(const QPoint& position) const;
     void paintDrop();
+    void paintPlaces(QPainter& painter);
     void endDrag();
 
     /// Does what the key map says of the key for a list; false for any other key.
