@@ -10,6 +10,7 @@
 
 #include <QMimeData>
 #include <QPointer>
+#include <QSet>
 #include <QWidget>
 
 #include <algorithm>
@@ -55,6 +56,27 @@ bool SlotDrops::begin(const QMimeData* data)
     return m_payload.isSound();
 }
 
+int SlotDrops::roomFrom(int slot)
+{
+    if (m_room.first == slot)
+        return m_room.second;
+    const DropForecast forecast = DropForecast::of(m_payload, *m_manager, m_collection, slot);
+    QSet<int> moved;
+    if (m_payload.isWithin(m_collection)) {
+        for (const MediaAddress& address : m_payload.addresses())
+            moved.insert(address.slot);
+    }
+    const int count = forecast.last - forecast.first + 1;
+    const int end = m_manager->lastSlotInCollection(m_collection);
+    int start = slot;
+    for (int at = slot; at <= end && at - start < count; ++at) {
+        if (!moved.contains(at) && m_manager->isSlotOccupied(m_collection, at))
+            start = at + 1;
+    }
+    m_room = {slot, forecast.isPossible() && start + count - 1 <= end ? start : slot};
+    return m_room.second;
+}
+
 const DropForecast& SlotDrops::aim(int slot)
 {
     if (slot == m_aimed)
@@ -72,6 +94,7 @@ void SlotDrops::end()
     m_payload = {};
     m_forecast = {};
     m_aimed = -1;
+    m_room = {-1, -1};
 }
 
 void SlotDrops::drop(int slot)

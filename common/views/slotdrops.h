@@ -47,6 +47,9 @@ public:
 
     /// A drag has come; false for what is none of ours.
     bool begin(const QMimeData* data);
+    /// The first slot from there on behind which all that is known of the drag finds free slots: what is held
+    /// between two slots points at neither. The slot itself where there is no such place.
+    int roomFrom(int slot);
     /// What a drop on the slot would do. Between begin() and end().
     const DropForecast& aim(int slot);
     void drop(int slot);
@@ -79,9 +82,10 @@ private:
     QVariantMap m_mime;
     SlotPayload m_payload;
     DropForecast m_forecast;
-    int m_aimed = -1;           // the slot of m_forecast
-    MediaArrivals::Plan m_plan; // of the drop that is made now, where its files have yet to arrive
-    int m_toldLast = -1;        // up to which the operator has seen what a drop overwrites
+    int m_aimed = -1;               // the slot of m_forecast
+    QPair<int, int> m_room{-1, -1}; // the last answer of roomFrom()
+    MediaArrivals::Plan m_plan;     // of the drop that is made now, where its files have yet to arrive
+    int m_toldLast = -1;            // up to which the operator has seen what a drop overwrites
 };
 
 } // namespace vantrel

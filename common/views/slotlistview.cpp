@@ -15,6 +15,8 @@
 #include <QPainter>
 #include <QToolTip>
 
+#include <algorithm>
+
 namespace vantrel {
 
 using colors::getColor;
@@ -169,19 +171,20 @@ int SlotListView::slotAt(int row) const
     return model()->index(row, modelColumn(), rootIndex()).data(MediaLibraryModel::NumberRole).toInt();
 }
 
-/// On a row that slot, between two rows and below all of them the one after the row above.
+/// On a row that slot; between two rows and below all of them where there is room behind the row above.
 int SlotListView::slotUnder(const QPoint& position) const
 {
     const int rows = model() ? model()->rowCount(rootIndex()) : 0;
+    const auto behind = [this](int row) { return m_drops->roomFrom(row >= 0 ? slotAt(row) + 1 : 1); };
     const QModelIndex index = indexAt(position);
     if (!index.isValid())
-        return rows > 0 ? slotAt(rows - 1) + 1 : 1;
+        return behind(rows - 1);
     const QRect row = visualRect(index);
     const int edge = row.height() / 4;
     if (position.y() > row.bottom() - edge)
-        return slotAt(index.row()) + 1;
+        return behind(index.row());
     if (position.y() < row.top() + edge)
-        return index.row() > 0 ? slotAt(index.row() - 1) + 1 : 1;
+        return behind(index.row() - 1);
     return slotAt(index.row());
 }
 
@@ -226,7 +229,7 @@ void SlotListView::paintDrop()
     const int rows = model() ? model()->rowCount(rootIndex()) : 0;
     int line = 1;
     if (forecast.isPossible()) {
-        for (int row = 0; row < rows; ++row) {
+        for (int row = std::max(0, indexAt(QPoint(1, 1)).row()); row < rows; ++row) {
             const QRect rect = visualRect(model()->index(row, modelColumn(), rootIndex()));
             if (rect.top() > viewport()->height())
                 break;
@@ -236,6 +239,7 @@ void SlotListView::paintDrop()
             else if (slot <= forecast.last && rect.bottom() >= 0)
                 painter.fillRect(rect, getColor(colors::Zt_red_10));
         }
+        line = std::min(line, viewport()->height() - 1);
         painter.fillRect(0, line - 1, viewport()->width(), 2, getColor(colors::Zt_orange));
     }
     const int margin = 8;
