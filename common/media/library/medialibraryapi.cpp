@@ -153,12 +153,9 @@ QNetworkReply* MediaLibraryApi::patchMediaLibrary(const Patch& patch, std::optio
 
 bool MediaLibraryApi::patchBody(const Patch& patch, QByteArray* body)
 {
-    Json json = patch.toJson();
-    QJsonDocument document;
-    if (!sdkJsonToQJsonDocument(&json, &document))
-        return false;
-    *body = document.toJson(QJsonDocument::Compact);
-    return true;
+    // The text itself: read into a document and written again it holds the window for thousands of slots.
+    *body = QByteArray::fromStdString(patch.toJson().toString());
+    return !body->isEmpty();
 }
 
 QNetworkReply* MediaLibraryApi::openSSE()
