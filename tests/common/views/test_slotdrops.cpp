@@ -92,6 +92,24 @@ private Q_SLOTS:
         QTRY_COMPARE(NotificationManagerImpl::instance()->notifications().size(), told + 2);
         QVERIFY(!library->slot({7, 9}));
 
+        // Slots move in one edit, also onto each other's places.
+        const auto nameAt = [library](int slot) {
+            const auto one = library->slot({7, slot});
+            return one ? one->name() : QString();
+        };
+        const QString shots = nameAt(5);
+        QMimeData two;
+        two.setData(QStringLiteral("application/type"), "slot");
+        two.setData(QStringLiteral("application/json"), R"({"slots":[3,5]})");
+        QVERIFY(drops.begin(&two));
+        drops.drop(5);
+        drops.end();
+        QTRY_COMPARE(nameAt(6), shots);
+        QCOMPARE(nameAt(5), QStringLiteral("logo.png"));
+        QVERIFY(library->slot({7, 3})->contentUrl().isEmpty());
+        session->getQUndoStack()->undo();
+        QTRY_VERIFY(nameAt(3) == QStringLiteral("logo.png") && nameAt(5) == shots && !library->slot({7, 6}));
+
         session->getQUndoStack()->undo();
         session->getQUndoStack()->undo();
         QTRY_VERIFY(!library->slot({7, 3}) && !library->slot({7, 5}));
