@@ -494,13 +494,43 @@ def files(options, name, **how):
         window.click("transfers-limit-20")
         window.click("local-files-list")
         window.keys("End", "Ctrl+Right")
-        wait(lambda: window.robot.find("transfers-row0")["text"].endswith("Done"), "the small file")
+        wait(lambda: ": Done" in window.robot.find("transfers-row0")["text"], "the small file")
         window.keys("Home", "Shift+Down", "Ctrl+Right")
         time.sleep(4)
         window.rest()
         window.shoot(options.out / f"{name}.png")
         window.click("transfers-stop-button")
         time.sleep(1)
+
+
+def slots(options):
+    """A file from the FILES tab over the PLAYER tab's button onto a slot, and on its way there."""
+    shows = options.media.parent / "Arriving"
+    shows.mkdir(exist_ok=True)
+    fill(shows / "Sponsor film.mp4", 6_000_000_000)
+    with Window(options) as window, Pointer(window.display) as pointer:
+        window.click("MainNavigationBar-files-button")
+        window.click("local-files-list")
+        window.keys("Ctrl+L", *str(shows), "Enter")
+        wait(lambda: window.robot.find("local-files-row0")["text"] == "Sponsor film.mp4", "the file")
+        window.click("transfers-limit-button")
+        window.click("transfers-limit-20")
+        row, tab = window.robot.find("local-files-row0"), window.robot.find("MainNavigationBar-player-button")
+        pointer.drag(row, tab)
+        time.sleep(1)
+        slot = window.robot.slot(1)
+        pointer.move(slot["global_x"], slot["global_y"] - 4)
+        pointer.move(slot["global_x"], slot["global_y"])
+        time.sleep(0.5)
+        window.shoot(options.out / "drop-on-slots.png")
+        pointer.press(False)
+        time.sleep(2)
+        window.rest()
+        window.shoot(options.out / "arriving.png")
+        window.click("MainNavigationBar-files-button")
+        window.click("transfers-stop-button")
+        time.sleep(1)
+        window.keys("Ctrl+Z")
 
 
 def fill(path, size):
@@ -569,6 +599,7 @@ SCREENS = {
     "rename": rename,
     "media-folder-gone": notice,
     "drop-on-program": drop,
+    "drop-on-slots": slots,
     "files": lambda options: files(options, "files"),
     "files-huge-1280x720": lambda options: files(options, "files-huge-1280x720", **HUGE),
     "silent": silent,
