@@ -38,7 +38,6 @@ const QStringList trueWarnings = {
     QStringLiteral("Selected entry not valid."),    // the operator is told
     QStringLiteral("Undo failed! "),
     QStringLiteral("Redo failed! "),
-    QStringLiteral("Media slot not found for setting "), // done again after somebody has cleared it
 };
 
 /// Those of a server that is dead, or means harm.
@@ -61,6 +60,17 @@ const QStringList disturbedWarnings = {
     QStringLiteral("this method must only be called once"), // Qt's own, of a reply that fails twice
     QStringLiteral("Not a JPEG file: "),                    // of the library that decodes pictures
 };
+
+/// An edit done again on a library that has changed says what it does not find, and the operator is told
+/// right behind it.
+bool isTold(const QStringList& lines, qsizetype at)
+{
+    if (!lines.at(at).contains(QLatin1String("/media/edit/")))
+        return false;
+    const auto after = lines.mid(at + 1, 6);
+    return std::ranges::any_of(
+        after, [](const QString& line) { return line.contains(QLatin1String("WARNING: Not done: ")); });
+}
 
 bool isAmong(const QStringList& parts, const QString& line)
 {
@@ -290,14 +300,14 @@ void Monkey::checkLog()
     const QStringList lines = log.mid(m_logRead).split(u'\n');
     m_logRead = log.size();
     static const QRegularExpression colours(QStringLiteral("\033\\[[0-9;]*m"));
-    for (QString line : lines) {
-        line.remove(colours);
+    for (qsizetype at = 0; at < lines.size(); ++at) {
+        const QString line = QString(lines.at(at)).remove(colours);
         const bool isWarning = line.contains(QLatin1String(" *W* ")) || line.contains(QLatin1String(" *C* "));
         const bool isFault = line.contains(QLatin1String("ERROR: ")) ||
                              line.contains(QLatin1String("runtime error")) ||
                              line.contains(QLatin1String(" *F* "));
-        const bool isExpected =
-            isAmong(trueWarnings, line) || (m_isDisturbed && isAmong(disturbedWarnings, line));
+        const bool isExpected = isAmong(trueWarnings, line) || isTold(lines, at) ||
+                                (m_isDisturbed && isAmong(disturbedWarnings, line));
         if ((isFault || (isWarning && !isExpected)) && m_fault.isEmpty())
             m_fault = QStringLiteral("in the log: ") + line;
     }
