@@ -35,7 +35,10 @@ ConnectionHandler::ConnectionHandler(quint16 linkPort, QObject* parent)
                      [this](const QString& address) { m_heardAddress = address; });
 }
 
-ConnectionHandler::~ConnectionHandler() = default;
+ConnectionHandler::~ConnectionHandler()
+{
+    m_end.see();
+}
 
 /// The one place where the state changes; under the lock.
 void ConnectionHandler::enter(State state, const QString& host)
@@ -184,6 +187,7 @@ void ConnectionHandler::onClientData()
 
 void ConnectionHandler::run()
 {
+    const ThreadEnd::Work work(m_end);
     while (!isInterruptionRequested()) {
         Attempt attempt;
         if (!prepare(attempt))

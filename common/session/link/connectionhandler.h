@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/session/link/threadend.h"
 #include "tarn/ref.h"
 
 #include <QMutex>
@@ -120,6 +121,7 @@ private:
     void giveWay();
     PreviewThread* previewThread() const;
 
+    ThreadEnd m_end;
     mutable QMutex m_mutex;                  // guards every field below
     std::condition_variable_any m_condition; // which, unlike Qt's own, the thread sanitizer can follow
     State m_state = State::Idle;

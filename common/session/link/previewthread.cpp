@@ -39,6 +39,7 @@ PreviewThread::~PreviewThread()
     unsubscribe();
     requestInterruption();
     wait();
+    m_end.see();
 }
 
 void PreviewThread::subscribe(const boost::asio::ip::address& address)
@@ -47,6 +48,7 @@ void PreviewThread::subscribe(const boost::asio::ip::address& address)
     unsubscribe();
     requestInterruption();
     wait();
+    m_end.see();
     {
         const QMutexLocker lock(&m_mutex);
         m_endpoint.emplace(address, m_previewPort);
@@ -90,6 +92,7 @@ std::optional<boost::asio::ip::tcp::endpoint> PreviewThread::endpoint() const
 
 void PreviewThread::run()
 {
+    const ThreadEnd::Work work(m_end);
     // Connecting here keeps a server that does not answer from holding up the scene link.
     while (!isInterruptionRequested()) {
         const auto target = endpoint();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/session/link/threadend.h"
 #include "tarn/preview/audiolevels.h"
 #include "tarn/preview/newestqueue.h"
 #include "tarn/preview/previewclient.h"
@@ -65,7 +66,8 @@ private:
     QElapsedTimer m_sinceFrame; // on the main thread, as the two below
     QTimer m_watch;
     bool m_serverAnswers = false;
-    QMutex m_subscribing;   // one at a time stops the thread and starts it anew
+    QMutex m_subscribing; // one at a time stops the thread and starts it anew
+    ThreadEnd m_end;
     mutable QMutex m_mutex; // guards the fields below
     std::condition_variable_any
         m_wake; // out of the pause between two attempts; the thread sanitizer follows it
