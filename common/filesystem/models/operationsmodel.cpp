@@ -3,13 +3,12 @@
 #include "common/filesystem/model/filesize.h"
 #include "common/filesystem/model/filesystemlogging.h"
 #include "common/filesystem/model/pathhelpers.h"
+#include "common/filesystem/models/operationtexts.h"
 #include "common/filesystem/operations/directorytransferoperation.h"
 #include "common/filesystem/operations/filetransferoperation.h"
 #include "common/filesystem/operations/modifyoperation.h"
 #include "common/filesystem/schedule/filesystemoperations.h"
 #include "common/media/address/showntext.h"
-
-#include <QTextDocumentFragment>
 
 #include <algorithm>
 #include <array>
@@ -32,25 +31,6 @@ constexpr std::array columns = {
 QString sideName(const FileSystemTarget& target)
 {
     return target.fileSystem ? target.fileSystem->fileSystemName() : QString();
-}
-
-QString typeText(const BaseOperation* operation)
-{
-    if (const auto* transfer = qobject_cast<const TransferOperation*>(operation))
-        return transfer->transferType() == TransferOperation::Copy ? OperationsModel::tr("Copy")
-                                                                   : OperationsModel::tr("Move");
-    if (const auto* change = qobject_cast<const ModifyOperation*>(operation)) {
-        switch (change->modifyType()) {
-        case ModifyOperation::Remove:
-            return OperationsModel::tr("Remove");
-        case ModifyOperation::Create:
-            return OperationsModel::tr("Create");
-        case ModifyOperation::Rename:
-            return OperationsModel::tr("Rename");
-        }
-    }
-    qCWarning(lcFileSystem) << "Unimplemented code.";
-    return {};
 }
 
 OperationsModel::Stage stageOf(const BaseOperation* operation)
@@ -111,18 +91,6 @@ QString stateText(OperationsModel::Stage stage)
 }
 
 } // namespace
-
-QString etaText(int seconds)
-{
-    const QString h = OperationsModel::tr("h");
-    const QString m = OperationsModel::tr("m");
-    const QString s = OperationsModel::tr("s");
-    if (seconds >= 3600)
-        return QStringLiteral("%1 %2 %3 %4").arg(seconds / 3600).arg(h).arg(seconds / 60 % 60).arg(m);
-    if (seconds >= 60)
-        return QStringLiteral("%1 %2 %3 %4").arg(seconds / 60).arg(m).arg(seconds % 60).arg(s);
-    return QStringLiteral("%1 %2").arg(seconds).arg(s);
-}
 
 OperationsModel::OperationsModel(FileSystemOperations* operations, QObject* parent)
     : QAbstractTableModel(parent)
@@ -219,7 +187,7 @@ QVariant OperationsModel::cell(const Row& row, int role) const
     case StageRole:
         return static_cast<int>(row.stage);
     case ErrorRole:
-        return row.stage == Stage::Failed ? errorOf(row) : QString();
+        return row.stage == Stage::Failed ? errorsText(row.operation.toStrongRef().data()) : QString();
     case SizeTextRole:
         if (row.totalBytes == 0)
             return QString();
@@ -237,34 +205,10 @@ QVariant OperationsModel::cell(const Row& row, int role) const
     case VerifiedRole:
         return row.isVerified;
     case OutcomeTextRole:
-        return outcomeText(row);
+        return outcomeText(row.isFile, row.isVerified, row.skipped);
     default:
         return {};
     }
-}
-
-/// Of one that is done: what has come of it.
-QString OperationsModel::outcomeText(const Row& row)
-{
-    if (row.skipped == 0)
-        return row.isVerified ? tr("Done, verified") : tr("Done");
-    if (row.isFile)
-        return tr("Skipped: the name is taken there");
-    return row.skipped == 1 ? tr("Done, 1 skipped: its name is taken there")
-                            : tr("Done, %1 skipped: their names are taken there").arg(row.skipped);
-}
-
-/// The last reason, without its markup; names in it were escaped.
-QString OperationsModel::errorOf(const Row& row) const
-{
-    const auto operation = row.operation.toStrongRef();
-    const auto* runnable = qobject_cast<const RunnableOperation*>(operation.data());
-    if (!runnable)
-        return {};
-    QStringList lines;
-    for (const OperationError& error : runnable->errors())
-        lines.append(shownText(QTextDocumentFragment::fromHtml(error.message).toPlainText()));
-    return lines.isEmpty() ? tr("Did not succeed") : lines.join(QStringLiteral("; "));
 }
 
 QVariant OperationsModel::headerData(int section, Qt::Orientation orientation, int role) const
@@ -335,7 +279,7 @@ OperationsModel::Row OperationsModel::rowOf(const OperationPtr& operation) const
     Row row;
     row.operation = operation;
     row.id = operation.data();
-    row.type = typeText(operation.data());
+    row.type = operationTypeText(operation.data());
     const QList<FileSystemTarget> targets = operation->targets();
     row.source = targets.value(0);
     row.name = shownText(getNameInPath(row.source.fullPath));

@@ -148,8 +148,6 @@ private:
     static bool isAt(const Row& row, const FileSystem* fileSystem, const QString& path);
     OperationPtr operationAt(int row) const;
     QVariant cell(const Row& row, int role) const;
-    QString errorOf(const Row& row) const;
-    static QString outcomeText(const Row& row);
 
     QPointer<FileSystemOperations> m_operations;
     std::vector<Row> m_rows;
@@ -161,8 +159,5 @@ private:
     double m_totalProgress = 1;
     int m_revision = 0;
 };
-
-/// A time that is left, in whole units: "1 h 5 m", "2 m 10 s", "8 s".
-QString etaText(int seconds);
 
 } // namespace vantrel

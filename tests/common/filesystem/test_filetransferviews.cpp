@@ -2,6 +2,7 @@
 #include "common/filesystem/models/filesmodel.h"
 #include "common/filesystem/models/filesystemdrophandler.h"
 #include "common/filesystem/models/operationsmodel.h"
+#include "common/filesystem/models/operationtexts.h"
 #include "common/notification/notificationmanagerimpl.h"
 #include "tests/support/fakefiles.h"
 #include "tests/support/testmain.h"
