@@ -68,7 +68,7 @@ QList<MediaEntry> MediaArrivals::entriesOf(const QList<QUrl>& urls)
         entry.path = path;
         entry.fileSystem = localName;
         entry.name = getNameInPath(path);
-        entry.isDirectory = !isMediaFile(path) && !isImageFile(path); // until somebody looks
+        entry.isDirectory = !isShownFile(path); // until somebody looks
         entry.isKnown = false;
         entries.append(entry);
     }
@@ -163,7 +163,7 @@ void MediaArrivals::add(Plan& plan, const MediaEntry& entry) const
     const bool isDirectory = type == FileSystem::Directory;
     if (type == FileSystem::Unknown)
         return leaveOut(tr("it is not there any more."));
-    if (!isDirectory && !isMediaFile(entry.path) && !isImageFile(entry.path))
+    if (!isDirectory && !isShownFile(entry.path))
         return leaveOut(tr("it is neither a picture nor video nor sound."));
     const QString target = targetOf(entry.path, isDirectory);
     const FileSystem::ItemType there =

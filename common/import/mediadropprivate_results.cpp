@@ -151,9 +151,7 @@ bool MediaDropPrivate::addKnownMedias()
     while (!m_awaited.isEmpty()) {
         const AwaitedMedia next = m_awaited.first();
         FileMetadata metadata;
-        const bool isKnown = next.fileSystem->requestMetadata(next.path, metadata) &&
-                             (metadata.isPlayable || metadata.mediaType != MediaType::Unknown ||
-                              metadata.mediaState != MediaState::UnknownState);
+        const bool isKnown = next.fileSystem->requestMetadata(next.path, metadata) && metadata.isTold();
         if (!isKnown && !m_patience.hasExpired())
             break;
         m_awaited.removeFirst();

@@ -33,6 +33,12 @@ public:
     QUrl thumbnail;
     MediaType mediaType = MediaType::Unknown;
 
+    /// The server has told of the file; asked for is not answered.
+    bool isTold() const
+    {
+        return isPlayable || mediaType != MediaType::Unknown || mediaState != MediaState::UnknownState;
+    }
+
     bool operator==(const FileMetadata&) const = default;
 };
 

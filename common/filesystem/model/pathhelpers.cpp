@@ -90,6 +90,11 @@ bool isMediaFile(const QString& path)
     return endsWithOneOf(path, suffixes);
 }
 
+bool isShownFile(const QString& path)
+{
+    return isMediaFile(path) || isImageFile(path);
+}
+
 bool isSoundFile(const QString& path)
 {
     static const QStringList suffixes = soundFileExtensions(QStringLiteral("."));

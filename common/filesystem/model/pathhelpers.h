@@ -28,4 +28,7 @@ bool isSoundFile(const QString& path);
 /// By its extension, in any case: a picture, which may be one of a sequence.
 bool isImageFile(const QString& path);
 
+/// By its extension, in any case: any of these, which is what views show.
+bool isShownFile(const QString& path);
+
 } // namespace vantrel

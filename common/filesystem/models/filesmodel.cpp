@@ -269,10 +269,7 @@ QVariantMap FilesModel::mimeOf(const QList<int>& rows) const
         const FileRow& file = d->m_rows[static_cast<std::size_t>(row)];
         const auto known = d->m_known.constFind(file.name);
         const bool isKnown = known != d->m_known.cend();
-        // Asked for is not answered: what the server has not told yet counts as unplayable nowhere.
-        const bool isTold =
-            isKnown && (known->metadata.isPlayable || known->metadata.mediaType != MediaType::Unknown ||
-                        known->metadata.mediaState != MediaState::UnknownState);
+        const bool isTold = isKnown && known->metadata.isTold(); // else it counts as unplayable nowhere
         const double seconds = isKnown ? static_cast<double>(known->metadata.durationMs) / 1000.0 : 0.0;
         entries.append(QJsonObject{{QStringLiteral("path"), d->pathOf(file, row)},
                                    {QStringLiteral("fileSystem"), kind()},

@@ -96,7 +96,7 @@ bool FileSystemDropHandler::dropUrls(const QList<QUrl>& urls, const QVariant& ta
             return false;
         }
         // It would come to lie where no view shows it, and nobody could take it away again.
-        if (entry.type == FileSystem::File && !isMediaFile(path) && !isImageFile(path))
+        if (entry.type == FileSystem::File && !isShownFile(path))
             others.append(getNameInPath(path));
         else
             entries.append(entry);
