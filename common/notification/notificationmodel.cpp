@@ -36,12 +36,13 @@ NotificationModel::~NotificationModel() = default;
 
 NotificationManager* NotificationModel::manager() const
 {
-    return d->m_manager;
+    return d->manager();
 }
 
 void NotificationModel::setManager(NotificationManager* manager)
 {
-    d->setManager(manager);
+    if (d->setManager(manager))
+        Q_EMIT managerChanged();
 }
 
 QSharedPointer<Notification> NotificationModel::notificationAt(int row) const
@@ -59,7 +60,7 @@ int NotificationModel::columnCount(const QModelIndex& parent) const
     return parent.isValid() ? 0 : static_cast<int>(columns.size());
 }
 
-QVariant NotificationModel::valueOf(const Notification& notification, int role)
+QVariant NotificationModel::valueOf(const Notification& notification, int role, int row)
 {
     switch (role) {
     case TypeRole:
@@ -74,7 +75,9 @@ QVariant NotificationModel::valueOf(const Notification& notification, int role)
         return notification.isAccepted();
     case RepeatsRole:
         return notification.repeats();
-    default:
+    default: // views ask for much that is nothing to a row
+        if (role > Qt::UserRole)
+            qCWarning(lcNotification) << "Unexpected role" << role << "on row" << row;
         return {};
     }
 }
@@ -97,12 +100,9 @@ QVariant NotificationModel::data(const QModelIndex& index, int role) const
     const auto notification = index.isValid() ? notificationAt(index.row()) : nullptr;
     if (!notification || !checkIndex(index))
         return {};
-    // A table asks for what stands in a column, and for much that is nothing to it.
-    const int asked = role == Qt::DisplayRole ? columns[static_cast<std::size_t>(index.column())].role : role;
-    const QVariant value = valueOf(*notification, asked);
-    if (!value.isValid() && role > Qt::UserRole)
-        qCWarning(lcNotification) << "Unexpected role" << role << "on row" << index.row();
-    return value;
+    const bool isCell = role == Qt::DisplayRole;
+    return valueOf(*notification, isCell ? columns[static_cast<std::size_t>(index.column())].role : role,
+                   index.row());
 }
 
 QVariant NotificationModel::headerData(int section, Qt::Orientation orientation, int role) const
@@ -122,28 +122,10 @@ bool NotificationModel::setData(const QModelIndex& index, const QVariant& value,
     return true;
 }
 
-void NotificationModelPrivate::setManager(NotificationManager* manager)
-{
-    if (m_manager == manager)
-        return;
-    if (m_manager)
-        m_manager->disconnect(this);
-    m_manager = manager;
-    if (manager) {
-        connect(manager, &NotificationManager::notificationsChanged, this,
-                &NotificationModelPrivate::onNotificationsChanged);
-        connect(manager, &NotificationManager::notificationChanged, this,
-                &NotificationModelPrivate::onNotificationChanged);
-        connect(manager, &QObject::destroyed, this, [this] { updateModel({}); });
-    }
-    updateModel(manager ? manager->notifications() : QList<NotificationPtr>());
-    Q_EMIT m_model->managerChanged();
-}
-
 void NotificationModelPrivate::onNotificationsChanged()
 {
     qCDebug(lcNotification) << "Notifications changed...";
-    updateModel(m_manager->notifications());
+    updateModel(notifications());
 }
 
 /// Position by position.

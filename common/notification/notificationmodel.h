@@ -44,8 +44,8 @@ public:
     bool setData(const QModelIndex& index, const QVariant& value, int role) override;
     QHash<int, QByteArray> roleNames() const override;
 
-    /// What a role tells of one; invalid for a role that is none.
-    static QVariant valueOf(const Notification& notification, int role);
+    /// What a role tells of the one on the row; invalid for a role that is none.
+    static QVariant valueOf(const Notification& notification, int role, int row);
     static QHash<int, QByteArray> names();
 
 Q_SIGNALS:

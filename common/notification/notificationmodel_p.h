@@ -1,33 +1,30 @@
 #pragma once
 
+#include "common/notification/notificationfollower.h"
 #include "common/notification/notificationmodel.h"
-
-#include <QPointer>
 
 namespace vantrel {
 
-class NotificationModelPrivate : public QObject
+class NotificationModelPrivate : public NotificationFollower
 {
     Q_OBJECT
 
 public:
-    using NotificationPtr = QSharedPointer<Notification>;
-
     explicit NotificationModelPrivate(NotificationModel* model)
         : m_model(model)
     {
     }
 
-    void setManager(NotificationManager* manager);
     void updateModel(const QList<NotificationPtr>& list);
 
-    QPointer<NotificationManager> m_manager;
     QList<NotificationPtr> m_rows;
+
+protected:
+    void onNotificationsChanged() override;
+    void onNotificationChanged(const NotificationPtr& notification) override;
 
 private:
     void takeRow(const NotificationPtr& notification, qsizetype to);
-    void onNotificationsChanged();
-    void onNotificationChanged(const NotificationPtr& notification);
 
     NotificationModel* m_model;
 };

@@ -1,67 +1,50 @@
 #include "common/notification/notificationstatusmodel.h"
 
 #include "common/notification/notificationlogging.h"
+#include "common/notification/notificationstatusmodel_p.h"
 
 #include <map>
 
 namespace vantrel {
 
+NotificationStatusModel::NotificationStatusModel(QObject* parent)
+    : QAbstractListModel(parent)
+    , d(std::make_unique<NotificationStatusModelPrivate>(this))
+{
+}
+
+NotificationStatusModel::~NotificationStatusModel() = default;
+
+NotificationManager* NotificationStatusModel::manager() const
+{
+    return d->manager();
+}
+
 void NotificationStatusModel::setManager(NotificationManager* manager)
 {
-    if (m_manager == manager)
-        return;
-    if (m_manager)
-        m_manager->disconnect(this);
-    m_manager = manager;
-    if (manager) {
-        connect(manager, &NotificationManager::notificationsChanged, this,
-                &NotificationStatusModel::resetModel);
-        connect(manager, &NotificationManager::notificationChanged, this,
-                &NotificationStatusModel::resetModel);
-        connect(manager, &QObject::destroyed, this, [this] { populateModel({}); });
-    }
-    resetModel();
-    Q_EMIT managerChanged();
+    if (d->setManager(manager))
+        Q_EMIT managerChanged();
 }
 
 int NotificationStatusModel::count(Notification::MessageType type) const
 {
-    for (const Row& row : m_rows) {
+    for (const NotificationStatusModelPrivate::Row& row : d->m_rows) {
         if (row.type == type)
             return row.count;
     }
     return 0;
 }
 
-void NotificationStatusModel::resetModel()
-{
-    populateModel(m_manager ? m_manager->notifications() : QList<QSharedPointer<Notification>>());
-}
-
-void NotificationStatusModel::populateModel(const QList<QSharedPointer<Notification>>& list)
-{
-    beginResetModel();
-    std::map<Notification::MessageType, int, std::greater<>> counts;
-    for (const QSharedPointer<Notification>& notification : list) {
-        if (!notification->isAccepted())
-            ++counts[notification->type()];
-    }
-    m_rows.clear();
-    for (const auto& [type, count] : counts)
-        m_rows.append({type, count});
-    endResetModel();
-}
-
 int NotificationStatusModel::rowCount(const QModelIndex& parent) const
 {
-    return parent.isValid() ? 0 : static_cast<int>(m_rows.size());
+    return parent.isValid() ? 0 : static_cast<int>(d->m_rows.size());
 }
 
 QVariant NotificationStatusModel::data(const QModelIndex& index, int role) const
 {
     if (!index.isValid() || !checkIndex(index))
         return {};
-    const Row& row = m_rows.at(index.row());
+    const NotificationStatusModelPrivate::Row& row = d->m_rows.at(index.row());
     switch (role) {
     case TypeRole:
         return QVariant::fromValue(row.type);
@@ -85,6 +68,20 @@ QVariant NotificationStatusModel::headerData(int section, Qt::Orientation orient
 QHash<int, QByteArray> NotificationStatusModel::roleNames() const
 {
     return {{TypeRole, "type"}, {CountRole, "count"}};
+}
+
+void NotificationStatusModelPrivate::populateModel(const QList<NotificationPtr>& list)
+{
+    m_model->beginResetModel();
+    std::map<Notification::MessageType, int, std::greater<>> counts;
+    for (const NotificationPtr& notification : list) {
+        if (!notification->isAccepted())
+            ++counts[notification->type()];
+    }
+    m_rows.clear();
+    for (const auto& [type, count] : counts)
+        m_rows.append({type, count});
+    m_model->endResetModel();
 }
 
 } // namespace vantrel

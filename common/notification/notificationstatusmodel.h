@@ -3,9 +3,12 @@
 #include "common/notification/notificationmanager.h"
 
 #include <QAbstractListModel>
-#include <QPointer>
+
+#include <memory>
 
 namespace vantrel {
+
+class NotificationStatusModelPrivate;
 
 /// How many notifications of each kind nobody has accepted yet: a row for each kind that has any, the gravest
 /// first. Main thread only; the manager may go first.
@@ -21,9 +24,10 @@ public:
     };
     Q_ENUM(NotificationStatusRoles)
 
-    using QAbstractListModel::QAbstractListModel;
+    explicit NotificationStatusModel(QObject* parent = nullptr);
+    ~NotificationStatusModel() override;
 
-    NotificationManager* manager() const { return m_manager; }
+    NotificationManager* manager() const;
     void setManager(NotificationManager* manager);
     int count(Notification::MessageType type) const;
 
@@ -36,17 +40,8 @@ Q_SIGNALS:
     void managerChanged();
 
 private:
-    struct Row
-    {
-        Notification::MessageType type;
-        int count;
-    };
-
-    void resetModel();
-    void populateModel(const QList<QSharedPointer<Notification>>& list);
-
-    QPointer<NotificationManager> m_manager;
-    QList<Row> m_rows;
+    friend class NotificationStatusModelPrivate;
+    std::unique_ptr<NotificationStatusModelPrivate> d;
 };
 
 } // namespace vantrel

@@ -1,9 +1,6 @@
 #include "common/notification/pendingnotificationmodel.h"
 
-#include "common/notification/notificationlogging.h"
 #include "common/notification/pendingnotificationmodel_p.h"
-
-#include <utility>
 
 namespace vantrel {
 
@@ -17,17 +14,31 @@ PendingNotificationModel::~PendingNotificationModel() = default;
 
 NotificationManager* PendingNotificationModel::manager() const
 {
-    return d->m_manager;
+    return d->manager();
 }
 
 void PendingNotificationModel::setManager(NotificationManager* manager)
 {
-    d->setManager(manager);
+    if (d->setManager(manager))
+        Q_EMIT managerChanged();
 }
 
 QSharedPointer<Notification> PendingNotificationModel::pending() const
 {
     return d->m_row;
+}
+
+QSharedPointer<Notification>
+PendingNotificationModel::gravestOf(const QList<QSharedPointer<Notification>>& list,
+                                    const QSet<const Notification*>& without)
+{
+    QSharedPointer<Notification> gravest;
+    for (const QSharedPointer<Notification>& notification : list) {
+        if (!notification->isAccepted() && (!gravest || notification->type() > gravest->type()) &&
+            !without.contains(notification.data()))
+            gravest = notification;
+    }
+    return gravest;
 }
 
 int PendingNotificationModel::rowCount(const QModelIndex& parent) const
@@ -39,10 +50,7 @@ QVariant PendingNotificationModel::data(const QModelIndex& index, int role) cons
 {
     if (!index.isValid() || !checkIndex(index))
         return {};
-    const QVariant value = NotificationModel::valueOf(*d->m_row, role);
-    if (!value.isValid() && role > Qt::UserRole)
-        qCWarning(lcNotification) << "Unexpected role" << role << "on row" << index.row();
-    return value;
+    return NotificationModel::valueOf(*d->m_row, role, index.row());
 }
 
 bool PendingNotificationModel::setData(const QModelIndex& index, const QVariant& value, int role)
@@ -54,31 +62,9 @@ bool PendingNotificationModel::setData(const QModelIndex& index, const QVariant&
     return true;
 }
 
-void PendingNotificationModelPrivate::setManager(NotificationManager* manager)
-{
-    if (m_manager == manager)
-        return;
-    if (m_manager)
-        m_manager->disconnect(this);
-    m_manager = manager;
-    if (manager) {
-        connect(manager, &NotificationManager::notificationsChanged, this,
-                &PendingNotificationModelPrivate::onNotificationsChanged);
-        connect(manager, &NotificationManager::notificationChanged, this,
-                &PendingNotificationModelPrivate::onNotificationChanged);
-        connect(manager, &QObject::destroyed, this, [this] { populateModel({}); });
-    }
-    populateModel(manager ? manager->notifications() : QList<NotificationPtr>());
-    Q_EMIT m_model->managerChanged();
-}
-
 void PendingNotificationModelPrivate::populateModel(const QList<NotificationPtr>& list)
 {
-    NotificationPtr winner;
-    for (const NotificationPtr& notification : list) {
-        if (!notification->isAccepted() && (!winner || notification->type() > winner->type()))
-            winner = notification;
-    }
+    const NotificationPtr winner = PendingNotificationModel::gravestOf(list);
     if (winner == m_row)
         return;
     if (m_row) {
@@ -93,16 +79,11 @@ void PendingNotificationModelPrivate::populateModel(const QList<NotificationPtr>
     m_model->endInsertRows();
 }
 
-void PendingNotificationModelPrivate::onNotificationsChanged()
-{
-    populateModel(m_manager->notifications());
-}
-
 void PendingNotificationModelPrivate::onNotificationChanged(const NotificationPtr& notification)
 {
     // One that was accepted may wait again, and one may become graver than that which stands here.
     if (notification != m_row || notification->isAccepted())
-        populateModel(m_manager->notifications());
+        populateModel(notifications());
     if (notification == m_row)
         Q_EMIT m_model->dataChanged(m_model->index(0, 0), m_model->index(0, 0));
 }

@@ -2,13 +2,13 @@
 
 #include "common/notification/notificationmodel.h"
 
-#include <QPointer>
+#include <QSet>
 
 namespace vantrel {
 
 class PendingNotificationModelPrivate;
 
-/// At most one row: of what nobody has accepted the gravest, and of those the oldest. The roles are those of
+/// At most one row: the gravest of what waits. The roles are those of
 /// NotificationModel. Main thread only; the manager may go first.
 class PendingNotificationModel : public QAbstractListModel
 {
@@ -23,6 +23,9 @@ public:
     void setManager(NotificationManager* manager);
     /// Null while there is none.
     QSharedPointer<Notification> pending() const;
+    /// Of what nobody has accepted the gravest, and of those the oldest; null for none.
+    static QSharedPointer<Notification> gravestOf(const QList<QSharedPointer<Notification>>& list,
+                                                  const QSet<const Notification*>& without = {});
 
     int rowCount(const QModelIndex& parent = {}) const override;
     QVariant data(const QModelIndex& index, int role) const override;

@@ -1,31 +1,29 @@
 #pragma once
 
+#include "common/notification/notificationfollower.h"
 #include "common/notification/pendingnotificationmodel.h"
 
 namespace vantrel {
 
-class PendingNotificationModelPrivate : public QObject
+class PendingNotificationModelPrivate : public NotificationFollower
 {
     Q_OBJECT
 
 public:
-    using NotificationPtr = QSharedPointer<Notification>;
-
     explicit PendingNotificationModelPrivate(PendingNotificationModel* model)
         : m_model(model)
     {
     }
 
-    void setManager(NotificationManager* manager);
     void populateModel(const QList<NotificationPtr>& list);
 
-    QPointer<NotificationManager> m_manager;
     NotificationPtr m_row;
 
-private:
-    void onNotificationsChanged();
-    void onNotificationChanged(const NotificationPtr& notification);
+protected:
+    void onNotificationsChanged() override { populateModel(notifications()); }
+    void onNotificationChanged(const NotificationPtr& notification) override;
 
+private:
     PendingNotificationModel* m_model;
 };
 

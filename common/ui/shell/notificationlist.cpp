@@ -1,11 +1,15 @@
 #include "common/ui/shell/notificationlist.h"
 
+#include "common/notification/sortednotificationmodel.h"
 #include "common/ui/shell/notificationstyle.h"
 #include "common/ui/style/colors.h"
 #include "common/ui/style/iconcache.h"
 
 #include <QKeyEvent>
 #include <QPainter>
+#include <QStyledItemDelegate>
+
+#include <algorithm>
 
 namespace vantrel {
 
@@ -15,6 +19,7 @@ namespace {
 
 constexpr int margin = 8;
 constexpr int gap = 2; // between title and details
+constexpr int wrapping = Qt::TextWordWrap | Qt::TextWrapAnywhere;
 
 Notification::MessageType typeOf(const QModelIndex& index)
 {
@@ -23,9 +28,8 @@ Notification::MessageType typeOf(const QModelIndex& index)
 
 QString titleOf(const QModelIndex& index)
 {
-    const QString title = plainText(index.data(NotificationModel::TitleRole).toString());
-    const int repeats = index.data(NotificationModel::RepeatsRole).toInt();
-    return repeats > 1 ? NotificationList::tr("%1 (%2 times)").arg(title).arg(repeats) : title;
+    return plainTitle(index.data(NotificationModel::TitleRole).toString(),
+                      index.data(NotificationModel::RepeatsRole).toInt());
 }
 
 QString detailsOf(const QModelIndex& index)
@@ -82,10 +86,10 @@ public:
         painter->drawText(place.time, Qt::AlignLeft | Qt::AlignTop, timeOf(index));
         painter->setFont(titleFont(option.font));
         painter->setPen(getColor(isDim ? colors::Zt_white_70 : colors::White));
-        painter->drawText(place.title, Qt::TextWordWrap | Qt::TextWrapAnywhere, titleOf(index));
+        painter->drawText(place.title, wrapping, place.titleText);
         painter->setFont(option.font);
         painter->setPen(getColor(isDim ? colors::Zt_white_70 : colors::Zt_white_80));
-        painter->drawText(place.details, Qt::TextWordWrap | Qt::TextWrapAnywhere, detailsOf(index));
+        painter->drawText(place.details, wrapping, place.detailsText);
         painter->restore();
     }
 
@@ -103,6 +107,8 @@ private:
         QRect time;
         QRect title;
         QRect details;
+        QString titleText;
+        QString detailsText;
     };
 
     static QFont titleFont(QFont font)
@@ -125,11 +131,13 @@ private:
         const QRect room(left, place.icon.top(), std::max(40, width - left - 2 * margin), 100000);
         const auto wrapped = [](const QFontMetrics& font, const QRect& box, const QString& text) {
             return text.isEmpty() ? QRect(box.topLeft(), QSize(0, 0))
-                                  : font.boundingRect(box, Qt::TextWordWrap | Qt::TextWrapAnywhere, text);
+                                  : font.boundingRect(box, wrapping, text);
         };
-        place.title = wrapped(QFontMetrics(titleFont(option.font)), room, titleOf(index));
+        place.titleText = titleOf(index);
+        place.title = wrapped(QFontMetrics(titleFont(option.font)), room, place.titleText);
         place.title.setWidth(room.width());
-        place.details = wrapped(metrics, room.translated(0, place.title.height() + gap), detailsOf(index));
+        place.detailsText = detailsOf(index);
+        place.details = wrapped(metrics, room.translated(0, place.title.height() + gap), place.detailsText);
         place.details.setWidth(place.details.isEmpty() ? 0 : room.width());
         return place;
     }

@@ -1,11 +1,12 @@
 #pragma once
 
-#include "common/notification/sortednotificationmodel.h"
-
 #include <QListView>
-#include <QStyledItemDelegate>
+
+class QAbstractItemModel;
 
 namespace vantrel {
+
+class NotificationManager;
 
 /// The list of the dialog of notifications: the newest first, each with its time, its title and its details
 /// as lines of plain text; what is acknowledged is dim. Enter acknowledges the current one. Main thread only;

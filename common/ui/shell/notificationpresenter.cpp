@@ -1,6 +1,7 @@
 #include "common/ui/shell/notificationpresenter.h"
 
 #include "common/notification/notificationmanager.h"
+#include "common/notification/pendingnotificationmodel.h"
 #include "common/session/settings/configuration.h"
 #include "common/ui/shell/notificationstyle.h"
 #include "common/ui/style/colors.h"
@@ -38,7 +39,7 @@ NotificationPresenter::NotificationPresenter(NotificationManager* manager, QWidg
         row->addWidget(widget);
     connect(m_details, &PushButton::clicked, this, &NotificationPresenter::detailsClicked);
     connect(m_accept, &PushButton::clicked, this, [this] {
-        if (const QSharedPointer<Notification> shown = pending())
+        if (const QSharedPointer<Notification> shown = m_shown)
             shown->setIsAccepted(true);
     });
     m_stay.setSingleShot(true);
@@ -49,25 +50,6 @@ NotificationPresenter::NotificationPresenter(NotificationManager* manager, QWidg
     followFontSize(this, [this](FontSize) { refresh(); });
 }
 
-QSharedPointer<Notification> NotificationPresenter::pending() const
-{
-    QSharedPointer<Notification> first;
-    if (!m_manager)
-        return first;
-    const auto all = m_manager->notifications();
-    for (const QSharedPointer<Notification>& notification : all) {
-        if (!notification->isAccepted() && (!first || notification->type() > first->type()) &&
-            !hasLeft(notification))
-            first = notification;
-    }
-    return first;
-}
-
-bool NotificationPresenter::hasLeft(const QSharedPointer<Notification>& notification) const
-{
-    return m_left.contains(notification.toWeakRef());
-}
-
 void NotificationPresenter::setMostWidth(int width)
 {
     if (std::exchange(m_mostWidth, width) != width)
@@ -76,10 +58,11 @@ void NotificationPresenter::setMostWidth(int width)
 
 void NotificationPresenter::refresh()
 {
-    updateMouseInput();
-    const QSharedPointer<Notification> shown = pending();
+    const QSharedPointer<Notification> shown =
+        m_manager ? PendingNotificationModel::gravestOf(m_manager->notifications(), m_left) : nullptr;
     if (std::exchange(m_shown, shown) != shown)
         m_stay.stop();
+    updateMouseInput();
     if (!shown) {
         hide();
         return;
@@ -89,8 +72,7 @@ void NotificationPresenter::refresh()
     const int extent = iconExtent(currentFontSize());
     m_icon->setPixmap(IconCache::pixmap(notificationIcon(shown->type()), notificationColor(shown->type()),
                                         QSize(extent, extent), devicePixelRatioF()));
-    const QString title = plainText(shown->title());
-    m_title->setText(shown->repeats() > 1 ? tr("%1 (%2 times)").arg(title).arg(shown->repeats()) : title);
+    m_title->setText(plainTitle(shown->title(), shown->repeats()));
     setAccessibleName(tr("%1: %2").arg(notificationName(shown->type()), m_title->text()));
     layout()->activate();
     resize(std::min(m_mostWidth, sizeHint().width()), sizeHint().height());
@@ -101,13 +83,14 @@ void NotificationPresenter::refresh()
 /// What is done needs nobody; a warning waits in the status bar for somebody to look.
 void NotificationPresenter::leave()
 {
-    const QSharedPointer<Notification> shown = pending();
+    const QSharedPointer<Notification> shown = m_shown;
     if (!shown || shown->type() == Notification::ErrorMessage)
         return;
     if (shown->type() != Notification::WarningMessage)
         return shown->setIsAccepted(true);
-    m_left.removeIf([](const QWeakPointer<Notification>& one) { return one.isNull(); });
-    m_left.append(shown);
+    const Notification* const left = shown.data();
+    m_left.insert(left);
+    connect(left, &QObject::destroyed, this, [this, left] { m_left.remove(left); });
     refresh();
 }
 
@@ -126,7 +109,7 @@ void NotificationPresenter::leaveEvent(QEvent* event)
 
 void NotificationPresenter::updateMouseInput()
 {
-    setAttribute(Qt::WA_TransparentForMouseEvents, !pending());
+    setAttribute(Qt::WA_TransparentForMouseEvents, !m_shown);
 }
 
 } // namespace vantrel

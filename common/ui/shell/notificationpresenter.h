@@ -3,11 +3,10 @@
 #include "common/notification/notification.h"
 #include "common/ui/toolkit/ztframe.h"
 
-#include <QList>
 #include <QPointer>
+#include <QSet>
 #include <QSharedPointer>
 #include <QTimer>
-#include <QWeakPointer>
 
 #include <chrono>
 
@@ -31,7 +30,7 @@ public:
     NotificationPresenter(NotificationManager* manager, QWidget* parent);
 
     /// Null while there is none to show.
-    QSharedPointer<Notification> pending() const;
+    QSharedPointer<Notification> pending() const { return m_shown; }
     /// For how long what is no error is shown: six seconds.
     void setStay(std::chrono::milliseconds stay) { m_stay.setInterval(stay); }
     /// It grows no wider; in pixels.
@@ -49,10 +48,9 @@ private:
     void refresh();
     void leave();
     void updateMouseInput();
-    bool hasLeft(const QSharedPointer<Notification>& notification) const;
 
     QPointer<NotificationManager> m_manager;
-    QList<QWeakPointer<Notification>> m_left; // warnings that have been shown for long enough
+    QSet<const Notification*> m_left; // warnings that have been shown for long enough
     QSharedPointer<Notification> m_shown;
     QTimer m_stay;
     int m_mostWidth = 800;

@@ -1,5 +1,6 @@
 #include "common/ui/shell/notificationstyle.h"
 
+#include "common/media/address/showntext.h"
 #include "common/ui/style/colors.h"
 
 #include <QCoreApplication>
@@ -55,7 +56,18 @@ QString notificationName(Notification::MessageType type)
 QString plainText(const QString& richText)
 {
     const bool isPlain = !richText.contains(u'<') && !richText.contains(u'&');
-    return isPlain ? richText : QTextDocumentFragment::fromHtml(richText).toPlainText();
+    const QString text = isPlain ? richText : QTextDocumentFragment::fromHtml(richText).toPlainText();
+    QStringList lines = text.split(u'\n');
+    for (QString& line : lines)
+        line = shownText(line);
+    return lines.join(u'\n');
+}
+
+QString plainTitle(const QString& title, int repeats)
+{
+    const QString text = plainText(title);
+    return repeats > 1 ? QCoreApplication::translate("Notification", "%1 (%2 times)").arg(text).arg(repeats)
+                       : text;
 }
 
 } // namespace vantrel
