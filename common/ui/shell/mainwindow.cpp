@@ -126,6 +126,7 @@ MainWindow::MainWindow(Session* session, QWidget* parent)
     m_memory = new WindowMemory(this, usualSize);
     m_navigationBar->setActiveTab(m_memory->tab(PlayerTab));
     connect(m_navigationBar, &MainNavigationBar::tabSelected, m_memory, &WindowMemory::keepTab);
+    connect(m_navigationBar, &MainNavigationBar::tabSelected, this, &MainWindow::repositionNotifications);
 }
 
 MainWindow::~MainWindow()
@@ -322,21 +323,11 @@ quint16 MainWindow::startClickTestServer(quint16 port)
     return m_clickTestServer->port();
 }
 
-/// At the lower end, in its middle unless it would lie over what is watched there.
 void MainWindow::repositionNotifications()
 {
     m_notificationPresenter->setMostWidth(std::max(240, width() / 2));
-    const QSize size = m_notificationPresenter->size();
-    const int y = height() - size.height() - m_statusBar->height();
-    const int middle = (width() - size.width()) / 2;
-    int x = middle;
-    for (const int candidate : {middle, spacing::normal, width() - size.width() - spacing::normal}) {
-        if (!coversKept(*this, QRect(QPoint(candidate, y), size))) {
-            x = candidate;
-            break;
-        }
-    }
-    m_notificationPresenter->move(x, y);
+    m_notificationPresenter->move(
+        uncoveredPlace(*this, m_notificationPresenter->size(), height() - m_statusBar->height()));
 }
 
 void MainWindow::handleConnectRequest()
@@ -412,10 +403,10 @@ void MainWindow::stepTextSize(int step)
 
 bool MainWindow::eventFilter(QObject* watched, QEvent* event)
 {
-    if (watched == m_notificationPresenter && event->type() == QEvent::Resize) {
-        m_notificationPresenter->resize(static_cast<QResizeEvent*>(event)->size());
+    // What lies below may have changed since it was shown last.
+    if (watched == m_notificationPresenter &&
+        (event->type() == QEvent::Resize || event->type() == QEvent::Show))
         repositionNotifications();
-    }
     return QMainWindow::eventFilter(watched, event);
 }
 

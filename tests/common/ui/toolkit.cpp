@@ -7,6 +7,7 @@
 #include "common/ui/toolkit/colorbox.h"
 #include "common/ui/toolkit/elidedlabel.h"
 #include "common/ui/toolkit/pushbutton.h"
+#include "common/ui/toolkit/uncovered.h"
 #include "common/ui/toolkit/ztdropdownmenu.h"
 #include "tests/common/session/scriptedpeer.h"
 #include "tests/common/ui/testsettings.h"
@@ -14,6 +15,7 @@
 
 #include <QAbstractItemView>
 #include <QColorDialog>
+#include <QDialog>
 #include <QLineEdit>
 #include <QSignalSpy>
 #include <QTableWidget>
@@ -40,6 +42,33 @@ private Q_SLOTS:
         accordion.setOpenIndex(-1);
         QCOMPARE(accordion.openIndex(), -1);
         QCOMPARE(changed.size(), 3);
+    }
+
+    void popupsLeaveFreeWhatIsWatched_data()
+    {
+        QTest::addColumn<QRect>("watched");
+        QTest::addColumn<QPoint>("place");
+        QTest::newRow("nothing") << QRect() << QPoint(150, 260);
+        QTest::newRow("in the middle") << QRect(200, 100, 20, 170) << QPoint(8, 260);
+        QTest::newRow("all the lower end") << QRect(0, 200, 400, 80) << QPoint(150, 280);
+        QTest::newRow("and what is below it") << QRect(0, 200, 400, 100) << QPoint(150, 180);
+        QTest::newRow("all of it") << QRect(0, 0, 400, 300) << QPoint(150, 280);
+    }
+    void popupsLeaveFreeWhatIsWatched()
+    {
+        QFETCH(QRect, watched);
+        QWidget window;
+        window.resize(400, 300);
+        QWidget between(&window);
+        between.setGeometry(0, 0, 400, 300);
+        for (const bool isHidden : {false, true}) { // what is not seen is in nobody's way
+            auto* widget = new QWidget(&between);
+            widget->setGeometry(isHidden ? QRect(0, 0, 400, 300) : watched);
+            widget->setVisible(!isHidden);
+            keepUncovered(widget);
+        }
+        window.show();
+        QTEST(uncoveredPlace(window, QSize(100, 20), 280), "place");
     }
 
     void dropdownTellsOfChoiceAndCancel_data()
@@ -150,6 +179,29 @@ private Q_SLOTS:
             1);
         inspector->close();
         QTRY_VERIFY(!inspector);
+    }
+
+    /// One beside a modal dialog takes no mouse: it waits until that is closed, and comes no more when there
+    /// is a connection by then.
+    void failureWaitsForTheDialogThatIsOpen()
+    {
+        test::allowWarnings(QStringLiteral("Failed due network error"));
+        test::ScriptedPeer peer;
+        MainWindow window(peer.session);
+        window.show();
+        const auto isFailureShown = [&window] {
+            const auto* dialog = window.findChild<QDialog*>(QStringLiteral("ConnectDialog"));
+            return dialog && dialog->isVisible();
+        };
+        QDialog open(&window);
+        open.open();
+        QTRY_COMPARE(QApplication::activeModalWidget(), &open);
+        Q_EMIT peer.session->connectionHandler()->attemptFailed(QStringLiteral("h"), QStringLiteral("why"),
+                                                                {});
+        QCoreApplication::processEvents();
+        QVERIFY(!isFailureShown());
+        open.close();
+        QTRY_VERIFY(isFailureShown());
     }
 };
 
