@@ -62,14 +62,15 @@ public:
         findNumberFields(path.substr(name), m_fields);
         if (m_fields.empty())
             return;
-        // A slash stands for each number: there is none in names.
+        // A slash stands for each number: there is none in names. Where the name begins is said last:
+        // "t/_2.png" and "t1_2.png" would look the same.
         m_shape.assign(path.substr(0, name));
         std::size_t at = name;
         for (const NumberField& field : m_fields) {
             m_shape.append(path, at, name + field.start - at).append(1, '/');
             at = name + field.end();
         }
-        m_shape.append(path, at);
+        m_shape.append(path, at).append(1, '/').append(std::to_string(name));
         if (!m_last || m_shape != *m_lastShape) {
             const auto group = m_groups.try_emplace(m_shape, path, name, m_fields).first;
             m_lastShape = &group->first;

@@ -126,6 +126,8 @@ private Q_SLOTS:
             "b123456789012345678901_[1-2].png|b123456789012345678902_3.png|c1700000000000_[1-2].png",
             "b123456789012345678901_%01d.png 1-2|c1700000000000_%01d.png 1-2");
         row("too many digits", "t_1700000000000.png|t_1700000000001.png", "");
+        // The folder's name ends where the other picture's first number stands.
+        row("alike but for a folder", "t0_n[1-2].png|t/_n[1-2].png", "t/_n%01d.png 1-2|t0_n%01d.png 1-2");
         row("in the order of people", "c10_[01-02].png|c2_[01-02].png", "c2_%02d.png 1-2|c10_%02d.png 1-2");
     }
 
