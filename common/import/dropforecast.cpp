@@ -20,7 +20,46 @@ QString translated(const char* text)
     return QCoreApplication::translate("DropForecast", text);
 }
 
+/// So many slots at least; isExact: and no more.
+int slotsFor(const SlotPayload& payload, bool* isExact = nullptr)
+{
+    qsizetype count = payload.addresses().size();
+    for (const MediaEntry& entry : payload.entries()) {
+        const bool isRead = entry.isDirectory || !isMediaFile(entry.path);
+        if (isExact)
+            *isExact &= !isRead;
+        if (isRead || entry.isPlayable || !entry.isKnown)
+            ++count;
+    }
+    return static_cast<int>(count);
+}
+
+/// Those of the collection that the payload takes away from where they are.
+QList<int> movedWithin(const SlotPayload& payload, int collection)
+{
+    QList<int> moved;
+    if (payload.isWithin(collection)) {
+        for (const MediaAddress& address : payload.addresses())
+            moved.append(address.slot);
+    }
+    return moved;
+}
+
 } // namespace
+
+int roomFrom(const SlotPayload& payload, const MediaCollectionManager& manager, int collection, int slot)
+{
+    const QList<int> list = movedWithin(payload, collection);
+    const QSet<int> moved(list.cbegin(), list.cend());
+    const int count = slotsFor(payload);
+    const int end = manager.lastSlotInCollection(collection);
+    int start = slot;
+    for (int at = slot; at <= end && at - start < count; ++at) {
+        if (!moved.contains(at) && manager.holdsMedia(collection, at))
+            start = at + 1;
+    }
+    return start + count - 1 <= end ? start : slot;
+}
 
 int overwrittenSlots(const MediaCollectionManager& manager, int collection, int first, int last,
                      const QList<int>& movedSlots, QStringList& names)
@@ -28,12 +67,10 @@ int overwrittenSlots(const MediaCollectionManager& manager, int collection, int 
     const QSet<int> moved(movedSlots.cbegin(), movedSlots.cend());
     int count = 0;
     for (int slot = first; slot <= last; ++slot) {
-        GuiMediaSlot there;
-        // A slot that has been cleared is kept, and holds nothing.
-        if (moved.contains(slot) || !manager.isSlotOccupied(collection, slot) ||
-            !manager.findMediaSlot(collection, slot, there) || there.contentUrl().isEmpty())
+        if (moved.contains(slot) || !manager.holdsMedia(collection, slot))
             continue;
-        if (++count <= mostNames)
+        GuiMediaSlot there;
+        if (++count <= mostNames && manager.findMediaSlot(collection, slot, there))
             names.append(QString::number(slot) + u' ' + shownText(there.name()));
     }
     return count;
@@ -44,13 +81,7 @@ DropForecast DropForecast::of(const SlotPayload& payload, const MediaCollectionM
 {
     DropForecast forecast;
     forecast.fault = payload.fault();
-    qsizetype count = payload.addresses().size();
-    for (const MediaEntry& entry : payload.entries()) {
-        const bool isRead = entry.isDirectory || !isMediaFile(entry.path);
-        forecast.isExact &= !isRead;
-        if (isRead || entry.isPlayable || !entry.isKnown)
-            ++count;
-    }
+    const int count = slotsFor(payload, &forecast.isExact);
     if (!forecast.fault.isEmpty())
         return forecast;
     const int end = manager.lastSlotInCollection(collection);
@@ -61,14 +92,9 @@ DropForecast DropForecast::of(const SlotPayload& payload, const MediaCollectionM
     if (!forecast.fault.isEmpty())
         return forecast;
     forecast.first = slot;
-    forecast.last = slot + static_cast<int>(count) - 1;
-    QList<int> moved;
-    if (payload.isWithin(collection)) {
-        for (const MediaAddress& address : payload.addresses())
-            moved.append(address.slot);
-    }
-    forecast.overwritten =
-        overwrittenSlots(manager, collection, forecast.first, forecast.last, moved, forecast.losing);
+    forecast.last = slot + count - 1;
+    forecast.overwritten = overwrittenSlots(manager, collection, forecast.first, forecast.last,
+                                            movedWithin(payload, collection), forecast.losing);
     return forecast;
 }
 

@@ -26,6 +26,10 @@ struct DropForecast
     QString text() const;
 };
 
+/// The first slot from there on behind which all that is known of the payload finds free slots; the slot
+/// itself where there is no such place.
+int roomFrom(const SlotPayload& payload, const MediaCollectionManager& manager, int collection, int slot);
+
 /// The slots in the range that hold media, without those that the payload itself moves away: how many, and
 /// the first few as "4 Logo".
 int overwrittenSlots(const MediaCollectionManager& manager, int collection, int first, int last,

@@ -10,7 +10,6 @@
 
 #include <QMimeData>
 #include <QPointer>
-#include <QSet>
 #include <QWidget>
 
 #include <algorithm>
@@ -35,9 +34,8 @@ SlotDrops::~SlotDrops() = default;
 
 bool SlotDrops::isFree(int slot) const
 {
-    QStringList names;
     return slot <= m_manager->lastSlotInCollection(m_collection) &&
-           overwrittenSlots(*m_manager, m_collection, slot, slot, {}, names) == 0;
+           !m_manager->holdsMedia(m_collection, slot);
 }
 
 bool SlotDrops::begin(const QMimeData* data)
@@ -60,20 +58,7 @@ int SlotDrops::roomFrom(int slot)
 {
     if (m_room.first == slot)
         return m_room.second;
-    const DropForecast forecast = DropForecast::of(m_payload, *m_manager, m_collection, slot);
-    QSet<int> moved;
-    if (m_payload.isWithin(m_collection)) {
-        for (const MediaAddress& address : m_payload.addresses())
-            moved.insert(address.slot);
-    }
-    const int count = forecast.last - forecast.first + 1;
-    const int end = m_manager->lastSlotInCollection(m_collection);
-    int start = slot;
-    for (int at = slot; at <= end && at - start < count; ++at) {
-        if (!moved.contains(at) && m_manager->isSlotOccupied(m_collection, at))
-            start = at + 1;
-    }
-    m_room = {slot, forecast.isPossible() && start + count - 1 <= end ? start : slot};
+    m_room = {slot, vantrel::roomFrom(m_payload, *m_manager, m_collection, slot)};
     return m_room.second;
 }
 

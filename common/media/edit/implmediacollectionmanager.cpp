@@ -161,6 +161,13 @@ bool ImplMediaCollectionManager::isSlotOccupied(int collection, int slot) const
     return media && media->findSlot(collection, slot);
 }
 
+bool ImplMediaCollectionManager::holdsMedia(int collection, int slot) const
+{
+    const MediaLibrary* media = library();
+    const MediaSlot* record = media ? media->findSlot(collection, slot) : nullptr;
+    return record && !record->getUrl().empty();
+}
+
 bool ImplMediaCollectionManager::findMediaSlot(int collection, int slot, GuiMediaSlot& result) const
 {
     const MediaLibrary* media = library();

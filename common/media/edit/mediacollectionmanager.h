@@ -23,6 +23,8 @@ public:
     /// A target of -1 is the first free index.
     virtual bool copyCollection(int fromCollection, int toCollection) = 0;
     virtual bool isSlotOccupied(int collection, int slot) const = 0;
+    /// One that has been cleared is kept, and holds nothing.
+    virtual bool holdsMedia(int collection, int slot) const = 0;
     virtual bool findMediaSlot(int collection, int slot, GuiMediaSlot& result) const = 0;
     /// The highest index that the collection may hold.
     virtual int lastSlotInCollection(int collection) const = 0;

@@ -35,6 +35,7 @@ public:
     bool insertCollection(int, const QString&) override { return false; }
     bool copyCollection(int, int) override { return false; }
     bool isSlotOccupied(int, int slot) const override { return content.contains(slot); }
+    bool holdsMedia(int, int slot) const override { return !content.value(slot).contentUrl().isEmpty(); }
     bool findMediaSlot(int, int slot, GuiMediaSlot& result) const override
     {
         result = content.value(slot);

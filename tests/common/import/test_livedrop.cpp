@@ -1,19 +1,12 @@
-#include "common/filesystem/models/filesmodel.h"
 #include "common/filesystem/operations/asyncfilesystemreader.h"
 #include "common/import/imagesequencecreator.h"
 #include "common/import/mediadrop.h"
-#include "common/media/edit/implmediacollectionmanager.h"
 #include "common/media/items/guimediacollection.h"
-#include "common/media/library/medialibraryapi.h"
-#include "common/media/library/medialibraryprovider.h"
-#include "common/session/link/connectionhandler.h"
-#include "common/session/session.h"
-#include "tests/support/ombraprocess.h"
+#include "tests/support/livesession.h"
 #include "tests/support/testmain.h"
 
 #include <QDir>
 #include <QImage>
-#include <QSignalSpy>
 #include <QTest>
 #include <QUndoStack>
 
@@ -42,17 +35,11 @@ private Q_SLOTS:
         for (const char* name : {"s.0001.png", "s.0002.png", "s.0005.png", "logo.png"})
             QVERIFY(red.save(server.mediaFolder() + QStringLiteral("/in/") + QString::fromLatin1(name)));
         QVERIFY(server.start());
-        const auto session = std::make_unique<Session>();
-        Session::initializeWith(session.get(), server.ports());
-        QSignalSpy loaded(session->mediaLibraryProvider(), &AbstractMediaLibraryProvider::reset);
-        session->connectionHandler()->connect(server.host());
-        QTRY_VERIFY(session->isConnected() && session->getMediaLibraryApi() && !loaded.isEmpty());
-        QTRY_VERIFY(session->serverFilesModel());
-
-        ImplMediaCollectionManager manager;
-        const MediaLibraryProvider* const library = session->mediaLibraryProvider();
-        QVERIFY(manager.insertCollection(7, QStringLiteral("Seven")));
-        QTRY_VERIFY(library->collection(7));
+        LiveSession live;
+        QVERIFY(live.open(server));
+        Session* const session = live.session.get();
+        ImplMediaCollectionManager& manager = live.manager;
+        const MediaLibraryProvider* const library = live.library();
         GuiMediaSlot old;
         old.setName(QStringLiteral("old"));
         old.setContentUrl(QUrl::fromLocalFile(QStringLiteral("/in/logo.png")));
@@ -69,7 +56,7 @@ private Q_SLOTS:
         QTRY_COMPARE(names(), before);
 
         AsyncFileSystemReader reader;
-        ImageSequenceCreator creator(session.get(), &manager);
+        ImageSequenceCreator creator(session, &manager);
         MediaDrop drop(&reader, &creator, 7, 2); // slot 1 moves onto what was in 2
         drop.setCollectionSlots({1});
         drop.requestAsynchronously({QStringLiteral("/in/"), FileSystem::Directory},

@@ -221,6 +221,37 @@ private Q_SLOTS:
         QVERIFY(!DropForecast::of(SlotPayload::read(mime), m_collections, 1, 1).isPossible());
     }
 
+    void findsRoom_data()
+    {
+        QTest::addColumn<QString>("type");
+        QTest::addColumn<QString>("json");
+        QTest::addColumn<int>("room");
+        const auto files = [](int count) {
+            return array(QStringList(count, entry(QStringLiteral("/x.mov"))));
+        };
+        QTest::newRow("one in the gap") << "media" << files(1) << 4;
+        QTest::newRow("two in the gap") << "media" << files(2) << 4;
+        QTest::newRow("three behind all") << "media" << files(3) << 8;
+        QTest::newRow("more than there is") << "media" << files(6) << 2;
+        // What moves away leaves room.
+        QTest::newRow("slots onto themselves") << "slot"
+                                               << R"({"slots":[3,2]})" << 2;
+        QTest::newRow("slots of elsewhere") << "slot"
+                                            << R"({"slots":[3,2],"collection":9})" << 4;
+    }
+    /// What is held between two slots points at neither, and overwrites none.
+    void findsRoom()
+    {
+        QFETCH(QString, type);
+        QFETCH(QString, json);
+        for (const int taken : {2, 3, 6, 7})
+            m_collections.put(taken, QStringLiteral("x"));
+        m_collections.content[5]; // one that has been cleared is kept, and holds nothing
+        m_collections.last = 12;
+        const SlotPayload dragged = SlotPayload::read(payload(type.toUtf8(), json));
+        QTEST(roomFrom(dragged, m_collections, 1, 2), "room");
+    }
+
     void foretells()
     {
         m_collections.put(3, QStringLiteral("Logo"));

@@ -1,19 +1,12 @@
-#include "common/filesystem/models/filesmodel.h"
-#include "common/media/edit/implmediacollectionmanager.h"
 #include "common/media/items/guimediaslot.h"
-#include "common/media/library/medialibraryapi.h"
-#include "common/media/library/medialibraryprovider.h"
 #include "common/notification/notificationmanagerimpl.h"
-#include "common/session/link/connectionhandler.h"
-#include "common/session/session.h"
 #include "common/views/slotdrops.h"
-#include "tests/support/ombraprocess.h"
+#include "tests/support/livesession.h"
 #include "tests/support/testmain.h"
 
 #include <QDir>
 #include <QImage>
 #include <QMimeData>
-#include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QUndoStack>
@@ -40,22 +33,17 @@ private Q_SLOTS:
     {
         OmbraProcess server;
         QVERIFY(server.start());
-        const auto session = std::make_unique<Session>();
-        Session::initializeWith(session.get(), server.ports());
-        QSignalSpy loaded(session->mediaLibraryProvider(), &AbstractMediaLibraryProvider::reset);
-        session->connectionHandler()->connect(server.host());
-        QTRY_VERIFY(session->isConnected() && session->getMediaLibraryApi() && !loaded.isEmpty());
-        QTRY_VERIFY(session->serverFilesModel());
-        ImplMediaCollectionManager manager;
-        const MediaLibraryProvider* const library = session->mediaLibraryProvider();
-        QVERIFY(manager.insertCollection(7, QStringLiteral("Seven")));
-        QTRY_VERIFY(library->collection(7));
+        LiveSession live;
+        QVERIFY(live.open(server));
+        Session* const session = live.session.get();
+        ImplMediaCollectionManager& manager = live.manager;
+        const MediaLibraryProvider* const library = live.library();
 
         QTemporaryDir local;
         for (const char* name : {"logo.png", "shots/s.0001.png", "shots/s.0002.png", "notes.txt"})
             makePicture(local.filePath(QString::fromLatin1(name)));
         QWidget window;
-        SlotDrops drops(session.get(), &manager, &window);
+        SlotDrops drops(session, &manager, &window);
         drops.setCollection(7);
         const auto drop = [&](const QStringList& names, int slot) {
             QMimeData data;
