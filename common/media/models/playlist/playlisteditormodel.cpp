@@ -65,6 +65,11 @@ bool PlaylistEditorModel::hasPlaylist() const
     return list() != nullptr;
 }
 
+bool PlaylistEditorModel::willHavePlaylist() const
+{
+    return areEditsUnderWay() ? m_api->expectedLibrary()->findPlaylist(number()) != nullptr : hasPlaylist();
+}
+
 const Playlist* PlaylistEditorModel::list() const
 {
     return playlistNumber() != noPlaylist && library() ? library()->findPlaylist(number()) : nullptr;
@@ -158,10 +163,9 @@ void PlaylistEditorModel::executeAddMediaCommand(AddMode mode, const EntryAddres
     if (!areStillOrTells(tr("Add media to playlist"), {address}))
         return;
     const QString failure = tr("Unable to add media to playlist");
-    // A list that is on its way to the server counts as well.
-    if (!run<AddMediaToPlaylistCommand>(hasPlaylist() ? failure : QString(), library(), number(), mode,
-                                        address, urls) &&
-        !hasPlaylist())
+    if (willHavePlaylist())
+        run<AddMediaToPlaylistCommand>(failure, library(), number(), mode, address, urls);
+    else
         run<NewPlaylistAndMediaCommand>(failure, library(), urls, number());
 }
 
@@ -324,7 +328,7 @@ void PlaylistEditorModel::showError(const QString& title, const QString& text) c
 void PlaylistEditorModel::showRefusal(const QString& title, const QList<EntryAddress>& named) const
 {
     // Looked for where the command has looked: in the library as it will be.
-    const bool isExpected = m_api && library() == &m_api->library();
+    const bool isExpected = areEditsUnderWay();
     const Ref<MediaLibrary> expected = isExpected ? m_api->expectedLibrary() : Ref<MediaLibrary>();
     const Playlist* then = isExpected ? std::as_const(*expected).findPlaylist(number()) : list();
     for (const EntryAddress& address : named) {

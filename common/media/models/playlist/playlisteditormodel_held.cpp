@@ -50,10 +50,15 @@ void PlaylistEditorModel::setLibraryApi(const MediaLibraryApi* api)
     resume();
 }
 
+bool PlaylistEditorModel::areEditsUnderWay() const
+{
+    return m_api && library() == &m_api->library() && !m_api->edits()->isEmpty();
+}
+
 /// Whether the list shows all that is under way.
 bool PlaylistEditorModel::isSettled() const
 {
-    if (!m_api || library() != &m_api->library() || m_api->edits()->isEmpty())
+    if (!areEditsUnderWay())
         return true;
     const Ref<MediaLibrary> expected = m_api->expectedLibrary();
     const Playlist* then = std::as_const(*expected).findPlaylist(number());
@@ -64,7 +69,7 @@ bool PlaylistEditorModel::isSettled() const
 /// Whether what is under way leaves these entries where they are.
 bool PlaylistEditorModel::areStill(const QList<EntryAddress>& addresses) const
 {
-    if (!m_api || library() != &m_api->library() || m_api->edits()->isEmpty())
+    if (!areEditsUnderWay())
         return true;
     const Ref<MediaLibrary> expected = m_api->expectedLibrary();
     const Playlist* then = std::as_const(*expected).findPlaylist(number());
