@@ -128,6 +128,7 @@ void LinkClient::handleFrame(linkframe::Decoder::Result result)
     if (result == linkframe::Decoder::Result::Error)
         return end(m_decoder.message());
     m_handled = 0;
+    m_hasSpoken = true;
     handleOperations();
 }
 
@@ -160,6 +161,8 @@ void LinkClient::queueBatch()
 
 void LinkClient::add(const PatchOp& op)
 {
+    if (!m_hasSpoken)
+        return;
     m_batch.add(op);
     if (op.op == PatchOpType::Replace)
         m_crossed.sent(op.path, std::chrono::steady_clock::now());

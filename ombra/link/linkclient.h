@@ -45,7 +45,8 @@ public:
     bool isOpen() const noexcept { return m_open; }
     const std::string& name() const noexcept { return m_name; } // for the log
 
-    /// Puts a change where the next flush() takes it from.
+    /// Puts a change where the next flush() takes it from. What changes before the client's first
+    /// frame is left out: a change means nothing to who has no scene, and the one asked for holds it.
     void add(const PatchOp& op);
     enum class Content { Changes, Snapshot };
     /// Sends whole operations after all that was added before.
@@ -100,7 +101,8 @@ private:
     std::size_t m_snapshotFrames = 0;
     bool m_wantsSnapshot = false;
     bool m_writing = false;
-    bool m_silent = true; // since the last showLife()
+    bool m_hasSpoken = false; // by a frame
+    bool m_silent = true;     // since the last showLife()
     bool m_open = true;
 };
 

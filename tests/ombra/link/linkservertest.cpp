@@ -86,6 +86,7 @@ private Q_SLOTS:
     {
         Client writer(m_server->port());
         Client reader(m_server->port());
+        Client newcomer(m_server->port());
         for (Client* client : {&writer, &reader})
             client->send(R"([{"op":"get","path":""}])");
         QVERIFY(waitFor([&] { return !writer.operations.empty() && !reader.operations.empty(); },
@@ -108,6 +109,14 @@ private Q_SLOTS:
         QVERIFY(waitFor([&] { return writer.scene.findObject("/device/surfaces/0") != nullptr; },
                         {&writer, &reader}));
         QVERIFY(writer.fits && reader.fits);
+
+        // Who has no scene yet hears of no change in it.
+        QVERIFY(waitFor([&] { return newcomer.frames > 1; }, {&newcomer}));
+        QVERIFY(newcomer.operations.empty());
+        newcomer.send(R"([{"op":"get","path":""}])");
+        QVERIFY(
+            waitFor([&] { return Scene::toJson(newcomer.scene.root()) == Scene::toJson(m_scene->root()); },
+                    {&newcomer}));
     }
 
     /// Somebody sends as much as a frame may hold: others go on being heard.
