@@ -37,7 +37,7 @@ public:
     /// JSON as MediaMetadata reads it. A file that is missing or leads out of the folder is not playable,
     /// with that as its reason.
     void metadata(const std::string& contentUrl, HttpAnswer answer, Wanted wanted = {});
-    /// A JPEG; 404 when there is no such file or no picture in it.
+    /// A JPEG, nothing when there is no picture in the file; 404 when there is no such file.
     void thumbnail(const std::string& contentUrl, HttpAnswer answer, Wanted wanted = {});
 
 private:

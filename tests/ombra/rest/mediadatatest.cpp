@@ -35,16 +35,25 @@ private:
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
     }
 
-    MediaMetadata ask(const QByteArray& name)
+    std::optional<HttpReply> answerOf(void (MediaData::*route)(const std::string&, HttpAnswer,
+                                                               MediaData::Wanted),
+                                      const QByteArray& name)
     {
         std::optional<HttpReply> reply;
-        m_data->metadata("file:///" + name.toStdString(),
-                         [&](HttpReply answer) { reply = std::move(answer); });
+        std::invoke(
+            route, *m_data, "file:///" + name.toStdString(),
+            [&](HttpReply answer) { reply = std::move(answer); }, MediaData::Wanted());
         QElapsedTimer timer;
         for (timer.start(); !reply && timer.elapsed() < 20000;) {
             m_io.restart();
             m_io.run_one_for(std::chrono::milliseconds(5));
         }
+        return reply;
+    }
+
+    MediaMetadata ask(const QByteArray& name)
+    {
+        const std::optional<HttpReply> reply = answerOf(&MediaData::metadata, name);
         MediaMetadata metadata;
         Json json;
         if (!reply || reply->status != 200 || !Json::parseString(reply->body, json) ||
@@ -146,6 +155,18 @@ private Q_SLOTS:
             said += metadata.getCaveatText(caveat);
         QVERIFY2(said.starts_with(sentence.toStdString()) && said.empty() == sentence.isEmpty(),
                  said.c_str());
+    }
+
+    /// What is there and holds no picture is no error, which would be asked for again and again.
+    void picturesOfSounds()
+    {
+        for (const char* file : {"whole.wav", "notes.txt", "noise.mov"}) {
+            const auto reply = answerOf(&MediaData::thumbnail, file);
+            QVERIFY2(reply && reply->status == 200 && reply->body.empty(), file);
+        }
+        QCOMPARE(answerOf(&MediaData::thumbnail, "none.wav").value().status, 404U);
+        QVERIFY(QByteArray::fromStdString(answerOf(&MediaData::thumbnail, "whole.mp4").value().body)
+                    .startsWith("\xff\xd8"));
     }
 
     void tellsPicturesThatAreCut_data()
