@@ -1,5 +1,6 @@
 #include "common/filesystem/ftp/qftpdtp.h"
 
+#include "common/filesystem/ftp/directsend.h"
 #include "common/filesystem/ftp/ftplogging.h"
 #include "common/filesystem/ftp/qftppi.h"
 
@@ -466,6 +467,11 @@ void QFtpDTP::sendDevice()
 /// False when there is nothing to send, for now or for good.
 bool QFtpDTP::sendBlock(qint64 most)
 {
+    if (!m_isChecksumWanted) {
+        if (const qint64 size = sendDirectly(m_device, *m_socket, most); size > 0)
+            return noteSent(size);
+    }
+    // What the socket does not take now waits in it, and it tells when that has gone.
     m_block.resize(blockSize);
     const qint64 size = m_device->read(m_block.data(), most);
     if (size <= 0) {
@@ -490,6 +496,11 @@ bool QFtpDTP::sendBlock(qint64 most)
         return false;
     }
     addToChecksum(m_block.constData(), size);
+    return noteSent(size);
+}
+
+bool QFtpDTP::noteSent(qint64 size)
+{
     m_sent += size;
     m_limit.spend(size);
     m_bytesDone = m_sent - m_socket->bytesToWrite();

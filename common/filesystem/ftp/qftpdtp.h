@@ -107,6 +107,7 @@ private:
     void sendBytes();
     void sendDevice();
     bool sendBlock(qint64 most);
+    bool noteSent(qint64 size);
     void comeBack(bool isSending);
     void finishSending();
     void fail(const QString& text);
