@@ -25,6 +25,8 @@ constexpr int maxSide = 640;
 
 qint64 pixelsOf(const QByteArray& data)
 {
+    if (data.isEmpty()) // so a server tells that the file has no picture
+        return 0;
     QBuffer buffer;
     buffer.setData(data);
     const QSize size = QImageReader(&buffer, QByteArrayLiteral("JPG")).size();
