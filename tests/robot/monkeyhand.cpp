@@ -287,7 +287,8 @@ QString MonkeyHand::connectToServer()
     const QString field = QStringLiteral("ConnectDialog-input-AddressBar");
     const QString menu = QStringLiteral("MainNavigationBar-mainmenu");
     look();
-    if (!isVisible(QStringLiteral("ConnectDialog"))) {
+    // Below another dialog its buttons may be out of the mouse's reach.
+    if (!isVisible(QStringLiteral("ConnectDialog")) || std::ranges::count_if(m_seen, isDialog) > 1) {
         if (!calm())
             return QStringLiteral("no rest: ") + visibleDialogs();
         ask({{"operation", "raise"}, {"objectName", "MainWindow"}}); // above windows for service
