@@ -13,6 +13,49 @@ constexpr qsizetype searched = 64; // of the newest, for one that is said again
 
 } // namespace
 
+void NotificationManagerImplPrivate::add(const QSharedPointer<Notification>& notification)
+{
+    list.append(notification);
+    observeNotification(notification);
+    makeRoom();
+}
+
+/// A flood takes neither the memory nor the time that each of a long list costs.
+void NotificationManagerImplPrivate::makeRoom()
+{
+    while (list.size() > NotificationManagerImpl::mostKept) {
+        const QSharedPointer<Notification> gone = list.takeAt(leastMissed());
+        gone->disconnect(this);
+        if (!gone->isAccepted() && gone->type() == Notification::ErrorMessage)
+            countLeftOut(gone->repeats());
+    }
+}
+
+qsizetype NotificationManagerImplPrivate::leastMissed() const
+{
+    const auto weight = [this](const QSharedPointer<Notification>& one) {
+        if (one->isAccepted())
+            return -1;
+        return one == m_leftOut ? Notification::ErrorMessage + 1 : static_cast<int>(one->type());
+    };
+    return std::ranges::min_element(list, {}, weight) - list.cbegin();
+}
+
+void NotificationManagerImplPrivate::countLeftOut(int errors)
+{
+    const bool isThere = m_leftOut && !m_leftOut->isAccepted();
+    m_leftOutCount = errors + (isThere ? m_leftOutCount : 0);
+    const QString title = NotificationManagerImpl::tr("%n earlier errors left this list", "", m_leftOutCount);
+    if (isThere)
+        return m_leftOut->setTitle(title);
+    m_leftOut = QSharedPointer<Notification>::create(
+        m_manager, Notification::ErrorMessage, title,
+        NotificationManagerImpl::tr(
+            "So many came that only the newest stand here. The log has all of them."));
+    list.prepend(m_leftOut); // where they stood
+    observeNotification(m_leftOut);
+}
+
 void NotificationManagerImplPrivate::observeNotification(const QSharedPointer<Notification>& notification)
 {
     // Weak, so that the connection of a notification does not keep it alive.
@@ -47,6 +90,7 @@ void NotificationManagerImplPrivate::forgetAll()
     for (const auto& notification : std::as_const(list))
         notification->disconnect(this);
     list.clear();
+    m_leftOut.reset();
 }
 
 NotificationManagerImpl::NotificationManagerImpl(QObject* parent)
@@ -81,8 +125,7 @@ bool NotificationManagerImpl::addNotification(QSharedPointer<Notification> notif
     if (!notification || m_private->list.contains(notification))
         return false;
     qCInfo(lcNotification) << "Adding new notification" << *notification;
-    m_private->list.append(notification);
-    m_private->observeNotification(notification);
+    m_private->add(notification);
     Q_EMIT notificationAdded(notification);
     Q_EMIT notificationsChanged();
     return true;

@@ -8,12 +8,16 @@ namespace vantrel {
 
 class NotificationManagerImplPrivate;
 
-/// The process's one sink of messages to the operator. Every notification stays in its list until clear().
+/// The process's one sink of messages to the operator. Its list keeps mostKept of them: of those that were
+/// accepted, then of the mildest, the oldest leave. Where nothing but errors that nobody has accepted is left
+/// to leave, one more error says how many did.
 class NotificationManagerImpl : public NotificationManager
 {
     Q_OBJECT
 
 public:
+    static constexpr qsizetype mostKept = 1000;
+
     explicit NotificationManagerImpl(QObject* parent = nullptr);
     ~NotificationManagerImpl() override;
     static NotificationManagerImpl* instance();

@@ -15,7 +15,7 @@ public:
     {
     }
 
-    void observeNotification(const QSharedPointer<Notification>& notification);
+    void add(const QSharedPointer<Notification>& notification);
     void forgetAll();
     /// That says the same and that nobody has accepted yet; null for none.
     QSharedPointer<Notification> findWaiting(Notification::MessageType type, const QString& title,
@@ -24,7 +24,14 @@ public:
     QList<QSharedPointer<Notification>> list;
 
 private:
+    void observeNotification(const QSharedPointer<Notification>& notification);
+    void makeRoom();
+    qsizetype leastMissed() const;
+    void countLeftOut(int errors);
+
     NotificationManagerImpl* m_manager;
+    QSharedPointer<Notification> m_leftOut; // tells of errors that nobody has seen
+    int m_leftOutCount = 0;
 };
 
 } // namespace vantrel

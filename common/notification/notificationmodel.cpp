@@ -3,6 +3,8 @@
 #include "common/notification/notificationlogging.h"
 #include "common/notification/notificationmodel_p.h"
 
+#include <QSet>
+
 #include <array>
 
 namespace vantrel {
@@ -128,10 +130,20 @@ void NotificationModelPrivate::onNotificationsChanged()
     updateModel(notifications());
 }
 
-/// Position by position.
+/// Position by position. Rows that are gone go first: what stands behind them has not moved.
 void NotificationModelPrivate::updateModel(const QList<NotificationPtr>& list)
 {
+    QSet<const Notification*> kept;
     for (qsizetype at = 0; at < list.size(); ++at) {
+        while (at < m_rows.size() && m_rows.at(at) != list.at(at)) {
+            if (kept.isEmpty()) {
+                for (const NotificationPtr& notification : list.sliced(at))
+                    kept.insert(notification.data());
+            }
+            if (kept.contains(m_rows.at(at).data()))
+                break;
+            removeRow(at);
+        }
         if (at >= m_rows.size() || m_rows.at(at) != list.at(at))
             takeRow(list.at(at), at);
     }
@@ -140,6 +152,13 @@ void NotificationModelPrivate::updateModel(const QList<NotificationPtr>& list)
         return;
     m_model->beginRemoveRows({}, static_cast<int>(list.size()), static_cast<int>(left) - 1);
     m_rows.resize(list.size());
+    m_model->endRemoveRows();
+}
+
+void NotificationModelPrivate::removeRow(qsizetype at)
+{
+    m_model->beginRemoveRows({}, static_cast<int>(at), static_cast<int>(at));
+    m_rows.removeAt(at);
     m_model->endRemoveRows();
 }
 

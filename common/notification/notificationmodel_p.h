@@ -24,6 +24,7 @@ protected:
     void onNotificationChanged(const NotificationPtr& notification) override;
 
 private:
+    void removeRow(qsizetype at);
     void takeRow(const NotificationPtr& notification, qsizetype to);
 
     NotificationModel* m_model;
