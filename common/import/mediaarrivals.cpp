@@ -206,11 +206,40 @@ void MediaArrivals::bringFile(const QString& localPath)
         noteChange();
     });
     // Whole or not, from now on the server says what there is.
-    connect(operation.get(), &BaseOperation::operationStopped, this, [this, url] {
-        m_progress.remove(url);
-        noteChange();
-    });
+    connect(operation.get(), &BaseOperation::operationStopped, this,
+            [this, url, operation = operation.get()] {
+                m_progress.remove(url);
+                noteChange();
+                if (hasPassed(*operation))
+                    Q_EMIT settled(url, false);
+                else
+                    lookForAnother(url);
+            });
     noteChange();
+}
+
+/// The name was free when the plan was made. What the server lists now may be a little old.
+void MediaArrivals::lookForAnother(const QUrl& media)
+{
+    FileSystem* const server = m_fileSystems->getFileSystem(serverName);
+    if (!server)
+        return;
+    auto* watch = new QTimer(this);
+    const auto look = [this, server, media, watch] {
+        const bool isThere = server->getType(media.toLocalFile()) != FileSystem::Unknown;
+        if (!isThere && watch->isActive() && !m_progress.contains(media))
+            return;
+        server->disconnect(watch);
+        watch->deleteLater();
+        Q_EMIT settled(media, isThere && !m_progress.contains(media));
+    };
+    watch->setSingleShot(true);
+    connect(watch, &QTimer::timeout, watch, look);
+    connect(server, &FileSystem::directoryChanged, watch, look);
+    watch->start(3s);
+    QList<FileSystemFile> files;
+    server->getFiles(server->defaultRootPath(), files); // asks for it, where it is not known
+    look();
 }
 
 void MediaArrivals::bringDirectory(const QString& localPath,

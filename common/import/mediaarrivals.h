@@ -60,6 +60,9 @@ public:
 Q_SIGNALS:
     /// Some texts; ten times a second at most.
     void changed();
+    /// It is on its way no more. isSupplanted: it has not arrived, and the server holds another one of its
+    /// name by now, which slots that name it would play.
+    void settled(const QUrl& media, bool isSupplanted);
 
 private:
     struct Question;
@@ -69,6 +72,7 @@ private:
     void add(Plan& plan, const MediaEntry& entry) const;
     QString targetOf(const QString& localPath, bool isDirectory) const;
     OperationPtr send(const QString& localPath);
+    void lookForAnother(const QUrl& media);
     void noteChange();
 
     FileSystemProvider* m_fileSystems;

@@ -1,5 +1,6 @@
 #include "common/qml/qmlmanager.h"
 
+#include "common/filesystem/model/localhomelocations.h"
 #include "common/media/address/mediastate.h"
 #include "common/notification/notificationmanagerimpl.h"
 #include "common/notification/notificationstatusmodel.h"
@@ -63,6 +64,8 @@ public:
         context->setContextProperty(QStringLiteral("commandCenter"), &commandCenter);
         context->setContextProperty(QStringLiteral("dialogs"), &dialogs);
         context->setContextProperty(QStringLiteral("toolTips"), &toolTips);
+        context->setContextProperty(QStringLiteral("homeLocationsPath"),
+                                    LocalHomeLocations::instance()->homePath());
     }
 
     FontSizes fontSizes;

@@ -2,6 +2,7 @@
 
 #include "common/command/refusal.h"
 #include "common/import/mediadrop.h"
+#include "common/media/address/showntext.h"
 #include "common/media/edit/mediacollectionmanager.h"
 #include "common/media/items/guimediaslot.h"
 #include "common/media/items/mimedata.h"
@@ -26,6 +27,7 @@ SlotDrops::SlotDrops(Session* session, MediaCollectionManager* manager, QWidget*
                  session ? session->fileSystemOperations() : nullptr)
 {
     connect(&m_arrivals, &MediaArrivals::changed, this, &SlotDrops::arrivalsChanged);
+    connect(&m_arrivals, &MediaArrivals::settled, this, &SlotDrops::settle);
     connect(&m_handler, &MediaSlotDropHandler::dropRefused, this, &SlotDrops::refuse);
     connect(&m_handler, &MediaSlotDropHandler::mediaDropCreated, this, &SlotDrops::take);
 }
@@ -143,6 +145,10 @@ void SlotDrops::take(MediaDrop* drop)
         drop->setMedias(medias);
         for (const QString& fault : std::as_const(m_plan.faults))
             drop->addFault(fault);
+        connect(drop, &MediaDrop::mediaSlotSaved, this,
+                [this](const QString& media, int collection, int slot) {
+                    m_awaiting.insert(QUrl(media).toLocalFile(), MediaAddress(collection, slot));
+                });
         connect(drop, &MediaDrop::saved, this, [this, drop, plan = m_plan, next = drop->startSlot()] {
             for (const QString& path : plan.uploads)
                 m_arrivals.bringFile(path);
@@ -156,6 +162,22 @@ void SlotDrops::take(MediaDrop* drop)
     connect(drop, &MediaDrop::isReadyChanged, this, whenReady);
     if (drop->isReady())
         QMetaObject::invokeMethod(drop, whenReady, Qt::QueuedConnection);
+}
+
+void SlotDrops::settle(const QUrl& media, bool isSupplanted)
+{
+    const MediaAddress address = m_awaiting.take(media.toLocalFile());
+    GuiMediaSlot slot;
+    if (!isSupplanted || !m_manager->findMediaSlot(address.collection, address.slot, slot) ||
+        slot.contentUrl().toLocalFile() != media.toLocalFile())
+        return;
+    m_manager->clearSlot(address.collection, address.slot);
+    refuse(tr("\"%1\" has not arrived, and the server holds another file of its name by now. Slot %2 of "
+              "collection %3 was cleared, so that nobody plays that one. Give yours another name and drop it "
+              "again.")
+               .arg(shownText(media.fileName()))
+               .arg(address.slot)
+               .arg(address.collection));
 }
 
 /// Folders may have held more than a forecast could tell.

@@ -68,6 +68,7 @@ private:
     void bringDirectories(const QStringList& directories, int collection, int slot);
     void take(MediaDrop* drop);
     void finish(MediaDrop* drop, int toldLast);
+    void settle(const QUrl& media, bool isSupplanted);
     void save(MediaDrop* drop);
     void tell(const MediaDrop& drop) const;
     void refuse(const QString& why) const;
@@ -77,6 +78,7 @@ private:
     ImageSequenceCreator m_creator;
     MediaSlotDropHandler m_handler;
     MediaArrivals m_arrivals;
+    QHash<QString, MediaAddress> m_awaiting; // by path, the slots that were made for files on their way
     std::function<QString()> m_obstacle;
     int m_collection = -1;
     QVariantMap m_mime;

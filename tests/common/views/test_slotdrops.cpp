@@ -80,6 +80,21 @@ private Q_SLOTS:
         QTRY_COMPARE(NotificationManagerImpl::instance()->notifications().size(), told + 2);
         QVERIFY(!library->slot({7, 9}));
 
+        // Somebody else was faster with the name: their file is not played in the place of this one.
+        QFile late(local.filePath(QStringLiteral("late.mov"))); // takes a while
+        QVERIFY(late.open(QIODevice::WriteOnly) && late.resize(200 * 1024 * 1024));
+        QVERIFY(drop({QStringLiteral("late.mov")}, 12));
+        QTRY_VERIFY(library->slot({7, 12}));
+        QVERIFY(QFile::copy(local.filePath(QStringLiteral("logo.png")),
+                            server.mediaFolder() + QStringLiteral("/late.mov")));
+        QTRY_VERIFY(drops.arrivals().isEmpty());
+        QTRY_VERIFY(library->slot({7, 12})->contentUrl().isEmpty());
+        QVERIFY(NotificationManagerImpl::instance()->notifications().last()->details().contains(
+            QStringLiteral("Slot 12 of collection 7 was cleared")));
+        session->getQUndoStack()->undo();
+        session->getQUndoStack()->undo();
+        QTRY_VERIFY(!library->slot({7, 12}));
+
         // Slots move in one edit, also onto each other's places.
         const auto nameAt = [library](int slot) {
             const auto one = library->slot({7, slot});
