@@ -66,6 +66,13 @@ std::string identityOf(const std::filesystem::path& folder)
     return identity;
 }
 
+/// What an upload goes to until it is whole: each client would ask what it is, with every piece.
+bool isUnderWay(const std::filesystem::path& path)
+{
+    const std::string name = path.filename().string();
+    return name.starts_with('.') && name.ends_with(".part");
+}
+
 } // namespace
 
 MediaWatcher::MediaWatcher(boost::asio::io_context& io, std::filesystem::path mediaFolder, Listener listener)
@@ -364,6 +371,8 @@ void MediaWatcher::forgetTree(const std::filesystem::path& relative)
 
 void MediaWatcher::note(Event event, const std::filesystem::path& relative)
 {
+    if (isUnderWay(relative))
+        return;
     noteUrl(event, contentUrl(relative));
     for (const std::string& pattern : sequencePatterns(relative.filename().string()))
         noteUrl(Event::Changed, contentUrl(relative.parent_path() / pattern));

@@ -51,6 +51,12 @@ private Q_SLOTS:
         touch(QStringLiteral("f_0001.png"));
         QVERIFY(comes(
             {QStringLiteral("added file:///f_0001.png"), QStringLiteral("changed file:///f_%2504d.png")}));
+        // An upload is nobody's business before it is whole.
+        touch(QStringLiteral(".halcyra-01.part"));
+        touch(QStringLiteral("other.mp4"));
+        QVERIFY(comes({QStringLiteral("added file:///other.mp4")}));
+        QVERIFY(QFile::rename(path(QStringLiteral(".halcyra-01.part")), path(QStringLiteral("whole.mp4"))));
+        QVERIFY(comes({QStringLiteral("added file:///whole.mp4")}));
     }
 
     void folders()
