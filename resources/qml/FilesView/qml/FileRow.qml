@@ -167,10 +167,11 @@ Item {
     }
     Loader {
         active: row.isRenaming
-        x: label.x - fontSizes.pad - 2
-        width: label.width + fontSizes.pad + 2
+        x: label.x - fontSizes.pad2 - 3
+        width: label.width + fontSizes.pad2 + 3
         height: parent.height
         sourceComponent: ZTTextField {
+            opaque: true
             objectName: row.browser.objectName + "-rename-field"
             implicitHeight: row.height
             text: row.name

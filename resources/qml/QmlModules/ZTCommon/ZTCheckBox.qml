@@ -8,8 +8,8 @@ T.CheckBox {
 
     implicitWidth: implicitContentWidth + leftPadding + rightPadding
     implicitHeight: Theme.barHeight
-    leftPadding: fontSizes.body + 2 + Theme.normal
-    rightPadding: Theme.tight
+    leftPadding: indicator.x + indicator.width + Theme.normal
+    rightPadding: 3
     focusPolicy: Qt.TabFocus
     hoverEnabled: true
     Accessible.name: text
@@ -23,19 +23,20 @@ T.CheckBox {
         border.color: control.visualFocus ? Theme.focus : "transparent"
     }
     indicator: Rectangle {
-        x: 2
+        x: 3
         anchors.verticalCenter: parent.verticalCenter
-        width: fontSizes.body + 2
+        width: fontSizes.check + 2
         height: width
         radius: 3
-        color: control.checked ? Theme.accent : Theme.field
-        border.color: control.checked ? Theme.accent : control.hovered ? Theme.dim : Theme.faint
+        color: !control.checked ? Theme.field : control.enabled ? Theme.accent : Theme.accentVeil
+        border.color: !control.enabled ? Theme.handle : control.checked ? Theme.accent
+                    : control.hovered ? Theme.dim : Theme.faint
 
         ZTIcon {
             anchors.centerIn: parent
-            side: parent.width
+            side: fontSizes.check
             name: "check"
-            color: Theme.onAccent
+            color: control.enabled ? Theme.strong : Theme.disabled
             visible: control.checked
         }
     }

@@ -1,19 +1,21 @@
 import QtQuick
 import QtQuick.Templates as T
 
+// opaque: it stands over something else, such as a name that is being changed.
 T.TextField {
     id: control
 
     property string tip
+    property bool opaque: false
 
     implicitHeight: Theme.barHeight
     implicitWidth: 200
-    leftPadding: fontSizes.pad + 2
-    rightPadding: fontSizes.pad + 2
+    leftPadding: fontSizes.pad2 + 3
+    rightPadding: fontSizes.pad2 + 3
     color: enabled ? Theme.strong : Theme.disabled
     selectionColor: Theme.accent
     selectedTextColor: Theme.onAccent
-    placeholderTextColor: Theme.faint
+    placeholderTextColor: enabled ? Theme.dim : Theme.disabled
     font.family: Qt.application.font.family // the platform has another one for fields
     font.pixelSize: fontSizes.body
     verticalAlignment: TextInput.AlignVCenter
@@ -24,8 +26,17 @@ T.TextField {
 
     background: Rectangle {
         radius: Theme.radius
-        color: Theme.background
+        color: control.opaque ? Theme.background : control.enabled ? Theme.field : "transparent"
         border.width: 1
-        border.color: control.activeFocus ? Theme.accent : control.hovered ? Theme.fieldEdge : Theme.hoverStrong
+        border.color: !control.enabled ? Theme.line : control.activeFocus ? Theme.accent
+                    : control.hovered ? Theme.fieldEdge : Theme.hoverStrong
+    }
+
+    ZTLabel {
+        anchors { fill: parent; leftMargin: control.leftPadding; rightMargin: control.rightPadding }
+        text: control.placeholderText
+        color: control.placeholderTextColor
+        visible: control.length === 0 && control.preeditText.length === 0
+        Accessible.ignored: true
     }
 }
