@@ -44,6 +44,8 @@ std::optional<DirectoryContent> DirectoryContent::read(const QString& path)
             content.directories.append({name, normalizePath(dir.absoluteFilePath(name))});
         else if (isShown(name))
             content.files.append({name, info.size(), holder});
+        else
+            ++content.otherFiles;
     }
     sortByName(content.directories);
     sortByName(content.files);

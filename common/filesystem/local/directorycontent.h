@@ -16,6 +16,7 @@ struct DirectoryContent
     /// With the way up, "..", in front.
     QList<FileSystemDirectory> directories;
     QList<FileSystemFile> files;
+    int otherFiles = 0; // that are no media
 
     /// Takes as long as the disk takes, so that it is read on a worker thread. Both lists come by name; a
     /// symbolic link counts as what it points to. Nothing when the directory is not there.

@@ -119,6 +119,11 @@ qint64 LocalFileSystem::fileSize(const QString& path) const
     return info.isFile() ? info.size() : -1;
 }
 
+int LocalFileSystem::otherFiles(const QString& directoryPath) const
+{
+    return m_private->otherFiles(directoryPath);
+}
+
 bool LocalFileSystem::isLink(const QString& path) const
 {
     // Nothing is removed through what may be one.

@@ -37,6 +37,7 @@ public:
     OperationVisitor* operationVisitor() override;
     qint64 availableBytes(const QString& path) const override;
     qint64 fileSize(const QString& path) const override;
+    int otherFiles(const QString& directoryPath) const override;
     bool isLink(const QString& path) const override;
     bool wantsFreeNames() const override;
     void whenReachable(const QString& path, QObject* context, std::function<void(bool)> next) override;

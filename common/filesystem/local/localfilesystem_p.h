@@ -28,6 +28,7 @@ public:
     bool findContent(const QString& path, const DirectoryContent** content);
     /// By what was read of its directory last.
     FileSystem::ItemType typeOf(const QString& path) const { return m_listings.typeOf(path); }
+    int otherFiles(const QString& path) const { return m_listings.otherFiles(path); }
     DiskKnock& knock() { return m_knock; }
 
     bool visit(QSharedPointer<FileTransferOperation> operation) override;

@@ -77,6 +77,12 @@ FileSystem::ItemType LocalListings::typeOf(const QString& path) const
                                                : FileSystem::Unknown;
 }
 
+int LocalListings::otherFiles(const QString& path) const
+{
+    const auto entry = m_entries.constFind(keyOf(path));
+    return entry != m_entries.cend() && entry->content ? entry->content->otherFiles : 0;
+}
+
 void LocalListings::watch(const QString& path)
 {
     const QString key = keyOf(path);

@@ -25,6 +25,7 @@ public:
     const DirectoryContent* find(const QString& path);
     /// Of an item, by what was read of its directory last, however long ago; Unknown when nothing was.
     FileSystem::ItemType typeOf(const QString& path) const;
+    int otherFiles(const QString& path) const;
     /// Watches it, in place of the one that was asked for longest ago when there are ten.
     void watch(const QString& path);
     /// What is known of it holds no longer; the next find() reads it anew.

@@ -12,6 +12,11 @@ qint64 FileSystem::fileSize(const QString&) const
     return -1;
 }
 
+int FileSystem::otherFiles(const QString&) const
+{
+    return 0;
+}
+
 bool FileSystem::isLink(const QString&) const
 {
     return false;

@@ -57,6 +57,9 @@ public:
     virtual qint64 availableBytes(const QString& path) const;
     /// Bytes of a file; -1 when it is not there, or nothing is known of it.
     virtual qint64 fileSize(const QString& path) const;
+    /// Of the files that the directory held when it was read last, those that are no media: nothing shows or
+    /// transfers them.
+    virtual int otherFiles(const QString& directoryPath) const;
     /// A symbolic link, whatever it leads to: a removal takes it away and leaves that. False when nothing is
     /// known of it.
     virtual bool isLink(const QString& path) const;

@@ -205,7 +205,7 @@ QVariant OperationsModel::cell(const Row& row, int role) const
     case VerifiedRole:
         return row.isVerified;
     case OutcomeTextRole:
-        return outcomeText(row.isFile, row.isVerified, row.skipped);
+        return outcomeText(row.isFile, row.isVerified, row.skipped, row.others);
     default:
         return {};
     }
@@ -332,6 +332,7 @@ void OperationsModel::storeRefreshedValues(Row& row) const
         row.eta = transfer->etaSeconds();
         row.isVerified = row.stage == Stage::Done && transfer->isVerified();
         row.skipped = transfer->skippedCount();
+        row.others = transfer->otherFiles();
         // The parts of a folder tell their bytes at once, and its progress less often: one row says one
         // thing.
         const bool isFolder = qobject_cast<const DirectoryTransferOperation*>(transfer);

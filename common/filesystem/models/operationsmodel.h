@@ -118,6 +118,7 @@ private:
         bool isFile = false;
         bool isVerified = false;
         int skipped = 0;
+        int others = 0;
         bool isInRound = true; // counts for the total
     };
 

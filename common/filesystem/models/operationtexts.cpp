@@ -41,14 +41,18 @@ QString etaText(int seconds)
     return QStringLiteral("%1 %2").arg(seconds).arg(s);
 }
 
-QString outcomeText(bool isFile, bool isVerified, int skipped)
+QString outcomeText(bool isFile, bool isVerified, int skipped, int others)
 {
-    if (skipped == 0)
-        return isVerified ? OperationsModel::tr("Done, verified") : OperationsModel::tr("Done");
-    if (isFile)
+    if (skipped > 0 && isFile)
         return OperationsModel::tr("Skipped: the name is taken there");
-    return skipped == 1 ? OperationsModel::tr("Done, 1 skipped: its name is taken there")
-                        : OperationsModel::tr("Done, %1 skipped: their names are taken there").arg(skipped);
+    QString text =
+        skipped == 0   ? isVerified ? OperationsModel::tr("Done, verified") : OperationsModel::tr("Done")
+          : skipped == 1 ? OperationsModel::tr("Done, 1 skipped: its name is taken there")
+                       : OperationsModel::tr("Done, %1 skipped: their names are taken there").arg(skipped);
+    if (others > 0)
+        text += others == 1 ? OperationsModel::tr("; 1 file is no media and stays")
+                            : OperationsModel::tr("; %1 files are no media and stay").arg(others);
+    return text;
 }
 
 QString errorsText(const BaseOperation* operation)

@@ -13,7 +13,8 @@ QString operationTypeText(const BaseOperation* operation);
 /// A time that is left, in whole units: "1 h 5 m", "2 m 10 s", "8 s".
 QString etaText(int seconds);
 /// What has come of one that is done. skipped: of a folder's files those that were left out, or 1 for a file.
-QString outcomeText(bool isFile, bool isVerified, int skipped);
+/// others: those that are no media, which stay where they are.
+QString outcomeText(bool isFile, bool isVerified, int skipped, int others);
 /// Why it failed, without the markup; names in it were escaped. Empty once it is gone.
 QString errorsText(const BaseOperation* operation);
 

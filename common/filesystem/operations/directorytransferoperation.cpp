@@ -228,6 +228,11 @@ void DirectoryTransferOperation::updateProgress()
     setProgress(m_runner->progress());
 }
 
+int DirectoryTransferOperation::otherFiles() const
+{
+    return m_lister->otherFiles();
+}
+
 QSharedPointer<RecursiveDirectoryLister> DirectoryTransferOperation::directoryLister() const
 {
     return m_lister;

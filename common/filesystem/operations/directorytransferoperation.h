@@ -36,6 +36,7 @@ public:
     {
         return TransferOperation::skippedCount() + static_cast<int>(m_skipped.size());
     }
+    int otherFiles() const override;
     /// Goes on where that has come to: into the same directory, without what has arrived there.
     void setRetryOf(const TransferOperation& failed) override;
 

@@ -57,6 +57,7 @@ void RecursiveDirectoryLister::start()
     m_inFlight.clear();
     m_hasFailed = false;
     m_isTooDeep = false;
+    m_otherFiles = 0;
     m_isValid = false;
     m_hasFinished = false;
     Q_EMIT isValidChanged();
@@ -160,6 +161,7 @@ bool RecursiveDirectoryLister::askForNext()
     if (!hasDirectories || !hasFiles || m_fileSystem->isLoading() || m_inFlight != path)
         return false;
     savePathContent(path, content);
+    m_otherFiles += m_fileSystem->otherFiles(path);
     m_inFlight.clear();
     return true;
 }

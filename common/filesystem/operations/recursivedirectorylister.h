@@ -47,6 +47,8 @@ public:
     /// It goes deeper than is read, which leads back into itself more often than anywhere: no listing is
     /// known.
     bool isTooDeep() const { return m_isTooDeep; }
+    /// Files on the way that are no media: the listing is without them.
+    int otherFiles() const { return m_otherFiles; }
     /// The tree below the path, which lies in what was read. False when that is not known.
     bool getListing(const QString& path, DirectoryItem& item) const;
     bool getRootListing(DirectoryItem& item) const { return getListing(m_directoryPath, item); }
@@ -94,6 +96,7 @@ private:
     bool m_isTooDeep = false;
     bool m_isWoken = false;
     int m_ticksInFlight = 0;
+    int m_otherFiles = 0;
     QTimer m_timer;
     QMetaObject::Connection m_following; // directoryChanged of the file system
 };

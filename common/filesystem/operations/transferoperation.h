@@ -54,6 +54,8 @@ public:
     /// already; 1 for a file of its own.
     virtual int skippedCount() const { return m_skippedCount; }
     void setSkippedCount(int count) { m_skippedCount = count; }
+    /// Files of a directory that stay where they are, since they are no media.
+    virtual int otherFiles() const { return 0; }
 
     /// Refuse until somebody says otherwise. Set it before the operation starts.
     ConflictPolicy conflictPolicy() const;

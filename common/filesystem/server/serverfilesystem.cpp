@@ -79,6 +79,11 @@ qint64 ServerFileSystem::fileSize(const QString& path) const
     return m_private->getFileSize(path);
 }
 
+int ServerFileSystem::otherFiles(const QString& directoryPath) const
+{
+    return m_private->listings().otherFiles(directoryPath);
+}
+
 bool ServerFileSystem::isLink(const QString& path) const
 {
     const std::optional<ClientFileSystemInfo> entry = m_private->listings().entry(path);

@@ -40,6 +40,7 @@ public:
     bool isValidDirectoryPath(QString directoryPath) const override;
     OperationVisitor* operationVisitor() override;
     qint64 fileSize(const QString& path) const override;
+    int otherFiles(const QString& directoryPath) const override;
     bool isLink(const QString& path) const override;
 
     /// False when the client takes no connection now.

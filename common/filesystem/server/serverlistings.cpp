@@ -2,6 +2,7 @@
 
 #include "common/filesystem/model/pathhelpers.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace vantrel {
@@ -164,6 +165,17 @@ std::optional<ClientFileSystemInfo> ServerListings::entry(const QString& path) c
         return {};
     const auto found = parent->all.constFind(getNameInPath(plain));
     return found == parent->all.constEnd() ? std::nullopt : std::optional(*found);
+}
+
+int ServerListings::otherFiles(const QString& directory) const
+{
+    const auto listing = m_listings.constFind(keyOf(directory));
+    if (listing == m_listings.constEnd())
+        return 0;
+    return static_cast<int>(std::ranges::count_if(listing->all, [](const ClientFileSystemInfo& entry) {
+        return entry.type == ClientFileSystemType::File && !entry.name.startsWith(u'.') &&
+               !ClientListing::isShown(entry);
+    }));
 }
 
 qint64 ServerListings::fileSize(const QString& path) const

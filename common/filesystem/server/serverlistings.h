@@ -60,6 +60,8 @@ public:
     FileSystem::ItemType type(const QString& path) const;
     /// Shown or not; nothing when it is in no listing.
     std::optional<ClientFileSystemInfo> entry(const QString& path) const;
+    /// Files that are no media, without hidden ones.
+    int otherFiles(const QString& directory) const;
     /// Bytes of a shown file; -1 for anything else.
     qint64 fileSize(const QString& path) const;
 

@@ -119,15 +119,24 @@ private Q_SLOTS:
             write(disk(QStringLiteral("show/") + name), noise(name.startsWith(u'n') ? 0 : 70000));
         QDir().mkpath(disk(QStringLiteral("show/empty")));
         const Files source = contentOf(disk(QStringLiteral("show")));
-        QCOMPARE(end(up(QStringLiteral("show"), at(QStringLiteral("/")))), State::Passed);
+        // What is no media stays, and is told of.
+        write(disk(QStringLiteral("show/sub [1]/cues.pdf")), "stays");
+        const auto othersOf = [](const OperationPtr& transfer) {
+            return qSharedPointerCast<TransferOperation>(transfer)->otherFiles();
+        };
+        const OperationPtr upload = up(QStringLiteral("show"), at(QStringLiteral("/")));
+        QCOMPARE(end(upload), State::Passed);
+        QCOMPARE(othersOf(upload), 1);
         QCOMPARE(contentOf(there(QStringLiteral("show"))), source);
         // A move brings it back, and leaves nothing but what it does not know of.
         write(there(QStringLiteral("show/sub [1]/notes.txt")), "kept");
         QDir(disk(QStringLiteral("show"))).removeRecursively();
         own();
         QVERIFY(knows(at(QStringLiteral("/show"))));
-        QCOMPARE(end(m_queue->move(m_server.get(), at(QStringLiteral("/show")), local(), m_disk->path())),
-                 State::Passed);
+        const OperationPtr move =
+            m_queue->move(m_server.get(), at(QStringLiteral("/show")), local(), m_disk->path());
+        QCOMPARE(end(move), State::Passed);
+        QCOMPARE(othersOf(move), 1);
         QCOMPARE(contentOf(disk(QStringLiteral("show"))), source);
         QCOMPARE(contentOf(there({})).keys(),
                  (QStringList{QStringLiteral("show/"), QStringLiteral("show/sub [1]/"),
