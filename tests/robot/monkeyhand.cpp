@@ -324,8 +324,12 @@ bool MonkeyHand::calm()
                  {isNamed ? "objectName" : "className", service[isNamed ? "objectName" : "className"]}});
             continue;
         }
-        if (!dialog.isEmpty())
+        // A platform without a window manager does not make the one active that it believes to be so: by way
+        // of another one it does.
+        if (!dialog.isEmpty()) {
+            ask({{"operation", "raise"}, {"objectName", "MainWindow"}});
             ask({{"operation", "raise"}, {"objectName", dialog["objectName"]}});
+        }
         key(QStringLiteral("Esc"));
     }
     return false;
