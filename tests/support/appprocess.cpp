@@ -62,6 +62,12 @@ QString AppProcess::outputFile() const
     return m_home.filePath(QStringLiteral("output.txt"));
 }
 
+QString AppProcess::declarativeComplaint() const
+{
+    static const QRegularExpression complaint(QStringLiteral("qrc:/\\S+\\.qml:\\d+.*"));
+    return complaint.match(output()).captured();
+}
+
 QString AppProcess::output() const
 {
     QFile file(outputFile());
