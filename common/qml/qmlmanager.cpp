@@ -9,6 +9,7 @@
 #include "common/qml/dialogfactory.h"
 #include "common/qml/fontsizes.h"
 #include "common/qml/iconprovider.h"
+#include "common/qml/mediaenums.h"
 #include "common/qml/qmlthumbnailprovider.h"
 #include "common/qml/selectionmodel.h"
 #include "common/qml/tooltips.h"
@@ -34,6 +35,7 @@ void registerTypes()
     const auto onlyEnums = QStringLiteral("Error: only enums");
     qmlRegisterType<colors::ColorHelper>("Tessen.Utils", 1, 0, "ColorHelper");
     qmlRegisterUncreatableMetaObject(colors::staticMetaObject, "Tessen.Utils", 1, 0, "Vantrel", onlyEnums);
+    qmlRegisterUncreatableMetaObject(media::staticMetaObject, "Tessen.Utils", 1, 0, "Media", onlyEnums);
     qmlRegisterUncreatableType<ZTDialog>("Tessen.Models", 1, 0, "ZTWidgetDialog", uncreatable);
     qmlRegisterType<SelectionModel>("Tessen.Models", 1, 0, "ZTSelectionModel");
     qmlRegisterUncreatableType<NotificationManager>("Tessen", 1, 0, "NotificationManager", uncreatable);

@@ -50,6 +50,7 @@ QHash<int, QByteArray> CollectionSelectorModel::roleNames() const
     QHash<int, QByteArray> names = CollectionModel::roleNames();
     names.insert(DisplayTextRole, "displayText");
     names.insert(EditTextRole, "editText");
+    names.insert(CollectionNumberRole, "collectionNumber");
     return names;
 }
 

@@ -22,4 +22,22 @@ void SortedCollectionSelectorModel::setSelectedCollectionIndex(int collectionInd
     m_model->setSelectedCollectionIndex(collectionIndex);
 }
 
+int SortedCollectionSelectorModel::selectedCollectionIndex() const
+{
+    return m_model->selectedCollectionIndex();
+}
+
+int SortedCollectionSelectorModel::selectedRow() const
+{
+    const int selected = m_model->selectedCollectionIndex();
+    const int row = selected < 0 ? -1 : m_model->getRowForCollectionIndex(static_cast<uint>(selected));
+    return row < 0 ? -1 : mapFromSource(m_model->index(row, 0)).row();
+}
+
+int SortedCollectionSelectorModel::numberAt(int row) const
+{
+    const QVariant number = index(row, 0).data(CollectionSelectorModel::CollectionNumberRole);
+    return number.isValid() ? number.toInt() : -1;
+}
+
 } // namespace vantrel

@@ -1,5 +1,7 @@
 #include "common/ui/shell/mainwindow.h"
 
+#include "common/media/library/medialibraryprovider.h"
+#include "common/media/library/playlistprovider.h"
 #include "common/notification/notificationmanagerimpl.h"
 #include "common/outputs/outputview.h"
 #include "common/player/linkbanner.h"
@@ -37,6 +39,8 @@
 #include "common/ui/toolkit/stackedtabwidget.h"
 #include "common/ui/toolkit/uncovered.h"
 #include "common/views/files/filesview.h"
+#include "common/views/media/mediaview.h"
+#include "common/views/mediapanelwidget.h"
 
 #include <QApplication>
 #include <QDialog>
@@ -233,14 +237,22 @@ void MainWindow::initFileView()
 void MainWindow::initMediaView()
 {
     const QString icon = QStringLiteral(":/icons/media.svg");
+    MediaView::Sources sources;
+    sources.library = m_session->mediaLibraryModel();
+    sources.provider = m_session->mediaLibraryProvider();
+    sources.playlists = m_session->playlistProvider();
+    sources.session = m_session;
     addView(MediaTab, tr("MEDIA"), icon, QStringLiteral("MainNavigationBar-media-button"),
-            new PlaceholderView(icon, tr("Editing of collections is not part of this version yet."), m_tabs));
+            new MediaView(sources, m_tabs));
 }
 
 void MainWindow::initPlayerView()
 {
     auto* view = new PlayerPlaybackView(m_session, m_tabs);
     view->setModel(m_session->objectTreeModel()->index(QStringLiteral("/device/channels")));
+    view->mediaPanel()->setCollectionsEditable(true);
+    connect(view->mediaPanel(), &MediaPanelWidget::collectionEditRequested, this,
+            &MainWindow::handleCollectionEditRequested);
     // With large text two channels can need more width than the screen has.
     auto* area = new QScrollArea(m_tabs);
     area->setObjectName(QStringLiteral("PlayerTab-scroll-area"));
@@ -250,6 +262,17 @@ void MainWindow::initPlayerView()
     area->setWidget(view);
     addView(PlayerTab, tr("PLAYER"), QStringLiteral(":/icons/mc_play.svg"),
             QStringLiteral("MainNavigationBar-player-button"), area);
+}
+
+void MainWindow::handleCollectionEditRequested(int collection)
+{
+    auto* view = qobject_cast<MediaView*>(m_tabs->widget(MediaTab));
+    if (!view) {
+        qWarning("Failed to find media view page");
+        return;
+    }
+    view->selectCollection(collection);
+    m_navigationBar->setActiveTab(MediaTab);
 }
 
 void MainWindow::initConnection()

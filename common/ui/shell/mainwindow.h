@@ -55,6 +55,8 @@ public:
 public Q_SLOTS:
     void showConnectDialogImmediate();
     void handleConnectRequest();
+    /// Shows the collection in the MEDIA tab.
+    void handleCollectionEditRequested(int collection);
     void handleDisconnectRequest();
     void onConnecting(const QString& address);
     void onConnected();

@@ -31,6 +31,7 @@ QtObject {
     readonly property color focus: colorHelper.color(Vantrel.Zt_blue_lighter)
     readonly property color good: colorHelper.color(Vantrel.Zt_green_lighter)
     readonly property color bad: colorHelper.color(Vantrel.Red_error)
+    readonly property color program: colorHelper.color(Vantrel.Zt_red)
     readonly property color notice: colorHelper.color(Vantrel.Zt_spot_color)
 
     readonly property int tight: 4

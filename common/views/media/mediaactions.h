@@ -1,0 +1,87 @@
+#pragma once
+
+#include <QObject>
+#include <QUrl>
+#include <QVariantMap>
+
+#include <memory>
+
+namespace vantrel {
+
+class ImplMediaCollectionManager;
+class MediaLibraryModel;
+class Session;
+class SlotDrops;
+class SlotGridModel;
+
+/// What the MEDIA tab cannot do by itself ("mediaActions"): edits and cues of slots, drags that leave the
+/// view and drops that may come from anywhere, and how far the library is there. The view owns it; main
+/// thread only.
+class MediaActions : public QObject
+{
+    Q_OBJECT
+    Q_PROPERTY(bool isConnected READ isConnected NOTIFY libraryChanged)
+    Q_PROPERTY(bool isEditable READ isEditable NOTIFY libraryChanged)
+    /// What stands between the operator and the library, a sentence; empty for nothing.
+    Q_PROPERTY(QString obstacle READ obstacle NOTIFY libraryChanged)
+    /// Slots as a table or as pictures. Kept in the settings.
+    Q_PROPERTY(bool isTable READ isTable WRITE setIsTable NOTIFY isTableChanged)
+    /// The collection that was chosen last, -1 for none. Kept in the settings.
+    Q_PROPERTY(int lastCollection READ lastCollection WRITE setLastCollection NOTIFY lastCollectionChanged)
+
+public:
+    /// session: null where there is no server to ask and nothing to cue. All must outlive this.
+    MediaActions(QWidget* view, SlotGridModel* model, MediaLibraryModel* library, Session* session,
+                 QObject* parent = nullptr);
+    ~MediaActions() override;
+
+    bool isConnected() const { return m_isConnected; }
+    bool isEditable() const { return m_isConnected && m_isRead; }
+    QString obstacle() const;
+    bool isTable() const { return m_isTable; }
+    void setIsTable(bool isTable);
+    int lastCollection() const;
+    void setLastCollection(int collection);
+
+    Q_INVOKABLE void cue(int slot);
+    Q_INVOKABLE bool rename(int slot, const QString& name);
+    Q_INVOKABLE void clear(const QList<int>& slotNumbers);
+    Q_INVOKABLE void connectToServer();
+    /// "cue", "rename" or "delete" for the keys that the operator has given to it; empty for others.
+    Q_INVOKABLE QString actionOf(int key, int modifiers) const;
+    Q_INVOKABLE QString keysOf(const QString& action) const;
+
+    /// Drags slots of the shown collection until they are dropped.
+    Q_INVOKABLE void startDrag(const QList<int>& slotNumbers);
+    /// A drag has come: of our own items (mime) or else of files of this computer (urls). False for others.
+    Q_INVOKABLE bool beginDrop(const QVariantMap& mime, const QList<QUrl>& urls);
+    /// What a drop would do: "isPossible", "first", "last", "overwrites", "text".
+    Q_INVOKABLE QVariantMap aim(int slot);
+    /// The first slot behind that one with room for the drag; 0 is before all.
+    Q_INVOKABLE int roomBehind(int slot);
+    Q_INVOKABLE void drop(int slot);
+    Q_INVOKABLE void endDrop();
+
+Q_SIGNALS:
+    void libraryChanged();
+    void isTableChanged();
+    void lastCollectionChanged();
+
+private:
+    void follow();
+    void readState();
+    void runDrag(const QList<int>& slotNumbers);
+
+    QWidget* m_view;
+    SlotGridModel* m_model;
+    MediaLibraryModel* m_library;
+    Session* m_session;
+    std::unique_ptr<ImplMediaCollectionManager> m_manager;
+    std::unique_ptr<SlotDrops> m_drops;
+    QString m_readingError;
+    bool m_isConnected = false;
+    bool m_isRead = false;
+    bool m_isTable = false;
+};
+
+} // namespace vantrel

@@ -1,0 +1,124 @@
+#include "common/views/media/mediaview.h"
+
+#include "common/media/items/abstractplaylistprovider.h"
+#include "common/media/models/collectionselectormodel.h"
+#include "common/media/models/medialibrarymodel.h"
+#include "common/media/models/sortedcollectionselectormodel.h"
+#include "common/media/models/sortedlibrarymodel.h"
+#include "common/qml/qmlmanager.h"
+#include "common/qml/quickview.h"
+#include "common/ui/style/colors.h"
+#include "common/views/media/mediaactions.h"
+#include "common/views/media/slotgridmodel.h"
+
+#include <QLoggingCategory>
+#include <QQmlContext>
+#include <QQuickItem>
+#include <QVBoxLayout>
+#include <QtQml>
+
+// Its name is looked for outside of all namespaces.
+static void initResources()
+{
+    Q_INIT_RESOURCE(mediaview);
+}
+
+namespace vantrel {
+
+namespace {
+
+Q_LOGGING_CATEGORY(log, "vantrel.qml")
+
+void registerTypes()
+{
+    const auto why = QStringLiteral("Uncreatable");
+    qmlRegisterUncreatableType<CollectionSelectorModel>("Tessen.Models", 1, 0, "CollectionModel", why);
+    qmlRegisterUncreatableType<MediaLibraryModel>("Tessen.Models", 1, 0, "MediaLibraryModel", why);
+    qmlRegisterUncreatableType<SlotGridModel>("Tessen.Models", 1, 0, "SlotGridModel", why);
+}
+
+} // namespace
+
+MediaView::MediaView(const Sources& sources, QWidget* parent)
+    : QWidget(parent)
+    , m_sources(sources)
+{
+    setObjectName(QStringLiteral("MediaTab"));
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+}
+
+MediaView::~MediaView()
+{
+    delete m_view; // before what its objects are
+}
+
+void MediaView::showEvent(QShowEvent* event)
+{
+    QWidget::showEvent(event);
+    if (!m_view)
+        load();
+}
+
+void MediaView::load()
+{
+    static const bool once = (registerTypes(), true);
+    Q_UNUSED(once);
+    initResources();
+    const QUrl file(QStringLiteral("qrc:/MediaView/qml/MediaView.qml"));
+    qCInfo(log) << "Creating view for QML file:" << file;
+    QMLManager::instance()->initialize();
+    m_view = new QuickView(QMLManager::instance()->engine(), this);
+    m_view->setObjectName(QStringLiteral("MediaTab-view"));
+    m_view->setAccessibleName(tr("Media"));
+    m_view->setClearColor(colors::getColor(colors::Slate_grey_900));
+    connect(m_view, &QQuickWidget::sceneGraphError, this, &MediaView::onSceneGraphError);
+    const auto isUsed = [playlists = m_sources.playlists](const MediaAddress& slot) {
+        return playlists && !playlists->slotEntries(slot).isEmpty();
+    };
+    m_collections = new CollectionSelectorModel(m_sources.provider, this);
+    m_slots = new SlotGridModel(m_sources.library, isUsed, this);
+    followPlaylists();
+    QQmlContext* context = m_view->rootContext();
+    context->setContextProperty(QStringLiteral("collectionModel"),
+                                new SortedCollectionSelectorModel(m_collections, this));
+    context->setContextProperty(QStringLiteral("sortedMediaLibraryModel"),
+                                new SortedLibraryModel(m_sources.library, this));
+    context->setContextProperty(QStringLiteral("slotModel"), m_slots);
+    context->setContextProperty(
+        QStringLiteral("mediaActions"),
+        new MediaActions(m_view, m_slots, m_sources.library, m_sources.session, m_view));
+    m_view->setSource(file);
+    layout()->addWidget(m_view);
+    setFocusProxy(m_view);
+    if (m_wanted >= 0)
+        selectCollection(m_wanted);
+}
+
+void MediaView::followPlaylists()
+{
+    const AbstractPlaylistProvider* playlists = m_sources.playlists;
+    if (!playlists)
+        return;
+    connect(playlists, &AbstractPlaylistProvider::reset, m_slots, &SlotGridModel::refreshUse);
+    connect(playlists, &AbstractPlaylistProvider::entryAdded, m_slots, &SlotGridModel::refreshUse);
+    connect(playlists, &AbstractPlaylistProvider::entryChanged, m_slots, &SlotGridModel::refreshUse);
+    connect(playlists, &AbstractPlaylistProvider::entryRemoved, m_slots, &SlotGridModel::refreshUse);
+    connect(playlists, &AbstractPlaylistProvider::playlistRemoved, m_slots, &SlotGridModel::refreshUse);
+}
+
+void MediaView::selectCollection(int collectionNumber)
+{
+    m_wanted = collectionNumber;
+    if (!m_view || !m_view->rootObject())
+        return;
+    m_wanted = -1;
+    QMetaObject::invokeMethod(m_view->rootObject(), "selectCollection", Q_ARG(int, collectionNumber));
+}
+
+void MediaView::onSceneGraphError(QQuickWindow::SceneGraphError error, const QString& message)
+{
+    qCWarning(log) << "QML error:" << error << message;
+}
+
+} // namespace vantrel

@@ -1,0 +1,306 @@
+#include "common/views/media/slotgridmodel.h"
+
+#include "common/media/address/mediafiles.h"
+#include "common/media/models/medialibrarymodel.h"
+
+#include <QElapsedTimer>
+
+#include <algorithm>
+
+namespace vantrel {
+
+namespace {
+
+constexpr int turnMs = 5;
+constexpr int mostRuns = 64; // of rows that come or go: beyond them a view is quicker when it begins anew
+constexpr int looksBetweenClocks = 32;
+
+} // namespace
+
+SlotGridModel::SlotGridModel(MediaLibraryModel* library, IsUsed isUsed, QObject* parent)
+    : QAbstractListModel(parent)
+    , m_library(library)
+    , m_isUsed(std::move(isUsed))
+{
+    m_turn.setSingleShot(true);
+    connect(&m_turn, &QTimer::timeout, this, &SlotGridModel::scan);
+    connect(library, &QAbstractItemModel::dataChanged, this, &SlotGridModel::onDataChanged);
+    connect(library, &QAbstractItemModel::rowsInserted, this, &SlotGridModel::refresh);
+    connect(library, &QAbstractItemModel::rowsRemoved, this, &SlotGridModel::refresh);
+    connect(library, &QAbstractItemModel::modelReset, this, &SlotGridModel::refresh);
+}
+
+int SlotGridModel::rowCount(const QModelIndex& parent) const
+{
+    return parent.isValid() ? 0 : count();
+}
+
+QModelIndex SlotGridModel::sourceOf(int slot) const
+{
+    const QModelIndex root = m_library->collectionIndex(m_collection);
+    return root.isValid() ? m_library->index(slot, MediaLibraryModel::NameColumn, root) : QModelIndex();
+}
+
+QVariant SlotGridModel::sourceData(int slot, int role) const
+{
+    return sourceOf(slot).data(role);
+}
+
+QVariant SlotGridModel::data(const QModelIndex& index, int role) const
+{
+    const int slot = slotAt(index.row());
+    if (!index.isValid() || slot < 0)
+        return {};
+    switch (role) {
+    case Qt::DisplayRole:
+    case NameRole:
+        return sourceData(slot, MediaLibraryModel::NameRole).toString();
+    case KeyRole:
+        return QString::number(slot);
+    case SlotRole:
+        return slot;
+    case DurationRole:
+        return sourceData(slot, MediaLibraryModel::DurationRole).toString();
+    case PictureRole: {
+        // Asks for the picture; whoever has none yet has nothing to show.
+        const QVariant picture = m_library->fetchThumbnail(sourceOf(slot));
+        return picture.isValid() ? thumbnailImageUrl(sourceData(slot, MediaLibraryModel::UrlRole).toUrl())
+                                 : QString();
+    }
+    case StateRole:
+        return sourceData(slot, MediaLibraryModel::KnownStateRole).toInt();
+    case KindRole:
+        return sourceData(slot, MediaLibraryModel::KnownTypeRole).toInt();
+    case FaultsRole:
+        return sourceData(slot, MediaLibraryModel::KnownFaultsRole).toStringList().join(u'\n');
+    case PlayableRole:
+        return sourceData(slot, MediaLibraryModel::PlayableRole).toBool();
+    case FileRole:
+        return sourceData(slot, MediaLibraryModel::UrlRole).toUrl().fileName();
+    default:
+        return {};
+    }
+}
+
+QHash<int, QByteArray> SlotGridModel::roleNames() const
+{
+    return {{KeyRole, "key"},         {SlotRole, "slot"},       {NameRole, "name"},
+            {DurationRole, "length"}, {PictureRole, "picture"}, {StateRole, "mediaState"},
+            {KindRole, "kind"},       {FaultsRole, "faults"},   {PlayableRole, "isPlayable"},
+            {FileRole, "file"}};
+}
+
+void SlotGridModel::setCollection(int collection)
+{
+    if (m_collection == collection)
+        return;
+    beginResetModel();
+    m_collection = collection;
+    m_rows.clear();
+    m_total = 0;
+    endResetModel();
+    Q_EMIT collectionChanged();
+    Q_EMIT countChanged();
+    refresh();
+}
+
+void SlotGridModel::setSearchText(const QString& text)
+{
+    const QString trimmed = text.trimmed();
+    if (m_searchText == trimmed)
+        return;
+    m_searchText = trimmed;
+    changeFilter();
+}
+
+void SlotGridModel::setKind(int kind)
+{
+    if (m_kind == kind)
+        return;
+    m_kind = kind;
+    changeFilter();
+}
+
+void SlotGridModel::setUnusableOnly(bool only)
+{
+    if (m_unusableOnly == only)
+        return;
+    m_unusableOnly = only;
+    changeFilter();
+}
+
+void SlotGridModel::setUnusedOnly(bool only)
+{
+    if (m_unusedOnly == only)
+        return;
+    m_unusedOnly = only;
+    changeFilter();
+}
+
+void SlotGridModel::changeFilter()
+{
+    Q_EMIT filterChanged();
+    refresh();
+}
+
+int SlotGridModel::slotAt(int row) const
+{
+    return row >= 0 && row < count() ? m_rows[static_cast<std::size_t>(row)] : -1;
+}
+
+int SlotGridModel::rowOf(int slot) const
+{
+    const auto found = std::lower_bound(m_rows.begin(), m_rows.end(), slot);
+    return found != m_rows.end() && *found == slot ? static_cast<int>(found - m_rows.begin()) : -1;
+}
+
+int SlotGridModel::findRow(const QString& text, int from) const
+{
+    bool isNumber = false;
+    const int number = text.toInt(&isNumber);
+    if (isNumber && rowOf(number) >= 0)
+        return rowOf(number);
+    for (int step = 0; step < count(); ++step) {
+        const int row = (std::max(from, 0) + step) % count();
+        const int slot = slotAt(row);
+        if (isNumber ? QString::number(slot).startsWith(text)
+                     : sourceData(slot, MediaLibraryModel::NameRole)
+                           .toString()
+                           .startsWith(text, Qt::CaseInsensitive))
+            return row;
+    }
+    return -1;
+}
+
+bool SlotGridModel::holdsMedia(int slot) const
+{
+    return !sourceData(slot, MediaLibraryModel::UrlRole).toUrl().isEmpty();
+}
+
+bool SlotGridModel::passes(int slot) const
+{
+    if (m_unusableOnly && sourceData(slot, MediaLibraryModel::PlayableRole).toBool())
+        return false;
+    if (m_kind >= 0 && sourceData(slot, MediaLibraryModel::KnownTypeRole).toInt() != m_kind)
+        return false;
+    if (m_unusedOnly && m_isUsed && m_isUsed({m_collection, slot}))
+        return false;
+    if (m_searchText.isEmpty() || QString::number(slot).startsWith(m_searchText) ||
+        sourceData(slot, MediaLibraryModel::NameRole).toString().contains(m_searchText, Qt::CaseInsensitive))
+        return true;
+    // A lone "4" means no ".mp4": the extension counts only in a text that asks for one.
+    const QString name = sourceData(slot, MediaLibraryModel::UrlRole).toUrl().fileName();
+    const QString file = m_searchText.contains(u'.') ? name : name.section(u'.', 0, -2);
+    return file.contains(m_searchText, Qt::CaseInsensitive);
+}
+
+void SlotGridModel::onDataChanged(const QModelIndex& first, const QModelIndex& last)
+{
+    const QModelIndex root = m_library->collectionIndex(m_collection);
+    if (!root.isValid() || first.parent() != root)
+        return;
+    const auto begin = std::lower_bound(m_rows.begin(), m_rows.end(), first.row());
+    const auto end = std::upper_bound(begin, m_rows.end(), last.row());
+    if (begin != end)
+        Q_EMIT dataChanged(index(static_cast<int>(begin - m_rows.begin())),
+                           index(static_cast<int>(end - m_rows.begin()) - 1));
+    // Thumbnails come one by one, and change nothing else.
+    const int slot = first.row();
+    if (m_turn.isActive() || slot != last.row() ||
+        (rowOf(slot) >= 0) != (slot > 0 && holdsMedia(slot) && passes(slot)))
+        refresh();
+}
+
+void SlotGridModel::refresh()
+{
+    m_next = 1;
+    m_holding = 0;
+    m_found.clear();
+    m_turn.start(0);
+}
+
+void SlotGridModel::refreshUse()
+{
+    if (m_unusedOnly)
+        refresh();
+}
+
+void SlotGridModel::scan()
+{
+    const QModelIndex root = m_library->collectionIndex(m_collection);
+    const int end = root.isValid() ? m_library->rowCount(root) : 0;
+    QElapsedTimer clock;
+    clock.start();
+    while (m_next < end) {
+        const int slot = m_next++;
+        if (holdsMedia(slot)) {
+            ++m_holding;
+            if (passes(slot))
+                m_found.push_back(slot);
+        }
+        if (slot % looksBetweenClocks == 0 && clock.elapsed() >= turnMs) {
+            m_turn.start(0);
+            return;
+        }
+    }
+    take();
+}
+
+void SlotGridModel::take()
+{
+    const bool isOther = m_found != m_rows;
+    if (!isOther && m_total == m_holding)
+        return;
+    m_total = m_holding;
+    if (isOther && !takeByRow()) {
+        beginResetModel();
+        m_rows.swap(m_found);
+        endResetModel();
+    }
+    m_found.clear();
+    Q_EMIT countChanged();
+}
+
+/// False where so many runs of rows come and go that a view had better begin anew.
+bool SlotGridModel::takeByRow()
+{
+    struct Run
+    {
+        std::size_t first;
+        std::size_t count;
+    };
+    const auto runsOf = [](const std::vector<int>& of, const std::vector<int>& without) {
+        std::vector<Run> runs;
+        auto other = without.begin();
+        for (std::size_t row = 0; row < of.size(); ++row) {
+            other = std::lower_bound(other, without.end(), of[row]);
+            if (other != without.end() && *other == of[row])
+                continue;
+            if (!runs.empty() && runs.back().first + runs.back().count == row)
+                ++runs.back().count;
+            else
+                runs.push_back({row, 1});
+        }
+        return runs;
+    };
+    const std::vector<Run> gone = runsOf(m_rows, m_found);
+    const std::vector<Run> added = runsOf(m_found, m_rows);
+    if (gone.size() + added.size() > mostRuns)
+        return false;
+    for (auto run = gone.rbegin(); run != gone.rend(); ++run) {
+        const auto first = m_rows.begin() + static_cast<std::ptrdiff_t>(run->first);
+        beginRemoveRows({}, static_cast<int>(run->first), static_cast<int>(run->first + run->count) - 1);
+        m_rows.erase(first, first + static_cast<std::ptrdiff_t>(run->count));
+        endRemoveRows();
+    }
+    for (const Run& run : added) {
+        const auto from = m_found.begin() + static_cast<std::ptrdiff_t>(run.first);
+        beginInsertRows({}, static_cast<int>(run.first), static_cast<int>(run.first + run.count) - 1);
+        m_rows.insert(m_rows.begin() + static_cast<std::ptrdiff_t>(run.first), from,
+                      from + static_cast<std::ptrdiff_t>(run.count));
+        endInsertRows();
+    }
+    return true;
+}
+
+} // namespace vantrel

@@ -1,0 +1,113 @@
+#pragma once
+
+#include "tarn/media/mediaaddress.h"
+
+#include <QAbstractListModel>
+#include <QTimer>
+
+#include <functional>
+#include <vector>
+
+namespace vantrel {
+
+class MediaLibraryModel;
+
+/// The slots of one collection that hold media and pass the filters, by number, for a declarative view.
+/// Follows the library's model, in turns of a few milliseconds. The view owns it; main thread only.
+class SlotGridModel : public QAbstractListModel
+{
+    Q_OBJECT
+    Q_PROPERTY(int count READ count NOTIFY countChanged)
+    /// How many slots of the collection hold media.
+    Q_PROPERTY(int total READ total NOTIFY countChanged)
+    Q_PROPERTY(int collection READ collection WRITE setCollection NOTIFY collectionChanged)
+    /// A part of a name or of a file's name, case ignored, or the beginning of a slot's number.
+    Q_PROPERTY(QString searchText READ searchText WRITE setSearchText NOTIFY filterChanged)
+    /// Of media; below 0 for all.
+    Q_PROPERTY(int kind READ kind WRITE setKind NOTIFY filterChanged)
+    Q_PROPERTY(bool unusableOnly READ unusableOnly WRITE setUnusableOnly NOTIFY filterChanged)
+    Q_PROPERTY(bool unusedOnly READ unusedOnly WRITE setUnusedOnly NOTIFY filterChanged)
+
+public:
+    enum Roles {
+        KeyRole = 257, // the slot's number as text: what a selection keeps
+        SlotRole = 258,
+        NameRole = 259,
+        DurationRole = 260,
+        PictureRole = 261,
+        StateRole = 262,
+        KindRole = 263,
+        FaultsRole = 264,
+        PlayableRole = 265,
+        FileRole = 266,
+    };
+
+    /// Whether a playlist plays the slot.
+    using IsUsed = std::function<bool(const MediaAddress&)>;
+
+    /// The library must outlive this.
+    explicit SlotGridModel(MediaLibraryModel* library, IsUsed isUsed, QObject* parent = nullptr);
+
+    int rowCount(const QModelIndex& parent = {}) const override;
+    QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
+    QHash<int, QByteArray> roleNames() const override;
+
+    int count() const { return static_cast<int>(m_rows.size()); }
+    int total() const { return m_total; }
+    int collection() const { return m_collection; }
+    void setCollection(int collection);
+    const QString& searchText() const { return m_searchText; }
+    void setSearchText(const QString& text);
+    int kind() const { return m_kind; }
+    void setKind(int kind);
+    bool unusableOnly() const { return m_unusableOnly; }
+    void setUnusableOnly(bool only);
+    bool unusedOnly() const { return m_unusedOnly; }
+    void setUnusedOnly(bool only);
+
+    /// -1 for no such row.
+    Q_INVOKABLE int slotAt(int row) const;
+    /// The row of a slot; -1 where it is not shown.
+    Q_INVOKABLE int rowOf(int slot) const;
+    /// The slot whose number begins with the text, or the next from that row on whose name does; -1 for none.
+    Q_INVOKABLE int findRow(const QString& text, int from) const;
+    /// The row of the library's model, with the name in it; invalid for no such slot.
+    QModelIndex sourceOf(int slot) const;
+
+public Q_SLOTS:
+    /// Looks through the collection again.
+    void refresh();
+    /// What the playlists play has changed.
+    void refreshUse();
+
+Q_SIGNALS:
+    void countChanged();
+    void collectionChanged();
+    void filterChanged();
+
+private:
+    void onDataChanged(const QModelIndex& first, const QModelIndex& last);
+    void scan();
+    void take();
+    bool takeByRow();
+    QVariant sourceData(int slot, int role) const;
+    bool holdsMedia(int slot) const;
+    bool passes(int slot) const;
+    void changeFilter();
+
+    MediaLibraryModel* m_library;
+    IsUsed m_isUsed;
+    std::vector<int> m_rows; // the numbers of the slots, ascending
+    std::vector<int> m_found;
+    QTimer m_turn;
+    int m_next = 0; // the slot at which the look goes on
+    int m_holding = 0;
+    int m_total = 0;
+    int m_collection = -1;
+    QString m_searchText;
+    int m_kind = -1;
+    bool m_unusableOnly = false;
+    bool m_unusedOnly = false;
+};
+
+} // namespace vantrel

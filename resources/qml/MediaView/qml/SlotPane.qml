@@ -1,0 +1,260 @@
+import QtQuick
+import QtQuick.Templates as T
+import Tessen.Models 1.0
+import ZTCommon 1.0
+
+// The slots of the chosen collection as pictures or as a table, and what is done with them.
+FocusScope {
+    id: pane
+
+    property var tools: null
+    property alias selection: selection
+    readonly property bool hasKeys: grid.activeFocus
+    readonly property bool isTable: mediaActions.isTable
+    readonly property bool isFiltered: slotModel.searchText !== "" || slotModel.kind >= 0 || slotModel.unusableOnly
+                                       || slotModel.unusedOnly
+    readonly property string title: slotModel.collection < 0 ? qsTr("Slots")
+                                  : selection.selectedCount > 1
+                                    ? qsTr("%1 of %2 slots selected").arg(selection.selectedCount).arg(slotModel.count)
+                                  : isFiltered ? qsTr("%1 of %2 slots").arg(slotModel.count).arg(slotModel.total)
+                                               : qsTr("%n slots", "", slotModel.total)
+    readonly property int columns: isTable ? 1 : Math.max(1, Math.floor(grid.room / Theme.scaled(184)))
+    property int renamingSlot: -1
+    // While a drag is over the slots: the one it points at, and what a drop there would do.
+    property int target: -1
+    property var aimed: null
+
+    function takeFocus() { grid.forceActiveFocus() }
+    function selectedSlots() { return selection.rows().map(row => slotModel.slotAt(row)) }
+    function cueCurrent() {
+        if (selection.currentRow >= 0)
+            mediaActions.cue(slotModel.slotAt(selection.currentRow))
+    }
+    function startRename() {
+        if (mediaActions.isEditable && selection.currentRow >= 0)
+            renamingSlot = slotModel.slotAt(selection.currentRow)
+    }
+    function finishRename(name) {
+        const slot = renamingSlot
+        if (slot < 0)
+            return
+        renamingSlot = -1
+        takeFocus()
+        if (name.trim().length > 0)
+            mediaActions.rename(slot, name)
+    }
+    function clearSelected() { mediaActions.clear(selectedSlots()) }
+    function step(to, modifiers) {
+        if (slotModel.count === 0)
+            return
+        const row = Math.max(0, Math.min(slotModel.count - 1, to))
+        if ((modifiers & Qt.ControlModifier) && !(modifiers & Qt.ShiftModifier))
+            selection.moveTo(row)
+        else
+            selection.pick(row, modifiers & Qt.ShiftModifier)
+        grid.positionViewAtIndex(row, GridView.Contain)
+    }
+    function openMenu(at) {
+        menu.active = true
+        menu.item.popup(at.x, at.y)
+    }
+
+    ZTSelectionModel {
+        id: selection
+
+        rowModel: slotModel
+    }
+    Connections {
+        target: slotModel
+
+        function onCollectionChanged() {
+            pane.renamingSlot = -1
+            selection.clear()
+            grid.positionViewAtBeginning()
+        }
+    }
+    Timer {
+        id: typed
+
+        property string text
+
+        interval: 1000
+        onTriggered: text = ""
+    }
+    GridView {
+        id: grid
+
+        readonly property int room: width - fontSizes.bar
+
+        objectName: "media-slots-grid"
+        anchors.fill: parent
+        anchors.leftMargin: Theme.tight
+        opacity: mediaActions.isConnected ? 1 : 0.4
+        focus: true
+        activeFocusOnTab: true
+        clip: true
+        boundsBehavior: Flickable.StopAtBounds
+        keyNavigationEnabled: false
+        highlightFollowsCurrentItem: false
+        currentIndex: -1
+        pixelAligned: true
+        T.ScrollBar.vertical: ZTScrollBar {}
+        cellWidth: pane.isTable ? width : Math.floor(room / pane.columns)
+        cellHeight: pane.isTable ? Math.max(Theme.rowHeight, Theme.scaled(36))
+                                 : Math.round((cellWidth - 4 * Theme.tight) * 9 / 16) + 2 * Theme.rowHeight + Theme.normal
+        model: slotModel
+        delegate: SlotItem { pane: grid.parent }
+        Accessible.role: Accessible.List
+        Accessible.name: qsTr("Slots")
+        onActiveFocusChanged: if (activeFocus && selection.currentRow < 0 && count > 0) selection.moveTo(0)
+        Keys.onShortcutOverride: (event) => event.accepted = keys.isOurs(event)
+        Keys.onPressed: (event) => event.accepted = keys.press(event)
+
+        SlotKeys {
+            id: keys
+
+            pane: grid.parent
+            grid: grid
+            typed: typed
+        }
+    }
+    MouseArea {
+        // The empty part of the view; the view itself would keep a press there.
+        parent: grid.contentItem
+        width: grid.width
+        height: Math.max(grid.height, grid.contentHeight)
+        z: -1
+        onPressed: {
+            pane.takeFocus()
+            selection.clearSelection()
+        }
+    }
+    DropArea {
+        id: drops
+
+        anchors.fill: parent
+
+        // On a slot that one; below all of them, behind the last.
+        function slotUnder(drop) {
+            const row = grid.indexAt(drop.x - grid.x, drop.y + grid.contentY)
+            return row >= 0 ? slotModel.slotAt(row) : mediaActions.roomBehind(slotModel.slotAt(slotModel.count - 1))
+        }
+        onEntered: (drag) => {
+            const mime = {}
+            for (const format of ["application/type", "application/category", "application/json"]) {
+                if (drag.formats.indexOf(format) >= 0)
+                    mime[format] = drag.getDataAsString(format)
+            }
+            drag.accepted = mediaActions.beginDrop(mime, drag.hasUrls ? drag.urls : [])
+        }
+        onPositionChanged: (drag) => {
+            pane.target = slotUnder(drag)
+            pane.aimed = mediaActions.aim(pane.target)
+            drag.accept(Qt.CopyAction)
+        }
+        onExited: {
+            pane.target = -1
+            pane.aimed = null
+            mediaActions.endDrop()
+        }
+        onDropped: (drop) => {
+            // A copy to the drag: what goes, goes when the server says so.
+            drop.accept(Qt.CopyAction)
+            mediaActions.drop(slotUnder(drop))
+            pane.target = -1
+            pane.aimed = null
+            mediaActions.endDrop()
+        }
+    }
+    Rectangle {
+        objectName: "media-slots-forecast"
+        anchors { left: parent.left; right: parent.right; bottom: parent.bottom; margins: Theme.tight }
+        height: forecast.implicitHeight + 2 * Theme.normal
+        visible: pane.aimed !== null
+        color: Theme.background
+        radius: Theme.radius
+        border.width: 1
+        border.color: pane.aimed !== null && (!pane.aimed.isPossible || pane.aimed.overwrites) ? Theme.bad : Theme.accent
+
+        ZTLabel {
+            id: forecast
+
+            anchors { left: parent.left; right: parent.right; verticalCenter: parent.verticalCenter; margins: Theme.normal }
+            text: pane.aimed !== null ? pane.aimed.text : ""
+            color: Theme.strong
+            wrapMode: Text.WordWrap
+        }
+    }
+    Column {
+        anchors.centerIn: parent
+        width: Math.min(parent.width - 2 * Theme.loose, Theme.scaled(380))
+        spacing: Theme.loose
+        visible: slotModel.count === 0 && !drops.containsDrag
+
+        ZTEmptyState {
+            width: parent.width
+            iconName: slotModel.collection < 0 ? (mediaActions.isConnected ? "media" : "unlinked")
+                    : slotModel.total > 0 ? "search" : "import"
+            title: slotModel.collection < 0 ? (mediaActions.obstacle !== "" ? "" : qsTr("No collection"))
+                 : slotModel.total > 0 ? qsTr("No slot matches") : qsTr("This collection is empty")
+            text: slotModel.collection < 0 ? (mediaActions.obstacle !== "" ? mediaActions.obstacle
+                                                                           : qsTr("Add one with the + button on the left."))
+                : slotModel.total > 0 ? qsTr("%1 slots are left out by the search or the filters.").arg(slotModel.total)
+                                      : qsTr("Drop files, folders or slots here.")
+        }
+        ZTButton {
+            objectName: "media-slots-show-all-button"
+            anchors.horizontalCenter: parent.horizontalCenter
+            visible: slotModel.collection >= 0 && slotModel.total > 0
+            text: qsTr("Show all slots")
+            tip: qsTr("Takes the search and the filters away")
+            onClicked: pane.tools.clearAll()
+        }
+        ZTButton {
+            objectName: "media-slots-connect-button"
+            anchors.horizontalCenter: parent.horizontalCenter
+            visible: slotModel.collection < 0 && !mediaActions.isConnected
+            kind: "accent"
+            iconName: "linked"
+            text: qsTr("Connect to server")
+            tip: qsTr("Choose a server to connect to")
+            onClicked: mediaActions.connectToServer()
+        }
+    }
+    Loader {
+        id: menu
+
+        active: false
+        sourceComponent: ZTMenu {
+            objectName: "media-slots-menu"
+            parent: pane
+            onClosed: if (pane.renamingSlot < 0) pane.takeFocus()
+
+            ZTMenuItem {
+                objectName: "media-slots-menu-cue"
+                text: qsTr("Play on preview")
+                iconName: "mc_play"
+                keys: mediaActions.keysOf("cue")
+                enabled: mediaActions.isConnected
+                onTriggered: pane.cueCurrent()
+            }
+            ZTMenuSeparator {}
+            ZTMenuItem {
+                objectName: "media-slots-menu-rename"
+                text: qsTr("Rename")
+                iconName: "edit"
+                keys: mediaActions.keysOf("rename")
+                enabled: mediaActions.isEditable
+                onTriggered: Qt.callLater(pane.startRename) // once the menu has given the keys back
+            }
+            ZTMenuItem {
+                objectName: "media-slots-menu-clear"
+                text: qsTr("Clear")
+                iconName: "trash"
+                keys: mediaActions.keysOf("delete")
+                enabled: mediaActions.isEditable
+                onTriggered: pane.clearSelected()
+            }
+        }
+    }
+}

@@ -1,0 +1,205 @@
+#include "common/qml/qmlmanager.h"
+#include "common/session/settings/configuration.h"
+#include "common/ui/style/stylesheet.h"
+#include "common/views/media/mediaview.h"
+#include "common/views/media/slotgridmodel.h"
+#include "tests/common/ui/testsettings.h"
+#include "tests/support/librarymaker.h"
+#include "tests/support/mediamirror.h"
+#include "tests/support/testmain.h"
+
+#include <QAbstractItemModelTester>
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QQmlContext>
+#include <QQuickItem>
+#include <QQuickWidget>
+#include <QTest>
+
+using namespace vantrel;
+using namespace vantrel::test;
+
+class TestMediaView : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase() { StyleSheet::apply(*qApp); }
+    void cleanupTestCase()
+    {
+        QMLManager::instance()->deinitialize();
+        qApp->setStyleSheet({});
+    }
+
+    /// Edits come and go row by row, whatever the filters let through.
+    void rowsFollowTheLibrary()
+    {
+        MediaMirror mirror(makeLibrary(2, 6));
+        const auto isUsed = [](const MediaAddress& slot) { return slot.slot % 2 == 0; };
+        SlotGridModel model(&mirror.model, isUsed);
+        const QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::Fatal);
+        model.setCollection(1);
+        QTRY_COMPARE(shown(model), QStringLiteral("1 2 3 4 5 6"));
+        const QPersistentModelIndex last = model.index(5);
+        mirror.edit([](MediaLibrary& library) {
+            library.getCollection(1)->removeMediaSlot(2);
+            library.getCollection(1)->removeMediaSlot(5);
+        });
+        QTRY_COMPARE(shown(model), QStringLiteral("1 3 4 6"));
+        QCOMPARE(last.row(), 3);
+        model.setUnusedOnly(true);
+        QTRY_COMPARE(shown(model), QStringLiteral("1 3"));
+        QCOMPARE(model.total(), 4);
+        model.setUnusedOnly(false);
+        model.setSearchText(QStringLiteral("4"));
+        QTRY_VERIFY(shown(model).contains(u'4') && !shown(model).contains(u'6'));
+        model.setSearchText({});
+        QTRY_COMPARE(model.count(), 4);
+        model.setCollection(7); // there is none
+        QTRY_COMPARE(model.count(), 0);
+    }
+
+    /// No turn of a look through many slots keeps the window waiting.
+    void manySlotsAreLookedThroughInTurns()
+    {
+        MediaMirror mirror(makeLibrary(1, MediaCollection::slotIndexMax));
+        SlotGridModel model(&mirror.model, {});
+        model.setCollection(1);
+        qint64 longest = 0;
+        QElapsedTimer whole;
+        whole.start();
+        while (model.count() == 0 && whole.elapsed() < 20000) {
+            QElapsedTimer turn;
+            turn.start();
+            QCoreApplication::processEvents(QEventLoop::AllEvents, 0);
+            longest = std::max(longest, turn.elapsed());
+        }
+        qInfo("all slots stand after %lld ms, the longest turn took %lld ms",
+              static_cast<long long>(whole.elapsed()), static_cast<long long>(longest));
+        QCOMPARE(model.count(), MediaCollection::slotIndexMax);
+        QVERIFY(longest < 16 * slowness);
+    }
+
+    void keysAndFiltersDoWhatTheySay()
+    {
+        MediaMirror mirror(makeLibrary(3, 40));
+        MediaView view({.library = &mirror.model, .provider = &mirror.provider});
+        view.selectCollection(2); // before it is shown
+        view.resize(1268, 600);
+        view.show();
+        QVERIFY(QTest::qWaitForWindowActive(&view));
+        QCOMPARE(view.quickWidget()->status(), QQuickWidget::Ready);
+        auto* model = qobject_cast<SlotGridModel*>(view.quickWidget()
+                                                       ->rootContext()
+                                                       ->contextProperty(QStringLiteral("slotModel"))
+                                                       .value<QObject*>());
+        QCOMPARE(model->collection(), 2);
+        QTRY_COMPARE(model->count(), 40);
+        QQuickItem* pane = item(view, "media-slots");
+        item(view, "media-slots-grid")->forceActiveFocus();
+        const auto chosen = [pane] {
+            QVariant list;
+            QMetaObject::invokeMethod(pane, "selectedSlots", Q_RETURN_ARG(QVariant, list));
+            QStringList numbers;
+            for (const QVariant& number : list.toList())
+                numbers.append(number.toString());
+            return numbers.join(u' ');
+        };
+        const auto key = [&view](Qt::Key pressed, Qt::KeyboardModifiers held = Qt::NoModifier) {
+            QTest::keyClick(view.quickWidget(), pressed, held);
+        };
+        key(Qt::Key_Home);
+        key(Qt::Key_Right, Qt::ShiftModifier);
+        QCOMPARE(chosen(), QStringLiteral("1 2"));
+        const int columns = pane->property("columns").toInt();
+        QVERIFY(columns > 2);
+        key(Qt::Key_Home);
+        key(Qt::Key_Down);
+        QCOMPARE(chosen(), QString::number(1 + columns));
+        key(Qt::Key_3);
+        key(Qt::Key_3);
+        QCOMPARE(chosen(), QStringLiteral("33"));
+        key(Qt::Key_A, Qt::ControlModifier);
+        QCOMPARE(chosen().count(u' '), 39);
+        key(Qt::Key_F, Qt::ControlModifier);
+        QTest::keyClicks(view.quickWidget(), QStringLiteral("no such name"));
+        QTRY_COMPARE(model->count(), 0);
+        QVERIFY(item(view, "media-slots-show-all-button")->isVisible());
+        key(Qt::Key_Escape);
+        QTRY_COMPARE(model->count(), 40);
+    }
+
+    /// Nothing is wider than what holds it.
+    void layoutHolds()
+    {
+        MediaMirror mirror(makeLibrary(3, 40));
+        MediaView view({.library = &mirror.model, .provider = &mirror.provider});
+        view.resize(1268, 600);
+        view.show();
+        QVERIFY(QTest::qWaitForWindowActive(&view));
+        QQuickItem* root = view.quickWidget()->rootObject();
+        for (int text = 0; text < 4; ++text) {
+            m_settings->setValue(TEXT_SIZE, QVariant::fromValue(static_cast<FontSize>(text)));
+            for (const QSize size : {QSize(1268, 600), QSize(948, 430), QSize(1900, 960)}) {
+                for (const bool isTable : {false, true}) {
+                    QObject* actions = view.quickWidget()
+                                           ->rootContext()
+                                           ->contextProperty(QStringLiteral("mediaActions"))
+                                           .value<QObject*>();
+                    actions->setProperty("isTable", isTable);
+                    view.resize(size);
+                    QTRY_COMPARE(root->width(), qreal(size.width()));
+                    const auto fits = [&view] {
+                        for (QQuickItem* tool :
+                             {item(view, "media-slots-search"), item(view, "media-slots-table-button"),
+                              item(view, "media-slot1")}) {
+                            const QQuickItem* panel = item(view, "media-slots-panel");
+                            const QRectF box = tool->mapRectToItem(panel, tool->boundingRect());
+                            if (tool->width() <= 0 || box.left() < 0 || box.right() > panel->width())
+                                return false;
+                        }
+                        return true;
+                    };
+                    QTRY_VERIFY(item(view, "media-slot1") && fits());
+                    const QByteArray folder = qgetenv("HALCYRA_PICTURES");
+                    if (!folder.isEmpty())
+                        view.quickWidget()->grabFramebuffer().save(
+                            QStringLiteral("%1/media-%2-%3-%4.png")
+                                .arg(QString::fromLocal8Bit(folder))
+                                .arg(text)
+                                .arg(size.width())
+                                .arg(isTable ? QStringLiteral("table") : QStringLiteral("grid")));
+                }
+            }
+        }
+    }
+
+private:
+    static QString shown(const SlotGridModel& model)
+    {
+        QStringList numbers;
+        for (int row = 0; row < model.count(); ++row)
+            numbers.append(model.index(row).data(SlotGridModel::KeyRole).toString());
+        return numbers.join(u' ');
+    }
+    static QQuickItem* find(QQuickItem* from, const QString& name)
+    {
+        if (from->objectName() == name)
+            return from;
+        for (QQuickItem* child : from->childItems()) {
+            if (QQuickItem* found = find(child, name))
+                return found;
+        }
+        return nullptr;
+    }
+    static QQuickItem* item(const MediaView& view, const char* name)
+    {
+        return find(view.quickWidget()->rootObject(), QString::fromLatin1(name));
+    }
+
+    TestSettings m_settings;
+};
+
+HALCYRA_TEST(TestMediaView)
+
+#include "test_mediaview.moc"
