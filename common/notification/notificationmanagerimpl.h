@@ -8,7 +8,9 @@ namespace vantrel {
 
 class NotificationManagerImplPrivate;
 
-/// The process's one sink of messages to the operator. Every notification stays in its list until clear().
+/// The process's one sink of messages to the operator. A notification stays in its list until clear(), but
+/// for a flood: beyond some hundreds the least grave go, and errors that nobody has accepted are only counted
+/// on. The log has them all.
 class NotificationManagerImpl : public NotificationManager
 {
     Q_OBJECT

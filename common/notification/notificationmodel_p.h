@@ -24,6 +24,7 @@ protected:
     void onNotificationChanged(const NotificationPtr& notification) override;
 
 private:
+    void removeGone(const QList<NotificationPtr>& list);
     void takeRow(const NotificationPtr& notification, qsizetype to);
 
     NotificationModel* m_model;

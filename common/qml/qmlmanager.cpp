@@ -1,5 +1,6 @@
 #include "common/qml/qmlmanager.h"
 
+#include "common/filesystem/model/localhomelocations.h"
 #include "common/media/address/mediastate.h"
 #include "common/notification/notificationmanagerimpl.h"
 #include "common/notification/notificationstatusmodel.h"
@@ -62,6 +63,8 @@ public:
         context->setContextProperty(QStringLiteral("colorHelper"), &colorHelper);
         context->setContextProperty(QStringLiteral("commandCenter"), &commandCenter);
         context->setContextProperty(QStringLiteral("dialogs"), &dialogs);
+        context->setContextProperty(QStringLiteral("homeLocationsPath"),
+                                    LocalHomeLocations::instance()->homePath());
         context->setContextProperty(QStringLiteral("toolTips"), &toolTips);
     }
 
