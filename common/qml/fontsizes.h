@@ -16,6 +16,8 @@ class FontSizes : public QObject
     Q_PROPERTY(int title READ title NOTIFY changed)
     Q_PROPERTY(int pad READ pad NOTIFY changed)
     Q_PROPERTY(int padY READ padY NOTIFY changed)
+    Q_PROPERTY(int pad2 READ pad2 NOTIFY changed)
+    Q_PROPERTY(int check READ check NOTIFY changed)
     Q_PROPERTY(int bar READ bar NOTIFY changed)
     Q_PROPERTY(int icon READ icon NOTIFY changed)
     /// 0 to 3, from Small to Huge.
@@ -29,6 +31,8 @@ public:
     int title() const { return length("title"); }
     int pad() const { return length("pad"); }
     int padY() const { return length("pady"); }
+    int pad2() const { return length("pad2"); }
+    int check() const { return length("check"); }
     int bar() const { return length("bar"); }
     int icon() const;
     int index() const { return static_cast<int>(m_size); }

@@ -173,6 +173,7 @@ Item {
         sourceComponent: ZTTextField {
             objectName: row.browser.objectName + "-rename-field"
             implicitHeight: row.height
+            fill: Theme.background
             text: row.name
             tip: qsTr("The new name; Enter takes it, Esc leaves the old one")
             Accessible.name: qsTr("New name")

@@ -17,8 +17,8 @@ T.Button {
 
     implicitHeight: Theme.barHeight
     implicitWidth: text.length > 0 ? implicitContentWidth + leftPadding + rightPadding : implicitHeight
-    leftPadding: text.length > 0 ? (iconName.length > 0 ? fontSizes.pad + 4 : 12) : 0
-    rightPadding: text.length > 0 ? 12 : 0
+    leftPadding: text.length > 0 ? (iconName.length > 0 ? fontSizes.pad + 4 : 13) : 0
+    rightPadding: text.length > 0 ? 13 : 0
     focusPolicy: Qt.TabFocus
     hoverEnabled: true
     Accessible.role: Accessible.Button
@@ -42,7 +42,8 @@ T.Button {
              : control.hovered ? (control.isFlat ? Theme.hover : Theme.hoverStrong)
              : control.isFlat ? "transparent" : Theme.hover
         border.width: 1
-        border.color: control.visualFocus ? Theme.focus : control.checked ? Theme.accent : "transparent"
+        border.color: control.visualFocus ? Theme.focus : control.checked ? Theme.accent
+                    : control.enabled && !control.isFlat && !control.isAccent ? Theme.line : "transparent"
     }
     contentItem: Item {
         implicitWidth: content.implicitWidth

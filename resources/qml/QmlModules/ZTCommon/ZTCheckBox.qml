@@ -8,8 +8,8 @@ T.CheckBox {
 
     implicitWidth: implicitContentWidth + leftPadding + rightPadding
     implicitHeight: Theme.barHeight
-    leftPadding: fontSizes.body + 2 + Theme.normal
-    rightPadding: Theme.tight
+    leftPadding: 3 + fontSizes.check + 2 + Theme.normal
+    rightPadding: 3
     focusPolicy: Qt.TabFocus
     hoverEnabled: true
     Accessible.name: text
@@ -23,9 +23,9 @@ T.CheckBox {
         border.color: control.visualFocus ? Theme.focus : "transparent"
     }
     indicator: Rectangle {
-        x: 2
+        x: 3
         anchors.verticalCenter: parent.verticalCenter
-        width: fontSizes.body + 2
+        width: fontSizes.check + 2
         height: width
         radius: 3
         color: control.checked ? Theme.accent : Theme.field

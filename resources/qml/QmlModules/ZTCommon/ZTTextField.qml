@@ -5,15 +5,17 @@ T.TextField {
     id: control
 
     property string tip
+    // Over the row of a list it hides what stands there.
+    property color fill: enabled ? Theme.field : "transparent"
 
     implicitHeight: Theme.barHeight
     implicitWidth: 200
-    leftPadding: fontSizes.pad + 2
-    rightPadding: fontSizes.pad + 2
+    leftPadding: fontSizes.pad2 + 3
+    rightPadding: fontSizes.pad2 + 3
     color: enabled ? Theme.strong : Theme.disabled
     selectionColor: Theme.accent
     selectedTextColor: Theme.onAccent
-    placeholderTextColor: Theme.faint
+    placeholderTextColor: Theme.dim
     font.family: Qt.application.font.family // the platform has another one for fields
     font.pixelSize: fontSizes.body
     verticalAlignment: TextInput.AlignVCenter
@@ -22,10 +24,17 @@ T.TextField {
     Accessible.description: tip
     onHoveredChanged: hovered ? toolTips.show(control, tip) : toolTips.hide(control)
 
+    ZTLabel {
+        anchors { fill: parent; leftMargin: control.leftPadding; rightMargin: control.rightPadding }
+        text: control.placeholderText
+        color: control.placeholderTextColor
+        visible: control.text.length === 0 && control.preeditText.length === 0
+        Accessible.ignored: true
+    }
     background: Rectangle {
         radius: Theme.radius
-        color: Theme.background
+        color: control.fill
         border.width: 1
-        border.color: control.activeFocus ? Theme.accent : control.hovered ? Theme.fieldEdge : Theme.hoverStrong
+        border.color: !control.enabled ? Theme.line : control.activeFocus ? Theme.accent : control.hovered ? Theme.fieldEdge : Theme.hoverStrong
     }
 }
