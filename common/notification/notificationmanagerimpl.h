@@ -8,9 +8,9 @@ namespace vantrel {
 
 class NotificationManagerImplPrivate;
 
-/// The process's one sink of messages to the operator. Its list keeps mostKept of them: of those that were
-/// accepted, then of the mildest, the oldest leave. Where nothing but errors that nobody has accepted is left
-/// to leave, one more error says how many did.
+/// The process's one sink of messages to the operator. A notification stays in its list until clear(), but
+/// for a flood: beyond some hundreds the least grave go, and errors that nobody has accepted are only counted
+/// on. The log has them all.
 class NotificationManagerImpl : public NotificationManager
 {
     Q_OBJECT

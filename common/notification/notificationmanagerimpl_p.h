@@ -2,6 +2,8 @@
 
 #include "common/notification/notificationmanagerimpl.h"
 
+#include <array>
+
 namespace vantrel {
 
 /// The list behind NotificationManagerImpl, and the eye on each notification in it.
@@ -15,8 +17,15 @@ public:
     {
     }
 
-    void add(const QSharedPointer<Notification>& notification);
+    void observeNotification(const QSharedPointer<Notification>& notification);
+    void append(const QSharedPointer<Notification>& notification);
     void forgetAll();
+    bool isFull() const { return list.size() >= mostHeld; }
+    /// A quarter goes where there is that much: what was accepted, then what is least grave, the oldest
+    /// first. An error that nobody has accepted stays.
+    void makeRoom();
+    /// That so many of a type are not listed is told by one that counts them until somebody accepts it.
+    void leaveOut(Notification::MessageType type, int number);
     /// That says the same and that nobody has accepted yet; null for none.
     QSharedPointer<Notification> findWaiting(Notification::MessageType type, const QString& title,
                                              const QString& details) const;
@@ -24,14 +33,18 @@ public:
     QList<QSharedPointer<Notification>> list;
 
 private:
-    void observeNotification(const QSharedPointer<Notification>& notification);
-    void makeRoom();
-    qsizetype leastMissed() const;
-    void countLeftOut(int errors);
+    struct LeftOut
+    {
+        QSharedPointer<Notification> told;
+        int number = 0;
+    };
+
+    static constexpr qsizetype mostHeld = 500; // beside those that tell what is left out
+
+    bool mayGo(const Notification& notification) const;
 
     NotificationManagerImpl* m_manager;
-    QSharedPointer<Notification> m_leftOut; // tells of errors that nobody has seen
-    int m_leftOutCount = 0;
+    std::array<LeftOut, 4> m_leftOut; // by type
 };
 
 } // namespace vantrel

@@ -5,6 +5,7 @@
 
 #include <QSet>
 
+#include <algorithm>
 #include <array>
 
 namespace vantrel {
@@ -109,6 +110,8 @@ QVariant NotificationModel::data(const QModelIndex& index, int role) const
 
 QVariant NotificationModel::headerData(int section, Qt::Orientation orientation, int role) const
 {
+    if (role > Qt::UserRole)
+        qCWarning(lcNotification) << "Unexpected role" << role << "on row" << section;
     if (orientation != Qt::Horizontal || role != Qt::DisplayRole || section < 0 ||
         section >= static_cast<int>(columns.size()))
         return QAbstractListModel::headerData(section, orientation, role);
@@ -130,10 +133,11 @@ void NotificationModelPrivate::onNotificationsChanged()
     updateModel(notifications());
 }
 
-/// Position by position. Rows that are gone go first: what stands behind them has not moved.
+/// Position by position, once what is gone is out of the way: each that stays would have to move up
+/// otherwise.
 void NotificationModelPrivate::updateModel(const QList<NotificationPtr>& list)
 {
-    QSet<const Notification*> kept;
+    removeGone(list);
     for (qsizetype at = 0; at < list.size(); ++at) {
         while (at < m_rows.size() && m_rows.at(at) != list.at(at)) {
             if (kept.isEmpty()) {
@@ -147,12 +151,27 @@ void NotificationModelPrivate::updateModel(const QList<NotificationPtr>& list)
         if (at >= m_rows.size() || m_rows.at(at) != list.at(at))
             takeRow(list.at(at), at);
     }
-    const qsizetype left = m_rows.size();
-    if (left <= list.size())
-        return;
-    m_model->beginRemoveRows({}, static_cast<int>(list.size()), static_cast<int>(left) - 1);
-    m_rows.resize(list.size());
-    m_model->endRemoveRows();
+}
+
+/// Neighbours in one.
+void NotificationModelPrivate::removeGone(const QList<NotificationPtr>& list)
+{
+    if (m_rows.size() <= list.size() && std::equal(m_rows.cbegin(), m_rows.cend(), list.cbegin()))
+        return; // more was said, as nearly always
+    const QSet<NotificationPtr> stay(list.cbegin(), list.cend());
+    for (qsizetype end = m_rows.size(); end > 0;) {
+        qsizetype from = end;
+        while (from > 0 && !stay.contains(m_rows.at(from - 1)))
+            --from;
+        if (from == end) {
+            --end;
+            continue;
+        }
+        m_model->beginRemoveRows({}, static_cast<int>(from), static_cast<int>(end) - 1);
+        m_rows.remove(from, end - from);
+        m_model->endRemoveRows();
+        end = from;
+    }
 }
 
 void NotificationModelPrivate::removeRow(qsizetype at)

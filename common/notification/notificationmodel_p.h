@@ -24,7 +24,7 @@ protected:
     void onNotificationChanged(const NotificationPtr& notification) override;
 
 private:
-    void removeRow(qsizetype at);
+    void removeGone(const QList<NotificationPtr>& list);
     void takeRow(const NotificationPtr& notification, qsizetype to);
 
     NotificationModel* m_model;

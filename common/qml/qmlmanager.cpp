@@ -65,6 +65,8 @@ public:
         context->setContextProperty(QStringLiteral("colorHelper"), &colorHelper);
         context->setContextProperty(QStringLiteral("commandCenter"), &commandCenter);
         context->setContextProperty(QStringLiteral("dialogs"), &dialogs);
+        context->setContextProperty(QStringLiteral("homeLocationsPath"),
+                                    LocalHomeLocations::instance()->homePath());
         context->setContextProperty(QStringLiteral("toolTips"), &toolTips);
         context->setContextProperty(QStringLiteral("homeLocationsPath"),
                                     LocalHomeLocations::instance()->homePath());
@@ -96,8 +98,8 @@ void QMLManager::initialize()
     qputenv("QT_QUICK_CONTROLS_MATERIAL_THEME", "Dark");
     // With a graphics card the whole window that holds a declarative view would be put together on it, the
     // pictures of both channels among the rest; and there are consoles without one.
-    QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
-    static const bool once = (registerTypes(), true);
+    static const bool once =
+        (QQuickWindow::setGraphicsApi(QSGRendererInterface::Software), registerTypes(), true);
     Q_UNUSED(once);
     d = std::make_unique<QMLManagerPrivate>();
     connect(qApp, &QCoreApplication::aboutToQuit, this, &QMLManager::deinitialize, Qt::UniqueConnection);

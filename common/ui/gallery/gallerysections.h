@@ -23,5 +23,7 @@ QWidget* makeSliders(QWidget* parent);
 QWidget* makeSounds(QWidget* parent);
 QWidget* makeTakes(QWidget* parent);
 QWidget* makeWindows(QWidget* parent);
+/// The controls of declarative views below the widgets that they are to look like.
+QWidget* makeTwins(QWidget* parent);
 
 } // namespace vantrel::gallery

@@ -44,6 +44,7 @@ constexpr std::array sections{
     Section{"Sound", gallery::makeSounds},
     Section{"Take", gallery::makeTakes},
     Section{"Dialogs and menus", gallery::makeWindows},
+    Section{"Declarative views", gallery::makeTwins},
 };
 
 void setTextSize(FontSize size)

@@ -6,6 +6,8 @@
 
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 namespace vantrel {
 
 NotificationDialog::NotificationDialog(NotificationManager* manager, QWidget* parent)
@@ -22,7 +24,10 @@ NotificationDialog::NotificationDialog(NotificationManager* manager, QWidget* pa
         m_list->setMinimumHeight(scaled(280, size));
     });
     connect(this, &ZTDialog::confirmed, this, &NotificationDialog::acceptAll);
-    connect(m_list, &NotificationList::changed, this, &NotificationDialog::refresh);
+    m_refresh.setSingleShot(true);
+    m_refresh.setInterval(0);
+    connect(m_list, &NotificationList::changed, &m_refresh, qOverload<>(&QTimer::start));
+    connect(&m_refresh, &QTimer::timeout, this, &NotificationDialog::refresh);
     refresh();
     m_list->setFocus();
 }
@@ -36,8 +41,12 @@ void NotificationDialog::acceptAll()
 {
     if (!m_manager)
         return;
-    const auto all = m_manager->notifications();
-    for (const QSharedPointer<Notification>& notification : all)
+    auto all = m_manager->notifications();
+    // The gravest last: what is shown over the window changes once and not for each.
+    std::reverse(all.begin(), all.end());
+    std::stable_sort(all.begin(), all.end(),
+                     [](const auto& a, const auto& b) { return a->type() < b->type(); });
+    for (const QSharedPointer<Notification>& notification : std::as_const(all))
         notification->setIsAccepted(true);
 }
 

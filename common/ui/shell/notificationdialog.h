@@ -3,6 +3,7 @@
 #include "common/ui/toolkit/ztdialog.h"
 
 #include <QPointer>
+#include <QTimer>
 
 namespace vantrel {
 
@@ -24,6 +25,7 @@ private:
 
     QPointer<NotificationManager> m_manager;
     NotificationList* m_list;
+    QTimer m_refresh; // once for all that changes in one turn
 };
 
 } // namespace vantrel

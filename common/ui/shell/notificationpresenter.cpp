@@ -45,22 +45,29 @@ NotificationPresenter::NotificationPresenter(NotificationManager* manager, QWidg
     m_stay.setSingleShot(true);
     m_stay.setInterval(6s);
     connect(&m_stay, &QTimer::timeout, this, &NotificationPresenter::leave);
+    m_present.setSingleShot(true);
+    m_present.setInterval(0);
+    connect(&m_present, &QTimer::timeout, this, &NotificationPresenter::present);
     connect(manager, &NotificationManager::notificationsChanged, this, &NotificationPresenter::refresh);
     connect(manager, &NotificationManager::notificationChanged, this, &NotificationPresenter::refresh);
-    followFontSize(this, [this](FontSize) { refresh(); });
+    followFontSize(this, [this](FontSize) {
+        refresh();
+        present();
+    });
 }
 
 void NotificationPresenter::setMostWidth(int width)
 {
     if (std::exchange(m_mostWidth, width) != width)
-        refresh();
+        present();
 }
 
 void NotificationPresenter::refresh()
 {
     const QSharedPointer<Notification> shown =
         m_manager ? PendingNotificationModel::gravestOf(m_manager->notifications(), m_left) : nullptr;
-    if (std::exchange(m_shown, shown) != shown)
+    const bool isOther = std::exchange(m_shown, shown) != shown;
+    if (isOther)
         m_stay.stop();
     updateMouseInput();
     if (!shown) {
@@ -69,6 +76,17 @@ void NotificationPresenter::refresh()
     }
     if (shown->type() != Notification::ErrorMessage && !m_stay.isActive() && !underMouse())
         m_stay.start();
+    if (isOther)
+        present(); // its button speaks of this one from now on
+    else
+        m_present.start();
+}
+
+void NotificationPresenter::present()
+{
+    const QSharedPointer<Notification> shown = m_shown;
+    if (!shown)
+        return;
     const int extent = iconExtent(currentFontSize());
     m_icon->setPixmap(IconCache::pixmap(notificationIcon(shown->type()), notificationColor(shown->type()),
                                         QSize(extent, extent), devicePixelRatioF()));

@@ -46,6 +46,7 @@ protected:
 
 private:
     void refresh();
+    void present();
     void leave();
     void updateMouseInput();
 
@@ -53,6 +54,7 @@ private:
     QSet<const Notification*> m_left; // warnings that have been shown for long enough
     QSharedPointer<Notification> m_shown;
     QTimer m_stay;
+    QTimer m_present; // what is said a hundred times in one turn is laid out once
     int m_mostWidth = 800;
     QLabel* m_icon;
     ElidedLabel* m_title;

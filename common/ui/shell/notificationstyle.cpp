@@ -4,6 +4,7 @@
 #include "common/ui/style/colors.h"
 
 #include <QCoreApplication>
+#include <QRegularExpression>
 #include <QTextDocumentFragment>
 
 namespace vantrel {
@@ -55,8 +56,16 @@ QString notificationName(Notification::MessageType type)
 
 QString plainText(const QString& richText)
 {
+    // A name such as "Clip <2>" that came unescaped is no markup; its characters stay.
+    static const QRegularExpression noTag(
+        QStringLiteral("<(?!/?(?:b|i|u|p|a|br|hr|h[1-6]|ul|ol|li|em|strong|span|font|div|pre|code|tt|qt|html|"
+                       "head|body|table|tr|td|th)(?:\\s[^<>]*)?/?>)"),
+        QRegularExpression::CaseInsensitiveOption);
     const bool isPlain = !richText.contains(u'<') && !richText.contains(u'&');
-    const QString text = isPlain ? richText : QTextDocumentFragment::fromHtml(richText).toPlainText();
+    const QString text =
+        isPlain ? richText
+                : QTextDocumentFragment::fromHtml(QString(richText).replace(noTag, QStringLiteral("&lt;")))
+                      .toPlainText();
     QStringList lines = text.split(u'\n');
     for (QString& line : lines)
         line = shownText(line);

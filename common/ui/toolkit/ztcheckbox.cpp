@@ -34,8 +34,8 @@ void ZTCheckBox::paintEvent(QPaintEvent* event)
     QPainter painter(this);
     painter.setOpacity(isEnabled() ? 1.0 : 0.4);
     painter.drawPixmap(box.topLeft(),
-                       IconCache::pixmap(QStringLiteral("check"), colors::getColor(colors::White), box.size(),
-                                         devicePixelRatioF()));
+                       IconCache::pixmap(QStringLiteral("check"), colors::getColor(colors::Slate_grey_900),
+                                         box.size(), devicePixelRatioF()));
 }
 
 } // namespace vantrel

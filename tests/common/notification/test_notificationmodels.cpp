@@ -5,6 +5,9 @@
 #include "tests/support/testmain.h"
 
 #include <QAbstractItemModelTester>
+#include <QLoggingCategory>
+#include <QRegularExpression>
+#include <QScopeGuard>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -161,7 +164,59 @@ private Q_SLOTS:
         QCOMPARE(m_model->rowCount(), 3);
     }
 
+    /// Any number of messages is held as some hundreds, and nothing of it is silently gone.
+    void floodIsBounded()
+    {
+        QLoggingCategory::setFilterRules(QStringLiteral("vantrel.notification*=false"));
+        const auto restore = qScopeGuard([] { QLoggingCategory::setFilterRules({}); });
+        SortedNotificationModel sorted;
+        sorted.setManager(m_manager.get());
+        QSignalSpy resets(m_model.get(), &QAbstractItemModel::modelReset);
+        QSignalSpy moves(m_model.get(), &QAbstractItemModel::rowsMoved);
+        const auto say = [this](Notification::MessageType type, int number) {
+            return m_manager->createNotification(type, QStringLiteral("%1").arg(number), {});
+        };
+        const auto error = say(Notification::ErrorMessage, -1);
+        const auto accepted = say(Notification::ErrorMessage, -2);
+        accepted->setIsAccepted(true);
+        QSharedPointer<Notification> newest;
+        for (int i = 0; i < 1200; ++i)
+            newest = say(Notification::WarningMessage, i);
+        const auto held = m_manager->notifications();
+        QVERIFY(held.size() <= 504);
+        QVERIFY(held.contains(error) && held.contains(newest) && !held.contains(accepted));
+        QCOMPARE(m_model->rowCount(), held.size());
+        QCOMPARE(sorted.rowCount(), held.size());
+        QCOMPARE(resets.size() + moves.size(), 0);
+        QCOMPARE(counted(Notification::WarningMessage), 1200);
+        for (int i = 0; i < 800; ++i)
+            say(Notification::ErrorMessage, i);
+        QVERIFY(m_manager->notifications().size() <= 504);
+        QVERIFY(m_manager->notifications().contains(error));
+        QCOMPARE(counted(Notification::ErrorMessage), 801);
+        QCOMPARE(counted(Notification::WarningMessage), 1200);
+        for (const auto& one : m_manager->notifications())
+            one->setIsAccepted(true);
+        const auto later = say(Notification::ErrorMessage, 5000); // there is room for it
+        QVERIFY(m_manager->notifications().contains(later));
+        QCOMPARE(counted(Notification::ErrorMessage), 1);
+    }
+
 private:
+    /// What waits of a type, and what is told to have been left out of it.
+    int counted(Notification::MessageType type) const
+    {
+        static const QRegularExpression more(QStringLiteral("^(\\d+) more "));
+        int all = 0;
+        for (const auto& one : m_manager->notifications()) {
+            if (one->type() != type || one->isAccepted())
+                continue;
+            const auto told = more.match(one->title());
+            all += told.hasMatch() ? told.captured(1).toInt() : 1;
+        }
+        return all;
+    }
+
     QSharedPointer<Notification> add(Notification::MessageType type, const char* text)
     {
         return m_manager->createNotification(type, QString::fromLatin1(text), QString::fromLatin1(text));

@@ -3,6 +3,7 @@
 #include "common/playback/takebutton.h"
 #include "common/playback/volumefader.h"
 #include "common/playback/volumeslider.h"
+#include "common/qml/qmlmanager.h"
 #include "common/ui/gallery/gallerywindow.h"
 #include "common/ui/style/stylesheet.h"
 #include "common/ui/toolkit/colorbox.h"
@@ -16,6 +17,9 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QProgressBar>
+#include <QQuickItem>
+#include <QQuickWidget>
+#include <QQuickWindow>
 #include <QScrollArea>
 #include <QStyleOptionButton>
 #include <QTest>
@@ -103,6 +107,8 @@ class Contrast : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void cleanup() { QMLManager::instance()->deinitialize(); }
+
     void galleryCanBeRead_data()
     {
         QTest::addColumn<FontSize>("size");
@@ -122,7 +128,7 @@ private Q_SLOTS:
         QTRY_VERIFY(page->sizeHint().height() > 1000);
         page->resize(page->sizeHint());
         m_faults.clear();
-        m_texts = m_drawings = m_tracks = 0;
+        m_texts = m_drawings = m_tracks = m_declared = 0;
         QHash<QWidget*, QImage> windows;
         const QWidgetList widgets = QApplication::allWidgets();
         for (QWidget* widget : widgets) {
@@ -137,6 +143,7 @@ private Q_SLOTS:
         QVERIFY2(m_faults.isEmpty(), qPrintable(m_faults.join(u'\n')));
         QVERIFY2(m_texts > 250 && m_drawings > 60 && m_tracks > 10,
                  qPrintable(QStringLiteral("%1 %2 %3").arg(m_texts).arg(m_drawings).arg(m_tracks)));
+        QVERIFY2(m_declared >= 18, qPrintable(QString::number(m_declared)));
         qApp->setStyleSheet({});
     }
 
@@ -203,7 +210,8 @@ private:
         else if (const auto* menu = qobject_cast<QMenu*>(widget)) {
             for (QAction* action : menu->actions())
                 lookAtText(menu, part(menu->actionGeometry(action)), action->text());
-        }
+        } else if (const auto* view = qobject_cast<QQuickWidget*>(widget))
+            lookAtDeclared(view, view->quickWindow()->contentItem(), part);
         const QRect whole = widget->rect();
         if (const auto* meter = qobject_cast<LevelMeter*>(widget); meter && meter->isMuted())
             lookAtText(widget, part(whole), QStringLiteral("MUTED"));
@@ -240,6 +248,21 @@ private:
         lookAtText(label, part(shown), label->text());
     }
 
+    template <typename Part>
+    void lookAtDeclared(const QQuickWidget* view, const QQuickItem* item, Part part)
+    {
+        if (!item->isVisible())
+            return;
+        const QString text = item->property("text").toString();
+        if (!text.isEmpty() && (item->inherits("QQuickText") || item->inherits("QQuickTextInput"))) {
+            ++m_declared;
+            const QRectF inner = item->boundingRect().adjusted(2, 2, -2, -2);
+            lookAtText(view, part(item->mapRectToScene(inner).toRect()), text);
+        }
+        for (const QQuickItem* child : item->childItems())
+            lookAtDeclared(view, child, part);
+    }
+
     void lookAtDrawing(const QWidget* widget, const QImage& image)
     {
         ++m_drawings;
@@ -253,7 +276,7 @@ private:
     }
 
     QStringList m_faults;
-    int m_texts = 0, m_drawings = 0, m_tracks = 0;
+    int m_texts = 0, m_drawings = 0, m_tracks = 0, m_declared = 0;
 };
 
 HALCYRA_TEST(Contrast)

@@ -10,6 +10,7 @@
 #include "common/ui/shell/mainwindow.h"
 #include "common/ui/shell/notificationpresenter.h"
 #include "common/ui/shell/notificationstatusbar.h"
+#include "common/ui/shell/notificationstyle.h"
 #include "common/ui/shell/reconnectdialog.h"
 #include "common/ui/shell/statusbar.h"
 #include "common/ui/shell/statusbarmenu.h"
@@ -321,6 +322,16 @@ private Q_SLOTS:
         QCOMPARE(counts.count(Notification::ErrorMessage), 0);
         warning->setIsAccepted(true);
         QVERIFY(presenter.testAttribute(Qt::WA_TransparentForMouseEvents) && presenter.isHidden());
+    }
+
+    /// Markup goes, and nothing that somebody has named.
+    void notificationsAreShownAsPlainText()
+    {
+        QCOMPARE(plainText(QStringLiteral("<b>Save</b> a &lt;b&gt;<br>c")), QStringLiteral("Save a <b>\nc"));
+        QCOMPARE(plainText(QStringLiteral("Clip<2>.mov is < 4 s & <newer>")),
+                 QStringLiteral("Clip<2>.mov is < 4 s & <newer>"));
+        QCOMPARE(plainText(QString(QChar(0x202e)) + QStringLiteral("vom.1") + QChar(0)),
+                 QStringLiteral("vom.1"));
     }
 
     /// What is done needs nobody, a warning is counted on, an error stays until somebody has seen it.

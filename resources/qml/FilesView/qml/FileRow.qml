@@ -174,6 +174,7 @@ Item {
             opaque: true
             objectName: row.browser.objectName + "-rename-field"
             implicitHeight: row.height
+            fill: Theme.background
             text: row.name
             tip: qsTr("The new name; Enter takes it, Esc leaves the old one")
             Accessible.name: qsTr("New name")

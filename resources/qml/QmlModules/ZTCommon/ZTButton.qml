@@ -17,7 +17,7 @@ T.Button {
 
     implicitHeight: Theme.barHeight
     implicitWidth: text.length > 0 ? implicitContentWidth + leftPadding + rightPadding : implicitHeight
-    leftPadding: text.length > 0 ? (iconName.length > 0 ? fontSizes.pad + 5 : 13) : 0
+    leftPadding: text.length > 0 ? (iconName.length > 0 ? fontSizes.pad + 4 : 13) : 0
     rightPadding: text.length > 0 ? 13 : 0
     focusPolicy: Qt.TabFocus
     hoverEnabled: true
@@ -43,8 +43,7 @@ T.Button {
              : control.isFlat ? "transparent" : Theme.hover
         border.width: 1
         border.color: control.visualFocus ? Theme.focus : control.checked ? Theme.accent
-                    : control.isAccent && control.enabled ? color
-                    : control.isFlat || !control.enabled ? "transparent" : Theme.line
+                    : control.enabled && !control.isFlat && !control.isAccent ? Theme.line : "transparent"
     }
     contentItem: Item {
         implicitWidth: content.implicitWidth

@@ -8,7 +8,7 @@ T.CheckBox {
 
     implicitWidth: implicitContentWidth + leftPadding + rightPadding
     implicitHeight: Theme.barHeight
-    leftPadding: indicator.x + indicator.width + Theme.normal
+    leftPadding: 3 + fontSizes.check + 2 + Theme.normal
     rightPadding: 3
     focusPolicy: Qt.TabFocus
     hoverEnabled: true

@@ -46,7 +46,7 @@ T.MenuItem {
 
             anchors { right: parent.right; verticalCenter: parent.verticalCenter }
             text: control.keys
-            color: Theme.faint
+            color: Theme.dim
             font.pixelSize: fontSizes.caption
             Accessible.ignored: true
         }

@@ -7,7 +7,7 @@ Rectangle {
     property double value: 0
     property color ink: Theme.accent
 
-    implicitHeight: 4
+    implicitHeight: 8 // with its edge
     radius: height / 2
     color: Theme.background
     border.width: 1

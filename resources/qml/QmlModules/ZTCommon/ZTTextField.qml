@@ -6,7 +6,8 @@ T.TextField {
     id: control
 
     property string tip
-    property bool opaque: false
+    // Over the row of a list it hides what stands there.
+    property color fill: enabled ? Theme.field : "transparent"
 
     implicitHeight: Theme.barHeight
     implicitWidth: 200
@@ -15,7 +16,7 @@ T.TextField {
     color: enabled ? Theme.strong : Theme.disabled
     selectionColor: Theme.accent
     selectedTextColor: Theme.onAccent
-    placeholderTextColor: enabled ? Theme.dim : Theme.disabled
+    placeholderTextColor: Theme.dim
     font.family: Qt.application.font.family // the platform has another one for fields
     font.pixelSize: fontSizes.body
     verticalAlignment: TextInput.AlignVCenter
@@ -24,19 +25,17 @@ T.TextField {
     Accessible.description: tip
     onHoveredChanged: hovered ? toolTips.show(control, tip) : toolTips.hide(control)
 
-    background: Rectangle {
-        radius: Theme.radius
-        color: control.opaque ? Theme.background : control.enabled ? Theme.field : "transparent"
-        border.width: 1
-        border.color: !control.enabled ? Theme.line : control.activeFocus ? Theme.accent
-                    : control.hovered ? Theme.fieldEdge : Theme.hoverStrong
-    }
-
     ZTLabel {
         anchors { fill: parent; leftMargin: control.leftPadding; rightMargin: control.rightPadding }
         text: control.placeholderText
         color: control.placeholderTextColor
-        visible: control.length === 0 && control.preeditText.length === 0
+        visible: control.text.length === 0 && control.preeditText.length === 0
         Accessible.ignored: true
+    }
+    background: Rectangle {
+        radius: Theme.radius
+        color: control.fill
+        border.width: 1
+        border.color: !control.enabled ? Theme.line : control.activeFocus ? Theme.accent : control.hovered ? Theme.fieldEdge : Theme.hoverStrong
     }
 }
