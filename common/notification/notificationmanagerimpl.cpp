@@ -48,49 +48,6 @@ constexpr int heaviestToGo = 1 + Notification::WarningMessage;
 
 } // namespace
 
-void NotificationManagerImplPrivate::add(const QSharedPointer<Notification>& notification)
-{
-    list.append(notification);
-    observeNotification(notification);
-    makeRoom();
-}
-
-/// A flood takes neither the memory nor the time that each of a long list costs.
-void NotificationManagerImplPrivate::makeRoom()
-{
-    while (list.size() > NotificationManagerImpl::mostKept) {
-        const QSharedPointer<Notification> gone = list.takeAt(leastMissed());
-        gone->disconnect(this);
-        if (!gone->isAccepted() && gone->type() == Notification::ErrorMessage)
-            countLeftOut(gone->repeats());
-    }
-}
-
-qsizetype NotificationManagerImplPrivate::leastMissed() const
-{
-    const auto weight = [this](const QSharedPointer<Notification>& one) {
-        if (one->isAccepted())
-            return -1;
-        return one == m_leftOut ? Notification::ErrorMessage + 1 : static_cast<int>(one->type());
-    };
-    return std::ranges::min_element(list, {}, weight) - list.cbegin();
-}
-
-void NotificationManagerImplPrivate::countLeftOut(int errors)
-{
-    const bool isThere = m_leftOut && !m_leftOut->isAccepted();
-    m_leftOutCount = errors + (isThere ? m_leftOutCount : 0);
-    const QString title = NotificationManagerImpl::tr("%n earlier errors left this list", "", m_leftOutCount);
-    if (isThere)
-        return m_leftOut->setTitle(title);
-    m_leftOut = QSharedPointer<Notification>::create(
-        m_manager, Notification::ErrorMessage, title,
-        NotificationManagerImpl::tr(
-            "So many came that only the newest stand here. The log has all of them."));
-    list.prepend(m_leftOut); // where they stood
-    observeNotification(m_leftOut);
-}
-
 void NotificationManagerImplPrivate::observeNotification(const QSharedPointer<Notification>& notification)
 {
     // Weak, so that the connection of a notification does not keep it alive.

@@ -16,8 +16,6 @@ class NotificationManagerImpl : public NotificationManager
     Q_OBJECT
 
 public:
-    static constexpr qsizetype mostKept = 1000;
-
     explicit NotificationManagerImpl(QObject* parent = nullptr);
     ~NotificationManagerImpl() override;
     static NotificationManagerImpl* instance();

@@ -139,15 +139,6 @@ void NotificationModelPrivate::updateModel(const QList<NotificationPtr>& list)
 {
     removeGone(list);
     for (qsizetype at = 0; at < list.size(); ++at) {
-        while (at < m_rows.size() && m_rows.at(at) != list.at(at)) {
-            if (kept.isEmpty()) {
-                for (const NotificationPtr& notification : list.sliced(at))
-                    kept.insert(notification.data());
-            }
-            if (kept.contains(m_rows.at(at).data()))
-                break;
-            removeRow(at);
-        }
         if (at >= m_rows.size() || m_rows.at(at) != list.at(at))
             takeRow(list.at(at), at);
     }
@@ -172,13 +163,6 @@ void NotificationModelPrivate::removeGone(const QList<NotificationPtr>& list)
         m_model->endRemoveRows();
         end = from;
     }
-}
-
-void NotificationModelPrivate::removeRow(qsizetype at)
-{
-    m_model->beginRemoveRows({}, static_cast<int>(at), static_cast<int>(at));
-    m_rows.removeAt(at);
-    m_model->endRemoveRows();
 }
 
 void NotificationModelPrivate::takeRow(const NotificationPtr& notification, qsizetype to)

@@ -68,8 +68,6 @@ public:
         context->setContextProperty(QStringLiteral("homeLocationsPath"),
                                     LocalHomeLocations::instance()->homePath());
         context->setContextProperty(QStringLiteral("toolTips"), &toolTips);
-        context->setContextProperty(QStringLiteral("homeLocationsPath"),
-                                    LocalHomeLocations::instance()->homePath());
     }
 
     FontSizes fontSizes;

@@ -11,7 +11,6 @@ QWidget* makeButtons(QWidget* parent);
 QWidget* makeIconButtons(QWidget* parent);
 QWidget* makeFields(QWidget* parent);
 QWidget* makeChoices(QWidget* parent);
-QWidget* makeTwins(QWidget* parent);
 QWidget* makeBars(QWidget* parent);
 QWidget* makePanels(QWidget* parent);
 QWidget* makeShell(QWidget* parent);

@@ -32,7 +32,6 @@ constexpr std::array sections{
     Section{"Icons", gallery::makeIconButtons},
     Section{"Fields", gallery::makeFields},
     Section{"Choices", gallery::makeChoices},
-    Section{"Declarative twins", gallery::makeTwins},
     Section{"Bars and switches", gallery::makeBars},
     Section{"Panels", gallery::makePanels},
     Section{"Window", gallery::makeShell},

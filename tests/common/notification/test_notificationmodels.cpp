@@ -57,43 +57,6 @@ private Q_SLOTS:
         QCOMPARE(m_model->rowCount(), 0);
     }
 
-    /// A flood ends the list of the mildest, never that of an error that nobody has seen.
-    void keepsSoMany()
-    {
-        QSignalSpy resets(m_model.get(), &QAbstractItemModel::modelReset);
-        const auto titles = [this] {
-            QStringList all;
-            for (int row = 0; row < m_model->rowCount(); ++row)
-                all += m_model->index(row, 0).data(NotificationModel::TitleRole).toString();
-            return all;
-        };
-        const int most = NotificationManagerImpl::mostKept;
-        add(Notification::ErrorMessage, "unseen");
-        add(Notification::ErrorMessage, "seen")->setIsAccepted(true);
-        add(Notification::WarningMessage, "warning");
-        const QPersistentModelIndex unseen = m_model->index(0, 0);
-        for (int i = 0; i < most + 5; ++i)
-            add(Notification::InfoMessage, QByteArray::number(i));
-        QCOMPARE(m_model->rowCount(), most);
-        QCOMPARE(titles().mid(0, 3), QStringList({"unseen", "warning", "7"}));
-        QCOMPARE(titles().last(), QString::number(most + 4));
-
-        for (int i = 0; i < most; ++i)
-            add(Notification::ErrorMessage, "e" + QByteArray::number(i));
-        QCOMPARE(m_model->rowCount(), most);
-        QCOMPARE(titles().mid(0, 2), QStringList({"2 earlier errors left this list", "e1"}));
-        QVERIFY(!unseen.isValid());
-        QCOMPARE(resets.size(), 0);
-
-        // Once that has been read, it is for those that leave later.
-        m_manager->notifications().first()->setIsAccepted(true);
-        add(Notification::ErrorMessage, "one more");
-        QCOMPARE(titles().first(), QStringLiteral("e1"));
-        add(Notification::ErrorMessage, "and one");
-        QCOMPARE(titles().mid(0, 2), QStringList({"2 earlier errors left this list", "e3"}));
-        QCOMPARE(m_model->rowCount(), most);
-    }
-
     void newestStandsFirst()
     {
         SortedNotificationModel sorted;

@@ -171,7 +171,6 @@ Item {
         width: label.width + fontSizes.pad2 + 3
         height: parent.height
         sourceComponent: ZTTextField {
-            opaque: true
             objectName: row.browser.objectName + "-rename-field"
             implicitHeight: row.height
             fill: Theme.background

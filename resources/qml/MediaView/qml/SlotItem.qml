@@ -213,7 +213,7 @@ Item {
         width: Math.max(Theme.scaled(100), label.width + fontSizes.pad + 2)
         height: Math.max(label.height, Theme.rowHeight)
         sourceComponent: ZTTextField {
-            opaque: true
+            fill: Theme.background
             objectName: "media-slots-rename-field"
             implicitHeight: Theme.rowHeight
             text: item.name

@@ -34,9 +34,9 @@ T.CheckBox {
 
         ZTIcon {
             anchors.centerIn: parent
-            side: fontSizes.check
+            side: parent.width
             name: "check"
-            color: control.enabled ? Theme.strong : Theme.disabled
+            color: control.enabled ? Theme.onAccent : Theme.disabled
             visible: control.checked
         }
     }

@@ -1,7 +1,6 @@
 import QtQuick
 import QtQuick.Templates as T
 
-// opaque: it stands over something else, such as a name that is being changed.
 T.TextField {
     id: control
 
@@ -16,7 +15,7 @@ T.TextField {
     color: enabled ? Theme.strong : Theme.disabled
     selectionColor: Theme.accent
     selectedTextColor: Theme.onAccent
-    placeholderTextColor: Theme.dim
+    placeholderTextColor: enabled ? Theme.dim : Theme.disabled
     font.family: Qt.application.font.family // the platform has another one for fields
     font.pixelSize: fontSizes.body
     verticalAlignment: TextInput.AlignVCenter
@@ -36,6 +35,7 @@ T.TextField {
         radius: Theme.radius
         color: control.fill
         border.width: 1
-        border.color: !control.enabled ? Theme.line : control.activeFocus ? Theme.accent : control.hovered ? Theme.fieldEdge : Theme.hoverStrong
+        border.color: !control.enabled ? Theme.line : control.activeFocus ? Theme.accent
+                    : control.hovered ? Theme.fieldEdge : Theme.hoverStrong
     }
 }
