@@ -119,6 +119,12 @@ private Q_SLOTS:
         key(Qt::Key_3);
         key(Qt::Key_3);
         QCOMPARE(chosen(), QStringLiteral("33"));
+        // A field in a slot keeps its keys from the slots around it.
+        pane->setProperty("renamingSlot", 33);
+        QTRY_VERIFY(item(view, "media-slots-rename-field"));
+        key(Qt::Key_Return);
+        QTRY_COMPARE(pane->property("renamingSlot").toInt(), -1);
+        QVERIFY(item(view, "media-slots-grid")->hasActiveFocus());
         key(Qt::Key_A, Qt::ControlModifier);
         QCOMPARE(chosen().count(u' '), 39);
         key(Qt::Key_F, Qt::ControlModifier);

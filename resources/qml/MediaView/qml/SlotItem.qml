@@ -4,7 +4,7 @@ import ZTCommon 1.0
 
 // A slot: a picture with its number and name below, or a row of a table.
 Item {
-    id: item
+    id: cell
 
     required property int index
     required property int slot
@@ -41,29 +41,29 @@ Item {
     Rectangle {
         id: box
 
-        anchors { fill: parent; margins: item.isTable ? 1 : 2 }
-        anchors.rightMargin: item.isTable ? fontSizes.bar + 1 : 2
+        anchors { fill: parent; margins: cell.isTable ? 1 : 2 }
+        anchors.rightMargin: cell.isTable ? fontSizes.bar + 1 : 2
         radius: Theme.radius
-        color: item.isAimed ? Theme.accentVeil : item.isSelected ? (item.pane.hasKeys ? Theme.accentVeil : Theme.hoverStrong)
+        color: cell.isAimed ? Theme.accentVeil : cell.isSelected ? (cell.pane.hasKeys ? Theme.accentVeil : Theme.hoverStrong)
              : mouse.containsMouse ? Theme.hover : "transparent"
         border.width: 1
-        border.color: item.isAimed ? Theme.accent : item.isCurrent && item.pane.hasKeys ? Theme.focus : "transparent"
+        border.color: cell.isAimed ? Theme.accent : cell.isCurrent && cell.pane.hasKeys ? Theme.focus : "transparent"
     }
     Rectangle {
         id: screen
 
-        x: item.isTable ? number.x + number.width + Theme.normal : 2 * Theme.tight
-        y: item.isTable ? 2 : 2 * Theme.tight
-        width: item.isTable ? Math.round(height * 16 / 9) : item.width - 4 * Theme.tight
-        height: item.isTable ? item.height - 4 : Math.round(width * 9 / 16)
+        x: cell.isTable ? number.x + number.width + Theme.normal : 2 * Theme.tight
+        y: cell.isTable ? 2 : 2 * Theme.tight
+        width: cell.isTable ? Math.round(height * 16 / 9) : cell.width - 4 * Theme.tight
+        height: cell.isTable ? cell.height - 4 : Math.round(width * 9 / 16)
         radius: 3
         color: Theme.field
 
         ZTIcon {
             anchors.centerIn: parent
-            side: Math.round(parent.height * (item.isTable ? 0.6 : 0.4))
-            name: item.kind === Media.VideoFile ? "video" : item.kind === Media.AudioFile ? "audio"
-                : item.kind === Media.ImageFile ? "image" : item.kind === Media.ImageSequence ? "image_sequence" : "media"
+            side: Math.round(parent.height * (cell.isTable ? 0.6 : 0.4))
+            name: cell.kind === Media.VideoFile ? "video" : cell.kind === Media.AudioFile ? "audio"
+                : cell.kind === Media.ImageFile ? "image" : cell.kind === Media.ImageSequence ? "image_sequence" : "media"
             color: Theme.faint
             visible: thumbnail.status !== Image.Ready
         }
@@ -73,7 +73,7 @@ Item {
             anchors.fill: parent
             sourceSize: Qt.size(width * Screen.devicePixelRatio, height * Screen.devicePixelRatio)
             fillMode: Image.PreserveAspectFit
-            source: item.picture
+            source: cell.picture
             cache: false
             visible: status === Image.Ready
         }
@@ -83,20 +83,20 @@ Item {
             color: "transparent"
             radius: 3
             border.width: 2
-            border.color: item.isOnProgram ? Theme.program : Theme.good
-            visible: item.isOnProgram || item.isOnPreview
+            border.color: cell.isOnProgram ? Theme.program : Theme.good
+            visible: cell.isOnProgram || cell.isOnPreview
         }
     }
     ZTLabel {
         id: number
 
-        x: item.isTable ? Theme.tight : 2 * Theme.tight
-        y: item.isTable ? 0 : screen.y + screen.height + Theme.tight
-        width: item.isTable ? Theme.scaled(52) : Math.ceil(digits.advanceWidth)
-        height: item.isTable ? item.height : Theme.rowHeight - Theme.tight
-        horizontalAlignment: item.isTable ? Text.AlignRight : Text.AlignLeft
-        text: item.slot
-        color: item.isOnProgram ? Theme.program : item.isOnPreview ? Theme.good : Theme.dim
+        x: cell.isTable ? Theme.tight : 2 * Theme.tight
+        y: cell.isTable ? 0 : screen.y + screen.height + Theme.tight
+        width: cell.isTable ? Theme.scaled(52) : Math.ceil(digits.advanceWidth)
+        height: cell.isTable ? cell.height : Theme.rowHeight - Theme.tight
+        horizontalAlignment: cell.isTable ? Text.AlignRight : Text.AlignLeft
+        text: cell.slot
+        color: cell.isOnProgram ? Theme.program : cell.isOnPreview ? Theme.good : Theme.dim
         font.weight: Font.DemiBold
         Accessible.ignored: true
     }
@@ -104,40 +104,40 @@ Item {
         id: digits
 
         font: number.font
-        text: item.slot
+        text: cell.slot
     }
     ZTLabel {
         id: label
 
-        readonly property int after: item.isTable ? screen.x + screen.width : number.x + number.width
-        readonly property int end: item.isTable ? (fileName.visible ? fileName.x : duration.x) : item.width - 2 * Theme.tight
+        readonly property int after: cell.isTable ? screen.x + screen.width : number.x + number.width
+        readonly property int end: cell.isTable ? (fileName.visible ? fileName.x : duration.x) : cell.width - 2 * Theme.tight
 
         x: after + Theme.normal
         y: number.y
-        width: Math.max(0, end - x - Theme.normal - (mark.visible && item.isTable ? mark.width + Theme.tight : 0))
+        width: Math.max(0, end - x - Theme.normal - (mark.visible && cell.isTable ? mark.width + Theme.tight : 0))
         height: number.height
-        visible: !item.isRenaming
-        text: item.name
-        color: !item.isPlayable ? Theme.faint : item.isSelected ? Theme.strong : Theme.text
+        visible: !cell.isRenaming
+        text: cell.name
+        color: !cell.isPlayable ? Theme.faint : cell.isSelected ? Theme.strong : Theme.text
         Accessible.ignored: true
     }
     ZTIcon {
         id: mark
 
-        x: item.isTable ? label.x + label.width + Theme.tight : item.width - width - 2 * Theme.tight
-        y: item.isTable ? Math.round((item.height - height) / 2) : duration.y + Math.round((duration.height - height) / 2)
-        visible: item.why !== ""
+        x: cell.isTable ? label.x + label.width + Theme.tight : cell.width - width - 2 * Theme.tight
+        y: cell.isTable ? Math.round((cell.height - height) / 2) : duration.y + Math.round((duration.height - height) / 2)
+        visible: cell.why !== ""
         name: "error"
-        color: item.isPlayable ? Theme.accent : Theme.bad
+        color: cell.isPlayable ? Theme.accent : Theme.bad
     }
     ZTLabel {
         id: fileName
 
-        x: Math.round(item.width * 0.55)
+        x: Math.round(cell.width * 0.55)
         width: Math.max(0, duration.x - x - Theme.normal)
-        height: item.height
-        visible: item.isTable && item.width >= Theme.scaled(560)
-        text: item.file
+        height: cell.height
+        visible: cell.isTable && cell.width >= Theme.scaled(560)
+        text: cell.file
         color: Theme.dim
         elide: Text.ElideMiddle
         Accessible.ignored: true
@@ -145,14 +145,14 @@ Item {
     ZTLabel {
         id: duration
 
-        x: item.isTable ? item.width - width - fontSizes.bar - Theme.normal : number.x
-        y: item.isTable ? 0 : number.y + number.height
-        width: item.isTable ? Theme.scaled(96) : item.width - 4 * Theme.tight - (mark.visible ? mark.width + Theme.tight : 0)
+        x: cell.isTable ? cell.width - width - fontSizes.bar - Theme.normal : number.x
+        y: cell.isTable ? 0 : number.y + number.height
+        width: cell.isTable ? Theme.scaled(96) : cell.width - 4 * Theme.tight - (mark.visible ? mark.width + Theme.tight : 0)
         height: number.height
-        horizontalAlignment: item.isTable ? Text.AlignRight : Text.AlignLeft
-        text: item.length
+        horizontalAlignment: cell.isTable ? Text.AlignRight : Text.AlignLeft
+        text: cell.length
         color: Theme.dim
-        font.pixelSize: item.isTable ? fontSizes.body : fontSizes.caption
+        font.pixelSize: cell.isTable ? fontSizes.body : fontSizes.caption
         Accessible.ignored: true
     }
     MouseArea {
@@ -166,48 +166,48 @@ Item {
         acceptedButtons: Qt.LeftButton | Qt.RightButton
         hoverEnabled: true
         preventStealing: true
-        enabled: !item.isRenaming
+        enabled: !cell.isRenaming
 
-        readonly property string tip: (label.truncated ? [item.name] : []).concat(item.why === "" ? [] : [item.why]).join("\n")
+        readonly property string tip: (label.truncated ? [cell.name] : []).concat(cell.why === "" ? [] : [cell.why]).join("\n")
 
         onContainsMouseChanged: containsMouse && tip !== "" ? toolTips.show(label, tip) : toolTips.hide(label)
         onPressed: (event) => {
             toolTips.hide(label)
-            item.pane.takeFocus()
+            cell.pane.takeFocus()
             from = Qt.point(event.x, event.y)
             hasDragged = false
-            wasSelected = item.isSelected
+            wasSelected = cell.isSelected
             if (event.button === Qt.RightButton) {
                 if (wasSelected)
-                    item.pane.selection.moveTo(item.index)
+                    cell.pane.selection.moveTo(cell.index)
                 else
-                    item.pane.selection.pick(item.index, 0)
-                item.pane.openMenu(mapToItem(item.pane, event.x, event.y))
+                    cell.pane.selection.pick(cell.index, 0)
+                cell.pane.openMenu(mapToItem(cell.pane, event.x, event.y))
             } else if (!wasSelected || (event.modifiers & (Qt.ControlModifier | Qt.ShiftModifier))) {
-                item.pane.selection.pick(item.index, event.modifiers)
+                cell.pane.selection.pick(cell.index, event.modifiers)
             } else {
-                item.pane.selection.moveTo(item.index)
+                cell.pane.selection.moveTo(cell.index)
             }
         }
         onPositionChanged: (event) => {
             const far = Math.abs(event.x - from.x) + Math.abs(event.y - from.y) > 10
-            if (!(event.buttons & Qt.LeftButton) || hasDragged || !far || !item.isSelected)
+            if (!(event.buttons & Qt.LeftButton) || hasDragged || !far || !cell.isSelected)
                 return
             hasDragged = true
-            mediaActions.startDrag(item.pane.selectedSlots())
+            mediaActions.startDrag(cell.pane.selectedSlots())
         }
         onClicked: (event) => {
             const plain = !(event.modifiers & (Qt.ControlModifier | Qt.ShiftModifier))
             if (event.button === Qt.LeftButton && plain && wasSelected && !hasDragged)
-                item.pane.selection.pick(item.index, 0)
+                cell.pane.selection.pick(cell.index, 0)
         }
         onDoubleClicked: (event) => {
             if (event.button === Qt.LeftButton)
-                mediaActions.cue(item.slot)
+                mediaActions.cue(cell.slot)
         }
     }
     Loader {
-        active: item.isRenaming
+        active: cell.isRenaming
         x: label.x - fontSizes.pad - 2
         y: label.y
         width: Math.max(Theme.scaled(100), label.width + fontSizes.pad + 2)
@@ -216,16 +216,16 @@ Item {
             fill: Theme.background
             objectName: "media-slots-rename-field"
             implicitHeight: Theme.rowHeight
-            text: item.name
+            text: cell.name
             tip: qsTr("The new name; Enter takes it, Esc leaves the old one")
             Accessible.name: qsTr("New name")
             Component.onCompleted: {
                 forceActiveFocus()
                 selectAll()
             }
-            onAccepted: item.pane.finishRename(text)
-            Keys.onEscapePressed: item.pane.finishRename("")
-            onActiveFocusChanged: if (!activeFocus) item.pane.finishRename("")
+            onAccepted: cell.pane.finishRename(text)
+            Keys.onEscapePressed: cell.pane.finishRename("")
+            onActiveFocusChanged: if (!activeFocus) cell.pane.finishRename("")
         }
     }
 }
