@@ -4,6 +4,7 @@
 #include "common/media/edit/mediasloteditfunctional.h"
 #include "common/media/library/medialibraryapi.h"
 #include "common/media/models/medialibrarymodel.h"
+#include "common/session/link/linkhealth.h"
 #include "common/session/link/signalrelay.h"
 #include "common/session/session.h"
 #include "common/session/settings/storedvalue.h"
@@ -56,6 +57,7 @@ void MediaActions::follow()
     connect(m_session, &Session::connected, this, &MediaActions::readState);
     connect(m_session, &Session::disconnected, this, &MediaActions::readState);
     connect(m_session, &Session::libraryReadingChanged, this, &MediaActions::readState);
+    connect(m_session->linkHealth(), &LinkHealth::changed, this, &MediaActions::readState);
     readState();
 }
 
@@ -63,6 +65,8 @@ void MediaActions::readState()
 {
     const MediaLibraryApi* api = m_session->getMediaLibraryApi();
     m_isConnected = m_session->isConnected();
+    const LinkHealth* health = m_session->linkHealth();
+    m_silence = health->state() == LinkHealth::State::Silent ? health->text() : QString();
     m_isRead = api && api->reading() == MediaLibraryApi::Reading::Done;
     m_readingError =
         api && api->reading() == MediaLibraryApi::Reading::Failed ? api->readingError() : QString();
@@ -75,6 +79,8 @@ QString MediaActions::obstacle() const
         return m_model->collection() < 0 ? tr("No server is connected.")
                                          : tr("The server is not connected. This is the library as it was; "
                                               "it cannot be changed now.");
+    if (!m_silence.isEmpty())
+        return m_silence;
     if (!m_readingError.isEmpty())
         return tr("The library could not be read from the server: %1. It is tried again each second.")
             .arg(m_readingError);

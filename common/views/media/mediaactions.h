@@ -21,6 +21,8 @@ class MediaActions : public QObject
 {
     Q_OBJECT
     Q_PROPERTY(bool isConnected READ isConnected NOTIFY libraryChanged)
+    /// Whether what is shown is what the server has now.
+    Q_PROPERTY(bool isLive READ isLive NOTIFY libraryChanged)
     Q_PROPERTY(bool isEditable READ isEditable NOTIFY libraryChanged)
     /// What stands between the operator and the library, a sentence; empty for nothing.
     Q_PROPERTY(QString obstacle READ obstacle NOTIFY libraryChanged)
@@ -36,7 +38,8 @@ public:
     ~MediaActions() override;
 
     bool isConnected() const { return m_isConnected; }
-    bool isEditable() const { return m_isConnected && m_isRead; }
+    bool isLive() const { return m_isConnected && m_silence.isEmpty(); }
+    bool isEditable() const { return isLive() && m_isRead; }
     QString obstacle() const;
     bool isTable() const { return m_isTable; }
     void setIsTable(bool isTable);
@@ -79,6 +82,7 @@ private:
     std::unique_ptr<ImplMediaCollectionManager> m_manager;
     std::unique_ptr<SlotDrops> m_drops;
     QString m_readingError;
+    QString m_silence; // of a link that is there and says nothing, a sentence
     bool m_isConnected = false;
     bool m_isRead = false;
     bool m_isTable = false;

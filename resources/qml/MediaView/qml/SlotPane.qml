@@ -89,7 +89,7 @@ FocusScope {
         objectName: "media-slots-grid"
         anchors.fill: parent
         anchors.leftMargin: Theme.tight
-        opacity: mediaActions.isConnected ? 1 : 0.4
+        opacity: mediaActions.isLive ? 1 : 0.4
         focus: true
         activeFocusOnTab: true
         clip: true
@@ -235,7 +235,7 @@ FocusScope {
                 text: qsTr("Play on preview")
                 iconName: "mc_play"
                 keys: mediaActions.keysOf("cue")
-                enabled: mediaActions.isConnected
+                enabled: mediaActions.isLive
                 onTriggered: pane.cueCurrent()
             }
             ZTMenuSeparator {}
