@@ -152,10 +152,11 @@ void MediaDropPrivate::saveStillImages(const QList<StillImage>& stills, int coll
     qCInfo(lcMedia) << "Saving" << stills.size() << "still image(s) to collection" << collection << "and slot"
                     << slot;
     QList<GuiMediaSlot> medias;
-    int at = slot;
+    medias.reserve(stills.size());
     for (const StillImage& still : stills) {
-        qCInfo(lcMedia) << "Saving still image" << still.name() << "(duration" << still.durationSeconds
-                        << "s) to collection" << collection << "and slot" << at++;
+        if (medias.size() < mostLogged)
+            qCInfo(lcMedia) << "Saving still image" << still.name() << "(duration" << still.durationSeconds
+                            << "s) to collection" << collection << "and slot" << slot + medias.size();
         GuiMediaSlot media;
         media.setName(still.name());
         media.setContentUrl(QUrl::fromLocalFile(still.filePath));

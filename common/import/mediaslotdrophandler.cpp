@@ -111,10 +111,11 @@ bool MediaSlotDropHandlerPrivate::parseMedia(const SlotPayload& payload, int col
     QList<GuiMediaSlot> medias; // all at once: who follows the drop would look at all of them for each
     if (!payload.fault().isEmpty())
         drop->addFault(payload.fault());
+    qsizetype handled = 0;
     for (const MediaEntry& entry : payload.entries()) {
         FileSystem* const fileSystem = getFileSystem(entry.fileSystem);
         if (fileSystem) {
-            storeMediaToDrop(entry, fileSystem, *drop, medias);
+            storeMediaToDrop(entry, fileSystem, *drop, medias, handled++ < mostLogged);
             continue;
         }
         qCWarning(lcMedia) << "Unable to get file system for " << entry.fileSystem.left(100);
@@ -132,7 +133,8 @@ FileSystem* MediaSlotDropHandlerPrivate::getFileSystem(const QString& name) cons
 }
 
 void MediaSlotDropHandlerPrivate::storeMediaToDrop(const MediaEntry& entry, FileSystem* fileSystem,
-                                                   MediaDrop& drop, QList<GuiMediaSlot>& medias) const
+                                                   MediaDrop& drop, QList<GuiMediaSlot>& medias,
+                                                   bool isLogged) const
 {
     // Whoever dragged it may have seen it some time ago.
     const FileSystem::ItemType type = entry.isDirectory ? FileSystem::Directory : FileSystem::File;
@@ -144,18 +146,22 @@ void MediaSlotDropHandlerPrivate::storeMediaToDrop(const MediaEntry& entry, File
         return;
     }
     if (entry.isDirectory || !isMediaFile(entry.path) || !entry.isKnown) {
-        qCDebug(lcMedia) << "MediaDrop not a regular video file. Handling path" << entry.path
-                         << "as potential image(s)/folder. Collection" << drop.collection() << "and slot"
-                         << drop.startSlot();
+        if (isLogged)
+            qCDebug(lcMedia) << "MediaDrop not a regular video file. Handling path" << entry.path
+                             << "as potential image(s)/folder. Collection" << drop.collection() << "and slot"
+                             << drop.startSlot();
         drop.requestAsynchronously({entry.path, type}, fileSystem);
         return;
     }
-    qCDebug(lcMedia).nospace() << "Handling path " << entry.path << " (" << entry.name
-                               << ") as a single media file add to a collection " << drop.collection()
-                               << " and slot " << drop.startSlot() << " - duration " << entry.durationSeconds
-                               << " - playable " << (entry.isPlayable ? "true" : "false");
+    if (isLogged)
+        qCDebug(lcMedia).nospace() << "Handling path " << entry.path << " (" << entry.name
+                                   << ") as a single media file add to a collection " << drop.collection()
+                                   << " and slot " << drop.startSlot() << " - duration "
+                                   << entry.durationSeconds << " - playable "
+                                   << (entry.isPlayable ? "true" : "false");
     if (!entry.isPlayable) {
-        qCInfo(lcMedia) << "Above entry is non-playable file, ignoring it";
+        if (isLogged)
+            qCInfo(lcMedia) << "Above entry is non-playable file, ignoring it";
         drop.addFault(MediaSlotDropHandler::tr("\"%1\" is left out: the server cannot play it.")
                           .arg(shownText(entry.name)));
         return;

@@ -30,7 +30,7 @@ public:
     /// Ends with handleFinishedMediaDrop().
     QSharedPointer<MediaDrop> createDrop(int collection, int slot);
     void storeMediaToDrop(const MediaEntry& entry, FileSystem* fileSystem, MediaDrop& drop,
-                          QList<GuiMediaSlot>& medias) const;
+                          QList<GuiMediaSlot>& medias, bool isLogged) const;
     bool parseSlot(const SlotPayload& payload, int collection, int slot);
     bool parseMedia(const SlotPayload& payload, int collection, int slot);
     bool refuse(const QString& why);

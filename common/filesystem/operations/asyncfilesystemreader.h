@@ -2,6 +2,7 @@
 
 #include "common/filesystem/operations/defaultfilesystemreader.h"
 
+#include <QHash>
 #include <QQueue>
 #include <QStringList>
 #include <QTimer>

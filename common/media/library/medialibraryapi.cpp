@@ -306,10 +306,14 @@ void MediaLibraryApi::emitCollectionChanges(const LibraryChanges& changes)
     };
     const auto media = [this](const std::set<MediaAddress>& set, const char* text,
                               void (MediaLibraryApi::*changed)(MediaAddress)) {
+        std::size_t told = 0;
         for (const MediaAddress& address : set) {
-            qCDebug(lcMedia) << text << address.collection << ", " << address.slot;
+            if (told++ < mostLogged)
+                qCDebug(lcMedia) << text << address.collection << ", " << address.slot;
             Q_EMIT(this->*changed)(address);
         }
+        if (told > mostLogged)
+            qCDebug(lcMedia) << text << "and" << told - mostLogged << "more";
     };
     collections(changes.collectionsChanged,
                 "Media collection changed: ", &MediaLibraryApi::mediaCollectionChanged);

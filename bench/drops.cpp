@@ -1,0 +1,132 @@
+// What drops of thousands of items hold up the main thread for, with the log that the application keeps: from
+// the drop to the request that goes out. The peer is the time of one picture of a 60 Hz screen.
+#include "bench/row.h"
+#include "common/filesystem/operations/asyncfilesystemreader.h"
+#include "common/import/imagesequencecreator.h"
+#include "common/import/mediadrop.h"
+#include "common/import/mediaslotdrophandler.h"
+#include "common/import/slotpayload.h"
+#include "common/media/items/guimediaslot.h"
+#include "common/media/items/mimedata.h"
+#include "common/ui/diagnostics/logmanager.h"
+#include "tests/support/livesession.h"
+
+#include <QApplication>
+#include <QStandardPaths>
+#include <QUndoStack>
+
+#include <algorithm>
+#include <ctime>
+#include <functional>
+#include <numeric>
+#include <unistd.h>
+#include <vector>
+
+using namespace vantrel;
+using test::LiveSession;
+
+namespace {
+
+constexpr int rounds = 3;
+constexpr double pictureMs = 16;
+
+/// Of the calling thread, without the time for which other programs had the processors.
+double spentMs()
+{
+    timespec time{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return double(time.tv_sec) * 1e3 + double(time.tv_nsec) / 1e6;
+}
+
+/// The best of some rounds, each taken back, in milliseconds.
+double cost(LiveSession& live, int slot, int expected, const std::function<void()>& drop)
+{
+    double best = 1e9;
+    for (int i = 0; i < rounds; ++i) {
+        const double before = spentMs();
+        drop();
+        best = std::min(best, spentMs() - before);
+        if (!QTest::qWaitFor(
+                [&] {
+                    return bool(live.library()->slot({LiveSession::collection, expected}));
+                },
+                20000))
+            qFatal("slot %d was not made", expected);
+        if (i + 1 == rounds)
+            return best;
+        live.session->getQUndoStack()->undo();
+        if (!QTest::qWaitFor([&] { return !live.library()->slot({LiveSession::collection, slot}); }, 20000))
+            qFatal("slot %d was not taken back", slot);
+    }
+    return best;
+}
+
+struct Row
+{
+    const char* name;
+    double ms;
+};
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    QStandardPaths::setTestModeEnabled(true);
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication application(argc, argv);
+    // The log goes where that of the application goes, but for the eyes of the caller.
+    const int output = dup(STDOUT_FILENO);
+    if (output < 0 || !std::freopen("/dev/null", "w", stderr) || !std::freopen("/dev/null", "w", stdout))
+        return 1;
+    LogManager::instance().install();
+    test::OmbraProcess server;
+    LiveSession live;
+    if (!server.start() || !live.open(server))
+        qFatal("there is no server");
+    ImageSequenceCreator creator(live.session.get(), &live.manager);
+    MediaSlotDropHandler handler(&creator, live.session->fileSystemProvider());
+    const auto save = [](MediaDrop* drop) { drop->save(); };
+    QObject::connect(&handler, &MediaSlotDropHandler::mediaDropCreated, &application, save);
+
+    std::vector<Row> rows;
+    QList<MediaEntry> files;
+    for (int i = 0; i < 2000; ++i) {
+        MediaEntry entry;
+        entry.name = QStringLiteral("%1 Interview.mp4").arg(i);
+        entry.path = u'/' + entry.name;
+        entry.fileSystem = QStringLiteral("server");
+        entry.durationSeconds = 10;
+        entry.isPlayable = true;
+        files.append(entry);
+    }
+    const QVariantMap mime = SlotPayload::mimeOf(files);
+    rows.push_back({"drops/2000-server-files",
+                    cost(live, 1, 2000, [&] { handler.dropMimeData(mime, LiveSession::collection, 1); })});
+
+    QList<images::ImagesResult> stills;
+    for (int i = 0; i < 5000; ++i) {
+        images::ImagesResult result;
+        result.setStillImages({images::StillImage{QStringLiteral("/Stills/Plate %1 of all.png").arg(i)}});
+        stills.append(result);
+    }
+    AsyncFileSystemReader reader;
+    rows.push_back({"drops/5000-stills", cost(live, 2501, 7500, [&] {
+                        MediaDrop drop(&reader, &creator, LiveSession::collection, 2501);
+                        drop.setImageResults(stills);
+                        drop.save();
+                    })});
+
+    QList<int> moved(2000);
+    std::iota(moved.begin(), moved.end(), 1);
+    rows.push_back({"drops/2000-slots-moved", cost(live, 7501, 9500, [&] {
+                        MediaDrop drop(&reader, &creator, LiveSession::collection, 7501);
+                        drop.setCollectionSlots(moved);
+                        drop.save();
+                    })});
+    std::fflush(stdout);
+    dup2(output, STDOUT_FILENO);
+    LogManager::instance().setLogToStdOut(false);
+    for (const Row& row : rows)
+        bench::row(row.name, "one picture of a 60 Hz screen", row.ms, pictureMs, "ms", 1);
+    return 0;
+}
