@@ -1,15 +1,36 @@
 #include "common/notification/sortednotificationmodel.h"
 
+#include "common/notification/sortednotificationmodel_p.h"
+
 namespace vantrel {
+
+SortedNotificationModelPrivate::SortedNotificationModelPrivate(SortedNotificationModel* model)
+{
+    connect(&source, &NotificationModel::managerChanged, model, &SortedNotificationModel::managerChanged);
+}
 
 SortedNotificationModel::SortedNotificationModel(QObject* parent)
     : QSortFilterProxyModel(parent)
-    , m_source(new NotificationModel(this))
+    , d(std::make_unique<SortedNotificationModelPrivate>(this))
 {
-    connect(m_source, &NotificationModel::managerChanged, this, &SortedNotificationModel::managerChanged);
-    setSourceModel(m_source);
+    setSourceModel(&d->source);
     setSortRole(NotificationModel::DateTimeRole);
     sort(0, Qt::DescendingOrder);
+}
+
+SortedNotificationModel::~SortedNotificationModel()
+{
+    setSourceModel(nullptr); // it goes before the proxy's own end
+}
+
+NotificationManager* SortedNotificationModel::manager() const
+{
+    return d->source.manager();
+}
+
+void SortedNotificationModel::setManager(NotificationManager* manager)
+{
+    d->source.setManager(manager);
 }
 
 } // namespace vantrel

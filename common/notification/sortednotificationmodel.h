@@ -1,10 +1,14 @@
 #pragma once
 
-#include "common/notification/notificationmodel.h"
+#include "common/notification/notificationmanager.h"
 
 #include <QSortFilterProxyModel>
 
+#include <memory>
+
 namespace vantrel {
+
+class SortedNotificationModelPrivate;
 
 /// A manager's notifications, the newest first. Main thread only.
 class SortedNotificationModel : public QSortFilterProxyModel
@@ -14,15 +18,16 @@ class SortedNotificationModel : public QSortFilterProxyModel
 
 public:
     explicit SortedNotificationModel(QObject* parent = nullptr);
+    ~SortedNotificationModel() override;
 
-    NotificationManager* manager() const { return m_source->manager(); }
-    void setManager(NotificationManager* manager) { m_source->setManager(manager); }
+    NotificationManager* manager() const;
+    void setManager(NotificationManager* manager);
 
 Q_SIGNALS:
     void managerChanged();
 
 private:
-    NotificationModel* m_source;
+    std::unique_ptr<SortedNotificationModelPrivate> d;
 };
 
 } // namespace vantrel

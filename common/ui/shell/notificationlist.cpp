@@ -1,5 +1,6 @@
 #include "common/ui/shell/notificationlist.h"
 
+#include "common/notification/notificationmodel.h"
 #include "common/notification/sortednotificationmodel.h"
 #include "common/ui/shell/notificationstyle.h"
 #include "common/ui/style/colors.h"

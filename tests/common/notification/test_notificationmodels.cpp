@@ -48,6 +48,8 @@ private Q_SLOTS:
         QVERIFY(kept.isValid());
         QCOMPARE(m_model->headerData(3, Qt::Horizontal, Qt::DisplayRole).toString(),
                  QStringLiteral("Created"));
+        expectWarning(QStringLiteral("Unexpected role 999 on row 3"));
+        QVERIFY(!m_model->headerData(3, Qt::Horizontal, 999).isValid());
         QCOMPARE(m_model->index(1, 4).data(Qt::DisplayRole).toBool(), true);
         m_manager->clear();
         QCOMPARE(m_model->rowCount(), 0);
