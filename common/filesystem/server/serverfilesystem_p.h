@@ -54,9 +54,13 @@ public:
     void finishOperation(const QWeakPointer<RunnableOperation>& operation, bool succeeded,
                          const QList<ClientFileSystemInfo>& changes = {});
     /// What is left of an upload that will not be finished goes as soon as the client has time.
-    void removeLeftover(const QString& path);
+    /// Once more when it fails: whoever stops what is on the line may have stopped this.
+    void removeLeftover(const QString& path, int attempts = 2);
     /// What has stepped aside for another comes back in its place, likewise.
-    void putBack(const QString& aside, const QString& path);
+    void putBack(const QString& aside, const QString& path, int attempts = 2);
+    /// An order that was stopped on its way may have been carried out: when hidden has gone and the path is
+    /// taken, what stepped aside is not needed any more.
+    void putBackUnlessReplaced(const QString& aside, const QString& path, const QString& hidden);
     /// Those who show one of them read it again.
     void tellTouched(const QStringList& directories);
     static ClientFileSystemInfo directoryEntry(const QString& path);

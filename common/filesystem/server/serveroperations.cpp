@@ -271,25 +271,48 @@ bool ServerFileSystemPrivate::dropConnections(const BaseOperation* operation)
     return !connections.isEmpty();
 }
 
-void ServerFileSystemPrivate::removeLeftover(const QString& path)
+void ServerFileSystemPrivate::removeLeftover(const QString& path, int attempts)
 {
     m_commands.ask(this, {ServerCommands::Kind::Remove,
                           [path](FileSystemClient& client) { return client.remove(path); },
-                          [this, path](ServerCommands::Outcome outcome) {
+                          [this, path, attempts](ServerCommands::Outcome outcome) {
                               if (outcome == ServerCommands::Outcome::LinkLost)
-                                  removeLeftover(path);
+                                  removeLeftover(path, attempts);
+                              else if (outcome == ServerCommands::Outcome::Failed && attempts > 1)
+                                  removeLeftover(path, attempts - 1);
                               else
                                   m_listings.remove(path);
                           }});
 }
 
-void ServerFileSystemPrivate::putBack(const QString& aside, const QString& path)
+void ServerFileSystemPrivate::putBack(const QString& aside, const QString& path, int attempts)
 {
     m_commands.ask(this, {ServerCommands::Kind::Move,
                           [aside, path](FileSystemClient& client) { return client.move(aside, path); },
-                          [this, aside, path](ServerCommands::Outcome outcome) {
+                          [this, aside, path, attempts](ServerCommands::Outcome outcome) {
                               if (outcome == ServerCommands::Outcome::LinkLost)
+                                  return putBack(aside, path, attempts);
+                              if (outcome == ServerCommands::Outcome::Failed && attempts > 1)
+                                  return putBack(aside, path, attempts - 1);
+                              tellTouched({getParentPath(path)});
+                          }});
+}
+
+void ServerFileSystemPrivate::putBackUnlessReplaced(const QString& aside, const QString& path,
+                                                    const QString& hidden)
+{
+    if (hidden.isEmpty())
+        return putBack(aside, path);
+    const QString directory = getParentPath(path);
+    m_commands.ask(this, {ServerCommands::Kind::List,
+                          [directory](FileSystemClient& client) { return client.list(directory); },
+                          [this, aside, path, hidden](ServerCommands::Outcome outcome) {
+                              // Later on hidden may have been removed, and tells nothing.
+                              const bool isReplaced = outcome == ServerCommands::Outcome::Done &&
+                                                      m_listings.entry(path) && !m_listings.entry(hidden);
+                              if (!isReplaced)
                                   return putBack(aside, path);
+                              removeLeftover(aside);
                               tellTouched({getParentPath(path)});
                           }});
 }

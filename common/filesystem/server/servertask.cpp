@@ -71,13 +71,14 @@ void ServerTask::onAborted()
     m_server->tellTouched(touched());
 }
 
-void ServerTask::stepAside(const QString& destination, Step next)
+void ServerTask::stepAside(const QString& destination, const QString& hidden, Step next)
 {
     const QString name = QStringLiteral(".halcyra-%1.old").arg(QUuid::createUuid().toString(QUuid::Id128));
     const QString aside = createJoinedPath(getParentPath(destination), name, false);
     // From now on: who stops in the midst of it does not know how far it has come.
     m_aside = aside;
     m_replaced = destination;
+    m_hidden = hidden;
     const auto goOn = [this, destination, next = std::move(next)] {
         m_server->listings().remove(destination);
         next();
@@ -85,15 +86,21 @@ void ServerTask::stepAside(const QString& destination, Step next)
     askOnce(
         Kind::Move,
         [destination, aside](FileSystemClient& client) { return client.move(destination, aside); },
-        [this, destination, aside, goOn](Outcome outcome) {
+        [this, destination, aside, hidden, goOn](Outcome outcome) {
             if (outcome == Outcome::LinkLost)
-                return readAnew(getParentPath(destination), [this, destination, aside, goOn] {
-                    m_server->listings().entry(aside) ? goOn() : stepAside(destination, goOn);
+                return readAnew(getParentPath(destination), [this, destination, aside, hidden, goOn] {
+                    m_server->listings().entry(aside) ? goOn() : stepAside(destination, hidden, goOn);
                 });
             if (outcome == Outcome::Done)
                 return goOn();
-            m_aside.clear();
-            fail(tr("<code>%1</code> could not be replaced").arg(destination.toHtmlEscaped()));
+            noteReason(outcome);
+            // One that was stopped on its way may have been carried out.
+            readAnew(getParentPath(destination), [this, destination, aside, goOn] {
+                if (m_server->listings().entry(aside))
+                    return goOn();
+                m_aside.clear();
+                fail(tr("<code>%1</code> could not be replaced").arg(destination.toHtmlEscaped()));
+            });
         });
 }
 
@@ -104,7 +111,7 @@ void ServerTask::endAside(bool isReplaced)
     if (isReplaced)
         m_server->removeLeftover(m_aside);
     else
-        m_server->putBack(m_aside, m_replaced);
+        m_server->putBackUnlessReplaced(m_aside, m_replaced, m_hidden);
     m_aside.clear();
 }
 

@@ -50,8 +50,9 @@ protected:
     virtual QStringList touched() const { return {}; }
 
     /// For a server that puts nothing in the place of another file: what lies there steps aside until the new
-    /// one has its name, so that nothing is lost whatever happens between.
-    void stepAside(const QString& destination, Step next);
+    /// one has its name, so that nothing is lost whatever happens between. hidden: where the new one lies
+    /// until then, if in the same directory.
+    void stepAside(const QString& destination, const QString& hidden, Step next);
     bool hasSteppedAside() const { return !m_aside.isEmpty(); }
     /// What has stepped aside goes, or comes back when nothing has taken its place.
     void endAside(bool isReplaced);
@@ -80,6 +81,7 @@ private:
     bool m_mayReplace = false;
     QString m_aside;    // where what is being replaced lies meanwhile
     QString m_replaced; // where it belongs
+    QString m_hidden;   // where what replaces it lies before, or nothing
     QString m_reason;
 };
 

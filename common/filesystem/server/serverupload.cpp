@@ -259,7 +259,7 @@ void ServerUpload::onRenamed(Outcome outcome)
         if (!isTaken || hasSteppedAside())
             fail(tr("<code>%1</code> could not be written").arg(m_destination.toHtmlEscaped()));
         else if (mayReplace())
-            stepAside(m_destination, [this] { rename(); });
+            stepAside(m_destination, m_temporary, [this] { rename(); });
         else
             meetThere();
     });

@@ -207,7 +207,10 @@ void TestTransferStorm::storm()
     qInfo("%lld operations, %d passed", static_cast<long long>(m_queue->allOperations().size()), passed);
     QList<QByteArray> seen;
     for (const QString& side : {m_disk->path(), there}) {
-        QTRY_COMPARE_WITH_TIMEOUT(filesIn(side, true).keys(), QStringList(), 10000);
+        const auto isClean = [&] { return filesIn(side, true).isEmpty(); };
+        QVERIFY2(QTest::qWaitFor(isClean, 10000),
+                 qPrintable(QStringLiteral("seed %1: ").arg(seed) +
+                            QStringList(filesIn(side, true).keys()).join(u' ')));
         const auto files = filesIn(side, false);
         for (auto file = files.cbegin(); file != files.cend(); ++file) {
             QVERIFY2(contents.contains(file.value()),
