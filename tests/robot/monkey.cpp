@@ -56,6 +56,7 @@ const QStringList disturbedWarnings = {
     QStringLiteral("Getting system property failed"),
     QStringLiteral("PlayMediaCommand"), // while there is no channel to play on
     QStringLiteral("No object found for path /device/channels/"),
+    QStringLiteral("No object set"), // as the two above
     QStringLiteral("Playback object for index '0' not found"),
     QStringLiteral("this method must only be called once"), // Qt's own, of a reply that fails twice
     QStringLiteral("Not a JPEG file: "),                    // of the library that decodes pictures
