@@ -90,8 +90,6 @@ public:
     bool isRoomForInsertBefore(const QList<QModelIndex>& indexes, uint count) const;
     bool isRoomForInsertAfter(const QList<QModelIndex>& indexes, uint count) const;
     bool hasPlaylist() const;
-    /// Once what is under way has arrived.
-    bool willHavePlaylist() const;
     /// Behind which entry of the list something goes that is put below this row on the screen; an invalid
     /// index is the top of the screen, an invalid address the start of the list.
     EntryAddress addressAbove(const QModelIndex& target) const;
@@ -107,6 +105,7 @@ private:
     const MediaLibrary* library() const;
     const Playlist* list() const; // null when there is none
     bool areEditsUnderWay() const;
+    bool willHavePlaylist() const; // once what is under way has arrived
     int number() const { return static_cast<int>(playlistNumber()); }
     QModelIndex selectedIndex() const;
     QList<EntryAddress> sortedAddresses(const QList<QModelIndex>& indexes) const;
