@@ -204,8 +204,11 @@ void SlotGridModel::onDataChanged(const QModelIndex& first, const QModelIndex& l
     if (begin != end)
         Q_EMIT dataChanged(index(static_cast<int>(begin - m_rows.begin())),
                            index(static_cast<int>(end - m_rows.begin()) - 1));
-    // Thumbnails come one by one, and change nothing else.
+    // The look under way has yet to come there.
     const int slot = first.row();
+    if (m_turn.isActive() && slot >= m_next)
+        return;
+    // Thumbnails come one by one, and change nothing else.
     if (m_turn.isActive() || slot != last.row() ||
         (rowOf(slot) >= 0) != (slot > 0 && holdsMedia(slot) && passes(slot)))
         refresh();
