@@ -242,8 +242,9 @@ void MainWindow::initMediaView()
     sources.provider = m_session->mediaLibraryProvider();
     sources.playlists = m_session->playlistProvider();
     sources.session = m_session;
-    addView(MediaTab, tr("MEDIA"), icon, QStringLiteral("MainNavigationBar-media-button"),
-            new MediaView(sources, m_tabs));
+    auto* view = new MediaView(sources, m_tabs);
+    connect(view, &MediaView::connectRequested, this, &MainWindow::handleConnectRequest);
+    addView(MediaTab, tr("MEDIA"), icon, QStringLiteral("MainNavigationBar-media-button"), view);
 }
 
 void MainWindow::initPlayerView()

@@ -8,7 +8,6 @@
 #include "common/session/link/signalrelay.h"
 #include "common/session/session.h"
 #include "common/session/settings/storedvalue.h"
-#include "common/session/window/mainwindowhandle.h"
 #include "common/ui/keyboard/hotkeys.h"
 #include "common/ui/keyboard/hotkeytip.h"
 #include "common/ui/toolkit/ztdrag.h"
@@ -125,12 +124,6 @@ void MediaActions::clear(const QList<int>& slotNumbers)
 {
     if (isEditable() && !slotNumbers.isEmpty())
         MediaSlotEditFunctional::clearSlots(m_model->collection(), slotNumbers);
-}
-
-void MediaActions::connectToServer()
-{
-    if (QWidget* window = mainWindowWidget())
-        QMetaObject::invokeMethod(window, "handleConnectRequest");
 }
 
 QString MediaActions::actionOf(int key, int modifiers) const

@@ -49,7 +49,6 @@ public:
     Q_INVOKABLE void cue(int slot);
     Q_INVOKABLE bool rename(int slot, const QString& name);
     Q_INVOKABLE void clear(const QList<int>& slotNumbers);
-    Q_INVOKABLE void connectToServer();
     /// "cue", "rename" or "delete" for the keys that the operator has given to it; empty for others.
     Q_INVOKABLE QString actionOf(int key, int modifiers) const;
     Q_INVOKABLE QString keysOf(const QString& action) const;
@@ -66,6 +65,8 @@ public:
     Q_INVOKABLE void endDrop();
 
 Q_SIGNALS:
+    /// The operator wants a server.
+    void connectRequested();
     void libraryChanged();
     void isTableChanged();
     void lastCollectionChanged();

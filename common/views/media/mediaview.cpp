@@ -85,9 +85,9 @@ void MediaView::load()
     context->setContextProperty(QStringLiteral("sortedMediaLibraryModel"),
                                 new SortedLibraryModel(m_sources.library, this));
     context->setContextProperty(QStringLiteral("slotModel"), m_slots);
-    context->setContextProperty(
-        QStringLiteral("mediaActions"),
-        new MediaActions(m_view, m_slots, m_sources.library, m_sources.session, m_view));
+    auto* actions = new MediaActions(m_view, m_slots, m_sources.library, m_sources.session, m_view);
+    connect(actions, &MediaActions::connectRequested, this, &MediaView::connectRequested);
+    context->setContextProperty(QStringLiteral("mediaActions"), actions);
     m_view->setSource(file);
     layout()->addWidget(m_view);
     setFocusProxy(m_view);

@@ -39,6 +39,9 @@ public:
     /// Null before the view was shown.
     QQuickWidget* quickWidget() const { return m_view; }
 
+Q_SIGNALS:
+    void connectRequested();
+
 protected:
     void showEvent(QShowEvent* event) override;
 

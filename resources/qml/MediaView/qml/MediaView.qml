@@ -45,7 +45,7 @@ ZTQMLWidget {
             iconName: "linked"
             text: qsTr("Connect to server")
             tip: qsTr("Choose a server to connect to")
-            onClicked: mediaActions.connectToServer()
+            onClicked: mediaActions.connectRequested()
         }
     }
     ZTSplitView {

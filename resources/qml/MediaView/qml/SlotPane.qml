@@ -218,7 +218,7 @@ FocusScope {
             iconName: "linked"
             text: qsTr("Connect to server")
             tip: qsTr("Choose a server to connect to")
-            onClicked: mediaActions.connectToServer()
+            onClicked: mediaActions.connectRequested()
         }
     }
     Loader {
