@@ -286,12 +286,15 @@ private Q_SLOTS:
     void stoppedWhileItReplaces_data()
     {
         QTest::addColumn<bool>("isPlaced");
-        QTest::newRow("done all the same") << true;
-        QTest::newRow("not done") << false;
+        QTest::addColumn<bool>("isTaken");
+        QTest::newRow("done all the same") << true << true;
+        QTest::newRow("not done") << false << false;
+        QTest::newRow("not done, and somebody else took the name") << false << true;
     }
     void stoppedWhileItReplaces()
     {
         QFETCH(bool, isPlaced);
+        QFETCH(bool, isTaken);
         const auto upload = transferUp(QByteArray(30, 'x'), QStringLiteral("/a.mov"));
         const QList<ClientFileSystemInfo> there{fileEntry(QStringLiteral("/a.mov"), 5)};
         know(QStringLiteral("/"), there);
@@ -304,9 +307,12 @@ private Q_SLOTS:
         upload->abort();
         client()->finishMove(QStringLiteral("/a.mov"), aside, false);
         QTRY_COMPARE(client()->last(), QStringLiteral("list /"));
-        client()->finishList(QStringLiteral("/"),
-                             {fileEntry(aside, 5),
-                              isPlaced ? fileEntry(QStringLiteral("/a.mov"), 30) : fileEntry(temporary, 30)});
+        QList<ClientFileSystemInfo> left{fileEntry(aside, 5)};
+        if (isTaken)
+            left.append(fileEntry(QStringLiteral("/a.mov"), 30));
+        if (!isPlaced)
+            left.append(fileEntry(temporary, 30));
+        client()->finishList(QStringLiteral("/"), left);
         QTRY_COMPARE(client()->last(), QStringLiteral("remove ") + temporary);
         client()->finishRemove(temporary, true);
         QTRY_COMPARE(client()->last(), isPlaced ? QStringLiteral("remove ") + aside
