@@ -13,8 +13,9 @@ struct HttpRequest
     std::string path;   // as sent, without the query
     std::string query;  // without the "?"
     std::string body;
-    std::string contentType = {}; // these two as the fields say, empty without one
+    std::string contentType = {}; // these three as the fields say, empty without one
     std::string ifMatch = {};
+    std::string idempotencyKey = {};
     std::function<bool()> isWanted = {}; // whether somebody still waits for the answer; none: nobody knows
 };
 

@@ -235,6 +235,7 @@ void HttpSession::bodyRead(beast::error_code code)
     plain.body = std::move(request.body());
     plain.contentType = request[http::field::content_type];
     plain.ifMatch = request[http::field::if_match];
+    plain.idempotencyKey = request["Idempotency-Key"];
     plain.isWanted = [self = shared_from_this()] { return self->isListening(); };
     m_handlers->request(std::move(plain),
                         [self = shared_from_this()](HttpReply reply) { self->answer(std::move(reply)); });

@@ -18,6 +18,7 @@ namespace vantrel::ombra {
 namespace {
 
 constexpr std::size_t readAtOnce = 64 * 1024; // bytes
+constexpr std::size_t longestKey = 128;       // bytes
 
 /// What the text of a body holds: a value, or why there is none.
 template <typename T>
@@ -207,13 +208,16 @@ void RestApi::postLibrary(const Request& request, const HttpAnswer& answer)
 
 void RestApi::patchLibrary(const Request& request, const HttpAnswer& answer)
 {
+    if (request->idempotencyKey.size() > longestKey)
+        return answer(httpError(400, "the Idempotency-Key is longer than 128 characters"));
     const auto read = [request] { return readPatch(request->body); };
     aside(request->body.size(), read, [this, request, answer](const Reading<Patch>& reading) {
         if (reading.status != 200)
             return answer(httpError(reading.status, reading.error));
-        if (isUpToDate(*request, answer))
-            m_store.patchLibrary(reading.value,
-                                 [answer](const EditResult& result) { answerEdit(answer, result); });
+        const std::string& key = request->idempotencyKey;
+        const auto tell = [answer](const EditResult& result) { answerEdit(answer, result); };
+        if (!m_repeatedEdits.answers(key, tell) && isUpToDate(*request, answer))
+            m_store.patchLibrary(reading.value, m_repeatedEdits.begin(key, tell));
     });
 }
 

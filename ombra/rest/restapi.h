@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ombra/rest/http.h"
+#include "ombra/rest/repeatededits.h"
 #include "tarn/json/json.h"
 
 #include <boost/asio/io_context.hpp>
@@ -60,6 +61,7 @@ private:
     static void answerEdit(const HttpAnswer& answer, const EditResult& result);
 
     ShowStore& m_store;
+    RepeatedEdits m_repeatedEdits;
     MediaData& m_mediaData;
     ShowFiles& m_showFiles;
     std::map<std::string, std::map<std::string, Route>, std::less<>> m_routes; // by path, then method

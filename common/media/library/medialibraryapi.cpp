@@ -12,6 +12,7 @@
 #include <QNetworkRequest>
 #include <QTimer>
 #include <QUrl>
+#include <QUuid>
 
 #include <algorithm>
 #include <string>
@@ -147,6 +148,9 @@ QNetworkReply* MediaLibraryApi::patchMediaLibrary(const Patch& patch, std::optio
     QNetworkRequest request = jsonRequest(QStringLiteral("/medialibrary"));
     if (revision)
         request.setRawHeader("If-Match", '"' + QByteArray::number(*revision) + '"');
+    // The network layer sends a request again by itself when a kept connection breaks before the answer.
+    request.setRawHeader("Idempotency-Key",
+                         '"' + QUuid::createUuid().toByteArray(QUuid::WithoutBraces) + '"');
     request.setTransferTimeout(answerTime); // the edits behind it wait for the answer
     return m_manager->sendCustomRequest(request, QByteArrayLiteral("PATCH"), body);
 }

@@ -1,4 +1,5 @@
 #include "common/media/address/showntext.h"
+#include "common/media/library/medialibraryapi.h"
 #include "common/media/net/serveraccess.h"
 #include "tests/support/testmain.h"
 
@@ -185,6 +186,42 @@ private Q_SLOTS:
         QVERIFY2(clock.elapsed() < 1000, qPrintable(QString::number(clock.elapsed())));
         QTRY_VERIFY(edit->isFinished());
         QVERIFY(edit->error() != QNetworkReply::NoError);
+    }
+
+    /// An edit whose answer is lost with a kept connection is sent again by the network layer: by its key the
+    /// server knows that it is the same one. The next edit has another.
+    void sendsAnEditAgainAsTheSame()
+    {
+        QTcpServer server;
+        QVERIFY(server.listen(QHostAddress::LocalHost));
+        QByteArrayList keys;
+        connect(&server, &QTcpServer::newConnection, this, [&] {
+            QTcpSocket* socket = server.nextPendingConnection();
+            connect(socket, &QTcpSocket::readyRead, socket, [socket, &keys] {
+                const QByteArray request = socket->readAll();
+                if (request.startsWith("PATCH")) {
+                    const qsizetype start = request.indexOf("Idempotency-Key: ");
+                    keys.append(request.mid(start, request.indexOf('\r', start) - start));
+                    if (keys.size() == 1)
+                        return socket->abort();
+                }
+                socket->write("HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\n{}");
+            });
+        });
+        ServerAccess access;
+        MediaLibraryApi api(QStringLiteral("127.0.0.1"), &access, nullptr);
+        api.setPort(server.serverPort());
+        const auto goes = [](QNetworkReply* sent) {
+            const std::unique_ptr<QNetworkReply> reply(sent);
+            return QTest::qWaitFor([&] { return reply->isFinished(); }) &&
+                   reply->error() == QNetworkReply::NoError;
+        };
+        Patch patch;
+        QVERIFY(Patch::parseString(R"([{"op":"remove","path":"/playlists/1"}])", patch));
+        QVERIFY(goes(api.getCollections()));
+        QVERIFY(goes(api.patchMediaLibrary(patch)) && goes(api.patchMediaLibrary(patch)));
+        QCOMPARE(keys.size(), 3);
+        QVERIFY(keys[0].size() > 30 && keys[1] == keys[0] && keys[2] != keys[0]);
     }
 
     /// The next session's requests go over connections of their own, and are not cut off.

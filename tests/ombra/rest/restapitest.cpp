@@ -165,13 +165,23 @@ private Q_SLOTS:
                 412);
     }
 
+    void takesOneOfTwo_data()
+    {
+        QTest::addColumn<QByteArray>("key");
+        QTest::addColumn<int>("taken");
+        QTest::newRow("two edits") << QByteArray() << 1;
+        QTest::newRow("one edit, sent again") << QByteArray("Idempotency-Key: \"one\"\r\n") << 2;
+    }
+
     /// Two edits made for the same revision, the second before the first is on the disk.
     void takesOneOfTwo()
     {
+        QFETCH(QByteArray, key);
+        QFETCH(int, taken);
         const QByteArray field = "If-Match: " + m_live.request("GET", "/medialibrary").tag + "\r\n";
         const QByteArray add = R"([{"op":"add","path":"/collections/9","value":{"name":"new","slots":{}}}])";
         const QByteArray edit =
-            "PATCH /api/brume/v1/medialibrary HTTP/1.1\r\nHost: localhost\r\n" + field +
+            "PATCH /api/brume/v1/medialibrary HTTP/1.1\r\nHost: localhost\r\n" + field + key +
             "Content-Type: application/json\r\nContent-Length: " + QByteArray::number(add.size()) +
             "\r\n\r\n" + add;
         std::array<QTcpSocket, 2> sockets;
@@ -185,8 +195,33 @@ private Q_SLOTS:
                 answers[i] += sockets[i].readAll();
             return answers[0].contains("}") && answers[1].contains("}");
         }));
-        QCOMPARE(answers[0].startsWith("HTTP/1.1 200") + answers[1].startsWith("HTTP/1.1 200"), 1);
-        QCOMPARE(answers[0].startsWith("HTTP/1.1 412") + answers[1].startsWith("HTTP/1.1 412"), 1);
+        QCOMPARE(answers[0].startsWith("HTTP/1.1 200") + answers[1].startsWith("HTTP/1.1 200"), taken);
+        QCOMPARE(answers[0].startsWith("HTTP/1.1 412") + answers[1].startsWith("HTTP/1.1 412"), 2 - taken);
+    }
+
+    /// A request that is sent again, since its answer was lost, is the edit that was made, whatever came
+    /// since; one that was refused is not.
+    void countsARepeatedEditOnce()
+    {
+        const QByteArray bad = R"([{"op":"remove","path":"/collections/99"}])";
+        QCOMPARE(m_live.request("PATCH", "/medialibrary", bad, "Idempotency-Key: \"a\"\r\n").status, 409);
+        const QByteArray tag = m_live.request("GET", "/medialibrary").tag;
+        const QByteArray fields = "Idempotency-Key: \"a\"\r\nIf-Match: " + tag + "\r\n";
+        const QByteArray patch = R"([{"op":"add","path":"/playlists/7","value":{"name":"7","entries":{}}}])";
+        const LiveServer::Answer first = m_live.request("PATCH", "/medialibrary", patch, fields);
+        QCOMPARE(first.status, 200);
+        const QByteArray remove = R"([{"op":"remove","path":"/playlists/7"}])";
+        const LiveServer::Answer last = m_live.request("PATCH", "/medialibrary", remove);
+        QCOMPARE(last.status, 200);
+        const LiveServer::Answer again = m_live.request("PATCH", "/medialibrary", patch, fields);
+        QCOMPARE(again.status, 200);
+        QCOMPARE(again.tag, first.tag);
+        QCOMPARE(m_live.request("GET", "/medialibrary").tag, last.tag);
+        QCOMPARE(
+            m_live
+                .request("PATCH", "/medialibrary", patch, "Idempotency-Key: " + QByteArray(129, 'a') + "\r\n")
+                .status,
+            400);
     }
 
     /// Each accepted patch is one message; a client that folds blanks as the application does ends with the
