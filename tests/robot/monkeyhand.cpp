@@ -12,6 +12,8 @@ namespace {
 const QStringList forbiddenEntries = {QStringLiteral("Exit"), QStringLiteral("Import show"),
                                       QStringLiteral("Export show"), QStringLiteral("Save diagnostics...")};
 
+const QString mainMenu = QStringLiteral("MainNavigationBar-mainmenu");
+
 const QStringList texts = {
     QStringLiteral("walk-in"), QStringLiteral("12"),           QStringLiteral("<b>%1</b>"),
     QStringLiteral("-0.5"),    QStringLiteral("a/b~1 \""),     QStringLiteral("99999"),
@@ -169,8 +171,12 @@ QString MonkeyHand::mouse(const QString& operation, const QJsonObject& target)
 
 QString MonkeyHand::key(const QString& name)
 {
-    ask({{"operation", "key_press"}, {"keyName", name}});
-    return QStringLiteral("key ") + name;
+    // In the open menu it may choose what would end the run.
+    const bool isChoice = name == QLatin1String("Enter") || name == QLatin1String("Space");
+    const bool isInMenu = isChoice && m_robot.find(mainMenu)["visible"].toBool();
+    const QString pressed = isInMenu ? QStringLiteral("Esc") : name;
+    ask({{"operation", "key_press"}, {"keyName", pressed}});
+    return QStringLiteral("key ") + pressed;
 }
 
 QString MonkeyHand::click()
@@ -251,8 +257,7 @@ QString MonkeyHand::openMenu()
 {
     const QJsonObject button = pick([](const QJsonObject& seen) {
         const QString name = seen["objectName"].toString();
-        return name == QLatin1String("MainNavigationBar-mainmenu-button") ||
-               name == QLatin1String("MediaPanel-menu-button");
+        return name == mainMenu + QLatin1String("-button") || name == QLatin1String("MediaPanel-menu-button");
     });
     return mouse(QStringLiteral("click"), button);
 }
@@ -285,15 +290,14 @@ QString MonkeyHand::inConnectDialog()
 QString MonkeyHand::connectToServer()
 {
     const QString field = QStringLiteral("ConnectDialog-input-AddressBar");
-    const QString menu = QStringLiteral("MainNavigationBar-mainmenu");
     look();
     // Below another dialog its buttons may be out of the mouse's reach.
     if (!isVisible(QStringLiteral("ConnectDialog")) || std::ranges::count_if(m_seen, isDialog) > 1) {
         if (!calm())
             return QStringLiteral("no rest: ") + visibleDialogs();
         ask({{"operation", "raise"}, {"objectName", "MainWindow"}}); // above windows for service
-        if (!m_robot.click(menu + QStringLiteral("-button")) ||
-            !m_robot.clickMenuEntry(menu, QStringLiteral("Connect to server...")))
+        if (!m_robot.click(mainMenu + QStringLiteral("-button")) ||
+            !m_robot.clickMenuEntry(mainMenu, QStringLiteral("Connect to server...")))
             return QStringLiteral("no connect in the menu");
     }
     if (!m_robot.find(field)["visible"].toBool())
