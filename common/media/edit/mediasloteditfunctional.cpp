@@ -4,6 +4,7 @@
 #include "common/media/address/medialogging.h"
 #include "common/media/edit/slot/clearslotfromcollectioncommand.h"
 #include "common/media/edit/slot/editslotscalingcommand.h"
+#include "common/media/edit/slot/pointslotsatfilecommand.h"
 #include "common/media/edit/slot/renameslotcommand.h"
 #include "common/media/library/medialibraryprovider.h"
 #include "common/session/session.h"
@@ -46,6 +47,11 @@ bool MediaSlotEditFunctional::rename(MediaAddress slot, const QString& name)
 bool MediaSlotEditFunctional::clearSlots(int collection, const QList<int>& slotNumbers)
 {
     return edit<ClearSlotFromCollectionCommand>(collection, slotNumbers);
+}
+
+bool MediaSlotEditFunctional::pointAtFile(const QList<MediaAddress>& slotAddresses, const GuiMediaSlot& file)
+{
+    return edit<PointSlotsAtFileCommand>(slotAddresses, file);
 }
 
 } // namespace vantrel

@@ -307,7 +307,9 @@ QVariant MediaLibraryModel::knownData(const MediaLibraryItem& item, const QModel
         return knownFaults(item);
     case KnownTypeRole: {
         const MediaMetadataPtr metadata = m_aggregator ? m_aggregator->knownMetadata(item.url()) : nullptr;
-        return static_cast<int>(metadata ? metadata->getMediaType() : item.mediaType());
+        // Of a file that is missing the slot still knows what it was.
+        const bool isTold = metadata && metadata->getMediaType() != MediaType::Unknown;
+        return static_cast<int>(isTold ? metadata->getMediaType() : item.mediaType());
     }
     default:
         return {};

@@ -106,6 +106,8 @@ public:
     static QString normalizeMediaAddress(const QString& address);
     /// The slot that a playlist entry's URL leads to. Any thread.
     MediaAddress resolvePlaylistAddress(const QString& address) const;
+    /// Every slot that plays the file, in address order.
+    QList<MediaAddress> slotsWith(const QUrl& mediaUrl);
     QStringList mediaCaveats(const QModelIndex& index) const;
     QVariant fetchThumbnail(const QModelIndex& index) const;
 

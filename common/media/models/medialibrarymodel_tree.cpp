@@ -115,6 +115,14 @@ QList<QModelIndex> MediaLibraryModel::findItemsByUrl(const QUrl& mediaUrl)
     return found;
 }
 
+QList<MediaAddress> MediaLibraryModel::slotsWith(const QUrl& mediaUrl)
+{
+    QList<MediaAddress> found;
+    for (const QModelIndex& row : findItemsByUrl(mediaUrl))
+        found.append(addressOf(row));
+    return found;
+}
+
 void MediaLibraryModel::onCollectionChanged(uint index)
 {
     const int row = rowOf(static_cast<int>(index));

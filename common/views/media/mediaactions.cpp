@@ -22,6 +22,7 @@ namespace vantrel {
 namespace {
 
 const QString tableKey = QStringLiteral("Window/MediaAsTable");
+const QString detailsKey = QStringLiteral("Window/MediaDetails");
 const QString collectionKey = QStringLiteral("Window/MediaCollection");
 
 } // namespace
@@ -36,6 +37,7 @@ MediaActions::MediaActions(QWidget* view, SlotGridModel* model, MediaLibraryMode
     , m_manager(std::make_unique<ImplMediaCollectionManager>())
     , m_drops(std::make_unique<SlotDrops>(session, m_manager.get(), view))
     , m_isTable(storedValue(tableKey, false).toBool())
+    , m_hasDetails(storedValue(detailsKey, true).toBool())
 {
     m_drops->setObstacle([this] {
         return isEditable() ? QString() : tr("There is no library to edit. Drop it again once it is back.");
@@ -93,6 +95,15 @@ void MediaActions::setIsTable(bool isTable)
     m_isTable = isTable;
     storeValue(tableKey, isTable);
     Q_EMIT isTableChanged();
+}
+
+void MediaActions::setHasDetails(bool hasDetails)
+{
+    if (m_hasDetails == hasDetails)
+        return;
+    m_hasDetails = hasDetails;
+    storeValue(detailsKey, hasDetails);
+    Q_EMIT hasDetailsChanged();
 }
 
 int MediaActions::lastCollection() const

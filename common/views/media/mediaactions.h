@@ -28,6 +28,8 @@ class MediaActions : public QObject
     Q_PROPERTY(QString obstacle READ obstacle NOTIFY libraryChanged)
     /// Slots as a table or as pictures. Kept in the settings.
     Q_PROPERTY(bool isTable READ isTable WRITE setIsTable NOTIFY isTableChanged)
+    /// Whether what is selected is told about beside the slots. Kept in the settings.
+    Q_PROPERTY(bool hasDetails READ hasDetails WRITE setHasDetails NOTIFY hasDetailsChanged)
     /// The collection that was chosen last, -1 for none. Kept in the settings.
     Q_PROPERTY(int lastCollection READ lastCollection WRITE setLastCollection NOTIFY lastCollectionChanged)
 
@@ -43,6 +45,8 @@ public:
     QString obstacle() const;
     bool isTable() const { return m_isTable; }
     void setIsTable(bool isTable);
+    bool hasDetails() const { return m_hasDetails; }
+    void setHasDetails(bool hasDetails);
     int lastCollection() const;
     void setLastCollection(int collection);
 
@@ -69,6 +73,7 @@ Q_SIGNALS:
     void connectRequested();
     void libraryChanged();
     void isTableChanged();
+    void hasDetailsChanged();
     void lastCollectionChanged();
 
 private:
@@ -87,6 +92,7 @@ private:
     bool m_isConnected = false;
     bool m_isRead = false;
     bool m_isTable = false;
+    bool m_hasDetails = true;
 };
 
 } // namespace vantrel

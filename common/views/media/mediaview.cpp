@@ -1,14 +1,18 @@
 #include "common/views/media/mediaview.h"
 
 #include "common/media/items/abstractplaylistprovider.h"
+#include "common/media/library/medialibraryprovider.h"
 #include "common/media/models/collectionselectormodel.h"
 #include "common/media/models/medialibrarymodel.h"
 #include "common/media/models/sortedcollectionselectormodel.h"
 #include "common/media/models/sortedlibrarymodel.h"
 #include "common/qml/qmlmanager.h"
 #include "common/qml/quickview.h"
+#include "common/session/session.h"
 #include "common/ui/style/colors.h"
+#include "common/views/media/filechoice.h"
 #include "common/views/media/mediaactions.h"
+#include "common/views/media/slotdetails.h"
 #include "common/views/media/slotgridmodel.h"
 
 #include <QLoggingCategory>
@@ -73,6 +77,16 @@ void MediaView::load()
     m_view->setAccessibleName(tr("Media"));
     m_view->setClearColor(colors::getColor(colors::Slate_grey_900));
     connect(m_view, &QQuickWidget::sceneGraphError, this, &MediaView::onSceneGraphError);
+    setContext();
+    m_view->setSource(file);
+    layout()->addWidget(m_view);
+    setFocusProxy(m_view);
+    if (m_wanted >= 0)
+        selectCollection(m_wanted);
+}
+
+void MediaView::setContext()
+{
     const auto isUsed = [playlists = m_sources.playlists](const MediaAddress& slot) {
         return playlists && !playlists->slotEntries(slot).isEmpty();
     };
@@ -88,11 +102,16 @@ void MediaView::load()
     auto* actions = new MediaActions(m_view, m_slots, m_sources.library, m_sources.session, m_view);
     connect(actions, &MediaActions::connectRequested, this, &MediaView::connectRequested);
     context->setContextProperty(QStringLiteral("mediaActions"), actions);
-    m_view->setSource(file);
-    layout()->addWidget(m_view);
-    setFocusProxy(m_view);
-    if (m_wanted >= 0)
-        selectCollection(m_wanted);
+    Session* session = m_sources.session;
+    context->setContextProperty(
+        QStringLiteral("fileChoice"),
+        new FileChoice(m_sources.library, session ? session->fileSystemProvider() : nullptr, m_view));
+    const SlotDetails::Sources known{.slots_ = m_slots,
+                                     .library = m_sources.library,
+                                     .provider = m_sources.provider,
+                                     .playlists = m_sources.playlists,
+                                     .aggregator = session ? session->mediaDataAggregator() : nullptr};
+    context->setContextProperty(QStringLiteral("slotDetails"), new SlotDetails(known, m_view));
 }
 
 void MediaView::followPlaylists()

@@ -7,10 +7,10 @@ class QQuickWidget;
 
 namespace vantrel {
 
-class AbstractMediaLibraryProvider;
 class AbstractPlaylistProvider;
 class CollectionSelectorModel;
 class MediaLibraryModel;
+class MediaLibraryProvider;
 class Session;
 class SlotGridModel;
 
@@ -25,7 +25,7 @@ public:
     struct Sources
     {
         MediaLibraryModel* library = nullptr;
-        AbstractMediaLibraryProvider* provider = nullptr;
+        MediaLibraryProvider* provider = nullptr;
         AbstractPlaylistProvider* playlists = nullptr; // null knows of no use of a slot
         Session* session = nullptr;                    // null has no server
     };
@@ -47,6 +47,7 @@ protected:
 
 private:
     void load();
+    void setContext();
     void followPlaylists();
     void onSceneGraphError(QQuickWindow::SceneGraphError error, const QString& message);
 

@@ -61,18 +61,14 @@ QVariant SlotGridModel::data(const QModelIndex& index, int role) const
         return slot;
     case DurationRole:
         return sourceData(slot, MediaLibraryModel::DurationRole).toString();
-    case PictureRole: {
-        // Asks for the picture; whoever has none yet has nothing to show.
-        const QVariant picture = m_library->fetchThumbnail(sourceOf(slot));
-        return picture.isValid() ? thumbnailImageUrl(sourceData(slot, MediaLibraryModel::UrlRole).toUrl())
-                                 : QString();
-    }
+    case PictureRole:
+        return pictureOf(slot);
     case StateRole:
         return sourceData(slot, MediaLibraryModel::KnownStateRole).toInt();
     case KindRole:
         return sourceData(slot, MediaLibraryModel::KnownTypeRole).toInt();
     case FaultsRole:
-        return sourceData(slot, MediaLibraryModel::KnownFaultsRole).toStringList().join(u'\n');
+        return faultsOf(slot);
     case PlayableRole:
         return sourceData(slot, MediaLibraryModel::PlayableRole).toBool();
     case FileRole:
@@ -170,6 +166,22 @@ int SlotGridModel::findRow(const QString& text, int from) const
             return row;
     }
     return -1;
+}
+
+QString SlotGridModel::pictureOf(int slot) const
+{
+    m_library->fetchThumbnail(sourceOf(slot)); // has it asked for
+    return sourceData(slot, MediaLibraryModel::KnownThumbnailRole).isValid()
+               ? thumbnailImageUrl(sourceData(slot, MediaLibraryModel::UrlRole).toUrl())
+               : QString();
+}
+
+QString SlotGridModel::faultsOf(int slot) const
+{
+    const QStringList faults = sourceData(slot, MediaLibraryModel::KnownFaultsRole).toStringList();
+    const bool isPlayable = sourceData(slot, MediaLibraryModel::PlayableRole).toBool();
+    return faults.isEmpty() && !isPlayable ? tr("The file is missing or cannot be played.")
+                                           : faults.join(u'\n');
 }
 
 bool SlotGridModel::holdsMedia(int slot) const

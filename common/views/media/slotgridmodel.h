@@ -71,6 +71,10 @@ public:
     Q_INVOKABLE int rowOf(int slot) const;
     /// The slot whose number begins with the text, or the next from that row on whose name does; -1 for none.
     Q_INVOKABLE int findRow(const QString& text, int from) const;
+    /// Where a view finds its picture; empty while there is none.
+    QString pictureOf(int slot) const;
+    /// Why the slot is not played, or not whole: a sentence a line, empty for one that plays.
+    QString faultsOf(int slot) const;
     /// The row of the library's model, with the name in it; invalid for no such slot.
     QModelIndex sourceOf(int slot) const;
 

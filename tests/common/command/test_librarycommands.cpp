@@ -8,6 +8,7 @@
 #include "common/media/edit/slot/editslotscalingcommand.h"
 #include "common/media/edit/slot/insertcollectioncommand.h"
 #include "common/media/edit/slot/moveslotincollectioncommand.h"
+#include "common/media/edit/slot/pointslotsatfilecommand.h"
 #include "common/media/edit/slot/removecollectioncommand.h"
 #include "common/media/edit/slot/renamecollectioncommand.h"
 #include "common/media/edit/slot/renameslotcommand.h"
@@ -115,6 +116,16 @@ void TestLibraryCommands::edits_data()
         [=](const auto& l) { return at(l, 1, 2)->getName() == "Neu"; });
     row("Set scaling to 'Fit' for slot 2 in collection 1", makeScaling(1, 2, ScaleMode::Fit),
         [=](const auto& l) { return at(l, 1, 2)->getScaleMode() == ScaleMode::Fit; });
+    GuiMediaSlot file = medias(1).first();
+    file.setMediaType(MediaType::VideoFile);
+    file.setDuration(4);
+    row("Point 2 slots at \"new0.mp4\"",
+        make<PointSlotsAtFileCommand>(QList<MediaAddress>{{1, 2}, {2, 3}}, file), [=](const auto& l) {
+            return at(l, 1, 2)->getUrl() == "file:///new0.mp4" &&
+                   at(l, 2, 3)->getUrl() == "file:///new0.mp4" && at(l, 1, 2)->getName() == "c1s2" &&
+                   at(l, 1, 2)->getEffectiveMediaDuration() == 4 &&
+                   at(l, 1, 1)->getUrl() != "file:///new0.mp4";
+        });
     row("Set duration to 7.5", make<SetDurationCommand>(QUrl(slot), 7.5, false), [=](const auto& l) {
         return at(l, 1, 2)->getEffectiveMediaDuration() == 7.5 && at(l, 1, 2)->isFinite();
     });
@@ -190,6 +201,8 @@ void TestLibraryCommands::refusals_data()
     row("scaling, collection", makeScaling(9, 1, ScaleMode::Fit), "Unable to find collection");
     row("scaling, slot", makeScaling(1, 9, ScaleMode::Fit), "Unable to find slot");
     row("duration", make<SetDurationCommand>(QUrl(gone), 1.0, false), "because a slot was not found");
+    row("point, slot", make<PointSlotsAtFileCommand>(QList<MediaAddress>{{1, 2}, {1, 9}}, medias(1).first()),
+        "Unable to find slot");
     row("remove", make<RemoveCollectionCommand>(9), "Unable to find media collection.");
     row("copy", make<CopyCollectionCommand>(9, 10), "Unable to find source media collection.");
     row("copy onto another", make<CopyCollectionCommand>(1, 2), "Unable to copy media collection");

@@ -1,7 +1,9 @@
 #include "common/qml/qmlmanager.h"
+#include "common/qml/selectionmodel.h"
 #include "common/session/settings/configuration.h"
 #include "common/ui/style/stylesheet.h"
 #include "common/views/media/mediaview.h"
+#include "common/views/media/slotdetails.h"
 #include "common/views/media/slotgridmodel.h"
 #include "tests/common/ui/testsettings.h"
 #include "tests/support/librarymaker.h"
@@ -135,6 +137,46 @@ private Q_SLOTS:
         QTRY_COMPARE(model->count(), 40);
     }
 
+    /// Of one slot what plays it and where else its file stands; of several what they come to, also when they
+    /// change.
+    void detailsTellOfTheSelection()
+    {
+        MediaMirror mirror(makeLibrary(2, 400));
+        mirror.edit([](MediaLibrary& library) {
+            MediaSlot twin = *library.findSlot(1, 3);
+            twin.setIsPlayable(false);
+            library.getCollection(2)->insertMediaSlot(7, twin, true);
+            library.addPlaylist(1, Playlist("Gala"));
+            library.findPlaylist(1)->addEntry(
+                {5, 0}, {slotUrl(1, 3), EndAction::Next, TakeTransitionType::DirectCut, 1.0});
+        });
+        SlotGridModel model(&mirror.model, {});
+        SelectionModel selection;
+        selection.setRowModel(&model);
+        SlotDetails details({.slots_ = &model,
+                             .library = &mirror.model,
+                             .provider = &mirror.provider,
+                             .playlists = &mirror.playlists});
+        details.follow(&selection);
+        model.setCollection(1);
+        QTRY_COMPARE(model.count(), 400);
+        selection.pick(2, 0);
+        QTRY_COMPARE(details.shown().slot, 3);
+        QCOMPARE(details.shown().uses, QStringList{QStringLiteral("1: Gala - 5")});
+        QCOMPARE(details.shown().twins, QStringList{QStringLiteral("2: Collection 2, slot 7")});
+        QCOMPARE(details.shown().file.fileName(), QStringLiteral("c1s3.mp4"));
+        selection.selectAll();
+        QTRY_COMPARE(details.shown().count, 400);
+        QCOMPARE(fact(details, "Duration:"), QStringLiteral("01:06:40"));
+        QCOMPARE(fact(details, "In no playlist:"), QStringLiteral("399"));
+        QCOMPARE(fact(details, "Not playable:"), QString());
+        QVERIFY(details.shown().file.isEmpty());
+        mirror.edit([](MediaLibrary& library) { library.findSlot(1, 9)->setIsPlayable(false); });
+        QTRY_COMPARE(fact(details, "Not playable:"), QStringLiteral("1"));
+        model.setCollection(2);
+        QTRY_COMPARE(details.shown().count, 0);
+    }
+
     /// Nothing is wider than what holds it.
     void layoutHolds()
     {
@@ -181,6 +223,14 @@ private Q_SLOTS:
     }
 
 private:
+    static QString fact(const SlotDetails& details, const char* label)
+    {
+        for (const QVariant& each : details.shown().facts) {
+            if (each.toMap().value(QStringLiteral("label")) == QLatin1String(label))
+                return each.toMap().value(QStringLiteral("value")).toString();
+        }
+        return {};
+    }
     static QString shown(const SlotGridModel& model)
     {
         QStringList numbers;

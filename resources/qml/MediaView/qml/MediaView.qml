@@ -8,6 +8,22 @@ ZTQMLWidget {
 
     objectName: "MediaView"
 
+    // Where not all three stand side by side, the details take the place of the collections while they are asked for.
+    readonly property bool isWide: width >= Theme.scaled(860)
+    property bool narrowDetails: false
+    readonly property bool hasDetails: isWide ? mediaActions.hasDetails : narrowDetails
+
+    function toggleDetails() {
+        if (isWide)
+            mediaActions.hasDetails = !mediaActions.hasDetails
+        else
+            narrowDetails = !narrowDetails
+    }
+    function pointAtFile(file) {
+        chooser.active = true
+        chooser.item.begin(file)
+    }
+
     function selectCollection(number: int) {
         collectionModel.setSelectedCollectionIndex(number)
         slots.takeFocus()
@@ -55,6 +71,7 @@ ZTQMLWidget {
 
         CollectionPanel {
             objectName: "media-collections-panel"
+            visible: view.isWide || !view.narrowDetails
             T.SplitView.minimumWidth: Theme.scaled(180)
             T.SplitView.maximumWidth: view.width / 2
             T.SplitView.preferredWidth: Math.min(Theme.scaled(240), view.width / 3)
@@ -66,7 +83,8 @@ ZTQMLWidget {
             title: slots.title
             T.SplitView.fillWidth: true
             T.SplitView.minimumWidth: Theme.scaled(300)
-            tools: SlotTools { pane: slots }
+            tools: SlotTools { pane: slots; view: panel.view }
+            property var view: view
 
             SlotPane {
                 id: slots
@@ -74,7 +92,23 @@ ZTQMLWidget {
                 objectName: "media-slots"
                 anchors.fill: parent
                 focus: true
+                view: panel.view
             }
         }
+        DetailsPanel {
+            objectName: "media-details-panel"
+            visible: view.hasDetails
+            pane: slots
+            T.SplitView.minimumWidth: Theme.scaled(180)
+            T.SplitView.maximumWidth: view.width / 2
+            T.SplitView.preferredWidth: Math.min(Theme.scaled(260), view.width / 3)
+            onPointRequested: (file) => view.pointAtFile(file)
+        }
+    }
+    Loader {
+        id: chooser
+
+        active: false
+        sourceComponent: FileChooser { onClosed: slots.takeFocus() }
     }
 }

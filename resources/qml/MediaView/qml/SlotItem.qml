@@ -26,14 +26,13 @@ Item {
     readonly property string text: name // for who asks what the slot shows
     readonly property bool isOnProgram: mediaState <= Media.ProgramStop
     readonly property bool isOnPreview: !isOnProgram && mediaState <= Media.PreviewStop
-    readonly property string why: faults !== "" ? faults : isPlayable ? "" : qsTr("The file is missing or cannot be played.")
 
     objectName: "media-slot" + slot
     width: GridView.view ? GridView.view.cellWidth : 0
     height: GridView.view ? GridView.view.cellHeight : 0
     Accessible.role: Accessible.ListItem
     Accessible.name: qsTr("Slot %1, %2, %3").arg(slot).arg(name).arg(length)
-    Accessible.description: [isOnProgram ? qsTr("on program") : isOnPreview ? qsTr("on preview") : "", why]
+    Accessible.description: [isOnProgram ? qsTr("on program") : isOnPreview ? qsTr("on preview") : "", faults]
                                 .filter(part => part !== "").join(", ")
     Accessible.selectable: true
     Accessible.selected: isSelected
@@ -59,12 +58,10 @@ Item {
         radius: 3
         color: Theme.field
 
-        ZTIcon {
+        KindIcon {
             anchors.centerIn: parent
             side: Math.round(parent.height * (cell.isTable ? 0.6 : 0.4))
-            name: cell.kind === Media.VideoFile ? "video" : cell.kind === Media.AudioFile ? "audio"
-                : cell.kind === Media.ImageFile ? "image" : cell.kind === Media.ImageSequence ? "image_sequence" : "media"
-            color: Theme.faint
+            kind: cell.kind
             visible: thumbnail.status !== Image.Ready
         }
         Image {
@@ -126,7 +123,7 @@ Item {
 
         x: cell.isTable ? label.x + label.width + Theme.tight : cell.width - width - 2 * Theme.tight
         y: cell.isTable ? Math.round((cell.height - height) / 2) : duration.y + Math.round((duration.height - height) / 2)
-        visible: cell.why !== ""
+        visible: cell.faults !== ""
         name: "error"
         color: cell.isPlayable ? Theme.accent : Theme.bad
     }
@@ -168,7 +165,7 @@ Item {
         preventStealing: true
         enabled: !cell.isRenaming
 
-        readonly property string tip: (label.truncated ? [cell.name] : []).concat(cell.why === "" ? [] : [cell.why]).join("\n")
+        readonly property string tip: (label.truncated ? [cell.name] : []).concat(cell.faults === "" ? [] : [cell.faults]).join("\n")
 
         onContainsMouseChanged: containsMouse && tip !== "" ? toolTips.show(label, tip) : toolTips.hide(label)
         onPressed: (event) => {

@@ -7,6 +7,7 @@ import ZTCommon 1.0
 FocusScope {
     id: pane
 
+    property var view: null
     property var tools: null
     property alias selection: selection
     readonly property bool hasKeys: grid.activeFocus
@@ -17,7 +18,7 @@ FocusScope {
                                   : selection.selectedCount > 1
                                     ? qsTr("%1 of %2 slots selected").arg(selection.selectedCount).arg(slotModel.count)
                                   : isFiltered ? qsTr("%1 of %2 slots").arg(slotModel.count).arg(slotModel.total)
-                                               : qsTr("%n slots", "", slotModel.total)
+                                  : slotModel.total === 1 ? qsTr("1 slot") : qsTr("%1 slots").arg(slotModel.total)
     readonly property int columns: isTable ? 1 : Math.max(1, Math.floor(grid.room / Theme.scaled(184)))
     property int renamingSlot: -1
     // While a drag is over the slots: the one it points at, and what a drop there would do.
@@ -44,6 +45,11 @@ FocusScope {
             mediaActions.rename(slot, name)
     }
     function clearSelected() { mediaActions.clear(selectedSlots()) }
+    readonly property bool canPoint: mediaActions.isEditable && String(slotDetails.shown.file) !== ""
+    function point() {
+        if (canPoint)
+            view.pointAtFile(slotDetails.shown.file)
+    }
     function step(to, modifiers) {
         if (slotModel.count === 0)
             return
@@ -246,6 +252,13 @@ FocusScope {
                 keys: mediaActions.keysOf("rename")
                 enabled: mediaActions.isEditable
                 onTriggered: Qt.callLater(pane.startRename) // once the menu has given the keys back
+            }
+            ZTMenuItem {
+                objectName: "media-slots-menu-point"
+                text: qsTr("Another file ...")
+                iconName: "replace_media"
+                enabled: pane.canPoint
+                onTriggered: Qt.callLater(pane.point)
             }
             ZTMenuItem {
                 objectName: "media-slots-menu-clear"

@@ -7,6 +7,7 @@ Row {
     id: tools
 
     property var pane
+    property var view
 
     spacing: Theme.tight
 
@@ -80,6 +81,15 @@ Row {
         iconName: mediaActions.isTable ? "media" : "playlist"
         tip: mediaActions.isTable ? qsTr("Show the slots as pictures") : qsTr("Show the slots as a table")
         onClicked: mediaActions.isTable = !mediaActions.isTable
+    }
+    ZTButton {
+        objectName: "media-slots-details-button"
+        kind: "flat"
+        iconName: "info"
+        checked: tools.view.hasDetails
+        tip: !tools.view.hasDetails ? qsTr("Show what is known of the selected slots")
+           : tools.view.isWide ? qsTr("Hide the details") : qsTr("Show the collections again")
+        onClicked: tools.view.toggleDetails()
     }
     // For the keys of the list.
     function find() {
