@@ -38,7 +38,7 @@ int slotsFor(const SlotPayload& payload, bool* isExact = nullptr)
 QList<int> movedWithin(const SlotPayload& payload, int collection)
 {
     QList<int> moved;
-    if (payload.isWithin(collection)) {
+    if (payload.movesWithin(collection)) {
         for (const MediaAddress& address : payload.addresses())
             moved.append(address.slot);
     }
@@ -91,6 +91,8 @@ DropForecast DropForecast::of(const SlotPayload& payload, const MediaCollectionM
         forecast.fault = translated("There is no room: the last slot is %1.").arg(end);
     if (!forecast.fault.isEmpty())
         return forecast;
+    forecast.isMove = payload.movesWithin(collection);
+    forecast.isCopy = payload.isCopy() && payload.kind() == SlotPayload::Kind::Slots;
     forecast.first = slot;
     forecast.last = slot + count - 1;
     forecast.overwritten = overwrittenSlots(manager, collection, forecast.first, forecast.last,
@@ -107,6 +109,8 @@ QString DropForecast::text() const
             ? translated("Slot %1.").arg(first)
             : (isExact ? translated("Slots %1 to %2 (%3).").arg(first).arg(last).arg(last - first + 1)
                        : translated("From slot %1 on; how many slots tells once it is read.").arg(first));
+    if (isCopy)
+        text = translated("Copy to: %1").arg(text);
     if (overwritten == 0)
         return text;
     const int more = overwritten - static_cast<int>(losing.size());

@@ -17,6 +17,8 @@ struct DropForecast
     int first = -1; // the slots that it takes
     int last = -1;
     bool isExact = true; // false: folders and pictures tell only once they are read
+    bool isMove = false; // of slots within their collection, which a key would copy
+    bool isCopy = false; // of those, since the key is held
     int overwritten = 0; // slots that hold media and would hold another
     QStringList losing;  // "4 Logo": the first of those
     QString fault;       // why nothing can be dropped there; the rest says nothing then

@@ -55,6 +55,8 @@ public:
 
     /// Of a slot's media: "arriving 43 %"; empty for what is not on its way.
     QString textOf(const QUrl& media) const;
+    /// The same as a number from 0 to 1; below 0 for what is not on its way.
+    double progressOf(const QUrl& media) const { return m_progress.value(media, -1); }
     bool isEmpty() const { return m_progress.isEmpty(); }
 
 Q_SIGNALS:

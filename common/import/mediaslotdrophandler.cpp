@@ -83,7 +83,7 @@ bool MediaSlotDropHandlerPrivate::handleMimeData(const QMap<QString, QVariant>& 
 bool MediaSlotDropHandlerPrivate::parseSlot(const SlotPayload& payload, int collection, int slot)
 {
     const QSharedPointer<MediaDrop> drop = createDrop(collection, slot);
-    if (payload.isWithin(collection)) {
+    if (payload.movesWithin(collection)) {
         QList<int> numbers;
         for (const MediaAddress& address : payload.addresses())
             numbers.append(address.slot);

@@ -78,8 +78,11 @@ SlotPayload SlotPayload::read(const QVariantMap& mime)
         return refused(unreadable());
     }
     const QString type = mime.value(mimeformat::type).toString();
-    if (type == mimeformat::slotType)
-        return readSlots(document);
+    if (type == mimeformat::slotType) {
+        SlotPayload payload = readSlots(document);
+        payload.m_isCopy = mime.value(copyKey).toBool();
+        return payload;
+    }
     if (type == mimeformat::mediaType)
         return readMedia(document);
     qCWarning(lcMedia) << "Unknown MIME type:" << type.left(100) << "- Ignoring drop";
@@ -182,11 +185,12 @@ QVariantMap SlotPayload::mimeOf(const QList<MediaEntry>& entries)
             {mimeformat::json, QString::fromUtf8(QJsonDocument(array).toJson(QJsonDocument::Compact))}};
 }
 
-bool SlotPayload::isWithin(int collection) const
+bool SlotPayload::movesWithin(int collection) const
 {
-    return std::ranges::all_of(m_addresses, [collection](const MediaAddress& address) {
-        return address.collection < 0 || address.collection == collection;
-    });
+    return m_kind == Kind::Slots && !m_isCopy &&
+           std::ranges::all_of(m_addresses, [collection](const MediaAddress& address) {
+               return address.collection < 0 || address.collection == collection;
+           });
 }
 
 } // namespace vantrel

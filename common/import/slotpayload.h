@@ -30,6 +30,8 @@ class SlotPayload
 {
 public:
     enum class Kind { Nothing, Slots, Media };
+    /// In the map beside the formats: whether slots are copied within their own collection.
+    inline static const QString copyKey = QStringLiteral("isCopy");
 
     /// The formats that say what is dragged; empty where one of them is missing.
     static QVariantMap mapOf(const QMimeData* data);
@@ -53,8 +55,10 @@ public:
     /// Each once, in the order in which they were dragged; a collection of -1 is the target's.
     const QList<MediaAddress>& addresses() const { return m_addresses; }
     const QList<MediaEntry>& entries() const { return m_entries; }
-    /// Whether all slots are of the collection: then they move within it.
-    bool isWithin(int collection) const;
+    bool isCopy() const { return m_isCopy; }
+    void setIsCopy(bool isCopy) { m_isCopy = isCopy; }
+    /// Whether they are slots of the collection, and none that are copied.
+    bool movesWithin(int collection) const;
 
 private:
     static SlotPayload refused(const QString& fault);
@@ -64,6 +68,7 @@ private:
     QString m_fault;
     QList<MediaAddress> m_addresses;
     QList<MediaEntry> m_entries;
+    bool m_isCopy = false;
 };
 
 } // namespace vantrel

@@ -409,6 +409,11 @@ PathModel* Session::serverFilesPathModel() const
     return m_files->serverFilesPathModel();
 }
 
+MediaArrivals* Session::mediaArrivals() const
+{
+    return m_files ? m_files->mediaArrivals() : nullptr;
+}
+
 OperationsModel* Session::operationsModel() const
 {
     return m_files->operationsModel();

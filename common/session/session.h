@@ -28,6 +28,7 @@ class FileSystemProvider;
 class FilesModel;
 class Hotkeys;
 class LinkHealth;
+class MediaArrivals;
 class MediaDataAggregator;
 class MediaLibrary;
 class MediaLibraryApi;
@@ -153,6 +154,8 @@ public:
     OperationsModel* operationsModel() const;
     FileSystemOperations* fileSystemOperations() const;
     FileSystemProvider* fileSystemProvider() const;
+    /// What of this computer is on its way into slots, whoever dropped it; null before the session is built.
+    MediaArrivals* mediaArrivals() const;
     FileSystemOperationsProvider* fileSystemOperationsProvider() const;
 
 Q_SIGNALS:

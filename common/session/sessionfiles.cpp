@@ -7,6 +7,7 @@
 #include "common/filesystem/schedule/defaultfilesystemprovider.h"
 #include "common/filesystem/schedule/filesystemoperationsprovider.h"
 #include "common/filesystem/server/serverfilesystem.h"
+#include "common/import/mediaarrivals.h"
 
 #include <QUrl>
 
@@ -40,6 +41,14 @@ OperationsModel* SessionFiles::operationsModel()
     if (!m_operations)
         m_operations.reset(new OperationsModel(FileSystemOperationsProvider::getFileSystemOperations()));
     return m_operations.get();
+}
+
+MediaArrivals* SessionFiles::mediaArrivals()
+{
+    if (!m_arrivals)
+        m_arrivals = std::make_unique<MediaArrivals>(DefaultFileSystemProvider::instance(),
+                                                     FileSystemOperationsProvider::getFileSystemOperations());
+    return m_arrivals.get();
 }
 
 PathModel* SessionFiles::serverFilesPathModel()

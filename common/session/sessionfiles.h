@@ -7,13 +7,14 @@
 namespace vantrel {
 
 class FilesModel;
+class MediaArrivals;
 class OperationsModel;
 class PathModel;
 class ServerFileSystem;
 
 /// What the session holds for the views of files: models of the operator's own disks and of the work in hand,
-/// made when somebody first asks, and those of the server as long as there is a link. The session owns it;
-/// main thread only.
+/// and what is on its way into slots, made when somebody first asks, and models of the server as long as
+/// there is a link. The session owns it; main thread only.
 class SessionFiles : public QObject
 {
     Q_OBJECT
@@ -25,6 +26,7 @@ public:
     FilesModel* localFilesModel();
     PathModel* localFilesPathModel();
     OperationsModel* operationsModel();
+    MediaArrivals* mediaArrivals();
     /// Null without a link.
     FilesModel* serverFilesModel() const { return m_serverFiles.get(); }
     /// Without a link one of no file system.
@@ -54,6 +56,7 @@ private:
     Owned<FilesModel> m_serverFiles;
     Owned<PathModel> m_serverPaths;
     Owned<OperationsModel> m_operations;
+    std::unique_ptr<MediaArrivals> m_arrivals;
 };
 
 } // namespace vantrel

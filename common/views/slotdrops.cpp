@@ -9,6 +9,7 @@
 #include "common/session/session.h"
 #include "common/ui/toolkit/confirmationdialog.h"
 
+#include <QGuiApplication>
 #include <QMimeData>
 #include <QPointer>
 #include <QWidget>
@@ -23,11 +24,12 @@ SlotDrops::SlotDrops(Session* session, MediaCollectionManager* manager, QWidget*
     , m_window(window)
     , m_creator(session, manager)
     , m_handler(&m_creator, session ? session->fileSystemProvider() : nullptr)
-    , m_arrivals(session ? session->fileSystemProvider() : nullptr,
-                 session ? session->fileSystemOperations() : nullptr)
+    , m_arrivals(session ? session->mediaArrivals() : nullptr)
 {
-    connect(&m_arrivals, &MediaArrivals::changed, this, &SlotDrops::arrivalsChanged);
-    connect(&m_arrivals, &MediaArrivals::settled, this, &SlotDrops::settle);
+    if (!m_arrivals)
+        m_arrivals = new MediaArrivals(nullptr, nullptr, this);
+    connect(m_arrivals, &MediaArrivals::changed, this, &SlotDrops::arrivalsChanged);
+    connect(m_arrivals, &MediaArrivals::settled, this, &SlotDrops::settle);
     connect(&m_handler, &MediaSlotDropHandler::dropRefused, this, &SlotDrops::refuse);
     connect(&m_handler, &MediaSlotDropHandler::mediaDropCreated, this, &SlotDrops::take);
 }
@@ -58,14 +60,27 @@ bool SlotDrops::begin(const QMimeData* data)
 
 int SlotDrops::roomFrom(int slot)
 {
+    readKeys();
     if (m_room.first == slot)
         return m_room.second;
     m_room = {slot, vantrel::roomFrom(m_payload, *m_manager, m_collection, slot)};
     return m_room.second;
 }
 
+void SlotDrops::readKeys()
+{
+    const bool isCopy = QGuiApplication::queryKeyboardModifiers() & Qt::ControlModifier;
+    if (isCopy == m_payload.isCopy())
+        return;
+    m_payload.setIsCopy(isCopy);
+    m_mime.insert(SlotPayload::copyKey, isCopy);
+    m_aimed = -1;
+    m_room = {-1, -1};
+}
+
 const DropForecast& SlotDrops::aim(int slot)
 {
+    readKeys();
     if (slot == m_aimed)
         return m_forecast;
     m_aimed = slot;
@@ -100,7 +115,7 @@ void SlotDrops::drop(int slot)
     }
     const auto next = [this, collection = m_collection, slot, toldLast = m_toldLast](
                           const MediaArrivals::Plan& plan) { bring(plan, collection, slot, toldLast); };
-    m_arrivals.plan(m_payload.entries(), next);
+    m_arrivals->plan(m_payload.entries(), next);
 }
 
 /// The slots stand at once, under the names that the files will have; the server calls them playable when it
@@ -124,7 +139,7 @@ void SlotDrops::bring(const MediaArrivals::Plan& plan, int collection, int slot,
 void SlotDrops::bringDirectories(const QStringList& directories, int collection, int slot)
 {
     for (const QString& directory : directories) {
-        m_arrivals.bringDirectory(directory, [this, collection, slot](const QString& path) {
+        m_arrivals->bringDirectory(directory, [this, collection, slot](const QString& path) {
             MediaEntry entry;
             entry.path = path;
             entry.fileSystem = QStringLiteral("server");
@@ -151,7 +166,7 @@ void SlotDrops::take(MediaDrop* drop)
                 });
         connect(drop, &MediaDrop::saved, this, [this, drop, plan = m_plan, next = drop->startSlot()] {
             for (const QString& path : plan.uploads)
-                m_arrivals.bringFile(path);
+                m_arrivals->bringFile(path);
             bringDirectories(plan.directories, drop->collection(), std::max(next, drop->lastSlot() + 1));
         });
     }

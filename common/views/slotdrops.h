@@ -50,19 +50,21 @@ public:
     /// The first slot from there on behind which all that is known of the drag finds free slots: what is held
     /// between two slots points at neither. The slot itself where there is no such place.
     int roomFrom(int slot);
-    /// What a drop on the slot would do. Between begin() and end().
+    /// What a drop on the slot would do: with Ctrl held slots are copied that would move. Between begin() and
+    /// end().
     const DropForecast& aim(int slot);
     void drop(int slot);
     void end();
 
     /// What of this computer is on its way into slots.
-    const MediaArrivals& arrivals() const { return m_arrivals; }
+    const MediaArrivals& arrivals() const { return *m_arrivals; }
 
 Q_SIGNALS:
     /// What arrivals() says of some slots.
     void arrivalsChanged();
 
 private:
+    void readKeys();
     QString obstacle() const { return m_obstacle ? m_obstacle() : QString(); }
     void bring(const MediaArrivals::Plan& plan, int collection, int slot, int toldLast);
     void bringDirectories(const QStringList& directories, int collection, int slot);
@@ -77,7 +79,7 @@ private:
     QWidget* m_window;
     ImageSequenceCreator m_creator;
     MediaSlotDropHandler m_handler;
-    MediaArrivals m_arrivals;
+    MediaArrivals* m_arrivals; // the session's, so that each view shows what any of them has taken
     QHash<QString, MediaAddress> m_awaiting; // by path, the slots that were made for files on their way
     std::function<QString()> m_obstacle;
     int m_collection = -1;

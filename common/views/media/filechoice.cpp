@@ -9,9 +9,22 @@
 #include "common/media/items/guimediaslot.h"
 #include "common/media/models/medialibrarymodel.h"
 #include "tarn/media/imagesequenceformat.h"
-#include "tarn/media/imgseqanalyzer.h"
 
 namespace vantrel {
+
+namespace {
+
+GuiMediaSlot ofSequence(const ImageSequenceInfo& sequence)
+{
+    GuiMediaSlot media;
+    media.setContentUrl(QUrl::fromLocalFile(QString::fromStdString(sequence.format.toString())));
+    media.setMediaType(MediaType::ImageSequence);
+    media.setFirstFrame(static_cast<int>(sequence.firstFrame));
+    media.setLastFrame(static_cast<int>(sequence.lastFrame));
+    return media;
+}
+
+} // namespace
 
 FileChoice::FileChoice(MediaLibraryModel* library, FileSystemProvider* files, QObject* parent)
     : QObject(parent)
@@ -63,10 +76,10 @@ QString FileChoice::faultOf(int row) const
     return faults.isEmpty() ? tr("The server cannot play it.") : shownText(faults.join(u' '));
 }
 
-bool FileChoice::choose(int row)
+void FileChoice::choose(int row)
 {
-    if (!m_files || row < 0 || row >= m_files->count() || !faultOf(row).isEmpty())
-        return false;
+    if (!m_files || isBusy() || row < 0 || row >= m_files->count() || !faultOf(row).isEmpty())
+        return;
     const QModelIndex index = m_files->index(row);
     const QString path = index.data(FilesModel::AbsolutePathRole).toString();
     const auto told = static_cast<MediaType>(index.data(FilesModel::MediaTypeRole).toInt());
@@ -75,38 +88,26 @@ bool FileChoice::choose(int row)
     media.setMediaType(told != MediaType::Unknown ? told : media::MediaUtils::getMediaType(path));
     media.setDuration(index.data(FilesModel::DurationValueSecRole).toDouble());
     media.setIsPlayable(index.data(FilesModel::IsPlayableRole).toBool());
-    takeSequence(path, media);
-    return MediaSlotEditFunctional::pointAtFile(m_library->slotsWith(m_lost), media);
+    // A sequence gives way to a sequence: of the picture that was chosen the whole one.
+    if (media.mediaType() != MediaType::ImageFile ||
+        !ImageSequenceFormat::parse(m_lost.toLocalFile().toStdString()))
+        return point(media);
+    m_search.begin(m_files.get(), path, [this, media](const std::optional<ImageSequenceInfo>& sequence) {
+        point(sequence ? ofSequence(*sequence) : media);
+    });
+    Q_EMIT changed();
 }
 
-/// A sequence gives way to a sequence: of the picture that was chosen the whole one.
-void FileChoice::takeSequence(const QString& path, GuiMediaSlot& media) const
+void FileChoice::point(const GuiMediaSlot& media)
 {
-    QList<FileSystemFile> files;
-    if (!ImageSequenceFormat::parse(m_lost.toLocalFile().toStdString()) || !m_fileSystem ||
-        !m_fileSystem->getFiles(m_files->directoryPath(), files))
-        return;
-    std::vector<std::filesystem::path> paths;
-    for (const FileSystemFile& file : files)
-        paths.emplace_back(file.getFullPath().toStdString());
-    const auto none = [](const std::filesystem::path&) { return std::vector<std::filesystem::path>(); };
-    for (const ImageSequenceInfo& info : ImgSeqAnalyzer().findSequences(paths, none)) {
-        bool isHeld = false;
-        info.forEachFrame(
-            [&](std::size_t frame) { isHeld |= info.format.file(frame) == path.toStdString(); });
-        if (!isHeld)
-            continue;
-        media.setContentUrl(QUrl::fromLocalFile(QString::fromStdString(info.format.toString())));
-        media.setMediaType(MediaType::ImageSequence);
-        media.setDuration(0); // its frames tell
-        media.setFirstFrame(static_cast<int>(info.firstFrame));
-        media.setLastFrame(static_cast<int>(info.lastFrame));
-        return;
-    }
+    if (MediaSlotEditFunctional::pointAtFile(m_library->slotsWith(m_lost), media))
+        Q_EMIT chosen();
+    Q_EMIT changed();
 }
 
 void FileChoice::end()
 {
+    m_search.stop();
     m_lost.clear();
     if (FilesModel* files = m_files.release())
         files->deleteLater(); // the view shows it until it has heard

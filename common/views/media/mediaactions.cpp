@@ -47,6 +47,10 @@ MediaActions::MediaActions(QWidget* view, SlotGridModel* model, MediaLibraryMode
         m_drops->setCollection(m_model->collection());
         Q_EMIT libraryChanged(); // what stands in the way is told for what is shown
     });
+    connect(m_drops.get(), &SlotDrops::arrivalsChanged, this, [this] {
+        ++m_arrivalsRevision;
+        Q_EMIT arrivalsChanged();
+    });
     if (session)
         follow();
 }
@@ -126,6 +130,22 @@ void MediaActions::cue(int slot)
         m_session->signalRelay()->handleDirectPlay(source.siblingAtColumn(0));
 }
 
+QString MediaActions::arriving(int slot) const
+{
+    const MediaArrivals& arrivals = m_drops->arrivals();
+    return arrivals.isEmpty()
+               ? QString()
+               : arrivals.textOf(m_model->sourceOf(slot).data(MediaLibraryModel::UrlRole).toUrl());
+}
+
+double MediaActions::arrivedPart(int slot) const
+{
+    const MediaArrivals& arrivals = m_drops->arrivals();
+    return arrivals.isEmpty()
+               ? -1
+               : arrivals.progressOf(m_model->sourceOf(slot).data(MediaLibraryModel::UrlRole).toUrl());
+}
+
 bool MediaActions::rename(int slot, const QString& name)
 {
     return isEditable() && m_library->setData(m_model->sourceOf(slot), name, Qt::EditRole);
@@ -143,7 +163,7 @@ QString MediaActions::actionOf(int key, int modifiers) const
     const QKeySequence pressed = Hotkeys::pressed(event);
     if (pressed.isEmpty())
         return {};
-    for (const char* name : {"cue", "rename", "delete"}) {
+    for (const char* name : {"cue", "rename", "delete", "insert_media"}) {
         if (Hotkeys::current(QLatin1String(name)) == pressed)
             return QLatin1String(name);
     }
@@ -191,6 +211,7 @@ QVariantMap MediaActions::aim(int slot)
 {
     const DropForecast& forecast = m_drops->aim(slot);
     return {{QStringLiteral("isPossible"), forecast.isPossible()},
+            {QStringLiteral("isMove"), forecast.isMove},
             {QStringLiteral("first"), forecast.first},
             {QStringLiteral("last"), forecast.last},
             {QStringLiteral("overwrites"), forecast.overwritten > 0},

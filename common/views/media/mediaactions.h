@@ -24,6 +24,8 @@ class MediaActions : public QObject
     /// Whether what is shown is what the server has now.
     Q_PROPERTY(bool isLive READ isLive NOTIFY libraryChanged)
     Q_PROPERTY(bool isEditable READ isEditable NOTIFY libraryChanged)
+    /// Grows with every change of what arriving() tells.
+    Q_PROPERTY(int arrivalsRevision READ arrivalsRevision NOTIFY arrivalsChanged)
     /// What stands between the operator and the library, a sentence; empty for nothing.
     Q_PROPERTY(QString obstacle READ obstacle NOTIFY libraryChanged)
     /// Slots as a table or as pictures. Kept in the settings.
@@ -42,6 +44,7 @@ public:
     bool isConnected() const { return m_isConnected; }
     bool isLive() const { return m_isConnected && m_silence.isEmpty(); }
     bool isEditable() const { return isLive() && m_isRead; }
+    int arrivalsRevision() const { return m_arrivalsRevision; }
     QString obstacle() const;
     bool isTable() const { return m_isTable; }
     void setIsTable(bool isTable);
@@ -51,9 +54,14 @@ public:
     void setLastCollection(int collection);
 
     Q_INVOKABLE void cue(int slot);
+    /// Of a slot's file that is on its way to the server: "arriving 43 %"; empty for others.
+    Q_INVOKABLE QString arriving(int slot) const;
+    /// The same from 0 to 1; below 0 for others.
+    Q_INVOKABLE double arrivedPart(int slot) const;
     Q_INVOKABLE bool rename(int slot, const QString& name);
     Q_INVOKABLE void clear(const QList<int>& slotNumbers);
-    /// "cue", "rename" or "delete" for the keys that the operator has given to it; empty for others.
+    /// "cue", "rename", "delete" or "insert_media" for the keys that the operator has given to it; empty for
+    /// others.
     Q_INVOKABLE QString actionOf(int key, int modifiers) const;
     Q_INVOKABLE QString keysOf(const QString& action) const;
 
@@ -61,7 +69,7 @@ public:
     Q_INVOKABLE void startDrag(const QList<int>& slotNumbers);
     /// A drag has come: of our own items (mime) or else of files of this computer (urls). False for others.
     Q_INVOKABLE bool beginDrop(const QVariantMap& mime, const QList<QUrl>& urls);
-    /// What a drop would do: "isPossible", "first", "last", "overwrites", "text".
+    /// What a drop would do: "isPossible", "isMove", "first", "last", "overwrites", "text".
     Q_INVOKABLE QVariantMap aim(int slot);
     /// The first slot behind that one with room for the drag; 0 is before all.
     Q_INVOKABLE int roomBehind(int slot);
@@ -72,6 +80,7 @@ Q_SIGNALS:
     /// The operator wants a server.
     void connectRequested();
     void libraryChanged();
+    void arrivalsChanged();
     void isTableChanged();
     void hasDetailsChanged();
     void lastCollectionChanged();
@@ -89,6 +98,7 @@ private:
     std::unique_ptr<SlotDrops> m_drops;
     QString m_readingError;
     QString m_silence; // of a link that is there and says nothing, a sentence
+    int m_arrivalsRevision = 0;
     bool m_isConnected = false;
     bool m_isRead = false;
     bool m_isTable = false;

@@ -12,6 +12,7 @@
 #include "common/ui/style/colors.h"
 #include "common/views/media/filechoice.h"
 #include "common/views/media/mediaactions.h"
+#include "common/views/media/playlistadditions.h"
 #include "common/views/media/slotdetails.h"
 #include "common/views/media/slotgridmodel.h"
 
@@ -106,6 +107,8 @@ void MediaView::setContext()
     context->setContextProperty(
         QStringLiteral("fileChoice"),
         new FileChoice(m_sources.library, session ? session->fileSystemProvider() : nullptr, m_view));
+    context->setContextProperty(QStringLiteral("playlistAdditions"),
+                                new PlaylistAdditions(m_slots, session, m_view));
     const SlotDetails::Sources known{.slots_ = m_slots,
                                      .library = m_sources.library,
                                      .provider = m_sources.provider,

@@ -150,6 +150,11 @@ int SlotGridModel::rowOf(int slot) const
     return found != m_rows.end() && *found == slot ? static_cast<int>(found - m_rows.begin()) : -1;
 }
 
+int SlotGridModel::rowFrom(int slot) const
+{
+    return static_cast<int>(std::lower_bound(m_rows.begin(), m_rows.end(), slot) - m_rows.begin());
+}
+
 int SlotGridModel::findRow(const QString& text, int from) const
 {
     bool isNumber = false;

@@ -69,6 +69,8 @@ public:
     Q_INVOKABLE int slotAt(int row) const;
     /// The row of a slot; -1 where it is not shown.
     Q_INVOKABLE int rowOf(int slot) const;
+    /// The first row whose slot has that number or a higher one; behind the last where there is none.
+    Q_INVOKABLE int rowFrom(int slot) const;
     /// The slot whose number begins with the text, or the next from that row on whose name does; -1 for none.
     Q_INVOKABLE int findRow(const QString& text, int from) const;
     /// Where a view finds its picture; empty while there is none.

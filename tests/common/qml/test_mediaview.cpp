@@ -1,11 +1,14 @@
+#include "common/filesystem/models/filesmodel.h"
 #include "common/qml/qmlmanager.h"
 #include "common/qml/selectionmodel.h"
 #include "common/session/settings/configuration.h"
 #include "common/ui/style/stylesheet.h"
 #include "common/views/media/mediaview.h"
+#include "common/views/media/sequencesearch.h"
 #include "common/views/media/slotdetails.h"
 #include "common/views/media/slotgridmodel.h"
 #include "tests/common/ui/testsettings.h"
+#include "tests/support/fakefiles.h"
 #include "tests/support/librarymaker.h"
 #include "tests/support/mediamirror.h"
 #include "tests/support/testmain.h"
@@ -115,6 +118,18 @@ private Q_SLOTS:
         QCOMPARE(chosen(), QStringLiteral("1 2"));
         const int columns = pane->property("columns").toInt();
         QVERIFY(columns > 2);
+        // What a drop would do stands where it lands: in front of the first slot behind those numbers.
+        pane->setProperty("aimed", QVariantMap{{QStringLiteral("isPossible"), true},
+                                               {QStringLiteral("first"), 41},
+                                               {QStringLiteral("last"), 42},
+                                               {QStringLiteral("text"), QString()}});
+        const QQuickItem* line = item(view, "media-slots-drop-line");
+        item(view, "media-slots-grid")->setProperty("contentY", 0);
+        QVERIFY(line->isVisible());
+        const int bands = (40 + columns - 1) / columns;
+        const qreal cellHeight = item(view, "media-slots-grid")->property("cellHeight").toReal();
+        QCOMPARE(line->y(), (bands - 1) * cellHeight);
+        pane->setProperty("aimed", QVariant::fromValue(nullptr));
         key(Qt::Key_Home);
         key(Qt::Key_Down);
         QCOMPARE(chosen(), QString::number(1 + columns));
@@ -177,6 +192,42 @@ private Q_SLOTS:
         QTRY_COMPARE(details.shown().count, 0);
     }
 
+    /// A picture stands for its sequence in a folder of any size, and the window waits for no part of it.
+    void sequencesAreFoundInTurns()
+    {
+        FakeFiles files(QStringLiteral("Server files"));
+        for (int frame = 0; frame < 50000; ++frame) {
+            files.add(QStringLiteral("/shots/fly.%1.png").arg(frame + 10, 6, 10, QLatin1Char('0')));
+            files.add(QStringLiteral("/shots/plate %1.mov").arg(frame));
+        }
+        files.add(QStringLiteral("/shots/alone.png"));
+        FilesModel model(&files);
+        model.setDirectoryPath(QStringLiteral("/shots/"));
+        QTRY_COMPARE_WITH_TIMEOUT(model.count(), 100001, 20000);
+        QStringList found;
+        const auto note = [&found](const std::optional<ImageSequenceInfo>& sequence) {
+            found.append(sequence ? QStringLiteral("%1 %2 %3")
+                                        .arg(QString::fromStdString(sequence->format.toString()))
+                                        .arg(sequence->firstFrame)
+                                        .arg(sequence->lastFrame)
+                                  : QStringLiteral("none"));
+        };
+        SequenceSearch search;
+        search.begin(&model, QStringLiteral("/shots/fly.000042.png"), note);
+        search.begin(&model, QStringLiteral("/shots/fly.000043.png"), note); // in the place of the first
+        qint64 longest = 0;
+        for (QElapsedTimer whole = started(); found.isEmpty() && whole.elapsed() < 20000;) {
+            const QElapsedTimer turn = started();
+            QCoreApplication::processEvents(QEventLoop::AllEvents, 0);
+            longest = std::max(longest, turn.elapsed());
+        }
+        qInfo("the longest turn took %lld ms", static_cast<long long>(longest));
+        QCOMPARE(found, QStringList{QStringLiteral("/shots/fly.%06d.png 10 50009")});
+        QVERIFY(longest < 16 * slowness);
+        search.begin(&model, QStringLiteral("/shots/alone.png"), note);
+        QTRY_COMPARE(found.last(), QStringLiteral("none"));
+    }
+
     /// Nothing is wider than what holds it.
     void layoutHolds()
     {
@@ -223,6 +274,12 @@ private Q_SLOTS:
     }
 
 private:
+    static QElapsedTimer started()
+    {
+        QElapsedTimer clock;
+        clock.start();
+        return clock;
+    }
     static QString fact(const SlotDetails& details, const char* label)
     {
         for (const QVariant& each : details.shown().facts) {

@@ -8,6 +8,7 @@ ShrinkableFrame {
 
     property var pane
     readonly property var shown: slotDetails.shown
+    readonly property string arriving: shown.count === 1 ? (mediaActions.arrivalsRevision, mediaActions.arriving(shown.slot)) : ""
 
     signal pointRequested(url file)
 
@@ -107,10 +108,21 @@ ShrinkableFrame {
                 color: Theme.dim
                 wrapMode: Text.WrapAnywhere
             }
+            ZTLabel {
+                width: parent.width
+                visible: text.length > 0
+                text: panel.arriving
+                color: Theme.strong
+            }
+            ZTProgress {
+                width: parent.width
+                visible: panel.arriving !== ""
+                value: visible ? (mediaActions.arrivalsRevision, mediaActions.arrivedPart(panel.shown.slot)) : 0
+            }
             Row {
                 width: parent.width
                 spacing: Theme.tight
-                visible: panel.shown.faults !== ""
+                visible: panel.shown.faults !== "" && panel.arriving === ""
 
                 ZTIcon {
                     id: mark
@@ -130,7 +142,7 @@ ShrinkableFrame {
                 objectName: "media-details-point-button"
                 width: Math.min(implicitWidth, parent.width)
                 visible: String(panel.shown.file) !== ""
-                kind: panel.shown.isPlayable ? "" : "accent"
+                kind: panel.shown.isPlayable || panel.arriving !== "" ? "" : "accent"
                 iconName: "replace_media"
                 text: qsTr("Another file ...")
                 tip: qsTr("Lets this slot, and all that play the same file, play another one of the server")

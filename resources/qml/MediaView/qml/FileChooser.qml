@@ -48,8 +48,8 @@ T.Popup {
             return
         if (isFolder)
             goTo(files.get(row).absolutePath)
-        else if (fileChoice.choose(row))
-            close()
+        else
+            fileChoice.choose(row)
     }
 
     objectName: "media-file-chooser"
@@ -71,6 +71,11 @@ T.Popup {
         function onDirectoryPathChanged() { chooser.row = -1 }
         function onDataChanged() { ++chooser.revision }
         function onCountChanged() { chooser.settle() }
+    }
+    Connections {
+        target: fileChoice
+
+        function onChosen() { chooser.close() }
     }
     Connections {
         target: mediaActions
@@ -197,8 +202,8 @@ T.Popup {
             objectName: "media-file-chooser-fault"
             anchors { left: parent.left; right: parent.right; bottom: buttons.top; bottomMargin: Theme.normal }
             height: fontSizes.body * 2 + Theme.normal // room for two lines, so that nothing jumps
-            text: chooser.fault
-            color: Theme.bad
+            text: fileChoice.isBusy ? qsTr("Looking for the pictures of this sequence ...") : chooser.fault
+            color: fileChoice.isBusy ? Theme.text : Theme.bad
             wrapMode: Text.Wrap
             maximumLineCount: 2
         }
@@ -219,7 +224,7 @@ T.Popup {
                 kind: "accent"
                 text: chooser.isFolder ? qsTr("Open folder") : qsTr("Use this file")
                 tip: chooser.isFolder ? qsTr("Shows what is in it (Enter)") : qsTr("It can be undone (Enter)")
-                enabled: chooser.row >= 0 && chooser.fault === "" && mediaActions.isEditable
+                enabled: !fileChoice.isBusy && chooser.row >= 0 && chooser.fault === "" && mediaActions.isEditable
                 onClicked: chooser.take()
             }
         }

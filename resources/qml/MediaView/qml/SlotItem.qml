@@ -23,6 +23,8 @@ Item {
     readonly property bool isRenaming: !!pane && pane.renamingSlot === slot
     readonly property bool isAimed: !!pane && pane.aimed !== null && pane.aimed.isPossible && slot >= pane.aimed.first
                                     && slot <= pane.aimed.last
+    readonly property string arriving: (mediaActions.arrivalsRevision, mediaActions.arriving(slot))
+    readonly property string why: arriving === "" ? faults : ""
     readonly property string text: name // for who asks what the slot shows
     readonly property bool isOnProgram: mediaState <= Media.ProgramStop
     readonly property bool isOnPreview: !isOnProgram && mediaState <= Media.PreviewStop
@@ -74,6 +76,12 @@ Item {
             cache: false
             visible: status === Image.Ready
         }
+        ZTProgress {
+            anchors { left: parent.left; right: parent.right; bottom: parent.bottom; margins: cell.isTable ? 2 : Theme.normal }
+            height: cell.isTable ? 4 : 8
+            visible: cell.arriving !== ""
+            value: visible ? (mediaActions.arrivalsRevision, mediaActions.arrivedPart(cell.slot)) : 0
+        }
         Rectangle {
             // Which channel has it, in that channel's colour.
             anchors.fill: parent
@@ -123,7 +131,7 @@ Item {
 
         x: cell.isTable ? label.x + label.width + Theme.tight : cell.width - width - 2 * Theme.tight
         y: cell.isTable ? Math.round((cell.height - height) / 2) : duration.y + Math.round((duration.height - height) / 2)
-        visible: cell.faults !== ""
+        visible: cell.why !== ""
         name: "error"
         color: cell.isPlayable ? Theme.accent : Theme.bad
     }
@@ -147,8 +155,8 @@ Item {
         width: cell.isTable ? Theme.scaled(96) : cell.width - 4 * Theme.tight - (mark.visible ? mark.width + Theme.tight : 0)
         height: number.height
         horizontalAlignment: cell.isTable ? Text.AlignRight : Text.AlignLeft
-        text: cell.length
-        color: Theme.dim
+        text: cell.arriving !== "" ? cell.arriving : cell.length
+        color: cell.arriving !== "" ? Theme.strong : Theme.dim
         font.pixelSize: cell.isTable ? fontSizes.body : fontSizes.caption
         Accessible.ignored: true
     }
@@ -165,7 +173,7 @@ Item {
         preventStealing: true
         enabled: !cell.isRenaming
 
-        readonly property string tip: (label.truncated ? [cell.name] : []).concat(cell.faults === "" ? [] : [cell.faults]).join("\n")
+        readonly property string tip: (label.truncated ? [cell.name] : []).concat(cell.why === "" ? [] : [cell.why]).join("\n")
 
         onContainsMouseChanged: containsMouse && tip !== "" ? toolTips.show(label, tip) : toolTips.hide(label)
         onPressed: (event) => {

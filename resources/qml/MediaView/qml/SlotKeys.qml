@@ -30,6 +30,7 @@ QtObject {
                 return true
             if (action === "cue") pane.cueCurrent()
             else if (action === "rename") pane.startRename()
+            else if (action === "insert_media") pane.askPlaylist(grid.mapToItem(pane, 20, 20))
             else pane.clearSelected()
             return true
         }

@@ -50,6 +50,17 @@ FocusScope {
         if (canPoint)
             view.pointAtFile(slotDetails.shown.file)
     }
+    function askPlaylist(at) {
+        if (!mediaActions.isEditable || selection.selectedCount === 0)
+            return
+        playlists.active = true
+        playlists.item.begin(at)
+    }
+    // What was done, where nothing that is shown tells of it.
+    function say(text) {
+        said.text = text
+        saidTimer.restart()
+    }
     function step(to, modifiers) {
         if (slotModel.count === 0)
             return
@@ -60,7 +71,9 @@ FocusScope {
             selection.pick(row, modifiers & Qt.ShiftModifier)
         grid.positionViewAtIndex(row, GridView.Contain)
     }
+    property point menuPlace
     function openMenu(at) {
+        menuPlace = at
         menu.active = true
         menu.item.popup(at.x, at.y)
     }
@@ -135,58 +148,34 @@ FocusScope {
             selection.clearSelection()
         }
     }
-    DropArea {
+    SlotDropArea {
         id: drops
 
         anchors.fill: parent
+        pane: pane
+        grid: grid
+    }
+    Timer {
+        id: saidTimer
 
-        // On a slot that one; below all of them, behind the last.
-        function slotUnder(drop) {
-            const row = grid.indexAt(drop.x - grid.x, drop.y + grid.contentY)
-            return row >= 0 ? slotModel.slotAt(row) : mediaActions.roomBehind(slotModel.slotAt(slotModel.count - 1))
-        }
-        onEntered: (drag) => {
-            const mime = {}
-            for (const format of ["application/type", "application/category", "application/json"]) {
-                if (drag.formats.indexOf(format) >= 0)
-                    mime[format] = drag.getDataAsString(format)
-            }
-            drag.accepted = mediaActions.beginDrop(mime, drag.hasUrls ? drag.urls : [])
-        }
-        onPositionChanged: (drag) => {
-            pane.target = slotUnder(drag)
-            pane.aimed = mediaActions.aim(pane.target)
-            drag.accept(Qt.CopyAction)
-        }
-        onExited: {
-            pane.target = -1
-            pane.aimed = null
-            mediaActions.endDrop()
-        }
-        onDropped: (drop) => {
-            // A copy to the drag: what goes, goes when the server says so.
-            drop.accept(Qt.CopyAction)
-            mediaActions.drop(slotUnder(drop))
-            pane.target = -1
-            pane.aimed = null
-            mediaActions.endDrop()
-        }
+        interval: 5000
+        onTriggered: said.text = ""
     }
     Rectangle {
-        objectName: "media-slots-forecast"
+        objectName: "media-slots-said"
         anchors { left: parent.left; right: parent.right; bottom: parent.bottom; margins: Theme.tight }
-        height: forecast.implicitHeight + 2 * Theme.normal
-        visible: pane.aimed !== null
+        height: said.implicitHeight + 2 * Theme.normal
+        visible: said.text !== "" && pane.aimed === null
         color: Theme.background
         radius: Theme.radius
         border.width: 1
-        border.color: pane.aimed !== null && (!pane.aimed.isPossible || pane.aimed.overwrites) ? Theme.bad : Theme.accent
+        border.color: Theme.good
 
         ZTLabel {
-            id: forecast
+            id: said
 
+            objectName: "media-slots-said-text"
             anchors { left: parent.left; right: parent.right; verticalCenter: parent.verticalCenter; margins: Theme.normal }
-            text: pane.aimed !== null ? pane.aimed.text : ""
             color: Theme.strong
             wrapMode: Text.WordWrap
         }
@@ -244,6 +233,14 @@ FocusScope {
                 enabled: mediaActions.isLive
                 onTriggered: pane.cueCurrent()
             }
+            ZTMenuItem {
+                objectName: "media-slots-menu-playlist"
+                text: qsTr("Add to a playlist ...")
+                iconName: "insert_end"
+                keys: mediaActions.keysOf("insert_media")
+                enabled: mediaActions.isEditable && selection.selectedCount > 0
+                onTriggered: Qt.callLater(pane.askPlaylist, pane.menuPlace)
+            }
             ZTMenuSeparator {}
             ZTMenuItem {
                 objectName: "media-slots-menu-rename"
@@ -268,6 +265,15 @@ FocusScope {
                 enabled: mediaActions.isEditable
                 onTriggered: pane.clearSelected()
             }
+        }
+    }
+    Loader {
+        id: playlists
+
+        active: false
+        sourceComponent: PlaylistPopup {
+            parent: pane
+            pane: grid.parent
         }
     }
 }
