@@ -8,9 +8,8 @@
 
 #include <algorithm>
 #include <array>
-#include <set>
-#include <string>
 #include <string_view>
+#include <vector>
 
 namespace vantrel {
 
@@ -30,18 +29,25 @@ Ref<MediaLibrary> edited(const MediaLibrary& library, const std::function<bool(M
 constexpr std::array<std::string_view, 2> identities{"slotUrl", "contentUrl"};
 constexpr std::size_t recordDepth = 4; // "/playlists/1/entries/2", "/collections/1/slots/2"
 
-/// The lists and collections in which a patch puts records elsewhere, adds or takes away some.
-std::set<std::string> rearrangedBy(const Patch& patch)
+bool isBefore(PathView a, PathView b)
 {
-    std::set<std::string> containers;
+    return std::ranges::lexicographical_compare(a, b, {}, &PathElement::text, &PathElement::text);
+}
+
+/// The lists and collections in which a patch puts records elsewhere, adds or takes away some; sorted.
+std::vector<PathView> rearrangedBy(const Patch& patch)
+{
+    std::vector<PathView> containers;
     for (const PatchOp& op : patch) {
         const bool isOther = op.path.size() == recordDepth + 1 &&
                              std::ranges::find(identities, op.path.back().text()) != identities.end();
-        if (op.path.size() == recordDepth)
-            containers.insert(op.path.parent().toString());
-        else if (isOther)
-            containers.insert(op.path.parent().parent().toString());
+        if (!isOther && op.path.size() != recordDepth)
+            continue;
+        const PathView container = PathView(op.path).first(recordDepth - 1);
+        if (containers.empty() || !(containers.back() == container))
+            containers.push_back(container);
     }
+    std::ranges::sort(containers, isBefore);
     return containers;
 }
 
@@ -50,14 +56,12 @@ std::set<std::string> rearrangedBy(const Patch& patch)
 /// whole records that count.
 PatchBase baseOf(const Json& document, const Patch& patch)
 {
-    const std::set<std::string> rearranged = rearrangedBy(patch);
-    return {document, patch, foundMembers, [&](const Path& path) {
-                Path record = path;
-                while (record.size() > recordDepth)
-                    record = record.parent();
+    const std::vector<PathView> rearranged = rearrangedBy(patch);
+    return {document, patch, foundMembers, [&](PathView path) {
                 const bool isIn =
-                    record.size() == recordDepth && rearranged.contains(record.parent().toString());
-                return isIn ? record : path;
+                    path.size() >= recordDepth &&
+                    std::ranges::binary_search(rearranged, path.first(recordDepth - 1), isBefore);
+                return isIn ? path.first(recordDepth) : path;
             }};
 }
 

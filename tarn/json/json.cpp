@@ -327,7 +327,9 @@ bool operator==(const Json& a, const Json& b) noexcept
 
 std::string Json::toString(bool pretty) const
 {
-    return JsonWriter(pretty).write(*this);
+    JsonWriter writer(pretty);
+    writer.value(*this);
+    return writer.take();
 }
 
 bool Json::parseString(std::string_view text, Json& out, std::string* error)

@@ -57,9 +57,8 @@ char* writeNatural(char* at, std::uint64_t number) noexcept
 
 } // namespace
 
-std::string JsonWriter::write(const Json& json)
+std::string JsonWriter::take()
 {
-    value(json);
     flush();
     return std::move(m_out);
 }

@@ -6,7 +6,7 @@
 
 namespace vantrel {
 
-/// Writes a value as RFC 8259 text. One use each.
+/// Writes values as RFC 8259 text, piece by piece. One use each.
 class [[gnu::visibility("hidden")]] JsonWriter
 {
 public:
@@ -15,24 +15,27 @@ public:
     {
     }
 
-    std::string write(const Json& json);
-
-private:
     void value(const Json& json);
-    void container(const Json& json);
-    void entries(const JsonNode& node, bool first);
     void text(std::string_view text);
-    static bool copyPlain(char* to, std::string_view text) noexcept;
-    void escapedText(std::string_view text);
-    void whole(std::uint64_t number, bool negative);
-    void real(double number);
-    void lineBreak();
+    /// As it stands: what is between values is the caller's.
     void put(char c)
     {
         *room(1) = c;
         ++m_used;
     }
+    /// No longer than the buffer.
     void put(std::string_view piece);
+    /// All that was written.
+    std::string take();
+
+private:
+    void container(const Json& json);
+    void entries(const JsonNode& node, bool first);
+    static bool copyPlain(char* to, std::string_view text) noexcept;
+    void escapedText(std::string_view text);
+    void whole(std::uint64_t number, bool negative);
+    void real(double number);
+    void lineBreak();
     void flush();
     /// Where to write up to bytes (no more than the buffer) more.
     char* room(std::size_t bytes)

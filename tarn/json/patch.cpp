@@ -1,6 +1,7 @@
 #include "tarn/json/patch.h"
 
 #include "tarn/json/jsontree.h"
+#include "tarn/json/jsonwriter.h"
 #include "tarn/json/patchnames.h"
 
 #include <algorithm>
@@ -39,6 +40,11 @@ bool needsValue(PatchOpType type) noexcept
     return type == PatchOpType::Add || type == PatchOpType::Replace || type == PatchOpType::Test;
 }
 
+bool hasValue(PatchOpType type) noexcept
+{
+    return needsValue(type) || type == PatchOpType::Invoke;
+}
+
 Json toJson(const PatchOp& op)
 {
     // In the order of the names, so that each is appended.
@@ -48,9 +54,29 @@ Json toJson(const PatchOp& op)
     const std::string_view name = toStr(op.op);
     json.set("op", name.empty() ? Json() : Json(name));
     json.set("path", op.path.toString());
-    if (needsValue(op.op) || op.op == PatchOpType::Invoke)
+    if (hasValue(op.op))
         json.set("value", op.value);
     return json;
+}
+
+void write(JsonWriter& writer, const PatchOp& op)
+{
+    writer.put('{');
+    if (hasFrom(op.op)) {
+        writer.put(std::string_view("\"from\":"));
+        writer.text(op.from.toString());
+        writer.put(',');
+    }
+    writer.put(std::string_view("\"op\":"));
+    const std::string_view name = toStr(op.op);
+    writer.value(name.empty() ? Json() : Json(name));
+    writer.put(std::string_view(",\"path\":"));
+    writer.text(op.path.toString());
+    if (hasValue(op.op)) {
+        writer.put(std::string_view(",\"value\":"));
+        writer.value(op.value);
+    }
+    writer.put('}');
 }
 
 /// Null when all is well, otherwise what is wrong.
@@ -70,7 +96,7 @@ const char* fromJson(const Json& json, PatchOp& op)
         return "no value";
     if (op.op == PatchOpType::Invoke && value && !value->isObject())
         return "arguments that are no object";
-    if (needsValue(op.op) || op.op == PatchOpType::Invoke)
+    if (hasValue(op.op))
         op.value = value ? *value : Json::object();
     return nullptr;
 }
@@ -339,6 +365,19 @@ Json Patch::toJson() const
     for (const PatchOp& op : m_ops)
         json.append(vantrel::toJson(op));
     return json;
+}
+
+std::string Patch::toString() const
+{
+    JsonWriter writer(false);
+    writer.put('[');
+    for (std::size_t i = 0; i < m_ops.size(); ++i) {
+        if (i > 0)
+            writer.put(',');
+        write(writer, m_ops[i]);
+    }
+    writer.put(']');
+    return writer.take();
 }
 
 bool Patch::fromJson(const Json& json, Patch& out, std::string* error)

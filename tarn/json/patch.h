@@ -67,6 +67,8 @@ public:
 
     /// The JSON array form of RFC 6902.
     Json toJson() const;
+    /// Its text, without the tree in between.
+    std::string toString() const;
     static bool fromJson(const Json& json, Patch& out, std::string* error = nullptr);
     /// Strict: text that is no array of known operations gives an empty patch and false.
     static bool parseString(std::string_view text, Patch& out, std::string* error = nullptr);

@@ -6,7 +6,7 @@ namespace vantrel {
 
 namespace {
 
-const Json* find(const Json& document, const Path& path)
+const Json* find(const Json& document, PathView path)
 {
     const Json* node = &document;
     for (const PathElement& element : path) {
@@ -38,10 +38,11 @@ bool readsFrom(const PatchOp& op)
 } // namespace
 
 PatchBase::PatchBase(const Json& document, const Patch& patch, std::span<const std::string_view> unminded,
-                     const std::function<Path(const Path&)>& widened)
+                     const std::function<PathView(PathView)>& widened)
     : m_unminded(unminded)
 {
-    const auto wide = [&](const Path& path) { return widened ? widened(path) : path; };
+    const auto wide = [&](PathView path) { return widened ? widened(path) : path; };
+    m_places.reserve(patch.size());
     for (const PatchOp& op : patch) {
         add(document, wide(op.path));
         if (readsFrom(op))
@@ -49,12 +50,12 @@ PatchBase::PatchBase(const Json& document, const Patch& patch, std::span<const s
     }
 }
 
-void PatchBase::add(const Json& document, const Path& path)
+void PatchBase::add(const Json& document, PathView path)
 {
     if (!m_places.empty() && m_places.back().path == path)
         return; // several members of one record
     const Json* const value = find(document, path);
-    m_places.push_back({path, value ? std::optional(*value) : std::nullopt});
+    m_places.push_back({path.toPath(), value ? std::optional(*value) : std::nullopt});
 }
 
 bool PatchBase::isUnminded(std::string_view name) const

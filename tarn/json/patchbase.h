@@ -21,7 +21,7 @@ public:
     /// Must outlive this.
     /// widened: what of the document an operation's path stands for, that path or one that leads to it.
     PatchBase(const Json& document, const Patch& patch, std::span<const std::string_view> unminded = {},
-              const std::function<Path(const Path&)>& widened = {});
+              const std::function<PathView(PathView)>& widened = {});
 
     bool empty() const noexcept { return m_places.empty(); }
     bool holds(const Json& document) const;
@@ -37,7 +37,7 @@ private:
         Path path;
         std::optional<Json> value; // nothing: there was nothing
     };
-    void add(const Json& document, const Path& path);
+    void add(const Json& document, PathView path);
     bool holdsAt(const Json& document, const Place& place) const;
     bool isUnminded(std::string_view name) const;
     bool isSame(const Json& a, const Json& b) const;

@@ -198,6 +198,7 @@ private:
         PatchOp op;
         op.op = type;
         op.value = value;
+        op.path.reserve(m_path.size());
         for (const Step& step : m_path)
             op.path.append(step.key ? std::string(step.key->stringView()) : std::to_string(step.index));
         patch.append(std::move(op));

@@ -128,6 +128,7 @@ Path operator+(const Path& a, const Path& b)
 Path PathView::toPath() const
 {
     Path path;
+    path.reserve(m_size);
     for (const PathElement& element : *this)
         path.append(element.text());
     return path;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <initializer_list>
 #include <string>
@@ -50,6 +51,7 @@ public:
     const PathElement& back() const noexcept { return m_elements.back(); }
     Path parent() const;
     void append(std::string element) { m_elements.emplace_back(std::move(element)); }
+    void reserve(std::size_t elements) { m_elements.reserve(elements); }
 
     auto begin() const noexcept { return m_elements.begin(); }
     auto end() const noexcept { return m_elements.end(); }
@@ -87,6 +89,11 @@ public:
     const PathElement* end() const noexcept { return m_begin + m_size; }
     Path toPath() const;
     std::string toString() const;
+
+    friend bool operator==(PathView a, PathView b) noexcept
+    {
+        return std::equal(a.begin(), a.end(), b.begin(), b.end());
+    }
 
 private:
     const PathElement* m_begin = nullptr;

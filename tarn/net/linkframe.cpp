@@ -16,7 +16,7 @@ void appendFrame(std::string& out, const std::string& text)
 
 void appendFrames(std::string& out, const Patch& patch)
 {
-    const std::string text = patch.toJson().toString();
+    const std::string text = patch.toString();
     if (text.size() <= maxPayload) {
         appendFrame(out, text);
         return;

@@ -66,7 +66,7 @@ private:
             command = m_operator.next(session().mediaLibrary());
         if (!command)
             return "nothing to edit";
-        const QByteArray patch = QByteArray::fromStdString(command->redoPatch().toJson().toString());
+        const QByteArray patch = QByteArray::fromStdString(command->redoPatch().toString());
         const bool isMarked = patch.contains(mark.toUtf8());
         static const QByteArray kept =
             "\"/playlists/" + QByteArray::number(keptList) + "/entries/"; // the path of what it touches

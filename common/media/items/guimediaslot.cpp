@@ -80,16 +80,22 @@ GuiMediaSlot::GuiMediaSlot(MediaAddress address, const MediaSlot& slot)
 MediaSlot GuiMediaSlot::toSdkMediaSlot() const
 {
     MediaSlot slot(m_name.toStdString(), mediaUrlToString(m_contentUrl).toStdString());
-    slot.setInpoint(m_inpoint);
-    slot.setOutpoint(m_outpoint);
+    // What a new one has is left alone: thousands of them are made for one drop.
+    if (m_inpoint != 0)
+        slot.setInpoint(m_inpoint);
+    if (m_outpoint)
+        slot.setOutpoint(m_outpoint);
     // Only a still image has a duration that the operator chose.
     if (m_mediaType == MediaType::ImageFile)
         slot.setCustomMediaDuration(m_duration);
     else
         slot.setInherentMediaDuration(m_duration);
-    slot.setScaleMode(m_scaleMode);
-    slot.setIsPlayable(m_isPlayable);
-    slot.setDurationType(m_durationType);
+    if (m_scaleMode != ScaleMode::Default)
+        slot.setScaleMode(m_scaleMode);
+    if (!m_isPlayable)
+        slot.setIsPlayable(false);
+    if (m_durationType != MediaDurationType::Manual)
+        slot.setDurationType(m_durationType);
     if (m_frameRate)
         slot.setFrameRate(*m_frameRate);
     if (m_firstFrame)

@@ -158,7 +158,7 @@ QNetworkReply* MediaLibraryApi::patchMediaLibrary(const Patch& patch, std::optio
 bool MediaLibraryApi::patchBody(const Patch& patch, QByteArray* body)
 {
     // The text itself: read into a document and written again it holds the window for thousands of slots.
-    *body = QByteArray::fromStdString(patch.toJson().toString());
+    *body = QByteArray::fromStdString(patch.toString());
     return !body->isEmpty();
 }
 

@@ -20,9 +20,13 @@ Json parsed(const QByteArray& text)
     return json;
 }
 
+/// Of the patch, which is that of its tree.
 QByteArray text(const Patch& patch)
 {
-    return QByteArray::fromStdString(patch.toJson().toString());
+    const std::string text = patch.toString();
+    if (text != patch.toJson().toString())
+        qFatal("The text differs from the tree's: %s", text.c_str());
+    return QByteArray::fromStdString(text);
 }
 
 /// Random documents and edits of them, with names that need escapes and containers of more than one node.

@@ -25,7 +25,7 @@ void TestLinkFrame::writesLengthAndText()
     Patch patch;
     patch.append(PatchOp::get(""));
     const std::string frame = linkframe::encode(patch);
-    const std::string text = patch.toJson().toString();
+    const std::string text = patch.toString();
     QCOMPARE(frame, std::string("\0\0\0", 3) + static_cast<char>(text.size()) + text);
     QCOMPARE(linkframe::encode(Patch()), std::string("\0\0\0\2[]", 6));
 }

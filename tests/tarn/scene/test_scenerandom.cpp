@@ -189,7 +189,7 @@ void TestSceneRandom::agreesWithTheDocument()
         const bool fits = static_cast<bool>(patch.apply(document));
         const bool fitted = scene.apply(patch, false);
         applied += fits;
-        const QByteArray text = QByteArray::fromStdString(patch.toJson().toString());
+        const QByteArray text = QByteArray::fromStdString(patch.toString());
         QVERIFY2(fits == fitted, text.constData());
         QVERIFY2(Scene::toJson(scene.root()) == document, text.constData());
         QVERIFY2(follower.document == document, text.constData());
