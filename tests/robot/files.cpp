@@ -92,6 +92,7 @@ private Q_SLOTS:
     void folderIsDraggedUp();
     void folderComesDownByKeys();
     void conflictIsAsked();
+    void removalIsAsked();
     void manyFilesGoUpAndDownInAShow();
     void endsCleanly();
 
@@ -235,6 +236,17 @@ void Files::conflictIsAsked()
     QTRY_VERIFY_WITH_TIMEOUT(!m_robot.find(QStringLiteral("conflict-skip-button"))["visible"].toBool(),
                              10000);
     QCOMPARE(read(m_local.filePath(QStringLiteral("Recorded/Take.mov"))), changed);
+}
+
+void Files::removalIsAsked()
+{
+    const QString folder = m_local.filePath(QStringLiteral("Recorded"));
+    QVERIFY(m_robot.click(QStringLiteral("local-files-row1")));
+    m_robot.key(QStringLiteral("Delete"));
+    QVERIFY(!m_robot.waitFor(QStringLiteral("RemoveFilesDialog-accept-button")).isEmpty());
+    QVERIFY(QFileInfo::exists(folder));
+    QVERIFY(m_robot.click(QStringLiteral("RemoveFilesDialog-accept-button")));
+    QTRY_VERIFY_WITH_TIMEOUT(!QFileInfo::exists(folder), 10000);
 }
 
 /// Hundreds of files go both ways in one drag each while program plays: not a byte is lost, the window does

@@ -40,7 +40,7 @@ public:
     PushButton* cancelButton() const { return m_cancel; }
     /// A further button left of the others.
     void addButton(PushButton* button);
-    virtual void setObjectNames(const QString& base);
+    Q_INVOKABLE virtual void setObjectNames(const QString& base);
     /// As large as the content asks for, but nine tenths of the screen at most.
     void fitToContent();
 
