@@ -62,8 +62,16 @@ int CollectionSelectorModel::numberAt(int row) const
 
 void CollectionSelectorModel::setSelectedCollectionIndex(int collectionIndex)
 {
+    m_coming = -1;
     if (collectionIndex >= 0 && getRowForCollectionIndex(static_cast<uint>(collectionIndex)) >= 0)
         select(collectionIndex);
+}
+
+void CollectionSelectorModel::selectComing(int collectionIndex)
+{
+    setSelectedCollectionIndex(collectionIndex);
+    if (m_selected != collectionIndex)
+        m_coming = collectionIndex;
 }
 
 void CollectionSelectorModel::select(int collectionIndex)
@@ -77,6 +85,8 @@ void CollectionSelectorModel::select(int collectionIndex)
 
 void CollectionSelectorModel::keepSelection()
 {
+    if (m_coming >= 0 && getRowForCollectionIndex(static_cast<uint>(m_coming)) >= 0)
+        return setSelectedCollectionIndex(m_coming);
     if (m_selected >= 0 && getRowForCollectionIndex(static_cast<uint>(m_selected)) >= 0)
         return;
     // The one that followed it, else the last.

@@ -28,6 +28,9 @@ public:
     int selectedCollectionIndex() const { return m_selected; }
     /// An absent collection leaves the choice as it is.
     Q_INVOKABLE void setSelectedCollectionIndex(int collectionIndex);
+    /// The same for a number that a collection is about to get: an absent one is chosen when it comes, unless
+    /// another has been chosen meanwhile.
+    void selectComing(int collectionIndex);
 
 Q_SIGNALS:
     void selectionChanged(int collectionIndex, int row);
@@ -38,6 +41,7 @@ private:
     void keepSelection();
 
     int m_selected = -1;
+    int m_coming = -1;
 };
 
 } // namespace vantrel

@@ -10,6 +10,7 @@
 #include "common/qml/quickview.h"
 #include "common/session/session.h"
 #include "common/ui/style/colors.h"
+#include "common/views/media/collectionorder.h"
 #include "common/views/media/filechoice.h"
 #include "common/views/media/mediaactions.h"
 #include "common/views/media/playlistadditions.h"
@@ -109,6 +110,12 @@ void MediaView::setContext()
         new FileChoice(m_sources.library, session ? session->fileSystemProvider() : nullptr, m_view));
     context->setContextProperty(QStringLiteral("playlistAdditions"),
                                 new PlaylistAdditions(m_slots, session, m_view));
+    const auto follow = [this](const CollectionOrder::Numbers& numbers) {
+        if (const auto at = numbers.find(m_collections->selectedCollectionIndex()); at != numbers.end())
+            m_collections->selectComing(at->second);
+    };
+    context->setContextProperty(QStringLiteral("collectionOrder"),
+                                new CollectionOrder(session, follow, m_view));
     const SlotDetails::Sources known{.slots_ = m_slots,
                                      .library = m_sources.library,
                                      .provider = m_sources.provider,

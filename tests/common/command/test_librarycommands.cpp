@@ -7,6 +7,7 @@
 #include "common/media/edit/slot/copycollectioncommand.h"
 #include "common/media/edit/slot/editslotscalingcommand.h"
 #include "common/media/edit/slot/insertcollectioncommand.h"
+#include "common/media/edit/slot/movecollectioncommand.h"
 #include "common/media/edit/slot/moveslotincollectioncommand.h"
 #include "common/media/edit/slot/pointslotsatfilecommand.h"
 #include "common/media/edit/slot/removecollectioncommand.h"
@@ -62,6 +63,7 @@ Ref<MediaLibrary> sample()
         library->findCollection(collection)->insertMediaSlot(4, MediaSlot(), true);
     library->addPlaylist(1, Playlist("Show"));
     library->findPlaylist(1)->addEntry({1, 0}, PlaylistEntry());
+    library->findPlaylist(1)->addEntry({2, 0}, {test::slotUrl(1, 3), EndAction::Next, {}, 1});
     return library;
 }
 
@@ -80,6 +82,7 @@ private Q_SLOTS:
     void refusals_data();
     void refusals();
     void durationByContent();
+    void collectionsStepAsideAsFewAsCan();
     void withoutServer();
     void ids();
 };
@@ -138,6 +141,16 @@ void TestLibraryCommands::edits_data()
     row("Copy collection from 1 to 5", make<CopyCollectionCommand>(1, 5), [=](const auto& l) {
         return l.findCollection(5)->getName() == "Duplicate of Collection 1" &&
                at(l, 5, 3)->getName() == "c1s3";
+    });
+    // Without a free number there the neighbours step aside, and what plays their slots follows.
+    row("Move collection 2 in front of 1", make<MoveCollectionCommand>(2, 1), [=](const auto& l) {
+        return at(l, 1, 3)->getName() == "c2s3" && at(l, 2, 3)->getName() == "c1s3" &&
+               l.findCollection(1)->getName() == "Collection 2" &&
+               l.findPlaylistEntry(1, {2, 0})->getMediaUrl() == test::slotUrl(2, 3);
+    });
+    row("Move collection 1 behind all others", make<MoveCollectionCommand>(1, -1), [=](const auto& l) {
+        return at(l, 2, 3)->getName() == "c1s3" && at(l, 1, 3)->getName() == "c2s3" &&
+               l.findPlaylistEntry(1, {2, 0})->getMediaUrl() == test::slotUrl(2, 3);
     });
     row("Add new playlist 2", make<AddPlaylistCommand>(2, QStringLiteral("Second")),
         [](const auto& l) { return l.findPlaylist(2)->getName() == "Second"; });
@@ -206,6 +219,9 @@ void TestLibraryCommands::refusals_data()
     row("remove", make<RemoveCollectionCommand>(9), "Unable to find media collection.");
     row("copy", make<CopyCollectionCommand>(9, 10), "Unable to find source media collection.");
     row("copy onto another", make<CopyCollectionCommand>(1, 2), "Unable to copy media collection");
+    row("order, collection", make<MoveCollectionCommand>(9, 1), "Unable to move collection");
+    row("order, neighbour", make<MoveCollectionCommand>(1, 9), "Unable to move collection");
+    row("order, as it is", make<MoveCollectionCommand>(1, 2), "Unable to move collection");
     row("playlist taken", make<AddPlaylistCommand>(1, QString()),
         "Unable to build redo Patch due failed addPlaylist");
     row("no playlist", make<RemovePlaylistCommand>(9),
@@ -213,7 +229,7 @@ void TestLibraryCommands::refusals_data()
     row("no playlist to rename", make<RenamePlaylistCommand>(9, QString()), "Unable to find playlist");
     row("no playlist to edit", make<EditPlaylistEntryCommand>(9, EntryAddress(1, 0), PlaylistEntry()),
         "Unable to find playlist");
-    row("no entry to edit", make<EditPlaylistEntryCommand>(1, EntryAddress(2, 0), PlaylistEntry()),
+    row("no entry to edit", make<EditPlaylistEntryCommand>(1, EntryAddress(3, 0), PlaylistEntry()),
         "Unable to find entry");
 }
 
@@ -252,6 +268,29 @@ void TestLibraryCommands::durationByContent()
     QVERIFY(third.init(library.get(), content, 10, false, MediaAddress(1, 3)));
     QCOMPARE(library->applyDiff(third.redoPatch()), 0);
     QCOMPARE(library->findSlot(1, 2)->getEffectiveMediaDuration(), 10.0);
+}
+
+void TestLibraryCommands::collectionsStepAsideAsFewAsCan()
+{
+    const int last = MediaLibrary::getCollectionIndexMax();
+    MediaLibrary library;
+    for (const int number : {3, 4, 5, 8, 9, last - 1, last})
+        library.insertMediaCollection(number, MediaCollection(), false);
+    using Numbers = std::map<int, int>;
+    const auto numbers = [&](int collection, int before) {
+        return MoveCollectionCommand::numbersFor(library, collection, before);
+    };
+    QCOMPARE(numbers(9, 8), (Numbers{{9, 6}})); // between 5 and 8 there is room
+    QCOMPARE(numbers(9, 3), (Numbers{{9, 2}}));
+    QCOMPARE(numbers(9, 4), (Numbers{{9, 4}, {4, 5}, {5, 6}}));
+    QCOMPARE(numbers(3, 9), (Numbers{{3, 8}, {8, 7}}));
+    QCOMPARE(numbers(3, 5), (Numbers{{3, 4}, {4, 3}}));
+    QCOMPARE(numbers(5, -1), (Numbers{{5, last}, {last, last - 1}, {last - 1, last - 2}}));
+    QCOMPARE(numbers(last, -1), Numbers());
+    library.removeCollection(last);
+    library.removeCollection(last - 1);
+    QCOMPARE(numbers(3, -1), (Numbers{{3, 10}}));
+    QCOMPARE(numbers(8, -1), (Numbers{{8, 9}, {9, 8}}));
 }
 
 void TestLibraryCommands::withoutServer()

@@ -434,6 +434,11 @@ private Q_SLOTS:
             << int(Blue) << 40 << entry(2, 0);
         QTest::newRow("itself moved behind")
             << "[{'op':'move','from':'" + at + "2','path':'" + at + "3.5'}]" << int(Red) << 60 << entry(4, 0);
+        QByteArray renumbered = "[{'op':'move','from':'/collections/1','path':'/collections/2'}";
+        for (const char* number : {"1", "2", "3", "4"})
+            renumbered += ",{'op':'replace','path':'" + at + number +
+                          "/slotUrl','value':'brume://collections/2/slots/" + number + "'}";
+        QTest::newRow("collection renumbered") << renumbered + ']' << int(Blue) << 40 << entry(3, 0);
         QTest::newRow("next has another in point")
             << "[{'op':'replace','path':'" + slot + "3/inpoint','value':2.0}]" << int(Blue) << 50
             << entry(3, 0);

@@ -22,8 +22,8 @@ ShrinkableFrame {
         if (!mediaActions.isEditable || chosen < 0)
             return
         const number = chosen
-        const dialog = dialogs.openTextInputDialog(qsTr("Rename collection"), qsTr("New name of “%1”").arg(chosenName),
-                                                   qsTr("RENAME"))
+        const dialog = dialogs.openRenameDialog(qsTr("Rename collection"), qsTr("New name of “%1”").arg(chosenName),
+                                                qsTr("RENAME"), chosenName)
         dialog.setObjectNames("MediaView-rename-collection")
         dialog.valuesConfirmed.connect(function(values) { commandCenter.renameCollection(number, values[0]) })
     }
@@ -111,10 +111,12 @@ ShrinkableFrame {
             required property string editText
             readonly property bool isChosen: collectionNumber === panel.chosen
             readonly property string text: editText
+            readonly property bool isCut: label.truncated
 
             objectName: "media-collection-row" + index
             width: ListView.view ? ListView.view.width : 0
             height: Theme.rowHeight
+            opacity: collectionNumber === mouse.dragged ? 0.5 : 1
             Accessible.role: Accessible.ListItem
             Accessible.name: qsTr("Collection %1, %2").arg(collectionNumber).arg(editText)
             Accessible.selectable: true
@@ -132,7 +134,7 @@ ShrinkableFrame {
                 anchors { fill: parent; leftMargin: Theme.tight; rightMargin: fontSizes.bar }
                 radius: Theme.radius
                 color: row.isChosen ? (list.activeFocus ? Theme.accentVeil : Theme.hoverStrong)
-                     : mouse.containsMouse ? Theme.hover : "transparent"
+                     : mouse.rowUnder === row.index ? Theme.hover : "transparent"
                 border.width: 1
                 border.color: row.isChosen && list.activeFocus ? Theme.focus : "transparent"
             }
@@ -156,21 +158,6 @@ ShrinkableFrame {
                 color: row.isChosen ? Theme.strong : Theme.text
                 Accessible.ignored: true
             }
-            MouseArea {
-                id: mouse
-
-                anchors.fill: parent
-                acceptedButtons: Qt.LeftButton | Qt.RightButton
-                hoverEnabled: true
-                onContainsMouseChanged: containsMouse && label.truncated ? toolTips.show(label, row.editText)
-                                                                         : toolTips.hide(label)
-                onPressed: (event) => {
-                    list.forceActiveFocus()
-                    collectionModel.setSelectedCollectionIndex(row.collectionNumber)
-                    if (event.button === Qt.RightButton && mediaActions.isEditable)
-                        panel.openMenu(mapToItem(panel, event.x, event.y))
-                }
-            }
             // Held over a collection, a drag opens it: its slots take the drop.
             DropArea {
                 id: hold
@@ -185,12 +172,16 @@ ShrinkableFrame {
             }
         }
         Keys.onShortcutOverride: (event) => event.accepted = [Qt.Key_Up, Qt.Key_Down, Qt.Key_Home, Qt.Key_End, Qt.Key_Menu].indexOf(event.key) >= 0
+                                                            || (event.key === Qt.Key_Escape && mouse.dragged >= 0)
                                                             || ["rename", "delete"].indexOf(mediaActions.actionOf(event.key, event.modifiers)) >= 0
         Keys.onPressed: (event) => {
             const row = collectionModel.selectedRow()
             const action = mediaActions.actionOf(event.key, event.modifiers)
+            const isMove = (event.modifiers & Qt.AltModifier) && (event.key === Qt.Key_Up || event.key === Qt.Key_Down)
             event.accepted = true
-            if (action === "rename") panel.askName()
+            if (isMove) { if (!event.isAutoRepeat) panel.step(event.key === Qt.Key_Up ? -1 : 1) }
+            else if (event.key === Qt.Key_Escape && mouse.dragged >= 0) mouse.stop()
+            else if (action === "rename") panel.askName()
             else if (action === "delete") panel.askRemove()
             else if (event.key === Qt.Key_Up) panel.goTo(Math.max(0, row - 1))
             else if (event.key === Qt.Key_Down) panel.goTo(Math.min(list.count - 1, row + 1))
@@ -199,6 +190,17 @@ ShrinkableFrame {
             else if (event.key === Qt.Key_Menu) panel.openMenu(list.mapToItem(panel, 20, 20))
             else event.accepted = false
         }
+    }
+    CollectionMouse {
+        id: mouse
+
+        anchors { fill: parent; rightMargin: fontSizes.bar }
+        list: list
+        panel: panel
+    }
+    function step(direction) {
+        if (mediaActions.isEditable && chosen >= 0)
+            collectionOrder.step(chosen, direction)
     }
     function showChosen() {
         const row = collectionModel.selectedRow()
@@ -238,6 +240,20 @@ ShrinkableFrame {
                 iconName: "copy"
                 enabled: mediaActions.isEditable
                 onTriggered: panel.duplicate()
+            }
+            ZTMenuItem {
+                objectName: "MediaView-collection-menu-up"
+                text: qsTr("Move up")
+                keys: "Alt+Up"
+                enabled: mediaActions.isEditable
+                onTriggered: panel.step(-1)
+            }
+            ZTMenuItem {
+                objectName: "MediaView-collection-menu-down"
+                text: qsTr("Move down")
+                keys: "Alt+Down"
+                enabled: mediaActions.isEditable
+                onTriggered: panel.step(1)
             }
             ZTMenuSeparator {}
             ZTMenuItem {
