@@ -533,6 +533,38 @@ def slots(options):
         window.keys("Ctrl+Z")
 
 
+def pictures(options):
+    """A folder of sequences and stills that was dropped from the FILES tab, while a show runs."""
+    act = options.media.parent / "Pictures" / "Act 3"
+    act.mkdir(parents=True, exist_ok=True)
+    frame = next(options.media.glob("*.png"))
+    for name, frames in {"sky_v012.": range(1001, 1049), "rain.": [n for n in range(1, 25) if n not in (7, 8)]}.items():
+        for number in frames:
+            shutil.copy(frame, act / f"{name}{number:04}.png")
+    for name in ("Sponsor plate.png", "House rules.png", "Curtain.jpg"):
+        shutil.copy(frame, act / name)
+    with Window(options) as window, Pointer(window.display) as pointer:
+        window.run_show()
+        window.click("MainNavigationBar-files-button")
+        window.click("local-files-list")
+        window.keys("Ctrl+L", *str(act.parent), "Enter")
+        wait(lambda: window.robot.find("local-files-row0")["text"] == "Act 3", "the folder")
+        pointer.drag(window.robot.find("local-files-row0"), window.robot.find("MainNavigationBar-player-button"))
+        time.sleep(1)
+        slot = window.robot.slot(2)
+        pointer.move(slot["global_x"], slot["global_y"] - 4)
+        pointer.move(slot["global_x"], slot["global_y"])
+        pointer.press(False)
+        window.robot.find("DropDialog-sequences-row1")
+        window.robot.ask(operation="raise", objectName="DropDialog")  # nobody else gives it the keyboard here
+        window.click("DropDialog-rate-field-input")
+        window.keys("CtrlA", "2", "5")
+        window.rest()
+        window.shoot(options.out / "drop-dialog.png")
+        window.keys("Escape")
+    shutil.rmtree(options.media / "Act 3")
+
+
 def fill(path, size):
     with open(path, "wb") as file:
         file.truncate(size)
@@ -600,6 +632,7 @@ SCREENS = {
     "media-folder-gone": notice,
     "drop-on-program": drop,
     "drop-on-slots": slots,
+    "drop-dialog": pictures,
     "files": lambda options: files(options, "files"),
     "files-huge-1280x720": lambda options: files(options, "files-huge-1280x720", **HUGE),
     "silent": silent,

@@ -1,6 +1,7 @@
 #include "common/import/dropforecast.h"
 
 #include "common/filesystem/model/pathhelpers.h"
+#include "common/import/mediadrop.h"
 #include "common/import/slotpayload.h"
 #include "common/media/address/showntext.h"
 #include "common/media/edit/mediacollectionmanager.h"
@@ -84,20 +85,38 @@ DropForecast DropForecast::of(const SlotPayload& payload, const MediaCollectionM
     const int count = slotsFor(payload, &forecast.isExact);
     if (!forecast.fault.isEmpty())
         return forecast;
-    const int end = manager.lastSlotInCollection(collection);
     if (count == 0)
         forecast.fault = translated("The server can play none of these files.");
-    else if (slot < 0 || slot + count - 1 > end)
-        forecast.fault = translated("There is no room: the last slot is %1.").arg(end);
-    if (!forecast.fault.isEmpty())
+    else
+        forecast.place(manager, collection, slot, count, movedWithin(payload, collection));
+    if (!forecast.isPossible())
         return forecast;
     forecast.isMove = payload.movesWithin(collection);
     forecast.isCopy = payload.isCopy() && payload.kind() == SlotPayload::Kind::Slots;
-    forecast.first = slot;
-    forecast.last = slot + count - 1;
-    forecast.overwritten = overwrittenSlots(manager, collection, forecast.first, forecast.last,
-                                            movedWithin(payload, collection), forecast.losing);
     return forecast;
+}
+
+DropForecast DropForecast::of(const MediaDrop& drop, const MediaCollectionManager& manager)
+{
+    DropForecast forecast;
+    if (const int count = drop.storedSlotCount(); count == 0)
+        forecast.fault = translated("Nothing of it is left.");
+    else
+        forecast.place(manager, drop.collection(), drop.startSlot(), count, drop.collectionSlots());
+    return forecast;
+}
+
+void DropForecast::place(const MediaCollectionManager& manager, int collection, int slot, int count,
+                         const QList<int>& moved)
+{
+    const int end = manager.lastSlotInCollection(collection);
+    if (slot < 0 || slot + count - 1 > end) {
+        fault = translated("There is no room: the last slot is %1.").arg(end);
+        return;
+    }
+    first = slot;
+    last = slot + count - 1;
+    overwritten = overwrittenSlots(manager, collection, first, last, moved, losing);
 }
 
 QString DropForecast::text() const

@@ -6,6 +6,7 @@
 namespace vantrel {
 
 class MediaCollectionManager;
+class MediaDrop;
 class SlotPayload;
 
 /// What a drop on a slot would do, told before the button is let go. A value.
@@ -13,6 +14,8 @@ struct DropForecast
 {
     static DropForecast of(const SlotPayload& payload, const MediaCollectionManager& manager, int collection,
                            int slot);
+    /// Of one that has been read, as it stands.
+    static DropForecast of(const MediaDrop& drop, const MediaCollectionManager& manager);
 
     int first = -1; // the slots that it takes
     int last = -1;
@@ -26,6 +29,12 @@ struct DropForecast
     bool isPossible() const { return fault.isEmpty(); }
     /// "Slots 3 to 7 (5). Overwrites 4 Logo, 5 Loop and 1 more."
     QString text() const;
+
+    friend bool operator==(const DropForecast&, const DropForecast&) = default;
+
+private:
+    void place(const MediaCollectionManager& manager, int collection, int slot, int count,
+               const QList<int>& moved);
 };
 
 /// The first slot from there on behind which all that is known of the payload finds free slots; the slot

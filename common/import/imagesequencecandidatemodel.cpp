@@ -1,6 +1,7 @@
 #include "common/import/imagesequencecandidatemodel.h"
 
 #include "common/media/address/medialogging.h"
+#include "tarn/media/imagesequenceformat.h"
 #include "util/clocktime.h"
 
 #include <algorithm>
@@ -15,8 +16,19 @@ namespace {
 
 int missingFrames(const ImagesResult& result)
 {
-    const auto frames = static_cast<qsizetype>(result.getImageSequence().frameCount());
-    return static_cast<int>(std::max<qsizetype>(0, frames - result.stillImages().size()));
+    const ImageSequenceCandidate candidate = result.getImageSequence();
+    const auto format = ImageSequenceFormat::parse(candidate.id.toLocalFile().toStdString());
+    if (!format)
+        return 0;
+    const auto prefix = static_cast<qsizetype>(QString::fromStdString(format->prefix()).size());
+    const auto suffix = static_cast<qsizetype>(QString::fromStdString(format->suffix()).size());
+    const auto isShown = [&](const images::StillImage& picture) {
+        const QStringView path(picture.filePath);
+        const qulonglong number = path.mid(prefix, path.size() - prefix - suffix).toULongLong();
+        return number >= candidate.startFrame && number <= candidate.endFrame;
+    };
+    const auto there = std::ranges::count_if(result.stillImages(), isShown);
+    return static_cast<int>(candidate.frameCount()) - static_cast<int>(there);
 }
 
 /// Numbers of pictures are ints on their way to the server.
@@ -47,36 +59,21 @@ QString durationToString(double seconds)
     return QString::fromStdString(clocktime::format(clocktime::fromSeconds(seconds)));
 }
 
-void ImageSequenceCandidateModel::setImageResults(const QList<ImagesResult>& results)
+QList<CandidateModel::Place> ImageSequenceCandidateModel::placesOf(const QList<ImagesResult>& results) const
 {
-    if (results == m_results)
-        return;
-    beginResetModel();
-    m_results = results;
-    rebuildImageSequenceCache();
-    endResetModel();
-    Q_EMIT imageResultsChanged();
-}
-
-void ImageSequenceCandidateModel::rebuildImageSequenceCache()
-{
-    m_cache.clear();
-    for (qsizetype i = 0; i < m_results.size(); ++i) {
-        if (m_results[i].hasImageSequence())
-            m_cache.append(i);
+    QList<Place> places;
+    for (qsizetype i = 0; i < results.size(); ++i) {
+        if (results[i].hasImageSequence())
+            places.append(Place{i});
     }
-}
-
-int ImageSequenceCandidateModel::rowCount(const QModelIndex& parent) const
-{
-    return parent.isValid() ? 0 : static_cast<int>(m_cache.size());
+    return places;
 }
 
 QVariant ImageSequenceCandidateModel::data(const QModelIndex& index, int role) const
 {
     if (!checkIndex(index, CheckIndexOption::IndexIsValid))
         return {};
-    const ImagesResult& result = m_results[m_cache[index.row()]];
+    const ImagesResult& result = resultAt(index.row());
     const ImageSequenceCandidate candidate = result.getImageSequence();
     switch (role) {
     case IdRole:
@@ -109,7 +106,7 @@ QVariant ImageSequenceCandidateModel::data(const QModelIndex& index, int role) c
     }
 }
 
-bool ImageSequenceCandidateModel::write(ImagesResult& result, const QVariant& value, int role)
+bool ImageSequenceCandidateModel::write(ImagesResult& result, qsizetype, const QVariant& value, int role)
 {
     ImageSequenceCandidate candidate = result.getImageSequence();
     bool isTaken = true;
@@ -149,41 +146,12 @@ bool ImageSequenceCandidateModel::write(ImagesResult& result, const QVariant& va
     return isTaken;
 }
 
-bool ImageSequenceCandidateModel::setData(const QModelIndex& index, const QVariant& value, int role)
-{
-    if (!checkIndex(index, CheckIndexOption::IndexIsValid))
-        return false;
-    ImagesResult& result = m_results[m_cache[index.row()]];
-    const ImageResultType before = result.type();
-    if (!write(result, value, role)) {
-        qCWarning(lcMedia) << "Unable to write data" << value << "to role" << role << "for row" << index.row()
-                           << "and column" << index.column();
-        return false;
-    }
-    Q_EMIT dataChanged(index, index); // of one value others are made
-    if (result.type() != before)
-        Q_EMIT imageResultTypeChanged(result);
-    return true;
-}
-
-bool ImageSequenceCandidateModel::removeRows(int row, int count, const QModelIndex& parent)
-{
-    if (parent.isValid() || row < 0 || count < 1 || row + count > rowCount())
-        return false;
-    beginRemoveRows(parent, row, row + count - 1);
-    for (int i = row + count - 1; i >= row; --i)
-        m_results.removeAt(m_cache[i]);
-    rebuildImageSequenceCache();
-    endRemoveRows();
-    Q_EMIT imageResultsChanged();
-    return true;
-}
-
 QHash<int, QByteArray> ImageSequenceCandidateModel::roleNames() const
 {
     return {{NameRole, "name"},
             {StartFrameRole, "startFrame"},
             {EndFrameRole, "endFrame"},
+            {FpsRole, "fps"},
             {FpsRole, "fps"},
             {FrameCountRole, "frameCount"},
             {StillImageCountRole, "stillImageCount"},

@@ -58,9 +58,13 @@ public:
     void setImageSequence(const std::optional<ImageSequenceCandidate>& sequence) { m_sequence = sequence; }
     const QList<StillImage>& stillImages() const { return m_stills; }
     void setStillImages(const QList<StillImage>& stills) { m_stills = stills; }
+    void setStillImage(qsizetype at, const StillImage& still) { m_stills[at] = still; }
     FileSystem* fileSystem() const { return m_fileSystem; }
     void setFileSystem(FileSystem* fileSystem) { m_fileSystem = fileSystem; }
 
+    /// Whether what the operator has made of it can run on a server: a rate and a range of pictures, or times
+    /// of stills.
+    bool isStorable() const;
     /// It will be stored as a sequence.
     bool isSequence() const { return m_type == ImageResultType::ImageSequence && hasImageSequence(); }
     /// Of every still.

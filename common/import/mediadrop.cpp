@@ -23,6 +23,11 @@ int MediaDrop::lastSlot() const
     return d->lastSlot();
 }
 
+int MediaDrop::storedSlotCount() const
+{
+    return static_cast<int>(d->storedSlotCount());
+}
+
 int MediaDrop::collection() const
 {
     return d->m_collection;

@@ -44,6 +44,8 @@ public:
     int startSlot() const;
     /// -1 for a drop of nothing. What is still to be read counts as one slot each.
     int lastSlot() const;
+    /// So many slots does save() write. lastSlot() counts a sequence that is to become stills as one.
+    int storedSlotCount() const;
     int collection() const;
     /// Slots of the same collection that are moved here.
     QList<int> collectionSlots() const;

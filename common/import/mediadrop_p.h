@@ -57,7 +57,8 @@ public:
     // What is written.
     int requiredSlotCount() const;
     int lastSlot() const;
-    bool hasRoom(qsizetype slotCount);
+    qsizetype storedSlotCount() const;
+    bool hasRoom();
     void save();
     void cancel();
     void moveSlots(const QList<int>& sourceSlots, int collection, int& current);

@@ -28,8 +28,21 @@ int MediaDropPrivate::lastSlot() const
     return count > 0 ? m_startSlot + count - 1 : -1;
 }
 
-bool MediaDropPrivate::hasRoom(qsizetype slotCount)
+qsizetype MediaDropPrivate::storedSlotCount() const
 {
+    qsizetype count = m_collectionSlots.size() + m_medias.size();
+    for (const images::ImagesResult& result : m_imageResults) {
+        if (result.isSequence())
+            ++count;
+        else if (result.type() == images::ImageResultType::StillImage)
+            count += result.stillImages().size();
+    }
+    return count;
+}
+
+bool MediaDropPrivate::hasRoom()
+{
+    const qsizetype slotCount = storedSlotCount();
     const MediaCollectionManager* const manager = m_creator->mediaCollectionManager();
     if (manager && m_startSlot >= 0 &&
         m_startSlot + slotCount - 1 <= manager->lastSlotInCollection(m_collection))
@@ -57,7 +70,7 @@ void MediaDropPrivate::save()
         else if (result.type() == images::ImageResultType::StillImage)
             stills += result.stillImages();
     }
-    if (!hasRoom(m_collectionSlots.size() + m_medias.size() + candidates.size() + stills.size()))
+    if (!hasRoom())
         return;
     MediaCollectionManager* const manager = m_creator->mediaCollectionManager();
     manager->beginStep(tr("Drop on slot %1 of collection %2").arg(m_startSlot).arg(m_collection));

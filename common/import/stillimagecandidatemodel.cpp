@@ -10,44 +10,22 @@ using images::ImageResultType;
 using images::ImagesResult;
 using images::StillImage;
 
-void StillImageCandidateModel::setImageResults(const QList<ImagesResult>& results)
+QList<CandidateModel::Place> StillImageCandidateModel::placesOf(const QList<ImagesResult>& results) const
 {
-    if (results == m_results)
-        return;
-    beginResetModel();
-    m_results = results;
-    rebuildPlaces();
-    endResetModel();
-    Q_EMIT imageResultsChanged();
-}
-
-void StillImageCandidateModel::rebuildPlaces()
-{
-    m_places.clear();
-    for (qsizetype i = 0; i < m_results.size(); ++i) {
-        const ImagesResult& result = m_results.at(i);
-        for (qsizetype j = 0; j < result.stillImages().size() && !result.isSequence(); ++j)
-            m_places.append({i, j});
+    QList<Place> places;
+    for (qsizetype i = 0; i < results.size(); ++i) {
+        for (qsizetype j = 0; j < results[i].stillImages().size() && !results[i].isSequence(); ++j)
+            places.append(Place{i, j});
     }
-}
-
-const StillImage& StillImageCandidateModel::stillAt(int row) const
-{
-    const Place& place = m_places[row];
-    return m_results[place.result].stillImages()[place.still];
-}
-
-int StillImageCandidateModel::rowCount(const QModelIndex& parent) const
-{
-    return parent.isValid() ? 0 : static_cast<int>(m_places.size());
+    return places;
 }
 
 QVariant StillImageCandidateModel::data(const QModelIndex& index, int role) const
 {
     if (!checkIndex(index, CheckIndexOption::IndexIsValid))
         return {};
-    const ImagesResult& result = m_results[m_places[index.row()].result];
-    const StillImage& still = stillAt(index.row());
+    const ImagesResult& result = resultAt(index.row());
+    const StillImage& still = result.stillImages()[placeAt(index.row()).still];
     switch (role) {
     case PathRole:
         return still.filePath;
@@ -69,50 +47,22 @@ QVariant StillImageCandidateModel::data(const QModelIndex& index, int role) cons
     }
 }
 
-bool StillImageCandidateModel::setData(const QModelIndex& index, const QVariant& value, int role)
+bool StillImageCandidateModel::write(ImagesResult& result, qsizetype still, const QVariant& value, int role)
 {
-    if (!checkIndex(index, CheckIndexOption::IndexIsValid))
-        return false;
-    const Place place = m_places[index.row()];
-    ImagesResult& result = m_results[place.result];
-    QList<StillImage> stills = result.stillImages();
+    StillImage changed = result.stillImages()[still];
     const double seconds = value.toDouble();
     if (role == DurationSecondsRole && std::isfinite(seconds) && seconds > 0) {
-        stills[place.still].durationSeconds = seconds;
+        changed.durationSeconds = seconds;
     } else if (role == HasInfiniteDurationRole && value.canConvert<bool>()) {
-        stills[place.still].hasInfiniteDuration = value.toBool();
+        changed.hasInfiniteDuration = value.toBool();
     } else if (role == ImageTypeRole && value.canConvert<ImageResultType>()) {
         // Its row goes once the results without it are set, when the other list shows it.
-        const ImageResultType before = result.type();
         result.setType(value.value<ImageResultType>());
-        if (result.type() != before)
-            Q_EMIT imageResultTypeChanged(result);
+        return true;
     } else {
-        qCWarning(lcMedia) << "Unable to write data" << value << "to role" << role << "for row" << index.row()
-                           << "and column" << index.column();
         return false;
     }
-    result.setStillImages(stills);
-    Q_EMIT dataChanged(index, index);
-    return true;
-}
-
-bool StillImageCandidateModel::removeRows(int row, int count, const QModelIndex& parent)
-{
-    if (parent.isValid() || row < 0 || count < 1 || row + count > rowCount())
-        return false;
-    beginRemoveRows(parent, row, row + count - 1);
-    for (int i = row + count - 1; i >= row; --i) {
-        ImagesResult& result = m_results[m_places[i].result];
-        QList<StillImage> stills = result.stillImages();
-        stills.removeAt(m_places[i].still);
-        result.setStillImages(stills);
-        if (stills.isEmpty())
-            m_results.removeAt(m_places[i].result);
-    }
-    rebuildPlaces();
-    endRemoveRows();
-    Q_EMIT imageResultsChanged();
+    result.setStillImage(still, changed);
     return true;
 }
 

@@ -1,19 +1,27 @@
 #include "common/qml/dialogfactory.h"
 
+#include "common/qml/dropdialog.h"
 #include "common/session/window/mainwindowhandle.h"
 #include "common/ui/toolkit/confirmationdialog.h"
 #include "common/ui/toolkit/errordialog.h"
 #include "common/ui/toolkit/textinputdialog.h"
 
+#include <utility>
+
 namespace vantrel {
+
+void DialogFactory::keep(ZTDialog* dialog)
+{
+    m_dialogs.append(dialog);
+    connect(dialog, &QDialog::finished, this, &DialogFactory::onDialogClosed);
+}
 
 ZTDialog* DialogFactory::open(ZTDialog* dialog, const QString& title, const QString& description)
 {
-    m_dialogs.append(dialog);
+    keep(dialog);
     dialog->setTitle(title);
     if (!description.isEmpty())
         dialog->setDescription(description);
-    connect(dialog, &QDialog::finished, this, &DialogFactory::onDialogClosed);
     dialog->open();
     return dialog;
 }
@@ -52,6 +60,20 @@ ZTDialog* DialogFactory::openConfirmationDialog(const QString& title, const QStr
 ZTDialog* DialogFactory::openErrorDialog(const QString& title, const QString& description)
 {
     return open(new ErrorDialog(title, description, mainWindowWidget()), title, description);
+}
+
+DropDialog* DialogFactory::openDropDialog(MediaDrop* drop, bool isAwaited)
+{
+    auto* dialog = new DropDialog(drop, mainWindowWidget());
+    keep(dialog);
+    dialog->setAttribute(Qt::WA_ShowWithoutActivating, !isAwaited);
+    dialog->show();
+    return dialog;
+}
+
+void DialogFactory::closeAll()
+{
+    qDeleteAll(std::exchange(m_dialogs, {}));
 }
 
 void DialogFactory::onDialogClosed(int)

@@ -1,6 +1,9 @@
 #include "common/qml/qmlmanager.h"
 
 #include "common/filesystem/model/localhomelocations.h"
+#include "common/import/imagesequencecandidatemodel.h"
+#include "common/import/mediadrop.h"
+#include "common/import/stillimagecandidatemodel.h"
 #include "common/media/address/mediastate.h"
 #include "common/notification/notificationmanagerimpl.h"
 #include "common/notification/notificationstatusmodel.h"
@@ -38,6 +41,10 @@ void registerTypes()
     qmlRegisterUncreatableMetaObject(media::staticMetaObject, "Tessen.Utils", 1, 0, "Media", onlyEnums);
     qmlRegisterUncreatableType<ZTDialog>("Tessen.Models", 1, 0, "ZTWidgetDialog", uncreatable);
     qmlRegisterType<SelectionModel>("Tessen.Models", 1, 0, "ZTSelectionModel");
+    qmlRegisterUncreatableMetaObject(images::staticMetaObject, "Tessen.Utils", 1, 0, "Images", onlyEnums);
+    qmlRegisterType<ImageSequenceCandidateModel>("Tessen.Models", 1, 0, "ImageSequenceModel");
+    qmlRegisterType<StillImageCandidateModel>("Tessen.Models", 1, 0, "StillImageModel");
+    qmlRegisterUncreatableType<MediaDrop>("Tessen.Models", 1, 0, "MediaDrop", uncreatable);
     qmlRegisterUncreatableType<NotificationManager>("Tessen", 1, 0, "NotificationManager", uncreatable);
     qmlRegisterUncreatableType<Notification>("Tessen", 1, 0, "Notification", uncreatable);
     qmlRegisterType<NotificationModel>("Tessen", 1, 0, "NotificationModel");
@@ -113,8 +120,15 @@ ImplMediaCollectionManager* QMLManager::commandCenter() const
     return d ? &d->commandCenter : nullptr;
 }
 
+DialogFactory* QMLManager::dialogs() const
+{
+    return d ? &d->dialogs : nullptr;
+}
+
 void QMLManager::deinitialize()
 {
+    if (d)
+        d->dialogs.closeAll();
     d.reset();
 }
 

@@ -9,6 +9,7 @@
 
 namespace vantrel {
 
+class DialogFactory;
 class QMLManagerPrivate;
 
 /// The one engine of all declarative views, with the types and objects that they see. Nothing of it is made
@@ -28,6 +29,8 @@ public:
     /// Null before initialize().
     QQmlEngine* engine() const;
     ImplMediaCollectionManager* commandCenter() const;
+    /// What declarative views know as "dialogs"; null before initialize().
+    DialogFactory* dialogs() const;
 
 public Q_SLOTS:
     /// Ends the engine, before what its objects stand on goes. Views of it must be gone.

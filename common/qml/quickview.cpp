@@ -12,6 +12,13 @@ QuickView::QuickView(QQmlEngine* engine, QWidget* parent)
     setFocusPolicy(Qt::StrongFocus);
 }
 
+QSize QuickView::sizeHint() const
+{
+    const QQuickItem* root = rootObject();
+    const QSizeF wanted = root ? QSizeF(root->implicitWidth(), root->implicitHeight()) : QSizeF();
+    return wanted.isEmpty() ? QQuickWidget::sizeHint() : wanted.toSize();
+}
+
 /// The first or the last control that Tab reaches.
 QQuickItem* QuickView::endOfChain(bool first) const
 {

@@ -13,6 +13,9 @@ class QuickView : public QQuickWidget
 public:
     explicit QuickView(QQmlEngine* engine, QWidget* parent = nullptr);
 
+    /// What the view itself asks for, where it does.
+    QSize sizeHint() const override;
+
 protected:
     bool focusNextPrevChild(bool next) override;
     void focusInEvent(QFocusEvent* event) override;

@@ -6,6 +6,9 @@
 #include "common/media/edit/mediacollectionmanager.h"
 #include "common/media/items/guimediaslot.h"
 #include "common/media/items/mimedata.h"
+#include "common/qml/dialogfactory.h"
+#include "common/qml/dropdialog.h"
+#include "common/qml/qmlmanager.h"
 #include "common/session/session.h"
 #include "common/ui/toolkit/confirmationdialog.h"
 
@@ -15,8 +18,11 @@
 #include <QWidget>
 
 #include <algorithm>
+#include <chrono>
 
 namespace vantrel {
+
+using namespace std::chrono_literals;
 
 SlotDrops::SlotDrops(Session* session, MediaCollectionManager* manager, QWidget* window)
     : QObject(window)
@@ -106,6 +112,7 @@ void SlotDrops::drop(int slot)
     const DropForecast forecast = aim(slot);
     if (!forecast.isPossible())
         return refuse(forecast.fault);
+    m_attention.setRemainingTime(1s);
     // What it would overwrite was told for the slots that it was known to take.
     m_toldLast =
         told.first == forecast.first && told.overwritten == forecast.overwritten ? forecast.last : -1;
@@ -199,6 +206,8 @@ void SlotDrops::settle(const QUrl& media, bool isSupplanted)
 void SlotDrops::finish(MediaDrop* drop, int toldLast)
 {
     disconnect(drop, &MediaDrop::isReadyChanged, this, nullptr);
+    if (!drop->imageResults().isEmpty())
+        return review(drop);
     QStringList names;
     const int first = std::max(drop->startSlot(), toldLast + 1);
     const int count = drop->lastSlot() < 0
@@ -230,6 +239,31 @@ void SlotDrops::finish(MediaDrop* drop, int toldLast)
             kept->cancel();
     });
     dialog->open();
+}
+
+/// Of pictures nobody knows how they are to run but the operator, who looks at them and at what goes for
+/// them.
+void SlotDrops::review(MediaDrop* drop)
+{
+    QMLManager::instance()->initialize();
+    DropDialog* const dialog =
+        QMLManager::instance()->dialogs()->openDropDialog(drop, !m_attention.hasExpired());
+    const auto tellWhere = [this, drop, dialog] { dialog->setForecast(DropForecast::of(*drop, *m_manager)); };
+    tellWhere();
+    connect(drop, &MediaDrop::lastSlotChanged, dialog, tellWhere);
+    connect(dialog, &ZTDialog::confirmed, this, [this, drop = QPointer(drop), dialog, tellWhere] {
+        if (!drop)
+            return;
+        // What others have put there since is shown before it goes.
+        if (dialog->forecast() == DropForecast::of(*drop, *m_manager))
+            save(drop);
+        else
+            tellWhere();
+    });
+    connect(dialog, &QDialog::rejected, this, [drop = QPointer(drop)] {
+        if (drop)
+            drop->cancel();
+    });
 }
 
 void SlotDrops::save(MediaDrop* drop)

@@ -6,6 +6,7 @@
 #include "common/import/mediaslotdrophandler.h"
 #include "common/import/slotpayload.h"
 
+#include <QDeadlineTimer>
 #include <QObject>
 #include <QVariantMap>
 
@@ -56,6 +57,10 @@ public:
     void drop(int slot);
     void end();
 
+    // Of whoever drops by other ways; what they make of it is taken as what is dropped here.
+    ImageSequenceCreator* creator() { return &m_creator; }
+    MediaSlotDropHandler* handler() { return &m_handler; }
+
     /// What of this computer is on its way into slots.
     const MediaArrivals& arrivals() const { return *m_arrivals; }
 
@@ -70,6 +75,7 @@ private:
     void bringDirectories(const QStringList& directories, int collection, int slot);
     void take(MediaDrop* drop);
     void finish(MediaDrop* drop, int toldLast);
+    void review(MediaDrop* drop);
     void settle(const QUrl& media, bool isSupplanted);
     void save(MediaDrop* drop);
     void tell(const MediaDrop& drop) const;
@@ -89,6 +95,7 @@ private:
     int m_aimed = -1;               // the slot of m_forecast
     QPair<int, int> m_room{-1, -1}; // the last answer of roomFrom()
     MediaArrivals::Plan m_plan;     // of the drop that is made now, where its files have yet to arrive
+    QDeadlineTimer m_attention;     // for which the operator looks at what becomes of the last drop
     int m_toldLast = -1;            // up to which the operator has seen what a drop overwrites
 };
 

@@ -60,6 +60,7 @@ private Q_SLOTS:
     void initTestCase();
     void collectionIsEmpty();
     void folderIsDropped();
+    void whatWasFoundIsApproved();
     void eachPlaysItsOwnPictures();
     void oneStepTakesItBack();
     void endsCleanly();
@@ -119,6 +120,7 @@ void Drops::initTestCase()
 void Drops::collectionIsEmpty()
 {
     QTRY_COMPARE_WITH_TIMEOUT(m_robot.cells(slotsView).size(), 1, 15000);
+    QVERIFY(m_robot.doubleClickCell(slotsView, 0, 0)); // for the take
     QVERIFY(m_robot.click(QStringLiteral("MediaPanel-add-collection-button")));
     const QString dialog = QStringLiteral("MediaPanel-new-collection");
     QVERIFY(m_robot.click(dialog + QStringLiteral("-input-0")));
@@ -149,7 +151,8 @@ void Drops::folderIsDropped()
     for (const double share : {0.4, 0.5})
         QVERIFY(m_robot.mouseAt(QStringLiteral("drag_move"), slotsView, share));
     QVERIFY(m_robot.mouseAt(QStringLiteral("drag_end"), slotsView, 0.5));
-    QTRY_COMPARE_WITH_TIMEOUT(m_robot.cells(slotsView).size(), m_files.size(), 60000);
+    QVERIFY(!m_robot.waitFor(QStringLiteral("DropDialog"), 60000).isEmpty());
+    QVERIFY(m_robot.cells(slotsView).isEmpty()); // nothing is stored unseen
 
     // What is no media is left here, and said so.
     QVERIFY(!QFile::exists(m_media.filePath(QStringLiteral("Act 1/Notes.txt"))));
@@ -157,6 +160,24 @@ void Drops::folderIsDropped()
     QTRY_COMPARE_WITH_TIMEOUT(m_robot.text(QStringLiteral("transfers-row0")),
                               QStringLiteral("Act 1: Done, verified; 1 file is no media and stays"), 15000);
     QVERIFY(m_robot.click(player));
+}
+
+/// By keyboard, and the show goes on beside it.
+void Drops::whatWasFoundIsApproved()
+{
+    const QString program = QStringLiteral("Program-PlaybackWidget-Header-MediaLocation");
+    QCOMPARE(m_robot.text(QStringLiteral("DropDialog-sequences-row0")),
+             QStringLiteral("shot_%04d.png, 3 missing, 1 to 12, 60 fps, 00:00:00.200"));
+    QCOMPARE(m_robot.text(QStringLiteral("DropDialog-description")), QStringLiteral("Slots 1 to 6 (6)."));
+    QVERIFY(m_robot.click(QStringLiteral("DropDialog-rate-field-input")));
+    m_robot.key(QStringLiteral("F12"));
+    QTRY_COMPARE(m_robot.text(program), QStringLiteral("1-1:"));
+    m_robot.key(QStringLiteral("CtrlA"));
+    m_robot.type(QStringLiteral("25"));
+    QVERIFY(m_robot.click(QStringLiteral("DropDialog-infinite-checkbox")));
+    m_robot.key(QStringLiteral("Enter"));
+    QTRY_COMPARE(m_robot.cells(slotsView).size(), m_files.size());
+    QVERIFY(m_robot.find(QStringLiteral("DropDialog")).isEmpty());
 }
 
 void Drops::eachPlaysItsOwnPictures()

@@ -41,6 +41,7 @@ public:
                  QObject* parent = nullptr);
     ~MediaActions() override;
 
+    SlotDrops* drops() const { return m_drops.get(); }
     bool isConnected() const { return m_isConnected; }
     bool isLive() const { return m_isConnected && m_silence.isEmpty(); }
     bool isEditable() const { return isLive() && m_isRead; }

@@ -16,6 +16,7 @@
 #include "common/views/media/playlistadditions.h"
 #include "common/views/media/slotdetails.h"
 #include "common/views/media/slotgridmodel.h"
+#include "common/views/slotdrops.h"
 
 #include <QLoggingCategory>
 #include <QQmlContext>
@@ -104,6 +105,8 @@ void MediaView::setContext()
     auto* actions = new MediaActions(m_view, m_slots, m_sources.library, m_sources.session, m_view);
     connect(actions, &MediaActions::connectRequested, this, &MediaView::connectRequested);
     context->setContextProperty(QStringLiteral("mediaActions"), actions);
+    context->setContextProperty(QStringLiteral("imageSequences"), actions->drops()->creator());
+    context->setContextProperty(QStringLiteral("mediaSlotDropHandler"), actions->drops()->handler());
     Session* session = m_sources.session;
     context->setContextProperty(
         QStringLiteral("fileChoice"),

@@ -1,9 +1,13 @@
 #include "common/media/items/guimediaslot.h"
 #include "common/notification/notificationmanagerimpl.h"
+#include "common/qml/dropdialog.h"
+#include "common/qml/qmlmanager.h"
+#include "common/ui/toolkit/pushbutton.h"
 #include "common/views/slotdrops.h"
 #include "tests/support/livesession.h"
 #include "tests/support/testmain.h"
 
+#include <QApplication>
 #include <QDir>
 #include <QImage>
 #include <QMimeData>
@@ -28,6 +32,7 @@ private Q_SLOTS:
         allowWarnings(QStringLiteral("Getting system property failed"));
         allowWarnings(QStringLiteral("Failed to get media library"));
     }
+    void cleanupTestCase() { QMLManager::instance()->deinitialize(); }
 
     void bringsLocalFiles()
     {
@@ -60,7 +65,16 @@ private Q_SLOTS:
         };
         const qsizetype told = NotificationManagerImpl::instance()->notifications().size();
         const int steps = session->getQUndoStack()->index();
+        // Nothing is stored or sent before the operator has seen it.
         QVERIFY(drop({QStringLiteral("logo.png"), QStringLiteral("notes.txt")}, 3));
+        QTRY_VERIFY(reviewed());
+        reviewed()->reject();
+        QTRY_VERIFY(!reviewed());
+        QCOMPARE(session->getQUndoStack()->index(), steps);
+        QVERIFY(!QFile::exists(server.mediaFolder() + QStringLiteral("/logo.png")));
+
+        QVERIFY(drop({QStringLiteral("logo.png"), QStringLiteral("notes.txt")}, 3));
+        QVERIFY(approve());
         QTRY_VERIFY(library->slot({7, 3}));
         QCOMPARE(session->getQUndoStack()->index(), steps + 1);
         QTRY_VERIFY(library->slot({7, 3})->isPlayable()); // the server has it
@@ -70,6 +84,7 @@ private Q_SLOTS:
 
         // A folder becomes what it holds once it is there.
         QVERIFY(drop({QStringLiteral("shots")}, 5));
+        QVERIFY(approve());
         QTRY_VERIFY(library->slot({7, 5}));
         QTRY_VERIFY(library->slot({7, 5})->isPlayable());
         QCOMPARE(library->slot({7, 5})->lastFrame().value_or(0), 2);
@@ -119,6 +134,22 @@ private Q_SLOTS:
     }
 
 private:
+    static DropDialog* reviewed()
+    {
+        for (QWidget* widget : QApplication::topLevelWidgets()) {
+            auto* dialog = qobject_cast<DropDialog*>(widget);
+            if (dialog && dialog->isVisible())
+                return dialog;
+        }
+        return nullptr;
+    }
+    static bool approve()
+    {
+        if (!QTest::qWaitFor([] { return reviewed() && reviewed()->acceptButton()->isEnabled(); }))
+            return false;
+        reviewed()->acceptButton()->click();
+        return QTest::qWaitFor([] { return !reviewed(); });
+    }
     static void makePicture(const QString& path)
     {
         QDir().mkpath(QFileInfo(path).path());

@@ -5,6 +5,8 @@ T.TextField {
     id: control
 
     property string tip
+    // What stands in it cannot be taken.
+    property bool isFaulty: false
     // Over the row of a list it hides what stands there.
     property color fill: enabled ? Theme.field : "transparent"
 
@@ -35,7 +37,7 @@ T.TextField {
         radius: Theme.radius
         color: control.fill
         border.width: 1
-        border.color: !control.enabled ? Theme.line : control.activeFocus ? Theme.accent
+        border.color: !control.enabled ? Theme.line : control.isFaulty ? Theme.bad : control.activeFocus ? Theme.accent
                     : control.hovered ? Theme.fieldEdge : Theme.hoverStrong
     }
 }

@@ -1,0 +1,56 @@
+#pragma once
+
+#include "common/import/dropforecast.h"
+#include "common/import/imagesequencecandidatemodel.h"
+#include "common/import/stillimagecandidatemodel.h"
+#include "common/ui/toolkit/ztdialog.h"
+
+#include <QPointer>
+
+namespace vantrel {
+
+class MediaDrop;
+class QuickView;
+
+/// Shows the sequences and stills of a drop, which the operator corrects before they are stored; what is
+/// corrected stands in the drop at once. It opens beside a running show and waits for nobody: whoever opens
+/// it says where the drop goes (setForecast()) and stores it on confirmed(), and the dialog closes with the
+/// drop. Made by DialogFactory.
+class DropDialog : public ZTDialog
+{
+    Q_OBJECT
+    /// Whether what stands in the fields can be stored; the declarative part writes it.
+    Q_PROPERTY(bool isSound READ isSound WRITE setIsSound NOTIFY isSoundChanged)
+
+public:
+    explicit DropDialog(MediaDrop* drop, QWidget* parent = nullptr);
+    ~DropDialog() override;
+
+    bool isSound() const { return m_isSound; }
+    void setIsSound(bool isSound);
+    const DropForecast& forecast() const { return m_forecast; }
+    void setForecast(const DropForecast& forecast);
+
+Q_SIGNALS:
+    void isSoundChanged();
+
+protected:
+    void showEvent(QShowEvent* event) override;
+
+private:
+    void load();
+    void take(const CandidateModel& model);
+    void updateAccept();
+    void fit();
+    void place();
+
+    QPointer<MediaDrop> m_drop;
+    ImageSequenceCandidateModel m_sequences;
+    StillImageCandidateModel m_stills;
+    QuickView* m_view = nullptr;
+    DropForecast m_forecast;
+    QPoint m_place; // where it was put, until somebody moves it
+    bool m_isSound = true;
+};
+
+} // namespace vantrel

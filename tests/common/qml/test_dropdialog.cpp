@@ -1,0 +1,252 @@
+#include "common/import/imagesequencecreator.h"
+#include "common/import/mediadrop.h"
+#include "common/qml/dialogfactory.h"
+#include "common/qml/dropdialog.h"
+#include "common/qml/qmlmanager.h"
+#include "common/qml/quickview.h"
+#include "common/session/settings/configuration.h"
+#include "common/ui/style/stylesheet.h"
+#include "common/ui/toolkit/pushbutton.h"
+#include "tests/common/import/fakecollections.h"
+#include "tests/common/ui/testsettings.h"
+#include "tests/support/testmain.h"
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QQuickItem>
+#include <QQuickWindow>
+#include <QSignalSpy>
+#include <QTest>
+
+using namespace vantrel;
+using namespace vantrel::test;
+using images::ImageResultType;
+using images::ImagesResult;
+using images::StillImage;
+
+namespace {
+
+ImagesResult still(const QString& path)
+{
+    ImagesResult result;
+    result.setStillImages({StillImage{path}});
+    return result;
+}
+
+/// Its pictures are all there.
+ImagesResult sequence(const QString& name, int first, int last)
+{
+    ImagesResult result;
+    result.setType(ImageResultType::ImageSequence);
+    const QString pattern = QStringLiteral("/%1_%02d.png").replace(QLatin1String("%1"), name);
+    result.setImageSequence(
+        ImageSequenceCandidate{QUrl::fromLocalFile(pattern), name, size_t(first), size_t(last), 60});
+    QList<StillImage> pictures;
+    for (int frame = first; frame <= last; ++frame)
+        pictures.append(
+            StillImage{QStringLiteral("/%1_%2.png").arg(name).arg(frame, 2, 10, QLatin1Char('0'))});
+    result.setStillImages(pictures);
+    return result;
+}
+
+/// A drop on slot 5 of a collection that holds something in slot 7, and the dialog as it opens for it.
+struct Opened
+{
+    explicit Opened(const QList<ImagesResult>& results)
+    {
+        collections.put(7, QStringLiteral("Logo"));
+        drop.setImageResults(results);
+        QMLManager::instance()->initialize();
+        dialog = QMLManager::instance()->dialogs()->openDropDialog(&drop, true);
+        const auto tell = [this] { dialog->setForecast(DropForecast::of(drop, collections)); };
+        tell();
+        QObject::connect(&drop, &MediaDrop::lastSlotChanged, dialog, tell);
+        QObject::connect(dialog, &ZTDialog::confirmed, &drop, &MediaDrop::save);
+        view = dialog->findChild<QuickView*>();
+        const auto hasKeys = [this] {
+            const QQuickItem* item = view->quickWindow()->activeFocusItem();
+            return item && item->objectName().endsWith(QLatin1String("-input"));
+        };
+        isThere = QTest::qWaitForWindowActive(dialog) && QTest::qWaitFor(hasKeys);
+    }
+    void key(Qt::Key pressed, Qt::KeyboardModifiers held = Qt::NoModifier)
+    {
+        QTest::keyClick(view, pressed, held);
+    }
+    /// Into a field that has the keyboard, in the place of what stands there.
+    void type(const QString& text)
+    {
+        key(Qt::Key_A, Qt::ControlModifier);
+        QTest::keyClicks(view, text);
+    }
+    QQuickItem* item(const QString& name) const
+    {
+        const auto search = [&](auto&& self, QQuickItem* from) -> QQuickItem* {
+            if (from->objectName() == name)
+                return from;
+            for (QQuickItem* child : from->childItems()) {
+                if (QQuickItem* found = self(self, child))
+                    return found;
+            }
+            return nullptr;
+        };
+        return search(search, view->rootObject());
+    }
+    QString row(const QString& list, int number) const
+    {
+        const QQuickItem* found = item(QStringLiteral("DropDialog-%1-row%2").arg(list).arg(number));
+        return found ? found->property("text").toString() : QString();
+    }
+
+    FakeCollections collections;
+    ImageSequenceCreator creator{nullptr, &collections};
+    MediaDrop drop{nullptr, &creator, 1, 5};
+    DropDialog* dialog = nullptr;
+    QuickView* view = nullptr;
+    bool isThere = false;
+};
+
+} // namespace
+
+class TestDropDialog : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase() { StyleSheet::apply(*qApp); }
+    void cleanupTestCase()
+    {
+        QMLManager::instance()->deinitialize();
+        qApp->setStyleSheet({});
+    }
+
+    /// What is typed first goes for all that was found, and Enter stores it.
+    void keyboardApproves()
+    {
+        Opened opened({sequence(QStringLiteral("a"), 1, 12), sequence(QStringLiteral("b"), 5, 9)});
+        QVERIFY(opened.isThere);
+        QVERIFY(!opened.dialog->isModal());
+        QCOMPARE(opened.row(QStringLiteral("sequences"), 0),
+                 QStringLiteral("a, 1 to 12, 60 fps, 00:00:00.200"));
+        QCOMPARE(opened.dialog->description(), QStringLiteral("Slots 5 to 6 (2)."));
+        opened.type(QStringLiteral("23,976"));
+        QCOMPARE(opened.drop.imageSequences()[0].fps, 23.976);
+        QCOMPARE(opened.drop.imageSequences()[1].fps, 23.976);
+        // What no server can play is neither taken nor stored.
+        for (const char* text : {"0", "", "x", "-25", "1e3", "100000"}) {
+            opened.type(QString::fromLatin1(text));
+            QVERIFY2(*text == 0 || !opened.dialog->acceptButton()->isEnabled(), text);
+        }
+        opened.key(Qt::Key_Return);
+        QVERIFY(opened.dialog->isVisible() && opened.collections.content.size() == 1);
+        opened.type(QStringLiteral("25"));
+        opened.key(Qt::Key_Return);
+        QCOMPARE(opened.collections.content[5].frameRate().value_or(0), 25.0);
+        QCOMPARE(opened.collections.content[6].frameRate().value_or(0), 25.0);
+        QVERIFY(!opened.dialog->isVisible());
+    }
+
+    void eachCanBeCorrectedByItself()
+    {
+        Opened opened({sequence(QStringLiteral("a"), 1, 12), sequence(QStringLiteral("b"), 5, 9),
+                       still(QStringLiteral("/logo.png"))});
+        QVERIFY(opened.isThere);
+        opened.item(QStringLiteral("DropDialog-sequences-list"))->forceActiveFocus();
+        opened.key(Qt::Key_Down);
+        opened.item(QStringLiteral("DropDialog-last-field"))->forceActiveFocus();
+        opened.type(QStringLiteral("3")); // before its first
+        QVERIFY(!opened.dialog->acceptButton()->isEnabled());
+        opened.type(QStringLiteral("10")); // of which there is no picture
+        QCOMPARE(opened.row(QStringLiteral("sequences"), 1),
+                 QStringLiteral("b, 1 missing, 5 to 10, 60 fps, 00:00:00.100"));
+        QCOMPARE(opened.drop.imageSequences()[0].endFrame, size_t(12));
+        // A slot for each picture, beyond what was known to be free.
+        opened.item(QStringLiteral("DropDialog-stills-checkbox"))->forceActiveFocus();
+        opened.key(Qt::Key_Space);
+        QCOMPARE(opened.dialog->description(), QStringLiteral("Slots 5 to 11 (7). Overwrites 7 Logo."));
+        // Where all were selected, all are.
+        const auto* selection =
+            opened.item(QStringLiteral("DropDialog-stills"))->property("selection").value<QObject*>();
+        QTRY_COMPARE(selection->property("selectedCount").toInt(), 6);
+        opened.item(QStringLiteral("DropDialog-duration-field"))->forceActiveFocus();
+        opened.type(QStringLiteral("4.5"));
+        opened.item(QStringLiteral("DropDialog-stills-list"))->forceActiveFocus();
+        opened.key(Qt::Key_End);
+        opened.item(QStringLiteral("DropDialog-infinite-checkbox"))->forceActiveFocus();
+        opened.key(Qt::Key_Space);
+        // The first of them is left out.
+        opened.item(QStringLiteral("DropDialog-stills-list"))->forceActiveFocus();
+        opened.key(Qt::Key_Home);
+        opened.key(Qt::Key_Delete);
+        QCOMPARE(opened.dialog->description(), QStringLiteral("Slots 5 to 10 (6). Overwrites 7 Logo."));
+        QVERIFY(opened.dialog->acceptButton()->text() == QStringLiteral("OVERWRITE"));
+        opened.key(Qt::Key_Return);
+        const auto& stored = opened.collections.content;
+        QCOMPARE(stored.size(), 6);
+        QCOMPARE(stored[6].name(), QStringLiteral("b_06.png"));
+        QCOMPARE(stored[6].durationType(), MediaDurationType::Manual);
+        QCOMPARE(stored[6].duration(), 4.5);
+        QCOMPARE(stored[10].durationType(), MediaDurationType::Infinite);
+    }
+
+    void escapeStoresNothing()
+    {
+        Opened opened({still(QStringLiteral("/logo.png"))});
+        QVERIFY(opened.isThere);
+        QSignalSpy refused(opened.dialog, &QDialog::rejected);
+        opened.type(QStringLiteral("3"));
+        opened.key(Qt::Key_Escape);
+        QCOMPARE(refused.size(), 1);
+        QCOMPARE(opened.collections.content.size(), 1);
+    }
+
+    /// At every text size nothing leaves the view or lies on something else.
+    void layoutHolds()
+    {
+        for (int text = 0; text < 4; ++text) {
+            m_settings->setValue(TEXT_SIZE, QVariant::fromValue(static_cast<FontSize>(text)));
+            Opened opened({sequence(QStringLiteral("opening_sky_v003"), 1, 12),
+                           sequence(QStringLiteral("b"), 5, 9), still(QStringLiteral("/logo.png")),
+                           still(QStringLiteral("/sponsor plate.png"))});
+            QVERIFY(opened.isThere);
+            const QByteArray folder = qgetenv("HALCYRA_PICTURES");
+            if (!folder.isEmpty())
+                opened.dialog->grab().save(
+                    QStringLiteral("%1/drop-%2.png").arg(QString::fromLocal8Bit(folder)).arg(text));
+            QRectF before;
+            for (const char* name :
+                 {"rate-field", "first-field", "last-field", "stills-checkbox", "sequences-leave-out-button",
+                  "duration-field", "infinite-checkbox", "stills-leave-out-button"}) {
+                QQuickItem* part = opened.item(QStringLiteral("DropDialog-%1").arg(QLatin1String(name)));
+                const QRectF box = part->mapRectToScene(part->boundingRect());
+                QVERIFY2(opened.view->rect().contains(box.toAlignedRect()), name);
+                QVERIFY2(!box.intersects(before), name);
+                before = box;
+            }
+        }
+        m_settings->setValue(TEXT_SIZE, QVariant::fromValue(FontSize::Medium));
+    }
+
+    /// However much was dropped, no key that is typed holds the window up.
+    void manyStillsAreCorrectedAtOnce()
+    {
+        QList<ImagesResult> results;
+        for (int i = 0; i < 5000; ++i)
+            results.append(still(QStringLiteral("/still%1.png").arg(i)));
+        Opened opened(results);
+        QVERIFY(opened.isThere);
+        QElapsedTimer clock;
+        clock.start();
+        opened.type(QStringLiteral("7"));
+        qInfo("a duration of 5,000 stills was taken in %lld ms", static_cast<long long>(clock.elapsed()));
+        QVERIFY(clock.elapsed() < 2 * 16 * slowness); // two keys
+        QCOMPARE(opened.drop.stillImages()[4999].durationSeconds, 7.0);
+    }
+
+private:
+    TestSettings m_settings;
+};
+
+HALCYRA_TEST(TestDropDialog)
+
+#include "test_dropdialog.moc"
