@@ -67,7 +67,7 @@ DropDialog* DialogFactory::openDropDialog(MediaDrop* drop, bool isAwaited)
     auto* dialog = new DropDialog(drop, mainWindowWidget());
     keep(dialog);
     dialog->setAttribute(Qt::WA_ShowWithoutActivating, !isAwaited);
-    dialog->show();
+    dialog->showOnceLoaded();
     return dialog;
 }
 

@@ -38,24 +38,15 @@ DropDialog::DropDialog(MediaDrop* drop, QWidget* parent)
         connect(model, &CandidateModel::dataChanged, this, [this, model] { take(*model); });
         connect(model, &CandidateModel::imageResultsChanged, this, [this, model] { take(*model); });
     }
-    const auto close = [this] {
-        if (isVisible()) // else it is how that came
+    const auto leave = [this] {
+        m_drop.clear();
+        if (isVisible()) // else it is how that came, or there is nothing yet
             reject();
     };
     connect(drop, &MediaDrop::saved, this, &QDialog::accept);
-    connect(drop, &MediaDrop::canceled, this, close);
-    connect(drop, &QObject::destroyed, this, close);
-    load();
-    updateAccept();
-}
+    connect(drop, &MediaDrop::canceled, this, leave);
+    connect(drop, &QObject::destroyed, this, leave);
 
-DropDialog::~DropDialog()
-{
-    delete m_view; // before what its objects are
-}
-
-void DropDialog::load()
-{
     initResources();
     const QUrl file(QStringLiteral("qrc:/DropView/qml/DropView.qml"));
     qCInfo(log) << "Creating view for QML file:" << file;
@@ -64,19 +55,40 @@ void DropDialog::load()
     m_view->setObjectName(QStringLiteral("DropDialog-view"));
     m_view->setAccessibleName(tr("What was found"));
     m_view->setClearColor(colors::getColor(colors::Slate_grey_800));
-    auto* component = new QQmlComponent(engine, file, m_view);
+    contentLayout()->addWidget(m_view, 1);
+    m_view->setFocus();
+    m_component = new QQmlComponent(engine, file, QQmlComponent::Asynchronous, m_view);
+    updateAccept();
+}
+
+DropDialog::~DropDialog()
+{
+    delete m_view; // before what its objects are
+}
+
+void DropDialog::showOnceLoaded()
+{
+    if (m_component->isLoading())
+        connect(m_component, &QQmlComponent::statusChanged, this, &DropDialog::build);
+    else
+        build();
+}
+
+void DropDialog::build()
+{
+    if (!m_drop)
+        return reject(); // nobody waits for it any more
     // Several of these may be open: what they see is no property of the engine's.
-    QObject* const root = component->createWithInitialProperties(
+    QObject* const root = m_component->createWithInitialProperties(
         {{QStringLiteral("sequences"), QVariant::fromValue(&m_sequences)},
          {QStringLiteral("stills"), QVariant::fromValue(&m_stills)},
          {QStringLiteral("dialog"), QVariant::fromValue(this)}});
     if (!root)
-        qCWarning(log) << "QML error:" << component->errorString();
-    m_view->setContent(file, component, root);
+        qCWarning(log) << "QML error:" << m_component->errorString();
+    m_view->setContent(m_component->url(), m_component, root);
     if (const auto* item = m_view->rootObject())
         connect(item, &QQuickItem::implicitHeightChanged, this, &DropDialog::fit);
-    contentLayout()->addWidget(m_view, 1);
-    m_view->setFocus();
+    show();
 }
 
 void DropDialog::showEvent(QShowEvent* event)

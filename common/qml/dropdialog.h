@@ -7,6 +7,8 @@
 
 #include <QPointer>
 
+class QQmlComponent;
+
 namespace vantrel {
 
 class MediaDrop;
@@ -26,6 +28,9 @@ public:
     explicit DropDialog(MediaDrop* drop, QWidget* parent = nullptr);
     ~DropDialog() override;
 
+    /// What it shows is read beside the main thread the first time, and it is there no sooner.
+    void showOnceLoaded();
+
     bool isSound() const { return m_isSound; }
     void setIsSound(bool isSound);
     const DropForecast& forecast() const { return m_forecast; }
@@ -38,7 +43,7 @@ protected:
     void showEvent(QShowEvent* event) override;
 
 private:
-    void load();
+    void build();
     void take(const CandidateModel& model);
     void updateAccept();
     void fit();
@@ -47,7 +52,8 @@ private:
     QPointer<MediaDrop> m_drop;
     ImageSequenceCandidateModel m_sequences;
     StillImageCandidateModel m_stills;
-    QuickView* m_view = nullptr;
+    QuickView* m_view;
+    QQmlComponent* m_component;
     DropForecast m_forecast;
     QPoint m_place; // where it was put, until somebody moves it
     bool m_isSound = true;

@@ -13,10 +13,13 @@
 
 #include <QApplication>
 #include <QElapsedTimer>
+#include <QPointer>
 #include <QQuickItem>
 #include <QQuickWindow>
 #include <QSignalSpy>
 #include <QTest>
+
+#include <memory>
 
 using namespace vantrel;
 using namespace vantrel::test;
@@ -67,7 +70,8 @@ struct Opened
             const QQuickItem* item = view->quickWindow()->activeFocusItem();
             return item && item->objectName().endsWith(QLatin1String("-input"));
         };
-        isThere = QTest::qWaitForWindowActive(dialog) && QTest::qWaitFor(hasKeys);
+        isThere = QTest::qWaitFor([this] { return dialog->isVisible(); }) &&
+                  QTest::qWaitForWindowActive(dialog) && QTest::qWaitFor(hasKeys);
     }
     void key(Qt::Key pressed, Qt::KeyboardModifiers held = Qt::NoModifier)
     {
@@ -198,6 +202,22 @@ private Q_SLOTS:
         opened.key(Qt::Key_Escape);
         QCOMPARE(refused.size(), 1);
         QCOMPARE(opened.collections.content.size(), 1);
+    }
+
+    void nobodyIsAskedForWhatIsGone()
+    {
+        FakeCollections collections;
+        ImageSequenceCreator creator(nullptr, &collections);
+        auto drop = std::make_unique<MediaDrop>(nullptr, &creator, 1, 5);
+        drop->setImageResults({still(QStringLiteral("/logo.png"))});
+        QMLManager::instance()->deinitialize();
+        QMLManager::instance()->initialize(); // it has nothing of the view yet
+        const QPointer dialog = QMLManager::instance()->dialogs()->openDropDialog(drop.get(), true);
+        QVERIFY(!dialog->isVisible());
+        QSignalSpy refused(dialog, &QDialog::rejected);
+        drop.reset();
+        QTRY_VERIFY(!dialog);
+        QCOMPARE(refused.size(), 1);
     }
 
     /// At every text size nothing leaves the view or lies on something else.
