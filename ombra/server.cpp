@@ -10,6 +10,7 @@
 #include "ombra/rest/httpserver.h"
 #include "ombra/rest/mediadata.h"
 #include "ombra/rest/restapi.h"
+#include "ombra/show/currentshow.h"
 #include "ombra/show/generations.h"
 #include "ombra/show/initiallibrary.h"
 #include "ombra/show/mediawatcher.h"
@@ -134,7 +135,10 @@ bool Server::openShow(std::string* error)
             const Path seek(playback + "/methods/seekMedia");
             m_engine->invoke(seek, Json::object({{"mediaPosition", seconds}}), &ignored);
         });
-    m_showFiles = std::make_unique<ShowFiles>(*m_store, *m_settings, *m_outputs, m_options.state);
+    m_currentShow = std::make_unique<CurrentShow>(m_io, *m_scene, *m_store, *m_settings);
+    m_showFiles =
+        std::make_unique<ShowFiles>(m_io, ShowFiles::Parts{*m_store, *m_settings, *m_outputs, *m_currentShow},
+                                    m_options.state, m_options.media);
     m_showFiles->setTroubleListener(
         [this](const std::string& sentence) { m_notices->set("show file", sentence); });
     return true;

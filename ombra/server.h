@@ -17,6 +17,7 @@ class NetworkResponder;
 
 namespace vantrel::ombra {
 
+class CurrentShow;
 class Engine;
 class FtpService;
 class HttpServer;
@@ -80,6 +81,7 @@ private:
     std::unique_ptr<ShowStore> m_store;
     std::unique_ptr<Outputs> m_outputs;
     std::unique_ptr<SceneSettings> m_settings;
+    std::unique_ptr<CurrentShow> m_currentShow;
     std::unique_ptr<ShowFiles> m_showFiles;
     std::unique_ptr<PreviewServer> m_preview;
     std::unique_ptr<FtpService> m_files;

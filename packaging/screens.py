@@ -237,6 +237,42 @@ def menu(options):
         window.shoot(options.out / "menu-huge-1280x720.png")
 
 
+def shows(options):
+    """Saved under a name, changed, in the list; and what an import that lacks media asks. The show stays."""
+    with Window(options) as window:
+        window.run_show()
+        window.choose("SaveShowAs")
+        window.robot.find("SaveShowAsDialog-input-0")
+        window.keys("CtrlA", *"Gala evening")
+        window.shoot(options.out / "save-show-as.png")
+        window.keys("Enter")
+        wait(lambda: window.robot.find("StatusBar-Show")["text"] == "Show: Gala evening", "the saved show")
+        window.choose("ClearShow")
+        window.robot.find("ClearShowDialog")
+        time.sleep(0.5)
+        window.click("ClearShowDialog-accept-button")
+        wait(lambda: "not saved" in window.robot.find("StatusBar-Show")["text"], "the cleared show")
+        window.choose("Shows")
+        wait(lambda: window.cell("ShowsDialog-view", 0, 0), "the list of shows")
+        time.sleep(0.5)
+        window.shoot(options.out / "shows.png")
+        window.click("ShowsDialog-accept-button")
+        window.robot.find("LoadShowDialog")
+        time.sleep(0.5)
+        window.shoot(options.out / "load-show.png")
+        window.click("LoadShowDialog-accept-button")
+        window.robot.slot(0)
+        window.choose("EarlierStates")
+        wait(lambda: window.cell("EarlierStatesDialog-view", 1, 0), "the earlier states")
+        time.sleep(0.5)
+        window.shoot(options.out / "earlier-states.png")
+    with Window(options, **HUGE) as window:
+        window.choose("EarlierStates")
+        wait(lambda: window.cell("EarlierStatesDialog-view", 1, 0), "the earlier states")
+        time.sleep(0.5)
+        window.shoot(options.out / "earlier-states-huge-1280x720.png")
+
+
 def inspector(options):
     with Window(options, text="large", size=(1280, 720)) as window:
         window.run_show()
@@ -621,6 +657,7 @@ SCREENS = {
     "sound-alone": lambda options: waiting(options, 5, "sound-alone"),
     "unplayable": lambda options: waiting(options, 6, "unplayable"),
     "disconnect": questions,
+    "shows": shows,
     "time-left-amber": countdown,
     "no-longer-in-the-library": held,
     "library-loading": lambda options: library(options, "library-loading", None),

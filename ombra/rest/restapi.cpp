@@ -2,7 +2,6 @@
 
 #include "ombra/base/version.h"
 #include "ombra/rest/mediadata.h"
-#include "ombra/show/showfiles.h"
 #include "ombra/show/showstore.h"
 #include "tarn/json/patch.h"
 #include "tarn/media/medialibrary.h"
@@ -17,8 +16,7 @@ namespace vantrel::ombra {
 
 namespace {
 
-constexpr std::size_t readAtOnce = 64 * 1024; // bytes
-constexpr std::size_t longestKey = 128;       // bytes
+constexpr std::size_t longestKey = 128; // bytes
 
 /// What the text of a body holds: a value, or why there is none.
 template <typename T>
@@ -114,6 +112,9 @@ RestApi::RestApi(boost::asio::io_context& io, ShowStore& store, MediaData& media
           {"/thumbnails/", {{"GET", &RestApi::getThumbnail}}},
           {"/system", {{"GET", &RestApi::getSystem}}},
           {"/show/current", {{"GET", &RestApi::getShow}, {"POST", &RestApi::postShow}}},
+          {"/shows", {{"GET", &RestApi::getShows}, {"DELETE", &RestApi::deleteShow}}},
+          {"/shows/load", {{"POST", &RestApi::loadShow}}},
+          {"/shows/earlier", {{"GET", &RestApi::getEarlier}, {"POST", &RestApi::bringBack}}},
           {"/sse", {}},    // opened by the server itself
           {"/events", {}}, // likewise
       }
@@ -125,24 +126,6 @@ RestApi::~RestApi()
 {
     m_alive.reset();
     m_reader.join();
-}
-
-/// Does what costs as much as so many bytes of text, then goes on with what came of it, on this thread.
-template <typename Read, typename Then>
-void RestApi::aside(std::size_t bytes, Read read, Then then)
-{
-    if (bytes <= readAtOnce)
-        return then(read());
-    boost::asio::post(m_reader, [this, alive = std::weak_ptr(m_alive), read = std::move(read),
-                                 then = std::move(then)]() mutable {
-        auto result = std::make_shared<decltype(read())>(read());
-        boost::asio::post(m_io, [this, alive, then = std::move(then), result = std::move(result)]() mutable {
-            if (alive.expired())
-                return;
-            then(*result);
-            boost::asio::post(m_reader, [result = std::move(result)] {}); // to free it takes time as well
-        });
-    });
 }
 
 void RestApi::handle(HttpRequest request, const HttpAnswer& answer)
@@ -281,30 +264,6 @@ void RestApi::getSystem(const Request&, const HttpAnswer& answer)
                                                                     {"minor", version::minor},
                                                                     {"patch", version::patch}})}})
                         .toString()});
-}
-
-void RestApi::getShow(const Request&, const HttpAnswer& answer)
-{
-    const auto write = [show = m_showFiles.show()] {
-        return std::make_shared<const std::string>(ShowFiles::textOf(show));
-    };
-    aside(m_store.librarySize(), write, [answer](const std::shared_ptr<const std::string>& text) {
-        answer({.body = {}, .contentType = "application/octet-stream", .sharedBody = text});
-    });
-}
-
-void RestApi::postShow(const Request& request, const HttpAnswer& answer)
-{
-    std::string include;
-    std::string force;
-    queryValue(request->query, "include", include);
-    const bool forced = queryValue(request->query, "force", force);
-    const auto read = [request] { return ShowFiles::read(request->body); };
-    aside(request->body.size(), read, [this, include, forced, answer](const ShowFiles::Reading& show) {
-        m_showFiles.importShow(show, include, forced, [answer](unsigned status, const std::string& message) {
-            answer(status == 200 ? HttpReply{.body = "{}"} : httpError(status, message));
-        });
-    });
 }
 
 void RestApi::answerEdit(const HttpAnswer& answer, const EditResult& result)

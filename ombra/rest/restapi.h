@@ -5,6 +5,7 @@
 #include "tarn/json/json.h"
 
 #include <boost/asio/io_context.hpp>
+#include <boost/asio/post.hpp>
 #include <boost/asio/thread_pool.hpp>
 
 #include <cstddef>
@@ -42,6 +43,9 @@ private:
     using Request = std::shared_ptr<const HttpRequest>; // also for the reading thread
     using Route = void (RestApi::*)(const Request&, const HttpAnswer&);
 
+    static constexpr std::size_t readAtOnce = 64 * 1024; // bytes
+
+    /// Does what costs as much as so many bytes of text, then goes on with what came of it, on this thread.
     template <typename Read, typename Then>
     void aside(std::size_t bytes, Read read, Then then);
 
@@ -57,6 +61,11 @@ private:
     void getSystem(const Request&, const HttpAnswer&);
     void getShow(const Request&, const HttpAnswer&);
     void postShow(const Request&, const HttpAnswer&);
+    void getShows(const Request&, const HttpAnswer&);
+    void deleteShow(const Request&, const HttpAnswer&);
+    void loadShow(const Request&, const HttpAnswer&);
+    void getEarlier(const Request&, const HttpAnswer&);
+    void bringBack(const Request&, const HttpAnswer&);
     bool isUpToDate(const HttpRequest& request, const HttpAnswer& answer) const;
     static void answerEdit(const HttpAnswer& answer, const EditResult& result);
 
@@ -72,5 +81,22 @@ private:
         std::make_shared<int>(0);         // what comes back from the thread holds it weakly
     boost::asio::thread_pool m_reader{1}; // reads and writes large texts
 };
+
+template <typename Read, typename Then>
+void RestApi::aside(std::size_t bytes, Read read, Then then)
+{
+    if (bytes <= readAtOnce)
+        return then(read());
+    boost::asio::post(m_reader, [this, alive = std::weak_ptr(m_alive), read = std::move(read),
+                                 then = std::move(then)]() mutable {
+        auto result = std::make_shared<decltype(read())>(read());
+        boost::asio::post(m_io, [this, alive, then = std::move(then), result = std::move(result)]() mutable {
+            if (alive.expired())
+                return;
+            then(*result);
+            boost::asio::post(m_reader, [result = std::move(result)] {}); // to free it takes time as well
+        });
+    });
+}
 
 } // namespace vantrel::ombra

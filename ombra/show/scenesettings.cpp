@@ -15,6 +15,8 @@ namespace {
 
 using Properties = std::map<std::string, const char*, std::less<>>; // name to section
 
+constexpr const char* ofServer = "server"; // lasts, and is no part of a show
+
 /// What lasts of the scene, by the type of the object.
 const std::map<std::string, Properties, std::less<>>& lasting()
 {
@@ -33,7 +35,8 @@ const std::map<std::string, Properties, std::less<>>& lasting()
           {"maxLinkRate", "output"},
           {"edidOverride", "output"},
           {"edidOverrideFilename", "output"}}},
-        {"ShowConfiguration", {{"autoSave", "playback"}, {"autoStartShow", "playback"}}},
+        {"ShowConfiguration",
+         {{"autoSave", "playback"}, {"autoStartShow", "playback"}, {"showName", ofServer}}},
     };
     return table;
 }
@@ -119,10 +122,31 @@ void SceneSettings::apply(Json settings, const std::set<std::string>& sections)
     });
 }
 
-void SceneSettings::applyOne(std::string_view path, const Json& value, const std::set<std::string>& sections)
+/// Null where nothing lasts.
+const char* SceneSettings::sectionAt(std::string_view path) const
 {
     const ScenePointer at = m_scene.find(path);
-    const char* section = at.deref() && at.property() ? sectionOf(at.deref(), at.property()) : nullptr;
+    return at.deref() && at.property() ? sectionOf(at.deref(), at.property()) : nullptr;
+}
+
+Json SceneSettings::chosen(const Json& settings, const std::set<std::string>& sections) const
+{
+    Json found = Json::object();
+    settings.forEachMember([&](std::string_view path, const Json& value) {
+        const char* section = sectionAt(path);
+        if (section && sections.contains(section) && !value.isNull())
+            found.set(path, value);
+        else if (!section)
+            Log::write(LogLevel::Warning, "vantrel.show",
+                       "the show sets what is not here: " + std::string(path));
+        return true;
+    });
+    return found;
+}
+
+void SceneSettings::applyOne(std::string_view path, const Json& value, const std::set<std::string>& sections)
+{
+    const char* section = sectionAt(path);
     if (!section)
         Log::write(LogLevel::Warning, "vantrel.show", "the show sets what is not here: " + std::string(path));
     else if (sections.contains(section) && !write(std::string(path), value))
@@ -155,7 +179,7 @@ Json SceneSettings::current() const
 void SceneSettings::collect(const Object* object, Json& out) const
 {
     for (const PropertyInfo* property : object->getProperties()) {
-        if (!lasts(object, property))
+        if (!lasts(object, property) || sectionOf(object, property) == std::string_view(ofServer))
             continue;
         Path path;
         Json json;

@@ -32,8 +32,10 @@ public:
     /// Puts settings of these sections into the scene. What is not there any more, or does not fit, is passed
     /// over with a log line. A playback that was paused shows its picture again.
     void apply(Json settings, const std::set<std::string>& sections);
-    /// Everything that lasts, as the scene has it now.
+    /// Everything that a show has of the scene, as it is now.
     Json current() const;
+    /// Those of the settings that belong to these sections and can stand in this scene.
+    Json chosen(const Json& settings, const std::set<std::string>& sections) const;
     /// Plays nothing and sets what belongs to playback and audio to its defaults.
     void resetPlayback();
 
@@ -41,6 +43,7 @@ private:
     void onSceneChange(int count, const SceneChange* changes);
     void save(Object* object, const PropertyInfo* property);
     void collect(const Object* object, Json& out) const;
+    const char* sectionAt(std::string_view path) const;
     void applyOne(std::string_view path, const Json& value, const std::set<std::string>& sections);
     bool write(const std::string& path, const Json& value);
 

@@ -1,22 +1,19 @@
 #include "ombra/show/showfiles.h"
 
-#include "ombra/base/version.h"
 #include "ombra/outputs/outputs.h"
-#include "ombra/show/atomicfile.h"
-#include "ombra/show/librarysize.h"
+#include "ombra/show/currentshow.h"
+#include "ombra/show/missingmedia.h"
 #include "ombra/show/scenesettings.h"
 #include "ombra/show/showstore.h"
 
-#include <set>
-#include <string_view>
+#include <boost/asio/post.hpp>
+
+#include <chrono>
+#include <utility>
 
 namespace vantrel::ombra {
 
 namespace {
-
-constexpr std::string_view formatName = "halcyra-show";
-constexpr std::size_t maxFile = librarysize::limit + 16u * 1024 * 1024; // what can be saved can be read
-constexpr std::size_t longestName = 80; // bytes; three times that, escaped, must fit a file name
 
 bool fail(std::string* error, const std::string& text)
 {
@@ -25,140 +22,374 @@ bool fail(std::string* error, const std::string& text)
     return false;
 }
 
-/// The sections that an import names; false on an unknown one.
-bool parseSections(std::string_view include, std::set<std::string>& out)
+unsigned statusOf(const EditResult& result)
 {
-    std::set<std::string> known = SceneSettings::sections();
-    known.insert("medialibrary");
-    if (include.empty())
-        out = known;
-    while (!include.empty()) {
-        const std::size_t comma = include.find(',');
-        const std::string name(include.substr(0, comma));
-        include = comma == std::string_view::npos ? std::string_view() : include.substr(comma + 1);
-        if (!known.contains(name))
-            return false;
-        out.insert(name);
-    }
-    return true;
+    return result.status == EditResult::Status::Saved      ? 200
+           : result.status == EditResult::Status::TooLarge ? 413
+                                                           : 507;
+}
+
+std::string sentenceOf(std::string reason)
+{
+    if (reason.empty())
+        return reason;
+    if (reason[0] >= 'a' && reason[0] <= 'z')
+        reason[0] = static_cast<char>(reason[0] - 'a' + 'A');
+    return reason.ends_with('.') ? reason : reason + '.';
+}
+
+/// As the second half of a sentence.
+std::string reasonOf(std::string sentence)
+{
+    const bool isWord = sentence.size() > 1 && sentence[0] >= 'A' && sentence[0] <= 'Z' && sentence[1] >= 'a';
+    if (isWord)
+        sentence[0] = static_cast<char>(sentence[0] - 'A' + 'a');
+    return sentence;
+}
+
+Json entryJson(const ShowFolder::Entry& entry)
+{
+    return Json::object({{"bytes", entry.bytes},
+                         {"contents", entry.contents.toJson()},
+                         {"error", entry.error.empty() ? Json() : Json(entry.error)},
+                         {"modified", entry.modified}});
 }
 
 } // namespace
 
-ShowFiles::ShowFiles(ShowStore& store, SceneSettings& settings, Outputs& outputs,
-                     std::filesystem::path stateFolder)
-    : m_store(store)
-    , m_settings(settings)
-    , m_outputs(outputs)
-    , m_folder(std::move(stateFolder))
+ShowFiles::ShowFiles(boost::asio::io_context& io, Parts parts, const std::filesystem::path& stateFolder,
+                     std::filesystem::path mediaFolder)
+    : m_io(io)
+    , m_parts(parts)
+    , m_media(std::move(mediaFolder))
+    , m_folder(std::make_shared<ShowFolder>(stateFolder))
+    , m_hour(io)
 {
+    readSaved();
+    startHour();
+}
+
+ShowFiles::~ShowFiles()
+{
+    m_alive.reset();
+    m_disk.join();
+}
+
+/// Does the work on the disk's thread, then goes on with what came of it on this one.
+template <typename Work, typename Then>
+void ShowFiles::aside(Work work, Then then)
+{
+    boost::asio::post(m_disk, [this, alive = std::weak_ptr(m_alive), work = std::move(work),
+                               then = std::move(then)]() mutable {
+        auto result = std::make_shared<decltype(work())>(work());
+        boost::asio::post(m_io, [alive, then = std::move(then), result = std::move(result)]() mutable {
+            if (!alive.expired())
+                then(*result);
+        });
+    });
+}
+
+void ShowFiles::enqueue(std::function<void()> operation)
+{
+    m_waiting.push_back(std::move(operation));
+    if (!m_isBusy)
+        next();
+}
+
+void ShowFiles::finish(const Done& done, const Outcome& outcome)
+{
+    done(outcome);
+    next();
+}
+
+void ShowFiles::next()
+{
+    m_isBusy = !m_waiting.empty();
+    if (!m_isBusy)
+        return;
+    const std::function<void()> operation = std::move(m_waiting.front());
+    m_waiting.pop_front();
+    operation();
 }
 
 Json ShowFiles::show() const
 {
-    return Json::object({{"format", formatName},
-                         {"version", formatVersion},
-                         {"server", versionText()},
-                         {"library", m_store.library().toJson()},
-                         {"settings", m_settings.current()}});
+    return showfile::make(m_parts.store.library().toJson(), m_parts.settings.current());
 }
 
-/// Without a layout, which would take more room than what it lays out.
-std::string ShowFiles::textOf(const Json& show)
+void ShowFiles::importShow(std::shared_ptr<const showfile::Reading> file, const std::string& include,
+                           bool forced, Done done)
 {
-    return show.toString();
+    const auto sections = showfile::sectionsOf(include);
+    if (!sections)
+        return done({400, "There is no such section: \"" + include + "\".", {}});
+    const Change change{"import", std::move(file), *sections, forced, {}, std::move(done)};
+    enqueue([this, shared = std::make_shared<const Change>(change)] { check(shared); });
 }
 
-ShowFiles::Reading ShowFiles::read(const std::string& file)
+void ShowFiles::load(const std::string& name, bool forced, Done done)
 {
-    Reading reading;
-    std::string why;
-    if (!Json::parseString(file, reading.show, &why) || reading.show.get("format").stringView() != formatName)
-        reading.whyNoShow = "this is no show file" + (why.empty() ? why : ": " + why);
-    else
-        reading.library.parseJson(reading.show.get("library"), &reading.whyNoLibrary);
-    return reading;
+    const auto read = [folder = m_folder, name](std::string* why) { return folder->read(name, why); };
+    enqueue([this, read,
+             change = Change{"revert", {}, *showfile::sectionsOf({}), forced, name, std::move(done)}] {
+        readThenCheck(read, change);
+    });
 }
 
-void ShowFiles::importShow(const Reading& file, const std::string& include, bool forced, Done done)
+void ShowFiles::bringBack(const std::string& id, bool forced, Done done)
 {
-    if (!file.whyNoShow.empty())
-        return done(400, file.whyNoShow);
-    std::set<std::string> sections;
-    if (!parseSections(include, sections))
-        return done(400, "unknown section in \"" + include + "\"");
-    if (file.show.get("version").asInt() != formatVersion && !forced)
-        return done(409, "the show is of another version");
-    if (sections.contains("medialibrary") && !file.whyNoLibrary.empty())
-        return done(422, file.whyNoLibrary);
-    const Json settings = file.show.get("settings");
-    const auto rest = [this, settings, sections, done](const EditResult& result) {
-        if (result.status != EditResult::Status::Saved)
-            return done(result.status == EditResult::Status::TooLarge ? 413 : 507, result.message);
-        m_settings.apply(settings, sections);
-        done(200, {});
+    const auto read = [folder = m_folder, id](std::string* why) { return folder->readCopy(id, why); };
+    enqueue(
+        [this, read, change = Change{"earlier", {}, *showfile::sectionsOf({}), forced, {}, std::move(done)}] {
+            readThenCheck(read, change);
+        });
+}
+
+void ShowFiles::readThenCheck(const std::function<std::optional<std::string>(std::string*)>& read,
+                              Change change)
+{
+    const auto work = [read] {
+        std::pair<std::shared_ptr<const showfile::Reading>, std::string> result;
+        if (const auto text = read(&result.second))
+            result.first = std::make_shared<const showfile::Reading>(showfile::read(*text));
+        return result;
     };
-    if (sections.contains("medialibrary"))
-        m_store.replaceLibrary(file.library, rest);
-    else
-        rest({});
+    aside(work, [this, change = std::move(change)](const auto& result) mutable {
+        if (!result.first)
+            return finish(change.done, {404, sentenceOf(result.second), {}});
+        change.file = result.first;
+        check(std::make_shared<const Change>(std::move(change)));
+    });
+}
+
+/// Refuses what cannot or should not be taken over, before anything is changed.
+void ShowFiles::check(const SharedChange& change)
+{
+    const showfile::Reading& file = *change->file;
+    const bool hasLibrary = change->sections.contains("medialibrary");
+    Outcome outcome;
+    if (file.status != 200)
+        outcome = {file.status, file.error, {}};
+    else if (const Json version = file.show.get("version");
+             version.asInt() != showfile::version && !change->forced)
+        outcome = {409,
+                   "The show is of version " + version.asString() + " of the format, and this server knows " +
+                       std::to_string(showfile::version) + ".",
+                   {}};
+    else if (hasLibrary && !file.libraryError.empty())
+        outcome = {422, sentenceOf("The show's library cannot be used: " + file.libraryError), {}};
+    if (outcome.status != 200)
+        return finish(change->done, outcome);
+    if (!hasLibrary || change->forced)
+        return replace(change);
+    const auto ask = [change, media = m_media] { return missingMedia(media, change->file->library); };
+    aside(ask, [this, change](const std::vector<std::string>& missing) {
+        if (missing.empty())
+            replace(change);
+        else
+            finish(change->done, {409, missingSentence(missing), missing});
+    });
+}
+
+/// Keeps the present show as a copy that can be brought back, unless the newest one is the same.
+void ShowFiles::keepCopy(const std::string& before, std::function<void(const std::string& error)> then,
+                         int tries)
+{
+    const Json library = m_parts.store.latestLibrary().toJson();
+    const Json settings = m_parts.settings.current();
+    if (library.sameNode(m_keptLibrary) && settings == m_keptSettings)
+        return then({});
+    const auto write = [folder = m_folder, before, library, settings] {
+        std::string why;
+        folder->keepCopy(before, showfile::textOf(showfile::make(library, settings)), &why);
+        return why;
+    };
+    aside(write, [this, before, library, settings, then = std::move(then),
+                  tries](const std::string& why) mutable {
+        if (!why.empty())
+            return then("No copy of the present show could be kept first: " + why + ". Nothing was changed.");
+        m_keptLibrary = library;
+        m_keptSettings = settings;
+        // Somebody may have edited meanwhile.
+        if (tries > 1 && !m_parts.store.latestLibrary().toJson().sameNode(library))
+            return keepCopy(before, std::move(then), tries - 1);
+        then({});
+    });
+}
+
+void ShowFiles::replace(const SharedChange& change)
+{
+    keepCopy(change->before, [this, change](const std::string& error) {
+        if (!error.empty())
+            return finish(change->done, {507, error, {}});
+        Json settings = m_parts.settings.chosen(change->file->show.get("settings"), change->sections);
+        Json saved = settings;
+        if (!change->name.empty())
+            saved.set(CurrentShow::namePath, change->name);
+        const auto replaced = [this, change, settings](const EditResult& result) {
+            if (result.status != EditResult::Status::Saved)
+                return finish(change->done, {statusOf(result), sentenceOf(result.message), {}});
+            m_parts.settings.apply(settings, change->sections);
+            if (!change->name.empty())
+                m_parts.current.setSaved(change->name, m_parts.store.library().toJson(),
+                                         m_parts.settings.current());
+            finish(change->done, {});
+        };
+        const MediaLibrary& library =
+            change->sections.contains("medialibrary") ? change->file->library : m_parts.store.latestLibrary();
+        m_parts.store.replaceShow(library, saved, replaced);
+    });
 }
 
 bool ShowFiles::invoke(const std::string& method, const Json& args, std::string* error)
 {
-    const std::string name(args.get("showName").stringView());
-    if (name.empty() || name.size() > longestName)
+    std::string name(args.get("showName").stringView());
+    if (!ShowFolder::isName(name))
         return fail(error, "\"showName\" must be a text of 1 to 80 bytes");
-    if (method == "saveShow")
-        return saveShow(name, error);
-    if (method == "revertShow")
-        return revertShow(name, error);
-    if (method == "clearShow") {
-        clearShow();
-        return true;
-    }
-    return fail(error, "unknown method");
-}
-
-bool ShowFiles::saveShow(const std::string& name, std::string* error)
-{
-    const std::filesystem::path path = pathOf(name);
-    std::error_code code;
-    std::filesystem::create_directories(path.parent_path(), code);
-    std::string why;
-    const bool isSaved = writeFileAtomically(path, textOf(show()), &why);
-    tell(isSaved ? std::string() : "The show could not be saved as \"" + name + "\": " + why + ".");
-    return isSaved || fail(error, why);
-}
-
-bool ShowFiles::revertShow(const std::string& name, std::string* error)
-{
-    const auto refuse = [this, name](const std::string& why) {
-        tell("The show \"" + name + "\" could not be taken back: " + why + ".");
+    // Asked for now, it is the show that is on by then.
+    const auto named = [this, name] { return name == CurrentShow::unnamed ? m_parts.current.name() : name; };
+    const auto telling = [this](const std::string& what) {
+        return [this, what](const Outcome& outcome) {
+            tell(outcome.status == 200 ? std::string() : what + ": " + reasonOf(outcome.error));
+        };
     };
-    std::string why;
-    const auto text = readWholeFile(pathOf(name), maxFile, &why);
-    if (!text) {
-        if (why.empty())
-            why = "no show was saved under that name";
-        refuse(why);
-        return fail(error, why);
-    }
-    importShow(read(*text), {}, false, [this, refuse](unsigned status, const std::string& message) {
-        status == 200 ? tell({}) : refuse(message);
-    });
+    if (method == "saveShow")
+        enqueue([this, named, telling] {
+            save(named(), telling("The show could not be saved as \"" + named() + '"'));
+        });
+    else if (method == "revertShow")
+        enqueue([this, named, telling] {
+            const auto read = [folder = m_folder, name = named()](std::string* why) {
+                return folder->read(name, why);
+            };
+            readThenCheck(read, {"revert",
+                                 {},
+                                 *showfile::sectionsOf({}),
+                                 true,
+                                 named(),
+                                 telling("The show \"" + named() + "\" could not be taken back")});
+        });
+    else if (method == "clearShow")
+        enqueue([this, telling] { clear(telling("The show could not be cleared")); });
+    else
+        return fail(error, "unknown method");
     return true;
 }
 
-/// The players stop once the library is gone, and not before: a disk that takes nothing leaves all as it is.
-void ShowFiles::clearShow()
+void ShowFiles::save(const std::string& name, const Done& done)
 {
-    m_store.replaceLibrary(MediaLibrary(), [this](const EditResult& result) {
-        if (result.status != EditResult::Status::Saved)
-            return tell("The show could not be cleared: " + result.message + ".");
-        m_outputs.reset();
-        m_settings.resetPlayback();
-        tell({});
+    const Json library = m_parts.store.library().toJson();
+    const Json settings = m_parts.settings.current();
+    const auto write = [folder = m_folder, name, library, settings] {
+        std::string why;
+        folder->save(name, showfile::textOf(showfile::make(library, settings)), &why);
+        return why;
+    };
+    aside(write, [this, name, library, settings, done](const std::string& why) {
+        if (why.empty())
+            m_parts.current.setSaved(name, library, settings);
+        finish(done, {why.empty() ? 200u : 507u, sentenceOf(why), {}});
+    });
+}
+
+/// The players stop once the library is gone, and not before: a disk that takes nothing leaves all as it is.
+void ShowFiles::clear(const Done& done)
+{
+    keepCopy("clear", [this, done](const std::string& error) {
+        if (!error.empty())
+            return finish(done, {507, error, {}});
+        m_parts.store.replaceLibrary(MediaLibrary(), [this, done](const EditResult& result) {
+            if (result.status != EditResult::Status::Saved)
+                return finish(done, {statusOf(result), sentenceOf(result.message), {}});
+            m_parts.outputs.reset();
+            m_parts.settings.resetPlayback();
+            finish(done, {});
+        });
+    });
+}
+
+void ShowFiles::remove(const std::string& name, Done done)
+{
+    enqueue([this, name, done = std::move(done)] {
+        const auto work = [folder = m_folder, name] {
+            std::string why;
+            folder->remove(name, &why);
+            return why;
+        };
+        aside(work, [this, name, done](const std::string& why) {
+            if (why.empty() && name == m_parts.current.name())
+                m_parts.current.setSaved(name, MediaLibrary().toJson(), Json::object());
+            finish(done, {why.empty() ? 200u : 404u, sentenceOf(why), {}});
+        });
+    });
+}
+
+void ShowFiles::listShows(Listed listed)
+{
+    const auto work = [folder = m_folder] {
+        Json list = Json::array();
+        for (const ShowFolder::Entry& entry : folder->shows()) {
+            Json one = entryJson(entry);
+            one.set("name", entry.name);
+            list.append(one);
+        }
+        return list;
+    };
+    aside(work, [this, listed = std::move(listed)](const Json& list) {
+        listed(Json::object({{"current", m_parts.current.name()}, {"shows", list}}));
+    });
+}
+
+void ShowFiles::listEarlier(Listed listed)
+{
+    const auto work = [folder = m_folder, library = m_parts.store.library().toJson(),
+                       settings = m_parts.settings.current()] {
+        Json list = Json::array();
+        for (const ShowFolder::Entry& entry : folder->copies(library)) {
+            Json one = entryJson(entry);
+            one.set("id", entry.id);
+            one.set("before", entry.name);
+            if (entry.error.empty())
+                one.set("difference",
+                        ShowDifference(library, entry.library, settings, entry.settings).toJson());
+            list.append(one);
+        }
+        return list;
+    };
+    aside(work, [listed = std::move(listed)](const Json& list) { listed(Json::object({{"states", list}})); });
+}
+
+/// What the show that is on is compared with from the start on.
+void ShowFiles::readSaved()
+{
+    const std::string name = m_parts.current.name();
+    const auto work = [folder = m_folder, name, present = m_parts.store.library().toJson()] {
+        std::string none;
+        const auto text = folder->read(name, &none);
+        showfile::Reading reading = text ? showfile::read(*text) : showfile::Reading();
+        return std::pair(sharing(present, reading.library.toJson()), reading.show.get("settings"));
+    };
+    m_isBusy = true;
+    aside(work, [this, name](const std::pair<Json, Json>& saved) {
+        m_parts.current.setSaved(name, saved.first, saved.second);
+        next();
+    });
+}
+
+void ShowFiles::startHour()
+{
+    m_hour.expires_after(std::chrono::hours(1));
+    m_hour.async_wait([this](boost::system::error_code code) {
+        if (code)
+            return;
+        enqueue([this] {
+            keepCopy("hour", [this](const std::string& error) {
+                if (!error.empty())
+                    tell(error);
+                next();
+            });
+        });
+        startHour();
     });
 }
 
@@ -166,26 +397,6 @@ void ShowFiles::tell(const std::string& sentence) const
 {
     if (m_trouble)
         m_trouble(sentence);
-}
-
-std::filesystem::path ShowFiles::pathOf(const std::string& name) const
-{
-    // The name comes from outside: encoded, and "/" and a leading "." with it, it is one harmless file name.
-    std::string file;
-    for (const char c : name) {
-        const bool plain =
-            (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-';
-        if (plain) {
-            file += c;
-        } else {
-            constexpr char digits[] = "0123456789abcdef";
-            const auto byte = static_cast<unsigned char>(c);
-            file += '%';
-            file += digits[byte >> 4];
-            file += digits[byte & 15];
-        }
-    }
-    return m_folder / "shows" / (file + ".show");
 }
 
 } // namespace vantrel::ombra

@@ -1,48 +1,72 @@
 #pragma once
 
-#include "tarn/json/json.h"
-#include "tarn/media/medialibrary.h"
+#include "ombra/show/showfile.h"
+#include "ombra/show/showfolder.h"
 
+#include <boost/asio/io_context.hpp>
+#include <boost/asio/steady_timer.hpp>
+#include <boost/asio/thread_pool.hpp>
+
+#include <deque>
 #include <filesystem>
 #include <functional>
+#include <memory>
+#include <set>
 #include <string>
-#include <utility>
+#include <vector>
 
 namespace vantrel::ombra {
 
+class CurrentShow;
 class Outputs;
 class SceneSettings;
 class ShowStore;
 
-/// Whole shows: exported to and imported from a show file, saved under a name and taken back, cleared. The
-/// thread of the scene.
+/// Whole shows: saved under names, taken back, imported and cleared, one after the other, each whole or not
+/// at all. Of what a change takes away a copy is kept first, and one every hour. The disk is asked on a
+/// thread of its own; everything else is the thread of the scene.
 class ShowFiles
 {
 public:
-    static constexpr std::int64_t formatVersion = 1;
-
-    ShowFiles(ShowStore& store, SceneSettings& settings, Outputs& outputs, std::filesystem::path stateFolder);
-
-    /// The show as it is now, and as a file's content.
-    Json show() const;
-    static std::string textOf(const Json& show);
-
-    /// What the content of a file holds. Any thread.
-    struct Reading
+    struct Parts
     {
-        Json show;
-        MediaLibrary library;
-        std::string whyNoShow; // empty for a show
-        std::string whyNoLibrary;
+        ShowStore& store;
+        SceneSettings& settings;
+        Outputs& outputs;
+        CurrentShow& current;
     };
-    static Reading read(const std::string& file);
+    ShowFiles(boost::asio::io_context& io, Parts parts, const std::filesystem::path& stateFolder,
+              std::filesystem::path mediaFolder);
+    ~ShowFiles();
+    ShowFiles(const ShowFiles&) = delete;
+    ShowFiles& operator=(const ShowFiles&) = delete;
 
-    using Done = std::function<void(unsigned httpStatus, const std::string& message)>;
+    /// The show as it is now, as a file's content.
+    Json show() const;
+
+    struct Outcome
+    {
+        unsigned status = 200;            // of HTTP
+        std::string error;                // a sentence
+        std::vector<std::string> missing; // media, where it is refused for them
+    };
+    using Done = std::function<void(const Outcome&)>;
+
     /// Takes over sections of a show file: names out of "output", "audio", "playback" and "medialibrary" with
-    /// commas between, none meaning all. 400 for what is no show file or section, 409 for one of another
-    /// version unless forced, 413 when its library is too large, 422 when it is not valid, 507 when the disk
-    /// takes nothing.
-    void importShow(const Reading& file, const std::string& include, bool forced, Done done);
+    /// commas between, none meaning all. 400 for what is no show file or section; 409, unless it is forced,
+    /// for another version and for media that are not there; 413 when its library is too large, 422 when it
+    /// is not valid, 507 when the disk takes nothing.
+    void importShow(std::shared_ptr<const showfile::Reading> file, const std::string& include, bool forced,
+                    Done done);
+    /// Goes on with the show that was saved under a name; 404 where there is none.
+    void load(const std::string& name, bool forced, Done done);
+    /// Goes back to an earlier state, under the name that the show has now.
+    void bringBack(const std::string& id, bool forced, Done done);
+    void remove(const std::string& name, Done done);
+
+    using Listed = std::function<void(const Json&)>;
+    void listShows(Listed listed);
+    void listEarlier(Listed listed);
 
     /// Called with a sentence when something that was invoked comes to nothing, and with none when it worked.
     void setTroubleListener(std::function<void(const std::string& sentence)> listener)
@@ -51,21 +75,51 @@ public:
     }
 
     /// The methods of the scene's showConfiguration: "saveShow", "revertShow", "clearShow". False, with the
-    /// reason, when that failed.
+    /// reason, for what cannot even be tried.
     bool invoke(const std::string& method, const Json& args, std::string* error);
 
 private:
-    bool saveShow(const std::string& name, std::string* error);
-    bool revertShow(const std::string& name, std::string* error);
-    void clearShow();
-    void tell(const std::string& sentence) const;
-    std::filesystem::path pathOf(const std::string& name) const;
+    /// One show to go on with, instead of the present one.
+    struct Change
+    {
+        std::string before; // what the copy of the present one is kept for
+        std::shared_ptr<const showfile::Reading> file;
+        std::set<std::string> sections;
+        bool forced = false;
+        std::string name; // of the show from then on; empty keeps the present one
+        Done done;
+    };
+    using SharedChange = std::shared_ptr<const Change>;
 
-    ShowStore& m_store;
-    SceneSettings& m_settings;
-    Outputs& m_outputs;
-    std::filesystem::path m_folder;
+    template <typename Work, typename Then>
+    void aside(Work work, Then then);
+    void enqueue(std::function<void()> operation);
+    void finish(const Done& done, const Outcome& outcome);
+    void next();
+
+    void readThenCheck(const std::function<std::optional<std::string>(std::string*)>& read, Change change);
+    void check(const SharedChange& change);
+    void keepCopy(const std::string& before, std::function<void(const std::string& error)> then,
+                  int tries = 3);
+    void replace(const SharedChange& change);
+    void clear(const Done& done);
+    void save(const std::string& name, const Done& done);
+    void readSaved();
+    void startHour();
+    void tell(const std::string& sentence) const;
+
+    boost::asio::io_context& m_io;
+    Parts m_parts;
+    std::filesystem::path m_media;
+    std::shared_ptr<ShowFolder> m_folder; // of the thread that asks the disk
     std::function<void(const std::string& sentence)> m_trouble;
+    std::deque<std::function<void()>> m_waiting;
+    bool m_isBusy = false;
+    Json m_keptLibrary, m_keptSettings; // of the newest copy
+    boost::asio::steady_timer m_hour;
+    std::shared_ptr<int> m_alive =
+        std::make_shared<int>(0); // what comes back from the thread holds it weakly
+    boost::asio::thread_pool m_disk{1};
 };
 
 } // namespace vantrel::ombra

@@ -20,15 +20,16 @@ struct Losses
     bool torn = false; // the last line of a journal was not whole
 };
 
+/// An edit of the library, settings, or both.
 bool replay(const Json& entry, LoadedShow& show)
 {
-    if (const Json* operations = entry.find("library")) {
-        Patch patch;
-        return Patch::fromJson(*operations, patch) && show.library.applyDiff(patch) == 0;
-    }
+    const Json* operations = entry.find("library");
     const Json* changed = entry.find("settings");
-    if (!changed || !changed->isObject())
+    Patch patch;
+    if (operations && (!Patch::fromJson(*operations, patch) || show.library.applyDiff(patch) != 0))
         return false;
+    if (!changed || !changed->isObject())
+        return operations != nullptr;
     changed->forEachMember([&show](std::string_view path, const Json& value) {
         show.settings.set(path, value);
         return true;

@@ -95,6 +95,11 @@ EditResult ShowStore::accept(const Patch& patch)
 
 void ShowStore::patchLibrary(const Patch& patch, Answer answer)
 {
+    edit(patch, Json::object(), std::move(answer));
+}
+
+void ShowStore::edit(const Patch& patch, const Json& settings, Answer answer)
+{
     const Json before = m_latest.toJson();
     const EditResult accepted = accept(patch);
     if (accepted.status != EditResult::Status::Saved)
@@ -102,21 +107,47 @@ void ShowStore::patchLibrary(const Patch& patch, Answer answer)
     Patch difference;
     Patch::diff(before, m_latest.toJson(), difference);
     m_latestRevision += difference.empty() ? 0 : 1;
+    Json entry = Json::object({{"library", patch.toJson()}});
+    Json old = Json::object();
+    if (settings.size() > 0) {
+        flushSettings(); // what was set before comes before
+        entry.set("settings", settings);
+        settings.forEachMember([&](std::string_view path, const Json&) {
+            old.set(path, m_settings.get(path));
+            return true;
+        });
+        setSettings(settings);
+    }
     auto after = std::make_shared<MediaLibrary>(m_latest);
-    save(Json::object({{"library", patch.toJson()}}),
-         [this, difference, after, revision = m_latestRevision, bytes = m_latestBytes,
-          answer = std::move(answer)](bool ok, const std::string& error) {
-             if (ok)
-                 librarySaved(difference, *after, revision, bytes);
-             answer({ok ? EditResult::Status::Saved : EditResult::Status::NotSaved, error, revision});
-         });
+    save(entry, [this, difference, after, old, revision = m_latestRevision, bytes = m_latestBytes,
+                 answer = std::move(answer)](bool ok, const std::string& error) {
+        ok ? librarySaved(difference, *after, revision, bytes) : setSettings(old);
+        answer({ok ? EditResult::Status::Saved : EditResult::Status::NotSaved, error, revision});
+    });
+}
+
+/// A null takes a setting out.
+void ShowStore::setSettings(const Json& settings)
+{
+    settings.forEachMember([this](std::string_view path, const Json& value) {
+        if (value.isNull())
+            m_settings.erase(path);
+        else
+            m_settings.set(path, value);
+        return true;
+    });
 }
 
 void ShowStore::replaceLibrary(const MediaLibrary& library, Answer answer)
 {
+    replaceShow(library, Json::object(), std::move(answer));
+}
+
+void ShowStore::replaceShow(const MediaLibrary& library, const Json& settings, Answer answer)
+{
     Patch patch;
     Patch::diff(m_latest.toJson(), library.toJson(), patch);
-    patchLibrary(patch, std::move(answer));
+    edit(patch, settings, std::move(answer));
 }
 
 void ShowStore::changeSetting(const std::string& path, const Json& value)
@@ -126,6 +157,8 @@ void ShowStore::changeSetting(const std::string& path, const Json& value)
         return;
     m_settings.set(path, value);
     m_changedSettings.set(path, value);
+    if (m_settingsListener)
+        m_settingsListener();
     if (std::exchange(m_flushPosted, true))
         return;
     boost::asio::post(m_io, [this, alive = std::weak_ptr(m_alive)] {

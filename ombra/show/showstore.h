@@ -62,12 +62,17 @@ public:
     void patchLibrary(const Patch& patch, Answer answer);
     /// Replaces the whole; listeners get what differs.
     void replaceLibrary(const MediaLibrary& library, Answer answer);
+    /// Library and settings by one edit: both are saved, or neither. Settings that are not named stay.
+    void replaceShow(const MediaLibrary& library, const Json& settings, Answer answer);
     void changeSetting(const std::string& path, const Json& value);
 
     /// Called after each saved edit of the library that changed something, with what is different now:
     /// additions, removals and replacements of no more than that, however the edit was put. Who mirrors the
     /// library need not know what it means to move a slot or to replace all collections.
     void addLibraryListener(LibraryListener listener) { m_listeners.push_back(std::move(listener)); }
+
+    /// Called after each change of a setting, saved or not.
+    void setSettingsListener(std::function<void()> listener) { m_settingsListener = std::move(listener); }
 
     /// What the operator must know of the show as it was loaded; empty when all was sound.
     const std::string& loadNotice() const noexcept { return m_loadNotice; }
@@ -83,6 +88,8 @@ private:
     };
 
     EditResult accept(const Patch& patch);
+    void edit(const Patch& patch, const Json& settings, Answer answer);
+    void setSettings(const Json& settings);
     void save(const Json& entry, std::function<void(bool, const std::string&)> done);
     void librarySaved(const Patch& difference, const MediaLibrary& after, std::uint64_t revision,
                       std::size_t bytes);
@@ -110,6 +117,7 @@ private:
     boost::asio::steady_timer m_retry; // while there is trouble
     std::uint64_t m_epoch = 1;         // see ShowWriter
     std::vector<LibraryListener> m_listeners;
+    std::function<void()> m_settingsListener;
     std::shared_ptr<Alive> m_alive = std::make_shared<Alive>(); // completions hold it weakly
 };
 

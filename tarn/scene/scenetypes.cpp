@@ -193,6 +193,8 @@ void declareAll(Types& types)
         .text("autoStartShow")
         .text("autoStartPlayState")
         .text("autoStartShowList")
+        .readOnly("showName", Variant::from("default"))
+        .readOnly("showModified", Variant::from(false))
         .methods({"clearShow", "revertShow", "saveShow"});
     Declaration(types, "Device")
         .child("channels", "Channel", ChildInfo::Kind::Array)

@@ -215,6 +215,19 @@ class Server:
         link.close()
         return found
 
+    def kept(self):
+        """Members of a saved show and of an earlier state, after one of each was made."""
+        link = socket.create_connection(("127.0.0.1", int(self.ports["link"])), timeout=5)
+        save = json.dumps([{"op": "invoke", "path": "/device/showConfiguration/methods/saveShow",
+                            "value": {"showName": "one"}}]).encode()
+        link.sendall(struct.pack(">I", len(save)) + save)
+        shows = []
+        while not shows:
+            shows = json.loads(self.ask("GET", "/shows")[2])["shows"]
+        link.close()
+        self.ask("POST", "/show/current", self.ask("GET", "/show/current")[2])
+        return shows[0] | json.loads(self.ask("GET", "/shows/earlier")[2])["states"][0]
+
     def first_frame(self):
         """Bytes of the first preview frame's header, and its source."""
         with socket.create_connection(("127.0.0.1", int(self.ports["preview"])), timeout=5) as preview:
@@ -240,7 +253,7 @@ def check_records(document, server):
     url = urllib.parse.quote("file:///red.png", safe="")
     records = {"slot": library["collections"]["1"]["slots"]["1"], "entry": library["playlists"]["1"]["entries"]["1"],
                "metadata": json.loads(server.ask("GET", f"/metadata/?file={url}")[2]),
-               "show": json.loads(server.ask("GET", "/show/current")[2])}
+               "saved": server.kept(), "show": json.loads(server.ask("GET", "/show/current")[2])}
     members = {f"{record}.{key}": value for record, content in records.items() for key, value in content.items()}
     same("the member", document.records, members)
     for name, value in members.items():
@@ -271,7 +284,7 @@ def check_server(document, server):
     same("the property", {name.split(":")[0] for name in document.properties}, told)
     allowed = set()
     for path in {route.split()[1] for route in document.routes}:
-        status, headers, _ = server.ask("DELETE", path)
+        status, headers, _ = server.ask("PUT", path)
         if status == 405:
             allowed |= {f"{method} {path}" for method in headers["Allow"].split(", ")}
     same("the route", document.routes, allowed)

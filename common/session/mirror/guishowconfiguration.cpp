@@ -20,6 +20,8 @@ void GUIShowConfiguration::cacheProperties()
         .autoStartShow = object()->findProperty("autoStartShow"),
         .autoStartPlayState = object()->findProperty("autoStartPlayState"),
         .autoStartShowList = object()->findProperty("autoStartShowList"),
+        .showName = object()->findProperty("showName"),
+        .showModified = object()->findProperty("showModified"),
     };
 }
 

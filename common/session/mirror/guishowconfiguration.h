@@ -4,7 +4,7 @@
 
 namespace vantrel {
 
-/// What the server does with its show when it starts.
+/// Which show is on, and what the server does with its show when it starts.
 class GUIShowConfiguration : public SceneObjectWrapper
 {
     Q_OBJECT
@@ -12,6 +12,8 @@ class GUIShowConfiguration : public SceneObjectWrapper
     Q_PROPERTY(QString autoStartShow READ autoStartShow WRITE setAutoStartShow NOTIFY autoStartShowChanged)
     Q_PROPERTY(QString autoStartPlayState READ autoStartPlayState NOTIFY autoStartPlayStateChanged)
     Q_PROPERTY(QString autoStartShowList READ autoStartShowList NOTIFY autoStartShowListChanged)
+    Q_PROPERTY(QString showName READ showName NOTIFY showNameChanged)
+    Q_PROPERTY(bool showModified READ showModified NOTIFY showModifiedChanged)
 
 public:
     explicit GUIShowConfiguration(QObject* parent = nullptr);
@@ -24,12 +26,18 @@ public:
     void setAutoStartPlayState(const QString& value) { setProperty(m_info.autoStartPlayState, value); }
     QString autoStartShowList() const { return getProperty<QString>(m_info.autoStartShowList); }
     void setAutoStartShowList(const QString& value) { setProperty(m_info.autoStartShowList, value); }
+    /// Of the show that is on; "default" while it has none, empty where the server tells of none.
+    QString showName() const { return getProperty<QString>(m_info.showName); }
+    /// Whether the show differs from what was saved under its name.
+    bool showModified() const { return getProperty<bool>(m_info.showModified); }
 
 Q_SIGNALS:
     void autoSaveChanged();
     void autoStartShowChanged();
     void autoStartPlayStateChanged();
     void autoStartShowListChanged();
+    void showNameChanged();
+    void showModifiedChanged();
 
 protected:
     void postSetObjectHook() override;
@@ -43,6 +51,8 @@ private:
         const PropertyInfo* autoStartShow = nullptr;
         const PropertyInfo* autoStartPlayState = nullptr;
         const PropertyInfo* autoStartShowList = nullptr;
+        const PropertyInfo* showName = nullptr;
+        const PropertyInfo* showModified = nullptr;
     };
     Info m_info;
 };

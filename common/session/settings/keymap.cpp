@@ -84,6 +84,11 @@ QMap<QString, QVariant> defaultKeymap()
         {"move_entries_up", Qt::ALT | Qt::Key_Up},
         {"move_entries_down", Qt::ALT | Qt::Key_Down},
         {"renumber_entries", Qt::CTRL | Qt::Key_R},
+        {"clear_show", Qt::CTRL | Qt::Key_N},
+        {"revert_show", Qt::CTRL | Qt::SHIFT | Qt::Key_R},
+        {"earlier_states", Qt::CTRL | Qt::Key_H},
+        {"import_show", Qt::CTRL | Qt::Key_I},
+        {"export_show", Qt::CTRL | Qt::SHIFT | Qt::Key_E},
     };
     QMap<QString, QVariant> keymap;
     for (const auto& [name, key] : keys)
@@ -93,6 +98,9 @@ QMap<QString, QVariant> defaultKeymap()
         full.isEmpty() || full == QKeySequence(Qt::Key_F11))
         keymap.insert(QStringLiteral("fullscreen"),
                       QVariant::fromValue(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_F)));
+    if (QKeySequence(QKeySequence::SaveAs).isEmpty())
+        keymap.insert(QStringLiteral("save_as"),
+                      QVariant::fromValue(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_S)));
     for (const auto& [name, key] : ownKeys)
         keymap.insert(QString::fromLatin1(name), QVariant::fromValue(QKeySequence(key)));
     return keymap;
@@ -103,6 +111,7 @@ const QList<KeyAction>& keyActions()
     static const char* const player = QT_TRANSLATE_NOOP("Keymap", "Player");
     static const char* const library = QT_TRANSLATE_NOOP("Keymap", "Library");
     static const char* const playlist = QT_TRANSLATE_NOOP("Keymap", "Playlist");
+    static const char* const show = QT_TRANSLATE_NOOP("Keymap", "Show");
     static const char* const window = QT_TRANSLATE_NOOP("Keymap", "Window");
     struct Row
     {
@@ -141,6 +150,14 @@ const QList<KeyAction>& keyActions()
         {"copy", playlist, QT_TRANSLATE_NOOP("Keymap", "Copy the entries")},
         {"cut", playlist, QT_TRANSLATE_NOOP("Keymap", "Cut the entries")},
         {"paste", playlist, QT_TRANSLATE_NOOP("Keymap", "Paste entries or slots")},
+        {"open", show, QT_TRANSLATE_NOOP("Keymap", "Shows on the server")},
+        {"save", show, QT_TRANSLATE_NOOP("Keymap", "Save the show")},
+        {"save_as", show, QT_TRANSLATE_NOOP("Keymap", "Save the show under a name")},
+        {"revert_show", show, QT_TRANSLATE_NOOP("Keymap", "Revert the show to what was saved")},
+        {"clear_show", show, QT_TRANSLATE_NOOP("Keymap", "Clear the show")},
+        {"earlier_states", show, QT_TRANSLATE_NOOP("Keymap", "Bring back an earlier state")},
+        {"import_show", show, QT_TRANSLATE_NOOP("Keymap", "Import a show")},
+        {"export_show", show, QT_TRANSLATE_NOOP("Keymap", "Export the show")},
         {"tab_1", window, QT_TRANSLATE_NOOP("Keymap", "Outputs page")},
         {"tab_2", window, QT_TRANSLATE_NOOP("Keymap", "Files page")},
         {"tab_3", window, QT_TRANSLATE_NOOP("Keymap", "Media page")},

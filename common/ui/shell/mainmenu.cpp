@@ -26,20 +26,16 @@ void MainMenu::addEntries()
     m_connect = addEntry(QStringLiteral(":/icons/linked.svg"), tr("Connect to server..."));
     m_connect->setObjectName(QStringLiteral("MainNavigationBar-mainmenu-ConnectToServer-action"));
     connect(m_connect, &QAction::triggered, this, &MainMenu::connectClicked);
-    m_disconnect = addEntry(QStringLiteral(":/icons/unlinked.svg"), tr("Disconnect from server"));
-    m_disconnect->setObjectName(QStringLiteral("MainNavigationBar-mainmenu-DisconnectFromServer-action"));
-    connect(m_disconnect, &QAction::triggered, this, &MainMenu::disconnectClicked);
-    m_reboot = addEntry(QStringLiteral(":/icons/reboot.svg"), tr("Device Reboot"));
-    m_reboot->setObjectName(QStringLiteral("MainNavigationBar-mainmenu-DeviceReboot-action"));
-    connect(m_reboot, &QAction::triggered, this, &MainMenu::rebootClicked);
+    QAction* disconnect = addEntry(QStringLiteral(":/icons/unlinked.svg"), tr("Disconnect from server"));
+    disconnect->setObjectName(QStringLiteral("MainNavigationBar-mainmenu-DisconnectFromServer-action"));
+    connect(disconnect, &QAction::triggered, this, &MainMenu::disconnectClicked);
+    QAction* reboot = addEntry(QStringLiteral(":/icons/reboot.svg"), tr("Device Reboot"));
+    reboot->setObjectName(QStringLiteral("MainNavigationBar-mainmenu-DeviceReboot-action"));
+    connect(reboot, &QAction::triggered, this, &MainMenu::rebootClicked);
+    m_whileConnected << disconnect << reboot;
     addSeparator();
-    m_clearShow = addEntry(QStringLiteral(":/icons/close.svg"), tr("Clear show"));
-    m_clearShow->setObjectName(QStringLiteral("MainNavigationBar-mainmenu-ClearShow-action"));
-    connect(m_clearShow, &QAction::triggered, this, &MainMenu::clearShowClicked);
-    connect(addEntry(QStringLiteral(":/icons/import.svg"), tr("Import show")), &QAction::triggered, this,
-            &MainMenu::importShowClicked);
-    connect(addEntry(QStringLiteral(":/icons/export.svg"), tr("Export show")), &QAction::triggered, this,
-            &MainMenu::exportShowClicked);
+    addShowEntries();
+    addSeparator();
     connect(addEntry(QStringLiteral(":/icons/diagnostics.svg"), tr("Save diagnostics...")),
             &QAction::triggered, this, &MainMenu::confirmDiagnostics);
     connect(addEntry(QStringLiteral(":/icons/info.svg"), tr("Notifications")), &QAction::triggered, this,
@@ -53,17 +49,45 @@ void MainMenu::addEntries()
     connect(addAction(tr("Exit")), &QAction::triggered, this, [] { QCoreApplication::quit(); });
 }
 
+QAction* MainMenu::addShow(const QString& hotkey, const QString& icon, const QString& text,
+                           const QString& name, void (MainMenu::*chosen)())
+{
+    QAction* action = addEntry(QStringLiteral(":/icons/%1.svg").arg(icon), text);
+    action->setObjectName(QStringLiteral("MainNavigationBar-mainmenu-%1-action").arg(name));
+    connect(action, &QAction::triggered, this, chosen);
+    m_showActions.insert(hotkey, action);
+    return action;
+}
+
+void MainMenu::addShowEntries()
+{
+    const auto add = [this](const char* hotkey, const char* icon, const QString& text, const char* name,
+                            void (MainMenu::*chosen)()) {
+        return addShow(QLatin1String(hotkey), QLatin1String(icon), text, QLatin1String(name), chosen);
+    };
+    m_whileConnected
+        << add("clear_show", "close", tr("Clear show"), "ClearShow", &MainMenu::clearShowClicked)
+        << add("open", "folder_open", tr("Shows on the server..."), "Shows", &MainMenu::showsClicked)
+        << add("save", "check", tr("Save show"), "SaveShow", &MainMenu::saveShowClicked)
+        << add("save_as", "copy", tr("Save show as..."), "SaveShowAs", &MainMenu::saveShowAsClicked)
+        << add("revert_show", "undo", tr("Revert show"), "RevertShow", &MainMenu::revertShowClicked)
+        << add("earlier_states", "undo_history", tr("Bring back an earlier state..."), "EarlierStates",
+               &MainMenu::earlierStatesClicked);
+    add("import_show", "import", tr("Import show"), "ImportShow", &MainMenu::importShowClicked);
+    add("export_show", "export", tr("Export show"), "ExportShow", &MainMenu::exportShowClicked);
+}
+
 void MainMenu::handleConnected()
 {
     m_connect->setEnabled(false);
-    for (QAction* action : {m_disconnect, m_reboot, m_clearShow})
+    for (QAction* action : std::as_const(m_whileConnected))
         action->setEnabled(true);
 }
 
 void MainMenu::handleDisconnected()
 {
     m_connect->setEnabled(true);
-    for (QAction* action : {m_disconnect, m_reboot, m_clearShow})
+    for (QAction* action : std::as_const(m_whileConnected))
         action->setEnabled(false);
 }
 

@@ -2,6 +2,9 @@
 
 #include "common/ui/toolkit/ztmenu.h"
 
+#include <QList>
+#include <QMap>
+
 class QUndoStack;
 
 namespace vantrel {
@@ -24,6 +27,8 @@ public:
     /// Invokes the method without arguments on the server's system object, with the text for the undo
     /// history.
     void sendSystemCommand(const QString& method, const QString& text);
+    /// What the hotkeys of shows do, by their names; it does nothing while it is disabled.
+    const QMap<QString, QAction*>& showActions() const { return m_showActions; }
 
 public Q_SLOTS:
     void handleConnected();
@@ -37,6 +42,11 @@ Q_SIGNALS:
     void connectClicked();
     void disconnectClicked();
     void rebootClicked();
+    void showsClicked();
+    void saveShowClicked();
+    void saveShowAsClicked();
+    void revertShowClicked();
+    void earlierStatesClicked();
     void clearShowClicked();
     void importShowClicked();
     void exportShowClicked();
@@ -46,13 +56,15 @@ Q_SIGNALS:
 
 private:
     void addEntries();
+    void addShowEntries();
+    QAction* addShow(const QString& hotkey, const QString& icon, const QString& text, const QString& name,
+                     void (MainMenu::*chosen)());
 
     Scene* m_scene;
     QUndoStack* m_stack;
     QAction* m_connect = nullptr;
-    QAction* m_disconnect = nullptr;
-    QAction* m_reboot = nullptr;
-    QAction* m_clearShow = nullptr;
+    QMap<QString, QAction*> m_showActions;
+    QList<QAction*> m_whileConnected;
 };
 
 } // namespace vantrel

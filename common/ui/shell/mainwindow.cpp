@@ -1,5 +1,6 @@
 #include "common/ui/shell/mainwindow.h"
 
+#include "common/media/address/showntext.h"
 #include "common/media/library/medialibraryprovider.h"
 #include "common/media/library/playlistprovider.h"
 #include "common/notification/notificationmanagerimpl.h"
@@ -9,7 +10,9 @@
 #include "common/qml/qmlmanager.h"
 #include "common/session/link/connectionhandler.h"
 #include "common/session/link/linkhealth.h"
+#include "common/session/mirror/guishowconfiguration.h"
 #include "common/session/mirror/objecttreemodel.h"
+#include "common/session/mirror/sceneobjectprovider.h"
 #include "common/session/mirror/servernotices.h"
 #include "common/session/session.h"
 #include "common/session/settings/configuration.h"
@@ -30,6 +33,7 @@
 #include "common/ui/shell/notificationstatusbar.h"
 #include "common/ui/shell/onairquestions.h"
 #include "common/ui/shell/showmanager.h"
+#include "common/ui/shell/showshelf.h"
 #include "common/ui/shell/statusbar.h"
 #include "common/ui/shell/windowmemory.h"
 #include "common/ui/style/spacing.h"
@@ -177,19 +181,48 @@ void MainWindow::initMainMenu()
             &NotificationDialogWrapper::show);
     connect(m_mainMenu, &MainMenu::configurationClicked, this, &MainWindow::openConfigurationDialog);
     connect(m_mainMenu, &MainMenu::keyboardClicked, this, &MainWindow::openKeyboardDialog);
-    auto* shows = new ShowManager(m_session, this);
-    connect(m_mainMenu, &MainMenu::clearShowClicked, shows, [this, shows] {
-        shows->setOnAir(m_questions->isProgramPlaying());
-        shows->handleClearShow();
-    });
-    connect(m_mainMenu, &MainMenu::importShowClicked, shows, &ShowManager::handleImport);
-    connect(m_mainMenu, &MainMenu::exportShowClicked, shows, &ShowManager::handleExport);
+    initShows();
     m_configurationDialog = new ConfigurationDialog(this);
     m_configurationDialog->setModel(m_session->serverConfigurationModel());
 }
 
+void MainWindow::initShows()
+{
+    auto* shows = new ShowManager(m_session, this);
+    connect(m_mainMenu, &MainMenu::clearShowClicked, shows, &ShowManager::handleClearShow);
+    connect(m_mainMenu, &MainMenu::revertShowClicked, shows, &ShowManager::handleRevertShow);
+    connect(m_mainMenu, &MainMenu::saveShowClicked, shows, &ShowManager::saveShow);
+    connect(m_mainMenu, &MainMenu::saveShowAsClicked, shows, &ShowManager::handleSaveAs);
+    connect(m_mainMenu, &MainMenu::showsClicked, shows->shelf(), &ShowShelf::openShows);
+    connect(m_mainMenu, &MainMenu::earlierStatesClicked, shows->shelf(), &ShowShelf::openEarlier);
+    connect(m_mainMenu, &MainMenu::importShowClicked, shows, &ShowManager::handleImport);
+    connect(m_mainMenu, &MainMenu::exportShowClicked, shows, &ShowManager::handleExport);
+    const GUIShowConfiguration* on = m_session->sceneObjectProvider()->showConfiguration().get();
+    connect(on, &GUIShowConfiguration::showNameChanged, this, &MainWindow::updateShow);
+    connect(on, &GUIShowConfiguration::showModifiedChanged, this, &MainWindow::updateShow);
+    connect(on, &GUIShowConfiguration::reset, this, &MainWindow::updateShow);
+    const ConnectionHandler* handler = m_session->connectionHandler();
+    connect(handler, &ConnectionHandler::connected, this, &MainWindow::updateShow);
+    connect(handler, &ConnectionHandler::disconnected, this, &MainWindow::updateShow);
+    updateShow();
+}
+
+/// In the title, where the desktop shows it too, and in the status bar.
+void MainWindow::updateShow()
+{
+    const auto on = m_session->sceneObjectProvider()->showConfiguration();
+    const QString name = m_session->isConnected() ? on->showName() : QString();
+    const QString shown = shownText(name).replace(QStringLiteral("[*]"), QStringLiteral("[*][*]"));
+    setWindowTitle(name.isEmpty() ? QStringLiteral("Halcyra")
+                                  : QStringLiteral("%1%2 - Halcyra")
+                                        .arg(shown, on->showModified() ? QStringLiteral("*") : QString()));
+    m_statusBar->setShow(name, on->showModified());
+}
+
 void MainWindow::initHotkeys()
 {
+    for (auto it = m_mainMenu->showActions().cbegin(); it != m_mainMenu->showActions().cend(); ++it)
+        m_hotkeys->addShortcut(it.key(), this, [action = it.value()] { action->trigger(); });
     const auto add = [this](const char* name, const std::function<void()>& run) {
         m_hotkeys->addShortcut(QLatin1String(name), this, run);
     };

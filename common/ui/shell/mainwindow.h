@@ -71,6 +71,8 @@ protected:
 
 private:
     void initMainMenu();
+    void initShows();
+    void updateShow();
     void initOutputView();
     void initFileView();
     void initMediaView();

@@ -60,10 +60,28 @@ void OnAirQuestions::beforeReboot(std::function<void()> act)
         tr("REBOOT"), QStringLiteral("RebootDialog"), std::move(act));
 }
 
-void OnAirQuestions::ask(const QString& title, const QString& text, const QString& yes, const QString& name,
-                         std::function<void()> act)
+QString OnAirQuestions::beforeAnotherShow() const
 {
-    auto* dialog = new ConfirmationDialog(title, text, yes, m_window);
+    return isProgramPlaying() ? onAir() + tr("It changes at once to what the show has there.") + u' '
+                              : QString();
+}
+
+QString OnAirQuestions::beforeImport() const
+{
+    return isProgramPlaying()
+               ? onAir() + tr("It plays on, and what is imported changes under it at once.") + u' '
+               : QString();
+}
+
+QString OnAirQuestions::beforeClear() const
+{
+    return isProgramPlaying() ? onAir() + tr("It goes black at once.") + u' ' : QString();
+}
+
+void OnAirQuestions::ask(const QString& title, const QString& text, const QString& yes, const QString& name,
+                         std::function<void()> act, QWidget* over)
+{
+    auto* dialog = new ConfirmationDialog(title, text, yes, over ? over : m_window);
     dialog->setObjectNames(name);
     dialog->setAcceptClass(QStringLiteral("red"));
     dialog->setAttribute(Qt::WA_DeleteOnClose);

@@ -27,9 +27,18 @@ public:
     /// Always.
     void beforeReboot(std::function<void()> act);
 
-private:
+    /// What another show does to program: sentences with a blank behind them, empty where program does not
+    /// play.
+    QString beforeAnotherShow() const;
+    /// The same of an import that leaves the players alone, and of a show that is cleared.
+    QString beforeImport() const;
+    QString beforeClear() const;
+
+    /// A question with its yes. over: null for the window.
     void ask(const QString& title, const QString& text, const QString& yes, const QString& name,
-             std::function<void()> act);
+             std::function<void()> act, QWidget* over = nullptr);
+
+private:
     QString onAir() const;
 
     Session* m_session;

@@ -1,14 +1,18 @@
 #include "common/ui/shell/showmanager.h"
 
-#include "common/command/commandgate.h"
 #include "common/command/execute.h"
 #include "common/command/refusal.h"
 #include "common/command/showcommands.h"
+#include "common/media/address/showntext.h"
 #include "common/notification/notificationmanagerimpl.h"
-#include "common/session/link/connectionhandler.h"
+#include "common/session/mirror/guishowconfiguration.h"
+#include "common/session/mirror/sceneobjectprovider.h"
 #include "common/session/mirror/serverconfigurationmodel.h"
 #include "common/session/session.h"
 #include "common/ui/shell/importshowdialog.h"
+#include "common/ui/shell/onairquestions.h"
+#include "common/ui/shell/showservice.h"
+#include "common/ui/shell/showshelf.h"
 #include "common/ui/toolkit/confirmationdialog.h"
 #include "common/ui/toolkit/textinputdialog.h"
 #include "tarn/scene/scene.h"
@@ -16,11 +20,7 @@
 #include <QDateTime>
 #include <QFile>
 #include <QFileDialog>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QLoggingCategory>
-#include <QNetworkAccessManager>
-#include <QNetworkReply>
 #include <QSaveFile>
 #include <QStandardPaths>
 #include <QUrlQuery>
@@ -31,31 +31,33 @@ namespace {
 
 Q_LOGGING_CATEGORY(log, "vantrel.show")
 
-constexpr auto resource = "/api/brume/v1/show/current";
+/// What the application calls the show that is on.
+const QString defaultName = QStringLiteral("default");
 
-int statusOf(const QNetworkReply& reply)
+QString clearText()
 {
-    return reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+    return ShowManager::tr("All output and playback configurations,\nmedia collections and playlists will be "
+                           "lost.\nDo you want to continue?");
 }
 
-/// Whether the server has read the show and finds it incompatible.
-bool isDislike(const QNetworkReply& reply)
+QString revertText()
 {
-    const int status = statusOf(reply);
-    return status == 400 || status == 409 || status == 422;
+    return ShowManager::tr("All unsaved changes will be lost. Do you want to continue?");
 }
 
-/// In the server's own words, where it has any.
-QString reasonOf(QNetworkReply& reply)
+QString forceText()
 {
-    constexpr qint64 longest = 4096; // bytes of an error
-    const QString said =
-        QJsonDocument::fromJson(reply.read(longest)).object().value(QStringLiteral("error")).toString();
-    if (!said.isEmpty())
-        return said;
-    const int status = statusOf(reply);
-    return status == 0 ? QObject::tr("The server did not answer (%1).").arg(reply.errorString())
-                       : QObject::tr("The server refused it (%1).").arg(status);
+    return ShowManager::tr(
+        "The imported show is not compatible with the Halcyra Ombra version. Do you want to continue?");
+}
+
+/// What the operator is asked behind the error that came, in whose place no other reason may stand.
+QString questionFor(const ShowService::Answer& answer)
+{
+    constexpr int conflict = 409; // the server has read the show and would rather not take it
+    return answer.status == conflict && answer.missing.isEmpty()
+               ? forceText()
+               : ShowManager::tr("Do you want to import it all the same?");
 }
 
 void tellDone(const QString& what)
@@ -66,25 +68,17 @@ void tellDone(const QString& what)
 
 } // namespace
 
-QString ShowManager::clearText()
-{
-    return tr("All output and playback configurations,\nmedia collections and playlists will be lost.\n"
-              "Do you want to continue?");
-}
-
 ShowManager::ShowManager(Session* session, QWidget* parent)
     : QObject(parent)
     , m_session(session)
+    , m_questions(new OnAirQuestions(session, parent))
+    , m_service(new ShowService(session, this))
+    , m_shelf(new ShowShelf(session, m_service, m_questions, parent))
     , m_clearDialog(new ConfirmationDialog(tr("Clear show"), clearText(), tr("CLEAR"), parent))
-    , m_revertDialog(new ConfirmationDialog(tr("Revert show"),
-                                            tr("All unsaved changes will be lost. Do you want to continue?"),
-                                            tr("REVERT"), parent))
+    , m_revertDialog(new ConfirmationDialog(tr("Revert show"), revertText(), tr("REVERT"), parent))
     , m_saveAsDialog(new TextInputDialog(tr("Save show as"), tr("Name of show:"), tr("SAVE"), parent))
     , m_importDialog(new ImportShowDialog(parent))
-    , m_forceImportDialog(new ConfirmationDialog(
-          tr("Force import"),
-          tr("The imported show is not compatible with the Halcyra Ombra version. Do you want to continue?"),
-          tr("IMPORT"), parent))
+    , m_forceImportDialog(new ConfirmationDialog(tr("Force import"), forceText(), tr("IMPORT"), parent))
 {
     m_clearDialog->setObjectNames(QStringLiteral("ClearShowDialog"));
     m_clearDialog->setAcceptClass(QStringLiteral("red"));
@@ -93,29 +87,55 @@ ShowManager::ShowManager(Session* session, QWidget* parent)
     m_forceImportDialog->setObjectNames(QStringLiteral("ForceImportDialog"));
     connect(m_clearDialog, &ZTDialog::confirmed, this, &ShowManager::clearShow);
     connect(m_revertDialog, &ZTDialog::confirmed, this, &ShowManager::revertShow);
-    connect(m_saveAsDialog, &TextInputDialog::valuesConfirmed, this, &ShowManager::saveShowAs);
-    connect(m_importDialog, &ImportShowDialog::importShow, this, &ShowManager::importShow);
+    m_saveAsDialog->setClosesOnAccept(false);
+    connect(m_saveAsDialog, &TextInputDialog::valuesConfirmed, this, &ShowManager::confirmSaveAs);
+    // Once the dialog is closed, over which no other opens.
+    connect(m_importDialog, &ImportShowDialog::importShow, this, &ShowManager::askToImport,
+            Qt::QueuedConnection);
     connect(m_forceImportDialog, &ZTDialog::confirmed, this, &ShowManager::forceImport);
 }
 
 void ShowManager::handleSaveAs()
 {
+    m_names.clear();
+    m_saveAsDialog->setError(0, {});
+    m_shelf->fetchNames([this](const QStringList& names) { m_names = names; });
     m_saveAsDialog->open();
+}
+
+/// The server takes names of so many bytes; it keeps their list as one text with commas.
+void ShowManager::confirmSaveAs(const QStringList& values)
+{
+    constexpr qsizetype longest = 80;
+    const QString name = values.value(0);
+    QString error;
+    if (name.toUtf8().size() > longest)
+        error = tr("The name is too long.");
+    else if (name.contains(u','))
+        error = tr("A name cannot hold a comma.");
+    else if (name == defaultName)
+        error = tr("The show that is on goes by this name, whatever it is called: choose another one.");
+    m_saveAsDialog->setError(0, error);
+    if (!error.isEmpty())
+        return;
+    m_saveAsDialog->close();
+    const QString present = m_session->sceneObjectProvider()->showConfiguration()->showName();
+    if (!m_names.contains(name) || name == present)
+        return saveShowAs(values);
+    m_questions->ask(tr("Replace \"%1\"?").arg(shownText(name)),
+                     tr("Another show is saved under this name and will be lost."), tr("REPLACE"),
+                     QStringLiteral("ReplaceShowDialog"), [this, values] { saveShowAs(values); });
 }
 
 void ShowManager::handleRevertShow()
 {
+    m_revertDialog->setDescription(m_questions->beforeAnotherShow() + revertText());
     m_revertDialog->open();
-}
-
-void ShowManager::setOnAir(bool onAir)
-{
-    m_clearDialog->setDescription(
-        (onAir ? tr("Program is playing and goes black at once.") + u'\n' : QString()) + clearText());
 }
 
 void ShowManager::handleClearShow()
 {
+    m_clearDialog->setDescription(m_questions->beforeClear() + clearText());
     m_clearDialog->open();
 }
 
@@ -126,17 +146,17 @@ void ShowManager::handleImport()
 
 void ShowManager::clearShow()
 {
-    sendClearShowCommand(QStringLiteral("default"));
+    sendClearShowCommand(defaultName);
 }
 
 void ShowManager::revertShow()
 {
-    sendRevertShowCommand(QStringLiteral("default"));
+    sendRevertShowCommand(defaultName);
 }
 
 void ShowManager::saveShow()
 {
-    sendSaveShowCommand(QStringLiteral("default"));
+    sendSaveShowCommand(defaultName);
 }
 
 void ShowManager::saveShowAs(const QStringList& values)
@@ -174,14 +194,15 @@ Object* ShowManager::getObject(const QString& path) const
     return m_session->getScene()->findObject(path.toStdString());
 }
 
-QUrl ShowManager::showUrl() const
+void ShowManager::askToImport(const QString& fileName, const QStringList& imports)
 {
-    QUrl url;
-    url.setScheme(QStringLiteral("http"));
-    url.setHost(m_session->connectionHandler()->getConnectedHost());
-    url.setPort(m_session->ports().http);
-    url.setPath(QString::fromLatin1(resource));
-    return url;
+    const bool isPlayback = imports.contains(QStringLiteral("playback"));
+    const QString text = isPlayback ? m_questions->beforeAnotherShow() : m_questions->beforeImport();
+    if (text.isEmpty())
+        return importShow(fileName, imports);
+    m_questions->ask(tr("Import show"), text + tr("Do you want to continue?"), tr("IMPORT"),
+                     QStringLiteral("ImportOnAirDialog"),
+                     [this, fileName, imports] { importShow(fileName, imports); });
 }
 
 void ShowManager::importShow(QString fileName, QStringList imports)
@@ -205,34 +226,23 @@ void ShowManager::forceImport()
 
 void ShowManager::sendImportRequest(bool force)
 {
-    // By a road of its own, which is no reason to wait in the sockets of a server that hangs.
-    if (!CommandGate::passes(m_session->getQUndoStack(), tr("Import show")))
-        return;
-    QUrl url = showUrl();
     QUrlQuery query;
     if (!m_importSections.isEmpty())
         query.addQueryItem(QStringLiteral("include"), m_importSections.join(u','));
     if (force)
         query.addQueryItem(QStringLiteral("force"), QString());
-    url.setQuery(query);
-    QNetworkRequest request(url);
-    request.setHeader(QNetworkRequest::ContentTypeHeader,
-                      QStringLiteral("application/x-www-form-urlencoded"));
-    QNetworkReply* reply = m_session->getQNetworkAccessManager()->post(request, m_importData);
-    connect(reply, &QNetworkReply::finished, this, [this, reply, force] {
-        reply->deleteLater();
-        if (reply->error() == QNetworkReply::NoError) {
-            qCDebug(log) << "Success:" << reply->readAll();
-            tellDone(tr("The show was imported"));
-            return;
+    const auto then = [this, force](const ShowService::Answer& answer) {
+        if (answer.isDone()) {
+            qCDebug(log) << "Success:" << answer.body;
+            return tellDone(tr("The show was imported"));
         }
-        qCDebug(log) << "Error:" << reply->errorString();
-        // Only what the server has read and does not like may be forced on it.
-        if (!force && isDislike(*reply))
-            m_forceImportDialog->open();
-        else
-            tellNotDone(tr("Import show"), reasonOf(*reply));
-    });
+        qCDebug(log) << "Error:" << answer.netError;
+        if (force)
+            return tellNotDone(tr("Import show"), answer.error);
+        m_forceImportDialog->setDescription(answer.error + QStringLiteral("\n\n") + questionFor(answer));
+        m_forceImportDialog->open();
+    };
+    m_service->ask(tr("Import show"), "POST", QStringLiteral("/show/current"), query, m_importData, then);
 }
 
 void ShowManager::handleExport()
@@ -251,18 +261,13 @@ void ShowManager::handleExport()
 
 void ShowManager::exportShow(const QString& fileName)
 {
-    if (!CommandGate::passes(m_session->getQUndoStack(), tr("Export show")))
-        return;
-    QNetworkReply* reply = m_session->getQNetworkAccessManager()->get(QNetworkRequest(showUrl()));
-    connect(reply, &QNetworkReply::finished, this, [reply, fileName] {
-        reply->deleteLater();
-        if (reply->error() != QNetworkReply::NoError) {
-            qCWarning(log) << "Download failed:" << reply->errorString();
-            tellNotDone(tr("Export show"), reasonOf(*reply));
-        } else {
-            saveReply(reply->readAll(), fileName);
-        }
-    });
+    m_service->ask(tr("Export show"), "GET", QStringLiteral("/show/current"), {}, {},
+                   [fileName](const ShowService::Answer& answer) {
+                       if (answer.isDone())
+                           return saveReply(answer.body, fileName);
+                       qCWarning(log) << "Download failed:" << answer.netError;
+                       tellNotDone(tr("Export show"), answer.error);
+                   });
 }
 
 void ShowManager::saveReply(const QByteArray& bytes, const QString& fileName)

@@ -4,18 +4,20 @@
 #include <QObject>
 #include <QStringList>
 
-class QUrl;
-
 namespace vantrel {
 
 class ConfirmationDialog;
 class ImportShowDialog;
 class Object;
+class OnAirQuestions;
 class Session;
+class ShowService;
+class ShowShelf;
 class TextInputDialog;
 
-/// Clears, reverts, saves, imports and exports the server's show, each behind its dialog. The results reach
-/// the application as ordinary changes of the server. Owned by the main window; main thread.
+/// Clears, reverts, saves, imports and exports the server's show, each behind its dialog, and opens the list
+/// of those that the server keeps. The results reach the application as ordinary changes of the server. Owned
+/// by the main window; main thread.
 class ShowManager : public QObject
 {
     Q_OBJECT
@@ -37,26 +39,29 @@ public:
     /// Null while the scene has no such object.
     Object* getObject(const QString& path) const;
     ConfirmationDialog* forceImportDialog() const { return m_forceImportDialog; }
+    ShowShelf* shelf() const { return m_shelf; }
 
 public Q_SLOTS:
     void handleSaveAs();
     void handleRevertShow();
     void handleClearShow();
-    /// Whether the question before a show is cleared warns of program.
-    void setOnAir(bool onAir);
     void handleImport();
     void handleExport();
     void importShow(QString fileName, QStringList imports);
     void forceImport();
 
 private:
-    static QString clearText();
+    void askToImport(const QString& fileName, const QStringList& imports);
+    void confirmSaveAs(const QStringList& values);
     template <typename Command>
     void send(const char* name, const QString& showName);
-    QUrl showUrl() const;
     static void saveReply(const QByteArray& bytes, const QString& fileName);
 
     Session* m_session;
+    OnAirQuestions* m_questions;
+    ShowService* m_service;
+    ShowShelf* m_shelf;
+    QStringList m_names;     // of the shows that are kept, while a name is asked for
     QByteArray m_importData; // kept for a forced second try
     QStringList m_importSections;
     ConfirmationDialog* m_clearDialog;

@@ -26,6 +26,7 @@ StatusBar::StatusBar(const SystemProxy* system, const ConnectionProvider* connec
     , m_name(new ElidedLabel(m_area))
     , m_address(new ElidedLabel(m_area))
     , m_disconnected(new ZTLabel(tr("Disconnected"), m_area))
+    , m_show(new ElidedLabel(this))
     , m_menu(new StatusBarMenu(this))
 {
     setObjectName(QStringLiteral("StatusBar"));
@@ -74,7 +75,11 @@ StatusBar::StatusBar(const SystemProxy* system, const ConnectionProvider* connec
     m_layout->setContentsMargins(spacing::tight, 0, spacing::tight, 0);
     m_layout->setSpacing(4);
     m_layout->addWidget(m_area);
+    m_show->setObjectName(QStringLiteral("StatusBar-Show"));
+    m_show->setStyleClass(QStringLiteral("dim"));
     m_layout->addWidget(more);
+    m_layout->addSpacing(spacing::normal);
+    m_layout->addWidget(m_show);
     m_layout->addStretch(1);
 
     connect(m_area, &ClickableLayoutWidget::clicked, this, &StatusBar::connectClicked);
@@ -113,6 +118,15 @@ void StatusBar::setSilence(const QString& text)
 {
     m_label->setText(text.isEmpty() ? tr("Server Connection") : text);
     m_toggle->setCheckedColor(colors::getColor(text.isEmpty() ? colors::Green_green : colors::Zt_spot_color));
+}
+
+void StatusBar::setShow(const QString& name, bool isModified)
+{
+    const QString shown = shownText(name);
+    m_show->setVisible(!name.isEmpty());
+    m_show->setText(isModified ? tr("Show: %1, not saved").arg(shown) : tr("Show: %1").arg(shown));
+    m_show->setToolTip(isModified ? tr("The show differs from what was saved as \"%1\".").arg(shown)
+                                  : tr("The show is as it was saved."));
 }
 
 void StatusBar::onConnected()

@@ -35,6 +35,8 @@ public:
 
     /// What the lamp tells in amber while the link stands and the server says nothing; empty when it answers.
     void setSilence(const QString& text);
+    /// The show that is on, and whether it differs from the saved one; an empty name shows none.
+    void setShow(const QString& name, bool isModified);
 
 public Q_SLOTS:
     void updateData();
@@ -59,6 +61,7 @@ private:
     ElidedLabel* m_name;
     ElidedLabel* m_address;
     ZTLabel* m_disconnected;
+    ElidedLabel* m_show;
     StatusBarMenu* m_menu;
     ReconnectDialog* m_reconnectDialog = nullptr;
 };

@@ -45,7 +45,13 @@ private Q_SLOTS:
         QUndoStack stack;
         MainMenu menu(scene.get(), &stack);
         const QStringList needsLink = {QStringLiteral("Disconnect from server"),
-                                       QStringLiteral("Device Reboot"), QStringLiteral("Clear show")};
+                                       QStringLiteral("Device Reboot"),
+                                       QStringLiteral("Clear show"),
+                                       QStringLiteral("Shows on the server..."),
+                                       QStringLiteral("Save show"),
+                                       QStringLiteral("Save show as..."),
+                                       QStringLiteral("Revert show"),
+                                       QStringLiteral("Bring back an earlier state...")};
         const QStringList needsNone = {QStringLiteral("Connect to server...")};
         const auto check = [&](bool connected) {
             for (const QAction* action : menu.actions()) {
@@ -76,6 +82,11 @@ private Q_SLOTS:
                                       QStringLiteral("Disconnect from server"),
                                       QStringLiteral("Device Reboot"),
                                       QStringLiteral("Clear show"),
+                                      QStringLiteral("Shows on the server..."),
+                                      QStringLiteral("Save show"),
+                                      QStringLiteral("Save show as..."),
+                                      QStringLiteral("Revert show"),
+                                      QStringLiteral("Bring back an earlier state..."),
                                       QStringLiteral("Import show"),
                                       QStringLiteral("Export show"),
                                       QStringLiteral("Save diagnostics..."),

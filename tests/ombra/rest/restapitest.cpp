@@ -433,8 +433,16 @@ private Q_SLOTS:
         QCOMPARE(m_live.request("POST", "/medialibrary", R"({"collections":{},"playlists":{}})").status, 200);
         QCOMPARE(m_live.request("POST", "/show/current?include=output,audio", show.body).status, 200);
         QCOMPARE(parsed(m_live.request("GET", "/collections").body).size(), std::size_t(0));
-        QCOMPARE(m_live.request("POST", "/show/current?include=medialibrary,playback", show.body).status,
-                 200);
+        // What is not there to be played is told by its name before anything is changed.
+        const LiveServer::Answer refused =
+            m_live.request("POST", "/show/current?include=medialibrary,playback", show.body);
+        QCOMPARE(refused.status, 409);
+        QVERIFY(refused.body.contains("One of the show's media is not on this server: "));
+        QCOMPARE(parsed(refused.body).get("missing").size(), std::size_t(1));
+        QCOMPARE(parsed(m_live.request("GET", "/collections").body).size(), std::size_t(0));
+        QCOMPARE(
+            m_live.request("POST", "/show/current?include=medialibrary,playback&force", show.body).status,
+            200);
         QCOMPARE(parsed(m_live.request("GET", "/collections").body).size(), std::size_t(1));
     }
 

@@ -206,6 +206,98 @@ private Q_SLOTS:
         QVERIFY2(notice().find("The show") == std::string::npos, notice().c_str());
     }
 
+    /// What is on goes by a name, is compared with what was saved, and comes back from the list and from what
+    /// was kept before each change.
+    void keepsShowsAndEarlierStates()
+    {
+        const std::string name = configuration + "/properties/showName";
+        const std::string modified = configuration + "/properties/showModified";
+        const auto is = [&](const std::string& show, const std::string& differs) {
+            return m_live->waitFor([&] {
+                m_peer->read();
+                return value(name) == show && value(modified) == differs;
+            });
+        };
+        const auto json = [this](const QByteArray& path) {
+            Json answer;
+            Json::parseString(m_live->request("GET", path).body.toStdString(), answer);
+            return answer;
+        };
+        QVERIFY(is("default", "true"));
+        invoke(configuration + "/methods/saveShow", "{\"showName\":\"gala\"}");
+        QVERIFY(is("gala", "false"));
+        write(program + "/properties/volume", "0.5");
+        QVERIFY(is("gala", "true"));
+        write(program + "/properties/volume", "0.25");
+        QVERIFY(is("gala", "false"));
+        write(program + "/properties/media", "\"\""); // no work on the show
+        QVERIFY(settled() && is("gala", "false"));
+        m_peer.reset();
+        m_live->stop();
+        QVERIFY(m_live->start());
+        connectPeer();
+        QVERIFY(is("gala", "false"));
+
+        QCOMPARE(
+            m_live->request("PATCH", "/medialibrary", R"([{"op":"remove","path":"/collections/1"}])").status,
+            200);
+        QVERIFY(is("gala", "true"));
+        invoke(configuration + "/methods/saveShow", "{\"showName\":\"empty\"}");
+        QVERIFY(is("empty", "false"));
+        const Json shows = json("/shows");
+        QCOMPARE(shows.get("current").asString(), std::string("empty"));
+        QCOMPARE(shows.get("shows").size(), std::size_t(2));
+        QCOMPARE(shows.get("shows").at(1)->get("name").asString(), std::string("gala"));
+        QCOMPARE(shows.get("shows").at(1)->get("contents").get("collections").asInt(), 1);
+
+        QCOMPARE(m_live->request("POST", "/shows/load?show=none", "{}").status, 404);
+        QCOMPARE(m_live->request("POST", "/shows/load?show=gala", "{}").status, 200);
+        QVERIFY(is("gala", "false"));
+        QVERIFY(m_live->request("GET", "/collections").body.contains("one"));
+        const Json states = json("/shows/earlier").get("states");
+        QCOMPARE(states.size(), std::size_t(1));
+        QCOMPARE(states.at(0)->get("before").asString(), std::string("revert"));
+        QCOMPARE(states.at(0)->get("difference").get("collections").get("removed").asInt(), 1);
+        const QByteArray id = QByteArray::fromStdString(states.at(0)->get("id").asString());
+        QCOMPARE(m_live->request("POST", "/shows/earlier?state=../shows/gala", "{}").status, 404);
+        QCOMPARE(m_live->request("POST", "/shows/earlier?state=" + id, "{}").status, 200);
+        QVERIFY(is("gala", "true"));
+        QCOMPARE(m_live->request("GET", "/collections").body, QByteArray("{}"));
+        QCOMPARE(m_live->request("DELETE", "/shows?show=empty").status, 200);
+        QCOMPARE(m_live->request("DELETE", "/shows?show=empty").status, 404);
+        QCOMPARE(json("/shows").get("shows").size(), std::size_t(1));
+        for (int i = 0; i < 25; ++i) {
+            write(program + "/properties/volume", std::to_string(0.01 * (i + 1)));
+            invoke(configuration + "/methods/clearShow", "{\"showName\":\"default\"}");
+            QVERIFY(m_live->waitFor([&] {
+                m_peer->read();
+                return value(program + "/properties/volume") == "1";
+            }));
+        }
+        QCOMPARE(json("/shows/earlier").get("states").size(), std::size_t(20));
+    }
+
+    void firstVersionLoads()
+    {
+        QFile sample(QFINDTESTDATA("ombra/show/first.show"));
+        QVERIFY(sample.open(QIODevice::ReadOnly));
+        QCOMPARE(m_live->request("POST", "/show/current", sample.readAll()).status, 409); // media are missing
+        sample.seek(0);
+        QCOMPARE(m_live->request("POST", "/show/current?force", sample.readAll()).status, 200);
+        Json show;
+        QVERIFY(Json::parseString(m_live->request("GET", "/show/current").body.toStdString(), show));
+        const Json slot = show.get("library").get("collections").get("7").get("slots").get("2");
+        QCOMPARE(slot.get("name").asString(), std::string("Opening film"));
+        QCOMPARE(slot.get("inpoint").asDouble(), 1.5);
+        const Json entry = show.get("library").get("playlists").get("3").get("entries").get("5.1");
+        QCOMPARE(entry.get("slotUrl").asString(), std::string("brume://collections/7/slots/2"));
+        QCOMPARE(entry.get("transitionType").asString(), std::string("crossfade"));
+        QCOMPARE(show.get("settings").get(program + "/properties/volume").asDouble(), 0.8);
+        QCOMPARE(
+            show.get("settings").get("/device/channels/0/mappings/0/properties/backgroundColor").asString(),
+            std::string("#102030"));
+    }
+
     void rebootRestartsThePlayers()
     {
         invoke("/device/system/methods/reboot", "{}");

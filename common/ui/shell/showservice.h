@@ -1,0 +1,49 @@
+#pragma once
+
+#include <QByteArray>
+#include <QObject>
+#include <QString>
+#include <QUrlQuery>
+
+#include <functional>
+
+class QNetworkReply;
+
+namespace vantrel {
+
+class Session;
+
+/// Asks the server that the session is connected to for what it keeps of shows. Owned by who uses it; main
+/// thread.
+class ShowService : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// session: must outlive this.
+    ShowService(Session* session, QObject* parent);
+
+    struct Answer
+    {
+        int status = 0;   // of HTTP; 0 when none came
+        QString error;    // a sentence, in the server's own words where it has any; empty where it was done
+        QByteArray body;  // of what was done
+        QString netError; // as the network tells it
+        QStringList missing; // media, where it was refused for them
+
+        bool isDone() const { return error.isEmpty(); }
+    };
+    using Then = std::function<void(const Answer&)>;
+
+    /// path: below "/api/brume/v1". method: "GET", "POST" or "DELETE". command: what the operator asked for,
+    /// which is refused aloud while the server does not answer; then is not called then.
+    void ask(const QString& command, const QByteArray& method, const QString& path, const QUrlQuery& query,
+             const QByteArray& body, Then then);
+
+private:
+    static Answer answerOf(QNetworkReply& reply);
+
+    Session* m_session;
+};
+
+} // namespace vantrel

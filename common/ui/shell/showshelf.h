@@ -1,0 +1,50 @@
+#pragma once
+
+#include <QObject>
+#include <QStringList>
+
+#include <functional>
+
+class QJsonObject;
+
+namespace vantrel {
+
+class OnAirQuestions;
+class Session;
+class ShowService;
+class ShowTableDialog;
+
+/// The shows that the server keeps, and the earlier states of the one that is on: lists them, goes on with
+/// one, removes one. Owned by the ShowManager.
+class ShowShelf : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// All must outlive this. window: the dialogs open over it.
+    ShowShelf(Session* session, ShowService* service, OnAirQuestions* questions, QWidget* window);
+
+    void openShows();
+    void openEarlier();
+    /// Asks for the names of the shows that are kept.
+    void fetchNames(std::function<void(const QStringList& names)> then);
+
+private:
+    void fillShows();
+    void fillEarlier();
+    void askToLoad(const QString& name);
+    void load(const QString& name, bool force);
+    void askToBringBack(const QString& id);
+    void bringBack(const QString& id, bool force);
+    void askToRemove(const QString& name);
+    void change(const QString& command, const QString& path, const QString& key, const QString& value,
+                bool force, const QString& done);
+
+    Session* m_session;
+    ShowService* m_service;
+    OnAirQuestions* m_questions;
+    ShowTableDialog* m_shows;
+    ShowTableDialog* m_earlier;
+};
+
+} // namespace vantrel
