@@ -66,6 +66,8 @@ private Q_SLOTS:
         broken.close();
         m_shows->importShow(file, {QStringLiteral("audio")});
         QTRY_VERIFY(m_shows->forceImportDialog()->isVisible());
+        QVERIFY(
+            m_shows->forceImportDialog()->description().startsWith(QStringLiteral("This is no show file")));
         QFile::remove(file); // the second try must not need it
         m_shows->forceImportDialog()->acceptButton()->click();
         QVERIFY(!m_shows->forceImportDialog()->isVisible());
@@ -74,6 +76,38 @@ private Q_SLOTS:
         QTRY_VERIFY(QFile(after).size() > 0);
         QVERIFY(!m_shows->forceImportDialog()->isVisible()); // a forced import that fails only tells
         QTRY_VERIFY(!said().filter(QStringLiteral("Not done: Import show")).isEmpty());
+    }
+
+    /// The error that came stands in the question, and no other one.
+    void theForceDialogNamesTheError_data()
+    {
+        QTest::addColumn<QByteArray>("show");
+        QTest::addColumn<QStringList>("told");
+        const QByteArray head = R"({"format":"halcyra-show","settings":{},)";
+        const QString asksByVersion = QStringLiteral("not compatible with the Halcyra Ombra version");
+        QTest::newRow("of the future") << head + R"("version":7,"library":{}})"
+                                       << QStringList{QStringLiteral("version 7"), asksByVersion};
+        QTest::newRow("media are missing")
+            << head +
+                   R"("version":1,"library":{"collections":{"1":{"slots":{"1":{"contentUrl":"file:///no%20such.mp4"}}}}}})"
+            << QStringList{QStringLiteral("no such.mp4"), QStringLiteral("import it all the same")};
+        QTest::newRow("no library") << head + R"("version":1,"library":{"collections":7}})"
+                                    << QStringList{QStringLiteral("cannot be used")};
+    }
+
+    void theForceDialogNamesTheError()
+    {
+        QFETCH(QByteArray, show);
+        QFETCH(QStringList, told);
+        QFile file(m_folder.filePath(QStringLiteral("other.show")));
+        QVERIFY(file.open(QIODevice::WriteOnly) && file.write(show) == show.size());
+        file.close();
+        m_shows->importShow(file.fileName(), {});
+        QTRY_VERIFY(m_shows->forceImportDialog()->isVisible());
+        for (const QString& part : told)
+            QVERIFY2(m_shows->forceImportDialog()->description().contains(part),
+                     qPrintable(m_shows->forceImportDialog()->description()));
+        m_shows->forceImportDialog()->reject();
     }
 
     /// A disk that is full, or a folder that takes nothing, leaves the earlier export as it was.
