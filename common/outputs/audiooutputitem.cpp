@@ -25,8 +25,8 @@ AudioOutputItem::AudioOutputItem(Session* session, QWidget* parent)
     titleRow()->setObjectName(QStringLiteral("titleRow"));
     m_preview = createSwitch(QStringLiteral("previewAudioOutputSwitch"), tr("Audio output of preview"));
     m_program = createSwitch(QStringLiteral("programAudioOutputSwitch"), tr("Audio output of program"));
-    connect(m_preview, &SwitchSelect::selected, this, [this] { onSelectionChanged(PlaybackType::Preview); });
-    connect(m_program, &SwitchSelect::selected, this, [this] { onSelectionChanged(PlaybackType::Program); });
+    connect(m_preview, &SwitchSelect::clicked, this, [this] { onSelectionChanged(PlaybackType::Preview); });
+    connect(m_program, &SwitchSelect::clicked, this, [this] { onSelectionChanged(PlaybackType::Program); });
 
     auto* content = new QWidget(this);
     auto* layout = new QFormLayout(content);

@@ -6,13 +6,14 @@
 
 namespace vantrel {
 
-/// One mapping of a channel to an output. Its scaling shows through reset() and fresh reads; a change of it
-/// alone raises no signal.
+/// One mapping of a channel to an output. A change of its scaling raises the signal of the scene's own name
+/// for it.
 class GUIMapping : public SceneObjectWrapper
 {
     Q_OBJECT
     Q_PROPERTY(QString target READ target WRITE setTarget NOTIFY targetChanged)
     Q_PROPERTY(QString scaling READ scaling WRITE setScaling NOTIFY scalingChanged)
+    Q_PROPERTY(QString defaultScaleMode READ scaling WRITE setScaling NOTIFY defaultScaleModeChanged)
     Q_PROPERTY(
         QColor backgroundColor READ backgroundColor WRITE setBackgroundColor NOTIFY backgroundColorChanged)
 
@@ -29,6 +30,7 @@ public:
 Q_SIGNALS:
     void targetChanged();
     void scalingChanged();
+    void defaultScaleModeChanged();
     void backgroundColorChanged();
 
 protected:

@@ -72,7 +72,7 @@ GalleryWindow::GalleryWindow(QWidget* parent)
     for (std::size_t i = 0; i < sizes.size(); ++i)
         select->addItem(names[i], static_cast<int>(sizes[i]));
     select->setValue(static_cast<int>(currentFontSize()));
-    connect(select, &SwitchSelect::selected, this,
+    connect(select, &SwitchSelect::clicked, this,
             [](const QVariant& value) { setTextSize(static_cast<FontSize>(value.toInt())); });
 
     auto* bar = new QHBoxLayout;

@@ -78,7 +78,7 @@ QWidget* ConfigurationDialog::makeLocalPage()
     m_textSize = new SwitchSelect(page);
     m_textSize->addItem(tr("Small"), static_cast<int>(FontSize::Small));
     m_textSize->addItem(tr("Medium"), static_cast<int>(FontSize::Medium));
-    connect(m_textSize, &SwitchSelect::selected, this, &ConfigurationDialog::onTextSizeSelected);
+    connect(m_textSize, &SwitchSelect::clicked, this, &ConfigurationDialog::onTextSizeSelected);
     addRow(form, tr("Text size:"), m_textSize);
 
     m_rounding = new ZTCheckBox(tr("Round to steps"), page);
@@ -90,7 +90,7 @@ QWidget* ConfigurationDialog::makeLocalPage()
                           tr("Hours, minutes, seconds and milliseconds"));
     m_timeFormat->addItem(tr("NDF"), static_cast<int>(TimecodeViewMode::NDF), tr("Timecode, non-drop frame"));
     m_timeFormat->addItem(tr("DF"), static_cast<int>(TimecodeViewMode::DF), tr("Timecode, drop frame"));
-    connect(m_timeFormat, &SwitchSelect::selected, this, &ConfigurationDialog::saveConfiguration);
+    connect(m_timeFormat, &SwitchSelect::clicked, this, &ConfigurationDialog::saveConfiguration);
     addRow(form, tr("Time display format:"), m_timeFormat);
     return page;
 }
@@ -103,7 +103,7 @@ QWidget* ConfigurationDialog::makeServerPage()
     m_playState->addItem(tr("Play"), QStringLiteral("play"), tr("Start Program in Play state"));
     m_playState->addItem(tr("Pause"), QStringLiteral("pause"), tr("Start Program in Pause state"));
     m_playState->addItem(tr("Stop"), QStringLiteral("stop"), tr("Start Program in Stop state"));
-    connect(m_playState, &SwitchSelect::selected, this, [this](const QVariant& value) {
+    connect(m_playState, &SwitchSelect::clicked, this, [this](const QVariant& value) {
         setServerData(ServerConfigurationModel::AutoStartPlayStateColumn, value);
     });
     addRow(form, tr("Autostart playstate:"), m_playState);

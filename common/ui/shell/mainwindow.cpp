@@ -4,7 +4,7 @@
 #include "common/media/library/medialibraryprovider.h"
 #include "common/media/library/playlistprovider.h"
 #include "common/notification/notificationmanagerimpl.h"
-#include "common/outputs/outputview.h"
+#include "common/outputs/outputstab.h"
 #include "common/player/linkbanner.h"
 #include "common/player/playerplaybackview.h"
 #include "common/qml/qmlmanager.h"
@@ -39,7 +39,6 @@
 #include "common/ui/style/spacing.h"
 #include "common/ui/toolkit/iconbutton.h"
 #include "common/ui/toolkit/navbutton.h"
-#include "common/ui/toolkit/placeholderview.h"
 #include "common/ui/toolkit/stackedtabwidget.h"
 #include "common/ui/toolkit/uncovered.h"
 #include "common/views/files/filesview.h"
@@ -48,7 +47,6 @@
 
 #include <QApplication>
 #include <QDialog>
-#include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QQuickWidget>
 #include <QResizeEvent>
@@ -67,7 +65,7 @@ constexpr int startDelay = 200;    // milliseconds until the window is up
 constexpr int quietAttempt = 3000; // milliseconds of a first attempt that nobody needs to hear of
 constexpr auto tabClickWheel = static_cast<Qt::FocusPolicy>(11);
 
-enum Tab : int { OutputsTab = 0, FilesTab = 1, MediaTab = 2, PlayerTab = 3 };
+enum Tab : int { Outputs = 0, FilesTab = 1, MediaTab = 2, PlayerTab = 3 };
 
 } // namespace
 
@@ -247,13 +245,8 @@ void MainWindow::addView(int index, const QString& caption, const QString& icon,
 void MainWindow::initOutputView()
 {
     const QString icon = QStringLiteral(":/icons/output.svg");
-    auto* page = new QWidget(m_tabs);
-    auto* layout = new QHBoxLayout(page);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(new PlaceholderView(icon, tr("Video outputs are not part of this version yet."), page),
-                      1);
-    layout->addWidget(new OutputView(m_session, page));
-    addView(OutputsTab, tr("OUTPUTS"), icon, QStringLiteral("MainNavigationBar-outputs-button"), page);
+    addView(Outputs, tr("OUTPUTS"), icon, QStringLiteral("MainNavigationBar-outputs-button"),
+            new OutputsTab(m_session, m_tabs));
 }
 
 void MainWindow::initFileView()

@@ -26,6 +26,11 @@ Collapse* Accordion::addSection(const QString& title, QWidget* content)
     return section;
 }
 
+void Accordion::addPanel(Collapse* panel)
+{
+    m_layout->insertWidget(m_layout->count() - 1, panel);
+}
+
 Collapse* Accordion::section(int index) const
 {
     return m_sections.value(index);

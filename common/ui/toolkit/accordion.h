@@ -10,7 +10,8 @@ namespace vantrel {
 
 class Collapse;
 
-/// A column of folding panels of which at most one is open: opening one folds the others.
+/// A column of folding panels. Of its sections at most one is open: opening one folds the others; its panels
+/// fold each for itself.
 class Accordion : public ZTFrame
 {
     Q_OBJECT
@@ -20,6 +21,9 @@ public:
 
     /// Appends a panel, folded unless it is the first; the accordion owns it and its content.
     Collapse* addSection(const QString& title, QWidget* content);
+    /// Appends a panel of its own making below all others; the accordion owns it.
+    void addPanel(Collapse* panel);
+    /// Of sections, as in all that follows.
     int count() const { return static_cast<int>(m_sections.size()); }
     /// Null for an index that is none.
     Collapse* section(int index) const;

@@ -61,7 +61,8 @@ void ColorBox::openChooser()
 {
     auto* chooser = new QColorDialog(m_color, window());
     chooser->setAttribute(Qt::WA_DeleteOnClose);
-    chooser->setOptions(QColorDialog::DontUseNativeDialog | QColorDialog::ShowAlphaChannel);
+    chooser->setOption(QColorDialog::DontUseNativeDialog);
+    chooser->setOption(QColorDialog::ShowAlphaChannel, !m_opaque);
     connect(chooser, &QColorDialog::colorSelected, this, [this](const QColor& color) {
         if (color == m_color)
             return;

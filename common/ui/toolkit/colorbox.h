@@ -18,6 +18,8 @@ public:
     const QColor& color() const { return m_color; }
     /// An invalid colour is ignored.
     void setColor(const QColor& color);
+    /// Whether the chooser leaves the transparency out.
+    void setOpaque(bool opaque) { m_opaque = opaque; }
     void setObjectNames(const QString& base);
     QSize sizeHint() const override;
 
@@ -36,6 +38,7 @@ private:
     QColor borderColor() const;
 
     QColor m_color = Qt::black;
+    bool m_opaque = false;
 };
 
 } // namespace vantrel

@@ -19,7 +19,7 @@ SwitchSelect::SwitchSelect(QWidget* parent)
         if (checked)
             Q_EMIT valueChanged(value());
     });
-    connect(m_group, &QButtonGroup::idClicked, this, [this] { Q_EMIT selected(value()); });
+    connect(m_group, &QButtonGroup::idClicked, this, [this] { Q_EMIT clicked(value()); });
 }
 
 void SwitchSelect::addItem(const QString& text, const QVariant& value, const QString& tooltip)

@@ -37,7 +37,7 @@ Q_SIGNALS:
     /// Any change of the choice.
     void valueChanged(const QVariant& value);
     /// A choice by the operator alone.
-    void selected(const QVariant& value);
+    void clicked(const QVariant& value);
 
 private:
     struct Item

@@ -1,10 +1,12 @@
 #include "common/outputs/outputview.h"
 #include "common/session/session.h"
+#include "common/session/settings/configuration.h"
 #include "common/ui/style/stylesheet.h"
 #include "common/ui/toolkit/pushbutton.h"
 #include "tests/support/testmain.h"
 
 #include <QApplication>
+#include <QScrollArea>
 #include <QTest>
 
 using namespace vantrel;
@@ -40,8 +42,9 @@ private Q_SLOTS:
         for (const char* channel : {"preview", "program"}) {
             for (const char* device : {"embedded", "xlr", "dante", "off"}) {
                 const auto name = QStringLiteral("%1AudioOutputSwitch-%2").arg(channel, device);
-                const auto* button = view.findChild<PushButton*>(name);
+                auto* button = view.findChild<PushButton*>(name);
                 QVERIFY2(button, qPrintable(name));
+                view.findChild<QScrollArea*>()->ensureWidgetVisible(button);
                 QTRY_COMPARE(button->visibleRegion().boundingRect(), button->rect());
                 QVERIFY(!button->toolTip().isEmpty() && !button->isEnabled()); // there is no server
             }

@@ -1,0 +1,112 @@
+#include "common/outputs/outputitem.h"
+
+#include "common/outputs/outputmodel.h"
+#include "common/outputs/outputslogging.h"
+#include "common/outputs/videooutputconfiguration.h"
+#include "common/session/link/connectionprovider.h"
+#include "common/session/mirror/guimapping.h"
+#include "common/session/mirror/sceneobjectprovider.h"
+#include "common/session/session.h"
+#include "common/ui/style/spacing.h"
+#include "common/ui/toolkit/elidedlabel.h"
+#include "common/ui/toolkit/iconbutton.h"
+#include "common/ui/toolkit/ztmenu.h"
+
+#include <QContextMenuEvent>
+#include <QCursor>
+
+namespace vantrel {
+
+OutputItem::OutputItem(int index, Session* session, QWidget* parent)
+    : Collapse(tr("Output %1").arg(index + 1), parent)
+    , m_index(index)
+    , m_session(session)
+    , m_address(new ElidedLabel(titleRow()))
+    , m_notConnected(new IconButton(QStringLiteral(":/icons/displayport_not_connected.svg"), {}, titleRow()))
+    , m_configuration(new VideoOutputConfiguration(index + 1, this))
+{
+    titleRow()->setObjectName(QStringLiteral("titleRow"));
+    m_address->setStyleClass(QStringLiteral("dim"));
+    m_address->setObjectNames(QStringLiteral("VideoOutput-%1-address").arg(index + 1));
+    m_notConnected->setObjectName(QStringLiteral("VideoOutput-%1-notConnected").arg(index + 1));
+    m_notConnected->setEnabled(false);
+    m_notConnected->setIconColor(Qt::white);
+    m_notConnected->setToolTip(tr("No display is connected"));
+    m_address->setContentsMargins(0, 0, spacing::normal, 0);
+    addTitleWidget(m_address);
+    addTitleWidget(m_notConnected);
+    setContent(m_configuration);
+    setOpen(true);
+    connect(session->connectionProvider(), &ConnectionProvider::hostAddressChanged, this,
+            &OutputItem::onAddressChange);
+    setModel(makeModel());
+    onAddressChange();
+}
+
+OutputModel* OutputItem::makeModel()
+{
+    const SceneObjectProvider* scene = m_session->sceneObjectProvider();
+    qCInfo(lcOutputs) << "Creating OutputModel with mappings: " << scene->previewMapping()->target()
+                      << scene->programMapping()->target();
+    auto* model = new OutputModel(m_session->getQUndoStack(), this);
+    model->setOutput(m_index == 0 ? scene->output1() : scene->output2());
+    model->setChannel(scene->channel());
+    model->setPreviewMapping(scene->previewMapping());
+    model->setProgramMapping(scene->programMapping());
+    model->setModelines(scene->modelines(m_index));
+    m_modesChanged.setSingleShot(true);
+    connect(&m_modesChanged, &QTimer::timeout, model, &OutputModel::onReset);
+    connect(scene, &SceneObjectProvider::modelinesChanged, this, [this](int output) {
+        if (output == m_index)
+            m_modesChanged.start(0);
+    });
+    return model;
+}
+
+void OutputItem::setModel(OutputModel* model)
+{
+    if (m_model)
+        disconnect(m_model, nullptr, this, nullptr);
+    m_model = model;
+    if (m_model) {
+        connect(m_model, &OutputModel::dataChanged, this, &OutputItem::onDataChanged);
+        connect(m_model, &OutputModel::modelReset, this, &OutputItem::updateData);
+    }
+    m_configuration->setModel(model);
+    updateData();
+}
+
+void OutputItem::onDataChanged()
+{
+    updateData();
+}
+
+void OutputItem::updateData()
+{
+    m_notConnected->setVisible(!m_model || !m_model->index(0, OutputModel::ConnectedColumn).data().toBool());
+}
+
+void OutputItem::onAddressChange()
+{
+    const QString address = m_session->connectionProvider()->hostAddress();
+    m_address->setText(address);
+    m_configuration->setServerName(address);
+}
+
+/// Copying between outputs is kept for a server that can do it.
+void OutputItem::showContextMenu()
+{
+    auto* menu = new ZTMenu(this);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    menu->setObjectNames(QStringLiteral("VideoOutput-%1-menu").arg(m_index + 1));
+    menu->addAction(tr("Copy settings to Output %1").arg(2 - m_index))->setEnabled(false);
+    menu->popup(QCursor::pos());
+}
+
+void OutputItem::contextMenuEvent(QContextMenuEvent* event)
+{
+    event->accept();
+    showContextMenu();
+}
+
+} // namespace vantrel
