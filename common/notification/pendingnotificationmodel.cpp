@@ -28,17 +28,9 @@ QSharedPointer<Notification> PendingNotificationModel::pending() const
     return d->m_row;
 }
 
-QSharedPointer<Notification>
-PendingNotificationModel::gravestOf(const QList<QSharedPointer<Notification>>& list,
-                                    const QSet<const Notification*>& without)
+void PendingNotificationModel::passOver()
 {
-    QSharedPointer<Notification> gravest;
-    for (const QSharedPointer<Notification>& notification : list) {
-        if (!notification->isAccepted() && (!gravest || notification->type() > gravest->type()) &&
-            !without.contains(notification.data()))
-            gravest = notification;
-    }
-    return gravest;
+    d->passOver();
 }
 
 int PendingNotificationModel::rowCount(const QModelIndex& parent) const
@@ -62,9 +54,31 @@ bool PendingNotificationModel::setData(const QModelIndex& index, const QVariant&
     return true;
 }
 
+PendingNotificationModelPrivate::NotificationPtr
+PendingNotificationModelPrivate::gravestOf(const QList<NotificationPtr>& list) const
+{
+    NotificationPtr gravest;
+    for (const NotificationPtr& notification : list) {
+        if (!notification->isAccepted() && (!gravest || notification->type() > gravest->type()) &&
+            !m_passedOver.contains(notification.data()))
+            gravest = notification;
+    }
+    return gravest;
+}
+
+void PendingNotificationModelPrivate::passOver()
+{
+    if (!m_row)
+        return;
+    const Notification* const one = m_row.data();
+    m_passedOver.insert(one);
+    connect(one, &QObject::destroyed, this, [this, one] { m_passedOver.remove(one); });
+    populateModel(notifications());
+}
+
 void PendingNotificationModelPrivate::populateModel(const QList<NotificationPtr>& list)
 {
-    const NotificationPtr winner = PendingNotificationModel::gravestOf(list);
+    const NotificationPtr winner = gravestOf(list);
     if (winner == m_row)
         return;
     if (m_row) {

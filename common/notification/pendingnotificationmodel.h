@@ -2,13 +2,11 @@
 
 #include "common/notification/notificationmodel.h"
 
-#include <QSet>
-
 namespace vantrel {
 
 class PendingNotificationModelPrivate;
 
-/// At most one row: the gravest of what waits. The roles are those of
+/// At most one row: the gravest of what waits, and of those the oldest. The roles are those of
 /// NotificationModel. Main thread only; the manager may go first.
 class PendingNotificationModel : public QAbstractListModel
 {
@@ -23,9 +21,8 @@ public:
     void setManager(NotificationManager* manager);
     /// Null while there is none.
     QSharedPointer<Notification> pending() const;
-    /// Of what nobody has accepted the gravest, and of those the oldest; null for none.
-    static QSharedPointer<Notification> gravestOf(const QList<QSharedPointer<Notification>>& list,
-                                                  const QSet<const Notification*>& without = {});
+    /// From now on the row's notification is no row any more, accepted or not: it was shown for long enough.
+    Q_INVOKABLE void passOver();
 
     int rowCount(const QModelIndex& parent = {}) const override;
     QVariant data(const QModelIndex& index, int role) const override;

@@ -3,6 +3,8 @@
 #include "common/notification/notificationfollower.h"
 #include "common/notification/pendingnotificationmodel.h"
 
+#include <QSet>
+
 namespace vantrel {
 
 class PendingNotificationModelPrivate : public NotificationFollower
@@ -16,6 +18,7 @@ public:
     }
 
     void populateModel(const QList<NotificationPtr>& list);
+    void passOver();
 
     NotificationPtr m_row;
 
@@ -24,7 +27,10 @@ protected:
     void onNotificationChanged(const NotificationPtr& notification) override;
 
 private:
+    NotificationPtr gravestOf(const QList<NotificationPtr>& list) const;
+
     PendingNotificationModel* m_model;
+    QSet<const Notification*> m_passedOver;
 };
 
 } // namespace vantrel

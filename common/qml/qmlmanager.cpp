@@ -13,7 +13,9 @@
 #include "common/qml/fontsizes.h"
 #include "common/qml/iconprovider.h"
 #include "common/qml/mediaenums.h"
+#include "common/qml/notificationstyle.h"
 #include "common/qml/qmlthumbnailprovider.h"
+#include "common/qml/quickdialog.h"
 #include "common/qml/selectionmodel.h"
 #include "common/qml/tooltips.h"
 #include "common/session/session.h"
@@ -22,7 +24,6 @@
 #include <QCoreApplication>
 #include <QLoggingCategory>
 #include <QQmlContext>
-#include <QQuickWindow>
 #include <QtQml>
 
 namespace vantrel {
@@ -40,6 +41,7 @@ void registerTypes()
     qmlRegisterUncreatableMetaObject(colors::staticMetaObject, "Tessen.Utils", 1, 0, "Vantrel", onlyEnums);
     qmlRegisterUncreatableMetaObject(media::staticMetaObject, "Tessen.Utils", 1, 0, "Media", onlyEnums);
     qmlRegisterUncreatableType<ZTDialog>("Tessen.Models", 1, 0, "ZTWidgetDialog", uncreatable);
+    qmlRegisterType<QuickDialog>("Tessen.Models", 1, 0, "ZTQMLDialog");
     qmlRegisterType<SelectionModel>("Tessen.Models", 1, 0, "ZTSelectionModel");
     qmlRegisterUncreatableMetaObject(images::staticMetaObject, "Tessen.Utils", 1, 0, "Images", onlyEnums);
     qmlRegisterType<ImageSequenceCandidateModel>("Tessen.Models", 1, 0, "ImageSequenceModel");
@@ -75,6 +77,7 @@ public:
         context->setContextProperty(QStringLiteral("homeLocationsPath"),
                                     LocalHomeLocations::instance()->homePath());
         context->setContextProperty(QStringLiteral("toolTips"), &toolTips);
+        context->setContextProperty(QStringLiteral("notificationStyle"), &notificationStyle);
     }
 
     FontSizes fontSizes;
@@ -82,6 +85,7 @@ public:
     ImplMediaCollectionManager commandCenter;
     DialogFactory dialogs;
     ToolTips toolTips;
+    NotificationStyle notificationStyle;
     QQmlEngine engine; // last: it goes before what its objects are
 };
 
@@ -101,10 +105,7 @@ void QMLManager::initialize()
     qCInfo(log) << "Initializing QML manager...";
     qputenv("QT_QUICK_CONTROLS_STYLE", "Material");
     qputenv("QT_QUICK_CONTROLS_MATERIAL_THEME", "Dark");
-    // With a graphics card the whole window that holds a declarative view would be put together on it, the
-    // pictures of both channels among the rest; and there are consoles without one.
-    static const bool once =
-        (QQuickWindow::setGraphicsApi(QSGRendererInterface::Software), registerTypes(), true);
+    static const bool once = (registerTypes(), true);
     Q_UNUSED(once);
     d = std::make_unique<QMLManagerPrivate>();
     connect(qApp, &QCoreApplication::aboutToQuit, this, &QMLManager::deinitialize, Qt::UniqueConnection);

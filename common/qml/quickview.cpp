@@ -1,15 +1,49 @@
 #include "common/qml/quickview.h"
 
+#include "common/qml/qmlmanager.h"
+
+#include <QLoggingCategory>
 #include <QQuickItem>
-#include <QQuickWindow>
 
 namespace vantrel {
 
+namespace {
+
+Q_LOGGING_CATEGORY(log, "vantrel.qml")
+
+QQmlEngine* initializedEngine()
+{
+    QMLManager::instance()->initialize();
+    return QMLManager::instance()->engine();
+}
+
+/// With a graphics card the whole window that holds a declarative view would be put together on it, the
+/// pictures of both channels among the rest; and there are consoles without one.
+QQmlEngine* drawnBySoftware(QQmlEngine* engine)
+{
+    static const bool once = (QQuickWindow::setGraphicsApi(QSGRendererInterface::Software), true);
+    Q_UNUSED(once);
+    return engine;
+}
+
+} // namespace
+
+QuickView::QuickView(QWidget* parent)
+    : QuickView(initializedEngine(), parent)
+{
+}
+
 QuickView::QuickView(QQmlEngine* engine, QWidget* parent)
-    : QQuickWidget(engine, parent)
+    : QQuickWidget(drawnBySoftware(engine), parent)
 {
     setResizeMode(QQuickWidget::SizeRootObjectToView);
     setFocusPolicy(Qt::StrongFocus);
+    connect(this, &QQuickWidget::sceneGraphError, this, &QuickView::onSceneGraphError);
+}
+
+void QuickView::onSceneGraphError(QQuickWindow::SceneGraphError error, const QString& message)
+{
+    qCWarning(log) << "QML error:" << error << message;
 }
 
 QSize QuickView::sizeHint() const

@@ -1,15 +1,16 @@
 // The sections of the gallery that hold more than single controls.
 #include "common/notification/notificationmanagerimpl.h"
+#include "common/qml/notificationstyle.h"
+#include "common/qml/quickdialog.h"
 #include "common/ui/gallery/gallerysections.h"
 #include "common/ui/gallery/pictureof.h"
 #include "common/ui/gallery/stategrid.h"
 #include "common/ui/shell/aboutdialog.h"
 #include "common/ui/shell/configurationdialog.h"
 #include "common/ui/shell/importshowdialog.h"
-#include "common/ui/shell/notificationdialog.h"
+#include "common/ui/shell/notificationdialogwrapper.h"
 #include "common/ui/shell/notificationpresenter.h"
 #include "common/ui/shell/notificationstatusbar.h"
-#include "common/ui/shell/notificationstyle.h"
 #include "common/ui/shell/reconnectdialog.h"
 #include "common/ui/shell/statusbar.h"
 #include "common/ui/style/dynamicstyle.h"
@@ -110,15 +111,20 @@ QWidget* makeNotifications(QWidget* parent)
         for (NotificationManagerImpl* each : {manager, all})
             each->addNotification(each->createNotification(type, QString::fromLatin1(title),
                                                            QStringLiteral("What there is to know more.")));
-        grid->addWide(notificationName(type), new NotificationPresenter(manager, grid));
+        auto* popup = new NotificationPresenter(grid);
+        popup->setManager(manager);
+        popup->setStay(std::chrono::hours(24));
+        grid->addWide(NotificationStyle::name(type), popup);
     }
     auto* counts = new NotificationStatusBar;
     counts->setManager(all);
     grid->addWide(QStringLiteral("NotificationStatusBar"), counts);
-    grid->addWide(QStringLiteral("NotificationDialog"),
-                  new PictureOf(std::make_unique<NotificationDialog>(all), grid));
-    auto* none = new NotificationManagerImpl(grid);
-    grid->addWide(QStringLiteral("nothing"), new PictureOf(std::make_unique<NotificationDialog>(none), grid));
+    const auto picture = [grid](NotificationManager* manager) {
+        const QuickDialog* dialog = NotificationDialogWrapper::load(manager);
+        return new PictureOf(std::unique_ptr<QWidget>(dialog->widget()), grid);
+    };
+    grid->addWide(QStringLiteral("NotificationDialog"), picture(all));
+    grid->addWide(QStringLiteral("nothing"), picture(new NotificationManagerImpl(grid)));
     return grid;
 }
 

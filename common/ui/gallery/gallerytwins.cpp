@@ -1,4 +1,3 @@
-#include "common/qml/qmlmanager.h"
 #include "common/qml/quickview.h"
 #include "common/ui/gallery/gallerysections.h"
 #include "common/ui/gallery/pictureof.h"
@@ -24,8 +23,7 @@ namespace {
 /// The declarative ones of a file of the gallery's module, as large as they want to be.
 QWidget* declared(const char* file)
 {
-    QMLManager::instance()->initialize();
-    auto* view = new QuickView(QMLManager::instance()->engine());
+    auto* view = new QuickView;
     view->setResizeMode(QQuickWidget::SizeViewToRootObject);
     view->setClearColor(colors::getColor(colors::Slate_grey_800));
     view->setSource(QUrl(QStringLiteral("qrc:/QmlModules/ZTGallery/%1.qml").arg(QLatin1String(file))));

@@ -90,7 +90,7 @@ MainWindow::MainWindow(Session* session, QWidget* parent)
     m_tabs = new StackedTabWidget(m_central);
     m_tabs->setObjectNames(QStringLiteral("MainTabs"));
     connect(m_navigationBar, &MainNavigationBar::tabSelected, m_tabs, &QStackedWidget::setCurrentIndex);
-    m_notificationPresenter = new NotificationPresenter(NotificationManagerImpl::instance(), this);
+    m_notificationPresenter = new NotificationPresenter(this);
     m_questions = new OnAirQuestions(session, this);
     initStatusBar();
     initMainMenu();
@@ -140,6 +140,9 @@ MainWindow::~MainWindow()
     delete m_inspector;
     for (const QPointer<QWidget>& view : std::as_const(m_views))
         delete view;
+    for (QObject* declared :
+         std::initializer_list<QObject*>{m_notificationPresenter, m_notificationCounts, m_notificationDialog})
+        delete declared;
     QMLManager::instance()->deinitialize();
     if (m_session->hotkeys() == m_hotkeys)
         m_session->setHotkeys(nullptr);
@@ -153,12 +156,11 @@ void MainWindow::initStatusBar()
     connect(m_statusBar, &StatusBar::disconnectClicked, this, &MainWindow::handleDisconnectRequest);
 
     m_notificationDialog = new NotificationDialogWrapper(NotificationManagerImpl::instance(), this);
-    auto* counts = new NotificationStatusBar(m_statusBar);
-    counts->setManager(NotificationManagerImpl::instance());
-    m_statusBar->addWidget(counts);
-    connect(counts, &NotificationStatusBar::clicked, m_notificationDialog, &NotificationDialogWrapper::show);
-    connect(m_notificationPresenter, &NotificationPresenter::detailsClicked, m_notificationDialog,
-            &NotificationDialogWrapper::show);
+    m_notificationCounts = new NotificationStatusBar(m_statusBar);
+    m_notificationCounts->setManager(NotificationManagerImpl::instance());
+    m_notificationCounts->setDialog(m_notificationDialog);
+    m_statusBar->addWidget(m_notificationCounts);
+    m_notificationPresenter->setDialog(m_notificationDialog);
 }
 
 void MainWindow::initMainMenu()

@@ -100,6 +100,7 @@ private:
     StatusBar* m_statusBar = nullptr;
     WindowMemory* m_memory = nullptr;
     NotificationPresenter* m_notificationPresenter = nullptr;
+    NotificationStatusBar* m_notificationCounts = nullptr;
     NotificationDialogWrapper* m_notificationDialog = nullptr;
     ConfigurationDialog* m_configurationDialog = nullptr;
     ConnectDialog* m_connectDialog = nullptr;

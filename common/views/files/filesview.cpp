@@ -8,7 +8,6 @@
 #include "common/filesystem/models/operationsmodel.h"
 #include "common/filesystem/models/pathmodel.h"
 #include "common/filesystem/schedule/filesystemoperations.h"
-#include "common/qml/qmlmanager.h"
 #include "common/qml/quickview.h"
 #include "common/session/window/mainwindowhandle.h"
 #include "common/ui/style/colors.h"
@@ -75,12 +74,10 @@ void FilesView::load()
     initResources();
     const QUrl file(QStringLiteral("qrc:/FilesView/qml/FilesView.qml"));
     qCInfo(log) << "Creating view for QML file:" << file;
-    QMLManager::instance()->initialize();
-    m_view = new QuickView(QMLManager::instance()->engine(), this);
+    m_view = new QuickView(this);
     m_view->setObjectName(QStringLiteral("FilesTab-view"));
     m_view->setAccessibleName(tr("Files"));
     m_view->setClearColor(colors::getColor(colors::Slate_grey_900));
-    connect(m_view, &QQuickWidget::sceneGraphError, this, &FilesView::onSceneGraphError);
     if (!mainWindowWidget())
         qCInfo(log) << "Unable to read main window";
     QQmlContext* context = m_view->rootContext();
@@ -96,11 +93,6 @@ void FilesView::load()
     m_view->setSource(file);
     layout()->addWidget(m_view);
     setFocusProxy(m_view);
-}
-
-void FilesView::onSceneGraphError(QQuickWindow::SceneGraphError error, const QString& message)
-{
-    qCWarning(log) << "QML error:" << error << message;
 }
 
 } // namespace vantrel

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QQuickWindow>
 #include <QWidget>
 
 class QQuickWidget;
@@ -43,7 +42,6 @@ protected:
 
 private:
     void load();
-    void onSceneGraphError(QQuickWindow::SceneGraphError error, const QString& message);
 
     Sources m_sources;
     ConflictDesk* m_desk;

@@ -6,7 +6,6 @@
 #include "common/media/models/medialibrarymodel.h"
 #include "common/media/models/sortedcollectionselectormodel.h"
 #include "common/media/models/sortedlibrarymodel.h"
-#include "common/qml/qmlmanager.h"
 #include "common/qml/quickview.h"
 #include "common/session/session.h"
 #include "common/ui/style/colors.h"
@@ -74,12 +73,10 @@ void MediaView::load()
     initResources();
     const QUrl file(QStringLiteral("qrc:/MediaView/qml/MediaView.qml"));
     qCInfo(log) << "Creating view for QML file:" << file;
-    QMLManager::instance()->initialize();
-    m_view = new QuickView(QMLManager::instance()->engine(), this);
+    m_view = new QuickView(this);
     m_view->setObjectName(QStringLiteral("MediaTab-view"));
     m_view->setAccessibleName(tr("Media"));
     m_view->setClearColor(colors::getColor(colors::Slate_grey_900));
-    connect(m_view, &QQuickWidget::sceneGraphError, this, &MediaView::onSceneGraphError);
     setContext();
     m_view->setSource(file);
     layout()->addWidget(m_view);
@@ -146,11 +143,6 @@ void MediaView::selectCollection(int collectionNumber)
         return;
     m_wanted = -1;
     QMetaObject::invokeMethod(m_view->rootObject(), "selectCollection", Q_ARG(int, collectionNumber));
-}
-
-void MediaView::onSceneGraphError(QQuickWindow::SceneGraphError error, const QString& message)
-{
-    qCWarning(log) << "QML error:" << error << message;
 }
 
 } // namespace vantrel

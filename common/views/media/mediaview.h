@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QQuickWindow>
 #include <QWidget>
 
 class QQuickWidget;
@@ -49,7 +48,6 @@ private:
     void load();
     void setContext();
     void followPlaylists();
-    void onSceneGraphError(QQuickWindow::SceneGraphError error, const QString& message);
 
     Sources m_sources;
     CollectionSelectorModel* m_collections = nullptr;

@@ -8,6 +8,7 @@
 #include "common/views/files/filesview.h"
 #include "tests/common/ui/testsettings.h"
 #include "tests/support/fakefiles.h"
+#include "tests/support/quickitems.h"
 #include "tests/support/testmain.h"
 
 #include <QApplication>
@@ -279,7 +280,7 @@ private:
     /// What menus are made of lies beside the root object.
     QQuickItem* overlay(const char* name) const
     {
-        return find(m_view->quickWidget()->quickWindow()->contentItem(), QLatin1String(name));
+        return namedItem(m_view->quickWidget()->quickWindow()->contentItem(), QLatin1String(name));
     }
     /// To look at, where HALCYRA_PICTURES names a folder.
     void takePicture(const QString& name) const
@@ -291,17 +292,7 @@ private:
         frames.wait(200);
         m_view->grab().save(QStringLiteral("%1/files-%2.png").arg(folder, name));
     }
-    QQuickItem* item(const char* name) const { return find(root(), QLatin1String(name)); }
-    static QQuickItem* find(QQuickItem* from, const QString& name)
-    {
-        if (from->objectName() == name)
-            return from;
-        for (QQuickItem* child : from->childItems()) {
-            if (QQuickItem* found = find(child, name))
-                return found;
-        }
-        return nullptr;
-    }
+    QQuickItem* item(const char* name) const { return namedItem(root(), QLatin1String(name)); }
     QString summary() const { return item("local-files-summary")->property("text").toString(); }
     void key(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
     {

@@ -11,6 +11,7 @@
 #include "tests/support/fakefiles.h"
 #include "tests/support/librarymaker.h"
 #include "tests/support/mediamirror.h"
+#include "tests/support/quickitems.h"
 #include "tests/support/testmain.h"
 
 #include <QAbstractItemModelTester>
@@ -295,19 +296,9 @@ private:
             numbers.append(model.index(row).data(SlotGridModel::KeyRole).toString());
         return numbers.join(u' ');
     }
-    static QQuickItem* find(QQuickItem* from, const QString& name)
-    {
-        if (from->objectName() == name)
-            return from;
-        for (QQuickItem* child : from->childItems()) {
-            if (QQuickItem* found = find(child, name))
-                return found;
-        }
-        return nullptr;
-    }
     static QQuickItem* item(const MediaView& view, const char* name)
     {
-        return find(view.quickWidget()->rootObject(), QString::fromLatin1(name));
+        return namedItem(view.quickWidget()->rootObject(), QString::fromLatin1(name));
     }
 
     TestSettings m_settings;

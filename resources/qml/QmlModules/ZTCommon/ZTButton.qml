@@ -14,6 +14,8 @@ T.Button {
     readonly property bool isFlat: kind === "flat"
     readonly property color ink: !enabled ? Theme.disabled : isAccent ? Theme.onAccent
                                : hovered || checked ? Theme.strong : Theme.text
+    property color iconInk: ink
+    property int iconSide: fontSizes.icon
 
     implicitHeight: Theme.barHeight
     implicitWidth: text.length > 0 ? implicitContentWidth + leftPadding + rightPadding : implicitHeight
@@ -31,6 +33,10 @@ T.Button {
     onPressed: toolTips.hide(control)
     Keys.onReturnPressed: clicked()
     Keys.onEnterPressed: clicked()
+    // It has the keyboard by Tab only, and then no hotkey takes its key.
+    Keys.onShortcutOverride: event => {
+        event.accepted = event.key === Qt.Key_Space && event.modifiers === Qt.NoModifier
+    }
 
     background: Rectangle {
         radius: Theme.radius
@@ -57,7 +63,8 @@ T.Button {
             ZTIcon {
                 anchors.verticalCenter: parent.verticalCenter
                 name: control.iconName
-                color: control.ink
+                color: control.iconInk
+                side: control.iconSide
                 visible: name.length > 0
             }
             ZTLabel {

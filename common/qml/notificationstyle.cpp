@@ -1,4 +1,4 @@
-#include "common/ui/shell/notificationstyle.h"
+#include "common/qml/notificationstyle.h"
 
 #include "common/media/address/showntext.h"
 #include "common/ui/style/colors.h"
@@ -9,7 +9,7 @@
 
 namespace vantrel {
 
-QString notificationIcon(Notification::MessageType type)
+QString NotificationStyle::icon(Notification::MessageType type)
 {
     switch (type) {
     case Notification::ErrorMessage:
@@ -24,7 +24,7 @@ QString notificationIcon(Notification::MessageType type)
     return QStringLiteral("info");
 }
 
-QColor notificationColor(Notification::MessageType type)
+QColor NotificationStyle::color(Notification::MessageType type)
 {
     switch (type) {
     case Notification::ErrorMessage:
@@ -39,7 +39,7 @@ QColor notificationColor(Notification::MessageType type)
     return colors::getColor(colors::Zt_blue_lighter);
 }
 
-QString notificationName(Notification::MessageType type)
+QString NotificationStyle::name(Notification::MessageType type)
 {
     switch (type) {
     case Notification::ErrorMessage:
@@ -54,7 +54,7 @@ QString notificationName(Notification::MessageType type)
     return QCoreApplication::translate("Notification", "Messages");
 }
 
-QString plainText(const QString& richText)
+QString NotificationStyle::plainText(const QString& richText)
 {
     // A name such as "Clip <2>" that came unescaped is no markup; its characters stay.
     static const QRegularExpression noTag(
@@ -72,7 +72,7 @@ QString plainText(const QString& richText)
     return lines.join(u'\n');
 }
 
-QString plainTitle(const QString& title, int repeats)
+QString NotificationStyle::plainTitle(const QString& title, int repeats)
 {
     const QString text = plainText(title);
     return repeats > 1 ? QCoreApplication::translate("Notification", "%1 (%2 times)").arg(text).arg(repeats)
