@@ -1,7 +1,6 @@
 #include "common/qml/dropdialog.h"
 
 #include "common/import/mediadrop.h"
-#include "common/qml/qmlmanager.h"
 #include "common/qml/quickview.h"
 #include "common/ui/style/colors.h"
 #include "common/ui/toolkit/uncovered.h"
@@ -50,14 +49,13 @@ DropDialog::DropDialog(MediaDrop* drop, QWidget* parent)
     initResources();
     const QUrl file(QStringLiteral("qrc:/DropView/qml/DropView.qml"));
     qCInfo(log) << "Creating view for QML file:" << file;
-    QQmlEngine* const engine = QMLManager::instance()->engine();
-    m_view = new QuickView(engine, this);
+    m_view = new QuickView(this);
     m_view->setObjectName(QStringLiteral("DropDialog-view"));
     m_view->setAccessibleName(tr("What was found"));
     m_view->setClearColor(colors::getColor(colors::Slate_grey_800));
     contentLayout()->addWidget(m_view, 1);
     m_view->setFocus();
-    m_component = new QQmlComponent(engine, file, QQmlComponent::Asynchronous, m_view);
+    m_component = new QQmlComponent(m_view->engine(), file, QQmlComponent::Asynchronous, m_view);
     updateAccept();
 }
 
