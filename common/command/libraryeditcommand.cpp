@@ -83,6 +83,7 @@ bool rehearsed(const MediaLibrary& library, const std::function<bool(MediaLibrar
     }
     made.before = baseOf(before, made.redo);
     made.after = baseOf(done, made.undo);
+    made.document = before;
     return true;
 }
 

@@ -6,17 +6,19 @@ namespace vantrel {
 
 namespace {
 
+const Json* childOf(const Json& node, const PathElement& element)
+{
+    long long index = 0;
+    if (node.isObject())
+        return node.find(element.text());
+    return node.isArray() && element.parseIndex(&index) ? node.at(static_cast<std::size_t>(index)) : nullptr;
+}
+
 const Json* find(const Json& document, PathView path)
 {
     const Json* node = &document;
     for (const PathElement& element : path) {
-        long long index = 0;
-        if (node->isObject())
-            node = node->find(element.text());
-        else if (node->isArray() && element.parseIndex(&index))
-            node = node->at(static_cast<std::size_t>(index));
-        else
-            return nullptr;
+        node = childOf(*node, element);
         if (!node)
             return nullptr;
     }
@@ -37,24 +39,52 @@ bool readsFrom(const PatchOp& op)
 
 } // namespace
 
+/// Looks up place after place, of which most stand in one container.
+class PatchBase::Reading
+{
+public:
+    explicit Reading(const Json& document)
+        : m_document(document)
+    {
+    }
+
+    const Json* find(PathView path)
+    {
+        if (path.empty())
+            return &m_document;
+        const PathView above = path.first(path.size() - 1);
+        if (!m_container || !(m_above == above)) {
+            m_container = vantrel::find(m_document, above);
+            m_above = above;
+        }
+        return m_container ? childOf(*m_container, path.back()) : nullptr;
+    }
+
+private:
+    const Json& m_document;
+    PathView m_above; // of a path of the patch
+    const Json* m_container = nullptr;
+};
+
 PatchBase::PatchBase(const Json& document, const Patch& patch, std::span<const std::string_view> unminded,
                      const std::function<PathView(PathView)>& widened)
     : m_unminded(unminded)
 {
     const auto wide = [&](PathView path) { return widened ? widened(path) : path; };
+    Reading reading(document);
     m_places.reserve(patch.size());
     for (const PatchOp& op : patch) {
-        add(document, wide(op.path));
+        add(reading, wide(op.path));
         if (readsFrom(op))
-            add(document, wide(op.from));
+            add(reading, wide(op.from));
     }
 }
 
-void PatchBase::add(const Json& document, PathView path)
+void PatchBase::add(Reading& reading, PathView path)
 {
     if (!m_places.empty() && m_places.back().path == path)
         return; // several members of one record
-    const Json* const value = find(document, path);
+    const Json* const value = reading.find(path);
     m_places.push_back({path.toPath(), value ? std::optional(*value) : std::nullopt});
 }
 

@@ -37,7 +37,8 @@ private:
         Path path;
         std::optional<Json> value; // nothing: there was nothing
     };
-    void add(const Json& document, PathView path);
+    class Reading;
+    void add(Reading& reading, PathView path);
     bool holdsAt(const Json& document, const Place& place) const;
     bool isUnminded(std::string_view name) const;
     bool isSame(const Json& a, const Json& b) const;

@@ -148,7 +148,8 @@ bool EditQueue::prepare(Entry& entry)
         return false;
     }
     const Json now = m_api->libraryJson();
-    if (entry.base().holds(now))
+    const Json madeOn = std::exchange(edit.document, Json());
+    if ((entry.direction == EditDirection::Redo && madeOn.sameNode(now)) || entry.base().holds(now))
         return true;
     if (isDone(entry, now)) {
         // Both patches stay what they are: a later undo is the undo of this.

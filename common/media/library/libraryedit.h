@@ -24,6 +24,7 @@ struct LibraryEdit
     /// Makes all of the above anew for another library; false when the edit has no meaning there. Empty where
     /// an edit is nothing but its patches.
     std::function<bool(LibraryEdit& edit, const MediaLibrary& library)> rehearse;
+    Json document;        // that redo was made on, until it is sent: there it fits, which nobody need look up
     bool refused = false; // the last redo changed nothing: there is nothing to undo
 };
 
