@@ -1,5 +1,6 @@
 #include "ombra/server.h"
 
+#include "ombra/announcement.h"
 #include "ombra/base/version.h"
 #include "ombra/engine/engine.h"
 #include "ombra/ftp/ftpservice.h"
@@ -20,13 +21,15 @@
 #include "ombra/show/showstore.h"
 #include "ombra/show/slotfacts.h"
 #include "ombra/show/slotprober.h"
-#include "tarn/discovery/networklocator.h"
+#include "tarn/discovery/networkresponder.h"
 #include "tarn/log/log.h"
 #include "tarn/media/playenums.h"
 
 #include <boost/asio/post.hpp>
 
 #include <chrono>
+#include <cstdio>
+#include <random>
 
 namespace vantrel::ombra {
 
@@ -48,6 +51,15 @@ void probeSome(const std::filesystem::path& media, MediaLibrary& library)
                 library.findCollection(index)->insertMediaSlot(number, probed, true);
         }
     }
+}
+
+/// Tells one server that is found at several addresses from several servers.
+std::string runId()
+{
+    std::random_device random;
+    char text[17] = {};
+    std::snprintf(text, sizeof text, "%08x%08x", random(), random());
+    return text;
 }
 
 } // namespace
@@ -151,8 +163,14 @@ bool Server::openPorts(std::string* error)
         !m_preview->listen(m_options.bind, m_options.previewPort, error) || !openFiles(error))
         return false;
     if (m_options.discovery) {
-        m_responder = std::make_unique<NetworkResponder>(
-            m_io, std::map<std::string, std::string>{{"name", hostName()}, {"version", versionText()}});
+        m_responder = std::make_unique<NetworkResponder>(m_io, [this, id = runId()] {
+            discovery::Attributes attributes = programAttributes(*m_scene, m_store->library());
+            attributes.insert({{"name", hostName()},
+                               {"version", versionText()},
+                               {"id", id},
+                               {"link", std::to_string(m_link->port())}});
+            return attributes;
+        });
         m_responder->start(m_options.bind);
     }
     return true;

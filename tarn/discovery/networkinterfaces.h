@@ -1,12 +1,19 @@
 #pragma once
 
-#include <boost/asio/ip/address_v4.hpp>
+#include <boost/asio/ip/address.hpp>
 
 #include <vector>
 
 namespace vantrel {
 
-/// The IPv4 addresses of all interfaces that are up.
-std::vector<boost::asio::ip::address_v4> interfaceAddresses();
+/// An address that this machine has, and the interface that has it.
+struct NetworkInterface
+{
+    boost::asio::ip::address address; // one of a link alone names it by its scope
+    unsigned int index = 0;
+};
+
+/// All addresses of the interfaces that are up.
+std::vector<NetworkInterface> networkInterfaces();
 
 } // namespace vantrel

@@ -1,67 +1,64 @@
 #pragma once
 
-#include <boost/asio/ip/udp.hpp>
+#include "tarn/discovery/searchtext.h"
 
+#include <boost/asio/ip/address.hpp>
+
+#include <functional>
 #include <map>
-#include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace vantrel {
 
-/// A server that answered: where it is, and what it says of itself ("name", "version").
+/// A server that answered: where it is, and what it says of itself ("name", "version", "id", "link",
+/// "program", "state").
 struct NetworkPeer
 {
     std::string address;
-    std::map<std::string, std::string> attributes;
+    discovery::Attributes attributes;
 
     friend bool operator==(const NetworkPeer&, const NetworkPeer&) = default;
 };
-
-/// Where searches and answers meet: datagrams of at most 1400 bytes of JSON. A search is {"locate": 1} to the
-/// group, the answer goes to the one who asks, as {"peer": {"name": ..., "version": ...}}; the address is the
-/// sender's.
-namespace discovery {
-
-inline constexpr const char* group = "239.255.110.60";
-inline constexpr unsigned short port = 11062;
-
-} // namespace discovery
 
 /// Finds the servers of the local networks, the loopback interface included. One thread.
 class NetworkLocator
 {
 public:
+    /// Told every 20 ms of a search: whether somebody new is among the peers. False ends the search.
+    using Progress = std::function<bool(bool isNews)>;
+
     explicit NetworkLocator(unsigned short port = discovery::port)
         : m_port(port)
     {
     }
 
-    /// Asks on all interfaces and collects answers for the whole time. False when no search could be sent.
-    bool findPeers(unsigned int timeoutMs);
-    /// Those that answered the last search, by address.
+    /// Asks on all interfaces, four times, and collects answers for the whole time. False when no search
+    /// could be sent, or when it was ended early.
+    bool findPeers(unsigned int timeoutMs, const Progress& progress = {});
+    /// Those that answered the last search; while one runs, also those that have answered it by now. A server
+    /// with an "id" that answers from several addresses is one peer, at the one that is reached best.
     std::vector<NetworkPeer> currentPeers() const;
 
 private:
+    class Search;
+    struct Heard
+    {
+        NetworkPeer peer;
+        unsigned int search = 0; // the last one that it answered
+    };
+    // One machine may run several servers, on ports of their own ("link"). An id does not tell them apart:
+    // one that was started again has another.
+    using Key = std::pair<boost::asio::ip::address, std::string>;
+
+    bool hear(const boost::asio::ip::address& sender, std::string_view datagram);
+    bool hasRoom(const boost::asio::ip::address& sender) const;
+
     unsigned short m_port;
-    std::vector<NetworkPeer> m_peers;
-};
-
-/// The server's side: answers searches on the interface that the server is bound to. Lives on the loop's
-/// thread.
-class NetworkResponder
-{
-public:
-    NetworkResponder(boost::asio::io_context& loop, std::map<std::string, std::string> attributes);
-    ~NetworkResponder();
-
-    /// With the unspecified address it answers on all interfaces. False, with a log line, when the port is
-    /// not to be had.
-    bool start(const boost::asio::ip::address& bound, unsigned short port = discovery::port);
-
-private:
-    struct Impl;
-    std::shared_ptr<Impl> m_impl;
+    unsigned int m_search = 0;
+    unsigned int m_readAnswers = 0; // in this search
+    std::map<Key, Heard> m_heard;
 };
 
 } // namespace vantrel

@@ -52,6 +52,7 @@ class Document:
     def __init__(self, text):
         self.properties, self.methods, self.writable, self.routes, self.statuses = set(), set(), set(), set(), set()
         self.enumerations, self.units, self.used, self.operations, self.records = set(), set(), set(), set(), {}
+        self.attributes = set()
         self.text, self.frame = text, []
         self.types = set(re.findall(r"^    .* {3,}([A-Z]\w+)$", text, re.M))
         for heading, columns, rows in tables(text):
@@ -83,6 +84,8 @@ class Document:
             self.units.add(row[0])
         elif kind == "Offset":
             self.frame.append((int(row[0]), int(row[1]), row[3]))
+        elif kind == "Attribute":
+            self.attributes.add(row[0])
         elif kind == "Operation":
             self.operations.add(row[0].strip("`"))
 
@@ -172,7 +175,7 @@ class Server:
         ports = [word for name in ("http", "link", "preview", "ftp") for word in (f"--{name}-port", "0")]
         self.log = open(folder / "log", "wb")
         self.process = subprocess.Popen([program, "--media", folder / "media", "--state", folder / "state",
-                                         "--no-discovery", *ports], stdout=subprocess.PIPE, stderr=self.log, text=True)
+                                         *ports], stdout=subprocess.PIPE, stderr=self.log, text=True)
         self.ports = dict(re.findall(r"(\w+)=(\d+)", self.process.stdout.readline()))
         if len(self.ports) != 4:
             sys.exit("ombra does not start: " + (folder / "log").read_text())
@@ -235,6 +238,22 @@ class Server:
             header = stream.read(40)
             return header, stream.read(int.from_bytes(header[32:36], "little"))
 
+    def discovered(self, question):
+        """What it says of itself to one who sends these bytes to its group; other servers answer as well."""
+        with socket.socket(socket.AF_INET, socket.SOCK_DGRAM) as search:
+            search.bind(("127.0.0.1", 0))
+            search.setsockopt(socket.IPPROTO_IP, socket.IP_MULTICAST_IF, socket.inet_aton("127.0.0.1"))
+            search.settimeout(5)
+            search.sendto(question, ("239.255.110.60", 11062))
+            while True:
+                try:
+                    answer, sender = search.recvfrom(1401)
+                except TimeoutError:
+                    return {}
+                peer = json.loads(answer)["peer"]
+                if peer.get("link") == self.ports["link"] and sender[0] == "127.0.0.1":
+                    return peer
+
 
 def collect(value, found):
     for name in value.get("properties", {}) if isinstance(value, dict) and "type" in value else ():
@@ -279,6 +298,14 @@ def check_frames(document, server):
         faults.append("docs/protocol.md: the header of a preview frame has 40 bytes")
 
 
+def check_discovery(document, server):
+    """After the example: there is something on program."""
+    peer = server.discovered(example_bytes(document.text, "Discovery"))
+    same("the attribute", document.attributes, peer)
+    if (peer.get("program"), peer.get("state")) != ("red", "play"):
+        faults.append(f"docs/protocol.md: an answer does not tell what is on program: {peer}")
+
+
 def check_server(document, server):
     told = server.scene(example_bytes(document.text, "The link"))
     same("the property", {name.split(":")[0] for name in document.properties}, told)
@@ -292,17 +319,22 @@ def check_server(document, server):
     check_frames(document, server)
 
 
+def run_example(root, server):
+    return subprocess.run([sys.executable, root / "docs/examples/cue_and_take.py", "127.0.0.1", server.ports["link"],
+                           server.ports["http"]], capture_output=True, text=True, timeout=30)
+
+
 def check_example(root, server):
-    example = [sys.executable, root / "docs/examples/cue_and_take.py", "127.0.0.1"]
-    done = subprocess.run([*example, server.ports["link"], server.ports["http"]], capture_output=True, text=True,
-                          timeout=30)
+    done = run_example(root, server)
     if done.returncode != 0 or done.stdout != "on program: brume://collections/1/slots/1 (red)\n":
         faults.append(f"docs/examples/cue_and_take.py does not take: {done.stdout}{done.stderr}")
     if len((root / "docs/examples/cue_and_take.py").read_text().splitlines()) >= 100:
         faults.append("docs/examples/cue_and_take.py has 100 lines or more")
+
+
+def check_example_without_slots(root, server):
     server.ask("POST", "/medialibrary", "{}")
-    empty = subprocess.run([*example, server.ports["link"], server.ports["http"]], capture_output=True, text=True,
-                           timeout=30)
+    empty = run_example(root, server)
     if empty.returncode == 0 or "no slot" not in empty.stderr:
         faults.append("docs/examples/cue_and_take.py says nothing of an empty library")
 
@@ -324,6 +356,8 @@ def main(root, program):
         try:
             check_server(document, server)
             check_example(root, server)
+            check_discovery(document, server)
+            check_example_without_slots(root, server)
         finally:
             server.end()
     for fault in dict.fromkeys(faults):

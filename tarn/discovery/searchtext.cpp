@@ -1,0 +1,50 @@
+#include "tarn/discovery/searchtext.h"
+
+#include "tarn/json/json.h"
+
+namespace vantrel::discovery {
+
+namespace {
+
+constexpr std::size_t maxAttributes = 16;
+
+} // namespace
+
+std::string questionText()
+{
+    return Json::object({{"locate", Json(1)}}).toString();
+}
+
+bool isQuestion(std::string_view datagram)
+{
+    Json question;
+    return Json::parseString(datagram, question) && question.get("locate").asInt() == 1;
+}
+
+std::string answerText(const Attributes& attributes)
+{
+    Json peer = Json::object();
+    for (const auto& [name, value] : attributes)
+        peer.set(name, Json(value));
+    std::string text = Json::object({{"peer", peer}}).toString();
+    return text.size() <= maxDatagram ? text : std::string();
+}
+
+std::optional<Attributes> parseAnswer(std::string_view datagram)
+{
+    Json answer;
+    if (datagram.size() > maxDatagram || !Json::parseString(datagram, answer))
+        return std::nullopt;
+    const Json* peer = answer.find("peer");
+    if (!peer || !peer->isObject())
+        return std::nullopt;
+    Attributes attributes;
+    peer->forEachMember([&](std::string_view name, const Json& value) {
+        if (value.isString())
+            attributes.emplace(name, value.asString());
+        return attributes.size() < maxAttributes;
+    });
+    return attributes;
+}
+
+} // namespace vantrel::discovery
