@@ -7,21 +7,29 @@ namespace vantrel {
 
 namespace asio = boost::asio;
 
-bool Network::resolve(const std::string& host, asio::ip::address& out)
+std::vector<asio::ip::address> Network::resolveAll(const std::string& host)
 {
     if (host.empty())
-        return false;
+        return {};
+    const bool isBracketed = host.front() == '[' && host.back() == ']';
     boost::system::error_code error;
-    if (const auto address = asio::ip::make_address(host, error); !error) {
-        out = address;
-        return true;
-    }
+    const auto written = asio::ip::make_address(isBracketed ? host.substr(1, host.size() - 2) : host, error);
+    if (!error)
+        return {written};
     asio::io_context loop;
     asio::ip::tcp::resolver resolver(loop);
-    const auto found = resolver.resolve(host, "", error);
-    if (error || found.empty())
+    std::vector<asio::ip::address> addresses;
+    for (const auto& entry : resolver.resolve(host, "", error))
+        addresses.push_back(entry.endpoint().address());
+    return addresses;
+}
+
+bool Network::resolve(const std::string& host, asio::ip::address& out)
+{
+    const auto addresses = resolveAll(host);
+    if (addresses.empty())
         return false;
-    out = found.begin()->endpoint().address();
+    out = addresses.front();
     return true;
 }
 

@@ -5,6 +5,7 @@
 #include <boost/asio/ip/address.hpp>
 
 #include <string>
+#include <vector>
 
 namespace vantrel {
 
@@ -12,7 +13,10 @@ namespace vantrel {
 class Network : public RefCounted
 {
 public:
-    /// The first address of a host name or of a dotted address; blocks. False when there is none.
+    /// The addresses of a host name, the one to try first in front, or the one that is written there, also in
+    /// the brackets of a URL; blocks. Empty when there is none.
+    std::vector<boost::asio::ip::address> resolveAll(const std::string& host);
+    /// The first of them. False when there is none.
     bool resolve(const std::string& host, boost::asio::ip::address& out);
 };
 

@@ -1,10 +1,12 @@
 #include "common/command/playback/playmediacommand.h"
 #include "common/command/playback/setvolumecommand.h"
+#include "common/filesystem/models/filesmodel.h"
 #include "common/media/items/guimediaslot.h"
 #include "common/media/library/medialibraryapi.h"
 #include "common/media/library/medialibraryprovider.h"
 #include "common/outputs/outputview.h"
 #include "common/session/link/connectionhandler.h"
+#include "common/session/link/metadataclient.h"
 #include "common/session/link/previewthread.h"
 #include "common/session/link/systemproxy.h"
 #include "common/session/mirror/guimapping.h"
@@ -81,13 +83,7 @@ private Q_SLOTS:
         // Requests in flight when a server is killed fail; what they say is not the subject here.
         allowWarnings(QStringLiteral("Getting system property failed"));
         allowWarnings(QStringLiteral("Failed to get media library"));
-        m_server = std::make_unique<OmbraProcess>();
-        QImage red(64, 36, QImage::Format_RGB32);
-        red.fill(QColor(220, 10, 10));
-        QVERIFY(red.save(m_server->mediaFolder() + QStringLiteral("/red.png")));
-        QVERIFY(m_server->start());
-        m_session = new Session;
-        Session::initializeWith(m_session, m_server->ports());
+        QVERIFY(begin(QStringLiteral("127.0.0.1")));
     }
     void cleanup()
     {
@@ -152,9 +148,25 @@ private Q_SLOTS:
         QTRY_COMPARE(program->value().toInt(), int(AudioPlaybackDevice::Xlr));
     }
 
+    void playsAndShowsThePicture_data()
+    {
+        QTest::addColumn<QString>("host");
+        QTest::addColumn<QString>("typed");
+        QTest::newRow("IPv4") << "127.0.0.1"
+                              << "127.0.0.1";
+        QTest::newRow("IPv6 only") << "::1"
+                                   << "::1";
+        QTest::newRow("IPv6, as in a URL") << "::1"
+                                           << "[::1]";
+    }
+
     void playsAndShowsThePicture()
     {
-        QVERIFY(connectAndLoad());
+        QFETCH(QString, host);
+        QFETCH(QString, typed);
+        cleanup();
+        QVERIFY(begin(host));
+        QVERIFY(connectAndLoad(typed));
         QVERIFY(addSlot());
         QColor seen;
         connect(m_session->preview(), &PreviewThread::previewFrame, this,
@@ -170,6 +182,11 @@ private Q_SLOTS:
         QTRY_COMPARE(playback->state(), SourcePlayState::Play);
         QTRY_COMPARE(playback->duration(), 5.0);
         QTRY_VERIFY(seen.red() > 180 && seen.green() < 60 && seen.blue() < 60);
+        // The other ways to the same server: its events, its files and what it says of itself.
+        QTRY_VERIFY(m_session->metadataClient()->isKeepaliveRunning());
+        m_session->serverFilesModel()->setDirectoryPath(QStringLiteral("/"));
+        QTRY_COMPARE(m_session->serverFilesModel()->count(), 1);
+        QTRY_VERIFY(!m_session->systemProxy()->version().isEmpty());
     }
 
     void comesBackAfterTheServerWasKilled()
@@ -193,10 +210,23 @@ private Q_SLOTS:
     }
 
 private:
-    bool connectAndLoad()
+    bool begin(const QString& host)
+    {
+        m_server = std::make_unique<OmbraProcess>();
+        m_server->setHost(host);
+        QImage red(64, 36, QImage::Format_RGB32);
+        red.fill(QColor(220, 10, 10));
+        if (!red.save(m_server->mediaFolder() + QStringLiteral("/red.png")) || !m_server->start())
+            return false;
+        m_session = new Session;
+        Session::initializeWith(m_session, m_server->ports());
+        return true;
+    }
+    bool connectAndLoad() { return connectAndLoad(m_server->host()); }
+    bool connectAndLoad(const QString& host)
     {
         QSignalSpy loaded(m_session, &Session::sceneLoaded);
-        m_session->connectionHandler()->connect(m_server->host());
+        m_session->connectionHandler()->connect(host);
         return loaded.count() > 0 || loaded.wait(15000);
     }
     bool addSlot()

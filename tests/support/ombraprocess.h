@@ -45,7 +45,9 @@ public:
     QString stateFolder() const;
     /// Of the interfaces that it told.
     ServerPorts ports() const { return m_ports; }
-    QString host() const { return QStringLiteral("127.0.0.1"); }
+    QString host() const { return m_host; }
+    /// Before start(): the one address that it serves at, in place of 127.0.0.1.
+    void setHost(const QString& address) { m_host = address; }
     /// What it wrote so far, for the message of a failed test.
     QByteArray output();
 
@@ -54,6 +56,7 @@ private:
 
     QTemporaryDir m_folder;
     QString m_mediaFolder;
+    QString m_host = QStringLiteral("127.0.0.1");
     std::unique_ptr<QProcess> m_process;
     QByteArray m_output;
     ServerPorts m_ports{0, 0, 0, 0, 0};

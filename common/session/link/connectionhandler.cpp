@@ -14,6 +14,7 @@ namespace vantrel {
 
 namespace {
 constexpr unsigned int connectTimeout = 30000; // milliseconds
+constexpr unsigned int passOnTimeout = 5000;   // of an address that is not the host's last
 constexpr int reconnectTime = 2000;            // milliseconds
 constexpr int errorRefused = 111;
 // An attempt that fails at once is not repeated at once: a host without a route would else keep a core busy
@@ -214,12 +215,11 @@ bool ConnectionHandler::prepare(Attempt& attempt)
     attempt.host = m_host;
     // Without the lock: a slow name server must not hold up the main thread's connect() and disconnect().
     lock.unlock();
-    const bool resolved = m_network->resolve(attempt.host.toStdString(), attempt.address);
+    attempt.addresses = m_network->resolveAll(attempt.host.toStdString());
     lock.relock();
     if (m_host != attempt.host)
         return false;
-    m_address = resolved ? attempt.address : boost::asio::ip::address();
-    if (!resolved) {
+    if (attempt.addresses.empty()) {
         fail(lock, tr("There is no server of that name on the network."));
         return false;
     }
@@ -248,14 +248,33 @@ void ConnectionHandler::fail(QMutexLocker<QMutex>& lock, const QString& reason)
         tellPause(next);
 }
 
-/// May take the whole time-out.
-bool ConnectionHandler::openLink(const Attempt& attempt, int& error)
+/// Whether nobody has chosen another host, or given up, since it began.
+bool ConnectionHandler::isWanted(const Attempt& attempt) const
+{
+    const QMutexLocker lock(&m_mutex);
+    return !isInterruptionRequested() && m_host == attempt.host;
+}
+
+/// Tries the addresses of the host in turn: a server need not be at all of them. May take the whole
+/// time-out.
+bool ConnectionHandler::openLink(Attempt& attempt, int& error)
 {
     // The failures of a retry loop would fill the log.
     const bool quiet = attempt.stateBefore == State::Retrying;
     if (quiet)
         m_client->setVerbose(false);
-    const bool success = m_client->connect(attempt.address, m_linkPort, connectTimeout, &error);
+    bool success = false;
+    bool isRefused = false;
+    for (const auto& address : attempt.addresses) {
+        attempt.address = address;
+        const bool isLast = &address == &attempt.addresses.back();
+        success = m_client->connect(address, m_linkPort, isLast ? connectTimeout : passOnTimeout, &error);
+        if (success || !isWanted(attempt))
+            break;
+        isRefused = isRefused || error == errorRefused;
+    }
+    if (!success && isRefused)
+        error = errorRefused; // of all that went wrong this tells most
     if (quiet)
         m_client->setVerbose(true);
     return success;
@@ -294,6 +313,7 @@ bool ConnectionHandler::settle(const Attempt& attempt)
             return false;
         }
         m_home = attempt.host;
+        m_address = attempt.address;
         m_linkSince = now();
         enter(State::Connected, attempt.host);
     }

@@ -13,6 +13,7 @@
 #include <atomic>
 #include <condition_variable>
 #include <memory>
+#include <vector>
 
 namespace vantrel {
 
@@ -102,7 +103,8 @@ private:
     struct Attempt
     {
         QString host;
-        boost::asio::ip::address address;
+        std::vector<boost::asio::ip::address> addresses; // of the host
+        boost::asio::ip::address address;                // the one that answered
         State stateBefore = State::Idle;
     };
     static bool isLinked(State state) { return state == State::Connected || state == State::Changing; }
@@ -111,7 +113,8 @@ private:
     static void onClientDataStatic(JsonClient* client, void* user);
     void onClientData();
     bool prepare(Attempt& attempt);
-    bool openLink(const Attempt& attempt, int& error);
+    bool openLink(Attempt& attempt, int& error);
+    bool isWanted(const Attempt& attempt) const;
     bool settle(const Attempt& attempt);
     void handleFailure(const Attempt& attempt, int error);
     void fail(QMutexLocker<QMutex>& lock, const QString& reason);

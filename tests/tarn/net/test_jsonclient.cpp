@@ -413,7 +413,9 @@ void TestJsonClient::resolvesNames_data()
     QTest::addColumn<QByteArray>("address");
     QTest::newRow("dotted") << QByteArray("127.0.0.7") << QByteArray("127.0.0.7");
     QTest::newRow("version six") << QByteArray("::1") << QByteArray("::1");
+    QTest::newRow("version six, as in a URL") << QByteArray("[::1]") << QByteArray("::1");
     QTest::newRow("nothing") << QByteArray("") << QByteArray();
+    QTest::newRow("a bracket") << QByteArray("[") << QByteArray();
     QTest::newRow("no name") << QByteArray("no such host.invalid") << QByteArray();
     QTest::newRow("too many dots") << QByteArray("127.0.0..1") << QByteArray();
 }
