@@ -15,9 +15,13 @@ class LocatorThread : public QThread
     Q_OBJECT
 
 public:
-    using QThread::QThread;
+    explicit LocatorThread(quint16 port = discovery::port, QObject* parent = nullptr)
+        : QThread(parent)
+        , m_locator(port)
+    {
+    }
 
-    /// A copy of what the last search found. Any thread.
+    /// A copy of what has been found. Any thread.
     std::vector<NetworkPeer> peers() const;
 
 Q_SIGNALS:
@@ -27,6 +31,8 @@ protected:
     void run() override;
 
 private:
+    void publish();
+
     NetworkLocator m_locator;
     mutable QMutex m_mutex; // guards m_peers
     std::vector<NetworkPeer> m_peers;

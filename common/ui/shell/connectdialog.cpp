@@ -9,9 +9,13 @@
 
 #include <QHeaderView>
 #include <QProgressBar>
+#include <QScreen>
+#include <QScrollBar>
 #include <QStackedWidget>
 #include <QTableView>
 #include <QVBoxLayout>
+
+#include <algorithm>
 
 namespace vantrel {
 
@@ -39,7 +43,13 @@ ConnectDialog::ConnectDialog(QWidget* parent)
         Q_EMIT disconnectRequested();
     });
     setObjectNames(QStringLiteral("ConnectDialog"));
-    followFontSize(this, [this](FontSize size) { setMinimumWidth(scaled(460, size)); });
+    followFontSize(this, [this](FontSize size) {
+        const QSize room = screen()->availableSize();
+        setMinimumWidth(std::min(scaled(680, size), room.width() * 9 / 10));
+        m_servers->verticalHeader()->setDefaultSectionSize(scaled(28, size));
+        m_servers->horizontalHeader()->setMaximumSectionSize(scaled(200, size));
+        m_found->setMinimumHeight(std::min(scaled(264, size), room.height() / 3));
+    });
     m_address->setText(configurationValue(CONNECTION_HOST).toString());
     setConnectDialog();
 }
@@ -64,28 +74,13 @@ QWidget* ConnectDialog::makeForm()
 
     auto* found = new ZTLabel(tr("Servers on this network"), form);
     found->setStyleClass(QStringLiteral("section"));
-    m_servers = new QTableView(form);
-    m_servers->setModel(m_locator);
-    m_servers->setSelectionBehavior(QAbstractItemView::SelectRows);
-    m_servers->setSelectionMode(QAbstractItemView::SingleSelection);
-    m_servers->setShowGrid(false);
-    m_servers->setTabKeyNavigation(false);
-    m_servers->verticalHeader()->hide();
-    m_servers->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
-    m_servers->horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
-    m_servers->horizontalHeader()->setHighlightSections(false);
-    m_servers->setMinimumHeight(120);
+    makeServers(form);
     m_servers->setAccessibleName(found->text());
-    connect(m_servers, &QTableView::clicked, this, [this](const QModelIndex& index) {
-        m_address->setText(index.siblingAtColumn(0).data().toString());
-    });
-    connect(m_servers, &QTableView::doubleClicked, this, [this] { doConnect(); });
 
     m_noServers = new ZTLabel(tr("Searching. None has answered yet: type the address above."), form);
     m_noServers->setStyleClass(QStringLiteral("dim"));
     m_noServers->setAlignment(Qt::AlignLeft | Qt::AlignTop);
     m_noServers->setWordWrap(true);
-    m_noServers->setMinimumHeight(120);
 
     layout->addWidget(section);
     layout->addWidget(label);
@@ -96,15 +91,58 @@ QWidget* ConnectDialog::makeForm()
     m_found->addWidget(m_servers);
     m_found->addWidget(m_noServers);
     layout->addWidget(m_found, 1);
+    connect(m_locator, &LocatorModel::modelAboutToBeReset, this,
+            [this] { m_scrolled = m_servers->verticalScrollBar()->value(); });
     connect(m_locator, &LocatorModel::modelReset, this, &ConnectDialog::showServers);
     showServers();
     return form;
+}
+
+void ConnectDialog::makeServers(QWidget* form)
+{
+    m_servers = new QTableView(form);
+    m_servers->setModel(m_locator);
+    m_servers->setSelectionBehavior(QAbstractItemView::SelectRows);
+    m_servers->setSelectionMode(QAbstractItemView::SingleSelection);
+    m_servers->setShowGrid(false);
+    m_servers->setWordWrap(false);
+    m_servers->setTabKeyNavigation(false);
+    m_servers->setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
+    m_servers->verticalHeader()->hide();
+    QHeaderView* header = m_servers->horizontalHeader();
+    header->moveSection(LocatorModel::NameColumn, 0); // what an operator looks for comes first
+    header->moveSection(header->visualIndex(LocatorModel::VersionColumn), LocatorModel::ProgramColumn);
+    header->setSectionResizeMode(QHeaderView::ResizeToContents);
+    header->setSectionResizeMode(LocatorModel::NameColumn, QHeaderView::Stretch);
+    header->setSectionResizeMode(LocatorModel::ProgramColumn, QHeaderView::Stretch);
+    header->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    header->setHighlightSections(false);
+    connect(m_servers->selectionModel(), &QItemSelectionModel::currentRowChanged, this,
+            &ConnectDialog::chooseServer);
+    connect(m_servers, &QTableView::doubleClicked, this, &ConnectDialog::doConnect);
+}
+
+/// By mouse or by keyboard; the row is chosen again when the list has become another one.
+void ConnectDialog::chooseServer(const QModelIndex& index)
+{
+    if (!index.isValid())
+        return;
+    m_chosen = index.siblingAtColumn(LocatorModel::AddressColumn).data().toString();
+    m_address->setText(m_chosen);
 }
 
 void ConnectDialog::showServers()
 {
     const bool found = m_locator->rowCount() > 0;
     m_found->setCurrentWidget(found ? static_cast<QWidget*>(m_servers) : m_noServers);
+    for (int row = 0; row < m_locator->rowCount() && !m_chosen.isEmpty(); ++row) {
+        const QModelIndex index = m_locator->index(row, LocatorModel::AddressColumn);
+        if (index.data().toString() == m_chosen && index.flags().testFlag(Qt::ItemIsEnabled)) {
+            m_servers->setCurrentIndex(index);
+            break;
+        }
+    }
+    m_servers->verticalScrollBar()->setValue(m_scrolled);
 }
 
 QWidget* ConnectDialog::makeMessage()
@@ -122,6 +160,11 @@ QWidget* ConnectDialog::makeMessage()
     layout->addWidget(m_progress);
     layout->addStretch(1);
     return page;
+}
+
+void ConnectDialog::setLinkPort(quint16 port)
+{
+    m_locator->setLinkPort(port);
 }
 
 void ConnectDialog::setFace(const QString& title, const QString& accept, const QString& styleClass,
@@ -223,6 +266,10 @@ void ConnectDialog::doConnect()
 void ConnectDialog::validateAddress(const QString& text)
 {
     m_addressValid = isValidAddress(text);
+    if (text != m_chosen) { // what is typed is none of the list
+        m_chosen.clear();
+        m_servers->selectionModel()->clear();
+    }
     if (m_pages->currentIndex() == 0)
         setAcceptEnabled(m_addressValid);
 }

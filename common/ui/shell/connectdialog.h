@@ -2,6 +2,7 @@
 
 #include "common/ui/toolkit/ztdialog.h"
 
+class QModelIndex;
 class QProgressBar;
 class QStackedWidget;
 class QTableView;
@@ -21,6 +22,8 @@ public:
     explicit ConnectDialog(QWidget* parent = nullptr);
     ~ConnectDialog() override;
 
+    /// The port of the link that an address is connected to.
+    void setLinkPort(quint16 port);
     void setConnectDialog();
     void setConnectingDialog(const QString& host);
     void setDisconnectionDialog(const QString& host);
@@ -50,6 +53,8 @@ Q_SIGNALS:
 private:
     QWidget* makeForm();
     QWidget* makeMessage();
+    void makeServers(QWidget* form);
+    void chooseServer(const QModelIndex& index);
     void showServers();
     void setFace(const QString& title, const QString& accept, const QString& styleClass,
                  const std::function<void()>& action);
@@ -66,6 +71,8 @@ private:
     QProgressBar* m_progress = nullptr;
     PushButton* m_disconnect;
     QMetaObject::Connection m_acceptAction;
+    QString m_chosen; // address of the row that the address field was filled from
+    int m_scrolled = 0;
     bool m_attemptInProgress = false;
     bool m_addressValid = false;
 };

@@ -347,6 +347,7 @@ ConnectDialog* MainWindow::connectDialog()
 {
     if (!m_connectDialog) {
         m_connectDialog = new ConnectDialog(this);
+        m_connectDialog->setLinkPort(m_session->ports().link);
         connect(m_connectDialog, &ConnectDialog::stop, m_session->connectionHandler(),
                 &ConnectionHandler::goBack);
         connect(m_connectDialog, &ConnectDialog::disconnectRequested, this,

@@ -29,8 +29,10 @@
 
 #include <QAbstractItemModelTester>
 #include <QDirIterator>
+#include <QScrollBar>
 #include <QSignalSpy>
 #include <QSvgRenderer>
+#include <QTableView>
 #include <QTest>
 #include <QUndoStack>
 
@@ -315,17 +317,69 @@ private Q_SLOTS:
     {
         LocatorModel model(nullptr);
         const QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::Fatal);
-        const NetworkPeer a{"10.0.0.1", {{"version", "1.4"}}};
-        const NetworkPeer b{"10.0.0.2", {}};
+        const NetworkPeer a{"10.0.0.9", {{"version", "1.4"}, {"program", "Walk-in"}, {"state", "pause"}}};
+        const NetworkPeer b{"10.0.0.10", {{"link", "11070"}, {"name", "<b>b</b>"}}};
         model.setPeers({b, a});
         QSignalSpy reset(&model, &QAbstractItemModel::modelReset);
         model.setPeers({a, b});
         QCOMPARE(reset.size(), 0);
-        QCOMPARE(model.index(0, 0).data().toString(), QStringLiteral("10.0.0.1"));
-        QCOMPARE(model.index(0, 1).data().toString(), QStringLiteral("1.4"));
-        QVERIFY(!model.index(1, 1).data().isValid());
-        model.setPeers({a, {"10.0.0.2", {{"version", "2"}}}});
-        QCOMPARE(reset.size(), 1);
+        const auto text = [&](int row, int column) { return model.index(row, column).data().toString(); };
+        QCOMPARE(text(0, LocatorModel::AddressColumn), QStringLiteral("10.0.0.9"));
+        QCOMPARE(text(0, LocatorModel::VersionColumn), QStringLiteral("1.4"));
+        QCOMPARE(text(0, LocatorModel::ProgramColumn), QStringLiteral("Walk-in (paused)"));
+        QCOMPARE(text(1, LocatorModel::NameColumn), QStringLiteral("<b>b</b>"));
+        QVERIFY(!model.index(1, LocatorModel::VersionColumn).data().isValid());
+        // One that cannot be connected to is shown, and says why.
+        QVERIFY(!model.flags(model.index(1, 0)).testFlag(Qt::ItemIsEnabled));
+        QVERIFY(model.index(1, 0).data(Qt::ToolTipRole).toString().contains(QStringLiteral("11070")));
+        model.setLinkPort(11070);
+        QVERIFY(model.flags(model.index(1, 0)).testFlag(Qt::ItemIsEnabled));
+        QCOMPARE(model.index(1, LocatorModel::NameColumn).data(Qt::ToolTipRole).toString(),
+                 QStringLiteral("<p>&lt;b&gt;b&lt;/b&gt;</p>"));
+        model.setPeers({a, {"10.0.0.10", {{"version", "2"}}}});
+        QCOMPARE(reset.size(), 2);
+    }
+
+    void aChosenServerStaysChosen()
+    {
+        const test::TestSettings settings;
+        ConnectDialog dialog;
+        dialog.showConnectDialog();
+        auto* view = dialog.findChild<QTableView*>(QStringLiteral("ConnectDialog-servers-view"));
+        auto* address = dialog.findChild<ZTEdit*>(QStringLiteral("ConnectDialog-input-AddressBar"));
+        auto* model = qobject_cast<LocatorModel*>(view->model());
+        const auto chosen = [&] {
+            const QModelIndexList rows = view->selectionModel()->selectedRows();
+            return rows.size() == 1 ? rows.first().data().toString() : QString();
+        };
+        std::vector<NetworkPeer> peers;
+        for (int i = 1; i <= 50; ++i)
+            peers.push_back({"10.0.0." + std::to_string(i), {}});
+        model->setPeers(peers);
+        view->setCurrentIndex(model->index(0, 0));
+        QTest::keyClick(view, Qt::Key_Down);
+        QCOMPARE(address->text(), QStringLiteral("10.0.0.2"));
+        view->verticalScrollBar()->setValue(view->verticalScrollBar()->maximum());
+        const int place = view->verticalScrollBar()->value();
+        // The list becomes another one while the operator looks at its end.
+        peers[4].attributes["program"] = "Clock";
+        peers.insert(peers.begin(), {"10.0.0.0", {}});
+        model->setPeers(peers);
+        QCOMPARE(chosen(), QStringLiteral("10.0.0.2"));
+        QCOMPARE(view->verticalScrollBar()->value(), place);
+        QCOMPARE(address->text(), QStringLiteral("10.0.0.2"));
+        // What is typed is nobody's of the list, and is left alone.
+        address->setText(QStringLiteral("stage"));
+        QCOMPARE(chosen(), QString());
+        model->setPeers({peers[2]});
+        QCOMPARE(chosen(), QString());
+        QCOMPARE(address->text(), QStringLiteral("stage"));
+        QSignalSpy requested(&dialog, &ConnectDialog::connectRequested);
+        const QPoint row = view->visualRect(model->index(0, 0)).center();
+        QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, row);
+        QTest::mouseDClick(view->viewport(), Qt::LeftButton, {}, row);
+        QCOMPARE(requested.size(), 1);
+        QCOMPARE(requested.first().first().toString(), QStringLiteral("10.0.0.2"));
     }
 
     void showListHoldsEachNameOnce()
