@@ -19,7 +19,7 @@ using namespace vantrel::ombra;
 
 constexpr const char* usage =
     "usage: ombra --media DIR --state DIR [--bind ADDR] [--http-port N] [--link-port N] [--preview-port N]\n"
-    "             [--ftp-port N] [--host-name NAME]... [--no-discovery] [--log FILE]\n"
+    "             [--ftp-port N] [--host-name NAME]... [--no-discovery] [--simulate-outputs] [--log FILE]\n"
     "\n"
     "  --media DIR        the folder of the media files\n"
     "  --state DIR        where the show is kept; made where needed\n"
@@ -31,6 +31,7 @@ constexpr const char* usage =
     "  --host-name NAME   a name that clients may call it by, beside the machine's own; several are "
     "possible\n"
     "  --no-discovery     do not answer searches of the network\n"
+    "  --simulate-outputs displays are plugged in and out by POST /api/brume/v1/simulate/outputs/0 and 1\n"
     "  --log FILE         write the log there instead of to standard error: 10 MB a file, FILE and FILE.1 to "
     "FILE.4\n";
 
@@ -81,6 +82,8 @@ std::optional<Arguments> parseArguments(int argc, char** argv)
     for (int i = 1; i < argc; ++i) {
         if (std::strcmp(argv[i], "--no-discovery") == 0) {
             arguments.server.discovery = false;
+        } else if (std::strcmp(argv[i], "--simulate-outputs") == 0) {
+            arguments.server.simulateOutputs = true;
         } else if (i + 1 >= argc || !parseOption(argv[i], argv[i + 1], arguments)) {
             std::fprintf(stderr, "ombra: cannot use \"%s%s%s\"\n%s", argv[i], i + 1 < argc ? " " : "",
                          i + 1 < argc ? argv[i + 1] : "", usage);

@@ -68,6 +68,7 @@ Server::Server(boost::asio::io_context& io, ServerOptions options)
     : m_io(io)
     , m_options(std::move(options))
     , m_scene(makeRef<Scene>())
+    , m_seconds(io)
 {
 }
 
@@ -103,10 +104,15 @@ bool Server::start(std::string* error)
         m_io, *m_scene,
         LinkServer::Handlers{
             [this](PathView path, const Json& args, std::string* why) { return invoke(path, args, why); },
-            [this](Object* object, const PropertyInfo* property) { propertyWritten(object, property); }});
+            [this](Object* object, const PropertyInfo* property) {
+                propertyWritten(object, property, true);
+            }});
+    if (m_options.simulateOutputs)
+        simulateOutputs();
     if (!openPorts(error))
         return false;
     startEngine();
+    countSeconds();
     m_settings->apply(m_store->settings(), SceneSettings::sections());
     m_store->addLibraryListener([this](const Patch& patch) {
         m_engine->libraryChanged();
@@ -141,7 +147,7 @@ bool Server::openShow(std::string* error)
     });
     m_settings = std::make_unique<SceneSettings>(
         *m_scene, *m_store,
-        [this](Object* object, const PropertyInfo* property) { propertyWritten(object, property); },
+        [this](Object* object, const PropertyInfo* property) { propertyWritten(object, property, false); },
         [this](const std::string& playback, double seconds) {
             std::string ignored; // without media there is nothing to show
             const Path seek(playback + "/methods/seekMedia");
@@ -261,11 +267,43 @@ void Server::restartPlayers()
     m_settings->apply(before, {"playback", "audio"});
 }
 
-void Server::propertyWritten(Object* object, const PropertyInfo* property)
+void Server::propertyWritten(Object* object, const PropertyInfo* property, bool isByClient)
 {
-    m_outputs->propertyWritten(object, property);
+    m_outputs->propertyWritten(object, property, isByClient);
     if (m_engine)
         m_engine->propertyWritten(object, property);
+}
+
+void Server::countSeconds()
+{
+    m_seconds.expires_after(std::chrono::seconds(1));
+    m_seconds.async_wait([this](boost::system::error_code code) {
+        if (code)
+            return;
+        m_outputs->secondPassed();
+        countSeconds();
+    });
+}
+
+/// What a hand at the connectors does, for tests: a display is plugged in, its own or another, or pulled out.
+void Server::simulateOutputs()
+{
+    for (const int output : {0, 1}) {
+        m_rest->addRoute("/simulate/outputs/" + std::to_string(output), "POST",
+                         [this, output](const HttpRequest& request, const HttpAnswer& answer) {
+                             Json body;
+                             std::string why;
+                             if (!Json::parseString(request.body, body, &why))
+                                 return answer(httpError(400, why));
+                             const std::string edid(body.get("edid").stringView());
+                             const std::string plugged = !body.get("connected").asBool() ? std::string()
+                                                         : edid.empty() ? Outputs::ownEdid(output)
+                                                                        : edid;
+                             if (!m_outputs->plug(output, plugged, &why))
+                                 return answer(httpError(422, why));
+                             answer({.body = "{}"});
+                         });
+    }
 }
 
 unsigned short Server::httpPort() const

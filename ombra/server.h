@@ -5,6 +5,7 @@
 
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/ip/address.hpp>
+#include <boost/asio/steady_timer.hpp>
 
 #include <filesystem>
 #include <memory>
@@ -43,6 +44,7 @@ struct ServerOptions
     unsigned short previewPort = 11061;
     unsigned short ftpPort = 21;
     bool discovery = true;              // answer searches of the network
+    bool simulateOutputs = false;       // displays are plugged in and out by a route for tests
     std::vector<std::string> hostNames; // that clients may call it by, beside the machine's own
 };
 
@@ -72,7 +74,9 @@ private:
     void watchMedia();
     void tellFolder(MediaWatcher::Folder folder);
     bool invoke(PathView methodPath, const Json& args, std::string* error);
-    void propertyWritten(Object* object, const PropertyInfo* property);
+    void propertyWritten(Object* object, const PropertyInfo* property, bool isByClient);
+    void countSeconds();
+    void simulateOutputs();
 
     boost::asio::io_context& m_io;
     ServerOptions m_options;
@@ -93,6 +97,7 @@ private:
     std::unique_ptr<MediaWatcher> m_watcher;
     std::unique_ptr<NetworkResponder> m_responder;
     std::unique_ptr<SlotProber> m_prober;
+    boost::asio::steady_timer m_seconds;
 };
 
 } // namespace vantrel::ombra

@@ -1,7 +1,8 @@
 #include "ombra/outputs/outputs.h"
 
-#include "ombra/outputs/videomodes.h"
-#include "tarn/log/log.h"
+#include "ombra/outputs/displayedid.h"
+#include "ombra/outputs/sceneaccess.h"
+#include "ombra/outputs/videooutput.h"
 #include "tarn/media/enumtext.h"
 #include "tarn/media/mediaenums.h"
 #include "tarn/scene/variantjson.h"
@@ -13,10 +14,8 @@ namespace vantrel::ombra {
 namespace {
 
 constexpr std::array outputNames = {"DP-1", "DP-2"};
-constexpr const char* preferredMode = "1920x1080p50";
-constexpr std::array displayModes = {"1920x1080p50", "1920x1080p60", "1280x720p50", "1280x720p60"};
-constexpr const char* product = "Ombra Monitor";
-constexpr const char* displayPrefix = "edid-"; // of a mode that the display itself names
+constexpr int programMapping = 1;
+constexpr int fullHd50 = 31; // its video code
 
 bool fail(std::string* error, const std::string& text)
 {
@@ -25,38 +24,34 @@ bool fail(std::string* error, const std::string& text)
     return false;
 }
 
-Json modeline(const VideoMode& mode, bool standard)
+/// What stands beside the operator.
+DisplayTraits monitor()
 {
-    const std::string id = (standard ? "" : displayPrefix) + std::string(mode.id);
-    return Json::object({{"type", "Modeline"},
-                         {"properties", Json::object({{"id", id},
-                                                      {"label", mode.label},
-                                                      {"width", mode.width},
-                                                      {"height", mode.height},
-                                                      {"standard", standard},
-                                                      {"interlaced", mode.interlaced},
-                                                      {"refreshRate", mode.refreshRate()}})}});
+    return {.product = "Ombra Monitor",
+            .serial = "OM24-00017",
+            .widthMm = 520,
+            .heightMm = 290,
+            .bpc = 8,
+            .maxRate = 76,
+            .maxLineRate = 83,
+            .maxDotClock = 170'000'000,
+            .preferred = *findVic(fullHd50),
+            .videoCodes = {31, 16, 34, 33, 32, 20, 5, 19, 4, 18, 3, 1}};
 }
 
-Json output(std::size_t index)
+/// What an audience looks at.
+DisplayTraits wall()
 {
-    Json modelines = Json::array();
-    for (const char* id : displayModes)
-        modelines.append(modeline(*findVideoMode(id), false));
-    for (const VideoMode& mode : videoModes())
-        modelines.append(modeline(mode, true));
-    const std::string preferred = std::string(displayPrefix) + preferredMode;
-    return Json::object(
-        {{"type", "Output"},
-         {"properties", Json::object({{"name", outputNames[index]},
-                                      {"connected", true},
-                                      {"product", product},
-                                      {"bpc", 8},
-                                      {"colorspace", "RGB"},
-                                      {"modelineId", preferred},
-                                      {"preferredModelineId", preferred},
-                                      {"edid", makeEdid(*findVideoMode(preferredMode), product)}})},
-         {"modelines", modelines}});
+    return {.product = "Ombra Wall",
+            .serial = "OW4K-00021",
+            .widthMm = 1210,
+            .heightMm = 680,
+            .bpc = 10,
+            .maxRate = 120,
+            .maxLineRate = 135,
+            .maxDotClock = 600'000'000,
+            .preferred = *findVic(fullHd50),
+            .videoCodes = {31, 16, 34, 33, 32, 20, 5, 19, 4, 97, 96, 95, 94, 93, 64, 63, 1}};
 }
 
 Json mapping(std::size_t index)
@@ -71,29 +66,22 @@ Json playback()
         {{"type", "Playback"}, {"properties", Json::object({{"audioDevice", toStr(initialAudioDevice)}})}});
 }
 
-const VideoMode* modeOf(std::string id)
-{
-    const std::string prefix = displayPrefix;
-    if (id.starts_with(prefix))
-        id.erase(0, prefix.size());
-    return findVideoMode(id);
-}
-
-bool hasModeline(const Object* output, const std::string& id)
-{
-    const Object* modelines = output->findChildByName("modelines", false);
-    for (int i = 0; modelines && i < modelines->childCount(); ++i) {
-        Variant value;
-        if (modelines->childAt(i)->getProperty("id", value) && value.as<std::string>() == id)
-            return true;
-    }
-    return false;
-}
-
 } // namespace
+
+Outputs::Outputs(Scene& scene)
+    : m_scene(scene)
+{
+    m_outputs.push_back(std::make_unique<VideoOutput>(scene, 0, outputNames[0], makeEdid(monitor())));
+    m_outputs.push_back(std::make_unique<VideoOutput>(scene, 1, outputNames[1], makeEdid(wall())));
+}
+
+Outputs::~Outputs() = default;
 
 void Outputs::build()
 {
+    Json outputs = Json::array();
+    for (const auto& output : m_outputs)
+        outputs.append(output->toJson());
     Patch patch;
     PatchOp op;
     op.op = PatchOpType::Add;
@@ -105,32 +93,25 @@ void Outputs::build()
                              {"mappings", Json::array({mapping(0), mapping(1)})}});
     patch.append(op);
     op.path = Path("/device/system/gpus/0");
-    op.value = Json::object({{"type", "Gpu"},
-                             {"properties", Json::object({{"name", "GPU 0"}})},
-                             {"outputs", Json::array({output(0), output(1)})}});
+    op.value = Json::object(
+        {{"type", "Gpu"}, {"properties", Json::object({{"name", "GPU 0"}})}, {"outputs", outputs}});
     patch.append(op);
     if (!m_scene.apply(patch, true))
         Log::write(LogLevel::Error, "vantrel.outputs", "the scene does not take the outputs");
-    const Object* outputs = m_scene.findObject("/device/system/gpus/0/outputs");
-    for (int i = 0; outputs && i < outputs->childCount(); ++i)
-        applyMode(outputs->childAt(i), *findVideoMode(preferredMode));
+    for (const auto& output : m_outputs)
+        output->start();
 }
 
 void Outputs::reset()
 {
-    Object* outputs = m_scene.findObject("/device/system/gpus/0/outputs");
-    for (int i = 0; outputs && i < outputs->childCount(); ++i) {
-        Object* one = outputs->childAt(i);
-        set(one, "edidOverride", std::string());
-        set(one, "edidOverrideFilename", std::string());
-        set(one, "maxLinkRate", false);
-        selectMode(one, text(one, "preferredModelineId"), nullptr);
-    }
+    for (const auto& output : m_outputs)
+        output->reset();
     Object* mappings = m_scene.findObject("/device/channels/0/mappings");
     for (int i = 0; mappings && i < mappings->childCount(); ++i) {
-        set(mappings->childAt(i), "target", std::string(outputNames[static_cast<std::size_t>(i) % 2]));
-        set(mappings->childAt(i), "defaultScaleMode", ScaleMode::Fit);
-        set(mappings->childAt(i), "backgroundColor", ColorValue{});
+        Object* one = mappings->childAt(i);
+        setProperty(m_scene, one, "target", std::string(outputNames[static_cast<std::size_t>(i) % 2]));
+        setProperty(m_scene, one, "defaultScaleMode", ScaleMode::Fit);
+        setProperty(m_scene, one, "backgroundColor", ColorValue{});
     }
 }
 
@@ -141,8 +122,8 @@ std::optional<bool> Outputs::invoke(PathView methodPath, const Json& args, std::
         return std::nullopt;
     const std::string type = at.deref()->getTypeName();
     const std::string method = at.method()->name;
-    if (type == "Output")
-        return invokeOutput(at.deref(), method, args, error);
+    if (VideoOutput* output = outputOf(at.deref()))
+        return output->invoke(method, args, isOnAir(*output), error);
     if (type == "GpuMapping")
         return invokeMapping(at.deref(), method, args, error);
     if (type == "Channel" && method == "configure")
@@ -154,32 +135,48 @@ std::optional<bool> Outputs::invoke(PathView methodPath, const Json& args, std::
     return std::nullopt;
 }
 
-bool Outputs::invokeOutput(Object* output, const std::string& method, const Json& args, std::string* error)
+VideoOutput* Outputs::outputOf(const Object* object) const
 {
-    if (method == "resetEdid") {
-        set(output, "edidOverride", std::string());
-        set(output, "edidOverrideFilename", std::string());
-        set(output, "maxLinkRate", false);
-        return selectMode(output, text(output, "preferredModelineId"), error);
+    if (object->getTypeName() != "Output")
+        return nullptr;
+    const std::string name = propertyOf<std::string>(object, "name");
+    for (const auto& output : m_outputs) {
+        if (output->name() == name)
+            return output.get();
     }
-    const std::string id = args.get("modelineId").asString();
-    const bool named = args.get("modelineId").isString() && !id.empty();
-    if (method == "selectModeline") {
-        if (!named || !selectMode(output, id, error))
-            return named ? false : fail(error, "no \"modelineId\" is given");
-    } else if (method == "setEdidOverride") {
-        const std::string edid = args.get("edid").isString() ? args.get("edid").asString() : std::string();
-        if (!isEdid(edid))
-            return fail(error, "\"edid\" is no EDID");
-        if (named && !selectMode(output, id, error))
-            return false;
-        set(output, "edidOverride", edid);
-        set(output, "edidOverrideFilename", std::string(args.get("filename").stringView()));
-    } else {
-        return fail(error, "unknown method");
-    }
-    set(output, "maxLinkRate", args.get("maxLinkRate").asBool());
-    return true;
+    return nullptr;
+}
+
+/// Whether an output shows the program.
+bool Outputs::isOnAir(const VideoOutput& output) const
+{
+    const Object* mappings = m_scene.findObject("/device/channels/0/mappings");
+    return mappings && mappings->childCount() > programMapping &&
+           propertyOf<std::string>(mappings->childAt(programMapping), "target") == output.name();
+}
+
+bool Outputs::plug(int output, const std::string& edid, std::string* error)
+{
+    if (output < 0 || static_cast<std::size_t>(output) >= m_outputs.size())
+        return fail(error, "there is no such output");
+    return m_outputs[static_cast<std::size_t>(output)]->plug(edid, error);
+}
+
+std::string Outputs::ownEdid(int output)
+{
+    return makeEdid(output == 0 ? monitor() : wall());
+}
+
+void Outputs::secondPassed()
+{
+    for (const auto& output : m_outputs)
+        output->secondPassed();
+}
+
+void Outputs::propertyWritten(const Object* object, const PropertyInfo* property, bool isByClient)
+{
+    if (VideoOutput* output = outputOf(object))
+        output->propertyWritten(property->name, isByClient && isOnAir(*output));
 }
 
 bool Outputs::invokeMapping(Object* mapping, const std::string& method, const Json& args, std::string* error)
@@ -188,14 +185,14 @@ bool Outputs::invokeMapping(Object* mapping, const std::string& method, const Js
         ScaleMode mode{};
         if (!fromStr(args.get("mode").stringView(), mode))
             return fail(error, "\"mode\" is no scale mode");
-        set(mapping, "defaultScaleMode", mode);
+        setProperty(m_scene, mapping, "defaultScaleMode", mode);
         return true;
     }
     if (method == "selectBackgroundColor") {
         const Variant color = variantFromJson(args.get("color"), VariantType::Color);
         if (color.type() != VariantType::Color)
             return fail(error, "\"color\" is no colour");
-        set(mapping, "backgroundColor", color.as<ColorValue>());
+        setProperty(m_scene, mapping, "backgroundColor", color.as<ColorValue>());
         return true;
     }
     return fail(error, "unknown method");
@@ -226,60 +223,11 @@ bool Outputs::configure(Object* channel, const Json& args, std::string* error)
         return fail(error, "both targets are the same output");
     for (std::size_t i = 0; i < 2; ++i) {
         Object* mapping = mappings->childAt(static_cast<int>(i));
-        set(mapping, "target", targets[i]);
-        set(mapping, "defaultScaleMode", modes[i]);
-        set(mapping, "backgroundColor", colors[i]);
+        setProperty(m_scene, mapping, "target", targets[i]);
+        setProperty(m_scene, mapping, "defaultScaleMode", modes[i]);
+        setProperty(m_scene, mapping, "backgroundColor", colors[i]);
     }
     return true;
-}
-
-bool Outputs::selectMode(Object* output, const std::string& id, std::string* error)
-{
-    const VideoMode* mode = modeOf(id);
-    if (!mode || !hasModeline(output, id))
-        return fail(error, "no such mode: " + id);
-    set(output, "modelineId", id);
-    applyMode(output, *mode);
-    return true;
-}
-
-void Outputs::applyMode(Object* output, const VideoMode& mode)
-{
-    set(output, "width", mode.width);
-    set(output, "height", mode.height);
-    set(output, "hTotal", mode.hTotal);
-    set(output, "vTotal", mode.vTotal);
-    set(output, "hSyncPolarity", mode.hPolarity);
-    set(output, "vSyncPolarity", mode.vPolarity);
-    set(output, "interlaced", mode.interlaced);
-    set(output, "dotClock", mode.dotClock);
-}
-
-void Outputs::propertyWritten(Object* object, const PropertyInfo* property)
-{
-    if (object->getTypeName() != "Output" || property->name != "modelineId")
-        return;
-    const std::string id = text(object, "modelineId");
-    if (modeOf(id) && hasModeline(object, id))
-        applyMode(object, *modeOf(id));
-    else
-        selectMode(object, text(object, "preferredModelineId"), nullptr);
-}
-
-std::string Outputs::text(const Object* object, const char* property) const
-{
-    Variant value;
-    object->getProperty(property, value);
-    return value.as<std::string>();
-}
-
-template <typename T>
-void Outputs::set(Object* object, const char* property, const T& value)
-{
-    Path path;
-    if (!m_scene.pathOf(object, path) ||
-        !m_scene.replaceProperty(m_scene.find(path + Path{"properties", property}), Variant::from(value)))
-        Log::write(LogLevel::Error, "vantrel.outputs", std::string("cannot set ") + property);
 }
 
 } // namespace vantrel::ombra

@@ -5,26 +5,26 @@
 #include "tarn/media/channelenums.h"
 #include "tarn/scene/scene.h"
 
+#include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace vantrel::ombra {
 
-struct VideoMode;
+class VideoOutput;
 
 /// A machine as it is unpacked: every output carries the sound of its picture.
 inline constexpr AudioPlaybackDevice initialAudioDevice = AudioPlaybackDevice::Embedded;
 
 /// The outputs of the machine and what they show: one GPU with two outputs, and a channel whose two mappings
-/// put the preview on the first and the program on the second. Builds this part of the scene, answers the
-/// methods of it, and keeps an output's timing in step with the mode that is chosen. The thread of the scene.
+/// put the preview on the first and the program on the second. Builds this part of the scene and answers the
+/// methods of it. The thread of the scene.
 class Outputs
 {
 public:
-    explicit Outputs(Scene& scene)
-        : m_scene(scene)
-    {
-    }
+    explicit Outputs(Scene& scene);
+    ~Outputs();
 
     /// Puts the channel and the outputs into a new scene.
     void build();
@@ -33,24 +33,29 @@ public:
     /// in error.
     std::optional<bool> invoke(PathView methodPath, const Json& args, std::string* error);
 
-    /// A property was written: an output takes over the mode that its modelineId names, and a write of a mode
-    /// that it does not have is undone.
-    void propertyWritten(Object* object, const PropertyInfo* property);
+    /// A property was written: an output takes over the mode and the EDID that it names, and a write of what
+    /// it cannot take is undone. isByClient: and not out of a show, which is as it was meant.
+    void propertyWritten(const Object* object, const PropertyInfo* property, bool isByClient);
 
     /// All outputs and mappings as on the first start.
     void reset();
 
+    /// To be called each second: a mode on air that nobody keeps goes back.
+    void secondPassed();
+
+    /// Plugs a display with this EDID into an output; an empty text pulls it out.
+    bool plug(int output, const std::string& edid, std::string* error);
+    /// Of the display that was there on the start.
+    static std::string ownEdid(int output);
+
 private:
-    bool invokeOutput(Object* output, const std::string& method, const Json& args, std::string* error);
+    VideoOutput* outputOf(const Object* object) const;
+    bool isOnAir(const VideoOutput& output) const;
     bool invokeMapping(Object* mapping, const std::string& method, const Json& args, std::string* error);
     bool configure(Object* channel, const Json& args, std::string* error);
-    bool selectMode(Object* output, const std::string& id, std::string* error);
-    void applyMode(Object* output, const VideoMode& mode);
-    std::string text(const Object* object, const char* property) const;
-    template <typename T>
-    void set(Object* object, const char* property, const T& value);
 
     Scene& m_scene;
+    std::vector<std::unique_ptr<VideoOutput>> m_outputs;
 };
 
 } // namespace vantrel::ombra

@@ -128,6 +128,14 @@ RestApi::~RestApi()
     m_reader.join();
 }
 
+void RestApi::addRoute(const std::string& path, const std::string& method, Handler handler)
+{
+    m_routes[path][method] = [handler = std::move(handler)](RestApi*, const Request& request,
+                                                            const HttpAnswer& answer) {
+        handler(*request, answer);
+    };
+}
+
 void RestApi::handle(HttpRequest request, const HttpAnswer& answer)
 {
     std::string_view path = request.path;
@@ -141,7 +149,7 @@ void RestApi::handle(HttpRequest request, const HttpAnswer& answer)
     if (route != routes->second.end() && !hasReadableType(request))
         return answer(httpError(415, "the body must be of the type application/json"));
     if (route != routes->second.end())
-        return (this->*route->second)(std::make_shared<const HttpRequest>(std::move(request)), answer);
+        return route->second(this, std::make_shared<const HttpRequest>(std::move(request)), answer);
     HttpReply reply = httpError(405, "method not allowed here");
     for (const auto& [method, ignored] : routes->second)
         reply.allow += (reply.allow.empty() ? "" : ", ") + method;

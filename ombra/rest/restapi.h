@@ -39,9 +39,13 @@ public:
 
     void handle(HttpRequest request, const HttpAnswer& answer);
 
+    using Handler = std::function<void(const HttpRequest&, const HttpAnswer&)>;
+    /// A further route, by somebody else.
+    void addRoute(const std::string& path, const std::string& method, Handler handler);
+
 private:
     using Request = std::shared_ptr<const HttpRequest>; // also for the reading thread
-    using Route = void (RestApi::*)(const Request&, const HttpAnswer&);
+    using Route = std::function<void(RestApi*, const Request&, const HttpAnswer&)>;
 
     static constexpr std::size_t readAtOnce = 64 * 1024; // bytes
 

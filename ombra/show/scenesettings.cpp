@@ -51,10 +51,12 @@ const char* sectionOf(const Object* object, const PropertyInfo* property)
 }
 
 /// Whether a property is to be kept as it is now. A position is while its playback is paused: one that plays
-/// starts at the beginning again.
+/// starts at the beginning again. A mode is once somebody has said that it can be seen.
 bool lasts(const Object* object, const PropertyInfo* property)
 {
-    Variant state;
+    Variant state, seconds;
+    if (object->getProperty("confirmSeconds", seconds) && seconds.as<int>() > 0)
+        return false;
     return sectionOf(object, property) &&
            (property->name != "mediaPosition" ||
             (object->getProperty("state", state) && state.as<SourcePlayState>() == SourcePlayState::Pause));
@@ -220,6 +222,10 @@ void SceneSettings::onSceneChange(int count, const SceneChange* changes)
         save(object, changes[i].property);
         if (changes[i].property->name == "waitsToPlay")
             save(object, object->findProperty("state"));
+        if (changes[i].property->name == "confirmSeconds") {
+            for (const auto& [name, section] : lasting().at("Output"))
+                save(object, object->findProperty(name));
+        }
         if (sectionOf(object, changes[i].property) && changes[i].property->name == "state")
             save(object, object->findProperty("mediaPosition")); // where it was paused
     }

@@ -149,7 +149,9 @@ void declareOutputs(Types& types)
         .text("subconnector")
         .flag("fec")
         .flag("dsc")
-        .methods({"selectModeline", "setEdidOverride", "resetEdid"})
+        // Until the mode goes back by itself unless somebody keeps it; 0 where none waits for that.
+        .readOnly("confirmSeconds", Variant::from(0))
+        .methods({"selectModeline", "setEdidOverride", "resetEdid", "keepMode", "revertMode"})
         .child("modelines", "Modeline", ChildInfo::Kind::Array);
 
     Declaration(types, "Gpu").text("name").child("outputs", "Output", ChildInfo::Kind::Array);

@@ -116,7 +116,8 @@ def declared(root):
             else:
                 value = re.match(r", Variant::from\(([^(),]+(?:\(\))?)\)", rest).group(1)
                 enum = re.match(r"(\w+)::\w+$", value)
-                kind = "double" if value[0].isdigit() else "string" if value[0] == '"' else LITERALS.get(value)
+                number = "double" if "." in value else "int"
+                kind = number if value[0].isdigit() else "string" if value[0] == '"' else LITERALS.get(value)
                 properties.add(f"{name}.{prop}: {enum.group(1) if enum else kind}")
         for names in re.findall(r"\.methods\(\{(.*?)\}\)", calls, re.S):
             methods |= {f"{name}.{method}" for method in re.findall(r'"(\w+)"', names)}

@@ -1,6 +1,8 @@
 #include "ombra/outputs/outputs.h"
 
-#include "ombra/outputs/videomodes.h"
+#include "ombra/outputs/displayedid.h"
+#include "ombra/outputs/standardmodes.h"
+#include "tarn/edid/edid.h"
 #include "tests/support/testmain.h"
 
 #include <QTest>
@@ -26,19 +28,13 @@ private Q_SLOTS:
     void modesAreSound()
     {
         std::set<std::string> ids;
-        for (const VideoMode& mode : videoModes()) {
-            QVERIFY2(ids.insert(mode.id).second, mode.id);
-            // The rate stands in the name: "1920x1080p59.94".
-            const QString name = QString::fromLatin1(mode.id);
-            const double rate = name.mid(name.lastIndexOf(mode.interlaced ? u'i' : u'p') + 1).toDouble();
-            QVERIFY2(qAbs(mode.refreshRate() - rate) < 0.1, mode.id);
-            QVERIFY2(mode.width + mode.hFront + mode.hSync < mode.hTotal, mode.id);
-            QVERIFY2(isEdid(makeEdid(mode, "Display")), mode.id);
+        for (const VideoTiming& mode : standardModes()) {
+            QVERIFY2(ids.insert(mode.id()).second, mode.id().c_str());
+            QVERIFY2(mode.width + mode.hFront + mode.hSync < mode.hTotal, mode.id().c_str());
+            QVERIFY2(mode.refreshRate() > 23 && mode.refreshRate() < 121, mode.id().c_str());
         }
-        std::string damaged = makeEdid(videoModes().front(), "Display");
-        damaged[100] = damaged[100] == '0' ? '1' : '0';
-        QVERIFY(!isEdid(damaged));
-        QVERIFY(!isEdid(""));
+        for (const char* id : {"1920x1080p59.94", "1920x1080i50", "3840x2160p60", "1920x1200p59.95"})
+            QVERIFY2(ids.contains(id), id);
     }
 
     void methods_data()
@@ -51,24 +47,39 @@ private Q_SLOTS:
 
         const QByteArray output("/device/system/gpus/0/outputs/1");
         const QByteArray mapping("/device/channels/0/mappings/0");
-        const QByteArray edid = QByteArray::fromStdString(makeEdid(videoModes()[9], "Other"));
+        const QByteArray edid = QByteArray::fromStdString(projector());
+        const QByteArray monitor("/device/system/gpus/0/outputs/0");
         QTest::newRow("mode") << output + "/methods/selectModeline"
                               << QByteArray("{'modelineId':'3840x2160p50','maxLinkRate':true}") << true
                               << output + "/properties/hTotal" << QByteArray("5280");
         QTest::newRow("display's mode")
             << output + "/methods/selectModeline" << QByteArray("{'modelineId':'edid-1280x720p60'}") << true
             << output + "/properties/height" << QByteArray("720");
+        QTest::newRow("mode of an earlier version")
+            << output + "/methods/selectModeline" << QByteArray("{'modelineId':'1920x1200p60'}") << true
+            << output + "/properties/modelineId" << QByteArray("1920x1200p59.95");
+        QTest::newRow("mode beyond the display")
+            << monitor + "/methods/selectModeline" << QByteArray("{'modelineId':'3840x2160p60'}") << false
+            << monitor + "/properties/width" << QByteArray("1920");
         QTest::newRow("unknown mode")
             << output + "/methods/selectModeline" << QByteArray("{'modelineId':'8k'}") << false
             << output + "/properties/width" << QByteArray("1920");
         QTest::newRow("mode not of the display")
-            << output + "/methods/selectModeline" << QByteArray("{'modelineId':'edid-3840x2160p60'}") << false
+            << output + "/methods/selectModeline" << QByteArray("{'modelineId':'edid-1024x768p60'}") << false
             << output + "/properties/width" << QByteArray("1920");
         QTest::newRow("no mode") << output + "/methods/selectModeline" << QByteArray("{}") << false
                                  << output + "/properties/width" << QByteArray("1920");
         QTest::newRow("edid") << output + "/methods/setEdidOverride"
                               << "{'edid':'" + edid + "','filename':'a.bin','modelineId':''}" << true
                               << output + "/properties/edidOverrideFilename" << QByteArray("a.bin");
+        QTest::newRow("edid's mode") << output + "/methods/setEdidOverride"
+                                     << "{'edid':'" + edid + "','modelineId':'edid-1280x800p59.81'}" << true
+                                     << output + "/properties/preferredModelineId"
+                                     << QByteArray("edid-1280x800p59.81");
+        QTest::newRow("edid without the mode")
+            << output + "/methods/setEdidOverride"
+            << "{'edid':'" + edid + "','modelineId':'3840x2160p60'}" << false
+            << output + "/properties/edidOverride" << QByteArray("");
         QTest::newRow("bad edid") << output + "/methods/setEdidOverride" << QByteArray("{'edid':'00ff'}")
                                   << false << output + "/properties/edidOverride" << QByteArray("");
         QTest::newRow("scaling") << mapping + "/methods/selectDefaultScaleMode"
@@ -112,10 +123,84 @@ private Q_SLOTS:
         Variant now;
         QVERIFY(m_scene->getProperty(m_scene->find(property.toStdString()), now));
         QCOMPARE(now.asString(), value.toStdString());
-        if (!done)
+        if (!done && path.contains("outputs")) { // the reason stands there for all to see
+            QVERIFY(flag(path.left(path.indexOf("/methods")).toStdString() + "/properties/error"));
+            QCOMPARE(text(path.left(path.indexOf("/methods")).toStdString() + "/properties/errorText"),
+                     error);
+        } else if (!done) {
             QVERIFY(Scene::toJson(m_scene->root()) == m_initial);
+        }
         const Path reset("/device/system/methods/resetOutputConfiguration");
         QVERIFY(m_outputs->invoke(reset, {}, &error).value_or(false));
+        QVERIFY(Scene::toJson(m_scene->root()) == m_initial);
+    }
+
+    /// What an audience sees goes back by itself unless somebody keeps it, and the first state of several.
+    void modesOnAirAreKeptOrGoBack()
+    {
+        const std::string wall = "/device/system/gpus/0/outputs/1";
+        QVERIFY(call(wall, "selectModeline", R"({"modelineId":"3840x2160p50"})"));
+        QCOMPARE(text(wall + "/properties/confirmSeconds"), std::string("15"));
+        QVERIFY(call(wall, "keepMode", "{}"));
+        QVERIFY(!call(wall, "keepMode", "{}"));
+        for (int i = 0; i < 20; ++i)
+            m_outputs->secondPassed();
+        QCOMPARE(text(wall + "/properties/modelineId"), std::string("3840x2160p50"));
+
+        QVERIFY(call(wall, "setEdidOverride", R"({"edid":")" + projector() + R"(","filename":"p.bin"})"));
+        QVERIFY(call(wall, "selectModeline", R"({"modelineId":"1280x720p50"})"));
+        for (int i = 0; i < 14; ++i)
+            m_outputs->secondPassed();
+        QCOMPARE(text(wall + "/properties/confirmSeconds"), std::string("1"));
+        QCOMPARE(text(wall + "/properties/height"), std::string("720"));
+        m_outputs->secondPassed();
+        QCOMPARE(text(wall + "/properties/confirmSeconds"), std::string("0"));
+        QCOMPARE(text(wall + "/properties/modelineId"), std::string("3840x2160p50"));
+        QCOMPARE(text(wall + "/properties/edidOverride"), std::string());
+        QVERIFY(flag(wall + "/properties/error"));
+
+        // Nobody but the operator sees the other one, and what shows the same needs no word.
+        QVERIFY(call("/device/system/gpus/0/outputs/0", "selectModeline", R"({"modelineId":"1280x720p50"})"));
+        QCOMPARE(text("/device/system/gpus/0/outputs/0/properties/confirmSeconds"), std::string("0"));
+        QVERIFY(call(wall, "selectModeline", R"({"modelineId":"edid-3840x2160p50"})"));
+        QCOMPARE(text(wall + "/properties/confirmSeconds"), std::string("0"));
+        QVERIFY(!flag(wall + "/properties/error"));
+
+        // Nor does a mode that is written instead of selected stay unasked.
+        write(wall, "modelineId", "1920x1080p60", true);
+        QCOMPARE(text(wall + "/properties/confirmSeconds"), std::string("15"));
+        QVERIFY(call(wall, "revertMode", "{}"));
+        QCOMPARE(text(wall + "/properties/modelineId"), std::string("edid-3840x2160p50"));
+        write(wall, "modelineId", "1920x1080p60", false); // out of a show
+        QCOMPARE(text(wall + "/properties/confirmSeconds"), std::string("0"));
+        QCOMPARE(text(wall + "/properties/height"), std::string("1080"));
+        write(wall, "edidOverride", "00ff", false);
+        QCOMPARE(text(wall + "/properties/edidOverride"), std::string());
+    }
+
+    void displaysComeAndGo()
+    {
+        const std::string wall = "/device/system/gpus/0/outputs/1";
+        QCOMPARE(text(wall + "/properties/bpc"), std::string("10"));
+        QCOMPARE(text(wall + "/properties/currentLinkRate"), std::string("6"));
+        QVERIFY(call(wall, "selectModeline", R"({"modelineId":"edid-3840x2160p50"})"));
+        QCOMPARE(text(wall + "/properties/bpc"), std::string("8")); // more does not go through the link
+        QCOMPARE(text(wall + "/properties/currentLinkRate"), std::string("20"));
+        QVERIFY(call(wall, "keepMode", "{}"));
+        std::string error;
+        QVERIFY(m_outputs->plug(1, {}, &error));
+        QVERIFY(!flag(wall + "/properties/connected"));
+        QCOMPARE(text(wall + "/properties/product") + text(wall + "/properties/edid"), std::string());
+        QCOMPARE(text(wall + "/properties/width"), std::string("3840")); // the program goes on
+        QCOMPARE(text(wall + "/properties/currentLaneCount"), std::string("0"));
+        QVERIFY(!m_outputs->plug(1, "00ff", &error));
+        QVERIFY(!error.empty());
+        QVERIFY(m_outputs->plug(1, projector(), &error));
+        QCOMPARE(text(wall + "/properties/product"), std::string("Projector"));
+        QCOMPARE(text(wall + "/properties/width"), std::string("1280")); // as this one cannot take the other
+        QVERIFY(m_outputs->plug(1, Outputs::ownEdid(1), &error));
+        QVERIFY(m_outputs->plug(0, {}, &error) && m_outputs->plug(0, Outputs::ownEdid(0), &error));
+        QVERIFY(call("/device/system", "resetOutputConfiguration", "{}"));
         QVERIFY(Scene::toJson(m_scene->root()) == m_initial);
     }
 
@@ -130,6 +215,37 @@ private Q_SLOTS:
     }
 
 private:
+    static std::string projector()
+    {
+        return makeEdid({.product = "Projector",
+                         .serial = "P-1",
+                         .maxRate = 75,
+                         .maxLineRate = 80,
+                         .maxDotClock = 150'000'000,
+                         .preferred = *findDmt(0x1c),
+                         .videoCodes = {19, 4}});
+    }
+    bool call(const std::string& object, const char* method, const std::string& args)
+    {
+        Json json;
+        std::string error;
+        const Path path(object + "/methods/" + method);
+        return Json::parseString(args, json) && m_outputs->invoke(path, json, &error).value_or(false);
+    }
+    void write(const std::string& object, const char* property, const char* value, bool isByClient)
+    {
+        const ScenePointer at = m_scene->find(object + "/properties/" + property);
+        QVERIFY(m_scene->replaceProperty(at, Variant::from(std::string(value))));
+        m_outputs->propertyWritten(at.deref(), at.property(), isByClient);
+    }
+    std::string text(const std::string& property) const
+    {
+        Variant value;
+        m_scene->getProperty(m_scene->find(property), value);
+        return value.asString();
+    }
+    bool flag(const std::string& property) const { return text(property) == "true"; }
+
     Ref<Scene> m_scene;
     std::unique_ptr<Outputs> m_outputs;
     Json m_initial;

@@ -52,6 +52,32 @@ private Q_SLOTS:
         QCOMPARE(value(program + "/properties/state"), std::string("stop"));
     }
 
+    /// The EDID and the mode of an output last; a mode that the audience sees does once somebody has kept it.
+    void modesLastOnceTheyAreKept()
+    {
+        const std::string outputs = "/device/system/gpus/0/outputs/";
+        const std::string edid = value(outputs + "0/properties/edid");
+        invoke(outputs + "0/methods/setEdidOverride",
+               R"({"edid":")" + edid + R"(","filename":"own.bin","modelineId":"1280x720p60"})");
+        invoke(outputs + "1/methods/selectModeline", R"({"modelineId":"3840x2160p50"})");
+        invoke(outputs + "1/methods/keepMode", "{}");
+        invoke(outputs + "1/methods/selectModeline", R"({"modelineId":"1280x720p50"})");
+        QVERIFY(m_live->waitFor([&] {
+            m_peer->read();
+            return value(outputs + "1/properties/height") == "720";
+        }));
+        QVERIFY(settled());
+        m_peer.reset();
+        m_live->stop();
+        QVERIFY(m_live->start());
+        connectPeer();
+        QCOMPARE(value(outputs + "0/properties/edidOverride"), edid);
+        QCOMPARE(value(outputs + "0/properties/edidOverrideFilename"), std::string("own.bin"));
+        QCOMPARE(value(outputs + "0/properties/modelineId"), std::string("1280x720p60"));
+        QCOMPARE(value(outputs + "1/properties/modelineId"), std::string("3840x2160p50"));
+        QCOMPARE(value(outputs + "1/properties/confirmSeconds"), std::string("0"));
+    }
+
     void restartsAsItWas_data()
     {
         QTest::addColumn<QString>("state");

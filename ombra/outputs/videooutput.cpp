@@ -1,0 +1,415 @@
+#include "ombra/outputs/videooutput.h"
+
+#include "ombra/outputs/sceneaccess.h"
+#include "ombra/outputs/standardmodes.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <limits>
+
+namespace vantrel::ombra {
+
+namespace {
+
+constexpr std::string_view displayPrefix = "edid-"; // of a mode that the display itself names
+
+bool fail(std::string* error, const std::string& text)
+{
+    if (error)
+        *error = text;
+    return false;
+}
+
+Json modelineJson(const std::string& id, const VideoTiming& timing, bool isStandard)
+{
+    return Json::object({{"type", "Modeline"},
+                         {"properties", Json::object({{"id", id},
+                                                      {"label", timing.label()},
+                                                      {"width", timing.width},
+                                                      {"height", timing.height},
+                                                      {"standard", isStandard},
+                                                      {"interlaced", timing.interlaced},
+                                                      {"refreshRate", timing.refreshRate()}})}});
+}
+
+std::string gigabits(double bits)
+{
+    char text[32];
+    std::snprintf(text, sizeof text, "%.1f Gbit/s", bits / 1e9);
+    return text;
+}
+
+/// "1920x1200p59.95" also goes by "1920x1200p60", as shows of earlier versions have it.
+bool isNearly(const std::string& id, const std::string& wanted)
+{
+    const std::size_t rate = id.find_last_of("pi") + 1;
+    return id.compare(0, rate, wanted, 0, rate) == 0 && wanted.size() > rate &&
+           std::abs(std::atof(id.c_str() + rate) - std::atof(wanted.c_str() + rate)) < 0.1;
+}
+
+} // namespace
+
+VideoOutput::VideoOutput(Scene& scene, int index, std::string name, std::string edid)
+    : m_scene(scene)
+    , m_index(index)
+    , m_name(std::move(name))
+    , m_displayEdid(std::move(edid))
+{
+}
+
+Json VideoOutput::toJson() const
+{
+    return Json::object({{"type", "Output"}, {"properties", Json::object({{"name", m_name}})}});
+}
+
+void VideoOutput::start()
+{
+    readDisplay();
+    takeUsual(false);
+}
+
+Object* VideoOutput::object() const
+{
+    return m_scene.findObject("/device/system/gpus/0/outputs/" + std::to_string(m_index));
+}
+
+template <typename T>
+void VideoOutput::set(const char* property, const T& value)
+{
+    setProperty(m_scene, object(), property, value);
+}
+
+std::string VideoOutput::text(const char* property) const
+{
+    return propertyOf<std::string>(object(), property);
+}
+
+bool VideoOutput::invoke(const std::string& method, const Json& args, bool isOnAir, std::string* error)
+{
+    if (method == "keepMode" || method == "revertMode") {
+        if (!m_kept)
+            return fail(error, "no mode waits to be kept");
+        method == "keepMode" ? keep() : revert();
+        return true;
+    }
+    if (method == "selectModeline")
+        return change(
+            isOnAir, [&](std::string* why) { return selectModeline(args, why); }, error);
+    if (method == "setEdidOverride")
+        return change(
+            isOnAir, [&](std::string* why) { return setEdidOverride(args, why); }, error);
+    if (method == "resetEdid")
+        return change(
+            isOnAir, [&](std::string* why) { return resetEdid(why); }, error);
+    return fail(error, "unknown method");
+}
+
+/// Does what changes the mode. While one waits to be kept, nothing of it is saved: who starts anew has the
+/// mode before.
+bool VideoOutput::change(bool isOnAir, const Change& act, std::string* error)
+{
+    const bool begins = isOnAir && !m_kept;
+    if (begins) {
+        m_kept = m_inForce;
+        set("confirmSeconds", secondsToKeep);
+    }
+    std::string why;
+    const bool isDone = act(&why);
+    tell(why);
+    if (m_kept && (isDone ? m_inForce.timing == m_kept->timing : begins)) {
+        keep(); // nobody sees a difference
+    } else if (m_kept && isDone) {
+        m_secondsLeft = secondsToKeep;
+        set("confirmSeconds", m_secondsLeft);
+    }
+    return isDone || fail(error, why);
+}
+
+bool VideoOutput::selectModeline(const Json& args, std::string* error)
+{
+    const std::string id(args.get("modelineId").stringView());
+    if (id.empty())
+        return fail(error, "No \"modelineId\" is given.");
+    return take(id, args.get("maxLinkRate").asBool(), error);
+}
+
+bool VideoOutput::setEdidOverride(const Json& args, std::string* error)
+{
+    const std::string edid(args.get("edid").stringView());
+    const auto bytes = bytesOfHex(edid);
+    Edid read;
+    std::string why;
+    if (!bytes || !readEdid(*bytes, read, &why))
+        return fail(error, "The EDID is not taken. " + (why.empty() ? "It is no hexadecimal text." : why));
+    const Settings before = m_inForce;
+    set("edidOverride", edid);
+    set("edidOverrideFilename", std::string(args.get("filename").stringView()));
+    readDisplay();
+    const std::string id(args.get("modelineId").stringView());
+    const bool maxLinkRate = args.get("maxLinkRate").asBool();
+    if (id.empty())
+        takeUsual(maxLinkRate);
+    else if (!take(id, maxLinkRate, error)) {
+        write(before);
+        readDisplay();
+        return false;
+    }
+    return true;
+}
+
+bool VideoOutput::resetEdid(std::string*)
+{
+    set("edidOverride", std::string());
+    set("edidOverrideFilename", std::string());
+    readDisplay();
+    takeUsual(false);
+    return true;
+}
+
+bool VideoOutput::plug(const std::string& edid, std::string* error)
+{
+    Edid read;
+    const auto bytes = bytesOfHex(edid);
+    if (!edid.empty() && (!bytes || !readEdid(*bytes, read, error)))
+        return bytes ? false : fail(error, "It is no hexadecimal text.");
+    m_displayEdid = edid;
+    readDisplay();
+    // A display that comes back shows what it showed; another one may not have that mode.
+    const Mode* mode = find(text("modelineId"));
+    if (mode && whyNotTaken(*mode).empty())
+        apply(*mode, m_inForce.maxLinkRate);
+    else if (m_edid)
+        takeUsual(m_inForce.maxLinkRate);
+    else
+        showLink();
+    return true;
+}
+
+void VideoOutput::reset()
+{
+    std::string ignored;
+    resetEdid(&ignored);
+    tell({});
+    if (m_kept)
+        keep();
+}
+
+void VideoOutput::propertyWritten(const std::string& property, bool isOnAir)
+{
+    if (property == "edidOverrideFilename")
+        m_inForce.edidOverrideFilename = text("edidOverrideFilename");
+    if (property != "edidOverride" && property != "modelineId" && property != "maxLinkRate")
+        return;
+    const Settings wanted{text("modelineId"),
+                          text("edidOverride"),
+                          text("edidOverrideFilename"),
+                          propertyOf<bool>(object(), "maxLinkRate"),
+                          {}};
+    write(m_inForce); // nothing of it has happened so far
+    std::string ignored;
+    change(
+        isOnAir,
+        [this, &wanted](std::string* why) {
+            write(wanted);
+            readDisplay();
+            if (!m_edid && !wanted.edidOverride.empty()) {
+                write(m_inForce);
+                readDisplay();
+                return fail(why, "The EDID is not taken.");
+            }
+            if (!take(wanted.modelineId, wanted.maxLinkRate, why))
+                takeUsual(wanted.maxLinkRate);
+            return true;
+        },
+        &ignored);
+}
+
+void VideoOutput::secondPassed()
+{
+    if (!m_kept)
+        return;
+    if (--m_secondsLeft > 0)
+        return set("confirmSeconds", m_secondsLeft);
+    const std::string mode = m_inForce.timing.label();
+    revert();
+    tell("Nobody kept " + mode + " within " + std::to_string(secondsToKeep) + " seconds, so " +
+         m_inForce.timing.label() + " is back.");
+}
+
+bool VideoOutput::take(const std::string& id, bool maxLinkRate, std::string* error)
+{
+    const Mode* mode = find(id);
+    if (!mode)
+        return fail(error, "There is no mode " + id + ".");
+    if (const std::string why = whyNotTaken(*mode); !why.empty())
+        return fail(error, why);
+    apply(*mode, maxLinkRate);
+    return true;
+}
+
+/// The display's preferred mode, or else its first that can be shown; one that all know where it names none.
+void VideoOutput::takeUsual(bool maxLinkRate)
+{
+    const Mode* mode = find(text("preferredModelineId"));
+    if (!mode || !whyNotTaken(*mode).empty()) {
+        const auto own = std::ranges::find_if(
+            m_modes, [this](const Mode& one) { return !one.isStandard && whyNotTaken(one).empty(); });
+        mode = own == m_modes.end() ? find("1920x1080p50") : &*own;
+    }
+    apply(*mode, maxLinkRate);
+}
+
+std::string VideoOutput::whyNotTaken(const Mode& mode) const
+{
+    const std::string why = m_edid ? whyNotShown(*m_edid, mode.timing) : std::string();
+    if (!why.empty() || linkFor(mode.timing, colorDepth(mode.timing), false))
+        return why;
+    return mode.timing.label() + " needs " + gigabits(bitRate(mode.timing, 8)) + ", and the link carries " +
+           gigabits(fastestLink.capacity()) + ".";
+}
+
+/// Bits of a colour channel: as many as the display takes and the link carries.
+int VideoOutput::colorDepth(const VideoTiming& mode) const
+{
+    for (const int bpc : {12, 10}) {
+        if (m_edid && m_edid->bpc >= bpc && linkFor(mode, bpc, false))
+            return bpc;
+    }
+    return 8;
+}
+
+void VideoOutput::apply(const Mode& mode, bool maxLinkRate)
+{
+    const VideoTiming timing = mode.timing;
+    set("modelineId", mode.id);
+    set("maxLinkRate", maxLinkRate);
+    set("width", timing.width);
+    set("height", timing.height);
+    set("hTotal", timing.hTotal);
+    set("vTotal", timing.vTotal);
+    set("hSyncPolarity", timing.hPolarity);
+    set("vSyncPolarity", timing.vPolarity);
+    set("interlaced", timing.interlaced);
+    set("dotClock",
+        static_cast<int>(std::min<std::int64_t>(timing.dotClock, std::numeric_limits<int>::max())));
+    set("bpc", colorDepth(timing));
+    set("colorspace", std::string("RGB"));
+    m_inForce = {mode.id, text("edidOverride"), text("edidOverrideFilename"), maxLinkRate, timing};
+    showLink();
+}
+
+void VideoOutput::showLink()
+{
+    const bool isPlugged = !m_displayEdid.empty();
+    const VideoTiming& timing = m_inForce.timing;
+    const auto link = linkFor(timing, colorDepth(timing), m_inForce.maxLinkRate);
+    set("currentLaneCount", isPlugged && link ? link->lanes : 0);
+    set("currentLinkRate", isPlugged && link ? link->rate : 0);
+    set("reportedLaneCount", isPlugged ? fastestLink.lanes : 0);
+    set("reportedLinkRate", isPlugged ? fastestLink.rate : 0);
+}
+
+void VideoOutput::write(const Settings& settings)
+{
+    set("modelineId", settings.modelineId);
+    set("edidOverride", settings.edidOverride);
+    set("edidOverrideFilename", settings.edidOverrideFilename);
+    set("maxLinkRate", settings.maxLinkRate);
+}
+
+/// Takes over what is plugged in, and the EDID that stands in its place: its modes are offered from then on.
+void VideoOutput::readDisplay()
+{
+    const auto read = [](const std::string& hex) -> std::optional<Edid> {
+        const auto bytes = bytesOfHex(hex);
+        Edid edid;
+        return bytes && readEdid(*bytes, edid, nullptr) ? std::optional(edid) : std::nullopt;
+    };
+    const std::optional<Edid> display = read(m_displayEdid);
+    const std::string instead = text("edidOverride");
+    m_edid = instead.empty() ? display : read(instead);
+    m_modes.clear();
+    const auto add = [this](const VideoTiming& timing, bool isStandard) {
+        const std::string id = std::string(isStandard ? std::string_view() : displayPrefix) + timing.id();
+        if (std::ranges::find(m_modes, id, &Mode::id) == m_modes.end())
+            m_modes.push_back({id, timing, isStandard});
+    };
+    if (m_edid)
+        std::ranges::for_each(m_edid->modes, [&](const VideoTiming& mode) { add(mode, false); });
+    std::ranges::for_each(standardModes(), [&](const VideoTiming& mode) { add(mode, true); });
+    showModes();
+    const bool isPreferring = m_edid && m_edid->preferred;
+    set("preferredModelineId",
+        isPreferring ? std::string(displayPrefix) + m_edid->preferred->id() : std::string());
+    set("connected", !m_displayEdid.empty());
+    set("product", !display ? std::string() : display->product.empty() ? display->maker : display->product);
+    set("edid", m_displayEdid);
+    set("subconnector", std::string(m_displayEdid.empty() ? "" : "Native"));
+}
+
+void VideoOutput::showModes()
+{
+    Object* shown = object()->findChildByName("modelines", false);
+    Path path;
+    if (!shown || !m_scene.pathOf(shown, path))
+        return;
+    Json modelines = Json::array();
+    for (const Mode& mode : m_modes)
+        modelines.append(modelineJson(mode.id, mode.timing, mode.isStandard));
+    if (Scene::toJson(object()).get("modelines") == modelines)
+        return;
+    Patch patch;
+    PatchOp op;
+    op.op = PatchOpType::Remove;
+    for (int i = shown->childCount(); i-- > 0;) {
+        op.path = path + Path{std::to_string(i)};
+        patch.append(op);
+    }
+    op.op = PatchOpType::Add;
+    for (std::size_t i = 0; i < m_modes.size(); ++i) {
+        op.path = path + Path{std::to_string(i)};
+        op.value = *modelines.at(i);
+        patch.append(op);
+    }
+    if (!m_scene.apply(patch, true))
+        Log::write(LogLevel::Error, "vantrel.outputs", "the scene does not take the modes");
+}
+
+const VideoOutput::Mode* VideoOutput::find(const std::string& id) const
+{
+    auto mode = std::ranges::find(m_modes, id, &Mode::id);
+    if (mode == m_modes.end())
+        mode = std::ranges::find_if(m_modes, [&id](const Mode& one) { return isNearly(one.id, id); });
+    return mode == m_modes.end() ? nullptr : &*mode;
+}
+
+void VideoOutput::keep()
+{
+    m_kept.reset();
+    m_secondsLeft = 0;
+    set("confirmSeconds", 0);
+}
+
+void VideoOutput::revert()
+{
+    const Settings former = *m_kept;
+    set("edidOverride", former.edidOverride);
+    set("edidOverrideFilename", former.edidOverrideFilename);
+    readDisplay();
+    std::string ignored;
+    if (!take(former.modelineId, former.maxLinkRate, &ignored))
+        takeUsual(former.maxLinkRate);
+    tell({});
+    keep();
+}
+
+void VideoOutput::tell(const std::string& trouble)
+{
+    set("errorText", trouble);
+    set("error", !trouble.empty());
+}
+
+} // namespace vantrel::ombra

@@ -1,0 +1,93 @@
+#pragma once
+
+#include "ombra/outputs/displaylink.h"
+#include "tarn/edid/edid.h"
+#include "tarn/json/json.h"
+#include "tarn/scene/scene.h"
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace vantrel::ombra {
+
+/// One video output of the machine: the display at its connector, the modes of that display's EDID or of the
+/// one that an operator put in its place, and the mode in force. What it has and does stands in its scene
+/// object. The thread of the scene.
+class VideoOutput
+{
+public:
+    /// How long a mode that an audience sees waits to be kept, in seconds.
+    static constexpr int secondsToKeep = 15;
+
+    /// index: of its object in the scene. edid: of the display that is plugged in, in hexadecimal digits.
+    VideoOutput(Scene& scene, int index, std::string name, std::string edid);
+
+    const std::string& name() const { return m_name; }
+    /// What build() makes an object of.
+    Json toJson() const;
+    /// To be called once the object is there.
+    void start();
+
+    /// The methods of the object. False, with the reason, when nothing was done; the object tells it too.
+    /// isOnAir: an audience sees it. The mode then goes back by itself unless it is kept.
+    bool invoke(const std::string& method, const Json& args, bool isOnAir, std::string* error);
+    /// A property was written, by a client or out of a show: the output takes over what it can.
+    void propertyWritten(const std::string& property, bool isOnAir);
+    /// A display is plugged in, or none is: an empty text. False, with the reason, for an EDID that is none.
+    bool plug(const std::string& edid, std::string* error);
+    /// As on the first start.
+    void reset();
+    /// Counts down to the moment in which a mode that nobody has kept goes back.
+    void secondPassed();
+
+private:
+    struct Mode
+    {
+        std::string id;
+        VideoTiming timing;
+        bool isStandard;
+    };
+    struct Settings
+    {
+        std::string modelineId, edidOverride, edidOverrideFilename;
+        bool maxLinkRate = false;
+        VideoTiming timing;
+    };
+    using Change = std::function<bool(std::string*)>;
+
+    Object* object() const;
+    bool change(bool isOnAir, const Change& act, std::string* error);
+    bool selectModeline(const Json& args, std::string* error);
+    bool setEdidOverride(const Json& args, std::string* error);
+    bool resetEdid(std::string* error);
+    bool take(const std::string& id, bool maxLinkRate, std::string* error);
+    void takeUsual(bool maxLinkRate);
+    void write(const Settings& settings);
+    void apply(const Mode& mode, bool maxLinkRate);
+    std::string whyNotTaken(const Mode& mode) const;
+    int colorDepth(const VideoTiming& mode) const;
+    void readDisplay();
+    void showModes();
+    void showLink();
+    const Mode* find(const std::string& id) const;
+    void keep();
+    void revert();
+    void tell(const std::string& trouble);
+    std::string text(const char* property) const;
+    template <typename T>
+    void set(const char* property, const T& value);
+
+    Scene& m_scene;
+    const int m_index;
+    const std::string m_name;
+    std::string m_displayEdid;  // of what is plugged in; empty for nothing
+    std::optional<Edid> m_edid; // in force
+    std::vector<Mode> m_modes;
+    Settings m_inForce;
+    std::optional<Settings> m_kept; // what comes back unless the mode is kept
+    int m_secondsLeft = 0;
+};
+
+} // namespace vantrel::ombra

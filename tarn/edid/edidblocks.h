@@ -1,0 +1,24 @@
+#pragma once
+
+#include "tarn/edid/edid.h"
+
+#include <array>
+
+namespace vantrel::edidblocks {
+
+constexpr std::size_t blockSize = 128;
+constexpr std::size_t descriptorSize = 18;
+using Block = std::span<const std::uint8_t, blockSize>;
+using Bytes = std::span<const std::uint8_t>;
+
+/// Of two bytes, the low one first.
+int word(Bytes bytes, std::size_t at);
+/// A detailed timing of 18 bytes; nothing for what is none, or has no picture.
+std::optional<VideoTiming> detailedTiming(Bytes descriptor);
+/// Unless the display has it already, or it is computed to be nothing.
+void addMode(Edid& display, const VideoTiming& mode);
+
+void readCtaExtension(Block block, Edid& display);
+void readDisplayIdExtension(Block block, Edid& display);
+
+} // namespace vantrel::edidblocks
