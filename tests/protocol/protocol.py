@@ -52,12 +52,13 @@ class Document:
     def __init__(self, text):
         self.properties, self.methods, self.writable, self.routes, self.statuses = set(), set(), set(), set(), set()
         self.enumerations, self.units, self.used, self.operations, self.records = set(), set(), set(), set(), {}
-        self.attributes = set()
+        self.attributes, self.arguments, self.queries = set(), set(), set()
         self.text, self.frame = text, []
         self.types = set(re.findall(r"^    .* {3,}([A-Z]\w+)$", text, re.M))
         for heading, columns, rows in tables(text):
             for row in rows:
                 self.read(heading, columns[0], row)
+        self.arguments -= {*TYPES.values(), *(entry.split(":")[0] for entry in self.enumerations)}
         same("the unit", self.units, self.used - {"-"})
 
     def read(self, heading, kind, row):
@@ -70,8 +71,10 @@ class Document:
             self.check_unit(f"{heading}.{name}", of_type, unit)
         elif kind == "Method":
             self.methods.add(f"{heading}.{row[0]}")
+            self.arguments |= {name for names in re.findall(r"((?:\w+, )*\w+): ", row[1]) for name in names.split(", ")}
         elif kind == "Route":
             self.routes.add(f"{row[1]} {row[0]}")
+            self.queries |= set(re.findall(r"(\w+): ", row[2]))
         elif kind == "Status":
             self.statuses.add(row[0])
         elif kind == "Record":
@@ -140,6 +143,18 @@ def routes(root):
     found = set()
     for path, methods in re.findall(r'\{"(/[^"]*)",\s*\{(.*?)\}\}(?=,)', re.sub(r"//.*", "", table), re.S):
         found |= {f"{method} {path}" for method in re.findall(r'"([A-Z]+)"', methods) or ["GET"]}
+    return found
+
+
+def sources(root):
+    return "".join(file.read_text() for file in sorted((root / "ombra").rglob("*.cpp")))
+
+
+def arguments(root):
+    """Of methods; some are made of a name and the number of a mapping."""
+    found = set()
+    for name, numbered in re.findall(r'\bargs(?:\.(?:get|find)\(|, )"(\w+)"( \+ number)?', sources(root)):
+        found |= {name + "1", name + "2"} if numbered else {name}
     return found
 
 
@@ -349,7 +364,11 @@ def main(root, program):
     same("the property", document.properties, properties)
     same("the method", document.methods, methods)
     same("the property that clients write,", document.writable, writable(root))
+    same("the argument", document.arguments, arguments(root))
     same("the route", document.routes, routes(root))
+    same("the query", document.queries, re.findall(r'queryValue\([^,]+, "(\w+)"', sources(root)))
+    same("the message of the WebSocket", re.findall(r"`(metadata-\w+)`", document.text),
+         re.findall(r'"(metadata-\w+)"', sources(root)))
     same("the status", document.statuses, statuses(root))
     same("the enumeration", document.enumerations, enumerations(root))
     with tempfile.TemporaryDirectory() as folder:
