@@ -569,17 +569,17 @@ def slots(options):
         window.keys("Ctrl+Z")
 
 
-def pictures(options):
+def pictures(options, name, **how):
     """A folder of sequences and stills that was dropped from the FILES tab, while a show runs."""
     act = options.media.parent / "Pictures" / "Act 3"
     act.mkdir(parents=True, exist_ok=True)
     frame = next(options.media.glob("*.png"))
-    for name, frames in {"sky_v012.": range(1001, 1049), "rain.": [n for n in range(1, 25) if n not in (7, 8)]}.items():
+    for start, frames in {"sky_v012.": range(1001, 1049), "rain.": [n for n in range(1, 25) if n not in (7, 8)]}.items():
         for number in frames:
-            shutil.copy(frame, act / f"{name}{number:04}.png")
-    for name in ("Sponsor plate.png", "House rules.png", "Curtain.jpg"):
-        shutil.copy(frame, act / name)
-    with Window(options) as window, Pointer(window.display) as pointer:
+            shutil.copy(frame, act / f"{start}{number:04}.png")
+    for plate in ("Sponsor plate.png", "House rules.png", "Curtain.jpg"):
+        shutil.copy(frame, act / plate)
+    with Window(options, **how) as window, Pointer(window.display) as pointer:
         window.run_show()
         window.click("MainNavigationBar-files-button")
         window.click("local-files-list")
@@ -596,7 +596,7 @@ def pictures(options):
         window.click("DropDialog-rate-field-input")
         window.keys("CtrlA", "2", "5")
         window.rest()
-        window.shoot(options.out / "drop-dialog.png")
+        window.shoot(options.out / f"{name}.png")
         window.keys("Escape")
     shutil.rmtree(options.media / "Act 3")
 
@@ -669,7 +669,8 @@ SCREENS = {
     "media-folder-gone": notice,
     "drop-on-program": drop,
     "drop-on-slots": slots,
-    "drop-dialog": pictures,
+    "drop-dialog": lambda options: pictures(options, "drop-dialog"),
+    "drop-dialog-huge-1280x720": lambda options: pictures(options, "drop-dialog-huge-1280x720", **HUGE),
     "files": lambda options: files(options, "files"),
     "files-huge-1280x720": lambda options: files(options, "files-huge-1280x720", **HUGE),
     "silent": silent,

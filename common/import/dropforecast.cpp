@@ -46,6 +46,17 @@ QList<int> movedWithin(const SlotPayload& payload, int collection)
     return moved;
 }
 
+/// Whoever drags them may have seen them some time ago. Empty where all are there.
+QString missingSlot(const SlotPayload& payload, const MediaCollectionManager& manager, int collection)
+{
+    for (const MediaAddress& address : payload.addresses()) {
+        const int from = address.collection < 0 ? collection : address.collection;
+        if (!manager.isSlotOccupied(from, address.slot))
+            return translated("Slot %1-%2 is not in the library any more.").arg(from).arg(address.slot);
+    }
+    return {};
+}
+
 } // namespace
 
 int roomFrom(const SlotPayload& payload, const MediaCollectionManager& manager, int collection, int slot)
@@ -83,6 +94,8 @@ DropForecast DropForecast::of(const SlotPayload& payload, const MediaCollectionM
     DropForecast forecast;
     forecast.fault = payload.fault();
     const int count = slotsFor(payload, &forecast.isExact);
+    if (forecast.fault.isEmpty())
+        forecast.fault = missingSlot(payload, manager, collection);
     if (!forecast.fault.isEmpty())
         return forecast;
     if (count == 0)
@@ -110,6 +123,10 @@ void DropForecast::place(const MediaCollectionManager& manager, int collection, 
                          const QList<int>& moved)
 {
     const int end = manager.lastSlotInCollection(collection);
+    if (!manager.holdsCollection(collection)) {
+        fault = translated("Collection %1 is not in the library any more.").arg(collection);
+        return;
+    }
     if (slot < 0 || slot + count - 1 > end) {
         fault = translated("There is no room: the last slot is %1.").arg(end);
         return;

@@ -30,6 +30,11 @@ bool hasPassed(const BaseOperation& operation)
     return runnable && runnable->state() == RunnableOperation::Passed;
 }
 
+bool isOfThisComputer(const MediaEntry& entry)
+{
+    return entry.fileSystem == localName;
+}
+
 } // namespace
 
 struct MediaArrivals::Question
@@ -52,9 +57,12 @@ MediaArrivals::MediaArrivals(FileSystemProvider* fileSystems, FileSystemOperatio
 
 bool MediaArrivals::isLocal(const QList<MediaEntry>& entries)
 {
-    return !entries.isEmpty() && std::ranges::all_of(entries, [](const MediaEntry& entry) {
-        return entry.fileSystem == localName;
-    });
+    return !entries.isEmpty() && std::ranges::all_of(entries, isOfThisComputer);
+}
+
+bool MediaArrivals::isMixed(const QList<MediaEntry>& entries)
+{
+    return !isLocal(entries) && std::ranges::any_of(entries, isOfThisComputer);
 }
 
 QList<MediaEntry> MediaArrivals::entriesOf(const QList<QUrl>& urls)
@@ -186,19 +194,25 @@ void MediaArrivals::add(Plan& plan, const MediaEntry& entry) const
     plan.uploads.append(entry.path);
 }
 
-OperationPtr MediaArrivals::send(const QString& localPath)
+bool MediaArrivals::isThere(const QString& localPath, FileSystem::ItemType type) const
 {
-    FileSystem* const server = m_fileSystems->getFileSystem(serverName);
-    return server ? m_operations->copy(m_fileSystems->getFileSystem(localName), localPath, server,
-                                       server->defaultRootPath())
-                  : nullptr;
+    return m_fileSystems && m_fileSystems->getFileSystem(localName)->getType(localPath) == type;
 }
 
-void MediaArrivals::bringFile(const QString& localPath)
+OperationPtr MediaArrivals::send(const QString& localPath, FileSystem::ItemType type)
 {
-    const OperationPtr operation = send(localPath);
+    FileSystem* const server = m_fileSystems->getFileSystem(serverName);
+    return server && isThere(localPath, type)
+               ? m_operations->copy(m_fileSystems->getFileSystem(localName), localPath, server,
+                                    server->defaultRootPath())
+               : nullptr;
+}
+
+bool MediaArrivals::bringFile(const QString& localPath)
+{
+    const OperationPtr operation = send(localPath, FileSystem::File);
     if (!operation)
-        return;
+        return false;
     const QUrl url = QUrl::fromLocalFile(targetOf(localPath, false));
     m_progress.insert(url, 0);
     connect(operation.get(), &BaseOperation::progressChanged, this, [this, url](double, double to) {
@@ -216,6 +230,7 @@ void MediaArrivals::bringFile(const QString& localPath)
                     lookForAnother(url);
             });
     noteChange();
+    return true;
 }
 
 /// The name was free when the plan was made. What the server lists now may be a little old.
@@ -243,17 +258,25 @@ void MediaArrivals::lookForAnother(const QUrl& media)
 }
 
 void MediaArrivals::bringDirectory(const QString& localPath,
-                                   const std::function<void(const QString&)>& arrived)
+                                   const std::function<void(const QString&, const QString&)>& ended)
 {
-    const OperationPtr operation = send(localPath);
+    const QString name = shownText(getNameInPath(localPath));
+    const OperationPtr operation = send(localPath, FileSystem::Directory);
     if (!operation)
-        return;
+        return ended({}, tr("\"%1\" is left out: it is not there any more.").arg(name));
     const QString target = targetOf(localPath, true);
-    connect(operation.get(), &BaseOperation::operationStopped, this,
-            [operation = operation.get(), target, arrived] {
-                if (hasPassed(*operation))
-                    arrived(target);
-            });
+    const auto end = [this, operation = operation.get(), target, name, ended] {
+        if (hasPassed(*operation))
+            return ended(target, {});
+        FileSystem* const server = m_fileSystems->getFileSystem(serverName);
+        const bool isBegun = server && server->getType(target) != FileSystem::Unknown;
+        ended({}, isBegun
+                      ? tr("Not all of \"%1\" has arrived, so no slot was made of it. Retry it in FILES and "
+                           "drop it from the server's side, or remove it there and drop it again.")
+                            .arg(name)
+                      : tr("\"%1\" has not arrived, so no slot was made of it.").arg(name));
+    };
+    connect(operation.get(), &BaseOperation::operationStopped, this, end, Qt::SingleShotConnection);
 }
 
 QString MediaArrivals::textOf(const QUrl& media) const

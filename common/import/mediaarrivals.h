@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/filesystem/model/filesystem.h"
 #include "common/filesystem/operations/baseoperation.h"
 #include "common/import/slotpayload.h"
 
@@ -15,7 +16,6 @@
 
 namespace vantrel {
 
-class FileSystem;
 class FileSystemOperations;
 class FileSystemProvider;
 
@@ -42,16 +42,21 @@ public:
 
     /// Whether all of a payload is of this computer.
     static bool isLocal(const QList<MediaEntry>& entries);
+    /// Some of it is of this computer, and some is not.
+    static bool isMixed(const QList<MediaEntry>& entries);
     /// As a file manager drags them, without a look at the disk. Empty where one is not of this computer.
     static QList<MediaEntry> entriesOf(const QList<QUrl>& urls);
 
     /// Looks at the items and at what the server holds, which may take some seconds, and gives the plan. Not
     /// once this is gone.
     void plan(const QList<MediaEntry>& entries, const std::function<void(const Plan&)>& next);
-    /// Sends the file off; the slots that play it show how far it is.
-    void bringFile(const QString& localPath);
-    /// arrived is called with its path on the server once all of it is there.
-    void bringDirectory(const QString& localPath, const std::function<void(const QString&)>& arrived);
+    /// Whether that is still what is there. Minutes may lie between a plan and what becomes of it.
+    bool isFile(const QString& localPath) const { return isThere(localPath, FileSystem::File); }
+    /// Sends the file off; the slots that play it show how far it is. False when it is not there any more.
+    bool bringFile(const QString& localPath);
+    /// ended is called with its path on the server once all of it is there, or with an empty one and why not.
+    void bringDirectory(const QString& localPath,
+                        const std::function<void(const QString& path, const QString& fault)>& ended);
 
     /// Of a slot's media: "arriving 43 %"; empty for what is not on its way.
     QString textOf(const QUrl& media) const;
@@ -73,7 +78,8 @@ private:
     Plan answer(const Question& question) const;
     void add(Plan& plan, const MediaEntry& entry) const;
     QString targetOf(const QString& localPath, bool isDirectory) const;
-    OperationPtr send(const QString& localPath);
+    bool isThere(const QString& localPath, FileSystem::ItemType type) const;
+    OperationPtr send(const QString& localPath, FileSystem::ItemType type);
     void lookForAnother(const QUrl& media);
     void noteChange();
 

@@ -44,6 +44,10 @@ bool MediaDropPrivate::hasRoom()
 {
     const qsizetype slotCount = storedSlotCount();
     const MediaCollectionManager* const manager = m_creator->mediaCollectionManager();
+    if (manager && !manager->holdsCollection(m_collection)) {
+        addFault(tr("Collection %1 is not in the library any more.").arg(m_collection));
+        return false;
+    }
     if (manager && m_startSlot >= 0 &&
         m_startSlot + slotCount - 1 <= manager->lastSlotInCollection(m_collection))
         return true;

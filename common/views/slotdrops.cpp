@@ -1,6 +1,8 @@
 #include "common/views/slotdrops.h"
 
 #include "common/command/refusal.h"
+#include "common/filesystem/model/filesystemprovider.h"
+#include "common/filesystem/model/pathhelpers.h"
 #include "common/import/mediadrop.h"
 #include "common/media/address/showntext.h"
 #include "common/media/edit/mediacollectionmanager.h"
@@ -15,6 +17,7 @@
 #include <QGuiApplication>
 #include <QMimeData>
 #include <QPointer>
+#include <QSet>
 #include <QWidget>
 
 #include <algorithm>
@@ -27,9 +30,10 @@ using namespace std::chrono_literals;
 SlotDrops::SlotDrops(Session* session, MediaCollectionManager* manager, QWidget* window)
     : QObject(window)
     , m_manager(manager)
+    , m_fileSystems(session ? session->fileSystemProvider() : nullptr)
     , m_window(window)
     , m_creator(session, manager)
-    , m_handler(&m_creator, session ? session->fileSystemProvider() : nullptr)
+    , m_handler(&m_creator, m_fileSystems)
     , m_arrivals(session ? session->mediaArrivals() : nullptr)
 {
     if (!m_arrivals)
@@ -93,6 +97,8 @@ const DropForecast& SlotDrops::aim(int slot)
     m_forecast = DropForecast::of(m_payload, *m_manager, m_collection, slot);
     if (const QString why = obstacle(); !why.isEmpty())
         m_forecast.fault = why;
+    else if (MediaArrivals::isMixed(m_payload.entries()))
+        m_forecast.fault = tr("Files of this computer and of the server are dropped one after the other.");
     return m_forecast;
 }
 
@@ -132,8 +138,7 @@ void SlotDrops::bring(const MediaArrivals::Plan& plan, int collection, int slot,
     if (!plan.fault.isEmpty())
         return refuse(plan.fault);
     if (plan.files.isEmpty()) {
-        if (!plan.faults.isEmpty())
-            refuse(plan.faults.join(u'\n'));
+        tell(plan.faults);
         return bringDirectories(plan.directories, collection, slot);
     }
     m_plan = plan;
@@ -146,20 +151,26 @@ void SlotDrops::bring(const MediaArrivals::Plan& plan, int collection, int slot,
 void SlotDrops::bringDirectories(const QStringList& directories, int collection, int slot)
 {
     for (const QString& directory : directories) {
-        m_arrivals->bringDirectory(directory, [this, collection, slot](const QString& path) {
-            MediaEntry entry;
-            entry.path = path;
-            entry.fileSystem = QStringLiteral("server");
-            entry.isDirectory = true;
-            m_toldLast = -1;
-            m_handler.dropMimeData(SlotPayload::mimeOf({entry}), collection, slot);
-        });
+        m_arrivals->bringDirectory(directory,
+                                   [this, collection, slot](const QString& path, const QString& fault) {
+                                       if (path.isEmpty())
+                                           return refuse(fault);
+                                       MediaEntry entry;
+                                       entry.path = path;
+                                       entry.fileSystem = QStringLiteral("server");
+                                       entry.isDirectory = true;
+                                       m_toldLast = -1;
+                                       m_handler.dropMimeData(SlotPayload::mimeOf({entry}), collection, slot);
+                                   });
     }
 }
 
 void SlotDrops::take(MediaDrop* drop)
 {
     const int told = m_toldLast;
+    m_made.insert(drop, {server(), m_plan});
+    connect(drop, &QObject::destroyed, this,
+            [this, drop = static_cast<QObject*>(drop)] { m_made.remove(drop); });
     if (!m_plan.files.isEmpty()) {
         QList<GuiMediaSlot> medias = drop->medias();
         for (GuiMediaSlot& media : medias)
@@ -167,15 +178,7 @@ void SlotDrops::take(MediaDrop* drop)
         drop->setMedias(medias);
         for (const QString& fault : std::as_const(m_plan.faults))
             drop->addFault(fault);
-        connect(drop, &MediaDrop::mediaSlotSaved, this,
-                [this](const QString& media, int collection, int slot) {
-                    m_awaiting.insert(QUrl(media).toLocalFile(), MediaAddress(collection, slot));
-                });
-        connect(drop, &MediaDrop::saved, this, [this, drop, plan = m_plan, next = drop->startSlot()] {
-            for (const QString& path : plan.uploads)
-                m_arrivals->bringFile(path);
-            bringDirectories(plan.directories, drop->collection(), std::max(next, drop->lastSlot() + 1));
-        });
+        follow(drop);
     }
     const auto whenReady = [this, drop, told] {
         if (drop->isReady())
@@ -186,12 +189,88 @@ void SlotDrops::take(MediaDrop* drop)
         QMetaObject::invokeMethod(drop, whenReady, Qt::QueuedConnection);
 }
 
+/// Its files are sent once their slots stand.
+void SlotDrops::follow(MediaDrop* drop)
+{
+    const auto await = [this](const QString& path, int collection, int slot, const QUrl& media) {
+        m_awaiting.insert(path, {MediaAddress(collection, slot), media});
+    };
+    connect(drop, &MediaDrop::mediaSlotSaved, this, [await](const QString& media, int collection, int slot) {
+        await(QUrl(media).toLocalFile(), collection, slot, QUrl(media));
+    });
+    connect(drop, &MediaDrop::stillImageSaved, this,
+            [await](const images::StillImage& still, int collection, int slot) {
+                await(still.filePath, collection, slot, QUrl::fromLocalFile(still.filePath));
+            });
+    connect(drop, &MediaDrop::imageSequencesSaved, this,
+            [await, drop](const QList<ImageSequenceCandidate>&, int collection, int slot) {
+                const QList<images::ImagesResult> results = drop->imageResults();
+                for (const images::ImagesResult& result : results) {
+                    if (!result.isSequence())
+                        continue;
+                    for (const images::StillImage& picture : result.stillImages())
+                        await(picture.filePath, collection, slot, result.getImageSequence().id);
+                    ++slot;
+                }
+            });
+    connect(drop, &MediaDrop::saved, this, [this, drop] { send(*drop); });
+}
+
+void SlotDrops::send(const MediaDrop& drop)
+{
+    const MediaArrivals::Plan plan = m_made.value(&drop).plan;
+    QStringList faults;
+    for (qsizetype i = 0; i < plan.uploads.size(); ++i) {
+        const QString& path = plan.files[i].path;
+        if (!m_awaiting.contains(path) || m_arrivals->bringFile(plan.uploads[i]))
+            continue; // the operator has left it out, or it is on its way
+        m_awaiting.remove(path);
+        faults.append(
+            tr("\"%1\" was not sent: it is not there any more.").arg(shownText(getNameInPath(path))));
+    }
+    tell(faults);
+    bringDirectories(plan.directories, drop.collection(), std::max(drop.startSlot(), drop.lastSlot() + 1));
+}
+
+/// Minutes may lie between the drop and its approval.
+void SlotDrops::leaveOutWhatIsGone(MediaDrop* drop) const
+{
+    const MediaArrivals::Plan plan = m_made.value(drop).plan;
+    QSet<QString> gone;
+    for (qsizetype i = 0; i < plan.uploads.size(); ++i) {
+        if (m_arrivals->isFile(plan.uploads[i]))
+            continue;
+        gone.insert(plan.files[i].path);
+        drop->addFault(
+            tr("\"%1\" is left out: it is not there any more.").arg(shownText(plan.files[i].name)));
+    }
+    if (gone.isEmpty())
+        return;
+    QList<GuiMediaSlot> medias = drop->medias();
+    medias.removeIf(
+        [&gone](const GuiMediaSlot& media) { return gone.contains(media.contentUrl().toLocalFile()); });
+    drop->setMedias(medias);
+    QList<images::ImagesResult> results = drop->imageResults();
+    for (images::ImagesResult& result : results) {
+        QList<images::StillImage> stills = result.stillImages();
+        stills.removeIf([&gone](const images::StillImage& still) { return gone.contains(still.filePath); });
+        result.setStillImages(stills);
+    }
+    results.removeIf([](const images::ImagesResult& result) { return result.stillImages().isEmpty(); });
+    drop->setImageResults(results);
+}
+
+FileSystem* SlotDrops::server() const
+{
+    return m_fileSystems ? m_fileSystems->getFileSystem(QStringLiteral("server")) : nullptr;
+}
+
 void SlotDrops::settle(const QUrl& media, bool isSupplanted)
 {
-    const MediaAddress address = m_awaiting.take(media.toLocalFile());
+    const auto [address, content] = m_awaiting.take(media.toLocalFile());
     GuiMediaSlot slot;
     if (!isSupplanted || !m_manager->findMediaSlot(address.collection, address.slot, slot) ||
-        slot.contentUrl().toLocalFile() != media.toLocalFile())
+        slot.contentUrl() != content)
         return;
     m_manager->clearSlot(address.collection, address.slot);
     refuse(tr("\"%1\" has not arrived, and the server holds another file of its name by now. Slot %2 of "
@@ -271,29 +350,31 @@ void SlotDrops::save(MediaDrop* drop)
     const QPointer<MediaDrop> kept(drop);
     bool isSaved = false;
     const auto connection = connect(drop, &MediaDrop::saved, this, [&isSaved] { isSaved = true; });
+    leaveOutWhatIsGone(drop);
     if (const QString why = obstacle(); !why.isEmpty())
         drop->addFault(why);
+    else if (m_made.value(drop).server != server())
+        drop->addFault(tr("The application has turned to another server. Drop it again."));
     else if (drop->lastSlot() >= 0)
         drop->save();
     else if (drop->faults().isEmpty())
         drop->addFault(tr("There is nothing in it that a slot could hold."));
-    tell(*drop); // it is deleted later
+    tell(drop->faults()); // it is deleted later
     disconnect(connection);
     if (!isSaved)
         drop->cancel();
 }
 
-void SlotDrops::tell(const MediaDrop& drop) const
+/// Of many the first.
+void SlotDrops::tell(const QStringList& faults) const
 {
     constexpr qsizetype mostLines = 5;
-    QStringList faults = drop.faults();
     if (faults.isEmpty())
         return;
-    if (const qsizetype more = faults.size() - mostLines; more > 0) {
-        faults.resize(mostLines);
-        faults.append(tr("And %1 more.").arg(more));
-    }
-    refuse(faults.join(u'\n'));
+    QString text = faults.first(std::min(mostLines, faults.size())).join(u'\n');
+    if (const qsizetype more = faults.size() - mostLines; more > 0)
+        text += u'\n' + tr("And %1 more.").arg(more);
+    refuse(text);
 }
 
 void SlotDrops::refuse(const QString& why) const

@@ -17,7 +17,7 @@ class QWidget;
 
 namespace vantrel {
 
-class FileSystemOperations;
+class FileSystem;
 class FileSystemProvider;
 class MediaCollectionManager;
 class MediaDrop;
@@ -69,6 +69,17 @@ Q_SIGNALS:
     void arrivalsChanged();
 
 private:
+    struct Awaiting
+    {
+        MediaAddress address;
+        QUrl media; // which has the file
+    };
+    struct Made
+    {
+        FileSystem* server; // whose paths it holds
+        MediaArrivals::Plan plan;
+    };
+
     void readKeys();
     QString obstacle() const { return m_obstacle ? m_obstacle() : QString(); }
     void bring(const MediaArrivals::Plan& plan, int collection, int slot, int toldLast);
@@ -76,17 +87,23 @@ private:
     void take(MediaDrop* drop);
     void finish(MediaDrop* drop, int toldLast);
     void review(MediaDrop* drop);
+    void follow(MediaDrop* drop);
+    void send(const MediaDrop& drop);
+    void leaveOutWhatIsGone(MediaDrop* drop) const;
+    FileSystem* server() const;
     void settle(const QUrl& media, bool isSupplanted);
     void save(MediaDrop* drop);
-    void tell(const MediaDrop& drop) const;
+    void tell(const QStringList& faults) const;
     void refuse(const QString& why) const;
 
     MediaCollectionManager* m_manager;
+    FileSystemProvider* m_fileSystems; // null for none
     QWidget* m_window;
     ImageSequenceCreator m_creator;
     MediaSlotDropHandler m_handler;
-    MediaArrivals* m_arrivals; // the session's, so that each view shows what any of them has taken
-    QHash<QString, MediaAddress> m_awaiting; // by path, the slots that were made for files on their way
+    MediaArrivals* m_arrivals;           // the session's, so that each view shows what any of them has taken
+    QHash<QString, Awaiting> m_awaiting; // by path, the slots that were made for files on their way
+    QHash<const QObject*, Made> m_made;  // of drops that are not stored yet
     std::function<QString()> m_obstacle;
     int m_collection = -1;
     QVariantMap m_mime;

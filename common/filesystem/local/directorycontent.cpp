@@ -20,6 +20,21 @@ bool isShown(const QString& name)
     return dot >= 0 && known.contains(name.mid(dot + 1).toLower());
 }
 
+/// Of a link: whether it leads to a directory on the path by which it was come to.
+bool leadsBack(const QFileInfo& directory)
+{
+    if (!directory.isSymLink())
+        return false;
+    const QString target = directory.canonicalFilePath();
+    QString above = directory.absolutePath();
+    while (QFileInfo(above).canonicalFilePath() != target) {
+        if (above == QStringLiteral("/"))
+            return false;
+        above = getParentPath(above);
+    }
+    return true;
+}
+
 template <typename Item>
 void sortByName(QList<Item>& items)
 {
@@ -41,7 +56,7 @@ std::optional<DirectoryContent> DirectoryContent::read(const QString& path)
         const QFileInfo info = entries.fileInfo();
         const QString name = entries.fileName();
         if (info.isDir())
-            content.directories.append({name, normalizePath(dir.absoluteFilePath(name))});
+            content.directories.append({name, normalizePath(dir.absoluteFilePath(name)), leadsBack(info)});
         else if (isShown(name))
             content.files.append({name, info.size(), holder});
         else

@@ -17,6 +17,8 @@ public:
     /// Absolute; ends with "/" when it comes from fromFullPath, and need not otherwise: compare by
     /// isSamePath().
     QString fullPath;
+    /// A link to one of the directories that it lies in: who goes on there never comes to an end.
+    bool leadsBack = false;
 
     static FileSystemDirectory fromFullPath(const QString& path);
 

@@ -183,7 +183,7 @@ void RecursiveDirectoryLister::savePathContent(const QString& path, const Conten
         const QString directoryKey = keyOf(directory.fullPath);
         if (directory.name == QStringLiteral("..") || isDeepEnough || m_depths.contains(directoryKey))
             continue;
-        if (below > deepestLevel) {
+        if (below > deepestLevel || directory.leadsBack) {
             m_isTooDeep = true;
             continue;
         }

@@ -155,6 +155,12 @@ bool ImplMediaCollectionManager::copyCollection(int fromCollection, int toCollec
     return run<CopyCollectionCommand>(fromCollection, target);
 }
 
+bool ImplMediaCollectionManager::holdsCollection(int collection) const
+{
+    const Ref<const MediaLibrary> media = expected();
+    return media && media->findCollection(collection);
+}
+
 bool ImplMediaCollectionManager::isSlotOccupied(int collection, int slot) const
 {
     const MediaLibrary* media = library();

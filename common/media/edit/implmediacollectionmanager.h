@@ -26,6 +26,7 @@ public:
     Q_INVOKABLE bool appendCollection(const QString& name) override;
     Q_INVOKABLE bool insertCollection(int collection, const QString& name) override;
     Q_INVOKABLE bool copyCollection(int fromCollection, int toCollection = -1) override;
+    Q_INVOKABLE bool holdsCollection(int collection) const override;
     Q_INVOKABLE bool isSlotOccupied(int collection, int slot) const override;
     Q_INVOKABLE bool holdsMedia(int collection, int slot) const override;
     Q_INVOKABLE bool findMediaSlot(int collection, int slot, vantrel::GuiMediaSlot& result) const override;

@@ -22,6 +22,7 @@ public:
     virtual bool insertCollection(int collection, const QString& name) = 0;
     /// A target of -1 is the first free index.
     virtual bool copyCollection(int fromCollection, int toCollection) = 0;
+    virtual bool holdsCollection(int collection) const = 0;
     virtual bool isSlotOccupied(int collection, int slot) const = 0;
     /// One that has been cleared is kept, and holds nothing.
     virtual bool holdsMedia(int collection, int slot) const = 0;

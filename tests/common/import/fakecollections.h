@@ -15,6 +15,7 @@ public:
     QMap<int, GuiMediaSlot> content;
     QStringList done;
     int last = 9999;
+    int goneCollection = -1;
 
     void put(int slot, const QString& name)
     {
@@ -34,6 +35,7 @@ public:
     bool appendCollection(const QString&) override { return false; }
     bool insertCollection(int, const QString&) override { return false; }
     bool copyCollection(int, int) override { return false; }
+    bool holdsCollection(int collection) const override { return collection != goneCollection; }
     bool isSlotOccupied(int, int slot) const override { return content.contains(slot); }
     bool holdsMedia(int, int slot) const override { return !content.value(slot).contentUrl().isEmpty(); }
     bool findMediaSlot(int, int slot, GuiMediaSlot& result) const override
