@@ -136,6 +136,7 @@ bool NetworkLocator::findPeers(unsigned int timeoutMs, const Progress& progress)
         return false;
     ++m_search;
     m_readAnswers = 0;
+    m_answeredPeers = 0;
     const std::chrono::milliseconds whole(timeoutMs);
     const auto begin = Clock::now();
     auto nextNews = begin;
@@ -164,29 +165,52 @@ bool NetworkLocator::findPeers(unsigned int timeoutMs, const Progress& progress)
 /// True when it is the first answer of that server.
 bool NetworkLocator::hear(const asio::ip::address& sender, std::string_view datagram)
 {
-    if (m_readAnswers >= maxAnswers || !hasRoom(sender))
+    if (m_readAnswers >= maxAnswers || !isWorthReading(sender))
         return false;
     ++m_readAnswers;
     auto attributes = discovery::parseAnswer(datagram);
     if (!attributes)
         return false;
     const Key key{sender, attribute(*attributes, "link")};
-    const bool isNew = !m_heard.contains(key);
-    if (isNew && m_heard.size() >= maxPeers)
-        return false;
-    m_heard.insert_or_assign(key, Heard{{sender.to_string(), std::move(*attributes)}, m_search});
+    auto known = m_heard.find(key);
+    const bool isNew = known == m_heard.end();
+    if (isNew) {
+        if (!makeRoom())
+            return false;
+        known = m_heard.emplace(key, Heard{{}, m_search, 0}).first;
+    }
+    Heard& heard = known->second;
+    if (heard.search != m_search)
+        ++m_answeredPeers;
+    heard.search = m_search;
+    heard.peer = {sender.to_string(), std::move(*attributes)};
     return isNew;
 }
 
-/// Whoever is known keeps its place, however many others answer.
-bool NetworkLocator::hasRoom(const asio::ip::address& sender) const
+bool NetworkLocator::isWorthReading(const asio::ip::address& sender) const
 {
     const auto first = m_heard.lower_bound({sender, {}});
-    if (first == m_heard.end() || first->first.first != sender)
-        return m_heard.size() < maxPeers;
-    return std::distance(first, std::find_if(first, m_heard.end(), [&](const auto& entry) {
-                             return entry.first.first != sender;
-                         })) <= maxOfAddress;
+    const auto end =
+        std::find_if(first, m_heard.end(), [&](const auto& entry) { return entry.first.first != sender; });
+    return first == end ? m_answeredPeers < maxPeers : std::distance(first, end) <= maxOfAddress;
+}
+
+/// Under a flood the one goes that has not answered this search, and of those the latest: a server that has
+/// been there for some time is none of the flood's.
+bool NetworkLocator::makeRoom()
+{
+    if (m_heard.size() < maxPeers)
+        return true;
+    auto latest = m_heard.end();
+    for (auto at = m_heard.begin(); at != m_heard.end(); ++at) {
+        if (at->second.search != m_search &&
+            (latest == m_heard.end() || at->second.since > latest->second.since))
+            latest = at;
+    }
+    if (latest == m_heard.end())
+        return false;
+    m_heard.erase(latest);
+    return true;
 }
 
 std::vector<NetworkPeer> NetworkLocator::currentPeers() const

@@ -46,18 +46,21 @@ private:
     struct Heard
     {
         NetworkPeer peer;
-        unsigned int search = 0; // the last one that it answered
+        unsigned int since = 0;  // the first search that it answered
+        unsigned int search = 0; // the last one
     };
     // One machine may run several servers, on ports of their own ("link"). An id does not tell them apart:
     // one that was started again has another.
     using Key = std::pair<boost::asio::ip::address, std::string>;
 
     bool hear(const boost::asio::ip::address& sender, std::string_view datagram);
-    bool hasRoom(const boost::asio::ip::address& sender) const;
+    bool isWorthReading(const boost::asio::ip::address& sender) const;
+    bool makeRoom();
 
     unsigned short m_port;
     unsigned int m_search = 0;
-    unsigned int m_readAnswers = 0; // in this search
+    unsigned int m_readAnswers = 0;  // in this search
+    std::size_t m_answeredPeers = 0; // likewise
     std::map<Key, Heard> m_heard;
 };
 

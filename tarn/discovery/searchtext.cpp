@@ -6,7 +6,7 @@ namespace vantrel::discovery {
 
 namespace {
 
-constexpr std::size_t maxAttributes = 16;
+constexpr const char* names[] = {"id", "link", "name", "program", "state", "version"};
 
 } // namespace
 
@@ -39,11 +39,11 @@ std::optional<Attributes> parseAnswer(std::string_view datagram)
     if (!peer || !peer->isObject())
         return std::nullopt;
     Attributes attributes;
-    peer->forEachMember([&](std::string_view name, const Json& value) {
-        if (value.isString())
-            attributes.emplace(name, value.asString());
-        return attributes.size() < maxAttributes;
-    });
+    for (const char* name : names) {
+        const Json* value = peer->find(name);
+        if (value && value->isString())
+            attributes.emplace(name, value->asString());
+    }
     return attributes;
 }
 

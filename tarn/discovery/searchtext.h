@@ -23,8 +23,8 @@ bool isQuestion(std::string_view datagram);
 
 /// As one datagram; empty when they do not fit into one.
 std::string answerText(const Attributes& attributes);
-/// What is no text in it is passed over, and so is what goes beyond 16 attributes. Nothing when it is no
-/// answer.
+/// What a server says of itself (docs/protocol.md), as far as it is texts; anything else in it is passed
+/// over. Nothing when it is no answer.
 std::optional<Attributes> parseAnswer(std::string_view datagram);
 
 } // namespace vantrel::discovery

@@ -184,8 +184,8 @@ void TestNetworkLocator::tellsWhatIsNewBeforeTheEnd()
 
 void TestNetworkLocator::keepsToItsBounds()
 {
-    // Who floods a search from every address of the loopback interface fills the list and no more; a server
-    // that was in it before stays.
+    // Who floods searches from every address of the loopback interface fills the list and no more; a server
+    // that was in it before stays, and one that comes later is found.
     const quint16 port = freePort();
     Servers servers(port);
     QVERIFY(servers.add("127.0.0.1", {{"name", "real"}, {"id", "1"}}));
@@ -210,7 +210,7 @@ void TestNetworkLocator::keepsToItsBounds()
         ear.receive_from(boost::asio::buffer(question), asker, 0, nothing);
         for (int i = 0; i < 100 && asker.port() != 0; ++i, ++sent) {
             udp::socket forger(loop, {boost::asio::ip::address_v4(0x7f010000U + sent), 0});
-            std::string attributes = "\"id\":\"" + std::to_string(sent + 100) + "\"";
+            std::string attributes = "\"name\":\"forged\",\"id\":\"" + std::to_string(sent + 100) + "\"";
             for (int k = 0; k < 60; ++k)
                 attributes += ",\"a" + std::to_string(k) + "\":\"\"";
             forger.send_to(boost::asio::buffer("{\"peer\":{" + attributes + "}}"), asker, 0, nothing);
@@ -218,11 +218,20 @@ void TestNetworkLocator::keepsToItsBounds()
         return true;
     };
     QVERIFY(locator.findPeers(400, flood));
-    const auto peers = locator.currentPeers();
     QVERIFY(sent > 256);
+    Servers late(port);
+    QVERIFY(late.add("127.127.0.1", {{"name", "late"}, {"id", "2"}}));
+    late.start();
+    QVERIFY(locator.findPeers(400, flood));
+    const auto peers = locator.currentPeers();
     QCOMPARE(peers.size(), std::size_t{256});
-    QVERIFY(std::ranges::any_of(peers, [](const auto& peer) { return peer.address == "127.0.0.1"; }));
-    QVERIFY(std::ranges::all_of(peers, [](const auto& peer) { return peer.attributes.size() <= 16; }));
+    const auto isThere = [&](const char* name) {
+        return std::ranges::any_of(peers,
+                                   [&](const auto& peer) { return peer.attributes.at("name") == name; });
+    };
+    QVERIFY(isThere("real"));
+    QVERIFY(isThere("late"));
+    QVERIFY(std::ranges::all_of(peers, [](const auto& peer) { return peer.attributes.size() == 2; }));
 }
 
 void TestNetworkLocator::passesOverNonsense()
