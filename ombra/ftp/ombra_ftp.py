@@ -20,7 +20,7 @@ import time
 import zlib
 
 from pyftpdlib.authorizers import DummyAuthorizer
-from pyftpdlib.handlers import DTPHandler, FTPHandler
+from pyftpdlib.handlers import DTPHandler, FTPHandler, PassiveDTP
 from pyftpdlib.servers import FTPServer
 
 LISTENING = 3
@@ -52,6 +52,18 @@ class Data(DTPHandler):
         self.close()
 
 
+class Passive(PassiveDTP):
+    """Listens for data where the commands come in: an address that holds on one link alone is none without it."""
+
+    def bind_af_unspecified(self, addr):
+        link = self.cmd_channel.socket.getsockname()[3:]
+        host = f"{addr[0]}%{link[0]}" if link and link[0] else addr[0]
+        return super().bind_af_unspecified((host, *addr[1:]))
+
+    def bind(self, addr):
+        super().bind((*addr, *self.cmd_channel.socket.getsockname()[len(addr):]))
+
+
 class Check(threading.Thread):
     """Makes the CRC-32 of a file, while others are served."""
 
@@ -77,6 +89,7 @@ class Check(threading.Thread):
 class Handler(FTPHandler):
     banner = "ombra's media folder."
     dtp_handler = Data
+    passive_dtp = Passive
     auth_failed_timeout = 1
     max_login_attempts = 3
     use_gmt_times = False
