@@ -8,6 +8,7 @@
 #include "common/ui/toolkit/ztlabel.h"
 
 #include <QHeaderView>
+#include <QMouseEvent>
 #include <QProgressBar>
 #include <QScreen>
 #include <QScrollBar>
@@ -119,7 +120,7 @@ void ConnectDialog::makeServers(QWidget* form)
     header->setHighlightSections(false);
     connect(m_servers->selectionModel(), &QItemSelectionModel::currentRowChanged, this,
             &ConnectDialog::chooseServer);
-    connect(m_servers, &QTableView::doubleClicked, this, &ConnectDialog::doConnect);
+    m_servers->viewport()->installEventFilter(this);
 }
 
 /// By mouse or by keyboard; the row is chosen again when the list has become another one.
@@ -129,6 +130,19 @@ void ConnectDialog::chooseServer(const QModelIndex& index)
         return;
     m_chosen = index.siblingAtColumn(LocatorModel::AddressColumn).data().toString();
     m_address->setText(m_chosen);
+}
+
+/// A double click whose clicks lie on two sides of a change of the list is none to the view. It is one here
+/// if the same server is still below the mouse.
+bool ConnectDialog::eventFilter(QObject* watched, QEvent* event)
+{
+    if (event->type() == QEvent::MouseButtonDblClick && watched == m_servers->viewport()) {
+        const QPoint place = static_cast<QMouseEvent*>(event)->position().toPoint();
+        const QModelIndex index = m_servers->indexAt(place).siblingAtColumn(LocatorModel::AddressColumn);
+        if (index.isValid() && index.data().toString() == m_chosen)
+            doConnect();
+    }
+    return ZTDialog::eventFilter(watched, event);
 }
 
 void ConnectDialog::showServers()

@@ -50,6 +50,9 @@ Q_SIGNALS:
     void connectRequested(const QString& host);
     void disconnectRequested();
 
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
 private:
     QWidget* makeForm();
     QWidget* makeMessage();

@@ -376,7 +376,15 @@ private Q_SLOTS:
         QCOMPARE(address->text(), QStringLiteral("stage"));
         QSignalSpy requested(&dialog, &ConnectDialog::connectRequested);
         const QPoint row = view->visualRect(model->index(0, 0)).center();
+        // Between the two clicks the list becomes another one.
         QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, row);
+        model->setPeers({peers[0], peers[2]});
+        QTest::mouseDClick(view->viewport(), Qt::LeftButton, {}, row);
+        QCOMPARE(requested.size(), 0); // another server stands there now
+        model->setPeers({peers[2]});
+        QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, row);
+        peers[2].attributes["program"] = "Clock";
+        model->setPeers({peers[2]});
         QTest::mouseDClick(view->viewport(), Qt::LeftButton, {}, row);
         QCOMPARE(requested.size(), 1);
         QCOMPARE(requested.first().first().toString(), QStringLiteral("10.0.0.2"));
