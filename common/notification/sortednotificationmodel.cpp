@@ -33,4 +33,12 @@ void SortedNotificationModel::setManager(NotificationManager* manager)
     d->source.setManager(manager);
 }
 
+/// Of what was said within a millisecond the later one is the newer.
+bool SortedNotificationModel::lessThan(const QModelIndex& left, const QModelIndex& right) const
+{
+    if (left.data(sortRole()) == right.data(sortRole()))
+        return left.row() < right.row();
+    return QSortFilterProxyModel::lessThan(left, right);
+}
+
 } // namespace vantrel

@@ -23,6 +23,9 @@ public:
     NotificationManager* manager() const;
     void setManager(NotificationManager* manager);
 
+protected:
+    bool lessThan(const QModelIndex& left, const QModelIndex& right) const override;
+
 Q_SIGNALS:
     void managerChanged();
 

@@ -64,8 +64,6 @@ public:
     QMLManagerPrivate()
     {
         engine.addImportPath(QStringLiteral("qrc:/QmlModules"));
-        engine.addImageProvider(QStringLiteral("thumbnails"), new QmlThumbnailProvider);
-        engine.addImageProvider(QStringLiteral("icons"), new IconProvider);
         QQmlContext* context = engine.rootContext();
         context->setContextProperty(QStringLiteral("notificationManager"),
                                     NotificationManagerImpl::instance());
@@ -78,6 +76,8 @@ public:
                                     LocalHomeLocations::instance()->homePath());
         context->setContextProperty(QStringLiteral("toolTips"), &toolTips);
         context->setContextProperty(QStringLiteral("notificationStyle"), &notificationStyle);
+        engine.addImageProvider(QStringLiteral("thumbnails"), new QmlThumbnailProvider);
+        engine.addImageProvider(QStringLiteral("icons"), new IconProvider);
     }
 
     FontSizes fontSizes;

@@ -67,7 +67,12 @@ private Q_SLOTS:
         const QDateTime noon(QDate(2026, 5, 1), QTime(12, 0));
         add(Notification::InfoMessage, "first")->setDateTime(noon);
         add(Notification::InfoMessage, "last")->setDateTime(noon.addSecs(5));
-        QCOMPARE(sorted.index(0, 0).data(NotificationModel::TitleRole).toString(), QStringLiteral("last"));
+        add(Notification::InfoMessage, "in the same breath")->setDateTime(noon);
+        const auto title = [&sorted](int row) {
+            return sorted.index(row, 0).data(NotificationModel::TitleRole).toString();
+        };
+        QCOMPARE(title(0), QStringLiteral("last"));
+        QCOMPARE(title(1), QStringLiteral("in the same breath"));
     }
 
     void gravestIsPending()
