@@ -22,20 +22,21 @@ public:
     quint16 uiTestPort() const { return m_port; }
     qint64 pid() const { return m_process.processId(); }
     bool isRunning() const { return m_process.state() == QProcess::Running; }
-    /// Asks it to end and waits; its exit code, -1 after a crash or the limit.
+    /// Asks it to end and waits; its exit code, -1 after a crash or the limit. What declarative views
+    /// complained of in its log fails the test.
     int stop();
     /// Ends it and starts it anew with the same arguments and settings; as stop(), or -1 when it did not
     /// start.
     int restart();
     /// All that it wrote since its last start, its log included.
     QString output() const;
-    /// The first complaint of a declarative view in it, with its file and line; empty when there is none.
-    QString declarativeComplaint() const;
     /// The file that its settings stand in, for a test that writes some before the start.
     QString settingsFile() const;
 
 private:
     QString outputFile() const;
+    /// The first of a declarative view in the log, with its file and line; empty when there is none.
+    QString declarativeComplaint() const;
 
     QProcess m_process;
     QTemporaryDir m_home;
