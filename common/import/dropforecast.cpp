@@ -35,17 +35,6 @@ int slotsFor(const SlotPayload& payload, bool* isExact = nullptr)
     return static_cast<int>(count);
 }
 
-/// Those of the collection that the payload takes away from where they are.
-QList<int> movedWithin(const SlotPayload& payload, int collection)
-{
-    QList<int> moved;
-    if (payload.movesWithin(collection)) {
-        for (const MediaAddress& address : payload.addresses())
-            moved.append(address.slot);
-    }
-    return moved;
-}
-
 /// Whoever drags them may have seen them some time ago. Empty where all are there.
 QString missingSlot(const SlotPayload& payload, const MediaCollectionManager& manager, int collection)
 {
@@ -61,7 +50,7 @@ QString missingSlot(const SlotPayload& payload, const MediaCollectionManager& ma
 
 int roomFrom(const SlotPayload& payload, const MediaCollectionManager& manager, int collection, int slot)
 {
-    const QList<int> list = movedWithin(payload, collection);
+    const QList<int> list = payload.leaving(collection);
     const QSet<int> moved(list.cbegin(), list.cend());
     const int count = slotsFor(payload);
     const int end = manager.lastSlotInCollection(collection);
@@ -101,11 +90,16 @@ DropForecast DropForecast::of(const SlotPayload& payload, const MediaCollectionM
     if (count == 0)
         forecast.fault = translated("The server can play none of these files.");
     else
-        forecast.place(manager, collection, slot, count, movedWithin(payload, collection));
+        forecast.place(manager, collection, slot, count, payload.leaving(collection));
     if (!forecast.isPossible())
         return forecast;
-    forecast.isMove = payload.movesWithin(collection);
-    forecast.isCopy = payload.isCopy() && payload.kind() == SlotPayload::Kind::Slots;
+    const bool isWithin = payload.movesWithin(collection);
+    const bool isSlots = payload.kind() == SlotPayload::Kind::Slots;
+    forecast.goes = !isSlots                        ? Goes::In
+                    : isWithin                      ? Goes::Along
+                    : payload.movesInto(collection) ? Goes::Over
+                                                    : Goes::Copied;
+    forecast.isCopyWanted = payload.isCopy();
     return forecast;
 }
 
@@ -145,8 +139,10 @@ QString DropForecast::text() const
             ? translated("Slot %1.").arg(first)
             : (isExact ? translated("Slots %1 to %2 (%3).").arg(first).arg(last).arg(last - first + 1)
                        : translated("From slot %1 on; how many slots tells once it is read.").arg(first));
-    if (isCopy)
+    if (goes == Goes::Copied)
         text = translated("Copy to: %1").arg(text);
+    else if (goes == Goes::Over)
+        text = translated("Move to: %1").arg(text);
     if (overwritten == 0)
         return text;
     const int more = overwritten - static_cast<int>(losing.size());

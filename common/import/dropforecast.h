@@ -12,6 +12,10 @@ class SlotPayload;
 /// What a drop on a slot would do, told before the button is let go. A value.
 struct DropForecast
 {
+    /// What becomes of what is dropped: files come in; slots move within their collection, are copied, or
+    /// leave another collection.
+    enum class Goes { In, Along, Copied, Over };
+
     static DropForecast of(const SlotPayload& payload, const MediaCollectionManager& manager, int collection,
                            int slot);
     /// Of one that has been read, as it stands.
@@ -20,11 +24,11 @@ struct DropForecast
     int first = -1; // the slots that it takes
     int last = -1;
     bool isExact = true; // false: folders and pictures tell only once they are read
-    bool isMove = false; // of slots within their collection, which a key would copy
-    bool isCopy = false; // of those, since the key is held
-    int overwritten = 0; // slots that hold media and would hold another
-    QStringList losing;  // "4 Logo": the first of those
-    QString fault;       // why nothing can be dropped there; the rest says nothing then
+    Goes goes = Goes::In;
+    bool isCopyWanted = false; // a key says so
+    int overwritten = 0;       // slots that hold media and would hold another
+    QStringList losing;        // "4 Logo": the first of those
+    QString fault;             // why nothing can be dropped there; the rest says nothing then
 
     bool isPossible() const { return fault.isEmpty(); }
     /// "Slots 3 to 7 (5). Overwrites 4 Logo, 5 Loop and 1 more."

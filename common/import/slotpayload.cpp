@@ -193,4 +193,21 @@ bool SlotPayload::movesWithin(int collection) const
            });
 }
 
+bool SlotPayload::movesInto(int collection) const
+{
+    return m_kind == Kind::Slots && m_isMove && !m_isCopy && !movesWithin(collection);
+}
+
+QList<int> SlotPayload::leaving(int collection) const
+{
+    QList<int> left;
+    if (!movesWithin(collection) && !movesInto(collection))
+        return left;
+    for (const MediaAddress& address : m_addresses) {
+        if (address.collection < 0 || address.collection == collection)
+            left.append(address.slot);
+    }
+    return left;
+}
+
 } // namespace vantrel

@@ -57,8 +57,15 @@ public:
     const QList<MediaEntry>& entries() const { return m_entries; }
     bool isCopy() const { return m_isCopy; }
     void setIsCopy(bool isCopy) { m_isCopy = isCopy; }
+    bool isMove() const { return m_isMove; }
+    /// Slots that come from another collection leave it.
+    void setIsMove(bool isMove) { m_isMove = isMove; }
     /// Whether they are slots of the collection, and none that are copied.
     bool movesWithin(int collection) const;
+    /// Whether some of another collection come into this one and leave theirs.
+    bool movesInto(int collection) const;
+    /// Those of the collection that leave where they are.
+    QList<int> leaving(int collection) const;
 
 private:
     static SlotPayload refused(const QString& fault);
@@ -69,6 +76,7 @@ private:
     QList<MediaAddress> m_addresses;
     QList<MediaEntry> m_entries;
     bool m_isCopy = false;
+    bool m_isMove = false;
 };
 
 } // namespace vantrel

@@ -79,13 +79,32 @@ int SlotDrops::roomFrom(int slot)
 
 void SlotDrops::readKeys()
 {
-    const bool isCopy = QGuiApplication::queryKeyboardModifiers() & Qt::ControlModifier;
-    if (isCopy == m_payload.isCopy())
+    if (m_keysCount) {
+        const Qt::KeyboardModifiers held = QGuiApplication::queryKeyboardModifiers();
+        want(held & Qt::ControlModifier, held & Qt::ShiftModifier);
+    }
+}
+
+void SlotDrops::want(bool isCopy, bool isMove)
+{
+    if (isCopy == m_payload.isCopy() && isMove == m_payload.isMove())
         return;
     m_payload.setIsCopy(isCopy);
+    m_payload.setIsMove(isMove);
     m_mime.insert(SlotPayload::copyKey, isCopy);
     m_aimed = -1;
     m_room = {-1, -1};
+}
+
+bool SlotDrops::paste(const QMimeData* data, bool isMove, int slot)
+{
+    if (!begin(data))
+        return false;
+    m_keysCount = false;
+    want(!isMove, isMove);
+    drop(roomFrom(slot));
+    end();
+    return true;
 }
 
 const DropForecast& SlotDrops::aim(int slot)
@@ -107,6 +126,7 @@ void SlotDrops::end()
     m_mime.clear();
     m_payload = {};
     m_forecast = {};
+    m_keysCount = true;
     m_aimed = -1;
     m_room = {-1, -1};
 }
@@ -122,6 +142,8 @@ void SlotDrops::drop(int slot)
     // What it would overwrite was told for the slots that it was known to take.
     m_toldLast =
         told.first == forecast.first && told.overwritten == forecast.overwritten ? forecast.last : -1;
+    if (m_payload.movesInto(m_collection))
+        return moveOver(forecast);
     if (!MediaArrivals::isLocal(m_payload.entries())) {
         m_handler.dropMimeData(m_mime, m_collection, slot);
         return;
@@ -129,6 +151,15 @@ void SlotDrops::drop(int slot)
     const auto next = [this, collection = m_collection, slot, toldLast = m_toldLast](
                           const MediaArrivals::Plan& plan) { bring(plan, collection, slot, toldLast); };
     m_arrivals->plan(m_payload.entries(), next);
+}
+
+/// All is known beforehand: there is nothing to be read.
+void SlotDrops::moveOver(const DropForecast& forecast)
+{
+    if (forecast.overwritten > 0 && m_toldLast != forecast.last)
+        return refuse(
+            tr("It would overwrite slots that nobody was told of. Look where it goes, and drop it again."));
+    m_manager->moveSlotsFrom(m_payload.addresses(), m_collection, forecast.first);
 }
 
 /// The slots stand at once, under the names that the files will have; the server calls them playable when it

@@ -51,11 +51,13 @@ public:
     /// The first slot from there on behind which all that is known of the drag finds free slots: what is held
     /// between two slots points at neither. The slot itself where there is no such place.
     int roomFrom(int slot);
-    /// What a drop on the slot would do: with Ctrl held slots are copied that would move. Between begin() and
-    /// end().
+    /// What a drop on the slot would do: with Ctrl held slots are copied that would move, with Shift those of
+    /// another collection move that would be copied. Between begin() and end().
     const DropForecast& aim(int slot);
     void drop(int slot);
     void end();
+    /// Drops it at the first room from the slot on; false for what is none of ours.
+    bool paste(const QMimeData* data, bool isMove, int slot);
 
     // Of whoever drops by other ways; what they make of it is taken as what is dropped here.
     ImageSequenceCreator* creator() { return &m_creator; }
@@ -81,6 +83,8 @@ private:
     };
 
     void readKeys();
+    void want(bool isCopy, bool isMove);
+    void moveOver(const DropForecast& forecast);
     QString obstacle() const { return m_obstacle ? m_obstacle() : QString(); }
     void bring(const MediaArrivals::Plan& plan, int collection, int slot, int toldLast);
     void bringDirectories(const QStringList& directories, int collection, int slot);
@@ -109,6 +113,7 @@ private:
     QVariantMap m_mime;
     SlotPayload m_payload;
     DropForecast m_forecast;
+    bool m_keysCount = true;        // what is held says what becomes of slots
     int m_aimed = -1;               // the slot of m_forecast
     QPair<int, int> m_room{-1, -1}; // the last answer of roomFrom()
     MediaArrivals::Plan m_plan;     // of the drop that is made now, where its files have yet to arrive

@@ -28,6 +28,8 @@ private Q_SLOTS:
     void initTestCase();
     void collectionsAreMade();
     void collectionsArePutInOrder();
+    void slotsGoFromCollectionToCollection();
+    void whatIsCuedGoesAlong();
     void whatIsOnProgramKeepsItsNumber();
     void endsCleanly();
 
@@ -128,6 +130,42 @@ void MediaTab::collectionsArePutInOrder()
     QTRY_COMPARE(m_robot.text(row.arg(0)), QStringLiteral("act two"));
     QVERIFY(drag(row.arg(0), {row.arg(1), row.arg(2)}));
     QTRY_VERIFY(order().endsWith(QStringLiteral("2 act one, 3 act two")));
+}
+
+/// With both in view they are copied.
+void MediaTab::slotsGoFromCollectionToCollection()
+{
+    QVERIFY(m_robot.click(row.arg(0)));
+    QVERIFY(m_robot.click(QStringLiteral("media-slots-beside-button")));
+    QTRY_VERIFY(m_robot.text(QStringLiteral("media-slots2")).isEmpty());
+    QVERIFY(m_robot.click(QStringLiteral("media-slot3")));
+    QVERIFY(drag(QStringLiteral("media-slot3"), {QStringLiteral("media-slots2")}));
+    QTRY_COMPARE(m_server.slot(2, 1)["name"].toString(), m_server.slot(1, 3)["name"].toString());
+    QVERIFY(!m_robot.waitFor(QStringLiteral("media-slots2-slot1")).isEmpty());
+    // What is cut leaves where it was, in one step.
+    QVERIFY(m_robot.click(QStringLiteral("media-slots2-slot1")));
+    m_robot.key(QStringLiteral("Ctrl+X"));
+    QVERIFY(m_robot.click(QStringLiteral("media-slot3")));
+    m_robot.key(QStringLiteral("Ctrl+V"));
+    QTRY_COMPARE(m_server.slot(1, 4)["name"], m_server.slot(1, 3)["name"]);
+    QCOMPARE(m_server.slot(2, 1)["contentUrl"].toString(), QString());
+    m_robot.key(QStringLiteral("CtrlZ"));
+    QTRY_COMPARE(m_server.slot(2, 1)["name"], m_server.slot(1, 3)["name"]);
+    QVERIFY(m_server.slot(1, 4).isEmpty());
+    QVERIFY(m_robot.click(QStringLiteral("media-slots2-close-button")));
+}
+
+void MediaTab::whatIsCuedGoesAlong()
+{
+    const QString cued = QStringLiteral("Preview-PlaybackWidget-Header-MediaLocation");
+    QVERIFY(m_robot.click(row.arg(1)));
+    QTRY_VERIFY(m_robot.doubleClick(QStringLiteral("media-slot1")));
+    QTRY_COMPARE(m_robot.text(cued), QStringLiteral("2-1:"));
+    QVERIFY(m_robot.click(row.arg(1)));
+    m_robot.key(QStringLiteral("Alt+Down"));
+    QTRY_COMPARE(m_robot.text(cued), QStringLiteral("3-1:"));
+    m_robot.key(QStringLiteral("CtrlZ"));
+    QTRY_COMPARE(m_robot.text(cued), QStringLiteral("2-1:"));
 }
 
 void MediaTab::whatIsOnProgramKeepsItsNumber()

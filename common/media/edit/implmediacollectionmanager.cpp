@@ -8,6 +8,7 @@
 #include "common/media/edit/slot/insertcollectioncommand.h"
 #include "common/media/edit/slot/moveslotincollectioncommand.h"
 #include "common/media/edit/slot/moveslotsincollectioncommand.h"
+#include "common/media/edit/slot/moveslotstocollectioncommand.h"
 #include "common/media/edit/slot/removecollectioncommand.h"
 #include "common/media/edit/slot/renamecollectioncommand.h"
 #include "common/media/edit/slot/setdurationcommand.h"
@@ -211,6 +212,11 @@ std::optional<bool> ImplMediaCollectionManager::moveSlots(int collection, const 
                                                           int toSlot)
 {
     return run<MoveSlotsInCollectionCommand>(collection, fromSlots, toSlot);
+}
+
+bool ImplMediaCollectionManager::moveSlotsFrom(const QList<MediaAddress>& from, int collection, int toSlot)
+{
+    return run<MoveSlotsToCollectionCommand>(from, collection, toSlot);
 }
 
 void ImplMediaCollectionManager::addMedia(int collection, int slot, const GuiMediaSlot& mediaSlot)

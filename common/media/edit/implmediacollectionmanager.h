@@ -35,6 +35,7 @@ public:
     Q_INVOKABLE void clearSlot(int collection, int slot) override;
     Q_INVOKABLE void moveSlot(int collection, int fromSlot, int toSlot) override;
     std::optional<bool> moveSlots(int collection, const QList<int>& fromSlots, int toSlot) override;
+    bool moveSlotsFrom(const QList<MediaAddress>& from, int collection, int toSlot) override;
     Q_INVOKABLE void addMedia(int collection, int slot, const vantrel::GuiMediaSlot& mediaSlot) override;
     Q_INVOKABLE void addMedias(int collection, int slot,
                                const QList<vantrel::GuiMediaSlot>& mediaSlots) override;

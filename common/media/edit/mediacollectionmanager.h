@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tarn/media/mediaaddress.h"
+
 #include <QList>
 #include <QString>
 
@@ -41,6 +43,14 @@ public:
         Q_UNUSED(fromSlots);
         Q_UNUSED(toSlot);
         return std::nullopt;
+    }
+    /// Slots of whatever collections to consecutive ones of this, in one edit; false where that was refused.
+    virtual bool moveSlotsFrom(const QList<MediaAddress>& from, int collection, int toSlot)
+    {
+        Q_UNUSED(from);
+        Q_UNUSED(collection);
+        Q_UNUSED(toSlot);
+        return false;
     }
     virtual void addMedia(int collection, int slot, const GuiMediaSlot& mediaSlot) = 0;
     virtual void addMedias(int collection, int slot, const QList<GuiMediaSlot>& mediaSlots) = 0;

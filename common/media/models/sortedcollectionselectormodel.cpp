@@ -22,6 +22,11 @@ void SortedCollectionSelectorModel::setSelectedCollectionIndex(int collectionInd
     m_model->setSelectedCollectionIndex(collectionIndex);
 }
 
+void SortedCollectionSelectorModel::selectComing(int collectionIndex)
+{
+    m_model->selectComing(collectionIndex);
+}
+
 int SortedCollectionSelectorModel::selectedCollectionIndex() const
 {
     return m_model->selectedCollectionIndex();
@@ -32,6 +37,13 @@ int SortedCollectionSelectorModel::selectedRow() const
     const int selected = m_model->selectedCollectionIndex();
     const int row = selected < 0 ? -1 : m_model->getRowForCollectionIndex(static_cast<uint>(selected));
     return row < 0 ? -1 : mapFromSource(m_model->index(row, 0)).row();
+}
+
+QString SortedCollectionSelectorModel::nameOf(int collectionIndex) const
+{
+    const int row =
+        collectionIndex < 0 ? -1 : m_model->getRowForCollectionIndex(static_cast<uint>(collectionIndex));
+    return m_model->index(row, 0).data(CollectionSelectorModel::EditTextRole).toString();
 }
 
 int SortedCollectionSelectorModel::numberAt(int row) const

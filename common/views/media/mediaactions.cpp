@@ -1,5 +1,6 @@
 #include "common/views/media/mediaactions.h"
 
+#include "common/command/refusal.h"
 #include "common/media/edit/implmediacollectionmanager.h"
 #include "common/media/edit/mediasloteditfunctional.h"
 #include "common/media/library/medialibraryapi.h"
@@ -11,9 +12,10 @@
 #include "common/ui/keyboard/hotkeys.h"
 #include "common/ui/keyboard/hotkeytip.h"
 #include "common/ui/toolkit/ztdrag.h"
-#include "common/views/media/slotgridmodel.h"
 #include "common/views/slotdrops.h"
 
+#include <QClipboard>
+#include <QGuiApplication>
 #include <QKeyEvent>
 #include <QMimeData>
 
@@ -22,16 +24,15 @@ namespace vantrel {
 namespace {
 
 const QString tableKey = QStringLiteral("Window/MediaAsTable");
+// Beside the slots that are on the clipboard: they move.
+const QString cutFormat = QStringLiteral("application/x-halcyra-cut");
 const QString detailsKey = QStringLiteral("Window/MediaDetails");
-const QString collectionKey = QStringLiteral("Window/MediaCollection");
 
 } // namespace
 
-MediaActions::MediaActions(QWidget* view, SlotGridModel* model, MediaLibraryModel* library, Session* session,
-                           QObject* parent)
+MediaActions::MediaActions(QWidget* view, MediaLibraryModel* library, Session* session, QObject* parent)
     : QObject(parent)
     , m_view(view)
-    , m_model(model)
     , m_library(library)
     , m_session(session)
     , m_manager(std::make_unique<ImplMediaCollectionManager>())
@@ -41,11 +42,6 @@ MediaActions::MediaActions(QWidget* view, SlotGridModel* model, MediaLibraryMode
 {
     m_drops->setObstacle([this] {
         return isEditable() ? QString() : tr("There is no library to edit. Drop it again once it is back.");
-    });
-    m_drops->setCollection(model->collection());
-    connect(model, &SlotGridModel::collectionChanged, this, [this] {
-        m_drops->setCollection(m_model->collection());
-        Q_EMIT libraryChanged(); // what stands in the way is told for what is shown
     });
     connect(m_drops.get(), &SlotDrops::arrivalsChanged, this, [this] {
         ++m_arrivalsRevision;
@@ -81,9 +77,9 @@ void MediaActions::readState()
 QString MediaActions::obstacle() const
 {
     if (!m_isConnected)
-        return m_model->collection() < 0 ? tr("No server is connected.")
-                                         : tr("The server is not connected. This is the library as it was; "
-                                              "it cannot be changed now.");
+        return m_library->rowCount() == 0 ? tr("No server is connected.")
+                                          : tr("The server is not connected. This is the library as it was; "
+                                               "it cannot be changed now.");
     if (!m_silence.isEmpty())
         return m_silence;
     if (!m_readingError.isEmpty())
@@ -110,51 +106,43 @@ void MediaActions::setHasDetails(bool hasDetails)
     Q_EMIT hasDetailsChanged();
 }
 
-int MediaActions::lastCollection() const
+QModelIndex MediaActions::slotAt(int collection, int slot) const
 {
-    return storedValue(collectionKey, -1).toInt();
+    return m_library->index(slot, MediaLibraryModel::NameColumn, m_library->collectionIndex(collection));
 }
 
-void MediaActions::setLastCollection(int collection)
+void MediaActions::cue(int collection, int slot)
 {
-    if (lastCollection() == collection)
-        return;
-    storeValue(collectionKey, collection);
-    Q_EMIT lastCollectionChanged();
-}
-
-void MediaActions::cue(int slot)
-{
-    const QModelIndex source = m_model->sourceOf(slot);
+    const QModelIndex source = slotAt(collection, slot);
     if (source.isValid() && m_session)
         m_session->signalRelay()->handleDirectPlay(source.siblingAtColumn(0));
 }
 
-QString MediaActions::arriving(int slot) const
+QString MediaActions::arriving(int collection, int slot) const
 {
     const MediaArrivals& arrivals = m_drops->arrivals();
     return arrivals.isEmpty()
                ? QString()
-               : arrivals.textOf(m_model->sourceOf(slot).data(MediaLibraryModel::UrlRole).toUrl());
+               : arrivals.textOf(slotAt(collection, slot).data(MediaLibraryModel::UrlRole).toUrl());
 }
 
-double MediaActions::arrivedPart(int slot) const
+double MediaActions::arrivedPart(int collection, int slot) const
 {
     const MediaArrivals& arrivals = m_drops->arrivals();
     return arrivals.isEmpty()
                ? -1
-               : arrivals.progressOf(m_model->sourceOf(slot).data(MediaLibraryModel::UrlRole).toUrl());
+               : arrivals.progressOf(slotAt(collection, slot).data(MediaLibraryModel::UrlRole).toUrl());
 }
 
-bool MediaActions::rename(int slot, const QString& name)
+bool MediaActions::rename(int collection, int slot, const QString& name)
 {
-    return isEditable() && m_library->setData(m_model->sourceOf(slot), name, Qt::EditRole);
+    return isEditable() && m_library->setData(slotAt(collection, slot), name, Qt::EditRole);
 }
 
-void MediaActions::clear(const QList<int>& slotNumbers)
+void MediaActions::clear(int collection, const QList<int>& slotNumbers)
 {
     if (isEditable() && !slotNumbers.isEmpty())
-        MediaSlotEditFunctional::clearSlots(m_model->collection(), slotNumbers);
+        MediaSlotEditFunctional::clearSlots(collection, slotNumbers);
 }
 
 QString MediaActions::actionOf(int key, int modifiers) const
@@ -163,7 +151,8 @@ QString MediaActions::actionOf(int key, int modifiers) const
     const QKeySequence pressed = Hotkeys::pressed(event);
     if (pressed.isEmpty())
         return {};
-    for (const char* name : {"cue", "rename", "delete", "insert_media"}) {
+    for (const char* name : {"cue", "rename", "delete", "insert_media", "copy", "cut", "paste",
+                             "move_entries_up", "move_entries_down"}) {
         if (Hotkeys::current(QLatin1String(name)) == pressed)
             return QLatin1String(name);
     }
@@ -175,47 +164,83 @@ QString MediaActions::keysOf(const QString& action) const
     return keyText(Hotkeys::current(action));
 }
 
-void MediaActions::startDrag(const QList<int>& slotNumbers)
+void MediaActions::startDrag(int collection, const QList<int>& slotNumbers)
 {
     // Once the view is done with the mouse's move: while a drag runs it gets no other.
     if (!slotNumbers.isEmpty())
         QMetaObject::invokeMethod(
-            this, [this, slotNumbers] { runDrag(slotNumbers); }, Qt::QueuedConnection);
+            this, [this, collection, slotNumbers] { runDrag(collection, slotNumbers); },
+            Qt::QueuedConnection);
 }
 
-void MediaActions::runDrag(const QList<int>& slotNumbers)
+void MediaActions::runDrag(int collection, const QList<int>& slotNumbers)
+{
+    QMimeData* const data = dataOf(collection, slotNumbers);
+    if (!data)
+        return;
+    const QString label =
+        slotNumbers.size() == 1
+            ? slotAt(collection, slotNumbers.first()).data(MediaLibraryModel::NameRole).toString()
+            : tr("%n slots", nullptr, static_cast<int>(slotNumbers.size()));
+    ZTDrag::startDrag(m_view, data, Qt::CopyAction | Qt::MoveAction, label);
+}
+
+QMimeData* MediaActions::dataOf(int collection, const QList<int>& slotNumbers) const
 {
     QModelIndexList indexes;
     for (const int slot : slotNumbers) {
-        if (const QModelIndex index = m_model->sourceOf(slot); index.isValid())
+        if (const QModelIndex index = slotAt(collection, slot); index.isValid())
             indexes.append(index);
     }
-    if (indexes.isEmpty())
-        return;
-    const QString label = indexes.size() == 1 ? indexes.first().data(MediaLibraryModel::NameRole).toString()
-                                              : tr("%n slots", nullptr, static_cast<int>(indexes.size()));
-    ZTDrag::startDrag(m_view, m_library->mimeData(indexes), Qt::CopyAction | Qt::MoveAction, label);
+    return m_library->mimeData(indexes);
 }
 
-bool MediaActions::beginDrop(const QVariantMap& mime, const QList<QUrl>& urls)
+QString MediaActions::copy(int collection, const QList<int>& slotNumbers, bool isCut)
+{
+    QMimeData* const data = dataOf(collection, slotNumbers);
+    if (!data)
+        return {};
+    if (isCut)
+        data->setData(cutFormat, "1");
+    QGuiApplication::clipboard()->setMimeData(data);
+    return isCut ? tr("%n slots are cut: they move where they are pasted.", nullptr,
+                      static_cast<int>(slotNumbers.size()))
+                 : tr("%n slots are copied.", nullptr, static_cast<int>(slotNumbers.size()));
+}
+
+void MediaActions::paste(int collection, int slot)
+{
+    const QMimeData* const data = QGuiApplication::clipboard()->mimeData();
+    const bool isCut = data && data->hasFormat(cutFormat);
+    m_drops->setCollection(collection);
+    if (!data || !m_drops->paste(data, isCut, std::max(slot, 0) + 1))
+        return tellNotDone(tr("Paste slots"), tr("There are no slots on the clipboard. Copy some first."));
+    if (isCut)
+        QGuiApplication::clipboard()->clear(); // where they were they are no more
+}
+
+bool MediaActions::beginDrop(int collection, const QVariantMap& mime, const QList<QUrl>& urls)
 {
     QMimeData data;
     for (auto format = mime.cbegin(); format != mime.cend(); ++format)
         data.setData(format.key(), format.value().toString().toUtf8());
     if (!urls.isEmpty())
         data.setUrls(urls);
+    m_drops->setCollection(collection);
     return m_drops->begin(&data);
 }
 
 QVariantMap MediaActions::aim(int slot)
 {
     const DropForecast& forecast = m_drops->aim(slot);
-    return {{QStringLiteral("isPossible"), forecast.isPossible()},
-            {QStringLiteral("isMove"), forecast.isMove},
-            {QStringLiteral("first"), forecast.first},
-            {QStringLiteral("last"), forecast.last},
-            {QStringLiteral("overwrites"), forecast.overwritten > 0},
-            {QStringLiteral("text"), forecast.text()}};
+    return {
+        {QStringLiteral("isPossible"), forecast.isPossible()},
+        {QStringLiteral("canCopy"), forecast.goes == DropForecast::Goes::Along},
+        {QStringLiteral("canMove"), forecast.goes == DropForecast::Goes::Copied && !forecast.isCopyWanted},
+        {QStringLiteral("first"), forecast.first},
+        {QStringLiteral("last"), forecast.last},
+        {QStringLiteral("overwrites"), forecast.overwritten > 0},
+        {QStringLiteral("text"), forecast.text()}};
 }
 
 int MediaActions::roomBehind(int slot)

@@ -1,10 +1,13 @@
 #pragma once
 
+#include <QModelIndex>
 #include <QObject>
 #include <QUrl>
 #include <QVariantMap>
 
 #include <memory>
+
+class QMimeData;
 
 namespace vantrel {
 
@@ -12,7 +15,6 @@ class ImplMediaCollectionManager;
 class MediaLibraryModel;
 class Session;
 class SlotDrops;
-class SlotGridModel;
 
 /// What the MEDIA tab cannot do by itself ("mediaActions"): edits and cues of slots, drags that leave the
 /// view and drops that may come from anywhere, and how far the library is there. The view owns it; main
@@ -32,13 +34,10 @@ class MediaActions : public QObject
     Q_PROPERTY(bool isTable READ isTable WRITE setIsTable NOTIFY isTableChanged)
     /// Whether what is selected is told about beside the slots. Kept in the settings.
     Q_PROPERTY(bool hasDetails READ hasDetails WRITE setHasDetails NOTIFY hasDetailsChanged)
-    /// The collection that was chosen last, -1 for none. Kept in the settings.
-    Q_PROPERTY(int lastCollection READ lastCollection WRITE setLastCollection NOTIFY lastCollectionChanged)
 
 public:
     /// session: null where there is no server to ask and nothing to cue. All must outlive this.
-    MediaActions(QWidget* view, SlotGridModel* model, MediaLibraryModel* library, Session* session,
-                 QObject* parent = nullptr);
+    MediaActions(QWidget* view, MediaLibraryModel* library, Session* session, QObject* parent = nullptr);
     ~MediaActions() override;
 
     SlotDrops* drops() const { return m_drops.get(); }
@@ -51,26 +50,31 @@ public:
     void setIsTable(bool isTable);
     bool hasDetails() const { return m_hasDetails; }
     void setHasDetails(bool hasDetails);
-    int lastCollection() const;
-    void setLastCollection(int collection);
 
-    Q_INVOKABLE void cue(int slot);
+    Q_INVOKABLE void cue(int collection, int slot);
     /// Of a slot's file that is on its way to the server: "arriving 43 %"; empty for others.
-    Q_INVOKABLE QString arriving(int slot) const;
+    Q_INVOKABLE QString arriving(int collection, int slot) const;
     /// The same from 0 to 1; below 0 for others.
-    Q_INVOKABLE double arrivedPart(int slot) const;
-    Q_INVOKABLE bool rename(int slot, const QString& name);
-    Q_INVOKABLE void clear(const QList<int>& slotNumbers);
-    /// "cue", "rename", "delete" or "insert_media" for the keys that the operator has given to it; empty for
-    /// others.
+    Q_INVOKABLE double arrivedPart(int collection, int slot) const;
+    Q_INVOKABLE bool rename(int collection, int slot, const QString& name);
+    Q_INVOKABLE void clear(int collection, const QList<int>& slotNumbers);
+    /// The name of what the operator has given the keys to, of all that is done by keys in this tab; empty
+    /// for others.
     Q_INVOKABLE QString actionOf(int key, int modifiers) const;
     Q_INVOKABLE QString keysOf(const QString& action) const;
 
-    /// Drags slots of the shown collection until they are dropped.
-    Q_INVOKABLE void startDrag(const QList<int>& slotNumbers);
-    /// A drag has come: of our own items (mime) or else of files of this computer (urls). False for others.
-    Q_INVOKABLE bool beginDrop(const QVariantMap& mime, const QList<QUrl>& urls);
-    /// What a drop would do: "isPossible", "isMove", "first", "last", "overwrites", "text".
+    /// To the clipboard, from where they are copied or, when they are cut, move to where they are pasted.
+    /// What has been done, a sentence.
+    Q_INVOKABLE QString copy(int collection, const QList<int>& slotNumbers, bool isCut);
+    /// To the first room behind the slot.
+    Q_INVOKABLE void paste(int collection, int slot);
+    /// Drags slots until they are dropped.
+    Q_INVOKABLE void startDrag(int collection, const QList<int>& slotNumbers);
+    /// A drag has come over the slots of a collection: of our own items (mime) or else of files of this
+    /// computer (urls). False for others.
+    Q_INVOKABLE bool beginDrop(int collection, const QVariantMap& mime, const QList<QUrl>& urls);
+    /// What a drop would do: "isPossible", "canCopy" and "canMove" with a key, "first", "last", "overwrites",
+    /// "text".
     Q_INVOKABLE QVariantMap aim(int slot);
     /// The first slot behind that one with room for the drag; 0 is before all.
     Q_INVOKABLE int roomBehind(int slot);
@@ -84,15 +88,15 @@ Q_SIGNALS:
     void arrivalsChanged();
     void isTableChanged();
     void hasDetailsChanged();
-    void lastCollectionChanged();
 
 private:
     void follow();
     void readState();
-    void runDrag(const QList<int>& slotNumbers);
+    void runDrag(int collection, const QList<int>& slotNumbers);
+    QMimeData* dataOf(int collection, const QList<int>& slotNumbers) const;
+    QModelIndex slotAt(int collection, int slot) const;
 
     QWidget* m_view;
-    SlotGridModel* m_model;
     MediaLibraryModel* m_library;
     Session* m_session;
     std::unique_ptr<ImplMediaCollectionManager> m_manager;

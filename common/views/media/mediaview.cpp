@@ -10,11 +10,11 @@
 #include "common/session/session.h"
 #include "common/ui/style/colors.h"
 #include "common/views/media/collectionorder.h"
+#include "common/views/media/collectionpanes.h"
 #include "common/views/media/filechoice.h"
 #include "common/views/media/mediaactions.h"
 #include "common/views/media/playlistadditions.h"
 #include "common/views/media/slotdetails.h"
-#include "common/views/media/slotgridmodel.h"
 #include "common/views/slotdrops.h"
 
 #include <QLoggingCategory>
@@ -91,15 +91,15 @@ void MediaView::setContext()
         return playlists && !playlists->slotEntries(slot).isEmpty();
     };
     m_collections = new CollectionSelectorModel(m_sources.provider, this);
-    m_slots = new SlotGridModel(m_sources.library, isUsed, this);
+    m_panes = new CollectionPanes(m_sources.library, isUsed, this);
     followPlaylists();
     QQmlContext* context = m_view->rootContext();
     context->setContextProperty(QStringLiteral("collectionModel"),
                                 new SortedCollectionSelectorModel(m_collections, this));
     context->setContextProperty(QStringLiteral("sortedMediaLibraryModel"),
                                 new SortedLibraryModel(m_sources.library, this));
-    context->setContextProperty(QStringLiteral("slotModel"), m_slots);
-    auto* actions = new MediaActions(m_view, m_slots, m_sources.library, m_sources.session, m_view);
+    context->setContextProperty(QStringLiteral("collectionPanes"), m_panes);
+    auto* actions = new MediaActions(m_view, m_sources.library, m_sources.session, m_view);
     connect(actions, &MediaActions::connectRequested, this, &MediaView::connectRequested);
     context->setContextProperty(QStringLiteral("mediaActions"), actions);
     context->setContextProperty(QStringLiteral("imageSequences"), actions->drops()->creator());
@@ -108,16 +108,16 @@ void MediaView::setContext()
     context->setContextProperty(
         QStringLiteral("fileChoice"),
         new FileChoice(m_sources.library, session ? session->fileSystemProvider() : nullptr, m_view));
-    context->setContextProperty(QStringLiteral("playlistAdditions"),
-                                new PlaylistAdditions(m_slots, session, m_view));
+    context->setContextProperty(QStringLiteral("playlistAdditions"), new PlaylistAdditions(session, m_view));
     const auto follow = [this](const CollectionOrder::Numbers& numbers) {
-        if (const auto at = numbers.find(m_collections->selectedCollectionIndex()); at != numbers.end())
-            m_collections->selectComing(at->second);
+        const auto chosen = numbers.find(m_collections->selectedCollectionIndex());
+        m_panes->renumber(numbers);
+        if (chosen != numbers.end())
+            m_collections->selectComing(chosen->second);
     };
     context->setContextProperty(QStringLiteral("collectionOrder"),
                                 new CollectionOrder(session, follow, m_view));
-    const SlotDetails::Sources known{.slots_ = m_slots,
-                                     .library = m_sources.library,
+    const SlotDetails::Sources known{.library = m_sources.library,
                                      .provider = m_sources.provider,
                                      .playlists = m_sources.playlists,
                                      .aggregator = session ? session->mediaDataAggregator() : nullptr};
@@ -129,11 +129,11 @@ void MediaView::followPlaylists()
     const AbstractPlaylistProvider* playlists = m_sources.playlists;
     if (!playlists)
         return;
-    connect(playlists, &AbstractPlaylistProvider::reset, m_slots, &SlotGridModel::refreshUse);
-    connect(playlists, &AbstractPlaylistProvider::entryAdded, m_slots, &SlotGridModel::refreshUse);
-    connect(playlists, &AbstractPlaylistProvider::entryChanged, m_slots, &SlotGridModel::refreshUse);
-    connect(playlists, &AbstractPlaylistProvider::entryRemoved, m_slots, &SlotGridModel::refreshUse);
-    connect(playlists, &AbstractPlaylistProvider::playlistRemoved, m_slots, &SlotGridModel::refreshUse);
+    connect(playlists, &AbstractPlaylistProvider::reset, m_panes, &CollectionPanes::refreshUse);
+    connect(playlists, &AbstractPlaylistProvider::entryAdded, m_panes, &CollectionPanes::refreshUse);
+    connect(playlists, &AbstractPlaylistProvider::entryChanged, m_panes, &CollectionPanes::refreshUse);
+    connect(playlists, &AbstractPlaylistProvider::entryRemoved, m_panes, &CollectionPanes::refreshUse);
+    connect(playlists, &AbstractPlaylistProvider::playlistRemoved, m_panes, &CollectionPanes::refreshUse);
 }
 
 void MediaView::selectCollection(int collectionNumber)

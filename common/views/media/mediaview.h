@@ -7,11 +7,11 @@ class QQuickWidget;
 namespace vantrel {
 
 class AbstractPlaylistProvider;
+class CollectionPanes;
 class CollectionSelectorModel;
 class MediaLibraryModel;
 class MediaLibraryProvider;
 class Session;
-class SlotGridModel;
 
 /// The MEDIA tab: the collections, and the slots of the chosen one as pictures or as a table. Its declarative
 /// part is made when the tab is shown first. The main window owns it; main thread only.
@@ -51,7 +51,7 @@ private:
 
     Sources m_sources;
     CollectionSelectorModel* m_collections = nullptr;
-    SlotGridModel* m_slots = nullptr;
+    CollectionPanes* m_panes = nullptr;
     QQuickWidget* m_view = nullptr;
     int m_wanted = -1;
 };

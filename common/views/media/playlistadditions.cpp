@@ -8,13 +8,11 @@
 #include "common/media/models/playlist/playlisteditormodel.h"
 #include "common/media/models/playlist/playlistlibrarymodel.h"
 #include "common/session/session.h"
-#include "common/views/media/slotgridmodel.h"
 
 namespace vantrel {
 
-PlaylistAdditions::PlaylistAdditions(SlotGridModel* model, Session* session, QObject* parent)
+PlaylistAdditions::PlaylistAdditions(Session* session, QObject* parent)
     : QObject(parent)
-    , m_model(model)
     , m_session(session)
 {
 }
@@ -39,13 +37,13 @@ int PlaylistAdditions::shownList() const
                : -1;
 }
 
-QString PlaylistAdditions::add(const QList<int>& slotNumbers, int playlist)
+QString PlaylistAdditions::add(int collection, const QList<int>& slotNumbers, int playlist)
 {
     if (!m_session || slotNumbers.isEmpty())
         return {};
     QList<QString> urls;
     for (const int slot : slotNumbers)
-        urls.append(media::MediaUtils::toSlotAddress(m_model->collection(), slot));
+        urls.append(media::MediaUtils::toSlotAddress(collection, slot));
     const PlaylistLibraryModel* all = m_session->playlistLibraryModel();
     QUndoStack* stack = m_session->getQUndoStack();
     const int number = playlist < 0 ? all->nextFreeNumber() : playlist;

@@ -7,7 +7,6 @@
 namespace vantrel {
 
 class Session;
-class SlotGridModel;
 
 /// Puts slots at the end of playlists for the MEDIA tab ("playlistAdditions"), each time as one step of undo.
 /// The view owns it; main thread only.
@@ -16,18 +15,17 @@ class PlaylistAdditions : public QObject
     Q_OBJECT
 
 public:
-    /// session: null has no playlists. Both must outlive this.
-    PlaylistAdditions(SlotGridModel* model, Session* session, QObject* parent = nullptr);
+    /// session: null has no playlists; else it must outlive this.
+    PlaylistAdditions(Session* session, QObject* parent = nullptr);
 
     /// By number: maps with "number" and "text".
     Q_INVOKABLE QVariantList lists() const;
     /// The one that the player's editor shows; -1 for none.
     Q_INVOKABLE int shownList() const;
     /// playlist: -1 makes one. What has been sent off, a sentence; empty where that was refused.
-    Q_INVOKABLE QString add(const QList<int>& slotNumbers, int playlist);
+    Q_INVOKABLE QString add(int collection, const QList<int>& slotNumbers, int playlist);
 
 private:
-    SlotGridModel* m_model;
     Session* m_session;
 };
 

@@ -13,6 +13,7 @@ struct ShownSlots
 {
     Q_GADGET
     Q_PROPERTY(int count MEMBER count)
+    Q_PROPERTY(int collection MEMBER collection)
     Q_PROPERTY(int slot MEMBER slot)
     Q_PROPERTY(QString name MEMBER name)
     Q_PROPERTY(QString picture MEMBER picture)
@@ -27,6 +28,7 @@ struct ShownSlots
 
 public:
     int count = 0;
+    int collection = -1;
     QVariantList facts; // maps with "label" and "value"
     QUrl file;          // that all of them play; empty for several
     int slot = -1;      // this and what follows is of a single one

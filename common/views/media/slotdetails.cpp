@@ -44,15 +44,8 @@ SlotDetails::SlotDetails(const Sources& sources, QObject* parent)
     connect(&m_soon, &QTimer::timeout, this, &SlotDetails::look);
     m_turn.setSingleShot(true);
     connect(&m_turn, &QTimer::timeout, this, &SlotDetails::count);
-    const auto onChange = [this] {
-        if (m_turn.isActive())
-            m_isStale = true;
-        else if (m_shown.count > 0 && !m_soon.isActive())
-            m_soon.start(changesTogetherMs);
-    };
-    connect(&m_one, &QAbstractItemModel::modelReset, this, onChange);
-    connect(&m_one, &QAbstractItemModel::dataChanged, this, onChange);
-    connect(sources.slots_, &QAbstractItemModel::dataChanged, this, onChange);
+    connect(&m_one, &QAbstractItemModel::modelReset, this, &SlotDetails::onChange);
+    connect(&m_one, &QAbstractItemModel::dataChanged, this, &SlotDetails::onChange);
     if (sources.aggregator) {
         connect(sources.aggregator, &MediaDataAggregator::thumbnailChanged, this,
                 [this](const QUrl& file) { showPicture(file); });
@@ -63,17 +56,39 @@ SlotDetails::SlotDetails(const Sources& sources, QObject* parent)
 
 void SlotDetails::follow(SelectionModel* selection)
 {
+    if (m_selection)
+        m_selection->disconnect(this);
     m_selection = selection;
-    if (selection)
+    if (selection) {
         connect(selection, &SelectionModel::revisionChanged, this, [this] { m_soon.start(0); });
+        connect(selection, &SelectionModel::rowModelChanged, this, &SlotDetails::followSlots);
+    }
+    followSlots();
     m_soon.start(0);
+}
+
+void SlotDetails::followSlots()
+{
+    if (m_slots)
+        m_slots->disconnect(this);
+    m_slots = m_selection ? qobject_cast<SlotGridModel*>(m_selection->rowModel()) : nullptr;
+    if (m_slots)
+        connect(m_slots, &QAbstractItemModel::dataChanged, this, &SlotDetails::onChange);
+}
+
+void SlotDetails::onChange()
+{
+    if (m_turn.isActive())
+        m_isStale = true;
+    else if (m_shown.count > 0 && !m_soon.isActive())
+        m_soon.start(changesTogetherMs);
 }
 
 void SlotDetails::look()
 {
     m_turn.stop();
     m_isStale = false;
-    m_rows = m_selection ? m_selection->rows() : QList<int>();
+    m_rows = m_selection && m_slots ? m_selection->rows() : QList<int>();
     if (m_rows.size() < 2) {
         m_rows.isEmpty() ? showNone() : showOne();
         return;
@@ -93,22 +108,23 @@ void SlotDetails::showNone()
 
 void SlotDetails::showOne()
 {
-    const int number = m_sources.slots_->slotAt(m_rows.first());
-    const QModelIndex source = m_sources.slots_->sourceOf(number);
+    const int number = m_slots->slotAt(m_rows.first());
+    const QModelIndex source = m_slots->sourceOf(number);
     if (!source.isValid())
         return showNone();
-    const QString address = media::MediaUtils::toSlotAddress(m_sources.slots_->collection(), number);
+    const QString address = media::MediaUtils::toSlotAddress(m_slots->collection(), number);
     if (m_one.mediaAddress() != address)
         m_one.setMediaAddress(address);
     ShownSlots shown;
     shown.count = 1;
+    shown.collection = m_slots->collection();
     shown.slot = number;
     shown.name = source.data(MediaLibraryModel::NameRole).toString();
     shown.kind = source.data(MediaLibraryModel::KnownTypeRole).toInt();
     shown.file = source.data(MediaLibraryModel::UrlRole).toUrl();
     shown.path = shownText(shown.file.isLocalFile() ? shown.file.toLocalFile() : shown.file.toString());
     shown.isPlayable = source.data(MediaLibraryModel::PlayableRole).toBool();
-    shown.faults = m_sources.slots_->faultsOf(number);
+    shown.faults = m_slots->faultsOf(number);
     const MediaMetadataPtr metadata =
         m_sources.aggregator ? m_sources.aggregator->knownMetadata(shown.file) : nullptr;
     if (metadata && metadata->getMediaType() != MediaType::Unknown)
@@ -130,9 +146,9 @@ void SlotDetails::showOne()
 
 void SlotDetails::showPicture(const QUrl& file)
 {
-    if (m_shown.slot < 0 || file != m_shown.file)
+    if (!m_slots || m_shown.slot < 0 || file != m_shown.file)
         return;
-    m_shown.picture = m_sources.slots_->pictureOf(m_shown.slot);
+    m_shown.picture = m_slots->pictureOf(m_shown.slot);
     Q_EMIT changed();
 }
 
@@ -158,7 +174,7 @@ QStringList SlotDetails::twinsOf(const QUrl& file, int slot) const
 {
     QStringList twins;
     QList<MediaAddress> all = m_sources.library->slotsWith(file);
-    all.removeOne(MediaAddress(m_sources.slots_->collection(), slot));
+    all.removeOne(MediaAddress(m_slots->collection(), slot));
     for (const MediaAddress& address : all) {
         if (twins.size() == mostTwins)
             return twins << tr("and %n more", nullptr, static_cast<int>(all.size() - mostTwins));
@@ -169,6 +185,8 @@ QStringList SlotDetails::twinsOf(const QUrl& file, int slot) const
 
 void SlotDetails::count()
 {
+    if (!m_slots)
+        return;
     QElapsedTimer clock;
     clock.start();
     for (; m_next < m_rows.size(); ++m_next) {
@@ -176,17 +194,18 @@ void SlotDetails::count()
             m_turn.start(0);
             return;
         }
-        const int number = m_sources.slots_->slotAt(m_rows[m_next]);
-        const QModelIndex source = m_sources.slots_->sourceOf(number);
+        const int number = m_slots->slotAt(m_rows[m_next]);
+        const QModelIndex source = m_slots->sourceOf(number);
         if (!source.isValid())
             continue;
         const QUrl file = source.data(MediaLibraryModel::UrlRole).toUrl();
-        const MediaAddress address(m_sources.slots_->collection(), number);
+        const MediaAddress address(m_slots->collection(), number);
         m_summary.add(source, m_sources.aggregator ? m_sources.aggregator->knownMetadata(file) : nullptr,
                       m_sources.playlists && !m_sources.playlists->slotEntries(address).isEmpty());
     }
     m_shown = {};
     m_shown.count = m_summary.count();
+    m_shown.collection = m_slots->collection();
     m_shown.facts = m_summary.facts();
     m_shown.file = m_summary.commonFile();
     Q_EMIT changed();

@@ -25,7 +25,6 @@ public:
     /// What it asks; all must outlive this, and whatever is not there is null.
     struct Sources
     {
-        SlotGridModel* slots_ = nullptr;
         MediaLibraryModel* library = nullptr;
         MediaLibraryProvider* provider = nullptr;
         AbstractPlaylistProvider* playlists = nullptr;
@@ -35,13 +34,15 @@ public:
     explicit SlotDetails(const Sources& sources, QObject* parent = nullptr);
 
     const ShownSlots& shown() const { return m_shown; }
-    /// Tells of what is selected there from now on.
+    /// Tells of what is selected there from now on, of slots that a SlotGridModel shows.
     Q_INVOKABLE void follow(vantrel::SelectionModel* selection);
 
 Q_SIGNALS:
     void changed();
 
 private:
+    void followSlots();
+    void onChange();
     void look();
     void showNone();
     void showOne();
@@ -53,6 +54,7 @@ private:
     Sources m_sources;
     SingleMediaModel m_one;
     QPointer<SelectionModel> m_selection;
+    QPointer<SlotGridModel> m_slots; // among which is selected
     ShownSlots m_shown;
     QTimer m_soon; // what comes together is looked at once
     QTimer m_turn; // of counting

@@ -1,6 +1,7 @@
 #include "common/views/media/slotgridmodel.h"
 
 #include "common/media/address/mediafiles.h"
+#include "common/media/address/showntext.h"
 #include "common/media/models/medialibrarymodel.h"
 
 #include <QElapsedTimer>
@@ -98,6 +99,19 @@ void SlotGridModel::setCollection(int collection)
     Q_EMIT collectionChanged();
     Q_EMIT countChanged();
     refresh();
+}
+
+bool SlotGridModel::isThere() const
+{
+    return m_library->collectionIndex(m_collection).isValid();
+}
+
+QString SlotGridModel::name() const
+{
+    return shownText(m_library->collectionIndex(m_collection)
+                         .siblingAtColumn(MediaLibraryModel::NameColumn)
+                         .data()
+                         .toString());
 }
 
 void SlotGridModel::setSearchText(const QString& text)
@@ -214,6 +228,8 @@ bool SlotGridModel::passes(int slot) const
 void SlotGridModel::onDataChanged(const QModelIndex& first, const QModelIndex& last)
 {
     const QModelIndex root = m_library->collectionIndex(m_collection);
+    if (!first.parent().isValid())
+        Q_EMIT nameChanged();
     if (!root.isValid() || first.parent() != root)
         return;
     const auto begin = std::lower_bound(m_rows.begin(), m_rows.end(), first.row());
@@ -233,6 +249,7 @@ void SlotGridModel::onDataChanged(const QModelIndex& first, const QModelIndex& l
 
 void SlotGridModel::refresh()
 {
+    Q_EMIT nameChanged();
     m_next = 1;
     m_holding = 0;
     m_found.clear();

@@ -21,6 +21,9 @@ class SlotGridModel : public QAbstractListModel
     /// How many slots of the collection hold media.
     Q_PROPERTY(int total READ total NOTIFY countChanged)
     Q_PROPERTY(int collection READ collection WRITE setCollection NOTIFY collectionChanged)
+    /// Whether the library has the collection, and its name.
+    Q_PROPERTY(bool isThere READ isThere NOTIFY nameChanged)
+    Q_PROPERTY(QString name READ name NOTIFY nameChanged)
     /// A part of a name or of a file's name, case ignored, or the beginning of a slot's number.
     Q_PROPERTY(QString searchText READ searchText WRITE setSearchText NOTIFY filterChanged)
     /// Of media; below 0 for all.
@@ -56,6 +59,8 @@ public:
     int total() const { return m_total; }
     int collection() const { return m_collection; }
     void setCollection(int collection);
+    bool isThere() const;
+    QString name() const;
     const QString& searchText() const { return m_searchText; }
     void setSearchText(const QString& text);
     int kind() const { return m_kind; }
@@ -89,6 +94,7 @@ public Q_SLOTS:
 Q_SIGNALS:
     void countChanged();
     void collectionChanged();
+    void nameChanged();
     void filterChanged();
 
 private:

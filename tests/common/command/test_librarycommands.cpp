@@ -9,6 +9,7 @@
 #include "common/media/edit/slot/insertcollectioncommand.h"
 #include "common/media/edit/slot/movecollectioncommand.h"
 #include "common/media/edit/slot/moveslotincollectioncommand.h"
+#include "common/media/edit/slot/moveslotstocollectioncommand.h"
 #include "common/media/edit/slot/pointslotsatfilecommand.h"
 #include "common/media/edit/slot/removecollectioncommand.h"
 #include "common/media/edit/slot/renamecollectioncommand.h"
@@ -152,6 +153,12 @@ void TestLibraryCommands::edits_data()
         return at(l, 2, 3)->getName() == "c1s3" && at(l, 1, 3)->getName() == "c2s3" &&
                l.findPlaylistEntry(1, {2, 0})->getMediaUrl() == test::slotUrl(2, 3);
     });
+    row("Move 2 slots to 3 in collection 2",
+        make<MoveSlotsToCollectionCommand>(QList<MediaAddress>{{1, 3}, {2, 3}}, 2, 3), [=](const auto& l) {
+            return at(l, 1, 3)->getUrl().empty() && at(l, 2, 3)->getName() == "c1s3" &&
+                   at(l, 2, 4)->getName() == "c2s3" &&
+                   l.findPlaylistEntry(1, {2, 0})->getMediaUrl() == test::slotUrl(2, 3);
+        });
     row("Add new playlist 2", make<AddPlaylistCommand>(2, QStringLiteral("Second")),
         [](const auto& l) { return l.findPlaylist(2)->getName() == "Second"; });
     row("Remove playlist 1", make<RemovePlaylistCommand>(1),
@@ -222,6 +229,14 @@ void TestLibraryCommands::refusals_data()
     row("order, collection", make<MoveCollectionCommand>(9, 1), "Unable to move collection");
     row("order, neighbour", make<MoveCollectionCommand>(1, 9), "Unable to move collection");
     row("order, as it is", make<MoveCollectionCommand>(1, 2), "Unable to move collection");
+    row("move over, collection", make<MoveSlotsToCollectionCommand>(QList<MediaAddress>{{1, 3}}, 9, 3),
+        "Unable to find collection");
+    row("move over, slot", make<MoveSlotsToCollectionCommand>(QList<MediaAddress>{{1, 3}, {1, 9}}, 2, 3),
+        "Unable to find source slot");
+    row("move over, room",
+        make<MoveSlotsToCollectionCommand>(QList<MediaAddress>{{1, 1}, {1, 2}}, 2,
+                                           MediaCollection::getMediaSlotIndexMax()),
+        "Not enough slots to move to");
     row("playlist taken", make<AddPlaylistCommand>(1, QString()),
         "Unable to build redo Patch due failed addPlaylist");
     row("no playlist", make<RemovePlaylistCommand>(9),

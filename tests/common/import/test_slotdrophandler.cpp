@@ -273,7 +273,14 @@ private Q_SLOTS:
         QCOMPARE(told("slot", QString::fromLatin1("{\"slots\":[3,4]}"), 4),
                  QStringLiteral("Slots 4 to 5 (2). Overwrites 5 Bye."));
         QCOMPARE(told("slot", QString::fromLatin1("{\"slots\":[3,4],\"collection\":2}"), 4),
-                 QStringLiteral("Slots 4 to 5 (2). Overwrites 4 Loop, 5 Bye."));
+                 QStringLiteral("Copy to: Slots 4 to 5 (2). Overwrites 4 Loop, 5 Bye."));
+        // Of those that come over from several collections, those that stood here leave their places.
+        SlotPayload over = SlotPayload::read(
+            payload("slot", QString::fromLatin1("[{\"address\":\"brume://collections/2/slots/3\"},"
+                                                "{\"address\":\"brume://collections/1/slots/5\"}]")));
+        over.setIsMove(true);
+        QCOMPARE(DropForecast::of(over, m_collections, 1, 4).text(),
+                 QStringLiteral("Move to: Slots 4 to 5 (2). Overwrites 4 Loop."));
     }
 
 private:

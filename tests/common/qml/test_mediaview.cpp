@@ -3,6 +3,7 @@
 #include "common/qml/selectionmodel.h"
 #include "common/session/settings/configuration.h"
 #include "common/ui/style/stylesheet.h"
+#include "common/views/media/collectionpanes.h"
 #include "common/views/media/mediaview.h"
 #include "common/views/media/sequencesearch.h"
 #include "common/views/media/slotdetails.h"
@@ -95,10 +96,7 @@ private Q_SLOTS:
         view.show();
         QVERIFY(QTest::qWaitForWindowActive(&view));
         QCOMPARE(view.quickWidget()->status(), QQuickWidget::Ready);
-        auto* model = qobject_cast<SlotGridModel*>(view.quickWidget()
-                                                       ->rootContext()
-                                                       ->contextProperty(QStringLiteral("slotModel"))
-                                                       .value<QObject*>());
+        const SlotGridModel* model = panes(view)->slotModel();
         QCOMPARE(model->collection(), 2);
         QTRY_COMPARE(model->count(), 40);
         QQuickItem* pane = item(view, "media-slots");
@@ -153,6 +151,68 @@ private Q_SLOTS:
         QTRY_COMPARE(model->count(), 40);
     }
 
+    /// Each has its own selection, and the list of collections and the details mean the one with the keys.
+    void collectionsStandSideBySide()
+    {
+        MediaMirror mirror(makeLibrary(3, 12));
+        MediaView view({.library = &mirror.model, .provider = &mirror.provider});
+        view.selectCollection(1);
+        view.resize(1900, 900);
+        view.show();
+        QVERIFY(QTest::qWaitForWindowActive(&view));
+        CollectionPanes& shown = *panes(view);
+        while (shown.count() > 1)
+            shown.close(1);
+        item(view, "media-slots-beside-button")->forceActiveFocus();
+        QTest::keyClick(view.quickWidget(), Qt::Key_Return);
+        QCOMPARE(shown.count(), 2);
+        QCOMPARE(shown.slotModel()->collection(), 2); // the next one, which is chosen now
+        QTRY_VERIFY(item(view, "media-slots2-slot12"));
+        QVERIFY(item(view, "media-slot12")->isVisible());
+        QQuickItem* list = item(view, "media-collections");
+        list->forceActiveFocus();
+        QTest::keyClick(view.quickWidget(), Qt::Key_Down);
+        QTRY_COMPARE(shown.slotModel()->collection(), 3);
+        QTRY_COMPARE(shown.slotModel()->count(), 12);
+        const auto details = [&view] {
+            return view.quickWidget()
+                ->rootContext()
+                ->contextProperty(QStringLiteral("slotDetails"))
+                .value<QObject*>()
+                ->property("shown")
+                .value<ShownSlots>();
+        };
+        item(view, "media-slots2-grid")->forceActiveFocus();
+        QTest::keyClick(view.quickWidget(), Qt::Key_End);
+        QTRY_COMPARE(details().slot, 12);
+        QCOMPARE(details().collection, 3);
+        QTest::keyClick(view.quickWidget(), Qt::Key_F6);
+        QCOMPARE(shown.current(), 0);
+        QVERIFY(item(view, "media-slots-grid")->hasActiveFocus());
+        QTest::keyClick(view.quickWidget(), Qt::Key_Home);
+        QTRY_COMPARE(details().collection, 1);
+        list->forceActiveFocus();
+        QTest::keyClick(view.quickWidget(), Qt::Key_Return, Qt::ControlModifier);
+        QCOMPARE(shown.count(), 3);
+        save(view, QStringLiteral("media-beside"));
+        // What has no room any more is back once there is room again.
+        view.resize(948, 430);
+        QTRY_VERIFY(!item(view, "media-slots-panel")->isVisible());
+        QVERIFY(item(view, "media-slots-panel2")->isVisible());
+        view.resize(1900, 900);
+        QTRY_VERIFY(item(view, "media-slots-panel")->isVisible());
+        mirror.edit([](MediaLibrary& library) { library.removeCollection(3); });
+        QTRY_VERIFY(!item(view, "media-slots3-slot12"));
+        item(view, "media-slots3-grid")->forceActiveFocus();
+        for (int left = 2; left > 0; --left) {
+            QTest::keyClick(view.quickWidget(), Qt::Key_W, Qt::ControlModifier);
+            QCOMPARE(shown.count(), left);
+        }
+        QTest::keyClick(view.quickWidget(), Qt::Key_W, Qt::ControlModifier);
+        QCOMPARE(shown.count(), 1);
+        QVERIFY(item(view, "media-slots-grid")->hasActiveFocus());
+    }
+
     /// Of one slot what plays it and where else its file stands; of several what they come to, also when they
     /// change.
     void detailsTellOfTheSelection()
@@ -169,10 +229,8 @@ private Q_SLOTS:
         SlotGridModel model(&mirror.model, {});
         SelectionModel selection;
         selection.setRowModel(&model);
-        SlotDetails details({.slots_ = &model,
-                             .library = &mirror.model,
-                             .provider = &mirror.provider,
-                             .playlists = &mirror.playlists});
+        SlotDetails details(
+            {.library = &mirror.model, .provider = &mirror.provider, .playlists = &mirror.playlists});
         details.follow(&selection);
         model.setCollection(1);
         QTRY_COMPARE(model.count(), 400);
@@ -261,14 +319,10 @@ private Q_SLOTS:
                         return true;
                     };
                     QTRY_VERIFY(item(view, "media-slot1") && fits());
-                    const QByteArray folder = qgetenv("HALCYRA_PICTURES");
-                    if (!folder.isEmpty())
-                        view.quickWidget()->grabFramebuffer().save(
-                            QStringLiteral("%1/media-%2-%3-%4.png")
-                                .arg(QString::fromLocal8Bit(folder))
-                                .arg(text)
-                                .arg(size.width())
-                                .arg(isTable ? QStringLiteral("table") : QStringLiteral("grid")));
+                    save(view, QStringLiteral("media-%1-%2-%3")
+                                   .arg(text)
+                                   .arg(size.width())
+                                   .arg(isTable ? QStringLiteral("table") : QStringLiteral("grid")));
                 }
             }
         }
@@ -295,6 +349,20 @@ private:
         for (int row = 0; row < model.count(); ++row)
             numbers.append(model.index(row).data(SlotGridModel::KeyRole).toString());
         return numbers.join(u' ');
+    }
+    static void save(const MediaView& view, const QString& name)
+    {
+        const QByteArray folder = qgetenv("HALCYRA_PICTURES");
+        if (!folder.isEmpty())
+            view.quickWidget()->grabFramebuffer().save(QString::fromLocal8Bit(folder) + u'/' + name +
+                                                       QStringLiteral(".png"));
+    }
+    static CollectionPanes* panes(const MediaView& view)
+    {
+        return qobject_cast<CollectionPanes*>(view.quickWidget()
+                                                  ->rootContext()
+                                                  ->contextProperty(QStringLiteral("collectionPanes"))
+                                                  .value<QObject*>());
     }
     static QQuickItem* item(const MediaView& view, const char* name)
     {

@@ -1,6 +1,7 @@
 #include "common/media/edit/slot/movecollectioncommand.h"
 
 #include "common/command/commandlogging.h"
+#include "common/media/edit/playlist/followslots.h"
 #include "tarn/media/medialibrary.h"
 
 #include <utility>
@@ -19,28 +20,6 @@ void renumber(MediaLibrary& library, const std::map<int, int>& numbers)
         library.removeCollection(from);
     for (const auto& [to, collection] : moved)
         library.insertMediaCollection(to, collection, false);
-}
-
-void followInPlaylists(MediaLibrary& library, const std::map<int, int>& numbers)
-{
-    struct Followed
-    {
-        int playlist;
-        EntryAddress entry;
-        std::string url;
-    };
-    std::vector<Followed> followed;
-    for (const auto& [playlist, list] : library.getPlaylists()) {
-        for (const auto& [address, entry] : list.getEntries()) {
-            MediaAddress slot;
-            if (!slot.parseString(entry.getMediaUrl()))
-                continue;
-            if (const auto number = numbers.find(slot.collection); number != numbers.end())
-                followed.push_back({playlist, address, MediaAddress(number->second, slot.slot).toString()});
-        }
-    }
-    for (const Followed& entry : followed)
-        library.findPlaylistEntry(entry.playlist, entry.entry)->setMediaUrl(entry.url);
 }
 
 } // namespace
@@ -87,7 +66,10 @@ bool MoveCollectionCommand::init(const MediaLibrary* library, int collection, in
             return false;
         }
         renumber(copy, numbers);
-        followInPlaylists(copy, numbers);
+        followSlots(copy, [&numbers](const MediaAddress& slot) {
+            const auto number = numbers.find(slot.collection);
+            return number == numbers.end() ? MediaAddress() : MediaAddress(number->second, slot.slot);
+        });
         return true;
     });
 }

@@ -50,12 +50,15 @@ MouseArea {
         list.forceActiveFocus()
         if (number < 0)
             return
-        collectionModel.setSelectedCollectionIndex(number)
-        if (event.button === Qt.LeftButton) {
+        if (event.button === Qt.RightButton) {
+            if (mediaActions.isEditable)
+                panel.openMenu(number, mapToItem(panel, event.x, event.y))
+        } else if (event.modifiers & Qt.ControlModifier) {
+            panel.showBeside(number)
+        } else {
+            collectionModel.setSelectedCollectionIndex(number)
             from = Qt.point(event.x, event.y)
             held = number
-        } else if (mediaActions.isEditable) {
-            panel.openMenu(mapToItem(panel, event.x, event.y))
         }
     }
     onPositionChanged: (event) => {

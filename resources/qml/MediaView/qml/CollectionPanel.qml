@@ -11,51 +11,64 @@ ShrinkableFrame {
     // The next collection that comes is the operator's own.
     property bool choosesAdded: false
     property int chosen: -1
-    property string chosenName
+    property int menuNumber: -1 // the collection that the menu is of
+    property bool canShowBeside: false
+
+    signal slotsWanted()
 
     function askNew() {
         const dialog = dialogs.openTextInputDialog(qsTr("New collection"), qsTr("Name"), qsTr("CREATE"))
         dialog.setObjectNames("MediaView-new-collection")
         dialog.valuesConfirmed.connect(function(values) { choosesAdded = commandCenter.appendCollection(values[0]) })
     }
-    function askName() {
-        if (!mediaActions.isEditable || chosen < 0)
+    function askName(number) {
+        if (!mediaActions.isEditable || number < 0)
             return
-        const number = chosen
-        const dialog = dialogs.openRenameDialog(qsTr("Rename collection"), qsTr("New name of “%1”").arg(chosenName),
-                                                qsTr("RENAME"), chosenName)
+        const name = collectionModel.nameOf(number)
+        const dialog = dialogs.openRenameDialog(qsTr("Rename collection"), qsTr("New name of “%1”").arg(name),
+                                                qsTr("RENAME"), name)
         dialog.setObjectNames("MediaView-rename-collection")
         dialog.valuesConfirmed.connect(function(values) { commandCenter.renameCollection(number, values[0]) })
     }
-    function duplicate() { choosesAdded = commandCenter.copyCollection(chosen, -1) }
-    function askRemove() {
-        if (!mediaActions.isEditable || chosen < 0)
+    function duplicate(number) { choosesAdded = commandCenter.copyCollection(number, -1) }
+    function askRemove(number) {
+        if (!mediaActions.isEditable || number < 0)
             return
-        const number = chosen
         const dialog = dialogs.openConfirmationDialog(
             qsTr("Remove collection %1?").arg(number),
-            qsTr("“%1” goes with all its slots. Playlists that play them lose their media. It can be undone.").arg(chosenName),
+            qsTr("“%1” goes with all its slots. Playlists that play them lose their media. It can be undone.").arg(collectionModel.nameOf(number)),
             qsTr("REMOVE"))
         dialog.setObjectNames("MediaView-remove-collection")
         dialog.confirmed.connect(function() { commandCenter.removeCollection(number) })
     }
+    function step(number, direction) {
+        if (mediaActions.isEditable && number >= 0)
+            collectionOrder.step(number, direction)
+    }
+    function showBeside(number) {
+        if (canShowBeside && number >= 0)
+            collectionPanes.open(number)
+    }
     // -1 without a collection.
     function choose(number) {
         chosen = number
-        chosenName = ""
-        slotModel.collection = number
-        if (number >= 0)
-            mediaActions.lastCollection = number
+        collectionPanes.slotModel.collection = number
         Qt.callLater(showChosen) // once the list has its rows
     }
 
     Component.onCompleted: {
-        const last = mediaActions.lastCollection
+        const last = collectionPanes.slotModel.collection
         if (last >= 0)
-            collectionModel.setSelectedCollectionIndex(last)
-        choose(collectionModel.selectedCollectionIndex())
+            collectionModel.selectComing(last)
+        if (collectionModel.selectedCollectionIndex() >= 0)
+            choose(collectionModel.selectedCollectionIndex())
     }
 
+    Connections {
+        target: collectionPanes
+
+        function onCurrentChanged() { collectionModel.setSelectedCollectionIndex(collectionPanes.slotModel.collection) }
+    }
     Connections {
         target: collectionModel
 
@@ -86,10 +99,11 @@ ShrinkableFrame {
             tip: qsTr("What can be done with this collection")
             enabled: mediaActions.isEditable && panel.chosen >= 0
             isOpen: menu.item !== null && menu.item.visible
-            onClicked: panel.openMenu(more.mapToItem(panel, 0, more.height + 2))
+            onClicked: panel.openMenu(panel.chosen, more.mapToItem(panel, 0, more.height + 2))
         }
     ]
-    function openMenu(at) {
+    function openMenu(number, at) {
+        menuNumber = number
         menu.active = true
         menu.item.popup(at.x, at.y)
     }
@@ -110,6 +124,8 @@ ShrinkableFrame {
             required property int collectionNumber
             required property string editText
             readonly property bool isChosen: collectionNumber === panel.chosen
+            readonly property bool hasMenu: menu.item !== null && menu.item.visible && collectionNumber === panel.menuNumber
+            readonly property bool isBeside: !isChosen && (collectionPanes.revision, collectionPanes.shows(collectionNumber))
             readonly property string text: editText
             readonly property bool isCut: label.truncated
 
@@ -121,14 +137,6 @@ ShrinkableFrame {
             Accessible.name: qsTr("Collection %1, %2").arg(collectionNumber).arg(editText)
             Accessible.selectable: true
             Accessible.selected: isChosen
-            onIsChosenChanged: tell()
-            onEditTextChanged: tell()
-            Component.onCompleted: tell()
-            function tell() {
-                if (!isChosen)
-                    return
-                panel.chosenName = editText
-            }
 
             Rectangle {
                 anchors { fill: parent; leftMargin: Theme.tight; rightMargin: fontSizes.bar }
@@ -136,7 +144,16 @@ ShrinkableFrame {
                 color: row.isChosen ? (list.activeFocus ? Theme.accentVeil : Theme.hoverStrong)
                      : mouse.rowUnder === row.index ? Theme.hover : "transparent"
                 border.width: 1
-                border.color: row.isChosen && list.activeFocus ? Theme.focus : "transparent"
+                border.color: (row.isChosen && list.activeFocus) || row.hasMenu ? Theme.focus : "transparent"
+            }
+            Rectangle {
+                // It stands beside the chosen one.
+                x: Theme.tight
+                width: 3
+                height: parent.height
+                radius: 1
+                color: Theme.accent
+                visible: row.isBeside
             }
             ZTLabel {
                 id: number
@@ -171,23 +188,26 @@ ShrinkableFrame {
                 }
             }
         }
-        Keys.onShortcutOverride: (event) => event.accepted = [Qt.Key_Up, Qt.Key_Down, Qt.Key_Home, Qt.Key_End, Qt.Key_Menu].indexOf(event.key) >= 0
+        Keys.onShortcutOverride: (event) => event.accepted = [Qt.Key_Up, Qt.Key_Down, Qt.Key_Right, Qt.Key_Return, Qt.Key_Enter, Qt.Key_Home, Qt.Key_End, Qt.Key_Menu].indexOf(event.key) >= 0
                                                             || (event.key === Qt.Key_Escape && mouse.dragged >= 0)
-                                                            || ["rename", "delete"].indexOf(mediaActions.actionOf(event.key, event.modifiers)) >= 0
+                                                            || ["rename", "delete", "move_entries_up", "move_entries_down"].indexOf(mediaActions.actionOf(event.key, event.modifiers)) >= 0
         Keys.onPressed: (event) => {
             const row = collectionModel.selectedRow()
             const action = mediaActions.actionOf(event.key, event.modifiers)
-            const isMove = (event.modifiers & Qt.AltModifier) && (event.key === Qt.Key_Up || event.key === Qt.Key_Down)
             event.accepted = true
-            if (isMove) { if (!event.isAutoRepeat) panel.step(event.key === Qt.Key_Up ? -1 : 1) }
+            if (action !== "" && event.isAutoRepeat) return // held down, none of them is meant twice
+            if (action === "move_entries_up") panel.step(panel.chosen, -1)
+            else if (action === "move_entries_down") panel.step(panel.chosen, 1)
             else if (event.key === Qt.Key_Escape && mouse.dragged >= 0) mouse.stop()
-            else if (action === "rename") panel.askName()
-            else if (action === "delete") panel.askRemove()
+            else if (event.modifiers & Qt.ControlModifier && panel.isEnter(event)) panel.showBeside(panel.chosen)
+            else if (action === "rename") panel.askName(panel.chosen)
+            else if (action === "delete") panel.askRemove(panel.chosen)
+            else if (event.key === Qt.Key_Right || panel.isEnter(event)) panel.slotsWanted()
             else if (event.key === Qt.Key_Up) panel.goTo(Math.max(0, row - 1))
             else if (event.key === Qt.Key_Down) panel.goTo(Math.min(list.count - 1, row + 1))
             else if (event.key === Qt.Key_Home) panel.goTo(0)
             else if (event.key === Qt.Key_End) panel.goTo(list.count - 1)
-            else if (event.key === Qt.Key_Menu) panel.openMenu(list.mapToItem(panel, 20, 20))
+            else if (event.key === Qt.Key_Menu) panel.openMenu(panel.chosen, list.mapToItem(panel, 20, 20))
             else event.accepted = false
         }
     }
@@ -198,10 +218,7 @@ ShrinkableFrame {
         list: list
         panel: panel
     }
-    function step(direction) {
-        if (mediaActions.isEditable && chosen >= 0)
-            collectionOrder.step(chosen, direction)
-    }
+    function isEnter(event) { return event.key === Qt.Key_Return || event.key === Qt.Key_Enter }
     function showChosen() {
         const row = collectionModel.selectedRow()
         if (row >= 0 && row < list.count)
@@ -232,28 +249,39 @@ ShrinkableFrame {
                 iconName: "edit"
                 keys: mediaActions.keysOf("rename")
                 enabled: mediaActions.isEditable
-                onTriggered: panel.askName()
+                onTriggered: panel.askName(panel.menuNumber)
             }
             ZTMenuItem {
                 objectName: "MediaView-collection-menu-copy"
                 text: qsTr("Duplicate collection")
                 iconName: "copy"
                 enabled: mediaActions.isEditable
-                onTriggered: panel.duplicate()
+                onTriggered: panel.duplicate(panel.menuNumber)
             }
+            ZTMenuItem {
+                objectName: "MediaView-collection-menu-beside"
+                text: qsTr("Show beside")
+                iconName: "columns"
+                keys: qsTr("Ctrl+Enter")
+                enabled: panel.canShowBeside
+                onTriggered: Qt.callLater(panel.showBeside, panel.menuNumber)
+            }
+            ZTMenuSeparator {}
             ZTMenuItem {
                 objectName: "MediaView-collection-menu-up"
                 text: qsTr("Move up")
-                keys: "Alt+Up"
+                iconName: "move_up"
+                keys: mediaActions.keysOf("move_entries_up")
                 enabled: mediaActions.isEditable
-                onTriggered: panel.step(-1)
+                onTriggered: panel.step(panel.menuNumber, -1)
             }
             ZTMenuItem {
                 objectName: "MediaView-collection-menu-down"
                 text: qsTr("Move down")
-                keys: "Alt+Down"
+                iconName: "move_down"
+                keys: mediaActions.keysOf("move_entries_down")
                 enabled: mediaActions.isEditable
-                onTriggered: panel.step(1)
+                onTriggered: panel.step(panel.menuNumber, 1)
             }
             ZTMenuSeparator {}
             ZTMenuItem {
@@ -262,7 +290,7 @@ ShrinkableFrame {
                 iconName: "trash"
                 keys: mediaActions.keysOf("delete")
                 enabled: mediaActions.isEditable
-                onTriggered: panel.askRemove()
+                onTriggered: panel.askRemove(panel.menuNumber)
             }
         }
     }

@@ -8,13 +8,13 @@ ShrinkableFrame {
 
     property var pane
     readonly property var shown: slotDetails.shown
-    readonly property string arriving: shown.count === 1 ? (mediaActions.arrivalsRevision, mediaActions.arriving(shown.slot)) : ""
+    readonly property string arriving: shown.count === 1 ? (mediaActions.arrivalsRevision, mediaActions.arriving(shown.collection, shown.slot)) : ""
 
     signal pointRequested(url file)
 
     title: shown.count > 1 ? qsTr("%1 slots").arg(shown.count) : shown.count === 1 ? qsTr("Slot %1").arg(shown.slot)
                                                                                   : qsTr("Details")
-    Component.onCompleted: slotDetails.follow(pane.selection)
+    onPaneChanged: slotDetails.follow(pane ? pane.selection : null)
 
     component Lines: Column {
         id: lines
@@ -117,7 +117,7 @@ ShrinkableFrame {
             ZTProgress {
                 width: parent.width
                 visible: panel.arriving !== ""
-                value: visible ? (mediaActions.arrivalsRevision, mediaActions.arrivedPart(panel.shown.slot)) : 0
+                value: visible ? (mediaActions.arrivalsRevision, mediaActions.arrivedPart(panel.shown.collection, panel.shown.slot)) : 0
             }
             Row {
                 width: parent.width

@@ -26,7 +26,31 @@ ZTQMLWidget {
 
     function selectCollection(number: int) {
         collectionModel.setSelectedCollectionIndex(number)
-        slots.takeFocus()
+        pane.takeFocus()
+    }
+    // What the keys mean of those that stand side by side.
+    readonly property var pane: (panes.count, panes.itemAt(collectionPanes.current) ? panes.itemAt(collectionPanes.current).pane : null)
+    readonly property int paneRoom: Math.max(1, Math.floor((columns.width + Theme.normal) / (Theme.scaled(paneWidth) + Theme.normal)))
+    readonly property int firstPane: Math.max(0, Math.min(collectionPanes.current, collectionPanes.count - paneRoom))
+    readonly property bool canShowBeside: collectionPanes.count < paneRoom
+    readonly property int paneWidth: 300
+    function stepPane(direction) {
+        collectionPanes.current = (collectionPanes.current + direction + collectionPanes.count) % collectionPanes.count
+        pane.takeFocus()
+    }
+    function closePane() {
+        collectionPanes.close(collectionPanes.current)
+        pane.takeFocus()
+    }
+    // The next collection that is not shown yet.
+    function showAnother() {
+        const rows = collectionModel.rowCount()
+        const from = collectionModel.selectedRow()
+        for (let step = 1; step <= rows; ++step) {
+            const number = collectionModel.numberAt((from + step) % rows)
+            if (step === rows || !collectionPanes.shows(number))
+                return collectionPanes.open(number)
+        }
     }
 
     Rectangle {
@@ -34,7 +58,7 @@ ZTQMLWidget {
 
         anchors { left: parent.left; right: parent.right; top: parent.top }
         height: visible ? Theme.barHeight + 2 * Theme.tight : 0
-        visible: mediaActions.obstacle !== "" && slotModel.collection >= 0
+        visible: mediaActions.obstacle !== "" && view.pane !== null && view.pane.slotModel.isThere
         color: Theme.panel
         radius: Theme.panelRadius
 
@@ -70,35 +94,36 @@ ZTQMLWidget {
         orientation: Qt.Horizontal
 
         CollectionPanel {
+            canShowBeside: view.canShowBeside
+            onSlotsWanted: view.pane.takeFocus()
             objectName: "media-collections-panel"
             visible: view.isWide || !view.narrowDetails
             T.SplitView.minimumWidth: Theme.scaled(180)
             T.SplitView.maximumWidth: view.width / 2
             T.SplitView.preferredWidth: Math.min(Theme.scaled(240), view.width / 3)
         }
-        ShrinkableFrame {
-            id: panel
+        ZTSplitView {
+            id: columns
 
-            objectName: "media-slots-panel"
-            title: slots.title
-            T.SplitView.fillWidth: true
-            T.SplitView.minimumWidth: Theme.scaled(300)
-            tools: SlotTools { pane: slots; view: panel.view }
             property var view: view
+            orientation: Qt.Horizontal
+            T.SplitView.fillWidth: true
+            T.SplitView.minimumWidth: Theme.scaled(view.paneWidth)
 
-            SlotPane {
-                id: slots
+            Repeater {
+                id: panes
 
-                objectName: "media-slots"
-                anchors.fill: parent
-                focus: true
-                view: panel.view
+                model: collectionPanes
+                delegate: SlotPanel {
+                    view: columns.view
+                    T.SplitView.preferredWidth: columns.width / Math.min(view.paneRoom, collectionPanes.count)
+                }
             }
         }
         DetailsPanel {
             objectName: "media-details-panel"
             visible: view.hasDetails
-            pane: slots
+            pane: view.pane
             T.SplitView.minimumWidth: Theme.scaled(180)
             T.SplitView.maximumWidth: view.width / 2
             T.SplitView.preferredWidth: Math.min(Theme.scaled(260), view.width / 3)
@@ -109,6 +134,6 @@ ZTQMLWidget {
         id: chooser
 
         active: false
-        sourceComponent: FileChooser { onClosed: slots.takeFocus() }
+        sourceComponent: FileChooser { onClosed: view.pane.takeFocus() }
     }
 }

@@ -29,7 +29,7 @@ ZTPopup {
     function take() {
         const chosen = lists[row].number
         close()
-        pane.say(playlistAdditions.add(pane.selectedSlots(), chosen))
+        pane.say(playlistAdditions.add(pane.slotModel.collection, pane.selectedSlots(), chosen))
     }
 
     objectName: "media-playlist-popup"

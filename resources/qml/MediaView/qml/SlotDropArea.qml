@@ -7,6 +7,7 @@ Item {
 
     property var pane
     property var grid
+    readonly property var slotModel: pane.slotModel
     readonly property bool containsDrag: drops.containsDrag
     readonly property var aimed: pane.aimed
     property point at // of the drag
@@ -49,7 +50,7 @@ Item {
                     mime[format] = drag.getDataAsString(format)
             }
             area.at = Qt.point(drag.x, drag.y)
-            drag.accepted = mediaActions.beginDrop(mime, drag.hasUrls ? drag.urls : [])
+            drag.accepted = mediaActions.beginDrop(slotModel.collection, mime, drag.hasUrls ? drag.urls : [])
         }
         onPositionChanged: (drag) => {
             area.at = Qt.point(drag.x, drag.y)
@@ -85,7 +86,7 @@ Item {
         readonly property int column: row % area.pane.columns
         readonly property int band: Math.floor(row / area.pane.columns)
 
-        objectName: "media-slots-drop-line"
+        objectName: area.pane.objectName + "-drop-line"
         visible: area.lineRow >= 0 && slotModel.count > 0
         x: area.grid.x + (area.pane.isTable ? 0 : (column + (isBehind ? 1 : 0)) * area.grid.cellWidth)
         y: (band + (area.pane.isTable && isBehind ? 1 : 0)) * area.grid.cellHeight - area.grid.contentY
@@ -114,7 +115,7 @@ Item {
             ZTLabel {
                 id: numbers
 
-                objectName: "media-slots-drop-numbers"
+                objectName: area.pane.objectName + "-drop-numbers"
                 anchors.centerIn: parent
                 text: area.aimed === null ? "" : area.aimed.first === area.aimed.last ? area.aimed.first
                                                                                      : area.aimed.first + " – " + area.aimed.last
@@ -124,7 +125,7 @@ Item {
         }
     }
     Rectangle {
-        objectName: "media-slots-forecast"
+        objectName: area.pane.objectName + "-forecast"
         anchors { left: parent.left; right: parent.right; bottom: parent.bottom; margins: Theme.tight }
         height: words.implicitHeight + 2 * Theme.normal
         visible: area.aimed !== null
@@ -136,9 +137,10 @@ Item {
         ZTLabel {
             id: words
 
-            objectName: "media-slots-forecast-text"
+            objectName: area.pane.objectName + "-forecast-text"
             anchors { left: parent.left; right: parent.right; verticalCenter: parent.verticalCenter; margins: Theme.normal }
-            text: area.aimed === null ? "" : area.aimed.isMove ? qsTr("%1 Ctrl copies instead.").arg(area.aimed.text)
+            text: area.aimed === null ? "" : area.aimed.canCopy ? qsTr("%1 Ctrl copies instead.").arg(area.aimed.text)
+                                          : area.aimed.canMove ? qsTr("%1 Shift moves instead.").arg(area.aimed.text)
                                                                : area.aimed.text
             color: Theme.strong
             wrapMode: Text.WordWrap

@@ -23,13 +23,14 @@ Item {
     readonly property bool isRenaming: !!pane && pane.renamingSlot === slot
     readonly property bool isAimed: !!pane && pane.aimed !== null && pane.aimed.isPossible && slot >= pane.aimed.first
                                     && slot <= pane.aimed.last
-    readonly property string arriving: (mediaActions.arrivalsRevision, mediaActions.arriving(slot))
+    readonly property int collection: pane ? pane.slotModel.collection : -1
+    readonly property string arriving: (mediaActions.arrivalsRevision, mediaActions.arriving(collection, slot))
     readonly property string why: arriving === "" ? faults : ""
     readonly property string text: name // for who asks what the slot shows
     readonly property bool isOnProgram: mediaState <= Media.ProgramStop
     readonly property bool isOnPreview: !isOnProgram && mediaState <= Media.PreviewStop
 
-    objectName: "media-slot" + slot
+    objectName: (pane && pane.panel.index > 0 ? pane.objectName + "-slot" : "media-slot") + slot
     width: GridView.view ? GridView.view.cellWidth : 0
     height: GridView.view ? GridView.view.cellHeight : 0
     Accessible.role: Accessible.ListItem
@@ -80,7 +81,7 @@ Item {
             anchors { left: parent.left; right: parent.right; bottom: parent.bottom; margins: cell.isTable ? 2 : Theme.normal }
             height: cell.isTable ? 4 : 8
             visible: cell.arriving !== ""
-            value: visible ? (mediaActions.arrivalsRevision, mediaActions.arrivedPart(cell.slot)) : 0
+            value: visible ? (mediaActions.arrivalsRevision, mediaActions.arrivedPart(cell.collection, cell.slot)) : 0
         }
         Rectangle {
             // Which channel has it, in that channel's colour.
@@ -199,7 +200,7 @@ Item {
             if (!(event.buttons & Qt.LeftButton) || hasDragged || !far || !cell.isSelected)
                 return
             hasDragged = true
-            mediaActions.startDrag(cell.pane.selectedSlots())
+            mediaActions.startDrag(cell.collection, cell.pane.selectedSlots())
         }
         onClicked: (event) => {
             const plain = !(event.modifiers & (Qt.ControlModifier | Qt.ShiftModifier))
@@ -208,7 +209,7 @@ Item {
         }
         onDoubleClicked: (event) => {
             if (event.button === Qt.LeftButton)
-                mediaActions.cue(cell.slot)
+                mediaActions.cue(cell.collection, cell.slot)
         }
     }
     Loader {
@@ -219,7 +220,7 @@ Item {
         height: Math.max(label.height, Theme.rowHeight)
         sourceComponent: ZTTextField {
             fill: Theme.background
-            objectName: "media-slots-rename-field"
+            objectName: cell.pane.objectName + "-rename-field"
             implicitHeight: Theme.rowHeight
             text: cell.name
             tip: qsTr("The new name; Enter takes it, Esc leaves the old one")

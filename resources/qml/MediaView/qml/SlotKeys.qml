@@ -5,6 +5,7 @@ QtObject {
     property var pane
     property var grid
     property var typed
+    readonly property var slotModel: pane.slotModel
 
     readonly property int page: Math.max(1, Math.floor(grid.height / Math.max(1, grid.cellHeight))) * pane.columns
 
@@ -16,9 +17,9 @@ QtObject {
     // Keys that are a shortcut elsewhere mean what they mean here while the slots have them.
     function isOurs(event) {
         const plain = [Qt.Key_Up, Qt.Key_Down, Qt.Key_Left, Qt.Key_Right, Qt.Key_Home, Qt.Key_End, Qt.Key_PageUp,
-                       Qt.Key_PageDown, Qt.Key_Menu]
+                       Qt.Key_PageDown, Qt.Key_Menu, Qt.Key_F6]
         return plain.indexOf(event.key) >= 0 || isText(event) || mediaActions.actionOf(event.key, event.modifiers) !== ""
-               || (event.modifiers & Qt.ControlModifier && [Qt.Key_A, Qt.Key_F, Qt.Key_Space].indexOf(event.key) >= 0)
+               || (event.modifiers & Qt.ControlModifier && [Qt.Key_A, Qt.Key_F, Qt.Key_Space, Qt.Key_W].indexOf(event.key) >= 0)
     }
 
     function press(event) {
@@ -30,14 +31,19 @@ QtObject {
                 return true
             if (action === "cue") pane.cueCurrent()
             else if (action === "rename") pane.startRename()
+            else if (action === "copy") pane.copySelected(false)
+            else if (action === "cut") pane.copySelected(true)
+            else if (action === "paste") pane.paste()
             else if (action === "insert_media") pane.askPlaylist(grid.mapToItem(pane, 20, 20))
-            else pane.clearSelected()
+            else if (action === "delete") pane.clearSelected()
+            else return false
             return true
         }
         if (event.modifiers & Qt.ControlModifier) {
             switch (event.key) {
             case Qt.Key_A: pane.selection.selectAll(); return true
             case Qt.Key_F: pane.tools.find(); return true
+            case Qt.Key_W: if (!event.isAutoRepeat) pane.view.closePane(); return true
             case Qt.Key_Space: if (row >= 0) pane.selection.toggle(row); return true
             }
         }
@@ -50,6 +56,7 @@ QtObject {
         case Qt.Key_End: pane.step(grid.count - 1, event.modifiers); return true
         case Qt.Key_PageUp: pane.step(row - page, event.modifiers); return true
         case Qt.Key_PageDown: pane.step(row + page, event.modifiers); return true
+        case Qt.Key_F6: pane.view.stepPane(event.modifiers & Qt.ShiftModifier ? -1 : 1); return true
         case Qt.Key_Menu: pane.openMenu(grid.mapToItem(pane, 20, 20)); return true
         }
         return typeAhead(event)

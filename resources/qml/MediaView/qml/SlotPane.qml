@@ -7,14 +7,16 @@ import ZTCommon 1.0
 FocusScope {
     id: pane
 
+    property var slotModel: null
     property var view: null
+    property var panel: null
     property var tools: null
     property alias selection: selection
     readonly property bool hasKeys: grid.activeFocus
     readonly property bool isTable: mediaActions.isTable
     readonly property bool isFiltered: slotModel.searchText !== "" || slotModel.kind >= 0 || slotModel.unusableOnly
                                        || slotModel.unusedOnly
-    readonly property string title: slotModel.collection < 0 ? qsTr("Slots")
+    readonly property string title: !slotModel.isThere ? qsTr("Slots")
                                   : selection.selectedCount > 1
                                     ? qsTr("%1 of %2 slots selected").arg(selection.selectedCount).arg(slotModel.count)
                                   : isFiltered ? qsTr("%1 of %2 slots").arg(slotModel.count).arg(slotModel.total)
@@ -25,11 +27,12 @@ FocusScope {
     property int target: -1
     property var aimed: null
 
+    onActiveFocusChanged: if (activeFocus) collectionPanes.current = panel.index
     function takeFocus() { grid.forceActiveFocus() }
     function selectedSlots() { return selection.rows().map(row => slotModel.slotAt(row)) }
     function cueCurrent() {
         if (selection.currentRow >= 0)
-            mediaActions.cue(slotModel.slotAt(selection.currentRow))
+            mediaActions.cue(slotModel.collection, slotModel.slotAt(selection.currentRow))
     }
     function startRename() {
         if (mediaActions.isEditable && selection.currentRow >= 0)
@@ -42,9 +45,17 @@ FocusScope {
         renamingSlot = -1
         takeFocus()
         if (name.trim().length > 0)
-            mediaActions.rename(slot, name)
+            mediaActions.rename(slotModel.collection, slot, name)
     }
-    function clearSelected() { mediaActions.clear(selectedSlots()) }
+    function clearSelected() { mediaActions.clear(slotModel.collection, selectedSlots()) }
+    function copySelected(isCut) {
+        if (selection.selectedCount > 0)
+            say(mediaActions.copy(slotModel.collection, selectedSlots(), isCut))
+    }
+    function paste() {
+        if (mediaActions.isEditable && slotModel.isThere)
+            mediaActions.paste(slotModel.collection, slotModel.slotAt(selection.currentRow >= 0 ? selection.currentRow : slotModel.count - 1))
+    }
     readonly property bool canPoint: mediaActions.isEditable && String(slotDetails.shown.file) !== ""
     function point() {
         if (canPoint)
@@ -81,10 +92,10 @@ FocusScope {
     ZTSelectionModel {
         id: selection
 
-        rowModel: slotModel
+        rowModel: pane.slotModel
     }
     Connections {
-        target: slotModel
+        target: pane.slotModel
 
         function onCollectionChanged() {
             pane.renamingSlot = -1
@@ -105,7 +116,7 @@ FocusScope {
 
         readonly property int room: width - fontSizes.bar
 
-        objectName: "media-slots-grid"
+        objectName: pane.objectName + "-grid"
         anchors.fill: parent
         anchors.leftMargin: Theme.tight
         opacity: mediaActions.isLive ? 1 : 0.4
@@ -121,7 +132,7 @@ FocusScope {
         cellWidth: pane.isTable ? width : Math.floor(room / pane.columns)
         cellHeight: pane.isTable ? Math.max(Theme.rowHeight, Theme.scaled(36))
                                  : Math.round((cellWidth - 4 * Theme.tight) * 9 / 16) + 2 * Theme.rowHeight + Theme.normal
-        model: slotModel
+        model: pane.slotModel
         delegate: SlotItem { pane: grid.parent }
         Accessible.role: Accessible.List
         Accessible.name: qsTr("Slots")
@@ -162,7 +173,7 @@ FocusScope {
         onTriggered: said.text = ""
     }
     Rectangle {
-        objectName: "media-slots-said"
+        objectName: pane.objectName + "-said"
         anchors { left: parent.left; right: parent.right; bottom: parent.bottom; margins: Theme.tight }
         height: said.implicitHeight + 2 * Theme.normal
         visible: said.text !== "" && pane.aimed === null
@@ -174,7 +185,7 @@ FocusScope {
         ZTLabel {
             id: said
 
-            objectName: "media-slots-said-text"
+            objectName: pane.objectName + "-said-text"
             anchors { left: parent.left; right: parent.right; verticalCenter: parent.verticalCenter; margins: Theme.normal }
             color: Theme.strong
             wrapMode: Text.WordWrap
@@ -188,27 +199,28 @@ FocusScope {
 
         ZTEmptyState {
             width: parent.width
-            iconName: slotModel.collection < 0 ? (mediaActions.isConnected ? "media" : "unlinked")
+            iconName: !slotModel.isThere ? (mediaActions.isConnected ? "media" : "unlinked")
                     : slotModel.total > 0 ? "search" : "import"
-            title: slotModel.collection < 0 ? (mediaActions.obstacle !== "" ? "" : qsTr("No collection"))
+            title: !slotModel.isThere ? (mediaActions.obstacle !== "" ? "" : qsTr("No collection"))
                  : slotModel.total > 0 ? qsTr("No slot matches") : qsTr("This collection is empty")
-            text: slotModel.collection < 0 ? (mediaActions.obstacle !== "" ? mediaActions.obstacle
-                                                                           : qsTr("Add one with the + button on the left."))
+            text: !slotModel.isThere ? (mediaActions.obstacle !== "" ? mediaActions.obstacle
+                                      : slotModel.collection < 0 ? qsTr("Add one with the + button on the left.")
+                                      : qsTr("Collection %1 is not in the library.").arg(slotModel.collection))
                 : slotModel.total > 0 ? qsTr("%1 slots are left out by the search or the filters.").arg(slotModel.total)
                                       : qsTr("Drop files, folders or slots here.")
         }
         ZTButton {
-            objectName: "media-slots-show-all-button"
+            objectName: pane.objectName + "-show-all-button"
             anchors.horizontalCenter: parent.horizontalCenter
-            visible: slotModel.collection >= 0 && slotModel.total > 0
+            visible: slotModel.isThere && slotModel.total > 0
             text: qsTr("Show all slots")
             tip: qsTr("Takes the search and the filters away")
             onClicked: pane.tools.clearAll()
         }
         ZTButton {
-            objectName: "media-slots-connect-button"
+            objectName: pane.objectName + "-connect-button"
             anchors.horizontalCenter: parent.horizontalCenter
-            visible: slotModel.collection < 0 && !mediaActions.isConnected
+            visible: !slotModel.isThere && !mediaActions.isConnected
             kind: "accent"
             iconName: "linked"
             text: qsTr("Connect to server")
@@ -221,12 +233,12 @@ FocusScope {
 
         active: false
         sourceComponent: ZTMenu {
-            objectName: "media-slots-menu"
+            objectName: pane.objectName + "-menu"
             parent: pane
             onClosed: if (pane.renamingSlot < 0) pane.takeFocus()
 
             ZTMenuItem {
-                objectName: "media-slots-menu-cue"
+                objectName: pane.objectName + "-menu-cue"
                 text: qsTr("Play on preview")
                 iconName: "mc_play"
                 keys: mediaActions.keysOf("cue")
@@ -234,7 +246,7 @@ FocusScope {
                 onTriggered: pane.cueCurrent()
             }
             ZTMenuItem {
-                objectName: "media-slots-menu-playlist"
+                objectName: pane.objectName + "-menu-playlist"
                 text: qsTr("Add to a playlist ...")
                 iconName: "insert_end"
                 keys: mediaActions.keysOf("insert_media")
@@ -243,7 +255,31 @@ FocusScope {
             }
             ZTMenuSeparator {}
             ZTMenuItem {
-                objectName: "media-slots-menu-rename"
+                objectName: pane.objectName + "-menu-cut"
+                text: qsTr("Cut")
+                keys: mediaActions.keysOf("cut")
+                enabled: mediaActions.isEditable && selection.selectedCount > 0
+                onTriggered: pane.copySelected(true)
+            }
+            ZTMenuItem {
+                objectName: pane.objectName + "-menu-copy"
+                text: qsTr("Copy")
+                iconName: "copy"
+                keys: mediaActions.keysOf("copy")
+                enabled: selection.selectedCount > 0
+                onTriggered: pane.copySelected(false)
+            }
+            ZTMenuItem {
+                objectName: pane.objectName + "-menu-paste"
+                text: qsTr("Paste")
+                iconName: "paste"
+                keys: mediaActions.keysOf("paste")
+                enabled: mediaActions.isEditable
+                onTriggered: pane.paste()
+            }
+            ZTMenuSeparator {}
+            ZTMenuItem {
+                objectName: pane.objectName + "-menu-rename"
                 text: qsTr("Rename")
                 iconName: "edit"
                 keys: mediaActions.keysOf("rename")
@@ -251,14 +287,14 @@ FocusScope {
                 onTriggered: Qt.callLater(pane.startRename) // once the menu has given the keys back
             }
             ZTMenuItem {
-                objectName: "media-slots-menu-point"
+                objectName: pane.objectName + "-menu-point"
                 text: qsTr("Another file ...")
                 iconName: "replace_media"
                 enabled: pane.canPoint
                 onTriggered: Qt.callLater(pane.point)
             }
             ZTMenuItem {
-                objectName: "media-slots-menu-clear"
+                objectName: pane.objectName + "-menu-clear"
                 text: qsTr("Clear")
                 iconName: "trash"
                 keys: mediaActions.keysOf("delete")

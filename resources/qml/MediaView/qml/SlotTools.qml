@@ -6,16 +6,19 @@ import ZTCommon 1.0
 Row {
     id: tools
 
+    property var panel
     property var pane
     property var view
+    readonly property var slotModel: pane.slotModel
+    readonly property int buttons: panel.isLast ? 4 : 1
 
     spacing: Theme.tight
 
     ZTTextField {
         id: search
 
-        objectName: "media-slots-search"
-        width: Math.min(Theme.scaled(190), tools.pane.width / 3)
+        objectName: tools.pane.objectName + "-search"
+        width: Math.min(Theme.scaled(190), tools.panel.isAlone ? tools.pane.width / 3 : tools.pane.width - tools.buttons * (Theme.barHeight + tools.spacing) - 2 * Theme.normal)
         placeholderText: qsTr("Search")
         tip: qsTr("Lists the slots whose name, file or number holds the text; Esc clears it")
         Accessible.name: qsTr("Search the collection")
@@ -30,7 +33,7 @@ Row {
 
         readonly property bool isOn: slotModel.kind >= 0 || slotModel.unusableOnly || slotModel.unusedOnly
 
-        objectName: "media-slots-filter-button"
+        objectName: tools.pane.objectName + "-filter-button"
         kind: isOn ? "" : "flat"
         checkable: false
         iconName: "filter"
@@ -54,7 +57,7 @@ Row {
 
             active: false
             sourceComponent: ZTMenu {
-                objectName: "media-slots-filters"
+                objectName: tools.pane.objectName + "-filters"
                 parent: filter
                 onClosed: tools.pane.takeFocus()
 
@@ -76,20 +79,32 @@ Row {
         }
     }
     ZTButton {
-        objectName: "media-slots-table-button"
+        objectName: tools.pane.objectName + "-table-button"
+        visible: tools.panel.isLast
         kind: "flat"
         iconName: mediaActions.isTable ? "media" : "playlist"
         tip: mediaActions.isTable ? qsTr("Show the slots as pictures") : qsTr("Show the slots as a table")
         onClicked: mediaActions.isTable = !mediaActions.isTable
     }
     ZTButton {
-        objectName: "media-slots-details-button"
+        objectName: tools.pane.objectName + "-details-button"
+        visible: tools.panel.isLast
         kind: "flat"
         iconName: "info"
         checked: tools.view.hasDetails
         tip: !tools.view.hasDetails ? qsTr("Show what is known of the selected slots")
            : tools.view.isWide ? qsTr("Hide the details") : qsTr("Show the collections again")
         onClicked: tools.view.toggleDetails()
+    }
+    ZTButton {
+        objectName: tools.pane.objectName + "-beside-button"
+        visible: tools.panel.isLast && (tools.view.canShowBeside || tools.panel.isAlone)
+        enabled: tools.view.canShowBeside && tools.slotModel.isThere
+        kind: "flat"
+        iconName: "columns"
+        tip: tools.view.canShowBeside ? qsTr("Show another collection beside this one")
+                                      : qsTr("The window has no room for another collection beside this one")
+        onClicked: tools.view.showAnother()
     }
     // For the keys of the list.
     function find() {

@@ -11,6 +11,7 @@ ZTFrame {
     readonly property int titleHeight: bar.height + 2 * Theme.tight
     default property alias content: body.data
     property alias tools: toolRow.data
+    readonly property Item toolPlace: toolRow
 
     Item {
         id: bar

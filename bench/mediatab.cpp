@@ -1,0 +1,159 @@
+// The MEDIA tab with a full collection: what it costs to show it first, and to scroll through it by the
+// wheel, as pictures and as a table, with the pictures of what is in view coming in.
+#include "bench/row.h"
+#include "common/qml/qmlmanager.h"
+#include "common/ui/style/stylesheet.h"
+#include "common/views/media/mediaview.h"
+#include "tests/support/librarymaker.h"
+#include "tests/support/mediamirror.h"
+
+#include <QApplication>
+#include <QFile>
+#include <QLoggingCategory>
+#include <QQmlContext>
+#include <QQuickItem>
+#include <QQuickWidget>
+#include <QStackedWidget>
+#include <QTimer>
+#include <QWheelEvent>
+
+#include <algorithm>
+#include <time.h>
+
+using namespace vantrel;
+using namespace vantrel::test;
+using vantrel::bench::row;
+
+namespace {
+
+constexpr int steps = 400;
+
+/// Milliseconds for which this thread had a processor.
+double spent()
+{
+    timespec now{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
+    return double(now.tv_sec) * 1e3 + double(now.tv_nsec) / 1e6;
+}
+
+/// Resident, in MB.
+double memory()
+{
+    QFile file(QStringLiteral("/proc/self/statm"));
+    if (!file.open(QIODevice::ReadOnly))
+        return 0;
+    return file.readAll().split(' ').at(1).toDouble() * 4096 / 1e6;
+}
+
+/// Counts the pictures of a widget.
+class Paints : public QObject
+{
+public:
+    explicit Paints(QWidget* widget) { widget->installEventFilter(this); }
+    int count = 0;
+
+protected:
+    bool eventFilter(QObject*, QEvent* event) override
+    {
+        count += event->type() == QEvent::Paint;
+        return false;
+    }
+};
+
+/// Turns of the event loop until the condition holds; the longest of them, in milliseconds, or below 0 after
+/// 10 s.
+template <typename Condition>
+double longestTurn(const Condition& isDone)
+{
+    double longest = 0;
+    QTimer end;
+    end.setSingleShot(true);
+    end.start(10000);
+    while (!isDone()) {
+        if (!end.isActive())
+            return -1;
+        const double before = spent();
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        longest = std::max(longest, spent() - before);
+    }
+    return longest;
+}
+
+QQuickItem* find(QQuickItem* from, const QString& name)
+{
+    if (from->objectName() == name)
+        return from;
+    for (QQuickItem* child : from->childItems()) {
+        if (QQuickItem* found = find(child, name))
+            return found;
+    }
+    return nullptr;
+}
+
+bool measureScroll(MediaView& view, const char* longestName, const char* meanName)
+{
+    QQuickWidget* const quick = view.quickWidget();
+    const QQuickItem* const grid = find(quick->rootObject(), QStringLiteral("media-slots-grid"));
+    Paints paints(quick);
+    double longest = 0;
+    const double before = spent();
+    const double from = grid->property("contentY").toDouble();
+    for (int step = 0; step < steps; ++step) {
+        const int painted = paints.count;
+        const QPointF at(quick->width() / 2.0, quick->height() / 2.0);
+        QCoreApplication::postEvent(
+            quick, new QWheelEvent(at, quick->mapToGlobal(at), {}, {0, step / 100 % 2 == 0 ? -360 : 360},
+                                   Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false));
+        const double turn = longestTurn([&] { return paints.count > painted; });
+        if (turn < 0)
+            return false;
+        longest = std::max(longest, turn);
+    }
+    const double mean = (spent() - before) / paints.count;
+    std::fprintf(stderr, "%d pictures, scrolled from %.0f to %.0f\n", paints.count, from,
+                 grid->property("contentY").toDouble());
+    row(longestName, "one picture of a 60 Hz screen", longest, 16, "ms", 1);
+    row(meanName, "60 pictures a second", mean, 1000.0 / 60, "ms", 1);
+    return true;
+}
+
+bool measure()
+{
+    MediaMirror mirror(makeLibrary(3, MediaCollection::slotIndexMax));
+    QStackedWidget window;
+    window.addWidget(new QWidget);
+    auto* view = new MediaView({.library = &mirror.model, .provider = &mirror.provider});
+    window.addWidget(view);
+    window.resize(1920, 1080);
+    window.show();
+    if (longestTurn([&] { return window.isActiveWindow() || window.isVisible(); }) < 0)
+        return false;
+    const double memoryBefore = memory();
+    const double before = spent();
+    window.setCurrentIndex(1);
+    Paints paints(view->quickWidget());
+    const auto isShown = [&] {
+        return paints.count > 0 && find(view->quickWidget()->rootObject(), QStringLiteral("media-slot1"));
+    };
+    if (longestTurn(isShown) < 0)
+        return false;
+    row("mediatab/first-show", "what an operator is to wait at most", spent() - before, 120, "ms", 1);
+    row("mediatab/memory", "what it may take", memory() - memoryBefore, 40, "MB", 1);
+    QObject* const actions =
+        view->quickWidget()->rootContext()->contextProperty(QStringLiteral("mediaActions")).value<QObject*>();
+    return measureScroll(*view, "mediatab/scroll-pictures-longest", "mediatab/scroll-pictures") &&
+           actions->setProperty("isTable", true) &&
+           measureScroll(*view, "mediatab/scroll-table-longest", "mediatab/scroll-table");
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    QApplication application(argc, argv);
+    QLoggingCategory::setFilterRules(QStringLiteral("vantrel.*.debug=false\nvantrel.*.info=false"));
+    StyleSheet::apply(application);
+    const bool isDone = measure();
+    QMLManager::instance()->deinitialize();
+    return isDone ? 0 : 1;
+}
