@@ -606,6 +606,49 @@ def fill(path, size):
         file.truncate(size)
 
 
+def outputs(options, name, **how):
+    """The OUTPUTS tab, a medium of another shape on program."""
+    with Window(options, **how) as window:
+        window.run_show()
+        window.click("MainNavigationBar-outputs-button")
+        window.robot.find("Mapping-output2-picture")
+        time.sleep(1)
+        window.rest()
+        window.shoot(options.out / f"{name}.png")
+
+
+def scaling(options):
+    """What another scaling would do, before it is chosen."""
+    with Window(options) as window:
+        window.run_show()
+        window.click("MainNavigationBar-outputs-button")
+        window.robot.mouse("move_to", window.robot.find("Mapping-output2-scaling-bottomRight"))
+        time.sleep(1)
+        window.shoot(options.out / "outputs-scaling.png")
+
+
+def modes(options):
+    """The mode of an output, with what its display says; then the question whether a mode on air stays."""
+    with Window(options) as window:
+        window.run_show()
+        window.click("MainNavigationBar-outputs-button")
+        window.robot.find("editButton")
+        pencils = window.robot.ask(objectName="editButton", maxResults=2)  # one of each output
+        window.robot.mouse("click", max(pencils, key=lambda item: item["global_y"]))
+        window.click("VideoOutput-2-ModelineDialog-mode-manual")
+        window.rest()
+        window.shoot(options.out / "outputs-mode.png")
+        window.robot.ask(operation="focus", objectName="VideoOutput-2-ModelineDialog-format")
+        while window.robot.find("VideoOutput-2-ModelineDialog-format")["text"] != "3840 x 2160p 50 Hz":
+            window.keys("Down")
+        window.click("VideoOutput-2-ModelineDialog-apply-button")
+        window.robot.find("KeepModeDialog")
+        time.sleep(3)
+        window.shoot(options.out / "outputs-keep.png")
+        window.click("KeepModeDialog-cancel-button")
+        window.keys("Escape")
+
+
 def refused(options):
     with Window(options) as window:
         window.robot.find("ConnectDialog-text")
@@ -673,6 +716,11 @@ SCREENS = {
     "drop-dialog-huge-1280x720": lambda options: pictures(options, "drop-dialog-huge-1280x720", **HUGE),
     "files": lambda options: files(options, "files"),
     "files-huge-1280x720": lambda options: files(options, "files-huge-1280x720", **HUGE),
+    "outputs": lambda options: outputs(options, "outputs"),
+    "outputs-medium-1280x720": lambda options: outputs(options, "outputs-medium-1280x720", size=(1280, 720)),
+    "outputs-huge-1280x720": lambda options: outputs(options, "outputs-huge-1280x720", **HUGE),
+    "outputs-scaling": scaling,
+    "outputs-mode": modes,
     "silent": silent,
     "reconnect": reconnect,  # ends the server: what follows finds none
     "refused": refused,

@@ -1,5 +1,6 @@
 #include "common/outputs/modelinedialog.h"
 
+#include "common/outputs/ediddetails.h"
 #include "common/outputs/edidtext.h"
 #include "common/outputs/outputmodel.h"
 #include "common/outputs/outputslogging.h"
@@ -64,6 +65,7 @@ ModelineDialog::ModelineDialog(QWidget* parent)
     connect(m_mode, &SwitchSelect::clicked, this, &ModelineDialog::toggleCustom);
     m_autoPanel = makeAutoPanel();
     m_customPanel = makeCustomPanel();
+    m_details = new EdidDetails(this);
     m_error = new ZTLabel(this);
     m_error->setStyleClass(QStringLiteral("error"));
     m_error->setWordWrap(true);
@@ -72,6 +74,7 @@ ModelineDialog::ModelineDialog(QWidget* parent)
     contentLayout()->addWidget(m_autoPanel);
     contentLayout()->addWidget(m_customPanel);
     contentLayout()->addWidget(m_error);
+    contentLayout()->addWidget(m_details);
 
     m_apply = makeButton(tr("APPLY"), tr("Set this on the output, and stay here"));
     m_apply->setStyleClass(QStringLiteral("green"));
@@ -155,6 +158,7 @@ void ModelineDialog::setObjectNames(const QString& base)
     m_linkRate->setObjectNames(base + QStringLiteral("-linkRate"));
     m_preferred->setObjectNames(base + QStringLiteral("-preferred"));
     m_edidFile->setObjectNames(base + QStringLiteral("-edidFile"));
+    m_details->setObjectNames(base + QStringLiteral("-details"));
     m_error->setObjectNames(base + QStringLiteral("-error"));
     m_export->setObjectName(base + QStringLiteral("-export-button"));
     m_import->setObjectName(base + QStringLiteral("-import-button"));
@@ -196,10 +200,15 @@ void ModelineDialog::updateData()
     m_read->setEnabled(m_connected);
     if (!m_isLinkRateChosen)
         m_linkRate->setCurrentIndex(value(OutputModel::MaxLinkRateColumn).toBool() ? 1 : 0);
+    const QString instead = value(OutputModel::OverrideEdidColumn).toString();
+    m_details->setEdid(instead.isEmpty() ? value(OutputModel::EdidColumn).toString() : instead,
+                       !file.isEmpty());
     const QString error = value(OutputModel::ErrorTextColumn).toString();
     m_error->setText(error);
     m_error->setVisible(value(OutputModel::ErrorColumn).toBool() && !error.isEmpty());
     enableButtons();
+    if (isVisible())
+        fitToContent();
 }
 
 void ModelineDialog::updateFormats()

@@ -9,6 +9,7 @@ class QFormLayout;
 
 namespace vantrel {
 
+class EdidDetails;
 class ElidedLabel;
 class GUIModeline;
 class OutputModel;
@@ -77,6 +78,7 @@ private:
     ZTDropdownMenu* m_linkRate = nullptr;
     ElidedLabel* m_preferred = nullptr;
     ElidedLabel* m_edidFile = nullptr;
+    EdidDetails* m_details = nullptr;
     ZTLabel* m_error = nullptr;
     QWidget* m_autoPanel = nullptr;
     QWidget* m_customPanel = nullptr;

@@ -1,5 +1,6 @@
 #include "common/outputs/outputitem.h"
 
+#include "common/outputs/modekeeper.h"
 #include "common/outputs/outputmodel.h"
 #include "common/outputs/outputslogging.h"
 #include "common/outputs/videooutputconfiguration.h"
@@ -7,6 +8,7 @@
 #include "common/session/mirror/guimapping.h"
 #include "common/session/mirror/sceneobjectprovider.h"
 #include "common/session/session.h"
+#include "common/ui/style/fontsizefollower.h"
 #include "common/ui/style/spacing.h"
 #include "common/ui/toolkit/elidedlabel.h"
 #include "common/ui/toolkit/iconbutton.h"
@@ -30,9 +32,12 @@ OutputItem::OutputItem(int index, Session* session, QWidget* parent)
     m_address->setObjectNames(QStringLiteral("VideoOutput-%1-address").arg(index + 1));
     m_notConnected->setObjectName(QStringLiteral("VideoOutput-%1-notConnected").arg(index + 1));
     m_notConnected->setEnabled(false);
-    m_notConnected->setIconColor(Qt::white);
+    m_notConnected->setDisabledColor(Qt::white);
     m_notConnected->setToolTip(tr("No display is connected"));
     m_address->setContentsMargins(0, 0, spacing::normal, 0);
+    followFontSize(titleRow(), [this](FontSize) { // nothing moves when the sign comes
+        titleRow()->setMinimumHeight(m_notConnected->sizeHint().height());
+    });
     addTitleWidget(m_address);
     addTitleWidget(m_notConnected);
     setContent(m_configuration);
@@ -40,6 +45,8 @@ OutputItem::OutputItem(int index, Session* session, QWidget* parent)
     connect(session->connectionProvider(), &ConnectionProvider::hostAddressChanged, this,
             &OutputItem::onAddressChange);
     setModel(makeModel());
+    auto* keeper = new ModeKeeper(index + 1, m_model, this);
+    connect(session, &Session::disconnected, keeper, &ModeKeeper::giveUp);
     onAddressChange();
 }
 

@@ -185,27 +185,48 @@ void OutputModel::sendTarget(const QString& target)
                  {"bg2", Variant::from(m_previewMapping->backgroundColor().name())}});
 }
 
+void OutputModel::sendToOutput(const QString& method, const QString& text, const VariantMap& args)
+{
+    sendCommand(m_output ? m_output->object() : nullptr, method, text, args);
+}
+
 void OutputModel::sendModelineId(QString id, bool maxLinkRate)
 {
-    sendCommand(m_output ? m_output->object() : nullptr, QStringLiteral("selectModeline"), tr("Set modeline"),
-                {{"modelineId", Variant::from(id)}, {"maxLinkRate", Variant::from(maxLinkRate)}});
+    sendToOutput(QStringLiteral("selectModeline"), tr("Set modeline"),
+                 {{"modelineId", Variant::from(id)}, {"maxLinkRate", Variant::from(maxLinkRate)}});
+    Q_EMIT modeAsked();
 }
 
 void OutputModel::sendEdidOverride(const QString& filename, const QString& edid, const QString& modelineId,
                                    bool maxLinkRate)
 {
-    sendCommand(m_output ? m_output->object() : nullptr, QStringLiteral("setEdidOverride"),
-                tr("Set edid override"),
-                {{"edid", Variant::from(edid)},
-                 {"filename", Variant::from(filename)},
-                 {"modelineId", Variant::from(modelineId)},
-                 {"maxLinkRate", Variant::from(maxLinkRate)}});
+    sendToOutput(QStringLiteral("setEdidOverride"), tr("Set edid override"),
+                 {{"edid", Variant::from(edid)},
+                  {"filename", Variant::from(filename)},
+                  {"modelineId", Variant::from(modelineId)},
+                  {"maxLinkRate", Variant::from(maxLinkRate)}});
+    Q_EMIT modeAsked();
 }
 
 void OutputModel::resetEdid()
 {
-    sendCommand(m_output ? m_output->object() : nullptr, QStringLiteral("resetEdid"),
-                tr("Reset edid override"), {});
+    sendToOutput(QStringLiteral("resetEdid"), tr("Reset edid override"), {});
+    Q_EMIT modeAsked();
+}
+
+int OutputModel::confirmSeconds() const
+{
+    return m_output ? m_output->confirmSeconds() : 0;
+}
+
+void OutputModel::keepMode()
+{
+    sendToOutput(QStringLiteral("keepMode"), tr("Keep mode"), {});
+}
+
+void OutputModel::revertMode()
+{
+    sendToOutput(QStringLiteral("revertMode"), tr("Take mode back"), {});
 }
 
 QString OutputModel::formatFieldFreq(double frequency)

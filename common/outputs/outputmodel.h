@@ -92,6 +92,11 @@ public:
                           bool maxLinkRate);
     void resetEdid();
 
+    /// Seconds until the mode goes back unless it is kept; 0 where none waits for that.
+    int confirmSeconds() const;
+    void keepMode();
+    void revertMode();
+
     /// Hz.
     static QString formatFieldFreq(double frequency);
     /// Hz, shown as kHz.
@@ -104,12 +109,17 @@ public:
     Qt::ItemFlags flags(const QModelIndex& index) const override;
     bool setData(const QModelIndex& index, const QVariant& value, int role = Qt::EditRole) override;
 
+Q_SIGNALS:
+    /// This window has asked for another mode.
+    void modeAsked();
+
 public Q_SLOTS:
     void onReset();
 
 private:
     void updateModelines();
     void followMapping(GUIMapping* before, GUIMapping* mapping);
+    void sendToOutput(const QString& method, const QString& text, const VariantMap& args);
     QVariant timing(int column) const;
     QVariant status(int column) const;
     QVariant settings(int column) const;

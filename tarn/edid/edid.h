@@ -11,7 +11,8 @@
 
 namespace vantrel {
 
-/// What a display says of itself (VESA E-EDID 1.3 and 1.4, with extension blocks of CTA-861 and DisplayID).
+/// What a display says of itself, read here since Debian 12 has no library that does it: libdisplay-info
+/// comes with Debian 13 (VESA E-EDID 1.3 and 1.4, with extension blocks of CTA-861 and DisplayID).
 struct Edid
 {
     struct Limits // of what it takes; 0 for one that it does not name

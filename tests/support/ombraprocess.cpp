@@ -47,12 +47,14 @@ bool OmbraProcess::start(int timeout)
     m_process = std::make_unique<QProcess>();
     m_process->setProcessChannelMode(QProcess::MergedChannels);
     m_process->start(binary(QStringLiteral("ombra")),
-                     {QStringLiteral("--media"), m_mediaFolder, QStringLiteral("--state"), stateFolder(),
-                      QStringLiteral("--bind"), host(), QStringLiteral("--no-discovery"),
-                      QStringLiteral("--http-port"), QString::number(m_ports.http),
-                      QStringLiteral("--link-port"), QString::number(m_ports.link),
-                      QStringLiteral("--preview-port"), QString::number(m_ports.preview),
-                      QStringLiteral("--ftp-port"), QString::number(m_ports.ftp)});
+                     QStringList{QStringLiteral("--media"), m_mediaFolder, QStringLiteral("--state"),
+                                 stateFolder(), QStringLiteral("--bind"), host(),
+                                 QStringLiteral("--no-discovery"), QStringLiteral("--http-port"),
+                                 QString::number(m_ports.http), QStringLiteral("--link-port"),
+                                 QString::number(m_ports.link), QStringLiteral("--preview-port"),
+                                 QString::number(m_ports.preview), QStringLiteral("--ftp-port"),
+                                 QString::number(m_ports.ftp)} +
+                         m_options);
     QElapsedTimer clock;
     clock.start();
     while (clock.elapsed() < timeout) {

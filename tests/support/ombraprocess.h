@@ -5,6 +5,7 @@
 #include <QByteArray>
 #include <QProcess>
 #include <QString>
+#include <QStringList>
 #include <QTemporaryDir>
 
 #include <memory>
@@ -41,6 +42,8 @@ public:
 
     /// Before start(): serve this folder, which stays the caller's, in place of an own one.
     void setMediaFolder(const QString& folder) { m_mediaFolder = folder; }
+    /// Before start(): further options of the command line.
+    void setOptions(const QStringList& options) { m_options = options; }
     QString mediaFolder() const { return m_mediaFolder; }
     QString stateFolder() const;
     /// Of the interfaces that it told.
@@ -57,6 +60,7 @@ private:
     QTemporaryDir m_folder;
     QString m_mediaFolder;
     QString m_host = QStringLiteral("127.0.0.1");
+    QStringList m_options;
     std::unique_ptr<QProcess> m_process;
     QByteArray m_output;
     ServerPorts m_ports{0, 0, 0, 0, 0};

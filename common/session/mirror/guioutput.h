@@ -37,7 +37,8 @@ namespace vantrel {
     X(QString, phyRepeaterMode, setPhyRepeaterMode)                                                          \
     X(QString, subconnector, setSubconnector)                                                                \
     X(bool, fec, setFec)                                                                                     \
-    X(bool, dsc, setDsc)
+    X(bool, dsc, setDsc)                                                                                     \
+    X(int, confirmSeconds, setConfirmSeconds)
 
 /// One video output as the server reports it, and its EDID override. A property that the scene's object does
 /// not have is logged and reads as empty.

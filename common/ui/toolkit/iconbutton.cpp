@@ -71,6 +71,12 @@ void IconButton::setCheckedColor(const QColor& colour)
     update();
 }
 
+void IconButton::setDisabledColor(const QColor& colour)
+{
+    m_disabled = colour;
+    update();
+}
+
 void IconButton::setSizes(const QMap<FontSize, QSize>& sizes)
 {
     m_sizes = sizes;
@@ -94,7 +100,7 @@ QString IconButton::currentIcon() const
 QColor IconButton::currentColor() const
 {
     if (!isEnabled())
-        return m_normal;
+        return m_disabled.isValid() ? m_disabled : m_normal;
     if (isDown())
         return m_pressed;
     // A segment is filled with the accent while checked, and its icon must be read on that.
@@ -129,7 +135,7 @@ void IconButton::paintEvent(QPaintEvent*)
     const int side = qRound(qMin(width(), height()) * m_share);
     const QPixmap pixmap = IconCache::pixmap(icon, currentColor(), QSize(side, side), devicePixelRatioF());
     // The whole drawing at once: where a fill and its outline overlap, it must not get denser.
-    if (!isEnabled())
+    if (!isEnabled() && !m_disabled.isValid())
         painter.setOpacity(0.5); // of white at 80 %: 40 % in all
     painter.drawPixmap((width() - side) / 2, (height() - side) / 2, pixmap);
 }

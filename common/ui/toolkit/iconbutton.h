@@ -28,6 +28,8 @@ public:
     void setIconColor(const QColor& colour);
     /// The icon's colour while checked; an invalid one leaves it as it is.
     void setCheckedColor(const QColor& colour);
+    /// The icon's colour while disabled, for one that is a sign and no button; an invalid one dims it.
+    void setDisabledColor(const QColor& colour);
     /// The button's square by text size, in pixels; the default is 32 at Medium. The icon takes 5/8 of it.
     void setSizes(const QMap<FontSize, QSize>& sizes);
     /// The icon's share of the button's side, 0 to 1.
@@ -51,6 +53,7 @@ private:
     QColor m_hover;
     QColor m_pressed;
     QColor m_checked;
+    QColor m_disabled;
     QMap<FontSize, QSize> m_sizes;
     double m_share = 0.625;
 };

@@ -132,6 +132,17 @@ void ZTDialog::fitToContent()
     if (layout()->hasHeightForWidth())
         wanted.setHeight(std::max(layout()->totalHeightForWidth(wanted.width()), minimumHeight()));
     resize(wanted.boundedTo(screen()->availableSize() * 9 / 10));
+    if (isVisible())
+        moveOntoScreen(pos());
+}
+
+/// As near to that place as the screen holds all of it.
+void ZTDialog::moveOntoScreen(QPoint place)
+{
+    const QRect limits = screen()->availableGeometry();
+    place.setX(qBound(limits.left(), place.x(), qMax(limits.left(), limits.right() - width())));
+    place.setY(qBound(limits.top(), place.y(), qMax(limits.top(), limits.bottom() - height())));
+    move(place);
 }
 
 void ZTDialog::showEvent(QShowEvent* event)
@@ -144,10 +155,7 @@ void ZTDialog::showEvent(QShowEvent* event)
     const QRect room = over && over->isVisible() ? over->frameGeometry() : screen()->availableGeometry();
     QRect place(QPoint(), size());
     place.moveCenter(room.center());
-    const QRect limits = screen()->availableGeometry();
-    place.moveLeft(qBound(limits.left(), place.left(), qMax(limits.left(), limits.right() - place.width())));
-    place.moveTop(qBound(limits.top(), place.top(), qMax(limits.top(), limits.bottom() - place.height())));
-    move(place.topLeft());
+    moveOntoScreen(place.topLeft());
 }
 
 void ZTDialog::keyPressEvent(QKeyEvent* event)

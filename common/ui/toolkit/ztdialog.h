@@ -57,6 +57,7 @@ protected:
 
 private:
     void onAccept();
+    void moveOntoScreen(QPoint place);
 
     ZTLabel* m_title;
     ZTLabel* m_description;

@@ -1,8 +1,11 @@
+#include "common/outputs/edidsummary.h"
 #include "common/outputs/edidtext.h"
+#include "common/outputs/modekeeper.h"
 #include "common/outputs/modelinedialog.h"
 #include "common/outputs/outputmodel.h"
 #include "common/session/mirror/guimodeline.h"
 #include "common/session/mirror/guioutput.h"
+#include "common/ui/toolkit/confirmationdialog.h"
 #include "common/ui/toolkit/errordialog.h"
 #include "common/ui/toolkit/pushbutton.h"
 #include "common/ui/toolkit/switchselect.h"
@@ -10,6 +13,7 @@
 #include "tests/support/testmain.h"
 
 #include <QFile>
+#include <QPointer>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
@@ -170,6 +174,64 @@ private Q_SLOTS:
         QFile file(path);
         QVERIFY(file.open(QIODevice::ReadOnly));
         QCOMPARE(file.readAll(), text ? halfBlock().toHex(' ').toUpper() : halfBlock());
+    }
+
+    void tellsWhatTheDisplaySays()
+    {
+        const auto facts = [](const QString& edid) {
+            QStringList all;
+            for (const EdidFact& fact : edidSummary(edid))
+                all.append(fact.title + fact.text);
+            return all;
+        };
+        QFile file(QFINDTESTDATA("../fuzz/corpus/edid/ombra-1"));
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const QByteArray edid = file.readAll().mid(1);
+        const QStringList told = facts(QString::fromLatin1(edid.toHex()));
+        for (const char* fact :
+             {"Maker:OMB", "Model:Ombra Wall", "Serial number:OW4K-00021", "Made:2026, week 12",
+              "Picture:121 x 68 cm", "Native mode:1920 x 1080p 50 Hz", "Modes:17, up to 3840 x 2160p 60 Hz",
+              "Colors:30 bits (10 bpc), RGB", "Audio:LPCM 2 channels, 48 kHz"})
+            QVERIFY2(told.contains(QLatin1String(fact)), qPrintable(told.join(u'\n')));
+        QCOMPARE(facts({}), QStringList());
+        QCOMPARE(facts(QString::fromLatin1(edid.left(64).toHex())),
+                 QStringList(
+                     QStringLiteral("EDID:It has 64 bytes, and an EDID has 1 to 256 blocks of 128 bytes.")));
+        QCOMPARE(facts(QStringLiteral("hello")),
+                 QStringList(QStringLiteral("EDID:It is no hexadecimal text.")));
+    }
+
+    /// Whoever changed what the audience sees is asked, and nobody else.
+    void asksWhetherTheModeStays()
+    {
+        QWidget window;
+        ModeKeeper keeper(2, m_model.get(), &window);
+        const auto wait = [this](int seconds) {
+            m_output->setConfirmSeconds(seconds);
+            m_model->onReset();
+        };
+        const auto question = [&window] { return window.findChild<ConfirmationDialog*>(); };
+        wait(15);
+        QVERIFY(!question()); // somebody else did
+        wait(0);
+        expectWarning(QStringLiteral("Failed to init selectModeline command"));
+        m_model->sendModelineId(QStringLiteral("std"), false);
+        wait(15);
+        QPointer<ConfirmationDialog> dialog = question();
+        QVERIFY(dialog && dialog->isVisible());
+        wait(1);
+        QVERIFY2(dialog->description().contains(QStringLiteral("in 1 second.")),
+                 qPrintable(dialog->description()));
+        wait(0); // the server has gone back: there is nothing to send
+        QTRY_VERIFY(!dialog);
+
+        expectWarning(QStringLiteral("Failed to init selectModeline command"));
+        m_model->sendModelineId(QStringLiteral("std"), false);
+        wait(15);
+        dialog = question();
+        expectWarning(QStringLiteral("Failed to init revertMode command"));
+        dialog->reject();
+        QTRY_VERIFY(!dialog);
     }
 
     void saysWhatCannotBeWritten()

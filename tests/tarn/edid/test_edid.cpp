@@ -102,7 +102,7 @@ private Q_SLOTS:
     void agreesWithTheReference_data()
     {
         QTest::addColumn<QString>("path");
-        const QDir folder(QFINDTESTDATA("../../../fuzz/corpus/edid"));
+        const QDir folder(QFINDTESTDATA("../fuzz/corpus/edid"));
         for (const QString& name : folder.entryList(QDir::Files))
             QTest::newRow(qPrintable(name)) << folder.filePath(name);
     }
@@ -139,7 +139,7 @@ private Q_SLOTS:
 private:
     static QByteArray ownDisplay(const char* name)
     {
-        return contentOf(QFINDTESTDATA(QStringLiteral("../../../fuzz/corpus/edid/") + QLatin1String(name)));
+        return contentOf(QFINDTESTDATA(QStringLiteral("../fuzz/corpus/edid/") + QLatin1String(name)));
     }
 };
 
