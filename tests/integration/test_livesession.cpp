@@ -157,15 +157,14 @@ private Q_SLOTS:
                               << "127.0.0.1";
         QTest::newRow("IPv6 only") << "::1"
                                    << "::1";
-        QTest::newRow("IPv6, as in a URL")
-            << "::1" for (const QHostAddress& address : QNetworkInterface::allAddresses())
-        {
+        QTest::newRow("IPv6, as in a URL") << "::1"
+                                           << "[::1]";
+        for (const QHostAddress& address : QNetworkInterface::allAddresses()) {
             if (address.isLinkLocal() && address.protocol() == QAbstractSocket::IPv6Protocol) {
                 QTest::newRow("IPv6 of a link alone") << address.toString() << address.toString();
                 break; // not every machine has one
             }
         }
-        << "[::1]";
     }
 
     void playsAndShowsThePicture()

@@ -366,7 +366,7 @@ def main(root, program):
     same("the property that clients write,", document.writable, writable(root))
     same("the argument", document.arguments, arguments(root))
     same("the route", document.routes, routes(root))
-    same("the query", document.queries, re.findall(r'queryValue\([^,]+, "(\w+)"', sources(root)))
+    same("the query", document.queries, re.findall(r'(?:queryValue|hasValue)\([^,"]+, "(\w+)"', sources(root)))
     same("the message of the WebSocket", re.findall(r"`(metadata-\w+)`", document.text),
          re.findall(r'"(metadata-\w+)"', sources(root)))
     same("the status", document.statuses, statuses(root))
