@@ -299,10 +299,41 @@ def gallery(options):
             check=True)
 
 
+class Neighbours:
+    """Servers that are found and do nothing else, on addresses of the loopback interface."""
+
+    GROUP = "239.255.110.60"
+
+    def __init__(self, peers):
+        self.ear = socket.socket(socket.AF_INET, socket.SOCK_DGRAM)
+        self.ear.setsockopt(socket.SOL_SOCKET, socket.SO_REUSEADDR, 1)
+        self.ear.bind((self.GROUP, 11062))
+        self.ear.setsockopt(socket.IPPROTO_IP, socket.IP_ADD_MEMBERSHIP,
+                            socket.inet_aton(self.GROUP) + socket.inet_aton("127.0.0.1"))
+        self.mouths = []
+        for number, peer in enumerate(peers):
+            mouth = socket.socket(socket.AF_INET, socket.SOCK_DGRAM)
+            mouth.bind((f"127.0.0.{number + 2}", 0))
+            self.mouths.append((mouth, json.dumps({"peer": {"id": str(number), **peer}}).encode()))
+        threading.Thread(target=self.answer, daemon=True).start()
+
+    def answer(self):
+        while True:
+            asker = self.ear.recvfrom(1400)[1]
+            for mouth, text in self.mouths:
+                mouth.sendto(text, asker)
+
+
 def connect(options, name, **how):
-    with Window(options, connect=False, **how) as window:
-        window.robot.find("ConnectDialog")
-        time.sleep(3)
+    ports = options.server[options.server.index("--connect") + 2:]
+    link = ports[ports.index("--link-port") + 1]
+    Neighbours([{"name": "foyer", "version": "0.1.0", "link": link, "program": "Walk-in loop", "state": "play"},
+                {"name": "rehearsal", "version": "0.1.0", "link": link},
+                {"name": "stage-left", "version": "0.1.0", "link": link, "program": "Opening", "state": "pause"}])
+    with Window(options, server=ports, **how) as window:
+        wait(lambda: window.cell("ConnectDialog-servers-view", 2, 0), "the servers")
+        window.robot.mouse("click", window.cell("ConnectDialog-servers-view", 1, 0))
+        window.rest()
         window.shoot(options.out / f"{name}.png")
 
 
