@@ -181,7 +181,7 @@ void MediaDropPrivate::saveStillImages(const QList<StillImage>& stills, int coll
         media.setDuration(still.durationSeconds);
         media.setDurationType(still.hasInfiniteDuration ? MediaDurationType::Infinite
                                                         : MediaDurationType::Manual);
-        medias.append(media);
+        medias.append(std::move(media));
     }
     m_creator->mediaCollectionManager()->addMedias(collection, slot, medias);
     for (const StillImage& still : stills)

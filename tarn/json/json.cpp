@@ -220,8 +220,9 @@ void Json::set(std::string_view key, Json value)
     if (!isObject())
         return;
     const JsonName name(key);
-    if (JsonTree::find(*this, name)) {
-        *JsonTree::edit(*this, name) = std::move(value);
+    if (const Json* old = JsonTree::find(*this, name)) {
+        if (!old->sameNode(value))
+            *JsonTree::edit(*this, name) = std::move(value);
     } else if (utf8::isValid(key)) {
         Json member[2] = {JsonTree::makeKey(key), std::move(value)};
         JsonTree::insert(*this, JsonTree::Place(name), member);

@@ -130,7 +130,8 @@ public:
     // Objects. Members are kept, walked and written in byte order of their names.
     const Json* find(std::string_view key) const noexcept; // null when absent, or when this is no object
     Json get(std::string_view key) const;                  // null value when absent
-    /// Sets a member. A null becomes an object; on any other type nothing happens.
+    /// Sets a member; what it holds already costs no copy. A null becomes an object; on any other type
+    /// nothing happens.
     void set(std::string_view key, Json value);
     bool erase(std::string_view key);
     /// A member to change in its place, null when absent; good until this value is changed or copied.

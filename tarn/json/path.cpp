@@ -31,6 +31,10 @@ bool unescape(std::string_view text, std::string& out)
 void appendEscaped(std::string& out, std::string_view element)
 {
     out += '/';
+    if (element.find_first_of("~/") == std::string_view::npos) {
+        out += element;
+        return;
+    }
     for (const char c : element) {
         if (c == '~')
             out += "~0";
@@ -137,6 +141,7 @@ Path PathView::toPath() const
 std::string PathView::toString() const
 {
     std::string text;
+    text.reserve(16 * m_size);
     for (const PathElement& element : *this)
         appendEscaped(text, element.text());
     return text;

@@ -63,10 +63,7 @@ bool MediaCollection::parseJson(const Json& json, std::string* error)
 
 const Json& MediaCollection::toJson() const
 {
-    const Json& slots = m_slots.toJson();
-    const Json* old = m_json.find("slots");
-    if (!old || !old->sameNode(slots))
-        m_json.set("slots", slots);
+    m_json.set("slots", m_slots.toJson());
     return m_json;
 }
 

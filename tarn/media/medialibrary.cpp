@@ -33,13 +33,8 @@ MediaLibrary::~MediaLibrary() = default;
 
 const Json& MediaLibrary::currentJson() const
 {
-    const auto write = [this](std::string_view key, const Json& value) {
-        const Json* old = m_json.find(key);
-        if (!old || !old->sameNode(value))
-            m_json.set(key, value);
-    };
-    write("collections", m_collections.toJson());
-    write("playlists", m_playlists.toJson());
+    m_json.set("collections", m_collections.toJson());
+    m_json.set("playlists", m_playlists.toJson());
     return m_json;
 }
 

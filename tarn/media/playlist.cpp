@@ -65,10 +65,7 @@ bool Playlist::parseJson(const Json& json, std::string* error)
 
 const Json& Playlist::toJson() const
 {
-    const Json& entries = m_entries.toJson();
-    const Json* old = m_json.find("entries");
-    if (!old || !old->sameNode(entries))
-        m_json.set("entries", entries);
+    m_json.set("entries", m_entries.toJson());
     return m_json;
 }
 

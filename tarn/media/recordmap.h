@@ -101,14 +101,10 @@ private:
     {
         const std::string text = keyText(key);
         const Record* record = m_map.get(key);
-        if (!record) {
+        if (record)
+            m_json.set(text, record->toJson());
+        else
             m_json.erase(text);
-            return;
-        }
-        const Json value = record->toJson();
-        const Json* old = m_json.find(text);
-        if (!old || !old->sameNode(value))
-            m_json.set(text, value);
     }
 
     mutable Json m_json;
