@@ -30,13 +30,13 @@ public:
     int restart();
     /// All that it wrote since its last start, its log included.
     QString output() const;
+    /// The first complaint of a declarative view in it, with its file and line; empty when there is none.
+    QString declarativeComplaint() const;
     /// The file that its settings stand in, for a test that writes some before the start.
     QString settingsFile() const;
 
 private:
     QString outputFile() const;
-    /// The first of a declarative view in the log, with its file and line; empty when there is none.
-    QString declarativeComplaint() const;
 
     QProcess m_process;
     QTemporaryDir m_home;
