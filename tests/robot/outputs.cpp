@@ -161,6 +161,9 @@ private:
     void choose(const QString& format)
     {
         const QString menu = dialog + QStringLiteral("-format");
+        // A desktop gives the window below a closed dialog the keys by itself.
+        m_robot.ask(
+            {{QStringLiteral("operation"), QStringLiteral("raise")}, {QStringLiteral("objectName"), dialog}});
         m_robot.ask(
             {{QStringLiteral("operation"), QStringLiteral("focus")}, {QStringLiteral("objectName"), menu}});
         m_robot.key(QStringLiteral("Home"));
