@@ -7,7 +7,7 @@
 #include "ombra/link/linkserver.h"
 #include "ombra/outputs/outputs.h"
 #include "ombra/preview/previewserver.h"
-#include "ombra/rest/eventtext.h"
+#include "ombra/rest/eventteller.h"
 #include "ombra/rest/httpserver.h"
 #include "ombra/rest/mediadata.h"
 #include "ombra/rest/restapi.h"
@@ -114,14 +114,17 @@ bool Server::start(std::string* error)
     startEngine();
     countSeconds();
     m_settings->apply(m_store->settings(), SceneSettings::sections());
-    m_store->addLibraryListener([this](const Patch& patch) {
+    m_teller = std::make_unique<EventTeller>(
+        m_io, [this](const EventTeller::Message& message) { m_http->broadcastStream(message); });
+    m_store->addLibraryListener([this](const ShowStore::Difference& difference) {
         m_engine->libraryChanged();
-        m_http->broadcastStream(eventStreamMessage(patch, m_store->libraryRevision()));
+        m_teller->tell(difference, m_store->libraryRevision());
     });
     m_prober = std::make_unique<SlotProber>(m_io, m_options.media, *m_store);
     watchMedia();
     m_prober->probeAll(); // what the first start had no time for, and what came and went meanwhile
-    m_store->addLibraryListener([this](const Patch& patch) { m_prober->probeEdited(patch); });
+    m_store->addLibraryListener(
+        [this](const ShowStore::Difference& difference) { m_prober->probeEdited(difference); });
     return true;
 }
 

@@ -20,6 +20,7 @@ namespace vantrel::ombra {
 
 class CurrentShow;
 class Engine;
+class EventTeller;
 class FtpService;
 class HttpServer;
 class LinkServer;
@@ -93,6 +94,7 @@ private:
     std::unique_ptr<MediaData> m_mediaData;
     std::unique_ptr<RestApi> m_rest;
     std::unique_ptr<HttpServer> m_http;
+    std::unique_ptr<EventTeller> m_teller;
     std::unique_ptr<LinkServer> m_link;
     std::unique_ptr<MediaWatcher> m_watcher;
     std::unique_ptr<NetworkResponder> m_responder;

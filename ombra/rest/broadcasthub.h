@@ -21,9 +21,8 @@ class BroadcastHub
 public:
     void add(const std::shared_ptr<Subscriber>& subscriber) { m_subscribers.push_back(subscriber); }
 
-    void broadcast(const std::string& text)
+    void broadcast(const std::shared_ptr<const std::string>& message)
     {
-        const auto message = std::make_shared<const std::string>(text);
         std::erase_if(m_subscribers, [](const auto& weak) { return weak.expired(); });
         const auto all = m_subscribers; // one that fails may go meanwhile
         for (const auto& weak : all) {

@@ -56,14 +56,14 @@ bool HttpServer::accept(boost::asio::ip::tcp::socket socket)
     return true;
 }
 
-void HttpServer::broadcastStream(const std::string& message)
+void HttpServer::broadcastStream(const std::shared_ptr<const std::string>& message)
 {
     m_streams->broadcast(message);
 }
 
 void HttpServer::showLife()
 {
-    broadcastStream(":\n\n"); // a comment: no message
+    broadcastStream(std::make_shared<const std::string>(":\n\n")); // a comment: no message
     m_life.expires_after(lifeTick);
     m_life.async_wait([this, alive = std::weak_ptr(m_alive)](boost::system::error_code code) {
         if (!code && !alive.expired())
@@ -73,7 +73,7 @@ void HttpServer::showLife()
 
 void HttpServer::broadcastSocket(const std::string& message)
 {
-    m_sockets->broadcast(message);
+    m_sockets->broadcast(std::make_shared<const std::string>(message));
 }
 
 } // namespace vantrel::ombra

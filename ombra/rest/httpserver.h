@@ -49,7 +49,7 @@ public:
     unsigned short port() const;
 
     /// To all open event streams: a whole message with its empty line.
-    void broadcastStream(const std::string& message);
+    void broadcastStream(const std::shared_ptr<const std::string>& message);
     /// To all open WebSockets: one text message.
     void broadcastSocket(const std::string& message);
 

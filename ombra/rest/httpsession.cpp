@@ -262,7 +262,7 @@ void HttpSession::refuse(beast::error_code code)
     if (code == http::error::end_of_stream || code == http::error::partial_message)
         return close();
     m_closing = true;
-    answer(httpError(status, code.message()));
+    answer(httpError(status, status == 413 ? "The body is larger than is taken here." : code.message()));
 }
 
 void HttpSession::answer(HttpReply reply)

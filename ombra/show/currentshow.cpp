@@ -20,7 +20,7 @@ CurrentShow::CurrentShow(boost::asio::io_context& io, Scene& scene, ShowStore& s
     if (m_name.empty())
         m_name = unnamed;
     write("showName", Variant::from(m_name));
-    m_store.addLibraryListener([this](const Patch&) { touch(); });
+    m_store.addLibraryListener([this](const ShowStore::Difference&) { touch(); });
     m_store.setSettingsListener([this] { touch(); });
 }
 

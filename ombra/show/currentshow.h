@@ -27,6 +27,7 @@ public:
     const std::string& name() const noexcept { return m_name; }
     /// What is saved under the name: a show's library and settings. An empty library where nothing is.
     void setSaved(const std::string& name, const Json& library, const Json& settings);
+    const Json& savedLibrary() const noexcept { return m_savedLibrary; }
 
 private:
     void touch();

@@ -4,6 +4,7 @@
 #include "ombra/show/showstore.h"
 #include "tarn/log/log.h"
 #include "tarn/media/playenums.h"
+#include "tarn/scene/variantjson.h"
 
 #include <map>
 #include <string_view>
@@ -144,6 +145,21 @@ Json SceneSettings::chosen(const Json& settings, const std::set<std::string>& se
         return true;
     });
     return found;
+}
+
+std::string SceneSettings::misfit(const Json& settings, const std::set<std::string>& sections) const
+{
+    std::string sentence;
+    settings.forEachMember([&](std::string_view path, const Json& value) {
+        const char* section = sectionAt(path);
+        if (!section || !sections.contains(section) || value.isNull())
+            return true;
+        const VariantType type = m_scene.find(path).property()->type;
+        if (variantFromJson(value, type).converted(type).type() != type)
+            sentence = "The show's value for " + std::string(path) + " is no " + toStr(type) + ".";
+        return sentence.empty();
+    });
+    return sentence;
 }
 
 void SceneSettings::applyOne(std::string_view path, const Json& value, const std::set<std::string>& sections)

@@ -36,6 +36,8 @@ public:
     Json current() const;
     /// Those of the settings that belong to these sections and can stand in this scene.
     Json chosen(const Json& settings, const std::set<std::string>& sections) const;
+    /// Which of those has a value of another kind than stands there, as a sentence; empty when none has.
+    std::string misfit(const Json& settings, const std::set<std::string>& sections) const;
     /// Plays nothing and sets what belongs to playback and audio to its defaults.
     void resetPlayback();
 

@@ -17,6 +17,7 @@ static_assert(largest > librarysize::limit);
 /// before anybody can tell what it is for.
 constexpr std::ptrdiff_t mostValues = 24'000'000;
 constexpr std::ptrdiff_t mostRecords = 3'000'000;
+constexpr std::size_t mostSettings = 10'000;
 
 } // namespace
 
@@ -37,18 +38,25 @@ std::string textOf(const Json& show)
 Reading read(const std::string& text)
 {
     Reading reading;
-    if (std::ranges::count(text, '{') > mostRecords || std::ranges::count(text, ',') > mostValues) {
-        reading.status = 413;
-        reading.error = "The file holds more than a show may have.";
+    const auto refuse = [&reading](unsigned status, const std::string& sentence) {
+        reading.status = status;
+        reading.error = sentence;
         return reading;
-    }
+    };
+    constexpr const char* tooMuch = "The file holds more than a show may have.";
+    if (std::ranges::count(text, '{') > mostRecords || std::ranges::count(text, ',') > mostValues)
+        return refuse(413, tooMuch);
     std::string why;
-    if (!Json::parseString(text, reading.show, &why) ||
-        reading.show.get("format").stringView() != formatName) {
-        reading.status = 400;
-        reading.error = "This is no show file" + (why.empty() ? why : ": " + why) + ".";
-        return reading;
-    }
+    if (!Json::parseString(text, reading.show, &why) || reading.show.get("format").stringView() != formatName)
+        return refuse(400, "This is no show file" + (why.empty() ? why : ": " + why) + ".");
+    const Json number = reading.show.get("version");
+    if (number.type() != JsonType::Int || number.asInt() < 1)
+        return refuse(400, "This is no show file: its version is no whole number from 1 on.");
+    const Json* settings = reading.show.find("settings");
+    if (settings && !settings->isObject())
+        return refuse(400, "This is no show file: its settings are no object.");
+    if (settings && settings->size() > mostSettings)
+        return refuse(413, tooMuch);
     reading.library.parseJson(reading.show.get("library"), &reading.libraryError);
     return reading;
 }

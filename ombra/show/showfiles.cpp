@@ -4,7 +4,6 @@
 #include "ombra/show/currentshow.h"
 #include "ombra/show/missingmedia.h"
 #include "ombra/show/scenesettings.h"
-#include "ombra/show/showstore.h"
 
 #include <boost/asio/post.hpp>
 
@@ -178,6 +177,9 @@ void ShowFiles::check(const SharedChange& change)
                    {}};
     else if (hasLibrary && !file.libraryError.empty())
         outcome = {422, sentenceOf("The show's library cannot be used: " + file.libraryError), {}};
+    else if (const std::string misfit = m_parts.settings.misfit(file.show.get("settings"), change->sections);
+             !misfit.empty())
+        outcome = {422, misfit, {}};
     if (outcome.status != 200)
         return finish(change->done, outcome);
     if (!hasLibrary || change->forced)
@@ -234,10 +236,44 @@ void ShowFiles::replace(const SharedChange& change)
                 m_parts.current.setSaved(change->name, m_parts.store.library().toJson(),
                                          m_parts.settings.current());
             finish(change->done, {});
+            letGo(change);
         };
-        const MediaLibrary& library =
-            change->sections.contains("medialibrary") ? change->file->library : m_parts.store.latestLibrary();
-        m_parts.store.replaceShow(library, saved, replaced);
+        put(change->sections.contains("medialibrary") ? std::optional(change->file->library) : std::nullopt,
+            saved, replaced);
+    });
+}
+
+/// What a show comes to as an edit is worked out aside, and anew where somebody edits meanwhile; at last on
+/// this thread, where nobody does. No library: the one that there is.
+void ShowFiles::put(const std::optional<MediaLibrary>& library, const Json& settings,
+                    const ShowStore::Answer& answer, int tries)
+{
+    const auto work = [library, settings, present = m_parts.store.latestLibrary(),
+                       saved = m_parts.current.savedLibrary()] {
+        return std::make_shared<const ShowEdit>(present, library ? *library : present, saved, settings);
+    };
+    const auto take = [this, answer](const std::shared_ptr<const ShowEdit>& edit) {
+        return m_parts.store.replaceShow(*edit, [this, edit, answer](const EditResult& result) {
+            answer(result);
+            letGo(edit);
+        });
+    };
+    if (tries == 0) {
+        take(work());
+        return;
+    }
+    aside(work, [this, library, settings, answer, take, tries](const std::shared_ptr<const ShowEdit>& edit) {
+        if (!take(edit))
+            put(library, settings, answer, tries - 1);
+    });
+}
+
+/// To free a large library takes time as well: on the disk's thread, once nobody here holds it any more.
+void ShowFiles::letGo(std::shared_ptr<const void> library)
+{
+    boost::asio::post(m_io, [this, alive = std::weak_ptr(m_alive), library = std::move(library)]() mutable {
+        if (!alive.expired())
+            boost::asio::post(m_disk, [library = std::move(library)] {});
     });
 }
 
@@ -298,7 +334,7 @@ void ShowFiles::clear(const Done& done)
     keepCopy("clear", [this, done](const std::string& error) {
         if (!error.empty())
             return finish(done, {507, error, {}});
-        m_parts.store.replaceLibrary(MediaLibrary(), [this, done](const EditResult& result) {
+        put(MediaLibrary(), Json::object(), [this, done](const EditResult& result) {
             if (result.status != EditResult::Status::Saved)
                 return finish(done, {statusOf(result), sentenceOf(result.message), {}});
             m_parts.outputs.reset();

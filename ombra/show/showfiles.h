@@ -2,6 +2,7 @@
 
 #include "ombra/show/showfile.h"
 #include "ombra/show/showfolder.h"
+#include "ombra/show/showstore.h"
 
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/steady_timer.hpp>
@@ -11,6 +12,7 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -20,7 +22,6 @@ namespace vantrel::ombra {
 class CurrentShow;
 class Outputs;
 class SceneSettings;
-class ShowStore;
 
 /// Whole shows: saved under names, taken back, imported and cleared, one after the other, each whole or not
 /// at all. Of what a change takes away a copy is kept first, and one every hour. The disk is asked on a
@@ -102,6 +103,9 @@ private:
     void keepCopy(const std::string& before, std::function<void(const std::string& error)> then,
                   int tries = 3);
     void replace(const SharedChange& change);
+    void put(const std::optional<MediaLibrary>& library, const Json& settings,
+             const ShowStore::Answer& answer, int tries = 3);
+    void letGo(std::shared_ptr<const void> library);
     void clear(const Done& done);
     void save(const std::string& name, const Done& done);
     void readSaved();

@@ -21,6 +21,12 @@ std::uint64_t firstRevision()
     return static_cast<std::uint64_t>(std::chrono::duration_cast<std::chrono::microseconds>(now).count());
 }
 
+EditResult tooLarge()
+{
+    return {EditResult::Status::TooLarge, "the library would be larger than " +
+                                              std::to_string(librarysize::limit / (1024 * 1024)) + " MiB"};
+}
+
 } // namespace
 
 ShowStore::ShowStore(boost::asio::io_context& io, std::filesystem::path stateFolder)
@@ -60,20 +66,19 @@ bool ShowStore::open(const std::function<MediaLibrary()>& makeInitial, std::stri
     return true;
 }
 
+bool ShowStore::isTooLarge(std::size_t bytes) const
+{
+    return bytes > librarysize::limit && bytes > m_latestBytes; // one that was too large may shrink
+}
+
 /// Makes the edit part of the latest library, if it can be.
 EditResult ShowStore::accept(const Patch& patch)
 {
-    const EditResult tooLarge{EditResult::Status::TooLarge,
-                              "the library would be larger than " +
-                                  std::to_string(librarysize::limit / (1024 * 1024)) + " MiB"};
-    const auto isTooLarge = [this](std::size_t bytes) {
-        return bytes > librarysize::limit && bytes > m_latestBytes; // one that was too large may shrink
-    };
     const Json before = m_latest.toJson();
     Json document = before;
     // Before the records are read: that takes time for each, and a patch of copies makes millions.
     if (patch.apply(document) && isTooLarge(librarysize::after(m_latestBytes, before, document)))
-        return tooLarge;
+        return tooLarge();
     MediaLibrary after(m_latest);
     EditResult result;
     const int code = after.applyDiff(patch, &result.message);
@@ -87,7 +92,7 @@ EditResult ShowStore::accept(const Patch& patch)
         return result;
     const std::size_t bytes = librarysize::after(m_latestBytes, before, after.toJson());
     if (isTooLarge(bytes))
-        return tooLarge;
+        return tooLarge();
     m_latest = after;
     m_latestBytes = bytes;
     return result;
@@ -95,59 +100,68 @@ EditResult ShowStore::accept(const Patch& patch)
 
 void ShowStore::patchLibrary(const Patch& patch, Answer answer)
 {
-    edit(patch, Json::object(), std::move(answer));
-}
-
-void ShowStore::edit(const Patch& patch, const Json& settings, Answer answer)
-{
     const Json before = m_latest.toJson();
     const EditResult accepted = accept(patch);
     if (accepted.status != EditResult::Status::Saved)
         return answer(accepted);
     Patch difference;
     Patch::diff(before, m_latest.toJson(), difference);
-    m_latestRevision += difference.empty() ? 0 : 1;
-    Json entry = Json::object({{"library", patch.toJson()}});
-    Json old = Json::object();
-    if (settings.size() > 0) {
-        flushSettings(); // what was set before comes before
-        entry.set("settings", settings);
-        settings.forEachMember([&](std::string_view path, const Json&) {
-            old.set(path, m_settings.get(path));
-            return true;
-        });
-        setSettings(settings);
-    }
-    auto after = std::make_shared<MediaLibrary>(m_latest);
-    save(entry, [this, difference, after, old, revision = m_latestRevision, bytes = m_latestBytes,
-                 answer = std::move(answer)](bool ok, const std::string& error) {
-        ok ? librarySaved(difference, *after, revision, bytes) : setSettings(old);
-        answer({ok ? EditResult::Status::Saved : EditResult::Status::NotSaved, error, revision});
-    });
+    saveLatest(
+        encodeJournalLine(journalEntry(patch, {})), std::make_shared<const Patch>(std::move(difference)),
+        [] {}, std::move(answer));
 }
 
-/// A null takes a setting out.
-void ShowStore::setSettings(const Json& settings)
+void ShowStore::replaceLibrary(const MediaLibrary& library, Answer answer)
 {
-    settings.forEachMember([this](std::string_view path, const Json& value) {
+    Patch patch;
+    Patch::diff(m_latest.toJson(), library.toJson(), patch);
+    patchLibrary(patch, std::move(answer));
+}
+
+bool ShowStore::replaceShow(const ShowEdit& show, Answer answer)
+{
+    if (!show.before.toJson().sameNode(m_latest.toJson()))
+        return false;
+    if (isTooLarge(show.bytes)) {
+        answer(tooLarge());
+        return true;
+    }
+    m_latest = show.library;
+    m_latestBytes = show.bytes;
+    flushSettings(); // what was set before comes before
+    const Json old = setSettings(show.settings);
+    saveLatest(
+        show.line, show.difference, [this, old] { setSettings(old); }, std::move(answer));
+    return true;
+}
+
+/// Writes down what m_latest has become; undo: of what else was changed, where that is not to be had.
+void ShowStore::saveLatest(std::string line, const Difference& difference, std::function<void()> undo,
+                           Answer answer)
+{
+    m_latestRevision += difference->empty() ? 0 : 1;
+    auto after = std::make_shared<MediaLibrary>(m_latest);
+    save(std::move(line),
+         [this, difference, after, undo = std::move(undo), revision = m_latestRevision, bytes = m_latestBytes,
+          answer = std::move(answer)](bool ok, const std::string& error) {
+             ok ? librarySaved(difference, *after, revision, bytes) : undo();
+             answer({ok ? EditResult::Status::Saved : EditResult::Status::NotSaved, error, revision});
+         });
+}
+
+/// A null takes a setting out. Returns what they were.
+Json ShowStore::setSettings(const Json& settings)
+{
+    Json old = Json::object();
+    settings.forEachMember([&](std::string_view path, const Json& value) {
+        old.set(path, m_settings.get(path));
         if (value.isNull())
             m_settings.erase(path);
         else
             m_settings.set(path, value);
         return true;
     });
-}
-
-void ShowStore::replaceLibrary(const MediaLibrary& library, Answer answer)
-{
-    replaceShow(library, Json::object(), std::move(answer));
-}
-
-void ShowStore::replaceShow(const MediaLibrary& library, const Json& settings, Answer answer)
-{
-    Patch patch;
-    Patch::diff(m_latest.toJson(), library.toJson(), patch);
-    edit(patch, settings, std::move(answer));
+    return old;
 }
 
 void ShowStore::changeSetting(const std::string& path, const Json& value)
@@ -178,21 +192,22 @@ void ShowStore::flushSettings()
 void ShowStore::submitSettings()
 {
     const Json changed = std::exchange(m_changedSettings, Json::object());
-    save(Json::object({{"settings", changed}}), [this, changed](bool ok, const std::string&) {
-        if (ok)
-            return;
-        changed.forEachMember([this](std::string_view path, const Json&) {
-            m_changedSettings.set(path, m_settings.get(path)); // until the disk takes them
-            return true;
-        });
-    });
+    save(encodeJournalLine(Json::object({{"settings", changed}})),
+         [this, changed](bool ok, const std::string&) {
+             if (ok)
+                 return;
+             changed.forEachMember([this](std::string_view path, const Json&) {
+                 m_changedSettings.set(path, m_settings.get(path)); // until the disk takes them
+                 return true;
+             });
+         });
 }
 
-void ShowStore::save(const Json& entry, std::function<void(bool, const std::string&)> done)
+void ShowStore::save(std::string line, std::function<void(bool, const std::string&)> done)
 {
     ShowWriter::Job job;
     job.epoch = m_epoch;
-    job.line = encodeJournalLine(entry);
+    job.line = std::move(line);
     job.library = m_latest.toJson();
     job.settings = m_settings;
     job.done = [this, alive = std::weak_ptr(m_alive), epoch = m_epoch,
@@ -240,12 +255,12 @@ void ShowStore::setTrouble(const std::string& why)
     });
 }
 
-void ShowStore::librarySaved(const Patch& difference, const MediaLibrary& after, std::uint64_t revision,
+void ShowStore::librarySaved(const Difference& difference, const MediaLibrary& after, std::uint64_t revision,
                              std::size_t bytes)
 {
     *m_library = after;
     m_libraryBytes = bytes;
-    if (difference.empty())
+    if (difference->empty())
         return;
     m_revision = revision;
     for (const LibraryListener& listener : m_listeners)

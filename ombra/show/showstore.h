@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ombra/show/showdisk.h"
+#include "ombra/show/showedit.h"
 #include "ombra/show/showwriter.h"
 #include "tarn/json/patch.h"
 #include "tarn/media/medialibrary.h"
@@ -32,7 +33,8 @@ class ShowStore
 {
 public:
     using Answer = std::function<void(const EditResult&)>;
-    using LibraryListener = std::function<void(const Patch&)>;
+    using Difference = std::shared_ptr<const Patch>;
+    using LibraryListener = std::function<void(const Difference&)>;
 
     ShowStore(boost::asio::io_context& io, std::filesystem::path stateFolder);
     /// Saves what was accepted; no answer is called any more.
@@ -62,8 +64,9 @@ public:
     void patchLibrary(const Patch& patch, Answer answer);
     /// Replaces the whole; listeners get what differs.
     void replaceLibrary(const MediaLibrary& library, Answer answer);
-    /// Library and settings by one edit: both are saved, or neither. Settings that are not named stay.
-    void replaceShow(const MediaLibrary& library, const Json& settings, Answer answer);
+    /// Library and settings by one edit: both are saved, or neither. Settings that are not named stay. False,
+    /// and no answer comes, where the library has been edited since the edit was made: make it anew.
+    bool replaceShow(const ShowEdit& show, Answer answer);
     void changeSetting(const std::string& path, const Json& value);
 
     /// Called after each saved edit of the library that changed something, with what is different now:
@@ -88,10 +91,12 @@ private:
     };
 
     EditResult accept(const Patch& patch);
-    void edit(const Patch& patch, const Json& settings, Answer answer);
-    void setSettings(const Json& settings);
-    void save(const Json& entry, std::function<void(bool, const std::string&)> done);
-    void librarySaved(const Patch& difference, const MediaLibrary& after, std::uint64_t revision,
+    bool isTooLarge(std::size_t bytes) const;
+    void saveLatest(std::string line, const Difference& difference, std::function<void()> undo,
+                    Answer answer);
+    Json setSettings(const Json& settings);
+    void save(std::string line, std::function<void(bool, const std::string&)> done);
+    void librarySaved(const Difference& difference, const MediaLibrary& after, std::uint64_t revision,
                       std::size_t bytes);
     void goBack(std::uint64_t epoch);
     void flushSettings();

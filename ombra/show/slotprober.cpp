@@ -72,26 +72,25 @@ void SlotProber::probeUnsaved()
         probeAgain(url, false);
 }
 
-void SlotProber::probeEdited(const Patch& edit)
+void SlotProber::probeEdited(const std::shared_ptr<const Patch>& edit)
 {
-    const bool all = std::ranges::any_of(edit, [](const PatchOp& op) {
-        const bool brings = op.op != PatchOpType::Remove && op.op != PatchOpType::Test;
-        return brings && (op.path.empty() || (op.path.size() == 1 && op.path[0].text() == "collections"));
+    const auto brings = [](const PatchOp& op) {
+        return op.op != PatchOpType::Remove && op.op != PatchOpType::Test;
+    };
+    const bool all = std::ranges::any_of(*edit, [&](const PatchOp& op) {
+        return brings(op) && (op.path.empty() || (op.path.size() == 1 && op.path[0].text() == "collections"));
     });
     if (all)
         return probeAll();
-    std::vector<Path> paths;
-    for (const PatchOp& op : edit) {
-        if (op.op != PatchOpType::Remove && op.op != PatchOpType::Test && op.path.size() > 1)
-            paths.push_back(op.path);
-    }
-    if (paths.empty())
+    if (std::ranges::none_of(*edit, brings))
         return;
     // The worker finds the slots: an edit may bring very many.
-    boost::asio::post(m_worker, [this, alive = std::weak_ptr(m_alive), paths = std::move(paths),
+    boost::asio::post(m_worker, [this, alive = std::weak_ptr(m_alive), edit, brings,
                                  collections = m_store.library().getCollections()] {
-        for (const Path& path : paths)
-            lookBelow(path, collections);
+        for (const PatchOp& op : *edit) {
+            if (brings(op) && op.path.size() > 1)
+                lookBelow(op.path, collections);
+        }
         handIn(alive);
     });
 }

@@ -42,7 +42,7 @@ public:
     void probeUnsaved();
 
     /// The slots that a saved edit brought in, or gave other media.
-    void probeEdited(const Patch& edit);
+    void probeEdited(const std::shared_ptr<const Patch>& edit);
 
 private:
     struct Found

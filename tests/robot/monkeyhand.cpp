@@ -227,8 +227,6 @@ QString MonkeyHand::hotkey()
     if (names.isEmpty())
         return QStringLiteral("no keymap");
     const QString name = names[random(int(names.size()))];
-    if (name == QLatin1String("export_show")) // asks the desktop for a file
-        return QStringLiteral("no export");
     const QString sequence = keymap[name].toString();
     return sequence.isEmpty() ? QStringLiteral("no key for ") + name : key(sequence);
 }

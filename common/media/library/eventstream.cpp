@@ -9,15 +9,20 @@ namespace vantrel {
 
 EventStream::State EventStream::assemble(const QByteArray& piece)
 {
-    if (m_buffer.size() + piece.size() > maxBuffered) {
-        m_buffer = QByteArray();
-        m_message = QByteArray();
+    if (m_passed + m_buffer.size() + piece.size() > maxBuffered) {
+        *this = EventStream();
         return State::Overflow;
     }
     // While much comes in, pieces end within messages: what is whole does not wait for the rest.
     const qsizetype from = std::max<qsizetype>(0, m_buffer.size() - 1);
     m_buffer.append(piece);
-    return m_buffer.indexOf("\n\n", from) >= 0 ? State::Complete : State::Waiting;
+    if (m_buffer.indexOf("\n\n", from) >= 0)
+        return State::Complete;
+    if (m_buffer.size() > maxMessage) {
+        m_passed += m_buffer.size() - 1;
+        m_buffer = m_buffer.right(1); // half of a boundary
+    }
+    return State::Waiting;
 }
 
 void EventStream::parse(const std::function<void(const QByteArray& data)>& onMessage)
@@ -25,11 +30,21 @@ void EventStream::parse(const std::function<void(const QByteArray& data)>& onMes
     const qsizetype whole = m_buffer.lastIndexOf("\n\n") + 2;
     const QByteArray text = m_buffer.left(whole);
     m_buffer.remove(0, whole);
-    qsizetype start = 0;
-    while (start <= text.size()) {
-        qsizetype end = text.indexOf('\n', start);
-        if (end < 0)
-            end = text.size();
+    for (qsizetype start = 0; start < text.size();) {
+        const qsizetype end = text.indexOf("\n\n", start) + 2;
+        if (std::exchange(m_passed, 0) + end - start > maxMessage)
+            onMessage(QByteArray());
+        else
+            parseMessage(text.mid(start, end - start), onMessage);
+        start = end;
+    }
+}
+
+void EventStream::parseMessage(const QByteArray& text,
+                               const std::function<void(const QByteArray& data)>& onMessage)
+{
+    for (qsizetype start = 0; start < text.size();) {
+        const qsizetype end = text.indexOf('\n', start);
         if (end > start)
             parseLine(text.mid(start, end - start));
         else

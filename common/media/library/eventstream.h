@@ -11,7 +11,9 @@ namespace vantrel {
 class EventStream
 {
 public:
-    /// What may wait for the end of a message, in bytes.
+    /// What a message may have, in bytes. A larger one is passed over: to read it would hold the window.
+    static constexpr qsizetype maxMessage = 2 * 1024 * 1024;
+    /// What may come without the end of a message, in bytes.
     static constexpr qsizetype maxBuffered = 64 * 1024 * 1024;
 
     enum class State {
@@ -23,17 +25,19 @@ public:
     /// Costs what the piece costs.
     State assemble(const QByteArray& piece);
     /// Reads all messages that are whole, and keeps the beginning of the next. Each message's data lines go
-    /// to the handler, joined by line feeds.
+    /// to the handler, joined by line feeds; null data stand for a message that is passed over.
     void parse(const std::function<void(const QByteArray& data)>& onMessage);
 
     qsizetype buffered() const { return m_buffer.size(); }
 
 private:
+    void parseMessage(const QByteArray& text, const std::function<void(const QByteArray& data)>& onMessage);
     void parseLine(const QByteArray& line);
     void handleMessage(const std::function<void(const QByteArray& data)>& onMessage);
 
     QByteArray m_message;
     QByteArray m_buffer;
+    qsizetype m_passed = 0; // bytes that were dropped of the message that is coming in
 };
 
 } // namespace vantrel

@@ -117,4 +117,12 @@ LibraryChanges LibraryChanges::fromPatch(const Patch& patch)
     return changes;
 }
 
+bool LibraryChanges::isAnotherLibrary() const
+{
+    constexpr std::size_t many = 100;
+    return collectionsAdded.size() + collectionsRemoved.size() + playlistsAdded.size() +
+               playlistsRemoved.size() >
+           many;
+}
+
 } // namespace vantrel

@@ -33,6 +33,9 @@ struct LibraryChanges
     /// below a slot or an entry counts as its addition, a removal below a slot as nothing, a removal below an
     /// entry as that of the entry.
     static LibraryChanges fromPatch(const Patch& patch);
+
+    /// Whether so much came and went that whoever shows it is quicker to begin anew.
+    bool isAnotherLibrary() const;
 };
 
 } // namespace vantrel

@@ -31,12 +31,12 @@ LibraryReading LibraryReading::read(const QByteArray& body)
     return reading;
 }
 
-QFuture<LibraryReading> LibraryReading::start(const QByteArray& body)
+QFuture<LibraryReading> LibraryReading::start(const QByteArrayList& pieces)
 {
     const auto promise = std::make_shared<QPromise<LibraryReading>>();
     promise->start();
-    QThreadPool::globalInstance()->start([promise, body] {
-        promise->addResult(read(body));
+    QThreadPool::globalInstance()->start([promise, pieces] {
+        promise->addResult(read(pieces.join()));
         promise->finish();
     });
     return promise->future();

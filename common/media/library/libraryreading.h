@@ -2,7 +2,7 @@
 
 #include "tarn/ref.h"
 
-#include <QByteArray>
+#include <QByteArrayList>
 #include <QFuture>
 
 namespace vantrel {
@@ -23,8 +23,8 @@ struct LibraryReading
     QByteArray error;
 
     static LibraryReading read(const QByteArray& body);
-    /// The same on a worker thread.
-    static QFuture<LibraryReading> start(const QByteArray& body);
+    /// The same on a worker thread, of a body in pieces.
+    static QFuture<LibraryReading> start(const QByteArrayList& pieces);
 
     /// Keeps what a library held until all others have let go of it, and then frees it on a worker thread: a
     /// large one takes its time.

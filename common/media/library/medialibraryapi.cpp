@@ -15,6 +15,7 @@
 #include <QUuid>
 
 #include <algorithm>
+#include <memory>
 #include <string>
 #include <utility>
 
@@ -224,9 +225,13 @@ void MediaLibraryApi::loseStream()
 
 void MediaLibraryApi::onStreamData()
 {
-    if (!m_stream)
+    if (!m_stream || !m_stream->isOpen())
         return;
-    const QByteArray bytes = m_stream->readAll();
+    // Much that comes at once is taken in turns, in between which the window goes on.
+    constexpr qint64 inOneTurn = 256 * 1024;
+    const QByteArray bytes = m_stream->read(inOneTurn);
+    if (m_stream->bytesAvailable() > 0)
+        QMetaObject::invokeMethod(this, &MediaLibraryApi::onStreamData, Qt::QueuedConnection);
     // Only a server that says by comments that it is there is held to it.
     if (m_silence->isActive() || bytes.startsWith(':') || bytes.contains("\n:"))
         m_silence->start();
@@ -253,6 +258,8 @@ void MediaLibraryApi::receive(const QByteArray& bytes)
 
 void MediaLibraryApi::handleMessage(const QByteArray& data)
 {
+    if (data.isNull())
+        return missMessage();
     Json json;
     Patch patch;
     std::string error;
@@ -278,14 +285,32 @@ void MediaLibraryApi::handleMessage(const QByteArray& data)
         requestMediaLibrary();
 }
 
+/// What it said is in the library that is read after it.
+void MediaLibraryApi::missMessage()
+{
+    if (m_fetches + m_waits > 0)
+        m_isBehind = true;
+    else
+        requestMediaLibrary();
+}
+
 bool MediaLibraryApi::applyMediaLibraryPatch(const Patch& patch)
 {
+    const LibraryChanges changes = LibraryChanges::fromPatch(patch);
+    std::optional<LibraryReading::Remains> remains;
+    if (changes.isAnotherLibrary())
+        remains.emplace(*m_library);
     std::string error;
     if (m_library->applyDiff(patch, &error) != 0) {
         qCDebug(lcMedia) << "Patch does not fit the library: " << shortened(QByteArray::fromStdString(error));
         return false;
     }
-    emitLibraryChanges(LibraryChanges::fromPatch(patch));
+    if (remains) {
+        Q_EMIT mediaLibraryReplaced();
+        Q_EMIT mediaLibraryChanged();
+    } else {
+        emitLibraryChanges(changes);
+    }
     return true;
 }
 
@@ -388,11 +413,15 @@ void MediaLibraryApi::fetchLibrary()
         if (m_meanwhileBytes > EventStream::maxBuffered)
             reply->abort();
     });
+    // Taken as it comes: put together at once a large one would hold the window.
+    const auto pieces = std::make_shared<QByteArrayList>();
+    connect(reply, &QNetworkReply::readyRead, this, [reply, pieces] { pieces->append(reply->readAll()); });
     connect(reply, &QNetworkReply::finished, reply, &QObject::deleteLater);
-    connect(reply, &QNetworkReply::finished, this, [this, reply] { onLibraryReceived(reply); });
+    connect(reply, &QNetworkReply::finished, this,
+            [this, reply, pieces] { onLibraryReceived(reply, *pieces); });
 }
 
-void MediaLibraryApi::onLibraryReceived(QNetworkReply* reply)
+void MediaLibraryApi::onLibraryReceived(QNetworkReply* reply, const QByteArrayList& pieces)
 {
     if (reply->error() != QNetworkReply::NoError) {
         qCWarning(lcMedia) << "Failed to get media library " << reply->error();
@@ -403,17 +432,18 @@ void MediaLibraryApi::onLibraryReceived(QNetworkReply* reply)
         return;
     }
     const std::optional<qint64> revision = revisionOf(reply->rawHeader(QByteArrayLiteral("ETag")));
-    if (reply->bytesAvailable() <= LibraryReading::atOnce) {
-        onLibraryRead(LibraryReading::read(reply->readAll()), revision);
-        return;
-    }
+    qsizetype size = 0;
+    for (const QByteArray& piece : pieces)
+        size += piece.size();
+    if (size <= LibraryReading::atOnce)
+        return onLibraryRead(LibraryReading::read(pieces.join()), revision);
     auto* watcher = new QFutureWatcher<LibraryReading>(this);
     connect(watcher, &QFutureWatcherBase::finished, this, [this, watcher, revision] {
         const LibraryReading reading = watcher->result();
         watcher->deleteLater();
         onLibraryRead(reading, revision);
     });
-    watcher->setFuture(LibraryReading::start(reply->readAll()));
+    watcher->setFuture(LibraryReading::start(pieces));
 }
 
 void MediaLibraryApi::onLibraryRead(const LibraryReading& reading, std::optional<qint64> revision)
@@ -497,6 +527,8 @@ void MediaLibraryApi::fetchEnded()
         return;
     m_meanwhile.clear();
     m_meanwhileBytes = 0;
+    if (std::exchange(m_isBehind, false))
+        requestMediaLibrary();
 }
 
 bool MediaLibraryApi::replyToSdkJson(QNetworkReply* reply, Json* json)

@@ -9,6 +9,7 @@
 #include "tarn/media/playlist.h"
 #include "tarn/ref.h"
 
+#include <QByteArrayList>
 #include <QJsonDocument>
 #include <QList>
 #include <QObject>
@@ -126,7 +127,7 @@ private:
     QUrl buildUrl(const QString& path, const QString& query = {}) const;
     QNetworkRequest jsonRequest(const QString& path) const;
     void fetchLibrary();
-    void onLibraryReceived(QNetworkReply* reply);
+    void onLibraryReceived(QNetworkReply* reply, const QByteArrayList& pieces);
     void onLibraryRead(const LibraryReading& reading, std::optional<qint64> revision);
     void fetchEnded();
     void adoptLibrary(MediaLibrary& fetched, std::optional<qint64> revision);
@@ -136,6 +137,7 @@ private:
     void setReading(Reading reading);
     void onStreamData();
     void handleMessage(const QByteArray& data);
+    void missMessage();
     void emitLibraryChanges(const LibraryChanges& changes);
     void emitCollectionChanges(const LibraryChanges& changes);
     void emitPlaylistChanges(const LibraryChanges& changes);
@@ -157,8 +159,9 @@ private:
     std::vector<Message> m_meanwhile;
     qsizetype m_meanwhileBytes = 0;
     int m_fetches = 0;
-    int m_waits = 0;       // fetches that wait for the stream to open
-    bool m_isDeaf = false; // the stream is lost
+    int m_waits = 0;         // fetches that wait for the stream to open
+    bool m_isBehind = false; // a message was passed over since the last fetch began
+    bool m_isDeaf = false;   // the stream is lost
     std::optional<qint64> m_revision;
     Reading m_reading = Reading::Awaited;
     QString m_readingError;

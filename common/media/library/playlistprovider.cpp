@@ -8,10 +8,28 @@
 #include "tarn/media/mediasourceparser.h"
 #include "tarn/media/playenums.h"
 
+#include <QElapsedTimer>
+#include <QThreadPool>
+#include <QTimer>
+
 #include <set>
 #include <utility>
 
 namespace vantrel {
+
+struct PlaylistProvider::Coming
+{
+    explicit Coming(const PlaylistMap& all)
+        : records(all)
+        , at(records.begin())
+    {
+    }
+
+    const PlaylistMap records; // as they are at the reset
+    PlaylistMap::const_iterator at;
+    QMap<uint, std::shared_ptr<const GuiPlaylist>> playlists;
+    EntryTable entries;
+};
 
 PlaylistProvider::PlaylistProvider(Ref<MediaLibrary> library, AbstractMediaLibraryProvider* mediaProvider,
                                    QObject* parent)
@@ -25,7 +43,8 @@ PlaylistProvider::PlaylistProvider(Ref<MediaLibrary> library, AbstractMediaLibra
         connect(mediaProvider, &Provider::collectionAdded, this, &PlaylistProvider::onCollectionModified);
         connect(mediaProvider, &Provider::collectionRemoved, this, &PlaylistProvider::onCollectionModified);
     }
-    populate();
+    m_coming = std::make_shared<Coming>(m_library->getPlaylists());
+    proceed(true);
 }
 
 PlaylistProvider::~PlaylistProvider() = default;
@@ -71,18 +90,55 @@ MediaLibrary* PlaylistProvider::mediaLibrary()
     return m_library.get();
 }
 
+/// What there was stands until the new lists are whole.
 void PlaylistProvider::onReset()
 {
-    m_playlists.clear();
     m_late.clear();
     m_news.clear();
-    m_entries.clear();
-    populate();
-    Q_EMIT reset();
+    m_coming = std::make_shared<Coming>(m_library->getPlaylists());
+    proceed(false);
+}
+
+/// Some of the lists that are coming, for a part of a picture's time.
+void PlaylistProvider::proceed(bool toTheEnd)
+{
+    constexpr qint64 inOneTurn = 4; // milliseconds
+    constexpr std::size_t few = 500;
+    std::size_t entries = 0;
+    QElapsedTimer clock;
+    clock.start();
+    m_playlists.swap(m_coming->playlists);
+    std::swap(m_entries, m_coming->entries);
+    for (; m_coming->at != m_coming->records.end() &&
+           (toTheEnd || entries < few || clock.elapsed() < inOneTurn);
+         ++m_coming->at) {
+        loadPlaylist(static_cast<uint>(m_coming->at->first));
+        entries += m_coming->at->second.getEntries().size();
+    }
+    if (m_coming->at == m_coming->records.end()) {
+        // To free a long table takes time as well.
+        QThreadPool::globalInstance()->start([old = std::exchange(m_coming, nullptr)] {});
+        Q_EMIT reset();
+        return;
+    }
+    m_playlists.swap(m_coming->playlists);
+    std::swap(m_entries, m_coming->entries);
+    QTimer::singleShot(0, this, [this, coming = std::weak_ptr(m_coming)] {
+        if (m_coming && m_coming == coming.lock())
+            proceed(false);
+    });
+}
+
+/// News of the library are about the lists that are coming.
+void PlaylistProvider::settle()
+{
+    if (m_coming)
+        proceed(true);
 }
 
 void PlaylistProvider::onPlaylistAdded(uint playlist)
 {
+    settle();
     if (m_playlists.contains(playlist))
         qCWarning(lcMedia) << "Playlist already existed. Invalid signaling.";
     forget(playlist);
@@ -96,6 +152,7 @@ void PlaylistProvider::onPlaylistAdded(uint playlist)
 
 void PlaylistProvider::onPlaylistChanged(uint playlist)
 {
+    settle();
     const Playlist* record = std::as_const(*m_library).findPlaylist(static_cast<int>(playlist));
     if (!record) {
         forget(playlist);
@@ -120,12 +177,14 @@ void PlaylistProvider::onPlaylistChanged(uint playlist)
 
 void PlaylistProvider::onPlaylistRemoved(uint playlist)
 {
+    settle();
     forget(playlist);
     Q_EMIT playlistRemoved(playlist);
 }
 
 void PlaylistProvider::onEntryAdded(uint playlist, EntryAddress address)
 {
+    settle();
     if (m_entries.remove(playlist, address))
         qCWarning(lcMedia) << "Entry already existed. Invalid signaling.";
     if (!loadEntry(playlist, address)) {
@@ -142,6 +201,7 @@ void PlaylistProvider::onEntryAdded(uint playlist, EntryAddress address)
 
 void PlaylistProvider::onEntryChanged(uint playlist, EntryAddress address)
 {
+    settle();
     if (!m_entries.remove(playlist, address)) {
         qCWarning(lcMedia, "Changed entry did not exist %d/%s", static_cast<int>(playlist),
                   address.toString(true).c_str());
@@ -159,6 +219,7 @@ void PlaylistProvider::onEntryChanged(uint playlist, EntryAddress address)
 
 void PlaylistProvider::onEntryRemoved(uint playlist, EntryAddress address)
 {
+    settle();
     m_entries.remove(playlist, address);
     const Moved moved = recalculate(playlist);
     announce(&PlaylistProvider::entryRemoved, playlist, address);
@@ -167,11 +228,13 @@ void PlaylistProvider::onEntryRemoved(uint playlist, EntryAddress address)
 
 void PlaylistProvider::onSlotModified(MediaAddress address)
 {
+    settle();
     tellOfSlots(m_entries.usersOf(address));
 }
 
 void PlaylistProvider::onCollectionModified(uint collection)
 {
+    settle();
     tellOfSlots(m_entries.usersOfCollection(collection));
 }
 
@@ -188,13 +251,6 @@ void PlaylistProvider::tellOfSlots(const QList<EntryTable::Place>& users)
     Q_EMIT entrySlotsModified(users);
     for (const uint playlist : touched)
         tell(playlist, recalculate(playlist));
-}
-
-void PlaylistProvider::populate()
-{
-    const auto playlists = m_library->getPlaylists(); // a copy: the walk must not see an edit
-    for (const auto& [number, playlist] : playlists)
-        loadPlaylist(static_cast<uint>(number));
 }
 
 bool PlaylistProvider::loadPlaylist(uint playlist)
@@ -248,6 +304,7 @@ void PlaylistProvider::warnWithoutSlot(const GuiPlaylistEntry& entry) const
 
 void PlaylistProvider::onChangesStarted()
 {
+    settle();
     m_isChanging = true;
     Q_EMIT changesStarted();
 }

@@ -7,6 +7,7 @@
 #include <QMap>
 
 #include <map>
+#include <memory>
 #include <vector>
 
 namespace vantrel {
@@ -64,8 +65,12 @@ private:
         EntryAddress address;
     };
 
+    /// The lists of a new library, which come in turns.
+    struct Coming;
+
     void announce(EntrySignal signal, uint playlist, EntryAddress address);
-    void populate();
+    void proceed(bool toTheEnd);
+    void settle();
     bool loadPlaylist(uint playlist);
     bool loadEntry(uint playlist, EntryAddress address);
     void putEntry(uint playlist, EntryAddress address, const PlaylistEntry& entry);
@@ -85,6 +90,7 @@ private:
     bool m_isChanging = false;   // between the two calls around a patch
     std::vector<News> m_news;    // of entries, for its end
     std::map<uint, bool> m_late; // playlists to work out at its end, and whether they changed themselves
+    std::shared_ptr<Coming> m_coming;
 };
 
 } // namespace vantrel

@@ -554,15 +554,13 @@ void MediaLibraryModel::onProgramChange()
 
 void MediaLibraryModel::onThumbnailUpdate(const QUrl& mediaUrl)
 {
-    for (const QModelIndex& row : findItemsByUrl(mediaUrl))
-        emitDataChangedForRow(row);
+    tellOf(mediaUrl);
 }
 
 void MediaLibraryModel::onMediaStateChanged(const QUrl& mediaUrl, MediaState state)
 {
     Q_UNUSED(state); // each row asks for its own: one file may stand in many slots
-    for (const QModelIndex& row : findItemsByUrl(mediaUrl))
-        emitDataChangedForRow(row);
+    tellOf(mediaUrl);
 }
 
 void MediaLibraryModel::emitDataChangedForRow(const QModelIndex& index)

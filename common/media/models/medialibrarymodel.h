@@ -9,6 +9,7 @@
 
 #include <QAbstractItemModel>
 #include <QPointer>
+#include <QSet>
 #include <QStringList>
 #include <QUrl>
 
@@ -149,6 +150,10 @@ private:
     void indexUrls(const MediaLibraryItem& collection);
     void forgetSlots(const MediaLibraryItem& collection);
     QList<QModelIndex> findItemsByUrl(const QUrl& mediaUrl);
+    void tellOf(const QUrl& mediaUrl);
+    void indexSome();
+    void settleIndex();
+    void indexAll();
     void emitDataChangedForRow(const QModelIndex& index);
     void setMark(Mark& mark, const QString& mediaAddress, const QString& state);
     MediaAddress resolvePlaylistAddressUnsafe(const QString& address) const;
@@ -175,6 +180,8 @@ private:
     mutable RecentItems m_slotItems;
     UrlIndex m_rowsByUrl;
     bool m_urlsIndexed = false; // since somebody asked for a URL
+    std::size_t m_indexed = 0;  // collections, until all are
+    QSet<QUrl> m_toTell;        // as soon as they are
     Mark m_previewMark;
     Mark m_programMark;
 };

@@ -7,7 +7,9 @@
 #include "common/media/models/medialibrarymodel.h"
 #include "tarn/media/medialibrary.h"
 
+#include <QElapsedTimer>
 #include <QJsonObject>
+#include <QTimer>
 
 #include <algorithm>
 #include <set>
@@ -46,6 +48,8 @@ void MediaLibraryModel::reset()
     m_slotItems.clear();
     m_rowsByUrl.clear();
     m_urlsIndexed = false;
+    m_indexed = 0;
+    m_toTell.clear(); // all is read anew
     for (const auto& [number, collection] : m_library->getCollections())
         m_collections.push_back(makeCollection(number));
     endResetModel();
@@ -74,6 +78,7 @@ void MediaLibraryModel::updateCollectionSlots(MediaLibraryItem& item, int collec
 void MediaLibraryModel::setSlot(MediaLibraryItem& collection, int row, const MediaSlot* record)
 {
     const MediaAddress address(collection.number(), row);
+    settleIndex();
     m_slotItems.remove(address);
     if (m_urlsIndexed) {
         if (const MediaSlot* old = collection.records().get(row))
@@ -93,6 +98,7 @@ void MediaLibraryModel::indexUrls(const MediaLibraryItem& collection)
 void MediaLibraryModel::forgetSlots(const MediaLibraryItem& collection)
 {
     m_slotItems.clear();
+    settleIndex();
     if (!m_urlsIndexed)
         return;
     for (const auto& [row, record] : collection.records())
@@ -101,10 +107,7 @@ void MediaLibraryModel::forgetSlots(const MediaLibraryItem& collection)
 
 QList<QModelIndex> MediaLibraryModel::findItemsByUrl(const QUrl& mediaUrl)
 {
-    if (!std::exchange(m_urlsIndexed, true)) {
-        for (const Item& collection : m_collections)
-            indexUrls(*collection);
-    }
+    indexAll();
     QList<QModelIndex> found;
     for (const MediaAddress& address : m_rowsByUrl.candidates(mediaUrl)) {
         const QModelIndex row = slotIndex(address);
@@ -113,6 +116,54 @@ QList<QModelIndex> MediaLibraryModel::findItemsByUrl(const QUrl& mediaUrl)
             found.append(row);
     }
     return found;
+}
+
+/// Of a large library the index is made in turns, and what is to be told waits for it.
+void MediaLibraryModel::tellOf(const QUrl& mediaUrl)
+{
+    m_toTell.insert(mediaUrl);
+    if (m_toTell.size() == 1)
+        indexSome();
+}
+
+void MediaLibraryModel::indexSome()
+{
+    constexpr qint64 inOneTurn = 4; // milliseconds
+    constexpr std::size_t few = 2000;
+    QElapsedTimer clock;
+    clock.start();
+    for (std::size_t slots_ = 0; !m_urlsIndexed && m_indexed < m_collections.size() &&
+                                 (slots_ < few || clock.elapsed() < inOneTurn);) {
+        const MediaLibraryItem& collection = *m_collections[m_indexed++];
+        indexUrls(collection);
+        slots_ += collection.records().size();
+    }
+    if (!m_urlsIndexed && m_indexed < m_collections.size()) {
+        QTimer::singleShot(0, this, [this] {
+            if (!m_toTell.isEmpty())
+                indexSome();
+        });
+        return;
+    }
+    m_urlsIndexed = true;
+    for (const QUrl& url : std::exchange(m_toTell, {})) {
+        for (const QModelIndex& row : findItemsByUrl(url))
+            emitDataChangedForRow(row);
+    }
+}
+
+/// Before anything changes: an index that is half made would not hear of it.
+void MediaLibraryModel::settleIndex()
+{
+    if (m_indexed > 0)
+        indexAll();
+}
+
+void MediaLibraryModel::indexAll()
+{
+    while (!m_urlsIndexed && m_indexed < m_collections.size())
+        indexUrls(*m_collections[m_indexed++]);
+    m_urlsIndexed = true;
 }
 
 QList<MediaAddress> MediaLibraryModel::slotsWith(const QUrl& mediaUrl)
@@ -144,6 +195,7 @@ void MediaLibraryModel::onCollectionAdded(uint index)
         return;
     const int row = -rowOf(number) - 1;
     beginInsertRows({}, row, row);
+    settleIndex();
     m_collections.insert(m_collections.begin() + row, makeCollection(number));
     endInsertRows();
 }

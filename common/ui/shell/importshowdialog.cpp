@@ -75,11 +75,15 @@ ZTCheckBox* ImportShowDialog::addSection(const QString& label, const QString& de
 
 void ImportShowDialog::handleBrowse()
 {
-    const QString chosen =
-        QFileDialog::getOpenFileName(this, tr("Import Show file"), QString(), tr("Show Files (*.show)"));
-    if (!chosen.isEmpty())
+    auto* dialog = new QFileDialog(this, tr("Import Show file"), {}, tr("Show Files (*.show)"));
+    dialog->setObjectName(QStringLiteral("ImportShowDialog-file-dialog"));
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setFileMode(QFileDialog::ExistingFile);
+    connect(dialog, &QFileDialog::fileSelected, this, [this](const QString& chosen) {
         m_path->setText(chosen);
-    importsChanged();
+        importsChanged();
+    });
+    dialog->open();
 }
 
 void ImportShowDialog::handleConfirm()
@@ -113,10 +117,12 @@ void ImportShowDialog::setObjectNames(const QString& base)
 
 void ImportShowDialog::showEvent(QShowEvent* event)
 {
-    m_path->clear();
-    for (ZTCheckBox* box : {m_audio, m_mediaLibrary, m_playback, m_output})
-        box->setChecked(true);
-    importsChanged();
+    if (!event->spontaneous()) { // not where its window comes back
+        m_path->clear();
+        for (ZTCheckBox* box : {m_audio, m_mediaLibrary, m_playback, m_output})
+            box->setChecked(true);
+        importsChanged();
+    }
     ZTDialog::showEvent(event);
 }
 

@@ -11,6 +11,7 @@
 #include "common/session/session.h"
 #include "common/ui/shell/importshowdialog.h"
 #include "common/ui/shell/onairquestions.h"
+#include "common/ui/shell/showfileaccess.h"
 #include "common/ui/shell/showservice.h"
 #include "common/ui/shell/showshelf.h"
 #include "common/ui/toolkit/confirmationdialog.h"
@@ -18,10 +19,8 @@
 #include "tarn/scene/scene.h"
 
 #include <QDateTime>
-#include <QFile>
 #include <QFileDialog>
 #include <QLoggingCategory>
-#include <QSaveFile>
 #include <QStandardPaths>
 #include <QUrlQuery>
 
@@ -207,16 +206,15 @@ void ShowManager::askToImport(const QString& fileName, const QStringList& import
 
 void ShowManager::importShow(QString fileName, QStringList imports)
 {
-    QFile file(fileName);
-    if (!file.open(QIODevice::ReadOnly)) {
-        qCWarning(log) << "Failed to open import file:" << file.errorString();
-        tellNotDone(tr("Import show"), file.errorString());
-        return;
-    }
-    m_importSections = imports;
-    m_importData = file.readAll();
-    file.close();
-    sendImportRequest(false);
+    readShowFile(fileName).then(this, [this, imports](const ShowFileReading& reading) {
+        if (!reading.fault.isEmpty()) {
+            qCWarning(log) << "Failed to open import file:" << reading.fault;
+            return tellNotDone(tr("Import show"), reading.fault);
+        }
+        m_importSections = imports;
+        m_importData = reading.bytes;
+        sendImportRequest(false);
+    });
 }
 
 void ShowManager::forceImport()
@@ -233,7 +231,7 @@ void ShowManager::sendImportRequest(bool force)
         query.addQueryItem(QStringLiteral("force"), QString());
     const auto then = [this, force](const ShowService::Answer& answer) {
         if (answer.isDone()) {
-            qCDebug(log) << "Success:" << answer.body;
+            qCDebug(log) << "Success:" << answer.body();
             return tellDone(tr("The show was imported"));
         }
         qCDebug(log) << "Error:" << answer.netError;
@@ -251,35 +249,40 @@ void ShowManager::handleExport()
     // The backslash stands before the name on every platform, so that exported names agree.
     const QString proposal = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation) +
                              QStringLiteral("\\default_%1.show").arg(stamp);
-    const QString chosen = QFileDialog::getSaveFileName(qobject_cast<QWidget*>(parent()), tr("Export Show"),
-                                                        proposal, tr("Show Files (*.show)"));
-    if (chosen.isEmpty())
-        return;
-    qCDebug(log) << "Selected file to export:" << chosen;
-    exportShow(chosen);
+    auto* dialog =
+        new QFileDialog(qobject_cast<QWidget*>(parent()), tr("Export Show"), {}, tr("Show Files (*.show)"));
+    dialog->setObjectName(QStringLiteral("ExportShowDialog-file-dialog"));
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setAcceptMode(QFileDialog::AcceptSave);
+    dialog->selectFile(proposal);
+    connect(dialog, &QFileDialog::fileSelected, this, [this](const QString& chosen) {
+        qCDebug(log) << "Selected file to export:" << chosen;
+        exportShow(chosen);
+    });
+    dialog->open();
 }
 
 void ShowManager::exportShow(const QString& fileName)
 {
     m_service->ask(tr("Export show"), "GET", QStringLiteral("/show/current"), {}, {},
-                   [fileName](const ShowService::Answer& answer) {
+                   [this, fileName](const ShowService::Answer& answer) {
                        if (answer.isDone())
-                           return saveReply(answer.body, fileName);
+                           return saveReply(answer.pieces, fileName);
                        qCWarning(log) << "Download failed:" << answer.netError;
                        tellNotDone(tr("Export show"), answer.error);
                    });
 }
 
-void ShowManager::saveReply(const QByteArray& bytes, const QString& fileName)
+void ShowManager::saveReply(const QByteArrayList& pieces, const QString& fileName)
 {
-    QSaveFile file(fileName); // an earlier export stays until this one is whole
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit()) {
-        qCWarning(log) << "Failed to save the file!";
-        tellNotDone(tr("Export show"), file.errorString());
-        return;
-    }
-    qCDebug(log) << "File downloaded successfully!";
-    tellDone(tr("The show was exported to %1").arg(fileName));
+    writeShowFile(fileName, pieces).then(this, [fileName](const QString& fault) {
+        if (!fault.isEmpty()) {
+            qCWarning(log) << "Failed to save the file!";
+            return tellNotDone(tr("Export show"), fault);
+        }
+        qCDebug(log) << "File downloaded successfully!";
+        tellDone(tr("The show was exported to %1").arg(fileName));
+    });
 }
 
 } // namespace vantrel

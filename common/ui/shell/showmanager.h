@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QByteArray>
+#include <QByteArrayList>
 #include <QObject>
 #include <QStringList>
 
@@ -55,7 +55,7 @@ private:
     void confirmSaveAs(const QStringList& values);
     template <typename Command>
     void send(const char* name, const QString& showName);
-    static void saveReply(const QByteArray& bytes, const QString& fileName);
+    void saveReply(const QByteArrayList& pieces, const QString& fileName);
 
     Session* m_session;
     OnAirQuestions* m_questions;

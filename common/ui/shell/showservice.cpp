@@ -10,6 +10,9 @@
 #include <QNetworkReply>
 #include <QUrl>
 
+#include <memory>
+#include <utility>
+
 namespace vantrel {
 
 ShowService::ShowService(Session* session, QObject* parent)
@@ -21,12 +24,14 @@ ShowService::ShowService(Session* session, QObject* parent)
 void ShowService::ask(const QString& command, const QByteArray& method, const QString& path,
                       const QUrlQuery& query, const QByteArray& body, Then then)
 {
-    // By a road of its own, which is no reason to wait in the sockets of a server that hangs.
-    if (!CommandGate::passes(m_session->getQUndoStack(), command))
+    // By a road of its own, which is no reason to wait in the sockets of a server that hangs. Without any
+    // server the request itself fails.
+    const QString host = m_session->connectionHandler()->getConnectedHost();
+    if (!host.isEmpty() && !CommandGate::passes(m_session->getQUndoStack(), command))
         return;
     QUrl url;
     url.setScheme(QStringLiteral("http"));
-    url.setHost(m_session->connectionHandler()->getConnectedHost());
+    url.setHost(host);
     url.setPort(m_session->ports().http);
     url.setPath(QStringLiteral("/api/brume/v1") + path);
     url.setQuery(query);
@@ -40,29 +45,29 @@ void ShowService::ask(const QString& command, const QByteArray& method, const QS
     QNetworkReply* reply = method == "GET"    ? network->get(request)
                            : method == "POST" ? network->post(request, body)
                                               : network->sendCustomRequest(request, method);
-    connect(reply, &QNetworkReply::finished, this, [reply, then = std::move(then)] {
+    // Taken as it comes: put together at once a show would hold the window.
+    const auto answer = std::make_shared<Answer>();
+    connect(reply, &QNetworkReply::readyRead, this,
+            [reply, answer] { answer->pieces.append(reply->readAll()); });
+    connect(reply, &QNetworkReply::finished, this, [reply, answer, then = std::move(then)] {
         reply->deleteLater();
-        then(answerOf(*reply));
+        finish(*reply, *answer);
+        then(*answer);
     });
 }
 
-ShowService::Answer ShowService::answerOf(QNetworkReply& reply)
+void ShowService::finish(const QNetworkReply& reply, Answer& answer)
 {
-    Answer answer;
     answer.status = reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
-    if (reply.error() == QNetworkReply::NoError) {
-        answer.body = reply.readAll();
-        return answer;
-    }
-    constexpr qint64 longest = 1024 * 1024; // bytes of an error
+    if (reply.error() == QNetworkReply::NoError)
+        return;
     answer.netError = reply.errorString();
-    const QJsonObject said = QJsonDocument::fromJson(reply.read(longest)).object();
+    const QJsonObject said = QJsonDocument::fromJson(answer.body()).object();
     answer.error = said.value(QStringLiteral("error")).toString();
     answer.missing = said.value(QStringLiteral("missing")).toVariant().toStringList();
     if (answer.error.isEmpty())
         answer.error = answer.status == 0 ? tr("The server did not answer (%1).").arg(answer.netError)
                                           : tr("The server refused it (%1).").arg(answer.status);
-    return answer;
 }
 
 } // namespace vantrel

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QByteArray>
+#include <QByteArrayList>
 #include <QObject>
 #include <QString>
 #include <QUrlQuery>
@@ -25,13 +25,14 @@ public:
 
     struct Answer
     {
-        int status = 0;   // of HTTP; 0 when none came
-        QString error;    // a sentence, in the server's own words where it has any; empty where it was done
-        QByteArray body;  // of what was done
-        QString netError; // as the network tells it
-        QStringList missing; // media, where it was refused for them
+        int status = 0; // of HTTP; 0 when none came
+        QString error;  // a sentence, in the server's own words where it has any; empty where it was done
+        QByteArrayList pieces; // of the body, which is large: a show
+        QString netError;      // as the network tells it
+        QStringList missing;   // media, where it was refused for them
 
         bool isDone() const { return error.isEmpty(); }
+        QByteArray body() const { return pieces.join(); }
     };
     using Then = std::function<void(const Answer&)>;
 
@@ -41,7 +42,7 @@ public:
              const QByteArray& body, Then then);
 
 private:
-    static Answer answerOf(QNetworkReply& reply);
+    static void finish(const QNetworkReply& reply, Answer& answer);
 
     Session* m_session;
 };

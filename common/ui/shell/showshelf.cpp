@@ -1,6 +1,7 @@
 #include "common/ui/shell/showshelf.h"
 
 #include "common/command/refusal.h"
+#include "common/filesystem/model/filesize.h"
 #include "common/media/address/showntext.h"
 #include "common/notification/notificationmanagerimpl.h"
 #include "common/session/mirror/guishowconfiguration.h"
@@ -138,22 +139,22 @@ void ShowShelf::openShows()
 
 void ShowShelf::fillShows()
 {
-    m_service->ask(
-        m_shows->title(), "GET", QStringLiteral("/shows"), {}, {}, [this](const ShowService::Answer& answer) {
-            if (!answer.isDone())
-                return m_shows->setText(answer.error);
-            QList<ShowTableModel::Row> rows;
-            for (const QJsonValue& value : listIn(answer.body, "shows")) {
-                const QJsonObject entry = value.toObject();
-                const QString name = entry.value(QStringLiteral("name")).toString();
-                rows << rowOf(entry, name,
-                              {shownText(name), timeText(entry),
-                               QLocale().formattedDataSize(entry.value(QStringLiteral("bytes")).toInteger()),
-                               holdsText(entry)});
-            }
-            m_shows->setRows(rows, tr("No show has been saved on this server yet: choose \"Save "
-                                      "show as...\" in the main menu."));
-        });
+    m_service->ask(m_shows->title(), "GET", QStringLiteral("/shows"), {}, {},
+                   [this](const ShowService::Answer& answer) {
+                       if (!answer.isDone())
+                           return m_shows->setText(answer.error);
+                       QList<ShowTableModel::Row> rows;
+                       for (const QJsonValue& value : listIn(answer.body(), "shows")) {
+                           const QJsonObject entry = value.toObject();
+                           const QString name = entry.value(QStringLiteral("name")).toString();
+                           rows << rowOf(entry, name,
+                                         {shownText(name), timeText(entry),
+                                          fileSizeText(entry.value(QStringLiteral("bytes")).toInteger()),
+                                          holdsText(entry)});
+                       }
+                       m_shows->setRows(rows, tr("No show has been saved on this server yet: choose \"Save "
+                                                 "show as...\" in the main menu."));
+                   });
 }
 
 void ShowShelf::openEarlier()
@@ -170,7 +171,7 @@ void ShowShelf::fillEarlier()
             if (!answer.isDone())
                 return m_earlier->setText(answer.error);
             QList<ShowTableModel::Row> rows;
-            for (const QJsonValue& value : listIn(answer.body, "states")) {
+            for (const QJsonValue& value : listIn(answer.body(), "states")) {
                 const QJsonObject entry = value.toObject();
                 const QJsonObject difference = entry.value(QStringLiteral("difference")).toObject();
                 rows << rowOf(entry, entry.value(QStringLiteral("id")).toString(),
@@ -188,7 +189,7 @@ void ShowShelf::fetchNames(std::function<void(const QStringList& names)> then)
     m_service->ask(tr("Save show as"), "GET", QStringLiteral("/shows"), {}, {},
                    [then = std::move(then)](const ShowService::Answer& answer) {
                        QStringList names;
-                       for (const QJsonValue& value : listIn(answer.body, "shows"))
+                       for (const QJsonValue& value : listIn(answer.body(), "shows"))
                            names << value.toObject().value(QStringLiteral("name")).toString();
                        then(names);
                    });

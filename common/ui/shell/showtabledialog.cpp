@@ -5,9 +5,13 @@
 #include "common/ui/toolkit/ztlabel.h"
 
 #include <QHeaderView>
+#include <QScreen>
+#include <QScrollBar>
 #include <QStackedWidget>
 #include <QTableView>
 #include <QVBoxLayout>
+
+#include <algorithm>
 
 namespace vantrel {
 
@@ -23,6 +27,7 @@ ShowTableDialog::ShowTableDialog(const QString& title, const QStringList& header
     m_table->setSelectionBehavior(QAbstractItemView::SelectRows);
     m_table->setSelectionMode(QAbstractItemView::SingleSelection);
     m_table->setShowGrid(false);
+    m_table->setWordWrap(false);
     m_table->setTabKeyNavigation(false);
     m_table->setAccessibleName(title);
     m_table->verticalHeader()->hide();
@@ -77,8 +82,18 @@ void ShowTableDialog::setRows(const QList<ShowTableModel::Row>& rows, const QStr
         if (row == 0 || rows[row].id == before)
             m_table->setCurrentIndex(m_model->index(row, 0));
     }
-    if (!rows.isEmpty())
-        m_table->setFocus();
+    if (rows.isEmpty())
+        return;
+    m_table->setFocus();
+    // As wide as what it tells, where the screen is.
+    const QHeaderView* header = m_table->horizontalHeader();
+    const int last = m_model->columnCount() - 1;
+    const QAbstractItemView* view = m_table;
+    const int wanted = header->sectionPosition(last) + view->sizeHintForColumn(last) +
+                       m_table->verticalScrollBar()->sizeHint().width() + 2 * m_table->frameWidth();
+    m_pages->setMinimumWidth(std::min(wanted, screen()->availableSize().width() * 4 / 5));
+    fitToContent();
+    place();
 }
 
 void ShowTableDialog::addChoice(PushButton* button)

@@ -151,10 +151,19 @@ void ZTDialog::showEvent(QShowEvent* event)
     if (event->spontaneous())
         return;
     fitToContent();
+    place();
+}
+
+void ZTDialog::place()
+{
+    constexpr int foot = 48; // the status bar stays in sight
     const QWidget* over = parentWidget() ? parentWidget()->window() : nullptr;
-    const QRect room = over && over->isVisible() ? over->frameGeometry() : screen()->availableGeometry();
+    const bool isOverSome = over && over->isVisible();
+    const QRect room = isOverSome ? over->frameGeometry() : screen()->availableGeometry();
     QRect place(QPoint(), size());
     place.moveCenter(room.center());
+    if (isOverSome && !qobject_cast<const QDialog*>(over) && place.height() + foot < room.height())
+        place.moveBottom(room.bottom() - foot);
     moveOntoScreen(place.topLeft());
 }
 

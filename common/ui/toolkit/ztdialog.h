@@ -10,8 +10,9 @@ class PushButton;
 class ZTLabel;
 
 /// The frame of all dialogs: a title, a description, content, and the accept and cancel buttons. It is moved
-/// by its title, opens over the middle of its parent's window, and never spins an event loop of its own: use
-/// open() or show() and the signals. Object names are base + "-title", "-accept-button" and "-cancel-button".
+/// by its title, opens at the foot of the window that it is over, so that the pictures stay in sight, or in
+/// the middle of another dialog, and never spins an event loop of its own: use open() or show() and the
+/// signals. Object names are base + "-title", "-accept-button" and "-cancel-button".
 class ZTDialog : public QDialog
 {
     Q_OBJECT
@@ -43,6 +44,8 @@ public:
     Q_INVOKABLE virtual void setObjectNames(const QString& base);
     /// As large as the content asks for, but nine tenths of the screen at most.
     void fitToContent();
+    /// Where it opens, for its size now.
+    void place();
 
 Q_SIGNALS:
     /// The accept button was pressed (before the dialog closes).

@@ -31,6 +31,7 @@ private Q_SLOTS:
     void messages();
     void passesOverComments();
     void randomCutsChangeNothing();
+    void passesOverWhatIsLarge();
     void endlessMessageIsDropped();
 };
 
@@ -89,6 +90,28 @@ void TestEventStream::randomCutsChangeNothing()
         EventStream stream;
         QCOMPARE(read(stream, pieces), expected);
     }
+}
+
+/// However it is cut, a large message is told of once and kept by nobody, and its neighbours are read.
+void TestEventStream::passesOverWhatIsLarge()
+{
+    const QByteArray text =
+        "data: [1]\n\ndata: " + QByteArray(3 * EventStream::maxMessage, 'x') + "\n\ndata: [2]\n\n";
+    for (const qsizetype size : {text.size(), qsizetype(700'001), qsizetype(1 << 16)}) {
+        EventStream stream;
+        QList<QByteArray> messages;
+        for (qsizetype at = 0; at < text.size(); at += size) {
+            messages += read(stream, {text.mid(at, size)});
+            QVERIFY(stream.buffered() <= EventStream::maxMessage);
+        }
+        QCOMPARE(messages, (QList<QByteArray>{"[1]\n", QByteArray(), "[2]\n"}));
+        QVERIFY(messages[1].isNull());
+    }
+    // Its end may come in two halves.
+    EventStream stream;
+    QCOMPARE(read(stream, {QByteArray("data: ") + QByteArray(EventStream::maxMessage, 'x') + '\n',
+                           "\ndata: [2]\n\n"}),
+             (QList<QByteArray>{QByteArray(), "[2]\n"}));
 }
 
 void TestEventStream::endlessMessageIsDropped()

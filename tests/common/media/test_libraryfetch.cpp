@@ -73,6 +73,7 @@ private Q_SLOTS:
     void changesWhileItIsFetched_data();
     void changesWhileItIsFetched();
     void changesThatItHolds();
+    void largeMessages();
     void streamThatFallsSilent();
     void urlsBySpelling_data();
     void urlsBySpelling();
@@ -154,6 +155,33 @@ void TestLibraryFetch::changesThatItHolds()
     QTRY_COMPARE(changed.size(), 1);
     QCOMPARE(name(), std::string("Collection 1"));
     QCOMPARE(m_library->findSlot(1, 1)->getName(), std::string("new"));
+}
+
+/// A message that is too large to be read here makes the library be read anew, once more where the answer
+/// that is under way may be of before it.
+void TestLibraryFetch::largeMessages()
+{
+    const QByteArray large = rename(QByteArray(EventStream::maxMessage, 'x'));
+    QSignalSpy replaced(m_api.get(), &MediaLibraryApi::mediaLibraryReplaced);
+    const auto answer = [this](int slotCount, int revision) {
+        m_server->answer(*test::makeLibrary(1, slotCount), revision);
+        m_server->fetch = nullptr;
+    };
+    m_server->openStream();
+    QTRY_VERIFY(m_server->fetch);
+    m_server->tell(8, large);
+    m_server->tell(9, rename("nine"));
+    QTRY_COMPARE(name(), std::string("nine"));
+    answer(1, 7);
+    QTRY_VERIFY(m_server->fetch);
+    answer(3, 9);
+    QTRY_COMPARE(replaced.size(), 2);
+    QVERIFY(m_library->findSlot(1, 3));
+    QVERIFY(m_api->isCurrent());
+    m_server->tell(10, large);
+    QTRY_VERIFY(m_server->fetch);
+    answer(4, 10);
+    QTRY_VERIFY(m_library->findSlot(1, 4));
 }
 
 /// One that has said that it is there is given up when it says so no more, and with it the library; one that

@@ -324,6 +324,63 @@ private Q_SLOTS:
             std::string("#102030"));
     }
 
+    void badFilesChangeNothing_data()
+    {
+        QTest::addColumn<QByteArray>("file");
+        QTest::addColumn<int>("status");
+        QTest::addColumn<QByteArray>("sentence"); // a part of it
+        const auto show = [](const QByteArray& version, const QByteArray& library,
+                             const QByteArray& settings) {
+            return R"({"format":"halcyra-show","version":)" + version + R"(,"library":)" + library +
+                   R"(,"settings":)" + settings + '}';
+        };
+        const QByteArray volume = "\"/device/channels/0/program/properties/volume\":";
+        const QByteArray quieter = '{' + volume + "0.125}"; // what must not come through beside what is bad
+        QByteArray many = quieter.chopped(1);
+        for (int i = 0; i < 10'000; ++i)
+            many += ",\"/" + QByteArray::number(i) + "\":1";
+        QTest::newRow("nothing") << QByteArray() << 400 << QByteArray("no show file");
+        QTest::newRow("cut") << show("1", "{}", quieter).chopped(1) << 400 << QByteArray("no show file");
+        QTest::newRow("zip") << QByteArray("PK\3\4\x14\0\0\0\x8\0", 10) << 400 << QByteArray("no show file");
+        QTest::newRow("deep") << QByteArray(1'000'000, '[') << 400 << QByteArray("nested too deep");
+        QTest::newRow("other format")
+            << show("1", "{}", quieter).replace("halcyra", "other") << 400 << QByteArray("no show file");
+        QTest::newRow("future") << show("2", "{}", quieter) << 409 << QByteArray("version 2");
+        QTest::newRow("no version") << show("\"1\"", "{}", quieter) << 400 << QByteArray("version");
+        QTest::newRow("no settings") << show("1", "{}", "[1]") << 400 << QByteArray("settings");
+        QTest::newRow("edited setting")
+            << show("1", "{}", R"({"/device/channels/0/preview/properties/volume":"loud",)" + quieter.mid(1))
+            << 422 << QByteArray("preview/properties/volume");
+        QTest::newRow("edited slot") << show("1", R"({"collections":{"1":{"slots":{"1":{"inpoint":"x"}}}}})",
+                                             quieter)
+                                     << 422 << QByteArray("inpoint");
+        QTest::newRow("no library") << show("1", "7", quieter) << 422 << QByteArray("library");
+        QTest::newRow("many settings")
+            << show("1", "{}", many + '}') << 413 << QByteArray("more than a show");
+        QTest::newRow("ten million entries")
+            << show("1", QByteArray("{\"1\":{}},").repeated(10'000'000), "{}") << 413
+            << QByteArray("more than a show");
+    }
+
+    /// A file that is no sound show is refused with a sentence, at once and without a trace.
+    void badFilesChangeNothing()
+    {
+        QFETCH(QByteArray, file);
+        QFETCH(int, status);
+        QFETCH(QByteArray, sentence);
+        const QByteArray before = m_live->request("GET", "/show/current").body;
+        const auto reply = m_live->request("POST", "/show/current", file);
+        QCOMPARE(reply.status, status);
+        Json answer;
+        QVERIFY(Json::parseString(reply.body.toStdString(), answer));
+        const QByteArray told = QByteArray::fromStdString(answer.get("error").asString());
+        QVERIFY2(told.contains(sentence) && told.endsWith('.') && told.size() < 400,
+                 told.left(400).constData());
+        QVERIFY(settled());
+        QCOMPARE(m_live->request("GET", "/show/current").body, before);
+        QVERIFY(!QFile::exists(m_live->stateFolder() + QStringLiteral("/earlier"))); // not even begun
+    }
+
     void rebootRestartsThePlayers()
     {
         invoke("/device/system/methods/reboot", "{}");
