@@ -571,18 +571,20 @@ def files(options, name, **how):
 
 
 def slots(options):
-    """A file from the FILES tab over the PLAYER tab's button onto a slot, and on its way there."""
+    """A file from the FILES tab over the PLAYER tab's button onto a slot, and on its way there, a folder behind it."""
     shows = options.media.parent / "Arriving"
     shows.mkdir(exist_ok=True)
     fill(shows / "Sponsor film.mp4", 6_000_000_000)
+    (shows / "Act 4").mkdir()
+    fill(shows / "Act 4" / "Finale.mp4", 1_000_000_000)
     with Window(options) as window, Pointer(window.display) as pointer:
         window.click("MainNavigationBar-files-button")
         window.click("local-files-list")
         window.keys("Ctrl+L", *str(shows), "Enter")
-        wait(lambda: window.robot.find("local-files-row0")["text"] == "Sponsor film.mp4", "the file")
+        wait(lambda: window.robot.find("local-files-row1")["text"] == "Sponsor film.mp4", "the file")
         window.click("transfers-limit-button")
         window.click("transfers-limit-20")
-        row, tab = window.robot.find("local-files-row0"), window.robot.find("MainNavigationBar-player-button")
+        row, tab = window.robot.find("local-files-row1"), window.robot.find("MainNavigationBar-player-button")
         pointer.drag(row, tab)
         time.sleep(1)
         slot = window.robot.slot(1)
@@ -591,7 +593,14 @@ def slots(options):
         time.sleep(0.5)
         window.shoot(options.out / "drop-on-slots.png")
         pointer.press(False)
-        time.sleep(2)
+        window.click("MainNavigationBar-files-button")
+        pointer.drag(window.robot.find("local-files-row0"), tab)
+        time.sleep(1)
+        pointer.move(slot["global_x"], slot["global_y"] - 4)
+        pointer.move(slot["global_x"], slot["global_y"])
+        pointer.press(False)
+        window.robot.find("MediaPanel-pending-text")
+        time.sleep(1)
         window.rest()
         window.shoot(options.out / "arriving.png")
         window.click("MainNavigationBar-files-button")

@@ -23,6 +23,11 @@ namespace {
 const QString localName = QStringLiteral("local");
 const QString serverName = QStringLiteral("server");
 
+QString arrivingText(double share)
+{
+    return MediaArrivals::tr("arriving %1 %").arg(static_cast<int>(std::clamp(share, 0.0, 1.0) * 100));
+}
+
 /// Whether all that is copied is there, and not only that the operation has ended.
 bool hasPassed(const BaseOperation& operation)
 {
@@ -53,6 +58,7 @@ MediaArrivals::MediaArrivals(FileSystemProvider* fileSystems, FileSystemOperatio
     m_pace.setSingleShot(true);
     m_pace.setInterval(100ms);
     connect(&m_pace, &QTimer::timeout, this, &MediaArrivals::changed);
+    connect(&m_pending, &PendingDrops::changed, this, &MediaArrivals::noteChange);
 }
 
 bool MediaArrivals::isLocal(const QList<MediaEntry>& entries)
@@ -265,7 +271,18 @@ void MediaArrivals::bringDirectory(const QString& localPath,
     if (!operation)
         return ended({}, tr("\"%1\" is left out: it is not there any more.").arg(name));
     const QString target = targetOf(localPath, true);
+    m_pending.add(
+        operation.get(),
+        [operation = operation.get(), name] {
+            return tr("\"%1\": %2").arg(name, arrivingText(operation->progress()));
+        },
+        [operation = operation.get()] {
+            if (auto* runnable = qobject_cast<RunnableOperation*>(operation))
+                runnable->abort();
+        });
+    connect(operation.get(), &BaseOperation::progressChanged, this, &MediaArrivals::noteChange);
     const auto end = [this, operation = operation.get(), target, name, ended] {
+        m_pending.remove(operation);
         if (hasPassed(*operation))
             return ended(target, {});
         FileSystem* const server = m_fileSystems->getFileSystem(serverName);
@@ -284,7 +301,7 @@ QString MediaArrivals::textOf(const QUrl& media) const
     const auto found = m_progress.constFind(media);
     if (found == m_progress.cend())
         return {};
-    return tr("arriving %1 %").arg(static_cast<int>(std::clamp(*found, 0.0, 1.0) * 100));
+    return arrivingText(*found);
 }
 
 void MediaArrivals::noteChange()

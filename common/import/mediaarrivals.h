@@ -2,6 +2,7 @@
 
 #include "common/filesystem/model/filesystem.h"
 #include "common/filesystem/operations/baseoperation.h"
+#include "common/import/pendingdrops.h"
 #include "common/import/slotpayload.h"
 
 #include <QHash>
@@ -64,8 +65,11 @@ public:
     double progressOf(const QUrl& media) const { return m_progress.value(media, -1); }
     bool isEmpty() const { return m_progress.isEmpty(); }
 
+    /// What is in no slot yet.
+    PendingDrops& pending() { return m_pending; }
+
 Q_SIGNALS:
-    /// Some texts; ten times a second at most.
+    /// Some texts, those of what is pending too; ten times a second at most.
     void changed();
     /// It is on its way no more. isSupplanted: it has not arrived, and the server holds another one of its
     /// name by now, which slots that name it would play.
@@ -87,6 +91,7 @@ private:
     FileSystemOperations* m_operations;
     QHash<QUrl, double> m_progress; // from 0 to 1
     QTimer m_pace;
+    PendingDrops m_pending;
 };
 
 } // namespace vantrel

@@ -52,6 +52,11 @@ bool MediaSlotDropHandler::dropDrag(QVariant drag, int collection, int slot)
     return d->handleMimeData(mime.toMap(), collection, slot);
 }
 
+void MediaSlotDropHandler::giveUp(const MediaDrop* drop)
+{
+    d->letGo(drop);
+}
+
 MediaSlotDropHandlerPrivate::MediaSlotDropHandlerPrivate(MediaSlotDropHandler* owner,
                                                          ImageSequenceCreator* creator,
                                                          FileSystemProvider* fileSystems)
@@ -194,8 +199,12 @@ bool MediaSlotDropHandlerPrivate::announce(const QSharedPointer<MediaDrop>& drop
 void MediaSlotDropHandlerPrivate::handleFinishedMediaDrop()
 {
     qCDebug(lcMedia) << "Drop has finished - Removing it";
-    const QObject* const finished = sender();
-    m_drops.removeIf([finished](const QSharedPointer<MediaDrop>& drop) { return drop.get() == finished; });
+    letGo(sender());
+}
+
+void MediaSlotDropHandlerPrivate::letGo(const QObject* drop)
+{
+    m_drops.removeIf([drop](const QSharedPointer<MediaDrop>& kept) { return kept.get() == drop; });
 }
 
 } // namespace vantrel

@@ -35,6 +35,9 @@ public:
     /// drag: an object with the property "mimeData", a map.
     Q_INVOKABLE bool dropDrag(QVariant drag, int collection, int slot);
 
+    /// Lets go of a drop, whatever it is at; unlike its cancel() also while it is at work.
+    void giveUp(const MediaDrop* drop);
+
 Q_SIGNALS:
     /// Whoever takes it calls its save() or cancel() once it is ready, which it may be already.
     void mediaDropCreated(vantrel::MediaDrop* drop);

@@ -35,6 +35,7 @@ public:
     bool parseMedia(const SlotPayload& payload, int collection, int slot);
     bool refuse(const QString& why);
     bool announce(const QSharedPointer<MediaDrop>& drop);
+    void letGo(const QObject* drop);
 
     MediaSlotDropHandler* m_owner;
     ImageSequenceCreator* m_creator;

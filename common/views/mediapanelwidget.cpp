@@ -24,6 +24,7 @@
 #include "common/ui/toolkit/ztedit.h"
 #include "common/ui/toolkit/ztmenu.h"
 #include "common/views/mediapanelmodel.h"
+#include "common/views/pendingdropsbar.h"
 #include "common/views/slotdelegate.h"
 #include "common/views/slotdrops.h"
 #include "common/views/slotlistview.h"
@@ -172,7 +173,9 @@ void MediaPanelWidget::buildList()
         return isEditable() ? QString() : tr("There is no library to edit. Drop it again once it is back.");
     });
     m_view->setContextMenuPolicy(Qt::CustomContextMenu);
-    static_cast<QVBoxLayout*>(layout())->addWidget(m_view, 1);
+    auto* column = static_cast<QVBoxLayout*>(layout());
+    column->addWidget(m_view, 1);
+    column->addWidget(new PendingDropsBar(m_drops, this));
     connect(m_view, &QAbstractItemView::activated, this, &MediaPanelWidget::onActivated);
     connect(m_view, &QWidget::customContextMenuRequested, this, &MediaPanelWidget::showSlotMenu);
     connect(m_view, &SlotListView::deleteRequested, this, &MediaPanelWidget::clearSelectedSlots);

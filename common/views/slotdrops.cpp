@@ -216,8 +216,23 @@ void SlotDrops::take(MediaDrop* drop)
             finish(drop, told);
     };
     connect(drop, &MediaDrop::isReadyChanged, this, whenReady);
-    if (drop->isReady())
+    if (drop->isReady()) {
         QMetaObject::invokeMethod(drop, whenReady, Qt::QueuedConnection);
+        return;
+    }
+    m_arrivals->pending().add(
+        drop, [slot = drop->startSlot()] { return tr("Reading what was dropped on slot %1").arg(slot); },
+        [this, drop] { giveUp(drop); });
+}
+
+void SlotDrops::giveUp(MediaDrop* drop)
+{
+    m_arrivals->pending().remove(drop);
+    m_made.remove(drop);
+    drop->disconnect(this);
+    refuse(tr("What was dropped on slot %1 was given up before it was read. No slot was made of it.")
+               .arg(drop->startSlot()));
+    m_handler.giveUp(drop);
 }
 
 /// Its files are sent once their slots stand.
@@ -316,6 +331,7 @@ void SlotDrops::settle(const QUrl& media, bool isSupplanted)
 void SlotDrops::finish(MediaDrop* drop, int toldLast)
 {
     disconnect(drop, &MediaDrop::isReadyChanged, this, nullptr);
+    m_arrivals->pending().remove(drop);
     if (!drop->imageResults().isEmpty())
         return review(drop);
     QStringList names;

@@ -65,9 +65,13 @@ public:
 
     /// What of this computer is on its way into slots.
     const MediaArrivals& arrivals() const { return *m_arrivals; }
+    /// Of what was dropped on slots, here or in another view, and is not in them yet; empty for none.
+    QString pendingText() const { return m_arrivals->pending().text(); }
+    /// What that speaks of: nothing of it goes into slots.
+    void givePendingUp() { m_arrivals->pending().giveUp(); }
 
 Q_SIGNALS:
-    /// What arrivals() says of some slots.
+    /// What arrivals() says of some slots, or pendingText().
     void arrivalsChanged();
 
 private:
@@ -89,6 +93,7 @@ private:
     void bring(const MediaArrivals::Plan& plan, int collection, int slot, int toldLast);
     void bringDirectories(const QStringList& directories, int collection, int slot);
     void take(MediaDrop* drop);
+    void giveUp(MediaDrop* drop);
     void finish(MediaDrop* drop, int toldLast);
     void review(MediaDrop* drop);
     void follow(MediaDrop* drop);

@@ -118,6 +118,16 @@ void MediaActions::cue(int collection, int slot)
         m_session->signalRelay()->handleDirectPlay(source.siblingAtColumn(0));
 }
 
+QString MediaActions::pendingDrop() const
+{
+    return m_drops->pendingText();
+}
+
+void MediaActions::givePendingDropUp()
+{
+    m_drops->givePendingUp();
+}
+
 QString MediaActions::arriving(int collection, int slot) const
 {
     const MediaArrivals& arrivals = m_drops->arrivals();

@@ -28,6 +28,8 @@ class MediaActions : public QObject
     Q_PROPERTY(bool isEditable READ isEditable NOTIFY libraryChanged)
     /// Grows with every change of what arriving() tells.
     Q_PROPERTY(int arrivalsRevision READ arrivalsRevision NOTIFY arrivalsChanged)
+    /// What was dropped on slots and is not in them yet; empty for none.
+    Q_PROPERTY(QString pendingDrop READ pendingDrop NOTIFY arrivalsChanged)
     /// What stands between the operator and the library, a sentence; empty for nothing.
     Q_PROPERTY(QString obstacle READ obstacle NOTIFY libraryChanged)
     /// Slots as a table or as pictures. Kept in the settings.
@@ -45,6 +47,7 @@ public:
     bool isLive() const { return m_isConnected && m_silence.isEmpty(); }
     bool isEditable() const { return isLive() && m_isRead; }
     int arrivalsRevision() const { return m_arrivalsRevision; }
+    QString pendingDrop() const;
     QString obstacle() const;
     bool isTable() const { return m_isTable; }
     void setIsTable(bool isTable);
@@ -80,6 +83,8 @@ public:
     Q_INVOKABLE int roomBehind(int slot);
     Q_INVOKABLE void drop(int slot);
     Q_INVOKABLE void endDrop();
+    /// What pendingDrop() speaks of: nothing of it goes into slots.
+    Q_INVOKABLE void givePendingDropUp();
 
 Q_SIGNALS:
     /// The operator wants a server.

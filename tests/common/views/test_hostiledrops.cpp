@@ -23,6 +23,7 @@ private Q_SLOTS:
     }
     void init()
     {
+        NotificationManagerImpl::instance()->clear();
         m_hand = std::make_unique<DroppingHand>();
         QVERIFY(m_hand->isReady());
     }
@@ -41,6 +42,45 @@ private Q_SLOTS:
                      QStringLiteral("&quot;act&quot; has not arrived, so no slot was made of it."));
         QVERIFY(m_hand->wasTold(QStringLiteral("a link that leads back into it")));
         QVERIFY(!onServer(QStringLiteral("act")));
+    }
+
+    /// HALCYRA_ENTRIES=1000000 gives up what takes longer.
+    void folderOfManyIsGivenUp_data()
+    {
+        QTest::addColumn<bool>("isLocal");
+        QTest::newRow("of this computer") << true;
+        QTest::newRow("of the server") << false;
+    }
+    void folderOfManyIsGivenUp()
+    {
+        QFETCH(bool, isLocal);
+        const QString folder =
+            isLocal ? path(QStringLiteral("many")) : m_hand->server.mediaFolder() + QStringLiteral("/many");
+        QVERIFY(QDir().mkpath(folder));
+        const int count = std::max(20000, qEnvironmentVariableIntValue("HALCYRA_ENTRIES"));
+        for (int i = 0; i < count; ++i) {
+            QFile file(folder + QStringLiteral("/still %1 of many.png").arg(i));
+            QVERIFY(file.open(QIODevice::WriteOnly));
+        }
+        const int steps = m_hand->live.session->getQUndoStack()->index();
+        QMimeData data;
+        data.setData(QStringLiteral("application/type"), "media");
+        data.setData(
+            QStringLiteral("application/json"),
+            R"([{"path":"/many","fileSystem":"server","name":"many","duration":0,"isDirectory":true,"isPlayable":true}])");
+        QVERIFY(isLocal ? m_hand->drop({QStringLiteral("many")}, 3) : m_hand->drop(data, 3));
+        QTRY_VERIFY(!m_hand->drops->pendingText().isEmpty());
+        m_hand->drops->givePendingUp();
+        QTRY_COMPARE(m_hand->drops->pendingText(), QString());
+        QTRY_VERIFY2(m_hand->told().contains(QStringLiteral("o slot was made of it")),
+                 qPrintable(m_hand->told()));
+        // The next one is not held up by it.
+        m_hand->makePicture(QStringLiteral("logo.png"));
+        QVERIFY(m_hand->drop({QStringLiteral("logo.png")}, 5));
+        QVERIFY(m_hand->approve());
+        QTRY_VERIFY(m_hand->slot(5) && m_hand->slot(5)->isPlayable());
+        QVERIFY(!m_hand->slot(3));
+        QCOMPARE(m_hand->live.session->getQUndoStack()->index(), steps + 1);
     }
 
     void longestNames()

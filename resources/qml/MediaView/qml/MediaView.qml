@@ -89,8 +89,8 @@ ZTQMLWidget {
         }
     }
     ZTSplitView {
-        anchors { left: parent.left; right: parent.right; top: banner.bottom; bottom: parent.bottom }
-        anchors.topMargin: banner.visible ? Theme.normal : 0
+        anchors { left: parent.left; right: parent.right; top: banner.bottom; bottom: pending.top }
+        anchors { topMargin: banner.visible ? Theme.normal : 0; bottomMargin: pending.visible ? Theme.normal : 0 }
         orientation: Qt.Horizontal
 
         CollectionPanel {
@@ -128,6 +128,32 @@ ZTQMLWidget {
             T.SplitView.maximumWidth: view.width / 2
             T.SplitView.preferredWidth: Math.min(Theme.scaled(260), view.width / 3)
             onPointRequested: (file) => view.pointAtFile(file)
+        }
+    }
+    Rectangle {
+        id: pending
+
+        anchors { left: parent.left; right: parent.right; bottom: parent.bottom }
+        height: visible ? Theme.barHeight + 2 * Theme.tight : 0
+        visible: mediaActions.pendingDrop !== ""
+        color: Theme.panel
+        radius: Theme.panelRadius
+
+        ZTLabel {
+            objectName: "MediaView-pending"
+            anchors { left: parent.left; right: giveUpButton.left; verticalCenter: parent.verticalCenter }
+            anchors { leftMargin: Theme.normal; rightMargin: Theme.normal }
+            text: mediaActions.pendingDrop
+            elide: Text.ElideRight
+        }
+        ZTButton {
+            id: giveUpButton
+
+            objectName: "MediaView-pending-cancel-button"
+            anchors { right: parent.right; rightMargin: Theme.tight; verticalCenter: parent.verticalCenter }
+            iconName: "close"
+            tip: qsTr("Give up this drop: nothing of it goes into slots")
+            onClicked: mediaActions.givePendingDropUp()
         }
     }
     Loader {
