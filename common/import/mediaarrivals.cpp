@@ -58,7 +58,7 @@ MediaArrivals::MediaArrivals(FileSystemProvider* fileSystems, FileSystemOperatio
     m_pace.setSingleShot(true);
     m_pace.setInterval(100ms);
     connect(&m_pace, &QTimer::timeout, this, &MediaArrivals::changed);
-    connect(&m_pending, &PendingDrops::changed, this, &MediaArrivals::noteChange);
+    connect(&m_pending, &PendingDrops::changed, this, &MediaArrivals::changed);
 }
 
 bool MediaArrivals::isLocal(const QList<MediaEntry>& entries)

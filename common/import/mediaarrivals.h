@@ -69,7 +69,7 @@ public:
     PendingDrops& pending() { return m_pending; }
 
 Q_SIGNALS:
-    /// Some texts, those of what is pending too; ten times a second at most.
+    /// Some texts, ten times a second at most, or what is pending.
     void changed();
     /// It is on its way no more. isSupplanted: it has not arrived, and the server holds another one of its
     /// name by now, which slots that name it would play.
