@@ -63,12 +63,16 @@ void SlotTable::removeCollection(uint collection)
 
 void SlotTable::reset()
 {
+    // A link that comes and goes would else keep all that there ever was.
+    constexpr std::size_t mostEarlier = 4;
     for (auto& [index, collection] : m_collections) {
         for (const int number : std::exchange(collection.unlisted, {}))
             collection.now.drop(number);
         Shelf old = std::exchange(collection.now, {});
         if (!old.records.empty())
             collection.earlier.push_back(std::move(old));
+        if (collection.earlier.size() > mostEarlier)
+            collection.earlier.erase(collection.earlier.begin());
     }
 }
 

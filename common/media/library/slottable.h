@@ -33,8 +33,8 @@ public:
     /// items() forgets the collection. item() answers for its slots until they are put anew: models hear of
     /// the removal and stop asking.
     void removeCollection(uint collection);
-    /// Forgets what item() tells. items() goes on to tell the earlier items beside the new ones, and who asks
-    /// for them tells them apart by their pointers.
+    /// Forgets what item() tells. items() goes on to tell those before the last four resets beside the new
+    /// ones, and who asks for them tells them apart by their pointers.
     void reset();
 
     bool contains(const MediaAddress& address) const;

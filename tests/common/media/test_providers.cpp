@@ -157,6 +157,10 @@ void TestProviders::reloadKeepsEarlierSlotItems()
     QVERIFY(mirror.provider.slot({1, 1}) != before);
     QVERIFY(mirror.provider.slots_(1).contains(before));
     QCOMPARE(mirror.provider.slots_(1).size(), 4);
+    for (int i = 0; i < 20; ++i)
+        mirror.load();
+    QVERIFY(!mirror.provider.slots_(1).contains(before));
+    QCOMPARE(mirror.provider.slots_(1).size(), 10);
 }
 
 void TestProviders::sharedSlotChanges()
