@@ -117,7 +117,8 @@ void OutputView::updateUsable()
     const bool isUsable =
         m_session->isConnected() && m_session->linkHealth()->state() != LinkHealth::State::Silent;
     m_items->setEnabled(isUsable);
-    m_menu->setEnabled(isUsable);
+    for (QAction* action : m_menu->actions()) // the menu itself opens, and shows what there is
+        action->setEnabled(isUsable);
 }
 
 void OutputView::updateMinimumWidth(FontSize size)

@@ -4,7 +4,8 @@
 
 namespace vantrel {
 
-/// A menu of the application, with tooltips shown and icons tinted.
+/// A menu of the application, with tooltips shown and icons tinted. It closes when it, or what it belongs to,
+/// is disabled.
 class ZTMenu : public QMenu
 {
     Q_OBJECT
@@ -16,6 +17,9 @@ public:
     void setObjectNames(const QString& base);
     /// An entry with an icon of ours, by path or name.
     QAction* addEntry(const QString& icon, const QString& text);
+
+protected:
+    void changeEvent(QEvent* event) override;
 };
 
 } // namespace vantrel

@@ -9,6 +9,7 @@
 #include "common/ui/toolkit/pushbutton.h"
 #include "common/ui/toolkit/uncovered.h"
 #include "common/ui/toolkit/ztdropdownmenu.h"
+#include "common/ui/toolkit/ztmenu.h"
 #include "tests/common/session/scriptedpeer.h"
 #include "tests/common/ui/testsettings.h"
 #include "tests/support/testmain.h"
@@ -69,6 +70,21 @@ private Q_SLOTS:
         }
         window.show();
         QTEST(uncoveredPlace(window, QSize(100, 20), 280), "place");
+    }
+
+    /// A lost link disables what a menu belongs to, whether that is open or not.
+    void menuThatIsDisabledHoldsNothing()
+    {
+        QWidget window;
+        auto* panel = new QWidget(&window);
+        auto* menu = new ZTMenu(panel);
+        menu->addAction(QStringLiteral("Reset"));
+        window.show();
+        menu->popup(window.mapToGlobal(QPoint(5, 5)));
+        QTRY_COMPARE(QApplication::activePopupWidget(), menu);
+        panel->setEnabled(false);
+        QVERIFY(!menu->isVisible());
+        QVERIFY(!QApplication::activePopupWidget());
     }
 
     void dropdownTellsOfChoiceAndCancel_data()
