@@ -145,6 +145,15 @@ void ZTDialog::moveOntoScreen(QPoint place)
     move(place);
 }
 
+/// Who opened it may be disabled, as by a lost link: a dialog that is disabled with it could not be closed,
+/// and would lock the window below it.
+void ZTDialog::changeEvent(QEvent* event)
+{
+    QDialog::changeEvent(event);
+    if (event->type() == QEvent::EnabledChange && !isEnabled())
+        setEnabled(true);
+}
+
 void ZTDialog::showEvent(QShowEvent* event)
 {
     QDialog::showEvent(event);

@@ -53,6 +53,7 @@ Q_SIGNALS:
 
 protected:
     ZTLabel* titleLabel() const { return m_title; }
+    void changeEvent(QEvent* event) override;
     void showEvent(QShowEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;

@@ -5,6 +5,7 @@
 #include "common/ui/toolkit/accordion.h"
 #include "common/ui/toolkit/collapse.h"
 #include "common/ui/toolkit/colorbox.h"
+#include "common/ui/toolkit/confirmationdialog.h"
 #include "common/ui/toolkit/elidedlabel.h"
 #include "common/ui/toolkit/pushbutton.h"
 #include "common/ui/toolkit/uncovered.h"
@@ -72,11 +73,20 @@ private Q_SLOTS:
         QTEST(uncoveredPlace(window, QSize(100, 20), 280), "place");
     }
 
-    /// A lost link disables what a menu belongs to, whether that is open or not.
-    void menuThatIsDisabledHoldsNothing()
+    /// A lost link disables what they belong to, and must not lock the window.
+    void menusAndDialogsOutliveWhatTheyBelongTo()
     {
         QWidget window;
         auto* panel = new QWidget(&window);
+        auto* dialog = new ConfirmationDialog(QStringLiteral("Reset"), {}, QStringLiteral("RESET"), panel);
+        dialog->acceptButton()->setEnabled(false);
+        dialog->open();
+        panel->setEnabled(false);
+        QVERIFY(!dialog->acceptButton()->isEnabled());
+        QTest::mouseClick(dialog->cancelButton(), Qt::LeftButton);
+        QVERIFY(!dialog->isVisible());
+        panel->setEnabled(true);
+
         auto* menu = new ZTMenu(panel);
         menu->addAction(QStringLiteral("Reset"));
         window.show();
