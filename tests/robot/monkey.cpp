@@ -38,6 +38,8 @@ const QStringList trueWarnings = {
     QStringLiteral("Selected entry not valid."),    // the operator is told
     QStringLiteral("Undo failed! "),
     QStringLiteral("Redo failed! "),
+    QStringLiteral("Failed to open import file: "),         // the operator is told
+    QStringLiteral("QUnifiedTimer::stopAnimationDriver: "), // Qt's own, of several declarative views
 };
 
 /// Those of a server that is dead, or means harm.
