@@ -19,6 +19,7 @@ foreach(source IN LISTS targets)
 endforeach()
 
 # Parsers outside of tarn: the reader of the event stream,
+target_sources(fuzz_mediaurl PRIVATE ${CMAKE_SOURCE_DIR}/ombra/base/percent.cpp)
 target_sources(fuzz_eventstream PRIVATE ${CMAKE_SOURCE_DIR}/common/media/library/eventstream.cpp
   ${CMAKE_SOURCE_DIR}/common/media/address/medialogging.cpp)
 target_link_libraries(fuzz_eventstream PRIVATE Qt6::Core)
