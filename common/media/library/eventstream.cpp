@@ -31,7 +31,8 @@ void EventStream::parse(const std::function<void(const QByteArray& data)>& onMes
     const QByteArray text = m_buffer.left(whole);
     m_buffer.remove(0, whole);
     for (qsizetype start = 0; start < text.size();) {
-        const qsizetype end = text.indexOf("\n\n", start) + 2;
+        const qsizetype boundary = text.indexOf("\n\n", start);
+        const qsizetype end = boundary < 0 ? text.size() : boundary + 2; // a third line break may be left
         if (std::exchange(m_passed, 0) + end - start > maxMessage)
             onMessage(QByteArray());
         else
