@@ -1,5 +1,6 @@
 #include "ombra/engine/playback.h"
 
+#include "ombra/base/fail.h"
 #include "tarn/log/log.h"
 #include "tarn/media/channelenums.h"
 #include "tarn/media/mediaenums.h"
@@ -13,13 +14,6 @@
 namespace vantrel::ombra {
 
 namespace {
-
-bool fail(std::string* error, std::string text)
-{
-    if (error)
-        *error = std::move(text);
-    return false;
-}
 
 bool numberArgument(const Json& args, const char* name, double& out, std::string* error)
 {

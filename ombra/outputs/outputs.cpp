@@ -1,5 +1,6 @@
 #include "ombra/outputs/outputs.h"
 
+#include "ombra/base/fail.h"
 #include "ombra/outputs/displayedid.h"
 #include "ombra/outputs/sceneaccess.h"
 #include "ombra/outputs/videooutput.h"
@@ -16,13 +17,6 @@ namespace {
 constexpr std::array outputNames = {"DP-1", "DP-2"};
 constexpr int programMapping = 1;
 constexpr int fullHd50 = 31; // its video code
-
-bool fail(std::string* error, const std::string& text)
-{
-    if (error)
-        *error = text;
-    return false;
-}
 
 /// What stands beside the operator.
 DisplayTraits monitor()
@@ -71,8 +65,8 @@ Json playback()
 Outputs::Outputs(Scene& scene)
     : m_scene(scene)
 {
-    m_outputs.push_back(std::make_unique<VideoOutput>(scene, 0, outputNames[0], makeEdid(monitor())));
-    m_outputs.push_back(std::make_unique<VideoOutput>(scene, 1, outputNames[1], makeEdid(wall())));
+    for (int i = 0; i < static_cast<int>(outputNames.size()); ++i)
+        m_outputs.push_back(std::make_unique<VideoOutput>(scene, i, outputNames[std::size_t(i)], ownEdid(i)));
 }
 
 Outputs::~Outputs() = default;

@@ -1,5 +1,6 @@
 #include "ombra/outputs/videooutput.h"
 
+#include "ombra/base/fail.h"
 #include "ombra/outputs/sceneaccess.h"
 #include "ombra/outputs/standardmodes.h"
 
@@ -15,13 +16,6 @@ namespace vantrel::ombra {
 namespace {
 
 constexpr std::string_view displayPrefix = "edid-"; // of a mode that the display itself names
-
-bool fail(std::string* error, const std::string& text)
-{
-    if (error)
-        *error = text;
-    return false;
-}
 
 Json modelineJson(const std::string& id, const VideoTiming& timing, bool isStandard)
 {

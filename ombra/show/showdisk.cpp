@@ -1,5 +1,6 @@
 #include "ombra/show/showdisk.h"
 
+#include "ombra/base/fail.h"
 #include "ombra/show/atomicfile.h"
 #include "ombra/show/generations.h"
 #include "ombra/show/journalline.h"
@@ -22,13 +23,6 @@ namespace {
 /// Bytes of a journal, far from what a start still reads.
 constexpr std::uint64_t largeJournal = 256u << 20;
 constexpr std::uint64_t untilNextTry = 64u << 20;
-
-bool fail(std::string* error, const std::string& text)
-{
-    if (error)
-        *error = text;
-    return false;
-}
 
 /// Whether a path is fine and the disk takes nothing just now.
 bool isDiskTrouble(int code)

@@ -1,5 +1,6 @@
 #include "ombra/show/showfiles.h"
 
+#include "ombra/base/fail.h"
 #include "ombra/outputs/outputs.h"
 #include "ombra/show/currentshow.h"
 #include "ombra/show/missingmedia.h"
@@ -13,13 +14,6 @@
 namespace vantrel::ombra {
 
 namespace {
-
-bool fail(std::string* error, const std::string& text)
-{
-    if (error)
-        *error = text;
-    return false;
-}
 
 unsigned statusOf(const EditResult& result)
 {
