@@ -3,6 +3,7 @@
 #include "common/session/window/mainwindowhandle.h"
 #include "common/ui/clicktest/clicktestdrag.h"
 #include "common/ui/clicktest/clicktestrequest.h"
+#include "common/ui/clicktest/nameditem.h"
 #include "common/ui/keyboard/pressguard.h"
 
 #include <QApplication>
@@ -14,7 +15,6 @@
 #include <QMouseEvent>
 #include <QPointer>
 #include <QPointingDevice>
-#include <QQuickItem>
 #include <QQuickWidget>
 #include <QQuickWindow>
 #include <QShortcut>
@@ -76,17 +76,6 @@ struct Target
     QPointer<QObject> object;
     QPointF local;
 };
-
-QQuickItem* namedItem(QQuickItem* from, const QString& name)
-{
-    if (from->objectName() == name)
-        return from;
-    for (QQuickItem* child : from->childItems()) {
-        if (QQuickItem* found = namedItem(child, name))
-            return found;
-    }
-    return nullptr;
-}
 
 /// The item must be there, and the view gets the event where the mouse is: an item may leave the mouse to a
 /// part of it.

@@ -4,11 +4,11 @@
 #include "common/qml/qmlmanager.h"
 #include "common/qml/qmlthumbnailprovider.h"
 #include "common/session/settings/configuration.h"
+#include "common/ui/clicktest/nameditem.h"
 #include "common/ui/style/stylesheet.h"
 #include "common/views/files/filesview.h"
 #include "tests/common/ui/testsettings.h"
 #include "tests/support/fakefiles.h"
-#include "tests/support/quickitems.h"
 #include "tests/support/testmain.h"
 
 #include <QApplication>

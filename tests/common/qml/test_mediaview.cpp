@@ -2,6 +2,7 @@
 #include "common/qml/qmlmanager.h"
 #include "common/qml/selectionmodel.h"
 #include "common/session/settings/configuration.h"
+#include "common/ui/clicktest/nameditem.h"
 #include "common/ui/style/stylesheet.h"
 #include "common/views/media/collectionpanes.h"
 #include "common/views/media/mediaview.h"
@@ -12,7 +13,6 @@
 #include "tests/support/fakefiles.h"
 #include "tests/support/librarymaker.h"
 #include "tests/support/mediamirror.h"
-#include "tests/support/quickitems.h"
 #include "tests/support/testmain.h"
 
 #include <QAbstractItemModelTester>

@@ -5,6 +5,7 @@
 #include "common/session/link/locatormodel.h"
 #include "common/session/mirror/guishowconfiguration.h"
 #include "common/session/mirror/serverconfigurationmodel.h"
+#include "common/ui/clicktest/nameditem.h"
 #include "common/ui/shell/configurationdialog.h"
 #include "common/ui/shell/connectdialog.h"
 #include "common/ui/shell/mainmenu.h"
@@ -24,7 +25,6 @@
 #include "common/ui/toolkit/ztlabel.h"
 #include "tarn/scene/scene.h"
 #include "tests/common/ui/testsettings.h"
-#include "tests/support/quickitems.h"
 #include "tests/support/testmain.h"
 
 #include <QAbstractItemModelTester>
@@ -75,7 +75,7 @@ private:
     /// Null while the view's file is being read.
     static QQuickItem* item(const QQuickWidget* view, const QString& name)
     {
-        return view->rootObject() ? test::namedItem(view->rootObject(), name) : nullptr;
+        return view->rootObject() ? namedItem(view->rootObject(), name) : nullptr;
     }
 
     QWidget m_window;

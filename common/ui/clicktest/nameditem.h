@@ -2,7 +2,7 @@
 
 #include <QQuickItem>
 
-namespace vantrel::test {
+namespace vantrel {
 
 /// The first of that name below the item, itself among them; null for none.
 inline QQuickItem* namedItem(QQuickItem* from, const QString& name)
@@ -16,4 +16,4 @@ inline QQuickItem* namedItem(QQuickItem* from, const QString& name)
     return nullptr;
 }
 
-} // namespace vantrel::test
+} // namespace vantrel
