@@ -49,10 +49,8 @@ void MappingPreview::shareScale()
 
 void MappingPreview::updateUsable()
 {
-    const bool isUsable =
-        m_session->isConnected() && m_session->linkHealth()->state() != LinkHealth::State::Silent;
     for (OutputPicture* picture : m_pictures)
-        picture->setEnabled(isUsable);
+        picture->setEnabled(m_session->isReachable());
 }
 
 } // namespace vantrel

@@ -114,8 +114,7 @@ void OutputView::resetOutputs()
 /// What is set while nobody hears it would only look set.
 void OutputView::updateUsable()
 {
-    const bool isUsable =
-        m_session->isConnected() && m_session->linkHealth()->state() != LinkHealth::State::Silent;
+    const bool isUsable = m_session->isReachable();
     m_items->setEnabled(isUsable);
     for (QAction* action : m_menu->actions()) // the menu itself opens, and shows what there is
         action->setEnabled(isUsable);

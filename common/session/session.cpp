@@ -145,6 +145,11 @@ void Session::sendPatch(const Patch& patch)
         qCInfo(lcSession) << "Not sent, since the server does not answer:" << patch.size() << "operations";
 }
 
+bool Session::isReachable() const
+{
+    return isConnected() && m_linkHealth->state() != LinkHealth::State::Silent;
+}
+
 bool Session::isConnected() const
 {
     return !m_connection->getConnectedHost().isEmpty();

@@ -103,6 +103,8 @@ public:
     /// Sends to the server; without a link the patch is dropped.
     void sendPatch(const Patch& patch);
     bool isConnected() const;
+    /// Connected, and the server says something on its link.
+    bool isReachable() const;
 
     Scene* getScene() const { return m_scene.get(); }
     QNetworkAccessManager* getQNetworkAccessManager() const;
