@@ -195,9 +195,9 @@ void ModelineDialog::updateData()
     updateFormats();
     const QString file = edidOverrideFileName();
     m_edidFile->setText(textOrUnknown(file.isEmpty() ? value(OutputModel::ProductColumn).toString() : file));
-    m_connected = value(OutputModel::ConnectedColumn).toBool();
-    m_import->setEnabled(m_connected);
-    m_read->setEnabled(m_connected);
+    const bool isConnected = value(OutputModel::ConnectedColumn).toBool();
+    m_import->setEnabled(isConnected);
+    m_read->setEnabled(isConnected);
     if (!m_isLinkRateChosen)
         m_linkRate->setCurrentIndex(value(OutputModel::MaxLinkRateColumn).toBool() ? 1 : 0);
     const QString instead = value(OutputModel::OverrideEdidColumn).toString();

@@ -86,7 +86,6 @@ private:
     PushButton* m_import = nullptr;
     PushButton* m_read = nullptr;
     PushButton* m_apply = nullptr;
-    bool m_connected = false;
     QString m_chosenFormat;          // by the operator and not applied; empty for none
     bool m_isLinkRateChosen = false; // likewise
 };

@@ -140,19 +140,20 @@ void OutputModel::sendCommand(Object* object, const QString& method, const QStri
 
 void OutputModel::sendScaling(const QString& mode)
 {
-    if (const auto mapping = getMapping())
-        sendCommand(mapping->object(), QStringLiteral("selectDefaultScaleMode"), tr("Set default scale mode"),
-                    {{"mode", Variant::from(mode)}});
-    else
-        qCWarning(lcOutputs, "No mapping for output (preview = %s, program = %s)",
-                  qPrintable(targetOf(m_previewMapping)), qPrintable(targetOf(m_programMapping)));
+    sendToMapping(QStringLiteral("selectDefaultScaleMode"), tr("Set default scale mode"),
+                  {{"mode", Variant::from(mode)}});
 }
 
 void OutputModel::sendBackgroundColor(const QColor& color)
 {
+    sendToMapping(QStringLiteral("selectBackgroundColor"), tr("Set background color"),
+                  {{"color", Variant::from(color.name())}});
+}
+
+void OutputModel::sendToMapping(const QString& method, const QString& text, const VariantMap& args)
+{
     if (const auto mapping = getMapping())
-        sendCommand(mapping->object(), QStringLiteral("selectBackgroundColor"), tr("Set background color"),
-                    {{"color", Variant::from(color.name())}});
+        sendCommand(mapping->object(), method, text, args);
     else
         qCWarning(lcOutputs, "No mapping for output (preview = %s, program = %s)",
                   qPrintable(targetOf(m_previewMapping)), qPrintable(targetOf(m_programMapping)));

@@ -119,6 +119,7 @@ public Q_SLOTS:
 private:
     void updateModelines();
     void followMapping(GUIMapping* before, GUIMapping* mapping);
+    void sendToMapping(const QString& method, const QString& text, const VariantMap& args);
     void sendToOutput(const QString& method, const QString& text, const VariantMap& args);
     QVariant timing(int column) const;
     QVariant status(int column) const;
