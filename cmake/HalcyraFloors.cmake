@@ -2,7 +2,7 @@
 # below its floor only (as links in the build tree), so that an include which runs back up does not compile.
 set(floors_file ${CMAKE_SOURCE_DIR}/cmake/floors.txt)
 set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${floors_file})
-set(core_qt Qt6::Core Qt6::Gui Qt6::Network Qt6::WebSockets)
+set(core_qt Qt6::Core Qt6::Concurrent Qt6::Gui Qt6::Network Qt6::WebSockets)
 set(widgets_qt ${core_qt} Qt6::Widgets Qt6::Qml Qt6::Quick Qt6::QuickWidgets Qt6::Svg Qt6::SvgWidgets)
 
 function(halcyra_link_into room path)

@@ -2,10 +2,9 @@
 
 #include "tarn/media/medialibrary.h"
 
-#include <QPromise>
 #include <QThreadPool>
+#include <QtConcurrentRun>
 
-#include <memory>
 #include <string>
 
 namespace vantrel {
@@ -33,13 +32,7 @@ LibraryReading LibraryReading::read(const QByteArray& body)
 
 QFuture<LibraryReading> LibraryReading::start(const QByteArrayList& pieces)
 {
-    const auto promise = std::make_shared<QPromise<LibraryReading>>();
-    promise->start();
-    QThreadPool::globalInstance()->start([promise, pieces] {
-        promise->addResult(read(pieces.join()));
-        promise->finish();
-    });
-    return promise->future();
+    return QtConcurrent::run([pieces] { return read(pieces.join()); });
 }
 
 LibraryReading::Remains::Remains(const MediaLibrary& library)

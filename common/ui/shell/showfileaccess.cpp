@@ -4,11 +4,8 @@
 
 #include <QCoreApplication>
 #include <QFile>
-#include <QPromise>
 #include <QSaveFile>
-#include <QThreadPool>
-
-#include <memory>
+#include <QtConcurrentRun>
 
 namespace vantrel {
 
@@ -47,28 +44,16 @@ QString write(const QString& fileName, const QByteArrayList& pieces)
     return file.commit() ? QString() : file.errorString();
 }
 
-template <typename Work>
-auto aside(Work work)
-{
-    const auto promise = std::make_shared<QPromise<decltype(work())>>();
-    promise->start();
-    QThreadPool::globalInstance()->start([promise, work = std::move(work)] {
-        promise->addResult(work());
-        promise->finish();
-    });
-    return promise->future();
-}
-
 } // namespace
 
 QFuture<ShowFileReading> readShowFile(const QString& fileName)
 {
-    return aside([fileName] { return read(fileName); });
+    return QtConcurrent::run([fileName] { return read(fileName); });
 }
 
 QFuture<QString> writeShowFile(const QString& fileName, const QByteArrayList& pieces)
 {
-    return aside([fileName, pieces] { return write(fileName, pieces); });
+    return QtConcurrent::run([fileName, pieces] { return write(fileName, pieces); });
 }
 
 } // namespace vantrel

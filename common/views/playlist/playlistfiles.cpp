@@ -14,12 +14,10 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QFuture>
-#include <QPromise>
 #include <QSaveFile>
-#include <QThreadPool>
+#include <QtConcurrentRun>
 
 #include <algorithm>
-#include <memory>
 
 namespace vantrel {
 
@@ -120,18 +118,16 @@ void PlaylistFiles::exportTable(const List& list)
 /// On another thread, from the library as it is now: a long list takes longer than a picture does.
 void PlaylistFiles::writeTable(const List& list, const QString& fileName)
 {
-    const auto promise = std::make_shared<QPromise<QString>>();
-    promise->start();
-    promise->future().then(this, [this, fileName](const QString& fault) { tellWritten(fault, fileName); });
     const Ref<MediaLibrary> kept = makeRef<MediaLibrary>(library());
-    QThreadPool::globalInstance()->start([promise, kept, fileName, number = static_cast<int>(list.number)] {
+    const auto write = [kept, fileName, number = static_cast<int>(list.number)] {
         QString fault;
         QSaveFile file(fileName);
         const bool isWritten = file.open(QIODevice::WriteOnly) &&
                                PlaylistCsv::write(file, *kept, number, &fault) && file.commit();
-        promise->addResult(isWritten ? QString() : fault.isEmpty() ? file.errorString() : fault);
-        promise->finish();
-    });
+        return isWritten ? QString() : fault.isEmpty() ? file.errorString() : fault;
+    };
+    QtConcurrent::run(write).then(this,
+                                  [this, fileName](const QString& fault) { tellWritten(fault, fileName); });
 }
 
 void PlaylistFiles::printSheet(const List& list)
