@@ -32,6 +32,7 @@ private Q_SLOTS:
     void passesOverComments();
     void randomCutsChangeNothing();
     void passesOverWhatIsLarge();
+    void endsAtAnyNumberOfLineBreaks();
     void endlessMessageIsDropped();
 };
 
@@ -89,6 +90,18 @@ void TestEventStream::randomCutsChangeNothing()
         }
         EventStream stream;
         QCOMPARE(read(stream, pieces), expected);
+    }
+}
+
+void TestEventStream::endsAtAnyNumberOfLineBreaks()
+{
+    for (int breaks = 2; breaks < 7; ++breaks) {
+        EventStream stream;
+        const QByteArray text = "data: [1]" + QByteArray(breaks, '\n') + "data: [2]\n\n";
+        QCOMPARE(read(stream, {text}), (QList<QByteArray>{"[1]\n", "[2]\n"}));
+        EventStream cut;
+        QCOMPARE(read(cut, {text.left(9 + breaks), text.mid(9 + breaks)}),
+                 (QList<QByteArray>{"[1]\n", "[2]\n"}));
     }
 }
 
