@@ -3,7 +3,7 @@ import QtQuick.Templates as T
 import Tessen.Models 1.0
 import ZTCommon 1.0
 
-// The slots of the chosen collection as pictures or as a table, and what is done with them.
+// The slots of one collection as pictures or as a table, and what is done with them.
 FocusScope {
     id: pane
 
