@@ -310,11 +310,17 @@ void ConnectDialog::onConnected()
     cancelButton()->setFocusPolicy(Qt::NoFocus);
 }
 
-void ConnectDialog::onDisconnected()
+void ConnectDialog::onDisconnected(const QString& host)
 {
     m_disconnect->hide();
     cancelButton()->setEnabled(true);
     cancelButton()->setFocusPolicy(tabClickWheel);
+    if (!isVisible())
+        return;
+    if (host.isEmpty())
+        setConnectDialog();
+    else
+        setDisconnectionDialog(host);
 }
 
 void ConnectDialog::reject()

@@ -41,7 +41,8 @@ public:
 
 public Q_SLOTS:
     void onConnected();
-    void onDisconnected();
+    /// host: the one that is tried or lost; empty after the operator's own disconnect.
+    void onDisconnected(const QString& host);
     void reject() override;
 
 Q_SIGNALS:

@@ -356,7 +356,6 @@ ConnectDialog* MainWindow::connectDialog()
         connect(m_connectDialog, &ConnectDialog::connectRequested, handler,
                 [handler](const QString& host) { handler->connect(host); });
         connect(handler, &ConnectionHandler::connected, m_connectDialog, &ConnectDialog::onConnected);
-        connect(handler, &ConnectionHandler::disconnected, m_connectDialog, &ConnectDialog::onDisconnected);
         if (m_session->isConnected())
             m_connectDialog->onConnected();
     }
@@ -410,8 +409,8 @@ void MainWindow::onConnected()
 void MainWindow::onDisconnected(const QString& address)
 {
     m_attemptedHost.clear();
-    if (m_connectDialog && m_connectDialog->isVisible())
-        m_connectDialog->setDisconnectionDialog(address);
+    if (m_connectDialog)
+        m_connectDialog->onDisconnected(address);
 }
 
 void MainWindow::onAttemptFailed(const QString& host, const QString& reason, const QString& next)

@@ -304,6 +304,14 @@ private Q_SLOTS:
         QCOMPARE(stopped.size(), 1);
         QVERIFY(!dialog.isVisible());
         QCOMPARE(requested.size(), 1);
+        dialog.onConnected();
+        dialog.showConnectDialog();
+        QVERIFY(!dialog.cancelButton()->isEnabled());
+        dialog.onDisconnected(QString()); // the operator's own: nothing has failed
+        QCOMPARE(dialog.title(), QStringLiteral("Connect to server"));
+        QVERIFY(dialog.cancelButton()->isEnabled());
+        dialog.onDisconnected(QStringLiteral("host"));
+        QCOMPARE(dialog.title(), QStringLiteral("Connection failed"));
         // Why, and which server is tried now: that of before is not forgotten for a name that was wrong.
         dialog.showFailure(QStringLiteral("wrong"), QStringLiteral("Because."), QStringLiteral("stage"));
         const QString told = dialog.findChild<ZTLabel*>(QStringLiteral("ConnectDialog-text"))->text();
