@@ -8,6 +8,7 @@
 #include "common/session/session.h"
 
 #include <QPointer>
+#include <QThreadPool>
 
 namespace vantrel {
 
@@ -32,6 +33,14 @@ void tellRefusal(const QString& text, const DiffApiError& answer)
 AbstractDiffApiCommand::AbstractDiffApiCommand(QUndoCommand* parent)
     : AbstractSessionCommand(parent)
 {
+}
+
+/// The edits that can be done again are given up by the next one: to free long ones would be at that one's cost.
+AbstractDiffApiCommand::~AbstractDiffApiCommand()
+{
+    constexpr std::size_t few = 500; // operations
+    if (m_edit->redo.size() + m_edit->undo.size() > few)
+        QThreadPool::globalInstance()->start([edit = std::move(m_edit)] {});
 }
 
 void AbstractDiffApiCommand::setUndoPatch(const Patch& patch)

@@ -17,6 +17,7 @@ class AbstractDiffApiCommand : public QObject, public AbstractSessionCommand
 
 public:
     explicit AbstractDiffApiCommand(QUndoCommand* parent = nullptr);
+    ~AbstractDiffApiCommand() override;
 
     void setRedoPatch(const Patch& patch) { m_edit->redo = patch; }
     /// Also makes the command undoable.
