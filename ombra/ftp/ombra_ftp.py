@@ -129,6 +129,14 @@ class Handler(FTPHandler):
         elif len(self.held) > MOST_HELD:
             self.close()
 
+    def _shutdown_connecting_dtp(self):
+        """What waits for its data connection goes with it, or the next one would be taken for it."""
+        super()._shutdown_connecting_dtp()
+        queued = [queue[-2] for queue in (self._out_dtp_queue, self._in_dtp_queue) if queue]
+        self._out_dtp_queue = self._in_dtp_queue = None
+        for file in filter(None, queued):
+            file.close()
+
     def ftp_XCRC(self, path):
         """Tells the CRC-32 of a whole file as it is on the disk."""
         try:

@@ -299,6 +299,10 @@ bool QFtpDTP::consume(const char* data, qint64 size)
         Q_EMIT readyRead();
         return true;
     }
+    if (!m_device->isWritable()) { // an upload's: left over from a command that was given up
+        fail(tr("The server sent data that nobody asked for"));
+        return false;
+    }
     if (!writeAll(data, size)) {
         fail(tr("Writing failed: %1").arg(m_device->errorString()));
         return false;

@@ -253,7 +253,7 @@ void ServerRelocation::makeRoom()
 {
     readAnew(getParentPath(m_destination), [this] {
         if (server().listings().entry(m_destination))
-            stepAside(m_destination, QString(), [this] { send(m_destination); });
+            stepAside(m_destination, m_from, [this] { send(m_destination); });
         else
             finish(false);
     });

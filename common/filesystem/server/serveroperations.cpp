@@ -301,19 +301,29 @@ void ServerFileSystemPrivate::putBack(const QString& aside, const QString& path,
 void ServerFileSystemPrivate::putBackUnlessReplaced(const QString& aside, const QString& path,
                                                     const QString& hidden)
 {
-    if (hidden.isEmpty())
-        return putBack(aside, path);
-    const QString directory = getParentPath(path);
+    const auto decide = [this, aside, path, hidden](bool isRead) {
+        // Later on hidden may have been removed, and tells nothing.
+        if (!isRead || !m_listings.entry(path) || m_listings.entry(hidden))
+            return putBack(aside, path);
+        removeLeftover(aside);
+        tellTouched({getParentPath(path)});
+    };
+    const QString from = getParentPath(hidden);
+    const QString to = getParentPath(path);
+    readAgain(from, [this, from, to, decide](bool isRead) {
+        isRead&& from != to ? readAgain(to, decide) : decide(isRead);
+    });
+}
+
+void ServerFileSystemPrivate::readAgain(const QString& directory, const std::function<void(bool)>& next)
+{
     m_commands.ask(this, {ServerCommands::Kind::List,
                           [directory](FileSystemClient& client) { return client.list(directory); },
-                          [this, aside, path, hidden](ServerCommands::Outcome outcome) {
-                              // Later on hidden may have been removed, and tells nothing.
-                              const bool isReplaced = outcome == ServerCommands::Outcome::Done &&
-                                                      m_listings.entry(path) && !m_listings.entry(hidden);
-                              if (!isReplaced)
-                                  return putBack(aside, path);
-                              removeLeftover(aside);
-                              tellTouched({getParentPath(path)});
+                          [this, directory, next](ServerCommands::Outcome outcome) {
+                              if (outcome == ServerCommands::Outcome::LinkLost)
+                                  readAgain(directory, next);
+                              else
+                                  next(outcome == ServerCommands::Outcome::Done);
                           }});
 }
 

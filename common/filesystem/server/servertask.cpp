@@ -74,11 +74,15 @@ void ServerTask::onAborted()
 void ServerTask::stepAside(const QString& destination, const QString& hidden, Step next)
 {
     const QString name = QStringLiteral(".halcyra-%1.old").arg(QUuid::createUuid().toString(QUuid::Id128));
-    const QString aside = createJoinedPath(getParentPath(destination), name, false);
     // From now on: who stops in the midst of it does not know how far it has come.
-    m_aside = aside;
+    m_aside = createJoinedPath(getParentPath(destination), name, false);
     m_replaced = destination;
     m_hidden = hidden;
+    moveAside(destination, m_aside, std::move(next));
+}
+
+void ServerTask::moveAside(const QString& destination, const QString& aside, Step next)
+{
     const auto goOn = [this, destination, next = std::move(next)] {
         m_server->listings().remove(destination);
         next();
@@ -86,10 +90,11 @@ void ServerTask::stepAside(const QString& destination, const QString& hidden, St
     askOnce(
         Kind::Move,
         [destination, aside](FileSystemClient& client) { return client.move(destination, aside); },
-        [this, destination, aside, hidden, goOn](Outcome outcome) {
+        [this, destination, aside, goOn](Outcome outcome) {
+            // Under the name that it has tried: the lost link may still carry it out.
             if (outcome == Outcome::LinkLost)
-                return readAnew(getParentPath(destination), [this, destination, aside, hidden, goOn] {
-                    m_server->listings().entry(aside) ? goOn() : stepAside(destination, hidden, goOn);
+                return readAnew(getParentPath(destination), [this, destination, aside, goOn] {
+                    m_server->listings().entry(aside) ? goOn() : moveAside(destination, aside, goOn);
                 });
             if (outcome == Outcome::Done)
                 return goOn();

@@ -51,7 +51,7 @@ protected:
 
     /// For a server that puts nothing in the place of another file: what lies there steps aside until the new
     /// one has its name, so that nothing is lost whatever happens between. hidden: where the new one lies
-    /// until then, if in the same directory.
+    /// until then, and no more when it has come.
     void stepAside(const QString& destination, const QString& hidden, Step next);
     bool hasSteppedAside() const { return !m_aside.isEmpty(); }
     /// What has stepped aside goes, or comes back when nothing has taken its place.
@@ -70,6 +70,7 @@ protected:
 
 private:
     void end();
+    void moveAside(const QString& destination, const QString& aside, Step next);
     TransferOperation* transfer() const;
     void meetBy(int policy, const QString& destination, bool isDirectory);
     void askForAnswer(const QString& destination, bool isDirectory, bool isOtherDirectory);

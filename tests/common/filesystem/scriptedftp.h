@@ -30,6 +30,7 @@ public:
     QHash<QByteArray, QByteArray> answers; // by line or by verb, with the line's end
     QByteArray greeting = "220 ready\r\n";
     QByteArray content;   // what RETR and LIST send
+    QByteArray leftover;  // what STOR is sent, although it asks for nothing
     qint64 cutAfter = -1; // bytes of it, then the data connection goes
     bool keepsDataOpen = false;
     QByteArray transferEnd = "226 done\r\n";
@@ -137,6 +138,7 @@ private:
         if (!m_data || m_verb.isEmpty())
             return;
         if (std::exchange(m_verb, {}) == "STOR") {
+            m_data->write(leftover);
             connect(m_data, &QTcpSocket::disconnected, this, [this] { say(transferEnd); });
             connect(m_data, &QTcpSocket::readyRead, this, [this] {
                 received += m_data->readAll();

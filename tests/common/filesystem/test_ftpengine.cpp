@@ -261,6 +261,15 @@ void TestFtpEngine::uploadCutShort()
     s.server.cutAfter = 100'000; // and yet it says that all is well
     QVERIFY(s.fails(s.ftp.put(&source, QStringLiteral("/x"))));
     QVERIFY(s.succeeds(s.ftp.noop()));
+    // What a server has not sent of a download that was given up is not for the file of an upload.
+    s.server.cutAfter = -1;
+    s.server.leftover = "of another file";
+    source.open(QIODevice::ReadOnly);
+    source.seek(0);
+    const int id = s.ftp.put(&source, QStringLiteral("/x"));
+    QVERIFY(s.fails(id));
+    QVERIFY2(s.texts.value(id).contains(QStringLiteral("nobody asked for")), qPrintable(s.texts.value(id)));
+    QVERIFY(s.succeeds(s.ftp.noop()));
 }
 
 namespace {

@@ -10,6 +10,7 @@
 #include <QRandomGenerator>
 #include <QSignalSpy>
 #include <QTcpServer>
+#include <QTcpSocket>
 #include <QTemporaryDir>
 #include <QTemporaryFile>
 #include <QTest>
@@ -57,6 +58,7 @@ private Q_SLOTS:
     void sweepsWhatUploadsLeft();
     void ombraTellsChecksums();
     void passwordStaysSecret();
+    void givenUpIsNotSentLater();
 
 private:
     static void servers();
@@ -555,6 +557,39 @@ void TestFtpLive::passwordStaysSecret()
         }
     }
     QVERIFY(!m_ombra.output().contains("tnempius"));
+}
+
+/// A download that was given up before its data connection was there does not come over the next one.
+void TestFtpLive::givenUpIsNotSentLater()
+{
+    QFile old(m_ombra.mediaFolder() + QStringLiteral("/old.mov"));
+    QVERIFY(old.open(QIODevice::WriteOnly) && old.write("of another file") > 0);
+    old.close();
+    QTcpSocket control;
+    control.connectToHost(QHostAddress::LocalHost, m_ombra.ports().ftp);
+    const auto answerTo = [&control](const char* line) {
+        control.write(line + QByteArray("\r\n"));
+        const bool isThere = QTest::qWaitFor([&] { return control.canReadLine(); });
+        return isThere ? control.readLine() : QByteArray();
+    };
+    QVERIFY(QTest::qWaitFor([&] { return control.canReadLine(); }));
+    QVERIFY(control.readLine().startsWith("220"));
+    for (const char* line : {"USER opsadmin", "PASS tnempius", "TYPE I", "EPSV", "RETR /old.mov", "ABOR"})
+        QVERIFY2(!answerTo(line).startsWith('5'), line);
+    const QByteArray place = answerTo("EPSV");
+    QTcpSocket data;
+    data.connectToHost(QHostAddress::LocalHost,
+                       place.mid(place.indexOf("(|||") + 4).split('|').first().toUShort());
+    QVERIFY(data.waitForConnected());
+    QVERIFY(answerTo("STOR /new.mov").startsWith('1'));
+    data.write("new");
+    data.disconnectFromHost();
+    QVERIFY(QTest::qWaitFor([&] { return control.canReadLine(); }));
+    QVERIFY(control.readLine().startsWith("226"));
+    QCOMPARE(data.readAll(), QByteArray());
+    QFile stored(m_ombra.mediaFolder() + QStringLiteral("/new.mov"));
+    QVERIFY(stored.open(QIODevice::ReadOnly));
+    QCOMPARE(stored.readAll(), QByteArray("new"));
 }
 
 HALCYRA_TEST(TestFtpLive)

@@ -403,6 +403,42 @@ private Q_SLOTS:
                  qPrintable(upload->errors().first().message));
     }
 
+    /// One that is stopped may have been carried out: then nothing is left of what it replaced.
+    void replacingMoveIsStopped_data()
+    {
+        QTest::addColumn<bool>("isDone");
+        QTest::newRow("done all the same") << true;
+        QTest::newRow("not done") << false;
+    }
+    void replacingMoveIsStopped()
+    {
+        QFETCH(bool, isDone);
+        const QList<ClientFileSystemInfo> there{fileEntry(QStringLiteral("/b.mov"), 5)};
+        const QList<ClientFileSystemInfo> source{fileEntry(QStringLiteral("/show/b.mov"), 7)};
+        const auto move = make<FileTransferOperation>(
+            target(QStringLiteral("/show/b.mov")), target(QStringLiteral("/b.mov")), TransferOperation::Move);
+        move->setConflictPolicy(ConflictPolicy::Replace);
+        know(QStringLiteral("/"), there);
+        know(QStringLiteral("/show/"), source);
+        QVERIFY(begin(*move));
+        client()->finishList(QStringLiteral("/"), there);
+        client()->finishMove(QStringLiteral("/show/b.mov"), QStringLiteral("/b.mov"), false);
+        client()->finishList(QStringLiteral("/"), there);
+        const QString aside = client()->last().section(u' ', 2);
+        client()->finishMove(QStringLiteral("/b.mov"), aside, true);
+        QCOMPARE(client()->last(), QStringLiteral("move /show/b.mov /b.mov"));
+        move->abort();
+        client()->finishMove(QStringLiteral("/show/b.mov"), QStringLiteral("/b.mov"), false);
+        QTRY_COMPARE(client()->last(), QStringLiteral("list /show/"));
+        client()->finishList(QStringLiteral("/show/"), isDone ? QList<ClientFileSystemInfo>() : source);
+        QTRY_COMPARE(client()->last(), QStringLiteral("list /"));
+        client()->finishList(QStringLiteral("/"),
+                             isDone ? QList{fileEntry(QStringLiteral("/b.mov"), 7), fileEntry(aside, 5)}
+                                    : QList{fileEntry(aside, 5)});
+        QTRY_COMPARE(client()->last(), isDone ? QStringLiteral("remove ") + aside
+                                              : QStringLiteral("move %1 /b.mov").arg(aside));
+    }
+
     /// What lay at the destination before does not answer for what was to come there.
     void replacingMoveSurvivesALostLink()
     {
