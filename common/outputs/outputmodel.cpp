@@ -99,8 +99,9 @@ void OutputModel::setModelines(Modelines modelines)
 
 void OutputModel::updateModelines()
 {
-    if (!m_modelines)
+    if (!m_modelines || *m_modelines == m_followed)
         return;
+    m_followed = *m_modelines;
     for (const std::shared_ptr<GUIModeline>& modeline : std::as_const(*m_modelines)) {
         for (const auto changed :
              {&GUIModeline::idChanged, &GUIModeline::labelChanged, &GUIModeline::widthChanged,

@@ -134,6 +134,7 @@ private:
     std::shared_ptr<GUIMapping> m_previewMapping;
     std::shared_ptr<GUIMapping> m_programMapping;
     Modelines m_modelines;
+    Modelines::element_type m_followed; // those of them whose changes are told
 };
 
 } // namespace vantrel
