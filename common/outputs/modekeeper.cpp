@@ -63,7 +63,8 @@ QString ModeKeeper::question() const
     const int seconds = m_model->confirmSeconds();
     return tr("Output %1, which the audience sees, shows %2 at %3. %4")
         .arg(m_outputNumber)
-        .arg(sizeText(value(OutputModel::WidthColumn).toInt(), value(OutputModel::HeightColumn).toInt()),
+        .arg(sizeText(value(OutputModel::WidthColumn).toInt(), value(OutputModel::HeightColumn).toInt())
+                 .replace(u' ', QChar::Nbsp),
              value(OutputModel::FieldFrequencyColumn).toString(),
              seconds == 1 ? tr("It goes back by itself in 1 second.")
                           : tr("It goes back by itself in %1 seconds.").arg(seconds));

@@ -17,6 +17,7 @@ namespace {
 
 const QString previewTarget = QStringLiteral("preview");
 const QString programTarget = QStringLiteral("program_rgb");
+constexpr int serverTakes = 2000; // milliseconds at most from a wish to what the server makes of it
 
 /// Without the zeros at the end, and the point that they leave.
 QString trimmed(QString number)
@@ -37,6 +38,8 @@ OutputModel::OutputModel(QUndoStack* stack, QObject* parent)
     : QAbstractTableModel(parent)
     , m_stack(stack)
 {
+    m_lookAgain.setSingleShot(true);
+    connect(&m_lookAgain, &QTimer::timeout, this, &OutputModel::onReset);
 }
 
 OutputModel::~OutputModel() = default;
@@ -96,8 +99,9 @@ void OutputModel::setModelines(Modelines modelines)
 
 void OutputModel::updateModelines()
 {
-    if (!m_modelines)
+    if (!m_modelines || *m_modelines == m_followed)
         return;
+    m_followed = *m_modelines;
     for (const std::shared_ptr<GUIModeline>& modeline : std::as_const(*m_modelines)) {
         for (const auto changed :
              {&GUIModeline::idChanged, &GUIModeline::labelChanged, &GUIModeline::widthChanged,
@@ -109,6 +113,7 @@ void OutputModel::updateModelines()
 
 void OutputModel::onReset()
 {
+    m_lookAgain.stop();
     updateModelines();
     beginResetModel();
     endResetModel();
@@ -132,10 +137,12 @@ void OutputModel::sendCommand(Object* object, const QString& method, const QStri
 {
     auto command = std::make_unique<InvokeMethodCommand>();
     command->setText(text);
+    bool isSent = false;
     if (m_stack && command->init(object, method, args))
-        vantrel::submit(m_stack, std::move(command));
+        isSent = vantrel::submit(m_stack, std::move(command));
     else
         qCWarning(lcOutputs).noquote().nospace() << "Failed to init " << method << " command";
+    m_lookAgain.start(isSent ? serverTakes : 0);
 }
 
 void OutputModel::sendScaling(const QString& mode)
@@ -416,6 +423,7 @@ bool OutputModel::setData(const QModelIndex& index, const QVariant& value, int r
 {
     if (!index.isValid() || role != Qt::EditRole)
         return false;
+    m_lookAgain.start(0);
     switch (index.column()) {
     case ScalingColumn:
         sendScaling(value.toString());

@@ -6,6 +6,7 @@
 #include <QColor>
 #include <QList>
 #include <QPair>
+#include <QTimer>
 
 #include <memory>
 
@@ -127,11 +128,13 @@ private:
     QString target() const;
 
     QUndoStack* m_stack;
+    QTimer m_lookAgain; // who shows a wish of the operator's reads again what has come of it
     std::shared_ptr<GUIOutput> m_output;
     std::shared_ptr<GUIChannel> m_channel;
     std::shared_ptr<GUIMapping> m_previewMapping;
     std::shared_ptr<GUIMapping> m_programMapping;
     Modelines m_modelines;
+    Modelines::element_type m_followed; // those of them whose changes are told
 };
 
 } // namespace vantrel

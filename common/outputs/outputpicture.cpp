@@ -193,6 +193,7 @@ void OutputPicture::refreshMedium()
     const ScalingGeometry placement(m_scaling, m_mediaSize, output);
     m_canvas->setPlacement(m_mediaSize.isEmpty() ? std::nullopt : std::optional(placement));
     for (ScalingTile* tile : std::as_const(m_tiles)) {
+        tile->setEnabled(playing);
         tile->setChecked(tile->scaling() == chosen);
         tile->setMedium(m_mediaSize, output, value(OutputModel::BackgroundColorColumn).value<QColor>());
     }

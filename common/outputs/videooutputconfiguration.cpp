@@ -188,8 +188,12 @@ void VideoOutputConfiguration::updateData()
 void VideoOutputConfiguration::updateSettings()
 {
     m_currentTarget = value(OutputModel::TargetColumn).toString();
-    m_target->setEnabled(!m_currentTarget.isEmpty());
-    if (!m_targetDialog || !m_targetDialog->isVisible()) // it asks about what the switch shows
+    for (QWidget* ofTarget : {static_cast<QWidget*>(m_target), static_cast<QWidget*>(m_scaling),
+                              static_cast<QWidget*>(m_background)})
+        ofTarget->setEnabled(!m_currentTarget.isEmpty());
+    if (m_currentTarget.isEmpty())
+        m_target->chooseNone();
+    else if (!m_targetDialog || !m_targetDialog->isVisible()) // it asks about what the switch shows
         m_target->setValue(m_currentTarget);
     setValue(QStringLiteral("display"), value(OutputModel::ConnectedColumn).toBool()
                                             ? textOrUnknown(value(OutputModel::ProductColumn).toString())

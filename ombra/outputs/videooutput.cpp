@@ -36,12 +36,13 @@ std::string gigabits(double bits)
     return text;
 }
 
-/// "1920x1200p59.95" also goes by "1920x1200p60", as shows of earlier versions have it.
+/// "1920x1200p59.95" also goes by "1920x1200p60", as shows of earlier versions have it; 59.94 Hz is another
+/// mode.
 bool isNearly(const std::string& id, const std::string& wanted)
 {
     const std::size_t rate = id.find_last_of("pi") + 1;
     return id.compare(0, rate, wanted, 0, rate) == 0 && wanted.size() > rate &&
-           std::abs(std::atof(id.c_str() + rate) - std::atof(wanted.c_str() + rate)) < 0.1;
+           std::abs(std::atof(id.c_str() + rate) - std::atof(wanted.c_str() + rate)) < 0.055;
 }
 
 } // namespace
@@ -219,6 +220,8 @@ void VideoOutput::propertyWritten(const std::string& property, bool isOnAir)
             return true;
         },
         &ignored);
+    if (m_kept && !isOnAir)
+        keep(); // what a show has is meant
 }
 
 void VideoOutput::secondPassed()
@@ -375,7 +378,7 @@ void VideoOutput::showModes()
 const VideoOutput::Mode* VideoOutput::find(const std::string& id) const
 {
     auto mode = std::ranges::find(m_modes, id, &Mode::id);
-    if (mode == m_modes.end())
+    if (mode == m_modes.end() && !id.starts_with(displayPrefix))
         mode = std::ranges::find_if(m_modes, [&id](const Mode& one) { return isNearly(one.id, id); });
     return mode == m_modes.end() ? nullptr : &*mode;
 }

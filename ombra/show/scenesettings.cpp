@@ -6,7 +6,6 @@
 #include "tarn/media/playenums.h"
 #include "tarn/scene/variantjson.h"
 
-#include <map>
 #include <string_view>
 #include <vector>
 
@@ -51,12 +50,18 @@ const char* sectionOf(const Object* object, const PropertyInfo* property)
     return section == type->second.end() ? nullptr : section->second;
 }
 
+bool waitsToBeKept(const Object* output)
+{
+    Variant seconds;
+    return output->getProperty("confirmSeconds", seconds) && seconds.as<int>() > 0;
+}
+
 /// Whether a property is to be kept as it is now. A position is while its playback is paused: one that plays
 /// starts at the beginning again. A mode is once somebody has said that it can be seen.
 bool lasts(const Object* object, const PropertyInfo* property)
 {
-    Variant state, seconds;
-    if (object->getProperty("confirmSeconds", seconds) && seconds.as<int>() > 0)
+    Variant state;
+    if (waitsToBeKept(object))
         return false;
     return sectionOf(object, property) &&
            (property->name != "mediaPosition" ||
@@ -197,11 +202,15 @@ Json SceneSettings::current() const
 void SceneSettings::collect(const Object* object, Json& out) const
 {
     for (const PropertyInfo* property : object->getProperties()) {
-        if (!lasts(object, property) || sectionOf(object, property) == std::string_view(ofServer))
-            continue;
+        const char* section = sectionOf(object, property);
         Path path;
         Json json;
-        if (m_scene.pathOf(object, property, path) && keptValue(object, property, json))
+        if (!section || section == std::string_view(ofServer) || !m_scene.pathOf(object, property, path))
+            continue;
+        const auto before = m_beforeMode.find(path.toString());
+        if (before != m_beforeMode.end())
+            out.set(before->first, before->second);
+        else if (lasts(object, property) && keptValue(object, property, json))
             out.set(path.toString(), json);
     }
     for (int i = 0; i < object->childCount(); ++i)
@@ -238,12 +247,28 @@ void SceneSettings::onSceneChange(int count, const SceneChange* changes)
         save(object, changes[i].property);
         if (changes[i].property->name == "waitsToPlay")
             save(object, object->findProperty("state"));
-        if (changes[i].property->name == "confirmSeconds") {
-            for (const auto& [name, section] : lasting().at("Output"))
-                save(object, object->findProperty(name));
-        }
+        if (changes[i].property->name == "confirmSeconds")
+            followMode(object);
         if (sectionOf(object, changes[i].property) && changes[i].property->name == "state")
             save(object, object->findProperty("mediaPosition")); // where it was paused
+    }
+}
+
+/// The seconds begin to run before anything is changed.
+void SceneSettings::followMode(Object* output)
+{
+    for (const auto& [name, section] : lasting().at("Output")) {
+        const PropertyInfo* property = output->findProperty(name);
+        Path path;
+        Json json;
+        if (!m_scene.pathOf(output, property, path) || !keptValue(output, property, json))
+            continue;
+        if (waitsToBeKept(output)) {
+            m_beforeMode.try_emplace(path.toString(), json);
+        } else {
+            m_beforeMode.erase(path.toString());
+            save(output, property);
+        }
     }
 }
 

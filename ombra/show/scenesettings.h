@@ -3,6 +3,7 @@
 #include "tarn/scene/scene.h"
 
 #include <functional>
+#include <map>
 #include <set>
 #include <string>
 #include <string_view>
@@ -32,7 +33,8 @@ public:
     /// Puts settings of these sections into the scene. What is not there any more, or does not fit, is passed
     /// over with a log line. A playback that was paused shows its picture again.
     void apply(Json settings, const std::set<std::string>& sections);
-    /// Everything that a show has of the scene, as it is now.
+    /// Everything that a show has of the scene, as it is now; of an output whose mode waits to be kept, the
+    /// one before.
     Json current() const;
     /// Those of the settings that belong to these sections and can stand in this scene.
     Json chosen(const Json& settings, const std::set<std::string>& sections) const;
@@ -44,6 +46,7 @@ public:
 private:
     void onSceneChange(int count, const SceneChange* changes);
     void save(Object* object, const PropertyInfo* property);
+    void followMode(Object* output);
     void collect(const Object* object, Json& out) const;
     const char* sectionAt(std::string_view path) const;
     void applyOne(std::string_view path, const Json& value, const std::set<std::string>& sections);
@@ -54,6 +57,7 @@ private:
     std::function<void(Object*, const PropertyInfo*)> m_written;
     Seek m_seek;
     Scene::ChangeCallback m_callback;
+    std::map<std::string, Json> m_beforeMode; // of outputs whose mode waits to be kept, by path
 };
 
 } // namespace vantrel::ombra

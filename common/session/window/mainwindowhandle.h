@@ -10,7 +10,8 @@ void setMainWindowWidget(QWidget* window);
 
 /// Null before the window stands and after it is gone.
 QWidget* mainWindowWidget();
-/// Whether the main window paints; nothing without one.
+/// Whether the main window paints; what its parts ask for while it does not is painted afterwards. Nothing
+/// without a window.
 void setMainWindowUpdatesEnabled(bool enabled);
 
 } // namespace vantrel

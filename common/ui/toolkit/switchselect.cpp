@@ -56,6 +56,14 @@ void SwitchSelect::setValue(const QVariant& value)
         chosen->setChecked(true);
 }
 
+void SwitchSelect::chooseNone()
+{
+    m_group->setExclusive(false);
+    for (const Item& item : std::as_const(m_items))
+        item.button->setChecked(false);
+    m_group->setExclusive(true);
+}
+
 void SwitchSelect::setItemEnabled(const QVariant& value, bool enabled)
 {
     if (PushButton* item = button(value))

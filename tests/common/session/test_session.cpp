@@ -173,12 +173,13 @@ private Q_SLOTS:
         QTRY_VERIFY(window.updatesEnabled());
     }
 
-    /// The request to paint comes while updates are off.
+    /// The request to paint comes while updates are off; nothing else is painted for it.
     void paintsWhatWasAskedForInBetween()
     {
         class Painted : public QWidget
         {
         public:
+            using QWidget::QWidget;
             int times = 0;
 
         protected:
@@ -194,6 +195,37 @@ private Q_SLOTS:
         const int before = window.times;
         setMainWindowUpdatesEnabled(true);
         QTRY_VERIFY(window.times > before);
+
+        Painted changes(&window), stays(&window);
+        changes.setGeometry(0, 0, 20, 20);
+        stays.setGeometry(30, 0, 20, 20);
+        for (Painted* part : {&changes, &stays}) {
+            part->setAttribute(Qt::WA_OpaquePaintEvent);
+            part->show();
+            QTRY_VERIFY(part->times > 0);
+        }
+        const auto timesAfter = [&](const auto& happens) {
+            changes.times = stays.times = window.times = 0;
+            setMainWindowUpdatesEnabled(false);
+            happens();
+            QCoreApplication::sendPostedEvents(&window, QEvent::UpdateRequest);
+            const bool isHeld = changes.times + stays.times + window.times == 0;
+            setMainWindowUpdatesEnabled(true);
+            return isHeld;
+        };
+        QVERIFY(timesAfter([&] { changes.update(); }));
+        QTRY_COMPARE(changes.times, 1);
+        QCOMPARE(stays.times + window.times, 0);
+        QVERIFY(timesAfter([&] { changes.move(60, 0); }));
+        QTRY_VERIFY(window.times > 0); // where it was
+        std::unique_ptr<Painted> newcomer;
+        QVERIFY(timesAfter([&] {
+            newcomer = std::make_unique<Painted>(&window);
+            newcomer->show();
+        }));
+        QTRY_VERIFY(newcomer->times > 0);
+        QVERIFY(timesAfter([&] { newcomer->update(); }));
+        QTRY_VERIFY(newcomer->times > 1);
     }
 
     void loadsALargeSceneInSlices()

@@ -58,6 +58,9 @@ private Q_SLOTS:
         QTest::newRow("mode of an earlier version")
             << output + "/methods/selectModeline" << QByteArray("{'modelineId':'1920x1200p60'}") << true
             << output + "/properties/modelineId" << QByteArray("1920x1200p59.95");
+        QTest::newRow("another rate")
+            << output + "/methods/selectModeline" << QByteArray("{'modelineId':'640x480p60'}") << false
+            << output + "/properties/width" << QByteArray("1920");
         QTest::newRow("mode beyond the display")
             << monitor + "/methods/selectModeline" << QByteArray("{'modelineId':'3840x2160p60'}") << false
             << monitor + "/properties/width" << QByteArray("1920");
@@ -67,6 +70,9 @@ private Q_SLOTS:
         QTest::newRow("mode not of the display")
             << output + "/methods/selectModeline" << QByteArray("{'modelineId':'edid-1024x768p60'}") << false
             << output + "/properties/width" << QByteArray("1920");
+        QTest::newRow("mode nearly of the display")
+            << output + "/methods/selectModeline" << QByteArray("{'modelineId':'edid-1280x720p59.98'}")
+            << false << output + "/properties/width" << QByteArray("1920");
         QTest::newRow("no mode") << output + "/methods/selectModeline" << QByteArray("{}") << false
                                  << output + "/properties/width" << QByteArray("1920");
         QTest::newRow("edid") << output + "/methods/setEdidOverride"
@@ -174,6 +180,11 @@ private Q_SLOTS:
         write(wall, "modelineId", "1920x1080p60", false); // out of a show
         QCOMPARE(text(wall + "/properties/confirmSeconds"), std::string("0"));
         QCOMPARE(text(wall + "/properties/height"), std::string("1080"));
+        QVERIFY(call(wall, "selectModeline", R"({"modelineId":"1280x720p50"})"));
+        write(wall, "modelineId", "1920x1080p50", false); // a show that is loaded meanwhile
+        for (int i = 0; i < 20; ++i)
+            m_outputs->secondPassed();
+        QCOMPARE(text(wall + "/properties/modelineId"), std::string("1920x1080p50"));
         write(wall, "edidOverride", "00ff", false);
         QCOMPARE(text(wall + "/properties/edidOverride"), std::string());
     }

@@ -78,6 +78,38 @@ private Q_SLOTS:
         QCOMPARE(value(outputs + "1/properties/confirmSeconds"), std::string("0"));
     }
 
+    /// A show has the mode before one that waits to be kept; one that is loaded or cleared meanwhile holds.
+    void showsMeetAModeThatWaits()
+    {
+        const std::string wall = "/device/system/gpus/0/outputs/1";
+        const std::string mode = wall + "/properties/modelineId";
+        const std::string seconds = wall + "/properties/confirmSeconds";
+        const std::string usual = value(mode);
+        const auto becomes = [&](const std::string& id, bool waits) {
+            return m_live->waitFor([&] {
+                m_peer->read();
+                return value(mode) == id && (value(seconds) != "0") == waits;
+            });
+        };
+        const std::string select = wall + "/methods/selectModeline";
+        invoke(select, R"({"modelineId":"1280x720p50"})");
+        QVERIFY(becomes("1280x720p50", true));
+        Json show;
+        QVERIFY(Json::parseString(m_live->request("GET", "/show/current").body.toStdString(), show));
+        QCOMPARE(QByteArray::fromStdString(show.get("settings").get(mode).asString()),
+                 QByteArray::fromStdString(usual));
+        Json settings = show.get("settings");
+        settings.set(mode, "1920x1080p60");
+        show.set("settings", settings);
+        const QByteArray file = QByteArray::fromStdString(show.toString());
+        QCOMPARE(m_live->request("POST", "/show/current?force", file).status, 200);
+        QVERIFY(becomes("1920x1080p60", false));
+        invoke(select, R"({"modelineId":"1280x720p50"})");
+        QVERIFY(becomes("1280x720p50", true));
+        invoke(configuration + "/methods/clearShow", R"({"showName":"default"})");
+        QVERIFY(becomes(usual, false));
+    }
+
     void restartsAsItWas_data()
     {
         QTest::addColumn<QString>("state");

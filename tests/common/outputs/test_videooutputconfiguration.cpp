@@ -1,0 +1,193 @@
+#include "common/command/commandgate.h"
+#include "common/outputs/outputmodel.h"
+#include "common/outputs/videooutputconfiguration.h"
+#include "common/session/mirror/sceneobjectprovider.h"
+#include "common/ui/toolkit/colorbox.h"
+#include "common/ui/toolkit/confirmationdialog.h"
+#include "common/ui/toolkit/elidedlabel.h"
+#include "common/ui/toolkit/pushbutton.h"
+#include "common/ui/toolkit/switchselect.h"
+#include "common/ui/toolkit/ztdropdownmenu.h"
+#include "tests/common/session/scriptedpeer.h"
+#include "tests/support/testmain.h"
+
+#include <QUndoStack>
+
+using namespace vantrel;
+using namespace vantrel::test;
+
+namespace {
+
+const char* const device = R"([
+    {"op":"add","path":"/device/channels/0","value":{"type":"Channel","mappings":[
+        {"type":"GpuMapping","properties":{"target":"DP-1","defaultScaleMode":"clip","backgroundColor":"#112233"}},
+        {"type":"GpuMapping","properties":{"target":"DP-2","defaultScaleMode":"stretch","backgroundColor":"#445566"}}]}},
+    {"op":"add","path":"/device/system/gpus/0","value":{"type":"Gpu","outputs":[
+        {"type":"Output","properties":{"name":"DP-1","connected":true,"edid":"00ff","product":"A & <b>B</b>"}},
+        {"type":"Output","properties":{"name":"DP-2"}}]}}])";
+
+} // namespace
+
+/// One output's settings beside a scripted server: what goes out, and what is shown of it.
+class TestVideoOutputConfiguration : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        allowWarnings(QStringLiteral("Failed due network error"));
+        m_peer = std::make_unique<ScriptedPeer>();
+        const SceneObjectProvider* scene = m_peer->session->sceneObjectProvider();
+        m_model = std::make_unique<OutputModel>(m_peer->session->getQUndoStack());
+        m_model->setOutput(scene->output1());
+        m_model->setChannel(scene->channel());
+        m_model->setPreviewMapping(scene->previewMapping());
+        m_model->setProgramMapping(scene->programMapping());
+        m_model->setModelines(scene->modelines(0));
+        m_view = std::make_unique<VideoOutputConfiguration>(1);
+        m_view->setModel(m_model.get());
+        m_view->show();
+        QVERIFY(!part<SwitchSelect>("target")->isEnabled());
+        QVERIFY(m_peer->connect());
+        QTRY_VERIFY(!m_peer->link.received.empty());
+        m_peer->send(device);
+        QTRY_COMPARE(part<SwitchSelect>("target")->value().toString(), QStringLiteral("preview"));
+        m_peer->link.received.clear();
+    }
+    void cleanup()
+    {
+        m_view.reset();
+        m_model.reset();
+        m_peer.reset();
+    }
+
+    /// The settings of each signal stay with its output.
+    void swapsTheTargets()
+    {
+        askForProgram();
+        QCOMPARE(sent(), QStringLiteral("invoke /device/channels/0/methods/configure "
+                                        "{\"bg1\":\"#445566\",\"bg2\":\"#112233\",\"mode1\":\"stretch\","
+                                        "\"mode2\":\"clip\",\"target1\":\"DP-2\",\"target2\":\"DP-1\"}"));
+        QCOMPARE(part<SwitchSelect>("target")->value().toString(), QStringLiteral("program_rgb"));
+        QTRY_COMPARE(part<SwitchSelect>("target")->value().toString(),
+                     QStringLiteral("preview")); // the server has let it be
+    }
+
+    void whatIsRefusedIsNotShown()
+    {
+        auto* gate = m_peer->session->getQUndoStack()->findChild<CommandGate*>();
+        gate->setReason(QStringLiteral("The server does not answer."));
+        for (int i = 0; i < 2; ++i) { // it can be asked for again, too
+            askForProgram();
+            QTRY_COMPARE(part<SwitchSelect>("target")->value().toString(), QStringLiteral("preview"));
+        }
+        auto* background = part<ColorBox>("background");
+        background->setColor(Qt::red);
+        Q_EMIT background->colorEdited(Qt::red);
+        QTRY_COMPARE(background->color(), QColor(0x11, 0x22, 0x33));
+        QCOMPARE(text("background"), QStringLiteral("#112233"));
+        auto* scaling = part<ZTDropdownMenu>("scaling");
+        scaling->setCurrentIndex(0);
+        Q_EMIT scaling->activated(0);
+        QTRY_COMPARE(scaling->currentData().toString(), QStringLiteral("clip"));
+        QVERIFY(m_peer->link.received.empty());
+    }
+
+    void modesGoOut_data()
+    {
+        QTest::addColumn<bool>("isAuto");
+        QTest::addColumn<bool>("isOverridden");
+        QTest::addColumn<QString>("sent");
+        QTest::newRow("auto, overridden") << true << true << "resetEdid {}";
+        QTest::newRow("auto") << true << false << R"(selectModeline {"maxLinkRate":false,"modelineId":"m"})";
+        QTest::newRow("manual")
+            << false << false
+            << R"(setEdidOverride {"edid":"00ff","filename":"","maxLinkRate":true,"modelineId":"m"})";
+        QTest::newRow("manual, overridden")
+            << false << true << R"(selectModeline {"maxLinkRate":true,"modelineId":"m"})";
+    }
+    void modesGoOut()
+    {
+        QFETCH(bool, isAuto);
+        QFETCH(bool, isOverridden);
+        QFETCH(QString, sent);
+        if (isOverridden)
+            set("edidOverride", R"("00aa")");
+        QTRY_COMPARE(!value(OutputModel::OverrideEdidColumn).toString().isEmpty(), isOverridden);
+        m_view->handleModelineIdChange(isAuto, QStringLiteral("m"), true);
+        QCOMPARE(this->sent(), QStringLiteral("invoke /device/system/gpus/0/outputs/0/methods/") + sent);
+        if (isAuto == isOverridden) // no mode is needed for these
+            return;
+        m_view->handleModelineIdChange(isAuto, {}, true);
+        m_model->keepMode();
+        QVERIFY(this->sent().endsWith(QStringLiteral("keepMode {}"))); // and nothing before
+    }
+
+    void showsWhatTheOutputTells()
+    {
+        QCOMPARE(text("display"), QStringLiteral("A & <b>B</b>"));
+        QCOMPARE(text("fec"), QStringLiteral("No"));
+        QCOMPARE(text("scanType"), QStringLiteral("Progressive"));
+        QCOMPARE(text("colorDepth"), QStringLiteral("--"));
+        QCOMPARE(text("resolution"), QStringLiteral("--"));
+        const auto* sign = m_view->findChild<QWidget*>(QStringLiteral("errorIcon"));
+        QVERIFY(!sign->isVisible());
+        set("errorText", R"("<b>No</b> & no")");
+        set("error", "true");
+        QTRY_VERIFY(sign->isVisible());
+        QCOMPARE(sign->toolTip(), QStringLiteral("&lt;b&gt;No&lt;/b&gt; &amp; no"));
+        set("connected", "false");
+        QTRY_COMPARE(text("display"), QStringLiteral("disconnected"));
+        for (const char* row : {"scanType", "fec", "dsc"})
+            QCOMPARE(text(row), QStringLiteral("--"));
+        set("name", R"("DP-9")"); // which no signal goes to
+        QTRY_VERIFY(!part<SwitchSelect>("target")->isEnabled());
+        QVERIFY(!part<SwitchSelect>("target")->value().isValid());
+        QVERIFY(!part<QWidget>("scaling")->isEnabled() && !part<QWidget>("background")->isEnabled());
+    }
+
+private:
+    template <typename T>
+    T* part(const char* name) const
+    {
+        return m_view->findChild<T*>(QStringLiteral("VideoOutput-1-") + QLatin1String(name));
+    }
+    QString text(const char* row) const
+    {
+        return part<ElidedLabel>(qPrintable(QLatin1String(row) + QStringLiteral("-value")))->text();
+    }
+    QVariant value(int column) const { return m_model->index(0, column).data(); }
+    /// The server changes a property of the output; the value is JSON.
+    void set(const char* property, const QByteArray& value)
+    {
+        const QByteArray patch =
+            QByteArray("[{\"op\":\"replace\",\"path\":\"/device/system/gpus/0/outputs/0/properties/") +
+            property + "\",\"value\":" + value + "}]";
+        m_peer->send(patch.constData());
+    }
+    void askForProgram()
+    {
+        part<SwitchSelect>("target")->button(QStringLiteral("program_rgb"))->click();
+        auto* question =
+            m_view->window()->findChild<ConfirmationDialog*>(QStringLiteral("VideoOutput-1-TargetDialog"));
+        QVERIFY(question && question->isVisible());
+        question->acceptButton()->click();
+    }
+    /// The next that goes out.
+    QString sent()
+    {
+        if (!QTest::qWaitFor([this] { return !m_peer->link.received.empty(); }))
+            return {};
+        const QString first = describe(m_peer->link.received.front());
+        m_peer->link.received.clear();
+        return first;
+    }
+
+    std::unique_ptr<ScriptedPeer> m_peer;
+    std::unique_ptr<OutputModel> m_model;
+    std::unique_ptr<VideoOutputConfiguration> m_view;
+};
+
+HALCYRA_TEST(TestVideoOutputConfiguration)
+#include "test_videooutputconfiguration.moc"
