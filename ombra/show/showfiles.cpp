@@ -177,11 +177,11 @@ void ShowFiles::check(const SharedChange& change)
     if (outcome.status != 200)
         return finish(change->done, outcome);
     if (!hasLibrary || change->forced)
-        return replace(change);
+        return replace(change, {});
     const auto ask = [change, media = m_media] { return missingMedia(media, change->file->library); };
     aside(ask, [this, change](const std::vector<std::string>& missing) {
-        if (missing.empty())
-            replace(change);
+        if (missing.empty() || change->takesMissing)
+            replace(change, missing);
         else
             finish(change->done, {409, missingSentence(missing), missing});
     });
@@ -213,23 +213,24 @@ void ShowFiles::keepCopy(const std::string& before, std::function<void(const std
     });
 }
 
-void ShowFiles::replace(const SharedChange& change)
+void ShowFiles::replace(const SharedChange& change, const std::vector<std::string>& missing)
 {
-    keepCopy(change->before, [this, change](const std::string& error) {
+    keepCopy(change->before, [this, change, missing](const std::string& error) {
         if (!error.empty())
             return finish(change->done, {507, error, {}});
         Json settings = m_parts.settings.chosen(change->file->show.get("settings"), change->sections);
         Json saved = settings;
         if (!change->name.empty())
             saved.set(CurrentShow::namePath, change->name);
-        const auto replaced = [this, change, settings](const EditResult& result) {
+        const auto replaced = [this, change, settings, missing](const EditResult& result) {
             if (result.status != EditResult::Status::Saved)
                 return finish(change->done, {statusOf(result), sentenceOf(result.message), {}});
             m_parts.settings.apply(settings, change->sections);
             if (!change->name.empty())
                 m_parts.current.setSaved(change->name, m_parts.store.library().toJson(),
                                          m_parts.settings.current());
-            finish(change->done, {});
+            tell({}); // what it said of the show before
+            finish(change->done, {200, {}, missing});
             letGo(change);
         };
         put(change->sections.contains("medialibrary") ? std::optional(change->file->library) : std::nullopt,
@@ -292,12 +293,17 @@ bool ShowFiles::invoke(const std::string& method, const Json& args, std::string*
             const auto read = [folder = m_folder, name = named()](std::string* why) {
                 return folder->read(name, why);
             };
-            readThenCheck(read, {"revert",
-                                 {},
-                                 *showfile::sectionsOf({}),
-                                 true,
-                                 named(),
-                                 telling("The show \"" + named() + "\" could not be taken back")});
+            const std::string title = "The show \"" + named() + '"';
+            const auto told = [this, title,
+                               failed = telling(title + " could not be taken back")](const Outcome& outcome) {
+                if (outcome.status == 200 && !outcome.missing.empty())
+                    tell(title + " is back. " + missingSentence(outcome.missing));
+                else
+                    failed(outcome);
+            };
+            Change change{"revert", {}, *showfile::sectionsOf({}), false, named(), told};
+            change.takesMissing = true;
+            readThenCheck(read, std::move(change));
         });
     else if (method == "clearShow")
         enqueue([this, telling] { clear(telling("The show could not be cleared")); });

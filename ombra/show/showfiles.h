@@ -49,7 +49,7 @@ public:
     {
         unsigned status = 200;            // of HTTP
         std::string error;                // a sentence
-        std::vector<std::string> missing; // media, where it is refused for them
+        std::vector<std::string> missing; // media; where it is refused, for them
     };
     using Done = std::function<void(const Outcome&)>;
 
@@ -69,7 +69,8 @@ public:
     void listShows(Listed listed);
     void listEarlier(Listed listed);
 
-    /// Called with a sentence when something that was invoked comes to nothing, and with none when it worked.
+    /// Called with a sentence when something that was invoked comes to nothing, or lacks media, and with none
+    /// when a show was taken over or saved.
     void setTroubleListener(std::function<void(const std::string& sentence)> listener)
     {
         m_trouble = std::move(listener);
@@ -89,6 +90,7 @@ private:
         bool forced = false;
         std::string name; // of the show from then on; empty keeps the present one
         Done done;
+        bool takesMissing = false; // who asked for it cannot be asked: what is missing is told behind it
     };
     using SharedChange = std::shared_ptr<const Change>;
 
@@ -102,7 +104,7 @@ private:
     void check(const SharedChange& change);
     void keepCopy(const std::string& before, std::function<void(const std::string& error)> then,
                   int tries = 3);
-    void replace(const SharedChange& change);
+    void replace(const SharedChange& change, const std::vector<std::string>& missing);
     void put(const std::optional<MediaLibrary>& library, const Json& settings,
              const ShowStore::Answer& answer, int tries = 3);
     void letGo(std::shared_ptr<const void> library);

@@ -96,9 +96,7 @@ ShowManager::ShowManager(Session* session, QWidget* parent)
 
 void ShowManager::handleSaveAs()
 {
-    m_names.clear();
     m_saveAsDialog->setError(0, {});
-    m_shelf->fetchNames([this](const QStringList& names) { m_names = names; });
     m_saveAsDialog->open();
 }
 
@@ -118,12 +116,18 @@ void ShowManager::confirmSaveAs(const QStringList& values)
     if (!error.isEmpty())
         return;
     m_saveAsDialog->close();
+    m_shelf->fetchNames([this, name](const QStringList& names) { saveUnlessTaken(name, names); });
+}
+
+/// What another show was saved as is gone with the next one of that name.
+void ShowManager::saveUnlessTaken(const QString& name, const QStringList& names)
+{
     const QString present = m_session->sceneObjectProvider()->showConfiguration()->showName();
-    if (!m_names.contains(name) || name == present)
-        return saveShowAs(values);
+    if (!names.contains(name) || name == present)
+        return saveShowAs({name});
     m_questions->ask(tr("Replace \"%1\"?").arg(shownText(name)),
                      tr("Another show is saved under this name and will be lost."), tr("REPLACE"),
-                     QStringLiteral("ReplaceShowDialog"), [this, values] { saveShowAs(values); });
+                     QStringLiteral("ReplaceShowDialog"), [this, name] { saveShowAs({name}); });
 }
 
 void ShowManager::handleRevertShow()

@@ -188,6 +188,8 @@ void ShowShelf::fetchNames(std::function<void(const QStringList& names)> then)
 {
     m_service->ask(tr("Save show as"), "GET", QStringLiteral("/shows"), {}, {},
                    [then = std::move(then)](const ShowService::Answer& answer) {
+                       if (!answer.isDone())
+                           return tellNotDone(tr("Save show as"), answer.error);
                        QStringList names;
                        for (const QJsonValue& value : listIn(answer.body(), "shows"))
                            names << value.toObject().value(QStringLiteral("name")).toString();

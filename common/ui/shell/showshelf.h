@@ -26,7 +26,8 @@ public:
 
     void openShows();
     void openEarlier();
-    /// Asks for the names of the shows that are kept.
+    /// Asks for the names of the shows that are kept, for one more to be saved. Where they cannot be had this
+    /// is told, and then is not called.
     void fetchNames(std::function<void(const QStringList& names)> then);
 
 private:

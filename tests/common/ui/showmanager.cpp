@@ -2,12 +2,16 @@
 
 #include "common/notification/notificationmanagerimpl.h"
 #include "common/session/link/connectionhandler.h"
+#include "common/session/mirror/guishowconfiguration.h"
+#include "common/session/mirror/sceneobjectprovider.h"
 #include "common/session/session.h"
 #include "common/ui/shell/importshowdialog.h"
 #include "common/ui/toolkit/confirmationdialog.h"
 #include "common/ui/toolkit/pushbutton.h"
+#include "common/ui/toolkit/textinputdialog.h"
 #include "common/ui/toolkit/ztcheckbox.h"
 #include "common/ui/toolkit/ztedit.h"
+#include "common/ui/toolkit/ztlabel.h"
 #include "tests/common/ui/testsettings.h"
 #include "tests/support/ombraprocess.h"
 #include "tests/support/testmain.h"
@@ -135,6 +139,40 @@ private Q_SLOTS:
         m_shows->saveShowAs({QStringLiteral("gala")});
         QTRY_VERIFY(saved(QStringLiteral("gala*")));
         QVERIFY(!saved(QStringLiteral("a.*")) && !saved(QStringLiteral("b.*")));
+    }
+
+    /// A saved show is lost to another one only by somebody who said so, however late the server tells of it.
+    void asksBeforeAnotherShowIsReplaced()
+    {
+        m_shows->saveShowAs({QStringLiteral("first")});
+        m_shows->saveShowAs({QStringLiteral("second")});
+        const auto isOn = [this](const QString& name) {
+            return m_session->sceneObjectProvider()->showConfiguration()->showName() == name;
+        };
+        QTRY_VERIFY(isOn(QStringLiteral("second")));
+        const QString dialog = QStringLiteral("SaveShowAsDialog");
+        const auto save = [&](const QString& name) {
+            m_shows->handleSaveAs();
+            auto* asked = m_window.findChild<TextInputDialog*>(dialog);
+            asked->setValue(0, name);
+            asked->acceptButton()->click();
+            return m_window.findChild<ZTLabel*>(dialog + QStringLiteral("-input-0-error"))->text();
+        };
+        QVERIFY(save(QStringLiteral("a,b")).contains(QStringLiteral("comma")));
+        QVERIFY(save(QStringLiteral("default")).contains(QStringLiteral("choose another one")));
+        QVERIFY(save(QString(81, u'x')).contains(QStringLiteral("too long")));
+        QVERIFY(save(QStringLiteral("first")).isEmpty()); // before the server could have told anything
+        ConfirmationDialog* question = nullptr;
+        const auto isAsked = [&] {
+            question = m_window.findChild<ConfirmationDialog*>(QStringLiteral("ReplaceShowDialog"));
+            return question != nullptr;
+        };
+        QTRY_VERIFY(isAsked());
+        QVERIFY(question->title().contains(QStringLiteral("first")) && isOn(QStringLiteral("second")));
+        question->acceptButton()->click();
+        QTRY_VERIFY(isOn(QStringLiteral("first")));
+        save(QStringLiteral("third"));
+        QTRY_VERIFY(isOn(QStringLiteral("third")));
     }
 
     void importDialogNeedsAFileAndASection()

@@ -191,6 +191,25 @@ private Q_SLOTS:
         QVERIFY(hears("The show \"none\" could not be taken back: no show was saved under that name."));
         invoke(configuration + "/methods/saveShow", "{\"showName\":\"mine\"}");
         QVERIFY(hears("The show", false));
+        QFile kept(m_live->stateFolder() + QStringLiteral("/shows/mine.show"));
+        QVERIFY(kept.open(QIODevice::ReadOnly));
+        const QByteArray show = kept.readAll();
+        kept.close();
+        const auto revertAs = [&](const char* was, const char* is) {
+            QByteArray other = show;
+            other.replace(was, is);
+            if (other == show || !kept.open(QIODevice::WriteOnly) || kept.write(other) < 0)
+                return false;
+            kept.close();
+            invoke(configuration + "/methods/revertShow", "{\"showName\":\"mine\"}");
+            return true;
+        };
+        QVERIFY(revertAs("\"version\":1", "\"version\":7"));
+        QVERIFY(hears("The show \"mine\" could not be taken back: the show is of version 7"));
+        QVERIFY(revertAs("\"slots\":{}", "\"slots\":{\"1\":{\"contentUrl\":\"file:///gone.mp4\"}}"));
+        QVERIFY(hears("The show \"mine\" is back. One of the show's media is not on this server: gone.mp4."));
+        QVERIFY(revertAs("\"name\":\"one\"", "\"name\":\"one \""));
+        QVERIFY(hears("The show", false));
         std::signal(SIGXFSZ, SIG_IGN);
         rlimit old{};
         QCOMPARE(getrlimit(RLIMIT_FSIZE, &old), 0);
