@@ -219,6 +219,10 @@ void ShowFiles::replace(const SharedChange& change, const std::vector<std::strin
         if (!error.empty())
             return finish(change->done, {507, error, {}});
         Json settings = m_parts.settings.chosen(change->file->show.get("settings"), change->sections);
+        change->instead.forEachMember([&settings](std::string_view path, const Json& value) {
+            settings.set(path, value);
+            return true;
+        });
         Json saved = settings;
         if (!change->name.empty())
             saved.set(CurrentShow::namePath, change->name);
@@ -279,37 +283,50 @@ bool ShowFiles::invoke(const std::string& method, const Json& args, std::string*
         return fail(error, "\"showName\" must be a text of 1 to 80 bytes");
     // Asked for now, it is the show that is on by then.
     const auto named = [this, name] { return name == CurrentShow::unnamed ? m_parts.current.name() : name; };
-    const auto telling = [this](const std::string& what) {
-        return [this, what](const Outcome& outcome) {
-            tell(outcome.status == 200 ? std::string() : what + ": " + reasonOf(outcome.error));
-        };
-    };
     if (method == "saveShow")
-        enqueue([this, named, telling] {
-            save(named(), telling("The show could not be saved as \"" + named() + '"'));
-        });
+        enqueue(
+            [this, named] { save(named(), telling("The show could not be saved as \"" + named() + '"')); });
     else if (method == "revertShow")
-        enqueue([this, named, telling] {
-            const auto read = [folder = m_folder, name = named()](std::string* why) {
-                return folder->read(name, why);
-            };
-            const std::string title = "The show \"" + named() + '"';
-            const auto told = [this, title,
-                               failed = telling(title + " could not be taken back")](const Outcome& outcome) {
-                if (outcome.status == 200 && !outcome.missing.empty())
-                    tell(title + " is back. " + missingSentence(outcome.missing));
-                else
-                    failed(outcome);
-            };
-            Change change{"revert", {}, *showfile::sectionsOf({}), false, named(), told};
-            change.takesMissing = true;
-            readThenCheck(read, std::move(change));
-        });
+        enqueue([this, named] { takeSaved(named(), Json::object(), " could not be taken back", {}); });
     else if (method == "clearShow")
-        enqueue([this, telling] { clear(telling("The show could not be cleared")); });
+        enqueue([this] { clear(telling("The show could not be cleared")); });
     else
         return fail(error, "unknown method");
     return true;
+}
+
+/// What comes to nothing is told, and not asked about.
+ShowFiles::Done ShowFiles::telling(const std::string& what) const
+{
+    return [this, what](const Outcome& outcome) {
+        tell(outcome.status == 200 ? std::string() : what + ": " + reasonOf(outcome.error));
+    };
+}
+
+void ShowFiles::startWith(const std::string& name, const Json& instead, Done done)
+{
+    enqueue([this, name, instead, done = std::move(done)] {
+        takeSaved(name, instead, " could not be started with", done);
+    });
+}
+
+void ShowFiles::takeSaved(const std::string& name, const Json& instead, const char* failure, Done done)
+{
+    const std::string title = "The show \"" + name + '"';
+    const auto told = [this, title, failed = telling(title + failure),
+                       done = std::move(done)](const Outcome& outcome) {
+        if (outcome.status == 200 && !outcome.missing.empty())
+            tell(title + " is on. " + missingSentence(outcome.missing));
+        else
+            failed(outcome);
+        if (done)
+            done(outcome);
+    };
+    const auto read = [folder = m_folder, name](std::string* why) { return folder->read(name, why); };
+    Change change{"revert", {}, *showfile::sectionsOf({}), false, name, told};
+    change.takesMissing = true;
+    change.instead = instead;
+    readThenCheck(read, std::move(change));
 }
 
 void ShowFiles::save(const std::string& name, const Done& done)

@@ -61,6 +61,9 @@ public:
                     Done done);
     /// Goes on with the show that was saved under a name; 404 where there is none.
     void load(const std::string& name, bool forced, Done done);
+    /// The same for a start, where nobody can be asked: what comes to nothing, or lacks media, is told.
+    /// instead: settings that stand in the place of the show's own.
+    void startWith(const std::string& name, const Json& instead, Done done);
     /// Goes back to an earlier state, under the name that the show has now.
     void bringBack(const std::string& id, bool forced, Done done);
     void remove(const std::string& name, Done done);
@@ -90,7 +93,8 @@ private:
         bool forced = false;
         std::string name; // of the show from then on; empty keeps the present one
         Done done;
-        bool takesMissing = false; // who asked for it cannot be asked: what is missing is told behind it
+        bool takesMissing = false;     // who wants it cannot be asked: what is missing is told behind it
+        Json instead = Json::object(); // settings in the place of the show's own
     };
     using SharedChange = std::shared_ptr<const Change>;
 
@@ -108,6 +112,8 @@ private:
     void put(const std::optional<MediaLibrary>& library, const Json& settings,
              const ShowStore::Answer& answer, int tries = 3);
     void letGo(std::shared_ptr<const void> library);
+    void takeSaved(const std::string& name, const Json& instead, const char* failure, Done done);
+    Done telling(const std::string& what) const;
     void clear(const Done& done);
     void save(const std::string& name, const Done& done);
     void readSaved();
