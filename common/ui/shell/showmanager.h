@@ -11,6 +11,7 @@ class ImportShowDialog;
 class Object;
 class OnAirQuestions;
 class Session;
+class ShowProgress;
 class ShowService;
 class ShowShelf;
 class TextInputDialog;
@@ -61,6 +62,7 @@ private:
     Session* m_session;
     OnAirQuestions* m_questions;
     ShowService* m_service;
+    ShowProgress* m_progress;
     ShowShelf* m_shelf;
     QByteArray m_importData; // kept for a forced second try
     QStringList m_importSections;

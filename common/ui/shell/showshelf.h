@@ -11,6 +11,7 @@ namespace vantrel {
 
 class OnAirQuestions;
 class Session;
+class ShowProgress;
 class ShowService;
 class ShowTableDialog;
 
@@ -22,7 +23,8 @@ class ShowShelf : public QObject
 
 public:
     /// All must outlive this. window: the dialogs open over it.
-    ShowShelf(Session* session, ShowService* service, OnAirQuestions* questions, QWidget* window);
+    ShowShelf(Session* session, ShowService* service, OnAirQuestions* questions, ShowProgress* progress,
+              QWidget* window);
 
     void openShows();
     void openEarlier();
@@ -44,6 +46,7 @@ private:
     Session* m_session;
     ShowService* m_service;
     OnAirQuestions* m_questions;
+    ShowProgress* m_progress;
     ShowTableDialog* m_shows;
     ShowTableDialog* m_earlier;
 };

@@ -18,6 +18,8 @@
 
 #include <QDirIterator>
 #include <QFile>
+#include <QNetworkAccessManager>
+#include <QNetworkReply>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
@@ -63,12 +65,21 @@ private Q_SLOTS:
 
     void anImportThatFailsMayBeForcedOnce()
     {
+        QStringList asked;
+        QObject here;
+        connect(m_session->getQNetworkAccessManager(), &QNetworkAccessManager::finished, &here,
+                [&asked](QNetworkReply* reply) {
+                    const QNetworkRequest request = reply->request();
+                    if (reply->operation() == QNetworkAccessManager::PostOperation)
+                        asked << request.url().path() + u'?' + request.url().query() + u' ' +
+                                     request.header(QNetworkRequest::ContentTypeHeader).toString();
+                });
         const QString file = m_folder.filePath(QStringLiteral("broken.show"));
         QFile broken(file);
         QVERIFY(broken.open(QIODevice::WriteOnly));
         broken.write("this is no show");
         broken.close();
-        m_shows->importShow(file, {QStringLiteral("audio")});
+        m_shows->importShow(file, QStringLiteral("output,audio,playback,medialibrary").split(u','));
         QTRY_VERIFY(m_shows->forceImportDialog()->isVisible());
         QVERIFY(
             m_shows->forceImportDialog()->description().startsWith(QStringLiteral("This is no show file")));
@@ -80,6 +91,10 @@ private Q_SLOTS:
         QTRY_VERIFY(QFile(after).size() > 0);
         QVERIFY(!m_shows->forceImportDialog()->isVisible()); // a forced import that fails only tells
         QTRY_VERIFY(!said().filter(QStringLiteral("Not done: Import show")).isEmpty());
+        const QString first =
+            QStringLiteral("/api/brume/v1/show/current?include=output,audio,playback,medialibrary");
+        const QString type = QStringLiteral(" application/x-www-form-urlencoded");
+        QCOMPARE(asked.filter(first), (QStringList{first + type, first + QStringLiteral("&force") + type}));
     }
 
     /// The error that came stands in the question, and no other one.
@@ -175,6 +190,25 @@ private Q_SLOTS:
         QTRY_VERIFY(isOn(QStringLiteral("third")));
     }
 
+    /// What takes longer than a moment says so, and can be stopped; nothing of it is left then.
+    void whatTakesLongCanBeStopped()
+    {
+        const QString file = m_folder.filePath(QStringLiteral("stopped.show"));
+        const auto progress = [this] {
+            return m_window.findChild<ZTDialog*>(QStringLiteral("ShowProgressDialog"));
+        };
+        m_server.hang();
+        m_shows->exportShow(file);
+        QVERIFY(!progress());
+        QTRY_VERIFY(progress() && progress()->isVisible());
+        test::expectWarning(QStringLiteral("Download failed:"));
+        progress()->cancelButton()->click();
+        QTRY_VERIFY(!progress());
+        m_server.goOn();
+        QTRY_VERIFY(!said().filter(QStringLiteral("Not done: Export show - It was stopped.")).isEmpty());
+        QVERIFY(!QFile::exists(file));
+    }
+
     void importDialogNeedsAFileAndASection()
     {
         ImportShowDialog dialog;
@@ -199,13 +233,24 @@ private Q_SLOTS:
         QVERIFY(!dialog.isVisible());
     }
 
+    void anImportWithoutAServerMayBeTriedAgain()
+    {
+        m_session->connectionHandler()->disconnect();
+        QTRY_VERIFY(m_session->connectionHandler()->getConnectedHost().isEmpty());
+        m_shows->importShow(m_folder.filePath(QStringLiteral("gala.show")), {QStringLiteral("audio")});
+        QTRY_VERIFY(m_shows->forceImportDialog()->isVisible());
+        QVERIFY(m_shows->forceImportDialog()->description().startsWith(
+            QStringLiteral("The server did not answer")));
+        m_shows->forceImportDialog()->reject();
+    }
+
 private:
     static QStringList said()
     {
-        QStringList titles;
+        QStringList texts;
         for (const auto& notification : NotificationManagerImpl::instance()->notifications())
-            titles << notification->title();
-        return titles;
+            texts << notification->title() + QStringLiteral(" - ") + notification->details();
+        return texts;
     }
 
     test::OmbraProcess m_server;
