@@ -11,6 +11,8 @@
 #include "ombra/rest/httpserver.h"
 #include "ombra/rest/mediadata.h"
 #include "ombra/rest/restapi.h"
+#include "ombra/show/autosave.h"
+#include "ombra/show/autostart.h"
 #include "ombra/show/currentshow.h"
 #include "ombra/show/generations.h"
 #include "ombra/show/initiallibrary.h"
@@ -113,7 +115,8 @@ bool Server::start(std::string* error)
         return false;
     startEngine();
     countSeconds();
-    m_settings->apply(m_store->settings(), SceneSettings::sections());
+    m_autoStart = std::make_unique<AutoStart>(*m_store, *m_settings, *m_showFiles, *m_currentShow);
+    m_autoStart->begin();
     m_teller = std::make_unique<EventTeller>(
         m_io, [this](const EventTeller::Message& message) { m_http->broadcastStream(message); });
     m_store->addLibraryListener([this](const ShowStore::Difference& difference) {
@@ -160,6 +163,7 @@ bool Server::openShow(std::string* error)
     m_showFiles =
         std::make_unique<ShowFiles>(m_io, ShowFiles::Parts{*m_store, *m_settings, *m_outputs, *m_currentShow},
                                     m_options.state, m_options.media);
+    m_autoSave = std::make_unique<AutoSave>(m_io, *m_showFiles, *m_currentShow, *m_store);
     m_showFiles->setTroubleListener(
         [this](const std::string& sentence) { m_notices->set("show file", sentence); });
     return true;

@@ -18,6 +18,8 @@ class NetworkResponder;
 
 namespace vantrel::ombra {
 
+class AutoSave;
+class AutoStart;
 class CurrentShow;
 class Engine;
 class EventTeller;
@@ -88,6 +90,8 @@ private:
     std::unique_ptr<SceneSettings> m_settings;
     std::unique_ptr<CurrentShow> m_currentShow;
     std::unique_ptr<ShowFiles> m_showFiles;
+    std::unique_ptr<AutoSave> m_autoSave;
+    std::unique_ptr<AutoStart> m_autoStart;
     std::unique_ptr<PreviewServer> m_preview;
     std::unique_ptr<FtpService> m_files;
     std::unique_ptr<Engine> m_engine;

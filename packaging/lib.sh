@@ -39,10 +39,11 @@ install_packages() {
   rm -f "$log"
 }
 
+# What is there already is brought up to date first, so that whoever lists its tests lists those of now.
 configure() {
   local log=$build_dir/configure.log
   mkdir -p "$build_dir"
-  [ -e "$build_dir/build.ninja" ] && return 0
+  [ -e "$build_dir/build.ninja" ] && ninja -C "$build_dir" build.ninja >"$log" 2>&1 && return 0
   say "configuring"
   (cd "$root" && cmake --preset "$preset") >"$log" 2>&1 || { tail -n 20 "$log" >&2; fail "configuring failed; see $log"; }
 }

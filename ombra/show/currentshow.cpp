@@ -51,7 +51,10 @@ void CurrentShow::compare()
     m_isTouched = false;
     const ShowDifference difference(m_store.library().toJson(), m_savedLibrary, m_settings.current(),
                                     m_savedSettings, true);
-    write("showModified", Variant::from(difference.isAny()));
+    m_isModified = difference.isAny();
+    write("showModified", Variant::from(m_isModified));
+    if (m_isModified && m_modifiedListener)
+        m_modifiedListener();
 }
 
 void CurrentShow::write(const char* property, const Variant& value)

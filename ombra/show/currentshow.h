@@ -6,7 +6,9 @@
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/steady_timer.hpp>
 
+#include <functional>
 #include <string>
+#include <utility>
 
 namespace vantrel::ombra {
 
@@ -29,6 +31,10 @@ public:
     void setSaved(const std::string& name, const Json& library, const Json& settings);
     const Json& savedLibrary() const noexcept { return m_savedLibrary; }
 
+    bool isModified() const noexcept { return m_isModified; }
+    /// Called whenever the show was looked at and found to differ from what is saved.
+    void setModifiedListener(std::function<void()> listener) { m_modifiedListener = std::move(listener); }
+
 private:
     void touch();
     void compare();
@@ -41,6 +47,8 @@ private:
     Json m_savedLibrary, m_savedSettings;
     boost::asio::steady_timer m_soon;
     bool m_isTouched = false;
+    bool m_isModified = false;
+    std::function<void()> m_modifiedListener;
 };
 
 } // namespace vantrel::ombra

@@ -36,7 +36,11 @@ const std::map<std::string, Properties, std::less<>>& lasting()
           {"edidOverride", "output"},
           {"edidOverrideFilename", "output"}}},
         {"ShowConfiguration",
-         {{"autoSave", "playback"}, {"autoStartShow", "playback"}, {"showName", ofServer}}},
+         {{"autoSave", "playback"},
+          {"autoStartShow", "playback"},
+          {"autoStartPlayState", "playback"},
+          {"autoStartShowList", ofServer},
+          {"showName", ofServer}}},
     };
     return table;
 }
@@ -87,6 +91,16 @@ bool keptValue(const Object* object, const PropertyInfo* property, Json& out)
 const std::set<std::string>& SceneSettings::sections()
 {
     static const std::set<std::string> all = {"output", "audio", "playback"};
+    return all;
+}
+
+const std::set<std::string>& SceneSettings::all()
+{
+    static const std::set<std::string> all = [] {
+        std::set<std::string> names = sections();
+        names.insert(ofServer);
+        return names;
+    }();
     return all;
 }
 

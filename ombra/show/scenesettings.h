@@ -19,6 +19,8 @@ class SceneSettings
 public:
     /// The sections of a show that stand in the scene.
     static const std::set<std::string>& sections(); // "output", "audio", "playback"
+    /// With what lasts and is no part of a show.
+    static const std::set<std::string>& all();
 
     /// What puts a saved picture back: the path of a playback, and a position in its media in seconds.
     using Seek = std::function<void(const std::string& playback, double seconds)>;

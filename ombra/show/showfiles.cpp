@@ -177,11 +177,11 @@ void ShowFiles::check(const SharedChange& change)
     if (outcome.status != 200)
         return finish(change->done, outcome);
     if (!hasLibrary || change->forced)
-        return replace(change);
+        return replace(change, {});
     const auto ask = [change, media = m_media] { return missingMedia(media, change->file->library); };
     aside(ask, [this, change](const std::vector<std::string>& missing) {
-        if (missing.empty())
-            replace(change);
+        if (missing.empty() || change->takesMissing)
+            replace(change, missing);
         else
             finish(change->done, {409, missingSentence(missing), missing});
     });
@@ -213,23 +213,28 @@ void ShowFiles::keepCopy(const std::string& before, std::function<void(const std
     });
 }
 
-void ShowFiles::replace(const SharedChange& change)
+void ShowFiles::replace(const SharedChange& change, const std::vector<std::string>& missing)
 {
-    keepCopy(change->before, [this, change](const std::string& error) {
+    keepCopy(change->before, [this, change, missing](const std::string& error) {
         if (!error.empty())
             return finish(change->done, {507, error, {}});
         Json settings = m_parts.settings.chosen(change->file->show.get("settings"), change->sections);
+        change->instead.forEachMember([&settings](std::string_view path, const Json& value) {
+            settings.set(path, value);
+            return true;
+        });
         Json saved = settings;
         if (!change->name.empty())
             saved.set(CurrentShow::namePath, change->name);
-        const auto replaced = [this, change, settings](const EditResult& result) {
+        const auto replaced = [this, change, settings, missing](const EditResult& result) {
             if (result.status != EditResult::Status::Saved)
                 return finish(change->done, {statusOf(result), sentenceOf(result.message), {}});
             m_parts.settings.apply(settings, change->sections);
             if (!change->name.empty())
                 m_parts.current.setSaved(change->name, m_parts.store.library().toJson(),
                                          m_parts.settings.current());
-            finish(change->done, {});
+            tell({}); // what it said of the show before
+            finish(change->done, {200, {}, missing});
             letGo(change);
         };
         put(change->sections.contains("medialibrary") ? std::optional(change->file->library) : std::nullopt,
@@ -278,32 +283,50 @@ bool ShowFiles::invoke(const std::string& method, const Json& args, std::string*
         return fail(error, "\"showName\" must be a text of 1 to 80 bytes");
     // Asked for now, it is the show that is on by then.
     const auto named = [this, name] { return name == CurrentShow::unnamed ? m_parts.current.name() : name; };
-    const auto telling = [this](const std::string& what) {
-        return [this, what](const Outcome& outcome) {
-            tell(outcome.status == 200 ? std::string() : what + ": " + reasonOf(outcome.error));
-        };
-    };
     if (method == "saveShow")
-        enqueue([this, named, telling] {
-            save(named(), telling("The show could not be saved as \"" + named() + '"'));
-        });
+        enqueue(
+            [this, named] { save(named(), telling("The show could not be saved as \"" + named() + '"')); });
     else if (method == "revertShow")
-        enqueue([this, named, telling] {
-            const auto read = [folder = m_folder, name = named()](std::string* why) {
-                return folder->read(name, why);
-            };
-            readThenCheck(read, {"revert",
-                                 {},
-                                 *showfile::sectionsOf({}),
-                                 true,
-                                 named(),
-                                 telling("The show \"" + named() + "\" could not be taken back")});
-        });
+        enqueue([this, named] { takeSaved(named(), Json::object(), " could not be taken back", {}); });
     else if (method == "clearShow")
-        enqueue([this, telling] { clear(telling("The show could not be cleared")); });
+        enqueue([this] { clear(telling("The show could not be cleared")); });
     else
         return fail(error, "unknown method");
     return true;
+}
+
+/// What comes to nothing is told, and not asked about.
+ShowFiles::Done ShowFiles::telling(const std::string& what) const
+{
+    return [this, what](const Outcome& outcome) {
+        tell(outcome.status == 200 ? std::string() : what + ": " + reasonOf(outcome.error));
+    };
+}
+
+void ShowFiles::startWith(const std::string& name, const Json& instead, Done done)
+{
+    enqueue([this, name, instead, done = std::move(done)] {
+        takeSaved(name, instead, " could not be started with", done);
+    });
+}
+
+void ShowFiles::takeSaved(const std::string& name, const Json& instead, const char* failure, Done done)
+{
+    const std::string title = "The show \"" + name + '"';
+    const auto told = [this, title, failed = telling(title + failure),
+                       done = std::move(done)](const Outcome& outcome) {
+        if (outcome.status == 200 && !outcome.missing.empty())
+            tell(title + " is on. " + missingSentence(outcome.missing));
+        else
+            failed(outcome);
+        if (done)
+            done(outcome);
+    };
+    const auto read = [folder = m_folder, name](std::string* why) { return folder->read(name, why); };
+    Change change{"revert", {}, *showfile::sectionsOf({}), false, name, told};
+    change.takesMissing = true;
+    change.instead = instead;
+    readThenCheck(read, std::move(change));
 }
 
 void ShowFiles::save(const std::string& name, const Done& done)

@@ -49,7 +49,7 @@ public:
     {
         unsigned status = 200;            // of HTTP
         std::string error;                // a sentence
-        std::vector<std::string> missing; // media, where it is refused for them
+        std::vector<std::string> missing; // media; where it is refused, for them
     };
     using Done = std::function<void(const Outcome&)>;
 
@@ -61,6 +61,9 @@ public:
                     Done done);
     /// Goes on with the show that was saved under a name; 404 where there is none.
     void load(const std::string& name, bool forced, Done done);
+    /// The same for a start, where nobody can be asked: what comes to nothing, or lacks media, is told.
+    /// instead: settings that stand in the place of the show's own.
+    void startWith(const std::string& name, const Json& instead, Done done);
     /// Goes back to an earlier state, under the name that the show has now.
     void bringBack(const std::string& id, bool forced, Done done);
     void remove(const std::string& name, Done done);
@@ -69,7 +72,8 @@ public:
     void listShows(Listed listed);
     void listEarlier(Listed listed);
 
-    /// Called with a sentence when something that was invoked comes to nothing, and with none when it worked.
+    /// Called with a sentence when something that was invoked comes to nothing, or lacks media, and with none
+    /// when a show was taken over or saved.
     void setTroubleListener(std::function<void(const std::string& sentence)> listener)
     {
         m_trouble = std::move(listener);
@@ -89,6 +93,8 @@ private:
         bool forced = false;
         std::string name; // of the show from then on; empty keeps the present one
         Done done;
+        bool takesMissing = false;     // who wants it cannot be asked: what is missing is told behind it
+        Json instead = Json::object(); // settings in the place of the show's own
     };
     using SharedChange = std::shared_ptr<const Change>;
 
@@ -102,10 +108,12 @@ private:
     void check(const SharedChange& change);
     void keepCopy(const std::string& before, std::function<void(const std::string& error)> then,
                   int tries = 3);
-    void replace(const SharedChange& change);
+    void replace(const SharedChange& change, const std::vector<std::string>& missing);
     void put(const std::optional<MediaLibrary>& library, const Json& settings,
              const ShowStore::Answer& answer, int tries = 3);
     void letGo(std::shared_ptr<const void> library);
+    void takeSaved(const std::string& name, const Json& instead, const char* failure, Done done);
+    Done telling(const std::string& what) const;
     void clear(const Done& done);
     void save(const std::string& name, const Done& done);
     void readSaved();

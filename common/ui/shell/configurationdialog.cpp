@@ -201,11 +201,11 @@ void ConfigurationDialog::initAutoStartShow(const QStringList& shows, const QStr
     m_startShow->clear();
     m_startShow->addItem(tr("None"), QString());
     m_startShow->addItem(tr("Default"), QStringLiteral("default"));
-    for (const QString& show : shows) {
-        if (!show.isEmpty() && show != QLatin1String("default"))
+    for (const QString& show : shows + QStringList{current}) { // which may be gone, and stands for itself
+        if (!show.isEmpty() && m_startShow->findData(show) < 0)
             m_startShow->addItem(shownText(show), show);
     }
-    m_startShow->setCurrentIndex(qMax(0, m_startShow->findData(current)));
+    m_startShow->setCurrentIndex(m_startShow->findData(current));
 }
 
 void ConfigurationDialog::setServerData(int column, const QVariant& value)

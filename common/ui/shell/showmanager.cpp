@@ -12,6 +12,7 @@
 #include "common/ui/shell/importshowdialog.h"
 #include "common/ui/shell/onairquestions.h"
 #include "common/ui/shell/showfileaccess.h"
+#include "common/ui/shell/showprogress.h"
 #include "common/ui/shell/showservice.h"
 #include "common/ui/shell/showshelf.h"
 #include "common/ui/toolkit/confirmationdialog.h"
@@ -72,7 +73,8 @@ ShowManager::ShowManager(Session* session, QWidget* parent)
     , m_session(session)
     , m_questions(new OnAirQuestions(session, parent))
     , m_service(new ShowService(session, this))
-    , m_shelf(new ShowShelf(session, m_service, m_questions, parent))
+    , m_progress(new ShowProgress(parent))
+    , m_shelf(new ShowShelf(session, m_service, m_questions, m_progress, parent))
     , m_clearDialog(new ConfirmationDialog(tr("Clear show"), clearText(), tr("CLEAR"), parent))
     , m_revertDialog(new ConfirmationDialog(tr("Revert show"), revertText(), tr("REVERT"), parent))
     , m_saveAsDialog(new TextInputDialog(tr("Save show as"), tr("Name of show:"), tr("SAVE"), parent))
@@ -96,9 +98,7 @@ ShowManager::ShowManager(Session* session, QWidget* parent)
 
 void ShowManager::handleSaveAs()
 {
-    m_names.clear();
     m_saveAsDialog->setError(0, {});
-    m_shelf->fetchNames([this](const QStringList& names) { m_names = names; });
     m_saveAsDialog->open();
 }
 
@@ -118,12 +118,18 @@ void ShowManager::confirmSaveAs(const QStringList& values)
     if (!error.isEmpty())
         return;
     m_saveAsDialog->close();
+    m_shelf->fetchNames([this, name](const QStringList& names) { saveUnlessTaken(name, names); });
+}
+
+/// What another show was saved as is gone with the next one of that name.
+void ShowManager::saveUnlessTaken(const QString& name, const QStringList& names)
+{
     const QString present = m_session->sceneObjectProvider()->showConfiguration()->showName();
-    if (!m_names.contains(name) || name == present)
-        return saveShowAs(values);
+    if (!names.contains(name) || name == present)
+        return saveShowAs({name});
     m_questions->ask(tr("Replace \"%1\"?").arg(shownText(name)),
                      tr("Another show is saved under this name and will be lost."), tr("REPLACE"),
-                     QStringLiteral("ReplaceShowDialog"), [this, values] { saveShowAs(values); });
+                     QStringLiteral("ReplaceShowDialog"), [this, name] { saveShowAs({name}); });
 }
 
 void ShowManager::handleRevertShow()
@@ -235,12 +241,14 @@ void ShowManager::sendImportRequest(bool force)
             return tellDone(tr("The show was imported"));
         }
         qCDebug(log) << "Error:" << answer.netError;
-        if (force)
+        if (force || answer.isStopped)
             return tellNotDone(tr("Import show"), answer.error);
         m_forceImportDialog->setDescription(answer.error + QStringLiteral("\n\n") + questionFor(answer));
         m_forceImportDialog->open();
     };
-    m_service->ask(tr("Import show"), "POST", QStringLiteral("/show/current"), query, m_importData, then);
+    m_progress->follow(
+        m_service->ask(tr("Import show"), "POST", QStringLiteral("/show/current"), query, m_importData, then),
+        tr("Import show"), tr("The server takes the show over. It plays on meanwhile."));
 }
 
 void ShowManager::handleExport()
@@ -264,13 +272,15 @@ void ShowManager::handleExport()
 
 void ShowManager::exportShow(const QString& fileName)
 {
-    m_service->ask(tr("Export show"), "GET", QStringLiteral("/show/current"), {}, {},
-                   [this, fileName](const ShowService::Answer& answer) {
-                       if (answer.isDone())
-                           return saveReply(answer.pieces, fileName);
-                       qCWarning(log) << "Download failed:" << answer.netError;
-                       tellNotDone(tr("Export show"), answer.error);
-                   });
+    const auto then = [this, fileName](const ShowService::Answer& answer) {
+        if (answer.isDone())
+            return saveReply(answer.pieces, fileName);
+        qCWarning(log) << "Download failed:" << answer.netError;
+        tellNotDone(tr("Export show"), answer.error);
+    };
+    m_progress->follow(
+        m_service->ask(tr("Export show"), "GET", QStringLiteral("/show/current"), {}, {}, then),
+        tr("Export show"), tr("The server sends the show."));
 }
 
 void ShowManager::saveReply(const QByteArrayList& pieces, const QString& fileName)

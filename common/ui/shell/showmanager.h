@@ -11,6 +11,7 @@ class ImportShowDialog;
 class Object;
 class OnAirQuestions;
 class Session;
+class ShowProgress;
 class ShowService;
 class ShowShelf;
 class TextInputDialog;
@@ -53,6 +54,7 @@ public Q_SLOTS:
 private:
     void askToImport(const QString& fileName, const QStringList& imports);
     void confirmSaveAs(const QStringList& values);
+    void saveUnlessTaken(const QString& name, const QStringList& names);
     template <typename Command>
     void send(const char* name, const QString& showName);
     void saveReply(const QByteArrayList& pieces, const QString& fileName);
@@ -60,8 +62,8 @@ private:
     Session* m_session;
     OnAirQuestions* m_questions;
     ShowService* m_service;
+    ShowProgress* m_progress;
     ShowShelf* m_shelf;
-    QStringList m_names;     // of the shows that are kept, while a name is asked for
     QByteArray m_importData; // kept for a forced second try
     QStringList m_importSections;
     ConfirmationDialog* m_clearDialog;

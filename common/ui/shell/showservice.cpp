@@ -15,20 +15,27 @@
 
 namespace vantrel {
 
+namespace {
+
+/// A property of the reply.
+constexpr const char* stopped = "isStopped";
+
+} // namespace
+
 ShowService::ShowService(Session* session, QObject* parent)
     : QObject(parent)
     , m_session(session)
 {
 }
 
-void ShowService::ask(const QString& command, const QByteArray& method, const QString& path,
-                      const QUrlQuery& query, const QByteArray& body, Then then)
+QNetworkReply* ShowService::ask(const QString& command, const QByteArray& method, const QString& path,
+                                const QUrlQuery& query, const QByteArray& body, Then then)
 {
     // By a road of its own, which is no reason to wait in the sockets of a server that hangs. Without any
     // server the request itself fails.
     const QString host = m_session->connectionHandler()->getConnectedHost();
     if (!host.isEmpty() && !CommandGate::passes(m_session->getQUndoStack(), command))
-        return;
+        return nullptr;
     QUrl url;
     url.setScheme(QStringLiteral("http"));
     url.setHost(host);
@@ -54,6 +61,13 @@ void ShowService::ask(const QString& command, const QByteArray& method, const QS
         finish(*reply, *answer);
         then(*answer);
     });
+    return reply;
+}
+
+void ShowService::stop(QNetworkReply* reply)
+{
+    reply->setProperty(stopped, true);
+    reply->abort();
 }
 
 void ShowService::finish(const QNetworkReply& reply, Answer& answer)
@@ -62,6 +76,13 @@ void ShowService::finish(const QNetworkReply& reply, Answer& answer)
     if (reply.error() == QNetworkReply::NoError)
         return;
     answer.netError = reply.errorString();
+    answer.isStopped = reply.property(stopped).toBool();
+    if (answer.isStopped) {
+        answer.error = reply.operation() == QNetworkAccessManager::GetOperation
+                           ? tr("It was stopped.")
+                           : tr("It was stopped here. What the server has begun already it still finishes.");
+        return;
+    }
     const QJsonObject said = QJsonDocument::fromJson(answer.body()).object();
     answer.error = said.value(QStringLiteral("error")).toString();
     answer.missing = said.value(QStringLiteral("missing")).toVariant().toStringList();

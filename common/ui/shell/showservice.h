@@ -30,6 +30,7 @@ public:
         QByteArrayList pieces; // of the body, which is large: a show
         QString netError;      // as the network tells it
         QStringList missing;   // media, where it was refused for them
+        bool isStopped = false;
 
         bool isDone() const { return error.isEmpty(); }
         QByteArray body() const { return pieces.join(); }
@@ -37,9 +38,11 @@ public:
     using Then = std::function<void(const Answer&)>;
 
     /// path: below "/api/brume/v1". method: "GET", "POST" or "DELETE". command: what the operator asked for,
-    /// which is refused aloud while the server does not answer; then is not called then.
-    void ask(const QString& command, const QByteArray& method, const QString& path, const QUrlQuery& query,
-             const QByteArray& body, Then then);
+    /// which is refused aloud while the server does not answer; then is not called then, and null returned.
+    QNetworkReply* ask(const QString& command, const QByteArray& method, const QString& path,
+                       const QUrlQuery& query, const QByteArray& body, Then then);
+    /// The answer is not waited for any longer.
+    static void stop(QNetworkReply* reply);
 
 private:
     static void finish(const QNetworkReply& reply, Answer& answer);

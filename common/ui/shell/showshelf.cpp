@@ -6,8 +6,10 @@
 #include "common/notification/notificationmanagerimpl.h"
 #include "common/session/mirror/guishowconfiguration.h"
 #include "common/session/mirror/sceneobjectprovider.h"
+#include "common/session/mirror/serverconfigurationmodel.h"
 #include "common/session/session.h"
 #include "common/ui/shell/onairquestions.h"
+#include "common/ui/shell/showprogress.h"
 #include "common/ui/shell/showservice.h"
 #include "common/ui/shell/showtabledialog.h"
 #include "common/ui/toolkit/pushbutton.h"
@@ -108,11 +110,13 @@ QJsonArray listIn(const QByteArray& body, const char* name)
 
 } // namespace
 
-ShowShelf::ShowShelf(Session* session, ShowService* service, OnAirQuestions* questions, QWidget* window)
+ShowShelf::ShowShelf(Session* session, ShowService* service, OnAirQuestions* questions,
+                     ShowProgress* progress, QWidget* window)
     : QObject(window)
     , m_session(session)
     , m_service(service)
     , m_questions(questions)
+    , m_progress(progress)
     , m_shows(new ShowTableDialog(tr("Shows on the server"),
                                   {tr("Name"), tr("Saved"), tr("Size"), tr("Holds")}, tr("LOAD"), window))
     , m_earlier(new ShowTableDialog(tr("Bring back an earlier state"),
@@ -186,13 +190,17 @@ void ShowShelf::fillEarlier()
 
 void ShowShelf::fetchNames(std::function<void(const QStringList& names)> then)
 {
-    m_service->ask(tr("Save show as"), "GET", QStringLiteral("/shows"), {}, {},
-                   [then = std::move(then)](const ShowService::Answer& answer) {
-                       QStringList names;
-                       for (const QJsonValue& value : listIn(answer.body(), "shows"))
-                           names << value.toObject().value(QStringLiteral("name")).toString();
-                       then(names);
-                   });
+    const QString command = tr("Save show as");
+    const auto read = [command, then = std::move(then)](const ShowService::Answer& answer) {
+        if (!answer.isDone())
+            return tellNotDone(command, answer.error);
+        QStringList names;
+        for (const QJsonValue& value : listIn(answer.body(), "shows"))
+            names << value.toObject().value(QStringLiteral("name")).toString();
+        then(names);
+    };
+    m_progress->follow(m_service->ask(command, "GET", QStringLiteral("/shows"), {}, {}, read), command,
+                       tr("The server looks through its shows."));
 }
 
 void ShowShelf::askToLoad(const QString& name)
@@ -247,7 +255,8 @@ void ShowShelf::change(const QString& command, const QString& path, const QStrin
         else
             tellNotDone(command, answer.error);
     };
-    m_service->ask(command, "POST", path, query, {}, then);
+    m_progress->follow(m_service->ask(command, "POST", path, query, {}, then), command,
+                       tr("The server takes the show over. It plays on meanwhile."));
 }
 
 void ShowShelf::askToRemove(const QString& name)
@@ -256,8 +265,10 @@ void ShowShelf::askToRemove(const QString& name)
         QUrlQuery query;
         query.addQueryItem(QStringLiteral("show"), QString::fromLatin1(QUrl::toPercentEncoding(name)));
         m_service->ask(tr("Delete show"), "DELETE", QStringLiteral("/shows"), query, {},
-                       [this](const ShowService::Answer& answer) {
-                           if (!answer.isDone())
+                       [this, name](const ShowService::Answer& answer) {
+                           if (answer.isDone())
+                               m_session->serverConfigurationModel()->deleteShow(name);
+                           else
                                tellNotDone(tr("Delete show"), answer.error);
                            fillShows();
                        });

@@ -11,6 +11,7 @@ namespace vantrel {
 
 class OnAirQuestions;
 class Session;
+class ShowProgress;
 class ShowService;
 class ShowTableDialog;
 
@@ -22,11 +23,13 @@ class ShowShelf : public QObject
 
 public:
     /// All must outlive this. window: the dialogs open over it.
-    ShowShelf(Session* session, ShowService* service, OnAirQuestions* questions, QWidget* window);
+    ShowShelf(Session* session, ShowService* service, OnAirQuestions* questions, ShowProgress* progress,
+              QWidget* window);
 
     void openShows();
     void openEarlier();
-    /// Asks for the names of the shows that are kept.
+    /// Asks for the names of the shows that are kept, for one more to be saved. Where they cannot be had this
+    /// is told, and then is not called.
     void fetchNames(std::function<void(const QStringList& names)> then);
 
 private:
@@ -43,6 +46,7 @@ private:
     Session* m_session;
     ShowService* m_service;
     OnAirQuestions* m_questions;
+    ShowProgress* m_progress;
     ShowTableDialog* m_shows;
     ShowTableDialog* m_earlier;
 };

@@ -2,18 +2,24 @@
 
 #include "common/notification/notificationmanagerimpl.h"
 #include "common/session/link/connectionhandler.h"
+#include "common/session/mirror/guishowconfiguration.h"
+#include "common/session/mirror/sceneobjectprovider.h"
 #include "common/session/session.h"
 #include "common/ui/shell/importshowdialog.h"
 #include "common/ui/toolkit/confirmationdialog.h"
 #include "common/ui/toolkit/pushbutton.h"
+#include "common/ui/toolkit/textinputdialog.h"
 #include "common/ui/toolkit/ztcheckbox.h"
 #include "common/ui/toolkit/ztedit.h"
+#include "common/ui/toolkit/ztlabel.h"
 #include "tests/common/ui/testsettings.h"
 #include "tests/support/ombraprocess.h"
 #include "tests/support/testmain.h"
 
 #include <QDirIterator>
 #include <QFile>
+#include <QNetworkAccessManager>
+#include <QNetworkReply>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
@@ -59,12 +65,21 @@ private Q_SLOTS:
 
     void anImportThatFailsMayBeForcedOnce()
     {
+        QStringList asked;
+        QObject here;
+        connect(m_session->getQNetworkAccessManager(), &QNetworkAccessManager::finished, &here,
+                [&asked](QNetworkReply* reply) {
+                    const QNetworkRequest request = reply->request();
+                    if (reply->operation() == QNetworkAccessManager::PostOperation)
+                        asked << request.url().path() + u'?' + request.url().query() + u' ' +
+                                     request.header(QNetworkRequest::ContentTypeHeader).toString();
+                });
         const QString file = m_folder.filePath(QStringLiteral("broken.show"));
         QFile broken(file);
         QVERIFY(broken.open(QIODevice::WriteOnly));
         broken.write("this is no show");
         broken.close();
-        m_shows->importShow(file, {QStringLiteral("audio")});
+        m_shows->importShow(file, QStringLiteral("output,audio,playback,medialibrary").split(u','));
         QTRY_VERIFY(m_shows->forceImportDialog()->isVisible());
         QVERIFY(
             m_shows->forceImportDialog()->description().startsWith(QStringLiteral("This is no show file")));
@@ -76,6 +91,10 @@ private Q_SLOTS:
         QTRY_VERIFY(QFile(after).size() > 0);
         QVERIFY(!m_shows->forceImportDialog()->isVisible()); // a forced import that fails only tells
         QTRY_VERIFY(!said().filter(QStringLiteral("Not done: Import show")).isEmpty());
+        const QString first =
+            QStringLiteral("/api/brume/v1/show/current?include=output,audio,playback,medialibrary");
+        const QString type = QStringLiteral(" application/x-www-form-urlencoded");
+        QCOMPARE(asked.filter(first), (QStringList{first + type, first + QStringLiteral("&force") + type}));
     }
 
     /// The error that came stands in the question, and no other one.
@@ -137,6 +156,59 @@ private Q_SLOTS:
         QVERIFY(!saved(QStringLiteral("a.*")) && !saved(QStringLiteral("b.*")));
     }
 
+    /// A saved show is lost to another one only by somebody who said so, however late the server tells of it.
+    void asksBeforeAnotherShowIsReplaced()
+    {
+        m_shows->saveShowAs({QStringLiteral("first")});
+        m_shows->saveShowAs({QStringLiteral("second")});
+        const auto isOn = [this](const QString& name) {
+            return m_session->sceneObjectProvider()->showConfiguration()->showName() == name;
+        };
+        QTRY_VERIFY(isOn(QStringLiteral("second")));
+        const QString dialog = QStringLiteral("SaveShowAsDialog");
+        const auto save = [&](const QString& name) {
+            m_shows->handleSaveAs();
+            auto* asked = m_window.findChild<TextInputDialog*>(dialog);
+            asked->setValue(0, name);
+            asked->acceptButton()->click();
+            return m_window.findChild<ZTLabel*>(dialog + QStringLiteral("-input-0-error"))->text();
+        };
+        QVERIFY(save(QStringLiteral("a,b")).contains(QStringLiteral("comma")));
+        QVERIFY(save(QStringLiteral("default")).contains(QStringLiteral("choose another one")));
+        QVERIFY(save(QString(81, u'x')).contains(QStringLiteral("too long")));
+        QVERIFY(save(QStringLiteral("first")).isEmpty()); // before the server could have told anything
+        ConfirmationDialog* question = nullptr;
+        const auto isAsked = [&] {
+            question = m_window.findChild<ConfirmationDialog*>(QStringLiteral("ReplaceShowDialog"));
+            return question != nullptr;
+        };
+        QTRY_VERIFY(isAsked());
+        QVERIFY(question->title().contains(QStringLiteral("first")) && isOn(QStringLiteral("second")));
+        question->acceptButton()->click();
+        QTRY_VERIFY(isOn(QStringLiteral("first")));
+        save(QStringLiteral("third"));
+        QTRY_VERIFY(isOn(QStringLiteral("third")));
+    }
+
+    /// What takes longer than a moment says so, and can be stopped; nothing of it is left then.
+    void whatTakesLongCanBeStopped()
+    {
+        const QString file = m_folder.filePath(QStringLiteral("stopped.show"));
+        const auto progress = [this] {
+            return m_window.findChild<ZTDialog*>(QStringLiteral("ShowProgressDialog"));
+        };
+        m_server.hang();
+        m_shows->exportShow(file);
+        QVERIFY(!progress());
+        QTRY_VERIFY(progress() && progress()->isVisible());
+        test::expectWarning(QStringLiteral("Download failed:"));
+        progress()->cancelButton()->click();
+        QTRY_VERIFY(!progress());
+        m_server.goOn();
+        QTRY_VERIFY(!said().filter(QStringLiteral("Not done: Export show - It was stopped.")).isEmpty());
+        QVERIFY(!QFile::exists(file));
+    }
+
     void importDialogNeedsAFileAndASection()
     {
         ImportShowDialog dialog;
@@ -161,13 +233,24 @@ private Q_SLOTS:
         QVERIFY(!dialog.isVisible());
     }
 
+    void anImportWithoutAServerMayBeTriedAgain()
+    {
+        m_session->connectionHandler()->disconnect();
+        QTRY_VERIFY(m_session->connectionHandler()->getConnectedHost().isEmpty());
+        m_shows->importShow(m_folder.filePath(QStringLiteral("gala.show")), {QStringLiteral("audio")});
+        QTRY_VERIFY(m_shows->forceImportDialog()->isVisible());
+        QVERIFY(m_shows->forceImportDialog()->description().startsWith(
+            QStringLiteral("The server did not answer")));
+        m_shows->forceImportDialog()->reject();
+    }
+
 private:
     static QStringList said()
     {
-        QStringList titles;
+        QStringList texts;
         for (const auto& notification : NotificationManagerImpl::instance()->notifications())
-            titles << notification->title();
-        return titles;
+            texts << notification->title() + QStringLiteral(" - ") + notification->details();
+        return texts;
     }
 
     test::OmbraProcess m_server;

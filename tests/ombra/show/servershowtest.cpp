@@ -4,6 +4,7 @@
 #include "tests/support/testmain.h"
 #include "tests/support/testmedia.h"
 
+#include <QDeadlineTimer>
 #include <QFile>
 
 #include <cmath>
@@ -223,6 +224,25 @@ private Q_SLOTS:
         QVERIFY(hears("The show \"none\" could not be taken back: no show was saved under that name."));
         invoke(configuration + "/methods/saveShow", "{\"showName\":\"mine\"}");
         QVERIFY(hears("The show", false));
+        QFile kept(m_live->stateFolder() + QStringLiteral("/shows/mine.show"));
+        QVERIFY(kept.open(QIODevice::ReadOnly));
+        const QByteArray show = kept.readAll();
+        kept.close();
+        const auto revertAs = [&](const char* was, const char* is) {
+            QByteArray other = show;
+            other.replace(was, is);
+            if (other == show || !kept.open(QIODevice::WriteOnly) || kept.write(other) < 0)
+                return false;
+            kept.close();
+            invoke(configuration + "/methods/revertShow", "{\"showName\":\"mine\"}");
+            return true;
+        };
+        QVERIFY(revertAs("\"version\":1", "\"version\":7"));
+        QVERIFY(hears("The show \"mine\" could not be taken back: the show is of version 7"));
+        QVERIFY(revertAs("\"slots\":{}", "\"slots\":{\"1\":{\"contentUrl\":\"file:///gone.mp4\"}}"));
+        QVERIFY(hears("The show \"mine\" is on. One of the show's media is not on this server: gone.mp4."));
+        QVERIFY(revertAs("\"name\":\"one\"", "\"name\":\"one \""));
+        QVERIFY(hears("The show", false));
         std::signal(SIGXFSZ, SIG_IGN);
         rlimit old{};
         QCOMPARE(getrlimit(RLIMIT_FSIZE, &old), 0);
@@ -333,6 +353,74 @@ private Q_SLOTS:
             }));
         }
         QCOMPARE(json("/shows/earlier").get("states").size(), std::size_t(20));
+    }
+
+    /// Each change is saved by itself, but for a clear; a start goes on with the show that is named, in the
+    /// state that is named, and loses nothing where that show is on.
+    void savesAndStartsByItself()
+    {
+        using vantrel::test::makeClip;
+        QVERIFY(makeClip(m_live->mediaFolder() + QStringLiteral("/clip.mp4"), {Qt::red, Qt::green}, 30));
+        const auto patch = [this](const char* body) {
+            return m_live->request("PATCH", "/medialibrary", body).status;
+        };
+        const auto holds = [this](const char* show, const char* text) {
+            QFile file(m_live->stateFolder() + QStringLiteral("/shows/%1.show").arg(QLatin1String(show)));
+            return file.open(QIODevice::ReadOnly) && file.readAll().contains(text);
+        };
+        const auto restarts = [this] {
+            m_peer.reset();
+            m_live->stop();
+            if (!m_live->start())
+                return false;
+            connectPeer();
+            return true;
+        };
+        const auto is = [&](const char* property, const char* text) {
+            return m_live->waitFor([&] {
+                m_peer->read();
+                return value(property) == text;
+            });
+        };
+        const std::string name = configuration + "/properties/showName",
+                          state = program + "/properties/state";
+        const std::string list = configuration + "/properties/autoStartShowList";
+        const char* clip =
+            R"([{"op":"add","path":"/collections/1/slots/1","value":{"contentUrl":"file:///clip.mp4"}}])";
+        QCOMPARE(patch(clip), 200);
+        invoke(program + "/methods/playMedia", "{\"mediaUrl\":\"" + media.toStdString() + "\"}");
+        QVERIFY(is(state.c_str(), "play"));
+        invoke(configuration + "/methods/saveShow", "{\"showName\":\"gala\"}");
+        QVERIFY(is(name.c_str(), "gala"));
+        write(configuration + "/properties/autoSave", "true");
+        QCOMPARE(patch(R"([{"op":"replace","path":"/collections/1/name","value":"by itself"}])"), 200);
+        QVERIFY(m_live->waitFor([&] { return holds("gala", "by itself"); }));
+        invoke(configuration + "/methods/clearShow", "{\"showName\":\"default\"}");
+        QVERIFY(is((program + "/properties/media").c_str(), ""));
+        const QDeadlineTimer longer(1500); // than what an edit waits for
+        QVERIFY(m_live->waitFor([&] { return longer.hasExpired() || !holds("gala", "by itself"); }));
+        QVERIFY(holds("gala", "by itself"));
+        invoke(configuration + "/methods/saveShow", "{\"showName\":\"other\"}");
+        QVERIFY(is(name.c_str(), "other"));
+
+        write(configuration + "/properties/autoStartShow", "\"gala\"");
+        write(configuration + "/properties/autoStartPlayState", "\"pause\"");
+        write(list, "\"gala,other\"");
+        QVERIFY(settled() && restarts());
+        QVERIFY(is(name.c_str(), "gala") && is(state.c_str(), "pause"));
+        QCOMPARE(value(list), std::string("gala,other"));
+        QCOMPARE(value(configuration + "/properties/autoStartShow"), std::string("gala")); // and not as saved
+        QVERIFY(m_live->request("GET", "/collections").body.contains("by itself"));
+
+        write(configuration + "/properties/autoSave", "false");
+        QCOMPARE(patch(R"([{"op":"replace","path":"/collections/1/name","value":"not saved"}])"), 200);
+        QVERIFY(settled() && restarts());
+        QVERIFY(m_live->request("GET", "/collections").body.contains("not saved"));
+        write(configuration + "/properties/autoStartShow", "\"none\"");
+        QVERIFY(settled() && restarts());
+        QVERIFY(m_live->waitFor(
+            [&] { return notice().find("The show \"none\" could not be started with") == 0; }));
+        QVERIFY(is(state.c_str(), "pause"));
     }
 
     void firstVersionLoads()
