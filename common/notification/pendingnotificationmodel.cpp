@@ -60,10 +60,16 @@ PendingNotificationModelPrivate::gravestOf(const QList<NotificationPtr>& list) c
     NotificationPtr gravest;
     for (const NotificationPtr& notification : list) {
         if (!notification->isAccepted() && (!gravest || notification->type() > gravest->type()) &&
-            !m_passedOver.contains(notification.data()))
+            !isPassedOver(*notification))
             gravest = notification;
     }
     return gravest;
+}
+
+/// One that is said again is news again.
+bool PendingNotificationModelPrivate::isPassedOver(const Notification& notification) const
+{
+    return m_passedOver.value(&notification) >= notification.repeats();
 }
 
 void PendingNotificationModelPrivate::passOver()
@@ -71,8 +77,9 @@ void PendingNotificationModelPrivate::passOver()
     if (!m_row)
         return;
     const Notification* const one = m_row.data();
-    m_passedOver.insert(one);
-    connect(one, &QObject::destroyed, this, [this, one] { m_passedOver.remove(one); });
+    if (!m_passedOver.contains(one))
+        connect(one, &QObject::destroyed, this, [this, one] { m_passedOver.remove(one); });
+    m_passedOver.insert(one, one->repeats());
     populateModel(notifications());
 }
 

@@ -21,7 +21,8 @@ public:
     void setManager(NotificationManager* manager);
     /// Null while there is none.
     QSharedPointer<Notification> pending() const;
-    /// From now on the row's notification is no row any more, accepted or not: it was shown for long enough.
+    /// The row's notification is no row any more, accepted or not, until it is said again: it was shown for
+    /// long enough.
     Q_INVOKABLE void passOver();
 
     int rowCount(const QModelIndex& parent = {}) const override;

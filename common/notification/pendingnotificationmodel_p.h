@@ -3,7 +3,7 @@
 #include "common/notification/notificationfollower.h"
 #include "common/notification/pendingnotificationmodel.h"
 
-#include <QSet>
+#include <QHash>
 
 namespace vantrel {
 
@@ -28,9 +28,10 @@ protected:
 
 private:
     NotificationPtr gravestOf(const QList<NotificationPtr>& list) const;
+    bool isPassedOver(const Notification& notification) const;
 
     PendingNotificationModel* m_model;
-    QSet<const Notification*> m_passedOver;
+    QHash<const Notification*, int> m_passedOver; // and how often it had been said by then
 };
 
 } // namespace vantrel

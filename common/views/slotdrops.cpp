@@ -27,6 +27,15 @@ namespace vantrel {
 
 using namespace std::chrono_literals;
 
+namespace {
+
+QString anotherServer()
+{
+    return SlotDrops::tr("The application has turned to another server. Drop it again.");
+}
+
+} // namespace
+
 SlotDrops::SlotDrops(Session* session, MediaCollectionManager* manager, QWidget* window)
     : QObject(window)
     , m_manager(manager)
@@ -178,22 +187,42 @@ void SlotDrops::bring(const MediaArrivals::Plan& plan, int collection, int slot,
     m_plan = {};
 }
 
-/// What a folder holds is known when all of it is there.
+/// What a folder holds is known when all of it is there, and where the next one begins when that is known.
 void SlotDrops::bringDirectories(const QStringList& directories, int collection, int slot)
 {
-    for (const QString& directory : directories) {
-        m_arrivals->bringDirectory(directory,
-                                   [this, collection, slot](const QString& path, const QString& fault) {
+    const auto folders = std::make_shared<Folders>(
+        Folders{server(), collection, slot, QStringList(directories.size()), directories.size()});
+    for (qsizetype i = 0; i < directories.size(); ++i) {
+        m_arrivals->bringDirectory(directories[i],
+                                   [this, folders, i](const QString& path, const QString& fault) {
                                        if (path.isEmpty())
-                                           return refuse(fault);
-                                       MediaEntry entry;
-                                       entry.path = path;
-                                       entry.fileSystem = QStringLiteral("server");
-                                       entry.isDirectory = true;
-                                       m_toldLast = -1;
-                                       m_handler.dropMimeData(SlotPayload::mimeOf({entry}), collection, slot);
+                                           refuse(fault);
+                                       folders->paths[i] = path;
+                                       if (--folders->awaited == 0)
+                                           dropFolders(*folders);
                                    });
     }
+}
+
+void SlotDrops::dropFolders(const Folders& folders)
+{
+    QList<MediaEntry> entries;
+    for (const QString& path : folders.paths) {
+        if (path.isEmpty())
+            continue;
+        MediaEntry entry;
+        entry.path = path;
+        entry.fileSystem = QStringLiteral("server");
+        entry.name = getNameInPath(path);
+        entry.isDirectory = true;
+        entries.append(entry);
+    }
+    if (entries.isEmpty())
+        return;
+    if (folders.server != server())
+        return refuse(anotherServer());
+    m_toldLast = -1;
+    m_handler.dropMimeData(SlotPayload::mimeOf(entries), folders.collection, folders.slot);
 }
 
 void SlotDrops::take(MediaDrop* drop)
@@ -260,6 +289,10 @@ void SlotDrops::follow(MediaDrop* drop)
                 }
             });
     connect(drop, &MediaDrop::saved, this, [this, drop] { send(*drop); });
+    if (!m_plan.directories.isEmpty())
+        connect(drop, &MediaDrop::canceled, this, [this] {
+            refuse(tr("The folders that came with it were not sent either. Drop them again."));
+        });
 }
 
 void SlotDrops::send(const MediaDrop& drop)
@@ -275,7 +308,7 @@ void SlotDrops::send(const MediaDrop& drop)
             tr("\"%1\" was not sent: it is not there any more.").arg(shownText(getNameInPath(path))));
     }
     tell(faults);
-    bringDirectories(plan.directories, drop.collection(), std::max(drop.startSlot(), drop.lastSlot() + 1));
+    bringDirectories(plan.directories, drop.collection(), drop.startSlot() + drop.storedSlotCount());
 }
 
 /// Minutes may lie between the drop and its approval.
@@ -401,7 +434,7 @@ void SlotDrops::save(MediaDrop* drop)
     if (const QString why = obstacle(); !why.isEmpty())
         drop->addFault(why);
     else if (m_made.value(drop).server != server())
-        drop->addFault(tr("The application has turned to another server. Drop it again."));
+        drop->addFault(anotherServer());
     else if (drop->lastSlot() >= 0)
         drop->save();
     else if (drop->faults().isEmpty())

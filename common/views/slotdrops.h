@@ -86,12 +86,23 @@ private:
         MediaArrivals::Plan plan;
     };
 
+    /// The folders of one gesture, on their way.
+    struct Folders
+    {
+        FileSystem* server;
+        int collection;
+        int slot;
+        QStringList paths; // on the server, in the order of the gesture; empty while it is not there
+        qsizetype awaited;
+    };
+
     void readKeys();
     void want(bool isCopy, bool isMove);
     void moveOver(const DropForecast& forecast);
     QString obstacle() const { return m_obstacle ? m_obstacle() : QString(); }
     void bring(const MediaArrivals::Plan& plan, int collection, int slot, int toldLast);
     void bringDirectories(const QStringList& directories, int collection, int slot);
+    void dropFolders(const Folders& folders);
     void take(MediaDrop* drop);
     void giveUp(MediaDrop* drop);
     void finish(MediaDrop* drop, int toldLast);

@@ -99,6 +99,25 @@ private Q_SLOTS:
         QCOMPARE(pending.rowCount(), 0);
     }
 
+    /// What was shown for long enough leaves, and whoever says it again is heard again.
+    void passedOverUntilSaidAgain()
+    {
+        PendingNotificationModel pending;
+        const QAbstractItemModelTester tester(&pending,
+                                              QAbstractItemModelTester::FailureReportingMode::Fatal);
+        pending.setManager(m_manager.get());
+        const auto warning = add(Notification::WarningMessage, "warning");
+        for (int i = 0; i < 2; ++i) {
+            pending.passOver();
+            QVERIFY(pending.pending() != warning);
+            warning->setDateTime(QDateTime::currentDateTime().addSecs(1)); // it is not said again
+            add(Notification::InfoMessage, "something else");
+            QVERIFY(pending.pending() != warning);
+            QCOMPARE(add(Notification::WarningMessage, "warning"), warning);
+            QCOMPARE(pending.pending(), warning);
+        }
+    }
+
     void countsWhatWaits()
     {
         NotificationStatusModel status;

@@ -485,6 +485,11 @@ private Q_SLOTS:
         QTRY_VERIFY(shown.popup->isHidden());
         QVERIFY(!warning->isAccepted());
         QCOMPARE(shown.count(Notification::WarningMessage), 1);
+        shown.popup->setStay(std::chrono::hours(1));
+        QCOMPARE(manager.createNotification(Notification::WarningMessage, QStringLiteral("w"), {}), warning);
+        QTRY_VERIFY(!shown.popup->isHidden()); // who is refused once more sees it once more
+        shown.popup->setStay(std::chrono::milliseconds(1));
+        QTRY_VERIFY(shown.popup->isHidden());
         const auto error = manager.createNotification(Notification::ErrorMessage, QStringLiteral("e"), {});
         const auto next = manager.createNotification(Notification::InfoMessage, QStringLiteral("i"), {});
         QTRY_COMPARE(shown.title(), QStringLiteral("e"));

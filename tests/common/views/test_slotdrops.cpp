@@ -1,3 +1,4 @@
+#include "common/import/mediadrop.h"
 #include "common/media/items/guimediaslot.h"
 #include "common/qml/qmlmanager.h"
 #include "tests/common/views/droppinghand.h"
@@ -98,6 +99,54 @@ private Q_SLOTS:
         session->getQUndoStack()->undo();
         session->getQUndoStack()->undo();
         QTRY_VERIFY(!hand.slot(3) && !hand.slot(5));
+    }
+
+    /// Folders come behind what was stored of the files beside them, one behind the other, in one step.
+    void bringsFoldersTogether()
+    {
+        DroppingHand hand;
+        QVERIFY(hand.isReady());
+        for (const char* name : {"s.0001.png", "s.0002.png", "s.0003.png", "b/logo.png", "b/plate.png",
+                                 "a/logo.png", "a/title.png"})
+            hand.makePicture(QString::fromLatin1(name));
+        const QStringList frames{QStringLiteral("s.0001.png"), QStringLiteral("s.0002.png"),
+                                 QStringLiteral("s.0003.png")};
+        const QStringList all = frames + QStringList{QStringLiteral("b"), QStringLiteral("a")};
+        QUndoStack* const stack = hand.live.session->getQUndoStack();
+        const int steps = stack->index();
+        QVERIFY(hand.drop(all, 3));
+        QTRY_VERIFY(hand.reviewed());
+        hand.reviewed()->reject();
+        QTRY_VERIFY(hand.wasTold(QStringLiteral("The folders that came with it were not sent either.")));
+
+        MediaDrop* drop = nullptr;
+        connect(hand.drops->handler(), &MediaSlotDropHandler::mediaDropCreated, this,
+                [&drop](MediaDrop* made) { drop = made; });
+        QVERIFY(hand.drop(all, 3));
+        QTRY_VERIFY(hand.reviewed());
+        QList<images::ImagesResult> stills = drop->imageResults();
+        QCOMPARE(stills.size(), 1);
+        stills.first().setType(images::ImageResultType::StillImage);
+        drop->setImageResults(stills);
+        QVERIFY(hand.approve());
+        QTRY_VERIFY(hand.slot(5) && hand.reviewed());
+        QVERIFY(!hand.slot(6));
+        QVERIFY(hand.approve());
+        const auto paths = [&hand] {
+            QStringList found;
+            for (int slot = 3; slot <= 10; ++slot) {
+                if (const auto one = hand.slot(slot))
+                    found.append(one->contentUrl().toLocalFile().mid(1));
+            }
+            return found;
+        };
+        const QStringList folders{QStringLiteral("a/logo.png"), QStringLiteral("a/title.png"),
+                                  QStringLiteral("b/logo.png"), QStringLiteral("b/plate.png")};
+        QTRY_COMPARE(paths(), frames + folders);
+        QCOMPARE(stack->index(), steps + 2);
+        stack->undo();
+        QTRY_COMPARE(paths(), frames);
+        QVERIFY(!hand.reviewed());
     }
 };
 

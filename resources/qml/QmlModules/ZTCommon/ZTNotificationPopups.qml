@@ -42,10 +42,8 @@ FocusScope {
                                                       pending.data(row, NotificationModel.RepeatsRole))
         }
         isShown = row.valid
-        if (isOther)
-            leave.stop()
         isOther = false
-        mayLeave ? leave.start() : leave.stop()
+        mayLeave ? leave.restart() : leave.stop()
     }
 
     // Only what has been in sight.
