@@ -1,6 +1,7 @@
 // The MEDIA tab with a full collection: what it costs to show it first, and to scroll through it by the
 // wheel, as pictures and as a table, with the pictures of what is in view coming in.
 #include "bench/row.h"
+#include "common/import/slotpayload.h"
 #include "common/qml/qmlmanager.h"
 #include "common/ui/style/stylesheet.h"
 #include "common/views/media/mediaview.h"
@@ -8,8 +9,10 @@
 #include "tests/support/mediamirror.h"
 
 #include <QApplication>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QLoggingCategory>
+#include <QMimeData>
 #include <QQmlContext>
 #include <QQuickItem>
 #include <QQuickWidget>
@@ -95,18 +98,29 @@ bool measureScroll(MediaView& view, const char* longestName, const char* meanNam
     QQuickWidget* const quick = view.quickWidget();
     const QQuickItem* const grid = find(quick->rootObject(), QStringLiteral("media-slots-grid"));
     Paints paints(quick);
+    QElapsedTimer clock;
+    clock.start();
+    bool isDown = true;
     double longest = 0;
     const double before = spent();
     const double from = grid->property("contentY").toDouble();
     for (int step = 0; step < steps; ++step) {
         const int painted = paints.count;
         const QPointF at(quick->width() / 2.0, quick->height() / 2.0);
-        QCoreApplication::postEvent(
-            quick, new QWheelEvent(at, quick->mapToGlobal(at), {}, {0, step / 100 % 2 == 0 ? -360 : 360},
-                                   Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false));
+        const double place = grid->property("contentY").toDouble();
+        const double end = grid->property("contentHeight").toDouble() - grid->height();
+        isDown = isDown ? place < end - 4000 : place < 4000; // at an end nothing would be drawn
+        auto* wheel = new QWheelEvent(at, quick->mapToGlobal(at), {}, {0, isDown ? -360 : 360}, Qt::NoButton,
+                                      Qt::NoModifier, Qt::NoScrollPhase, false);
+        wheel->setTimestamp(
+            static_cast<quint64>(clock.elapsed())); // what it moves by depends on how fast they come
+        QCoreApplication::postEvent(quick, wheel);
         const double turn = longestTurn([&] { return paints.count > painted; });
-        if (turn < 0)
+        if (turn < 0) {
+            std::fprintf(stderr, "no picture at step %d, contentY %.0f height %.0f\n", step,
+                         grid->property("contentY").toDouble(), grid->property("contentHeight").toDouble());
             return false;
+        }
         longest = std::max(longest, turn);
     }
     const double mean = (spent() - before) / paints.count;
@@ -115,6 +129,22 @@ bool measureScroll(MediaView& view, const char* longestName, const char* meanNam
     row(longestName, "one picture of a 60 Hz screen", longest, 16, "ms", 1);
     row(meanName, "60 pictures a second", mean, 1000.0 / 60, "ms", 1);
     return true;
+}
+
+/// A drag of all slots of the collection, from the press to what a drop in another one would do.
+void measureDrag(MediaMirror& mirror)
+{
+    const QModelIndex collection = mirror.model.collectionIndex(1);
+    QModelIndexList indexes;
+    for (int slot = 1; slot < mirror.model.rowCount(collection); ++slot)
+        indexes.append(mirror.model.index(slot, MediaLibraryModel::NameColumn, collection));
+    const double before = spent();
+    const std::unique_ptr<QMimeData> data(mirror.model.mimeData(indexes));
+    const double made = spent();
+    const SlotPayload payload = SlotPayload::read(SlotPayload::mapOf(data.get()));
+    const double read = spent();
+    std::fprintf(stderr, "%d slots: made in %.1f ms, read in %.1f ms\n", int(payload.addresses().size()),
+                 made - before, read - made);
 }
 
 bool measure()
@@ -128,6 +158,7 @@ bool measure()
     window.show();
     if (longestTurn([&] { return window.isActiveWindow() || window.isVisible(); }) < 0)
         return false;
+    measureDrag(mirror);
     const double memoryBefore = memory();
     const double before = spent();
     window.setCurrentIndex(1);
