@@ -72,7 +72,7 @@ Item {
             id: thumbnail
 
             anchors.fill: parent
-            sourceSize: Qt.size(width * Screen.devicePixelRatio, height * Screen.devicePixelRatio)
+            sourceSize: Qt.size(width * fontSizes.ratio, height * fontSizes.ratio)
             fillMode: Image.PreserveAspectFit
             source: cell.picture
             cache: false
