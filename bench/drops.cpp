@@ -12,6 +12,9 @@
 #include "tests/support/livesession.h"
 
 #include <QApplication>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QStandardPaths>
 #include <QUndoStack>
 
@@ -61,6 +64,21 @@ double cost(LiveSession& live, int slot, int expected, const std::function<void(
     return best;
 }
 
+/// As FILES drags them.
+QVariantMap mimeOf(const QList<MediaEntry>& entries)
+{
+    QJsonArray array;
+    for (const MediaEntry& entry : entries)
+        array.append(QJsonObject{{QStringLiteral("path"), entry.path},
+                                 {QStringLiteral("fileSystem"), entry.fileSystem},
+                                 {QStringLiteral("name"), entry.name},
+                                 {QStringLiteral("duration"), entry.durationSeconds},
+                                 {QStringLiteral("isDirectory"), entry.isDirectory},
+                                 {QStringLiteral("isPlayable"), entry.isPlayable}});
+    return {{mimeformat::type, mimeformat::mediaType},
+            {mimeformat::json, QString::fromUtf8(QJsonDocument(array).toJson(QJsonDocument::Compact))}};
+}
+
 struct Row
 {
     const char* name;
@@ -99,7 +117,7 @@ int main(int argc, char** argv)
         entry.isPlayable = true;
         files.append(entry);
     }
-    const QVariantMap mime = SlotPayload::mimeOf(files);
+    const QVariantMap mime = mimeOf(files);
     rows.push_back({"drops/2000-server-files",
                     cost(live, 1, 2000, [&] { handler.dropMimeData(mime, LiveSession::collection, 1); })});
 

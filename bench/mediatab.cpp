@@ -1,15 +1,19 @@
 // The MEDIA tab with a full collection: what it costs to show it first, and to scroll through it by the
 // wheel, as pictures and as a table, with the pictures of what is in view coming in.
 #include "bench/row.h"
+#include "common/import/slotpayload.h"
 #include "common/qml/qmlmanager.h"
+#include "common/qml/selectionmodel.h"
 #include "common/ui/style/stylesheet.h"
 #include "common/views/media/mediaview.h"
 #include "tests/support/librarymaker.h"
 #include "tests/support/mediamirror.h"
 
 #include <QApplication>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QLoggingCategory>
+#include <QMimeData>
 #include <QQmlContext>
 #include <QQuickItem>
 #include <QQuickWidget>
@@ -95,18 +99,29 @@ bool measureScroll(MediaView& view, const char* longestName, const char* meanNam
     QQuickWidget* const quick = view.quickWidget();
     const QQuickItem* const grid = find(quick->rootObject(), QStringLiteral("media-slots-grid"));
     Paints paints(quick);
+    QElapsedTimer clock;
+    clock.start();
+    bool isDown = true;
     double longest = 0;
     const double before = spent();
     const double from = grid->property("contentY").toDouble();
     for (int step = 0; step < steps; ++step) {
         const int painted = paints.count;
         const QPointF at(quick->width() / 2.0, quick->height() / 2.0);
-        QCoreApplication::postEvent(
-            quick, new QWheelEvent(at, quick->mapToGlobal(at), {}, {0, step / 100 % 2 == 0 ? -360 : 360},
-                                   Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false));
+        const double place = grid->property("contentY").toDouble();
+        const double end = grid->property("contentHeight").toDouble() - grid->height();
+        isDown = isDown ? place < end - 4000 : place < 4000; // at an end nothing would be drawn
+        auto* wheel = new QWheelEvent(at, quick->mapToGlobal(at), {}, {0, isDown ? -360 : 360}, Qt::NoButton,
+                                      Qt::NoModifier, Qt::NoScrollPhase, false);
+        wheel->setTimestamp(
+            static_cast<quint64>(clock.elapsed())); // what it moves by depends on how fast they come
+        QCoreApplication::postEvent(quick, wheel);
         const double turn = longestTurn([&] { return paints.count > painted; });
-        if (turn < 0)
+        if (turn < 0) {
+            std::fprintf(stderr, "no picture at step %d, contentY %.0f height %.0f\n", step,
+                         grid->property("contentY").toDouble(), grid->property("contentHeight").toDouble());
             return false;
+        }
         longest = std::max(longest, turn);
     }
     const double mean = (spent() - before) / paints.count;
@@ -114,6 +129,28 @@ bool measureScroll(MediaView& view, const char* longestName, const char* meanNam
                  grid->property("contentY").toDouble());
     row(longestName, "one picture of a 60 Hz screen", longest, 16, "ms", 1);
     row(meanName, "60 pictures a second", mean, 1000.0 / 60, "ms", 1);
+    return true;
+}
+
+/// A drag of all slots of the collection: what it carries, and what other slots read of it.
+bool measureDrag(MediaView& view, const MediaMirror& mirror)
+{
+    QQuickItem* const pane = find(view.quickWidget()->rootObject(), QStringLiteral("media-slots"));
+    auto* const selection = pane->property("selection").value<SelectionModel*>();
+    selection->selectAll();
+    const double before = spent();
+    QVariant chosen;
+    QMetaObject::invokeMethod(pane, "selectedSlots", Q_RETURN_ARG(QVariant, chosen));
+    QList<MediaAddress> addresses;
+    for (const int slot : chosen.value<QList<int>>())
+        addresses.append(MediaAddress(1, slot));
+    const std::unique_ptr<QMimeData> data(mirror.model.mimeDataOf(addresses));
+    const SlotPayload payload = SlotPayload::of(data.get());
+    const double cost = spent() - before;
+    selection->clearSelection();
+    if (payload.addresses().size() != MediaCollection::slotIndexMax)
+        return false;
+    row("mediatab/drag-of-all-slots", "one picture of a 60 Hz screen", cost, 16, "ms", 1);
     return true;
 }
 
@@ -141,6 +178,12 @@ bool measure()
     row("mediatab/memory", "what it may take", memory() - memoryBefore, 40, "MB", 1);
     QObject* const actions =
         view->quickWidget()->rootContext()->contextProperty(QStringLiteral("mediaActions")).value<QObject*>();
+    const auto isWhole = [&] {
+        const QQuickItem* grid = find(view->quickWidget()->rootObject(), QStringLiteral("media-slots-grid"));
+        return grid->property("count").toInt() == MediaCollection::slotIndexMax;
+    };
+    if (longestTurn(isWhole) < 0 || !measureDrag(*view, mirror))
+        return false;
     return measureScroll(*view, "mediatab/scroll-pictures-longest", "mediatab/scroll-pictures") &&
            actions->setProperty("isTable", true) &&
            measureScroll(*view, "mediatab/scroll-table-longest", "mediatab/scroll-table");

@@ -641,6 +641,55 @@ def pictures(options, name, **how):
     shutil.rmtree(options.media / "Act 3")
 
 
+def media_tab(options, name, **how):
+    """The MEDIA tab: what is on the channels, a slot that cannot be played and why."""
+    with Window(options, **how) as window:
+        window.run_show()
+        window.click("MainNavigationBar-media-button")
+        window.robot.find("media-slot1")
+        window.click("media-slot1" if how else "media-slot7")
+        time.sleep(2)
+        window.robot.mouse("move_to", window.robot.find("media-collections-panel"))
+        time.sleep(0.7)
+        window.shoot(options.out / f"{name}.png")
+
+
+def beside(options):
+    """Two collections, slots on their way from the one to the other, and a collection on its way up the list."""
+    with Window(options) as window, Pointer(window.display) as pointer:
+        window.click("MainNavigationBar-media-button")
+        window.robot.find("media-slot4")
+        for number, title in enumerate(("act one", "act two", "encore"), 1):
+            window.click("MediaView-add-collection-button")
+            window.robot.find("MediaView-new-collection-input-0")
+            window.robot.ask(operation="raise", objectName="MediaView-new-collection")
+            window.click("MediaView-new-collection-input-0")
+            window.keys("CtrlA", *title)
+            window.click("MediaView-new-collection-accept-button")
+            wait(lambda number=number, title=title: any(item["text"] == title for item in window.robot.ask(
+                objectName=f"media-collection-row{number}", maxResults=1)), title)
+        window.click("media-collection-row0")
+        window.click("media-slots-beside-button")
+        window.robot.find("media-slots2")
+        window.click("media-slot2")
+        window.robot.ask(operation="focus", objectName="media-slots-grid")
+        window.keys("Shift+Right", "Shift+Right")
+        pointer.drag(window.robot.find("media-slot2"), window.robot.find("media-slots2"))
+        time.sleep(0.5)
+        window.shoot(options.out / "media-beside.png")
+        pointer.press(False)
+        window.robot.find("media-slots2-slot3")
+        pointer.drag(window.robot.find("media-collection-row3"), window.robot.find("media-collection-row1"))
+        time.sleep(0.5)
+        window.shoot(options.out / "media-order.png")
+        window.keys("Escape")
+        pointer.press(False)
+        window.click("media-slots2-close-button")
+        for _ in range(4):
+            window.keys("CtrlZ")
+            time.sleep(0.3)
+
+
 def fill(path, size):
     with open(path, "wb") as file:
         file.truncate(size)
@@ -754,6 +803,9 @@ SCREENS = {
     "drop-on-slots": slots,
     "drop-dialog": lambda options: pictures(options, "drop-dialog"),
     "drop-dialog-huge-1280x720": lambda options: pictures(options, "drop-dialog-huge-1280x720", **HUGE),
+    "media-tab": lambda options: media_tab(options, "media-tab"),
+    "media-tab-huge-1280x720": lambda options: media_tab(options, "media-tab-huge-1280x720", **HUGE),
+    "media-beside": beside,
     "files": lambda options: files(options, "files"),
     "files-huge-1280x720": lambda options: files(options, "files-huge-1280x720", **HUGE),
     "outputs": lambda options: outputs(options, "outputs"),

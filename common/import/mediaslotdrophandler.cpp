@@ -27,9 +27,8 @@ MediaSlotDropHandler::~MediaSlotDropHandler() = default;
 bool MediaSlotDropHandler::dropMimeData(const QMimeData* mimeData, int collection, int slot)
 {
     qCInfo(lcMedia) << "Dropped MIME data to collection" << collection << "and slot" << slot;
-    const QVariantMap mime = SlotPayload::mapOf(mimeData);
-    if (!mime.isEmpty())
-        return d->handleMimeData(mime, collection, slot);
+    if (SlotPayload::isOffered(mimeData))
+        return drop(SlotPayload::of(mimeData), collection, slot);
     qCWarning(lcMedia) << "Dropped MIME data didn't have correct values - Formats:"
                        << (mimeData ? mimeData->formats() : QStringList());
     return d->refuse(tr("This cannot be put into a slot. Slots and files can."));
@@ -42,6 +41,19 @@ bool MediaSlotDropHandler::dropMimeData(QMap<QString, QVariant> mime, int collec
                     << "- MIME:" << mime.value(mimeformat::type).toString().left(100)
                     << mime.value(mimeformat::json).toString().left(500);
     return d->handleMimeData(mime, collection, slot);
+}
+
+bool MediaSlotDropHandler::drop(const SlotPayload& payload, int collection, int slot)
+{
+    switch (payload.kind()) {
+    case SlotPayload::Kind::Slots:
+        return d->parseSlot(payload, collection, slot);
+    case SlotPayload::Kind::Media:
+        return d->parseMedia(payload, collection, slot);
+    case SlotPayload::Kind::Nothing:
+        break;
+    }
+    return d->refuse(payload.fault());
 }
 
 bool MediaSlotDropHandler::dropDrag(QVariant drag, int collection, int slot)
@@ -77,11 +89,7 @@ bool MediaSlotDropHandlerPrivate::handleMimeData(const QMap<QString, QVariant>& 
 {
     qCDebug(lcMedia) << "Handling MIME data" << mime.keys() << "to collection" << collection << "and slot"
                      << slot;
-    const SlotPayload payload = SlotPayload::read(mime);
-    if (payload.kind() == SlotPayload::Kind::Nothing)
-        return refuse(payload.fault());
-    return payload.kind() == SlotPayload::Kind::Slots ? parseSlot(payload, collection, slot)
-                                                      : parseMedia(payload, collection, slot);
+    return m_owner->drop(SlotPayload::read(mime), collection, slot);
 }
 
 /// Slots of the collection move within it, those of another are copied as the library has them.

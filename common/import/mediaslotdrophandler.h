@@ -15,6 +15,7 @@ class FileSystemProvider;
 class ImageSequenceCreator;
 class MediaDrop;
 class MediaSlotDropHandlerPrivate;
+class SlotPayload;
 
 /// Takes what is dropped onto a slot, from a widget or from a declarative view, and makes a MediaDrop of it,
 /// which it keeps until that is saved or canceled. Main thread only; what it is given must outlive it.
@@ -32,6 +33,8 @@ public:
     Q_INVOKABLE bool dropMimeData(const QMimeData* mimeData, int collection, int slot);
     /// mime: "application/type" is "slot" or "media", "application/json" as SlotPayload reads it.
     Q_INVOKABLE bool dropMimeData(QMap<QString, QVariant> mime, int collection, int slot);
+    /// What has been read already.
+    bool drop(const SlotPayload& payload, int collection, int slot);
     /// drag: an object with the property "mimeData", a map.
     Q_INVOKABLE bool dropDrag(QVariant drag, int collection, int slot);
 

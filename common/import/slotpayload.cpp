@@ -2,6 +2,7 @@
 
 #include "common/media/address/medialogging.h"
 #include "common/media/items/mimedata.h"
+#include "common/media/items/slotmimedata.h"
 #include "tarn/media/mediacollection.h"
 
 #include <QCoreApplication>
@@ -49,12 +50,21 @@ bool isSoundPath(const QString& path)
 
 } // namespace
 
-QVariantMap SlotPayload::mapOf(const QMimeData* data)
+bool SlotPayload::isOffered(const QMimeData* data)
 {
-    if (!data || !data->hasFormat(mimeformat::type) || !data->hasFormat(mimeformat::json))
-        return {};
-    return {{mimeformat::type, QString::fromUtf8(data->data(mimeformat::type))},
-            {mimeformat::json, QString::fromUtf8(data->data(mimeformat::json))}};
+    return data && data->hasFormat(mimeformat::type) && data->hasFormat(mimeformat::json);
+}
+
+SlotPayload SlotPayload::of(const QMimeData* data)
+{
+    if (const auto* own = qobject_cast<const SlotMimeData*>(data)) {
+        SlotPayload payload;
+        payload.m_kind = Kind::Slots;
+        payload.m_addresses = own->addresses();
+        return payload;
+    }
+    return read({{mimeformat::type, QString::fromUtf8(data->data(mimeformat::type))},
+                 {mimeformat::json, QString::fromUtf8(data->data(mimeformat::json))}});
 }
 
 SlotPayload SlotPayload::refused(const QString& fault)
@@ -78,11 +88,8 @@ SlotPayload SlotPayload::read(const QVariantMap& mime)
         return refused(unreadable());
     }
     const QString type = mime.value(mimeformat::type).toString();
-    if (type == mimeformat::slotType) {
-        SlotPayload payload = readSlots(document);
-        payload.m_isCopy = mime.value(copyKey).toBool();
-        return payload;
-    }
+    if (type == mimeformat::slotType)
+        return readSlots(document);
     if (type == mimeformat::mediaType)
         return readMedia(document);
     qCWarning(lcMedia) << "Unknown MIME type:" << type.left(100) << "- Ignoring drop";
@@ -168,21 +175,6 @@ SlotPayload SlotPayload::ofFiles(const QList<MediaEntry>& entries)
     payload.m_kind = entries.isEmpty() ? Kind::Nothing : Kind::Media;
     payload.m_entries = entries;
     return payload;
-}
-
-QVariantMap SlotPayload::mimeOf(const QList<MediaEntry>& entries)
-{
-    QJsonArray array;
-    for (const MediaEntry& entry : entries)
-        array.append(QJsonObject{{QStringLiteral("path"), entry.path},
-                                 {QStringLiteral("fileSystem"), entry.fileSystem},
-                                 {QStringLiteral("name"), entry.name},
-                                 {QStringLiteral("duration"), entry.durationSeconds},
-                                 {QStringLiteral("isDirectory"), entry.isDirectory},
-                                 {QStringLiteral("isPlayable"), entry.isPlayable},
-                                 {QStringLiteral("isKnown"), entry.isKnown}});
-    return {{mimeformat::type, mimeformat::mediaType},
-            {mimeformat::json, QString::fromUtf8(QJsonDocument(array).toJson(QJsonDocument::Compact))}};
 }
 
 bool SlotPayload::movesWithin(int collection) const

@@ -30,11 +30,10 @@ class SlotPayload
 {
 public:
     enum class Kind { Nothing, Slots, Media };
-    /// In the map beside the formats: whether slots are copied within their own collection.
-    inline static const QString copyKey = QStringLiteral("isCopy");
 
-    /// The formats that say what is dragged; empty where one of them is missing.
-    static QVariantMap mapOf(const QMimeData* data);
+    /// Whether both formats that say what is dragged are there.
+    static bool isOffered(const QMimeData* data);
+    static SlotPayload of(const QMimeData* data);
     /// mime: "application/type" and "application/json", as texts.
     static SlotPayload read(const QVariantMap& mime);
     /// {"slots": [numbers], "collection": number}, the collection being the target's where it is not named;
@@ -45,8 +44,6 @@ public:
 
     /// Of entries that are known already.
     static SlotPayload ofFiles(const QList<MediaEntry>& entries);
-    /// The payload that reads back as the entries.
-    static QVariantMap mimeOf(const QList<MediaEntry>& entries);
 
     Kind kind() const { return m_kind; }
     /// What is wrong with it, as a sentence for the operator; empty for a sound one.

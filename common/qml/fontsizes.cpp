@@ -3,6 +3,8 @@
 #include "common/ui/style/fontsizefollower.h"
 #include "common/ui/style/stylesheet.h"
 
+#include <QGuiApplication>
+
 namespace vantrel {
 
 FontSizes::FontSizes(QObject* parent)
@@ -12,6 +14,18 @@ FontSizes::FontSizes(QObject* parent)
         m_size = size;
         Q_EMIT changed();
     });
+    readRatio();
+    connect(qGuiApp, &QGuiApplication::screenAdded, this, &FontSizes::readRatio);
+    connect(qGuiApp, &QGuiApplication::screenRemoved, this, &FontSizes::readRatio);
+}
+
+void FontSizes::readRatio()
+{
+    const double ratio = qGuiApp->devicePixelRatio();
+    if (m_ratio == ratio)
+        return;
+    m_ratio = ratio;
+    Q_EMIT changed();
 }
 
 int FontSizes::icon() const

@@ -7,7 +7,7 @@
 namespace vantrel {
 
 /// The lengths of the text size in force as declarative views see them ("fontSizes"), in pixels: those of the
-/// style sheet, and the side of an icon. Main thread only.
+/// style sheet, the side of an icon, and how finely they are drawn. Main thread only.
 class FontSizes : public QObject
 {
     Q_OBJECT
@@ -20,6 +20,9 @@ class FontSizes : public QObject
     Q_PROPERTY(int check READ check NOTIFY changed)
     Q_PROPERTY(int bar READ bar NOTIFY changed)
     Q_PROPERTY(int icon READ icon NOTIFY changed)
+    /// The pixels of the sharpest screen for each of these. Asked of its screen, each picture would follow
+    /// that one by itself, which costs a table that is scrolled more than what is drawn.
+    Q_PROPERTY(double ratio READ ratio NOTIFY changed)
     /// 0 to 3, from Small to Huge.
     Q_PROPERTY(int index READ index NOTIFY changed)
 
@@ -35,6 +38,7 @@ public:
     int check() const { return length("check"); }
     int bar() const { return length("bar"); }
     int icon() const;
+    double ratio() const { return m_ratio; }
     int index() const { return static_cast<int>(m_size); }
     /// A length of the Medium layout at the size in force.
     Q_INVOKABLE int scaled(int pixels) const;
@@ -45,7 +49,10 @@ Q_SIGNALS:
 private:
     int length(const char* token) const;
 
+    void readRatio();
+
     FontSize m_size = FontSize::Medium;
+    double m_ratio = 1;
 };
 
 } // namespace vantrel

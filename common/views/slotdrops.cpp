@@ -64,15 +64,13 @@ bool SlotDrops::isFree(int slot) const
 bool SlotDrops::begin(const QMimeData* data)
 {
     end();
-    m_mime = SlotPayload::mapOf(data);
-    const QString type = m_mime.value(mimeformat::type).toString();
     if (m_collection < 0)
         return false;
-    if (type == mimeformat::slotType || type == mimeformat::mediaType) {
-        m_payload = SlotPayload::read(m_mime);
+    const QByteArray type = data->data(mimeformat::type);
+    if (SlotPayload::isOffered(data) && (type == mimeformat::slotType || type == mimeformat::mediaType)) {
+        m_payload = SlotPayload::of(data);
         return true;
     }
-    m_mime.clear();
     m_payload = SlotPayload::ofFiles(MediaArrivals::entriesOf(data->urls()));
     return m_payload.isSound();
 }
@@ -100,7 +98,6 @@ void SlotDrops::want(bool isCopy, bool isMove)
         return;
     m_payload.setIsCopy(isCopy);
     m_payload.setIsMove(isMove);
-    m_mime.insert(SlotPayload::copyKey, isCopy);
     m_aimed = -1;
     m_room = {-1, -1};
 }
@@ -132,7 +129,6 @@ const DropForecast& SlotDrops::aim(int slot)
 
 void SlotDrops::end()
 {
-    m_mime.clear();
     m_payload = {};
     m_forecast = {};
     m_keysCount = true;
@@ -154,7 +150,7 @@ void SlotDrops::drop(int slot)
     if (m_payload.movesInto(m_collection))
         return moveOver(forecast);
     if (!MediaArrivals::isLocal(m_payload.entries())) {
-        m_handler.dropMimeData(m_mime, m_collection, slot);
+        m_handler.drop(m_payload, m_collection, slot);
         return;
     }
     const auto next = [this, collection = m_collection, slot, toldLast = m_toldLast](
@@ -183,7 +179,7 @@ void SlotDrops::bring(const MediaArrivals::Plan& plan, int collection, int slot,
     }
     m_plan = plan;
     m_toldLast = toldLast;
-    m_handler.dropMimeData(SlotPayload::mimeOf(plan.files), collection, slot);
+    m_handler.drop(SlotPayload::ofFiles(plan.files), collection, slot);
     m_plan = {};
 }
 
@@ -222,7 +218,7 @@ void SlotDrops::dropFolders(const Folders& folders)
     if (folders.server != server())
         return refuse(anotherServer());
     m_toldLast = -1;
-    m_handler.dropMimeData(SlotPayload::mimeOf(entries), folders.collection, folders.slot);
+    m_handler.drop(SlotPayload::ofFiles(entries), folders.collection, folders.slot);
 }
 
 void SlotDrops::take(MediaDrop* drop)

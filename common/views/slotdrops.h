@@ -8,7 +8,6 @@
 
 #include <QDeadlineTimer>
 #include <QObject>
-#include <QVariantMap>
 
 #include <functional>
 
@@ -126,7 +125,6 @@ private:
     QHash<const QObject*, Made> m_made;  // of drops that are not stored yet
     std::function<QString()> m_obstacle;
     int m_collection = -1;
-    QVariantMap m_mime;
     SlotPayload m_payload;
     DropForecast m_forecast;
     bool m_keysCount = true;        // what is held says what becomes of slots

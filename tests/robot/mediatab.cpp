@@ -124,7 +124,7 @@ void MediaTab::collectionsArePutInOrder()
     for (const int over : {1, 0})
         QVERIFY(m_robot.mouseAt(QStringLiteral("drag_move"), row.arg(over), 0.4));
     QTRY_COMPARE(m_robot.text(QStringLiteral("media-collections-forecast-text")),
-                 QStringLiteral("3 act two becomes collection 1. 1 to 2 become 2 to 3."));
+                 QStringLiteral("3 act two becomes collection 1. 1 and 2 become 2 and 3."));
     QVERIFY(m_robot.mouseAt(QStringLiteral("drag_end"), row.arg(0), 0.4));
     QTRY_VERIFY(order().startsWith(QStringLiteral("1 act two, ")));
     QTRY_COMPARE(m_robot.text(row.arg(0)), QStringLiteral("act two"));

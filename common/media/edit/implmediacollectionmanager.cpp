@@ -7,7 +7,6 @@
 #include "common/media/edit/slot/copycollectioncommand.h"
 #include "common/media/edit/slot/insertcollectioncommand.h"
 #include "common/media/edit/slot/moveslotincollectioncommand.h"
-#include "common/media/edit/slot/moveslotsincollectioncommand.h"
 #include "common/media/edit/slot/moveslotstocollectioncommand.h"
 #include "common/media/edit/slot/removecollectioncommand.h"
 #include "common/media/edit/slot/renamecollectioncommand.h"
@@ -211,7 +210,11 @@ void ImplMediaCollectionManager::moveSlot(int collection, int fromSlot, int toSl
 std::optional<bool> ImplMediaCollectionManager::moveSlots(int collection, const QList<int>& fromSlots,
                                                           int toSlot)
 {
-    return run<MoveSlotsInCollectionCommand>(collection, fromSlots, toSlot);
+    QList<MediaAddress> from;
+    from.reserve(fromSlots.size());
+    for (const int slot : fromSlots)
+        from.append(MediaAddress(collection, slot));
+    return moveSlotsFrom(from, collection, toSlot);
 }
 
 bool ImplMediaCollectionManager::moveSlotsFrom(const QList<MediaAddress>& from, int collection, int toSlot)

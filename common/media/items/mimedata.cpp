@@ -8,22 +8,20 @@
 
 namespace vantrel {
 
-QMimeData* createMimeData(const QList<QJsonObject>& objects, MimeItemCategory category, MediaItemType type)
+QByteArray writtenObjects(const QList<QJsonObject>& objects)
 {
     QJsonArray array;
     for (const QJsonObject& object : objects)
         array.append(object);
-    auto* data = new QMimeData;
-    data->setData(mimeformat::json, QJsonDocument(array).toJson(QJsonDocument::Compact));
-    data->setData(mimeformat::category, QByteArray::number(static_cast<int>(category)));
-    data->setData(mimeformat::type, QByteArray::number(static_cast<int>(type)));
-    return data;
+    return QJsonDocument(array).toJson(QJsonDocument::Compact);
 }
 
-QMimeData* createSlotMimeData(const QList<QJsonObject>& slotObjects)
+QMimeData* createMimeData(const QList<QJsonObject>& objects, MimeItemCategory category, MediaItemType type)
 {
-    QMimeData* const data = createMimeData(slotObjects, MimeItemCategory::MediaLibrary, MediaItemType::Slot);
-    data->setData(mimeformat::type, mimeformat::slotType.toLatin1());
+    auto* data = new QMimeData;
+    data->setData(mimeformat::json, writtenObjects(objects));
+    data->setData(mimeformat::category, QByteArray::number(static_cast<int>(category)));
+    data->setData(mimeformat::type, QByteArray::number(static_cast<int>(type)));
     return data;
 }
 

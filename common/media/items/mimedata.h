@@ -28,8 +28,8 @@ inline const QString mediaType = QStringLiteral("media");
 
 /// The payload of a drag of items of one type; the caller (as a rule QDrag) takes ownership.
 QMimeData* createMimeData(const QList<QJsonObject>& objects, MimeItemCategory category, MediaItemType type);
-/// The same of slots of the library, with the text for its type, so that they can be dropped on slots too.
-QMimeData* createSlotMimeData(const QList<QJsonObject>& slotObjects);
+/// What stands in it as JSON.
+QByteArray writtenObjects(const QList<QJsonObject>& objects);
 
 /// The objects of a payload; empty for anything that is no such payload.
 QList<QJsonObject> jsonFromMimeData(const QMimeData* mimeData);

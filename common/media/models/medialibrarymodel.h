@@ -91,6 +91,8 @@ public:
     QStringList mimeTypes() const override;
     /// The slots as items that a playlist or a playback takes in.
     QMimeData* mimeData(const QModelIndexList& indexes) const override;
+    /// The same of slots by their addresses, each once; null where the library has none of them.
+    QMimeData* mimeDataOf(const QList<MediaAddress>& addresses) const;
     Qt::DropActions supportedDragActions() const override { return Qt::CopyAction | Qt::MoveAction; }
 
     MediaLibrary* mediaLibrary() const { return m_library.get(); }

@@ -1,14 +1,13 @@
 // How MediaLibraryModel keeps its rows in step with the library, and what it gives away in a drag.
 
 #include "common/media/address/medialogging.h"
-#include "common/media/items/guimediaslot.h"
 #include "common/media/items/mimedata.h"
+#include "common/media/items/slotmimedata.h"
 #include "common/media/models/medialibraryitem.h"
 #include "common/media/models/medialibrarymodel.h"
 #include "tarn/media/medialibrary.h"
 
 #include <QElapsedTimer>
-#include <QJsonObject>
 #include <QTimer>
 
 #include <algorithm>
@@ -258,25 +257,22 @@ QStringList MediaLibraryModel::mimeTypes() const
 
 QMimeData* MediaLibraryModel::mimeData(const QModelIndexList& indexes) const
 {
-    std::set<MediaAddress> addresses; // in order, and once, whatever columns are selected
+    std::set<MediaAddress> dragged; // in order, and once, whatever columns are selected
     for (const QModelIndex& index : indexes) {
         if (slotItem(index))
-            addresses.insert(addressOf(index));
+            dragged.insert(dragged.end(), addressOf(index));
     }
-    QList<QJsonObject> objects;
+    return mimeDataOf(QList<MediaAddress>(dragged.cbegin(), dragged.cend()));
+}
+
+QMimeData* MediaLibraryModel::mimeDataOf(const QList<MediaAddress>& addresses) const
+{
+    QList<MediaAddress> present;
     for (const MediaAddress& address : addresses) {
-        const MediaSlot* record = std::as_const(*m_library).findSlot(address.collection, address.slot);
-        if (!record)
-            continue;
-        GuiMediaSlot slot(address, *record);
-        if (slot.frameRate() && !slot.mediaType()) // the pictures' numbers go with the type only
-            slot.setMediaType(MediaType::ImageSequence);
-        QJsonObject object = slot.toJson();
-        // Whoever takes it in refuses a type: that is the server's to tell.
-        object.remove(QStringLiteral("type"));
-        objects.append(object);
+        if (std::as_const(*m_library).findSlot(address.collection, address.slot))
+            present.append(address);
     }
-    return objects.isEmpty() ? nullptr : createSlotMimeData(objects);
+    return present.isEmpty() ? nullptr : new SlotMimeData(*m_library, present);
 }
 
 } // namespace vantrel

@@ -79,11 +79,12 @@ QVariantMap CollectionOrder::aim(int collection, int before) const
     if (aside.size() == 1)
         text += u' ' + tr("%1 becomes %2.").arg(named(aside.begin()->first)).arg(aside.begin()->second);
     else if (!aside.empty())
-        text += u' ' + tr("%1 to %2 become %3 to %4.")
-                           .arg(aside.begin()->first)
-                           .arg(aside.rbegin()->first)
-                           .arg(aside.begin()->second)
-                           .arg(aside.rbegin()->second);
+        text +=
+            u' ' + (aside.size() == 2 ? tr("%1 and %2 become %3 and %4.") : tr("%1 to %2 become %3 to %4."))
+                       .arg(aside.begin()->first)
+                       .arg(aside.rbegin()->first)
+                       .arg(aside.begin()->second)
+                       .arg(aside.rbegin()->second);
     return {{QStringLiteral("isPossible"), true}, {QStringLiteral("text"), text}};
 }
 

@@ -15,6 +15,7 @@
 #include "common/views/slotdrops.h"
 
 #include <QClipboard>
+#include <QDropEvent>
 #include <QGuiApplication>
 #include <QKeyEvent>
 #include <QMimeData>
@@ -47,6 +48,7 @@ MediaActions::MediaActions(QWidget* view, MediaLibraryModel* library, Session* s
         ++m_arrivalsRevision;
         Q_EMIT arrivalsChanged();
     });
+    view->installEventFilter(this);
     if (session)
         follow();
 }
@@ -197,12 +199,11 @@ void MediaActions::runDrag(int collection, const QList<int>& slotNumbers)
 
 QMimeData* MediaActions::dataOf(int collection, const QList<int>& slotNumbers) const
 {
-    QModelIndexList indexes;
-    for (const int slot : slotNumbers) {
-        if (const QModelIndex index = slotAt(collection, slot); index.isValid())
-            indexes.append(index);
-    }
-    return m_library->mimeData(indexes);
+    QList<MediaAddress> addresses;
+    addresses.reserve(slotNumbers.size());
+    for (const int slot : slotNumbers)
+        addresses.append(MediaAddress(collection, slot));
+    return m_library->mimeDataOf(addresses);
 }
 
 QString MediaActions::copy(int collection, const QList<int>& slotNumbers, bool isCut)
@@ -229,15 +230,19 @@ void MediaActions::paste(int collection, int slot)
         QGuiApplication::clipboard()->clear(); // where they were they are no more
 }
 
-bool MediaActions::beginDrop(int collection, const QVariantMap& mime, const QList<QUrl>& urls)
+/// A declarative drop area gives what is dragged as texts only, which thousands of slots would have to be
+/// written as.
+bool MediaActions::eventFilter(QObject* watched, QEvent* event)
 {
-    QMimeData data;
-    for (auto format = mime.cbegin(); format != mime.cend(); ++format)
-        data.setData(format.key(), format.value().toString().toUtf8());
-    if (!urls.isEmpty())
-        data.setUrls(urls);
+    if (event->type() == QEvent::DragEnter || event->type() == QEvent::DragMove)
+        m_dragged = static_cast<QDropEvent*>(event)->mimeData();
+    return QObject::eventFilter(watched, event);
+}
+
+bool MediaActions::beginDrop(int collection)
+{
     m_drops->setCollection(collection);
-    return m_drops->begin(&data);
+    return m_dragged && m_drops->begin(m_dragged);
 }
 
 QVariantMap MediaActions::aim(int slot)

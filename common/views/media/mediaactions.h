@@ -2,7 +2,7 @@
 
 #include <QModelIndex>
 #include <QObject>
-#include <QUrl>
+#include <QPointer>
 #include <QVariantMap>
 
 #include <memory>
@@ -73,9 +73,9 @@ public:
     Q_INVOKABLE void paste(int collection, int slot);
     /// Drags slots until they are dropped.
     Q_INVOKABLE void startDrag(int collection, const QList<int>& slotNumbers);
-    /// A drag has come over the slots of a collection: of our own items (mime) or else of files of this
-    /// computer (urls). False for others.
-    Q_INVOKABLE bool beginDrop(int collection, const QVariantMap& mime, const QList<QUrl>& urls);
+    /// What is dragged over the view has come over the slots of a collection; false for what they do not
+    /// take.
+    Q_INVOKABLE bool beginDrop(int collection);
     /// What a drop would do: "isPossible", "canCopy" and "canMove" with a key, "first", "last", "overwrites",
     /// "text".
     Q_INVOKABLE QVariantMap aim(int slot);
@@ -94,6 +94,9 @@ Q_SIGNALS:
     void isTableChanged();
     void hasDetailsChanged();
 
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
 private:
     void follow();
     void readState();
@@ -103,6 +106,7 @@ private:
 
     QWidget* m_view;
     MediaLibraryModel* m_library;
+    QPointer<const QMimeData> m_dragged; // over the view
     Session* m_session;
     std::unique_ptr<ImplMediaCollectionManager> m_manager;
     std::unique_ptr<SlotDrops> m_drops;

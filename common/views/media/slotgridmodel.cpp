@@ -158,6 +158,15 @@ int SlotGridModel::slotAt(int row) const
     return row >= 0 && row < count() ? m_rows[static_cast<std::size_t>(row)] : -1;
 }
 
+QList<int> SlotGridModel::slotsAt(const QList<int>& rows) const
+{
+    QList<int> numbers;
+    numbers.reserve(rows.size());
+    for (const int row : rows)
+        numbers.append(slotAt(row));
+    return numbers;
+}
+
 int SlotGridModel::rowOf(int slot) const
 {
     const auto found = std::lower_bound(m_rows.begin(), m_rows.end(), slot);

@@ -72,6 +72,8 @@ public:
 
     /// -1 for no such row.
     Q_INVOKABLE int slotAt(int row) const;
+    /// Of those rows.
+    Q_INVOKABLE QList<int> slotsAt(const QList<int>& rows) const;
     /// The row of a slot; -1 where it is not shown.
     Q_INVOKABLE int rowOf(int slot) const;
     /// The first row whose slot has that number or a higher one; behind the last where there is none.

@@ -4,6 +4,7 @@
 #include "common/media/items/guimediaslot.h"
 #include "common/media/items/guiplaylist.h"
 #include "common/media/items/mimedata.h"
+#include "common/media/items/slotmimedata.h"
 
 #include <QCoreApplication>
 #include <QJsonArray>
@@ -65,6 +66,12 @@ PlaylistDrop PlaylistDrop::refused(const QString& fault)
 
 PlaylistDrop PlaylistDrop::read(const QMimeData* data)
 {
+    if (const auto* own = qobject_cast<const SlotMimeData*>(data)) {
+        PlaylistDrop drop;
+        drop.m_kind = Kind::Media;
+        drop.m_media = own->addresses();
+        return drop;
+    }
     if (!isOffered(data) || data->data(mimeformat::json).size() > largestPayload)
         return refused(unreadable());
     const QByteArray type = data->data(mimeformat::type);

@@ -114,6 +114,15 @@ void TestLibraryCommands::edits_data()
         [=](const auto& l) { return at(l, 1, 9)->getName() == "c1s2" && at(l, 1, 2)->getUrl().empty(); });
     row("Move slot 2 to 4 in collection 1", make<MoveSlotInCollectionCommand>(1, 2, 4), // over an empty one
         [=](const auto& l) { return at(l, 1, 4)->getName() == "c1s2"; });
+    // Playlists go on playing what moves, also where one of them goes to where another was.
+    row("Move slot 3 to 9 in collection 1", make<MoveSlotInCollectionCommand>(1, 3, 9), [](const auto& l) {
+        return l.findPlaylistEntry(1, {2, 0})->getMediaUrl() == test::slotUrl(1, 9);
+    });
+    row("Move 2 slots to 3 in collection 1",
+        make<MoveSlotsToCollectionCommand>(QList<MediaAddress>{{1, 2}, {1, 3}}, 1, 3), [=](const auto& l) {
+            return at(l, 1, 2)->getUrl().empty() && at(l, 1, 3)->getName() == "c1s2" &&
+                   l.findPlaylistEntry(1, {2, 0})->getMediaUrl() == test::slotUrl(1, 4);
+        });
     row("Rename collection 2", make<RenameCollectionCommand>(2, QStringLiteral("Neu")),
         [](const auto& l) { return l.findCollection(2)->getName() == "Neu"; });
     row("Rename slot 2 in collection 1", make<RenameSlotCommand>(1, 2, QStringLiteral("Neu")),

@@ -1,5 +1,9 @@
 #include "common/import/mediadrop.h"
+#include "common/media/address/mediautils.h"
+#include "common/media/edit/playlist/newplaylistandmediacommand.h"
 #include "common/media/items/guimediaslot.h"
+#include "common/media/items/guiplaylistentry.h"
+#include "common/media/library/playlistprovider.h"
 #include "common/qml/qmlmanager.h"
 #include "tests/common/views/droppinghand.h"
 #include "tests/support/testmain.h"
@@ -80,12 +84,23 @@ private Q_SLOTS:
         session->getQUndoStack()->undo();
         QTRY_VERIFY(!hand.slot(12));
 
-        // Slots move in one edit, also onto each other's places.
+        // Slots move in one edit, also onto each other's places, and playlists go on playing them.
+        const auto urlOf = [](int slot) {
+            return media::MediaUtils::toSlotAddress(LiveSession::collection, slot);
+        };
         const auto nameAt = [&hand](int slot) {
             const auto one = hand.slot(slot);
             return one ? one->name() : QString();
         };
         const QString shots = nameAt(5);
+        auto list = std::make_unique<NewPlaylistAndMediaCommand>();
+        QVERIFY(list->init(&session->getMediaLibraryApi()->library(), QList<QString>{urlOf(5)}, 1));
+        session->executeCommand(list.release());
+        const auto played = [session] {
+            const auto entries = session->playlistProvider()->entries(1);
+            return entries.isEmpty() ? QString() : entries.first()->slotUrl();
+        };
+        QTRY_COMPARE(played(), urlOf(5));
         QMimeData two;
         two.setData(QStringLiteral("application/type"), "slot");
         two.setData(QStringLiteral("application/json"), R"({"slots":[3,5]})");
@@ -93,9 +108,14 @@ private Q_SLOTS:
         QTRY_COMPARE(nameAt(6), shots);
         QCOMPARE(nameAt(5), QStringLiteral("logo.png"));
         QVERIFY(hand.slot(3)->contentUrl().isEmpty());
+        QTRY_COMPARE(played(), urlOf(6));
+        // Slots are told of before the entries that play them.
+        allowWarnings(QStringLiteral("Missing slot: "));
         session->getQUndoStack()->undo();
         QTRY_VERIFY(nameAt(3) == QStringLiteral("logo.png") && nameAt(5) == shots && !hand.slot(6));
+        QTRY_COMPARE(played(), urlOf(5));
 
+        session->getQUndoStack()->undo();
         session->getQUndoStack()->undo();
         session->getQUndoStack()->undo();
         QTRY_VERIFY(!hand.slot(3) && !hand.slot(5));

@@ -1,6 +1,7 @@
 #include "common/media/edit/slot/moveslotincollectioncommand.h"
 
 #include "common/command/commandlogging.h"
+#include "common/media/edit/playlist/followslots.h"
 #include "tarn/media/medialibrary.h"
 
 namespace vantrel {
@@ -27,8 +28,14 @@ bool MoveSlotInCollectionCommand::init(const MediaLibrary* library, int collecti
             return false;
         }
         const MediaSlot moved = *source; // a copy: the insertion may move what source points at
-        return target->insertMediaSlot(toSlot, moved, true) &&
-               target->insertMediaSlot(fromSlot, MediaSlot(), true);
+        if (!target->insertMediaSlot(toSlot, moved, true) ||
+            !target->insertMediaSlot(fromSlot, MediaSlot(), true))
+            return false;
+        followSlots(copy, [=](const MediaAddress& slot) {
+            return slot == MediaAddress(collection, fromSlot) ? MediaAddress(collection, toSlot)
+                                                              : MediaAddress();
+        });
+        return true;
     });
 }
 

@@ -63,7 +63,7 @@ Item {
             anchors.centerIn: parent
             width: parent.width - 2 * Theme.tight
             height: parent.height - 4
-            sourceSize: Qt.size(width * Screen.devicePixelRatio, height * Screen.devicePixelRatio)
+            sourceSize: Qt.size(width * fontSizes.ratio, height * fontSizes.ratio)
             fillMode: Image.PreserveAspectFit
             source: row.picture
             cache: false

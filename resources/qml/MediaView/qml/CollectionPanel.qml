@@ -146,13 +146,13 @@ ShrinkableFrame {
                 border.width: 1
                 border.color: (row.isChosen && list.activeFocus) || row.hasMenu ? Theme.focus : "transparent"
             }
-            Rectangle {
+            ZTIcon {
                 // It stands beside the chosen one.
-                x: Theme.tight
-                width: 3
-                height: parent.height
-                radius: 1
-                color: Theme.accent
+                id: besideMark
+
+                anchors { right: parent.right; rightMargin: fontSizes.bar + Theme.normal; verticalCenter: parent.verticalCenter }
+                name: "columns"
+                color: Theme.faint
                 visible: row.isBeside
             }
             ZTLabel {
@@ -169,7 +169,8 @@ ShrinkableFrame {
             ZTLabel {
                 id: label
 
-                anchors { left: number.right; right: parent.right; leftMargin: Theme.normal; rightMargin: fontSizes.bar + Theme.tight }
+                anchors { left: number.right; right: row.isBeside ? besideMark.left : parent.right }
+                anchors { leftMargin: Theme.normal; rightMargin: row.isBeside ? Theme.tight : fontSizes.bar + Theme.tight }
                 height: parent.height
                 text: row.editText
                 color: row.isChosen ? Theme.strong : Theme.text

@@ -84,7 +84,7 @@ ShrinkableFrame {
                     id: picture
 
                     anchors.fill: parent
-                    sourceSize: Qt.size(width * Screen.devicePixelRatio, height * Screen.devicePixelRatio)
+                    sourceSize: Qt.size(width * fontSizes.ratio, height * fontSizes.ratio)
                     fillMode: Image.PreserveAspectFit
                     source: panel.shown.picture
                     cache: false

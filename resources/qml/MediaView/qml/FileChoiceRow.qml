@@ -46,7 +46,7 @@ Item {
             id: picture
 
             anchors { fill: parent; margins: 2 }
-            sourceSize: Qt.size(width * Screen.devicePixelRatio, height * Screen.devicePixelRatio)
+            sourceSize: Qt.size(width * fontSizes.ratio, height * fontSizes.ratio)
             fillMode: Image.PreserveAspectFit
             source: row.model.isDirectory ? "" : row.model.thumbnail
             cache: false

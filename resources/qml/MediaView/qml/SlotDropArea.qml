@@ -44,13 +44,8 @@ Item {
 
         anchors.fill: parent
         onEntered: (drag) => {
-            const mime = {}
-            for (const format of ["application/type", "application/category", "application/json"]) {
-                if (drag.formats.indexOf(format) >= 0)
-                    mime[format] = drag.getDataAsString(format)
-            }
             area.at = Qt.point(drag.x, drag.y)
-            drag.accepted = mediaActions.beginDrop(slotModel.collection, mime, drag.hasUrls ? drag.urls : [])
+            drag.accepted = mediaActions.beginDrop(slotModel.collection)
         }
         onPositionChanged: (drag) => {
             area.at = Qt.point(drag.x, drag.y)

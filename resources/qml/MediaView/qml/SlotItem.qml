@@ -45,6 +45,8 @@ Item {
 
         anchors { fill: parent; margins: cell.isTable ? 1 : 2 }
         anchors.rightMargin: cell.isTable ? fontSizes.bar + 1 : 2
+        // What shows nothing is not drawn: round corners are what a picture of many slots costs most.
+        visible: cell.isAimed || cell.isSelected || cell.isCurrent || mouse.containsMouse
         radius: Theme.radius
         color: cell.isAimed ? Theme.accentVeil : cell.isSelected ? (cell.pane.hasKeys ? Theme.accentVeil : Theme.hoverStrong)
              : mouse.containsMouse ? Theme.hover : "transparent"
@@ -58,7 +60,6 @@ Item {
         y: cell.isTable ? 2 : 2 * Theme.tight
         width: cell.isTable ? Math.round(height * 16 / 9) : cell.width - 4 * Theme.tight
         height: cell.isTable ? cell.height - 4 : Math.round(width * 9 / 16)
-        radius: 3
         color: Theme.field
 
         KindIcon {
@@ -71,7 +72,7 @@ Item {
             id: thumbnail
 
             anchors.fill: parent
-            sourceSize: Qt.size(width * Screen.devicePixelRatio, height * Screen.devicePixelRatio)
+            sourceSize: Qt.size(width * fontSizes.ratio, height * fontSizes.ratio)
             fillMode: Image.PreserveAspectFit
             source: cell.picture
             cache: false
@@ -87,7 +88,6 @@ Item {
             // Which channel has it, in that channel's colour.
             anchors.fill: parent
             color: "transparent"
-            radius: 3
             border.width: 2
             border.color: cell.isOnProgram ? Theme.program : Theme.good
             visible: cell.isOnProgram || cell.isOnPreview

@@ -29,7 +29,7 @@ FocusScope {
 
     onActiveFocusChanged: if (activeFocus) collectionPanes.current = panel.index
     function takeFocus() { grid.forceActiveFocus() }
-    function selectedSlots() { return selection.rows().map(row => slotModel.slotAt(row)) }
+    function selectedSlots() { return slotModel.slotsAt(selection.rows()) }
     function cueCurrent() {
         if (selection.currentRow >= 0)
             mediaActions.cue(slotModel.collection, slotModel.slotAt(selection.currentRow))

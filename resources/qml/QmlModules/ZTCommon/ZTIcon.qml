@@ -9,7 +9,7 @@ Image {
     source: name.length > 0 ? "image://icons/" + name + "/" + String(color).substring(1) : ""
     width: side
     height: side
-    sourceSize.width: Math.round(side * Screen.devicePixelRatio)
-    sourceSize.height: Math.round(side * Screen.devicePixelRatio)
+    sourceSize.width: Math.round(side * fontSizes.ratio)
+    sourceSize.height: Math.round(side * fontSizes.ratio)
     Accessible.ignored: true
 }
