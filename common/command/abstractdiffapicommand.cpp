@@ -35,7 +35,8 @@ AbstractDiffApiCommand::AbstractDiffApiCommand(QUndoCommand* parent)
 {
 }
 
-/// The edits that can be done again are given up by the next one: to free long ones would be at that one's cost.
+/// The edits that can be done again are given up by the next one: to free long ones would be at that one's
+/// cost.
 AbstractDiffApiCommand::~AbstractDiffApiCommand()
 {
     constexpr std::size_t few = 500; // operations

@@ -73,6 +73,13 @@ void ServerCommands::drop(QObject* owner)
     m_client->abort();
 }
 
+void ServerCommands::askFirst(QObject* owner, Command command)
+{
+    m_waiting.prepend({owner, std::move(command)});
+    pump();
+    pumpAhead();
+}
+
 /// Sends the next when the client can take it.
 void ServerCommands::pump()
 {

@@ -44,6 +44,8 @@ public:
 
     /// The answer comes only while the owner lives.
     void ask(QObject* owner, Command command);
+    /// The same before all that waits already.
+    void askFirst(QObject* owner, Command command);
     /// Nothing of the owner's is sent or answered any more; what runs for it is aborted.
     void drop(QObject* owner);
     /// Something waits or runs.

@@ -61,8 +61,9 @@ public:
     /// An order that was stopped on its way may have been carried out: when hidden has gone and the path is
     /// taken, what stepped aside is not needed any more.
     void putBackUnlessReplaced(const QString& aside, const QString& path, const QString& hidden);
-    /// Lists it in its turn, also over a link that comes back. next: whether it was read.
-    void readAgain(const QString& directory, const std::function<void(bool isRead)>& next);
+    /// Lists it before anything else is done there, also over a link that comes back. next: whether it was
+    /// read. Once more when it fails: whoever stops what is on the line may have stopped this.
+    void readFirst(const QString& directory, const std::function<void(bool isRead)>& next, int attempts = 2);
     /// Those who show one of them read it again.
     void tellTouched(const QStringList& directories);
     static ClientFileSystemInfo directoryEntry(const QString& path);

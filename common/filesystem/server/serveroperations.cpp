@@ -310,21 +310,28 @@ void ServerFileSystemPrivate::putBackUnlessReplaced(const QString& aside, const 
     };
     const QString from = getParentPath(hidden);
     const QString to = getParentPath(path);
-    readAgain(from, [this, from, to, decide](bool isRead) {
-        isRead&& from != to ? readAgain(to, decide) : decide(isRead);
+    readFirst(from, [this, from, to, decide](bool isRead) {
+        if (isRead && from != to)
+            readFirst(to, decide);
+        else
+            decide(isRead);
     });
 }
 
-void ServerFileSystemPrivate::readAgain(const QString& directory, const std::function<void(bool)>& next)
+void ServerFileSystemPrivate::readFirst(const QString& directory, const std::function<void(bool)>& next,
+                                        int attempts)
 {
-    m_commands.ask(this, {ServerCommands::Kind::List,
-                          [directory](FileSystemClient& client) { return client.list(directory); },
-                          [this, directory, next](ServerCommands::Outcome outcome) {
-                              if (outcome == ServerCommands::Outcome::LinkLost)
-                                  readAgain(directory, next);
-                              else
-                                  next(outcome == ServerCommands::Outcome::Done);
-                          }});
+    const auto answer = [this, directory, next, attempts](ServerCommands::Outcome outcome) {
+        if (outcome == ServerCommands::Outcome::LinkLost)
+            readFirst(directory, next, attempts);
+        else if (outcome == ServerCommands::Outcome::Failed && attempts > 1)
+            readFirst(directory, next, attempts - 1);
+        else
+            next(outcome == ServerCommands::Outcome::Done);
+    };
+    m_commands.askFirst(this,
+                        {ServerCommands::Kind::List,
+                         [directory](FileSystemClient& client) { return client.list(directory); }, answer});
 }
 
 void ServerFileSystemPrivate::tellTouched(const QStringList& directories)

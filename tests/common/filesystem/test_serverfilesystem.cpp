@@ -307,6 +307,10 @@ private Q_SLOTS:
         upload->abort();
         client()->finishMove(QStringLiteral("/a.mov"), aside, false);
         QTRY_COMPARE(client()->last(), QStringLiteral("list /"));
+        allowWarnings(QStringLiteral("Received invalid directory listing"));
+        const qsizetype asked = client()->calls.size();
+        client()->finishList(QStringLiteral("/"), {}, false); // stopped as well
+        QCOMPARE(client()->calls.mid(asked), QStringList{QStringLiteral("list /")});
         QList<ClientFileSystemInfo> left{fileEntry(aside, 5)};
         if (isTaken)
             left.append(fileEntry(QStringLiteral("/a.mov"), 30));
