@@ -86,10 +86,9 @@ void readVendor(Bytes block, Edid& display)
     }
 }
 
-/// The mode of the first code.
-std::optional<VideoTiming> firstOf(Bytes codes)
+std::optional<VideoTiming> modeOf(int code)
 {
-    const VideoTiming* mode = codes.empty() ? nullptr : findVic(videoCode(codes[0]));
+    const VideoTiming* mode = findVic(code);
     return mode ? std::optional(*mode) : std::nullopt;
 }
 
@@ -100,8 +99,8 @@ void readExtended(Bytes block, Edid& display, Preference& preference)
     if (block[0] == HdrStatic && block.size() > 1) {
         display.hasHdr10 = block[1] & 0x04;
         display.hasHlg = block[1] & 0x08;
-    } else if (block[0] == Preferences && !preference.named) {
-        preference.named = firstOf(block.subspan(1));
+    } else if (block[0] == Preferences && block.size() > 1 && !preference.named) {
+        preference.named = modeOf(block[1]); // no code of a mode: a detailed timing by its number
         if (preference.named)
             addMode(display, *preference.named);
     } else if (block[0] == Video420) {
@@ -123,8 +122,8 @@ void readDataBlocks(Bytes blocks, Edid& display, Preference& preference)
             break;
         case Video:
             addVideoCodes(content, display);
-            if (!preference.first)
-                preference.first = firstOf(content);
+            if (!preference.first && !content.empty())
+                preference.first = modeOf(videoCode(content[0]));
             break;
         case Vendor:
             readVendor(content, display);
