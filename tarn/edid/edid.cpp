@@ -65,9 +65,9 @@ std::string textOf(Bytes descriptor)
 {
     std::string text;
     for (const std::uint8_t byte : descriptor.subspan(5, 13)) {
-        if (byte == 0x0a || byte == 0)
+        if (byte < 0x20 || byte > 0x7e) // a line break ends it, and what is no text is none of it
             break;
-        text += byte >= 0x20 && byte < 0x7f ? static_cast<char>(byte) : '?';
+        text += static_cast<char>(byte);
     }
     text.erase(text.find_last_not_of(' ') + 1);
     return text;
@@ -173,10 +173,12 @@ void readBaseBlock(Bytes block, Edid& display)
     readIdentity(block, display);
     readFeatures(block, display);
     // Detailed modes come first, since they are what the display is made for.
-    for (std::size_t at = 54; at < 126; at += descriptorSize)
-        readDescriptor(block.subspan(at, descriptorSize), display);
-    if (const auto first = detailedTiming(block.subspan(54, descriptorSize)))
-        display.preferred = first;
+    for (std::size_t at = 54; at < 126; at += descriptorSize) {
+        const Bytes descriptor = block.subspan(at, descriptorSize);
+        readDescriptor(descriptor, display);
+        if (!display.preferred)
+            display.preferred = detailedTiming(descriptor);
+    }
     for (std::size_t i = 0; i < 17; ++i) {
         if (isSet(block.subspan(35), i))
             addMode(display, *establishedTiming(i));
@@ -210,13 +212,19 @@ bool readEdid(std::span<const std::uint8_t> bytes, Edid& out, std::string* whyNo
         return fail(whyNot, "It is of version " + std::to_string(bytes[18]) + ", which nobody knows.");
     Edid display;
     readBaseBlock(bytes.first(blockSize), display);
+    const bool isNamed = bytes[24] & 0x02; // the first detailed mode as the preferred one
+    Preference preference;
     for (std::size_t at = blockSize; at < bytes.size(); at += blockSize) {
         const Block block = bytes.subspan(at).first<blockSize>();
         if (block[0] == 0x02)
-            readCtaExtension(block, display);
+            readCtaExtension(block, display, preference);
         else if (block[0] == 0x70)
-            readDisplayIdExtension(block, display);
+            readDisplayIdExtension(block, display, preference);
     }
+    if (preference.named && !(isNamed && display.preferred))
+        display.preferred = preference.named;
+    if (!display.preferred)
+        display.preferred = preference.first;
     if (!display.preferred && !display.modes.empty())
         display.preferred = display.modes.front();
     out = std::move(display);

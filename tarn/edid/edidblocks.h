@@ -18,7 +18,14 @@ std::optional<VideoTiming> detailedTiming(Bytes descriptor);
 /// Unless the display has it already, or it is computed to be nothing.
 void addMode(Edid& display, const VideoTiming& mode);
 
-void readCtaExtension(Block block, Edid& display);
-void readDisplayIdExtension(Block block, Edid& display);
+/// What extensions would rather show; the first that says so counts.
+struct Preference
+{
+    std::optional<VideoTiming> named; // as such
+    std::optional<VideoTiming> first; // of a list that begins with the best
+};
+
+void readCtaExtension(Block block, Edid& display, Preference& preference);
+void readDisplayIdExtension(Block block, Edid& display, Preference& preference);
 
 } // namespace vantrel::edidblocks

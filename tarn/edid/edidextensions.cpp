@@ -7,7 +7,7 @@ namespace vantrel::edidblocks {
 namespace {
 
 enum DataBlock : std::uint8_t { Audio = 1, Video = 2, Vendor = 3, Extended = 7 };
-enum ExtendedBlock : std::uint8_t { HdrStatic = 6, Video420 = 14, Map420 = 15 };
+enum ExtendedBlock : std::uint8_t { HdrStatic = 6, Preferences = 13, Video420 = 14, Map420 = 15 };
 
 constexpr unsigned hdmi = 0x000c03, hdmiForum = 0xc45dd8; // identifiers of their vendors' blocks
 
@@ -86,13 +86,23 @@ void readVendor(Bytes block, Edid& display)
     }
 }
 
-void readExtended(Bytes block, Edid& display)
+std::optional<VideoTiming> modeOf(int code)
+{
+    const VideoTiming* mode = findVic(code);
+    return mode ? std::optional(*mode) : std::nullopt;
+}
+
+void readExtended(Bytes block, Edid& display, Preference& preference)
 {
     if (block.empty())
         return;
     if (block[0] == HdrStatic && block.size() > 1) {
         display.hasHdr10 = block[1] & 0x04;
         display.hasHlg = block[1] & 0x08;
+    } else if (block[0] == Preferences && block.size() > 1 && !preference.named) {
+        preference.named = modeOf(block[1]); // no code of a mode: a detailed timing by its number
+        if (preference.named)
+            addMode(display, *preference.named);
     } else if (block[0] == Video420) {
         display.hasYcc420 = true;
         addVideoCodes(block.subspan(1), display);
@@ -101,7 +111,7 @@ void readExtended(Bytes block, Edid& display)
     }
 }
 
-void readDataBlocks(Bytes blocks, Edid& display)
+void readDataBlocks(Bytes blocks, Edid& display, Preference& preference)
 {
     while (!blocks.empty()) {
         const std::size_t size = std::min<std::size_t>(blocks[0] & 31, blocks.size() - 1);
@@ -112,12 +122,14 @@ void readDataBlocks(Bytes blocks, Edid& display)
             break;
         case Video:
             addVideoCodes(content, display);
+            if (!preference.first && !content.empty())
+                preference.first = modeOf(videoCode(content[0]));
             break;
         case Vendor:
             readVendor(content, display);
             break;
         case Extended:
-            readExtended(content, display);
+            readExtended(content, display, preference);
             break;
         default:
             break;
@@ -127,7 +139,7 @@ void readDataBlocks(Bytes blocks, Edid& display)
 }
 
 /// A detailed timing of DisplayID's type I, or VII, which counts its clock in kHz.
-void addDisplayIdTiming(Bytes bytes, int clockStep, Edid& display)
+void addDisplayIdTiming(Bytes bytes, int clockStep, Edid& display, Preference& preference)
 {
     constexpr int mask = 0x7fff;
     VideoTiming mode;
@@ -146,11 +158,14 @@ void addDisplayIdTiming(Bytes bytes, int clockStep, Edid& display)
     if (isInterlaced)
         return; // which of its lines they count differs from maker to maker
     addMode(display, mode);
+    const bool isPreferred = bytes[3] & 0x80;
+    if (isPreferred && !preference.named)
+        preference.named = mode;
 }
 
 } // namespace
 
-void readCtaExtension(Block block, Edid& display)
+void readCtaExtension(Block block, Edid& display, Preference& preference)
 {
     const std::size_t timings = block[2] == 0 ? blockSize - 1 : block[2]; // 0: no room is kept for them
     if (block[1] >= 2) {
@@ -161,7 +176,7 @@ void readCtaExtension(Block block, Edid& display)
     if (timings < 4 || timings > blockSize - 1)
         return;
     if (block[1] >= 3)
-        readDataBlocks(block.subspan(4, timings - 4), display);
+        readDataBlocks(block.subspan(4, timings - 4), display, preference);
     for (std::size_t at = timings; block[2] && at + descriptorSize < blockSize; at += descriptorSize) {
         const auto mode = detailedTiming(block.subspan(at, descriptorSize));
         if (!mode)
@@ -170,7 +185,7 @@ void readCtaExtension(Block block, Edid& display)
     }
 }
 
-void readDisplayIdExtension(Block block, Edid& display)
+void readDisplayIdExtension(Block block, Edid& display, Preference& preference)
 {
     constexpr std::size_t timingSize = 20;
     Bytes blocks = block.subspan(5, std::min<std::size_t>(block[2], blockSize - 7));
@@ -178,7 +193,7 @@ void readDisplayIdExtension(Block block, Edid& display)
         const std::size_t size = std::min<std::size_t>(blocks[2], blocks.size() - 3);
         const int clockStep = blocks[0] == 0x03 ? 10'000 : blocks[0] == 0x22 ? 1'000 : 0;
         for (std::size_t at = 3; clockStep && at + timingSize <= 3 + size; at += timingSize)
-            addDisplayIdTiming(blocks.subspan(at, timingSize), clockStep, display);
+            addDisplayIdTiming(blocks.subspan(at, timingSize), clockStep, display, preference);
         blocks = blocks.subspan(3 + size);
     }
 }
