@@ -1,4 +1,5 @@
 // What was found in what a drop has read.
+#include "common/filesystem/model/nameorder.h"
 #include "common/filesystem/model/pathhelpers.h"
 #include "common/filesystem/operations/asyncfilesystemreader.h"
 #include "common/import/imagesequencecreator.h"
@@ -28,11 +29,14 @@ void MediaDropPrivate::createResults(const QList<images::RequestPath>& requestPa
 {
     PathTypes remaining;
     QStringList asked;
+    QStringList found; // files as they were dropped, those of a directory as a reader sorts them
     for (const images::RequestPath& requestPath : requestPaths) {
         const bool isDirectory = requestPath.type == FileSystem::Directory;
         asked.append(isDirectory ? withSeparator(requestPath.path) : requestPath.path);
-        for (const QString& path : extractAllPaths(requestPath, fileSystem))
+        const QStringList paths = inNameOrder(extractAllPaths(requestPath, fileSystem));
+        for (const QString& path : paths)
             remaining.emplace(path, FileSystem::File);
+        found += paths;
     }
     const std::size_t total = remaining.size();
     m_creator->setFileSystemReader(m_reader);
@@ -49,7 +53,9 @@ void MediaDropPrivate::createResults(const QList<images::RequestPath>& requestPa
             imageResults.append(result);
     }
     qsizetype stills = 0;
-    for (const auto& [path, type] : remaining) {
+    for (const QString& path : std::as_const(found)) {
+        if (remaining.erase(path) == 0)
+            continue; // a picture of a sequence
         if (isImageFile(path)) {
             ImagesResult result;
             result.setStillImages({StillImage{path}});

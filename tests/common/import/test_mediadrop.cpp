@@ -141,6 +141,21 @@ private Q_SLOTS:
         QVERIFY(std::ranges::all_of(m_files->requests, [](int number) { return number == 1; }));
     }
 
+    /// Slots are numbered as a reader counts, and one folder goes before the next.
+    void ordersAsAReader()
+    {
+        for (const char* name : {"b/Cue 10.mov", "b/Cue 2.mov", "b/cue 1.mov", "a/Cue 3.mov",
+                                 "b/Logo 10 b.png", "b/Logo 9 a.png"})
+            m_files->add(u'/' + QString::fromLatin1(name), 1);
+        const auto drop = makeDrop(1);
+        for (const char* path : {"/b/", "/a/"})
+            drop->requestAsynchronously({QString::fromLatin1(path), FileSystem::Directory}, m_files.get());
+        waitFor(*drop);
+        drop->save();
+        QCOMPARE(m_collections.shown(), QStringLiteral("1 cue 1.mov, 2 Cue 2.mov, 3 Cue 10.mov, 4 Cue 3.mov, "
+                                                       "5 Logo 9 a.png, 6 Logo 10 b.png"));
+    }
+
     void storesSequencesAsStills()
     {
         for (int i = 1; i <= 3; ++i)
