@@ -152,7 +152,6 @@ QHash<int, QByteArray> ImageSequenceCandidateModel::roleNames() const
             {StartFrameRole, "startFrame"},
             {EndFrameRole, "endFrame"},
             {FpsRole, "fps"},
-            {FpsRole, "fps"},
             {FrameCountRole, "frameCount"},
             {StillImageCountRole, "stillImageCount"},
             {DurationStringRole, "durationString"},

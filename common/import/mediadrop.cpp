@@ -84,6 +84,11 @@ void MediaDrop::addFault(const QString& text)
     d->addFault(text);
 }
 
+void MediaDrop::setPatience(std::chrono::milliseconds patience)
+{
+    d->m_questions.setPatience(patience);
+}
+
 QList<ImageSequenceCandidate> MediaDrop::imageSequences() const
 {
     QList<ImageSequenceCandidate> candidates;

@@ -8,6 +8,7 @@
 #include <QObject>
 #include <QStringList>
 
+#include <chrono>
 #include <memory>
 
 namespace vantrel {
@@ -59,6 +60,9 @@ public:
     QStringList faults() const;
     /// What whoever made it has left out; a sentence, plain text.
     void addFault(const QString& text);
+
+    /// For so long it waits to be told what one file holds; 25 seconds.
+    void setPatience(std::chrono::milliseconds patience);
 
     QList<ImageSequenceCandidate> imageSequences() const;
     QList<images::StillImage> stillImages() const;

@@ -2,9 +2,9 @@
 
 #include "common/import/asyncrequest.h"
 #include "common/import/imagesresult.h"
+#include "common/import/mediaquestions.h"
 #include "common/media/items/guimediaslot.h"
 
-#include <QDeadlineTimer>
 #include <QHash>
 #include <QList>
 #include <QObject>
@@ -68,13 +68,6 @@ public:
     bool saveImageSequences(const QList<ImageSequenceCandidate>& candidates, int collection, int slot);
     void saveStillImages(const QList<images::StillImage>& stills, int collection, int slot);
 
-    /// A file of which it is not known yet whether it plays.
-    struct AwaitedMedia
-    {
-        QString path;
-        FileSystem* fileSystem = nullptr;
-    };
-
     MediaDrop* m_owner;
     AsyncFileSystemReader* m_reader;
     ImageSequenceCreator* m_creator;
@@ -87,11 +80,10 @@ public:
     QList<images::ImagesResult> m_imageResults;
     QList<int> m_collectionSlots;
 
-    QStringList m_listed;     // the directories that the reader was given for the current request
-    int m_waits = 0;          // ticks for which a listing of somebody else's has stood in the reader
-    qsizetype m_requests = 0; // done
-    QList<AwaitedMedia> m_awaited;
-    QDeadlineTimer m_patience; // for what is awaited
+    QStringList m_listed;       // the directories that the reader was given for the current request
+    int m_waits = 0;            // ticks for which a listing of somebody else's has stood in the reader
+    qsizetype m_requests = 0;   // done
+    MediaQuestions m_questions; // of files of which it is not known yet whether they play
     QStringList m_faults;
 
 public Q_SLOTS:

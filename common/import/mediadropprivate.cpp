@@ -22,6 +22,7 @@ MediaDropPrivate::MediaDropPrivate(MediaDrop* owner, AsyncFileSystemReader* read
 {
     m_timer.setInterval(50ms);
     connect(&m_timer, &QTimer::timeout, this, &MediaDropPrivate::handleNextAsyncRequest);
+    connect(&m_questions, &MediaQuestions::answered, this, &MediaDropPrivate::addKnownMedias);
 }
 
 MediaDropPrivate::~MediaDropPrivate()
@@ -53,8 +54,11 @@ void MediaDropPrivate::requestAsynchronously(const images::AsyncRequest& request
 
 void MediaDropPrivate::handleNextAsyncRequest()
 {
-    if (!m_awaited.isEmpty() && !addKnownMedias())
-        return;
+    if (!m_questions.isEmpty()) {
+        m_questions.goOn();
+        if (!addKnownMedias())
+            return;
+    }
     if (m_current) {
         if (m_listed.isEmpty()) {
             startDirectoryListing(*m_current); // somebody else's was in the way

@@ -1,4 +1,5 @@
 // What was found in what a drop has read.
+#include "common/filesystem/model/nameorder.h"
 #include "common/filesystem/model/pathhelpers.h"
 #include "common/filesystem/operations/asyncfilesystemreader.h"
 #include "common/import/imagesequencecreator.h"
@@ -8,11 +9,8 @@
 #include "common/media/address/showntext.h"
 #include "tarn/media/imagesequenceformat.h"
 
-#include <chrono>
-
 namespace vantrel {
 
-using namespace std::chrono_literals;
 using images::ImageResultType;
 using images::ImagesResult;
 using images::StillImage;
@@ -31,11 +29,14 @@ void MediaDropPrivate::createResults(const QList<images::RequestPath>& requestPa
 {
     PathTypes remaining;
     QStringList asked;
+    QStringList found; // files as they were dropped, those of a directory as a reader sorts them
     for (const images::RequestPath& requestPath : requestPaths) {
         const bool isDirectory = requestPath.type == FileSystem::Directory;
         asked.append(isDirectory ? withSeparator(requestPath.path) : requestPath.path);
-        for (const QString& path : extractAllPaths(requestPath, fileSystem))
+        const QStringList paths = inNameOrder(extractAllPaths(requestPath, fileSystem));
+        for (const QString& path : paths)
             remaining.emplace(path, FileSystem::File);
+        found += paths;
     }
     const std::size_t total = remaining.size();
     m_creator->setFileSystemReader(m_reader);
@@ -52,7 +53,9 @@ void MediaDropPrivate::createResults(const QList<images::RequestPath>& requestPa
             imageResults.append(result);
     }
     qsizetype stills = 0;
-    for (const auto& [path, type] : remaining) {
+    for (const QString& path : std::as_const(found)) {
+        if (remaining.erase(path) == 0)
+            continue; // a picture of a sequence
         if (isImageFile(path)) {
             ImagesResult result;
             result.setStillImages({StillImage{path}});
@@ -127,10 +130,7 @@ void MediaDropPrivate::addMediaPaths(const QStringList& paths, FileSystem* fileS
     for (const QString& path : paths) {
         const FileSystem::ItemType type = fileSystem->getType(path);
         if (type == FileSystem::File) {
-            FileMetadata unused;
-            fileSystem->requestMetadata(path,
-                                        unused); // of all at once; what is known is taken below, in order
-            m_awaited.append({path, fileSystem});
+            m_questions.add(path, fileSystem);
             continue;
         }
         qCWarning(lcMedia) << "Unexpectedly got invalid path type"
@@ -139,39 +139,36 @@ void MediaDropPrivate::addMediaPaths(const QStringList& paths, FileSystem* fileS
                            << "for a media file" << path;
         leaveOut(path, tr("it is not there any more."));
     }
-    m_patience.setRemainingTime(10s);
+    m_questions.goOn();
     addKnownMedias();
 }
 
-/// Turns what is known by now into media. What a file holds may be told later than it is asked for; the files
-/// keep their order, so that the rest is waited for. False while something is.
+/// Turns what is known by now into media, of many some. False while something is left.
 bool MediaDropPrivate::addKnownMedias()
 {
+    constexpr qsizetype mostAtOnce = 500;
     QList<GuiMediaSlot> added;
-    while (!m_awaited.isEmpty()) {
-        const AwaitedMedia next = m_awaited.first();
-        FileMetadata metadata;
-        const bool isKnown = next.fileSystem->requestMetadata(next.path, metadata) && metadata.isTold();
-        if (!isKnown && !m_patience.hasExpired())
+    for (qsizetype i = 0; i < mostAtOnce; ++i) {
+        const std::optional<MediaQuestions::Answer> next = m_questions.take();
+        if (!next)
             break;
-        m_awaited.removeFirst();
-        if (!isKnown) {
-            qCWarning(lcMedia) << "Unable to read metadata for a media file" << next.path;
-            leaveOut(next.path, tr("nothing was told of it in time."));
+        if (!next->metadata) {
+            qCWarning(lcMedia) << "Unable to read metadata for a media file" << next->path;
+            leaveOut(next->path, tr("nothing was told of it in time."));
             continue;
         }
-        m_patience.setRemainingTime(10s); // they are told one after the other
+        const FileMetadata& metadata = *next->metadata;
         if (!metadata.isPlayable) {
-            qCInfo(lcMedia) << "Skipping media file" << next.path << "since it's not playable";
+            qCInfo(lcMedia) << "Skipping media file" << next->path << "since it's not playable";
             const QStringList caveats(metadata.mediaCaveats.cbegin(), metadata.mediaCaveats.cend());
-            leaveOut(next.path, caveats.isEmpty() ? tr("the server cannot play it.")
-                                                  : caveats.join(QStringLiteral(" ")));
+            leaveOut(next->path, caveats.isEmpty() ? tr("the server cannot play it.")
+                                                   : caveats.join(QStringLiteral(" ")));
             continue;
         }
         GuiMediaSlot slot;
         slot.setScaleMode(ScaleMode::Default);
-        slot.setName(getNameInPath(next.path));
-        slot.setContentUrl(QUrl::fromLocalFile(next.path));
+        slot.setName(getNameInPath(next->path));
+        slot.setContentUrl(QUrl::fromLocalFile(next->path));
         slot.setDuration(static_cast<double>(metadata.durationMs) / 1000.0);
         slot.setIsPlayable(true);
         added.append(slot);
@@ -182,7 +179,7 @@ bool MediaDropPrivate::addKnownMedias()
         Q_EMIT m_owner->mediasChanged();
         Q_EMIT m_owner->lastSlotChanged();
     }
-    return m_awaited.isEmpty();
+    return m_questions.isEmpty();
 }
 
 void MediaDropPrivate::leaveOut(const QString& path, const QString& why)

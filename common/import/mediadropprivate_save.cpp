@@ -13,8 +13,8 @@ using images::StillImage;
 
 int MediaDropPrivate::requiredSlotCount() const
 {
-    qsizetype count =
-        m_queue.size() + (m_current ? 1 : 0) + m_awaited.size() + m_medias.size() + m_collectionSlots.size();
+    qsizetype count = m_queue.size() + (m_current ? 1 : 0) + m_questions.size() + m_medias.size() +
+                      m_collectionSlots.size();
     for (const images::ImagesResult& result : m_imageResults) {
         if (result.isSequence() || result.type() == images::ImageResultType::StillImage)
             ++count;

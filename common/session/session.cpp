@@ -349,6 +349,7 @@ void Session::aimMediaLibraryHelpers(const QString& host)
 {
     m_metadata->setServer(host, m_ports.http);
     m_thumbnails->setServer(host, m_ports.http);
+    m_mediaDataAggregator->forgetAll();
     m_mediaStateProvider->reset();
     for (const PlaybackViewMode mode : {PlaybackViewMode::Preview, PlaybackViewMode::Program})
         m_resourceStatus->setIsConstrained(mode, false);

@@ -2,6 +2,11 @@
 
 namespace vantrel {
 
+bool FileSystem::requestMetadataAlone(const QString& filePath, FileMetadata& result)
+{
+    return requestMetadata(filePath, result);
+}
+
 qint64 FileSystem::availableBytes(const QString&) const
 {
     return -1;

@@ -49,6 +49,8 @@ public:
     Q_INVOKABLE virtual ItemType getType(QString path) = 0;
     /// False when nothing is known; fileMetadataChanged comes once something is.
     Q_INVOKABLE virtual bool requestMetadata(QString filePath, vantrel::FileMetadata& result) = 0;
+    /// The same for who has many files and shows none of them: nobody is asked for their pictures.
+    virtual bool requestMetadataAlone(const QString& filePath, FileMetadata& result);
     Q_INVOKABLE virtual bool isValidDirectoryPath(QString directoryPath) const = 0;
     /// Not owned by the caller.
     virtual OperationVisitor* operationVisitor() = 0;

@@ -1,7 +1,7 @@
 #include "common/filesystem/models/filerows.h"
 
-#include <QCollator>
-#include <QLocale>
+#include "common/filesystem/model/nameorder.h"
+
 #include <QSet>
 
 #include <algorithm>
@@ -13,72 +13,20 @@ namespace {
 
 constexpr std::size_t mostEdits = 200; // a view takes a reset faster than more of them
 
-/// What compares as the name does for a reader: byte by byte, with numbers as their length and their digits.
-/// Only for names without letters that need more; it is ten times as fast as a collation.
-QByteArray plainKey(const QString& name)
-{
-    QByteArray key;
-    key.reserve(name.size() + 4);
-    for (qsizetype at = 0; at < name.size();) {
-        const ushort letter = name[at].unicode();
-        if (letter < '0' || letter > '9') {
-            key.append(static_cast<char>(letter >= 'A' && letter <= 'Z' ? letter + ('a' - 'A') : letter));
-            ++at;
-            continue;
-        }
-        qsizetype end = at;
-        while (end < name.size() && name[end] >= u'0' && name[end] <= u'9')
-            ++end;
-        while (at + 1 < end && name[at] == u'0')
-            ++at;
-        key.append(
-            static_cast<char>('0' + std::min<qsizetype>(end - at, 64))); // among digits, before letters
-        for (; at < end; ++at)
-            key.append(static_cast<char>(name[at].unicode()));
-    }
-    return key;
-}
-
 /// What names and kinds compare by, made once a row.
 struct SortKeys
 {
-    std::vector<QByteArray> plain; // or else:
-    std::vector<QCollatorSortKey> collated;
+    NameOrder names;
     std::vector<QString> kinds;
-
-    int compareNames(std::size_t a, std::size_t b) const
-    {
-        return plain.empty() ? collated[a].compare(collated[b]) : plain[a].compare(plain[b]);
-    }
 };
-
-bool isAscii(const FileRow& row)
-{
-    return std::ranges::all_of(row.name, [](QChar letter) { return letter.unicode() < 128; });
-}
-
-void collate(const FileRows& rows, SortKeys& keys)
-{
-    // In the C locale there is no collation to speak of.
-    const QLocale locale;
-    QCollator collator(locale.language() == QLocale::C ? QLocale(QLocale::English) : locale);
-    collator.setNumericMode(true);
-    collator.setCaseSensitivity(Qt::CaseInsensitive);
-    keys.collated.reserve(rows.size());
-    for (const FileRow& row : rows)
-        keys.collated.push_back(collator.sortKey(row.name));
-}
 
 SortKeys keysOf(const FileRows& rows, bool byKind)
 {
-    SortKeys keys;
-    if (std::ranges::all_of(rows, isAscii)) {
-        keys.plain.reserve(rows.size());
-        for (const FileRow& row : rows)
-            keys.plain.push_back(plainKey(row.name));
-    } else {
-        collate(rows, keys);
-    }
+    QStringList names;
+    names.reserve(static_cast<qsizetype>(rows.size()));
+    for (const FileRow& row : rows)
+        names.append(row.name);
+    SortKeys keys{NameOrder(names), {}};
     if (byKind) {
         for (const FileRow& row : rows)
             keys.kinds.push_back(fileKind(row.name));
@@ -95,7 +43,7 @@ int compare(const FileRows& rows, const SortKeys& keys, const FileSorting& sorti
     };
     switch (sorting.by) {
     case FileSorting::By::Name:
-        return keys.compareNames(a, b);
+        return keys.names.compare(a, b);
     case FileSorting::By::Size:
         return order(rows[a].sizeBytes, rows[b].sizeBytes);
     case FileSorting::By::Type:
@@ -118,7 +66,7 @@ void sortRows(FileRows& rows, const FileSorting& sorting)
             return rows[a].isDirectory;
         if (const int first = compare(rows, keys, sorting, a, b))
             return sorting.order == Qt::AscendingOrder ? first < 0 : first > 0;
-        if (const int byName = keys.compareNames(a, b))
+        if (const int byName = keys.names.compare(a, b))
             return byName < 0;
         return rows[a].name < rows[b].name;
     });

@@ -64,6 +64,11 @@ bool ServerFileSystem::requestMetadata(QString filePath, FileMetadata& result)
     return m_private->metadata().request(filePath, fileSize(filePath), result);
 }
 
+bool ServerFileSystem::requestMetadataAlone(const QString& filePath, FileMetadata& result)
+{
+    return m_private->metadata().requestAlone(filePath, fileSize(filePath), result);
+}
+
 bool ServerFileSystem::isValidDirectoryPath(QString directoryPath) const
 {
     return m_private->isValidDirectoryPath(directoryPath);

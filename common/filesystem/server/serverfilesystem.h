@@ -37,6 +37,7 @@ public:
     bool getFiles(QString directoryPath, QList<FileSystemFile>& result) override;
     ItemType getType(QString path) override;
     bool requestMetadata(QString filePath, FileMetadata& result) override;
+    bool requestMetadataAlone(const QString& filePath, FileMetadata& result) override;
     bool isValidDirectoryPath(QString directoryPath) const override;
     OperationVisitor* operationVisitor() override;
     qint64 fileSize(const QString& path) const override;

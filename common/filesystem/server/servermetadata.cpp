@@ -35,6 +35,22 @@ bool ServerMetadata::request(const QString& path, qint64 sizeBytes, FileMetadata
 {
     if (!m_aggregator)
         return false;
+    const bool isKnown = requestAlone(path, sizeBytes, result);
+    const QUrl url = QUrl::fromLocalFile(path);
+    if (m_aggregator->knownMetadata(url))
+        return true;
+    const bool hasThumbnail = m_aggregator->thumbnail(url) && m_aggregator->knownThumbnail(url);
+    if (!hasThumbnail)
+        return isKnown;
+    result.thumbnail = url;
+    cacheMetadata(fileOf(path, sizeBytes), result);
+    return true;
+}
+
+bool ServerMetadata::requestAlone(const QString& path, qint64 sizeBytes, FileMetadata& result)
+{
+    if (!m_aggregator)
+        return false;
     const QUrl url = QUrl::fromLocalFile(path);
     const FileSystemFile file = fileOf(path, sizeBytes);
     qCDebug(lcFileSystem) << "Requesting metadata for file" << path << "->" << url;
@@ -48,12 +64,7 @@ bool ServerMetadata::request(const QString& path, qint64 sizeBytes, FileMetadata
     const FileMetadataCache* known = m_cache.object(path);
     if (known)
         result = known->metadata;
-    const bool hasThumbnail = m_aggregator->thumbnail(url) && m_aggregator->knownThumbnail(url);
-    if (!hasThumbnail)
-        return known != nullptr;
-    result.thumbnail = url;
-    cacheMetadata(file, result);
-    return true;
+    return known != nullptr;
 }
 
 void ServerMetadata::applyMetadata(const QUrl& url, const MediaMetadataPtr& metadata,

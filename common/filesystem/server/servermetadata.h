@@ -25,6 +25,8 @@ public:
     void setAggregator(MediaDataAggregator* aggregator);
     /// False when nothing is known yet; changed() follows once something is.
     bool request(const QString& path, qint64 sizeBytes, FileMetadata& result);
+    /// The same without the picture, which nobody is asked for.
+    bool requestAlone(const QString& path, qint64 sizeBytes, FileMetadata& result);
 
 Q_SIGNALS:
     void changed(vantrel::FileSystemFile file, vantrel::FileMetadata metadata);

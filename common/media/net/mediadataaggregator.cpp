@@ -32,7 +32,7 @@ MediaDataAggregator::MediaDataAggregator(MetadataProvider* metadataProvider,
     connect(metadataProvider, &MetadataProvider::metadataChanged, this,
             &MediaDataAggregator::handleMetadataChanged);
     connect(metadataProvider, &MetadataProvider::metadataInvalidated, this, [this](const QUrl& mediaUrl) {
-        m_sizes.remove(mediaUrl);
+        forget(mediaUrl);
         Q_EMIT metadataInvalidated(mediaUrl);
     });
     connect(thumbnailProvider, &ThumbnailProvider::thumbnailChanged, this,
@@ -115,12 +115,27 @@ QStringList MediaDataAggregator::caveatTexts(const MediaMetadata& metadata) cons
 QStringList MediaDataAggregator::knownFaults(const QUrl& mediaUrl) const
 {
     const MediaMetadataPtr found = knownMetadata(mediaUrl);
-    if (!found)
-        return {};
-    QStringList faults = caveatTexts(*found);
-    if (const QString reason = whyNotPlayable(*found); !reason.isEmpty())
+    return found ? faultsOf(*found) : m_faults.value(mediaUrl);
+}
+
+QStringList MediaDataAggregator::faultsOf(const MediaMetadata& metadata) const
+{
+    QStringList faults = caveatTexts(metadata);
+    if (const QString reason = whyNotPlayable(metadata); !reason.isEmpty())
         faults.prepend(reason);
     return faults;
+}
+
+void MediaDataAggregator::forget(const QUrl& mediaUrl)
+{
+    m_sizes.remove(mediaUrl);
+    m_faults.remove(mediaUrl);
+}
+
+void MediaDataAggregator::forgetAll()
+{
+    m_sizes.clear();
+    m_faults.clear();
 }
 
 QString MediaDataAggregator::whyNotPlayable(const MediaMetadata& metadata)
@@ -172,7 +187,7 @@ void MediaDataAggregator::invalidateAllData()
 {
     if (m_thumbnailProvider)
         m_thumbnailProvider->invalidateAll();
-    m_sizes.clear();
+    forgetAll();
     if (m_metadataProvider)
         m_metadataProvider->invalidateAll();
 }
@@ -181,6 +196,11 @@ void MediaDataAggregator::handleMetadataChanged(const QUrl& mediaUrl, const Medi
 {
     if (metadata && metadata->getFileSize())
         m_sizes.insert(mediaUrl, *metadata->getFileSize());
+    // A state is kept of every file; what is shown of a bad one must not be without its reason.
+    if (const QStringList faults = metadata ? faultsOf(*metadata) : QStringList(); !faults.isEmpty())
+        m_faults.insert(mediaUrl, faults);
+    else
+        m_faults.remove(mediaUrl);
     if (m_thumbnailProvider && !knownThumbnail(mediaUrl))
         Q_EMIT thumbnailChanged(mediaUrl, selectPlaceholderThumbnailForMetadata(metadata));
     if (m_stateProvider)

@@ -40,8 +40,8 @@ public:
     std::unordered_set<MediaCaveat> mediaCaveats(const QUrl& mediaUrl);
     /// For the operator, one text a caveat.
     QStringList mediaCaveatsDescribed(const QUrl& mediaUrl);
-    /// Why the file is not played, or not whole, as sentences for the operator and as far as it is known here
-    /// already; none for a file that plays whole.
+    /// Why the file is not played, or not whole, as sentences for the operator and as far as it was told,
+    /// however long ago; none for a file that plays whole.
     QStringList knownFaults(const QUrl& mediaUrl) const;
     /// The sentence alone that stands for a file that cannot be played; empty for one that can.
     static QString whyNotPlayable(const MediaMetadata& metadata);
@@ -49,6 +49,8 @@ public:
     /// Forgets all of a file; with terminate also answers that are still to come.
     void invalidateData(const QUrl& mediaUrl, bool terminate);
     void invalidateAllData();
+    /// What is kept of files of which metadata is not: another server may hold other files under their names.
+    void forgetAll();
 
 Q_SIGNALS:
     void metadataChanged(QUrl mediaUrl, vantrel::MediaMetadataPtr metadata);
@@ -63,13 +65,16 @@ private:
     void handleThumbnailInvalidated(const QUrl& mediaUrl);
     ThumbnailPtr selectPlaceholderThumbnailForMetadata(const MediaMetadataPtr& metadata) const;
     ThumbnailPtr getPlaceholderThumbnail(const QUrl& mediaUrl) const;
+    QStringList faultsOf(const MediaMetadata& metadata) const;
+    void forget(const QUrl& mediaUrl);
     QStringList caveatTexts(const MediaMetadata& metadata) const;
     QStringList describeCaveats(const std::unordered_set<MediaCaveat>& caveats) const;
 
     QPointer<MetadataProvider> m_metadataProvider;
     QPointer<ThumbnailProvider> m_thumbnailProvider;
     QPointer<MediaStateProvider> m_stateProvider;
-    QHash<QUrl, qint64> m_sizes; // of more files than metadata is kept of
+    QHash<QUrl, qint64> m_sizes;       // of more files than metadata is kept of
+    QHash<QUrl, QStringList> m_faults; // the same, of those that have some
     ThumbnailPtr m_genericPlaceholder;
     ThumbnailPtr m_imagePlaceholder;
     ThumbnailPtr m_audioPlaceholder;

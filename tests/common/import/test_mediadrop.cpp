@@ -1,12 +1,16 @@
 #include "common/filesystem/operations/asyncfilesystemreader.h"
 #include "common/import/imagesequencecreator.h"
 #include "common/import/mediadrop.h"
+#include "common/import/mediaquestions.h"
 #include "tests/common/filesystem/fakefilesystem.h"
 #include "tests/common/import/fakecollections.h"
 #include "tests/support/testmain.h"
 
 #include <QSignalSpy>
 #include <QTest>
+
+#include <algorithm>
+#include <utility>
 
 using namespace vantrel;
 using images::ImageResultType;
@@ -15,12 +19,15 @@ using test::expectWarning;
 
 namespace {
 
-/// Its videos play unless they are told not to; what is late is told when the test says so.
+/// Its videos play unless they are told not to; what is late is told when the test says so. With a memory it
+/// asks somebody else first, and keeps so many answers.
 class MediaFiles : public test::FakeFileSystem
 {
 public:
     QSet<QString> unplayable;
     QSet<QString> late;
+    qsizetype memory = 0;
+    QHash<QString, int> requests;
 
     ItemType getType(QString path) override { return path.endsWith(u'/') ? Directory : File; }
     bool requestMetadata(QString path, FileMetadata& result) override
@@ -28,8 +35,26 @@ public:
         result.isPlayable = !unplayable.contains(path);
         result.mediaType = MediaType::VideoFile;
         result.durationMs = 2500;
-        return !late.contains(path);
+        if (memory == 0 || m_answers.contains(path))
+            return !late.contains(path);
+        if (!std::exchange(m_isAsking[path], true) && ++requests[path] && !late.contains(path))
+            QTimer::singleShot(0, this, [this, path] { answer(path); });
+        return false;
     }
+
+private:
+    void answer(const QString& path)
+    {
+        m_isAsking.remove(path);
+        m_answers.append(path);
+        if (m_answers.size() > memory)
+            m_answers.removeFirst();
+        Q_EMIT fileMetadataChanged(
+            {path.section(u'/', -1), 1, FileSystemDirectory::fromFullPath(QStringLiteral("/in/"))}, {});
+    }
+
+    QHash<QString, bool> m_isAsking;
+    QStringList m_answers;
 };
 
 } // namespace
@@ -87,6 +112,48 @@ private Q_SLOTS:
         QCOMPARE(slot.lastFrame().value_or(0), 5);
         QCOMPARE(slot.duration(), 5 / 60.0);
         QCOMPARE(m_collections.content[23].duration(), 10.0);
+    }
+
+    /// Of many files each is asked for once, however few answers are kept, and only what nobody tells
+    /// anything of is left out.
+    void oneThatIsNotTold()
+    {
+        QStringList names;
+        for (int i = 10; i < 70; ++i)
+            names.append(QStringLiteral("%1.mov").arg(i));
+        for (const QString& name : std::as_const(names))
+            m_files->add(QStringLiteral("/in/") + name, 1);
+        m_files->memory = MediaQuestions::mostOpen;
+        m_files->late = {QStringLiteral("/in/12.mov")};
+        expectWarning(QStringLiteral("Unable to read metadata for a media file \"/in/12.mov\""));
+        const auto drop = makeDrop(1);
+        drop->setPatience(std::chrono::milliseconds(500));
+        drop->requestAsynchronously({QStringLiteral("/in/"), FileSystem::Directory}, m_files.get());
+        waitFor(*drop);
+        QStringList found;
+        for (const GuiMediaSlot& media : drop->medias())
+            found.append(media.name());
+        names.removeOne(QStringLiteral("12.mov"));
+        QCOMPARE(found, names);
+        QCOMPARE(drop->faults(),
+                 QStringList{QStringLiteral("\"12.mov\" is left out: nothing was told of it in time.")});
+        QCOMPARE(m_files->requests.size(), 60);
+        QVERIFY(std::ranges::all_of(m_files->requests, [](int number) { return number == 1; }));
+    }
+
+    /// Slots are numbered as a reader counts, and one folder goes before the next.
+    void ordersAsAReader()
+    {
+        for (const char* name : {"b/Cue 10.mov", "b/Cue 2.mov", "b/cue 1.mov", "a/Cue 3.mov",
+                                 "b/Logo 10 b.png", "b/Logo 9 a.png"})
+            m_files->add(u'/' + QString::fromLatin1(name), 1);
+        const auto drop = makeDrop(1);
+        for (const char* path : {"/b/", "/a/"})
+            drop->requestAsynchronously({QString::fromLatin1(path), FileSystem::Directory}, m_files.get());
+        waitFor(*drop);
+        drop->save();
+        QCOMPARE(m_collections.shown(), QStringLiteral("1 cue 1.mov, 2 Cue 2.mov, 3 Cue 10.mov, 4 Cue 3.mov, "
+                                                       "5 Logo 9 a.png, 6 Logo 10 b.png"));
     }
 
     void storesSequencesAsStills()

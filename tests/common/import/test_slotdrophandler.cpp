@@ -153,7 +153,7 @@ private Q_SLOTS:
         QTRY_VERIFY(m_drop->isReady());
         QCOMPARE(m_drop->faults().size(), 3);
         m_drop->save();
-        QCOMPARE(m_collections.shown(), QStringLiteral("1 a.mov, 2 z.mov, 3 new.mov"));
+        QCOMPARE(m_collections.shown(), QStringLiteral("1 a.mov, 2 new.mov, 3 z.mov"));
         QCOMPARE(m_collections.content[1].duration(), 2.5);
         QCOMPARE(m_collections.content[2].duration(), 4.0);
         QCOMPARE(m_collections.content[1].contentUrl(), QUrl(QStringLiteral("file:///a.mov")));

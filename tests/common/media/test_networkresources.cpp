@@ -422,6 +422,16 @@ void TestNetworkResources::faults()
     helpers.aggregator.metadata(clip);
     QTRY_VERIFY(helpers.aggregator.knownMetadata(clip));
     QTEST(helpers.aggregator.knownFaults(clip), "faults");
+    // Its state is known for as long, and so is the reason of it.
+    for (int i = 0; i < 100; ++i) {
+        const QUrl other(QStringLiteral("file:///%1.mp4").arg(i));
+        helpers.network.addGetReply(metadataUrl(other), R"({"type":"videoFile","isPlayable":true})");
+        helpers.aggregator.metadata(other);
+    }
+    QTRY_VERIFY(!helpers.aggregator.knownMetadata(clip));
+    QTEST(helpers.aggregator.knownFaults(clip), "faults");
+    helpers.aggregator.invalidateData(clip, true);
+    QCOMPARE(helpers.aggregator.knownFaults(clip), QStringList());
 }
 
 void TestNetworkResources::channelStates()

@@ -160,8 +160,8 @@ private Q_SLOTS:
             }
             return found;
         };
-        const QStringList folders{QStringLiteral("a/logo.png"), QStringLiteral("a/title.png"),
-                                  QStringLiteral("b/logo.png"), QStringLiteral("b/plate.png")};
+        const QStringList folders{QStringLiteral("b/logo.png"), QStringLiteral("b/plate.png"),
+                                  QStringLiteral("a/logo.png"), QStringLiteral("a/title.png")};
         QTRY_COMPARE(paths(), frames + folders);
         QCOMPARE(stack->index(), steps + 2);
         stack->undo();

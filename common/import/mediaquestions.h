@@ -1,0 +1,68 @@
+#pragma once
+
+#include "common/filesystem/model/filesystem.h"
+
+#include <QDeadlineTimer>
+#include <QHash>
+#include <QList>
+#include <QObject>
+#include <QPair>
+#include <QSet>
+#include <QTimer>
+
+#include <chrono>
+#include <optional>
+
+namespace vantrel {
+
+/// Asks what media files hold, and gives the answers in the order of the questions, whichever comes first.
+/// Only some are asked ahead, so that thousands of files keep no view waiting, and one that nobody tells
+/// anything of holds up none behind it. Part of a drop; main thread only.
+class MediaQuestions : public QObject
+{
+    Q_OBJECT
+
+public:
+    struct Answer
+    {
+        QString path;
+        std::optional<FileMetadata> metadata; // none: nothing was told of it in time
+    };
+
+    static constexpr int mostOpen = 24;
+
+    explicit MediaQuestions(QObject* parent = nullptr);
+
+    /// For so long is waited for one answer. The network asks four times within twenty seconds.
+    void setPatience(std::chrono::milliseconds patience) { m_patience = patience; }
+    void add(const QString& path, FileSystem* fileSystem) { m_questions.append({fileSystem, path}); }
+    /// Those that are not taken yet.
+    qsizetype size() const { return m_questions.size(); }
+    bool isEmpty() const { return m_questions.isEmpty(); }
+    /// Asks on, and lets go of what nobody tells anything of. Has to be called now and then.
+    void goOn();
+    /// The next in order, once it is there.
+    std::optional<Answer> take();
+
+Q_SIGNALS:
+    void answered();
+
+private:
+    using Question = QPair<FileSystem*, QString>;
+
+    void ask(const Question& question);
+    void askAhead();
+    void follow(FileSystem* fileSystem);
+    void lookAtTold();
+
+    std::chrono::milliseconds m_patience{25000};
+    QList<Question> m_questions;
+    qsizetype m_begun = 0; // of m_questions: were asked
+    QHash<Question, QDeadlineTimer> m_open;
+    QHash<Question, std::optional<FileMetadata>> m_answers;
+    QSet<Question> m_told; // of m_open: something was said of them in this turn
+    QSet<FileSystem*> m_followed;
+    QTimer m_turn;
+};
+
+} // namespace vantrel
