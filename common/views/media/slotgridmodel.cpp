@@ -62,8 +62,8 @@ QVariant SlotGridModel::data(const QModelIndex& index, int role) const
         return slot;
     case DurationRole:
         return sourceData(slot, MediaLibraryModel::DurationRole).toString();
-    case PictureRole:
-        return pictureOf(slot);
+    case ThumbnailRole:
+        return thumbnailOf(slot);
     case StateRole:
         return sourceData(slot, MediaLibraryModel::KnownStateRole).toInt();
     case KindRole:
@@ -81,9 +81,9 @@ QVariant SlotGridModel::data(const QModelIndex& index, int role) const
 
 QHash<int, QByteArray> SlotGridModel::roleNames() const
 {
-    return {{KeyRole, "key"},         {SlotRole, "slot"},       {NameRole, "name"},
-            {DurationRole, "length"}, {PictureRole, "picture"}, {StateRole, "mediaState"},
-            {KindRole, "kind"},       {FaultsRole, "faults"},   {PlayableRole, "isPlayable"},
+    return {{KeyRole, "key"},         {SlotRole, "slot"},           {NameRole, "name"},
+            {DurationRole, "length"}, {ThumbnailRole, "thumbnail"}, {StateRole, "mediaState"},
+            {KindRole, "kind"},       {FaultsRole, "faults"},       {PlayableRole, "isPlayable"},
             {FileRole, "file"}};
 }
 
@@ -198,10 +198,17 @@ int SlotGridModel::findRow(const QString& text, int from) const
 
 QString SlotGridModel::pictureOf(int slot) const
 {
-    m_library->fetchThumbnail(sourceOf(slot)); // has it asked for
-    return sourceData(slot, MediaLibraryModel::KnownThumbnailRole).isValid()
+    return thumbnailOf(slot).isValid()
                ? thumbnailImageUrl(sourceData(slot, MediaLibraryModel::UrlRole).toUrl())
                : QString();
+}
+
+QVariant SlotGridModel::thumbnailOf(int slot) const
+{
+    const QModelIndex source = sourceOf(slot);
+    m_library->fetchThumbnail(source);
+    source.data(MediaLibraryModel::StateRole);
+    return source.data(MediaLibraryModel::KnownThumbnailRole);
 }
 
 QString SlotGridModel::faultsOf(int slot) const

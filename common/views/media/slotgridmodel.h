@@ -37,7 +37,7 @@ public:
         SlotRole = 258,
         NameRole = 259,
         DurationRole = 260,
-        PictureRole = 261,
+        ThumbnailRole = 261, // a QPixmap; nothing while there is none
         StateRole = 262,
         KindRole = 263,
         FaultsRole = 264,
@@ -82,6 +82,9 @@ public:
     Q_INVOKABLE int findRow(const QString& text, int from) const;
     /// Where a view finds its picture; empty while there is none.
     QString pictureOf(int slot) const;
+    /// The picture itself, asked for with what the server says of the file: whoever shows the one, tells of
+    /// the other.
+    QVariant thumbnailOf(int slot) const;
     /// Why the slot is not played, or not whole: a sentence a line, empty for one that plays.
     QString faultsOf(int slot) const;
     /// The row of the library's model, with the name in it; invalid for no such slot.
