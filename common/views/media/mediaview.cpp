@@ -15,6 +15,7 @@
 #include "common/views/media/mediaactions.h"
 #include "common/views/media/playlistadditions.h"
 #include "common/views/media/slotdetails.h"
+#include "common/views/media/slotface.h"
 #include "common/views/slotdrops.h"
 
 #include <QLoggingCategory>
@@ -40,6 +41,7 @@ void registerTypes()
     const auto why = QStringLiteral("Uncreatable");
     qmlRegisterUncreatableType<CollectionSelectorModel>("Tessen.Models", 1, 0, "CollectionModel", why);
     qmlRegisterUncreatableType<MediaLibraryModel>("Tessen.Models", 1, 0, "MediaLibraryModel", why);
+    qmlRegisterType<SlotFace>("Tessen.Models", 1, 0, "SlotFace");
     qmlRegisterUncreatableType<SlotGridModel>("Tessen.Models", 1, 0, "SlotGridModel", why);
 }
 

@@ -3,17 +3,20 @@
 #include "common/media/address/mediafiles.h"
 #include "common/media/address/showntext.h"
 #include "common/media/models/medialibrarymodel.h"
+#include "tarn/media/medialibrary.h"
 
 #include <QElapsedTimer>
 
 #include <algorithm>
+#include <utility>
 
 namespace vantrel {
 
 namespace {
 
 constexpr int turnMs = 5;
-constexpr int mostRuns = 64; // of rows that come or go: beyond them a view is quicker when it begins anew
+constexpr std::size_t mostRuns =
+    64; // of rows that come or go: beyond them a view is quicker when it begins anew
 constexpr int looksBetweenClocks = 32;
 
 } // namespace
@@ -22,14 +25,17 @@ SlotGridModel::SlotGridModel(MediaLibraryModel* library, IsUsed isUsed, QObject*
     : QAbstractListModel(parent)
     , m_library(library)
     , m_isUsed(std::move(isUsed))
+    , m_seen(makeRef<MediaLibrary>(*library->mediaLibrary()))
 {
     m_turn.setSingleShot(true);
     connect(&m_turn, &QTimer::timeout, this, &SlotGridModel::scan);
     connect(library, &QAbstractItemModel::dataChanged, this, &SlotGridModel::onDataChanged);
-    connect(library, &QAbstractItemModel::rowsInserted, this, &SlotGridModel::refresh);
-    connect(library, &QAbstractItemModel::rowsRemoved, this, &SlotGridModel::refresh);
-    connect(library, &QAbstractItemModel::modelReset, this, &SlotGridModel::refresh);
+    connect(library, &QAbstractItemModel::rowsInserted, this, &SlotGridModel::onRowsCame);
+    connect(library, &QAbstractItemModel::rowsRemoved, this, &SlotGridModel::onRowsCame);
+    connect(library, &QAbstractItemModel::modelReset, this, &SlotGridModel::onLibraryAnew);
 }
+
+SlotGridModel::~SlotGridModel() = default;
 
 int SlotGridModel::rowCount(const QModelIndex& parent) const
 {
@@ -57,13 +63,13 @@ QVariant SlotGridModel::data(const QModelIndex& index, int role) const
     case NameRole:
         return sourceData(slot, MediaLibraryModel::NameRole).toString();
     case KeyRole:
-        return QString::number(slot);
+        return keyOf(slot);
     case SlotRole:
         return slot;
     case DurationRole:
         return sourceData(slot, MediaLibraryModel::DurationRole).toString();
-    case PictureRole:
-        return pictureOf(slot);
+    case ThumbnailRole:
+        return thumbnailOf(slot);
     case StateRole:
         return sourceData(slot, MediaLibraryModel::KnownStateRole).toInt();
     case KindRole:
@@ -81,9 +87,9 @@ QVariant SlotGridModel::data(const QModelIndex& index, int role) const
 
 QHash<int, QByteArray> SlotGridModel::roleNames() const
 {
-    return {{KeyRole, "key"},         {SlotRole, "slot"},       {NameRole, "name"},
-            {DurationRole, "length"}, {PictureRole, "picture"}, {StateRole, "mediaState"},
-            {KindRole, "kind"},       {FaultsRole, "faults"},   {PlayableRole, "isPlayable"},
+    return {{KeyRole, "key"},         {SlotRole, "slot"},           {NameRole, "name"},
+            {DurationRole, "length"}, {ThumbnailRole, "thumbnail"}, {StateRole, "mediaState"},
+            {KindRole, "kind"},       {FaultsRole, "faults"},       {PlayableRole, "isPlayable"},
             {FileRole, "file"}};
 }
 
@@ -94,6 +100,7 @@ void SlotGridModel::setCollection(int collection)
     beginResetModel();
     m_collection = collection;
     m_rows.clear();
+    m_seen = makeRef<MediaLibrary>(*m_library->mediaLibrary());
     m_total = 0;
     endResetModel();
     Q_EMIT collectionChanged();
@@ -198,10 +205,17 @@ int SlotGridModel::findRow(const QString& text, int from) const
 
 QString SlotGridModel::pictureOf(int slot) const
 {
-    m_library->fetchThumbnail(sourceOf(slot)); // has it asked for
-    return sourceData(slot, MediaLibraryModel::KnownThumbnailRole).isValid()
+    return thumbnailOf(slot).isValid()
                ? thumbnailImageUrl(sourceData(slot, MediaLibraryModel::UrlRole).toUrl())
                : QString();
+}
+
+QVariant SlotGridModel::thumbnailOf(int slot) const
+{
+    const QModelIndex source = sourceOf(slot);
+    m_library->fetchThumbnail(source);
+    source.data(MediaLibraryModel::StateRole);
+    return source.data(MediaLibraryModel::KnownThumbnailRole);
 }
 
 QString SlotGridModel::faultsOf(int slot) const
@@ -210,6 +224,12 @@ QString SlotGridModel::faultsOf(int slot) const
     const bool isPlayable = sourceData(slot, MediaLibraryModel::PlayableRole).toBool();
     return faults.isEmpty() && !isPlayable ? tr("The file is missing or cannot be played.")
                                            : faults.join(u'\n');
+}
+
+QString SlotGridModel::keyOf(int slot) const
+{
+    const MediaSlot* seen = std::as_const(*m_seen).findSlot(m_collection, slot);
+    return QString::number(slot) + u' ' + (seen ? QString::fromStdString(seen->getUrl()) : QString());
 }
 
 bool SlotGridModel::holdsMedia(int slot) const
@@ -241,6 +261,7 @@ void SlotGridModel::onDataChanged(const QModelIndex& first, const QModelIndex& l
         Q_EMIT nameChanged();
     if (!root.isValid() || first.parent() != root)
         return;
+    leaveOthers(first.row(), last.row());
     const auto begin = std::lower_bound(m_rows.begin(), m_rows.end(), first.row());
     const auto end = std::upper_bound(begin, m_rows.end(), last.row());
     if (begin != end)
@@ -254,6 +275,69 @@ void SlotGridModel::onDataChanged(const QModelIndex& first, const QModelIndex& l
     if (m_turn.isActive() || slot != last.row() ||
         (rowOf(slot) >= 0) != (slot > 0 && holdsMedia(slot) && passes(slot)))
         refresh();
+}
+
+/// A collection that is new may have the number of one that is gone.
+void SlotGridModel::onRowsCame(const QModelIndex& parent)
+{
+    if (parent.isValid())
+        refresh();
+    else
+        onLibraryAnew();
+}
+
+/// Nothing tells what became of which slot. The view may begin anew as well: the selection keeps what is
+/// there as it was.
+void SlotGridModel::onLibraryAnew()
+{
+    const auto now = makeRef<MediaLibrary>(*m_library->mediaLibrary());
+    const bool hasOthers = std::ranges::any_of(m_rows, [&](int slot) {
+        const MediaSlot* before = std::as_const(*m_seen).findSlot(m_collection, slot);
+        const MediaSlot* after = std::as_const(*now).findSlot(m_collection, slot);
+        return !before || !after || before->getUrl() != after->getUrl();
+    });
+    if (hasOthers)
+        beginResetModel();
+    m_seen = now;
+    if (hasOthers)
+        endResetModel();
+    refresh();
+}
+
+/// An edit that gives a slot another name, or has its medium in another file, leaves it the one that it is.
+void SlotGridModel::leaveOthers(int first, int last)
+{
+    if (!m_seen->findCollection(m_collection))
+        return;
+    std::vector<std::pair<int, MediaSlot>> changed;
+    std::vector<int> others;
+    for (int slot = first; slot <= last; ++slot) {
+        const MediaSlot* before = std::as_const(*m_seen).findSlot(m_collection, slot);
+        const MediaSlot* after = std::as_const(*m_library->mediaLibrary()).findSlot(m_collection, slot);
+        const MediaSlot now = after ? *after : MediaSlot();
+        if (before ? *before == now : !after)
+            continue;
+        changed.emplace_back(slot, now);
+        if (before && rowOf(slot) >= 0 && before->getUrl() != now.getUrl() &&
+            before->getName() != now.getName())
+            others.push_back(slot);
+    }
+    const bool isAnew = others.size() > mostRuns;
+    if (isAnew)
+        beginResetModel(); // what is selected is told by what has been seen
+    for (const auto& [slot, now] : changed)
+        m_seen->findCollection(m_collection)->insertMediaSlot(slot, now, true);
+    if (isAnew)
+        return endResetModel();
+    for (const int slot : others) {
+        const int row = rowOf(slot);
+        beginRemoveRows({}, row, row);
+        m_rows.erase(m_rows.begin() + row);
+        endRemoveRows();
+        beginInsertRows({}, row, row);
+        m_rows.insert(m_rows.begin() + row, slot);
+        endInsertRows();
+    }
 }
 
 void SlotGridModel::refresh()

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tarn/media/mediaaddress.h"
+#include "tarn/ref.h"
 
 #include <QAbstractListModel>
 #include <QTimer>
@@ -10,10 +11,12 @@
 
 namespace vantrel {
 
+class MediaLibrary;
 class MediaLibraryModel;
 
 /// The slots of one collection that hold media and pass the filters, by number, for a declarative view.
-/// Follows the library's model, in turns of a few milliseconds. The view owns it; main thread only.
+/// Follows the library's model, in turns of a few milliseconds. A number that holds another medium is another
+/// row, so that no selection goes over to it. The view owns it; main thread only.
 class SlotGridModel : public QAbstractListModel
 {
     Q_OBJECT
@@ -33,11 +36,11 @@ class SlotGridModel : public QAbstractListModel
 
 public:
     enum Roles {
-        KeyRole = 257, // the slot's number as text: what a selection keeps
+        KeyRole = 257, // the slot's number and its file as they were shown last: what a selection keeps
         SlotRole = 258,
         NameRole = 259,
         DurationRole = 260,
-        PictureRole = 261,
+        ThumbnailRole = 261, // a QPixmap; nothing while there is none
         StateRole = 262,
         KindRole = 263,
         FaultsRole = 264,
@@ -50,6 +53,7 @@ public:
 
     /// The library must outlive this.
     explicit SlotGridModel(MediaLibraryModel* library, IsUsed isUsed, QObject* parent = nullptr);
+    ~SlotGridModel() override;
 
     int rowCount(const QModelIndex& parent = {}) const override;
     QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
@@ -82,6 +86,9 @@ public:
     Q_INVOKABLE int findRow(const QString& text, int from) const;
     /// Where a view finds its picture; empty while there is none.
     QString pictureOf(int slot) const;
+    /// The picture itself, asked for with what the server says of the file: whoever shows the one, tells of
+    /// the other.
+    QVariant thumbnailOf(int slot) const;
     /// Why the slot is not played, or not whole: a sentence a line, empty for one that plays.
     QString faultsOf(int slot) const;
     /// The row of the library's model, with the name in it; invalid for no such slot.
@@ -101,6 +108,10 @@ Q_SIGNALS:
 
 private:
     void onDataChanged(const QModelIndex& first, const QModelIndex& last);
+    void onLibraryAnew();
+    void onRowsCame(const QModelIndex& parent);
+    void leaveOthers(int first, int last);
+    QString keyOf(int slot) const;
     void scan();
     void take();
     bool takeByRow();
@@ -111,7 +122,8 @@ private:
 
     MediaLibraryModel* m_library;
     IsUsed m_isUsed;
-    std::vector<int> m_rows; // the numbers of the slots, ascending
+    Ref<MediaLibrary> m_seen; // the slots of the collection as the rows have them
+    std::vector<int> m_rows;  // the numbers of the slots, ascending
     std::vector<int> m_found;
     QTimer m_turn;
     int m_next = 0; // the slot at which the look goes on

@@ -66,6 +66,56 @@ private Q_SLOTS:
         QTRY_COMPARE(model.count(), 0);
     }
 
+    /// A selection never goes over to another medium that has the number by now.
+    void whatIsSelectedStaysWhatItWas()
+    {
+        MediaMirror mirror(makeLibrary(2, 200));
+        SlotGridModel model(&mirror.model, {});
+        const QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::Fatal);
+        model.setCollection(1);
+        QTRY_COMPARE(model.count(), 200);
+        SelectionModel selection;
+        selection.setRowModel(&model);
+        const auto chosen = [&] { return model.slotsAt(selection.rows()); };
+        const auto put = [](MediaLibrary& library, int slot, const char* name) {
+            MediaSlot* const there = library.findSlot(1, slot);
+            if (name)
+                there->setName(name);
+            there->setUrl("file:///" + std::string(name ? name : "moved") + ".mov");
+        };
+        // Another client's edits.
+        for (const int row : {1, 2, 3})
+            selection.toggle(row);
+        mirror.edit([&](MediaLibrary& library) {
+            put(library, 2, nullptr); // its file has moved
+            put(library, 3, "other");
+            library.findSlot(1, 4)->setName("renamed");
+        });
+        QTRY_COMPARE(chosen(), (QList<int>{2, 4}));
+        // Another show, which has some of the same media in the same slots.
+        put(*mirror.library, 4, nullptr);
+        mirror.load();
+        QCOMPARE(chosen(), QList<int>{2});
+        selection.selectAll();
+        for (int slot = 1; slot <= 200; slot += 2)
+            put(*mirror.library, slot, "next");
+        mirror.load();
+        QCOMPARE(chosen().size(), 100);
+        QCOMPARE(chosen().first(), 2);
+        mirror.edit([&](MediaLibrary& library) {
+            for (int slot = 2; slot <= 190; slot += 2)
+                put(library, slot, "after");
+        });
+        QTRY_COMPARE(chosen(), (QList<int>{192, 194, 196, 198, 200}));
+        // A collection of the same number.
+        mirror.edit([&](MediaLibrary& library) { library.removeCollection(1); });
+        mirror.edit([&](MediaLibrary& library) {
+            library.insertMediaCollection(1, *std::as_const(library).findCollection(2), true);
+        });
+        QTRY_COMPARE(model.count(), 200);
+        QVERIFY(chosen().isEmpty());
+    }
+
     /// No turn of a look through many slots keeps the window waiting.
     void manySlotsAreLookedThroughInTurns()
     {
@@ -347,7 +397,7 @@ private:
     {
         QStringList numbers;
         for (int row = 0; row < model.count(); ++row)
-            numbers.append(model.index(row).data(SlotGridModel::KeyRole).toString());
+            numbers.append(model.index(row).data(SlotGridModel::SlotRole).toString());
         return numbers.join(u' ');
     }
     static void save(const MediaView& view, const QString& name)
