@@ -60,14 +60,14 @@ void ModeKeeper::giveUp()
 QString ModeKeeper::question() const
 {
     const auto value = [this](int column) { return m_model->index(0, column).data(); };
+    const auto together = [](QString text) { return text.replace(u' ', QChar::Nbsp); };
     const int seconds = m_model->confirmSeconds();
-    return tr("Output %1, which the audience sees, shows %2 at %3. %4")
+    return tr("Output %1, which the audience sees, shows %2 at %3. It goes back by itself in %4.")
         .arg(m_outputNumber)
-        .arg(sizeText(value(OutputModel::WidthColumn).toInt(), value(OutputModel::HeightColumn).toInt())
-                 .replace(u' ', QChar::Nbsp),
-             value(OutputModel::FieldFrequencyColumn).toString(),
-             seconds == 1 ? tr("It goes back by itself in 1 second.")
-                          : tr("It goes back by itself in %1 seconds.").arg(seconds));
+        .arg(together(
+                 sizeText(value(OutputModel::WidthColumn).toInt(), value(OutputModel::HeightColumn).toInt())),
+             together(value(OutputModel::FieldFrequencyColumn).toString()),
+             together(seconds == 1 ? tr("1 second") : tr("%1 seconds").arg(seconds)));
 }
 
 } // namespace vantrel

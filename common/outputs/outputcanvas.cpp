@@ -131,9 +131,13 @@ void OutputCanvas::paintEvent(QPaintEvent*)
     if (!isEnabled() || !m_notice.isEmpty())
         painter.fillRect(screen, getColor(colors::Zt_black_50));
     painter.setRenderHint(QPainter::Antialiasing);
+    // On a dark line, so that it can be seen on media of any colour.
     const auto outline = [&painter, this](const QRectF& rect, colors::ColorCode color) {
+        const QRectF line = onScreen(rect).adjusted(0.5, 0.5, -0.5, -0.5);
+        painter.setPen(QPen(getColor(colors::Zt_black_50), 3));
+        painter.drawRect(line);
         painter.setPen(QPen(getColor(color), 1, Qt::DashLine));
-        painter.drawRect(onScreen(rect).adjusted(0.5, 0.5, -0.5, -0.5));
+        painter.drawRect(line);
     };
     if (m_placement && m_placement->isCut())
         outline(m_placement->picture(), colors::Zt_white_50);

@@ -110,6 +110,7 @@ void VideoOutputConfiguration::addStatus(QFormLayout* form)
     auto* heading = new ZTLabel(tr("Status"), this);
     heading->setObjectName(QStringLiteral("StatusHeading"));
     heading->setStyleClass(QStringLiteral("section"));
+    form->addItem(new QSpacerItem(0, spacing::tight));
     form->addRow(heading);
     addValue(form, tr("Format size:"), QStringLiteral("formatSize"));
     addValue(form, tr("Field frequency:"), QStringLiteral("fieldFrequency"));

@@ -132,8 +132,22 @@ void ZTDialog::fitToContent()
     if (layout()->hasHeightForWidth())
         wanted.setHeight(std::max(layout()->totalHeightForWidth(wanted.width()), minimumHeight()));
     resize(wanted.boundedTo(screen()->availableSize() * 9 / 10));
-    if (isVisible())
-        moveOntoScreen(pos());
+    if (!isVisible())
+        return;
+    // What has grown goes upwards rather than over the status bar.
+    const int beyond = geometry().bottom() - lowestBottom().value_or(geometry().bottom());
+    moveOntoScreen(pos() - QPoint(0, std::max(0, beyond)));
+}
+
+/// Over a window its status bar stays in sight, unless there is no room for that.
+std::optional<int> ZTDialog::lowestBottom() const
+{
+    constexpr int foot = 48;
+    const QWidget* over = parentWidget() ? parentWidget()->window() : nullptr;
+    if (!over || !over->isVisible() || qobject_cast<const QDialog*>(over) ||
+        height() + foot >= over->frameGeometry().height())
+        return std::nullopt;
+    return over->frameGeometry().bottom() - foot;
 }
 
 /// As near to that place as the screen holds all of it.
@@ -165,14 +179,13 @@ void ZTDialog::showEvent(QShowEvent* event)
 
 void ZTDialog::place()
 {
-    constexpr int foot = 48; // the status bar stays in sight
     const QWidget* over = parentWidget() ? parentWidget()->window() : nullptr;
     const bool isOverSome = over && over->isVisible();
     const QRect room = isOverSome ? over->frameGeometry() : screen()->availableGeometry();
     QRect place(QPoint(), size());
     place.moveCenter(room.center());
-    if (isOverSome && !qobject_cast<const QDialog*>(over) && place.height() + foot < room.height())
-        place.moveBottom(room.bottom() - foot);
+    if (const auto lowest = lowestBottom())
+        place.moveBottom(*lowest);
     moveOntoScreen(place.topLeft());
 }
 

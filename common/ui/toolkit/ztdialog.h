@@ -2,6 +2,8 @@
 
 #include <QDialog>
 
+#include <optional>
+
 class QVBoxLayout;
 
 namespace vantrel {
@@ -62,6 +64,7 @@ protected:
 private:
     void onAccept();
     void moveOntoScreen(QPoint place);
+    std::optional<int> lowestBottom() const;
 
     ZTLabel* m_title;
     ZTLabel* m_description;

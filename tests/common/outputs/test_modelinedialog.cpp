@@ -220,7 +220,7 @@ private Q_SLOTS:
         QPointer<ConfirmationDialog> dialog = question();
         QVERIFY(dialog && dialog->isVisible());
         wait(1);
-        QVERIFY2(dialog->description().contains(QStringLiteral("in 1 second.")),
+        QVERIFY2(dialog->description().contains(QStringLiteral("in 1\u00a0second.")),
                  qPrintable(dialog->description()));
         wait(0); // the server has gone back: there is nothing to send
         QTRY_VERIFY(!dialog);

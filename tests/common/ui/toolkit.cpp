@@ -97,6 +97,28 @@ private Q_SLOTS:
         QVERIFY(!QApplication::activePopupWidget());
     }
 
+    /// It goes upwards, since the status bar below it is to stay in sight.
+    void aDialogThatGrowsLeavesTheStatusBar()
+    {
+        QWidget window;
+        window.resize(700, 600);
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        ConfirmationDialog dialog(&window);
+        auto* more = new QWidget(&dialog);
+        more->setFixedHeight(200);
+        more->hide();
+        dialog.contentLayout()->addWidget(more);
+        dialog.open();
+        const int bottom = dialog.geometry().bottom();
+        const int height = dialog.height();
+        QVERIFY(bottom < window.geometry().bottom() - 20);
+        more->show();
+        dialog.fitToContent();
+        QVERIFY(dialog.height() > height + 100);
+        QCOMPARE(dialog.geometry().bottom(), bottom);
+    }
+
     void dropdownTellsOfChoiceAndCancel_data()
     {
         QTest::addColumn<int>("key");
