@@ -104,6 +104,12 @@ private Q_SLOTS:
                               << QByteArray("{'target1':'DP-2','mode1':'clip','bg1':'#ffffff',"
                                             "'target2':'DP-1','mode2':'fit','bg2':'#000000'}")
                               << true << mapping + "/properties/target" << QByteArray("DP-2");
+        QTest::newRow("swap, the other one")
+            << QByteArray("/device/channels/0/methods/configure")
+            << QByteArray("{'target1':'DP-2','mode1':'clip','bg1':'#ffffff',"
+                          "'target2':'DP-1','mode2':'stretch','bg2':'#000000'}")
+            << true << QByteArray("/device/channels/0/mappings/1/properties/defaultScaleMode")
+            << QByteArray("stretch");
         QTest::newRow("same target") << QByteArray("/device/channels/0/methods/configure")
                                      << QByteArray("{'target1':'DP-2','mode1':'clip','bg1':'#ffffff',"
                                                    "'target2':'DP-2','mode2':'fit','bg2':'#000000'}")
