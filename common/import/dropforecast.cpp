@@ -106,7 +106,9 @@ DropForecast DropForecast::of(const SlotPayload& payload, const MediaCollectionM
 DropForecast DropForecast::of(const MediaDrop& drop, const MediaCollectionManager& manager)
 {
     DropForecast forecast;
-    if (const int count = drop.storedSlotCount(); count == 0)
+    if (const int asked = drop.askedCount(); asked > 0)
+        forecast.fault = translated("Files that the server has yet to look into: %1.").arg(asked);
+    else if (const int count = drop.storedSlotCount(); count == 0)
         forecast.fault = translated("Nothing of it is left.");
     else
         forecast.place(manager, drop.collection(), drop.startSlot(), count, drop.collectionSlots());

@@ -74,6 +74,11 @@ bool MediaDrop::isReady() const
     return d->isReady();
 }
 
+int MediaDrop::askedCount() const
+{
+    return d->askedCount();
+}
+
 QStringList MediaDrop::faults() const
 {
     return d->m_faults;

@@ -57,6 +57,9 @@ public:
     void setImageResults(const QList<images::ImagesResult>& results);
     /// Nothing is left to be read.
     bool isReady() const;
+    /// So many files are found of which nobody has told yet whether they play; nothing else is left to be
+    /// read then. 0 also before that.
+    int askedCount() const;
     QStringList faults() const;
     /// What whoever made it has left out; a sentence, plain text.
     void addFault(const QString& text);

@@ -51,6 +51,7 @@ public:
                                            PathTypes& remaining) const;
     void addMediaPaths(const QStringList& paths, FileSystem* fileSystem);
     bool addKnownMedias();
+    int askedCount() const;
     void leaveOut(const QString& path, const QString& why);
     void addFault(const QString& text);
 

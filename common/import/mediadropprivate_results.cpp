@@ -182,6 +182,11 @@ bool MediaDropPrivate::addKnownMedias()
     return m_questions.isEmpty();
 }
 
+int MediaDropPrivate::askedCount() const
+{
+    return m_queue.isEmpty() && !m_current ? static_cast<int>(m_questions.size()) : 0;
+}
+
 void MediaDropPrivate::leaveOut(const QString& path, const QString& why)
 {
     addFault(tr("\"%1\" is left out: %2").arg(shownText(getNameInPath(path)), shownText(why)));

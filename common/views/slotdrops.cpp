@@ -8,6 +8,7 @@
 #include "common/media/edit/mediacollectionmanager.h"
 #include "common/media/items/guimediaslot.h"
 #include "common/media/items/mimedata.h"
+#include "common/media/library/medialibraryprovider.h"
 #include "common/qml/dialogfactory.h"
 #include "common/qml/dropdialog.h"
 #include "common/qml/qmlmanager.h"
@@ -18,6 +19,7 @@
 #include <QMimeData>
 #include <QPointer>
 #include <QSet>
+#include <QTimer>
 #include <QWidget>
 
 #include <algorithm>
@@ -39,6 +41,7 @@ QString anotherServer()
 SlotDrops::SlotDrops(Session* session, MediaCollectionManager* manager, QWidget* window)
     : QObject(window)
     , m_manager(manager)
+    , m_library(session ? session->mediaLibraryProvider() : nullptr)
     , m_fileSystems(session ? session->fileSystemProvider() : nullptr)
     , m_window(window)
     , m_creator(session, manager)
@@ -241,6 +244,11 @@ void SlotDrops::take(MediaDrop* drop)
             finish(drop, told);
     };
     connect(drop, &MediaDrop::isReadyChanged, this, whenReady);
+    // Pictures can be looked at while the server tells of the files beside them.
+    connect(drop, &MediaDrop::lastSlotChanged, this, [this, drop, told] {
+        if (drop->askedCount() > 0 && !drop->imageResults().isEmpty())
+            finish(drop, told);
+    });
     if (drop->isReady()) {
         QMetaObject::invokeMethod(drop, whenReady, Qt::QueuedConnection);
         return;
@@ -360,6 +368,7 @@ void SlotDrops::settle(const QUrl& media, bool isSupplanted)
 void SlotDrops::finish(MediaDrop* drop, int toldLast)
 {
     disconnect(drop, &MediaDrop::isReadyChanged, this, nullptr);
+    disconnect(drop, &MediaDrop::lastSlotChanged, this, nullptr);
     m_arrivals->pending().remove(drop);
     if (!drop->imageResults().isEmpty())
         return review(drop);
@@ -385,9 +394,16 @@ void SlotDrops::finish(MediaDrop* drop, int toldLast)
     dialog->setAcceptClass(QStringLiteral("red"));
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     const QPointer<MediaDrop> kept(drop);
-    connect(dialog, &ZTDialog::confirmed, this, [this, kept] {
-        if (kept)
+    connect(dialog, &ZTDialog::confirmed, this, [this, kept, first, names, count, toldLast] {
+        if (!kept)
+            return;
+        QStringList present;
+        const int goes = overwrittenSlots(*m_manager, kept->collection(), first, kept->lastSlot(),
+                                          kept->collectionSlots(), present);
+        if (goes == count && present == names)
             save(kept);
+        else
+            finish(kept, toldLast); // others have put something there meanwhile
     });
     connect(dialog, &QDialog::rejected, this, [kept] {
         if (kept)
@@ -405,9 +421,16 @@ void SlotDrops::review(MediaDrop* drop)
         QMLManager::instance()->dialogs()->openDropDialog(drop, !m_attention.hasExpired());
     const auto tellWhere = [this, drop, dialog] { dialog->setForecast(DropForecast::of(*drop, *m_manager)); };
     tellWhere();
-    connect(drop, &MediaDrop::lastSlotChanged, dialog, tellWhere);
+    connect(drop, &MediaDrop::isReadyChanged, dialog, tellWhere);
+    QTimer* const pace = followLibrary(drop, dialog);
+    connect(drop, &MediaDrop::lastSlotChanged, dialog, [drop, tellWhere, pace] {
+        if (drop->isReady())
+            tellWhere();
+        else if (!pace->isActive())
+            pace->start();
+    });
     connect(dialog, &ZTDialog::confirmed, this, [this, drop = QPointer(drop), dialog, tellWhere] {
-        if (!drop)
+        if (!drop || !m_unread.hasExpired())
             return;
         // What others have put there since is shown before it goes.
         if (dialog->forecast() == DropForecast::of(*drop, *m_manager))
@@ -415,10 +438,43 @@ void SlotDrops::review(MediaDrop* drop)
         else
             tellWhere();
     });
-    connect(dialog, &QDialog::rejected, this, [drop = QPointer(drop)] {
-        if (drop)
+    connect(dialog, &QDialog::rejected, this, [this, drop = QPointer(drop)] {
+        if (drop && drop->isReady()) {
             drop->cancel();
+        } else if (drop) {
+            drop->disconnect(this);
+            m_handler.giveUp(drop);
+        }
     });
+}
+
+/// The dialog says what goes as it is now, however long it stands. What has only just changed is not taken
+/// for read. Gives the timer by which it is told at most ten times a second.
+QTimer* SlotDrops::followLibrary(MediaDrop* drop, DropDialog* dialog)
+{
+    auto* const pace = new QTimer(dialog);
+    pace->setSingleShot(true);
+    pace->setInterval(100ms);
+    connect(pace, &QTimer::timeout, this, [this, drop = QPointer(drop), dialog] {
+        const DropForecast now = drop ? DropForecast::of(*drop, *m_manager) : dialog->forecast();
+        if (now == dialog->forecast())
+            return;
+        if (now.overwritten > 0)
+            m_unread.setRemainingTime(1s);
+        dialog->setForecast(now);
+    });
+    const auto noteChange = [pace] {
+        if (!pace->isActive())
+            pace->start();
+    };
+    if (m_library) {
+        connect(m_library, &AbstractMediaLibraryProvider::reset, pace, noteChange);
+        connect(m_library, &AbstractMediaLibraryProvider::collectionRemoved, pace, noteChange);
+        connect(m_library, &AbstractMediaLibraryProvider::slotAdded, pace, noteChange);
+        connect(m_library, &AbstractMediaLibraryProvider::slotChanged, pace, noteChange);
+        connect(m_library, &AbstractMediaLibraryProvider::slotRemoved, pace, noteChange);
+    }
+    return pace;
 }
 
 void SlotDrops::save(MediaDrop* drop)

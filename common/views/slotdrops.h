@@ -12,10 +12,13 @@
 #include <functional>
 
 class QMimeData;
+class QTimer;
 class QWidget;
 
 namespace vantrel {
 
+class AbstractMediaLibraryProvider;
+class DropDialog;
 class FileSystem;
 class FileSystemProvider;
 class MediaCollectionManager;
@@ -106,6 +109,7 @@ private:
     void giveUp(MediaDrop* drop);
     void finish(MediaDrop* drop, int toldLast);
     void review(MediaDrop* drop);
+    QTimer* followLibrary(MediaDrop* drop, DropDialog* dialog);
     void follow(MediaDrop* drop);
     void send(const MediaDrop& drop);
     void leaveOutWhatIsGone(MediaDrop* drop) const;
@@ -116,7 +120,8 @@ private:
     void refuse(const QString& why) const;
 
     MediaCollectionManager* m_manager;
-    FileSystemProvider* m_fileSystems; // null for none
+    AbstractMediaLibraryProvider* m_library; // null for none
+    FileSystemProvider* m_fileSystems;       // null for none
     QWidget* m_window;
     ImageSequenceCreator m_creator;
     MediaSlotDropHandler m_handler;
@@ -132,7 +137,8 @@ private:
     QPair<int, int> m_room{-1, -1}; // the last answer of roomFrom()
     MediaArrivals::Plan m_plan;     // of the drop that is made now, where its files have yet to arrive
     QDeadlineTimer m_attention;     // for which the operator looks at what becomes of the last drop
-    int m_toldLast = -1;            // up to which the operator has seen what a drop overwrites
+    QDeadlineTimer m_unread{0}; // what a drop overwrites has changed just now, and nobody can have read it
+    int m_toldLast = -1;        // up to which the operator has seen what a drop overwrites
 };
 
 } // namespace vantrel

@@ -1,4 +1,5 @@
 #include "common/filesystem/operations/asyncfilesystemreader.h"
+#include "common/import/dropforecast.h"
 #include "common/import/imagesequencecreator.h"
 #include "common/import/mediadrop.h"
 #include "common/import/mediaquestions.h"
@@ -87,13 +88,16 @@ private Q_SLOTS:
         drop->requestAsynchronously({QStringLiteral("/in/"), FileSystem::Directory}, m_files.get());
         QCOMPARE(drop->lastSlot(), 20);
         QVERIFY(!drop->isReady());
-        QTRY_COMPARE(drop->imageResults().size(), 3);
+        QTRY_COMPARE(drop->imageResults().size(), 3); // which can be looked at while the rest is asked for
+        QCOMPARE(drop->askedCount(), 3);
+        QVERIFY(!DropForecast::of(*drop, m_collections).isPossible());
         drop->save(); // it waits for what the server has to tell of a.mov
         drop->cancel();
         QVERIFY(!drop->isReady() && m_collections.done.isEmpty());
         QCOMPARE(drop->lastSlot(), 25);
         m_files->late.clear();
         waitFor(*drop);
+        QCOMPARE(drop->askedCount(), 0);
 
         QCOMPARE(found.size(), 1);
         const ImagesResult sequence = drop->imageResults().constFirst();

@@ -121,6 +121,24 @@ private Q_SLOTS:
         QTRY_VERIFY(!hand.slot(3) && !hand.slot(5));
     }
 
+    /// What is asked is asked of the library as it is, however long the question stands.
+    void tellsWhatOthersPutThere()
+    {
+        DroppingHand hand;
+        QVERIFY(hand.isReady());
+        hand.makePicture(QStringLiteral("logo.png"));
+        QVERIFY(hand.drop({QStringLiteral("logo.png")}, 3));
+        QTRY_VERIFY(hand.reviewed());
+        QCOMPARE(hand.reviewed()->acceptButton()->text(), QStringLiteral("ADD"));
+        GuiMediaSlot other;
+        other.setName(QStringLiteral("Walk-in"));
+        other.setContentUrl(QUrl(QStringLiteral("file:///walk-in.mov")));
+        hand.live.manager.addMedias(LiveSession::collection, 3, {other});
+        QTRY_COMPARE(hand.reviewed()->acceptButton()->text(), QStringLiteral("OVERWRITE"));
+        QVERIFY(hand.reviewed()->description().contains(QStringLiteral("3 Walk-in")));
+        hand.reviewed()->reject();
+    }
+
     /// Folders come behind what was stored of the files beside them, one behind the other, in one step.
     void bringsFoldersTogether()
     {
