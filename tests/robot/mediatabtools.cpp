@@ -23,6 +23,7 @@ private Q_SLOTS:
     void filtersLeaveOut();
     void slotsGoToPlaylists();
     void keysDoItAll();
+    void slotsAreDroppedOnTheFreePlace();
     void endsCleanly();
 
 private:
@@ -162,6 +163,24 @@ void MediaTabTools::keysDoItAll()
     m_robot.key(QStringLiteral("Return")); // cues
     QTRY_COMPARE(m_robot.text(QStringLiteral("Preview-PlaybackWidget-Header-MediaLocation")),
                  QStringLiteral("1-1:"));
+}
+
+/// The first free place shows itself.
+void MediaTabTools::slotsAreDroppedOnTheFreePlace()
+{
+    const QString place = QStringLiteral("media-slots-place");
+    QTRY_VERIFY(m_robot.text(place).startsWith(QStringLiteral("5 ")));
+    QVERIFY(m_robot.click(QStringLiteral("media-slot1")));
+    QVERIFY(m_robot.mouseAt(QStringLiteral("drag_start"), QStringLiteral("media-slot1"), 0.3));
+    for (const double share : {0.3, 0.4})
+        QVERIFY(m_robot.mouseAt(QStringLiteral("drag_move"), place, share));
+    QVERIFY(m_robot.mouseAt(QStringLiteral("drag_end"), place, 0.4));
+    QTRY_VERIFY(!m_server.slot(1, 5).isEmpty());
+    QTRY_VERIFY(m_robot.text(place).startsWith(QStringLiteral("6 ")));
+    QTRY_COMPARE(played(), (QStringList{QStringLiteral("5"), QStringLiteral("2")}));
+    m_robot.key(QStringLiteral("CtrlZ"));
+    QTRY_VERIFY(m_server.slot(1, 5).isEmpty());
+    QTRY_COMPARE(played(), (QStringList{QStringLiteral("1"), QStringLiteral("2")}));
 }
 
 void MediaTabTools::endsCleanly()
