@@ -135,6 +135,7 @@ void MediaView::followPlaylists()
     connect(playlists, &AbstractPlaylistProvider::entryAdded, m_panes, &CollectionPanes::refreshUse);
     connect(playlists, &AbstractPlaylistProvider::entryChanged, m_panes, &CollectionPanes::refreshUse);
     connect(playlists, &AbstractPlaylistProvider::entryRemoved, m_panes, &CollectionPanes::refreshUse);
+    connect(playlists, &AbstractPlaylistProvider::playlistAdded, m_panes, &CollectionPanes::refreshUse);
     connect(playlists, &AbstractPlaylistProvider::playlistRemoved, m_panes, &CollectionPanes::refreshUse);
 }
 

@@ -165,6 +165,12 @@ int SlotGridModel::slotAt(int row) const
     return row >= 0 && row < count() ? m_rows[static_cast<std::size_t>(row)] : -1;
 }
 
+int SlotGridModel::numberBehind() const
+{
+    const int number = m_rows.empty() ? 1 : m_rows.back() + 1;
+    return number <= MediaCollection::slotIndexMax ? number : -1;
+}
+
 QList<int> SlotGridModel::slotsAt(const QList<int>& rows) const
 {
     QList<int> numbers;

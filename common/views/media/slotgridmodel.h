@@ -23,6 +23,8 @@ class SlotGridModel : public QAbstractListModel
     Q_PROPERTY(int count READ count NOTIFY countChanged)
     /// How many slots of the collection hold media.
     Q_PROPERTY(int total READ total NOTIFY countChanged)
+    /// The first number behind all that are shown; -1 where that is none.
+    Q_PROPERTY(int numberBehind READ numberBehind NOTIFY countChanged)
     Q_PROPERTY(int collection READ collection WRITE setCollection NOTIFY collectionChanged)
     /// Whether the library has the collection, and its name.
     Q_PROPERTY(bool isThere READ isThere NOTIFY nameChanged)
@@ -61,6 +63,7 @@ public:
 
     int count() const { return static_cast<int>(m_rows.size()); }
     int total() const { return m_total; }
+    int numberBehind() const;
     int collection() const { return m_collection; }
     void setCollection(int collection);
     bool isThere() const;

@@ -47,6 +47,7 @@ private Q_SLOTS:
         const QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::Fatal);
         model.setCollection(1);
         QTRY_COMPARE(shown(model), QStringLiteral("1 2 3 4 5 6"));
+        QCOMPARE(model.numberBehind(), 7);
         const QPersistentModelIndex last = model.index(5);
         mirror.edit([](MediaLibrary& library) {
             library.getCollection(1)->removeMediaSlot(2);
@@ -134,6 +135,7 @@ private Q_SLOTS:
         qInfo("all slots stand after %lld ms, the longest turn took %lld ms",
               static_cast<long long>(whole.elapsed()), static_cast<long long>(longest));
         QCOMPARE(model.count(), MediaCollection::slotIndexMax);
+        QCOMPARE(model.numberBehind(), -1);
         QVERIFY(longest < 16 * slowness);
     }
 

@@ -135,6 +135,29 @@ FocusScope {
         cacheBuffer: cellHeight // each slot that is not in view is a picture all the same
         model: pane.slotModel
         delegate: SlotItem { pane: grid.parent }
+        footer: Item {
+            // Where what is dropped behind all others lands.
+            objectName: pane.objectName + "-place"
+            readonly property alias text: place.text // for who asks what it shows
+            width: grid.width
+            height: visible ? Theme.rowHeight + 2 * Theme.normal : 0
+            visible: slotModel.count > 0 && !pane.isFiltered && mediaActions.isEditable && slotModel.numberBehind > 0
+
+            Rectangle {
+                anchors { fill: parent; margins: Theme.tight; rightMargin: fontSizes.bar + Theme.tight }
+                color: "transparent"
+                radius: Theme.radius
+                border.width: 1
+                border.color: Theme.line
+            }
+            ZTLabel {
+                id: place
+
+                anchors { fill: parent; leftMargin: Theme.loose; rightMargin: fontSizes.bar + Theme.loose }
+                text: qsTr("%1  Drop files, folders or slots here").arg(slotModel.numberBehind)
+                color: Theme.faint
+            }
+        }
         Accessible.role: Accessible.List
         Accessible.name: qsTr("Slots")
         onActiveFocusChanged: if (activeFocus && selection.currentRow < 0 && count > 0) selection.moveTo(0)

@@ -44,6 +44,7 @@ ZTFrame {
         ZTLabel {
             anchors { left: icon.right; right: toolRow.left; verticalCenter: parent.verticalCenter }
             anchors { leftMargin: Theme.normal; rightMargin: Theme.normal }
+            objectName: frame.objectName + "-title"
             text: frame.title
             color: Theme.strong
             font.weight: Font.DemiBold
