@@ -119,15 +119,15 @@ bool Server::start(std::string* error)
     m_autoStart->begin();
     m_teller = std::make_unique<EventTeller>(
         m_io, [this](const EventTeller::Message& message) { m_http->broadcastStream(message); });
-    m_store->addLibraryListener([this](const ShowStore::Difference& difference) {
-        m_engine->libraryChanged();
+    m_store->addLibraryListener([this](const ShowStore::Difference& difference, bool isAnotherShow) {
+        m_engine->libraryChanged(isAnotherShow);
         m_teller->tell(difference, m_store->libraryRevision());
     });
     m_prober = std::make_unique<SlotProber>(m_io, m_options.media, *m_store);
     watchMedia();
     m_prober->probeAll(); // what the first start had no time for, and what came and went meanwhile
     m_store->addLibraryListener(
-        [this](const ShowStore::Difference& difference) { m_prober->probeEdited(difference); });
+        [this](const ShowStore::Difference& difference, bool) { m_prober->probeEdited(difference); });
     return true;
 }
 

@@ -120,9 +120,12 @@ public:
         publish(); // also puts right what a client may not write
     }
 
-    void libraryChanged()
+    void libraryChanged(bool isAnotherShow)
     {
-        m_source.noteEdit();
+        if (isAnotherShow)
+            m_source.noteAnotherShow();
+        else
+            m_source.noteEdit();
         for (const std::unique_ptr<Channel>& channel : m_channels) {
             channel->preview().libraryChanged();
             channel->program().libraryChanged();
@@ -281,9 +284,9 @@ void Engine::propertyWritten(Object* object, const PropertyInfo* property)
     m_impl->propertyWritten(object, property);
 }
 
-void Engine::libraryChanged()
+void Engine::libraryChanged(bool isAnotherShow)
 {
-    m_impl->libraryChanged();
+    m_impl->libraryChanged(isAnotherShow);
 }
 
 } // namespace vantrel::ombra

@@ -71,8 +71,9 @@ public:
     void propertyWritten(Object* object, const PropertyInfo* property);
 
     /// The library changed: players take over new in and out points, end actions and durations, and follow
-    /// what was moved. What is on air plays on when the library has it no more; preview loses it.
-    void libraryChanged();
+    /// what was moved, but not in the library of another show: nothing in that was moved from this one. What
+    /// is on air plays on when the library has it no more; preview loses it.
+    void libraryChanged(bool isAnotherShow = false);
 
 private:
     class Impl;

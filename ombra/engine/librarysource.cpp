@@ -1,5 +1,6 @@
 #include "ombra/engine/librarysource.h"
 
+#include "ombra/base/asidethread.h"
 #include "tarn/media/medialibrary.h"
 #include "tarn/media/mediasourceparser.h"
 #include "tarn/media/playenums.h"
@@ -129,8 +130,14 @@ std::string whereaboutsOf(const MediaSourceParser& source, std::string_view url,
 
 void LibrarySource::noteEdit()
 {
-    m_before = m_now;
+    replaceAside(m_before, m_now);
     m_now = m_library;
+}
+
+void LibrarySource::noteAnotherShow()
+{
+    noteEdit();
+    replaceAside(m_before, m_now);
 }
 
 std::optional<MediaItem> LibrarySource::resolve(std::string_view url) const

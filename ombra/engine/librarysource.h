@@ -19,6 +19,8 @@ public:
 
     /// The library was edited: what whereabouts() compares from now on.
     void noteEdit();
+    /// It is that of another show: nothing in it was moved there from somewhere.
+    void noteAnotherShow();
 
     std::optional<MediaItem> resolve(std::string_view url) const override;
     std::string neighbour(std::string_view url, int direction) const override;

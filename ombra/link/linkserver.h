@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ombra/base/asidethread.h"
 #include "ombra/base/listener.h"
 #include "ombra/link/linkclient.h"
 #include "tarn/scene/scene.h"
@@ -7,7 +8,6 @@
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/ip/tcp.hpp>
 #include <boost/asio/steady_timer.hpp>
-#include <boost/asio/thread_pool.hpp>
 
 #include <functional>
 #include <memory>
@@ -71,7 +71,7 @@ private:
     bool m_flushPosted = false;
     std::shared_ptr<int> m_alive = std::make_shared<int>(0);
     Scene::ChangeCallback m_callback;
-    boost::asio::thread_pool m_reader{1}; // parses what is large
+    AsideThread m_reader; // parses what is large
 };
 
 } // namespace vantrel::ombra

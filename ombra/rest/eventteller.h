@@ -1,9 +1,9 @@
 #pragma once
 
+#include "ombra/base/asidethread.h"
 #include "tarn/json/patch.h"
 
 #include <boost/asio/io_context.hpp>
-#include <boost/asio/thread_pool.hpp>
 
 #include <cstdint>
 #include <functional>
@@ -32,7 +32,7 @@ private:
     std::size_t m_waiting = 0; // messages that are being written
     std::shared_ptr<int> m_alive =
         std::make_shared<int>(0); // what comes back from the thread holds it weakly
-    boost::asio::thread_pool m_writer{1};
+    AsideThread m_writer;
 };
 
 } // namespace vantrel::ombra

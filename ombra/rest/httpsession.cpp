@@ -1,5 +1,6 @@
 #include "ombra/rest/httpsession.h"
 
+#include "ombra/base/asidethread.h"
 #include "ombra/rest/headerqueue.h"
 #include "ombra/rest/websocketsession.h"
 #include "tarn/log/log.h"
@@ -39,6 +40,14 @@ std::string onlyField(const http::request<http::string_body>& request, http::fie
     for (auto field = begin; field != end; ++field)
         text += (text.empty() ? "" : ", ") + std::string(field->value());
     return text;
+}
+
+/// With a text of many megabytes the memory around it is put in order, which takes its time.
+void letGoOfText(std::shared_ptr<const std::string> text)
+{
+    constexpr std::size_t large = 1024 * 1024;
+    if (text && text->size() > large)
+        letGo(std::move(text));
 }
 
 class HttpSession : public Subscriber, public std::enable_shared_from_this<HttpSession>
@@ -294,7 +303,7 @@ void HttpSession::answer(HttpReply reply)
 void HttpSession::written(beast::error_code code, bool keepAlive)
 {
     m_reply.reset();
-    m_replyBody.reset();
+    letGoOfText(std::move(m_replyBody));
     m_bodyRoom.reset();
     if (code)
         return close();
@@ -360,6 +369,7 @@ void HttpSession::writeStream()
                                  if (code)
                                      return self->close();
                                  self->m_waitingBytes -= self->m_waiting.front()->size();
+                                 letGoOfText(std::move(self->m_waiting.front()));
                                  self->m_waiting.pop_front();
                                  if (!self->m_waiting.empty() && !self->m_closing)
                                      self->writeStream();

@@ -167,8 +167,8 @@ void RestApi::getLibrary(const Request&, const HttpAnswer& answer)
     const auto write = [json] { return std::make_shared<const std::string>(json.toString()); };
     aside(m_store.librarySize(), write,
           [this, json, tag, answer](const std::shared_ptr<const std::string>& text) {
-              m_libraryJson = json;
-              m_libraryText = text;
+              replaceAside(m_libraryJson, json);
+              replaceAside(m_libraryText, text);
               answer({.body = {}, .etag = tag, .sharedBody = text});
           });
 }

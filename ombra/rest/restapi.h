@@ -1,12 +1,12 @@
 #pragma once
 
+#include "ombra/base/asidethread.h"
 #include "ombra/rest/http.h"
 #include "ombra/rest/repeatededits.h"
 #include "tarn/json/json.h"
 
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/post.hpp>
-#include <boost/asio/thread_pool.hpp>
 
 #include <cstddef>
 #include <functional>
@@ -82,8 +82,8 @@ private:
     std::shared_ptr<const std::string> m_libraryText;
     boost::asio::io_context& m_io;
     std::shared_ptr<int> m_alive =
-        std::make_shared<int>(0);         // what comes back from the thread holds it weakly
-    boost::asio::thread_pool m_reader{1}; // reads and writes large texts
+        std::make_shared<int>(0); // what comes back from the thread holds it weakly
+    AsideThread m_reader;         // reads and writes large texts
 };
 
 template <typename Read, typename Then>

@@ -1,5 +1,6 @@
 #include "ombra/show/currentshow.h"
 
+#include "ombra/base/asidethread.h"
 #include "ombra/show/scenesettings.h"
 #include "ombra/show/showdifference.h"
 #include "ombra/show/showstore.h"
@@ -20,14 +21,14 @@ CurrentShow::CurrentShow(boost::asio::io_context& io, Scene& scene, ShowStore& s
     if (m_name.empty())
         m_name = unnamed;
     write("showName", Variant::from(m_name));
-    m_store.addLibraryListener([this](const ShowStore::Difference&) { touch(); });
+    m_store.addLibraryListener([this](const ShowStore::Difference&, bool) { touch(); });
     m_store.setSettingsListener([this] { touch(); });
 }
 
 void CurrentShow::setSaved(const std::string& name, const Json& library, const Json& settings)
 {
     m_name = name;
-    m_savedLibrary = library;
+    replaceAside(m_savedLibrary, library);
     m_savedSettings = settings;
     write("showName", Variant::from(m_name));
     compare();

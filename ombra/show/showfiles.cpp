@@ -204,7 +204,7 @@ void ShowFiles::keepCopy(const std::string& before, std::function<void(const std
                   tries](const std::string& why) mutable {
         if (!why.empty())
             return then("No copy of the present show could be kept first: " + why + ". Nothing was changed.");
-        m_keptLibrary = library;
+        replaceAside(m_keptLibrary, library);
         m_keptSettings = settings;
         // Somebody may have edited meanwhile.
         if (tries > 1 && !m_parts.store.latestLibrary().toJson().sameNode(library))
@@ -235,7 +235,7 @@ void ShowFiles::replace(const SharedChange& change, const std::vector<std::strin
                                          m_parts.settings.current());
             tell({}); // what it said of the show before
             finish(change->done, {200, {}, missing});
-            letGo(change);
+            letGoLater(change);
         };
         put(change->sections.contains("medialibrary") ? std::optional(change->file->library) : std::nullopt,
             saved, replaced);
@@ -249,31 +249,28 @@ void ShowFiles::put(const std::optional<MediaLibrary>& library, const Json& sett
 {
     const auto work = [library, settings, present = m_parts.store.latestLibrary(),
                        saved = m_parts.current.savedLibrary()] {
-        return std::make_shared<const ShowEdit>(present, library ? *library : present, saved, settings);
+        return std::make_shared<ShowEdit>(present, library ? *library : present, saved, settings);
     };
-    const auto take = [this, answer](const std::shared_ptr<const ShowEdit>& edit) {
+    const auto take = [this, answer](const std::shared_ptr<ShowEdit>& edit) {
         return m_parts.store.replaceShow(*edit, [this, edit, answer](const EditResult& result) {
             answer(result);
-            letGo(edit);
+            letGoLater(edit);
         });
     };
     if (tries == 0) {
         take(work());
         return;
     }
-    aside(work, [this, library, settings, answer, take, tries](const std::shared_ptr<const ShowEdit>& edit) {
+    aside(work, [this, library, settings, answer, take, tries](const std::shared_ptr<ShowEdit>& edit) {
         if (!take(edit))
             put(library, settings, answer, tries - 1);
     });
 }
 
-/// To free a large library takes time as well: on the disk's thread, once nobody here holds it any more.
-void ShowFiles::letGo(std::shared_ptr<const void> library)
+/// Once nobody here holds it any more.
+void ShowFiles::letGoLater(std::shared_ptr<const void> library)
 {
-    boost::asio::post(m_io, [this, alive = std::weak_ptr(m_alive), library = std::move(library)]() mutable {
-        if (!alive.expired())
-            boost::asio::post(m_disk, [library = std::move(library)] {});
-    });
+    boost::asio::post(m_io, [library = std::move(library)]() mutable { letGo(std::move(library)); });
 }
 
 bool ShowFiles::invoke(const std::string& method, const Json& args, std::string* error)

@@ -1,12 +1,12 @@
 #pragma once
 
+#include "ombra/base/asidethread.h"
 #include "ombra/show/showfile.h"
 #include "ombra/show/showfolder.h"
 #include "ombra/show/showstore.h"
 
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/steady_timer.hpp>
-#include <boost/asio/thread_pool.hpp>
 
 #include <deque>
 #include <filesystem>
@@ -111,7 +111,7 @@ private:
     void replace(const SharedChange& change, const std::vector<std::string>& missing);
     void put(const std::optional<MediaLibrary>& library, const Json& settings,
              const ShowStore::Answer& answer, int tries = 3);
-    void letGo(std::shared_ptr<const void> library);
+    void letGoLater(std::shared_ptr<const void> library);
     void takeSaved(const std::string& name, const Json& instead, const char* failure, Done done);
     Done telling(const std::string& what) const;
     void clear(const Done& done);
@@ -131,7 +131,7 @@ private:
     boost::asio::steady_timer m_hour;
     std::shared_ptr<int> m_alive =
         std::make_shared<int>(0); // what comes back from the thread holds it weakly
-    boost::asio::thread_pool m_disk{1};
+    AsideThread m_disk;
 };
 
 } // namespace vantrel::ombra

@@ -107,7 +107,7 @@ void ShowStore::patchLibrary(const Patch& patch, Answer answer)
     Patch difference;
     Patch::diff(before, m_latest.toJson(), difference);
     saveLatest(
-        encodeJournalLine(journalEntry(patch, {})), std::make_shared<const Patch>(std::move(difference)),
+        {encodeJournalLine(journalEntry(patch, {})), std::make_shared<const Patch>(std::move(difference))},
         [] {}, std::move(answer));
 }
 
@@ -118,7 +118,7 @@ void ShowStore::replaceLibrary(const MediaLibrary& library, Answer answer)
     patchLibrary(patch, std::move(answer));
 }
 
-bool ShowStore::replaceShow(const ShowEdit& show, Answer answer)
+bool ShowStore::replaceShow(ShowEdit& show, Answer answer)
 {
     if (!show.before.toJson().sameNode(m_latest.toJson()))
         return false;
@@ -131,20 +131,20 @@ bool ShowStore::replaceShow(const ShowEdit& show, Answer answer)
     flushSettings(); // what was set before comes before
     const Json old = setSettings(show.settings);
     saveLatest(
-        show.line, show.difference, [this, old] { setSettings(old); }, std::move(answer));
+        {std::move(show.line), show.difference, true}, [this, old] { setSettings(old); }, std::move(answer));
     return true;
 }
 
 /// Writes down what m_latest has become; undo: of what else was changed, where that is not to be had.
-void ShowStore::saveLatest(std::string line, const Difference& difference, std::function<void()> undo,
-                           Answer answer)
+void ShowStore::saveLatest(Edit edit, std::function<void()> undo, Answer answer)
 {
-    m_latestRevision += difference->empty() ? 0 : 1;
+    m_latestRevision += edit.difference->empty() ? 0 : 1;
     auto after = std::make_shared<MediaLibrary>(m_latest);
+    std::string line = std::exchange(edit.line, {});
     save(std::move(line),
-         [this, difference, after, undo = std::move(undo), revision = m_latestRevision, bytes = m_latestBytes,
-          answer = std::move(answer)](bool ok, const std::string& error) {
-             ok ? librarySaved(difference, *after, revision, bytes) : undo();
+         [this, edit = std::move(edit), after, undo = std::move(undo), revision = m_latestRevision,
+          bytes = m_latestBytes, answer = std::move(answer)](bool ok, const std::string& error) {
+             ok ? librarySaved(edit, *after, revision, bytes) : undo();
              answer({ok ? EditResult::Status::Saved : EditResult::Status::NotSaved, error, revision});
          });
 }
@@ -255,16 +255,16 @@ void ShowStore::setTrouble(const std::string& why)
     });
 }
 
-void ShowStore::librarySaved(const Difference& difference, const MediaLibrary& after, std::uint64_t revision,
+void ShowStore::librarySaved(const Edit& edit, const MediaLibrary& after, std::uint64_t revision,
                              std::size_t bytes)
 {
     *m_library = after;
     m_libraryBytes = bytes;
-    if (difference->empty())
+    if (edit.difference->empty())
         return;
     m_revision = revision;
     for (const LibraryListener& listener : m_listeners)
-        listener(difference);
+        listener(edit.difference, edit.isAnotherShow);
 }
 
 void ShowStore::goBack(std::uint64_t epoch)

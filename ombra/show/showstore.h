@@ -34,7 +34,7 @@ class ShowStore
 public:
     using Answer = std::function<void(const EditResult&)>;
     using Difference = std::shared_ptr<const Patch>;
-    using LibraryListener = std::function<void(const Difference&)>;
+    using LibraryListener = std::function<void(const Difference&, bool isAnotherShow)>;
 
     ShowStore(boost::asio::io_context& io, std::filesystem::path stateFolder);
     /// Saves what was accepted; no answer is called any more.
@@ -66,12 +66,13 @@ public:
     void replaceLibrary(const MediaLibrary& library, Answer answer);
     /// Library and settings by one edit: both are saved, or neither. Settings that are not named stay. False,
     /// and no answer comes, where the library has been edited since the edit was made: make it anew.
-    bool replaceShow(const ShowEdit& show, Answer answer);
+    bool replaceShow(ShowEdit& show, Answer answer);
     void changeSetting(const std::string& path, const Json& value);
 
-    /// Called after each saved edit of the library that changed something, with what is different now:
-    /// additions, removals and replacements of no more than that, however the edit was put. Who mirrors the
-    /// library need not know what it means to move a slot or to replace all collections.
+    /// Called after each saved edit of the library that changed something, with what is different now, and
+    /// whether it is another show's: additions, removals and replacements of no more than that, however the
+    /// edit was put. Who mirrors the library need not know what it means to move a slot or to replace all
+    /// collections.
     void addLibraryListener(LibraryListener listener) { m_listeners.push_back(std::move(listener)); }
 
     /// Called after each change of a setting, saved or not.
@@ -92,12 +93,16 @@ private:
 
     EditResult accept(const Patch& patch);
     bool isTooLarge(std::size_t bytes) const;
-    void saveLatest(std::string line, const Difference& difference, std::function<void()> undo,
-                    Answer answer);
+    struct Edit
+    {
+        std::string line; // of the journal
+        Difference difference;
+        bool isAnotherShow = false;
+    };
+    void saveLatest(Edit edit, std::function<void()> undo, Answer answer);
     Json setSettings(const Json& settings);
     void save(std::string line, std::function<void(bool, const std::string&)> done);
-    void librarySaved(const Difference& difference, const MediaLibrary& after, std::uint64_t revision,
-                      std::size_t bytes);
+    void librarySaved(const Edit& edit, const MediaLibrary& after, std::uint64_t revision, std::size_t bytes);
     void goBack(std::uint64_t epoch);
     void flushSettings();
     void submitSettings();

@@ -1,10 +1,10 @@
 #pragma once
 
+#include "ombra/base/asidethread.h"
 #include "ombra/show/slotfacts.h"
 #include "tarn/media/medialibrary.h"
 
 #include <boost/asio/io_context.hpp>
-#include <boost/asio/thread_pool.hpp>
 
 #include <atomic>
 #include <chrono>
@@ -83,7 +83,7 @@ private:
     std::unordered_map<std::string, Remembered> m_remembered; // by content URL
     std::vector<Finding> m_findings;
     std::chrono::steady_clock::time_point m_handedIn;
-    boost::asio::thread_pool m_worker{1};
+    AsideThread m_worker;
 };
 
 } // namespace vantrel::ombra

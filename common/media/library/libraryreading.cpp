@@ -7,7 +7,32 @@
 
 #include <string>
 
+#ifdef Q_OS_LINUX
+#include <sys/resource.h>
+#include <unistd.h>
+#endif
+
 namespace vantrel {
+
+namespace {
+
+/// Of its own, since its threads give way to all others: to the window, and to a server on the same machine.
+QThreadPool& asidePool()
+{
+    static QThreadPool pool;
+    return pool;
+}
+
+/// The thread of this pool that calls it. Qt's own priorities mean nothing here.
+void giveWay()
+{
+#ifdef Q_OS_LINUX
+    constexpr int niceness = 10;
+    ::setpriority(PRIO_PROCESS, static_cast<id_t>(::gettid()), niceness);
+#endif
+}
+
+} // namespace
 
 LibraryReading LibraryReading::read(const QByteArray& body)
 {
@@ -32,7 +57,10 @@ LibraryReading LibraryReading::read(const QByteArray& body)
 
 QFuture<LibraryReading> LibraryReading::start(const QByteArrayList& pieces)
 {
-    return QtConcurrent::run([pieces] { return read(pieces.join()); });
+    return QtConcurrent::run(&asidePool(), [pieces] {
+        giveWay();
+        return read(pieces.join());
+    });
 }
 
 LibraryReading::Remains::Remains(const MediaLibrary& library)
@@ -42,12 +70,7 @@ LibraryReading::Remains::Remains(const MediaLibrary& library)
 
 LibraryReading::Remains::~Remains()
 {
-    std::size_t held = 0;
-    for (const auto& [index, collection] : m_library->getCollections())
-        held += collection.getSlots().size();
-    constexpr std::size_t few = 1000;
-    if (held > few)
-        QThreadPool::globalInstance()->start([library = std::move(m_library)] {});
+    asidePool().start([library = std::move(m_library)] { giveWay(); });
 }
 
 } // namespace vantrel

@@ -17,6 +17,12 @@
 
 namespace vantrel {
 
+namespace {
+
+constexpr std::size_t few = 500; // entries that are read in no time
+
+} // namespace
+
 struct PlaylistProvider::Coming
 {
     explicit Coming(const PlaylistMap& all)
@@ -96,14 +102,27 @@ void PlaylistProvider::onReset()
     m_late.clear();
     m_news.clear();
     m_coming = std::make_shared<Coming>(m_library->getPlaylists());
-    proceed(false);
+    std::size_t entries = 0;
+    for (const auto& [number, playlist] : m_coming->records)
+        entries += playlist.getEntries().size();
+    if (entries > few) // others have work in this turn as well
+        proceedSoon();
+    else
+        proceed(false);
+}
+
+void PlaylistProvider::proceedSoon()
+{
+    QTimer::singleShot(0, this, [this, coming = std::weak_ptr(m_coming)] {
+        if (m_coming && m_coming == coming.lock())
+            proceed(false);
+    });
 }
 
 /// Some of the lists that are coming, for a part of a picture's time.
 void PlaylistProvider::proceed(bool toTheEnd)
 {
     constexpr qint64 inOneTurn = 4; // milliseconds
-    constexpr std::size_t few = 500;
     std::size_t entries = 0;
     QElapsedTimer clock;
     clock.start();
@@ -123,10 +142,7 @@ void PlaylistProvider::proceed(bool toTheEnd)
     }
     m_playlists.swap(m_coming->playlists);
     std::swap(m_entries, m_coming->entries);
-    QTimer::singleShot(0, this, [this, coming = std::weak_ptr(m_coming)] {
-        if (m_coming && m_coming == coming.lock())
-            proceed(false);
-    });
+    proceedSoon();
 }
 
 /// News of the library are about the lists that are coming.

@@ -70,6 +70,7 @@ private:
 
     void announce(EntrySignal signal, uint playlist, EntryAddress address);
     void proceed(bool toTheEnd);
+    void proceedSoon();
     void settle();
     bool loadPlaylist(uint playlist);
     bool loadEntry(uint playlist, EntryAddress address);

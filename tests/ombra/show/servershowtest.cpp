@@ -423,6 +423,26 @@ private Q_SLOTS:
         QVERIFY(is(state.c_str(), "pause"));
     }
 
+    /// What is alike in another show is not what was moved there: the place stays, and what is on air plays
+    /// on.
+    void anotherShowMovesNothing()
+    {
+        using vantrel::test::makeClip;
+        QVERIFY(makeClip(m_live->mediaFolder() + QStringLiteral("/clip.mp4"), {Qt::red, Qt::green}, 30));
+        const QByteArray clip = R"({"name":"clip","contentUrl":"file:///clip.mp4"})";
+        const QByteArray patch = R"([{"op":"add","path":"/collections/1/slots/1","value":)" + clip + "}]";
+        QCOMPARE(m_live->request("PATCH", "/medialibrary", patch).status, 200);
+        invoke(program + "/methods/playMedia", "{\"mediaUrl\":\"" + media.toStdString() + "\"}");
+        QVERIFY(waitForState("play"));
+        const QByteArray show = R"({"format":"halcyra-show","version":1,"settings":{},"library":)"
+                                R"({"collections":{"1":{"slots":{"1":{"name":"other"},"5":)" +
+                                clip + "}}}}}";
+        QCOMPARE(m_live->request("POST", "/show/current?include=medialibrary", show).status, 200);
+        QVERIFY(settled());
+        QCOMPARE(value(program + "/properties/heldMedia"), std::string("file:///clip.mp4"));
+        QCOMPARE(value(program + "/properties/state"), std::string("play"));
+    }
+
     void firstVersionLoads()
     {
         QFile sample(QFINDTESTDATA("ombra/show/first.show"));

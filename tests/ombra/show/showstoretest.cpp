@@ -98,7 +98,7 @@ private Q_SLOTS:
     void editsSurviveAKill()
     {
         int told = 0;
-        m_store->addLibraryListener([&](const ShowStore::Difference&) { ++told; });
+        m_store->addLibraryListener([&](const ShowStore::Difference&, bool) { ++told; });
         QCOMPARE(edit(rename("second")).status, EditResult::Status::Saved);
         QCOMPARE(told, 1);
         m_store->changeSetting("/a/properties/b", Json(0.5));
