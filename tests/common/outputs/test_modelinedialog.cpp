@@ -83,6 +83,12 @@ private Q_SLOTS:
         m_output->setConnected(true);
         m_dialog->updateData();
         QVERIFY(button("import")->isEnabled() && button("read")->isEnabled());
+        m_output->setModelineId(QStringLiteral("own"));
+        m_dialog->resetView();
+        QVERIFY(m_dialog->isAuto());
+        m_output->setEdidOverride(QStringLiteral("00"));
+        m_dialog->resetView();
+        QVERIFY(!m_dialog->isAuto());
     }
 
     /// What is chosen and not applied outlasts what happens to the output meanwhile.

@@ -1,4 +1,5 @@
 #include "common/command/commandgate.h"
+#include "common/outputs/modelinedialog.h"
 #include "common/outputs/outputmodel.h"
 #include "common/outputs/videooutputconfiguration.h"
 #include "common/session/mirror/sceneobjectprovider.h"
@@ -11,6 +12,8 @@
 #include "tests/common/session/scriptedpeer.h"
 #include "tests/support/testmain.h"
 
+#include <QFile>
+#include <QTemporaryDir>
 #include <QUndoStack>
 
 using namespace vantrel;
@@ -122,6 +125,20 @@ private Q_SLOTS:
         m_view->handleModelineIdChange(isAuto, {}, true);
         m_model->keepMode();
         QVERIFY(this->sent().endsWith(QStringLiteral("keepMode {}"))); // and nothing before
+    }
+
+    void anImportedEdidGoesOut()
+    {
+        QTemporaryDir folder;
+        QFile file(folder.filePath(QStringLiteral("Wall.txt")));
+        const QByteArray edid = "00FFFFFFFFFFFF00" + QByteArray(110, '0') + "06"; // the sum is 0
+        QVERIFY(file.open(QIODevice::WriteOnly) && file.write(edid + "\r\n") > 0);
+        file.close();
+        m_view->findChild<ModelineDialog*>()->importFile(file.fileName());
+        QCOMPARE(sent(), QStringLiteral("invoke /device/system/gpus/0/outputs/0/methods/setEdidOverride "
+                                        "{\"edid\":\"%1\",\"filename\":\"Wall.txt\",\"maxLinkRate\":false,"
+                                        "\"modelineId\":\"\"}")
+                             .arg(QString::fromLatin1(edid.toLower())));
     }
 
     void showsWhatTheOutputTells()
