@@ -26,7 +26,7 @@ target_link_libraries(fuzz_eventstream PRIVATE Qt6::Core)
 halcyra_qt_definitions(fuzz_eventstream)
 
 # and what a playlist believes of a drag.
-set(items guimediacollection guimediaitemfactory guimediaslot guiplaylist guiplaylistentry mimedata)
+set(items guimediacollection guimediaitemfactory guimediaslot guiplaylist guiplaylistentry mimedata slotmimedata)
 list(TRANSFORM items REPLACE "(.+)" "${CMAKE_SOURCE_DIR}/common/media/items/\\1.cpp")
 target_sources(fuzz_drop PRIVATE ${CMAKE_SOURCE_DIR}/common/views/playlist/playlistdrop.cpp ${items}
   ${CMAKE_SOURCE_DIR}/common/media/address/mediafiles.cpp ${CMAKE_SOURCE_DIR}/common/media/address/mediautils.cpp
@@ -40,3 +40,4 @@ target_sources(fuzz_slotdrop PRIVATE ${CMAKE_SOURCE_DIR}/common/import/slotpaylo
   ${CMAKE_SOURCE_DIR}/common/media/address/medialogging.cpp)
 target_link_libraries(fuzz_slotdrop PRIVATE Qt6::Core)
 halcyra_qt_definitions(fuzz_slotdrop)
+set_target_properties(fuzz_drop fuzz_slotdrop PROPERTIES AUTOMOC ON) # a drag of the library is a class of its own

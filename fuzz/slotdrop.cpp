@@ -1,5 +1,5 @@
-// What a drag brings to a slot: whatever it says it is, what is believed means something, what is not says
-// why, and entries read back as they were written.
+// What a drag brings to a slot: whatever it says it is, what is believed means something, and what is not
+// says why.
 #include "common/import/slotpayload.h"
 #include "common/media/items/mimedata.h"
 #include "tarn/media/mediacollection.h"
@@ -34,7 +34,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     QMimeData mime;
     mime.setData(mimeformat::type, types[data[0] % types.size()]);
     mime.setData(mimeformat::json, QByteArray(reinterpret_cast<const char*>(data) + 1, qsizetype(size) - 1));
-    const SlotPayload payload = SlotPayload::read(SlotPayload::mapOf(&mime));
+    const SlotPayload payload = SlotPayload::of(&mime);
     using Kind = SlotPayload::Kind;
     require(payload.isSound() || !payload.fault().isEmpty());
     require(payload.addresses().isEmpty() == (payload.kind() != Kind::Slots));
@@ -43,9 +43,5 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     for (const MediaEntry& entry : payload.entries())
         require(entry.path.startsWith(u'/') && !entry.path.contains(QStringLiteral("/../")) &&
                 entry.durationSeconds >= 0);
-    const SlotPayload again = SlotPayload::read(SlotPayload::mimeOf(payload.entries()));
-    require(again.entries().size() == payload.entries().size());
-    for (qsizetype i = 0; i < again.entries().size(); ++i)
-        require(again.entries()[i].path == payload.entries()[i].path);
     return 0;
 }
