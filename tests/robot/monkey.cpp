@@ -274,10 +274,10 @@ void Monkey::check()
     ++m_checks;
     const auto fail = [this](const QString& fault) { m_fault = m_fault.isEmpty() ? fault : m_fault; };
     const QJsonObject figures = m_robot->figures(true);
-    if (!m_app->isRunning())
-        return fail(QStringLiteral("it has crashed"));
-    if (figures.isEmpty())
-        return fail(QStringLiteral("it hangs"));
+    if (figures.isEmpty()) {
+        const QString end = m_app->endWithin(5000);
+        return fail(end.isEmpty() ? QStringLiteral("it hangs") : end);
+    }
     m_longestStall = std::max(m_longestStall, figures["longestOwnStallMs"].toDouble());
     // Without the time for which other programs of a busy machine had the processors.
     const double others = figures["longestStallMs"].toDouble() - figures["longestOwnStallMs"].toDouble();

@@ -74,6 +74,16 @@ QString AppProcess::output() const
     return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
 }
 
+QString AppProcess::endWithin(int milliseconds)
+{
+    if (isRunning() && !m_process.waitForFinished(milliseconds))
+        return {};
+    const bool isCrash = m_process.exitStatus() == QProcess::CrashExit;
+    return QStringLiteral("it has %1 (%2)")
+        .arg(isCrash ? QStringLiteral("crashed") : QStringLiteral("ended"))
+        .arg(m_process.exitCode());
+}
+
 int AppProcess::stop()
 {
     m_process.terminate();

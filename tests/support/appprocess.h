@@ -22,6 +22,8 @@ public:
     quint16 uiTestPort() const { return m_port; }
     qint64 pid() const { return m_process.processId(); }
     bool isRunning() const { return m_process.state() == QProcess::Running; }
+    /// How it has ended by itself, looking for so long; empty while it runs.
+    QString endWithin(int milliseconds);
     /// Asks it to end and waits; its exit code, -1 after a crash or the limit. What declarative views
     /// complained of in its log fails the test.
     int stop();
