@@ -12,6 +12,7 @@
 #include <QThreadPool>
 #include <QTimer>
 
+#include <algorithm>
 #include <set>
 #include <utility>
 
@@ -101,6 +102,7 @@ void PlaylistProvider::onReset()
 {
     m_late.clear();
     m_news.clear();
+    m_unlooked.clear();
     m_coming = std::make_shared<Coming>(m_library->getPlaylists());
     std::size_t entries = 0;
     for (const auto& [number, playlist] : m_coming->records)
@@ -260,7 +262,7 @@ void PlaylistProvider::tellOfSlots(const QList<EntryTable::Place>& users)
         return;
     std::set<uint> touched;
     for (const auto& [playlist, address] : users) {
-        warnWithoutSlot(*m_entries.item(playlist, address));
+        warnWithoutSlot({playlist, address});
         touched.insert(playlist);
     }
     m_entries.forgetDurations(users);
@@ -296,7 +298,7 @@ void PlaylistProvider::putEntry(uint playlist, EntryAddress address, const Playl
 {
     const auto item = std::make_shared<GuiPlaylistEntry>(playlist, address, entry);
     m_entries.put(item);
-    warnWithoutSlot(*item);
+    warnWithoutSlot({playlist, address});
 }
 
 void PlaylistProvider::forget(uint playlist)
@@ -307,15 +309,31 @@ void PlaylistProvider::forget(uint playlist)
     m_entries.removeAll(playlist);
 }
 
-void PlaylistProvider::warnWithoutSlot(const GuiPlaylistEntry& entry) const
+/// Within a change slots are told of before the entries that play them: only its end tells.
+void PlaylistProvider::warnWithoutSlot(const EntryTable::Place& place)
 {
-    const MediaAddress slot = m_entries.slotOf(entry.playlistNumber(), entry.address());
+    if (m_isChanging)
+        return m_unlooked.push_back(place);
+    const auto entry = m_entries.item(place.first, place.second);
+    if (!entry)
+        return;
+    const MediaAddress slot = m_entries.slotOf(place.first, place.second);
     if (!slot.isValid()) {
-        qCWarning(lcMedia, "Invalid entry slot url: %s", qUtf8Printable(entry.slotUrl()));
+        qCWarning(lcMedia, "Invalid entry slot url: %s", qUtf8Printable(entry->slotUrl()));
     } else if (!m_mediaProvider->hasSlot(slot)) {
-        qCWarning(lcMedia, "Missing slot: '%s' assigned to entry: %d/%s", qUtf8Printable(entry.slotUrl()),
-                  static_cast<int>(entry.playlistNumber()), entry.address().toString(true).c_str());
+        qCWarning(lcMedia, "Missing slot: '%s' assigned to entry: %d/%s", qUtf8Printable(entry->slotUrl()),
+                  static_cast<int>(place.first), place.second.toString(true).c_str());
     }
+}
+
+void PlaylistProvider::lookAtSlots()
+{
+    std::vector<EntryTable::Place> places = std::exchange(m_unlooked, {});
+    std::ranges::sort(places);
+    const auto repeated = std::ranges::unique(places);
+    places.erase(repeated.begin(), repeated.end());
+    for (const EntryTable::Place& place : places)
+        warnWithoutSlot(place);
 }
 
 void PlaylistProvider::onChangesStarted()
@@ -328,6 +346,7 @@ void PlaylistProvider::onChangesStarted()
 void PlaylistProvider::onChangesFinished()
 {
     m_isChanging = false;
+    lookAtSlots();
     std::vector<std::pair<uint, Moved>> late;
     for (const auto& [playlist, isOther] : std::exchange(m_late, {})) {
         late.emplace_back(playlist, updateTimes(playlist));

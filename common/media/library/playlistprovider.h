@@ -76,7 +76,8 @@ private:
     bool loadEntry(uint playlist, EntryAddress address);
     void putEntry(uint playlist, EntryAddress address, const PlaylistEntry& entry);
     void forget(uint playlist);
-    void warnWithoutSlot(const GuiPlaylistEntry& entry) const;
+    void warnWithoutSlot(const EntryTable::Place& place);
+    void lookAtSlots();
 
     Moved recalculate(uint playlist);
     Moved updateTimes(uint playlist);
@@ -88,8 +89,9 @@ private:
     AbstractMediaLibraryProvider* m_mediaProvider;
     QMap<uint, std::shared_ptr<const GuiPlaylist>> m_playlists;
     EntryTable m_entries;
-    bool m_isChanging = false;   // between the two calls around a patch
-    std::vector<News> m_news;    // of entries, for its end
+    bool m_isChanging = false;                 // between the two calls around a patch
+    std::vector<News> m_news;                  // of entries, for its end
+    std::vector<EntryTable::Place> m_unlooked; // whose slots may come with the rest of it
     std::map<uint, bool> m_late; // playlists to work out at its end, and whether they changed themselves
     std::shared_ptr<Coming> m_coming;
 };
