@@ -2,13 +2,13 @@
 
 #include "common/command/commandlogging.h"
 #include "common/command/refusal.h"
+#include "common/media/library/aside.h"
 #include "common/media/library/editqueue.h"
 #include "common/media/library/medialibraryapi.h"
 #include "common/notification/notificationmanagerimpl.h"
 #include "common/session/session.h"
 
 #include <QPointer>
-#include <QThreadPool>
 
 namespace vantrel {
 
@@ -41,7 +41,7 @@ AbstractDiffApiCommand::~AbstractDiffApiCommand()
 {
     constexpr std::size_t few = 500; // operations
     if (m_edit->redo.size() + m_edit->undo.size() > few)
-        QThreadPool::globalInstance()->start([edit = std::move(m_edit)] {});
+        aside::letGo(std::move(m_edit));
 }
 
 void AbstractDiffApiCommand::setUndoPatch(const Patch& patch)

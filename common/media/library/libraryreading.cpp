@@ -1,38 +1,13 @@
 #include "common/media/library/libraryreading.h"
 
+#include "common/media/library/aside.h"
 #include "tarn/media/medialibrary.h"
 
-#include <QThreadPool>
 #include <QtConcurrentRun>
 
 #include <string>
 
-#ifdef Q_OS_LINUX
-#include <sys/resource.h>
-#include <unistd.h>
-#endif
-
 namespace vantrel {
-
-namespace {
-
-/// Of its own, since its threads give way to all others: to the window, and to a server on the same machine.
-QThreadPool& asidePool()
-{
-    static QThreadPool pool;
-    return pool;
-}
-
-/// The thread of this pool that calls it. Qt's own priorities mean nothing here.
-void giveWay()
-{
-#ifdef Q_OS_LINUX
-    constexpr int niceness = 10;
-    ::setpriority(PRIO_PROCESS, static_cast<id_t>(::gettid()), niceness);
-#endif
-}
-
-} // namespace
 
 LibraryReading LibraryReading::read(const QByteArray& body)
 {
@@ -57,8 +32,8 @@ LibraryReading LibraryReading::read(const QByteArray& body)
 
 QFuture<LibraryReading> LibraryReading::start(const QByteArrayList& pieces)
 {
-    return QtConcurrent::run(&asidePool(), [pieces] {
-        giveWay();
+    return QtConcurrent::run(&aside::pool(), [pieces] {
+        aside::giveWay();
         return read(pieces.join());
     });
 }
@@ -70,7 +45,7 @@ LibraryReading::Remains::Remains(const MediaLibrary& library)
 
 LibraryReading::Remains::~Remains()
 {
-    asidePool().start([library = std::move(m_library)] { giveWay(); });
+    aside::letGo(std::move(m_library));
 }
 
 } // namespace vantrel

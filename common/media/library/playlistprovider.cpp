@@ -4,12 +4,12 @@
 #include "common/media/items/abstractmedialibraryprovider.h"
 #include "common/media/items/guiplaylist.h"
 #include "common/media/items/guiplaylistentry.h"
+#include "common/media/library/aside.h"
 #include "tarn/media/medialibrary.h"
 #include "tarn/media/mediasourceparser.h"
 #include "tarn/media/playenums.h"
 
 #include <QElapsedTimer>
-#include <QThreadPool>
 #include <QTimer>
 
 #include <algorithm>
@@ -137,8 +137,7 @@ void PlaylistProvider::proceed(bool toTheEnd)
         entries += m_coming->at->second.getEntries().size();
     }
     if (m_coming->at == m_coming->records.end()) {
-        // To free a long table takes time as well.
-        QThreadPool::globalInstance()->start([old = std::exchange(m_coming, nullptr)] {});
+        aside::letGo(std::exchange(m_coming, nullptr)); // to free a long table takes time as well
         Q_EMIT reset();
         return;
     }
