@@ -27,7 +27,7 @@ MediaSlotDropHandler::~MediaSlotDropHandler() = default;
 bool MediaSlotDropHandler::dropMimeData(const QMimeData* mimeData, int collection, int slot)
 {
     qCInfo(lcMedia) << "Dropped MIME data to collection" << collection << "and slot" << slot;
-    if (SlotPayload::isOffered(mimeData))
+    if (isMediaPayload(mimeData))
         return drop(SlotPayload::of(mimeData), collection, slot);
     qCWarning(lcMedia) << "Dropped MIME data didn't have correct values - Formats:"
                        << (mimeData ? mimeData->formats() : QStringList());

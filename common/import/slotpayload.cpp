@@ -50,11 +50,6 @@ bool isSoundPath(const QString& path)
 
 } // namespace
 
-bool SlotPayload::isOffered(const QMimeData* data)
-{
-    return data && data->hasFormat(mimeformat::type) && data->hasFormat(mimeformat::json);
-}
-
 SlotPayload SlotPayload::of(const QMimeData* data)
 {
     if (const auto* own = qobject_cast<const SlotMimeData*>(data)) {

@@ -31,9 +31,7 @@ class SlotPayload
 public:
     enum class Kind { Nothing, Slots, Media };
 
-    /// Whether both formats that say what is dragged are there.
-    static bool isOffered(const QMimeData* data);
-    static SlotPayload of(const QMimeData* data);
+    static SlotPayload of(const QMimeData* data); // isMediaPayload()
     /// mime: "application/type" and "application/json", as texts.
     static SlotPayload read(const QVariantMap& mime);
     /// {"slots": [numbers], "collection": number}, the collection being the target's where it is not named;

@@ -70,7 +70,7 @@ bool SlotDrops::begin(const QMimeData* data)
     if (m_collection < 0)
         return false;
     const QByteArray type = data->data(mimeformat::type);
-    if (SlotPayload::isOffered(data) && (type == mimeformat::slotType || type == mimeformat::mediaType)) {
+    if (isMediaPayload(data) && (type == mimeformat::slotType || type == mimeformat::mediaType)) {
         m_payload = SlotPayload::of(data);
         return true;
     }

@@ -25,6 +25,11 @@ QMimeData* createMimeData(const QList<QJsonObject>& objects, MimeItemCategory ca
     return data;
 }
 
+bool isMediaPayload(const QMimeData* mimeData)
+{
+    return mimeData && mimeData->hasFormat(mimeformat::json) && mimeData->hasFormat(mimeformat::type);
+}
+
 QList<QJsonObject> jsonFromMimeData(const QMimeData* mimeData)
 {
     QList<QJsonObject> objects;

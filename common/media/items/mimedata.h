@@ -31,6 +31,8 @@ QMimeData* createMimeData(const QList<QJsonObject>& objects, MimeItemCategory ca
 /// What stands in it as JSON.
 QByteArray writtenObjects(const QList<QJsonObject>& objects);
 
+/// Whether the formats are there that say what is dragged, and of which kind.
+bool isMediaPayload(const QMimeData* mimeData);
 /// The objects of a payload; empty for anything that is no such payload.
 QList<QJsonObject> jsonFromMimeData(const QMimeData* mimeData);
 

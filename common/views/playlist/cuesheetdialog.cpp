@@ -4,10 +4,7 @@
 #include "common/ui/toolkit/pushbutton.h"
 
 #include <QFileInfo>
-#include <QPromise>
-#include <QThreadPool>
-
-#include <memory>
+#include <QtConcurrentRun>
 
 namespace vantrel {
 
@@ -67,17 +64,14 @@ void CueSheetDialog::print()
         close();
         deleteLater();
     });
-    const auto promise = std::make_shared<QPromise<QString>>();
-    promise->start();
-    m_printing.setFuture(promise->future());
-    QThreadPool::globalInstance()->start([promise, sheet = m_sheet, fileName = m_fileName] {
-        promise->addResult(sheet.savePdf(fileName, [&](int page, int pages) {
-            promise->setProgressRange(0, pages);
-            promise->setProgressValue(page);
-            return !promise->isCanceled();
+    m_printing.setFuture(
+        QtConcurrent::run([sheet = m_sheet, fileName = m_fileName](QPromise<QString>& promise) {
+            promise.addResult(sheet.savePdf(fileName, [&promise](int page, int pages) {
+                promise.setProgressRange(0, pages);
+                promise.setProgressValue(page);
+                return !promise.isCanceled();
+            }));
         }));
-        promise->finish();
-    });
 }
 
 } // namespace vantrel

@@ -52,11 +52,6 @@ bool isSound(const QJsonObject& entry)
 
 } // namespace
 
-bool PlaylistDrop::isOffered(const QMimeData* data)
-{
-    return data && data->hasFormat(mimeformat::json) && data->hasFormat(mimeformat::type);
-}
-
 PlaylistDrop PlaylistDrop::refused(const QString& fault)
 {
     PlaylistDrop nothing;
@@ -72,7 +67,7 @@ PlaylistDrop PlaylistDrop::read(const QMimeData* data)
         drop.m_media = own->addresses();
         return drop;
     }
-    if (!isOffered(data) || data->data(mimeformat::json).size() > largestPayload)
+    if (!isMediaPayload(data) || data->data(mimeformat::json).size() > largestPayload)
         return refused(unreadable());
     const QByteArray type = data->data(mimeformat::type);
     const QJsonDocument document = QJsonDocument::fromJson(data->data(mimeformat::json));

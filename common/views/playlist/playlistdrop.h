@@ -18,8 +18,6 @@ class PlaylistDrop
 public:
     enum class Kind { Nothing, Playlist, Entries, Media };
 
-    /// Whether it is worth a look at all: a payload of ours, or one that claims to be.
-    static bool isOffered(const QMimeData* data);
     static PlaylistDrop read(const QMimeData* data);
 
     Kind kind() const { return m_kind; }

@@ -2,6 +2,7 @@
 #include "common/command/execute.h"
 #include "common/command/playback/playmediacommand.h"
 #include "common/media/address/mediautils.h"
+#include "common/media/items/mimedata.h"
 #include "common/media/library/playlistprovider.h"
 #include "common/media/models/playlist/playlisteditormodel.h"
 #include "common/media/models/playlist/playlistselectionmodel.h"
@@ -55,7 +56,7 @@ void PlaylistEditor::handleDragAndDrop(const QModelIndex& index)
 
 void PlaylistEditor::dragEnterEvent(QDragEnterEvent* event)
 {
-    if (!PlaylistDrop::isOffered(event->mimeData()))
+    if (!isMediaPayload(event->mimeData()))
         return;
     m_isDragging = true;
     holdList();

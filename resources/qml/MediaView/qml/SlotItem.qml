@@ -121,7 +121,7 @@ Item {
         }
     }
     Loader {
-        readonly property rect place: active ? face.namePlace() : Qt.rect(0, 0, 0, 0)
+        readonly property rect place: active ? (face.width, face.height, face.namePlace()) : Qt.rect(0, 0, 0, 0)
 
         active: cell.isRenaming
         x: place.x - fontSizes.pad - 2
