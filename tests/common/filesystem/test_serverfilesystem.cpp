@@ -282,6 +282,25 @@ private Q_SLOTS:
         QTRY_COMPARE(client()->last(), QStringLiteral("move %1 /a.mov").arg(aside));
     }
 
+    /// The lost link may still carry out what it was asked: under another name nobody would look for it.
+    void stepsAsideUnderOneName()
+    {
+        const auto upload = transferUp(QByteArray(30, 'x'), QStringLiteral("/a.mov"));
+        const QList<ClientFileSystemInfo> there{fileEntry(QStringLiteral("/a.mov"), 5)};
+        know(QStringLiteral("/"), there);
+        upload->setConflictPolicy(ConflictPolicy::Replace);
+        const QString temporary = sendWhole(*upload, 30);
+        client()->finishMove(temporary, QStringLiteral("/a.mov"), false);
+        client()->finishList(QStringLiteral("/"), there);
+        const QString asking = client()->last();
+        QVERIFY(asking.startsWith(QStringLiteral("move /a.mov /.halcyra-")));
+        client()->setConnected(false);
+        client()->setConnected(true);
+        QTRY_COMPARE(client()->last(), QStringLiteral("list /"));
+        client()->finishList(QStringLiteral("/"), there);
+        QCOMPARE(client()->last(), asking);
+    }
+
     /// Nobody knows how far it has come: what was stopped on its way may have been done.
     void stoppedWhileItReplaces_data()
     {

@@ -7,7 +7,9 @@
 #include "tests/support/livesession.h"
 
 #include <QApplication>
+#include <QDataStream>
 #include <QDir>
+#include <QFile>
 #include <QImage>
 #include <QMimeData>
 #include <QTemporaryDir>
@@ -68,6 +70,26 @@ public:
         QImage picture(64, 36, QImage::Format_RGB32);
         picture.fill(Qt::red);
         picture.save(path, "PNG");
+    }
+    /// A tenth of a second of silence.
+    void makeSound(const QString& name) const
+    {
+        const QString path = local.filePath(name);
+        QDir().mkpath(QFileInfo(path).path());
+        QFile file(path);
+        if (!file.open(QIODevice::WriteOnly))
+            return;
+        QDataStream out(&file);
+        out.setByteOrder(QDataStream::LittleEndian);
+        const QByteArray samples(9600, '\0');
+        file.write("RIFF");
+        out << quint32(36 + samples.size());
+        file.write("WAVEfmt ");
+        out << quint32(16) << quint16(1) << quint16(1) << quint32(48000) << quint32(96000) << quint16(2)
+            << quint16(16);
+        file.write("data");
+        out << quint32(samples.size());
+        file.write(samples);
     }
     std::shared_ptr<const GuiMediaSlot> slot(int number) const
     {

@@ -5,6 +5,7 @@
 #include "common/media/items/guiplaylistentry.h"
 #include "common/media/library/playlistprovider.h"
 #include "common/qml/qmlmanager.h"
+#include "common/ui/toolkit/confirmationdialog.h"
 #include "tests/common/views/droppinghand.h"
 #include "tests/support/testmain.h"
 
@@ -135,6 +136,38 @@ private Q_SLOTS:
         QTRY_COMPARE(hand.reviewed()->acceptButton()->text(), QStringLiteral("OVERWRITE"));
         QVERIFY(hand.reviewed()->description().contains(QStringLiteral("3 Walk-in")));
         hand.reviewed()->reject();
+    }
+
+    /// A question that others have overtaken is asked anew.
+    void asksAgainWhatHasChanged()
+    {
+        DroppingHand hand;
+        QVERIFY(hand.isReady());
+        for (const char* name : {"sounds/a.wav", "sounds/b.wav"})
+            hand.makeSound(QString::fromLatin1(name));
+        const auto put = [&hand](int slot, const char* name) {
+            GuiMediaSlot other;
+            other.setName(QString::fromLatin1(name));
+            other.setContentUrl(QUrl(QStringLiteral("file:///other.mov")));
+            hand.live.manager.addMedias(LiveSession::collection, slot, {other});
+            return QTest::qWaitFor([&] { return bool(hand.slot(slot)); });
+        };
+        const auto question = [&hand] {
+            ConfirmationDialog* open = nullptr;
+            for (auto* dialog : hand.window.findChildren<ConfirmationDialog*>())
+                open = dialog->isVisible() ? dialog : open;
+            return open;
+        };
+        QVERIFY(put(3, "Walk-in"));
+        QVERIFY(hand.drop({QStringLiteral("sounds")}, 3));
+        QTRY_VERIFY(question());
+        QVERIFY(!question()->description().contains(QStringLiteral("Interval")));
+        QVERIFY(put(4, "Interval"));
+        question()->acceptButton()->click();
+        QTRY_VERIFY(question() && question()->description().contains(QStringLiteral("Interval")));
+        QCOMPARE(hand.slot(4)->name(), QStringLiteral("Interval"));
+        question()->acceptButton()->click();
+        QTRY_COMPARE(hand.slot(4)->name(), QStringLiteral("b.wav"));
     }
 
     /// Folders come behind what was stored of the files beside them, one behind the other, in one step.
