@@ -235,12 +235,12 @@ bool Evening::clears()
         return false;
     begin();
     m_robot.key("Enter");
-    if (!QTest::qWaitFor([this] { return !hasSlots(); }, 30000))
+    // The window is left alone meanwhile: to tell what stands in its cells takes it milliseconds.
+    if (!QTest::qWaitFor([this] { return served("/collections") == "{}"; }, 30000))
         return false;
-    ms = double(m_clock.nsecsElapsed()) / 1e6;
     QTest::qWait(1500);
     stallMs = m_robot.figures()["longestOwnStallMs"].toDouble();
-    return true;
+    return !hasSlots();
 }
 
 bool Evening::exports(const QString& file)
@@ -309,7 +309,7 @@ bool measure()
         return false;
     tell(evening, "show/export", true, true);
     const QByteArray exported = contentOf(first);
-    if (!evening.clears() || evening.served("/collections") != "{}")
+    if (!evening.clears())
         return false;
     tell(evening, "show/clear", false, false);
     if (!evening.imports(first, false) || evening.served("/show/current") != exported)

@@ -413,7 +413,10 @@ void MediaLibraryApi::fetchLibrary()
         if (m_meanwhileBytes > EventStream::maxBuffered)
             reply->abort();
     });
-    // Taken as it comes: put together at once a large one would hold the window.
+    // Taken as it comes, and never much in one turn: what piles up, or is put together, would hold the
+    // window.
+    constexpr qint64 mostInOneTurn = 512 * 1024;
+    reply->setReadBufferSize(mostInOneTurn);
     const auto pieces = std::make_shared<QByteArrayList>();
     connect(reply, &QNetworkReply::readyRead, this, [reply, pieces] { pieces->append(reply->readAll()); });
     connect(reply, &QNetworkReply::finished, reply, &QObject::deleteLater);

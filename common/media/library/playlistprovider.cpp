@@ -10,7 +10,6 @@
 #include "tarn/media/playenums.h"
 
 #include <QElapsedTimer>
-#include <QTimer>
 
 #include <algorithm>
 #include <set>
@@ -44,6 +43,10 @@ PlaylistProvider::PlaylistProvider(Ref<MediaLibrary> library, AbstractMediaLibra
     , m_library(std::move(library))
     , m_mediaProvider(mediaProvider)
 {
+    connect(&m_turn, &Turn::come, this, [this] {
+        if (m_coming)
+            proceed(false);
+    });
     // The slots of a collection come and go with it untold.
     if (mediaProvider) {
         using Provider = AbstractMediaLibraryProvider;
@@ -108,17 +111,9 @@ void PlaylistProvider::onReset()
     for (const auto& [number, playlist] : m_coming->records)
         entries += playlist.getEntries().size();
     if (entries > few) // others have work in this turn as well
-        proceedSoon();
+        m_turn.ask();
     else
         proceed(false);
-}
-
-void PlaylistProvider::proceedSoon()
-{
-    QTimer::singleShot(0, this, [this, coming = std::weak_ptr(m_coming)] {
-        if (m_coming && m_coming == coming.lock())
-            proceed(false);
-    });
 }
 
 /// Some of the lists that are coming, for a part of a picture's time.
@@ -143,7 +138,7 @@ void PlaylistProvider::proceed(bool toTheEnd)
     }
     m_playlists.swap(m_coming->playlists);
     std::swap(m_entries, m_coming->entries);
-    proceedSoon();
+    m_turn.ask();
 }
 
 /// News of the library are about the lists that are coming.

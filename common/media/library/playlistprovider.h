@@ -2,6 +2,7 @@
 
 #include "common/media/items/abstractplaylistprovider.h"
 #include "common/media/library/entrytable.h"
+#include "common/media/library/turn.h"
 #include "tarn/ref.h"
 
 #include <QMap>
@@ -70,7 +71,6 @@ private:
 
     void announce(EntrySignal signal, uint playlist, EntryAddress address);
     void proceed(bool toTheEnd);
-    void proceedSoon();
     void settle();
     bool loadPlaylist(uint playlist);
     bool loadEntry(uint playlist, EntryAddress address);
@@ -94,6 +94,7 @@ private:
     std::vector<EntryTable::Place> m_unlooked; // whose slots may come with the rest of it
     std::map<uint, bool> m_late; // playlists to work out at its end, and whether they changed themselves
     std::shared_ptr<Coming> m_coming;
+    Turn m_turn; // of reading what is coming
 };
 
 } // namespace vantrel

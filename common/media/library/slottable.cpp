@@ -1,6 +1,7 @@
 #include "common/media/library/slottable.h"
 
 #include "common/media/items/guimediaslot.h"
+#include "common/media/library/aside.h"
 
 #include <utility>
 
@@ -65,15 +66,20 @@ void SlotTable::reset()
 {
     // A link that comes and goes would else keep all that there ever was.
     constexpr std::size_t mostEarlier = 4;
+    std::vector<Shelf> forgotten; // with them may go the last of a large library
     for (auto& [index, collection] : m_collections) {
         for (const int number : std::exchange(collection.unlisted, {}))
             collection.now.drop(number);
         Shelf old = std::exchange(collection.now, {});
         if (!old.records.empty())
             collection.earlier.push_back(std::move(old));
-        if (collection.earlier.size() > mostEarlier)
+        if (collection.earlier.size() > mostEarlier) {
+            forgotten.push_back(std::move(collection.earlier.front()));
             collection.earlier.erase(collection.earlier.begin());
+        }
     }
+    if (!forgotten.empty())
+        aside::letGo(std::move(forgotten));
 }
 
 const SlotTable::Collection* SlotTable::find(int collection) const

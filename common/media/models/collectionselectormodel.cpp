@@ -22,12 +22,14 @@ QVariant CollectionSelectorModel::data(const QModelIndex& index, int role) const
     if (!collection)
         return {};
     const QString name = shownText(collection->name());
-    const QString label = QStringLiteral("%1: %2").arg(QString::number(collection->index()), name);
+    const auto label = [&] { // not made to sort them by number
+        return QStringLiteral("%1: %2").arg(QString::number(collection->index()), name);
+    };
     switch (role) {
     case Qt::DisplayRole:
-        return index.column() == 0 ? name : label;
+        return index.column() == 0 ? name : label();
     case DisplayTextRole:
-        return label;
+        return label();
     case Qt::EditRole:
     case EditTextRole:
         return name;

@@ -54,6 +54,10 @@ MediaLibraryModel::MediaLibraryModel(MediaLibrary* library, GUIPlayback* preview
         connect(program, &GUIPlayback::stateChanged, this, &MediaLibraryModel::onProgramChange);
         connect(program, &GUIPlayback::reset, this, &MediaLibraryModel::onProgramChange);
     }
+    connect(&m_turn, &Turn::come, this, [this] {
+        if (!m_toTell.isEmpty())
+            indexSome();
+    });
     reset();
 }
 

@@ -2,6 +2,7 @@
 
 #include "common/media/address/mediastate.h"
 #include "common/media/address/mediautils.h"
+#include "common/media/library/turn.h"
 #include "common/media/models/recentitems.h"
 #include "common/media/models/urlindex.h"
 #include "tarn/media/mediaaddress.h"
@@ -153,6 +154,7 @@ private:
     void forgetSlots(const MediaLibraryItem& collection);
     QList<QModelIndex> findItemsByUrl(const QUrl& mediaUrl);
     void tellOf(const QUrl& mediaUrl);
+    bool isLarge() const;
     void indexSome();
     void settleIndex();
     void indexAll();
@@ -181,6 +183,7 @@ private:
     std::vector<Item> m_collections; // by ascending number
     mutable RecentItems m_slotItems;
     UrlIndex m_rowsByUrl;
+    Turn m_turn;                // of indexing
     bool m_urlsIndexed = false; // since somebody asked for a URL
     std::size_t m_indexed = 0;  // collections, until all are
     QSet<QUrl> m_toTell;        // as soon as they are

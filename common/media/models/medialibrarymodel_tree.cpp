@@ -3,12 +3,12 @@
 #include "common/media/address/medialogging.h"
 #include "common/media/items/mimedata.h"
 #include "common/media/items/slotmimedata.h"
+#include "common/media/library/aside.h"
 #include "common/media/models/medialibraryitem.h"
 #include "common/media/models/medialibrarymodel.h"
 #include "tarn/media/medialibrary.h"
 
 #include <QElapsedTimer>
-#include <QTimer>
 
 #include <algorithm>
 #include <set>
@@ -17,6 +17,8 @@
 namespace vantrel {
 
 namespace {
+
+constexpr std::size_t fewSlots = 2000; // which are indexed in no time
 
 int rowsFor(const MediaCollection& collection)
 {
@@ -43,9 +45,10 @@ int MediaLibraryModel::rowOf(int collection) const
 void MediaLibraryModel::reset()
 {
     beginResetModel();
-    m_collections.clear();
+    // To free those of a large library takes time.
+    aside::letGo(std::make_shared<const std::pair<std::vector<Item>, UrlIndex>>(
+        std::exchange(m_collections, {}), std::exchange(m_rowsByUrl, {})));
     m_slotItems.clear();
-    m_rowsByUrl.clear();
     m_urlsIndexed = false;
     m_indexed = 0;
     m_toTell.clear(); // all is read anew
@@ -121,27 +124,36 @@ QList<QModelIndex> MediaLibraryModel::findItemsByUrl(const QUrl& mediaUrl)
 void MediaLibraryModel::tellOf(const QUrl& mediaUrl)
 {
     m_toTell.insert(mediaUrl);
-    if (m_toTell.size() == 1)
+    if (m_toTell.size() > 1)
+        return;
+    if (m_urlsIndexed || !isLarge())
         indexSome();
+    else
+        m_turn.ask();
+}
+
+bool MediaLibraryModel::isLarge() const
+{
+    std::size_t slots_ = 0;
+    return std::ranges::any_of(m_collections, [&slots_](const Item& collection) {
+        slots_ += collection->records().size();
+        return slots_ > fewSlots;
+    });
 }
 
 void MediaLibraryModel::indexSome()
 {
     constexpr qint64 inOneTurn = 4; // milliseconds
-    constexpr std::size_t few = 2000;
     QElapsedTimer clock;
     clock.start();
     for (std::size_t slots_ = 0; !m_urlsIndexed && m_indexed < m_collections.size() &&
-                                 (slots_ < few || clock.elapsed() < inOneTurn);) {
+                                 (slots_ < fewSlots || clock.elapsed() < inOneTurn);) {
         const MediaLibraryItem& collection = *m_collections[m_indexed++];
         indexUrls(collection);
         slots_ += collection.records().size();
     }
     if (!m_urlsIndexed && m_indexed < m_collections.size()) {
-        QTimer::singleShot(0, this, [this] {
-            if (!m_toTell.isEmpty())
-                indexSome();
-        });
+        m_turn.ask();
         return;
     }
     m_urlsIndexed = true;

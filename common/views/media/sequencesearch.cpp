@@ -46,8 +46,7 @@ SequenceSearch::SequenceSearch(QObject* parent)
     : QObject(parent)
 {
     m_pool.setMaxThreadCount(1);
-    m_turn.setSingleShot(true);
-    connect(&m_turn, &QTimer::timeout, this, &SequenceSearch::gather);
+    connect(&m_turn, &Turn::come, this, &SequenceSearch::gather);
 }
 
 SequenceSearch::~SequenceSearch()
@@ -72,7 +71,7 @@ void SequenceSearch::begin(FilesModel* files, const QString& path, const Next& n
     connect(files, &QAbstractItemModel::rowsInserted, this, anew);
     connect(files, &QAbstractItemModel::rowsRemoved, this, anew);
     anew();
-    m_turn.start(0);
+    m_turn.ask();
 }
 
 void SequenceSearch::stop()
@@ -99,7 +98,7 @@ void SequenceSearch::gather()
         if (shapeOf(name) == m_shape && !index.data(FilesModel::IsDirectoryRole).toBool())
             m_paths.push_back(folder / name.toStdString());
         if (m_row % namesBetweenClocks == 0 && clock.elapsed() >= turnMs)
-            return m_turn.start(0);
+            return m_turn.ask();
     }
     read();
 }

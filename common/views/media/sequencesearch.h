@@ -1,11 +1,11 @@
 #pragma once
 
+#include "common/media/library/turn.h"
 #include "tarn/media/imagesequenceinfo.h"
 
 #include <QObject>
 #include <QPointer>
 #include <QThreadPool>
-#include <QTimer>
 
 #include <filesystem>
 #include <functional>
@@ -42,7 +42,7 @@ private:
     std::string m_path;
     QString m_shape; // of its name: what all names of a sequence have in common
     Next m_next;
-    QTimer m_turn;
+    Turn m_turn;
     int m_row = 0;
     std::vector<std::filesystem::path> m_paths;
     QThreadPool m_pool;

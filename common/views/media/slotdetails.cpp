@@ -42,8 +42,7 @@ SlotDetails::SlotDetails(const Sources& sources, QObject* parent)
 {
     m_soon.setSingleShot(true);
     connect(&m_soon, &QTimer::timeout, this, &SlotDetails::look);
-    m_turn.setSingleShot(true);
-    connect(&m_turn, &QTimer::timeout, this, &SlotDetails::count);
+    connect(&m_turn, &Turn::come, this, &SlotDetails::count);
     connect(&m_one, &QAbstractItemModel::modelReset, this, &SlotDetails::onChange);
     connect(&m_one, &QAbstractItemModel::dataChanged, this, &SlotDetails::onChange);
     if (sources.aggregator) {
@@ -78,7 +77,7 @@ void SlotDetails::followSlots()
 
 void SlotDetails::onChange()
 {
-    if (m_turn.isActive())
+    if (m_turn.isAsked())
         m_isStale = true;
     else if (m_shown.count > 0 && !m_soon.isActive())
         m_soon.start(changesTogetherMs);
@@ -191,7 +190,7 @@ void SlotDetails::count()
     clock.start();
     for (; m_next < m_rows.size(); ++m_next) {
         if (m_next % 32 == 31 && clock.elapsed() >= turnMs) {
-            m_turn.start(0);
+            m_turn.ask();
             return;
         }
         const int number = m_slots->slotAt(m_rows[m_next]);

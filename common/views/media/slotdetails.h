@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/media/library/turn.h"
 #include "common/media/models/singlemediamodel.h"
 #include "common/views/media/shownslots.h"
 #include "common/views/media/slotsummary.h"
@@ -57,7 +58,7 @@ private:
     QPointer<SlotGridModel> m_slots; // among which is selected
     ShownSlots m_shown;
     QTimer m_soon; // what comes together is looked at once
-    QTimer m_turn; // of counting
+    Turn m_turn;   // of counting
     SlotSummary m_summary;
     QList<int> m_rows; // that are counted
     qsizetype m_next = 0;

@@ -27,8 +27,7 @@ SlotGridModel::SlotGridModel(MediaLibraryModel* library, IsUsed isUsed, QObject*
     , m_isUsed(std::move(isUsed))
     , m_seen(makeRef<MediaLibrary>(*library->mediaLibrary()))
 {
-    m_turn.setSingleShot(true);
-    connect(&m_turn, &QTimer::timeout, this, &SlotGridModel::scan);
+    connect(&m_turn, &Turn::come, this, &SlotGridModel::scan);
     connect(library, &QAbstractItemModel::dataChanged, this, &SlotGridModel::onDataChanged);
     connect(library, &QAbstractItemModel::rowsInserted, this, &SlotGridModel::onRowsCame);
     connect(library, &QAbstractItemModel::rowsRemoved, this, &SlotGridModel::onRowsCame);
@@ -275,10 +274,10 @@ void SlotGridModel::onDataChanged(const QModelIndex& first, const QModelIndex& l
                            index(static_cast<int>(end - m_rows.begin()) - 1));
     // The look under way has yet to come there.
     const int slot = first.row();
-    if (m_turn.isActive() && slot >= m_next)
+    if (m_turn.isAsked() && slot >= m_next)
         return;
     // Thumbnails come one by one, and change nothing else.
-    if (m_turn.isActive() || slot != last.row() ||
+    if (m_turn.isAsked() || slot != last.row() ||
         (rowOf(slot) >= 0) != (slot > 0 && holdsMedia(slot) && passes(slot)))
         refresh();
 }
@@ -352,7 +351,7 @@ void SlotGridModel::refresh()
     m_next = 1;
     m_holding = 0;
     m_found.clear();
-    m_turn.start(0);
+    m_turn.ask();
 }
 
 void SlotGridModel::refreshUse()
@@ -375,7 +374,7 @@ void SlotGridModel::scan()
                 m_found.push_back(slot);
         }
         if (slot % looksBetweenClocks == 0 && clock.elapsed() >= turnMs) {
-            m_turn.start(0);
+            m_turn.ask();
             return;
         }
     }

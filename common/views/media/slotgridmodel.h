@@ -1,10 +1,10 @@
 #pragma once
 
+#include "common/media/library/turn.h"
 #include "tarn/media/mediaaddress.h"
 #include "tarn/ref.h"
 
 #include <QAbstractListModel>
-#include <QTimer>
 
 #include <functional>
 #include <vector>
@@ -128,7 +128,7 @@ private:
     Ref<MediaLibrary> m_seen; // the slots of the collection as the rows have them
     std::vector<int> m_rows;  // the numbers of the slots, ascending
     std::vector<int> m_found;
-    QTimer m_turn;
+    Turn m_turn;
     int m_next = 0; // the slot at which the look goes on
     int m_holding = 0;
     int m_total = 0;
