@@ -180,6 +180,9 @@ void PlaybackPreview::paintConstrained(QPainter& painter) const
 
 void PlaybackPreview::dragEnterEvent(QDragEnterEvent* event)
 {
+    // No promise for what will not be played: a file of the desktop's, or a text.
+    if (!mediaItemTypeOf(event->mimeData()))
+        return event->ignore();
     setDropTarget(true);
     event->acceptProposedAction();
 }

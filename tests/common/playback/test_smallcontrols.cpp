@@ -17,6 +17,7 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QDropEvent>
+#include <QJsonObject>
 #include <QMimeData>
 #include <QSignalSpy>
 #include <QTest>
@@ -189,8 +190,13 @@ private Q_SLOTS:
         const PictureNotice notice(PlaybackViewMode(channel), &preview);
         preview.resize(320, 180);
         preview.show();
-        QMimeData data;
-        QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        const QMimeData text;
+        QDragEnterEvent foreign(QPoint(5, 5), Qt::CopyAction, &text, Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(&preview, &foreign);
+        QVERIFY(!foreign.isAccepted() && notice.text().isEmpty());
+        const std::unique_ptr<QMimeData> slot(createMimeData(
+            {QJsonObject{{"number", 3}}}, MimeItemCategory::MediaLibrary, MediaItemType::Slot));
+        QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction, slot.get(), Qt::LeftButton, Qt::NoModifier);
         QCoreApplication::sendEvent(&preview, &enter);
         QTEST(notice.text(), "text");
         QCOMPARE(preview.grab().toImage().pixelColor(6, 6), colour);
