@@ -1,5 +1,7 @@
 #include "common/ui/toolkit/ztsplitter.h"
 
+#include <QEvent>
+
 namespace vantrel {
 
 ZTSplitter::ZTSplitter(QWidget* parent)
@@ -32,6 +34,16 @@ void ZTSplitter::moveHandle(int handle, int pixels)
 {
     if (handle >= 1 && handle < count())
         moveSplitter(pixels, handle);
+}
+
+/// The handles show where the mouse is by themselves. The style has the splitter hover for their sake, and
+/// all that stands in it would be painted anew when the mouse comes or goes, as it does with each dialog.
+bool ZTSplitter::event(QEvent* event)
+{
+    const QEvent::Type type = event->type();
+    if (type == QEvent::HoverEnter || type == QEvent::HoverLeave)
+        return true;
+    return QSplitter::event(event);
 }
 
 } // namespace vantrel

@@ -20,6 +20,9 @@ public:
     int getClosestPixelPosition(int handle, double fraction) const;
     /// Moves the handle to the pixel position, as far as the widgets' minimum sizes allow.
     void moveHandle(int handle, int pixels);
+
+protected:
+    bool event(QEvent* event) override;
 };
 
 } // namespace vantrel
