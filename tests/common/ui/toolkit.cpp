@@ -11,6 +11,7 @@
 #include "common/ui/toolkit/uncovered.h"
 #include "common/ui/toolkit/ztdropdownmenu.h"
 #include "common/ui/toolkit/ztmenu.h"
+#include "common/ui/toolkit/ztsplitter.h"
 #include "tests/common/session/scriptedpeer.h"
 #include "tests/common/ui/testsettings.h"
 #include "tests/support/testmain.h"
@@ -18,12 +19,34 @@
 #include <QAbstractItemView>
 #include <QColorDialog>
 #include <QDialog>
+#include <QHoverEvent>
 #include <QLineEdit>
 #include <QSignalSpy>
 #include <QTableWidget>
 #include <QTest>
 
 using namespace vantrel;
+
+namespace {
+
+class PaintCounter : public QWidget
+{
+public:
+    using QWidget::QWidget;
+    int paints = 0;
+
+private:
+    void paintEvent(QPaintEvent*) override { ++paints; }
+};
+
+void hover(QWidget* widget)
+{
+    QHoverEvent enter(QEvent::HoverEnter, QPointF(2, 2), QPointF(2, 2), QPointF(-1, -1));
+    QCoreApplication::sendEvent(widget, &enter);
+    QCoreApplication::processEvents();
+}
+
+} // namespace
 
 class ToolkitTest : public QObject
 {
@@ -250,6 +273,27 @@ private Q_SLOTS:
         QVERIFY(!isFailureShown());
         open.close();
         QTRY_VERIFY(isFailureShown());
+    }
+
+    void theMousePaintsAHandleAlone()
+    {
+        StyleSheet::apply(*qApp); // which has a splitter hover
+        ZTSplitter splitter(Qt::Horizontal);
+        auto* inside = new PaintCounter;
+        splitter.addWidget(inside);
+        splitter.addWidget(new QWidget);
+        splitter.resize(400, 200);
+        splitter.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&splitter));
+        QTRY_VERIFY(inside->paints > 0);
+        const auto handle = [&splitter] { return splitter.handle(1)->grab().toImage(); };
+        QCoreApplication::processEvents();
+        const int before = inside->paints;
+        const QImage atRest = handle();
+        hover(&splitter);
+        QCOMPARE(inside->paints, before);
+        hover(splitter.handle(1));
+        QVERIFY(handle() != atRest);
     }
 };
 
