@@ -8,6 +8,7 @@
 #include "common/media/items/guiplaylist.h"
 #include "common/media/items/guiplaylistentry.h"
 #include "common/media/library/medialibraryapi.h"
+#include "common/media/library/medialibraryprovider.h"
 #include "common/media/library/playlistprovider.h"
 #include "common/media/models/medialibrarymodel.h"
 #include "common/media/models/playbackmodel.h"
@@ -56,6 +57,8 @@ void PlaybackWidget::connectSources()
         connect(m_session, &Session::disconnected, meter, &LevelMeter::clear);
     connect(m_session->playlistProvider(), &PlaylistProvider::reset, this,
             &PlaybackWidget::handlePlaylistReset);
+    connect(m_session->mediaLibraryProvider(), &MediaLibraryProvider::editsSettled, this,
+            &PlaybackWidget::refreshPlaybackControls);
     connect(m_session, &Session::connected, this, &PlaybackWidget::followHelpers);
     followHelpers();
     if (m_playback) {
@@ -253,8 +256,10 @@ void PlaybackWidget::handleDurationChanged()
     }
     const bool isInfinite = m_durationEdit->durationType() == DurationTypeWidget::Infinite;
     ImplMediaCollectionManager manager(nullptr);
-    manager.updateMediaDuration(slot.collection, slot.slot, seconds, isInfinite);
-    Q_EMIT stillImageDurationChanged(seconds, isInfinite);
+    if (manager.updateMediaDuration(slot.collection, slot.slot, seconds, isInfinite))
+        Q_EMIT stillImageDurationChanged(seconds, isInfinite);
+    else
+        refreshPlaybackControls();
 }
 
 void PlaybackWidget::handleDragAndDrop(std::shared_ptr<GuiMediaItem> item)

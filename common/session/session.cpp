@@ -112,9 +112,9 @@ Configuration* Session::configuration() const
     return m_configuration.get();
 }
 
-void Session::executeCommand(AbstractSessionCommand* command)
+bool Session::executeCommand(AbstractSessionCommand* command)
 {
-    submit(m_undoStack.get(), std::unique_ptr<AbstractSessionCommand>(command));
+    return submit(m_undoStack.get(), std::unique_ptr<AbstractSessionCommand>(command));
 }
 
 QUndoStack* Session::getQUndoStack() const
@@ -238,7 +238,11 @@ void Session::wireProviders()
     PlaylistProvider* playlists = m_playlistProvider.get();
     // Playlists are rebuilt after the slots that they link to, and the models after both.
     connect(library, &MediaLibraryProvider::reset, playlists, &PlaylistProvider::onReset);
-    connect(library, &MediaLibraryProvider::libraryCommandExec, this, &Session::executeCommand);
+    connect(library, &MediaLibraryProvider::libraryCommandExec, this,
+            [this, library](AbstractSessionCommand* command) {
+                if (!executeCommand(command))
+                    library->tellSettled();
+            });
     connect(library, &MediaLibraryProvider::slotAdded, playlists, &PlaylistProvider::onSlotModified);
     connect(library, &MediaLibraryProvider::slotChanged, playlists, &PlaylistProvider::onSlotModified);
     connect(library, &MediaLibraryProvider::slotRemoved, playlists, &PlaylistProvider::onSlotModified);
@@ -317,6 +321,7 @@ void Session::connectMediaLibraryApi()
     connect(api, &Api::mediaAdded, library, &MediaLibraryProvider::onSlotAdded);
     connect(api, &Api::mediaChanged, library, &MediaLibraryProvider::onSlotChanged);
     connect(api, &Api::mediaRemoved, library, &MediaLibraryProvider::onSlotRemoved);
+    connect(api, &Api::editsSettled, library, &MediaLibraryProvider::editsSettled);
     PlaylistProvider* playlists = m_playlistProvider.get();
     connect(api, &Api::changesStarted, playlists, &PlaylistProvider::onChangesStarted);
     connect(api, &Api::changesFinished, playlists, &PlaylistProvider::onChangesFinished);

@@ -86,8 +86,9 @@ public:
     /// Null unless a derived session fills it.
     virtual QAbstractItemModel* remoteFileSystemModel() const;
     virtual Configuration* configuration() const;
-    /// Pushes the command on the undo stack, which owns it from now on and runs its redo() at once.
-    virtual void executeCommand(AbstractSessionCommand* command);
+    /// Pushes the command on the undo stack, which owns it from now on and runs its redo() at once. False,
+    /// and it is gone, when the gate is closed.
+    virtual bool executeCommand(AbstractSessionCommand* command);
     virtual QUndoStack* getQUndoStack() const;
     virtual void doInit();
 

@@ -90,6 +90,8 @@ MediaPanelWidget::MediaPanelWidget(MediaLibraryModel* library, AbstractMediaLibr
     QWidget::setTabOrder(m_addButton, m_menuButton);
     QWidget::setTabOrder(m_menuButton, m_view);
     connectModels();
+    // A collection that was refused does not come: the next one is somebody else's.
+    connect(provider, &AbstractMediaLibraryProvider::editsSettled, this, [this] { m_choosesAdded = false; });
     m_scrollRest.setSingleShot(true);
     m_scrollRest.setInterval(scrollRestMs);
     connect(&m_scrollRest, &QTimer::timeout, this, [this] {

@@ -74,10 +74,10 @@ Ref<MediaLibrary> ImplMediaCollectionManager::expected() const
     return api && media == &api->library() ? api->expectedLibrary() : Ref<MediaLibrary>(media);
 }
 
-void ImplMediaCollectionManager::execute(std::unique_ptr<AbstractSessionCommand> command)
+bool ImplMediaCollectionManager::execute(std::unique_ptr<AbstractSessionCommand> command)
 {
-    if (Session* session = Session::instance())
-        session->executeCommand(command.release());
+    Session* session = Session::instance();
+    return session && session->executeCommand(command.release());
 }
 
 template <typename Command, typename... Args>
@@ -86,8 +86,7 @@ bool ImplMediaCollectionManager::run(Args&&... args)
     auto command = std::make_unique<Command>();
     if (!command->init(library(), std::forward<Args>(args)...))
         return false;
-    execute(std::move(command));
-    return true;
+    return execute(std::move(command));
 }
 
 bool ImplMediaCollectionManager::removeCollection(int collection)
@@ -245,9 +244,8 @@ bool ImplMediaCollectionManager::updateMediaDuration(int collection, int slot, d
         return false;
     if (isInfinite == present.hasInfiniteDuration() && qFuzzyCompare(durationSeconds, present.duration()))
         return true;
-    run<SetDurationCommand>(QUrl(media::MediaUtils::toSlotAddress(collection, slot)), durationSeconds,
-                            isInfinite);
-    return true;
+    return run<SetDurationCommand>(QUrl(media::MediaUtils::toSlotAddress(collection, slot)), durationSeconds,
+                                   isInfinite);
 }
 
 bool ImplMediaCollectionManager::updateMedia(int collection, int slot, const GuiMediaSlot& newMediaSlot)

@@ -50,7 +50,7 @@ public:
 protected:
     /// The library that commands are made for; null without a session.
     virtual MediaLibrary* library() const;
-    virtual void execute(std::unique_ptr<AbstractSessionCommand> command);
+    virtual bool execute(std::unique_ptr<AbstractSessionCommand> command);
 
 private:
     template <typename Command, typename... Args>

@@ -51,6 +51,9 @@ Q_SIGNALS:
     void slotAdded(vantrel::MediaAddress address);
     void slotChanged(vantrel::MediaAddress address);
     void slotRemoved(vantrel::MediaAddress address);
+    /// Nothing that this window asked for is under way any more: it shows, or it was refused. What was shown
+    /// ahead of the answer becomes what the library has.
+    void editsSettled();
 };
 
 } // namespace vantrel

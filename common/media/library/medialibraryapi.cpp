@@ -65,6 +65,10 @@ MediaLibraryApi::MediaLibraryApi(const QString& host, QNetworkAccessManager* man
         loseStream();
     });
     connect(this, &MediaLibraryApi::mediaLibraryChanged, m_edits, &EditQueue::proceed);
+    connect(m_edits, &EditQueue::dropped, this, [this] {
+        if (m_edits->isEmpty())
+            Q_EMIT editsSettled();
+    });
 }
 
 MediaLibraryApi::~MediaLibraryApi()

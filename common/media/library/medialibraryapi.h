@@ -122,6 +122,8 @@ Q_SIGNALS:
     /// Around all that one patch changes: what is worked out of many things is worked out once.
     void changesStarted();
     void changesFinished();
+    /// The last edit that was under way is so no more: the library shows it, or it was refused.
+    void editsSettled();
 
 private:
     QUrl buildUrl(const QString& path, const QString& query = {}) const;

@@ -62,6 +62,13 @@ void MediaLibraryProvider::execute(const TrimCommand& make, const MediaAddress& 
     AbstractSessionCommand* command = make ? make(m_library.get(), address, seconds) : nullptr;
     if (command)
         Q_EMIT libraryCommandExec(command);
+    else
+        tellSettled();
+}
+
+void MediaLibraryProvider::tellSettled()
+{
+    QMetaObject::invokeMethod(this, &MediaLibraryProvider::editsSettled, Qt::QueuedConnection);
 }
 
 MediaLibrary* MediaLibraryProvider::mediaLibrary()

@@ -35,6 +35,8 @@ public:
     void setInpoint(const MediaAddress& address, double inpoint) override;
     void setOutpoint(const MediaAddress& address, std::optional<double> outpoint) override;
     MediaLibrary* mediaLibrary() override;
+    /// Of an edit that came to nothing before it was under way; in a turn of its own.
+    void tellSettled();
 
 public Q_SLOTS:
     void onReset();

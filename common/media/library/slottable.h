@@ -9,8 +9,6 @@
 
 #include <map>
 #include <memory>
-#include <set>
-#include <vector>
 
 namespace vantrel {
 
@@ -30,37 +28,25 @@ public:
     void put(const MediaAddress& address, const MediaSlot& record);
     void putAll(uint collection, const Records& records);
     void remove(const MediaAddress& address);
-    /// items() forgets the collection. item() answers for its slots until they are put anew: models hear of
-    /// the removal and stop asking.
     void removeCollection(uint collection);
-    /// Forgets what item() tells. items() goes on to tell those before the last four resets beside the new
-    /// ones, and who asks for them tells them apart by their pointers.
     void reset();
 
     bool contains(const MediaAddress& address) const;
     /// Null when absent.
     Item item(const MediaAddress& address) const;
-    /// In no fixed order.
+    /// By number.
     QList<Item> items(uint collection) const;
 
 private:
     /// Records and the items that were made of them.
-    struct Shelf
+    struct Collection
     {
-        Item item(uint collection, int number) const;
-        void drop(int number);
-
         Records records;
         mutable QHash<int, Item> made;
     };
-    struct Collection
-    {
-        Shelf now;
-        std::set<int> unlisted;     // those in "now" whose collection was removed
-        std::vector<Shelf> earlier; // those before the last resets
-    };
 
     const Collection* find(int collection) const;
+    static Item itemOf(const Collection& collection, const MediaAddress& address);
 
     std::map<uint, Collection> m_collections;
 };

@@ -31,11 +31,9 @@ GUIPlayback::GUIPlayback(AbstractPlaylistProvider* playlistProvider,
     if (libraryProvider) {
         using Provider = AbstractMediaLibraryProvider;
         connect(libraryProvider, &Provider::reset, this, &GUIPlayback::refreshMediaData);
-        connect(libraryProvider, &Provider::collectionAdded, this, [this](uint collection) {
-            // Comes with its slots, in place of one that may have been there before.
-            if (m_playingSlotAddress.isValid() && uint(m_playingSlotAddress.collection) == collection)
-                refreshMediaData();
-        });
+        connect(libraryProvider, &Provider::editsSettled, this, &GUIPlayback::refreshMediaData);
+        connect(libraryProvider, &Provider::collectionRemoved, this, &GUIPlayback::handleCollectionModified);
+        connect(libraryProvider, &Provider::collectionAdded, this, &GUIPlayback::handleCollectionModified);
         connect(libraryProvider, &Provider::slotAdded, this, &GUIPlayback::handleSlotModified);
         connect(libraryProvider, &Provider::slotChanged, this, &GUIPlayback::handleSlotModified);
         connect(libraryProvider, &Provider::slotRemoved, this, &GUIPlayback::handleSlotModified);
@@ -88,6 +86,8 @@ void GUIPlayback::setInpoint(double seconds)
     m_inpoint = seconds;
     if (m_playingSlot && m_libraryProvider)
         m_libraryProvider->setInpoint(m_playingSlotAddress, seconds);
+    else // a point of nothing does not stand
+        QTimer::singleShot(0, this, &GUIPlayback::refreshMediaData);
     Q_EMIT inpointChanged();
 }
 
@@ -98,6 +98,8 @@ void GUIPlayback::setOutpoint(std::optional<double> seconds)
     m_outpoint = seconds;
     if (m_playingSlot && m_libraryProvider)
         m_libraryProvider->setOutpoint(m_playingSlotAddress, seconds);
+    else
+        QTimer::singleShot(0, this, &GUIPlayback::refreshMediaData);
     Q_EMIT outpointChanged();
 }
 
@@ -123,6 +125,13 @@ void GUIPlayback::handleEntryModified(uint, EntryAddress address)
 void GUIPlayback::handleSlotModified(MediaAddress address)
 {
     if (address.isValid() && address == m_playingSlotAddress)
+        refreshMediaData();
+}
+
+/// It comes and goes with its slots.
+void GUIPlayback::handleCollectionModified(uint collection)
+{
+    if (m_playingSlotAddress.isValid() && uint(m_playingSlotAddress.collection) == collection)
         refreshMediaData();
 }
 

@@ -126,6 +126,7 @@ private:
     void refreshMediaData();
     void handleEntryModified(uint playlist, EntryAddress address);
     void handleSlotModified(MediaAddress address);
+    void handleCollectionModified(uint collection);
     void updateEntry();
     void updateSlot();
     PropertyChangeFlags updateMediaProperties();

@@ -80,7 +80,6 @@ private Q_SLOTS:
     void onlyTheTouchedIsRebuilt();
     void slotThatIsNotThere();
     void collectionRemovedTwice();
-    void reloadKeepsEarlierSlotItems();
     void sharedSlotChanges();
     void removedSlotComesBack();
     void entryAddedIsToldTwice();
@@ -147,21 +146,7 @@ void TestProviders::collectionRemovedTwice()
     mirror.provider.onCollectionRemoved(2);
     QCOMPARE(removed.size(), 1);
     QVERIFY(mirror.provider.slots_(2).isEmpty());
-    QVERIFY(mirror.provider.slot({2, 1})); // until it is written anew
-}
-
-void TestProviders::reloadKeepsEarlierSlotItems()
-{
-    MediaMirror mirror(test::makeLibrary(1, 2));
-    const auto before = mirror.provider.slot({1, 1});
-    mirror.load();
-    QVERIFY(mirror.provider.slot({1, 1}) != before);
-    QVERIFY(mirror.provider.slots_(1).contains(before));
-    QCOMPARE(mirror.provider.slots_(1).size(), 4);
-    for (int i = 0; i < 20; ++i)
-        mirror.load();
-    QVERIFY(!mirror.provider.slots_(1).contains(before));
-    QCOMPARE(mirror.provider.slots_(1).size(), 10);
+    QVERIFY(!mirror.provider.slot({2, 1}));
 }
 
 void TestProviders::sharedSlotChanges()

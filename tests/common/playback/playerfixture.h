@@ -34,7 +34,7 @@ public:
         peer.http.handler = [this, rest](const ScriptedHttp::Request& request) -> ScriptedHttp::Reply {
             if (request.method == "PATCH") {
                 patches.append(request.body);
-                return {204, {}};
+                return {refusal == 0 ? 204 : refusal, refusal == 0 ? QByteArray() : R"({"error":"full"})"};
             }
             if (request.target.endsWith("/medialibrary"))
                 return {200, QByteArray(library).replace("STILL", stillDurationType)};
@@ -141,6 +141,7 @@ public:
                "transitionDuration":1.0}}}}})";
     QByteArray stillDurationType = "manual"; // before connect()
     QList<QByteArray> patches;               // bodies that came by HTTP
+    int refusal = 0;                         // the status that they are answered with
     ScriptedPeer peer;
     std::unique_ptr<PlayerPlaybackView> view;
 

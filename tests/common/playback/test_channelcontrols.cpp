@@ -251,6 +251,40 @@ private Q_SLOTS:
         QCOMPARE(told.first().at(1).toBool(), true);
     }
 
+    /// What the server refuses may be asked for again, and until then the screen shows what there is.
+    void refusedEditsDoNotStand()
+    {
+        allowWarnings(QStringLiteral("Redo failed!"));
+        m_fixture->refusal = 507;
+        QVERIFY(m_fixture->connectWithLibrary());
+        m_fixture->set("preview", "sourceMode", "1");
+        m_fixture->set("preview", "media", quoted("brume://collections/1/slots/1"));
+        m_fixture->set("preview", "mediaPosition", "3.0");
+        const auto* slider = m_fixture->part<SeekSlider>("Preview-PlaybackWidget-SeekSlider");
+        auto* setOutpoint = m_fixture->part<QAbstractButton>("Preview-PlaybackControls-SetOutpoint");
+        // Right when it is answered: a library that is read anew would mend it as well.
+        QSignalSpy settled(m_fixture->peer.session->mediaLibraryProvider(),
+                           &AbstractMediaLibraryProvider::editsSettled);
+        for (int times = 1; times <= 2; ++times) {
+            QTRY_VERIFY(slider->outpoint() == 8.0 && slider->position() == 3.0 && setOutpoint->isEnabled());
+            setOutpoint->click();
+            QCOMPARE(slider->outpoint(), 3.0);
+            QTRY_COMPARE(settled.size(), times);
+            QTest::qWait(1); // points are told of behind the change
+            QCOMPARE(slider->outpoint(), 8.0);
+        }
+        QCOMPARE(m_fixture->patches.size(), 2);
+
+        m_fixture->set("preview", "media", quoted("brume://collections/1/slots/2"));
+        const auto* edit = m_fixture->part<DurationEditWidget>("Preview-PlaybackWidget-DurationEdit");
+        QTRY_VERIFY(edit->isVisible());
+        m_fixture->part<QAbstractButton>("Preview-PlaybackWidget-DurationEdit-Input-infinite-duration-button")
+            ->click();
+        QCOMPARE(edit->durationType(), DurationTypeWidget::Infinite);
+        QTRY_COMPARE(settled.size(), 3);
+        QCOMPARE(edit->durationType(), DurationTypeWidget::Manual);
+    }
+
     void infiniteStillsHaveNoEnd()
     {
         m_fixture->stillDurationType = "infinite";

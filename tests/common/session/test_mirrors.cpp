@@ -308,6 +308,23 @@ private Q_SLOTS:
         playback->setInpoint(4);
         QCOMPARE(in.count(), 2);
         QCOMPARE(playback->inpoint(), 4.0);
+        QTRY_COMPARE(in.count(), 3); // nothing was sent, so it does not stand
+        QCOMPARE(playback->inpoint(), 1.5);
+    }
+
+    void forgetsTheSlotOfACollectionThatGoes()
+    {
+        Stage stage;
+        QVERIFY(stage.load("20"));
+        QVERIFY(stage.apply(channel));
+        GUIPlayback* playback = stage.mirrors->previewPlayback();
+        QVERIFY(playback->playingSlot());
+        allowWarnings(QStringLiteral("Missing slot: ")); // an entry plays it too
+        stage.media->removeCollection(1);
+        stage.slotProvider.onCollectionRemoved(1);
+        QVERIFY(!playback->playingSlot());
+        playback->setOutpoint(7);
+        QTRY_VERIFY(!playback->outpoint()); // a point of nothing
     }
 };
 

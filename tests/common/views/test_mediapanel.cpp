@@ -35,6 +35,7 @@ class Manager : public ImplMediaCollectionManager
 public:
     bool holdsCollection(int) const override { return true; }
     bool isSlotOccupied(int, int) const override { return true; }
+    bool copyCollection(int, int) override { return true; }
     void moveSlot(int collection, int from, int to) override
     {
         asked.append(QStringLiteral("move %1/%2 to %3").arg(collection).arg(from).arg(to));
@@ -93,6 +94,7 @@ class TestMediaPanel : public QObject
 
 private Q_SLOTS:
     void followsTheLibrary();
+    void goesToItsOwnCollectionAlone();
     void offersEditingWhereItIsFollowed();
     void searches_data();
     void searches();
@@ -152,6 +154,29 @@ struct Marked
 };
 
 } // namespace
+
+void TestMediaPanel::goesToItsOwnCollectionAlone()
+{
+    Panel panel(test::makeLibrary(3, 3));
+    QAction* duplicate = nullptr;
+    for (QAction* action : panel.widget.findChild<QMenu*>(QStringLiteral("MediaPanel-menu"))->actions()) {
+        if (action->text() == QStringLiteral("Duplicate collection"))
+            duplicate = action;
+    }
+    QVERIFY(duplicate);
+    const auto comes = [&](int number) {
+        panel.mirror.edit([=](MediaLibrary& library) {
+            library.insertMediaCollection(number, MediaCollection("new"), true);
+        });
+    };
+    duplicate->trigger();
+    comes(4);
+    QCOMPARE(panel.widget.selectedCollection(), 4);
+    duplicate->trigger();
+    Q_EMIT panel.mirror.provider.editsSettled(); // it was refused
+    comes(5);
+    QCOMPARE(panel.widget.selectedCollection(), 4);
+}
 
 void TestMediaPanel::offersEditingWhereItIsFollowed()
 {
