@@ -19,6 +19,19 @@ MAY_KNOW = {
 # The rooms of common stand on floors, from the ground up: cmake/floors.txt, from which they are built as well. A room
 # knows every room below its floor, and none beside it or above.
 FLOORS = "cmake/floors.txt"
+# The rooms of the library and of the server stand on floors as well, below those of common. What lies in "tarn", "ombra"
+# or "util" itself is that folder's own; a folder below them is a room, and has its line here.
+GROUND = [
+    ["tarn", "tarn/json", "tarn/log", "tarn/edid", "tarn/ftp"],
+    ["tarn/media", "tarn/net", "tarn/discovery", "util"],
+    ["tarn/scene", "tarn/preview"],
+    ["tarn/qt"],
+    ["ombra/base"],
+    ["ombra/decode", "ombra/link", "ombra/outputs", "ombra/preview"],
+    ["ombra/engine", "ombra/show"],
+    ["ombra/rest", "ombra/ftp"],
+    ["ombra"],
+]
 HANDLE = "common/session/session.h"
 # Who reaches for the session through its handle although the session stands above: file, and why.
 REACHES = {
@@ -49,7 +62,47 @@ ASKS = {
     "common/ui/keyboard/hotkeys.cpp": "keys undo and redo on the one undo stack, wherever the focus is",
     "common/ui/keyboard/hotkeytip.cpp": "shows the keys in force in tooltips of any room",
 }
+# Who asks for another object of which there is one: class, file, and why. Its own file and tests are free.
+SINGLETONS = {
+    "NotificationManagerImpl": {
+        "common/command/abstractdiffapicommand.cpp": "an edit that the server refuses has no view left that could tell",
+        "common/command/refusal.cpp": "the one place that tells of a command that was not taken",
+        "common/filesystem/models/filesystemdrophandler.cpp": "a drop that cannot be done has no view of its own",
+        "common/filesystem/schedule/filesystemoperationsrunnerprivate.cpp": "a transfer fails long after who asked for it is gone",
+        "common/media/models/playlist/playlisteditormodel.cpp": "refuses an edit to whichever view asked",
+        "common/qml/qmlmanager.cpp": "what QML may see of the application",
+        "common/ui/shell/mainwindow.cpp": "hands it to what shows the messages",
+        "common/ui/shell/notificationpresenter.cpp": "shows the messages",
+        "common/ui/shell/showmanager.cpp": "tells how a work of the server's ended",
+        "common/ui/shell/showshelf.cpp": "tells how a work of the server's ended",
+        "common/views/playlist/playlistfiles.cpp": "tells how a file was read or written",
+    },
+    "QMLManager": {
+        "common/qml/quickview.cpp": "the one engine of all declarative views",
+        "common/ui/shell/mainwindow.cpp": "ends the engine before the session",
+        "common/ui/shell/notificationdialogwrapper.cpp": "the one engine of all declarative views",
+        "common/ui/shell/notificationhost.cpp": "the one engine of all declarative views",
+        "common/views/slotdrops.cpp": "opens the one declared dialog of a drop",
+    },
+    "DefaultFileSystemProvider": {
+        "common/filesystem/schedule/operationfactory.cpp": "knows the local disks from a server by it",
+        "common/session/session.cpp": "gives it out as a part of the session",
+        "common/session/sessionfiles.cpp": "builds the models of files on it",
+    },
+    "LocalHomeLocations": {
+        "common/filesystem/model/localhomelocationswrapper.cpp": "is its declarative face",
+        "common/qml/qmlmanager.cpp": "what QML may see of the application",
+        "common/session/sessionfiles.cpp": "builds the model of local files on it",
+    },
+    "LogManager": {
+        "common/ui/diagnostics/diagnosticsmanager.cpp": "packs the folder of the log",
+        "launcher/main.cpp": "puts it in place of Qt's own, before anything else stands",
+    },
+}
 ASKED = "Session::instance()"
+INSTANCE = re.compile(r"\b((?!Q[A-Z]\w*Application\b)[A-Z]\w*)::instance\(\)")
+# Modules that core rooms know nothing of, also where an include names the module itself.
+WIDGETS = re.compile(r"Qt\w*Widgets/")
 # Qt stays out of these rooms.
 NO_QT = ["util", "tarn", "ombra"]
 NO_QT_EXCEPT = ["tarn/qt"]
@@ -63,22 +116,29 @@ def in_room(path, room):
     return path == room or path.startswith(room + "/")
 
 
-def read_floors(root):
+def read_table(root):
+    """The floors of common: what each may have, and its rooms."""
+    return [line.split() for line in (root / FLOORS).read_text(encoding="utf-8").splitlines()
+            if line and not line.startswith("#")]
+
+
+def numbered(table):
     """Each room with the number of its floor."""
-    lines = [line.split() for line in (root / FLOORS).read_text(encoding="utf-8").splitlines()
-             if line and not line.startswith("#")]
-    return {room: number for number, (_, *rooms) in enumerate(lines) for room in rooms}
+    rows = GROUND + [rooms for _, *rooms in table]
+    return {room: number for number, rooms in enumerate(rows) for room in rooms}
 
 
 def room_of(path, floors):
-    return max((room for room in floors if in_room(path, room)), key=len, default=None)
+    room = max((room for room in floors if in_room(path, room)), key=len, default=None)
+    is_unlisted = room in ("tarn", "ombra", "util") and path.count("/") > 1
+    return None if is_unlisted else room
 
 
 def floor_fault(name, ours, floors):
-    """What is wrong with an include from one room of common into another; None when it leads down."""
+    """What is wrong with an include from one room into another; None when it leads down."""
     here, there = room_of(name, floors), room_of(ours, floors)
     if here is None or there is None:
-        return f"stands in no room of {FLOORS}" if in_room(name, "common") and here is None else None
+        return None if here or in_room(name, "launcher") else f"stands in no room of {FLOORS} or of GROUND"
     if here == there or floors[there] < floors[here]:
         return None
     if ours == HANDLE:
@@ -86,7 +146,7 @@ def floor_fault(name, ours, floors):
     return f"includes {ours}, which is not below {here}"
 
 
-def faults_of(root, path, floors):
+def faults_of(root, path, floors, core):
     name = path.relative_to(root).as_posix()
     room = max((r for r in MAY_KNOW if in_room(name, r)), key=len)
     for number, line in enumerate(path.read_text(encoding="utf-8").splitlines(), 1):
@@ -99,6 +159,8 @@ def faults_of(root, path, floors):
             is_qt = re.match(r"Q[A-Z]|Qt[A-Z]", system)
             if is_qt and any(in_room(name, r) for r in NO_QT) and not any(in_room(name, r) for r in NO_QT_EXCEPT):
                 yield f"{where}: includes <{system}>, and Qt stays out of {room}"
+            if room_of(name, floors) in core and WIDGETS.match(system):
+                yield f"{where}: includes <{system}>, and {room_of(name, floors)} is built without widgets"
             continue
         if ours.endswith(".moc"):
             continue
@@ -107,6 +169,8 @@ def faults_of(root, path, floors):
             continue
         if (name, ours) in KNOTS:
             continue
+        if room in NO_QT and any(in_room(ours, other) for other in NO_QT_EXCEPT):
+            yield f"{where}: includes {ours}, and Qt stays out of {room}"
         if not any(in_room(ours, allowed) for allowed in MAY_KNOW[room]):
             yield f"{where}: {room} must not know {ours}"
         fault = floor_fault(name, ours, floors)
@@ -114,14 +178,13 @@ def faults_of(root, path, floors):
             yield f"{where}: {fault}"
 
 
-def drawn_faults(root, floors):
+def drawn_faults(root, table):
     """ARCHITECTURE.md shows the floors as they are built."""
     drawn = (root / "ARCHITECTURE.md").read_text(encoding="utf-8")
-    table = [line.split()[1:] for line in (root / FLOORS).read_text(encoding="utf-8").splitlines()
-             if line and not line.startswith("#")]
-    shown = re.findall(r"^ *\d+ +(common/.*)$", drawn, re.MULTILINE)
-    if [line.split() for line in reversed(shown)] != table:
-        yield f"ARCHITECTURE.md does not show the floors of {FLOORS}"
+    for first, rows, where in (("common/", [rooms for _, *rooms in table], FLOORS), ("(?:tarn|ombra)", GROUND, "GROUND")):
+        shown = re.findall(rf"^ *\d+ +({first}.*)$", drawn, re.MULTILINE)
+        if [line.split() for line in reversed(shown)] != rows:
+            yield f"ARCHITECTURE.md does not show the floors of {where}"
 
 
 def asking_faults(root, files, floors):
@@ -136,14 +199,30 @@ def asking_faults(root, files, floors):
     yield from (f"{name} asks for the session no longer: take its line out of ASKS" for name in ASKS if name not in asking)
 
 
+def singleton_faults(root, files):
+    """Who asks for an object of which there is one stands in SINGLETONS, and nobody else does there."""
+    asking = set()
+    for path in files:
+        name = path.relative_to(root).as_posix()
+        asking |= {(asked, name) for asked in INSTANCE.findall(path.read_text(encoding="utf-8"))
+                   if asked != "Session" and path.stem != asked.lower()}
+    named = {(asked, name) for asked, askers in SINGLETONS.items() for name in askers}
+    yield from (f"{name} asks for the one {asked} without a reason in SINGLETONS" for asked, name in sorted(asking - named))
+    yield from (f"{name} asks for the one {asked} no longer: take its line out of SINGLETONS"
+                for asked, name in sorted(named - asking))
+
+
 def main():
     root = pathlib.Path(sys.argv[1]).resolve()
     files = [p for room in ("util", "tarn", "ombra", "launcher", "common")
              for suffix in ("*.h", "*.cpp") for p in sorted((root / room).rglob(suffix))]
-    floors = read_floors(root)
-    faults = list(drawn_faults(root, floors))
-    faults += [fault for path in files for fault in faults_of(root, path, floors)]
+    table = read_table(root)
+    floors = numbered(table)
+    core = {room for may_have, *rooms in table if may_have == "core" for room in rooms}
+    faults = list(drawn_faults(root, table))
+    faults += [fault for path in files for fault in faults_of(root, path, floors, core)]
     faults += asking_faults(root, files, floors)
+    faults += singleton_faults(root, files)
     unused = [knot for knot in KNOTS if not (root / knot[0]).exists() or knot[1] not in (root / knot[0]).read_text()]
     faults += [f"the knot {knot} is gone from the code: take its line out" for knot in unused]
     faults += [f"{name} reaches for the session no longer: take its line out of REACHES" for name in REACHES
