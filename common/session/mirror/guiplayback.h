@@ -93,7 +93,7 @@ Q_SIGNALS:
     void inpointChanged();
     void outpointChanged();
     void durationChanged();
-    void mediaPositionChanged();
+    void mediaPositionChanged(double seconds);
     void fpsChanged();
     void stateChanged();
 

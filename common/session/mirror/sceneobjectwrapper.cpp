@@ -89,16 +89,24 @@ void SceneObjectWrapper::onSceneChangeStatic(Scene*, int count, const SceneChang
     }
     for (int i = 0; i < count; ++i)
         if (changes[i].kind == SceneChange::PropertyChanged && changes[i].object == self->m_object.get())
-            self->notifyPropertyChanged(changes[i].property);
+            self->notifyPropertyChanged(changes[i].property, changes[i].value);
 }
 
-void SceneObjectWrapper::notifyPropertyChanged(const PropertyInfo* property)
+void SceneObjectWrapper::notifyPropertyChanged(const PropertyInfo* property, const Variant& value)
 {
     const auto found = m_signalMap.constFind(property);
     if (found == m_signalMap.cend())
         return;
     notifyPropertyChangedHook(property->name);
-    metaObject()->method(*found).invoke(this, Qt::DirectConnection);
+    const QMetaMethod signal = metaObject()->method(*found);
+    if (signal.parameterCount() == 0) {
+        signal.invoke(this, Qt::DirectConnection);
+        return;
+    }
+    const QMetaType type = signal.parameterMetaType(0);
+    QVariant argument = variantToQVariant(value);
+    argument.convert(type);
+    signal.invoke(this, Qt::DirectConnection, QGenericArgument(type.name(), argument.constData()));
 }
 
 } // namespace vantrel

@@ -11,7 +11,8 @@ namespace vantrel {
 
 /// Mirror of one scene object as QObject properties. It stands on a placeholder of the right type until the
 /// real object arrives and goes back to one when that leaves, so that widgets bind once at start-up; reset()
-/// tells of both. Writes go to the scene and from there to the server. Main thread only.
+/// tells of both. Writes go to the scene and from there to the server. A notify signal with an argument hands
+/// the value of the change on. Main thread only.
 class SceneObjectWrapper : public QObject
 {
     Q_OBJECT
@@ -61,7 +62,7 @@ private:
     static void onSceneChangeStatic(Scene* scene, int count, const SceneChange* changes, void* user);
     void write(const PropertyInfo* info, const Variant& value);
     void prepareSignalMap();
-    void notifyPropertyChanged(const PropertyInfo* property);
+    void notifyPropertyChanged(const PropertyInfo* property, const Variant& value);
     Ref<Object> makePlaceholder() const;
 
     QString m_typeName;

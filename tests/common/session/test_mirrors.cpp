@@ -250,6 +250,17 @@ private Q_SLOTS:
         stage.scene->removeChangeCallback(count, &changes);
     }
 
+    void handsTheValueOfAChangeOn()
+    {
+        Stage stage;
+        QVERIFY(stage.apply(channel));
+        QSignalSpy position(stage.mirrors->previewPlayback(), &GUIPlayback::mediaPositionChanged);
+        QVERIFY(stage.apply(
+            R"([{"op":"replace","path":"/device/channels/0/preview/properties/mediaPosition","value":2}])"));
+        QCOMPARE(position.count(), 1);
+        QCOMPARE(position.at(0).at(0).toDouble(), 2.0);
+    }
+
     void knowsWhatPlays()
     {
         Stage stage;
