@@ -72,6 +72,7 @@ PlaybackWidget::PlaybackWidget(PlaybackViewMode viewMode, Session* session, QWid
 
     for (int column = PlaybackModel::MediaUrlColumn; column < PlaybackModel::ColumnCount; ++column)
         applyCell(column, m_model->index(0, column).data());
+    showPositionAnew();
     handleMediaChanged();
     refreshPlaybackControls();
     setLocked(!isPreview());
@@ -308,6 +309,8 @@ void PlaybackWidget::resetEndPoints()
 
 void PlaybackWidget::onPlaybackDataChanged(const QModelIndex& topLeft, const QModelIndex&, const QList<int>&)
 {
+    if (topLeft.column() == PlaybackModel::MediaPositionColumn) // comes from the playback itself
+        return;
     const QVariant value = topLeft.data();
     if (value.isValid() && topLeft.column() < PlaybackModel::ColumnCount)
         applyCell(topLeft.column(), value);
@@ -346,10 +349,6 @@ void PlaybackWidget::applyCell(int column, const QVariant& value)
         resetEndPoints();
         refreshPlaybackControls();
         break;
-    case PlaybackModel::MediaPositionColumn:
-        m_timecodes->setPosition(seconds);
-        m_slider->setPosition(seconds);
-        break;
     case PlaybackModel::FpsColumn:
         m_header->duration()->setFps(seconds);
         m_timecodes->setFps(seconds);
@@ -363,6 +362,17 @@ void PlaybackWidget::applyCell(int column, const QVariant& value)
     const bool isRange = column >= PlaybackModel::InpointColumn && column <= PlaybackModel::DurationColumn;
     if (isRange || column == PlaybackModel::MediaUrlColumn)
         m_slider->setPosition(modelSeconds(PlaybackModel::MediaPositionColumn));
+}
+
+void PlaybackWidget::showPosition(double seconds)
+{
+    m_timecodes->setPosition(seconds);
+    m_slider->setPosition(seconds);
+}
+
+void PlaybackWidget::showPositionAnew()
+{
+    showPosition(modelSeconds(PlaybackModel::MediaPositionColumn));
 }
 
 void PlaybackWidget::handleInpointSet(double seconds)

@@ -134,6 +134,8 @@ private:
     void updateNotice();
     bool findMediaName(QString& name) const;
     double modelSeconds(int column) const;
+    void showPosition(double seconds);
+    void showPositionAnew();
     void applyCell(int column, const QVariant& value);
     void playDroppedItem(const GuiMediaItem& item);
 

@@ -64,6 +64,8 @@ void PlaybackWidget::connectSources()
     if (m_playback) {
         connect(m_playback, &GUIPlayback::mediaChanged, this, &PlaybackWidget::handleMediaChanged);
         connect(m_playback, &GUIPlayback::heldMediaChanged, this, &PlaybackWidget::updateMediaAddress);
+        connect(m_playback, &GUIPlayback::mediaPositionChanged, this, &PlaybackWidget::showPosition);
+        connect(m_playback, &GUIPlayback::reset, this, &PlaybackWidget::showPositionAnew);
     }
 }
 
