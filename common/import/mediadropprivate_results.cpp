@@ -8,6 +8,7 @@
 #include "common/media/address/medialogging.h"
 #include "common/media/address/showntext.h"
 #include "tarn/media/imagesequenceformat.h"
+#include "tarn/media/mediaenums.h"
 
 namespace vantrel {
 

@@ -6,6 +6,7 @@
 #include "common/media/address/mediafiles.h"
 #include "common/media/address/medialogging.h"
 #include "common/media/edit/mediacollectionmanager.h"
+#include "tarn/media/mediaenums.h"
 
 namespace vantrel {
 

@@ -14,6 +14,7 @@
 #include "common/ui/style/fontsizefollower.h"
 #include "common/ui/style/spacing.h"
 #include "common/ui/toolkit/elidedlabel.h"
+#include "tarn/media/mediaenums.h"
 
 #include <QHBoxLayout>
 #include <QVBoxLayout>

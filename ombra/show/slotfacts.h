@@ -1,5 +1,6 @@
 #pragma once
 
+#include "tarn/media/mediaenums.h"
 #include "tarn/media/medialibrary.h"
 
 #include <filesystem>

@@ -1,6 +1,7 @@
 #include "tarn/media/mediametadata.h"
 
 #include "tarn/media/enumtext.h"
+#include "tarn/media/mediaenums.h"
 
 #include <limits>
 #include <set>

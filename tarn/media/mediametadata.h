@@ -2,15 +2,19 @@
 
 #include "tarn/json/json.h"
 #include "tarn/media/datetime.h"
-#include "tarn/media/mediaenums.h"
 #include "tarn/media/rational.h"
 
+#include <cstdint>
 #include <map>
 #include <optional>
 #include <string>
 #include <unordered_set>
 
 namespace vantrel {
+
+enum class ColorSpace : std::int32_t;
+enum class MediaCaveat : std::int32_t;
+enum class MediaType : std::int32_t;
 
 /// What the server knows of one media file. JSON form, all members but "type" and "isPlayable" optional or
 /// null: {"type", "isPlayable", "caveats": [text], "caveatTexts": {caveat: sentence}, "duration", "error",
@@ -27,8 +31,8 @@ public:
         std::optional<int> width; // pixels
         std::optional<int> height;
         std::optional<Rational<int>> pixelAspect;
-        std::string codec; // a still's format
-        ColorSpace colorSpace = ColorSpace::Unknown;
+        std::string codec;       // a still's format
+        ColorSpace colorSpace{}; // Unknown
         std::string pixelFormat;
         std::string profile;                 // the four below are of moving pictures alone
         std::optional<double> frameRate;     // pictures a second
@@ -87,7 +91,7 @@ public:
     void setMissingPictures(std::optional<std::int64_t> count) { m_missingPictures = count; }
 
 private:
-    MediaType m_type = MediaType::Unknown;
+    MediaType m_type{}; // Unknown
     bool m_playable = false;
     std::unordered_set<MediaCaveat> m_caveats;
     std::map<MediaCaveat, std::string> m_caveatTexts;

@@ -1,6 +1,7 @@
 #include "tarn/media/mediaslot.h"
 
 #include "tarn/media/enumtext.h"
+#include "tarn/media/mediaenums.h"
 #include "tarn/media/recordrules.h"
 
 #include <algorithm>
@@ -170,6 +171,11 @@ std::optional<double> MediaSlot::getInherentMediaDuration() const
 std::optional<double> MediaSlot::getCustomMediaDuration() const
 {
     return optionalDouble(m_json.find("duration"));
+}
+
+bool MediaSlot::isFinite() const
+{
+    return getDurationType() != MediaDurationType::Infinite;
 }
 
 ScaleMode MediaSlot::getScaleMode() const

@@ -1,13 +1,17 @@
 #pragma once
 
 #include "tarn/json/json.h"
-#include "tarn/media/mediaenums.h"
 #include "tarn/media/mediametadata.h"
 
+#include <cstdint>
 #include <optional>
 #include <string>
 
 namespace vantrel {
+
+enum class MediaDurationType : std::int32_t;
+enum class MediaType : std::int32_t;
+enum class ScaleMode : std::int32_t;
 
 /// One media file with its playback settings. A typed view of its JSON node: copies share it, a setter makes
 /// a new one, and toJson() is the node itself. All times in seconds.
@@ -33,7 +37,7 @@ public:
     double getTrimmedDuration() const;
     std::optional<double> getInherentMediaDuration() const;
     std::optional<double> getCustomMediaDuration() const;
-    bool isFinite() const { return getDurationType() != MediaDurationType::Infinite; }
+    bool isFinite() const;
     ScaleMode getScaleMode() const;
     bool getIsPlayable() const;
     /// A still stands for ever until somebody gives it a duration, whatever its type says.

@@ -4,6 +4,7 @@
 #include "common/session/mirror/guiplayback.h"
 #include "common/session/mirror/sceneobjectprovider.h"
 #include "common/session/session.h"
+#include "tarn/media/mediaenums.h"
 #include "tarn/media/medialibrary.h"
 #include "tarn/media/playenums.h"
 #include "tarn/preview/previewclient.h"

@@ -1,13 +1,16 @@
 #pragma once
 
 #include "common/media/address/mediastate.h"
-#include "tarn/media/mediaenums.h"
 
 #include <QSet>
 #include <QString>
 #include <QUrl>
 
+#include <cstdint>
+
 namespace vantrel {
+
+enum class MediaType : std::int32_t;
 
 /// What is known of a media file beside its name and size. Only the server's side fills it.
 struct FileMetadata
@@ -31,12 +34,12 @@ public:
     MediaState mediaState = MediaState::UnknownState;
     /// Where declarative views find its picture.
     QUrl thumbnail;
-    MediaType mediaType = MediaType::Unknown;
+    MediaType mediaType{}; // Unknown
 
     /// The server has told of the file; asked for is not answered.
     bool isTold() const
     {
-        return isPlayable || mediaType != MediaType::Unknown || mediaState != MediaState::UnknownState;
+        return isPlayable || mediaType != MediaType{} || mediaState != MediaState::UnknownState;
     }
 
     bool operator==(const FileMetadata&) const = default;

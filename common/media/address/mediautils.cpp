@@ -2,6 +2,7 @@
 
 #include "common/media/address/mediafiles.h"
 #include "common/media/address/medialogging.h"
+#include "tarn/media/mediaenums.h"
 
 #include <QCoreApplication>
 #include <QModelIndex>

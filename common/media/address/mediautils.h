@@ -3,15 +3,19 @@
 #include "common/media/address/mediastate.h"
 #include "tarn/media/entryaddress.h"
 #include "tarn/media/mediaaddress.h"
-#include "tarn/media/mediaenums.h"
 #include "tarn/media/playenums.h"
 
 #include <QRegularExpression>
 #include <QString>
 
+#include <cstdint>
+
 class QModelIndex;
 
 namespace vantrel {
+
+enum class MediaType : std::int32_t;
+enum class ScaleMode : std::int32_t;
 
 /// The display text of a scale mode.
 QString scaleModeToPrettyString(ScaleMode mode);

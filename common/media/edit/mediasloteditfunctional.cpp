@@ -8,6 +8,7 @@
 #include "common/media/edit/slot/renameslotcommand.h"
 #include "common/media/library/medialibraryprovider.h"
 #include "common/session/session.h"
+#include "tarn/media/mediaenums.h"
 
 namespace vantrel {
 

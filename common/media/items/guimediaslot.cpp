@@ -3,6 +3,7 @@
 #include "common/media/address/mediafiles.h"
 #include "common/media/address/medialogging.h"
 #include "tarn/media/enumtext.h"
+#include "tarn/media/mediaenums.h"
 #include "tarn/media/mediametadata.h"
 #include "tarn/media/mediaslot.h"
 
@@ -59,6 +60,11 @@ bool isScaleMode(const QJsonValue& value)
 
 } // namespace
 
+GuiMediaSlot::GuiMediaSlot()
+    : m_scaleMode(ScaleMode::Default)
+{
+}
+
 GuiMediaSlot::GuiMediaSlot(MediaAddress address, const MediaSlot& slot)
     : m_address(address)
     , m_name(QString::fromStdString(slot.getName()))
@@ -75,6 +81,11 @@ GuiMediaSlot::GuiMediaSlot(MediaAddress address, const MediaSlot& slot)
 {
     if (const MediaType type = slot.getMetadata().getMediaType(); type != MediaType::Unknown)
         m_mediaType = type;
+}
+
+bool GuiMediaSlot::hasInfiniteDuration() const
+{
+    return m_durationType == MediaDurationType::Infinite;
 }
 
 MediaSlot GuiMediaSlot::toSdkMediaSlot() const

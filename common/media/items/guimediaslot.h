@@ -2,16 +2,20 @@
 
 #include "common/media/items/guimediaitem.h"
 #include "tarn/media/mediaaddress.h"
-#include "tarn/media/mediaenums.h"
 
 #include <QList>
 #include <QMetaType>
 #include <QString>
 #include <QUrl>
 
+#include <cstdint>
 #include <optional>
 
 namespace vantrel {
+
+enum class MediaDurationType : std::int32_t;
+enum class MediaType : std::int32_t;
+enum class ScaleMode : std::int32_t;
 
 class MediaSlot;
 
@@ -22,7 +26,7 @@ class GuiMediaSlot final : public GuiMediaItem
     Q_PROPERTY(QString name READ name WRITE setName)
 
 public:
-    GuiMediaSlot() = default;
+    GuiMediaSlot();
     GuiMediaSlot(MediaAddress address, const MediaSlot& slot);
 
     MediaAddress address() const { return m_address; }
@@ -43,7 +47,7 @@ public:
     void setIsPlayable(bool playable) { m_isPlayable = playable; }
     MediaDurationType durationType() const { return m_durationType; }
     void setDurationType(MediaDurationType type) { m_durationType = type; }
-    bool hasInfiniteDuration() const { return m_durationType == MediaDurationType::Infinite; }
+    bool hasInfiniteDuration() const;
     std::optional<double> frameRate() const { return m_frameRate; }
     void setFrameRate(std::optional<double> rate) { m_frameRate = rate; }
     std::optional<int> firstFrame() const { return m_firstFrame; }
@@ -71,9 +75,9 @@ private:
     double m_inpoint = 0;
     std::optional<double> m_outpoint;
     double m_duration = 0;
-    ScaleMode m_scaleMode = ScaleMode::Default;
+    ScaleMode m_scaleMode;
     bool m_isPlayable = false;
-    MediaDurationType m_durationType = MediaDurationType::Manual;
+    MediaDurationType m_durationType{}; // Manual
     std::optional<double> m_frameRate;
     std::optional<int> m_firstFrame;
     std::optional<int> m_lastFrame;

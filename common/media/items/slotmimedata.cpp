@@ -2,6 +2,7 @@
 
 #include "common/media/items/guimediaslot.h"
 #include "common/media/items/mimedata.h"
+#include "tarn/media/mediaenums.h"
 #include "tarn/media/medialibrary.h"
 
 namespace vantrel {

@@ -9,6 +9,7 @@
 #include "common/media/items/guimediaslot.h"
 #include "common/media/models/medialibrarymodel.h"
 #include "tarn/media/imagesequenceformat.h"
+#include "tarn/media/mediaenums.h"
 
 namespace vantrel {
 

@@ -7,6 +7,7 @@
 #include "common/media/net/mediadataaggregator.h"
 #include "common/qml/selectionmodel.h"
 #include "common/views/media/slotgridmodel.h"
+#include "tarn/media/mediaenums.h"
 #include "tarn/media/mediametadata.h"
 
 #include <QElapsedTimer>

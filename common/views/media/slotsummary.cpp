@@ -4,6 +4,7 @@
 #include "common/media/address/mediautils.h"
 #include "common/media/models/medialibrarymodel.h"
 #include "common/session/settings/timeutils.h"
+#include "tarn/media/mediaenums.h"
 #include "tarn/media/mediametadata.h"
 #include "util/clocktime.h"
 

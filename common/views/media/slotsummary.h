@@ -1,18 +1,20 @@
 #pragma once
 
 #include "common/media/net/metadataprovider.h"
-#include "tarn/media/mediaenums.h"
 
 #include <QSet>
 #include <QUrl>
 #include <QVariantList>
 
+#include <cstdint>
 #include <map>
 #include <optional>
 
 class QModelIndex;
 
 namespace vantrel {
+
+enum class MediaType : std::int32_t;
 
 /// What many slots come to: how many of which kind, how long, how large, and what they have in common. A
 /// value.

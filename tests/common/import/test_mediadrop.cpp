@@ -3,6 +3,7 @@
 #include "common/import/imagesequencecreator.h"
 #include "common/import/mediadrop.h"
 #include "common/import/mediaquestions.h"
+#include "tarn/media/mediaenums.h"
 #include "tests/common/filesystem/fakefilesystem.h"
 #include "tests/common/import/fakecollections.h"
 #include "tests/support/testmain.h"

@@ -7,6 +7,7 @@
 #include "common/session/settings/configuration.h"
 #include "common/ui/style/stylesheet.h"
 #include "common/ui/toolkit/pushbutton.h"
+#include "tarn/media/mediaenums.h"
 #include "tests/common/import/fakecollections.h"
 #include "tests/common/ui/testsettings.h"
 #include "tests/support/testmain.h"

@@ -1,6 +1,7 @@
 #include "ombra/engine/librarysource.h"
 #include "ombra/engine/playback.h"
 #include "tarn/log/log.h"
+#include "tarn/media/mediaenums.h"
 #include "tarn/media/medialibrary.h"
 #include "tarn/media/playlistruntime.h"
 #include "tarn/scene/scene.h"

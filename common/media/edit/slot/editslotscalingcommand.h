@@ -1,9 +1,12 @@
 #pragma once
 
 #include "common/command/libraryeditcommand.h"
-#include "tarn/media/mediaenums.h"
+
+#include <cstdint>
 
 namespace vantrel {
+
+enum class ScaleMode : std::int32_t;
 
 /// Sets how a slot's picture fills the output.
 class EditSlotScalingCommand : public LibraryEditCommand

@@ -4,6 +4,7 @@
 #include "common/media/address/mediafiles.h"
 #include "common/media/address/showntext.h"
 #include "common/media/items/guimediaslot.h"
+#include "tarn/media/mediaenums.h"
 #include "tarn/media/medialibrary.h"
 
 namespace vantrel {
