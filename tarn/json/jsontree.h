@@ -55,11 +55,6 @@ struct [[gnu::visibility("hidden")]] JsonTree
     /// The same, but sharing the node of an equal long text made lately: names recur.
     static Json makeKey(std::string_view validUtf8);
 
-    /// Whether the trees below two containers are one, and so their contents.
-    static bool sameTree(const Json& a, const Json& b) noexcept
-    {
-        return a.m_wide.payload.heap == b.m_wide.payload.heap;
-    }
     static std::uint32_t count(const Json& tree) noexcept
     {
         return tree.m_wide.count;

@@ -1,9 +1,6 @@
 #include "common/ui/style/fontsizefollower.h"
 
 #include "common/session/settings/configuration.h"
-#include "common/ui/style/dynamicstyle.h"
-
-#include <QWidget>
 
 #include <cmath>
 
@@ -19,19 +16,6 @@ void followFontSize(QObject* context, std::function<void(FontSize)> apply)
                                  apply(fontSizeFrom(value));
                          });
     }
-}
-
-void followFixedSize(QWidget* widget, const QMap<FontSize, QSize>& sizes)
-{
-    followFontSize(widget, [widget, sizes](FontSize size) {
-        if (const auto found = sizes.constFind(size); found != sizes.cend())
-            widget->setFixedSize(*found);
-    });
-}
-
-void followFontSizeStyle(QWidget* widget)
-{
-    followFontSize(widget, [widget](FontSize size) { setDynamicStyle(widget, "fontsize", toString(size)); });
 }
 
 int iconExtent(FontSize size)

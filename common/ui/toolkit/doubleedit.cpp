@@ -13,6 +13,8 @@ namespace vantrel {
 
 namespace {
 
+/// What a key, or a notch of the wheel, changes.
+constexpr double step = 0.1;
 /// A drag of this many pixels is one step.
 constexpr double pixelsPerStep = 4.0;
 
@@ -54,12 +56,6 @@ void DoubleEdit::setUnit(const QString& unit)
 {
     m_unit = unit;
     showValue();
-}
-
-void DoubleEdit::setStep(double step)
-{
-    if (step > 0.0 && std::isfinite(step))
-        m_step = step;
 }
 
 void DoubleEdit::setDecimals(int decimals)
@@ -156,7 +152,7 @@ void DoubleEdit::keyPressEvent(QKeyEvent* event)
         if (!isReadOnly()) {
             commit();
             const double direction = event->key() == Qt::Key_Up ? 1.0 : -1.0;
-            edit(rounded(m_value + direction * steps * m_step, m_decimals));
+            edit(rounded(m_value + direction * steps * step, m_decimals));
             startTyping();
         }
         return;
@@ -204,9 +200,9 @@ void DoubleEdit::mouseMoveEvent(QMouseEvent* event)
     if (!m_dragging && qAbs(pixels) < QApplication::startDragDistance())
         return;
     m_dragging = true;
-    double target = m_dragValue + pixels / pixelsPerStep * m_step;
+    double target = m_dragValue + pixels / pixelsPerStep * step;
     if (configurationValue(DRAGGER_ROUND_TO_STEP_SIZE).toBool())
-        target = std::round(target / m_step) * m_step;
+        target = std::round(target / step) * step;
     edit(target);
 }
 
@@ -226,7 +222,7 @@ void DoubleEdit::wheelEvent(QWheelEvent* event)
 {
     if (hasFocus() && !isReadOnly() && event->angleDelta().y() != 0) {
         commit();
-        edit(rounded(m_value + (event->angleDelta().y() > 0 ? m_step : -m_step), m_decimals));
+        edit(rounded(m_value + (event->angleDelta().y() > 0 ? step : -step), m_decimals));
         startTyping();
         return;
     }

@@ -24,12 +24,9 @@ public:
     double value() const { return m_value; }
     double minimum() const { return m_minimum; }
     double maximum() const { return m_maximum; }
-    double step() const { return m_step; }
     /// The unlimited range at first; maximum below minimum counts as minimum.
     void setRange(double minimum, double maximum);
     void setUnit(const QString& unit);
-    /// 0.1 at first; also the change of one drag pixel times ten.
-    void setStep(double step);
     /// Decimals shown; 1 at first. Typed values are rounded to them.
     void setDecimals(int decimals);
 
@@ -65,7 +62,6 @@ private:
     double m_value = 0.0;
     double m_minimum;
     double m_maximum;
-    double m_step = 0.1;
     int m_decimals = 1;
     QString m_unit;
     bool m_typing = false;

@@ -64,12 +64,6 @@ void SwitchSelect::chooseNone()
     m_group->setExclusive(true);
 }
 
-void SwitchSelect::setItemEnabled(const QVariant& value, bool enabled)
-{
-    if (PushButton* item = button(value))
-        item->setEnabled(enabled);
-}
-
 PushButton* SwitchSelect::button(const QVariant& value) const
 {
     for (const Item& item : m_items) {

@@ -29,7 +29,6 @@ public:
     /// Chooses the item of that value; a value that no item has leaves the choice as it is.
     void setValue(const QVariant& value);
     void chooseNone();
-    void setItemEnabled(const QVariant& value, bool enabled);
     PushButton* button(const QVariant& value) const;
     /// Items are named base + "-" + the item's text in lower case, blanks as "_".
     void setObjectNames(const QString& base) override;

@@ -159,7 +159,7 @@ QDateTime ListClock::zero() const
     const bool isNews = std::exchange(m_left, seconds) != seconds || !isRunning();
     if (m_zero.isValid() && (m_isStale || !isNews))
         return m_zero;
-    const QDateTime now = m_now().addMSecs(std::llround(seconds * 1000));
+    const QDateTime now = QDateTime::currentDateTime().addMSecs(std::llround(seconds * 1000));
     // Positions come a little early and late; an end that stands must not go to and fro with them.
     if (!m_zero.isValid() || std::abs(m_zero.msecsTo(now)) > toleranceMs)
         m_zero = now;
@@ -199,13 +199,14 @@ QString ListClock::courseText() const
     if (kind == Kind::Repeats && isNow)
         return tr("%1 repeats until somebody goes on").arg(entry);
     const QDateTime ends = zero();
-    const double now = isRunning() ? std::max<qint64>(0, m_now().msecsTo(ends)) / 1000.0 : left();
+    const double now =
+        isRunning() ? std::max<qint64>(0, QDateTime::currentDateTime().msecsTo(ends)) / 1000.0 : left();
     const double seconds = now + m_rundown.seconds();
     const QString in = TimeUtils::formatClockTimeShort(clocktime::fromSeconds(seconds));
     if (!isRunning())
         return tr("%1 left, not running").arg(in);
     const QDateTime then = ends.addMSecs(std::llround(m_rundown.seconds() * 1000));
-    const bool isToday = then.date() == m_now().date();
+    const bool isToday = then.date() == QDate::currentDate();
     const QString at =
         isToday ? clockText(then) : QLocale().toString(then, QStringLiteral("ddd ")) + clockText(then);
     switch (kind) {

@@ -52,12 +52,6 @@ public:
     static QString nameOf(const AbstractPlaylistProvider* provider, uint playlist,
                           const EntryAddress& address);
 
-    /// The clock, for tests.
-    void setNow(std::function<QDateTime()> now)
-    {
-        m_now = std::move(now);
-        m_zero = {};
-    }
     /// A time of the day, to the nearest second: "21:47:30".
     static QString clockText(const QDateTime& time);
 
@@ -79,7 +73,6 @@ private:
 
     QPointer<GUIPlayback> m_playback;
     AbstractPlaylistProvider* m_provider;
-    std::function<QDateTime()> m_now = &QDateTime::currentDateTime;
     QTimer m_recalculate;
     QTimer m_tick;
     uint m_playlist = 0;
