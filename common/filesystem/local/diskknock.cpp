@@ -35,12 +35,6 @@ QElapsedTimer now()
     return timer;
 }
 
-QString plain(const QString& path)
-{
-    const QString normal = normalizePath(path);
-    return normal.size() > 1 && normal.endsWith(u'/') ? normal.chopped(1) : normal;
-}
-
 /// The volume that holds it; of the system's own the item alone, which may be a link to elsewhere.
 QString placeOf(const QString& path)
 {
@@ -88,7 +82,7 @@ DiskKnock::~DiskKnock()
 
 bool DiskKnock::answers(const QString& path)
 {
-    const QString item = plain(path);
+    const QString item = withoutTrailingSlash(path);
     if (silenceOver(item))
         return false;
     const QuestionPtr question = ask(item, nullptr);
@@ -108,7 +102,7 @@ bool DiskKnock::answers(const QString& path)
 
 bool DiskKnock::answersForItem(const QString& path)
 {
-    return isTrusted(plain(path)) || answers(path);
+    return isTrusted(withoutTrailingSlash(path)) || answers(path);
 }
 
 bool DiskKnock::isTrusted(const QString& path)
@@ -139,7 +133,7 @@ bool DiskKnock::isTrusted(const QString& path)
 
 void DiskKnock::whenItAnswers(const QString& path, QObject* context, Next next)
 {
-    const QString item = plain(path);
+    const QString item = withoutTrailingSlash(path);
     Asked* asked = silenceOver(item);
     if (!asked) {
         const QuestionPtr question = ask(item, this);

@@ -18,12 +18,6 @@ constexpr qint64 watchedMs = 6000;
 // Whoever asks gets what was true after that, but not never where something happens without end.
 constexpr int mostRereadings = 3;
 
-QString keyOf(const QString& path)
-{
-    const QString normal = normalizePath(path);
-    return normal.size() > 1 && normal.endsWith(u'/') ? normal.chopped(1) : normal;
-}
-
 } // namespace
 
 LocalListings::LocalListings(QObject* parent)
@@ -50,7 +44,7 @@ bool LocalListings::isWatched(const QString& path) const
 
 const DirectoryContent* LocalListings::find(const QString& path)
 {
-    const QString key = keyOf(path);
+    const QString key = withoutTrailingSlash(path);
     Entry& entry = m_entries[key];
     const bool isOld = entry.age.isValid() && entry.age.hasExpired(isWatched(key) ? watchedMs : unwatchedMs);
     const bool holds = entry.content && !entry.isStale && (!isOld || isWatched(key));
@@ -62,9 +56,9 @@ const DirectoryContent* LocalListings::find(const QString& path)
 
 FileSystem::ItemType LocalListings::typeOf(const QString& path) const
 {
-    const QString key = keyOf(path);
+    const QString key = withoutTrailingSlash(path);
     const QString name = getNameInPath(key);
-    const auto holder = m_entries.constFind(keyOf(getParentPath(key)));
+    const auto holder = m_entries.constFind(withoutTrailingSlash(getParentPath(key)));
     if (m_entries.contains(key) && m_entries[key].content)
         return FileSystem::Directory;
     if (holder == m_entries.constEnd() || !holder->content)
@@ -79,13 +73,13 @@ FileSystem::ItemType LocalListings::typeOf(const QString& path) const
 
 int LocalListings::otherFiles(const QString& path) const
 {
-    const auto entry = m_entries.constFind(keyOf(path));
+    const auto entry = m_entries.constFind(withoutTrailingSlash(path));
     return entry != m_entries.cend() && entry->content ? entry->content->otherFiles : 0;
 }
 
 void LocalListings::watch(const QString& path)
 {
-    const QString key = keyOf(path);
+    const QString key = withoutTrailingSlash(path);
     if (isWatched(key))
         return;
     if (m_watcher.addPath(key))
@@ -99,7 +93,7 @@ void LocalListings::watch(const QString& path)
 
 void LocalListings::invalidate(const QString& path)
 {
-    const auto entry = m_entries.find(keyOf(path));
+    const auto entry = m_entries.find(withoutTrailingSlash(path));
     if (entry == m_entries.end())
         return;
     entry->isStale = true;
@@ -108,7 +102,7 @@ void LocalListings::invalidate(const QString& path)
 
 void LocalListings::refresh(const QString& path)
 {
-    const QString key = keyOf(path);
+    const QString key = withoutTrailingSlash(path);
     const auto entry = m_entries.find(key);
     if (entry == m_entries.end()) {
         Q_EMIT changed(key);

@@ -48,6 +48,11 @@ QString normalizePath(const QString& path)
     return QString::fromStdString(normal.generic_string());
 }
 
+QString withoutTrailingSlash(const QString& path)
+{
+    return withoutTrailingSeparator(normalizePath(path));
+}
+
 QString createJoinedPath(const QString& base, const QString& name, bool isDirectory)
 {
     const QString joined = (base.endsWith(u'/') ? base : base + u'/') + name;
@@ -61,13 +66,13 @@ QString destinationPath(const QString& to, const QString& from, bool isDirectory
 
 bool isSamePath(const QString& path, const QString& other)
 {
-    return withoutTrailingSeparator(normalizePath(path)) == withoutTrailingSeparator(normalizePath(other));
+    return withoutTrailingSlash(path) == withoutTrailingSlash(other);
 }
 
 bool isPathBelow(const QString& path, const QString& directory)
 {
-    const QString above = withoutTrailingSeparator(normalizePath(directory));
-    const QString below = withoutTrailingSeparator(normalizePath(path));
+    const QString above = withoutTrailingSlash(directory);
+    const QString below = withoutTrailingSlash(path);
     return below.size() > above.size() && below.startsWith(above.endsWith(u'/') ? above : above + u'/');
 }
 

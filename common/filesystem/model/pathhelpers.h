@@ -10,6 +10,8 @@ QString getParentPath(const QString& path);
 /// Lexically normalised: "." and ".." folded, separators written "/". A backslash is a separator only on a
 /// system where it is one: elsewhere it is a character of names, and replacing it would name another file.
 QString normalizePath(const QString& path);
+/// Normalised, and without a "/" at its end but for the root: one text for all that name one item.
+QString withoutTrailingSlash(const QString& path);
 /// base and name with one "/" between them, and one behind when isDirectory.
 QString createJoinedPath(const QString& base, const QString& name, bool isDirectory);
 /// Where a file of the path from comes to stand: inside of to when that is a directory or ends with "/" (a

@@ -18,13 +18,6 @@ constexpr int patience = 100;       // ticks until an answer that does not come 
 constexpr qint64 sliceTime = 5;     // milliseconds of reading before the window may breathe
 constexpr qint64 deepestLevel = 64; // deeper leads only what leads back into itself
 
-/// Paths name one directory with or without a "/" at the end.
-QString keyOf(const QString& path)
-{
-    const QString normal = normalizePath(path);
-    return normal.size() > 1 && normal.endsWith(u'/') ? normal.chopped(1) : normal;
-}
-
 } // namespace
 
 RecursiveDirectoryLister::RecursiveDirectoryLister(FileSystem* fileSystem, const QString& path,
@@ -66,7 +59,7 @@ void RecursiveDirectoryLister::start()
         m_following = connect(m_fileSystem, &FileSystem::directoryChanged, this,
                               &RecursiveDirectoryLister::onDirectoryChanged, Qt::QueuedConnection);
     m_queue.enqueue(m_directoryPath);
-    m_depths.insert(keyOf(m_directoryPath), 0);
+    m_depths.insert(withoutTrailingSlash(m_directoryPath), 0);
     m_isRunning = true;
     m_timer.start();
     wake();
@@ -168,7 +161,8 @@ bool RecursiveDirectoryLister::askForNext()
 
 void RecursiveDirectoryLister::onDirectoryChanged(const FileSystemDirectory& directory)
 {
-    if (!m_isRunning || m_inFlight.isEmpty() || keyOf(directory.fullPath) != keyOf(m_inFlight))
+    if (!m_isRunning || m_inFlight.isEmpty() ||
+        withoutTrailingSlash(directory.fullPath) != withoutTrailingSlash(m_inFlight))
         return;
     qCDebug(lcFileSystem) << "Directory" << directory.fullPath << "request finished for" << *this;
     wake();
@@ -176,11 +170,11 @@ void RecursiveDirectoryLister::onDirectoryChanged(const FileSystemDirectory& dir
 
 void RecursiveDirectoryLister::savePathContent(const QString& path, const Content& content)
 {
-    const QString key = keyOf(path);
+    const QString key = withoutTrailingSlash(path);
     const qint64 below = m_depths.value(key) + 1;
     const bool isDeepEnough = m_depthLimit > 0 && below >= m_depthLimit;
     for (const FileSystemDirectory& directory : content.directories) {
-        const QString directoryKey = keyOf(directory.fullPath);
+        const QString directoryKey = withoutTrailingSlash(directory.fullPath);
         if (directory.name == QStringLiteral("..") || isDeepEnough || m_depths.contains(directoryKey))
             continue;
         if (below > deepestLevel || directory.leadsBack) {
@@ -197,7 +191,9 @@ void RecursiveDirectoryLister::savePathContent(const QString& path, const Conten
 
 void RecursiveDirectoryLister::handleInvalidDirectoryRequest(const QString& path)
 {
-    const auto isThis = [key = keyOf(path)](const QString& asked) { return keyOf(asked) == key; };
+    const auto isThis = [key = withoutTrailingSlash(path)](const QString& asked) {
+        return withoutTrailingSlash(asked) == key;
+    };
     const bool isInFlight = !m_inFlight.isEmpty() && isThis(m_inFlight);
     if (!m_isRunning || (!isInFlight && std::ranges::none_of(m_queue, isThis)))
         return;
@@ -211,7 +207,7 @@ void RecursiveDirectoryLister::handleInvalidDirectoryRequest(const QString& path
 bool RecursiveDirectoryLister::getListing(const QString& path, DirectoryItem& item) const
 {
     DirectoryItem root{QStringLiteral("."), 0, DirectoryItem::Directory, {}};
-    const bool isParsed = parseDirectory(path, m_depths.value(keyOf(path)), root);
+    const bool isParsed = parseDirectory(path, m_depths.value(withoutTrailingSlash(path)), root);
     if (isParsed) {
         qCDebug(lcFileSystem) << "Succesfully parsed file listing for" << path;
         item = std::move(root);
@@ -223,7 +219,7 @@ bool RecursiveDirectoryLister::getListing(const QString& path, DirectoryItem& it
 
 bool RecursiveDirectoryLister::parseDirectory(const QString& path, qint64 depth, DirectoryItem& item) const
 {
-    const auto content = m_contents.constFind(keyOf(path));
+    const auto content = m_contents.constFind(withoutTrailingSlash(path));
     if (content == m_contents.constEnd()) {
         qCDebug(lcFileSystem) << "Failed to construct listing of path" << path
                               << "since the content doesn't exist.";

@@ -40,12 +40,6 @@ void removeByName(QList<ClientFileSystemInfo>& entries, const QString& name)
 
 } // namespace
 
-QString withoutTrailingSlash(const QString& path)
-{
-    const QString normal = normalizePath(path);
-    return normal.size() > 1 && normal.endsWith(u'/') ? normal.chopped(1) : normal;
-}
-
 DirectoryListingRequest* ServerListings::find(const QString& directory)
 {
     const auto found = m_listings.find(keyOf(directory));

@@ -75,7 +75,4 @@ private:
     QMap<QString, Listing> m_listings; // by path, which ends with "/"
 };
 
-/// The path as the server knows it: normalised, without a "/" at its end but for the root.
-QString withoutTrailingSlash(const QString& path);
-
 } // namespace vantrel

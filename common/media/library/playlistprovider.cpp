@@ -199,16 +199,7 @@ void PlaylistProvider::onEntryAdded(uint playlist, EntryAddress address)
     settle();
     if (m_entries.remove(playlist, address))
         qCWarning(lcMedia) << "Entry already existed. Invalid signaling.";
-    if (!loadEntry(playlist, address)) {
-        qCWarning(lcMedia, "Couldn't add entry: %d/%s", static_cast<int>(playlist),
-                  address.toString(true).c_str());
-        Q_EMIT entryRemoved(playlist, address);
-        return;
-    }
-    // The new entry has its times already, and is among those that moved all the same.
-    const Moved moved = recalculate(playlist);
-    announce(&PlaylistProvider::entryAdded, playlist, address);
-    tell(playlist, moved);
+    takeEntry(&PlaylistProvider::entryAdded, "add", playlist, address);
 }
 
 void PlaylistProvider::onEntryChanged(uint playlist, EntryAddress address)
@@ -218,14 +209,20 @@ void PlaylistProvider::onEntryChanged(uint playlist, EntryAddress address)
         qCWarning(lcMedia, "Changed entry did not exist %d/%s", static_cast<int>(playlist),
                   address.toString(true).c_str());
     }
+    takeEntry(&PlaylistProvider::entryChanged, "change", playlist, address);
+}
+
+void PlaylistProvider::takeEntry(EntrySignal signal, const char* verb, uint playlist, EntryAddress address)
+{
     if (!loadEntry(playlist, address)) {
-        qCWarning(lcMedia, "Couldn't change entry: %d/%s", static_cast<int>(playlist),
+        qCWarning(lcMedia, "Couldn't %s entry: %d/%s", verb, static_cast<int>(playlist),
                   address.toString(true).c_str());
         Q_EMIT entryRemoved(playlist, address);
         return;
     }
+    // A new entry has its times already, and is among those that moved all the same.
     const Moved moved = recalculate(playlist);
-    announce(&PlaylistProvider::entryChanged, playlist, address);
+    announce(signal, playlist, address);
     tell(playlist, moved);
 }
 

@@ -69,6 +69,7 @@ private:
     /// The lists of a new library, which come in turns.
     struct Coming;
 
+    void takeEntry(EntrySignal signal, const char* verb, uint playlist, EntryAddress address);
     void announce(EntrySignal signal, uint playlist, EntryAddress address);
     void proceed(bool toTheEnd);
     void settle();

@@ -5,22 +5,18 @@
 #include "common/media/items/guiplaylist.h"
 #include "common/media/items/mimedata.h"
 #include "common/media/items/slotmimedata.h"
+#include "common/media/models/playlist/playlistpayload.h"
 
 #include <QCoreApplication>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QMimeData>
 
-#include <cmath>
-
 namespace vantrel {
 
 using media::MediaUtils;
 
 namespace {
-
-// A payload of a whole library is some megabytes; what is larger was not made by a drag of ours.
-constexpr qsizetype largestPayload = 16 * 1024 * 1024;
 
 QString translated(const char* text)
 {
@@ -31,23 +27,6 @@ QString unreadable()
 {
     return translated("What was dropped cannot be read. Drag slots from the media panel or entries from a "
                       "playlist.");
-}
-
-bool isWhole(const QJsonValue& value, int least, int most)
-{
-    const double number = value.toDouble(std::nan(""));
-    return number >= least && number <= most && number == std::floor(number);
-}
-
-/// Items take any number for what they hold; here it must be one that means something.
-bool isSound(const QJsonObject& entry)
-{
-    const double duration = entry.value(QStringLiteral("transitionDuration")).toDouble(-1);
-    return isWhole(entry.value(QStringLiteral("playlistIndex")), 1, EntryAddress::maxMajor) &&
-           isWhole(entry.value(QStringLiteral("endAction")), 0, static_cast<int>(EndAction::GoTo)) &&
-           isWhole(entry.value(QStringLiteral("transitionType")), 0,
-                   static_cast<int>(TakeTransitionType::DirectCut)) &&
-           duration >= 0 && duration <= 3600;
 }
 
 } // namespace
@@ -67,7 +46,7 @@ PlaylistDrop PlaylistDrop::read(const QMimeData* data)
         drop.m_media = own->addresses();
         return drop;
     }
-    if (!isMediaPayload(data) || data->data(mimeformat::json).size() > largestPayload)
+    if (!isMediaPayload(data) || data->data(mimeformat::json).size() > PlaylistPayload::largest)
         return refused(unreadable());
     const QByteArray type = data->data(mimeformat::type);
     const QJsonDocument document = QJsonDocument::fromJson(data->data(mimeformat::json));
@@ -90,13 +69,13 @@ PlaylistDrop PlaylistDrop::readSlotNumbers(const QJsonObject& object)
 {
     const QJsonValue collection = object.value(QStringLiteral("collection"));
     const QJsonArray numbers = object.value(QStringLiteral("slots")).toArray();
-    if (!isWhole(collection, 0, EntryAddress::maxMajor))
+    if (!PlaylistPayload::isWhole(collection, 0, EntryAddress::maxMajor))
         return refused(translated("The slots that were dropped do not say which collection they are of. Drag "
                                   "them from the media panel."));
     PlaylistDrop drop;
     drop.m_kind = Kind::Media;
     for (const QJsonValue& number : numbers) {
-        if (!isWhole(number, 0, EntryAddress::maxMajor))
+        if (!PlaylistPayload::isWhole(number, 0, EntryAddress::maxMajor))
             return refused(unreadable());
         drop.m_media.append(MediaAddress(collection.toInt(), number.toInt()));
     }
@@ -112,13 +91,13 @@ bool PlaylistDrop::add(const QMimeData* data, const QJsonObject& object)
         return slot->address().isValid();
     }
     if (const auto* entry = dynamic_cast<const GuiPlaylistEntry*>(item.get()))
-        return isSound(object) && addEntry(*entry);
+        return PlaylistPayload::isSound(object) && addEntry(*entry);
     const auto* playlist = dynamic_cast<const GuiPlaylist*>(item.get());
     if (!playlist || m_kind == Kind::Playlist) // of which a channel plays one
         return false;
     m_kind = Kind::Playlist;
     m_playlist = playlist->number();
-    return isWhole(object.value(QStringLiteral("number")), 1, EntryAddress::maxMajor);
+    return PlaylistPayload::isWhole(object.value(QStringLiteral("number")), 1, EntryAddress::maxMajor);
 }
 
 bool PlaylistDrop::addEntry(const GuiPlaylistEntry& entry)

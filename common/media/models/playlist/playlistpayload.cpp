@@ -20,15 +20,6 @@ using media::MediaUtils;
 
 namespace {
 
-// A payload of a whole library is some megabytes; what is larger was not copied here.
-constexpr qsizetype largestPayload = 16 * 1024 * 1024;
-
-bool isWhole(const QJsonValue& value, int least, int most)
-{
-    const double number = value.toDouble(std::nan(""));
-    return number >= least && number <= most && number == std::floor(number);
-}
-
 /// What an item of a payload is in a list; nothing where it names no slot.
 std::optional<PlaylistEntry> entryOf(const GuiMediaItem& item, const QJsonObject& object)
 {
@@ -47,6 +38,12 @@ std::optional<PlaylistEntry> entryOf(const GuiMediaItem& item, const QJsonObject
 }
 
 } // namespace
+
+bool PlaylistPayload::isWhole(const QJsonValue& value, int least, int most)
+{
+    const double number = value.toDouble(std::nan(""));
+    return number >= least && number <= most && number == std::floor(number);
+}
 
 bool PlaylistPayload::isSound(const QJsonObject& entry)
 {
@@ -68,7 +65,7 @@ bool PlaylistPayload::isOffered(const QMimeData* payload)
 QList<PlaylistEntry> PlaylistPayload::entries(const QMimeData* payload)
 {
     QList<PlaylistEntry> entries;
-    if (!payload || payload->data(mimeformat::json).size() > largestPayload)
+    if (!payload || payload->data(mimeformat::json).size() > largest)
         return entries;
     for (const QJsonObject& object : jsonFromMimeData(payload)) {
         const auto item = mediaItemFromMimeData(payload, object);

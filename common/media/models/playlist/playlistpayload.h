@@ -5,6 +5,7 @@
 #include <QList>
 
 class QJsonObject;
+class QJsonValue;
 class QMimeData;
 
 namespace vantrel {
@@ -15,6 +16,9 @@ class PlaylistPayload
 public:
     PlaylistPayload() = delete;
 
+    /// Bytes of JSON. That of a whole library is some megabytes; what is larger was not made here.
+    static constexpr qsizetype largest = 16 * 1024 * 1024;
+
     /// All of a payload of entries or slots, or nothing: half of what somebody copied is not what they
     /// copied.
     static QList<PlaylistEntry> entries(const QMimeData* payload);
@@ -22,6 +26,8 @@ public:
     static bool isOffered(const QMimeData* payload);
     /// Whether each value of an entry's JSON is one that means something.
     static bool isSound(const QJsonObject& entry);
+    /// Whether it is a whole number within these bounds.
+    static bool isWhole(const QJsonValue& value, int least, int most);
 };
 
 } // namespace vantrel
