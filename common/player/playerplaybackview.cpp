@@ -176,7 +176,7 @@ void PlayerPlaybackView::connectSession()
 
 void PlayerPlaybackView::setModel(const QModelIndex& channels)
 {
-    m_mapper->setModel(const_cast<QAbstractItemModel*>(channels.model()), channels);
+    m_mapper->setModel(channels);
 }
 
 void PlayerPlaybackView::onWidgetAdded(QWidget* widget, const QModelIndex& index)

@@ -100,7 +100,7 @@ QModelIndex MediaLibraryModel::index(int row, int column, const QModelIndex& par
     // A slot's index holds its collection, which also tells the two levels apart.
     const MediaLibraryItem* collection =
         parent.isValid() ? m_collections[static_cast<std::size_t>(parent.row())].get() : nullptr;
-    return createIndex(row, column, const_cast<MediaLibraryItem*>(collection));
+    return createIndex(row, column, collection);
 }
 
 QModelIndex MediaLibraryModel::parent(const QModelIndex& child) const

@@ -15,7 +15,7 @@ ObjectMapper::~ObjectMapper()
         delete mapped.object;
 }
 
-void ObjectMapper::setModel(QAbstractItemModel* model, const QModelIndex& root)
+void ObjectMapper::setModel(const QAbstractItemModel* model, const QModelIndex& root)
 {
     depopulate();
     if (m_model)
@@ -36,7 +36,7 @@ void ObjectMapper::setModel(QAbstractItemModel* model, const QModelIndex& root)
 
 void ObjectMapper::setModel(const QModelIndex& root)
 {
-    setModel(const_cast<QAbstractItemModel*>(root.model()), root);
+    setModel(root.model(), root);
 }
 
 void ObjectMapper::setRoot(const QModelIndex& root)

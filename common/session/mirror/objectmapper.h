@@ -29,13 +29,13 @@ public:
     void setObjectType(const QMetaObject* type) { m_objectType = type; }
     const QMetaObject* objectType() const { return m_objectType; }
     /// Tells of the removal of all rows mapped so far, then of each row below root.
-    void setModel(QAbstractItemModel* model, const QModelIndex& root);
+    void setModel(const QAbstractItemModel* model, const QModelIndex& root);
     void setModel(const QModelIndex& root);
     void setRoot(const QModelIndex& root);
     /// Rows beyond so many objects get none, whatever a server tells of.
     void setMost(int objects) { m_most = objects; }
     QModelIndex root() const { return m_root; }
-    QAbstractItemModel* model() const { return m_model; }
+    const QAbstractItemModel* model() const { return m_model; }
     const QList<MappedObject>& mapped() const { return m_mapped; }
 
 Q_SIGNALS:
@@ -67,7 +67,7 @@ private:
     QPersistentModelIndex m_root;
     int m_most = std::numeric_limits<int>::max();
     bool m_hasRoot = false; // a root that went with its model's rows does not become the model's top
-    QPointer<QAbstractItemModel> m_model;
+    QPointer<const QAbstractItemModel> m_model;
     QList<MappedObject> m_mapped;
 };
 

@@ -9,11 +9,11 @@ namespace vantrel {
 
 namespace {
 
-bool holds(const QLayout* layout, const QWidget* widget)
+bool holds(QLayout* layout, const QWidget* widget)
 {
     for (int i = 0; layout && i < layout->count(); ++i) {
-        const QLayoutItem* item = layout->itemAt(i);
-        if (item->widget() == widget || holds(const_cast<QLayoutItem*>(item)->layout(), widget))
+        QLayoutItem* item = layout->itemAt(i);
+        if (item->widget() == widget || holds(item->layout(), widget))
             return true;
     }
     return false;

@@ -21,13 +21,12 @@ void ZTSplitter::setObjectNames(const QString& base)
     setObjectName(base);
 }
 
-int ZTSplitter::getClosestPixelPosition(int handle, double fraction) const
+int ZTSplitter::getClosestPixelPosition(int handle, double fraction)
 {
     if (handle < 1 || handle >= count())
         return 0;
     const int length = orientation() == Qt::Horizontal ? width() : height();
-    // QSplitter lacks the const; the call only reads.
-    return const_cast<ZTSplitter*>(this)->closestLegalPosition(qRound(length * fraction), handle);
+    return closestLegalPosition(qRound(length * fraction), handle);
 }
 
 void ZTSplitter::moveHandle(int handle, int pixels)

@@ -17,7 +17,7 @@ public:
 
     /// The position in pixels that the handle can take closest to the fraction (0 to 1) of the splitter's
     /// length. Handle 1 stands between the first two widgets; 0 for a handle that does not exist.
-    int getClosestPixelPosition(int handle, double fraction) const;
+    int getClosestPixelPosition(int handle, double fraction);
     /// Moves the handle to the pixel position, as far as the widgets' minimum sizes allow.
     void moveHandle(int handle, int pixels);
 
