@@ -226,6 +226,21 @@ int paintWarning(QPainter* painter, const QRect& line, MediaState state)
     return side + margin;
 }
 
+/// The length, or why it does not play.
+void paintDetails(QPainter* painter, const QRect& line, const QFont& font, const QString& length,
+                  const QStringList& faults)
+{
+    painter->setFont(font);
+    if (!faults.isEmpty()) {
+        painter->setPen(getColor(colors::Zt_white_70));
+        painter->drawText(line, Qt::AlignVCenter | Qt::AlignLeft | Qt::TextSingleLine,
+                          QFontMetrics(font).elidedText(faults.constFirst(), Qt::ElideRight, line.width()));
+        return;
+    }
+    painter->setPen(getColor(colors::Zt_white_50));
+    painter->drawText(line, Qt::AlignVCenter | Qt::AlignLeft | Qt::TextSingleLine, length);
+}
+
 } // namespace
 
 struct SlotDelegate::Layout
@@ -325,16 +340,9 @@ void SlotDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
     painter->drawText(layout.name, Qt::AlignVCenter | Qt::AlignLeft | Qt::TextSingleLine,
                       QFontMetrics(name).elidedText(index.data(MediaLibraryModel::NameRole).toString(),
                                                     Qt::ElideRight, layout.name.width()));
-    painter->setFont(caption);
-    painter->setPen(getColor(colors::Zt_white_50));
     const QRect details = layout.details.adjusted(0, 0, -taken, 0);
-    if (!faults.isEmpty()) {
-        painter->setPen(getColor(colors::Zt_white_70));
-        painter->drawText(
-            details, Qt::AlignVCenter | Qt::AlignLeft | Qt::TextSingleLine,
-            QFontMetrics(caption).elidedText(faults.constFirst(), Qt::ElideRight, details.width()));
-    } else if (lengthWidth <= details.width()) // a part of a time would tell another time
-        painter->drawText(details, Qt::AlignVCenter | Qt::AlignLeft | Qt::TextSingleLine, length);
+    const bool hasRoom = lengthWidth <= details.width(); // a part of a time would tell another time
+    paintDetails(painter, details, caption, hasRoom ? length : QString(), faults);
     painter->restore();
 }
 

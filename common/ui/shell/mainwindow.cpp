@@ -82,9 +82,6 @@ MainWindow::MainWindow(Session* session, QWidget* parent)
     const QString keymapFault = m_hotkeys->loadKeymapFromConfiguration();
     session->setHotkeys(m_hotkeys);
     m_central->setObjectName(QStringLiteral("central"));
-    m_layout->setContentsMargins(spacing::tight, 0, spacing::tight, 0);
-    m_layout->setSpacing(0);
-
     m_navigationBar = new MainNavigationBar(m_hotkeys, m_central);
     m_navigationBar->setBanner(new LinkBanner(session, m_navigationBar));
     m_tabs = new StackedTabWidget(m_central);
@@ -99,12 +96,7 @@ MainWindow::MainWindow(Session* session, QWidget* parent)
     initFileView();
     initMediaView();
     initPlayerView();
-    m_layout->addWidget(m_navigationBar);
-    m_layout->addSpacing(spacing::normal);
-    m_layout->addWidget(m_tabs, 1);
-    m_layout->addSpacing(spacing::normal);
-    m_layout->addWidget(m_statusBar);
-    m_layout->addSpacing(spacing::tight);
+    layOut();
     m_navigationBar->setActiveTab(PlayerTab);
     setCentralWidget(m_central);
     initConnection();
@@ -116,10 +108,7 @@ MainWindow::MainWindow(Session* session, QWidget* parent)
         });
     }
     m_notificationPresenter->installEventFilter(this);
-    if (!keymapFault.isEmpty())
-        NotificationManagerImpl::instance()->createNotification(
-            Notification::WarningMessage, tr("The keys are those of a new installation"),
-            keymapFault.toHtmlEscaped() + u'\n' + tr("Choose yours anew in the main menu under Keyboard."));
+    tellOfKeys(keymapFault);
     setFocus();
     setFocusPolicy(tabClickWheel);
     raise();
@@ -147,6 +136,27 @@ MainWindow::~MainWindow()
     if (m_session->hotkeys() == m_hotkeys)
         m_session->setHotkeys(nullptr);
     setMainWindowWidget(nullptr);
+}
+
+void MainWindow::layOut()
+{
+    m_layout->setContentsMargins(spacing::tight, 0, spacing::tight, 0);
+    m_layout->setSpacing(0);
+    m_layout->addWidget(m_navigationBar);
+    m_layout->addSpacing(spacing::normal);
+    m_layout->addWidget(m_tabs, 1);
+    m_layout->addSpacing(spacing::normal);
+    m_layout->addWidget(m_statusBar);
+    m_layout->addSpacing(spacing::tight);
+}
+
+void MainWindow::tellOfKeys(const QString& fault)
+{
+    if (fault.isEmpty())
+        return;
+    NotificationManagerImpl::instance()->createNotification(
+        Notification::WarningMessage, tr("The keys are those of a new installation"),
+        fault.toHtmlEscaped() + u'\n' + tr("Choose yours anew in the main menu under Keyboard."));
 }
 
 void MainWindow::initStatusBar()

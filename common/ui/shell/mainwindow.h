@@ -70,6 +70,8 @@ protected:
     void mousePressEvent(QMouseEvent* event) override;
 
 private:
+    void layOut();
+    void tellOfKeys(const QString& fault);
     void initMainMenu();
     void initShows();
     void updateShow();

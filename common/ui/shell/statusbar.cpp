@@ -41,19 +41,7 @@ StatusBar::StatusBar(const SystemProxy* system, const ConnectionProvider* connec
     m_label->setStyleClass(QStringLiteral("dim"));
     m_address->setStyleClass(QStringLiteral("dim"));
     m_disconnected->setStyleClass(QStringLiteral("dim"));
-    m_toggle->setObjectName(QStringLiteral("StatusBar-toggle"));
-    m_toggle->setToggleIcons(QStringLiteral(":/icons/circle_on.svg"),
-                             QStringLiteral(":/icons/circle_off.svg"));
-    m_toggle->setCheckedColor(colors::getColor(colors::Green_green));
-    m_toggle->setIconColor(colors::getColor(colors::Zt_white_50));
-    m_toggle->setSizes({{FontSize::Small, {20, 20}},
-                        {FontSize::Medium, {24, 24}},
-                        {FontSize::Large, {32, 32}},
-                        {FontSize::Huge, {40, 40}}});
-    m_toggle->setIconShare(0.75);
-    // The lamp shows the state; the click is the area's.
-    m_toggle->setAttribute(Qt::WA_TransparentForMouseEvents);
-    m_toggle->setFocusPolicy(Qt::NoFocus);
+    makeLamp();
 
     auto* area = new QHBoxLayout(m_area);
     area->setContentsMargins(4, 2, 8, 2);
@@ -62,22 +50,12 @@ StatusBar::StatusBar(const SystemProxy* system, const ConnectionProvider* connec
          std::initializer_list<QWidget*>{m_toggle, m_label, m_name, m_address, m_disconnected})
         area->addWidget(widget);
 
-    auto* more = new ContextMenuButton(this);
-    more->setObjectName(QStringLiteral("StatusBar-menu-button"));
-    more->setToolTip(tr("Connection menu"));
-    more->setAccessibleName(tr("Connection menu"));
-    more->setContextMenu(m_menu);
-    more->setSizes({{FontSize::Small, {22, 22}},
-                    {FontSize::Medium, {26, 26}},
-                    {FontSize::Large, {34, 34}},
-                    {FontSize::Huge, {44, 44}}});
-
     m_layout->setContentsMargins(spacing::tight, 0, spacing::tight, 0);
     m_layout->setSpacing(4);
     m_layout->addWidget(m_area);
     m_show->setObjectName(QStringLiteral("StatusBar-Show"));
     m_show->setStyleClass(QStringLiteral("dim"));
-    m_layout->addWidget(more);
+    m_layout->addWidget(makeMenuButton());
     m_layout->addSpacing(spacing::normal);
     m_layout->addWidget(m_show);
     m_layout->addStretch(1);
@@ -92,6 +70,37 @@ StatusBar::StatusBar(const SystemProxy* system, const ConnectionProvider* connec
     if (m_connection)
         connect(m_connection, &ConnectionProvider::hostAddressChanged, this, &StatusBar::onAddressChanged);
     showConnected(false);
+}
+
+void StatusBar::makeLamp()
+{
+    m_toggle->setObjectName(QStringLiteral("StatusBar-toggle"));
+    m_toggle->setToggleIcons(QStringLiteral(":/icons/circle_on.svg"),
+                             QStringLiteral(":/icons/circle_off.svg"));
+    m_toggle->setCheckedColor(colors::getColor(colors::Green_green));
+    m_toggle->setIconColor(colors::getColor(colors::Zt_white_50));
+    m_toggle->setSizes({{FontSize::Small, {20, 20}},
+                        {FontSize::Medium, {24, 24}},
+                        {FontSize::Large, {32, 32}},
+                        {FontSize::Huge, {40, 40}}});
+    m_toggle->setIconShare(0.75);
+    // The lamp shows the state; the click is the area's.
+    m_toggle->setAttribute(Qt::WA_TransparentForMouseEvents);
+    m_toggle->setFocusPolicy(Qt::NoFocus);
+}
+
+QWidget* StatusBar::makeMenuButton()
+{
+    auto* more = new ContextMenuButton(this);
+    more->setObjectName(QStringLiteral("StatusBar-menu-button"));
+    more->setToolTip(tr("Connection menu"));
+    more->setAccessibleName(tr("Connection menu"));
+    more->setContextMenu(m_menu);
+    more->setSizes({{FontSize::Small, {22, 22}},
+                    {FontSize::Medium, {26, 26}},
+                    {FontSize::Large, {34, 34}},
+                    {FontSize::Huge, {44, 44}}});
+    return more;
 }
 
 /// Without an address nothing is tried any more, whoever stopped it.

@@ -49,6 +49,8 @@ Q_SIGNALS:
     void disconnectClicked();
 
 private:
+    void makeLamp();
+    QWidget* makeMenuButton();
     void onAddressChanged();
     void showConnected(bool connected);
 
