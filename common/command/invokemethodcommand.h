@@ -7,7 +7,7 @@
 namespace vantrel {
 
 /// Calls a method of a scene object on the server; the result comes back as ordinary patches. Without undo
-/// data it leaves the stack right after its first run.
+/// data submit() keeps it off the stack, and one that was pushed all the same leaves it after its first run.
 class InvokeMethodCommand : public AbstractSceneCommand
 {
 public:

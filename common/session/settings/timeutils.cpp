@@ -1,8 +1,7 @@
 #include "common/session/settings/timeutils.h"
 
+#include "common/session/settings/sessionlogging.h"
 #include "util/clocktime.h"
-
-#include <QDebug>
 
 namespace vantrel::TimeUtils {
 
@@ -24,7 +23,7 @@ long long parseClockTime(const QString& text)
     bool ok = false;
     const long long result = parseClockTime(text, &ok);
     if (!ok)
-        qDebug() << "Failed to parse" << text;
+        qCDebug(lcSession) << "Failed to parse" << text;
     return result;
 }
 
