@@ -1,6 +1,7 @@
 // What drops of thousands of items hold up the main thread for, with the log that the application keeps: from
 // the drop to the request that goes out. The peer is the time of one picture of a 60 Hz screen.
 #include "bench/row.h"
+#include "bench/turn.h"
 #include "common/filesystem/operations/asyncfilesystemreader.h"
 #include "common/import/imagesequencecreator.h"
 #include "common/import/mediadrop.h"
@@ -9,6 +10,7 @@
 #include "common/media/items/guimediaslot.h"
 #include "common/media/items/mimedata.h"
 #include "common/ui/diagnostics/logmanager.h"
+#include "tests/common/filesystem/fakefilesystem.h"
 #include "tests/support/livesession.h"
 
 #include <QApplication>
@@ -19,27 +21,19 @@
 #include <QUndoStack>
 
 #include <algorithm>
-#include <ctime>
 #include <functional>
 #include <numeric>
 #include <unistd.h>
 #include <vector>
 
 using namespace vantrel;
+using bench::spentMs;
 using test::LiveSession;
 
 namespace {
 
 constexpr int rounds = 3;
 constexpr double pictureMs = 16;
-
-/// Of the calling thread, without the time for which other programs had the processors.
-double spentMs()
-{
-    timespec time{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-    return double(time.tv_sec) * 1e3 + double(time.tv_nsec) / 1e6;
-}
 
 /// The best of some rounds, each taken back, in milliseconds.
 double cost(LiveSession& live, int slot, int expected, const std::function<void()>& drop)
@@ -77,6 +71,38 @@ QVariantMap mimeOf(const QList<MediaEntry>& entries)
                                  {QStringLiteral("isPlayable"), entry.isPlayable}});
     return {{mimeformat::type, mimeformat::mediaType},
             {mimeformat::json, QString::fromUtf8(QJsonDocument(array).toJson(QJsonDocument::Compact))}};
+}
+
+/// Of all files it is known what they hold.
+class KnownFiles : public test::FakeFileSystem
+{
+public:
+    ItemType getType(QString) override { return File; }
+    bool requestMetadata(QString, FileMetadata& result) override
+    {
+        result.isPlayable = true;
+        result.mediaType = MediaType::VideoFile;
+        return true;
+    }
+};
+
+/// The longest turn until all that a folder of stills and videos holds is found.
+double readFolder(ImageSequenceCreator& creator)
+{
+    KnownFiles files;
+    for (int i = 0; i < 10000; ++i)
+        files.add(QStringLiteral("/in/%1 of all %2.%3")
+                      .arg(QChar(u'a' + i % 26))
+                      .arg(i * 13)
+                      .arg(i % 2 ? QStringLiteral("png") : QStringLiteral("mp4")),
+                  1);
+    AsyncFileSystemReader reader;
+    MediaDrop drop(&reader, &creator, LiveSession::collection, 1);
+    drop.requestAsynchronously({QStringLiteral("/in/"), FileSystem::Directory}, &files);
+    const double longest = bench::longestTurn([&] { return drop.isReady(); });
+    if (drop.medias().size() + drop.stillImages().size() != 10000)
+        qFatal("%d files were found", int(drop.medias().size() + drop.stillImages().size()));
+    return longest;
 }
 
 struct Row
@@ -141,6 +167,7 @@ int main(int argc, char** argv)
                         drop.setCollectionSlots(moved);
                         drop.save();
                     })});
+    rows.push_back({"drops/folder-of-10000", readFolder(creator)});
     std::fflush(stdout);
     dup2(output, STDOUT_FILENO);
     LogManager::instance().setLogToStdOut(false);

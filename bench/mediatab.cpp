@@ -1,6 +1,7 @@
 // The MEDIA tab with a full collection: what it costs to show it first, and to scroll through it by the
 // wheel, as pictures and as a table, with the pictures of what is in view coming in.
 #include "bench/row.h"
+#include "bench/turn.h"
 #include "common/import/slotpayload.h"
 #include "common/qml/qmlmanager.h"
 #include "common/qml/selectionmodel.h"
@@ -19,27 +20,19 @@
 #include <QQuickItem>
 #include <QQuickWidget>
 #include <QStackedWidget>
-#include <QTimer>
 #include <QWheelEvent>
 
 #include <algorithm>
-#include <time.h>
 
 using namespace vantrel;
 using namespace vantrel::test;
+using vantrel::bench::longestTurn;
 using vantrel::bench::row;
+using vantrel::bench::spentMs;
 
 namespace {
 
 constexpr int steps = 400;
-
-/// Milliseconds for which this thread had a processor.
-double spent()
-{
-    timespec now{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
-    return double(now.tv_sec) * 1e3 + double(now.tv_nsec) / 1e6;
-}
 
 /// Resident, in MB.
 double memory()
@@ -65,25 +58,6 @@ protected:
     }
 };
 
-/// Turns of the event loop until the condition holds; the longest of them, in milliseconds, or below 0 after
-/// 10 s.
-template <typename Condition>
-double longestTurn(const Condition& isDone)
-{
-    double longest = 0;
-    QTimer end;
-    end.setSingleShot(true);
-    end.start(10000);
-    while (!isDone()) {
-        if (!end.isActive())
-            return -1;
-        const double before = spent();
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-        longest = std::max(longest, spent() - before);
-    }
-    return longest;
-}
-
 QQuickItem* find(QQuickItem* from, const QString& name)
 {
     if (from->objectName() == name)
@@ -105,7 +79,7 @@ bool measureScroll(MediaView& view, const QString& pane, const char* longestName
     clock.start();
     bool isDown = true;
     double longest = 0;
-    const double before = spent();
+    const double before = spentMs();
     const double from = grid->property("contentY").toDouble();
     for (int step = 0; step < steps; ++step) {
         const int painted = paints.count;
@@ -126,7 +100,7 @@ bool measureScroll(MediaView& view, const QString& pane, const char* longestName
         }
         longest = std::max(longest, turn);
     }
-    const double mean = (spent() - before) / paints.count;
+    const double mean = (spentMs() - before) / paints.count;
     std::fprintf(stderr, "%d pictures, scrolled from %.0f to %.0f\n", paints.count, from,
                  grid->property("contentY").toDouble());
     row(longestName, "one picture of a 60 Hz screen", longest, 16, "ms", 1);
@@ -140,7 +114,7 @@ bool measureDrag(MediaView& view, const MediaMirror& mirror)
     QQuickItem* const pane = find(view.quickWidget()->rootObject(), QStringLiteral("media-slots"));
     auto* const selection = pane->property("selection").value<SelectionModel*>();
     selection->selectAll();
-    const double before = spent();
+    const double before = spentMs();
     QVariant chosen;
     QMetaObject::invokeMethod(pane, "selectedSlots", Q_RETURN_ARG(QVariant, chosen));
     QList<MediaAddress> addresses;
@@ -148,7 +122,7 @@ bool measureDrag(MediaView& view, const MediaMirror& mirror)
         addresses.append(MediaAddress(1, slot));
     const std::unique_ptr<QMimeData> data(mirror.model.mimeDataOf(addresses));
     const SlotPayload payload = SlotPayload::of(data.get());
-    const double cost = spent() - before;
+    const double cost = spentMs() - before;
     selection->clearSelection();
     if (payload.addresses().size() != MediaCollection::slotIndexMax)
         return false;
@@ -169,7 +143,7 @@ bool measure()
     if (longestTurn([&] { return windowPaints.count > 0; }) < 0)
         return false;
     const double memoryBefore = memory();
-    const double before = spent();
+    const double before = spentMs();
     window.setCurrentIndex(1);
     Paints paints(view->quickWidget());
     const auto isShown = [&] {
@@ -177,7 +151,7 @@ bool measure()
     };
     if (longestTurn(isShown) < 0)
         return false;
-    row("mediatab/first-show", "what an operator is to wait at most", spent() - before, 120, "ms", 1);
+    row("mediatab/first-show", "what an operator is to wait at most", spentMs() - before, 120, "ms", 1);
     row("mediatab/memory", "what it may take", memory() - memoryBefore, 40, "MB", 1);
     QObject* const actions =
         view->quickWidget()->rootContext()->contextProperty(QStringLiteral("mediaActions")).value<QObject*>();

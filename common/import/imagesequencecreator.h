@@ -17,7 +17,7 @@ class Session;
 struct ImageSequenceInfo;
 
 /// Finds image sequences among paths and stores them in slots. Whoever makes it owns it and keeps what it is
-/// given alive; main thread only.
+/// given alive. One thread at a time, and only the main thread stores.
 class ImageSequenceCreator : public QObject
 {
     Q_OBJECT

@@ -5,6 +5,7 @@
 #include "common/import/mediaquestions.h"
 #include "common/media/items/guimediaslot.h"
 
+#include <QFutureWatcher>
 #include <QHash>
 #include <QList>
 #include <QObject>
@@ -17,6 +18,7 @@
 namespace vantrel {
 
 class AsyncFileSystemReader;
+class FileSystemReader;
 class ImageSequenceCreator;
 class MediaDrop;
 
@@ -44,11 +46,20 @@ public:
     void notifyReady();
 
     // What was found.
-    void createResults(const QList<images::RequestPath>& requestPaths, FileSystem* fileSystem,
-                       QList<images::ImagesResult>& imageResults, QStringList& otherMedias);
-    QStringList extractAllPaths(const images::RequestPath& requestPath, FileSystem* fileSystem) const;
-    QList<images::StillImage> takePictures(const ImageSequenceCandidate& candidate,
-                                           PathTypes& remaining) const;
+    struct Results
+    {
+        QList<images::ImagesResult> images;
+        QStringList otherMedias;
+        QStringList unknown; // neither
+    };
+
+    // On a thread: what thousands of names are takes longer than a picture of the screen.
+    static Results createResults(const QList<images::RequestPath>& requestPaths, FileSystem* fileSystem,
+                                 FileSystemReader& reader);
+    static QStringList extractAllPaths(const images::RequestPath& requestPath, FileSystemReader& reader);
+    static QList<images::StillImage> takePictures(const ImageSequenceCandidate& candidate,
+                                                  PathTypes& remaining);
+    void takeResults();
     void addMediaPaths(const QStringList& paths, FileSystem* fileSystem);
     bool addKnownMedias();
     int askedCount() const;
@@ -81,6 +92,8 @@ public:
     QList<images::ImagesResult> m_imageResults;
     QList<int> m_collectionSlots;
 
+    bool m_isSorting = false; // the results of the current request are made, or wait to be taken
+    QFutureWatcher<Results> m_sorting;
     QStringList m_listed;       // the directories that the reader was given for the current request
     int m_waits = 0;            // ticks for which a listing of somebody else's has stood in the reader
     qsizetype m_requests = 0;   // done

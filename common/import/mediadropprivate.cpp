@@ -1,10 +1,12 @@
 // What is to be read, request after request. The files of what was found are in mediadropprivate_results.cpp,
 // the writing in mediadropprivate_save.cpp.
 #include "common/filesystem/operations/asyncfilesystemreader.h"
-#include "common/import/imagesequencecreator.h"
+#include "common/filesystem/operations/readdirectories.h"
 #include "common/import/mediadrop.h"
 #include "common/import/mediadrop_p.h"
 #include "common/media/address/medialogging.h"
+
+#include <QtConcurrentRun>
 
 #include <chrono>
 
@@ -23,6 +25,7 @@ MediaDropPrivate::MediaDropPrivate(MediaDrop* owner, AsyncFileSystemReader* read
     m_timer.setInterval(50ms);
     connect(&m_timer, &QTimer::timeout, this, &MediaDropPrivate::handleNextAsyncRequest);
     connect(&m_questions, &MediaQuestions::answered, this, &MediaDropPrivate::addKnownMedias);
+    connect(&m_sorting, &QFutureWatcherBase::finished, this, &MediaDropPrivate::takeResults);
 }
 
 MediaDropPrivate::~MediaDropPrivate()
@@ -59,6 +62,8 @@ void MediaDropPrivate::handleNextAsyncRequest()
         if (!addKnownMedias())
             return;
     }
+    if (m_isSorting)
+        return;
     if (m_current) {
         if (m_listed.isEmpty()) {
             startDirectoryListing(*m_current); // somebody else's was in the way
@@ -159,16 +164,30 @@ void MediaDropPrivate::handleFailedListing()
 void MediaDropPrivate::handleFinishedDirectoryListing()
 {
     qCDebug(lcMedia) << "Handling finished file system caching for asynchronous request";
-    const images::AsyncRequest request = *m_current;
-    QStringList others;
-    createResults(request.paths, request.fileSystem, m_imageResults, others);
-    ++m_requests;
-    Q_EMIT m_owner->imageResultsChanged();
-    addMediaPaths(others, request.fileSystem);
+    const auto sort = [request = *m_current, read = m_listed.isEmpty()
+                                                        ? ReadDirectories()
+                                                        : m_reader->readDirectories()]() mutable {
+        return createResults(request.paths, request.fileSystem, read);
+    };
+    m_isSorting = true;
+    m_sorting.setFuture(QtConcurrent::run(sort));
     if (!m_listed.isEmpty())
         m_reader->reset(); // for the next drop
-    m_current.reset();
     m_listed.clear();
+}
+
+void MediaDropPrivate::takeResults()
+{
+    const Results results = m_sorting.future().takeResult();
+    FileSystem* const fileSystem = m_current->fileSystem;
+    m_isSorting = false;
+    m_current.reset();
+    ++m_requests;
+    m_imageResults += results.images;
+    for (const QString& path : results.unknown)
+        leaveOut(path, tr("it is neither a picture nor video nor sound."));
+    Q_EMIT m_owner->imageResultsChanged();
+    addMediaPaths(results.otherMedias, fileSystem);
     Q_EMIT m_owner->lastSlotChanged();
 }
 

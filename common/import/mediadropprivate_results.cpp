@@ -1,7 +1,7 @@
 // What was found in what a drop has read.
 #include "common/filesystem/model/nameorder.h"
 #include "common/filesystem/model/pathhelpers.h"
-#include "common/filesystem/operations/asyncfilesystemreader.h"
+#include "common/filesystem/operations/filesystemreader.h"
 #include "common/import/imagesequencecreator.h"
 #include "common/import/mediadrop.h"
 #include "common/import/mediadrop_p.h"
@@ -25,25 +25,26 @@ QString withSeparator(const QString& directory)
 
 } // namespace
 
-void MediaDropPrivate::createResults(const QList<images::RequestPath>& requestPaths, FileSystem* fileSystem,
-                                     QList<ImagesResult>& imageResults, QStringList& otherMedias)
+MediaDropPrivate::Results MediaDropPrivate::createResults(const QList<images::RequestPath>& requestPaths,
+                                                          FileSystem* fileSystem, FileSystemReader& reader)
 {
+    Results results;
     PathTypes remaining;
     QStringList asked;
     QStringList found; // files as they were dropped, those of a directory as a reader sorts them
     for (const images::RequestPath& requestPath : requestPaths) {
         const bool isDirectory = requestPath.type == FileSystem::Directory;
         asked.append(isDirectory ? withSeparator(requestPath.path) : requestPath.path);
-        const QStringList paths = inNameOrder(extractAllPaths(requestPath, fileSystem));
+        const QStringList paths = inNameOrder(extractAllPaths(requestPath, reader));
         for (const QString& path : paths)
             remaining.emplace(path, FileSystem::File);
         found += paths;
     }
     const std::size_t total = remaining.size();
-    m_creator->setFileSystemReader(m_reader);
-    const QList<ImageSequenceCandidate> candidates = m_creator->fromPaths(asked);
+    ImageSequenceCreator creator(nullptr, nullptr);
+    creator.setFileSystemReader(&reader);
+    const QList<ImageSequenceCandidate> candidates = creator.fromPaths(asked);
     qCDebug(lcMedia) << "Found" << candidates.size() << "image sequence candidate(s) from paths" << asked;
-    const qsizetype before = imageResults.size();
     for (const ImageSequenceCandidate& candidate : candidates) {
         ImagesResult result;
         result.setType(ImageResultType::ImageSequence);
@@ -51,7 +52,7 @@ void MediaDropPrivate::createResults(const QList<images::RequestPath>& requestPa
         result.setStillImages(takePictures(candidate, remaining));
         result.setFileSystem(fileSystem);
         if (!result.stillImages().isEmpty())
-            imageResults.append(result);
+            results.images.append(result);
     }
     qsizetype stills = 0;
     for (const QString& path : std::as_const(found)) {
@@ -61,25 +62,26 @@ void MediaDropPrivate::createResults(const QList<images::RequestPath>& requestPa
             ImagesResult result;
             result.setStillImages({StillImage{path}});
             result.setFileSystem(fileSystem);
-            imageResults.append(result);
+            results.images.append(result);
             ++stills;
         } else if (isMediaFile(path)) {
-            otherMedias.append(path);
+            results.otherMedias.append(path);
         } else {
             qCWarning(lcMedia) << "Found unknown file path from input list:" << path;
-            leaveOut(path, tr("it is neither a picture nor video nor sound."));
+            results.unknown.append(path);
         }
     }
     qCDebug(lcMedia) << "Found" << stills << "still image candidate(s) from the rest of the" << total
                      << "path(s)";
-    qCDebug(lcMedia) << "Found total" << imageResults.size() - before << "image result(s) and"
-                     << otherMedias.size() << "other media(s)";
+    qCDebug(lcMedia) << "Found total" << results.images.size() << "image result(s) and"
+                     << results.otherMedias.size() << "other media(s)";
+    return results;
 }
 
 /// Those of the remaining paths that are pictures of the sequence, in their order, taken out. Only what is
 /// there is looked at: a sequence may name a number of pictures that nobody has.
 QList<StillImage> MediaDropPrivate::takePictures(const ImageSequenceCandidate& candidate,
-                                                 PathTypes& remaining) const
+                                                 PathTypes& remaining)
 {
     QList<StillImage> pictures;
     const std::string pattern = candidate.id.toLocalFile().toStdString();
@@ -108,18 +110,18 @@ QList<StillImage> MediaDropPrivate::takePictures(const ImageSequenceCandidate& c
 }
 
 QStringList MediaDropPrivate::extractAllPaths(const images::RequestPath& requestPath,
-                                              FileSystem* fileSystem) const
+                                              FileSystemReader& reader)
 {
     if (requestPath.type == FileSystem::File)
         return {requestPath.path};
     QStringList files;
     if (requestPath.type != FileSystem::Directory)
         return files;
-    for (const std::filesystem::path& path : m_reader->getFileSystemPaths(requestPath.path)) {
+    for (const std::filesystem::path& path : reader.getFileSystemPaths(requestPath.path)) {
         const QString text = QString::fromStdString(path.generic_string());
         if (text.isEmpty())
-            qCWarning(lcMedia) << "Received unknown type for path" << text << "in sub-dir" << requestPath.path
-                               << "of" << fileSystem->fileSystemName();
+            qCWarning(lcMedia) << "Received unknown type for path" << text << "in sub-dir"
+                               << requestPath.path;
         else if (!text.endsWith(u'/') && !getNameInPath(text).startsWith(u'.')) // nothing of sub-directories
             files.append(text);
     }
@@ -128,18 +130,7 @@ QStringList MediaDropPrivate::extractAllPaths(const images::RequestPath& request
 
 void MediaDropPrivate::addMediaPaths(const QStringList& paths, FileSystem* fileSystem)
 {
-    for (const QString& path : paths) {
-        const FileSystem::ItemType type = fileSystem->getType(path);
-        if (type == FileSystem::File) {
-            m_questions.add(path, fileSystem);
-            continue;
-        }
-        qCWarning(lcMedia) << "Unexpectedly got invalid path type"
-                           << (type == FileSystem::Unknown ? QStringLiteral("UNKNOWN")
-                                                           : QString::number(type))
-                           << "for a media file" << path;
-        leaveOut(path, tr("it is not there any more."));
-    }
+    m_questions.add(paths, fileSystem);
     m_questions.goOn();
     addKnownMedias();
 }
@@ -153,6 +144,14 @@ bool MediaDropPrivate::addKnownMedias()
         const std::optional<MediaQuestions::Answer> next = m_questions.take();
         if (!next)
             break;
+        if (next->type != FileSystem::File) {
+            qCWarning(lcMedia) << "Unexpectedly got invalid path type"
+                               << (next->type == FileSystem::Unknown ? QStringLiteral("UNKNOWN")
+                                                                     : QString::number(next->type))
+                               << "for a media file" << next->path;
+            leaveOut(next->path, tr("it is not there any more."));
+            continue;
+        }
         if (!next->metadata) {
             qCWarning(lcMedia) << "Unable to read metadata for a media file" << next->path;
             leaveOut(next->path, tr("nothing was told of it in time."));

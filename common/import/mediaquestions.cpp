@@ -13,12 +13,19 @@ MediaQuestions::MediaQuestions(QObject* parent)
     connect(&m_turn, &QTimer::timeout, this, &MediaQuestions::lookAtTold);
 }
 
+void MediaQuestions::add(const QStringList& paths, FileSystem* fileSystem)
+{
+    m_questions.reserve(m_questions.size() + paths.size());
+    for (const QString& path : paths)
+        m_questions.append({fileSystem, path});
+}
+
 void MediaQuestions::ask(const Question& question)
 {
     FileMetadata metadata;
     if (question.first->requestMetadataAlone(question.second, metadata) && metadata.isTold()) {
         m_open.remove(question);
-        m_answers.insert(question, metadata);
+        m_answers.insert(question, {question.second, metadata});
     } else if (!m_open.contains(question)) {
         m_open.insert(question, QDeadlineTimer(m_patience));
         follow(question.first);
@@ -29,8 +36,13 @@ void MediaQuestions::askAhead()
 {
     while (m_begun < m_questions.size() && m_open.size() < mostOpen) {
         const Question next = m_questions[m_begun++];
-        if (!m_answers.contains(next))
+        if (m_answers.contains(next))
+            continue;
+        const FileSystem::ItemType type = next.first->getType(next.second);
+        if (type == FileSystem::File)
             ask(next);
+        else
+            m_answers.insert(next, {next.second, std::nullopt, type});
     }
 }
 
@@ -68,7 +80,7 @@ void MediaQuestions::goOn()
             ++open;
             continue;
         }
-        m_answers.insert(open.key(), std::nullopt);
+        m_answers.insert(open.key(), {open.key().second, std::nullopt});
         open = m_open.erase(open);
     }
     if (!m_questions.isEmpty() && m_open.contains(m_questions.first()))
@@ -83,7 +95,8 @@ std::optional<MediaQuestions::Answer> MediaQuestions::take()
     const auto answer = m_answers.constFind(m_questions.first());
     if (answer == m_answers.cend())
         return {};
-    const Answer taken{m_questions.takeFirst().second, *answer};
+    const Answer taken = *answer;
+    m_questions.removeFirst();
     m_begun = std::max<qsizetype>(m_begun - 1, 0);
     if (m_questions.isEmpty())
         m_answers.clear();

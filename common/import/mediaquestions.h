@@ -8,6 +8,7 @@
 #include <QObject>
 #include <QPair>
 #include <QSet>
+#include <QStringList>
 #include <QTimer>
 
 #include <chrono>
@@ -26,7 +27,8 @@ public:
     struct Answer
     {
         QString path;
-        std::optional<FileMetadata> metadata; // none: nothing was told of it in time
+        std::optional<FileMetadata> metadata;         // none: nothing was told of it in time
+        FileSystem::ItemType type = FileSystem::File; // of anything else nothing is asked
     };
 
     static constexpr int mostOpen = 24;
@@ -35,7 +37,7 @@ public:
 
     /// For so long is waited for one answer. The network asks four times within twenty seconds.
     void setPatience(std::chrono::milliseconds patience) { m_patience = patience; }
-    void add(const QString& path, FileSystem* fileSystem) { m_questions.append({fileSystem, path}); }
+    void add(const QStringList& paths, FileSystem* fileSystem);
     /// Those that are not taken yet.
     qsizetype size() const { return m_questions.size(); }
     bool isEmpty() const { return m_questions.isEmpty(); }
@@ -59,7 +61,7 @@ private:
     QList<Question> m_questions;
     qsizetype m_begun = 0; // of m_questions: were asked
     QHash<Question, QDeadlineTimer> m_open;
-    QHash<Question, std::optional<FileMetadata>> m_answers;
+    QHash<Question, Answer> m_answers;
     QSet<Question> m_told; // of m_open: something was said of them in this turn
     QSet<FileSystem*> m_followed;
     QTimer m_turn;

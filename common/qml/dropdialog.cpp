@@ -8,6 +8,7 @@
 #include <QLoggingCategory>
 #include <QQmlComponent>
 #include <QQuickItem>
+#include <QTimer>
 #include <QVBoxLayout>
 
 // Its name is looked for outside of all namespaces.
@@ -86,7 +87,13 @@ void DropDialog::build()
     m_view->setContent(m_component->url(), m_component, root);
     if (const auto* item = m_view->rootObject())
         connect(item, &QQuickItem::implicitHeightChanged, this, &DropDialog::fit);
-    show();
+    // Both in one turn would be seen in the pictures of the channels.
+    QTimer::singleShot(0, this, [this] {
+        if (m_drop)
+            show();
+        else
+            reject();
+    });
 }
 
 void DropDialog::showEvent(QShowEvent* event)

@@ -3,6 +3,7 @@
 #include "common/filesystem/model/filesystem.h"
 #include "common/filesystem/model/filesystemlogging.h"
 #include "common/filesystem/model/pathhelpers.h"
+#include "common/filesystem/operations/readdirectories.h"
 #include "common/filesystem/operations/recursivedirectorylister.h"
 
 #include <algorithm>
@@ -12,7 +13,6 @@
 namespace vantrel {
 
 using namespace std::chrono_literals;
-using DirectoryItem = RecursiveDirectoryLister::DirectoryItem;
 
 AsyncFileSystemReader::AsyncFileSystemReader(QObject* parent)
     : DefaultFileSystemReader(parent)
@@ -242,19 +242,25 @@ QList<std::filesystem::path> AsyncFileSystemReader::getFileSystemPaths(const QSt
     }
     qCDebug(lcFileSystem) << "Using lister" << lister << "with depth" << lister->depthLimit()
                           << "for finding path" << path << "content";
-    DirectoryItem item;
-    if (!lister->getListing(path, item)) {
+    ReadDirectories read(lister->contents());
+    if (!read.contains(path)) {
         qCWarning(lcFileSystem) << "Unable to find paths for" << path;
         return {};
     }
-    QList<std::filesystem::path> paths;
-    paths.reserve(item.items.size());
-    for (const DirectoryItem& one : std::as_const(item.items))
-        paths.emplaceBack(
-            createJoinedPath(path, one.name, one.type == DirectoryItem::Directory).toStdString());
+    const QList<std::filesystem::path> paths = read.getFileSystemPaths(path);
     qCDebug(lcFileSystem) << "Path" << path << "(" << lister->depthLimit() << ") has" << paths.size()
                           << "items";
     return paths;
+}
+
+ReadDirectories AsyncFileSystemReader::readDirectories() const
+{
+    ReadDirectories read;
+    for (const ListerPtr& lister : m_succeeded) {
+        if (isReady())
+            read.add(lister->contents());
+    }
+    return read;
 }
 
 } // namespace vantrel

@@ -13,6 +13,7 @@
 
 namespace vantrel {
 
+class ReadDirectories;
 class RecursiveDirectoryLister;
 
 /// Reads from what it has read before: paths are added, then cached in the background, one tree after the
@@ -42,6 +43,8 @@ public:
     void setFileSystem(FileSystem* fileSystem) override;
     QList<std::filesystem::path> getFileSystemPaths(const std::filesystem::path& path) override;
     QList<std::filesystem::path> getFileSystemPaths(const QString& path) override;
+    /// All that it has read; nothing before it is ready.
+    ReadDirectories readDirectories() const;
 
 public Q_SLOTS:
     bool startCaching();

@@ -34,6 +34,13 @@ public:
         QList<DirectoryItem> items;
     };
 
+    /// What one directory holds, the way up among it.
+    struct Content
+    {
+        QList<FileSystemDirectory> directories;
+        QList<FileSystemFile> files;
+    };
+
     /// depthLimit: how many levels are read, 1 being the directory alone; 0: all.
     RecursiveDirectoryLister(FileSystem* fileSystem, const QString& path, qint64 depthLimit,
                              QObject* parent = nullptr);
@@ -52,6 +59,10 @@ public:
     /// The tree below the path, which lies in what was read. False when that is not known.
     bool getListing(const QString& path, DirectoryItem& item) const;
     bool getRootListing(DirectoryItem& item) const { return getListing(m_directoryPath, item); }
+    /// All that was read, by keyOf() of the path.
+    const QHash<QString, Content>& contents() const { return m_contents; }
+    /// Paths name one directory with or without a "/" at the end.
+    static QString keyOf(const QString& path);
 
 public Q_SLOTS:
     void start();
@@ -66,12 +77,6 @@ Q_SIGNALS:
     void isValidChanged();
 
 private:
-    struct Content
-    {
-        QList<FileSystemDirectory> directories;
-        QList<FileSystemFile> files;
-    };
-
     void onTick();
     void handleNextDirectoryRequest();
     void onDirectoryChanged(const FileSystemDirectory& directory);
@@ -88,7 +93,7 @@ private:
     bool m_isRunning = false;
     bool m_hasFinished = false;
     bool m_isValid = false;
-    QHash<QString, Content> m_contents; // by path
+    QHash<QString, Content> m_contents; // by keyOf()
     QHash<QString, qint64> m_depths;    // of all paths that were ever in the queue
     QQueue<QString> m_queue;
     QString m_inFlight; // empty when nothing is asked for

@@ -30,8 +30,13 @@ public:
     QSet<QString> late;
     qsizetype memory = 0;
     QHash<QString, int> requests;
+    int types = 0; // were asked for
 
-    ItemType getType(QString path) override { return path.endsWith(u'/') ? Directory : File; }
+    ItemType getType(QString path) override
+    {
+        ++types;
+        return path.endsWith(u'/') ? Directory : File;
+    }
     bool requestMetadata(QString path, FileMetadata& result) override
     {
         result.isPlayable = !unplayable.contains(path);
@@ -221,6 +226,42 @@ private Q_SLOTS:
             QCOMPARE(drops[i]->medias().size(), 1);
             QCOMPARE(drops[i]->medias().constFirst().name(), QStringLiteral("clip%1.mov").arg(i));
         }
+    }
+
+    /// What a large folder holds is made beside the main thread, while others read on, and of few files at a
+    /// time it is asked what they are.
+    void sortsAside()
+    {
+        for (int i = 0; i < 300; ++i) {
+            m_files->add(QStringLiteral("/in/%1.mov").arg(i), 1);
+            m_files->add(QStringLiteral("/in/all %1 of.png").arg(i), 1);
+        }
+        m_files->memory = MediaQuestions::mostOpen;
+        QSignalSpy readings(m_reader.get(), &AsyncFileSystemReader::isReadyChanged); // begun, done, let go
+        auto drop = makeDrop(1);
+        bool isFoundAtOnce = false;
+        connect(m_reader.get(), &AsyncFileSystemReader::isReadyChanged, drop.get(),
+                [&] { isFoundAtOnce = !drop->imageResults().isEmpty(); });
+        int typesBefore = -1;
+        connect(drop.get(), &MediaDrop::mediasChanged, drop.get(),
+                [&] { typesBefore = typesBefore < 0 ? m_files->types : typesBefore; });
+        drop->requestAsynchronously({QStringLiteral("/in/"), FileSystem::Directory}, m_files.get());
+        waitFor(*drop);
+        QCOMPARE(readings.size(), 3);
+        QVERIFY(!isFoundAtOnce);
+        QVERIFY2(typesBefore <= 2 * MediaQuestions::mostOpen, qPrintable(QString::number(typesBefore)));
+        QCOMPARE(drop->medias().size() + drop->imageResults().size(), 600);
+
+        // One that is given up meanwhile leaves the reader to the next.
+        readings.clear();
+        auto other = makeDrop(1);
+        other->requestAsynchronously({QStringLiteral("/in/"), FileSystem::Directory}, m_files.get());
+        QTRY_COMPARE(readings.size(), 3);
+        other.reset();
+        drop = makeDrop(1);
+        drop->requestAsynchronously({QStringLiteral("/in/"), FileSystem::Directory}, m_files.get());
+        waitFor(*drop);
+        QCOMPARE(drop->medias().size() + drop->imageResults().size(), 600);
     }
 
     void movesSlots_data()

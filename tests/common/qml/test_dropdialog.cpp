@@ -209,16 +209,20 @@ private Q_SLOTS:
     {
         FakeCollections collections;
         ImageSequenceCreator creator(nullptr, &collections);
-        auto drop = std::make_unique<MediaDrop>(nullptr, &creator, 1, 5);
-        drop->setImageResults({still(QStringLiteral("/logo.png"))});
         QMLManager::instance()->deinitialize();
         QMLManager::instance()->initialize(); // it has nothing of the view yet
-        const QPointer dialog = QMLManager::instance()->dialogs()->openDropDialog(drop.get(), true);
-        QVERIFY(!dialog->isVisible());
-        QSignalSpy refused(dialog, &QDialog::rejected);
-        drop.reset();
-        QTRY_VERIFY(!dialog);
-        QCOMPARE(refused.size(), 1);
+        for (const bool isLoaded : {false, true}) {
+            auto drop = std::make_unique<MediaDrop>(nullptr, &creator, 1, 5);
+            drop->setImageResults({still(QStringLiteral("/logo.png"))});
+            const QPointer dialog = QMLManager::instance()->dialogs()->openDropDialog(drop.get(), true);
+            const auto hasContent = [&] { return dialog->findChild<QuickView*>()->rootObject() != nullptr; };
+            QCOMPARE(hasContent(), isLoaded); // it is shown in the next turn
+            QVERIFY(!dialog->isVisible());
+            QSignalSpy refused(dialog, &QDialog::rejected);
+            drop.reset();
+            QTRY_VERIFY(!dialog);
+            QCOMPARE(refused.size(), 1);
+        }
     }
 
     /// At every text size nothing leaves the view or lies on something else.
