@@ -6,7 +6,7 @@ namespace vantrel {
 
 bool ReadDirectories::contains(const QString& path) const
 {
-    return m_contents.contains(RecursiveDirectoryLister::keyOf(path));
+    return m_contents.contains(withoutTrailingSlash(path));
 }
 
 QList<std::filesystem::path> ReadDirectories::getFileSystemPaths(const std::filesystem::path& path)
@@ -17,7 +17,7 @@ QList<std::filesystem::path> ReadDirectories::getFileSystemPaths(const std::file
 QList<std::filesystem::path> ReadDirectories::getFileSystemPaths(const QString& path)
 {
     QList<std::filesystem::path> paths;
-    const auto content = m_contents.constFind(RecursiveDirectoryLister::keyOf(path));
+    const auto content = m_contents.constFind(withoutTrailingSlash(path));
     if (content == m_contents.cend())
         return paths;
     paths.reserve(content->directories.size() + content->files.size());

@@ -37,12 +37,6 @@ RecursiveDirectoryLister::RecursiveDirectoryLister(FileSystem* fileSystem, const
     connect(fileSystem, &FileSystem::isLoadingChanged, this, &RecursiveDirectoryLister::wake);
 }
 
-QString RecursiveDirectoryLister::keyOf(const QString& path)
-{
-    const QString normal = normalizePath(path);
-    return normal.size() > 1 && normal.endsWith(u'/') ? normal.chopped(1) : normal;
-}
-
 void RecursiveDirectoryLister::start()
 {
     qCDebug(lcFileSystem) << "Starting listing directories for path" << m_directoryPath;

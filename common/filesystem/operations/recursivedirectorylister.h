@@ -59,10 +59,8 @@ public:
     /// The tree below the path, which lies in what was read. False when that is not known.
     bool getListing(const QString& path, DirectoryItem& item) const;
     bool getRootListing(DirectoryItem& item) const { return getListing(m_directoryPath, item); }
-    /// All that was read, by keyOf() of the path.
+    /// All that was read, by withoutTrailingSlash() of the path.
     const QHash<QString, Content>& contents() const { return m_contents; }
-    /// Paths name one directory with or without a "/" at the end.
-    static QString keyOf(const QString& path);
 
 public Q_SLOTS:
     void start();
@@ -93,7 +91,7 @@ private:
     bool m_isRunning = false;
     bool m_hasFinished = false;
     bool m_isValid = false;
-    QHash<QString, Content> m_contents; // by keyOf()
+    QHash<QString, Content> m_contents; // by withoutTrailingSlash() of the path
     QHash<QString, qint64> m_depths;    // of all paths that were ever in the queue
     QQueue<QString> m_queue;
     QString m_inFlight; // empty when nothing is asked for
