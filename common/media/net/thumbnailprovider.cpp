@@ -10,12 +10,18 @@
 #include <QThreadPool>
 #include <QTimer>
 
+#include <algorithm>
+
 namespace vantrel {
 
 namespace {
 
 constexpr int missingMs = 2000; // until one that is not there is asked for again
-constexpr int maxCached = 5000;
+constexpr qsizetype maxBytes = 64 * 1024 * 1024;
+constexpr qsizetype maxCached = 5000;
+// A screen of 3840 x 2160 full of tiles shows 252. What is in view must not push itself out: each paint would
+// fetch anew what the one before had let go.
+constexpr qsizetype minCached = 256;
 constexpr uint retryCount = 3;
 constexpr int timeoutMs = 5000;
 // What claims to be larger is no thumbnail. A few kilobytes can unfold to gigabytes while they are decoded.
@@ -44,6 +50,13 @@ QImage decode(const QByteArray& data)
     return reader.read();
 }
 
+/// Bytes, as far as the least and the greatest number of pictures allow.
+qsizetype costOf(const QPixmap& picture)
+{
+    const qsizetype bytes = qsizetype(picture.width()) * picture.height() * picture.depth() / 8;
+    return std::clamp(bytes, maxBytes / maxCached, maxBytes / minCached);
+}
+
 } // namespace
 
 const QString ThumbnailProvider::_apiPath = QStringLiteral("/api/brume/v1/thumbnails/");
@@ -52,7 +65,7 @@ ThumbnailProvider::ThumbnailProvider(const QString& host, AbstractNetworkAccessM
                                      long long maxCost, QObject* parent)
     : QObject(parent)
     , m_resources(new NetworkResourceCollection(manager, retryCount, timeoutMs, this))
-    , m_cache(maxCached)
+    , m_cache(maxBytes)
     , m_host(host)
     , m_decoders(std::make_unique<QThreadPool>())
 {
@@ -92,7 +105,7 @@ ThumbnailPtr ThumbnailProvider::getThumbnailFromCache(const QUrl& url) const
 void ThumbnailProvider::keepAsMissing(const QUrl& url)
 {
     const auto missing = std::make_shared<const QPixmap>();
-    m_cache.insert(url, new ThumbnailPtr(missing));
+    m_cache.insert(url, new ThumbnailPtr(missing), costOf(*missing));
     QTimer::singleShot(missingMs, this, [this, url, missing] {
         if (getThumbnailFromCache(url) != missing)
             return;
@@ -134,7 +147,7 @@ void ThumbnailProvider::store(const QUrl& url, const QImage& image)
     if (image.isNull())
         qCDebug(lcMedia) << "There is no picture in the thumbnail of" << url;
     const auto pixmap = std::make_shared<const QPixmap>(QPixmap::fromImage(image));
-    m_cache.insert(url, new ThumbnailPtr(pixmap));
+    m_cache.insert(url, new ThumbnailPtr(pixmap), costOf(*pixmap));
     Q_EMIT thumbnailChanged(url, pixmap);
 }
 

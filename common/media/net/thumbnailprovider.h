@@ -17,14 +17,15 @@ class NetworkResourceCollection;
 
 using ThumbnailPtr = std::shared_ptr<const QPixmap>;
 
-/// Asks the server for thumbnails, JPEG, and keeps the last five thousand. They are decoded on a worker
-/// thread, everything else happens on the main thread. The session owns it.
+/// Asks the server for thumbnails, JPEG, and keeps the last ones: 64 MiB of pixels, but never fewer pictures
+/// than views show at once, and five thousand at most. They are decoded on a worker thread, everything else
+/// happens on the main thread. The session owns it.
 class ThumbnailProvider : public QObject
 {
     Q_OBJECT
 
 public:
-    /// The cost that is asked for is not looked at: the cache holds five thousand.
+    /// The cost that is asked for is not looked at.
     ThumbnailProvider(const QString& host, AbstractNetworkAccessManager* manager, long long maxCost,
                       QObject* parent = nullptr);
     ~ThumbnailProvider() override;

@@ -88,6 +88,8 @@ private Q_SLOTS:
     void badMetadata();
     void thumbnails();
     void largeThumbnail();
+    void thumbnailsAreKeptByBytes_data();
+    void thumbnailsAreKeptByBytes();
     void forgottenWhileDecoding();
     void cacheIsBounded();
     void aggregation();
@@ -323,6 +325,33 @@ void TestNetworkResources::largeThumbnail()
     provider.getThumbnail(clip);
     QTRY_COMPARE(changed.size(), 1);
     QCOMPARE(provider.getThumbnail(clip)->size(), QSize(640, 640));
+}
+
+void TestNetworkResources::thumbnailsAreKeptByBytes_data()
+{
+    QTest::addColumn<int>("side"); // pixels, of four bytes
+    QTest::addColumn<int>("kept");
+    QTest::newRow("as many as fit") << 240 << 291;
+    QTest::newRow("never fewer than are in view") << 400 << 256;
+}
+
+void TestNetworkResources::thumbnailsAreKeptByBytes()
+{
+    QFETCH(int, side);
+    QFETCH(int, kept);
+    MockNetworkAccessManager network;
+    ThumbnailProvider provider(QStringLiteral("h"), &network, 100);
+    QSignalSpy changed(&provider, &ThumbnailProvider::thumbnailChanged);
+    const QByteArray picture = jpeg(side);
+    const auto url = [](int i) { return QUrl(QStringLiteral("file:///%1.mp4").arg(i)); };
+    for (int i = 0; i <= kept; ++i) {
+        network.addGetReply(thumbnailUrl(url(i)), picture);
+        provider.getThumbnail(url(i));
+        QVERIFY(changed.wait());
+    }
+    QVERIFY(!provider.getThumbnailFromCache(url(0)));
+    for (int i = 1; i <= kept; ++i)
+        QVERIFY(provider.getThumbnailFromCache(url(i)));
 }
 
 void TestNetworkResources::forgottenWhileDecoding()
