@@ -97,8 +97,16 @@ public:
         return true;
     }
 
+    bool requestMetadataAlone(const QString& path, FileMetadata& result) override
+    {
+        askedAlone.append(path);
+        result = metadata.value(path);
+        return metadata.contains(path);
+    }
+
     QMap<QString, FileMetadata> metadata;
     QStringList asked;
+    QStringList askedAlone; // without a picture
 
 private:
     bool isAnswered(const QString& path)

@@ -340,8 +340,13 @@ void FilesModelPrivate::askForDurations()
         return;
     }
     for (std::size_t row = 0; row < std::min(m_rows.size(), mostAsked); ++row) {
-        if (!m_rows[row].isDirectory)
-            known(m_rows[row], static_cast<int>(row));
+        const FileRow& file = m_rows[row];
+        FileMetadata metadata;
+        if (file.isDirectory || m_isLocal || !m_fileSystem || m_known.contains(file.name))
+            continue;
+        m_known.insert(file.name, {}); // what is told later is kept of known ones
+        if (m_fileSystem->requestMetadataAlone(pathOf(file, static_cast<int>(row)), metadata))
+            keep(file.name, metadata);
     }
     for (auto file = m_known.cbegin(); file != m_known.cend(); ++file) {
         if (file->metadata.durationMs > 0 && !m_sorting.durations.contains(file.key())) {

@@ -148,11 +148,12 @@ void ServerMetadata::onMetadataInvalidated(const QUrl& url)
         m_aggregator->metadata(url);
 }
 
+/// Of the files that are known few are in view: the rows that show this one ask for it when they hear of it.
 void ServerMetadata::onThumbnailInvalidated(const QUrl& url)
 {
     qCDebug(lcFileSystem) << "Thumbnail has been invalidated for" << url << "- Reloading it...";
     if (m_aggregator && m_cache.contains(url.toLocalFile()))
-        m_aggregator->thumbnail(url);
+        tell(url, cached(url).metadata);
 }
 
 } // namespace vantrel

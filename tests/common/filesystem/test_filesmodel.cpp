@@ -208,6 +208,16 @@ private Q_SLOTS:
         QCOMPARE(server.asked.size(), 2);
     }
 
+    /// A place in the order is found without the pictures of rows that nobody looks at.
+    void sortingByDurationFetchesNoPictures()
+    {
+        FilesModel model(m_files.get());
+        model.setDirectoryPath(QStringLiteral("/shows"));
+        model.sortBy(FilesModel::DurationValueMsRole);
+        QTRY_COMPARE(m_files->askedAlone.size(), 4);
+        QVERIFY(m_files->asked.isEmpty());
+    }
+
     /// Fifty thousand files: soon there, and nothing holds the window up meanwhile.
     void manyRows()
     {
