@@ -8,6 +8,7 @@
 #include "common/media/models/collectionselectormodel.h"
 #include "common/media/models/medialibrarymodel.h"
 #include "common/media/models/sortedcollectionselectormodel.h"
+#include "common/notification/notificationmanagerimpl.h"
 #include "common/session/link/signalrelay.h"
 #include "common/session/session.h"
 #include "common/session/settings/configuration.h"
@@ -36,6 +37,7 @@
 #include <QScrollBar>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <array>
 
 namespace vantrel {
@@ -525,24 +527,30 @@ void MediaPanelWidget::fitSearch()
     m_lens->setVisible(!hasText || textWidth + m_search->height() < room);
 }
 
-/// A number is the name of a slot, and cues it; a single hit is cued as well.
+/// A number is the name of a slot, and cues that one or none; of other text a single hit is cued.
 bool MediaPanelWidget::cueFromSearch()
 {
-    bool isNumber = false;
     const QString text = m_search->text().trimmed();
-    const int number = text.toInt(&isNumber);
     if (text.isEmpty() || !m_view->model())
         return false;
+    const bool isNumber =
+        std::all_of(text.cbegin(), text.cend(), [](QChar c) { return c >= u'0' && c <= u'9'; });
     const QModelIndex root = m_view->rootIndex();
-    QModelIndex hit = m_model->rowCount(root) == 1 ? m_model->index(0, 0, root) : QModelIndex();
-    for (int row = 0; isNumber && row < m_model->rowCount(root); ++row) {
-        const QModelIndex index = m_model->index(row, 0, root);
-        if (index.data(MediaLibraryModel::NumberRole).toInt() == number)
-            hit = index;
+    QPersistentModelIndex source;
+    if (isNumber)
+        source = m_library->slotIndex({selectedCollection(), text.toInt()});
+    else if (m_model->rowCount(root) == 1)
+        source = m_model->mapToSource(m_model->index(0, 0, root));
+    if (isNumber && source.data(MediaLibraryModel::UrlRole).toUrl().isEmpty()) {
+        NotificationManagerImpl::instance()->createNotification(
+            Notification::WarningMessage,
+            tr("There is no slot %1 in collection %2").arg(text).arg(selectedCollection()),
+            tr("Preview stays as it is."));
+        m_search->selectAll();
+        return true;
     }
-    if (!hit.isValid())
+    if (!source.isValid())
         return false;
-    const QPersistentModelIndex source = m_model->mapToSource(hit);
     if (isNumber)
         m_search->clear();
     m_view->setFocus(Qt::OtherFocusReason);

@@ -102,6 +102,7 @@ private Q_SLOTS:
     void playsWhatIsActivated();
     void enterInTheSearchCues_data();
     void enterInTheSearchCues();
+    void aNumberIsNoPartOfAnother();
     void enterInAnEditorStaysInIt();
     void emptyTexts();
     void dragPayloadReadsBack();
@@ -327,6 +328,32 @@ void TestMediaPanel::enterInTheSearchCues()
     QCOMPARE(played.size(), index.isValid() ? 1 : 0);
     QTEST(index.isValid() ? media::MediaUtils::parseCollectionIndex(index).slot : 0, "cued");
     QTEST(panel.search->text(), "left");
+}
+
+/// Of a slot that is not there nothing is cued, however often Enter is pressed.
+void TestMediaPanel::aNumberIsNoPartOfAnother()
+{
+    Panel panel(test::makeLibrary(1, 9));
+    panel.mirror.edit([](MediaLibrary& library) {
+        library.findCollection(1)->insertMediaSlot(3, MediaSlot(), true);
+        library.findSlot(1, 7)->setName("Act 3");
+    });
+    panel.widget.show();
+    QSignalSpy played(&panel.widget, &MediaPanelWidget::directPlayRequested);
+    const NotificationManagerImpl* told = NotificationManagerImpl::instance();
+    QTest::keyClicks(panel.search, QStringLiteral("3"));
+    QCOMPARE(panel.listed(), QStringLiteral("7"));
+    QTest::keyClick(panel.search, Qt::Key_Return);
+    QVERIFY(!told->notifications().isEmpty());
+    QVERIFY(told->notifications().last()->title().contains(QStringLiteral("There is no slot 3 ")));
+    QVERIFY(!panel.view->currentIndex().isValid());
+    QTest::keyClick(panel.search, Qt::Key_Return);
+    QCOMPARE(played.size(), 0);
+    // The next number takes its place.
+    QTest::keyClicks(panel.search, QStringLiteral("07"));
+    QTest::keyClick(panel.search, Qt::Key_Return);
+    QCOMPARE(played.size(), 1);
+    QCOMPARE(media::MediaUtils::parseCollectionIndex(played[0][0].toModelIndex()).slot, 7);
 }
 
 void TestMediaPanel::enterInAnEditorStaysInIt()
