@@ -32,6 +32,7 @@
 #include "common/ui/style/spacing.h"
 #include "common/ui/timecode/timecodedisplay.h"
 #include "common/ui/toolkit/blockedreason.h"
+#include "common/ui/toolkit/iconbutton.h"
 #include "common/ui/toolkit/uncovered.h"
 #include "common/views/playlist/nextentrylabel.h"
 #include "tarn/media/playenums.h"
@@ -196,6 +197,9 @@ void PlaybackWidget::connectChildren()
         connect(mute, &QAbstractButton::toggled, m_footer->levelMeter(), &LevelMeter::setMuted);
     connect(m_preview, &PlaybackPreview::dragAndDropEntry, this, &PlaybackWidget::handleDragAndDrop);
     connect(m_header, &PlaybackWidgetHeader::locked, this, &PlaybackWidget::setLocked);
+    // Opened once is not opened for good: what is on air after that may be another server's.
+    if (IconButton* lock = m_header->lockButton())
+        connect(m_session, &Session::connected, lock, [lock] { lock->setChecked(true); });
 }
 
 void PlaybackWidget::setObject(Object* object, Scene* scene)

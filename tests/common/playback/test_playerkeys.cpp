@@ -161,6 +161,20 @@ private Q_SLOTS:
         QVERIFY2(got.startsWith(takeLine) && got.count(u'\n') == 0, qPrintable(got));
     }
 
+    /// What is on air by then may be another server's.
+    void eachConnectionBeginsLocked()
+    {
+        const PlaybackWidget* program = m_fixture->channel()->programWidget();
+        QVERIFY(!program->isLocked());
+        m_fixture->peer.session->connectionHandler()->disconnect();
+        QTRY_VERIFY(!m_fixture->peer.session->isConnected());
+        QVERIFY(m_fixture->connect());
+        program = m_fixture->channel()->programWidget();
+        QTRY_VERIFY(program->isLocked());
+        QVERIFY(program->lockButton()->isChecked());
+        QVERIFY(!m_fixture->channel()->previewWidget()->isLocked());
+    }
+
     void spacePressesAButtonAfterTabOnly_data()
     {
         QTest::addColumn<Qt::FocusReason>("reason");
