@@ -18,11 +18,16 @@ OnAirQuestions::OnAirQuestions(Session* session, QWidget* window)
 {
 }
 
-bool OnAirQuestions::isProgramPlaying() const
+bool OnAirQuestions::isProgramOnAir() const
 {
     const GUIPlayback* program = m_session->sceneObjectProvider()->programPlayback();
     const bool hasMedia = !program->media().isEmpty() || !program->heldMedia().isEmpty();
-    return m_session->isConnected() && hasMedia && program->state() == SourcePlayState::Play;
+    return m_session->isConnected() && hasMedia && program->state() != SourcePlayState::Stop;
+}
+
+bool OnAirQuestions::isPlaying() const
+{
+    return m_session->sceneObjectProvider()->programPlayback()->state() == SourcePlayState::Play;
 }
 
 QString OnAirQuestions::programName() const
@@ -32,29 +37,33 @@ QString OnAirQuestions::programName() const
                                            : QString();
 }
 
-/// "Program is playing "Walk-in". ", or nothing.
+/// "Program is playing "Walk-in". ", or what it holds, or nothing.
 QString OnAirQuestions::onAir() const
 {
-    if (!isProgramPlaying())
+    if (!isProgramOnAir())
         return {};
     const QString name = programName();
-    return (name.isEmpty() ? tr("Program is playing.") : tr("Program is playing %1.").arg(name)) + u' ';
+    if (isPlaying())
+        return (name.isEmpty() ? tr("Program is playing.") : tr("Program is playing %1.").arg(name)) + u' ';
+    return (name.isEmpty() ? tr("Program is holding a picture.") : tr("Program is holding %1.").arg(name)) +
+           u' ';
 }
 
 void OnAirQuestions::beforeDisconnect(std::function<void()> act)
 {
-    if (!isProgramPlaying())
+    if (!isProgramOnAir())
         return act();
+    const QString goesOn = isPlaying() ? tr("The server plays on without this window:")
+                                       : tr("It stays on air without this window:");
     ask(tr("Disconnect from the server?"),
-        onAir() + tr("The server plays on without this window: nothing can be taken, stopped or muted from "
-                     "here until "
-                     "you connect again."),
+        onAir() + goesOn + u' ' +
+            tr("nothing can be taken, stopped or muted from here until you connect again."),
         tr("DISCONNECT"), QStringLiteral("DisconnectDialog"), std::move(act));
 }
 
 void OnAirQuestions::beforeReboot(std::function<void()> act)
 {
-    const QString black = isProgramPlaying() ? tr("It goes black at once.") + u' ' : QString();
+    const QString black = isProgramOnAir() ? tr("It goes black at once.") + u' ' : QString();
     ask(tr("Reboot the server?"),
         onAir() + black + tr("Its outputs stay black until it is up again, which takes a minute or more."),
         tr("REBOOT"), QStringLiteral("RebootDialog"), std::move(act));
@@ -62,20 +71,23 @@ void OnAirQuestions::beforeReboot(std::function<void()> act)
 
 QString OnAirQuestions::beforeAnotherShow() const
 {
-    return isProgramPlaying() ? onAir() + tr("It changes at once to what the show has there.") + u' '
-                              : QString();
+    return isProgramOnAir() ? onAir() + tr("It changes at once to what the show has there.") + u' '
+                            : QString();
 }
 
 QString OnAirQuestions::beforeImport() const
 {
-    return isProgramPlaying()
-               ? onAir() + tr("It plays on, and what is imported changes under it at once.") + u' '
-               : QString();
+    if (!isProgramOnAir())
+        return {};
+    return onAir() +
+           (isPlaying() ? tr("It plays on, and what is imported changes under it at once.")
+                        : tr("It stays on air, and what is imported changes under it at once.")) +
+           u' ';
 }
 
 QString OnAirQuestions::beforeClear() const
 {
-    return isProgramPlaying() ? onAir() + tr("It goes black at once.") + u' ' : QString();
+    return isProgramOnAir() ? onAir() + tr("It goes black at once.") + u' ' : QString();
 }
 
 void OnAirQuestions::ask(const QString& title, const QString& text, const QString& yes, const QString& name,
