@@ -1,6 +1,7 @@
 // What PlaybackWidget shows and allows for the media on its channel.
 #include "common/command/execute.h"
 #include "common/command/playback/playmediacommand.h"
+#include "common/command/refusal.h"
 #include "common/media/address/mediautils.h"
 #include "common/media/edit/implmediacollectionmanager.h"
 #include "common/media/items/abstractplaylistprovider.h"
@@ -289,7 +290,11 @@ void PlaybackWidget::playDroppedItem(const GuiMediaItem& item)
         play(slot->address().collection, slot->address().slot);
     } else if (const auto* playlist = dynamic_cast<const GuiPlaylist*>(&item)) {
         const auto entries = m_session->playlistProvider()->entries(playlist->number());
-        if (!entries.isEmpty())
+        if (entries.isEmpty())
+            tellNotDone(tr("Play \"%1\"").arg(playlist->name()),
+                        isPreview() ? tr("The playlist has no entries. Preview stays as it is.")
+                                    : tr("The playlist has no entries. Program stays as it is."));
+        else
             play(static_cast<int>(playlist->number()), entries.first()->address());
     }
 }

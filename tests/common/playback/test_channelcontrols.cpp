@@ -1,7 +1,9 @@
 #include "common/command/setcommand.h"
 #include "common/media/items/guimediaslot.h"
+#include "common/media/items/guiplaylist.h"
 #include "common/media/library/medialibraryprovider.h"
 #include "common/media/models/playbackmodel.h"
+#include "common/notification/notificationmanagerimpl.h"
 #include "common/outputs/audiooutputitem.h"
 #include "common/playback/durationeditwidget.h"
 #include "common/playback/endactionwidget.h"
@@ -315,6 +317,22 @@ private Q_SLOTS:
         QCOMPARE(m_fixture->waitForSent(),
                  QStringLiteral("invoke /device/channels/0/program/methods/playMedia "
                                 "{\"mediaUrl\":\"brume://collections/1/slots/2\"}"));
+    }
+
+    void anEmptyPlaylistSaysSo()
+    {
+        QVERIFY(m_fixture->connectWithPlaylists({{"3", PlayerFixture::playlistOf("<i>Late", {})}}));
+        m_fixture->takeSent();
+        m_fixture->channel()->programWidget()->handleDragAndDrop(
+            std::make_shared<GuiPlaylist>(QStringLiteral("<i>Late"), 3));
+        const auto notifications = NotificationManagerImpl::instance()->notifications();
+        QVERIFY(!notifications.isEmpty());
+        const QString text = notifications.last()->title() + notifications.last()->details();
+        QVERIFY2(text.contains(QStringLiteral("&lt;i&gt;Late")), qPrintable(text));
+        auto slot = std::make_shared<GuiMediaSlot>();
+        slot->setAddress({1, 2});
+        m_fixture->channel()->programWidget()->handleDragAndDrop(slot);
+        QVERIFY(m_fixture->waitForSent().contains(QStringLiteral("slots/2"))); // and nothing before
     }
 
     void audioDevicesAreChosen()
