@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <ctime>
 #include <iterator>
+#include <utility>
 
 namespace vantrel {
 
@@ -40,6 +41,7 @@ LogWriter::LogWriter(const std::filesystem::path& file)
 
 LogWriter::~LogWriter()
 {
+    m_teller = {}; // waits for its end
     tellHeld(RepeatLimit::Clock::time_point::max());
 }
 
@@ -56,7 +58,26 @@ void LogWriter::write(LogLevel level, const LogLoc& location, std::string_view m
     const std::lock_guard lock(m_mutex);
     tellHeld(now);
     if (m_repeats.admits(static_cast<int>(level), text, now))
-        append(level, text);
+        return append(level, text);
+    if (std::exchange(m_isHolding, true))
+        return;
+    if (!m_teller.joinable())
+        m_teller = std::jthread([this](const std::stop_token& stop) { tellInTime(stop); });
+    m_held.notify_one();
+}
+
+/// Else the count of a flood that has ended would wait for the next line, which may come hours later.
+void LogWriter::tellInTime(const std::stop_token& stop)
+{
+    std::unique_lock lock(m_mutex);
+    while (m_held.wait(lock, stop, [this] { return m_isHolding; })) {
+        if (const auto next = m_repeats.nextHeld())
+            m_held.wait_until(lock, stop, *next, [] { return false; });
+        if (stop.stop_requested())
+            return;
+        tellHeld(RepeatLimit::Clock::now());
+        m_isHolding = m_repeats.nextHeld().has_value();
+    }
 }
 
 void LogWriter::tellHeld(RepeatLimit::Clock::time_point now)

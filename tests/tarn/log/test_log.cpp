@@ -85,6 +85,55 @@ private Q_SLOTS:
         QCOMPARE(written, 10);
     }
 
+    /// However many lines flood at once, each of them is held.
+    void countsEachOfManyFloods()
+    {
+        RepeatLimit limit;
+        const RepeatLimit::Clock::time_point start{};
+        constexpr int floods = 200;
+        int written = 0;
+        for (int i = 0; i < 100 * floods; ++i)
+            written += limit.admits(2, "flood " + std::to_string(i % floods), start);
+        QCOMPARE(written, 10 * floods);
+        const auto held = limit.takeHeld(start + std::chrono::seconds(1));
+        QCOMPARE(held.size(), std::size_t{floods});
+        QCOMPARE(held.back().text(), "90 times more: flood 199");
+    }
+
+    /// With more at once than are told apart, those that are not have one limit among them.
+    void whatIsNotToldApartIsHeldTogether()
+    {
+        RepeatLimit limit;
+        const RepeatLimit::Clock::time_point start{};
+        for (int flood = 0; flood < 3000; ++flood) {
+            int written = 0;
+            for (int i = 0; i < 20; ++i)
+                written += limit.admits(2, std::to_string(flood), start);
+            QVERIFY2(written <= 10, qPrintable(QString::number(flood)));
+        }
+        const auto held = limit.takeHeld(start + std::chrono::seconds(1));
+        QVERIFY(held.size() < 2000);
+        QVERIFY(held.back().text().ends_with(" times more: other lines, the last of them: 2999"));
+        QVERIFY(limit.admits(2, "2999", start + std::chrono::seconds(1)));
+    }
+
+    /// Nothing more need be written for it.
+    void tellsByItselfWhatWasHeld()
+    {
+        const QTemporaryDir folder;
+        const QString path = folder.filePath(QStringLiteral("ombra.log"));
+        LogWriter writer(path.toStdString());
+        const auto text = [&path] {
+            QFile file(path);
+            return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+        };
+        for (int round = 1; round <= 2; ++round) {
+            for (int i = 0; i < 12; ++i)
+                writer.write(LogLevel::Warning, {"file", "f", 7}, "m", "text");
+            QTRY_COMPARE(text().count("2 times more: m file:7: text"), round);
+        }
+    }
+
     void aFileIsFollowedByTheNext()
     {
         const QTemporaryDir folder;
