@@ -15,6 +15,7 @@ import sys
 import tempfile
 import threading
 import time
+import urllib.error
 import urllib.request
 
 from robot import Robot, port_of
@@ -142,6 +143,53 @@ class Window:
     def shoot_widget(self, name, file):
         png = self.robot.ask(operation="grab", objectName=name, maxResults=1)[0]["png"]
         file.write_bytes(base64.b64decode(png))
+
+
+class Server:
+    """A server of its own on the demo's media, with its show in the given folder."""
+
+    def __init__(self, options, state):
+        self.options, self.state = options, state
+
+    def __enter__(self):
+        output = self.state.with_suffix(".out")
+        command = [pathlib.Path(self.options.bin).with_name("ombra"), "--media", self.options.media,
+                   "--state", self.state]
+        for port in ("http", "link", "preview", "ftp"):
+            command += [f"--{port}-port", "0"]
+        with open(output, "w", encoding="utf-8") as file:
+            self.process = subprocess.Popen(self.wrapped([str(word) for word in command]), stdout=file,
+                                            stderr=subprocess.DEVNULL)
+        wait(lambda: output.read_text(encoding="utf-8").startswith("ombra ready"), "the server")
+        self.server = ["--connect", "127.0.0.1"]
+        for word in output.read_text(encoding="utf-8").split()[2:]:
+            name, port = word.split("=")
+            self.server += [f"--{name}-port", port]
+        return self
+
+    def wrapped(self, command):
+        return command
+
+    def __exit__(self, *_):
+        self.process.terminate()
+        self.process.wait(20)
+
+
+class SmallDisk(Server):
+    """The same, and the folder is a disk of a megabyte, in memory, that no other process sees."""
+
+    def wrapped(self, command):
+        return ["unshare", "--map-root-user", "--mount", "sh", "-c",
+                f"mount -t tmpfs -o size=1m tmpfs '{self.state}' && exec \"$@\"", "sh", *command]
+
+    def fill(self):
+        disk = pathlib.Path(f"/proc/{self.process.pid}/root{self.state}")
+        try:
+            with open(disk / "recordings", "ab", buffering=0) as file:
+                while True:
+                    file.write(bytes(4096))
+        except OSError:
+            pass
 
 
 class Pointer:
@@ -515,6 +563,42 @@ def notice(options):
         time.sleep(3)
 
 
+def full_disk(options):
+    """The server's disk is full: an edit is refused, and the show plays on."""
+    state = options.media.with_name("full")
+    state.mkdir(exist_ok=True)
+    with SmallDisk(options, state) as disk, Window(options, server=disk.server) as window:
+        window.run_show()
+        disk.fill()
+        try:  # there is room in the journal's last page still
+            for name in ("Opening", "02 Opening") * 50:
+                rest(disk, "PATCH", [{"op": "replace", "path": "/collections/1/slots/2/name", "value": name}])
+        except urllib.error.HTTPError:
+            disk.fill()
+        window.robot.mouse("click", window.robot.slot(1))
+        window.keys("F2", "CtrlA", *"Doors open", "Enter")
+        wait(lambda: "Not done" in window.robot.find("NotificationPresenter-title")["text"], "the refusal")
+        window.click("NotificationPresenter-details-button")
+        time.sleep(1)
+        window.shoot(options.out / "disk-full.png")
+
+
+def damaged(options):
+    """The server was started on a show that its disk has spoilt."""
+    state = options.media.with_name("spoilt")
+    state.mkdir(exist_ok=True)
+    for _ in range(2):  # so that there is a generation before
+        with Server(options, state):
+            pass
+    newest = max(state.glob("show*.json"), key=lambda file: file.stat().st_mtime)
+    newest.write_bytes(newest.read_bytes().replace(b"Walk-in", b"Walk-on"))
+    with Server(options, state) as server, Window(options, server=server.server) as window:
+        window.run_show()
+        window.click("NotificationPresenter-details-button")
+        time.sleep(1)
+        window.shoot(options.out / "show-damaged.png")
+
+
 def drop(options):
     """A slot held over program, by the hand of the screen itself: the robot's own drags drop nothing."""
     with Window(options) as window, Pointer(window.display) as pointer:
@@ -799,6 +883,8 @@ SCREENS = {
     "repeat": repeat,
     "rename": rename,
     "media-folder-gone": notice,
+    "disk-full": full_disk,
+    "show-damaged": damaged,
     "drop-on-program": drop,
     "drop-on-slots": slots,
     "drop-dialog": lambda options: pictures(options, "drop-dialog"),
