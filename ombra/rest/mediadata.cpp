@@ -22,7 +22,6 @@ namespace vantrel::ombra {
 namespace {
 
 constexpr std::size_t maxWaiting = 4000;
-constexpr std::size_t maxCacheBytes = 64u * 1024 * 1024;
 constexpr int thumbnailWidth = 320;   // pixels
 constexpr double thumbnailTime = 1.0; // seconds: the very first picture is often black
 
@@ -193,9 +192,10 @@ HttpReply picture(const std::filesystem::path& file)
 
 } // namespace
 
-MediaData::MediaData(boost::asio::io_context& io, std::filesystem::path mediaFolder)
+MediaData::MediaData(boost::asio::io_context& io, std::filesystem::path mediaFolder, std::size_t keptBytes)
     : m_io(io)
     , m_folder(std::move(mediaFolder))
+    , m_keptBytes(keptBytes)
 {
 }
 
@@ -315,7 +315,7 @@ void MediaData::finish(const std::string& key, const HttpReply& reply)
         m_recent.emplace_front(key, reply);
         m_cache[key] = m_recent.begin();
         m_cacheBytes += key.size() + reply.body.size();
-        while (m_cacheBytes > maxCacheBytes && m_recent.size() > 1) {
+        while (m_cacheBytes > m_keptBytes && m_recent.size() > 1) {
             const auto& [oldKey, oldReply] = m_recent.back();
             m_cacheBytes -= oldKey.size() + oldReply.body.size();
             m_cache.erase(oldKey);

@@ -5,6 +5,7 @@
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/thread_pool.hpp>
 
+#include <cstddef>
 #include <deque>
 #include <filesystem>
 #include <functional>
@@ -28,7 +29,9 @@ public:
     /// Whether somebody still waits for an answer; an empty one means that it is not known.
     using Wanted = std::function<bool()>;
 
-    MediaData(boost::asio::io_context& io, std::filesystem::path mediaFolder);
+    /// keptBytes: of all answers that are kept.
+    MediaData(boost::asio::io_context& io, std::filesystem::path mediaFolder,
+              std::size_t keptBytes = 64u * 1024 * 1024);
     /// Waits for the work at hand; answers that are still due are not given.
     ~MediaData();
     MediaData(const MediaData&) = delete;
@@ -75,6 +78,7 @@ private:
     bool m_busy = false;
     std::list<std::pair<std::string, HttpReply>> m_recent; // newest first
     std::unordered_map<std::string, std::list<std::pair<std::string, HttpReply>>::iterator> m_cache;
+    std::size_t m_keptBytes;
     std::size_t m_cacheBytes = 0;
     std::size_t m_finding = 0; // questions to the disk
     std::shared_ptr<int> m_alive = std::make_shared<int>(0);

@@ -5,6 +5,8 @@
 #include "tests/ombra/decode/testmedia.h"
 #include "tests/support/testmain.h"
 
+#include <QBuffer>
+#include <QDateTime>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
@@ -158,6 +160,43 @@ private Q_SLOTS:
     }
 
     /// What is there and holds no picture is no error, which would be asked for again and again.
+    /// What is kept shows when a file has other bytes under the same stamp.
+    void keepsTheNewestPicturesAlone()
+    {
+        const auto paintAll = [this](Qt::GlobalColor colour) {
+            for (int i = 0; i < 12; ++i) {
+                QByteArray bytes;
+                QBuffer buffer(&bytes);
+                QImage picture(32, 18, QImage::Format_RGB32);
+                picture.fill(colour);
+                QVERIFY(picture.save(&buffer, "PNG") && bytes.size() < 1000);
+                const QString name = QStringLiteral("kept %1.png").arg(i);
+                write(name, bytes.leftJustified(1000, '\0'));
+                QFile file(path(name));
+                QVERIFY(file.open(QIODevice::ReadWrite));
+                QVERIFY(file.setFileTime(QDateTime::fromSecsSinceEpoch(1700000000),
+                                         QFileDevice::FileModificationTime));
+            }
+        };
+        const auto ask = [this](int i) {
+            const auto reply = answerOf(&MediaData::thumbnail, "kept%20" + QByteArray::number(i) + ".png");
+            return QByteArray::fromStdString(reply ? reply->body : std::string());
+        };
+        const auto isRed = [&](int i) {
+            const QImage picture = QImage::fromData(ask(i), "JPG");
+            return !picture.isNull() && picture.pixelColor(10, 10).red() > 128;
+        };
+        paintAll(Qt::red);
+        const std::size_t bytes = 4 * std::size_t(ask(0).size() + 200);
+        m_data = std::make_unique<MediaData>(m_io, m_media.folder(), bytes);
+        for (int i = 0; i < 12; ++i)
+            QVERIFY(isRed(i));
+        paintAll(Qt::blue);
+        QVERIFY(isRed(11) && isRed(10));
+        QVERIFY(!isRed(0) && !isRed(1));
+        m_data = std::make_unique<MediaData>(m_io, m_media.folder());
+    }
+
     void picturesOfSounds()
     {
         for (const char* file : {"whole.wav", "notes.txt", "noise.mov"}) {
