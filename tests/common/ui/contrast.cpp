@@ -129,6 +129,7 @@ private Q_SLOTS:
         page->resize(page->sizeHint());
         m_faults.clear();
         m_texts = m_drawings = m_tracks = m_declared = 0;
+        m_endActions.clear();
         QHash<QWidget*, QImage> windows;
         const QWidgetList widgets = QApplication::allWidgets();
         for (QWidget* widget : widgets) {
@@ -144,6 +145,7 @@ private Q_SLOTS:
         QVERIFY2(m_texts > 250 && m_drawings > 60 && m_tracks > 10,
                  qPrintable(QStringLiteral("%1 %2 %3").arg(m_texts).arg(m_drawings).arg(m_tracks)));
         QVERIFY2(m_declared >= 18, qPrintable(QString::number(m_declared)));
+        QCOMPARE(m_endActions.size(), 2); // as words and as drawings
         qApp->setStyleSheet({});
     }
 
@@ -166,6 +168,13 @@ private:
     {
         return window->inherits("vantrel::ZTDialog") || window->inherits("QMenu") ||
                window->inherits("vantrel::VolumeControlPopup");
+    }
+
+    /// An end action is a word where there is room, and a drawing where not.
+    static bool showsWord(const QWidget* widget)
+    {
+        return widget->inherits("vantrel::EndActionButton") &&
+               widget->property("class").toString() == QLatin1String("segment");
     }
 
     void expect(double found, double least, const QWidget* widget, const QString& text)
@@ -193,16 +202,16 @@ private:
             return window.copy(rect.translated(place.topLeft()).intersected(window.rect()));
         };
         const QRect inner = widget->rect().adjusted(3, 3, -3, -3);
+        if (widget->inherits("vantrel::EndActionButton"))
+            m_endActions.insert(showsWord(widget));
         if (const auto* label = qobject_cast<QLabel*>(widget))
             lookAtLabel(label, part);
-        else if (const auto* icon = qobject_cast<IconButton*>(widget);
-                 icon && !icon->inherits("vantrel::EndActionButton"))
+        else if (qobject_cast<IconButton*>(widget) && !showsWord(widget))
             lookAtDrawing(widget, part(inner));
         else if (qobject_cast<ColorBox*>(widget))
             return; // shows a colour of the operator's
         else if (const auto* button = qobject_cast<QAbstractButton*>(widget))
-            lookAtText(widget, part(inner),
-                       button->inherits("vantrel::EndActionButton") ? QString() : button->text());
+            lookAtText(widget, part(inner), button->text());
         else if (const auto* edit = qobject_cast<QLineEdit*>(widget))
             lookAtText(widget, part(inner), edit->text().isEmpty() ? edit->placeholderText() : edit->text());
         else if (const auto* box = qobject_cast<QComboBox*>(widget); box && !box->isEditable())
@@ -277,6 +286,7 @@ private:
 
     QStringList m_faults;
     int m_texts = 0, m_drawings = 0, m_tracks = 0, m_declared = 0;
+    QSet<bool> m_endActions; // looked at: whether they show words
 };
 
 HALCYRA_TEST(Contrast)

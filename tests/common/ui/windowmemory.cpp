@@ -127,6 +127,28 @@ private Q_SLOTS:
         QTRY_VERIFY(!window.isFullScreen());
     }
 
+    void comesBackInFullScreen()
+    {
+        test::allowWarnings(QStringLiteral("Failed due network error"));
+        test::ScriptedPeer peer;
+        QSize usual;
+        for (const bool wasFull : {false, true, false}) {
+            MainWindow window(peer.session);
+            window.show();
+            QVERIFY(QTest::qWaitForWindowActive(&window));
+            QTRY_COMPARE(window.isFullScreen(), wasFull);
+            if (!wasFull && usual.isEmpty())
+                usual = window.size();
+            QTest::keySequence(&window,
+                               defaultKeymap().value(QStringLiteral("fullscreen")).value<QKeySequence>());
+            QTRY_COMPARE(window.isFullScreen(), !wasFull);
+            if (wasFull) // what it was before it was full
+                QTRY_COMPARE(window.size(), usual);
+            window.close();
+        }
+        storeValue(QStringLiteral("Window/Geometry"), QByteArray());
+    }
+
     /// What is divided by hand, and the collection that was chosen.
     void comesBackAsItWasDivided()
     {
