@@ -1,5 +1,6 @@
 #include "common/views/mediapanelwidget.h"
 
+#include "common/command/refusal.h"
 #include "common/media/address/showntext.h"
 #include "common/media/edit/implmediacollectionmanager.h"
 #include "common/media/edit/mediasloteditfunctional.h"
@@ -8,7 +9,6 @@
 #include "common/media/models/collectionselectormodel.h"
 #include "common/media/models/medialibrarymodel.h"
 #include "common/media/models/sortedcollectionselectormodel.h"
-#include "common/notification/notificationmanagerimpl.h"
 #include "common/session/link/signalrelay.h"
 #include "common/session/session.h"
 #include "common/session/settings/configuration.h"
@@ -542,10 +542,9 @@ bool MediaPanelWidget::cueFromSearch()
     else if (m_model->rowCount(root) == 1)
         source = m_model->mapToSource(m_model->index(0, 0, root));
     if (isNumber && source.data(MediaLibraryModel::UrlRole).toUrl().isEmpty()) {
-        NotificationManagerImpl::instance()->createNotification(
-            Notification::WarningMessage,
-            tr("There is no slot %1 in collection %2").arg(text).arg(selectedCollection()),
-            tr("Preview stays as it is."));
+        tellNotDone(
+            tr("Cue slot %1").arg(text),
+            tr("Collection %1 has no slot %2. Preview stays as it is.").arg(selectedCollection()).arg(text));
         m_search->selectAll();
         return true;
     }

@@ -345,7 +345,7 @@ void TestMediaPanel::aNumberIsNoPartOfAnother()
     QCOMPARE(panel.listed(), QStringLiteral("7"));
     QTest::keyClick(panel.search, Qt::Key_Return);
     QVERIFY(!told->notifications().isEmpty());
-    QVERIFY(told->notifications().last()->title().contains(QStringLiteral("There is no slot 3 ")));
+    QVERIFY(told->notifications().last()->details().contains(QStringLiteral("has no slot 3.")));
     QVERIFY(!panel.view->currentIndex().isValid());
     QTest::keyClick(panel.search, Qt::Key_Return);
     QCOMPARE(played.size(), 0);
