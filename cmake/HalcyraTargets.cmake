@@ -33,7 +33,7 @@ function(halcyra_qt_definitions name)
 endfunction()
 
 function(halcyra_warnings name)
-  target_compile_options(${name} PRIVATE -Wall -Wextra -Wpedantic -Wnon-virtual-dtor $<$<CXX_COMPILER_ID:GNU>:-Wshadow=local>)
+  target_compile_options(${name} PRIVATE -Wall -Wextra -Wpedantic $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor> $<$<CXX_COMPILER_ID:GNU>:-Wshadow=local>)
   # Code made for a sanitizer makes the compiler see what is not there; the ordinary build judges.
   if(NOT HALCYRA_SANITIZE)
     target_compile_options(${name} PRIVATE -Werror)

@@ -20,6 +20,7 @@ using namespace vantrel::ombra;
 constexpr const char* usage =
     "usage: ombra --media DIR --state DIR [--bind ADDR] [--http-port N] [--link-port N] [--preview-port N]\n"
     "             [--ftp-port N] [--host-name NAME]... [--no-discovery] [--simulate-outputs] [--log FILE]\n"
+    "             [--display [window]]\n"
     "\n"
     "  --media DIR        the folder of the media files\n"
     "  --state DIR        where the show is kept; made where needed\n"
@@ -31,6 +32,7 @@ constexpr const char* usage =
     "  --host-name NAME   a name that clients may call it by, beside the machine's own; several are "
     "possible\n"
     "  --no-discovery     do not answer searches of the network\n"
+    "  --display          program full screen on the last screen; \"--display window\" in a window\n"
     "  --simulate-outputs displays are plugged in and out by POST /api/brume/v1/simulate/outputs/0 and 1\n"
     "  --log FILE         write the log there instead of to standard error: 10 MB a file, FILE and FILE.1 to "
     "FILE.4\n";
@@ -84,6 +86,10 @@ std::optional<Arguments> parseArguments(int argc, char** argv)
             arguments.server.discovery = false;
         } else if (std::strcmp(argv[i], "--simulate-outputs") == 0) {
             arguments.server.simulateOutputs = true;
+        } else if (std::strcmp(argv[i], "--display") == 0) {
+            const bool isWindow = i + 1 < argc && std::strcmp(argv[i + 1], "window") == 0;
+            arguments.server.screen = isWindow ? ServerOptions::Screen::Window : ServerOptions::Screen::Full;
+            i += isWindow ? 1 : 0;
         } else if (i + 1 >= argc || !parseOption(argv[i], argv[i + 1], arguments)) {
             std::fprintf(stderr, "ombra: cannot use \"%s%s%s\"\n%s", argv[i], i + 1 < argc ? " " : "",
                          i + 1 < argc ? argv[i + 1] : "", usage);

@@ -2,6 +2,7 @@
 
 #include "ombra/announcement.h"
 #include "ombra/base/version.h"
+#include "ombra/display/display.h"
 #include "ombra/engine/engine.h"
 #include "ombra/ftp/ftpservice.h"
 #include "ombra/link/linkserver.h"
@@ -37,6 +38,9 @@ namespace vantrel::ombra {
 
 namespace {
 
+constexpr const char* programPath = "/device/channels/0/program";
+constexpr const char* programMapping = "/device/channels/0/mappings/1";
+constexpr int programScreen = 1;                      // the operator's own is the first
 constexpr auto probeBudget = std::chrono::seconds(3); // of a first start; the rest follows while it serves
 
 /// Probes slots whose media nobody has looked at yet, until the time is over.
@@ -76,7 +80,7 @@ Server::Server(boost::asio::io_context& io, ServerOptions options)
 
 Server::~Server()
 {
-    m_engine.reset(); // before what its sink and its scene feed
+    stopEngine(); // before what its sink and its scene feed
 }
 
 bool Server::start(std::string* error)
@@ -113,6 +117,11 @@ bool Server::start(std::string* error)
         simulateOutputs();
     if (!openPorts(error))
         return false;
+    if (m_options.screen != ServerOptions::Screen::None)
+        m_display = std::make_unique<Display>(m_options.screen == ServerOptions::Screen::Window
+                                                  ? Display::Kind::Window
+                                                  : Display::Kind::FullScreen,
+                                              programScreen, "Program");
     startEngine();
     countSeconds();
     m_autoStart = std::make_unique<AutoStart>(*m_store, *m_settings, *m_showFiles, *m_currentShow);
@@ -202,8 +211,18 @@ bool Server::openFiles(std::string* error)
 
 void Server::startEngine()
 {
-    m_engine.reset(); // never two at once
-    m_engine = std::make_unique<Engine>(m_io, *m_scene, m_store->library(), EngineConfig{m_options.media});
+    stopEngine(); // never two at once
+    EngineConfig config{m_options.media};
+    config.keepsFrames = m_display != nullptr;
+    m_engine = std::make_unique<Engine>(m_io, *m_scene, m_store->library(), std::move(config));
+    if (m_display) {
+        m_engine->setMomentSink([display = m_display.get()](const std::string& playback, ShownMoment moment) {
+            if (playback == programPath)
+                display->show(std::move(moment));
+        });
+        m_display->setAsker([engine = m_engine.get()](auto moment) { engine->pace(moment); });
+        followMapping();
+    }
     m_engine->setPreviewSink(
         [preview = m_preview.get()](PreviewFrame picture) { preview->show(std::move(picture)); });
     m_engine->setLevelSink([preview = m_preview.get()](const PreviewLevels& levels) {
@@ -211,6 +230,24 @@ void Server::startEngine()
         frame.frame.setStreamIndex(levels.stream);
         preview->show(std::move(frame));
     });
+}
+
+void Server::stopEngine()
+{
+    if (m_display)
+        m_display->setAsker({});
+    m_engine.reset();
+}
+
+/// What the display shows where there is no picture.
+void Server::followMapping()
+{
+    const Object* mapping = m_scene->findObject(programMapping);
+    Variant color;
+    if (!m_display || !mapping || !mapping->getProperty("backgroundColor", color))
+        return;
+    const auto value = color.as<ColorValue>();
+    m_display->setGround({{float(value.red) / 255, float(value.green) / 255, float(value.blue) / 255}});
 }
 
 void Server::watchMedia()
@@ -247,8 +284,10 @@ void Server::tellFolder(MediaWatcher::Folder folder)
 
 bool Server::invoke(PathView methodPath, const Json& args, std::string* error)
 {
-    if (const auto done = m_outputs->invoke(methodPath, args, error))
+    if (const auto done = m_outputs->invoke(methodPath, args, error)) {
+        followMapping();
         return *done;
+    }
     const ScenePointer at = m_scene->find(methodPath);
     if (at.deref() && at.method() && at.deref()->getTypeName() == "ShowConfiguration")
         return m_showFiles->invoke(at.method()->name, args, error);
@@ -265,7 +304,7 @@ void Server::restartPlayers()
 {
     Log::write(LogLevel::Info, "vantrel.server", "restarting the players");
     const Json before = m_settings->current();
-    m_engine.reset();
+    stopEngine();
     for (const char* side : {"preview", "program"})
         m_scene->replaceProperty(
             m_scene->find("/device/channels/0/" + std::string(side) + "/properties/state"),
@@ -277,6 +316,7 @@ void Server::restartPlayers()
 void Server::propertyWritten(Object* object, const PropertyInfo* property, bool isByClient)
 {
     m_outputs->propertyWritten(object, property, isByClient);
+    followMapping();
     if (m_engine)
         m_engine->propertyWritten(object, property);
 }

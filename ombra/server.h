@@ -21,6 +21,7 @@ namespace vantrel::ombra {
 class AutoSave;
 class AutoStart;
 class CurrentShow;
+class Display;
 class Engine;
 class EventTeller;
 class FtpService;
@@ -46,7 +47,9 @@ struct ServerOptions
     unsigned short linkPort = 11060;
     unsigned short previewPort = 11061;
     unsigned short ftpPort = 21;
-    bool discovery = true;              // answer searches of the network
+    bool discovery = true; // answer searches of the network
+    enum class Screen { None, Window, Full };
+    Screen screen = Screen::None;       // where program is shown
     bool simulateOutputs = false;       // displays are plugged in and out by a route for tests
     std::vector<std::string> hostNames; // that clients may call it by, beside the machine's own
 };
@@ -73,6 +76,8 @@ private:
     bool openPorts(std::string* error);
     bool openFiles(std::string* error);
     void startEngine();
+    void stopEngine();
+    void followMapping();
     void restartPlayers();
     void watchMedia();
     void tellFolder(MediaWatcher::Folder folder);
@@ -94,6 +99,7 @@ private:
     std::unique_ptr<AutoStart> m_autoStart;
     std::unique_ptr<PreviewServer> m_preview;
     std::unique_ptr<FtpService> m_files;
+    std::unique_ptr<Display> m_display;
     std::unique_ptr<Engine> m_engine;
     std::unique_ptr<MediaData> m_mediaData;
     std::unique_ptr<RestApi> m_rest;

@@ -95,13 +95,17 @@ need_display() {
 # bounded FILE: keeps the first 10 MB of what it reads, as it comes, and takes the rest without a word.
 bounded() { stdbuf -o0 head -c 10485760 >"$1"; cat >/dev/null; }
 
+# What else start_ombra gives to the server.
+ombra_args=()
+
 # start_ombra MEDIA STATE OUTPUT LOG: a server on free ports. Its process id is then in ombra_pid, and what
 # connects halcyra to it in server_args.
 start_ombra() {
   say "starting ombra"
   mkdir -p "$2"
   touch "$3"
-  "$bin_dir/ombra" --media "$1" --state "$2" --http-port 0 --link-port 0 --preview-port 0 --ftp-port 0 --log "$4" >"$3" 2>"$3.err" &
+  "$bin_dir/ombra" --media "$1" --state "$2" --http-port 0 --link-port 0 --preview-port 0 --ftp-port 0 --log "$4" \
+    "${ombra_args[@]}" >"$3" 2>"$3.err" &
   ombra_pid=$!
   for _ in $(seq 200); do
     grep -q '^ombra ready' "$3" && break

@@ -1,6 +1,7 @@
 #include "ombra/decode/framescaler.h"
 
-#include "tarn/media/mediaenums.h"
+#include "ombra/decode/decodedsurface.h"
+#include "ombra/decode/placement.h"
 
 #include <algorithm>
 #include <cmath>
@@ -13,90 +14,6 @@ extern "C" {
 namespace vantrel::ombra {
 
 namespace {
-
-constexpr double largestSide = 8192; // pixels of a scaled picture
-
-struct Fit
-{
-    int width = 1, height = 1;               // of the picture, upright
-    int left = 0, top = 0;                   // of the picture on the surface; negative where it is cut
-    int surfaceWidth = 1, surfaceHeight = 1; // pixels
-    int x0 = 0, y0 = 0, x1 = 1, y1 = 1;      // what of the surface the picture covers
-};
-
-Fit shrinkOnly(int canvasWidth, double width, double height)
-{
-    Fit fit;
-    const double scale = std::min(1.0, canvasWidth / width);
-    fit.surfaceWidth = fit.width = std::max(1, static_cast<int>(std::lround(width * scale)));
-    fit.surfaceHeight = fit.height =
-        std::clamp(static_cast<int>(std::lround(height * scale)), 1, 4 * canvasWidth);
-    fit.x1 = fit.width;
-    fit.y1 = fit.height;
-    return fit;
-}
-
-/// How much the picture is enlarged to stand in an output of this size, both in pixels of the canvas.
-std::pair<double, double> scalesOf(ScaleMode mode, double native, double acrossRatio, double downRatio)
-{
-    switch (mode) {
-    case ScaleMode::Stretch:
-        return {acrossRatio, downRatio};
-    case ScaleMode::Clip:
-        return {std::max(acrossRatio, downRatio), std::max(acrossRatio, downRatio)};
-    case ScaleMode::Centered:
-    case ScaleMode::TopLeft:
-    case ScaleMode::TopRight:
-    case ScaleMode::BottomLeft:
-    case ScaleMode::BottomRight:
-        return {native, native};
-    case ScaleMode::Default:
-    case ScaleMode::Fit:
-        break;
-    }
-    return {std::min(acrossRatio, downRatio), std::min(acrossRatio, downRatio)};
-}
-
-/// Where the picture begins on a side: 0 at its start, 2 at its end, 1 in the middle.
-int placed(int regionStart, int regionSize, int size, int alignment)
-{
-    const int room = regionSize - size;
-    return regionStart + (alignment == 0 ? 0 : alignment == 2 ? room : (room - (room < 0 ? 1 : 0)) / 2);
-}
-
-Fit fitInto(const Canvas& canvas, double width, double height)
-{
-    if (canvas.height <= 0)
-        return shrinkOnly(canvas.width, width, height);
-    // The output's own picture in the canvas: all of it, where they are of one shape.
-    const double native = std::min(canvas.width / std::max(1.0, double(canvas.outputWidth)),
-                                   canvas.height / std::max(1.0, double(canvas.outputHeight)));
-    const int regionWidth =
-        std::clamp(static_cast<int>(std::lround(canvas.outputWidth * native)), 1, canvas.width);
-    const int regionHeight =
-        std::clamp(static_cast<int>(std::lround(canvas.outputHeight * native)), 1, canvas.height);
-    const int regionLeft = (canvas.width - regionWidth) / 2;
-    const int regionTop = (canvas.height - regionHeight) / 2;
-
-    const ScaleMode mode = canvas.scaling;
-    const auto [across, down] = scalesOf(mode, native, regionWidth / width, regionHeight / height);
-    Fit fit;
-    fit.width = static_cast<int>(std::lround(std::clamp(width * across, 1.0, largestSide)));
-    fit.height = static_cast<int>(std::lround(std::clamp(height * down, 1.0, largestSide)));
-    const bool left = mode == ScaleMode::TopLeft || mode == ScaleMode::BottomLeft;
-    const bool right = mode == ScaleMode::TopRight || mode == ScaleMode::BottomRight;
-    const bool top = mode == ScaleMode::TopLeft || mode == ScaleMode::TopRight;
-    const bool bottom = mode == ScaleMode::BottomLeft || mode == ScaleMode::BottomRight;
-    fit.left = placed(regionLeft, regionWidth, fit.width, left ? 0 : right ? 2 : 1);
-    fit.top = placed(regionTop, regionHeight, fit.height, top ? 0 : bottom ? 2 : 1);
-    fit.surfaceWidth = canvas.width;
-    fit.surfaceHeight = canvas.height;
-    fit.x0 = std::max(regionLeft, fit.left);
-    fit.y0 = std::max(regionTop, fit.top);
-    fit.x1 = std::min(regionLeft + regionWidth, fit.left + fit.width);
-    fit.y1 = std::min(regionTop + regionHeight, fit.top + fit.height);
-    return fit;
-}
 
 /// Cameras write how they were held into their stills.
 int exifQuarterTurns(const AVFrame& frame)
@@ -153,8 +70,14 @@ const std::vector<std::uint8_t>& screenValues()
     return table;
 }
 
-/// The matrix of a frame. Without a mark, what is larger than standard definition, whichever way it stands,
-/// is BT.709. Between two RGB formats there is none to choose.
+/// More than standard definition, whichever way it stands.
+bool isLarge(const AVFrame& frame)
+{
+    return std::max(frame.width, frame.height) >= 1280 || std::min(frame.width, frame.height) > 576;
+}
+
+/// The matrix of a frame. Without a mark, what is large is BT.709. Between two RGB formats there is none to
+/// choose.
 int matrixOf(const AVFrame& frame, const AVPixFmtDescriptor& format)
 {
     if (format.flags & AV_PIX_FMT_FLAG_RGB)
@@ -170,12 +93,23 @@ int matrixOf(const AVFrame& frame, const AVPixFmtDescriptor& format)
     case AVCOL_SPC_FCC:
         return SWS_CS_FCC;
     case AVCOL_SPC_UNSPECIFIED:
-        return std::max(frame.width, frame.height) >= 1280 || std::min(frame.width, frame.height) > 576
-                   ? SWS_CS_ITU709
-                   : SWS_CS_ITU601;
+        return isLarge(frame) ? SWS_CS_ITU709 : SWS_CS_ITU601;
     default:
         return SWS_CS_ITU601;
     }
+}
+
+/// The frame itself, not a copy of it, which says what is only meant: its matrix, and that it is linear.
+AvPtr<AVFrame> keep(const AVFrame& frame, const AVPixFmtDescriptor& format)
+{
+    AvPtr<AVFrame> kept(av_frame_clone(&frame));
+    if (!kept)
+        return nullptr;
+    if (isLinear(frame, format))
+        kept->color_trc = AVCOL_TRC_LINEAR;
+    if (!(format.flags & AV_PIX_FMT_FLAG_RGB) && frame.colorspace == AVCOL_SPC_UNSPECIFIED)
+        kept->colorspace = isLarge(frame) ? AVCOL_SPC_BT709 : AVCOL_SPC_SMPTE170M;
+    return kept;
 }
 
 void copyPixel(std::uint8_t* to, const std::uint8_t* from, bool alpha)
@@ -203,7 +137,7 @@ Ref<Surface> FrameScaler::scale(const AVFrame& frame, int quarterTurns, AVRation
         width = std::clamp(width * av_q2d(aspect), 1.0, 1e6);
     if (turns % 2)
         std::swap(width, height);
-    const Fit fit = fitInto(m_canvas, width, height);
+    const Placement fit = place(m_canvas, width, height);
 
     // Values that are linear come multiplied with their alpha already: as they are, they stand on black.
     const bool alpha = (descriptor->flags & AV_PIX_FMT_FLAG_ALPHA) && !isLinear(frame, *descriptor);
@@ -212,7 +146,13 @@ Ref<Surface> FrameScaler::scale(const AVFrame& frame, int quarterTurns, AVRation
     if (!convert(frame, scaledWidth, scaledHeight, alpha))
         return nullptr;
 
-    auto surface = makeRef<Surface>();
+    auto surface = makeRef<DecodedSurface>();
+    if (m_canvas.keepsFrames)
+        surface->decoded = keep(frame, *descriptor);
+    surface->quarterTurns = turns;
+    surface->uprightWidth = width;
+    surface->uprightHeight = height;
+    surface->scaling = m_canvas.scaling;
     surface->format = Surface::formatRgb24;
     surface->width = fit.surfaceWidth;
     surface->height = fit.surfaceHeight;

@@ -24,6 +24,7 @@ struct Canvas
     ScaleMode scaling = ScaleMode::Fit; // Default means Fit
     int outputWidth = 1920;             // what 1:1 refers to; the output's picture is fitted into the canvas
     int outputHeight = 1080;
+    bool keepsFrames = false; // the decoder's own beside each (DecodedSurface)
     friend bool operator==(const Canvas&, const Canvas&) = default;
 };
 

@@ -55,7 +55,9 @@ public:
         , m_source(library)
         , m_studio{m_source,
                    std::move(config.mediaFolder),
-                   Canvas{config.previewWidth, config.previewWidth * 9 / 16},
+                   Canvas{.width = config.previewWidth,
+                          .height = config.previewWidth * 9 / 16,
+                          .keepsFrames = config.keepsFrames},
                    blackSurface({config.previewWidth, config.previewWidth * 9 / 16}),
                    [this] { m_mixer.wake(); },
                    std::move(config.open)}
@@ -272,6 +274,18 @@ void Engine::setPreviewSink(std::function<void(PreviewFrame)> sink)
 void Engine::setLevelSink(std::function<void(PreviewLevels)> sink)
 {
     m_impl->mixer().setLevelSink(std::move(sink));
+}
+
+void Engine::setMomentSink(MomentSink sink)
+{
+    m_impl->mixer().setMomentSink([sink = std::move(sink)](const Playback& playback, ShownMoment moment) {
+        sink(playback.path(), std::move(moment));
+    });
+}
+
+void Engine::pace(std::chrono::steady_clock::time_point moment)
+{
+    m_impl->mixer().pace(moment);
 }
 
 bool Engine::invoke(PathView methodPath, const Json& args, std::string* error)

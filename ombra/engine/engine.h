@@ -1,12 +1,14 @@
 #pragma once
 
 #include "ombra/decode/picturereader.h"
+#include "ombra/engine/shownmoment.h"
 #include "tarn/json/json.h"
 #include "tarn/json/path.h"
 #include "tarn/preview/audiolevels.h"
 #include "tarn/preview/frame.h"
 #include "tarn/ref.h"
 
+#include <chrono>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -40,6 +42,7 @@ struct EngineConfig
     int previewWidth = 480; // pixels; pictures are 16:9
     int framesPerSecond = 25;
     PictureOpener open = openReader;
+    bool keepsFrames = false; // for a display: the decoder's own pictures beside those of the preview
 };
 
 /// Plays the library's media on the scene's channels and publishes what happens into the scene. Made, used
@@ -60,6 +63,12 @@ public:
     /// The same for the sound: with every picture's time in which the levels changed, and a few times a
     /// second.
     void setLevelSink(std::function<void(PreviewLevels)> sink);
+
+    /// A display that is about to show the picture of this moment (pace) gets what it is, program or preview,
+    /// on the mixing thread. Without that word for a while the engine goes on by itself.
+    using MomentSink = std::function<void(const std::string& playback, ShownMoment)>;
+    void setMomentSink(MomentSink sink);
+    void pace(std::chrono::steady_clock::time_point moment); // any thread
 
     /// A method of a channel or of a playback that a client invoked, "/device/channels/0/methods/take".
     /// False, and a message for the client, when there is no such object, method or argument.

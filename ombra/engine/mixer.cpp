@@ -11,6 +11,7 @@ namespace {
 
 constexpr double repeatAfter = 0.24; // seconds after which what is unchanged is sent again
 constexpr int roundsLeftOut = 5;     // when this late, go on from now rather than catch up
+constexpr auto pacePatience = std::chrono::milliseconds(120); // until the rate goes on by itself
 
 long long wallTime()
 {
@@ -63,6 +64,21 @@ void Mixer::wake()
     m_wake.notify_all();
 }
 
+void Mixer::pace(Clock::time_point moment)
+{
+    {
+        const std::lock_guard lock(m_wakeMutex);
+        m_paced = moment;
+    }
+    m_wake.notify_all();
+}
+
+void Mixer::setMomentSink(std::function<void(const Playback&, ShownMoment)> sink)
+{
+    const std::lock_guard lock(m_sinkMutex);
+    m_momentSink = std::move(sink);
+}
+
 void Mixer::setSink(std::function<void(PreviewFrame)> sink)
 {
     const std::lock_guard lock(m_sinkMutex);
@@ -79,31 +95,43 @@ void Mixer::run()
 {
     const Clock::time_point begin = Clock::now();
     Clock::time_point next = begin;
+    Clock::time_point last = begin;
     std::unique_lock lock(m_wakeMutex);
     while (!m_stop) {
-        m_wake.wait_until(lock, next, [this] { return m_woken || m_stop; });
+        m_wake.wait_until(lock, next, [this] { return m_woken || m_stop || m_paced; });
         m_woken = false;
         if (m_stop)
             break;
         Clock::time_point now = Clock::now();
-        const bool inTime = now >= next;
-        if (inTime) {
+        Round kind = Round::Woken;
+        if (m_paced) {
+            kind = Round::Paced;
+            now = *std::exchange(m_paced, std::nullopt);
+            next = std::max(now, Clock::now()) + pacePatience;
+        } else if (now >= next) {
             // Rounds count by the rate and not by when they came: 25 pictures a second meet 25 rounds
             // exactly.
+            kind = Round::InTime;
             if (now > next + roundsLeftOut * m_period)
                 next = now;
             now = next;
             next += m_period;
         }
+        last = std::max(now, last); // a pace is of what is shown next: later than now
         lock.unlock();
-        round(std::chrono::duration<double>(now - begin).count(), inTime);
+        round(std::chrono::duration<double>(last - begin).count(), kind);
         m_ticked();
         lock.lock();
     }
 }
 
-void Mixer::round(double now, bool inTime)
+void Mixer::round(double now, Round kind)
 {
+    const bool sends = kind != Round::Paced || now >= m_sendAt;
+    if (kind == Round::Paced && sends) {
+        const double period = std::chrono::duration<double>(m_period).count();
+        m_sendAt = now > m_sendAt + roundsLeftOut * period ? now + period : m_sendAt + period;
+    }
     for (std::size_t i = 0;; ++i) {
         Output* output = nullptr;
         Player::Moment moment;
@@ -126,12 +154,37 @@ void Mixer::round(double now, bool inTime)
             const std::lock_guard lock(m_lock);
             output->playback->player().setShown(surface);
         }
-        send(*output, surface, now);
+        if (kind == Round::Paced)
+            show(*output, moment, now);
+        if (sends)
+            send(*output, surface, now);
         output->gauge.add(moment.sound, gain);
         output->channels = moment.channels.value_or(output->channels);
-        if (inTime)
+        if (sends && kind != Round::Woken)
             sendLevels(*output, now);
     }
+}
+
+void Mixer::show(Output& output, const Player::Moment& moment, double now)
+{
+    ShownMoment shown;
+    shown.time = now;
+    shown.late = moment.late;
+    for (const Player::Moment::Layer& layer : moment.layers) {
+        const MixShares shares =
+            &layer == moment.layers.data() ? MixShares{0, 1} : mixShares(layer.type, layer.weight);
+        for (ShownMoment::Layer& below : shown.layers)
+            below.share *= shares.from;
+        shown.dipped = shown.dipped * shares.from;
+        if (layer.type == TakeTransitionType::DipToColor)
+            shown.dipped += 1 - shares.from - shares.to;
+        shown.layers.push_back({layer.isBlack ? nullptr : layer.surface, shares.to});
+    }
+    std::erase_if(shown.layers,
+                  [](const ShownMoment::Layer& layer) { return !layer.surface || layer.share <= 0; });
+    const std::lock_guard lock(m_sinkMutex);
+    if (m_momentSink)
+        m_momentSink(*output.playback, std::move(shown));
 }
 
 void Mixer::send(Output& output, const Ref<Surface>& surface, double now)

@@ -3,6 +3,7 @@
 #include "ombra/engine/engine.h"
 #include "ombra/engine/levelgauge.h"
 #include "ombra/engine/playback.h"
+#include "ombra/engine/shownmoment.h"
 
 #include <atomic>
 #include <condition_variable>
@@ -27,6 +28,11 @@ public:
     void stop();
     /// A round at once rather than at the next moment of the rate. Any thread.
     void wake();
+    /// The next round, and the moment that it is of. While somebody paces, rounds come with his words and the
+    /// rate only stands in where he falls silent; previews keep to the rate. Any thread.
+    void pace(std::chrono::steady_clock::time_point moment);
+    /// Called with every round of a pace, for each playback.
+    void setMomentSink(std::function<void(const Playback&, ShownMoment)> sink);
     /// After this returns the sink before is not called any more.
     void setSink(std::function<void(PreviewFrame)> sink);
     void setLevelSink(std::function<void(PreviewLevels)> sink);
@@ -46,8 +52,10 @@ private:
     };
 
     void run();
-    /// inTime: a moment of the rate, and not one in between; levels are of whole such moments.
-    void round(double now, bool inTime);
+    void show(Output& output, const Player::Moment& moment, double now);
+    enum class Round { Woken, Paced, InTime };
+    /// InTime: a moment of the rate, and not one in between; levels are of whole such moments.
+    void round(double now, Round kind);
     void send(Output& output, const Ref<Surface>& surface, double now);
     void sendLevels(Output& output, double now);
 
@@ -59,11 +67,14 @@ private:
     std::mutex m_sinkMutex;
     std::function<void(PreviewFrame)> m_sink;
     std::function<void(PreviewLevels)> m_levelSink;
+    std::function<void(const Playback&, ShownMoment)> m_momentSink;
 
     std::mutex m_wakeMutex;
     std::condition_variable m_wake;
     bool m_woken = false;
+    std::optional<Clock::time_point> m_paced;
     bool m_stop = false;
+    double m_sendAt = 0; // the next time of the rate, while somebody paces
     std::thread m_thread;
 };
 

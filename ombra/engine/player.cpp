@@ -385,7 +385,8 @@ Player::Moment::Layer Player::shown(const Layer& layer) const
     Ref<Surface> surface = deck ? deck->surface() : layer.still;
     if (!surface || (deck && m_blackWhenStopped && deck->state() == SourcePlayState::Stop))
         surface = m_black;
-    return {std::move(surface), layer.transition.type, layer.progress};
+    const bool isBlack = surface == m_black;
+    return {std::move(surface), layer.transition.type, layer.progress, isBlack};
 }
 
 } // namespace vantrel::ombra

@@ -22,6 +22,7 @@ public:
             Ref<Surface> surface;
             TakeTransitionType type = TakeTransitionType::DirectCut; // over the mixture of those below
             double weight = 1;
+            bool isBlack = false; // nothing is there
         };
         std::vector<Layer> layers;   // the lowest first; at least one
         Sound sound;                 // mixed, of the time since the moment before

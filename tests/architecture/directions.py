@@ -13,6 +13,7 @@ MAY_KNOW = {
     "tarn": ["tarn"],
     "tarn/qt": ["tarn"],
     "ombra": ["ombra", "tarn", "util"],
+    "ombra/display": ["ombra/display", "ombra/decode", "ombra/base", "ombra/engine/shownmoment.h", "tarn"],
     "launcher": ["launcher", "common", "util", "tarn"],
     "common": ["common", "tarn", "util"],
 }
@@ -103,6 +104,10 @@ ASKED = "Session::instance()"
 INSTANCE = re.compile(r"\b((?!Q[A-Z]\w*Application\b)[A-Z]\w*)::instance\(\)")
 # Modules that core rooms know nothing of, also where an include names the module itself.
 WIDGETS = re.compile(r"Qt\w*Widgets/")
+# What shows pictures on a screen, and the only room that knows how.
+DISPLAY = "ombra/display"
+DISPLAY_SYSTEM = re.compile(r"SDL|libplacebo/")
+DISPLAY_USERS = ["ombra/display", "ombra/server.cpp"]
 # Qt stays out of these rooms.
 NO_QT = ["util", "tarn", "ombra"]
 NO_QT_EXCEPT = ["tarn/qt"]
@@ -155,6 +160,10 @@ def faults_of(root, path, floors, core):
             continue
         ours, system = match.groups()
         where = f"{name}:{number}"
+        if system and DISPLAY_SYSTEM.match(system) and not in_room(name, DISPLAY):
+            yield f"{where}: includes <{system}>, which only {DISPLAY} knows"
+        if ours and in_room(ours, DISPLAY) and not any(in_room(name, user) for user in DISPLAY_USERS):
+            yield f"{where}: includes {ours}, which only the server may"
         if system:
             is_qt = re.match(r"Q[A-Z]|Qt[A-Z]", system)
             if is_qt and any(in_room(name, r) for r in NO_QT) and not any(in_room(name, r) for r in NO_QT_EXCEPT):

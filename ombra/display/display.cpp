@@ -1,0 +1,169 @@
+#include "ombra/display/display.h"
+
+#include "ombra/display/window.h"
+#include "tarn/log/log.h"
+
+#include <algorithm>
+
+namespace vantrel::ombra {
+
+namespace {
+
+/// A picture is counted as painted too late when the display's next beat is over by so much of one.
+constexpr double missedAfter = 0.5;
+
+bool looksAlike(const ShownMoment& one, const ShownMoment& other)
+{
+    return one.dipped == other.dipped &&
+           std::ranges::equal(one.layers, other.layers,
+                              [](const ShownMoment::Layer& a, const ShownMoment::Layer& b) {
+                                  return a.surface == b.surface && a.share == b.share;
+                              });
+}
+
+} // namespace
+
+Display::Display(Kind kind, int screen, std::string title)
+    : m_kind(kind)
+    , m_screen(screen)
+    , m_title(std::move(title))
+    , m_thread([this] { run(); })
+{
+}
+
+Display::~Display()
+{
+    {
+        const std::lock_guard lock(m_mutex);
+        m_stop = true;
+    }
+    m_change.notify_all();
+    m_thread.join();
+}
+
+void Display::setAsker(Asker asker)
+{
+    const std::lock_guard lock(m_askerMutex);
+    m_asker = std::move(asker);
+}
+
+void Display::show(ShownMoment moment)
+{
+    {
+        const std::lock_guard lock(m_mutex);
+        m_moment = std::move(moment);
+        m_fresh = true;
+    }
+    m_change.notify_all();
+}
+
+void Display::setGround(Painter::Ground ground)
+{
+    const std::lock_guard lock(m_mutex);
+    m_ground = ground;
+}
+
+Display::Figures Display::figures() const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_figures;
+}
+
+bool Display::isStopped() const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_stop;
+}
+
+void Display::waitUntil(Clock::time_point moment)
+{
+    std::unique_lock lock(m_mutex);
+    m_change.wait_until(lock, moment, [this] { return m_stop; });
+}
+
+bool Display::ask(Clock::time_point moment, Clock::duration patience)
+{
+    {
+        const std::lock_guard lock(m_mutex);
+        m_fresh = false;
+    }
+    {
+        const std::lock_guard lock(m_askerMutex);
+        if (!m_asker)
+            return false;
+        m_asker(moment);
+    }
+    std::unique_lock lock(m_mutex);
+    m_change.wait_for(lock, patience, [this] { return m_fresh || m_stop; });
+    return m_fresh;
+}
+
+void Display::run()
+{
+    std::string error;
+    const std::unique_ptr<Window> window = Window::open(m_kind, m_screen, m_title, &error);
+    if (!window) {
+        Log::write(LogLevel::Warning, "vantrel.display", "no display: " + error);
+        return;
+    }
+    {
+        const std::lock_guard lock(m_mutex);
+        m_figures.isOpen = true;
+        m_figures.rate = window->rate();
+        m_figures.bySoftware = window->isSoftware();
+    }
+    Log::write(LogLevel::Info, "vantrel.display", window->description());
+    present(*window);
+    const std::lock_guard lock(m_mutex);
+    m_figures.isOpen = false;
+    m_moment = {};
+}
+
+/// The display gives the beat where it makes a swap wait, and the clock does elsewhere. Either way each beat
+/// has its time on the one clock of the machine, evenly: by that time the pictures of media are chosen.
+void Display::present(Window& window)
+{
+    const auto period =
+        std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(1 / window.rate()));
+    Clock::time_point next = Clock::now() + period;
+    ShownMoment painted;
+    Painter::Ground paintedGround{{-1, 0, 0}};
+    while (!isStopped() && window.handleEvents()) {
+        const bool isFresh = ask(next, period / 2);
+        ShownMoment moment;
+        Painter::Ground ground;
+        {
+            const std::lock_guard lock(m_mutex);
+            moment = m_moment;
+            ground = m_ground;
+            m_figures.late += isFresh && moment.late ? 1 : 0;
+        }
+        const bool changes = !looksAlike(moment, painted) || ground != paintedGround || window.takeExposed();
+        const Clock::time_point begin = Clock::now();
+        const bool isPainted = changes && window.painter().paint(moment, ground);
+        const Clock::time_point end = Clock::now();
+        if (!window.givesBeat() || !isPainted)
+            waitUntil(next);
+        if (isPainted) {
+            window.painter().swap();
+            painted = std::move(moment);
+            paintedGround = ground;
+        }
+        const Clock::time_point shown = Clock::now();
+        long long missed = 0;
+        if (shown > next + std::chrono::duration_cast<Clock::duration>(period * missedAfter))
+            missed = std::max<long long>(1, (shown - next) / period);
+        if (window.givesBeat() && isPainted && missed == 0)
+            next += (shown - next) / 16; // the display's own rate and phase, without the jitter of a thread
+        next += (missed + 1) * period;
+        const std::lock_guard lock(m_mutex);
+        m_figures.width = window.width();
+        m_figures.height = window.height();
+        m_figures.dropped += missed;
+        m_figures.shown += isPainted ? 1 : 0;
+        if (isPainted)
+            m_figures.paintSeconds = std::chrono::duration<double>(end - begin).count();
+    }
+}
+
+} // namespace vantrel::ombra

@@ -1,0 +1,75 @@
+#pragma once
+
+#include "ombra/display/painter.h"
+#include "ombra/engine/shownmoment.h"
+
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <functional>
+#include <mutex>
+#include <thread>
+
+namespace vantrel::ombra {
+
+/// One screen of the machine and what the audience sees on it. A thread of its own has the window and the
+/// graphics card, and asks for each picture when the display is about to show one. Without a display it says
+/// so once in the log, and nothing else is different. Any thread.
+class Display
+{
+public:
+    enum class Kind { Window, FullScreen };
+    /// In the order of their numbers; where there are fewer screens the last one serves.
+    Display(Kind kind, int screen, std::string title);
+    ~Display();
+    Display(const Display&) = delete;
+
+    /// Who is asked for the picture that is to be shown at a moment, and gives it by show(). After this
+    /// returns the one before is not asked any more.
+    using Asker = std::function<void(std::chrono::steady_clock::time_point)>;
+    void setAsker(Asker asker);
+    void show(ShownMoment moment);
+    void setGround(Painter::Ground ground);
+
+    struct Figures
+    {
+        bool isOpen = false;
+        int width = 0, height = 0; // pixels
+        double rate = 0;           // pictures a second
+        long long shown = 0;       // changed pictures
+        long long dropped = 0;     // beats of the display that passed while a picture was painted
+        long long late = 0;        // pictures that were not decoded in time
+        double paintSeconds = 0;   // of the last picture
+        bool bySoftware = false;
+    };
+    Figures figures() const;
+
+private:
+    class Window;
+    using Clock = std::chrono::steady_clock;
+
+    void run();
+    void present(Window& window);
+    /// False where nothing came in time.
+    bool ask(Clock::time_point moment, Clock::duration patience);
+    bool isStopped() const;
+    void waitUntil(Clock::time_point moment);
+
+    const Kind m_kind;
+    const int m_screen;
+    const std::string m_title;
+
+    std::mutex m_askerMutex;
+    Asker m_asker;
+
+    mutable std::mutex m_mutex;
+    std::condition_variable m_change;
+    ShownMoment m_moment;
+    bool m_fresh = false;
+    Painter::Ground m_ground;
+    Figures m_figures;
+    bool m_stop = false;
+    std::thread m_thread; // last: it uses all of the above
+};
+
+} // namespace vantrel::ombra

@@ -1,0 +1,334 @@
+#include "ombra/display/painter.h"
+
+#include "ombra/base/fail.h"
+#include "ombra/decode/decodedsurface.h"
+#include "ombra/decode/placement.h"
+#include "ombra/display/framemap.h"
+#include "tarn/log/log.h"
+
+#include <SDL.h>
+#include <algorithm>
+#include <libplacebo/opengl.h>
+#include <libplacebo/shaders/custom.h>
+#include <libplacebo/utils/upload.h>
+#include <vector>
+
+namespace vantrel::ombra {
+
+namespace {
+
+constexpr std::size_t layersAtMost = 4;
+
+void tell(void*, pl_log_level level, const char* text)
+{
+    const LogLevel own = level <= PL_LOG_ERR ? LogLevel::Warning : LogLevel::Debug;
+    Log::write(own, "vantrel.display", text);
+}
+
+/// What a screen of today shows without a word: the values of the picture as they are.
+pl_color_space screenColors()
+{
+    pl_color_space space = {};
+    space.primaries = PL_COLOR_PRIM_BT_709;
+    space.transfer = PL_COLOR_TRC_BT_1886;
+    return space;
+}
+
+/// Values that are made for a screen go there unchanged, whatever its primaries are called; the others are
+/// turned into such.
+pl_color_space imageColors(const pl_color_space& told)
+{
+    return told.transfer == PL_COLOR_TRC_LINEAR || pl_color_transfer_is_hdr(told.transfer) ? told
+                                                                                           : screenColors();
+}
+
+/// Frames of formats that the renderer does not read, as 8-bit RGBA.
+AvPtr<AVFrame> toRgba(const AVFrame& frame)
+{
+    AvPtr<AVFrame> result(av_frame_alloc());
+    result->format = AV_PIX_FMT_RGBA;
+    result->width = frame.width;
+    result->height = frame.height;
+    const AvPtr<SwsContext> scaler(
+        sws_getContext(frame.width, frame.height, static_cast<AVPixelFormat>(frame.format), frame.width,
+                       frame.height, AV_PIX_FMT_RGBA, SWS_BILINEAR, nullptr, nullptr, nullptr));
+    if (!scaler || av_frame_get_buffer(result.get(), 0) < 0 ||
+        sws_scale(scaler.get(), frame.data, frame.linesize, 0, frame.height, result->data,
+                  result->linesize) <= 0)
+        return nullptr;
+    return result;
+}
+
+} // namespace
+
+class Painter::Impl
+{
+public:
+    ~Impl()
+    {
+        for (Source& source : m_sources) {
+            for (pl_tex& texture : source.textures)
+                pl_tex_destroy(gpu(), &texture);
+            pl_tex_destroy(gpu(), &source.whole);
+        }
+        pl_renderer_destroy(&m_renderer);
+        pl_dispatch_destroy(&m_dispatch);
+        pl_swapchain_destroy(&m_swapchain);
+        pl_opengl_destroy(&m_gl);
+        pl_log_destroy(&m_log);
+    }
+
+    bool open(SDL_Window* window, bool bySoftware, std::string* error)
+    {
+        m_window = window;
+        pl_log_params log = {};
+        log.log_cb = tell;
+        log.log_level = PL_LOG_WARN;
+        m_log = pl_log_create(PL_API_VER, &log);
+        pl_opengl_params gl = {};
+        gl.allow_software = true;
+        m_gl = pl_opengl_create(m_log, &gl);
+        if (!m_gl)
+            return fail(error, "OpenGL is too old here");
+        pl_opengl_swapchain_params swapchain = {};
+        swapchain.swap_buffers = [](void* to) { SDL_GL_SwapWindow(static_cast<SDL_Window*>(to)); };
+        swapchain.max_swapchain_depth = 1;
+        swapchain.priv = window;
+        m_swapchain = pl_opengl_create_swapchain(m_gl, &swapchain);
+        m_renderer = pl_renderer_create(m_log, gpu());
+        m_dispatch = pl_dispatch_create(m_log, gpu());
+        m_params = bySoftware ? pl_render_fast_params : pl_render_default_params;
+        m_params.sigmoid_params = nullptr;
+        m_params.deband_params = nullptr;
+        m_params.peak_detect_params = nullptr;
+        m_params.dither_params = nullptr;
+        m_params.disable_linear_scaling = bySoftware;
+        return m_swapchain && m_renderer && m_dispatch;
+    }
+
+    bool paint(const ShownMoment& moment, const Ground& ground)
+    {
+        SDL_GL_GetDrawableSize(m_window, &m_width, &m_height);
+        pl_swapchain_frame frame;
+        if (!pl_swapchain_resize(m_swapchain, &m_width, &m_height) ||
+            !pl_swapchain_start_frame(m_swapchain, &frame))
+            return false;
+        pl_frame target;
+        pl_frame_from_swapchain(&target, &frame);
+        target.color = screenColors();
+        std::copy(ground.color.begin(), ground.color.end(), m_params.background_color);
+
+        const std::size_t count = std::min(moment.layers.size(), layersAtMost);
+        if (count == 1 && moment.layers.front().share >= 1)
+            paintLayer(0, *moment.layers.front().surface, target);
+        else if (count > 0)
+            paintMixed(moment, count, ground, target);
+        else
+            clear(frame.fbo, ground.color);
+        return pl_swapchain_submit_frame(m_swapchain);
+    }
+
+    void swap() { pl_swapchain_swap_buffers(m_swapchain); }
+
+private:
+    /// A layer's picture as it lies with the graphics card.
+    struct Source
+    {
+        Ref<const Surface> of; // what the textures hold
+        std::array<pl_tex, 4> textures{};
+        pl_frame image{};
+        pl_tex whole = nullptr; // of the size of the window, for mixing
+    };
+
+    pl_gpu gpu() const { return m_gl->gpu; }
+
+    void clear(pl_tex texture, const std::array<float, 3>& color)
+    {
+        const float rgba[4] = {color[0], color[1], color[2], 1};
+        pl_tex_clear(gpu(), texture, rgba);
+    }
+
+    /// Puts the picture into textures where it is not there yet.
+    bool load(Source& source, const Surface& surface)
+    {
+        if (source.of.get() == &surface)
+            return true;
+        source.of = nullptr;
+        const auto* decoded = dynamic_cast<const DecodedSurface*>(&surface);
+        if (!(decoded && decoded->decoded ? loadDecoded(source, *decoded) : loadPlain(source, surface)))
+            return false;
+        source.of = Ref<const Surface>(&surface);
+        return true;
+    }
+
+    bool loadDecoded(Source& source, const DecodedSurface& surface)
+    {
+        const AVFrame& frame = *surface.decoded;
+        AvPtr<AVFrame> converted;
+        if (!ombra_can_map(gpu(), static_cast<AVPixelFormat>(frame.format)) && !(converted = toRgba(frame)))
+            return false;
+        if (!ombra_map_frame(gpu(), source.textures.data(), converted ? converted.get() : &frame,
+                             &source.image))
+            return false;
+        source.image.rotation = static_cast<pl_rotation>(surface.quarterTurns);
+        if (frame.color_trc == AVCOL_TRC_LINEAR) { // by what is the rule for such: multiplied already
+            source.image.color.transfer = PL_COLOR_TRC_LINEAR;
+            if (source.image.repr.alpha == PL_ALPHA_INDEPENDENT)
+                source.image.repr.alpha = PL_ALPHA_PREMULTIPLIED;
+        }
+        source.image.color = imageColors(source.image.color);
+        return true;
+    }
+
+    /// A picture of the preview: what a transition begins with when there is nothing else of it any more.
+    bool loadPlain(Source& source, const Surface& surface)
+    {
+        pl_plane_data data = {};
+        data.type = PL_FMT_UNORM;
+        data.width = surface.width;
+        data.height = surface.height;
+        for (int i = 0; i < 3; ++i) {
+            data.component_size[i] = 8;
+            data.component_map[i] = i;
+        }
+        data.pixel_stride = 3;
+        data.row_stride = static_cast<std::size_t>(surface.bytesPerLine);
+        data.pixels = surface.pixels.data();
+        source.image = {};
+        source.image.num_planes = 1;
+        source.image.repr = pl_color_repr_rgb;
+        source.image.color = screenColors();
+        return pl_upload_plane(gpu(), &source.image.planes[0], &source.textures[0], &data);
+    }
+
+    Placement placementOf(const Surface& surface) const
+    {
+        const auto* decoded = dynamic_cast<const DecodedSurface*>(&surface);
+        const bool isWhole = !decoded || decoded->uprightWidth < 1;
+        return place({.width = m_width,
+                      .height = m_height,
+                      .scaling = isWhole ? ScaleMode::Fit : decoded->scaling,
+                      .outputWidth = m_width,
+                      .outputHeight = m_height},
+                     isWhole ? surface.width : decoded->uprightWidth,
+                     isWhole ? surface.height : decoded->uprightHeight);
+    }
+
+    void paintLayer(std::size_t index, const Surface& surface, pl_frame target)
+    {
+        Source& source = m_sources[index];
+        if (!load(source, surface)) {
+            clear(target.planes[0].texture,
+                  {m_params.background_color[0], m_params.background_color[1], m_params.background_color[2]});
+            return;
+        }
+        const Placement at = placementOf(surface);
+        target.crop = {float(at.left), float(at.top), float(at.left + at.width), float(at.top + at.height)};
+        pl_render_image(m_renderer, &source.image, &target, &m_params);
+    }
+
+    /// Each layer by itself first, then all of them and the ground by their shares.
+    void paintMixed(const ShownMoment& moment, std::size_t count, const Ground& ground,
+                    const pl_frame& target)
+    {
+        const pl_fmt format = pl_find_fmt(gpu(), PL_FMT_UNORM, 4, 16, 16, PL_FMT_CAP_RENDERABLE);
+        pl_tex_params params = {};
+        params.w = m_width;
+        params.h = m_height;
+        params.format = format ? format : pl_find_named_fmt(gpu(), "rgba8");
+        params.sampleable = params.renderable = params.blit_dst = true;
+        std::array<float, 4> shares{};
+        std::array<float, 4> rest{0, 0, 0, 1};
+        double whole = moment.dipped;
+        for (std::size_t i = 0; i < count; ++i) {
+            Source& source = m_sources[i];
+            if (!pl_tex_recreate(gpu(), &source.whole, &params))
+                return;
+            pl_frame layer = target;
+            layer.planes[0].texture = source.whole;
+            paintLayer(i, *moment.layers[i].surface, layer);
+            shares[i] = static_cast<float>(moment.layers[i].share);
+            whole += moment.layers[i].share;
+        }
+        for (std::size_t i = 0; i < 3; ++i)
+            rest[i] = ground.color[i] * static_cast<float>(std::max(0.0, 1 - whole));
+        addUp(count, shares, rest, target.planes[0].texture);
+    }
+
+    void addUp(std::size_t count, const std::array<float, 4>& shares, const std::array<float, 4>& rest,
+               pl_tex target)
+    {
+        static constexpr std::array names = {"layer0", "layer1", "layer2", "layer3"};
+        std::string body = "color = rest;\n";
+        std::vector<pl_shader_desc> textures(count);
+        for (std::size_t i = 0; i < count; ++i) {
+            textures[i].desc.name = names[i];
+            textures[i].desc.type = PL_DESC_SAMPLED_TEX;
+            textures[i].binding.object = m_sources[i].whole;
+            const std::string number = std::to_string(i);
+            body += "color.rgb += shares[" + number + "] * texelFetch(layer" + number +
+                    ", ivec2(gl_FragCoord.xy), 0).rgb;\n";
+        }
+        std::array<pl_shader_var, 2> variables{};
+        variables[0].var = pl_var_vec4("shares");
+        variables[0].data = shares.data();
+        variables[0].dynamic = true;
+        variables[1].var = pl_var_vec4("rest");
+        variables[1].data = rest.data();
+        variables[1].dynamic = true;
+        pl_custom_shader custom = {};
+        custom.body = body.c_str();
+        custom.input = PL_SHADER_SIG_NONE;
+        custom.output = PL_SHADER_SIG_COLOR;
+        custom.descriptors = textures.data();
+        custom.num_descriptors = static_cast<int>(count);
+        custom.variables = variables.data();
+        custom.num_variables = static_cast<int>(variables.size());
+        pl_shader shader = pl_dispatch_begin(m_dispatch);
+        if (!pl_shader_custom(shader, &custom)) {
+            pl_dispatch_abort(m_dispatch, &shader);
+            return;
+        }
+        pl_dispatch_params params = {};
+        params.shader = &shader;
+        params.target = target;
+        pl_dispatch_finish(m_dispatch, &params);
+    }
+
+    SDL_Window* m_window = nullptr;
+    pl_log m_log = nullptr;
+    pl_opengl m_gl = nullptr;
+    pl_swapchain m_swapchain = nullptr;
+    pl_renderer m_renderer = nullptr;
+    pl_dispatch m_dispatch = nullptr;
+    pl_render_params m_params{};
+    std::array<Source, layersAtMost> m_sources;
+    int m_width = 0, m_height = 0; // pixels of the window
+};
+
+Painter::Painter(std::unique_ptr<Impl> impl)
+    : m_impl(std::move(impl))
+{
+}
+
+Painter::~Painter() = default;
+
+std::unique_ptr<Painter> Painter::create(SDL_Window* window, bool bySoftware, std::string* error)
+{
+    auto impl = std::make_unique<Impl>();
+    if (!impl->open(window, bySoftware, error))
+        return nullptr;
+    return std::unique_ptr<Painter>(new Painter(std::move(impl)));
+}
+
+bool Painter::paint(const ShownMoment& moment, const Ground& ground)
+{
+    return m_impl->paint(moment, ground);
+}
+
+void Painter::swap()
+{
+    m_impl->swap();
+}
+
+} // namespace vantrel::ombra

@@ -1,0 +1,145 @@
+#include "ombra/display/window.h"
+
+#include "ombra/base/fail.h"
+
+#include <SDL.h>
+#include <SDL_opengl.h>
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+
+namespace vantrel::ombra {
+
+namespace {
+
+constexpr int beatsLookedAt = 8;
+constexpr double usualRate = 60; // of displays that tell none
+
+const char* rendererName()
+{
+    using GetString = const unsigned char* (*)(unsigned);
+    const auto get = reinterpret_cast<GetString>(SDL_GL_GetProcAddress("glGetString"));
+    const char* name = get ? reinterpret_cast<const char*>(get(GL_RENDERER)) : nullptr;
+    return name ? name : "";
+}
+
+bool startVideo(std::string* error)
+{
+    SDL_SetMainReady();
+    SDL_SetHint(SDL_HINT_NO_SIGNAL_HANDLERS, "1");
+    SDL_SetHint(SDL_HINT_VIDEO_MINIMIZE_ON_FOCUS_LOSS, "0");
+    SDL_SetHint(SDL_HINT_VIDEO_ALLOW_SCREENSAVER, "0");
+    if (SDL_InitSubSystem(SDL_INIT_VIDEO) != 0)
+        return fail(error, SDL_GetError());
+    SDL_DisableScreenSaver();
+    SDL_ShowCursor(SDL_DISABLE);
+    return true;
+}
+
+} // namespace
+
+std::unique_ptr<Display::Window> Display::Window::open(Kind kind, int screen, const std::string& title,
+                                                       std::string* error)
+{
+    std::unique_ptr<Window> window(new Window);
+    return window->create(kind, screen, title, error) ? std::move(window) : nullptr;
+}
+
+bool Display::Window::create(Kind kind, int screen, const std::string& title, std::string* error)
+{
+    m_isWindow = kind == Kind::Window;
+    if (!startVideo(error))
+        return false;
+    m_hasVideo = true;
+    screen = std::clamp(screen, 0, std::max(0, SDL_GetNumVideoDisplays() - 1));
+    const int place = static_cast<int>(SDL_WINDOWPOS_CENTERED_DISPLAY(static_cast<unsigned>(screen)));
+    const unsigned flags =
+        m_isWindow ? SDL_WINDOW_RESIZABLE
+                   : SDL_WINDOW_FULLSCREEN_DESKTOP | SDL_WINDOW_BORDERLESS | SDL_WINDOW_ALWAYS_ON_TOP;
+    m_window = SDL_CreateWindow(title.c_str(), place, place, 960, 540, flags | SDL_WINDOW_OPENGL);
+    m_context = m_window ? SDL_GL_CreateContext(m_window) : nullptr;
+    if (!m_context)
+        return fail(error, SDL_GetError());
+    m_renderer = rendererName();
+    m_isSoftware =
+        m_renderer.find("llvmpipe") != std::string::npos || m_renderer.find("softpipe") != std::string::npos;
+    SDL_DisplayMode mode;
+    if (SDL_GetWindowDisplayMode(m_window, &mode) == 0 && mode.refresh_rate > 0)
+        m_rate = mode.refresh_rate;
+    else
+        m_rate = usualRate;
+    m_painter = Painter::create(m_window, m_isSoftware, error);
+    if (!m_painter)
+        return false;
+    if (m_isWindow)
+        SDL_ShowCursor(SDL_ENABLE);
+    findBeat();
+    return true;
+}
+
+Display::Window::~Window()
+{
+    m_painter.reset();
+    if (m_context)
+        SDL_GL_DeleteContext(m_context);
+    if (m_window)
+        SDL_DestroyWindow(m_window);
+    if (m_hasVideo)
+        SDL_QuitSubSystem(SDL_INIT_VIDEO);
+}
+
+/// Whether a swap waits for the display is seen from a few: drivers promise it and do not do it.
+void Display::Window::findBeat()
+{
+    using Clock = std::chrono::steady_clock;
+    if (SDL_GL_SetSwapInterval(1) != 0)
+        return;
+    Clock::time_point begin;
+    for (int i = 0; i <= beatsLookedAt; ++i) {
+        m_painter->paint({}, {});
+        m_painter->swap();
+        if (i == 0)
+            begin = Clock::now();
+    }
+    const double each = std::chrono::duration<double>(Clock::now() - begin).count() / beatsLookedAt;
+    m_givesBeat = each * m_rate > 0.8 && each * m_rate < 1.25;
+    if (!m_givesBeat)
+        SDL_GL_SetSwapInterval(0);
+}
+
+int Display::Window::width() const
+{
+    int width = 0, height = 0;
+    SDL_GL_GetDrawableSize(m_window, &width, &height);
+    return width;
+}
+
+int Display::Window::height() const
+{
+    int width = 0, height = 0;
+    SDL_GL_GetDrawableSize(m_window, &width, &height);
+    return height;
+}
+
+bool Display::Window::handleEvents()
+{
+    SDL_Event event;
+    bool isOpen = true;
+    while (SDL_PollEvent(&event)) {
+        if (event.type == SDL_WINDOWEVENT)
+            m_isExposed = true;
+        if (event.type == SDL_WINDOWEVENT && event.window.event == SDL_WINDOWEVENT_CLOSE)
+            isOpen = !m_isWindow;
+    }
+    return isOpen;
+}
+
+std::string Display::Window::description() const
+{
+    char text[200];
+    std::snprintf(text, sizeof text, "program is on a display of %d x %d at %.3g Hz, painted by %s%s",
+                  width(), height(), m_rate, m_renderer.c_str(), m_givesBeat ? "" : ", without its beat");
+    return text;
+}
+
+} // namespace vantrel::ombra

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "tarn/preview/frame.h"
+#include "tarn/ref.h"
+
+#include <vector>
+
+namespace vantrel::ombra {
+
+/// What a playback shows at a moment: pictures of which there is so much each, 0 to 1. What is missing to 1
+/// is the background of the output, after what a dip has made black. Surfaces are the preview's; where it is
+/// DecodedSurface there is more behind.
+struct ShownMoment
+{
+    struct Layer
+    {
+        Ref<Surface> surface;
+        double share = 1;
+    };
+    std::vector<Layer> layers; // none: nothing is on it
+    double dipped = 0;         // share of black
+    double time = 0;           // of the mixing clock, seconds
+    bool late = false;         // a picture of it was not decoded in time
+};
+
+} // namespace vantrel::ombra
