@@ -31,6 +31,11 @@ bool startVideo(std::string* error)
     SDL_SetHint(SDL_HINT_VIDEO_ALLOW_SCREENSAVER, "0");
     if (SDL_InitSubSystem(SDL_INIT_VIDEO) != 0)
         return fail(error, SDL_GetError());
+    const std::string driver = SDL_GetCurrentVideoDriver();
+    if (driver == "offscreen" || driver == "dummy") { // taken where there is nothing that anybody sees
+        SDL_QuitSubSystem(SDL_INIT_VIDEO);
+        return fail(error, "neither a desktop nor a console with a screen was found");
+    }
     SDL_DisableScreenSaver();
     SDL_ShowCursor(SDL_DISABLE);
     return true;
