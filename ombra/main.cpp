@@ -32,7 +32,8 @@ constexpr const char* usage =
     "  --host-name NAME   a name that clients may call it by, beside the machine's own; several are "
     "possible\n"
     "  --no-discovery     do not answer searches of the network\n"
-    "  --display          program full screen on the last screen; \"--display window\" in a window\n"
+    "  --display          program full screen on the second screen, or the only one; \"--display window\" in "
+    "a window\n"
     "  --simulate-outputs displays are plugged in and out by POST /api/brume/v1/simulate/outputs/0 and 1\n"
     "  --log FILE         write the log there instead of to standard error: 10 MB a file, FILE and FILE.1 to "
     "FILE.4\n";

@@ -88,6 +88,8 @@ private:
 
     boost::asio::io_context& m_io;
     ServerOptions m_options;
+    std::unique_ptr<Display>
+        m_display; // goes last: a graphics card that hangs holds up no show that is being kept
     Ref<Scene> m_scene;
     std::unique_ptr<NoticeBoard> m_notices;
     std::unique_ptr<ShowStore> m_store;
@@ -99,7 +101,6 @@ private:
     std::unique_ptr<AutoStart> m_autoStart;
     std::unique_ptr<PreviewServer> m_preview;
     std::unique_ptr<FtpService> m_files;
-    std::unique_ptr<Display> m_display;
     std::unique_ptr<Engine> m_engine;
     std::unique_ptr<MediaData> m_mediaData;
     std::unique_ptr<RestApi> m_rest;

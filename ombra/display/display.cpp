@@ -11,6 +11,8 @@ namespace {
 
 /// A picture is counted as painted too late when the display's next beat is over by so much of one.
 constexpr double missedAfter = 0.5;
+/// How often a display is looked for that is not there, or not any more.
+constexpr auto lookAgainAfter = std::chrono::seconds(1);
 
 bool looksAlike(const ShownMoment& one, const ShownMoment& other)
 {
@@ -100,35 +102,55 @@ bool Display::ask(Clock::time_point moment, Clock::duration patience)
 
 void Display::run()
 {
-    std::string error;
-    const std::unique_ptr<Window> window = Window::open(m_kind, m_screen, m_title, &error);
-    if (!window) {
-        Log::write(LogLevel::Warning, "vantrel.display", "no display: " + error);
-        return;
+    std::string told;
+    while (!isStopped()) {
+        std::string error;
+        if (const std::unique_ptr<Window> window = Window::open(m_kind, m_screen, m_title, &error)) {
+            told.clear();
+            if (!serve(*window))
+                return;
+        } else if (error != told) {
+            Log::write(LogLevel::Warning, "vantrel.display",
+                       "no display: " + error + "; program goes there as soon as there is one");
+            told = error;
+        }
+        waitUntil(Clock::now() + lookAgainAfter);
     }
+}
+
+bool Display::serve(Window& window)
+{
     {
         const std::lock_guard lock(m_mutex);
         m_figures.isOpen = true;
-        m_figures.rate = window->rate();
-        m_figures.bySoftware = window->isSoftware();
+        m_figures.rate = window.rate();
+        m_figures.bySoftware = window.isSoftware();
     }
-    Log::write(LogLevel::Info, "vantrel.display", window->description());
-    present(*window);
+    Log::write(LogLevel::Info, "vantrel.display", window.description());
+    const Fate fate = present(window);
+    if (fate == Fate::Closed)
+        Log::write(LogLevel::Warning, "vantrel.display",
+                   "the window of program was closed; it comes back when ombra is started again");
+    else if (fate == Fate::Lost)
+        Log::write(LogLevel::Warning, "vantrel.display",
+                   "the desktop is gone; program comes back to a screen when ombra is started again");
     const std::lock_guard lock(m_mutex);
     m_figures.isOpen = false;
     m_moment = {};
+    return fate == Fate::Moved;
 }
 
 /// The display gives the beat where it makes a swap wait, and the clock does elsewhere. Either way each beat
 /// has its time on the one clock of the machine, evenly: by that time the pictures of media are chosen.
-void Display::present(Window& window)
+Display::Fate Display::present(Window& window)
 {
     const auto period =
         std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(1 / window.rate()));
     Clock::time_point next = Clock::now() + period;
     ShownMoment painted;
     Painter::Ground paintedGround{{-1, 0, 0}};
-    while (!isStopped() && window.handleEvents()) {
+    Fate fate = Fate::Stays;
+    while (!isStopped() && (fate = window.handleEvents()) == Fate::Stays) {
         const bool isFresh = ask(next, period / 2);
         ShownMoment moment;
         Painter::Ground ground;
@@ -164,6 +186,7 @@ void Display::present(Window& window)
         if (isPainted)
             m_figures.paintSeconds = std::chrono::duration<double>(end - begin).count();
     }
+    return fate;
 }
 
 } // namespace vantrel::ombra

@@ -14,7 +14,7 @@ namespace vantrel::ombra {
 
 /// One screen of the machine and what the audience sees on it. A thread of its own has the window and the
 /// graphics card, and asks for each picture when the display is about to show one. Without a display it says
-/// so once in the log, and nothing else is different. Any thread.
+/// so once in the log and looks for one each second; nothing else is different. Any thread.
 class Display
 {
 public:
@@ -47,9 +47,13 @@ public:
 private:
     class Window;
     using Clock = std::chrono::steady_clock;
+    /// Of a window. Closed: by the operator. Moved: screens came or went. Lost: its desktop is gone.
+    enum class Fate { Stays, Closed, Moved, Lost };
 
     void run();
-    void present(Window& window);
+    /// Whether another window is to follow.
+    bool serve(Window& window);
+    Fate present(Window& window);
     /// False where nothing came in time.
     bool ask(Clock::time_point moment, Clock::duration patience);
     bool isStopped() const;

@@ -13,6 +13,10 @@
 #include <libplacebo/utils/upload.h>
 #include <vector>
 
+extern "C" {
+#include <libavutil/pixdesc.h>
+}
+
 namespace vantrel::ombra {
 
 namespace {
@@ -42,16 +46,32 @@ pl_color_space imageColors(const pl_color_space& told)
                                                                                            : screenColors();
 }
 
-/// Frames of formats that the renderer does not read, as 8-bit RGBA.
-AvPtr<AVFrame> toRgba(const AVFrame& frame)
+/// The nearest format that the renderer reads, with the same matrix and range.
+AVPixelFormat readableFormat(const AVPixFmtDescriptor& from)
 {
+    const bool isDeep = from.comp[0].depth > 8;
+    if (from.flags & (AV_PIX_FMT_FLAG_RGB | AV_PIX_FMT_FLAG_PAL))
+        return isDeep ? AV_PIX_FMT_RGBA64 : AV_PIX_FMT_RGBA;
+    if (from.flags & AV_PIX_FMT_FLAG_ALPHA)
+        return isDeep ? AV_PIX_FMT_YUVA444P16 : AV_PIX_FMT_YUVA444P;
+    return isDeep ? AV_PIX_FMT_YUV444P16 : AV_PIX_FMT_YUV444P;
+}
+
+/// A frame of a format that the renderer does not read, as one that it does. Null where that cannot be.
+AvPtr<AVFrame> toReadable(const AVFrame& frame)
+{
+    const auto format = static_cast<AVPixelFormat>(frame.format);
     AvPtr<AVFrame> result(av_frame_alloc());
-    result->format = AV_PIX_FMT_RGBA;
+    const AVPixFmtDescriptor* descriptor = av_pix_fmt_desc_get(format);
+    if (!result || !descriptor || av_frame_copy_props(result.get(), &frame) < 0)
+        return nullptr;
+    const AVPixelFormat readable = readableFormat(*descriptor);
+    result->format = readable;
     result->width = frame.width;
     result->height = frame.height;
-    const AvPtr<SwsContext> scaler(
-        sws_getContext(frame.width, frame.height, static_cast<AVPixelFormat>(frame.format), frame.width,
-                       frame.height, AV_PIX_FMT_RGBA, SWS_BILINEAR, nullptr, nullptr, nullptr));
+    const AvPtr<SwsContext> scaler(sws_getContext(frame.width, frame.height, format, frame.width,
+                                                  frame.height, readable, SWS_BILINEAR | SWS_ACCURATE_RND,
+                                                  nullptr, nullptr, nullptr));
     if (!scaler || av_frame_get_buffer(result.get(), 0) < 0 ||
         sws_scale(scaler.get(), frame.data, frame.linesize, 0, frame.height, result->data,
                   result->linesize) <= 0)
@@ -165,7 +185,8 @@ private:
     {
         const AVFrame& frame = *surface.decoded;
         AvPtr<AVFrame> converted;
-        if (!ombra_can_map(gpu(), static_cast<AVPixelFormat>(frame.format)) && !(converted = toRgba(frame)))
+        if (!ombra_can_map(gpu(), static_cast<AVPixelFormat>(frame.format)) &&
+            !(converted = toReadable(frame)))
             return false;
         if (!ombra_map_frame(gpu(), source.textures.data(), converted ? converted.get() : &frame,
                              &source.image))

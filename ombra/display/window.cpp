@@ -1,17 +1,20 @@
 #include "ombra/display/window.h"
 
 #include "ombra/base/fail.h"
+#include "ombra/display/connectionloss.h"
 
 #include <SDL.h>
 #include <SDL_opengl.h>
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <tuple>
 
 namespace vantrel::ombra {
 
 namespace {
 
+constexpr int windowWidth = 960, windowHeight = 540; // pixels, on a desktop
 constexpr int beatsLookedAt = 8;
 constexpr double usualRate = 60; // of displays that tell none
 
@@ -27,6 +30,7 @@ bool startVideo(std::string* error)
 {
     SDL_SetMainReady();
     SDL_SetHint(SDL_HINT_NO_SIGNAL_HANDLERS, "1");
+    SDL_SetHint(SDL_HINT_QUIT_ON_LAST_WINDOW_CLOSE, "0"); // the end of a Wayland desktop comes as that word
     SDL_SetHint(SDL_HINT_VIDEO_MINIMIZE_ON_FOCUS_LOSS, "0");
     SDL_SetHint(SDL_HINT_VIDEO_ALLOW_SCREENSAVER, "0");
     if (SDL_InitSubSystem(SDL_INIT_VIDEO) != 0)
@@ -57,14 +61,19 @@ bool Display::Window::create(Kind kind, int screen, const std::string& title, st
         return false;
     m_hasVideo = true;
     screen = std::clamp(screen, 0, std::max(0, SDL_GetNumVideoDisplays() - 1));
-    const int place = static_cast<int>(SDL_WINDOWPOS_CENTERED_DISPLAY(static_cast<unsigned>(screen)));
+    const int centered = static_cast<int>(SDL_WINDOWPOS_CENTERED_DISPLAY(static_cast<unsigned>(screen)));
+    SDL_Rect at{centered, centered, windowWidth, windowHeight};
+    // Where nobody manages windows, the one over the whole screen keeps the place that it is made with.
+    if (!m_isWindow && SDL_GetDisplayBounds(screen, &at) != 0)
+        return fail(error, SDL_GetError());
     const unsigned flags =
         m_isWindow ? SDL_WINDOW_RESIZABLE
                    : SDL_WINDOW_FULLSCREEN_DESKTOP | SDL_WINDOW_BORDERLESS | SDL_WINDOW_ALWAYS_ON_TOP;
-    m_window = SDL_CreateWindow(title.c_str(), place, place, 960, 540, flags | SDL_WINDOW_OPENGL);
+    m_window = SDL_CreateWindow(title.c_str(), at.x, at.y, at.w, at.h, flags | SDL_WINDOW_OPENGL);
     m_context = m_window ? SDL_GL_CreateContext(m_window) : nullptr;
     if (!m_context)
         return fail(error, SDL_GetError());
+    surviveLoss(m_window, m_isLost);
     m_renderer = rendererName();
     m_isSoftware =
         m_renderer.find("llvmpipe") != std::string::npos || m_renderer.find("softpipe") != std::string::npos;
@@ -84,6 +93,10 @@ bool Display::Window::create(Kind kind, int screen, const std::string& title, st
 
 Display::Window::~Window()
 {
+    if (m_isLost) { // SDL would wait for ever for what a desktop says to the end of a window
+        std::ignore = m_painter.release();
+        return;
+    }
     m_painter.reset();
     if (m_context)
         SDL_GL_DeleteContext(m_context);
@@ -126,17 +139,24 @@ int Display::Window::height() const
     return height;
 }
 
-bool Display::Window::handleEvents()
+Display::Fate Display::Window::handleEvents()
 {
     SDL_Event event;
-    bool isOpen = true;
+    Fate fate = Fate::Stays;
     while (SDL_PollEvent(&event)) {
         if (event.type == SDL_WINDOWEVENT)
             m_isExposed = true;
-        if (event.type == SDL_WINDOWEVENT && event.window.event == SDL_WINDOWEVENT_CLOSE)
-            isOpen = !m_isWindow;
+        if (event.type == SDL_WINDOWEVENT && event.window.event == SDL_WINDOWEVENT_CLOSE && m_isWindow)
+            fate = Fate::Closed;
+        const bool isOtherScreen =
+            event.type == SDL_DISPLAYEVENT && (event.display.event == SDL_DISPLAYEVENT_CONNECTED ||
+                                               event.display.event == SDL_DISPLAYEVENT_DISCONNECTED);
+        if (isOtherScreen && !m_isWindow)
+            fate = Fate::Moved;
+        if (event.type == SDL_QUIT)
+            m_isLost = true;
     }
-    return isOpen;
+    return m_isLost ? Fate::Lost : fate;
 }
 
 std::string Display::Window::description() const

@@ -2,6 +2,7 @@
 
 #include "ombra/display/display.h"
 
+#include <atomic>
 #include <memory>
 #include <string>
 
@@ -24,8 +25,7 @@ public:
     bool isSoftware() const { return m_isSoftware; }
     int width() const;  // pixels
     int height() const; // pixels
-    /// False when the operator has closed it.
-    bool handleEvents();
+    Fate handleEvents();
     /// Whether it is to be painted although its picture has not changed.
     bool takeExposed() { return std::exchange(m_isExposed, false); }
     std::string description() const;
@@ -42,6 +42,7 @@ private:
     bool m_isSoftware = false;
     bool m_givesBeat = false;
     bool m_isExposed = true;
+    std::atomic<bool> m_isLost{false};
     double m_rate = 60;
     std::string m_renderer;
     std::unique_ptr<Painter> m_painter;

@@ -30,7 +30,7 @@ GROUND = [
     ["ombra/base"],
     ["ombra/decode", "ombra/link", "ombra/outputs", "ombra/preview"],
     ["ombra/engine", "ombra/show"],
-    ["ombra/rest", "ombra/ftp"],
+    ["ombra/rest", "ombra/ftp", "ombra/display"],
     ["ombra"],
 ]
 HANDLE = "common/session/session.h"
@@ -106,8 +106,7 @@ INSTANCE = re.compile(r"\b((?!Q[A-Z]\w*Application\b)[A-Z]\w*)::instance\(\)")
 WIDGETS = re.compile(r"Qt\w*Widgets/")
 # What shows pictures on a screen, and the only room that knows how.
 DISPLAY = "ombra/display"
-DISPLAY_SYSTEM = re.compile(r"SDL|libplacebo/")
-DISPLAY_USERS = ["ombra/display", "ombra/server.cpp"]
+DISPLAY_SYSTEM = re.compile(r"SDL|X11/|libplacebo/")
 # Qt stays out of these rooms.
 NO_QT = ["util", "tarn", "ombra"]
 NO_QT_EXCEPT = ["tarn/qt"]
@@ -162,8 +161,6 @@ def faults_of(root, path, floors, core):
         where = f"{name}:{number}"
         if system and DISPLAY_SYSTEM.match(system) and not in_room(name, DISPLAY):
             yield f"{where}: includes <{system}>, which only {DISPLAY} knows"
-        if ours and in_room(ours, DISPLAY) and not any(in_room(name, user) for user in DISPLAY_USERS):
-            yield f"{where}: includes {ours}, which only the server may"
         if system:
             is_qt = re.match(r"Q[A-Z]|Qt[A-Z]", system)
             if is_qt and any(in_room(name, r) for r in NO_QT) and not any(in_room(name, r) for r in NO_QT_EXCEPT):

@@ -123,6 +123,7 @@ private:
     std::mutex m_mutex; // the sink and the log come from other threads
     std::map<std::string, Recorded> m_recorded;
     std::vector<std::string> m_log;
+    std::vector<std::pair<double, int>> m_shown; // to the display: when, and the picture
 
 private Q_SLOTS:
     void initTestCase()
@@ -147,6 +148,7 @@ private Q_SLOTS:
     {
         forget();
         m_log.clear();
+        m_shown.clear();
         m_scene = makeRef<Scene>();
         QVERIFY(m_scene->addObject(m_scene->find("/device/channels/0"), {}));
         fillLibrary();
@@ -166,6 +168,38 @@ private Q_SLOTS:
     {
         m_engine.reset();
         m_scene = nullptr;
+    }
+
+    /// A display of 50 pictures a second has each of 25 twice, for just the moments that it asks for;
+    /// previews keep to their rate meanwhile, and go on when it asks no more.
+    void keepsToThePaceOfADisplay()
+    {
+        using Clock = std::chrono::steady_clock;
+        m_engine->setMomentSink([this](const std::string& playback, ShownMoment moment) {
+            const std::lock_guard lock(m_mutex);
+            if (playback == programPath && !moment.layers.empty())
+                m_shown.emplace_back(moment.time, numberOn(moment.layers.front().surface.get()));
+        });
+        QVERIFY2(play(programPath, 6), m_error.c_str());
+        QVERIFY(waitFor([&] { return pictureNumber(programPath) > 0; }));
+        forget();
+        Clock::time_point beat = Clock::now();
+        for (std::size_t i = 1; i <= 50; ++i) {
+            beat += std::chrono::milliseconds(20);
+            m_engine->pace(beat);
+            QVERIFY(waitFor([&] {
+                const std::lock_guard lock(m_mutex);
+                return m_shown.size() == i && Clock::now() >= beat;
+            }));
+        }
+        const std::size_t sent = recorded(programPath).pictures.size();
+        QVERIFY2(sent >= 24 && sent <= 27, qPrintable(QString::number(sent)));
+        for (std::size_t i = 2; i < m_shown.size(); ++i) {
+            QVERIFY(std::abs(m_shown[i].first - m_shown[i - 1].first - 0.02) < 1e-6);
+            QCOMPARE(m_shown[i].second, m_shown[i - 2].second + 1);
+        }
+        QVERIFY(waitFor([&] { return recorded(programPath).pictures.size() > sent + 5; }));
+        QCOMPARE(m_shown.size(), std::size_t(50));
     }
 
     void publishesWhatPlays()

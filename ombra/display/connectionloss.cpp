@@ -1,0 +1,50 @@
+#include "ombra/display/connectionloss.h"
+
+#include "tarn/log/log.h"
+
+#include <SDL.h>
+#include <SDL_syswm.h>
+#include <X11/Xlib.h>
+#include <cstdio>
+#include <cstdlib>
+#include <unistd.h>
+
+namespace vantrel::ombra {
+
+namespace {
+
+int tellError(::Display*, XErrorEvent* event)
+{
+    Log::write(LogLevel::Debug, "vantrel.display",
+               "the desktop refused request " + std::to_string(event->request_code) + " with error " +
+                   std::to_string(event->error_code));
+    return 0;
+}
+
+void noteLoss(::Display*, void* mark)
+{
+    if (static_cast<std::atomic<bool>*>(mark)->exchange(true))
+        return;
+    // At the end of the process OpenGL would take leave of the connection, whose lock nobody gives back.
+    ::on_exit(
+        [](int status, void*) {
+            std::fflush(nullptr);
+            ::_exit(status);
+        },
+        nullptr);
+}
+
+} // namespace
+
+void surviveLoss(SDL_Window* window, std::atomic<bool>& isLost)
+{
+    SDL_SysWMinfo info;
+    SDL_VERSION(&info.version);
+    if (!SDL_GetWindowWMInfo(window, &info) || info.subsystem != SDL_SYSWM_X11)
+        return;
+    XSetErrorHandler(tellError);
+    XSetIOErrorHandler([](::Display*) { return 0; });
+    XSetIOErrorExitHandler(info.info.x11.display, noteLoss, &isLost);
+}
+
+} // namespace vantrel::ombra
