@@ -250,6 +250,17 @@ void Server::followMapping()
     m_display->setGround({{float(value.red) / 255, float(value.green) / 255, float(value.blue) / 255}});
 }
 
+void Server::tellScreen()
+{
+    if (!m_display)
+        return;
+    const Display::Figures figures = m_display->figures();
+    m_outputs->tellScreen({.rate = figures.isOpen ? figures.rate : 0,
+                           .dropped = figures.dropped,
+                           .late = figures.late,
+                           .bySoftware = figures.isOpen && figures.bySoftware});
+}
+
 void Server::watchMedia()
 {
     m_watcher = std::make_unique<MediaWatcher>(
@@ -328,6 +339,7 @@ void Server::countSeconds()
         if (code)
             return;
         m_outputs->secondPassed();
+        tellScreen();
         countSeconds();
     });
 }

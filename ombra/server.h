@@ -78,6 +78,7 @@ private:
     void startEngine();
     void stopEngine();
     void followMapping();
+    void tellScreen();
     void restartPlayers();
     void watchMedia();
     void tellFolder(MediaWatcher::Folder folder);

@@ -181,7 +181,7 @@ Display::Fate Display::present(Window& window)
         const std::lock_guard lock(m_mutex);
         m_figures.width = window.width();
         m_figures.height = window.height();
-        m_figures.dropped += missed;
+        m_figures.dropped += isPainted ? missed : 0;
         m_figures.shown += isPainted ? 1 : 0;
         if (isPainted)
             m_figures.paintSeconds = std::chrono::duration<double>(end - begin).count();

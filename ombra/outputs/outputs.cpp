@@ -167,6 +167,15 @@ void Outputs::secondPassed()
         output->secondPassed();
 }
 
+void Outputs::tellScreen(const ScreenFigures& figures)
+{
+    ScreenFigures lately = figures;
+    lately.dropped = m_dropped.grown(figures.dropped);
+    lately.late = m_late.grown(figures.late);
+    for (const auto& output : m_outputs)
+        output->tellScreen(isOnAir(*output) ? lately : ScreenFigures{});
+}
+
 void Outputs::propertyWritten(const Object* object, const PropertyInfo* property, bool isByClient)
 {
     if (VideoOutput* output = outputOf(object))

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ombra/outputs/screenfigures.h"
 #include "tarn/json/json.h"
 #include "tarn/json/path.h"
 #include "tarn/media/channelenums.h"
@@ -43,6 +44,10 @@ public:
     /// To be called each second: a mode on air that nobody keeps goes back.
     void secondPassed();
 
+    /// To be called each second where there is a screen: it stands in the scene with the output of the
+    /// program.
+    void tellScreen(const ScreenFigures& figures);
+
     /// Plugs a display with this EDID into an output; an empty text pulls it out.
     bool plug(int output, const std::string& edid, std::string* error);
     /// Of the display that was there on the start.
@@ -56,6 +61,7 @@ private:
 
     Scene& m_scene;
     std::vector<std::unique_ptr<VideoOutput>> m_outputs;
+    LastMinute m_dropped, m_late;
 };
 
 } // namespace vantrel::ombra

@@ -236,6 +236,14 @@ void VideoOutput::secondPassed()
          m_inForce.timing.label() + " is back.");
 }
 
+void VideoOutput::tellScreen(const ScreenFigures& lately)
+{
+    set("screenRate", lately.rate);
+    set("droppedPictures", static_cast<int>(lately.dropped));
+    set("latePictures", static_cast<int>(lately.late));
+    set("softwareRenderer", lately.bySoftware);
+}
+
 bool VideoOutput::take(const std::string& id, bool maxLinkRate, std::string* error)
 {
     const Mode* mode = find(id);

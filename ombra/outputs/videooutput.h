@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ombra/outputs/displaylink.h"
+#include "ombra/outputs/screenfigures.h"
 #include "tarn/edid/edid.h"
 #include "tarn/json/json.h"
 #include "tarn/scene/scene.h"
@@ -41,6 +42,8 @@ public:
     void reset();
     /// Counts down to the moment in which a mode that nobody has kept goes back.
     void secondPassed();
+    /// The real screen that it is shown on, with what was counted lately.
+    void tellScreen(const ScreenFigures& lately);
 
 private:
     struct Mode

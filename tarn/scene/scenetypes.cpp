@@ -151,6 +151,11 @@ void declareOutputs(Types& types)
         .flag("dsc")
         // Until the mode goes back by itself unless somebody keeps it; 0 where none waits for that.
         .readOnly("confirmSeconds", Variant::from(0))
+        // Of the real screen that program is shown on; what is counted, of the last minute.
+        .readOnly("screenRate", Variant::from(0.0))
+        .readOnly("droppedPictures", Variant::from(0))
+        .readOnly("latePictures", Variant::from(0))
+        .readOnly("softwareRenderer", Variant::from(false))
         .methods({"selectModeline", "setEdidOverride", "resetEdid", "keepMode", "revertMode"})
         .child("modelines", "Modeline", ChildInfo::Kind::Array);
 

@@ -252,6 +252,14 @@ private Q_SLOTS:
         QTRY_COMPARE_WITH_TIMEOUT(middle(), 0xffff0000, patience);
     }
 
+    void standsInTheScene()
+    {
+        const std::string program = "/device/system/gpus/0/outputs/1/properties/";
+        QTRY_COMPARE_WITH_TIMEOUT((m_peer->read(), m_peer->value(program + "softwareRenderer")),
+                                  std::string("true"), patience);
+        QVERIFY(std::stod(m_peer->value(program + "screenRate")) > 20);
+    }
+
     /// The end of the desktop is not the end of the server, which goes on and ends when it is told to.
     void survivesTheDesktop()
     {

@@ -147,6 +147,27 @@ private Q_SLOTS:
         QVERIFY(Scene::toJson(m_scene->root()) == m_initial);
     }
 
+    /// The real screen stands with the output of the program, what it lost for a minute.
+    void screens()
+    {
+        const std::string outputs = "/device/system/gpus/0/outputs/";
+        const auto lost = [&](int output) {
+            const std::string properties = outputs + std::to_string(output) + "/properties/";
+            return text(properties + "screenRate") + " " + text(properties + "droppedPictures") + " " +
+                   text(properties + "latePictures");
+        };
+        m_outputs->tellScreen({.rate = 50, .dropped = 2, .late = 1});
+        QCOMPARE(lost(1), std::string("50 2 1"));
+        QCOMPARE(lost(0), std::string("0 0 0"));
+        for (int second = 1; second < 60; ++second)
+            m_outputs->tellScreen({.rate = 50, .dropped = second < 30 ? 2 : 5, .late = 1});
+        QCOMPARE(lost(1), std::string("50 5 1"));
+        m_outputs->tellScreen({.rate = 50, .dropped = 5, .late = 1});
+        QCOMPARE(lost(1), std::string("50 3 0"));
+        m_outputs->tellScreen({.dropped = 5, .late = 1});
+        QCOMPARE(lost(1), std::string("0 3 0"));
+    }
+
     /// What an audience sees goes back by itself unless somebody keeps it, and the first state of several.
     void modesOnAirAreKeptOrGoBack()
     {

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <deque>
+
+namespace vantrel::ombra {
+
+/// How the screen does that program is really shown on.
+struct ScreenFigures
+{
+    double rate = 0;                 // pictures a second; 0 where there is none
+    long long dropped = 0, late = 0; // pictures, since the start
+    bool bySoftware = false;         // painted by the processor
+};
+
+/// How much a count that only grows has grown within the last minute, for who looks at it each second.
+class LastMinute
+{
+public:
+    int grown(long long count)
+    {
+        m_counts.push_back(count);
+        if (m_counts.size() > seconds + 1)
+            m_counts.pop_front();
+        return static_cast<int>(count - m_counts.front());
+    }
+
+private:
+    static constexpr std::size_t seconds = 60;
+    std::deque<long long> m_counts{0}; // the oldest first
+};
+
+} // namespace vantrel::ombra
