@@ -162,8 +162,9 @@ void PlaybackWidget::nameChildren()
     setObjectName(prefix.chopped(1));
     m_slider->setObjectNames(prefix + QStringLiteral("SeekSlider"));
     m_preview->setObjectName(prefix + QStringLiteral("PreviewWidget"));
-    keepUncovered(m_preview);
-    keepUncovered(m_timecodes);
+    for (QWidget* watched :
+         std::initializer_list<QWidget*>{m_preview, m_timecodes, m_endpoints, m_durationEdit})
+        keepUncovered(watched);
     m_notice->setObjectName(prefix + QStringLiteral("Notice"));
     m_hint->setObjectName(prefix + QStringLiteral("Hint"));
     m_timecodes->setObjectNames(prefix + QStringLiteral("PlaybackTimecodes"));

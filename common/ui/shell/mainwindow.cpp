@@ -41,6 +41,7 @@
 #include "common/ui/toolkit/navbutton.h"
 #include "common/ui/toolkit/stackedtabwidget.h"
 #include "common/ui/toolkit/uncovered.h"
+#include "common/ui/toolkit/uncoveredwatch.h"
 #include "common/views/files/filesview.h"
 #include "common/views/media/mediaview.h"
 #include "common/views/mediapanelwidget.h"
@@ -107,6 +108,8 @@ MainWindow::MainWindow(Session* session, QWidget* parent)
                 repositionNotifications();
         });
     }
+    m_uncovered = new UncoveredWatch(this);
+    connect(m_uncovered, &UncoveredWatch::moved, this, &MainWindow::repositionNotifications);
     m_notificationPresenter->installEventFilter(this);
     tellOfKeys(keymapFault);
     setFocus();
@@ -390,6 +393,8 @@ void MainWindow::repositionNotifications()
     m_notificationPresenter->setMostWidth(std::max(240, width() / 2));
     m_notificationPresenter->move(
         uncoveredPlace(*this, m_notificationPresenter->size(), height() - m_statusBar->height()));
+    if (m_notificationPresenter->isVisible())
+        m_uncovered->follow();
 }
 
 void MainWindow::handleConnectRequest()

@@ -27,6 +27,7 @@ class PushButton;
 class Session;
 class StackedTabWidget;
 class StatusBar;
+class UncoveredWatch;
 class WindowMemory;
 
 /// The window of the application: the four views under their tabs, the menu, the status bar and the dialogs
@@ -102,6 +103,7 @@ private:
     StatusBar* m_statusBar = nullptr;
     WindowMemory* m_memory = nullptr;
     NotificationPresenter* m_notificationPresenter = nullptr;
+    UncoveredWatch* m_uncovered = nullptr;
     NotificationStatusBar* m_notificationCounts = nullptr;
     NotificationDialogWrapper* m_notificationDialog = nullptr;
     ConfigurationDialog* m_configurationDialog = nullptr;

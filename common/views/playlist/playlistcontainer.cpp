@@ -2,6 +2,7 @@
 
 #include "common/media/models/playlist/playlistmodel.h"
 #include "common/ui/style/fontsizefollower.h"
+#include "common/ui/toolkit/uncovered.h"
 #include "common/views/playlist/listclock.h"
 #include "common/views/playlist/playlistdelegate.h"
 #include "common/views/playlist/playlistheader.h"
@@ -60,6 +61,7 @@ PlaylistContainer::PlaylistContainer(const QSet<PlaybackViewMode>& modes, bool e
     m_view->setItemDelegate(m_delegate);
     m_view->setEditable(editable);
     m_view->viewport()->installEventFilter(this); // the scroll bar takes room as well
+    keepUncovered(m_view->viewport(), [this] { return timesArea(); });
     if (modes.contains(Program))
         m_header->setTitle(Column::SizeColumn, tr("Ends"));
     m_header->setTitle(Column::TransitionDurationColumn, tr("Time"));
@@ -222,6 +224,13 @@ void PlaylistContainer::arrangeColumns()
         }
     }
     m_header->resizeSection(Column::MediaColumn, std::max(left, needed(Column::MediaColumn) / 4));
+}
+
+/// Where the columns of times are, from Duration on.
+QRect PlaylistContainer::timesArea() const
+{
+    const QRect all = m_view->viewport()->rect();
+    return all.adjusted(m_header->sectionViewportPosition(Column::DurationColumn), 0, 0, 0);
 }
 
 void PlaylistContainer::changeEvent(QEvent* event)

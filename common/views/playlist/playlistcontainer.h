@@ -54,6 +54,7 @@ protected:
 
 private:
     void arrangeColumns();
+    QRect timesArea() const;
     void onBrowsed();
     void showPlaying();
 

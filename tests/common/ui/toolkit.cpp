@@ -9,6 +9,7 @@
 #include "common/ui/toolkit/elidedlabel.h"
 #include "common/ui/toolkit/pushbutton.h"
 #include "common/ui/toolkit/uncovered.h"
+#include "common/ui/toolkit/uncoveredwatch.h"
 #include "common/ui/toolkit/ztdropdownmenu.h"
 #include "common/ui/toolkit/ztmenu.h"
 #include "common/ui/toolkit/ztsplitter.h"
@@ -72,20 +73,26 @@ private Q_SLOTS:
     void popupsLeaveFreeWhatIsWatched_data()
     {
         QTest::addColumn<QRect>("watched");
+        QTest::addColumn<QRect>("part"); // of something else
         QTest::addColumn<QPoint>("place");
-        QTest::newRow("nothing") << QRect() << QPoint(150, 260);
-        QTest::newRow("in the middle") << QRect(200, 100, 20, 170) << QPoint(8, 260);
-        QTest::newRow("all the lower end") << QRect(0, 200, 400, 80) << QPoint(150, 280);
-        QTest::newRow("and what is below it") << QRect(0, 200, 400, 100) << QPoint(150, 180);
-        QTest::newRow("all of it") << QRect(0, 0, 400, 300) << QPoint(150, 280);
+        QTest::newRow("nothing") << QRect() << QRect() << QPoint(150, 260);
+        QTest::newRow("in the middle") << QRect(200, 100, 20, 170) << QRect() << QPoint(8, 260);
+        QTest::newRow("all the lower end") << QRect(0, 200, 400, 80) << QRect() << QPoint(150, 280);
+        QTest::newRow("and what is below it") << QRect(0, 200, 400, 100) << QRect() << QPoint(150, 180);
+        QTest::newRow("all of it") << QRect(0, 0, 400, 300) << QRect() << QPoint(150, 280);
+        QTest::newRow("times of a list")
+            << QRect(0, 0, 400, 200) << QRect(200, 150, 100, 150) << QPoint(8, 260);
+        QTest::newRow("all else") << QRect(0, 0, 400, 255) << QRect(0, 250, 400, 50) << QPoint(150, 260);
     }
     void popupsLeaveFreeWhatIsWatched()
     {
         QFETCH(QRect, watched);
+        QFETCH(QRect, part);
         QWidget window;
         window.resize(400, 300);
         QWidget between(&window);
         between.setGeometry(0, 0, 400, 300);
+        keepUncovered(&between, [part] { return part; });
         for (const bool isHidden : {false, true}) { // what is not seen is in nobody's way
             auto* widget = new QWidget(&between);
             widget->setGeometry(isHidden ? QRect(0, 0, 400, 300) : watched);
@@ -94,6 +101,32 @@ private Q_SLOTS:
         }
         window.show();
         QTEST(uncoveredPlace(window, QSize(100, 20), 280), "place");
+    }
+
+    /// Also what only moves along with what it lies in.
+    void whatMovesUnderAPopupIsTold()
+    {
+        QWidget window;
+        window.resize(400, 300);
+        auto* splitter = new ZTSplitter(Qt::Vertical, &window);
+        splitter->resize(400, 300);
+        auto* lower = new QWidget;
+        auto* watched = new QWidget(lower);
+        watched->resize(20, 20);
+        keepUncovered(watched);
+        splitter->addWidget(new QWidget);
+        splitter->addWidget(lower);
+        window.show();
+        UncoveredWatch watch(&window);
+        QSignalSpy moved(&watch, &UncoveredWatch::moved);
+        watch.follow();
+        QCoreApplication::processEvents();
+        moved.clear();
+        splitter->setSizes({200, 100});
+        splitter->setSizes({250, 50});
+        QTRY_COMPARE(moved.size(), 1);
+        QCoreApplication::processEvents();
+        QCOMPARE(moved.size(), 1);
     }
 
     /// A lost link disables what they belong to, and must not lock the window.
