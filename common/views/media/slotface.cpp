@@ -145,6 +145,8 @@ void SlotFace::paint(QPainter* painter)
 {
     const Layout at = layout();
     paintBox(painter);
+    if (m_isBehindGap)
+        paintGap(painter, at.screen);
     paintScreen(painter, at.screen);
     paintTexts(painter, at);
     if (m_hasFaults)
@@ -171,6 +173,18 @@ void SlotFace::paintBox(QPainter* painter) const
                             : QPen(Qt::NoPen));
     painter->drawRoundedRect(box, radius, radius);
     painter->setRenderHint(QPainter::Antialiasing, false);
+}
+
+/// Where the line of a drop would stand.
+void SlotFace::paintGap(QPainter* painter, const QRect& screen) const
+{
+    QPen dashes(getColor(colors::Zt_white_50), 1);
+    dashes.setDashPattern({3, 3});
+    painter->setPen(dashes);
+    if (m_isTable)
+        painter->drawLine(QPoint(tight, 0), QPoint(qRound(width()) - textLength("bar") - tight, 0));
+    else
+        painter->drawLine(QPoint(0, screen.top()), QPoint(0, screen.bottom()));
 }
 
 void SlotFace::paintScreen(QPainter* painter, const QRect& screen)

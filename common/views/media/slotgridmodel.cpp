@@ -79,17 +79,39 @@ QVariant SlotGridModel::data(const QModelIndex& index, int role) const
         return sourceData(slot, MediaLibraryModel::PlayableRole).toBool();
     case FileRole:
         return sourceData(slot, MediaLibraryModel::UrlRole).toUrl().fileName();
+    case GapRole:
+        return gapBefore(index.row());
     default:
         return {};
     }
 }
 
+int SlotGridModel::gapBefore(int row) const
+{
+    const bool isFiltered = !m_searchText.isEmpty() || m_kind >= 0 || m_unusableOnly || m_unusedOnly;
+    return isFiltered ? 0 : slotAt(row) - std::max(slotAt(row - 1), 0) - 1;
+}
+
+/// A row that comes or goes makes the gap of the next another one.
+void SlotGridModel::tellGaps()
+{
+    if (count() > 0)
+        Q_EMIT dataChanged(index(0), index(count() - 1), {GapRole});
+}
+
 QHash<int, QByteArray> SlotGridModel::roleNames() const
 {
-    return {{KeyRole, "key"},         {SlotRole, "slot"},           {NameRole, "name"},
-            {DurationRole, "length"}, {ThumbnailRole, "thumbnail"}, {StateRole, "mediaState"},
-            {KindRole, "kind"},       {FaultsRole, "faults"},       {PlayableRole, "isPlayable"},
-            {FileRole, "file"}};
+    return {{KeyRole, "key"},
+            {SlotRole, "slot"},
+            {NameRole, "name"},
+            {DurationRole, "length"},
+            {ThumbnailRole, "thumbnail"},
+            {StateRole, "mediaState"},
+            {KindRole, "kind"},
+            {FaultsRole, "faults"},
+            {PlayableRole, "isPlayable"},
+            {FileRole, "file"},
+            {GapRole, "gap"}};
 }
 
 void SlotGridModel::setCollection(int collection)
@@ -156,6 +178,7 @@ void SlotGridModel::setUnusedOnly(bool only)
 void SlotGridModel::changeFilter()
 {
     Q_EMIT filterChanged();
+    tellGaps();
     refresh();
 }
 
@@ -393,6 +416,7 @@ void SlotGridModel::take()
         endResetModel();
     }
     m_found.clear();
+    tellGaps();
     Q_EMIT countChanged();
 }
 

@@ -48,6 +48,7 @@ public:
         FaultsRole = 264,
         PlayableRole = 265,
         FileRole = 266,
+        GapRole = 267, // so many numbers in front of it hold nothing; 0 where slots are left out
     };
 
     /// Whether a playlist plays the slot.
@@ -115,6 +116,8 @@ private:
     void onRowsCame(const QModelIndex& parent);
     void leaveOthers(int first, int last);
     QString keyOf(int slot) const;
+    int gapBefore(int row) const;
+    void tellGaps();
     void scan();
     void take();
     bool takeByRow();

@@ -46,6 +46,15 @@ private Q_SLOTS:
         SlotGridModel model(&mirror.model, isUsed);
         const QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::Fatal);
         model.setCollection(1);
+        QList<int> gaps; // as a view was told of them last
+        connect(&model, &QAbstractItemModel::dataChanged, this,
+                [&](const QModelIndex&, const QModelIndex&, const QList<int>& roles) {
+                    if (!roles.contains(SlotGridModel::GapRole))
+                        return;
+                    gaps.clear();
+                    for (int row = 0; row < model.count(); ++row)
+                        gaps.append(model.index(row).data(SlotGridModel::GapRole).toInt());
+                });
         QTRY_COMPARE(shown(model), QStringLiteral("1 2 3 4 5 6"));
         QCOMPARE(model.numberBehind(), 7);
         const QPersistentModelIndex last = model.index(5);
@@ -55,8 +64,10 @@ private Q_SLOTS:
         });
         QTRY_COMPARE(shown(model), QStringLiteral("1 3 4 6"));
         QCOMPARE(last.row(), 3);
+        QCOMPARE(gaps, (QList<int>{0, 1, 0, 1}));
         model.setUnusedOnly(true);
         QTRY_COMPARE(shown(model), QStringLiteral("1 3"));
+        QCOMPARE(gaps, (QList<int>{0, 0})); // what is left out is not free
         QCOMPARE(model.total(), 4);
         model.setUnusedOnly(false);
         model.setSearchText(QStringLiteral("4"));

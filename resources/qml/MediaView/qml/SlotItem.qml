@@ -17,6 +17,7 @@ Item {
     required property string faults
     required property bool isPlayable
     required property string file
+    required property int gap
     property var pane: null
     readonly property bool isTable: !!pane && pane.isTable
     readonly property bool isSelected: !!pane && (pane.selection.revision, pane.selection.isRowSelected(index))
@@ -27,6 +28,9 @@ Item {
     readonly property int collection: pane ? pane.slotModel.collection : -1
     readonly property string arriving: (mediaActions.arrivalsRevision, mediaActions.arriving(collection, slot))
     readonly property string why: arriving === "" ? faults : ""
+    readonly property bool isBehindGap: gap > 0 && mediaActions.isEditable
+    readonly property string room: !isBehindGap ? "" : gap === 1 ? qsTr("Free in front of it: %1").arg(slot - 1)
+                                 : qsTr("Free in front of it: %1 to %2").arg(slot - gap).arg(slot - 1)
     readonly property string text: name // for who asks what the slot shows
     readonly property bool isOnProgram: mediaState <= Media.ProgramStop
     readonly property bool isOnPreview: !isOnProgram && mediaState <= Media.PreviewStop
@@ -36,7 +40,7 @@ Item {
     height: GridView.view ? GridView.view.cellHeight : 0
     Accessible.role: Accessible.ListItem
     Accessible.name: qsTr("Slot %1, %2, %3").arg(slot).arg(name).arg(length)
-    Accessible.description: [isOnProgram ? qsTr("on program") : isOnPreview ? qsTr("on preview") : "", faults]
+    Accessible.description: [isOnProgram ? qsTr("on program") : isOnPreview ? qsTr("on preview") : "", faults, room]
                                 .filter(part => part !== "").join(", ")
     Accessible.selectable: true
     Accessible.selected: isSelected
@@ -58,6 +62,7 @@ Item {
         isOnProgram: cell.isOnProgram
         isOnPreview: cell.isOnPreview
         arrived: cell.arriving !== "" ? (mediaActions.arrivalsRevision, mediaActions.arrivedPart(cell.collection, cell.slot)) : -1
+        isBehindGap: cell.isBehindGap
         isAimed: cell.isAimed
         isSelected: cell.isSelected
         isCurrent: cell.isCurrent
@@ -81,7 +86,7 @@ Item {
         onContainsMouseChanged: {
             if (!containsMouse)
                 return toolTips.hide(cell)
-            const tip = (face.isNameCut() ? [cell.name] : []).concat(cell.why === "" ? [] : [cell.why]).join("\n")
+            const tip = (face.isNameCut() ? [cell.name] : []).concat([cell.why, cell.room].filter(part => part !== "")).join("\n")
             if (tip !== "")
                 toolTips.show(cell, tip)
         }
