@@ -70,7 +70,7 @@ public:
     /// Why nothing can be sent to the server; empty when it can.
     void setBlocked(const QString& reason);
     /// Holds the timeline and the transport, so that no stray click moves what is on air. Program is locked
-    /// at the start, preview never.
+    /// at each connection, preview never.
     void setLocked(bool locked);
     bool isLocked() const { return m_isLocked; }
     /// Why what is on the channel cannot be played; empty when it can.

@@ -5,6 +5,7 @@
 #include "common/filesystem/schedule/defaultfilesystemprovider.h"
 #include "common/filesystem/schedule/filesystemoperationsprovider.h"
 #include "common/media/edit/trimcommands.h"
+#include "common/media/library/editqueue.h"
 #include "common/media/library/medialibraryapi.h"
 #include "common/media/library/medialibraryprovider.h"
 #include "common/media/library/playlistprovider.h"
@@ -240,7 +241,7 @@ void Session::wireProviders()
     connect(library, &MediaLibraryProvider::reset, playlists, &PlaylistProvider::onReset);
     connect(library, &MediaLibraryProvider::libraryCommandExec, this,
             [this, library](AbstractSessionCommand* command) {
-                if (!executeCommand(command))
+                if (!executeCommand(command) && (!m_mediaLibraryApi || m_mediaLibraryApi->edits()->isEmpty()))
                     library->tellSettled();
             });
     connect(library, &MediaLibraryProvider::slotAdded, playlists, &PlaylistProvider::onSlotModified);
@@ -251,6 +252,8 @@ void Session::wireProviders()
         connect(library, &MediaLibraryProvider::slotChanged, model, &PlaybackModel::onSlotModified);
         connect(library, &MediaLibraryProvider::slotRemoved, model, &PlaybackModel::onSlotModified);
         connect(library, &MediaLibraryProvider::reset, model, &PlaybackModel::refreshSlot);
+        connect(library, &MediaLibraryProvider::collectionAdded, model, &PlaybackModel::refreshSlot);
+        connect(library, &MediaLibraryProvider::collectionRemoved, model, &PlaybackModel::refreshSlot);
     }
 }
 

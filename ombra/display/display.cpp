@@ -103,10 +103,12 @@ bool Display::ask(Clock::time_point moment, Clock::duration patience)
 void Display::run()
 {
     std::string told;
+    bool hasHadIts = false; // a projector that is unplugged does not send program over the operator's screen
     while (!isStopped()) {
         std::string error;
-        if (const std::unique_ptr<Window> window = Window::open(m_kind, m_screen, m_title, &error)) {
+        if (const auto window = Window::open(m_kind, m_screen, hasHadIts, m_title, &error)) {
             told.clear();
+            hasHadIts = hasHadIts || window->screen() == m_screen;
             if (!serve(*window))
                 return;
         } else if (error != told) {

@@ -19,7 +19,8 @@ class Display
 {
 public:
     enum class Kind { Window, FullScreen };
-    /// In the order of their numbers; where there are fewer screens the last one serves.
+    /// In the order of their numbers; where there are fewer screens the last one serves, as long as this one
+    /// has never been there.
     Display(Kind kind, int screen, std::string title);
     ~Display();
     Display(const Display&) = delete;

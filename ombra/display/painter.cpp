@@ -87,6 +87,8 @@ public:
     ~Impl()
     {
         for (Source& source : m_sources) {
+            if (!m_gl)
+                break;
             for (pl_tex& texture : source.textures)
                 pl_tex_destroy(gpu(), &texture);
             pl_tex_destroy(gpu(), &source.whole);
@@ -123,7 +125,7 @@ public:
         m_params.peak_detect_params = nullptr;
         m_params.dither_params = nullptr;
         m_params.disable_linear_scaling = bySoftware;
-        return m_swapchain && m_renderer && m_dispatch;
+        return (m_swapchain && m_renderer && m_dispatch) || fail(error, "OpenGL gives no way to paint here");
     }
 
     bool paint(const ShownMoment& moment, const Ground& ground)

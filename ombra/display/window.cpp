@@ -47,20 +47,24 @@ bool startVideo(std::string* error)
 
 } // namespace
 
-std::unique_ptr<Display::Window> Display::Window::open(Kind kind, int screen, const std::string& title,
-                                                       std::string* error)
+std::unique_ptr<Display::Window> Display::Window::open(Kind kind, int screen, bool isOnlyThis,
+                                                       const std::string& title, std::string* error)
 {
     std::unique_ptr<Window> window(new Window);
-    return window->create(kind, screen, title, error) ? std::move(window) : nullptr;
+    return window->create(kind, screen, isOnlyThis, title, error) ? std::move(window) : nullptr;
 }
 
-bool Display::Window::create(Kind kind, int screen, const std::string& title, std::string* error)
+bool Display::Window::create(Kind kind, int screen, bool isOnlyThis, const std::string& title,
+                             std::string* error)
 {
     m_isWindow = kind == Kind::Window;
     if (!startVideo(error))
         return false;
     m_hasVideo = true;
-    screen = std::clamp(screen, 0, std::max(0, SDL_GetNumVideoDisplays() - 1));
+    const int last = std::max(0, SDL_GetNumVideoDisplays() - 1);
+    if (isOnlyThis && screen > last)
+        return fail(error, "its screen is gone");
+    m_screen = screen = std::clamp(screen, 0, last);
     const int centered = static_cast<int>(SDL_WINDOWPOS_CENTERED_DISPLAY(static_cast<unsigned>(screen)));
     SDL_Rect at{centered, centered, windowWidth, windowHeight};
     // Where nobody manages windows, the one over the whole screen keeps the place that it is made with.

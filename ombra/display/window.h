@@ -15,11 +15,14 @@ namespace vantrel::ombra {
 class Display::Window
 {
 public:
-    /// Null, and the reason, where there is no display.
-    static std::unique_ptr<Window> open(Kind kind, int screen, const std::string& title, std::string* error);
+    /// Null, and the reason, where there is no display. Where there are fewer screens the last one serves,
+    /// unless it must be this one.
+    static std::unique_ptr<Window> open(Kind kind, int screen, bool isOnlyThis, const std::string& title,
+                                        std::string* error);
     ~Window();
 
     Painter& painter() { return *m_painter; }
+    int screen() const { return m_screen; }
     double rate() const { return m_rate; } // pictures a second
     bool givesBeat() const { return m_givesBeat; }
     bool isSoftware() const { return m_isSoftware; }
@@ -32,7 +35,7 @@ public:
 
 private:
     Window() = default;
-    bool create(Kind kind, int screen, const std::string& title, std::string* error);
+    bool create(Kind kind, int screen, bool isOnlyThis, const std::string& title, std::string* error);
     void findBeat();
 
     SDL_Window* m_window = nullptr;
@@ -43,6 +46,7 @@ private:
     bool m_givesBeat = false;
     bool m_isExposed = true;
     std::atomic<bool> m_isLost{false};
+    int m_screen = 0;
     double m_rate = 60;
     std::string m_renderer;
     std::unique_ptr<Painter> m_painter;

@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <ctime>
 #include <iterator>
+#include <system_error>
 #include <utility>
 
 namespace vantrel {
@@ -61,8 +62,12 @@ void LogWriter::write(LogLevel level, const LogLoc& location, std::string_view m
         return append(level, text);
     if (std::exchange(m_isHolding, true))
         return;
-    if (!m_teller.joinable())
-        m_teller = std::jthread([this](const std::stop_token& stop) { tellInTime(stop); });
+    try {
+        if (!m_teller.joinable())
+            m_teller = std::jthread([this](const std::stop_token& stop) { tellInTime(stop); });
+    } catch (const std::system_error&) { // no thread to be had: the next line brings the count
+        m_isHolding = false;
+    }
     m_held.notify_one();
 }
 

@@ -11,6 +11,7 @@
 #include <QTimer>
 
 #include <algorithm>
+#include <cmath>
 
 namespace vantrel {
 
@@ -22,12 +23,12 @@ constexpr qsizetype maxCached = 5000;
 // A screen of 3840 x 2160 full of tiles shows 252. What is in view must not push itself out: each paint would
 // fetch anew what the one before had let go.
 constexpr qsizetype minCached = 256;
+// So many of four bytes. No view shows a picture larger than this.
+constexpr qint64 mostPixels = maxBytes / minCached / 4;
 constexpr uint retryCount = 3;
 constexpr int timeoutMs = 5000;
 // What claims to be larger is no thumbnail. A few kilobytes can unfold to gigabytes while they are decoded.
 constexpr qint64 maxPixels = 16 * 1024 * 1024;
-// No view shows more pixels than these, and the cache holds thousands.
-constexpr int maxSide = 640;
 
 qint64 pixelsOf(const QByteArray& data)
 {
@@ -45,16 +46,18 @@ QImage decode(const QByteArray& data)
     buffer.setData(data);
     QImageReader reader(&buffer, QByteArrayLiteral("JPG"));
     const QSize size = reader.size();
-    if (size.width() > maxSide || size.height() > maxSide)
-        reader.setScaledSize(size.scaled(maxSide, maxSide, Qt::KeepAspectRatio));
+    const double share = std::sqrt(double(mostPixels) / std::max(1.0, double(size.width()) * size.height()));
+    if (share < 1)
+        reader.setScaledSize(
+            {std::max(1, int(size.width() * share)), std::max(1, int(size.height() * share))});
     return reader.read();
 }
 
-/// Bytes, as far as the least and the greatest number of pictures allow.
+/// Bytes, and no fewer than the greatest number of pictures allows.
 qsizetype costOf(const QPixmap& picture)
 {
     const qsizetype bytes = qsizetype(picture.width()) * picture.height() * picture.depth() / 8;
-    return std::clamp(bytes, maxBytes / maxCached, maxBytes / minCached);
+    return std::max(bytes, maxBytes / maxCached);
 }
 
 } // namespace

@@ -109,7 +109,10 @@ MainWindow::MainWindow(Session* session, QWidget* parent)
         });
     }
     m_uncovered = new UncoveredWatch(this);
-    connect(m_uncovered, &UncoveredWatch::moved, this, &MainWindow::repositionNotifications);
+    connect(m_uncovered, &UncoveredWatch::moved, this, [this] {
+        if (m_notificationPresenter->isVisible())
+            repositionNotifications();
+    });
     m_notificationPresenter->installEventFilter(this);
     tellOfKeys(keymapFault);
     setFocus();

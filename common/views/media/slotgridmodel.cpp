@@ -88,8 +88,7 @@ QVariant SlotGridModel::data(const QModelIndex& index, int role) const
 
 int SlotGridModel::gapBefore(int row) const
 {
-    const bool isFiltered = !m_searchText.isEmpty() || m_kind >= 0 || m_unusableOnly || m_unusedOnly;
-    return isFiltered ? 0 : slotAt(row) - std::max(slotAt(row - 1), 0) - 1;
+    return m_isFiltered ? 0 : slotAt(row) - std::max(slotAt(row - 1), 0) - 1;
 }
 
 /// A row that comes or goes makes the gap of the next another one.
@@ -178,7 +177,6 @@ void SlotGridModel::setUnusedOnly(bool only)
 void SlotGridModel::changeFilter()
 {
     Q_EMIT filterChanged();
-    tellGaps();
     refresh();
 }
 
@@ -407,8 +405,13 @@ void SlotGridModel::scan()
 void SlotGridModel::take()
 {
     const bool isOther = m_found != m_rows;
-    if (!isOther && m_total == m_holding)
+    const bool isFiltered = !m_searchText.isEmpty() || m_kind >= 0 || m_unusableOnly || m_unusedOnly;
+    const bool wasFiltered = std::exchange(m_isFiltered, isFiltered);
+    if (!isOther && m_total == m_holding) {
+        if (wasFiltered != isFiltered)
+            tellGaps();
         return;
+    }
     m_total = m_holding;
     if (isOther && !takeByRow()) {
         beginResetModel();

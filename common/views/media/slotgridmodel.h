@@ -116,7 +116,7 @@ private:
     void onRowsCame(const QModelIndex& parent);
     void leaveOthers(int first, int last);
     QString keyOf(int slot) const;
-    int gapBefore(int row) const;
+    int gapBefore(int row) const; // of the rows as they stand, which a filter that goes has yet to fill
     void tellGaps();
     void scan();
     void take();
@@ -140,6 +140,7 @@ private:
     int m_kind = -1;
     bool m_unusableOnly = false;
     bool m_unusedOnly = false;
+    bool m_isFiltered = false; // the rows as they stand
 };
 
 } // namespace vantrel

@@ -324,7 +324,7 @@ void TestNetworkResources::largeThumbnail()
     network.addGetReply(thumbnailUrl(clip), large);
     provider.getThumbnail(clip);
     QTRY_COMPARE(changed.size(), 1);
-    QCOMPARE(provider.getThumbnail(clip)->size(), QSize(640, 640));
+    QCOMPARE(provider.getThumbnail(clip)->size(), QSize(256, 256));
 }
 
 void TestNetworkResources::thumbnailsAreKeptByBytes_data()

@@ -159,7 +159,6 @@ private Q_SLOTS:
                  said.c_str());
     }
 
-    /// What is there and holds no picture is no error, which would be asked for again and again.
     /// What is kept shows when a file has other bytes under the same stamp.
     void keepsTheNewestPicturesAlone()
     {
@@ -197,6 +196,7 @@ private Q_SLOTS:
         m_data = std::make_unique<MediaData>(m_io, m_media.folder());
     }
 
+    /// What is there and holds no picture is no error, which would be asked for again and again.
     void picturesOfSounds()
     {
         for (const char* file : {"whole.wav", "notes.txt", "noise.mov"}) {
