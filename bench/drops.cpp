@@ -10,6 +10,7 @@
 #include "common/media/items/guimediaslot.h"
 #include "common/media/items/mimedata.h"
 #include "common/ui/diagnostics/logmanager.h"
+#include "tarn/media/mediaenums.h"
 #include "tests/common/filesystem/fakefilesystem.h"
 #include "tests/support/livesession.h"
 
