@@ -1,3 +1,4 @@
+#include "common/command/commandgate.h"
 #include "common/command/libraryeditcommand.h"
 #include "common/media/edit/playlist/addmediatoplaylistcommand.h"
 #include "common/media/edit/playlist/renumberplaylistcommand.h"
@@ -5,12 +6,14 @@
 #include "common/media/edit/slot/renamecollectioncommand.h"
 #include "common/media/library/editqueue.h"
 #include "common/media/library/medialibraryapi.h"
+#include "common/media/library/medialibraryprovider.h"
 #include "common/notification/notificationmanagerimpl.h"
 #include "tarn/media/medialibrary.h"
 #include "tarn/media/playenums.h"
 #include "tests/common/command/scriptedlibrary.h"
 #include "tests/support/testmain.h"
 
+#include <QSignalSpy>
 #include <QTest>
 #include <QUndoStack>
 
@@ -180,6 +183,37 @@ private Q_SLOTS:
         stack->undo();
         QTRY_COMPARE(server.name(1), QStringLiteral("one"));
         QCOMPARE(said().size(), 1);
+    }
+
+    /// What is refused because the server is silent says nothing of what the server has in hand.
+    void aClosedGateLeavesWhatIsUnderWay()
+    {
+        Server server;
+        server.library->getCollection(1)->insertMediaSlot(1, MediaSlot(), true);
+        QVERIFY(server.connect());
+        MediaLibraryProvider* const provider = server.peer.session->mediaLibraryProvider();
+        QSignalSpy settled(provider, &AbstractMediaLibraryProvider::editsSettled);
+        server.isMute = true;
+        QVERIFY(server.run<RenameCollectionCommand>(1, QStringLiteral("mine")));
+        QTRY_COMPARE(server.peer.http.count("PATCH", "/medialibrary"), 1);
+        auto* const gate = server.peer.session->getQUndoStack()->findChild<CommandGate*>();
+        const auto refuse = [&] {
+            gate->setReason(QStringLiteral("The server does not answer."));
+            provider->setInpoint({1, 1}, 2);
+            QCoreApplication::processEvents();
+        };
+        refuse();
+        QCOMPARE(said().size(), 1);
+        QCOMPARE(settled.size(), 0);
+        gate->setReason({});
+        server.isMute = false;
+        allowWarnings(QStringLiteral("Failed due network error: "));
+        allowWarnings(QStringLiteral("Redo failed! "));
+        server.peer.http.breakOpen();
+        QTRY_VERIFY(server.isIdle());
+        settled.clear();
+        refuse();
+        QCOMPARE(settled.size(), 1);
     }
 
     /// Without the library there is nothing to edit; it is read again until it is there.

@@ -70,6 +70,7 @@ private Q_SLOTS:
         QCOMPARE(gaps, (QList<int>{0, 0})); // what is left out is not free
         QCOMPARE(model.total(), 4);
         model.setUnusedOnly(false);
+        QCOMPARE(model.index(1).data(SlotGridModel::GapRole).toInt(), model.count() == 2 ? 0 : 1);
         model.setSearchText(QStringLiteral("4"));
         QTRY_VERIFY(shown(model).contains(u'4') && !shown(model).contains(u'6'));
         model.setSearchText({});
