@@ -34,7 +34,10 @@ void MediaQuestions::ask(const Question& question)
 
 void MediaQuestions::askAhead()
 {
-    while (m_begun < m_questions.size() && m_open.size() < mostOpen) {
+    constexpr int mostAtOnce = 500; // where all is known already
+    for (int looked = 0; m_begun < m_questions.size() && m_open.size() < mostOpen; ++looked) {
+        if (looked == mostAtOnce)
+            return m_turn.start();
         const Question next = m_questions[m_begun++];
         if (m_answers.contains(next))
             continue;

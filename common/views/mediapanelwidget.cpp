@@ -537,14 +537,17 @@ bool MediaPanelWidget::cueFromSearch()
         std::all_of(text.cbegin(), text.cend(), [](QChar c) { return c >= u'0' && c <= u'9'; });
     const QModelIndex root = m_view->rootIndex();
     QPersistentModelIndex source;
-    if (isNumber)
-        source = m_library->slotIndex({selectedCollection(), text.toInt()});
-    else if (m_model->rowCount(root) == 1)
+    bool isInRange = false;
+    const int number = text.toInt(&isInRange);
+    if (isNumber && isInRange)
+        source = m_library->slotIndex({selectedCollection(), number});
+    else if (!isNumber && m_model->rowCount(root) == 1)
         source = m_model->mapToSource(m_model->index(0, 0, root));
     if (isNumber && source.data(MediaLibraryModel::UrlRole).toUrl().isEmpty()) {
-        tellNotDone(
-            tr("Cue slot %1").arg(text),
-            tr("Collection %1 has no slot %2. Preview stays as it is.").arg(selectedCollection()).arg(text));
+        tellNotDone(tr("Cue slot %1").arg(text),
+                    tr("Collection %1 holds nothing in slot %2. Preview stays as it is.")
+                        .arg(selectedCollection())
+                        .arg(text));
         m_search->selectAll();
         return true;
     }

@@ -346,7 +346,7 @@ void TestMediaPanel::aNumberIsNoPartOfAnother()
     QCOMPARE(panel.listed(), QStringLiteral("7"));
     QTest::keyClick(panel.search, Qt::Key_Return);
     QCOMPARE(told->notifications().size(), 1);
-    QVERIFY(told->notifications().first()->details().contains(QStringLiteral("has no slot 3.")));
+    QVERIFY(told->notifications().first()->details().contains(QStringLiteral("nothing in slot 3.")));
     QVERIFY(!panel.view->currentIndex().isValid());
     QTest::keyClick(panel.search, Qt::Key_Return);
     QCOMPARE(played.size(), 0);
