@@ -11,6 +11,8 @@ namespace {
 
 /// A picture is counted as painted too late when the display's next beat is over by so much of one.
 constexpr double missedAfter = 0.5;
+/// A card that paints nothing for so many seconds has lost the window.
+constexpr double givenUpAfter = 2;
 /// How often a display is looked for that is not there, or not any more.
 constexpr auto lookAgainAfter = std::chrono::seconds(1);
 
@@ -151,6 +153,7 @@ Display::Fate Display::present(Window& window)
     Clock::time_point next = Clock::now() + period;
     ShownMoment painted;
     Painter::Ground paintedGround{{-1, 0, 0}};
+    int refused = 0; // pictures, one after the other
     Fate fate = Fate::Stays;
     while (!isStopped() && (fate = window.handleEvents()) == Fate::Stays) {
         const bool isFresh = ask(next, period / 2);
@@ -166,6 +169,13 @@ Display::Fate Display::present(Window& window)
         const Clock::time_point begin = Clock::now();
         const bool isPainted = changes && window.painter().paint(moment, ground);
         const Clock::time_point end = Clock::now();
+        if (changes)
+            refused = isPainted ? 0 : refused + 1;
+        if (refused > givenUpAfter * window.rate() && m_kind == Kind::FullScreen) {
+            Log::write(LogLevel::Warning, "vantrel.display",
+                       "the graphics card takes no pictures any more: the screen is opened anew");
+            return Fate::Moved;
+        }
         if (!window.givesBeat() || !isPainted)
             waitUntil(next);
         if (isPainted) {
@@ -183,7 +193,7 @@ Display::Fate Display::present(Window& window)
         const std::lock_guard lock(m_mutex);
         m_figures.width = window.width();
         m_figures.height = window.height();
-        m_figures.dropped += isPainted ? missed : 0;
+        m_figures.dropped += isPainted ? missed : changes;
         m_figures.shown += isPainted ? 1 : 0;
         if (isPainted)
             m_figures.paintSeconds = std::chrono::duration<double>(end - begin).count();
