@@ -1,7 +1,8 @@
 #include "common/playback/playbackpreview.h"
 
-#include "common/media/items/guimediaitem.h"
+#include "common/media/items/guimediaslot.h"
 #include "common/media/items/mimedata.h"
+#include "common/media/items/slotmimedata.h"
 #include "common/ui/style/colors.h"
 #include "common/ui/style/fontsizefollower.h"
 #include "common/ui/style/opaque.h"
@@ -36,6 +37,15 @@ qreal fittingPointSize(QFont font, int wanted, const QString& text, int width)
     font.setPointSize(wanted);
     const int needed = QFontMetrics(font).horizontalAdvance(text) + 2 * spacing::normal;
     return needed <= width ? wanted : std::max(1.0, double(wanted) * width / needed);
+}
+
+/// Of what is dragged the first is played. Null for what cannot be: a file of the desktop's, or a text.
+std::shared_ptr<GuiMediaItem> firstItem(const QMimeData* data)
+{
+    if (const auto* own = qobject_cast<const SlotMimeData*>(data)) // of thousands no text is written
+        return own->slot(own->addresses().first());
+    const QList<QJsonObject> objects = jsonFromMimeData(data);
+    return objects.isEmpty() ? nullptr : mediaItemFromMimeData(data, objects.first());
 }
 
 } // namespace
@@ -102,9 +112,9 @@ void PlaybackPreview::clearPicture()
     update();
 }
 
-void PlaybackPreview::setDropTarget(bool isTarget)
+void PlaybackPreview::setDragged(std::shared_ptr<GuiMediaItem> item)
 {
-    m_isDropTarget = isTarget;
+    m_dragged = std::move(item);
     update();
     Q_EMIT dropTargetChanged();
 }
@@ -180,26 +190,27 @@ void PlaybackPreview::paintConstrained(QPainter& painter) const
 
 void PlaybackPreview::dragEnterEvent(QDragEnterEvent* event)
 {
-    // No promise for what will not be played: a file of the desktop's, or a text.
-    if (!mediaItemTypeOf(event->mimeData()))
-        return event->ignore();
-    setDropTarget(true);
-    event->acceptProposedAction();
+    // No promise for what will not be played.
+    setDragged(firstItem(event->mimeData()));
+    if (isDropTarget())
+        event->acceptProposedAction();
+    else
+        event->ignore();
 }
 
 void PlaybackPreview::dragLeaveEvent(QDragLeaveEvent* event)
 {
-    setDropTarget(false);
+    setDragged(nullptr);
     ZTFrame::dragLeaveEvent(event);
 }
 
 void PlaybackPreview::dropEvent(QDropEvent* event)
 {
-    setDropTarget(false);
-    const QList<QJsonObject> objects = jsonFromMimeData(event->mimeData());
-    if (objects.isEmpty())
+    const std::shared_ptr<GuiMediaItem> item = m_dragged;
+    setDragged(nullptr);
+    if (!item)
         return;
-    Q_EMIT dragAndDropEntry(mediaItemFromMimeData(event->mimeData(), objects.first()));
+    Q_EMIT dragAndDropEntry(item);
     event->acceptProposedAction();
 }
 

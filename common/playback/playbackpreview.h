@@ -37,7 +37,7 @@ public:
     qint64 pictureAge() const { return m_sinceFrame.elapsed(); }
     /// Another medium is on the channel: a picture that does not follow it is not left under its name.
     void expectNewMedia();
-    bool isDropTarget() const { return m_isDropTarget; }
+    bool isDropTarget() const { return m_dragged != nullptr; }
     /// Where the picture stands in this widget.
     QRectF pictureRect() const;
 
@@ -60,7 +60,7 @@ protected:
     void dropEvent(QDropEvent* event) override;
 
 private:
-    void setDropTarget(bool isTarget);
+    void setDragged(std::shared_ptr<GuiMediaItem> item);
     void clearPicture();
     void paintConstrained(QPainter& painter) const;
 
@@ -71,7 +71,7 @@ private:
     QTimer m_oldMedia; // runs while the picture may be that of the medium before
     QSize m_shape{16, 9};
     bool m_resourceConstrained = false;
-    bool m_isDropTarget = false;
+    std::shared_ptr<GuiMediaItem> m_dragged; // over the picture; read once, however long the drag goes on
 };
 
 } // namespace vantrel

@@ -31,15 +31,20 @@ QVariant SlotMimeData::retrieveData(const QString& format, QMetaType type) const
     return m_written;
 }
 
+std::shared_ptr<GuiMediaSlot> SlotMimeData::slot(const MediaAddress& address) const
+{
+    return std::make_shared<GuiMediaSlot>(address, *m_library->findSlot(address.collection, address.slot));
+}
+
 QByteArray SlotMimeData::written() const
 {
     QList<QJsonObject> objects;
     objects.reserve(m_addresses.size());
     for (const MediaAddress& address : m_addresses) {
-        GuiMediaSlot slot(address, *m_library->findSlot(address.collection, address.slot));
-        if (slot.frameRate() && !slot.mediaType()) // the pictures' numbers go with the type only
-            slot.setMediaType(MediaType::ImageSequence);
-        QJsonObject object = slot.toJson();
+        const std::shared_ptr<GuiMediaSlot> record = slot(address);
+        if (record->frameRate() && !record->mediaType()) // the pictures' numbers go with the type only
+            record->setMediaType(MediaType::ImageSequence);
+        QJsonObject object = record->toJson();
         // Whoever takes it in refuses a type: that is the server's to tell.
         object.remove(QStringLiteral("type"));
         objects.append(object);

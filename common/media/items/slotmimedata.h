@@ -6,8 +6,11 @@
 #include <QList>
 #include <QMimeData>
 
+#include <memory>
+
 namespace vantrel {
 
+class GuiMediaSlot;
 class MediaLibrary;
 
 /// Slots of the library that are dragged or on the clipboard. Those who know it ask which they are; the text
@@ -23,6 +26,8 @@ public:
     ~SlotMimeData() override;
 
     const QList<MediaAddress>& addresses() const { return m_addresses; }
+    /// One of them, as it was when the drag began.
+    std::shared_ptr<GuiMediaSlot> slot(const MediaAddress& address) const;
     QStringList formats() const override;
 
 protected:

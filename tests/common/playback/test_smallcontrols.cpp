@@ -194,9 +194,10 @@ private Q_SLOTS:
         QDragEnterEvent foreign(QPoint(5, 5), Qt::CopyAction, &text, Qt::LeftButton, Qt::NoModifier);
         QCoreApplication::sendEvent(&preview, &foreign);
         QVERIFY(!foreign.isAccepted() && notice.text().isEmpty());
-        const std::unique_ptr<QMimeData> slot(createMimeData(
-            {QJsonObject{{"number", 3}}}, MimeItemCategory::MediaLibrary, MediaItemType::Slot));
-        QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction, slot.get(), Qt::LeftButton, Qt::NoModifier);
+        const std::unique_ptr<QMimeData> list(
+            createMimeData({QJsonObject{{"name", "A"}, {"number", 3}, {"entryCount", 1}, {"duration", 2}}},
+                           MimeItemCategory::Playlist, MediaItemType::Playlist));
+        QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction, list.get(), Qt::LeftButton, Qt::NoModifier);
         QCoreApplication::sendEvent(&preview, &enter);
         QTEST(notice.text(), "text");
         QCOMPARE(preview.grab().toImage().pixelColor(6, 6), colour);
@@ -213,6 +214,7 @@ private Q_SLOTS:
                                     << 1;
         QTest::newRow("nothing") << QByteArray("[]") << 0;
         QTest::newRow("no JSON") << QByteArray("oh") << 0;
+        QTest::newRow("half a playlist") << QByteArray(R"([{"name":"A","number":3}])") << 0;
     }
     void previewTakesDrops()
     {
@@ -225,7 +227,8 @@ private Q_SLOTS:
         QSignalSpy spy(&preview, &PlaybackPreview::dragAndDropEntry);
         QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
         QCoreApplication::sendEvent(&preview, &enter);
-        QVERIFY(enter.isAccepted());
+        QCOMPARE(enter.isAccepted(), drops > 0);
+        QCOMPARE(preview.isDropTarget(), drops > 0); // nothing is promised that is not done
         QDropEvent drop(QPointF(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
         QCoreApplication::sendEvent(&preview, &drop);
         QCOMPARE(spy.size(), drops);
