@@ -29,6 +29,12 @@ EndpointTimecodes::EndpointTimecodes(QWidget* parent)
     m_outpoint->setAccessibleName(tr("Out point"));
 }
 
+void EndpointTimecodes::setUnknown(bool unknown)
+{
+    m_inpoint->setZeroUnknown(unknown);
+    m_outpoint->setZeroUnknown(unknown);
+}
+
 void EndpointTimecodes::setObjectNames(const QString& base)
 {
     setObjectName(base);

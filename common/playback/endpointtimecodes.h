@@ -16,6 +16,8 @@ public:
 
     TimecodeDisplay* inpoint() const { return m_inpoint; }
     TimecodeDisplay* outpoint() const { return m_outpoint; }
+    /// Of media whose points nobody has read yet.
+    void setUnknown(bool unknown);
     /// base for this widget, base + "-Inpoint" and base + "-Outpoint" for its displays.
     void setObjectNames(const QString& base) override;
 

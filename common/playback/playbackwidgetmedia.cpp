@@ -103,6 +103,7 @@ void PlaybackWidget::updateMediaAddress()
     m_hint->setVisible(m_mediaAddress.isEmpty() && held.isEmpty());
     m_notice->setHasMedia(!m_mediaAddress.isEmpty() || !held.isEmpty());
     if (!MediaUtils::isMediaAddress(m_mediaAddress)) {
+        m_endpoints->setUnknown(false);
         setHasValidMedia(false);
         m_hasTransport = !held.isEmpty(); // it can still be paused and stopped
         updateTransport();
@@ -117,6 +118,7 @@ void PlaybackWidget::updateMediaAddress()
     setHasValidMedia(isFound);
     const MediaLibraryApi* library = m_session->getMediaLibraryApi();
     const bool isUnread = !isFound && library && library->reading() != MediaLibraryApi::Reading::Done;
+    m_endpoints->setUnknown(isUnread);
     if (isUnread) { // the server knows it, and plays it all the same
         m_hasTransport = true;
         updateTransport();

@@ -124,7 +124,6 @@ void MediaPanelWidget::buildHeader()
     m_chooser->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     m_chooser->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
     m_chooser->setMaxVisibleItems(20);
-    m_chooser->setPlaceholderText(tr("No collections"));
     m_chooser->setModel(m_sortedSelector);
     m_chooser->setModelColumn(1);
 
@@ -277,19 +276,10 @@ void MediaPanelWidget::setConnected(bool connected)
 
 void MediaPanelWidget::showReading(const Session* session)
 {
-    using Reading = MediaLibraryApi::Reading;
     const MediaLibraryApi* api = session->getMediaLibraryApi();
     if (!api)
         return;
-    m_libraryError = api->readingError();
-    setLibrary(api->reading() == Reading::Done     ? Library::Read
-               : api->reading() == Reading::Failed ? Library::Failed
-                                                   : Library::Loading);
-}
-
-void MediaPanelWidget::setLibrary(Library library)
-{
-    m_libraryState = library;
+    m_unread = api->unread();
     updateEditable();
 }
 
@@ -334,17 +324,15 @@ void MediaPanelWidget::showCollection()
 
 void MediaPanelWidget::updateEmptyText()
 {
+    m_chooser->setPlaceholderText(!m_connected               ? tr("Not connected")
+                                  : m_unread.brief.isEmpty() ? tr("No collections")
+                                                             : m_unread.brief);
     const bool hasCollection = selectedCollection() >= 0;
     if (!hasCollection && !m_connected)
         m_view->setEmpty(QStringLiteral("media"),
                          tr("No server connected. Connect from the menu to see its media."));
-    else if (!hasCollection && m_libraryState == Library::Loading)
-        m_view->setEmpty(QStringLiteral("media"), tr("Loading the library from the server ..."));
-    else if (!hasCollection && m_libraryState == Library::Failed)
-        m_view->setEmpty(
-            QStringLiteral("media"),
-            tr("The library could not be read from the server: %1. It is tried again each second.")
-                .arg(m_libraryError));
+    else if (!hasCollection && !m_unread.whole.isEmpty())
+        m_view->setEmpty(QStringLiteral("media"), m_unread.whole);
     else if (!hasCollection)
         m_view->setEmpty(QStringLiteral("folder"),
                          tr("There are no collections yet. Add one with the + button above."));

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/media/library/libraryunread.h"
 #include "common/ui/toolkit/ztframe.h"
 
 #include <QModelIndex>
@@ -45,10 +46,6 @@ public:
     void setConnected(bool connected);
     /// Whether the marks on the slots are no longer what the server says.
     void setStale(bool stale);
-    /// Whether the library is the server's: until then an empty panel says what it waits for, and nothing is
-    /// edited.
-    enum class Library { Loading, Failed, Read };
-    void setLibrary(Library library);
     /// Whether the menu offers to edit the collection: where somebody follows collectionEditRequested.
     void setCollectionsEditable(bool editable);
     /// The URLs of the selected slots, in their order.
@@ -73,7 +70,7 @@ private:
     void fitButtons();
     void showReading(const Session* session);
     void updateEditable();
-    bool isEditable() const { return m_connected && m_libraryState == Library::Read; }
+    bool isEditable() const { return m_connected && m_unread.whole.isEmpty(); }
     void updateEmptyText();
     void onActivated(const QModelIndex& index);
     bool cueFromSearch();
@@ -107,8 +104,7 @@ private:
     SlotDrops* m_drops;
     QTimer m_scrollRest;
     QTimer m_refresh;
-    Library m_libraryState = Library::Read;
-    QString m_libraryError; // of Failed
+    LibraryUnread m_unread; // until the library is the server's
     int m_remembered = -1;  // the collection of the last run, until it has come
     bool m_connected = false;
     bool m_choosesAdded = false; // the next collection that comes is the one made here

@@ -500,6 +500,21 @@ void MediaLibraryApi::fetchFailed(const QString& why)
     m_edits->refuseAll(tr("The library could not be read from the server."));
 }
 
+LibraryUnread MediaLibraryApi::unread() const
+{
+    switch (m_reading) {
+    case Reading::Awaited:
+        return {tr("Loading ..."), tr("Loading the library from the server ...")};
+    case Reading::Failed:
+        return {tr("Not read"),
+                tr("The library could not be read from the server: %1. It is tried again each second.")
+                    .arg(m_readingError)};
+    case Reading::Done:
+        break;
+    }
+    return {};
+}
+
 void MediaLibraryApi::setReading(Reading reading)
 {
     if (std::exchange(m_reading, reading) != reading)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "common/media/library/eventstream.h"
+#include "common/media/library/libraryunread.h"
 #include "tarn/json/json.h"
 #include "tarn/json/patch.h"
 #include "tarn/media/entryaddress.h"
@@ -71,8 +72,8 @@ public:
     enum class Reading { Awaited, Done, Failed };
     /// What became of the last fetch.
     Reading reading() const { return m_reading; }
-    /// Why it failed, for the operator; plain text without a full stop.
-    const QString& readingError() const { return m_readingError; }
+    /// What the operator is told of it.
+    LibraryUnread unread() const;
     /// Whether the local library is the server's, but for what is on its way.
     bool isCurrent() const { return m_reading == Reading::Done && m_fetches + m_waits == 0; }
     /// The number of the library that stands here; none of a server that does not count.
@@ -166,7 +167,7 @@ private:
     bool m_isDeaf = false;   // the stream is lost
     std::optional<qint64> m_revision;
     Reading m_reading = Reading::Awaited;
-    QString m_readingError;
+    QString m_readingError; // plain text without a full stop
     EditQueue* const m_edits;
     QTimer* const m_silence; // runs while a stream is open whose server says each second that it is there
 };

@@ -71,8 +71,7 @@ void MediaActions::readState()
     const LinkHealth* health = m_session->linkHealth();
     m_silence = health->state() == LinkHealth::State::Silent ? health->text() : QString();
     m_isRead = api && api->reading() == MediaLibraryApi::Reading::Done;
-    m_readingError =
-        api && api->reading() == MediaLibraryApi::Reading::Failed ? api->readingError() : QString();
+    m_unread = api ? api->unread().whole : QString();
     Q_EMIT libraryChanged();
 }
 
@@ -84,10 +83,7 @@ QString MediaActions::obstacle() const
                                                "it cannot be changed now.");
     if (!m_silence.isEmpty())
         return m_silence;
-    if (!m_readingError.isEmpty())
-        return tr("The library could not be read from the server: %1. It is tried again each second.")
-            .arg(m_readingError);
-    return m_isRead ? QString() : tr("Loading the library from the server ...");
+    return m_unread;
 }
 
 void MediaActions::setIsTable(bool isTable)

@@ -110,7 +110,7 @@ private:
     Session* m_session;
     std::unique_ptr<ImplMediaCollectionManager> m_manager;
     std::unique_ptr<SlotDrops> m_drops;
-    QString m_readingError;
+    QString m_unread;  // why the library is not read, a sentence
     QString m_silence; // of a link that is there and says nothing, a sentence
     int m_arrivalsRevision = 0;
     bool m_isConnected = false;

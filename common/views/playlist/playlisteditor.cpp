@@ -93,7 +93,7 @@ void PlaylistEditor::build()
     PlaylistView* view = m_container->list();
     view->setAccessibleName(isPreview() ? tr("Entries of the playlist")
                                         : tr("Entries of the playlist on program"));
-    showLoss(0);
+    showPlaceholder();
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(spacing::tight);
@@ -109,7 +109,7 @@ void PlaylistEditor::build()
         if (m_menu)
             m_menu->popup(m_header->menuPosition());
     });
-    connect(m_header, &PlaylistEditorHeader::listLost, this, &PlaylistEditor::showLoss);
+    connect(m_header, &PlaylistEditorHeader::lostListChanged, this, &PlaylistEditor::showPlaceholder);
     connect(m_container, &PlaylistContainer::entryDoubleClick, this, &PlaylistEditor::handleEntryDoubleClick);
     connect(m_container, &PlaylistContainer::entryDragStarted, this, &PlaylistEditor::handleDragAndDrop);
     connect(view, &PlaylistView::actionRequested, this, &PlaylistEditor::runAction);
@@ -126,12 +126,15 @@ void PlaylistEditor::build()
     connect(&m_hover, &QTimer::timeout, this, &PlaylistEditor::dragHover);
 }
 
-void PlaylistEditor::showLoss(uint number)
+void PlaylistEditor::showPlaceholder()
 {
-    QString text = isPreview() ? tr("Insert items from Collections tab to build playlist.")
-                               : tr("Take from Preview or drag a playlist here.");
-    if (number != 0)
-        text = tr("Playlist %1 was removed. Choose another one above.").arg(number);
+    const MediaLibraryApi* api = m_session->getMediaLibraryApi();
+    QString text = api ? api->unread().whole : QString();
+    if (text.isEmpty() && m_header->lostList() != 0)
+        text = tr("Playlist %1 was removed. Choose another one above.").arg(m_header->lostList());
+    else if (text.isEmpty())
+        text = isPreview() ? tr("Insert items from Collections tab to build playlist.")
+                           : tr("Take from Preview or drag a playlist here.");
     m_container->list()->setPlaceholderText(text);
 }
 
@@ -230,6 +233,8 @@ void PlaylistEditor::updateEditable()
     m_isEditable = m_session->isReachable() && api && api->reading() == MediaLibraryApi::Reading::Done;
     m_header->setEditable(m_isEditable);
     m_header->setLibraryApi(api);
+    m_header->setUnread(api ? api->unread().brief : QString());
+    showPlaceholder();
     if (!isPreview())
         return;
     m_container->list()->setEditable(m_isEditable);

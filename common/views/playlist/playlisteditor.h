@@ -124,7 +124,7 @@ private:
     void ask(ZTDialog* dialog);
     void closeQuestionsOf(uint playlist);
     void holdList();
-    void showLoss(uint number);
+    void showPlaceholder();
     PlaylistFiles::List shownList() const;
     bool canTake(const PlaylistDrop& drop) const;
     std::optional<QList<QModelIndex>> draggedRows(const PlaylistDrop& drop) const;

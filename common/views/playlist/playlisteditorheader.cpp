@@ -98,7 +98,7 @@ void PlaylistEditorHeader::buildPreview()
     m_dropdown->setToolTip(tr("The playlist that is shown and edited"));
     m_dropdown->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
     m_dropdown->setMaxVisibleItems(20);
-    m_dropdown->setPlaceholderText(tr("No playlists"));
+    setUnread({});
     m_dropdown->setModel(m_sources.library);
     m_dropdown->setModelColumn(PlaylistLibraryModel::NameColumn);
     m_dropdown->installEventFilter(this);
@@ -223,7 +223,7 @@ void PlaylistEditorHeader::onRowsAboutToBeRemoved(int first, int last)
 void PlaylistEditorHeader::setLost(uint number)
 {
     if (std::exchange(m_lost, number) != number)
-        Q_EMIT listLost(number);
+        Q_EMIT lostListChanged();
 }
 
 /// Shows the list of the model. An editor without one shows the first that there is; one whose list was
@@ -296,6 +296,12 @@ void PlaylistEditorHeader::setEditable(bool editable)
     if (m_new)
         m_new->setEnabled(editable);
     showList();
+}
+
+void PlaylistEditorHeader::setUnread(const QString& unread)
+{
+    if (m_dropdown)
+        m_dropdown->setPlaceholderText(unread.isEmpty() ? tr("No playlists") : unread);
 }
 
 void PlaylistEditorHeader::dropdownIndexChanged(int index)

@@ -63,6 +63,10 @@ public:
     void setOneLine(bool oneLine);
     /// Whether there is a server that takes edits.
     void setEditable(bool editable);
+    /// What stands for a list while the library is not read; empty once it is.
+    void setUnread(const QString& unread);
+    /// The list that was shown, was removed and has none in its place; 0 for none.
+    uint lostList() const { return m_lost; }
     /// While the operator is in the midst of something the list stays; what was missed is caught up after it.
     void setHeld(bool held);
     IconButton* pinButton() const { return m_pin; }
@@ -85,8 +89,8 @@ public Q_SLOTS:
 Q_SIGNALS:
     void editorPinned(bool pinned);
     void contextMenu();
-    /// The list that was shown was removed, and none is shown in its place; 0 when one is shown again.
-    void listLost(uint number);
+    /// lostList() is another one.
+    void lostListChanged();
 
 protected:
     void resizeEvent(QResizeEvent* event) override;
@@ -133,7 +137,7 @@ private:
     std::optional<uint> m_awaited; // the list that was made here and has not come yet
     bool m_isAwaitedDone = false;  // the server has made it
     uint m_followed = 0;           // the list that the channel played last
-    uint m_lost = 0;               // the list that was shown and is no more
+    uint m_lost = 0;
     uint m_naming = 0;             // the list whose name is typed
     ZTEdit* m_nameField = nullptr; // over the drop-down, which shows what the library says
     bool m_isHeld = false;

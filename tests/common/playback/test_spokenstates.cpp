@@ -4,9 +4,12 @@
 #include "common/playback/playbackwidget.h"
 #include "common/playback/takebutton.h"
 #include "common/ui/toolkit/ztlabel.h"
+#include "common/views/playlist/playlistview.h"
 #include "common/views/slotlistview.h"
 #include "tests/common/playback/playerfixture.h"
 #include "tests/support/testmain.h"
+
+#include <QComboBox>
 
 using namespace vantrel;
 using namespace vantrel::test;
@@ -107,9 +110,11 @@ private Q_SLOTS:
     void libraryThatIsNotRead_data()
     {
         QTest::addColumn<int>("status");
+        QTest::addColumn<QString>("brief");
         QTest::addColumn<QString>("text");
-        QTest::newRow("none yet") << 0 << QStringLiteral("Loading the library from the server");
-        QTest::newRow("refused") << 503
+        QTest::newRow("none yet") << 0 << QStringLiteral("Loading ...")
+                                  << QStringLiteral("Loading the library from the server");
+        QTest::newRow("refused") << 503 << QStringLiteral("Not read")
                                  << QStringLiteral(
                                         "The library could not be read from the server: it answers "
                                         "\"503 Scripted\". It is tried again");
@@ -118,6 +123,7 @@ private Q_SLOTS:
     void libraryThatIsNotRead()
     {
         QFETCH(int, status);
+        QFETCH(QString, brief);
         QFETCH(QString, text);
         allowWarnings(QStringLiteral("Failed to get media library"));
         m_fixture = nullptr; // one session at a time
@@ -132,16 +138,29 @@ private Q_SLOTS:
         const auto* view = m_fixture->part<SlotListView>("MediaPanel-slots-view");
         QTRY_VERIFY2(view->emptyText().startsWith(text), qPrintable(view->emptyText()));
         QVERIFY(!m_fixture->part<QWidget>("MediaPanel-add-collection-button")->isEnabled());
+        const auto* collections = m_fixture->part<QComboBox>("MediaPanel-collection-chooser");
+        QCOMPARE(collections->placeholderText(), brief);
+        QCOMPARE(m_fixture->part<QComboBox>("Preview-PlaylistEditor-dropdown")->placeholderText(), brief);
+        for (const char* name : {"Preview-PlaylistContainer-playlist", "Program-PlaylistContainer-playlist"})
+            QCOMPARE(m_fixture->part<PlaylistView>(name)->placeholderText(), view->emptyText());
         // What the server plays is played and stopped from here, whether or not its name is known.
         cue("preview", 9);
         const auto* location = m_fixture->part<ZTLabel>("Preview-PlaybackWidget-Header-MediaLocation");
         QTRY_COMPARE(location->text(), QStringLiteral("1-9:"));
+        const auto* in = m_fixture->part<ZTLabel>("Preview-PlaybackWidget-EndpointTimecodes-Inpoint");
+        const auto* out = m_fixture->part<ZTLabel>("Preview-PlaybackWidget-EndpointTimecodes-Outpoint");
+        QCOMPARE(in->text(), QStringLiteral("--:--:--"));
+        QCOMPARE(out->text(), QStringLiteral("--:--:--"));
         const PlaybackControls* controls = m_fixture->channel()->previewWidget()->controls();
         QVERIFY(controls->isEnabled() && !controls->canSetPoints());
         isWell = true;
         m_fixture->peer.http.breakOpen();
         QTRY_VERIFY_WITH_TIMEOUT(view->model() && view->model()->rowCount(view->rootIndex()) == 3, 10000);
         QTRY_VERIFY(!controls->isEnabled()); // there is no ninth slot
+        QCOMPARE(collections->placeholderText(), QStringLiteral("No collections"));
+        cue("preview", 1);
+        QTRY_COMPARE(in->text(), QStringLiteral("00:00:01.000"));
+        QTRY_COMPARE(out->text(), QStringLiteral("00:00:08.000"));
     }
 
     /// From the link's return to its scene there is a reason for what is grey.
