@@ -2,62 +2,14 @@
 import http.server
 import json
 import os
-import pathlib
 import signal
 import socket
-import subprocess
 import threading
 import time
 import urllib.error
 
+from screenserver import ReadOnlyDisk, Server, SmallDisk
 from screenwindow import HUGE, Window, rest, wait
-
-
-class Server:
-    """A server of its own on the demo's media, with its show in the given folder."""
-
-    def __init__(self, options, state):
-        self.options, self.state = options, state
-
-    def __enter__(self):
-        output = self.state.with_suffix(".out")
-        command = [pathlib.Path(self.options.bin).with_name("ombra"), "--media", self.options.media,
-                   "--state", self.state]
-        for port in ("http", "link", "preview", "ftp"):
-            command += [f"--{port}-port", "0"]
-        with open(output, "w", encoding="utf-8") as file:
-            self.process = subprocess.Popen(self.wrapped([str(word) for word in command]), stdout=file,
-                                            stderr=subprocess.DEVNULL)
-        wait(lambda: output.read_text(encoding="utf-8").startswith("ombra ready"), "the server")
-        self.server = ["--connect", "127.0.0.1"]
-        for word in output.read_text(encoding="utf-8").split()[2:]:
-            name, port = word.split("=")
-            self.server += [f"--{name}-port", port]
-        return self
-
-    def wrapped(self, command):
-        return command
-
-    def __exit__(self, *_):
-        self.process.terminate()
-        self.process.wait(20)
-
-
-class SmallDisk(Server):
-    """The same, and the folder is a disk of a megabyte, in memory, that no other process sees."""
-
-    def wrapped(self, command):
-        return ["unshare", "--map-root-user", "--mount", "sh", "-c",
-                f"mount -t tmpfs -o size=1m tmpfs '{self.state}' && exec \"$@\"", "sh", *command]
-
-    def fill(self):
-        disk = pathlib.Path(f"/proc/{self.process.pid}/root{self.state}")
-        try:
-            with open(disk / "recordings", "ab", buffering=0) as file:
-                while True:
-                    file.write(bytes(4096))
-        except OSError:
-            pass
 
 
 class Neighbours:
@@ -214,6 +166,58 @@ def damaged(options):
         window.click("NotificationPresenter-details-button")
         time.sleep(1)
         window.shoot(options.out / "show-damaged.png")
+
+
+def read_only(options):
+    """The server was started on a disk that it may not write to."""
+    state = options.media.with_name("locked")
+    state.mkdir(exist_ok=True)
+    with Server(options, state):
+        pass
+    with ReadOnlyDisk(options, state) as server, Window(options, server=server.server) as window:
+        window.run_show()
+        window.click("NotificationPresenter-details-button")
+        time.sleep(1)
+        window.shoot(options.out / "server-read-only.png")
+
+
+def program_waits(options):
+    """The server was started again, and what was on program is missing."""
+    state = options.media.with_name("kept")
+    state.mkdir(exist_ok=True)
+    with Server(options, state) as server, Window(options, server=server.server) as window:
+        window.run_show()
+    file = options.media / "01 Walk-in loop.mp4"
+    away = options.media.with_name(file.name)
+    file.rename(away)
+    try:
+        with Server(options, state) as server, Window(options, server=server.server) as window:
+            wait(lambda: window.robot.find("Program-PlaybackWidget-Header-MediaLocation")["text"] == "1-1:", "program")
+            time.sleep(3)
+            window.shoot(options.out / "program-waits.png")
+    finally:
+        away.rename(file)
+
+
+def overtaken(options):
+    """An edit is taken back whose place somebody else has changed meanwhile."""
+    def name():
+        return json.load(rest(options, "GET"))["collections"]["1"]["slots"]["2"]["name"]
+
+    place, before = "/collections/1/slots/2/name", name()
+    with Window(options) as window:
+        window.run_show()
+        window.robot.mouse("click", window.robot.slot(1))
+        window.keys("F2", "CtrlA", *"Doors open", "Enter")
+        wait(lambda: name() == "Doors open", "the name")
+        rest(options, "PATCH", [{"op": "replace", "path": place, "value": "Doors"}])
+        time.sleep(1)
+        window.keys("CtrlZ")
+        wait(lambda: "Not done" in window.robot.find("NotificationPresenter-title")["text"], "the refusal")
+        window.click("NotificationPresenter-details-button")
+        time.sleep(1)
+        window.shoot(options.out / "edit-overtaken.png")
+        rest(options, "PATCH", [{"op": "replace", "path": place, "value": before}])
 
 
 def silent(options):

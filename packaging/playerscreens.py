@@ -122,6 +122,59 @@ def questions(options):
             window.robot.ask(operation="key_press", keyName="Escape")
 
 
+def holding(options):
+    """The same of a picture that program holds; and a number that is no slot's."""
+    with Window(options) as window:
+        window.run_show()
+        window.robot.mouse("click", window.robot.find("MediaPanel-search"))
+        window.keys("1", "2", "Enter")
+        wait(lambda: "Not done" in window.robot.find("NotificationPresenter-title")["text"], "the refusal")
+        time.sleep(1)
+        window.shoot(options.out / "cue-not-done.png")
+        window.click("NotificationPresenter-accept-button")
+        window.keys("Escape")
+        window.click("Program-PlaybackWidget-Header-Lock")
+        window.click("Program-PlaybackControls-Pause")
+        window.choose("DisconnectFromServer")
+        window.robot.find("DisconnectDialog")
+        window.rest()
+        window.shoot(options.out / "disconnect-holding.png")
+        window.keys("Escape")
+        window.click("Program-PlaybackControls-Play")
+
+
+def cut_off(options):
+    """A file that was not copied to its end, in the MEDIA tab."""
+    whole, part = options.media / "03 Bars and tone.mp4", options.media / "Trailer.mp4"
+    subprocess.run(["ffmpeg", "-v", "error", "-nostdin", "-y", "-i", str(whole), "-c", "copy", "-movflags",
+                    "+faststart", str(part)], check=True)
+    os.truncate(part, part.stat().st_size * 2 // 3)
+    slot = json.load(rest(options, "GET"))["collections"]["1"]["slots"]["3"]
+    slot |= {"name": "Trailer", "contentUrl": slot["contentUrl"].rsplit("/", 1)[0] + "/Trailer.mp4"}
+    rest(options, "PATCH", [{"op": "add", "path": "/collections/1/slots/8", "value": slot}])
+    with Window(options) as window:
+        window.run_show()
+        window.click("MainNavigationBar-media-button")
+        window.click("media-slot8")
+        wait(lambda: "cut off" in window.robot.find("media-details-faults")["text"], "the caveat")
+        window.rest()
+        window.shoot(options.out / "cut-off.png")
+    rest(options, "PATCH", [{"op": "remove", "path": "/collections/1/slots/8"}])
+    part.unlink()
+
+
+def preview_countdown(options):
+    """The last seconds of what is tried on preview."""
+    with Window(options) as window:
+        window.run_show()
+        window.cue(2)
+        window.click("Preview-PlaybackControls-Play")
+        left = "Preview-PlaybackWidget-PlaybackTimecodes-Remaining"
+        wait(lambda: "00:00:00" < window.robot.find(left)["text"] < "00:00:08", "the last seconds")
+        window.rest()
+        window.shoot(options.out / "preview-time-left.png")
+
+
 def countdown(options):
     """Program's last seconds: amber, red, and its last picture that holds; muted and unlocked."""
     with Window(options) as window:

@@ -5,10 +5,11 @@ import pathlib
 import sys
 
 from filescreens import beside, files, media_tab, pictures, shows, slots
-from linkscreens import connect, damaged, full_disk, half, library, notice, reconnect, refused, silent
+from linkscreens import (
+    connect, damaged, full_disk, half, library, notice, overtaken, program_waits, read_only, reconnect, refused, silent)
 from playerscreens import (
-    countdown, cue_list, drop, gallery, held, inspector, keyboard, media_panel, menu, modes, outputs, player,
-    questions, rename, repeat, scaling, still, take, waiting)
+    countdown, cue_list, cut_off, drop, gallery, held, holding, inspector, keyboard, media_panel, menu, modes, outputs,
+    player, preview_countdown, questions, rename, repeat, scaling, still, take, waiting)
 from screenwindow import HUGE
 
 SCREENS = {
@@ -37,11 +38,14 @@ SCREENS = {
     "sound-alone": lambda options: waiting(options, 5, "sound-alone"),
     "unplayable": lambda options: waiting(options, 6, "unplayable"),
     "disconnect": questions,
+    "disconnect-holding": holding,
     "shows": shows,
     "time-left-amber": countdown,
+    "preview-time-left": preview_countdown,
     "no-longer-in-the-library": held,
     "library-loading": lambda options: library(options, "library-loading", None),
     "library-not-read": lambda options: library(options, "library-not-read", 500),
+    "library-lost": lambda options: half(options, "--http-port", "library does not", "library-lost"),
     "picture-old": lambda options: half(options, "--preview-port", "", "picture-old"),
     "players-silent": lambda options: half(options, "--link-port", "Its library answers", "players-silent"),
     "repeat": repeat,
@@ -49,12 +53,16 @@ SCREENS = {
     "media-folder-gone": notice,
     "disk-full": full_disk,
     "show-damaged": damaged,
+    "server-read-only": read_only,
+    "program-waits": program_waits,
+    "edit-overtaken": overtaken,
     "drop-on-program": drop,
     "drop-on-slots": slots,
     "drop-dialog": lambda options: pictures(options, "drop-dialog"),
     "drop-dialog-huge-1280x720": lambda options: pictures(options, "drop-dialog-huge-1280x720", **HUGE),
     "media-tab": lambda options: media_tab(options, "media-tab"),
     "media-tab-huge-1280x720": lambda options: media_tab(options, "media-tab-huge-1280x720", **HUGE),
+    "cut-off": cut_off,
     "media-beside": beside,
     "files": lambda options: files(options, "files"),
     "files-huge-1280x720": lambda options: files(options, "files-huge-1280x720", **HUGE),
