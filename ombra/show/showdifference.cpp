@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <initializer_list>
 #include <string_view>
 
 namespace vantrel::ombra {
@@ -32,6 +33,16 @@ bool isSameRecord(const Json& here, const Json& other)
             mine.set(member, *theirs);
     }
     return mine == other;
+}
+
+/// Whether all is the same but what these members hold.
+bool isSameBeside(std::initializer_list<std::string_view> members, Json here, Json other)
+{
+    for (const std::string_view member : members) {
+        here.erase(member);
+        other.erase(member);
+    }
+    return here == other || here.size() + other.size() == 0; // no library at all holds nothing beside
 }
 
 /// Calls f(here or null, other or null) for each name of either side; a false from it ends the walk.
@@ -79,7 +90,8 @@ Json ShowContents::toJson() const
 
 ShowDifference::ShowDifference(const Json& library, const Json& otherLibrary, const Json& settings,
                                const Json& otherSettings, bool onlyWhether)
-    : m_onlyWhether(onlyWhether)
+    : m_isOtherBeside(!isSameBeside({"collections", "playlists"}, library, otherLibrary))
+    , m_onlyWhether(onlyWhether)
 {
     compareSettings(settings, otherSettings);
     compareGroups(library.get("collections"), otherLibrary.get("collections"), "slots", m_collections,
@@ -97,7 +109,7 @@ void ShowDifference::compareGroups(const Json& here, const Json& other, const ch
             ++(mine ? groups.removed : groups.added);
         else if (mine->sameNode(*theirs))
             return true;
-        else if (!(mine->get("name") == theirs->get("name")))
+        else if (!isSameBeside({records}, *mine, *theirs))
             ++groups.changed;
         compareRecords(mine ? mine->get(records) : Json(), theirs ? theirs->get(records) : Json(), inside);
         return !isDone();
@@ -130,10 +142,9 @@ void ShowDifference::compareSettings(const Json& here, const Json& other)
 
 bool ShowDifference::isAny() const
 {
-    return m_settings > 0 || std::ranges::any_of(std::array{m_collections, m_slots, m_playlists, m_entries},
-                                                 [](const Count& count) {
-                                                     return count.added + count.removed + count.changed > 0;
-                                                 });
+    const auto isAnyOf = [](const Count& count) { return count.added + count.removed + count.changed > 0; };
+    return m_isOtherBeside || m_settings > 0 ||
+           std::ranges::any_of(std::array{m_collections, m_slots, m_playlists, m_entries}, isAnyOf);
 }
 
 Json ShowDifference::toJson() const

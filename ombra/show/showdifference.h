@@ -46,6 +46,7 @@ private:
 
     Count m_collections, m_slots, m_playlists, m_entries;
     std::size_t m_settings = 0;
+    bool m_isOtherBeside; // in what the library holds beside collections and playlists
     bool m_onlyWhether;
 };
 

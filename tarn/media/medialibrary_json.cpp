@@ -23,6 +23,14 @@ const Json& libraryPrototype()
     return prototype;
 }
 
+/// Another answer than a library is not to pass for an empty one with members of a later version.
+bool checkLibrary(Json& document, std::string* error)
+{
+    if (document.size() > 0 && !document.find("collections") && !document.find("playlists"))
+        return fail(error, "there are neither \"collections\" nor \"playlists\"");
+    return check(document, libraryRules, libraryPrototype(), error);
+}
+
 /// Reads an object of numbered records; those whose node is the present one's are taken over unread.
 template <typename Record>
 bool readRecords(const Json& members, const char* what, const RecordMap<int, Record>& present,
@@ -71,6 +79,8 @@ public:
     {
         library.m_collections = std::move(m_collections);
         library.m_playlists = std::move(m_playlists);
+        if (m_all)
+            library.m_json = std::move(m_document); // with what stands beside the two
     }
 
 private:
@@ -138,7 +148,7 @@ void MediaLibrary::Update::markInPlaylist(PathView path)
 bool MediaLibrary::Update::read(std::string* error)
 {
     if (m_all) {
-        if (!check(m_document, libraryRules, libraryPrototype(), error))
+        if (!checkLibrary(m_document, error))
             return false;
         return readRecords(m_document.get("collections"), "collection", m_collections, m_collections,
                            error) &&
@@ -263,7 +273,7 @@ bool MediaLibrary::parseJson(const Json& json, std::string* error)
     MediaCollectionMap collections;
     PlaylistMap playlists;
     Json whole = json;
-    if (!check(whole, libraryRules, libraryPrototype(), error) ||
+    if (!checkLibrary(whole, error) ||
         !readRecords(whole.get("collections"), "collection", m_collections, collections, error) ||
         !readRecords(whole.get("playlists"), "playlist", m_playlists, playlists, error))
         return false;

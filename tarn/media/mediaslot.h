@@ -21,8 +21,8 @@ public:
     MediaSlot();
     MediaSlot(const std::string& name, const std::string& url);
 
-    /// Members that are missing take their defaults; false, with the slot as it was, on an unknown member or
-    /// a value of the wrong type or range, and then error says which.
+    /// Members that are missing take their defaults, unknown ones are kept; false, with the slot as it was,
+    /// on a value of the wrong type or range, and then error says which.
     bool parseJson(const Json& json, std::string* error = nullptr);
     const Json& toJson() const noexcept { return m_json; }
 

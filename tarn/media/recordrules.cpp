@@ -23,6 +23,42 @@ std::string quoted(const Json& value)
     return text;
 }
 
+bool isContainer(const Json& value)
+{
+    return value.isObject() || value.isArray();
+}
+
+bool isWithinLevels(const Json& value, int levels)
+{
+    if (!isContainer(value))
+        return true;
+    if (levels == 0)
+        return false;
+    bool good = true;
+    const auto below = [&good, levels](const Json& item) {
+        good = isWithinLevels(item, levels - 1);
+        return good;
+    };
+    if (value.isObject())
+        value.forEachMember([&below](std::string_view, const Json& item) { return below(item); });
+    else
+        value.forEachItem(below);
+    return good;
+}
+
+/// The members that no rule is about; most hold no container, and cost no search.
+bool checkOthers(const Json& record, std::span<const Rule> rules, std::string* error)
+{
+    bool good = true;
+    record.forEachMember([&](std::string_view key, const Json& value) {
+        if (!isContainer(value) || std::ranges::find(rules, key, &Rule::key) != rules.end())
+            return true;
+        good = isWithinLevels(value, maxLevels);
+        return good || fail(error, quoted(Json(key)) + " has too many levels");
+    });
+    return good;
+}
+
 } // namespace
 
 bool isText(const Json& value)
@@ -59,16 +95,8 @@ bool check(Json& record, std::span<const Rule> rules, const Json& prototype, std
             return fail(error,
                         "\"" + std::string(rule.key) + "\" does not allow the value " + quoted(*value));
     }
-    if (known != record.size()) {
-        std::string unknown;
-        record.forEachMember([&](std::string_view key, const Json&) {
-            const bool found = std::ranges::any_of(rules, [&](const Rule& rule) { return rule.key == key; });
-            if (!found)
-                unknown = key;
-            return found;
-        });
-        return fail(error, "unknown member \"" + unknown + "\"");
-    }
+    if (known != record.size() && !checkOthers(record, rules, error))
+        return false;
     if (known != rules.size()) {
         for (const Rule& rule : rules) {
             if (!record.find(rule.key))

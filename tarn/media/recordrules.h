@@ -17,6 +17,10 @@ inline constexpr double maxSeconds = 1e7;
 /// escaped.
 inline constexpr std::size_t maxText = 16 * 1024;
 
+/// How many levels of objects and arrays a member without a rule may hold: more than any record has use for,
+/// and few enough that what a library is written into, be it a journal or a show, can be read again.
+inline constexpr int maxLevels = 64;
+
 /// What one member of a record must be.
 struct Rule
 {
@@ -37,8 +41,8 @@ bool isEnum(const Json& value)
 }
 
 /// Checks every member of a record against its rule and fills in what is missing from the prototype, so that
-/// a whole record keeps its node. False, with the record as it was, on an unknown member or a value against
-/// its rule.
+/// a whole record keeps its node. A member without a rule is of a later version: it stays in the record.
+/// False, with the record as it was, on a value against its rule or with too many levels.
 bool check(Json& record, std::span<const Rule> rules, const Json& prototype, std::string* error);
 
 /// A canonical decimal index from min to max; false on anything else, also on a leading zero.

@@ -1,9 +1,10 @@
 #include "common/media/library/librarychanges.h"
 
 #include "tarn/json/patch.h"
+#include "tarn/media/mediacollection.h"
+#include "tarn/media/playlist.h"
 
 #include <limits>
-#include <string>
 
 namespace vantrel {
 
@@ -16,34 +17,48 @@ struct Target
     int collection = -1;
     int slot = -1;
     EntryAddress entry;
-    std::string last;
+    bool isSlotItself = false;
 };
 
-bool parseNumber(const PathElement& element, int& out)
+constexpr std::size_t recordDepth = 4; // "/playlists/1/entries/2", "/collections/1/slots/2"
+
+int numberOf(const PathElement& element)
 {
     long long number = 0;
-    if (!element.parseIndex(&number) || number > std::numeric_limits<int>::max())
-        return false;
-    out = static_cast<int>(number);
-    return true;
+    const bool isNumber = element.parseIndex(&number) && number <= std::numeric_limits<int>::max();
+    return isNumber ? static_cast<int>(number) : -1;
+}
+
+/// Whether a path leads below a record into a member that it does not have here: one of a newer server, which
+/// is kept and not shown.
+bool isUnknownMember(const Path& path)
+{
+    static const Json collection = MediaCollection().toJson();
+    static const Json playlist = Playlist().toJson();
+    static const Json slot = MediaSlot().toJson();
+    static const Json entry = PlaylistEntry().toJson();
+    const bool isList = path[0].text() == "playlists";
+    const auto lacks = [&path](std::size_t depth, const Json& record) {
+        return path.size() > depth && !record.find(path[depth].text());
+    };
+    return lacks(2, isList ? playlist : collection) || lacks(recordDepth, isList ? entry : slot);
 }
 
 Target targetOf(const Path& path)
 {
     Target target;
-    for (const PathElement& element : path) {
-        if (target.last == "playlists")
-            parseNumber(element, target.playlist);
-        else if (target.last == "collections")
-            parseNumber(element, target.collection);
-        else if (target.last == "slots")
-            parseNumber(element, target.slot);
-        else if (target.last == "entries") {
-            EntryAddress entry;
-            if (entry.parseString(element.text()))
-                target.entry = entry;
-        }
-        target.last = element.text();
+    if (path.size() < 2 || isUnknownMember(path))
+        return target;
+    const bool isBelow = path.size() >= recordDepth;
+    if (path[0].text() == "playlists") {
+        target.playlist = numberOf(path[1]);
+        if (isBelow && path[2].text() == "entries")
+            target.entry.parseString(path[3].text());
+    } else if (path[0].text() == "collections") {
+        target.collection = numberOf(path[1]);
+        if (isBelow && path[2].text() == "slots")
+            target.slot = numberOf(path[3]);
+        target.isSlotItself = path.size() == recordDepth;
     }
     return target;
 }
@@ -89,7 +104,7 @@ void addCollectionChange(LibraryChanges& changes, PatchOpType op, const Target& 
     case PatchOpType::Remove:
         if (!hasSlot)
             changes.collectionsRemoved.insert(target.collection);
-        else if (target.last == std::to_string(target.slot))
+        else if (target.isSlotItself)
             changes.mediaRemoved.insert(slot);
         break;
     case PatchOpType::Replace:

@@ -31,7 +31,7 @@ struct LibraryChanges
 
     /// Judges each operation by its kind and its path alone. Three rules are as listeners expect them: an add
     /// below a slot or an entry counts as its addition, a removal below a slot as nothing, a removal below an
-    /// entry as that of the entry.
+    /// entry as that of the entry. Members that the records do not have here are passed over.
     static LibraryChanges fromPatch(const Patch& patch);
 
     /// Whether so much came and went that whoever shows it is quicker to begin anew.

@@ -89,12 +89,10 @@ bool PlaylistEditor::copyList(uint playlist, int number)
     const Playlist* list = library->findPlaylist(static_cast<int>(playlist));
     if (!list)
         return false;
-    ImportPlaylistCommand::Entries entries;
-    for (const auto& [address, entry] : list->getEntries())
-        entries.append({address, entry});
-    const QString name = tr("Copy of %1").arg(QString::fromStdString(list->getName()));
+    Playlist copy(*list);
+    copy.setName(tr("Copy of %1").arg(QString::fromStdString(list->getName())).toStdString());
     return execute<ImportPlaylistCommand>(m_session->getQUndoStack(), "ImportPlaylistCommand", library,
-                                          number, name, entries);
+                                          number, copy);
 }
 
 } // namespace vantrel

@@ -174,6 +174,28 @@ private Q_SLOTS:
         QVERIFY(library->toJson() == edited);
     }
 
+    /// What only a newer server knows of a list stays with it, and goes with a copy of it.
+    void keepsUnknownMembers()
+    {
+        const auto library = libraryOf(QStringLiteral("1=a"));
+        Patch newer;
+        newer.append({PatchOpType::Add, Path("/playlists/1/locked"), {}, Json(true)});
+        newer.append({PatchOpType::Add, Path("/playlists/1/entries/1/note"), {}, Json("n")});
+        QCOMPARE(library->applyDiff(newer), 0);
+        const Json before = library->toJson();
+        Online<ImportPlaylistCommand> copy;
+        QVERIFY(copy.init(library.get(), 2, *std::as_const(*library).findPlaylist(1)));
+        QCOMPARE(library->applyDiff(copy.redoPatch()), 0);
+        QVERIFY(library->toJson().get("playlists").get("2") == before.get("playlists").get("1"));
+        Online<ImportPlaylistCommand> import;
+        QVERIFY(import.init(library.get(), 1, QString(), ImportPlaylistCommand::Entries{{at("4"), {}}}));
+        QCOMPARE(library->applyDiff(import.redoPatch()), 0);
+        QCOMPARE(textOf(*library, 1), QStringLiteral("4="));
+        QVERIFY(library->toJson().get("playlists").get("1").get("locked").asBool());
+        QCOMPARE(library->applyDiff(import.undoPatch()) + library->applyDiff(copy.undoPatch()), 0);
+        QVERIFY(library->toJson() == before);
+    }
+
     void lists()
     {
         const auto library = libraryOf(QStringLiteral("1=a"));

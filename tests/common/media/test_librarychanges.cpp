@@ -81,8 +81,16 @@ void TestLibraryChanges::classification_data()
     // What is below a slot or an entry
     row("-/collections/3/slots/4/outpoint", "");
     row("+/collections/3/slots/4/outpoint", "m+ 3/4");
-    row("-/playlists/2/entries/5/note", "e- 2/5");
-    row("+/playlists/2/entries/5/note", "e+ 2/5");
+    row("-/playlists/2/entries/5/endAction", "e- 2/5");
+    row("+/playlists/2/entries/5/endAction", "e+ 2/5");
+    // Members that only a newer server knows
+    row("-/collections/3/colour", "");
+    row("-/collections/3/slots/4/tags/slots/4", "");
+    row("-/collections/3/slots/4/imageSequence/slots/4", "");
+    row("-/playlists/2/locked", "");
+    row("-/playlists/2/entries/5/note", "");
+    row("+/collections/3/slots/4/imageSequence/playlists/2", "m+ 3/4");
+    row("-/venue/playlists/2", "");
     // Once each, in order
     row("~/collections/3/slots/4/inpoint ~/collections/3/slots/4/name ~/collections/1/name",
         "c~ 1 c~ 3 m~ 3/4");

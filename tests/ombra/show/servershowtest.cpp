@@ -310,6 +310,13 @@ private Q_SLOTS:
         QVERIFY(is("gala", "false"));
         write(program + "/properties/media", "\"\""); // no work on the show
         QVERIFY(settled() && is("gala", "false"));
+        for (const QByteArray place : {"/venue", "/collections/1/colour"}) { // of a later version
+            const QByteArray rest = ",\"value\":1,\"path\":\"" + place + "\"}]";
+            QCOMPARE(m_live->request("PATCH", "/medialibrary", "[{\"op\":\"add\"" + rest).status, 200);
+            QVERIFY(is("gala", "true"));
+            QCOMPARE(m_live->request("PATCH", "/medialibrary", "[{\"op\":\"remove\"" + rest).status, 200);
+            QVERIFY(is("gala", "false"));
+        }
         m_peer.reset();
         m_live->stop();
         QVERIFY(m_live->start());

@@ -29,6 +29,14 @@ Patch rename(const std::string& name)
     return patch;
 }
 
+Json nested(int levels)
+{
+    Json value = 1;
+    for (; levels > 0; --levels)
+        value = Json::array({value});
+    return value;
+}
+
 QByteArray contentOf(const QString& path)
 {
     QFile file(path);
@@ -103,9 +111,13 @@ private Q_SLOTS:
         QCOMPARE(told, 1);
         m_store->changeSetting("/a/properties/b", Json(0.5));
         QCOMPARE(edit(rename("third")).status, EditResult::Status::Saved);
+        Patch newer; // a later version's
+        newer.append({PatchOpType::Add, Path("/venue"), {}, Json::object({{"hall", nested(63)}})});
+        QCOMPARE(edit(newer).status, EditResult::Status::Saved);
         const std::uint64_t revision = m_store->libraryRevision();
         QVERIFY(reopenCopy());
         QCOMPARE(name(), std::string("third"));
+        QVERIFY(m_store->library().toJson().get("venue").get("hall") == nested(63));
         QVERIFY(m_store->libraryRevision() > revision); // nothing of before passes for up to date
         QCOMPARE(m_store->settings().get("/a/properties/b").asDouble(), 0.5);
     }
@@ -117,6 +129,9 @@ private Q_SLOTS:
         QCOMPARE(edit(patch).status, EditResult::Status::DoesNotFit);
         patch = rename("second");
         patch.append({PatchOpType::Replace, Path("/collections/1/name"), {}, Json(1)});
+        QCOMPARE(edit(patch).status, EditResult::Status::BreaksRules);
+        patch = rename("second");
+        patch.append({PatchOpType::Add, Path("/venue"), {}, nested(65)});
         QCOMPARE(edit(patch).status, EditResult::Status::BreaksRules);
         QCOMPARE(name(), std::string("first"));
         QVERIFY(reopenCopy());

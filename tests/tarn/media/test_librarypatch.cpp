@@ -104,6 +104,11 @@ private:
             {playlist + "/name", R"("list")"},
             {entry, R"({"slotUrl":"v"})"},
             {entry + "/transitionDuration", seconds},
+            {collection + "/colour", seconds},
+            {collection + "/slots/" + number() + "/tags", R"(["a"])"},
+            {playlist + "/locked", "true"},
+            {entry + "/note", seconds},
+            {"/venue", R"({"hall":1})"},
             {m_random() % 3 ? "/playlists" : "", R"({"collections":{"2":{}},"playlists":{}})"},
         };
         return places[m_random() % std::size(places)];

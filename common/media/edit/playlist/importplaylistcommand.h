@@ -10,6 +10,8 @@
 
 namespace vantrel {
 
+class Playlist;
+
 /// Makes a playlist of entries that come with their addresses. A list that has the number keeps its name and
 /// loses what it holds.
 class ImportPlaylistCommand : public LibraryEditCommand
@@ -22,6 +24,11 @@ public:
     using Entries = QList<std::pair<EntryAddress, PlaylistEntry>>;
 
     bool init(const MediaLibrary* library, int playlist, const QString& name, const Entries& entries);
+    /// As a copy of a whole list.
+    bool init(const MediaLibrary* library, int playlist, const Playlist& list);
+
+private:
+    static QString textFor(int playlist);
 };
 
 } // namespace vantrel

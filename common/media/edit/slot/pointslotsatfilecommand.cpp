@@ -4,6 +4,7 @@
 #include "common/media/address/mediafiles.h"
 #include "common/media/address/showntext.h"
 #include "common/media/items/guimediaslot.h"
+#include "common/media/items/othermembers.h"
 #include "tarn/media/mediaenums.h"
 #include "tarn/media/medialibrary.h"
 
@@ -32,7 +33,7 @@ MediaSlot pointed(const MediaSlot& slot, const GuiMediaSlot& file)
         result.setInpoint(slot.getInpoint());
     if (const auto outpoint = slot.getOutpoint(); outpoint && isWithin(*outpoint))
         result.setOutpoint(outpoint);
-    return result;
+    return withOtherMembers(result, otherMembersOf(slot));
 }
 
 } // namespace
