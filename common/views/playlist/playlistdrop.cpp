@@ -91,7 +91,7 @@ bool PlaylistDrop::add(const QMimeData* data, const QJsonObject& object)
         return slot->address().isValid();
     }
     if (const auto* entry = dynamic_cast<const GuiPlaylistEntry*>(item.get()))
-        return PlaylistPayload::isSound(object) && addEntry(*entry);
+        return PlaylistPayload::isSound(object) && addEntry(*entry, object);
     const auto* playlist = dynamic_cast<const GuiPlaylist*>(item.get());
     if (!playlist || m_kind == Kind::Playlist) // of which a channel plays one
         return false;
@@ -100,7 +100,7 @@ bool PlaylistDrop::add(const QMimeData* data, const QJsonObject& object)
     return PlaylistPayload::isWhole(object.value(QStringLiteral("number")), 1, EntryAddress::maxMajor);
 }
 
-bool PlaylistDrop::addEntry(const GuiPlaylistEntry& entry)
+bool PlaylistDrop::addEntry(const GuiPlaylistEntry& entry, const QJsonObject& object)
 {
     // All of them are of one list, each once.
     if (!m_entries.isEmpty() && entry.playlistNumber() != m_playlist)
@@ -112,6 +112,7 @@ bool PlaylistDrop::addEntry(const GuiPlaylistEntry& entry)
     m_playlist = entry.playlistNumber();
     m_entries.append(entry);
     m_entries.last().setSlotUrl(MediaUtils::toSlotAddress(slot)); // as the library writes it
+    m_records.append(PlaylistPayload::recordOf(m_entries.last(), object));
     return true;
 }
 

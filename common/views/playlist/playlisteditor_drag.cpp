@@ -262,14 +262,12 @@ void PlaylistEditor::dropEntries(const PlaylistDrop& drop, const DropTarget& tar
             m_model->doDropInsert(rows, place);
         return;
     }
-    QList<PlaylistEntry> entries;
-    for (const GuiPlaylistEntry& entry : drop.entries())
-        entries.append(entry.toSdkEntry());
     if (!ensurePlaylist())
         return;
     using Mode = PlaylistEditorModel::AddMode;
-    m_added->watch(
-        [&] { m_model->doDropEntries(entries, place, target.isReplace() ? Mode::Replace : Mode::After); });
+    m_added->watch([&] {
+        m_model->doDropEntries(drop.records(), place, target.isReplace() ? Mode::Replace : Mode::After);
+    });
 }
 
 /// What was dragged, wherever it is by now: the selection may have changed under a drag. Nothing where some

@@ -18,8 +18,11 @@ using media::MediaUtils;
 QMimeData* PlaylistEditorModel::copyEntries(const QList<QModelIndex>& indexes) const
 {
     QList<QJsonObject> objects;
-    for (const EntryAddress& address : sortedAddresses(indexes))
-        objects.append(getEntry(indexOf(address))->toJson());
+    for (const EntryAddress& address : sortedAddresses(indexes)) {
+        const PlaylistEntry* record = library() ? library()->findPlaylistEntry(number(), address) : nullptr;
+        const auto entry = getEntry(indexOf(address));
+        objects.append(record ? PlaylistPayload::jsonOf(*entry, *record) : entry->toJson());
+    }
     return objects.isEmpty()
                ? nullptr
                : createMimeData(objects, MimeItemCategory::Playlist, MediaItemType::PlaylistEntry);

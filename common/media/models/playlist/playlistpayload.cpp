@@ -5,6 +5,7 @@
 #include "common/media/items/guimediaslot.h"
 #include "common/media/items/guiplaylistentry.h"
 #include "common/media/items/mimedata.h"
+#include "common/media/items/othermembers.h"
 #include "tarn/media/entryaddress.h"
 #include "tarn/media/playenums.h"
 
@@ -20,6 +21,8 @@ using media::MediaUtils;
 
 namespace {
 
+constexpr QLatin1String othersKey("others"); // the text of an object
+
 /// What an item of a payload is in a list; nothing where it names no slot.
 std::optional<PlaylistEntry> entryOf(const GuiMediaItem& item, const QJsonObject& object)
 {
@@ -29,7 +32,7 @@ std::optional<PlaylistEntry> entryOf(const GuiMediaItem& item, const QJsonObject
             return std::nullopt;
         GuiPlaylistEntry sound = *entry;
         sound.setSlotUrl(MediaUtils::toSlotAddress(slot)); // as the library writes it
-        return sound.toSdkEntry();
+        return PlaylistPayload::recordOf(sound, object);
     }
     const auto* slot = dynamic_cast<const GuiMediaSlot*>(&item);
     if (slot && slot->address().isValid())
@@ -38,6 +41,21 @@ std::optional<PlaylistEntry> entryOf(const GuiMediaItem& item, const QJsonObject
 }
 
 } // namespace
+
+QJsonObject PlaylistPayload::jsonOf(const GuiPlaylistEntry& entry, const PlaylistEntry& record)
+{
+    QJsonObject json = entry.toJson();
+    if (const Json others = otherMembersOf(record); others.isObject())
+        json.insert(othersKey, QString::fromStdString(others.toString()));
+    return json;
+}
+
+PlaylistEntry PlaylistPayload::recordOf(const GuiPlaylistEntry& entry, const QJsonObject& json)
+{
+    Json others;
+    Json::parseString(json.value(othersKey).toString().toStdString(), others);
+    return withOtherMembers(entry.toSdkEntry(), others);
+}
 
 bool PlaylistPayload::isWhole(const QJsonValue& value, int least, int most)
 {
