@@ -2,6 +2,7 @@
 
 #include "common/media/address/mediafiles.h"
 #include "common/media/address/medialogging.h"
+#include "common/media/items/othermembers.h"
 #include "tarn/media/enumtext.h"
 #include "tarn/media/mediaenums.h"
 #include "tarn/media/mediametadata.h"
@@ -78,6 +79,7 @@ GuiMediaSlot::GuiMediaSlot(MediaAddress address, const MediaSlot& slot)
     , m_frameRate(slot.getFrameRate())
     , m_firstFrame(slot.getFirstFrameNum())
     , m_lastFrame(slot.getLastFrameNum())
+    , m_others(otherMembersOf(slot))
 {
     if (const MediaType type = slot.getMetadata().getMediaType(); type != MediaType::Unknown)
         m_mediaType = type;
@@ -113,7 +115,7 @@ MediaSlot GuiMediaSlot::toSdkMediaSlot() const
         slot.setFirstFrameNum(*m_firstFrame);
     if (m_lastFrame)
         slot.setLastFrameNum(*m_lastFrame);
-    return slot;
+    return withOtherMembers(slot, m_others);
 }
 
 QJsonObject GuiMediaSlot::toJson() const

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "common/media/items/guimediaitem.h"
+#include "tarn/json/json.h"
 #include "tarn/media/mediaaddress.h"
 
 #include <QList>
@@ -82,6 +83,7 @@ private:
     std::optional<int> m_firstFrame;
     std::optional<int> m_lastFrame;
     std::optional<MediaType> m_mediaType;
+    Json m_others; // of its record; not in its JSON
 };
 
 } // namespace vantrel

@@ -112,6 +112,9 @@ void TestLibraryCommands::edits_data()
         [=](const auto& l) { return !at(l, 1, 2)->getOutpoint(); });
     row("Add media to slot 3 in collection 2", make<AddMediaToCollectionCommand>(2, 3, medias(3)),
         [=](const auto& l) { return at(l, 2, 3)->getName() == "new0" && at(l, 2, 5)->getName() == "new2"; });
+    const GuiMediaSlot copied(MediaAddress(1, 2), *at(*sample(), 1, 2));
+    row("Add media to slot 9 in collection 2", make<AddMediaToCollectionCommand>(2, 9, QList{copied}),
+        [=](const auto& l) { return *at(l, 2, 9) == copied.toSdkMediaSlot() && rating(at(l, 2, 9)) == 5; });
     row("Cleared slot 2 from collection 1", make<ClearSlotFromCollectionCommand>(1, 2),
         [=](const auto& l) { return at(l, 1, 2) && at(l, 1, 2)->getUrl().empty(); });
     row("Cleared slot 1, 3 from collection 1", make<ClearSlotFromCollectionCommand>(1, QList<int>{1, 3}),
