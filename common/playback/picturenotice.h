@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tarn/media/channelenums.h"
+#include "tarn/media/playenums.h"
 
 #include <QString>
 #include <QTimer>
@@ -12,8 +13,8 @@ class LevelMeter;
 class PlaybackPreview;
 
 /// What a channel's picture cannot say by itself: that it is old, that its medium cannot be played and why,
-/// that it is sound alone, or what a drop would do. Lies over the picture and lets mouse and drops through.
-/// Owned by PlaybackWidget; main thread.
+/// that it is sound alone, or what a drop would do. Lies over the picture, hides no more than a band of what
+/// plays on, and lets mouse and drops through. Owned by PlaybackWidget; main thread.
 class PictureNotice : public QWidget
 {
     Q_OBJECT
@@ -25,6 +26,8 @@ public:
     void setHasMedia(bool hasMedia);
     /// Why the medium cannot be played; empty when it can.
     void setUnplayable(const QString& reason);
+    /// What the server does with the medium: what was opened before it became unplayable plays on.
+    void setState(SourcePlayState state);
     /// In the place of black: a note, and how loud it is.
     void setSoundOnly(bool soundOnly);
     LevelMeter* levels() const { return m_levels; }
@@ -38,12 +41,14 @@ protected:
 
 private:
     QString ageText() const;
+    bool isCovered() const;
     void showAge();
     void refresh();
     void place();
     void paintDrop(QPainter& painter) const;
     void paintUnplayable(QPainter& painter, const QRectF& picture) const;
-    void paintAge(QPainter& painter, const QRectF& picture) const;
+    void paintBand(QPainter& painter, const QRect& picture) const;
+    void paintAge(QPainter& painter, const QRect& picture) const;
     void paintNote(QPainter& painter, const QRectF& picture) const;
 
     PlaybackViewMode m_viewMode;
@@ -52,6 +57,8 @@ private:
     QTimer m_clock;
     QString m_unplayable;
     QString m_age;
+    QString m_told;
+    SourcePlayState m_state = SourcePlayState::Stop;
     bool m_hasMedia = false;
     bool m_soundOnly = false;
 };

@@ -67,6 +67,8 @@ void PlaybackWidget::connectSources()
         connect(m_playback, &GUIPlayback::heldMediaChanged, this, &PlaybackWidget::updateMediaAddress);
         connect(m_playback, &GUIPlayback::mediaPositionChanged, this, &PlaybackWidget::showPosition);
         connect(m_playback, &GUIPlayback::reset, this, &PlaybackWidget::showPositionAnew);
+        connect(m_playback, &GUIPlayback::stateChanged, this, &PlaybackWidget::updateNotice);
+        connect(m_playback, &GUIPlayback::fpsChanged, this, &PlaybackWidget::updateNotice);
     }
 }
 
@@ -221,6 +223,9 @@ void PlaybackWidget::updateNotice()
     const auto metadata = getMediaMetadata();
     const bool isUnplayable = metadata && !metadata->getIsPlayable();
     const QString reason = isUnplayable ? MediaDataAggregator::whyNotPlayable(*metadata) : QString();
+    // What was never opened has no rate, and nothing to show in any state.
+    const bool isOpen = m_playback && m_playback->fps() > 0.0;
+    m_notice->setState(isOpen ? m_playback->state() : SourcePlayState::Stop);
     m_notice->setUnplayable(reason);
     m_notice->setSoundOnly(metadata && !isUnplayable && metadata->getMediaType() == MediaType::AudioFile);
     if (std::exchange(m_unplayable, reason) != reason)

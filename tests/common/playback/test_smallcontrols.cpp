@@ -12,6 +12,7 @@
 #include "common/ui/timecode/timecodedisplay.h"
 #include "common/ui/toolkit/elidedlabel.h"
 #include "common/ui/toolkit/ztlabel.h"
+#include "tarn/media/playenums.h"
 #include "tests/support/testmain.h"
 
 #include <QAbstractButton>
@@ -170,6 +171,58 @@ private Q_SLOTS:
         preview.expectNewMedia();
         QVERIFY(!preview.pixmap().isNull()); // the next one may be of the new medium
         QTRY_VERIFY(preview.pixmap().isNull());
+    }
+
+    void unplayableMediaAreCovered_data()
+    {
+        using enum SourcePlayState;
+        QTest::addColumn<PlaybackViewMode>("channel");
+        QTest::addColumn<SourcePlayState>("state");
+        QTest::addColumn<bool>("hasPicture");
+        QTest::addColumn<QString>("words");
+        QTest::addColumn<bool>("isCovered");
+        const QString gone = QStringLiteral("This medium cannot be played.\nIt is gone.");
+        QTest::newRow("plays") << Program << Play << true << QStringLiteral("Plays on. It is gone.") << false;
+        QTest::newRow("on air") << Program << Pause << true << QStringLiteral("Held on air. It is gone.")
+                                << false;
+        QTest::newRow("cued") << Preview << Pause << true << QStringLiteral("Held on preview. It is gone.")
+                              << false;
+        QTest::newRow("stopped") << Program << Stop << true << gone << true;
+        QTest::newRow("no picture") << Program << Play << false << gone << true;
+    }
+    /// But never what is seen on air all the same; a band tells of that, and of an old one how old it is.
+    void unplayableMediaAreCovered()
+    {
+        QFETCH(PlaybackViewMode, channel);
+        QFETCH(SourcePlayState, state);
+        QFETCH(bool, hasPicture);
+        QFETCH(QString, words);
+        QFETCH(bool, isCovered);
+        PlaybackPreview preview;
+        PictureNotice notice(channel, &preview);
+        preview.setSource("a", 0);
+        preview.resize(320, 180);
+        preview.show();
+        QPixmap picture(160, 90);
+        picture.fill(Qt::red);
+        notice.setHasMedia(true);
+        notice.setUnplayable(QStringLiteral("It is gone."));
+        if (hasPicture)
+            preview.onFrame({"a", {}}, picture);
+        notice.setState(state);
+        QCOMPARE(notice.text(), words);
+        QCOMPARE(preview.accessibleDescription(), words.simplified());
+        const QImage image = preview.grab().toImage();
+        const QColor band = colors::getColor(colors::Zt_spot_color);
+        QCOMPARE(image.pixelColor(2, 2) == band, !isCovered);
+        QCOMPARE(image.pixelColor(160, 170) == QColor(Qt::red), !isCovered);
+        if (isCovered)
+            return;
+        notice.setUnplayable(QStringLiteral("It is gone, and so is much else. ").repeated(20));
+        preview.onFrame({"a", {}}, picture);
+        QCOMPARE(preview.grab().toImage().pixelColor(160, 90), QColor(Qt::red));
+        QTRY_VERIFY(notice.text().startsWith(QStringLiteral("Picture is 1 s old. It is gone")));
+        QVERIFY(preview.grab().toImage().pixelColor(2, 170).red() < 200);
     }
 
     void aDropSaysWhatItWillDo_data()

@@ -1,6 +1,7 @@
 #include "common/playback/levelmeter.h"
 #include "common/playback/picturenotice.h"
 #include "common/playback/playbackcontrols.h"
+#include "common/playback/playbackpreview.h"
 #include "common/playback/playbackwidget.h"
 #include "common/playback/takebutton.h"
 #include "common/ui/toolkit/ztlabel.h"
@@ -97,6 +98,31 @@ private Q_SLOTS:
         cue("preview", 1);
         QTRY_VERIFY(take->isEnabled());
         QVERIFY(notice("Preview")->text().isEmpty());
+    }
+
+    /// What was opened before plays on, and is seen; what never was shows nothing in any state.
+    void whatPlaysOnIsSeen()
+    {
+        metadata = R"({"type":"videoFile","isPlayable":false,"error":"The folder is gone."})";
+        auto* picture = m_fixture->part<PlaybackPreview>("Preview-PlaybackWidget-PreviewWidget");
+        const auto says = [this, picture](const char* words) {
+            return QTest::qWaitFor([this, picture, words] {
+                picture->onFrame({"/device/channels/0/preview", {}}, QPixmap(160, 90));
+                return notice("Preview")->text() == QLatin1String(words);
+            });
+        };
+        m_fixture->set("preview", "state", quoted("play"));
+        cue("preview", 3);
+        QVERIFY2(says("This medium cannot be played.\nThe folder is gone."),
+                 qPrintable(notice("Preview")->text()));
+        m_fixture->set("preview", "fps", "25.0");
+        QVERIFY2(says("Plays on. The folder is gone."), qPrintable(notice("Preview")->text()));
+        QVERIFY(!m_fixture->part<TakeButton>("TakeControls-Take-Button")->isEnabled());
+        m_fixture->set("preview", "state", quoted("pause"));
+        QVERIFY2(says("Held on preview. The folder is gone."), qPrintable(notice("Preview")->text()));
+        m_fixture->set("preview", "state", quoted("stop"));
+        QVERIFY2(says("This medium cannot be played.\nThe folder is gone."),
+                 qPrintable(notice("Preview")->text()));
     }
 
     void soundAloneShowsItsLevel()
