@@ -49,6 +49,9 @@ void GUIPlayback::cacheProperties()
         .media = find("media"),
         .heldMedia = find("heldMedia"),
         .nextMedia = find("nextMedia"),
+        .inpoint = find("inpoint"),
+        .outpoint = find("outpoint"),
+        .duration = find("duration"),
         .endAction = find("endAction"),
         .sourceMode = find("sourceMode"),
         .audioDevice = find("audioDevice"),
@@ -69,7 +72,8 @@ void GUIPlayback::postSetObjectHook()
 
 void GUIPlayback::notifyPropertyChangedHook(const std::string& name)
 {
-    if (name == "media")
+    const bool isOfMedia = name == "inpoint" || name == "outpoint" || name == "duration";
+    if (name == "media" || name == "heldMedia" || (isOfMedia && isHeld()))
         refreshMediaData();
 }
 
@@ -154,9 +158,19 @@ void GUIPlayback::updateSlot()
 
 GUIPlayback::PropertyChangeFlags GUIPlayback::updateMediaProperties()
 {
-    const double inpoint = m_playingSlot ? m_playingSlot->inpoint() : 0;
-    const std::optional<double> outpoint = m_playingSlot ? m_playingSlot->outpoint() : std::nullopt;
-    const double duration = m_playingSlot ? m_playingSlot->duration() : 0;
+    double inpoint = 0;
+    std::optional<double> outpoint;
+    double duration = 0;
+    if (m_playingSlot) {
+        inpoint = m_playingSlot->inpoint();
+        outpoint = m_playingSlot->outpoint();
+        duration = m_playingSlot->duration();
+    } else if (isHeld()) {
+        inpoint = getProperty<double>(m_info.inpoint);
+        duration = getProperty<double>(m_info.duration);
+        if (const double end = getProperty<double>(m_info.outpoint); end > 0)
+            outpoint = end;
+    }
     PropertyChangeFlags flags;
     flags.inpoint = std::exchange(m_inpoint, inpoint) != inpoint;
     flags.outpoint = std::exchange(m_outpoint, outpoint) != outpoint;

@@ -17,7 +17,8 @@ class GuiMediaSlot;
 class GuiPlaylistEntry;
 
 /// Mirror of one playback of a channel (preview or program), joined with what the library knows of the media
-/// that plays: in point, out point and duration are the playing slot's. All times are seconds.
+/// that plays: in point, out point and duration are the playing slot's, and the server's own of what plays on
+/// without one. All times are seconds.
 class GUIPlayback : public SceneObjectWrapper
 {
     Q_OBJECT
@@ -113,6 +114,9 @@ private:
         const PropertyInfo* media = nullptr;
         const PropertyInfo* heldMedia = nullptr;
         const PropertyInfo* nextMedia = nullptr;
+        const PropertyInfo* inpoint = nullptr;
+        const PropertyInfo* outpoint = nullptr;
+        const PropertyInfo* duration = nullptr;
         const PropertyInfo* endAction = nullptr;
         const PropertyInfo* sourceMode = nullptr;
         const PropertyInfo* audioDevice = nullptr;
@@ -123,6 +127,7 @@ private:
         const PropertyInfo* state = nullptr;
     };
     void cacheProperties();
+    bool isHeld() const { return !heldMedia().isEmpty(); }
     void refreshMediaData();
     void handleEntryModified(uint playlist, EntryAddress address);
     void handleSlotModified(MediaAddress address);

@@ -4,6 +4,7 @@
 #include "common/playback/playbackpreview.h"
 #include "common/playback/playbackwidget.h"
 #include "common/playback/takebutton.h"
+#include "common/ui/timecode/timecodedisplay.h"
 #include "common/ui/toolkit/ztlabel.h"
 #include "common/views/playlist/playlistview.h"
 #include "common/views/slotlistview.h"
@@ -78,11 +79,30 @@ private Q_SLOTS:
         QTRY_VERIFY(mark->isVisible());
     }
 
+    /// With the times of what plays on, which the library knows no more.
     void heldMediaAreNamed()
     {
+        cue("program", 1);
+        const auto* left = time("PlaybackTimecodes-Remaining");
+        QTRY_COMPARE(left->text(), QStringLiteral("00:00:20.000"));
+        for (const auto& [property, value] :
+             {std::pair("duration", "40.0"), std::pair("inpoint", "2.0"), std::pair("outpoint", "30.0"),
+              std::pair("mediaPosition", "5.0")})
+            m_fixture->set("program", property, value);
         m_fixture->set("program", "heldMedia", quoted("file:///clips/go%E2%80%AEne.mp4"));
         const auto* name = m_fixture->part<ZTLabel>("Program-PlaybackWidget-Header-MediaName");
+        m_fixture->set("program", "media", quoted(""));
         QTRY_COMPARE(name->text(), QStringLiteral("No longer in the library: gone.mp4"));
+        QTRY_COMPARE(left->text(), QStringLiteral("00:00:25.000"));
+        QTRY_COMPARE(time("Header-Duration")->text(), QStringLiteral("00:00:40.000"));
+        QTRY_COMPARE(time("EndpointTimecodes-Inpoint")->text(), QStringLiteral("00:00:02.000"));
+        QTRY_COMPARE(time("EndpointTimecodes-Outpoint")->text(), QStringLiteral("00:00:30.000"));
+        m_fixture->set("program", "outpoint", "15.0");
+        QTRY_COMPARE(left->text(), QStringLiteral("00:00:10.000"));
+        // Its slot is back, and the slot's points with it.
+        m_fixture->set("program", "heldMedia", quoted(""));
+        cue("program", 1);
+        QTRY_COMPARE(left->text(), QStringLiteral("00:00:15.000"));
     }
 
     void unplayableCuesGreyTheTake()
@@ -200,6 +220,11 @@ private Q_SLOTS:
     }
 
 private:
+    const TimecodeDisplay* time(const char* ofProgram) const
+    {
+        return m_fixture->part<TimecodeDisplay>(
+            qPrintable(QStringLiteral("Program-PlaybackWidget-") + QLatin1String(ofProgram)));
+    }
     void cue(const char* playback, int slot) const
     {
         const QByteArray url = "brume://collections/1/slots/" + QByteArray::number(slot);
