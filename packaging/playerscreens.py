@@ -126,13 +126,6 @@ def holding(options):
     """The same of a picture that program holds; and a number that is no slot's."""
     with Window(options) as window:
         window.run_show()
-        window.robot.mouse("click", window.robot.find("MediaPanel-search"))
-        window.keys("1", "2", "Enter")
-        wait(lambda: "Not done" in window.robot.find("NotificationPresenter-title")["text"], "the refusal")
-        time.sleep(1)
-        window.shoot(options.out / "cue-not-done.png")
-        window.click("NotificationPresenter-accept-button")
-        window.keys("Escape")
         window.click("Program-PlaybackWidget-Header-Lock")
         window.click("Program-PlaybackControls-Pause")
         window.choose("DisconnectFromServer")
@@ -141,6 +134,11 @@ def holding(options):
         window.shoot(options.out / "disconnect-holding.png")
         window.keys("Escape")
         window.click("Program-PlaybackControls-Play")
+        window.click("MediaPanel-search")
+        window.keys("1", "2", "Enter")
+        wait(lambda: "Not done" in window.robot.find("NotificationPresenter-title")["text"], "the refusal")
+        time.sleep(1)
+        window.shoot(options.out / "cue-not-done.png")
 
 
 def cut_off(options):
