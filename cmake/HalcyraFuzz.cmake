@@ -26,7 +26,7 @@ target_link_libraries(fuzz_eventstream PRIVATE Qt6::Core)
 halcyra_qt_definitions(fuzz_eventstream)
 
 # and what a playlist believes of a drag.
-set(items guimediacollection guimediaitemfactory guimediaslot guiplaylist guiplaylistentry mimedata slotmimedata)
+set(items entrypayload guimediacollection guimediaitemfactory guimediaslot guiplaylist guiplaylistentry mimedata slotmimedata)
 list(TRANSFORM items REPLACE "(.+)" "${CMAKE_SOURCE_DIR}/common/media/items/\\1.cpp")
 target_sources(fuzz_drop PRIVATE ${CMAKE_SOURCE_DIR}/common/views/playlist/playlistdrop.cpp ${items}
   ${CMAKE_SOURCE_DIR}/common/media/address/mediafiles.cpp ${CMAKE_SOURCE_DIR}/common/media/address/mediautils.cpp

@@ -1,11 +1,11 @@
 #include "common/views/playlist/playlistdrop.h"
 
 #include "common/media/address/mediautils.h"
+#include "common/media/items/entrypayload.h"
 #include "common/media/items/guimediaslot.h"
 #include "common/media/items/guiplaylist.h"
 #include "common/media/items/mimedata.h"
 #include "common/media/items/slotmimedata.h"
-#include "common/media/models/playlist/playlistpayload.h"
 
 #include <QCoreApplication>
 #include <QJsonArray>
@@ -46,7 +46,7 @@ PlaylistDrop PlaylistDrop::read(const QMimeData* data)
         drop.m_media = own->addresses();
         return drop;
     }
-    if (!isMediaPayload(data) || data->data(mimeformat::json).size() > PlaylistPayload::largest)
+    if (!isMediaPayload(data) || data->data(mimeformat::json).size() > EntryPayload::largest)
         return refused(unreadable());
     const QByteArray type = data->data(mimeformat::type);
     const QJsonDocument document = QJsonDocument::fromJson(data->data(mimeformat::json));
@@ -69,13 +69,13 @@ PlaylistDrop PlaylistDrop::readSlotNumbers(const QJsonObject& object)
 {
     const QJsonValue collection = object.value(QStringLiteral("collection"));
     const QJsonArray numbers = object.value(QStringLiteral("slots")).toArray();
-    if (!PlaylistPayload::isWhole(collection, 0, EntryAddress::maxMajor))
+    if (!EntryPayload::isWhole(collection, 0, EntryAddress::maxMajor))
         return refused(translated("The slots that were dropped do not say which collection they are of. Drag "
                                   "them from the media panel."));
     PlaylistDrop drop;
     drop.m_kind = Kind::Media;
     for (const QJsonValue& number : numbers) {
-        if (!PlaylistPayload::isWhole(number, 0, EntryAddress::maxMajor))
+        if (!EntryPayload::isWhole(number, 0, EntryAddress::maxMajor))
             return refused(unreadable());
         drop.m_media.append(MediaAddress(collection.toInt(), number.toInt()));
     }
@@ -91,13 +91,13 @@ bool PlaylistDrop::add(const QMimeData* data, const QJsonObject& object)
         return slot->address().isValid();
     }
     if (const auto* entry = dynamic_cast<const GuiPlaylistEntry*>(item.get()))
-        return PlaylistPayload::isSound(object) && addEntry(*entry, object);
+        return EntryPayload::isSound(object) && addEntry(*entry, object);
     const auto* playlist = dynamic_cast<const GuiPlaylist*>(item.get());
     if (!playlist || m_kind == Kind::Playlist) // of which a channel plays one
         return false;
     m_kind = Kind::Playlist;
     m_playlist = playlist->number();
-    return PlaylistPayload::isWhole(object.value(QStringLiteral("number")), 1, EntryAddress::maxMajor);
+    return EntryPayload::isWhole(object.value(QStringLiteral("number")), 1, EntryAddress::maxMajor);
 }
 
 bool PlaylistDrop::addEntry(const GuiPlaylistEntry& entry, const QJsonObject& object)
@@ -112,7 +112,7 @@ bool PlaylistDrop::addEntry(const GuiPlaylistEntry& entry, const QJsonObject& ob
     m_playlist = entry.playlistNumber();
     m_entries.append(entry);
     m_entries.last().setSlotUrl(MediaUtils::toSlotAddress(slot)); // as the library writes it
-    m_records.append(PlaylistPayload::recordOf(m_entries.last(), object));
+    m_records.append(EntryPayload::recordOf(m_entries.last(), object));
     return true;
 }
 

@@ -2,6 +2,7 @@
 #include "common/command/refusal.h"
 #include "common/media/address/mediautils.h"
 #include "common/media/edit/playlist/pasteplaylistentriescommand.h"
+#include "common/media/items/entrypayload.h"
 #include "common/media/items/guiplaylistentry.h"
 #include "common/media/items/mimedata.h"
 #include "common/media/models/playlist/playlisteditormodel.h"
@@ -21,7 +22,7 @@ QMimeData* PlaylistEditorModel::copyEntries(const QList<QModelIndex>& indexes) c
     for (const EntryAddress& address : sortedAddresses(indexes)) {
         const PlaylistEntry* record = library() ? library()->findPlaylistEntry(number(), address) : nullptr;
         const auto entry = getEntry(indexOf(address));
-        objects.append(record ? PlaylistPayload::jsonOf(*entry, *record) : entry->toJson());
+        objects.append(record ? EntryPayload::jsonOf(*entry, *record) : entry->toJson());
     }
     return objects.isEmpty()
                ? nullptr
