@@ -71,6 +71,7 @@ void PictureNotice::refresh()
 {
     m_told = text();
     setVisible(m_soundOnly || !m_told.isEmpty());
+    m_levels->setVisible(m_soundOnly && !isCovered());
     m_preview->setAccessibleDescription(m_told.simplified());
     update();
 }
@@ -102,7 +103,6 @@ void PictureNotice::setSoundOnly(bool soundOnly)
     if (soundOnly == m_soundOnly)
         return;
     m_soundOnly = soundOnly;
-    m_levels->setVisible(soundOnly);
     place();
     refresh();
 }

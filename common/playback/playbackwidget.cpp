@@ -287,7 +287,7 @@ void PlaybackWidget::updateTransport()
     const QString reason = m_blocked.isEmpty() ? held : m_blocked;
     m_controls->setEnabled(m_hasTransport && !m_isLocked);
     m_controls->setBlocked(reason);
-    m_slider->setLocked(m_isLocked);
+    m_slider->setLocked(m_isLocked || !m_hasValidMedia); // what the library does not know is only seen
     setBlockedReason(m_slider, reason);
 }
 

@@ -132,6 +132,9 @@ private:
     void updateMediaAddress();
     void updateTransport();
     void updateNotice();
+    void setUnread(bool isUnread);
+    void showMarkers();
+    bool isSoundOnly(const MediaMetadata* metadata) const;
     bool findMediaName(QString& name) const;
     double modelSeconds(int column) const;
     void showPosition(double seconds);
@@ -159,6 +162,7 @@ private:
     QString m_mediaAddress;
     bool m_hasValidMedia = false;
     bool m_isResourceConstrained = false;
+    bool m_isUnread = false;     // the library, so that nobody knows the points
     bool m_hasTransport = false; // there is something to play or to stop
     bool m_isLocked = false;
     QString m_blocked;

@@ -105,9 +105,10 @@ void PlaybackWidget::updateMediaAddress()
     m_hint->setVisible(m_mediaAddress.isEmpty() && held.isEmpty());
     m_notice->setHasMedia(!m_mediaAddress.isEmpty() || !held.isEmpty());
     if (!MediaUtils::isMediaAddress(m_mediaAddress)) {
-        m_endpoints->setUnknown(false);
+        setUnread(false);
         setHasValidMedia(false);
-        m_hasTransport = !held.isEmpty(); // it can still be paused and stopped
+        m_slider->setEnabled(!held.isEmpty()); // its playhead runs on
+        m_hasTransport = !held.isEmpty();      // it can still be paused and stopped
         updateTransport();
         clearMediaState();
         m_header->setMediaAddress({});
@@ -120,13 +121,28 @@ void PlaybackWidget::updateMediaAddress()
     setHasValidMedia(isFound);
     const MediaLibraryApi* library = m_session->getMediaLibraryApi();
     const bool isUnread = !isFound && library && library->reading() != MediaLibraryApi::Reading::Done;
-    m_endpoints->setUnknown(isUnread);
+    setUnread(isUnread);
     if (isUnread) { // the server knows it, and plays it all the same
         m_hasTransport = true;
         updateTransport();
     }
     m_header->setMediaAddress(isFound || isUnread ? m_mediaAddress : QString());
     m_header->setMediaName(isFound ? name : QString());
+}
+
+/// The points of a slot that nobody has read stand nowhere.
+void PlaybackWidget::setUnread(bool isUnread)
+{
+    m_isUnread = isUnread;
+    m_endpoints->setUnknown(isUnread);
+    showMarkers();
+}
+
+void PlaybackWidget::showMarkers()
+{
+    const auto slot = m_playback ? m_playback->playingSlot() : nullptr;
+    const bool isInfinite = slot && slot->durationType() == MediaDurationType::Infinite;
+    m_slider->setInpointOutpointHidden(m_isUnread || isInfinite);
 }
 
 bool PlaybackWidget::findMediaName(QString& name) const
@@ -208,7 +224,7 @@ void PlaybackWidget::refreshPlaybackControls()
     m_controls->setPointsEnabled(!isStill && slot);
     m_slider->setSeekBarEnabled(!isStill);
     m_slider->setInpointOutpointEnabled(!isStill);
-    m_slider->setInpointOutpointHidden(isInfinite);
+    showMarkers();
     m_slider->setPlayheadFixed(isInfinite);
     m_durationEdit->setVisible(isStill);
     m_durationEdit->setEnabled(isPreview());
@@ -216,6 +232,16 @@ void PlaybackWidget::refreshPlaybackControls()
     m_durationEdit->setDurationSeconds(slot ? slot->duration() : 0.0);
     m_timecodes->setHeldAtEnd(isStill && !isInfinite);
     updateNotice();
+}
+
+/// A file that is gone tells no type: its slot knows what it was.
+bool PlaybackWidget::isSoundOnly(const MediaMetadata* metadata) const
+{
+    if (!metadata)
+        return false;
+    const auto slot = m_playback ? m_playback->playingSlot() : nullptr;
+    return metadata->getMediaType() == MediaType::AudioFile ||
+           (!metadata->getIsPlayable() && slot && slot->mediaType() == MediaType::AudioFile);
 }
 
 void PlaybackWidget::updateNotice()
@@ -227,7 +253,7 @@ void PlaybackWidget::updateNotice()
     const bool isOpen = m_playback && m_playback->fps() > 0.0;
     m_notice->setState(isOpen ? m_playback->state() : SourcePlayState::Stop);
     m_notice->setUnplayable(reason);
-    m_notice->setSoundOnly(metadata && !isUnplayable && metadata->getMediaType() == MediaType::AudioFile);
+    m_notice->setSoundOnly(isSoundOnly(metadata.get()));
     if (std::exchange(m_unplayable, reason) != reason)
         Q_EMIT unplayableChanged();
 }

@@ -57,7 +57,7 @@ ChannelWidget::ChannelWidget(Session* session, QWidget* parent)
 
     connect(m_preview, &PlaybackWidget::unplayableChanged, this, [this] {
         m_takeControls->setCueFault(m_preview->unplayableReason().isEmpty() ? QString()
-                                                                            : tr("Preview cannot be played"));
+                                                                            : tr("Preview cannot be taken"));
     });
     followPictures();
     followFontSize(this, [this](FontSize size) {

@@ -209,7 +209,7 @@ void MediaPanelWidget::buildMenu()
     m_editEntry->setVisible(false);
     add("edit", tr("Rename collection..."), &MediaPanelWidget::askForName);
     connect(menu->addEntry(QStringLiteral("copy"), tr("Duplicate collection")), &QAction::triggered, this,
-            [this] { m_choosesAdded = m_manager->copyCollection(selectedCollection(), -1); });
+            [this] { chooseAdded([this] { return m_manager->copyCollection(selectedCollection(), -1); }); });
     menu->addSeparator();
     add("trash", tr("Remove collection..."), &MediaPanelWidget::askForRemoval);
     connect(m_menuButton, &QAbstractButton::clicked, this,
@@ -444,6 +444,14 @@ void MediaPanelWidget::showSlotMenu(const QPoint& position)
     menu->popup(m_view->viewport()->mapToGlobal(position));
 }
 
+/// Remembered before it is asked for: the answer may come while it is.
+void MediaPanelWidget::chooseAdded(const std::function<bool()>& add)
+{
+    m_choosesAdded = true;
+    if (!add())
+        m_choosesAdded = false;
+}
+
 QString MediaPanelWidget::collectionName() const
 {
     return m_chooser->itemData(m_chooser->currentIndex(), CollectionSelectorModel::EditTextRole).toString();
@@ -455,7 +463,7 @@ void MediaPanelWidget::askForNewCollection()
     dialog->setObjectNames(QStringLiteral("MediaPanel-new-collection"));
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     connect(dialog, &TextInputDialog::valuesConfirmed, this, [this](const QStringList& values) {
-        m_choosesAdded = m_manager->appendCollection(values.value(0));
+        chooseAdded([this, &values] { return m_manager->appendCollection(values.value(0)); });
     });
     dialog->open();
 }

@@ -6,6 +6,8 @@
 #include <QModelIndex>
 #include <QTimer>
 
+#include <functional>
+
 class QAction;
 class QMenu;
 
@@ -80,6 +82,7 @@ private:
     QList<int> selectedSlots() const;
     void clearSelectedSlots();
     void askForNewCollection();
+    void chooseAdded(const std::function<bool()>& add);
     void askForName();
     void askForRemoval();
     QString collectionName() const;

@@ -98,7 +98,7 @@ void PlaylistEditorHeader::buildPreview()
     m_dropdown->setToolTip(tr("The playlist that is shown and edited"));
     m_dropdown->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
     m_dropdown->setMaxVisibleItems(20);
-    setUnread({});
+    showNoList();
     m_dropdown->setModel(m_sources.library);
     m_dropdown->setModelColumn(PlaylistLibraryModel::NameColumn);
     m_dropdown->installEventFilter(this);
@@ -241,6 +241,7 @@ void PlaylistEditorHeader::showList()
     }
     if (m_dropdown)
         m_dropdown->setCurrentIndex(row);
+    showNoList();
     if (m_edit)
         m_edit->setEnabled(m_isEditable && row >= 0);
     if (m_name && !m_isOneLine)
@@ -300,8 +301,17 @@ void PlaylistEditorHeader::setEditable(bool editable)
 
 void PlaylistEditorHeader::setUnread(const QString& unread)
 {
-    if (m_dropdown)
-        m_dropdown->setPlaceholderText(unread.isEmpty() ? tr("No playlists") : unread);
+    m_unread = unread;
+    showNoList();
+}
+
+/// What stands for a list where none is shown.
+void PlaylistEditorHeader::showNoList()
+{
+    if (!m_dropdown)
+        return;
+    const QString none = m_sources.library->rowCount() > 0 ? tr("No playlist chosen") : tr("No playlists");
+    m_dropdown->setPlaceholderText(m_unread.isEmpty() ? none : m_unread);
 }
 
 void PlaylistEditorHeader::dropdownIndexChanged(int index)

@@ -106,6 +106,7 @@ private:
     IconButton* addButton(QHBoxLayout* row, const QString& icon, const char* suffix, const QString& tip);
     void connectModels();
     void showList();
+    void showNoList();
     void showClock();
     void fit();
     void onRowsAboutToBeRemoved(int first, int last);
@@ -138,6 +139,7 @@ private:
     bool m_isAwaitedDone = false;  // the server has made it
     uint m_followed = 0;           // the list that the channel played last
     uint m_lost = 0;
+    QString m_unread;
     uint m_naming = 0;             // the list whose name is typed
     ZTEdit* m_nameField = nullptr; // over the drop-down, which shows what the library says
     bool m_isHeld = false;

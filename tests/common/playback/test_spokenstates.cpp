@@ -3,8 +3,10 @@
 #include "common/playback/playbackcontrols.h"
 #include "common/playback/playbackpreview.h"
 #include "common/playback/playbackwidget.h"
+#include "common/playback/seekslider.h"
 #include "common/playback/takebutton.h"
 #include "common/ui/timecode/timecodedisplay.h"
+#include "common/ui/toolkit/iconbutton.h"
 #include "common/ui/toolkit/ztlabel.h"
 #include "common/views/playlist/playlistview.h"
 #include "common/views/slotlistview.h"
@@ -85,6 +87,9 @@ private Q_SLOTS:
         cue("program", 1);
         const auto* left = time("PlaybackTimecodes-Remaining");
         QTRY_COMPARE(left->text(), QStringLiteral("00:00:20.000"));
+        m_fixture->channel()->programWidget()->lockButton()->setChecked(false);
+        const SeekSlider* slider = m_fixture->channel()->programWidget()->slider();
+        QVERIFY(slider->isMovable());
         for (const auto& [property, value] :
              {std::pair("duration", "40.0"), std::pair("inpoint", "2.0"), std::pair("outpoint", "30.0"),
               std::pair("mediaPosition", "5.0")})
@@ -99,10 +104,17 @@ private Q_SLOTS:
         QTRY_COMPARE(time("EndpointTimecodes-Outpoint")->text(), QStringLiteral("00:00:30.000"));
         m_fixture->set("program", "outpoint", "15.0");
         QTRY_COMPARE(left->text(), QStringLiteral("00:00:10.000"));
+        // Its playhead is seen to run, and is nobody's to move.
+        const auto* playhead = m_fixture->part<QWidget>("Program-PlaybackWidget-SeekSlider-playhead");
+        QVERIFY(playhead->isVisible() && !slider->isMovable());
+        const int before = playhead->x();
+        m_fixture->set("program", "mediaPosition", "12.0");
+        QTRY_VERIFY(playhead->x() > before);
         // Its slot is back, and the slot's points with it.
         m_fixture->set("program", "heldMedia", quoted(""));
         cue("program", 1);
-        QTRY_COMPARE(left->text(), QStringLiteral("00:00:15.000"));
+        QTRY_COMPARE(left->text(), QStringLiteral("00:00:08.000"));
+        QVERIFY(slider->isMovable());
     }
 
     void unplayableCuesGreyTheTake()
@@ -113,6 +125,8 @@ private Q_SLOTS:
         QTRY_VERIFY(!take->isEnabled());
         QVERIFY2(notice("Preview")->text().contains(QStringLiteral("The file is empty.")),
                  qPrintable(notice("Preview")->text()));
+        QVERIFY2(take->toolTip().contains(QStringLiteral("Preview cannot be taken")),
+                 qPrintable(take->toolTip()));
         QVERIFY2(!take->accessibleDescription().isEmpty() && take->toolTip() == take->accessibleDescription(),
                  qPrintable(take->toolTip()));
         cue("preview", 1);
@@ -151,6 +165,36 @@ private Q_SLOTS:
         QVERIFY(!notice("Preview")->levels()->isVisible());
         cue("preview", 3);
         QTRY_VERIFY(notice("Preview")->levels()->isVisible());
+    }
+
+    /// Of a file that is gone nothing is known but what its slot was: a note and a level, never black.
+    void soundPlaysOnWithoutItsFile()
+    {
+        m_fixture = nullptr; // one session at a time
+        m_fixture = std::make_unique<PlayerFixture>();
+        const qsizetype third = m_fixture->library.lastIndexOf("videoFile");
+        m_fixture->library.replace(third, 9, "audioFile");
+        m_fixture->peer.http.handler = [this, rest = m_fixture->peer.http.handler](
+                                           const ScriptedHttp::Request& request) -> ScriptedHttp::Reply {
+            if (request.target.contains("/metadata/") && request.target.contains("b.mp4"))
+                return {200, R"({"isPlayable":false,"error":"The file is gone."})"};
+            return rest(request);
+        };
+        QVERIFY(m_fixture->connectWithLibrary());
+        auto* picture = m_fixture->part<PlaybackPreview>("Preview-PlaybackWidget-PreviewWidget");
+        const auto shown = [this, picture](const char* state, bool isHeard) {
+            m_fixture->set("preview", "state", quoted(state));
+            return QTest::qWaitFor([&] {
+                picture->onFrame({"/device/channels/0/preview", {}}, QPixmap(160, 90));
+                return notice("Preview")->text().contains(QStringLiteral("The file is gone.")) &&
+                       notice("Preview")->levels()->isVisible() == isHeard;
+            });
+        };
+        m_fixture->set("preview", "fps", "25.0");
+        cue("preview", 3);
+        QVERIFY(shown("play", true));
+        QVERIFY(shown("stop", false)); // the sentence alone
+        QVERIFY(shown("pause", true));
     }
 
     void libraryThatIsNotRead_data()
@@ -197,6 +241,8 @@ private Q_SLOTS:
         const auto* out = m_fixture->part<ZTLabel>("Preview-PlaybackWidget-EndpointTimecodes-Outpoint");
         QCOMPARE(in->text(), QStringLiteral("--:--:--"));
         QCOMPARE(out->text(), QStringLiteral("--:--:--"));
+        const auto* mark = m_fixture->part<QWidget>("Preview-PlaybackWidget-SeekSlider-inMarker");
+        QVERIFY(mark->isHidden());
         const PlaybackControls* controls = m_fixture->channel()->previewWidget()->controls();
         QVERIFY(controls->isEnabled() && !controls->canSetPoints());
         isWell = true;
@@ -207,6 +253,7 @@ private Q_SLOTS:
         cue("preview", 1);
         QTRY_COMPARE(in->text(), QStringLiteral("00:00:01.000"));
         QTRY_COMPARE(out->text(), QStringLiteral("00:00:08.000"));
+        QVERIFY(mark->isVisible());
     }
 
     /// From the link's return to its scene there is a reason for what is grey.
