@@ -43,10 +43,10 @@ public:
     Server& server() { return *m_server; }
 
     /// Serves until the condition holds; false when it takes too long.
-    bool waitFor(const std::function<bool()>& condition)
+    bool waitFor(const std::function<bool()>& condition, qint64 patience = patienceMs)
     {
         QElapsedTimer timer;
-        for (timer.start(); timer.elapsed() < patienceMs;) {
+        for (timer.start(); timer.elapsed() < patience;) {
             if (condition())
                 return true;
             m_io.restart();

@@ -60,15 +60,35 @@ private Q_SLOTS:
         m_watch = qInstallMessageHandler(nullptr);
         LogManager& logs = LogManager::instance();
         logs.setLogToStdOut(false);
-        logs.setSizeLimit(52428800);
-        logs.setFileSizeLimit(10485760);
         logs.rotateLogs(); // closes the file of the test before
         m_folder.setPath(logs.logDir());
         emptyFolder();
         qInstallMessageHandler(m_watch);
     }
 
+    /// Not before the first test, which meets them as they are.
+    void cleanup()
+    {
+        LogManager::instance().setSizeLimit(52428800);
+        LogManager::instance().setFileSizeLimit(10485760);
+    }
     void cleanupTestCase() { emptyFolder(); }
+
+    /// With the limits that it starts with, which an earlier run has used up.
+    void aRunGoesOnInTheNextFile()
+    {
+        makeFile(QStringLiteral("old.txt"), 45 * mebibyte, 1);
+        LogManager::instance().rotateLogs();
+        const QMessageLogContext bare;
+        const auto logs = [this] { return m_folder.entryInfoList({QStringLiteral("halcyra_log_*.txt")}); };
+        for (int number = 0; logs().size() < 2 && number < 12'000; ++number)
+            qt_message_output(QtInfoMsg, bare, QString::number(number).leftJustified(1000, u'.'));
+        qInstallMessageHandler(m_watch);
+        QCOMPARE(logs().size(), 2);
+        const qint64 full = std::max(logs()[0].size(), logs()[1].size());
+        QVERIFY2(qAbs(full - 10 * mebibyte) < 4096, qPrintable(QString::number(full)));
+        QVERIFY(!m_folder.exists(QStringLiteral("old.txt"))); // 55 MiB
+    }
 
     void keepsTheFolderWithinItsLimit_data()
     {

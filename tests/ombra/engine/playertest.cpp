@@ -8,6 +8,7 @@
 #include <QElapsedTimer>
 
 #include <atomic>
+#include <functional>
 #include <optional>
 #include <thread>
 
@@ -110,6 +111,26 @@ private:
                 return false;
         }
         return true;
+    }
+
+    /// Lets the decoders do what they have to for this moment.
+    bool until(const std::function<bool()>& condition)
+    {
+        QElapsedTimer clock;
+        for (clock.start(); clock.elapsed() < 10000;) {
+            (void)moment();
+            if (condition())
+                return true;
+            std::this_thread::yield();
+        }
+        return false;
+    }
+    /// What follows first.
+    bool isPrepared()
+    {
+        bool prepared = false;
+        m_player->forFollowing([&](Deck& deck, auto&) { prepared = deck.prepared(); });
+        return prepared;
     }
 
     Disk m_disk;
@@ -226,30 +247,36 @@ private Q_SLOTS:
         QTRY_COMPARE((moment(), m_disk.open.load()), 0);
     }
 
+    /// What takes four seconds to open is still there two before its time.
+    void whatFollowsIsThereTwoSecondsAhead()
+    {
+        m_player->load(make(m_disk), {});
+        QVERIFY(until([this] { return !m_player->waiting(); }));
+        std::optional<double> asked;
+        for (int i = 0; i <= 200; ++i) {
+            m_now = i / 25.0;
+            QVERIFY(until([this] { return qAbs(m_player->deck()->position() - m_now) < 1e-6; }));
+            if (asked || !m_player->wantsFollowing())
+                continue;
+            asked = m_now;
+            m_player->follow(make(m_hanging), {}, false);
+        }
+        QVERIFY(asked && *asked < 4.1);
+        m_hanging.answers = true;
+        QVERIFY(until([this] { return isPrepared(); }));
+        QVERIFY(m_player->deck()->remaining() > 1.99);
+    }
+
     /// Two decks in turn, and nothing adds up: after an hour a loop of two seconds stands where it should.
     void loopsForAnHour()
     {
         constexpr int rate = 25, loop = 2 * rate; // pictures
-        const auto until = [this](const auto& condition) {
-            QElapsedTimer clock;
-            for (clock.start(); clock.elapsed() < 10000;) {
-                (void)moment();
-                if (condition())
-                    return true;
-                std::this_thread::yield();
-            }
-            return false;
-        };
         m_player->load(make(m_disk, 0, true, 2.0), {});
         QVERIFY(until([&] { return !m_player->waiting(); }));
         m_player->follow(make(m_disk, 0, true, 2.0), {}, true);
         for (int i = 1; i <= 3600 * rate; ++i) {
-            const auto isPrepared = [&] {
-                bool prepared = false;
-                m_player->forFollowing([&](Deck& deck, auto&) { prepared = deck.prepared(); });
-                return prepared;
-            };
-            QVERIFY2(i % loop != loop / 2 || until(isPrepared), qPrintable(QString::number(m_now)));
+            QVERIFY2(i % loop != loop / 2 || until([this] { return isPrepared(); }),
+                     qPrintable(QString::number(m_now)));
             m_now = double(i) / rate;
             const double position = double(i % loop) / rate;
             QVERIFY2(until([&] { return qAbs(m_player->deck()->position() - position) < 1e-6; }),

@@ -200,6 +200,24 @@ private Q_SLOTS:
         QVERIFY(asks()); // one that is kept between two requests has its time
     }
 
+    /// A byte now and then wins no time.
+    void aHeaderHasTenSeconds()
+    {
+        QTcpSocket slow;
+        QElapsedTimer taken;
+        slow.connectToHost(QStringLiteral("127.0.0.1"), m_live.server().httpPort());
+        slow.write("GET / HTTP/1.1\r\nX: ");
+        QVERIFY(m_live.waitFor([&] { return slow.bytesToWrite() == 0; }));
+        taken.start();
+        const auto isEnded = [&] {
+            slow.write("x");
+            return slow.state() == QAbstractSocket::UnconnectedState;
+        };
+        QVERIFY(!m_live.waitFor(isEnded, 9000));
+        QVERIFY(m_live.waitFor(isEnded, 3000 * vantrel::test::slowness));
+        QVERIFY2(taken.elapsed() > 9500, qPrintable(QString::number(taken.elapsed())));
+    }
+
     void theFullestPeerGivesWay_data()
     {
         QTest::addColumn<int>("port");

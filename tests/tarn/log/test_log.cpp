@@ -161,6 +161,22 @@ private Q_SLOTS:
         QVERIFY(!LogFile("/proc/no/such.log").append("a line"));
     }
 
+    /// What a server that floods for a year leaves on the disk.
+    void aLogTakesFiftyMebibytes()
+    {
+        constexpr qint64 mebibyte = 1024 * 1024;
+        const QTemporaryDir folder;
+        LogFile file(folder.filePath(QStringLiteral("ombra.log")).toStdString());
+        const std::string line(mebibyte - 1, '.');
+        for (int i = 0; i < 65; ++i)
+            QVERIFY(file.append(line));
+        const QFileInfoList files = QDir(folder.path()).entryInfoList(QDir::Files, QDir::Name);
+        QCOMPARE(files.size(), 5);
+        QCOMPARE(files.first().size(), 5 * mebibyte);
+        for (const QFileInfo& full : files.sliced(1))
+            QCOMPARE(full.size(), 10 * mebibyte);
+    }
+
     void linesTellTheTime()
     {
         const QTemporaryDir folder;
