@@ -177,7 +177,7 @@ private Q_SLOTS:
         m_fixture->peer.http.handler = [this, rest = m_fixture->peer.http.handler](
                                            const ScriptedHttp::Request& request) -> ScriptedHttp::Reply {
             if (request.target.contains("/metadata/") && request.target.contains("b.mp4"))
-                return {200, R"({"isPlayable":false,"error":"The file is gone."})"};
+                return {200, R"({"type":"unknown","isPlayable":false,"error":"The file is gone."})"};
             return rest(request);
         };
         QVERIFY(m_fixture->connectWithLibrary());
