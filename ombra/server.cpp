@@ -258,6 +258,7 @@ void Server::tellScreen()
     m_outputs->tellScreen({.rate = figures.isOpen ? figures.rate : 0,
                            .dropped = figures.dropped,
                            .late = figures.late,
+                           .decodeLoad = figures.isOpen ? figures.decodeLoad : 0,
                            .bySoftware = figures.isOpen && figures.bySoftware});
 }
 

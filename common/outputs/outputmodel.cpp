@@ -87,8 +87,10 @@ void OutputModel::setOutput(std::shared_ptr<GUIOutput> output)
     connect(m_output.get(), &GUIOutput::name##Changed, this, &OutputModel::onReset);
         VANTREL_OUTPUT_PROPERTIES(VANTREL_FOLLOW)
 #undef VANTREL_FOLLOW
+        connect(m_output.get(), &GUIOutput::screenChanged, this, &OutputModel::screenChanged);
     }
     onReset();
+    Q_EMIT screenChanged();
 }
 
 void OutputModel::setModelines(Modelines modelines)
@@ -225,6 +227,11 @@ void OutputModel::resetEdid()
 int OutputModel::confirmSeconds() const
 {
     return m_output ? m_output->confirmSeconds() : 0;
+}
+
+ScreenHealth OutputModel::screen() const
+{
+    return m_output ? m_output->screen() : ScreenHealth();
 }
 
 void OutputModel::keepMode()

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/session/mirror/screenhealth.h"
 #include "tarn/scene/variant.h"
 
 #include <QAbstractTableModel>
@@ -98,6 +99,9 @@ public:
     void keepMode();
     void revertMode();
 
+    /// Of the real screen that this output is shown on.
+    ScreenHealth screen() const;
+
     /// Hz.
     static QString formatFieldFreq(double frequency);
     /// Hz, shown as kHz.
@@ -113,6 +117,8 @@ public:
 Q_SIGNALS:
     /// This window has asked for another mode.
     void modeAsked();
+    /// screen() is another one.
+    void screenChanged();
 
 public Q_SLOTS:
     void onReset();

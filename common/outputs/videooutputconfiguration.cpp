@@ -6,6 +6,7 @@
 #include "common/outputs/outputtexts.h"
 #include "common/outputs/scalingmodes.h"
 #include "common/ui/style/colors.h"
+#include "common/ui/style/dynamicstyle.h"
 #include "common/ui/style/fontsizefollower.h"
 #include "common/ui/style/iconcache.h"
 #include "common/ui/style/spacing.h"
@@ -112,6 +113,9 @@ void VideoOutputConfiguration::addStatus(QFormLayout* form)
     heading->setStyleClass(QStringLiteral("section"));
     form->addItem(new QSpacerItem(0, spacing::tight));
     form->addRow(heading);
+    addValue(form, tr("Screen:"), QStringLiteral("screen"));
+    addValue(form, tr("Pictures lost:"), QStringLiteral("lostPictures"));
+    addValue(form, tr("Decoding:"), QStringLiteral("decoding"));
     addValue(form, tr("Format size:"), QStringLiteral("formatSize"));
     addValue(form, tr("Field frequency:"), QStringLiteral("fieldFrequency"));
     addValue(form, tr("Line frequency:"), QStringLiteral("lineFrequency"));
@@ -155,6 +159,7 @@ void VideoOutputConfiguration::setModel(OutputModel* model)
     if (m_model) {
         connect(m_model, &OutputModel::dataChanged, this, &VideoOutputConfiguration::onDataChanged);
         connect(m_model, &OutputModel::modelReset, this, &VideoOutputConfiguration::updateData);
+        connect(m_model, &OutputModel::screenChanged, this, &VideoOutputConfiguration::updateScreen);
     }
     m_dialog->setModel(model);
     updateData();
@@ -183,6 +188,7 @@ void VideoOutputConfiguration::setValue(const QString& name, const QString& text
 void VideoOutputConfiguration::updateData()
 {
     updateSettings();
+    updateScreen();
     updateStatus();
 }
 
@@ -215,6 +221,21 @@ void VideoOutputConfiguration::updateSettings()
         m_background->setColor(value(OutputModel::BackgroundColorColumn).value<QColor>());
     }
     setValue(QStringLiteral("background"), m_background->color().name());
+}
+
+/// In amber where it is near its limit or beyond.
+void VideoOutputConfiguration::updateScreen()
+{
+    const ScreenHealth screen = m_model ? m_model->screen() : ScreenHealth();
+    const auto show = [this, &screen](const char* name, const QString& text, bool isWell) {
+        ElidedLabel* label = m_values.value(QLatin1String(name));
+        label->setText(textOrUnknown(text));
+        label->setToolTip(screen.details());
+        setDynamicStyle(label, "urgency", isWell ? QString() : QStringLiteral("soon"));
+    };
+    show("screen", screen.rateText(), true);
+    show("lostPictures", screen.lostText(), screen.lost() == 0);
+    show("decoding", screen.loadText(), !screen.isNearItsLimit());
 }
 
 void VideoOutputConfiguration::updateStatus()

@@ -50,6 +50,7 @@ private:
     void addValue(QFormLayout* form, const QString& title, const QString& name);
     void setValue(const QString& name, const QString& text);
     void updateSettings();
+    void updateScreen();
     void updateStatus();
     QVariant value(int column) const;
 

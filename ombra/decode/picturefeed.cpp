@@ -3,6 +3,7 @@
 #include "tarn/log/log.h"
 
 #include <algorithm>
+#include <chrono>
 #include <system_error>
 
 namespace vantrel::ombra {
@@ -192,11 +193,21 @@ bool PictureFeed::read(std::unique_lock<std::mutex>& lock, PictureReader& reader
     const double clock = m_clock;
     const bool behind = clock > m_status.endTime + patience;
     lock.unlock();
+    const auto begin = std::chrono::steady_clock::now();
     const bool found = target   ? reader.seek(*target, out)
                        : behind ? reader.catchUp(clock, out)
                                 : reader.next(out);
+    const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - begin;
     lock.lock();
+    if (found && !target)
+        noteLoad(taken.count(), out.time + out.duration - m_status.endTime);
     return found;
+}
+
+void PictureFeed::noteLoad(double seconds, double ofPictures)
+{
+    if (ofPictures > 0)
+        m_status.load += (seconds / ofPictures - m_status.load) * std::min(1.0, ofPictures);
 }
 
 bool PictureFeed::openAnew(std::unique_lock<std::mutex>& lock, std::unique_ptr<PictureReader>& reader,

@@ -27,6 +27,7 @@ public:
         MediaType type = MediaType::Unknown;
         double fps = 0;
         double duration = 0; // seconds; endless for stills
+        double load = 0;     // seconds of decoding for a second of pictures, of the last second or so
     };
 
     /// For pictures from begin (seconds) on. arrived is called on the feed's thread when the first picture
@@ -64,6 +65,7 @@ private:
     void decode();
     bool read(std::unique_lock<std::mutex>& lock, PictureReader& reader, std::optional<double> target,
               Picture& out);
+    void noteLoad(double seconds, double ofPictures);
     bool openAnew(std::unique_lock<std::mutex>& lock, std::unique_ptr<PictureReader>& reader,
                   const Canvas& canvas);
     void seekAfresh(double time);

@@ -164,6 +164,7 @@ Display::Fate Display::present(Window& window)
             moment = m_moment;
             ground = m_ground;
             m_figures.late += isFresh && moment.late ? 1 : 0;
+            m_figures.decodeLoad = moment.load;
         }
         const bool changes = !looksAlike(moment, painted) || ground != paintedGround || window.takeExposed();
         const Clock::time_point begin = Clock::now();

@@ -41,6 +41,7 @@ public:
         long long dropped = 0;     // beats of the display that passed while a picture was painted
         long long late = 0;        // pictures that were not decoded in time
         double paintSeconds = 0;   // of the last picture
+        double decodeLoad = 0;     // share of the time there is that decoding takes
         bool bySoftware = false;
     };
     Figures figures() const;

@@ -74,6 +74,8 @@ public:
     std::optional<int> channels() const { return m_audio.channels(); }
     /// Whether the picture for this moment should have been decoded by now, and was not.
     bool late() const { return m_late; }
+    /// The share of the time there is that decoding its pictures takes; above 1 it cannot keep up.
+    double load() const { return m_feed.status().load; }
     double position() const { return m_position; } // of the surface
     double target() const { return m_target; }     // what was sought last
     SourcePlayState state() const { return m_state; }

@@ -170,6 +170,7 @@ void Mixer::show(Output& output, const Player::Moment& moment, double now)
     ShownMoment shown;
     shown.time = now;
     shown.late = moment.late;
+    shown.load = moment.load;
     for (const Player::Moment::Layer& layer : moment.layers) {
         const MixShares shares =
             &layer == moment.layers.data() ? MixShares{0, 1} : mixShares(layer.type, layer.weight);

@@ -167,9 +167,11 @@ Player::Moment Player::advance(double now)
     if (onAir())
         onAir()->setFollowed(isFollowed());
     for (const Layer& layer : m_layers) {
-        if (layer.deck)
-            layer.deck->advance(now);
-        moment.late = moment.late || (layer.deck && layer.deck->late());
+        if (!layer.deck)
+            continue;
+        layer.deck->advance(now);
+        moment.late = moment.late || layer.deck->late();
+        moment.load = std::max(moment.load, layer.deck->load());
     }
     sound(moment); // of the time before this moment: what was on air
     beginNext();

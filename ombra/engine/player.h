@@ -28,6 +28,7 @@ public:
         Sound sound;                 // mixed, of the time since the moment before
         std::optional<int> channels; // of what plays; nothing while that is not known
         bool late = false;           // a picture of it was not decoded in time
+        double load = 0;             // of the deck whose decoding takes most of its time
 
         const Ref<Surface>& to() const { return layers.back().surface; }
     };

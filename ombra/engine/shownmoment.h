@@ -21,6 +21,7 @@ struct ShownMoment
     double dipped = 0;         // share of black
     double time = 0;           // of the mixing clock, seconds
     bool late = false;         // a picture of it was not decoded in time
+    double load = 0;           // share of the time there is that decoding takes
 };
 
 } // namespace vantrel::ombra

@@ -9,6 +9,7 @@ struct ScreenFigures
 {
     double rate = 0;                 // pictures a second; 0 where there is none
     long long dropped = 0, late = 0; // pictures, since the start
+    double decodeLoad = 0;           // share of the time there is that decoding takes
     bool bySoftware = false;         // painted by the processor
 };
 

@@ -241,6 +241,7 @@ void VideoOutput::tellScreen(const ScreenFigures& lately)
     set("screenRate", lately.rate);
     set("droppedPictures", static_cast<int>(lately.dropped));
     set("latePictures", static_cast<int>(lately.late));
+    set("decodeLoad", std::round(lately.decodeLoad * 100) / 100);
     set("softwareRenderer", lately.bySoftware);
 }
 

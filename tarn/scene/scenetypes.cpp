@@ -155,6 +155,7 @@ void declareOutputs(Types& types)
         .readOnly("screenRate", Variant::from(0.0))
         .readOnly("droppedPictures", Variant::from(0))
         .readOnly("latePictures", Variant::from(0))
+        .readOnly("decodeLoad", Variant::from(0.0))
         .readOnly("softwareRenderer", Variant::from(false))
         .methods({"selectModeline", "setEdidOverride", "resetEdid", "keepMode", "revertMode"})
         .child("modelines", "Modeline", ChildInfo::Kind::Array);

@@ -8,7 +8,7 @@ namespace {
 
 constexpr const char* names[] = {
 #define VANTREL_NAME(type, name, setter) #name,
-    VANTREL_OUTPUT_PROPERTIES(VANTREL_NAME)
+    VANTREL_OUTPUT_MEMBERS(VANTREL_NAME)
 #undef VANTREL_NAME
 };
 
@@ -18,6 +18,20 @@ GUIOutput::GUIOutput(QObject* parent)
     : SceneObjectWrapper(QStringLiteral("Output"), parent)
 {
     findProperties();
+#define VANTREL_TELL(type, name, setter)                                                                     \
+    connect(this, &GUIOutput::name##Changed, this, &GUIOutput::screenChanged);
+    VANTREL_OUTPUT_FIGURES(VANTREL_TELL)
+#undef VANTREL_TELL
+    connect(this, &GUIOutput::reset, this, &GUIOutput::screenChanged);
+}
+
+ScreenHealth GUIOutput::screen() const
+{
+    return {.rate = screenRate(),
+            .dropped = droppedPictures(),
+            .late = latePictures(),
+            .decodeLoad = decodeLoad(),
+            .bySoftware = softwareRenderer()};
 }
 
 void GUIOutput::postSetObjectHook()

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "common/session/mirror/sceneobjectwrapper.h"
+#include "common/session/mirror/screenhealth.h"
 
 #include <array>
 
@@ -40,13 +41,23 @@ namespace vantrel {
     X(bool, dsc, setDsc)                                                                                     \
     X(int, confirmSeconds, setConfirmSeconds)
 
+/// The same of what its screen does, which is another one each second.
+#define VANTREL_OUTPUT_FIGURES(X)                                                                            \
+    X(double, screenRate, setScreenRate)                                                                     \
+    X(int, droppedPictures, setDroppedPictures)                                                              \
+    X(int, latePictures, setLatePictures)                                                                    \
+    X(double, decodeLoad, setDecodeLoad)                                                                     \
+    X(bool, softwareRenderer, setSoftwareRenderer)
+
+#define VANTREL_OUTPUT_MEMBERS(X) VANTREL_OUTPUT_PROPERTIES(X) VANTREL_OUTPUT_FIGURES(X)
+
 /// One video output as the server reports it, and its EDID override. A property that the scene's object does
 /// not have is logged and reads as empty.
 class GUIOutput : public SceneObjectWrapper
 {
     Q_OBJECT
 #define VANTREL_DECLARE(type, name, setter) Q_PROPERTY(type name READ name WRITE setter NOTIFY name##Changed)
-    VANTREL_OUTPUT_PROPERTIES(VANTREL_DECLARE)
+    VANTREL_OUTPUT_MEMBERS(VANTREL_DECLARE)
 #undef VANTREL_DECLARE
 
 public:
@@ -61,12 +72,17 @@ public:
     {                                                                                                        \
         setProperty(m_info[Index::name], value);                                                             \
     }
-    VANTREL_OUTPUT_PROPERTIES(VANTREL_ACCESS)
+    VANTREL_OUTPUT_MEMBERS(VANTREL_ACCESS)
 #undef VANTREL_ACCESS
 
+    /// Of the real screen, where there is one.
+    ScreenHealth screen() const;
+
 Q_SIGNALS:
+    /// screen() is another one.
+    void screenChanged();
 #define VANTREL_NOTIFY(type, name, setter) void name##Changed();
-    VANTREL_OUTPUT_PROPERTIES(VANTREL_NOTIFY)
+    VANTREL_OUTPUT_MEMBERS(VANTREL_NOTIFY)
 #undef VANTREL_NOTIFY
 
 protected:
@@ -76,7 +92,7 @@ private:
     struct Index
     {
 #define VANTREL_INDEX(type, name, setter) name,
-        enum { VANTREL_OUTPUT_PROPERTIES(VANTREL_INDEX) count };
+        enum { VANTREL_OUTPUT_MEMBERS(VANTREL_INDEX) count };
 #undef VANTREL_INDEX
     };
 

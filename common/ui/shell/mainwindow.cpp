@@ -10,6 +10,7 @@
 #include "common/qml/qmlmanager.h"
 #include "common/session/link/connectionhandler.h"
 #include "common/session/link/linkhealth.h"
+#include "common/session/mirror/guioutput.h"
 #include "common/session/mirror/guishowconfiguration.h"
 #include "common/session/mirror/objecttreemodel.h"
 #include "common/session/mirror/sceneobjectprovider.h"
@@ -235,6 +236,17 @@ void MainWindow::updateShow()
     m_statusBar->setShow(name, on->showModified());
 }
 
+/// Of the output that program is shown on. What a server that is silent said last says nothing.
+void MainWindow::updateScreen()
+{
+    const SceneObjectProvider* scene = m_session->sceneObjectProvider();
+    ScreenHealth screen = scene->output1()->screen();
+    if (!screen.isThere())
+        screen = scene->output2()->screen();
+    const bool isCurrent = m_session->linkHealth()->state() == LinkHealth::State::Current;
+    m_statusBar->setScreen(isCurrent ? screen.summary() : QString(), screen.details(), screen.isWell());
+}
+
 void MainWindow::initHotkeys()
 {
     for (auto it = m_mainMenu->showActions().cbegin(); it != m_mainMenu->showActions().cend(); ++it)
@@ -330,7 +342,11 @@ void MainWindow::initConnection()
     const LinkHealth* health = m_session->linkHealth();
     connect(health, &LinkHealth::changed, m_statusBar, [this, health] {
         m_statusBar->setSilence(health->state() == LinkHealth::State::Silent ? health->text() : QString());
+        updateScreen();
     });
+    const SceneObjectProvider* scene = m_session->sceneObjectProvider();
+    for (const GUIOutput* output : {scene->output1().get(), scene->output2().get()})
+        connect(output, &GUIOutput::screenChanged, this, &MainWindow::updateScreen);
     connect(handler, &ConnectionHandler::connected, m_mainMenu, &MainMenu::handleConnected);
     connect(handler, &ConnectionHandler::disconnected, m_mainMenu, &MainMenu::handleDisconnected);
     connect(handler, &ConnectionHandler::connected, m_statusBar, &StatusBar::onConnected);

@@ -76,6 +76,7 @@ private:
     void initMainMenu();
     void initShows();
     void updateShow();
+    void updateScreen();
     void initOutputView();
     void initFileView();
     void initMediaView();

@@ -6,6 +6,7 @@
 #include "common/ui/shell/reconnectdialog.h"
 #include "common/ui/shell/statusbarmenu.h"
 #include "common/ui/style/colors.h"
+#include "common/ui/style/dynamicstyle.h"
 #include "common/ui/style/spacing.h"
 #include "common/ui/toolkit/clickablelayoutwidget.h"
 #include "common/ui/toolkit/contextmenubutton.h"
@@ -27,6 +28,7 @@ StatusBar::StatusBar(const SystemProxy* system, const ConnectionProvider* connec
     , m_address(new ElidedLabel(m_area))
     , m_disconnected(new ZTLabel(tr("Disconnected"), m_area))
     , m_show(new ElidedLabel(this))
+    , m_screen(new ElidedLabel(this))
     , m_menu(new StatusBarMenu(this))
 {
     setObjectName(QStringLiteral("StatusBar"));
@@ -58,6 +60,11 @@ StatusBar::StatusBar(const SystemProxy* system, const ConnectionProvider* connec
     m_layout->addWidget(makeMenuButton());
     m_layout->addSpacing(spacing::normal);
     m_layout->addWidget(m_show);
+    m_layout->addSpacing(spacing::normal);
+    m_screen->setObjectName(QStringLiteral("StatusBar-Screen"));
+    m_screen->setStyleClass(QStringLiteral("dim"));
+    m_screen->hide();
+    m_layout->addWidget(m_screen);
     m_layout->addStretch(1);
 
     connect(m_area, &ClickableLayoutWidget::clicked, this, &StatusBar::connectClicked);
@@ -136,6 +143,14 @@ void StatusBar::setShow(const QString& name, bool isModified)
     m_show->setText(isModified ? tr("Show: %1, not saved").arg(shown) : tr("Show: %1").arg(shown));
     m_show->setToolTip(isModified ? tr("The show differs from what was saved as \"%1\".").arg(shown)
                                   : tr("The show is as it was saved."));
+}
+
+void StatusBar::setScreen(const QString& text, const QString& details, bool isWell)
+{
+    m_screen->setVisible(!text.isEmpty());
+    m_screen->setText(text);
+    m_screen->setToolTip(details);
+    setDynamicStyle(m_screen, "urgency", isWell ? QString() : QStringLiteral("soon"));
 }
 
 void StatusBar::onConnected()

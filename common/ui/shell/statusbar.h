@@ -37,6 +37,8 @@ public:
     void setSilence(const QString& text);
     /// The show that is on, and whether it differs from the saved one; an empty name shows none.
     void setShow(const QString& name, bool isModified);
+    /// How the screen does that program is really shown on; an empty text shows nothing.
+    void setScreen(const QString& text, const QString& details, bool isWell);
 
 public Q_SLOTS:
     void updateData();
@@ -64,6 +66,7 @@ private:
     ElidedLabel* m_address;
     ZTLabel* m_disconnected;
     ElidedLabel* m_show;
+    ElidedLabel* m_screen;
     StatusBarMenu* m_menu;
     ReconnectDialog* m_reconnectDialog = nullptr;
 };

@@ -164,6 +164,33 @@ private Q_SLOTS:
         QVERIFY(!part<QWidget>("scaling")->isEnabled() && !part<QWidget>("background")->isEnabled());
     }
 
+    void tellsWhatTheScreenDoes()
+    {
+        QCOMPARE(text("screen"), QStringLiteral("--"));
+        set("screenRate", "59.9402");
+        set("decodeLoad", "0.42");
+        QTRY_COMPARE(text("decoding"), QStringLiteral("42 % of the time there is"));
+        QCOMPARE(text("screen"), QStringLiteral("59.94 Hz, painted by the graphics card"));
+        QCOMPARE(text("lostPictures"), QStringLiteral("none in the last minute"));
+        const auto urgency = [this](const char* row) {
+            return part<QWidget>(qPrintable(QLatin1String(row) + QStringLiteral("-value")))
+                ->property("urgency")
+                .toString();
+        };
+        QCOMPARE(urgency("decoding") + urgency("lostPictures"), QString());
+        set("decodeLoad", "0.81"); // before anything is late
+        QTRY_COMPARE(urgency("decoding"), QStringLiteral("soon"));
+        QVERIFY(part<QWidget>("decoding-value")->toolTip().contains(QStringLiteral("may soon be late")));
+        set("droppedPictures", "1");
+        set("latePictures", "2");
+        QTRY_COMPARE(text("lostPictures"), QStringLiteral("3 in the last minute"));
+        QCOMPARE(urgency("lostPictures"), QStringLiteral("soon"));
+        QCOMPARE(m_model->screen().summary(), QStringLiteral("Screen: 3 pictures lost"));
+        set("screenRate", "0");
+        QTRY_COMPARE(text("lostPictures"), QStringLiteral("--"));
+        QVERIFY(m_model->screen().summary().isEmpty());
+    }
+
 private:
     template <typename T>
     T* part(const char* name) const

@@ -87,6 +87,33 @@ private Q_SLOTS:
         QCOMPARE(picture->time, 1.0);
     }
 
+    /// Pictures of 40 ms that are there at once, and some that take 30 ms each.
+    void tellsHowMuchOfTheTimeItTakes()
+    {
+        QSemaphore gate(60);
+        PictureFeed feed(
+            {}, {}, 0, "gated", [] {},
+            [&](const MediaSource&, Canvas, const std::atomic<bool>&, std::string*) {
+                return std::make_unique<GatedReader>(gate);
+            });
+        feed.start();
+        const auto opened = qScopeGuard([&] { gate.release(200); });
+        const auto takeAt = [&](int picture) {
+            return QTest::qWaitFor([&] { return feed.take(picture / 25.0).has_value(); });
+        };
+        for (int i = 0; i < 54; ++i)
+            QVERIFY(takeAt(i));
+        QTRY_COMPARE(gate.available(), 0);
+        const double quick = feed.status().load;
+        QVERIFY2(quick > 0 && quick < 0.3, qPrintable(QString::number(quick)));
+        for (int i = 54; i < 114; ++i) {
+            QTest::qWait(30);
+            gate.release();
+            QVERIFY(takeAt(i));
+        }
+        QVERIFY2(feed.status().load > 0.5, qPrintable(QString::number(feed.status().load)));
+    }
+
     /// Where the medium cannot be opened for another canvas, the feed is over, and nobody waits for a seek.
     void failsForGoodWhenItCannotOpenAgain()
     {

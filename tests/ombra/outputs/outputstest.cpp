@@ -156,8 +156,9 @@ private Q_SLOTS:
             return text(properties + "screenRate") + " " + text(properties + "droppedPictures") + " " +
                    text(properties + "latePictures");
         };
-        m_outputs->tellScreen({.rate = 50, .dropped = 2, .late = 1});
+        m_outputs->tellScreen({.rate = 50, .dropped = 2, .late = 1, .decodeLoad = 0.256});
         QCOMPARE(lost(1), std::string("50 2 1"));
+        QCOMPARE(text(outputs + "1/properties/decodeLoad"), std::string("0.26"));
         QCOMPARE(lost(0), std::string("0 0 0"));
         for (int second = 1; second < 60; ++second)
             m_outputs->tellScreen({.rate = 50, .dropped = second < 30 ? 2 : 5, .late = 1});
