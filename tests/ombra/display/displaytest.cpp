@@ -152,6 +152,10 @@ private:
         m_ombra->setMediaFolder(m_folder.path());
         m_ombra->setOptions(options);
         QVERIFY(m_ombra->start());
+        connectPeer();
+    }
+    void connectPeer()
+    {
         m_peer = std::make_unique<LinkPeer>(m_ombra->ports().link);
         QVERIFY(m_peer->socket.waitForConnected(patience));
         m_peer->send(R"([{"op":"get","path":""}])");
@@ -258,6 +262,28 @@ private Q_SLOTS:
         QTRY_COMPARE_WITH_TIMEOUT((m_peer->read(), m_peer->value(program + "softwareRenderer")),
                                   std::string("true"), patience);
         QVERIFY(std::stod(m_peer->value(program + "screenRate")) > 20);
+    }
+
+    /// Killed, and started again after the pause that its service makes.
+    void comesBackWithinTwoSeconds()
+    {
+        constexpr QRgb green = 0xff00ff00;
+        constexpr int pause = 200; // milliseconds
+        const auto middle = [this] { return m_screen->grab().pixel(320, 180); };
+        play(QStringLiteral("green.png"));
+        QTRY_COMPARE_WITH_TIMEOUT(middle(), green, patience);
+        QTest::qWait(500); // what it shows is on the disk by then
+        QElapsedTimer clock;
+        clock.start();
+        m_ombra->kill();
+        QTRY_VERIFY_WITH_TIMEOUT(middle() != green, patience);
+        QTest::qWait(pause);
+        QVERIFY(m_ombra->start());
+        while (middle() != green && clock.elapsed() < patience)
+            QTest::qWait(10);
+        qInfo("program is back after %lld ms", clock.elapsed());
+        QVERIFY(clock.elapsed() < 2000 * vantrel::test::slowness);
+        connectPeer();
     }
 
     /// The end of the desktop is not the end of the server, which goes on and ends when it is told to.
