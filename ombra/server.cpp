@@ -7,6 +7,8 @@
 #include "ombra/ftp/ftpservice.h"
 #include "ombra/link/linkserver.h"
 #include "ombra/outputs/outputs.h"
+#include "ombra/outputs/sceneaccess.h"
+#include "ombra/outputs/videooutput.h"
 #include "ombra/preview/previewserver.h"
 #include "ombra/rest/eventteller.h"
 #include "ombra/rest/httpserver.h"
@@ -262,6 +264,20 @@ void Server::tellScreen()
                            .bySoftware = figures.isOpen && figures.bySoftware});
 }
 
+/// For want of a program alone: once there is one, it is not to come back with the next black.
+void Server::followTestCard()
+{
+    if (!m_display)
+        return;
+    const Object* program = m_scene->findObject(programPath);
+    const bool isIdle = propertyOf<std::string>(program, "media").empty() &&
+                        propertyOf<std::string>(program, "heldMedia").empty();
+    if (!isIdle)
+        m_outputs->endIdentify();
+    const VideoOutput* output = m_outputs->identified();
+    m_display->setTestCard(output ? std::optional(TestCard{output->number(), output->name()}) : std::nullopt);
+}
+
 void Server::watchMedia()
 {
     m_watcher = std::make_unique<MediaWatcher>(
@@ -298,6 +314,7 @@ bool Server::invoke(PathView methodPath, const Json& args, std::string* error)
 {
     if (const auto done = m_outputs->invoke(methodPath, args, error)) {
         followMapping();
+        followTestCard();
         return *done;
     }
     const ScenePointer at = m_scene->find(methodPath);
@@ -341,6 +358,7 @@ void Server::countSeconds()
             return;
         m_outputs->secondPassed();
         tellScreen();
+        followTestCard();
         countSeconds();
     });
 }

@@ -79,6 +79,7 @@ private:
     void stopEngine();
     void followMapping();
     void tellScreen();
+    void followTestCard();
     void restartPlayers();
     void watchMedia();
     void tellFolder(MediaWatcher::Folder folder);

@@ -6,10 +6,12 @@
 #include "common/outputs/videooutputconfiguration.h"
 #include "common/session/link/connectionprovider.h"
 #include "common/session/mirror/guimapping.h"
+#include "common/session/mirror/guiplayback.h"
 #include "common/session/mirror/sceneobjectprovider.h"
 #include "common/session/session.h"
 #include "common/ui/style/fontsizefollower.h"
 #include "common/ui/style/spacing.h"
+#include "common/ui/toolkit/blockedreason.h"
 #include "common/ui/toolkit/elidedlabel.h"
 #include "common/ui/toolkit/iconbutton.h"
 #include "common/ui/toolkit/ztmenu.h"
@@ -24,6 +26,7 @@ OutputItem::OutputItem(int index, Session* session, QWidget* parent)
     , m_index(index)
     , m_session(session)
     , m_address(new ElidedLabel(titleRow()))
+    , m_identify(new IconButton(QStringLiteral(":/icons/info.svg"), {}, titleRow()))
     , m_notConnected(new IconButton(QStringLiteral(":/icons/displayport_not_connected.svg"), {}, titleRow()))
     , m_configuration(new VideoOutputConfiguration(index + 1, this))
 {
@@ -39,15 +42,51 @@ OutputItem::OutputItem(int index, Session* session, QWidget* parent)
         titleRow()->setMinimumHeight(m_notConnected->sizeHint().height());
     });
     addTitleWidget(m_address);
+    addTitleWidget(m_identify);
     addTitleWidget(m_notConnected);
     setContent(m_configuration);
     setOpen(true);
     connect(session->connectionProvider(), &ConnectionProvider::hostAddressChanged, this,
             &OutputItem::onAddressChange);
+    makeIdentify();
     setModel(makeModel());
     auto* keeper = new ModeKeeper(index + 1, m_model, this);
     connect(session, &Session::disconnected, keeper, &ModeKeeper::giveUp);
     onAddressChange();
+}
+
+void OutputItem::makeIdentify()
+{
+    m_identify->setObjectName(QStringLiteral("VideoOutput-%1-identify").arg(m_index + 1));
+    m_identify->setToolTip(tr("Identify: the number, the name and the mode of this output on its screen"));
+    m_identify->setAccessibleName(tr("Identify output %1").arg(m_index + 1));
+    m_identify->setCheckable(true);
+    connect(m_identify, &QAbstractButton::clicked, this, [this](bool on) {
+        m_identify->setChecked(!on); // until the server has done it
+        if (m_model)
+            m_model->identify(on);
+    });
+    const GUIPlayback* program = m_session->sceneObjectProvider()->programPlayback();
+    connect(program, &GUIPlayback::mediaChanged, this, &OutputItem::updateIdentify);
+    connect(program, &GUIPlayback::heldMediaChanged, this, &OutputItem::updateIdentify);
+    connect(program, &GUIPlayback::reset, this, &OutputItem::updateIdentify);
+}
+
+/// An audience sees no test card: program comes first.
+void OutputItem::updateIdentify()
+{
+    const GUIPlayback* program = m_session->sceneObjectProvider()->programPlayback();
+    QString reason;
+    if (!m_model || !m_model->screen().isThere())
+        reason =
+            tr("No screen of the server shows this output. Start the server with --display, and give the "
+               "output the target Program.");
+    else if (!program->media().isEmpty() || !program->heldMedia().isEmpty())
+        reason =
+            tr("Something is on program, and the test card would stand in its place. Clear program first.");
+    m_identify->setEnabled(reason.isEmpty());
+    setBlockedReason(m_identify, reason);
+    m_identify->setChecked(m_model && m_model->isIdentified());
 }
 
 OutputModel* OutputItem::makeModel()
@@ -78,9 +117,11 @@ void OutputItem::setModel(OutputModel* model)
     if (m_model) {
         connect(m_model, &OutputModel::dataChanged, this, &OutputItem::onDataChanged);
         connect(m_model, &OutputModel::modelReset, this, &OutputItem::updateData);
+        connect(m_model, &OutputModel::screenChanged, this, &OutputItem::updateIdentify);
     }
     m_configuration->setModel(model);
     updateData();
+    updateIdentify();
 }
 
 void OutputItem::onDataChanged()

@@ -36,11 +36,14 @@ protected:
 
 private:
     OutputModel* makeModel();
+    void makeIdentify();
+    void updateIdentify();
 
     const int m_index;
     Session* m_session;
     OutputModel* m_model = nullptr;
     ZTLabel* m_address;
+    IconButton* m_identify;
     IconButton* m_notConnected;
     VideoOutputConfiguration* m_configuration;
     QTimer m_modesChanged; // modes come and go by the dozen

@@ -234,6 +234,16 @@ ScreenHealth OutputModel::screen() const
     return m_output ? m_output->screen() : ScreenHealth();
 }
 
+bool OutputModel::isIdentified() const
+{
+    return m_output && m_output->identified();
+}
+
+void OutputModel::identify(bool on)
+{
+    sendToOutput(QStringLiteral("identify"), tr("Identify output"), {{"on", Variant::from(on)}});
+}
+
 void OutputModel::keepMode()
 {
     sendToOutput(QStringLiteral("keepMode"), tr("Keep mode"), {});

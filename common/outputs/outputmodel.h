@@ -101,6 +101,9 @@ public:
 
     /// Of the real screen that this output is shown on.
     ScreenHealth screen() const;
+    /// Whether its screen shows which output it is, while nothing is on program.
+    bool isIdentified() const;
+    void identify(bool on);
 
     /// Hz.
     static QString formatFieldFreq(double frequency);
@@ -117,7 +120,7 @@ public:
 Q_SIGNALS:
     /// This window has asked for another mode.
     void modeAsked();
-    /// screen() is another one.
+    /// screen() or isIdentified() is another one.
     void screenChanged();
 
 public Q_SLOTS:

@@ -67,6 +67,12 @@ void Display::setGround(Painter::Ground ground)
     m_ground = ground;
 }
 
+void Display::setTestCard(std::optional<TestCard> card)
+{
+    const std::lock_guard lock(m_mutex);
+    m_card = std::move(card);
+}
+
 Display::Figures Display::figures() const
 {
     const std::lock_guard lock(m_mutex);
@@ -144,6 +150,33 @@ bool Display::serve(Window& window)
     return fate == Fate::Moved;
 }
 
+ShownMoment Display::current(const Window& window, bool isFresh, Painter::Ground& ground)
+{
+    std::optional<TestCard> card;
+    ShownMoment moment;
+    {
+        const std::lock_guard lock(m_mutex);
+        moment = m_moment;
+        ground = m_ground;
+        card = m_card;
+        m_figures.late += isFresh && moment.late ? 1 : 0;
+        m_figures.decodeLoad = moment.load;
+    }
+    if (!card) {
+        m_paintedCard.reset();
+        m_cardSurface = nullptr;
+    } else if (moment.layers.empty() && moment.dipped <= 0) { // not between two pictures of a dip
+        const bool fits = m_cardSurface && m_cardSurface->width == window.width() &&
+                          m_cardSurface->height == window.height() && m_paintedCard == card;
+        if (!fits)
+            m_cardSurface = paintTestCard(*card, window.width(), window.height(), window.rate());
+        m_paintedCard = std::move(card);
+        if (m_cardSurface)
+            moment.layers.push_back({m_cardSurface, 1});
+    }
+    return moment;
+}
+
 /// The display gives the beat where it makes a swap wait, and the clock does elsewhere. Either way each beat
 /// has its time on the one clock of the machine, evenly: by that time the pictures of media are chosen.
 Display::Fate Display::present(Window& window)
@@ -157,15 +190,8 @@ Display::Fate Display::present(Window& window)
     Fate fate = Fate::Stays;
     while (!isStopped() && (fate = window.handleEvents()) == Fate::Stays) {
         const bool isFresh = ask(next, period / 2);
-        ShownMoment moment;
         Painter::Ground ground;
-        {
-            const std::lock_guard lock(m_mutex);
-            moment = m_moment;
-            ground = m_ground;
-            m_figures.late += isFresh && moment.late ? 1 : 0;
-            m_figures.decodeLoad = moment.load;
-        }
+        ShownMoment moment = current(window, isFresh, ground);
         const bool changes = !looksAlike(moment, painted) || ground != paintedGround || window.takeExposed();
         const Clock::time_point begin = Clock::now();
         const bool isPainted = changes && window.painter().paint(moment, ground);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ombra/display/painter.h"
+#include "ombra/display/testcard.h"
 #include "ombra/engine/shownmoment.h"
 
 #include <atomic>
@@ -8,6 +9,7 @@
 #include <condition_variable>
 #include <functional>
 #include <mutex>
+#include <optional>
 #include <thread>
 
 namespace vantrel::ombra {
@@ -31,6 +33,8 @@ public:
     void setAsker(Asker asker);
     void show(ShownMoment moment);
     void setGround(Painter::Ground ground);
+    /// Shown while there is no picture; nothing shows the ground alone.
+    void setTestCard(std::optional<TestCard> card);
 
     struct Figures
     {
@@ -57,6 +61,8 @@ private:
     bool serve(Window& window);
     Fate present(Window& window);
     /// False where nothing came in time.
+    /// What is to be painted now.
+    ShownMoment current(const Window& window, bool isFresh, Painter::Ground& ground);
     bool ask(Clock::time_point moment, Clock::duration patience);
     bool isStopped() const;
     void waitUntil(Clock::time_point moment);
@@ -73,8 +79,12 @@ private:
     ShownMoment m_moment;
     bool m_fresh = false;
     Painter::Ground m_ground;
+    std::optional<TestCard> m_card;
     Figures m_figures;
     bool m_stop = false;
+    // Of the window's thread: the card as it was painted last.
+    std::optional<TestCard> m_paintedCard;
+    Ref<Surface> m_cardSurface;
     std::thread m_thread; // last: it uses all of the above
 };
 

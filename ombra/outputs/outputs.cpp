@@ -176,6 +176,21 @@ void Outputs::tellScreen(const ScreenFigures& figures)
         output->tellScreen(isOnAir(*output) ? lately : ScreenFigures{});
 }
 
+const VideoOutput* Outputs::identified() const
+{
+    for (const auto& output : m_outputs) {
+        if (output->isIdentified() && isOnAir(*output))
+            return output.get();
+    }
+    return nullptr;
+}
+
+void Outputs::endIdentify()
+{
+    for (const auto& output : m_outputs)
+        output->endIdentify();
+}
+
 void Outputs::propertyWritten(const Object* object, const PropertyInfo* property, bool isByClient)
 {
     if (VideoOutput* output = outputOf(object))

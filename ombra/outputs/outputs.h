@@ -48,6 +48,11 @@ public:
     /// program.
     void tellScreen(const ScreenFigures& figures);
 
+    /// The output of the program, where it is to show which one it is; null otherwise.
+    const VideoOutput* identified() const;
+    /// No output does any more.
+    void endIdentify();
+
     /// Plugs a display with this EDID into an output; an empty text pulls it out.
     bool plug(int output, const std::string& edid, std::string* error);
     /// Of the display that was there on the start.

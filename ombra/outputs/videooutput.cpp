@@ -90,6 +90,8 @@ bool VideoOutput::invoke(const std::string& method, const Json& args, bool isOnA
         method == "keepMode" ? keep() : revert();
         return true;
     }
+    if (method == "identify")
+        return identify(args, error);
     if (method == "selectModeline")
         return change(
             isOnAir, [&](std::string* why) { return selectModeline(args, why); }, error);
@@ -121,6 +123,25 @@ bool VideoOutput::change(bool isOnAir, const Change& act, std::string* error)
         set("confirmSeconds", m_secondsLeft);
     }
     return isDone || fail(error, why);
+}
+
+bool VideoOutput::identify(const Json& args, std::string* error)
+{
+    const bool on = args.get("on").asBool();
+    if (on && propertyOf<double>(object(), "screenRate") <= 0)
+        return fail(error, "no screen of this machine shows that output");
+    set("identified", on);
+    return true;
+}
+
+bool VideoOutput::isIdentified() const
+{
+    return propertyOf<bool>(object(), "identified");
+}
+
+void VideoOutput::endIdentify()
+{
+    set("identified", false);
 }
 
 bool VideoOutput::selectModeline(const Json& args, std::string* error)

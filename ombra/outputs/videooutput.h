@@ -44,6 +44,10 @@ public:
     void secondPassed();
     /// The real screen that it is shown on, with what was counted lately.
     void tellScreen(const ScreenFigures& lately);
+    /// Whether it is to show which one it is while there is no program.
+    bool isIdentified() const;
+    void endIdentify();
+    int number() const { return m_index + 1; }
 
 private:
     struct Mode
@@ -65,6 +69,7 @@ private:
     bool selectModeline(const Json& args, std::string* error);
     bool setEdidOverride(const Json& args, std::string* error);
     bool resetEdid(std::string* error);
+    bool identify(const Json& args, std::string* error);
     bool take(const std::string& id, bool maxLinkRate, std::string* error);
     void takeUsual(bool maxLinkRate);
     void write(const Settings& settings);

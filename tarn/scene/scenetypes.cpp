@@ -157,7 +157,9 @@ void declareOutputs(Types& types)
         .readOnly("latePictures", Variant::from(0))
         .readOnly("decodeLoad", Variant::from(0.0))
         .readOnly("softwareRenderer", Variant::from(false))
-        .methods({"selectModeline", "setEdidOverride", "resetEdid", "keepMode", "revertMode"})
+        // It shows its number, name and mode for want of a program.
+        .readOnly("identified", Variant::from(false))
+        .methods({"selectModeline", "setEdidOverride", "resetEdid", "keepMode", "revertMode", "identify"})
         .child("modelines", "Modeline", ChildInfo::Kind::Array);
 
     Declaration(types, "Gpu").text("name").child("outputs", "Output", ChildInfo::Kind::Array);

@@ -47,7 +47,8 @@ namespace vantrel {
     X(int, droppedPictures, setDroppedPictures)                                                              \
     X(int, latePictures, setLatePictures)                                                                    \
     X(double, decodeLoad, setDecodeLoad)                                                                     \
-    X(bool, softwareRenderer, setSoftwareRenderer)
+    X(bool, softwareRenderer, setSoftwareRenderer)                                                           \
+    X(bool, identified, setIdentified)
 
 #define VANTREL_OUTPUT_MEMBERS(X) VANTREL_OUTPUT_PROPERTIES(X) VANTREL_OUTPUT_FIGURES(X)
 

@@ -264,6 +264,44 @@ private Q_SLOTS:
         QVERIFY(std::stod(m_peer->value(program + "screenRate")) > 20);
     }
 
+    /// On a screen without a program alone, and not again after it.
+    void showsWhichOutputItIs()
+    {
+        const std::string output = "/device/system/gpus/0/outputs/1";
+        const auto identify = [&](const char* on) {
+            invoke(output + "/methods/identify", std::string(R"({"on":)") + on + "}");
+        };
+        const auto isIdentified = [&] {
+            m_peer->read();
+            return m_peer->value(output + "/properties/identified") == "true";
+        };
+        // The outermost pixels, and between the bars of colour and those of grey.
+        const auto isCard = [this] {
+            const QImage seen = m_screen->grab();
+            return seen.pixel(0, 0) == 0xffffffff && seen.pixel(639, 359) == 0xffffffff &&
+                   seen.pixel(4, 290) == 0xffffffff && seen.pixel(120, 290) == 0xffffff00 &&
+                   seen.pixel(4, 340) == 0xff000000;
+        };
+        play(QStringLiteral("green.png"));
+        QTRY_COMPARE_WITH_TIMEOUT(m_screen->grab().pixel(320, 180), 0xff00ff00, patience);
+        identify("true");
+        QTest::qWait(300);
+        QVERIFY(!isIdentified() && !isCard());
+        write("program/properties/media", "");
+        QTRY_COMPARE_WITH_TIMEOUT(m_screen->grab().pixel(320, 180), 0xff000000, patience);
+        identify("true");
+        QTRY_VERIFY_WITH_TIMEOUT(isCard() && isIdentified(), patience);
+        play(QStringLiteral("green.png"));
+        QTRY_COMPARE_WITH_TIMEOUT(m_screen->grab().pixel(320, 180), 0xff00ff00, patience);
+        QTRY_VERIFY_WITH_TIMEOUT(!isIdentified(), patience);
+        write("program/properties/media", "");
+        QTRY_COMPARE_WITH_TIMEOUT(m_screen->grab().pixel(320, 180), 0xff000000, patience);
+        identify("true");
+        QTRY_VERIFY_WITH_TIMEOUT(isCard(), patience);
+        identify("false");
+        QTRY_COMPARE_WITH_TIMEOUT(m_screen->grab().pixel(320, 180), 0xff000000, patience);
+    }
+
     /// Killed, and started again after the pause that its service makes.
     void comesBackWithinTwoSeconds()
     {
