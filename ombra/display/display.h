@@ -6,6 +6,7 @@
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
+#include <deque>
 #include <functional>
 #include <mutex>
 #include <thread>
@@ -31,6 +32,9 @@ public:
     void setAsker(Asker asker);
     void show(ShownMoment moment);
     void setGround(Painter::Ground ground);
+    /// Pictures are shown so many seconds after their moment, by whole beats of the display: with their
+    /// sound, which takes its time to a loudspeaker.
+    void setDelay(double seconds) { m_delay = seconds; }
 
     struct Figures
     {
@@ -57,19 +61,22 @@ private:
     Fate present(Window& window);
     /// False where nothing came in time.
     bool ask(Clock::time_point moment, Clock::duration patience);
+    /// Lets go of the moments before the one whose time has come.
+    const ShownMoment& due(double rate);
     bool isStopped() const;
     void waitUntil(Clock::time_point moment);
 
     const Kind m_kind;
     const int m_screen;
     const std::string m_title;
+    std::atomic<double> m_delay{0}; // seconds
 
     std::mutex m_askerMutex;
     Asker m_asker;
 
     mutable std::mutex m_mutex;
     std::condition_variable m_change;
-    ShownMoment m_moment;
+    std::deque<ShownMoment> m_moments; // from the one that is due to the newest
     bool m_fresh = false;
     Painter::Ground m_ground;
     Figures m_figures;
