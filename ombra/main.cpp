@@ -10,6 +10,7 @@
 #include <cmath>
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <optional>
@@ -213,7 +214,12 @@ int main(int argc, char** argv)
         return 2;
     const LogToFile log(arguments->log);
     try {
-        return serve(arguments->server);
+        const int code = serve(arguments->server);
+        if (SoundOut::isHanging()) {
+            Log::setSink({});
+            std::_Exit(code);
+        }
+        return code;
     } catch (const std::exception& e) {
         std::fprintf(stderr, "ombra: %s\n", e.what());
         return 1;

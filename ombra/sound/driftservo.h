@@ -14,10 +14,9 @@ public:
     void corrected();
     double rate() const { return m_rate; } // 0.001: a thousandth faster
 
-    static constexpr double fastest = 0.01; // a sixth of a semitone
-
 private:
     bool m_hasBegun = false;
+    double m_age = 0;  // seconds
     double m_late = 0; // without the jitter of threads
     double m_lasting = 0;
     double m_rate = 0;

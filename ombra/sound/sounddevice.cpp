@@ -71,7 +71,7 @@ std::unique_ptr<SoundDevice> SoundDevice::open(const std::string& name, std::str
     if (all.empty())
         fail(error, "this machine has no sound device");
     else if (!name.empty() && found == all.end())
-        fail(error, "there is none of the name \"" + name + "\"");
+        fail(error, "there is no sound device of the name \"" + name + "\"");
     else {
         device->m_name = name.empty() ? name : *found;
         device->m_channels = channelsOf(device->m_name, all);

@@ -14,10 +14,13 @@ using namespace std::chrono_literals;
 constexpr auto lookAgainAfter = 1s; // for a device that is not there
 constexpr auto lookEach = 5ms;      // whether one that is there has enough to play
 constexpr auto tellEach = 10s;      // gaps, at most
+constexpr auto provenAfter = 500ms; // of asking for sound
 constexpr auto hangsAfter = 2s;     // without asking for sound
 constexpr auto patience = 1s;       // of the end
 constexpr int abandonedAtMost = 4;  // devices that hang while they are closed
 constexpr double usualDelay = 0.08; // seconds, while no device has told what it needs
+
+std::atomic<int> abandoned{0}; // threads that wait for a device which hangs
 
 } // namespace
 
@@ -32,7 +35,7 @@ void SoundOut::Keeper::run()
 {
     while (!isStopped()) {
         std::string error;
-        if (auto device = m_abandoned < abandonedAtMost ? SoundDevice::open(m_name, &error) : nullptr)
+        if (auto device = abandoned < abandonedAtMost ? SoundDevice::open(m_name, &error) : nullptr)
             serve(std::move(device));
         else if (trouble().empty() && !error.empty())
             setTrouble("Program is silent: " + error + ". It is heard as soon as the sound device is there.");
@@ -48,16 +51,15 @@ bool SoundOut::Keeper::stop()
     std::unique_lock lock(m_mutex);
     m_stop = true;
     m_change.notify_all();
-    return m_change.wait_for(lock, patience, [this] { return m_ended; });
+    if (m_change.wait_for(lock, patience, [this] { return m_ended; }))
+        return true;
+    ++abandoned;
+    return false;
 }
 
 void SoundOut::Keeper::serve(std::unique_ptr<SoundDevice> device)
 {
-    setTrouble({});
     setStream(device->stream(), SoundStream::leastDelay(device->rate(), device->framesAtOnce()));
-    Log::write_fmt(LogLevel::Info, {}, "vantrel.sound", "program's sound goes to %s: %d channels at %d Hz",
-                   device->name().empty() ? "the machine's own device" : device->name().c_str(),
-                   device->channels(), device->rate());
     watch(*device);
     tellGaps(*device->stream());
     {
@@ -78,11 +80,16 @@ void SoundOut::Keeper::watch(const SoundDevice& device)
     SoundStream& stream = *device.stream();
     const auto begun = SoundStream::Clock::now();
     auto toldAt = begun;
+    bool isProven = false;
     m_toldGaps = 0;
     while (!waitFor(lookEach) && device.isAlive()) {
         const auto now = SoundStream::Clock::now();
         if (now - std::max(begun, stream.lastAsked()) > hangsAfter)
             return;
+        if (!isProven && now - begun > provenAfter && now - stream.lastAsked() < provenAfter) {
+            isProven = true;
+            welcome(device);
+        }
         if (now - toldAt > tellEach) {
             toldAt = now;
             tellGaps(stream);
@@ -91,6 +98,15 @@ void SoundOut::Keeper::watch(const SoundDevice& device)
         if (stream.isStarving() && m_asker)
             m_asker();
     }
+}
+
+/// A device that opens may still hang with its first sound.
+void SoundOut::Keeper::welcome(const SoundDevice& device)
+{
+    setTrouble({});
+    Log::write_fmt(LogLevel::Info, {}, "vantrel.sound", "program's sound goes to %s: %d channels at %d Hz",
+                   device.name().empty() ? "the machine's own device" : device.name().c_str(),
+                   device.channels(), device.rate());
 }
 
 void SoundOut::Keeper::tellGaps(const SoundStream& stream)
@@ -105,8 +121,11 @@ void SoundOut::Keeper::tellGaps(const SoundStream& stream)
 /// Closing waits for its driver, which answers nobody.
 void SoundOut::Keeper::abandon(std::unique_ptr<SoundDevice> device)
 {
-    ++m_abandoned;
-    std::thread([device = std::move(device)]() mutable { device.reset(); }).detach();
+    ++abandoned;
+    std::thread([device = std::move(device)]() mutable {
+        device.reset();
+        --abandoned;
+    }).detach();
 }
 
 void SoundOut::Keeper::setTrouble(const std::string& trouble)
@@ -150,6 +169,11 @@ std::string SoundOut::Keeper::trouble() const
 {
     const std::lock_guard lock(m_mutex);
     return m_trouble;
+}
+
+bool SoundOut::Keeper::isHanging()
+{
+    return abandoned > 0;
 }
 
 bool SoundOut::Keeper::waitFor(std::chrono::milliseconds time)

@@ -23,10 +23,12 @@ public:
     std::shared_ptr<SoundStream> stream() const;
     double pictureDelay(double pictureRate);
     std::string trouble() const;
+    static bool isHanging();
 
 private:
     void serve(std::unique_ptr<SoundDevice> device);
     void watch(const SoundDevice& device);
+    void welcome(const SoundDevice& device);
     void tellGaps(const SoundStream& stream);
     void abandon(std::unique_ptr<SoundDevice> device);
     void setTrouble(const std::string& trouble);
@@ -49,7 +51,6 @@ private:
 
     // Of run():
     long long m_toldGaps = 0;
-    int m_abandoned = 0;
 };
 
 } // namespace vantrel::ombra

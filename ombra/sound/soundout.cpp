@@ -35,6 +35,11 @@ double SoundOut::pictureDelay(double pictureRate)
     return m_keeper->pictureDelay(pictureRate);
 }
 
+bool SoundOut::isHanging()
+{
+    return Keeper::isHanging();
+}
+
 std::string SoundOut::trouble() const
 {
     return m_keeper->trouble();

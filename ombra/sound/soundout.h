@@ -22,6 +22,9 @@ public:
     ~SoundOut();
     SoundOut(const SoundOut&) = delete;
 
+    /// Whether threads wait for a device that hangs: they would hold up an orderly end of the process.
+    static bool isHanging();
+
     static constexpr double largestOffset = 0.25; // seconds
 
     /// Who is asked for the next moment when a device runs out of sound. After this returns the one before is
