@@ -1,12 +1,16 @@
 #include "ombra/base/version.h"
 #include "ombra/server.h"
+#include "ombra/sound/sounddevice.h"
+#include "ombra/sound/soundout.h"
 #include "tarn/log/logwriter.h"
 
 #include <boost/asio/signal_set.hpp>
 
 #include <charconv>
+#include <cmath>
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <optional>
@@ -20,7 +24,8 @@ using namespace vantrel::ombra;
 constexpr const char* usage =
     "usage: ombra --media DIR --state DIR [--bind ADDR] [--http-port N] [--link-port N] [--preview-port N]\n"
     "             [--ftp-port N] [--host-name NAME]... [--no-discovery] [--simulate-outputs] [--log FILE]\n"
-    "             [--display [window]]\n"
+    "             [--display [window]] [--sound [DEVICE]] [--no-sound] [--sound-offset MS]\n"
+    "       ombra --sound-devices\n"
     "\n"
     "  --media DIR        the folder of the media files\n"
     "  --state DIR        where the show is kept; made where needed\n"
@@ -34,6 +39,15 @@ constexpr const char* usage =
     "  --no-discovery     do not answer searches of the network\n"
     "  --display          program full screen on the second screen, or the only one; \"--display window\" in "
     "a window\n"
+    "  --sound            program's sound on the machine's own sound device, or on the one of that name, or "
+    "part "
+    "of it;\n"
+    "                     --display has it as well\n"
+    "  --no-sound         pictures alone\n"
+    "  --sound-offset MS  sound so much later than the pictures, -250 to 250 (0): for what amplifiers and "
+    "screens "
+    "take\n"
+    "  --sound-devices    the names of the sound devices that are there\n"
     "  --simulate-outputs displays are plugged in and out by POST /api/brume/v1/simulate/outputs/0 and 1\n"
     "  --log FILE         write the log there instead of to standard error: 10 MB a file, FILE and FILE.1 to "
     "FILE.4\n";
@@ -44,9 +58,19 @@ bool parsePort(std::string_view text, unsigned short& out)
     return code == std::errc() && end == text.data() + text.size();
 }
 
+bool parseOffset(std::string_view text, double& seconds)
+{
+    int milliseconds = 0;
+    const auto [end, code] = std::from_chars(text.data(), text.data() + text.size(), milliseconds);
+    seconds = milliseconds / 1000.0;
+    return code == std::errc() && end == text.data() + text.size() &&
+           std::abs(seconds) <= SoundOut::largestOffset;
+}
+
 struct Arguments
 {
     ServerOptions server;
+    bool noSound = false;
     std::string log;
 };
 
@@ -69,6 +93,8 @@ bool parseOption(std::string_view name, const char* value, Arguments& arguments)
         return parsePort(value, options.previewPort);
     else if (name == "--ftp-port")
         return parsePort(value, options.ftpPort);
+    else if (name == "--sound-offset")
+        return parseOffset(value, options.soundOffset);
     else if (name == "--bind") {
         boost::system::error_code code;
         options.bind = boost::asio::ip::make_address(value, code);
@@ -91,6 +117,11 @@ std::optional<Arguments> parseArguments(int argc, char** argv)
             const bool isWindow = i + 1 < argc && std::strcmp(argv[i + 1], "window") == 0;
             arguments.server.screen = isWindow ? ServerOptions::Screen::Window : ServerOptions::Screen::Full;
             i += isWindow ? 1 : 0;
+        } else if (std::strcmp(argv[i], "--sound") == 0) {
+            const bool isNamed = i + 1 < argc && argv[i + 1][0] != '-';
+            arguments.server.sound = isNamed ? argv[++i] : "";
+        } else if (std::strcmp(argv[i], "--no-sound") == 0) {
+            arguments.noSound = true;
         } else if (i + 1 >= argc || !parseOption(argv[i], argv[i + 1], arguments)) {
             std::fprintf(stderr, "ombra: cannot use \"%s%s%s\"\n%s", argv[i], i + 1 < argc ? " " : "",
                          i + 1 < argc ? argv[i + 1] : "", usage);
@@ -103,6 +134,10 @@ std::optional<Arguments> parseArguments(int argc, char** argv)
         std::fprintf(stderr, "ombra: --media and --state are needed\n%s", usage);
         return std::nullopt;
     }
+    if (arguments.noSound)
+        arguments.server.sound.reset();
+    else if (arguments.server.screen != ServerOptions::Screen::None && !arguments.server.sound)
+        arguments.server.sound = "";
     return arguments;
 }
 
@@ -122,6 +157,16 @@ public:
     LogToFile(const LogToFile&) = delete;
     LogToFile& operator=(const LogToFile&) = delete;
 };
+
+int listSoundDevices()
+{
+    std::string error;
+    for (const std::string& name : SoundDevice::names(&error))
+        std::printf("%s\n", name.c_str());
+    if (!error.empty())
+        std::fprintf(stderr, "ombra: %s\n", error.c_str());
+    return error.empty() ? 0 : 1;
+}
 
 int serve(const ServerOptions& options)
 {
@@ -155,6 +200,8 @@ int serve(const ServerOptions& options)
 int main(int argc, char** argv)
 {
     std::signal(SIGPIPE, SIG_IGN);
+    if (argc == 2 && std::strcmp(argv[1], "--sound-devices") == 0)
+        return listSoundDevices();
     if (argc == 2 && (std::strcmp(argv[1], "--help") == 0 || std::strcmp(argv[1], "--version") == 0)) {
         if (std::strcmp(argv[1], "--help") == 0)
             std::fputs(usage, stdout);
@@ -167,7 +214,12 @@ int main(int argc, char** argv)
         return 2;
     const LogToFile log(arguments->log);
     try {
-        return serve(arguments->server);
+        const int code = serve(arguments->server);
+        if (SoundOut::isHanging()) {
+            Log::setSink({});
+            std::_Exit(code);
+        }
+        return code;
     } catch (const std::exception& e) {
         std::fprintf(stderr, "ombra: %s\n", e.what());
         return 1;

@@ -26,6 +26,7 @@
 #include "ombra/show/showstore.h"
 #include "ombra/show/slotfacts.h"
 #include "ombra/show/slotprober.h"
+#include "ombra/sound/soundout.h"
 #include "tarn/discovery/networkresponder.h"
 #include "tarn/log/log.h"
 #include "tarn/media/playenums.h"
@@ -124,7 +125,10 @@ bool Server::start(std::string* error)
                                                   ? Display::Kind::Window
                                                   : Display::Kind::FullScreen,
                                               programScreen, "Program");
+    if (m_options.sound)
+        m_sound = std::make_unique<SoundOut>(*m_options.sound, m_options.soundOffset);
     startEngine();
+    keepTogether();
     countSeconds();
     m_autoStart = std::make_unique<AutoStart>(*m_store, *m_settings, *m_showFiles, *m_currentShow);
     m_autoStart->begin();
@@ -225,6 +229,14 @@ void Server::startEngine()
         m_display->setAsker([engine = m_engine.get()](auto moment) { engine->pace(moment); });
         followMapping();
     }
+    if (m_sound) {
+        m_engine->setSoundSink(
+            [sound = m_sound.get()](const std::string& playback, const HeardMoment& moment) {
+                if (playback == programPath)
+                    sound->play(moment);
+            });
+        m_sound->setAsker([engine = m_engine.get()] { engine->hurry(); });
+    }
     m_engine->setPreviewSink(
         [preview = m_preview.get()](PreviewFrame picture) { preview->show(std::move(picture)); });
     m_engine->setLevelSink([preview = m_preview.get()](const PreviewLevels& levels) {
@@ -238,6 +250,8 @@ void Server::stopEngine()
 {
     if (m_display)
         m_display->setAsker({});
+    if (m_sound)
+        m_sound->setAsker({});
     m_engine.reset();
 }
 
@@ -276,6 +290,18 @@ void Server::followTestCard()
         m_outputs->endIdentify();
     const VideoOutput* output = m_outputs->identified();
     m_display->setTestCard(output ? std::optional(TestCard{output->number(), output->name()}) : std::nullopt);
+}
+
+/// Pictures and sound, each on a device of its own.
+void Server::keepTogether()
+{
+    if (!m_sound)
+        return;
+    const Display::Figures figures = m_display ? m_display->figures() : Display::Figures();
+    const double delay = m_sound->pictureDelay(figures.isOpen ? figures.rate : 0);
+    if (m_display)
+        m_display->setDelay(delay);
+    m_notices->set("sound", m_sound->trouble());
 }
 
 void Server::watchMedia()
@@ -359,6 +385,7 @@ void Server::countSeconds()
         m_outputs->secondPassed();
         tellScreen();
         followTestCard();
+        keepTogether();
         countSeconds();
     });
 }

@@ -9,6 +9,7 @@
 
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -36,6 +37,7 @@ class SceneSettings;
 class ShowFiles;
 class ShowStore;
 class SlotProber;
+class SoundOut;
 
 struct ServerOptions
 {
@@ -50,6 +52,8 @@ struct ServerOptions
     bool discovery = true; // answer searches of the network
     enum class Screen { None, Window, Full };
     Screen screen = Screen::None;       // where program is shown
+    std::optional<std::string> sound;   // the device of program's sound, "" for the machine's own choice
+    double soundOffset = 0;             // seconds after the pictures
     bool simulateOutputs = false;       // displays are plugged in and out by a route for tests
     std::vector<std::string> hostNames; // that clients may call it by, beside the machine's own
 };
@@ -80,6 +84,7 @@ private:
     void followMapping();
     void tellScreen();
     void followTestCard();
+    void keepTogether();
     void restartPlayers();
     void watchMedia();
     void tellFolder(MediaWatcher::Folder folder);
@@ -92,6 +97,7 @@ private:
     ServerOptions m_options;
     std::unique_ptr<Display>
         m_display; // goes last: a graphics card that hangs holds up no show that is being kept
+    std::unique_ptr<SoundOut> m_sound;
     Ref<Scene> m_scene;
     std::unique_ptr<NoticeBoard> m_notices;
     std::unique_ptr<ShowStore> m_store;

@@ -3,7 +3,6 @@
 #include "tarn/log/log.h"
 
 #include <algorithm>
-#include <cmath>
 #include <system_error>
 
 namespace vantrel::ombra {
@@ -19,11 +18,6 @@ constexpr std::int64_t kept =
     Sound::sampleRate / 10; // behind the clock: it goes back to a picture's start on a pause
 constexpr std::int64_t takenAtMost = 2 * Sound::sampleRate;
 
-std::int64_t sampleAt(double time)
-{
-    return std::llround(std::clamp(time, 0.0, 1e9) * Sound::sampleRate);
-}
-
 } // namespace
 
 AudioFeed::AudioFeed(MediaSource source, double begin, std::string name, std::function<void()> arrived)
@@ -31,7 +25,7 @@ AudioFeed::AudioFeed(MediaSource source, double begin, std::string name, std::fu
     , m_name(std::move(name))
     , m_arrived(std::move(arrived))
     , m_seekTo(begin)
-    , m_playedTo(sampleAt(begin))
+    , m_playedTo(Sound::sampleAt(begin))
 {
     if (m_source.sequence)
         m_channels = 0;
@@ -70,7 +64,7 @@ void AudioFeed::seek(double time)
 {
     {
         const std::lock_guard lock(m_mutex);
-        const std::int64_t sample = sampleAt(time);
+        const std::int64_t sample = Sound::sampleAt(time);
         const bool known = isKnown(sample);
         m_playedTo = sample;
         if (!known) {
@@ -86,7 +80,7 @@ void AudioFeed::seek(double time)
 bool AudioFeed::holds(double time) const
 {
     const std::lock_guard lock(m_mutex);
-    return m_channels == 0 || isKnown(sampleAt(time));
+    return m_channels == 0 || isKnown(Sound::sampleAt(time));
 }
 
 bool AudioFeed::isKnown(std::int64_t sample) const
@@ -145,8 +139,8 @@ void AudioFeed::take(double from, double to, Sound& out)
     {
         const std::lock_guard lock(m_mutex);
         out.channels = m_channels.value_or(0);
-        const std::int64_t first = sampleAt(from);
-        const std::int64_t last = std::min(sampleAt(to), first + takenAtMost);
+        const std::int64_t first = Sound::sampleAt(from);
+        const std::int64_t last = std::min(Sound::sampleAt(to), first + takenAtMost);
         if (out.channels < 1 || last <= first)
             return;
         const std::size_t channels = static_cast<std::size_t>(out.channels);
@@ -225,7 +219,7 @@ void AudioFeed::read(Lock& lock, SoundProgramme& reader)
     if (target) {
         m_seekTo.reset();
         m_buffer.clear();
-        m_bufferStart = sampleAt(*target);
+        m_bufferStart = Sound::sampleAt(*target);
     }
     m_buffer.insert(m_buffer.end(), samples.begin(), samples.end());
     m_ended = !found;

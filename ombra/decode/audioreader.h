@@ -1,26 +1,12 @@
 #pragma once
 
 #include "ombra/decode/avinput.h"
+#include "ombra/decode/sound.h"
 
 #include <cstdint>
 #include <vector>
 
 namespace vantrel::ombra {
-
-/// A stretch of sound: samples at 48 kHz, -1 to 1, the channels of a moment side by side.
-struct Sound
-{
-    static constexpr int sampleRate = 48000;
-    static constexpr int maxChannels = 8;
-
-    int channels = 0;
-    std::vector<float> samples;
-
-    std::size_t frames() const
-    {
-        return channels > 0 ? samples.size() / static_cast<std::size_t>(channels) : 0;
-    }
-};
 
 /// One stream of sound of a medium in order, found to the sample: time 0 is where the pictures begin, or the
 /// sound where there are none. What is missing in between reads as silence. One thread at a time; calls block

@@ -13,6 +13,8 @@ namespace {
 constexpr double missedAfter = 0.5;
 /// A card that paints nothing for so many seconds has lost the window.
 constexpr double givenUpAfter = 2;
+/// Moments that wait for their time; a display that falls behind by more shows newer ones.
+constexpr std::size_t momentsAtMost = 100;
 /// How often a display is looked for that is not there, or not any more.
 constexpr auto lookAgainAfter = std::chrono::seconds(1);
 
@@ -55,7 +57,9 @@ void Display::show(ShownMoment moment)
 {
     {
         const std::lock_guard lock(m_mutex);
-        m_moment = std::move(moment);
+        if (m_moments.size() >= momentsAtMost)
+            m_moments.pop_front();
+        m_moments.push_back(std::move(moment));
         m_fresh = true;
     }
     m_change.notify_all();
@@ -108,6 +112,16 @@ bool Display::ask(Clock::time_point moment, Clock::duration patience)
     return m_fresh;
 }
 
+const ShownMoment& Display::due(double rate)
+{
+    if (m_moments.empty())
+        m_moments.emplace_back();
+    const double time = m_moments.back().time - m_delay + 0.5 / rate;
+    while (m_moments.size() > 1 && m_moments[1].time <= time)
+        m_moments.pop_front();
+    return m_moments.front();
+}
+
 void Display::run()
 {
     std::string told;
@@ -146,7 +160,7 @@ bool Display::serve(Window& window)
                    "the desktop is gone; program comes back to a screen when ombra is started again");
     const std::lock_guard lock(m_mutex);
     m_figures.isOpen = false;
-    m_moment = {};
+    m_moments.clear();
     return fate == Fate::Moved;
 }
 
@@ -156,11 +170,11 @@ ShownMoment Display::current(const Window& window, bool isFresh, Painter::Ground
     ShownMoment moment;
     {
         const std::lock_guard lock(m_mutex);
-        moment = m_moment;
+        moment = due(window.rate());
         ground = m_ground;
         card = m_card;
-        m_figures.late += isFresh && moment.late ? 1 : 0;
-        m_figures.decodeLoad = moment.load;
+        m_figures.late += isFresh && m_moments.back().late ? 1 : 0;
+        m_figures.decodeLoad = m_moments.back().load;
     }
     if (!card) {
         m_paintedCard.reset();

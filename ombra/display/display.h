@@ -7,6 +7,7 @@
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
+#include <deque>
 #include <functional>
 #include <mutex>
 #include <optional>
@@ -35,6 +36,9 @@ public:
     void setGround(Painter::Ground ground);
     /// Shown while there is no picture; nothing shows the ground alone.
     void setTestCard(std::optional<TestCard> card);
+    /// Pictures are shown so many seconds after their moment, by whole beats of the display: with their
+    /// sound, which takes its time to a loudspeaker.
+    void setDelay(double seconds) { m_delay = seconds; }
 
     struct Figures
     {
@@ -60,23 +64,26 @@ private:
     /// Whether another window is to follow.
     bool serve(Window& window);
     Fate present(Window& window);
-    /// False where nothing came in time.
     /// What is to be painted now.
     ShownMoment current(const Window& window, bool isFresh, Painter::Ground& ground);
+    /// False where nothing came in time.
     bool ask(Clock::time_point moment, Clock::duration patience);
+    /// Lets go of the moments before the one whose time has come.
+    const ShownMoment& due(double rate);
     bool isStopped() const;
     void waitUntil(Clock::time_point moment);
 
     const Kind m_kind;
     const int m_screen;
     const std::string m_title;
+    std::atomic<double> m_delay{0}; // seconds
 
     std::mutex m_askerMutex;
     Asker m_asker;
 
     mutable std::mutex m_mutex;
     std::condition_variable m_change;
-    ShownMoment m_moment;
+    std::deque<ShownMoment> m_moments; // from the one that is due to the newest
     bool m_fresh = false;
     Painter::Ground m_ground;
     std::optional<TestCard> m_card;

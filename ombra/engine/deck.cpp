@@ -50,9 +50,15 @@ void Deck::retire()
 void Deck::release(double now, double ago)
 {
     m_held = false;
-    m_clockStart = now - ago;
+    startClock(now - ago);
+}
+
+void Deck::startClock(double moment)
+{
+    m_clockStart = moment;
     m_clockPosition = m_begin;
     m_heardTo = m_begin;
+    m_beginsAnew = true;
 }
 
 void Deck::giveUp()
@@ -212,15 +218,15 @@ bool Deck::soundIsDue(double now)
 
 void Deck::play(double now, const PictureFeed::Status& status)
 {
-    if (!m_clockStart) {
-        m_clockStart = now;
-        m_clockPosition = m_begin;
-        m_heardTo = m_begin;
-    }
+    if (!m_clockStart)
+        startClock(now);
     m_clock = m_clockPosition + now - *m_clockStart;
     const double limit = end(status, true);
     const bool ends = m_clock > limit - PictureReader::tolerance;
-    hear(ends ? limit : m_clock);
+    // In whole samples of the mixing clock: all that play through a moment have equally many of it.
+    const std::int64_t samples =
+        Sound::sampleAt(m_clockPosition) + Sound::sampleAt(now) - Sound::sampleAt(*m_clockStart);
+    hear(ends ? limit : static_cast<double>(samples) / Sound::sampleRate);
     if (ends) {
         finish(limit);
         return;
@@ -238,6 +244,8 @@ void Deck::hear(double to)
 {
     if (to > m_heardTo)
         m_audio.take(m_heardTo, to, m_sound);
+    if (m_sound.frames() > 0)
+        m_goesOn = !std::exchange(m_beginsAnew, false);
     m_heardTo = std::max(m_heardTo, to);
 }
 

@@ -70,6 +70,7 @@ public:
 
     const Ref<Surface>& surface() const { return m_surface; } // null before the first picture
     const Sound& sound() const { return m_sound; }            // played since the advance before
+    bool soundGoesOn() const { return m_goesOn; } // it begins where that of the advance before ended
     /// Of the medium; nothing until they are known.
     std::optional<int> channels() const { return m_audio.channels(); }
     /// Whether the picture for this moment should have been decoded by now, and was not.
@@ -100,6 +101,7 @@ private:
     double seekLimit() const;
     void start(double position);
     bool soundIsDue(double now);
+    void startClock(double moment);
     void play(double now, const PictureFeed::Status& status);
     void hear(double to);
     void show(const Picture& picture);
@@ -128,6 +130,8 @@ private:
     double m_clock = 0;   // the position by the clock, which runs on between pictures
     double m_heardTo = 0; // the position up to which the sound was taken
     Sound m_sound;
+    bool m_goesOn = false;
+    bool m_beginsAnew = true; // what is heard next
     Ref<Surface> m_surface;
     double m_position;
     double m_shownFor = 0; // seconds that the surface stands

@@ -283,6 +283,18 @@ void Engine::setMomentSink(MomentSink sink)
     });
 }
 
+void Engine::setSoundSink(SoundSink sink)
+{
+    m_impl->mixer().setSoundSink([sink = std::move(sink)](const Playback& playback, HeardMoment moment) {
+        sink(playback.path(), std::move(moment));
+    });
+}
+
+void Engine::hurry()
+{
+    m_impl->mixer().wake();
+}
+
 void Engine::pace(std::chrono::steady_clock::time_point moment)
 {
     m_impl->mixer().pace(moment);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ombra/decode/picturereader.h"
+#include "ombra/engine/heardmoment.h"
 #include "ombra/engine/shownmoment.h"
 #include "tarn/json/json.h"
 #include "tarn/json/path.h"
@@ -69,6 +70,12 @@ public:
     using MomentSink = std::function<void(const std::string& playback, ShownMoment)>;
     void setMomentSink(MomentSink sink);
     void pace(std::chrono::steady_clock::time_point moment); // any thread
+
+    /// Who plays the sound of the playbacks, program or preview: moment after moment, on the mixing thread.
+    /// Where he runs out of it before the next one he asks for that (hurry).
+    using SoundSink = std::function<void(const std::string& playback, HeardMoment)>;
+    void setSoundSink(SoundSink sink);
+    void hurry(); // any thread
 
     /// A method of a channel or of a playback that a client invoked, "/device/channels/0/methods/take".
     /// False, and a message for the client, when there is no such object, method or argument.

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ombra/decode/audioreader.h"
+#include "ombra/decode/sound.h"
 #include "tarn/media/playenums.h"
 #include "tarn/preview/audiolevels.h"
 

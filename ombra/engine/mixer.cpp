@@ -79,6 +79,12 @@ void Mixer::setMomentSink(std::function<void(const Playback&, ShownMoment)> sink
     m_momentSink = std::move(sink);
 }
 
+void Mixer::setSoundSink(std::function<void(const Playback&, HeardMoment)> sink)
+{
+    const std::lock_guard lock(m_sinkMutex);
+    m_soundSink = std::move(sink);
+}
+
 void Mixer::setSink(std::function<void(PreviewFrame)> sink)
 {
     const std::lock_guard lock(m_sinkMutex);
@@ -93,9 +99,8 @@ void Mixer::setLevelSink(std::function<void(PreviewLevels)> sink)
 
 void Mixer::run()
 {
-    const Clock::time_point begin = Clock::now();
-    Clock::time_point next = begin;
-    Clock::time_point last = begin;
+    Clock::time_point next = m_begin;
+    Clock::time_point last = m_begin;
     std::unique_lock lock(m_wakeMutex);
     while (!m_stop) {
         m_wake.wait_until(lock, next, [this] { return m_woken || m_stop || m_paced; });
@@ -119,7 +124,7 @@ void Mixer::run()
         }
         last = std::max(now, last); // a pace is of what is shown next: later than now
         lock.unlock();
-        round(std::chrono::duration<double>(last - begin).count(), kind);
+        round(std::chrono::duration<double>(last - m_begin).count(), kind);
         m_ticked();
         lock.lock();
     }
@@ -147,6 +152,7 @@ void Mixer::round(double now, Round kind)
             output->playback->lateWatch().note(moment.late, now);
             retired = output->playback->player().takeRetired();
         }
+        play(*output, std::move(moment.heard), gain, now); // first: it is what must not come late
         Ref<Surface> surface = moment.layers.front().surface;
         for (const Player::Moment::Layer& layer : moment.layers | std::views::drop(1))
             surface = mix(surface, layer.surface, layer.type, layer.weight);
@@ -186,6 +192,15 @@ void Mixer::show(Output& output, const Player::Moment& moment, double now)
     const std::lock_guard lock(m_sinkMutex);
     if (m_momentSink)
         m_momentSink(*output.playback, std::move(shown));
+}
+
+void Mixer::play(Output& output, HeardMoment moment, double gain, double now)
+{
+    moment.gain = gain;
+    moment.end = m_begin + std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(now));
+    const std::lock_guard lock(m_sinkMutex);
+    if (m_soundSink)
+        m_soundSink(*output.playback, std::move(moment));
 }
 
 void Mixer::send(Output& output, const Ref<Surface>& surface, double now)

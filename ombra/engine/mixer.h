@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ombra/engine/engine.h"
+#include "ombra/engine/heardmoment.h"
 #include "ombra/engine/levelgauge.h"
 #include "ombra/engine/playback.h"
 #include "ombra/engine/shownmoment.h"
@@ -33,6 +34,8 @@ public:
     void pace(std::chrono::steady_clock::time_point moment);
     /// Called with every round of a pace, for each playback.
     void setMomentSink(std::function<void(const Playback&, ShownMoment)> sink);
+    /// Called with every round, for each playback.
+    void setSoundSink(std::function<void(const Playback&, HeardMoment)> sink);
     /// After this returns the sink before is not called any more.
     void setSink(std::function<void(PreviewFrame)> sink);
     void setLevelSink(std::function<void(PreviewLevels)> sink);
@@ -53,6 +56,7 @@ private:
 
     void run();
     void show(Output& output, const Player::Moment& moment, double now);
+    void play(Output& output, HeardMoment moment, double gain, double now);
     enum class Round { Woken, Paced, InTime };
     /// InTime: a moment of the rate, and not one in between; levels are of whole such moments.
     void round(double now, Round kind);
@@ -61,6 +65,7 @@ private:
 
     std::mutex& m_lock;
     const Clock::duration m_period;
+    const Clock::time_point m_begin = Clock::now(); // of the mixing clock
     const std::function<void()> m_ticked;
     std::vector<std::unique_ptr<Output>> m_outputs; // under m_lock
 
@@ -68,6 +73,7 @@ private:
     std::function<void(PreviewFrame)> m_sink;
     std::function<void(PreviewLevels)> m_levelSink;
     std::function<void(const Playback&, ShownMoment)> m_momentSink;
+    std::function<void(const Playback&, HeardMoment)> m_soundSink;
 
     std::mutex m_wakeMutex;
     std::condition_variable m_wake;

@@ -1,6 +1,7 @@
 #include "ombra/engine/player.h"
 
 #include "ombra/engine/levelgauge.h"
+#include "ombra/engine/mix.h"
 #include "tarn/media/playenums.h"
 
 #include <algorithm>
@@ -195,6 +196,7 @@ Player::Moment Player::advance(double now)
         if (layer.progress >= whole)
             lowest = i;
     }
+    moment.heard = finishSound();
     dropBelow(lowest);
     for (const Layer& layer : m_layers)
         moment.layers.push_back(shown(layer));
@@ -312,6 +314,10 @@ void Player::handOver(double ago, Moment& moment)
         addSound(moment.sound, isComing
                                    ? mixSound({}, following.deck->sound(), top.transition.type, top.progress)
                                    : following.deck->sound());
+    if (isCut)
+        m_heard.append(*following.deck, isComing ? mixShares(top.transition.type, top.progress).to : 1);
+    else
+        m_heard.overlay(*following.deck, 0);
     std::shared_ptr<Deck> before = following.loops ? std::exchange(top.deck, nullptr) : nullptr;
     if (isComing)
         retire(std::exchange(top.deck, std::move(following.deck)));
@@ -326,8 +332,14 @@ void Player::handOver(double ago, Moment& moment)
     }
 }
 
-void Player::sound(Moment& moment) const
+void Player::sound(Moment& moment)
 {
+    const std::vector<double> share = shares();
+    m_heard.begin(m_before, m_now);
+    for (std::size_t i = 0; i < m_layers.size(); ++i) {
+        if (m_layers[i].deck)
+            m_heard.add(*m_layers[i].deck, share[i]);
+    }
     moment.channels = onAir() ? onAir()->channels() : std::optional(0);
     const Sound silence;
     for (const Layer& layer : m_layers) {
@@ -338,6 +350,31 @@ void Player::sound(Moment& moment) const
         if (moment.channels && layer.deck)
             moment.channels = std::max(*moment.channels, layer.deck->channels().value_or(0));
     }
+}
+
+/// How much of each layer there is.
+std::vector<double> Player::shares() const
+{
+    std::vector<double> result;
+    for (const Layer& layer : m_layers) {
+        const MixShares mix =
+            &layer == m_layers.data() ? MixShares{0, 1} : mixShares(layer.transition.type, layer.progress);
+        for (double& below : result)
+            below *= mix.from;
+        result.push_back(mix.to);
+    }
+    return result;
+}
+
+/// What was cut off sounds to the end of the moment as it did; the others go over to the shares of now.
+HeardMoment Player::finishSound()
+{
+    const std::vector<double> share = shares();
+    for (std::size_t i = 0; i < m_layers.size(); ++i) {
+        if (m_layers[i].deck)
+            m_heard.setEnd(*m_layers[i].deck, share[i]);
+    }
+    return m_heard.finish();
 }
 
 bool Player::inTransition() const

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ombra/engine/deck.h"
+#include "ombra/engine/soundlayers.h"
 #include "tarn/media/playenums.h"
 
 #include <deque>
@@ -26,6 +27,7 @@ public:
         };
         std::vector<Layer> layers;   // the lowest first; at least one
         Sound sound;                 // mixed, of the time since the moment before
+        HeardMoment heard;           // the same, not mixed yet; without its gain and its time
         std::optional<int> channels; // of what plays; nothing while that is not known
         bool late = false;           // a picture of it was not decoded in time
         double load = 0;             // of the deck whose decoding takes most of its time
@@ -138,7 +140,9 @@ private:
     double overlap(const Following& following) const;
     std::optional<double> hasBegunBefore(const Following& following) const;
     void handOver(double ago, Moment& moment);
-    void sound(Moment& moment) const;
+    void sound(Moment& moment);
+    std::vector<double> shares() const;
+    HeardMoment finishSound();
     void dropBelow(std::size_t layer);
     void retire(std::shared_ptr<Deck> deck);
     Deck* onAir() const { return m_layers.back().deck.get(); }
@@ -155,6 +159,7 @@ private:
     double m_now = 0;
     double m_before = 0; // "now" of the moment before
     std::vector<Retired> m_retired;
+    SoundLayers m_heard;
 };
 
 } // namespace vantrel::ombra

@@ -14,6 +14,7 @@ MAY_KNOW = {
     "tarn/qt": ["tarn"],
     "ombra": ["ombra", "tarn", "util"],
     "ombra/display": ["ombra/display", "ombra/decode", "ombra/base", "ombra/engine/shownmoment.h", "tarn"],
+    "ombra/sound": ["ombra/sound", "ombra/decode", "ombra/base", "ombra/engine/heardmoment.h", "tarn"],
     "launcher": ["launcher", "common", "util", "tarn"],
     "common": ["common", "tarn", "util"],
 }
@@ -30,7 +31,7 @@ GROUND = [
     ["ombra/base"],
     ["ombra/decode", "ombra/link", "ombra/outputs", "ombra/preview"],
     ["ombra/engine", "ombra/show"],
-    ["ombra/rest", "ombra/ftp", "ombra/display"],
+    ["ombra/rest", "ombra/ftp", "ombra/display", "ombra/sound"],
     ["ombra"],
 ]
 HANDLE = "common/session/session.h"
@@ -104,9 +105,8 @@ ASKED = "Session::instance()"
 INSTANCE = re.compile(r"\b((?!Q[A-Z]\w*Application\b)[A-Z]\w*)::instance\(\)")
 # Modules that core rooms know nothing of, also where an include names the module itself.
 WIDGETS = re.compile(r"Qt\w*Widgets/")
-# What shows pictures on a screen, and the only room that knows how.
-DISPLAY = "ombra/display"
-DISPLAY_SYSTEM = re.compile(r"SDL|X11/|libplacebo/")
+# What reaches the screens and the sound devices of a machine, and the only rooms that know how.
+DEVICES = {"ombra/display": re.compile(r"SDL|X11/|libplacebo/"), "ombra/sound": re.compile(r"SDL")}
 # Qt stays out of these rooms.
 NO_QT = ["util", "tarn", "ombra"]
 NO_QT_EXCEPT = ["tarn/qt"]
@@ -159,8 +159,9 @@ def faults_of(root, path, floors, core):
             continue
         ours, system = match.groups()
         where = f"{name}:{number}"
-        if system and DISPLAY_SYSTEM.match(system) and not in_room(name, DISPLAY):
-            yield f"{where}: includes <{system}>, which only {DISPLAY} knows"
+        knowing = [r for r, headers in DEVICES.items() if system and headers.match(system)]
+        if knowing and not any(in_room(name, r) for r in knowing):
+            yield f"{where}: includes <{system}>, which only {' and '.join(knowing)} know"
         if system:
             is_qt = re.match(r"Q[A-Z]|Qt[A-Z]", system)
             if is_qt and any(in_room(name, r) for r in NO_QT) and not any(in_room(name, r) for r in NO_QT_EXCEPT):

@@ -1,0 +1,56 @@
+#pragma once
+
+#include "ombra/sound/sounddevice.h"
+#include "ombra/sound/soundout.h"
+
+#include <condition_variable>
+#include <mutex>
+#include <string>
+
+namespace vantrel::ombra {
+
+/// What SoundOut's thread does: it outlives SoundOut where a device hangs.
+class SoundOut::Keeper
+{
+public:
+    Keeper(std::string device, double offset);
+
+    void run();
+    /// True when run() has ended in time.
+    bool stop();
+
+    void setAsker(std::function<void()> asker);
+    std::shared_ptr<SoundStream> stream() const;
+    double pictureDelay(double pictureRate);
+    std::string trouble() const;
+    static bool isHanging();
+
+private:
+    void serve(std::unique_ptr<SoundDevice> device);
+    void watch(const SoundDevice& device);
+    void welcome(const SoundDevice& device);
+    void tellGaps(const SoundStream& stream);
+    void abandon(std::unique_ptr<SoundDevice> device);
+    void setTrouble(const std::string& trouble);
+    void setStream(std::shared_ptr<SoundStream> stream, double leastDelay);
+    bool waitFor(std::chrono::milliseconds time);
+    bool isStopped() const;
+
+    const std::string m_name;
+    const double m_offset; // seconds
+
+    std::mutex m_askerMutex;
+    std::function<void()> m_asker;
+
+    mutable std::mutex m_mutex;
+    std::condition_variable m_change;
+    std::shared_ptr<SoundStream> m_stream;
+    double m_leastDelay = 0;
+    std::string m_trouble;
+    bool m_stop = false, m_ended = false;
+
+    // Of run():
+    long long m_toldGaps = 0;
+};
+
+} // namespace vantrel::ombra
