@@ -13,6 +13,7 @@
 #include <cstring>
 #include <fcntl.h>
 #include <sys/file.h>
+#include <thread>
 #include <unistd.h>
 #include <utility>
 
@@ -23,6 +24,19 @@ namespace {
 /// Bytes of a journal, far from what a start still reads.
 constexpr std::uint64_t largeJournal = 256u << 20;
 constexpr std::uint64_t untilNextTry = 64u << 20;
+constexpr std::chrono::seconds lockPatience{2};
+
+/// A server that was killed while it started another program leaves its lock with that for a moment.
+bool takes(int file, std::chrono::milliseconds patience)
+{
+    const auto end = std::chrono::steady_clock::now() + patience;
+    while (::flock(file, LOCK_EX | LOCK_NB) != 0) {
+        if (std::chrono::steady_clock::now() >= end)
+            return false;
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+    return true;
+}
 
 /// Whether a path is fine and the disk takes nothing just now.
 bool isDiskTrouble(int code)
@@ -48,7 +62,7 @@ ShowDisk::~ShowDisk()
 
 bool ShowDisk::open(std::string* error)
 {
-    const Lock result = lock(error);
+    const Lock result = lock(error, lockPatience);
     if (result != Lock::Ours && result != Lock::Unwritable)
         return false;
     // What cannot be read is not empty: a new show in its place would later overwrite what is there.
@@ -60,7 +74,7 @@ bool ShowDisk::open(std::string* error)
            fail(error, "cannot read " + m_folder.string() + ": " + code.message());
 }
 
-ShowDisk::Lock ShowDisk::lock(std::string* error)
+ShowDisk::Lock ShowDisk::lock(std::string* error, std::chrono::milliseconds patience)
 {
     if (m_lock >= 0)
         return Lock::Ours;
@@ -79,7 +93,7 @@ ShowDisk::Lock ShowDisk::lock(std::string* error)
         file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC); // one can be held on a read-only disk as well
     if (file < 0)
         return failed("cannot open " + path.string(), trouble);
-    if (::flock(file, LOCK_EX | LOCK_NB) != 0) {
+    if (!takes(file, patience)) {
         ::close(file);
         fail(error, "another server uses the state folder " + m_folder.string());
         return Lock::Others;

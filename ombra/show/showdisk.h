@@ -2,6 +2,7 @@
 
 #include "tarn/json/json.h"
 
+#include <chrono>
 #include <cstdint>
 #include <filesystem>
 #include <span>
@@ -27,8 +28,8 @@ public:
     ShowDisk& operator=(const ShowDisk&) = delete;
 
     /// Creates the folder where needed and takes its lock. False, with the reason, when another server has
-    /// it, the path cannot be one or what it holds cannot be read. A disk that takes nothing is no failure:
-    /// writing then says so.
+    /// it and keeps it, the path cannot be one or what it holds cannot be read. A disk that takes nothing is
+    /// no failure: writing then says so.
     bool open(std::string* error);
 
     /// What was loaded: the next snapshot follows on its generation, and puts its damaged files aside.
@@ -50,7 +51,7 @@ public:
 
 private:
     enum class Lock { Ours, Others, Unwritable, Impossible };
-    Lock lock(std::string* error);
+    Lock lock(std::string* error, std::chrono::milliseconds patience = {});
     void keepDamaged();
     void postponeSnapshot();
 

@@ -11,10 +11,13 @@
 #include <boost/asio/io_context.hpp>
 
 #include <csignal>
+#include <fcntl.h>
 #include <map>
 #include <optional>
 #include <random>
+#include <sys/file.h>
 #include <sys/resource.h>
+#include <thread>
 #include <unistd.h>
 
 using namespace vantrel;
@@ -444,6 +447,22 @@ private Q_SLOTS:
         std::string error;
         QVERIFY(!other.open([] { return MediaLibrary(); }, &error));
         QVERIFY2(error.find("another server") != std::string::npos, error.c_str());
+    }
+
+    /// What a server that was killed had just forked has its lock until it is another program.
+    void theNextServerWaitsForAChild()
+    {
+        m_store.reset();
+        const QByteArray path = m_folder->filePath(QStringLiteral("lock")).toUtf8();
+        const int file = ::open(path.constData(), O_RDWR | O_CLOEXEC);
+        QVERIFY(file >= 0 && ::flock(file, LOCK_EX | LOCK_NB) == 0);
+        std::thread child([file] {
+            std::this_thread::sleep_for(std::chrono::milliseconds(300));
+            ::close(file);
+        });
+        const bool isOpen = open(m_folder->path());
+        child.join();
+        QVERIFY(isOpen);
     }
 
     void writesSnapshotsNowAndThen()
