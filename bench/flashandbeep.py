@@ -2,12 +2,13 @@
 """Measures how far program's sound is from its picture: a medium that flashes and beeps once a second, on a virtual
 screen whose pixels are watched and a sound device that is a pipe.
 
-usage: flashandbeep.py [SECONDS] [OPTION OF OMBRA]...
+usage: flashandbeep.py [SECONDS [ERROR OF THE DEVICE'S CLOCK, MILLIONTHS [OPTION OF OMBRA...]]]
 
-Sound counts as heard when a device plays it that is asked for a block while it plays the one before. Below 0 it is early.
+The medium flashes and beeps in the same moment. Below 0 its sound is early.
 """
 import array
 import ctypes
+import fcntl
 import json
 import os
 import pathlib
@@ -22,8 +23,9 @@ import time
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 OMBRA = ROOT / "build/release/bin/ombra"
-CHANNELS, BLOCK, RATE = 8, 485, 48000  # a block is larger than what the driver's file holds back
+CHANNELS, RATE = 8, 48000  # so many that what the driver's file holds back is little of a block
 FRAME = 4 * CHANNELS
+PATIENCE = 0.1  # seconds, with threads of a machine that has much to do
 
 
 def make_medium(folder):
@@ -65,32 +67,48 @@ def watch(screen, end, flashes):
         time.sleep(0.0005)
 
 
-def listen(pipe, end, chunks):
-    while time.monotonic() < end:
-        data = os.read(pipe, 65536)
-        chunks.append((time.monotonic(), data))
-        if not data:
-            return
+class Device:
+    """A sound device: takes frames from the pipe by its own clock, however late its thread comes, and knows when each is
+    heard. The pipe has room for what it is written at once, as a device has one block in hand."""
 
+    def __init__(self, path, error):
+        os.mkfifo(path)
+        self.rate = RATE * (1 + error)
+        self.pipe = os.open(path, os.O_RDWR | os.O_NONBLOCK)
+        fcntl.fcntl(self.pipe, fcntl.F_SETPIPE_SZ, 16384)
+        self.data = bytearray()
+        self.starts = []  # (byte, moment): where it began to play, and began again after it had nothing
 
-def beeps(chunks):
-    """The moments at which a beep begins to be heard."""
-    samples = array.array("f")
-    data = b"".join(data for _, data in chunks)
-    samples.frombytes(data[:len(data) // FRAME * FRAME])
-    arrivals, at = [], 0  # of the first byte of each block
-    for moment, part in chunks:
-        at += len(part)
-        while len(arrivals) * BLOCK * FRAME < at:
-            arrivals.append(moment)
-    period = (arrivals[-1] - arrivals[0]) / (len(arrivals) - 1)
-    heard, quiet = [], 0
-    for frame, value in enumerate(samples[::CHANNELS]):
-        if abs(value) > 0.05 and quiet > RATE / 4:
-            block, inside = divmod(frame, BLOCK)
-            heard.append(arrivals[block] + period * (1 + inside / BLOCK))
-        quiet = 0 if abs(value) > 0.05 else quiet + 1
-    return heard, BLOCK / period / RATE
+    def run(self, end):
+        while time.monotonic() < end:
+            at, moment = self.starts[-1] if self.starts else (0, time.monotonic())
+            due = at + int((time.monotonic() - moment) * self.rate) * FRAME
+            try:
+                while len(self.data) < due or not self.starts:
+                    part = os.read(self.pipe, max(FRAME, min(4096, due - len(self.data))))
+                    if not self.starts:
+                        self.starts.append((0, time.monotonic()))
+                        due = 0
+                    self.data += part
+            except BlockingIOError:  # the writer comes in a moment, or has nothing
+                if self.starts and due - len(self.data) > PATIENCE * self.rate * FRAME:
+                    self.starts.append((len(self.data), time.monotonic()))
+            time.sleep(0.001)
+
+    def heard(self, frame):
+        at, moment = [start for start in self.starts if start[0] <= frame * FRAME][-1]
+        return moment + (frame - at / FRAME) / self.rate
+
+    def beeps(self):
+        """The moments at which one begins to be heard."""
+        samples = array.array("f")
+        samples.frombytes(self.data[:len(self.data) // FRAME * FRAME])
+        moments, quiet = [], 0
+        for frame, value in enumerate(samples[::CHANNELS]):
+            if abs(value) > 0.05 and quiet > RATE / 4:
+                moments.append(self.heard(frame))
+            quiet = 0 if abs(value) > 0.05 else quiet + 1
+        return moments
 
 
 def play(port):
@@ -104,53 +122,52 @@ def play(port):
     return link
 
 
-def tell(flashes, heard, clock):
-    pairs = [(flash, min((beep - flash for beep in heard), key=abs)) for flash in flashes]
-    pairs = [(flash, offset * 1000) for flash, offset in pairs if abs(offset) < 0.4]
+def tell(flashes, heard, error, gaps):
+    pairs = [(flash, min((beep - flash for beep in heard), key=abs) * 1000) for flash in flashes if heard]
+    pairs = [(flash, offset) for flash, offset in pairs if abs(offset) < 400]
     offsets = [offset for _, offset in pairs]
     if len(pairs) < 2:
         sys.exit(f"{len(flashes)} flashes and {len(heard)} beeps: nothing to compare")
     slope = statistics.linear_regression(*zip(*pairs)).slope
-    print("| flashes | device's clock | offset, middle | least | most | drift |")
-    print("|---:|---:|---:|---:|---:|---:|")
-    print(f"| {len(pairs)} | {(clock - 1) * 100:+.2f} % | {statistics.median(offsets):+.1f} ms | {min(offsets):+.1f} ms "
-          f"| {max(offsets):+.1f} ms | {slope * 60:+.2f} ms a minute |")
+    print("| Device's clock | Flashes | Sound after picture, middle | Least | Most | Drift | Device ran dry |")
+    print("|---:|---:|---:|---:|---:|---:|---:|")
+    print(f"| {error:+.0f} ppm | {len(pairs)} | {statistics.median(offsets):+.1f} ms | {min(offsets):+.1f} ms "
+          f"| {max(offsets):+.1f} ms | {slope * 60:+.2f} ms a minute | {gaps} times |")
 
 
 def main():
     seconds = float(sys.argv[1]) if len(sys.argv) > 1 else 60
+    error = float(sys.argv[2]) if len(sys.argv) > 2 else 100
     with tempfile.TemporaryDirectory() as name:
         folder = pathlib.Path(name)
         (folder / "media").mkdir()
         make_medium(folder / "media")
-        os.mkfifo(folder / "pipe")
-        pipe = os.open(folder / "pipe", os.O_RDONLY | os.O_NONBLOCK)
-        os.set_blocking(pipe, True)
+        device = Device(folder / "pipe", error / 1e6)
         screen = Screen()
         environment = dict(os.environ, DISPLAY=screen.name, SDL_VIDEODRIVER="x11", SDL_AUDIODRIVER="disk",
-                           SDL_DISKAUDIOFILE=str(folder / "pipe"), SDL_AUDIO_CHANNELS=str(CHANNELS),
-                           SDL_AUDIO_SAMPLES=str(BLOCK))
+                           SDL_DISKAUDIOFILE=str(folder / "pipe"), SDL_DISKAUDIODELAY="0",
+                           SDL_AUDIO_CHANNELS=str(CHANNELS))
         server = subprocess.Popen([OMBRA, "--media", folder / "media", "--state", folder / "state", "--http-port", "0",
                                    "--link-port", "0", "--preview-port", "0", "--ftp-port", "0", "--no-discovery",
-                                   "--display", *sys.argv[2:]], env=environment, stdout=subprocess.PIPE, text=True)
+                                   "--display", *sys.argv[3:]], env=environment, stdout=subprocess.PIPE, text=True)
         try:
             ready = dict(word.split("=") for word in server.stdout.readline().split() if "=" in word)
-            end = time.monotonic() + 5 + seconds  # the servo and the window have settled by then
-            chunks, flashes = [], []
-            ears = threading.Thread(target=listen, args=(pipe, end, chunks))
+            end = time.monotonic() + 8 + seconds
+            flashes = []
+            ears = threading.Thread(target=device.run, args=(end,))
             ears.start()
-            time.sleep(2)
+            time.sleep(4)  # the device's clock is known by then, and the screen's beat
             link = play(int(ready["link"]))
-            time.sleep(3)
-            watch(screen, end, flashes)
+            time.sleep(2)
+            watch(screen, end - 2, flashes)
             ears.join()
             link.close()
         finally:
-            server.terminate()
+            server.kill()
             server.wait()
             screen.process.terminate()
             screen.process.wait()
-        tell(flashes, *beeps(chunks))
+        tell(flashes, device.beeps(), error, len(device.starts) - 1)
 
 
 if __name__ == "__main__":

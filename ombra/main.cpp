@@ -3,6 +3,7 @@
 #include "ombra/sound/sounddevice.h"
 #include "ombra/sound/soundout.h"
 #include "tarn/log/logwriter.h"
+#include "tarn/media/enumtext.h"
 
 #include <boost/asio/signal_set.hpp>
 
@@ -24,7 +25,7 @@ using namespace vantrel::ombra;
 constexpr const char* usage =
     "usage: ombra --media DIR --state DIR [--bind ADDR] [--http-port N] [--link-port N] [--preview-port N]\n"
     "             [--ftp-port N] [--host-name NAME]... [--no-discovery] [--simulate-outputs] [--log FILE]\n"
-    "             [--display [window]] [--sound [DEVICE]] [--no-sound] [--sound-offset MS]\n"
+    "             [--display [window]] [--sound [DEVICE]]... [--no-sound] [--sound-offset MS]\n"
     "       ombra --sound-devices\n"
     "\n"
     "  --media DIR        the folder of the media files\n"
@@ -43,6 +44,8 @@ constexpr const char* usage =
     "part "
     "of it;\n"
     "                     --display has it as well\n"
+    "                     \"--sound xlr=DEVICE\" for that choice of the operator alone, also embedded and "
+    "dante\n"
     "  --no-sound         pictures alone\n"
     "  --sound-offset MS  sound so much later than the pictures, -250 to 250 (0): for what amplifiers and "
     "screens "
@@ -73,6 +76,18 @@ struct Arguments
     bool noSound = false;
     std::string log;
 };
+
+/// "DEVICE", or "embedded=DEVICE" for one of the devices that the scene knows.
+void setSound(ServerOptions& options, const std::string& value)
+{
+    const std::size_t sign = value.find('=');
+    AudioPlaybackDevice device{};
+    if (sign != std::string::npos && fromStr(std::string_view(value).substr(0, sign), device)) {
+        options.soundOf[device] = value.substr(sign + 1);
+        options.sound = options.sound.value_or("");
+    } else
+        options.sound = value;
+}
 
 bool parseOption(std::string_view name, const char* value, Arguments& arguments)
 {
@@ -119,7 +134,7 @@ std::optional<Arguments> parseArguments(int argc, char** argv)
             i += isWindow ? 1 : 0;
         } else if (std::strcmp(argv[i], "--sound") == 0) {
             const bool isNamed = i + 1 < argc && argv[i + 1][0] != '-';
-            arguments.server.sound = isNamed ? argv[++i] : "";
+            setSound(arguments.server, isNamed ? argv[++i] : "");
         } else if (std::strcmp(argv[i], "--no-sound") == 0) {
             arguments.noSound = true;
         } else if (i + 1 >= argc || !parseOption(argv[i], argv[i + 1], arguments)) {

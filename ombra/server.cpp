@@ -292,11 +292,25 @@ void Server::followTestCard()
     m_display->setTestCard(output ? std::optional(TestCard{output->number(), output->name()}) : std::nullopt);
 }
 
+/// Sound goes to the device of the machine that stands for what program's sound is set to.
+void Server::followSoundDevice()
+{
+    const Object* program = m_scene->findObject(programPath);
+    Variant device;
+    if (!m_sound || !program || !program->getProperty("audioDevice", device))
+        return;
+    const auto chosen = device.as<AudioPlaybackDevice>();
+    const auto named = m_options.soundOf.find(chosen);
+    if (chosen != AudioPlaybackDevice::Off) // it stays where it was, and is silent
+        m_sound->setDevice(named == m_options.soundOf.end() ? *m_options.sound : named->second);
+}
+
 /// Pictures and sound, each on a device of its own.
 void Server::keepTogether()
 {
     if (!m_sound)
         return;
+    followSoundDevice();
     const Display::Figures figures = m_display ? m_display->figures() : Display::Figures();
     const double delay = m_sound->pictureDelay(figures.isOpen ? figures.rate : 0);
     if (m_display)
@@ -350,7 +364,9 @@ bool Server::invoke(PathView methodPath, const Json& args, std::string* error)
         restartPlayers();
         return true;
     }
-    return m_engine->invoke(methodPath, args, error);
+    const bool isDone = m_engine->invoke(methodPath, args, error);
+    followSoundDevice();
+    return isDone;
 }
 
 /// What "reboot" means to this machine: everything stops, and the players start anew with the media that they
@@ -372,6 +388,7 @@ void Server::propertyWritten(Object* object, const PropertyInfo* property, bool 
 {
     m_outputs->propertyWritten(object, property, isByClient);
     followMapping();
+    followSoundDevice();
     if (m_engine)
         m_engine->propertyWritten(object, property);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ombra/show/mediawatcher.h"
+#include "tarn/media/channelenums.h"
 #include "tarn/scene/scene.h"
 
 #include <boost/asio/io_context.hpp>
@@ -8,6 +9,7 @@
 #include <boost/asio/steady_timer.hpp>
 
 #include <filesystem>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -51,7 +53,8 @@ struct ServerOptions
     unsigned short ftpPort = 21;
     bool discovery = true; // answer searches of the network
     enum class Screen { None, Window, Full };
-    Screen screen = Screen::None;       // where program is shown
+    Screen screen = Screen::None;                       // where program is shown
+    std::map<AudioPlaybackDevice, std::string> soundOf; // what stands for a device of the scene
     std::optional<std::string> sound;   // the device of program's sound, "" for the machine's own choice
     double soundOffset = 0;             // seconds after the pictures
     bool simulateOutputs = false;       // displays are plugged in and out by a route for tests
@@ -84,6 +87,7 @@ private:
     void followMapping();
     void tellScreen();
     void followTestCard();
+    void followSoundDevice();
     void keepTogether();
     void restartPlayers();
     void watchMedia();

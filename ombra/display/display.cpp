@@ -57,6 +57,9 @@ void Display::show(ShownMoment moment)
 {
     {
         const std::lock_guard lock(m_mutex);
+        const bool isOfAnother = !m_moments.empty() && moment.time < m_moments.back().time;
+        if (isOfAnother) // engine, whose clock begins anew
+            m_moments.clear();
         if (m_moments.size() >= momentsAtMost)
             m_moments.pop_front();
         m_moments.push_back(std::move(moment));

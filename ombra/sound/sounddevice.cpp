@@ -4,6 +4,7 @@
 
 #include <SDL.h>
 #include <algorithm>
+#include <atomic>
 #include <cstdlib>
 
 namespace vantrel::ombra {
@@ -21,10 +22,14 @@ bool startAudio(std::string* error)
     return true;
 }
 
-/// So that the next try looks for a sound server that has come meanwhile.
+std::atomic<int> openDevices{0};
+
+/// So that the next try looks for a sound server that has come meanwhile. It would wait for devices that
+/// hang.
 void endAudio()
 {
-    SDL_AudioQuit();
+    if (openDevices == 0)
+        SDL_AudioQuit();
 }
 
 std::vector<std::string> listed()
@@ -96,6 +101,7 @@ bool SoundDevice::start(std::string* error)
                                SDL_AUDIO_ALLOW_FREQUENCY_CHANGE | SDL_AUDIO_ALLOW_SAMPLES_CHANGE);
     if (m_id == 0)
         return fail(error, SDL_GetError());
+    ++openDevices;
     m_channels = got.channels;
     m_rate = got.freq;
     m_framesAtOnce = got.samples;
@@ -106,8 +112,10 @@ bool SoundDevice::start(std::string* error)
 
 SoundDevice::~SoundDevice()
 {
-    if (m_id != 0)
-        SDL_CloseAudioDevice(m_id);
+    if (m_id == 0)
+        return;
+    SDL_CloseAudioDevice(m_id);
+    --openDevices;
 }
 
 bool SoundDevice::isAlive() const

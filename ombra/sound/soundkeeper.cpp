@@ -22,11 +22,16 @@ constexpr double usualDelay = 0.08; // seconds, while no device has told what it
 
 std::atomic<int> abandoned{0}; // threads that wait for a device which hangs
 
+std::string silentFor(const std::string& what)
+{
+    return "Program is silent: the sound device " + what + ". It is heard as soon as that is back.";
+}
+
 } // namespace
 
 SoundOut::Keeper::Keeper(std::string device, double offset)
-    : m_name(std::move(device))
-    , m_offset(std::clamp(offset, -largestOffset, largestOffset))
+    : m_offset(std::clamp(offset, -largestOffset, largestOffset))
+    , m_name(std::move(device))
     , m_leastDelay(usualDelay)
 {
 }
@@ -35,11 +40,18 @@ void SoundOut::Keeper::run()
 {
     while (!isStopped()) {
         std::string error;
-        if (auto device = abandoned < abandonedAtMost ? SoundDevice::open(m_name, &error) : nullptr)
-            serve(std::move(device));
+        const std::string name = this->name();
+        setOpeningSince(SoundStream::Clock::now());
+        auto device = abandoned < abandonedAtMost ? SoundDevice::open(name, &error) : nullptr;
+        setOpeningSince(std::nullopt);
+        if (device)
+            serve(std::move(device), name);
         else if (trouble().empty() && !error.empty())
             setTrouble("Program is silent: " + error + ". It is heard as soon as the sound device is there.");
-        waitFor(lookAgainAfter);
+        if (name == this->name())
+            waitFor(lookAgainAfter);
+        else
+            setTrouble({});
     }
     const std::lock_guard lock(m_mutex);
     m_ended = true;
@@ -57,35 +69,34 @@ bool SoundOut::Keeper::stop()
     return false;
 }
 
-void SoundOut::Keeper::serve(std::unique_ptr<SoundDevice> device)
+void SoundOut::Keeper::serve(std::unique_ptr<SoundDevice> device, const std::string& name)
 {
     setStream(device->stream(), SoundStream::leastDelay(device->rate(), device->framesAtOnce()));
-    watch(*device);
+    const Fate fate = watch(*device, name);
     tellGaps(*device->stream());
     {
         const std::lock_guard lock(m_mutex);
         m_stream.reset();
     }
-    const bool hangs = SoundStream::Clock::now() - device->stream()->lastAsked() > hangsAfter;
-    if (!isStopped())
-        setTrouble(std::string("Program is silent: the sound device ") +
-                   (hangs ? "does not answer" : "is gone") + ". It is heard as soon as that is back.");
-    if (hangs)
+    if (fate != Fate::Left)
+        setTrouble(silentFor(fate == Fate::Hangs ? "does not answer" : "is gone"));
+    if (fate == Fate::Hangs)
         abandon(std::move(device));
 }
 
-/// Until the device is gone, or hangs.
-void SoundOut::Keeper::watch(const SoundDevice& device)
+SoundOut::Keeper::Fate SoundOut::Keeper::watch(const SoundDevice& device, const std::string& name)
 {
     SoundStream& stream = *device.stream();
     const auto begun = SoundStream::Clock::now();
     auto toldAt = begun;
     bool isProven = false;
     m_toldGaps = 0;
-    while (!waitFor(lookEach) && device.isAlive()) {
+    while (!waitFor(lookEach) && name == this->name()) {
+        if (!device.isAlive())
+            return Fate::Gone;
         const auto now = SoundStream::Clock::now();
         if (now - std::max(begun, stream.lastAsked()) > hangsAfter)
-            return;
+            return Fate::Hangs;
         if (!isProven && now - begun > provenAfter && now - stream.lastAsked() < provenAfter) {
             isProven = true;
             welcome(device);
@@ -98,6 +109,7 @@ void SoundOut::Keeper::watch(const SoundDevice& device)
         if (stream.isStarving() && m_asker)
             m_asker();
     }
+    return Fate::Left;
 }
 
 /// A device that opens may still hang with its first sound.
@@ -134,6 +146,12 @@ void SoundOut::Keeper::setTrouble(const std::string& trouble)
     m_trouble = trouble;
 }
 
+void SoundOut::Keeper::setOpeningSince(std::optional<SoundStream::Clock::time_point> moment)
+{
+    const std::lock_guard lock(m_mutex);
+    m_openingSince = moment;
+}
+
 void SoundOut::Keeper::setStream(std::shared_ptr<SoundStream> stream, double leastDelay)
 {
     const std::lock_guard lock(m_mutex);
@@ -168,12 +186,25 @@ double SoundOut::Keeper::pictureDelay(double pictureRate)
 std::string SoundOut::Keeper::trouble() const
 {
     const std::lock_guard lock(m_mutex);
-    return m_trouble;
+    const bool hangs = m_openingSince && SoundStream::Clock::now() - *m_openingSince > hangsAfter;
+    return m_trouble.empty() && hangs ? silentFor("does not answer") : m_trouble;
 }
 
 bool SoundOut::Keeper::isHanging()
 {
     return abandoned > 0;
+}
+
+void SoundOut::Keeper::setDevice(const std::string& name)
+{
+    const std::lock_guard lock(m_mutex);
+    m_name = name;
+}
+
+std::string SoundOut::Keeper::name() const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_name;
 }
 
 bool SoundOut::Keeper::waitFor(std::chrono::milliseconds time)

@@ -5,6 +5,7 @@
 
 #include <condition_variable>
 #include <mutex>
+#include <optional>
 #include <string>
 
 namespace vantrel::ombra {
@@ -19,6 +20,7 @@ public:
     /// True when run() has ended in time.
     bool stop();
 
+    void setDevice(const std::string& name);
     void setAsker(std::function<void()> asker);
     std::shared_ptr<SoundStream> stream() const;
     double pictureDelay(double pictureRate);
@@ -26,17 +28,21 @@ public:
     static bool isHanging();
 
 private:
-    void serve(std::unique_ptr<SoundDevice> device);
-    void watch(const SoundDevice& device);
+    /// What becomes of a device that plays: Left for another one, or at the end.
+    enum class Fate { Left, Gone, Hangs };
+
+    void serve(std::unique_ptr<SoundDevice> device, const std::string& name);
+    Fate watch(const SoundDevice& device, const std::string& name);
     void welcome(const SoundDevice& device);
     void tellGaps(const SoundStream& stream);
     void abandon(std::unique_ptr<SoundDevice> device);
     void setTrouble(const std::string& trouble);
+    void setOpeningSince(std::optional<SoundStream::Clock::time_point> moment);
     void setStream(std::shared_ptr<SoundStream> stream, double leastDelay);
     bool waitFor(std::chrono::milliseconds time);
     bool isStopped() const;
+    std::string name() const;
 
-    const std::string m_name;
     const double m_offset; // seconds
 
     std::mutex m_askerMutex;
@@ -44,9 +50,11 @@ private:
 
     mutable std::mutex m_mutex;
     std::condition_variable m_change;
+    std::string m_name;
     std::shared_ptr<SoundStream> m_stream;
     double m_leastDelay = 0;
     std::string m_trouble;
+    std::optional<SoundStream::Clock::time_point> m_openingSince;
     bool m_stop = false, m_ended = false;
 
     // Of run():

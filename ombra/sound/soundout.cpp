@@ -19,6 +19,11 @@ SoundOut::~SoundOut()
         m_thread.detach();
 }
 
+void SoundOut::setDevice(const std::string& device)
+{
+    m_keeper->setDevice(device);
+}
+
 void SoundOut::setAsker(std::function<void()> asker)
 {
     m_keeper->setAsker(std::move(asker));

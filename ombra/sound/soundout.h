@@ -27,6 +27,8 @@ public:
 
     static constexpr double largestOffset = 0.25; // seconds
 
+    /// Goes over to another one.
+    void setDevice(const std::string& device);
     /// Who is asked for the next moment when a device runs out of sound. After this returns the one before is
     /// not asked any more.
     void setAsker(std::function<void()> asker);

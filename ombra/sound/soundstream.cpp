@@ -15,9 +15,9 @@ namespace vantrel::ombra {
 namespace {
 
 constexpr double ringSeconds = 1;
-constexpr double aheadOfDevice = 0.06; // seconds: a moment of the mixer and some of its being late
-constexpr double starvingBelow = 0.02; // seconds beyond what the device takes at once
-constexpr int parts = 1'000'000;       // in which a rate is told to the resampler
+constexpr double aheadOfDevice = 0.06;  // seconds: a moment of the mixer and some of its being late
+constexpr double starvingBelow = 0.012; // seconds beyond what the device takes at once
+constexpr int parts = 1'000'000;        // in which a rate is told to the resampler
 
 SwrContext* makeResampler(int channels, int rate)
 {

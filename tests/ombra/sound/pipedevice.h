@@ -51,13 +51,15 @@ private:
         for (char bytes[4096]; !m_stop; ::usleep(1000)) {
             if (!clock.isValid())
                 clock.start();
-            while (!m_hangs && taken < double(clock.nsecsElapsed()) / 1e9 * m_bytesASecond) {
+            const double due = double(clock.nsecsElapsed()) / 1e9 * m_bytesASecond;
+            while (!m_hangs && taken < due) {
                 const ssize_t count = ::read(m_pipe, bytes, sizeof bytes);
-                if (count <= 0) { // a device plays nothing then, and goes on from there
+                if (count <= 0 && due - taken > 0.1 * m_bytesASecond) { // it played nothing, and goes on now
                     clock.restart();
                     taken = 0;
-                    break;
                 }
+                if (count <= 0)
+                    break;
                 taken += double(count);
                 const std::lock_guard lock(m_mutex);
                 m_heard.append(bytes, count);

@@ -290,6 +290,25 @@ private Q_SLOTS:
         QCOMPARE(m_ombra->output().count("Program is silent"), 2); // and that it is over
     }
 
+    /// What the operator sets program's sound to may be another device of the machine.
+    void followsTheChoiceOfTheOperator()
+    {
+        m_device = std::make_unique<PipeDevice>(m_file, 2);
+        start({QStringLiteral("--sound"), QStringLiteral("xlr=nonesuch")});
+        play(Stereo);
+        hears(1);
+        const auto choose = [this](const std::string& device) {
+            invoke("program/methods/selectAudioDevice", "{\"device\":\"" + device + "\"}");
+        };
+        choose("xlr");
+        QTRY_VERIFY_WITH_TIMEOUT(notice().find("\"nonesuch\"") != std::string::npos, patience);
+        const double before = m_device->seconds();
+        choose("dante");
+        QTRY_COMPARE_WITH_TIMEOUT(notice(), std::string(), patience);
+        hears(1);
+        QVERIFY(near(Track(heard(), 0, 2).peak(before + 0.5), level));
+    }
+
     /// Nor does a device that hangs hold up anything, the end of the server least of all.
     void leavesADeviceThatHangs()
     {

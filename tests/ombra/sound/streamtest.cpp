@@ -1,3 +1,4 @@
+#include "ombra/sound/soundout.h"
 #include "ombra/sound/soundstream.h"
 #include "ombra/sound/speakers.h"
 #include "tests/support/testmain.h"
@@ -263,6 +264,26 @@ private Q_SLOTS:
                 sum += shares[std::size_t(c * medium + i)] * 0.1 * (i + 1);
             QVERIFY2(std::abs(sum - heard[c]) < 1e-4, qPrintable(QString::number(sum)));
         }
+    }
+
+    void picturesWaitForTheirSound_data()
+    {
+        QTest::addColumn<double>("offset"); // seconds
+        QTest::addColumn<double>("rate");
+        QTest::addColumn<double>("delay"); // in whole pictures, and never less than the sound takes
+        QTest::newRow("none") << 0.0 << 0.0 << 0.08;
+        QTest::newRow("60 a second") << 0.0 << 60.0 << 5 / 60.0;
+        QTest::newRow("50 a second") << 0.0 << 50.0 << 4 / 50.0;
+        QTest::newRow("later sound") << 0.1 << 50.0 << 4 / 50.0;
+        QTest::newRow("earlier sound") << -0.1 << 50.0 << 9 / 50.0;
+    }
+
+    void picturesWaitForTheirSound()
+    {
+        QFETCH(double, offset);
+        QFETCH(double, rate);
+        SoundOut out("no such device", offset);
+        QTEST(out.pictureDelay(rate), "delay");
     }
 
     void goesOverEvenly()
