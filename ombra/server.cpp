@@ -2,14 +2,12 @@
 
 #include "ombra/announcement.h"
 #include "ombra/base/version.h"
-#include "ombra/display/display.h"
 #include "ombra/engine/engine.h"
 #include "ombra/ftp/ftpservice.h"
 #include "ombra/link/linkserver.h"
 #include "ombra/outputs/outputs.h"
-#include "ombra/outputs/sceneaccess.h"
-#include "ombra/outputs/videooutput.h"
 #include "ombra/preview/previewserver.h"
+#include "ombra/programout.h"
 #include "ombra/rest/eventteller.h"
 #include "ombra/rest/httpserver.h"
 #include "ombra/rest/mediadata.h"
@@ -26,7 +24,6 @@
 #include "ombra/show/showstore.h"
 #include "ombra/show/slotfacts.h"
 #include "ombra/show/slotprober.h"
-#include "ombra/sound/soundout.h"
 #include "tarn/discovery/networkresponder.h"
 #include "tarn/log/log.h"
 #include "tarn/media/playenums.h"
@@ -41,9 +38,6 @@ namespace vantrel::ombra {
 
 namespace {
 
-constexpr const char* programPath = "/device/channels/0/program";
-constexpr const char* programMapping = "/device/channels/0/mappings/1";
-constexpr int programScreen = 1;                      // the operator's own is the first
 constexpr auto probeBudget = std::chrono::seconds(3); // of a first start; the rest follows while it serves
 
 /// Probes slots whose media nobody has looked at yet, until the time is over.
@@ -120,15 +114,8 @@ bool Server::start(std::string* error)
         simulateOutputs();
     if (!openPorts(error))
         return false;
-    if (m_options.screen != ServerOptions::Screen::None)
-        m_display = std::make_unique<Display>(m_options.screen == ServerOptions::Screen::Window
-                                                  ? Display::Kind::Window
-                                                  : Display::Kind::FullScreen,
-                                              programScreen, "Program");
-    if (m_options.sound)
-        m_sound = std::make_unique<SoundOut>(*m_options.sound, m_options.soundOffset);
+    m_out = std::make_unique<ProgramOut>(m_options, *m_scene, *m_outputs, *m_notices);
     startEngine();
-    keepTogether();
     countSeconds();
     m_autoStart = std::make_unique<AutoStart>(*m_store, *m_settings, *m_showFiles, *m_currentShow);
     m_autoStart->begin();
@@ -219,24 +206,9 @@ void Server::startEngine()
 {
     stopEngine(); // never two at once
     EngineConfig config{m_options.media};
-    config.keepsFrames = m_display != nullptr;
+    config.keepsFrames = m_out->hasScreen();
     m_engine = std::make_unique<Engine>(m_io, *m_scene, m_store->library(), std::move(config));
-    if (m_display) {
-        m_engine->setMomentSink([display = m_display.get()](const std::string& playback, ShownMoment moment) {
-            if (playback == programPath)
-                display->show(std::move(moment));
-        });
-        m_display->setAsker([engine = m_engine.get()](auto moment) { engine->pace(moment); });
-        followMapping();
-    }
-    if (m_sound) {
-        m_engine->setSoundSink(
-            [sound = m_sound.get()](const std::string& playback, const HeardMoment& moment) {
-                if (playback == programPath)
-                    sound->play(moment);
-            });
-        m_sound->setAsker([engine = m_engine.get()] { engine->hurry(); });
-    }
+    m_out->connect(*m_engine);
     m_engine->setPreviewSink(
         [preview = m_preview.get()](PreviewFrame picture) { preview->show(std::move(picture)); });
     m_engine->setLevelSink([preview = m_preview.get()](const PreviewLevels& levels) {
@@ -248,74 +220,9 @@ void Server::startEngine()
 
 void Server::stopEngine()
 {
-    if (m_display)
-        m_display->setAsker({});
-    if (m_sound)
-        m_sound->setAsker({});
+    if (m_out)
+        m_out->disconnect();
     m_engine.reset();
-}
-
-/// What the display shows where there is no picture.
-void Server::followMapping()
-{
-    const Object* mapping = m_scene->findObject(programMapping);
-    Variant color;
-    if (!m_display || !mapping || !mapping->getProperty("backgroundColor", color))
-        return;
-    const auto value = color.as<ColorValue>();
-    m_display->setGround({{float(value.red) / 255, float(value.green) / 255, float(value.blue) / 255}});
-}
-
-void Server::tellScreen()
-{
-    if (!m_display)
-        return;
-    const Display::Figures figures = m_display->figures();
-    m_outputs->tellScreen({.rate = figures.isOpen ? figures.rate : 0,
-                           .dropped = figures.dropped,
-                           .late = figures.late,
-                           .decodeLoad = figures.isOpen ? figures.decodeLoad : 0,
-                           .bySoftware = figures.isOpen && figures.bySoftware});
-}
-
-/// For want of a program alone: once there is one, it is not to come back with the next black.
-void Server::followTestCard()
-{
-    if (!m_display)
-        return;
-    const Object* program = m_scene->findObject(programPath);
-    const bool isIdle = propertyOf<std::string>(program, "media").empty() &&
-                        propertyOf<std::string>(program, "heldMedia").empty();
-    if (!isIdle)
-        m_outputs->endIdentify();
-    const VideoOutput* output = m_outputs->identified();
-    m_display->setTestCard(output ? std::optional(TestCard{output->number(), output->name()}) : std::nullopt);
-}
-
-/// Sound goes to the device of the machine that stands for what program's sound is set to.
-void Server::followSoundDevice()
-{
-    const Object* program = m_scene->findObject(programPath);
-    Variant device;
-    if (!m_sound || !program || !program->getProperty("audioDevice", device))
-        return;
-    const auto chosen = device.as<AudioPlaybackDevice>();
-    const auto named = m_options.soundOf.find(chosen);
-    if (chosen != AudioPlaybackDevice::Off) // it stays where it was, and is silent
-        m_sound->setDevice(named == m_options.soundOf.end() ? *m_options.sound : named->second);
-}
-
-/// Pictures and sound, each on a device of its own.
-void Server::keepTogether()
-{
-    if (!m_sound)
-        return;
-    followSoundDevice();
-    const Display::Figures figures = m_display ? m_display->figures() : Display::Figures();
-    const double delay = m_sound->pictureDelay(figures.isOpen ? figures.rate : 0);
-    if (m_display)
-        m_display->setDelay(delay);
-    m_notices->set("sound", m_sound->trouble());
 }
 
 void Server::watchMedia()
@@ -353,8 +260,7 @@ void Server::tellFolder(MediaWatcher::Folder folder)
 bool Server::invoke(PathView methodPath, const Json& args, std::string* error)
 {
     if (const auto done = m_outputs->invoke(methodPath, args, error)) {
-        followMapping();
-        followTestCard();
+        m_out->follow();
         return *done;
     }
     const ScenePointer at = m_scene->find(methodPath);
@@ -365,7 +271,7 @@ bool Server::invoke(PathView methodPath, const Json& args, std::string* error)
         return true;
     }
     const bool isDone = m_engine->invoke(methodPath, args, error);
-    followSoundDevice();
+    m_out->follow();
     return isDone;
 }
 
@@ -387,8 +293,8 @@ void Server::restartPlayers()
 void Server::propertyWritten(Object* object, const PropertyInfo* property, bool isByClient)
 {
     m_outputs->propertyWritten(object, property, isByClient);
-    followMapping();
-    followSoundDevice();
+    if (m_out)
+        m_out->follow();
     if (m_engine)
         m_engine->propertyWritten(object, property);
 }
@@ -400,9 +306,7 @@ void Server::countSeconds()
         if (code)
             return;
         m_outputs->secondPassed();
-        tellScreen();
-        followTestCard();
-        keepTogether();
+        m_out->tellFigures();
         countSeconds();
     });
 }

@@ -24,7 +24,6 @@ namespace vantrel::ombra {
 class AutoSave;
 class AutoStart;
 class CurrentShow;
-class Display;
 class Engine;
 class EventTeller;
 class FtpService;
@@ -34,12 +33,12 @@ class MediaData;
 class NoticeBoard;
 class Outputs;
 class PreviewServer;
+class ProgramOut;
 class RestApi;
 class SceneSettings;
 class ShowFiles;
 class ShowStore;
 class SlotProber;
-class SoundOut;
 
 struct ServerOptions
 {
@@ -84,11 +83,6 @@ private:
     bool openFiles(std::string* error);
     void startEngine();
     void stopEngine();
-    void followMapping();
-    void tellScreen();
-    void followTestCard();
-    void followSoundDevice();
-    void keepTogether();
     void restartPlayers();
     void watchMedia();
     void tellFolder(MediaWatcher::Folder folder);
@@ -99,9 +93,8 @@ private:
 
     boost::asio::io_context& m_io;
     ServerOptions m_options;
-    std::unique_ptr<Display>
-        m_display; // goes last: a graphics card that hangs holds up no show that is being kept
-    std::unique_ptr<SoundOut> m_sound;
+    // Goes last: a graphics card that hangs holds up no show that is being kept.
+    std::unique_ptr<ProgramOut> m_out;
     Ref<Scene> m_scene;
     std::unique_ptr<NoticeBoard> m_notices;
     std::unique_ptr<ShowStore> m_store;
