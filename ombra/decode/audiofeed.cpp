@@ -152,6 +152,7 @@ void AudioFeed::take(double from, double to, Sound& out)
             std::copy_n(m_buffer.data() + static_cast<std::size_t>(begin - m_bufferStart) * channels,
                         static_cast<std::size_t>(end - begin) * channels,
                         out.samples.data() + at + static_cast<std::size_t>(begin - first) * channels);
+        noteSeams(begin - first, std::max(begin, end) - first, last - first, out);
         if (m_seekTo)
             return;
         m_playedTo = last;
@@ -166,6 +167,20 @@ void AudioFeed::take(double from, double to, Sound& out)
     }
     if (wake)
         m_work.notify_all();
+}
+
+/// Of what is taken there are samples from one frame to another.
+void AudioFeed::noteSeams(std::int64_t begin, std::int64_t end, std::int64_t whole, Sound& out)
+{
+    const std::size_t at = out.frames() - static_cast<std::size_t>(whole);
+    const bool any = begin < end;
+    if (m_sounds && (!any || begin > 0))
+        out.seams.push_back(at);
+    if (any && (!m_sounds || begin > 0))
+        out.seams.push_back(at + static_cast<std::size_t>(begin));
+    if (any && end < whole)
+        out.seams.push_back(at + static_cast<std::size_t>(end));
+    m_sounds = any && end == whole;
 }
 
 void AudioFeed::run()

@@ -55,6 +55,7 @@ private:
     bool isKnown(std::int64_t sample) const;
     bool isReady() const;
     std::int64_t bufferEnd() const;
+    void noteSeams(std::int64_t begin, std::int64_t end, std::int64_t whole, Sound& out);
 
     const MediaSource m_source;
     const std::string m_name;
@@ -72,6 +73,7 @@ private:
     std::int64_t m_playedTo = 0;    // sample
     bool m_filling = true;          // decodes on until enough lies ready
     bool m_ended = false;           // the buffer holds the last sample
+    bool m_sounds = false;          // the last sample taken was one, and no silence in its place
     std::thread m_thread;           // last: it uses all of the above
 };
 

@@ -15,6 +15,7 @@ struct Sound
 
     int channels = 0;
     std::vector<float> samples;
+    std::vector<std::size_t> seams{}; // frames at which it breaks off for silence, or begins after some
 
     std::size_t frames() const
     {

@@ -161,6 +161,7 @@ void Deck::advance(double now)
     const PictureFeed::Status status = m_feed.status();
     m_sound.channels = 0;
     m_sound.samples.clear();
+    m_sound.seams.clear();
     m_late = false;
     m_past = 0;
     if (status.failed) {

@@ -77,6 +77,8 @@ HeardMoment SoundLayers::finish()
     for (std::size_t i = 0; i < m_sources.size(); ++i) {
         const HeardMoment::Layer& layer = m_moment.layers[i];
         const std::size_t end = layer.at + layer.sound.frames();
+        for (const std::size_t seam : layer.sound.seams)
+            m_moment.seams.push_back(layer.at + seam);
         if (m_sources[i].goesOn)
             begun.push_back(m_sources[i].deck);
         else

@@ -144,13 +144,16 @@ private:
         return m_device->heard();
     }
 
+    /// A sanitizer makes it too slow for a device, which it says.
+    bool isTooSlow() { return slowness > 1 && m_ombra->output().contains(" gaps"); }
+
     const TestMedia m_media;
     const QTemporaryDir m_folder;
     const QString m_file = m_folder.filePath(QStringLiteral("device"));
     std::unique_ptr<PipeDevice> m_device;
     std::unique_ptr<OmbraProcess> m_ombra;
     std::unique_ptr<LinkPeer> m_peer;
-    enum Media { Left = 1, Right, Short, Stereo };
+    enum Media { Brief = 1, Left, Right, Short, Stereo };
     static constexpr double level = 0.5;
     /// The largest step of a tone, with some room for a device that is slow and what a fade adds.
     static double steps(double frequency) { return level * (2 * pi * frequency / rate * 1.02 + 2 / 240.0); }
@@ -160,16 +163,18 @@ private Q_SLOTS:
     {
         if (!OmbraProcess::isAvailable())
             QSKIP("HALCYRA_BIN names no folder with the server");
-        const auto make = [this](const char* formula, const char* name, double seconds) {
-            return m_media.make(TestMedia::colour(QStringLiteral("gray"), seconds) +
+        const auto make = [this](const char* formula, const char* name, double seconds,
+                                 double pictures = 20) {
+            return m_media.make(TestMedia::colour(QStringLiteral("gray"), pictures) +
                                     TestMedia::sound(QString::fromLatin1(formula), seconds) +
                                     TestMedia::h264(12) +
                                     QStringList{QStringLiteral("-c:a"), QStringLiteral("pcm_s16le")},
                                 QString::fromLatin1(name));
         };
+        QVERIFY(make("0.5*sin(2*PI*440*t)|0", "brief.mov", 0.8006, 2)); // breaks off at its loudest
         QVERIFY(make("0.5*sin(2*PI*440*t)|0", "left.mov", 20));
         QVERIFY(make("0|0.5*sin(2*PI*440*t)", "right.mov", 20));
-        QVERIFY(make("0.5*sin(2*PI*440*t)|0", "short.mov", 0.6)); // whole periods
+        QVERIFY(make("0.5*sin(2*PI*440*t)|0", "short.mov", 0.6, 0.6)); // whole periods
         QVERIFY(make("0.5*sin(2*PI*440*t)|0.25*sin(2*PI*880*t)", "stereo.mov", 20));
         qputenv("SDL_AUDIODRIVER", "disk");
         qputenv("SDL_DISKAUDIOFILE", m_file.toLocal8Bit());
@@ -201,6 +206,8 @@ private Q_SLOTS:
         play(slot);
         hears(4);
         const QByteArray got = heard();
+        if (isTooSlow())
+            QSKIP("a sanitizer");
         const Track left(got, 0, channels), right(got, 1, channels);
         QVERIFY2(near(left.peak(), level), qPrintable(QString::number(left.peak())));
         QVERIFY(slot == Stereo ? near(right.peak(), level / 2) : right.peak() == 0);
@@ -209,7 +216,7 @@ private Q_SLOTS:
         const std::vector<double> periods = left.periods();
         QVERIFY2(periods.size() > 440 * 3, qPrintable(QString::number(periods.size())));
         const double all = std::accumulate(periods.begin() + 3, periods.end() - 2, 0.0);
-        QVERIFY2(near(all / double(periods.size() - 5), rate / 440, 0.001), qPrintable(QString::number(all)));
+        QVERIFY2(near(all / double(periods.size() - 5), rate / 440, 0.005), qPrintable(QString::number(all)));
         for (std::size_t i = 3; i + 2 < periods.size(); ++i) {
             QVERIFY2(std::abs(periods[i] - periods[i - 1]) < 0.1, qPrintable(QString::number(periods[i])));
         }
@@ -236,7 +243,11 @@ private Q_SLOTS:
         QTRY_VERIFY_WITH_TIMEOUT(position() < 5 && position() > 0.5, patience);
         write("state", "\"stop\"");
         hears(0.4);
+        play(Brief);
+        playsTo(1.2);
         const QByteArray all = heard();
+        if (isTooSlow())
+            QSKIP("a sanitizer");
         const Track left(all, 0, 2);
         QVERIFY2(left.step() < steps(440), qPrintable(QString::number(left.step())));
         const std::vector<double> envelope = left.envelope();
@@ -255,9 +266,14 @@ private Q_SLOTS:
         hears(0.5);
         invoke("methods/take", R"({"transitionType":"crossfade","transitionDuration":2})");
         hears(3);
+        invoke("methods/take", R"({"transitionType":"crossfade","transitionDuration":0.3})");
+        hears(1);
         const QByteArray all = heard();
+        if (isTooSlow())
+            QSKIP("a sanitizer");
         const Track left(all, 0, 2), right(all, 1, 2);
-        QVERIFY2(left.step() < steps(440) && right.step() < steps(440),
+        QVERIFY2(left.step() < steps(440) && right.step() < steps(440), // of the short one above all
+
                  qPrintable(QString::number(std::max(left.step(), right.step()))));
         const std::vector<double> out = left.envelope(), in = right.envelope();
         int mixed = 0;
@@ -318,7 +334,8 @@ private Q_SLOTS:
         m_device->hang();
         QTRY_VERIFY_WITH_TIMEOUT(notice().find("does not answer") != std::string::npos, patience);
         const double at = position();
-        playsTo(at + 0.5);
+        playsTo(at + 4);
+        QCOMPARE(m_ombra->output().count("Program is silent"), 1); // it was opened again, and is no better
         QElapsedTimer clock;
         clock.start();
         m_ombra->stop(10000);
