@@ -25,7 +25,7 @@ DeveloperMenu::DeveloperMenu(QWidget* parent)
 
 void DeveloperMenu::reloadStyle()
 {
-    qApp->setStyleSheet(StyleSheet::load(currentFontSize()));
+    StyleSheet::renew(*qApp, currentFontSize());
 }
 
 } // namespace vantrel

@@ -122,13 +122,21 @@ int StyleSheet::length(const QString& token, FontSize size)
     return 0;
 }
 
+/// The toolkit gives a sheet that follows on another to each widget once for itself and once for each that it
+/// lies in; one that follows on none, once.
+void StyleSheet::renew(QApplication& application, FontSize size)
+{
+    application.setStyleSheet({});
+    application.setStyleSheet(load(size));
+}
+
 void StyleSheet::apply(QApplication& application)
 {
     QApplication::setStyle(new ScaledStyle); // the application's from here on
     QApplication::setPalette(darkPalette());
     followFontSize(&application, [&application](FontSize size) {
         QApplication::setFont(bodyFont(size));
-        application.setStyleSheet(load(size));
+        renew(application, size);
     });
 }
 

@@ -19,6 +19,9 @@ public:
     /// A length of the sheet ("body", "pad") at a text size, in pixels; 0 for a name without a meaning.
     static int length(const QString& token, FontSize size);
 
+    /// Gives all that there is the sheet for a text size.
+    static void renew(QApplication& application, FontSize size);
+
     /// Dresses the application: base style, palette, font and sheet, and follows the text size from then on.
     static void apply(QApplication& application);
 };

@@ -247,6 +247,30 @@ private Q_SLOTS:
         QVERIFY(StyleSheet::load(FontSize::Small) != StyleSheet::load(FontSize::Huge));
     }
 
+    /// However deep it lies: an operator who makes the text larger waits for it.
+    void anotherTextSizeReachesEachWidgetOnce()
+    {
+        class Counted : public QWidget
+        {
+        public:
+            using QWidget::QWidget;
+            int styled = 0;
+
+        protected:
+            void changeEvent(QEvent* event) override { styled += event->type() == QEvent::StyleChange; }
+        };
+        const auto undress = qScopeGuard([] { qApp->setStyleSheet({}); });
+        StyleSheet::renew(*qApp, FontSize::Medium);
+        Counted window;
+        Counted* inner = &window;
+        for (int depth = 0; depth < 20; ++depth)
+            inner = new Counted(inner);
+        window.show();
+        inner->styled = 0;
+        StyleSheet::renew(*qApp, FontSize::Large);
+        QVERIFY2(inner->styled > 0 && inner->styled <= 4, qPrintable(QString::number(inner->styled)));
+    }
+
     void everyIconIsADrawing()
     {
         int count = 0;
