@@ -8,7 +8,7 @@ import threading
 import time
 import urllib.error
 
-from screenserver import ReadOnlyDisk, Server, SmallDisk
+from screenserver import OnScreen, ReadOnlyDisk, Server, SmallDisk
 from screenwindow import HUGE, Window, rest, wait
 
 
@@ -179,6 +179,20 @@ def read_only(options):
         window.click("NotificationPresenter-details-button")
         time.sleep(1)
         window.shoot(options.out / "server-read-only.png")
+
+
+def on_screen(options):
+    """An output that shows which one it is on its screen: there, and in the window."""
+    state = options.media.with_name("on-screen")
+    state.mkdir(exist_ok=True)
+    with OnScreen(options, state) as server, Window(options, server=server.server) as window:
+        window.click("MainNavigationBar-outputs-button")
+        time.sleep(65)  # what was lost while all started is forgotten after a minute
+        window.click("VideoOutput-2-identify")
+        time.sleep(2)
+        window.rest()
+        window.shoot(options.out / "outputs-identify.png")
+        server.shoot(options.out / "test-card.png")
 
 
 def program_waits(options):

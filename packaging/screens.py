@@ -6,7 +6,8 @@ import sys
 
 from filescreens import beside, files, media_tab, pictures, shows, slots
 from linkscreens import (
-    connect, damaged, full_disk, half, library, notice, overtaken, program_waits, read_only, reconnect, refused, silent)
+    connect, damaged, full_disk, half, library, notice, on_screen, overtaken, program_waits, read_only, reconnect,
+    refused, silent)
 from playerscreens import (
     countdown, cue_list, cut_off, drop, gallery, held, holding, inspector, keyboard, media_panel, menu, modes, outputs,
     player, preview_countdown, questions, rename, repeat, scaling, still, take, waiting)
@@ -71,6 +72,7 @@ SCREENS = {
     "outputs-huge-1280x720": lambda options: outputs(options, "outputs-huge-1280x720", **HUGE),
     "outputs-scaling": scaling,
     "outputs-mode": modes,
+    "outputs-identify": on_screen,
     "silent": silent,
     "reconnect": reconnect,  # ends the server: what follows finds none
     "refused": refused,
