@@ -281,6 +281,7 @@ private Q_SLOTS:
     {
         QFETCH(double, offset);
         QFETCH(double, rate);
+        qputenv("SDL_AUDIODRIVER", "dummy"); // a driver of the machine's own takes its time to end
         SoundOut out("no such device", offset);
         QTEST(out.pictureDelay(rate), "delay");
     }
