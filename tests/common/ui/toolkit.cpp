@@ -246,13 +246,13 @@ private Q_SLOTS:
                      label->height() < qMin(label->fontMetrics().height(), label->sizeHint().height())))
                     cut.append(label->text());
             }
+            for (const QAbstractButton* button : gallery.findChildren<QAbstractButton*>()) {
+                if (button->isVisible() && button->width() < button->minimumSizeHint().width())
+                    cut.append(button->text());
+            }
             return cut.isEmpty();
         };
         QTRY_VERIFY2(look(), qPrintable(cut.join(QStringLiteral(", "))));
-        for (const QAbstractButton* button : gallery.findChildren<QAbstractButton*>()) {
-            if (button->isVisible())
-                QVERIFY2(button->width() >= button->minimumSizeHint().width(), qPrintable(button->text()));
-        }
         qApp->setStyleSheet({});
     }
 
