@@ -108,15 +108,16 @@ void ConnectionHandler::disconnect()
     if (PreviewThread* preview = previewThread())
         preview->unsubscribe();
     // The thread's signals of before may be on their way still, and say that it tries again.
-    QMetaObject::invokeMethod(this, &ConnectionHandler::confirmDisconnect, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(
+        this, [this] { confirmDisconnect(m_heardAddress.isEmpty()); }, Qt::QueuedConnection);
 }
 
-void ConnectionHandler::confirmDisconnect()
+void ConnectionHandler::confirmDisconnect(bool isKnown)
 {
     QMutexLocker lock(&m_mutex);
     const bool isIdle = m_state == State::Idle;
     lock.unlock();
-    if (isIdle && !m_heardAddress.isEmpty())
+    if (isIdle && !isKnown)
         Q_EMIT connectionAddr(QString());
 }
 
@@ -359,8 +360,9 @@ void ConnectionHandler::giveWay()
         if (PreviewThread* preview = previewThread())
             preview->unsubscribe();
     }
-    if (state == State::Idle)
-        QMetaObject::invokeMethod(this, &ConnectionHandler::confirmDisconnect, Qt::QueuedConnection);
+    if (state == State::Idle) // what was told goes to each listener by itself: some may have heard it last
+        QMetaObject::invokeMethod(
+            this, [this] { confirmDisconnect(false); }, Qt::QueuedConnection);
 }
 
 } // namespace vantrel

@@ -97,8 +97,9 @@ protected:
     void run() override;
 
 private:
-    /// On the main thread, after a disconnect and all that was under way then: says so again, if need be.
-    void confirmDisconnect();
+    /// On the main thread, after a disconnect and all that was under way then: says so again, unless
+    /// everybody knows it.
+    void confirmDisconnect(bool isKnown);
     enum class State { Idle, Connecting, Connected, Changing, Pausing, Retrying };
     struct Attempt
     {
