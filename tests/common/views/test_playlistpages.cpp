@@ -14,6 +14,7 @@
 
 #include <QAbstractItemModelTester>
 #include <QAction>
+#include <QComboBox>
 #include <QFile>
 #include <QFileDialog>
 #include <QHeaderView>
@@ -44,6 +45,7 @@ private Q_SLOTS:
     void heldKeysMoveOneList();
     void questionsAreAboutTheListThatWasSeen();
     void listsAreChosen();
+    void theChooserSaysWhatItLacks();
     void numbersAreShownWhole();
     void nothingIsBelowTheScrollBar();
     void columnsThatGaveWayAreEdited();
@@ -200,6 +202,22 @@ void TestPlaylistPages::listsAreChosen()
 }
 
 /// At every text size: an address that is cut looks like another one.
+/// There are lists, and none is chosen; then there are none.
+void TestPlaylistPages::theChooserSaysWhatItLacks()
+{
+    const auto* chooser = m_fixture->part<QComboBox>("Preview-PlaylistEditor-dropdown");
+    for (const auto& [removed, says] :
+         {std::pair(R"([{"op":"remove","path":"/playlists/2"}])", QStringLiteral("No playlist chosen")),
+          std::pair(R"([{"op":"remove","path":"/playlists/1"},{"op":"remove","path":"/playlists/4"}])",
+                    QStringLiteral("No playlists"))}) {
+        Patch patch;
+        QVERIFY(Patch::parseString(removed, patch));
+        m_fixture->peer.session->getMediaLibraryApi()->applyMediaLibraryPatch(patch);
+        QTRY_COMPARE(chooser->currentIndex(), -1);
+        QTRY_COMPARE(chooser->placeholderText(), says);
+    }
+}
+
 void TestPlaylistPages::numbersAreShownWhole()
 {
     for (const FontSize size : {FontSize::Small, FontSize::Medium, FontSize::Large, FontSize::Huge}) {

@@ -6,17 +6,22 @@
 
 #include <QSemaphore>
 
+#include <atomic>
+#include <chrono>
+#include <thread>
+
 using namespace vantrel;
 using namespace vantrel::ombra;
 
 namespace {
 
-/// Ten seconds at 25 pictures a second, each of them read when the test lets it.
+/// Ten seconds at 25 pictures a second, each of them read when the test lets it, and no quicker than that.
 class GatedReader : public PictureReader
 {
 public:
-    explicit GatedReader(QSemaphore& gate)
+    explicit GatedReader(QSemaphore& gate, const std::atomic<std::chrono::milliseconds>& work = none)
         : m_gate(gate)
+        , m_work(work)
     {
     }
     MediaType type() const override { return MediaType::VideoFile; }
@@ -30,12 +35,15 @@ private:
     bool read(int index, Picture& out)
     {
         m_gate.acquire();
+        std::this_thread::sleep_for(m_work.load());
         m_index = index;
         out = {blackSurface({}), index / 25.0, 0.04};
         return index < 250;
     }
 
+    static inline const std::atomic<std::chrono::milliseconds> none{};
     QSemaphore& m_gate;
+    const std::atomic<std::chrono::milliseconds>& m_work; // of a picture
     int m_index = -1;
 };
 
@@ -90,27 +98,24 @@ private Q_SLOTS:
     /// Pictures of 40 ms that are there at once, and some that take 30 ms each.
     void tellsHowMuchOfTheTimeItTakes()
     {
-        QSemaphore gate(60);
+        QSemaphore gate(250);
+        std::atomic<std::chrono::milliseconds> work{};
         PictureFeed feed(
             {}, {}, 0, "gated", [] {},
             [&](const MediaSource&, Canvas, const std::atomic<bool>&, std::string*) {
-                return std::make_unique<GatedReader>(gate);
+                return std::make_unique<GatedReader>(gate, work);
             });
         feed.start();
-        const auto opened = qScopeGuard([&] { gate.release(200); });
         const auto takeAt = [&](int picture) {
             return QTest::qWaitFor([&] { return feed.take(picture / 25.0).has_value(); });
         };
         for (int i = 0; i < 54; ++i)
             QVERIFY(takeAt(i));
-        QTRY_COMPARE(gate.available(), 0);
         const double quick = feed.status().load;
         QVERIFY2(quick > 0 && quick < 0.3, qPrintable(QString::number(quick)));
-        for (int i = 54; i < 114; ++i) {
-            QVERIFY(takeAt(i)); // which makes room for another one
-            QTest::qWait(30);
-            gate.release();
-        }
+        work = std::chrono::milliseconds(30);
+        for (int i = 54; i < 114; ++i)
+            QVERIFY(takeAt(i));
         QVERIFY2(feed.status().load > 0.5, qPrintable(QString::number(feed.status().load)));
     }
 
