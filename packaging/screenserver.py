@@ -1,9 +1,8 @@
 """Servers of their own, beside the one that all pictures share."""
-import os
 import pathlib
 import subprocess
 
-from screenwindow import wait
+from screenwindow import grab, virtual_screen, wait
 
 
 class Server:
@@ -40,21 +39,14 @@ class OnScreen(Server):
     """The same, and program is full screen on an Xvfb of its own, in silence."""
 
     def __enter__(self):
-        number, say = os.pipe()
-        self.screen = subprocess.Popen(
-            ["Xvfb", "-displayfd", str(say), "-screen", "0", "1280x720x24", "-nolisten", "tcp"],
-            pass_fds=[say], stderr=subprocess.DEVNULL)
-        os.close(say)
-        with os.fdopen(number) as display:
-            self.display = ":" + display.readline().strip()
+        self.screen, self.display = virtual_screen(1280, 720)
         return super().__enter__()
 
     def wrapped(self, command):
         return ["env", f"DISPLAY={self.display}", "SDL_VIDEODRIVER=x11", *command, "--display", "--no-sound"]
 
     def shoot(self, path):
-        subprocess.run(["ffmpeg", "-v", "error", "-y", "-f", "x11grab", "-i", self.display, "-frames:v", "1", path],
-                       check=True)
+        grab(self.display, path)
 
     def __exit__(self, *_):
         super().__exit__(*_)

@@ -16,6 +16,24 @@ HUGE = {"text": "huge", "size": (1280, 720)}
 SIZES = {"small": 0, "medium": 1, "large": 2, "huge": 3}
 
 
+def virtual_screen(width, height):
+    """An Xvfb of so many pixels, and the name of its display."""
+    number, say = os.pipe()
+    xvfb = subprocess.Popen(
+        ["Xvfb", "-displayfd", str(say), "-screen", "0", f"{width}x{height}x24", "-dpi", "96", "-nolisten", "tcp"],
+        pass_fds=[say], stderr=subprocess.DEVNULL)
+    os.close(say)
+    with os.fdopen(number) as display:
+        return xvfb, ":" + display.readline().strip()
+
+
+def grab(display, file):
+    """The whole of a display as a picture."""
+    subprocess.run(
+        ["ffmpeg", "-v", "error", "-nostdin", "-y", "-f", "x11grab", "-draw_mouse", "0", "-i", display, "-frames:v", "1",
+         "-pix_fmt", "rgb24", "-pred", "mixed", "-compression_level", "100", str(file)], check=True)
+
+
 class Window:
     """A halcyra that fills a screen of so many pixels, with settings of its own."""
 
@@ -25,14 +43,7 @@ class Window:
         settings = pathlib.Path(self.home.name, "Halcyra", "halcyra.ini")
         settings.parent.mkdir()
         settings.write_text(f"[General]\nTEXT_SIZE={SIZES[text]}\n", encoding="utf-8")
-        number, say = os.pipe()
-        screen = f"{self.size[0]}x{self.size[1]}x24"
-        self.xvfb = subprocess.Popen(
-            ["Xvfb", "-displayfd", str(say), "-screen", "0", screen, "-dpi", "96", "-nolisten", "tcp"],
-            pass_fds=[say], stderr=subprocess.DEVNULL)
-        os.close(say)
-        with os.fdopen(number) as display:
-            self.display = ":" + display.readline().strip()
+        self.xvfb, self.display = virtual_screen(*self.size)
         output = pathlib.Path(self.home.name, "output")
         environment = dict(os.environ, DISPLAY=self.display, XDG_CONFIG_HOME=self.home.name,
                            QT_QPA_PLATFORM="xcb", QT_SCALE_FACTOR=str(scale))
@@ -129,11 +140,7 @@ class Window:
         time.sleep(0.7)
 
     def shoot(self, file):
-        size = f"{self.size[0]}x{self.size[1]}"
-        subprocess.run(
-            ["ffmpeg", "-v", "error", "-nostdin", "-y", "-f", "x11grab", "-draw_mouse", "0", "-video_size", size,
-             "-i", self.display, "-frames:v", "1", "-pix_fmt", "rgb24", "-pred", "mixed",
-             "-compression_level", "100", str(file)], check=True)
+        grab(self.display, file)
 
     def shoot_widget(self, name, file):
         png = self.robot.ask(operation="grab", objectName=name, maxResults=1)[0]["png"]
