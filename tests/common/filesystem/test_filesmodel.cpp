@@ -3,6 +3,7 @@
 #include "common/filesystem/models/pathmodel.h"
 #include "tests/support/fakefiles.h"
 #include "tests/support/testmain.h"
+#include "tests/support/threadwork.h"
 
 #include <QAbstractItemModelTester>
 #include <QSignalSpy>
@@ -15,13 +16,6 @@ using namespace vantrel;
 using namespace vantrel::test;
 
 namespace {
-
-double threadCpuMs()
-{
-    timespec time{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-    return static_cast<double>(time.tv_sec) * 1000.0 + static_cast<double>(time.tv_nsec) / 1.0e6;
-}
 
 QStringList namesOf(const FilesModel& model)
 {
@@ -233,9 +227,9 @@ private Q_SLOTS:
         QTRY_COMPARE(model.count(), 50000);
         const long shown = work() - start;
         // Of this thread alone: the one that sorts may have its turn meanwhile.
-        const double held = threadCpuMs();
+        const double held = threadWorkMs();
         model.sortBy(FilesModel::NameRole);
-        const double blocked = threadCpuMs() - held;
+        const double blocked = threadWorkMs() - held;
         QTRY_COMPARE(value(model, QStringLiteral("Camera 49999 take 0.mov"), FilesModel::NumberRole).toInt() <
                          10,
                      true);

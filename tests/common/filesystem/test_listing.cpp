@@ -3,6 +3,7 @@
 #include "common/filesystem/server/serverfilesystem.h"
 #include "tests/common/filesystem/scriptedftp.h"
 #include "tests/support/testmain.h"
+#include "tests/support/threadwork.h"
 
 #include <QElapsedTimer>
 #include <QSemaphore>
@@ -85,7 +86,7 @@ public:
     TurnWatch()
     {
         QObject::connect(&m_beat, &QTimer::timeout, &m_beat, [this] {
-            const double now = spentMs();
+            const double now = threadWorkMs();
             longest = std::max(longest, now - m_before);
             m_before = now;
         });
@@ -94,15 +95,8 @@ public:
     double longest = 0; // milliseconds
 
 private:
-    static double spentMs()
-    {
-        timespec time{};
-        ::clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-        return double(time.tv_sec) * 1e3 + double(time.tv_nsec) / 1e6;
-    }
-
     QTimer m_beat;
-    double m_before = spentMs();
+    double m_before = threadWorkMs();
 };
 
 } // namespace

@@ -1,7 +1,6 @@
 #include "tests/common/filesystem/localfixture.h"
 #include "tests/support/testmain.h"
-
-#include <ctime>
+#include "tests/support/threadwork.h"
 
 namespace vantrel::test {
 
@@ -14,13 +13,6 @@ QStringList namesOf(const QList<Item>& items)
     for (const Item& item : items)
         names.append(item.name);
     return names;
-}
-
-double threadCpuMs()
-{
-    timespec time{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-    return static_cast<double>(time.tv_sec) * 1000 + static_cast<double>(time.tv_nsec) / 1e6;
 }
 
 } // namespace
@@ -113,13 +105,13 @@ private Q_SLOTS:
         double answerMs = 0;
         QList<FileSystemFile> files;
         connect(&disk.files, &FileSystem::directoryChanged, &disk.files, [&] {
-            const double begin = threadCpuMs();
+            const double begin = threadWorkMs();
             QVERIFY(disk.files.getFiles(disk.folder.path(), files));
-            answerMs = threadCpuMs() - begin;
+            answerMs = threadWorkMs() - begin;
         });
-        const double begin = threadCpuMs();
+        const double begin = threadWorkMs();
         QVERIFY(!disk.files.getFiles(disk.folder.path(), files));
-        const double askMs = threadCpuMs() - begin;
+        const double askMs = threadWorkMs() - begin;
         QVERIFY(changed.wait(30000));
         QCOMPARE(files.size(), 50000);
         QVERIFY2(askMs < 16 && answerMs < 16,

@@ -5,6 +5,7 @@
 #include "ombra/outputs/outputs.h"
 #include "tests/ombra/linkpeer.h"
 #include "tests/support/testmain.h"
+#include "tests/support/threadwork.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
@@ -13,7 +14,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <ctime>
 
 using namespace vantrel;
 using namespace vantrel::ombra;
@@ -407,14 +407,6 @@ private Q_SLOTS:
     }
 
 private:
-    /// Milliseconds of work of this thread, whatever else the machine does.
-    static qint64 worked()
-    {
-        timespec time{};
-        clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-        return time.tv_sec * 1000 + time.tv_nsec / 1'000'000;
-    }
-
     bool waitFor(const std::function<bool()>& condition, std::initializer_list<Client*> clients,
                  qint64 patience = 10000 * vantrel::test::slowness)
     {
@@ -423,9 +415,9 @@ private:
             if (condition())
                 return true;
             m_io.restart();
-            const qint64 before = worked();
+            const double before = vantrel::test::threadWorkMs();
             m_io.run_for(std::chrono::milliseconds(1));
-            m_longestTurn = std::max(m_longestTurn, worked() - before);
+            m_longestTurn = std::max(m_longestTurn, vantrel::test::threadWorkMs() - before);
             QCoreApplication::processEvents();
             for (Client* client : clients)
                 client->read();
@@ -438,7 +430,7 @@ private:
     std::unique_ptr<LinkServer> m_server;
     QStringList m_invoked;
     QStringList m_written;
-    qint64 m_longestTurn = 0; // milliseconds
+    double m_longestTurn = 0; // milliseconds
 };
 
 HALCYRA_TEST(LinkServerTest)
