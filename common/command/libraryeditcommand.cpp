@@ -93,7 +93,7 @@ MediaLibraryApi* sessionApi()
 }
 
 /// Of the session's library, what it will be with the edits that are under way; null for any other one.
-Ref<MediaLibrary> expectedOf(const MediaLibrary* library)
+Ref<const MediaLibrary> expectedOf(const MediaLibrary* library)
 {
     const MediaLibraryApi* api = sessionApi();
     return api && library == &api->library() ? api->expectedLibrary() : nullptr;
@@ -147,7 +147,7 @@ bool LibraryEditCommand::rehearse(const MediaLibrary* library, const QString& te
         return rehearsed(on, edit, inverse, made);
     };
     LibraryEdit made;
-    const Ref<MediaLibrary> expected = expectedOf(library);
+    const Ref<const MediaLibrary> expected = expectedOf(library);
     if (!again(made, expected ? *expected : *library))
         return false;
     made.rehearse = again;

@@ -137,6 +137,26 @@ private Q_SLOTS:
         QTRY_COMPARE(nameOfOne(), QStringLiteral("theirs"));
     }
 
+    /// What is done before the server has answered finds the room taken that the last edit took, and is held
+    /// against what that made.
+    void whatIsUnderWayHasItsPlace()
+    {
+        QVERIFY(m_manager.insertCollection(1, QStringLiteral("One")));
+        QTRY_VERIFY(m_session->mediaLibraryProvider()->collection(1));
+        QTRY_VERIFY(m_session->getMediaLibraryApi()->edits()->isEmpty());
+        m_server->hang();
+        m_manager.addMedia(1, 8, red());
+        QVERIFY(m_manager.holdsMedia(1, 8) && !m_manager.holdsMedia(1, 9));
+        m_manager.moveSlot(1, 8, 9);
+        QVERIFY(m_manager.isSlotOccupied(1, 9) && !m_manager.holdsMedia(1, 8));
+        QVERIFY(m_manager.updateMediaDuration(1, 9, 12.5, false));
+        QVERIFY(
+            m_manager.updateMediaDuration(1, 9, red().duration(), false)); // back to what the server knows
+        m_server->goOn();
+        QTRY_VERIFY(m_session->getMediaLibraryApi()->edits()->isEmpty());
+        QCOMPARE(m_session->mediaLibraryProvider()->slot({1, 9})->duration(), red().duration());
+    }
+
     void collectionsAreCopiedAndRemoved()
     {
         const MediaLibraryProvider* provider = m_session->mediaLibraryProvider();

@@ -67,11 +67,11 @@ MediaLibrary* ImplMediaCollectionManager::library() const
 }
 
 /// The library with the edits that are under way: a number that one of them takes is not free any more.
-Ref<MediaLibrary> ImplMediaCollectionManager::expected() const
+Ref<const MediaLibrary> ImplMediaCollectionManager::expected() const
 {
     const MediaLibraryApi* api = Session::instance() ? Session::instance()->getMediaLibraryApi() : nullptr;
     MediaLibrary* const media = library();
-    return api && media == &api->library() ? api->expectedLibrary() : Ref<MediaLibrary>(media);
+    return api && media == &api->library() ? api->expectedLibrary() : Ref<const MediaLibrary>(media);
 }
 
 bool ImplMediaCollectionManager::execute(std::unique_ptr<AbstractSessionCommand> command)
@@ -162,20 +162,20 @@ bool ImplMediaCollectionManager::holdsCollection(int collection) const
 
 bool ImplMediaCollectionManager::isSlotOccupied(int collection, int slot) const
 {
-    const MediaLibrary* media = library();
+    const Ref<const MediaLibrary> media = expected();
     return media && media->findSlot(collection, slot);
 }
 
 bool ImplMediaCollectionManager::holdsMedia(int collection, int slot) const
 {
-    const MediaLibrary* media = library();
+    const Ref<const MediaLibrary> media = expected();
     const MediaSlot* record = media ? media->findSlot(collection, slot) : nullptr;
     return record && !record->getUrl().empty();
 }
 
 bool ImplMediaCollectionManager::findMediaSlot(int collection, int slot, GuiMediaSlot& result) const
 {
-    const MediaLibrary* media = library();
+    const Ref<const MediaLibrary> media = expected();
     const MediaSlot* record = media ? media->findSlot(collection, slot) : nullptr;
     if (!record)
         return false;
@@ -276,7 +276,7 @@ void ImplMediaCollectionManager::endStep()
     // Where nothing was taken there is nothing to undo.
     const QUndoCommand* const step = stack->command(stack->index() - 1);
     if (step && step->childCount() == 0) {
-        const_cast<QUndoCommand*>(step)->setObsolete(true);
+        const_cast<QUndoCommand*>(step)->setObsolete(true); // the stack gives out no other, and drops it so
         stack->undo();
     }
 }

@@ -55,7 +55,7 @@ protected:
 private:
     template <typename Command, typename... Args>
     bool run(Args&&... args);
-    Ref<MediaLibrary> expected() const;
+    Ref<const MediaLibrary> expected() const;
     int firstFreeCollection() const;
 };
 

@@ -99,16 +99,24 @@ void EditQueue::submit(const std::shared_ptr<LibraryEdit>& edit, EditDirection d
                        EditAnswered answered)
 {
     m_edits.push_back({edit, direction, std::move(answered)});
+    m_expected = {};
     proceed();
 }
 
-void EditQueue::applyTo(MediaLibrary& library) const
+Ref<const MediaLibrary> EditQueue::expected() const
 {
-    for (const Entry& entry : m_edits) {
-        // What the library shows already, or what somebody else has overtaken, holds no more.
-        if (entry.base().holds(library.toJson()))
-            library.applyDiff(entry.patch());
+    const Json present = m_api->libraryJson();
+    if (!m_expected || !m_expectedOf.sameNode(present)) {
+        const auto library = makeRef<MediaLibrary>(m_api->library());
+        for (const Entry& entry : m_edits) {
+            // What the library shows already, or what somebody else has overtaken, holds no more.
+            if (entry.base().holds(library->toJson()))
+                library->applyDiff(entry.patch());
+        }
+        m_expected = library;
+        m_expectedOf = present;
     }
+    return m_expected;
 }
 
 void EditQueue::proceed()
@@ -179,6 +187,7 @@ bool EditQueue::prepare(Entry& entry)
         refuseFirst(overtaken);
         return false;
     }
+    m_expected = {};
     edit.redo = anew.redo;
     edit.undo = anew.undo;
     edit.before = anew.before;
@@ -295,6 +304,7 @@ EditQueue::Entry EditQueue::takeFirst()
 {
     Entry entry = std::move(m_edits.front());
     m_edits.pop_front();
+    m_expected = {};
     m_patience.stop();
     m_awaited.reset();
     m_state = State::Idle;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "common/media/library/libraryedit.h"
+#include "tarn/media/medialibrary.h"
 
 #include <QObject>
 #include <QPointer>
@@ -29,8 +30,8 @@ public:
 
     void submit(const std::shared_ptr<LibraryEdit>& edit, EditDirection direction, EditAnswered answered);
     bool isEmpty() const { return m_edits.empty(); }
-    /// Does to a copy of the library what is under way: what the next edit is made on.
-    void applyTo(MediaLibrary& library) const;
+    /// The library with what is under way: what the next edit is made on. Worked out once for each change.
+    Ref<const MediaLibrary> expected() const;
 
     /// The library has changed, or was read: what waits for that goes on.
     void proceed();
@@ -78,6 +79,8 @@ private:
     std::optional<qint64> m_sentFor; // the revision that it named
     std::optional<qint64> m_awaited; // the library's revision that ends Settling or Overtaken
     QTimer m_patience;
+    mutable Ref<const MediaLibrary> m_expected; // null when it is to be worked out
+    mutable Json m_expectedOf;                  // the library that it was made of
 };
 
 } // namespace vantrel

@@ -526,13 +526,9 @@ Json MediaLibraryApi::libraryJson() const
     return m_library->toJson();
 }
 
-Ref<MediaLibrary> MediaLibraryApi::expectedLibrary() const
+Ref<const MediaLibrary> MediaLibraryApi::expectedLibrary() const
 {
-    if (m_edits->isEmpty())
-        return m_library;
-    auto expected = makeRef<MediaLibrary>(*m_library);
-    m_edits->applyTo(*expected);
-    return expected;
+    return m_edits->isEmpty() ? Ref<const MediaLibrary>(m_library) : m_edits->expected();
 }
 
 /// The number of a message of the stream, as the library's tag.

@@ -83,7 +83,7 @@ public:
     const MediaLibrary& library() const { return *m_library; }
     Json libraryJson() const;
     /// The library with all edits that are under way.
-    Ref<MediaLibrary> expectedLibrary() const;
+    Ref<const MediaLibrary> expectedLibrary() const;
     EditQueue* edits() const { return m_edits; }
     /// What was read from the event stream, in pieces of any size.
     void receive(const QByteArray& bytes);

@@ -43,7 +43,7 @@ void PlaylistEditor::removePlaylist(uint playlist)
 QString PlaylistEditor::nameComing(uint playlist) const
 {
     const MediaLibraryApi* api = m_session->getMediaLibraryApi();
-    const Ref<MediaLibrary> expected = api ? api->expectedLibrary() : nullptr;
+    const Ref<const MediaLibrary> expected = api ? api->expectedLibrary() : nullptr;
     const MediaLibrary* library = expected ? &*expected : m_session->mediaLibrary();
     const Playlist* list = library->findPlaylist(static_cast<int>(playlist));
     return list ? QString::fromStdString(list->getName()) : QString();

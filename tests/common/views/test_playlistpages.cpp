@@ -163,7 +163,7 @@ void TestPlaylistPages::heldKeysMoveOneList()
     for (int press = 0; press < 2; ++press)
         QTest::keyClick(table, Qt::Key_Down, Qt::AltModifier);
     const auto nameOf = [this](int playlist) {
-        const Ref<MediaLibrary> then = m_fixture->peer.session->getMediaLibraryApi()->expectedLibrary();
+        const Ref<const MediaLibrary> then = m_fixture->peer.session->getMediaLibraryApi()->expectedLibrary();
         const Playlist* list = std::as_const(*then).findPlaylist(playlist);
         return list ? list->getName() : std::string();
     };

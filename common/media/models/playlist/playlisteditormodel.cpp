@@ -329,7 +329,8 @@ void PlaylistEditorModel::showRefusal(const QString& title, const QList<EntryAdd
 {
     // Looked for where the command has looked: in the library as it will be.
     const bool isExpected = areEditsUnderWay();
-    const Ref<MediaLibrary> expected = isExpected ? m_api->expectedLibrary() : Ref<MediaLibrary>();
+    const Ref<const MediaLibrary> expected =
+        isExpected ? m_api->expectedLibrary() : Ref<const MediaLibrary>();
     const Playlist* then = isExpected ? std::as_const(*expected).findPlaylist(number()) : list();
     for (const EntryAddress& address : named) {
         if (then && !then->hasEntry(address))

@@ -60,7 +60,7 @@ bool PlaylistEditorModel::isSettled() const
 {
     if (!areEditsUnderWay())
         return true;
-    const Ref<MediaLibrary> expected = m_api->expectedLibrary();
+    const Ref<const MediaLibrary> expected = m_api->expectedLibrary();
     const Playlist* then = std::as_const(*expected).findPlaylist(number());
     const Playlist* now = list();
     return now && then ? now->toJson() == then->toJson() : now == then;
@@ -71,7 +71,7 @@ bool PlaylistEditorModel::areStill(const QList<EntryAddress>& addresses) const
 {
     if (!areEditsUnderWay())
         return true;
-    const Ref<MediaLibrary> expected = m_api->expectedLibrary();
+    const Ref<const MediaLibrary> expected = m_api->expectedLibrary();
     const Playlist* then = std::as_const(*expected).findPlaylist(number());
     return std::ranges::all_of(addresses, [&](const EntryAddress& address) {
         const PlaylistEntry* shown = entryAt(list(), address);
