@@ -6,6 +6,7 @@
 #include "common/ui/style/fontsizefollower.h"
 #include "common/ui/style/iconcache.h"
 #include "common/ui/style/spacing.h"
+#include "common/ui/toolkit/dropnotice.h"
 
 #include <QEvent>
 #include <QPainter>
@@ -167,7 +168,8 @@ void PictureNotice::paintEvent(QPaintEvent*)
     QPainter painter(this);
     const QRectF picture = m_preview->pictureRect();
     if (m_preview->isDropTarget())
-        return paintDrop(painter);
+        return paintDropNotice(
+            painter, rect(), m_viewMode == Program ? DropNotice::OnAir : DropNotice::Preview, font(), m_told);
     if (isCovered())
         return paintUnplayable(painter, picture);
     if (m_soundOnly)
@@ -179,26 +181,6 @@ void PictureNotice::paintEvent(QPaintEvent*)
         paintBand(painter, picture.toRect());
     else if (isOld)
         paintAge(painter, picture.toRect());
-}
-
-void PictureNotice::paintDrop(QPainter& painter) const
-{
-    const bool isProgram = m_viewMode == Program;
-    const QColor colour = getColor(isProgram ? colors::Zt_red : colors::Green_green);
-    painter.fillRect(rect(), getColor(colors::Zt_black_50));
-    painter.setPen(QPen(colour, 4));
-    painter.drawRect(rect().adjusted(2, 2, -2, -2));
-    QFont bold = font();
-    bold.setWeight(QFont::Bold);
-    painter.setFont(bold);
-    const QMargins padding(spacing::loose, spacing::normal, spacing::loose, spacing::normal);
-    // Along the top: what is dragged hides the middle.
-    constexpr int where = Qt::AlignHCenter | Qt::AlignTop | Qt::TextWordWrap;
-    const QRect room = rect().marginsRemoved(padding);
-    const int below = painter.boundingRect(room, where, text()).bottom() + padding.bottom();
-    painter.fillRect(QRect(0, 0, width(), below), colour);
-    painter.setPen(getColor(isProgram ? colors::White : colors::Slate_grey_900));
-    painter.drawText(room, where, text());
 }
 
 void PictureNotice::paintUnplayable(QPainter& painter, const QRectF& picture) const

@@ -45,7 +45,6 @@ private:
     void showAge();
     void refresh();
     void place();
-    void paintDrop(QPainter& painter) const;
     void paintUnplayable(QPainter& painter, const QRectF& picture) const;
     void paintBand(QPainter& painter, const QRect& picture) const;
     void paintAge(QPainter& painter, const QRect& picture) const;

@@ -104,6 +104,7 @@ private:
     void aim(const QPoint& position);
     void showAim();
     bool hasShifted(const QPoint& position, const DropTarget& target) const;
+    QString wordsOnAir(const PlaylistDrop& drop) const;
     QString wordsFor(const DropTarget& target, const PlaylistDrop& drop) const;
     QString nameAt(int row) const;
     void applyDrop(const PlaylistDrop& drop, const DropTarget& target);

@@ -152,15 +152,23 @@ QString PlaylistEditor::nameAt(int row) const
     return name.isEmpty() ? index.data().toString() : index.data().toString() + u' ' + name;
 }
 
+/// A whole playlist that is let go over program begins there. One that has nothing in it does not.
+QString PlaylistEditor::wordsOnAir(const PlaylistDrop& drop) const
+{
+    const bool begins = drop.kind() == PlaylistDrop::Kind::Playlist &&
+                        !m_session->playlistProvider()->entries(drop.playlist()).isEmpty();
+    return begins ? tr("Let go: on air now, cut") : QString();
+}
+
 /// What a drop there would do. What cannot be read says so at the drop, where there is room for the reason.
 QString PlaylistEditor::wordsFor(const DropTarget& target, const PlaylistDrop& drop) const
 {
+    if (!target.isReplace() && !target.isInsert())
+        return isPreview() ? QString() : wordsOnAir(drop);
     if (!drop.fault().isEmpty())
         return tr("Cannot be dropped here");
     if (target.isReplace())
         return tr("Replace %1").arg(nameAt(target.row));
-    if (!target.isInsert())
-        return {};
     if (m_model->rowCount() == 0)
         return tr("Insert as the first entry");
     if (m_model->sortColumn() != PlaylistModel::NumberColumn)

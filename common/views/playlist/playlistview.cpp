@@ -7,6 +7,7 @@
 #include "common/ui/style/colors.h"
 #include "common/ui/style/iconcache.h"
 #include "common/ui/style/spacing.h"
+#include "common/ui/toolkit/dropnotice.h"
 #include "common/views/playlist/playlistdelegate.h"
 
 #include <QApplication>
@@ -370,6 +371,8 @@ void PlaylistView::paintEvent(QPaintEvent* event)
         paintPlaceholder(&painter);
     if (m_target.kind != DropTarget::Kind::None)
         paintTarget(&painter);
+    else if (!m_targetWords.isEmpty())
+        paintDropNotice(painter, viewport()->rect(), DropNotice::OnAir, font(), m_targetWords);
 }
 
 void PlaylistView::paintTarget(QPainter* painter)

@@ -36,7 +36,8 @@ public:
     /// The drop target at a point of the viewport.
     DropTarget targetAt(const QPoint& position) const;
     const DropTarget& dropTarget() const { return m_target; }
-    /// Shows where a drop would go and, in words, what it would do there.
+    /// Shows where a drop would go and, in words, what it would do there. Words without a place stand over
+    /// the whole list, in red: such a drop goes on air.
     void showTarget(const DropTarget& target, const QString& words);
 
     const QString& placeholderText() const { return m_placeholder; }

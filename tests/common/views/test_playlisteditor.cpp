@@ -6,6 +6,7 @@
 #include "common/notification/notificationmanagerimpl.h"
 #include "common/session/mirror/guiplayback.h"
 #include "common/session/mirror/sceneobjectprovider.h"
+#include "common/ui/style/colors.h"
 #include "common/ui/toolkit/iconbutton.h"
 #include "common/views/playlist/cuesheetdialog.h"
 #include "common/views/playlist/listclock.h"
@@ -111,12 +112,13 @@ private:
     {
         return m_editor->findChild<T*>(QLatin1String(name));
     }
-    static void drop(PlaylistEditor* editor, QMimeData* data, const QPoint& at);
+    void drop(PlaylistEditor* editor, QMimeData* data, const QPoint& at);
     void drop(QMimeData* data, const QPoint& viewportPosition);
 
     std::unique_ptr<PlayerFixture> m_fixture;
     PlaylistEditor* m_editor = nullptr;
     PlaylistView* m_view = nullptr;
+    QColor m_hovered; // of a list's corner, while something was over it
 };
 
 void TestPlaylistEditor::menuOffersWhatIsPossible_data()
@@ -392,6 +394,7 @@ void TestPlaylistEditor::listsStartOnProgramWithTheirFirst()
     drop(program, createMimeData({show}, MimeItemCategory::Playlist, MediaItemType::Playlist), {5, 5});
     QVERIFY(m_fixture->waitForSent().contains(QStringLiteral("playlists/2/entries/1\"")));
     QCOMPARE(program->model()->playlistNumber(), before);
+    QCOMPARE(m_hovered, colors::getColor(colors::Zt_red)); // told before it was let go
 }
 
 /// Drags the data over the editor to a point and drops it there.
@@ -402,6 +405,7 @@ void TestPlaylistEditor::drop(PlaylistEditor* editor, QMimeData* data, const QPo
     QCoreApplication::sendEvent(editor, &enter);
     QDragMoveEvent move(at, Qt::CopyAction, data, Qt::LeftButton, Qt::NoModifier);
     QCoreApplication::sendEvent(editor, &move);
+    m_hovered = editor->findChild<PlaylistView*>()->viewport()->grab().toImage().pixelColor(2, 2);
     QDropEvent event(at, Qt::CopyAction, data, Qt::LeftButton, Qt::NoModifier);
     QCoreApplication::sendEvent(editor, &event);
 }
