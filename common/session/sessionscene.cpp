@@ -127,8 +127,6 @@ void Session::onSceneChange(Scene* scene, int count, const SceneChange* changes,
         PatchOp op;
         if (!operationOf(*scene, changes[i], op))
             continue;
-        if (op.op == PatchOpType::Add)
-            op.value = Scene::toJson(changes[i].object); // with all that it came with
         if (isHeld)
             session->m_unsent.append(PatchOp::get(op.path.toString()));
         else

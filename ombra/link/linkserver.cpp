@@ -226,11 +226,8 @@ void LinkServer::onSceneChange(int count, const SceneChange* changes)
 {
     for (int i = 0; i < count; ++i) {
         PatchOp op;
-        if (!operationOf(m_scene, changes[i], op))
-            continue;
-        if (op.op == PatchOpType::Add)
-            op.value = Scene::toJson(changes[i].object);
-        publish(op);
+        if (operationOf(m_scene, changes[i], op))
+            publish(op);
     }
 }
 

@@ -1,5 +1,6 @@
 #include "ombra/preview/previewserver.h"
 
+#include "tarn/preview/newestqueue.h"
 #include "tarn/preview/previewwire.h"
 
 #include <boost/asio/buffer.hpp>
@@ -7,7 +8,6 @@
 #include <boost/asio/write.hpp>
 
 #include <array>
-#include <deque>
 
 namespace vantrel::ombra {
 
@@ -46,13 +46,7 @@ public:
     {
         if (!m_socket.is_open())
             return;
-        for (auto& [waitingKey, waiting] : m_waiting) {
-            if (waitingKey == key) {
-                waiting = bytes;
-                return;
-            }
-        }
-        m_waiting.emplace_back(key, bytes);
+        m_waiting.push({key, bytes});
         if (!m_current)
             write();
     }
@@ -61,14 +55,21 @@ public:
     {
         boost::system::error_code ignored;
         m_socket.close(ignored);
-        m_waiting.clear();
+        m_waiting = {};
     }
 
 private:
+    struct Waiting
+    {
+        Key key;
+        Bytes bytes;
+
+        bool isOfOneKindWith(const Waiting& other) const { return key == other.key; }
+    };
+
     void write()
     {
-        m_current = std::move(m_waiting.front().second);
-        m_waiting.pop_front();
+        m_current = m_waiting.take().bytes;
         boost::asio::async_write(m_socket, boost::asio::buffer(*m_current),
                                  [self = shared_from_this()](boost::system::error_code code, std::size_t) {
                                      self->m_current.reset();
@@ -83,7 +84,7 @@ private:
     PeerLimit::Place m_room;
     std::array<char, 1024> m_discard{};
     Bytes m_current; // on its way
-    std::deque<std::pair<Key, Bytes>> m_waiting;
+    NewestQueue<Waiting> m_waiting;
 };
 
 PreviewServer::PreviewServer(boost::asio::io_context& io)

@@ -7,7 +7,7 @@ bool operationOf(const Scene& scene, const SceneChange& change, PatchOp& op)
     switch (change.kind) {
     case SceneChange::Added:
         op.op = PatchOpType::Add;
-        op.value = Json::object();
+        op.value = Scene::toJson(change.object);
         return scene.pathOf(change.object, op.path);
     case SceneChange::Removed:
         op.op = PatchOpType::Remove;

@@ -5,7 +5,7 @@
 namespace vantrel {
 
 /// The operation that tells the other end of a change; false when the object has no path in the scene. An add
-/// comes with an empty object: who knows what the new object holds puts it in.
+/// carries the object with all that it came with.
 bool operationOf(const Scene& scene, const SceneChange& change, PatchOp& op);
 
 } // namespace vantrel
