@@ -172,7 +172,9 @@ QString MonkeyHand::mouse(const QString& operation, const QJsonObject& target)
 QString MonkeyHand::key(const QString& name)
 {
     // In the open menu it may choose what would end the run.
-    const bool isChoice = name == QLatin1String("Enter") || name == QLatin1String("Space");
+    static const QStringList choosing{QStringLiteral("Return"), QStringLiteral("Enter"),
+                                      QStringLiteral("Space")};
+    const bool isChoice = choosing.contains(name);
     const bool isInMenu = isChoice && m_robot.find(mainMenu)["visible"].toBool();
     const QString pressed = isInMenu ? QStringLiteral("Esc") : name;
     ask({{"operation", "key_press"}, {"keyName", pressed}});
