@@ -20,7 +20,6 @@ public:
     void setColor(const QColor& color);
     QColor color() const { return m_color; }
     void setSweetSpotOffset(int pixels) { m_sweetSpotOffset = pixels; }
-    int sweetSpotOffset() const { return m_sweetSpotOffset; }
     /// Where the mouse takes hold of it, in the slider's coordinates.
     QRect sweetSpot() const;
 

@@ -227,7 +227,6 @@ void TakeControls::setObject(Object* object, Scene* scene)
 {
     saveButtonStates();
     m_object = Ref<Object>(object);
-    m_scene = scene;
     Object* program = object ? object->findChildByName("program", false) : nullptr;
     m_propertiesMapper->setObject(program ? scene : nullptr, program);
     if (program)

@@ -92,7 +92,6 @@ private:
     ColumnStep m_step = ColumnStep::Wide;
     QString m_blocked;
     QString m_cueFault;
-    Scene* m_scene = nullptr;
     Ref<Object> m_object;
 };
 

@@ -37,7 +37,6 @@ public:
     void adjustSplitters();
     /// The least width of both columns, where the window has room for it.
     void setTextSize(FontSize size);
-    ColumnStep columnStep() const { return m_step; }
 
     QSize minimumSizeHint() const override;
 

@@ -271,11 +271,6 @@ std::span<const StandardTiming> dmtTimings()
     return dmt;
 }
 
-std::span<const StandardTiming> ctaTimings()
-{
-    return cta;
-}
-
 const VideoTiming* findDmt(int id)
 {
     return find(dmt, id);

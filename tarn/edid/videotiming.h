@@ -35,9 +35,8 @@ struct StandardTiming
     VideoTiming timing;
 };
 
-/// VESA Display Monitor Timings, by their ID, and CTA-861 video formats, by their VIC; both in order.
+/// VESA Display Monitor Timings, by their ID, in order.
 std::span<const StandardTiming> dmtTimings();
-std::span<const StandardTiming> ctaTimings();
 /// Null for a code that is none.
 const VideoTiming* findDmt(int id);
 const VideoTiming* findVic(int vic);

@@ -33,29 +33,4 @@ QVariant variantToQVariant(const Variant& value)
     return {};
 }
 
-Variant variantFromQVariant(const QVariant& value)
-{
-    switch (value.typeId()) {
-    case QMetaType::Bool:
-        return Variant::from(value.toBool());
-    case QMetaType::Int:
-    case QMetaType::UInt:
-    case QMetaType::LongLong:
-        return Variant::from(static_cast<std::int64_t>(value.toLongLong()));
-    case QMetaType::Double:
-    case QMetaType::Float:
-        return Variant::from(value.toDouble());
-    case QMetaType::QString:
-        return Variant::from(value.toString());
-    case QMetaType::QByteArray: {
-        const QByteArray bytes = value.toByteArray();
-        return Variant::from(std::vector<std::uint8_t>(bytes.begin(), bytes.end()));
-    }
-    case QMetaType::QColor:
-        return Variant::from(value.value<QColor>());
-    default:
-        return {};
-    }
-}
-
 } // namespace vantrel

@@ -42,7 +42,5 @@ inline Variant Variant::from(const QColor& value)
 /// bool, int (qlonglong where it does not fit), double, QString, QByteArray, QColor; tag None is an invalid
 /// QVariant.
 QVariant variantToQVariant(const Variant& value);
-/// The inverse; a type without a counterpart gives tag None.
-Variant variantFromQVariant(const QVariant& value);
 
 } // namespace vantrel

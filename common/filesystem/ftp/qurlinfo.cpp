@@ -109,11 +109,6 @@ void QUrlInfo::setLastModified(const QDateTime& time)
     data().lastModified = time;
 }
 
-void QUrlInfo::setLastRead(const QDateTime& time)
-{
-    data().lastRead = time;
-}
-
 QString QUrlInfo::name() const
 {
     return read().name;

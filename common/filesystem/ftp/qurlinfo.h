@@ -43,7 +43,6 @@ public:
     virtual void setReadable(bool isReadable);
     virtual void setPermissions(int permissions);
     virtual void setLastModified(const QDateTime& time);
-    void setLastRead(const QDateTime& time);
 
     bool isValid() const { return m_data; }
     QString name() const;

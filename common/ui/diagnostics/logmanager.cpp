@@ -164,20 +164,18 @@ void LogManager::tellHeld(RepeatLimit::Clock::time_point now)
 
 bool LogManager::append(QtMsgType type, const QMessageLogContext& context, const QString& line)
 {
-    if (m_logToFile) {
-        if (!m_file && !createNewLogFile()) {
-            m_file.reset();
-            return false;
-        }
-        if (!m_stream)
-            m_stream = std::make_unique<QTextStream>(m_file.get());
-        writeLogLine(type, context, line, *m_stream);
-        m_stream->flush(); // the last line before a crash is the one that counts
-        if (m_file->size() >= m_fileSizeLimit) {
-            closeFile();
-            qint64 size = logFolderSize();
-            cleanupOldLogs(size, m_sizeLimit - m_fileSizeLimit); // room for the next file
-        }
+    if (!m_file && !createNewLogFile()) {
+        m_file.reset();
+        return false;
+    }
+    if (!m_stream)
+        m_stream = std::make_unique<QTextStream>(m_file.get());
+    writeLogLine(type, context, line, *m_stream);
+    m_stream->flush(); // the last line before a crash is the one that counts
+    if (m_file->size() >= m_fileSizeLimit) {
+        closeFile();
+        qint64 size = logFolderSize();
+        cleanupOldLogs(size, m_sizeLimit - m_fileSizeLimit); // room for the next file
     }
     if (m_logToStdOut) {
         static QTextStream out(stdout, QIODevice::WriteOnly);

@@ -61,7 +61,6 @@ private:
     qint64 m_fileSizeLimit = LogFile::largestFile;
     RepeatLimit m_repeats;
     bool m_logToStdOut = true;
-    bool m_logToFile = true;
     QString m_path;
     std::unique_ptr<QFile> m_file;
     QString m_directory;

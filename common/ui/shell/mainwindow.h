@@ -50,7 +50,6 @@ public:
     void repositionNotifications();
 
     MainNavigationBar* navigationBar() const { return m_navigationBar; }
-    StatusBar* statusLine() const { return m_statusBar; }
     ConnectDialog* connectDialog() const { return m_connectDialog; }
 
 public Q_SLOTS:

@@ -37,13 +37,6 @@ IconButton::IconButton(const QString& icon, const QString& disabledIcon, QWidget
     });
 }
 
-void IconButton::setIcons(const QString& icon, const QString& disabledIcon)
-{
-    m_icon = icon;
-    m_disabledIcon = disabledIcon;
-    update();
-}
-
 void IconButton::setToggleIcons(const QString& on, const QString& off)
 {
     m_onIcon = on;

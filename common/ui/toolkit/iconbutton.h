@@ -20,7 +20,6 @@ public:
     explicit IconButton(const QString& icon, const QString& disabledIcon = {}, QWidget* parent = nullptr);
     explicit IconButton(QWidget* parent = nullptr);
 
-    void setIcons(const QString& icon, const QString& disabledIcon = {});
     /// Makes the button checkable, with one drawing while checked and another while not.
     void setToggleIcons(const QString& on, const QString& off);
     /// The icon's colours under the mouse and while pressed.
