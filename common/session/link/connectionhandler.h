@@ -126,17 +126,17 @@ private:
     PreviewThread* previewThread() const;
 
     ThreadEnd m_end;
-    mutable QMutex m_mutex;                  // guards every field below
+    mutable QMutex m_mutex;                  // guards the fields from m_state to m_address
     std::condition_variable_any m_condition; // which, unlike Qt's own, the thread sanitizer can follow
     State m_state = State::Idle;
     QString m_host;     // of the link, of the attempts or to be tried again; empty when Idle
     QString m_home;     // of the last link; empty when the operator left it
     QString m_toldHost; // whose failing attempts were told of
     boost::asio::ip::address m_address;
-    Ref<Network> m_network;
+    Ref<Network> m_network; // this and the client lock by themselves
     std::shared_ptr<JsonClient> m_client;
-    QTimer m_reconnectTimer;
-    QString m_heardAddress; // on the main thread: of the last connectionAddr
+    QTimer m_reconnectTimer; // on the main thread, as the next
+    QString m_heardAddress;  // of the last connectionAddr
     std::atomic<int> m_linkCount{0};
     std::atomic<qint64> m_lastWord{0};
     std::atomic<qint64> m_linkSince{0};

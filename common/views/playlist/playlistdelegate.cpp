@@ -378,7 +378,7 @@ QWidget* PlaylistDelegate::createEditor(QWidget* parent, const QStyleOptionViewI
     Q_UNUSED(option);
     if (!m_isEditable)
         return nullptr;
-    auto* self = const_cast<PlaylistDelegate*>(this);
+    auto* self = const_cast<PlaylistDelegate*>(this); // Qt's editors are made by a const one that they change
     const auto makeMenu = [self](ZTDropdownMenu* menu) {
         connect(menu, &ZTDropdownMenu::chosen, self, [self, menu] {
             menu->setProperty(chosenProperty, true);
