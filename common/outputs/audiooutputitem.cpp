@@ -91,14 +91,12 @@ QWidget* AudioOutputItem::createMessage()
 
 void AudioOutputItem::onConnected()
 {
-    connect(m_session->previewPlaybackModel(), &PlaybackModel::dataChanged, this,
-            &AudioOutputItem::onPreviewDataChanged, Qt::UniqueConnection);
-    connect(m_session->programPlaybackModel(), &PlaybackModel::dataChanged, this,
-            &AudioOutputItem::onProgramDataChanged, Qt::UniqueConnection);
+    for (const PlaybackModel* model : {m_session->previewPlaybackModel(), m_session->programPlaybackModel()})
+        connect(model, &PlaybackModel::dataChanged, this, &AudioOutputItem::onPlaybackDataChanged,
+                Qt::UniqueConnection);
     m_preview->setEnabled(true);
     m_program->setEnabled(true);
-    onPreviewDataChanged();
-    onProgramDataChanged();
+    showDevices();
 }
 
 void AudioOutputItem::onDisconnected()
@@ -107,20 +105,23 @@ void AudioOutputItem::onDisconnected()
     m_program->setEnabled(false);
 }
 
-void AudioOutputItem::onPreviewDataChanged()
+/// Not with each position of what plays.
+void AudioOutputItem::onPlaybackDataChanged(const QModelIndex& topLeft, const QModelIndex& bottomRight)
 {
-    showDevice(m_preview, m_session->previewPlaybackModel());
+    if (PlaybackModel::isColumnIn(PlaybackModel::AudioDeviceColumn, topLeft, bottomRight))
+        showDevices();
 }
 
-void AudioOutputItem::onProgramDataChanged()
+void AudioOutputItem::showDevices()
 {
+    showDevice(m_preview, m_session->previewPlaybackModel());
     showDevice(m_program, m_session->programPlaybackModel());
+    updateMessage();
 }
 
 void AudioOutputItem::showDevice(SwitchSelect* target, const PlaybackModel* model)
 {
     target->setValue(model->index(0, PlaybackModel::AudioDeviceColumn).data());
-    updateMessage();
 }
 
 void AudioOutputItem::updateMessage()

@@ -23,8 +23,8 @@ public:
 public Q_SLOTS:
     void onConnected();
     void onDisconnected();
-    void onPreviewDataChanged();
-    void onProgramDataChanged();
+    void onPlaybackDataChanged(const QModelIndex& topLeft, const QModelIndex& bottomRight);
+    void showDevices();
     /// Shows the server's address beside the title.
     void onAddressChanged();
     void onStyleChange(vantrel::ConfigurationOption option, const QVariant& value);

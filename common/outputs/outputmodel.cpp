@@ -137,13 +137,8 @@ std::shared_ptr<GUIMapping> OutputModel::getMapping() const
 void OutputModel::sendCommand(Object* object, const QString& method, const QString& text,
                               const VariantMap& args)
 {
-    auto command = std::make_unique<InvokeMethodCommand>();
-    command->setText(text);
-    bool isSent = false;
-    if (m_stack && command->init(object, method, args))
-        isSent = vantrel::submit(m_stack, std::move(command));
-    else
-        qCWarning(lcOutputs).noquote().nospace() << "Failed to init " << method << " command";
+    const bool isSent = execute<InvokeMethodCommand>(m_stack, qPrintable(method + QLatin1String(" command")),
+                                                     object, method, args, text);
     m_lookAgain.start(isSent ? serverTakes : 0);
 }
 

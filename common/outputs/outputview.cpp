@@ -102,13 +102,10 @@ void OutputView::confirmReset()
 void OutputView::resetOutputs()
 {
     const QModelIndex system = m_session->objectTreeModel()->index(QStringLiteral("/device/system"));
-    auto command = std::make_unique<InvokeMethodCommand>();
-    command->setText(tr("Reset outputs"));
-    if (command->init(system.data(ObjectTreeModel::ObjectRole).value<Object*>(),
-                      QStringLiteral("resetOutputConfiguration"), {}))
-        submit(m_session->getQUndoStack(), std::move(command));
-    else
-        qCWarning(lcOutputs) << "Failed to reset outputs";
+    execute<InvokeMethodCommand>(m_session->getQUndoStack(), "resetOutputConfiguration command",
+                                 system.data(ObjectTreeModel::ObjectRole).value<Object*>(),
+                                 QStringLiteral("resetOutputConfiguration"), VariantMap(),
+                                 tr("Reset outputs"));
 }
 
 /// What is set while nobody hears it would only look set.

@@ -127,7 +127,7 @@ private:
     void nameChildren();
     void connectChildren();
     void connectSources();
-    void followHelpers();
+    void tellConstraint();
     void connectMute(const Path& objectPath);
     void updateMediaAddress();
     void updateTransport();
@@ -167,7 +167,6 @@ private:
     bool m_isLocked = false;
     QString m_blocked;
     QString m_unplayable;
-    QPointer<MediaDataAggregator> m_aggregator;
     DefaultResourceStatusProvider* m_resourceStatusProvider = nullptr;
 };
 

@@ -60,8 +60,12 @@ void PlaybackWidget::connectSources()
             &PlaybackWidget::handlePlaylistReset);
     connect(m_session->mediaLibraryProvider(), &MediaLibraryProvider::editsSettled, this,
             &PlaybackWidget::refreshPlaybackControls);
-    connect(m_session, &Session::connected, this, &PlaybackWidget::followHelpers);
-    followHelpers();
+    m_resourceStatusProvider = m_session->resourceStatusProvider();
+    connect(m_session, &Session::connected, this, &PlaybackWidget::tellConstraint);
+    tellConstraint();
+    if (MediaDataAggregator* aggregator = m_session->mediaDataAggregator())
+        connect(aggregator, &MediaDataAggregator::metadataChanged, this,
+                &PlaybackWidget::handleMetadataChanged);
     if (m_playback) {
         connect(m_playback, &GUIPlayback::mediaChanged, this, &PlaybackWidget::handleMediaChanged);
         connect(m_playback, &GUIPlayback::heldMediaChanged, this, &PlaybackWidget::updateMediaAddress);
@@ -73,17 +77,10 @@ void PlaybackWidget::connectSources()
 }
 
 /// A new connection knows nothing of what is short of resources: it is told again.
-void PlaybackWidget::followHelpers()
+void PlaybackWidget::tellConstraint()
 {
-    m_resourceStatusProvider = m_session->resourceStatusProvider();
     if (m_resourceStatusProvider && isPreview())
         m_resourceStatusProvider->setIsConstrained(m_viewMode, m_isResourceConstrained);
-    if (m_aggregator)
-        m_aggregator->disconnect(this);
-    m_aggregator = m_session->mediaDataAggregator();
-    if (m_aggregator)
-        connect(m_aggregator, &MediaDataAggregator::metadataChanged, this,
-                &PlaybackWidget::handleMetadataChanged);
 }
 
 std::shared_ptr<MediaMetadata> PlaybackWidget::getMediaMetadata() const

@@ -184,6 +184,8 @@ void Session::doInit()
     m_serverConfiguration->setShowConfiguration(m_sceneObjects->showConfiguration());
     m_previewPlaybackModel = std::make_unique<PlaybackModel>(preview, playlists, nullptr);
     m_programPlaybackModel = std::make_unique<PlaybackModel>(program, playlists, nullptr);
+    for (PlaybackModel* model : {m_previewPlaybackModel.get(), m_programPlaybackModel.get()})
+        model->setUndoStack(m_undoStack.get());
     initMediaLibraryHelpers();
     initPlaylistModels();
     wireProviders();

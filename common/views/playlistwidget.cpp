@@ -132,15 +132,14 @@ QWidget* PlaylistWidget::createSingleMediaPage(const Session& session)
         if (media != model->mediaAddress())
             model->setMediaAddress(media);
     };
-    connect(channel, &QAbstractItemModel::dataChanged, model, follow);
+    connect(channel, &QAbstractItemModel::dataChanged, model,
+            [follow](const QModelIndex& topLeft, const QModelIndex& bottomRight) {
+                if (PlaybackModel::isColumnIn(PlaybackModel::MediaUrlColumn, topLeft, bottomRight))
+                    follow();
+            });
     connect(channel, &QAbstractItemModel::modelReset, model, follow);
     follow();
-    auto* page = new SingleMediaWidget(model, session.mediaDataAggregator(), this);
-    connect(&session, &Session::connected, page, [model, page, &session] {
-        model->setMediaDataAggregator(session.mediaDataAggregator());
-        page->setMediaDataAggregator(session.mediaDataAggregator());
-    });
-    return page;
+    return new SingleMediaWidget(model, session.mediaDataAggregator(), this);
 }
 
 int PlaylistWidget::currentTab() const

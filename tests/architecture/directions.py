@@ -15,7 +15,7 @@ MAY_KNOW = {
     "ombra": ["ombra", "tarn", "util"],
     "ombra/display": ["ombra/display", "ombra/decode", "ombra/base", "ombra/engine/shownmoment.h", "tarn"],
     "ombra/sound": ["ombra/sound", "ombra/decode", "ombra/base", "ombra/engine/heardmoment.h", "tarn"],
-    "launcher": ["launcher", "common", "util", "tarn"],
+    "launcher": ["launcher", "common"],
     "common": ["common", "tarn", "util"],
 }
 # The rooms of common stand on floors, from the ground up: cmake/floors.txt, from which they are built as well. A room
@@ -48,7 +48,6 @@ REACHES = {
     "common/import/imagesequencecreator.cpp": "tells the aggregator of the session that it is given",
     "common/media/edit/implmediacollectionmanager.cpp": "executes on the one undo stack",
     "common/media/edit/mediasloteditfunctional.cpp": "executes on the one undo stack",
-    "common/media/models/playbackmodel.cpp": "executes the entry's edit on the one undo stack",
     "common/session/link/connectionhandler.cpp": "tells the preview thread of the session where to connect",
     "common/session/link/connectionprovider.cpp": "follows the one connection",
     "common/session/link/metadataclient.cpp": "tells the one aggregator",
@@ -96,6 +95,14 @@ SINGLETONS = {
         "common/qml/qmlmanager.cpp": "what QML may see of the application",
         "common/session/sessionfiles.cpp": "builds the model of local files on it",
     },
+    "MainWindow": {
+        "common/qml/dialogfactory.cpp": "a dialog of QML stands over the window",
+        "common/qml/quickdialog.cpp": "a dialog of QML stands over the window",
+        "common/session/sessionscene.cpp": "nothing is painted while a whole scene is applied",
+        "common/ui/clicktest/clicktestevents.cpp": "events from outside reach the whole window",
+        "common/ui/diagnostics/diagnosticsmanager.cpp": "its picture belongs to what is packed",
+        "common/views/files/filesview.cpp": "its declarative half asks over the window",
+    },
     "LogManager": {
         "common/ui/diagnostics/diagnosticsmanager.cpp": "packs the folder of the log",
         "launcher/main.cpp": "puts it in place of Qt's own, before anything else stands",
@@ -103,15 +110,14 @@ SINGLETONS = {
 }
 ASKED = "Session::instance()"
 INSTANCE = re.compile(r"\b((?!Q[A-Z]\w*Application\b)[A-Z]\w*)::instance\(\)")
+WINDOW = re.compile(r"\b(?:mainWindowWidget|setMainWindowUpdatesEnabled)\(")
 # Modules that core rooms know nothing of, also where an include names the module itself.
 WIDGETS = re.compile(r"Qt\w*Widgets/")
 # What reaches the screens and the sound devices of a machine, and the only rooms that know how.
-DEVICES = {"ombra/display": re.compile(r"SDL|X11/|libplacebo/"), "ombra/sound": re.compile(r"SDL")}
+DEVICES = {"ombra/display": re.compile(r"SDL|X11/|libplacebo/|cairo"), "ombra/sound": re.compile(r"SDL")}
 # Qt stays out of these rooms.
 NO_QT = ["util", "tarn", "ombra"]
 NO_QT_EXCEPT = ["tarn/qt"]
-# The knots: includes that stand by name, each with its reason. (file, included header): why
-KNOTS = {}
 
 INCLUDE = re.compile(r'^\s*#\s*include\s+(?:"([^"]+)"|<([^>]+)>)')
 
@@ -174,8 +180,6 @@ def faults_of(root, path, floors, core):
         if "/" not in ours:
             yield f"{where}: \"{ours}\" is not written from the project's root"
             continue
-        if (name, ours) in KNOTS:
-            continue
         if room in NO_QT and any(in_room(ours, other) for other in NO_QT_EXCEPT):
             yield f"{where}: includes {ours}, and Qt stays out of {room}"
         if not any(in_room(ours, allowed) for allowed in MAY_KNOW[room]):
@@ -211,8 +215,11 @@ def singleton_faults(root, files):
     asking = set()
     for path in files:
         name = path.relative_to(root).as_posix()
-        asking |= {(asked, name) for asked in INSTANCE.findall(path.read_text(encoding="utf-8"))
+        text = path.read_text(encoding="utf-8")
+        asking |= {(asked, name) for asked in INSTANCE.findall(text)
                    if asked != "Session" and path.stem != asked.lower()}
+        if WINDOW.search(text) and path.stem != "mainwindowhandle":
+            asking.add(("MainWindow", name))
     named = {(asked, name) for asked, askers in SINGLETONS.items() for name in askers}
     yield from (f"{name} asks for the one {asked} without a reason in SINGLETONS" for asked, name in sorted(asking - named))
     yield from (f"{name} asks for the one {asked} no longer: take its line out of SINGLETONS"
@@ -222,7 +229,7 @@ def singleton_faults(root, files):
 def main():
     root = pathlib.Path(sys.argv[1]).resolve()
     files = [p for room in ("util", "tarn", "ombra", "launcher", "common")
-             for suffix in ("*.h", "*.cpp") for p in sorted((root / room).rglob(suffix))]
+             for suffix in ("*.h", "*.cpp", "*.c") for p in sorted((root / room).rglob(suffix))]
     table = read_table(root)
     floors = numbered(table)
     core = {room for may_have, *rooms in table if may_have == "core" for room in rooms}
@@ -230,8 +237,6 @@ def main():
     faults += [fault for path in files for fault in faults_of(root, path, floors, core)]
     faults += asking_faults(root, files, floors)
     faults += singleton_faults(root, files)
-    unused = [knot for knot in KNOTS if not (root / knot[0]).exists() or knot[1] not in (root / knot[0]).read_text()]
-    faults += [f"the knot {knot} is gone from the code: take its line out" for knot in unused]
     faults += [f"{name} reaches for the session no longer: take its line out of REACHES" for name in REACHES
                if not (root / name).exists() or HANDLE not in (root / name).read_text(encoding="utf-8")]
     for fault in faults:

@@ -4,9 +4,10 @@
 #include "common/media/edit/playlist/editplaylistentrycommand.h"
 #include "common/media/items/abstractplaylistprovider.h"
 #include "common/session/mirror/guiplayback.h"
-#include "common/session/session.h"
 #include "tarn/media/medialibrary.h"
 #include "tarn/media/mediasourceparser.h"
+
+#include <QUndoStack>
 
 namespace vantrel {
 
@@ -46,6 +47,11 @@ PlaybackModel::PlaybackModel(QPointer<GUIPlayback> playback, AbstractPlaylistPro
 }
 
 PlaybackModel::~PlaybackModel() = default;
+
+void PlaybackModel::setUndoStack(QUndoStack* stack)
+{
+    m_stack = stack;
+}
 
 int PlaybackModel::rowCount(const QModelIndex& parent) const
 {
@@ -287,8 +293,7 @@ void PlaybackModel::setEndActionCommand(EndAction endAction)
         return;
     }
     const auto change = [endAction](PlaylistEntry& entry) { entry.setEndAction(endAction); };
-    tryExecute<EditPlaylistEntryCommand>(Session::instance()->getQUndoStack(), library, number,
-                                         QList{m_entry.address()}, change);
+    tryExecute<EditPlaylistEntryCommand>(m_stack, library, number, QList{m_entry.address()}, change);
 }
 
 bool PlaybackModel::updateEndActionMode()

@@ -10,6 +10,8 @@
 
 #include <utility>
 
+class QUndoStack;
+
 namespace vantrel {
 
 class AbstractPlaylistProvider;
@@ -56,6 +58,13 @@ public:
     bool setData(const QModelIndex& index, const QVariant& value, int role = Qt::EditRole) override;
     QVariant headerData(int section, Qt::Orientation orientation, int role = Qt::DisplayRole) const override;
     Qt::ItemFlags flags(const QModelIndex& index) const override;
+    /// Whether a dataChanged() of these two tells of the column: the position comes with each picture.
+    static bool isColumnIn(Column column, const QModelIndex& topLeft, const QModelIndex& bottomRight)
+    {
+        return topLeft.column() <= column && bottomRight.column() >= column;
+    }
+    /// Where the end action of an entry is edited.
+    void setUndoStack(QUndoStack* stack);
 
     int sourceMode() const { return static_cast<int>(m_sourceMode); }
     /// From the scene; emits the cells, never sourceModeChanged, since the scene's property is read-only.
@@ -93,6 +102,7 @@ private:
 
     QPointer<GUIPlayback> m_playback;
     AbstractPlaylistProvider* m_playlistProvider;
+    QPointer<QUndoStack> m_stack;
     QString m_mediaUrl;
     bool m_isEntryPlaying = false;
     GuiPlaylist m_playlist;

@@ -147,23 +147,19 @@ void PropertiesMapper::populate(const QObject* target)
             populate(mapping);
 }
 
-void PropertiesMapper::populate(const PropertyInfo* info)
+void PropertiesMapper::populate(const PropertyMapping& mapping)
 {
-    const QList<PropertyMapping> mappings = m_mappings;
-    for (const PropertyMapping& mapping : mappings)
-        if (mapping.info == info)
-            populate(mapping);
+    Variant value;
+    if (m_object && m_object->getProperty(mapping.info, value))
+        populate(mapping, value);
+    else if (mapping.target)
+        qCWarning(lcMapper) << "Could not retrieve property from object";
 }
 
-void PropertiesMapper::populate(const PropertyMapping& mapping)
+void PropertiesMapper::populate(const PropertyMapping& mapping, const Variant& value)
 {
     if (!mapping.target)
         return;
-    Variant value;
-    if (!m_object || !m_object->getProperty(mapping.info, value)) {
-        qCWarning(lcMapper) << "Could not retrieve property from object";
-        return;
-    }
     QVariant converted = variantToQVariant(value);
     if (mapping.property.typeId() == QMetaType::QString) {
         if (value.type() == VariantType::None || value.type() == VariantType::Bytes) {
@@ -233,12 +229,20 @@ bool PropertiesMapper::eventFilter(QObject* watched, QEvent* event)
     return QObject::eventFilter(watched, event);
 }
 
+void PropertiesMapper::show(const PropertyInfo& property, const Variant& value)
+{
+    const QList<PropertyMapping> mappings = m_mappings;
+    for (const PropertyMapping& mapping : mappings)
+        if (mapping.info == &property)
+            populate(mapping, value);
+}
+
 void PropertiesMapper::onSceneChangeStatic(Scene*, int count, const SceneChange* changes, void* user)
 {
     auto* self = static_cast<PropertiesMapper*>(user);
     for (int i = 0; i < count; ++i)
         if (changes[i].kind == SceneChange::PropertyChanged && changes[i].object == self->m_object.get())
-            self->populate(changes[i].property);
+            self->show(*changes[i].property, changes[i].value);
 }
 
 } // namespace vantrel

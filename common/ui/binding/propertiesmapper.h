@@ -53,8 +53,9 @@ private:
     static void onSceneChangeStatic(Scene* scene, int count, const SceneChange* changes, void* user);
     static void setMinMaxDef(const PropertyInfo& info, const QMetaObject& metaObject, QObject* target);
     void populate(const QObject* target);
-    void populate(const PropertyInfo* info);
     void populate(const PropertyMapping& mapping);
+    void populate(const PropertyMapping& mapping, const Variant& value);
+    void show(const PropertyInfo& property, const Variant& value);
     void commit(const QObject* target);
     void commit(const PropertyMapping& mapping);
     void release(const PropertyMapping& mapping);

@@ -350,8 +350,7 @@ void PlaylistEditorHeader::setHeld(bool held)
 
 void PlaylistEditorHeader::onPlaybackDataChanged(const QModelIndex& topLeft, const QModelIndex& bottomRight)
 {
-    if (topLeft.column() <= PlaybackModel::PlaylistNumberColumn &&
-        bottomRight.column() >= PlaybackModel::PlaylistNumberColumn)
+    if (PlaybackModel::isColumnIn(PlaybackModel::PlaylistNumberColumn, topLeft, bottomRight))
         onPlaybackChange();
 }
 
@@ -415,7 +414,7 @@ void PlaylistEditorHeader::setLibraryApi(const MediaLibraryApi* api)
 int PlaylistEditorHeader::freeNumber() const
 {
     int number = m_sources.library->nextFreeNumber();
-    const Ref<MediaLibrary> expected = m_api ? m_api->expectedLibrary() : nullptr;
+    const Ref<const MediaLibrary> expected = m_api ? m_api->expectedLibrary() : nullptr;
     while (expected && number < MediaLibrary::indexMax && std::as_const(*expected).findPlaylist(number))
         ++number;
     return number;
