@@ -235,6 +235,16 @@ def drop(options):
         pointer.drop(window.robot.find("StatusBar"))
 
 
+def drop_list(options):
+    """A whole playlist held over program's list."""
+    with Window(options) as window, Pointer(window.display) as pointer:
+        window.run_list()
+        pointer.drag(window.robot.find("Preview-PlaylistEditor-grip"), window.robot.find("PlaylistEditor-program"))
+        time.sleep(0.5)
+        window.shoot(options.out / "list-on-program.png")
+        pointer.drop(window.robot.find("StatusBar"))
+
+
 def outputs(options, name, **how):
     """The OUTPUTS tab, a medium of another shape on program."""
     with Window(options, **how) as window:

@@ -9,8 +9,8 @@ from linkscreens import (
     connect, damaged, full_disk, half, library, notice, on_screen, overtaken, program_waits, read_only, reconnect,
     refused, silent)
 from playerscreens import (
-    countdown, cue_list, cut_off, drop, gallery, held, holding, inspector, keyboard, media_panel, menu, modes, outputs,
-    player, preview_countdown, questions, rename, repeat, scaling, still, take, waiting)
+    countdown, cue_list, cut_off, drop, drop_list, gallery, held, holding, inspector, keyboard, media_panel, menu, modes,
+    outputs, player, preview_countdown, questions, rename, repeat, scaling, still, take, waiting)
 from screenwindow import HUGE
 
 SCREENS = {
@@ -58,6 +58,7 @@ SCREENS = {
     "program-waits": program_waits,
     "edit-overtaken": overtaken,
     "drop-on-program": drop,
+    "list-on-program": drop_list,
     "drop-on-slots": slots,
     "drop-dialog": lambda options: pictures(options, "drop-dialog"),
     "drop-dialog-huge-1280x720": lambda options: pictures(options, "drop-dialog-huge-1280x720", **HUGE),
