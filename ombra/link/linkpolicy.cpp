@@ -90,7 +90,8 @@ const std::map<std::string, std::map<std::string, Check, std::less<>>, std::less
     return rules;
 }
 
-/// Whether a value takes no more room than this as text, about; reads no further than that.
+/// Whether a value takes no more room than this as text, about, and names in it no more than a name may;
+/// reads no further than that.
 bool fits(const Json& value, std::size_t& room)
 {
     const std::size_t own = 8 + value.stringView().size();
@@ -100,7 +101,7 @@ bool fits(const Json& value, std::size_t& room)
     bool good = true;
     if (value.isObject())
         value.forEachMember([&](std::string_view key, const Json& member) {
-            good = key.size() <= std::min(room, longestName);
+            good = key.size() <= std::min(room, longestName) && (key != "name" || isName(member));
             room -= good ? key.size() : 0;
             return good = good && fits(member, room);
         });
@@ -147,8 +148,10 @@ bool clientMayWrite(const Object* object, const PropertyInfo* property, const Js
 
 bool clientMayRestructure(const Scene& scene, const PatchOp& op, std::string& why)
 {
-    const auto isSurface = [](PathView path) {
-        return path.size() >= 3 && path[0].text() == "device" && path[1].text() == "surfaces";
+    const auto isSurface = [](PathView path) { // or below one; its properties are written one by one
+        return path.size() >= 3 && path[0].text() == "device" && path[1].text() == "surfaces" &&
+               std::ranges::none_of(path.from(3),
+                                    [](const PathElement& part) { return part.text() == "properties"; });
     };
     const bool hasSource = op.op == PatchOpType::Move || op.op == PatchOpType::Copy;
     why = "this part of the scene is the server's";

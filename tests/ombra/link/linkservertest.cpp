@@ -63,20 +63,37 @@ private Q_SLOTS:
         m_io.poll();
     }
 
+    void sendsTheWholeSceneInPieces_data()
+    {
+        QTest::addColumn<int>("surfaces");
+        QTest::addColumn<int>("nameBytes"); // of each
+        QTest::newRow("many") << 2500 << 4;
+        QTest::newRow("more than may wait for a client") << 2200 << 32 * 1024;
+    }
+
     void sendsTheWholeSceneInPieces()
     {
+        QFETCH(int, surfaces);
+        QFETCH(int, nameBytes);
         Patch many;
-        for (int i = 0; i < 2500; ++i)
-            many.append({PatchOpType::Add,
-                         Path("/device/surfaces/-"),
-                         {},
-                         Json::object({{"type", "Surface"},
-                                       {"properties", Json::object({{"name", std::to_string(i)}})}})});
+        for (int i = 0; i < surfaces; ++i) {
+            std::string name(std::size_t(nameBytes), 'x');
+            name += std::to_string(i);
+            many.append(
+                {PatchOpType::Add,
+                 Path("/device/surfaces/-"),
+                 {},
+                 Json::object({{"type", "Surface"}, {"properties", Json::object({{"name", name}})}})});
+        }
         QVERIFY(m_scene->apply(many, true));
+        QVERIFY(nameBytes < 1000 || std::size_t(surfaces) * std::size_t(nameBytes) > LinkClient::maxWaiting);
         Client client(m_server->port());
         client.send(R"([{"op":"get","path":""}])");
-        QVERIFY(waitFor([&] { return Scene::toJson(client.scene.root()) == Scene::toJson(m_scene->root()); },
-                        {&client}));
+        const auto isWhole = [&] {
+            const Object* last = client.scene.findObject("/device/surfaces/" + std::to_string(surfaces - 1));
+            return last && Scene::toJson(client.scene.root()) == Scene::toJson(m_scene->root());
+        };
+        QVERIFY(waitFor(isWhole, {&client}));
         QVERIFY(client.fits);
         QVERIFY(client.frames >= 3);
         QVERIFY(client.largest <= LinkServer::operationsPerFrame);
@@ -199,22 +216,44 @@ private Q_SLOTS:
     void refusesWhatIsTooMuch()
     {
         Client client(m_server->port());
-        client.send(R"([{"op":"add","path":"/device/surfaces/-","value":{"properties":{"name":")" +
-                    std::string(20'000, 'x') + R"("}}}])");
+        const auto add = [&](const std::string& path, const Json& value) {
+            Patch patch;
+            patch.append({PatchOpType::Add, Path(path), {}, value});
+            client.send(patch.toJson().toString());
+        };
+        const auto named = [](int bytes) {
+            const Json name(std::string(std::size_t(bytes), 'x'));
+            return Json::object({{"type", "Surface"}, {"properties", Json::object({{"name", name}})}});
+        };
+        const auto settles = [&] { // all that was sent before is done
+            m_written.clear();
+            client.send(replaceOf(volume, "0.125"));
+            return waitFor([&] { return m_written.contains(QStringLiteral("volume")); }, {&client});
+        };
+        Json corners = Json::object(); // each of them small
+        for (int i = 0; i < 2000; ++i)
+            corners.set(std::to_string(i), Json::object({{"type", "Corner"}}));
+        add("/device/surfaces/-", named(20'000));
+        add("/device/surfaces/-", Json::object({{"type", "Surface"}, {"corners", corners}}));
+        add("/device/surfaces/-", named(257));
+        add("/device/surfaces/" + std::string(257, 'x'), named(1));
+        QVERIFY(settles());
+        QCOMPARE(m_scene->findObject("/device/surfaces")->childCount(), 0);
+
         Patch many;
         for (int i = 0; i < 1001; ++i)
             many.append(
                 {PatchOpType::Add, Path("/device/surfaces/-"), {}, Json::object({{"type", "Surface"}})});
         client.send(many.toJson().toString());
-        client.send(replaceOf("/device/surfaces/0/properties/name", '"' + std::string(300, 'x') + '"'));
-        client.send(replaceOf(volume, "0.125"));
-        QVERIFY(waitFor(
-            [&] {
-                Variant value;
-                return m_scene->getProperty(m_scene->find(volume), value) && value.as<double>() == 0.125;
-            },
-            {&client}));
+        const std::string name = "/device/surfaces/0/properties/name";
+        client.send(replaceOf(name, '"' + std::string(256, 'a') + '"'));
+        client.send(replaceOf(name, '"' + std::string(257, 'b') + '"'));
+        add(name, Json(std::string(257, 'c')));
+        QVERIFY(settles());
         QCOMPARE(m_scene->findObject("/device/surfaces")->childCount(), 1000);
+        Variant value;
+        QVERIFY(m_scene->getProperty(m_scene->find(name), value));
+        QCOMPARE(value.asString(), std::string(256, 'a'));
     }
 
     /// Who has asked for nothing, and who has got all, hear within 250 ms that the server is there.
