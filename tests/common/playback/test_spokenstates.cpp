@@ -5,6 +5,7 @@
 #include "common/playback/playbackwidget.h"
 #include "common/playback/seekslider.h"
 #include "common/playback/takebutton.h"
+#include "common/ui/style/stylesheet.h"
 #include "common/ui/timecode/timecodedisplay.h"
 #include "common/ui/toolkit/iconbutton.h"
 #include "common/ui/toolkit/ztlabel.h"
@@ -39,37 +40,56 @@ private Q_SLOTS:
     }
     void cleanup() { m_fixture.reset(); }
 
-    void programsTimeLeft_data()
+    /// On both channels by one rule.
+    void timeLeft_data()
     {
+        QTest::addColumn<QByteArray>("channel");
         QTest::addColumn<QByteArray>("position");
         QTest::addColumn<QByteArray>("state");
         QTest::addColumn<QString>("urgency");
         QTest::addColumn<bool>("hasEnded");
-        const auto row = [](const char* position, const char* state, const char* urgency, bool hasEnded) {
-            QTest::addRow("%s %s", position, state)
-                << QByteArray(position) << QByteArray(state) << QString::fromLatin1(urgency) << hasEnded;
-        };
-        row("9.9", "play", "", false);
-        row("10.1", "play", "soon", false);
-        row("15.1", "play", "now", false);
-        row("19.98", "play", "now", false);
-        row("19.98", "pause", "now", true);
-        row("5.0", "pause", "", false);
+        for (const char* channel : {"Program", "Preview"}) {
+            const auto row = [channel](const char* position, const char* state, const char* urgency,
+                                       bool hasEnded) {
+                QTest::addRow("%s %s %s", channel, position, state)
+                    << QByteArray(channel) << QByteArray(position) << QByteArray(state)
+                    << QString::fromLatin1(urgency) << hasEnded;
+            };
+            row("9.9", "play", "", false);
+            row("10.1", "play", "soon", false);
+            row("15.1", "play", "now", false);
+            row("19.98", "play", "now", false);
+            row("19.98", "pause", "now", true);
+            row("5.0", "pause", "", false);
+        }
     }
-    void programsTimeLeft()
+    void timeLeft()
     {
+        QFETCH(QByteArray, channel);
         QFETCH(QByteArray, position);
         QFETCH(QByteArray, state);
         QFETCH(QString, urgency);
         QFETCH(bool, hasEnded);
-        cue("program", 1);
-        m_fixture->set("program", "state", '"' + state + '"');
-        m_fixture->set("program", "mediaPosition", position);
-        const auto* left = m_fixture->part<QWidget>("Program-PlaybackWidget-PlaybackTimecodes-Remaining");
-        const auto* ended = m_fixture->part<QWidget>("Program-PlaybackWidget-PlaybackTimecodes-Ended");
+        StyleSheet::apply(*qApp);
+        const auto end = qScopeGuard([] { qApp->setStyleSheet({}); });
+        const QByteArray playback = channel.toLower();
+        cue(playback, 1);
+        m_fixture->set(playback, "state", '"' + state + '"');
+        m_fixture->set(playback, "mediaPosition", position);
+        const QByteArray times = channel + "-PlaybackWidget-PlaybackTimecodes";
+        auto* left = m_fixture->part<QWidget>(times + "-Remaining");
+        const auto* ended = m_fixture->part<ZTLabel>(times + "-Ended");
+        QVERIFY(left && ended);
         QTRY_COMPARE(ended->isVisible(), hasEnded);
         QTRY_COMPARE(left->property("urgency").toString(), urgency);
         QCOMPARE(left->isVisible(), !hasEnded);
+        QCOMPARE(ended->text(), QStringLiteral("Ended, holding"));
+        // And it is seen: white, then amber, then red.
+        const QColor colour = left->palette().color(QPalette::WindowText);
+        const QString seen = colour.saturation() < 40                 ? QString()
+                             : colour.hue() > 15 && colour.hue() < 60 ? QStringLiteral("soon")
+                                                                      : QStringLiteral("now");
+        QVERIFY2(seen == urgency, qPrintable(colour.name()));
     }
 
     void repeatStandsBesideTheName()
