@@ -27,8 +27,6 @@ const QString restRoot = QStringLiteral("/api/brume/v1");
 
 // A library of this many bytes is no library.
 constexpr qint64 maxLibraryBytes = 256LL * 1024 * 1024;
-// How long a server may be silent within an answer, in milliseconds.
-constexpr int answerTime = 10000;
 // Between a fetch that failed and the next one, in milliseconds.
 constexpr int retryTime = 1000;
 // How long a fetch waits for the event stream to open, in milliseconds.
@@ -103,7 +101,7 @@ QNetworkRequest MediaLibraryApi::jsonRequest(const QString& path) const
 QNetworkReply* MediaLibraryApi::getMediaLibrary()
 {
     QNetworkRequest request = jsonRequest(QStringLiteral("/medialibrary"));
-    request.setTransferTimeout(answerTime);
+    request.setTransferTimeout(m_answerTime);
     return m_manager->get(request);
 }
 
@@ -156,7 +154,7 @@ QNetworkReply* MediaLibraryApi::patchMediaLibrary(const Patch& patch, std::optio
     // The network layer sends a request again by itself when a kept connection breaks before the answer.
     request.setRawHeader("Idempotency-Key",
                          '"' + QUuid::createUuid().toByteArray(QUuid::WithoutBraces) + '"');
-    request.setTransferTimeout(answerTime); // the edits behind it wait for the answer
+    request.setTransferTimeout(m_answerTime); // the edits behind it wait for the answer
     return m_manager->sendCustomRequest(request, QByteArrayLiteral("PATCH"), body);
 }
 

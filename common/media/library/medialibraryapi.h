@@ -48,6 +48,9 @@ public:
     ~MediaLibraryApi() override;
 
     void setPort(int port) { m_port = port; }
+    /// How long a server may be silent within an answer before the request has failed, in milliseconds.
+    int answerTime() const { return m_answerTime; }
+    void setAnswerTime(int milliseconds) { m_answerTime = milliseconds; }
 
     // Requests. The caller owns the reply; null when the content has no JSON form.
     QNetworkReply* getMediaLibrary();
@@ -150,6 +153,7 @@ private:
     QString m_host;
     QString m_scheme;
     int m_port = 80;
+    int m_answerTime = 10000;
     QNetworkReply* m_stream = nullptr;
     EventStream m_events;
 

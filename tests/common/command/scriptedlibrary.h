@@ -26,6 +26,8 @@ struct ScriptedLibrary
     }
     ScriptedHttp::Reply get()
     {
+        if (hoardsLibrary)
+            return {0, {}};
         return {isBroken ? 500 : 200, QByteArray::fromStdString(library->toJson().toString())};
     }
     ScriptedHttp::Reply patch(const ScriptedHttp::Request& request)
@@ -95,6 +97,7 @@ struct ScriptedLibrary
     bool isMute = false;
     bool breaksMine = false;
     bool isBroken = false;
+    bool hoardsLibrary = false; // says nothing to a request for it
 };
 
 } // namespace vantrel::test

@@ -216,6 +216,40 @@ private Q_SLOTS:
         QCOMPARE(settled.size(), 1);
     }
 
+    /// A server that takes an edit and says nothing holds up neither the next ones nor the truth.
+    void givesUpWhatIsNotAnswered()
+    {
+        Server server;
+        QVERIFY(server.connect());
+        QCOMPARE(server.api()->answerTime(), 10000);
+        server.api()->setAnswerTime(300);
+        server.isMute = true;
+        QVERIFY(server.run<RenameCollectionCommand>(1, QStringLiteral("one more")));
+        QTRY_COMPARE(server.peer.http.count("PATCH", "/medialibrary"), 1);
+        server.isMute = false; // to those behind it
+        QVERIFY(server.run<InsertCollectionCommand>(2, QStringLiteral("two")));
+        expectWarning(QStringLiteral("Failed due network error: "));
+        QTRY_COMPARE(said().size(), 1);
+        QVERIFY2(said()[0].contains(QStringLiteral("Nobody knows")), qPrintable(said()[0]));
+        QTRY_VERIFY(server.isIdle());
+        QCOMPARE(server.name(2), QStringLiteral("two"));
+    }
+
+    /// Nor does one that never sends the library.
+    void readsAgainWhatNeverComes()
+    {
+        Server server;
+        QVERIFY(server.connect());
+        MediaLibraryApi* const api = server.api();
+        api->setAnswerTime(300);
+        server.hoardsLibrary = true;
+        allowWarnings(QStringLiteral("Failed to get media library"));
+        api->requestMediaLibrary();
+        QTRY_COMPARE(api->reading(), MediaLibraryApi::Reading::Failed);
+        server.hoardsLibrary = false;
+        QTRY_VERIFY(api->isCurrent());
+    }
+
     /// Without the library there is nothing to edit; it is read again until it is there.
     void waitsForTheLibrary()
     {

@@ -133,6 +133,7 @@ private Q_SLOTS:
         move->init(Path("/device/surfaces/0"), Path("/device/surfaces/1"));
         push(move);
         QCOMPARE(names(), QStringLiteral("second first third"));
+        QTRY_COMPARE(names(atServer().get()), names());
         auto* remove = new RemoveCommand;
         remove->init(Path("/device/surfaces/0"));
         push(remove);
@@ -151,6 +152,23 @@ private Q_SLOTS:
         push(last);
         stack()->undo();
         QCOMPARE(names(), QStringLiteral("first renamed"));
+        QTRY_COMPARE(names(atServer().get()), names());
+        // What moves is there with all that it has, back and forth.
+        for (const char* property : {"opacity", "rotation"})
+            scene()->replaceProperty(scene()->find(std::string("/device/surfaces/0/properties/") + property),
+                                     Variant::from(0.5));
+        auto* back = new MoveCommand;
+        back->init(Path("/device/surfaces/0"), Path("/device/surfaces/1"));
+        push(back);
+        const auto isMirrored = [&] {
+            return Scene::toJson(atServer()->findObject("/device/surfaces")) ==
+                   Scene::toJson(scene()->findObject("/device/surfaces"));
+        };
+        QTRY_COMPARE(names(atServer().get()), QStringLiteral("renamed first"));
+        QTRY_VERIFY(isMirrored());
+        stack()->undo();
+        QTRY_COMPARE(names(atServer().get()), QStringLiteral("first renamed"));
+        QTRY_VERIFY(isMirrored());
     }
 
     /// What cannot be undone passes the stack by: what was undone can still be redone.
@@ -337,10 +355,27 @@ private:
         scene()->getProperty(scene()->find(PathView(volumePath)), value);
         return value.as<double>();
     }
-    QString names() const
+    /// What a server has that does all it was sent.
+    Ref<Scene> atServer() const
+    {
+        const auto server = makeRef<Scene>();
+        Patch patch;
+        if (!Patch::parseString(sampleScene, patch))
+            qFatal("bad scene");
+        for (const Patch& sent : m_peer->link.received) {
+            for (const PatchOp& op : sent) {
+                if (op.op != PatchOpType::Get && op.op != PatchOpType::Invoke)
+                    patch.append(op);
+            }
+        }
+        server->apply(patch, false);
+        return server;
+    }
+    QString names() const { return names(scene()); }
+    static QString names(const Scene* of)
     {
         QStringList list;
-        for (const Object* surface : scene()->findObject("/device/surfaces")->getChildren()) {
+        for (const Object* surface : of->findObject("/device/surfaces")->getChildren()) {
             Variant name;
             surface->getProperty("name", name);
             list << QString::fromStdString(name.asString());
