@@ -210,8 +210,8 @@ void SlotFace::paintScreen(QPainter* painter, const QRect& screen)
         return;
     painter->setBrush(Qt::NoBrush);
     // Which channel has it, in that channel's colour.
-    painter->setPen(QPen(getColor(m_isOnProgram ? colors::Zt_red : colors::Zt_green_lighter), 2,
-                         Qt::SolidLine, Qt::SquareCap, Qt::MiterJoin));
+    painter->setPen(QPen(getColor(m_isOnProgram ? colors::Zt_red : colors::Green_green), 2, Qt::SolidLine,
+                         Qt::SquareCap, Qt::MiterJoin));
     painter->drawRect(screen.adjusted(1, 1, -1, -1));
 }
 
@@ -237,7 +237,7 @@ void SlotFace::paintTexts(QPainter* painter, const Layout& at) const
     const bool isArriving = m_arrived >= 0;
     drawText(painter, at.number, font("body", true),
              m_isOnProgram   ? colors::Zt_red
-             : m_isOnPreview ? colors::Zt_green_lighter
+             : m_isOnPreview ? colors::Green_green
                              : colors::Zt_white_70,
              QString::number(m_slot), side, Qt::ElideNone);
     if (m_isNamed)

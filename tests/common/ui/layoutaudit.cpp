@@ -2,19 +2,27 @@
 
 #include "common/media/library/medialibraryprovider.h"
 #include "common/playback/endactionbutton.h"
+#include "common/playback/endactionwidget.h"
 #include "common/playback/playbackpreview.h"
 #include "common/playback/playbackwidget.h"
 #include "common/playback/takecontrols.h"
+#include "common/qml/qmlmanager.h"
+#include "common/ui/shell/mainnavigationbar.h"
 #include "common/ui/shell/mainwindow.h"
+#include "common/ui/style/colors.h"
 #include "common/ui/style/stylesheet.h"
+#include "common/ui/toolkit/ztlabel.h"
 #include "tests/common/playback/playerfixture.h"
 
 #include <QApplication>
+#include <QBuffer>
 #include <QLineEdit>
 #include <QListView>
 #include <QPushButton>
+#include <QRegularExpression>
 #include <QScrollArea>
 #include <QScrollBar>
+#include <QStackedWidget>
 #include <QStyleOptionButton>
 
 using namespace vantrel;
@@ -31,6 +39,16 @@ private Q_SLOTS:
     {
         m_fixture = std::make_unique<PlayerFixture>();
         m_fixture->view.reset(); // the window has a player tab of its own
+        QBuffer thumbnail;
+        QImage picture(160, 90, QImage::Format_RGB32);
+        picture.fill(Qt::magenta);
+        QVERIFY(picture.save(&thumbnail, "JPG"));
+        m_fixture->peer.http.handler = [rest = m_fixture->peer.http.handler, bytes = thumbnail.data()](
+                                           const ScriptedHttp::Request& request) -> ScriptedHttp::Reply {
+            if (request.target.contains("/thumbnails/"))
+                return {200, bytes, "image/jpeg"};
+            return rest(request);
+        };
         StyleSheet::apply(*qApp);
         m_window = std::make_unique<MainWindow>(m_fixture->peer.session);
         m_window->resize(1600, 1000);
@@ -51,6 +69,7 @@ private Q_SLOTS:
     {
         configuration()->resetValue(TEXT_SIZE);
         m_window.reset();
+        QMLManager::instance()->deinitialize();
         m_fixture.reset();
         qApp->setStyleSheet({});
     }
@@ -141,6 +160,91 @@ private Q_SLOTS:
         };
         for (const EndActionButton* each : words()) // once they are laid out
             QTRY_VERIFY2(hasRoom(each), qPrintable(each->text()));
+    }
+
+    void smallestWindows_data()
+    {
+        QTest::addColumn<int>("text");
+        QTest::addColumn<QSize>("size");
+        for (int text = 0; text < 4; ++text)
+            QTest::addRow("text %d, 1280x720", text) << text << QSize(1280, 720);
+        QTest::newRow("text 1, 1600x1000") << 1 << QSize(1600, 1000);
+    }
+
+    /// Where room is shortest, slots still show their pictures, and end actions say what they are.
+    void smallestWindows()
+    {
+        QFETCH(int, text);
+        QFETCH(QSize, size);
+        show(text, size, 1);
+        const auto labels = [this] {
+            QList<ZTLabel*> found = m_window->findChildren<ZTLabel*>();
+            found.removeIf([](const ZTLabel* each) {
+                return !each->isVisible() || each->text() != QLatin1String("At end");
+            });
+            return found;
+        };
+        QTRY_COMPARE(labels().size(), 2);
+        for (const ZTLabel* label : labels()) {
+            const auto* actions = label->parentWidget()->findChild<EndActionWidget*>();
+            QTRY_VERIFY(label->width() >= label->fontMetrics().horizontalAdvance(label->text()));
+            QTRY_VERIFY(actions->isVisible() && actions->x() > label->geometry().right() &&
+                        actions->x() < label->geometry().right() + 16);
+        }
+        const auto* view = m_window->findChild<QListView*>(QStringLiteral("MediaPanel-slots-view"));
+        for (int row = 0; row < 3; ++row) {
+            QSize picture;
+            QTRY_VERIFY2((picture = pictureIn(view, row), picture.width() >= 28 && picture.height() >= 14),
+                         qPrintable(QStringLiteral("%1x%2").arg(picture.width()).arg(picture.height())));
+        }
+    }
+
+    /// What is on preview is marked in one green, on every page and in everything that is drawn.
+    void previewHasOneGreen()
+    {
+        show(1, {1600, 1000}, 1);
+        m_fixture->set("program", "media", quoted("brume://collections/1/slots/3"));
+        m_fixture->set("preview", "state", quoted("play"));
+        m_fixture->peer.send(R"([
+            {"op":"add","path":"/device/channels/0/mappings/0","value":{"type":"GpuMapping",
+             "properties":{"target":"DP-1"}}},
+            {"op":"add","path":"/device/channels/0/mappings/1","value":{"type":"GpuMapping",
+             "properties":{"target":"DP-2"}}},
+            {"op":"add","path":"/device/system/gpus/0","value":{"type":"Gpu","outputs":[
+             {"type":"Output","properties":{"name":"DP-1","width":1920,"height":1080}},
+             {"type":"Output","properties":{"name":"DP-2","width":1920,"height":1080}}]}}])");
+        auto* bar = m_window->findChild<MainNavigationBar*>();
+        const auto* pages = m_window->findChild<QStackedWidget*>(QStringLiteral("MainTabs"));
+        const QRgb green = colors::getColor(colors::Green_green).rgb();
+        QCOMPARE(pages->count(), 4);
+        constexpr int filesPage = 1; // where nothing plays
+        for (int page = 0; page < pages->count(); ++page) {
+            bar->setActiveTab(page);
+            QHash<QRgb, int> seen;
+            const auto isMarked = [&] { return (seen = greensOf(pages)).value(green) > 100; };
+            QVERIFY2(page == filesPage || QTest::qWaitFor(isMarked), qPrintable(QString::number(page)));
+            for (auto it = seen.cbegin(); it != seen.cend(); ++it)
+                QVERIFY2(it.value() < 60 || isBlended(it.key(), green),
+                         qPrintable(QStringLiteral("page %1: %2").arg(page).arg(it.key(), 0, 16)));
+        }
+        bar->setActiveTab(pages->count() - 1);
+        m_fixture->set("preview", "state", quoted("stop"));
+        // Nor does the sheet know another one, for states that are not on the screen now.
+        static const QRegularExpression rules(QStringLiteral("([^{}]*)\\{([^}]*)\\}"));
+        static const QRegularExpression colour(QStringLiteral("rgba\\((\\d+),(\\d+),(\\d+),"));
+        int greens = 0;
+        for (const QRegularExpressionMatch& rule : rules.globalMatch(StyleSheet::load(FontSize::Medium))) {
+            if (!rule.captured(1).contains(QStringLiteral("preview")))
+                continue;
+            for (const QRegularExpressionMatch& used : colour.globalMatch(rule.captured(2))) {
+                const auto part = [&used](int i) { return used.captured(i).toInt(); };
+                if (part(2) < 40 + std::max(part(1), part(3)))
+                    continue;
+                ++greens;
+                QVERIFY2(qRgb(part(1), part(2), part(3)) == green, qPrintable(rule.captured()));
+            }
+        }
+        QVERIFY(greens > 2);
     }
 
     /// Nothing shows through below what is typed.
@@ -238,6 +342,51 @@ private Q_SLOTS:
     }
 
 private:
+    /// Of a slot's row in the panel: what the server has sent is magenta.
+    static QSize pictureIn(const QListView* view, int row)
+    {
+        const QModelIndex slot = view->model()->index(row, view->modelColumn(), view->rootIndex());
+        const QImage image = view->viewport()->grab(view->visualRect(slot)).toImage();
+        QRect picture;
+        for (int y = 0; y < image.height(); ++y) {
+            for (int x = 0; x < image.width(); ++x) {
+                const QColor colour = image.pixelColor(x, y);
+                if (colour.red() > 200 && colour.blue() > 200 && colour.green() < 60)
+                    picture |= QRect(x, y, 1, 1);
+            }
+        }
+        return picture.size();
+    }
+
+    /// Whether it is that colour, with some of a panel's dark shining through.
+    static bool isBlended(QRgb colour, QRgb whole)
+    {
+        const QRgb darkest = colors::getColor(colors::Slate_grey_900).rgb();
+        constexpr int lighter = 32; // than the darkest are other panels
+        for (const int shift : {0, 8, 16}) {
+            const auto part = [shift](QRgb of) { return int(of >> shift & 0xff); };
+            if (part(colour) < part(darkest) || part(colour) > std::max(part(whole), part(darkest) + lighter))
+                return false;
+        }
+        return true;
+    }
+
+    /// How often each strong green is there.
+    static QHash<QRgb, int> greensOf(const QStackedWidget* pages)
+    {
+        QHash<QRgb, int> counts;
+        const QImage image = pages->currentWidget()->grab().toImage().convertToFormat(QImage::Format_RGB32);
+        for (int y = 0; y < image.height(); ++y) {
+            for (int x = 0; x < image.width(); ++x) {
+                const QColor colour = image.pixelColor(x, y);
+                if (colour.hue() > 90 && colour.hue() < 170 && colour.saturation() > 150 &&
+                    colour.value() > 120)
+                    ++counts[colour.rgb()];
+            }
+        }
+        return counts;
+    }
+
     ChannelWidget* channel() const { return m_window->findChild<ChannelWidget*>(); }
 
     void show(int text, QSize size, int slot)
