@@ -95,6 +95,32 @@ need_display() {
 # bounded FILE: keeps the first 10 MB of what it reads, as it comes, and takes the rest without a word.
 bounded() { stdbuf -o0 head -c 10485760 >"$1"; cat >/dev/null; }
 
+device_of() { stat -c %d "$1"; }
+
+# log_folder SHOW: prints the folder for logs of at most 60 MB, on another device than the show in SHOW, so that they
+# neither fill its disk nor keep it busy. Where there is but one disk that is memory. It is lost when the machine
+# restarts, the smaller harm: what logs are read for, a server or a window that ended, leaves them there, and
+# XDG_STATE_HOME can name a place that keeps them.
+log_folder() {
+  local own place show
+  own=${XDG_STATE_HOME:-${HOME:-/tmp}/.local/state}/halcyra
+  mkdir -p "$1" "$own"
+  show=$(device_of "$1")
+  [ "$(device_of "$own")" = "$show" ] || { printf '%s\n' "$own"; return; }
+  for place in "${XDG_RUNTIME_DIR:-}" "${memory_folder:-/dev/shm}"; do
+    [ -d "$place" ] && [ -w "$place" ] && [ "$(device_of "$place")" != "$show" ] || continue
+    [ "$(df --output=avail -k "$place" | tail -n 1)" -gt 131072 ] || continue
+    place=$place/halcyra-$(id -u)
+    mkdir -p -m 700 "$place" 2>/dev/null || true
+    [ -O "$place" ] && [ ! -L "$place" ] || continue # everybody may write there
+    say "the show is on this machine's only disk: logs are kept in memory, in $place, until it restarts"
+    printf '%s\n' "$place"
+    return
+  done
+  say "there is no other place for logs than the show's disk: they take at most 60 MB of it, in $own"
+  printf '%s\n' "$own"
+}
+
 # What else start_ombra gives to the server.
 ombra_args=()
 
