@@ -103,6 +103,10 @@ void KillRounds::everyAnsweredEditSurvives()
                            : 10;
     OmbraProcess ombra;
     QVERIFY2(ombra.start(), ombra.output().constData());
+    const ServerPorts ports = ombra.ports();
+    for (const int port :
+         {ports.http, ports.link, ports.preview, ports.ftp}) // or a stranger's by the next start
+        QVERIFY2(port < OmbraProcess::firstPortOfTheKernel(), qPrintable(QString::number(port)));
     Session::initialize(ombra.ports());
     QSignalSpy connected(Session::instance(), &Session::connected);
     Session::instance()->connectionHandler()->connect(QStringLiteral("127.0.0.1"));
@@ -119,7 +123,7 @@ void KillRounds::everyAnsweredEditSurvives()
         sendEdit(random); // and one more, whose answer may or may not come before the kill
         ombra.kill();
         QTRY_VERIFY_WITH_TIMEOUT(!Session::instance()->isConnected(), 20000);
-        QVERIFY(ombra.restart());
+        QVERIFY2(ombra.restart(), ombra.lastWords().constData());
     }
     QTRY_COMPARE_WITH_TIMEOUT(connected.count(), rounds + 1, 20000);
     QVERIFY(libraryHolds(m_answered));

@@ -1,13 +1,36 @@
 #include "tests/support/ombraprocess.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QElapsedTimer>
+#include <QFile>
 #include <QFileInfo>
 #include <QRegularExpression>
+#include <QTcpServer>
 
 #include <csignal>
 
 namespace vantrel::test {
+
+namespace {
+
+constexpr int lowestPort = 15000; // below it are those of services, ours among them
+
+/// A port that is free at that address. Each process looks from a place of its own on.
+quint16 portOfOurs(const QString& host)
+{
+    const int count = OmbraProcess::firstPortOfTheKernel() - lowestPort;
+    static qint64 next =
+        QCoreApplication::applicationPid() * 409; // so far apart are those of one after the other
+    for (int tries = 0; tries < count; ++tries) {
+        const auto port = quint16(lowestPort + next++ % count);
+        if (QTcpServer().listen(QHostAddress(host), port))
+            return port;
+    }
+    return 0; // any, after all
+}
+
+} // namespace
 
 OmbraProcess::OmbraProcess()
     : m_mediaFolder(m_folder.filePath(QStringLiteral("media")))
@@ -42,7 +65,32 @@ bool OmbraProcess::isRunning() const
     return m_process && m_process->state() == QProcess::Running;
 }
 
+int OmbraProcess::firstPortOfTheKernel()
+{
+    QFile range(QStringLiteral("/proc/sys/net/ipv4/ip_local_port_range"));
+    const int first =
+        range.open(QIODevice::ReadOnly) ? range.readAll().simplified().split(' ').value(0).toInt() : 0;
+    return first > lowestPort + 1000 ? first : 32768;
+}
+
 bool OmbraProcess::start(int timeout)
+{
+    for (int tries = m_ports.http == 0 ? 3 : 1; tries > 0; --tries) { // somebody else may be as quick
+        const ServerPorts before = m_ports;
+        for (quint16* port : {&m_ports.http, &m_ports.link, &m_ports.preview, &m_ports.ftp}) {
+            if (*port == 0)
+                *port = portOfOurs(m_host);
+        }
+        if (startOnce(timeout))
+            return true;
+        m_ports = before;
+        if (!m_output.contains("cannot listen"))
+            break;
+    }
+    return false;
+}
+
+bool OmbraProcess::startOnce(int timeout)
 {
     m_process = std::make_unique<QProcess>();
     m_process->setProcessChannelMode(QProcess::MergedChannels);
@@ -134,6 +182,11 @@ QByteArray OmbraProcess::output()
     if (m_process)
         m_output += m_process->readAll();
     return m_output;
+}
+
+QByteArray OmbraProcess::lastWords()
+{
+    return output().right(2000);
 }
 
 } // namespace vantrel::test

@@ -12,8 +12,9 @@
 
 namespace vantrel::test {
 
-/// A live server for tests, on free ports of the loopback interface, with a media folder and a state folder
-/// of its own. Needs the environment variable HALCYRA_BIN to name the folder that holds the binary.
+/// A live server for tests, on ports of the loopback interface that are free, and stay so while it is killed
+/// and started again, with a media folder and a state folder of its own. Needs the environment variable
+/// HALCYRA_BIN to name the folder that holds the binary.
 class OmbraProcess
 {
 public:
@@ -26,7 +27,7 @@ public:
     static QString binary(const QString& name);
 
     /// Starts and waits for the line that says that it serves. After the first time it takes the same ports
-    /// again.
+    /// again, which are none that the kernel gives away by itself.
     bool start(int timeout = 15000);
     /// Ends it as a power failure would; the folders stay.
     void kill();
@@ -53,8 +54,15 @@ public:
     void setHost(const QString& address) { m_host = address; }
     /// What it wrote so far, for the message of a failed test.
     QByteArray output();
+    /// The end of that, where there may be much.
+    QByteArray lastWords();
+
+    /// Below it no port is given to who asks for any: between a kill and the next start nobody else can end
+    /// up on one of the server's.
+    static int firstPortOfTheKernel();
 
 private:
+    bool startOnce(int timeout);
     bool readPorts(const QByteArray& line);
 
     QTemporaryDir m_folder;
