@@ -32,6 +32,7 @@ public:
     /// keptBytes: of all answers that are kept.
     MediaData(boost::asio::io_context& io, std::filesystem::path mediaFolder,
               std::size_t keptBytes = 64u * 1024 * 1024);
+    std::size_t keptAtMost() const { return m_keptBytes; }
     /// Waits for the work at hand; answers that are still due are not given.
     ~MediaData();
     MediaData(const MediaData&) = delete;

@@ -185,6 +185,7 @@ private Q_SLOTS:
             const QImage picture = QImage::fromData(ask(i), "JPG");
             return !picture.isNull() && picture.pixelColor(10, 10).red() > 128;
         };
+        QCOMPARE(m_data->keptAtMost(), std::size_t(64) << 20); // of one made as the server makes it
         paintAll(Qt::red);
         const std::size_t bytes = 4 * std::size_t(ask(0).size() + 200);
         m_data = std::make_unique<MediaData>(m_io, m_media.folder(), bytes);
