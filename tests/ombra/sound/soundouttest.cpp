@@ -68,6 +68,22 @@ public:
             result.push_back(peak(time, time + 0.1));
         return result;
     }
+    /// Where nothing sounds for 5 ms or more, in seconds: two periods of what is played.
+    QStringList silences() const
+    {
+        QStringList result;
+        std::size_t quiet = 0;
+        for (std::size_t i = 0; i <= m_samples.size(); ++i) {
+            if (i < m_samples.size() && std::abs(m_samples[i]) < 1e-4f) {
+                ++quiet;
+                continue;
+            }
+            if (double(quiet) >= 0.005 * rate)
+                result += QStringLiteral("%1+%2").arg(double(i - quiet) / rate).arg(double(quiet) / rate);
+            quiet = 0;
+        }
+        return result;
+    }
     double seconds() const { return double(m_samples.size()) / rate; }
 
 private:
@@ -255,6 +271,10 @@ private Q_SLOTS:
         const auto half = std::ranges::count_if(envelope, [](double peak) { return near(peak, level / 2); });
         QVERIFY(silent >= 3 + 1 + 2);
         QVERIFY(half >= 3 + 3 + 3);
+        // Nothing else is silent for a moment: not the seek on air, nor the cut.
+        const QStringList silences = left.silences();
+        QVERIFY2(silences.size() == 5, // before, muted, paused, stopped, at the end
+                 qPrintable(silences.join(u' ') + m_ombra->output()));
     }
 
     void crossfades()
