@@ -526,6 +526,27 @@ private Q_SLOTS:
         QVERIFY(waitFor([&] { return pictureNumber(programPath) > last; }));
     }
 
+    /// A picture that stands on air stays when its slot goes, and plays on from there.
+    void keepsWhatIsPausedOnAir()
+    {
+        QVERIFY(play(programPath, 6));
+        QVERIFY(waitFor([&] { return pictureNumber(programPath) > 3; }));
+        write(programPath, "state", Variant::from(std::string("pause")));
+        QVERIFY(seek(programPath, 1.0));
+        QVERIFY(waitFor([&] { return pictureNumber(programPath) == 25; }));
+        forget();
+        m_library->findCollection(1)->removeMediaSlot(6);
+        m_engine->libraryChanged();
+        QCOMPARE(text(programPath, "heldMedia"), std::string("file:///long.mp4"));
+        QCOMPARE(text(programPath, "media"), std::string());
+        QVERIFY(waitFor([&] { return recorded(programPath).pictures.size() > 10; }));
+        QCOMPARE(text(programPath, "state"), std::string("pause"));
+        for (const Ref<Surface>& shown : recorded(programPath).pictures)
+            QCOMPARE(numberOn(shown.get()), 25);
+        write(programPath, "state", Variant::from(std::string("play")));
+        QVERIFY(waitFor([&] { return pictureNumber(programPath) > 30; }));
+    }
+
     void endsAtOnce()
     {
         QVERIFY(play(previewPath, 1));

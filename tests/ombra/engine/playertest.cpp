@@ -7,6 +7,7 @@
 
 #include <QElapsedTimer>
 
+#include <algorithm>
 #include <atomic>
 #include <functional>
 #include <optional>
@@ -79,16 +80,16 @@ class PlayerTest : public QObject
     Q_OBJECT
 
 private:
+    // A sequence, since that has no sound to be opened.
     static std::shared_ptr<Deck> make(Disk& disk, double position = 0, bool opens = true,
-                                      std::optional<double> outpoint = std::nullopt)
+                                      std::optional<double> outpoint = std::nullopt,
+                                      MediaSource source = {"fake", SequenceRun{}})
     {
         MediaItem item;
         item.contentUrl = "file:///fake";
         item.outpoint = outpoint;
-        // A sequence, since that has no sound to be opened.
         return std::make_shared<Deck>(
-            MediaSource{"fake", SequenceRun{}}, item, EndAction::Pause, Canvas{}, position,
-            SourcePlayState::Play, [] {},
+            std::move(source), item, EndAction::Pause, Canvas{}, position, SourcePlayState::Play, [] {},
             [&disk, opens](const MediaSource&, Canvas, const std::atomic<bool>& stop, std::string*) {
                 while (!opens && !disk.answers && !stop)
                     std::this_thread::yield();
@@ -108,6 +109,28 @@ private:
             const double before = deck.position();
             m_now += 0.04;
             if (!QTest::qWaitFor([&] { return moment() == deck.surface() && deck.position() > before; }))
+                return false;
+        }
+        return true;
+    }
+
+    /// The same for its sound, of one level throughout: what is metered, and what the device gets.
+    bool soundsOn(const Deck& deck)
+    {
+        const auto isWhole = [](const Sound& sound) {
+            return sound.frames() == 1920 && std::ranges::all_of(sound.samples, [](float sample) {
+                       return std::abs(sample - 0.5f) < 1e-3f;
+                   });
+        };
+        for (int i = 0; i <= 25; ++i) {
+            if (!QTest::qWaitFor([&] { return deck.holds(deck.position() + 0.04); }))
+                return false;
+            m_now += 0.04;
+            const Player::Moment moment = m_player->advance(m_now);
+            if (i == 0)
+                continue; // the moment before may have come too early for the decoder
+            if (!isWhole(moment.sound) || moment.heard.layers.size() != 1 || !moment.heard.seams.empty() ||
+                !isWhole(moment.heard.layers[0].sound))
                 return false;
         }
         return true;
@@ -133,12 +156,17 @@ private:
         return prepared;
     }
 
+    TestMedia m_media;
     Disk m_disk;
     Disk m_hanging;
     double m_now = 0;
     std::unique_ptr<Player> m_player;
 
 private Q_SLOTS:
+    void initTestCase()
+    {
+        QVERIFY(m_media.make(TestMedia::sound(QStringLiteral("0.5"), 10), QStringLiteral("steady.wav")));
+    }
     void init()
     {
         m_disk.opened = m_disk.mostOpen = m_hanging.opened = m_hanging.mostOpen = 0;
@@ -161,9 +189,12 @@ private Q_SLOTS:
     {
         QFETCH(bool, seeks);
         QFETCH(double, seconds);
-        const std::shared_ptr<Deck> first = make(m_disk);
+        const std::shared_ptr<Deck> first =
+            make(m_disk, 0, true, std::nullopt, {m_media.file("steady.wav"), std::nullopt});
         m_player->load(first, {});
         QTRY_VERIFY((moment(), !m_player->waiting()));
+        QTRY_COMPARE(first->channels(), std::optional(1));
+        QVERIFY(soundsOn(*first));
         const std::shared_ptr<Deck> second = make(m_hanging, 5);
         if (seeks)
             m_player->seekBy(second);
@@ -171,6 +202,7 @@ private Q_SLOTS:
             m_player->load(second, {TakeTransitionType::Crossfade, seconds});
         QCOMPARE(m_player->deck(), second);
         QVERIFY(playsOn(*first));
+        QVERIFY(soundsOn(*first));
         QVERIFY(m_player->waiting());
 
         m_hanging.answers = true;
