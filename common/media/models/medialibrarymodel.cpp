@@ -519,6 +519,15 @@ QVariant MediaLibraryModel::data(const QString& address, int role, int column) c
     return data(found.siblingAtColumn(column), role);
 }
 
+bool MediaLibraryModel::holdsMedia(const MediaAddress& address) const
+{
+    const int row = rowOf(address.collection);
+    if (row < 0)
+        return false;
+    const MediaSlot* record = m_collections[static_cast<std::size_t>(row)]->records().get(address.slot);
+    return record && !record->getUrl().empty();
+}
+
 void MediaLibraryModel::setProgramState(int channel, const QString& mediaAddress, const QString& state)
 {
     if (channel == onlyChannel)

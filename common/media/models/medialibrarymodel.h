@@ -106,6 +106,8 @@ public:
     /// The row that a slot's or a playlist entry's URL names; invalid when there is none.
     Q_INVOKABLE QModelIndex getSlotIndexFromMediaAddress(QString mediaAddress) const;
     QVariant data(const QString& address, int role, int column) const;
+    /// Whether the row's slot names a file. Who asks of thousands has no item made for each.
+    bool holdsMedia(const MediaAddress& address) const;
     /// The address as it is when it begins as a media URL, else empty.
     static QString normalizeMediaAddress(const QString& address);
     /// The slot that a playlist entry's URL leads to. Any thread.

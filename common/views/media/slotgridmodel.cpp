@@ -260,7 +260,7 @@ QString SlotGridModel::keyOf(int slot) const
 
 bool SlotGridModel::holdsMedia(int slot) const
 {
-    return !sourceData(slot, MediaLibraryModel::UrlRole).toUrl().isEmpty();
+    return m_library->holdsMedia({m_collection, slot});
 }
 
 bool SlotGridModel::passes(int slot) const
