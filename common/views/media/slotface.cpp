@@ -8,8 +8,11 @@
 
 #include <QGuiApplication>
 #include <QPainter>
+#include <QQuickWindow>
+#include <QSGImageNode>
 
 #include <algorithm>
+#include <memory>
 
 namespace vantrel {
 
@@ -70,12 +73,56 @@ void drawText(QPainter* painter, const QRect& place, const QFont& font, colors::
 } // namespace
 
 SlotFace::SlotFace(QQuickItem* parent)
-    : QQuickPaintedItem(parent)
+    : QQuickItem(parent)
 {
+    setFlag(ItemHasContents);
+    connect(this, &SlotFace::changed, this, &SlotFace::drawAnew);
+}
+
+void SlotFace::drawAnew()
+{
+    m_isDrawn = false;
+    update();
+}
+
+void SlotFace::itemChange(ItemChange change, const ItemChangeData& value)
+{
+    if (change == ItemDevicePixelRatioHasChanged)
+        drawAnew();
+    QQuickItem::itemChange(change, value);
+}
+
+/// A painted item would keep each drawing twice, once empty.
+QSGNode* SlotFace::updatePaintNode(QSGNode* old, UpdatePaintNodeData*)
+{
+    std::unique_ptr<QSGImageNode> node(static_cast<QSGImageNode*>(old));
+    if (boundingRect().isEmpty())
+        return nullptr;
+    if (!node) {
+        node.reset(window()->createImageNode());
+        node->setOwnsTexture(true);
+        m_isDrawn = false;
+    }
+    if (!m_isDrawn || node->rect() != boundingRect()) {
+        const QImage image = drawing();
+        node->setTexture(window()->createTextureFromImage(image, QQuickWindow::TextureIsOpaque));
+        node->setSourceRect(image.rect());
+        node->setRect(boundingRect());
+        m_isDrawn = true;
+    }
+    return node.release();
+}
+
+QImage SlotFace::drawing()
+{
+    const qreal ratio = window()->effectiveDevicePixelRatio();
     // Nothing shines through: what lies below need not be drawn.
-    setOpaquePainting(true);
-    setFillColor(getColor(colors::Slate_grey_800));
-    connect(this, &SlotFace::changed, this, [this] { update(); });
+    QImage image((size() * ratio).toSize(), QImage::Format_RGB32);
+    image.setDevicePixelRatio(ratio);
+    image.fill(getColor(colors::Slate_grey_800));
+    QPainter painter(&image);
+    paint(&painter);
+    return image;
 }
 
 int SlotFace::scaled(int pixels) const

@@ -3,7 +3,9 @@
 #include "common/session/settings/fontsize.h"
 
 #include <QPixmap>
-#include <QQuickPaintedItem>
+#include <QQuickItem>
+
+class QPainter;
 
 namespace vantrel {
 
@@ -11,7 +13,7 @@ namespace vantrel {
 /// One drawing, made when something in it changes: each text and box by itself would be drawn anew, and its
 /// place worked out, for each picture of a scroll. What is done with the slot is its owner's. Main thread
 /// only.
-class SlotFace : public QQuickPaintedItem
+class SlotFace : public QQuickItem
 {
     Q_OBJECT
     Q_PROPERTY(bool isTable MEMBER m_isTable NOTIFY changed)
@@ -46,8 +48,6 @@ class SlotFace : public QQuickPaintedItem
 public:
     explicit SlotFace(QQuickItem* parent = nullptr);
 
-    void paint(QPainter* painter) override;
-
     /// Where the name stands.
     Q_INVOKABLE QRectF namePlace() const;
     /// Whether the name is longer than its place.
@@ -55,6 +55,10 @@ public:
 
 Q_SIGNALS:
     void changed();
+
+protected:
+    QSGNode* updatePaintNode(QSGNode* old, UpdatePaintNodeData*) override;
+    void itemChange(ItemChange change, const ItemChangeData& value) override;
 
 private:
     struct Layout
@@ -71,12 +75,16 @@ private:
     int scaled(int pixels) const;
     int textLength(const char* token) const;
     QFont font(const char* token, bool isBold = false) const;
+    void drawAnew();
+    QImage drawing();
+    void paint(QPainter* painter);
     void paintBox(QPainter* painter) const;
     void paintGap(QPainter* painter, const QRect& screen) const;
     void paintScreen(QPainter* painter, const QRect& screen);
     void paintArrival(QPainter* painter, const QRect& screen) const;
     void paintTexts(QPainter* painter, const Layout& at) const;
 
+    bool m_isDrawn = false;
     bool m_isTable = false;
     int m_textSize = static_cast<int>(FontSize::Medium);
     int m_slot = 0;

@@ -132,7 +132,7 @@ FocusScope {
         cellWidth: pane.isTable ? width : Math.floor(room / pane.columns)
         cellHeight: pane.isTable ? Math.max(Theme.rowHeight, Theme.scaled(36))
                                  : Math.round((cellWidth - 4 * Theme.tight) * 9 / 16) + 2 * Theme.rowHeight + Theme.normal
-        cacheBuffer: cellHeight // each slot that is not in view is a picture all the same
+        cacheBuffer: 0 // each slot that is not in view would be a picture all the same
         model: pane.slotModel
         delegate: SlotItem { pane: grid.parent }
         footer: Item {
