@@ -79,6 +79,29 @@ int MediaDrop::askedCount() const
     return d->askedCount();
 }
 
+QList<MediaCandidate> MediaDrop::mediaCandidates() const
+{
+    return d->mediaCandidates();
+}
+
+std::optional<MediaCandidate> MediaDrop::askedMedia(qsizetype number) const
+{
+    if (number < 0 || number >= d->m_questions.size())
+        return {};
+    const MediaQuestions::Answer* answer = d->m_questions.answerAt(number);
+    return answer ? MediaDropPrivate::candidateOf(*answer) : MediaCandidate{d->m_questions.pathAt(number)};
+}
+
+void MediaDrop::askFirst(qsizetype number)
+{
+    d->m_questions.askFirst(number);
+}
+
+void MediaDrop::leaveOut(const QList<qsizetype>& medias, const QList<qsizetype>& asked)
+{
+    d->leaveOutMedias(medias, asked);
+}
+
 QStringList MediaDrop::faults() const
 {
     return d->m_faults;

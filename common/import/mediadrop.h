@@ -2,6 +2,7 @@
 
 #include "common/import/asyncrequest.h"
 #include "common/import/imagesresult.h"
+#include "common/import/mediacandidate.h"
 #include "common/media/items/guimediaslot.h"
 
 #include <QList>
@@ -10,6 +11,7 @@
 
 #include <chrono>
 #include <memory>
+#include <optional>
 
 namespace vantrel {
 
@@ -60,6 +62,14 @@ public:
     /// So many files are found of which nobody has told yet whether they play; nothing else is left to be
     /// read then. 0 also before that.
     int askedCount() const;
+    /// The medias(), with those that are left out among them, and behind them the askedCount() files.
+    QList<MediaCandidate> mediaCandidates() const;
+    /// One of the askedCount() files, as far as it is known; nothing for no such number.
+    std::optional<MediaCandidate> askedMedia(qsizetype number) const;
+    /// Somebody looks at it: it is asked before those that are not asked yet.
+    void askFirst(qsizetype number);
+    /// Leaves some of the medias() and of the asked files out; both ascending.
+    void leaveOut(const QList<qsizetype>& medias, const QList<qsizetype>& asked);
     QStringList faults() const;
     /// What whoever made it has left out; a sentence, plain text.
     void addFault(const QString& text);
@@ -83,6 +93,12 @@ Q_SIGNALS:
     void lastSlotChanged();
     void collectionSlotsChanged();
     void mediasChanged();
+    /// These were found, and are asked behind all others.
+    void mediasAsked(const QStringList& paths);
+    /// Of the first of those that are asked, which are none of them any more.
+    void mediasTold(const QList<vantrel::MediaCandidate>& candidates);
+    /// More is known of those that are asked.
+    void mediasAnswered();
     void imageResultsChanged();
     void imageSequencesFound(QList<vantrel::ImageSequenceCandidate> sequenceCandidates, int targetCollection,
                              int targetSlot);

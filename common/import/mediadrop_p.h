@@ -2,6 +2,7 @@
 
 #include "common/import/asyncrequest.h"
 #include "common/import/imagesresult.h"
+#include "common/import/mediacandidate.h"
 #include "common/import/mediaquestions.h"
 #include "common/media/items/guimediaslot.h"
 
@@ -62,6 +63,9 @@ public:
     void takeResults();
     void addMediaPaths(const QStringList& paths, FileSystem* fileSystem);
     bool addKnownMedias();
+    static MediaCandidate candidateOf(const MediaQuestions::Answer& answer);
+    QList<MediaCandidate> mediaCandidates() const;
+    void leaveOutMedias(const QList<qsizetype>& medias, const QList<qsizetype>& asked);
     int askedCount() const;
     void leaveOut(const QString& path, const QString& why);
     void addFault(const QString& text);
@@ -94,10 +98,11 @@ public:
 
     bool m_isSorting = false; // the results of the current request are made, or wait to be taken
     QFutureWatcher<Results> m_sorting;
-    QStringList m_listed;       // the directories that the reader was given for the current request
-    int m_waits = 0;            // ticks for which a listing of somebody else's has stood in the reader
-    qsizetype m_requests = 0;   // done
-    MediaQuestions m_questions; // of files of which it is not known yet whether they play
+    QStringList m_listed;         // the directories that the reader was given for the current request
+    int m_waits = 0;              // ticks for which a listing of somebody else's has stood in the reader
+    qsizetype m_requests = 0;     // done
+    MediaQuestions m_questions;   // of files of which it is not known yet whether they play
+    QList<MediaCandidate> m_told; // those that were asked, in their order
     QStringList m_faults;
 
 public Q_SLOTS:

@@ -24,7 +24,10 @@ MediaDropPrivate::MediaDropPrivate(MediaDrop* owner, AsyncFileSystemReader* read
 {
     m_timer.setInterval(50ms);
     connect(&m_timer, &QTimer::timeout, this, &MediaDropPrivate::handleNextAsyncRequest);
-    connect(&m_questions, &MediaQuestions::answered, this, &MediaDropPrivate::addKnownMedias);
+    connect(&m_questions, &MediaQuestions::answered, this, [this] {
+        if (!addKnownMedias())
+            Q_EMIT m_owner->mediasAnswered();
+    });
     connect(&m_sorting, &QFutureWatcherBase::finished, this, &MediaDropPrivate::takeResults);
 }
 

@@ -10,6 +10,8 @@
 #include "tarn/media/imagesequenceformat.h"
 #include "tarn/media/mediaenums.h"
 
+#include <algorithm>
+
 namespace vantrel {
 
 using images::ImageResultType;
@@ -21,6 +23,19 @@ namespace {
 QString withSeparator(const QString& directory)
 {
     return directory.endsWith(u'/') ? directory : directory + u'/';
+}
+
+void logLeftOut(const MediaQuestions::Answer& answer)
+{
+    if (answer.type != FileSystem::File)
+        qCWarning(lcMedia) << "Unexpectedly got invalid path type"
+                           << (answer.type == FileSystem::Unknown ? QStringLiteral("UNKNOWN")
+                                                                  : QString::number(answer.type))
+                           << "for a media file" << answer.path;
+    else if (!answer.metadata)
+        qCWarning(lcMedia) << "Unable to read metadata for a media file" << answer.path;
+    else
+        qCInfo(lcMedia) << "Skipping media file" << answer.path << "since it's not playable";
 }
 
 } // namespace
@@ -131,8 +146,27 @@ QStringList MediaDropPrivate::extractAllPaths(const images::RequestPath& request
 void MediaDropPrivate::addMediaPaths(const QStringList& paths, FileSystem* fileSystem)
 {
     m_questions.add(paths, fileSystem);
+    Q_EMIT m_owner->mediasAsked(paths);
     m_questions.goOn();
     addKnownMedias();
+}
+
+MediaCandidate MediaDropPrivate::candidateOf(const MediaQuestions::Answer& answer)
+{
+    MediaCandidate candidate{answer.path, true};
+    if (answer.type != FileSystem::File) {
+        candidate.fault = tr("it is not there any more.");
+    } else if (!answer.metadata) {
+        candidate.fault = tr("nothing was told of it in time.");
+    } else if (!answer.metadata->isPlayable) {
+        const auto& told = answer.metadata->mediaCaveats;
+        const QStringList caveats(told.cbegin(), told.cend());
+        candidate.fault =
+            caveats.isEmpty() ? tr("the server cannot play it.") : caveats.join(QStringLiteral(" "));
+    } else {
+        candidate.seconds = static_cast<double>(answer.metadata->durationMs) / 1000.0;
+    }
+    return candidate;
 }
 
 /// Turns what is known by now into media, of many some. False while something is left.
@@ -140,38 +174,29 @@ bool MediaDropPrivate::addKnownMedias()
 {
     constexpr qsizetype mostAtOnce = 500;
     QList<GuiMediaSlot> added;
+    QList<MediaCandidate> told;
     for (qsizetype i = 0; i < mostAtOnce; ++i) {
         const std::optional<MediaQuestions::Answer> next = m_questions.take();
         if (!next)
             break;
-        if (next->type != FileSystem::File) {
-            qCWarning(lcMedia) << "Unexpectedly got invalid path type"
-                               << (next->type == FileSystem::Unknown ? QStringLiteral("UNKNOWN")
-                                                                     : QString::number(next->type))
-                               << "for a media file" << next->path;
-            leaveOut(next->path, tr("it is not there any more."));
-            continue;
-        }
-        if (!next->metadata) {
-            qCWarning(lcMedia) << "Unable to read metadata for a media file" << next->path;
-            leaveOut(next->path, tr("nothing was told of it in time."));
-            continue;
-        }
-        const FileMetadata& metadata = *next->metadata;
-        if (!metadata.isPlayable) {
-            qCInfo(lcMedia) << "Skipping media file" << next->path << "since it's not playable";
-            const QStringList caveats(metadata.mediaCaveats.cbegin(), metadata.mediaCaveats.cend());
-            leaveOut(next->path, caveats.isEmpty() ? tr("the server cannot play it.")
-                                                   : caveats.join(QStringLiteral(" ")));
+        const MediaCandidate candidate = candidateOf(*next);
+        told.append(candidate);
+        if (!candidate.fault.isEmpty()) {
+            logLeftOut(*next);
+            leaveOut(candidate.path, candidate.fault);
             continue;
         }
         GuiMediaSlot slot;
         slot.setScaleMode(ScaleMode::Default);
-        slot.setName(getNameInPath(next->path));
-        slot.setContentUrl(QUrl::fromLocalFile(next->path));
-        slot.setDuration(static_cast<double>(metadata.durationMs) / 1000.0);
+        slot.setName(getNameInPath(candidate.path));
+        slot.setContentUrl(QUrl::fromLocalFile(candidate.path));
+        slot.setDuration(candidate.seconds);
         slot.setIsPlayable(true);
         added.append(slot);
+    }
+    if (!told.isEmpty()) {
+        m_told += told;
+        Q_EMIT m_owner->mediasTold(told);
     }
     if (!added.isEmpty()) {
         qCDebug(lcMedia) << "Added" << added.size() << "new media(s) to a drop";
@@ -180,6 +205,37 @@ bool MediaDropPrivate::addKnownMedias()
         Q_EMIT m_owner->lastSlotChanged();
     }
     return m_questions.isEmpty();
+}
+
+/// What was known when it was dropped comes first.
+QList<MediaCandidate> MediaDropPrivate::mediaCandidates() const
+{
+    const auto asked = std::ranges::count_if(m_told, [](const auto& one) { return one.fault.isEmpty(); });
+    QList<MediaCandidate> all;
+    all.reserve(m_medias.size() + m_told.size() + m_questions.size());
+    const auto known = m_medias.first(std::max<qsizetype>(m_medias.size() - asked, 0));
+    for (const GuiMediaSlot& slot : known)
+        all.append({slot.contentUrl().toLocalFile(), true, slot.duration()});
+    all += m_told;
+    for (qsizetype i = 0; i < m_questions.size(); ++i)
+        all.append({m_questions.pathAt(i)});
+    return all;
+}
+
+void MediaDropPrivate::leaveOutMedias(const QList<qsizetype>& medias, const QList<qsizetype>& asked)
+{
+    QList<GuiMediaSlot> kept;
+    auto next = medias.cbegin();
+    for (qsizetype i = 0; i < m_medias.size(); ++i) {
+        if (next == medias.cend() || *next != i)
+            kept.append(m_medias[i]);
+        else
+            ++next;
+    }
+    m_medias = kept;
+    m_questions.remove(asked);
+    Q_EMIT m_owner->mediasChanged();
+    Q_EMIT m_owner->lastSlotChanged();
 }
 
 int MediaDropPrivate::askedCount() const

@@ -35,18 +35,59 @@ void MediaQuestions::ask(const Question& question)
 void MediaQuestions::askAhead()
 {
     constexpr int mostAtOnce = 500; // where all is known already
-    for (int looked = 0; m_begun < m_questions.size() && m_open.size() < mostOpen; ++looked) {
+    for (int looked = 0; m_open.size() < mostOpen; ++looked) {
+        if (m_urgent.isEmpty() && m_begun >= m_questions.size())
+            return;
         if (looked == mostAtOnce)
             return m_turn.start();
-        const Question next = m_questions[m_begun++];
-        if (m_answers.contains(next))
-            continue;
-        const FileSystem::ItemType type = next.first->getType(next.second);
-        if (type == FileSystem::File)
-            ask(next);
-        else
-            m_answers.insert(next, {next.second, std::nullopt, type});
+        begin(m_urgent.isEmpty() ? m_questions[m_begun++] : m_urgent.takeLast());
     }
+}
+
+void MediaQuestions::begin(const Question& question)
+{
+    if (isAsked(question))
+        return;
+    const FileSystem::ItemType type = question.first->getType(question.second);
+    if (type == FileSystem::File)
+        ask(question);
+    else
+        m_answers.insert(question, {question.second, std::nullopt, type});
+}
+
+const MediaQuestions::Answer* MediaQuestions::answerAt(qsizetype number) const
+{
+    const auto answer = m_answers.constFind(m_questions.value(number));
+    return answer == m_answers.cend() ? nullptr : &*answer;
+}
+
+void MediaQuestions::askFirst(qsizetype number)
+{
+    if (number < m_begun || number >= m_questions.size() || isAsked(m_questions[number]))
+        return;
+    m_urgent.append(m_questions[number]);
+    m_turn.start();
+}
+
+void MediaQuestions::remove(const QList<qsizetype>& numbers)
+{
+    QSet<Question> gone;
+    QList<Question> kept;
+    kept.reserve(m_questions.size());
+    auto next = numbers.cbegin();
+    qsizetype begun = m_begun;
+    for (qsizetype i = 0; i < m_questions.size(); ++i) {
+        if (next == numbers.cend() || *next != i) {
+            kept.append(m_questions[i]);
+            continue;
+        }
+        gone.insert(m_questions[i]);
+        begun -= i < m_begun;
+        ++next;
+    }
+    m_questions = kept;
+    m_begun = begun;
+    m_urgent.removeIf([&gone](const Question& question) { return gone.contains(question); });
 }
 
 void MediaQuestions::follow(FileSystem* fileSystem)

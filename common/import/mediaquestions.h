@@ -41,6 +41,14 @@ public:
     /// Those that are not taken yet.
     qsizetype size() const { return m_questions.size(); }
     bool isEmpty() const { return m_questions.isEmpty(); }
+    /// Of those, in their order.
+    QString pathAt(qsizetype number) const { return m_questions.value(number).second; }
+    /// What is known of it already; null for nothing.
+    const Answer* answerAt(qsizetype number) const;
+    /// Asks it before all that are not asked yet.
+    void askFirst(qsizetype number);
+    /// Ascending numbers: nobody wants to know any more.
+    void remove(const QList<qsizetype>& numbers);
     /// Asks on, and lets go of what nobody tells anything of. Has to be called now and then.
     void goOn();
     /// The next in order, once it is there.
@@ -52,6 +60,11 @@ Q_SIGNALS:
 private:
     using Question = QPair<FileSystem*, QString>;
 
+    bool isAsked(const Question& question) const
+    {
+        return m_open.contains(question) || m_answers.contains(question);
+    }
+    void begin(const Question& question);
     void ask(const Question& question);
     void askAhead();
     void follow(FileSystem* fileSystem);
@@ -59,7 +72,8 @@ private:
 
     std::chrono::milliseconds m_patience{25000};
     QList<Question> m_questions;
-    qsizetype m_begun = 0; // of m_questions: were asked
+    qsizetype m_begun = 0;    // of m_questions: were asked
+    QList<Question> m_urgent; // the last one first
     QHash<Question, QDeadlineTimer> m_open;
     QHash<Question, Answer> m_answers;
     QSet<Question> m_told; // of m_open: something was said of them in this turn

@@ -28,6 +28,7 @@ Q_LOGGING_CATEGORY(log, "vantrel.qml")
 DropDialog::DropDialog(MediaDrop* drop, QWidget* parent)
     : ZTDialog(tr("Drop on slot %1 of collection %2").arg(drop->startSlot()).arg(drop->collection()), parent)
     , m_drop(drop)
+    , m_medias(drop)
 {
     setObjectNames(QStringLiteral("DropDialog"));
     setClosesOnAccept(false);
@@ -79,7 +80,8 @@ void DropDialog::build()
         return reject(); // nobody waits for it any more
     // Several of these may be open: what they see is no property of the engine's.
     QObject* const root = m_component->createWithInitialProperties(
-        {{QStringLiteral("sequences"), QVariant::fromValue(&m_sequences)},
+        {{QStringLiteral("medias"), QVariant::fromValue(&m_medias)},
+         {QStringLiteral("sequences"), QVariant::fromValue(&m_sequences)},
          {QStringLiteral("stills"), QVariant::fromValue(&m_stills)},
          {QStringLiteral("dialog"), QVariant::fromValue(this)}});
     if (!root)

@@ -2,6 +2,7 @@
 
 #include "common/import/dropforecast.h"
 #include "common/import/imagesequencecandidatemodel.h"
+#include "common/import/mediacandidatemodel.h"
 #include "common/import/stillimagecandidatemodel.h"
 #include "common/ui/toolkit/ztdialog.h"
 
@@ -14,10 +15,10 @@ namespace vantrel {
 class MediaDrop;
 class QuickView;
 
-/// Shows the sequences and stills of a drop, which the operator corrects before they are stored; what is
-/// corrected stands in the drop at once. It opens beside a running show and waits for nobody: whoever opens
-/// it says where the drop goes (setForecast()) and stores it on confirmed(), and the dialog closes with the
-/// drop. Made by DialogFactory.
+/// Shows what was found in a drop. Its sequences and stills the operator corrects before they are stored, and
+/// what is corrected stands in the drop at once. It opens beside a running show and waits for nobody: whoever
+/// opens it says where the drop goes (setForecast()) and stores it on confirmed(), and the dialog closes with
+/// the drop. Made by DialogFactory.
 class DropDialog : public ZTDialog
 {
     Q_OBJECT
@@ -50,6 +51,7 @@ private:
     void place();
 
     QPointer<MediaDrop> m_drop;
+    MediaCandidateModel m_medias;
     ImageSequenceCandidateModel m_sequences;
     StillImageCandidateModel m_stills;
     QuickView* m_view;

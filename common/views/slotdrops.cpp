@@ -31,6 +31,14 @@ using namespace std::chrono_literals;
 
 namespace {
 
+/// Of pictures nobody knows how they are to run but the operator; and of what the server tells in a moment
+/// there is nothing to be looked at.
+bool isToBeReviewed(const MediaDrop& drop)
+{
+    constexpr int fewFiles = 24;
+    return !drop.imageResults().isEmpty() || drop.askedCount() > fewFiles;
+}
+
 QString anotherServer()
 {
     return SlotDrops::tr("The application has turned to another server. Drop it again.");
@@ -244,9 +252,9 @@ void SlotDrops::take(MediaDrop* drop)
             finish(drop, told);
     };
     connect(drop, &MediaDrop::isReadyChanged, this, whenReady);
-    // Pictures can be looked at while the server tells of the files beside them.
+    // All that was found can be looked at while the server tells of the files that are no pictures.
     connect(drop, &MediaDrop::lastSlotChanged, this, [this, drop, told] {
-        if (drop->askedCount() > 0 && !drop->imageResults().isEmpty())
+        if (isToBeReviewed(*drop) && drop->askedCount() > 0)
             finish(drop, told);
     });
     if (drop->isReady()) {
@@ -370,7 +378,7 @@ void SlotDrops::finish(MediaDrop* drop, int toldLast)
     disconnect(drop, &MediaDrop::isReadyChanged, this, nullptr);
     disconnect(drop, &MediaDrop::lastSlotChanged, this, nullptr);
     m_arrivals->pending().remove(drop);
-    if (!drop->imageResults().isEmpty())
+    if (isToBeReviewed(*drop))
         return review(drop);
     QStringList names;
     const int first = std::max(drop->startSlot(), toldLast + 1);
@@ -412,8 +420,7 @@ void SlotDrops::finish(MediaDrop* drop, int toldLast)
     dialog->open();
 }
 
-/// Of pictures nobody knows how they are to run but the operator, who looks at them and at what goes for
-/// them.
+/// The operator looks at what was found, and at what goes for it.
 void SlotDrops::review(MediaDrop* drop)
 {
     QMLManager::instance()->initialize();

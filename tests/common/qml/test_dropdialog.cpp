@@ -1,5 +1,7 @@
+#include "common/filesystem/model/pathhelpers.h"
 #include "common/import/imagesequencecreator.h"
 #include "common/import/mediadrop.h"
+#include "common/import/mediaquestions.h"
 #include "common/qml/dialogfactory.h"
 #include "common/qml/dropdialog.h"
 #include "common/qml/qmlmanager.h"
@@ -8,6 +10,7 @@
 #include "common/ui/style/stylesheet.h"
 #include "common/ui/toolkit/pushbutton.h"
 #include "tarn/media/mediaenums.h"
+#include "tests/common/filesystem/fakefilesystem.h"
 #include "tests/common/import/fakecollections.h"
 #include "tests/common/ui/testsettings.h"
 #include "tests/support/testmain.h"
@@ -52,6 +55,33 @@ ImagesResult sequence(const QString& name, int first, int last)
     result.setStillImages(pictures);
     return result;
 }
+
+/// Nobody knows of its files whether they play, until it is told.
+class AskedFiles : public FakeFileSystem
+{
+public:
+    ItemType getType(QString) override { return File; }
+    bool requestMetadataAlone(const QString& path, FileMetadata& result) override
+    {
+        if (!told.contains(path)) {
+            asked.append(path);
+            return false;
+        }
+        result.isPlayable = told[path];
+        result.mediaType = MediaType::VideoFile;
+        result.durationMs = 2000;
+        return true;
+    }
+    void tell(const QString& path, bool isPlayable)
+    {
+        told[path] = isPlayable;
+        Q_EMIT fileMetadataChanged(
+            FileSystemFile(getNameInPath(path), 1, FileSystemDirectory::fromFullPath(QStringLiteral("/"))),
+            {});
+    }
+
+    QHash<QString, bool> told;
+};
 
 /// A drop on slot 5 of a collection that holds something in slot 7, and the dialog as it opens for it.
 struct Opened
@@ -106,7 +136,7 @@ struct Opened
     FakeCollections collections;
     ImageSequenceCreator creator{nullptr, &collections};
     MediaDrop drop{nullptr, &creator, 1, 5};
-    DropDialog* dialog = nullptr;
+    QPointer<DropDialog> dialog;
     QuickView* view = nullptr;
     bool isThere = false;
 };
@@ -223,6 +253,48 @@ private Q_SLOTS:
             QTRY_VERIFY(!dialog);
             QCOMPARE(refused.size(), 1);
         }
+    }
+
+    /// Files stand there before the server has told of them, and those that somebody looks at are asked
+    /// first.
+    void filesAreToldOneByOne()
+    {
+        constexpr int count = 200;
+        const auto path = [](int i) { return QStringLiteral("/Door %1 slam.mp4").arg(i); };
+        AskedFiles files;
+        Opened opened({sequence(QStringLiteral("sky"), 1, 12)});
+        QVERIFY(opened.isThere);
+        for (int i = 0; i < count; ++i)
+            opened.drop.requestAsynchronously({path(i), FileSystem::File}, &files);
+        QTRY_COMPARE(opened.drop.askedCount(), count);
+        QTRY_COMPARE(opened.row(QStringLiteral("medias"), 0),
+                     QStringLiteral("Door 0 slam.mp4, not looked into yet"));
+        QVERIFY(!opened.dialog->acceptButton()->isEnabled());
+        QVERIFY(!files.asked.contains(path(count - 1)));
+        opened.item(QStringLiteral("DropDialog-medias-list"))->forceActiveFocus();
+        opened.key(Qt::Key_End);
+        QTRY_VERIFY(!opened.row(QStringLiteral("medias"), count - 1).isEmpty());
+        for (int i = 0; i < MediaQuestions::mostOpen; ++i)
+            files.tell(path(i), true); // so that others are asked
+        QTRY_VERIFY(files.asked.contains(path(count - 1)));
+        QVERIFY(!files.asked.contains(path(count / 2)));
+
+        // What is told out of turn shows at once, and what cannot be played with the reason.
+        files.tell(path(count - 1), false);
+        QTRY_COMPARE(opened.row(QStringLiteral("medias"), count - 1),
+                     QStringLiteral("Door 199 slam.mp4, Left out: the server cannot play it."));
+        QVERIFY(opened.drop.faults().isEmpty());
+        opened.key(Qt::Key_Up);
+        opened.key(Qt::Key_Delete); // 198
+        QTRY_COMPARE(opened.drop.askedCount(), count - MediaQuestions::mostOpen - 1);
+        for (int i = MediaQuestions::mostOpen; i < count; ++i)
+            files.tell(path(i), i < count - 1);
+        QTRY_VERIFY(opened.dialog->acceptButton()->isEnabled());
+        QCOMPARE(opened.drop.medias().size(), count - 2);
+        QCOMPARE(opened.drop.faults().size(), 1);
+        QCOMPARE(QSet<QString>(files.asked.cbegin(), files.asked.cend()).size(), files.asked.size());
+        opened.dialog->reject();
+        QTRY_VERIFY(!opened.dialog);
     }
 
     /// At every text size nothing leaves the view or lies on something else.

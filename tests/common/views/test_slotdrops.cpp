@@ -170,6 +170,35 @@ private Q_SLOTS:
         QTRY_COMPARE(hand.slot(4)->name(), QStringLiteral("b.wav"));
     }
 
+    /// What a folder holds is there to be looked at before the server has told of any of it.
+    void showsWhatIsNotToldYet()
+    {
+        constexpr int count = 30;
+        DroppingHand hand;
+        hand.makeSound(QStringLiteral("s.wav"));
+        const QString folder = hand.server.mediaFolder() + QStringLiteral("/act");
+        QVERIFY(QDir().mkpath(folder));
+        for (int i = 0; i < count; ++i)
+            QVERIFY(QFile::copy(hand.local.filePath(QStringLiteral("s.wav")),
+                                folder + QStringLiteral("/Door %1 slam.wav").arg(i)));
+        QVERIFY(hand.isReady());
+        QTRY_VERIFY(hand.live.session->serverFilesModel()->fileSystem()->isReady());
+        hand.server.hang(); // its files can be listed all the same
+        QMimeData data;
+        data.setData(QStringLiteral("application/type"), "media");
+        data.setData(
+            QStringLiteral("application/json"),
+            R"([{"path":"/act","fileSystem":"server","name":"act","duration":0,"isDirectory":true,"isPlayable":true}])");
+        QVERIFY(hand.drop(data, 3));
+        QTRY_VERIFY(hand.reviewed());
+        QVERIFY(!hand.reviewed()->acceptButton()->isEnabled());
+        QVERIFY2(hand.reviewed()->description().contains(QString::number(count)),
+                 qPrintable(hand.reviewed()->description()));
+        hand.server.goOn();
+        QVERIFY(hand.approve());
+        QTRY_VERIFY(hand.slot(3) && hand.slot(2 + count));
+    }
+
     /// Folders come behind what was stored of the files beside them, one behind the other, in one step.
     void bringsFoldersTogether()
     {

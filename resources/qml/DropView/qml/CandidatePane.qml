@@ -16,10 +16,12 @@ FocusScope {
     // Of the selected rows; changes with what stands in them.
     readonly property var rows: (edits, selection.revision, selection.rows())
     property int edits: 0
+    property bool isEdited: true // what stands in the rows can be changed
 
     implicitHeight: heading.height + Theme.tight + Math.min(6, Math.max(3, count)) * Theme.rowHeight + 2 + Theme.normal
-                    + fields.implicitHeight
+                    + fields.height
 
+    function takeKeys() { list.forceActiveFocus() }
     function value(role) { return model.valueOf(rows, role) }
     function write(role, value) { return model.writeRows(rows, value, role) }
     function step(to, modifiers) {
@@ -57,7 +59,7 @@ FocusScope {
 
         target: pane.model
 
-        function onDataChanged() { ++pane.edits }
+        function onDataChanged() { if (pane.isEdited) ++pane.edits }
         function onModelAboutToBeReset() { wasAll = pane.selection.selectedCount === pane.count }
         function onModelReset() {
             ++pane.edits
@@ -102,7 +104,7 @@ FocusScope {
         id: fields
 
         anchors { left: parent.left; right: leaveOut.left; bottom: parent.bottom; rightMargin: Theme.normal }
-        height: implicitHeight
+        height: Math.max(implicitHeight, leaveOut.implicitHeight)
         spacing: Theme.loose
         enabled: pane.selection.selectedCount > 0
     }
