@@ -214,12 +214,22 @@ void RestApi::patchLibrary(const Request& request, const HttpAnswer& answer)
 
 void RestApi::getCollections(const Request&, const HttpAnswer& answer)
 {
-    answer({.body = m_store.library().toJson().get("collections").toString()});
+    getPart("collections", answer);
 }
 
 void RestApi::getPlaylists(const Request&, const HttpAnswer& answer)
 {
-    answer({.body = m_store.library().toJson().get("playlists").toString()});
+    getPart("playlists", answer);
+}
+
+void RestApi::getPart(const char* member, const HttpAnswer& answer)
+{
+    const auto write = [part = m_store.library().toJson().get(member)] {
+        return std::make_shared<const std::string>(part.toString());
+    };
+    aside(m_store.librarySize(), write, [answer](const std::shared_ptr<const std::string>& text) {
+        answer({.body = {}, .sharedBody = text});
+    });
 }
 
 void RestApi::postPlaylists(const Request& request, const HttpAnswer& answer)

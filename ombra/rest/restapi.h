@@ -58,6 +58,7 @@ private:
     void patchLibrary(const Request&, const HttpAnswer&);
     void getCollections(const Request&, const HttpAnswer&);
     void getPlaylists(const Request&, const HttpAnswer&);
+    void getPart(const char* member, const HttpAnswer& answer);
     void postPlaylists(const Request&, const HttpAnswer&);
     void replacePlaylists(const Json& list, const HttpAnswer& answer);
     void getMetadata(const Request&, const HttpAnswer&);

@@ -174,8 +174,27 @@ void SlotProber::handIn(const std::weak_ptr<int>& alive)
     if (m_findings.empty())
         return;
     boost::asio::post(m_io, [this, alive, findings = std::exchange(m_findings, {})] {
+        if (alive.expired())
+            return;
+        const bool isSaving = !m_toSave.empty();
+        m_toSave.insert(m_toSave.end(), findings.begin(), findings.end());
+        if (!isSaving)
+            saveSome();
+    });
+}
+
+/// Between two edits all else has its turn that waits for this thread, the pictures among it.
+void SlotProber::saveSome()
+{
+    const auto end =
+        m_toSave.begin() + static_cast<std::ptrdiff_t>(std::min(m_toSave.size(), findingsAtOnce));
+    save({m_toSave.begin(), end});
+    m_toSave.erase(m_toSave.begin(), end);
+    if (m_toSave.empty())
+        return;
+    boost::asio::post(m_io, [this, alive = std::weak_ptr(m_alive)] {
         if (!alive.expired())
-            save(findings);
+            saveSome();
     });
 }
 

@@ -8,6 +8,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <deque>
 #include <filesystem>
 #include <functional>
 #include <map>
@@ -61,7 +62,7 @@ private:
         std::string stamp;
         SlotFacts facts;
     };
-    static constexpr std::size_t findingsAtOnce = 200; // in one edit
+    static constexpr std::size_t findingsAtOnce = 100; // in one edit
     static constexpr std::size_t rememberedAtMost = 200'000;
 
     void walk(std::function<bool(const std::string& contentUrl)> wanted);
@@ -69,6 +70,7 @@ private:
     void look(const Found& found);
     void remember(const std::string& contentUrl, const std::string& stamp, const SlotFacts& facts);
     void handIn(const std::weak_ptr<int>& alive);
+    void saveSome();
     void save(const std::vector<Finding>& findings);
 
     boost::asio::io_context& m_io;
@@ -76,6 +78,7 @@ private:
     ShowStore& m_store;
     std::map<std::string, bool> m_again; // content URLs, and whether their files are others now
     std::set<std::string> m_unsaved;     // likewise
+    std::deque<Finding> m_toSave;        // the next ones first
     std::atomic<bool> m_stop{false};
     std::shared_ptr<int> m_alive = std::make_shared<int>(0);
 

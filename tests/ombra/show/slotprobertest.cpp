@@ -113,6 +113,28 @@ private Q_SLOTS:
     }
 
     /// A file that comes while the disk takes no edits is known once it does.
+    /// What is found of very many slots is no edit of its own length, behind which the pictures would wait.
+    void savesInPieces()
+    {
+        LiveServer live;
+        QVERIFY(live.start());
+        constexpr int slots_ = 1000;
+        QByteArray collection = "{'name':'C','slots':{";
+        for (int i = 1; i <= slots_; ++i)
+            collection +=
+                (i > 1 ? ",'" : "'") + QByteArray::number(i) + "':{'contentUrl':'file:///none.png'}";
+        const auto revision = [&] {
+            return live.request("GET", "/medialibrary").tag.mid(1).chopped(1).toLongLong();
+        };
+        const qint64 before = revision();
+        QCOMPARE(live.request("PATCH", "/medialibrary", addition("/collections/1", collection + "}}")).status,
+                 200);
+        QVERIFY(live.waitFor([&] {
+            return live.request("GET", "/collections").body.count(R"("isPlayable":false)") == slots_;
+        }));
+        QVERIFY2(revision() - before > 5, qPrintable(QString::number(revision() - before)));
+    }
+
     void remembersWhatCouldNotBeSaved()
     {
         LiveServer live;
