@@ -25,20 +25,25 @@ EventStream::State EventStream::assemble(const QByteArray& piece)
     return State::Waiting;
 }
 
-void EventStream::parse(const std::function<void(const QByteArray& data)>& onMessage)
+bool EventStream::parse(const std::function<void(const QByteArray& data)>& onMessage,
+                        const std::function<bool()>& goesOn)
 {
-    const qsizetype whole = m_buffer.lastIndexOf("\n\n") + 2;
-    const QByteArray text = m_buffer.left(whole);
-    m_buffer.remove(0, whole);
-    for (qsizetype start = 0; start < text.size();) {
+    const QByteArray text = std::exchange(m_buffer, QByteArray());
+    const qsizetype whole = std::max<qsizetype>(0, text.lastIndexOf("\n\n") + 2);
+    qsizetype start = 0;
+    while (start < whole) {
         const qsizetype boundary = text.indexOf("\n\n", start);
-        const qsizetype end = boundary < 0 ? text.size() : boundary + 2; // a third line break may be left
+        const qsizetype end = boundary < 0 ? whole : boundary + 2; // a third line break may be left
         if (std::exchange(m_passed, 0) + end - start > maxMessage)
             onMessage(QByteArray());
         else
             parseMessage(text.mid(start, end - start), onMessage);
         start = end;
+        if (!goesOn())
+            break;
     }
+    m_buffer = text.mid(start);
+    return start >= whole;
 }
 
 void EventStream::parseMessage(const QByteArray& text,

@@ -25,8 +25,11 @@ public:
     /// Costs what the piece costs.
     State assemble(const QByteArray& piece);
     /// Reads all messages that are whole, and keeps the beginning of the next. Each message's data lines go
-    /// to the handler, joined by line feeds; null data stand for a message that is passed over.
-    void parse(const std::function<void(const QByteArray& data)>& onMessage);
+    /// to the handler, joined by line feeds; null data stand for a message that is passed over. After each,
+    /// goesOn tells whether the next is to follow; returns false when messages are left that are whole.
+    bool parse(
+        const std::function<void(const QByteArray& data)>& onMessage,
+        const std::function<bool()>& goesOn = [] { return true; });
 
     qsizetype buffered() const { return m_buffer.size(); }
 

@@ -4,8 +4,10 @@
 #include "common/media/library/editqueue.h"
 #include "common/media/library/librarychanges.h"
 #include "common/media/library/libraryreading.h"
+#include "common/media/library/turn.h"
 #include "tarn/media/medialibrary.h"
 
+#include <QElapsedTimer>
 #include <QFutureWatcher>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
@@ -53,8 +55,13 @@ MediaLibraryApi::MediaLibraryApi(const QString& host, QNetworkAccessManager* man
     , m_host(host)
     , m_scheme(QStringLiteral("http"))
     , m_edits(new EditQueue(this))
+    , m_turn(new Turn(this))
     , m_silence(new QTimer(this))
 {
+    connect(m_turn, &Turn::come, this, [this] {
+        takeMessages();
+        onStreamData();
+    });
     m_silence->setSingleShot(true);
     m_silence->setInterval(streamSilence);
     connect(m_silence, &QTimer::timeout, this, [this] {
@@ -220,6 +227,10 @@ void MediaLibraryApi::onStreamEnded(QNetworkReply* stream)
 void MediaLibraryApi::loseStream()
 {
     m_isDeaf = true;
+    if (m_turn->isAsked()) { // what the server has said stands
+        m_turn->stop();
+        takeMessages();
+    }
     setReading(Reading::Awaited);
     m_edits->refuseAll(tr("The server does not tell of changes any more; the library is read anew."));
     Q_EMIT streamLost();
@@ -227,7 +238,7 @@ void MediaLibraryApi::loseStream()
 
 void MediaLibraryApi::onStreamData()
 {
-    if (!m_stream || !m_stream->isOpen())
+    if (!m_stream || !m_stream->isOpen() || m_turn->isAsked()) // what has come is taken first
         return;
     // Much that comes at once is taken in turns, in between which the window goes on.
     constexpr qint64 inOneTurn = 256 * 1024;
@@ -244,18 +255,26 @@ void MediaLibraryApi::receive(const QByteArray& bytes)
 {
     if (!bytes.startsWith(':')) // a comment comes each second
         qCDebug(lcMedia) << "Received SSE data: " << shortened(bytes);
-    switch (m_events.assemble(bytes)) {
-    case EventStream::State::Waiting:
-        break;
-    case EventStream::State::Complete:
-        m_events.parse([this](const QByteArray& data) { handleMessage(data); });
-        break;
-    case EventStream::State::Overflow:
-        qCWarning(lcMedia) << "Event stream sends a message without end, closing it";
-        stopListening();
-        loseStream();
-        break;
-    }
+    const EventStream::State state = m_events.assemble(bytes);
+    if (state == EventStream::State::Complete)
+        takeMessages();
+    if (state != EventStream::State::Overflow)
+        return;
+    qCWarning(lcMedia) << "Event stream sends a message without end, closing it";
+    stopListening();
+    loseStream();
+}
+
+/// Some of those that are whole: a server that looks through its media sends hundreds in a row.
+void MediaLibraryApi::takeMessages()
+{
+    constexpr qint64 inOneTurn = 4; // milliseconds
+    QElapsedTimer clock;
+    clock.start();
+    const bool isAll = m_events.parse([this](const QByteArray& data) { handleMessage(data); },
+                                      [this, &clock] { return m_isDeaf || clock.elapsed() < inOneTurn; });
+    if (!isAll)
+        m_turn->ask();
 }
 
 void MediaLibraryApi::handleMessage(const QByteArray& data)

@@ -30,6 +30,7 @@ namespace vantrel {
 
 class EditQueue;
 class MediaLibrary;
+class Turn;
 struct LibraryChanges;
 struct LibraryReading;
 
@@ -142,6 +143,7 @@ private:
     void loseStream();
     void setReading(Reading reading);
     void onStreamData();
+    void takeMessages();
     void handleMessage(const QByteArray& data);
     void missMessage();
     void emitLibraryChanges(const LibraryChanges& changes);
@@ -173,6 +175,7 @@ private:
     Reading m_reading = Reading::Awaited;
     QString m_readingError; // plain text without a full stop
     EditQueue* const m_edits;
+    Turn* const m_turn;      // of the messages that have come and are not taken yet
     QTimer* const m_silence; // runs while a stream is open whose server says each second that it is there
 };
 

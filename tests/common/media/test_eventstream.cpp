@@ -29,6 +29,7 @@ class TestEventStream : public QObject
 private Q_SLOTS:
     void messages_data();
     void messages();
+    void goesOnWhereItStopped();
     void passesOverComments();
     void randomCutsChangeNothing();
     void passesOverWhatIsLarge();
@@ -55,6 +56,24 @@ void TestEventStream::messages()
     QFETCH(QList<QByteArray>, pieces);
     EventStream stream;
     QTEST(read(stream, pieces), "data");
+}
+
+/// What was left is there the next time, also when more has come by then.
+void TestEventStream::goesOnWhereItStopped()
+{
+    EventStream stream;
+    QList<QByteArray> messages;
+    const auto one = [&] {
+        return stream.parse([&](const QByteArray& data) { messages.append(data); }, [] { return false; });
+    };
+    stream.assemble("data: 1\n\ndata: 2\n\nda");
+    QVERIFY(!one());
+    QCOMPARE(messages, QList<QByteArray>{"1\n"});
+    stream.assemble("ta: 3\n\n");
+    QVERIFY(!one());
+    QVERIFY(one());
+    QCOMPARE(messages, (QList<QByteArray>{"1\n", "2\n", "3\n"}));
+    QCOMPARE(stream.buffered(), 0);
 }
 
 /// A server says each second that it is there: that is passed over in silence, wherever it comes, and leaves
