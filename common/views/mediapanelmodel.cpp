@@ -28,12 +28,12 @@ bool MediaPanelModel::filterAcceptsRow(int row, const QModelIndex& parent) const
         return true;
     const QModelIndex index = sourceModel()->index(row, 0, parent);
     const QUrl url = index.data(MediaLibraryModel::UrlRole).toUrl();
-    if (url.isEmpty())
-        return false;
+    if (url.isEmpty() || m_searchText.isEmpty())
+        return !url.isEmpty();
     // A lone "4" means no ".mp4": the extension counts only in a text that asks for one.
     const QString name = url.fileName();
     const QString file = m_searchText.contains(u'.') ? name : name.section(u'.', 0, -2);
-    return m_searchText.isEmpty() || QString::number(row).startsWith(m_searchText) ||
+    return QString::number(row).startsWith(m_searchText) ||
            index.data(MediaLibraryModel::NameRole).toString().contains(m_searchText, Qt::CaseInsensitive) ||
            file.contains(m_searchText, Qt::CaseInsensitive);
 }

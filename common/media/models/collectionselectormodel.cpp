@@ -21,18 +21,18 @@ QVariant CollectionSelectorModel::data(const QModelIndex& index, int role) const
     const std::shared_ptr<const GuiMediaCollection> collection = getCollection(index);
     if (!collection)
         return {};
-    const QString name = shownText(collection->name());
-    const auto label = [&] { // not made to sort them by number
-        return QStringLiteral("%1: %2").arg(QString::number(collection->index()), name);
+    const auto name = [&] { return shownText(collection->name()); }; // not made to sort them by number
+    const auto label = [&] {
+        return QStringLiteral("%1: %2").arg(QString::number(collection->index()), name());
     };
     switch (role) {
     case Qt::DisplayRole:
-        return index.column() == 0 ? name : label();
+        return index.column() == 0 ? name() : label();
     case DisplayTextRole:
         return label();
     case Qt::EditRole:
     case EditTextRole:
-        return name;
+        return name();
     case CollectionNumberRole:
         return collection->index();
     default:

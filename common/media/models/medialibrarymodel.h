@@ -158,6 +158,7 @@ private:
     void tellOf(const QUrl& mediaUrl);
     bool isLarge() const;
     void indexSome();
+    void reserveIndex();
     void settleIndex();
     void indexAll();
     void emitDataChangedForRow(const QModelIndex& index);

@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <set>
+#include <tuple>
 #include <utility>
 
 namespace vantrel {
@@ -46,9 +47,9 @@ void MediaLibraryModel::reset()
 {
     beginResetModel();
     // To free those of a large library takes time.
-    aside::letGo(std::make_shared<const std::pair<std::vector<Item>, UrlIndex>>(
-        std::exchange(m_collections, {}), std::exchange(m_rowsByUrl, {})));
-    m_slotItems.clear();
+    aside::letGo(std::make_shared<const std::tuple<std::vector<Item>, UrlIndex, RecentItems>>(
+        std::exchange(m_collections, {}), std::exchange(m_rowsByUrl, UrlIndex()),
+        std::exchange(m_slotItems, RecentItems())));
     m_urlsIndexed = false;
     m_indexed = 0;
     m_toTell.clear(); // all is read anew
@@ -146,6 +147,7 @@ void MediaLibraryModel::indexSome()
     constexpr qint64 inOneTurn = 4; // milliseconds
     QElapsedTimer clock;
     clock.start();
+    reserveIndex();
     for (std::size_t slots_ = 0; !m_urlsIndexed && m_indexed < m_collections.size() &&
                                  (slots_ < fewSlots || clock.elapsed() < inOneTurn);) {
         const MediaLibraryItem& collection = *m_collections[m_indexed++];
@@ -163,6 +165,16 @@ void MediaLibraryModel::indexSome()
     }
 }
 
+void MediaLibraryModel::reserveIndex()
+{
+    if (m_indexed > 0 || m_urlsIndexed)
+        return;
+    std::size_t slots_ = 0;
+    for (const Item& collection : m_collections)
+        slots_ += collection->records().size();
+    m_rowsByUrl.reserve(slots_);
+}
+
 /// Before anything changes: an index that is half made would not hear of it.
 void MediaLibraryModel::settleIndex()
 {
@@ -172,6 +184,7 @@ void MediaLibraryModel::settleIndex()
 
 void MediaLibraryModel::indexAll()
 {
+    reserveIndex();
     while (!m_urlsIndexed && m_indexed < m_collections.size())
         indexUrls(*m_collections[m_indexed++]);
     m_urlsIndexed = true;

@@ -59,22 +59,22 @@ std::size_t UrlIndex::digest(std::string_view url)
 void UrlIndex::insert(std::string_view url, const MediaAddress& address)
 {
     if (!url.empty())
-        m_slots.emplace(digest(url), address);
+        m_table->slots.emplace(digest(url), address);
 }
 
 void UrlIndex::remove(std::string_view url, const MediaAddress& address)
 {
-    const auto [begin, end] = m_slots.equal_range(digest(url));
+    const auto [begin, end] = m_table->slots.equal_range(digest(url));
     const auto at = std::find_if(begin, end, [&](const auto& item) { return item.second == address; });
     if (at != end)
-        m_slots.erase(at);
+        m_table->slots.erase(at);
 }
 
 QList<MediaAddress> UrlIndex::candidates(const QUrl& url) const
 {
     const QByteArray encoded = url.toEncoded();
     const auto [begin, end] =
-        m_slots.equal_range(digest({encoded.constData(), static_cast<std::size_t>(encoded.size())}));
+        m_table->slots.equal_range(digest({encoded.constData(), static_cast<std::size_t>(encoded.size())}));
     QList<MediaAddress> found;
     for (auto it = begin; it != end; ++it)
         found.append(it->second);

@@ -5,6 +5,8 @@
 #include <QList>
 #include <QUrl>
 
+#include <memory>
+#include <memory_resource>
 #include <string_view>
 #include <unordered_map>
 
@@ -15,7 +17,9 @@ namespace vantrel {
 class UrlIndex
 {
 public:
-    void clear() { m_slots.clear(); }
+    void clear() { m_table = std::make_unique<Table>(); }
+    /// Room for so many: a table that grows while it is filled holds the window up.
+    void reserve(std::size_t count) { m_table->slots.reserve(count); }
     void insert(std::string_view url, const MediaAddress& address);
     void remove(std::string_view url, const MediaAddress& address);
     /// In address order.
@@ -24,7 +28,14 @@ public:
 private:
     static std::size_t digest(std::string_view url);
 
-    std::unordered_multimap<std::size_t, MediaAddress> m_slots;
+    /// From memory of its own, so that to free a long one aside does not keep the main thread from its
+    /// memory.
+    struct Table
+    {
+        std::pmr::unsynchronized_pool_resource memory;
+        std::pmr::unordered_multimap<std::size_t, MediaAddress> slots{&memory};
+    };
+    std::unique_ptr<Table> m_table = std::make_unique<Table>();
 };
 
 } // namespace vantrel
