@@ -5,6 +5,7 @@
 #include "common/import/mediadrop.h"
 #include "common/import/mediadrop_p.h"
 #include "common/media/address/medialogging.h"
+#include "common/media/library/aside.h"
 
 #include <QtConcurrentRun>
 
@@ -173,7 +174,7 @@ void MediaDropPrivate::handleFinishedDirectoryListing()
         return createResults(request.paths, request.fileSystem, read);
     };
     m_isSorting = true;
-    m_sorting.setFuture(QtConcurrent::run(sort));
+    m_sorting.setFuture(QtConcurrent::run(&aside::pool(), sort));
     if (!m_listed.isEmpty())
         m_reader->reset(); // for the next drop
     m_listed.clear();

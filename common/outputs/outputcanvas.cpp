@@ -1,6 +1,7 @@
 #include "common/outputs/outputcanvas.h"
 
 #include "common/ui/style/colors.h"
+#include "common/ui/style/smoothpicture.h"
 #include "common/ui/style/spacing.h"
 
 #include <QPainter>
@@ -123,11 +124,10 @@ void OutputCanvas::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
     const QRectF screen = screenRect();
-    painter.setRenderHint(QPainter::SmoothPixmapTransform);
     if (m_picture.isNull())
         painter.fillRect(screen, m_background);
     else
-        painter.drawPixmap(screen, m_picture, outputPart(m_picture.size(), outputSize()));
+        drawSmoothly(painter, screen, m_picture, outputPart(m_picture.size(), outputSize()));
     if (!isEnabled() || !m_notice.isEmpty())
         painter.fillRect(screen, getColor(colors::Zt_black_50));
     painter.setRenderHint(QPainter::Antialiasing);

@@ -3,6 +3,7 @@
 #include "common/session/settings/configuration.h"
 #include "common/ui/style/colors.h"
 #include "common/ui/style/fontsizefollower.h"
+#include "common/ui/style/smoothpicture.h"
 #include "common/ui/style/spacing.h"
 
 #include <QEvent>
@@ -109,7 +110,7 @@ bool ScalingTile::event(QEvent* event)
 void ScalingTile::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
-    painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
+    painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
     if (underMouse() && isEnabled()) {
         painter.setBrush(getColor(isDown() ? colors::Zt_white_4 : colors::Zt_white_8));
@@ -124,7 +125,7 @@ void ScalingTile::paintEvent(QPaintEvent*)
     painter.save();
     painter.setClipRect(screen);
     if (!m_picture.isNull() && !inOutput.isEmpty())
-        painter.drawPixmap(picture, m_picture, m_picture.rect());
+        drawSmoothly(painter, picture, m_picture);
     else
         painter.fillRect(picture, getColor(colors::Slate_grey_400));
     painter.restore();

@@ -6,6 +6,7 @@
 #include "common/ui/style/colors.h"
 #include "common/ui/style/fontsizefollower.h"
 #include "common/ui/style/opaque.h"
+#include "common/ui/style/smoothpicture.h"
 #include "common/ui/style/spacing.h"
 
 #include <QDropEvent>
@@ -37,6 +38,16 @@ qreal fittingPointSize(QFont font, int wanted, const QString& text, int width)
     font.setPointSize(wanted);
     const int needed = QFontMetrics(font).horizontalAdvance(text) + 2 * spacing::normal;
     return needed <= width ? wanted : std::max(1.0, double(wanted) * width / needed);
+}
+
+/// What a colour that can be seen through comes to on another.
+QColor onGround(const QColor& colour, const QColor& ground)
+{
+    const auto mixed = [share = colour.alphaF()](float above, float below) {
+        return below + (above - below) * share;
+    };
+    return QColor::fromRgbF(mixed(colour.redF(), ground.redF()), mixed(colour.greenF(), ground.greenF()),
+                            mixed(colour.blueF(), ground.blueF()));
 }
 
 /// Of what is dragged the first is played. Null for what cannot be: a file of the desktop's, or a text.
@@ -158,14 +169,13 @@ void PlaybackPreview::paintEvent(QPaintEvent*)
     const QRect picture = pictureRect().toRect();
     for (const QRect& around : QRegion(rect()) - (hasPicture ? picture : QRect()))
         painter.fillRect(around, colors::getColor(colors::Slate_grey_800));
-    painter.setPen(colors::getColor(colors::Zt_white_15));
+    // Not as something to see through, which Qt's painter would share out among threads, as it does pictures.
+    painter.setPen(onGround(colors::getColor(colors::Zt_white_15), colors::getColor(colors::Slate_grey_800)));
     painter.drawRect(pictureRect().toAlignedRect().adjusted(0, 0, -1, -1));
     if (m_resourceConstrained) {
         paintConstrained(painter);
     } else if (hasPicture) {
-        // On whole pixels there is no edge to soften: the painter is quicker when it need not look for one.
-        painter.setRenderHint(QPainter::SmoothPixmapTransform);
-        painter.drawPixmap(picture, m_pixmap);
+        drawSmoothly(painter, picture, m_pixmap);
     }
     if (!isEnabled()) // the last picture of a server that is gone
         painter.fillRect(pictureRect(), colors::getColor(colors::Zt_black_50));

@@ -1,6 +1,7 @@
 #include "common/views/thumbnaillabel.h"
 
 #include "common/ui/style/fontsizefollower.h"
+#include "common/ui/style/smoothpicture.h"
 
 #include <QPainter>
 
@@ -24,10 +25,9 @@ void ThumbnailLabel::paintEvent(QPaintEvent*)
     painter.fillRect(rect(), Qt::black);
     if (m_pixmap.isNull())
         return;
-    painter.setRenderHint(QPainter::SmoothPixmapTransform);
     QRect target(QPoint(), m_pixmap.size().scaled(size(), Qt::KeepAspectRatio));
     target.moveCenter(rect().center());
-    painter.drawPixmap(target, m_pixmap);
+    drawSmoothly(painter, target, m_pixmap);
 }
 
 } // namespace vantrel

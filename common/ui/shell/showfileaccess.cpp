@@ -1,6 +1,7 @@
 #include "common/ui/shell/showfileaccess.h"
 
 #include "common/filesystem/model/filesize.h"
+#include "common/media/library/aside.h"
 
 #include <QCoreApplication>
 #include <QFile>
@@ -48,12 +49,12 @@ QString write(const QString& fileName, const QByteArrayList& pieces)
 
 QFuture<ShowFileReading> readShowFile(const QString& fileName)
 {
-    return QtConcurrent::run([fileName] { return read(fileName); });
+    return QtConcurrent::run(&aside::files(), [fileName] { return read(fileName); });
 }
 
 QFuture<QString> writeShowFile(const QString& fileName, const QByteArrayList& pieces)
 {
-    return QtConcurrent::run([fileName, pieces] { return write(fileName, pieces); });
+    return QtConcurrent::run(&aside::files(), [fileName, pieces] { return write(fileName, pieces); });
 }
 
 } // namespace vantrel

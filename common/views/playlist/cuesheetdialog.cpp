@@ -1,5 +1,6 @@
 #include "common/views/playlist/cuesheetdialog.h"
 
+#include "common/media/library/aside.h"
 #include "common/media/models/playlist/playlistmodel.h"
 #include "common/ui/toolkit/pushbutton.h"
 
@@ -64,8 +65,8 @@ void CueSheetDialog::print()
         close();
         deleteLater();
     });
-    m_printing.setFuture(
-        QtConcurrent::run([sheet = m_sheet, fileName = m_fileName](QPromise<QString>& promise) {
+    m_printing.setFuture(QtConcurrent::run(
+        &aside::files(), [sheet = m_sheet, fileName = m_fileName](QPromise<QString>& promise) {
             promise.addResult(sheet.savePdf(fileName, [&promise](int page, int pages) {
                 promise.setProgressRange(0, pages);
                 promise.setProgressValue(page);

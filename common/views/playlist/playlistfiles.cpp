@@ -4,6 +4,7 @@
 #include "common/command/refusal.h"
 #include "common/media/edit/playlist/importplaylistcommand.h"
 #include "common/media/items/abstractplaylistprovider.h"
+#include "common/media/library/aside.h"
 #include "common/media/models/playlist/playlistcsv.h"
 #include "common/media/models/playlist/playlisteditormodel.h"
 #include "common/notification/notificationmanagerimpl.h"
@@ -126,8 +127,9 @@ void PlaylistFiles::writeTable(const List& list, const QString& fileName)
                                PlaylistCsv::write(file, *kept, number, &fault) && file.commit();
         return isWritten ? QString() : fault.isEmpty() ? file.errorString() : fault;
     };
-    QtConcurrent::run(write).then(this,
-                                  [this, fileName](const QString& fault) { tellWritten(fault, fileName); });
+    QtConcurrent::run(&aside::files(), write).then(this, [this, fileName](const QString& fault) {
+        tellWritten(fault, fileName);
+    });
 }
 
 void PlaylistFiles::printSheet(const List& list)

@@ -20,8 +20,12 @@
 #include <QDropEvent>
 #include <QJsonObject>
 #include <QMimeData>
+#include <QSemaphore>
 #include <QSignalSpy>
 #include <QTest>
+#include <QThreadPool>
+
+#include <atomic>
 
 using namespace vantrel;
 using vantrel::test::expectWarning;
@@ -144,6 +148,28 @@ private Q_SLOTS:
         preview.setResourceConstrained(true);
         image = preview.grab().toImage();
         QVERIFY(image.pixelColor(2, 160) != QColor(Qt::red));
+    }
+
+    /// Qt's painter shares out long work among the threads of the global pool, and waits for them.
+    void picturesWaitForNoThread()
+    {
+        PlaybackPreview preview;
+        preview.setSource("a", 0);
+        preview.resize(600, 400);
+        QPixmap picture(640, 360);
+        picture.fill(Qt::red);
+        preview.onFrame({"a", {}}, picture);
+        QThreadPool& threads = *QThreadPool::globalInstance();
+        QSemaphore busy;
+        std::atomic<bool> isOver = false;
+        for (int i = 0; i < threads.maxThreadCount(); ++i)
+            threads.start([&] { isOver = !busy.tryAcquire(1, 5000) || isOver; });
+        const QImage image = preview.grab().toImage();
+        const bool waited = isOver;
+        busy.release(threads.maxThreadCount());
+        threads.waitForDone();
+        QVERIFY(!waited);
+        QCOMPARE(image.pixelColor(300, 200), QColor(Qt::red));
     }
 
     /// A picture that has grown old is marked and dimmed; that of other media goes, at once when it is old,

@@ -23,6 +23,9 @@
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QThreadPool>
+
+#include <sys/stat.h>
 
 using namespace vantrel;
 
@@ -141,6 +144,22 @@ private Q_SLOTS:
     {
         test::expectWarning(QStringLiteral("Failed to open import file:"));
         m_shows->importShow(m_folder.filePath(QStringLiteral("nothing.show")), {});
+    }
+
+    /// Of a disk that does not answer the window learns nothing, and goes on: the threads that its painter
+    /// waits for are not those that wait for the disk.
+    void aFileThatHangsHoldsNothingUp()
+    {
+        const QByteArray pipe = m_folder.filePath(QStringLiteral("hangs.show")).toLocal8Bit();
+        QCOMPARE(mkfifo(pipe.constData(), 0600), 0);
+        m_shows->importShow(QString::fromLocal8Bit(pipe), {});
+        const int occupied = QThreadPool::globalInstance()->activeThreadCount();
+        QFile other(QString::fromLocal8Bit(pipe));
+        QVERIFY(other.open(QIODevice::WriteOnly));
+        other.close(); // it ends, and there is no show in it
+        QTRY_VERIFY(m_shows->forceImportDialog() && m_shows->forceImportDialog()->isVisible());
+        m_shows->forceImportDialog()->reject();
+        QCOMPARE(occupied, 0);
     }
 
     void savesUnderANewName()

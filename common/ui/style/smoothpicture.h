@@ -1,0 +1,15 @@
+#pragma once
+
+class QPainter;
+class QPixmap;
+class QRectF;
+
+namespace vantrel {
+
+/// Draws a part of a picture into the target, smoothly and on this thread alone. What Qt's painter scales in
+/// one go it shares out among the threads of the global pool and waits for them: where other work keeps the
+/// processors, the window would stand still for as long as those threads wait for one.
+void drawSmoothly(QPainter& painter, const QRectF& target, const QPixmap& picture, const QRectF& part);
+void drawSmoothly(QPainter& painter, const QRectF& target, const QPixmap& picture);
+
+} // namespace vantrel
