@@ -23,6 +23,10 @@
 #include <string_view>
 #include <unistd.h>
 
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
+
 namespace {
 
 struct Options
@@ -83,6 +87,18 @@ Options parse(const QCoreApplication& application)
     options.screenshot = parser.value(QStringLiteral("screenshot"));
     options.seconds = number(parser, QStringLiteral("seconds"), 0, 24 * 60 * 60);
     return options;
+}
+
+/// Keeps the main thread from paying for the memory of others. What is freed of a large library would else
+/// lie in small pieces until it frees anything large itself, and be put together then, for tens of
+/// milliseconds; this way whoever frees a piece does it. And no thread is to share an arena, whose lock a
+/// thread that gives way may hold for long.
+void arrangeMemory()
+{
+#ifdef __GLIBC__
+    mallopt(M_MXFAST, 0);
+    mallopt(M_ARENA_MAX, 64);
+#endif
 }
 
 /// --help and --version are answered without a display.
@@ -187,6 +203,7 @@ int runGallery(QApplication& application, const Options& options)
 
 int main(int argc, char** argv)
 {
+    arrangeMemory();
     QCoreApplication::setOrganizationName(QStringLiteral("Halcyra"));
     QCoreApplication::setApplicationName(QStringLiteral("halcyra"));
     QCoreApplication::setApplicationVersion(QStringLiteral(HALCYRA_VERSION));
