@@ -195,6 +195,9 @@ bool Evening::start()
     m_ombra.setMediaFolder(folder.filePath("media"));
     if (!m_ombra.start(60000) || served("/medialibrary", "POST", QByteArray::fromStdString(text)) != "{}")
         return false;
+    // Once each slot's file has been looked at the show changes no more by itself.
+    for (QByteArray before; before != served("/medialibrary"); QTest::qWait(2000))
+        before = served("/medialibrary");
     m_pictures = std::make_unique<Pictures>(m_ombra.ports().preview);
     return m_pictures->isOpen() && m_app.start(AppProcess::connectTo(m_ombra.ports())) &&
            m_robot.connectTo(m_app.uiTestPort()) && QTest::qWaitFor([this] { return hasSlots(); }, 20000);
@@ -240,7 +243,7 @@ bool Evening::clears()
         return false;
     QTest::qWait(1500);
     stallMs = m_robot.figures()["longestOwnStallMs"].toDouble();
-    return !hasSlots();
+    return QTest::qWaitFor([this] { return !hasSlots(); }, 20000);
 }
 
 bool Evening::exports(const QString& file)
@@ -274,7 +277,7 @@ bool Evening::imports(const QString& file, bool isOnAir)
         begin();
         m_robot.key("Enter");
     }
-    return end() && hasSlots();
+    return end() && QTest::qWaitFor([this] { return hasSlots(); }, 20000);
 }
 
 void tell(const Evening& evening, const std::string& what, bool isTimed, bool isOnAir)
