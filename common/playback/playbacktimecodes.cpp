@@ -77,16 +77,16 @@ void PlaybackTimecodes::setMiddle(QWidget* widget)
 {
     m_middle = widget;
     widget->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
-    widget->installEventFilter(this);
     placeMiddle();
 }
 
-bool PlaybackTimecodes::eventFilter(QObject* watched, QEvent* event)
+/// A display that wants another width, a middle that comes or goes.
+bool PlaybackTimecodes::event(QEvent* event)
 {
-    if (watched == m_middle &&
-        (event->type() == QEvent::ShowToParent || event->type() == QEvent::HideToParent))
-        QMetaObject::invokeMethod(this, &PlaybackTimecodes::arrange, Qt::QueuedConnection);
-    return ZTFrame::eventFilter(watched, event);
+    const bool handled = ZTFrame::event(event);
+    if (event->type() == QEvent::LayoutRequest)
+        arrange();
+    return handled;
 }
 
 void PlaybackTimecodes::fitMiddle(int left)
@@ -192,7 +192,7 @@ void PlaybackTimecodes::showRemaining()
     const bool isHolding = m_isHolding && m_isRemainingVisible;
     const bool hasRoom =
         !m_largest || !m_isStacked ||
-        m_remainingLabel->sizeHint().width() + m_remaining->sizeHint().width() + spacing::tight <= width();
+        m_remainingLabel->sizeHint().width() + m_remaining->roomyWidth() + spacing::tight <= width();
     m_remainingLabel->setVisible(m_isRemainingVisible && !isHolding && hasRoom);
     m_remaining->setVisible(m_isRemainingVisible && !isHolding);
     if (m_ended)
@@ -201,7 +201,7 @@ void PlaybackTimecodes::showRemaining()
 
 int PlaybackTimecodes::remainingWidth() const
 {
-    return (m_largest ? m_largest : m_remaining)->sizeHint().width();
+    return (m_largest ? m_largest : m_remaining)->roomyWidth();
 }
 
 void PlaybackTimecodes::resizeEvent(QResizeEvent* event)
@@ -212,7 +212,7 @@ void PlaybackTimecodes::resizeEvent(QResizeEvent* event)
 
 void PlaybackTimecodes::arrange()
 {
-    const int used = m_playheadLabel->sizeHint().width() + m_playhead->sizeHint().width() +
+    const int used = m_playheadLabel->sizeHint().width() + m_playhead->roomyWidth() +
                      m_remainingLabel->sizeHint().width() + remainingWidth();
     const bool fitsInARow = width() - used > rowSlack;
     if (fitsInARow && m_isStacked)

@@ -30,6 +30,18 @@ double usableRate(double fps)
     return fps > 0.0 && fps < 65535.0 ? fps : initial;
 }
 
+QString longestText(TimecodeViewMode mode)
+{
+    switch (mode) {
+    case TimecodeViewMode::Time:
+        return QStringLiteral("00:00:00.000");
+    case TimecodeViewMode::Frames:
+        return QStringLiteral("0000000");
+    default:
+        return QStringLiteral("00:00:00:00");
+    }
+}
+
 int textWidth(const QFontMetrics& metrics, const QString& text)
 {
     int width = 0;
@@ -152,6 +164,13 @@ QSize TimecodeDisplay::sizeHint() const
     return {textWidth(metrics, text()) + margins.left() + margins.right(),
             (m_figuresOnly ? metrics.capHeight() * 5 / 4 : metrics.height()) + margins.top() +
                 margins.bottom()};
+}
+
+int TimecodeDisplay::roomyWidth() const
+{
+    const int now = sizeHint().width(); // polished by now
+    const QFontMetrics metrics = fontMetrics();
+    return now + std::max(0, textWidth(metrics, longestText(m_viewMode)) - textWidth(metrics, text()));
 }
 
 QSize TimecodeDisplay::minimumSizeHint() const

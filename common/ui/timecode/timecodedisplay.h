@@ -32,6 +32,9 @@ public:
     void setRunningOn(const QColor& background);
     /// As high as its figures alone, without the room that letters need below the line.
     void setFiguresOnly(bool only);
+    /// Pixels that it takes with any time of a day, however little it says now: who makes room
+    /// by it need not make room anew as the time runs.
+    int roomyWidth() const;
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;

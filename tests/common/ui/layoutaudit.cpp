@@ -11,6 +11,7 @@
 #include "common/ui/shell/mainwindow.h"
 #include "common/ui/style/colors.h"
 #include "common/ui/style/stylesheet.h"
+#include "common/ui/timecode/timecodedisplay.h"
 #include "common/ui/toolkit/ztlabel.h"
 #include "tests/common/playback/playerfixture.h"
 
@@ -405,5 +406,69 @@ private:
     std::unique_ptr<MainWindow> m_window;
 };
 
+/// A window that comes to a server which plays: positions come before the library that says how long.
+class LayoutOfWhatPlays : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void cleanup() { qApp->setStyleSheet({}); }
+
+    void timesHaveTheirRoom_data()
+    {
+        QTest::addColumn<int>("text");
+        const char* const names[] = {"small", "medium", "large", "huge"};
+        for (int text = 0; text < 4; ++text)
+            QTest::newRow(names[text]) << text;
+    }
+    void timesHaveTheirRoom()
+    {
+        QFETCH(int, text);
+        PlayerFixture fixture;
+        fixture.view.reset();
+        allowWarnings(QStringLiteral("Failed to get media library"));
+        bool isRead = false;
+        fixture.peer.http.handler = [&, rest = fixture.peer.http.handler](const auto& request) {
+            const bool isAhead = !isRead && request.target.endsWith("/medialibrary");
+            return isAhead ? ScriptedHttp::Reply{503, {}} : rest(request);
+        };
+        const auto asBefore = qScopeGuard([] { configuration()->resetValue(TEXT_SIZE); });
+        StyleSheet::apply(*qApp);
+        configuration()->setValue(TEXT_SIZE, QVariant::fromValue(static_cast<FontSize>(text)));
+        MainWindow window(fixture.peer.session);
+        window.resize(1272, 684);
+        window.show();
+        QVERIFY(fixture.peer.connect());
+        fixture.peer.send(R"([{"op":"add","path":"/device/channels/0","value":{"type":"Channel"}}])");
+        const auto time = [&window](const char* channel, const char* name) {
+            return window.findChild<TimecodeDisplay*>(QLatin1String(channel) +
+                                                      QStringLiteral("-PlaybackWidget-PlaybackTimecodes-") +
+                                                      QLatin1String(name));
+        };
+        QTRY_VERIFY(time("Program", "Remaining"));
+        for (const char* playback : {"preview", "program"}) {
+            fixture.set(playback, "media", quoted("brume://collections/1/slots/1"));
+            fixture.set(playback, "mediaPosition", "3.2");
+        }
+        const auto rows = [&](const char* channel) {
+            return time(channel, "Remaining")->geometry().center().y() >
+                   time(channel, "Playhead")->geometry().bottom();
+        };
+        QTRY_COMPARE(time("Program", "Remaining")->text(), QStringLiteral("--:--:--"));
+        window.resize(1280, 720); // so that all is laid out by what is known now
+        QTRY_COMPARE(rows("Program"), rows("Preview"));
+        const bool before = rows("Program");
+        isRead = true;
+        QTRY_COMPARE(time("Program", "Remaining")->text(), QStringLiteral("00:00:04.800"));
+        QStringList faults;
+        const bool isSound =
+            QTest::qWaitFor([&] { return (faults = layoutFaults(&window)).isEmpty(); }, 2000);
+        QVERIFY2(isSound, qPrintable(faults.join(u'\n')));
+        for (const char* channel : {"Preview", "Program"})
+            QCOMPARE(rows(channel), before);
+    }
+};
+
 HALCYRA_TEST(LayoutAudit)
+HALCYRA_TEST(LayoutOfWhatPlays)
 #include "layoutaudit.moc"
