@@ -2,6 +2,7 @@
 
 #include "common/ui/keyboard/hotkeys.h"
 
+#include <QAbstractItemView>
 #include <QApplication>
 #include <QKeyEvent>
 #include <QShortcut>
@@ -21,10 +22,14 @@ constexpr std::array guarded{"take",         "play_pause", "mute_program", "set_
 /// What is typed belongs to the field, however quickly.
 bool isTyping(const QKeyEvent& event)
 {
-    const QWidget* focused = QApplication::focusWidget();
+    QObject* focused = QGuiApplication::focusObject(); // a declarative view's item, not its widget
     const QString text = event.text();
-    return focused && focused->testAttribute(Qt::WA_InputMethodEnabled) && !text.isEmpty() &&
-           text.at(0).isPrint();
+    // A view of editable names asks for text as well, which goes to the editor that it opens.
+    if (!focused || text.isEmpty() || !text.at(0).isPrint() || qobject_cast<QAbstractItemView*>(focused))
+        return false;
+    QInputMethodQueryEvent query(Qt::ImEnabled);
+    QCoreApplication::sendEvent(focused, &query);
+    return query.value(Qt::ImEnabled).toBool();
 }
 
 } // namespace

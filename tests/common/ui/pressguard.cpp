@@ -6,8 +6,14 @@
 #include <QDialog>
 #include <QKeyEvent>
 #include <QLineEdit>
+#include <QListView>
+#include <QQmlComponent>
+#include <QQmlEngine>
+#include <QQuickItem>
+#include <QQuickWidget>
 #include <QShortcut>
 #include <QSignalSpy>
+#include <QStandardItemModel>
 #include <QTest>
 
 namespace vantrel::test {
@@ -30,6 +36,22 @@ constexpr auto up = QEvent::KeyRelease;
 class TestPressGuard : public QObject
 {
     Q_OBJECT
+
+    /// Presses M so often within 60 ms; returns how many presses come through to the widget.
+    static int bounce(QWidget* widget, int times)
+    {
+        int passed = 0;
+        for (int i = 0; i < times; ++i) {
+            for (const QEvent::Type type : {QEvent::ShortcutOverride, QEvent::KeyPress, QEvent::KeyRelease}) {
+                QKeyEvent event(type, Qt::Key_M, Qt::NoModifier, QStringLiteral("m"));
+                event.setTimestamp(1000 + 20 * i);
+                event.ignore();
+                QCoreApplication::sendEvent(widget, &event);
+                passed += type == down && !event.isAccepted() ? 1 : 0;
+            }
+        }
+        return passed;
+    }
 
 private Q_SLOTS:
     void oneActionForOnePress_data()
@@ -78,20 +100,46 @@ private Q_SLOTS:
     {
         QWidget window;
         QLineEdit field(&window);
+        QQuickWidget declared(&window);
+        QQmlComponent component(declared.engine());
+        component.setData("import QtQuick\nTextInput { focus: true }", {});
+        declared.setContent({}, &component, component.create());
         Hotkeys hotkeys(&window);
         new PressGuard(&hotkeys, &window);
         window.show();
         window.activateWindow();
-        field.setFocus();
-        QTRY_VERIFY(field.hasFocus());
-        for (const quint64 at : {1000, 1020, 1040}) {
-            for (const QEvent::Type type : {QEvent::KeyPress, QEvent::KeyRelease}) {
-                QKeyEvent event(type, Qt::Key_M, Qt::NoModifier, QStringLiteral("m"));
-                event.setTimestamp(at);
-                QCoreApplication::sendEvent(&field, &event);
-            }
+        for (QWidget* each : std::initializer_list<QWidget*>{&field, &declared}) {
+            each->setFocus();
+            QTRY_VERIFY(each->hasFocus());
+            bounce(each, 3);
         }
         QCOMPARE(field.text(), QStringLiteral("mmm"));
+        QCOMPARE(declared.rootObject()->property("text").toString(), QStringLiteral("mmm"));
+    }
+
+    /// A list of names has the focus for most of a show; only their editor is typed into.
+    void aListOfNamesIsNoField()
+    {
+        QWidget window;
+        QStandardItemModel model;
+        model.appendRow(new QStandardItem(QStringLiteral("Walk-in")));
+        QListView view(&window);
+        view.setModel(&model);
+        view.setCurrentIndex(model.index(0, 0));
+        Hotkeys hotkeys(&window);
+        new PressGuard(&hotkeys, &window);
+        window.show();
+        window.activateWindow();
+        view.setFocus();
+        QTRY_VERIFY(view.hasFocus());
+        QVERIFY(view.testAttribute(Qt::WA_InputMethodEnabled));
+        QCOMPARE(bounce(&view, 3), 1);
+
+        view.edit(model.index(0, 0));
+        auto* editor = view.viewport()->findChild<QLineEdit*>();
+        QTRY_VERIFY(editor && editor->hasFocus());
+        bounce(editor, 3);
+        QCOMPARE(editor->text(), QStringLiteral("mmm"));
     }
 
     void theTakeGoesThroughDialogs()
