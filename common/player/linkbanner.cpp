@@ -7,8 +7,9 @@
 namespace vantrel {
 
 namespace {
-constexpr int padding = 2; // pixels above and below the text
-}
+constexpr int padding = 1;        // pixels above and below the text
+constexpr int leastTextSize = 12; // in pixels, at which its longest sentence fits into the narrowest window
+} // namespace
 
 LinkBanner::LinkBanner(const Session* session, QWidget* parent)
     : ElidedLabel(parent)
@@ -16,6 +17,7 @@ LinkBanner::LinkBanner(const Session* session, QWidget* parent)
 {
     setObjectName(QStringLiteral("MainNavigationBar-link-banner"));
     setElided(true);
+    setLeastTextSize(leastTextSize);
     setAlignment(Qt::AlignCenter);
     setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
     connect(m_health, &LinkHealth::changed, this, &LinkBanner::showHealth);

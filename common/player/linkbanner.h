@@ -7,9 +7,10 @@ namespace vantrel {
 class LinkHealth;
 class Session;
 
-/// One line above both channels that says how old they are when they are not what the server says now: amber
+/// A line across both channels that says how old they are when they are not what the server says now: amber
 /// while it does not answer, red once the link is lost. Its room is always kept, so that nothing moves under
-/// the hand when it appears. Stands in the window's header, so that it is seen from every page; main thread.
+/// the hand when it appears, and its sentence is read whole at any width. Stands below the window's header,
+/// so that it is seen from every page; main thread.
 class LinkBanner : public ElidedLabel
 {
     Q_OBJECT

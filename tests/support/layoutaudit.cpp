@@ -81,6 +81,9 @@ void findCut(const QWidget* widget, QStringList& faults)
     const bool hasText = (label && !label->text().isEmpty() && !label->wordWrap()) ||
                          qobject_cast<const QAbstractButton*>(widget) ||
                          qobject_cast<const QLineEdit*>(widget) || qobject_cast<const QComboBox*>(widget);
+    // What is said of the link is read whole, or it is not said.
+    if (widget->inherits("vantrel::LinkBanner") && widget->property("shownText") != widget->property("text"))
+        faults.append(QStringLiteral("elided: %1").arg(nameOf(widget)));
     if (label && label->wordWrap() && label->height() < label->heightForWidth(label->width()))
         faults.append(QStringLiteral("squeezed: %1 lacks a line").arg(nameOf(label)));
     const QSize needed = widget->minimumSizeHint();

@@ -9,6 +9,7 @@
 
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QVBoxLayout>
 
 namespace vantrel {
 
@@ -17,6 +18,19 @@ namespace {
 int navButtonExtent(FontSize size)
 {
     static constexpr int extents[] = {27, 36, 48, 72};
+    return extents[static_cast<int>(size)];
+}
+
+/// With the banner below it, all together as high as the buttons at the largest text.
+int tabHeight(FontSize size)
+{
+    static constexpr int heights[] = {22, 28, 36, 48};
+    return heights[static_cast<int>(size)];
+}
+
+int tabIconExtent(FontSize size)
+{
+    static constexpr int extents[] = {15, 18, 24, 32};
     return extents[static_cast<int>(size)];
 }
 
@@ -40,6 +54,7 @@ MainNavigationBar::MainNavigationBar(Hotkeys* hotkeys, QWidget* parent)
     : QWidget(parent)
     , m_hotkeys(hotkeys)
     , m_layout(new QHBoxLayout(this))
+    , m_rows(new QVBoxLayout)
     , m_tabs(new QHBoxLayout)
 {
     setObjectName(QStringLiteral("Main"));
@@ -52,20 +67,20 @@ MainNavigationBar::MainNavigationBar(Hotkeys* hotkeys, QWidget* parent)
         logo->setPixmap(IconCache::original(QStringLiteral(":/icons/zt_logo.svg"), QSize(extent, extent),
                                             logo->devicePixelRatioF()));
     });
-    m_layout->setContentsMargins(2, 2, 2, 2);
+    m_layout->setContentsMargins(2, 2, 0, 2); // the banner ends with the panels below
     m_layout->setSpacing(8);
     m_tabs->setSpacing(4);
+    m_tabs->addStretch(1);
     m_layout->addWidget(logo);
     m_layout->addSpacing(16);
-    m_layout->addLayout(m_tabs);
-    m_layout->addStretch(1);
+    m_rows->setSpacing(0);
+    m_rows->addLayout(m_tabs);
+    m_layout->addLayout(m_rows, 1);
 }
 
 void MainNavigationBar::setBanner(QWidget* banner)
 {
-    const int stretch = m_layout->indexOf(m_tabs) + 1; // whose room it takes
-    delete m_layout->takeAt(stretch);
-    m_layout->insertWidget(stretch, banner, 1, Qt::AlignVCenter);
+    m_rows->addWidget(banner);
 }
 
 void MainNavigationBar::addMainMenu(QWidget* button)
@@ -77,12 +92,12 @@ void MainNavigationBar::addTab(int index, PushButton* button)
 {
     delete m_buttons.take(index);
     m_buttons.insert(index, button);
-    m_tabs->addWidget(button);
+    m_tabs->insertWidget(m_tabs->count() - 1, button);
     const QString name = QStringLiteral("tab_%1").arg(index + 1);
     setHotkeyTip(button, button->text().trimmed(), {name});
     followFontSize(button, [button](FontSize size) {
-        button->setFixedHeight(navButtonExtent(size));
-        button->setIconSize(QSize(navIconExtent(size), navIconExtent(size)));
+        button->setFixedHeight(tabHeight(size));
+        button->setIconSize(QSize(tabIconExtent(size), tabIconExtent(size)));
     });
     connect(button, &PushButton::clicked, this, [this, index] { setActiveTab(index); });
     m_hotkeys->addShortcut(

@@ -4,6 +4,7 @@
 #include <QWidget>
 
 class QHBoxLayout;
+class QVBoxLayout;
 
 namespace vantrel {
 
@@ -14,7 +15,8 @@ class PushButton;
 void sizeNavButton(PushButton* button);
 
 /// The bar at the top of the window: the menu's button, the logo, the tabs, further buttons at the right.
-/// Ctrl+1 to Ctrl+9 choose a tab. Owned by the main window.
+/// A banner has its room below the tabs, beside the higher buttons. Ctrl+1 to Ctrl+9 choose a tab. Owned by
+/// the main window.
 class MainNavigationBar : public QWidget
 {
     Q_OBJECT
@@ -24,7 +26,7 @@ public:
     explicit MainNavigationBar(Hotkeys* hotkeys, QWidget* parent = nullptr);
 
     void addMainMenu(QWidget* button);
-    /// What takes the room beside the tabs; once.
+    /// A line below the tabs; once.
     void setBanner(QWidget* banner);
     void addTab(int index, PushButton* button);
     void addButton(QWidget* button);
@@ -44,6 +46,7 @@ Q_SIGNALS:
 private:
     Hotkeys* m_hotkeys;
     QHBoxLayout* m_layout;
+    QVBoxLayout* m_rows;
     QHBoxLayout* m_tabs;
     QMap<int, PushButton*> m_buttons;
     int m_active = -1;

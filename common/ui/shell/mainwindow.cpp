@@ -150,7 +150,7 @@ void MainWindow::layOut()
     m_layout->setContentsMargins(spacing::tight, 0, spacing::tight, 0);
     m_layout->setSpacing(0);
     m_layout->addWidget(m_navigationBar);
-    m_layout->addSpacing(spacing::normal);
+    m_layout->addSpacing(spacing::tight);
     m_layout->addWidget(m_tabs, 1);
     m_layout->addSpacing(spacing::normal);
     m_layout->addWidget(m_statusBar);

@@ -35,7 +35,7 @@ constexpr Length lengths[] = {
     {"display", {20, 24, 30, 38}}, {"clock", {30, 34, 44, 56}}, {"pad", {4, 4, 6, 8}},
     {"cellpad", {7, 7, 9, 11}},    {"pady", {4, 6, 8, 10}},     {"pad2", {8, 8, 12, 16}},
     {"control", {16, 20, 26, 34}}, {"check", {14, 16, 20, 26}}, {"checkradius", {7, 8, 10, 13}},
-    {"bar", {8, 10, 12, 14}},      {"barradius", {2, 3, 4, 5}},
+    {"bar", {8, 10, 12, 14}},      {"barradius", {2, 3, 4, 5}}, {"banner", {12, 13, 15, 17}},
 };
 
 QHash<QString, QString> tokens(FontSize size)

@@ -35,9 +35,24 @@ void ElidedLabel::setElideMode(Qt::TextElideMode mode)
     update();
 }
 
+void ElidedLabel::setLeastTextSize(int pixels)
+{
+    m_leastTextSize = pixels;
+    update();
+}
+
+QFont ElidedLabel::shownFont() const
+{
+    QFont shown = font();
+    while (m_leastTextSize > 0 && shown.pixelSize() > m_leastTextSize &&
+           QFontMetrics(shown).horizontalAdvance(text()) > contentsRect().width())
+        shown.setPixelSize(shown.pixelSize() - 1);
+    return shown;
+}
+
 QString ElidedLabel::shownText() const
 {
-    return m_elided ? fontMetrics().elidedText(text(), m_mode, contentsRect().width()) : text();
+    return m_elided ? QFontMetrics(shownFont()).elidedText(text(), m_mode, contentsRect().width()) : text();
 }
 
 QSize ElidedLabel::minimumSizeHint() const
@@ -67,6 +82,7 @@ void ElidedLabel::paintEvent(QPaintEvent* event)
     QStyleOption option;
     option.initFrom(this);
     style()->drawPrimitive(QStyle::PE_Widget, &option, &painter, this);
+    painter.setFont(shownFont());
     style()->drawItemText(&painter, contentsRect(), static_cast<int>(alignment()) | Qt::TextSingleLine,
                           palette(), isEnabled(), shownText(), foregroundRole());
 }

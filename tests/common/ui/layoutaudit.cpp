@@ -6,7 +6,9 @@
 #include "common/playback/playbackpreview.h"
 #include "common/playback/playbackwidget.h"
 #include "common/playback/takecontrols.h"
+#include "common/player/linkbanner.h"
 #include "common/qml/qmlmanager.h"
+#include "common/session/link/linkhealth.h"
 #include "common/ui/shell/mainnavigationbar.h"
 #include "common/ui/shell/mainwindow.h"
 #include "common/ui/style/colors.h"
@@ -17,6 +19,8 @@
 
 #include <QApplication>
 #include <QBuffer>
+#include <QDateTime>
+#include <QElapsedTimer>
 #include <QLineEdit>
 #include <QListView>
 #include <QPushButton>
@@ -340,6 +344,54 @@ private Q_SLOTS:
         second.setGeometry(100, 0, 90, 40);
         first.move(0, 60);
         QCOMPARE(tabOrderFaults(&window).size(), 1);
+    }
+
+    /// The longest, in windows as narrow as there are; and nothing gives way to it.
+    void whatIsSaidOfTheLinkIsWhole_data()
+    {
+        QTest::addColumn<int>("text");
+        QTest::addColumn<QSize>("size");
+        const char* const names[] = {"small", "medium", "large", "huge"};
+        for (int text = 0; text < 4; ++text)
+            for (const QSize size : {QSize(960, 540), QSize(1280, 720)})
+                QTest::addRow("%s %d", names[text], size.width()) << text << size;
+    }
+    void whatIsSaidOfTheLinkIsWhole()
+    {
+        QFETCH(int, text);
+        QFETCH(QSize, size);
+        show(text, size, 1);
+        if (QTest::currentTestFailed())
+            return;
+        auto* banner = m_window->findChild<LinkBanner*>();
+        // Over both channels, of which the narrowest windows scroll.
+        const auto* area = m_window->findChild<QScrollArea*>(QStringLiteral("PlayerTab-scroll-area"));
+        const auto placeOf = [this](const QWidget* part) {
+            return QRect(part->mapTo(m_window.get(), QPoint()), part->size());
+        };
+        QTRY_VERIFY(placeOf(banner).left() <= placeOf(channel()->previewWidget()).left() &&
+                    placeOf(banner).right() >=
+                        std::min(placeOf(channel()->programWidget()).right(), placeOf(area).right()));
+        QRect before;
+        const auto isLaidOut = [&] {
+            const QRect now = placeOf(area);
+            return std::exchange(before, now) == now;
+        };
+        QTRY_VERIFY(isLaidOut());
+        LinkHealth* health = m_fixture->peer.session->linkHealth();
+        QElapsedTimer clock;
+        clock.start();
+        health->setClock([&clock] { return clock.elapsed() + 3600000; });
+        const auto asBefore = qScopeGuard([health] {
+            health->setLibraryCurrent(true);
+            health->setClock([] { return QDateTime::currentMSecsSinceEpoch(); });
+        });
+        health->setLibraryCurrent(false);
+        health->setClock([&clock] { return clock.elapsed() + 7200000; });
+        QTRY_VERIFY(banner->text().contains(QStringLiteral("edits are refused")));
+        const QStringList cut = layoutFaults(m_window.get()).filter(QStringLiteral("elided"));
+        QVERIFY2(cut.isEmpty(), qPrintable(cut.join(u'\n')));
+        QCOMPARE(placeOf(area), before);
     }
 
 private:
