@@ -113,7 +113,7 @@ log_folder() {
     place=$place/halcyra-$(id -u)
     mkdir -p -m 700 "$place" 2>/dev/null || true
     [ -O "$place" ] && [ ! -L "$place" ] || continue # everybody may write there
-    say "the show is on this machine's only disk: logs are kept in memory, in $place, until it restarts"
+    say "the show is on the disk of $own: logs are kept in memory, in $place, until this machine restarts"
     printf '%s\n' "$place"
     return
   done

@@ -34,7 +34,7 @@ expect() {
 }
 own=halcyra-$(id -u)
 expect state/halcyra "" "state session shm"
-expect "session/$own" "in memory, in $work/session/$own, until it restarts" "session shm"
+expect "session/$own" "in memory, in $work/session/$own, until" "session shm"
 expect "shm/$own" "in memory" "shm"
 expect state/halcyra "no other place" ""
 rm -r "$work/shm/$own" && ln -s "$work/show" "$work/shm/$own" # by somebody else
