@@ -99,7 +99,8 @@ void ShowRounds::everyImportIsWholeOrNotAtAll()
         for (const qint64 moment = random.bounded(longest); timer.nsecsElapsed() < moment;)
             socket.waitForReadyRead(1);
         m_ombra.kill();
-        QVERIFY2(m_ombra.restart(), m_ombra.lastWords().constData());
+        const bool isBack = m_ombra.restart();
+        QVERIFY2(isBack, m_ombra.lastWords().constData());
         const QByteArray found = ask("GET", "/show/current");
         QVERIFY2(found == shows[0] || found == shows[1],
                  qPrintable(QStringLiteral("neither show in round %1").arg(round)));

@@ -93,7 +93,7 @@ private Q_SLOTS:
             const Object* last = client.scene.findObject("/device/surfaces/" + std::to_string(surfaces - 1));
             return last && Scene::toJson(client.scene.root()) == Scene::toJson(m_scene->root());
         };
-        QVERIFY(waitFor(isWhole, {&client}));
+        QVERIFY(waitFor(isWhole, {&client}, 30000 * vantrel::test::slowness));
         QVERIFY(client.fits);
         QVERIFY(client.frames >= 3);
         QVERIFY(client.largest <= LinkServer::operationsPerFrame);
