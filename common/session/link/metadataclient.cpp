@@ -11,7 +11,9 @@
 namespace vantrel {
 
 namespace {
-constexpr int keepaliveInterval = 60000;    // milliseconds
+constexpr int keepaliveInterval = 60000; // milliseconds
+constexpr int turnMs = 4;
+constexpr int mostFetched = 100;            // files that came, a second
 constexpr quint64 maxMessage = 1024 * 1024; // bytes; a longer one ends the channel
 
 enum class Kind { Other, Added, Changed, Removed };
@@ -23,6 +25,11 @@ Kind kindOf(const std::string& typeName)
     if (typeName == "metadata-changed")
         return Kind::Changed;
     return typeName == "metadata-removed" ? Kind::Removed : Kind::Other;
+}
+
+MediaDataAggregator* theAggregator()
+{
+    return Session::instance() ? Session::instance()->mediaDataAggregator() : nullptr;
 }
 } // namespace
 
@@ -37,6 +44,7 @@ MetadataClient::MetadataClient(const QString& host, quint16 port, QObject* paren
     connect(&m_webSocket, &QWebSocket::disconnected, this, &MetadataClient::closed);
     connect(&m_webSocket, QOverload<QAbstractSocket::SocketError>::of(&QWebSocket::error), this,
             &MetadataClient::onError);
+    connect(&m_turn, &Turn::come, this, &MetadataClient::handleSome);
     connect(&m_keepaliveTimer, &QTimer::timeout, this, &MetadataClient::onKeepaliveTimer);
     QUrl url;
     url.setScheme(QStringLiteral("ws"));
@@ -77,12 +85,40 @@ void MetadataClient::onKeepaliveTimer()
 
 void MetadataClient::onTextMessageReceived(const QString& message)
 {
-    try {
-        handleMessage(message);
-    } catch (const std::exception& failure) {
-        qCWarning(lcSession).noquote()
-            << QStringLiteral("Failed to handle event: ") + QString::fromUtf8(failure.what());
+    m_waiting.enqueue(message);
+    m_turn.ask();
+    if (m_waiting.size() <= mostWaiting)
+        return;
+    qCInfo(lcSession) << "Events channel: too many changes to follow each";
+    m_waiting.clear();
+    if (MediaDataAggregator* aggregator = theAggregator())
+        aggregator->invalidateAllData();
+}
+
+void MetadataClient::handleSome()
+{
+    QElapsedTimer clock;
+    clock.start();
+    while (!m_waiting.isEmpty() && clock.elapsed() < turnMs) {
+        try {
+            handleMessage(m_waiting.dequeue());
+        } catch (const std::exception& failure) {
+            qCWarning(lcSession).noquote()
+                << QStringLiteral("Failed to handle event: ") + QString::fromUtf8(failure.what());
+        }
     }
+    if (!m_waiting.isEmpty())
+        m_turn.ask();
+}
+
+/// Whether what is known of a file that has come is fetched before somebody looks at it. Of many it is not.
+bool MetadataClient::isFetched()
+{
+    if (!m_second.isValid() || m_second.hasExpired(1000)) {
+        m_second.start();
+        m_fetched = 0;
+    }
+    return ++m_fetched <= mostFetched;
 }
 
 void MetadataClient::handleMessage(const QString& message)
@@ -107,11 +143,10 @@ void MetadataClient::handleMessage(const QString& message)
     }
     qCDebug(lcSession) << "Handling metadata event";
     const QUrl url(QString::fromStdString(metadata->getMediaUrl()));
-    MediaDataAggregator* aggregator =
-        Session::instance() ? Session::instance()->mediaDataAggregator() : nullptr;
+    MediaDataAggregator* aggregator = theAggregator();
     if (!aggregator)
         return;
-    if (kind == Kind::Added)
+    if (kind == Kind::Added && isFetched())
         aggregator->refreshData(url);
     else
         aggregator->invalidateData(url, kind == Kind::Removed);

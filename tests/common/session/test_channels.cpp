@@ -10,6 +10,7 @@
 #include <QJsonObject>
 #include <QSignalSpy>
 #include <QTest>
+#include <QThread>
 #include <QWebSocket>
 #include <QWebSocketServer>
 
@@ -167,6 +168,40 @@ private Q_SLOTS:
         socket->sendTextMessage(QString(50000, u'[') + QString(50000, u']'));
         socket->sendTextMessage(QString(4 * 1024 * 1024, u'x'));
         QTRY_VERIFY(!client.isKeepaliveRunning());
+    }
+
+    /// A folder of any size that comes or changes at once neither holds the window nor is fetched whole.
+    void followsNoFlood()
+    {
+        ScriptedPeer peer;
+        QVERIFY(peer.connect());
+        QWebSocketServer server(QStringLiteral("events"), QWebSocketServer::NonSecureMode);
+        QVERIFY(server.listen(QHostAddress::LocalHost));
+        MetadataClient client(QStringLiteral("127.0.0.1"), server.serverPort());
+        QVERIFY(QTest::qWaitFor([&] { return server.hasPendingConnections(); }));
+        const std::unique_ptr<QWebSocket> socket(server.nextPendingConnection());
+        QTRY_VERIFY(client.isKeepaliveRunning());
+        QSignalSpy each(peer.session->mediaDataAggregator(), &MediaDataAggregator::metadataInvalidated);
+        constexpr int count = 1000;
+        for (int i = 0; i < count; ++i)
+            socket->sendTextMessage(
+                QStringLiteral(R"({"type":"metadata-added","mediaUrl":"file:\/\/\/many\/%1.png"})").arg(i));
+        QTRY_VERIFY(each.count() >= count / 2);
+        QTRY_VERIFY(peer.http.count("GET", "/metadata/") > 0);
+        QVERIFY(peer.http.count("GET", "/metadata/") < count / 2);
+
+        // Whoever shows them takes a while with each.
+        connect(peer.session->mediaDataAggregator(), &MediaDataAggregator::metadataInvalidated, &client,
+                [] { QThread::usleep(100); });
+        const qsizetype before = each.count();
+        for (int i = 0; i < 3 * MetadataClient::mostWaiting; ++i)
+            socket->sendTextMessage(
+                QStringLiteral(R"({"type":"metadata-changed","mediaUrl":"file:\/\/\/many\/%1.png"})").arg(i));
+        socket->sendTextMessage(
+            QStringLiteral(R"({"type":"metadata-removed","mediaUrl":"file:\/\/\/last.png"})"));
+        QTRY_VERIFY(!each.isEmpty() && each.last()[0].toUrl() == QUrl(QStringLiteral("file:///last.png")));
+        QVERIFY(each.count() - before < 3 * MetadataClient::mostWaiting);
+        QVERIFY(peer.http.count("GET", "/metadata/") < count / 2);
     }
 
     void showsPictures()
