@@ -1,4 +1,5 @@
 import QtQuick
+import Tessen.Models 1.0
 import ZTCommon 1.0
 
 // One operation: what it is, how far it is, and the buttons that end it or try again.
@@ -20,15 +21,18 @@ Item {
     required property int waitsFor
     required property string outcomeText
 
-    readonly property bool isOpen: stage < 4
-    readonly property bool isFailed: stage === 5
-    readonly property bool isBusy: stage === 1 || stage === 3
+    readonly property bool isOpen: !isDone && !isFailed
+    readonly property bool isDone: stage === OperationsModel.Done
+    readonly property bool isFailed: stage === OperationsModel.Failed
+    readonly property bool isBusy: stage === OperationsModel.Running || stage === OperationsModel.Stopping
     readonly property bool isCurrent: ListView.isCurrentItem && ListView.view.activeFocus
     readonly property string text: name + ": " + stageText
-    readonly property string waitText: ["", qsTr("Waiting for the server"), qsTr("Waiting for the disk")][waitsFor]
-    readonly property string stageText: [waitText.length > 0 ? waitText : qsTr("Waiting"), qsTr("Running"), qsTr("Asks"), qsTr("Stopping"),
-                                         outcomeText,
-                                         qsTr("Failed")][stage]
+    readonly property string waitText: waitsFor === OperationsModel.Server ? qsTr("Waiting for the server")
+                                     : waitsFor === OperationsModel.Disk ? qsTr("Waiting for the disk") : ""
+    readonly property string stageText: ({ [OperationsModel.Waiting]: waitText !== "" ? waitText : qsTr("Waiting"),
+                                           [OperationsModel.Running]: qsTr("Running"),
+                                           [OperationsModel.Asking]: qsTr("Asks"), [OperationsModel.Stopping]: qsTr("Stopping"),
+                                           [OperationsModel.Done]: outcomeText, [OperationsModel.Failed]: qsTr("Failed") })[stage]
     readonly property bool isUpload: session.localFilesModel !== null
                                      && sourceFileSystem === session.localFilesModel.fileSystem.fileSystemName
 
@@ -58,9 +62,9 @@ Item {
         id: icon
 
         anchors { left: parent.left; leftMargin: Theme.loose; verticalCenter: parent.verticalCenter }
-        name: row.isFailed ? "error_small" : row.stage === 4 ? "check" : !row.isTransfer ? (row.operationType === qsTr("Remove") ? "trash" : "folder")
+        name: row.isFailed ? "error_small" : row.isDone ? "check" : !row.isTransfer ? (row.operationType === qsTr("Remove") ? "trash" : "folder")
             : row.isUpload ? "upload" : "download"
-        color: row.isFailed ? Theme.bad : row.stage === 4 ? Theme.good : row.isBusy ? Theme.strong : Theme.faint
+        color: row.isFailed ? Theme.bad : row.isDone ? Theme.good : row.isBusy ? Theme.strong : Theme.faint
     }
     ZTLabel {
         id: what
@@ -84,7 +88,7 @@ Item {
     ZTLabel {
         anchors { left: bar.visible ? bar.right : what.right; right: buttons.left; verticalCenter: parent.verticalCenter }
         anchors { leftMargin: Theme.loose; rightMargin: Theme.normal }
-        color: row.isFailed ? Theme.bad : row.stage === 2 ? Theme.notice : Theme.dim
+        color: row.isFailed ? Theme.bad : row.stage === OperationsModel.Asking ? Theme.notice : Theme.dim
         text: row.isFailed ? row.errorText
             : row.isBusy ? [qsTr("%1 %").arg(Math.round(row.progress * 100)), row.waitText,
                             row.width < Theme.scaled(900) ? "" : row.sizeText, row.waitsFor ? "" : row.transferSpeed,
@@ -118,7 +122,7 @@ Item {
             kind: "flat"
             iconName: "close"
             tip: row.isOpen ? qsTr("Stop") : qsTr("Take out of the list")
-            enabled: row.stage !== 3
+            enabled: row.stage !== OperationsModel.Stopping
             onClicked: row.end()
         }
     }

@@ -3,7 +3,7 @@ import ZTCommon 1.0
 
 // The drawing of a kind of media, where there is no picture of it.
 ZTIcon {
-    property int kind: 0
+    property int kind: Media.UnknownFile
 
     name: kind === Media.VideoFile ? "video" : kind === Media.AudioFile ? "audio" : kind === Media.ImageFile ? "image"
         : kind === Media.ImageSequence ? "image_sequence" : "media"
