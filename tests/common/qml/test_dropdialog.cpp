@@ -302,18 +302,24 @@ private Q_SLOTS:
     {
         for (int text = 0; text < 4; ++text) {
             m_settings->setValue(TEXT_SIZE, QVariant::fromValue(static_cast<FontSize>(text)));
+            AskedFiles files;
             Opened opened({sequence(QStringLiteral("opening_sky_v003"), 1, 12),
                            sequence(QStringLiteral("b"), 5, 9), still(QStringLiteral("/logo.png")),
                            still(QStringLiteral("/sponsor plate.png"))});
             QVERIFY(opened.isThere);
+            files.told[QStringLiteral("/Opening.mp4")] = true;
+            for (const char* name : {"/Opening.mp4", "/Closing.mp4"})
+                opened.drop.requestAsynchronously({QString::fromLatin1(name), FileSystem::File}, &files);
+            QTRY_COMPARE(opened.row(QStringLiteral("medias"), 0),
+                         QStringLiteral("Opening.mp4, 00:00:02.000"));
             const QByteArray folder = qgetenv("HALCYRA_PICTURES");
             if (!folder.isEmpty())
                 opened.dialog->grab().save(
                     QStringLiteral("%1/drop-%2.png").arg(QString::fromLocal8Bit(folder)).arg(text));
             QRectF before;
-            for (const char* name :
-                 {"rate-field", "first-field", "last-field", "stills-checkbox", "sequences-leave-out-button",
-                  "duration-field", "infinite-checkbox", "stills-leave-out-button"}) {
+            for (const char* name : {"medias-leave-out-button", "rate-field", "first-field", "last-field",
+                                     "stills-checkbox", "sequences-leave-out-button", "duration-field",
+                                     "infinite-checkbox", "stills-leave-out-button"}) {
                 QQuickItem* part = opened.item(QStringLiteral("DropDialog-%1").arg(QLatin1String(name)));
                 const QRectF box = part->mapRectToScene(part->boundingRect());
                 QVERIFY2(opened.view->rect().contains(box.toAlignedRect()), name);

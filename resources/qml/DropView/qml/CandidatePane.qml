@@ -16,7 +16,7 @@ FocusScope {
     // Of the selected rows; changes with what stands in them.
     readonly property var rows: (edits, selection.revision, selection.rows())
     property int edits: 0
-    property bool isEdited: true // what stands in the rows can be changed
+    property bool isEdited: true // what stands in the rows can be changed: in all of them, until some are chosen
 
     implicitHeight: heading.height + Theme.tight + Math.min(6, Math.max(3, count)) * Theme.rowHeight + 2 + Theme.normal
                     + fields.height
@@ -51,7 +51,7 @@ FocusScope {
         return true
     }
 
-    Component.onCompleted: selection.selectAll()
+    Component.onCompleted: if (isEdited) selection.selectAll()
 
     ZTSelectionModel { id: selection }
     Connections {
@@ -72,7 +72,7 @@ FocusScope {
 
         anchors { left: parent.left; right: parent.right }
         height: implicitHeight
-        text: pane.selection.selectedCount === pane.count ? qsTr("%1 (%2)").arg(pane.name).arg(pane.count)
+        text: pane.selection.selectedCount === (pane.isEdited ? pane.count : 0) ? qsTr("%1 (%2)").arg(pane.name).arg(pane.count)
             : qsTr("%1 (%2 of %3 selected)").arg(pane.name).arg(pane.selection.selectedCount).arg(pane.count)
         color: Theme.dim
         font.weight: Font.DemiBold
