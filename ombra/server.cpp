@@ -164,7 +164,7 @@ bool Server::openShow(std::string* error)
     m_currentShow = std::make_unique<CurrentShow>(m_io, *m_scene, *m_store, *m_settings);
     m_showFiles =
         std::make_unique<ShowFiles>(m_io, ShowFiles::Parts{*m_store, *m_settings, *m_outputs, *m_currentShow},
-                                    m_options.state, m_options.media);
+                                    m_options.state, m_options.media, m_options.copyEach);
     m_autoSave = std::make_unique<AutoSave>(m_io, *m_showFiles, *m_currentShow, *m_store);
     m_showFiles->setTroubleListener(
         [this](const std::string& sentence) { m_notices->set("show file", sentence); });

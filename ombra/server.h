@@ -58,6 +58,7 @@ struct ServerOptions
     double soundOffset = 0;             // seconds after the pictures
     bool simulateOutputs = false;       // displays are plugged in and out by a route for tests
     std::vector<std::string> hostNames; // that clients may call it by, beside the machine's own
+    std::chrono::milliseconds copyEach = std::chrono::hours(1); // of the show, while somebody works on it
 };
 
 /// The whole server: the show, the scene, the players and every interface. Lives on the io_context's thread.

@@ -51,11 +51,12 @@ Json entryJson(const ShowFolder::Entry& entry)
 } // namespace
 
 ShowFiles::ShowFiles(boost::asio::io_context& io, Parts parts, const std::filesystem::path& stateFolder,
-                     std::filesystem::path mediaFolder)
+                     std::filesystem::path mediaFolder, std::chrono::milliseconds hour)
     : m_io(io)
     , m_parts(parts)
     , m_media(std::move(mediaFolder))
     , m_folder(std::make_shared<ShowFolder>(stateFolder))
+    , m_hourLength(hour)
     , m_hour(io)
 {
     readSaved();
@@ -428,7 +429,7 @@ void ShowFiles::readSaved()
 
 void ShowFiles::startHour()
 {
-    m_hour.expires_after(std::chrono::hours(1));
+    m_hour.expires_after(m_hourLength);
     m_hour.async_wait([this](boost::system::error_code code) {
         if (code)
             return;

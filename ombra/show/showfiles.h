@@ -37,7 +37,7 @@ public:
         CurrentShow& current;
     };
     ShowFiles(boost::asio::io_context& io, Parts parts, const std::filesystem::path& stateFolder,
-              std::filesystem::path mediaFolder);
+              std::filesystem::path mediaFolder, std::chrono::milliseconds hour);
     ~ShowFiles();
     ShowFiles(const ShowFiles&) = delete;
     ShowFiles& operator=(const ShowFiles&) = delete;
@@ -127,7 +127,8 @@ private:
     std::function<void(const std::string& sentence)> m_trouble;
     std::deque<std::function<void()>> m_waiting;
     bool m_isBusy = false;
-    Json m_keptLibrary, m_keptSettings; // of the newest copy
+    Json m_keptLibrary, m_keptSettings;           // of the newest copy
+    const std::chrono::milliseconds m_hourLength; // of a copy by itself
     boost::asio::steady_timer m_hour;
     std::shared_ptr<int> m_alive =
         std::make_shared<int>(0); // what comes back from the thread holds it weakly

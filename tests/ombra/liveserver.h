@@ -32,6 +32,7 @@ public:
         options.httpPort = options.linkPort = options.previewPort = options.ftpPort = 0;
         options.discovery = false;
         options.hostNames = {"Stage-1.example.org"};
+        options.copyEach = m_hour;
         m_server = std::make_unique<Server>(m_io, options);
         std::string error;
         const bool started = m_server->start(&error);
@@ -40,6 +41,8 @@ public:
         return started;
     }
     void stop() { m_server.reset(); }
+    /// What is an hour to it from its next start on.
+    void setHour(std::chrono::milliseconds hour) { m_hour = hour; }
     Server& server() { return *m_server; }
 
     /// Serves until the condition holds; false when it takes too long.
@@ -105,6 +108,7 @@ private:
 #endif
 
     boost::asio::io_context m_io;
+    std::chrono::milliseconds m_hour = std::chrono::hours(1);
     QTemporaryDir m_folder;
     std::unique_ptr<Server> m_server;
 };

@@ -253,8 +253,12 @@ private Q_SLOTS:
         const bool isSaveTold = hears("The show could not be saved as \"more\"");
         invoke(configuration + "/methods/clearShow", "{\"showName\":\"default\"}");
         const bool isClearTold = hears("The show could not be cleared");
+        const auto import = m_live->request(
+            "POST", "/show/current", R"({"format":"halcyra-show","version":1,"library":{},"settings":{}})");
         QCOMPARE(setrlimit(RLIMIT_FSIZE, &old), 0);
         QVERIFY(isSaveTold && isClearTold);
+        QCOMPARE(import.status, 507);
+        QVERIFY2(import.body.contains("Nothing was changed.\""), import.body.constData());
         QCOMPARE(value(program + "/properties/media"), media.toStdString());
         QCOMPARE(value(program + "/properties/volume"), std::string("0.25"));
         QVERIFY(m_live->request("GET", "/collections").body.contains("one"));

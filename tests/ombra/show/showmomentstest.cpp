@@ -1,0 +1,95 @@
+#include "tarn/json/json.h"
+#include "tests/ombra/liveserver.h"
+#include "tests/support/testmain.h"
+
+#include <algorithm>
+#include <array>
+
+using namespace vantrel;
+using namespace vantrel::ombra::test;
+
+namespace {
+
+QByteArray json(QByteArray text)
+{
+    return text.replace('\'', '"');
+}
+
+} // namespace
+
+/// When shows are kept and taken over: by the hour, and two in the same moment.
+class ShowMomentsTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    /// A copy each hour in which somebody worked on the show.
+    void keepsACopyEachHour()
+    {
+        LiveServer live;
+        live.setHour(std::chrono::milliseconds(1));
+        QVERIFY(live.start());
+        const auto keeps = [&](std::size_t copies) {
+            return live.waitFor([&] {
+                Json answer;
+                Json::parseString(live.request("GET", "/shows/earlier").body.toStdString(), answer);
+                const Json states = answer.get("states");
+                return states.size() == copies &&
+                       (copies == 0 || states.at(0)->get("before").asString() == "hour");
+            });
+        };
+        const auto rename = [&](const QByteArray& name) {
+            const QByteArray edit = "[{'op':'add','path':'/collections/7','value':{'name':'" + name + "'}}]";
+            QCOMPARE(live.request("PATCH", "/medialibrary", json(edit)).status, 200);
+        };
+        QVERIFY(keeps(1)); // and no other, however many hours go by in which nothing is done
+        rename("a");
+        QVERIFY(keeps(2));
+        rename("b");
+        QVERIFY(keeps(3));
+    }
+
+    /// Two windows may do it in the same moment: both are told, and what is on then is one of the two shows.
+    void importsOfOneMomentAreWhole()
+    {
+        LiveServer live;
+        QVERIFY(live.start());
+        const auto show = [](const char* name, const char* volume) {
+            const QByteArray library = "{'collections':{'1':{'name':'" + QByteArray(name) + "'}}}";
+            const QByteArray settings =
+                "{'/device/channels/0/program/properties/volume':" + QByteArray(volume) +
+                ",'/device/channels/0/preview/properties/volume':" + volume + "}";
+            return json("{'format':'halcyra-show','version':1,'library':" + library +
+                        ",'settings':" + settings + "}");
+        };
+        const std::array shows{show("red", "0.75"), show("blue", "0.5")};
+        std::array<QByteArray, 2> alone;
+        for (std::size_t i : {0U, 1U}) {
+            QCOMPARE(live.request("POST", "/show/current", shows[i]).status, 200);
+            alone[i] = live.request("GET", "/show/current").body;
+        }
+        for (int round = 0; round < 20; ++round) {
+            std::array<QTcpSocket, 2> windows;
+            for (std::size_t i : {0U, 1U}) {
+                const std::size_t which = round % 2 == 0 ? i : 1 - i;
+                windows[i].connectToHost(QStringLiteral("127.0.0.1"), live.server().httpPort());
+                windows[i].write(
+                    "POST /api/brume/v1/show/current HTTP/1.1\r\nHost: localhost\r\nContent-Type: "
+                    "application/json\r\nConnection: close\r\nContent-Length: " +
+                    QByteArray::number(shows[which].size()) + "\r\n\r\n" + shows[which]);
+            }
+            QVERIFY(live.waitFor([&] {
+                return std::ranges::all_of(windows, [](const QTcpSocket& window) {
+                    return window.state() == QAbstractSocket::UnconnectedState;
+                });
+            }));
+            for (QTcpSocket& window : windows)
+                QCOMPARE(window.readAll().left(12), QByteArray("HTTP/1.1 200"));
+            const QByteArray now = live.request("GET", "/show/current").body;
+            QVERIFY2(now == alone[0] || now == alone[1], now.constData());
+        }
+    }
+};
+
+HALCYRA_TEST(ShowMomentsTest)
+#include "showmomentstest.moc"
