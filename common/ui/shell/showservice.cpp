@@ -17,8 +17,15 @@ namespace vantrel {
 
 namespace {
 
-/// A property of the reply.
+/// Properties of the reply.
 constexpr const char* stopped = "isStopped";
+constexpr const char* lost = "isLost";
+
+void lose(QNetworkReply* reply)
+{
+    reply->setProperty(lost, true);
+    reply->abort();
+}
 
 } // namespace
 
@@ -52,6 +59,9 @@ QNetworkReply* ShowService::ask(const QString& command, const QByteArray& method
     QNetworkReply* reply = method == "GET"    ? network->get(request)
                            : method == "POST" ? network->post(request, body)
                                               : network->sendCustomRequest(request, method);
+    // The network layer would try it again on its own for ten seconds, while the operator is told nothing.
+    connect(m_session->connectionHandler(), &ConnectionHandler::disconnected, reply,
+            [reply] { lose(reply); });
     // Taken as it comes: put together at once a show would hold the window.
     const auto answer = std::make_shared<Answer>();
     connect(reply, &QNetworkReply::readyRead, this,
@@ -77,10 +87,22 @@ void ShowService::finish(const QNetworkReply& reply, Answer& answer)
         return;
     answer.netError = reply.errorString();
     answer.isStopped = reply.property(stopped).toBool();
+    const bool asksOnly = reply.operation() == QNetworkAccessManager::GetOperation;
     if (answer.isStopped) {
-        answer.error = reply.operation() == QNetworkAccessManager::GetOperation
+        answer.error = asksOnly
                            ? tr("It was stopped.")
                            : tr("It was stopped here. What the server has begun already it still finishes.");
+        return;
+    }
+    if (reply.property(lost).toBool()) {
+        answer.error = tr("The connection to the server ended meanwhile.");
+        if (!asksOnly)
+            answer.error +=
+                u' ' + tr("It may be done all the same: look at the server's show before you try again.");
+        return;
+    }
+    if (reply.url().host().isEmpty()) {
+        answer.error = tr("No server is connected.");
         return;
     }
     const QJsonObject said = QJsonDocument::fromJson(answer.body()).object();

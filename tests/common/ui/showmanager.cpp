@@ -252,6 +252,22 @@ private Q_SLOTS:
         QVERIFY(!dialog.isVisible());
     }
 
+    /// A question that a server took along is over with it, and said to be.
+    void aLostServerIsNotWaitedFor()
+    {
+        const auto progress = [this] {
+            return m_window.findChild<ZTDialog*>(QStringLiteral("ShowProgressDialog"));
+        };
+        m_server.hang();
+        m_shows->exportShow(m_folder.filePath(QStringLiteral("lost.show")));
+        QTRY_VERIFY(progress() && progress()->isVisible());
+        test::expectWarning(QStringLiteral("Download failed:"));
+        m_server.kill();
+        QTRY_VERIFY_WITH_TIMEOUT(!progress(), 3000);
+        QVERIFY(said().contains(
+            QStringLiteral("Not done: Export show - The connection to the server ended meanwhile.")));
+    }
+
     void anImportWithoutAServerMayBeTriedAgain()
     {
         m_session->connectionHandler()->disconnect();
@@ -259,7 +275,7 @@ private Q_SLOTS:
         m_shows->importShow(m_folder.filePath(QStringLiteral("gala.show")), {QStringLiteral("audio")});
         QTRY_VERIFY(m_shows->forceImportDialog()->isVisible());
         QVERIFY(m_shows->forceImportDialog()->description().startsWith(
-            QStringLiteral("The server did not answer")));
+            QStringLiteral("No server is connected.")));
         m_shows->forceImportDialog()->reject();
     }
 
