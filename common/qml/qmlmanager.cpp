@@ -13,6 +13,7 @@
 #include "common/qml/fontsizes.h"
 #include "common/qml/iconprovider.h"
 #include "common/qml/mediaenums.h"
+#include "common/qml/mediaicons.h"
 #include "common/qml/notificationstyle.h"
 #include "common/qml/qmlthumbnailprovider.h"
 #include "common/qml/quickdialog.h"
@@ -76,6 +77,7 @@ public:
                                     LocalHomeLocations::instance()->homePath());
         context->setContextProperty(QStringLiteral("toolTips"), &toolTips);
         context->setContextProperty(QStringLiteral("notificationStyle"), &notificationStyle);
+        context->setContextProperty(QStringLiteral("mediaIcons"), &mediaIcons);
         engine.addImageProvider(QStringLiteral("thumbnails"), new QmlThumbnailProvider);
         engine.addImageProvider(QStringLiteral("icons"), new IconProvider);
     }
@@ -86,6 +88,7 @@ public:
     DialogFactory dialogs;
     ToolTips toolTips;
     NotificationStyle notificationStyle;
+    MediaIcons mediaIcons;
     QQmlEngine engine; // last: it goes before what its objects are
 };
 

@@ -6,6 +6,7 @@
 #include "common/session/settings/timeutils.h"
 #include "common/ui/style/colors.h"
 #include "common/ui/style/iconcache.h"
+#include "common/ui/style/mediaicon.h"
 #include "tarn/media/mediaenums.h"
 #include "util/clocktime.h"
 
@@ -89,20 +90,6 @@ std::optional<Mark> markOf(MediaState state)
     }
 }
 
-QString placeholderIcon(MediaType type)
-{
-    switch (type) {
-    case MediaType::AudioFile:
-        return QStringLiteral("audio");
-    case MediaType::ImageFile:
-        return QStringLiteral("image");
-    case MediaType::ImageSequence:
-        return QStringLiteral("image_sequence");
-    default:
-        return QStringLiteral("media");
-    }
-}
-
 /// The picture cut to a rounded box, rendered once for each size.
 QPixmap boxed(const QPixmap& picture, const QSize& size, qreal ratio)
 {
@@ -183,7 +170,7 @@ void paintThumbnail(QPainter* painter, const QRect& rect, const QModelIndex& ind
     const auto type = static_cast<MediaType>(index.data(MediaLibraryModel::KnownTypeRole).toInt());
     const int side = rect.height() * 3 / 5;
     const QPixmap icon =
-        IconCache::pixmap(placeholderIcon(type), getColor(colors::Zt_white_50), QSize(side, side), ratio);
+        IconCache::pixmap(mediaIcon(type), getColor(colors::Zt_white_50), QSize(side, side), ratio);
     painter->drawPixmap(rect.center() - QPoint(side / 2, side / 2), icon);
 }
 

@@ -3,6 +3,7 @@
 #include "common/ui/style/colors.h"
 #include "common/ui/style/fontsizefollower.h"
 #include "common/ui/style/iconcache.h"
+#include "common/ui/style/mediaicon.h"
 #include "common/ui/style/stylesheet.h"
 #include "tarn/media/mediaenums.h"
 
@@ -30,22 +31,6 @@ constexpr int numberWidth = 52;
 constexpr int lengthWidth = 96;
 constexpr int widthWithFiles = 560;
 constexpr double fileStart = 0.55; // of the width of a row
-
-QString kindIcon(int kind)
-{
-    switch (static_cast<MediaType>(kind)) {
-    case MediaType::VideoFile:
-        return QStringLiteral("video");
-    case MediaType::AudioFile:
-        return QStringLiteral("audio");
-    case MediaType::ImageFile:
-        return QStringLiteral("image");
-    case MediaType::ImageSequence:
-        return QStringLiteral("image_sequence");
-    default:
-        return QStringLiteral("media");
-    }
-}
 
 QRect centred(const QSize& size, const QRect& in)
 {
@@ -240,7 +225,8 @@ void SlotFace::paintScreen(QPainter* painter, const QRect& screen)
     const auto thumbnail = m_thumbnail.value<QPixmap>();
     if (thumbnail.isNull()) {
         const int side = qRound(screen.height() * (m_isTable ? 0.6 : 0.4));
-        drawIcon(painter, centred({side, side}, screen), kindIcon(m_kind), colors::Zt_white_50);
+        drawIcon(painter, centred({side, side}, screen), mediaIcon(static_cast<MediaType>(m_kind)),
+                 colors::Zt_white_50);
     } else {
         const qreal ratio = painter->device()->devicePixelRatioF();
         const QSize size = thumbnail.size().scaled(screen.size() * ratio, Qt::KeepAspectRatio);

@@ -6,6 +6,7 @@
 #include "common/session/settings/timeutils.h"
 #include "common/ui/style/colors.h"
 #include "common/ui/style/iconcache.h"
+#include "common/ui/style/mediaicon.h"
 #include "common/ui/toolkit/doubleedit.h"
 #include "common/views/playlist/playlistendactioneditor.h"
 #include "common/views/playlist/playlisttransitiontypeeditor.h"
@@ -343,7 +344,14 @@ void PlaylistDelegate::paintThumbnail(const Cell& cell) const
     const QRect box = cell.option.rect.adjusted(margin / 2, 2, -margin / 2, -2);
     cell.painter->setBrush(getColor(colors::Zt_black_30));
     cell.painter->drawRoundedRect(box, 2, 2);
-    const auto picture = m_fetching ? cell.index.data().value<QPixmap>() : QPixmap();
+    const auto entry = cell.model->getEntry(cell.index);
+    if (m_fetching)
+        cell.index.data(); // asks for the picture, which comes with a change of the row
+    const QPixmap picture = entry ? cell.model->knownThumbnail(*entry) : QPixmap();
+    if (picture.isNull() && entry) {
+        if (const auto type = cell.model->knownType(*entry))
+            paintIcon(cell, mediaIcon(*type), getColor(colors::Zt_white_50));
+    }
     if (picture.isNull())
         return;
     const QSize size = picture.deviceIndependentSize().toSize().scaled(box.size(), Qt::KeepAspectRatio);

@@ -204,6 +204,26 @@ private Q_SLOTS:
         QVERIFY(!kept[3].isValid());
     }
 
+    /// Of a file that is missing the slot still knows what it was.
+    void theKindIsTheSlots()
+    {
+        auto library = makeLibrary(1, 3);
+        library->findSlot(1, 2)->setMediaType(MediaType::AudioFile);
+        library->addPlaylist(1, Playlist("p"));
+        for (const int slot : {1, 2, 9})
+            library->findPlaylist(1)->addEntry(
+                {slot, 0}, {slotUrl(1, slot), EndAction::Next, TakeTransitionType::DirectCut, 1});
+        allowWarnings(QStringLiteral("Missing slot"));
+        MediaMirror mirror(library);
+        PlaylistModel model(&mirror.playlists, nullptr, nullptr, nullptr, {}, nullptr);
+        model.setPlaylistNumber(1);
+        QCOMPARE(model.rowCount(), 3);
+        const auto kind = [&model](int row) { return model.knownType(*model.getEntry(model.index(row, 0))); };
+        QCOMPARE(kind(0), MediaType::Unknown);
+        QCOMPARE(kind(1), MediaType::AudioFile);
+        QVERIFY(!kind(2)); // nothing is drawn for no medium
+    }
+
     /// Whatever is edited, the times of each list are those of the library, and the model shows the list.
     void followsRandomEdits()
     {

@@ -17,6 +17,7 @@
 #include <QSet>
 
 #include <memory>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -129,6 +130,8 @@ public:
     qint64 knownSize(const GuiPlaylistEntry& entry) const;
     /// Sentences: why its medium is not played, or not whole.
     QStringList knownFaults(const GuiPlaylistEntry& entry) const;
+    /// As its file is known to be, or else as its slot has it; nothing without a medium.
+    std::optional<MediaType> knownType(const GuiPlaylistEntry& entry) const;
     QPixmap knownThumbnail(const GuiPlaylistEntry& entry) const;
     /// In address order.
     QList<EntryAddress> getEntriesUsingMediaUrl(const QUrl& url) const;

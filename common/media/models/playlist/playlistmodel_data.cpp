@@ -8,6 +8,7 @@
 #include "common/media/models/playlist/playlistmodel.h"
 #include "common/media/net/mediadataaggregator.h"
 #include "common/media/net/mediastateprovider.h"
+#include "tarn/media/mediaenums.h"
 #include "tarn/media/medialibrary.h"
 
 #include <QLocale>
@@ -233,6 +234,17 @@ QStringList PlaylistModel::knownFaults(const GuiPlaylistEntry& entry) const
     const MediaSlot* slot = recordOf(entry);
     return slot && m_aggregator ? m_aggregator->knownFaults(QUrl(QString::fromStdString(slot->getUrl())))
                                 : QStringList();
+}
+
+std::optional<MediaType> PlaylistModel::knownType(const GuiPlaylistEntry& entry) const
+{
+    const MediaSlot* slot = recordOf(entry);
+    if (!slot)
+        return {};
+    const MediaMetadataPtr metadata =
+        m_aggregator ? m_aggregator->knownMetadata(QUrl(QString::fromStdString(slot->getUrl()))) : nullptr;
+    const bool isTold = metadata && metadata->getMediaType() != MediaType::Unknown;
+    return isTold ? metadata->getMediaType() : slot->getMediaType();
 }
 
 QPixmap PlaylistModel::knownThumbnail(const GuiPlaylistEntry& entry) const
