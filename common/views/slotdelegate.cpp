@@ -215,7 +215,7 @@ int paintWarning(QPainter* painter, const QRect& line, MediaState state)
 
 /// The length, or why it does not play.
 void paintDetails(QPainter* painter, const QRect& line, const QFont& font, const QString& length,
-                  const QStringList& faults)
+                  colors::ColorCode ink, const QStringList& faults)
 {
     painter->setFont(font);
     if (!faults.isEmpty()) {
@@ -224,7 +224,7 @@ void paintDetails(QPainter* painter, const QRect& line, const QFont& font, const
                           QFontMetrics(font).elidedText(faults.constFirst(), Qt::ElideRight, line.width()));
         return;
     }
-    painter->setPen(getColor(colors::Zt_white_50));
+    painter->setPen(getColor(ink));
     painter->drawText(line, Qt::AlignVCenter | Qt::AlignLeft | Qt::TextSingleLine, length);
 }
 
@@ -277,6 +277,12 @@ SlotDelegate::Layout SlotDelegate::layoutOf(const QStyleOptionViewItem& option,
     return layout;
 }
 
+QList<QRect> SlotDelegate::textPlaces(const QStyleOptionViewItem& option, const QModelIndex& index) const
+{
+    const Layout layout = layoutOf(option, index);
+    return {layout.number, layout.name, layout.details};
+}
+
 void SlotDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
                          const QModelIndex& index) const
 {
@@ -300,8 +306,12 @@ void SlotDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
     paintBackground(painter, row, mark);
     paintThumbnail(painter, layout.thumbnail, index);
 
+    // What is dim on the panel would be lost on a row that has a colour.
+    const bool selected = row.state.testFlag(QStyle::State_Selected);
+    const bool coloured = mark || selected || row.state.testFlag(QStyle::State_MouseOver);
+    const colors::ColorCode dim = coloured ? colors::Zt_white_70 : colors::Zt_white_50;
     painter->setFont(layout.isStacked ? caption : row.font);
-    painter->setPen(getColor(colors::Zt_white_50));
+    painter->setPen(getColor(dim));
     painter->drawText(layout.number, layout.isStacked ? Qt::AlignCenter : Qt::AlignRight | Qt::AlignVCenter,
                       QString::number(index.data(MediaLibraryModel::NumberRole).toInt()));
     painter->setPen(Qt::NoPen);
@@ -318,18 +328,18 @@ void SlotDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
                       : arriving.isEmpty() ? paintWarning(painter, layout.details, state)
                                            : 0;
 
-    const bool bright = mark || row.state.testFlag(QStyle::State_Selected);
+    const bool bright = mark || selected;
     const QFont name = nameFont(row.font);
     painter->setFont(name);
     painter->setPen(state == MediaState::NotPlayable
-                        ? getColor(colors::Zt_white_50)
+                        ? getColor(dim)
                         : getColor(bright ? colors::White : colors::Zt_white_80));
     painter->drawText(layout.name, Qt::AlignVCenter | Qt::AlignLeft | Qt::TextSingleLine,
                       QFontMetrics(name).elidedText(index.data(MediaLibraryModel::NameRole).toString(),
                                                     Qt::ElideRight, layout.name.width()));
     const QRect details = layout.details.adjusted(0, 0, -taken, 0);
     const bool hasRoom = lengthWidth <= details.width(); // a part of a time would tell another time
-    paintDetails(painter, details, caption, hasRoom ? length : QString(), faults);
+    paintDetails(painter, details, caption, hasRoom ? length : QString(), dim, faults);
     painter->restore();
 }
 

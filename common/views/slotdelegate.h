@@ -33,6 +33,9 @@ public:
     void updateEditorGeometry(QWidget* editor, const QStyleOptionViewItem& option,
                               const QModelIndex& index) const override;
 
+    /// Where number, name and what stands below it are written, in the row's own view.
+    QList<QRect> textPlaces(const QStyleOptionViewItem& option, const QModelIndex& index) const;
+
 private:
     struct Layout;
     Layout layoutOf(const QStyleOptionViewItem& option, const QModelIndex& index) const;

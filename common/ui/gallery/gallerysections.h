@@ -21,6 +21,7 @@ QWidget* makePictures(QWidget* parent);
 QWidget* makeSliders(QWidget* parent);
 QWidget* makeSounds(QWidget* parent);
 QWidget* makeTakes(QWidget* parent);
+QWidget* makeRows(QWidget* parent);
 QWidget* makeWindows(QWidget* parent);
 /// The controls of declarative views below the widgets that they are to look like.
 QWidget* makeTwins(QWidget* parent);

@@ -42,6 +42,7 @@ constexpr std::array sections{
     Section{"Seek bar", gallery::makeSliders},
     Section{"Sound", gallery::makeSounds},
     Section{"Take", gallery::makeTakes},
+    Section{"Rows", gallery::makeRows},
     Section{"Dialogs and menus", gallery::makeWindows},
     Section{"Declarative views", gallery::makeTwins},
 };

@@ -1,3 +1,4 @@
+#include "common/media/models/playlist/playlistmodel.h"
 #include "common/playback/levelmeter.h"
 #include "common/playback/seekslider.h"
 #include "common/playback/takebutton.h"
@@ -8,6 +9,9 @@
 #include "common/ui/style/stylesheet.h"
 #include "common/ui/toolkit/colorbox.h"
 #include "common/ui/toolkit/iconbutton.h"
+#include "common/views/playlist/playlistview.h"
+#include "common/views/slotdelegate.h"
+#include "common/views/slotlistview.h"
 #include "tests/common/ui/testsettings.h"
 #include "tests/support/testmain.h"
 
@@ -128,7 +132,7 @@ private Q_SLOTS:
         QTRY_VERIFY(page->sizeHint().height() > 1000);
         page->resize(page->sizeHint());
         m_faults.clear();
-        m_texts = m_drawings = m_tracks = m_declared = 0;
+        m_texts = m_drawings = m_tracks = m_declared = m_rows = 0;
         m_endActions.clear();
         QHash<QWidget*, QImage> windows;
         const QWidgetList widgets = QApplication::allWidgets();
@@ -146,6 +150,7 @@ private Q_SLOTS:
                  qPrintable(QStringLiteral("%1 %2 %3").arg(m_texts).arg(m_drawings).arg(m_tracks)));
         QVERIFY2(m_declared >= 18, qPrintable(QString::number(m_declared)));
         QCOMPARE(m_endActions.size(), 2); // as words and as drawings
+        QCOMPARE(m_rows, 3 * 5 + 2 * 3);  // of the panel and of cue lists
         qApp->setStyleSheet({});
     }
 
@@ -221,6 +226,10 @@ private:
                 lookAtText(menu, part(menu->actionGeometry(action)), action->text());
         } else if (const auto* view = qobject_cast<QQuickWidget*>(widget))
             lookAtDeclared(view, view->quickWindow()->contentItem(), part);
+        else if (const auto* slotRows = qobject_cast<SlotListView*>(widget))
+            lookAtSlots(slotRows, part);
+        else if (const auto* cues = qobject_cast<PlaylistView*>(widget))
+            lookAtCues(cues, part);
         const QRect whole = widget->rect();
         if (const auto* meter = qobject_cast<LevelMeter*>(widget); meter && meter->isMuted())
             lookAtText(widget, part(whole), QStringLiteral("MUTED"));
@@ -258,6 +267,39 @@ private:
     }
 
     template <typename Part>
+    void lookAtSlots(const SlotListView* view, Part part)
+    {
+        const auto* delegate = qobject_cast<SlotDelegate*>(view->itemDelegate());
+        for (int row = 0; row < view->model()->rowCount(); ++row) {
+            const QModelIndex index = view->model()->index(row, 0);
+            QStyleOptionViewItem option;
+            option.initFrom(view);
+            option.rect = view->visualRect(index);
+            ++m_rows;
+            for (const QRect& place : delegate->textPlaces(option, index))
+                lookAtText(view, part(place.translated(view->viewport()->pos())),
+                           QStringLiteral("row %1").arg(row + 1));
+        }
+    }
+
+    /// Each cell by itself: a bright one must not stand for a dim one.
+    template <typename Part>
+    void lookAtCues(const PlaylistView* view, Part part)
+    {
+        using Column = PlaylistModel;
+        for (int row = 0; row < view->model()->rowCount(); ++row) {
+            ++m_rows;
+            for (const int column : {Column::NumberColumn, Column::MediaColumn, Column::DurationColumn}) {
+                const QModelIndex index = view->model()->index(row, column);
+                const QRect cell = view->visualRect(index).translated(view->viewport()->pos());
+                if (!cell.isEmpty() && !index.data().toString().isEmpty())
+                    lookAtText(view, part(cell.adjusted(4, 2, -4, -2)),
+                               QStringLiteral("row %1, column %2").arg(row + 1).arg(column));
+            }
+        }
+    }
+
+    template <typename Part>
     void lookAtDeclared(const QQuickWidget* view, const QQuickItem* item, Part part)
     {
         if (!item->isVisible())
@@ -285,7 +327,7 @@ private:
     }
 
     QStringList m_faults;
-    int m_texts = 0, m_drawings = 0, m_tracks = 0, m_declared = 0;
+    int m_texts = 0, m_drawings = 0, m_tracks = 0, m_declared = 0, m_rows = 0;
     QSet<bool> m_endActions; // looked at: whether they show words
 };
 
