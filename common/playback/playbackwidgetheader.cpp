@@ -11,6 +11,7 @@
 #include "common/ui/toolkit/elidedlabel.h"
 #include "common/ui/toolkit/ztlabel.h"
 
+#include <QEvent>
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QStackedWidget>
@@ -78,6 +79,7 @@ void PlaybackWidgetHeader::addDuration()
                  {QStringLiteral("lock_program")});
     connect(m_lock, &QAbstractButton::toggled, this, &PlaybackWidgetHeader::locked);
     m_durationLabel = new ZTLabel(tr("Duration"), this);
+    m_durationLabel->setObjectName(QStringLiteral("duration-caption"));
     m_durationLabel->setStyleClass(QStringLiteral("dim"));
     m_layout->addWidget(m_durationLabel, 0, 2);
     m_layout->addWidget(m_durationStack, 0, 3);
@@ -98,13 +100,37 @@ void PlaybackWidgetHeader::setColumnStep(ColumnStep step)
     if (m_mute) {
         m_mute->setSizes(buttonSizes(step));
         m_lock->setSizes(buttonSizes(step));
-        m_durationLabel->setVisible(isWide);
     }
+    fitCaption();
+}
+
+void PlaybackWidgetHeader::resizeEvent(QResizeEvent* event)
+{
+    ZTFrame::resizeEvent(event);
+    fitCaption();
+}
+
+bool PlaybackWidgetHeader::event(QEvent* event)
+{
+    const bool handled = ZTFrame::event(event);
+    if (event->type() == QEvent::LayoutRequest) // another name, say
+        fitCaption();
+    return handled;
+}
+
+void PlaybackWidgetHeader::fitCaption()
+{
+    if (!m_durationLabel)
+        return;
+    const int caption = m_durationLabel->sizeHint().width() + spacing::normal;
+    const int whole = m_layout->sizeHint().width() + (m_durationLabel->isHidden() ? caption : 0);
+    m_durationLabel->setVisible(m_step == ColumnStep::Wide && whole <= width());
 }
 
 void PlaybackWidgetHeader::setMediaName(const QString& name)
 {
     m_name->setText(shownText(name));
+    m_title->updateGeometry(); // at once, so that the caption gives way with the name
 }
 
 void PlaybackWidgetHeader::setMediaAddress(const QString& address)

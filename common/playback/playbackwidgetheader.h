@@ -47,8 +47,14 @@ Q_SIGNALS:
     void locked(bool locked);
     void hasInfiniteDurationChanged();
 
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+    bool event(QEvent* event) override;
+
 private:
     void addDuration();
+    /// The caption of the duration gives way to the name, which is nowhere else.
+    void fitCaption();
 
     QGridLayout* m_layout;
     QWidget* m_title;

@@ -354,6 +354,25 @@ private Q_SLOTS:
         QVERIFY(!PlaybackWidgetHeader(Preview).muteButton());
     }
 
+    /// The name is nowhere else, and what a duration is goes without saying.
+    void theCaptionGivesWayToTheName()
+    {
+        PlaybackWidgetHeader header(Program);
+        header.setObjectNames(QStringLiteral("H"));
+        header.setColumnStep(ColumnStep::Wide);
+        const auto* name = header.findChild<ElidedLabel*>(QStringLiteral("H-MediaName"));
+        const auto* caption = header.findChild<QLabel*>(QStringLiteral("duration-caption"));
+        header.setMediaName(QStringLiteral("Walk-in"));
+        header.resize(header.sizeHint().width() + 10, 40);
+        header.show();
+        QTRY_VERIFY(caption->isVisible());
+        header.setMediaName(QStringLiteral("Walk-in loop"));
+        QTRY_VERIFY(!caption->isVisible());
+        QTRY_COMPARE(name->shownText(), name->text());
+        header.setMediaName(QStringLiteral("Walk-in"));
+        QTRY_VERIFY(caption->isVisible());
+    }
+
     void endActionsFollowTheMode_data()
     {
         QTest::addColumn<int>("mode");
