@@ -293,6 +293,7 @@ void MediaPanelWidget::updateEditable()
 {
     m_addButton->setEnabled(isEditable());
     m_menuButton->setEnabled(isEditable() && selectedCollection() >= 0);
+    m_view->viewport()->update(); // the place that invites a drop
     updateEmptyText();
 }
 

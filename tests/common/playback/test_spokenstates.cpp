@@ -9,6 +9,7 @@
 #include "common/ui/timecode/timecodedisplay.h"
 #include "common/ui/toolkit/iconbutton.h"
 #include "common/ui/toolkit/ztlabel.h"
+#include "common/views/mediapanelwidget.h"
 #include "common/views/playlist/playlistview.h"
 #include "common/views/slotlistview.h"
 #include "tests/common/playback/playerfixture.h"
@@ -215,6 +216,42 @@ private Q_SLOTS:
         QVERIFY(shown("play", true));
         QVERIFY(shown("stop", false)); // the sentence alone
         QVERIFY(shown("pause", true));
+    }
+
+    /// The free place below the slots goes with the edits, at once.
+    void onlyWhatIsTakenIsInvited()
+    {
+        /// Sees what is painted by itself.
+        struct Painted : QObject
+        {
+            bool eventFilter(QObject* watched, QEvent* event) override
+            {
+                times += event->type() == QEvent::Paint ? 1 : 0;
+                return QObject::eventFilter(watched, event);
+            }
+            int times = 0;
+        } painted;
+        auto* panel = m_fixture->view->findChild<MediaPanelWidget*>();
+        auto* view = m_fixture->part<SlotListView>("MediaPanel-slots-view");
+        view->setStyleSheet(QStringLiteral("background: black"));
+        const auto isInviting = [view] {
+            const QModelIndex last = view->model()->index(2, view->modelColumn(), view->rootIndex());
+            const QRect row = view->visualRect(last);
+            const QImage place =
+                view->viewport()->grab(row.translated(0, row.height()).adjusted(6, 6, -6, -6)).toImage();
+            QImage plain(place.size(), place.format());
+            plain.fill(place.pixelColor(0, 0));
+            return place != plain;
+        };
+        QTRY_VERIFY(view->model() && view->model()->rowCount(view->rootIndex()) == 3 && isInviting());
+        view->viewport()->installEventFilter(&painted);
+        const auto paint = [] { QCoreApplication::sendPostedEvents(nullptr, QEvent::UpdateRequest); };
+        paint(); // what is due for other reasons
+        painted.times = 0;
+        panel->setConnected(false);
+        paint();
+        QVERIFY(painted.times > 0);
+        QVERIFY(!isInviting());
     }
 
     void libraryThatIsNotRead_data()
