@@ -1,4 +1,5 @@
 """Pictures of how a server is found, and of what is wrong with one."""
+import contextlib
 import http.server
 import json
 import os
@@ -85,16 +86,33 @@ class Relay:
     """A port before one of the server's, over which nothing comes any more once it is held."""
 
     def __init__(self, port):
-        self.port, self.held = port, threading.Event()
+        self.port, self.held, self.near = port, threading.Event(), []
         self.listener = socket.create_server(("127.0.0.1", 0))
         threading.Thread(target=self.accept, daemon=True).start()
 
     def accept(self):
         while True:
             near = self.listener.accept()[0]
+            self.near.append(near)
+            if self.held.is_set():
+                threading.Thread(target=self.mumble, args=(near,), daemon=True).start()
+                continue
             far = socket.create_connection(("127.0.0.1", self.port))
             for source, target in ((near, far), (far, near)):
                 threading.Thread(target=self.copy, args=(source, target), daemon=True).start()
+
+    def mumble(self, near):
+        """On a link: that somebody is there, and nothing of the scene."""
+        with near, contextlib.suppress(OSError):
+            while True:
+                near.sendall(b"\0\0\0\2[]")
+                time.sleep(0.2)
+
+    def lose(self):
+        """Ends the connections there are; those that come hear no more than that."""
+        self.held.set()
+        for near in self.near:
+            near.shutdown(socket.SHUT_RDWR)
 
     def copy(self, source, target):
         with source, target:
@@ -116,6 +134,59 @@ def half(options, port, text, name):
         wait(lambda: text in window.robot.find("MainNavigationBar-link-banner")["text"], "the silence")
         time.sleep(4)
         window.shoot(options.out / f"{name}.png")
+
+
+def reading(options):
+    """The link is there again, the scene is not yet."""
+    server = list(options.server)
+    at = server.index("--link-port") + 1
+    relay = Relay(int(server[at]))
+    server[at] = str(relay.listener.getsockname()[1])
+    with Window(options, server=server) as window:
+        window.run_show()
+        relay.lose()
+        banner = "MainNavigationBar-link-banner"
+        wait(lambda: window.robot.find(banner)["text"].startswith("Connected again"), "the link")
+        time.sleep(1)
+        window.shoot(options.out / "connected-again.png")
+
+
+def no_picture(options):
+    """Nobody listens where the pictures should come from."""
+    with socket.create_server(("127.0.0.1", 0)) as listener:
+        port = listener.getsockname()[1]
+    server = list(options.server)
+    server[server.index("--preview-port") + 1] = str(port)
+    with Window(options, server=server) as window:
+        window.run_show()
+        window.shoot(options.out / "no-picture.png")
+
+
+def switch(options):
+    """Another server was chosen that does not answer, and how the one before is come back to."""
+    with Window(options) as window:
+        window.run_show()
+        window.click("StatusBar-area")
+        window.robot.find("ConnectDialog-input-AddressBar")
+        for key in ["CtrlA", *"127.0.0.9", "Enter"]:
+            window.robot.ask(operation="key_press", keyName=key)
+        wait(lambda: "server before" in window.robot.find("ConnectDialog-text")["text"], "the failure")
+        window.shoot(options.out / "switch-refused.png")
+
+
+def file_gone(options):
+    """What is on air plays on although its own file has gone."""
+    file = options.media / "01 Walk-in loop.mp4"
+    away = options.media.with_name(file.name)
+    with Window(options) as window:
+        window.run_show()
+        file.rename(away)
+        try:
+            time.sleep(4)
+            window.shoot(options.out / "file-gone.png")
+        finally:
+            away.rename(file)
+        time.sleep(3)
 
 
 def notice(options):

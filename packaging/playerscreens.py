@@ -162,15 +162,18 @@ def cut_off(options):
 
 
 def preview_countdown(options):
-    """The last seconds of what is tried on preview."""
+    """The last seconds of what is tried on preview, and its last picture that holds."""
     with Window(options) as window:
         window.run_show()
         window.cue(2)
         window.click("Preview-PlaybackControls-Play")
         left = "Preview-PlaybackWidget-PlaybackTimecodes-Remaining"
-        wait(lambda: "00:00:00" < window.robot.find(left)["text"] < "00:00:08", "the last seconds")
-        window.rest()
-        window.shoot(options.out / "preview-time-left.png")
+        for seconds, name in (("00:00:08", "preview-time-left"), ("00:00:04", "preview-time-left-red")):
+            wait(lambda: "00:00:00" < window.robot.find(left)["text"] < seconds, "the last seconds")
+            window.rest()
+            window.shoot(options.out / f"{name}.png")
+        window.robot.find("Preview-PlaybackWidget-PlaybackTimecodes-Ended")
+        window.shoot(options.out / "preview-ended.png")
 
 
 def countdown(options):

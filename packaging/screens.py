@@ -6,8 +6,8 @@ import sys
 
 from filescreens import beside, files, media_tab, pictures, shows, slots
 from linkscreens import (
-    connect, damaged, full_disk, half, library, notice, on_screen, overtaken, program_waits, read_only, reconnect,
-    refused, silent)
+    connect, damaged, file_gone, full_disk, half, library, no_picture, notice, on_screen, overtaken, program_waits,
+    read_only, reading, reconnect, refused, silent, switch)
 from playerscreens import (
     countdown, cue_list, cut_off, drop, drop_list, gallery, held, holding, inspector, keyboard, media_panel, menu, modes,
     outputs, player, preview_countdown, questions, rename, repeat, scaling, still, take, waiting)
@@ -49,6 +49,10 @@ SCREENS = {
     "library-lost": lambda options: half(options, "--http-port", "library does not", "library-lost"),
     "picture-old": lambda options: half(options, "--preview-port", "", "picture-old"),
     "players-silent": lambda options: half(options, "--link-port", "Its library answers", "players-silent"),
+    "connected-again": reading,
+    "no-picture": no_picture,
+    "switch-refused": switch,
+    "file-gone": file_gone,
     "repeat": repeat,
     "rename": rename,
     "media-folder-gone": notice,
