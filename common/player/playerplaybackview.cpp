@@ -219,7 +219,7 @@ void PlayerPlaybackView::onHealthChanged()
     const QString reason = blockedReason();
     for (ChannelWidget* channel : m_channels->findChildren<ChannelWidget*>(Qt::FindDirectChildrenOnly))
         channel->setBlocked(reason);
-    m_panel->setStale(health->state() == LinkHealth::State::Silent ||
+    m_panel->setStale(m_isStale || health->state() == LinkHealth::State::Silent ||
                       health->state() == LinkHealth::State::Lost);
     updateUsable();
 }

@@ -15,6 +15,7 @@
 #include "common/ui/timecode/timecodedisplay.h"
 #include "common/ui/toolkit/doubleedit.h"
 #include "common/ui/toolkit/elidedlabel.h"
+#include "common/views/slotdelegate.h"
 #include "tarn/media/medialibrary.h"
 #include "tarn/media/playenums.h"
 #include "tests/common/playback/playerfixture.h"
@@ -336,6 +337,7 @@ private Q_SLOTS:
         QTRY_VERIFY_WITH_TIMEOUT(m_fixture->peer.session->isConnected(), 10000);
         QTRY_COMPARE(banner.text(), QStringLiteral("Connected again. Reading the state of the server."));
         QVERIFY(!m_fixture->part<TakeButton>("TakeControls-Take-Button")->isEnabled());
+        QVERIFY(!m_fixture->view->findChild<SlotDelegate*>()->setStale(true)); // nothing new to it
         m_fixture->peer.send(R"([{"op":"add","path":"/device/channels/0","value":{"type":"Channel"}}])");
         QTRY_VERIFY(m_fixture->part<TakeButton>("TakeControls-Take-Button")->isEnabled());
     }
