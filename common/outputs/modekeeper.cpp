@@ -45,6 +45,7 @@ void ModeKeeper::ask()
     m_dialog->setCancelText(tr("GO BACK"));
     m_dialog->setObjectNames(QStringLiteral("KeepModeDialog"));
     m_dialog->setAttribute(Qt::WA_DeleteOnClose);
+    m_dialog->setBeside();
     connect(m_dialog, &ConfirmationDialog::confirmed, m_model, &OutputModel::keepMode);
     connect(m_dialog, &ConfirmationDialog::rejected, m_model, &OutputModel::revertMode);
     m_dialog->open();

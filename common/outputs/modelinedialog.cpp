@@ -59,6 +59,7 @@ ModelineDialog::ModelineDialog(QWidget* parent)
     , m_mode(new SwitchSelect(this))
 {
     setModal(true);
+    setBeside();
     m_mode->addItem(tr("Auto"), QStringLiteral("auto"), tr("Automatic properties from display"));
     m_mode->addItem(tr("Manual"), QStringLiteral("custom"), tr("Set manual display properties"));
     m_mode->setAccessibleName(tr("Display properties"));

@@ -3,6 +3,7 @@
 #include "common/ui/style/colors.h"
 #include "common/ui/style/smoothpicture.h"
 #include "common/ui/style/spacing.h"
+#include "common/ui/toolkit/uncovered.h"
 
 #include <QPainter>
 
@@ -23,6 +24,12 @@ OutputCanvas::OutputCanvas(QWidget* parent)
     : ZTFrame(parent)
 {
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
+    // As large as the picture may become: another mode of either output changes the scale of both.
+    keepUncovered(this, [this] {
+        QRectF largest(QPointF(), outputSize() * fittingScale());
+        largest.moveCenter(QRectF(rect()).center());
+        return largest.toAlignedRect();
+    });
 }
 
 void OutputCanvas::setOutputSize(const QSize& size)

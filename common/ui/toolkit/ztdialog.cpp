@@ -1,6 +1,7 @@
 #include "common/ui/toolkit/ztdialog.h"
 
 #include "common/ui/toolkit/pushbutton.h"
+#include "common/ui/toolkit/uncovered.h"
 #include "common/ui/toolkit/ztlabel.h"
 
 #include <QHBoxLayout>
@@ -181,6 +182,11 @@ void ZTDialog::place()
 {
     const QWidget* over = parentWidget() ? parentWidget()->window() : nullptr;
     const bool isOverSome = over && over->isVisible();
+    if (m_isBeside && isOverSome && !qobject_cast<const QDialog*>(over)) {
+        const int bottom =
+            over->mapFromGlobal(QPoint(0, lowestBottom().value_or(over->geometry().bottom()))).y();
+        return moveOntoScreen(over->mapToGlobal(uncoveredPlace(*over, size(), bottom)));
+    }
     const QRect room = isOverSome ? over->frameGeometry() : screen()->availableGeometry();
     QRect place(QPoint(), size());
     place.moveCenter(room.center());

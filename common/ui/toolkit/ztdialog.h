@@ -48,6 +48,9 @@ public:
     void fitToContent();
     /// Where it opens, for its size now.
     void place();
+    /// It opens beside what is kept uncovered of the window, where there is room for that: its question is
+    /// about what is seen there.
+    void setBeside() { m_isBeside = true; }
 
 Q_SIGNALS:
     /// The accept button was pressed (before the dialog closes).
@@ -74,6 +77,7 @@ private:
     PushButton* m_cancel;
     QPoint m_grip;
     bool m_closesOnAccept = true;
+    bool m_isBeside = false;
 };
 
 } // namespace vantrel

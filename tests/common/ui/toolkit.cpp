@@ -54,6 +54,25 @@ class ToolkitTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    /// What a dialog asks about is seen beside it, where the window has room.
+    void dialogsOpenBesideWhatTheyAskAbout()
+    {
+        QWidget window;
+        window.resize(1300, 700);
+        QWidget picture(&window);
+        picture.setGeometry(420, 100, 460, 500);
+        keepUncovered(&picture);
+        window.show();
+        ZTDialog dialog(QStringLiteral("Keep this video mode?"), &window);
+        dialog.setDescription(QStringLiteral("It goes back by itself."));
+        dialog.setBeside();
+        dialog.show();
+        QVERIFY(dialog.width() < 400);
+        const QRect shown(picture.mapToGlobal(QPoint()), picture.size());
+        QVERIFY(!dialog.geometry().intersects(shown));
+        QVERIFY(window.frameGeometry().contains(dialog.geometry()));
+    }
+
     void accordionOpensOneAtATime()
     {
         Accordion accordion;
