@@ -133,7 +133,7 @@ QWidget* makeSlots(bool areSelected, bool isStale)
     if (areSelected)
         view->selectAll();
     view->setFixedWidth(300);
-    view->setMinimumHeight(view->sizeHintForRow(0) * int(slotRows.size()) + 8);
+    view->setSizeAdjustPolicy(QAbstractScrollArea::AdjustToContents); // at each text size
     return view;
 }
 

@@ -275,7 +275,7 @@ private:
             QStyleOptionViewItem option;
             option.initFrom(view);
             option.rect = view->visualRect(index);
-            ++m_rows;
+            m_rows += view->viewport()->rect().contains(option.rect) ? 1 : 0;
             for (const QRect& place : delegate->textPlaces(option, index))
                 lookAtText(view, part(place.translated(view->viewport()->pos())),
                            QStringLiteral("row %1").arg(row + 1));
