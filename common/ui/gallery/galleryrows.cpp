@@ -17,6 +17,7 @@
 #include <QStandardItemModel>
 
 #include <array>
+#include <optional>
 #include <utility>
 
 namespace vantrel::gallery {
@@ -53,7 +54,6 @@ struct SampleList : QObject
         , lists(library, &media)
         , preview(&lists, &media)
         , program(&lists, &media)
-        , clock(&program, &lists)
         , model(&lists, nullptr, &preview, &program, {Preview, Program}, nullptr)
     {
         Json json;
@@ -65,6 +65,9 @@ struct SampleList : QObject
         program.init();
         preview.setMedia(QStringLiteral("brume://playlists/1/entries/3"));
         program.setMedia(QStringLiteral("brume://playlists/1/entries/1"));
+        clock.emplace(&program, &lists);
+        model.onPreviewChange();
+        model.onProgramChange();
         model.setPlaylistNumber(1);
     }
 
@@ -73,7 +76,7 @@ struct SampleList : QObject
     PlaylistProvider lists;
     GUIPlayback preview;
     GUIPlayback program;
-    ListClock clock;
+    std::optional<ListClock> clock; // there is no scene that would tell it of anything later
     PlaylistModel model;
 };
 
@@ -81,7 +84,7 @@ QWidget* makeCues(SampleList* list, int selected)
 {
     auto* cues = new PlaylistContainer({Program}, false);
     cues->setModel(&list->model);
-    cues->setClock(&list->clock);
+    cues->setClock(&*list->clock);
     cues->setMinimumSize(620, 180);
     auto* view = cues->findChild<PlaylistView*>();
     view->setFocusPolicy(Qt::NoFocus);
