@@ -196,7 +196,7 @@ void PlaylistDelegate::paint(QPainter* painter, const QStyleOptionViewItem& opti
     case PlaylistModel::TransitionDurationColumn:
         if (model->flags(index).testFlag(Qt::ItemIsEditable)) // a cut takes no time
             paintText(cell, tr("%1 s").arg(PlaylistModel::secondsText(index.data().toDouble())),
-                      Qt::AlignRight, true);
+                      Qt::AlignRight, !cell.isBright());
         break;
     case PlaylistModel::ThumbnailColumn:
         paintThumbnail(cell);
@@ -368,7 +368,7 @@ void PlaylistDelegate::paintLast(const Cell& cell) const
         paintText(cell,
                   m_fetching || !entry ? cell.index.data().toString()
                                        : PlaylistModel::sizeText(cell.model->knownSize(*entry)),
-                  Qt::AlignRight, true);
+                  Qt::AlignRight, !cell.isBright());
         return;
     }
     if (!m_clock || m_clock->playlist() != cell.model->playlistNumber())

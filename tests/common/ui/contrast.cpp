@@ -289,7 +289,8 @@ private:
         using Column = PlaylistModel;
         for (int row = 0; row < view->model()->rowCount(); ++row) {
             ++m_rows;
-            for (const int column : {Column::NumberColumn, Column::MediaColumn, Column::DurationColumn}) {
+            for (const int column : {Column::NumberColumn, Column::MediaColumn, Column::DurationColumn,
+                                     Column::TransitionDurationColumn}) {
                 const QModelIndex index = view->model()->index(row, column);
                 const QRect cell = view->visualRect(index).translated(view->viewport()->pos());
                 if (!cell.isEmpty() && !index.data().toString().isEmpty())
