@@ -17,14 +17,14 @@ inline double spentMs()
 }
 
 /// Turns of the event loop until the condition holds; the longest of them, in milliseconds, or below 0 after
-/// 10 s.
+/// the patience.
 template <typename Condition>
-double longestTurn(const Condition& isDone)
+double longestTurn(const Condition& isDone, int patienceMs = 10000)
 {
     double longest = 0;
     QTimer end;
     end.setSingleShot(true);
-    end.start(10000);
+    end.start(patienceMs);
     while (!isDone()) {
         if (!end.isActive())
             return -1;
