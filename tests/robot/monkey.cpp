@@ -111,6 +111,7 @@ private:
     void restoreServer();
     void check();
     void checkLog();
+    bool isSoOnTheServer(const QString& line) const;
     void checkTruth();
     void walkUndo();
     QJsonObject state() { return m_robot->ask({{"operation", "state"}}).first().toObject(); }
@@ -319,7 +320,7 @@ void Monkey::checkLog()
         const bool isFault = line.contains(QLatin1String("ERROR: ")) ||
                              line.contains(QLatin1String("runtime error")) ||
                              line.contains(QLatin1String(" *F* "));
-        const bool isExpected = isAmong(trueWarnings, line) || isTold(lines, at) ||
+        const bool isExpected = isAmong(trueWarnings, line) || isTold(lines, at) || isSoOnTheServer(line) ||
                                 (m_isDisturbed && isAmong(disturbedWarnings, line));
         const bool isCutOff = isWarning && !isExpected && isOfAnEdit(line) &&
                               lines.size() - at <= linesUntilTold && read > before;
@@ -331,6 +332,17 @@ void Monkey::checkLog()
         if ((isFault || (isWarning && !isExpected)) && m_fault.isEmpty())
             m_fault = QStringLiteral("in the log: ") + line;
     }
+}
+
+/// Who clears a show and then does again what was undone has entries of slots that are no more.
+bool Monkey::isSoOnTheServer(const QString& line) const
+{
+    static const QRegularExpression missing(QStringLiteral(" \\*W\\* .* - Missing slot: '([^']*)' "));
+    const QRegularExpressionMatch match = missing.match(line);
+    if (!match.hasMatch())
+        return false;
+    ServerTruth truth(m_ombra->ports());
+    return truth.fetch() && truth.lacksSlot(match.captured(1));
 }
 
 void Monkey::checkTruth()

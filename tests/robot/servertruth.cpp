@@ -6,6 +6,7 @@
 
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
+#include <QRegularExpression>
 #include <QStringList>
 #include <QTcpSocket>
 #include <QTest>
@@ -75,6 +76,20 @@ QString compare(const QString& window, const std::string& server)
 bool ServerTruth::fetch()
 {
     return fetchLibrary() && fetchScene();
+}
+
+bool ServerTruth::lacksSlot(const QString& address) const
+{
+    static const QRegularExpression form(QStringLiteral("^brume://collections/(\\d+)/slots/(\\d+)$"));
+    const QRegularExpressionMatch match = form.match(address);
+    Json library;
+    if (!match.hasMatch() || !Json::parseString(m_library, library))
+        return false;
+    return library.get("collections")
+        .get(match.captured(1).toStdString())
+        .get("slots")
+        .get(match.captured(2).toStdString())
+        .isNull();
 }
 
 bool ServerTruth::fetchLibrary()

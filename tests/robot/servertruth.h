@@ -21,6 +21,8 @@ public:
     /// (positions, progress) does not count.
     QString libraryFault(const QString& json) const;
     QString sceneFault(const QString& json) const;
+    /// Whether the library has no slot of that address.
+    bool lacksSlot(const QString& address) const;
 
 private:
     bool fetchLibrary();
