@@ -1,5 +1,6 @@
 #include "ombra/base/listener.h"
 
+#include "ombra/base/takeport.h"
 #include "tarn/log/log.h"
 #include "tarn/net/tcplink.h"
 
@@ -17,16 +18,8 @@ Listener::Listener(boost::asio::io_context& io, const char* module, Accepted acc
 
 bool Listener::listen(const boost::asio::ip::address& address, unsigned short port, std::string* error)
 {
-    const boost::asio::ip::tcp::endpoint endpoint(address, port);
     boost::system::error_code code;
-    m_acceptor.open(endpoint.protocol(), code);
-    if (!code)
-        m_acceptor.set_option(boost::asio::socket_base::reuse_address(true), code);
-    if (!code)
-        m_acceptor.bind(endpoint, code);
-    if (!code)
-        m_acceptor.listen(boost::asio::socket_base::max_listen_connections, code);
-    if (code) {
+    if (!takePort(m_acceptor, {address, port}, code)) {
         *error = "cannot listen on " + address.to_string() + " port " + std::to_string(port) + ": " +
                  code.message();
         return false;

@@ -20,7 +20,8 @@ public:
     /// module names the owner in the log: "vantrel.link".
     Listener(boost::asio::io_context& io, const char* module, Accepted accepted);
 
-    /// Port 0 picks a free one. False, and a sentence in error, when the address cannot be had.
+    /// Port 0 picks a free one. False, and a sentence in error, when the address cannot be had within
+    /// takePort()'s patience.
     bool listen(const boost::asio::ip::address& address, unsigned short port, std::string* error);
     /// The port in use; 0 before listen().
     unsigned short port() const;

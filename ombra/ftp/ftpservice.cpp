@@ -1,5 +1,6 @@
 #include "ombra/ftp/ftpservice.h"
 
+#include "ombra/base/takeport.h"
 #include "ombra/show/atomicfile.h"
 #include "tarn/json/json.h"
 #include "tarn/log/log.h"
@@ -93,15 +94,7 @@ FtpService::~FtpService()
 bool FtpService::listen(const boost::asio::ip::address& address, unsigned short port, std::string* error)
 {
     boost::system::error_code code;
-    const tcp::endpoint endpoint(address, port);
-    m_acceptor.open(endpoint.protocol(), code);
-    if (!code)
-        m_acceptor.set_option(tcp::acceptor::reuse_address(true), code);
-    if (!code)
-        m_acceptor.bind(endpoint, code);
-    if (!code)
-        m_acceptor.listen(tcp::acceptor::max_listen_connections, code);
-    if (code) {
+    if (!takePort(m_acceptor, {address, port}, code)) {
         *error = "cannot serve files on " + address.to_string() + " port " + std::to_string(port) + ": " +
                  code.message();
         return false;

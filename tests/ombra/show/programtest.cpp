@@ -6,6 +6,10 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <chrono>
+#include <sys/socket.h>
+#include <thread>
+
 using namespace vantrel::test;
 
 /// The program itself: how it starts, says what is wrong, and ends.
@@ -59,6 +63,30 @@ private Q_SLOTS:
         QCOMPARE(process.exitCode(), code);
         const QByteArray output = process.readAllStandardError();
         QVERIFY2(output.contains("ombra: ") && output.contains(said), output.constData());
+    }
+
+    /// As the file server of one that was killed does, a moment after it.
+    void waitsForAPortThatIsGivenBack_data()
+    {
+        QTest::addColumn<QString>("option");
+        QTest::newRow("link") << QStringLiteral("--link-port");
+        QTest::newRow("files") << QStringLiteral("--ftp-port");
+    }
+
+    void waitsForAPortThatIsGivenBack()
+    {
+        QFETCH(QString, option);
+        QTcpServer before;
+        QVERIFY(before.listen(QHostAddress::LocalHost));
+        OmbraProcess server;
+        server.setOptions({option, QString::number(before.serverPort())}); // in the place of its own
+        std::thread ends([&before, socket = before.socketDescriptor()] {
+            std::this_thread::sleep_for(std::chrono::milliseconds(300));
+            ::shutdown(int(socket), SHUT_RDWR); // listens no more
+        });
+        const bool isStarted = server.start();
+        ends.join();
+        QVERIFY2(isStarted, server.output().constData());
     }
 
     void endsWhenAsked()
