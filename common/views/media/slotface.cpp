@@ -269,7 +269,7 @@ void SlotFace::paintTexts(QPainter* painter, const Layout& at) const
     const auto side = m_isTable ? Qt::AlignRight : Qt::AlignLeft;
     const bool isArriving = m_arrived >= 0;
     drawText(painter, at.number, font("body", true),
-             m_isOnProgram   ? colors::Zt_red
+             m_isOnProgram   ? colors::White // that red is too dark to be read
              : m_isOnPreview ? colors::Green_green
                              : colors::Zt_white_70,
              QString::number(m_slot), side, Qt::ElideNone);
