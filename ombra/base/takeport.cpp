@@ -1,6 +1,9 @@
 #include "ombra/base/takeport.h"
 
+#include "tarn/log/log.h"
+
 #include <chrono>
+#include <string>
 #include <thread>
 
 namespace vantrel::ombra {
@@ -31,6 +34,9 @@ bool takePort(boost::asio::ip::tcp::acceptor& acceptor, const boost::asio::ip::t
 {
     const auto end = std::chrono::steady_clock::now() + patience;
     take(acceptor, endpoint, code);
+    if (code == boost::asio::error::address_in_use)
+        Log::write(LogLevel::Info, "vantrel.net",
+                   "waits for port " + std::to_string(endpoint.port()) + ", which another program still has");
     while (code == boost::asio::error::address_in_use && std::chrono::steady_clock::now() < end) {
         std::this_thread::sleep_for(between);
         take(acceptor, endpoint, code);

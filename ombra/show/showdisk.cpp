@@ -30,12 +30,15 @@ constexpr std::chrono::seconds lockPatience{2};
 bool takes(int file, std::chrono::milliseconds patience)
 {
     const auto end = std::chrono::steady_clock::now() + patience;
-    while (::flock(file, LOCK_EX | LOCK_NB) != 0) {
-        if (std::chrono::steady_clock::now() >= end)
-            return false;
+    bool isTaken = ::flock(file, LOCK_EX | LOCK_NB) == 0;
+    if (!isTaken && patience.count() > 0)
+        Log::write(LogLevel::Info, "vantrel.show",
+                   "waits for the state folder, which another server still has");
+    while (!isTaken && std::chrono::steady_clock::now() < end) {
         std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        isTaken = ::flock(file, LOCK_EX | LOCK_NB) == 0;
     }
-    return true;
+    return isTaken;
 }
 
 /// Whether a path is fine and the disk takes nothing just now.

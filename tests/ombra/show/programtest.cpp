@@ -6,10 +6,6 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-#include <chrono>
-#include <sys/socket.h>
-#include <thread>
-
 using namespace vantrel::test;
 
 /// The program itself: how it starts, says what is wrong, and ends.
@@ -78,15 +74,30 @@ private Q_SLOTS:
         QFETCH(QString, option);
         QTcpServer before;
         QVERIFY(before.listen(QHostAddress::LocalHost));
-        OmbraProcess server;
-        server.setOptions({option, QString::number(before.serverPort())}); // in the place of its own
-        std::thread ends([&before, socket = before.socketDescriptor()] {
-            std::this_thread::sleep_for(std::chrono::milliseconds(300));
-            ::shutdown(int(socket), SHUT_RDWR); // listens no more
-        });
-        const bool isStarted = server.start();
-        ends.join();
-        QVERIFY2(isStarted, server.output().constData());
+        const QTemporaryDir folder;
+        QProcess server;
+        server.setProcessChannelMode(QProcess::MergedChannels);
+        QStringList arguments{QStringLiteral("--media"), folder.path(), QStringLiteral("--state"),
+                              folder.filePath(QStringLiteral("state")), QStringLiteral("--no-discovery")};
+        for (const char* port : {"--http-port", "--link-port", "--preview-port", "--ftp-port"})
+            arguments +=
+                {QLatin1String(port),
+                 option == QLatin1String(port) ? QString::number(before.serverPort()) : QStringLiteral("0")};
+        server.start(OmbraProcess::binary(QStringLiteral("ombra")), arguments);
+        QByteArray said;
+        const auto says = [&](const char* words) {
+            return QTest::qWaitFor(
+                [&] {
+                    said += server.readAll();
+                    return said.contains(words);
+                },
+                20000);
+        };
+        QVERIFY2(says("waits for port "), said.constData());
+        before.close();
+        QVERIFY2(says("ombra ready"), said.constData());
+        server.terminate();
+        QVERIFY(server.waitForFinished(20000));
     }
 
     void endsWhenAsked()

@@ -1,6 +1,7 @@
 #include "ombra/show/showstore.h"
 
 #include "ombra/show/journalline.h"
+#include "tarn/log/log.h"
 #include "tests/support/testmain.h"
 
 #include <QDir>
@@ -17,7 +18,6 @@
 #include <random>
 #include <sys/file.h>
 #include <sys/resource.h>
-#include <thread>
 #include <unistd.h>
 
 using namespace vantrel;
@@ -456,13 +456,14 @@ private Q_SLOTS:
         const QByteArray path = m_folder->filePath(QStringLiteral("lock")).toUtf8();
         const int file = ::open(path.constData(), O_RDWR | O_CLOEXEC);
         QVERIFY(file >= 0 && ::flock(file, LOCK_EX | LOCK_NB) == 0);
-        std::thread child([file] {
-            std::this_thread::sleep_for(std::chrono::milliseconds(300));
-            ::close(file);
+        bool waited = false;
+        Log::setSink([&](LogLevel, const LogLoc&, std::string_view, std::string_view message) {
+            if (!waited && message.starts_with("waits for the state folder"))
+                waited = ::close(file) == 0;
         });
         const bool isOpen = open(m_folder->path());
-        child.join();
-        QVERIFY(isOpen);
+        Log::setSink({});
+        QVERIFY(waited && isOpen);
     }
 
     void writesSnapshotsNowAndThen()
