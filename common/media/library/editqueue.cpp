@@ -99,8 +99,15 @@ void EditQueue::submit(const std::shared_ptr<LibraryEdit>& edit, EditDirection d
                        EditAnswered answered)
 {
     m_edits.push_back({edit, direction, std::move(answered)});
-    m_expected = {};
+    outdateExpected();
     proceed();
+}
+
+/// Holds on to no library of before either.
+void EditQueue::outdateExpected()
+{
+    m_expected = {};
+    m_expectedOf = {};
 }
 
 Ref<const MediaLibrary> EditQueue::expected() const
@@ -187,7 +194,7 @@ bool EditQueue::prepare(Entry& entry)
         refuseFirst(overtaken);
         return false;
     }
-    m_expected = {};
+    outdateExpected();
     edit.redo = anew.redo;
     edit.undo = anew.undo;
     edit.before = anew.before;
@@ -304,7 +311,7 @@ EditQueue::Entry EditQueue::takeFirst()
 {
     Entry entry = std::move(m_edits.front());
     m_edits.pop_front();
-    m_expected = {};
+    outdateExpected();
     m_patience.stop();
     m_awaited.reset();
     m_state = State::Idle;

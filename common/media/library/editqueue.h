@@ -60,6 +60,7 @@ private:
         Overtaken, // the server refused it for a change that the library does not show yet
     };
 
+    void outdateExpected();
     bool prepare(Entry& entry);
     bool isDone(const Entry& entry, const Json& library) const;
     void sendFirst();
