@@ -162,15 +162,20 @@ def no_picture(options):
         window.shoot(options.out / "no-picture.png")
 
 
+def choose_in_vain(window, host):
+    """Another server is chosen, and cannot be had."""
+    window.click("StatusBar-area")
+    window.robot.find("ConnectDialog-input-AddressBar")
+    for key in ["CtrlA", *host, "Enter"]:
+        window.robot.ask(operation="key_press", keyName=key)
+    wait(lambda: "server before" in window.robot.find("ConnectDialog-text")["text"], "the failure")
+
+
 def switch(options):
     """Another server was chosen that does not answer, and how the one before is come back to."""
     with Window(options) as window:
         window.run_show()
-        window.click("StatusBar-area")
-        window.robot.find("ConnectDialog-input-AddressBar")
-        for key in ["CtrlA", *"127.0.0.9", "Enter"]:
-            window.robot.ask(operation="key_press", keyName=key)
-        wait(lambda: "server before" in window.robot.find("ConnectDialog-text")["text"], "the failure")
+        choose_in_vain(window, "127.0.0.9")
         window.shoot(options.out / "switch-refused.png")
 
 
@@ -335,9 +340,5 @@ def reconnect(options):
             each.robot.find("ReconnectDialog")
             time.sleep(1)
             each.shoot(options.out / f"{name}.png")
-        window.click("StatusBar-area")
-        window.robot.find("ConnectDialog-input-AddressBar")
-        for key in ["CtrlA", *"stage-rigth.invalid", "Enter"]:
-            window.robot.ask(operation="key_press", keyName=key)
-        wait(lambda: "server before" in window.robot.find("ConnectDialog-text")["text"], "the failure")
+        choose_in_vain(window, "stage-rigth.invalid")
         window.shoot(options.out / "wrong-host.png")

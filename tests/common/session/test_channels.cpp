@@ -55,6 +55,25 @@ struct PreviewServer
 
 const auto loopback = boost::asio::ip::make_address("127.0.0.1");
 
+/// A server's events channel with a client on it.
+struct Events
+{
+    bool isOpen()
+    {
+        if (!server.listen(QHostAddress::LocalHost))
+            return false;
+        client = std::make_unique<MetadataClient>(QStringLiteral("127.0.0.1"), server.serverPort());
+        if (!QTest::qWaitFor([this] { return server.hasPendingConnections(); }))
+            return false;
+        socket.reset(server.nextPendingConnection());
+        return true;
+    }
+
+    QWebSocketServer server{QStringLiteral("events"), QWebSocketServer::NonSecureMode};
+    std::unique_ptr<MetadataClient> client;
+    std::unique_ptr<QWebSocket> socket;
+};
+
 } // namespace
 
 class TestChannels : public QObject
@@ -134,11 +153,10 @@ private Q_SLOTS:
     {
         ScriptedPeer peer;
         QVERIFY(peer.connect());
-        QWebSocketServer server(QStringLiteral("events"), QWebSocketServer::NonSecureMode);
-        QVERIFY(server.listen(QHostAddress::LocalHost));
-        MetadataClient client(QStringLiteral("127.0.0.1"), server.serverPort());
-        QVERIFY(QTest::qWaitFor([&] { return server.hasPendingConnections(); }));
-        const std::unique_ptr<QWebSocket> socket(server.nextPendingConnection());
+        Events events;
+        QVERIFY(events.isOpen());
+        MetadataClient& client = *events.client;
+        QWebSocket* socket = events.socket.get();
         QCOMPARE(socket->requestUrl().path(), QStringLiteral("/api/brume/v1/events"));
         QTRY_VERIFY(client.isKeepaliveRunning());
 
@@ -175,11 +193,10 @@ private Q_SLOTS:
     {
         ScriptedPeer peer;
         QVERIFY(peer.connect());
-        QWebSocketServer server(QStringLiteral("events"), QWebSocketServer::NonSecureMode);
-        QVERIFY(server.listen(QHostAddress::LocalHost));
-        MetadataClient client(QStringLiteral("127.0.0.1"), server.serverPort());
-        QVERIFY(QTest::qWaitFor([&] { return server.hasPendingConnections(); }));
-        const std::unique_ptr<QWebSocket> socket(server.nextPendingConnection());
+        Events events;
+        QVERIFY(events.isOpen());
+        MetadataClient& client = *events.client;
+        QWebSocket* socket = events.socket.get();
         QTRY_VERIFY(client.isKeepaliveRunning());
         QSignalSpy each(peer.session->mediaDataAggregator(), &MediaDataAggregator::metadataInvalidated);
         constexpr int count = 1000;
