@@ -19,6 +19,7 @@
 #include "ombra/show/initiallibrary.h"
 #include "ombra/show/mediawatcher.h"
 #include "ombra/show/noticeboard.h"
+#include "ombra/show/playpositions.h"
 #include "ombra/show/scenesettings.h"
 #include "ombra/show/showfiles.h"
 #include "ombra/show/showstore.h"
@@ -118,7 +119,7 @@ bool Server::start(std::string* error)
     startEngine();
     countSeconds();
     m_autoStart = std::make_unique<AutoStart>(*m_store, *m_settings, *m_showFiles, *m_currentShow);
-    m_autoStart->begin();
+    m_autoStart->begin(m_positions->stood(m_store->settings()));
     m_teller = std::make_unique<EventTeller>(
         m_io, [this](const EventTeller::Message& message) { m_http->broadcastStream(message); });
     m_store->addLibraryListener([this](const ShowStore::Difference& difference, bool isAnotherShow) {
@@ -165,6 +166,7 @@ bool Server::openShow(std::string* error)
     m_showFiles =
         std::make_unique<ShowFiles>(m_io, ShowFiles::Parts{*m_store, *m_settings, *m_outputs, *m_currentShow},
                                     m_options.state, m_options.media, m_options.copyEach);
+    m_positions = std::make_unique<PlayPositions>(m_options.state);
     m_autoSave = std::make_unique<AutoSave>(m_io, *m_showFiles, *m_currentShow, *m_store);
     m_showFiles->setTroubleListener(
         [this](const std::string& sentence) { m_notices->set("show file", sentence); });
@@ -276,18 +278,19 @@ bool Server::invoke(PathView methodPath, const Json& args, std::string* error)
 }
 
 /// What "reboot" means to this machine: everything stops, and the players start anew with the media that they
-/// had, playing or paused as they were.
+/// had, playing or paused, where they were.
 void Server::restartPlayers()
 {
     Log::write(LogLevel::Info, "vantrel.server", "restarting the players");
     const Json before = m_settings->current();
+    const Positions playing = positionsOf(*m_scene);
     stopEngine();
     for (const char* side : {"preview", "program"})
         m_scene->replaceProperty(
             m_scene->find("/device/channels/0/" + std::string(side) + "/properties/state"),
             Variant::from(SourcePlayState::Stop));
     startEngine();
-    m_settings->apply(before, {"playback", "audio"});
+    m_settings->apply(before, {"playback", "audio"}, playing);
 }
 
 void Server::propertyWritten(Object* object, const PropertyInfo* property, bool isByClient)
@@ -307,6 +310,7 @@ void Server::countSeconds()
             return;
         m_outputs->secondPassed();
         m_out->tellFigures();
+        m_positions->keep(*m_scene);
         countSeconds();
     });
 }

@@ -32,6 +32,7 @@ class LinkServer;
 class MediaData;
 class NoticeBoard;
 class Outputs;
+class PlayPositions;
 class PreviewServer;
 class ProgramOut;
 class RestApi;
@@ -103,6 +104,7 @@ private:
     std::unique_ptr<SceneSettings> m_settings;
     std::unique_ptr<CurrentShow> m_currentShow;
     std::unique_ptr<ShowFiles> m_showFiles;
+    std::unique_ptr<PlayPositions> m_positions;
     std::unique_ptr<AutoSave> m_autoSave;
     std::unique_ptr<AutoStart> m_autoStart;
     std::unique_ptr<PreviewServer> m_preview;

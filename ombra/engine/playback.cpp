@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <utility>
 
 namespace vantrel::ombra {
 
@@ -420,6 +421,19 @@ SourcePlayState Playback::state() const
     return m_player.deck() ? m_player.deck()->state() : SourcePlayState::Stop;
 }
 
+void Playback::tellWhetherItKeepsUp(bool constrained)
+{
+    if (constrained == std::exchange(m_isConstrained, constrained))
+        return;
+    const std::string side = m_path.substr(m_path.rfind('/') + 1);
+    if (constrained)
+        Log::write(LogLevel::Warning, "vantrel.engine",
+                   "decoding of " + m_loaded.url + " does not keep up: " + side +
+                       " shows its last picture for longer");
+    else
+        Log::write(LogLevel::Info, "vantrel.engine", "decoding for " + side + " keeps up again");
+}
+
 void Playback::publish(Scene& scene)
 {
     bool failed = false;
@@ -457,6 +471,7 @@ void Playback::publish(Scene& scene)
         m_taking = m_taking && m_player.inTransition();
         progress = m_taking ? m_player.progress() : 0;
     }
+    tellWhetherItKeepsUp(constrained);
     Object* object = scene.findObject(m_path);
     if (!object)
         return;

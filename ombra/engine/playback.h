@@ -94,6 +94,7 @@ private:
     void loadAnew();
     void seekTo(double position);
     std::string nextInList() const;
+    void tellWhetherItKeepsUp(bool constrained);
     void publishProgress(Scene& scene, Object& object, double progress);
 
     Studio& m_studio;
@@ -116,6 +117,7 @@ private:
     Canvas m_output;
     double m_gain = 0;
     LateWatch m_lateWatch;
+    bool m_isConstrained = false; // said
     bool m_taking = false;
     double m_progress = 0; // published
 };

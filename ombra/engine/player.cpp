@@ -20,7 +20,7 @@ constexpr double hangsAfter = 2; // seconds
 constexpr double madeAhead = 6;
 constexpr std::size_t followingAtMost = 3; // of media shorter than that
 /// Transitions over transitions are mixed whole up to so many media.
-constexpr std::size_t layersAtMost = 3;
+constexpr std::size_t layersAtMost = 4; // as many as a display paints
 /// Progress at which a transition is over, in spite of how its times were rounded.
 constexpr double whole = 1 - 1e-6;
 
@@ -237,15 +237,35 @@ void Player::beginNext()
 void Player::goOver(std::shared_ptr<Deck> deck, Transition transition, double since)
 {
     const bool timed = transition.type != TakeTransitionType::DirectCut && transition.seconds > 0;
-    if (m_layers.size() >= layersAtMost || !timed) {
+    if (!timed) {
         for (Layer& layer : m_layers)
             retire(std::move(layer.deck));
         m_layers.clear();
+    } else if (m_layers.size() >= layersAtMost) {
+        dropFaintest();
     }
     if (m_layers.empty() && timed)
         m_layers.push_back({nullptr, m_shown});
     m_layers.push_back(
         {std::move(deck), m_black, timed ? transition : Transition(), since, timed ? 0.0 : 1.0});
+}
+
+/// Of too many transitions at once the picture that is seen least goes, and nobody misses it.
+void Player::dropFaintest()
+{
+    auto faintest = m_layers.begin();
+    double least = 1, left = 1; // of the whole picture, for what lies below
+    for (auto layer = m_layers.end(); layer-- != m_layers.begin();) {
+        const MixShares shares =
+            layer == m_layers.begin() ? MixShares{0, 1} : mixShares(layer->transition.type, layer->progress);
+        if (left * shares.to < least) {
+            least = left * shares.to;
+            faintest = layer;
+        }
+        left *= shares.from;
+    }
+    retire(std::move(faintest->deck));
+    m_layers.erase(faintest);
 }
 
 bool Player::isFollowed() const

@@ -135,6 +135,7 @@ private:
     void beginNext();
     void replaceNext(Next next);
     void goOver(std::shared_ptr<Deck> deck, Transition transition, double since);
+    void dropFaintest();
     void prepareFollowing();
     bool isFollowed() const;
     double overlap(const Following& following) const;

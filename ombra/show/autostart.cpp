@@ -35,7 +35,7 @@ Json AutoStart::setting(const char* path) const
     return m_store.settings().get(path);
 }
 
-void AutoStart::begin()
+void AutoStart::begin(const Positions& playing)
 {
     const std::string name(setting(showPath).stringView());
     const bool isAnother = !name.empty() && name != CurrentShow::unnamed && name != m_current.name();
@@ -48,7 +48,7 @@ void AutoStart::begin()
         for (const char* path : {programState, previewState})
             first.set(path, toStr(SourcePlayState::Stop));
     }
-    m_settings.apply(first, SceneSettings::all());
+    m_settings.apply(first, SceneSettings::all(), isAnother ? Positions() : playing);
     if (isAnother)
         load(name, left);
 }

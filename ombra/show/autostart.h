@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ombra/show/playpositions.h"
 #include "tarn/json/json.h"
 
 namespace vantrel::ombra {
@@ -19,8 +20,8 @@ public:
     /// All must outlive this.
     AutoStart(ShowStore& store, SceneSettings& settings, ShowFiles& files, const CurrentShow& current);
 
-    /// Puts what was kept into the scene, and begins.
-    void begin();
+    /// Puts what was kept into the scene, and begins, at the positions that are given for what plays.
+    void begin(const Positions& playing);
 
 private:
     Json setting(const char* path) const;

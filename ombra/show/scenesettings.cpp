@@ -60,8 +60,8 @@ bool waitsToBeKept(const Object* output)
     return output->getProperty("confirmSeconds", seconds) && seconds.as<int>() > 0;
 }
 
-/// Whether a property is to be kept as it is now. A position is while its playback is paused: one that plays
-/// starts at the beginning again. A mode is once somebody has said that it can be seen.
+/// Whether a property is to be kept as it is now. A position is while its playback is paused; of what plays
+/// it is no part of the show. A mode is once somebody has said that it can be seen.
 bool lasts(const Object* object, const PropertyInfo* property)
 {
     Variant state;
@@ -123,7 +123,7 @@ SceneSettings::~SceneSettings()
 }
 
 // The settings come as a copy of their own, since what is saved changes while they are applied.
-void SceneSettings::apply(Json settings, const std::set<std::string>& sections)
+void SceneSettings::apply(Json settings, const std::set<std::string>& sections, const Positions& playing)
 {
     constexpr std::string_view state = "/properties/state", position = "/properties/mediaPosition";
     settings.forEachMember([&](std::string_view path, const Json& value) {
@@ -139,6 +139,9 @@ void SceneSettings::apply(Json settings, const std::set<std::string>& sections)
         const Json* at = settings.find(playback + std::string(position));
         if (sections.contains("playback") && at && value.stringView() == toStr(SourcePlayState::Pause))
             m_seek(playback, at->asDouble());
+        const auto stood = playing.find(playback);
+        if (stood != playing.end() && value.stringView() == toStr(SourcePlayState::Play))
+            m_seek(playback, stood->second);
         applyOne(path, value, sections);
         return true;
     });

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ombra/show/playpositions.h"
 #include "tarn/scene/scene.h"
 
 #include <functional>
@@ -33,8 +34,9 @@ public:
     SceneSettings& operator=(const SceneSettings&) = delete;
 
     /// Puts settings of these sections into the scene. What is not there any more, or does not fit, is passed
-    /// over with a log line. A playback that was paused shows its picture again.
-    void apply(Json settings, const std::set<std::string>& sections);
+    /// over with a log line. A playback that was paused shows its picture again, and one that plays begins at
+    /// the position that is given for it.
+    void apply(Json settings, const std::set<std::string>& sections, const Positions& playing = {});
     /// Everything that a show has of the scene, as it is now; of an output whose mode waits to be kept, the
     /// one before.
     Json current() const;

@@ -9,9 +9,13 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cmath>
 #include <functional>
+#include <map>
 #include <optional>
+#include <ranges>
 #include <thread>
+#include <vector>
 
 using namespace vantrel;
 using namespace vantrel::ombra;
@@ -229,6 +233,36 @@ private Q_SLOTS:
         QCOMPARE(m_player->deck(), first);
         QCOMPARE(first->position(), 5.0);
         QVERIFY(playsOn(*first));
+    }
+
+    /// Takes that come faster than their transitions end mix what plays, and never a still of the preview.
+    void manyTransitionsAtOnceMixWhatPlays()
+    {
+        std::vector<std::shared_ptr<Deck>> decks;
+        std::map<Surface*, double> before; // shares, by the picture that all of a deck's are here
+        for (int take = 0; take < 8; ++take) {
+            decks.push_back(make(m_disk, 9.96)); // its last picture stays
+            m_player->load(decks.back(), {TakeTransitionType::Crossfade, take == 0 ? 0.0 : 2.0});
+            QTRY_VERIFY((moment(), !m_player->waiting()));
+            for (int round = 0; round < 8; ++round) {
+                m_now += 0.04;
+                const Player::Moment shown = m_player->advance(m_now);
+                QCOMPARE(shown.to(), decks.back()->surface());
+                std::map<Surface*, double> shares;
+                double left = 1;
+                for (const Player::Moment::Layer& layer : shown.layers | std::views::reverse) {
+                    const bool isLowest = &layer == shown.layers.data();
+                    shares[layer.surface.get()] = isLowest ? left : left * layer.weight;
+                    left *= 1 - layer.weight;
+                    QVERIFY(std::ranges::any_of(
+                        decks, [&](const auto& deck) { return deck->surface() == layer.surface; }));
+                }
+                for (const auto& [surface, share] : before)
+                    QVERIFY2(take == 0 || std::abs(share - shares[surface]) < 0.2,
+                             qPrintable(QString::number(take)));
+                before = std::move(shares);
+            }
+        }
     }
 
     void stopsAndPausesAtOnce()
