@@ -81,8 +81,8 @@ bool rehearsed(const MediaLibrary& library, const std::function<bool(MediaLibrar
     } else {
         Patch::diff(before, done, made.redo, made.undo);
     }
-    made.before = baseOf(before, made.redo);
-    made.after = baseOf(done, made.undo);
+    made.before = DeferredBase([before](const Patch& patch) { return baseOf(before, patch); });
+    made.after = DeferredBase([done](const Patch& patch) { return baseOf(done, patch); });
     made.document = before;
     return true;
 }

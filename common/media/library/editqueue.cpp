@@ -70,16 +70,6 @@ bool isRecordKept(const Json& before, const Json& after, const Path& place)
 
 } // namespace
 
-const Patch& EditQueue::Entry::patch() const
-{
-    return direction == EditDirection::Redo ? edit->redo : edit->undo;
-}
-
-const PatchBase& EditQueue::Entry::base() const
-{
-    return direction == EditDirection::Redo ? edit->before : edit->after;
-}
-
 EditQueue::EditQueue(MediaLibraryApi* api)
     : QObject(api)
     , m_api(api)
@@ -189,8 +179,9 @@ bool EditQueue::prepare(Entry& entry)
     MediaLibrary after(m_api->library());
     after.applyDiff(anew.redo);
     const Json then = after.toJson();
-    if (edit.before.conflicts(now, anew.redo,
-                              [&](const Path& place) { return isRecordKept(now, then, place); })) {
+    if (edit.base(EditDirection::Redo).conflicts(now, anew.redo, [&](const Path& place) {
+            return isRecordKept(now, then, place);
+        })) {
         refuseFirst(overtaken);
         return false;
     }
@@ -206,8 +197,8 @@ bool EditQueue::prepare(Entry& entry)
 /// an answer that was lost may have been a yes.
 bool EditQueue::isDone(const Entry& entry, const Json& library) const
 {
-    const LibraryEdit& edit = *entry.edit;
-    const PatchBase& goal = entry.direction == EditDirection::Redo ? edit.after : edit.before;
+    const bool isRedo = entry.direction == EditDirection::Redo;
+    const PatchBase& goal = entry.edit->base(isRedo ? EditDirection::Undo : EditDirection::Redo);
     return !goal.empty() && goal.holds(library);
 }
 
@@ -235,6 +226,7 @@ void EditQueue::onAnswer(QNetworkReply* reply)
 {
     if (m_state != State::InFlight || reply != m_reply)
         return; // given up on
+    m_edits.front().edit->lookUpBases();
     const DiffApiError answer = answerOf(*reply);
     if (answer.statusCode == preconditionFailed && m_edits.front().tries < maxTries) {
         // Something that this window has not heard of came first.
@@ -311,6 +303,7 @@ EditQueue::Entry EditQueue::takeFirst()
 {
     Entry entry = std::move(m_edits.front());
     m_edits.pop_front();
+    entry.edit->lookUpBases();
     outdateExpected();
     m_patience.stop();
     m_awaited.reset();

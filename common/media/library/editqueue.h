@@ -50,8 +50,8 @@ private:
         EditAnswered answered; // empty when told
         int tries = 0;
 
-        const Patch& patch() const;
-        const PatchBase& base() const;
+        const Patch& patch() const { return edit->patch(direction); }
+        const PatchBase& base() const { return edit->base(direction); }
     };
     enum class State {
         Idle,      // the first one may be sent

@@ -7,10 +7,37 @@
 
 #include <functional>
 #include <memory>
+#include <utility>
 
 namespace vantrel {
 
 class MediaLibrary;
+
+enum class EditDirection { Redo, Undo };
+
+/// A patch's base that is looked up once somebody asks for it: that of thousands of records takes its time,
+/// which the turn of the operator's drop does not have.
+class DeferredBase
+{
+public:
+    using LookUp = std::function<PatchBase(const Patch&)>; // in the document that it holds
+
+    DeferredBase() = default;
+    explicit DeferredBase(LookUp lookUp)
+        : m_lookUp(std::move(lookUp))
+    {
+    }
+    const PatchBase& of(const Patch& patch) const
+    {
+        if (m_lookUp)
+            m_base = std::exchange(m_lookUp, nullptr)(patch);
+        return m_base;
+    }
+
+private:
+    mutable LookUp m_lookUp;
+    mutable PatchBase m_base;
+};
 
 /// An edit of the library in both directions. The command that an operator ran and the queue share it, so
 /// that an undo that waits behind its redo is the undo of what the redo became.
@@ -19,16 +46,29 @@ struct LibraryEdit
     QString text; // for the operator
     Patch redo;
     Patch undo;
-    PatchBase before; // what redo was made on
-    PatchBase after;  // what undo was made on
+    DeferredBase before; // what redo was made on
+    DeferredBase after;  // what undo was made on
     /// Makes all of the above anew for another library; false when the edit has no meaning there. Empty where
     /// an edit is nothing but its patches.
     std::function<bool(LibraryEdit& edit, const MediaLibrary& library)> rehearse;
     Json document;        // that redo was made on, until it is sent: there it fits, which nobody need look up
     bool refused = false; // the last redo changed nothing: there is nothing to undo
-};
 
-enum class EditDirection { Redo, Undo };
+    const Patch& patch(EditDirection direction) const
+    {
+        return direction == EditDirection::Redo ? redo : undo;
+    }
+    const PatchBase& base(EditDirection direction) const
+    {
+        return direction == EditDirection::Redo ? before.of(redo) : after.of(undo);
+    }
+    /// Lets go of the documents that the bases are looked up in.
+    void lookUpBases() const
+    {
+        base(EditDirection::Redo);
+        base(EditDirection::Undo);
+    }
+};
 
 /// What an edit's sender hears of it: the server's answer, or why it was never sent.
 using EditAnswered = std::function<void(const DiffApiError& answer)>;
