@@ -69,7 +69,10 @@ void compare(const std::function<bool()>& ours, const std::function<bool()>& the
 
 bool runs(const QString& program, const QStringList& arguments)
 {
-    return QProcess::execute(program, arguments) == 0;
+    const int result = QProcess::execute(program, arguments);
+    if (result != 0)
+        qWarning("%s ended with %d", qPrintable(program), result);
+    return result == 0;
 }
 
 bool fill(const QString& path, qint64 size)
