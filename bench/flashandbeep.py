@@ -7,22 +7,18 @@ usage: flashandbeep.py [SECONDS [ERROR OF THE DEVICE'S CLOCK, MILLIONTHS [OPTION
 The medium flashes and beeps in the same moment. Below 0 its sound is early.
 """
 import array
-import ctypes
 import fcntl
-import json
 import os
 import pathlib
-import socket
 import statistics
-import struct
 import subprocess
 import sys
 import tempfile
 import threading
 import time
 
-ROOT = pathlib.Path(__file__).resolve().parent.parent
-OMBRA = ROOT / "build/release/bin/ombra"
+from stage import PROGRAM, Link, Screen, start_ombra, stop
+
 CHANNELS, RATE = 8, 48000  # so many that what the driver's file holds back is little of a block
 FRAME = 4 * CHANNELS
 PATIENCE = 0.1  # seconds, with threads of a machine that has much to do
@@ -35,32 +31,10 @@ def make_medium(folder):
                     "-preset", "ultrafast", "-g", "30", "-c:a", "pcm_s16le", folder / "flash.mov"], check=True)
 
 
-class Screen:
-    """An X server without a screen, and one of its pixels."""
-
-    def __init__(self):
-        read, write = os.pipe()
-        self.process = subprocess.Popen(["Xvfb", "-displayfd", str(write), "-screen", "0", "640x360x24"],
-                                        pass_fds=[write], stderr=subprocess.DEVNULL)
-        self.name = ":" + os.read(read, 20).decode().strip()
-        self.x = ctypes.CDLL("libX11.so.6")
-        for name in ("XOpenDisplay", "XGetImage"):
-            getattr(self.x, name).restype = ctypes.c_void_p
-        self.x.XDefaultRootWindow.restype = self.x.XGetPixel.restype = ctypes.c_ulong
-        self.display = ctypes.c_void_p(self.x.XOpenDisplay(self.name.encode()))
-        self.root = ctypes.c_ulong(self.x.XDefaultRootWindow(self.display))
-
-    def is_white(self):
-        image = ctypes.c_void_p(self.x.XGetImage(self.display, self.root, 320, 180, 1, 1, ctypes.c_ulong(0xffffff), 2))
-        white = self.x.XGetPixel(image, 0, 0) & 0xff > 128
-        self.x.XDestroyImage(image)
-        return white
-
-
 def watch(screen, end, flashes):
     was_white = True
     while time.monotonic() < end:
-        white = screen.is_white()
+        white = screen.pixels(320, 180, 1)[0] & 0xff > 128
         if white and not was_white:
             flashes.append(time.monotonic())
         was_white = white
@@ -111,17 +85,6 @@ class Device:
         return moments
 
 
-def play(port):
-    link = socket.create_connection(("127.0.0.1", port))
-    program = "/device/channels/0/program"
-    for operation in ({"op": "replace", "path": program + "/properties/endAction", "value": "repeat"},
-                      {"op": "invoke", "path": program + "/methods/playMedia",
-                       "value": {"mediaUrl": "brume://collections/1/slots/1"}}):
-        body = json.dumps([operation]).encode()
-        link.sendall(struct.pack(">I", len(body)) + body)
-    return link
-
-
 def tell(flashes, heard, error, gaps):
     pairs = [(flash, min((beep - flash for beep in heard), key=abs) * 1000) for flash in flashes if heard]
     pairs = [(flash, offset) for flash, offset in pairs if abs(offset) < 400]
@@ -143,30 +106,24 @@ def main():
         (folder / "media").mkdir()
         make_medium(folder / "media")
         device = Device(folder / "pipe", error / 1e6)
-        screen = Screen()
-        environment = dict(os.environ, DISPLAY=screen.name, SDL_VIDEODRIVER="x11", SDL_AUDIODRIVER="disk",
-                           SDL_DISKAUDIOFILE=str(folder / "pipe"), SDL_DISKAUDIODELAY="0",
-                           SDL_AUDIO_CHANNELS=str(CHANNELS))
-        server = subprocess.Popen([OMBRA, "--media", folder / "media", "--state", folder / "state", "--http-port", "0",
-                                   "--link-port", "0", "--preview-port", "0", "--ftp-port", "0", "--no-discovery",
-                                   "--display", *sys.argv[3:]], env=environment, stdout=subprocess.PIPE, text=True)
+        screen = Screen(640, 360)
+        server, ports = start_ombra(screen, folder, *sys.argv[3:], SDL_AUDIODRIVER="disk",
+                                    SDL_DISKAUDIOFILE=str(folder / "pipe"), SDL_DISKAUDIODELAY="0",
+                                    SDL_AUDIO_CHANNELS=str(CHANNELS))
         try:
-            ready = dict(word.split("=") for word in server.stdout.readline().split() if "=" in word)
             end = time.monotonic() + 8 + seconds
             flashes = []
             ears = threading.Thread(target=device.run, args=(end,))
             ears.start()
             time.sleep(4)  # the device's clock is known by then, and the screen's beat
-            link = play(int(ready["link"]))
+            link = Link(ports)
+            link.replace(PROGRAM + "/properties/endAction", "repeat")
+            link.play(PROGRAM, 1)
             time.sleep(2)
             watch(screen, end - 2, flashes)
             ears.join()
-            link.close()
         finally:
-            server.kill()
-            server.wait()
-            screen.process.terminate()
-            screen.process.wait()
+            stop(server, screen.process)
         tell(flashes, device.beeps(), error, len(device.starts) - 1)
 
 

@@ -21,7 +21,13 @@ class Robot:
         self.socket = socket.create_connection(("127.0.0.1", port), timeout=10)
 
     def ask(self, **request):
+        self.send(request)
+        return self.answer()
+
+    def send(self, request):
         self.socket.sendall(json.dumps(request).encode())
+
+    def answer(self):
         text = b""
         while True:
             text += self.socket.recv(1 << 20)
@@ -40,8 +46,12 @@ class Robot:
         sys.exit(f"the window has no {name}")
 
     def mouse(self, operation, item):
+        self.begin_mouse(operation, item)
+        self.answer()
+
+    def begin_mouse(self, operation, item):
         at = {key: item[key] for key in ("objectName", "global_x", "global_y", "local_x", "local_y")}
-        self.ask(operation=operation, **at)
+        self.send({"operation": operation, **at})
 
     def slot(self, row):
         deadline = time.monotonic() + 20

@@ -176,7 +176,7 @@ ShownMoment Display::current(const Window& window, bool isFresh, Painter::Ground
         moment = due(window.rate());
         ground = m_ground;
         card = m_card;
-        m_figures.late += isFresh && m_moments.back().late ? 1 : 0;
+        m_figures.late += isFresh ? m_moments.back().missed : 0;
         m_figures.decodeLoad = m_moments.back().load;
     }
     if (!card) {

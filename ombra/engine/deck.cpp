@@ -156,13 +156,15 @@ void Deck::start(double position)
     m_feed.seek(position);
 }
 
-void Deck::advance(double now)
+void Deck::advance(double now, double lead)
 {
+    m_lead = lead;
     const PictureFeed::Status status = m_feed.status();
     m_sound.channels = 0;
     m_sound.samples.clear();
     m_sound.seams.clear();
     m_late = false;
+    m_missed = 0;
     m_past = 0;
     if (status.failed) {
         fail();
@@ -223,7 +225,7 @@ void Deck::play(double now, const PictureFeed::Status& status)
         startClock(now);
     m_clock = m_clockPosition + now - *m_clockStart;
     const double limit = end(status, true);
-    const bool ends = m_clock > limit - PictureReader::tolerance;
+    const bool ends = m_clock > limit - std::max(PictureReader::tolerance, m_lead);
     // In whole samples of the mixing clock: all that play through a moment have equally many of it.
     const std::int64_t samples =
         Sound::sampleAt(m_clockPosition) + Sound::sampleAt(now) - Sound::sampleAt(*m_clockStart);
@@ -232,12 +234,23 @@ void Deck::play(double now, const PictureFeed::Status& status)
         finish(limit);
         return;
     }
-    if (const std::optional<Picture> picture = m_feed.take(m_clock))
+    if (const std::optional<Picture> picture = m_feed.take(m_clock + m_lead))
         show(*picture);
     else if (status.ended && m_clock > status.endTime && m_shownFor > 0) // its sound goes on
         m_begin = m_position +=
             std::floor((m_clock - m_position + PictureReader::tolerance) / m_shownFor) * m_shownFor;
     m_late = m_clock > m_position + m_shownFor + lateTolerance && m_feed.isBehind();
+    countMissed();
+}
+
+void Deck::countMissed()
+{
+    const double overdue = m_clock + m_lead - m_position - m_shownFor;
+    if (overdue < 0 || m_shownFor <= 0 || !m_feed.isBehind())
+        return;
+    const int missed = 1 + static_cast<int>(std::min(overdue / m_shownFor, 1e6));
+    m_missed = std::max(0, missed - m_missedSoFar);
+    m_missedSoFar = std::max(m_missedSoFar, missed);
 }
 
 /// Takes the sound up to a position of the clock.
@@ -256,6 +269,7 @@ void Deck::show(const Picture& picture)
     m_position = picture.time;
     m_shownFor = picture.duration;
     m_begin = m_position;
+    m_missedSoFar = 0;
 }
 
 void Deck::finish(double end)

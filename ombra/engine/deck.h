@@ -54,11 +54,13 @@ public:
     /// Pauses, and goes on (or back) by whole pictures between the in and the out point.
     void step(int pictures);
 
-    /// Takes what the feed has for this moment. At the end it does as the end action says.
-    void advance(double now);
+    /// Takes what the feed has for this moment, which is a picture whose time comes by so many seconds after
+    /// it. At the end it does as the end action says.
+    void advance(double now, double lead = 0);
     /// Plays no further, though it is not paused: another one is to follow.
     bool atEnd() const { return m_atEnd && m_state == SourcePlayState::Play; }
-    /// Seconds by which the end lay before this moment, where it was reached since the moment before.
+    /// Seconds by which the end lay before this moment, where it was reached since the moment before; below 0
+    /// where it comes by the lead.
     double past() const { return m_past; }
     /// Seconds to the end, as far as that is known ahead; endless before the first picture and for what never
     /// ends.
@@ -75,6 +77,8 @@ public:
     std::optional<int> channels() const { return m_audio.channels(); }
     /// Whether the picture for this moment should have been decoded by now, and was not.
     bool late() const { return m_late; }
+    /// How many pictures came due since the advance before and were not decoded by then.
+    int missed() const { return m_missed; }
     /// The share of the time there is that decoding its pictures takes; above 1 it cannot keep up.
     double load() const { return m_feed.status().load; }
     double position() const { return m_position; } // of the surface
@@ -104,6 +108,7 @@ private:
     void startClock(double moment);
     void play(double now, const PictureFeed::Status& status);
     void hear(double to);
+    void countMissed();
     void show(const Picture& picture);
     void land(const Picture& picture);
     void fail();
@@ -123,6 +128,9 @@ private:
     bool m_atEnd = false;
     bool m_endIsDue = false; // the end action was put off
     bool m_late = false;
+    int m_missed = 0;
+    int m_missedSoFar = 0; // since the picture that stands
+    double m_lead = 0;
     double m_past = 0;
     std::optional<double> m_soundAwaitedSince; // "now"
     std::optional<double> m_clockStart;        // "now" at which m_clockPosition was shown, while playing

@@ -112,6 +112,7 @@ void Mixer::run()
         if (m_paced) {
             kind = Round::Paced;
             now = *std::exchange(m_paced, std::nullopt);
+            learnBeat(now);
             next = std::max(now, Clock::now()) + pacePatience;
         } else if (now >= next) {
             // Rounds count by the rate and not by when they came: 25 pictures a second meet 25 rounds
@@ -128,6 +129,17 @@ void Mixer::run()
         m_ticked();
         lock.lock();
     }
+}
+
+/// Of the display that paces: the shortest of late, since it leaves out moments at times.
+void Mixer::learnBeat(Clock::time_point moment)
+{
+    constexpr double longest = 0.05, grows = 1.01;
+    const double since = std::chrono::duration<double>(moment - m_pacedLast).count();
+    m_pacedLast = moment;
+    if (since <= 0 || since > longest)
+        return;
+    m_beat = m_beat > 0 ? std::min(since, m_beat * grows) : since;
 }
 
 void Mixer::round(double now, Round kind)
@@ -147,7 +159,7 @@ void Mixer::round(double now, Round kind)
             if (i >= m_outputs.size())
                 return;
             output = m_outputs[i].get();
-            moment = output->playback->player().advance(now);
+            moment = output->playback->player().advance(now, kind == Round::Paced ? m_beat / 2 : 0);
             gain = output->playback->gain();
             output->playback->lateWatch().note(moment.late, now);
             retired = output->playback->player().takeRetired();
@@ -175,7 +187,7 @@ void Mixer::show(Output& output, const Player::Moment& moment, double now)
 {
     ShownMoment shown;
     shown.time = now;
-    shown.late = moment.late;
+    shown.missed = moment.missed;
     shown.load = moment.load;
     for (const Player::Moment::Layer& layer : moment.layers) {
         const MixShares shares =

@@ -60,6 +60,7 @@ private:
     enum class Round { Woken, Paced, InTime };
     /// InTime: a moment of the rate, and not one in between; levels are of whole such moments.
     void round(double now, Round kind);
+    void learnBeat(Clock::time_point moment);
     void send(Output& output, const Ref<Surface>& surface, double now);
     void sendLevels(Output& output, double now);
 
@@ -80,7 +81,10 @@ private:
     bool m_woken = false;
     std::optional<Clock::time_point> m_paced;
     bool m_stop = false;
+    // Of the thread.
     double m_sendAt = 0; // the next time of the rate, while somebody paces
+    double m_beat = 0;   // seconds between two moments of who paces
+    Clock::time_point m_pacedLast{};
     std::thread m_thread;
 };
 

@@ -161,8 +161,9 @@ bool Player::ended() const
            onAir()->endAction() == EndAction::Next;
 }
 
-Player::Moment Player::advance(double now)
+Player::Moment Player::advance(double now, double lead)
 {
+    m_lead = lead;
     m_before = std::exchange(m_now, now);
     Moment moment;
     if (onAir())
@@ -170,8 +171,9 @@ Player::Moment Player::advance(double now)
     for (const Layer& layer : m_layers) {
         if (!layer.deck)
             continue;
-        layer.deck->advance(now);
+        layer.deck->advance(now, lead);
         moment.late = moment.late || layer.deck->late();
+        moment.missed += layer.deck->missed();
         moment.load = std::max(moment.load, layer.deck->load());
     }
     sound(moment); // of the time before this moment: what was on air
@@ -217,7 +219,7 @@ void Player::beginNext()
     if (mayOpen())
         m_next->deck->begin();
     const SourcePlayState wanted = m_next->deck->state(); // a failure stops it
-    m_next->deck->advance(m_now);
+    m_next->deck->advance(m_now, m_lead);
     if (!m_next->deck->failed())
         return;
     if (!m_next->seeks && wanted == SourcePlayState::Play) {
@@ -279,7 +281,7 @@ void Player::prepareFollowing()
         Deck& deck = *m_following[i].deck;
         if (mayOpen())
             deck.begin();
-        deck.advance(m_now);
+        deck.advance(m_now, m_lead);
         if (!deck.failed()) {
             ++i;
             continue;
@@ -325,7 +327,7 @@ void Player::handOver(double ago, Moment& moment)
     following.transition.seconds = overlap(following);
     following.deck->release(m_now, ago);
     following.deck->setFollowed(false);
-    following.deck->advance(m_now);
+    following.deck->advance(m_now, m_lead);
     const bool isCut = following.transition.seconds <= 0;
     Layer& top = m_layers.back();
     // What follows while a transition is under way comes in with it: the transition goes on.

@@ -30,6 +30,7 @@ public:
         HeardMoment heard;           // the same, not mixed yet; without its gain and its time
         std::optional<int> channels; // of what plays; nothing while that is not known
         bool late = false;           // a picture of it was not decoded in time
+        int missed = 0;              // pictures that came due and were not decoded by then
         double load = 0;             // of the deck whose decoding takes most of its time
 
         const Ref<Surface>& to() const { return layers.back().surface; }
@@ -89,7 +90,9 @@ public:
     /// Whether the end was reached, the end action Next is due, and nothing follows.
     bool ended() const;
 
-    Moment advance(double now);
+    /// Pictures are those whose time comes by so many seconds after the moment: half of what one is shown for
+    /// on a display, so that a beat that is a little off shows none twice.
+    Moment advance(double now, double lead = 0);
     /// What became of the moment: the picture from which a transition starts when there is no deck to go on.
     void setShown(Ref<Surface> surface) { m_shown = std::move(surface); }
 
@@ -158,6 +161,7 @@ private:
     std::deque<Following> m_following;
     std::vector<News> m_news;
     double m_now = 0;
+    double m_lead = 0;   // seconds after it
     double m_before = 0; // "now" of the moment before
     std::vector<Retired> m_retired;
     SoundLayers m_heard;

@@ -20,7 +20,7 @@ struct ShownMoment
     std::vector<Layer> layers; // none: nothing is on it
     double dipped = 0;         // share of black
     double time = 0;           // of the mixing clock, seconds
-    bool late = false;         // a picture of it was not decoded in time
+    int missed = 0;            // pictures that came due and were not decoded by then
     double load = 0;           // share of the time there is that decoding takes
 };
 

@@ -13,6 +13,7 @@
 #include <functional>
 #include <map>
 #include <optional>
+#include <random>
 #include <ranges>
 #include <thread>
 #include <vector>
@@ -102,7 +103,7 @@ private:
     }
     Ref<Surface> moment()
     {
-        const Ref<Surface> shown = m_player->advance(m_now).to();
+        const Ref<Surface> shown = m_player->advance(m_now, m_lead).to();
         (void)m_player->takeRetired();
         return shown;
     }
@@ -164,6 +165,7 @@ private:
     Disk m_disk;
     Disk m_hanging;
     double m_now = 0;
+    double m_lead = 0;
     std::unique_ptr<Player> m_player;
 
 private Q_SLOTS:
@@ -175,7 +177,7 @@ private Q_SLOTS:
     {
         m_disk.opened = m_disk.mostOpen = m_hanging.opened = m_hanging.mostOpen = 0;
         m_hanging.answers = false;
-        m_now = 0;
+        m_now = m_lead = 0;
         m_player = std::make_unique<Player>(blackSurface({}), true);
     }
     void cleanup() { m_player.reset(); }
@@ -331,6 +333,36 @@ private Q_SLOTS:
         m_hanging.answers = true;
         QVERIFY(until([this] { return isPrepared(); }));
         QVERIFY(m_player->deck()->remaining() > 1.99);
+    }
+
+    void aScreenOfNearlyTheSameRateShowsEachPictureOnce_data()
+    {
+        QTest::addColumn<double>("rate");
+        QTest::newRow("a little fast") << 25.0015;
+        QTest::newRow("a little slow") << 24.9985;
+    }
+
+    /// Real screens are some millionths off and threads come early and late: of clips of the same rate, one
+    /// after the other, none shows a picture twice or leaves one out.
+    void aScreenOfNearlyTheSameRateShowsEachPictureOnce()
+    {
+        QFETCH(double, rate);
+        constexpr int clips = 3, pictures = 250;
+        m_lead = 0.5 / rate;
+        std::minstd_rand random(1);
+        std::uniform_real_distribution<double> jitter(-0.005, 0.005); // seconds
+        m_player->load(make(m_disk), {});
+        QVERIFY(until([this] { return !m_player->waiting(); }));
+        for (int i = 1; i < clips * pictures; ++i) {
+            if (i % pictures == pictures / 2)
+                m_player->follow(make(m_disk), {}, false);
+            QVERIFY(i % pictures != pictures - 1 || i > (clips - 1) * pictures ||
+                    until([this] { return isPrepared(); }));
+            m_now = i / rate + jitter(random);
+            const double position = i % pictures / 25.0;
+            QVERIFY2(until([&] { return qAbs(m_player->deck()->position() - position) < 1e-6; }),
+                     qPrintable(QStringLiteral("%1: %2").arg(i).arg(m_player->deck()->position())));
+        }
     }
 
     /// Two decks in turn, and nothing adds up: after an hour a loop of two seconds stands where it should.
