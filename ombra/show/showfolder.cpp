@@ -66,11 +66,13 @@ std::vector<std::filesystem::path> filesOf(const std::filesystem::path& folder)
     return files;
 }
 
-/// The time in microseconds since 1970 and what came next, of "<time>-<word>"; false for another's name.
-bool parseId(const std::string& id, std::int64_t& time, std::string& before)
+/// The number (microseconds since 1970, mostly) and what came next, of "<number>-<word>"; false for another's
+/// name.
+bool parseId(const std::string& id, std::int64_t& number, std::string& before)
 {
-    const auto [end, code] = std::from_chars(id.data(), id.data() + id.size(), time);
-    if (code != std::errc() || end == id.data() + id.size() || *end != '-')
+    constexpr std::int64_t largest = std::int64_t{1} << 62; // there is one above it
+    const auto [end, code] = std::from_chars(id.data(), id.data() + id.size(), number);
+    if (code != std::errc() || number < 0 || number > largest || end == id.data() + id.size() || *end != '-')
         return false;
     before.assign(end + 1, id.data() + id.size());
     return !before.empty() && std::ranges::all_of(before, [](char c) { return c >= 'a' && c <= 'z'; });
@@ -117,17 +119,11 @@ std::vector<ShowFolder::Entry> ShowFolder::shows()
 std::vector<ShowFolder::Entry> ShowFolder::copies(const Json& present)
 {
     std::vector<Entry> all;
-    for (const auto& path : filesOf(m_copies)) {
+    for (const auto& [key, path] : copyFiles()) {
         Entry entry;
-        std::int64_t time = 0;
-        std::string before;
-        const std::string id = path.stem().string();
-        if (!parseId(id, time, before))
-            continue;
         look(path, &present, entry);
-        entry.name = before;
-        entry.id = id;
-        entry.modified = time / 1'000'000;
+        entry.name = key.second;
+        entry.id = path.stem().string();
         all.push_back(std::move(entry));
     }
     std::ranges::reverse(all);
@@ -175,9 +171,9 @@ std::optional<std::string> ShowFolder::read(const std::string& name, std::string
 
 std::optional<std::string> ShowFolder::readCopy(const std::string& id, std::string* error) const
 {
-    std::int64_t time = 0;
+    std::int64_t number = 0;
     std::string before;
-    const std::filesystem::path path = parseId(id, time, before) ? m_copies / (id + ".show") : m_copies;
+    const std::filesystem::path path = parseId(id, number, before) ? m_copies / (id + ".show") : m_copies;
     return readShow(path, "that state is no longer kept", error);
 }
 
@@ -191,25 +187,37 @@ bool ShowFolder::remove(const std::string& name, std::string* error)
     return false;
 }
 
+/// Above all that there are, also where the clock stands before them: the oldest go by their numbers.
 bool ShowFolder::keepCopy(const std::string& before, const std::string& text, std::string* error)
 {
     const auto now = std::chrono::duration_cast<std::chrono::microseconds>(
                          std::chrono::system_clock::now().time_since_epoch())
                          .count();
-    if (!write(m_copies / (std::to_string(now) + '-' + before + ".show"), text, error))
+    auto files = copyFiles();
+    const std::int64_t newest = files.empty() ? 0 : files.rbegin()->first.first;
+    const std::int64_t number = std::max<std::int64_t>(now, newest + 1);
+    if (!write(m_copies / (std::to_string(number) + '-' + before + ".show"), text, error))
         return false;
-    std::vector<std::filesystem::path> files = filesOf(m_copies);
-    std::erase_if(files, [](const std::filesystem::path& path) {
-        std::int64_t time = 0;
-        std::string word;
-        return !parseId(path.stem().string(), time, word);
-    });
-    for (std::size_t i = 0; i + keptCopies < files.size(); ++i) {
+    while (files.size() >= keptCopies) { // with the new one
+        const std::filesystem::path oldest = files.extract(files.begin()).mapped();
         std::error_code ignored; // it goes with the next one
-        std::filesystem::remove(files[i], ignored);
-        m_known.erase(files[i]);
+        std::filesystem::remove(oldest, ignored);
+        m_known.erase(oldest);
     }
     return true;
+}
+
+/// By their numbers and what came after them, the oldest first.
+std::map<std::pair<std::int64_t, std::string>, std::filesystem::path> ShowFolder::copyFiles() const
+{
+    std::map<std::pair<std::int64_t, std::string>, std::filesystem::path> files;
+    for (auto& path : filesOf(m_copies)) {
+        std::int64_t number = 0;
+        std::string before;
+        if (parseId(path.stem().string(), number, before))
+            files.emplace(std::pair(number, before), std::move(path));
+    }
+    return files;
 }
 
 std::filesystem::path ShowFolder::pathOf(const std::string& name) const

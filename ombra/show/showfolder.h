@@ -8,6 +8,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace vantrel::ombra {
@@ -49,6 +50,7 @@ public:
 
 private:
     std::filesystem::path pathOf(const std::string& name) const;
+    std::map<std::pair<std::int64_t, std::string>, std::filesystem::path> copyFiles() const;
     void look(const std::filesystem::path& path, const Json* present, Entry& entry);
 
     std::filesystem::path m_shows, m_copies;
