@@ -32,6 +32,12 @@ bool isEnum(const Json& value)
     return fromStr(value.stringView(), out);
 }
 
+/// What a start puts program into, or "" to leave it as it was.
+bool isPlayStateOrNone(const Json& value)
+{
+    return value.stringView().empty() || isEnum<SourcePlayState>(value);
+}
+
 bool isName(const Json& value)
 {
     return value.stringView().size() <= longestName;
@@ -73,7 +79,7 @@ const std::map<std::string, std::map<std::string, Check, std::less<>>, std::less
         {"ShowConfiguration",
          {{"autoSave", anything},
           {"autoStartShow", isShortText},
-          {"autoStartPlayState", isEnum<SourcePlayState>},
+          {"autoStartPlayState", isPlayStateOrNone},
           {"autoStartShowList", isShortText}}},
         {"Surface",
          {{"name", isName},
@@ -128,22 +134,34 @@ bool inRange(const PropertyInfo* property, const Json& value)
     return property->max.type() == VariantType::None || number <= property->max.as<double>();
 }
 
+/// Null for what no client writes.
+Check checkOf(const Object* object, const PropertyInfo* property)
+{
+    const auto type = table().find(object->getTypeName());
+    if (type == table().end())
+        return nullptr;
+    const auto rule = type->second.find(property->name);
+    return rule == type->second.end() ? nullptr : rule->second;
+}
+
 } // namespace
+
+bool isSensible(const Object* object, const PropertyInfo* property, const Json& value, std::string& why)
+{
+    const Check check = checkOf(object, property);
+    if ((!check || check(value)) && inRange(property, value))
+        return true;
+    why = "the value is out of range";
+    return false;
+}
 
 bool clientMayWrite(const Object* object, const PropertyInfo* property, const Json& value, std::string& why)
 {
-    const auto type = table().find(object->getTypeName());
-    const auto rule =
-        type == table().end() ? decltype(type->second.find(""))() : type->second.find(property->name);
-    if (type == table().end() || rule == type->second.end() || property->readOnly) {
+    if (!checkOf(object, property) || property->readOnly) {
         why = "the property is the server's";
         return false;
     }
-    if (!rule->second(value) || !inRange(property, value)) {
-        why = "the value is out of range";
-        return false;
-    }
-    return true;
+    return isSensible(object, property, value, why);
 }
 
 bool clientMayRestructure(const Scene& scene, const PatchOp& op, std::string& why)

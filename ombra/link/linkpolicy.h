@@ -8,6 +8,10 @@
 
 namespace vantrel::ombra {
 
+/// Whether a value of the property's type means something to it, whoever brings it: a client or a show. On
+/// false, why says the reason.
+bool isSensible(const Object* object, const PropertyInfo* property, const Json& value, std::string& why);
+
 /// Whether a client may write this value to a property of the scene: only what an operator sets, and only
 /// values that mean something. On false, why says the reason.
 bool clientMayWrite(const Object* object, const PropertyInfo* property, const Json& value, std::string& why);

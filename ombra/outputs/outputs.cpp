@@ -8,6 +8,7 @@
 #include "tarn/media/mediaenums.h"
 #include "tarn/scene/variantjson.h"
 
+#include <algorithm>
 #include <array>
 
 namespace vantrel::ombra {
@@ -195,6 +196,29 @@ void Outputs::propertyWritten(const Object* object, const PropertyInfo* property
 {
     if (VideoOutput* output = outputOf(object))
         output->propertyWritten(property->name, isByClient && isOnAir(*output));
+    else if (object->getTypeName() == "GpuMapping" && property->name == "target")
+        settleTargets(object);
+}
+
+/// Each mapping has an output of its own: the other one takes what the written one had, and what is no
+/// output is undone.
+void Outputs::settleTargets(const Object* written)
+{
+    const Object* mappings = m_scene.findObject("/device/channels/0/mappings");
+    if (!mappings || mappings->childCount() < 2 || m_outputs.size() < 2)
+        return;
+    const bool isFirst = mappings->childAt(0) == written;
+    Object* mine = mappings->childAt(isFirst ? 0 : 1);
+    Object* other = mappings->childAt(isFirst ? 1 : 0);
+    const auto otherThan = [this](const std::string& name) {
+        return m_outputs[m_outputs[0]->name() == name ? 1 : 0]->name();
+    };
+    const std::string taken = propertyOf<std::string>(other, "target");
+    const std::string wanted = propertyOf<std::string>(mine, "target");
+    if (std::ranges::none_of(m_outputs, [&](const auto& output) { return output->name() == wanted; }))
+        setProperty(m_scene, mine, "target", otherThan(taken));
+    else if (wanted == taken)
+        setProperty(m_scene, other, "target", otherThan(wanted));
 }
 
 bool Outputs::invokeMapping(Object* mapping, const std::string& method, const Json& args, std::string* error)

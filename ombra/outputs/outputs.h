@@ -34,8 +34,10 @@ public:
     /// in error.
     std::optional<bool> invoke(PathView methodPath, const Json& args, std::string* error);
 
-    /// A property was written: an output takes over the mode and the EDID that it names, and a write of what
-    /// it cannot take is undone. isByClient: and not out of a show, which is as it was meant.
+    /// A property was written: an output takes over the mode and the EDID that it names. In the place of a
+    /// mode that it cannot take it has the usual one; an EDID that is none is undone, and so is a target that
+    /// is no output. Of a target that the other mapping has, the two change places. isByClient: and not out
+    /// of a show, which is as it was meant.
     void propertyWritten(const Object* object, const PropertyInfo* property, bool isByClient);
 
     /// All outputs and mappings as on the first start.
@@ -61,6 +63,7 @@ public:
 private:
     VideoOutput* outputOf(const Object* object) const;
     bool isOnAir(const VideoOutput& output) const;
+    void settleTargets(const Object* written);
     bool invokeMapping(Object* mapping, const std::string& method, const Json& args, std::string* error);
     bool configure(Object* channel, const Json& args, std::string* error);
 

@@ -1,7 +1,9 @@
 #include "ombra/show/scenesettings.h"
 
+#include "ombra/link/linkpolicy.h"
 #include "ombra/outputs/outputs.h"
 #include "ombra/show/showstore.h"
+#include "ombra/show/showtargets.h"
 #include "tarn/log/log.h"
 #include "tarn/media/playenums.h"
 #include "tarn/scene/variantjson.h"
@@ -126,6 +128,7 @@ SceneSettings::~SceneSettings()
 void SceneSettings::apply(Json settings, const std::set<std::string>& sections, const Positions& playing)
 {
     constexpr std::string_view state = "/properties/state", position = "/properties/mediaPosition";
+    settings = ShowTargets(m_scene, settings).settings;
     settings.forEachMember([&](std::string_view path, const Json& value) {
         if (!path.ends_with(state) && !path.ends_with(position))
             applyOne(path, value, sections);
@@ -154,10 +157,14 @@ const char* SceneSettings::sectionAt(std::string_view path) const
     return at.deref() && at.property() ? sectionOf(at.deref(), at.property()) : nullptr;
 }
 
-Json SceneSettings::chosen(const Json& settings, const std::set<std::string>& sections) const
+Json SceneSettings::chosen(const Json& settings, const std::set<std::string>& sections,
+                           std::string& note) const
 {
+    const ShowTargets targets(m_scene, settings);
+    if (sections.contains("output"))
+        note = targets.note;
     Json found = Json::object();
-    settings.forEachMember([&](std::string_view path, const Json& value) {
+    targets.settings.forEachMember([&](std::string_view path, const Json& value) {
         const char* section = sectionAt(path);
         if (section && sections.contains(section) && !value.isNull())
             found.set(path, value);
@@ -176,11 +183,17 @@ std::string SceneSettings::misfit(const Json& settings, const std::set<std::stri
         const char* section = sectionAt(path);
         if (!section || !sections.contains(section) || value.isNull())
             return true;
-        const VariantType type = m_scene.find(path).property()->type;
+        const ScenePointer at = m_scene.find(path);
+        const VariantType type = at.property()->type;
+        std::string why;
         if (variantFromJson(value, type).converted(type).type() != type)
             sentence = "The show's value for " + std::string(path) + " is no " + toStr(type) + ".";
+        else if (!isSensible(at.deref(), at.property(), value, why))
+            sentence = "The show's setting " + std::string(path) + " cannot be used: " + why + ".";
         return sentence.empty();
     });
+    if (sentence.empty() && sections.contains("output"))
+        sentence = ShowTargets(m_scene, settings).fault;
     return sentence;
 }
 
@@ -196,6 +209,9 @@ void SceneSettings::applyOne(std::string_view path, const Json& value, const std
 bool SceneSettings::write(const std::string& path, const Json& value)
 {
     const ScenePointer at = m_scene.find(path);
+    std::string ignored; // the caller tells
+    if (!isSensible(at.deref(), at.property(), value, ignored))
+        return false;
     Patch patch;
     PatchOp op;
     op.op = PatchOpType::Replace;

@@ -219,7 +219,8 @@ void ShowFiles::replace(const SharedChange& change, const std::vector<std::strin
     keepCopy(change->before, [this, change, missing](const std::string& error) {
         if (!error.empty())
             return finish(change->done, {507, error, {}});
-        Json settings = m_parts.settings.chosen(change->file->show.get("settings"), change->sections);
+        std::string note;
+        Json settings = m_parts.settings.chosen(change->file->show.get("settings"), change->sections, note);
         change->instead.forEachMember([&settings](std::string_view path, const Json& value) {
             settings.set(path, value);
             return true;
@@ -227,15 +228,15 @@ void ShowFiles::replace(const SharedChange& change, const std::vector<std::strin
         Json saved = settings;
         if (!change->name.empty())
             saved.set(CurrentShow::namePath, change->name);
-        const auto replaced = [this, change, settings, missing](const EditResult& result) {
+        const auto replaced = [this, change, settings, missing, note](const EditResult& result) {
             if (result.status != EditResult::Status::Saved)
                 return finish(change->done, {statusOf(result), sentenceOf(result.message), {}});
             m_parts.settings.apply(settings, change->sections);
             if (!change->name.empty())
                 m_parts.current.setSaved(change->name, m_parts.store.library().toJson(),
                                          m_parts.settings.current());
-            tell({}); // what it said of the show before
-            finish(change->done, {200, {}, missing});
+            tell(note); // and no more what it said of the show before
+            finish(change->done, {200, {}, missing, note});
             letGoLater(change);
         };
         put(change->sections.contains("medialibrary") ? std::optional(change->file->library) : std::nullopt,
@@ -314,7 +315,10 @@ void ShowFiles::takeSaved(const std::string& name, const Json& instead, const ch
     const auto told = [this, title, failed = telling(title + failure),
                        done = std::move(done)](const Outcome& outcome) {
         if (outcome.status == 200 && !outcome.missing.empty())
-            tell(title + " is on. " + missingSentence(outcome.missing));
+            tell(title + " is on. " + missingSentence(outcome.missing) +
+                 (outcome.note.empty() ? "" : ' ' + outcome.note));
+        else if (outcome.status == 200)
+            tell(outcome.note);
         else
             failed(outcome);
         if (done)

@@ -50,6 +50,7 @@ public:
         unsigned status = 200;            // of HTTP
         std::string error;                // a sentence
         std::vector<std::string> missing; // media; where it is refused, for them
+        std::string note = {};            // what is on otherwise than the show has it, a sentence
     };
     using Done = std::function<void(const Outcome&)>;
 

@@ -217,6 +217,17 @@ private Q_SLOTS:
         QCOMPARE(text(wall + "/properties/edidOverride"), std::string());
     }
 
+    /// Preview and program never have one output, nor one that is not there.
+    void targetsThatAreWrittenChangePlaces()
+    {
+        const std::string mappings = "/device/channels/0/mappings/";
+        write(mappings + "1", "target", "DP-1", true);
+        QCOMPARE(text(mappings + "0/properties/target"), std::string("DP-2"));
+        write(mappings + "0", "target", "DP-9", true);
+        QCOMPARE(text(mappings + "0/properties/target"), std::string("DP-2"));
+        QCOMPARE(text(mappings + "1/properties/target"), std::string("DP-1"));
+    }
+
     void displaysComeAndGo()
     {
         const std::string wall = "/device/system/gpus/0/outputs/1";
