@@ -12,9 +12,9 @@ constexpr std::size_t mostMissing = 1000;
 ShowFiles::Done answering(const HttpAnswer& answer)
 {
     return [answer](const ShowFiles::Outcome& outcome) {
-        if (outcome.status == 200)
-            return answer({.body = "{}"});
-        Json body = Json::object({{"error", outcome.error}});
+        Json body = Json::object();
+        if (outcome.status != 200)
+            body.set("error", outcome.error);
         if (!outcome.missing.empty()) {
             Json missing = Json::array();
             for (std::size_t i = 0; i < std::min(mostMissing, outcome.missing.size()); ++i)

@@ -24,14 +24,20 @@ std::vector<std::string> missingMedia(const std::filesystem::path& mediaFolder, 
     return missing;
 }
 
+std::string missingCount(const std::vector<std::string>& missing)
+{
+    return missing.size() == 1
+               ? "One of the show's media is not on this server."
+               : std::to_string(missing.size()) + " of the show's media are not on this server.";
+}
+
 std::string missingSentence(const std::vector<std::string>& missing)
 {
     constexpr std::size_t named = 8;
-    std::string text = missing.size() == 1
-                           ? "One of the show's media is not on this server: "
-                           : std::to_string(missing.size()) + " of the show's media are not on this server: ";
+    std::string text = missingCount(missing);
+    text.back() = ':';
     for (std::size_t i = 0; i < std::min(named, missing.size()); ++i)
-        text += (i > 0 ? ", " : "") + missing[i];
+        text += (i > 0 ? ", " : " ") + missing[i];
     if (missing.size() > named)
         text += " and " + std::to_string(missing.size() - named) + " more";
     return text + '.';

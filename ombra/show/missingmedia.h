@@ -12,6 +12,9 @@ namespace vantrel::ombra {
 /// in the media folder. Asks the disk for each; any thread.
 std::vector<std::string> missingMedia(const std::filesystem::path& mediaFolder, const MediaLibrary& library);
 
+/// How many there are as a sentence; beside their names.
+std::string missingCount(const std::vector<std::string>& missing);
+
 /// The same as a sentence that names some of them.
 std::string missingSentence(const std::vector<std::string>& missing);
 

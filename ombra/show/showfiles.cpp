@@ -164,12 +164,6 @@ void ShowFiles::check(const SharedChange& change)
     Outcome outcome;
     if (file.status != 200)
         outcome = {file.status, file.error, {}};
-    else if (const Json version = file.show.get("version");
-             version.asInt() != showfile::version && !change->forced)
-        outcome = {409,
-                   "The show is of version " + version.asString() + " of the format, and this server knows " +
-                       std::to_string(showfile::version) + ".",
-                   {}};
     else if (hasLibrary && !file.libraryError.empty())
         outcome = {422, sentenceOf("The show's library cannot be used: " + file.libraryError), {}};
     else if (const std::string misfit = m_parts.settings.misfit(file.show.get("settings"), change->sections);
@@ -177,18 +171,30 @@ void ShowFiles::check(const SharedChange& change)
         outcome = {422, misfit, {}};
     if (outcome.status != 200)
         return finish(change->done, outcome);
-    if (!hasLibrary || change->forced)
-        return replace(change, {});
+    if (!hasLibrary)
+        return askOrReplace(change, {});
     const auto ask = [change, media = m_media] { return missingMedia(media, change->file->library); };
-    aside(ask, [this, change](const std::vector<std::string>& missing) {
-        if (missing.empty() || change->takesMissing)
-            replace(change, missing);
-        else
-            finish(change->done, {409, missingSentence(missing), missing});
-    });
+    aside(ask, [this, change](const std::vector<std::string>& missing) { askOrReplace(change, missing); });
 }
 
-/// Keeps the present show as a copy that can be brought back, unless the newest one is the same.
+/// All that an operator may overrule is told at once, and what is missing also behind it.
+void ShowFiles::askOrReplace(const SharedChange& change, const std::vector<std::string>& missing)
+{
+    std::string doubt;
+    const Json version = change->file->show.get("version");
+    if (version.asInt() != showfile::version)
+        doubt = "The show is of version " + version.asString() + " of the format, and this server knows " +
+                std::to_string(showfile::version) + ".";
+    if (!missing.empty() && !change->takesMissing)
+        doubt += (doubt.empty() ? "" : " ") + missingCount(missing);
+    if (doubt.empty() || change->forced)
+        replace(change, missing);
+    else
+        finish(change->done, {409, doubt, missing});
+}
+
+/// Keeps the present show as a copy that can be brought back, unless the newest one is the same. then is told
+/// why that was not possible.
 void ShowFiles::keepCopy(const std::string& before, std::function<void(const std::string& error)> then,
                          int tries)
 {

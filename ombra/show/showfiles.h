@@ -49,15 +49,15 @@ public:
     {
         unsigned status = 200;            // of HTTP
         std::string error;                // a sentence
-        std::vector<std::string> missing; // media; where it is refused, for them
+        std::vector<std::string> missing; // media; where it is refused, for them among others
         std::string note = {};            // what is on otherwise than the show has it, a sentence
     };
     using Done = std::function<void(const Outcome&)>;
 
     /// Takes over sections of a show file: names out of "output", "audio", "playback" and "medialibrary" with
     /// commas between, none meaning all. 400 for what is no show file or section; 409, unless it is forced,
-    /// for another version and for media that are not there; 413 when its library is too large, 422 when it
-    /// is not valid, 507 when the disk takes nothing.
+    /// for another version and for media that are not there, which are told in both cases; 413 when its
+    /// library is too large, 422 when it is not valid, 507 when the disk takes nothing.
     void importShow(std::shared_ptr<const showfile::Reading> file, const std::string& include, bool forced,
                     Done done);
     /// Goes on with the show that was saved under a name; 404 where there is none.
@@ -107,8 +107,8 @@ private:
 
     void readThenCheck(const std::function<std::optional<std::string>(std::string*)>& read, Change change);
     void check(const SharedChange& change);
-    void keepCopy(const std::string& before, std::function<void(const std::string& error)> then,
-                  int tries = 3);
+    void askOrReplace(const SharedChange& change, const std::vector<std::string>& missing);
+    void keepCopy(const std::string& before, std::function<void(const std::string& why)> then, int tries = 3);
     void replace(const SharedChange& change, const std::vector<std::string>& missing);
     void put(const std::optional<MediaLibrary>& library, const Json& settings,
              const ShowStore::Answer& answer, int tries = 3);

@@ -74,8 +74,7 @@ SINGLETONS = {
         "common/qml/qmlmanager.cpp": "what QML may see of the application",
         "common/ui/shell/mainwindow.cpp": "hands it to what shows the messages",
         "common/ui/shell/notificationpresenter.cpp": "shows the messages",
-        "common/ui/shell/showmanager.cpp": "tells how a work of the server's ended",
-        "common/ui/shell/showshelf.cpp": "tells how a work of the server's ended",
+        "common/ui/shell/showoutcome.cpp": "tells how a work of the server's ended",
         "common/views/playlist/playlistfiles.cpp": "tells how a file was read or written",
     },
     "QMLManager": {

@@ -90,8 +90,8 @@ QString OnAirQuestions::beforeClear() const
     return isProgramOnAir() ? onAir() + tr("It goes black at once.") + u' ' : QString();
 }
 
-void OnAirQuestions::ask(const QString& title, const QString& text, const QString& yes, const QString& name,
-                         std::function<void()> act, QWidget* over)
+ConfirmationDialog* OnAirQuestions::ask(const QString& title, const QString& text, const QString& yes,
+                                        const QString& name, std::function<void()> act, QWidget* over)
 {
     auto* dialog = new ConfirmationDialog(title, text, yes, over ? over : m_window);
     dialog->setObjectNames(name);
@@ -99,6 +99,7 @@ void OnAirQuestions::ask(const QString& title, const QString& text, const QStrin
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     connect(dialog, &ZTDialog::confirmed, this, std::move(act), Qt::QueuedConnection);
     dialog->open();
+    return dialog;
 }
 
 } // namespace vantrel

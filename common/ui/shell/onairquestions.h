@@ -6,6 +6,7 @@
 
 namespace vantrel {
 
+class ConfirmationDialog;
 class Session;
 
 /// Asks before what an audience would notice: while program plays or holds a picture, or where it cannot be
@@ -36,8 +37,8 @@ public:
     QString beforeClear() const;
 
     /// A question with its yes. over: null for the window.
-    void ask(const QString& title, const QString& text, const QString& yes, const QString& name,
-             std::function<void()> act, QWidget* over = nullptr);
+    ConfirmationDialog* ask(const QString& title, const QString& text, const QString& yes,
+                            const QString& name, std::function<void()> act, QWidget* over = nullptr);
 
 private:
     bool isPlaying() const;

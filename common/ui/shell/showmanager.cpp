@@ -4,14 +4,15 @@
 #include "common/command/refusal.h"
 #include "common/command/showcommands.h"
 #include "common/media/address/showntext.h"
-#include "common/notification/notificationmanagerimpl.h"
 #include "common/session/mirror/guishowconfiguration.h"
 #include "common/session/mirror/sceneobjectprovider.h"
 #include "common/session/mirror/serverconfigurationmodel.h"
 #include "common/session/session.h"
 #include "common/ui/shell/importshowdialog.h"
+#include "common/ui/shell/missinglist.h"
 #include "common/ui/shell/onairquestions.h"
 #include "common/ui/shell/showfileaccess.h"
+#include "common/ui/shell/showoutcome.h"
 #include "common/ui/shell/showprogress.h"
 #include "common/ui/shell/showservice.h"
 #include "common/ui/shell/showshelf.h"
@@ -21,9 +22,12 @@
 
 #include <QDateTime>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QLoggingCategory>
 #include <QStandardPaths>
 #include <QUrlQuery>
+
+#include <utility>
 
 namespace vantrel {
 
@@ -54,16 +58,9 @@ QString forceText()
 /// What the operator is asked behind the error that came, in whose place no other reason may stand.
 QString questionFor(const ShowService::Answer& answer)
 {
-    constexpr int conflict = 409; // the server has read the show and would rather not take it
-    return answer.status == conflict && answer.missing.isEmpty()
+    return answer.isConflict() && answer.missing.isEmpty()
                ? forceText()
                : ShowManager::tr("Do you want to import it all the same?");
-}
-
-void tellDone(const QString& what)
-{
-    NotificationManagerImpl::instance()->createNotification(Notification::CheckedMessage,
-                                                            what.toHtmlEscaped(), QString());
 }
 
 } // namespace
@@ -80,12 +77,14 @@ ShowManager::ShowManager(Session* session, QWidget* parent)
     , m_saveAsDialog(new TextInputDialog(tr("Save show as"), tr("Name of show:"), tr("SAVE"), parent))
     , m_importDialog(new ImportShowDialog(parent))
     , m_forceImportDialog(new ConfirmationDialog(tr("Force import"), forceText(), tr("IMPORT"), parent))
+    , m_forceMissing(new MissingList(m_forceImportDialog))
 {
     m_clearDialog->setObjectNames(QStringLiteral("ClearShowDialog"));
     m_clearDialog->setAcceptClass(QStringLiteral("red"));
     m_revertDialog->setObjectNames(QStringLiteral("RevertShowDialog"));
     m_saveAsDialog->setObjectNames(QStringLiteral("SaveShowAsDialog"));
     m_forceImportDialog->setObjectNames(QStringLiteral("ForceImportDialog"));
+    m_forceMissing->setObjectName(QStringLiteral("ForceImportDialog-missing-view"));
     connect(m_clearDialog, &ZTDialog::confirmed, this, &ShowManager::clearShow);
     connect(m_revertDialog, &ZTDialog::confirmed, this, &ShowManager::revertShow);
     m_saveAsDialog->setClosesOnAccept(false);
@@ -94,6 +93,7 @@ ShowManager::ShowManager(Session* session, QWidget* parent)
     connect(m_importDialog, &ImportShowDialog::importShow, this, &ShowManager::askToImport,
             Qt::QueuedConnection);
     connect(m_forceImportDialog, &ZTDialog::confirmed, this, &ShowManager::forceImport);
+    connect(m_forceImportDialog, &QDialog::finished, this, &ShowManager::askNext, Qt::QueuedConnection);
 }
 
 void ShowManager::handleSaveAs()
@@ -212,13 +212,12 @@ void ShowManager::askToImport(const QString& fileName, const QStringList& import
 
 void ShowManager::importShow(QString fileName, QStringList imports)
 {
-    readShowFile(fileName).then(this, [this, imports](const ShowFileReading& reading) {
+    readShowFile(fileName).then(this, [this, fileName, imports](const ShowFileReading& reading) {
         if (!reading.fault.isEmpty()) {
             qCWarning(log) << "Failed to open import file:" << reading.fault;
             return tellNotDone(tr("Import show"), reading.fault);
         }
-        m_importSections = imports;
-        m_importData = reading.bytes;
+        m_import = std::make_shared<const Import>(Import{fileName, reading.bytes, imports});
         sendImportRequest(false);
     });
 }
@@ -230,25 +229,46 @@ void ShowManager::forceImport()
 
 void ShowManager::sendImportRequest(bool force)
 {
+    if (const SharedImport import = force ? m_asked : m_import)
+        sendImport(import, force);
+}
+
+/// Several may be on their way at once: each keeps what it sends.
+void ShowManager::sendImport(const SharedImport& import, bool force)
+{
     QUrlQuery query;
-    if (!m_importSections.isEmpty())
-        query.addQueryItem(QStringLiteral("include"), m_importSections.join(u','));
+    if (!import->sections.isEmpty())
+        query.addQueryItem(QStringLiteral("include"), import->sections.join(u','));
     if (force)
         query.addQueryItem(QStringLiteral("force"), QString());
-    const auto then = [this, force](const ShowService::Answer& answer) {
+    const auto then = [this, import, force](const ShowService::Answer& answer) {
         if (answer.isDone()) {
             qCDebug(log) << "Success:" << answer.body();
-            return tellDone(tr("The show was imported"));
+            return tellDone(tr("The show was imported"), answer.missing);
         }
         qCDebug(log) << "Error:" << answer.netError;
         if (force || answer.isStopped)
             return tellNotDone(tr("Import show"), answer.error);
-        m_forceImportDialog->setDescription(answer.error + QStringLiteral("\n\n") + questionFor(answer));
-        m_forceImportDialog->open();
+        m_refused.append({import, answer});
+        askNext();
     };
-    m_progress->follow(
-        m_service->ask(tr("Import show"), "POST", QStringLiteral("/show/current"), query, m_importData, then),
-        tr("Import show"), tr("The server takes the show over. It plays on meanwhile."));
+    m_progress->follow(m_service->ask(tr("Import show"), "POST", QStringLiteral("/show/current"), query,
+                                      import->bytes, then),
+                       tr("Import show"), tr("The server takes the show over. It plays on meanwhile."));
+}
+
+/// One question at a time, with the file that its answer will send.
+void ShowManager::askNext()
+{
+    if (m_forceImportDialog->isVisible() || m_refused.isEmpty())
+        return;
+    const auto [import, answer] = m_refused.takeFirst();
+    m_asked = import;
+    const QString file = tr("File: %1").arg(shownText(QFileInfo(import->fileName).fileName()));
+    m_forceImportDialog->setDescription(
+        QStringList{answer.error, file, questionFor(answer)}.join(QStringLiteral("\n\n")));
+    m_forceMissing->setMedia(answer.missing);
+    m_forceImportDialog->open();
 }
 
 void ShowManager::handleExport()

@@ -1,18 +1,23 @@
 #pragma once
 
+#include "common/ui/shell/showservice.h"
+
 #include <QByteArrayList>
+#include <QList>
 #include <QObject>
 #include <QStringList>
+
+#include <memory>
 
 namespace vantrel {
 
 class ConfirmationDialog;
 class ImportShowDialog;
+class MissingList;
 class Object;
 class OnAirQuestions;
 class Session;
 class ShowProgress;
-class ShowService;
 class ShowShelf;
 class TextInputDialog;
 
@@ -33,6 +38,7 @@ public:
     /// Only with exactly one name: it joins the server's list of shows, and the show is saved under it.
     void saveShowAs(const QStringList& values);
     void exportShow(const QString& fileName);
+    /// force: of the file that the operator is asked about, else of the one that was read last.
     void sendImportRequest(bool force);
     void sendClearShowCommand(const QString& showName);
     void sendRevertShowCommand(const QString& showName);
@@ -52,6 +58,17 @@ public Q_SLOTS:
     void forceImport();
 
 private:
+    /// What goes to the server, also a second time: the file need not be there any more by then.
+    struct Import
+    {
+        QString fileName;
+        QByteArray bytes;
+        QStringList sections;
+    };
+    using SharedImport = std::shared_ptr<const Import>;
+
+    void sendImport(const SharedImport& import, bool force);
+    void askNext();
     void askToImport(const QString& fileName, const QStringList& imports);
     void confirmSaveAs(const QStringList& values);
     void saveUnlessTaken(const QString& name, const QStringList& names);
@@ -64,13 +81,15 @@ private:
     ShowService* m_service;
     ShowProgress* m_progress;
     ShowShelf* m_shelf;
-    QByteArray m_importData; // kept for a forced second try
-    QStringList m_importSections;
+    SharedImport m_import;                                         // that was read last
+    SharedImport m_asked;                                          // that the operator is asked about
+    QList<std::pair<SharedImport, ShowService::Answer>> m_refused; // to be asked about, one after the other
     ConfirmationDialog* m_clearDialog;
     ConfirmationDialog* m_revertDialog;
     TextInputDialog* m_saveAsDialog;
     ImportShowDialog* m_importDialog;
     ConfirmationDialog* m_forceImportDialog;
+    MissingList* m_forceMissing;
 };
 
 } // namespace vantrel

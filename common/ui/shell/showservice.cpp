@@ -1,6 +1,7 @@
 #include "common/ui/shell/showservice.h"
 
 #include "common/command/commandgate.h"
+#include "common/media/address/showntext.h"
 #include "common/session/link/connectionhandler.h"
 #include "common/session/session.h"
 
@@ -10,6 +11,7 @@
 #include <QNetworkReply>
 #include <QUrl>
 
+#include <algorithm>
 #include <memory>
 #include <utility>
 
@@ -20,6 +22,15 @@ namespace {
 /// Properties of the reply.
 constexpr const char* stopped = "isStopped";
 constexpr const char* lost = "isLost";
+
+/// Names come from outside.
+QStringList missingIn(const QByteArray& body)
+{
+    QStringList names =
+        QJsonDocument::fromJson(body).object().value(QStringLiteral("missing")).toVariant().toStringList();
+    std::ranges::transform(names, names.begin(), [](const QString& name) { return shownText(name); });
+    return names;
+}
 
 void lose(QNetworkReply* reply)
 {
@@ -83,8 +94,11 @@ void ShowService::stop(QNetworkReply* reply)
 void ShowService::finish(const QNetworkReply& reply, Answer& answer)
 {
     answer.status = reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
-    if (reply.error() == QNetworkReply::NoError)
+    if (reply.error() == QNetworkReply::NoError) {
+        if (reply.operation() != QNetworkAccessManager::GetOperation)
+            answer.missing = missingIn(answer.body());
         return;
+    }
     answer.netError = reply.errorString();
     answer.isStopped = reply.property(stopped).toBool();
     const bool asksOnly = reply.operation() == QNetworkAccessManager::GetOperation;
@@ -107,7 +121,7 @@ void ShowService::finish(const QNetworkReply& reply, Answer& answer)
     }
     const QJsonObject said = QJsonDocument::fromJson(answer.body()).object();
     answer.error = said.value(QStringLiteral("error")).toString();
-    answer.missing = said.value(QStringLiteral("missing")).toVariant().toStringList();
+    answer.missing = missingIn(answer.body());
     if (answer.error.isEmpty())
         answer.error = answer.status == 0 ? tr("The server did not answer (%1).").arg(answer.netError)
                                           : tr("The server refused it (%1).").arg(answer.status);

@@ -29,10 +29,12 @@ public:
         QString error;  // a sentence, in the server's own words where it has any; empty where it was done
         QByteArrayList pieces; // of the body, which is large: a show
         QString netError;      // as the network tells it
-        QStringList missing;   // media, where it was refused for them
+        QStringList missing;   // media: what it was refused for, or what is done lacks
         bool isStopped = false;
 
         bool isDone() const { return error.isEmpty(); }
+        /// The server has looked at it and would rather not; it can be told to all the same.
+        bool isConflict() const { return status == 409; }
         QByteArray body() const { return pieces.join(); }
     };
     using Then = std::function<void(const Answer&)>;

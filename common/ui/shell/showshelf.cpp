@@ -3,15 +3,18 @@
 #include "common/command/refusal.h"
 #include "common/filesystem/model/filesize.h"
 #include "common/media/address/showntext.h"
-#include "common/notification/notificationmanagerimpl.h"
+#include "common/session/link/linkhealth.h"
 #include "common/session/mirror/guishowconfiguration.h"
 #include "common/session/mirror/sceneobjectprovider.h"
 #include "common/session/mirror/serverconfigurationmodel.h"
 #include "common/session/session.h"
+#include "common/ui/shell/missinglist.h"
 #include "common/ui/shell/onairquestions.h"
+#include "common/ui/shell/showoutcome.h"
 #include "common/ui/shell/showprogress.h"
 #include "common/ui/shell/showservice.h"
 #include "common/ui/shell/showtabledialog.h"
+#include "common/ui/toolkit/confirmationdialog.h"
 #include "common/ui/toolkit/pushbutton.h"
 
 #include <QDateTime>
@@ -244,16 +247,16 @@ void ShowShelf::change(const QString& command, const QString& path, const QStrin
     if (force)
         query.addQueryItem(QStringLiteral("force"), QString());
     const auto then = [this, command, path, key, value, force, done](const ShowService::Answer& answer) {
-        constexpr int conflict = 409; // the server has looked at it and would rather not
         if (answer.isDone())
-            NotificationManagerImpl::instance()->createNotification(Notification::CheckedMessage,
-                                                                    done.toHtmlEscaped(), QString());
-        else if (answer.status == conflict && !force)
-            m_questions->ask(
-                tr("Load it all the same?"), answer.error, tr("LOAD"), QStringLiteral("ForceLoadDialog"),
-                [this, command, path, key, value, done] { change(command, path, key, value, true, done); });
-        else
-            tellNotDone(command, answer.error);
+            return tellDone(done, answer.missing);
+        if (!answer.isConflict() || force)
+            return tellNotDone(command, answer.error);
+        auto* question = m_questions->ask(
+            tr("Load it all the same?"), answer.error, tr("LOAD"), QStringLiteral("ForceLoadDialog"),
+            [this, command, path, key, value, done] { change(command, path, key, value, true, done); });
+        auto* missing = new MissingList(question);
+        missing->setObjectName(QStringLiteral("ForceLoadDialog-missing-view"));
+        missing->setMedia(answer.missing);
     };
     m_progress->follow(m_service->ask(command, "POST", path, query, {}, then), command,
                        tr("The server takes the show over. It plays on meanwhile."));

@@ -53,6 +53,23 @@ private Q_SLOTS:
         QCOMPARE(m_live.request("GET", "/show/current").body, before);
     }
 
+    /// All that speaks against it at once, and what is missing also where somebody insists.
+    void tellsWhatIsMissingBesideItsVersion()
+    {
+        QByteArray show = showOf({});
+        show.replace("\"version\":1", "\"version\":7");
+        QByteArray library = "'library':{'collections':{'1':{'slots':{'1':{'contentUrl':'file:///a.mp4'},"
+                             "'2':{'contentUrl':'file:///b.mp4'}}}}}";
+        show.replace("\"library\":{}", library.replace('\'', '"'));
+        const auto refused = m_live.request("POST", "/show/current", show);
+        QCOMPARE(refused.status, 409);
+        QVERIFY2(refused.body.contains("version 7") && refused.body.contains("2 of the show's media"),
+                 refused.body.constData());
+        const auto forced = m_live.request("POST", "/show/current?force", show);
+        QCOMPARE(forced.status, 200);
+        QCOMPARE(forced.body, QByteArray(R"({"missing":["a.mp4","b.mp4"]})"));
+    }
+
     void findsItsOutputsByTheirPlace_data()
     {
         QTest::addColumn<QByteArray>("targetsThere");
