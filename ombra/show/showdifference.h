@@ -15,6 +15,7 @@ struct ShowContents
     std::size_t entries = 0;
 
     static ShowContents of(const Json& library);
+    bool isNothing() const { return collections == 0 && playlists == 0; }
     Json toJson() const;
 };
 

@@ -15,6 +15,8 @@ namespace vantrel::ombra {
 
 namespace {
 
+constexpr std::string_view configurationPath = "/device/showConfiguration/"; // of no show
+
 unsigned statusOf(const EditResult& result)
 {
     return result.status == EditResult::Status::Saved      ? 200
@@ -29,6 +31,18 @@ std::string sentenceOf(std::string reason)
     if (reason[0] >= 'a' && reason[0] <= 'z')
         reason[0] = static_cast<char>(reason[0] - 'a' + 'A');
     return reason.ends_with('.') ? reason : reason + '.';
+}
+
+/// What became of a file to be saved.
+struct Saving
+{
+    std::string why; // it was not
+    bool keptOther = false;
+};
+
+ShowFiles::Outcome withoutCopy(const std::string& why)
+{
+    return {507, "No copy of the present show could be kept first: " + why + ". Nothing was changed.", {}};
 }
 
 /// As the second half of a sentence.
@@ -207,24 +221,24 @@ void ShowFiles::keepCopy(const std::string& before, std::function<void(const std
         folder->keepCopy(before, showfile::textOf(showfile::make(library, settings)), &why);
         return why;
     };
-    aside(write, [this, before, library, settings, then = std::move(then),
-                  tries](const std::string& why) mutable {
-        if (!why.empty())
-            return then("No copy of the present show could be kept first: " + why + ". Nothing was changed.");
-        replaceAside(m_keptLibrary, library);
-        m_keptSettings = settings;
-        // Somebody may have edited meanwhile.
-        if (tries > 1 && !m_parts.store.latestLibrary().toJson().sameNode(library))
-            return keepCopy(before, std::move(then), tries - 1);
-        then({});
-    });
+    aside(write,
+          [this, before, library, settings, then = std::move(then), tries](const std::string& why) mutable {
+              if (!why.empty())
+                  return then(why);
+              replaceAside(m_keptLibrary, library);
+              m_keptSettings = settings;
+              // Somebody may have edited meanwhile.
+              if (tries > 1 && !m_parts.store.latestLibrary().toJson().sameNode(library))
+                  return keepCopy(before, std::move(then), tries - 1);
+              then({});
+          });
 }
 
 void ShowFiles::replace(const SharedChange& change, const std::vector<std::string>& missing)
 {
-    keepCopy(change->before, [this, change, missing](const std::string& error) {
-        if (!error.empty())
-            return finish(change->done, {507, error, {}});
+    keepCopy(change->before, [this, change, missing](const std::string& why) {
+        if (!why.empty())
+            return finish(change->done, withoutCopy(why));
         std::string note;
         Json settings = m_parts.settings.chosen(change->file->show.get("settings"), change->sections, note);
         change->instead.forEachMember([&settings](std::string_view path, const Json& value) {
@@ -337,29 +351,49 @@ void ShowFiles::takeSaved(const std::string& name, const Json& instead, const ch
     readThenCheck(read, std::move(change));
 }
 
+/// What was saved under the name before stays as an earlier state where somebody may miss it: it was another
+/// show, or nothing is saved in its place.
 void ShowFiles::save(const std::string& name, const Done& done)
 {
     const Json library = m_parts.store.library().toJson();
     const Json settings = m_parts.settings.current();
-    const auto write = [folder = m_folder, name, library, settings] {
-        std::string why;
-        folder->save(name, showfile::textOf(showfile::make(library, settings)), &why);
-        return why;
+    const bool isEmpty = ShowContents::of(library).isNothing();
+    const bool replaces = isEmpty || name != m_parts.current.name();
+    const auto write = [folder = m_folder, name, library, settings, replaces] {
+        Saving saving;
+        saving.keptOther = replaces && folder->keepReplaced(name, library, &saving.why);
+        if (saving.why.empty())
+            folder->save(name, showfile::textOf(showfile::make(library, settings)), &saving.why);
+        return saving;
     };
-    aside(write, [this, name, library, settings, done](const std::string& why) {
+    aside(write, [this, name, library, settings, isEmpty, done](const Saving& saving) {
+        const std::string& why = saving.why;
         if (why.empty())
             m_parts.current.setSaved(name, library, settings);
+        if (saving.keptOther)
+            replaceAside(m_keptLibrary, Json()); // it is no more the newest
         finish(done, {why.empty() ? 200u : 507u, sentenceOf(why), {}});
+        if (why.empty() && saving.keptOther && isEmpty)
+            tell("The show \"" + name +
+                 "\" was saved without any media. What was saved under this name before stays among the "
+                 "earlier states.");
     });
 }
 
 /// The players stop once the library is gone, and not before: a disk that takes nothing leaves all as it is.
 void ShowFiles::clear(const Done& done)
 {
-    keepCopy("clear", [this, done](const std::string& error) {
-        if (!error.empty())
-            return finish(done, {507, error, {}});
-        put(MediaLibrary(), Json::object(), [this, done](const EditResult& result) {
+    keepCopy("clear", [this, done](const std::string& why) {
+        if (!why.empty())
+            return finish(done, withoutCopy(why));
+        // The settings go with the library: a server that is killed now starts with nothing of the show.
+        Json settings = Json::object();
+        m_parts.settings.current().forEachMember([&settings](std::string_view path, const Json&) {
+            if (!path.starts_with(configurationPath))
+                settings.set(path, Json());
+            return true;
+        });
+        put(MediaLibrary(), settings, [this, done](const EditResult& result) {
             if (result.status != EditResult::Status::Saved)
                 return finish(done, {statusOf(result), sentenceOf(result.message), {}});
             m_parts.outputs.reset();
@@ -444,9 +478,10 @@ void ShowFiles::startHour()
         if (code)
             return;
         enqueue([this] {
-            keepCopy("hour", [this](const std::string& error) {
-                if (!error.empty())
-                    tell(error);
+            keepCopy("hour", [this](const std::string& why) {
+                if (!why.empty())
+                    tell("The copy that is kept every hour could not be written: " + why +
+                         ". Make room on the server's disk. The show itself goes on.");
                 next();
             });
         });

@@ -207,6 +207,16 @@ bool ShowFolder::keepCopy(const std::string& before, const std::string& text, st
     return true;
 }
 
+bool ShowFolder::keepReplaced(const std::string& name, const Json& library, std::string* error)
+{
+    std::string none; // also what cannot be read is nothing that could be brought back
+    const auto text = read(name, &none);
+    if (!text)
+        return false;
+    const showfile::Reading before = showfile::read(*text);
+    return before.status == 200 && !(before.show.get("library") == library) && keepCopy("save", *text, error);
+}
+
 /// By their numbers and what came after them, the oldest first.
 std::map<std::pair<std::int64_t, std::string>, std::filesystem::path> ShowFolder::copyFiles() const
 {

@@ -25,7 +25,7 @@ public:
 
     struct Entry
     {
-        std::string name;          // of a show; of a copy what came after it: "clear", "revert", ...
+        std::string name;          // of a show; of a copy what came after it: "clear", "save", ...
         std::string id;            // of a copy
         std::int64_t modified = 0; // seconds since 1970
         std::uintmax_t bytes = 0;
@@ -45,6 +45,10 @@ public:
     bool remove(const std::string& name, std::string* error);
     /// Keeps one more copy and lets the oldest go. before: a word of small letters.
     bool keepCopy(const std::string& before, const std::string& text, std::string* error);
+
+    /// Keeps what was saved under a name as a copy ("save"), unless there is nothing, or its library is this
+    /// one. False, too, when that was not possible, with the reason in error.
+    bool keepReplaced(const std::string& name, const Json& library, std::string* error);
 
     static bool isName(const std::string& name) { return !name.empty() && name.size() <= longestName; }
 

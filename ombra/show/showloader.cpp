@@ -31,7 +31,10 @@ bool replay(const Json& entry, LoadedShow& show)
     if (!changed || !changed->isObject())
         return operations != nullptr;
     changed->forEachMember([&show](std::string_view path, const Json& value) {
-        show.settings.set(path, value);
+        if (value.isNull())
+            show.settings.erase(path);
+        else
+            show.settings.set(path, value);
         return true;
     });
     return true;

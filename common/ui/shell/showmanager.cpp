@@ -128,8 +128,10 @@ void ShowManager::saveUnlessTaken(const QString& name, const QStringList& names)
     if (!names.contains(name) || name == present)
         return saveShowAs({name});
     m_questions->ask(tr("Replace \"%1\"?").arg(shownText(name)),
-                     tr("Another show is saved under this name and will be lost."), tr("REPLACE"),
-                     QStringLiteral("ReplaceShowDialog"), [this, name] { saveShowAs({name}); });
+                     tr("Another show is saved under this name. It stays among the earlier states, of which "
+                        "the last 20 are kept."),
+                     tr("REPLACE"), QStringLiteral("ReplaceShowDialog"),
+                     [this, name] { saveShowAs({name}); });
 }
 
 void ShowManager::handleRevertShow()

@@ -63,6 +63,7 @@ QString beforeText(const QString& before)
         {QStringLiteral("clear"), ShowShelf::tr("Clear show")},
         {QStringLiteral("revert"), ShowShelf::tr("another show")},
         {QStringLiteral("import"), ShowShelf::tr("Import show")},
+        {QStringLiteral("save"), ShowShelf::tr("another show saved under its name")},
         {QStringLiteral("earlier"), ShowShelf::tr("an earlier state")},
         {QStringLiteral("hour"), ShowShelf::tr("nothing (each hour)")},
     };

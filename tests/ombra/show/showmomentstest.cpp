@@ -1,4 +1,5 @@
 #include "tarn/json/json.h"
+#include "tests/ombra/linkpeer.h"
 #include "tests/ombra/liveserver.h"
 #include "tests/support/testmain.h"
 
@@ -47,6 +48,41 @@ private Q_SLOTS:
         QVERIFY(keeps(2));
         rename("b");
         QVERIFY(keeps(3));
+    }
+
+    /// A show that is saved over by nothing, or by another one, is not lost.
+    void whatIsSavedOverStays()
+    {
+        LiveServer live;
+        QVERIFY(live.start());
+        LinkPeer peer(live.server().linkPort());
+        peer.send("[{\"op\":\"get\",\"path\":\"\"}]");
+        const auto show = [&](const std::string& method, const std::string& name) {
+            peer.send("[{\"op\":\"invoke\",\"path\":\"/device/showConfiguration/methods/" + method +
+                      "\",\"value\":{\"showName\":\"" + name + "\"}}]");
+        };
+        const auto keeps = [&](std::size_t copies, const char* before) {
+            return live.waitFor([&] {
+                Json answer;
+                Json::parseString(live.request("GET", "/shows/earlier").body.toStdString(), answer);
+                const Json states = answer.get("states");
+                return states.size() == copies && states.at(0)->get("before").asString() == before &&
+                       states.at(0)->get("contents").get("collections").asInt() > 0;
+            });
+        };
+        const QByteArray edit = "[{'op':'add','path':'/collections/7','value':{'name':'a'}}]";
+        QCOMPARE(live.request("PATCH", "/medialibrary", json(edit)).status, 200);
+        show("saveShow", "gala");
+        show("saveShow", "gala");
+        show("clearShow", "default");
+        QVERIFY(keeps(1, "clear"));
+        show("saveShow", "default"); // which goes by the name "gala" still
+        QVERIFY(keeps(2, "save"));
+        QVERIFY(live.waitFor([&] {
+            peer.read();
+            return peer.value("/device/system/properties/notice").find("\"gala\" was saved without") !=
+                   std::string::npos;
+        }));
     }
 
     /// Two windows may do it in the same moment: both are told, and what is on then is one of the two shows.
