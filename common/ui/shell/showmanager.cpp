@@ -117,8 +117,15 @@ void ShowManager::confirmSaveAs(const QStringList& values)
     m_saveAsDialog->setError(0, error);
     if (!error.isEmpty())
         return;
-    m_saveAsDialog->close();
-    m_shelf->fetchNames([this, name](const QStringList& names) { saveUnlessTaken(name, names); });
+    // The name stays to be tried again until it is clear what becomes of it.
+    m_shelf->fetchNames(
+        [this, name](const QStringList& names) {
+            if (!m_saveAsDialog->isVisible())
+                return; // nobody wants it any more
+            m_saveAsDialog->close();
+            saveUnlessTaken(name, names);
+        },
+        [this](const QString& why) { m_saveAsDialog->setError(0, why); });
 }
 
 /// What another show was saved as is gone with the next one of that name.
@@ -284,6 +291,7 @@ void ShowManager::handleExport()
     dialog->setObjectName(QStringLiteral("ExportShowDialog-file-dialog"));
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setAcceptMode(QFileDialog::AcceptSave);
+    dialog->setDefaultSuffix(QStringLiteral("show"));
     dialog->selectFile(proposal);
     connect(dialog, &QFileDialog::fileSelected, this, [this](const QString& chosen) {
         qCDebug(log) << "Selected file to export:" << chosen;

@@ -22,6 +22,9 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QLocale>
+#include <QNetworkReply>
+
+#include <utility>
 
 namespace vantrel {
 
@@ -126,6 +129,8 @@ ShowShelf::ShowShelf(Session* session, ShowService* service, OnAirQuestions* que
     , m_earlier(new ShowTableDialog(tr("Bring back an earlier state"),
                                     {tr("Kept"), tr("Before"), tr("Holds"), tr("Against now")},
                                     tr("BRING BACK"), window))
+    , m_showList{m_shows, QStringLiteral("/shows"), &ShowShelf::showShows}
+    , m_earlierList{m_earlier, QStringLiteral("/shows/earlier"), &ShowShelf::showEarlier}
 {
     m_shows->setObjectNames(QStringLiteral("ShowsDialog"));
     m_earlier->setObjectNames(QStringLiteral("EarlierStatesDialog"));
@@ -133,78 +138,127 @@ ShowShelf::ShowShelf(Session* session, ShowService* service, OnAirQuestions* que
     remove->setObjectName(QStringLiteral("ShowsDialog-delete-button"));
     remove->setStyleClass(QStringLiteral("cancel"));
     m_shows->addChoice(remove);
-    connect(remove, &PushButton::clicked, this, [this] { askToRemove(m_shows->chosen()); });
+    connect(remove, &PushButton::clicked, this, [this] { askToRemove(m_shows->selected()); });
     // Once the dialog is closed, over which no other opens.
     connect(m_shows, &ShowTableDialog::accepted, this, &ShowShelf::askToLoad, Qt::QueuedConnection);
     connect(m_earlier, &ShowTableDialog::accepted, this, &ShowShelf::askToBringBack, Qt::QueuedConnection);
+    connect(session->linkHealth(), &LinkHealth::changed, this, &ShowShelf::followServer);
+    connect(session, &Session::connected, this, &ShowShelf::followServer);
+    connect(session, &Session::disconnected, this, &ShowShelf::followServer);
 }
 
 void ShowShelf::openShows()
 {
-    m_shows->openWaiting(tr("Asking the server..."));
-    fillShows();
-}
-
-void ShowShelf::fillShows()
-{
-    m_service->ask(m_shows->title(), "GET", QStringLiteral("/shows"), {}, {},
-                   [this](const ShowService::Answer& answer) {
-                       if (!answer.isDone())
-                           return m_shows->setText(answer.error);
-                       QList<ShowTableModel::Row> rows;
-                       for (const QJsonValue& value : listIn(answer.body(), "shows")) {
-                           const QJsonObject entry = value.toObject();
-                           const QString name = entry.value(QStringLiteral("name")).toString();
-                           rows << rowOf(entry, name,
-                                         {shownText(name), timeText(entry),
-                                          fileSizeText(entry.value(QStringLiteral("bytes")).toInteger()),
-                                          holdsText(entry)});
-                       }
-                       m_shows->setRows(rows, tr("No show has been saved on this server yet: choose \"Save "
-                                                 "show as...\" in the main menu."));
-                   });
+    open(m_showList);
 }
 
 void ShowShelf::openEarlier()
 {
-    m_earlier->openWaiting(tr("Asking the server..."));
-    fillEarlier();
+    open(m_earlierList);
 }
 
-void ShowShelf::fillEarlier()
+void ShowShelf::open(List& list)
 {
-    m_service->ask(
-        m_earlier->title(), "GET", QStringLiteral("/shows/earlier"), {}, {},
-        [this](const ShowService::Answer& answer) {
-            if (!answer.isDone())
-                return m_earlier->setText(answer.error);
-            QList<ShowTableModel::Row> rows;
-            for (const QJsonValue& value : listIn(answer.body(), "states")) {
-                const QJsonObject entry = value.toObject();
-                const QJsonObject difference = entry.value(QStringLiteral("difference")).toObject();
-                rows << rowOf(entry, entry.value(QStringLiteral("id")).toString(),
-                              {timeText(entry), beforeText(entry.value(QStringLiteral("before")).toString()),
-                               holdsText(entry),
-                               difference.isEmpty() ? QString() : differenceText(difference)});
-            }
-            m_earlier->setRows(rows, tr("Nothing has been kept yet. The server keeps a copy before a show is "
-                                        "cleared, reverted or imported, and every hour."));
-        });
+    list.dialog->openWaiting({});
+    fill(list);
 }
 
-void ShowShelf::fetchNames(std::function<void(const QStringList& names)> then)
+/// Now, or once the server answers: nobody need ask twice.
+void ShowShelf::fill(List& list)
 {
-    const QString command = tr("Save show as");
-    const auto read = [command, then = std::move(then)](const ShowService::Answer& answer) {
+    list.isWaiting = true;
+    if (QNetworkReply* before = std::exchange(list.reply, nullptr))
+        ShowService::stop(before);
+    if (!isAnswered())
+        return list.dialog->setText(silence());
+    if (list.dialog->model()->rows().isEmpty())
+        list.dialog->setText(tr("Asking the server..."));
+    const auto then = [this, &list](const ShowService::Answer& answer) {
+        if (answer.isStopped)
+            return;
+        list.reply = nullptr;
+        if (!answer.isDone() && !isAnswered())
+            return list.dialog->setText(silence());
+        list.isWaiting = false;
+        if (answer.isDone())
+            (this->*list.show)(answer.body());
+        else
+            list.dialog->setText(answer.error);
+    };
+    list.reply = m_service->ask(list.dialog->title(), "GET", list.path, {}, {}, then);
+}
+
+void ShowShelf::followServer()
+{
+    for (List* list : {&m_showList, &m_earlierList}) {
+        const bool isAsked = list->reply != nullptr;
+        if (list->isWaiting && list->dialog->isVisible() && isAsked != isAnswered())
+            fill(*list);
+    }
+}
+
+/// What is asked otherwise is refused aloud.
+bool ShowShelf::isAnswered() const
+{
+    return m_session->isConnected() && m_session->linkHealth()->state() == LinkHealth::State::Current;
+}
+
+QString ShowShelf::silence() const
+{
+    return m_session->isConnected()
+               ? tr("The server does not answer just now. The list comes as soon as it does.")
+               : tr("No server is connected. The list comes as soon as one is.");
+}
+
+void ShowShelf::showShows(const QByteArray& body)
+{
+    QList<ShowTableModel::Row> rows;
+    for (const QJsonValue& value : listIn(body, "shows")) {
+        const QJsonObject entry = value.toObject();
+        const QString name = entry.value(QStringLiteral("name")).toString();
+        rows << rowOf(entry, name,
+                      {shownText(name), timeText(entry),
+                       fileSizeText(entry.value(QStringLiteral("bytes")).toInteger()), holdsText(entry)});
+    }
+    m_shows->setRows(rows, tr("No show has been saved on this server yet: choose \"Save show as...\" in the "
+                              "main menu."));
+}
+
+void ShowShelf::showEarlier(const QByteArray& body)
+{
+    QList<ShowTableModel::Row> rows;
+    for (const QJsonValue& value : listIn(body, "states")) {
+        const QJsonObject entry = value.toObject();
+        const QJsonObject difference = entry.value(QStringLiteral("difference")).toObject();
+        rows << rowOf(entry, entry.value(QStringLiteral("id")).toString(),
+                      {timeText(entry), beforeText(entry.value(QStringLiteral("before")).toString()),
+                       holdsText(entry), difference.isEmpty() ? QString() : differenceText(difference)});
+    }
+    m_earlier->setRows(rows,
+                       tr("Nothing has been kept yet. The server keeps a copy before a show is cleared, "
+                          "reverted, imported or saved over, and every hour."));
+}
+
+void ShowShelf::fetchNames(std::function<void(const QStringList& names)> then,
+                           std::function<void(const QString& why)> failed)
+{
+    if (m_names)
+        ShowService::stop(m_names);
+    if (!isAnswered())
+        return failed(m_session->isConnected() ? tr("The server does not answer: try again once it does.")
+                                               : tr("No server is connected."));
+    const auto read = [then = std::move(then),
+                       failed = std::move(failed)](const ShowService::Answer& answer) {
+        if (answer.isStopped)
+            return;
         if (!answer.isDone())
-            return tellNotDone(command, answer.error);
+            return failed(answer.error);
         QStringList names;
         for (const QJsonValue& value : listIn(answer.body(), "shows"))
             names << value.toObject().value(QStringLiteral("name")).toString();
         then(names);
     };
-    m_progress->follow(m_service->ask(command, "GET", QStringLiteral("/shows"), {}, {}, read), command,
-                       tr("The server looks through its shows."));
+    m_names = m_service->ask(tr("Save show as"), "GET", QStringLiteral("/shows"), {}, {}, read);
 }
 
 void ShowShelf::askToLoad(const QString& name)
@@ -274,7 +328,7 @@ void ShowShelf::askToRemove(const QString& name)
                                m_session->serverConfigurationModel()->deleteShow(name);
                            else
                                tellNotDone(tr("Delete show"), answer.error);
-                           fillShows();
+                           fill(m_showList);
                        });
     };
     m_questions->ask(tr("Delete \"%1\"?").arg(shownText(name)),

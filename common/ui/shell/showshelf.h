@@ -1,11 +1,12 @@
 #pragma once
 
 #include <QObject>
+#include <QPointer>
 #include <QStringList>
 
 #include <functional>
 
-class QJsonObject;
+class QNetworkReply;
 
 namespace vantrel {
 
@@ -28,13 +29,29 @@ public:
 
     void openShows();
     void openEarlier();
-    /// Asks for the names of the shows that are kept, for one more to be saved. Where they cannot be had this
-    /// is told, and then is not called.
-    void fetchNames(std::function<void(const QStringList& names)> then);
+    /// Asks for the names of the shows that are kept, for one more to be saved. Where they cannot be had
+    /// failed is called with the reason instead; for a second call meanwhile neither is.
+    void fetchNames(std::function<void(const QStringList& names)> then,
+                    std::function<void(const QString& why)> failed);
 
 private:
-    void fillShows();
-    void fillEarlier();
+    /// What a dialog lists, and what has become of it.
+    struct List
+    {
+        ShowTableDialog* dialog;
+        QString path;
+        void (ShowShelf::*show)(const QByteArray& body);
+        QPointer<QNetworkReply> reply = {};
+        bool isWaiting = false; // it stands empty until the server tells
+    };
+
+    void open(List& list);
+    void fill(List& list);
+    void followServer();
+    bool isAnswered() const;
+    QString silence() const;
+    void showShows(const QByteArray& body);
+    void showEarlier(const QByteArray& body);
     void askToLoad(const QString& name);
     void load(const QString& name, bool force);
     void askToBringBack(const QString& id);
@@ -49,6 +66,9 @@ private:
     ShowProgress* m_progress;
     ShowTableDialog* m_shows;
     ShowTableDialog* m_earlier;
+    List m_showList;
+    List m_earlierList;
+    QPointer<QNetworkReply> m_names;
 };
 
 } // namespace vantrel

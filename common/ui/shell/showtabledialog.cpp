@@ -74,7 +74,7 @@ void ShowTableDialog::setText(const QString& text)
 
 void ShowTableDialog::setRows(const QList<ShowTableModel::Row>& rows, const QString& empty)
 {
-    const QString before = chosen();
+    const QString before = selected();
     m_model->setRows(rows);
     m_text->setText(empty);
     m_pages->setCurrentWidget(rows.isEmpty() ? static_cast<QWidget*>(m_text) : m_table);
@@ -103,21 +103,29 @@ void ShowTableDialog::addChoice(PushButton* button)
     updateChoice();
 }
 
-QString ShowTableDialog::chosen() const
+const ShowTableModel::Row* ShowTableDialog::selectedRow() const
 {
     const QModelIndexList rows = m_table->selectionModel()->selectedRows();
-    if (rows.isEmpty())
-        return {};
-    const ShowTableModel::Row& row = m_model->rows()[rows.first().row()];
-    return row.fault.isEmpty() ? row.id : QString();
+    return rows.isEmpty() ? nullptr : &m_model->rows()[rows.first().row()];
+}
+
+QString ShowTableDialog::chosen() const
+{
+    const ShowTableModel::Row* row = selectedRow();
+    return row && row->fault.isEmpty() ? row->id : QString();
+}
+
+QString ShowTableDialog::selected() const
+{
+    const ShowTableModel::Row* row = selectedRow();
+    return row ? row->id : QString();
 }
 
 void ShowTableDialog::updateChoice()
 {
-    const bool isChosen = !chosen().isEmpty();
-    setAcceptEnabled(isChosen);
+    setAcceptEnabled(!chosen().isEmpty());
     for (PushButton* button : std::as_const(m_choices))
-        button->setEnabled(isChosen);
+        button->setEnabled(!selected().isEmpty());
 }
 
 void ShowTableDialog::setObjectNames(const QString& base)

@@ -22,10 +22,12 @@ public:
     void setText(const QString& text);
     /// empty: the text for no rows.
     void setRows(const QList<ShowTableModel::Row>& rows, const QString& empty);
-    /// A further button, for what is chosen.
+    /// A further button, for what is selected.
     void addChoice(PushButton* button);
-    /// Empty while nothing is chosen that can be used.
+    /// Empty while nothing is selected that can be used.
     QString chosen() const;
+    /// Also what has a fault; empty for nothing.
+    QString selected() const;
     ShowTableModel* model() const { return m_model; }
     void setObjectNames(const QString& base) override;
 
@@ -33,6 +35,7 @@ Q_SIGNALS:
     void accepted(const QString& id);
 
 private:
+    const ShowTableModel::Row* selectedRow() const;
     void updateChoice();
 
     ShowTableModel* m_model;

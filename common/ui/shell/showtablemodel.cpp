@@ -1,5 +1,7 @@
 #include "common/ui/shell/showtablemodel.h"
 
+#include "common/ui/style/colors.h"
+
 namespace vantrel {
 
 ShowTableModel::ShowTableModel(QStringList headers, QObject* parent)
@@ -35,20 +37,14 @@ QVariant ShowTableModel::data(const QModelIndex& index, int role) const
     if (role == Qt::ToolTipRole) // a cell may be too narrow for its text
         return row.fault.isEmpty() ? row.cells.value(index.column()).toHtmlEscaped()
                                    : row.fault.toHtmlEscaped();
+    if (role == Qt::ForegroundRole && !row.fault.isEmpty())
+        return colors::getColor(colors::Zt_white_50);
     return {};
 }
 
 QVariant ShowTableModel::headerData(int section, Qt::Orientation orientation, int role) const
 {
     return role == Qt::DisplayRole && orientation == Qt::Horizontal ? m_headers.value(section) : QVariant();
-}
-
-Qt::ItemFlags ShowTableModel::flags(const QModelIndex& index) const
-{
-    if (!checkIndex(index, CheckIndexOption::IndexIsValid))
-        return Qt::NoItemFlags;
-    return m_rows[index.row()].fault.isEmpty() ? QAbstractTableModel::flags(index)
-                                               : Qt::ItemFlags(Qt::ItemIsSelectable);
 }
 
 } // namespace vantrel

@@ -17,7 +17,7 @@ public:
     {
         QString id;
         QStringList cells;
-        QString fault; // a sentence where it cannot be used
+        QString fault; // a sentence where it cannot be used: it stands there dim
     };
 
     ShowTableModel(QStringList headers, QObject* parent);
@@ -29,7 +29,6 @@ public:
     int columnCount(const QModelIndex& parent = {}) const override;
     QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
     QVariant headerData(int section, Qt::Orientation orientation, int role = Qt::DisplayRole) const override;
-    Qt::ItemFlags flags(const QModelIndex& index) const override;
 
 private:
     QStringList m_headers;
