@@ -6,39 +6,51 @@
 
 #include <QApplication>
 
+#include <utility>
+
 namespace vantrel {
 
 namespace {
 
-constexpr int serverTakes = 5000; // milliseconds at most from the wish to the new mode
+constexpr int serverWaits =
+    20000; // milliseconds: the 15 s that it gives, and what the wish takes to get there
+constexpr int serverTakes = 2000; // milliseconds at most from an answer to what the server makes of it
+
+bool isWithin(const QElapsedTimer& since, int time)
+{
+    return since.isValid() && since.elapsed() < time;
+}
 
 } // namespace
 
-ModeKeeper::ModeKeeper(int outputNumber, OutputModel* model, QWidget* parent)
+ModeKeeper::ModeKeeper(int outputNumber, OutputModel* model, std::function<bool()> isHeard, QWidget* parent)
     : QObject(parent)
     , m_outputNumber(outputNumber)
     , m_model(model)
     , m_parent(parent)
+    , m_isHeard(std::move(isHeard))
 {
-    connect(model, &OutputModel::modeAsked, this, [this] { m_sinceAsked.start(); });
+    connect(model, &OutputModel::modeAsked, this, [this] {
+        m_sinceAsked.start();
+        m_sinceAnswered.invalidate();
+    });
     connect(model, &OutputModel::dataChanged, this, &ModeKeeper::follow);
 }
 
 void ModeKeeper::follow()
 {
-    const bool waits = m_model->confirmSeconds() > 0;
-    if (!waits && m_dialog)
-        giveUp();
+    const bool waits = m_model->confirmSeconds() > 0 && m_isHeard();
+    if (!waits)
+        close();
     else if (m_dialog)
         m_dialog->setDescription(question());
-    else if (waits && m_sinceAsked.isValid() && m_sinceAsked.elapsed() < serverTakes)
+    else if (isWithin(m_sinceAsked, serverWaits) && !isWithin(m_sinceAnswered, serverTakes))
         ask();
 }
 
 /// Over the dialog in which the mode was chosen, where that stays open.
 void ModeKeeper::ask()
 {
-    m_sinceAsked.invalidate();
     QWidget* over = QApplication::activeModalWidget();
     m_dialog = new ConfirmationDialog(tr("Keep this video mode?"), question(), tr("KEEP"),
                                       over ? over : m_parent->window());
@@ -46,14 +58,20 @@ void ModeKeeper::ask()
     m_dialog->setObjectNames(QStringLiteral("KeepModeDialog"));
     m_dialog->setAttribute(Qt::WA_DeleteOnClose);
     m_dialog->setBeside();
-    connect(m_dialog, &ConfirmationDialog::confirmed, m_model, &OutputModel::keepMode);
-    connect(m_dialog, &ConfirmationDialog::rejected, m_model, &OutputModel::revertMode);
+    connect(m_dialog, &ConfirmationDialog::confirmed, this, [this] { answer(m_model->keepMode()); });
+    connect(m_dialog, &ConfirmationDialog::rejected, this, [this] { answer(m_model->revertMode()); });
     m_dialog->open();
 }
 
-void ModeKeeper::giveUp()
+/// One that did not go out leaves the question open: it is asked again while there is time.
+void ModeKeeper::answer(bool isSent)
 {
-    m_sinceAsked.invalidate();
+    if (isSent)
+        m_sinceAnswered.start();
+}
+
+void ModeKeeper::close()
+{
     if (m_dialog)
         m_dialog->done(ConfirmationDialog::Accepted); // nothing is to be sent
 }

@@ -4,6 +4,8 @@
 #include <QObject>
 #include <QPointer>
 
+#include <functional>
+
 class QWidget;
 
 namespace vantrel {
@@ -12,27 +14,32 @@ class ConfirmationDialog;
 class OutputModel;
 
 /// Asks, after this window has changed what the audience sees, whether the new mode is to stay; the server
-/// brings the one before back where nobody answers. Owned by its OutputItem; main thread.
+/// brings the one before back where nobody answers. The question stands for as long as the server waits, also
+/// behind a link that was lost meanwhile, and goes with an answer that the server hears. Owned by its
+/// OutputItem; main thread.
 class ModeKeeper : public QObject
 {
     Q_OBJECT
 
 public:
-    /// outputNumber: from 1. model and parent outlive this.
-    ModeKeeper(int outputNumber, OutputModel* model, QWidget* parent);
+    /// outputNumber: from 1. isHeard: whether the server hears an answer now. model and parent outlive this.
+    ModeKeeper(int outputNumber, OutputModel* model, std::function<bool()> isHeard, QWidget* parent);
 
-    /// Asks no more: it is decided, or nobody hears the answer.
-    void giveUp();
+    /// Whether the server hears an answer is another matter now.
+    void follow();
 
 private:
-    void follow();
     void ask();
+    void close();
+    void answer(bool isSent);
     QString question() const;
 
     const int m_outputNumber;
     OutputModel* m_model;
     QWidget* m_parent;
-    QElapsedTimer m_sinceAsked; // since this window has asked for another mode
+    std::function<bool()> m_isHeard;
+    QElapsedTimer m_sinceAsked;    // since this window has asked for another mode
+    QElapsedTimer m_sinceAnswered; // and since somebody here has answered
     QPointer<ConfirmationDialog> m_dialog;
 };
 

@@ -5,6 +5,7 @@
 #include "common/outputs/outputslogging.h"
 #include "common/outputs/videooutputconfiguration.h"
 #include "common/session/link/connectionprovider.h"
+#include "common/session/link/linkhealth.h"
 #include "common/session/mirror/guimapping.h"
 #include "common/session/mirror/guiplayback.h"
 #include "common/session/mirror/sceneobjectprovider.h"
@@ -50,8 +51,10 @@ OutputItem::OutputItem(int index, Session* session, QWidget* parent)
             &OutputItem::onAddressChange);
     makeIdentify();
     setModel(makeModel());
-    auto* keeper = new ModeKeeper(index + 1, m_model, this);
-    connect(session, &Session::disconnected, keeper, &ModeKeeper::giveUp);
+    auto* keeper = new ModeKeeper(
+        index + 1, m_model, [session] { return session->isReachable(); }, this);
+    connect(session->linkHealth(), &LinkHealth::changed, keeper, &ModeKeeper::follow);
+    connect(session, &Session::disconnected, keeper, &ModeKeeper::follow);
     onAddressChange();
 }
 

@@ -134,12 +134,15 @@ std::shared_ptr<GUIMapping> OutputModel::getMapping() const
     return nullptr;
 }
 
-void OutputModel::sendCommand(Object* object, const QString& method, const QString& text,
+bool OutputModel::sendCommand(Object* object, const QString& method, const QString& text,
                               const VariantMap& args)
 {
     const bool isSent = execute<InvokeMethodCommand>(m_stack, qPrintable(method + QLatin1String(" command")),
                                                      object, method, args, text);
     m_lookAgain.start(isSent ? serverTakes : 0);
+    if (!isSent)
+        Q_EMIT refused();
+    return isSent;
 }
 
 void OutputModel::sendScaling(const QString& mode)
@@ -190,9 +193,9 @@ void OutputModel::sendTarget(const QString& target)
                  {"bg2", Variant::from(m_previewMapping->backgroundColor().name())}});
 }
 
-void OutputModel::sendToOutput(const QString& method, const QString& text, const VariantMap& args)
+bool OutputModel::sendToOutput(const QString& method, const QString& text, const VariantMap& args)
 {
-    sendCommand(m_output ? m_output->object() : nullptr, method, text, args);
+    return sendCommand(m_output ? m_output->object() : nullptr, method, text, args);
 }
 
 void OutputModel::sendModelineId(QString id, bool maxLinkRate)
@@ -239,14 +242,14 @@ void OutputModel::identify(bool on)
     sendToOutput(QStringLiteral("identify"), tr("Identify output"), {{"on", Variant::from(on)}});
 }
 
-void OutputModel::keepMode()
+bool OutputModel::keepMode()
 {
-    sendToOutput(QStringLiteral("keepMode"), tr("Keep mode"), {});
+    return sendToOutput(QStringLiteral("keepMode"), tr("Keep mode"), {});
 }
 
-void OutputModel::revertMode()
+bool OutputModel::revertMode()
 {
-    sendToOutput(QStringLiteral("revertMode"), tr("Take mode back"), {});
+    return sendToOutput(QStringLiteral("revertMode"), tr("Take mode back"), {});
 }
 
 QString OutputModel::formatFieldFreq(double frequency)

@@ -83,8 +83,9 @@ public:
 
     /// The mapping that drives this output; null for none.
     std::shared_ptr<GUIMapping> getMapping() const;
-    /// Calls a method of a scene object. text: what the undo history would call it.
-    void sendCommand(Object* object, const QString& method, const QString& text, const VariantMap& args);
+    /// Calls a method of a scene object. text: what the undo history would call it. False when it did not go
+    /// out, which the operator is told.
+    bool sendCommand(Object* object, const QString& method, const QString& text, const VariantMap& args);
     void sendScaling(const QString& mode);
     void sendBackgroundColor(const QColor& color);
     /// "preview" or "program_rgb": swaps the two outputs, where this one does not carry that already.
@@ -96,8 +97,9 @@ public:
 
     /// Seconds until the mode goes back unless it is kept; 0 where none waits for that.
     int confirmSeconds() const;
-    void keepMode();
-    void revertMode();
+    /// False when that did not go out.
+    bool keepMode();
+    bool revertMode();
 
     /// Of the real screen that this output is shown on.
     ScreenHealth screen() const;
@@ -120,6 +122,8 @@ public:
 Q_SIGNALS:
     /// This window has asked for another mode.
     void modeAsked();
+    /// What was to be sent did not go out.
+    void refused();
     /// screen() or isIdentified() is another one.
     void screenChanged();
 
@@ -130,7 +134,7 @@ private:
     void updateModelines();
     void followMapping(GUIMapping* before, GUIMapping* mapping);
     void sendToMapping(const QString& method, const QString& text, const VariantMap& args);
-    void sendToOutput(const QString& method, const QString& text, const VariantMap& args);
+    bool sendToOutput(const QString& method, const QString& text, const VariantMap& args);
     QVariant timing(int column) const;
     QVariant status(int column) const;
     QVariant settings(int column) const;

@@ -5,6 +5,7 @@
 #include "common/outputs/audiooutputitem.h"
 #include "common/outputs/outputcolumn.h"
 #include "common/outputs/outputitem.h"
+#include "common/outputs/outputmodel.h"
 #include "common/outputs/outputslogging.h"
 #include "common/session/link/linkhealth.h"
 #include "common/session/mirror/objecttreemodel.h"
@@ -90,7 +91,8 @@ void OutputView::confirmReset()
     auto* dialog = new ConfirmationDialog(
         tr("Reset to defaults"),
         tr("Targets, formats, scaling, backgrounds and EDID files of all outputs are set back, and the "
-           "program output changes at once. Do you want to continue?"),
+           "program output changes at once. A video mode of program goes back by itself unless you keep it. "
+           "Do you want to continue?"),
         tr("RESET"), window());
     dialog->setObjectNames(QStringLiteral("ResetOutputsDialog"));
     dialog->setAcceptClass(QStringLiteral("red"));
@@ -102,6 +104,8 @@ void OutputView::confirmReset()
 void OutputView::resetOutputs()
 {
     const QModelIndex system = m_session->objectTreeModel()->index(QStringLiteral("/device/system"));
+    for (const OutputItem* output : m_outputs)
+        Q_EMIT output->model()->modeAsked(); // it may set another one on air
     execute<InvokeMethodCommand>(m_session->getQUndoStack(), "resetOutputConfiguration command",
                                  system.data(ObjectTreeModel::ObjectRole).value<Object*>(),
                                  QStringLiteral("resetOutputConfiguration"), VariantMap(),

@@ -14,6 +14,7 @@
 #include "common/ui/toolkit/confirmationdialog.h"
 #include "common/ui/toolkit/elidedlabel.h"
 #include "common/ui/toolkit/iconbutton.h"
+#include "common/ui/toolkit/pushbutton.h"
 #include "common/ui/toolkit/switchselect.h"
 #include "common/ui/toolkit/ztdropdownmenu.h"
 
@@ -104,6 +105,39 @@ void VideoOutputConfiguration::addSettings(QFormLayout* form)
     addValue(form, tr("Background:"), QStringLiteral("background"));
     QWidget* background = form->itemAt(form->rowCount() - 1, QFormLayout::FieldRole)->widget();
     static_cast<QHBoxLayout*>(background->layout())->insertWidget(0, m_background);
+    addQuestion(form); // below what is set, which stays where it is
+}
+
+/// In every window, whichever has changed the mode: who sees the picture says so.
+void VideoOutputConfiguration::addQuestion(QFormLayout* form)
+{
+    const auto makeButton = [this](const QString& text, const QString& tip, bool (OutputModel::*send)()) {
+        auto* button = new PushButton(text, this);
+        button->setToolTip(tip);
+        connect(button, &PushButton::clicked, this, [this, send] {
+            if (m_model)
+                (m_model->*send)();
+        });
+        return button;
+    };
+    m_keep = makeButton(tr("KEEP"), tr("The new video mode can be seen, and stays"), &OutputModel::keepMode);
+    m_goBack =
+        makeButton(tr("GO BACK"), tr("The video mode before comes back at once"), &OutputModel::revertMode);
+    m_goBack->setStyleClass(QStringLiteral("cancel"));
+    addValue(form, tr("New mode:"), QStringLiteral("newMode"));
+    setDynamicStyle(m_values.value(QStringLiteral("newMode")), "urgency", QStringLiteral("soon"));
+    m_question = inOneRow(this, {m_keep, m_goBack});
+    static_cast<QHBoxLayout*>(m_question->layout())->addStretch(1);
+    form->addRow(m_question);
+}
+
+void VideoOutputConfiguration::updateQuestion()
+{
+    const int seconds = m_model ? m_model->confirmSeconds() : 0;
+    setValue(QStringLiteral("newMode"), tr("goes back in %1 s").arg(seconds));
+    auto* form = static_cast<QFormLayout*>(layout());
+    form->setRowVisible(m_values.value(QStringLiteral("newMode"))->parentWidget(), seconds > 0);
+    form->setRowVisible(m_question, seconds > 0);
 }
 
 void VideoOutputConfiguration::addStatus(QFormLayout* form)
@@ -146,6 +180,8 @@ void VideoOutputConfiguration::setObjectNames(const QString& base)
     m_target->setObjectNames(base + QStringLiteral("-target"));
     m_scaling->setObjectNames(base + QStringLiteral("-scaling"));
     m_background->setObjectNames(base + QStringLiteral("-background"));
+    m_keep->setObjectName(base + QStringLiteral("-keep-button"));
+    m_goBack->setObjectName(base + QStringLiteral("-goBack-button"));
     for (auto label = m_values.cbegin(); label != m_values.cend(); ++label)
         label.value()->setObjectNames(base + u'-' + label.key() + QStringLiteral("-value"));
     m_dialog->setObjectNames(base + QStringLiteral("-ModelineDialog"));
@@ -188,6 +224,7 @@ void VideoOutputConfiguration::setValue(const QString& name, const QString& text
 void VideoOutputConfiguration::updateData()
 {
     updateSettings();
+    updateQuestion();
     updateScreen();
     updateStatus();
 }

@@ -14,6 +14,7 @@ class ElidedLabel;
 class IconButton;
 class ModelineDialog;
 class OutputModel;
+class PushButton;
 class SwitchSelect;
 class ZTDropdownMenu;
 class ZTLabel;
@@ -46,10 +47,12 @@ public Q_SLOTS:
 
 private:
     void addSettings(QFormLayout* form);
+    void addQuestion(QFormLayout* form);
     void addStatus(QFormLayout* form);
     void addValue(QFormLayout* form, const QString& title, const QString& name);
     void setValue(const QString& name, const QString& text);
     void updateSettings();
+    void updateQuestion();
     void updateScreen();
     void updateStatus();
     QVariant value(int column) const;
@@ -60,7 +63,11 @@ private:
     ModelineDialog* m_dialog;
     ConfirmationDialog* m_targetDialog = nullptr;
     QString m_currentTarget;
+    QString m_askedTarget; // that the dialog asks about
     SwitchSelect* m_target = nullptr;
+    PushButton* m_keep = nullptr;
+    PushButton* m_goBack = nullptr;
+    QWidget* m_question = nullptr; // both
     ZTDropdownMenu* m_scaling = nullptr;
     ColorBox* m_background = nullptr;
     IconButton* m_edit = nullptr;

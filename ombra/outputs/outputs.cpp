@@ -101,6 +101,11 @@ void Outputs::reset()
 {
     for (const auto& output : m_outputs)
         output->reset();
+    resetMappings();
+}
+
+void Outputs::resetMappings()
+{
     Object* mappings = m_scene.findObject("/device/channels/0/mappings");
     for (int i = 0; mappings && i < mappings->childCount(); ++i) {
         Object* one = mappings->childAt(i);
@@ -124,7 +129,9 @@ std::optional<bool> Outputs::invoke(PathView methodPath, const Json& args, std::
     if (type == "Channel" && method == "configure")
         return configure(at.deref(), args, error);
     if (type == "System" && method == "resetOutputConfiguration") {
-        reset();
+        resetMappings(); // first: it says what is on air then
+        for (const auto& output : m_outputs)
+            output->resetByClient(isOnAir(*output));
         return true;
     }
     return std::nullopt;

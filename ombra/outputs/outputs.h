@@ -40,7 +40,8 @@ public:
     /// of a show, which is as it was meant.
     void propertyWritten(const Object* object, const PropertyInfo* property, bool isByClient);
 
-    /// All outputs and mappings as on the first start.
+    /// All outputs and mappings as on the first start, as it is meant; a client's mode on air waits to be
+    /// kept.
     void reset();
 
     /// To be called each second: a mode on air that nobody keeps goes back.
@@ -63,6 +64,7 @@ public:
 private:
     VideoOutput* outputOf(const Object* object) const;
     bool isOnAir(const VideoOutput& output) const;
+    void resetMappings();
     void settleTargets(const Object* written);
     bool invokeMapping(Object* mapping, const std::string& method, const Json& args, std::string* error);
     bool configure(Object* channel, const Json& args, std::string* error);

@@ -213,6 +213,15 @@ void VideoOutput::reset()
         keep();
 }
 
+void VideoOutput::resetByClient(bool isOnAir)
+{
+    std::string ignored;
+    change(
+        isOnAir, [this](std::string* why) { return resetEdid(why); }, &ignored);
+    if (m_kept && !isOnAir)
+        keep();
+}
+
 void VideoOutput::propertyWritten(const std::string& property, bool isOnAir)
 {
     if (property == "edidOverrideFilename")

@@ -40,6 +40,8 @@ public:
     bool plug(const std::string& edid, std::string* error);
     /// As on the first start.
     void reset();
+    /// The same by an operator: where an audience sees it, the mode goes back by itself unless it is kept.
+    void resetByClient(bool isOnAir);
     /// Counts down to the moment in which a mode that nobody has kept goes back.
     void secondPassed();
     /// The real screen that it is shown on, with what was counted lately.

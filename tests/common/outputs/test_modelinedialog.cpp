@@ -6,6 +6,7 @@
 #include "common/session/mirror/guimodeline.h"
 #include "common/session/mirror/guioutput.h"
 #include "common/ui/toolkit/confirmationdialog.h"
+#include "common/ui/toolkit/elidedlabel.h"
 #include "common/ui/toolkit/errordialog.h"
 #include "common/ui/toolkit/pushbutton.h"
 #include "common/ui/toolkit/switchselect.h"
@@ -211,7 +212,9 @@ private Q_SLOTS:
     void asksWhetherTheModeStays()
     {
         QWidget window;
-        ModeKeeper keeper(2, m_model.get(), &window);
+        bool isHeard = true;
+        ModeKeeper keeper(
+            2, m_model.get(), [&isHeard] { return isHeard; }, &window);
         const auto wait = [this](int seconds) {
             m_output->setConfirmSeconds(seconds);
             m_model->onReset();
@@ -234,10 +237,20 @@ private Q_SLOTS:
         expectWarning(QStringLiteral("Failed to init selectModeline command"));
         m_model->sendModelineId(QStringLiteral("std"), false);
         wait(15);
+        isHeard = false; // a hiccup of the link
+        keeper.follow();
+        QTRY_VERIFY(!question());
+        isHeard = true;
+        keeper.follow();
         dialog = question();
-        expectWarning(QStringLiteral("Failed to init revertMode command"));
-        dialog->reject();
+        QVERIFY(dialog && dialog->isVisible());
+        expectWarning(QStringLiteral("Failed to init keepMode command"));
+        dialog->acceptButton()->click(); // which does not go out
         QTRY_VERIFY(!dialog);
+        wait(8);
+        QVERIFY(question());
+        expectWarning(QStringLiteral("Failed to init revertMode command"));
+        question()->reject();
     }
 
     void saysWhatCannotBeWritten()

@@ -97,6 +97,37 @@ private Q_SLOTS:
         QVERIFY(m_peer->link.received.empty());
     }
 
+    /// Meanwhile the link was lost, and the outputs swapped by somebody else.
+    void changesToTheTargetThatWasAskedAbout()
+    {
+        askForProgram(false);
+        set("name", R"("none")");
+        QTRY_VERIFY(!part<SwitchSelect>("target")->isEnabled());
+        m_peer->send(R"([
+            {"op":"replace","path":"/device/channels/0/mappings/0/properties/target","value":"DP-2"},
+            {"op":"replace","path":"/device/channels/0/mappings/1/properties/target","value":"DP-1"},
+            {"op":"replace","path":"/device/system/gpus/0/outputs/0/properties/name","value":"DP-1"}])");
+        QTRY_COMPARE(value(OutputModel::TargetColumn).toString(), QStringLiteral("program_rgb"));
+        expectWarning(QStringLiteral("Nothing to do in sendTarget"));
+        question()->acceptButton()->click();
+        QCOMPARE(part<SwitchSelect>("target")->value().toString(), QStringLiteral("program_rgb"));
+        QVERIFY(m_peer->link.received.empty());
+    }
+
+    /// A mode that waits to be kept can be kept in every window.
+    void asksInEveryWindow()
+    {
+        auto* keep = part<PushButton>("keep-button");
+        QVERIFY(!keep->isVisible());
+        set("confirmSeconds", "12");
+        QTRY_VERIFY(keep->isVisible());
+        QCOMPARE(text("newMode"), QStringLiteral("goes back in 12 s"));
+        keep->click();
+        QVERIFY(sent().endsWith(QStringLiteral("keepMode {}")));
+        set("confirmSeconds", "0");
+        QTRY_VERIFY(!keep->isVisible());
+    }
+
     void modesGoOut_data()
     {
         QTest::addColumn<bool>("isAuto");

@@ -200,6 +200,13 @@ private Q_SLOTS:
         QCOMPARE(text(wall + "/properties/confirmSeconds"), std::string("0"));
         QVERIFY(!flag(wall + "/properties/error"));
 
+        // All that is set back at once changes what the audience sees as well.
+        QVERIFY(call("/device/system", "resetOutputConfiguration", "{}"));
+        QCOMPARE(text(wall + "/properties/confirmSeconds"), std::string("15"));
+        QCOMPARE(text(wall + "/properties/height"), std::string("1080"));
+        QVERIFY(call(wall, "revertMode", "{}"));
+        QCOMPARE(text(wall + "/properties/modelineId"), std::string("edid-3840x2160p50"));
+
         // Nor does a mode that is written instead of selected stay unasked.
         write(wall, "modelineId", "1920x1080p60", true);
         QCOMPARE(text(wall + "/properties/confirmSeconds"), std::string("15"));
