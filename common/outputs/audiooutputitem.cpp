@@ -136,8 +136,9 @@ void AudioOutputItem::onSelectionChanged(PlaybackType type)
     const SwitchSelect* chooser = type == PlaybackType::Preview ? m_preview : m_program;
     const auto device = static_cast<AudioPlaybackDevice>(chooser->value().toInt());
     Object* playback = m_session->getScene()->findObject(std::string("/device/channels/0/") + toStr(type));
-    execute<SelectAudioDeviceCommand>(m_session->getQUndoStack(), "SelectAudioDeviceCommand", playback,
-                                      toStr(device));
+    if (!execute<SelectAudioDeviceCommand>(m_session->getQUndoStack(), "SelectAudioDeviceCommand", playback,
+                                           toStr(device)))
+        showDevices(); // as they are
 }
 
 void AudioOutputItem::onStyleChange(ConfigurationOption option, const QVariant& value)

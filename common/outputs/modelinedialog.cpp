@@ -12,6 +12,7 @@
 #include "common/ui/toolkit/pushbutton.h"
 #include "common/ui/toolkit/switchselect.h"
 #include "common/ui/toolkit/ztdropdownmenu.h"
+#include "tarn/edid/edid.h"
 
 #include <QFileDialog>
 #include <QFileInfo>
@@ -175,6 +176,7 @@ void ModelineDialog::setModel(OutputModel* model)
     if (m_model) {
         connect(m_model, &OutputModel::dataChanged, this, &ModelineDialog::onDataChanged);
         connect(m_model, &OutputModel::modelReset, this, &ModelineDialog::onDataChanged);
+        connect(m_model, &OutputModel::refused, this, [this] { m_isRefused = true; });
     }
     updateData();
 }
@@ -215,7 +217,7 @@ void ModelineDialog::updateData()
 void ModelineDialog::updateFormats()
 {
     m_format->clear();
-    m_preferred->setText(unknownText);
+    m_preferred->setText(textOrUnknown(preferredOfDisplay()));
     addFormats(tr("EDID formats"), false);
     addFormats(tr("Standard formats"), true);
     const QString present = value(OutputModel::ModelineIdColumn).toString();
@@ -240,9 +242,24 @@ void ModelineDialog::addFormats(const QString& heading, bool standard)
         if (modeline->standard() != standard)
             continue;
         m_format->addItem(modeline->label(), modeline->id());
-        if (!standard && modeline->id() == getPreferredModelineId())
+        if (!standard && !isOverridden() && modeline->id() == getPreferredModelineId())
             m_preferred->setText(modeline->label());
     }
+}
+
+/// What "Auto" sets where an EDID stands in the place of the display's own, which goes then; empty otherwise.
+QString ModelineDialog::preferredOfDisplay() const
+{
+    const auto bytes = bytesOfHex(value(OutputModel::EdidColumn).toString().toStdString());
+    Edid edid;
+    if (!isOverridden() || !bytes || !readEdid(*bytes, edid, nullptr) || !edid.preferred)
+        return {};
+    return QString::fromStdString(edid.preferred->label());
+}
+
+bool ModelineDialog::isOverridden() const
+{
+    return !value(OutputModel::OverrideEdidColumn).toString().isEmpty();
 }
 
 void ModelineDialog::resetView()
@@ -250,8 +267,7 @@ void ModelineDialog::resetView()
     m_chosenFormat.clear();
     m_isLinkRateChosen = false;
     updateData();
-    showMode(value(OutputModel::OverrideEdidColumn).toString().isEmpty() &&
-             value(OutputModel::ModelineIdColumn).toString() == getPreferredModelineId());
+    showMode(!isOverridden() && value(OutputModel::ModelineIdColumn).toString() == getPreferredModelineId());
 }
 
 void ModelineDialog::showMode(bool automatic)
@@ -300,7 +316,10 @@ void ModelineDialog::enableButtons()
 
 void ModelineDialog::handleApply()
 {
+    m_isRefused = false;
     Q_EMIT applied(isAuto(), getCurrentModelineId(), m_linkRate->currentData().toBool());
+    if (m_isRefused)
+        return;             // what was chosen stays, to be tried again
     m_chosenFormat.clear(); // from here on what the output takes is shown
     m_isLinkRateChosen = false;
 }
@@ -308,7 +327,8 @@ void ModelineDialog::handleApply()
 void ModelineDialog::handleConfirm()
 {
     handleApply();
-    accept();
+    if (!m_isRefused)
+        accept();
 }
 
 void ModelineDialog::handleReadDisplay()

@@ -69,6 +69,8 @@ private:
     void updateFormats();
     void addFormats(const QString& heading, bool standard);
     void showMode(bool automatic);
+    bool isOverridden() const;
+    QString preferredOfDisplay() const;
     bool write(const QString& path, const QByteArray& bytes, bool text, const QString& failure);
     QVariant value(int column) const;
 
@@ -88,6 +90,7 @@ private:
     PushButton* m_apply = nullptr;
     QString m_chosenFormat;          // by the operator and not applied; empty for none
     bool m_isLinkRateChosen = false; // likewise
+    bool m_isRefused = false;        // what was applied last did not go out
 };
 
 } // namespace vantrel

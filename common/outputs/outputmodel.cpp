@@ -173,6 +173,10 @@ void OutputModel::sendTarget(const QString& target)
         qCWarning(lcOutputs, "Missing channel");
         return;
     }
+    if (target != previewTarget && target != programTarget) {
+        qCWarning(lcOutputs, "No such target: '%s'", qPrintable(target));
+        return;
+    }
     const QString preview = targetOf(m_previewMapping);
     const QString program = targetOf(m_programMapping);
     const QString name = m_output ? m_output->name() : QString();

@@ -2,6 +2,7 @@
 
 #include "common/media/items/guimediaslot.h"
 #include "common/media/library/medialibraryprovider.h"
+#include "common/media/library/playlistprovider.h"
 #include "common/media/net/mediadataaggregator.h"
 #include "common/outputs/outputcanvas.h"
 #include "common/outputs/outputmodel.h"
@@ -131,11 +132,22 @@ void OutputPicture::followMedia()
     const SceneObjectProvider* scene = m_session->sceneObjectProvider();
     for (const GUIPlayback* playback : {scene->previewPlayback().data(), scene->programPlayback().data()}) {
         connect(playback, &GUIPlayback::mediaChanged, this, later);
+        connect(playback, &GUIPlayback::heldMediaChanged, this, later);
         connect(playback, &GUIPlayback::reset, this, later);
     }
     const MediaLibraryProvider* library = m_session->mediaLibraryProvider();
+    connect(library, &MediaLibraryProvider::slotAdded, this, later);
     connect(library, &MediaLibraryProvider::slotChanged, this, later);
+    connect(library, &MediaLibraryProvider::slotRemoved, this, later);
+    connect(library, &MediaLibraryProvider::collectionAdded, this, later);
+    connect(library, &MediaLibraryProvider::collectionRemoved, this, later);
     connect(library, &MediaLibraryProvider::reset, this, later);
+    const PlaylistProvider* playlists = m_session->playlistProvider();
+    connect(playlists, &PlaylistProvider::entryAdded, this, later);
+    connect(playlists, &PlaylistProvider::entryChanged, this, later);
+    connect(playlists, &PlaylistProvider::entryRemoved, this, later);
+    connect(playlists, &PlaylistProvider::playlistRemoved, this, later);
+    connect(playlists, &PlaylistProvider::reset, this, later);
     const MediaDataAggregator* media = m_session->mediaDataAggregator();
     connect(media, &MediaDataAggregator::metadataChanged, this, later);
     connect(media, &MediaDataAggregator::thumbnailChanged, this, later);

@@ -322,6 +322,7 @@ void VideoOutputConfiguration::handleTargetChange()
     // The button that is chosen already can be pressed, too.
     if (!m_model || m_target->value().toString() == m_currentTarget)
         return;
+    m_askedTarget = m_target->value().toString();
     if (!m_targetDialog) {
         m_targetDialog = new ConfirmationDialog(
             tr("Change output targets?"),
@@ -335,15 +336,19 @@ void VideoOutputConfiguration::handleTargetChange()
     m_targetDialog->open();
 }
 
+/// To what was asked about: a link that was lost meanwhile has left the switch without a choice.
 void VideoOutputConfiguration::performTargetChange()
 {
-    m_currentTarget = m_target->value().toString();
+    m_currentTarget = m_askedTarget;
     m_model->setData(m_model->index(0, OutputModel::TargetColumn), m_currentTarget);
 }
 
 void VideoOutputConfiguration::cancelTargetChange()
 {
-    m_target->setValue(m_currentTarget);
+    if (m_currentTarget.isEmpty())
+        m_target->chooseNone();
+    else
+        m_target->setValue(m_currentTarget);
 }
 
 void VideoOutputConfiguration::handleScalingChange(int selectedIndex)

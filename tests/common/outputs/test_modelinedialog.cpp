@@ -201,6 +201,13 @@ private Q_SLOTS:
               "Colors:30 bits (10 bpc), RGB", "Audio:LPCM 2 channels, 48 kHz"})
             QVERIFY2(told.contains(QLatin1String(fact)), qPrintable(told.join(u'\n')));
         QCOMPARE(facts({}), QStringList());
+        // What "Auto" would set is the display's own, whatever EDID stands in its place.
+        m_output->setEdid(QString::fromLatin1(edid.toHex()));
+        m_output->setEdidOverride(QStringLiteral("00"));
+        m_output->setPreferredModelineId(QStringLiteral("own"));
+        m_dialog->resetView();
+        QCOMPARE(m_dialog->findChild<ElidedLabel*>(QStringLiteral("ModelineDialog-preferred"))->text(),
+                 QStringLiteral("1920 x 1080p 50 Hz"));
         QCOMPARE(facts(QString::fromLatin1(edid.left(64).toHex())),
                  QStringList(
                      QStringLiteral("EDID:It has 64 bytes, and an EDID has 1 to 256 blocks of 128 bytes.")));

@@ -94,6 +94,13 @@ private Q_SLOTS:
         scaling->setCurrentIndex(0);
         Q_EMIT scaling->activated(0);
         QTRY_COMPARE(scaling->currentData().toString(), QStringLiteral("clip"));
+        m_view->openEditDialog();
+        m_view->handleModelineIdChange(false, QStringLiteral("m"), true);
+        auto* dialog = m_view->findChild<ModelineDialog*>();
+        set("preferredModelineId", R"("m")");
+        QTRY_COMPARE(dialog->getPreferredModelineId(), QStringLiteral("m"));
+        dialog->handleConfirm();
+        QVERIFY(dialog->isVisible());
         QVERIFY(m_peer->link.received.empty());
     }
 
@@ -241,13 +248,16 @@ private:
             property + "\",\"value\":" + value + "}]";
         m_peer->send(patch.constData());
     }
-    void askForProgram()
+    ConfirmationDialog* question() const
+    {
+        return m_view->window()->findChild<ConfirmationDialog*>(QStringLiteral("VideoOutput-1-TargetDialog"));
+    }
+    void askForProgram(bool isMeant = true)
     {
         part<SwitchSelect>("target")->button(QStringLiteral("program_rgb"))->click();
-        auto* question =
-            m_view->window()->findChild<ConfirmationDialog*>(QStringLiteral("VideoOutput-1-TargetDialog"));
-        QVERIFY(question && question->isVisible());
-        question->acceptButton()->click();
+        QVERIFY(question() && question()->isVisible());
+        if (isMeant)
+            question()->acceptButton()->click();
     }
     /// The next that goes out.
     QString sent()
