@@ -86,6 +86,8 @@ QString LocatorModel::text(const NetworkPeer& peer, int column) const
     default:
         break;
     }
+    if (const QString port = otherPort(peer); !port.isEmpty())
+        return tr("not by these ports: its link has %1").arg(port);
     const QString program = attribute(peer, "program");
     const QString state = attribute(peer, "state");
     return program.isEmpty()                  ? QString()

@@ -13,8 +13,8 @@ namespace vantrel {
 class LocatorThread;
 
 /// The servers found on the network, by address. The search runs for as long as the model lives. A server
-/// whose link has another port than the one that is connected to can be seen and not be chosen; the tip says
-/// why.
+/// whose link has another port than the one that is connected to can be seen and not be chosen, and says why
+/// in the place of its program: its other ports are told by nobody.
 class LocatorModel : public QAbstractTableModel
 {
     Q_OBJECT

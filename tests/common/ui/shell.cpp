@@ -364,6 +364,7 @@ private Q_SLOTS:
         // One that cannot be connected to is shown, and says why.
         QVERIFY(!model.flags(model.index(1, 0)).testFlag(Qt::ItemIsEnabled));
         QVERIFY(model.index(1, 0).data(Qt::ToolTipRole).toString().contains(QStringLiteral("11070")));
+        QVERIFY(text(1, LocatorModel::ProgramColumn).contains(QStringLiteral("11070")));
         model.setLinkPort(11070);
         QVERIFY(model.flags(model.index(1, 0)).testFlag(Qt::ItemIsEnabled));
         QCOMPARE(model.index(1, LocatorModel::NameColumn).data(Qt::ToolTipRole).toString(),
