@@ -54,7 +54,7 @@ class Document:
         self.properties, self.methods, self.writable, self.routes, self.statuses = set(), set(), set(), set(), set()
         self.enumerations, self.units, self.used, self.operations, self.records = set(), set(), set(), set(), {}
         self.attributes, self.arguments, self.queries = set(), set(), set()
-        self.text, self.frame = text, []
+        self.text, self.frame, self.errors = text, [], {}
         self.types = set(re.findall(r"^    .* {3,}([A-Z]\w+)$", text, re.M))
         for heading, columns, rows in tables(text):
             for row in rows:
@@ -76,6 +76,7 @@ class Document:
         elif kind == "Route":
             self.routes.add(f"{row[1]} {row[0]}")
             self.queries |= set(re.findall(r"(\w+): ", row[2]))
+            self.errors[f"{row[1]} {row[0]}"] = set(re.findall(r"\d+", row[5]))
         elif kind == "Status":
             self.statuses.add(row[0])
         elif kind == "Record":
@@ -338,6 +339,27 @@ def check_server(document, server):
     same("the route", document.routes, allowed)
     check_records(document, server)
     check_frames(document, server)
+    check_errors(document, server)
+
+
+def check_errors(document, server):
+    """What is wrong with a request is answered by one of its route's own statuses."""
+    future = json.dumps({"format": "halcyra-show", "version": 99, "library": {}, "settings": {}})
+    loud = {"/device/channels/0/program/properties/volume": 7}
+    for status, method, path, body in (
+            (400, "POST", "/show/current?include=none", future), (409, "POST", "/show/current", future),
+            (422, "POST", "/show/current", json.dumps(json.loads(future) | {"settings": loud})),
+            (400, "POST", "/shows/load", "{}"), (404, "POST", "/shows/load?show=none", "{}"),
+            (404, "POST", "/shows/earlier?state=1-clear", "{}"), (404, "DELETE", "/shows?show=none", None),
+            (409, "PATCH", "/medialibrary", '[{"op":"remove","path":"/collections/77"}]'),
+            (412, "PATCH", "/medialibrary", '[{"op":"test","path":"/collections","value":7}]'),
+            (422, "POST", "/medialibrary", '{"collections":7}'), (422, "POST", "/playlists", "{}"),
+            (400, "GET", "/metadata/", None), (404, "GET", "/thumbnails/?file=file%3A%2F%2F%2Fnone.png", None)):
+        came = server.ask(method, path, body)[0]
+        route = f"{method} {path.split('?')[0]}"
+        if came != status or str(status) not in document.errors[route]:
+            faults.append(f"docs/protocol.md: {method} {path} is answered by {came}; {status} is meant to be, and told of")
+    same("the status", document.statuses, document.statuses | set().union(*document.errors.values()))
 
 
 def run_example(root, server):
