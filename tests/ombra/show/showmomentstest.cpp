@@ -3,6 +3,8 @@
 #include "tests/ombra/liveserver.h"
 #include "tests/support/testmain.h"
 
+#include <QFile>
+
 #include <algorithm>
 #include <array>
 
@@ -83,6 +85,33 @@ private Q_SLOTS:
             return peer.value("/device/system/properties/notice").find("\"gala\" was saved without") !=
                    std::string::npos;
         }));
+    }
+
+    /// One that is killed right behind its line of the journal starts with nothing of the show.
+    void aClearIsWhole()
+    {
+        LiveServer live;
+        QVERIFY(live.start());
+        const auto has = [&](const char* text) {
+            return live.waitFor([&] { return live.request("GET", "/show/current").body.contains(text); });
+        };
+        const QByteArray show = "{'format':'halcyra-show','version':1,'library':{'collections':{'7':{}}},"
+                                "'settings':{'/device/channels/0/program/properties/volume':0.25}}";
+        QCOMPARE(live.request("POST", "/show/current", json(show)).status, 200);
+        LinkPeer peer(live.server().linkPort());
+        peer.send(R"([{"op":"invoke","path":"/device/showConfiguration/methods/clearShow",)"
+                  R"("value":{"showName":"default"}}])");
+        QVERIFY(has("program/properties/volume\":1.0"));
+        live.stop();
+        const QDir state(live.stateFolder(), QStringLiteral("journal-*.ndjson"));
+        QFile journal(state.filePath(state.entryList().value(0)));
+        QVERIFY(journal.open(QIODevice::ReadWrite));
+        const QByteArray lines = journal.readAll();
+        const qsizetype cleared = lines.indexOf("\"remove\",\"path\":\"/collections/7\"");
+        QVERIFY(cleared > 0 && journal.resize(lines.indexOf('\n', cleared) + 1));
+        journal.close();
+        QVERIFY(live.start());
+        QVERIFY(has("program/properties/volume\":1.0"));
     }
 
     /// Two windows may do it in the same moment: both are told, and what is on then is one of the two shows.
