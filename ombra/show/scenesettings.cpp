@@ -128,7 +128,7 @@ SceneSettings::~SceneSettings()
 void SceneSettings::apply(Json settings, const std::set<std::string>& sections, const Positions& playing)
 {
     constexpr std::string_view state = "/properties/state", position = "/properties/mediaPosition";
-    settings = ShowTargets(m_scene, settings).settings;
+    settings = ShowTargets(m_scene, settings, {}).settings;
     settings.forEachMember([&](std::string_view path, const Json& value) {
         if (!path.ends_with(state) && !path.ends_with(position))
             applyOne(path, value, sections);
@@ -157,10 +157,9 @@ const char* SceneSettings::sectionAt(std::string_view path) const
     return at.deref() && at.property() ? sectionOf(at.deref(), at.property()) : nullptr;
 }
 
-Json SceneSettings::chosen(const Json& settings, const std::set<std::string>& sections,
-                           std::string& note) const
+Json SceneSettings::chosen(const Json& show, const std::set<std::string>& sections, std::string& note) const
 {
-    const ShowTargets targets(m_scene, settings);
+    const ShowTargets targets(m_scene, show.get("settings"), show.get("outputs"));
     if (sections.contains("output"))
         note = targets.note;
     Json found = Json::object();
@@ -193,7 +192,7 @@ std::string SceneSettings::misfit(const Json& settings, const std::set<std::stri
         return sentence.empty();
     });
     if (sentence.empty() && sections.contains("output"))
-        sentence = ShowTargets(m_scene, settings).fault;
+        sentence = ShowTargets(m_scene, settings, {}).fault;
     return sentence;
 }
 
@@ -223,6 +222,11 @@ bool SceneSettings::write(const std::string& path, const Json& value)
         return false;
     m_written(object.get(), at.property());
     return true;
+}
+
+Json SceneSettings::outputs() const
+{
+    return ShowTargets::outputsOf(m_scene);
 }
 
 Json SceneSettings::current() const

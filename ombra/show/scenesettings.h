@@ -40,10 +40,13 @@ public:
     /// Everything that a show has of the scene, as it is now; of an output whose mode waits to be kept, the
     /// one before.
     Json current() const;
-    /// Those of the settings that belong to these sections and can stand in this scene. note: a sentence
+    /// The names of the outputs that they are for.
+    Json outputs() const;
+    /// Those of a show's settings that belong to these sections and can stand in this scene. note: a sentence
     /// where outputs of this machine stand in the place of others.
-    Json chosen(const Json& settings, const std::set<std::string>& sections, std::string& note) const;
-    /// Which of those has a value that no client could write, as a sentence; empty when none has.
+    Json chosen(const Json& show, const std::set<std::string>& sections, std::string& note) const;
+    /// Which of its settings there has a value that no client could write, as a sentence; empty when none
+    /// has.
     std::string misfit(const Json& settings, const std::set<std::string>& sections) const;
     /// Plays nothing and sets what belongs to playback and audio to its defaults.
     void resetPlayback();

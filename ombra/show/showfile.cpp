@@ -21,12 +21,13 @@ constexpr std::size_t mostSettings = 10'000;
 
 } // namespace
 
-Json make(const Json& library, const Json& settings)
+Json make(const Json& library, const Json& settings, const Json& outputs)
 {
     return Json::object({{"format", formatName},
                          {"version", version},
                          {"server", versionText()},
                          {"library", library},
+                         {"outputs", outputs},
                          {"settings", settings}});
 }
 

@@ -18,7 +18,8 @@ constexpr std::int64_t version = 1;
 /// Bytes of a file; what can be saved can be read.
 constexpr std::size_t largest = std::size_t{272} * 1024 * 1024;
 
-Json make(const Json& library, const Json& settings);
+/// outputs: the names of the outputs that the settings are for.
+Json make(const Json& library, const Json& settings, const Json& outputs);
 /// Without a layout, which would take more room than what it lays out.
 std::string textOf(const Json& show);
 

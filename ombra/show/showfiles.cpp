@@ -122,7 +122,8 @@ void ShowFiles::next()
 
 Json ShowFiles::show() const
 {
-    return showfile::make(m_parts.store.library().toJson(), m_parts.settings.current());
+    return showfile::make(m_parts.store.library().toJson(), m_parts.settings.current(),
+                          m_parts.settings.outputs());
 }
 
 void ShowFiles::importShow(std::shared_ptr<const showfile::Reading> file, const std::string& include,
@@ -216,9 +217,9 @@ void ShowFiles::keepCopy(const std::string& before, std::function<void(const std
     const Json settings = m_parts.settings.current();
     if (library.sameNode(m_keptLibrary) && settings == m_keptSettings)
         return then({});
-    const auto write = [folder = m_folder, before, library, settings] {
+    const auto write = [folder = m_folder, before, library, settings, outputs = m_parts.settings.outputs()] {
         std::string why;
-        folder->keepCopy(before, showfile::textOf(showfile::make(library, settings)), &why);
+        folder->keepCopy(before, showfile::textOf(showfile::make(library, settings, outputs)), &why);
         return why;
     };
     aside(write,
@@ -240,7 +241,7 @@ void ShowFiles::replace(const SharedChange& change, const std::vector<std::strin
         if (!why.empty())
             return finish(change->done, withoutCopy(why));
         std::string note;
-        Json settings = m_parts.settings.chosen(change->file->show.get("settings"), change->sections, note);
+        Json settings = m_parts.settings.chosen(change->file->show, change->sections, note);
         change->instead.forEachMember([&settings](std::string_view path, const Json& value) {
             settings.set(path, value);
             return true;
@@ -359,11 +360,12 @@ void ShowFiles::save(const std::string& name, const Done& done)
     const Json settings = m_parts.settings.current();
     const bool isEmpty = ShowContents::of(library).isNothing();
     const bool replaces = isEmpty || name != m_parts.current.name();
-    const auto write = [folder = m_folder, name, library, settings, replaces] {
+    const auto write = [folder = m_folder, name, library, settings, replaces,
+                        outputs = m_parts.settings.outputs()] {
         Saving saving;
         saving.keptOther = replaces && folder->keepReplaced(name, library, &saving.why);
         if (saving.why.empty())
-            folder->save(name, showfile::textOf(showfile::make(library, settings)), &saving.why);
+            folder->save(name, showfile::textOf(showfile::make(library, settings, outputs)), &saving.why);
         return saving;
     };
     aside(write, [this, name, library, settings, isEmpty, done](const Saving& saving) {

@@ -11,11 +11,15 @@ namespace vantrel::ombra {
 /// name outputs that are not here.
 struct ShowTargets
 {
-    ShowTargets(const Scene& scene, const Json& showSettings);
+    /// outputs: of the machine that wrote the show, null where it does not say.
+    ShowTargets(const Scene& scene, const Json& showSettings, const Json& outputs);
 
     std::string fault; // a sentence where they cannot be taken; empty otherwise
     std::string note;  // a sentence where others stand in their place; empty otherwise
     Json settings;     // the show's, with targets that are here
+
+    /// The names of this machine's outputs, in their order.
+    static Json outputsOf(const Scene& scene);
 };
 
 } // namespace vantrel::ombra

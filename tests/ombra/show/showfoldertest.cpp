@@ -21,7 +21,8 @@ private Q_SLOTS:
     void keepsTheNewestCopyWhateverTheClockSays()
     {
         const QTemporaryDir folder;
-        const std::string show = showfile::textOf(showfile::make(MediaLibrary().toJson(), Json::object()));
+        const std::string show =
+            showfile::textOf(showfile::make(MediaLibrary().toJson(), Json::object(), Json::array()));
         QVERIFY(QDir(folder.path()).mkpath(QStringLiteral("earlier")));
         const auto put = [&](const QString& id) {
             QFile file(folder.filePath(QStringLiteral("earlier/%1.show").arg(id)));
