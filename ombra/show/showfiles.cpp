@@ -210,7 +210,7 @@ void ShowFiles::askOrReplace(const SharedChange& change, const std::vector<std::
 
 /// Keeps the present show as a copy that can be brought back, unless the newest one is the same. then is told
 /// why that was not possible.
-void ShowFiles::keepCopy(const std::string& before, std::function<void(const std::string& error)> then,
+void ShowFiles::keepCopy(const std::string& before, std::function<void(const std::string& why)> then,
                          int tries)
 {
     const Json library = m_parts.store.latestLibrary().toJson();
