@@ -11,6 +11,18 @@
 
 namespace vantrel {
 
+namespace {
+
+/// Pictures are among them where slots are copied.
+MediaType kindOf(const QString& path)
+{
+    if (isSoundFile(path))
+        return MediaType::AudioFile;
+    return isImageFile(path) ? media::MediaUtils::getMediaType(path) : MediaType::VideoFile;
+}
+
+} // namespace
+
 MediaCandidateModel::MediaCandidateModel(MediaDrop* drop, QObject* parent)
     : QAbstractListModel(parent)
     , m_drop(drop)
@@ -47,8 +59,8 @@ QVariant MediaCandidateModel::data(const QModelIndex& index, int role) const
     case NameRole:
     case Qt::DisplayRole:
         return getNameInPath(candidate.path);
-    case IsSoundRole:
-        return media::MediaUtils::getMediaType(candidate.path) == MediaType::AudioFile;
+    case KindRole:
+        return static_cast<int>(kindOf(candidate.path));
     case IsToldRole:
         return candidate.isTold;
     case FaultRole:
@@ -62,7 +74,7 @@ QVariant MediaCandidateModel::data(const QModelIndex& index, int role) const
 
 QHash<int, QByteArray> MediaCandidateModel::roleNames() const
 {
-    return {{PathRole, "path"},     {NameRole, "name"},   {IsSoundRole, "isSound"},
+    return {{PathRole, "path"},     {NameRole, "name"},   {KindRole, "kind"},
             {IsToldRole, "isTold"}, {FaultRole, "fault"}, {DurationStringRole, "durationString"}};
 }
 

@@ -20,7 +20,7 @@ public:
     enum Roles {
         PathRole = 257,
         NameRole = 258,
-        IsSoundRole = 259,
+        KindRole = 259,
         IsToldRole = 260,
         FaultRole = 261,
         DurationStringRole = 264, // empty where there is none

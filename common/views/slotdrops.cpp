@@ -13,7 +13,6 @@
 #include "common/qml/dropdialog.h"
 #include "common/qml/qmlmanager.h"
 #include "common/session/session.h"
-#include "common/ui/toolkit/confirmationdialog.h"
 
 #include <QGuiApplication>
 #include <QMimeData>
@@ -51,7 +50,6 @@ SlotDrops::SlotDrops(Session* session, MediaCollectionManager* manager, QWidget*
     , m_manager(manager)
     , m_library(session ? session->mediaLibraryProvider() : nullptr)
     , m_fileSystems(session ? session->fileSystemProvider() : nullptr)
-    , m_window(window)
     , m_creator(session, manager)
     , m_handler(&m_creator, m_fileSystems)
     , m_arrivals(session ? session->mediaArrivals() : nullptr)
@@ -372,52 +370,20 @@ void SlotDrops::settle(const QUrl& media, bool isSupplanted)
                .arg(address.collection));
 }
 
-/// Folders may have held more than a forecast could tell.
+/// What goes and was not told before the button was let go is asked, and so is what nobody knows but the
+/// operator.
 void SlotDrops::finish(MediaDrop* drop, int toldLast)
 {
     disconnect(drop, &MediaDrop::isReadyChanged, this, nullptr);
     disconnect(drop, &MediaDrop::lastSlotChanged, this, nullptr);
     m_arrivals->pending().remove(drop);
-    if (isToBeReviewed(*drop))
-        return review(drop);
     QStringList names;
     const int first = std::max(drop->startSlot(), toldLast + 1);
-    const int count = drop->lastSlot() < 0
-                          ? 0
-                          : overwrittenSlots(*m_manager, drop->collection(), first, drop->lastSlot(),
-                                             drop->collectionSlots(), names);
-    if (count == 0)
-        return save(drop);
-    const int more = count - static_cast<int>(names.size());
-    auto* dialog = new ConfirmationDialog(
-        tr("Overwrite %n slots?", nullptr, count),
-        tr("What was dropped takes the slots %1 to %2 of collection %3. What they hold goes: %4. It can be "
-           "undone.")
-            .arg(drop->startSlot())
-            .arg(drop->lastSlot())
-            .arg(drop->collection())
-            .arg(names.join(QStringLiteral(", ")) + (more > 0 ? tr(" and %1 more").arg(more) : QString())),
-        tr("OVERWRITE"), m_window);
-    dialog->setObjectNames(QStringLiteral("MediaPanel-overwrite-slots"));
-    dialog->setAcceptClass(QStringLiteral("red"));
-    dialog->setAttribute(Qt::WA_DeleteOnClose);
-    const QPointer<MediaDrop> kept(drop);
-    connect(dialog, &ZTDialog::confirmed, this, [this, kept, first, names, count, toldLast] {
-        if (!kept)
-            return;
-        QStringList present;
-        const int goes = overwrittenSlots(*m_manager, kept->collection(), first, kept->lastSlot(),
-                                          kept->collectionSlots(), present);
-        if (goes == count && present == names)
-            save(kept);
-        else
-            finish(kept, toldLast); // others have put something there meanwhile
-    });
-    connect(dialog, &QDialog::rejected, this, [kept] {
-        if (kept)
-            kept->cancel();
-    });
-    dialog->open();
+    if (isToBeReviewed(*drop) || overwrittenSlots(*m_manager, drop->collection(), first, drop->lastSlot(),
+                                                  drop->collectionSlots(), names) > 0)
+        review(drop);
+    else
+        save(drop);
 }
 
 /// The operator looks at what was found, and at what goes for it.

@@ -33,7 +33,7 @@ class SlotDrops : public QObject
     Q_OBJECT
 
 public:
-    /// session: null takes no files. window: over which it asks.
+    /// session: null takes no files. window: whose it is.
     SlotDrops(Session* session, MediaCollectionManager* manager, QWidget* window);
     ~SlotDrops() override;
 
@@ -122,7 +122,6 @@ private:
     MediaCollectionManager* m_manager;
     AbstractMediaLibraryProvider* m_library; // null for none
     FileSystemProvider* m_fileSystems;       // null for none
-    QWidget* m_window;
     ImageSequenceCreator m_creator;
     MediaSlotDropHandler m_handler;
     MediaArrivals* m_arrivals;           // the session's, so that each view shows what any of them has taken

@@ -64,7 +64,7 @@ ZTQMLWidget {
                 required property var model
 
                 pane: mediaPane
-                iconName: model.isSound ? "audio" : "video"
+                iconName: mediaIcons.of(model.kind)
                 name: model.name
                 fault: model.fault === "" ? "" : qsTr("Left out: %1").arg(model.fault)
                 details: model.fault !== "" ? [] : model.isTold ? [model.durationString].filter(text => text !== "")
