@@ -108,6 +108,8 @@ DropForecast DropForecast::of(const MediaDrop& drop, const MediaCollectionManage
     DropForecast forecast;
     if (const int asked = drop.askedCount(); asked > 0)
         forecast.fault = translated("Files that the server has yet to look into: %1.").arg(asked);
+    else if (!drop.isReady())
+        forecast.fault = translated("It is still being read.");
     else if (const int count = drop.storedSlotCount(); count == 0)
         forecast.fault = translated("Nothing of it is left.");
     else

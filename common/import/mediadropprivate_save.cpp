@@ -78,7 +78,8 @@ void MediaDropPrivate::save()
     if (!hasRoom())
         return;
     MediaCollectionManager* const manager = m_creator->mediaCollectionManager();
-    manager->beginStep(tr("Drop on slot %1 of collection %2").arg(m_startSlot).arg(m_collection));
+    if (!manager->beginStep(tr("Drop on slot %1 of collection %2").arg(m_startSlot).arg(m_collection)))
+        return;
     int current = m_startSlot;
     moveSlots(m_collectionSlots, m_collection, current);
     if (!m_medias.isEmpty())

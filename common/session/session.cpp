@@ -151,6 +151,29 @@ bool Session::isReachable() const
     return isConnected() && m_linkHealth->state() != LinkHealth::State::Silent;
 }
 
+QString Session::libraryObstacle() const
+{
+    if (!isConnected())
+        return tr("There is no connection to the server.");
+    if (!isReachable())
+        return tr("The server does not answer.");
+    return m_mediaLibraryApi ? m_mediaLibraryApi->unread().whole : tr("The library is not read yet.");
+}
+
+void Session::followObstacle()
+{
+    m_obstacle = libraryObstacle();
+    const auto tell = [this] {
+        const QString now = libraryObstacle();
+        if (std::exchange(m_obstacle, now) != now)
+            Q_EMIT libraryObstacleChanged();
+    };
+    connect(this, &Session::connected, this, tell);
+    connect(this, &Session::disconnected, this, tell);
+    connect(this, &Session::libraryReadingChanged, this, tell);
+    connect(m_linkHealth.get(), &LinkHealth::changed, this, tell);
+}
+
 bool Session::isConnected() const
 {
     return !m_connection->getConnectedHost().isEmpty();
@@ -189,6 +212,7 @@ void Session::doInit()
     initMediaLibraryHelpers();
     initPlaylistModels();
     wireProviders();
+    followObstacle();
     m_files = std::make_unique<SessionFiles>();
     m_transferLimit = std::make_unique<TransferLimit>(m_configuration.get(), program);
     connect(m_files.get(), &SessionFiles::serverFilesModelChanged, this, &Session::serverFilesModelChanged);

@@ -106,6 +106,8 @@ public:
     bool isConnected() const;
     /// Connected, and the server says something on its link.
     bool isReachable() const;
+    /// Why the library cannot be edited now, a sentence; empty where it can.
+    QString libraryObstacle() const;
 
     Scene* getScene() const { return m_scene.get(); }
     QNetworkAccessManager* getQNetworkAccessManager() const;
@@ -168,6 +170,7 @@ Q_SIGNALS:
     void sceneLoaded();
     /// MediaLibraryApi::reading() of the present connection.
     void libraryReadingChanged();
+    void libraryObstacleChanged();
     void serverFilesModelChanged();
     void serverFilesPathModelChanged();
 
@@ -177,6 +180,7 @@ private:
     void onPatchAvailable();
     void initConnection();
     void onHealthChanged();
+    void followObstacle();
     void askForUnsent();
     void wireProviders();
     void followLibrary(const QString& host);
@@ -245,6 +249,7 @@ private:
     int m_linksSeen = 0; // of ConnectionHandler::linkCount(): which link the scene has heard of
     Patch m_nextPatch;   // taken from the link, not applied yet
     QString m_lastHost;  // of the last link
+    QString m_obstacle;  // libraryObstacle(), as it was told last
     Patch m_unsent;      // asks for what was changed here while the server did not answer
 };
 

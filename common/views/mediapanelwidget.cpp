@@ -62,6 +62,7 @@ MediaPanelWidget::MediaPanelWidget(Session* session, QWidget* parent)
     connect(session, &Session::disconnected, this, [this] { setConnected(false); });
     setConnected(session->isConnected());
     connect(session, &Session::libraryReadingChanged, this, [this, session] { showReading(session); });
+    connect(session, &Session::libraryObstacleChanged, this, &MediaPanelWidget::updateEditable);
     showReading(session);
     if (Hotkeys* hotkeys = session->hotkeys())
         addHotkeys(hotkeys);
@@ -70,6 +71,7 @@ MediaPanelWidget::MediaPanelWidget(Session* session, QWidget* parent)
 MediaPanelWidget::MediaPanelWidget(MediaLibraryModel* library, AbstractMediaLibraryProvider* provider,
                                    MediaCollectionManager* manager, QWidget* parent, Session* session)
     : ZTFrame(parent)
+    , m_session(session)
     , m_library(library)
     , m_manager(manager)
     , m_selector(new CollectionSelectorModel(provider, this))
@@ -172,9 +174,8 @@ void MediaPanelWidget::buildList()
     m_view->setDrops(m_drops);
     m_delegate->setArrivals(&m_drops->arrivals());
     connect(m_drops, &SlotDrops::arrivalsChanged, m_view->viewport(), qOverload<>(&QWidget::update));
-    m_drops->setObstacle([this] {
-        return isEditable() ? QString() : tr("There is no library to edit. Drop it again once it is back.");
-    });
+    if (!m_session)
+        m_drops->setObstacle([this] { return obstacle(); });
     m_view->setContextMenuPolicy(Qt::CustomContextMenu);
     auto* column = static_cast<QVBoxLayout*>(layout());
     column->addWidget(m_view, 1);
@@ -281,6 +282,13 @@ void MediaPanelWidget::showReading(const Session* session)
         return;
     m_unread = api->unread();
     updateEditable();
+}
+
+QString MediaPanelWidget::obstacle() const
+{
+    if (m_session)
+        return m_session->libraryObstacle();
+    return m_connected ? QString() : tr("There is no connection to the server.");
 }
 
 void MediaPanelWidget::setStale(bool stale)

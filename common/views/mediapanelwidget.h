@@ -72,7 +72,8 @@ private:
     void fitButtons();
     void showReading(const Session* session);
     void updateEditable();
-    bool isEditable() const { return m_connected && m_unread.whole.isEmpty(); }
+    bool isEditable() const { return obstacle().isEmpty(); }
+    QString obstacle() const;
     void updateEmptyText();
     void onActivated(const QModelIndex& index);
     bool cueFromSearch();
@@ -89,6 +90,7 @@ private:
     bool eventFilter(QObject* watched, QEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
 
+    Session* m_session; // null for none
     MediaLibraryModel* m_library;
     MediaCollectionManager* m_manager;
     CollectionSelectorModel* m_selector;

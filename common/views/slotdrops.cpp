@@ -9,16 +9,13 @@
 #include "common/media/items/guimediaslot.h"
 #include "common/media/items/mimedata.h"
 #include "common/media/library/medialibraryprovider.h"
-#include "common/qml/dialogfactory.h"
-#include "common/qml/dropdialog.h"
-#include "common/qml/qmlmanager.h"
 #include "common/session/session.h"
+#include "common/views/dropreview.h"
 
 #include <QGuiApplication>
 #include <QMimeData>
 #include <QPointer>
 #include <QSet>
-#include <QTimer>
 #include <QWidget>
 
 #include <algorithm>
@@ -38,15 +35,11 @@ bool isToBeReviewed(const MediaDrop& drop)
     return !drop.imageResults().isEmpty() || drop.askedCount() > fewFiles;
 }
 
-QString anotherServer()
-{
-    return SlotDrops::tr("The application has turned to another server. Drop it again.");
-}
-
 } // namespace
 
 SlotDrops::SlotDrops(Session* session, MediaCollectionManager* manager, QWidget* window)
     : QObject(window)
+    , m_session(session)
     , m_manager(manager)
     , m_library(session ? session->mediaLibraryProvider() : nullptr)
     , m_fileSystems(session ? session->fileSystemProvider() : nullptr)
@@ -130,7 +123,7 @@ const DropForecast& SlotDrops::aim(int slot)
     m_aimed = slot;
     m_forecast = DropForecast::of(m_payload, *m_manager, m_collection, slot);
     if (const QString why = obstacle(); !why.isEmpty())
-        m_forecast.fault = why;
+        m_forecast.fault = tr("%1 Drop it again when the library can be edited.").arg(why);
     else if (MediaArrivals::isMixed(m_payload.entries()))
         m_forecast.fault = tr("Files of this computer and of the server are dropped one after the other.");
     return m_forecast;
@@ -224,8 +217,11 @@ void SlotDrops::dropFolders(const Folders& folders)
     }
     if (entries.isEmpty())
         return;
+    if (!server())
+        return refuse(tr("The folders are on the server, to which there is no connection. Drop them from its "
+                         "side once it is back."));
     if (folders.server != server())
-        return refuse(anotherServer());
+        return refuse(tr("The application has turned to another server. Drop it again."));
     m_toldLast = -1;
     m_handler.drop(SlotPayload::ofFiles(entries), folders.collection, folders.slot);
 }
@@ -322,16 +318,18 @@ void SlotDrops::send(const MediaDrop& drop)
 }
 
 /// Minutes may lie between the drop and its approval.
-void SlotDrops::leaveOutWhatIsGone(MediaDrop* drop) const
+void SlotDrops::leaveOutWhatIsGone(MediaDrop* drop)
 {
-    const MediaArrivals::Plan plan = m_made.value(drop).plan;
+    MediaArrivals::Plan& plan = m_made[drop].plan;
     QSet<QString> gone;
-    for (qsizetype i = 0; i < plan.uploads.size(); ++i) {
+    for (qsizetype i = plan.uploads.size() - 1; i >= 0; --i) {
         if (m_arrivals->isFile(plan.uploads[i]))
             continue;
         gone.insert(plan.files[i].path);
         drop->addFault(
             tr("\"%1\" is left out: it is not there any more.").arg(shownText(plan.files[i].name)));
+        plan.uploads.removeAt(i);
+        plan.files.removeAt(i);
     }
     if (gone.isEmpty())
         return;
@@ -371,7 +369,7 @@ void SlotDrops::settle(const QUrl& media, bool isSupplanted)
 }
 
 /// What goes and was not told before the button was let go is asked, and so is what nobody knows but the
-/// operator.
+/// operator. What cannot be stored now waits in the same dialog.
 void SlotDrops::finish(MediaDrop* drop, int toldLast)
 {
     disconnect(drop, &MediaDrop::isReadyChanged, this, nullptr);
@@ -379,39 +377,36 @@ void SlotDrops::finish(MediaDrop* drop, int toldLast)
     m_arrivals->pending().remove(drop);
     QStringList names;
     const int first = std::max(drop->startSlot(), toldLast + 1);
-    if (isToBeReviewed(*drop) || overwrittenSlots(*m_manager, drop->collection(), first, drop->lastSlot(),
-                                                  drop->collectionSlots(), names) > 0)
+    if (isToBeReviewed(*drop) || (drop->lastSlot() >= 0 && !hindranceOf(*drop).isEmpty()) ||
+        overwrittenSlots(*m_manager, drop->collection(), first, drop->lastSlot(), drop->collectionSlots(),
+                         names) > 0)
         review(drop);
-    else
-        save(drop);
+    else if (!save(drop))
+        drop->cancel();
 }
 
-/// The operator looks at what was found, and at what goes for it.
 void SlotDrops::review(MediaDrop* drop)
 {
-    QMLManager::instance()->initialize();
-    DropDialog* const dialog =
-        QMLManager::instance()->dialogs()->openDropDialog(drop, !m_attention.hasExpired());
-    const auto tellWhere = [this, drop, dialog] { dialog->setForecast(DropForecast::of(*drop, *m_manager)); };
-    tellWhere();
-    connect(drop, &MediaDrop::isReadyChanged, dialog, tellWhere);
-    QTimer* const pace = followLibrary(drop, dialog);
-    connect(drop, &MediaDrop::lastSlotChanged, dialog, [drop, tellWhere, pace] {
-        if (drop->isReady())
-            tellWhere();
-        else if (!pace->isActive())
-            pace->start();
-    });
-    connect(dialog, &ZTDialog::confirmed, this, [this, drop = QPointer(drop), dialog, tellWhere] {
-        if (!drop || !m_unread.hasExpired())
+    const auto forecast = [this](const MediaDrop& of) {
+        DropForecast now = DropForecast::of(of, *m_manager);
+        if (const QString why = hindranceOf(of); !why.isEmpty())
+            now.fault = why;
+        return now;
+    };
+    auto* const review = new DropReview(drop, forecast, !m_attention.hasExpired());
+    if (m_library)
+        review->follow(m_library);
+    if (m_session)
+        connect(m_session, &Session::libraryObstacleChanged, review, &DropReview::noteChange);
+    connect(review, &DropReview::approved, this, [this, drop = QPointer(drop), review] {
+        if (!drop || save(drop))
             return;
-        // What others have put there since is shown before it goes.
-        if (dialog->forecast() == DropForecast::of(*drop, *m_manager))
-            save(drop);
+        if (drop->lastSlot() < 0)
+            drop->cancel();
         else
-            tellWhere();
+            review->tell();
     });
-    connect(dialog, &QDialog::rejected, this, [this, drop = QPointer(drop)] {
+    connect(review, &DropReview::rejected, this, [this, drop = QPointer(drop)] {
         if (drop && drop->isReady()) {
             drop->cancel();
         } else if (drop) {
@@ -421,53 +416,39 @@ void SlotDrops::review(MediaDrop* drop)
     });
 }
 
-/// The dialog says what goes as it is now, however long it stands. What has only just changed is not taken
-/// for read. Gives the timer by which it is told at most ten times a second.
-QTimer* SlotDrops::followLibrary(MediaDrop* drop, DropDialog* dialog)
+QString SlotDrops::obstacle() const
 {
-    auto* const pace = new QTimer(dialog);
-    pace->setSingleShot(true);
-    pace->setInterval(100ms);
-    connect(pace, &QTimer::timeout, this, [this, drop = QPointer(drop), dialog] {
-        const DropForecast now = drop ? DropForecast::of(*drop, *m_manager) : dialog->forecast();
-        if (now == dialog->forecast())
-            return;
-        if (now.overwritten > 0)
-            m_unread.setRemainingTime(1s);
-        dialog->setForecast(now);
-    });
-    const auto noteChange = [pace] {
-        if (!pace->isActive())
-            pace->start();
-    };
-    if (m_library) {
-        connect(m_library, &AbstractMediaLibraryProvider::reset, pace, noteChange);
-        connect(m_library, &AbstractMediaLibraryProvider::collectionRemoved, pace, noteChange);
-        connect(m_library, &AbstractMediaLibraryProvider::slotAdded, pace, noteChange);
-        connect(m_library, &AbstractMediaLibraryProvider::slotChanged, pace, noteChange);
-        connect(m_library, &AbstractMediaLibraryProvider::slotRemoved, pace, noteChange);
-    }
-    return pace;
+    if (m_session)
+        return m_session->libraryObstacle();
+    return m_obstacle ? m_obstacle() : QString();
 }
 
-void SlotDrops::save(MediaDrop* drop)
+/// Why a drop cannot be stored now. What the operator has made of it is not given up for that.
+QString SlotDrops::hindranceOf(const MediaDrop& drop) const
 {
-    const QPointer<MediaDrop> kept(drop);
+    if (const QString why = obstacle(); !why.isEmpty())
+        return tr("%1 What stands here is kept until it can be added.").arg(why);
+    if (m_made.value(&drop).server != server())
+        return tr(
+            "The application has turned to another server. This can be added once it is back at the one "
+            "that it was dropped for.");
+    return {};
+}
+
+/// False, and it stands as it did, where it was not: it is empty, or nobody took it, which was told.
+bool SlotDrops::save(MediaDrop* drop)
+{
     bool isSaved = false;
     const auto connection = connect(drop, &MediaDrop::saved, this, [&isSaved] { isSaved = true; });
     leaveOutWhatIsGone(drop);
-    if (const QString why = obstacle(); !why.isEmpty())
-        drop->addFault(why);
-    else if (m_made.value(drop).server != server())
-        drop->addFault(anotherServer());
-    else if (drop->lastSlot() >= 0)
+    if (drop->lastSlot() >= 0)
         drop->save();
     else if (drop->faults().isEmpty())
         drop->addFault(tr("There is nothing in it that a slot could hold."));
-    tell(drop->faults()); // it is deleted later
     disconnect(connection);
-    if (!isSaved)
-        drop->cancel();
+    if (isSaved || drop->lastSlot() < 0)
+        tell(drop->faults()); // it is deleted later
+    return isSaved;
 }
 
 /// Of many the first.

@@ -12,13 +12,11 @@
 #include <functional>
 
 class QMimeData;
-class QTimer;
 class QWidget;
 
 namespace vantrel {
 
 class AbstractMediaLibraryProvider;
-class DropDialog;
 class FileSystem;
 class FileSystemProvider;
 class MediaCollectionManager;
@@ -39,7 +37,7 @@ public:
 
     /// Of the slots on which is dropped; below 0 takes nothing.
     void setCollection(int collection) { m_collection = collection; }
-    /// Why nothing can be changed now, a sentence; empty where it can.
+    /// Without a session: why nothing can be changed now, a sentence; empty where it can.
     void setObstacle(const std::function<QString()>& obstacle) { m_obstacle = obstacle; }
 
     /// Whether a drop could be done now.
@@ -101,7 +99,8 @@ private:
     void readKeys();
     void want(bool isCopy, bool isMove);
     void moveOver(const DropForecast& forecast);
-    QString obstacle() const { return m_obstacle ? m_obstacle() : QString(); }
+    QString obstacle() const;
+    QString hindranceOf(const MediaDrop& drop) const;
     void bring(const MediaArrivals::Plan& plan, int collection, int slot, int toldLast);
     void bringDirectories(const QStringList& directories, int collection, int slot);
     void dropFolders(const Folders& folders);
@@ -109,16 +108,16 @@ private:
     void giveUp(MediaDrop* drop);
     void finish(MediaDrop* drop, int toldLast);
     void review(MediaDrop* drop);
-    QTimer* followLibrary(MediaDrop* drop, DropDialog* dialog);
     void follow(MediaDrop* drop);
     void send(const MediaDrop& drop);
-    void leaveOutWhatIsGone(MediaDrop* drop) const;
+    void leaveOutWhatIsGone(MediaDrop* drop);
     FileSystem* server() const;
     void settle(const QUrl& media, bool isSupplanted);
-    void save(MediaDrop* drop);
+    bool save(MediaDrop* drop);
     void tell(const QStringList& faults) const;
     void refuse(const QString& why) const;
 
+    Session* m_session; // null for none
     MediaCollectionManager* m_manager;
     AbstractMediaLibraryProvider* m_library; // null for none
     FileSystemProvider* m_fileSystems;       // null for none
@@ -136,8 +135,7 @@ private:
     QPair<int, int> m_room{-1, -1}; // the last answer of roomFrom()
     MediaArrivals::Plan m_plan;     // of the drop that is made now, where its files have yet to arrive
     QDeadlineTimer m_attention;     // for which the operator looks at what becomes of the last drop
-    QDeadlineTimer m_unread{0}; // what a drop overwrites has changed just now, and nobody can have read it
-    int m_toldLast = -1;        // up to which the operator has seen what a drop overwrites
+    int m_toldLast = -1;            // up to which the operator has seen what a drop overwrites
 };
 
 } // namespace vantrel

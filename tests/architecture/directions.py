@@ -82,7 +82,7 @@ SINGLETONS = {
         "common/ui/shell/mainwindow.cpp": "ends the engine before the session",
         "common/ui/shell/notificationdialogwrapper.cpp": "the one engine of all declarative views",
         "common/ui/shell/notificationhost.cpp": "the one engine of all declarative views",
-        "common/views/slotdrops.cpp": "opens the one declared dialog of a drop",
+        "common/views/dropreview.cpp": "opens the one declared dialog of a drop",
     },
     "DefaultFileSystemProvider": {
         "common/filesystem/schedule/operationfactory.cpp": "knows the local disks from a server by it",

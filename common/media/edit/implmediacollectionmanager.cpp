@@ -1,5 +1,6 @@
 #include "common/media/edit/implmediacollectionmanager.h"
 
+#include "common/command/commandgate.h"
 #include "common/media/address/medialogging.h"
 #include "common/media/address/mediautils.h"
 #include "common/media/edit/slot/addmediatocollectioncommand.h"
@@ -260,10 +261,15 @@ bool ImplMediaCollectionManager::updateMedia(int collection, int slot, const Gui
                                    newMediaSlot.hasInfiniteDuration(), MediaAddress(collection, slot));
 }
 
-void ImplMediaCollectionManager::beginStep(const QString& text)
+bool ImplMediaCollectionManager::beginStep(const QString& text)
 {
-    if (Session* session = Session::instance())
-        session->getQUndoStack()->beginMacro(text);
+    Session* session = Session::instance();
+    if (!session)
+        return true; // each command says so by itself
+    if (!CommandGate::passes(session->getQUndoStack(), text))
+        return false;
+    session->getQUndoStack()->beginMacro(text);
+    return true;
 }
 
 void ImplMediaCollectionManager::endStep()

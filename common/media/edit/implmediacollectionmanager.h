@@ -44,7 +44,7 @@ public:
                                          bool isInfinite) override;
     Q_INVOKABLE bool updateMedia(int collection, int slot,
                                  const vantrel::GuiMediaSlot& newMediaSlot) override;
-    void beginStep(const QString& text) override;
+    bool beginStep(const QString& text) override;
     void endStep() override;
 
 protected:

@@ -59,8 +59,13 @@ public:
     /// Takes over the duration and its type, nothing else.
     virtual bool updateMedia(int collection, int slot, const GuiMediaSlot& newMediaSlot) = 0;
 
-    /// What is done until endStep() is one step of undo, under the text.
-    virtual void beginStep(const QString& text) { Q_UNUSED(text); }
+    /// What is done until endStep() is one step of undo, under the text. False, and the operator is told why,
+    /// where nothing can be done now.
+    virtual bool beginStep(const QString& text)
+    {
+        Q_UNUSED(text);
+        return true;
+    }
     virtual void endStep() {}
 };
 

@@ -41,9 +41,6 @@ MediaActions::MediaActions(QWidget* view, MediaLibraryModel* library, Session* s
     , m_isTable(storedValue(tableKey, false).toBool())
     , m_hasDetails(storedValue(detailsKey, true).toBool())
 {
-    m_drops->setObstacle([this] {
-        return isEditable() ? QString() : tr("There is no library to edit. Drop it again once it is back.");
-    });
     connect(m_drops.get(), &SlotDrops::arrivalsChanged, this, [this] {
         ++m_arrivalsRevision;
         Q_EMIT arrivalsChanged();
@@ -59,7 +56,7 @@ void MediaActions::follow()
 {
     connect(m_session, &Session::connected, this, &MediaActions::readState);
     connect(m_session, &Session::disconnected, this, &MediaActions::readState);
-    connect(m_session, &Session::libraryReadingChanged, this, &MediaActions::readState);
+    connect(m_session, &Session::libraryObstacleChanged, this, &MediaActions::readState);
     connect(m_session->linkHealth(), &LinkHealth::changed, this, &MediaActions::readState);
     readState();
 }
@@ -70,7 +67,7 @@ void MediaActions::readState()
     m_isConnected = m_session->isConnected();
     const LinkHealth* health = m_session->linkHealth();
     m_silence = health->state() == LinkHealth::State::Silent ? health->text() : QString();
-    m_isRead = api && api->reading() == MediaLibraryApi::Reading::Done;
+    m_isEditable = m_session->libraryObstacle().isEmpty();
     m_unread = api ? api->unread().whole : QString();
     Q_EMIT libraryChanged();
 }

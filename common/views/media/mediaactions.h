@@ -45,7 +45,7 @@ public:
     SlotDrops* drops() const { return m_drops.get(); }
     bool isConnected() const { return m_isConnected; }
     bool isLive() const { return m_isConnected && m_silence.isEmpty(); }
-    bool isEditable() const { return isLive() && m_isRead; }
+    bool isEditable() const { return m_isEditable; }
     int arrivalsRevision() const { return m_arrivalsRevision; }
     QString pendingDrop() const;
     QString obstacle() const;
@@ -114,7 +114,7 @@ private:
     QString m_silence; // of a link that is there and says nothing, a sentence
     int m_arrivalsRevision = 0;
     bool m_isConnected = false;
-    bool m_isRead = false;
+    bool m_isEditable = false;
     bool m_isTable = false;
     bool m_hasDetails = true;
 };

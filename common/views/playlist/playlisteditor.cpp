@@ -230,7 +230,7 @@ void PlaylistEditor::updateEditable()
     const MediaLibraryApi* api = m_session->getMediaLibraryApi();
     const State health = m_session->linkHealth()->state();
     m_clock->setStale(health == State::Silent || health == State::Lost);
-    m_isEditable = m_session->isReachable() && api && api->reading() == MediaLibraryApi::Reading::Done;
+    m_isEditable = m_session->libraryObstacle().isEmpty();
     m_header->setEditable(m_isEditable);
     m_header->setLibraryApi(api);
     m_header->setUnread(api ? api->unread().brief : QString());

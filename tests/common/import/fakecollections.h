@@ -69,7 +69,11 @@ public:
     void renameCollection(int, const QString&) override {}
     bool updateMediaDuration(int, int, double, bool) override { return false; }
     bool updateMedia(int, int, const GuiMediaSlot&) override { return false; }
-    void beginStep(const QString&) override { done += QStringLiteral("begin"); }
+    bool beginStep(const QString&) override
+    {
+        done += QStringLiteral("begin");
+        return true;
+    }
     void endStep() override { done += QStringLiteral("end"); }
 };
 

@@ -165,6 +165,48 @@ private Q_SLOTS:
         QTRY_COMPARE(hand.slot(4)->name(), QStringLiteral("b.wav"));
     }
 
+    /// What the operator has made of a drop waits for the server, and is said to be stored only when it is.
+    void waitsForTheServer_data()
+    {
+        QTest::addColumn<bool>("isKilled");
+        QTest::newRow("that hangs") << false;
+        QTest::newRow("that is gone") << true;
+    }
+    void waitsForTheServer()
+    {
+        QFETCH(bool, isKilled);
+        DroppingHand hand;
+        QVERIFY(hand.isReady());
+        hand.makePicture(QStringLiteral("logo.png"));
+        MediaDrop* drop = nullptr;
+        connect(hand.drops->handler(), &MediaSlotDropHandler::mediaDropCreated, this,
+                [&drop](MediaDrop* made) { drop = made; });
+        QVERIFY(hand.drop({QStringLiteral("logo.png")}, 3));
+        QTRY_VERIFY(hand.reviewed() && hand.reviewed()->acceptButton()->isEnabled());
+        images::ImagesResult still = drop->imageResults().constFirst();
+        still.setStillImageDuration(4.5);
+        drop->setImageResults({still});
+        if (isKilled)
+            hand.server.kill();
+        else
+            hand.server.hang();
+        QTRY_VERIFY(!hand.reviewed()->acceptButton()->isEnabled());
+        QVERIFY2(hand.reviewed()->description().contains(QStringLiteral("is kept until it can be added")),
+                 qPrintable(hand.reviewed()->description()));
+        QSignalSpy saved(drop, &MediaDrop::saved);
+        drop->save(); // whoever else asks for it
+        QVERIFY(saved.isEmpty() && hand.reviewed());
+        QVERIFY(hand.drops->arrivals().isEmpty());
+        if (isKilled)
+            QVERIFY(hand.server.restart());
+        else
+            hand.server.goOn();
+        QVERIFY(hand.approve());
+        QTRY_VERIFY(hand.slot(3));
+        QCOMPARE(hand.slot(3)->duration(), 4.5);
+        QTRY_VERIFY(hand.slot(3)->isPlayable());
+    }
+
     /// What a folder holds is there to be looked at before the server has told of any of it.
     void showsWhatIsNotToldYet()
     {
