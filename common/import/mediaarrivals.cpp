@@ -46,6 +46,7 @@ struct MediaArrivals::Question
 {
     QList<MediaEntry> entries;
     std::function<void(const Plan&)> next;
+    FileSystem* server = nullptr;
     QTimer patience;
 };
 
@@ -114,6 +115,13 @@ void MediaArrivals::plan(const QList<MediaEntry>& entries, const std::function<v
 void MediaArrivals::lookAtServer(const std::shared_ptr<Question>& question)
 {
     FileSystem* const server = m_fileSystems->getFileSystem(serverName);
+    if (!server) {
+        Plan plan;
+        plan.fault =
+            tr("The connection to the server was lost meanwhile. Drop it again once the server is back.");
+        return question->next(plan);
+    }
+    question->server = server;
     // Both connections hold the question, and go with its answer.
     const auto end = [question, server](const Plan& plan) {
         const std::shared_ptr<Question> kept = question;
@@ -142,15 +150,15 @@ void MediaArrivals::lookAtServer(const std::shared_ptr<Question>& question)
     question->patience.start();
 }
 
-QString MediaArrivals::targetOf(const QString& localPath, bool isDirectory) const
+QString MediaArrivals::targetOf(const FileSystem& server, const QString& localPath, bool isDirectory)
 {
-    const QString root = m_fileSystems->getFileSystem(serverName)->defaultRootPath();
-    return createJoinedPath(root, getNameInPath(localPath), isDirectory);
+    return createJoinedPath(server.defaultRootPath(), getNameInPath(localPath), isDirectory);
 }
 
 MediaArrivals::Plan MediaArrivals::answer(const Question& question) const
 {
     Plan plan;
+    plan.server = question.server;
     QSet<QString> names;
     for (const MediaEntry& entry : question.entries) {
         const QString name = getNameInPath(entry.path);
@@ -168,7 +176,6 @@ MediaArrivals::Plan MediaArrivals::answer(const Question& question) const
 void MediaArrivals::add(Plan& plan, const MediaEntry& entry) const
 {
     FileSystem* const local = m_fileSystems->getFileSystem(localName);
-    FileSystem* const server = m_fileSystems->getFileSystem(serverName);
     const auto leaveOut = [&plan, &entry](const QString& why) {
         plan.faults.append(
             tr("\"%1\" is left out: %2").arg(shownText(getNameInPath(entry.path)), shownText(why)));
@@ -179,9 +186,10 @@ void MediaArrivals::add(Plan& plan, const MediaEntry& entry) const
         return leaveOut(tr("it is not there any more."));
     if (!isDirectory && !isShownFile(entry.path))
         return leaveOut(tr("it is neither a picture nor video nor sound."));
-    const QString target = targetOf(entry.path, isDirectory);
+    FileSystem& server = *plan.server;
+    const QString target = targetOf(server, entry.path, isDirectory);
     const FileSystem::ItemType there =
-        std::max(server->getType(target), server->getType(targetOf(entry.path, !isDirectory)));
+        std::max(server.getType(target), server.getType(targetOf(server, entry.path, !isDirectory)));
     if (there != FileSystem::Unknown || m_progress.contains(QUrl::fromLocalFile(target)))
         return leaveOut(tr("the server holds something of this name. Drop that one, or give this one another "
                            "name."));
@@ -219,7 +227,8 @@ bool MediaArrivals::bringFile(const QString& localPath)
     const OperationPtr operation = send(localPath, FileSystem::File);
     if (!operation)
         return false;
-    const QUrl url = QUrl::fromLocalFile(targetOf(localPath, false));
+    const QUrl url =
+        QUrl::fromLocalFile(targetOf(*m_fileSystems->getFileSystem(serverName), localPath, false));
     m_progress.insert(url, 0);
     connect(operation.get(), &BaseOperation::progressChanged, this, [this, url](double, double to) {
         m_progress[url] = to;
@@ -270,7 +279,7 @@ void MediaArrivals::bringDirectory(const QString& localPath,
     const OperationPtr operation = send(localPath, FileSystem::Directory);
     if (!operation)
         return ended({}, tr("\"%1\" is left out: it is not there any more.").arg(name));
-    const QString target = targetOf(localPath, true);
+    const QString target = targetOf(*m_fileSystems->getFileSystem(serverName), localPath, true);
     m_pending.add(
         operation.get(),
         [operation = operation.get(), name] {

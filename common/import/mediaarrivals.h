@@ -31,6 +31,7 @@ public:
     /// What local items will be on the server.
     struct Plan
     {
+        FileSystem* server = nullptr;
         QStringList uploads;     // local paths of files that are not there yet
         QList<MediaEntry> files; // on the server, in the order of the drop
         QStringList directories; // local paths
@@ -81,7 +82,7 @@ private:
     void lookAtServer(const std::shared_ptr<Question>& question);
     Plan answer(const Question& question) const;
     void add(Plan& plan, const MediaEntry& entry) const;
-    QString targetOf(const QString& localPath, bool isDirectory) const;
+    static QString targetOf(const FileSystem& server, const QString& localPath, bool isDirectory);
     bool isThere(const QString& localPath, FileSystem::ItemType type) const;
     OperationPtr send(const QString& localPath, FileSystem::ItemType type);
     void lookForAnother(const QUrl& media);

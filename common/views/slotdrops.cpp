@@ -175,6 +175,8 @@ void SlotDrops::bring(const MediaArrivals::Plan& plan, int collection, int slot,
 {
     if (!plan.fault.isEmpty())
         return refuse(plan.fault);
+    if (plan.server != server())
+        return refuse(tr("The server that it was dropped for is not the one by now. Drop it again."));
     if (plan.files.isEmpty()) {
         tell(plan.faults);
         return bringDirectories(plan.directories, collection, slot);
