@@ -222,30 +222,62 @@ OperationPtr MediaArrivals::send(const QString& localPath, FileSystem::ItemType 
                : nullptr;
 }
 
-bool MediaArrivals::bringFile(const QString& localPath)
+bool MediaArrivals::bringFile(const QString& localPath, const QUrl& media)
 {
     const OperationPtr operation = send(localPath, FileSystem::File);
     if (!operation)
         return false;
     const QUrl url =
         QUrl::fromLocalFile(targetOf(*m_fileSystems->getFileSystem(serverName), localPath, false));
-    m_progress.insert(url, 0);
-    connect(operation.get(), &BaseOperation::progressChanged, this, [this, url](double, double to) {
-        m_progress[url] = to;
-        noteChange();
-    });
+    noteProgress(url, media, 0);
+    connect(operation.get(), &BaseOperation::progressChanged, this,
+            [this, url, media](double, double to) { noteProgress(url, media, to); });
     // Whole or not, from now on the server says what there is.
     connect(operation.get(), &BaseOperation::operationStopped, this,
-            [this, url, operation = operation.get()] {
-                m_progress.remove(url);
-                noteChange();
+            [this, url, media, operation = operation.get()] {
+                noteEnd(url, media);
                 if (hasPassed(*operation))
                     Q_EMIT settled(url, false);
                 else
                     lookForAnother(url);
             });
-    noteChange();
     return true;
+}
+
+void MediaArrivals::noteProgress(const QUrl& file, const QUrl& media, double share)
+{
+    const bool isNew = !m_progress.contains(file);
+    double& present = m_progress[file];
+    if (media != file) {
+        Whole& whole = m_wholes[media];
+        whole.pictures += isNew;
+        whole.awaited += isNew;
+        whole.arrived += share - present;
+    }
+    present = share;
+    noteChange();
+}
+
+/// What has not arrived is none of what is awaited either.
+void MediaArrivals::noteEnd(const QUrl& file, const QUrl& media)
+{
+    const auto present = m_progress.constFind(file);
+    if (present == m_progress.cend())
+        return;
+    if (const auto whole = m_wholes.find(media); whole != m_wholes.end()) {
+        whole->arrived += 1 - *present;
+        if (--whole->awaited == 0)
+            m_wholes.erase(whole);
+    }
+    m_progress.erase(present);
+    noteChange();
+}
+
+double MediaArrivals::progressOf(const QUrl& media) const
+{
+    if (const auto whole = m_wholes.constFind(media); whole != m_wholes.cend())
+        return whole->arrived / static_cast<double>(whole->pictures);
+    return m_progress.value(media, -1);
 }
 
 /// The name was free when the plan was made. What the server lists now may be a little old.
@@ -307,10 +339,8 @@ void MediaArrivals::bringDirectory(const QString& localPath,
 
 QString MediaArrivals::textOf(const QUrl& media) const
 {
-    const auto found = m_progress.constFind(media);
-    if (found == m_progress.cend())
-        return {};
-    return arrivingText(*found);
+    const double share = progressOf(media);
+    return share < 0 ? QString() : arrivingText(share);
 }
 
 void MediaArrivals::noteChange()

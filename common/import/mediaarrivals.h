@@ -54,8 +54,9 @@ public:
     void plan(const QList<MediaEntry>& entries, const std::function<void(const Plan&)>& next);
     /// Whether that is still what is there. Minutes may lie between a plan and what becomes of it.
     bool isFile(const QString& localPath) const { return isThere(localPath, FileSystem::File); }
-    /// Sends the file off; the slots that play it show how far it is. False when it is not there any more.
-    bool bringFile(const QString& localPath);
+    /// Sends the file off; the slots that play it show how far it is. media: what these slots name, of which
+    /// the file is one picture where they name a sequence. False when it is not there any more.
+    bool bringFile(const QString& localPath, const QUrl& media);
     /// ended is called with its path on the server once all of it is there, or with an empty one and why not.
     void bringDirectory(const QString& localPath,
                         const std::function<void(const QString& path, const QString& fault)>& ended);
@@ -63,7 +64,7 @@ public:
     /// Of a slot's media: "arriving 43 %"; empty for what is not on its way.
     QString textOf(const QUrl& media) const;
     /// The same as a number from 0 to 1; below 0 for what is not on its way.
-    double progressOf(const QUrl& media) const { return m_progress.value(media, -1); }
+    double progressOf(const QUrl& media) const;
     bool isEmpty() const { return m_progress.isEmpty(); }
 
     /// What is in no slot yet.
@@ -78,6 +79,13 @@ Q_SIGNALS:
 
 private:
     struct Question;
+    /// A sequence, of which each picture arrives by itself.
+    struct Whole
+    {
+        qsizetype pictures = 0;
+        qsizetype awaited = 0;
+        double arrived = 0; // of the pictures
+    };
 
     void lookAtServer(const std::shared_ptr<Question>& question);
     Plan answer(const Question& question) const;
@@ -86,11 +94,14 @@ private:
     bool isThere(const QString& localPath, FileSystem::ItemType type) const;
     OperationPtr send(const QString& localPath, FileSystem::ItemType type);
     void lookForAnother(const QUrl& media);
+    void noteProgress(const QUrl& file, const QUrl& media, double share);
+    void noteEnd(const QUrl& file, const QUrl& media);
     void noteChange();
 
     FileSystemProvider* m_fileSystems;
     FileSystemOperations* m_operations;
-    QHash<QUrl, double> m_progress; // from 0 to 1
+    QHash<QUrl, double> m_progress; // of files, from 0 to 1
+    QHash<QUrl, Whole> m_wholes;
     QTimer m_pace;
     PendingDrops m_pending;
 };

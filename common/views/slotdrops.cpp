@@ -309,7 +309,8 @@ void SlotDrops::send(const MediaDrop& drop)
     QStringList faults;
     for (qsizetype i = 0; i < plan.uploads.size(); ++i) {
         const QString& path = plan.files[i].path;
-        if (!m_awaiting.contains(path) || m_arrivals->bringFile(plan.uploads[i]))
+        const auto awaiting = m_awaiting.constFind(path);
+        if (awaiting == m_awaiting.cend() || m_arrivals->bringFile(plan.uploads[i], awaiting->media))
             continue; // the operator has left it out, or it is on its way
         m_awaiting.remove(path);
         faults.append(
