@@ -70,6 +70,7 @@ ZTQMLWidget {
                 details: model.fault !== "" ? [] : model.isTold ? [model.durationString].filter(text => text !== "")
                                                                 : [qsTr("not looked into yet")]
                 Component.onCompleted: mediaPane.model.lookAt(index)
+                ListView.onReused: mediaPane.model.lookAt(index)
             }
         }
         CandidatePane {
