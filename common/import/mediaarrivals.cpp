@@ -35,6 +35,13 @@ bool hasPassed(const BaseOperation& operation)
     return runnable && runnable->state() == RunnableOperation::Passed;
 }
 
+MediaArrivals::Plan faulty(const QString& fault)
+{
+    MediaArrivals::Plan plan;
+    plan.fault = fault;
+    return plan;
+}
+
 bool isOfThisComputer(const MediaEntry& entry)
 {
     return entry.fileSystem == localName;
@@ -45,7 +52,7 @@ bool isOfThisComputer(const MediaEntry& entry)
 struct MediaArrivals::Question
 {
     QList<MediaEntry> entries;
-    std::function<void(const Plan&)> next;
+    std::function<void(const Plan&)> next; // empty once it is answered or given up
     FileSystem* server = nullptr;
     QTimer patience;
 };
@@ -90,51 +97,45 @@ QList<MediaEntry> MediaArrivals::entriesOf(const QList<QUrl>& urls)
     return entries;
 }
 
-void MediaArrivals::plan(const QList<MediaEntry>& entries, const std::function<void(const Plan&)>& next)
+void MediaArrivals::plan(const QList<MediaEntry>& entries, const QString& text,
+                         const std::function<void(const Plan&)>& next)
 {
     FileSystem* const local = m_fileSystems ? m_fileSystems->getFileSystem(localName) : nullptr;
     FileSystem* const server = m_fileSystems ? m_fileSystems->getFileSystem(serverName) : nullptr;
-    if (!local || !server || !m_operations || entries.isEmpty()) {
-        Plan plan;
-        plan.fault = tr("The server takes no files. Copy them to it by hand and drop them again.");
-        return next(plan);
-    }
+    if (!local || !server || !m_operations || entries.isEmpty())
+        return next(faulty(tr("The server takes no files. Copy them to it by hand and drop them again.")));
     const auto question = std::make_shared<Question>();
     question->entries = entries;
     question->next = next;
+    const auto giveUp = [this, asked = std::weak_ptr(question)] {
+        if (const auto kept = asked.lock())
+            end(kept, faulty(tr("It was given up before anything was stored or sent.")));
+    };
+    m_pending.add(
+        &question->patience, [text] { return text; }, giveUp);
     local->whenReachable(entries.first().path, this, [this, question](bool isReachable) {
         if (isReachable)
-            return lookAtServer(question);
-        Plan plan;
-        plan.fault = tr("The disk that the files are on does not answer.");
-        question->next(plan);
+            lookAtServer(question);
+        else
+            end(question, faulty(tr("The disk that the files are on does not answer.")));
     });
 }
 
 /// A name that is taken there is met before anything is stored: a slot must not play what only has the name.
 void MediaArrivals::lookAtServer(const std::shared_ptr<Question>& question)
 {
+    if (!question->next)
+        return; // given up
     FileSystem* const server = m_fileSystems->getFileSystem(serverName);
-    if (!server) {
-        Plan plan;
-        plan.fault =
-            tr("The connection to the server was lost meanwhile. Drop it again once the server is back.");
-        return question->next(plan);
-    }
+    if (!server)
+        return end(question, faulty(tr("The connection to the server was lost meanwhile. Drop it again once "
+                                       "the server is back.")));
     question->server = server;
-    // Both connections hold the question, and go with its answer.
-    const auto end = [question, server](const Plan& plan) {
-        const std::shared_ptr<Question> kept = question;
-        server->disconnect(&kept->patience);
-        kept->patience.disconnect();
-        kept->patience.stop();
-        kept->next(plan);
-    };
-    const auto ask = [this, question, server, end] {
+    const auto ask = [this, question, server] {
         QList<FileSystemFile> files;
         if (!server->getFiles(server->defaultRootPath(), files))
             return false;
-        end(answer(*question));
+        end(question, answer(*question));
         return true;
     };
     if (ask())
@@ -142,12 +143,24 @@ void MediaArrivals::lookAtServer(const std::shared_ptr<Question>& question)
     connect(server, &FileSystem::directoryChanged, &question->patience, ask);
     question->patience.setSingleShot(true);
     question->patience.setInterval(10s);
-    connect(&question->patience, &QTimer::timeout, this, [end] {
-        Plan plan;
-        plan.fault = tr("The server does not tell which files it holds.");
-        end(plan);
+    connect(&question->patience, &QTimer::timeout, this, [this, question] {
+        end(question, faulty(tr("The server does not tell which files it holds.")));
     });
     question->patience.start();
+}
+
+/// The connections hold the question, and go with its answer.
+void MediaArrivals::end(std::shared_ptr<Question> question, const Plan& plan)
+{
+    const auto next = std::exchange(question->next, nullptr);
+    if (!next)
+        return; // given up
+    m_pending.remove(&question->patience);
+    if (question->server)
+        question->server->disconnect(&question->patience);
+    question->patience.disconnect();
+    question->patience.stop();
+    next(plan);
 }
 
 QString MediaArrivals::targetOf(const FileSystem& server, const QString& localPath, bool isDirectory)

@@ -50,8 +50,9 @@ public:
     static QList<MediaEntry> entriesOf(const QList<QUrl>& urls);
 
     /// Looks at the items and at what the server holds, which may take some seconds, and gives the plan. Not
-    /// once this is gone.
-    void plan(const QList<MediaEntry>& entries, const std::function<void(const Plan&)>& next);
+    /// once this is gone. text: stands with what is pending meanwhile; plain.
+    void plan(const QList<MediaEntry>& entries, const QString& text,
+              const std::function<void(const Plan&)>& next);
     /// Whether that is still what is there. Minutes may lie between a plan and what becomes of it.
     bool isFile(const QString& localPath) const { return isThere(localPath, FileSystem::File); }
     /// Sends the file off; the slots that play it show how far it is. media: what these slots name, of which
@@ -88,6 +89,7 @@ private:
     };
 
     void lookAtServer(const std::shared_ptr<Question>& question);
+    void end(std::shared_ptr<Question> question, const Plan& plan);
     Plan answer(const Question& question) const;
     void add(Plan& plan, const MediaEntry& entry) const;
     static QString targetOf(const FileSystem& server, const QString& localPath, bool isDirectory);

@@ -157,7 +157,7 @@ void SlotDrops::drop(int slot)
     }
     const auto next = [this, collection = m_collection, slot, toldLast = m_toldLast](
                           const MediaArrivals::Plan& plan) { bring(plan, collection, slot, toldLast); };
-    m_arrivals->plan(m_payload.entries(), next);
+    m_arrivals->plan(m_payload.entries(), tr("Looking at what was dropped on slot %1").arg(slot), next);
 }
 
 /// All is known beforehand: there is nothing to be read.
