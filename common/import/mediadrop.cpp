@@ -117,6 +117,11 @@ void MediaDrop::setPatience(std::chrono::milliseconds patience)
     d->m_questions.setPatience(patience);
 }
 
+void MediaDrop::setIsHeld(bool isHeld)
+{
+    d->m_questions.setIsHeld(isHeld);
+}
+
 QList<ImageSequenceCandidate> MediaDrop::imageSequences() const
 {
     QList<ImageSequenceCandidate> candidates;

@@ -76,6 +76,8 @@ public:
 
     /// For so long it waits to be told what one file holds; 25 seconds.
     void setPatience(std::chrono::milliseconds patience);
+    /// Held, it waits without an end.
+    void setIsHeld(bool isHeld);
 
     QList<ImageSequenceCandidate> imageSequences() const;
     QList<images::StillImage> stillImages() const;

@@ -117,9 +117,20 @@ void MediaQuestions::lookAtTold()
     Q_EMIT answered();
 }
 
+void MediaQuestions::setIsHeld(bool isHeld)
+{
+    if (std::exchange(m_isHeld, isHeld) == isHeld || isHeld)
+        return;
+    for (auto open = m_open.begin(); open != m_open.end(); ++open) {
+        open->setRemainingTime(m_patience);
+        m_told.insert(open.key());
+    }
+    m_turn.start();
+}
+
 void MediaQuestions::goOn()
 {
-    for (auto open = m_open.begin(); open != m_open.end();) {
+    for (auto open = m_open.begin(); !m_isHeld && open != m_open.end();) {
         if (!open->hasExpired()) {
             ++open;
             continue;

@@ -37,6 +37,8 @@ public:
 
     /// For so long is waited for one answer. The network asks four times within twenty seconds.
     void setPatience(std::chrono::milliseconds patience) { m_patience = patience; }
+    /// Nobody is there who could tell: no patience runs out, and what is open is asked anew afterwards.
+    void setIsHeld(bool isHeld);
     void add(const QStringList& paths, FileSystem* fileSystem);
     /// Those that are not taken yet.
     qsizetype size() const { return m_questions.size(); }
@@ -71,6 +73,7 @@ private:
     void lookAtTold();
 
     std::chrono::milliseconds m_patience{25000};
+    bool m_isHeld = false;
     QList<Question> m_questions;
     qsizetype m_begun = 0;    // of m_questions: were asked
     QList<Question> m_urgent; // the last one first

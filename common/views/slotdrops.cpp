@@ -51,6 +51,8 @@ SlotDrops::SlotDrops(Session* session, MediaCollectionManager* manager, QWidget*
         m_arrivals = new MediaArrivals(nullptr, nullptr, this);
     connect(m_arrivals, &MediaArrivals::changed, this, &SlotDrops::arrivalsChanged);
     connect(m_arrivals, &MediaArrivals::settled, this, &SlotDrops::settle);
+    if (session)
+        connect(session, &Session::libraryObstacleChanged, this, &SlotDrops::holdDrops);
     connect(&m_handler, &MediaSlotDropHandler::dropRefused, this, &SlotDrops::refuse);
     connect(&m_handler, &MediaSlotDropHandler::mediaDropCreated, this, &SlotDrops::take);
 }
@@ -231,7 +233,8 @@ void SlotDrops::dropFolders(const Folders& folders)
 void SlotDrops::take(MediaDrop* drop)
 {
     const int told = m_toldLast;
-    m_made.insert(drop, {server(), m_plan});
+    m_made.insert(drop, {drop, server(), m_plan});
+    drop->setIsHeld(!obstacle().isEmpty());
     connect(drop, &QObject::destroyed, this,
             [this, drop = static_cast<QObject*>(drop)] { m_made.remove(drop); });
     if (!m_plan.files.isEmpty()) {
@@ -260,6 +263,14 @@ void SlotDrops::take(MediaDrop* drop)
     m_arrivals->pending().add(
         drop, [slot = drop->startSlot()] { return tr("Reading what was dropped on slot %1").arg(slot); },
         [this, drop] { giveUp(drop); });
+}
+
+/// A server that says nothing holds up what is asked of it, and answers later.
+void SlotDrops::holdDrops()
+{
+    const bool isHeld = !obstacle().isEmpty();
+    for (const Made& made : std::as_const(m_made))
+        made.drop->setIsHeld(isHeld);
 }
 
 void SlotDrops::giveUp(MediaDrop* drop)

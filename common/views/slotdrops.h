@@ -82,6 +82,7 @@ private:
     };
     struct Made
     {
+        MediaDrop* drop;
         FileSystem* server; // whose paths it holds
         MediaArrivals::Plan plan;
     };
@@ -96,6 +97,7 @@ private:
         qsizetype awaited;
     };
 
+    void holdDrops();
     void readKeys();
     void want(bool isCopy, bool isMove);
     void moveOver(const DropForecast& forecast);
