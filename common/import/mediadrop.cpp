@@ -33,6 +33,12 @@ int MediaDrop::collection() const
     return d->m_collection;
 }
 
+void MediaDrop::setCollection(int collection)
+{
+    if (std::exchange(d->m_collection, collection) != collection)
+        Q_EMIT collectionChanged();
+}
+
 QList<int> MediaDrop::collectionSlots() const
 {
     return d->m_collectionSlots;

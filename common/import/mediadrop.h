@@ -29,7 +29,7 @@ class MediaDrop : public QObject
     Q_OBJECT
     Q_PROPERTY(int startSlot READ startSlot CONSTANT)
     Q_PROPERTY(int lastSlot READ lastSlot NOTIFY lastSlotChanged)
-    Q_PROPERTY(int collection READ collection CONSTANT)
+    Q_PROPERTY(int collection READ collection NOTIFY collectionChanged)
     Q_PROPERTY(QList<int> collectionSlots READ collectionSlots WRITE setCollectionSlots NOTIFY
                    collectionSlotsChanged)
     Q_PROPERTY(QList<vantrel::GuiMediaSlot> medias READ medias WRITE setMedias NOTIFY mediasChanged)
@@ -50,6 +50,8 @@ public:
     /// So many slots does save() write. lastSlot() counts a sequence that is to become stills as one.
     int storedSlotCount() const;
     int collection() const;
+    /// It has another number by now.
+    void setCollection(int collection);
     /// Slots of the same collection that are moved here.
     QList<int> collectionSlots() const;
     void setCollectionSlots(const QList<int>& slotNumbers);
@@ -92,6 +94,7 @@ public Q_SLOTS:
     void cancel();
 
 Q_SIGNALS:
+    void collectionChanged();
     void lastSlotChanged();
     void collectionSlotsChanged();
     void mediasChanged();

@@ -23,10 +23,15 @@ namespace {
 
 Q_LOGGING_CATEGORY(log, "vantrel.qml")
 
+QString titleOf(const MediaDrop& drop)
+{
+    return DropDialog::tr("Drop on slot %1 of collection %2").arg(drop.startSlot()).arg(drop.collection());
+}
+
 } // namespace
 
 DropDialog::DropDialog(MediaDrop* drop, QWidget* parent)
-    : ZTDialog(tr("Drop on slot %1 of collection %2").arg(drop->startSlot()).arg(drop->collection()), parent)
+    : ZTDialog(titleOf(*drop), parent)
     , m_drop(drop)
     , m_medias(drop)
 {
@@ -44,6 +49,7 @@ DropDialog::DropDialog(MediaDrop* drop, QWidget* parent)
         if (isVisible()) // else it is how that came, or there is nothing yet
             reject();
     };
+    connect(drop, &MediaDrop::collectionChanged, this, [this, drop] { setTitle(titleOf(*drop)); });
     connect(drop, &MediaDrop::saved, this, &QDialog::accept);
     connect(drop, &MediaDrop::canceled, this, leave);
     connect(drop, &QObject::destroyed, this, leave);

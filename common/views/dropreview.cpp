@@ -33,6 +33,7 @@ DropReview::DropReview(MediaDrop* drop, const Forecast& forecast, bool isAwaited
     connect(&m_pace, &QTimer::timeout, this, &DropReview::tellChange);
     tell();
     connect(drop, &MediaDrop::isReadyChanged, this, &DropReview::tell);
+    connect(drop, &MediaDrop::collectionChanged, this, &DropReview::noteChange);
     connect(drop, &MediaDrop::lastSlotChanged, this, [this] {
         if (m_drop->isReady())
             tell();

@@ -174,8 +174,7 @@ void MediaPanelWidget::buildList()
     m_view->setDrops(m_drops);
     m_delegate->setArrivals(&m_drops->arrivals());
     connect(m_drops, &SlotDrops::arrivalsChanged, m_view->viewport(), qOverload<>(&QWidget::update));
-    if (!m_session)
-        m_drops->setObstacle([this] { return obstacle(); });
+    m_drops->setObstacle([this] { return obstacle(); });
     m_view->setContextMenuPolicy(Qt::CustomContextMenu);
     auto* column = static_cast<QVBoxLayout*>(layout());
     column->addWidget(m_view, 1);
@@ -479,22 +478,23 @@ void MediaPanelWidget::askForNewCollection()
 
 void MediaPanelWidget::askForName()
 {
-    const int collection = selectedCollection();
+    const auto collection = m_drops->numbers().follow(selectedCollection());
     auto* dialog = new TextInputDialog(tr("Rename collection"), tr("Name"), tr("RENAME"), this);
     dialog->setObjectNames(QStringLiteral("MediaPanel-rename-collection"));
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setValue(0, collectionName());
     connect(dialog, &TextInputDialog::valuesConfirmed, this, [this, collection](const QStringList& values) {
-        m_manager->renameCollection(collection, values.value(0));
+        m_manager->renameCollection(*collection, values.value(0));
     });
     dialog->open();
 }
 
 void MediaPanelWidget::askForRemoval()
 {
-    const int collection = selectedCollection();
+    const auto collection = m_drops->numbers().follow(selectedCollection());
+    const auto title = [collection] { return tr("Remove collection %1?").arg(*collection); };
     auto* dialog = new ConfirmationDialog(
-        tr("Remove collection %1?").arg(collection),
+        title(),
         tr("\"%1\" goes with all its slots. Playlists that play them lose their media. It can be undone.")
             .arg(shownText(collectionName())),
         tr("REMOVE"), this);
@@ -502,7 +502,9 @@ void MediaPanelWidget::askForRemoval()
     dialog->setAcceptClass(QStringLiteral("red"));
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     connect(dialog, &ZTDialog::confirmed, this,
-            [this, collection] { m_manager->removeCollection(collection); });
+            [this, collection] { m_manager->removeCollection(*collection); });
+    connect(&m_drops->numbers(), &CollectionNumbers::changed, dialog,
+            [dialog, title] { dialog->setTitle(title()); });
     dialog->open();
 }
 

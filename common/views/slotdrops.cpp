@@ -43,6 +43,7 @@ SlotDrops::SlotDrops(Session* session, MediaCollectionManager* manager, QWidget*
     , m_manager(manager)
     , m_library(session ? session->mediaLibraryProvider() : nullptr)
     , m_fileSystems(session ? session->fileSystemProvider() : nullptr)
+    , m_numbers(session)
     , m_creator(session, manager)
     , m_handler(&m_creator, m_fileSystems)
     , m_arrivals(session ? session->mediaArrivals() : nullptr)
@@ -53,6 +54,7 @@ SlotDrops::SlotDrops(Session* session, MediaCollectionManager* manager, QWidget*
     connect(m_arrivals, &MediaArrivals::settled, this, &SlotDrops::settle);
     if (session)
         connect(session, &Session::libraryObstacleChanged, this, &SlotDrops::holdDrops);
+    connect(&m_numbers, &CollectionNumbers::changed, this, &SlotDrops::renumberDrops);
     connect(&m_handler, &MediaSlotDropHandler::dropRefused, this, &SlotDrops::refuse);
     connect(&m_handler, &MediaSlotDropHandler::mediaDropCreated, this, &SlotDrops::take);
 }
@@ -157,7 +159,7 @@ void SlotDrops::drop(int slot)
         m_handler.drop(m_payload, m_collection, slot);
         return;
     }
-    const auto next = [this, collection = m_collection, slot, toldLast = m_toldLast](
+    const auto next = [this, collection = m_numbers.follow(m_collection), slot, toldLast = m_toldLast](
                           const MediaArrivals::Plan& plan) { bring(plan, collection, slot, toldLast); };
     m_arrivals->plan(m_payload.entries(), tr("Looking at what was dropped on slot %1").arg(slot), next);
 }
@@ -173,7 +175,8 @@ void SlotDrops::moveOver(const DropForecast& forecast)
 
 /// The slots stand at once, under the names that the files will have; the server calls them playable when it
 /// has them.
-void SlotDrops::bring(const MediaArrivals::Plan& plan, int collection, int slot, int toldLast)
+void SlotDrops::bring(const MediaArrivals::Plan& plan, const CollectionNumbers::Number& collection, int slot,
+                      int toldLast)
 {
     if (!plan.fault.isEmpty())
         return refuse(plan.fault);
@@ -185,12 +188,13 @@ void SlotDrops::bring(const MediaArrivals::Plan& plan, int collection, int slot,
     }
     m_plan = plan;
     m_toldLast = toldLast;
-    m_handler.drop(SlotPayload::ofFiles(plan.files), collection, slot);
+    m_handler.drop(SlotPayload::ofFiles(plan.files), *collection, slot);
     m_plan = {};
 }
 
 /// What a folder holds is known when all of it is there, and where the next one begins when that is known.
-void SlotDrops::bringDirectories(const QStringList& directories, int collection, int slot)
+void SlotDrops::bringDirectories(const QStringList& directories, const CollectionNumbers::Number& collection,
+                                 int slot)
 {
     const auto folders = std::make_shared<Folders>(
         Folders{server(), collection, slot, QStringList(directories.size()), directories.size()});
@@ -227,13 +231,13 @@ void SlotDrops::dropFolders(const Folders& folders)
     if (folders.server != server())
         return refuse(tr("The application has turned to another server. Drop it again."));
     m_toldLast = -1;
-    m_handler.drop(SlotPayload::ofFiles(entries), folders.collection, folders.slot);
+    m_handler.drop(SlotPayload::ofFiles(entries), *folders.collection, folders.slot);
 }
 
 void SlotDrops::take(MediaDrop* drop)
 {
     const int told = m_toldLast;
-    m_made.insert(drop, {drop, server(), m_plan});
+    m_made.insert(drop, {drop, server(), m_plan, m_numbers.follow(drop->collection())});
     drop->setIsHeld(!obstacle().isEmpty());
     connect(drop, &QObject::destroyed, this,
             [this, drop = static_cast<QObject*>(drop)] { m_made.remove(drop); });
@@ -273,6 +277,12 @@ void SlotDrops::holdDrops()
         made.drop->setIsHeld(isHeld);
 }
 
+void SlotDrops::renumberDrops()
+{
+    for (const Made& made : std::as_const(m_made))
+        made.drop->setCollection(*made.collection);
+}
+
 void SlotDrops::giveUp(MediaDrop* drop)
 {
     m_arrivals->pending().remove(drop);
@@ -287,7 +297,7 @@ void SlotDrops::giveUp(MediaDrop* drop)
 void SlotDrops::follow(MediaDrop* drop)
 {
     const auto await = [this](const QString& path, int collection, int slot, const QUrl& media) {
-        m_awaiting.insert(path, {MediaAddress(collection, slot), media});
+        m_awaiting.insert(path, {m_numbers.follow(collection), slot, media});
     };
     connect(drop, &MediaDrop::mediaSlotSaved, this, [await](const QString& media, int collection, int slot) {
         await(QUrl(media).toLocalFile(), collection, slot, QUrl(media));
@@ -328,7 +338,8 @@ void SlotDrops::send(const MediaDrop& drop)
             tr("\"%1\" was not sent: it is not there any more.").arg(shownText(getNameInPath(path))));
     }
     tell(faults);
-    bringDirectories(plan.directories, drop.collection(), drop.startSlot() + drop.storedSlotCount());
+    bringDirectories(plan.directories, m_numbers.follow(drop.collection()),
+                     drop.startSlot() + drop.storedSlotCount());
 }
 
 /// Minutes may lie between the drop and its approval.
@@ -368,18 +379,18 @@ FileSystem* SlotDrops::server() const
 
 void SlotDrops::settle(const QUrl& media, bool isSupplanted)
 {
-    const auto [address, content] = m_awaiting.take(media.toLocalFile());
+    const auto [collection, number, content] = m_awaiting.take(media.toLocalFile());
     GuiMediaSlot slot;
-    if (!isSupplanted || !m_manager->findMediaSlot(address.collection, address.slot, slot) ||
+    if (!isSupplanted || !collection || !m_manager->findMediaSlot(*collection, number, slot) ||
         slot.contentUrl() != content)
         return;
-    m_manager->clearSlot(address.collection, address.slot);
+    m_manager->clearSlot(*collection, number);
     refuse(tr("\"%1\" has not arrived, and the server holds another file of its name by now. Slot %2 of "
               "collection %3 was cleared, so that nobody plays that one. Give yours another name and drop it "
               "again.")
                .arg(shownText(media.fileName()))
-               .arg(address.slot)
-               .arg(address.collection));
+               .arg(number)
+               .arg(*collection));
 }
 
 /// What goes and was not told before the button was let go is asked, and so is what nobody knows but the

@@ -5,6 +5,7 @@
 #include "common/import/mediaarrivals.h"
 #include "common/import/mediaslotdrophandler.h"
 #include "common/import/slotpayload.h"
+#include "common/views/collectionnumbers.h"
 
 #include <QDeadlineTimer>
 #include <QObject>
@@ -63,6 +64,8 @@ public:
     ImageSequenceCreator* creator() { return &m_creator; }
     MediaSlotDropHandler* handler() { return &m_handler; }
 
+    /// By which whoever asks about a collection follows it.
+    CollectionNumbers& numbers() { return m_numbers; }
     /// What of this computer is on its way into slots.
     const MediaArrivals& arrivals() const { return *m_arrivals; }
     /// Of what was dropped on slots, here or in another view, and is not in them yet; empty for none.
@@ -77,7 +80,8 @@ Q_SIGNALS:
 private:
     struct Awaiting
     {
-        MediaAddress address;
+        CollectionNumbers::Number collection;
+        int slot = -1;
         QUrl media; // which has the file
     };
     struct Made
@@ -85,26 +89,30 @@ private:
         MediaDrop* drop;
         FileSystem* server; // whose paths it holds
         MediaArrivals::Plan plan;
+        CollectionNumbers::Number collection;
     };
 
     /// The folders of one gesture, on their way.
     struct Folders
     {
         FileSystem* server;
-        int collection;
+        CollectionNumbers::Number collection;
         int slot;
         QStringList paths; // on the server, in the order of the gesture; empty while it is not there
         qsizetype awaited;
     };
 
     void holdDrops();
+    void renumberDrops();
     void readKeys();
     void want(bool isCopy, bool isMove);
     void moveOver(const DropForecast& forecast);
     QString obstacle() const;
     QString hindranceOf(const MediaDrop& drop) const;
-    void bring(const MediaArrivals::Plan& plan, int collection, int slot, int toldLast);
-    void bringDirectories(const QStringList& directories, int collection, int slot);
+    void bring(const MediaArrivals::Plan& plan, const CollectionNumbers::Number& collection, int slot,
+               int toldLast);
+    void bringDirectories(const QStringList& directories, const CollectionNumbers::Number& collection,
+                          int slot);
     void dropFolders(const Folders& folders);
     void take(MediaDrop* drop);
     void giveUp(MediaDrop* drop);
@@ -123,6 +131,7 @@ private:
     MediaCollectionManager* m_manager;
     AbstractMediaLibraryProvider* m_library; // null for none
     FileSystemProvider* m_fileSystems;       // null for none
+    CollectionNumbers m_numbers;
     ImageSequenceCreator m_creator;
     MediaSlotDropHandler m_handler;
     MediaArrivals* m_arrivals;           // the session's, so that each view shows what any of them has taken

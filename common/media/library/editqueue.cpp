@@ -90,6 +90,7 @@ void EditQueue::submit(const std::shared_ptr<LibraryEdit>& edit, EditDirection d
 {
     m_edits.push_back({edit, direction, std::move(answered)});
     outdateExpected();
+    Q_EMIT submitted();
     proceed();
 }
 

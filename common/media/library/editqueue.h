@@ -39,6 +39,8 @@ public:
     void refuseAll(const QString& why);
 
 Q_SIGNALS:
+    /// expected() is another library.
+    void submitted();
     /// An edit is not under way any more: the library shows it, or it was refused.
     void dropped();
 

@@ -56,6 +56,7 @@ ZTDialog::ZTDialog(const QString& title, QWidget* parent)
     m_accept->setDefault(true);
     connect(m_accept, &PushButton::clicked, this, &ZTDialog::onAccept);
     connect(m_cancel, &PushButton::clicked, this, &ZTDialog::reject);
+    connect(this, &QWidget::windowTitleChanged, m_title, &QLabel::setText);
     setTitle(title);
     setMinimumWidth(380);
 }

@@ -106,6 +106,14 @@ QModelIndex MediaActions::slotAt(int collection, int slot) const
     return m_library->index(slot, MediaLibraryModel::NameColumn, m_library->collectionIndex(collection));
 }
 
+/// The view owns it, as long as somebody there holds it.
+FollowedCollection* MediaActions::follow(int collection)
+{
+    auto* const followed = new FollowedCollection(m_drops->numbers().follow(collection));
+    connect(&m_drops->numbers(), &CollectionNumbers::changed, followed, &FollowedCollection::numberChanged);
+    return followed;
+}
+
 void MediaActions::cue(int collection, int slot)
 {
     const QModelIndex source = slotAt(collection, slot);

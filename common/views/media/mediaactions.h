@@ -11,6 +11,7 @@ class QMimeData;
 
 namespace vantrel {
 
+class FollowedCollection;
 class ImplMediaCollectionManager;
 class MediaLibraryModel;
 class Session;
@@ -22,6 +23,7 @@ class SlotDrops;
 class MediaActions : public QObject
 {
     Q_OBJECT
+    Q_MOC_INCLUDE("common/views/collectionnumbers.h")
     Q_PROPERTY(bool isConnected READ isConnected NOTIFY libraryChanged)
     /// Whether what is shown is what the server has now.
     Q_PROPERTY(bool isLive READ isLive NOTIFY libraryChanged)
@@ -54,6 +56,8 @@ public:
     bool hasDetails() const { return m_hasDetails; }
     void setHasDetails(bool hasDetails);
 
+    /// What is asked about a collection stays with it when others renumber it.
+    Q_INVOKABLE vantrel::FollowedCollection* follow(int collection);
     Q_INVOKABLE void cue(int collection, int slot);
     /// Of a slot's file that is on its way to the server: "arriving 43 %"; empty for others.
     Q_INVOKABLE QString arriving(int collection, int slot) const;

@@ -1,6 +1,8 @@
 #include "common/import/mediadrop.h"
 #include "common/media/address/mediautils.h"
 #include "common/media/edit/playlist/newplaylistandmediacommand.h"
+#include "common/media/edit/slot/movecollectioncommand.h"
+#include "common/media/items/guimediacollection.h"
 #include "common/media/items/guimediaslot.h"
 #include "common/media/items/guiplaylistentry.h"
 #include "common/media/library/playlistprovider.h"
@@ -9,6 +11,7 @@
 #include "tests/support/testmain.h"
 
 #include <QFile>
+#include <QNetworkReply>
 #include <QUndoStack>
 
 namespace vantrel::test {
@@ -205,6 +208,39 @@ private Q_SLOTS:
         QTRY_VERIFY(hand.slot(3));
         QCOMPARE(hand.slot(3)->duration(), 4.5);
         QTRY_VERIFY(hand.slot(3)->isPlayable());
+    }
+
+    /// A drop goes into the collection that it was dropped on, whatever number that has by now.
+    void followsItsCollection_data()
+    {
+        QTest::addColumn<bool>("isOfOthers");
+        QTest::newRow("renumbered here") << false;
+        QTest::newRow("renumbered by others") << true;
+    }
+    void followsItsCollection()
+    {
+        QFETCH(bool, isOfOthers);
+        DroppingHand hand;
+        QVERIFY(hand.isReady());
+        Session* const session = hand.live.session.get();
+        QVERIFY(hand.live.manager.insertCollection(6, QStringLiteral("Six")) &&
+                hand.live.manager.insertCollection(8, QStringLiteral("Eight")));
+        QTRY_VERIFY(hand.live.library()->collection(8));
+        hand.makePicture(QStringLiteral("logo.png"));
+        QVERIFY(hand.drop({QStringLiteral("logo.png")}, 3));
+        QTRY_VERIFY(hand.reviewed() && hand.reviewed()->acceptButton()->isEnabled());
+        auto swap = std::make_unique<MoveCollectionCommand>();
+        QVERIFY(swap->init(session->mediaLibrary(), 8, 7));
+        std::unique_ptr<QNetworkReply> reply;
+        if (isOfOthers)
+            reply.reset(session->getMediaLibraryApi()->patchMediaLibrary(swap->redoPatch()));
+        else
+            session->executeCommand(swap.release());
+        QTRY_COMPARE(hand.reviewed()->title(), QStringLiteral("Drop on slot 3 of collection 8"));
+        QVERIFY(hand.approve());
+        QTRY_VERIFY(hand.live.library()->slot({8, 3}));
+        QCOMPARE(hand.live.library()->collection(8)->name(), QStringLiteral("Seven"));
+        QVERIFY(!hand.slot(3));
     }
 
     /// What a folder holds is there to be looked at before the server has told of any of it.

@@ -25,21 +25,27 @@ ShrinkableFrame {
         if (!mediaActions.isEditable || number < 0)
             return
         const name = collectionModel.nameOf(number)
+        const collection = mediaActions.follow(number)
         const dialog = dialogs.openRenameDialog(qsTr("Rename collection"), qsTr("New name of “%1”").arg(name),
                                                 qsTr("RENAME"), name)
         dialog.setObjectNames("MediaView-rename-collection")
-        dialog.valuesConfirmed.connect(function(values) { commandCenter.renameCollection(number, values[0]) })
+        dialog.valuesConfirmed.connect(function(values) { commandCenter.renameCollection(collection.number, values[0]) })
     }
     function duplicate(number) { choosesAdded = commandCenter.copyCollection(number, -1) }
     function askRemove(number) {
         if (!mediaActions.isEditable || number < 0)
             return
+        const collection = mediaActions.follow(number)
+        const title = () => qsTr("Remove collection %1?").arg(collection.number)
         const dialog = dialogs.openConfirmationDialog(
-            qsTr("Remove collection %1?").arg(number),
+            title(),
             qsTr("“%1” goes with all its slots. Playlists that play them lose their media. It can be undone.").arg(collectionModel.nameOf(number)),
             qsTr("REMOVE"))
         dialog.setObjectNames("MediaView-remove-collection")
-        dialog.confirmed.connect(function() { commandCenter.removeCollection(number) })
+        const tell = () => dialog.windowTitle = title()
+        collection.numberChanged.connect(tell)
+        dialog.finished.connect(() => collection.numberChanged.disconnect(tell))
+        dialog.confirmed.connect(function() { commandCenter.removeCollection(collection.number) })
     }
     function step(number, direction) {
         if (mediaActions.isEditable && number >= 0)
