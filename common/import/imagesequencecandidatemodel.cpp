@@ -17,6 +17,10 @@ namespace {
 int missingFrames(const ImagesResult& result)
 {
     const ImageSequenceCandidate candidate = result.getImageSequence();
+    const auto all = static_cast<int>(result.stillImages().size());
+    const auto& found = result.foundSequence();
+    if (found && candidate.startFrame <= found->startFrame && candidate.endFrame >= found->endFrame)
+        return static_cast<int>(candidate.frameCount()) - all;
     const auto format = ImageSequenceFormat::parse(candidate.id.toLocalFile().toStdString());
     if (!format)
         return 0;
@@ -98,12 +102,24 @@ QVariant ImageSequenceCandidateModel::data(const QModelIndex& index, int role) c
     case ImageTypeRole:
         return QVariant::fromValue(result.type());
     case MissingFrameCountRole:
-        return missingFrames(result);
+        return missingOf(result);
     default:
         qCWarning(lcMedia) << "Unable to handle role" << role << "request for row" << index.row()
                            << "and column" << index.column();
         return {};
     }
+}
+
+/// Counted once for each range: a row is read many times, and a million pictures take their time.
+int ImageSequenceCandidateModel::missingOf(const ImagesResult& result) const
+{
+    const ImageSequenceCandidate candidate = result.getImageSequence();
+    Counted& counted = m_counted[candidate.id];
+    const qsizetype pictures = result.stillImages().size();
+    if (counted.pictures != pictures || counted.first != candidate.startFrame ||
+        counted.last != candidate.endFrame)
+        counted = {candidate.startFrame, candidate.endFrame, pictures, missingFrames(result)};
+    return counted.missing;
 }
 
 bool ImageSequenceCandidateModel::write(ImagesResult& result, qsizetype, const QVariant& value, int role)

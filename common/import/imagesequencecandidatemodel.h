@@ -2,6 +2,9 @@
 
 #include "common/import/candidatemodel.h"
 
+#include <QHash>
+#include <QUrl>
+
 namespace vantrel {
 
 /// "hh:mm:ss.mmm".
@@ -37,6 +40,19 @@ public:
 protected:
     QList<Place> placesOf(const QList<images::ImagesResult>& results) const override;
     bool write(images::ImagesResult& result, qsizetype still, const QVariant& value, int role) override;
+
+private:
+    struct Counted
+    {
+        std::size_t first = 0;
+        std::size_t last = 0;
+        qsizetype pictures = -1;
+        int missing = 0;
+    };
+
+    int missingOf(const images::ImagesResult& result) const;
+
+    mutable QHash<QUrl, Counted> m_counted; // of those that were asked for
 };
 
 } // namespace vantrel

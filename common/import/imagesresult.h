@@ -55,7 +55,13 @@ public:
     {
         return m_sequence.value_or(ImageSequenceCandidate());
     }
-    void setImageSequence(const std::optional<ImageSequenceCandidate>& sequence) { m_sequence = sequence; }
+    void setImageSequence(const std::optional<ImageSequenceCandidate>& sequence)
+    {
+        m_found = m_sequence ? m_found : sequence;
+        m_sequence = sequence;
+    }
+    /// As it was found: no picture lies outside of its range.
+    const std::optional<ImageSequenceCandidate>& foundSequence() const { return m_found; }
     const QList<StillImage>& stillImages() const { return m_stills; }
     void setStillImages(const QList<StillImage>& stills) { m_stills = stills; }
     void setStillImage(qsizetype at, const StillImage& still) { m_stills[at] = still; }
@@ -79,6 +85,7 @@ public:
 private:
     ImageResultType m_type = ImageResultType::StillImage;
     std::optional<ImageSequenceCandidate> m_sequence;
+    std::optional<ImageSequenceCandidate> m_found;
     QList<StillImage> m_stills;
     FileSystem* m_fileSystem = nullptr;
 };

@@ -108,12 +108,13 @@ void SlotDrops::want(bool isCopy, bool isMove)
     m_room = {-1, -1};
 }
 
-bool SlotDrops::paste(const QMimeData* data, bool isMove, int slot)
+bool SlotDrops::paste(const QMimeData* data, bool isMove, int slot, const std::function<void()>& stored)
 {
     if (!begin(data))
         return false;
     m_keysCount = false;
     want(!isMove, isMove);
+    m_stored = stored;
     drop(roomFrom(slot));
     end();
     return true;
@@ -137,6 +138,7 @@ void SlotDrops::end()
 {
     m_payload = {};
     m_forecast = {};
+    m_stored = {};
     m_keysCount = true;
     m_aimed = -1;
     m_room = {-1, -1};
@@ -170,7 +172,8 @@ void SlotDrops::moveOver(const DropForecast& forecast)
     if (forecast.overwritten > 0 && m_toldLast != forecast.last)
         return refuse(
             tr("It would overwrite slots that nobody was told of. Look where it goes, and drop it again."));
-    m_manager->moveSlotsFrom(m_payload.addresses(), m_collection, forecast.first);
+    if (m_manager->moveSlotsFrom(m_payload.addresses(), m_collection, forecast.first) && m_stored)
+        m_stored();
 }
 
 /// The slots stand at once, under the names that the files will have; the server calls them playable when it
@@ -241,6 +244,8 @@ void SlotDrops::take(MediaDrop* drop)
     drop->setIsHeld(!obstacle().isEmpty());
     connect(drop, &QObject::destroyed, this,
             [this, drop = static_cast<QObject*>(drop)] { m_made.remove(drop); });
+    if (m_stored)
+        connect(drop, &MediaDrop::saved, this, m_stored);
     if (!m_plan.files.isEmpty()) {
         QList<GuiMediaSlot> medias = drop->medias();
         for (GuiMediaSlot& media : medias)

@@ -57,8 +57,9 @@ public:
     const DropForecast& aim(int slot);
     void drop(int slot);
     void end();
-    /// Drops it at the first room from the slot on; false for what is none of ours.
-    bool paste(const QMimeData* data, bool isMove, int slot);
+    /// Drops it at the first room from the slot on; false for what is none of ours. stored: called once it is
+    /// there, which may take a look of the operator.
+    bool paste(const QMimeData* data, bool isMove, int slot, const std::function<void()>& stored);
 
     // Of whoever drops by other ways; what they make of it is taken as what is dropped here.
     ImageSequenceCreator* creator() { return &m_creator; }
@@ -142,6 +143,7 @@ private:
     SlotPayload m_payload;
     DropForecast m_forecast;
     bool m_keysCount = true;        // what is held says what becomes of slots
+    std::function<void()> m_stored; // of what is pasted now
     int m_aimed = -1;               // the slot of m_forecast
     QPair<int, int> m_room{-1, -1}; // the last answer of roomFrom()
     MediaArrivals::Plan m_plan;     // of the drop that is made now, where its files have yet to arrive

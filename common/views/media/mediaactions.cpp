@@ -212,8 +212,9 @@ QString MediaActions::copy(int collection, const QList<int>& slotNumbers, bool i
     QMimeData* const data = dataOf(collection, slotNumbers);
     if (!data)
         return {};
+    static int cuts = 0;
     if (isCut)
-        data->setData(cutFormat, "1");
+        data->setData(cutFormat, QByteArray::number(++cuts));
     QGuiApplication::clipboard()->setMimeData(data);
     return isCut ? tr("%n slots are cut: they move where they are pasted.", nullptr,
                       static_cast<int>(slotNumbers.size()))
@@ -223,12 +224,16 @@ QString MediaActions::copy(int collection, const QList<int>& slotNumbers, bool i
 void MediaActions::paste(int collection, int slot)
 {
     const QMimeData* const data = QGuiApplication::clipboard()->mimeData();
-    const bool isCut = data && data->hasFormat(cutFormat);
+    const QByteArray cut = data ? data->data(cutFormat) : QByteArray();
+    // Where they were they are no more.
+    const auto letGo = [cut] {
+        QClipboard* const clipboard = QGuiApplication::clipboard();
+        if (!cut.isEmpty() && clipboard->mimeData() && clipboard->mimeData()->data(cutFormat) == cut)
+            clipboard->clear();
+    };
     m_drops->setCollection(collection);
-    if (!data || !m_drops->paste(data, isCut, std::max(slot, 0) + 1))
+    if (!data || !m_drops->paste(data, !cut.isEmpty(), std::max(slot, 0) + 1, letGo))
         return tellNotDone(tr("Paste slots"), tr("There are no slots on the clipboard. Copy some first."));
-    if (isCut)
-        QGuiApplication::clipboard()->clear(); // where they were they are no more
 }
 
 /// A declarative drop area gives what is dragged as texts only, which thousands of slots would have to be
@@ -255,6 +260,7 @@ QVariantMap MediaActions::aim(int slot)
         {QStringLiteral("canMove"), forecast.goes == DropForecast::Goes::Copied && !forecast.isCopyWanted},
         {QStringLiteral("first"), forecast.first},
         {QStringLiteral("last"), forecast.last},
+        {QStringLiteral("isExact"), forecast.isExact},
         {QStringLiteral("overwrites"), forecast.overwritten > 0},
         {QStringLiteral("text"), forecast.text()}};
 }

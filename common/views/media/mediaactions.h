@@ -80,8 +80,8 @@ public:
     /// What is dragged over the view has come over the slots of a collection; false for what they do not
     /// take.
     Q_INVOKABLE bool beginDrop(int collection);
-    /// What a drop would do: "isPossible", "canCopy" and "canMove" with a key, "first", "last", "overwrites",
-    /// "text".
+    /// What a drop would do: "isPossible", "canCopy" and "canMove" with a key, "first", "last", "isExact",
+    /// "overwrites", "text".
     Q_INVOKABLE QVariantMap aim(int slot);
     /// The first slot behind that one with room for the drag; 0 is before all.
     Q_INVOKABLE int roomBehind(int slot);

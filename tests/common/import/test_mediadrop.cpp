@@ -31,6 +31,7 @@ public:
     qsizetype memory = 0;
     QHash<QString, int> requests;
     int types = 0; // were asked for
+    int lateRequests = 0;
 
     ItemType getType(QString path) override
     {
@@ -42,6 +43,7 @@ public:
         result.isPlayable = !unplayable.contains(path);
         result.mediaType = MediaType::VideoFile;
         result.durationMs = 2500;
+        lateRequests += late.contains(path);
         if (memory == 0 || m_answers.contains(path))
             return !late.contains(path);
         if (!std::exchange(m_isAsking[path], true) && ++requests[path] && !late.contains(path))
@@ -149,6 +151,23 @@ private Q_SLOTS:
                  QStringList{QStringLiteral("\"12.mov\" is left out: nothing was told of it in time.")});
         QCOMPARE(m_files->requests.size(), 60);
         QVERIFY(std::ranges::all_of(m_files->requests, [](int number) { return number == 1; }));
+    }
+
+    /// While nobody can tell, no time to answer runs out.
+    void waitsWhileHeld()
+    {
+        m_files->add(QStringLiteral("/in/a.mov"), 1);
+        m_files->late = {QStringLiteral("/in/a.mov")};
+        const auto drop = makeDrop(1);
+        drop->setPatience(std::chrono::milliseconds(1));
+        drop->setIsHeld(true);
+        drop->requestAsynchronously({QStringLiteral("/in/"), FileSystem::Directory}, m_files.get());
+        QTRY_VERIFY(m_files->lateRequests > 3); // a tick each
+        QCOMPARE(drop->faults(), QStringList());
+        m_files->late.clear();
+        drop->setIsHeld(false);
+        waitFor(*drop);
+        QCOMPARE(drop->medias().size(), 1);
     }
 
     /// Slots are numbered as a reader counts, and one folder goes before the next.
