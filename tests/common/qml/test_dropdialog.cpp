@@ -95,6 +95,7 @@ struct Opened
         const auto tell = [this] { dialog->setForecast(DropForecast::of(drop, collections)); };
         tell();
         QObject::connect(&drop, &MediaDrop::lastSlotChanged, dialog, tell);
+        QObject::connect(&drop, &MediaDrop::isReadyChanged, dialog, tell);
         QObject::connect(dialog, &ZTDialog::confirmed, &drop, &MediaDrop::save);
         view = dialog->findChild<QuickView*>();
         const auto hasKeys = [this] {
@@ -271,8 +272,17 @@ private Q_SLOTS:
                      QStringLiteral("Door 0 slam.mp4, not looked into yet"));
         QVERIFY(!opened.dialog->acceptButton()->isEnabled());
         QVERIFY(!files.asked.contains(path(count - 1)));
-        opened.item(QStringLiteral("DropDialog-medias-list"))->forceActiveFocus();
-        opened.key(Qt::Key_End);
+        QQuickItem* const list = opened.item(QStringLiteral("DropDialog-medias-list"));
+        quint64 time = 0;
+        const auto isAtEnd = [&] {
+            const QPointF at = list->mapToScene(list->boundingRect().center());
+            QWheelEvent event(at, opened.view->mapToGlobal(at), {}, {0, -720}, Qt::NoButton, Qt::NoModifier,
+                              Qt::NoScrollPhase, false);
+            event.setTimestamp(time += 100); // what it moves by depends on how fast they come
+            QCoreApplication::sendEvent(opened.view, &event);
+            return list->property("atYEnd").toBool();
+        };
+        QTRY_VERIFY(isAtEnd());
         QTRY_VERIFY(!opened.row(QStringLiteral("medias"), count - 1).isEmpty());
         for (int i = 0; i < MediaQuestions::mostOpen; ++i)
             files.tell(path(i), true); // so that others are asked
@@ -284,6 +294,8 @@ private Q_SLOTS:
         QTRY_COMPARE(opened.row(QStringLiteral("medias"), count - 1),
                      QStringLiteral("Door 199 slam.mp4, Left out: the server cannot play it."));
         QVERIFY(opened.drop.faults().isEmpty());
+        list->forceActiveFocus();
+        opened.key(Qt::Key_End);
         opened.key(Qt::Key_Up);
         opened.key(Qt::Key_Delete); // 198
         QTRY_COMPARE(opened.drop.askedCount(), count - MediaQuestions::mostOpen - 1);
