@@ -95,12 +95,28 @@ void DropDialog::build()
     m_view->setContent(m_component->url(), m_component, root);
     if (const auto* item = m_view->rootObject())
         connect(item, &QQuickItem::implicitHeightChanged, this, &DropDialog::fit);
-    // Both in one turn would be seen in the pictures of the channels.
-    QTimer::singleShot(0, this, [this] {
-        if (m_drop)
-            show();
+    prepare(0);
+}
+
+/// All in one turn would be seen in the pictures of the channels: each list makes its rows in one of its own,
+/// before the dialog is shown.
+void DropDialog::prepare(int list)
+{
+    QTimer::singleShot(0, this, [this, list] {
+        if (!m_drop)
+            return reject();
+        QQuickItem* const root = m_view->rootObject();
+        if (root && list == 0) {
+            fitToContent();
+            root->setSize(m_view->size());
+        }
+        QVariant isMore;
+        if (root)
+            QMetaObject::invokeMethod(root, "fill", Q_RETURN_ARG(QVariant, isMore), Q_ARG(QVariant, list));
+        if (isMore.toBool())
+            prepare(list + 1);
         else
-            reject();
+            show();
     });
 }
 
@@ -111,7 +127,8 @@ void DropDialog::showEvent(QShowEvent* event)
         place();
     // A dialog tabs into its first control when it opens; what is to be typed comes first.
     if (m_view->rootObject() && !event->spontaneous())
-        QMetaObject::invokeMethod(m_view->rootObject(), "takeFocus", Qt::QueuedConnection);
+        QTimer::singleShot(0, m_view->rootObject(),
+                           [root = m_view->rootObject()] { QMetaObject::invokeMethod(root, "takeFocus"); });
 }
 
 /// What was changed in one list shows in the other one, and in how many slots it takes.

@@ -45,6 +45,7 @@ protected:
 
 private:
     void build();
+    void prepare(int list);
     void take(const CandidateModel& model);
     void updateAccept();
     void fit();

@@ -21,6 +21,7 @@ FocusScope {
     implicitHeight: heading.height + Theme.tight + Math.min(6, Math.max(3, count)) * Theme.rowHeight + 2 + Theme.normal
                     + fields.height
 
+    function fill() { list.forceLayout() }
     function takeKeys() { list.forceActiveFocus() }
     function value(role) { return model.valueOf(rows, role) }
     function write(role, value) { return model.writeRows(rows, value, role) }

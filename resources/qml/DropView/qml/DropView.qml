@@ -28,6 +28,13 @@ ZTQMLWidget {
         else
             mediaPane.takeKeys()
     }
+    // Makes the rows of one of the lists; false where there is none any more.
+    function fill(number) {
+        if (number >= panes.length)
+            return false
+        panes[number].fill()
+        return true
+    }
     // Where there is no room for all, those that want little have it, and the others share the rest.
     function heightOf(pane) {
         let room = height - between
