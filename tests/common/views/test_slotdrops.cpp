@@ -210,6 +210,24 @@ private Q_SLOTS:
         QTRY_VERIFY(hand.slot(3)->isPlayable());
     }
 
+    /// What its slot names is no file: how far it is tells of all its pictures.
+    void sequenceSaysHowFarItIs()
+    {
+        DroppingHand hand;
+        QVERIFY(hand.isReady());
+        const QStringList frames{QStringLiteral("s.0001.png"), QStringLiteral("s.0002.png")};
+        for (const QString& frame : frames) {
+            QFile large(hand.local.filePath(frame)); // takes a while
+            QVERIFY(large.open(QIODevice::WriteOnly) && large.resize(100 * 1024 * 1024));
+        }
+        QVERIFY(hand.drop(frames, 3));
+        QVERIFY(hand.approve());
+        QTRY_VERIFY(hand.slot(3));
+        const MediaArrivals& arrivals = hand.drops->arrivals();
+        QVERIFY(arrivals.textOf(hand.slot(3)->contentUrl()).startsWith(QStringLiteral("arriving")));
+        QTRY_VERIFY(arrivals.isEmpty());
+    }
+
     /// A drop goes into the collection that it was dropped on, whatever number that has by now.
     void followsItsCollection_data()
     {
