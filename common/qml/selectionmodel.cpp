@@ -56,12 +56,15 @@ QModelIndex SelectionModel::at(int row) const
     return m_rowModel ? m_rowModel->index(row, 0) : QModelIndex();
 }
 
+/// A range may go over rows that are none of the selection.
+bool SelectionModel::isSelectable(int row) const
+{
+    return m_rowModel->flags(at(row)).testFlag(Qt::ItemIsSelectable);
+}
+
 int SelectionModel::selectedCount() const
 {
-    int count = 0;
-    for (const QItemSelectionRange& range : selection())
-        count += range.height();
-    return count;
+    return static_cast<int>(rows().size());
 }
 
 bool SelectionModel::isRowSelected(int row) const
@@ -73,8 +76,10 @@ QList<int> SelectionModel::rows() const
 {
     QList<int> all;
     for (const QItemSelectionRange& range : selection()) {
-        for (int row = range.top(); row <= range.bottom(); ++row)
-            all.append(row);
+        for (int row = range.top(); row <= range.bottom(); ++row) {
+            if (isSelectable(row))
+                all.append(row);
+        }
     }
     std::sort(all.begin(), all.end());
     return all;

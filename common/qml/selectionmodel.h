@@ -47,6 +47,7 @@ private:
     void restoreNames();
     void touch();
     QModelIndex at(int row) const;
+    bool isSelectable(int row) const;
 
     QAbstractItemModel* m_rowModel = nullptr;
     int m_anchor = -1; // where a range begins

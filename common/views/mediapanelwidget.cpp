@@ -3,7 +3,6 @@
 #include "common/command/refusal.h"
 #include "common/media/address/showntext.h"
 #include "common/media/edit/implmediacollectionmanager.h"
-#include "common/media/edit/mediasloteditfunctional.h"
 #include "common/media/library/medialibraryapi.h"
 #include "common/media/library/medialibraryprovider.h"
 #include "common/media/models/collectionselectormodel.h"
@@ -29,7 +28,6 @@
 #include "common/views/slotdelegate.h"
 #include "common/views/slotdrops.h"
 #include "common/views/slotlistview.h"
-#include "tarn/media/mediaenums.h"
 
 #include <QAction>
 #include <QHBoxLayout>
@@ -38,7 +36,6 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
-#include <array>
 
 namespace vantrel {
 
@@ -182,6 +179,9 @@ void MediaPanelWidget::buildList()
     connect(m_view, &QAbstractItemView::activated, this, &MediaPanelWidget::onActivated);
     connect(m_view, &QWidget::customContextMenuRequested, this, &MediaPanelWidget::showSlotMenu);
     connect(m_view, &SlotListView::deleteRequested, this, &MediaPanelWidget::clearSelectedSlots);
+    connect(m_view, &SlotListView::moveSelectedRequested, this, &MediaPanelWidget::askForMove);
+    connect(m_view, &SlotListView::copyRequested, this, &MediaPanelWidget::copySelected);
+    connect(m_view, &SlotListView::pasteRequested, this, [this] { pasteBehind(m_view->currentIndex()); });
     connect(m_view, &SlotListView::insertRequested, this,
             [this] { Q_EMIT mediaInsertRequested(selectedMedia()); });
     connect(m_view, &SlotListView::moveRequested, this, &MediaPanelWidget::moveSlot);
@@ -354,7 +354,7 @@ void MediaPanelWidget::updateEmptyText()
 void MediaPanelWidget::onActivated(const QModelIndex& index)
 {
     const QModelIndex source = m_model->mapToSource(index.siblingAtColumn(0));
-    if (source.isValid())
+    if (source.isValid() && index.data(MediaPanelModel::PlaceRole).toString().isEmpty())
         Q_EMIT directPlayRequested(source);
 }
 
@@ -362,94 +362,6 @@ void MediaPanelWidget::onScrolled()
 {
     m_delegate->setFetching(false);
     m_scrollRest.start();
-}
-
-void MediaPanelWidget::moveSlot(const QModelIndex& source, int beforeRow)
-{
-    const QModelIndex root = m_view->rootIndex();
-    const auto numberAt = [this, &root](int row) {
-        return m_model->index(row, 0, root).data(MediaLibraryModel::NumberRole).toInt();
-    };
-    const int from = source.data(MediaLibraryModel::NumberRole).toInt();
-    const int rows = m_model->rowCount(root);
-    const int last = m_manager->lastSlotInCollection(selectedCollection());
-    const int end = beforeRow < rows ? numberAt(beforeRow) : last + 1;
-    // The first number in the gap that holds no media; a search may hide some that do.
-    int to = beforeRow > 0 ? numberAt(beforeRow - 1) + 1 : 1;
-    const QModelIndex collection = m_library->collectionIndex(selectedCollection());
-    while (to < end &&
-           !m_library->index(to, 0, collection).data(MediaLibraryModel::UrlRole).toUrl().isEmpty())
-        ++to;
-    if (to < end && to != from && isEditable())
-        m_manager->moveSlot(selectedCollection(), from, to);
-}
-
-QList<int> MediaPanelWidget::selectedSlots() const
-{
-    QList<int> numbers;
-    if (!m_view->selectionModel())
-        return numbers;
-    for (const QModelIndex& index : m_view->selectionModel()->selectedIndexes())
-        numbers.append(index.data(MediaLibraryModel::NumberRole).toInt());
-    std::sort(numbers.begin(), numbers.end());
-    numbers.erase(std::unique(numbers.begin(), numbers.end()), numbers.end());
-    return numbers;
-}
-
-QList<QString> MediaPanelWidget::selectedMedia() const
-{
-    QList<QString> urls;
-    for (const int number : selectedSlots())
-        urls.append(media::MediaUtils::toSlotAddress(selectedCollection(), number));
-    return urls;
-}
-
-void MediaPanelWidget::clearSelectedSlots()
-{
-    const QList<int> numbers = selectedSlots();
-    if (!numbers.isEmpty() && isEditable())
-        MediaSlotEditFunctional::clearSlots(selectedCollection(), numbers);
-}
-
-void MediaPanelWidget::showSlotMenu(const QPoint& position)
-{
-    const QModelIndex index = m_view->indexAt(position);
-    if (!index.isValid())
-        return;
-    auto* menu = new ZTMenu(this);
-    menu->setAttribute(Qt::WA_DeleteOnClose);
-    menu->setObjectNames(QStringLiteral("MediaPanel-slot-menu"));
-    const QPersistentModelIndex kept = index;
-    QAction* cue = menu->addEntry(QStringLiteral("mc_play"), tr("Play on preview"));
-    cue->setShortcut(Hotkeys::current(QStringLiteral("cue")));
-    connect(cue, &QAction::triggered, this, [this, kept] { onActivated(kept); });
-    QAction* insert = menu->addEntry(QStringLiteral("insert_after"), tr("Add to the playlist"));
-    insert->setShortcut(Hotkeys::current(QStringLiteral("insert_media")));
-    connect(insert, &QAction::triggered, this, [this] { Q_EMIT mediaInsertRequested(selectedMedia()); });
-    menu->addSeparator();
-    QAction* rename = menu->addEntry(QStringLiteral("edit"), tr("Rename"));
-    rename->setShortcut(Hotkeys::current(QStringLiteral("rename")));
-    connect(rename, &QAction::triggered, this, [this, kept] { m_view->edit(kept); });
-    QMenu* scaling = menu->addMenu(tr("Scaling"));
-    const auto current = static_cast<ScaleMode>(index.data(MediaLibraryModel::ScaleModeRole).toInt());
-    const MediaAddress slot(selectedCollection(), index.data(MediaLibraryModel::NumberRole).toInt());
-    static constexpr std::array modes{ScaleMode::Default,  ScaleMode::Fit,        ScaleMode::Clip,
-                                      ScaleMode::Stretch,  ScaleMode::Centered,   ScaleMode::TopLeft,
-                                      ScaleMode::TopRight, ScaleMode::BottomLeft, ScaleMode::BottomRight};
-    for (const ScaleMode mode : modes) {
-        QAction* action = scaling->addAction(scaleModeToPrettyString(mode));
-        action->setCheckable(true);
-        action->setChecked(mode == current);
-        connect(action, &QAction::triggered, this,
-                [slot, mode] { MediaSlotEditFunctional::setScalingMode(slot, mode); });
-    }
-    menu->addSeparator();
-    QAction* clear = menu->addEntry(QStringLiteral("trash"), tr("Clear"));
-    clear->setShortcut(Hotkeys::current(QStringLiteral("delete")));
-    connect(clear, &QAction::triggered, this, &MediaPanelWidget::clearSelectedSlots);
-    for (QAction* action : {insert, rename, scaling->menuAction(), clear})
-        action->setEnabled(isEditable());
-    menu->popup(m_view->viewport()->mapToGlobal(position));
 }
 
 /// Remembered before it is asked for: the answer may come while it is.

@@ -27,6 +27,7 @@ class SlotListView;
 class SortedCollectionSelectorModel;
 class ZTComboBox;
 class ZTEdit;
+class ZTMenu;
 
 /// The media library beside the player: a collection is chosen, its slots are listed and searched, and a
 /// double click or Enter on one plays it. Main thread; everything it is given must outlive it.
@@ -80,6 +81,10 @@ private:
     void onScrolled();
     void moveSlot(const QModelIndex& source, int beforeRow);
     void showSlotMenu(const QPoint& position);
+    void addSlotEntries(ZTMenu* menu, const QModelIndex& index);
+    void askForMove();
+    void copySelected(bool isCut);
+    void pasteBehind(const QModelIndex& index);
     QList<int> selectedSlots() const;
     void clearSelectedSlots();
     void askForNewCollection();

@@ -7,6 +7,7 @@
 #include "common/ui/style/colors.h"
 #include "common/ui/style/iconcache.h"
 #include "common/ui/style/mediaicon.h"
+#include "common/views/mediapanelmodel.h"
 #include "tarn/media/mediaenums.h"
 #include "util/clocktime.h"
 
@@ -283,9 +284,34 @@ QList<QRect> SlotDelegate::textPlaces(const QStyleOptionViewItem& option, const 
     return {layout.number, layout.name, layout.details};
 }
 
+void SlotDelegate::paintPlace(QPainter* painter, const QRect& row, const QFont& font, const QString& text,
+                              bool isAimed)
+{
+    const QRect box = row.adjusted(3, 3, -3, -3);
+    painter->save();
+    painter->setRenderHint(QPainter::Antialiasing);
+    painter->setBrush(Qt::NoBrush);
+    painter->setPen(QPen(getColor(isAimed ? colors::Zt_orange : colors::Zt_white_30), 1, Qt::DashLine));
+    painter->drawRoundedRect(QRectF(box).adjusted(0.5, 0.5, -0.5, -0.5), radius, radius);
+    painter->setFont(font);
+    painter->setPen(getColor(isAimed ? colors::White : colors::Zt_white_50));
+    const QRect line = box.adjusted(margin, 0, -margin, 0);
+    painter->drawText(line, Qt::AlignVCenter | Qt::AlignLeft,
+                      QFontMetrics(font).elidedText(text, Qt::ElideRight, line.width()));
+    painter->restore();
+}
+
 void SlotDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
                          const QModelIndex& index) const
 {
+    if (const QString place = index.data(MediaPanelModel::PlaceRole).toString(); !place.isEmpty()) {
+        painter->save();
+        painter->setRenderHint(QPainter::Antialiasing);
+        painter->setPen(Qt::NoPen);
+        paintBackground(painter, option, std::nullopt);
+        painter->restore();
+        return paintPlace(painter, option.rect, option.font, place, false);
+    }
     const QStyleOptionViewItem& row = option; // the base's form of it would ask for the picture each time
     if (m_fetching)
         index.data(Qt::DecorationRole); // asks for the picture, which comes with a change of the row

@@ -27,6 +27,10 @@ public:
     /// that is nothing new.
     bool setStale(bool stale) { return std::exchange(m_stale, stale) != stale; }
 
+    /// Where slots hold nothing: the text within dashes, brighter where a drop is about to land.
+    static void paintPlace(QPainter* painter, const QRect& row, const QFont& font, const QString& text,
+                           bool isAimed);
+
     void paint(QPainter* painter, const QStyleOptionViewItem& option,
                const QModelIndex& index) const override;
     QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override;

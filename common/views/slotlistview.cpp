@@ -5,7 +5,11 @@
 #include "common/ui/keyboard/hotkeytip.h"
 #include "common/ui/style/colors.h"
 #include "common/ui/style/iconcache.h"
+#include "common/views/mediapanelmodel.h"
+#include "common/views/slotdelegate.h"
 #include "common/views/slotdrops.h"
+#include "common/views/slotplace.h"
+#include "tarn/media/medialibrary.h"
 
 #include <QDragEnterEvent>
 #include <QDragMoveEvent>
@@ -121,6 +125,20 @@ bool SlotListView::handleHotkey(const QKeyEvent& event)
             Q_EMIT deleteRequested();
         return true;
     }
+    if (is("move_slots")) {
+        if (!event.isAutoRepeat())
+            Q_EMIT moveSelectedRequested();
+        return true;
+    }
+    if (is("copy") || is("cut")) {
+        Q_EMIT copyRequested(is("cut"));
+        return true;
+    }
+    if (is("paste")) {
+        if (!event.isAutoRepeat())
+            Q_EMIT pasteRequested();
+        return true;
+    }
     if (is("rename"))
         return edit(currentIndex(), AllEditTriggers, nullptr);
     if (is("cue") && currentIndex().isValid() && !event.isAutoRepeat())
@@ -150,6 +168,13 @@ bool SlotListView::isOwnRow(const QDropEvent* event) const
     return event->source() == this && selectionModel() && selectionModel()->selectedIndexes().size() == 1;
 }
 
+/// A place takes a row of our own as it takes anything else.
+bool SlotListView::isOwnMove(const QDropEvent* event) const
+{
+    const QModelIndex under = indexAt(event->position().toPoint());
+    return isOwnRow(event) && !(m_drops && under.isValid() && isPlace(under.row()));
+}
+
 int SlotListView::gapAt(const QPoint& position) const
 {
     const QModelIndex index = indexAt(position);
@@ -171,14 +196,35 @@ int SlotListView::slotAt(int row) const
     return model()->index(row, modelColumn(), rootIndex()).data(MediaLibraryModel::NumberRole).toInt();
 }
 
-/// On a row that slot; between two rows and below all of them where there is room behind the row above.
+bool SlotListView::isPlace(int row) const
+{
+    return !model()
+                ->index(row, modelColumn(), rootIndex())
+                .data(MediaPanelModel::PlaceRole)
+                .toString()
+                .isEmpty();
+}
+
+int SlotListView::lastOf(int row) const
+{
+    return isPlace(row)
+               ? model()->index(row, modelColumn(), rootIndex()).data(MediaPanelModel::PlaceLastRole).toInt()
+               : slotAt(row);
+}
+
+/// On a row that slot, or the first of that place; between two rows and below all of them where there is room
+/// behind the row above.
 int SlotListView::slotUnder(const QPoint& position) const
 {
     const int rows = model() ? model()->rowCount(rootIndex()) : 0;
-    const auto behind = [this](int row) { return m_drops->roomFrom(row >= 0 ? slotAt(row) + 1 : 1); };
+    const auto behind = [this](int row) {
+        return m_drops->roomFrom(row < 0 ? 1 : isPlace(row) ? slotAt(row) : slotAt(row) + 1);
+    };
     const QModelIndex index = indexAt(position);
     if (!index.isValid())
         return behind(rows - 1);
+    if (isPlace(index.row()))
+        return slotAt(index.row());
     const QRect row = visualRect(index);
     const int edge = row.height() / 4;
     if (position.y() > row.bottom() - edge)
@@ -188,8 +234,8 @@ int SlotListView::slotUnder(const QPoint& position) const
     return slotAt(index.row());
 }
 
-/// The free slots behind the last one are places too: the first of them, and while something is dragged there
-/// as many as it takes.
+/// The free slots behind the last one are a place too; while something is dragged there it says what of it
+/// that takes.
 void SlotListView::paintPlaces(QPainter& painter)
 {
     const int rows = model() ? model()->rowCount(rootIndex()) : 0;
@@ -200,24 +246,28 @@ void SlotListView::paintPlaces(QPainter& painter)
         return;
     const int next = slotAt(rows - 1) + 1;
     const bool isAimed = m_target >= next && m_drops->aim(m_target).isPossible();
-    if (!isAimed && !m_drops->isFree(next)) // a search hides what it holds
+    const auto* shown = qobject_cast<const MediaPanelModel*>(model());
+    const bool isWhole = shown && shown->searchText().isEmpty(); // else it hides what it holds
+    if (!isAimed && (!isWhole || next > MediaCollection::slotIndexMax))
         return;
-    const int first = isAimed ? m_drops->aim(m_target).first : next;
-    const int count = isAimed ? m_drops->aim(m_target).last - first + 1 : 1;
-    painter.setRenderHint(QPainter::Antialiasing);
-    for (int place = 0; place < count; ++place) {
-        const QRect box = above.translated(0, height * (place + 1)).adjusted(3, 3, -3, -3);
-        if (box.top() > viewport()->height())
-            return;
-        painter.setBrush(Qt::NoBrush);
-        painter.setPen(QPen(getColor(isAimed ? colors::Zt_orange : colors::Zt_white_30), 1, Qt::DashLine));
-        painter.drawRoundedRect(QRectF(box).adjusted(0.5, 0.5, -0.5, -0.5), 4, 4);
-        painter.setPen(getColor(isAimed ? colors::White : colors::Zt_white_50));
-        const QString text =
-            isAimed ? QString::number(first + place) : tr("%1  Drop files or slots here").arg(first + place);
-        painter.drawText(box.adjusted(8, 0, -8, 0), Qt::AlignVCenter | Qt::AlignLeft,
-                         painter.fontMetrics().elidedText(text, Qt::ElideRight, box.width() - 16));
-    }
+    SlotPlace place{.first = next, .last = MediaCollection::slotIndexMax};
+    if (isAimed)
+        place = {.first = m_drops->aim(m_target).first, .last = m_drops->aim(m_target).last};
+    QString text = isAimed ? place.numbers() : place.text();
+    const QString whole = text + QStringLiteral("  –  ") + SlotPlace::hint();
+    const int margins = 2 * height / 3;
+    if (!isAimed && fontMetrics().horizontalAdvance(whole) + margins <= above.width())
+        text = whole;
+    SlotDelegate::paintPlace(&painter, above.translated(0, height), font(), text, isAimed);
+}
+
+void SlotListView::paintAimedPlace(QPainter& painter, int row, const DropForecast& forecast) const
+{
+    const QModelIndex index = model()->index(row, modelColumn(), rootIndex());
+    const SlotPlace taken{.first = std::max(slotAt(row), forecast.first),
+                          .last = std::min(lastOf(row), forecast.last)};
+    painter.fillRect(visualRect(index), getColor(colors::Slate_grey_800)); // over what it says while it rests
+    SlotDelegate::paintPlace(&painter, visualRect(index), font(), taken.numbers(), true);
 }
 
 /// The rows that a drop would take, the line where it lands, and what it does, in words.
@@ -234,8 +284,10 @@ void SlotListView::paintDrop()
             if (rect.top() > viewport()->height())
                 break;
             const int slot = slotAt(row);
-            if (slot < forecast.first)
+            if (lastOf(row) < forecast.first)
                 line = rect.bottom() + 1;
+            else if (slot <= forecast.last && rect.bottom() >= 0 && isPlace(row))
+                paintAimedPlace(painter, row, forecast);
             else if (slot <= forecast.last && rect.bottom() >= 0)
                 painter.fillRect(rect, getColor(colors::Zt_red_10));
         }
@@ -259,17 +311,20 @@ void SlotListView::paintDrop()
 
 void SlotListView::dragEnterEvent(QDragEnterEvent* event)
 {
-    event->setAccepted(isOwnRow(event) || (m_drops && m_drops->begin(event->mimeData())));
+    const bool isOurs = m_drops && m_drops->begin(event->mimeData());
+    event->setAccepted(isOurs || isOwnRow(event));
 }
 
 void SlotListView::dragMoveEvent(QDragMoveEvent* event)
 {
     const QPoint position = event->position().toPoint();
-    if (isOwnRow(event)) {
+    if (isOwnMove(event)) {
         event->accept();
+        m_target = -1;
         showGap(gapAt(position));
         return;
     }
+    showGap(-1);
     m_target = m_drops ? slotUnder(position) : -1;
     event->setDropAction(Qt::CopyAction);
     event->setAccepted(m_drops != nullptr); // what cannot be dropped says why at the drop, too
@@ -296,9 +351,9 @@ void SlotListView::dropEvent(QDropEvent* event)
     // A copy to the drag: the row goes where it goes when the server says so, never by the view's own hand.
     event->setDropAction(Qt::CopyAction);
     const QPoint position = event->position().toPoint();
-    if (isOwnRow(event)) {
+    if (isOwnMove(event)) {
         event->accept();
-        showGap(-1);
+        endDrag();
         Q_EMIT moveRequested(selectionModel()->selectedIndexes().first(), gapAt(position));
         return;
     }

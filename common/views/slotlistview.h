@@ -5,6 +5,7 @@
 namespace vantrel {
 
 class SlotDrops;
+struct DropForecast;
 
 /// The list of the media panel: one height for all rows, a text in its middle while it is empty, and digits
 /// that go to the search field.
@@ -26,6 +27,9 @@ public:
 Q_SIGNALS:
     void textTyped(QString text);
     void deleteRequested();
+    void moveSelectedRequested();
+    void copyRequested(bool isCut);
+    void pasteRequested();
     /// The selected slots are to go into the playlist.
     void insertRequested();
     /// One of our own rows was dropped before this one; the row count for the end.
@@ -46,9 +50,13 @@ private:
     int gapAt(const QPoint& position) const;
     void showGap(int row);
     int slotAt(int row) const;
+    bool isPlace(int row) const;
+    int lastOf(int row) const;
     int slotUnder(const QPoint& position) const;
+    bool isOwnMove(const QDropEvent* event) const;
     void paintDrop();
     void paintPlaces(QPainter& painter);
+    void paintAimedPlace(QPainter& painter, int row, const DropForecast& forecast) const;
     void endDrag();
 
     /// Does what the key map says of the key for a list; false for any other key.

@@ -168,7 +168,7 @@ void MediaTabTools::keysDoItAll()
 /// The first free place shows itself.
 void MediaTabTools::slotsAreDroppedOnTheFreePlace()
 {
-    const QString place = QStringLiteral("media-slots-place");
+    const QString place = QStringLiteral("media-place5");
     QTRY_VERIFY(m_robot.text(place).startsWith(QStringLiteral("5 ")));
     QVERIFY(m_robot.click(QStringLiteral("media-slot1")));
     QVERIFY(m_robot.mouseAt(QStringLiteral("drag_start"), QStringLiteral("media-slot1"), 0.3));
@@ -176,7 +176,7 @@ void MediaTabTools::slotsAreDroppedOnTheFreePlace()
         QVERIFY(m_robot.mouseAt(QStringLiteral("drag_move"), place, share));
     QVERIFY(m_robot.mouseAt(QStringLiteral("drag_end"), place, 0.4));
     QTRY_VERIFY(!m_server.slot(1, 5).isEmpty());
-    QTRY_VERIFY(m_robot.text(place).startsWith(QStringLiteral("6 ")));
+    QTRY_VERIFY(m_robot.text(QStringLiteral("media-place6")).startsWith(QStringLiteral("6 ")));
     QTRY_COMPARE(played(), (QStringList{QStringLiteral("5"), QStringLiteral("2")}));
     m_robot.key(QStringLiteral("CtrlZ"));
     QTRY_VERIFY(m_server.slot(1, 5).isEmpty());

@@ -108,6 +108,10 @@ public:
     QVariant data(const QString& address, int role, int column) const;
     /// Whether the row's slot names a file. Who asks of thousands has no item made for each.
     bool holdsMedia(const MediaAddress& address) const;
+    /// The first number from there on that has a slot, which may be empty; -1 for none.
+    int nextSlot(int collection, int from) const;
+    /// The last number in front of it that has one; -1 for none.
+    int slotBefore(int collection, int number) const;
     /// The address as it is when it begins as a media URL, else empty.
     static QString normalizeMediaAddress(const QString& address);
     /// The slot that a playlist entry's URL leads to. Any thread.

@@ -43,6 +43,26 @@ int MediaLibraryModel::rowOf(int collection) const
     return at != m_collections.end() && (*at)->number() == collection ? row : -row - 1;
 }
 
+int MediaLibraryModel::nextSlot(int collection, int from) const
+{
+    const int row = rowOf(collection);
+    if (row < 0)
+        return -1;
+    const MediaLibraryItem::Records& records = m_collections[static_cast<std::size_t>(row)]->records();
+    const auto next = records.lower_bound(from);
+    return next == records.end() ? -1 : next->first;
+}
+
+int MediaLibraryModel::slotBefore(int collection, int number) const
+{
+    const int row = rowOf(collection);
+    if (row < 0)
+        return -1;
+    const MediaLibraryItem::Records& records = m_collections[static_cast<std::size_t>(row)]->records();
+    auto before = records.lower_bound(number);
+    return before == records.begin() ? -1 : (--before)->first;
+}
+
 void MediaLibraryModel::reset()
 {
     beginResetModel();

@@ -1,6 +1,5 @@
 #include "common/views/media/mediaactions.h"
 
-#include "common/command/refusal.h"
 #include "common/media/edit/implmediacollectionmanager.h"
 #include "common/media/edit/mediasloteditfunctional.h"
 #include "common/media/library/medialibraryapi.h"
@@ -12,11 +11,12 @@
 #include "common/ui/keyboard/hotkeys.h"
 #include "common/ui/keyboard/hotkeytip.h"
 #include "common/ui/toolkit/ztdrag.h"
+#include "common/views/slotclipboard.h"
 #include "common/views/slotdrops.h"
+#include "common/views/slotmove.h"
+#include "common/views/slotplace.h"
 
-#include <QClipboard>
 #include <QDropEvent>
-#include <QGuiApplication>
 #include <QKeyEvent>
 #include <QMimeData>
 
@@ -25,8 +25,6 @@ namespace vantrel {
 namespace {
 
 const QString tableKey = QStringLiteral("Window/MediaAsTable");
-// Beside the slots that are on the clipboard: they move.
-const QString cutFormat = QStringLiteral("application/x-halcyra-cut");
 const QString detailsKey = QStringLiteral("Window/MediaDetails");
 
 } // namespace
@@ -81,6 +79,11 @@ QString MediaActions::obstacle() const
     if (!m_silence.isEmpty())
         return m_silence;
     return m_unread;
+}
+
+QString MediaActions::placeHint() const
+{
+    return SlotPlace::hint();
 }
 
 void MediaActions::setIsTable(bool isTable)
@@ -164,7 +167,7 @@ QString MediaActions::actionOf(int key, int modifiers) const
     const QKeySequence pressed = Hotkeys::pressed(event);
     if (pressed.isEmpty())
         return {};
-    for (const char* name : {"cue", "rename", "delete", "insert_media", "copy", "cut", "paste",
+    for (const char* name : {"cue", "rename", "delete", "insert_media", "copy", "cut", "paste", "move_slots",
                              "move_entries_up", "move_entries_down"}) {
         if (Hotkeys::current(QLatin1String(name)) == pressed)
             return QLatin1String(name);
@@ -209,31 +212,19 @@ QMimeData* MediaActions::dataOf(int collection, const QList<int>& slotNumbers) c
 
 QString MediaActions::copy(int collection, const QList<int>& slotNumbers, bool isCut)
 {
-    QMimeData* const data = dataOf(collection, slotNumbers);
-    if (!data)
-        return {};
-    static int cuts = 0;
-    if (isCut)
-        data->setData(cutFormat, QByteArray::number(++cuts));
-    QGuiApplication::clipboard()->setMimeData(data);
-    return isCut ? tr("%n slots are cut: they move where they are pasted.", nullptr,
-                      static_cast<int>(slotNumbers.size()))
-                 : tr("%n slots are copied.", nullptr, static_cast<int>(slotNumbers.size()));
+    return copySlots(*m_library, collection, slotNumbers, isCut);
 }
 
 void MediaActions::paste(int collection, int slot)
 {
-    const QMimeData* const data = QGuiApplication::clipboard()->mimeData();
-    const QByteArray cut = data ? data->data(cutFormat) : QByteArray();
-    // Where they were they are no more.
-    const auto letGo = [cut] {
-        QClipboard* const clipboard = QGuiApplication::clipboard();
-        if (!cut.isEmpty() && clipboard->mimeData() && clipboard->mimeData()->data(cutFormat) == cut)
-            clipboard->clear();
-    };
     m_drops->setCollection(collection);
-    if (!data || !m_drops->paste(data, !cut.isEmpty(), std::max(slot, 0) + 1, letGo))
-        return tellNotDone(tr("Paste slots"), tr("There are no slots on the clipboard. Copy some first."));
+    pasteSlots(m_drops.get(), std::max(slot, 0) + 1);
+}
+
+void MediaActions::askMove(int collection, const QList<int>& slotNumbers)
+{
+    m_drops->setCollection(collection);
+    askWhereToMove(m_drops.get(), m_library, collection, slotNumbers, m_view);
 }
 
 /// A declarative drop area gives what is dragged as texts only, which thousands of slots would have to be

@@ -34,6 +34,8 @@ class MediaActions : public QObject
     Q_PROPERTY(QString pendingDrop READ pendingDrop NOTIFY arrivalsChanged)
     /// What stands between the operator and the library, a sentence; empty for nothing.
     Q_PROPERTY(QString obstacle READ obstacle NOTIFY libraryChanged)
+    /// What can be done with a place without media.
+    Q_PROPERTY(QString placeHint READ placeHint CONSTANT)
     /// Slots as a table or as pictures. Kept in the settings.
     Q_PROPERTY(bool isTable READ isTable WRITE setIsTable NOTIFY isTableChanged)
     /// Whether what is selected is told about beside the slots. Kept in the settings.
@@ -51,6 +53,7 @@ public:
     int arrivalsRevision() const { return m_arrivalsRevision; }
     QString pendingDrop() const;
     QString obstacle() const;
+    QString placeHint() const;
     bool isTable() const { return m_isTable; }
     void setIsTable(bool isTable);
     bool hasDetails() const { return m_hasDetails; }
@@ -75,6 +78,8 @@ public:
     Q_INVOKABLE QString copy(int collection, const QList<int>& slotNumbers, bool isCut);
     /// To the first room behind the slot.
     Q_INVOKABLE void paste(int collection, int slot);
+    /// Asks for the number to which the slots are to move.
+    Q_INVOKABLE void askMove(int collection, const QList<int>& slotNumbers);
     /// Drags slots until they are dropped.
     Q_INVOKABLE void startDrag(int collection, const QList<int>& slotNumbers);
     /// What is dragged over the view has come over the slots of a collection; false for what they do not

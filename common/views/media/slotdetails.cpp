@@ -73,11 +73,7 @@ void SlotDetails::followSlots()
         m_slots->disconnect(this);
     m_slots = m_selection ? qobject_cast<SlotGridModel*>(m_selection->rowModel()) : nullptr;
     if (m_slots)
-        connect(m_slots, &QAbstractItemModel::dataChanged, this,
-                [this](const QModelIndex&, const QModelIndex&, const QList<int>& roles) {
-                    if (roles != QList<int>{SlotGridModel::GapRole}) // nothing of a slot's own
-                        onChange();
-                });
+        connect(m_slots, &QAbstractItemModel::dataChanged, this, &SlotDetails::onChange);
 }
 
 void SlotDetails::onChange()

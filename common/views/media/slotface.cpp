@@ -170,15 +170,15 @@ QRectF SlotFace::namePlace() const
 
 bool SlotFace::isNameCut() const
 {
-    return QFontMetrics(font("body")).horizontalAdvance(m_name) > layout().name.width();
+    return m_place.isEmpty() && QFontMetrics(font("body")).horizontalAdvance(m_name) > layout().name.width();
 }
 
 void SlotFace::paint(QPainter* painter)
 {
     const Layout at = layout();
     paintBox(painter);
-    if (m_isBehindGap)
-        paintGap(painter, at.screen);
+    if (!m_place.isEmpty())
+        return paintPlace(painter, at);
     paintScreen(painter, at.screen);
     paintTexts(painter, at);
     if (m_hasFaults)
@@ -207,16 +207,36 @@ void SlotFace::paintBox(QPainter* painter) const
     painter->setRenderHint(QPainter::Antialiasing, false);
 }
 
-/// Where the line of a drop would stand.
-void SlotFace::paintGap(QPainter* painter, const QRect& screen) const
+/// Dim and without a picture: what can be dropped there is no slot yet.
+void SlotFace::paintPlace(QPainter* painter, const Layout& at) const
 {
-    QPen dashes(getColor(colors::Zt_white_50), 1);
+    const QRect box =
+        m_isTable ? QRect(tight, 3, qRound(width()) - textLength("bar") - 2 * tight, qRound(height()) - 6)
+                  : at.screen;
+    QPen dashes(getColor(m_isAimed ? colors::Zt_orange : colors::Zt_white_30), 1);
     dashes.setDashPattern({3, 3});
+    painter->setRenderHint(QPainter::Antialiasing);
     painter->setPen(dashes);
-    if (m_isTable)
-        painter->drawLine(QPoint(tight, 0), QPoint(qRound(width()) - textLength("bar") - tight, 0));
-    else
-        painter->drawLine(QPoint(0, screen.top()), QPoint(0, screen.bottom()));
+    painter->setBrush(Qt::NoBrush);
+    painter->drawRoundedRect(QRectF(box).adjusted(0.5, 0.5, -0.5, -0.5), radius, radius);
+    painter->setRenderHint(QPainter::Antialiasing, false);
+    const colors::ColorCode ink = m_isAimed ? colors::White : colors::Zt_white_50;
+    if (m_isTable) {
+        const int numbers = QFontMetrics(font("body", true)).horizontalAdvance(m_place);
+        const QRect place(2 * tight, 0, std::max(at.number.right() + 1 - 2 * tight, numbers),
+                          box.bottom() + 3);
+        drawText(painter, place, font("body", true), ink, m_place,
+                 numbers < place.width() ? Qt::AlignRight : Qt::AlignLeft, Qt::ElideNone);
+        const int x = std::max(at.screen.x(), place.right() + normal);
+        drawText(painter, QRect(x, 0, box.right() - x - normal, place.height()), font("body"), ink, m_name,
+                 Qt::AlignLeft, Qt::ElideRight);
+        return;
+    }
+    const int lineHeight = at.number.height();
+    const QRect line(box.x() + tight, box.center().y() - lineHeight, box.width() - 2 * tight, lineHeight);
+    drawText(painter, line, font("body", true), ink, m_place, Qt::AlignHCenter, Qt::ElideRight);
+    drawText(painter, line.translated(0, lineHeight), font("body"), ink, m_name, Qt::AlignHCenter,
+             Qt::ElideRight);
 }
 
 void SlotFace::paintScreen(QPainter* painter, const QRect& screen)

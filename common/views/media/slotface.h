@@ -36,8 +36,8 @@ class SlotFace : public QQuickItem
     Q_PROPERTY(bool isOnPreview MEMBER m_isOnPreview NOTIFY changed)
     /// How much of the file has arrived, from 0 to 1; below 0 for one that is not on its way.
     Q_PROPERTY(double arrived MEMBER m_arrived NOTIFY changed)
-    /// Whether the numbers in front of it are a place for a drop.
-    Q_PROPERTY(bool isBehindGap MEMBER m_isBehindGap NOTIFY changed)
+    /// The numbers of a place, which holds no media and whose name says so; empty for a slot.
+    Q_PROPERTY(QString place MEMBER m_place NOTIFY changed)
     Q_PROPERTY(bool isAimed MEMBER m_isAimed NOTIFY changed)
     Q_PROPERTY(bool isSelected MEMBER m_isSelected NOTIFY changed)
     Q_PROPERTY(bool isCurrent MEMBER m_isCurrent NOTIFY changed)
@@ -79,7 +79,7 @@ private:
     QImage drawing();
     void paint(QPainter* painter);
     void paintBox(QPainter* painter) const;
-    void paintGap(QPainter* painter, const QRect& screen) const;
+    void paintPlace(QPainter* painter, const Layout& at) const;
     void paintScreen(QPainter* painter, const QRect& screen);
     void paintArrival(QPainter* painter, const QRect& screen) const;
     void paintTexts(QPainter* painter, const Layout& at) const;
@@ -99,7 +99,7 @@ private:
     bool m_isOnProgram = false;
     bool m_isOnPreview = false;
     double m_arrived = -1;
-    bool m_isBehindGap = false;
+    QString m_place;
     bool m_isAimed = false;
     bool m_isSelected = false;
     bool m_isCurrent = false;

@@ -1,8 +1,10 @@
 #include "common/views/media/slotgridmodel.h"
 
 #include "common/media/address/mediafiles.h"
+#include "common/media/address/mediastate.h"
 #include "common/media/address/showntext.h"
 #include "common/media/models/medialibrarymodel.h"
+#include "tarn/media/mediaenums.h"
 #include "tarn/media/medialibrary.h"
 
 #include <QElapsedTimer>
@@ -38,7 +40,13 @@ SlotGridModel::~SlotGridModel() = default;
 
 int SlotGridModel::rowCount(const QModelIndex& parent) const
 {
-    return parent.isValid() ? 0 : count();
+    return parent.isValid() ? 0 : static_cast<int>(m_rows.size());
+}
+
+Qt::ItemFlags SlotGridModel::flags(const QModelIndex& index) const
+{
+    return !index.isValid() || isSlotAt(index.row()) ? QAbstractListModel::flags(index)
+                                                     : Qt::ItemFlags(Qt::ItemIsEnabled);
 }
 
 QModelIndex SlotGridModel::sourceOf(int slot) const
@@ -57,6 +65,8 @@ QVariant SlotGridModel::data(const QModelIndex& index, int role) const
     const int slot = slotAt(index.row());
     if (!index.isValid() || slot < 0)
         return {};
+    if (!isSlotAt(index.row()))
+        return placeData(index.row(), role);
     switch (role) {
     case Qt::DisplayRole:
     case NameRole:
@@ -64,6 +74,7 @@ QVariant SlotGridModel::data(const QModelIndex& index, int role) const
     case KeyRole:
         return keyOf(slot);
     case SlotRole:
+    case LastRole:
         return slot;
     case DurationRole:
         return sourceData(slot, MediaLibraryModel::DurationRole).toString();
@@ -79,38 +90,57 @@ QVariant SlotGridModel::data(const QModelIndex& index, int role) const
         return sourceData(slot, MediaLibraryModel::PlayableRole).toBool();
     case FileRole:
         return sourceData(slot, MediaLibraryModel::UrlRole).toUrl().fileName();
-    case GapRole:
-        return gapBefore(index.row());
+    case PlaceRole:
+    case SpokenRole:
+        return QString();
     default:
         return {};
     }
 }
 
-int SlotGridModel::gapBefore(int row) const
+/// A view takes each of them for what it says it is of a slot, too.
+QVariant SlotGridModel::placeData(int row, int role) const
 {
-    return m_isFiltered ? 0 : slotAt(row) - std::max(slotAt(row - 1), 0) - 1;
-}
-
-/// A row that comes or goes makes the gap of the next another one.
-void SlotGridModel::tellGaps()
-{
-    if (count() > 0)
-        Q_EMIT dataChanged(index(0), index(count() - 1), {GapRole});
+    const Row& at = m_rows[static_cast<std::size_t>(row)];
+    SlotPlace place{.first = at.first, .last = at.last, .isSlot = at.kind == Row::Empty};
+    if (place.isSlot)
+        place.name = shownText(sourceData(at.first, MediaLibraryModel::NameRole).toString());
+    switch (role) {
+    case Qt::DisplayRole:
+        return place.text();
+    case NameRole:
+        return place.state();
+    case KeyRole:
+    case PlaceRole:
+        return place.numbers();
+    case SpokenRole:
+        return place.spoken();
+    case SlotRole:
+        return at.first;
+    case LastRole:
+        return at.last;
+    case StateRole:
+        return static_cast<int>(MediaState::UnknownState);
+    case KindRole:
+        return static_cast<int>(MediaType::Unknown);
+    case PlayableRole:
+        return true;
+    case DurationRole:
+    case FaultsRole:
+    case FileRole:
+        return QString();
+    default:
+        return {};
+    }
 }
 
 QHash<int, QByteArray> SlotGridModel::roleNames() const
 {
-    return {{KeyRole, "key"},
-            {SlotRole, "slot"},
-            {NameRole, "name"},
-            {DurationRole, "length"},
-            {ThumbnailRole, "thumbnail"},
-            {StateRole, "mediaState"},
-            {KindRole, "kind"},
-            {FaultsRole, "faults"},
-            {PlayableRole, "isPlayable"},
-            {FileRole, "file"},
-            {GapRole, "gap"}};
+    return {{KeyRole, "key"},         {SlotRole, "slot"},           {NameRole, "name"},
+            {DurationRole, "length"}, {ThumbnailRole, "thumbnail"}, {StateRole, "mediaState"},
+            {KindRole, "kind"},       {FaultsRole, "faults"},       {PlayableRole, "isPlayable"},
+            {FileRole, "file"},       {LastRole, "last"},           {PlaceRole, "place"},
+            {SpokenRole, "spoken"}};
 }
 
 void SlotGridModel::setCollection(int collection)
@@ -121,6 +151,7 @@ void SlotGridModel::setCollection(int collection)
     m_collection = collection;
     m_rows.clear();
     m_seen = makeRef<MediaLibrary>(*m_library->mediaLibrary());
+    m_count = 0;
     m_total = 0;
     endResetModel();
     Q_EMIT collectionChanged();
@@ -182,13 +213,25 @@ void SlotGridModel::changeFilter()
 
 int SlotGridModel::slotAt(int row) const
 {
-    return row >= 0 && row < count() ? m_rows[static_cast<std::size_t>(row)] : -1;
+    return row >= 0 && row < rowCount() ? m_rows[static_cast<std::size_t>(row)].first : -1;
 }
 
-int SlotGridModel::numberBehind() const
+bool SlotGridModel::isSlotAt(int row) const
 {
-    const int number = m_rows.empty() ? 1 : m_rows.back() + 1;
-    return number <= MediaCollection::slotIndexMax ? number : -1;
+    return row >= 0 && row < rowCount() && m_rows[static_cast<std::size_t>(row)].kind == Row::Media;
+}
+
+int SlotGridModel::nearestSlot(int row, bool isBefore) const
+{
+    while (row >= 0 && row < rowCount() && !isSlotAt(row))
+        row += isBefore ? -1 : 1;
+    return isSlotAt(row) ? row : -1;
+}
+
+int SlotGridModel::numberBefore(int row) const
+{
+    const int slot = slotAt(row);
+    return slot < 0 ? 0 : isSlotAt(row) ? slot : slot - 1;
 }
 
 QList<int> SlotGridModel::slotsAt(const QList<int>& rows) const
@@ -202,24 +245,34 @@ QList<int> SlotGridModel::slotsAt(const QList<int>& rows) const
 
 int SlotGridModel::rowOf(int slot) const
 {
-    const auto found = std::lower_bound(m_rows.begin(), m_rows.end(), slot);
-    return found != m_rows.end() && *found == slot ? static_cast<int>(found - m_rows.begin()) : -1;
+    const int row = rowHolding(slot);
+    return isSlotAt(row) ? row : -1;
+}
+
+int SlotGridModel::rowHolding(int slot) const
+{
+    const auto behind = std::ranges::upper_bound(m_rows, slot, {}, &Row::first);
+    return behind != m_rows.begin() && std::prev(behind)->last >= slot
+               ? static_cast<int>(behind - m_rows.begin()) - 1
+               : -1;
 }
 
 int SlotGridModel::rowFrom(int slot) const
 {
-    return static_cast<int>(std::lower_bound(m_rows.begin(), m_rows.end(), slot) - m_rows.begin());
+    return static_cast<int>(std::ranges::lower_bound(m_rows, slot, {}, &Row::first) - m_rows.begin());
 }
 
 int SlotGridModel::findRow(const QString& text, int from) const
 {
     bool isNumber = false;
     const int number = text.toInt(&isNumber);
-    if (isNumber && rowOf(number) >= 0)
-        return rowOf(number);
-    for (int step = 0; step < count(); ++step) {
-        const int row = (std::max(from, 0) + step) % count();
+    if (isNumber && rowHolding(number) >= 0)
+        return rowHolding(number);
+    for (int step = 0; step < rowCount(); ++step) {
+        const int row = (std::max(from, 0) + step) % rowCount();
         const int slot = slotAt(row);
+        if (!isSlotAt(row))
+            continue;
         if (isNumber ? QString::number(slot).startsWith(text)
                      : sourceData(slot, MediaLibraryModel::NameRole)
                            .toString()
@@ -271,13 +324,26 @@ bool SlotGridModel::passes(int slot) const
         return false;
     if (m_unusedOnly && m_isUsed && m_isUsed({m_collection, slot}))
         return false;
-    if (m_searchText.isEmpty() || QString::number(slot).startsWith(m_searchText) ||
-        sourceData(slot, MediaLibraryModel::NameRole).toString().contains(m_searchText, Qt::CaseInsensitive))
+    return m_searchText.isEmpty() ||
+           isSlotFound(m_searchText, slot, sourceData(slot, MediaLibraryModel::NameRole).toString(),
+                       sourceData(slot, MediaLibraryModel::UrlRole).toUrl());
+}
+
+bool SlotGridModel::isFiltered() const
+{
+    return !m_searchText.isEmpty() || m_kind >= 0 || m_unusableOnly || m_unusedOnly;
+}
+
+/// Whether a look would find the number as it is shown.
+bool SlotGridModel::isAsShown(int slot) const
+{
+    const int row = rowHolding(slot);
+    if (slot < MediaCollection::slotIndexMin || (row < 0 && isFiltered() && !holdsMedia(slot)))
         return true;
-    // A lone "4" means no ".mp4": the extension counts only in a text that asks for one.
-    const QString name = sourceData(slot, MediaLibraryModel::UrlRole).toUrl().fileName();
-    const QString file = m_searchText.contains(u'.') ? name : name.section(u'.', 0, -2);
-    return file.contains(m_searchText, Qt::CaseInsensitive);
+    if (holdsMedia(slot))
+        return isSlotAt(row) == passes(slot);
+    const auto kind = m_library->nextSlot(m_collection, slot) == slot ? Row::Empty : Row::Free;
+    return row >= 0 && m_rows[static_cast<std::size_t>(row)].kind == kind;
 }
 
 void SlotGridModel::onDataChanged(const QModelIndex& first, const QModelIndex& last)
@@ -288,18 +354,16 @@ void SlotGridModel::onDataChanged(const QModelIndex& first, const QModelIndex& l
     if (!root.isValid() || first.parent() != root)
         return;
     leaveOthers(first.row(), last.row());
-    const auto begin = std::lower_bound(m_rows.begin(), m_rows.end(), first.row());
-    const auto end = std::upper_bound(begin, m_rows.end(), last.row());
+    const int begin = rowFrom(first.row());
+    const int end = rowFrom(last.row() + 1);
     if (begin != end)
-        Q_EMIT dataChanged(index(static_cast<int>(begin - m_rows.begin())),
-                           index(static_cast<int>(end - m_rows.begin()) - 1));
+        Q_EMIT dataChanged(index(begin), index(end - 1));
     // The look under way has yet to come there.
     const int slot = first.row();
     if (m_turn.isAsked() && slot >= m_next)
         return;
     // Thumbnails come one by one, and change nothing else.
-    if (m_turn.isAsked() || slot != last.row() ||
-        (rowOf(slot) >= 0) != (slot > 0 && holdsMedia(slot) && passes(slot)))
+    if (m_turn.isAsked() || slot != last.row() || !isAsShown(slot))
         refresh();
 }
 
@@ -317,9 +381,11 @@ void SlotGridModel::onRowsCame(const QModelIndex& parent)
 void SlotGridModel::onLibraryAnew()
 {
     const auto now = makeRef<MediaLibrary>(*m_library->mediaLibrary());
-    const bool hasOthers = std::ranges::any_of(m_rows, [&](int slot) {
-        const MediaSlot* before = std::as_const(*m_seen).findSlot(m_collection, slot);
-        const MediaSlot* after = std::as_const(*now).findSlot(m_collection, slot);
+    const bool hasOthers = std::ranges::any_of(m_rows, [&](const Row& row) {
+        if (row.kind != Row::Media)
+            return false;
+        const MediaSlot* before = std::as_const(*m_seen).findSlot(m_collection, row.first);
+        const MediaSlot* after = std::as_const(*now).findSlot(m_collection, row.first);
         return !before || !after || before->getUrl() != after->getUrl();
     });
     if (hasOthers)
@@ -361,7 +427,7 @@ void SlotGridModel::leaveOthers(int first, int last)
         m_rows.erase(m_rows.begin() + row);
         endRemoveRows();
         beginInsertRows({}, row, row);
-        m_rows.insert(m_rows.begin() + row, slot);
+        m_rows.insert(m_rows.begin() + row, {slot, slot, Row::Media});
         endInsertRows();
     }
 }
@@ -369,8 +435,9 @@ void SlotGridModel::leaveOthers(int first, int last)
 void SlotGridModel::refresh()
 {
     Q_EMIT nameChanged();
-    m_next = 1;
+    m_next = MediaCollection::slotIndexMin;
     m_holding = 0;
+    m_passing = 0;
     m_found.clear();
     m_turn.ask();
 }
@@ -381,20 +448,36 @@ void SlotGridModel::refreshUse()
         refresh();
 }
 
+/// Goes on behind what it finds there.
+void SlotGridModel::lookAt(int slot)
+{
+    m_next = slot + 1;
+    if (holdsMedia(slot)) {
+        ++m_holding;
+        if (!passes(slot))
+            return;
+        ++m_passing;
+        m_found.push_back({slot, slot, Row::Media});
+    } else if (!isFiltered()) { // what is left out is not free
+        const SlotPlace place = SlotPlace::from(*m_library, m_collection, slot);
+        m_found.push_back({place.first, place.last, place.isSlot ? Row::Empty : Row::Free});
+        m_next = place.last + 1;
+    }
+}
+
 void SlotGridModel::scan()
 {
     const QModelIndex root = m_library->collectionIndex(m_collection);
-    const int end = root.isValid() ? m_library->rowCount(root) : 0;
+    // The view of a collection without slots is one place as a whole.
+    const int end = !root.isValid() || m_library->nextSlot(m_collection, MediaCollection::slotIndexMin) < 0
+                        ? 0
+                    : isFiltered() ? m_library->rowCount(root)
+                                   : MediaCollection::slotIndexMax + 1;
     QElapsedTimer clock;
     clock.start();
-    while (m_next < end) {
-        const int slot = m_next++;
-        if (holdsMedia(slot)) {
-            ++m_holding;
-            if (passes(slot))
-                m_found.push_back(slot);
-        }
-        if (slot % looksBetweenClocks == 0 && clock.elapsed() >= turnMs) {
+    for (int looks = 1; m_next < end; ++looks) {
+        lookAt(m_next);
+        if (looks % looksBetweenClocks == 0 && clock.elapsed() >= turnMs) {
             m_turn.ask();
             return;
         }
@@ -405,21 +488,16 @@ void SlotGridModel::scan()
 void SlotGridModel::take()
 {
     const bool isOther = m_found != m_rows;
-    const bool isFiltered = !m_searchText.isEmpty() || m_kind >= 0 || m_unusableOnly || m_unusedOnly;
-    const bool wasFiltered = std::exchange(m_isFiltered, isFiltered);
-    if (!isOther && m_total == m_holding) {
-        if (wasFiltered != isFiltered)
-            tellGaps();
+    if (!isOther && m_total == m_holding && m_count == m_passing)
         return;
-    }
     m_total = m_holding;
+    m_count = m_passing;
     if (isOther && !takeByRow()) {
         beginResetModel();
         m_rows.swap(m_found);
         endResetModel();
     }
     m_found.clear();
-    tellGaps();
     Q_EMIT countChanged();
 }
 
@@ -431,7 +509,7 @@ bool SlotGridModel::takeByRow()
         std::size_t first;
         std::size_t count;
     };
-    const auto runsOf = [](const std::vector<int>& of, const std::vector<int>& without) {
+    const auto runsOf = [](const Rows& of, const Rows& without) {
         std::vector<Run> runs;
         auto other = without.begin();
         for (std::size_t row = 0; row < of.size(); ++row) {

@@ -1,11 +1,13 @@
 #pragma once
 
 #include "common/media/library/turn.h"
+#include "common/views/slotplace.h"
 #include "tarn/media/mediaaddress.h"
 #include "tarn/ref.h"
 
 #include <QAbstractListModel>
 
+#include <compare>
 #include <functional>
 #include <vector>
 
@@ -14,17 +16,17 @@ namespace vantrel {
 class MediaLibrary;
 class MediaLibraryModel;
 
-/// The slots of one collection that hold media and pass the filters, by number, for a declarative view.
+/// The slots of one collection that hold media and pass the filters, by number, for a declarative view; where
+/// none are left out, what is free between and behind them stands there as places, which cannot be selected.
 /// Follows the library's model, in turns of a few milliseconds. A number that holds another medium is another
 /// row, so that no selection goes over to it. The view owns it; main thread only.
 class SlotGridModel : public QAbstractListModel
 {
     Q_OBJECT
+    /// How many slots with media are shown.
     Q_PROPERTY(int count READ count NOTIFY countChanged)
     /// How many slots of the collection hold media.
     Q_PROPERTY(int total READ total NOTIFY countChanged)
-    /// The first number behind all that are shown; -1 where that is none.
-    Q_PROPERTY(int numberBehind READ numberBehind NOTIFY countChanged)
     Q_PROPERTY(int collection READ collection WRITE setCollection NOTIFY collectionChanged)
     /// Whether the library has the collection, and its name.
     Q_PROPERTY(bool isThere READ isThere NOTIFY nameChanged)
@@ -48,7 +50,9 @@ public:
         FaultsRole = 264,
         PlayableRole = 265,
         FileRole = 266,
-        GapRole = 267, // so many numbers in front of it hold nothing; 0 where slots are left out
+        LastRole = 267,   // the last number of a place, or the slot's
+        PlaceRole = 268,  // "5 – 20", of a place; empty for a slot with media
+        SpokenRole = 269, // the place in words
     };
 
     /// Whether a playlist plays the slot.
@@ -61,10 +65,10 @@ public:
     int rowCount(const QModelIndex& parent = {}) const override;
     QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
     QHash<int, QByteArray> roleNames() const override;
+    Qt::ItemFlags flags(const QModelIndex& index) const override;
 
-    int count() const { return static_cast<int>(m_rows.size()); }
+    int count() const { return m_count; }
     int total() const { return m_total; }
-    int numberBehind() const;
     int collection() const { return m_collection; }
     void setCollection(int collection);
     bool isThere() const;
@@ -78,12 +82,20 @@ public:
     bool unusedOnly() const { return m_unusedOnly; }
     void setUnusedOnly(bool only);
 
-    /// -1 for no such row.
+    /// Of a place its first number; -1 for no such row.
     Q_INVOKABLE int slotAt(int row) const;
+    /// Whether the row is one with media.
+    Q_INVOKABLE bool isSlotAt(int row) const;
+    /// The nearest row with media from there on, or before it; -1 for none.
+    Q_INVOKABLE int nearestSlot(int row, bool isBefore) const;
+    /// The number behind which what is dropped behind a row, or on a place, goes; 0 for no row.
+    Q_INVOKABLE int numberBefore(int row) const;
     /// Of those rows.
     Q_INVOKABLE QList<int> slotsAt(const QList<int>& rows) const;
-    /// The row of a slot; -1 where it is not shown.
+    /// The row of a slot with media; -1 where it is not shown.
     Q_INVOKABLE int rowOf(int slot) const;
+    /// The row of the slot or of the place that has the number; -1 for none.
+    Q_INVOKABLE int rowHolding(int slot) const;
     /// The first row whose slot has that number or a higher one; behind the last where there is none.
     Q_INVOKABLE int rowFrom(int slot) const;
     /// The slot whose number begins with the text, or the next from that row on whose name does; -1 for none.
@@ -111,13 +123,25 @@ Q_SIGNALS:
     void filterChanged();
 
 private:
+    struct Row
+    {
+        int first;
+        int last;
+        enum Kind { Media, Empty, Free } kind;
+
+        friend auto operator<=>(const Row&, const Row&) = default;
+    };
+    using Rows = std::vector<Row>;
+
     void onDataChanged(const QModelIndex& first, const QModelIndex& last);
     void onLibraryAnew();
     void onRowsCame(const QModelIndex& parent);
     void leaveOthers(int first, int last);
     QString keyOf(int slot) const;
-    int gapBefore(int row) const; // of the rows as they stand, which a filter that goes has yet to fill
-    void tellGaps();
+    bool isAsShown(int slot) const;
+    bool isFiltered() const;
+    QVariant placeData(int row, int role) const;
+    void lookAt(int slot);
     void scan();
     void take();
     bool takeByRow();
@@ -129,18 +153,19 @@ private:
     MediaLibraryModel* m_library;
     IsUsed m_isUsed;
     Ref<MediaLibrary> m_seen; // the slots of the collection as the rows have them
-    std::vector<int> m_rows;  // the numbers of the slots, ascending
-    std::vector<int> m_found;
+    Rows m_rows;              // ascending
+    Rows m_found;
     Turn m_turn;
     int m_next = 0; // the slot at which the look goes on
     int m_holding = 0;
+    int m_passing = 0;
+    int m_count = 0;
     int m_total = 0;
     int m_collection = -1;
     QString m_searchText;
     int m_kind = -1;
     bool m_unusableOnly = false;
     bool m_unusedOnly = false;
-    bool m_isFiltered = false; // the rows as they stand
 };
 
 } // namespace vantrel

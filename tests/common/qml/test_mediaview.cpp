@@ -47,37 +47,43 @@ private Q_SLOTS:
         SlotGridModel model(&mirror.model, isUsed);
         const QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::Fatal);
         model.setCollection(1);
-        QList<int> gaps; // as a view was told of them last
-        connect(&model, &QAbstractItemModel::dataChanged, this,
-                [&](const QModelIndex&, const QModelIndex&, const QList<int>& roles) {
-                    if (!roles.contains(SlotGridModel::GapRole))
-                        return;
-                    gaps.clear();
-                    for (int row = 0; row < model.count(); ++row)
-                        gaps.append(model.index(row).data(SlotGridModel::GapRole).toInt());
-                });
-        QTRY_COMPARE(shown(model), QStringLiteral("1 2 3 4 5 6"));
-        QCOMPARE(model.numberBehind(), 7);
+        QTRY_COMPARE(shown(model), QStringLiteral("1 2 3 4 5 6 [7 – 9999 free]"));
         const QPersistentModelIndex last = model.index(5);
         mirror.edit([](MediaLibrary& library) {
             library.getCollection(1)->removeMediaSlot(2);
-            library.getCollection(1)->removeMediaSlot(5);
+            library.getCollection(1)->insertMediaSlot(5, MediaSlot(), true); // cleared
+            library.getCollection(1)->insertMediaSlot(20, makeSlot("far"), true);
         });
-        QTRY_COMPARE(shown(model), QStringLiteral("1 3 4 6"));
-        QCOMPARE(last.row(), 3);
-        QCOMPARE(gaps, (QList<int>{0, 1, 0, 1}));
+        QTRY_COMPARE(shown(model),
+                     QStringLiteral("1 [2 free] 3 4 [5 · empty] 6 [7 – 19 free] 20 [21 – 9999 free]"));
+        QCOMPARE(last.row(), 5);
+        QCOMPARE(model.count(), 5);
+        QCOMPARE(model.rowHolding(12), 6);
+        // What is on a place or goes over it is none of what is selected.
+        SelectionModel selection;
+        selection.setRowModel(&model);
+        selection.pick(1, 0);
+        QCOMPARE(selection.selectedCount(), 0);
+        QCOMPARE(selection.currentRow(), 1);
+        selection.pick(5, Qt::ShiftModifier);
+        QCOMPARE(model.slotsAt(selection.rows()), (QList<int>{3, 4, 6}));
+        mirror.edit([](MediaLibrary& library) {
+            library.getCollection(1)->insertMediaSlot(9, makeSlot("nine"), true);
+            library.getCollection(1)->removeMediaSlot(20);
+        });
+        QTRY_COMPARE(shown(model),
+                     QStringLiteral("1 [2 free] 3 4 [5 · empty] 6 [7 – 8 free] 9 [10 – 9999 free]"));
+        QCOMPARE(model.slotsAt(selection.rows()), (QList<int>{3, 4, 6}));
         model.setUnusedOnly(true);
-        QTRY_COMPARE(shown(model), QStringLiteral("1 3"));
-        QCOMPARE(gaps, (QList<int>{0, 0})); // what is left out is not free
-        QCOMPARE(model.total(), 4);
+        QTRY_COMPARE(shown(model), QStringLiteral("1 3 9")); // what is left out is not free
+        QCOMPARE(model.total(), 5);
         model.setUnusedOnly(false);
-        QCOMPARE(model.index(1).data(SlotGridModel::GapRole).toInt(), model.count() == 2 ? 0 : 1);
         model.setSearchText(QStringLiteral("4"));
         QTRY_VERIFY(shown(model).contains(u'4') && !shown(model).contains(u'6'));
         model.setSearchText({});
-        QTRY_COMPARE(model.count(), 4);
+        QTRY_COMPARE(model.count(), 5);
         model.setCollection(7); // there is none
-        QTRY_COMPARE(model.count(), 0);
+        QTRY_COMPARE(model.rowCount(), 0);
     }
 
     /// A selection never goes over to another medium that has the number by now.
@@ -147,7 +153,7 @@ private Q_SLOTS:
         qInfo("all slots stand after %lld ms, the longest turn took %.1f ms",
               static_cast<long long>(whole.elapsed()), longest);
         QCOMPARE(model.count(), MediaCollection::slotIndexMax);
-        QCOMPARE(model.numberBehind(), -1);
+        QCOMPARE(model.rowCount(), MediaCollection::slotIndexMax); // nothing is free
         QVERIFY(longest < 16 * slowness);
     }
 
@@ -181,17 +187,32 @@ private Q_SLOTS:
         QCOMPARE(chosen(), QStringLiteral("1 2"));
         const int columns = pane->property("columns").toInt();
         QVERIFY(columns > 2);
-        // What a drop would do stands where it lands: in front of the first slot behind those numbers.
-        pane->setProperty("aimed", QVariantMap{{QStringLiteral("isPossible"), true},
-                                               {QStringLiteral("first"), 41},
-                                               {QStringLiteral("last"), 42},
-                                               {QStringLiteral("text"), QString()}});
+        // The last slot, and then the place behind it, which says what a drop would take of it.
+        key(Qt::Key_End);
+        QCOMPARE(chosen(), QStringLiteral("40"));
+        key(Qt::Key_End);
+        QVERIFY(chosen().isEmpty());
+        QTRY_COMPARE(item(view, "media-place41")->property("text").toString(),
+                     QStringLiteral("41 – 9999 free"));
+        const QVariantMap aimed{{QStringLiteral("isPossible"), true},
+                                {QStringLiteral("first"), 41},
+                                {QStringLiteral("last"), 42},
+                                {QStringLiteral("text"), QString()}};
+        pane->setProperty("aimed", aimed);
+        QCOMPARE(item(view, "media-place41")->property("text").toString(), QStringLiteral("41 – 42 free"));
+        // Where what is between the slots is left out, a line stands for it.
+        QQuickItem* search = item(view, "media-slots-search");
+        search->setProperty("text", QStringLiteral("c2s"));
         const QQuickItem* line = item(view, "media-slots-drop-line");
-        item(view, "media-slots-grid")->setProperty("contentY", 0);
+        QTRY_COMPARE(model->rowCount(), 40);
+        pane->setProperty("aimed", aimed);
         QVERIFY(line->isVisible());
+        item(view, "media-slots-grid")->setProperty("contentY", 0);
         const int bands = (40 + columns - 1) / columns;
         const qreal cellHeight = item(view, "media-slots-grid")->property("cellHeight").toReal();
         QCOMPARE(line->y(), (bands - 1) * cellHeight);
+        search->setProperty("text", QString());
+        QTRY_COMPARE(model->rowCount(), 41);
         pane->setProperty("aimed", QVariant::fromValue(nullptr));
         key(Qt::Key_Home);
         key(Qt::Key_Down);
@@ -354,7 +375,12 @@ private Q_SLOTS:
     /// Nothing is wider than what holds it.
     void layoutHolds()
     {
-        MediaMirror mirror(makeLibrary(3, 40));
+        MediaMirror mirror(makeLibrary(3, 12));
+        mirror.edit([](MediaLibrary& library) {
+            library.getCollection(1)->removeMediaSlot(3);
+            library.getCollection(1)->insertMediaSlot(5, MediaSlot(), true);
+            library.getCollection(1)->insertMediaSlot(120, makeSlot("far"), true);
+        });
         MediaView view({.library = &mirror.model, .provider = &mirror.provider});
         view.resize(1268, 600);
         view.show();
@@ -410,8 +436,11 @@ private:
     static QString shown(const SlotGridModel& model)
     {
         QStringList numbers;
-        for (int row = 0; row < model.count(); ++row)
-            numbers.append(model.index(row).data(SlotGridModel::SlotRole).toString());
+        for (int row = 0; row < model.rowCount(); ++row) {
+            const QModelIndex index = model.index(row);
+            numbers.append(model.isSlotAt(row) ? index.data(SlotGridModel::SlotRole).toString()
+                                               : u'[' + index.data().toString() + u']');
+        }
         return numbers.join(u' ');
     }
     static void save(const MediaView& view, const QString& name)

@@ -234,7 +234,8 @@ private Q_SLOTS:
         QTest::newRow("action") << "mute" << QStringList{"mute_program"};
         QTest::newRow("key") << "f12" << QStringList{"take"};
         QTest::newRow("keys") << "ctrl+f" << QStringList{"find"};
-        QTest::newRow("group") << "library" << QStringList{"cue", "rename", "delete", "find", "undo", "redo"};
+        QTest::newRow("group") << "library" << QStringList{"cue",  "rename", "delete", "move_slots",
+                                                           "find", "undo",   "redo"};
         QTest::newRow("nothing") << "zzz" << QStringList{};
     }
 

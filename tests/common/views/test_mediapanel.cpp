@@ -1,4 +1,3 @@
-#include "common/media/edit/implmediacollectionmanager.h"
 #include "common/media/items/guimediaslot.h"
 #include "common/media/items/mimedata.h"
 #include "common/media/models/collectionselectormodel.h"
@@ -7,17 +6,17 @@
 #include "common/notification/notificationmanagerimpl.h"
 #include "common/session/mirror/guiplayback.h"
 #include "common/views/mediapanelmodel.h"
-#include "common/views/mediapanelwidget.h"
-#include "common/views/slotlistview.h"
 #include "tarn/media/mediaenums.h"
+#include "tests/common/views/slotpanel.h"
 #include "tests/support/librarymaker.h"
-#include "tests/support/mediamirror.h"
 #include "tests/support/mocknetworkaccessmanager.h"
 #include "tests/support/testmain.h"
 
 #include <QAbstractItemModelTester>
 #include <QComboBox>
+#include <QDialog>
 #include <QDropEvent>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMimeData>
@@ -26,67 +25,7 @@
 
 using namespace vantrel;
 using test::MediaMirror;
-
-namespace {
-
-/// Keeps what is asked of it as text. Every slot is there.
-class Manager : public ImplMediaCollectionManager
-{
-public:
-    bool holdsCollection(int) const override { return true; }
-    bool isSlotOccupied(int, int) const override { return true; }
-    bool copyCollection(int, int) override { return true; }
-    void moveSlot(int collection, int from, int to) override
-    {
-        asked.append(QStringLiteral("move %1/%2 to %3").arg(collection).arg(from).arg(to));
-    }
-
-    std::optional<bool> moveSlots(int collection, const QList<int>& from, int to) override
-    {
-        for (const int slot : from)
-            moveSlot(collection, slot, to++);
-        return true;
-    }
-
-    QStringList asked;
-};
-
-struct Panel
-{
-    explicit Panel(const Ref<MediaLibrary>& library)
-        : mirror(library)
-        , widget(&mirror.model, &mirror.provider, &manager)
-        , view(widget.findChild<SlotListView*>(QStringLiteral("MediaPanel-slots-view")))
-        , chooser(widget.findChild<QComboBox*>(QStringLiteral("MediaPanel-collection-chooser")))
-        , search(widget.findChild<QLineEdit*>(QStringLiteral("MediaPanel-search")))
-    {
-        widget.setConnected(true);
-        widget.resize(300, 600);
-    }
-
-    /// The numbers of the listed slots.
-    QString listed() const
-    {
-        QStringList numbers;
-        const QAbstractItemModel* model = view->model();
-        for (int row = 0; model && row < model->rowCount(view->rootIndex()); ++row)
-            numbers.append(model->index(row, 0, view->rootIndex()).data().toString());
-        return numbers.join(u' ');
-    }
-    QModelIndex row(int row) const
-    {
-        return view->model()->index(row, MediaLibraryModel::NameColumn, view->rootIndex());
-    }
-
-    Manager manager;
-    MediaMirror mirror;
-    MediaPanelWidget widget;
-    SlotListView* view;
-    QComboBox* chooser;
-    QLineEdit* search;
-};
-
-} // namespace
+using test::Panel;
 
 class TestMediaPanel : public QObject
 {
@@ -109,6 +48,7 @@ private Q_SLOTS:
     void takesDrops();
     void movesIntoGaps_data();
     void movesIntoGaps();
+    void reachesAnyNumber();
     void asksOnlyForWhatIsSeen();
     void marksWhatPlays();
     void marksLeaveTheNumberFree();
@@ -209,11 +149,18 @@ void TestMediaPanel::followsTheLibrary()
         library.findCollection(2)->insertMediaSlot(2, MediaSlot(), true); // cleared
         library.findCollection(2)->setName("Zwei");
     });
-    QCOMPARE(panel.listed(), QStringLiteral("1 3 7"));
+    QTRY_COMPARE(panel.listed(), QStringLiteral("1 [2 · empty] 3 [4 – 6 free] 7"));
     QCOMPARE(panel.chooser->currentText(), QStringLiteral("2: Zwei"));
     panel.mirror.load();
-    QTRY_COMPARE(panel.listed(), QStringLiteral("1 3 7"));
+    QTRY_COMPARE(panel.listed(), QStringLiteral("1 [2 · empty] 3 [4 – 6 free] 7"));
     QCOMPARE(panel.chooser->currentText(), QStringLiteral("2: Zwei"));
+    panel.mirror.edit([](MediaLibrary& library) {
+        library.findCollection(2)->removeMediaSlot(3);
+        library.findCollection(2)->insertMediaSlot(5, test::makeSlot("five"), true);
+    });
+    QTRY_COMPARE(panel.listed(), QStringLiteral("1 [2 · empty] [3 – 4 free] 5 [6 free] 7"));
+    panel.mirror.edit([](MediaLibrary& library) { library.findCollection(2)->removeMediaSlot(7); });
+    QTRY_COMPARE(panel.listed(), QStringLiteral("1 [2 · empty] [3 – 4 free] 5")); // the rest is below them
     panel.mirror.edit([](MediaLibrary& library) { library.removeCollection(2); });
     QTRY_COMPARE(panel.chooser->currentText(), QStringLiteral("3: Collection 3"));
     QTRY_COMPARE(panel.listed(), QStringLiteral("1 2 3"));
@@ -266,6 +213,21 @@ void TestMediaPanel::searchingModelIsSound()
         for (int row = 0; row < model.rowCount(root); ++row)
             QVERIFY(!model.index(row, 0, root).data(MediaLibraryModel::UrlRole).toUrl().isEmpty());
         mirror.edit([&](MediaLibrary& library) { random.edit(library); });
+    }
+    // The places are those that a model of the library as it is by now has.
+    const auto rowsOf = [&mirror](const MediaPanelModel& shown) {
+        QStringList texts;
+        const QModelIndex root = shown.mapFromSource(mirror.model.collectionIndex(1));
+        for (int row = 0; row < shown.rowCount(root); ++row)
+            texts.append(Panel::textOf(shown.index(row, 0, root)));
+        return texts;
+    };
+    model.setSearchText({});
+    for (int step = 0; step < 60; ++step) {
+        mirror.edit([&](MediaLibrary& library) { random.edit(library); });
+        QCoreApplication::processEvents();
+        const MediaPanelModel anew(&mirror.model);
+        QTRY_COMPARE(rowsOf(model), rowsOf(anew));
     }
 }
 
@@ -449,7 +411,8 @@ void TestMediaPanel::movesIntoGaps_data()
     QTest::addColumn<QString>("asked");
     QTest::newRow("no gap") << 1 << QString();
     QTest::newRow("gap") << 2 << QStringLiteral("move 1/1 to 3");
-    QTest::newRow("end") << 3 << QStringLiteral("move 1/1 to 8");
+    QTest::newRow("behind its place") << 3 << QStringLiteral("move 1/1 to 3");
+    QTest::newRow("end") << 4 << QStringLiteral("move 1/1 to 8");
     QTest::newRow("front") << 0 << QString();
 }
 
@@ -462,6 +425,49 @@ void TestMediaPanel::movesIntoGaps()
     });
     Q_EMIT panel.view->moveRequested(panel.row(0), beforeRow);
     QTEST(panel.manager.asked.join(u' '), "asked");
+}
+
+/// By a number that is typed, on a place between slots, and from the clipboard to where such a place begins.
+void TestMediaPanel::reachesAnyNumber()
+{
+    Panel panel(test::makeLibrary(1, 4));
+    panel.mirror.edit([](MediaLibrary& library) {
+        library.findCollection(1)->insertMediaSlot(21, test::makeSlot("far"), true);
+    });
+    QCOMPARE(panel.listed(), QStringLiteral("1 2 3 4 [5 – 20 free] 21"));
+    panel.widget.show();
+    const auto asked = [&panel] { return panel.manager.asked.join(u'|'); };
+    const auto typeNumber = [&panel](const QString& number, const QString& told) {
+        QTest::keyClick(panel.view, Qt::Key_M, Qt::ControlModifier);
+        auto* dialog = panel.widget.findChild<QDialog*>(QStringLiteral("MoveSlots"));
+        auto* field = dialog ? dialog->findChild<QLineEdit*>() : nullptr;
+        if (!field)
+            return false;
+        QTest::keyClicks(field, number);
+        const QList<QLabel*> labels = dialog->findChildren<QLabel*>();
+        const bool isTold =
+            std::ranges::any_of(labels, [&told](const QLabel* label) { return label->text() == told; });
+        QTest::keyClick(field, Qt::Key_Return);
+        dialog->close();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        return isTold;
+    };
+    panel.view->setCurrentIndex(panel.row(1));
+    QVERIFY(typeNumber(QStringLiteral("12"), QStringLiteral("Slot 12.")));
+    QTRY_COMPARE(asked(), QStringLiteral("move 1/2 to 12"));
+    QVERIFY(typeNumber(QStringLiteral("0"), QStringLiteral("A number from 1 to 9999.")));
+    QCoreApplication::processEvents();
+    QCOMPARE(asked(), QStringLiteral("move 1/2 to 12"));
+    QTest::keyClick(panel.view, Qt::Key_X, Qt::ControlModifier);
+    QTest::keyClick(panel.view, Qt::Key_End);
+    QTest::keyClick(panel.view, Qt::Key_Up); // the place, which has nothing to be moved or played
+    QCOMPARE(panel.view->currentIndex().row(), 4);
+    QVERIFY(panel.widget.selectedMedia().isEmpty());
+    QSignalSpy played(&panel.widget, &MediaPanelWidget::directPlayRequested);
+    QTest::keyClick(panel.view, Qt::Key_Return);
+    QCOMPARE(played.size(), 0);
+    QTest::keyClick(panel.view, Qt::Key_V, Qt::ControlModifier);
+    QTRY_COMPARE(asked(), QStringLiteral("move 1/2 to 12|move 1/2 to 5"));
 }
 
 void TestMediaPanel::asksOnlyForWhatIsSeen()

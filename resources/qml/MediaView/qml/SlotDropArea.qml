@@ -1,7 +1,8 @@
 import QtQuick
 import ZTCommon 1.0
 
-// What is dragged over the slots: on a slot it points at that one, between two at the first room behind the left one.
+// What is dragged over the slots: on a slot it points at that one, on a place at its first number, between two slots at
+// the first room behind the left one.
 Item {
     id: area
 
@@ -15,15 +16,16 @@ Item {
     readonly property int lineRow: {
         if (aimed === null || !aimed.isPossible)
             return -1
-        const row = slotModel.rowFrom(aimed.first)
-        return slotModel.slotAt(row) === aimed.first ? -1 : row
+        return slotModel.rowHolding(aimed.first) >= 0 ? -1 : slotModel.rowFrom(aimed.first)
     }
 
     function slotUnder(x, y) {
-        const behind = row => mediaActions.roomBehind(slotModel.slotAt(row))
+        const behind = row => mediaActions.roomBehind(slotModel.numberBefore(row))
         const row = grid.indexAt(x - grid.x, y + grid.contentY)
         if (row < 0)
-            return behind(slotModel.count - 1)
+            return behind(grid.count - 1)
+        if (!slotModel.isSlotAt(row))
+            return slotModel.slotAt(row)
         const place = pane.isTable ? (y + grid.contentY) / grid.cellHeight - row
                                    : (x - grid.x) / grid.cellWidth - row % pane.columns
         const edge = pane.isTable ? 0.3 : 0.15
@@ -76,13 +78,13 @@ Item {
     Item {
         id: line
 
-        readonly property bool isBehind: area.lineRow >= slotModel.count
-        readonly property int row: isBehind ? slotModel.count - 1 : area.lineRow
+        readonly property bool isBehind: area.lineRow >= area.grid.count
+        readonly property int row: isBehind ? area.grid.count - 1 : area.lineRow
         readonly property int column: row % area.pane.columns
         readonly property int band: Math.floor(row / area.pane.columns)
 
         objectName: area.pane.objectName + "-drop-line"
-        visible: area.lineRow >= 0 && slotModel.count > 0
+        visible: area.lineRow >= 0 && area.grid.count > 0
         x: area.grid.x + (area.pane.isTable ? 0 : (column + (isBehind ? 1 : 0)) * area.grid.cellWidth)
         y: (band + (area.pane.isTable && isBehind ? 1 : 0)) * area.grid.cellHeight - area.grid.contentY
         width: area.pane.isTable ? area.grid.width : 0

@@ -3,7 +3,7 @@ import Tessen.Models 1.0
 import Tessen.Utils 1.0
 import ZTCommon 1.0
 
-// A slot: what it shows, and what is done with it.
+// A slot, or a place without media: what it shows, and what is done with it.
 Item {
     id: cell
 
@@ -17,32 +17,37 @@ Item {
     required property string faults
     required property bool isPlayable
     required property string file
-    required property int gap
+    required property int last
+    required property string place
+    required property string spoken
     property var pane: null
     readonly property bool isTable: !!pane && pane.isTable
     readonly property bool isSelected: !!pane && (pane.selection.revision, pane.selection.isRowSelected(index))
     readonly property bool isCurrent: !!pane && pane.selection.currentRow === index
     readonly property bool isRenaming: !!pane && pane.renamingSlot === slot
-    readonly property bool isAimed: !!pane && pane.aimed !== null && pane.aimed.isPossible && slot >= pane.aimed.first
+    readonly property bool isPlace: place !== ""
+    readonly property bool isAimed: !!pane && pane.aimed !== null && pane.aimed.isPossible && last >= pane.aimed.first
                                     && slot <= pane.aimed.last
     readonly property int collection: pane ? pane.slotModel.collection : -1
     readonly property string arriving: (mediaActions.arrivalsRevision, mediaActions.arriving(collection, slot))
     readonly property string why: arriving === "" ? faults : ""
-    readonly property bool isBehindGap: gap > 0 && mediaActions.isEditable
-    readonly property string room: !isBehindGap ? "" : gap === 1 ? qsTr("Free in front of it: %1").arg(slot - 1)
-                                 : qsTr("Free in front of it: %1 to %2").arg(slot - gap).arg(slot - 1)
-    readonly property string text: name // for who asks what the slot shows
+    // What a drop would take of it.
+    readonly property int aimedFirst: isAimed ? Math.max(slot, pane.aimed.first) : slot
+    readonly property int aimedLast: isAimed ? Math.min(last, pane.aimed.last) : last
+    readonly property string numbers: !isPlace || !isAimed || slot === last ? place
+                                    : aimedFirst === aimedLast ? aimedFirst : aimedFirst + " – " + aimedLast
+    readonly property string text: isPlace ? numbers + " " + name : name // for who asks what the slot shows
     readonly property bool isOnProgram: mediaState <= Media.ProgramStop
     readonly property bool isOnPreview: !isOnProgram && mediaState <= Media.PreviewStop
 
-    objectName: (pane && pane.panel.index > 0 ? pane.objectName + "-slot" : "media-slot") + slot
+    objectName: (pane && pane.panel.index > 0 ? pane.objectName + "-" : "media-") + (isPlace ? "place" : "slot") + slot
     width: GridView.view ? GridView.view.cellWidth : 0
     height: GridView.view ? GridView.view.cellHeight : 0
     Accessible.role: Accessible.ListItem
-    Accessible.name: qsTr("Slot %1, %2, %3").arg(slot).arg(name).arg(length)
-    Accessible.description: [isOnProgram ? qsTr("on program") : isOnPreview ? qsTr("on preview") : "", faults, room]
+    Accessible.name: isPlace ? spoken : qsTr("Slot %1, %2, %3").arg(slot).arg(name).arg(length)
+    Accessible.description: [isOnProgram ? qsTr("on program") : isOnPreview ? qsTr("on preview") : "", faults]
                                 .filter(part => part !== "").join(", ")
-    Accessible.selectable: true
+    Accessible.selectable: !isPlace
     Accessible.selected: isSelected
 
     SlotFace {
@@ -62,7 +67,7 @@ Item {
         isOnProgram: cell.isOnProgram
         isOnPreview: cell.isOnPreview
         arrived: cell.arriving !== "" ? (mediaActions.arrivalsRevision, mediaActions.arrivedPart(cell.collection, cell.slot)) : -1
-        isBehindGap: cell.isBehindGap
+        place: cell.numbers
         isAimed: cell.isAimed
         isSelected: cell.isSelected
         isCurrent: cell.isCurrent
@@ -86,7 +91,8 @@ Item {
         onContainsMouseChanged: {
             if (!containsMouse)
                 return toolTips.hide(cell)
-            const tip = (face.isNameCut() ? [cell.name] : []).concat([cell.why, cell.room].filter(part => part !== "")).join("\n")
+            const tip = cell.isPlace ? (mediaActions.isEditable ? mediaActions.placeHint : "")
+                                     : (face.isNameCut() ? [cell.name] : []).concat(cell.why !== "" ? [cell.why] : []).join("\n")
             if (tip !== "")
                 toolTips.show(cell, tip)
         }
@@ -121,7 +127,7 @@ Item {
                 cell.pane.selection.pick(cell.index, 0)
         }
         onDoubleClicked: (event) => {
-            if (event.button === Qt.LeftButton)
+            if (event.button === Qt.LeftButton && !cell.isPlace)
                 mediaActions.cue(cell.collection, cell.slot)
         }
     }

@@ -22,6 +22,9 @@ QtObject {
                || (event.modifiers & Qt.ControlModifier && [Qt.Key_A, Qt.Key_F, Qt.Key_Space, Qt.Key_W].indexOf(event.key) >= 0)
     }
 
+    // The last slot comes first, and what is free beyond it next.
+    function edge(row, slotRow) { return slotRow < 0 || slotRow === pane.selection.currentRow ? row : slotRow }
+
     function press(event) {
         const row = pane.selection.currentRow
         // Held down, none of them is meant twice.
@@ -34,6 +37,7 @@ QtObject {
             else if (action === "copy") pane.copySelected(false)
             else if (action === "cut") pane.copySelected(true)
             else if (action === "paste") pane.paste()
+            else if (action === "move_slots") pane.askMove()
             else if (action === "insert_media") pane.askPlaylist(grid.mapToItem(pane, 20, 20))
             else if (action === "delete") pane.clearSelected()
             else return false
@@ -52,8 +56,8 @@ QtObject {
         case Qt.Key_Right: pane.step(row + 1, event.modifiers); return true
         case Qt.Key_Up: if (row < 0 || row >= pane.columns) pane.step(row - pane.columns, event.modifiers); return true
         case Qt.Key_Down: pane.step(row + pane.columns, event.modifiers); return true
-        case Qt.Key_Home: pane.step(0, event.modifiers); return true
-        case Qt.Key_End: pane.step(grid.count - 1, event.modifiers); return true
+        case Qt.Key_Home: pane.step(edge(0, slotModel.nearestSlot(0, false)), event.modifiers); return true
+        case Qt.Key_End: pane.step(edge(grid.count - 1, slotModel.nearestSlot(grid.count - 1, true)), event.modifiers); return true
         case Qt.Key_PageUp: pane.step(row - page, event.modifiers); return true
         case Qt.Key_PageDown: pane.step(row + page, event.modifiers); return true
         case Qt.Key_F6: pane.view.stepPane(event.modifiers & Qt.ShiftModifier ? -1 : 1); return true

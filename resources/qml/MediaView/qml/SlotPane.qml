@@ -30,12 +30,14 @@ FocusScope {
     onActiveFocusChanged: if (activeFocus) collectionPanes.current = panel.index
     function takeFocus() { grid.forceActiveFocus() }
     function selectedSlots() { return slotModel.slotsAt(selection.rows()) }
+    // A place has nothing to be played or named.
+    readonly property bool isOnSlot: (selection.revision, slotModel.isSlotAt(selection.currentRow))
     function cueCurrent() {
-        if (selection.currentRow >= 0)
+        if (isOnSlot)
             mediaActions.cue(slotModel.collection, slotModel.slotAt(selection.currentRow))
     }
     function startRename() {
-        if (mediaActions.isEditable && selection.currentRow >= 0)
+        if (mediaActions.isEditable && isOnSlot)
             renamingSlot = slotModel.slotAt(selection.currentRow)
     }
     function finishRename(name) {
@@ -54,7 +56,11 @@ FocusScope {
     }
     function paste() {
         if (mediaActions.isEditable && slotModel.isThere)
-            mediaActions.paste(slotModel.collection, slotModel.slotAt(selection.currentRow >= 0 ? selection.currentRow : slotModel.count - 1))
+            mediaActions.paste(slotModel.collection, slotModel.numberBefore(selection.currentRow >= 0 ? selection.currentRow : grid.count - 1))
+    }
+    function askMove() {
+        if (mediaActions.isEditable && selection.selectedCount > 0)
+            mediaActions.askMove(slotModel.collection, selectedSlots())
     }
     readonly property bool canPoint: mediaActions.isEditable && String(slotDetails.shown.file) !== ""
     function point() {
@@ -73,9 +79,9 @@ FocusScope {
         saidTimer.restart()
     }
     function step(to, modifiers) {
-        if (slotModel.count === 0)
+        if (grid.count === 0)
             return
-        const row = Math.max(0, Math.min(slotModel.count - 1, to))
+        const row = Math.max(0, Math.min(grid.count - 1, to))
         if ((modifiers & Qt.ControlModifier) && !(modifiers & Qt.ShiftModifier))
             selection.moveTo(row)
         else
@@ -135,29 +141,6 @@ FocusScope {
         cacheBuffer: 0 // each slot that is not in view would be a picture all the same
         model: pane.slotModel
         delegate: SlotItem { pane: grid.parent }
-        footer: Item {
-            // Where what is dropped behind all others lands.
-            objectName: pane.objectName + "-place"
-            readonly property alias text: place.text // for who asks what it shows
-            width: grid.width
-            height: visible ? Theme.rowHeight + 2 * Theme.normal : 0
-            visible: slotModel.count > 0 && !pane.isFiltered && mediaActions.isEditable && slotModel.numberBehind > 0
-
-            Rectangle {
-                anchors { fill: parent; margins: Theme.tight; rightMargin: fontSizes.bar + Theme.tight }
-                color: "transparent"
-                radius: Theme.radius
-                border.width: 1
-                border.color: Theme.line
-            }
-            ZTLabel {
-                id: place
-
-                anchors { fill: parent; leftMargin: Theme.loose; rightMargin: fontSizes.bar + Theme.loose }
-                text: qsTr("%1  Drop files, folders or slots here").arg(slotModel.numberBehind)
-                color: Theme.faint
-            }
-        }
         Accessible.role: Accessible.List
         Accessible.name: qsTr("Slots")
         onActiveFocusChanged: if (activeFocus && selection.currentRow < 0 && count > 0) selection.moveTo(0)
@@ -219,7 +202,7 @@ FocusScope {
         anchors.centerIn: parent
         width: Math.min(parent.width - 2 * Theme.loose, Theme.scaled(380))
         spacing: Theme.loose
-        visible: slotModel.count === 0 && !drops.containsDrag
+        visible: grid.count === 0 && !drops.containsDrag
 
         ZTEmptyState {
             width: parent.width
@@ -266,7 +249,7 @@ FocusScope {
                 text: qsTr("Play on preview")
                 iconName: "mc_play"
                 keys: mediaActions.keysOf("cue")
-                enabled: mediaActions.isLive
+                enabled: mediaActions.isLive && pane.isOnSlot
                 onTriggered: pane.cueCurrent()
             }
             ZTMenuItem {
@@ -301,13 +284,20 @@ FocusScope {
                 enabled: mediaActions.isEditable
                 onTriggered: pane.paste()
             }
+            ZTMenuItem {
+                objectName: pane.objectName + "-menu-move"
+                text: qsTr("Move to ...")
+                keys: mediaActions.keysOf("move_slots")
+                enabled: mediaActions.isEditable && selection.selectedCount > 0
+                onTriggered: Qt.callLater(pane.askMove)
+            }
             ZTMenuSeparator {}
             ZTMenuItem {
                 objectName: pane.objectName + "-menu-rename"
                 text: qsTr("Rename")
                 iconName: "edit"
                 keys: mediaActions.keysOf("rename")
-                enabled: mediaActions.isEditable
+                enabled: mediaActions.isEditable && pane.isOnSlot
                 onTriggered: Qt.callLater(pane.startRename) // once the menu has given the keys back
             }
             ZTMenuItem {
@@ -322,7 +312,7 @@ FocusScope {
                 text: qsTr("Clear")
                 iconName: "trash"
                 keys: mediaActions.keysOf("delete")
-                enabled: mediaActions.isEditable
+                enabled: mediaActions.isEditable && selection.selectedCount > 0
                 onTriggered: pane.clearSelected()
             }
         }
