@@ -17,6 +17,7 @@
 #include "common/qml/notificationstyle.h"
 #include "common/qml/qmlthumbnailprovider.h"
 #include "common/qml/quickdialog.h"
+#include "common/qml/rowspeech.h"
 #include "common/qml/selectionmodel.h"
 #include "common/qml/tooltips.h"
 #include "common/session/session.h"
@@ -76,6 +77,7 @@ public:
         context->setContextProperty(QStringLiteral("homeLocationsPath"),
                                     LocalHomeLocations::instance()->homePath());
         context->setContextProperty(QStringLiteral("toolTips"), &toolTips);
+        context->setContextProperty(QStringLiteral("rowSpeech"), &rowSpeech);
         context->setContextProperty(QStringLiteral("notificationStyle"), &notificationStyle);
         context->setContextProperty(QStringLiteral("mediaIcons"), &mediaIcons);
         engine.addImageProvider(QStringLiteral("thumbnails"), new QmlThumbnailProvider);
@@ -87,6 +89,7 @@ public:
     ImplMediaCollectionManager commandCenter;
     DialogFactory dialogs;
     ToolTips toolTips;
+    RowSpeech rowSpeech;
     NotificationStyle notificationStyle;
     MediaIcons mediaIcons;
     QQmlEngine engine; // last: it goes before what its objects are

@@ -1,5 +1,6 @@
 #include "common/filesystem/models/filesmodel.h"
 #include "common/qml/qmlmanager.h"
+#include "common/qml/rowspeech.h"
 #include "common/qml/selectionmodel.h"
 #include "common/session/settings/configuration.h"
 #include "common/ui/clicktest/nameditem.h"
@@ -17,6 +18,7 @@
 #include "tests/support/threadwork.h"
 
 #include <QAbstractItemModelTester>
+#include <QAccessible>
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QQmlContext>
@@ -370,6 +372,40 @@ private Q_SLOTS:
         QVERIFY(longest < 16 * slowness);
         search.begin(&model, QStringLiteral("/shots/alone.png"), note);
         QTRY_COMPARE(found.last(), QStringLiteral("none"));
+    }
+
+    /// Arrows lead from row to row of views that keep the keyboard: each is told as it becomes current.
+    void rowsAreToldToWhoListens()
+    {
+        MediaMirror mirror(makeLibrary(2, 3));
+        mirror.edit([](MediaLibrary& library) { library.getCollection(1)->removeMediaSlot(2); });
+        MediaView view({.library = &mirror.model, .provider = &mirror.provider});
+        view.resize(1268, 600);
+        view.show();
+        QVERIFY(QTest::qWaitForWindowActive(&view));
+        QTRY_VERIFY(item(view, "media-slot3"));
+        QStringList told;
+        connect(view.quickWidget()
+                    ->rootContext()
+                    ->contextProperty(QStringLiteral("rowSpeech"))
+                    .value<RowSpeech*>(),
+                &RowSpeech::told, this, [&told](QQuickItem* row) {
+                    const QAccessibleInterface* spoken = QAccessible::queryAccessibleInterface(row);
+                    told.append(!spoken                   ? QStringLiteral("nothing")
+                                : spoken->state().focused ? spoken->text(QAccessible::Name)
+                                                          : QStringLiteral("not where the keys are"));
+                });
+        item(view, "media-slots-grid")->forceActiveFocus();
+        QTest::keyClick(view.quickWidget(), Qt::Key_Home);
+        QTRY_COMPARE(told.join(u'|'), QStringLiteral("Slot 1, c1s1, 00:00:10.000"));
+        for (const char* next : {"Slot 2, free", "Slot 3, c1s3, 00:00:10.000", "Slots 4 to 9999, free"}) {
+            QTest::keyClick(view.quickWidget(), Qt::Key_Right);
+            QTRY_COMPARE(told.last(), QLatin1String(next));
+        }
+        item(view, "media-collections")->forceActiveFocus();
+        QTRY_COMPARE(told.last(), QStringLiteral("Collection 1, Collection 1"));
+        QTest::keyClick(view.quickWidget(), Qt::Key_Down);
+        QTRY_COMPARE(told.last(), QStringLiteral("Collection 2, Collection 2"));
     }
 
     /// Nothing is wider than what holds it.

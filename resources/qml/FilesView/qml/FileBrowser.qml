@@ -274,6 +274,7 @@ FocusScope {
         focus: true
         activeFocusOnTab: true
         model: browser.model
+        currentRow: selection.currentRow
         delegate: FileRow { browser: list.browser }
         Accessible.role: Accessible.List
         Accessible.name: browser.isLocal ? qsTr("Local files") : qsTr("Server files")

@@ -121,6 +121,7 @@ ShrinkableFrame {
         anchors.fill: parent
         activeFocusOnTab: true
         model: collectionModel
+        currentRow: (panel.chosen, count, collectionModel.selectedRow())
         Accessible.role: Accessible.List
         Accessible.name: qsTr("Collections")
         delegate: Item {
@@ -143,6 +144,7 @@ ShrinkableFrame {
             Accessible.name: qsTr("Collection %1, %2").arg(collectionNumber).arg(editText)
             Accessible.selectable: true
             Accessible.selected: isChosen
+            Accessible.focused: isChosen && list.activeFocus
 
             Rectangle {
                 anchors { fill: parent; leftMargin: Theme.tight; rightMargin: fontSizes.bar }

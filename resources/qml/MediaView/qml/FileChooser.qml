@@ -153,6 +153,7 @@ T.Popup {
             activeFocusOnTab: true
             focus: true
             model: chooser.files
+            currentRow: chooser.row
             Accessible.role: Accessible.List
             Accessible.name: qsTr("Server files")
             delegate: FileChoiceRow { chooser: list.chooser }

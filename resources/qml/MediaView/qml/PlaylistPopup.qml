@@ -53,6 +53,7 @@ ZTPopup {
             anchors { left: parent.left; right: parent.right; top: title.bottom; bottom: parent.bottom; topMargin: Theme.tight }
             focus: true
             model: popup.lists
+            currentRow: popup.row
             Accessible.role: Accessible.List
             Accessible.name: title.text
             delegate: Item {
@@ -67,6 +68,9 @@ ZTPopup {
                 height: Theme.rowHeight
                 Accessible.role: Accessible.ListItem
                 Accessible.name: text
+                Accessible.selectable: true
+                Accessible.selected: popup.row === index
+                Accessible.focused: popup.row === index && list.activeFocus
 
                 Rectangle {
                     anchors { fill: parent; rightMargin: list.T.ScrollBar.vertical.visible ? fontSizes.bar : 0 }

@@ -44,11 +44,12 @@ Item {
     width: GridView.view ? GridView.view.cellWidth : 0
     height: GridView.view ? GridView.view.cellHeight : 0
     Accessible.role: Accessible.ListItem
-    Accessible.name: isPlace ? spoken : qsTr("Slot %1, %2, %3").arg(slot).arg(name).arg(length)
-    Accessible.description: [isOnProgram ? qsTr("on program") : isOnPreview ? qsTr("on preview") : "", faults]
+    Accessible.name: isPlace ? spoken : qsTr("Slot %1, %2, %3").arg(slot).arg(name).arg(arriving !== "" ? arriving : length)
+    Accessible.description: [isOnProgram ? qsTr("on program") : isOnPreview ? qsTr("on preview") : "", why]
                                 .filter(part => part !== "").join(", ")
     Accessible.selectable: !isPlace
     Accessible.selected: isSelected
+    Accessible.focused: isCurrent && pane.hasKeys
 
     SlotFace {
         id: face

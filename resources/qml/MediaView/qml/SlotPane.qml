@@ -100,6 +100,7 @@ FocusScope {
 
         rowModel: pane.slotModel
     }
+    readonly property ZTSpokenRow spoken: ZTSpokenRow { view: grid; row: selection.currentRow }
     Connections {
         target: pane.slotModel
 

@@ -5,6 +5,10 @@ import QtQuick.Templates as T
 ListView {
     id: list
 
+    // The row that the keys mean; -1 for none.
+    property int currentRow: currentIndex
+    readonly property ZTSpokenRow spoken: ZTSpokenRow { view: list; row: list.currentRow }
+
     clip: true
     boundsBehavior: Flickable.StopAtBounds
     reuseItems: true
