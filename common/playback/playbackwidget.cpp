@@ -165,6 +165,8 @@ void PlaybackWidget::nameChildren()
     for (QWidget* watched :
          std::initializer_list<QWidget*>{m_preview, m_timecodes, m_endpoints, m_durationEdit})
         keepUncovered(watched);
+    if (!isPreview())
+        neverCover(m_preview);
     m_notice->setObjectName(prefix + QStringLiteral("Notice"));
     m_hint->setObjectName(prefix + QStringLiteral("Hint"));
     m_timecodes->setObjectNames(prefix + QStringLiteral("PlaybackTimecodes"));

@@ -27,7 +27,7 @@ TakeButton::TakeButton(QWidget* parent)
     , m_takenLabel(new QLabel(m_label->text(), m_bar))
     , m_shadow(new QGraphicsDropShadowEffect(this))
 {
-    keepUncovered(this);
+    neverCover(this);
     setObjectName(QStringLiteral("Take"));
     setHotkeyTip(this, tr("Perform take"), {QStringLiteral("take")});
     setAccessibleName(tr("Take"));

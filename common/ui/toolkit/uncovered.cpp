@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <utility>
 
 namespace vantrel {
 
@@ -21,8 +22,13 @@ struct Part
     std::function<QRect()> rect;
 };
 
+struct Always
+{
+};
+
 struct Kept
 {
+    QList<QRect> always; // which are among the wholes too
     QList<QRect> wholes;
     QList<QRect> parts;
 };
@@ -37,8 +43,10 @@ Kept keptIn(const QWidget& window)
         const QVariant value = widget->property(property);
         const bool isPart = value.canConvert<Part>();
         const QRect rect = isPart ? value.value<Part>().rect() : widget->rect();
-        (isPart ? kept.parts : kept.wholes)
-            .append(QRect(widget->mapTo(&window, rect.topLeft()), rect.size()));
+        const QRect place(widget->mapTo(&window, rect.topLeft()), rect.size());
+        (isPart ? kept.parts : kept.wholes).append(place);
+        if (value.canConvert<Always>())
+            kept.always.append(place);
     }
     return kept;
 }
@@ -48,7 +56,42 @@ bool coversAny(const QRect& place, const QList<QRect>& rects)
     return std::ranges::any_of(rects, [&place](const QRect& one) { return one.intersects(place); });
 }
 
+int coveredOf(const QRect& place, const QList<QRect>& rects)
+{
+    int pixels = 0;
+    for (const QRect& one : rects) {
+        const QRect covered = one & place;
+        pixels += covered.isEmpty() ? 0 : covered.width() * covered.height();
+    }
+    return pixels;
+}
+
+/// Wherever it lies there, it lies over something; the first is taken where no other is better.
+QPoint placeOfLeastHarm(const Kept& kept, const QRect& first, const QList<int>& heights, int right)
+{
+    const auto harmOf = [&kept](const QRect& place) {
+        return std::pair(coveredOf(place, kept.always), coveredOf(place, kept.wholes));
+    };
+    QRect best = first;
+    auto least = harmOf(first);
+    for (const int y : heights) {
+        for (int x = right; x >= std::min(right, spacing::normal); x -= step) {
+            const QRect place(QPoint(x, y), first.size());
+            if (const auto harm = harmOf(place); harm < least) {
+                least = harm;
+                best = place;
+            }
+        }
+    }
+    return best.topLeft();
+}
+
 } // namespace
+
+void neverCover(QWidget* widget)
+{
+    widget->setProperty(property, QVariant::fromValue(Always()));
+}
 
 void keepUncovered(QWidget* widget)
 {
@@ -87,7 +130,8 @@ QPoint uncoveredPlace(const QWidget& window, const QSize& size, int bottom)
             overParts = overParts.value_or(place.topLeft());
         }
     }
-    return overParts.value_or(QPoint(middle, lowest));
+    return overParts ? *overParts
+                     : placeOfLeastHarm(kept, QRect(QPoint(middle, lowest), size), heights, right);
 }
 
 } // namespace vantrel

@@ -14,7 +14,9 @@
 #include "common/ui/style/colors.h"
 #include "common/ui/style/stylesheet.h"
 #include "common/ui/timecode/timecodedisplay.h"
+#include "common/ui/toolkit/uncovered.h"
 #include "common/ui/toolkit/ztlabel.h"
+#include "common/ui/toolkit/ztsplitter.h"
 #include "tests/common/playback/playerfixture.h"
 
 #include <QApplication>
@@ -29,6 +31,9 @@
 #include <QScrollBar>
 #include <QStackedWidget>
 #include <QStyleOptionButton>
+
+#include <array>
+#include <cmath>
 
 using namespace vantrel;
 using namespace vantrel::test;
@@ -205,6 +210,57 @@ private Q_SLOTS:
     }
 
     /// What is on preview is marked in one green, on every page and in everything that is drawn.
+    /// However the window is divided, a message finds a place beside TAKE and the picture on air.
+    void messagesLeaveWhatIsOnAirFree_data()
+    {
+        QTest::addColumn<QString>("tab");
+        for (const char* tab : {"player", "media", "outputs"})
+            QTest::newRow(tab) << QString::fromLatin1(tab);
+    }
+    void messagesLeaveWhatIsOnAirFree()
+    {
+        QFETCH(QString, tab);
+        auto* button =
+            m_window->findChild<QAbstractButton*>(QStringLiteral("MainNavigationBar-%1-button").arg(tab));
+        button->click();
+        for (const int text : {0, 1, 3}) {
+            const QSize window = text == 1 ? QSize(960, 540) : QSize(1280, 720);
+            show(text, window, 1);
+            QList<ZTSplitter*> splitters = m_window->findChildren<ZTSplitter*>();
+            splitters.removeIf([](const ZTSplitter* each) { return !each->isVisible(); });
+            const auto divisions = static_cast<int>(std::pow(3, splitters.size()));
+            for (int division = 0; division < divisions; ++division) {
+                int rest = division;
+                for (ZTSplitter* splitter : splitters) {
+                    static constexpr std::array shares{10, 50, 90};
+                    const int share = shares.at(static_cast<std::size_t>(rest % 3));
+                    rest /= 3;
+                    QList<int> sizes(splitter->count(), (100 - share) * 10);
+                    sizes[0] = share * 10;
+                    splitter->setSizes(sizes);
+                }
+                QCoreApplication::sendPostedEvents();
+                for (const QSize size : {QSize(320, 80), QSize(window.width() / 2, 120),
+                                         QSize(window.width() / 2, window.height() / 3)}) {
+                    const QRect place(uncoveredPlace(*m_window, size, m_window->height() - 30), size);
+                    for (const char* name :
+                         {"TakeControls-Take-Button", "Program-PlaybackWidget-PreviewWidget"}) {
+                        const auto* watched = m_window->findChild<QWidget*>(QLatin1String(name));
+                        const QRect box(watched->mapTo(m_window.get(), QPoint()), watched->size());
+                        QVERIFY2(!watched->isVisible() || !box.intersects(place),
+                                 qPrintable(QStringLiteral("%1 below %2x%3, text %4, division %5")
+                                                .arg(QLatin1String(name))
+                                                .arg(size.width())
+                                                .arg(size.height())
+                                                .arg(text)
+                                                .arg(division)));
+                    }
+                }
+            }
+        }
+        m_window->findChild<QAbstractButton*>(QStringLiteral("MainNavigationBar-player-button"))->click();
+    }
+
     void previewHasOneGreen()
     {
         show(1, {1600, 1000}, 1);

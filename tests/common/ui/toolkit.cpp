@@ -122,6 +122,22 @@ private Q_SLOTS:
         QTEST(uncoveredPlace(window, QSize(100, 20), 280), "place");
     }
 
+    /// Where all is watched, what is on air is covered last.
+    void popupsDoLeastHarm()
+    {
+        QWidget window;
+        window.resize(400, 300);
+        QWidget all(&window);
+        all.setGeometry(0, 0, 400, 300);
+        keepUncovered(&all);
+        QWidget onAir(&all);
+        onAir.setGeometry(130, 20, 270, 280);
+        neverCover(&onAir);
+        window.show();
+        for (const QSize size : {QSize(100, 20), QSize(200, 12)})
+            QVERIFY(!onAir.geometry().intersects(QRect(uncoveredPlace(window, size, 280), size)));
+    }
+
     /// Also what only moves along with what it lies in.
     void whatMovesUnderAPopupIsTold()
     {
