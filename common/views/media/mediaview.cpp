@@ -98,12 +98,13 @@ void MediaView::setContext()
     QQmlContext* context = m_view->rootContext();
     context->setContextProperty(QStringLiteral("collectionModel"),
                                 new SortedCollectionSelectorModel(m_collections, this));
-    context->setContextProperty(QStringLiteral("sortedMediaLibraryModel"),
-                                new SortedLibraryModel(m_sources.library, this));
     context->setContextProperty(QStringLiteral("collectionPanes"), m_panes);
     auto* actions = new MediaActions(m_view, m_sources.library, m_sources.session, m_view);
     connect(actions, &MediaActions::connectRequested, this, &MediaView::connectRequested);
     context->setContextProperty(QStringLiteral("mediaActions"), actions);
+    // Views that are put in the place of ours find the library and the ways into it by these names.
+    context->setContextProperty(QStringLiteral("sortedMediaLibraryModel"),
+                                new SortedLibraryModel(m_sources.library, this));
     context->setContextProperty(QStringLiteral("imageSequences"), actions->drops()->creator());
     context->setContextProperty(QStringLiteral("mediaSlotDropHandler"), actions->drops()->handler());
     Session* session = m_sources.session;
