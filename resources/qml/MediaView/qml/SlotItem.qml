@@ -32,10 +32,8 @@ Item {
     readonly property string arriving: (mediaActions.arrivalsRevision, mediaActions.arriving(collection, slot))
     readonly property string why: arriving === "" ? faults : ""
     // What a drop would take of it.
-    readonly property int aimedFirst: isAimed ? Math.max(slot, pane.aimed.first) : slot
-    readonly property int aimedLast: isAimed ? Math.min(last, pane.aimed.last) : last
-    readonly property string numbers: !isPlace || !isAimed || slot === last ? place
-                                    : aimedFirst === aimedLast ? aimedFirst : aimedFirst + " – " + aimedLast
+    readonly property string numbers: isPlace && isAimed ? pane.numbersOf(Math.max(slot, pane.aimed.first), Math.min(last, pane.aimed.last))
+                                                         : place
     readonly property string text: isPlace ? numbers + " " + name : name // for who asks what the slot shows
     readonly property bool isOnProgram: mediaState <= Media.ProgramStop
     readonly property bool isOnPreview: !isOnProgram && mediaState <= Media.PreviewStop

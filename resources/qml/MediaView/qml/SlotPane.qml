@@ -28,6 +28,7 @@ FocusScope {
     property var aimed: null
 
     onActiveFocusChanged: if (activeFocus) collectionPanes.current = panel.index
+    function numbersOf(first, last) { return first === last ? String(first) : first + " – " + last }
     function takeFocus() { grid.forceActiveFocus() }
     function selectedSlots() { return slotModel.slotsAt(selection.rows()) }
     // A place has nothing to be played or named.
