@@ -82,4 +82,12 @@ void QuickView::focusInEvent(QFocusEvent* event)
         item->forceActiveFocus(event->reason());
 }
 
+/// The release of a press that became a drag, and opened another page, goes there: none is waited for.
+void QuickView::hideEvent(QHideEvent* event)
+{
+    QQuickWidget::hideEvent(event);
+    if (QQuickItem* pressed = quickWindow()->mouseGrabberItem())
+        pressed->ungrabMouse();
+}
+
 } // namespace vantrel

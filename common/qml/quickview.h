@@ -23,6 +23,7 @@ protected:
 
     bool focusNextPrevChild(bool next) override;
     void focusInEvent(QFocusEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
 
 private:
     void onSceneGraphError(QQuickWindow::SceneGraphError error, const QString& message);
