@@ -92,7 +92,12 @@ bool SlotListView::viewportEvent(QEvent* event)
 {
     if (event->type() == QEvent::ToolTip) {
         auto* help = static_cast<QHelpEvent*>(event);
-        const QString text = indexAt(help->pos()).data(Qt::ToolTipRole).toString();
+        const QModelIndex index = indexAt(help->pos());
+        const QString text = index.data(Qt::ToolTipRole).toString();
+        if (index.isValid() && isPlace(index.row())) {
+            QToolTip::showText(help->globalPos(), text, this);
+            return true;
+        }
         const QString keys = tr("Double-click or %1: cue it on preview. %2: add it to the playlist")
                                  .arg(keyText(Hotkeys::current(QStringLiteral("cue"))),
                                       keyText(Hotkeys::current(QStringLiteral("insert_media"))));

@@ -36,7 +36,7 @@ Item {
     Accessible.description: faults
     Accessible.selectable: true
     Accessible.selected: isSelected
-    Accessible.focused: isCurrent && ListView.view.activeFocus
+    Accessible.focused: isCurrent && !!ListView.view && ListView.view.activeFocus
 
     Rectangle {
         anchors { fill: parent; leftMargin: Theme.tight; rightMargin: fontSizes.bar }

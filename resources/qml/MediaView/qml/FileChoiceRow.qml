@@ -19,7 +19,7 @@ Item {
                                        : qsTr("%1, %2").arg(model.shownName).arg(model.sizeText)
     Accessible.selectable: true
     Accessible.selected: isCurrent
-    Accessible.focused: isCurrent && ListView.view.activeFocus
+    Accessible.focused: isCurrent && !!ListView.view && ListView.view.activeFocus
 
     Rectangle {
         anchors { fill: parent; leftMargin: 2; rightMargin: fontSizes.bar; topMargin: 1; bottomMargin: 1 }
