@@ -181,6 +181,17 @@ void MediaTabTools::slotsAreDroppedOnTheFreePlace()
     m_robot.key(QStringLiteral("CtrlZ"));
     QTRY_VERIFY(m_server.slot(1, 5).isEmpty());
     QTRY_COMPARE(played(), (QStringList{QStringLiteral("1"), QStringLiteral("2")}));
+    // And to a number in the midst of it.
+    QVERIFY(m_robot.click(QStringLiteral("media-slot1")));
+    m_robot.key(QStringLiteral("Ctrl+M"));
+    QVERIFY(!m_robot.waitFor(QStringLiteral("MoveSlots-input-0")).isEmpty());
+    m_robot.type(QStringLiteral("12"));
+    m_robot.key(QStringLiteral("Return"));
+    QTRY_VERIFY(!m_server.slot(1, 12).isEmpty());
+    QTRY_COMPARE(played(), (QStringList{QStringLiteral("12"), QStringLiteral("2")}));
+    QTRY_VERIFY(m_robot.text(QStringLiteral("media-place5")).startsWith(QStringLiteral("5 – 11")));
+    m_robot.key(QStringLiteral("CtrlZ"));
+    QTRY_COMPARE(shown(), QStringLiteral("1 2 3 4"));
 }
 
 void MediaTabTools::endsCleanly()
