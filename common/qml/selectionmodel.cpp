@@ -35,6 +35,7 @@ void SelectionModel::follow(QAbstractItemModel* model)
     // Behind those of the base class, which takes the selection away when a model begins anew.
     connect(model, &QAbstractItemModel::modelAboutToBeReset, this, &SelectionModel::keepNames);
     connect(model, &QAbstractItemModel::modelReset, this, &SelectionModel::restoreNames);
+    connect(model, &QAbstractItemModel::dataChanged, this, [this] { m_rows.reset(); });
     connect(model, &QAbstractItemModel::rowsInserted, this, &SelectionModel::touch);
     connect(model, &QAbstractItemModel::rowsRemoved, this, &SelectionModel::touch);
     connect(model, &QObject::destroyed, this, [this, model] {
@@ -47,6 +48,7 @@ void SelectionModel::follow(QAbstractItemModel* model)
 
 void SelectionModel::touch()
 {
+    m_rows.reset();
     ++m_revision;
     Q_EMIT revisionChanged();
 }
@@ -73,6 +75,13 @@ bool SelectionModel::isRowSelected(int row) const
 }
 
 QList<int> SelectionModel::rows() const
+{
+    if (!m_rows)
+        m_rows = readRows();
+    return *m_rows;
+}
+
+QList<int> SelectionModel::readRows() const
 {
     QList<int> all;
     for (const QItemSelectionRange& range : selection()) {

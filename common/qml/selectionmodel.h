@@ -4,6 +4,8 @@
 #include <QList>
 #include <QSet>
 
+#include <optional>
+
 namespace vantrel {
 
 /// What is selected in a declarative list, by mouse and keyboard as any list has it. A model that begins anew
@@ -48,12 +50,14 @@ private:
     void touch();
     QModelIndex at(int row) const;
     bool isSelectable(int row) const;
+    QList<int> readRows() const;
 
     QAbstractItemModel* m_rowModel = nullptr;
     int m_anchor = -1; // where a range begins
     int m_revision = 0;
     QSet<QString> m_names;
     QString m_currentName;
+    mutable std::optional<QList<int>> m_rows; // worked out once for each change, of thousands
 };
 
 } // namespace vantrel
