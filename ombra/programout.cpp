@@ -90,10 +90,13 @@ void ProgramOut::followTestCard()
         return;
     const bool isIdle = propertyOf<std::string>(program, "media").empty() &&
                         propertyOf<std::string>(program, "heldMedia").empty();
-    if (!isIdle)
-        m_outputs.endIdentify();
-    const VideoOutput* output = m_outputs.identified();
-    m_display->setTestCard(output ? std::optional(TestCard{output->number(), output->name()}) : std::nullopt);
+    const int shown = m_outputs.outputOf(Outputs::programMapping);
+    if (!isIdle && shown >= 0)
+        m_outputs.at(shown).endIdentify();
+    const bool isCard = shown >= 0 && m_outputs.at(shown).isIdentified();
+    m_display->setTestCard(
+        isCard ? std::optional(TestCard{m_outputs.at(shown).number(), m_outputs.at(shown).name()})
+               : std::nullopt);
 }
 
 /// Sound goes to the device of the machine that stands for what program's sound is set to.
@@ -113,11 +116,14 @@ void ProgramOut::tellFigures()
 {
     if (m_display) {
         const Display::Figures figures = m_display->figures();
-        m_outputs.tellScreen({.rate = figures.isOpen ? figures.rate : 0,
-                              .dropped = figures.dropped,
-                              .late = figures.late,
-                              .decodeLoad = figures.isOpen ? figures.decodeLoad : 0,
-                              .bySoftware = figures.isOpen && figures.bySoftware});
+        const ScreenFigures lately{.rate = figures.isOpen ? figures.rate : 0,
+                                   .dropped = m_dropped.grown(figures.dropped),
+                                   .late = m_late.grown(figures.late),
+                                   .decodeLoad = figures.isOpen ? figures.decodeLoad : 0,
+                                   .bySoftware = figures.isOpen && figures.bySoftware};
+        const int shown = m_outputs.outputOf(Outputs::programMapping);
+        for (int i = 0; i < m_outputs.count(); ++i)
+            m_outputs.at(i).tellScreen(i == shown ? lately : ScreenFigures{});
         followTestCard(); // program may have got its medium by itself
     }
     followSoundDevice();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ombra/outputs/screenfigures.h"
 #include "tarn/scene/scene.h"
 
 #include <memory>
@@ -43,6 +44,7 @@ private:
     Outputs& m_outputs;
     NoticeBoard& m_notices;
     std::unique_ptr<Display> m_display;
+    LastMinute m_dropped, m_late;
     std::unique_ptr<SoundOut> m_sound;
 };
 

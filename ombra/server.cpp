@@ -2,6 +2,7 @@
 
 #include "ombra/announcement.h"
 #include "ombra/base/version.h"
+#include "ombra/display/machineoutputs.h"
 #include "ombra/engine/engine.h"
 #include "ombra/ftp/ftpservice.h"
 #include "ombra/link/linkserver.h"
@@ -39,6 +40,7 @@ namespace vantrel::ombra {
 
 namespace {
 
+constexpr auto machinePatience = std::chrono::seconds(2); // with a desktop that is busy when it starts
 constexpr auto probeBudget = std::chrono::seconds(3); // of a first start; the rest follows while it serves
 
 /// Probes slots whose media nobody has looked at yet, until the time is over.
@@ -145,8 +147,7 @@ bool Server::openShow(std::string* error)
     };
     if (!m_store->open(makeInitial, error))
         return false;
-    m_outputs = std::make_unique<Outputs>(*m_scene);
-    m_outputs->build();
+    buildOutputs();
     m_notices = std::make_unique<NoticeBoard>(*m_scene);
     m_notices->set("show", m_store->loadNotice());
     m_store->setTroubleListener([this](const std::string& sentence) {
@@ -171,6 +172,25 @@ bool Server::openShow(std::string* error)
     m_showFiles->setTroubleListener(
         [this](const std::string& sentence) { m_notices->set("show file", sentence); });
     return true;
+}
+
+/// A full screen is one of the machine's own; what is known of them comes before what was kept of them.
+void Server::buildOutputs()
+{
+    const bool isReal = m_options.screen == ServerOptions::Screen::Full;
+    m_outputs = std::make_unique<Outputs>(*m_scene, isReal ? Outputs::Kind::Real : Outputs::Kind::Simulated);
+    m_outputs->build();
+    if (!isReal)
+        return;
+    m_machine = std::make_unique<MachineOutputs>();
+    m_machine->setListener([this](const MachineOutputs::Connectors& connectors) {
+        boost::asio::post(m_io, [this, connectors] {
+            m_outputs->follow(connectors);
+            if (m_out)
+                m_out->follow();
+        });
+    });
+    m_outputs->follow(m_machine->first(machinePatience));
 }
 
 bool Server::openPorts(std::string* error)

@@ -29,6 +29,7 @@ class EventTeller;
 class FtpService;
 class HttpServer;
 class LinkServer;
+class MachineOutputs;
 class MediaData;
 class NoticeBoard;
 class Outputs;
@@ -81,6 +82,7 @@ public:
 
 private:
     bool openShow(std::string* error);
+    void buildOutputs();
     bool openPorts(std::string* error);
     bool openFiles(std::string* error);
     void startEngine();
@@ -101,6 +103,7 @@ private:
     std::unique_ptr<NoticeBoard> m_notices;
     std::unique_ptr<ShowStore> m_store;
     std::unique_ptr<Outputs> m_outputs;
+    std::unique_ptr<MachineOutputs> m_machine; // where it has screens of its own
     std::unique_ptr<SceneSettings> m_settings;
     std::unique_ptr<CurrentShow> m_currentShow;
     std::unique_ptr<ShowFiles> m_showFiles;

@@ -21,10 +21,13 @@ int tellError(::Display*, XErrorEvent* event)
     return 0;
 }
 
-void noteLoss(::Display*, void* mark)
+void noteLoss(::Display*, void* of)
 {
-    if (static_cast<std::atomic<bool>*>(mark)->exchange(true))
+    auto* connection = static_cast<DesktopConnection*>(of);
+    if (connection->isLost.exchange(true))
         return;
+    if (!connection->farewell.empty())
+        Log::write(LogLevel::Warning, "vantrel.display", connection->farewell);
     // At the end of the process OpenGL would take leave of the connection, whose lock nobody gives back.
     ::on_exit(
         [](int status, void*) {
@@ -36,15 +39,19 @@ void noteLoss(::Display*, void* mark)
 
 } // namespace
 
-void surviveLoss(SDL_Window* window, std::atomic<bool>& isLost)
+void surviveLoss(_XDisplay* display, DesktopConnection& connection)
+{
+    XSetErrorHandler(tellError);
+    XSetIOErrorHandler([](::Display*) { return 0; });
+    XSetIOErrorExitHandler(display, noteLoss, &connection);
+}
+
+void surviveLoss(SDL_Window* window, DesktopConnection& connection)
 {
     SDL_SysWMinfo info;
     SDL_VERSION(&info.version);
-    if (!SDL_GetWindowWMInfo(window, &info) || info.subsystem != SDL_SYSWM_X11)
-        return;
-    XSetErrorHandler(tellError);
-    XSetIOErrorHandler([](::Display*) { return 0; });
-    XSetIOErrorExitHandler(info.info.x11.display, noteLoss, &isLost);
+    if (SDL_GetWindowWMInfo(window, &info) && info.subsystem == SDL_SYSWM_X11)
+        surviveLoss(info.info.x11.display, connection);
 }
 
 } // namespace vantrel::ombra

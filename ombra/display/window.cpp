@@ -1,7 +1,6 @@
 #include "ombra/display/window.h"
 
 #include "ombra/base/fail.h"
-#include "ombra/display/connectionloss.h"
 
 #include <SDL.h>
 #include <SDL_opengl.h>
@@ -77,7 +76,7 @@ bool Display::Window::create(Kind kind, int screen, bool isOnlyThis, const std::
     m_context = m_window ? SDL_GL_CreateContext(m_window) : nullptr;
     if (!m_context)
         return fail(error, SDL_GetError());
-    surviveLoss(m_window, m_isLost);
+    surviveLoss(m_window, m_connection);
     m_renderer = rendererName();
     m_isSoftware =
         m_renderer.find("llvmpipe") != std::string::npos || m_renderer.find("softpipe") != std::string::npos;
@@ -97,7 +96,7 @@ bool Display::Window::create(Kind kind, int screen, bool isOnlyThis, const std::
 
 Display::Window::~Window()
 {
-    if (m_isLost) { // SDL would wait for ever for what a desktop says to the end of a window
+    if (m_connection.isLost) { // SDL would wait for ever for what a desktop says to the end of a window
         std::ignore = m_painter.release();
         return;
     }
@@ -158,9 +157,9 @@ Display::Fate Display::Window::handleEvents()
         if (isOtherScreen && !m_isWindow)
             fate = Fate::Moved;
         if (event.type == SDL_QUIT)
-            m_isLost = true;
+            m_connection.isLost = true;
     }
-    return m_isLost ? Fate::Lost : fate;
+    return m_connection.isLost ? Fate::Lost : fate;
 }
 
 std::string Display::Window::description() const

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "ombra/display/connectionloss.h"
 #include "ombra/display/display.h"
 
-#include <atomic>
 #include <memory>
 #include <string>
 
@@ -45,7 +45,7 @@ private:
     bool m_isSoftware = false;
     bool m_givesBeat = false;
     bool m_isExposed = true;
-    std::atomic<bool> m_isLost{false};
+    DesktopConnection m_connection;
     int m_screen = 0;
     double m_rate = 60;
     std::string m_renderer;

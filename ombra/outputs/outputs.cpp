@@ -1,6 +1,7 @@
 #include "ombra/outputs/outputs.h"
 
 #include "ombra/base/fail.h"
+#include "ombra/outputs/connectorchoice.h"
 #include "ombra/outputs/displayedid.h"
 #include "ombra/outputs/sceneaccess.h"
 #include "ombra/outputs/videooutput.h"
@@ -15,8 +16,7 @@ namespace vantrel::ombra {
 
 namespace {
 
-constexpr std::array outputNames = {"DP-1", "DP-2"};
-constexpr int programMapping = 1;
+constexpr std::array simulatedNames = {"DP-1", "DP-2"};
 constexpr int fullHd50 = 31; // its video code
 
 /// What stands beside the operator.
@@ -49,10 +49,10 @@ DisplayTraits wall()
             .videoCodes = {31, 16, 34, 33, 32, 20, 5, 19, 4, 97, 96, 95, 94, 93, 64, 63, 1}};
 }
 
-Json mapping(std::size_t index)
+Json mappingJson(std::size_t index)
 {
     return Json::object(
-        {{"type", "GpuMapping"}, {"properties", Json::object({{"target", outputNames[index]}})}});
+        {{"type", "GpuMapping"}, {"properties", Json::object({{"target", simulatedNames[index]}})}});
 }
 
 Json playback()
@@ -63,11 +63,15 @@ Json playback()
 
 } // namespace
 
-Outputs::Outputs(Scene& scene)
+Outputs::Outputs(Scene& scene, Kind kind)
     : m_scene(scene)
+    , m_kind(kind)
 {
-    for (int i = 0; i < static_cast<int>(outputNames.size()); ++i)
-        m_outputs.push_back(std::make_unique<VideoOutput>(scene, i, outputNames[std::size_t(i)], ownEdid(i)));
+    for (int i = 0; i < static_cast<int>(simulatedNames.size()); ++i)
+        m_outputs.push_back(std::make_unique<VideoOutput>(
+            scene, i, simulatedNames[static_cast<std::size_t>(i)],
+            kind == Kind::Simulated ? std::optional(ownEdid(i)) : std::nullopt));
+    m_wanted = names();
 }
 
 Outputs::~Outputs() = default;
@@ -85,7 +89,7 @@ void Outputs::build()
                              {"properties", Json::object({{"name", "Channel 1"}})},
                              {"preview", playback()},
                              {"program", playback()},
-                             {"mappings", Json::array({mapping(0), mapping(1)})}});
+                             {"mappings", Json::array({mappingJson(0), mappingJson(1)})}});
     patch.append(op);
     op.path = Path("/device/system/gpus/0");
     op.value = Json::object(
@@ -109,10 +113,12 @@ void Outputs::resetMappings()
     Object* mappings = m_scene.findObject("/device/channels/0/mappings");
     for (int i = 0; mappings && i < mappings->childCount(); ++i) {
         Object* one = mappings->childAt(i);
-        setProperty(m_scene, one, "target", std::string(outputNames[static_cast<std::size_t>(i) % 2]));
         setProperty(m_scene, one, "defaultScaleMode", ScaleMode::Fit);
         setProperty(m_scene, one, "backgroundColor", ColorValue{});
     }
+    m_wanted = names();
+    m_isChosen = false;
+    showTargets();
 }
 
 std::optional<bool> Outputs::invoke(PathView methodPath, const Json& args, std::string* error)
@@ -122,7 +128,7 @@ std::optional<bool> Outputs::invoke(PathView methodPath, const Json& args, std::
         return std::nullopt;
     const std::string type = at.deref()->getTypeName();
     const std::string method = at.method()->name;
-    if (VideoOutput* output = outputOf(at.deref()))
+    if (VideoOutput* output = videoOutput(at.deref()))
         return output->invoke(method, args, isOnAir(*output), error);
     if (type == "GpuMapping")
         return invokeMapping(at.deref(), method, args, error);
@@ -137,30 +143,122 @@ std::optional<bool> Outputs::invoke(PathView methodPath, const Json& args, std::
     return std::nullopt;
 }
 
-VideoOutput* Outputs::outputOf(const Object* object) const
+VideoOutput* Outputs::videoOutput(const Object* object) const
 {
     if (object->getTypeName() != "Output")
         return nullptr;
-    const std::string name = propertyOf<std::string>(object, "name");
-    for (const auto& output : m_outputs) {
-        if (output->name() == name)
-            return output.get();
-    }
-    return nullptr;
+    const int index = outputNamed(propertyOf<std::string>(object, "name"));
+    return index < 0 ? nullptr : m_outputs[static_cast<std::size_t>(index)].get();
+}
+
+int Outputs::outputNamed(const std::string& name) const
+{
+    const auto found = std::ranges::find_if(m_outputs, [&](const auto& one) { return one->name() == name; });
+    return found == m_outputs.end() ? -1 : static_cast<int>(found - m_outputs.begin());
+}
+
+std::array<std::string, 2> Outputs::names() const
+{
+    return {m_outputs[0]->name(), m_outputs[1]->name()};
+}
+
+Object* Outputs::mapping(int index) const
+{
+    return m_scene.findObject("/device/channels/0/mappings/" + std::to_string(index));
+}
+
+int Outputs::outputOf(int index) const
+{
+    const Object* object = mapping(index);
+    return object ? outputNamed(propertyOf<std::string>(object, "target")) : -1;
 }
 
 /// Whether an output shows the program.
 bool Outputs::isOnAir(const VideoOutput& output) const
 {
-    const Object* mappings = m_scene.findObject("/device/channels/0/mappings");
-    return mappings && mappings->childCount() > programMapping &&
-           propertyOf<std::string>(mappings->childAt(programMapping), "target") == output.name();
+    return outputOf(programMapping) == outputNamed(output.name());
+}
+
+void Outputs::follow(const std::vector<Connector>& machine)
+{
+    const std::array<std::string, 2> before = names();
+    std::vector<HeldConnector> held;
+    for (const auto& output : m_outputs)
+        held.push_back(output->held());
+    const auto chosen = chooseConnectors(held, machine);
+    for (std::size_t i = 0; i < chosen.size(); ++i) {
+        if (chosen[i])
+            m_outputs[i]->follow(*chosen[i]);
+        else
+            m_outputs[i]->pulled();
+    }
+    for (std::string& wanted : m_wanted) {
+        const auto was = std::ranges::find(before, wanted);
+        if (was != before.end())
+            wanted = names()[static_cast<std::size_t>(was - before.begin())];
+    }
+    showTargets();
+}
+
+/// The outputs that the mappings have: those that are wanted. Where this machine has none of that name the
+/// number of the mapping decides, and the only display that there is shows program until program's own
+/// output has had one: what is unplugged later does not send program over the operator's screen.
+std::array<int, 2> Outputs::targets() const
+{
+    std::array<int, 2> found = {outputNamed(m_wanted[0]), outputNamed(m_wanted[1])};
+    if (found[0] < 0 && found[1] < 0)
+        found = {0, 1};
+    else if (found[0] < 0 || found[0] == found[1])
+        found[0] = 1 - found[1];
+    else if (found[1] < 0)
+        found[1] = 1 - found[0];
+    const auto of = [this](int output) -> const VideoOutput& { return *m_outputs[std::size_t(output)]; };
+    if (m_kind == Kind::Real && !m_isChosen && found[0] != found[1] && !of(found[1]).hasHadDisplay() &&
+        of(found[0]).isConnected())
+        std::swap(found[0], found[1]);
+    return found;
+}
+
+/// What only stands in for another output is marked as such, and not kept.
+void Outputs::showTargets()
+{
+    const std::array<int, 2> found = targets();
+    for (std::size_t i = 0; i < found.size(); ++i) {
+        Object* object = mapping(static_cast<int>(i));
+        const std::string& name = m_outputs[static_cast<std::size_t>(found[i])]->name();
+        const bool standsIn = name != m_wanted[i];
+        if (!object)
+            return;
+        if (standsIn)
+            setProperty(m_scene, object, "standsIn", true);
+        setProperty(m_scene, object, "target", name);
+        setProperty(m_scene, object, "standsIn", standsIn);
+    }
+}
+
+/// Each mapping has an output of its own. A show may come from another machine; what a client writes has to
+/// be an output of this one, and the mapping that had it takes the other one.
+void Outputs::targetWritten(int index, bool isByClient)
+{
+    const std::string name = propertyOf<std::string>(mapping(index), "target");
+    const int output = outputNamed(name);
+    if (output >= 0 && isByClient) { // what stood in is chosen now
+        m_wanted[static_cast<std::size_t>(index)] = name;
+        m_wanted[static_cast<std::size_t>(1 - index)] = names()[static_cast<std::size_t>(1 - output)];
+        m_isChosen = true;
+    } else if (!isByClient) {
+        m_wanted[static_cast<std::size_t>(index)] = name;
+        m_isChosen = false;
+    }
+    showTargets();
 }
 
 bool Outputs::plug(int output, const std::string& edid, std::string* error)
 {
     if (output < 0 || static_cast<std::size_t>(output) >= m_outputs.size())
         return fail(error, "there is no such output");
+    if (m_kind == Kind::Real)
+        return fail(error, "the outputs are those of the machine: plug a display in there");
     return m_outputs[static_cast<std::size_t>(output)]->plug(edid, error);
 }
 
@@ -175,57 +273,14 @@ void Outputs::secondPassed()
         output->secondPassed();
 }
 
-void Outputs::tellScreen(const ScreenFigures& figures)
-{
-    ScreenFigures lately = figures;
-    lately.dropped = m_dropped.grown(figures.dropped);
-    lately.late = m_late.grown(figures.late);
-    for (const auto& output : m_outputs)
-        output->tellScreen(isOnAir(*output) ? lately : ScreenFigures{});
-}
-
-const VideoOutput* Outputs::identified() const
-{
-    for (const auto& output : m_outputs) {
-        if (output->isIdentified() && isOnAir(*output))
-            return output.get();
-    }
-    return nullptr;
-}
-
-void Outputs::endIdentify()
-{
-    for (const auto& output : m_outputs)
-        output->endIdentify();
-}
-
 void Outputs::propertyWritten(const Object* object, const PropertyInfo* property, bool isByClient)
 {
-    if (VideoOutput* output = outputOf(object))
-        output->propertyWritten(property->name, isByClient && isOnAir(*output));
-    else if (object->getTypeName() == "GpuMapping" && property->name == "target")
-        settleTargets(object);
-}
-
-/// Each mapping has an output of its own: the other one takes what the written one had, and what is no
-/// output is undone.
-void Outputs::settleTargets(const Object* written)
-{
-    const Object* mappings = m_scene.findObject("/device/channels/0/mappings");
-    if (!mappings || mappings->childCount() < 2 || m_outputs.size() < 2)
-        return;
-    const bool isFirst = mappings->childAt(0) == written;
-    Object* mine = mappings->childAt(isFirst ? 0 : 1);
-    Object* other = mappings->childAt(isFirst ? 1 : 0);
-    const auto otherThan = [this](const std::string& name) {
-        return m_outputs[m_outputs[0]->name() == name ? 1 : 0]->name();
-    };
-    const std::string taken = propertyOf<std::string>(other, "target");
-    const std::string wanted = propertyOf<std::string>(mine, "target");
-    if (std::ranges::none_of(m_outputs, [&](const auto& output) { return output->name() == wanted; }))
-        setProperty(m_scene, mine, "target", otherThan(taken));
-    else if (wanted == taken)
-        setProperty(m_scene, other, "target", otherThan(wanted));
+    if (VideoOutput* output = videoOutput(object))
+        output->propertyWritten(property->name, isByClient, isByClient && isOnAir(*output));
+    for (const int index : {previewMapping, programMapping}) {
+        if (object == mapping(index) && property->name == "target")
+            targetWritten(index, isByClient);
+    }
 }
 
 bool Outputs::invokeMapping(Object* mapping, const std::string& method, const Json& args, std::string* error)
@@ -260,7 +315,7 @@ bool Outputs::configure(Object* channel, const Json& args, std::string* error)
         const std::string number = std::to_string(i + 1);
         const Variant color = variantFromJson(args.get("bg" + number), VariantType::Color);
         targets[i] = args.get("target" + number).stringView();
-        if (targets[i] != outputNames[0] && targets[i] != outputNames[1])
+        if (outputNamed(targets[i]) < 0)
             return fail(error, "\"target" + number + "\" is no output");
         if (!fromStr(args.get("mode" + number).stringView(), modes[i]))
             return fail(error, "\"mode" + number + "\" is no scale mode");
@@ -272,10 +327,12 @@ bool Outputs::configure(Object* channel, const Json& args, std::string* error)
         return fail(error, "both targets are the same output");
     for (std::size_t i = 0; i < 2; ++i) {
         Object* mapping = mappings->childAt(static_cast<int>(i));
-        setProperty(m_scene, mapping, "target", targets[i]);
         setProperty(m_scene, mapping, "defaultScaleMode", modes[i]);
         setProperty(m_scene, mapping, "backgroundColor", colors[i]);
     }
+    m_wanted = targets;
+    m_isChosen = true;
+    showTargets();
     return true;
 }
 

@@ -1,11 +1,11 @@
 #pragma once
 
-#include "ombra/outputs/screenfigures.h"
 #include "tarn/json/json.h"
 #include "tarn/json/path.h"
 #include "tarn/media/channelenums.h"
 #include "tarn/scene/scene.h"
 
+#include <array>
 #include <memory>
 #include <optional>
 #include <string>
@@ -14,6 +14,7 @@
 namespace vantrel::ombra {
 
 class VideoOutput;
+struct Connector;
 
 /// A machine as it is unpacked: every output carries the sound of its picture.
 inline constexpr AudioPlaybackDevice initialAudioDevice = AudioPlaybackDevice::Embedded;
@@ -24,7 +25,10 @@ inline constexpr AudioPlaybackDevice initialAudioDevice = AudioPlaybackDevice::E
 class Outputs
 {
 public:
-    explicit Outputs(Scene& scene);
+    static constexpr int previewMapping = 0, programMapping = 1;
+    /// Simulated: with a display each that is made up. Real: without any, until follow() tells of them.
+    enum class Kind { Simulated, Real };
+    explicit Outputs(Scene& scene, Kind kind = Kind::Simulated);
     ~Outputs();
 
     /// Puts the channel and the outputs into a new scene.
@@ -47,31 +51,39 @@ public:
     /// To be called each second: a mode on air that nobody keeps goes back.
     void secondPassed();
 
-    /// To be called each second where there is a screen: it stands in the scene with the output of the
-    /// program.
-    void tellScreen(const ScreenFigures& figures);
+    int count() const { return static_cast<int>(m_outputs.size()); }
+    VideoOutput& at(int output) { return *m_outputs[static_cast<std::size_t>(output)]; }
+    /// The output that a mapping's picture goes to; -1 where it names none.
+    int outputOf(int mapping) const;
 
-    /// The output of the program, where it is to show which one it is; null otherwise.
-    const VideoOutput* identified() const;
-    /// No output does any more.
-    void endIdentify();
+    /// Takes over what the machine's connectors are: an output keeps its own as long as there is a display;
+    /// one without takes a connector that has one and is no other output's. Mappings follow their outputs. In
+    /// the order of the machine.
+    void follow(const std::vector<Connector>& machine);
 
-    /// Plugs a display with this EDID into an output; an empty text pulls it out.
+    /// Plugs a display with this EDID into a simulated output; an empty text pulls it out.
     bool plug(int output, const std::string& edid, std::string* error);
     /// Of the display that was there on the start.
     static std::string ownEdid(int output);
 
 private:
-    VideoOutput* outputOf(const Object* object) const;
+    VideoOutput* videoOutput(const Object* object) const;
+    int outputNamed(const std::string& name) const;
     bool isOnAir(const VideoOutput& output) const;
     void resetMappings();
-    void settleTargets(const Object* written);
     bool invokeMapping(Object* mapping, const std::string& method, const Json& args, std::string* error);
     bool configure(Object* channel, const Json& args, std::string* error);
+    Object* mapping(int index) const;
+    std::array<std::string, 2> names() const;
+    std::array<int, 2> targets() const;
+    void showTargets();
+    void targetWritten(int mapping, bool isByClient);
 
     Scene& m_scene;
+    const Kind m_kind;
     std::vector<std::unique_ptr<VideoOutput>> m_outputs;
-    LastMinute m_dropped, m_late;
+    std::array<std::string, 2> m_wanted; // the outputs of the mappings
+    bool m_isChosen = false;             // by somebody, since the start or the last show
 };
 
 } // namespace vantrel::ombra

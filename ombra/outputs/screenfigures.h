@@ -4,13 +4,13 @@
 
 namespace vantrel::ombra {
 
-/// How the screen does that program is really shown on.
+/// How the real screen of an output does.
 struct ScreenFigures
 {
-    double rate = 0;                 // pictures a second; 0 where there is none
-    long long dropped = 0, late = 0; // pictures, since the start
-    double decodeLoad = 0;           // share of the time there is that decoding takes
-    bool bySoftware = false;         // painted by the processor
+    double rate = 0;           // pictures a second; 0 where there is none
+    int dropped = 0, late = 0; // pictures, in the last minute
+    double decodeLoad = 0;     // share of the time there is that decoding takes
+    bool bySoftware = false;   // painted by the processor
 };
 
 /// How much a count that only grows has grown within the last minute, for who looks at it each second.

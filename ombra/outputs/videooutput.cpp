@@ -36,6 +36,13 @@ std::string gigabits(double bits)
     return text;
 }
 
+std::optional<Edid> edidOf(const std::string& hex)
+{
+    const auto bytes = bytesOfHex(hex);
+    Edid edid;
+    return bytes && readEdid(*bytes, edid, nullptr) ? std::optional(edid) : std::nullopt;
+}
+
 /// "1920x1200p59.95" also goes by "1920x1200p60", as shows of earlier versions have it; 59.94 Hz is another
 /// mode.
 bool isNearly(const std::string& id, const std::string& wanted)
@@ -47,12 +54,14 @@ bool isNearly(const std::string& id, const std::string& wanted)
 
 } // namespace
 
-VideoOutput::VideoOutput(Scene& scene, int index, std::string name, std::string edid)
+VideoOutput::VideoOutput(Scene& scene, int index, std::string name, std::optional<std::string> edid)
     : m_scene(scene)
     , m_index(index)
     , m_name(std::move(name))
-    , m_displayEdid(std::move(edid))
+    , m_displayEdid(edid.value_or(std::string()))
 {
+    if (!edid)
+        m_real = Connector();
 }
 
 Json VideoOutput::toJson() const
@@ -204,6 +213,72 @@ bool VideoOutput::plug(const std::string& edid, std::string* error)
     return true;
 }
 
+void VideoOutput::follow(const Connector& connector)
+{
+    const bool isAnother = !m_real || m_real->name != connector.name || m_real->edid != connector.edid;
+    m_real = connector;
+    m_name = connector.name;
+    m_hasHadDisplay = m_hasHadDisplay || connector.isConnected;
+    set("name", m_name);
+    if (isAnother)
+        m_displayEdid = edidOf(connector.edid) ? connector.edid : std::string();
+    if (!m_displayEdid.empty())
+        m_lastEdid = m_displayEdid;
+    readDisplay();
+    takeReal();
+}
+
+void VideoOutput::pulled()
+{
+    if (!isConnected())
+        return;
+    Connector gone;
+    gone.name = m_name;
+    follow(gone);
+}
+
+void VideoOutput::tellPicture(int width, int height, double rate)
+{
+    if (!m_real || m_real->mode || width < 1 || height < 1)
+        return;
+    const auto isIt = [&](const Mode& one) {
+        return one.timing.width == width && one.timing.height == height &&
+               std::abs(one.timing.refreshRate() - rate) < 0.6; // told in whole numbers
+    };
+    const auto found = std::ranges::find_if(m_modes, isIt);
+    VideoTiming bare;
+    bare.width = width;
+    bare.height = height;
+    bare.hPolarity = bare.vPolarity = 0;
+    m_real->mode = found == m_modes.end() ? bare : found->timing;
+    takeReal();
+}
+
+HeldConnector VideoOutput::held() const
+{
+    return {m_real ? m_real->name : std::string(), m_lastEdid};
+}
+
+bool VideoOutput::isConnected() const
+{
+    return m_real ? m_real->isConnected : !m_displayEdid.empty();
+}
+
+/// The mode in force is the machine's. What nobody shows keeps the one before: the program goes on.
+void VideoOutput::takeReal()
+{
+    const VideoTiming timing = m_real->mode.value_or(m_inForce.timing);
+    const auto isIt = [&timing](const Mode& one) { return one.timing.id() == timing.id(); };
+    const Mode* chosen = find(m_inForce.modelineId);
+    auto mode = std::ranges::find(m_modes, timing, &Mode::timing);
+    if (mode == m_modes.end())
+        mode = std::ranges::find_if(m_modes, isIt);
+    const std::string id = chosen && isIt(*chosen) ? chosen->id
+                           : mode == m_modes.end() ? std::string(displayPrefix) + timing.id()
+                                                   : mode->id;
+    apply({id, timing, false}, m_inForce.maxLinkRate);
+}
+
 void VideoOutput::reset()
 {
     std::string ignored;
@@ -222,7 +297,7 @@ void VideoOutput::resetByClient(bool isOnAir)
         keep();
 }
 
-void VideoOutput::propertyWritten(const std::string& property, bool isOnAir)
+void VideoOutput::propertyWritten(const std::string& property, bool isByClient, bool isOnAir)
 {
     if (property == "edidOverrideFilename")
         m_inForce.edidOverrideFilename = text("edidOverrideFilename");
@@ -234,6 +309,9 @@ void VideoOutput::propertyWritten(const std::string& property, bool isOnAir)
                           propertyOf<bool>(object(), "maxLinkRate"),
                           {}};
     write(m_inForce); // nothing of it has happened so far
+    const bool isLeftToMachine = m_real && !isByClient && wanted.edidOverride.empty();
+    if (isLeftToMachine && m_inForce.edidOverride.empty())
+        return; // what it was given then is not to be given to it again
     std::string ignored;
     change(
         isOnAir,
@@ -269,8 +347,8 @@ void VideoOutput::secondPassed()
 void VideoOutput::tellScreen(const ScreenFigures& lately)
 {
     set("screenRate", lately.rate);
-    set("droppedPictures", static_cast<int>(lately.dropped));
-    set("latePictures", static_cast<int>(lately.late));
+    set("droppedPictures", lately.dropped);
+    set("latePictures", lately.late);
     set("decodeLoad", std::round(lately.decodeLoad * 100) / 100);
     set("softwareRenderer", lately.bySoftware);
 }
@@ -282,13 +360,18 @@ bool VideoOutput::take(const std::string& id, bool maxLinkRate, std::string* err
         return fail(error, "There is no mode " + id + ".");
     if (const std::string why = whyNotTaken(*mode); !why.empty())
         return fail(error, why);
-    apply(*mode, maxLinkRate);
+    if (m_real && mode->timing.id() != m_inForce.timing.id())
+        return fail(error, m_name + " has the mode that this machine gives it. Set " + mode->timing.label() +
+                               " in the desktop's settings there.");
+    apply(m_real ? Mode{mode->id, m_inForce.timing, mode->isStandard} : *mode, maxLinkRate);
     return true;
 }
 
 /// The display's preferred mode, or else its first that can be shown; one that all know where it names none.
 void VideoOutput::takeUsual(bool maxLinkRate)
 {
+    if (m_real && !m_inForce.modelineId.empty())
+        return takeReal();
     const Mode* mode = find(text("preferredModelineId"));
     if (!mode || !whyNotTaken(*mode).empty()) {
         const auto own = std::ranges::find_if(
@@ -301,15 +384,18 @@ void VideoOutput::takeUsual(bool maxLinkRate)
 std::string VideoOutput::whyNotTaken(const Mode& mode) const
 {
     const std::string why = m_edid ? whyNotShown(*m_edid, mode.timing) : std::string();
-    if (!why.empty() || linkFor(mode.timing, colorDepth(mode.timing), false))
+    if (!why.empty() || m_real || linkFor(mode.timing, colorDepth(mode.timing), false))
         return why;
     return mode.timing.label() + " needs " + gigabits(bitRate(mode.timing, 8)) + ", and the link carries " +
            gigabits(fastestLink.capacity()) + ".";
 }
 
-/// Bits of a colour channel: as many as the display takes and the link carries.
+/// Bits of a colour channel: as many as the display takes and the link carries, or as a real screen is
+/// painted with.
 int VideoOutput::colorDepth(const VideoTiming& mode) const
 {
+    if (m_real)
+        return 8;
     for (const int bpc : {12, 10}) {
         if (m_edid && m_edid->bpc >= bpc && linkFor(mode, bpc, false))
             return bpc;
@@ -332,14 +418,14 @@ void VideoOutput::apply(const Mode& mode, bool maxLinkRate)
     set("dotClock",
         static_cast<int>(std::min<std::int64_t>(timing.dotClock, std::numeric_limits<int>::max())));
     set("bpc", colorDepth(timing));
-    set("colorspace", std::string("RGB"));
+    set("colorspace", std::string(m_real ? "" : "RGB"));
     m_inForce = {mode.id, text("edidOverride"), text("edidOverrideFilename"), maxLinkRate, timing};
     showLink();
 }
 
 void VideoOutput::showLink()
 {
-    const bool isPlugged = !m_displayEdid.empty();
+    const bool isPlugged = !m_real && !m_displayEdid.empty(); // nobody tells of a real link
     const VideoTiming& timing = m_inForce.timing;
     const auto link = linkFor(timing, colorDepth(timing), m_inForce.maxLinkRate);
     set("currentLaneCount", isPlugged && link ? link->lanes : 0);
@@ -359,31 +445,44 @@ void VideoOutput::write(const Settings& settings)
 /// Takes over what is plugged in, and the EDID that stands in its place: its modes are offered from then on.
 void VideoOutput::readDisplay()
 {
-    const auto read = [](const std::string& hex) -> std::optional<Edid> {
-        const auto bytes = bytesOfHex(hex);
-        Edid edid;
-        return bytes && readEdid(*bytes, edid, nullptr) ? std::optional(edid) : std::nullopt;
-    };
-    const std::optional<Edid> display = read(m_displayEdid);
+    const std::optional<Edid> display = edidOf(m_displayEdid);
     const std::string instead = text("edidOverride");
-    m_edid = instead.empty() ? display : read(instead);
+    m_edid = instead.empty() ? display : edidOf(instead);
     m_modes.clear();
     const auto add = [this](const VideoTiming& timing, bool isStandard) {
         const std::string id = std::string(isStandard ? std::string_view() : displayPrefix) + timing.id();
         if (std::ranges::find(m_modes, id, &Mode::id) == m_modes.end())
             m_modes.push_back({id, timing, isStandard});
     };
-    if (m_edid)
-        std::ranges::for_each(m_edid->modes, [&](const VideoTiming& mode) { add(mode, false); });
+    std::ranges::for_each(displayModes(), [&](const VideoTiming& mode) { add(mode, false); });
     std::ranges::for_each(standardModes(), [&](const VideoTiming& mode) { add(mode, true); });
     showModes();
-    const bool isPreferring = m_edid && m_edid->preferred;
-    set("preferredModelineId",
-        isPreferring ? std::string(displayPrefix) + m_edid->preferred->id() : std::string());
-    set("connected", !m_displayEdid.empty());
+    set("preferredModelineId", preferredId());
+    set("connected", isConnected());
     set("product", !display ? std::string() : display->product.empty() ? display->maker : display->product);
     set("edid", m_displayEdid);
-    set("subconnector", std::string(m_displayEdid.empty() ? "" : "Native"));
+    set("subconnector", std::string(m_displayEdid.empty() || m_real ? "" : "Native"));
+}
+
+/// Those of the EDID in force; of a real display without another EDID in its place those that the machine
+/// offers for it.
+std::vector<VideoTiming> VideoOutput::displayModes() const
+{
+    const std::string instead = text("edidOverride");
+    const bool isOwn = instead.empty() || instead == m_displayEdid;
+    if (m_real && isOwn && !m_real->modes.empty())
+        return m_real->modes;
+    return m_edid ? m_edid->modes : std::vector<VideoTiming>();
+}
+
+std::string VideoOutput::preferredId() const
+{
+    const auto named = [](const std::optional<VideoTiming>& mode) {
+        return mode ? std::string(displayPrefix) + mode->id() : std::string();
+    };
+    const bool isOwn = text("edidOverride").empty();
+    return m_real && isOwn && m_real->preferred ? named(m_real->preferred)
+                                                : named(m_edid ? m_edid->preferred : std::nullopt);
 }
 
 void VideoOutput::showModes()

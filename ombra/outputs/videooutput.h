@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ombra/outputs/connectorchoice.h"
 #include "ombra/outputs/displaylink.h"
 #include "ombra/outputs/screenfigures.h"
 #include "tarn/edid/edid.h"
@@ -22,8 +23,9 @@ public:
     /// How long a mode that an audience sees waits to be kept, in seconds.
     static constexpr int secondsToKeep = 15;
 
-    /// index: of its object in the scene. edid: of the display that is plugged in, in hexadecimal digits.
-    VideoOutput(Scene& scene, int index, std::string name, std::string edid);
+    /// index: of its object in the scene. edid: of the display that is plugged in, in hexadecimal digits;
+    /// nothing for an output of the machine, of which follow() tells.
+    VideoOutput(Scene& scene, int index, std::string name, std::optional<std::string> edid);
 
     const std::string& name() const { return m_name; }
     /// What build() makes an object of.
@@ -35,16 +37,28 @@ public:
     /// isOnAir: an audience sees it. The mode then goes back by itself unless it is kept.
     bool invoke(const std::string& method, const Json& args, bool isOnAir, std::string* error);
     /// A property was written, by a client or out of a show: the output takes over what it can.
-    void propertyWritten(const std::string& property, bool isOnAir);
+    void propertyWritten(const std::string& property, bool isByClient, bool isOnAir);
     /// A display is plugged in, or none is: an empty text. False, with the reason, for an EDID that is none.
     bool plug(const std::string& edid, std::string* error);
+    /// It is that connector of the machine from now on, by name, display, modes and mode in force.
+    void follow(const Connector& connector);
+    /// What is seen there in fact, in pixels and pictures a second: its mode, where the machine tells of
+    /// none.
+    void tellPicture(int width, int height, double rate);
+    /// The machine has its connector no more, or had none for it.
+    void pulled();
+    HeldConnector held() const;
+    /// Null for one that is simulated, or that the machine does not have.
+    const Connector* connector() const { return m_real && !m_real->name.empty() ? &*m_real : nullptr; }
+    bool isConnected() const;
+    bool hasHadDisplay() const { return m_hasHadDisplay; }
     /// As on the first start.
     void reset();
     /// The same by an operator: where an audience sees it, the mode goes back by itself unless it is kept.
     void resetByClient(bool isOnAir);
     /// Counts down to the moment in which a mode that nobody has kept goes back.
     void secondPassed();
-    /// The real screen that it is shown on, with what was counted lately.
+    /// The real screen that it is shown on, with what was counted lately. To be called each second.
     void tellScreen(const ScreenFigures& lately);
     /// Whether it is to show which one it is while there is no program.
     bool isIdentified() const;
@@ -74,11 +88,14 @@ private:
     bool identify(const Json& args, std::string* error);
     bool take(const std::string& id, bool maxLinkRate, std::string* error);
     void takeUsual(bool maxLinkRate);
+    void takeReal();
     void write(const Settings& settings);
     void apply(const Mode& mode, bool maxLinkRate);
     std::string whyNotTaken(const Mode& mode) const;
     int colorDepth(const VideoTiming& mode) const;
     void readDisplay();
+    std::vector<VideoTiming> displayModes() const;
+    std::string preferredId() const;
     void showModes();
     void showLink();
     const Mode* find(const std::string& id) const;
@@ -91,8 +108,11 @@ private:
 
     Scene& m_scene;
     const int m_index;
-    const std::string m_name;
+    std::string m_name;
+    std::optional<Connector> m_real; // of the machine; without a name while it has none for this output
+    bool m_hasHadDisplay = false;
     std::string m_displayEdid;  // of what is plugged in; empty for nothing
+    std::string m_lastEdid;     // of the display that was there last
     std::optional<Edid> m_edid; // in force
     std::vector<Mode> m_modes;
     Settings m_inForce;

@@ -62,12 +62,19 @@ bool waitsToBeKept(const Object* output)
     return output->getProperty("confirmSeconds", seconds) && seconds.as<int>() > 0;
 }
 
+/// What only stands in for another output is not what was chosen.
+bool standsIn(const Object* object, const PropertyInfo* property)
+{
+    Variant is;
+    return property->name == "target" && object->getProperty("standsIn", is) && is.as<bool>();
+}
+
 /// Whether a property is to be kept as it is now. A position is while its playback is paused; of what plays
 /// it is no part of the show. A mode is once somebody has said that it can be seen.
 bool lasts(const Object* object, const PropertyInfo* property)
 {
     Variant state;
-    if (waitsToBeKept(object))
+    if (waitsToBeKept(object) || standsIn(object, property))
         return false;
     return sectionOf(object, property) &&
            (property->name != "mediaPosition" ||
@@ -284,6 +291,8 @@ void SceneSettings::onSceneChange(int count, const SceneChange* changes)
         save(object, changes[i].property);
         if (changes[i].property->name == "waitsToPlay")
             save(object, object->findProperty("state"));
+        if (changes[i].property->name == "standsIn")
+            save(object, object->findProperty("target"));
         if (changes[i].property->name == "confirmSeconds")
             followMode(object);
         if (sectionOf(object, changes[i].property) && changes[i].property->name == "state")

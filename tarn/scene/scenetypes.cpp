@@ -97,6 +97,8 @@ void declarePlayback(Types& types)
         .text("target")
         .property("defaultScaleMode", Variant::from(ScaleMode::Fit))
         .property("backgroundColor", Variant::from(ColorValue{}))
+        // Its target only stands in for one that this machine does not have, or that never had a display.
+        .readOnly("standsIn", Variant::from(false))
         .methods({"selectDefaultScaleMode", "selectBackgroundColor"});
 
     Declaration(types, "Channel")

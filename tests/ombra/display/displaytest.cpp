@@ -276,16 +276,19 @@ private Q_SLOTS:
 
     void standsInTheScene()
     {
-        const std::string program = "/device/system/gpus/0/outputs/1/properties/";
+        const std::string program = "/device/system/gpus/0/outputs/0/properties/"; // the only screen there is
         QTRY_COMPARE_WITH_TIMEOUT((m_peer->read(), m_peer->value(program + "softwareRenderer")),
                                   std::string("true"), patience);
         QVERIFY(std::stod(m_peer->value(program + "screenRate")) > 20);
+        QCOMPARE(m_peer->value(program + "width"), std::to_string(screenSize.width()));
+        QCOMPARE(m_peer->value(program + "connected"), std::string("true"));
+        QCOMPARE(m_peer->value("/device/system/gpus/0/outputs/1/properties/connected"), std::string("false"));
     }
 
     /// On a screen without a program alone, and not again after it.
     void showsWhichOutputItIs()
     {
-        const std::string output = "/device/system/gpus/0/outputs/1";
+        const std::string output = "/device/system/gpus/0/outputs/0";
         const auto identify = [&](const char* on) {
             invoke(output + "/methods/identify", std::string(R"({"on":)") + on + "}");
         };

@@ -1,7 +1,9 @@
 #include "ombra/outputs/outputs.h"
 
 #include "ombra/outputs/displayedid.h"
+#include "ombra/outputs/screenfigures.h"
 #include "ombra/outputs/standardmodes.h"
+#include "ombra/outputs/videooutput.h"
 #include "tarn/edid/edid.h"
 #include "tests/support/testmain.h"
 
@@ -147,26 +149,106 @@ private Q_SLOTS:
         QVERIFY(Scene::toJson(m_scene->root()) == m_initial);
     }
 
-    /// The real screen stands with the output of the program, what it lost for a minute.
+    /// The real screen stands with its output, what it lost for a minute.
     void screens()
     {
-        const std::string outputs = "/device/system/gpus/0/outputs/";
-        const auto lost = [&](int output) {
-            const std::string properties = outputs + std::to_string(output) + "/properties/";
-            return text(properties + "screenRate") + " " + text(properties + "droppedPictures") + " " +
-                   text(properties + "latePictures");
-        };
-        m_outputs->tellScreen({.rate = 50, .dropped = 2, .late = 1, .decodeLoad = 0.256});
-        QCOMPARE(lost(1), std::string("50 2 1"));
-        QCOMPARE(text(outputs + "1/properties/decodeLoad"), std::string("0.26"));
-        QCOMPARE(lost(0), std::string("0 0 0"));
+        const std::string output = "/device/system/gpus/0/outputs/1/properties/";
+        m_outputs->at(1).tellScreen({.rate = 50, .dropped = 2, .late = 1, .decodeLoad = 0.256});
+        QCOMPARE(text(output + "screenRate") + " " + text(output + "droppedPictures") + " " +
+                     text(output + "latePictures") + " " + text(output + "decodeLoad"),
+                 std::string("50 2 1 0.26"));
+        LastMinute lost;
+        QCOMPARE(lost.grown(2), 2);
         for (int second = 1; second < 60; ++second)
-            m_outputs->tellScreen({.rate = 50, .dropped = second < 30 ? 2 : 5, .late = 1});
-        QCOMPARE(lost(1), std::string("50 5 1"));
-        m_outputs->tellScreen({.rate = 50, .dropped = 5, .late = 1});
-        QCOMPARE(lost(1), std::string("50 3 0"));
-        m_outputs->tellScreen({.dropped = 5, .late = 1});
-        QCOMPARE(lost(1), std::string("0 3 0"));
+            QCOMPARE(lost.grown(second < 30 ? 2 : 5), second < 30 ? 2 : 5);
+        QCOMPARE(lost.grown(5), 3);
+    }
+
+    /// The machine's connectors, the mode in force and what is plugged in are what the scene has.
+    void theMachinesOwn()
+    {
+        makeReal();
+        QVERIFY(!flag(out(1) + "connected"));
+        QCOMPARE(text(out(1) + "edid") + text(out(1) + "product"), std::string());
+        Connector wall = connector("HDMI-1", projector());
+        wall.modes = {*findDmt(0x04), *findDmt(0x1c)};
+        wall.mode = wall.modes[0];
+        m_outputs->follow({connector("eDP-1", Outputs::ownEdid(0)), wall, {.name = "DP-3"}});
+        QCOMPARE(text(out(0) + "name") + " " + text(out(1) + "name"), std::string("eDP-1 HDMI-1"));
+        QCOMPARE(text(out(1) + "product"), std::string("Projector"));
+        QCOMPARE(text(out(1) + "edid"), projector());
+        QCOMPARE(text(out(1) + "modelineId"), std::string("edid-640x480p59.94"));
+        QCOMPARE(text(out(1) + "hTotal") + " " + text(out(1) + "hSyncPolarity"), std::string("800 -1"));
+        QCOMPARE(text(wallPath + "/modelines/1/properties/id"), std::string("edid-1280x800p59.81"));
+        QVERIFY(flag(wallPath + "/modelines/2/properties/standard"));
+        QCOMPARE(targets(), std::string("eDP-1 HDMI-1"));
+        QVERIFY(!call(wallPath, "selectModeline", R"({"modelineId":"edid-1280x800p59.81"})"));
+        QCOMPARE(text(out(1) + "width"), std::string("640"));
+        QVERIFY(text(out(1) + "errorText").find("HDMI-1") != std::string::npos);
+
+        wall.edid = "00ff"; // what cannot be read is no display's name
+        m_outputs->follow({connector("eDP-1", Outputs::ownEdid(0)), wall});
+        QVERIFY(flag(out(1) + "connected"));
+        QCOMPARE(text(out(1) + "edid") + text(out(1) + "product"), std::string());
+        m_outputs->follow({connector("eDP-1", Outputs::ownEdid(0)), {.name = "HDMI-1"}});
+        QVERIFY(!flag(out(1) + "connected"));
+        QCOMPARE(text(out(1) + "width"), std::string("640")); // the program goes on
+        QCOMPARE(targets(), std::string("eDP-1 HDMI-1"));     // and not over the operator's screen
+        m_outputs->follow({});
+        QVERIFY(!flag(out(0) + "connected"));
+    }
+
+    /// A display that is plugged in elsewhere is followed there; those in use are nobody else's.
+    void displaysFindTheirOutput()
+    {
+        makeReal();
+        const Connector desk = connector("DP-1", Outputs::ownEdid(0)), wall = connector("DP-2", projector());
+        m_outputs->follow({{.name = "VGA-1"}, desk, wall});
+        QCOMPARE(targets(), std::string("DP-1 DP-2"));
+        const auto at = [](Connector display, const char* name) {
+            display.name = name;
+            return display;
+        };
+        m_outputs->follow({at(wall, "VGA-1"), {.name = "DP-1"}, {.name = "DP-2"}});
+        QCOMPARE(targets(), std::string("DP-1 VGA-1"));
+        m_outputs->follow({at(wall, "VGA-1"), {.name = "DP-1"}, desk});
+        QCOMPARE(targets(), std::string("DP-1 VGA-1"));
+        m_outputs->follow({at(wall, "VGA-1"), {.name = "DP-1"}, at(desk, "DP-2")});
+        QCOMPARE(targets(), std::string("DP-2 VGA-1"));
+        m_outputs->follow({at(wall, "VGA-1"), at(desk, "DP-1"), at(desk, "DP-2")});
+        QCOMPARE(targets(), std::string("DP-2 VGA-1"));
+    }
+
+    /// The only display shows program as long as there has been no other, or somebody wants it so; what a
+    /// show of another machine names is where its number says until there is such an output.
+    void mappingsHaveAScreen()
+    {
+        makeReal();
+        const Connector desk = connector("DP-1", Outputs::ownEdid(0)), wall = connector("DP-2", projector());
+        const std::string program = "/device/channels/0/mappings/1";
+        m_outputs->follow({desk, {.name = "DP-2"}});
+        QCOMPARE(targets(), std::string("DP-2 DP-1"));
+        QVERIFY(flag(program + "/properties/standsIn"));
+        m_outputs->follow({desk, wall});
+        QCOMPARE(targets(), std::string("DP-1 DP-2"));
+        QVERIFY(!flag(program + "/properties/standsIn"));
+        QVERIFY(call("/device/channels/0", "configure",
+                     R"({"target1":"DP-2","mode1":"fit","bg1":"#000000",
+                         "target2":"DP-1","mode2":"fit","bg2":"#000000"})"));
+        m_outputs->follow({desk, wall});
+        QCOMPARE(targets(), std::string("DP-2 DP-1"));
+
+        write(program, "target", "HDMI-7", true);
+        QCOMPARE(targets(), std::string("DP-2 DP-1"));
+        write("/device/channels/0/mappings/0", "target", "DP-1", false); // a show, one after the other
+        write(program, "target", "HDMI-7", false);
+        QCOMPARE(targets(), std::string("DP-1 DP-2"));
+        QVERIFY(flag(program + "/properties/standsIn"));
+        Connector other = wall;
+        other.name = "HDMI-7";
+        m_outputs->follow({desk, {.name = "DP-2"}, other});
+        QCOMPARE(targets(), std::string("DP-1 HDMI-7"));
+        QVERIFY(!flag(program + "/properties/standsIn"));
     }
 
     /// What an audience sees goes back by itself unless somebody keeps it, and the first state of several.
@@ -272,6 +354,26 @@ private Q_SLOTS:
     }
 
 private:
+    void makeReal()
+    {
+        m_scene = makeRef<Scene>();
+        m_outputs = std::make_unique<Outputs>(*m_scene, Outputs::Kind::Real);
+        m_outputs->build();
+    }
+    static Connector connector(const char* name, const std::string& edid)
+    {
+        return {.name = name, .isConnected = true, .isOn = true, .edid = edid};
+    }
+    static std::string out(int output)
+    {
+        return "/device/system/gpus/0/outputs/" + std::to_string(output) + "/properties/";
+    }
+    /// Of preview and program.
+    std::string targets() const
+    {
+        return text("/device/channels/0/mappings/0/properties/target") + " " +
+               text("/device/channels/0/mappings/1/properties/target");
+    }
     static std::string projector()
     {
         return makeEdid({.product = "Projector",
@@ -303,6 +405,7 @@ private:
     }
     bool flag(const std::string& property) const { return text(property) == "true"; }
 
+    const std::string wallPath = "/device/system/gpus/0/outputs/1";
     Ref<Scene> m_scene;
     std::unique_ptr<Outputs> m_outputs;
     Json m_initial;

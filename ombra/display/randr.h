@@ -1,0 +1,36 @@
+#pragma once
+
+#include "ombra/outputs/connector.h"
+
+#include <chrono>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace vantrel::ombra {
+
+/// The connectors of a desktop's machine, by RandR over a connection of its own. One thread; what it asks
+/// takes as long as the desktop takes to answer.
+class Randr
+{
+public:
+    /// Null where there is no desktop of X, or one whose RandR is older than 1.3.
+    static std::unique_ptr<Randr> open();
+    ~Randr();
+    Randr(const Randr&) = delete;
+
+    /// The desktop's own first one comes first, then the others that have a display, then the rest.
+    std::vector<Connector> connectors();
+    /// Waits until something of them may have changed.
+    void waitForChange(std::chrono::milliseconds patience);
+    /// The desktop has ended: nothing more can be asked of it.
+    bool isLost() const;
+
+private:
+    struct Impl;
+    explicit Randr(std::unique_ptr<Impl> impl);
+
+    std::unique_ptr<Impl> m_impl;
+};
+
+} // namespace vantrel::ombra
