@@ -1,4 +1,5 @@
 #include "ombra/base/version.h"
+#include "ombra/programout.h"
 #include "ombra/server.h"
 #include "ombra/sound/sounddevice.h"
 #include "ombra/sound/soundout.h"
@@ -25,7 +26,8 @@ using namespace vantrel::ombra;
 constexpr const char* usage =
     "usage: ombra --media DIR --state DIR [--bind ADDR] [--http-port N] [--link-port N] [--preview-port N]\n"
     "             [--ftp-port N] [--host-name NAME]... [--no-discovery] [--simulate-outputs] [--log FILE]\n"
-    "             [--display [window]] [--sound [DEVICE]]... [--no-sound] [--sound-offset MS]\n"
+    "             [--display [window]] [--display-preview]\n"
+    "             [--sound [DEVICE]]... [--no-sound] [--sound-offset MS]\n"
     "       ombra --sound-devices\n"
     "\n"
     "  --media DIR        the folder of the media files\n"
@@ -38,8 +40,11 @@ constexpr const char* usage =
     "  --host-name NAME   a name that clients may call it by, beside the machine's own; several are "
     "possible\n"
     "  --no-discovery     do not answer searches of the network\n"
-    "  --display          program full screen on the second screen, or the only one; \"--display window\" in "
-    "a window\n"
+    "  --display          program full screen on the output that its mapping names, the second one at first, "
+    "or "
+    "the only one\n"
+    "                     there is; \"--display window\" in a window\n"
+    "  --display-preview  preview as well, on its own\n"
     "  --sound            program's sound on the machine's own sound device, or on the one of that name, or "
     "part "
     "of it;\n"
@@ -132,6 +137,8 @@ std::optional<Arguments> parseArguments(int argc, char** argv)
             const bool isWindow = i + 1 < argc && std::strcmp(argv[i + 1], "window") == 0;
             arguments.server.screen = isWindow ? ServerOptions::Screen::Window : ServerOptions::Screen::Full;
             i += isWindow ? 1 : 0;
+        } else if (std::strcmp(argv[i], "--display-preview") == 0) {
+            arguments.server.showsPreview = true;
         } else if (std::strcmp(argv[i], "--sound") == 0) {
             const bool isNamed = i + 1 < argc && argv[i + 1][0] != '-';
             setSound(arguments.server, isNamed ? argv[++i] : "");
@@ -147,6 +154,10 @@ std::optional<Arguments> parseArguments(int argc, char** argv)
     }
     if (arguments.server.media.empty() || arguments.server.state.empty()) {
         std::fprintf(stderr, "ombra: --media and --state are needed\n%s", usage);
+        return std::nullopt;
+    }
+    if (arguments.server.showsPreview && arguments.server.screen == ServerOptions::Screen::None) {
+        std::fprintf(stderr, "ombra: --display-preview needs --display\n%s", usage);
         return std::nullopt;
     }
     if (arguments.noSound)
@@ -230,7 +241,7 @@ int main(int argc, char** argv)
     const LogToFile log(arguments->log);
     try {
         const int code = serve(arguments->server);
-        if (SoundOut::isHanging()) {
+        if (SoundOut::isHanging() || ProgramOut::isHanging()) {
             Log::setSink({});
             std::_Exit(code);
         }

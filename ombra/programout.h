@@ -3,7 +3,15 @@
 #include "ombra/outputs/screenfigures.h"
 #include "tarn/scene/scene.h"
 
+#include <array>
+#include <atomic>
 #include <memory>
+#include <optional>
+#include <string>
+
+namespace boost::asio {
+class io_context;
+}
 
 namespace vantrel::ombra {
 
@@ -11,40 +19,68 @@ class Display;
 class Engine;
 class NoticeBoard;
 class Outputs;
+class Screens;
 class SoundOut;
+struct Place;
 struct ServerOptions;
 
-/// What an audience sees and hears: program on a screen and on a sound device of the machine, as far as the
-/// options ask for them, and what of the scene these two follow. The thread of the scene.
+/// What an audience sees and hears, and preview beside it where that is wanted: on screens and on a sound
+/// device of the machine, as far as the options ask for them, and what of the scene these follow. The thread
+/// of the scene.
 class ProgramOut
 {
 public:
     /// The options and what they are followed in outlive follow() and tellFigures(), not this: a graphics
     /// card that hangs while it is closed holds up nobody.
-    ProgramOut(const ServerOptions& options, Scene& scene, Outputs& outputs, NoticeBoard& notices);
+    ProgramOut(boost::asio::io_context& io, const ServerOptions& options, Scene& scene, Outputs& outputs,
+               NoticeBoard& notices);
     ~ProgramOut();
+    /// Whether a thread of one that has ended hangs in a desktop or a graphics card.
+    static bool isHanging();
 
-    bool hasScreen() const { return m_display != nullptr; }
+    bool hasScreen() const { return m_screens != nullptr; }
     /// The engine plays here until disconnect().
     void connect(Engine& engine);
     void disconnect();
-    /// Takes over what may have changed in the scene.
+    /// Takes over what may have changed in the scene, or at the screens.
     void follow();
-    /// To be called each second: tells the scene how the screen and the sound do.
+    /// To be called each second: tells the scene how the screens and the sound do.
     void tellFigures();
 
 private:
-    void followMapping();
-    void followTestCard();
+    /// One screen, and what it shows. Full screens stand for an output each, windows for a mapping.
+    struct Seat
+    {
+        std::unique_ptr<Display> display;
+        std::atomic<int> shows{-1};     // the mapping whose picture it has
+        std::atomic<bool> paces{false}; // its beat is the engine's
+        LastMinute dropped{}, late{};
+    };
+
+    void makeDisplays(boost::asio::io_context& io);
+    bool isFull() const;
+    bool isShown(int mapping) const;
+    int mappingFor(int seat) const;
+    int outputFor(int seat) const;
+    int seatOfProgram() const;
+    std::optional<Place> placeOf(int seat) const;
+    bool isOpen(int seat) const;
+    void followTargets();
+    void followPace();
+    void followMapping(Seat& seat, int mapping);
+    void followTestCard(int seat);
     void followSoundDevice();
+    void tellScreens();
+    void tellMissing();
     void keepTogether();
 
     const ServerOptions& m_options;
     Scene& m_scene;
     Outputs& m_outputs;
     NoticeBoard& m_notices;
-    std::unique_ptr<Display> m_display;
-    LastMinute m_dropped, m_late;
+    std::shared_ptr<bool> m_alive = std::make_shared<bool>(true);
+    std::unique_ptr<Screens> m_screens;
+    std::array<Seat, 2> m_seats;
     std::unique_ptr<SoundOut> m_sound;
 };
 

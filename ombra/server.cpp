@@ -117,7 +117,7 @@ bool Server::start(std::string* error)
         simulateOutputs();
     if (!openPorts(error))
         return false;
-    m_out = std::make_unique<ProgramOut>(m_options, *m_scene, *m_outputs, *m_notices);
+    m_out = std::make_unique<ProgramOut>(m_io, m_options, *m_scene, *m_outputs, *m_notices);
     startEngine();
     countSeconds();
     m_autoStart = std::make_unique<AutoStart>(*m_store, *m_settings, *m_showFiles, *m_currentShow);

@@ -55,6 +55,7 @@ struct ServerOptions
     bool discovery = true; // answer searches of the network
     enum class Screen { None, Window, Full };
     Screen screen = Screen::None;                       // where program is shown
+    bool showsPreview = false;                          // and preview as well
     std::map<AudioPlaybackDevice, std::string> soundOf; // what stands for a device of the scene
     std::optional<std::string> sound;   // the device of program's sound, "" for the machine's own choice
     double soundOffset = 0;             // seconds after the pictures

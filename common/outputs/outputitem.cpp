@@ -69,24 +69,31 @@ void OutputItem::makeIdentify()
         if (m_model)
             m_model->identify(on);
     });
-    const GUIPlayback* program = m_session->sceneObjectProvider()->programPlayback();
-    connect(program, &GUIPlayback::mediaChanged, this, &OutputItem::updateIdentify);
-    connect(program, &GUIPlayback::heldMediaChanged, this, &OutputItem::updateIdentify);
-    connect(program, &GUIPlayback::reset, this, &OutputItem::updateIdentify);
+    const SceneObjectProvider* scene = m_session->sceneObjectProvider();
+    for (const GUIPlayback* playback : {scene->previewPlayback().data(), scene->programPlayback().data()}) {
+        connect(playback, &GUIPlayback::mediaChanged, this, &OutputItem::updateIdentify);
+        connect(playback, &GUIPlayback::heldMediaChanged, this, &OutputItem::updateIdentify);
+        connect(playback, &GUIPlayback::reset, this, &OutputItem::updateIdentify);
+    }
 }
 
-/// An audience sees no test card: program comes first.
+/// An audience sees no test card: what is shown there comes first.
 void OutputItem::updateIdentify()
 {
-    const GUIPlayback* program = m_session->sceneObjectProvider()->programPlayback();
+    const SceneObjectProvider* scene = m_session->sceneObjectProvider();
+    const bool isPreview =
+        m_model && m_model->index(0, OutputModel::TargetColumn).data() == QStringLiteral("preview");
+    const GUIPlayback* shown = isPreview ? scene->previewPlayback() : scene->programPlayback();
     QString reason;
     if (!m_model || !m_model->screen().isThere())
         reason =
-            tr("No screen of the server shows this output. Start the server with --display, and give the "
-               "output the target Program.");
-    else if (!program->media().isEmpty() || !program->heldMedia().isEmpty())
-        reason =
-            tr("Something is on program, and the test card would stand in its place. Clear program first.");
+            tr("No screen of the server shows this output. Start the server with --display and, for preview, "
+               "with --display-preview.");
+    else if (!shown->media().isEmpty() || !shown->heldMedia().isEmpty())
+        reason = isPreview ? tr("Something is on preview, and the test card would stand in its place. Clear "
+                                "preview first.")
+                           : tr("Something is on program, and the test card would stand in its place. Clear "
+                                "program first.");
     m_identify->setEnabled(reason.isEmpty());
     setBlockedReason(m_identify, reason);
     m_identify->setChecked(m_model && m_model->isIdentified());
@@ -135,6 +142,7 @@ void OutputItem::onDataChanged()
 void OutputItem::updateData()
 {
     m_notConnected->setVisible(!m_model || !m_model->index(0, OutputModel::ConnectedColumn).data().toBool());
+    updateIdentify();
 }
 
 void OutputItem::onAddressChange()

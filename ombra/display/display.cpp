@@ -1,6 +1,6 @@
 #include "ombra/display/display.h"
 
-#include "ombra/display/window.h"
+#include "ombra/display/screens.h"
 #include "tarn/log/log.h"
 
 #include <algorithm>
@@ -9,14 +9,19 @@ namespace vantrel::ombra {
 
 namespace {
 
+using namespace std::chrono_literals;
+using Fate = Window::Fate;
+
 /// A picture is counted as painted too late when the display's next beat is over by so much of one.
 constexpr double missedAfter = 0.5;
 /// A card that paints nothing for so many seconds has lost the window.
 constexpr double givenUpAfter = 2;
+/// A screen without a beat for so long shows nothing that it is given.
+constexpr auto hangsAfter = 3s;
 /// Moments that wait for their time; a display that falls behind by more shows newer ones.
 constexpr std::size_t momentsAtMost = 100;
 /// How often a display is looked for that is not there, or not any more.
-constexpr auto lookAgainAfter = std::chrono::seconds(1);
+constexpr auto lookAgainAfter = 1s;
 
 bool looksAlike(const ShownMoment& one, const ShownMoment& other)
 {
@@ -29,22 +34,47 @@ bool looksAlike(const ShownMoment& one, const ShownMoment& other)
 
 } // namespace
 
-Display::Display(Kind kind, int screen, std::string title)
-    : m_kind(kind)
-    , m_screen(screen)
+Display::Display(Screens& screens, Kind kind, std::string title, std::function<void()> changed)
+    : m_screens(screens)
+    , m_kind(kind)
     , m_title(std::move(title))
+    , m_changed(std::move(changed))
     , m_thread([this] { run(); })
 {
 }
 
-Display::~Display()
+Display::~Display() = default;
+
+void Display::askToStop()
 {
     {
         const std::lock_guard lock(m_mutex);
         m_stop = true;
     }
     m_change.notify_all();
+}
+
+bool Display::stop(Clock::time_point deadline)
+{
+    askToStop();
+    {
+        std::unique_lock lock(m_mutex);
+        if (!m_change.wait_until(lock, deadline, [this] { return m_ended; })) {
+            m_thread.detach();
+            return false;
+        }
+    }
     m_thread.join();
+    return true;
+}
+
+void Display::setPlace(std::optional<Place> place)
+{
+    {
+        const std::lock_guard lock(m_mutex);
+        m_place = std::move(place);
+    }
+    m_change.notify_all();
 }
 
 void Display::setAsker(Asker asker)
@@ -64,8 +94,17 @@ void Display::show(ShownMoment moment)
             m_moments.pop_front();
         m_moments.push_back(std::move(moment));
         m_fresh = true;
+        m_awaitsAnother = false;
     }
     m_change.notify_all();
+}
+
+void Display::expectAnother()
+{
+    const std::lock_guard lock(m_mutex);
+    m_moments.clear();
+    m_awaitsAnother = true;
+    m_figures.isShowing = false;
 }
 
 void Display::setGround(Painter::Ground ground)
@@ -83,7 +122,10 @@ void Display::setTestCard(std::optional<TestCard> card)
 Display::Figures Display::figures() const
 {
     const std::lock_guard lock(m_mutex);
-    return m_figures;
+    Figures figures = m_figures;
+    figures.isOpen = figures.isOpen && !m_screens.isLost() && Clock::now() < m_beatAt + hangsAfter;
+    figures.isShowing = figures.isShowing && figures.isOpen;
+    return figures;
 }
 
 bool Display::isStopped() const
@@ -101,18 +143,15 @@ void Display::waitUntil(Clock::time_point moment)
 bool Display::ask(Clock::time_point moment, Clock::duration patience)
 {
     {
-        const std::lock_guard lock(m_mutex);
-        m_fresh = false;
-    }
-    {
         const std::lock_guard lock(m_askerMutex);
-        if (!m_asker)
-            return false;
-        m_asker(moment);
+        if (!m_asker || !m_asker(moment)) {
+            const std::lock_guard own(m_mutex);
+            return std::exchange(m_fresh, false);
+        }
     }
     std::unique_lock lock(m_mutex);
     m_change.wait_for(lock, patience, [this] { return m_fresh || m_stop; });
-    return m_fresh;
+    return std::exchange(m_fresh, false);
 }
 
 const ShownMoment& Display::due(double rate)
@@ -125,60 +164,99 @@ const ShownMoment& Display::due(double rate)
     return m_moments.front();
 }
 
+std::optional<Place> Display::waitForPlace()
+{
+    std::unique_lock lock(m_mutex);
+    m_change.wait(lock, [this] { return m_stop || m_place; });
+    return m_stop ? std::nullopt : m_place;
+}
+
 void Display::run()
 {
     std::string told;
-    bool hasHadIts = false; // a projector that is unplugged does not send program over the operator's screen
-    while (!isStopped()) {
+    bool hasHadIts = false; // what is unplugged does not send its picture over another screen
+    while (auto place = waitForPlace()) {
         std::string error;
-        if (const auto window = Window::open(m_kind, m_screen, hasHadIts, m_title, &error)) {
-            told.clear();
-            hasHadIts = hasHadIts || window->screen() == m_screen;
-            if (!serve(*window))
-                return;
-        } else if (error != told) {
+        Fate fate = Fate::Moved;
+        Window::Wish wish{m_kind == Kind::FullScreen, *place, m_title};
+        wish.place.isGuess = place->isGuess && !hasHadIts;
+        if (auto window = m_screens.open(wish, &error)) {
+            if (window->begin(&error)) {
+                told.clear();
+                hasHadIts = hasHadIts || (place->isGuess && window->screen() == place->screen);
+                fate = serve(*window, *place);
+            }
+            window->end();
+            m_screens.close(std::move(window));
+        }
+        if (!error.empty() && error != told) {
             Log::write(LogLevel::Warning, "vantrel.display",
-                       "no display: " + error + "; program goes there as soon as there is one");
+                       "no display: " + error + "; the picture goes there as soon as there is one");
             told = error;
         }
-        waitUntil(Clock::now() + lookAgainAfter);
+        if (fate == Fate::Closed || m_screens.isLost())
+            break;
+        std::unique_lock lock(m_mutex);
+        if (fate == Fate::Moved)
+            m_change.wait_for(lock, lookAgainAfter, [&] { return m_stop || m_place != place; });
     }
+    const std::lock_guard lock(m_mutex);
+    m_ended = true;
+    m_change.notify_all();
 }
 
-bool Display::serve(Window& window)
+Fate Display::serve(Window& window, const Place& place)
 {
     {
         const std::lock_guard lock(m_mutex);
         m_figures.isOpen = true;
         m_figures.rate = window.rate();
         m_figures.bySoftware = window.isSoftware();
+        m_beatAt = Clock::now();
     }
     Log::write(LogLevel::Info, "vantrel.display", window.description());
-    const Fate fate = present(window);
+    m_changed();
+    const Fate fate = present(window, place);
     if (fate == Fate::Closed)
         Log::write(LogLevel::Warning, "vantrel.display",
-                   "the window of program was closed; it comes back when ombra is started again");
-    else if (fate == Fate::Lost)
-        Log::write(LogLevel::Warning, "vantrel.display",
-                   "the desktop is gone; program comes back to a screen when ombra is started again");
-    const std::lock_guard lock(m_mutex);
-    m_figures.isOpen = false;
-    m_moments.clear();
-    return fate == Fate::Moved;
-}
-
-ShownMoment Display::current(const Window& window, bool isFresh, Painter::Ground& ground)
-{
-    std::optional<TestCard> card;
-    ShownMoment moment;
+                   "the window \"" + m_title + "\" was closed; it comes back when ombra is started again");
     {
         const std::lock_guard lock(m_mutex);
-        moment = due(window.rate());
-        ground = m_ground;
+        m_figures.isOpen = m_figures.isShowing = false;
+        m_moments.clear();
+    }
+    m_changed();
+    return fate;
+}
+
+Fate Display::fateOf(const Window& window, const Place& place) const
+{
+    const Fate fate = window.fate();
+    const std::lock_guard lock(m_mutex);
+    return fate == Fate::Stays && m_place != place ? Fate::Left : fate;
+}
+
+Display::Painted Display::current(const Window& window, bool isFresh, const Painted& before)
+{
+    std::optional<TestCard> card;
+    Painted now;
+    {
+        const std::lock_guard lock(m_mutex);
+        m_isMeant = !m_awaitsAnother;
+        if (!m_isMeant)
+            return before;
+        now.moment = due(window.rate());
+        now.ground = m_ground;
         card = m_card;
         m_figures.late += isFresh ? m_moments.back().missed : 0;
         m_figures.decodeLoad = m_moments.back().load;
     }
+    addCard(window, std::move(card), now.moment);
+    return now;
+}
+
+void Display::addCard(const Window& window, std::optional<TestCard> card, ShownMoment& moment)
+{
     if (!card) {
         m_paintedCard.reset();
         m_cardSurface = nullptr;
@@ -191,28 +269,27 @@ ShownMoment Display::current(const Window& window, bool isFresh, Painter::Ground
         if (m_cardSurface)
             moment.layers.push_back({m_cardSurface, 1});
     }
-    return moment;
 }
 
 /// The display gives the beat where it makes a swap wait, and the clock does elsewhere. Either way each beat
 /// has its time on the one clock of the machine, evenly: by that time the pictures of media are chosen.
-Display::Fate Display::present(Window& window)
+Fate Display::present(Window& window, const Place& place)
 {
     const auto period =
         std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(1 / window.rate()));
     Clock::time_point next = Clock::now() + period;
-    ShownMoment painted;
-    Painter::Ground paintedGround{{-1, 0, 0}};
+    Painted painted;
     int refused = 0; // pictures, one after the other
     Fate fate = Fate::Stays;
-    while (!isStopped() && (fate = window.handleEvents()) == Fate::Stays) {
+    while (!isStopped() && (fate = fateOf(window, place)) == Fate::Stays) {
         const bool isFresh = ask(next, period / 2);
-        Painter::Ground ground;
-        ShownMoment moment = current(window, isFresh, ground);
-        const bool isCard = !moment.layers.empty() && moment.layers.front().surface == m_cardSurface;
-        const bool changes = !looksAlike(moment, painted) || ground != paintedGround || window.takeExposed();
+        Painted now = current(window, isFresh, painted);
+        const auto& layers = now.moment.layers;
+        const bool isCard = !layers.empty() && layers.front().surface == m_cardSurface;
+        const bool changes =
+            !looksAlike(now.moment, painted.moment) || now.ground != painted.ground || window.takeExposed();
         const Clock::time_point begin = Clock::now();
-        const bool isPainted = changes && window.painter().paint(moment, ground);
+        const bool isPainted = changes && window.painter().paint(now.moment, now.ground);
         const Clock::time_point end = Clock::now();
         if (changes)
             refused = isPainted ? 0 : refused + 1;
@@ -225,8 +302,7 @@ Display::Fate Display::present(Window& window)
             waitUntil(next);
         if (isPainted) {
             window.painter().swap();
-            painted = std::move(moment);
-            paintedGround = ground;
+            painted = std::move(now);
         }
         const Clock::time_point shown = Clock::now();
         long long missed = 0;
@@ -235,16 +311,35 @@ Display::Fate Display::present(Window& window)
         if (window.givesBeat() && isPainted && missed == 0)
             next += (shown - next) / 16; // the display's own rate and phase, without the jitter of a thread
         next += (missed + 1) * period;
-        const std::lock_guard lock(m_mutex);
-        m_figures.width = window.width();
-        m_figures.height = window.height();
-        if (!isCard) // to draw one takes its time, and nothing of program is lost by it
-            m_figures.dropped += isPainted ? missed : changes;
-        m_figures.shown += isPainted ? 1 : 0;
-        if (isPainted)
-            m_figures.paintSeconds = std::chrono::duration<double>(end - begin).count();
+        noteBeat(window, isCard, isPainted, isPainted ? missed : changes,
+                 std::chrono::duration<double>(end - begin).count());
+        noteShowing(m_isMeant);
     }
     return fate;
+}
+
+void Display::noteBeat(const Window& window, bool isCard, bool isPainted, long long lost, double paintSeconds)
+{
+    const std::lock_guard lock(m_mutex);
+    m_beatAt = Clock::now();
+    m_figures.width = window.width();
+    m_figures.height = window.height();
+    if (!isCard) // to draw one takes its time, and nothing of program is lost by it
+        m_figures.dropped += lost;
+    m_figures.shown += isPainted ? 1 : 0;
+    if (isPainted)
+        m_figures.paintSeconds = paintSeconds;
+}
+
+void Display::noteShowing(bool isShowing)
+{
+    {
+        const std::lock_guard lock(m_mutex);
+        if (m_figures.isShowing || !isShowing || m_awaitsAnother)
+            return;
+        m_figures.isShowing = true;
+    }
+    m_changed();
 }
 
 } // namespace vantrel::ombra

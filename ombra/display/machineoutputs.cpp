@@ -57,8 +57,8 @@ void MachineOutputs::Watch::run()
     }
 }
 
-/// Where a desktop has ended what it said last is what is known, and nothing is shown there any more: whose
-/// the console is then is not for us to say.
+/// Where a desktop has ended what it said last is what is known: whose the console is then is not for us to
+/// say.
 MachineOutputs::Connectors MachineOutputs::Watch::read()
 {
     if (!desktop)
@@ -66,14 +66,8 @@ MachineOutputs::Connectors MachineOutputs::Watch::read()
     if (!desktop)
         return readDrmFolder(drm);
     Connectors connectors = desktop->connectors();
-    if (desktop->isLost()) {
-        connectors = found.value_or(Connectors());
-        for (Connector& one : connectors) {
-            one.isOn = false;
-            one.area.reset();
-        }
-        return connectors;
-    }
+    if (desktop->isLost())
+        return found.value_or(Connectors());
     for (Connector& one : connectors) {
         if (one.isConnected && one.edid.empty() && isDesktopHere())
             one.edid = drmEdid(drm, one.name);

@@ -15,7 +15,8 @@ namespace {
 
 constexpr int windowWidth = 960, windowHeight = 540; // pixels, on a desktop
 constexpr int beatsLookedAt = 8;
-constexpr double usualRate = 60; // of displays that tell none
+constexpr double usualRate = 60;                      // of displays that tell none
+constexpr double slowestRate = 10, fastestRate = 500; // that are believed
 
 const char* rendererName()
 {
@@ -25,92 +26,107 @@ const char* rendererName()
     return name ? name : "";
 }
 
-bool startVideo(std::string* error)
-{
-    SDL_SetMainReady();
-    SDL_SetHint(SDL_HINT_NO_SIGNAL_HANDLERS, "1");
-    SDL_SetHint(SDL_HINT_QUIT_ON_LAST_WINDOW_CLOSE, "0"); // the end of a Wayland desktop comes as that word
-    SDL_SetHint(SDL_HINT_VIDEO_MINIMIZE_ON_FOCUS_LOSS, "0");
-    SDL_SetHint(SDL_HINT_VIDEO_ALLOW_SCREENSAVER, "0");
-    if (SDL_InitSubSystem(SDL_INIT_VIDEO) != 0)
-        return fail(error, SDL_GetError());
-    const std::string driver = SDL_GetCurrentVideoDriver();
-    if (driver == "offscreen" || driver == "dummy") { // taken where there is nothing that anybody sees
-        SDL_QuitSubSystem(SDL_INIT_VIDEO);
-        return fail(error, "neither a desktop nor a console with a screen was found");
-    }
-    SDL_DisableScreenSaver();
-    SDL_ShowCursor(SDL_DISABLE);
-    return true;
-}
-
 } // namespace
 
-std::unique_ptr<Display::Window> Display::Window::open(Kind kind, int screen, bool isOnlyThis,
-                                                       const std::string& title, std::string* error)
+Window::Window(const Wish& wish, int screen, DesktopConnection& connection)
+    : m_wish(wish)
+    , m_screen(screen)
+    , m_connection(connection)
 {
-    std::unique_ptr<Window> window(new Window);
-    return window->create(kind, screen, isOnlyThis, title, error) ? std::move(window) : nullptr;
 }
 
-bool Display::Window::create(Kind kind, int screen, bool isOnlyThis, const std::string& title,
-                             std::string* error)
+std::unique_ptr<Window> Window::create(const Wish& wish, int screen, DesktopConnection& connection,
+                                       std::string* error)
 {
-    m_isWindow = kind == Kind::Window;
-    if (!startVideo(error))
-        return false;
-    m_hasVideo = true;
-    const int last = std::max(0, SDL_GetNumVideoDisplays() - 1);
-    if (isOnlyThis && screen > last)
-        return fail(error, "its screen is gone");
-    m_screen = screen = std::clamp(screen, 0, last);
-    const int centered = static_cast<int>(SDL_WINDOWPOS_CENTERED_DISPLAY(static_cast<unsigned>(screen)));
+    std::unique_ptr<Window> window(new Window(wish, screen, connection));
+    return window->create(error) ? std::move(window) : nullptr;
+}
+
+bool Window::create(std::string* error)
+{
+    const bool isFull = m_wish.isFullScreen;
+    const int centered =
+        static_cast<int>(SDL_WINDOWPOS_CENTERED_DISPLAY(static_cast<unsigned>(std::max(0, m_screen))));
     SDL_Rect at{centered, centered, windowWidth, windowHeight};
     // Where nobody manages windows, the one over the whole screen keeps the place that it is made with.
-    if (!m_isWindow && SDL_GetDisplayBounds(screen, &at) != 0)
+    if (isFull && m_wish.place.area)
+        at = {m_wish.place.area->x, m_wish.place.area->y, m_wish.place.area->width,
+              m_wish.place.area->height};
+    if (isFull && m_screen >= 0 && SDL_GetDisplayBounds(m_screen, &at) != 0)
         return fail(error, SDL_GetError());
-    const unsigned flags =
-        m_isWindow ? SDL_WINDOW_RESIZABLE
-                   : SDL_WINDOW_FULLSCREEN_DESKTOP | SDL_WINDOW_BORDERLESS | SDL_WINDOW_ALWAYS_ON_TOP;
-    m_window = SDL_CreateWindow(title.c_str(), at.x, at.y, at.w, at.h, flags | SDL_WINDOW_OPENGL);
+    unsigned flags = SDL_WINDOW_OPENGL;
+    flags |= isFull ? SDL_WINDOW_BORDERLESS | SDL_WINDOW_ALWAYS_ON_TOP : SDL_WINDOW_RESIZABLE;
+    if (isFull && m_screen >= 0)
+        flags |= SDL_WINDOW_FULLSCREEN_DESKTOP;
+    m_window = SDL_CreateWindow(m_wish.title.c_str(), at.x, at.y, at.w, at.h, flags);
     m_context = m_window ? SDL_GL_CreateContext(m_window) : nullptr;
-    if (!m_context)
+    if (!m_context || SDL_GL_MakeCurrent(m_window, nullptr) != 0)
         return fail(error, SDL_GetError());
     surviveLoss(m_window, m_connection);
-    m_renderer = rendererName();
-    m_isSoftware =
-        m_renderer.find("llvmpipe") != std::string::npos || m_renderer.find("softpipe") != std::string::npos;
-    SDL_DisplayMode mode;
-    if (SDL_GetWindowDisplayMode(m_window, &mode) == 0 && mode.refresh_rate > 0)
-        m_rate = mode.refresh_rate;
-    else
-        m_rate = usualRate;
-    m_painter = Painter::create(m_window, m_isSoftware, error);
-    if (!m_painter)
-        return false;
-    if (m_isWindow)
+    if (!isFull)
         SDL_ShowCursor(SDL_ENABLE);
-    findBeat();
+    findRate();
     return true;
 }
 
-Display::Window::~Window()
+Window::~Window()
 {
-    if (m_connection.isLost) { // SDL would wait for ever for what a desktop says to the end of a window
-        std::ignore = m_painter.release();
+    if (m_connection.isLost) // SDL would wait for ever for what a desktop says to the end of a window
         return;
-    }
-    m_painter.reset();
     if (m_context)
         SDL_GL_DeleteContext(m_context);
     if (m_window)
         SDL_DestroyWindow(m_window);
-    if (m_hasVideo)
-        SDL_QuitSubSystem(SDL_INIT_VIDEO);
+}
+
+unsigned Window::id() const
+{
+    return SDL_GetWindowID(m_window);
+}
+
+void Window::note(bool isClosed)
+{
+    m_isExposed = true;
+    m_isClosed = m_isClosed || (isClosed && !m_wish.isFullScreen);
+}
+
+/// What the mode itself comes to, since SDL knows whole numbers only.
+void Window::findRate()
+{
+    SDL_DisplayMode mode;
+    m_rate = m_wish.place.rate;
+    if (m_rate < slowestRate || m_rate > fastestRate)
+        m_rate = SDL_GetWindowDisplayMode(m_window, &mode) == 0 ? mode.refresh_rate : 0;
+    if (m_rate < slowestRate || m_rate > fastestRate)
+        m_rate = usualRate;
+}
+
+bool Window::begin(std::string* error)
+{
+    if (SDL_GL_MakeCurrent(m_window, m_context) != 0)
+        return fail(error, SDL_GetError());
+    m_renderer = rendererName();
+    m_isSoftware =
+        m_renderer.find("llvmpipe") != std::string::npos || m_renderer.find("softpipe") != std::string::npos;
+    m_painter = Painter::create(m_window, m_isSoftware, error);
+    if (!m_painter)
+        return false;
+    findBeat();
+    return true;
+}
+
+void Window::end()
+{
+    if (m_connection.isLost) {
+        std::ignore = m_painter.release();
+        return;
+    }
+    m_painter.reset();
+    SDL_GL_MakeCurrent(m_window, nullptr);
 }
 
 /// Whether a swap waits for the display is seen from a few: drivers promise it and do not do it.
-void Display::Window::findBeat()
+void Window::findBeat()
 {
     using Clock = std::chrono::steady_clock;
     if (SDL_GL_SetSwapInterval(1) != 0)
@@ -128,45 +144,37 @@ void Display::Window::findBeat()
         SDL_GL_SetSwapInterval(0);
 }
 
-int Display::Window::width() const
+int Window::width() const
 {
     int width = 0, height = 0;
     SDL_GL_GetDrawableSize(m_window, &width, &height);
     return width;
 }
 
-int Display::Window::height() const
+int Window::height() const
 {
     int width = 0, height = 0;
     SDL_GL_GetDrawableSize(m_window, &width, &height);
     return height;
 }
 
-Display::Fate Display::Window::handleEvents()
+/// Where the machine tells of its outputs the display is told where to be, and need not see it here.
+Window::Fate Window::fate() const
 {
-    SDL_Event event;
-    Fate fate = Fate::Stays;
-    while (SDL_PollEvent(&event)) {
-        if (event.type == SDL_WINDOWEVENT)
-            m_isExposed = true;
-        if (event.type == SDL_WINDOWEVENT && event.window.event == SDL_WINDOWEVENT_CLOSE && m_isWindow)
-            fate = Fate::Closed;
-        const bool isOtherScreen =
-            event.type == SDL_DISPLAYEVENT && (event.display.event == SDL_DISPLAYEVENT_CONNECTED ||
-                                               event.display.event == SDL_DISPLAYEVENT_DISCONNECTED);
-        if (isOtherScreen && !m_isWindow)
-            fate = Fate::Moved;
-        if (event.type == SDL_QUIT)
-            m_connection.isLost = true;
-    }
-    return m_connection.isLost ? Fate::Lost : fate;
+    const bool isMoved = m_seesOthers && m_wish.isFullScreen && !m_wish.place.area;
+    return m_connection.isLost ? Fate::Lost
+           : m_mustLeave       ? Fate::Left
+           : m_isClosed        ? Fate::Closed
+           : isMoved           ? Fate::Moved
+                               : Fate::Stays;
 }
 
-std::string Display::Window::description() const
+std::string Window::description() const
 {
-    char text[200];
-    std::snprintf(text, sizeof text, "program is on a display of %d x %d at %.3g Hz, painted by %s%s",
-                  width(), height(), m_rate, m_renderer.c_str(), m_givesBeat ? "" : ", without its beat");
+    char text[300];
+    const std::string& name = m_wish.place.name.empty() ? m_wish.title : m_wish.place.name;
+    std::snprintf(text, sizeof text, "%s shows %d x %d at %.4g Hz, painted by %s%s", name.c_str(), width(),
+                  height(), m_rate, m_renderer.c_str(), m_givesBeat ? "" : ", without its beat");
     return text;
 }
 

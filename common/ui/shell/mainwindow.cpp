@@ -10,6 +10,7 @@
 #include "common/qml/qmlmanager.h"
 #include "common/session/link/connectionhandler.h"
 #include "common/session/link/linkhealth.h"
+#include "common/session/mirror/guimapping.h"
 #include "common/session/mirror/guioutput.h"
 #include "common/session/mirror/guishowconfiguration.h"
 #include "common/session/mirror/objecttreemodel.h"
@@ -240,8 +241,9 @@ void MainWindow::updateShow()
 void MainWindow::updateScreen()
 {
     const SceneObjectProvider* scene = m_session->sceneObjectProvider();
+    const QString target = scene->programMapping()->target();
     ScreenHealth screen = scene->output1()->screen();
-    if (!screen.isThere())
+    if (scene->output2()->name() == target || (!screen.isThere() && scene->output1()->name() != target))
         screen = scene->output2()->screen();
     const bool isCurrent = m_session->linkHealth()->state() == LinkHealth::State::Current;
     m_statusBar->setScreen(isCurrent ? screen.summary() : QString(), screen.details(), screen.isWell());

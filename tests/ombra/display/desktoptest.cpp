@@ -1,0 +1,224 @@
+#include "ombra/outputs/displayedid.h"
+#include "tests/ombra/display/virtualdesktop.h"
+#include "tests/ombra/linkpeer.h"
+#include "tests/support/ombraprocess.h"
+#include "tests/support/testmain.h"
+#include "tests/support/testmedia.h"
+
+#include <QDeadlineTimer>
+#include <QElapsedTimer>
+#include <QTest>
+
+using namespace vantrel::ombra::test;
+using namespace vantrel::test;
+
+namespace {
+
+constexpr int patience = 8000; // milliseconds
+constexpr QRgb green = 0xff00ff00, red = 0xffff0000, black = 0xff000000;
+constexpr QPoint left{0, 0}, right{640, 0};
+const std::string outputs = "/device/system/gpus/0/outputs/";
+
+QByteArray projector()
+{
+    return QByteArray::fromHex(
+        QByteArray::fromStdString(vantrel::ombra::makeEdid({.product = "Projector",
+                                                            .serial = "P-1",
+                                                            .maxRate = 120,
+                                                            .maxLineRate = 80,
+                                                            .maxDotClock = 150'000'000,
+                                                            .preferred = *vantrel::findDmt(0x1c),
+                                                            .videoCodes = {19, 4}})));
+}
+
+} // namespace
+
+/// A desktop with two screens: the machine's outputs, and what is seen on each of them.
+class DesktopTest : public QObject
+{
+    Q_OBJECT
+
+private:
+    const QTemporaryDir m_folder;
+    VirtualDesktop m_desktop;
+    std::unique_ptr<OmbraProcess> m_ombra;
+    std::unique_ptr<LinkPeer> m_peer;
+
+    void send(const std::string& operation)
+    {
+        m_peer->send("[" + operation + "]");
+        QVERIFY(m_peer->socket.waitForBytesWritten(patience));
+    }
+    void invoke(const std::string& method, const std::string& arguments)
+    {
+        send(R"({"op":"invoke","path":")" + method + R"(","value":)" + arguments + "}");
+    }
+    void play(const char* side, int slot)
+    {
+        invoke("/device/channels/0/" + std::string(side) + "/methods/playMedia",
+               R"({"mediaUrl":"brume://collections/1/slots/)" + std::to_string(slot) + "\"}");
+    }
+    void target(const char* preview, const char* program)
+    {
+        const std::string rest = R"(","mode1":"fit","bg1":"#000000","mode2":"fit","bg2":"#000000","target)";
+        invoke("/device/channels/0/methods/configure",
+               R"({"target1":")" + std::string(preview) + rest + R"(2":")" + program + "\"}");
+    }
+    std::string value(const std::string& path)
+    {
+        m_peer->read();
+        return m_peer->value(path);
+    }
+    std::string of(int output, const char* property)
+    {
+        return value(outputs + std::to_string(output) + "/properties/" + property);
+    }
+    QRgb at(QPoint corner) const
+    {
+        return m_desktop.grab(QRect(corner + QPoint(320, 90), QSize(1, 1))).pixel(0, 0);
+    }
+
+    void startServer(const QStringList& options)
+    {
+        m_ombra = std::make_unique<OmbraProcess>();
+        m_ombra->setMediaFolder(m_folder.path());
+        m_ombra->setOptions(options + QStringList{QStringLiteral("--no-sound")});
+        QVERIFY(m_ombra->start());
+        m_peer = std::make_unique<LinkPeer>(m_ombra->ports().link);
+        QVERIFY(m_peer->socket.waitForConnected(patience));
+        m_peer->send(R"([{"op":"get","path":""}])");
+        play("preview", 1);
+        play("program", 2);
+    }
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        if (!OmbraProcess::isAvailable())
+            QSKIP("HALCYRA_BIN names no folder with the server");
+        qputenv("SDL_VIDEODRIVER", "x11");              // never the console of whoever tests
+        for (const char* color : {"0x00ff00", "red"}) { // by name: green is first
+            const QString source =
+                QStringLiteral("color=%1:s=640x360:d=0.04,format=rgb24").arg(QLatin1String(color));
+            const QString file =
+                color == QByteArray("red") ? QStringLiteral("red.png") : QStringLiteral("green.png");
+            QVERIFY(runFfmpeg({QStringLiteral("-f"), QStringLiteral("lavfi"), QStringLiteral("-i"), source,
+                               QStringLiteral("-frames:v"), QStringLiteral("1"), m_folder.filePath(file)}));
+        }
+        QVERIFY2(m_desktop.start(), qPrintable(m_desktop.trouble()));
+        QVERIFY(m_desktop.light(1, "640x360", right));
+        m_desktop.setEdid(1, projector());
+        qputenv("DISPLAY", m_desktop.name().toLatin1());
+        startServer({QStringLiteral("--display"), QStringLiteral("--display-preview")});
+    }
+
+    void hasTheMachinesOutputs()
+    {
+        QTRY_COMPARE_WITH_TIMEOUT(of(1, "name"), std::string("DUMMY1"), patience);
+        QCOMPARE(of(0, "name"), std::string("DUMMY0"));
+        QCOMPARE(of(0, "edid"), std::string());
+        QCOMPARE(of(1, "edid"), projector().toHex().toStdString());
+        QCOMPARE(of(1, "product"), std::string("Projector"));
+        QCOMPARE(of(1, "width") + " " + of(1, "hTotal") + " " + of(1, "dotClock"),
+                 std::string("640 752 17190000"));
+        QTRY_VERIFY_WITH_TIMEOUT(std::abs(std::stod(of(1, "screenRate")) - 60) < 0.1, patience);
+    }
+
+    /// Each mapping is seen on its own output, and no other one, before and after a swap.
+    void showsEachWhereItBelongs()
+    {
+        QTRY_VERIFY_WITH_TIMEOUT(at(left) == green && at(right) == red, patience);
+        target("DUMMY1", "DUMMY0");
+        QTRY_VERIFY_WITH_TIMEOUT(at(left) == red && at(right) == green, patience);
+        target("DUMMY0", "DUMMY1");
+        QTRY_VERIFY_WITH_TIMEOUT(at(left) == green && at(right) == red, patience);
+        QVERIFY(!m_ombra->output().contains("no display: "));
+    }
+
+    void identifiesEach()
+    {
+        const auto isCard = [this](QPoint corner) {
+            return m_desktop.grab(QRect(corner, QSize(1, 1))).pixel(0, 0) == 0xffffffff;
+        };
+        send(R"({"op":"replace","path":"/device/channels/0/preview/properties/media","value":""})");
+        QTRY_COMPARE_WITH_TIMEOUT(at(left), black, patience);
+        invoke(outputs + "0/methods/identify", R"({"on":true})");
+        QTRY_VERIFY_WITH_TIMEOUT(isCard(left), patience);
+        QCOMPARE(at(right), red);
+        invoke(outputs + "1/methods/identify", R"({"on":true})"); // program is there
+        play("preview", 1);
+        QTRY_COMPARE_WITH_TIMEOUT(at(left), green, patience);
+        QCOMPARE(of(0, "identified") + of(1, "identified"), std::string("falsefalse"));
+    }
+
+    /// What the desktop does with a screen is seen in the scene, and program comes back to where it was.
+    void followsTheDesktop()
+    {
+        const std::string notice = "/device/system/properties/notice";
+        QVERIFY(m_desktop.light(1, "", right));
+        QTRY_VERIFY_WITH_TIMEOUT(value(notice).find("DUMMY1 is switched off") != std::string::npos, patience);
+        QTRY_COMPARE_WITH_TIMEOUT(of(1, "screenRate"), std::string("0"), patience);
+        QCOMPARE(at(left), green);
+        QVERIFY(m_desktop.light(1, "480x270", right));
+        QTRY_COMPARE_WITH_TIMEOUT(of(1, "width"), std::string("480"), patience);
+        QTRY_COMPARE_WITH_TIMEOUT(m_desktop.grab(QRect(right, QSize(1, 1))).pixel(0, 0), red, patience);
+        QTRY_VERIFY_WITH_TIMEOUT(value(notice).empty(), patience);
+        QVERIFY(m_desktop.light(1, "640x360", right));
+        QTRY_VERIFY_WITH_TIMEOUT(at(left) == green && at(right) == red, patience);
+    }
+
+    /// Without preview the operator's screen is the operator's, until program is sent there.
+    void movesProgramAlone()
+    {
+        m_ombra->stop();
+        startServer({QStringLiteral("--display")});
+        QTRY_COMPARE_WITH_TIMEOUT(at(right), red, patience);
+        QCOMPARE(at(left), black);
+        for (int times = 0; times < 10; ++times) {
+            const bool isBack = times % 2;
+            const QPoint from = isBack ? left : right, to = isBack ? right : left;
+            isBack ? target("DUMMY0", "DUMMY1") : target("DUMMY1", "DUMMY0");
+            for (const QDeadlineTimer limit(patience); at(to) != red;) // it is somewhere all the time
+                QVERIFY((at(from) == red || at(to) == red) && !limit.hasExpired());
+            QTRY_COMPARE_WITH_TIMEOUT(at(from), black, patience);
+        }
+    }
+
+    /// A desktop that hangs holds up nobody, and is told as no screen.
+    void survivesAHangingDesktop()
+    {
+        m_ombra->stop();
+        startServer({QStringLiteral("--display"), QStringLiteral("--display-preview")});
+        QTRY_VERIFY_WITH_TIMEOUT(at(left) == green && at(right) == red, patience);
+        m_desktop.hang(true);
+        play("program", 1);
+        play("preview", 2);
+        QTRY_COMPARE_WITH_TIMEOUT(of(1, "screenRate"), std::string("0"), 2 * patience);
+        QElapsedTimer clock;
+        clock.start();
+        m_ombra->stop(10000);
+        const bool isInTime = clock.elapsed() < 9000; // and was not killed
+        m_desktop.hang(false);
+        QVERIFY(isInTime);
+    }
+
+    void survivesTheDesktop()
+    {
+        startServer({QStringLiteral("--display"), QStringLiteral("--display-preview")});
+        QTRY_VERIFY_WITH_TIMEOUT(at(left) == green && at(right) == red, patience);
+        m_desktop.end();
+        QTRY_COMPARE_WITH_TIMEOUT(of(1, "screenRate") + of(0, "screenRate"), std::string("00"), patience);
+        QTRY_VERIFY_WITH_TIMEOUT(value("/device/system/properties/notice").find("The desktop") == 0,
+                                 patience);
+        QCOMPARE(m_ombra->output().count("the desktop is gone"), 1);
+        QVERIFY(!m_ombra->output().contains("is switched off"));
+        QVERIFY(m_ombra->isRunning());
+        QElapsedTimer clock;
+        clock.start();
+        m_ombra->stop(10000);
+        QVERIFY(clock.elapsed() < 9000);
+    }
+};
+
+HALCYRA_TEST(DesktopTest)
+#include "desktoptest.moc"
