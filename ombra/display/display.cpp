@@ -16,6 +16,9 @@ using Fate = Window::Fate;
 constexpr double missedAfter = 0.5;
 /// A card that paints nothing for so many seconds has lost the window.
 constexpr double givenUpAfter = 2;
+/// After so many seconds with one picture the beat is found anew, in so many pictures.
+constexpr double stillFor = 0.5;
+constexpr int settledAfter = 3;
 /// A screen without a beat for so long shows nothing that it is given.
 constexpr auto hangsAfter = 3s;
 /// Moments that wait for their time; a display that falls behind by more shows newer ones.
@@ -279,7 +282,8 @@ Fate Display::present(Window& window, const Place& place)
         std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(1 / window.rate()));
     Clock::time_point next = Clock::now() + period;
     Painted painted;
-    int refused = 0; // pictures, one after the other
+    int refused = 0;             // pictures, one after the other
+    int still = 0, settling = 0; // beats
     Fate fate = Fate::Stays;
     while (!isStopped() && (fate = fateOf(window, place)) == Fate::Stays) {
         const bool isFresh = ask(next, period / 2);
@@ -308,6 +312,15 @@ Fate Display::present(Window& window, const Place& place)
         long long missed = 0;
         if (shown > next + std::chrono::duration_cast<Clock::duration>(period * missedAfter))
             missed = std::max<long long>(1, (shown - next) / period);
+        if (isPainted && still > stillFor * window.rate())
+            settling = settledAfter;
+        still = isPainted ? 0 : still + 1;
+        if (window.givesBeat() && isPainted &&
+            settling > 0) { // while it stood nobody looked where the beat is
+            --settling;
+            missed = 0;
+            next = shown;
+        }
         if (window.givesBeat() && isPainted && missed == 0)
             next += (shown - next) / 16; // the display's own rate and phase, without the jitter of a thread
         next += (missed + 1) * period;
