@@ -31,8 +31,9 @@ QString copySlots(const MediaLibraryModel& library, int collection, const QList<
     QMimeData* const data = library.mimeDataOf(addresses);
     if (!data)
         return {};
+    static int cuts = 0;
     if (isCut)
-        data->setData(cutFormat, "1");
+        data->setData(cutFormat, QByteArray::number(++cuts));
     QGuiApplication::clipboard()->setMimeData(data);
     const int count = static_cast<int>(slotNumbers.size());
     return isCut ? translated("%n slots are cut: they move where they are pasted.", count)
@@ -42,12 +43,16 @@ QString copySlots(const MediaLibraryModel& library, int collection, const QList<
 void pasteSlots(SlotDrops* drops, int number)
 {
     const QMimeData* const data = QGuiApplication::clipboard()->mimeData();
-    const bool isCut = data && data->hasFormat(cutFormat);
-    if (!data || !drops->paste(data, isCut, number))
-        return tellNotDone(translated("Paste slots"),
-                           translated("There are no slots on the clipboard. Copy some first."));
-    if (isCut)
-        QGuiApplication::clipboard()->clear(); // where they were they are no more
+    const QByteArray cut = data ? data->data(cutFormat) : QByteArray();
+    // Where they were they are no more.
+    const auto letGo = [cut] {
+        QClipboard* const clipboard = QGuiApplication::clipboard();
+        if (!cut.isEmpty() && clipboard->mimeData() && clipboard->mimeData()->data(cutFormat) == cut)
+            clipboard->clear();
+    };
+    if (!data || !drops->paste(data, !cut.isEmpty(), number, letGo))
+        tellNotDone(translated("Paste slots"),
+                    translated("There are no slots on the clipboard. Copy some first."));
 }
 
 } // namespace vantrel

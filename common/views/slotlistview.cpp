@@ -25,6 +25,16 @@ namespace vantrel {
 
 using colors::getColor;
 
+namespace {
+
+/// Of the place, as a drop takes it.
+QString numbersOf(const SlotPlace& taken, const DropForecast& forecast)
+{
+    return forecast.isExact ? taken.numbers() : SlotListView::tr("from %1").arg(taken.first);
+}
+
+} // namespace
+
 SlotListView::SlotListView(QWidget* parent)
     : QListView(parent)
 {
@@ -258,7 +268,7 @@ void SlotListView::paintPlaces(QPainter& painter)
     SlotPlace place{.first = next, .last = MediaCollection::slotIndexMax};
     if (isAimed)
         place = {.first = m_drops->aim(m_target).first, .last = m_drops->aim(m_target).last};
-    QString text = isAimed ? place.numbers() : place.text();
+    QString text = isAimed ? numbersOf(place, m_drops->aim(m_target)) : place.text();
     const QString whole = text + QStringLiteral("  –  ") + SlotPlace::hint();
     const int margins = 2 * height / 3;
     if (!isAimed && fontMetrics().horizontalAdvance(whole) + margins <= above.width())
@@ -272,7 +282,7 @@ void SlotListView::paintAimedPlace(QPainter& painter, int row, const DropForecas
     const SlotPlace taken{.first = std::max(slotAt(row), forecast.first),
                           .last = std::min(lastOf(row), forecast.last)};
     painter.fillRect(visualRect(index), getColor(colors::Slate_grey_800)); // over what it says while it rests
-    SlotDelegate::paintPlace(&painter, visualRect(index), font(), taken.numbers(), true);
+    SlotDelegate::paintPlace(&painter, visualRect(index), font(), numbersOf(taken, forecast), true);
 }
 
 /// The rows that a drop would take, the line where it lands, and what it does, in words.

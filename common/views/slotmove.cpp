@@ -1,5 +1,6 @@
 #include "common/views/slotmove.h"
 
+#include "common/command/refusal.h"
 #include "common/media/models/medialibrarymodel.h"
 #include "common/ui/toolkit/textinputdialog.h"
 #include "common/ui/toolkit/ztedit.h"
@@ -25,18 +26,18 @@ QString translated(const char* text, int count = -1)
 void askWhereToMove(SlotDrops* drops, const MediaLibraryModel* library, int collection,
                     const QList<int>& slotNumbers, QWidget* window)
 {
-    QList<MediaAddress> addresses;
-    for (const int slot : slotNumbers)
-        addresses.append(MediaAddress(collection, slot));
-    const std::shared_ptr<QMimeData> data(library->mimeDataOf(addresses));
-    if (!data)
-        return;
     auto* dialog = new TextInputDialog(translated("Move %n slots", static_cast<int>(slotNumbers.size())),
                                        translated("Number of the first slot"), translated("MOVE"), window);
     dialog->setObjectNames(QStringLiteral("MoveSlots"));
     dialog->setAttribute(Qt::WA_DeleteOnClose);
-    // What is read there is what may go without another question.
-    const auto told = std::make_shared<DropForecast>();
+    const auto begin = [=, number = drops->numbers().follow(collection)] {
+        QList<MediaAddress> addresses;
+        for (const int slot : slotNumbers)
+            addresses.append(MediaAddress(*number, slot));
+        const std::unique_ptr<QMimeData> data(library->mimeDataOf(addresses));
+        drops->setCollection(*number);
+        return data && drops->begin(data.get());
+    };
     const auto forecastOf = [=](const QString& text) {
         bool isNumber = false;
         const int number = text.trimmed().toInt(&isNumber);
@@ -45,11 +46,15 @@ void askWhereToMove(SlotDrops* drops, const MediaLibraryModel* library, int coll
             forecast.fault = translated("A number from %1 to %2.")
                                  .arg(MediaCollection::slotIndexMin)
                                  .arg(MediaCollection::slotIndexMax);
-        else if (drops->begin(data.get()))
+        else if (begin())
             forecast = drops->aim(number);
+        else
+            forecast.fault = translated("The slots are not in the library any more.");
         drops->end();
         return forecast;
     };
+    // What is read there is what may go without another question.
+    const auto told = std::make_shared<DropForecast>();
     const auto tell = [=](const QString& text) {
         *told = forecastOf(text);
         dialog->setHelp(0, told->isPossible() || text.isEmpty() ? told->text() : QString());
@@ -60,8 +65,8 @@ void askWhereToMove(SlotDrops* drops, const MediaLibraryModel* library, int coll
     QObject::connect(dialog, &TextInputDialog::valuesConfirmed, drops, [=](const QStringList& values) {
         const int number = values.value(0).toInt();
         const bool isAsTold = forecastOf(values.value(0)) == *told;
-        if (!drops->begin(data.get()))
-            return;
+        if (!begin())
+            return tellNotDone(translated("Move slots"), forecastOf(values.value(0)).fault);
         if (isAsTold)
             drops->aim(number);
         drops->drop(number);

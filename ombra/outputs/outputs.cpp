@@ -242,14 +242,14 @@ void Outputs::targetWritten(int index, bool isByClient)
 {
     const std::string name = propertyOf<std::string>(mapping(index), "target");
     const int output = outputNamed(name);
-    if (output >= 0 && isByClient) { // what stood in is chosen now
-        m_wanted[static_cast<std::size_t>(index)] = name;
-        m_wanted[static_cast<std::size_t>(1 - index)] = names()[static_cast<std::size_t>(1 - output)];
-        m_isChosen = true;
-    } else if (!isByClient) {
-        m_wanted[static_cast<std::size_t>(index)] = name;
-        m_isChosen = false;
-    }
+    std::string& wanted = m_wanted[static_cast<std::size_t>(index)];
+    std::string& others = m_wanted[static_cast<std::size_t>(1 - index)];
+    if (output >= 0 || !isByClient)
+        wanted = name;
+    if (output >= 0 && (isByClient || others == name)) // what stood in is chosen now
+        others = names()[static_cast<std::size_t>(1 - output)];
+    if (output >= 0 || !isByClient)
+        m_isChosen = isByClient;
     showTargets();
 }
 

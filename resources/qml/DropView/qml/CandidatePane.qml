@@ -95,6 +95,7 @@ FocusScope {
             model: pane.model
             Accessible.role: Accessible.List
             Accessible.name: pane.name
+            currentRow: selection.currentRow
             onActiveFocusChanged: if (activeFocus && selection.currentRow < 0) selection.moveTo(0)
             Keys.onShortcutOverride: (event) => event.accepted = event.key === Qt.Key_Delete
                                      || (event.key === Qt.Key_A && event.modifiers & Qt.ControlModifier)

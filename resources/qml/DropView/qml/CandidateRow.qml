@@ -26,6 +26,7 @@ Rectangle {
     Accessible.name: text
     Accessible.selectable: true
     Accessible.selected: isSelected
+    Accessible.focused: isCurrent
 
     ZTIcon {
         id: icon

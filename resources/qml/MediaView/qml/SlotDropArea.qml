@@ -114,8 +114,7 @@ Item {
 
                 objectName: area.pane.objectName + "-drop-numbers"
                 anchors.centerIn: parent
-                text: area.aimed === null ? "" : !area.aimed.isExact ? qsTr("from %1").arg(area.aimed.first)
-                    : area.pane.numbersOf(area.aimed.first, area.aimed.last)
+                text: area.aimed === null ? "" : area.pane.numbersOf(area.aimed.first, area.aimed.last)
                 color: Theme.onAccent
                 font.weight: Font.DemiBold
             }

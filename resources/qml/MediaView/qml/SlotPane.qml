@@ -28,7 +28,11 @@ FocusScope {
     property var aimed: null
 
     onActiveFocusChanged: if (activeFocus) collectionPanes.current = panel.index
-    function numbersOf(first, last) { return first === last ? String(first) : first + " – " + last }
+    // What of a range a drop takes; how far it goes tells only once it is read.
+    function numbersOf(first, last) {
+        return aimed !== null && aimed.isExact === false ? qsTr("from %1").arg(first)
+             : first === last ? String(first) : first + " – " + last
+    }
     function takeFocus() { grid.forceActiveFocus() }
     function selectedSlots() { return slotModel.slotsAt(selection.rows()) }
     // A place has nothing to be played or named.
