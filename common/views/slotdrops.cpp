@@ -412,14 +412,17 @@ void SlotDrops::finish(MediaDrop* drop, int toldLast)
                          names) > 0)
         review(drop);
     else if (!save(drop))
-        drop->cancel();
+        letGo(drop);
 }
 
 void SlotDrops::review(MediaDrop* drop)
 {
-    const auto forecast = [this](const MediaDrop& of) {
-        DropForecast now = DropForecast::of(of, *m_manager);
-        if (const QString why = hindranceOf(of); !why.isEmpty())
+    const auto forecast = [self = QPointer(this)](const MediaDrop& of) {
+        DropForecast now;
+        if (!self)
+            return now; // the view has gone, and the drop goes with it
+        now = DropForecast::of(of, *self->m_manager);
+        if (const QString why = self->hindranceOf(of); !why.isEmpty())
             now.fault = why;
         return now;
     };
@@ -432,7 +435,7 @@ void SlotDrops::review(MediaDrop* drop)
         if (!drop || save(drop))
             return;
         if (drop->lastSlot() < 0)
-            drop->cancel();
+            letGo(drop);
         else
             review->tell();
     });
@@ -465,7 +468,7 @@ QString SlotDrops::hindranceOf(const MediaDrop& drop) const
     return {};
 }
 
-/// False, and it stands as it did, where it was not: it is empty, or nobody took it, which was told.
+/// False, and it stands as it did, where it was not: it is empty, has no room, or nobody took it.
 bool SlotDrops::save(MediaDrop* drop)
 {
     bool isSaved = false;
@@ -476,9 +479,16 @@ bool SlotDrops::save(MediaDrop* drop)
     else if (drop->faults().isEmpty())
         drop->addFault(tr("There is nothing in it that a slot could hold."));
     disconnect(connection);
-    if (isSaved || drop->lastSlot() < 0)
+    if (isSaved)
         tell(drop->faults()); // it is deleted later
     return isSaved;
+}
+
+/// With what there is to be said of it.
+void SlotDrops::letGo(MediaDrop* drop)
+{
+    tell(drop->faults());
+    drop->cancel();
 }
 
 /// Of many the first.

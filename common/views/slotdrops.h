@@ -125,6 +125,7 @@ private:
     FileSystem* server() const;
     void settle(const QUrl& media, bool isSupplanted);
     bool save(MediaDrop* drop);
+    void letGo(MediaDrop* drop);
     void tell(const QStringList& faults) const;
     void refuse(const QString& why) const;
 

@@ -210,6 +210,19 @@ private Q_SLOTS:
         QTRY_VERIFY(hand.slot(3)->isPlayable());
     }
 
+    /// What a folder holds is known late, and there may be no room for it.
+    void saysThatThereIsNoRoom()
+    {
+        expectWarning(QStringLiteral("No room for 2 slot(s)"));
+        DroppingHand hand;
+        QVERIFY(hand.isReady());
+        for (const char* name : {"sounds/a.wav", "sounds/b.wav"})
+            hand.makeSound(QString::fromLatin1(name));
+        QVERIFY(hand.drop({QStringLiteral("sounds")}, 9999));
+        QTRY_VERIFY(hand.wasTold(QStringLiteral("There is no room for 2 slots from slot 9999 on.")));
+        QVERIFY(!hand.slot(9999));
+    }
+
     /// What its slot names is no file: how far it is tells of all its pictures.
     void sequenceSaysHowFarItIs()
     {
