@@ -190,6 +190,12 @@ void Server::buildOutputs()
                 m_out->follow();
         });
     });
+    m_outputs->setModeSetter(
+        [this](const std::string& connector, const VideoTiming& mode, const VideoOutput::ModeAnswer& answer) {
+            m_machine->setMode(connector, mode, [this, answer](const std::string& why) {
+                boost::asio::post(m_io, [answer, why] { answer(why); });
+            });
+        });
     m_outputs->follow(m_machine->first(machinePatience));
 }
 

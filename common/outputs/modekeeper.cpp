@@ -81,7 +81,10 @@ QString ModeKeeper::question() const
     const auto value = [this](int column) { return m_model->index(0, column).data(); };
     const auto together = [](QString text) { return text.replace(u' ', QChar::Nbsp); };
     const int seconds = m_model->confirmSeconds();
-    return tr("Output %1, which the audience sees, shows %2 at %3. It goes back by itself in %4.")
+    const bool isPreview = value(OutputModel::TargetColumn).toString() == QStringLiteral("preview");
+    return (isPreview
+                ? tr("Output %1 shows %2 at %3. It goes back by itself in %4.")
+                : tr("Output %1, which the audience sees, shows %2 at %3. It goes back by itself in %4."))
         .arg(m_outputNumber)
         .arg(together(
                  sizeText(value(OutputModel::WidthColumn).toInt(), value(OutputModel::HeightColumn).toInt())),

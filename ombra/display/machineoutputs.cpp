@@ -3,6 +3,9 @@
 #include "ombra/display/randr.h"
 
 #include <cstdlib>
+#include <deque>
+#include <sys/eventfd.h>
+#include <unistd.h>
 
 namespace vantrel::ombra {
 
@@ -12,6 +15,8 @@ using namespace std::chrono_literals;
 
 /// How often a desktop is looked for, and asked whatever it tells by itself.
 constexpr auto lookAgainAfter = 1s;
+/// How long a stop waits for the desktop, which may hang, and where its outputs are to get their modes back.
+constexpr std::chrono::milliseconds stopsWithin = 200ms, restoresWithin = 2s;
 
 /// "DISPLAY" of this machine, and not of one at the other end of a network.
 bool isDesktopHere()
@@ -22,6 +27,13 @@ bool isDesktopHere()
 
 } // namespace
 
+struct Wish
+{
+    std::string connector;
+    VideoTiming mode;
+    MachineOutputs::Answer answer;
+};
+
 /// What the thread does: it outlives MachineOutputs where a desktop hangs.
 struct MachineOutputs::Watch
 {
@@ -31,14 +43,24 @@ struct MachineOutputs::Watch
     std::function<void(Connectors)> listener;
 
     std::mutex mutex;
-    std::condition_variable change;
+    mutable std::condition_variable change;
     std::optional<Connectors> found;
-    bool isStopped = false;
+    std::deque<Wish> wishes;
+    bool isStopped = false, isEnded = false, hasOurs = false;
+    const int wake = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
 
     // Of the thread:
     std::unique_ptr<Randr> desktop; // the first that there is
 
+    ~Watch() { close(wake); }
+    void wakeUp() const
+    {
+        change.notify_all();
+        eventfd_write(wake, 1);
+    }
     void run();
+    void fulfil(const Wish& wish);
+    std::optional<Wish> nextWish();
     Connectors read();
     void tell(Connectors now);
     void pause();
@@ -54,7 +76,36 @@ void MachineOutputs::Watch::run()
     while (!mustStop()) {
         tell(read());
         pause();
+        while (const auto wish = nextWish())
+            fulfil(*wish);
     }
+    if (desktop && !desktop->isLost())
+        desktop->restoreModes();
+    const std::lock_guard lock(mutex);
+    isEnded = true;
+    change.notify_all();
+}
+
+std::optional<Wish> MachineOutputs::Watch::nextWish()
+{
+    const std::lock_guard lock(mutex);
+    if (wishes.empty())
+        return std::nullopt;
+    Wish wish = std::move(wishes.front());
+    wishes.pop_front();
+    return wish;
+}
+
+void MachineOutputs::Watch::fulfil(const Wish& wish)
+{
+    std::string why = "No desktop runs there that could change the mode of " + wish.connector +
+                      ": the kernel gives a console its mode when the machine starts.";
+    if (desktop && !desktop->isLost() && desktop->setMode(wish.connector, wish.mode, &why)) {
+        why.clear();
+        const std::lock_guard lock(mutex);
+        hasOurs = true;
+    }
+    wish.answer(why);
 }
 
 /// Where a desktop has ended what it said last is what is known: whose the console is then is not for us to
@@ -91,10 +142,14 @@ void MachineOutputs::Watch::tell(Connectors now)
 
 void MachineOutputs::Watch::pause()
 {
-    if (desktop && !desktop->isLost())
-        return desktop->waitForChange(lookAgainAfter);
+    if (desktop && !desktop->isLost()) {
+        desktop->waitForChange(lookAgainAfter, wake);
+        eventfd_t ignored = 0;
+        eventfd_read(wake, &ignored);
+        return;
+    }
     std::unique_lock lock(mutex);
-    change.wait_for(lock, lookAgainAfter, [this] { return isStopped; });
+    change.wait_for(lock, lookAgainAfter, [this] { return isStopped || !wishes.empty(); });
 }
 
 MachineOutputs::MachineOutputs(std::filesystem::path drm)
@@ -107,11 +162,18 @@ MachineOutputs::MachineOutputs(std::filesystem::path drm)
 MachineOutputs::~MachineOutputs()
 {
     setListener({});
-    {
-        const std::lock_guard lock(m_watch->mutex);
-        m_watch->isStopped = true;
-    }
-    m_watch->change.notify_all();
+    std::unique_lock lock(m_watch->mutex);
+    m_watch->isStopped = true;
+    m_watch->wakeUp();
+    const auto patience = m_watch->hasOurs ? restoresWithin : stopsWithin;
+    m_watch->change.wait_for(lock, patience, [this] { return m_watch->isEnded; });
+}
+
+void MachineOutputs::setMode(std::string connector, const VideoTiming& mode, Answer answer)
+{
+    const std::lock_guard lock(m_watch->mutex);
+    m_watch->wishes.push_back({std::move(connector), mode, std::move(answer)});
+    m_watch->wakeUp();
 }
 
 MachineOutputs::Connectors MachineOutputs::first(std::chrono::milliseconds patience) const

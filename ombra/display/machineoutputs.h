@@ -34,6 +34,10 @@ public:
     /// Told whenever something is another than it was told last, on the thread that asks. After this returns
     /// the one before is not called any more.
     void setListener(std::function<void(Connectors)> listener);
+    /// Gives a connector another mode, which it has until this goes. answer: told on the thread that asks,
+    /// with a sentence where it was not done.
+    using Answer = std::function<void(const std::string& why)>;
+    void setMode(std::string connector, const VideoTiming& mode, Answer answer);
 
 private:
     struct Watch;

@@ -1,10 +1,10 @@
 #include "ombra/display/randr.h"
 
 #include "ombra/display/connectionloss.h"
+#include "ombra/display/randrhandles.h"
+#include "ombra/display/randrlayout.h"
 
 #include <X11/Xatom.h>
-#include <X11/Xlib.h>
-#include <X11/extensions/Xrandr.h>
 #include <algorithm>
 #include <cstring>
 #include <poll.h>
@@ -18,21 +18,9 @@ constexpr std::size_t connectorsAtMost = 64, modesAtMost = 256;
 constexpr long edidWords = 32768 / 4;
 constexpr int largestSide = 32767; // pixels, of what X knows
 
-template <auto Free>
-struct Freer
-{
-    template <typename T>
-    void operator()(T* it) const
-    {
-        Free(it);
-    }
-};
-using Resources = std::unique_ptr<XRRScreenResources, Freer<XRRFreeScreenResources>>;
-using OutputInfo = std::unique_ptr<XRROutputInfo, Freer<XRRFreeOutputInfo>>;
-using CrtcInfo = std::unique_ptr<XRRCrtcInfo, Freer<XRRFreeCrtcInfo>>;
+} // namespace
 
-/// Names go into the scene, which is text: what is none stands as a question mark.
-std::string plainName(const char* name, int length)
+std::string randrName(const char* name, int length)
 {
     constexpr int longest = 64;
     std::string text(name, static_cast<std::size_t>(std::clamp(length, 0, longest)));
@@ -41,7 +29,7 @@ std::string plainName(const char* name, int length)
     return text;
 }
 
-std::optional<VideoTiming> timingOf(const XRRModeInfo& mode)
+std::optional<VideoTiming> randrTiming(const XRRModeInfo& mode)
 {
     const auto isSide = [](unsigned long long side) { return side > 0 && side <= largestSide; };
     if (!isSide(mode.width) || !isSide(mode.height))
@@ -72,19 +60,26 @@ std::optional<VideoTiming> timingOf(const XRRModeInfo& mode)
     return timing;
 }
 
-} // namespace
+const XRRModeInfo* randrMode(const XRRScreenResources& all, RRMode id)
+{
+    for (int i = 0; i < all.nmode; ++i) {
+        if (all.modes[i].id == id)
+            return &all.modes[i];
+    }
+    return nullptr;
+}
 
 struct Randr::Impl
 {
     ::Display* display = nullptr;
     ::Window root = 0;
     DesktopConnection connection;
+    std::optional<RandrLayout> layout;
 
     std::string edidOf(RROutput output) const;
-    const XRRModeInfo* modeOf(const XRRScreenResources& all, RRMode id) const;
     void readModes(const XRRScreenResources& all, const XRROutputInfo& info, Connector& out) const;
     void readCrtc(XRRScreenResources& all, RRCrtc crtc, Connector& out) const;
-    Resources resources() const { return Resources(XRRGetScreenResourcesCurrent(display, root)); }
+    RandrResources resources() const { return RandrResources(XRRGetScreenResourcesCurrent(display, root)); }
 };
 
 std::string Randr::Impl::edidOf(RROutput output) const
@@ -109,20 +104,11 @@ std::string Randr::Impl::edidOf(RROutput output) const
     return hex;
 }
 
-const XRRModeInfo* Randr::Impl::modeOf(const XRRScreenResources& all, RRMode id) const
-{
-    for (int i = 0; i < all.nmode; ++i) {
-        if (all.modes[i].id == id)
-            return &all.modes[i];
-    }
-    return nullptr;
-}
-
 void Randr::Impl::readModes(const XRRScreenResources& all, const XRROutputInfo& info, Connector& out) const
 {
     for (int i = 0; i < info.nmode && out.modes.size() < modesAtMost; ++i) {
-        const XRRModeInfo* mode = modeOf(all, info.modes[i]);
-        const auto timing = mode ? timingOf(*mode) : std::nullopt;
+        const XRRModeInfo* mode = randrMode(all, info.modes[i]);
+        const auto timing = mode ? randrTiming(*mode) : std::nullopt;
         if (!timing || timing->dotClock <= 0)
             continue;
         if (i < info.npreferred && !out.preferred)
@@ -133,11 +119,11 @@ void Randr::Impl::readModes(const XRRScreenResources& all, const XRROutputInfo& 
 
 void Randr::Impl::readCrtc(XRRScreenResources& all, RRCrtc crtc, Connector& out) const
 {
-    const CrtcInfo info(XRRGetCrtcInfo(display, &all, crtc));
-    const XRRModeInfo* mode = info ? modeOf(all, info->mode) : nullptr;
+    const RandrCrtc info(XRRGetCrtcInfo(display, &all, crtc));
+    const XRRModeInfo* mode = info ? randrMode(all, info->mode) : nullptr;
     if (!mode || info->width < 1 || info->height < 1)
         return;
-    out.mode = timingOf(*mode);
+    out.mode = randrTiming(*mode);
     out.isOn = true;
     out.area = {info->x, info->y, static_cast<int>(info->width), static_cast<int>(info->height)};
 }
@@ -164,6 +150,7 @@ std::unique_ptr<Randr> Randr::open()
         return nullptr;
     surviveLoss(impl->display, impl->connection);
     impl->root = DefaultRootWindow(impl->display);
+    impl->layout.emplace(impl->display, impl->root);
     int base = 0, error = 0, major = 0, minor = 0;
     std::unique_ptr<Randr> randr(new Randr(std::move(impl)));
     ::Display* display = randr->m_impl->display;
@@ -178,17 +165,17 @@ std::unique_ptr<Randr> Randr::open()
 
 std::vector<Connector> Randr::connectors()
 {
-    const Resources all = m_impl->resources();
+    const RandrResources all = m_impl->resources();
     if (!all || isLost())
         return {};
     const RROutput primary = XRRGetOutputPrimary(m_impl->display, m_impl->root);
     std::vector<std::pair<int, Connector>> found; // with their rank
     for (int i = 0; i < all->noutput && found.size() < connectorsAtMost; ++i) {
-        const OutputInfo info(XRRGetOutputInfo(m_impl->display, all.get(), all->outputs[i]));
+        const RandrOutput info(XRRGetOutputInfo(m_impl->display, all.get(), all->outputs[i]));
         if (!info)
             continue;
         Connector one;
-        one.name = plainName(info->name, info->nameLen);
+        one.name = randrName(info->name, info->nameLen);
         one.isConnected = info->connection == RR_Connected;
         if (one.isConnected) {
             one.edid = m_impl->edidOf(all->outputs[i]);
@@ -213,11 +200,21 @@ std::vector<Connector> Randr::connectors()
     return connectors;
 }
 
-void Randr::waitForChange(std::chrono::milliseconds patience)
+bool Randr::setMode(const std::string& output, const VideoTiming& mode, std::string* why)
 {
-    pollfd socket{ConnectionNumber(m_impl->display), POLLIN, 0};
+    return m_impl->layout->setMode(output, mode, why);
+}
+
+void Randr::restoreModes()
+{
+    m_impl->layout->restore();
+}
+
+void Randr::waitForChange(std::chrono::milliseconds patience, int wake)
+{
+    pollfd sockets[] = {{ConnectionNumber(m_impl->display), POLLIN, 0}, {wake, POLLIN, 0}};
     if (!XPending(m_impl->display))
-        poll(&socket, 1, static_cast<int>(patience.count()));
+        poll(sockets, 2, static_cast<int>(patience.count()));
     while (!isLost() && XPending(m_impl->display)) {
         XEvent event;
         XNextEvent(m_impl->display, &event);

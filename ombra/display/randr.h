@@ -21,8 +21,13 @@ public:
 
     /// The desktop's own first one comes first, then the others that have a display, then the rest.
     std::vector<Connector> connectors();
-    /// Waits until something of them may have changed.
-    void waitForChange(std::chrono::milliseconds patience);
+    /// Gives an output another mode, which is made where the driver does not list it. False, with a sentence,
+    /// where it is not taken.
+    bool setMode(const std::string& output, const VideoTiming& mode, std::string* why);
+    /// Those from before the first setMode().
+    void restoreModes();
+    /// Waits until something of them may have changed, or the file descriptor has something.
+    void waitForChange(std::chrono::milliseconds patience, int wake);
     /// The desktop has ended: nothing more can be asked of it.
     bool isLost() const;
 

@@ -129,7 +129,7 @@ std::optional<bool> Outputs::invoke(PathView methodPath, const Json& args, std::
     const std::string type = at.deref()->getTypeName();
     const std::string method = at.method()->name;
     if (VideoOutput* output = videoOutput(at.deref()))
-        return output->invoke(method, args, isOnAir(*output), error);
+        return output->invoke(method, args, isSeen(*output), error);
     if (type == "GpuMapping")
         return invokeMapping(at.deref(), method, args, error);
     if (type == "Channel" && method == "configure")
@@ -137,7 +137,7 @@ std::optional<bool> Outputs::invoke(PathView methodPath, const Json& args, std::
     if (type == "System" && method == "resetOutputConfiguration") {
         resetMappings(); // first: it says what is on air then
         for (const auto& output : m_outputs)
-            output->resetByClient(isOnAir(*output));
+            output->resetByClient(isSeen(*output));
         return true;
     }
     return std::nullopt;
@@ -173,10 +173,16 @@ int Outputs::outputOf(int index) const
     return object ? outputNamed(propertyOf<std::string>(object, "target")) : -1;
 }
 
-/// Whether an output shows the program.
-bool Outputs::isOnAir(const VideoOutput& output) const
+void Outputs::setModeSetter(const VideoOutput::ModeSetter& setter)
 {
-    return outputOf(programMapping) == outputNamed(output.name());
+    for (const auto& output : m_outputs)
+        output->setModeSetter(setter);
+}
+
+/// Whether somebody may lose sight of it: the audience of program, or who works at a screen of this machine.
+bool Outputs::isSeen(const VideoOutput& output) const
+{
+    return output.connector() || outputOf(programMapping) == outputNamed(output.name());
 }
 
 void Outputs::follow(const std::vector<Connector>& machine)
@@ -276,7 +282,7 @@ void Outputs::secondPassed()
 void Outputs::propertyWritten(const Object* object, const PropertyInfo* property, bool isByClient)
 {
     if (VideoOutput* output = videoOutput(object))
-        output->propertyWritten(property->name, isByClient, isByClient && isOnAir(*output));
+        output->propertyWritten(property->name, isByClient, isByClient && isSeen(*output));
     for (const int index : {previewMapping, programMapping}) {
         if (object == mapping(index) && property->name == "target")
             targetWritten(index, isByClient);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ombra/outputs/videooutput.h"
 #include "tarn/json/json.h"
 #include "tarn/json/path.h"
 #include "tarn/media/channelenums.h"
@@ -13,7 +14,6 @@
 
 namespace vantrel::ombra {
 
-class VideoOutput;
 struct Connector;
 
 /// A machine as it is unpacked: every output carries the sound of its picture.
@@ -51,6 +51,9 @@ public:
     /// To be called each second: a mode on air that nobody keeps goes back.
     void secondPassed();
 
+    /// Who gives the machine's connectors their modes; without it they keep what they have.
+    void setModeSetter(const VideoOutput::ModeSetter& setter);
+
     int count() const { return static_cast<int>(m_outputs.size()); }
     VideoOutput& at(int output) { return *m_outputs[static_cast<std::size_t>(output)]; }
     /// The output that a mapping's picture goes to; -1 where it names none.
@@ -69,7 +72,7 @@ public:
 private:
     VideoOutput* videoOutput(const Object* object) const;
     int outputNamed(const std::string& name) const;
-    bool isOnAir(const VideoOutput& output) const;
+    bool isSeen(const VideoOutput& output) const;
     void resetMappings();
     bool invokeMapping(Object* mapping, const std::string& method, const Json& args, std::string* error);
     bool configure(Object* channel, const Json& args, std::string* error);

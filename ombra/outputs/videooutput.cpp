@@ -15,8 +15,6 @@ namespace vantrel::ombra {
 
 namespace {
 
-constexpr std::string_view displayPrefix = "edid-"; // of a mode that the display itself names
-
 Json modelineJson(const std::string& id, const VideoTiming& timing, bool isStandard)
 {
     return Json::object({{"type", "Modeline"},
@@ -34,13 +32,6 @@ std::string gigabits(double bits)
     char text[32];
     std::snprintf(text, sizeof text, "%.1f Gbit/s", bits / 1e9);
     return text;
-}
-
-std::optional<Edid> edidOf(const std::string& hex)
-{
-    const auto bytes = bytesOfHex(hex);
-    Edid edid;
-    return bytes && readEdid(*bytes, edid, nullptr) ? std::optional(edid) : std::nullopt;
 }
 
 /// "1920x1200p59.95" also goes by "1920x1200p60", as shows of earlier versions have it; 59.94 Hz is another
@@ -80,6 +71,13 @@ Object* VideoOutput::object() const
     return m_scene.findObject("/device/system/gpus/0/outputs/" + std::to_string(m_index));
 }
 
+std::optional<Edid> VideoOutput::edidOf(const std::string& hex)
+{
+    const auto bytes = bytesOfHex(hex);
+    Edid edid;
+    return bytes && readEdid(*bytes, edid, nullptr) ? std::optional(edid) : std::nullopt;
+}
+
 template <typename T>
 void VideoOutput::set(const char* property, const T& value)
 {
@@ -91,7 +89,7 @@ std::string VideoOutput::text(const char* property) const
     return propertyOf<std::string>(object(), property);
 }
 
-bool VideoOutput::invoke(const std::string& method, const Json& args, bool isOnAir, std::string* error)
+bool VideoOutput::invoke(const std::string& method, const Json& args, bool isSeen, std::string* error)
 {
     if (method == "keepMode" || method == "revertMode") {
         if (!m_kept)
@@ -103,21 +101,21 @@ bool VideoOutput::invoke(const std::string& method, const Json& args, bool isOnA
         return identify(args, error);
     if (method == "selectModeline")
         return change(
-            isOnAir, [&](std::string* why) { return selectModeline(args, why); }, error);
+            isSeen, [&](std::string* why) { return selectModeline(args, why); }, error);
     if (method == "setEdidOverride")
         return change(
-            isOnAir, [&](std::string* why) { return setEdidOverride(args, why); }, error);
+            isSeen, [&](std::string* why) { return setEdidOverride(args, why); }, error);
     if (method == "resetEdid")
         return change(
-            isOnAir, [&](std::string* why) { return resetEdid(why); }, error);
+            isSeen, [&](std::string* why) { return resetEdid(why); }, error);
     return fail(error, "unknown method");
 }
 
 /// Does what changes the mode. While one waits to be kept, nothing of it is saved: who starts anew has the
 /// mode before.
-bool VideoOutput::change(bool isOnAir, const Change& act, std::string* error)
+bool VideoOutput::change(bool isSeen, const Change& act, std::string* error)
 {
-    const bool begins = isOnAir && !m_kept;
+    const bool begins = isSeen && !m_kept;
     if (begins) {
         m_kept = m_inForce;
         set("confirmSeconds", secondsToKeep);
@@ -125,7 +123,9 @@ bool VideoOutput::change(bool isOnAir, const Change& act, std::string* error)
     std::string why;
     const bool isDone = act(&why);
     tell(why);
-    if (m_kept && (isDone ? m_inForce.timing == m_kept->timing : begins)) {
+    const bool isSame =
+        isUnderWayTo(m_inForce.timing) && m_inForce.timing == (m_kept ? m_kept->timing : VideoTiming());
+    if (m_kept && (isDone ? isSame : begins)) {
         keep(); // nobody sees a difference
     } else if (m_kept && isDone) {
         m_secondsLeft = secondsToKeep;
@@ -213,91 +213,31 @@ bool VideoOutput::plug(const std::string& edid, std::string* error)
     return true;
 }
 
-void VideoOutput::follow(const Connector& connector)
-{
-    const bool isAnother = !m_real || m_real->name != connector.name || m_real->edid != connector.edid;
-    m_real = connector;
-    m_name = connector.name;
-    m_hasHadDisplay = m_hasHadDisplay || connector.isConnected;
-    set("name", m_name);
-    if (isAnother)
-        m_displayEdid = edidOf(connector.edid) ? connector.edid : std::string();
-    if (!m_displayEdid.empty())
-        m_lastEdid = m_displayEdid;
-    readDisplay();
-    takeReal();
-}
-
-void VideoOutput::pulled()
-{
-    if (!isConnected())
-        return;
-    Connector gone;
-    gone.name = m_name;
-    follow(gone);
-}
-
-void VideoOutput::tellPicture(int width, int height, double rate)
-{
-    if (!m_real || m_real->mode || width < 1 || height < 1)
-        return;
-    const auto isIt = [&](const Mode& one) {
-        return one.timing.width == width && one.timing.height == height &&
-               std::abs(one.timing.refreshRate() - rate) < 0.6; // told in whole numbers
-    };
-    const auto found = std::ranges::find_if(m_modes, isIt);
-    VideoTiming bare;
-    bare.width = width;
-    bare.height = height;
-    bare.hPolarity = bare.vPolarity = 0;
-    m_real->mode = found == m_modes.end() ? bare : found->timing;
-    takeReal();
-}
-
-HeldConnector VideoOutput::held() const
-{
-    return {m_real ? m_real->name : std::string(), m_lastEdid};
-}
-
-bool VideoOutput::isConnected() const
-{
-    return m_real ? m_real->isConnected : !m_displayEdid.empty();
-}
-
-/// The mode in force is the machine's. What nobody shows keeps the one before: the program goes on.
-void VideoOutput::takeReal()
-{
-    const VideoTiming timing = m_real->mode.value_or(m_inForce.timing);
-    const auto isIt = [&timing](const Mode& one) { return one.timing.id() == timing.id(); };
-    const Mode* chosen = find(m_inForce.modelineId);
-    auto mode = std::ranges::find(m_modes, timing, &Mode::timing);
-    if (mode == m_modes.end())
-        mode = std::ranges::find_if(m_modes, isIt);
-    const std::string id = chosen && isIt(*chosen) ? chosen->id
-                           : mode == m_modes.end() ? std::string(displayPrefix) + timing.id()
-                                                   : mode->id;
-    apply({id, timing, false}, m_inForce.maxLinkRate);
-}
-
 void VideoOutput::reset()
 {
     std::string ignored;
-    resetEdid(&ignored);
+    if (m_real && !m_inForce.modelineId.empty()) {
+        write({m_inForce.modelineId, {}, {}, false, {}});
+        readDisplay();
+        goBackTo(m_beforeOurs.value_or(m_inForce));
+    } else {
+        resetEdid(&ignored);
+    }
     tell({});
     if (m_kept)
         keep();
 }
 
-void VideoOutput::resetByClient(bool isOnAir)
+void VideoOutput::resetByClient(bool isSeen)
 {
     std::string ignored;
     change(
-        isOnAir, [this](std::string* why) { return resetEdid(why); }, &ignored);
-    if (m_kept && !isOnAir)
+        isSeen, [this](std::string* why) { return resetEdid(why); }, &ignored);
+    if (m_kept && !isSeen)
         keep();
 }
 
-void VideoOutput::propertyWritten(const std::string& property, bool isByClient, bool isOnAir)
+void VideoOutput::propertyWritten(const std::string& property, bool isByClient, bool isSeen)
 {
     if (property == "edidOverrideFilename")
         m_inForce.edidOverrideFilename = text("edidOverrideFilename");
@@ -314,7 +254,7 @@ void VideoOutput::propertyWritten(const std::string& property, bool isByClient, 
         return; // what it was given then is not to be given to it again
     std::string ignored;
     change(
-        isOnAir,
+        isSeen,
         [this, &wanted](std::string* why) {
             write(wanted);
             readDisplay();
@@ -324,11 +264,11 @@ void VideoOutput::propertyWritten(const std::string& property, bool isByClient, 
                 return fail(why, "The EDID is not taken.");
             }
             if (!take(wanted.modelineId, wanted.maxLinkRate, why))
-                takeUsual(wanted.maxLinkRate);
+                m_real ? takeReal() : takeUsual(wanted.maxLinkRate);
             return true;
         },
         &ignored);
-    if (m_kept && !isOnAir)
+    if (m_kept && !isSeen)
         keep(); // what a show has is meant
 }
 
@@ -338,10 +278,10 @@ void VideoOutput::secondPassed()
         return;
     if (--m_secondsLeft > 0)
         return set("confirmSeconds", m_secondsLeft);
-    const std::string mode = m_inForce.timing.label();
+    const std::string mode = m_inForce.timing.label(), former = m_kept->timing.label();
     revert();
-    tell("Nobody kept " + mode + " within " + std::to_string(secondsToKeep) + " seconds, so " +
-         m_inForce.timing.label() + " is back.");
+    tell("Nobody kept " + mode + " within " + std::to_string(secondsToKeep) + " seconds, so " + former +
+         " is back.");
 }
 
 void VideoOutput::tellScreen(const ScreenFigures& lately)
@@ -360,9 +300,8 @@ bool VideoOutput::take(const std::string& id, bool maxLinkRate, std::string* err
         return fail(error, "There is no mode " + id + ".");
     if (const std::string why = whyNotTaken(*mode); !why.empty())
         return fail(error, why);
-    if (m_real && mode->timing.id() != m_inForce.timing.id())
-        return fail(error, m_name + " has the mode that this machine gives it. Set " + mode->timing.label() +
-                               " in the desktop's settings there.");
+    if (m_real && !isUnderWayTo(mode->timing))
+        return ask(*mode, maxLinkRate, error);
     apply(m_real ? Mode{mode->id, m_inForce.timing, mode->isStandard} : *mode, maxLinkRate);
     return true;
 }
@@ -370,9 +309,13 @@ bool VideoOutput::take(const std::string& id, bool maxLinkRate, std::string* err
 /// The display's preferred mode, or else its first that can be shown; one that all know where it names none.
 void VideoOutput::takeUsual(bool maxLinkRate)
 {
-    if (m_real && !m_inForce.modelineId.empty())
-        return takeReal();
     const Mode* mode = find(text("preferredModelineId"));
+    if (m_real && !m_inForce.modelineId.empty()) {
+        std::string ignored;
+        if (!mode || !take(mode->id, maxLinkRate, &ignored))
+            takeReal();
+        return;
+    }
     if (!mode || !whyNotTaken(*mode).empty()) {
         const auto own = std::ranges::find_if(
             m_modes, [this](const Mode& one) { return !one.isStandard && whyNotTaken(one).empty(); });
@@ -535,7 +478,9 @@ void VideoOutput::revert()
     set("edidOverrideFilename", former.edidOverrideFilename);
     readDisplay();
     std::string ignored;
-    if (!take(former.modelineId, former.maxLinkRate, &ignored))
+    if (m_real)
+        goBackTo(former);
+    else if (!take(former.modelineId, former.maxLinkRate, &ignored))
         takeUsual(former.maxLinkRate);
     tell({});
     keep();

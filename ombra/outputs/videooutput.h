@@ -10,6 +10,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace vantrel::ombra {
@@ -34,14 +35,20 @@ public:
     void start();
 
     /// The methods of the object. False, with the reason, when nothing was done; the object tells it too.
-    /// isOnAir: an audience sees it. The mode then goes back by itself unless it is kept.
-    bool invoke(const std::string& method, const Json& args, bool isOnAir, std::string* error);
+    /// isSeen: somebody may lose sight of it. The mode then goes back by itself unless it is kept.
+    bool invoke(const std::string& method, const Json& args, bool isSeen, std::string* error);
     /// A property was written, by a client or out of a show: the output takes over what it can.
-    void propertyWritten(const std::string& property, bool isByClient, bool isOnAir);
+    void propertyWritten(const std::string& property, bool isByClient, bool isSeen);
     /// A display is plugged in, or none is: an empty text. False, with the reason, for an EDID that is none.
     bool plug(const std::string& edid, std::string* error);
     /// It is that connector of the machine from now on, by name, display, modes and mode in force.
     void follow(const Connector& connector);
+    /// Who gives a connector of the machine a mode, and answers on this thread, with a sentence where that
+    /// was not done.
+    using ModeAnswer = std::function<void(const std::string& why)>;
+    using ModeSetter =
+        std::function<void(const std::string& connector, const VideoTiming& mode, ModeAnswer answer)>;
+    void setModeSetter(ModeSetter setter) { m_setMode = std::move(setter); }
     /// What is seen there in fact, in pixels and pictures a second: its mode, where the machine tells of
     /// none.
     void tellPicture(int width, int height, double rate);
@@ -55,7 +62,7 @@ public:
     /// As on the first start.
     void reset();
     /// The same by an operator: where an audience sees it, the mode goes back by itself unless it is kept.
-    void resetByClient(bool isOnAir);
+    void resetByClient(bool isSeen);
     /// Counts down to the moment in which a mode that nobody has kept goes back.
     void secondPassed();
     /// The real screen that it is shown on, with what was counted lately. To be called each second.
@@ -80,8 +87,11 @@ private:
     };
     using Change = std::function<bool(std::string*)>;
 
+    static constexpr std::string_view displayPrefix = "edid-"; // of a mode that the display itself names
+
+    static std::optional<Edid> edidOf(const std::string& hex);
     Object* object() const;
-    bool change(bool isOnAir, const Change& act, std::string* error);
+    bool change(bool isSeen, const Change& act, std::string* error);
     bool selectModeline(const Json& args, std::string* error);
     bool setEdidOverride(const Json& args, std::string* error);
     bool resetEdid(std::string* error);
@@ -89,6 +99,9 @@ private:
     bool take(const std::string& id, bool maxLinkRate, std::string* error);
     void takeUsual(bool maxLinkRate);
     void takeReal();
+    bool ask(const Mode& mode, bool maxLinkRate, std::string* error);
+    void answered(const std::string& why);
+    bool isUnderWayTo(const VideoTiming& timing) const;
     void write(const Settings& settings);
     void apply(const Mode& mode, bool maxLinkRate);
     std::string whyNotTaken(const Mode& mode) const;
@@ -101,6 +114,7 @@ private:
     const Mode* find(const std::string& id) const;
     void keep();
     void revert();
+    void goBackTo(const Settings& former);
     void tell(const std::string& trouble);
     std::string text(const char* property) const;
     template <typename T>
@@ -116,6 +130,10 @@ private:
     std::optional<Edid> m_edid; // in force
     std::vector<Mode> m_modes;
     Settings m_inForce;
+    ModeSetter m_setMode;
+    std::optional<Settings> m_asked;      // of the machine, and not answered yet
+    std::optional<Settings> m_beforeOurs; // what a real output had before its first mode of ours
+    int m_asks = 0;
     std::optional<Settings> m_kept; // what comes back unless the mode is kept
     int m_secondsLeft = 0;
 };

@@ -161,10 +161,15 @@ void VirtualDesktop::end()
 
 QImage VirtualDesktop::grab(const QRect& area) const
 {
+    const auto before = XSetErrorHandler([](::Display*, XErrorEvent*) { return 0; });
     XImage* seen = XGetImage(m_connection->display, m_connection->root(), area.x(), area.y(),
                              unsigned(area.width()), unsigned(area.height()), AllPlanes, ZPixmap);
-    if (!seen)
-        return {};
+    XSetErrorHandler(before);
+    if (!seen) { // beyond the desktop as it is now
+        QImage nothing(area.size(), QImage::Format_RGB32);
+        nothing.fill(Qt::magenta);
+        return nothing;
+    }
     const QImage picture = QImage(reinterpret_cast<const uchar*>(seen->data), seen->width, seen->height,
                                   seen->bytes_per_line, QImage::Format_RGB32)
                                .copy();

@@ -198,6 +198,73 @@ private Q_SLOTS:
         QVERIFY(!flag(out(0) + "connected"));
     }
 
+    /// A real mode is in the scene once the machine has it; what it does not take is undone, with the reason.
+    void modesOfTheMachine()
+    {
+        makeReal();
+        std::vector<std::pair<std::string, VideoOutput::ModeAnswer>> asked;
+        m_outputs->setModeSetter([&](const std::string& connector, const VideoTiming& mode,
+                                     const VideoOutput::ModeAnswer& answer) {
+            asked.emplace_back(connector + " " + mode.id(), answer);
+        });
+        Connector wall = connector("HDMI-1", projector());
+        wall.modes = {*findDmt(0x1c), *findVic(19)};
+        const auto takes = [&](const VideoTiming& mode) {
+            asked.back().second({});
+            wall.mode = mode;
+            m_outputs->follow({connector("DP-1", Outputs::ownEdid(0)), wall});
+        };
+        wall.mode = wall.modes[0];
+        m_outputs->follow({connector("DP-1", Outputs::ownEdid(0)), wall});
+        QVERIFY(call(wallPath, "selectModeline", R"({"modelineId":"1280x720p50"})"));
+        QCOMPARE(asked.back().first, std::string("HDMI-1 1280x720p50"));
+        QCOMPARE(text(out(1) + "height") + text(out(1) + "confirmSeconds"), std::string("80015"));
+        asked.back().second("The driver does not.");
+        QCOMPARE(text(out(1) + "errorText") + text(out(1) + "confirmSeconds"),
+                 std::string("The driver does not.0"));
+        QCOMPARE(text(out(1) + "modelineId"), std::string("edid-1280x800p59.81"));
+
+        // As a client's dialog has it: with the display's own EDID in the place of the display's own EDID.
+        QVERIFY(call(wallPath, "setEdidOverride",
+                     R"({"modelineId":"edid-1280x720p50","edid":")" + projector() + R"("})"));
+        takes(wall.modes[1]);
+        QCOMPARE(text(out(1) + "modelineId") + text(out(1) + "height"), std::string("edid-1280x720p50720"));
+        QCOMPARE(text(out(1) + "confirmSeconds"), std::string("15"));
+        for (int i = 0; i < 15; ++i)
+            m_outputs->secondPassed();
+        QCOMPARE(asked.back().first, std::string("HDMI-1 1280x800p59.81"));
+        takes(wall.modes[0]);
+        QCOMPARE(text(out(1) + "modelineId"), std::string("edid-1280x800p59.81"));
+        QCOMPARE(text(out(1) + "edidOverride"), std::string());
+        QVERIFY(text(out(1) + "errorText").find("Nobody kept 1280 x 720p 50 Hz") == 0);
+
+        // Gone back before the machine had it.
+        QVERIFY(call(wallPath, "selectModeline", R"({"modelineId":"1280x720p60"})"));
+        QVERIFY(call(wallPath, "revertMode", "{}"));
+        QCOMPARE(asked.back().first, std::string("HDMI-1 1280x800p59.81"));
+        asked[asked.size() - 2].second({});
+        takes(wall.modes[0]);
+        QCOMPARE(text(out(1) + "modelineId"), std::string("edid-1280x800p59.81"));
+
+        // What was kept comes with a manual mode alone, and the first start's mode with a reset.
+        const std::size_t before = asked.size();
+        write(wallPath, "modelineId", "1280x720p50", false);
+        QCOMPARE(asked.size(), before);
+        write(wallPath, "edidOverride", projector().c_str(), false);
+        write(wallPath, "modelineId", "1280x720p50", false);
+        QCOMPARE(asked.back().first, std::string("HDMI-1 1280x720p50"));
+        takes(wall.modes[1]);
+        QVERIFY(call("/device/system", "resetOutputConfiguration", "{}"));
+        QCOMPARE(asked.back().first, std::string("HDMI-1 1280x800p59.81"));
+        // The operator's own screen may be lost from sight as well.
+        const std::string desk = "/device/system/gpus/0/outputs/0";
+        QVERIFY(call(desk, "selectModeline", R"({"modelineId":"1280x720p50"})"));
+        QCOMPARE(text(out(0) + "confirmSeconds"), std::string("15"));
+        wall.isOn = false;
+        m_outputs->follow({connector("DP-1", Outputs::ownEdid(0)), wall});
+        QVERIFY(!call(wallPath, "selectModeline", R"({"modelineId":"1280x720p60"})"));
+    }
+
     /// A display that is plugged in elsewhere is followed there; those in use are nobody else's.
     void displaysFindTheirOutput()
     {
