@@ -2,7 +2,7 @@
 """Plays the same media full screen by ombra and by mpv, one after the other on one virtual screen of 1920 x 1080, and
 counts the pictures that were never seen there, and the processor time.
 
-usage: screens.py [SECONDS OF EACH [NAME...]]
+usage: mpv.py [SECONDS OF EACH [NAME...]]
 
 Each picture carries its number as light and dark fields, which are read off the screen all the time. mpv decodes what
 it shows; ombra has the same medium on preview as well, so that a second mpv decodes it beside, for nobody.

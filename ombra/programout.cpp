@@ -90,6 +90,7 @@ void ProgramOut::connect(Engine& engine)
     if (m_screens) {
         engine.setMomentSink([this](const std::string& playback, const ShownMoment& moment) {
             for (Seat& seat : m_seats) {
+                const std::lock_guard lock(seat.mutex);
                 const int shown = seat.shows;
                 if (shown >= 0 && playback == playbackPaths[static_cast<std::size_t>(shown)])
                     seat.display->show(moment);
@@ -201,8 +202,11 @@ void ProgramOut::followTargets()
         int mapping = mappingFor(i);
         if (mapping < 0 && isUnderWay && seat.shows == program)
             mapping = program;
-        if (seat.shows.exchange(mapping) != mapping)
-            seat.display->expectAnother();
+        {
+            const std::lock_guard lock(seat.mutex); // no picture of the one before comes after this
+            if (seat.shows.exchange(mapping) != mapping)
+                seat.display->expectAnother();
+        }
         seat.display->setPlace(mapping < 0 ? std::nullopt : placeOf(i));
         if (mapping >= 0)
             followMapping(seat, mapping);

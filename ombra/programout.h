@@ -6,6 +6,7 @@
 #include <array>
 #include <atomic>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <string>
 
@@ -52,6 +53,7 @@ private:
     struct Seat
     {
         std::unique_ptr<Display> display;
+        std::mutex mutex{};             // held while a picture is given to it
         std::atomic<int> shows{-1};     // the mapping whose picture it has
         std::atomic<bool> paces{false}; // its beat is the engine's
         LastMinute dropped{}, late{};

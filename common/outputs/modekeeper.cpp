@@ -39,7 +39,10 @@ ModeKeeper::ModeKeeper(int outputNumber, OutputModel* model, std::function<bool(
 
 void ModeKeeper::follow()
 {
-    const bool waits = m_model->confirmSeconds() > 0 && m_isHeard();
+    const bool isOpen = m_model->confirmSeconds() > 0;
+    if (std::exchange(m_wasOpen, isOpen) && !isOpen && m_sinceAnswered.isValid())
+        m_sinceAsked.invalidate(); // decided here: the next one is for who asks for it
+    const bool waits = isOpen && m_isHeard();
     if (!waits)
         close();
     else if (m_dialog)

@@ -40,6 +40,7 @@ private:
     std::function<bool()> m_isHeard;
     QElapsedTimer m_sinceAsked;    // since this window has asked for another mode
     QElapsedTimer m_sinceAnswered; // and since somebody here has answered
+    bool m_wasOpen = false;        // the server waited for an answer
     QPointer<ConfirmationDialog> m_dialog;
 };
 

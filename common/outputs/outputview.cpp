@@ -104,12 +104,13 @@ void OutputView::confirmReset()
 void OutputView::resetOutputs()
 {
     const QModelIndex system = m_session->objectTreeModel()->index(QStringLiteral("/device/system"));
+    if (!execute<InvokeMethodCommand>(m_session->getQUndoStack(), "resetOutputConfiguration command",
+                                      system.data(ObjectTreeModel::ObjectRole).value<Object*>(),
+                                      QStringLiteral("resetOutputConfiguration"), VariantMap(),
+                                      tr("Reset outputs")))
+        return;
     for (const OutputItem* output : m_outputs)
         Q_EMIT output->model()->modeAsked(); // it may set another one on air
-    execute<InvokeMethodCommand>(m_session->getQUndoStack(), "resetOutputConfiguration command",
-                                 system.data(ObjectTreeModel::ObjectRole).value<Object*>(),
-                                 QStringLiteral("resetOutputConfiguration"), VariantMap(),
-                                 tr("Reset outputs"));
 }
 
 /// What is set while nobody hears it would only look set.

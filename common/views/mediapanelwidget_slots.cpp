@@ -4,6 +4,7 @@
 #include "common/media/edit/mediasloteditfunctional.h"
 #include "common/media/models/medialibrarymodel.h"
 #include "common/ui/keyboard/hotkeys.h"
+#include "common/ui/toolkit/textinputdialog.h"
 #include "common/ui/toolkit/ztmenu.h"
 #include "common/views/mediapanelmodel.h"
 #include "common/views/mediapanelwidget.h"
@@ -137,8 +138,13 @@ void MediaPanelWidget::addSlotEntries(ZTMenu* menu, const QModelIndex& index)
 void MediaPanelWidget::askForMove()
 {
     const QList<int> numbers = selectedSlots();
-    if (!numbers.isEmpty() && isEditable())
-        askWhereToMove(m_drops, m_library, selectedCollection(), numbers, this);
+    if (numbers.isEmpty() || !isEditable())
+        return;
+    // The question goes by its own collection, whatever number that gets meanwhile.
+    const QDialog* dialog = askWhereToMove(m_drops, m_library, selectedCollection(), numbers, this);
+    connect(
+        dialog, &QDialog::finished, this, [this] { m_drops->setCollection(selectedCollection()); },
+        Qt::QueuedConnection);
 }
 
 void MediaPanelWidget::copySelected(bool isCut)

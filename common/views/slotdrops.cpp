@@ -280,6 +280,7 @@ void SlotDrops::holdDrops()
     const bool isHeld = !obstacle().isEmpty();
     for (const Made& made : std::as_const(m_made))
         made.drop->setIsHeld(isHeld);
+    Q_EMIT obstacleChanged();
 }
 
 void SlotDrops::renumberDrops()

@@ -77,6 +77,8 @@ public:
 Q_SIGNALS:
     /// What arrivals() says of some slots, or pendingText().
     void arrivalsChanged();
+    /// Why nothing can be changed now.
+    void obstacleChanged();
 
 private:
     struct Awaiting

@@ -9,6 +9,7 @@
 
 #include <QCoreApplication>
 #include <QMimeData>
+#include <QUrl>
 
 #include <memory>
 
@@ -21,22 +22,34 @@ QString translated(const char* text, int count = -1)
     return QCoreApplication::translate("SlotMove", text, nullptr, count);
 }
 
+QList<QUrl> mediaIn(const MediaLibraryModel& library, const QList<MediaAddress>& addresses)
+{
+    QList<QUrl> media;
+    for (const MediaAddress& address : addresses)
+        media.append(library.slotIndex(address).data(MediaLibraryModel::UrlRole).toUrl());
+    return media;
+}
+
 } // namespace
 
-void askWhereToMove(SlotDrops* drops, const MediaLibraryModel* library, int collection,
-                    const QList<int>& slotNumbers, QWidget* window)
+TextInputDialog* askWhereToMove(SlotDrops* drops, const MediaLibraryModel* library, int collection,
+                                const QList<int>& slotNumbers, QWidget* window)
 {
     auto* dialog = new TextInputDialog(translated("Move %n slots", static_cast<int>(slotNumbers.size())),
                                        translated("Number of the first slot"), translated("MOVE"), window);
     dialog->setObjectNames(QStringLiteral("MoveSlots"));
     dialog->setAttribute(Qt::WA_DeleteOnClose);
-    const auto begin = [=, number = drops->numbers().follow(collection)] {
+    QList<MediaAddress> chosen;
+    for (const int slot : slotNumbers)
+        chosen.append(MediaAddress(collection, slot));
+    const auto begin = [=, number = drops->numbers().follow(collection), media = mediaIn(*library, chosen)] {
         QList<MediaAddress> addresses;
         for (const int slot : slotNumbers)
             addresses.append(MediaAddress(*number, slot));
         const std::unique_ptr<QMimeData> data(library->mimeDataOf(addresses));
         drops->setCollection(*number);
-        return data && drops->begin(data.get());
+        // What has come into their places meanwhile nobody has chosen.
+        return data && mediaIn(*library, addresses) == media && drops->begin(data.get());
     };
     const auto forecastOf = [=](const QString& text) {
         bool isNumber = false;
@@ -49,7 +62,7 @@ void askWhereToMove(SlotDrops* drops, const MediaLibraryModel* library, int coll
         else if (begin())
             forecast = drops->aim(number);
         else
-            forecast.fault = translated("The slots are not in the library any more.");
+            forecast.fault = translated("The slots hold something else by now. Select them again.");
         drops->end();
         return forecast;
     };
@@ -62,6 +75,7 @@ void askWhereToMove(SlotDrops* drops, const MediaLibraryModel* library, int coll
         dialog->setAcceptEnabled(told->isPossible());
     };
     QObject::connect(dialog->findChild<ZTEdit*>(), &ZTEdit::textChanged, dialog, tell);
+    QObject::connect(drops, &SlotDrops::obstacleChanged, dialog, [=] { tell(dialog->values().value(0)); });
     QObject::connect(dialog, &TextInputDialog::valuesConfirmed, drops, [=](const QStringList& values) {
         const int number = values.value(0).toInt();
         const bool isAsTold = forecastOf(values.value(0)) == *told;
@@ -74,6 +88,7 @@ void askWhereToMove(SlotDrops* drops, const MediaLibraryModel* library, int coll
     });
     tell({});
     dialog->open();
+    return dialog;
 }
 
 } // namespace vantrel

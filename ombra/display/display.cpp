@@ -91,7 +91,7 @@ void Display::show(ShownMoment moment)
     {
         const std::lock_guard lock(m_mutex);
         const bool isOfAnother = !m_moments.empty() && moment.time < m_moments.back().time;
-        if (isOfAnother) // engine, whose clock begins anew
+        if (isOfAnother || !m_figures.isOpen) // engine, whose clock begins anew; or nobody sees them
             m_moments.clear();
         if (m_moments.size() >= momentsAtMost)
             m_moments.pop_front();

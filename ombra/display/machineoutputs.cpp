@@ -89,10 +89,11 @@ void MachineOutputs::Watch::run()
 std::optional<Wish> MachineOutputs::Watch::nextWish()
 {
     const std::lock_guard lock(mutex);
-    if (wishes.empty())
+    if (wishes.empty() || isStopped)
         return std::nullopt;
     Wish wish = std::move(wishes.front());
     wishes.pop_front();
+    hasOurs = true; // from here on there may be something to take back
     return wish;
 }
 
@@ -100,12 +101,11 @@ void MachineOutputs::Watch::fulfil(const Wish& wish)
 {
     std::string why = "No desktop runs there that could change the mode of " + wish.connector +
                       ": the kernel gives a console its mode when the machine starts.";
-    if (desktop && !desktop->isLost() && desktop->setMode(wish.connector, wish.mode, &why)) {
+    if (desktop && !desktop->isLost() && desktop->setMode(wish.connector, wish.mode, &why))
         why.clear();
-        const std::lock_guard lock(mutex);
-        hasOurs = true;
-    }
-    wish.answer(why);
+    const std::lock_guard lock(mutex); // who asked is there until this is stopped
+    if (!isStopped)
+        wish.answer(why);
 }
 
 /// Where a desktop has ended what it said last is what is known: whose the console is then is not for us to

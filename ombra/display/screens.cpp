@@ -138,7 +138,8 @@ bool Screens::serve(Job& job)
         return true;
     const Place& place = job.wish.place;
     int screen = screenOf(place);
-    if (screen < 0 && !m_windows.empty() && Clock::now() < job.deadline) {
+    const bool isWorthIt = m_vain != place && Clock::now() < job.deadline;
+    if (screen < 0 && !m_windows.empty() && isWorthIt) {
         for (Window* window : m_windows)
             window->leave();
         return false;
@@ -149,12 +150,16 @@ bool Screens::serve(Job& job)
             return true;
         screen = screenOf(place);
     }
-    if (screen < 0 && !(place.area && isOnX()))
+    if (screen < 0 && !(place.area && isOnX())) {
         job.error = "its screen is gone";
-    else
+        m_vain = place; // nobody leaves for it again
+    } else {
         job.window = Window::create(job.wish, screen, m_connection, &job.error);
-    if (job.window)
+    }
+    if (job.window) {
         m_windows.push_back(job.window.get());
+        m_vain = m_vain == place ? std::nullopt : m_vain;
+    }
     return true;
 }
 

@@ -8,6 +8,7 @@
 #include <deque>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <thread>
 #include <vector>
@@ -56,6 +57,7 @@ private:
     // Of the thread:
     std::vector<Window*> m_windows; // those that are out
     bool m_hasVideo = false;
+    std::optional<Place> m_vain; // looked for last, and not found
     DesktopConnection m_connection;
 
     std::mutex m_mutex;

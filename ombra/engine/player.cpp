@@ -239,7 +239,11 @@ void Player::beginNext()
 void Player::goOver(std::shared_ptr<Deck> deck, Transition transition, double since)
 {
     const bool timed = transition.type != TakeTransitionType::DirectCut && transition.seconds > 0;
-    if (!timed) {
+    // The black of a dip would go with its picture.
+    const bool dips = std::ranges::any_of(m_layers, [](const Layer& one) {
+        return one.transition.type == TakeTransitionType::DipToColor && one.progress < whole;
+    });
+    if (!timed || (dips && m_layers.size() >= layersAtMost)) {
         for (Layer& layer : m_layers)
             retire(std::move(layer.deck));
         m_layers.clear();

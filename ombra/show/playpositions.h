@@ -34,8 +34,8 @@ public:
 private:
     const std::filesystem::path m_file;
     std::atomic<bool> m_isWriting{false};
-    bool m_hasPlayed = true; // the file tells of something
-    AsideThread m_disk;      // last: it uses the above
+    bool m_hasPlayed = false; // the file tells of something of this run
+    AsideThread m_disk;       // last: it uses the above
 };
 
 } // namespace vantrel::ombra

@@ -135,7 +135,6 @@ SceneSettings::~SceneSettings()
 void SceneSettings::apply(Json settings, const std::set<std::string>& sections, const Positions& playing)
 {
     constexpr std::string_view state = "/properties/state", position = "/properties/mediaPosition";
-    settings = ShowTargets(m_scene, settings, {}).settings;
     settings.forEachMember([&](std::string_view path, const Json& value) {
         if (!path.ends_with(state) && !path.ends_with(position))
             applyOne(path, value, sections);

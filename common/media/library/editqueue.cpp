@@ -108,7 +108,10 @@ Ref<const MediaLibrary> EditQueue::expected() const
         const auto library = makeRef<MediaLibrary>(m_api->library());
         for (const Entry& entry : m_edits) {
             // What the library shows already, or what somebody else has overtaken, holds no more.
-            if (entry.base().holds(library->toJson()))
+            const Json shown = library->toJson();
+            const bool isMadeOnIt =
+                entry.direction == EditDirection::Redo && entry.edit->document.sameNode(shown);
+            if (isMadeOnIt || entry.base().holds(shown))
                 library->applyDiff(entry.patch());
         }
         m_expected = library;

@@ -349,6 +349,7 @@ void MainWindow::initConnection()
     const SceneObjectProvider* scene = m_session->sceneObjectProvider();
     for (const GUIOutput* output : {scene->output1().get(), scene->output2().get()})
         connect(output, &GUIOutput::screenChanged, this, &MainWindow::updateScreen);
+    connect(scene->programMapping().get(), &GUIMapping::targetChanged, this, &MainWindow::updateScreen);
     connect(handler, &ConnectionHandler::connected, m_mainMenu, &MainMenu::handleConnected);
     connect(handler, &ConnectionHandler::disconnected, m_mainMenu, &MainMenu::handleDisconnected);
     connect(handler, &ConnectionHandler::connected, m_statusBar, &StatusBar::onConnected);

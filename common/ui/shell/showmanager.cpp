@@ -89,6 +89,7 @@ ShowManager::ShowManager(Session* session, QWidget* parent)
     connect(m_revertDialog, &ZTDialog::confirmed, this, &ShowManager::revertShow);
     m_saveAsDialog->setClosesOnAccept(false);
     connect(m_saveAsDialog, &TextInputDialog::valuesConfirmed, this, &ShowManager::confirmSaveAs);
+    connect(m_saveAsDialog, &QDialog::rejected, m_shelf, &ShowShelf::stopNames);
     // Once the dialog is closed, over which no other opens.
     connect(m_importDialog, &ImportShowDialog::importShow, this, &ShowManager::askToImport,
             Qt::QueuedConnection);
@@ -106,6 +107,7 @@ void ShowManager::handleSaveAs()
 void ShowManager::confirmSaveAs(const QStringList& values)
 {
     constexpr qsizetype longest = 80;
+    m_shelf->stopNames(); // of a name before this one
     const QString name = values.value(0);
     QString error;
     if (name.toUtf8().size() > longest)

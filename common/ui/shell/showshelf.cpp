@@ -239,11 +239,16 @@ void ShowShelf::showEarlier(const QByteArray& body)
                           "reverted, imported or saved over, and every hour."));
 }
 
+void ShowShelf::stopNames()
+{
+    if (QNetworkReply* names = std::exchange(m_names, nullptr))
+        ShowService::stop(names);
+}
+
 void ShowShelf::fetchNames(std::function<void(const QStringList& names)> then,
                            std::function<void(const QString& why)> failed)
 {
-    if (m_names)
-        ShowService::stop(m_names);
+    stopNames();
     if (!isAnswered())
         return failed(m_session->isConnected() ? tr("The server does not answer: try again once it does.")
                                                : tr("No server is connected."));

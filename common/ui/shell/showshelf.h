@@ -33,6 +33,8 @@ public:
     /// failed is called with the reason instead; for a second call meanwhile neither is.
     void fetchNames(std::function<void(const QStringList& names)> then,
                     std::function<void(const QString& why)> failed);
+    /// Nobody wants them any more.
+    void stopNames();
 
 private:
     /// What a dialog lists, and what has become of it.

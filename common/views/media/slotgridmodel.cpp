@@ -360,7 +360,7 @@ void SlotGridModel::onDataChanged(const QModelIndex& first, const QModelIndex& l
         Q_EMIT dataChanged(index(begin), index(end - 1));
     // The look under way has yet to come there.
     const int slot = first.row();
-    if (m_turn.isAsked() && slot >= m_next)
+    if (m_turn.isAsked() && slot > m_next)
         return;
     // Thumbnails come one by one, and change nothing else.
     if (m_turn.isAsked() || slot != last.row() || !isAsShown(slot))
