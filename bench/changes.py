@@ -14,7 +14,7 @@ import tempfile
 import time
 import urllib.request
 
-from stage import PROGRAM, Link, Screen, start_ombra, stop
+from stage import PROGRAM, Link, Screen, number_on, numbered, start_ombra, stop
 
 RATE = 60
 PICTURES = 15  # of a clip
@@ -26,17 +26,10 @@ COUNT = CLIPS * PICTURES
 def make_media(folder):
     folder.mkdir()
     for clip in range(CLIPS):
-        fields = ",".join(f"drawbox=x={bit * FIELD}:y=0:w={FIELD}:h={FIELD}:t=fill:c=white:"
-                          f"enable='gt(mod(floor((n+{clip * PICTURES})/{2 ** bit}),2),0)'" for bit in range(BITS))
         subprocess.run(["ffmpeg", "-v", "error", "-f", "lavfi", "-i",
-                        f"testsrc2=s=640x360:r={RATE}:d=1,drawbox=x=0:y=0:w={BITS * FIELD}:h={FIELD}:t=fill:c=black,{fields}",
+                        f"testsrc2=s=640x360:r={RATE}:d=1,{numbered(BITS, FIELD, clip * PICTURES)}",
                         "-frames:v", str(PICTURES), "-c:v", "libx264", "-preset", "veryfast", folder / f"{clip:02}.mov"],
                        check=True)
-
-
-def number(screen):
-    fields = screen.pixels(FIELD // 2, FIELD // 2, (BITS - 1) * FIELD + 1, FIELD)
-    return sum(1 << bit for bit, field in enumerate(fields) if field & 0xff > 128)
 
 
 def post_list(ports, changes):
@@ -85,7 +78,7 @@ def main():
             count = Count()
             end = time.monotonic() + changes * PICTURES / RATE - 1
             while time.monotonic() < end:
-                count.see(number(screen), time.monotonic())
+                count.see(number_on(screen, BITS, FIELD), time.monotonic())
                 time.sleep(0.001)
         finally:
             stop(server, screen.process)

@@ -14,7 +14,7 @@ import sys
 import tempfile
 import time
 
-from stage import PREVIEW, PROGRAM, Link, Screen, start_ombra, stop
+from stage import PREVIEW, PROGRAM, Link, Screen, number_on, numbered, start_ombra, stop
 
 BITS, FIELD, SCREEN = 10, 64, (1920, 1080)  # a field is so many pixels of a medium of full HD wide
 SETTLE = 4  # seconds
@@ -27,17 +27,9 @@ MEDIA = {"1080p25-h264": (1080, 25, H264), "1080p25-hevc": (1080, 25, HEVC), "10
 
 def make_medium(path, height, rate, codec):
     scale = height // 1080
-    fields = ",".join(f"drawbox=x={bit * FIELD * scale}:y=0:w={FIELD * scale}:h={FIELD * scale}:t=fill:"
-                      f"c=white:enable='gt(mod(floor(n/{2 ** bit}),2),0)'" for bit in range(BITS))
     source = f"testsrc2=s={1920 * scale}x{height}:r={rate}:d=8,format=yuv420p"
-    black = f"drawbox=x=0:y=0:w={BITS * FIELD * scale}:h={FIELD * scale}:t=fill:c=black"
-    subprocess.run(["ffmpeg", "-v", "error", "-f", "lavfi", "-i", f"{source},{black},{fields}", *codec, "-x265-params",
-                    "log-level=error", path], check=True)
-
-
-def number(screen):
-    fields = screen.pixels(FIELD // 2, FIELD // 2, (BITS - 1) * FIELD + 1, FIELD)
-    return sum(1 << bit for bit, field in enumerate(fields) if field & 0xff > 128)
+    subprocess.run(["ffmpeg", "-v", "error", "-f", "lavfi", "-i", f"{source},{numbered(BITS, FIELD, scale=scale)}",
+                    *codec, "-x265-params", "log-level=error", path], check=True)
 
 
 def watch(screen, seconds, count):
@@ -45,7 +37,7 @@ def watch(screen, seconds, count):
     seen, last, missing, due = None, None, 0, 0
     end = time.monotonic() + seconds
     while time.monotonic() < end:
-        seen = number(screen)
+        seen = number_on(screen, BITS, FIELD)
         if last is not None and seen != last:
             step = (seen - last) % count
             due += step

@@ -52,6 +52,19 @@ def start_ombra(screen, folder, *options, **environment):
     return server, dict(word.split("=") for word in server.stdout.readline().split() if "=" in word)
 
 
+def numbered(bits, field, first=0, scale=1):
+    """A filter of ffmpeg that writes the number of each picture as light and dark fields, so many pixels each."""
+    size = field * scale
+    black = f"drawbox=x=0:y=0:w={bits * size}:h={size}:t=fill:c=black"
+    return ",".join([black, *(f"drawbox=x={bit * size}:y=0:w={size}:h={size}:t=fill:c=white:"
+                              f"enable='gt(mod(floor((n+{first})/{2 ** bit}),2),0)'" for bit in range(bits))])
+
+
+def number_on(screen, bits, field):
+    line = screen.pixels(field // 2, field // 2, (bits - 1) * field + 1, field)
+    return sum(1 << bit for bit, pixel in enumerate(line) if pixel & 0xff > 128)
+
+
 class Link:
     """A client that only tells the server what to do."""
 

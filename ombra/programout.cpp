@@ -14,6 +14,7 @@
 
 #include <chrono>
 #include <tuple>
+#include <utility>
 
 namespace vantrel::ombra {
 
@@ -204,7 +205,7 @@ void ProgramOut::followTargets()
             mapping = program;
         {
             const std::lock_guard lock(seat.mutex); // no picture of the one before comes after this
-            if (seat.shows.exchange(mapping) != mapping)
+            if (std::exchange(seat.shows, mapping) != mapping)
                 seat.display->expectAnother();
         }
         seat.display->setPlace(mapping < 0 ? std::nullopt : placeOf(i));

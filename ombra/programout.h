@@ -53,8 +53,8 @@ private:
     struct Seat
     {
         std::unique_ptr<Display> display;
-        std::mutex mutex{};             // held while a picture is given to it
-        std::atomic<int> shows{-1};     // the mapping whose picture it has
+        std::mutex mutex{}; // of a change of what it shows, and held while a picture is given to it
+        int shows = -1;     // the mapping whose picture it has
         std::atomic<bool> paces{false}; // its beat is the engine's
         LastMinute dropped{}, late{};
     };

@@ -292,9 +292,7 @@ Fate Display::present(Window& window, const Place& place)
         const bool isCard = !layers.empty() && layers.front().surface == m_cardSurface;
         const bool changes =
             !looksAlike(now.moment, painted.moment) || now.ground != painted.ground || window.takeExposed();
-        const Clock::time_point begin = Clock::now();
         const bool isPainted = changes && window.painter().paint(now.moment, now.ground);
-        const Clock::time_point end = Clock::now();
         if (changes)
             refused = isPainted ? 0 : refused + 1;
         if (refused > givenUpAfter * window.rate() && m_kind == Kind::FullScreen) {
@@ -324,14 +322,13 @@ Fate Display::present(Window& window, const Place& place)
         if (window.givesBeat() && isPainted && missed == 0)
             next += (shown - next) / 16; // the display's own rate and phase, without the jitter of a thread
         next += (missed + 1) * period;
-        noteBeat(window, isCard, isPainted, isPainted ? missed : changes,
-                 std::chrono::duration<double>(end - begin).count());
+        noteBeat(window, isCard, isPainted ? missed : changes);
         noteShowing(m_isMeant);
     }
     return fate;
 }
 
-void Display::noteBeat(const Window& window, bool isCard, bool isPainted, long long lost, double paintSeconds)
+void Display::noteBeat(const Window& window, bool isCard, long long lost)
 {
     const std::lock_guard lock(m_mutex);
     m_beatAt = Clock::now();
@@ -339,9 +336,6 @@ void Display::noteBeat(const Window& window, bool isCard, bool isPainted, long l
     m_figures.height = window.height();
     if (!isCard) // to draw one takes its time, and nothing of program is lost by it
         m_figures.dropped += lost;
-    m_figures.shown += isPainted ? 1 : 0;
-    if (isPainted)
-        m_figures.paintSeconds = paintSeconds;
 }
 
 void Display::noteShowing(bool isShowing)

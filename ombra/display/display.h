@@ -58,10 +58,8 @@ public:
         bool isShowing = false;    // the pictures that are meant, and not those before
         int width = 0, height = 0; // pixels
         double rate = 0;           // pictures a second
-        long long shown = 0;       // changed pictures
         long long dropped = 0;     // beats of the display that passed while a picture was painted
         long long late = 0;        // pictures that were not decoded in time
-        double paintSeconds = 0;   // of the last picture
         double decodeLoad = 0;     // share of the time there is that decoding takes
         bool bySoftware = false;
     };
@@ -80,7 +78,7 @@ private:
     Window::Fate serve(Window& window, const Place& place);
     Window::Fate present(Window& window, const Place& place);
     Window::Fate fateOf(const Window& window, const Place& place) const;
-    void noteBeat(const Window& window, bool isCard, bool isPainted, long long lost, double paintSeconds);
+    void noteBeat(const Window& window, bool isCard, long long lost);
     void noteShowing(bool isShowing);
     /// What is to be painted now.
     Painted current(const Window& window, bool isFresh, const Painted& before);

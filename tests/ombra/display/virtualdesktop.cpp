@@ -1,10 +1,10 @@
 #include "tests/ombra/display/virtualdesktop.h"
 
+#include "tests/ombra/display/xconnection.h"
+
 #include <QFile>
 
 #include <X11/Xatom.h>
-#include <X11/Xlib.h>
-#include <X11/Xutil.h>
 #include <X11/extensions/Xrandr.h>
 #include <csignal>
 
@@ -48,22 +48,9 @@ EndSection
 
 } // namespace
 
-struct VirtualDesktop::Connection
+struct VirtualDesktop::Connection : XConnection
 {
-    explicit Connection(const QString& name)
-        : display(XOpenDisplay(qPrintable(name)))
-    {
-    }
-    ~Connection()
-    {
-        if (display)
-            XCloseDisplay(display);
-    }
-    Connection(const Connection&) = delete;
-
-    ::Window root() const { return DefaultRootWindow(display); }
-
-    ::Display* display;
+    using XConnection::XConnection;
 };
 
 VirtualDesktop::VirtualDesktop() = default;
@@ -162,18 +149,12 @@ void VirtualDesktop::end()
 QImage VirtualDesktop::grab(const QRect& area) const
 {
     const auto before = XSetErrorHandler([](::Display*, XErrorEvent*) { return 0; });
-    XImage* seen = XGetImage(m_connection->display, m_connection->root(), area.x(), area.y(),
-                             unsigned(area.width()), unsigned(area.height()), AllPlanes, ZPixmap);
+    QImage picture = m_connection->grab(area);
     XSetErrorHandler(before);
-    if (!seen) { // beyond the desktop as it is now
-        QImage nothing(area.size(), QImage::Format_RGB32);
-        nothing.fill(Qt::magenta);
-        return nothing;
+    if (picture.isNull()) { // beyond the desktop as it is now
+        picture = QImage(area.size(), QImage::Format_RGB32);
+        picture.fill(Qt::magenta);
     }
-    const QImage picture = QImage(reinterpret_cast<const uchar*>(seen->data), seen->width, seen->height,
-                                  seen->bytes_per_line, QImage::Format_RGB32)
-                               .copy();
-    XDestroyImage(seen);
     return picture;
 }
 

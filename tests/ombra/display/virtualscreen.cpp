@@ -1,24 +1,12 @@
 #include "tests/ombra/display/virtualscreen.h"
 
-#include <X11/Xlib.h>
-#include <X11/Xutil.h>
+#include "tests/ombra/display/xconnection.h"
 
 namespace vantrel::test {
 
-struct VirtualScreen::Connection
+struct VirtualScreen::Connection : XConnection
 {
-    explicit Connection(const QString& name)
-        : display(XOpenDisplay(qPrintable(name)))
-    {
-    }
-    ~Connection()
-    {
-        if (display)
-            XCloseDisplay(display);
-    }
-    Connection(const Connection&) = delete;
-
-    ::Display* display;
+    using XConnection::XConnection;
 };
 
 VirtualScreen::VirtualScreen(QSize size)
@@ -59,16 +47,7 @@ void VirtualScreen::end()
 
 QImage VirtualScreen::grab() const
 {
-    ::Display* display = m_connection->display;
-    XImage* seen = XGetImage(display, DefaultRootWindow(display), 0, 0, unsigned(m_size.width()),
-                             unsigned(m_size.height()), AllPlanes, ZPixmap);
-    if (!seen)
-        return {};
-    const QImage picture = QImage(reinterpret_cast<const uchar*>(seen->data), seen->width, seen->height,
-                                  seen->bytes_per_line, QImage::Format_RGB32)
-                               .copy();
-    XDestroyImage(seen);
-    return picture;
+    return m_connection->grab(QRect(QPoint(), m_size));
 }
 
 } // namespace vantrel::test
