@@ -39,7 +39,6 @@ public:
     /// Whether a thread of one that has ended hangs in a desktop or a graphics card.
     static bool isHanging();
 
-    bool hasScreen() const { return m_screens != nullptr; }
     /// The engine plays here until disconnect().
     void connect(Engine& engine);
     void disconnect();

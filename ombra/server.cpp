@@ -233,12 +233,11 @@ bool Server::openFiles(std::string* error)
 void Server::startEngine()
 {
     stopEngine(); // never two at once
-    EngineConfig config{m_options.media};
-    config.keepsFrames = m_out->hasScreen();
-    m_engine = std::make_unique<Engine>(m_io, *m_scene, m_store->library(), std::move(config));
+    m_engine = std::make_unique<Engine>(m_io, *m_scene, m_store->library(), EngineConfig{m_options.media});
     m_out->connect(*m_engine);
     m_engine->setPreviewSink(
-        [preview = m_preview.get()](PreviewFrame picture) { preview->show(std::move(picture)); });
+        [preview = m_preview.get()](PreviewFrame picture) { preview->show(std::move(picture)); },
+        [preview = m_preview.get()] { return preview->hasReaders(); });
     m_engine->setLevelSink([preview = m_preview.get()](const PreviewLevels& levels) {
         PreviewFrame frame{levels.source, Frame(levels.levels.toSurface().get(), levels.timeNs)};
         frame.frame.setStreamIndex(levels.stream);

@@ -8,9 +8,9 @@ namespace vantrel::ombra {
 class ConstantReader : public PictureReader
 {
 public:
-    ConstantReader(MediaType type, Ref<Surface> surface, double duration)
+    ConstantReader(MediaType type, Ref<DecodedPicture> image, double duration)
         : m_type(type)
-        , m_surface(std::move(surface))
+        , m_image(std::move(image))
         , m_duration(duration)
     {
     }
@@ -25,7 +25,7 @@ private:
     static constexpr double rate = 25;
 
     MediaType m_type;
-    Ref<Surface> m_surface;
+    Ref<DecodedPicture> m_image;
     double m_duration;
     long long m_index = -1;
 };

@@ -1,6 +1,6 @@
 #include "ombra/decode/framescaler.h"
 
-#include "ombra/decode/decodedsurface.h"
+#include "ombra/decode/decodedpicture.h"
 #include "ombra/decode/placement.h"
 
 #include <algorithm>
@@ -14,14 +14,6 @@ extern "C" {
 namespace vantrel::ombra {
 
 namespace {
-
-/// Cameras write how they were held into their stills.
-int exifQuarterTurns(const AVFrame& frame)
-{
-    const AVDictionaryEntry* entry = av_dict_get(frame.metadata, "Orientation", nullptr, 0);
-    const int orientation = entry ? std::atoi(entry->value) : 1;
-    return orientation == 6 ? 1 : orientation == 3 ? 2 : orientation == 8 ? 3 : 0;
-}
 
 /// The formats with a "j" are the plain ones in full range; the scaler takes the range apart.
 AVPixelFormat plainFormat(int format, bool& fullRange)
@@ -47,13 +39,6 @@ AVPixelFormat plainFormat(int format, bool& fullRange)
     }
 }
 
-/// Whether values are proportional to light: floating point without a word of it is.
-bool isLinear(const AVFrame& frame, const AVPixFmtDescriptor& format)
-{
-    return frame.color_trc == AVCOL_TRC_LINEAR ||
-           (frame.color_trc == AVCOL_TRC_UNSPECIFIED && (format.flags & AV_PIX_FMT_FLAG_FLOAT));
-}
-
 /// What a screen is given for 16 bits that are linear in light: the transfer function of sRGB, IEC 61966-2-1.
 const std::vector<std::uint8_t>& screenValues()
 {
@@ -70,14 +55,7 @@ const std::vector<std::uint8_t>& screenValues()
     return table;
 }
 
-/// More than standard definition, whichever way it stands.
-bool isLarge(const AVFrame& frame)
-{
-    return std::max(frame.width, frame.height) >= 1280 || std::min(frame.width, frame.height) > 576;
-}
-
-/// The matrix of a frame. Without a mark, what is large is BT.709. Between two RGB formats there is none to
-/// choose.
+/// The matrix of a frame. Between two RGB formats there is none to choose.
 int matrixOf(const AVFrame& frame, const AVPixFmtDescriptor& format)
 {
     if (format.flags & AV_PIX_FMT_FLAG_RGB)
@@ -92,24 +70,9 @@ int matrixOf(const AVFrame& frame, const AVPixFmtDescriptor& format)
         return SWS_CS_SMPTE240M;
     case AVCOL_SPC_FCC:
         return SWS_CS_FCC;
-    case AVCOL_SPC_UNSPECIFIED:
-        return isLarge(frame) ? SWS_CS_ITU709 : SWS_CS_ITU601;
     default:
         return SWS_CS_ITU601;
     }
-}
-
-/// The frame itself, not a copy of it, which says what is only meant: its matrix, and that it is linear.
-AvPtr<AVFrame> keep(const AVFrame& frame, const AVPixFmtDescriptor& format)
-{
-    AvPtr<AVFrame> kept(av_frame_clone(&frame));
-    if (!kept)
-        return nullptr;
-    if (isLinear(frame, format))
-        kept->color_trc = AVCOL_TRC_LINEAR;
-    if (!(format.flags & AV_PIX_FMT_FLAG_RGB) && frame.colorspace == AVCOL_SPC_UNSPECIFIED)
-        kept->colorspace = isLarge(frame) ? AVCOL_SPC_BT709 : AVCOL_SPC_SMPTE170M;
-    return kept;
 }
 
 void copyPixel(std::uint8_t* to, const std::uint8_t* from, bool alpha)
@@ -124,40 +87,24 @@ void copyPixel(std::uint8_t* to, const std::uint8_t* from, bool alpha)
 
 } // namespace
 
-Ref<Surface> FrameScaler::scale(const AVFrame& frame, int quarterTurns, AVRational streamAspect)
+Ref<Surface> FrameScaler::scale(const DecodedPicture& picture, const Canvas& canvas)
 {
-    const AVPixFmtDescriptor* descriptor = av_pix_fmt_desc_get(static_cast<AVPixelFormat>(frame.format));
-    if (!descriptor || frame.width < 1 || frame.height < 1 || (descriptor->flags & AV_PIX_FMT_FLAG_HWACCEL))
-        return nullptr;
-    const int turns = (quarterTurns + exifQuarterTurns(frame)) % 4;
-    const AVRational aspect = frame.sample_aspect_ratio.num > 0 ? frame.sample_aspect_ratio : streamAspect;
-    double width = frame.width;
-    double height = frame.height;
-    if (aspect.num > 0 && aspect.den > 0)
-        width = std::clamp(width * av_q2d(aspect), 1.0, 1e6);
-    if (turns % 2)
-        std::swap(width, height);
-    const Placement fit = place(m_canvas, width, height);
+    Ref<Surface> surface = blackSurface(canvas);
+    if (!picture.frame)
+        return surface;
+    const AVFrame& frame = *picture.frame;
+    const AVPixFmtDescriptor& descriptor = *av_pix_fmt_desc_get(static_cast<AVPixelFormat>(frame.format));
+    const int turns = picture.quarterTurns;
+    const Placement fit = place(canvas, picture.uprightWidth, picture.uprightHeight);
 
     // Values that are linear come multiplied with their alpha already: as they are, they stand on black.
-    const bool alpha = (descriptor->flags & AV_PIX_FMT_FLAG_ALPHA) && !isLinear(frame, *descriptor);
+    const bool alpha = (descriptor.flags & AV_PIX_FMT_FLAG_ALPHA) && frame.color_trc != AVCOL_TRC_LINEAR;
     const int scaledWidth = turns % 2 ? fit.height : fit.width;
     const int scaledHeight = turns % 2 ? fit.width : fit.height;
     if (!convert(frame, scaledWidth, scaledHeight, alpha))
-        return nullptr;
-
-    auto surface = makeRef<DecodedSurface>();
-    if (m_canvas.keepsFrames)
-        surface->decoded = keep(frame, *descriptor);
-    surface->quarterTurns = turns;
-    surface->uprightWidth = width;
-    surface->uprightHeight = height;
-    surface->scaling = m_canvas.scaling;
-    surface->format = Surface::formatRgb24;
-    surface->width = fit.surfaceWidth;
-    surface->height = fit.surfaceHeight;
-    surface->bytesPerLine = fit.surfaceWidth * 3;
-    surface->pixels.assign(static_cast<std::size_t>(surface->bytesPerLine) * fit.surfaceHeight, 0);
+        return surface;
+    if (canvas.height <= 0)
+        surface = blackSurface({fit.surfaceWidth, fit.surfaceHeight});
     const int bytes = alpha ? 4 : 3;
     for (int row = fit.y0; row < fit.y1; ++row) {
         const int y = row - fit.top;
@@ -190,7 +137,7 @@ bool FrameScaler::convert(const AVFrame& frame, int width, int height, bool alph
     bool fullRange = frame.color_range == AVCOL_RANGE_JPEG;
     const AVPixelFormat from = plainFormat(frame.format, fullRange);
     const AVPixFmtDescriptor& format = *av_pix_fmt_desc_get(from);
-    const bool linear = isLinear(frame, format);
+    const bool linear = frame.color_trc == AVCOL_TRC_LINEAR;
     const AVPixelFormat to = linear ? AV_PIX_FMT_RGB48 : alpha ? AV_PIX_FMT_RGBA : AV_PIX_FMT_RGB24;
     const int flags =
         linear ? SWS_BILINEAR | SWS_FULL_CHR_H_INP | SWS_FULL_CHR_H_INT | SWS_ACCURATE_RND : SWS_BILINEAR;

@@ -5,26 +5,21 @@
 
 namespace vantrel::ombra {
 
-/// Turns decoded frames into surfaces of the canvas: scaled as it says, turned upright, on black. Pictures
-/// that are linear in light are put through the transfer function of screens. Keeps the scaler between frames
-/// of one kind. One thread.
+class DecodedPicture;
+
+/// Turns decoded pictures into surfaces of a canvas: scaled as it says, turned upright, on black. Values that
+/// are linear in light are put through the transfer function of screens. Keeps the scaler between pictures of
+/// one kind. One thread.
 class FrameScaler
 {
 public:
-    explicit FrameScaler(Canvas canvas)
-        : m_canvas(canvas)
-    {
-    }
-
-    /// Null for a frame that cannot be converted. The pixel's aspect is that of the frame, or else the given
-    /// one.
-    Ref<Surface> scale(const AVFrame& frame, int quarterTurns, AVRational streamAspect);
+    /// Black where the picture is, or cannot be converted.
+    Ref<Surface> scale(const DecodedPicture& picture, const Canvas& canvas);
 
 private:
     bool convert(const AVFrame& frame, int width, int height, bool alpha);
     void encodeLinear(int width, int height);
 
-    Canvas m_canvas;
     AvPtr<SwsContext> m_context;
     std::vector<std::uint8_t> m_scaled;  // the picture in the frame's own orientation
     std::vector<std::uint16_t> m_linear; // where its values are linear in light: three a pixel

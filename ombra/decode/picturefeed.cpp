@@ -12,16 +12,18 @@ namespace {
 
 /// Seconds that the clock may be ahead of what is decoded before pictures are passed over.
 constexpr double patience = 0.1;
+/// Pictures that are decoded ahead; of large ones as many as there is room for, in bytes, but a few.
+constexpr std::size_t ahead = 6, aheadAtLeast = 2;
+constexpr std::size_t roomAhead = 160 << 20;
 
 } // namespace
 
-PictureFeed::PictureFeed(MediaSource source, Canvas canvas, double begin, std::string name,
-                         std::function<void()> arrived, PictureOpener open)
+PictureFeed::PictureFeed(MediaSource source, double begin, std::string name, std::function<void()> arrived,
+                         PictureOpener open)
     : m_source(std::move(source))
     , m_name(std::move(name))
     , m_arrived(std::move(arrived))
     , m_open(std::move(open))
-    , m_canvas(canvas)
     , m_seekTo(begin)
 {
 }
@@ -65,19 +67,6 @@ void PictureFeed::seek(double time)
     }
     m_work.notify_all();
     m_arrived(); // harmless where nothing arrived, and needed where it was there already
-}
-
-bool PictureFeed::setCanvas(Canvas canvas, double time)
-{
-    {
-        const std::lock_guard lock(m_mutex);
-        if (canvas == m_canvas)
-            return false;
-        m_canvas = canvas;
-        seekAfresh(m_seekTo.value_or(time));
-    }
-    m_work.notify_all();
-    return true;
 }
 
 void PictureFeed::seekAfresh(double time)
@@ -165,17 +154,9 @@ void PictureFeed::run()
 void PictureFeed::decode()
 {
     std::unique_lock lock(m_mutex);
-    std::unique_ptr<PictureReader> reader;
-    Canvas canvas;
-    while (!m_stop) {
-        // What a reader makes is of one canvas: another one takes another reader.
-        if (!reader || canvas != m_canvas) {
-            canvas = m_canvas;
-            if (!openAnew(lock, reader, canvas))
-                return;
-            continue;
-        }
-        if (!m_seekTo && (m_queue.size() >= ahead || m_status.ended || m_status.failed)) {
+    std::unique_ptr<PictureReader> reader = open(lock);
+    while (reader && !m_stop) {
+        if (!m_seekTo && (isFull() || m_status.ended || m_status.failed)) {
             m_work.wait(lock);
             continue;
         }
@@ -185,6 +166,8 @@ void PictureFeed::decode()
         if (!m_seekTo && !m_stop)
             accept(lock, found, std::move(picture), target.has_value());
     }
+    lock.unlock(); // a disk may take its time to close a file
+    reader.reset();
 }
 
 bool PictureFeed::read(std::unique_lock<std::mutex>& lock, PictureReader& reader,
@@ -210,24 +193,31 @@ void PictureFeed::noteLoad(double seconds, double ofPictures)
         m_status.load += (seconds / ofPictures - m_status.load) * std::min(1.0, ofPictures);
 }
 
-bool PictureFeed::openAnew(std::unique_lock<std::mutex>& lock, std::unique_ptr<PictureReader>& reader,
-                           const Canvas& canvas)
+bool PictureFeed::isFull() const
+{
+    if (m_queue.size() < aheadAtLeast)
+        return false;
+    std::size_t bytes = 0;
+    for (const Picture& picture : m_queue)
+        bytes += picture.image->bytes();
+    return m_queue.size() >= ahead || bytes + bytes / m_queue.size() > roomAhead;
+}
+
+std::unique_ptr<PictureReader> PictureFeed::open(std::unique_lock<std::mutex>& lock)
 {
     lock.unlock();
-    reader.reset();
     std::string error;
-    reader = m_open(m_source, canvas, m_stop, &error);
+    std::unique_ptr<PictureReader> reader = m_open(m_source, m_stop, &error);
     lock.lock();
     if (!reader) {
-        m_status.opened = false; // for another canvas: no seek helps any more
         fail(lock, error);
-        return false;
+        return nullptr;
     }
     m_status.opened = true;
     m_status.type = reader->type();
     m_status.fps = reader->fps();
     m_status.duration = reader->duration();
-    return true;
+    return reader;
 }
 
 void PictureFeed::accept(std::unique_lock<std::mutex>& lock, bool found, Picture picture, bool sought)

@@ -32,8 +32,8 @@ public:
 
     /// For pictures from begin (seconds) on. arrived is called on the feed's thread when the first picture
     /// after a seek, or a failure, is there; name stands for the medium in the log.
-    PictureFeed(MediaSource source, Canvas canvas, double begin, std::string name,
-                std::function<void()> arrived, PictureOpener open = openReader);
+    PictureFeed(MediaSource source, double begin, std::string name, std::function<void()> arrived,
+                PictureOpener open = openReader);
     ~PictureFeed();
     PictureFeed(const PictureFeed&) = delete;
     PictureFeed& operator=(const PictureFeed&) = delete;
@@ -49,8 +49,6 @@ public:
     void seek(double time);
     /// Whether the picture of that time is decoded.
     bool holds(double time) const;
-    /// From the picture of that time on, everything on another canvas; false where it is the same one.
-    bool setCanvas(Canvas canvas, double time);
     /// The newest picture at or before the time that was not taken yet, older ones are dropped. The first
     /// after a seek comes whatever its time.
     std::optional<Picture> take(double time);
@@ -59,15 +57,13 @@ public:
     bool isBehind() const;
 
 private:
-    static constexpr std::size_t ahead = 6; // pictures
-
     void run();
     void decode();
     bool read(std::unique_lock<std::mutex>& lock, PictureReader& reader, std::optional<double> target,
               Picture& out);
     void noteLoad(double seconds, double ofPictures);
-    bool openAnew(std::unique_lock<std::mutex>& lock, std::unique_ptr<PictureReader>& reader,
-                  const Canvas& canvas);
+    std::unique_ptr<PictureReader> open(std::unique_lock<std::mutex>& lock);
+    bool isFull() const;
     void seekAfresh(double time);
     /// What is decoded from the picture of the time on; empty where that is not at hand.
     std::deque<Picture> known(double time) const;
@@ -84,7 +80,6 @@ private:
 
     mutable std::mutex m_mutex;
     std::condition_variable m_work;
-    Canvas m_canvas;
     std::deque<Picture> m_queue;
     std::optional<Picture> m_taken; // the one taken last, while it lies directly before the queue
     std::optional<double> m_seekTo; // asked for, not begun

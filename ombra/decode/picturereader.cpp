@@ -11,11 +11,11 @@ namespace vantrel::ombra {
 
 namespace {
 
-Ref<Surface> firstPicture(PictureReader& reader, std::string* error)
+Ref<DecodedPicture> firstPicture(PictureReader& reader, std::string* error)
 {
     Picture picture;
     if (reader.seek(0, picture))
-        return picture.surface;
+        return picture.image;
     if (error)
         *error = "no picture of it can be decoded";
     return nullptr;
@@ -28,14 +28,14 @@ std::filesystem::path MediaSource::locate() const
     return url.empty() ? file : resolveMediaUrl(folder, url).value_or("");
 }
 
-std::unique_ptr<PictureReader> openReader(const MediaSource& source, Canvas canvas,
-                                          const std::atomic<bool>& stop, std::string* error)
+std::unique_ptr<PictureReader> openReader(const MediaSource& source, const std::atomic<bool>& stop,
+                                          std::string* error)
 {
     const std::filesystem::path file = source.locate();
     const auto pattern = parseSequencePattern(file);
     std::error_code code;
     if (pattern && (source.sequence || !std::filesystem::exists(file, code)))
-        return SequenceReader::open(*pattern, source.sequence.value_or(SequenceRun{}), canvas, stop, error);
+        return SequenceReader::open(*pattern, source.sequence.value_or(SequenceRun{}), stop, error);
 
     std::unique_ptr<AvInput> input = AvInput::open(file, stop, error);
     if (!input)
@@ -44,19 +44,19 @@ std::unique_ptr<PictureReader> openReader(const MediaSource& source, Canvas canv
         if (!input->openDecoder(input->audio(), error))
             return nullptr; // nothing of it would be seen or heard
         const double duration = input->duration();
-        return std::make_unique<ConstantReader>(MediaType::AudioFile, blackSurface(canvas), duration);
+        return std::make_unique<ConstantReader>(MediaType::AudioFile, makeRef<DecodedPicture>(), duration);
     }
-    std::unique_ptr<VideoReader> reader = VideoReader::open(std::move(input), canvas, error);
+    std::unique_ptr<VideoReader> reader = VideoReader::open(std::move(input), error);
     if (!reader || reader->type() != MediaType::ImageFile)
         return reader;
-    Ref<Surface> surface = firstPicture(*reader, error);
-    if (!surface)
+    Ref<DecodedPicture> image = firstPicture(*reader, error);
+    if (!image)
         return nullptr;
-    return std::make_unique<ConstantReader>(MediaType::ImageFile, surface, PictureReader::endless);
+    return std::make_unique<ConstantReader>(MediaType::ImageFile, image, PictureReader::endless);
 }
 
-Ref<Surface> decodeStill(const std::filesystem::path& file, Canvas canvas, const std::atomic<bool>& stop,
-                         std::string* error)
+Ref<DecodedPicture> decodeStill(const std::filesystem::path& file, const std::atomic<bool>& stop,
+                                std::string* error)
 {
     std::unique_ptr<AvInput> input = AvInput::open(file, stop, error);
     if (!input)
@@ -66,7 +66,7 @@ Ref<Surface> decodeStill(const std::filesystem::path& file, Canvas canvas, const
             *error = "there is no picture in it";
         return nullptr;
     }
-    const std::unique_ptr<VideoReader> reader = VideoReader::open(std::move(input), canvas, error);
+    const std::unique_ptr<VideoReader> reader = VideoReader::open(std::move(input), error);
     return reader ? firstPicture(*reader, error) : nullptr;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ombra/decode/decodedpicture.h"
 #include "tarn/media/mediaenums.h"
 #include "tarn/preview/frame.h"
 #include "tarn/ref.h"
@@ -14,9 +15,9 @@
 
 namespace vantrel::ombra {
 
-/// The pictures that a reader makes: an image of the output's picture, and how the media stands in that, on
-/// black. All in pixels. With a height of 0 there is no output: the surface is as high as the media's picture
-/// needs, and never enlarged.
+/// A surface that a picture is drawn on: an image of the output's picture, and how the media stands in that,
+/// on black. All in pixels. With a height of 0 there is no output: the surface is as high as the media's
+/// picture needs, and never enlarged.
 struct Canvas
 {
     int width = 480;
@@ -24,14 +25,13 @@ struct Canvas
     ScaleMode scaling = ScaleMode::Fit; // Default means Fit
     int outputWidth = 1920;             // what 1:1 refers to; the output's picture is fitted into the canvas
     int outputHeight = 1080;
-    bool keepsFrames = false; // the decoder's own beside each (DecodedSurface)
     friend bool operator==(const Canvas&, const Canvas&) = default;
 };
 
-/// One decoded picture. Its surface may be shared with others: never write into it.
+/// One picture of a medium.
 struct Picture
 {
-    Ref<Surface> surface;
+    Ref<DecodedPicture> image;
     double time = 0;     // seconds from the start of the media
     double duration = 0; // seconds for which it stands
 };
@@ -86,12 +86,12 @@ public:
 
 /// Opens what the source names, whatever kind it is. Sound without pictures reads as black. Null, and the
 /// reason. The flag must outlive the reader.
-std::unique_ptr<PictureReader> openReader(const MediaSource& source, Canvas canvas,
-                                          const std::atomic<bool>& stop, std::string* error);
+std::unique_ptr<PictureReader> openReader(const MediaSource& source, const std::atomic<bool>& stop,
+                                          std::string* error);
 
 using PictureOpener = std::function<decltype(openReader)>;
 
-/// A black surface of the canvas's size.
+/// A black surface of the canvas's size; with a height of 0 of the shape of a screen.
 Ref<Surface> blackSurface(Canvas canvas);
 
 } // namespace vantrel::ombra

@@ -9,10 +9,9 @@
 namespace vantrel::ombra {
 
 std::unique_ptr<SequenceReader> SequenceReader::open(const SequencePattern& pattern, const SequenceRun& run,
-                                                     Canvas canvas, const std::atomic<bool>& stop,
-                                                     std::string* error)
+                                                     const std::atomic<bool>& stop, std::string* error)
 {
-    std::unique_ptr<SequenceReader> reader(new SequenceReader(pattern, canvas, stop));
+    std::unique_ptr<SequenceReader> reader(new SequenceReader(pattern, stop));
     reader->m_numbers = findSequenceNumbers(pattern);
     const std::vector<int>& numbers = reader->m_numbers;
     if (!numbers.empty()) {
@@ -57,10 +56,10 @@ bool SequenceReader::load(int index, Picture& out)
     const int wanted = m_first + index;
     if (!show(wanted))
         showBefore(wanted);
-    if (!m_surface)
-        m_surface = blackSurface(m_canvas);
+    if (!m_image)
+        m_image = makeRef<DecodedPicture>();
     m_index = index;
-    out = {m_surface, index / m_fps, 1 / m_fps};
+    out = {m_image, index / m_fps, 1 / m_fps};
     return true;
 }
 
@@ -69,9 +68,9 @@ bool SequenceReader::show(int number)
 {
     const std::filesystem::path file = sequencePicture(m_pattern, number);
     std::string error = "it is a link that leads elsewhere";
-    Ref<Surface> surface = file.empty() ? nullptr : decodeStill(file, m_canvas, m_stop, &error);
-    if (surface) {
-        m_surface = std::move(surface);
+    Ref<DecodedPicture> image = file.empty() ? nullptr : decodeStill(file, m_stop, &error);
+    if (image) {
+        m_image = std::move(image);
         m_shown = number;
         return true;
     }

@@ -14,8 +14,7 @@ class SequenceReader : public PictureReader
 public:
     /// Null, and the reason, when there is no file of the pattern in the run.
     static std::unique_ptr<SequenceReader> open(const SequencePattern& pattern, const SequenceRun& run,
-                                                Canvas canvas, const std::atomic<bool>& stop,
-                                                std::string* error);
+                                                const std::atomic<bool>& stop, std::string* error);
 
     MediaType type() const override { return MediaType::ImageSequence; }
     double fps() const override { return m_fps; }
@@ -25,9 +24,8 @@ public:
     bool catchUp(double time, Picture& out) override;
 
 private:
-    SequenceReader(SequencePattern pattern, Canvas canvas, const std::atomic<bool>& stop)
+    SequenceReader(SequencePattern pattern, const std::atomic<bool>& stop)
         : m_pattern(std::move(pattern))
-        , m_canvas(canvas)
         , m_stop(stop)
     {
     }
@@ -38,15 +36,14 @@ private:
     void showBefore(int number);
 
     SequencePattern m_pattern;
-    Canvas m_canvas;
     const std::atomic<bool>& m_stop;
     double m_fps = 25;
     int m_first = 0;
     int m_last = 0;
     int m_index = -1;           // of the picture read last, from 0
     std::vector<int> m_numbers; // of the pictures that there were when it was opened
-    int m_shown = -1;           // the number of what is in the surface
-    Ref<Surface> m_surface;
+    int m_shown = -1;           // the number of what is in the image
+    Ref<DecodedPicture> m_image;
     bool m_complained = false;
 };
 

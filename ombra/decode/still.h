@@ -5,7 +5,7 @@
 namespace vantrel::ombra {
 
 /// The first picture of a file. Null, and the reason, for what has none.
-Ref<Surface> decodeStill(const std::filesystem::path& file, Canvas canvas, const std::atomic<bool>& stop,
-                         std::string* error);
+Ref<DecodedPicture> decodeStill(const std::filesystem::path& file, const std::atomic<bool>& stop,
+                                std::string* error);
 
 } // namespace vantrel::ombra

@@ -1,6 +1,7 @@
 #include "ombra/decode/thumbnail.h"
 
 #include "ombra/decode/avhandles.h"
+#include "ombra/decode/framescaler.h"
 #include "ombra/decode/picturereader.h"
 #include "tarn/media/mediaenums.h"
 
@@ -71,7 +72,7 @@ std::vector<std::uint8_t> encodeJpeg(const Surface& surface, std::string* error)
 std::vector<std::uint8_t> renderThumbnail(const std::filesystem::path& file, double seconds, int width,
                                           std::string* error)
 {
-    const auto reader = openReader({file, std::nullopt}, {std::clamp(width, 16, 4096), 0}, never, error);
+    const auto reader = openReader({file, std::nullopt}, never, error);
     if (!reader)
         return {};
     Picture picture;
@@ -80,7 +81,7 @@ std::vector<std::uint8_t> renderThumbnail(const std::filesystem::path& file, dou
             *error = "there is no picture in it";
         return {};
     }
-    return encodeJpeg(*picture.surface, error);
+    return encodeJpeg(*FrameScaler().scale(*picture.image, {std::clamp(width, 16, 4096), 0}), error);
 }
 
 } // namespace vantrel::ombra

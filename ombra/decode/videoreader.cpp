@@ -21,19 +21,17 @@ double onGrid(double time, double fps)
 
 } // namespace
 
-std::unique_ptr<VideoReader> VideoReader::open(std::unique_ptr<AvInput> input, Canvas canvas,
-                                               std::string* error)
+std::unique_ptr<VideoReader> VideoReader::open(std::unique_ptr<AvInput> input, std::string* error)
 {
     AvPtr<AVCodecContext> decoder = input->openDecoder(input->video(), error);
     if (!decoder)
         return nullptr;
-    return std::unique_ptr<VideoReader>(new VideoReader(std::move(input), std::move(decoder), canvas));
+    return std::unique_ptr<VideoReader>(new VideoReader(std::move(input), std::move(decoder)));
 }
 
-VideoReader::VideoReader(std::unique_ptr<AvInput> input, AvPtr<AVCodecContext> decoder, Canvas canvas)
+VideoReader::VideoReader(std::unique_ptr<AvInput> input, AvPtr<AVCodecContext> decoder)
     : m_input(std::move(input))
     , m_decoder(std::move(decoder))
-    , m_scaler(canvas)
     , m_packet(av_packet_alloc())
     , m_current(av_frame_alloc())
     , m_ahead(av_frame_alloc())
@@ -188,12 +186,12 @@ bool VideoReader::isSkipped(const AVPacket& packet) const
 
 bool VideoReader::deliver(Picture& out)
 {
-    out.surface = m_scaler.scale(*m_current, m_turns, m_input->video()->sample_aspect_ratio);
+    out.image = makePicture(*m_current, m_turns, m_input->video()->sample_aspect_ratio);
     const double current = onGrid(m_currentTime, m_fps);
     const double ahead = m_hasAhead ? onGrid(m_aheadTime, m_fps) : 0;
     out.time = std::max(0.0, current);
     out.duration = m_hasAhead && ahead > current ? ahead - current : 1 / m_fps;
-    return bool(out.surface);
+    return bool(out.image);
 }
 
 } // namespace vantrel::ombra

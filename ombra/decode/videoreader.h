@@ -1,7 +1,6 @@
 #pragma once
 
 #include "ombra/decode/avinput.h"
-#include "ombra/decode/framescaler.h"
 #include "ombra/decode/picturereader.h"
 #include "tarn/media/mediaenums.h"
 
@@ -13,8 +12,7 @@ class VideoReader : public PictureReader
 {
 public:
     /// Null, and the reason, when the input's pictures have no decoder.
-    static std::unique_ptr<VideoReader> open(std::unique_ptr<AvInput> input, Canvas canvas,
-                                             std::string* error);
+    static std::unique_ptr<VideoReader> open(std::unique_ptr<AvInput> input, std::string* error);
 
     MediaType type() const override
     {
@@ -27,7 +25,7 @@ public:
     bool catchUp(double time, Picture& out) override;
 
 private:
-    VideoReader(std::unique_ptr<AvInput> input, AvPtr<AVCodecContext> decoder, Canvas canvas);
+    VideoReader(std::unique_ptr<AvInput> input, AvPtr<AVCodecContext> decoder);
 
     /// Decodes into m_ahead and sets its time; false at the end or when stopped.
     bool decodeAhead();
@@ -43,7 +41,6 @@ private:
 
     std::unique_ptr<AvInput> m_input;
     AvPtr<AVCodecContext> m_decoder;
-    FrameScaler m_scaler;
     AvPtr<AVPacket> m_packet;
     AvPtr<AVFrame> m_current; // the one delivered last
     AvPtr<AVFrame> m_ahead;   // the one after it, where it is decoded already

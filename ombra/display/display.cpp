@@ -28,11 +28,7 @@ constexpr auto lookAgainAfter = 1s;
 
 bool looksAlike(const ShownMoment& one, const ShownMoment& other)
 {
-    return one.dipped == other.dipped &&
-           std::ranges::equal(one.layers, other.layers,
-                              [](const ShownMoment::Layer& a, const ShownMoment::Layer& b) {
-                                  return a.surface == b.surface && a.share == b.share;
-                              });
+    return one.dipped == other.dipped && one.layers == other.layers;
 }
 
 } // namespace
@@ -262,15 +258,15 @@ void Display::addCard(const Window& window, std::optional<TestCard> card, ShownM
 {
     if (!card) {
         m_paintedCard.reset();
-        m_cardSurface = nullptr;
+        m_cardImage = nullptr;
     } else if (moment.layers.empty() && moment.dipped <= 0) { // not between two pictures of a dip
-        const bool fits = m_cardSurface && m_cardSurface->width == window.width() &&
-                          m_cardSurface->height == window.height() && m_paintedCard == card;
+        const bool fits = m_cardImage && m_cardImage->frame->width == window.width() &&
+                          m_cardImage->frame->height == window.height() && m_paintedCard == card;
         if (!fits)
-            m_cardSurface = paintTestCard(*card, window.width(), window.height(), window.rate());
+            m_cardImage = paintTestCard(*card, window.width(), window.height(), window.rate());
         m_paintedCard = std::move(card);
-        if (m_cardSurface)
-            moment.layers.push_back({m_cardSurface, 1});
+        if (m_cardImage)
+            moment.layers.push_back({m_cardImage});
     }
 }
 
@@ -289,7 +285,7 @@ Fate Display::present(Window& window, const Place& place)
         const bool isFresh = ask(next, period / 2);
         Painted now = current(window, isFresh, painted);
         const auto& layers = now.moment.layers;
-        const bool isCard = !layers.empty() && layers.front().surface == m_cardSurface;
+        const bool isCard = !layers.empty() && layers.front().image == m_cardImage;
         const bool changes =
             !looksAlike(now.moment, painted.moment) || now.ground != painted.ground || window.takeExposed();
         const bool isPainted = changes && window.painter().paint(now.moment, now.ground);

@@ -112,7 +112,7 @@ private:
     // Of the thread that paints: whether what it paints is meant, and the card as it was painted last.
     bool m_isMeant = false;
     std::optional<TestCard> m_paintedCard;
-    Ref<Surface> m_cardSurface;
+    Ref<DecodedPicture> m_cardImage;
     std::thread m_thread; // last: it uses all of the above
 };
 

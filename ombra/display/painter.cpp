@@ -1,7 +1,7 @@
 #include "ombra/display/painter.h"
 
 #include "ombra/base/fail.h"
-#include "ombra/decode/decodedsurface.h"
+#include "ombra/decode/decodedpicture.h"
 #include "ombra/decode/placement.h"
 #include "ombra/display/framemap.h"
 #include "tarn/log/log.h"
@@ -10,7 +10,6 @@
 #include <algorithm>
 #include <libplacebo/opengl.h>
 #include <libplacebo/shaders/custom.h>
-#include <libplacebo/utils/upload.h>
 #include <vector>
 
 extern "C" {
@@ -142,7 +141,7 @@ public:
 
         const std::size_t count = std::min(moment.layers.size(), layersAtMost);
         if (count == 1 && moment.layers.front().share >= 1)
-            paintLayer(0, *moment.layers.front().surface, target);
+            paintLayer(0, moment.layers.front(), target);
         else if (count > 0)
             paintMixed(moment, count, ground, target);
         else
@@ -156,7 +155,7 @@ private:
     /// A layer's picture as it lies with the graphics card.
     struct Source
     {
-        Ref<const Surface> of; // what the textures hold
+        Ref<DecodedPicture> of; // what the textures hold
         std::array<pl_tex, 4> textures{};
         pl_frame image{};
         pl_tex whole = nullptr; // of the size of the window, for mixing
@@ -171,21 +170,20 @@ private:
     }
 
     /// Puts the picture into textures where it is not there yet.
-    bool load(Source& source, const Surface& surface)
+    bool load(Source& source, const Ref<DecodedPicture>& picture)
     {
-        if (source.of.get() == &surface)
+        if (source.of == picture)
             return true;
         source.of = nullptr;
-        const auto* decoded = dynamic_cast<const DecodedSurface*>(&surface);
-        if (!(decoded && decoded->decoded ? loadDecoded(source, *decoded) : loadPlain(source, surface)))
+        if (!map(source, *picture))
             return false;
-        source.of = Ref<const Surface>(&surface);
+        source.of = picture;
         return true;
     }
 
-    bool loadDecoded(Source& source, const DecodedSurface& surface)
+    bool map(Source& source, const DecodedPicture& picture)
     {
-        const AVFrame& frame = *surface.decoded;
+        const AVFrame& frame = *picture.frame;
         AvPtr<AVFrame> converted;
         if (!ombra_can_map(gpu(), static_cast<AVPixelFormat>(frame.format)) &&
             !(converted = toReadable(frame)))
@@ -193,7 +191,7 @@ private:
         if (!ombra_map_frame(gpu(), source.textures.data(), converted ? converted.get() : &frame,
                              &source.image))
             return false;
-        source.image.rotation = static_cast<pl_rotation>(surface.quarterTurns);
+        source.image.rotation = static_cast<pl_rotation>(picture.quarterTurns);
         if (frame.color_trc == AVCOL_TRC_LINEAR) { // by what is the rule for such: multiplied already
             source.image.color.transfer = PL_COLOR_TRC_LINEAR;
             if (source.image.repr.alpha == PL_ALPHA_INDEPENDENT)
@@ -203,49 +201,24 @@ private:
         return true;
     }
 
-    /// A picture of the preview: what a transition begins with when there is nothing else of it any more.
-    bool loadPlain(Source& source, const Surface& surface)
-    {
-        pl_plane_data data = {};
-        data.type = PL_FMT_UNORM;
-        data.width = surface.width;
-        data.height = surface.height;
-        for (int i = 0; i < 3; ++i) {
-            data.component_size[i] = 8;
-            data.component_map[i] = i;
-        }
-        data.pixel_stride = 3;
-        data.row_stride = static_cast<std::size_t>(surface.bytesPerLine);
-        data.pixels = surface.pixels.data();
-        source.image = {};
-        source.image.num_planes = 1;
-        source.image.repr = pl_color_repr_rgb;
-        source.image.color = screenColors();
-        return pl_upload_plane(gpu(), &source.image.planes[0], &source.textures[0], &data);
-    }
-
-    Placement placementOf(const Surface& surface) const
-    {
-        const auto* decoded = dynamic_cast<const DecodedSurface*>(&surface);
-        const bool isWhole = !decoded || decoded->uprightWidth < 1;
-        return place({.width = m_width,
-                      .height = m_height,
-                      .scaling = isWhole ? ScaleMode::Fit : decoded->scaling,
-                      .outputWidth = m_width,
-                      .outputHeight = m_height},
-                     isWhole ? surface.width : decoded->uprightWidth,
-                     isWhole ? surface.height : decoded->uprightHeight);
-    }
-
-    void paintLayer(std::size_t index, const Surface& surface, pl_frame target)
+    void paintLayer(std::size_t index, const ShownMoment::Layer& layer, pl_frame target)
     {
         Source& source = m_sources[index];
-        if (!load(source, surface)) {
+        if (!layer.image->frame) { // black all over
+            clear(target.planes[0].texture, {});
+            return;
+        }
+        if (!load(source, layer.image)) {
             clear(target.planes[0].texture,
                   {m_params.background_color[0], m_params.background_color[1], m_params.background_color[2]});
             return;
         }
-        const Placement at = placementOf(surface);
+        const Placement at = place({.width = m_width,
+                                    .height = m_height,
+                                    .scaling = layer.scaling,
+                                    .outputWidth = m_width,
+                                    .outputHeight = m_height},
+                                   layer.image->uprightWidth, layer.image->uprightHeight);
         target.crop = {float(at.left), float(at.top), float(at.left + at.width), float(at.top + at.height)};
         pl_render_image(m_renderer, &source.image, &target, &m_params);
     }
@@ -269,7 +242,7 @@ private:
                 return;
             pl_frame layer = target;
             layer.planes[0].texture = source.whole;
-            paintLayer(i, *moment.layers[i].surface, layer);
+            paintLayer(i, moment.layers[i], layer);
             shares[i] = static_cast<float>(moment.layers[i].share);
             whole += moment.layers[i].share;
         }

@@ -8,6 +8,10 @@
 #include <memory>
 #include <numbers>
 
+extern "C" {
+#include <libavutil/imgutils.h>
+}
+
 namespace vantrel::ombra {
 
 namespace {
@@ -81,33 +85,27 @@ std::string modeText(int width, int height, double rate)
 }
 
 /// From 32 bits a pixel in the machine's own order.
-Ref<Surface> toSurface(cairo_surface_t* image, int width, int height)
+Ref<DecodedPicture> toPicture(cairo_surface_t* image, int width, int height)
 {
     cairo_surface_flush(image);
-    auto surface = makeRef<Surface>();
-    surface->format = Surface::formatRgb24;
-    surface->width = width;
-    surface->height = height;
-    surface->bytesPerLine = width * 3;
-    surface->pixels.resize(static_cast<std::size_t>(surface->bytesPerLine) *
-                           static_cast<std::size_t>(height));
-    const int stride = cairo_image_surface_get_stride(image);
-    std::uint8_t* out = surface->pixels.data();
-    for (int y = 0; y < height; ++y) {
-        const auto* line = reinterpret_cast<const std::uint32_t*>(cairo_image_surface_get_data(image) +
-                                                                  static_cast<std::ptrdiff_t>(y) * stride);
-        for (int x = 0; x < width; ++x) {
-            *out++ = static_cast<std::uint8_t>(line[x] >> 16);
-            *out++ = static_cast<std::uint8_t>(line[x] >> 8);
-            *out++ = static_cast<std::uint8_t>(line[x]);
-        }
-    }
-    return surface;
+    const AvPtr<AVFrame> frame(av_frame_alloc());
+    if (!frame)
+        return nullptr;
+    frame->format = AV_PIX_FMT_BGR0;
+    frame->width = width;
+    frame->height = height;
+    if (av_frame_get_buffer(frame.get(), 0) < 0)
+        return nullptr;
+    const std::uint8_t* const lines[4] = {cairo_image_surface_get_data(image)};
+    const int strides[4] = {cairo_image_surface_get_stride(image)};
+    av_image_copy(frame->data, frame->linesize, const_cast<const std::uint8_t**>(lines), strides,
+                  AV_PIX_FMT_BGR0, width, height);
+    return makePicture(*frame, 0, {1, 1});
 }
 
 } // namespace
 
-Ref<Surface> paintTestCard(const TestCard& card, int width, int height, double rate)
+Ref<DecodedPicture> paintTestCard(const TestCard& card, int width, int height, double rate)
 {
     const Image image(cairo_image_surface_create(CAIRO_FORMAT_RGB24, width, height));
     if (cairo_surface_status(image.get()) != CAIRO_STATUS_SUCCESS)
@@ -124,7 +122,7 @@ Ref<Surface> paintTestCard(const TestCard& card, int width, int height, double r
     paintText(to, card.name, height * 0.51, height * 0.06, width);
     cairo_select_font_face(to, "Inter", CAIRO_FONT_SLANT_NORMAL, CAIRO_FONT_WEIGHT_NORMAL);
     paintText(to, modeText(width, height, rate), height * 0.61, height * 0.05, width);
-    return toSurface(image.get(), width, height);
+    return toPicture(image.get(), width, height);
 }
 
 } // namespace vantrel::ombra

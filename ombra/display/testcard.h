@@ -1,7 +1,6 @@
 #pragma once
 
-#include "tarn/preview/frame.h"
-#include "tarn/ref.h"
+#include "ombra/decode/decodedpicture.h"
 
 #include <string>
 
@@ -15,9 +14,9 @@ struct TestCard
     friend bool operator==(const TestCard&, const TestCard&) = default;
 };
 
-/// A surface of 24-bit RGB of the size of a screen (pixels) that shows pictures at a rate (Hz): a border in
+/// A picture of the size of a screen (pixels) that shows pictures at a rate (Hz): a border in
 /// the outermost pixels, a circle that is round where pixels are square, bars, and what the card says. Null
 /// where there is no memory for it.
-Ref<Surface> paintTestCard(const TestCard& card, int width, int height, double rate);
+Ref<DecodedPicture> paintTestCard(const TestCard& card, int width, int height, double rate);
 
 } // namespace vantrel::ombra

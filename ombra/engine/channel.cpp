@@ -85,7 +85,7 @@ bool Channel::take(const Json& args, std::string* error)
         if (fromInpoint)
             deck->seekInpoint();
         deck->setState(SourcePlayState::Play);
-        deck->setCanvas(m_program.canvasOf(cued));
+        deck->setScaling(m_program.scalingOf(cued));
     }
     m_program.setLoaded(cued);
     m_program.player().load(std::move(deck), {options.transitionType, options.transitionDuration},

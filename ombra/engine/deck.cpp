@@ -19,17 +19,18 @@ constexpr double lateTolerance = 0.06;
 
 } // namespace
 
-Deck::Deck(MediaSource source, const MediaItem& item, EndAction endAction, Canvas canvas,
+Deck::Deck(MediaSource source, const MediaItem& item, EndAction endAction, ScaleMode scaling,
            std::optional<double> position, SourcePlayState state, std::function<void()> wake,
            PictureOpener open)
     : m_item(item)
     , m_endAction(endAction)
+    , m_scaling(scaling)
     , m_state(state)
     , m_target(position.value_or(item.inpoint))
     , m_position(m_target)
     , m_begin(m_target)
     , m_audio(source, m_target, item.contentUrl, wake)
-    , m_feed(std::move(source), canvas, m_target, item.contentUrl, wake, std::move(open))
+    , m_feed(std::move(source), m_target, item.contentUrl, wake, std::move(open))
 {
 }
 
@@ -87,17 +88,6 @@ void Deck::setItem(const MediaItem& item)
     m_item = item;
     if (moved && (m_held || m_state == SourcePlayState::Stop))
         start(m_item.inpoint);
-}
-
-void Deck::setCanvas(Canvas canvas)
-{
-    const bool changed = m_feed.setCanvas(canvas, m_awaiting     ? m_target
-                                                  : m_clockStart ? m_clock
-                                                                 : m_position);
-    if (!changed || m_awaiting || m_clockStart)
-        return;
-    m_target = m_begin; // the picture that stands is shown once more
-    m_awaiting = true;
 }
 
 void Deck::seek(double position)
@@ -190,7 +180,7 @@ void Deck::fail()
 {
     if (std::exchange(m_awaiting, false))
         m_position = m_target; // where it would stand: what lasts of it is not lost
-    m_surface = nullptr;
+    m_image = nullptr;
     if (m_held || m_state != SourcePlayState::Play || m_atEnd)
         return;
     m_atEnd = true;
@@ -265,7 +255,7 @@ void Deck::hear(double to)
 
 void Deck::show(const Picture& picture)
 {
-    m_surface = picture.surface;
+    m_image = picture.image;
     m_position = picture.time;
     m_shownFor = picture.duration;
     m_begin = m_position;

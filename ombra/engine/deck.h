@@ -18,7 +18,7 @@ class Deck
 {
 public:
     /// At the position (at the in point where there is none), in the given state.
-    Deck(MediaSource source, const MediaItem& item, EndAction endAction, Canvas canvas,
+    Deck(MediaSource source, const MediaItem& item, EndAction endAction, ScaleMode scaling,
          std::optional<double> position, SourcePlayState state, std::function<void()> wake,
          PictureOpener open = openReader);
 
@@ -41,8 +41,9 @@ public:
     EndAction endAction() const { return m_endAction; }
     /// New in and out points and duration of the same medium; playback goes on where it is.
     void setItem(const MediaItem& item);
-    /// How the pictures are made from now on; playback goes on where it is.
-    void setCanvas(Canvas canvas);
+    /// How its pictures stand in an output.
+    void setScaling(ScaleMode scaling) { m_scaling = scaling; }
+    ScaleMode scaling() const { return m_scaling; }
     void seek(double position);
     /// The nearest position that can be sought.
     double seekable(double position) const;
@@ -70,8 +71,8 @@ public:
     /// Seconds from the in point to the end; endless as above, nothing until the medium is opened.
     std::optional<double> length() const;
 
-    const Ref<Surface>& surface() const { return m_surface; } // null before the first picture
-    const Sound& sound() const { return m_sound; }            // played since the advance before
+    const Ref<DecodedPicture>& image() const { return m_image; } // null before the first picture
+    const Sound& sound() const { return m_sound; }               // played since the advance before
     bool soundGoesOn() const { return m_goesOn; } // it begins where that of the advance before ended
     /// Of the medium; nothing until they are known.
     std::optional<int> channels() const { return m_audio.channels(); }
@@ -81,7 +82,7 @@ public:
     int missed() const { return m_missed; }
     /// The share of the time there is that decoding its pictures takes; above 1 it cannot keep up.
     double load() const { return m_feed.status().load; }
-    double position() const { return m_position; } // of the surface
+    double position() const { return m_position; } // of the image
     double target() const { return m_target; }     // what was sought last
     SourcePlayState state() const { return m_state; }
     bool landed() const { return !m_awaiting; } // what is shown is what was sought last
@@ -120,6 +121,7 @@ private:
     bool m_held = false;
     bool m_followed = false;
     EndAction m_endAction;
+    ScaleMode m_scaling;
     SourcePlayState m_state;
     double m_target; // sought last
     bool m_awaiting = true;
@@ -140,9 +142,9 @@ private:
     Sound m_sound;
     bool m_goesOn = false;
     bool m_beginsAnew = true; // what is heard next
-    Ref<Surface> m_surface;
+    Ref<DecodedPicture> m_image;
     double m_position;
-    double m_shownFor = 0; // seconds that the surface stands
+    double m_shownFor = 0; // seconds that the image stands
     double m_begin = 0;    // from where the clock starts when it does
     // Last: their threads call wake.
     AudioFeed m_audio;

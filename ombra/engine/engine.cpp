@@ -53,14 +53,9 @@ public:
         : m_io(io)
         , m_scene(scene)
         , m_source(library)
-        , m_studio{m_source,
-                   std::move(config.mediaFolder),
-                   Canvas{.width = config.previewWidth,
-                          .height = config.previewWidth * 9 / 16,
-                          .keepsFrames = config.keepsFrames},
-                   blackSurface({config.previewWidth, config.previewWidth * 9 / 16}),
-                   [this] { m_mixer.wake(); },
-                   std::move(config.open)}
+        , m_studio{m_source, std::move(config.mediaFolder),
+                   Canvas{.width = config.previewWidth, .height = config.previewWidth * 9 / 16},
+                   [this] { m_mixer.wake(); }, std::move(config.open)}
         , m_mixer(m_studio.lock, config.framesPerSecond, [this] { schedulePublish(); })
     {
         addChannels();
@@ -266,9 +261,9 @@ Engine::Engine(boost::asio::io_context& io, Scene& scene, MediaLibrary& library,
 
 Engine::~Engine() = default;
 
-void Engine::setPreviewSink(std::function<void(PreviewFrame)> sink)
+void Engine::setPreviewSink(std::function<void(PreviewFrame)> sink, std::function<bool()> isWanted)
 {
-    m_impl->mixer().setSink(std::move(sink));
+    m_impl->mixer().previews().setSink(std::move(sink), std::move(isWanted));
 }
 
 void Engine::setLevelSink(std::function<void(PreviewLevels)> sink)

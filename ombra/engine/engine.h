@@ -43,7 +43,6 @@ struct EngineConfig
     int previewWidth = 480; // pixels; pictures are 16:9
     int framesPerSecond = 25;
     PictureOpener open = openReader;
-    bool keepsFrames = false; // for a display: the decoder's own pictures beside those of the preview
 };
 
 /// Plays the library's media on the scene's channels and publishes what happens into the scene. Made, used
@@ -57,12 +56,13 @@ public:
     Engine(const Engine&) = delete;
     Engine& operator=(const Engine&) = delete;
 
-    /// Called on the mixing thread: at every new picture, and a few times a second while nothing changes.
-    /// Pictures are 24-bit RGB, EngineConfig::previewWidth wide, their time is nanoseconds since 1970. A
-    /// surface may be shared with later pictures: never write into it.
-    void setPreviewSink(std::function<void(PreviewFrame)> sink);
-    /// The same for the sound: with every picture's time in which the levels changed, and a few times a
-    /// second.
+    /// Called on a thread of the engine's: at every new picture, and a few times a second while nothing
+    /// changes, as long as anybody wants them. Pictures are 24-bit RGB, EngineConfig::previewWidth wide,
+    /// their time is nanoseconds since 1970. A surface may be shared with later pictures: never write into
+    /// it.
+    void setPreviewSink(std::function<void(PreviewFrame)> sink, std::function<bool()> isWanted = {});
+    /// The same for the sound, on the mixing thread: with every picture's time in which the levels changed,
+    /// and a few times a second.
     void setLevelSink(std::function<void(PreviewLevels)> sink);
 
     /// A display that is about to show the picture of this moment (pace) gets what it is, program or preview,

@@ -3,13 +3,12 @@
 #include "ombra/engine/mix.h"
 
 #include <algorithm>
-#include <ranges>
 
 namespace vantrel::ombra {
 
 namespace {
 
-constexpr double repeatAfter = 0.24; // seconds after which what is unchanged is sent again
+constexpr double repeatAfter = 0.24; // seconds after which levels that are unchanged are sent again
 constexpr int roundsLeftOut = 5;     // when this late, go on from now rather than catch up
 constexpr auto pacePatience = std::chrono::milliseconds(120); // until the rate goes on by itself
 
@@ -36,7 +35,7 @@ Mixer::~Mixer()
 void Mixer::add(Playback& playback)
 {
     const std::lock_guard lock(m_lock);
-    m_outputs.push_back(std::make_unique<Output>(Output{&playback, nullptr}));
+    m_outputs.push_back(std::make_unique<Output>(Output{&playback}));
 }
 
 void Mixer::start()
@@ -83,12 +82,6 @@ void Mixer::setSoundSink(std::function<void(const Playback&, HeardMoment)> sink)
 {
     const std::lock_guard lock(m_sinkMutex);
     m_soundSink = std::move(sink);
-}
-
-void Mixer::setSink(std::function<void(PreviewFrame)> sink)
-{
-    const std::lock_guard lock(m_sinkMutex);
-    m_sink = std::move(sink);
 }
 
 void Mixer::setLevelSink(std::function<void(PreviewLevels)> sink)
@@ -154,6 +147,7 @@ void Mixer::round(double now, Round kind)
         Player::Moment moment;
         std::vector<std::shared_ptr<Deck>> retired; // let go after the lock
         double gain = 0;
+        Canvas canvas;
         {
             const std::lock_guard lock(m_lock);
             if (i >= m_outputs.size())
@@ -161,21 +155,15 @@ void Mixer::round(double now, Round kind)
             output = m_outputs[i].get();
             moment = output->playback->player().advance(now, kind == Round::Paced ? m_beat / 2 : 0);
             gain = output->playback->gain();
+            canvas = output->playback->output();
             output->playback->lateWatch().note(moment.late, now);
             retired = output->playback->player().takeRetired();
         }
         play(*output, std::move(moment.heard), gain, now); // first: it is what must not come late
-        Ref<Surface> surface = moment.layers.front().surface;
-        for (const Player::Moment::Layer& layer : moment.layers | std::views::drop(1))
-            surface = mix(surface, layer.surface, layer.type, layer.weight);
-        {
-            const std::lock_guard lock(m_lock);
-            output->playback->player().setShown(surface);
-        }
         if (kind == Round::Paced)
             show(*output, moment, now);
         if (sends)
-            send(*output, surface, now);
+            m_previews.show(output->playback->path(), {std::move(moment.layers), canvas}, now);
         output->gauge.add(moment.sound, gain);
         output->channels = moment.channels.value_or(output->channels);
         if (sends && kind != Round::Woken)
@@ -197,10 +185,10 @@ void Mixer::show(Output& output, const Player::Moment& moment, double now)
         shown.dipped = shown.dipped * shares.from;
         if (layer.type == TakeTransitionType::DipToColor)
             shown.dipped += 1 - shares.from - shares.to;
-        shown.layers.push_back({layer.isBlack ? nullptr : layer.surface, shares.to});
+        shown.layers.push_back({layer.image, layer.scaling, shares.to});
     }
     std::erase_if(shown.layers,
-                  [](const ShownMoment::Layer& layer) { return !layer.surface || layer.share <= 0; });
+                  [](const ShownMoment::Layer& layer) { return !layer.image || layer.share <= 0; });
     const std::lock_guard lock(m_sinkMutex);
     if (m_momentSink)
         m_momentSink(*output.playback, std::move(shown));
@@ -213,17 +201,6 @@ void Mixer::play(Output& output, HeardMoment moment, double gain, double now)
     const std::lock_guard lock(m_sinkMutex);
     if (m_soundSink)
         m_soundSink(*output.playback, std::move(moment));
-}
-
-void Mixer::send(Output& output, const Ref<Surface>& surface, double now)
-{
-    if (surface == output.sent && now < output.sentAt + repeatAfter)
-        return;
-    output.sent = surface;
-    output.sentAt = now;
-    const std::lock_guard lock(m_sinkMutex);
-    if (m_sink)
-        m_sink({output.playback->path(), Frame(surface.get(), wallTime())});
 }
 
 void Mixer::sendLevels(Output& output, double now)

@@ -4,6 +4,7 @@
 #include "ombra/engine/heardmoment.h"
 #include "ombra/engine/levelgauge.h"
 #include "ombra/engine/playback.h"
+#include "ombra/engine/previewmaker.h"
 #include "ombra/engine/shownmoment.h"
 
 #include <atomic>
@@ -36,8 +37,7 @@ public:
     void setMomentSink(std::function<void(const Playback&, ShownMoment)> sink);
     /// Called with every round, for each playback.
     void setSoundSink(std::function<void(const Playback&, HeardMoment)> sink);
-    /// After this returns the sink before is not called any more.
-    void setSink(std::function<void(PreviewFrame)> sink);
+    PreviewMaker& previews() { return m_previews; }
     void setLevelSink(std::function<void(PreviewLevels)> sink);
 
 private:
@@ -46,8 +46,6 @@ private:
     struct Output
     {
         Playback* playback;
-        Ref<Surface> sent;
-        double sentAt = 0;
         LevelGauge gauge{};
         int channels = 0; // known last
         std::optional<AudioLevels> sentLevels{};
@@ -61,7 +59,6 @@ private:
     /// InTime: a moment of the rate, and not one in between; levels are of whole such moments.
     void round(double now, Round kind);
     void learnBeat(Clock::time_point moment);
-    void send(Output& output, const Ref<Surface>& surface, double now);
     void sendLevels(Output& output, double now);
 
     std::mutex& m_lock;
@@ -69,9 +66,9 @@ private:
     const Clock::time_point m_begin = Clock::now(); // of the mixing clock
     const std::function<void()> m_ticked;
     std::vector<std::unique_ptr<Output>> m_outputs; // under m_lock
+    PreviewMaker m_previews;
 
     std::mutex m_sinkMutex;
-    std::function<void(PreviewFrame)> m_sink;
     std::function<void(PreviewLevels)> m_levelSink;
     std::function<void(const Playback&, ShownMoment)> m_momentSink;
     std::function<void(const Playback&, HeardMoment)> m_soundSink;

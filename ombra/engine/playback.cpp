@@ -65,7 +65,7 @@ Playback::Playback(Studio& studio, std::string path, bool isProgram)
     , m_path(std::move(path))
     , m_isProgram(isProgram)
     , m_order(studio.source)
-    , m_player(studio.black, isProgram)
+    , m_player(isProgram)
     , m_output(studio.canvas)
 {
 }
@@ -163,16 +163,14 @@ void Playback::setOutput(const Canvas& output)
     sync();
     m_output = output;
     if (m_player.deck())
-        m_player.deck()->setCanvas(canvasOf(m_loaded));
+        m_player.deck()->setScaling(scalingOf(m_loaded));
     revisePlan();
 }
 
-Canvas Playback::canvasOf(const Loaded& loaded) const
+ScaleMode Playback::scalingOf(const Loaded& loaded) const
 {
-    Canvas canvas = m_output;
-    if (loaded.item && loaded.item->scaling != ScaleMode::Default)
-        canvas.scaling = loaded.item->scaling;
-    return canvas;
+    const bool hasItsOwn = loaded.item && loaded.item->scaling != ScaleMode::Default;
+    return hasItsOwn ? loaded.item->scaling : m_output.scaling;
 }
 
 bool Playback::playMedia(const std::string& url, std::string* error)
@@ -227,7 +225,7 @@ std::shared_ptr<Deck> Playback::makeDeck(const Loaded& loaded, std::optional<dou
         return nullptr;
     // Its own threads ask the disk where it lies: one that hangs must not hold up anything else.
     MediaSource source{{}, loaded.item->sequence, m_studio.mediaFolder, loaded.item->contentUrl};
-    return std::make_shared<Deck>(std::move(source), *loaded.item, loaded.endAction, canvasOf(loaded),
+    return std::make_shared<Deck>(std::move(source), *loaded.item, loaded.endAction, scalingOf(loaded),
                                   position, state, m_studio.wake, m_studio.open);
 }
 
@@ -332,7 +330,7 @@ void Playback::revisePlan()
     }
     m_player.forFollowing([this, i = std::size_t(0)](Deck& deck, Player::Transition& transition) mutable {
         const Planned& planned = m_plan[i++];
-        deck.setCanvas(canvasOf(planned.loaded));
+        deck.setScaling(scalingOf(planned.loaded));
         deck.setItem(*planned.loaded.item);
         deck.setEndAction(planned.loaded.endAction);
         transition = planned.loops ? Player::Transition() : transitionInto(planned.loaded);
@@ -409,7 +407,7 @@ void Playback::adopt(MediaItem item)
         m_loaded.endAction = item.endAction;
     m_loaded.item = std::move(item);
     if (const std::shared_ptr<Deck>& deck = m_player.deck()) {
-        deck->setCanvas(canvasOf(m_loaded));
+        deck->setScaling(scalingOf(m_loaded));
         deck->setItem(*m_loaded.item);
         deck->setEndAction(m_loaded.endAction);
     }

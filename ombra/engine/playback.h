@@ -25,8 +25,7 @@ struct Studio
 {
     const SlotSource& source;
     std::filesystem::path mediaFolder;
-    Canvas canvas; // of a playback without an output of its own
-    Ref<Surface> black;
+    Canvas canvas;              // of a playback without an output of its own
     std::function<void()> wake; // the mixing thread; called from any thread, also under the lock
     PictureOpener open = openReader;
     std::mutex lock{}; // guards all players and decks
@@ -52,7 +51,7 @@ public:
     void setMedia(const std::string& url);
     /// As loud as the properties volume, muted and audioDevice say.
     void followSound(const Object& object);
-    /// The output's size and the scaling of media that say none of their own.
+    /// How previews are made of its pictures, and the scaling of media that say none of their own.
     void setOutput(const Canvas& output);
 
     /// Follows the newest edit of the library.
@@ -66,6 +65,7 @@ public:
 
     // Of the mixing thread, under the studio's lock.
     double gain() const { return m_gain; } // amplitude
+    const Canvas& output() const { return m_output; }
     LateWatch& lateWatch() { return m_lateWatch; }
 
     // For a take, under the studio's lock.
@@ -76,7 +76,7 @@ public:
     std::shared_ptr<Deck> makeDeck(const Loaded& loaded, std::optional<double> position,
                                    SourcePlayState state) const;
     void beginTake() { m_taking = true; }
-    Canvas canvasOf(const Loaded& loaded) const;
+    ScaleMode scalingOf(const Loaded& loaded) const;
 
 private:
     bool playMedia(const std::string& url, std::string* error);

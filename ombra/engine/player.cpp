@@ -20,7 +20,8 @@ constexpr double hangsAfter = 2; // seconds
 constexpr double madeAhead = 6;
 constexpr std::size_t followingAtMost = 3; // of media shorter than that
 /// Transitions over transitions are mixed whole up to so many media.
-constexpr std::size_t layersAtMost = 4; // as many as a display paints
+constexpr std::ptrdiff_t layersAtMost = 4; // as many as a display paints
+constexpr std::size_t shadesAtMost = 64;   // of those that went, and whose black is still seen
 /// Progress at which a transition is over, in spite of how its times were rounded.
 constexpr double whole = 1 - 1e-6;
 
@@ -41,12 +42,10 @@ void addSound(Sound& to, const Sound& more)
 
 } // namespace
 
-Player::Player(Ref<Surface> black, bool blackWhenStopped)
-    : m_black(std::move(black))
-    , m_shown(m_black)
-    , m_blackWhenStopped(blackWhenStopped)
+Player::Player(bool blackWhenStopped)
+    : m_blackWhenStopped(blackWhenStopped)
 {
-    m_layers.push_back({nullptr, m_black});
+    m_layers.emplace_back();
 }
 
 const std::shared_ptr<Deck>& Player::described() const
@@ -124,11 +123,24 @@ std::shared_ptr<Deck> Player::release()
         deck = std::move(m_next->deck);
         m_next.reset();
     } else {
-        deck = std::move(m_layers.back().deck);
-        m_layers.back().still = m_shown;
-        dropBelow(m_layers.size() - 1);
+        deck = m_layers.back().deck;
+        freeze();
     }
     return deck;
+}
+
+/// What is shown stays as it is, for want of its decks.
+void Player::freeze()
+{
+    for (Layer& layer : m_layers) {
+        const Moment::Layer seen = shown(layer);
+        const bool isGivenAway = &layer == &m_layers.back();
+        layer.still = seen.image;
+        layer.scaling = seen.scaling;
+        layer.transition.seconds = 0;
+        if (std::shared_ptr<Deck> deck = std::exchange(layer.deck, nullptr); !isGivenAway)
+            retire(std::move(deck));
+    }
 }
 
 void Player::follow(std::shared_ptr<Deck> deck, Transition transition, bool loops)
@@ -239,21 +251,17 @@ void Player::beginNext()
 void Player::goOver(std::shared_ptr<Deck> deck, Transition transition, double since)
 {
     const bool timed = transition.type != TakeTransitionType::DirectCut && transition.seconds > 0;
-    // The black of a dip would go with its picture.
-    const bool dips = std::ranges::any_of(m_layers, [](const Layer& one) {
-        return one.transition.type == TakeTransitionType::DipToColor && one.progress < whole;
-    });
-    if (!timed || (dips && m_layers.size() >= layersAtMost)) {
+    if (!timed) {
         for (Layer& layer : m_layers)
             retire(std::move(layer.deck));
         m_layers.clear();
-    } else if (m_layers.size() >= layersAtMost) {
+    } else if (std::ranges::count_if(m_layers, hasPicture) >= layersAtMost) {
         dropFaintest();
     }
-    if (m_layers.empty() && timed)
-        m_layers.push_back({nullptr, m_shown});
-    m_layers.push_back(
-        {std::move(deck), m_black, timed ? transition : Transition(), since, timed ? 0.0 : 1.0});
+    m_layers.push_back({.deck = std::move(deck),
+                        .transition = timed ? transition : Transition(),
+                        .since = since,
+                        .progress = timed ? 0.0 : 1.0});
 }
 
 /// Of too many transitions at once the picture that is seen least goes, and nobody misses it.
@@ -264,14 +272,20 @@ void Player::dropFaintest()
     for (auto layer = m_layers.end(); layer-- != m_layers.begin();) {
         const MixShares shares =
             layer == m_layers.begin() ? MixShares{0, 1} : mixShares(layer->transition.type, layer->progress);
-        if (left * shares.to < least) {
+        if (hasPicture(*layer) && left * shares.to < least) {
             least = left * shares.to;
             faintest = layer;
         }
         left *= shares.from;
     }
-    retire(std::move(faintest->deck));
-    m_layers.erase(faintest);
+    retire(std::exchange(faintest->deck, nullptr));
+    faintest->still = nullptr;
+    // The black of a dip would go with its picture.
+    const bool dips = std::ranges::any_of(m_layers, [](const Layer& one) {
+        return one.transition.type == TakeTransitionType::DipToColor && one.progress < whole;
+    });
+    if (!dips || m_layers.size() >= shadesAtMost)
+        m_layers.erase(faintest);
 }
 
 bool Player::isFollowed() const
@@ -447,11 +461,11 @@ std::vector<std::shared_ptr<Deck>> Player::takeRetired()
 Player::Moment::Layer Player::shown(const Layer& layer) const
 {
     const Deck* deck = layer.deck.get();
-    Ref<Surface> surface = deck ? deck->surface() : layer.still;
-    if (!surface || (deck && m_blackWhenStopped && deck->state() == SourcePlayState::Stop))
-        surface = m_black;
-    const bool isBlack = surface == m_black;
-    return {std::move(surface), layer.transition.type, layer.progress, isBlack};
+    const bool isDark = deck && m_blackWhenStopped && deck->state() == SourcePlayState::Stop;
+    return {isDark ? nullptr
+            : deck ? deck->image()
+                   : layer.still,
+            deck ? deck->scaling() : layer.scaling, layer.transition.type, layer.progress};
 }
 
 } // namespace vantrel::ombra

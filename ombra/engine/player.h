@@ -20,10 +20,11 @@ public:
     {
         struct Layer
         {
-            Ref<Surface> surface;
+            Ref<DecodedPicture> image; // null: nothing is there
+            ScaleMode scaling = ScaleMode::Fit;
             TakeTransitionType type = TakeTransitionType::DirectCut; // over the mixture of those below
             double weight = 1;
-            bool isBlack = false; // nothing is there
+            friend bool operator==(const Layer&, const Layer&) = default;
         };
         std::vector<Layer> layers;   // the lowest first; at least one
         Sound sound;                 // mixed, of the time since the moment before
@@ -33,7 +34,7 @@ public:
         int missed = 0;              // pictures that came due and were not decoded by then
         double load = 0;             // of the deck whose decoding takes most of its time
 
-        const Ref<Surface>& to() const { return layers.back().surface; }
+        const Ref<DecodedPicture>& to() const { return layers.back().image; }
     };
     /// How a deck comes on air.
     struct Transition
@@ -49,7 +50,7 @@ public:
     };
 
     /// Shows black where a deck is stopped, or else its first picture.
-    Player(Ref<Surface> black, bool blackWhenStopped);
+    explicit Player(bool blackWhenStopped);
 
     /// The one loaded last, also while the one before it is still on air; null where nothing is loaded.
     const std::shared_ptr<Deck>& deck() const { return m_next ? m_next->deck : m_layers.back().deck; }
@@ -93,8 +94,6 @@ public:
     /// Pictures are those whose time comes by so many seconds after the moment: half of what one is shown for
     /// on a display, so that a beat that is a little off shows none twice.
     Moment advance(double now, double lead = 0);
-    /// What became of the moment: the picture from which a transition starts when there is no deck to go on.
-    void setShown(Ref<Surface> surface) { m_shown = std::move(surface); }
 
     bool inTransition() const;
     bool waiting() const { return m_next.has_value(); }       // nothing of the deck was shown yet
@@ -108,11 +107,13 @@ private:
     struct Layer
     {
         std::shared_ptr<Deck> deck;
-        Ref<Surface> still; // where there is no deck
+        Ref<DecodedPicture> still{};        // where there is no deck
+        ScaleMode scaling = ScaleMode::Fit; // of that
         Transition transition{};
         double since = 0; // "now" at which the transition began
         double progress = 1;
     };
+    static bool hasPicture(const Layer& layer) { return layer.deck || layer.still; }
     /// What comes on air as soon as it has a picture.
     struct Next
     {
@@ -138,6 +139,7 @@ private:
     void beginNext();
     void replaceNext(Next next);
     void goOver(std::shared_ptr<Deck> deck, Transition transition, double since);
+    void freeze();
     void dropFaintest();
     void prepareFollowing();
     bool isFollowed() const;
@@ -152,8 +154,6 @@ private:
     Deck* onAir() const { return m_layers.back().deck.get(); }
     Moment::Layer shown(const Layer& layer) const;
 
-    Ref<Surface> m_black;
-    Ref<Surface> m_shown;
     bool m_blackWhenStopped;
     std::vector<Layer> m_layers; // the lowest first; the last one is on air, those below it fade
     std::optional<Next> m_next;

@@ -1,21 +1,22 @@
 #pragma once
 
-#include "tarn/preview/frame.h"
-#include "tarn/ref.h"
+#include "ombra/decode/decodedpicture.h"
+#include "tarn/media/mediaenums.h"
 
 #include <vector>
 
 namespace vantrel::ombra {
 
 /// What a playback shows at a moment: pictures of which there is so much each, 0 to 1. What is missing to 1
-/// is the background of the output, after what a dip has made black. Surfaces are the preview's; where it is
-/// DecodedSurface there is more behind.
+/// is the background of the output, after what a dip has made black.
 struct ShownMoment
 {
     struct Layer
     {
-        Ref<Surface> surface;
+        Ref<DecodedPicture> image;
+        ScaleMode scaling = ScaleMode::Fit;
         double share = 1;
+        friend bool operator==(const Layer&, const Layer&) = default;
     };
     std::vector<Layer> layers; // none: nothing is on it
     double dipped = 0;         // share of black

@@ -124,6 +124,7 @@ bool PreviewServer::accept(boost::asio::ip::tcp::socket socket)
     socket.set_option(boost::asio::socket_base::send_buffer_size(512 * 1024), ignored);
     const auto reader = std::make_shared<Reader>(std::move(socket), std::move(room));
     m_readers.push_back(reader);
+    m_hasReaders = true;
     reader->start();
     for (const auto& [key, frame] : m_latest)
         reader->offer(key, std::make_shared<const std::string>(previewwire::encode(frame)));
@@ -152,13 +153,16 @@ void PreviewServer::distribute()
         m_posted = false;
     }
     std::erase_if(m_readers, [](const auto& weak) { return weak.expired(); });
+    m_hasReaders = !m_readers.empty();
+    if (m_readers.empty()) {
+        m_latest.clear();
+        return;
+    }
     for (auto& [key, frame] : frames) {
-        if (!m_readers.empty()) {
-            const auto bytes = std::make_shared<const std::string>(previewwire::encode(frame));
-            for (const auto& weak : m_readers) {
-                if (const auto reader = weak.lock(); reader && !bytes->empty())
-                    reader->offer(key, bytes);
-            }
+        const auto bytes = std::make_shared<const std::string>(previewwire::encode(frame));
+        for (const auto& weak : m_readers) {
+            if (const auto reader = weak.lock(); reader && !bytes->empty())
+                reader->offer(key, bytes);
         }
         m_latest[key] = std::move(frame);
     }

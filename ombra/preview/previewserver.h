@@ -7,6 +7,7 @@
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/ip/tcp.hpp>
 
+#include <atomic>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -35,6 +36,8 @@ public:
 
     /// A new frame; replaces an earlier one of its kind that was not passed on yet.
     void show(PreviewFrame frame);
+    /// Whether anybody reads: else nothing needs to be made for them. Any thread.
+    bool hasReaders() const { return m_hasReaders; }
 
 private:
     class Reader;
@@ -48,7 +51,8 @@ private:
     Listener m_listener;
     PeerLimit m_room{64, 32};
     std::vector<std::weak_ptr<Reader>> m_readers;
-    std::map<Key, PreviewFrame> m_latest;
+    std::map<Key, PreviewFrame> m_latest; // while somebody reads: later they would be old
+    std::atomic<bool> m_hasReaders{false};
     std::shared_ptr<int> m_alive = std::make_shared<int>(0);
 
     std::mutex m_mutex; // guards what follows

@@ -72,12 +72,12 @@ private Q_SLOTS:
                 options.split(u' '),
             file));
         std::string error;
-        const auto reader =
-            openReader({m_media.file(qPrintable(file)), std::nullopt}, {160, 0}, m_stop, &error);
+        const auto reader = openReader({m_media.file(qPrintable(file)), std::nullopt}, m_stop, &error);
         QVERIFY2(reader, error.c_str());
         Picture picture;
         QVERIFY(reader->seek(0, picture));
-        const Rgb seen = pixelAt(*picture.surface, picture.surface->width / 2, picture.surface->height / 2);
+        const Ref<Surface> surface = drawn(picture.image, {160, 0});
+        const Rgb seen = pixelAt(*surface, surface->width / 2, surface->height / 2);
         const auto near = [](int a, int b) { return qAbs(a - b) <= 3; };
         QVERIFY2(near(seen.red, expected.red()) && near(seen.green, expected.green()) &&
                      near(seen.blue, expected.blue()),

@@ -37,7 +37,7 @@ private:
         m_gate.acquire();
         std::this_thread::sleep_for(m_work.load());
         m_index = index;
-        out = {blackSurface({}), index / 25.0, 0.04};
+        out = {makeRef<DecodedPicture>(), index / 25.0, 0.04};
         return index < 250;
     }
 
@@ -70,8 +70,8 @@ private Q_SLOTS:
         QFETCH(int, most);
         QSemaphore gate;
         PictureFeed feed(
-            {}, {}, 0, "gated", [] {},
-            [&](const MediaSource&, Canvas, const std::atomic<bool>&, std::string*) {
+            {}, 0, "gated", [] {},
+            [&](const MediaSource&, const std::atomic<bool>&, std::string*) {
                 return std::make_unique<GatedReader>(gate);
             });
         feed.start();
@@ -101,8 +101,8 @@ private Q_SLOTS:
         QSemaphore gate(250);
         std::atomic<std::chrono::milliseconds> work{};
         PictureFeed feed(
-            {}, {}, 0, "gated", [] {},
-            [&](const MediaSource&, Canvas, const std::atomic<bool>&, std::string*) {
+            {}, 0, "gated", [] {},
+            [&](const MediaSource&, const std::atomic<bool>&, std::string*) {
                 return std::make_unique<GatedReader>(gate, work);
             });
         feed.start();
@@ -117,24 +117,6 @@ private Q_SLOTS:
         for (int i = 54; i < 114; ++i)
             QVERIFY(takeAt(i));
         QVERIFY2(feed.status().load > 0.5, qPrintable(QString::number(feed.status().load)));
-    }
-
-    /// Where the medium cannot be opened for another canvas, the feed is over, and nobody waits for a seek.
-    void failsForGoodWhenItCannotOpenAgain()
-    {
-        QSemaphore gate(20);
-        int opened = 0;
-        PictureFeed feed(
-            {}, {}, 0, "gated", [] {},
-            [&](const MediaSource&, Canvas, const std::atomic<bool>&, std::string*) {
-                return opened++ == 0 ? std::make_unique<GatedReader>(gate) : nullptr;
-            });
-        feed.start();
-        QVERIFY(QTest::qWaitFor([&] { return feed.take(0).has_value(); }));
-        QVERIFY(feed.setCanvas({960, 540}, 0));
-        QVERIFY(QTest::qWaitFor([&] { return feed.status().failed; }));
-        feed.seek(5);
-        QVERIFY(feed.status().failed);
     }
 };
 

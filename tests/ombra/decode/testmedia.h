@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ombra/decode/framescaler.h"
 #include "tarn/preview/frame.h"
 #include "tests/support/testmedia.h"
 
@@ -105,6 +106,17 @@ inline int numberOn(const Surface* surface)
         number |= (green >= 176) << bit;
     }
     return number;
+}
+
+/// What a picture looks like on a canvas; null for none.
+inline Ref<Surface> drawn(const Ref<ombra::DecodedPicture>& picture, const ombra::Canvas& canvas = {})
+{
+    return picture ? ombra::FrameScaler().scale(*picture, canvas) : nullptr;
+}
+
+inline int numberOn(const Ref<ombra::DecodedPicture>& picture)
+{
+    return numberOn(drawn(picture).get());
 }
 
 } // namespace vantrel::test

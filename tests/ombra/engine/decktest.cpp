@@ -23,7 +23,7 @@ private:
     {
         m_now = 0;
         auto deck = std::make_unique<Deck>(MediaSource{m_media.file(name), std::nullopt}, item, endAction,
-                                           Canvas{}, std::nullopt, state, [] {});
+                                           ScaleMode::Fit, std::nullopt, state, [] {});
         deck->begin();
         return deck;
     }
@@ -31,7 +31,7 @@ private:
     int shown(Deck& deck)
     {
         deck.advance(m_now);
-        return numberOn(deck.surface().get());
+        return numberOn(deck.image());
     }
 
     static MediaItem range(double inpoint, std::optional<double> outpoint)
@@ -61,7 +61,7 @@ private Q_SLOTS:
         }
         m_now += 0.04;
         QTRY_COMPARE((shown(*deck), deck->state()), SourcePlayState::Pause);
-        QCOMPARE(numberOn(deck->surface().get()), 49);
+        QCOMPARE(numberOn(deck->image()), 49);
         QCOMPARE(deck->status().fps, 25.0);
         QCOMPARE(deck->duration(), 2.0);
         deck->setState(SourcePlayState::Play); // at the end: once more from the in point
@@ -116,7 +116,7 @@ private Q_SLOTS:
             QTRY_COMPARE(shown(*deck), frame);
         (void)shown(*deck); // at the out point
         QTRY_VERIFY((shown(*deck), deck->landed()));
-        QTEST(numberOn(deck->surface().get()), "picture");
+        QTEST(numberOn(deck->image()), "picture");
         QTEST(int(deck->state()), "state");
         QTEST(deck->atEnd(), "isFollowed");
         m_now += 0.04;
@@ -139,7 +139,7 @@ private Q_SLOTS:
     {
         QFETCH(int, action);
         const std::shared_ptr<Deck> outgoing = make("clip.mp4", range(0.2, 0.4), EndAction(action));
-        Player player(blackSurface(Canvas{}), true);
+        Player player(true);
         player.load(outgoing, {});
         QTRY_VERIFY((player.advance(m_now), !player.waiting()));
         player.load(make("clip.mp4", range(1.0, std::nullopt), EndAction::Pause),
@@ -148,7 +148,7 @@ private Q_SLOTS:
         m_now += 0.4;
         QTRY_VERIFY((player.advance(m_now), outgoing->state() != SourcePlayState::Play));
         QCOMPARE(outgoing->state(), SourcePlayState::Pause);
-        QCOMPARE(numberOn(outgoing->surface().get()), 9);
+        QCOMPARE(numberOn(outgoing->image()), 9);
         QVERIFY(!outgoing->atEnd());
     }
 

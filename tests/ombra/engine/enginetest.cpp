@@ -178,7 +178,7 @@ private Q_SLOTS:
         m_engine->setMomentSink([this](const std::string& playback, ShownMoment moment) {
             const std::lock_guard lock(m_mutex);
             if (playback == programPath && !moment.layers.empty())
-                m_shown.emplace_back(moment.time, numberOn(moment.layers.front().surface.get()));
+                m_shown.emplace_back(moment.time, numberOn(moment.layers.front().image));
         });
         QVERIFY2(play(programPath, 6), m_error.c_str());
         QVERIFY(waitFor([&] { return pictureNumber(programPath) > 0; }));

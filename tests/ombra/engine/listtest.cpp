@@ -24,8 +24,9 @@ namespace {
 constexpr double picture = 0.04; // seconds
 const std::string path = "/device/channels/0/program";
 
-Seen seenOn(const Ref<Surface>& surface)
+Seen seenOn(const Ref<DecodedPicture>& picture)
 {
+    const Ref<Surface> surface = picture ? drawn(picture) : blackSurface({});
     const QImage image(surface->pixels.data(), surface->width, surface->height, surface->bytesPerLine,
                        QImage::Format_RGB888);
     return vantrel::test::seenOn(image);
@@ -140,9 +141,9 @@ private:
         });
         return prepared.value_or(false);
     }
-    bool shows(const Ref<Surface>& surface, QColor colour, std::optional<int> number)
+    bool shows(const Ref<DecodedPicture>& image, QColor colour, std::optional<int> number)
     {
-        const Seen seen = seenOn(surface);
+        const Seen seen = seenOn(image);
         m_why = QStringLiteral("at %1 s: %2 %3, not %4 %5")
                     .arg(m_now)
                     .arg(seen.colour.name())
@@ -155,10 +156,10 @@ private:
     {
         return shows(moment.to(), colour, number);
     }
-    bool isPictureOf(const Run& run, int index, const Ref<Surface>& surface)
+    bool isPictureOf(const Run& run, int index, const Ref<DecodedPicture>& image)
     {
         const Kind& kind = kinds[run.kind];
-        return shows(surface, kind.colour, kind.numbered ? std::optional(run.from + index) : std::nullopt);
+        return shows(image, kind.colour, kind.numbered ? std::optional(run.from + index) : std::nullopt);
     }
     bool playsUntil(int kind, int from, int to)
     {
@@ -226,8 +227,7 @@ private Q_SLOTS:
         QVERIFY(m_library->insertMediaCollection(1, MediaCollection("Main"), false));
         QVERIFY(m_library->addPlaylist(1, Playlist("Show")));
         m_source = std::make_unique<LibrarySource>(*m_library);
-        m_studio = std::unique_ptr<Studio>(
-            new Studio{*m_source, m_media.folder(), Canvas{}, blackSurface({}), [] {}});
+        m_studio = std::unique_ptr<Studio>(new Studio{*m_source, m_media.folder(), Canvas{}, [] {}});
         m_playback = std::make_unique<Playback>(*m_studio, path, true);
     }
     void cleanup()
@@ -253,9 +253,9 @@ private Q_SLOTS:
                 m_now = i * picture;
                 Player::Moment moment = advance();
                 const auto isRight = [&] {
-                    return isPictureOf(runs[on], i - begin, moment.layers.back().surface) &&
+                    return isPictureOf(runs[on], i - begin, moment.layers.back().image) &&
                            (i >= before || isPictureOf(runs[on - 1], runs[on - 1].length - before + i,
-                                                       moment.layers.front().surface));
+                                                       moment.layers.front().image));
                 };
                 if (i == begin) // a change waits for nothing
                     QVERIFY2(isPictureOf(runs[on], 0, moment.to()), qPrintable(m_why));
@@ -295,9 +295,9 @@ private Q_SLOTS:
             Player::Moment moment = advance();
             QCOMPARE(moment.layers.size(), std::size_t(3));
             const auto areRight = [&] {
-                return isPictureOf({Red, 0, 20}, 15 + i, moment.layers[0].surface) &&
-                       isPictureOf({Blue, 40, 5}, i, moment.layers[1].surface) &&
-                       isPictureOf({Green, 10, 20}, i, moment.layers[2].surface);
+                return isPictureOf({Red, 0, 20}, 15 + i, moment.layers[0].image) &&
+                       isPictureOf({Blue, 40, 5}, i, moment.layers[1].image) &&
+                       isPictureOf({Green, 10, 20}, i, moment.layers[2].image);
             };
             QVERIFY2(QTest::qWaitFor([&] { return areRight() || (moment = advance(), areRight()); }),
                      qPrintable(m_why));
@@ -358,12 +358,10 @@ private Q_SLOTS:
             heard += moment.sound.frames();
             QVERIFY2(std::ranges::all_of(moment.sound.samples, [](float value) { return value > 0.49f; }),
                      qPrintable(QString::number(m_now)));
-            const auto isRight = [&] { return std::abs(numberOn(moment.to().get()) - number) == 0; };
+            const auto isRight = [&] { return std::abs(numberOn(moment.to()) - number) == 0; };
             QVERIFY2(QTest::qWaitFor([&] { return isRight() || (moment = advance(), isRight()); }),
-                     qPrintable(QStringLiteral("%1: %2, not %3")
-                                    .arg(m_now)
-                                    .arg(numberOn(moment.to().get()))
-                                    .arg(number)));
+                     qPrintable(
+                         QStringLiteral("%1: %2, not %3").arg(m_now).arg(numberOn(moment.to())).arg(number)));
         }
         QVERIFY2(std::abs(double(heard) - m_now * Sound::sampleRate) < 100,
                  qPrintable(QString::number(heard)));
@@ -542,13 +540,13 @@ private Q_SLOTS:
         QVERIFY2(playsUntil(Blue, 40, 43), qPrintable(m_why));
         Player::Moment moment;
         QTRY_VERIFY((moment = advance(), shows(moment, Qt::blue, 43) && moment.layers.size() == 2 &&
-                                             seenOn(moment.layers.front().surface).number == 13));
+                                             seenOn(moment.layers.front().image).number == 13));
         m_playback->setState(SourcePlayState::Pause);
         for (int i = 0; i < 20; ++i) {
             m_now += picture;
             moment = advance();
             QVERIFY2(shows(moment, Qt::blue, 43), qPrintable(m_why));
-            QVERIFY(moment.layers.size() == 1 || seenOn(moment.layers.front().surface).number == 13);
+            QVERIFY(moment.layers.size() == 1 || seenOn(moment.layers.front().image).number == 13);
         }
         QCOMPARE(advance().layers.size(), std::size_t(1));
         m_playback->setState(SourcePlayState::Play);
@@ -580,7 +578,7 @@ private Q_SLOTS:
         start();
         for (int i = 1; i < 75; ++i) {
             m_now = i * picture;
-            QTRY_COMPARE(numberOn(advance().to().get()), std::min(i, 49));
+            QTRY_COMPARE(numberOn(advance().to()), std::min(i, 49));
         }
         QTRY_VERIFY((advance(), std::abs(m_playback->player().deck()->position() - 74 * picture) < 1e-6));
         QCOMPARE(m_playback->player().deck()->duration(), 3.0);

@@ -68,7 +68,7 @@ private:
             std::this_thread::yield();
         if (m_stop || m_number >= 250)
             return false;
-        out = {blackSurface({16, 9}), m_number / 25.0, 0.04};
+        out = {makeRef<DecodedPicture>(), m_number / 25.0, 0.04};
         return true;
     }
 
@@ -94,16 +94,16 @@ private:
         item.contentUrl = "file:///fake";
         item.outpoint = outpoint;
         return std::make_shared<Deck>(
-            std::move(source), item, EndAction::Pause, Canvas{}, position, SourcePlayState::Play, [] {},
-            [&disk, opens](const MediaSource&, Canvas, const std::atomic<bool>& stop, std::string*) {
+            std::move(source), item, EndAction::Pause, ScaleMode::Fit, position, SourcePlayState::Play, [] {},
+            [&disk, opens](const MediaSource&, const std::atomic<bool>& stop, std::string*) {
                 while (!opens && !disk.answers && !stop)
                     std::this_thread::yield();
                 return opens ? std::make_unique<FakeReader>(disk, stop) : nullptr;
             });
     }
-    Ref<Surface> moment()
+    Ref<DecodedPicture> moment()
     {
-        const Ref<Surface> shown = m_player->advance(m_now, m_lead).to();
+        const Ref<DecodedPicture> shown = m_player->advance(m_now, m_lead).to();
         (void)m_player->takeRetired();
         return shown;
     }
@@ -113,7 +113,7 @@ private:
         for (int i = 0; i < 25; ++i) {
             const double before = deck.position();
             m_now += 0.04;
-            if (!QTest::qWaitFor([&] { return moment() == deck.surface() && deck.position() > before; }))
+            if (!QTest::qWaitFor([&] { return moment() == deck.image() && deck.position() > before; }))
                 return false;
         }
         return true;
@@ -178,7 +178,7 @@ private Q_SLOTS:
         m_disk.opened = m_disk.mostOpen = m_hanging.opened = m_hanging.mostOpen = 0;
         m_hanging.answers = false;
         m_now = m_lead = 0;
-        m_player = std::make_unique<Player>(blackSurface({}), true);
+        m_player = std::make_unique<Player>(true);
     }
     void cleanup() { m_player.reset(); }
 
@@ -214,10 +214,10 @@ private Q_SLOTS:
         m_hanging.answers = true;
         Player::Moment moment;
         QTRY_VERIFY((moment = m_player->advance(m_now), !m_player->waiting()));
-        QCOMPARE(moment.to(), second->surface()); // its first picture, and nothing in between
+        QCOMPARE(moment.to(), second->image()); // its first picture, and nothing in between
         QCOMPARE(second->position(), 5.0);
         QCOMPARE(moment.layers.size(), std::size_t(seconds > 0 ? 2 : 1));
-        QCOMPARE(moment.layers.front().surface, seconds > 0 ? first->surface() : second->surface());
+        QCOMPARE(moment.layers.front().image, seconds > 0 ? first->image() : second->image());
     }
 
     /// A file that is gone meanwhile: what is open seeks itself, and plays on though it was at its end.
@@ -241,7 +241,7 @@ private Q_SLOTS:
     void manyTransitionsAtOnceMixWhatPlays()
     {
         std::vector<std::shared_ptr<Deck>> decks;
-        std::map<Surface*, double> before; // shares, by the picture that all of a deck's are here
+        std::map<DecodedPicture*, double> before; // shares, by the picture that all of a deck's are here
         for (int take = 0; take < 8; ++take) {
             decks.push_back(make(m_disk, 9.96)); // its last picture stays
             m_player->load(decks.back(), {TakeTransitionType::Crossfade, take == 0 ? 0.0 : 2.0});
@@ -249,18 +249,18 @@ private Q_SLOTS:
             for (int round = 0; round < 8; ++round) {
                 m_now += 0.04;
                 const Player::Moment shown = m_player->advance(m_now);
-                QCOMPARE(shown.to(), decks.back()->surface());
-                std::map<Surface*, double> shares;
+                QCOMPARE(shown.to(), decks.back()->image());
+                std::map<DecodedPicture*, double> shares;
                 double left = 1;
                 for (const Player::Moment::Layer& layer : shown.layers | std::views::reverse) {
                     const bool isLowest = &layer == shown.layers.data();
-                    shares[layer.surface.get()] = isLowest ? left : left * layer.weight;
+                    shares[layer.image.get()] = isLowest ? left : left * layer.weight;
                     left *= 1 - layer.weight;
                     QVERIFY(std::ranges::any_of(
-                        decks, [&](const auto& deck) { return deck->surface() == layer.surface; }));
+                        decks, [&](const auto& deck) { return deck->image() == layer.image; }));
                 }
-                for (const auto& [surface, share] : before)
-                    QVERIFY2(take == 0 || std::abs(share - shares[surface]) < 0.2,
+                for (const auto& [image, share] : before)
+                    QVERIFY2(take == 0 || std::abs(share - shares[image]) < 0.2,
                              qPrintable(QString::number(take)));
                 before = std::move(shares);
             }
@@ -275,9 +275,9 @@ private Q_SLOTS:
         m_player->load(make(m_hanging), {});
         m_player->setState(SourcePlayState::Pause);
         QCOMPARE(first->state(), SourcePlayState::Pause);
-        QCOMPARE(moment(), first->surface());
+        QCOMPARE(moment(), first->image());
         m_player->setState(SourcePlayState::Stop);
-        QVERIFY(moment() != first->surface()); // off air, whatever becomes of the one that waits
+        QVERIFY(moment() != first->image()); // off air, whatever becomes of the one that waits
     }
 
     void opensOnlyTheNewest()

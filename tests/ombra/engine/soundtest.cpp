@@ -325,9 +325,9 @@ private Q_SLOTS:
             m_engine.reset(); // before what holds it up goes
         });
         m_engine.reset();
-        m_config.open = [&stuck](const MediaSource& source, Canvas canvas, const std::atomic<bool>& stop,
+        m_config.open = [&stuck](const MediaSource& source, const std::atomic<bool>& stop,
                                  std::string* error) -> std::unique_ptr<PictureReader> {
-            auto reader = openReader(source, canvas, stop, error);
+            auto reader = openReader(source, stop, error);
             return reader ? std::make_unique<StuckReader>(std::move(reader), stuck) : nullptr;
         };
         startEngine();
@@ -371,8 +371,18 @@ private Q_SLOTS:
         QVERIFY(!pass(false, 2));
     }
 
+    /// By what a preview is made of, and what is decoded already: nothing is opened for it, nor for a take to
+    /// an output of another size.
     void scalesLive()
     {
+        std::atomic<int> opened{0};
+        m_engine.reset();
+        m_config.open = [&](const MediaSource& source, const std::atomic<bool>& stop, std::string* error) {
+            ++opened;
+            return openReader(source, stop, error);
+        };
+        startEngine();
+        const auto end = qScopeGuard([&] { m_engine.reset(); });
         Patch patch;
         QVERIFY(Patch::parseString(R"([
             {"op":"add","path":"/device/channels/0/mappings/0","value":{"type":"GpuMapping",
@@ -412,8 +422,14 @@ private Q_SLOTS:
         QVERIFY(waitFor([&] { return covered(previewPath) == QSize(9, 9); }));
         QVERIFY(m_scene->replaceProperty(
             m_scene->find("/device/channels/0/mappings/0/properties/defaultScaleMode"),
-            Variant::from(ScaleMode::Stretch)));
-        QVERIFY(waitFor([&] { return covered(previewPath) == QSize(16, 9); }));
+            Variant::from(ScaleMode::Fit)));
+        QVERIFY(waitFor([&] { return covered(previewPath) == QSize(9, 9); }));
+        QCOMPARE(opened.load(), 2);
+        QVERIFY(invoke("/device/channels/0/methods/take", Json::object()));
+        QVERIFY(waitFor(
+            [&] { return covered(programPath) == QSize(16, 9) && covered(previewPath) == QSize(9, 9); }));
+        QCOMPARE(text(programPath, "state"), std::string("play"));
+        QVERIFY(waitFor([&] { return opened == 3; })); // what was on program, for preview
     }
 
     void scalesWhilePlaying()

@@ -43,10 +43,9 @@ private Q_SLOTS:
         PreviewServer server(io);
         std::string error;
         QVERIFY2(server.listen(boost::asio::ip::address_v4::loopback(), 0, &error), error.c_str());
-        server.show(pictureOf("/early", 7));
-        QTcpSocket socket;
+        QTcpSocket other, socket;
+        other.connectToHost(QStringLiteral("127.0.0.1"), server.port());
         socket.setReadBufferSize(64 * 1024);
-        socket.connectToHost(QStringLiteral("127.0.0.1"), server.port());
 
         previewwire::Decoder decoder;
         std::map<std::string, long long> newest;
@@ -77,6 +76,10 @@ private Q_SLOTS:
             }
             return false;
         };
+        QVERIFY(waitFor([&] { return server.hasReaders(); }, true));
+        server.show(pictureOf("/early", 7));
+        QVERIFY(waitFor([&] { return other.bytesAvailable() > 480 * 270; }, true));
+        socket.connectToHost(QStringLiteral("127.0.0.1"), server.port());
         QVERIFY(waitFor([&] { return newest["/early"] == 7; }, true)); // what is shown already comes at once
 
         frames = 0;
@@ -93,6 +96,10 @@ private Q_SLOTS:
         QVERIFY(waitFor([&] { return newest["/a"] == 300 && newest["/b"] == 1300 && newest["/a#"] == 2300; },
                         true));
         QVERIFY2(frames < 300, qPrintable(QString::number(frames)));
+
+        other.abort();
+        socket.abort();
+        QVERIFY(waitFor([&] { return server.show(pictureOf("/late", 8)), !server.hasReaders(); }, false));
     }
 };
 
