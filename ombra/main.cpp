@@ -26,7 +26,7 @@ using namespace vantrel::ombra;
 constexpr const char* usage =
     "usage: ombra --media DIR --state DIR [--bind ADDR] [--http-port N] [--link-port N] [--preview-port N]\n"
     "             [--ftp-port N] [--host-name NAME]... [--no-discovery] [--simulate-outputs] [--log FILE]\n"
-    "             [--display [window]] [--display-preview]\n"
+    "             [--display [window]] [--display-preview] [--paint-by card|processor]\n"
     "             [--sound [DEVICE]]... [--no-sound] [--sound-offset MS]\n"
     "       ombra --sound-devices\n"
     "\n"
@@ -45,6 +45,10 @@ constexpr const char* usage =
     "the only one\n"
     "                     there is; \"--display window\" in a window\n"
     "  --display-preview  preview as well, on its own\n"
+    "  --paint-by WHAT    screens are painted by the \"card\", or by the \"processor\" on a desktop without "
+    "one, as "
+    "the machine\n"
+    "                     has it; this says so\n"
     "  --sound            program's sound on the machine's own sound device, or on the one of that name, or "
     "part "
     "of it;\n"
@@ -124,6 +128,15 @@ bool parseOption(std::string_view name, const char* value, Arguments& arguments)
     return true;
 }
 
+bool parsePaintBy(const char* text, PaintBy& out)
+{
+    const bool isCard = std::strcmp(text, "card") == 0;
+    if (!isCard && std::strcmp(text, "processor") != 0)
+        return false;
+    out = isCard ? PaintBy::Card : PaintBy::Processor;
+    return true;
+}
+
 /// Nothing, with a line of what is wrong, when the arguments make no sense.
 std::optional<Arguments> parseArguments(int argc, char** argv)
 {
@@ -139,6 +152,9 @@ std::optional<Arguments> parseArguments(int argc, char** argv)
             i += isWindow ? 1 : 0;
         } else if (std::strcmp(argv[i], "--display-preview") == 0) {
             arguments.server.showsPreview = true;
+        } else if (std::strcmp(argv[i], "--paint-by") == 0 && i + 1 < argc &&
+                   parsePaintBy(argv[i + 1], arguments.server.paintBy)) {
+            ++i;
         } else if (std::strcmp(argv[i], "--sound") == 0) {
             const bool isNamed = i + 1 < argc && argv[i + 1][0] != '-';
             setSound(arguments.server, isNamed ? argv[++i] : "");

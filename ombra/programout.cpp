@@ -53,7 +53,7 @@ void ProgramOut::makeDisplays(boost::asio::io_context& io)
                 follow();
         });
     };
-    m_screens = std::make_unique<Screens>();
+    m_screens = std::make_unique<Screens>(m_options.paintBy);
     for (std::size_t i = 0; i < m_seats.size(); ++i)
         m_seats[i].display = std::make_unique<Display>(
             *m_screens, isFull() ? Display::Kind::FullScreen : Display::Kind::Window,

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ombra/display/paintby.h"
 #include "ombra/show/mediawatcher.h"
 #include "tarn/media/channelenums.h"
 #include "tarn/scene/scene.h"
@@ -56,6 +57,7 @@ struct ServerOptions
     enum class Screen { None, Window, Full };
     Screen screen = Screen::None;                       // where program is shown
     bool showsPreview = false;                          // and preview as well
+    PaintBy paintBy = PaintBy::Itself;                  // the screens
     std::map<AudioPlaybackDevice, std::string> soundOf; // what stands for a device of the scene
     std::optional<std::string> sound;   // the device of program's sound, "" for the machine's own choice
     double soundOffset = 0;             // seconds after the pictures

@@ -50,6 +50,13 @@ std::size_t DecodedPicture::bytes() const
     return sum;
 }
 
+bool DecodedPicture::hasAlpha() const
+{
+    const AVPixFmtDescriptor* format =
+        frame ? av_pix_fmt_desc_get(static_cast<AVPixelFormat>(frame->format)) : nullptr;
+    return format && (format->flags & AV_PIX_FMT_FLAG_ALPHA);
+}
+
 Ref<DecodedPicture> makePicture(const AVFrame& frame, int quarterTurns, AVRational streamAspect)
 {
     const auto format = static_cast<AVPixelFormat>(frame.format);

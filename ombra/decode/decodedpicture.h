@@ -15,6 +15,7 @@ public:
     double uprightWidth = 0, uprightHeight = 0; // then, in square pixels
 
     std::size_t bytes() const; // of the frame
+    bool hasAlpha() const;
 };
 
 /// Of a frame, which stays with its decoder too. The pixel's aspect is that of the frame, or else the given

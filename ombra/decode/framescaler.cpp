@@ -75,103 +75,149 @@ int matrixOf(const AVFrame& frame, const AVPixFmtDescriptor& format)
     }
 }
 
-void copyPixel(std::uint8_t* to, const std::uint8_t* from, bool alpha)
+/// From a pixel of red, green, blue, or of blue, green, red, with its alpha behind, over what is there.
+void blendPixel(std::uint8_t* to, const std::uint8_t* from)
 {
-    if (!alpha) {
-        std::memcpy(to, from, 3);
-        return;
-    }
     for (int i = 0; i < 3; ++i)
-        to[i] = static_cast<std::uint8_t>((from[i] * from[3] + 127) / 255);
+        to[i] = static_cast<std::uint8_t>((from[i] * from[3] + to[i] * (255 - from[3]) + 127) / 255);
+}
+
+AVPixelFormat formatOf(PixelTarget::Order order, bool hasAlpha)
+{
+    if (order == PixelTarget::Order::Rgb)
+        return hasAlpha ? AV_PIX_FMT_RGBA : AV_PIX_FMT_RGB24;
+    return hasAlpha ? AV_PIX_FMT_BGRA : AV_PIX_FMT_BGR0;
+}
+
+/// The scaler's fast loops write whole blocks: what they write behind a line must be the line's own.
+bool isWholeBlocks(int width, int bytesPerPixel)
+{
+    return width * bytesPerPixel % 64 == 0;
 }
 
 } // namespace
 
 Ref<Surface> FrameScaler::scale(const DecodedPicture& picture, const Canvas& canvas)
 {
-    Ref<Surface> surface = blackSurface(canvas);
     if (!picture.frame)
-        return surface;
-    const AVFrame& frame = *picture.frame;
-    const AVPixFmtDescriptor& descriptor = *av_pix_fmt_desc_get(static_cast<AVPixelFormat>(frame.format));
-    const int turns = picture.quarterTurns;
-    const Placement fit = place(canvas, picture.uprightWidth, picture.uprightHeight);
-
-    // Values that are linear come multiplied with their alpha already: as they are, they stand on black.
-    const bool alpha = (descriptor.flags & AV_PIX_FMT_FLAG_ALPHA) && frame.color_trc != AVCOL_TRC_LINEAR;
-    const int scaledWidth = turns % 2 ? fit.height : fit.width;
-    const int scaledHeight = turns % 2 ? fit.width : fit.height;
-    if (!convert(frame, scaledWidth, scaledHeight, alpha))
-        return surface;
-    if (canvas.height <= 0)
-        surface = blackSurface({fit.surfaceWidth, fit.surfaceHeight});
-    const int bytes = alpha ? 4 : 3;
-    for (int row = fit.y0; row < fit.y1; ++row) {
-        const int y = row - fit.top;
-        std::uint8_t* line = surface->pixels.data() + static_cast<std::size_t>(row) * surface->bytesPerLine;
-        if (turns == 0 && !alpha) {
-            std::memcpy(line + fit.x0 * 3,
-                        m_scaled.data() + static_cast<std::size_t>(y) * m_stride + (fit.x0 - fit.left) * 3,
-                        static_cast<std::size_t>(fit.x1 - fit.x0) * 3);
-            continue;
-        }
-        for (int column = fit.x0; column < fit.x1; ++column) {
-            const int x = column - fit.left;
-            const int fromX = turns == 0   ? x
-                              : turns == 1 ? y
-                              : turns == 2 ? scaledWidth - 1 - x
-                                           : scaledWidth - 1 - y;
-            const int fromY = turns == 0   ? y
-                              : turns == 1 ? scaledHeight - 1 - x
-                              : turns == 2 ? scaledHeight - 1 - y
-                                           : x;
-            copyPixel(line + column * 3,
-                      m_scaled.data() + static_cast<std::size_t>(fromY) * m_stride + fromX * bytes, alpha);
-        }
-    }
+        return blackSurface(canvas);
+    const Placement at = ombra::place(canvas, picture.uprightWidth, picture.uprightHeight);
+    Ref<Surface> surface = blackSurface({at.surfaceWidth, at.surfaceHeight});
+    draw(picture, at, {PixelTarget::Order::Rgb, surface->pixels.data(), surface->bytesPerLine}, Care::Quick);
     return surface;
 }
 
-bool FrameScaler::convert(const AVFrame& frame, int width, int height, bool alpha)
+bool FrameScaler::draw(const DecodedPicture& picture, const Placement& at, const PixelTarget& target,
+                       Care care)
 {
-    bool fullRange = frame.color_range == AVCOL_RANGE_JPEG;
-    const AVPixelFormat from = plainFormat(frame.format, fullRange);
-    const AVPixFmtDescriptor& format = *av_pix_fmt_desc_get(from);
-    const bool linear = frame.color_trc == AVCOL_TRC_LINEAR;
-    const AVPixelFormat to = linear ? AV_PIX_FMT_RGB48 : alpha ? AV_PIX_FMT_RGBA : AV_PIX_FMT_RGB24;
-    const int flags =
-        linear ? SWS_BILINEAR | SWS_FULL_CHR_H_INP | SWS_FULL_CHR_H_INT | SWS_ACCURATE_RND : SWS_BILINEAR;
-    m_context.reset(sws_getCachedContext(m_context.release(), frame.width, frame.height, from, width, height,
-                                         to, flags, nullptr, nullptr, nullptr));
-    if (!m_context)
+    if (!picture.frame)
         return false;
-    sws_setColorspaceDetails(m_context.get(), sws_getCoefficients(matrixOf(frame, format)), fullRange,
-                             sws_getCoefficients(SWS_CS_DEFAULT), 1, 0, 1 << 16, 1 << 16);
-
-    // The scaler's fast loops may write past the end of a line: leave them room.
-    m_stride = (width * (alpha ? 4 : 3) + 64 + 63) / 64 * 64;
-    m_scaled.resize(static_cast<std::size_t>(m_stride) * (height + 1));
-    if (linear)
-        m_linear.resize(m_scaled.size());
-    std::uint8_t* const target = linear ? reinterpret_cast<std::uint8_t*>(m_linear.data()) : m_scaled.data();
-    std::uint8_t* planes[4] = {target, nullptr, nullptr, nullptr};
-    const int strides[4] = {linear ? 2 * m_stride : m_stride, 0, 0, 0};
-    if (sws_scale(m_context.get(), frame.data, frame.linesize, 0, frame.height, planes, strides) <= 0)
+    const AVFrame& frame = *picture.frame;
+    const bool isSideways = picture.quarterTurns % 2;
+    Wish wish{isSideways ? at.height : at.width,
+              isSideways ? at.width : at.height,
+              false,
+              frame.color_trc == AVCOL_TRC_LINEAR,
+              target.order,
+              care};
+    // Values that are linear come multiplied with their alpha already: as they are, they stand on black.
+    wish.hasAlpha = picture.hasAlpha() && !wish.isLinear;
+    const bool isCut =
+        at.x0 != at.left || at.y0 != at.top || at.x1 - at.x0 != at.width || at.y1 - at.y0 != at.height;
+    if (picture.quarterTurns == 0 && !isCut && !wish.hasAlpha && !wish.isLinear &&
+        isWholeBlocks(at.width, target.bytesPerPixel()))
+        return convert(frame, wish,
+                       target.pixels + static_cast<std::ptrdiff_t>(at.top) * target.bytesPerLine +
+                           at.left * target.bytesPerPixel(),
+                       target.bytesPerLine);
+    if (!convert(frame, wish))
         return false;
-    if (linear)
-        encodeLinear(width, height);
+    place(wish, picture.quarterTurns, at, target);
     return true;
 }
 
-void FrameScaler::encodeLinear(int width, int height)
+/// What of the picture is seen, turned, from the scaled one.
+void FrameScaler::place(const Wish& wish, int turns, const Placement& at, const PixelTarget& target) const
+{
+    const int bytes = wish.bytesPerPixel();
+    const int step = target.bytesPerPixel();
+    for (int row = at.y0; row < at.y1; ++row) {
+        const int y = row - at.top;
+        std::uint8_t* line = target.pixels + static_cast<std::ptrdiff_t>(row) * target.bytesPerLine;
+        if (turns == 0 && !wish.hasAlpha) {
+            std::memcpy(line + at.x0 * step,
+                        m_scaled.data() + static_cast<std::size_t>(y) * m_stride + (at.x0 - at.left) * bytes,
+                        static_cast<std::size_t>(at.x1 - at.x0) * bytes);
+            continue;
+        }
+        for (int column = at.x0; column < at.x1; ++column) {
+            const int x = column - at.left;
+            const int fromX = turns == 0   ? x
+                              : turns == 1 ? y
+                              : turns == 2 ? wish.width - 1 - x
+                                           : wish.width - 1 - y;
+            const int fromY = turns == 0   ? y
+                              : turns == 1 ? wish.height - 1 - x
+                              : turns == 2 ? wish.height - 1 - y
+                                           : x;
+            const std::uint8_t* from =
+                m_scaled.data() + static_cast<std::size_t>(fromY) * m_stride + fromX * bytes;
+            if (wish.hasAlpha)
+                blendPixel(line + column * step, from);
+            else
+                std::memcpy(line + column * step, from, 3);
+        }
+    }
+}
+
+bool FrameScaler::convert(const AVFrame& frame, const Wish& wish)
+{
+    // The scaler's fast loops may write past the end of a line: leave them room.
+    m_stride = (wish.width * wish.bytesPerPixel() + 64 + 63) / 64 * 64;
+    m_scaled.resize(static_cast<std::size_t>(m_stride) * (wish.height + 1));
+    if (!wish.isLinear)
+        return convert(frame, wish, m_scaled.data(), m_stride);
+    m_linear.resize(static_cast<std::size_t>(m_stride) * (wish.height + 1));
+    if (!convert(frame, wish, reinterpret_cast<std::uint8_t*>(m_linear.data()), 2 * m_stride))
+        return false;
+    encodeLinear(wish);
+    return true;
+}
+
+bool FrameScaler::convert(const AVFrame& frame, const Wish& wish, std::uint8_t* to, int bytesPerLine)
+{
+    bool fullRange = frame.color_range == AVCOL_RANGE_JPEG;
+    const AVPixelFormat from = plainFormat(frame.format, fullRange);
+    const AVPixelFormat format = wish.isLinear ? AV_PIX_FMT_RGB48 : formatOf(wish.order, wish.hasAlpha);
+    int flags = SWS_BILINEAR;
+    if (wish.care == Care::Exact || wish.isLinear)
+        flags |= SWS_ACCURATE_RND;
+    if (wish.isLinear)
+        flags |= SWS_FULL_CHR_H_INP | SWS_FULL_CHR_H_INT;
+    m_context.reset(sws_getCachedContext(m_context.release(), frame.width, frame.height, from, wish.width,
+                                         wish.height, format, flags, nullptr, nullptr, nullptr));
+    if (!m_context)
+        return false;
+    sws_setColorspaceDetails(m_context.get(),
+                             sws_getCoefficients(matrixOf(frame, *av_pix_fmt_desc_get(from))), fullRange,
+                             sws_getCoefficients(SWS_CS_DEFAULT), 1, 0, 1 << 16, 1 << 16);
+    std::uint8_t* planes[4] = {to, nullptr, nullptr, nullptr};
+    const int strides[4] = {bytesPerLine, 0, 0, 0};
+    return sws_scale(m_context.get(), frame.data, frame.linesize, 0, frame.height, planes, strides) > 0;
+}
+
+void FrameScaler::encodeLinear(const Wish& wish)
 {
     const std::vector<std::uint8_t>& values = screenValues();
-    for (int row = 0; row < height; ++row) {
-        const std::size_t line = static_cast<std::size_t>(row) * m_stride;
-        std::transform(m_linear.begin() + static_cast<std::ptrdiff_t>(line),
-                       m_linear.begin() + static_cast<std::ptrdiff_t>(line) + 3 * width,
-                       m_scaled.begin() + static_cast<std::ptrdiff_t>(line),
-                       [&](std::uint16_t light) { return values[light]; });
+    const bool isBgr = wish.order == PixelTarget::Order::Bgrx;
+    for (int row = 0; row < wish.height; ++row) {
+        const std::uint16_t* from = m_linear.data() + static_cast<std::size_t>(row) * m_stride;
+        std::uint8_t* to = m_scaled.data() + static_cast<std::size_t>(row) * m_stride;
+        for (int column = 0; column < wish.width; ++column, from += 3, to += wish.bytesPerPixel()) {
+            to[0] = values[from[isBgr ? 2 : 0]];
+            to[1] = values[from[1]];
+            to[2] = values[from[isBgr ? 0 : 2]];
+        }
     }
 }
 

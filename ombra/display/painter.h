@@ -3,22 +3,14 @@
 #include "ombra/engine/shownmoment.h"
 
 #include <array>
-#include <memory>
-#include <string>
-
-struct SDL_Window;
 
 namespace vantrel::ombra {
 
-/// Paints moments into a window, by the graphics card or, where there is none, by the processor. The window's
-/// thread, with the window's OpenGL context current.
+/// Paints moments into a window. The thread of that window.
 class Painter
 {
 public:
-    /// Null, and the reason, where the context does not serve.
-    static std::unique_ptr<Painter> create(SDL_Window* window, bool bySoftware, std::string* error);
-    ~Painter();
-    Painter(const Painter&) = delete;
+    virtual ~Painter() = default;
 
     struct Ground
     {
@@ -27,15 +19,9 @@ public:
     };
     /// Paints what the window shows after the next swap; the pictures stand on the ground. False where the
     /// window takes no picture now.
-    bool paint(const ShownMoment& moment, const Ground& ground);
+    virtual bool paint(const ShownMoment& moment, const Ground& ground) = 0;
     /// Shows it; waits for the display where that gives the beat.
-    void swap();
-
-private:
-    class Impl;
-    explicit Painter(std::unique_ptr<Impl> impl);
-
-    std::unique_ptr<Impl> m_impl;
+    virtual void swap() = 0;
 };
 
 } // namespace vantrel::ombra

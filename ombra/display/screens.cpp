@@ -27,8 +27,9 @@ bool isOnX()
 
 } // namespace
 
-Screens::Screens()
-    : m_connection{{}, farewell}
+Screens::Screens(PaintBy paintBy)
+    : m_paintBy(paintBy)
+    , m_connection{{}, farewell}
     , m_thread([this] { run(); })
 {
 }
@@ -154,6 +155,7 @@ bool Screens::serve(Job& job)
         job.error = "its screen is gone";
         m_vain = place; // nobody leaves for it again
     } else {
+        job.wish.isByProcessor = isByProcessor();
         job.window = Window::create(job.wish, screen, m_connection, &job.error);
     }
     if (job.window) {
@@ -187,6 +189,7 @@ bool Screens::startVideo(std::string* error)
     SDL_SetHint(SDL_HINT_QUIT_ON_LAST_WINDOW_CLOSE, "0"); // the end of a Wayland desktop comes as that word
     SDL_SetHint(SDL_HINT_VIDEO_MINIMIZE_ON_FOCUS_LOSS, "0");
     SDL_SetHint(SDL_HINT_VIDEO_ALLOW_SCREENSAVER, "0");
+    SDL_SetHint(SDL_HINT_FRAMEBUFFER_ACCELERATION, "0"); // the pixels of a window are its own
     if (SDL_InitSubSystem(SDL_INIT_VIDEO) != 0)
         return fail(error, SDL_GetError());
     const std::string driver = SDL_GetCurrentVideoDriver();
@@ -197,7 +200,14 @@ bool Screens::startVideo(std::string* error)
     SDL_DisableScreenSaver();
     SDL_ShowCursor(SDL_DISABLE);
     m_hasVideo = true;
+    m_hasCard = m_paintBy == PaintBy::Card || !isOnX() || hasGraphicsCard();
     return true;
+}
+
+/// X alone gives the pixels of a window away.
+bool Screens::isByProcessor() const
+{
+    return isOnX() && (m_paintBy == PaintBy::Processor || !m_hasCard);
 }
 
 void Screens::endVideo()

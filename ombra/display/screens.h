@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ombra/display/connectionloss.h"
+#include "ombra/display/paintby.h"
 #include "ombra/display/window.h"
 
 #include <chrono>
@@ -22,7 +23,7 @@ class Screens
 public:
     using Clock = std::chrono::steady_clock;
 
-    Screens();
+    explicit Screens(PaintBy paintBy);
     /// Once all windows are given back. False where the desktop hangs: then this is to be left as it lies.
     bool stop(Clock::time_point deadline);
     Screens(const Screens&) = delete;
@@ -50,13 +51,15 @@ private:
     bool serve(Job& job);
     int screenOf(const Place& place) const;
     bool startVideo(std::string* error);
+    bool isByProcessor() const;
     void endVideo();
     void handleEvents();
     bool isStopped();
 
+    const PaintBy m_paintBy;
     // Of the thread:
     std::vector<Window*> m_windows; // those that are out
-    bool m_hasVideo = false;
+    bool m_hasVideo = false, m_hasCard = true;
     std::optional<Place> m_vain; // looked for last, and not found
     DesktopConnection m_connection;
 

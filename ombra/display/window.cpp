@@ -1,6 +1,8 @@
 #include "ombra/display/window.h"
 
 #include "ombra/base/fail.h"
+#include "ombra/display/cardpainter.h"
+#include "ombra/display/processorpainter.h"
 
 #include <SDL.h>
 #include <SDL_opengl.h>
@@ -26,7 +28,25 @@ const char* rendererName()
     return name ? name : "";
 }
 
+bool isSoftwareRenderer(const std::string& name)
+{
+    return name.find("llvmpipe") != std::string::npos || name.find("softpipe") != std::string::npos;
+}
+
 } // namespace
+
+bool hasGraphicsCard()
+{
+    SDL_Window* window = SDL_CreateWindow("", 0, 0, 16, 16, SDL_WINDOW_OPENGL | SDL_WINDOW_HIDDEN);
+    SDL_GLContext context = window ? SDL_GL_CreateContext(window) : nullptr;
+    const bool hasOne =
+        context && SDL_GL_MakeCurrent(window, context) == 0 && !isSoftwareRenderer(rendererName());
+    if (context)
+        SDL_GL_DeleteContext(context);
+    if (window)
+        SDL_DestroyWindow(window);
+    return hasOne;
+}
 
 Window::Window(const Wish& wish, int screen, DesktopConnection& connection)
     : m_wish(wish)
@@ -54,13 +74,16 @@ bool Window::create(std::string* error)
               m_wish.place.area->height};
     if (isFull && m_screen >= 0 && SDL_GetDisplayBounds(m_screen, &at) != 0)
         return fail(error, SDL_GetError());
-    unsigned flags = SDL_WINDOW_OPENGL;
+    unsigned flags = m_wish.isByProcessor ? 0 : SDL_WINDOW_OPENGL;
     flags |= isFull ? SDL_WINDOW_BORDERLESS | SDL_WINDOW_ALWAYS_ON_TOP : SDL_WINDOW_RESIZABLE;
     if (isFull && m_screen >= 0)
         flags |= SDL_WINDOW_FULLSCREEN_DESKTOP;
     m_window = SDL_CreateWindow(m_wish.title.c_str(), at.x, at.y, at.w, at.h, flags);
-    m_context = m_window ? SDL_GL_CreateContext(m_window) : nullptr;
-    if (!m_context || SDL_GL_MakeCurrent(m_window, nullptr) != 0)
+    if (m_window && !m_wish.isByProcessor)
+        m_context = SDL_GL_CreateContext(m_window);
+    const bool serves =
+        m_wish.isByProcessor ? m_window != nullptr : m_context && SDL_GL_MakeCurrent(m_window, nullptr) == 0;
+    if (!serves)
         return fail(error, SDL_GetError());
     surviveLoss(m_window, m_connection);
     if (!isFull)
@@ -103,12 +126,17 @@ void Window::findRate()
 
 bool Window::begin(std::string* error)
 {
+    if (m_wish.isByProcessor) {
+        m_renderer = "the processor";
+        m_isSoftware = true;
+        m_painter = makeProcessorPainter(m_window);
+        return true;
+    }
     if (SDL_GL_MakeCurrent(m_window, m_context) != 0)
         return fail(error, SDL_GetError());
     m_renderer = rendererName();
-    m_isSoftware =
-        m_renderer.find("llvmpipe") != std::string::npos || m_renderer.find("softpipe") != std::string::npos;
-    m_painter = Painter::create(m_window, m_isSoftware, error);
+    m_isSoftware = isSoftwareRenderer(m_renderer);
+    m_painter = makeCardPainter(m_window, m_isSoftware, error);
     if (!m_painter)
         return false;
     findBeat();
@@ -122,7 +150,8 @@ void Window::end()
         return;
     }
     m_painter.reset();
-    SDL_GL_MakeCurrent(m_window, nullptr);
+    if (m_context)
+        SDL_GL_MakeCurrent(m_window, nullptr);
 }
 
 /// Whether a swap waits for the display is seen from a few: drivers promise it and do not do it.
@@ -147,14 +176,14 @@ void Window::findBeat()
 int Window::width() const
 {
     int width = 0, height = 0;
-    SDL_GL_GetDrawableSize(m_window, &width, &height);
+    SDL_GetWindowSizeInPixels(m_window, &width, &height);
     return width;
 }
 
 int Window::height() const
 {
     int width = 0, height = 0;
-    SDL_GL_GetDrawableSize(m_window, &width, &height);
+    SDL_GetWindowSizeInPixels(m_window, &width, &height);
     return height;
 }
 

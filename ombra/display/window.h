@@ -25,6 +25,9 @@ struct Place
     friend bool operator==(const Place&, const Place&) = default;
 };
 
+/// Whether one paints here, and not a driver that makes believe so. The thread that has SDL's video.
+bool hasGraphicsCard();
+
 /// The window of a display, without borders over a whole screen or as one on a desktop, and its painter. It
 /// takes no input but that it may be closed on a desktop. Screens makes and ends it; all else is for the
 /// display's thread.
@@ -36,6 +39,7 @@ public:
         bool isFullScreen = false;
         Place place;
         std::string title;
+        bool isByProcessor = false; // painted so, for want of a graphics card
     };
     /// Of a window. Closed: by the operator. Left: another one is to be opened, there or elsewhere. Moved:
     /// screens came or went. Lost: its desktop is gone.
@@ -51,7 +55,8 @@ public:
     void noteScreens() { m_seesOthers = true; }
     void leave() { m_mustLeave = true; }
 
-    /// Takes hold of the graphics card. False, and the reason, where that does not serve.
+    /// Takes hold of the graphics card, if it is painted by that. False, and the reason, where that does not
+    /// serve.
     bool begin(std::string* error);
     /// Lets go of it: before the window is given back.
     void end();

@@ -1,4 +1,4 @@
-#include "ombra/display/painter.h"
+#include "ombra/display/cardpainter.h"
 
 #include "ombra/base/fail.h"
 #include "ombra/decode/decodedpicture.h"
@@ -78,12 +78,10 @@ AvPtr<AVFrame> toReadable(const AVFrame& frame)
     return result;
 }
 
-} // namespace
-
-class Painter::Impl
+class CardPainter : public Painter
 {
 public:
-    ~Impl()
+    ~CardPainter() override
     {
         for (Source& source : m_sources) {
             if (!m_gl)
@@ -127,7 +125,7 @@ public:
         return (m_swapchain && m_renderer && m_dispatch) || fail(error, "OpenGL gives no way to paint here");
     }
 
-    bool paint(const ShownMoment& moment, const Ground& ground)
+    bool paint(const ShownMoment& moment, const Ground& ground) override
     {
         SDL_GL_GetDrawableSize(m_window, &m_width, &m_height);
         pl_swapchain_frame frame;
@@ -149,7 +147,7 @@ public:
         return pl_swapchain_submit_frame(m_swapchain);
     }
 
-    void swap() { pl_swapchain_swap_buffers(m_swapchain); }
+    void swap() override { pl_swapchain_swap_buffers(m_swapchain); }
 
 private:
     /// A layer's picture as it lies with the graphics card.
@@ -302,29 +300,12 @@ private:
     int m_width = 0, m_height = 0; // pixels of the window
 };
 
-Painter::Painter(std::unique_ptr<Impl> impl)
-    : m_impl(std::move(impl))
-{
-}
+} // namespace
 
-Painter::~Painter() = default;
-
-std::unique_ptr<Painter> Painter::create(SDL_Window* window, bool bySoftware, std::string* error)
+std::unique_ptr<Painter> makeCardPainter(SDL_Window* window, bool bySoftware, std::string* error)
 {
-    auto impl = std::make_unique<Impl>();
-    if (!impl->open(window, bySoftware, error))
-        return nullptr;
-    return std::unique_ptr<Painter>(new Painter(std::move(impl)));
-}
-
-bool Painter::paint(const ShownMoment& moment, const Ground& ground)
-{
-    return m_impl->paint(moment, ground);
-}
-
-void Painter::swap()
-{
-    m_impl->swap();
+    auto painter = std::make_unique<CardPainter>();
+    return painter->open(window, bySoftware, error) ? std::move(painter) : nullptr;
 }
 
 } // namespace vantrel::ombra

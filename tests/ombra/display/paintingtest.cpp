@@ -1,0 +1,176 @@
+#include "tests/ombra/display/displayprobe.h"
+#include "tests/support/testmain.h"
+
+using namespace vantrel::test;
+
+namespace {
+
+/// Whether nothing changes in the picture around there: across an edge its colour is a matter of scaling.
+bool isFlat(const QImage& picture, int x, int y)
+{
+    constexpr int reach = 4;
+    const QRgb here = picture.pixel(x, y);
+    for (const QPoint at : {QPoint(-reach, 0), QPoint(reach, 0), QPoint(0, -reach), QPoint(0, reach)}) {
+        if (picture.valid(QPoint(x, y) + at) && picture.pixel(QPoint(x, y) + at) != here)
+            return false;
+    }
+    return true;
+}
+
+/// The largest difference of a channel where the expected picture is flat; 255 for pictures of other sizes.
+int furthest(const QImage& seen, const QImage& expected)
+{
+    if (seen.size() != expected.size())
+        return 255;
+    int result = 0;
+    for (int y = 0; y < seen.height(); ++y) {
+        for (int x = 0; x < seen.width(); ++x) {
+            if (isFlat(expected, x, y))
+                result = std::max(result, apart(seen.pixel(x, y), expected.pixel(x, y)));
+        }
+    }
+    return result;
+}
+
+/// What holds all pixels that are nearer to the one colour than to the other.
+QRect extent(const QImage& picture, QRgb color, QRgb other)
+{
+    QRect all;
+    for (int y = 0; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x) {
+            const QRgb here = picture.pixel(x, y);
+            if (apart(here, color) < apart(here, other))
+                all |= QRect(x, y, 1, 1);
+        }
+    }
+    return all;
+}
+
+} // namespace
+
+/// The pixels that an audience sees, by each of those who paint them.
+class PaintingTest : public QObject, private DisplayProbe
+{
+    Q_OBJECT
+
+private:
+    /// The file's picture as the tool sees it.
+    QImage expected(const QString& file) const
+    {
+        const QTemporaryDir folder;
+        const QString picture = folder.filePath(QStringLiteral("expected.png"));
+        const bool isMade = runFfmpeg(
+            {QStringLiteral("-i"), m_folder.filePath(file), QStringLiteral("-frames:v"), QStringLiteral("1"),
+             QStringLiteral("-sws_flags"), QStringLiteral("bicubic+accurate_rnd+full_chroma_int"),
+             QStringLiteral("-pix_fmt"), QStringLiteral("rgb24"), picture});
+        return isMade ? QImage(picture).convertToFormat(QImage::Format_RGB32) : QImage();
+    }
+
+    QString m_painter; // of the server that runs
+
+private Q_SLOTS:
+    void initTestCase_data()
+    {
+        QTest::addColumn<QString>("painter");
+        for (const char* painter : {"card", "processor"})
+            QTest::newRow(painter) << QString::fromLatin1(painter);
+    }
+    void initTestCase()
+    {
+        if (!OmbraProcess::isAvailable())
+            QSKIP("HALCYRA_BIN names no folder with the server");
+        startScreen();
+    }
+    void init()
+    {
+        QFETCH_GLOBAL(QString, painter);
+        if (painter != m_painter)
+            startServer({QStringLiteral("--display"), QStringLiteral("--paint-by"), painter});
+        m_painter = painter;
+    }
+
+    void colors_data()
+    {
+        QTest::addColumn<QString>("file");
+        for (const QString& file : m_files) {
+            if (file.startsWith(u"bars"))
+                QTest::newRow(qPrintable(file)) << file;
+        }
+    }
+
+    void colors()
+    {
+        QFETCH(QString, file);
+        const QImage wanted = expected(file);
+        play(file);
+        QTRY_VERIFY2_WITH_TIMEOUT(
+            furthest(m_screen->grab(), wanted) <= 2,
+            qPrintable(QString::number(furthest(m_screen->grab(), wanted)) + QStringLiteral(" apart")),
+            patience);
+    }
+
+    void places_data()
+    {
+        QTest::addColumn<QRect>("picture");
+        QTest::addColumn<QRect>("block"); // of the medium: 20 x 12 in the middle of 100 x 60
+        QTest::addColumn<int>("slack"); // where a picture is cut the renderer begins with a whole pixel of it
+        QTest::newRow("fit") << QRect(20, 0, 600, 360) << QRect(260, 144, 120, 72) << 0;
+        QTest::newRow("clip") << QRect(0, 0, 640, 360) << QRect(256, 142, 128, 76) << 7;
+        QTest::newRow("stretch") << QRect(0, 0, 640, 360) << QRect(256, 144, 128, 72) << 0;
+        QTest::newRow("centered") << QRect(270, 150, 100, 60) << QRect(310, 174, 20, 12) << 0;
+        QTest::newRow("topLeft") << QRect(0, 0, 100, 60) << QRect(40, 24, 20, 12) << 0;
+        QTest::newRow("topRight") << QRect(540, 0, 100, 60) << QRect(580, 24, 20, 12) << 0;
+        QTest::newRow("bottomLeft") << QRect(0, 300, 100, 60) << QRect(40, 324, 20, 12) << 0;
+        QTest::newRow("bottomRight") << QRect(540, 300, 100, 60) << QRect(580, 324, 20, 12) << 0;
+    }
+
+    void places()
+    {
+        QFETCH(QRect, picture);
+        QFETCH(QRect, block);
+        QFETCH(int, slack);
+        constexpr QRgb ground = 0xff0000ff, white = 0xffffffff, red = 0xffff0000;
+        write("mappings/1/properties/backgroundColor", "#0000ff");
+        write("mappings/1/properties/defaultScaleMode", QTest::currentDataTag());
+        play(QStringLiteral("block.png"));
+        const auto isPlaced = [&] {
+            const QRect seen =
+                extent(m_screen->grab().copy(picture), red, white).translated(picture.topLeft());
+            return std::abs(seen.width() - block.width()) <= (slack ? 1 : 0) &&
+                   std::abs(seen.height() - block.height()) <= (slack ? 1 : 0) &&
+                   (seen.topLeft() - block.topLeft()).manhattanLength() <= slack;
+        };
+        QTRY_VERIFY_WITH_TIMEOUT(isPlaced(), patience);
+        const QImage seen = m_screen->grab();
+        QCOMPARE(extent(seen, white, ground) | extent(seen, red, ground), picture);
+    }
+
+    void standsOnTheGround()
+    {
+        write("mappings/1/properties/defaultScaleMode", "fit");
+        write("mappings/1/properties/backgroundColor", "#0000ff");
+        play(QStringLiteral("glass.png"));
+        QImage wanted(screenSize, QImage::Format_RGB32);
+        wanted.fill(QColor(128, 128, 255));
+        QTRY_VERIFY_WITH_TIMEOUT(furthest(m_screen->grab(), wanted) <= 2, patience);
+    }
+
+    void crossfades()
+    {
+        const auto middle = [this] { return m_screen->grab().pixel(320, 180); };
+        write("mappings/1/properties/backgroundColor", "#000000");
+        play(QStringLiteral("green.png"));
+        QTRY_COMPARE_WITH_TIMEOUT(middle(), 0xff00ff00, patience);
+        play(QStringLiteral("block.png"), "preview");
+        invoke("/device/channels/0/methods/take", R"({"transitionType":"crossfade","transitionDuration":2})");
+        // Half of the green, and as much of the red block as there is less of it.
+        QTRY_VERIFY_WITH_TIMEOUT(std::abs(qGreen(middle()) - 128) < 50, patience);
+        const QRgb mixed = middle();
+        QVERIFY2(std::abs(qGreen(mixed) + qRed(mixed) - 255) <= 3 && qBlue(mixed) == 0,
+                 qPrintable(QColor(mixed).name()));
+        QTRY_COMPARE_WITH_TIMEOUT(middle(), 0xffff0000, patience);
+    }
+};
+
+HALCYRA_TEST(PaintingTest)
+#include "paintingtest.moc"
