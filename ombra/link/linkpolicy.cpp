@@ -66,6 +66,7 @@ const std::map<std::string, std::map<std::string, Check, std::less<>>, std::less
          {{"media", isShortText},
           {"endAction", isEnum<EndAction>},
           {"audioDevice", isEnum<AudioPlaybackDevice>},
+          {"audioOffset", anything},
           {"volume", anything},
           {"muted", anything},
           {"state", isEnum<SourcePlayState>}}},

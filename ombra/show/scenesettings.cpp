@@ -30,7 +30,8 @@ const std::map<std::string, Properties, std::less<>>& lasting()
           {"endAction", "playback"},
           {"volume", "playback"},
           {"muted", "playback"},
-          {"audioDevice", "audio"}}},
+          {"audioDevice", "audio"},
+          {"audioOffset", ofServer}}}, // made up for what stands behind this machine
         {"GpuMapping", {{"target", "output"}, {"defaultScaleMode", "output"}, {"backgroundColor", "output"}}},
         {"Output",
          {{"modelineId", "output"},
@@ -270,8 +271,8 @@ void SceneSettings::resetPlayback()
         write(path + "/properties/state", "stop");
         for (const auto& [name, section] : lasting().at("Playback")) {
             Json value;
-            if (name == "mediaPosition")
-                continue; // follows the media
+            if (name == "mediaPosition" || section == std::string_view(ofServer))
+                continue; // follows the media, or is no part of a show
             if (name == "audioDevice")
                 value = toStr(initialAudioDevice);
             else
