@@ -322,6 +322,7 @@ void ProgramOut::tellScreens()
                                                     .dropped = dropped,
                                                     .late = late,
                                                     .decodeLoad = figures.isOpen ? figures.decodeLoad : 0,
+                                                    .paintLoad = figures.isOpen ? figures.paintLoad : 0,
                                                     .bySoftware = figures.isOpen && figures.bySoftware};
         if (figures.isOpen && isFull())
             m_outputs.at(output).tellPicture(figures.width, figures.height, figures.rate);

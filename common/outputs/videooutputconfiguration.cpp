@@ -150,6 +150,7 @@ void VideoOutputConfiguration::addStatus(QFormLayout* form)
     addValue(form, tr("Screen:"), QStringLiteral("screen"));
     addValue(form, tr("Pictures lost:"), QStringLiteral("lostPictures"));
     addValue(form, tr("Decoding:"), QStringLiteral("decoding"));
+    addValue(form, tr("Painting:"), QStringLiteral("painting"));
     addValue(form, tr("Format size:"), QStringLiteral("formatSize"));
     addValue(form, tr("Field frequency:"), QStringLiteral("fieldFrequency"));
     addValue(form, tr("Line frequency:"), QStringLiteral("lineFrequency"));
@@ -272,7 +273,8 @@ void VideoOutputConfiguration::updateScreen()
     };
     show("screen", screen.rateText(), true);
     show("lostPictures", screen.lostText(), screen.lost() == 0);
-    show("decoding", screen.loadText(), !screen.isNearItsLimit());
+    show("decoding", screen.decodingText(), !screen.decodesAtItsLimit());
+    show("painting", screen.paintingText(), !screen.paintsAtItsLimit());
 }
 
 void VideoOutputConfiguration::updateStatus()

@@ -19,6 +19,8 @@ constexpr double givenUpAfter = 2;
 /// After so many seconds with one picture the beat is found anew, in so many pictures.
 constexpr double stillFor = 0.5;
 constexpr int settledAfter = 3;
+/// How much each picture counts for how long painting takes, in seconds of its beat.
+constexpr double loadSmoothedOver = 0.25;
 /// A screen without a beat for so long shows nothing that it is given.
 constexpr auto hangsAfter = 3s;
 /// Moments that wait for their time; a display that falls behind by more shows newer ones.
@@ -292,7 +294,7 @@ Fate Display::present(Window& window, const Place& place)
         const bool isCard = !layers.empty() && layers.front().surface == m_cardSurface;
         const bool changes =
             !looksAlike(now.moment, painted.moment) || now.ground != painted.ground || window.takeExposed();
-        const bool isPainted = changes && window.painter().paint(now.moment, now.ground);
+        const bool isPainted = changes && paint(window, now, isCard);
         if (changes)
             refused = isPainted ? 0 : refused + 1;
         if (refused > givenUpAfter * window.rate() && m_kind == Kind::FullScreen) {
@@ -313,6 +315,8 @@ Fate Display::present(Window& window, const Place& place)
         if (isPainted && still > stillFor * window.rate())
             settling = settledAfter;
         still = isPainted ? 0 : still + 1;
+        if (still > stillFor * window.rate())
+            noteStill();
         if (window.givesBeat() && isPainted &&
             settling > 0) { // while it stood nobody looked where the beat is
             --settling;
@@ -326,6 +330,28 @@ Fate Display::present(Window& window, const Place& place)
         noteShowing(m_isMeant);
     }
     return fate;
+}
+
+/// Waits for what a graphics card does meanwhile, so that the time that it takes is known before pictures are
+/// lost by it.
+bool Display::paint(Window& window, const Painted& painted, bool isCard)
+{
+    const Clock::time_point begin = Clock::now();
+    if (!window.painter().paint(painted.moment, painted.ground))
+        return false;
+    window.painter().finish();
+    const double taken = std::chrono::duration<double>(Clock::now() - begin).count() * window.rate();
+    const std::lock_guard lock(m_mutex);
+    if (!isCard)
+        m_figures.paintLoad +=
+            (taken - m_figures.paintLoad) * std::min(1.0, 1 / (loadSmoothedOver * window.rate()));
+    return true;
+}
+
+void Display::noteStill()
+{
+    const std::lock_guard lock(m_mutex);
+    m_figures.paintLoad = 0;
 }
 
 void Display::noteBeat(const Window& window, bool isCard, long long lost)

@@ -150,6 +150,7 @@ public:
         return pl_swapchain_submit_frame(m_swapchain);
     }
 
+    void finish() { pl_gpu_finish(gpu()); }
     void swap() { pl_swapchain_swap_buffers(m_swapchain); }
 
 private:
@@ -347,6 +348,11 @@ std::unique_ptr<Painter> Painter::create(SDL_Window* window, bool bySoftware, st
 bool Painter::paint(const ShownMoment& moment, const Ground& ground)
 {
     return m_impl->paint(moment, ground);
+}
+
+void Painter::finish()
+{
+    m_impl->finish();
 }
 
 void Painter::swap()

@@ -28,6 +28,8 @@ public:
     /// Paints what the window shows after the next swap; the pictures stand on the ground. False where the
     /// window takes no picture now.
     bool paint(const ShownMoment& moment, const Ground& ground);
+    /// Waits until that is done: then it takes no more than the swap.
+    void finish();
     /// Shows it; waits for the display where that gives the beat.
     void swap();
 

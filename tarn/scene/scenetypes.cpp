@@ -159,6 +159,7 @@ void declareOutputs(Types& types)
         .readOnly("droppedPictures", Variant::from(0))
         .readOnly("latePictures", Variant::from(0))
         .readOnly("decodeLoad", Variant::from(0.0))
+        .readOnly("paintLoad", Variant::from(0.0))
         .readOnly("softwareRenderer", Variant::from(false))
         // It shows its number, name and mode for want of a program.
         .readOnly("identified", Variant::from(false))

@@ -219,6 +219,12 @@ private Q_SLOTS:
         set("decodeLoad", "0.81"); // before anything is late
         QTRY_COMPARE(urgency("decoding"), QStringLiteral("soon"));
         QVERIFY(part<QWidget>("decoding-value")->toolTip().contains(QStringLiteral("may soon be late")));
+        set("decodeLoad", "0.42");
+        set("paintLoad", "0.85");
+        QTRY_COMPARE(urgency("painting"), QStringLiteral("soon"));
+        QCOMPARE(text("painting") + urgency("decoding"), QStringLiteral("85 % of the time there is"));
+        QCOMPARE(m_model->screen().summary(), QStringLiteral("Screen: painting at its limit"));
+        QVERIFY(part<QWidget>("painting-value")->toolTip().contains(QStringLiteral("smaller mode")));
         set("droppedPictures", "1");
         set("latePictures", "2");
         QTRY_COMPARE(text("lostPictures"), QStringLiteral("3 in the last minute"));

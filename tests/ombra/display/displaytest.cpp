@@ -285,6 +285,20 @@ private Q_SLOTS:
         QCOMPARE(m_peer->value("/device/system/gpus/0/outputs/1/properties/connected"), std::string("false"));
     }
 
+    /// Before pictures are lost by it, and no more once nothing moves.
+    void tellsWhatPaintingTakes()
+    {
+        const auto load = [this] {
+            m_peer->read();
+            return std::atof(m_peer->value("/device/system/gpus/0/outputs/0/properties/paintLoad").c_str());
+        };
+        write("program/properties/endAction", "repeat");
+        play(QStringLiteral("bars709.mkv"));
+        QTRY_VERIFY_WITH_TIMEOUT(load() > 0, patience);
+        play(QStringLiteral("green.png"));
+        QTRY_COMPARE_WITH_TIMEOUT(load(), 0.0, patience);
+    }
+
     /// On a screen without a program alone, and not again after it.
     void showsWhichOutputItIs()
     {
