@@ -19,12 +19,6 @@ constexpr auto othersLeaveWithin = 1s;
 constexpr const char* farewell =
     "the desktop is gone; program comes back to a screen when ombra is started again";
 
-bool isOnX()
-{
-    const char* driver = SDL_GetCurrentVideoDriver();
-    return driver && std::string(driver) == "x11";
-}
-
 } // namespace
 
 Screens::Screens()

@@ -1,6 +1,7 @@
 #include "ombra/display/window.h"
 
 #include "ombra/base/fail.h"
+#include "ombra/display/inputfree.h"
 
 #include <SDL.h>
 #include <SDL_opengl.h>
@@ -58,11 +59,17 @@ bool Window::create(std::string* error)
     flags |= isFull ? SDL_WINDOW_BORDERLESS | SDL_WINDOW_ALWAYS_ON_TOP : SDL_WINDOW_RESIZABLE;
     if (isFull && m_screen >= 0)
         flags |= SDL_WINDOW_FULLSCREEN_DESKTOP;
+    if (isFull && isOnX())
+        flags |= SDL_WINDOW_HIDDEN; // until it refuses keys
     m_window = SDL_CreateWindow(m_wish.title.c_str(), at.x, at.y, at.w, at.h, flags);
-    m_context = m_window ? SDL_GL_CreateContext(m_window) : nullptr;
-    if (!m_context || SDL_GL_MakeCurrent(m_window, nullptr) != 0)
+    if (!m_window)
         return fail(error, SDL_GetError());
     surviveLoss(m_window, m_connection);
+    if (isFull && isOnX())
+        showWithoutInput(m_window);
+    m_context = SDL_GL_CreateContext(m_window);
+    if (!m_context || SDL_GL_MakeCurrent(m_window, nullptr) != 0)
+        return fail(error, SDL_GetError());
     if (!isFull)
         SDL_ShowCursor(SDL_ENABLE);
     findRate();
