@@ -57,27 +57,47 @@ AVPixelFormat readableFormat(const AVPixFmtDescriptor& from)
     return isDeep ? AV_PIX_FMT_YUV444P16 : AV_PIX_FMT_YUV444P;
 }
 
-/// A frame of a format that the renderer does not read, as one that it does. Null where that cannot be.
-AvPtr<AVFrame> toReadable(const AVFrame& frame)
+/// Makes of frames of a format that the renderer does not read such as it does. Keeps scaler and memory
+/// between frames of one kind.
+class Converter
 {
-    const auto format = static_cast<AVPixelFormat>(frame.format);
-    AvPtr<AVFrame> result(av_frame_alloc());
-    const AVPixFmtDescriptor* descriptor = av_pix_fmt_desc_get(format);
-    if (!result || !descriptor || av_frame_copy_props(result.get(), &frame) < 0)
-        return nullptr;
-    const AVPixelFormat readable = readableFormat(*descriptor);
-    result->format = readable;
-    result->width = frame.width;
-    result->height = frame.height;
-    const AvPtr<SwsContext> scaler(sws_getContext(frame.width, frame.height, format, frame.width,
-                                                  frame.height, readable, SWS_BILINEAR | SWS_ACCURATE_RND,
-                                                  nullptr, nullptr, nullptr));
-    if (!scaler || av_frame_get_buffer(result.get(), 0) < 0 ||
-        sws_scale(scaler.get(), frame.data, frame.linesize, 0, frame.height, result->data,
-                  result->linesize) <= 0)
-        return nullptr;
-    return result;
-}
+public:
+    /// Good until the next one; null where that cannot be.
+    const AVFrame* convert(const AVFrame& frame)
+    {
+        const auto format = static_cast<AVPixelFormat>(frame.format);
+        const AVPixFmtDescriptor* descriptor = av_pix_fmt_desc_get(format);
+        if (!descriptor || !makeRoom(frame.width, frame.height, readableFormat(*descriptor)))
+            return nullptr;
+        m_scaler.reset(sws_getCachedContext(m_scaler.release(), frame.width, frame.height, format,
+                                            frame.width, frame.height,
+                                            static_cast<AVPixelFormat>(m_room->format),
+                                            SWS_BILINEAR | SWS_ACCURATE_RND, nullptr, nullptr, nullptr));
+        if (!m_scaler || sws_scale(m_scaler.get(), frame.data, frame.linesize, 0, frame.height, m_room->data,
+                                   m_room->linesize) <= 0)
+            return nullptr;
+        m_result.reset(av_frame_clone(m_room.get())); // what it says of itself is that of this frame alone
+        return m_result && av_frame_copy_props(m_result.get(), &frame) >= 0 ? m_result.get() : nullptr;
+    }
+
+private:
+    bool makeRoom(int width, int height, AVPixelFormat format)
+    {
+        m_result.reset();
+        if (m_room && m_room->width == width && m_room->height == height && m_room->format == format)
+            return true;
+        m_room.reset(av_frame_alloc());
+        if (!m_room)
+            return false;
+        m_room->format = format;
+        m_room->width = width;
+        m_room->height = height;
+        return av_frame_get_buffer(m_room.get(), 0) >= 0 || (m_room.reset(), false);
+    }
+
+    AvPtr<SwsContext> m_scaler;
+    AvPtr<AVFrame> m_room, m_result;
+};
 
 } // namespace
 
@@ -159,6 +179,7 @@ private:
     {
         Ref<const Surface> of; // what the textures hold
         std::array<pl_tex, 4> textures{};
+        Converter converter{};
         pl_frame image{};
         pl_tex whole = nullptr; // of the size of the window, for mixing
     };
@@ -187,12 +208,9 @@ private:
     bool loadDecoded(Source& source, const DecodedSurface& surface)
     {
         const AVFrame& frame = *surface.decoded;
-        AvPtr<AVFrame> converted;
-        if (!ombra_can_map(gpu(), static_cast<AVPixelFormat>(frame.format)) &&
-            !(converted = toReadable(frame)))
-            return false;
-        if (!ombra_map_frame(gpu(), source.textures.data(), converted ? converted.get() : &frame,
-                             &source.image))
+        const bool isReadable = ombra_can_map(gpu(), static_cast<AVPixelFormat>(frame.format));
+        const AVFrame* readable = isReadable ? &frame : source.converter.convert(frame);
+        if (!readable || !ombra_map_frame(gpu(), source.textures.data(), readable, &source.image))
             return false;
         source.image.rotation = static_cast<pl_rotation>(surface.quarterTurns);
         if (frame.color_trc == AVCOL_TRC_LINEAR) { // by what is the rule for such: multiplied already
