@@ -80,6 +80,7 @@ private:
     Window::Fate present(Window& window, const Place& place);
     Window::Fate fateOf(const Window& window, const Place& place) const;
     bool paint(Window& window, const Painted& painted, bool isCard);
+    void findBeatAgain(Window& window, const Painted& painted);
     void noteBeat(const Window& window, bool isCard, long long lost);
     void noteStill();
     void noteShowing(bool isShowing);

@@ -210,8 +210,11 @@ void Screens::handleEvents()
             event.type == SDL_DISPLAYEVENT && (event.display.event == SDL_DISPLAYEVENT_CONNECTED ||
                                                event.display.event == SDL_DISPLAYEVENT_DISCONNECTED);
         for (Window* window : m_windows) {
-            if (event.type == SDL_WINDOWEVENT && event.window.windowID == window->id())
+            const bool isIts = event.type == SDL_WINDOWEVENT && event.window.windowID == window->id();
+            if (isIts)
                 window->note(event.window.event == SDL_WINDOWEVENT_CLOSE);
+            if (isIts && event.window.event == SDL_WINDOWEVENT_DISPLAY_CHANGED)
+                window->noteMoved();
             else if (isOtherScreen)
                 window->noteScreens();
         }

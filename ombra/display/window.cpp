@@ -101,11 +101,17 @@ void Window::note(bool isClosed)
 void Window::findRate()
 {
     SDL_DisplayMode mode;
-    m_rate = m_wish.place.rate;
-    if (m_rate < slowestRate || m_rate > fastestRate)
-        m_rate = SDL_GetWindowDisplayMode(m_window, &mode) == 0 ? mode.refresh_rate : 0;
-    if (m_rate < slowestRate || m_rate > fastestRate)
-        m_rate = usualRate;
+    double rate = m_wish.place.rate;
+    if (rate < slowestRate || rate > fastestRate)
+        rate = SDL_GetWindowDisplayMode(m_window, &mode) == 0 ? mode.refresh_rate : 0;
+    m_rate = rate < slowestRate || rate > fastestRate ? usualRate : rate;
+}
+
+void Window::noteMoved()
+{
+    const double before = m_rate;
+    findRate();
+    m_isMoved = m_isMoved || m_rate != before;
 }
 
 bool Window::begin(std::string* error)
@@ -118,7 +124,7 @@ bool Window::begin(std::string* error)
     m_painter = Painter::create(m_window, m_isSoftware, error);
     if (!m_painter)
         return false;
-    findBeat();
+    findBeat({}, {});
     return true;
 }
 
@@ -132,21 +138,22 @@ void Window::end()
     SDL_GL_MakeCurrent(m_window, nullptr);
 }
 
-/// Whether a swap waits for the display is seen from a few: drivers promise it and do not do it.
-void Window::findBeat()
+/// Drivers promise it and do not do it.
+void Window::findBeat(const ShownMoment& moment, const Painter::Ground& ground)
 {
     using Clock = std::chrono::steady_clock;
+    m_givesBeat = false;
     if (SDL_GL_SetSwapInterval(1) != 0)
         return;
     Clock::time_point begin;
     for (int i = 0; i <= beatsLookedAt; ++i) {
-        m_painter->paint({}, {});
+        m_painter->paint(moment, ground);
         m_painter->swap();
         if (i == 0)
             begin = Clock::now();
     }
     const double each = std::chrono::duration<double>(Clock::now() - begin).count() / beatsLookedAt;
-    m_givesBeat = each * m_rate > 0.8 && each * m_rate < 1.25;
+    m_givesBeat = each * m_rate > 0.9 && each * m_rate < 1.25;
     if (!m_givesBeat)
         SDL_GL_SetSwapInterval(0);
 }
@@ -181,7 +188,7 @@ std::string Window::description() const
     char text[300];
     const std::string& name = m_wish.place.name.empty() ? m_wish.title : m_wish.place.name;
     std::snprintf(text, sizeof text, "%s shows %d x %d at %.4g Hz, painted by %s%s", name.c_str(), width(),
-                  height(), m_rate, m_renderer.c_str(), m_givesBeat ? "" : ", without its beat");
+                  height(), rate(), m_renderer.c_str(), m_givesBeat ? "" : ", without its beat");
     return text;
 }
 
