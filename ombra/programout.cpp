@@ -240,15 +240,15 @@ void ProgramOut::followPace()
         m_seats[i].paces = static_cast<int>(i) == best;
 }
 
-/// What the display shows where there is no picture.
+/// What the display shows where there is no picture, and how pictures become others.
 void ProgramOut::followMapping(Seat& seat, int mapping)
 {
     const Object* object = m_scene.findObject(mappingsPath + std::to_string(mapping));
-    Variant color;
-    if (!object || !object->getProperty("backgroundColor", color))
+    if (!object)
         return;
-    const auto value = color.as<ColorValue>();
-    seat.display->setGround({{float(value.red) / 255, float(value.green) / 255, float(value.blue) / 255}});
+    const auto value = propertyOf<ColorValue>(object, "backgroundColor");
+    seat.display->setGround({{float(value.red) / 255, float(value.green) / 255, float(value.blue) / 255},
+                             propertyOf<bool>(object, "linearTransitions")});
 }
 
 /// For want of a picture alone: once there is one, it is not to come back with the next black.

@@ -8,6 +8,7 @@
 
 #include <SDL.h>
 #include <algorithm>
+#include <cmath>
 #include <libplacebo/opengl.h>
 #include <libplacebo/shaders/custom.h>
 #include <libplacebo/utils/upload.h>
@@ -22,6 +23,7 @@ namespace vantrel::ombra {
 namespace {
 
 constexpr std::size_t layersAtMost = 4;
+constexpr float screenGamma = 2.4F; // of BT.1886: light by values
 
 void tell(void*, pl_log_level level, const char* text)
 {
@@ -292,15 +294,18 @@ private:
             shares[i] = static_cast<float>(moment.layers[i].share);
             whole += moment.layers[i].share;
         }
-        for (std::size_t i = 0; i < 3; ++i)
-            rest[i] = ground.color[i] * static_cast<float>(std::max(0.0, 1 - whole));
-        addUp(count, shares, rest, target.planes[0].texture);
+        for (std::size_t i = 0; i < 3; ++i) {
+            const float color = ground.mixesLight ? std::pow(ground.color[i], screenGamma) : ground.color[i];
+            rest[i] = color * static_cast<float>(std::max(0.0, 1 - whole));
+        }
+        addUp(count, shares, rest, ground.mixesLight, target.planes[0].texture);
     }
 
     void addUp(std::size_t count, const std::array<float, 4>& shares, const std::array<float, 4>& rest,
-               pl_tex target)
+               bool mixesLight, pl_tex target)
     {
         static constexpr std::array names = {"layer0", "layer1", "layer2", "layer3"};
+        const std::string gamma = std::to_string(screenGamma);
         std::string body = "color = rest;\n";
         std::vector<pl_shader_desc> textures(count);
         for (std::size_t i = 0; i < count; ++i) {
@@ -308,9 +313,12 @@ private:
             textures[i].desc.type = PL_DESC_SAMPLED_TEX;
             textures[i].binding.object = m_sources[i].whole;
             const std::string number = std::to_string(i);
-            body += "color.rgb += shares[" + number + "] * texelFetch(layer" + number +
-                    ", ivec2(gl_FragCoord.xy), 0).rgb;\n";
+            const std::string value = "texelFetch(layer" + number + ", ivec2(gl_FragCoord.xy), 0).rgb";
+            body += "color.rgb += shares[" + number + "] * " +
+                    (mixesLight ? "pow(" + value + ", vec3(" + gamma + "))" : value) + ";\n";
         }
+        if (mixesLight)
+            body += "color.rgb = pow(color.rgb, vec3(1.0 / " + gamma + "));\n";
         std::array<pl_shader_var, 2> variables{};
         variables[0].var = pl_var_vec4("shares");
         variables[0].data = shares.data();

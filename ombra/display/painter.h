@@ -23,6 +23,7 @@ public:
     struct Ground
     {
         std::array<float, 3> color{}; // red, green, blue, 0 to 1
+        bool mixesLight = false;      // transitions are of light, and not of values
         friend bool operator==(const Ground&, const Ground&) = default;
     };
     /// Paints what the window shows after the next swap; the pictures stand on the ground. False where the

@@ -32,7 +32,11 @@ const std::map<std::string, Properties, std::less<>>& lasting()
           {"muted", "playback"},
           {"audioDevice", "audio"},
           {"audioOffset", ofServer}}}, // made up for what stands behind this machine
-        {"GpuMapping", {{"target", "output"}, {"defaultScaleMode", "output"}, {"backgroundColor", "output"}}},
+        {"GpuMapping",
+         {{"target", "output"},
+          {"defaultScaleMode", "output"},
+          {"backgroundColor", "output"},
+          {"linearTransitions", "output"}}},
         {"Output",
          {{"modelineId", "output"},
           {"maxLinkRate", "output"},

@@ -98,9 +98,10 @@ void declarePlayback(Types& types)
         .text("target")
         .property("defaultScaleMode", Variant::from(ScaleMode::Fit))
         .property("backgroundColor", Variant::from(ColorValue{}))
+        .flag("linearTransitions")
         // Its target only stands in for one that this machine does not have, or that never had a display.
         .readOnly("standsIn", Variant::from(false))
-        .methods({"selectDefaultScaleMode", "selectBackgroundColor"});
+        .methods({"selectDefaultScaleMode", "selectBackgroundColor", "selectLinearTransitions"});
 
     Declaration(types, "Channel")
         .text("name")

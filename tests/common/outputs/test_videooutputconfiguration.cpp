@@ -8,6 +8,7 @@
 #include "common/ui/toolkit/elidedlabel.h"
 #include "common/ui/toolkit/pushbutton.h"
 #include "common/ui/toolkit/switchselect.h"
+#include "common/ui/toolkit/ztcheckbox.h"
 #include "common/ui/toolkit/ztdropdownmenu.h"
 #include "tests/common/session/scriptedpeer.h"
 #include "tests/support/testmain.h"
@@ -90,6 +91,8 @@ private Q_SLOTS:
         Q_EMIT background->colorEdited(Qt::red);
         QTRY_COMPARE(background->color(), QColor(0x11, 0x22, 0x33));
         QCOMPARE(text("background"), QStringLiteral("#112233"));
+        part<ZTCheckBox>("mixesLight")->click();
+        QVERIFY(!part<ZTCheckBox>("mixesLight")->isChecked()); // until the server says so
         auto* scaling = part<ZTDropdownMenu>("scaling");
         scaling->setCurrentIndex(0);
         Q_EMIT scaling->activated(0);
