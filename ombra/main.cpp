@@ -27,7 +27,7 @@ constexpr const char* usage =
     "usage: ombra --media DIR --state DIR [--bind ADDR] [--http-port N] [--link-port N] [--preview-port N]\n"
     "             [--ftp-port N] [--host-name NAME]... [--no-discovery] [--simulate-outputs] [--log FILE]\n"
     "             [--display [window]] [--display-preview] [--paint-by card|processor]\n"
-    "             [--sound [DEVICE]]... [--no-sound] [--sound-offset MS]\n"
+    "             [--sound [DEVICE]]... [--no-sound] [--sound-offset MS] [--sound-preview [DEVICE]]\n"
     "       ombra --sound-devices\n"
     "\n"
     "  --media DIR        the folder of the media files\n"
@@ -56,9 +56,11 @@ constexpr const char* usage =
     "                     \"--sound xlr=DEVICE\" for that choice of the operator alone, also embedded and "
     "dante\n"
     "  --no-sound         pictures alone\n"
-    "  --sound-offset MS  sound so much later than the pictures, -250 to 250 (0): for what amplifiers and "
-    "screens "
-    "take\n"
+    "  --sound-offset MS  program's sound so much later than its pictures, -250 to 250 (0): for what "
+    "amplifiers "
+    "and screens\n"
+    "                     take; until an operator sets another in the OUTPUTS tab\n"
+    "  --sound-preview    preview's sound on a sound device of its own: the one of that name, or part of it\n"
     "  --sound-devices    the names of the sound devices that are there\n"
     "  --simulate-outputs displays are plugged in and out by POST /api/brume/v1/simulate/outputs/0 and 1\n"
     "  --log FILE         write the log there instead of to standard error: 10 MB a file, FILE and FILE.1 to "
@@ -158,6 +160,9 @@ std::optional<Arguments> parseArguments(int argc, char** argv)
         } else if (std::strcmp(argv[i], "--sound") == 0) {
             const bool isNamed = i + 1 < argc && argv[i + 1][0] != '-';
             setSound(arguments.server, isNamed ? argv[++i] : "");
+        } else if (std::strcmp(argv[i], "--sound-preview") == 0) {
+            const bool isNamed = i + 1 < argc && argv[i + 1][0] != '-';
+            arguments.server.previewSound = isNamed ? argv[++i] : "";
         } else if (std::strcmp(argv[i], "--no-sound") == 0) {
             arguments.noSound = true;
         } else if (i + 1 >= argc || !parseOption(argv[i], argv[i + 1], arguments)) {
@@ -177,7 +182,7 @@ std::optional<Arguments> parseArguments(int argc, char** argv)
         return std::nullopt;
     }
     if (arguments.noSound)
-        arguments.server.sound.reset();
+        arguments.server.sound = arguments.server.previewSound = std::nullopt;
     else if (arguments.server.screen != ServerOptions::Screen::None && !arguments.server.sound)
         arguments.server.sound = "";
     return arguments;

@@ -41,7 +41,9 @@ ProgramOut::ProgramOut(boost::asio::io_context& io, const ServerOptions& options
     if (m_options.screen != ServerOptions::Screen::None)
         makeDisplays(io);
     if (m_options.sound)
-        m_sound = std::make_unique<SoundOut>(*m_options.sound, m_options.soundOffset);
+        m_sounds[program] = std::make_unique<SoundOut>(titles[program], *m_options.sound);
+    if (m_options.previewSound)
+        m_sounds[preview] = std::make_unique<SoundOut>(titles[preview], *m_options.previewSound);
     keepTogether();
 }
 
@@ -104,12 +106,16 @@ void ProgramOut::connect(Engine& engine)
                 return paces->load();
             });
     }
-    if (m_sound) {
-        engine.setSoundSink([sound = m_sound.get()](const std::string& playback, const HeardMoment& moment) {
-            if (playback == playbackPaths[program])
-                sound->play(moment);
+    if (m_sounds[preview] || m_sounds[program])
+        engine.setSoundSink([this](const std::string& playback, const HeardMoment& moment) {
+            for (std::size_t i = 0; i < m_sounds.size(); ++i) {
+                if (m_sounds[i] && playback == playbackPaths[i])
+                    m_sounds[i]->play(moment);
+            }
         });
-        m_sound->setAsker([&engine] { engine.hurry(); });
+    for (const auto& sound : m_sounds) {
+        if (sound)
+            sound->setAsker([&engine] { engine.hurry(); });
     }
     follow();
 }
@@ -120,15 +126,18 @@ void ProgramOut::disconnect()
         if (seat.display)
             seat.display->setAsker({});
     }
-    if (m_sound)
-        m_sound->setAsker({});
+    for (const auto& sound : m_sounds) {
+        if (sound)
+            sound->setAsker({});
+    }
 }
 
 void ProgramOut::follow()
 {
     if (m_screens)
         followTargets();
-    followSoundDevice();
+    for (const int playback : {preview, program})
+        followSound(playback);
     keepTogether();
 }
 
@@ -162,9 +171,9 @@ int ProgramOut::outputFor(int seat) const
     return isFull() ? seat : m_outputs.outputOf(seat);
 }
 
-int ProgramOut::seatOfProgram() const
+int ProgramOut::seatMeantFor(int mapping) const
 {
-    return isFull() ? m_outputs.outputOf(program) : program;
+    return isFull() ? m_outputs.outputOf(mapping) : mapping;
 }
 
 bool ProgramOut::isOpen(int seat) const
@@ -195,7 +204,7 @@ std::optional<Place> ProgramOut::placeOf(int seat) const
 /// Program that goes to another screen stays where it was until it is there.
 void ProgramOut::followTargets()
 {
-    const int own = seatOfProgram();
+    const int own = seatMeantFor(program);
     const bool isThere = own >= 0 && m_seats[static_cast<std::size_t>(own)].display->figures().isShowing;
     const bool isUnderWay = own >= 0 && placeOf(own) && !isThere;
     for (int i = 0; i < static_cast<int>(m_seats.size()); ++i) {
@@ -205,8 +214,10 @@ void ProgramOut::followTargets()
             mapping = program;
         {
             const std::lock_guard lock(seat.mutex); // no picture of the one before comes after this
-            if (std::exchange(seat.shows, mapping) != mapping)
+            if (std::exchange(seat.shows, mapping) != mapping) {
                 seat.display->expectAnother();
+                seat.display->setDelay(0); // that of the sound comes with keepTogether()
+            }
         }
         seat.display->setPlace(mapping < 0 ? std::nullopt : placeOf(i));
         if (mapping >= 0)
@@ -220,7 +231,7 @@ void ProgramOut::followTargets()
 /// The engine goes by the beat of program's own screen; by that of another one while there is none.
 void ProgramOut::followPace()
 {
-    int best = seatOfProgram();
+    int best = seatMeantFor(program);
     for (int i = 0; !isOpen(best) && i < static_cast<int>(m_seats.size()); ++i) {
         if (isOpen(i))
             best = i;
@@ -229,15 +240,15 @@ void ProgramOut::followPace()
         m_seats[i].paces = static_cast<int>(i) == best;
 }
 
-/// What the display shows where there is no picture.
+/// What the display shows where there is no picture, and how pictures become others.
 void ProgramOut::followMapping(Seat& seat, int mapping)
 {
     const Object* object = m_scene.findObject(mappingsPath + std::to_string(mapping));
-    Variant color;
-    if (!object || !object->getProperty("backgroundColor", color))
+    if (!object)
         return;
-    const auto value = color.as<ColorValue>();
-    seat.display->setGround({{float(value.red) / 255, float(value.green) / 255, float(value.blue) / 255}});
+    const auto value = propertyOf<ColorValue>(object, "backgroundColor");
+    seat.display->setGround({{float(value.red) / 255, float(value.green) / 255, float(value.blue) / 255},
+                             propertyOf<bool>(object, "linearTransitions")});
 }
 
 /// For want of a picture alone: once there is one, it is not to come back with the next black.
@@ -258,17 +269,36 @@ void ProgramOut::followTestCard(int index)
                                                 : std::nullopt);
 }
 
-/// Sound goes to the device of the machine that stands for what program's sound is set to.
-void ProgramOut::followSoundDevice()
+void ProgramOut::followSound(int playback)
 {
-    const Object* playback = m_scene.findObject(playbackPaths[program]);
-    Variant device;
-    if (!m_sound || !playback || !playback->getProperty("audioDevice", device))
+    SoundOut* sound = m_sounds[static_cast<std::size_t>(playback)].get();
+    const Object* object = m_scene.findObject(playbackPaths[static_cast<std::size_t>(playback)]);
+    if (!sound || !object)
         return;
-    const auto chosen = device.as<AudioPlaybackDevice>();
-    const auto named = m_options.soundOf.find(chosen);
+    const auto chosen = propertyOf<AudioPlaybackDevice>(object, "audioDevice");
+    const std::string device = soundDeviceFor(playback, chosen);
     if (chosen != AudioPlaybackDevice::Off) // it stays where it was, and is silent
-        m_sound->setDevice(named == m_options.soundOf.end() ? *m_options.sound : named->second);
+        sound->setDevice(device);
+    sound->setOffset(propertyOf<double>(object, "audioOffset"));
+}
+
+/// The device of the machine that stands for what a playback's sound is set to. Preview has one alone.
+std::string ProgramOut::soundDeviceFor(int playback, AudioPlaybackDevice chosen)
+{
+    if (playback == preview)
+        return *m_options.previewSound;
+    const auto named = m_options.soundOf.find(chosen);
+    const bool isNamed = named != m_options.soundOf.end();
+    const std::string& usual = *m_options.sound;
+    m_notices.set("audio network",
+                  chosen != AudioPlaybackDevice::Dante || isNamed
+                      ? ""
+                      : "Program's sound is set to Dante, but no sound device of the server stands for the "
+                        "audio network: it goes to " +
+                            (usual.empty() ? "the machine's own device" : "\"" + usual + "\"") +
+                            " instead. Choose another program output in the OUTPUTS tab, or start ombra with "
+                            "--sound dante=DEVICE.");
+    return isNamed ? named->second : usual;
 }
 
 void ProgramOut::tellFigures()
@@ -292,6 +322,7 @@ void ProgramOut::tellScreens()
                                                     .dropped = dropped,
                                                     .late = late,
                                                     .decodeLoad = figures.isOpen ? figures.decodeLoad : 0,
+                                                    .paintLoad = figures.isOpen ? figures.paintLoad : 0,
                                                     .bySoftware = figures.isOpen && figures.bySoftware};
         if (figures.isOpen && isFull())
             m_outputs.at(output).tellPicture(figures.width, figures.height, figures.rate);
@@ -332,17 +363,20 @@ void ProgramOut::tellMissing()
 /// Pictures and sound, each on a device of its own.
 void ProgramOut::keepTogether()
 {
-    if (!m_sound)
-        return;
-    const int own = m_screens ? seatOfProgram() : -1;
-    const Display::Figures figures =
-        own < 0 ? Display::Figures() : m_seats[static_cast<std::size_t>(own)].display->figures();
-    const double delay = m_sound->pictureDelay(figures.isOpen ? figures.rate : 0);
-    for (Seat& seat : m_seats) {
-        if (seat.display)
-            seat.display->setDelay(seat.shows == program ? delay : 0);
+    for (const int playback : {preview, program}) {
+        SoundOut* sound = m_sounds[static_cast<std::size_t>(playback)].get();
+        if (!sound)
+            continue;
+        const int own = m_screens ? seatMeantFor(playback) : -1;
+        const Display::Figures figures =
+            own < 0 ? Display::Figures() : m_seats[static_cast<std::size_t>(own)].display->figures();
+        const double delay = sound->pictureDelay(figures.isOpen ? figures.rate : 0);
+        for (Seat& seat : m_seats) {
+            if (seat.display && seat.shows == playback)
+                seat.display->setDelay(delay);
+        }
+        m_notices.set(playback == program ? "sound" : "sound of preview", sound->trouble());
     }
-    m_notices.set("sound", m_sound->trouble());
 }
 
 } // namespace vantrel::ombra

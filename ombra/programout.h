@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ombra/outputs/screenfigures.h"
+#include "tarn/media/channelenums.h"
 #include "tarn/scene/scene.h"
 
 #include <array>
@@ -25,8 +26,8 @@ class SoundOut;
 struct Place;
 struct ServerOptions;
 
-/// What an audience sees and hears, and preview beside it where that is wanted: on screens and on a sound
-/// device of the machine, as far as the options ask for them, and what of the scene these follow. The thread
+/// What an audience sees and hears, and preview beside it where that is wanted: on screens and on sound
+/// devices of the machine, as far as the options ask for them, and what of the scene these follow. The thread
 /// of the scene.
 class ProgramOut
 {
@@ -63,14 +64,15 @@ private:
     bool isShown(int mapping) const;
     int mappingFor(int seat) const;
     int outputFor(int seat) const;
-    int seatOfProgram() const;
+    int seatMeantFor(int mapping) const;
     std::optional<Place> placeOf(int seat) const;
     bool isOpen(int seat) const;
     void followTargets();
     void followPace();
     void followMapping(Seat& seat, int mapping);
     void followTestCard(int seat);
-    void followSoundDevice();
+    void followSound(int playback);
+    std::string soundDeviceFor(int playback, AudioPlaybackDevice chosen);
     void tellScreens();
     void tellMissing();
     void keepTogether();
@@ -82,7 +84,7 @@ private:
     std::shared_ptr<bool> m_alive = std::make_shared<bool>(true);
     std::unique_ptr<Screens> m_screens;
     std::array<Seat, 2> m_seats;
-    std::unique_ptr<SoundOut> m_sound;
+    std::array<std::unique_ptr<SoundOut>, 2> m_sounds; // of preview and program; null where there is none
 };
 
 } // namespace vantrel::ombra

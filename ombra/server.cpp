@@ -7,6 +7,7 @@
 #include "ombra/ftp/ftpservice.h"
 #include "ombra/link/linkserver.h"
 #include "ombra/outputs/outputs.h"
+#include "ombra/outputs/sceneaccess.h"
 #include "ombra/preview/previewserver.h"
 #include "ombra/programout.h"
 #include "ombra/rest/eventteller.h"
@@ -180,6 +181,8 @@ void Server::buildOutputs()
     const bool isReal = m_options.screen == ServerOptions::Screen::Full;
     m_outputs = std::make_unique<Outputs>(*m_scene, isReal ? Outputs::Kind::Real : Outputs::Kind::Simulated);
     m_outputs->build();
+    setProperty(*m_scene, m_scene->findObject("/device/channels/0/program"), "audioOffset",
+                m_options.soundOffset);
     if (!isReal)
         return;
     m_machine = std::make_unique<MachineOutputs>();

@@ -59,10 +59,11 @@ struct ServerOptions
     bool showsPreview = false;                          // and preview as well
     PaintBy paintBy = PaintBy::Itself;                  // the screens
     std::map<AudioPlaybackDevice, std::string> soundOf; // what stands for a device of the scene
-    std::optional<std::string> sound;   // the device of program's sound, "" for the machine's own choice
-    double soundOffset = 0;             // seconds after the pictures
-    bool simulateOutputs = false;       // displays are plugged in and out by a route for tests
-    std::vector<std::string> hostNames; // that clients may call it by, beside the machine's own
+    std::optional<std::string> sound;        // the device of program's sound, "" for the machine's own choice
+    std::optional<std::string> previewSound; // likewise
+    double soundOffset = 0;                  // seconds after the pictures, until an operator sets another
+    bool simulateOutputs = false;            // displays are plugged in and out by a route for tests
+    std::vector<std::string> hostNames;      // that clients may call it by, beside the machine's own
     std::chrono::milliseconds copyEach = std::chrono::hours(1); // of the show, while somebody works on it
 };
 

@@ -2,13 +2,17 @@
 
 #include "common/command/execute.h"
 #include "common/command/playback/selectaudiodevicecommand.h"
+#include "common/command/setcommand.h"
 #include "common/media/models/playbackmodel.h"
 #include "common/session/link/connectionprovider.h"
+#include "common/session/mirror/guiplayback.h"
+#include "common/session/mirror/sceneobjectprovider.h"
 #include "common/session/session.h"
 #include "common/ui/style/colors.h"
 #include "common/ui/style/dynamicstyle.h"
 #include "common/ui/style/fontsizefollower.h"
 #include "common/ui/style/iconcache.h"
+#include "common/ui/toolkit/doubleedit.h"
 #include "common/ui/toolkit/switchselect.h"
 #include "common/ui/toolkit/ztlabel.h"
 #include "tarn/scene/scene.h"
@@ -18,6 +22,13 @@
 
 namespace vantrel {
 
+namespace {
+
+constexpr double largestDelay = 250; // milliseconds
+constexpr const char* delayPath = "/device/channels/0/program/properties/audioOffset";
+
+} // namespace
+
 AudioOutputItem::AudioOutputItem(Session* session, QWidget* parent)
     : Collapse(tr("Audio"), parent)
     , m_session(session)
@@ -25,6 +36,7 @@ AudioOutputItem::AudioOutputItem(Session* session, QWidget* parent)
     titleRow()->setObjectName(QStringLiteral("titleRow"));
     m_preview = createSwitch(QStringLiteral("previewAudioOutputSwitch"), tr("Audio output of preview"));
     m_program = createSwitch(QStringLiteral("programAudioOutputSwitch"), tr("Audio output of program"));
+    createDelay();
     connect(m_preview, &SwitchSelect::clicked, this, [this] { onSelectionChanged(PlaybackType::Preview); });
     connect(m_program, &SwitchSelect::clicked, this, [this] { onSelectionChanged(PlaybackType::Program); });
 
@@ -36,6 +48,7 @@ AudioOutputItem::AudioOutputItem(Session* session, QWidget* parent)
     layout->addRow(new ZTLabel(tr("Preview output:"), content), m_preview);
     layout->addRow(new ZTLabel(tr("Program output:"), content), m_program);
     layout->addRow(createMessage());
+    layout->addRow(new ZTLabel(tr("Program delay:"), content), m_delay);
     setContent(content);
     if (const Configuration* settings = configuration())
         connect(settings, &Configuration::optionChanged, this, &AudioOutputItem::onStyleChange);
@@ -64,6 +77,40 @@ SwitchSelect* AudioOutputItem::createSwitch(const QString& name, const QString& 
     target->setAccessibleName(accessibleName);
     target->setEnabled(false);
     return target;
+}
+
+void AudioOutputItem::createDelay()
+{
+    m_delay = new DoubleEdit(-largestDelay, largestDelay, tr("ms"), this);
+    m_delay->setObjectNames(QStringLiteral("programAudioDelay"));
+    m_delay->setAccessibleName(tr("Delay of program's sound against its picture"));
+    m_delay->setToolTip(
+        tr("Program's sound on the server's own device so much later than its picture, below 0 "
+           "earlier: for what amplifiers and projectors take. Heard at once, and kept with "
+           "the server."));
+    m_delay->setDecimals(0);
+    m_delay->setStep(1);
+    m_delay->setEnabled(false);
+    connect(m_delay, &DoubleEdit::valueEdited, this, &AudioOutputItem::onDelayEdited);
+    const GUIPlayback* program = m_session->sceneObjectProvider()->programPlayback();
+    connect(program, &GUIPlayback::audioOffsetChanged, this, &AudioOutputItem::showDelay);
+    connect(program, &GUIPlayback::reset, this, &AudioOutputItem::showDelay);
+    showDelay();
+}
+
+void AudioOutputItem::showDelay()
+{
+    m_delay->setValue(m_session->sceneObjectProvider()->programPlayback()->audioOffset() * 1000);
+}
+
+void AudioOutputItem::onDelayEdited(double milliseconds)
+{
+    auto command = std::make_unique<SetCommand>();
+    command->setText(tr("Delay program's sound"));
+    command->init(Path(delayPath), Variant::from(milliseconds / 1000));
+    command->setMergeable(true); // from key to key
+    if (!submit(m_session->getQUndoStack(), std::move(command)))
+        showDelay(); // as it is
 }
 
 QWidget* AudioOutputItem::createMessage()
@@ -96,6 +143,7 @@ void AudioOutputItem::onConnected()
                 Qt::UniqueConnection);
     m_preview->setEnabled(true);
     m_program->setEnabled(true);
+    m_delay->setEnabled(true);
     showDevices();
 }
 
@@ -103,6 +151,7 @@ void AudioOutputItem::onDisconnected()
 {
     m_preview->setEnabled(false);
     m_program->setEnabled(false);
+    m_delay->setEnabled(false);
 }
 
 /// Not with each position of what plays.

@@ -6,12 +6,13 @@
 
 namespace vantrel {
 
+class DoubleEdit;
 class PlaybackModel;
 class Session;
 class SwitchSelect;
 
-/// Chooses the audio device of each channel, in the outputs column. Without a server it only shows the last
-/// known choice. Main thread.
+/// Chooses the audio device of each channel, and how program's sound lies to its picture, in the outputs
+/// column. Without a server it only shows the last known choice. Main thread.
 class AudioOutputItem : public Collapse
 {
     Q_OBJECT
@@ -25,12 +26,15 @@ public Q_SLOTS:
     void onDisconnected();
     void onPlaybackDataChanged(const QModelIndex& topLeft, const QModelIndex& bottomRight);
     void showDevices();
+    void showDelay();
     /// Shows the server's address beside the title.
     void onAddressChanged();
     void onStyleChange(vantrel::ConfigurationOption option, const QVariant& value);
 
 private:
     SwitchSelect* createSwitch(const QString& name, const QString& accessibleName);
+    void createDelay();
+    void onDelayEdited(double milliseconds);
     QWidget* createMessage();
     void onSelectionChanged(PlaybackType type);
     void showDevice(SwitchSelect* target, const PlaybackModel* model);
@@ -39,6 +43,7 @@ private:
     Session* m_session;
     SwitchSelect* m_preview = nullptr;
     SwitchSelect* m_program = nullptr;
+    DoubleEdit* m_delay = nullptr;
     QWidget* m_message = nullptr;
 };
 

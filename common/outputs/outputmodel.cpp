@@ -74,6 +74,7 @@ void OutputModel::followMapping(GUIMapping* before, GUIMapping* mapping)
     connect(mapping, &GUIMapping::defaultScaleModeChanged, this, &OutputModel::onReset);
     connect(mapping, &GUIMapping::targetChanged, this, &OutputModel::onReset);
     connect(mapping, &GUIMapping::backgroundColorChanged, this, &OutputModel::onReset);
+    connect(mapping, &GUIMapping::linearTransitionsChanged, this, &OutputModel::onReset);
 }
 
 void OutputModel::setOutput(std::shared_ptr<GUIOutput> output)
@@ -155,6 +156,18 @@ void OutputModel::sendBackgroundColor(const QColor& color)
 {
     sendToMapping(QStringLiteral("selectBackgroundColor"), tr("Set background color"),
                   {{"color", Variant::from(color.name())}});
+}
+
+bool OutputModel::mixesLight() const
+{
+    const auto mapping = getMapping();
+    return mapping && mapping->linearTransitions();
+}
+
+void OutputModel::sendMixesLight(bool on)
+{
+    sendToMapping(QStringLiteral("selectLinearTransitions"), tr("Set transitions in linear light"),
+                  {{"on", Variant::from(on)}});
 }
 
 void OutputModel::sendToMapping(const QString& method, const QString& text, const VariantMap& args)

@@ -88,6 +88,8 @@ public:
     bool sendCommand(Object* object, const QString& method, const QString& text, const VariantMap& args);
     void sendScaling(const QString& mode);
     void sendBackgroundColor(const QColor& color);
+    bool mixesLight() const;
+    void sendMixesLight(bool on);
     /// "preview" or "program_rgb": swaps the two outputs, where this one does not carry that already.
     void sendTarget(const QString& target);
     void sendModelineId(QString id, bool maxLinkRate);

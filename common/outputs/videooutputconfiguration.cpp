@@ -16,6 +16,7 @@
 #include "common/ui/toolkit/iconbutton.h"
 #include "common/ui/toolkit/pushbutton.h"
 #include "common/ui/toolkit/switchselect.h"
+#include "common/ui/toolkit/ztcheckbox.h"
 #include "common/ui/toolkit/ztdropdownmenu.h"
 
 #include <QFormLayout>
@@ -105,6 +106,17 @@ void VideoOutputConfiguration::addSettings(QFormLayout* form)
     addValue(form, tr("Background:"), QStringLiteral("background"));
     QWidget* background = form->itemAt(form->rowCount() - 1, QFormLayout::FieldRole)->widget();
     static_cast<QHBoxLayout*>(background->layout())->insertWidget(0, m_background);
+    m_mixesLight = new ZTCheckBox(tr("in linear light"), this);
+    m_mixesLight->setToolTip(
+        tr("Transitions on the real screen mix light as two projectors would, brighter in the "
+           "middle; else the values of the pictures, as the previews always do"));
+    m_mixesLight->setAccessibleName(tr("Transitions of output %1 in linear light").arg(m_outputNumber));
+    connect(m_mixesLight, &ZTCheckBox::clicked, this, [this](bool on) {
+        if (m_model)
+            m_model->sendMixesLight(on);
+        m_mixesLight->setChecked(m_model && m_model->mixesLight()); // until the server says otherwise
+    });
+    form->addRow(new ZTLabel(tr("Transitions:"), this), m_mixesLight);
     addQuestion(form); // below what is set, which stays where it is
 }
 
@@ -150,6 +162,7 @@ void VideoOutputConfiguration::addStatus(QFormLayout* form)
     addValue(form, tr("Screen:"), QStringLiteral("screen"));
     addValue(form, tr("Pictures lost:"), QStringLiteral("lostPictures"));
     addValue(form, tr("Decoding:"), QStringLiteral("decoding"));
+    addValue(form, tr("Painting:"), QStringLiteral("painting"));
     addValue(form, tr("Format size:"), QStringLiteral("formatSize"));
     addValue(form, tr("Field frequency:"), QStringLiteral("fieldFrequency"));
     addValue(form, tr("Line frequency:"), QStringLiteral("lineFrequency"));
@@ -180,6 +193,7 @@ void VideoOutputConfiguration::setObjectNames(const QString& base)
     m_target->setObjectNames(base + QStringLiteral("-target"));
     m_scaling->setObjectNames(base + QStringLiteral("-scaling"));
     m_background->setObjectNames(base + QStringLiteral("-background"));
+    m_mixesLight->setObjectNames(base + QStringLiteral("-mixesLight"));
     m_keep->setObjectName(base + QStringLiteral("-keep-button"));
     m_goBack->setObjectName(base + QStringLiteral("-goBack-button"));
     for (auto label = m_values.cbegin(); label != m_values.cend(); ++label)
@@ -233,7 +247,7 @@ void VideoOutputConfiguration::updateSettings()
 {
     m_currentTarget = value(OutputModel::TargetColumn).toString();
     for (QWidget* ofTarget : {static_cast<QWidget*>(m_target), static_cast<QWidget*>(m_scaling),
-                              static_cast<QWidget*>(m_background)})
+                              static_cast<QWidget*>(m_background), static_cast<QWidget*>(m_mixesLight)})
         ofTarget->setEnabled(!m_currentTarget.isEmpty());
     if (m_currentTarget.isEmpty())
         m_target->chooseNone();
@@ -258,6 +272,7 @@ void VideoOutputConfiguration::updateSettings()
         m_background->setColor(value(OutputModel::BackgroundColorColumn).value<QColor>());
     }
     setValue(QStringLiteral("background"), m_background->color().name());
+    m_mixesLight->setChecked(m_model && m_model->mixesLight());
 }
 
 /// In amber where it is near its limit or beyond.
@@ -272,7 +287,8 @@ void VideoOutputConfiguration::updateScreen()
     };
     show("screen", screen.rateText(), true);
     show("lostPictures", screen.lostText(), screen.lost() == 0);
-    show("decoding", screen.loadText(), !screen.isNearItsLimit());
+    show("decoding", screen.decodingText(), !screen.decodesAtItsLimit());
+    show("painting", screen.paintingText(), !screen.paintsAtItsLimit());
 }
 
 void VideoOutputConfiguration::updateStatus()

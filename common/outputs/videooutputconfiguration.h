@@ -16,6 +16,7 @@ class ModelineDialog;
 class OutputModel;
 class PushButton;
 class SwitchSelect;
+class ZTCheckBox;
 class ZTDropdownMenu;
 class ZTLabel;
 
@@ -70,6 +71,7 @@ private:
     QWidget* m_question = nullptr; // both
     ZTDropdownMenu* m_scaling = nullptr;
     ColorBox* m_background = nullptr;
+    ZTCheckBox* m_mixesLight = nullptr;
     IconButton* m_edit = nullptr;
     QWidget* m_errorIcon = nullptr;
     QMap<QString, ElidedLabel*> m_values; // by the last part of their object names

@@ -8,6 +8,7 @@
 
 #include <SDL.h>
 #include <algorithm>
+#include <cmath>
 #include <libplacebo/opengl.h>
 #include <libplacebo/shaders/custom.h>
 #include <vector>
@@ -21,6 +22,7 @@ namespace vantrel::ombra {
 namespace {
 
 constexpr std::size_t layersAtMost = 4;
+constexpr float screenGamma = 2.4F; // of BT.1886: light by values
 
 void tell(void*, pl_log_level level, const char* text)
 {
@@ -56,27 +58,47 @@ AVPixelFormat readableFormat(const AVPixFmtDescriptor& from)
     return isDeep ? AV_PIX_FMT_YUV444P16 : AV_PIX_FMT_YUV444P;
 }
 
-/// A frame of a format that the renderer does not read, as one that it does. Null where that cannot be.
-AvPtr<AVFrame> toReadable(const AVFrame& frame)
+/// Makes of frames of a format that the renderer does not read such as it does. Keeps scaler and memory
+/// between frames of one kind.
+class Converter
 {
-    const auto format = static_cast<AVPixelFormat>(frame.format);
-    AvPtr<AVFrame> result(av_frame_alloc());
-    const AVPixFmtDescriptor* descriptor = av_pix_fmt_desc_get(format);
-    if (!result || !descriptor || av_frame_copy_props(result.get(), &frame) < 0)
-        return nullptr;
-    const AVPixelFormat readable = readableFormat(*descriptor);
-    result->format = readable;
-    result->width = frame.width;
-    result->height = frame.height;
-    const AvPtr<SwsContext> scaler(sws_getContext(frame.width, frame.height, format, frame.width,
-                                                  frame.height, readable, SWS_BILINEAR | SWS_ACCURATE_RND,
-                                                  nullptr, nullptr, nullptr));
-    if (!scaler || av_frame_get_buffer(result.get(), 0) < 0 ||
-        sws_scale(scaler.get(), frame.data, frame.linesize, 0, frame.height, result->data,
-                  result->linesize) <= 0)
-        return nullptr;
-    return result;
-}
+public:
+    /// Good until the next one; null where that cannot be.
+    const AVFrame* convert(const AVFrame& frame)
+    {
+        const auto format = static_cast<AVPixelFormat>(frame.format);
+        const AVPixFmtDescriptor* descriptor = av_pix_fmt_desc_get(format);
+        if (!descriptor || !makeRoom(frame.width, frame.height, readableFormat(*descriptor)))
+            return nullptr;
+        m_scaler.reset(sws_getCachedContext(m_scaler.release(), frame.width, frame.height, format,
+                                            frame.width, frame.height,
+                                            static_cast<AVPixelFormat>(m_room->format),
+                                            SWS_BILINEAR | SWS_ACCURATE_RND, nullptr, nullptr, nullptr));
+        if (!m_scaler || sws_scale(m_scaler.get(), frame.data, frame.linesize, 0, frame.height, m_room->data,
+                                   m_room->linesize) <= 0)
+            return nullptr;
+        m_result.reset(av_frame_clone(m_room.get())); // what it says of itself is that of this frame alone
+        return m_result && av_frame_copy_props(m_result.get(), &frame) >= 0 ? m_result.get() : nullptr;
+    }
+
+private:
+    bool makeRoom(int width, int height, AVPixelFormat format)
+    {
+        m_result.reset();
+        if (m_room && m_room->width == width && m_room->height == height && m_room->format == format)
+            return true;
+        m_room.reset(av_frame_alloc());
+        if (!m_room)
+            return false;
+        m_room->format = format;
+        m_room->width = width;
+        m_room->height = height;
+        return av_frame_get_buffer(m_room.get(), 0) >= 0 || (m_room.reset(), false);
+    }
+
+    AvPtr<SwsContext> m_scaler;
+    AvPtr<AVFrame> m_room, m_result;
+};
 
 class CardPainter : public Painter
 {
@@ -147,6 +169,7 @@ public:
         return pl_swapchain_submit_frame(m_swapchain);
     }
 
+    void finish() override { pl_gpu_finish(gpu()); }
     void swap() override { pl_swapchain_swap_buffers(m_swapchain); }
 
 private:
@@ -155,6 +178,7 @@ private:
     {
         Ref<DecodedPicture> of; // what the textures hold
         std::array<pl_tex, 4> textures{};
+        Converter converter{};
         pl_frame image{};
         pl_tex whole = nullptr; // of the size of the window, for mixing
     };
@@ -182,12 +206,9 @@ private:
     bool map(Source& source, const DecodedPicture& picture)
     {
         const AVFrame& frame = *picture.frame;
-        AvPtr<AVFrame> converted;
-        if (!ombra_can_map(gpu(), static_cast<AVPixelFormat>(frame.format)) &&
-            !(converted = toReadable(frame)))
-            return false;
-        if (!ombra_map_frame(gpu(), source.textures.data(), converted ? converted.get() : &frame,
-                             &source.image))
+        const bool isReadable = ombra_can_map(gpu(), static_cast<AVPixelFormat>(frame.format));
+        const AVFrame* readable = isReadable ? &frame : source.converter.convert(frame);
+        if (!readable || !ombra_map_frame(gpu(), source.textures.data(), readable, &source.image))
             return false;
         source.image.rotation = static_cast<pl_rotation>(picture.quarterTurns);
         if (frame.color_trc == AVCOL_TRC_LINEAR) { // by what is the rule for such: multiplied already
@@ -244,15 +265,18 @@ private:
             shares[i] = static_cast<float>(moment.layers[i].share);
             whole += moment.layers[i].share;
         }
-        for (std::size_t i = 0; i < 3; ++i)
-            rest[i] = ground.color[i] * static_cast<float>(std::max(0.0, 1 - whole));
-        addUp(count, shares, rest, target.planes[0].texture);
+        for (std::size_t i = 0; i < 3; ++i) {
+            const float color = ground.mixesLight ? std::pow(ground.color[i], screenGamma) : ground.color[i];
+            rest[i] = color * static_cast<float>(std::max(0.0, 1 - whole));
+        }
+        addUp(count, shares, rest, ground.mixesLight, target.planes[0].texture);
     }
 
     void addUp(std::size_t count, const std::array<float, 4>& shares, const std::array<float, 4>& rest,
-               pl_tex target)
+               bool mixesLight, pl_tex target)
     {
         static constexpr std::array names = {"layer0", "layer1", "layer2", "layer3"};
+        const std::string gamma = std::to_string(screenGamma);
         std::string body = "color = rest;\n";
         std::vector<pl_shader_desc> textures(count);
         for (std::size_t i = 0; i < count; ++i) {
@@ -260,9 +284,12 @@ private:
             textures[i].desc.type = PL_DESC_SAMPLED_TEX;
             textures[i].binding.object = m_sources[i].whole;
             const std::string number = std::to_string(i);
-            body += "color.rgb += shares[" + number + "] * texelFetch(layer" + number +
-                    ", ivec2(gl_FragCoord.xy), 0).rgb;\n";
+            const std::string value = "texelFetch(layer" + number + ", ivec2(gl_FragCoord.xy), 0).rgb";
+            body += "color.rgb += shares[" + number + "] * " +
+                    (mixesLight ? "pow(" + value + ", vec3(" + gamma + "))" : value) + ";\n";
         }
+        if (mixesLight)
+            body += "color.rgb = pow(color.rgb, vec3(1.0 / " + gamma + "));\n";
         std::array<pl_shader_var, 2> variables{};
         variables[0].var = pl_var_vec4("shares");
         variables[0].data = shares.data();

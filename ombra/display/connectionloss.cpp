@@ -7,6 +7,7 @@
 #include <X11/Xlib.h>
 #include <cstdio>
 #include <cstdlib>
+#include <string_view>
 #include <unistd.h>
 
 namespace vantrel::ombra {
@@ -38,6 +39,12 @@ void noteLoss(::Display*, void* of)
 }
 
 } // namespace
+
+bool isOnX()
+{
+    const char* driver = SDL_GetCurrentVideoDriver();
+    return driver && std::string_view(driver) == "x11";
+}
 
 void surviveLoss(_XDisplay* display, DesktopConnection& connection)
 {

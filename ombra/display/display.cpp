@@ -19,6 +19,10 @@ constexpr double givenUpAfter = 2;
 /// After so many seconds with one picture the beat is found anew, in so many pictures.
 constexpr double stillFor = 0.5;
 constexpr int settledAfter = 3;
+/// A display that makes swaps wait no more shows pictures early: by more than so many beats, so many times.
+constexpr int earlyBy = 2, earlyTimes = 3;
+/// How much each picture counts for how long painting takes, in seconds of its beat.
+constexpr double loadSmoothedOver = 0.25;
 /// A screen without a beat for so long shows nothing that it is given.
 constexpr auto hangsAfter = 3s;
 /// Moments that wait for their time; a display that falls behind by more shows newer ones.
@@ -274,9 +278,12 @@ void Display::addCard(const Window& window, std::optional<TestCard> card, ShownM
 /// has its time on the one clock of the machine, evenly: by that time the pictures of media are chosen.
 Fate Display::present(Window& window, const Place& place)
 {
-    const auto period =
-        std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(1 / window.rate()));
+    const auto periodOf = [&window] {
+        return std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(1 / window.rate()));
+    };
+    Clock::duration period = periodOf();
     Clock::time_point next = Clock::now() + period;
+    int early = 0; // pictures, one after the other
     Painted painted;
     int refused = 0;             // pictures, one after the other
     int still = 0, settling = 0; // beats
@@ -288,7 +295,7 @@ Fate Display::present(Window& window, const Place& place)
         const bool isCard = !layers.empty() && layers.front().image == m_cardImage;
         const bool changes =
             !looksAlike(now.moment, painted.moment) || now.ground != painted.ground || window.takeExposed();
-        const bool isPainted = changes && window.painter().paint(now.moment, now.ground);
+        const bool isPainted = changes && paint(window, now, isCard);
         if (changes)
             refused = isPainted ? 0 : refused + 1;
         if (refused > givenUpAfter * window.rate() && m_kind == Kind::FullScreen) {
@@ -309,6 +316,8 @@ Fate Display::present(Window& window, const Place& place)
         if (isPainted && still > stillFor * window.rate())
             settling = settledAfter;
         still = isPainted ? 0 : still + 1;
+        if (still > stillFor * window.rate())
+            noteStill();
         if (window.givesBeat() && isPainted &&
             settling > 0) { // while it stood nobody looked where the beat is
             --settling;
@@ -318,10 +327,52 @@ Fate Display::present(Window& window, const Place& place)
         if (window.givesBeat() && isPainted && missed == 0)
             next += (shown - next) / 16; // the display's own rate and phase, without the jitter of a thread
         next += (missed + 1) * period;
+        early = window.givesBeat() && isPainted && next - shown > earlyBy * period ? early + 1 : 0;
+        if (window.takeMoved() || early >= earlyTimes) {
+            findBeatAgain(window, painted);
+            early = 0;
+            settling = settledAfter;
+            period = periodOf();
+            next = Clock::now() + period;
+        }
         noteBeat(window, isCard, isPainted ? missed : changes);
         noteShowing(m_isMeant);
     }
     return fate;
+}
+
+/// Waits for what a graphics card does meanwhile, so that the time that it takes is known before pictures are
+/// lost by it.
+bool Display::paint(Window& window, const Painted& painted, bool isCard)
+{
+    const Clock::time_point begin = Clock::now();
+    if (!window.painter().paint(painted.moment, painted.ground))
+        return false;
+    window.painter().finish();
+    const double taken = std::chrono::duration<double>(Clock::now() - begin).count() * window.rate();
+    const std::lock_guard lock(m_mutex);
+    if (!isCard)
+        m_figures.paintLoad +=
+            (taken - m_figures.paintLoad) * std::min(1.0, 1 / (loadSmoothedOver * window.rate()));
+    return true;
+}
+
+/// On another screen, or where the desktop does it in another way by now.
+void Display::findBeatAgain(Window& window, const Painted& painted)
+{
+    window.findBeat(painted.moment, painted.ground);
+    {
+        const std::lock_guard lock(m_mutex);
+        m_figures.rate = window.rate();
+    }
+    Log::write(LogLevel::Info, "vantrel.display", window.description());
+    m_changed();
+}
+
+void Display::noteStill()
+{
+    const std::lock_guard lock(m_mutex);
+    m_figures.paintLoad = 0;
 }
 
 void Display::noteBeat(const Window& window, bool isCard, long long lost)

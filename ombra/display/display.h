@@ -61,6 +61,7 @@ public:
         long long dropped = 0;     // beats of the display that passed while a picture was painted
         long long late = 0;        // pictures that were not decoded in time
         double decodeLoad = 0;     // share of the time there is that decoding takes
+        double paintLoad = 0;      // share of a beat that painting takes; 0 while nothing moves
         bool bySoftware = false;
     };
     Figures figures() const;
@@ -78,7 +79,10 @@ private:
     Window::Fate serve(Window& window, const Place& place);
     Window::Fate present(Window& window, const Place& place);
     Window::Fate fateOf(const Window& window, const Place& place) const;
+    bool paint(Window& window, const Painted& painted, bool isCard);
+    void findBeatAgain(Window& window, const Painted& painted);
     void noteBeat(const Window& window, bool isCard, long long lost);
+    void noteStill();
     void noteShowing(bool isShowing);
     /// What is to be painted now.
     Painted current(const Window& window, bool isFresh, const Painted& before);

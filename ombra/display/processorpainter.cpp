@@ -12,7 +12,8 @@ namespace vantrel::ombra {
 namespace {
 
 constexpr std::size_t layersAtMost = 4;
-constexpr unsigned whole = 1 << 16; // of a share
+constexpr unsigned whole = 1 << 15; // of a share
+constexpr double screenGamma = 2.4; // of BT.1886: light by values
 
 using Color = std::array<float, 3>;
 
@@ -23,6 +24,27 @@ std::uint32_t pixelOf(const Color& color)
         pixel = pixel << 8 | static_cast<std::uint32_t>(std::lround(std::clamp(part, 0.0f, 1.0f) * 255));
     return pixel;
 }
+
+/// What pixels are added up in: their values, or the light that a screen makes of them. Of 16 bits.
+class Scale
+{
+public:
+    explicit Scale(double gamma)
+        : m_values(1 << 16)
+    {
+        for (std::size_t i = 0; i < m_light.size(); ++i)
+            m_light[i] = static_cast<std::uint32_t>(std::lround(std::pow(double(i) / 255, gamma) * 65535));
+        for (std::size_t i = 0; i < m_values.size(); ++i)
+            m_values[i] =
+                static_cast<std::uint8_t>(std::lround(std::pow(double(i) / 65535, 1 / gamma) * 255));
+    }
+    std::uint32_t light(std::uint8_t value) const { return m_light[value]; }
+    std::uint8_t value(std::uint32_t sum) const { return m_values[std::min(sum / whole, 65535u)]; }
+
+private:
+    std::array<std::uint32_t, 256> m_light{};
+    std::vector<std::uint8_t> m_values;
+};
 
 /// Of what a window, or a layer for itself, shows: lines of pixels one below the other.
 struct Area
@@ -142,24 +164,47 @@ private:
             pixels[i] = drawn(m_layers[i], layer, ground, area);
         }
         std::array<unsigned, 4> rest{}; // blue, green, red, and what nobody reads
-        for (std::size_t i = 0; i < 3; ++i)
-            rest[i] = static_cast<unsigned>(
-                std::lround(std::max(0.0, left) * std::clamp(ground.color[2 - i], 0.0f, 1.0f) * 255 * whole));
+        for (std::size_t i = 0; i < 3; ++i) {
+            const auto value =
+                static_cast<std::uint8_t>(std::lround(std::clamp(ground.color[2 - i], 0.0f, 1.0f) * 255));
+            rest[i] = static_cast<unsigned>(std::lround(std::clamp(left, 0.0, 1.0) * whole)) *
+                      lightOf(value, ground);
+        }
         const std::size_t bytes = static_cast<std::size_t>(area.width) * 4;
+        m_sums.resize(bytes);
         for (int y = 0; y < area.height; ++y) {
-            std::uint8_t* to = area.pixels + static_cast<std::ptrdiff_t>(y) * area.bytesPerLine;
-            m_sums.assign(bytes, 0);
             for (std::size_t i = 0; i < bytes; ++i)
                 m_sums[i] = rest[i % 4] + whole / 2;
-            for (std::size_t layer = 0; layer < count; ++layer) {
-                const std::uint8_t* from = pixels[layer] + static_cast<std::size_t>(y) * bytes;
-                const unsigned share = shares[layer];
-                for (std::size_t i = 0; i < bytes; ++i)
-                    m_sums[i] += from[i] * share;
-            }
-            for (std::size_t i = 0; i < bytes; ++i)
-                to[i] = static_cast<std::uint8_t>(std::min(m_sums[i] / whole, 255u));
+            for (std::size_t layer = 0; layer < count; ++layer)
+                addLine(pixels[layer] + static_cast<std::size_t>(y) * bytes, shares[layer],
+                        ground.mixesLight);
+            finishLine(area.pixels + static_cast<std::ptrdiff_t>(y) * area.bytesPerLine, ground.mixesLight);
         }
+    }
+
+    unsigned lightOf(std::uint8_t value, const Ground& ground) const
+    {
+        return ground.mixesLight ? m_scale.light(value) : value;
+    }
+
+    void addLine(const std::uint8_t* from, unsigned share, bool mixesLight)
+    {
+        std::uint32_t* const sums = m_sums.data();
+        const std::size_t count = m_sums.size();
+        for (std::size_t i = 0; mixesLight && i < count; ++i)
+            sums[i] += m_scale.light(from[i]) * share;
+        for (std::size_t i = 0; !mixesLight && i < count; ++i)
+            sums[i] += from[i] * share;
+    }
+
+    void finishLine(std::uint8_t* to, bool mixesLight) const
+    {
+        const std::uint32_t* const sums = m_sums.data();
+        const std::size_t count = m_sums.size();
+        for (std::size_t i = 0; mixesLight && i < count; ++i)
+            to[i] = m_scale.value(sums[i]);
+        for (std::size_t i = 0; !mixesLight && i < count; ++i)
+            to[i] = static_cast<std::uint8_t>(std::min(sums[i] / whole, 255u));
     }
 
     static const std::uint8_t* drawn(Layer& known, const ShownMoment::Layer& layer, const Ground& ground,
@@ -179,6 +224,7 @@ private:
         return known.pixels.data();
     }
 
+    const Scale m_scale{screenGamma};
     SDL_Window* const m_window;
     SDL_Surface* m_own = nullptr;
     std::array<Layer, layersAtMost> m_layers;

@@ -19,12 +19,6 @@ constexpr auto othersLeaveWithin = 1s;
 constexpr const char* farewell =
     "the desktop is gone; program comes back to a screen when ombra is started again";
 
-bool isOnX()
-{
-    const char* driver = SDL_GetCurrentVideoDriver();
-    return driver && std::string(driver) == "x11";
-}
-
 } // namespace
 
 Screens::Screens(PaintBy paintBy)
@@ -226,8 +220,11 @@ void Screens::handleEvents()
             event.type == SDL_DISPLAYEVENT && (event.display.event == SDL_DISPLAYEVENT_CONNECTED ||
                                                event.display.event == SDL_DISPLAYEVENT_DISCONNECTED);
         for (Window* window : m_windows) {
-            if (event.type == SDL_WINDOWEVENT && event.window.windowID == window->id())
+            const bool isIts = event.type == SDL_WINDOWEVENT && event.window.windowID == window->id();
+            if (isIts)
                 window->note(event.window.event == SDL_WINDOWEVENT_CLOSE);
+            if (isIts && event.window.event == SDL_WINDOWEVENT_DISPLAY_CHANGED)
+                window->noteMoved();
             else if (isOtherScreen)
                 window->noteScreens();
         }

@@ -2,6 +2,7 @@
 
 #include "ombra/base/fail.h"
 #include "ombra/display/cardpainter.h"
+#include "ombra/display/inputfree.h"
 #include "ombra/display/processorpainter.h"
 
 #include <SDL.h>
@@ -78,14 +79,18 @@ bool Window::create(std::string* error)
     flags |= isFull ? SDL_WINDOW_BORDERLESS | SDL_WINDOW_ALWAYS_ON_TOP : SDL_WINDOW_RESIZABLE;
     if (isFull && m_screen >= 0)
         flags |= SDL_WINDOW_FULLSCREEN_DESKTOP;
+    if (isFull && isOnX())
+        flags |= SDL_WINDOW_HIDDEN; // until it refuses keys
     m_window = SDL_CreateWindow(m_wish.title.c_str(), at.x, at.y, at.w, at.h, flags);
-    if (m_window && !m_wish.isByProcessor)
-        m_context = SDL_GL_CreateContext(m_window);
-    const bool serves =
-        m_wish.isByProcessor ? m_window != nullptr : m_context && SDL_GL_MakeCurrent(m_window, nullptr) == 0;
-    if (!serves)
+    if (!m_window)
         return fail(error, SDL_GetError());
     surviveLoss(m_window, m_connection);
+    if (isFull && isOnX())
+        showWithoutInput(m_window);
+    if (!m_wish.isByProcessor)
+        m_context = SDL_GL_CreateContext(m_window);
+    if (!m_wish.isByProcessor && (!m_context || SDL_GL_MakeCurrent(m_window, nullptr) != 0))
+        return fail(error, SDL_GetError());
     if (!isFull)
         SDL_ShowCursor(SDL_ENABLE);
     findRate();
@@ -117,11 +122,17 @@ void Window::note(bool isClosed)
 void Window::findRate()
 {
     SDL_DisplayMode mode;
-    m_rate = m_wish.place.rate;
-    if (m_rate < slowestRate || m_rate > fastestRate)
-        m_rate = SDL_GetWindowDisplayMode(m_window, &mode) == 0 ? mode.refresh_rate : 0;
-    if (m_rate < slowestRate || m_rate > fastestRate)
-        m_rate = usualRate;
+    double rate = m_wish.place.rate;
+    if (rate < slowestRate || rate > fastestRate)
+        rate = SDL_GetWindowDisplayMode(m_window, &mode) == 0 ? mode.refresh_rate : 0;
+    m_rate = rate < slowestRate || rate > fastestRate ? usualRate : rate;
+}
+
+void Window::noteMoved()
+{
+    const double before = m_rate;
+    findRate();
+    m_isMoved = m_isMoved || m_rate != before;
 }
 
 bool Window::begin(std::string* error)
@@ -139,7 +150,7 @@ bool Window::begin(std::string* error)
     m_painter = makeCardPainter(m_window, m_isSoftware, error);
     if (!m_painter)
         return false;
-    findBeat();
+    findBeat({}, {});
     return true;
 }
 
@@ -154,21 +165,22 @@ void Window::end()
         SDL_GL_MakeCurrent(m_window, nullptr);
 }
 
-/// Whether a swap waits for the display is seen from a few: drivers promise it and do not do it.
-void Window::findBeat()
+/// Drivers promise it and do not do it.
+void Window::findBeat(const ShownMoment& moment, const Painter::Ground& ground)
 {
     using Clock = std::chrono::steady_clock;
-    if (SDL_GL_SetSwapInterval(1) != 0)
+    m_givesBeat = false;
+    if (!m_context || SDL_GL_SetSwapInterval(1) != 0)
         return;
     Clock::time_point begin;
     for (int i = 0; i <= beatsLookedAt; ++i) {
-        m_painter->paint({}, {});
+        m_painter->paint(moment, ground);
         m_painter->swap();
         if (i == 0)
             begin = Clock::now();
     }
     const double each = std::chrono::duration<double>(Clock::now() - begin).count() / beatsLookedAt;
-    m_givesBeat = each * m_rate > 0.8 && each * m_rate < 1.25;
+    m_givesBeat = each * m_rate > 0.9 && each * m_rate < 1.25;
     if (!m_givesBeat)
         SDL_GL_SetSwapInterval(0);
 }
@@ -203,7 +215,7 @@ std::string Window::description() const
     char text[300];
     const std::string& name = m_wish.place.name.empty() ? m_wish.title : m_wish.place.name;
     std::snprintf(text, sizeof text, "%s shows %d x %d at %.4g Hz, painted by %s%s", name.c_str(), width(),
-                  height(), m_rate, m_renderer.c_str(), m_givesBeat ? "" : ", without its beat");
+                  height(), rate(), m_renderer.c_str(), m_givesBeat ? "" : ", without its beat");
     return text;
 }
 

@@ -53,11 +53,17 @@ public:
     unsigned id() const;
     void note(bool isClosed);
     void noteScreens() { m_seesOthers = true; }
+    /// It lies on another screen than before.
+    void noteMoved();
     void leave() { m_mustLeave = true; }
 
     /// Takes hold of the graphics card, if it is painted by that. False, and the reason, where that does not
     /// serve.
     bool begin(std::string* error);
+    /// Whether a swap waits for the display, seen from a few of that picture; each time anew.
+    void findBeat(const ShownMoment& moment, const Painter::Ground& ground);
+    /// Whether the screen that it is on by now has another rate, for which the beat is to be found.
+    bool takeMoved() { return m_isMoved.exchange(false); }
     /// Lets go of it: before the window is given back.
     void end();
     Painter& painter() { return *m_painter; }
@@ -76,15 +82,15 @@ private:
     Window(const Wish& wish, int screen, DesktopConnection& connection);
     bool create(std::string* error);
     void findRate();
-    void findBeat();
 
     const Wish m_wish;
     const int m_screen;
     DesktopConnection& m_connection;
     SDL_Window* m_window = nullptr;
     void* m_context = nullptr;
-    double m_rate = 60;
-    std::atomic<bool> m_isExposed{true}, m_isClosed{false}, m_seesOthers{false}, m_mustLeave{false};
+    std::atomic<double> m_rate{60};
+    std::atomic<bool> m_isExposed{true}, m_isClosed{false}, m_seesOthers{false}, m_mustLeave{false},
+        m_isMoved{false};
 
     // Of the display's thread:
     bool m_isSoftware = false;

@@ -115,6 +115,7 @@ void Outputs::resetMappings()
         Object* one = mappings->childAt(i);
         setProperty(m_scene, one, "defaultScaleMode", ScaleMode::Fit);
         setProperty(m_scene, one, "backgroundColor", ColorValue{});
+        setProperty(m_scene, one, "linearTransitions", false);
     }
     m_wanted = names();
     m_isChosen = false;
@@ -303,6 +304,12 @@ bool Outputs::invokeMapping(Object* mapping, const std::string& method, const Js
         if (color.type() != VariantType::Color)
             return fail(error, "\"color\" is no colour");
         setProperty(m_scene, mapping, "backgroundColor", color.as<ColorValue>());
+        return true;
+    }
+    if (method == "selectLinearTransitions") {
+        if (args.get("on").type() != JsonType::Bool)
+            return fail(error, "\"on\" is neither true nor false");
+        setProperty(m_scene, mapping, "linearTransitions", args.get("on").asBool());
         return true;
     }
     return fail(error, "unknown method");

@@ -10,6 +10,7 @@ struct ScreenFigures
     double rate = 0;           // pictures a second; 0 where there is none
     int dropped = 0, late = 0; // pictures, in the last minute
     double decodeLoad = 0;     // share of the time there is that decoding takes
+    double paintLoad = 0;      // share of the time between two beats that painting a picture takes
     bool bySoftware = false;   // painted by the processor
 };
 

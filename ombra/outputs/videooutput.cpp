@@ -290,6 +290,7 @@ void VideoOutput::tellScreen(const ScreenFigures& lately)
     set("droppedPictures", lately.dropped);
     set("latePictures", lately.late);
     set("decodeLoad", std::round(lately.decodeLoad * 100) / 100);
+    set("paintLoad", std::round(lately.paintLoad * 100) / 100);
     set("softwareRenderer", lately.bySoftware);
 }
 

@@ -30,8 +30,13 @@ const std::map<std::string, Properties, std::less<>>& lasting()
           {"endAction", "playback"},
           {"volume", "playback"},
           {"muted", "playback"},
-          {"audioDevice", "audio"}}},
-        {"GpuMapping", {{"target", "output"}, {"defaultScaleMode", "output"}, {"backgroundColor", "output"}}},
+          {"audioDevice", "audio"},
+          {"audioOffset", ofServer}}}, // made up for what stands behind this machine
+        {"GpuMapping",
+         {{"target", "output"},
+          {"defaultScaleMode", "output"},
+          {"backgroundColor", "output"},
+          {"linearTransitions", "output"}}},
         {"Output",
          {{"modelineId", "output"},
           {"maxLinkRate", "output"},
@@ -270,8 +275,8 @@ void SceneSettings::resetPlayback()
         write(path + "/properties/state", "stop");
         for (const auto& [name, section] : lasting().at("Playback")) {
             Json value;
-            if (name == "mediaPosition")
-                continue; // follows the media
+            if (name == "mediaPosition" || section == std::string_view(ofServer))
+                continue; // follows the media, or is no part of a show
             if (name == "audioDevice")
                 value = toStr(initialAudioDevice);
             else

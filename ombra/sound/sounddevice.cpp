@@ -5,13 +5,19 @@
 #include <SDL.h>
 #include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <cstdlib>
+#include <mutex>
 
 namespace vantrel::ombra {
 
 namespace {
 
 constexpr int usualFramesAtOnce = 480; // a hundredth of a second
+
+/// SDL opens one device at a time; who hangs meanwhile is waited for only so long.
+std::timed_mutex opening;
+constexpr auto othersOpenWithin = std::chrono::seconds(1);
 
 /// Its own start, beside that of a display's: the two know nothing of each other, and neither ends the other.
 bool startAudio(std::string* error)
@@ -64,6 +70,11 @@ std::vector<std::string> SoundDevice::names(std::string* error)
 
 std::unique_ptr<SoundDevice> SoundDevice::open(const std::string& name, std::string* error)
 {
+    const std::unique_lock turn(opening, othersOpenWithin);
+    if (!turn) {
+        fail(error, "another sound device of this machine does not answer");
+        return nullptr;
+    }
     if (!startAudio(error))
         return nullptr;
     std::unique_ptr<SoundDevice> device(new SoundDevice);

@@ -9,7 +9,7 @@
 namespace vantrel::ombra {
 
 /// A sound device of this machine that plays a stream. To open and to close one may take as long as its
-/// driver likes. One thread makes and destroys them all.
+/// driver likes.
 class SoundDevice
 {
 public:

@@ -22,18 +22,18 @@ constexpr double usualDelay = 0.08; // seconds, while no device has told what it
 
 std::atomic<int> abandoned{0}; // threads that wait for a device which hangs
 
-std::string silentFor(const std::string& what)
-{
-    return "Program is silent: the sound device " + what + ". It is heard as soon as that is back.";
-}
-
 } // namespace
 
-SoundOut::Keeper::Keeper(std::string device, double offset)
-    : m_offset(std::clamp(offset, -largestOffset, largestOffset))
+SoundOut::Keeper::Keeper(std::string owner, std::string device)
+    : m_owner(std::move(owner))
     , m_name(std::move(device))
     , m_leastDelay(usualDelay)
 {
+}
+
+std::string SoundOut::Keeper::silentFor(const std::string& what) const
+{
+    return m_owner + " is silent: the sound device " + what + ". It is heard as soon as that is back.";
 }
 
 void SoundOut::Keeper::run()
@@ -47,7 +47,8 @@ void SoundOut::Keeper::run()
         if (device)
             serve(std::move(device), name);
         else if (trouble().empty() && !error.empty())
-            setTrouble("Program is silent: " + error + ". It is heard as soon as the sound device is there.");
+            setTrouble(m_owner + " is silent: " + error +
+                       ". It is heard as soon as the sound device is there.");
         if (name == this->name())
             waitFor(lookAgainAfter);
         else
@@ -116,7 +117,8 @@ SoundOut::Keeper::Fate SoundOut::Keeper::watch(const SoundDevice& device, const 
 void SoundOut::Keeper::welcome(const SoundDevice& device)
 {
     setTrouble({});
-    Log::write_fmt(LogLevel::Info, {}, "vantrel.sound", "program's sound goes to %s: %d channels at %d Hz",
+    Log::write_fmt(LogLevel::Info, {}, "vantrel.sound", "%s's sound goes to %s: %d channels at %d Hz",
+                   m_owner.c_str(),
                    device.name().empty() ? "the machine's own device" : device.name().c_str(),
                    device.channels(), device.rate());
 }
@@ -127,7 +129,7 @@ void SoundOut::Keeper::tellGaps(const SoundStream& stream)
     const long long gaps = all - std::exchange(m_toldGaps, all);
     if (gaps > 0)
         Log::write_fmt(LogLevel::Warning, {}, "vantrel.sound",
-                       "program's sound had %lld gaps: the machine did not mix in time", gaps);
+                       "%s's sound had %lld gaps: the machine did not mix in time", m_owner.c_str(), gaps);
 }
 
 /// Closing waits for its driver, which answers nobody.
@@ -178,7 +180,9 @@ double SoundOut::Keeper::pictureDelay(double pictureRate)
     const std::lock_guard lock(m_mutex);
     const double least = m_leastDelay + std::max(0.0, -m_offset);
     const double pictures = pictureRate > 0 ? std::ceil(least * pictureRate - 0.01) / pictureRate : least;
-    if (m_stream)
+    if (m_stream && std::exchange(m_hasMoved, false))
+        m_stream->goTo(pictures + m_offset);
+    else if (m_stream)
         m_stream->setDelay(pictures + m_offset);
     return pictures;
 }
@@ -199,6 +203,13 @@ void SoundOut::Keeper::setDevice(const std::string& name)
 {
     const std::lock_guard lock(m_mutex);
     m_name = name;
+}
+
+void SoundOut::Keeper::setOffset(double seconds)
+{
+    const std::lock_guard lock(m_mutex);
+    const double offset = std::clamp(seconds, -largestOffset, largestOffset);
+    m_hasMoved = std::exchange(m_offset, offset) != offset || m_hasMoved;
 }
 
 std::string SoundOut::Keeper::name() const

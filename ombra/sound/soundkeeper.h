@@ -14,13 +14,14 @@ namespace vantrel::ombra {
 class SoundOut::Keeper
 {
 public:
-    Keeper(std::string device, double offset);
+    Keeper(std::string owner, std::string device);
 
     void run();
     /// True when run() has ended in time.
     bool stop();
 
     void setDevice(const std::string& name);
+    void setOffset(double seconds);
     void setAsker(std::function<void()> asker);
     std::shared_ptr<SoundStream> stream() const;
     double pictureDelay(double pictureRate);
@@ -43,7 +44,9 @@ private:
     bool isStopped() const;
     std::string name() const;
 
-    const double m_offset; // seconds
+    std::string silentFor(const std::string& what) const;
+
+    const std::string m_owner;
 
     std::mutex m_askerMutex;
     std::function<void()> m_asker;
@@ -53,6 +56,8 @@ private:
     std::string m_name;
     std::shared_ptr<SoundStream> m_stream;
     double m_leastDelay = 0;
+    double m_offset = 0;     // seconds
+    bool m_hasMoved = false; // the offset, since the stream was told
     std::string m_trouble;
     std::optional<SoundStream::Clock::time_point> m_openingSince;
     bool m_stop = false, m_ended = false;

@@ -4,8 +4,8 @@
 
 namespace vantrel::ombra {
 
-SoundOut::SoundOut(std::string device, double offset)
-    : m_keeper(std::make_shared<Keeper>(std::move(device), offset))
+SoundOut::SoundOut(std::string owner, std::string device)
+    : m_keeper(std::make_shared<Keeper>(std::move(owner), std::move(device)))
     , m_thread([keeper = m_keeper] { keeper->run(); })
 {
 }
@@ -22,6 +22,11 @@ SoundOut::~SoundOut()
 void SoundOut::setDevice(const std::string& device)
 {
     m_keeper->setDevice(device);
+}
+
+void SoundOut::setOffset(double seconds)
+{
+    m_keeper->setOffset(seconds);
 }
 
 void SoundOut::setAsker(std::function<void()> asker)

@@ -9,15 +9,14 @@
 
 namespace vantrel::ombra {
 
-/// Program's sound on a device of the machine. A thread of its own opens the device, looks after it and finds
-/// it again when it was gone; without one there is a trouble() to tell, and nothing else is different. Any
-/// thread.
+/// The sound of a playback on a device of the machine. A thread of its own opens the device, looks after it
+/// and finds it again when it was gone; without one there is a trouble() to tell, and nothing else is
+/// different. Any thread.
 class SoundOut
 {
 public:
-    /// An empty name means the device of the machine's own choice. Sound is heard so many seconds later than
-    /// the pictures, or earlier below 0.
-    SoundOut(std::string device, double offset);
+    /// owner: "Program", in what operators read. An empty device means the machine's own choice.
+    SoundOut(std::string owner, std::string device);
     /// Waits for a moment at most: a device that hangs holds up nobody.
     ~SoundOut();
     SoundOut(const SoundOut&) = delete;
@@ -29,6 +28,9 @@ public:
 
     /// Goes over to another one.
     void setDevice(const std::string& device);
+    /// Sound is heard so many seconds later than the pictures, or earlier below 0: at once, but for the
+    /// pictures, which follow with the next pictureDelay().
+    void setOffset(double seconds);
     /// Who is asked for the next moment when a device runs out of sound. After this returns the one before is
     /// not asked any more.
     void setAsker(std::function<void()> asker);

@@ -97,9 +97,13 @@ std::int64_t SoundStream::correct(const HeardMoment& moment)
     const double elapsed = m_playedTo ? Seconds(moment.end - *m_playedTo).count() : 0;
     m_toldLate = late;
     std::int64_t begin = 0;
-    if (!m_servo.note(late, elapsed)) {
+    const bool goes = m_goes.exchange(false);
+    if (!m_servo.note(late, elapsed) || goes) {
         begin = std::llround(late * Sound::sampleRate);
         begin = std::max(begin, -static_cast<std::int64_t>(ringSeconds / 2 * Sound::sampleRate));
+        if (goes &&
+            begin > static_cast<std::int64_t>(moment.frames)) // this one is left out, and more to come
+            m_goes = true;
         m_servo.corrected();
     }
     m_toldRate = m_servo.rate();

@@ -29,6 +29,12 @@ public:
 
     /// Seconds from a moment to when it is heard. Any thread; what is heard goes over to it unnoticed.
     void setDelay(double seconds) { m_delay = seconds; }
+    /// The same, heard at once: sound is left out, or silence put in.
+    void goTo(double seconds)
+    {
+        m_delay = seconds;
+        m_goes = true;
+    }
     /// The least that this device makes possible, while moments come as the mixer makes them.
     static double leastDelay(int rate, int deviceFrames);
 
@@ -57,6 +63,7 @@ private:
     const int m_channels, m_rate;
     const double m_deviceDelay; // seconds from fill() to what is heard, as far as that is known
     std::atomic<double> m_delay;
+    std::atomic<bool> m_goes{false}; // to the delay, at once
     std::unique_ptr<SwrContext, FreeResampler> m_resampler;
     SoundRing m_ring;
 

@@ -73,6 +73,7 @@ void declarePlayback(Types& types)
         .property("endAction", Variant::from(EndAction::Next))
         .readOnly("sourceMode", Variant::from(SourceMode::None))
         .property("audioDevice", Variant::from(AudioPlaybackDevice::Off))
+        .property("audioOffset", Variant::from(0.0), Variant::from(-0.25), Variant::from(0.25))
         .property("volume", Variant::from(1.0), Variant::from(0.0), Variant::from(1.0))
         .flag("muted")
         .number("inpoint")
@@ -97,9 +98,10 @@ void declarePlayback(Types& types)
         .text("target")
         .property("defaultScaleMode", Variant::from(ScaleMode::Fit))
         .property("backgroundColor", Variant::from(ColorValue{}))
+        .flag("linearTransitions")
         // Its target only stands in for one that this machine does not have, or that never had a display.
         .readOnly("standsIn", Variant::from(false))
-        .methods({"selectDefaultScaleMode", "selectBackgroundColor"});
+        .methods({"selectDefaultScaleMode", "selectBackgroundColor", "selectLinearTransitions"});
 
     Declaration(types, "Channel")
         .text("name")
@@ -158,6 +160,7 @@ void declareOutputs(Types& types)
         .readOnly("droppedPictures", Variant::from(0))
         .readOnly("latePictures", Variant::from(0))
         .readOnly("decodeLoad", Variant::from(0.0))
+        .readOnly("paintLoad", Variant::from(0.0))
         .readOnly("softwareRenderer", Variant::from(false))
         // It shows its number, name and mode for want of a program.
         .readOnly("identified", Variant::from(false))

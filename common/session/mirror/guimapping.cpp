@@ -19,6 +19,7 @@ void GUIMapping::cacheProperties()
         .target = object()->findProperty("target"),
         .scaling = object()->findProperty("defaultScaleMode"),
         .backgroundColor = object()->findProperty("backgroundColor"),
+        .linearTransitions = object()->findProperty("linearTransitions"),
     };
 }
 

@@ -16,6 +16,7 @@ class GUIMapping : public SceneObjectWrapper
     Q_PROPERTY(QString defaultScaleMode READ scaling WRITE setScaling NOTIFY defaultScaleModeChanged)
     Q_PROPERTY(
         QColor backgroundColor READ backgroundColor WRITE setBackgroundColor NOTIFY backgroundColorChanged)
+    Q_PROPERTY(bool linearTransitions READ linearTransitions NOTIFY linearTransitionsChanged)
 
 public:
     explicit GUIMapping(QObject* parent = nullptr);
@@ -26,12 +27,14 @@ public:
     void setScaling(const QString& value) { setProperty(m_info.scaling, value); }
     QColor backgroundColor() const { return getProperty<QColor>(m_info.backgroundColor); }
     void setBackgroundColor(const QColor& value) { setProperty(m_info.backgroundColor, value); }
+    bool linearTransitions() const { return getProperty<bool>(m_info.linearTransitions); }
 
 Q_SIGNALS:
     void targetChanged();
     void scalingChanged();
     void defaultScaleModeChanged();
     void backgroundColorChanged();
+    void linearTransitionsChanged();
 
 protected:
     void postSetObjectHook() override;
@@ -44,6 +47,7 @@ private:
         const PropertyInfo* target = nullptr;
         const PropertyInfo* scaling = nullptr;
         const PropertyInfo* backgroundColor = nullptr;
+        const PropertyInfo* linearTransitions = nullptr;
     };
     Info m_info;
 };

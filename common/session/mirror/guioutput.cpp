@@ -31,6 +31,7 @@ ScreenHealth GUIOutput::screen() const
             .dropped = droppedPictures(),
             .late = latePictures(),
             .decodeLoad = decodeLoad(),
+            .paintLoad = paintLoad(),
             .bySoftware = softwareRenderer()};
 }
 

@@ -47,6 +47,7 @@ namespace vantrel {
     X(int, droppedPictures, setDroppedPictures)                                                              \
     X(int, latePictures, setLatePictures)                                                                    \
     X(double, decodeLoad, setDecodeLoad)                                                                     \
+    X(double, paintLoad, setPaintLoad)                                                                       \
     X(bool, softwareRenderer, setSoftwareRenderer)                                                           \
     X(bool, identified, setIdentified)
 

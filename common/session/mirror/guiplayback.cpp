@@ -55,6 +55,7 @@ void GUIPlayback::cacheProperties()
         .endAction = find("endAction"),
         .sourceMode = find("sourceMode"),
         .audioDevice = find("audioDevice"),
+        .audioOffset = find("audioOffset"),
         .volume = find("volume"),
         .muted = find("muted"),
         .mediaPosition = find("mediaPosition"),

@@ -29,6 +29,7 @@ class GUIPlayback : public SceneObjectWrapper
     Q_PROPERTY(vantrel::SourceMode sourceMode READ sourceMode NOTIFY sourceModeChanged)
     Q_PROPERTY(vantrel::AudioPlaybackDevice audioDevice READ audioDevice WRITE setAudioDevice NOTIFY
                    audioDeviceChanged)
+    Q_PROPERTY(double audioOffset READ audioOffset NOTIFY audioOffsetChanged)
     Q_PROPERTY(double volume READ volume WRITE setVolume NOTIFY volumeChanged)
     Q_PROPERTY(bool muted READ muted WRITE setMuted NOTIFY mutedChanged)
     Q_PROPERTY(double inpoint READ inpoint WRITE setInpoint NOTIFY inpointChanged)
@@ -56,6 +57,8 @@ public:
     SourceMode sourceMode() const { return getProperty<SourceMode>(m_info.sourceMode); }
     AudioPlaybackDevice audioDevice() const { return getProperty<AudioPlaybackDevice>(m_info.audioDevice); }
     void setAudioDevice(AudioPlaybackDevice value) { setProperty(m_info.audioDevice, value); }
+    /// Seconds by which its sound is heard after its picture.
+    double audioOffset() const { return getProperty<double>(m_info.audioOffset); }
     double volume() const { return getProperty<double>(m_info.volume); }
     void setVolume(double value) { setProperty(m_info.volume, value); }
     bool muted() const { return getProperty<bool>(m_info.muted); }
@@ -89,6 +92,7 @@ Q_SIGNALS:
     void endActionChanged();
     void sourceModeChanged();
     void audioDeviceChanged();
+    void audioOffsetChanged();
     void volumeChanged();
     void mutedChanged();
     void inpointChanged();
@@ -120,6 +124,7 @@ private:
         const PropertyInfo* endAction = nullptr;
         const PropertyInfo* sourceMode = nullptr;
         const PropertyInfo* audioDevice = nullptr;
+        const PropertyInfo* audioOffset = nullptr;
         const PropertyInfo* volume = nullptr;
         const PropertyInfo* muted = nullptr;
         const PropertyInfo* mediaPosition = nullptr;

@@ -13,8 +13,6 @@ namespace vantrel {
 
 namespace {
 
-/// What a key, or a notch of the wheel, changes.
-constexpr double step = 0.1;
 /// A drag of this many pixels is one step.
 constexpr double pixelsPerStep = 4.0;
 
@@ -152,7 +150,7 @@ void DoubleEdit::keyPressEvent(QKeyEvent* event)
         if (!isReadOnly()) {
             commit();
             const double direction = event->key() == Qt::Key_Up ? 1.0 : -1.0;
-            edit(rounded(m_value + direction * steps * step, m_decimals));
+            edit(rounded(m_value + direction * steps * m_step, m_decimals));
             startTyping();
         }
         return;
@@ -200,9 +198,9 @@ void DoubleEdit::mouseMoveEvent(QMouseEvent* event)
     if (!m_dragging && qAbs(pixels) < QApplication::startDragDistance())
         return;
     m_dragging = true;
-    double target = m_dragValue + pixels / pixelsPerStep * step;
+    double target = m_dragValue + pixels / pixelsPerStep * m_step;
     if (configurationValue(DRAGGER_ROUND_TO_STEP_SIZE).toBool())
-        target = std::round(target / step) * step;
+        target = std::round(target / m_step) * m_step;
     edit(target);
 }
 
@@ -222,7 +220,7 @@ void DoubleEdit::wheelEvent(QWheelEvent* event)
 {
     if (hasFocus() && !isReadOnly() && event->angleDelta().y() != 0) {
         commit();
-        edit(rounded(m_value + (event->angleDelta().y() > 0 ? step : -step), m_decimals));
+        edit(rounded(m_value + (event->angleDelta().y() > 0 ? m_step : -m_step), m_decimals));
         startTyping();
         return;
     }

@@ -29,6 +29,8 @@ public:
     void setUnit(const QString& unit);
     /// Decimals shown; 1 at first. Typed values are rounded to them.
     void setDecimals(int decimals);
+    /// What a key, or a notch of the wheel, changes; 0.1 at first.
+    void setStep(double step) { m_step = step; }
 
 public Q_SLOTS:
     /// Limits to the range; a value that is no number is ignored.
@@ -63,6 +65,7 @@ private:
     double m_minimum;
     double m_maximum;
     int m_decimals = 1;
+    double m_step = 0.1;
     QString m_unit;
     bool m_typing = false;
     bool m_pressed = false;

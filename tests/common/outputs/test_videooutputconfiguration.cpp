@@ -8,6 +8,7 @@
 #include "common/ui/toolkit/elidedlabel.h"
 #include "common/ui/toolkit/pushbutton.h"
 #include "common/ui/toolkit/switchselect.h"
+#include "common/ui/toolkit/ztcheckbox.h"
 #include "common/ui/toolkit/ztdropdownmenu.h"
 #include "tests/common/session/scriptedpeer.h"
 #include "tests/support/testmain.h"
@@ -90,6 +91,8 @@ private Q_SLOTS:
         Q_EMIT background->colorEdited(Qt::red);
         QTRY_COMPARE(background->color(), QColor(0x11, 0x22, 0x33));
         QCOMPARE(text("background"), QStringLiteral("#112233"));
+        part<ZTCheckBox>("mixesLight")->click();
+        QVERIFY(!part<ZTCheckBox>("mixesLight")->isChecked()); // until the server says so
         auto* scaling = part<ZTDropdownMenu>("scaling");
         scaling->setCurrentIndex(0);
         Q_EMIT scaling->activated(0);
@@ -219,6 +222,12 @@ private Q_SLOTS:
         set("decodeLoad", "0.81"); // before anything is late
         QTRY_COMPARE(urgency("decoding"), QStringLiteral("soon"));
         QVERIFY(part<QWidget>("decoding-value")->toolTip().contains(QStringLiteral("may soon be late")));
+        set("decodeLoad", "0.42");
+        set("paintLoad", "0.85");
+        QTRY_COMPARE(urgency("painting"), QStringLiteral("soon"));
+        QCOMPARE(text("painting") + urgency("decoding"), QStringLiteral("85 % of the time there is"));
+        QCOMPARE(m_model->screen().summary(), QStringLiteral("Screen: painting at its limit"));
+        QVERIFY(part<QWidget>("painting-value")->toolTip().contains(QStringLiteral("smaller mode")));
         set("droppedPictures", "1");
         set("latePictures", "2");
         QTRY_COMPARE(text("lostPictures"), QStringLiteral("3 in the last minute"));

@@ -16,6 +16,7 @@
 #include "common/session/mirror/guiplayback.h"
 #include "common/session/mirror/sceneobjectprovider.h"
 #include "common/ui/timecode/timecodeedit.h"
+#include "common/ui/toolkit/doubleedit.h"
 #include "common/ui/toolkit/switchselect.h"
 #include "tarn/media/medialibrary.h"
 #include "tarn/media/playenums.h"
@@ -356,6 +357,21 @@ private Q_SLOTS:
                  QStringLiteral(
                      "invoke /device/channels/0/program/methods/selectAudioDevice {\"device\":\"dante\"}"));
         QVERIFY(message->isVisible());
+    }
+
+    void soundIsMovedAgainstThePicture()
+    {
+        AudioOutputItem item(m_fixture->peer.session);
+        item.show();
+        auto* delay = item.findChild<DoubleEdit*>(QStringLiteral("programAudioDelay"));
+        QVERIFY(m_fixture->connect());
+        QVERIFY(delay->isEnabled());
+        m_fixture->set("program", "audioOffset", "0.04");
+        QTRY_COMPARE(delay->text(), QStringLiteral("40 ms"));
+        m_fixture->takeSent();
+        QTest::keyClick(delay, Qt::Key_Up);
+        QCOMPARE(m_fixture->waitForSent(),
+                 QStringLiteral("replace /device/channels/0/program/properties/audioOffset 0.041"));
     }
 
     void endActionOfAPlayingEntryIsAlsoThePlaylists()

@@ -142,6 +142,13 @@ private Q_SLOTS:
         QVERIFY(!m_ombra->output().contains("no display: "));
     }
 
+    /// What is typed beside an output never goes there.
+    void takesNoKeys()
+    {
+        QVERIFY(soon([&] { return at(left) == green && at(right) == red; }));
+        QVERIFY(!m_desktop.takesKeys(left) && !m_desktop.takesKeys(right));
+    }
+
     void identifiesEach()
     {
         const auto isCard = [this](QPoint corner) {

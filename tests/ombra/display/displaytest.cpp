@@ -4,6 +4,8 @@
 #include <QElapsedTimer>
 #include <QFile>
 
+#include <cmath>
+
 using namespace vantrel::ombra::test;
 using namespace vantrel::test;
 
@@ -48,6 +50,20 @@ private Q_SLOTS:
         QCOMPARE(m_peer->value(program + "width"), std::to_string(screenSize.width()));
         QCOMPARE(m_peer->value(program + "connected"), std::string("true"));
         QCOMPARE(m_peer->value("/device/system/gpus/0/outputs/1/properties/connected"), std::string("false"));
+    }
+
+    /// Before pictures are lost by it, and no more once nothing moves.
+    void tellsWhatPaintingTakes()
+    {
+        const auto load = [this] {
+            m_peer->read();
+            return std::atof(m_peer->value("/device/system/gpus/0/outputs/0/properties/paintLoad").c_str());
+        };
+        write("program/properties/endAction", "repeat");
+        play(QStringLiteral("bars709.mkv"));
+        QTRY_VERIFY_WITH_TIMEOUT(load() > 0, patience);
+        play(QStringLiteral("green.png"));
+        QTRY_COMPARE_WITH_TIMEOUT(load(), 0.0, patience);
     }
 
     /// On a screen without a program alone, and not again after it.

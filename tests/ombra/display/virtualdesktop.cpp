@@ -6,6 +6,7 @@
 
 #include <X11/Xatom.h>
 #include <X11/extensions/Xrandr.h>
+#include <algorithm>
 #include <csignal>
 
 namespace vantrel::test {
@@ -144,6 +145,26 @@ void VirtualDesktop::end()
     m_connection.reset();
     m_server.terminate();
     m_server.waitForFinished();
+}
+
+bool VirtualDesktop::takesKeys(QPoint at) const
+{
+    ::Display* display = m_connection->display;
+    ::Window window = None, focus = None;
+    int x = 0, y = 0, revert = 0, count = 0;
+    XTranslateCoordinates(display, m_connection->root(), m_connection->root(), at.x(), at.y(), &x, &y,
+                          &window);
+    XGetInputFocus(display, &focus, &revert);
+    XWMHints* hints = XGetWMHints(display, window);
+    bool takes = window == None || focus == window || !hints || !(hints->flags & InputHint) || hints->input;
+    XFree(hints);
+    Atom* protocols = nullptr;
+    if (XGetWMProtocols(display, window, &protocols, &count)) {
+        takes =
+            takes || std::count(protocols, protocols + count, XInternAtom(display, "WM_TAKE_FOCUS", False));
+        XFree(protocols);
+    }
+    return takes;
 }
 
 QImage VirtualDesktop::grab(const QRect& area) const

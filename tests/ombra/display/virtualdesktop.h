@@ -34,6 +34,8 @@ public:
     void end();
     QString modeOf(int output) const;
     QImage grab(const QRect& area) const;
+    /// Whether the window that stands there has the keyboard, or would take it.
+    bool takesKeys(QPoint at) const;
 
 private:
     struct Connection;

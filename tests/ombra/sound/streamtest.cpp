@@ -282,7 +282,8 @@ private Q_SLOTS:
         QFETCH(double, offset);
         QFETCH(double, rate);
         qputenv("SDL_AUDIODRIVER", "dummy"); // a driver of the machine's own takes its time to end
-        SoundOut out("no such device", offset);
+        SoundOut out("Program", "no such device");
+        out.setOffset(offset);
         QTEST(out.pictureDelay(rate), "delay");
     }
 
