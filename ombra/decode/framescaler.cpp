@@ -39,22 +39,6 @@ AVPixelFormat plainFormat(int format, bool& fullRange)
     }
 }
 
-/// What a screen is given for 16 bits that are linear in light: the transfer function of sRGB, IEC 61966-2-1.
-const std::vector<std::uint8_t>& screenValues()
-{
-    static const std::vector<std::uint8_t> table = [] {
-        std::vector<std::uint8_t> values(65536);
-        for (std::size_t i = 0; i < values.size(); ++i) {
-            const double light = static_cast<double>(i) / 65535;
-            const double value =
-                light <= 0.0031308 ? 12.92 * light : 1.055 * std::pow(light, 1 / 2.4) - 0.055;
-            values[i] = static_cast<std::uint8_t>(std::lround(255 * value));
-        }
-        return values;
-    }();
-    return table;
-}
-
 /// The matrix of a frame. Between two RGB formats there is none to choose.
 int matrixOf(const AVFrame& frame, const AVPixFmtDescriptor& format)
 {
@@ -114,17 +98,15 @@ bool FrameScaler::draw(const DecodedPicture& picture, const Placement& at, const
         return false;
     const AVFrame& frame = *picture.frame;
     const bool isSideways = picture.quarterTurns % 2;
-    Wish wish{isSideways ? at.height : at.width,
-              isSideways ? at.width : at.height,
-              false,
-              frame.color_trc == AVCOL_TRC_LINEAR,
-              target.order,
-              care};
-    // Values that are linear come multiplied with their alpha already: as they are, they stand on black.
-    wish.hasAlpha = picture.hasAlpha() && !wish.isLinear;
+    const Wish wish{isSideways ? at.height : at.width,
+                    isSideways ? at.width : at.height,
+                    picture.hasAlpha(),
+                    ScreenLight::kindOf(frame) != ScreenLight::Kind::Usual,
+                    target.order,
+                    care};
     const bool isCut =
         at.x0 != at.left || at.y0 != at.top || at.x1 - at.x0 != at.width || at.y1 - at.y0 != at.height;
-    if (picture.quarterTurns == 0 && !isCut && !wish.hasAlpha && !wish.isLinear &&
+    if (picture.quarterTurns == 0 && !isCut && !wish.hasAlpha && !wish.isDeep &&
         isWholeBlocks(at.width, target.bytesPerPixel()))
         return convert(frame, wish,
                        target.pixels + static_cast<std::ptrdiff_t>(at.top) * target.bytesPerLine +
@@ -175,12 +157,12 @@ bool FrameScaler::convert(const AVFrame& frame, const Wish& wish)
     // The scaler's fast loops may write past the end of a line: leave them room.
     m_stride = (wish.width * wish.bytesPerPixel() + 64 + 63) / 64 * 64;
     m_scaled.resize(static_cast<std::size_t>(m_stride) * (wish.height + 1));
-    if (!wish.isLinear)
+    if (!wish.isDeep)
         return convert(frame, wish, m_scaled.data(), m_stride);
-    m_linear.resize(static_cast<std::size_t>(m_stride) * (wish.height + 1));
-    if (!convert(frame, wish, reinterpret_cast<std::uint8_t*>(m_linear.data()), 2 * m_stride))
+    m_deep.resize(static_cast<std::size_t>(m_stride) * (wish.height + 1));
+    if (!convert(frame, wish, reinterpret_cast<std::uint8_t*>(m_deep.data()), 2 * m_stride))
         return false;
-    encodeLinear(wish);
+    encode(frame, wish);
     return true;
 }
 
@@ -188,11 +170,12 @@ bool FrameScaler::convert(const AVFrame& frame, const Wish& wish, std::uint8_t* 
 {
     bool fullRange = frame.color_range == AVCOL_RANGE_JPEG;
     const AVPixelFormat from = plainFormat(frame.format, fullRange);
-    const AVPixelFormat format = wish.isLinear ? AV_PIX_FMT_RGB48 : formatOf(wish.order, wish.hasAlpha);
+    const AVPixelFormat format = wish.isDeep ? (wish.hasAlpha ? AV_PIX_FMT_RGBA64 : AV_PIX_FMT_RGB48)
+                                             : formatOf(wish.order, wish.hasAlpha);
     int flags = SWS_BILINEAR;
-    if (wish.care == Care::Exact || wish.isLinear)
+    if (wish.care == Care::Exact || wish.isDeep)
         flags |= SWS_ACCURATE_RND;
-    if (wish.isLinear)
+    if (wish.isDeep)
         flags |= SWS_FULL_CHR_H_INP | SWS_FULL_CHR_H_INT;
     m_context.reset(sws_getCachedContext(m_context.release(), frame.width, frame.height, from, wish.width,
                                          wish.height, format, flags, nullptr, nullptr, nullptr));
@@ -206,18 +189,14 @@ bool FrameScaler::convert(const AVFrame& frame, const Wish& wish, std::uint8_t* 
     return sws_scale(m_context.get(), frame.data, frame.linesize, 0, frame.height, planes, strides) > 0;
 }
 
-void FrameScaler::encodeLinear(const Wish& wish)
+/// From what is not made for a screen.
+void FrameScaler::encode(const AVFrame& frame, const Wish& wish)
 {
-    const std::vector<std::uint8_t>& values = screenValues();
-    const bool isBgr = wish.order == PixelTarget::Order::Bgrx;
+    m_light.follow(frame);
     for (int row = 0; row < wish.height; ++row) {
-        const std::uint16_t* from = m_linear.data() + static_cast<std::size_t>(row) * m_stride;
-        std::uint8_t* to = m_scaled.data() + static_cast<std::size_t>(row) * m_stride;
-        for (int column = 0; column < wish.width; ++column, from += 3, to += wish.bytesPerPixel()) {
-            to[0] = values[from[isBgr ? 2 : 0]];
-            to[1] = values[from[1]];
-            to[2] = values[from[isBgr ? 0 : 2]];
-        }
+        const std::size_t line = static_cast<std::size_t>(row) * m_stride;
+        m_light.encode(m_deep.data() + line, m_scaled.data() + line, wish.width, wish.hasAlpha,
+                       wish.order == PixelTarget::Order::Bgrx, wish.bytesPerPixel());
     }
 }
 

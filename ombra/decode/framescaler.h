@@ -3,6 +3,7 @@
 #include "ombra/decode/avhandles.h"
 #include "ombra/decode/picturereader.h"
 #include "ombra/decode/placement.h"
+#include "ombra/decode/screenlight.h"
 
 #include <cstdint>
 #include <vector>
@@ -22,8 +23,8 @@ struct PixelTarget
     int bytesPerPixel() const { return order == Order::Rgb ? 3 : 4; }
 };
 
-/// Draws decoded pictures: scaled, turned upright, over what is there. Values that are linear in light are
-/// put through the transfer function of screens. Keeps the scaler between pictures of one kind. One thread.
+/// Draws decoded pictures: scaled, turned upright, over what is there, in values of a screen. Keeps the
+/// scaler between pictures of one kind. One thread.
 class FrameScaler
 {
 public:
@@ -40,8 +41,8 @@ private:
     /// What the scaler is to make of a picture.
     struct Wish
     {
-        int width, height; // before it is turned
-        bool hasAlpha, isLinear;
+        int width, height;     // before it is turned
+        bool hasAlpha, isDeep; // isDeep: its values are to become those of a screen
         PixelTarget::Order order;
         Care care;
 
@@ -49,13 +50,14 @@ private:
     };
     bool convert(const AVFrame& frame, const Wish& wish);
     bool convert(const AVFrame& frame, const Wish& wish, std::uint8_t* to, int bytesPerLine);
-    void encodeLinear(const Wish& wish);
+    void encode(const AVFrame& frame, const Wish& wish);
     void place(const Wish& wish, int turns, const Placement& at, const PixelTarget& target) const;
 
     AvPtr<SwsContext> m_context;
-    std::vector<std::uint8_t> m_scaled;  // the picture in the frame's own orientation
-    std::vector<std::uint16_t> m_linear; // where its values are linear in light: three a pixel
-    int m_stride = 0;                    // bytes a line of m_scaled
+    ScreenLight m_light;
+    std::vector<std::uint8_t> m_scaled; // the picture in the frame's own orientation
+    std::vector<std::uint16_t> m_deep;  // before its values are those of a screen: as many a pixel
+    int m_stride = 0;                   // bytes a line of m_scaled, and values one of m_deep
 };
 
 } // namespace vantrel::ombra

@@ -48,7 +48,7 @@ protected:
     }
 
     const QTemporaryDir m_folder;
-    QStringList m_files; // in the order of their slots
+    QStringList m_files; // in the order of their slots: by the alphabet
     std::unique_ptr<VirtualScreen> m_screen;
     std::unique_ptr<OmbraProcess> m_ombra;
     std::unique_ptr<ombra::test::LinkPeer> m_peer;
@@ -81,6 +81,15 @@ protected:
         QVERIFY(make(QStringLiteral("block.png"),
                      QStringLiteral("color=white:s=100x60:d=0.04,format=rgb24,drawbox=40:24:20:12:red:fill"),
                      {QStringLiteral("-frames:v"), QStringLiteral("1")}));
+        for (const char* transfer :
+             {"arib-std-b67", "smpte2084"}) // grey in eight steps, and below it of colour
+            QVERIFY(
+                make(QStringLiteral("bright-%1.mkv").arg(QLatin1String(transfer)),
+                     QStringLiteral("color=black:s=640x360:r=25:d=0.4,format=yuv420p10le,geq="
+                                    "lum='64+104*floor(X/80)':cb='512-64*gt(Y,90)':cr='512+108*gt(Y,90)'"),
+                     {QStringLiteral("-c:v"), QStringLiteral("ffv1"), QStringLiteral("-colorspace"),
+                      QStringLiteral("bt2020nc"), QStringLiteral("-color_primaries"),
+                      QStringLiteral("bt2020"), QStringLiteral("-color_trc"), QLatin1String(transfer)}));
         QVERIFY(make(QStringLiteral("glass.png"),
                      QStringLiteral("color=white@0.5:s=640x360:d=0.04,format=rgba"),
                      {QStringLiteral("-frames:v"), QStringLiteral("1")}));

@@ -111,6 +111,34 @@ private Q_SLOTS:
             patience);
     }
 
+    void brightPictures_data()
+    {
+        QTest::addColumn<QString>("file");
+        for (const QString& file : m_files) {
+            if (file.startsWith(u"bright"))
+                QTest::newRow(qPrintable(file)) << file;
+        }
+    }
+
+    /// Of a larger range than the screen's: greys are grey, each brighter than the one before, and none is
+    /// lost; what is meant as white is bright, and colours are of their hue.
+    void brightPictures()
+    {
+        QFETCH(QString, file);
+        play(QStringLiteral("green.png"));
+        QTRY_COMPARE_WITH_TIMEOUT(m_screen->grab().pixel(600, 90), 0xff00ff00, patience);
+        play(file);
+        QTRY_VERIFY_WITH_TIMEOUT(qRed(m_screen->grab().pixel(600, 90)) > 150, patience);
+        const QImage seen = m_screen->grab();
+        for (int step = 0; step < 8; ++step) {
+            const QColor grey = seen.pixel(40 + 80 * step, 90), red = seen.pixel(40 + 80 * step, 270);
+            QVERIFY(std::abs(grey.red() - grey.green()) <= 2 && std::abs(grey.blue() - grey.green()) <= 2);
+            QVERIFY(step > 0 ? grey.red() > qRed(seen.pixel(80 * step - 40, 90)) : grey.red() == 0);
+            QVERIFY(red.red() > std::max(red.green(), red.blue()) + 40);
+        }
+        QVERIFY(qRed(seen.pixel(600, 90)) < 255);
+    }
+
     void places_data()
     {
         QTest::addColumn<QRect>("picture");
