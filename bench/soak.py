@@ -35,7 +35,7 @@ def make_media(folder):
         subprocess.run(["ffmpeg", "-v", "error", "-f", "lavfi", "-i", source.format(pattern), "-f", "lavfi", "-i",
                         "sine=440:d=20", "-pix_fmt", "yuv420p", "-c:v", "libx264", "-preset", "veryfast", "-c:a", "aac",
                         folder / name], check=True)
-    subprocess.run(["ffmpeg", "-v", "error", "-f", "lavfi", "-i", source.format("color=teal"), "-frames:v", "1",
+    subprocess.run(["ffmpeg", "-v", "error", "-f", "lavfi", "-i", source.format("yuvtestsrc"), "-frames:v", "1",
                     folder / "still.png"], check=True)
 
 
