@@ -11,6 +11,7 @@
 #include <cmath>
 #include <libplacebo/opengl.h>
 #include <libplacebo/shaders/custom.h>
+#include <span>
 #include <vector>
 
 extern "C" {
@@ -112,6 +113,8 @@ public:
                 pl_tex_destroy(gpu(), &texture);
             pl_tex_destroy(gpu(), &source.whole);
         }
+        if (m_gl)
+            pl_tex_destroy(gpu(), &m_uncut);
         pl_renderer_destroy(&m_renderer);
         pl_dispatch_destroy(&m_dispatch);
         pl_swapchain_destroy(&m_swapchain);
@@ -238,20 +241,68 @@ private:
                                     .outputWidth = m_width,
                                     .outputHeight = m_height},
                                    layer.image->uprightWidth, layer.image->uprightHeight);
+        if (isCutWithinPixels(at, source.image) && paintCut(source, at, target))
+            return;
         target.crop = {float(at.left), float(at.top), float(at.left + at.width), float(at.top + at.height)};
         pl_render_image(m_renderer, &source.image, &target, &m_params);
+    }
+
+    /// The renderer begins with a whole pixel of the picture where one is cut.
+    static bool isCutWithinPixels(const Placement& at, const pl_frame& image)
+    {
+        const pl_tex_params& first = image.planes[0].texture->params;
+        const auto isWhole = [](int cut, int own, int size) { return cut <= 0 || cut * own % size == 0; };
+        const bool isTurned = image.rotation % 2;
+        return !isWhole(-at.left, isTurned ? first.h : first.w, at.width) ||
+               !isWhole(-at.top, isTurned ? first.w : first.h, at.height);
+    }
+
+    /// By pixels of the window, out of the whole picture. False where the card has no room for that.
+    bool paintCut(const Source& source, const Placement& at, pl_frame target)
+    {
+        pl_tex const window = target.planes[0].texture;
+        const pl_tex_params params = layerParams(at.width, at.height);
+        if (!pl_tex_recreate(gpu(), &m_uncut, &params))
+            return false;
+        target.planes[0].texture = m_uncut;
+        target.crop = {0, 0, float(at.width), float(at.height)};
+        if (!pl_render_image(m_renderer, &source.image, &target, &m_params))
+            return false;
+        clear(window,
+              {m_params.background_color[0], m_params.background_color[1], m_params.background_color[2]});
+        const bool isFlipped = target.planes[0].flipped; // both of them
+        const std::array<float, 2> shift{float(at.left),
+                                         float(isFlipped ? m_height - at.height - at.top : at.top)};
+        pl_shader_desc texture = {};
+        texture.desc.name = "uncut";
+        texture.desc.type = PL_DESC_SAMPLED_TEX;
+        texture.binding.object = m_uncut;
+        pl_shader_var variable = {};
+        variable.var = pl_var_vec2("shift");
+        variable.data = shift.data();
+        variable.dynamic = true;
+        const int y0 = isFlipped ? m_height - at.y1 : at.y0;
+        return shade("color = texelFetch(uncut, ivec2(gl_FragCoord.xy - shift), 0);\n", {&texture, 1},
+                     {&variable, 1}, window, {at.x0, y0, at.x1, y0 + at.y1 - at.y0});
+    }
+
+    /// Of a picture in between.
+    pl_tex_params layerParams(int width, int height) const
+    {
+        const pl_fmt format = pl_find_fmt(gpu(), PL_FMT_UNORM, 4, 16, 16, PL_FMT_CAP_RENDERABLE);
+        pl_tex_params params = {};
+        params.w = width;
+        params.h = height;
+        params.format = format ? format : pl_find_named_fmt(gpu(), "rgba8");
+        params.sampleable = params.renderable = params.blit_dst = true;
+        return params;
     }
 
     /// Each layer by itself first, then all of them and the ground by their shares.
     void paintMixed(const ShownMoment& moment, std::size_t count, const Ground& ground,
                     const pl_frame& target)
     {
-        const pl_fmt format = pl_find_fmt(gpu(), PL_FMT_UNORM, 4, 16, 16, PL_FMT_CAP_RENDERABLE);
-        pl_tex_params params = {};
-        params.w = m_width;
-        params.h = m_height;
-        params.format = format ? format : pl_find_named_fmt(gpu(), "rgba8");
-        params.sampleable = params.renderable = params.blit_dst = true;
+        const pl_tex_params params = layerParams(m_width, m_height);
         std::array<float, 4> shares{};
         std::array<float, 4> rest{0, 0, 0, 1};
         double whole = moment.dipped;
@@ -297,23 +348,30 @@ private:
         variables[1].var = pl_var_vec4("rest");
         variables[1].data = rest.data();
         variables[1].dynamic = true;
+        shade(body, textures, variables, target, {0, 0, m_width, m_height});
+    }
+
+    bool shade(const std::string& body, std::span<pl_shader_desc> textures,
+               std::span<pl_shader_var> variables, pl_tex target, const pl_rect2d& area)
+    {
         pl_custom_shader custom = {};
         custom.body = body.c_str();
         custom.input = PL_SHADER_SIG_NONE;
         custom.output = PL_SHADER_SIG_COLOR;
         custom.descriptors = textures.data();
-        custom.num_descriptors = static_cast<int>(count);
+        custom.num_descriptors = static_cast<int>(textures.size());
         custom.variables = variables.data();
         custom.num_variables = static_cast<int>(variables.size());
         pl_shader shader = pl_dispatch_begin(m_dispatch);
         if (!pl_shader_custom(shader, &custom)) {
             pl_dispatch_abort(m_dispatch, &shader);
-            return;
+            return false;
         }
         pl_dispatch_params params = {};
         params.shader = &shader;
         params.target = target;
-        pl_dispatch_finish(m_dispatch, &params);
+        params.rect = area;
+        return pl_dispatch_finish(m_dispatch, &params);
     }
 
     SDL_Window* m_window = nullptr;
@@ -324,6 +382,7 @@ private:
     pl_dispatch m_dispatch = nullptr;
     pl_render_params m_params{};
     std::array<Source, layersAtMost> m_sources;
+    pl_tex m_uncut = nullptr;
     int m_width = 0, m_height = 0; // pixels of the window
 };
 
