@@ -1,4 +1,5 @@
 #include "ombra/base/version.h"
+#include "ombra/decode/graphicscard.h"
 #include "ombra/programout.h"
 #include "ombra/server.h"
 #include "ombra/sound/sounddevice.h"
@@ -26,7 +27,7 @@ using namespace vantrel::ombra;
 constexpr const char* usage =
     "usage: ombra --media DIR --state DIR [--bind ADDR] [--http-port N] [--link-port N] [--preview-port N]\n"
     "             [--ftp-port N] [--host-name NAME]... [--no-discovery] [--simulate-outputs] [--log FILE]\n"
-    "             [--display [window]] [--display-preview] [--paint-by card|processor]\n"
+    "             [--display [window]] [--display-preview] [--paint-by card|processor] [--decode-by-card]\n"
     "             [--sound [DEVICE]]... [--no-sound] [--sound-offset MS] [--sound-preview [DEVICE]]\n"
     "       ombra --sound-devices\n"
     "\n"
@@ -49,6 +50,10 @@ constexpr const char* usage =
     "one, as "
     "the machine\n"
     "                     has it; this says so\n"
+    "  --decode-by-card   videos are decoded by the graphics card (VA-API) where it can; the processor does "
+    "the "
+    "rest,\n"
+    "                     and all of it where the card fails\n"
     "  --sound            program's sound on the machine's own sound device, or on the one of that name, or "
     "part "
     "of it;\n"
@@ -152,6 +157,8 @@ std::optional<Arguments> parseArguments(int argc, char** argv)
             const bool isWindow = i + 1 < argc && std::strcmp(argv[i + 1], "window") == 0;
             arguments.server.screen = isWindow ? ServerOptions::Screen::Window : ServerOptions::Screen::Full;
             i += isWindow ? 1 : 0;
+        } else if (std::strcmp(argv[i], "--decode-by-card") == 0) {
+            GraphicsCard::allow();
         } else if (std::strcmp(argv[i], "--display-preview") == 0) {
             arguments.server.showsPreview = true;
         } else if (std::strcmp(argv[i], "--paint-by") == 0 && i + 1 < argc &&

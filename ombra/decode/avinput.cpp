@@ -1,5 +1,7 @@
 #include "ombra/decode/avinput.h"
 
+#include "ombra/decode/graphicscard.h"
+
 #include <algorithm>
 #include <cmath>
 #include <string_view>
@@ -189,6 +191,8 @@ AvPtr<AVCodecContext> AvInput::openDecoder(AVStream* stream, std::string* error)
     if (result >= 0) {
         decoder->pkt_timebase = stream->time_base;
         decoder->thread_count = stream == m_audio || isStill() ? 1 : 2;
+        if (stream == m_video && !isStill())
+            GraphicsCard::offerTo(*decoder);
         result = avcodec_open2(decoder.get(), codec, nullptr);
     }
     if (result < 0) {

@@ -37,7 +37,8 @@ public:
     double duration() const;  // seconds, of the pictures where they have one
     int quarterTurns() const; // clockwise, by which the pictures are to be turned
 
-    /// A decoder for a stream; null, and the reason, where there is none.
+    /// A decoder for a stream, by the graphics card where that does it (GraphicsCard); null, and the reason,
+    /// where there is none.
     AvPtr<AVCodecContext> openDecoder(AVStream* stream, std::string* error) const;
     /// One more packet of the stream for its decoder, or the word that there are no more, which sets
     /// draining; false when it has both had, and where nothing more can be read. Each packet is shown to

@@ -1,5 +1,7 @@
 #include "ombra/decode/videoreader.h"
 
+#include "ombra/decode/graphicscard.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -184,8 +186,20 @@ bool VideoReader::isSkipped(const AVPacket& packet) const
            static_cast<double>(packet.pts) * av_q2d(m_input->video()->time_base) - *m_start < m_skipUntil;
 }
 
+/// The same picture, by a decoder that begins anew.
+bool VideoReader::deliverByProcessor(Picture& out)
+{
+    AvPtr<AVCodecContext> decoder = m_input->openDecoder(m_input->video(), nullptr);
+    if (!decoder)
+        return false;
+    m_decoder = std::move(decoder);
+    return walkFromKey(m_currentTime) && deliver(out);
+}
+
 bool VideoReader::deliver(Picture& out)
 {
+    if (!GraphicsCard::fetch(*m_current))
+        return deliverByProcessor(out);
     out.image = makePicture(*m_current, m_turns, m_input->video()->sample_aspect_ratio);
     const double current = onGrid(m_currentTime, m_fps);
     const double ahead = m_hasAhead ? onGrid(m_aheadTime, m_fps) : 0;

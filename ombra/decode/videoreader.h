@@ -38,6 +38,7 @@ private:
     void stepAhead();
     bool isSkipped(const AVPacket& packet) const;
     bool deliver(Picture& out);
+    bool deliverByProcessor(Picture& out);
 
     std::unique_ptr<AvInput> m_input;
     AvPtr<AVCodecContext> m_decoder;

@@ -1,3 +1,5 @@
+#include "ombra/decode/avhandles.h"
+#include "ombra/decode/graphicscard.h"
 #include "ombra/decode/picturereader.h"
 #include "tarn/media/mediaenums.h"
 #include "tests/ombra/decode/testmedia.h"
@@ -366,6 +368,22 @@ private Q_SLOTS:
             last = picture.time;
         }
         QVERIFY(reader->seek(1.9, picture));
+    }
+
+    /// Where there is no card, and where one gives nothing out.
+    void goesBackToTheProcessor()
+    {
+        GraphicsCard::allow();
+        const auto reader = open("gop.mp4");
+        QVERIFY2(reader, m_error.c_str());
+        Picture picture;
+        QVERIFY(reader->seek(1, picture));
+        QCOMPARE(numberOn(picture.image), 25);
+        const AvPtr<AVFrame> lost(av_frame_alloc());
+        lost->format = AV_PIX_FMT_VAAPI;
+        QVERIFY(!GraphicsCard::fetch(*lost));
+        QVERIFY(reader->next(picture));
+        QCOMPARE(numberOn(picture.image), 26);
     }
 
     void opensNoOtherFile()
