@@ -1,6 +1,7 @@
 #include "ombra/display/window.h"
 
 #include "ombra/base/fail.h"
+#include "ombra/display/wholescreen.h"
 
 #include <SDL.h>
 #include <SDL_opengl.h>
@@ -48,7 +49,7 @@ bool Window::create(std::string* error)
     const int centered =
         static_cast<int>(SDL_WINDOWPOS_CENTERED_DISPLAY(static_cast<unsigned>(std::max(0, m_screen))));
     SDL_Rect at{centered, centered, windowWidth, windowHeight};
-    // Where nobody manages windows, the one over the whole screen keeps the place that it is made with.
+    // Where nobody manages windows, the one over a whole screen keeps the place that it is made with.
     if (isFull && m_wish.place.area)
         at = {m_wish.place.area->x, m_wish.place.area->y, m_wish.place.area->width,
               m_wish.place.area->height};
@@ -56,9 +57,14 @@ bool Window::create(std::string* error)
         return fail(error, SDL_GetError());
     unsigned flags = SDL_WINDOW_OPENGL;
     flags |= isFull ? SDL_WINDOW_BORDERLESS | SDL_WINDOW_ALWAYS_ON_TOP : SDL_WINDOW_RESIZABLE;
-    if (isFull && m_screen >= 0)
-        flags |= SDL_WINDOW_FULLSCREEN_DESKTOP;
+    const bool isBySdl = m_screen >= 0;
+    if (isFull)
+        flags |= isBySdl ? SDL_WINDOW_FULLSCREEN_DESKTOP : SDL_WINDOW_HIDDEN;
     m_window = SDL_CreateWindow(m_wish.title.c_str(), at.x, at.y, at.w, at.h, flags);
+    if (m_window && isFull && !isBySdl) {
+        askForWholeScreen(m_window);
+        SDL_ShowWindow(m_window);
+    }
     m_context = m_window ? SDL_GL_CreateContext(m_window) : nullptr;
     if (!m_context || SDL_GL_MakeCurrent(m_window, nullptr) != 0)
         return fail(error, SDL_GetError());
