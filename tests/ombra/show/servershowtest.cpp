@@ -478,8 +478,10 @@ private Q_SLOTS:
         QCOMPARE(value(program + "/properties/waitsToPlay"), std::string("false"));
         QVERIFY2(notice().find("Program stays as it is: ") != std::string::npos, notice().c_str());
         QCOMPARE(m_live->request("POST", import, show("a.mp4")).status, 200);
-        QVERIFY(settled());
-        QCOMPARE(value(program + "/properties/waitsToPlay"), std::string("true"));
+        QVERIFY(m_live->waitFor([&] {
+            m_peer->read();
+            return value(program + "/properties/waitsToPlay") == "true";
+        }));
         QVERIFY(notice().find("stays as it is") == std::string::npos);
     }
 
