@@ -16,6 +16,7 @@
 #include "common/ui/style/spacing.h"
 #include "common/ui/toolkit/elidedlabel.h"
 #include "tarn/media/mediaenums.h"
+#include "common/ui/toolkit/seenupdate.h"
 
 #include <QHBoxLayout>
 #include <QVBoxLayout>
@@ -65,11 +66,10 @@ OutputPicture::OutputPicture(int index, Session* session, OutputModel* model, QW
     layout->addWidget(m_medium);
     layout->addWidget(makeTiles());
 
-    m_refresh.setSingleShot(true);
-    connect(&m_refresh, &QTimer::timeout, this, &OutputPicture::refresh);
+    m_refresh = new SeenUpdate(this, [this] { refresh(); });
     connect(&m_ageCheck, &QTimer::timeout, this, &OutputPicture::checkAge);
     m_ageCheck.start(oldPicture / 2);
-    connect(model, &OutputModel::dataChanged, this, [this] { m_refresh.start(0); });
+    connect(model, &OutputModel::dataChanged, this, [this] { m_refresh->ask(); });
     followMedia();
     followFontSize(this, [this](FontSize) { labelTiles(); });
     refresh();
@@ -128,7 +128,7 @@ void OutputPicture::resizeEvent(QResizeEvent* event)
 
 void OutputPicture::followMedia()
 {
-    const auto later = [this] { m_refresh.start(0); };
+    const auto later = [this] { m_refresh->ask(); };
     const SceneObjectProvider* scene = m_session->sceneObjectProvider();
     for (const GUIPlayback* playback : {scene->previewPlayback().data(), scene->programPlayback().data()}) {
         connect(playback, &GUIPlayback::mediaChanged, this, later);

@@ -17,6 +17,7 @@ class OutputModel;
 class PushButton;
 class SwitchSelect;
 class ZTDropdownMenu;
+class SeenUpdate;
 class ZTLabel;
 
 /// The settings and the state of one video output, read from its OutputModel and written through it. Owned by
@@ -61,6 +62,7 @@ private:
     QString m_serverName;
     OutputModel* m_model = nullptr;
     ModelineDialog* m_dialog;
+    SeenUpdate* m_update;
     ConfirmationDialog* m_targetDialog = nullptr;
     QString m_currentTarget;
     QString m_askedTarget; // that the dialog asks about
