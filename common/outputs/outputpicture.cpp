@@ -1,5 +1,6 @@
 #include "common/outputs/outputpicture.h"
 
+#include "common/media/address/showntext.h"
 #include "common/media/items/guimediaslot.h"
 #include "common/media/library/medialibraryprovider.h"
 #include "common/media/library/playlistprovider.h"
@@ -15,8 +16,8 @@
 #include "common/ui/style/fontsizefollower.h"
 #include "common/ui/style/spacing.h"
 #include "common/ui/toolkit/elidedlabel.h"
-#include "tarn/media/mediaenums.h"
 #include "common/ui/toolkit/seenupdate.h"
+#include "tarn/media/mediaenums.h"
 
 #include <QHBoxLayout>
 #include <QVBoxLayout>
@@ -42,6 +43,16 @@ QSizeF sizeOf(const MediaMetadataPtr& metadata)
     const double stretch =
         aspect && aspect->num > 0 && aspect->den > 0 ? double(aspect->num) / aspect->den : 1;
     return {*pictures->width * stretch, double(*pictures->height)};
+}
+
+/// What is said in the place of a slot's name. What is on air plays on when the library has it no more.
+QString withoutSlot(const GUIPlayback* playback)
+{
+    const QString held = playback ? playback->heldMedia() : QString();
+    if (!held.isEmpty())
+        return OutputPicture::tr("No longer in the library: %1").arg(shownText(QUrl(held).fileName()));
+    return playback && !playback->media().isEmpty() ? OutputPicture::tr("Not in the library any more")
+                                                    : OutputPicture::tr("Nothing is loaded");
 }
 
 } // namespace
@@ -210,12 +221,7 @@ void OutputPicture::refreshMedium()
         tile->setChecked(tile->scaling() == chosen);
         tile->setMedium(m_mediaSize, output, value(OutputModel::BackgroundColorColumn).value<QColor>());
     }
-    QStringList medium;
-    if (!slot)
-        medium.append(playing && !playing->media().isEmpty() ? tr("Not in the library any more")
-                                                             : tr("Nothing is loaded"));
-    else
-        medium.append(slot->name());
+    QStringList medium(slot ? slot->name() : withoutSlot(playing));
     if (!m_mediaSize.isEmpty())
         medium << sizeText(qRound(m_mediaSize.width()), qRound(m_mediaSize.height()))
                << tr("%1: %2").arg(scalingLabel(m_scaling), placement.description());
