@@ -73,7 +73,9 @@ QNetworkReply* ShowService::ask(const QString& command, const QByteArray& method
     // The network layer would try it again on its own for ten seconds, while the operator is told nothing.
     connect(m_session->connectionHandler(), &ConnectionHandler::disconnected, reply,
             [reply] { lose(reply); });
-    // Taken as it comes: put together at once a show would hold the window.
+    // Taken as it comes, and never much in one turn: put together at once a show would hold the window.
+    constexpr qint64 mostInOneTurn = 512 * 1024;
+    reply->setReadBufferSize(mostInOneTurn);
     const auto answer = std::make_shared<Answer>();
     connect(reply, &QNetworkReply::readyRead, this,
             [reply, answer] { answer->pieces.append(reply->readAll()); });
