@@ -293,8 +293,10 @@ private Q_SLOTS:
     /// What cannot be read any more cannot be loaded, and need not stay in the list for ever.
     void aDamagedShowCanBeDeleted()
     {
-        const QString path = m_server.stateFolder() + QStringLiteral("/shows/broken.show");
+        const QString folder = m_server.stateFolder() + QStringLiteral("/shows");
+        const QString path = folder + QStringLiteral("/broken.show");
         QFile file(path);
+        QVERIFY(QDir().mkpath(folder));
         QVERIFY(file.open(QIODevice::WriteOnly) && file.write("{") == 1);
         file.close();
         m_shows->shelf()->openShows();

@@ -192,6 +192,7 @@ private Q_SLOTS:
                    seen.pixel(size.width() / 2, size.height() / 2) == red;
         };
         const std::string select = outputs + "1/methods/selectModeline";
+        QTRY_VERIFY_WITH_TIMEOUT(timesLogged("DUMMY0 shows") > 0, patience);
         const int otherOpened = timesLogged("DUMMY0 shows");
         invoke(select, R"({"modelineId":"edid-1280x720p59.86"})");
         QTRY_COMPARE_WITH_TIMEOUT(of(1, "width"), std::string("1280"), patience);
