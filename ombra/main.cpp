@@ -15,6 +15,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <malloc.h>
 #include <memory>
 #include <optional>
 #include <string_view>
@@ -212,6 +213,14 @@ public:
     LogToFile& operator=(const LogToFile&) = delete;
 };
 
+/// No thread is to share its memory's lock with one that gives way, which may hold it for long.
+void arrangeMemory()
+{
+#ifdef __GLIBC__
+    mallopt(M_ARENA_MAX, 64);
+#endif
+}
+
 int listSoundDevices()
 {
     std::string error;
@@ -254,6 +263,7 @@ int serve(const ServerOptions& options)
 int main(int argc, char** argv)
 {
     std::signal(SIGPIPE, SIG_IGN);
+    arrangeMemory();
     if (argc == 2 && std::strcmp(argv[1], "--sound-devices") == 0)
         return listSoundDevices();
     if (argc == 2 && (std::strcmp(argv[1], "--help") == 0 || std::strcmp(argv[1], "--version") == 0)) {

@@ -185,7 +185,7 @@ void Server::buildOutputs()
                 m_options.soundOffset);
     if (!isReal)
         return;
-    m_machine = std::make_unique<MachineOutputs>();
+    m_machine = std::make_unique<MachineOutputs>(drmRoot, m_options.state / "screen-modes.json");
     m_machine->setListener([this](const MachineOutputs::Connectors& connectors) {
         boost::asio::post(m_io, [this, connectors] {
             m_outputs->follow(connectors);

@@ -15,6 +15,7 @@
 #include "common/ui/toolkit/blockedreason.h"
 #include "common/ui/toolkit/elidedlabel.h"
 #include "common/ui/toolkit/iconbutton.h"
+#include "common/ui/toolkit/seenupdate.h"
 #include "common/ui/toolkit/ztmenu.h"
 
 #include <QContextMenuEvent>
@@ -26,6 +27,7 @@ OutputItem::OutputItem(int index, Session* session, QWidget* parent)
     : Collapse(tr("Output %1").arg(index + 1), parent)
     , m_index(index)
     , m_session(session)
+    , m_update(new SeenUpdate(this, [this] { updateData(); }))
     , m_address(new ElidedLabel(titleRow()))
     , m_identify(new IconButton(QStringLiteral(":/icons/info.svg"), {}, titleRow()))
     , m_notConnected(new IconButton(QStringLiteral(":/icons/displayport_not_connected.svg"), {}, titleRow()))
@@ -126,7 +128,7 @@ void OutputItem::setModel(OutputModel* model)
     m_model = model;
     if (m_model) {
         connect(m_model, &OutputModel::dataChanged, this, &OutputItem::onDataChanged);
-        connect(m_model, &OutputModel::modelReset, this, &OutputItem::updateData);
+        connect(m_model, &OutputModel::modelReset, this, &OutputItem::onDataChanged);
         connect(m_model, &OutputModel::screenChanged, this, &OutputItem::updateIdentify);
     }
     m_configuration->setModel(model);
@@ -136,7 +138,7 @@ void OutputItem::setModel(OutputModel* model)
 
 void OutputItem::onDataChanged()
 {
-    updateData();
+    m_update->ask();
 }
 
 void OutputItem::updateData()

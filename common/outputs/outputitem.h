@@ -8,6 +8,7 @@ namespace vantrel {
 
 class IconButton;
 class OutputModel;
+class SeenUpdate;
 class Session;
 class VideoOutputConfiguration;
 class ZTLabel;
@@ -42,6 +43,7 @@ private:
     const int m_index;
     Session* m_session;
     OutputModel* m_model = nullptr;
+    SeenUpdate* m_update;
     ZTLabel* m_address;
     IconButton* m_identify;
     IconButton* m_notConnected;

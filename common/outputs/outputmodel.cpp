@@ -105,13 +105,8 @@ void OutputModel::updateModelines()
     if (!m_modelines || *m_modelines == m_followed)
         return;
     m_followed = *m_modelines;
-    for (const std::shared_ptr<GUIModeline>& modeline : std::as_const(*m_modelines)) {
-        for (const auto changed :
-             {&GUIModeline::idChanged, &GUIModeline::labelChanged, &GUIModeline::widthChanged,
-              &GUIModeline::heightChanged, &GUIModeline::standardChanged, &GUIModeline::interlacedChanged,
-              &GUIModeline::refreshRateChanged})
-            connect(modeline.get(), changed, this, &OutputModel::onReset, Qt::UniqueConnection);
-    }
+    for (const std::shared_ptr<GUIModeline>& modeline : std::as_const(*m_modelines))
+        connect(modeline.get(), &GUIModeline::changed, this, &OutputModel::onReset, Qt::UniqueConnection);
 }
 
 void OutputModel::onReset()

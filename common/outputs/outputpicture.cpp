@@ -1,5 +1,6 @@
 #include "common/outputs/outputpicture.h"
 
+#include "common/media/address/showntext.h"
 #include "common/media/items/guimediaslot.h"
 #include "common/media/library/medialibraryprovider.h"
 #include "common/media/library/playlistprovider.h"
@@ -15,6 +16,7 @@
 #include "common/ui/style/fontsizefollower.h"
 #include "common/ui/style/spacing.h"
 #include "common/ui/toolkit/elidedlabel.h"
+#include "common/ui/toolkit/seenupdate.h"
 #include "tarn/media/mediaenums.h"
 
 #include <QHBoxLayout>
@@ -43,6 +45,16 @@ QSizeF sizeOf(const MediaMetadataPtr& metadata)
     return {*pictures->width * stretch, double(*pictures->height)};
 }
 
+/// What is said in the place of a slot's name. What is on air plays on when the library has it no more.
+QString withoutSlot(const GUIPlayback* playback)
+{
+    const QString held = playback ? playback->heldMedia() : QString();
+    if (!held.isEmpty())
+        return OutputPicture::tr("No longer in the library: %1").arg(shownText(QUrl(held).fileName()));
+    return playback && !playback->media().isEmpty() ? OutputPicture::tr("Not in the library any more")
+                                                    : OutputPicture::tr("Nothing is loaded");
+}
+
 } // namespace
 
 OutputPicture::OutputPicture(int index, Session* session, OutputModel* model, QWidget* parent)
@@ -65,11 +77,10 @@ OutputPicture::OutputPicture(int index, Session* session, OutputModel* model, QW
     layout->addWidget(m_medium);
     layout->addWidget(makeTiles());
 
-    m_refresh.setSingleShot(true);
-    connect(&m_refresh, &QTimer::timeout, this, &OutputPicture::refresh);
+    m_refresh = new SeenUpdate(this, [this] { refresh(); });
     connect(&m_ageCheck, &QTimer::timeout, this, &OutputPicture::checkAge);
     m_ageCheck.start(oldPicture / 2);
-    connect(model, &OutputModel::dataChanged, this, [this] { m_refresh.start(0); });
+    connect(model, &OutputModel::dataChanged, this, [this] { m_refresh->ask(); });
     followMedia();
     followFontSize(this, [this](FontSize) { labelTiles(); });
     refresh();
@@ -128,7 +139,7 @@ void OutputPicture::resizeEvent(QResizeEvent* event)
 
 void OutputPicture::followMedia()
 {
-    const auto later = [this] { m_refresh.start(0); };
+    const auto later = [this] { m_refresh->ask(); };
     const SceneObjectProvider* scene = m_session->sceneObjectProvider();
     for (const GUIPlayback* playback : {scene->previewPlayback().data(), scene->programPlayback().data()}) {
         connect(playback, &GUIPlayback::mediaChanged, this, later);
@@ -210,12 +221,7 @@ void OutputPicture::refreshMedium()
         tile->setChecked(tile->scaling() == chosen);
         tile->setMedium(m_mediaSize, output, value(OutputModel::BackgroundColorColumn).value<QColor>());
     }
-    QStringList medium;
-    if (!slot)
-        medium.append(playing && !playing->media().isEmpty() ? tr("Not in the library any more")
-                                                             : tr("Nothing is loaded"));
-    else
-        medium.append(slot->name());
+    QStringList medium(slot ? slot->name() : withoutSlot(playing));
     if (!m_mediaSize.isEmpty())
         medium << sizeText(qRound(m_mediaSize.width()), qRound(m_mediaSize.height()))
                << tr("%1: %2").arg(scalingLabel(m_scaling), placement.description());

@@ -15,6 +15,7 @@ class GUIPlayback;
 class OutputCanvas;
 class OutputModel;
 class ScalingTile;
+class SeenUpdate;
 class Session;
 class ZTLabel;
 
@@ -68,7 +69,7 @@ private:
     QElapsedTimer m_sincePicture;
     QElapsedTimer m_sinceTiles;
     QTimer m_ageCheck;
-    QTimer m_refresh;
+    SeenUpdate* m_refresh;
 };
 
 } // namespace vantrel

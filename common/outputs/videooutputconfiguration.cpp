@@ -15,6 +15,7 @@
 #include "common/ui/toolkit/elidedlabel.h"
 #include "common/ui/toolkit/iconbutton.h"
 #include "common/ui/toolkit/pushbutton.h"
+#include "common/ui/toolkit/seenupdate.h"
 #include "common/ui/toolkit/switchselect.h"
 #include "common/ui/toolkit/ztcheckbox.h"
 #include "common/ui/toolkit/ztdropdownmenu.h"
@@ -44,6 +45,7 @@ VideoOutputConfiguration::VideoOutputConfiguration(int outputNumber, QWidget* pa
     : ZTFrame(parent)
     , m_outputNumber(outputNumber)
     , m_dialog(new ModelineDialog(this))
+    , m_update(new SeenUpdate(this, [this] { updateData(); }))
 {
     auto* form = new QFormLayout(this);
     form->setRowWrapPolicy(QFormLayout::WrapLongRows);
@@ -208,7 +210,7 @@ void VideoOutputConfiguration::setModel(OutputModel* model)
     m_model = model;
     if (m_model) {
         connect(m_model, &OutputModel::dataChanged, this, &VideoOutputConfiguration::onDataChanged);
-        connect(m_model, &OutputModel::modelReset, this, &VideoOutputConfiguration::updateData);
+        connect(m_model, &OutputModel::modelReset, this, &VideoOutputConfiguration::onDataChanged);
         connect(m_model, &OutputModel::screenChanged, this, &VideoOutputConfiguration::updateScreen);
     }
     m_dialog->setModel(model);
@@ -220,9 +222,10 @@ void VideoOutputConfiguration::setServerName(const QString& name)
     m_serverName = name;
 }
 
+/// What comes of one hand at a connector is dozens of changes.
 void VideoOutputConfiguration::onDataChanged()
 {
-    updateData();
+    m_update->ask();
 }
 
 QVariant VideoOutputConfiguration::value(int column) const

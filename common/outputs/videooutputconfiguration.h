@@ -18,6 +18,7 @@ class PushButton;
 class SwitchSelect;
 class ZTCheckBox;
 class ZTDropdownMenu;
+class SeenUpdate;
 class ZTLabel;
 
 /// The settings and the state of one video output, read from its OutputModel and written through it. Owned by
@@ -62,6 +63,7 @@ private:
     QString m_serverName;
     OutputModel* m_model = nullptr;
     ModelineDialog* m_dialog;
+    SeenUpdate* m_update;
     ConfirmationDialog* m_targetDialog = nullptr;
     QString m_currentTarget;
     QString m_askedTarget; // that the dialog asks about

@@ -7,6 +7,7 @@
 #include "common/ui/style/colors.h"
 #include "common/ui/style/iconcache.h"
 #include "common/ui/style/mediaicon.h"
+#include "common/ui/style/smoothpicture.h"
 #include "common/views/mediapanelmodel.h"
 #include "tarn/media/mediaenums.h"
 #include "util/clocktime.h"
@@ -138,22 +139,22 @@ void paintBackground(QPainter* painter, const QStyleOptionViewItem& option, cons
     const bool selected = option.state.testFlag(QStyle::State_Selected);
     if (mark) {
         painter->setBrush(getColor(mark->background));
-        painter->drawRoundedRect(row, radius, radius);
+        drawRounded(*painter, row, radius);
         painter->setBrush(getColor(mark->colour));
-        painter->drawRoundedRect(QRectF(row.left(), row.top(), 3, row.height()), 1.5, 1.5);
+        drawRounded(*painter, QRectF(row.left(), row.top(), 3, row.height()), 1.5);
     }
     if (selected || option.state.testFlag(QStyle::State_MouseOver)) {
         // A channel's colour stays what it is: selected, its row gets the accent as a frame.
         painter->setBrush(getColor(selected && !mark ? colors::Zt_orange_20 : colors::Zt_white_4));
         if (selected && mark)
             painter->setPen(QPen(getColor(colors::Zt_orange), 1));
-        painter->drawRoundedRect(row, radius, radius);
+        drawRounded(*painter, row, radius);
         painter->setPen(Qt::NoPen);
     }
     if (option.state.testFlag(QStyle::State_HasFocus) && option.state.testFlag(QStyle::State_Active)) {
         painter->setBrush(Qt::NoBrush);
         painter->setPen(QPen(getColor(colors::Zt_blue_lighter), 1));
-        painter->drawRoundedRect(row, radius, radius);
+        drawRounded(*painter, row, radius);
         painter->setPen(Qt::NoPen);
     }
 }
@@ -167,7 +168,7 @@ void paintThumbnail(QPainter* painter, const QRect& rect, const QModelIndex& ind
         return;
     }
     painter->setBrush(getColor(colors::Zt_black_30));
-    painter->drawRoundedRect(rect, 3, 3);
+    drawRounded(*painter, rect, 3);
     const auto type = static_cast<MediaType>(index.data(MediaLibraryModel::KnownTypeRole).toInt());
     const int side = rect.height() * 3 / 5;
     const QPixmap icon =
@@ -292,7 +293,7 @@ void SlotDelegate::paintPlace(QPainter* painter, const QRect& row, const QFont& 
     painter->setRenderHint(QPainter::Antialiasing);
     painter->setBrush(Qt::NoBrush);
     painter->setPen(QPen(getColor(isAimed ? colors::Zt_orange : colors::Zt_white_30), 1, Qt::DashLine));
-    painter->drawRoundedRect(QRectF(box).adjusted(0.5, 0.5, -0.5, -0.5), radius, radius);
+    drawRounded(*painter, QRectF(box).adjusted(0.5, 0.5, -0.5, -0.5), radius);
     painter->setFont(font);
     painter->setPen(getColor(isAimed ? colors::White : colors::Zt_white_50));
     const QRect line = box.adjusted(margin, 0, -margin, 0);

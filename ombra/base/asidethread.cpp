@@ -15,9 +15,11 @@ AsideThread::AsideThread()
     boost::asio::post(*this, [] { ::setpriority(PRIO_PROCESS, static_cast<id_t>(::gettid()), niceness); });
 }
 
+/// What other threads made is freed under the lock of their memory: who gave way while holding it would hold
+/// them up as well, and the pictures with them.
 void letGo(std::shared_ptr<const void> remains)
 {
-    static AsideThread thread;
+    static boost::asio::thread_pool thread(1);
     boost::asio::post(thread, [remains = std::move(remains)]() mutable { remains.reset(); });
 }
 

@@ -37,7 +37,8 @@ struct Wish
 /// What the thread does: it outlives MachineOutputs where a desktop hangs.
 struct MachineOutputs::Watch
 {
-    std::filesystem::path drm;
+    const std::filesystem::path drm;
+    const ModeMemory memory;
 
     std::mutex listenerMutex;
     std::function<void(Connectors)> listener;
@@ -52,6 +53,11 @@ struct MachineOutputs::Watch
     // Of the thread:
     std::unique_ptr<Randr> desktop; // the first that there is
 
+    Watch(std::filesystem::path drmFolder, const std::filesystem::path& modes)
+        : drm(std::move(drmFolder))
+        , memory(modes)
+    {
+    }
     ~Watch() { close(wake); }
     void wakeUp() const
     {
@@ -113,7 +119,7 @@ void MachineOutputs::Watch::fulfil(const Wish& wish)
 MachineOutputs::Connectors MachineOutputs::Watch::read()
 {
     if (!desktop)
-        desktop = Randr::open();
+        desktop = Randr::open(memory);
     if (!desktop)
         return readDrmFolder(drm);
     Connectors connectors = desktop->connectors();
@@ -152,10 +158,9 @@ void MachineOutputs::Watch::pause()
     change.wait_for(lock, lookAgainAfter, [this] { return isStopped || !wishes.empty(); });
 }
 
-MachineOutputs::MachineOutputs(std::filesystem::path drm)
-    : m_watch(std::make_shared<Watch>())
+MachineOutputs::MachineOutputs(std::filesystem::path drm, const std::filesystem::path& modes)
+    : m_watch(std::make_shared<Watch>(std::move(drm), modes))
 {
-    m_watch->drm = std::move(drm);
     std::thread([watch = m_watch] { watch->run(); }).detach();
 }
 

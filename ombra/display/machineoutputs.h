@@ -25,7 +25,8 @@ class MachineOutputs
 public:
     using Connectors = std::vector<Connector>;
 
-    explicit MachineOutputs(std::filesystem::path drm = drmRoot);
+    /// modes: a file for those that were changed, which outlives this where it is killed; empty for none.
+    explicit MachineOutputs(std::filesystem::path drm, const std::filesystem::path& modes = {});
     ~MachineOutputs();
     MachineOutputs(const MachineOutputs&) = delete;
 

@@ -141,7 +141,7 @@ Randr::~Randr()
         std::ignore = m_impl.release(); // it is still known to the connection
 }
 
-std::unique_ptr<Randr> Randr::open()
+std::unique_ptr<Randr> Randr::open(const ModeMemory& memory)
 {
     auto impl = std::make_unique<Impl>();
     XInitThreads(); // beside the thread that has the windows
@@ -150,7 +150,7 @@ std::unique_ptr<Randr> Randr::open()
         return nullptr;
     surviveLoss(impl->display, impl->connection);
     impl->root = DefaultRootWindow(impl->display);
-    impl->layout.emplace(impl->display, impl->root);
+    impl->layout.emplace(impl->display, impl->root, memory);
     int base = 0, error = 0, major = 0, minor = 0;
     std::unique_ptr<Randr> randr(new Randr(std::move(impl)));
     ::Display* display = randr->m_impl->display;
@@ -160,6 +160,7 @@ std::unique_ptr<Randr> Randr::open()
     XRRSelectInput(display, randr->m_impl->root,
                    RRScreenChangeNotifyMask | RRCrtcChangeNotifyMask | RROutputChangeNotifyMask |
                        RROutputPropertyNotifyMask);
+    randr->m_impl->layout->restoreLeftOver();
     return randr;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ombra/display/modememory.h"
 #include "ombra/outputs/connector.h"
 
 #include <chrono>
@@ -14,8 +15,9 @@ namespace vantrel::ombra {
 class Randr
 {
 public:
-    /// Null where there is no desktop of X, or one whose RandR is older than 1.3.
-    static std::unique_ptr<Randr> open();
+    /// Null where there is no desktop of X, or one whose RandR is older than 1.3. What a run before left of
+    /// its modes is given back at once.
+    static std::unique_ptr<Randr> open(const ModeMemory& memory);
     ~Randr();
     Randr(const Randr&) = delete;
 

@@ -2,9 +2,12 @@
 
 #include "ombra/base/fail.h"
 #include "ombra/display/randrhandles.h"
+#include "tarn/log/log.h"
 
 #include <algorithm>
 #include <cmath>
+#include <string_view>
+#include <utility>
 
 namespace vantrel::ombra {
 
@@ -30,6 +33,13 @@ private:
     ::Display* m_display;
 };
 
+constexpr std::string_view ours = "ombra-"; // the names of modes that were made here
+
+bool isOurs(const XRRModeInfo& mode)
+{
+    return mode.name && std::string_view(mode.name, mode.nameLength).starts_with(ours);
+}
+
 XRRModeInfo modeInfo(const VideoTiming& mode, std::string& name)
 {
     const unsigned fields = mode.interlaced ? 2 : 1;
@@ -53,9 +63,10 @@ XRRModeInfo modeInfo(const VideoTiming& mode, std::string& name)
 
 } // namespace
 
-RandrLayout::RandrLayout(_XDisplay* display, unsigned long root)
+RandrLayout::RandrLayout(_XDisplay* display, unsigned long root, ModeMemory memory)
     : m_display(display)
     , m_root(root)
+    , m_memory(std::move(memory))
 {
 }
 
@@ -78,29 +89,65 @@ RandrLayout::Parts RandrLayout::parts() const
     return found;
 }
 
-bool RandrLayout::setMode(const std::string& output, const VideoTiming& mode, std::string* why)
+unsigned long RandrLayout::outputNamed(const std::string& name) const
 {
     const RandrResources all(XRRGetScreenResourcesCurrent(m_display, m_root));
-    RROutput id = None;
     for (int i = 0; all && i < all->noutput; ++i) {
         const RandrOutput info(XRRGetOutputInfo(m_display, all.get(), all->outputs[i]));
-        if (info && randrName(info->name, info->nameLen) == output)
-            id = all->outputs[i];
+        if (info && randrName(info->name, info->nameLen) == name)
+            return all->outputs[i];
     }
+    return None;
+}
+
+bool RandrLayout::setMode(const std::string& output, const VideoTiming& mode, std::string* why)
+{
+    const RROutput id = outputNamed(output);
     const Parts now = parts();
     const Part* part = partOf(now, id);
     if (id == None || !part)
         return fail(why, output + " is switched off in the desktop's settings, and has no mode so far.");
-    const RRMode wanted = modeFor(id, mode);
+    const RandrResources all(XRRGetScreenResourcesCurrent(m_display, m_root));
+    const XRRModeInfo* present = all ? randrMode(*all, part->mode) : nullptr;
+    const auto timing = present ? randrTiming(*present) : std::nullopt;
+    const std::vector<Former> before = m_before;
+    auto former = std::ranges::find(m_before, id, &Former::output);
+    if (former == m_before.end())
+        former = m_before.insert(
+            former,
+            {id, part->mode, part->width, part->height, {output, timing.value_or(VideoTiming()), {}}});
+    former->change.given = mode;
+    remember();
+    if (give(id, mode, why))
+        return true;
+    m_before = before;
+    remember();
+    return false;
+}
+
+void RandrLayout::remember() const
+{
+    std::vector<ModeMemory::Change> changes;
+    for (const Former& former : m_before)
+        changes.push_back(former.change);
+    m_memory.write(changes);
+}
+
+bool RandrLayout::give(unsigned long output, const VideoTiming& mode, std::string* why)
+{
+    const Parts now = parts();
+    const Part* part = partOf(now, output);
+    const RandrResources all(XRRGetScreenResourcesCurrent(m_display, m_root));
+    const RandrOutput info(all ? XRRGetOutputInfo(m_display, all.get(), output) : nullptr);
+    if (!part || !info)
+        return fail(why, "The desktop has that output no more.");
+    const std::string on = mode.label() + " on " + randrName(info->name, info->nameLen) + ".";
+    const RRMode wanted = modeFor(output, mode);
     if (wanted == None)
-        return fail(why, "The graphics driver does not offer " + mode.label() + " on " + output + ".");
+        return fail(why, "The graphics driver does not offer " + on);
     const bool isTurned = part->rotation & (RR_Rotate_90 | RR_Rotate_270);
-    const Former former{id, part->mode, part->width, part->height};
-    if (!change(id, wanted, isTurned ? mode.height : mode.width, isTurned ? mode.width : mode.height))
-        return fail(why, "The graphics driver does not take " + mode.label() + " on " + output + ".");
-    if (std::ranges::find(m_before, id, &Former::output) == m_before.end())
-        m_before.push_back(former);
-    return true;
+    return change(output, wanted, isTurned ? mode.height : mode.width, isTurned ? mode.width : mode.height) ||
+           fail(why, "The graphics driver does not take " + on);
 }
 
 const RandrLayout::Part* RandrLayout::partOf(const Parts& parts, unsigned long output)
@@ -209,7 +256,7 @@ unsigned long RandrLayout::modeFor(unsigned long output, const VideoTiming& mode
 
 unsigned long RandrLayout::makeMode(unsigned long output, const VideoTiming& mode)
 {
-    std::string name = "ombra-" + mode.id();
+    std::string name = std::string(ours) + mode.id();
     const RandrResources all(XRRGetScreenResourcesCurrent(m_display, m_root));
     RRMode id = None;
     for (int i = 0; all && i < all->nmode; ++i) {
@@ -239,6 +286,31 @@ void RandrLayout::restore()
     }
     m_made.clear();
     XSync(m_display, False);
+    remember();
+}
+
+/// An output that has another mode by now was given it by somebody else, or by a machine that started anew.
+void RandrLayout::restoreLeftOver()
+{
+    for (const ModeMemory::Change& left : m_memory.read()) {
+        const RROutput output = outputNamed(left.output);
+        const Parts now = parts();
+        const Part* part = output == None ? nullptr : partOf(now, output);
+        const RandrResources all(XRRGetScreenResourcesCurrent(m_display, m_root));
+        const XRRModeInfo* present = part && all ? randrMode(*all, part->mode) : nullptr;
+        const auto timing = present ? randrTiming(*present) : std::nullopt;
+        if (!timing || timing->id() != left.given.id() || left.before.width < 1)
+            continue;
+        if (isOurs(*present))
+            m_made.emplace_back(output, present->id);
+        std::string why;
+        const bool isDone = give(output, left.before, &why);
+        Log::write(isDone ? LogLevel::Info : LogLevel::Warning, "vantrel.display",
+                   isDone ? left.output + " has " + left.before.label() +
+                                " again, which it had before ombra was killed"
+                          : why + " It keeps the mode that it was given before ombra was killed.");
+    }
+    remember();
 }
 
 } // namespace vantrel::ombra

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tarn/edid/videotiming.h"
+#include "ombra/display/modememory.h"
 
 #include <string>
 #include <utility>
@@ -15,12 +15,14 @@ namespace vantrel::ombra {
 class RandrLayout
 {
 public:
-    RandrLayout(_XDisplay* display, unsigned long root);
+    RandrLayout(_XDisplay* display, unsigned long root, ModeMemory memory);
 
     /// False, with a sentence, where the driver does not take it; then all is as it was.
     bool setMode(const std::string& output, const VideoTiming& mode, std::string* why);
     /// Outputs have the mode again that they had before the first setMode().
     void restore();
+    /// The same of what a run before this one set and could not restore.
+    void restoreLeftOver();
 
 private:
     struct Part // of the desktop, on one output
@@ -37,8 +39,12 @@ private:
     {
         unsigned long output = 0, mode = 0;
         int width = 0, height = 0;
+        ModeMemory::Change change{};
     };
 
+    unsigned long outputNamed(const std::string& name) const;
+    bool give(unsigned long output, const VideoTiming& mode, std::string* why);
+    void remember() const;
     Parts parts() const;
     static const Part* partOf(const Parts& parts, unsigned long output);
     bool change(unsigned long output, unsigned long mode, int width, int height);
@@ -51,6 +57,7 @@ private:
 
     _XDisplay* m_display;
     const unsigned long m_root;
+    const ModeMemory m_memory;
     std::vector<Former> m_before;                                // of those that were changed
     std::vector<std::pair<unsigned long, unsigned long>> m_made; // outputs and modes of ours
 };

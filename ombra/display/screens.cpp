@@ -126,26 +126,27 @@ void Screens::serveJobs()
 }
 
 /// SDL looks at the screens when it starts, and does not see them change. What it does not know is looked for
-/// anew once no window is left.
+/// anew once no window is left; on X nobody needs to know more than the place, and no other window goes.
 bool Screens::serve(Job& job)
 {
     if (!startVideo(&job.error))
         return true;
     const Place& place = job.wish.place;
-    int screen = screenOf(place);
+    const bool isPlaced = place.area && isOnX();
+    int screen = isPlaced ? -1 : screenOf(place);
     const bool isWorthIt = m_vain != place && Clock::now() < job.deadline;
-    if (screen < 0 && !m_windows.empty() && isWorthIt) {
+    if (screen < 0 && !isPlaced && !m_windows.empty() && isWorthIt) {
         for (Window* window : m_windows)
             window->leave();
         return false;
     }
-    if (screen < 0 && m_windows.empty()) {
+    if (screen < 0 && !isPlaced && m_windows.empty()) {
         endVideo();
         if (!startVideo(&job.error))
             return true;
         screen = screenOf(place);
     }
-    if (screen < 0 && !(place.area && isOnX())) {
+    if (screen < 0 && !isPlaced) {
         job.error = "its screen is gone";
         m_vain = place; // nobody leaves for it again
     } else {
@@ -170,8 +171,7 @@ int Screens::screenOf(const Place& place) const
     }
     if (place.isGuess)
         return std::clamp(place.screen, 0, std::max(0, count - 1));
-    const bool hasPixels = place.area && isOnX(); // elsewhere desktops count in units of their own
-    return !hasPixels && place.screen < count ? place.screen : -1;
+    return place.screen < count ? place.screen : -1; // desktops count in units of their own
 }
 
 bool Screens::startVideo(std::string* error)

@@ -4,6 +4,7 @@
 #include "ombra/display/cardpainter.h"
 #include "ombra/display/inputfree.h"
 #include "ombra/display/processorpainter.h"
+#include "ombra/display/wholescreen.h"
 
 #include <SDL.h>
 #include <SDL_opengl.h>
@@ -69,7 +70,7 @@ bool Window::create(std::string* error)
     const int centered =
         static_cast<int>(SDL_WINDOWPOS_CENTERED_DISPLAY(static_cast<unsigned>(std::max(0, m_screen))));
     SDL_Rect at{centered, centered, windowWidth, windowHeight};
-    // Where nobody manages windows, the one over the whole screen keeps the place that it is made with.
+    // Where nobody manages windows, the one over a whole screen keeps the place that it is made with.
     if (isFull && m_wish.place.area)
         at = {m_wish.place.area->x, m_wish.place.area->y, m_wish.place.area->width,
               m_wish.place.area->height};
@@ -77,14 +78,17 @@ bool Window::create(std::string* error)
         return fail(error, SDL_GetError());
     unsigned flags = m_wish.isByProcessor ? 0 : SDL_WINDOW_OPENGL;
     flags |= isFull ? SDL_WINDOW_BORDERLESS | SDL_WINDOW_ALWAYS_ON_TOP : SDL_WINDOW_RESIZABLE;
-    if (isFull && m_screen >= 0)
+    const bool isBySdl = m_screen >= 0;
+    if (isFull && isBySdl)
         flags |= SDL_WINDOW_FULLSCREEN_DESKTOP;
     if (isFull && isOnX())
-        flags |= SDL_WINDOW_HIDDEN; // until it refuses keys
+        flags |= SDL_WINDOW_HIDDEN; // until it refuses keys, and asks for what it is to have
     m_window = SDL_CreateWindow(m_wish.title.c_str(), at.x, at.y, at.w, at.h, flags);
     if (!m_window)
         return fail(error, SDL_GetError());
     surviveLoss(m_window, m_connection);
+    if (isFull && !isBySdl)
+        askForWholeScreen(m_window);
     if (isFull && isOnX())
         showWithoutInput(m_window);
     if (!m_wish.isByProcessor)

@@ -45,7 +45,8 @@ public:
     /// screens came or went. Lost: its desktop is gone.
     enum class Fate { Stays, Closed, Left, Moved, Lost };
 
-    /// screen: as SDL counts; -1 for what it does not know. The connection outlives the window.
+    /// screen: as SDL counts; -1 for a place on a desktop of X, whatever SDL knows of it. The connection
+    /// outlives the window.
     static std::unique_ptr<Window> create(const Wish& wish, int screen, DesktopConnection& connection,
                                           std::string* error);
     ~Window();

@@ -1,7 +1,7 @@
 #include "ombra/ftp/ftpservice.h"
 
+#include "ombra/base/atomicfile.h"
 #include "ombra/base/takeport.h"
-#include "ombra/show/atomicfile.h"
 #include "tarn/json/json.h"
 #include "tarn/log/log.h"
 

@@ -1,6 +1,6 @@
 #include "ombra/show/playpositions.h"
 
-#include "ombra/show/atomicfile.h"
+#include "ombra/base/atomicfile.h"
 #include "tarn/media/playenums.h"
 
 #include <boost/asio/post.hpp>

@@ -1,7 +1,7 @@
 #include "ombra/show/showdisk.h"
 
+#include "ombra/base/atomicfile.h"
 #include "ombra/base/fail.h"
-#include "ombra/show/atomicfile.h"
 #include "ombra/show/generations.h"
 #include "ombra/show/journalline.h"
 #include "ombra/show/showloader.h"

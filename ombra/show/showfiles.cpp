@@ -5,6 +5,7 @@
 #include "ombra/show/currentshow.h"
 #include "ombra/show/missingmedia.h"
 #include "ombra/show/scenesettings.h"
+#include "ombra/show/showplayback.h"
 
 #include <boost/asio/post.hpp>
 
@@ -242,6 +243,9 @@ void ShowFiles::replace(const SharedChange& change, const std::vector<std::strin
             return finish(change->done, withoutCopy(why));
         std::string note;
         Json settings = m_parts.settings.chosen(change->file->show, change->sections, note);
+        const bool hasLibrary = change->sections.contains("medialibrary");
+        if (!hasLibrary)
+            leaveOtherMedia(settings, change->file->library, m_parts.store.latestLibrary(), note);
         change->instead.forEachMember([&settings](std::string_view path, const Json& value) {
             settings.set(path, value);
             return true;
@@ -260,8 +264,7 @@ void ShowFiles::replace(const SharedChange& change, const std::vector<std::strin
             finish(change->done, {200, {}, missing, note});
             letGoLater(change);
         };
-        put(change->sections.contains("medialibrary") ? std::optional(change->file->library) : std::nullopt,
-            saved, replaced);
+        put(hasLibrary ? std::optional(change->file->library) : std::nullopt, saved, replaced);
     });
 }
 

@@ -1,6 +1,6 @@
 #include "ombra/show/showfolder.h"
 
-#include "ombra/show/atomicfile.h"
+#include "ombra/base/atomicfile.h"
 #include "ombra/show/showfile.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #include "ombra/show/showloader.h"
 
-#include "ombra/show/atomicfile.h"
+#include "ombra/base/atomicfile.h"
 #include "ombra/show/generations.h"
 #include "ombra/show/journalline.h"
 #include "ombra/show/showdisk.h"

@@ -74,8 +74,12 @@ void SlotProber::probeUnsaved()
 
 void SlotProber::probeEdited(const std::shared_ptr<const Patch>& edit)
 {
+    // A member of a slot that does not say where its medium is brings nothing to look at: what is found here
+    // comes back as such edits, by the thousand.
     const auto brings = [](const PatchOp& op) {
-        return op.op != PatchOpType::Remove && op.op != PatchOpType::Test;
+        const bool isOfSlot = op.path.size() > 4 && op.path[2].text() == "slots";
+        return op.op != PatchOpType::Remove && op.op != PatchOpType::Test &&
+               (!isOfSlot || (op.path.size() == 5 && op.path[4].text() == "contentUrl"));
     };
     const bool all = std::ranges::any_of(*edit, [&](const PatchOp& op) {
         return brings(op) && (op.path.empty() || (op.path.size() == 1 && op.path[0].text() == "collections"));

@@ -11,6 +11,7 @@ struct NetworkInterface
 {
     boost::asio::ip::address address; // one of a link alone names it by its scope
     unsigned int index = 0;
+    friend bool operator==(const NetworkInterface&, const NetworkInterface&) = default;
 };
 
 /// All addresses of the interfaces that are up.

@@ -6,13 +6,15 @@
 #include <boost/asio/ip/multicast.hpp>
 #include <boost/asio/ip/udp.hpp>
 #include <boost/asio/ip/v6_only.hpp>
+#include <boost/asio/steady_timer.hpp>
 
+#include <algorithm>
 #include <array>
 #include <chrono>
-#include <list>
+#include <map>
 #include <netinet/in.h>
-#include <set>
 #include <sys/socket.h>
+#include <vector>
 
 namespace vantrel {
 
@@ -23,6 +25,7 @@ using boost::system::error_code;
 namespace {
 
 using Clock = std::chrono::steady_clock;
+using Interfaces = std::vector<NetworkInterface>;
 constexpr std::chrono::milliseconds textAge{100}; // a flood of questions makes no text for each
 
 /// A place where questions come in.
@@ -55,6 +58,12 @@ struct Ear
         return !error;
     }
 
+    void close()
+    {
+        error_code ignored;
+        socket.close(ignored);
+    }
+
     udp::socket socket;
     udp::socket mouth; // not open where the socket itself answers
     udp::endpoint asker;
@@ -68,95 +77,133 @@ struct NetworkResponder::Impl : std::enable_shared_from_this<Impl>
     Impl(asio::io_context& io, std::function<discovery::Attributes()> what)
         : loop(io)
         , attributes(std::move(what))
+        , nextLook(io)
     {
     }
 
-    bool open(const asio::ip::address& bound, unsigned short port);
-    bool openV4(const asio::ip::address& bound, unsigned short port);
-    bool openV6(const asio::ip::address& bound, const NetworkInterface& at, unsigned short port);
-    void receive(Ear& ear);
+    void start(const asio::ip::address& address, unsigned short number);
+    void lookEachTime();
+    void look();
+    void hearV4(const Interfaces& present);
+    void hearV6(const NetworkInterface& at);
+    void receive(const std::shared_ptr<Ear>& ear);
     void answer(Ear& ear, std::size_t count);
+    void end();
 
     asio::io_context& loop;
     std::function<discovery::Attributes()> attributes;
-    std::list<Ear> ears;
+    asio::ip::address bound;
+    unsigned short port = 0;
+    std::shared_ptr<Ear> ear4;
+    Interfaces joined;                                 // by that ear
+    std::map<unsigned int, std::shared_ptr<Ear>> ears; // of IPv6, by the interface, whatever addresses it has
+    asio::steady_timer nextLook;
     std::string text;
     std::optional<Clock::time_point> textMade;
     error_code error; // the last one, of opening
 };
 
-bool NetworkResponder::Impl::open(const asio::ip::address& bound, unsigned short port)
+void NetworkResponder::Impl::start(const asio::ip::address& address, unsigned short number)
 {
-    bool isOpen = false;
-    if (bound.is_v4() || bound.is_unspecified())
-        isOpen = openV4(bound, port);
-    std::set<unsigned int> heard; // an interface may have several addresses
-    for (const NetworkInterface& at : bound.is_v6() ? networkInterfaces() : std::vector<NetworkInterface>()) {
-        if (at.address.is_v6() && (bound.is_unspecified() || bound == at.address) &&
-            heard.insert(at.index).second)
-            isOpen = openV6(bound, at, port) || isOpen;
-    }
-    if (!isOpen)
+    bound = address;
+    port = number;
+    look();
+    if (joined.empty() && ears.empty())
         Log::write_fmt(LogLevel::Warning, {}, "discovery", "Cannot answer searches at %s: %s",
                        bound.to_string().c_str(),
                        error ? error.message().c_str() : "no interface has this address");
-    return isOpen;
+    lookEachTime();
 }
 
-bool NetworkResponder::Impl::openV4(const asio::ip::address& bound, unsigned short port)
+/// A machine may get its network after its server has started, or another one.
+void NetworkResponder::Impl::lookEachTime()
+{
+    constexpr std::chrono::seconds pause{2};
+    nextLook.expires_after(pause);
+    nextLook.async_wait([self = shared_from_this()](const error_code& failed) {
+        if (failed)
+            return;
+        self->look();
+        self->lookEachTime();
+    });
+}
+
+void NetworkResponder::Impl::look()
+{
+    const Interfaces present = networkInterfaces();
+    if (bound.is_v4() || bound.is_unspecified())
+        hearV4(present);
+    std::erase_if(ears, [&present](const auto& ear) {
+        const bool isGone = std::ranges::find(present, ear.first, &NetworkInterface::index) == present.end();
+        if (isGone)
+            ear.second->close();
+        return isGone;
+    });
+    for (const NetworkInterface& at : present) {
+        if (bound.is_v6() && at.address.is_v6() && (bound.is_unspecified() || bound == at.address) &&
+            !ears.contains(at.index))
+            hearV6(at);
+    }
+}
+
+void NetworkResponder::Impl::hearV4(const Interfaces& present)
 {
     const auto group = asio::ip::make_address_v4(discovery::group);
-    Ear& ear = ears.emplace_back(loop);
-    if (!ear.open({group, port}, error) ||
-        (bound.is_v4() && !bound.is_unspecified() && !ear.answerFrom(bound, error))) {
-        ears.pop_back();
-        return false;
-    }
-    // Else the kernel hands over what any socket of this machine has joined, on other interfaces too.
-    const int all = 0;
-    ::setsockopt(ear.socket.native_handle(), IPPROTO_IP, IP_MULTICAST_ALL, &all, sizeof all);
-    bool isJoined = false;
-    for (const auto& [address, index] : networkInterfaces()) {
-        // The loopback interface has all addresses of 127.0.0.0/8, and names one.
-        const bool isLoopback = address.is_v4() && address.is_loopback() && bound.is_loopback();
-        if (address.is_v4() && (bound.is_unspecified() || bound == address || isLoopback)) {
-            error_code failed;
-            ear.socket.set_option(asio::ip::multicast::join_group(group, address.to_v4()), failed);
-            isJoined = isJoined || !failed;
+    if (!ear4) {
+        ear4 = std::make_shared<Ear>(loop);
+        if (!ear4->open({group, port}, error) ||
+            (bound.is_v4() && !bound.is_unspecified() && !ear4->answerFrom(bound, error))) {
+            ear4.reset();
+            return;
         }
+        // Else the kernel hands over what any socket of this machine has joined, on other interfaces too.
+        const int all = 0;
+        ::setsockopt(ear4->socket.native_handle(), IPPROTO_IP, IP_MULTICAST_ALL, &all, sizeof all);
+        receive(ear4);
     }
-    if (!isJoined)
-        ears.pop_back();
-    return isJoined;
+    std::erase_if(joined, [&present](const NetworkInterface& one) {
+        return std::ranges::find(present, one) == present.end(); // it may come back
+    });
+    for (const NetworkInterface& at : present) {
+        // The loopback interface has all addresses of 127.0.0.0/8, and names one.
+        const bool isLoopback = at.address.is_v4() && at.address.is_loopback() && bound.is_loopback();
+        const bool isOurs = bound.is_unspecified() || bound == at.address || isLoopback;
+        if (!at.address.is_v4() || !isOurs || std::ranges::find(joined, at) != joined.end())
+            continue;
+        error_code failed;
+        ear4->socket.set_option(asio::ip::multicast::join_group(group, at.address.to_v4()), failed);
+        if (!failed || failed == asio::error::address_in_use) // by another address of that interface
+            joined.push_back(at);
+    }
 }
 
-bool NetworkResponder::Impl::openV6(const asio::ip::address& bound, const NetworkInterface& at,
-                                    unsigned short port)
+void NetworkResponder::Impl::hearV6(const NetworkInterface& at)
 {
     // The loopback interface takes part in no group of IPv6: there one asks the server itself.
     const bool isGroup = !at.address.is_loopback();
     asio::ip::address_v6 ours = isGroup ? asio::ip::make_address_v6(discovery::group6) : at.address.to_v6();
     if (isGroup)
         ours.scope_id(at.index);
-    Ear& ear = ears.emplace_back(loop);
-    bool isOpen = ear.open({ours, port}, error);
+    const auto ear = std::make_shared<Ear>(loop);
+    bool isOpen = ear->open({ours, port}, error);
     if (isOpen && isGroup)
-        ear.socket.set_option(asio::ip::multicast::join_group(ours, at.index), error);
-    isOpen = isOpen && !error && (bound.is_unspecified() || ear.answerFrom(bound, error));
+        ear->socket.set_option(asio::ip::multicast::join_group(ours, at.index), error);
+    isOpen = isOpen && !error && (bound.is_unspecified() || ear->answerFrom(bound, error));
     if (!isOpen)
-        ears.pop_back();
-    return isOpen;
+        return;
+    ears.emplace(at.index, ear);
+    receive(ear);
 }
 
-void NetworkResponder::Impl::receive(Ear& ear)
+void NetworkResponder::Impl::receive(const std::shared_ptr<Ear>& ear)
 {
-    ear.socket.async_receive_from(
-        asio::buffer(ear.buffer), ear.asker,
-        [self = shared_from_this(), &ear](const error_code& failed, std::size_t count) {
-            if (failed == asio::error::operation_aborted || !ear.socket.is_open())
+    ear->socket.async_receive_from(
+        asio::buffer(ear->buffer), ear->asker,
+        [self = shared_from_this(), ear](const error_code& failed, std::size_t count) {
+            if (!ear->socket.is_open())
                 return;
             if (!failed)
-                self->answer(ear, count);
+                self->answer(*ear, count);
             self->receive(ear);
         });
 }
@@ -173,6 +220,15 @@ void NetworkResponder::Impl::answer(Ear& ear, std::size_t count)
     (ear.mouth.is_open() ? ear.mouth : ear.socket).send_to(asio::buffer(text), ear.asker, 0, ignored);
 }
 
+void NetworkResponder::Impl::end()
+{
+    nextLook.cancel();
+    if (ear4)
+        ear4->close();
+    for (const auto& [interface, ear] : ears)
+        ear->close();
+}
+
 NetworkResponder::NetworkResponder(asio::io_context& loop, std::function<discovery::Attributes()> attributes)
     : m_impl(std::make_shared<Impl>(loop, std::move(attributes)))
 {
@@ -180,19 +236,13 @@ NetworkResponder::NetworkResponder(asio::io_context& loop, std::function<discove
 
 NetworkResponder::~NetworkResponder()
 {
-    for (Ear& ear : m_impl->ears) {
-        error_code ignored;
-        ear.socket.close(ignored);
-    }
+    m_impl->end();
 }
 
 bool NetworkResponder::start(const asio::ip::address& bound, unsigned short port)
 {
-    if (!m_impl->open(bound, port))
-        return false;
-    for (Ear& ear : m_impl->ears)
-        m_impl->receive(ear);
-    return true;
+    m_impl->start(bound, port);
+    return !m_impl->joined.empty() || !m_impl->ears.empty();
 }
 
 } // namespace vantrel

@@ -1,8 +1,12 @@
 #include "common/media/net/networkaccessmanager.h"
 #include "common/media/net/networkresourcecollection.h"
+#include "common/session/link/connectionhandler.h"
+#include "common/session/session.h"
+#include "common/ui/shell/showservice.h"
 #include "tests/support/librarymaker.h"
 #include "tests/support/mediamirror.h"
 #include "tests/support/testmain.h"
+#include "tests/tarn/net/scriptedserver.h"
 
 #include <QFile>
 #include <QNetworkAccessManager>
@@ -109,6 +113,7 @@ private Q_SLOTS:
     void bodyWithoutEnd();
     void resourceWithoutEnd();
     void resourceInDrops();
+    void showWithoutEnd();
 
 private:
     QByteArray text() const { return QByteArray::fromStdString(m_mirror->library->toJson().toString()); }
@@ -278,6 +283,27 @@ void TestHostileServer::resourceInDrops()
     resources.fetch(url, QUrl(url));
     QTRY_VERIFY(!resources.isFetching(url));
     QTRY_VERIFY(m_server->isDropped);
+}
+
+void TestHostileServer::showWithoutEnd()
+{
+    m_server->answer = "HTTP/1.1 200 OK\r\nContent-Type: application/json\r\n\r\n{";
+    m_server->filler = 512 * mebibyte;
+    ScriptedServer link;
+    ServerPorts ports{1, 1, 1, 1, 1};
+    ports.http = quint16(m_server->port());
+    ports.link = link.port();
+    allowWarnings(QString()); // nothing else of that server makes sense either
+    auto session = std::make_unique<Session>();
+    Session::initializeWith(session.get(), ports);
+    session->connectionHandler()->connect(QStringLiteral("127.0.0.1"));
+    QTRY_VERIFY(session->isConnected());
+    ShowService service(session.get(), this);
+    QString error;
+    QVERIFY(service.ask(QStringLiteral("Shows"), "GET", QStringLiteral("/shows"), {}, {},
+                        [&](const ShowService::Answer& answer) { error = answer.error; }));
+    QTRY_VERIFY_WITH_TIMEOUT(!error.isEmpty(), 30000);
+    QVERIFY2(error.startsWith(QStringLiteral("The server sends more")), qPrintable(error));
 }
 
 } // namespace vantrel::test

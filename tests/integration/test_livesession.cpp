@@ -1,9 +1,11 @@
+#include "common/command/commandgate.h"
 #include "common/command/playback/playmediacommand.h"
 #include "common/command/playback/setvolumecommand.h"
 #include "common/filesystem/models/filesmodel.h"
 #include "common/media/items/guimediaslot.h"
 #include "common/media/library/medialibraryapi.h"
 #include "common/media/library/medialibraryprovider.h"
+#include "common/outputs/outputpicture.h"
 #include "common/outputs/outputview.h"
 #include "common/session/link/connectionhandler.h"
 #include "common/session/link/metadataclient.h"
@@ -14,6 +16,7 @@
 #include "common/session/mirror/guiplayback.h"
 #include "common/session/mirror/sceneobjectprovider.h"
 #include "common/session/session.h"
+#include "common/ui/toolkit/elidedlabel.h"
 #include "common/ui/toolkit/pushbutton.h"
 #include "common/ui/toolkit/switchselect.h"
 #include "tarn/media/channelenums.h"
@@ -140,6 +143,13 @@ private Q_SLOTS:
         QTRY_COMPARE(program->value().toInt(), int(AudioPlaybackDevice::Xlr));
         QTRY_VERIFY(!view.findChild<QWidget*>(QStringLiteral("danteEnabledMessage"))->isVisible());
 
+        // A choice that is refused does not look taken.
+        auto* gate = m_session->getQUndoStack()->findChild<CommandGate*>();
+        gate->setReason(QStringLiteral("The server does not answer."));
+        program->button(int(AudioPlaybackDevice::Off))->click();
+        QCOMPARE(program->value().toInt(), int(AudioPlaybackDevice::Xlr));
+        gate->setReason({});
+
         // The show keeps the choice; without the link nothing can be chosen, and what stands there stays.
         m_server->stop();
         QTRY_VERIFY(!program->isEnabled());
@@ -147,6 +157,22 @@ private Q_SLOTS:
         QVERIFY(m_server->start());
         QTRY_VERIFY_WITH_TIMEOUT(program->isEnabled(), 20000);
         QTRY_COMPARE(program->value().toInt(), int(AudioPlaybackDevice::Xlr));
+    }
+
+    void tellsThatAMediumIsGone()
+    {
+        QVERIFY(connectAndLoad());
+        QVERIFY(addSlot());
+        const OutputView view(m_session);
+        OutputPicture picture(1, m_session, view.model(1));
+        picture.show();
+        const auto* medium = picture.findChild<ElidedLabel*>(QStringLiteral("Mapping-output2-medium"));
+        auto* command = new PlayMediaCommand;
+        QVERIFY(command->init(false, 0, 7, 1));
+        m_session->executeCommand(command);
+        QTRY_VERIFY(medium->text().startsWith(QStringLiteral("Red")));
+        QVERIFY(edit(R"([{"op":"remove","path":"/collections/7"}])"));
+        QTRY_COMPARE(medium->text(), QStringLiteral("No longer in the library: red.png"));
     }
 
     void playsAndShowsThePicture_data()
@@ -236,15 +262,20 @@ private:
         m_session->connectionHandler()->connect(host);
         return loaded.count() > 0 || loaded.wait(15000);
     }
-    bool addSlot()
+    bool edit(const char* text)
     {
         Patch patch;
-        if (!Patch::parseString(library, patch) || !m_session->getMediaLibraryApi())
+        if (!Patch::parseString(text, patch) || !m_session->getMediaLibraryApi())
             return false;
         QNetworkReply* reply = m_session->getMediaLibraryApi()->patchMediaLibrary(patch);
         connect(reply, &QNetworkReply::finished, reply, &QObject::deleteLater);
-        return QTest::qWaitFor(
-            [this] { return m_session->mediaLibraryProvider()->slot(MediaAddress(7, 1)) != nullptr; });
+        return true;
+    }
+    bool addSlot()
+    {
+        return edit(library) && QTest::qWaitFor([this] {
+                   return m_session->mediaLibraryProvider()->slot(MediaAddress(7, 1)) != nullptr;
+               });
     }
     Object* at(const char* path) const { return m_session->getScene()->findObject(path); }
 

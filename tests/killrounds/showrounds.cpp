@@ -12,17 +12,19 @@
 using namespace vantrel;
 using namespace vantrel::test;
 
-/// The server is killed at random moments of imports of shows. What it starts with then is the old show or
-/// the new one, the library and the settings of the same one. HALCYRA_KILL_ROUNDS sets the number of rounds,
-/// 10 by default.
+/// The server is killed at random moments in which another show is imported or brought back. What it starts
+/// with then is the old show or the new one, the library and the settings of the same one.
+/// HALCYRA_KILL_ROUNDS sets the number of rounds, 10 by default.
 class ShowRounds : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void everyImportIsWholeOrNotAtAll();
+    void everyShowIsWholeOrNotAtAll_data();
+    void everyShowIsWholeOrNotAtAll();
 
 private:
+    QByteArray otherState();
     QByteArray ask(const QByteArray& method, const QByteArray& path, const QByteArray& body = {});
     void send(QTcpSocket& socket, const QByteArray& method, const QByteArray& path, const QByteArray& body);
     static QByteArray makeShow(const char* name, double volume);
@@ -70,12 +72,33 @@ QByteArray ShowRounds::makeShow(const char* name, double volume)
             .toString());
 }
 
-void ShowRounds::everyImportIsWholeOrNotAtAll()
+/// Of the earlier ones the newest that is not as the present.
+QByteArray ShowRounds::otherState()
 {
+    Json list;
+    Json::parseString(ask("GET", "/shows/earlier").toStdString(), list);
+    const Json states = list.get("states");
+    for (std::size_t i = 0; const Json* state = states.at(i); ++i) {
+        if (state->get("difference").get("slots").get("changed").asInt() > 0)
+            return QByteArray::fromStdString(state->get("id").asString());
+    }
+    return {};
+}
+
+void ShowRounds::everyShowIsWholeOrNotAtAll_data()
+{
+    QTest::addColumn<bool>("isBroughtBack");
+    QTest::newRow("imported") << false;
+    QTest::newRow("an earlier state") << true;
+}
+
+void ShowRounds::everyShowIsWholeOrNotAtAll()
+{
+    QFETCH(bool, isBroughtBack);
     allowWarnings(QString()); // a killed peer makes many, all expected
     const int set = qEnvironmentVariableIntValue("HALCYRA_KILL_ROUNDS");
     const int rounds = set > 0 ? set : 10;
-    QVERIFY2(m_ombra.start(), m_ombra.output().constData());
+    QVERIFY2(m_ombra.isRunning() || m_ombra.start(), m_ombra.output().constData());
     std::array<QByteArray, 2> shows;
     QElapsedTimer timer;
     timer.start();
@@ -93,7 +116,12 @@ void ShowRounds::everyImportIsWholeOrNotAtAll()
     for (int round = 0; round < rounds; ++round) {
         const int next = 1 - present;
         QTcpSocket socket;
-        send(socket, "POST", "/show/current", shows[size_t(next)]);
+        const QByteArray state = isBroughtBack ? otherState() : QByteArray();
+        QVERIFY(!isBroughtBack || !state.isEmpty());
+        if (isBroughtBack)
+            send(socket, "POST", "/shows/earlier?state=" + state, {});
+        else
+            send(socket, "POST", "/show/current", shows[size_t(next)]);
         QVERIFY(socket.waitForConnected(10000));
         timer.start();
         for (const qint64 moment = random.bounded(longest); timer.nsecsElapsed() < moment;)
@@ -107,7 +135,7 @@ void ShowRounds::everyImportIsWholeOrNotAtAll()
         taken += found == shows[size_t(next)];
         present = found == shows[0] ? 0 : 1;
     }
-    qInfo() << rounds << "imports killed," << taken << "of them were taken by then";
+    qInfo() << rounds << "shows killed on their way," << taken << "of them were taken by then";
 }
 
 HALCYRA_TEST(ShowRounds)

@@ -8,6 +8,8 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <array>
+
 using namespace vantrel::test;
 
 namespace {
@@ -29,6 +31,7 @@ private Q_SLOTS:
     void bringsAnEarlierStateBack();
     void tellsWhatIsMissingBeforeItLoads();
     void goesByKeyboard();
+    void twoWindowsImportAtOnce();
     void endsCleanly();
 
 private:
@@ -121,6 +124,45 @@ void Shows::goesByKeyboard()
     QVERIFY(!m_robot.waitFor(QStringLiteral("LoadShowDialog")).isEmpty());
     m_robot.key(QStringLiteral("Enter"));
     QVERIFY(hasSlot(true) && isOn(QStringLiteral("Show: Gala")));
+}
+
+/// One after the other, each whole: both windows end with the show that came last.
+void Shows::twoWindowsImportAtOnce()
+{
+    AppProcess app;
+    RobotClient robot;
+    QVERIFY2(app.start(AppProcess::connectTo(m_ombra.ports())), qPrintable(app.output()));
+    QVERIFY(robot.connectTo(app.uiTestPort()) && !robot.waitFor(showLabel).isEmpty());
+    const QStringList names{QStringLiteral("Left"), QStringLiteral("Right")};
+    const std::array windows{&m_robot, &robot};
+    for (int i : {0, 1}) {
+        QFile file(m_media.filePath(names[i] + QStringLiteral(".show")));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(QStringLiteral(R"({"format":"halcyra-show","version":1,"library":{"collections":{"1":)"
+                                  R"({"name":"%1","slots":{"%2":{"name":"%1"}}}}}})")
+                       .arg(names[i])
+                       .arg(i + 1)
+                       .toUtf8());
+        file.close();
+        windows[size_t(i)]->key(QStringLiteral("Ctrl+I"));
+        QVERIFY(!windows[size_t(i)]->waitFor(QStringLiteral("ImportShowDialog-path")).isEmpty());
+        QVERIFY(windows[size_t(i)]->click(QStringLiteral("ImportShowDialog-path")));
+        windows[size_t(i)]->type(file.fileName());
+    }
+    for (RobotClient* window : windows)
+        QVERIFY(window->click(QStringLiteral("ImportShowDialog-accept-button")));
+    const auto shown = [](RobotClient* window) {
+        QStringList texts;
+        for (const QJsonValue& cell : window->cells(slotsView))
+            texts.append(cell[QStringLiteral("text")].toString());
+        return texts.join(u' ');
+    };
+    const auto agree = [&] {
+        const QString left = shown(windows[0]), right = shown(windows[1]);
+        return left == right && left.contains(names[0]) != left.contains(names[1]);
+    };
+    QVERIFY(QTest::qWaitFor(agree, 10000));
+    QCOMPARE(app.stop(), 0);
 }
 
 void Shows::endsCleanly()

@@ -13,6 +13,11 @@ void GUIModeline::postSetObjectHook()
     cacheProperties();
 }
 
+void GUIModeline::notifyPropertyChangedHook(const std::string&)
+{
+    Q_EMIT changed();
+}
+
 void GUIModeline::cacheProperties()
 {
     m_info = {

@@ -35,6 +35,8 @@ public:
     void setRefreshRate(double value) { setProperty(m_info.refreshRate, value); }
 
 Q_SIGNALS:
+    /// Any of the below, which one for one are more than who shows them all wants to hear of.
+    void changed();
     void idChanged();
     void labelChanged();
     void widthChanged();
@@ -45,6 +47,7 @@ Q_SIGNALS:
 
 protected:
     void postSetObjectHook() override;
+    void notifyPropertyChangedHook(const std::string& property) override;
 
 private:
     void cacheProperties();

@@ -34,6 +34,9 @@ public:
     void setRoot(const QModelIndex& root);
     /// Rows beyond so many objects get none, whatever a server tells of.
     void setMost(int objects) { m_most = objects; }
+    /// Those that are mapped are the listener's no more, before their rows go: the model would look after the
+    /// places of all of them with each row. Objects made here are not to be among them.
+    void forget() { m_mapped.clear(); }
     QModelIndex root() const { return m_root; }
     const QAbstractItemModel* model() const { return m_model; }
     const QList<MappedObject>& mapped() const { return m_mapped; }

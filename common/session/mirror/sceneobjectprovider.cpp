@@ -143,7 +143,10 @@ void SceneObjectProvider::initModelineMapper(int output)
         addModelines(sceneOf(index), objectOf(index), output);
     });
     // The first one to go empties the list.
-    connect(mapper, &ObjectMapper::objectRemoved, this, [this, output] { dropModelines(output); });
+    connect(mapper, &ObjectMapper::objectRemoved, this, [this, mapper, output] {
+        dropModelines(output);
+        mapper->forget();
+    });
 }
 
 void SceneObjectProvider::findChannels()

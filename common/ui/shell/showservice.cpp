@@ -22,6 +22,10 @@ namespace {
 /// Properties of the reply.
 constexpr const char* stopped = "isStopped";
 constexpr const char* lost = "isLost";
+constexpr const char* endless = "isEndless";
+
+/// Of an answer, in bytes. A show is as large as one may be; of lists and sentences nobody waits for more.
+constexpr qint64 largestShow = 272LL * 1024 * 1024, largestAnswer = 8LL * 1024 * 1024;
 
 /// Names come from outside.
 QStringList missingIn(const QByteArray& body)
@@ -32,9 +36,9 @@ QStringList missingIn(const QByteArray& body)
     return names;
 }
 
-void lose(QNetworkReply* reply)
+void giveUp(QNetworkReply* reply, const char* why)
 {
-    reply->setProperty(lost, true);
+    reply->setProperty(why, true);
     reply->abort();
 }
 
@@ -72,11 +76,19 @@ QNetworkReply* ShowService::ask(const QString& command, const QByteArray& method
                                               : network->sendCustomRequest(request, method);
     // The network layer would try it again on its own for ten seconds, while the operator is told nothing.
     connect(m_session->connectionHandler(), &ConnectionHandler::disconnected, reply,
-            [reply] { lose(reply); });
-    // Taken as it comes: put together at once a show would hold the window.
+            [reply] { giveUp(reply, lost); });
+    // Taken as it comes, and never much in one turn: put together at once a show would hold the window.
+    constexpr qint64 mostInOneTurn = 512 * 1024;
+    reply->setReadBufferSize(mostInOneTurn);
     const auto answer = std::make_shared<Answer>();
+    const bool isShow = method == "GET" && path == QLatin1String("/show/current");
     connect(reply, &QNetworkReply::readyRead, this,
-            [reply, answer] { answer->pieces.append(reply->readAll()); });
+            [reply, answer, left = isShow ? largestShow : largestAnswer]() mutable {
+                answer->pieces.append(reply->readAll());
+                left -= answer->pieces.last().size();
+                if (left < 0)
+                    giveUp(reply, endless);
+            });
     connect(reply, &QNetworkReply::finished, this, [reply, answer, then = std::move(then)] {
         reply->deleteLater();
         finish(*reply, *answer);
@@ -87,8 +99,7 @@ QNetworkReply* ShowService::ask(const QString& command, const QByteArray& method
 
 void ShowService::stop(QNetworkReply* reply)
 {
-    reply->setProperty(stopped, true);
-    reply->abort();
+    giveUp(reply, stopped);
 }
 
 void ShowService::finish(const QNetworkReply& reply, Answer& answer)
@@ -113,6 +124,11 @@ void ShowService::finish(const QNetworkReply& reply, Answer& answer)
         if (!asksOnly)
             answer.error +=
                 u' ' + tr("It may be done all the same: look at the server's show before you try again.");
+        return;
+    }
+    if (reply.property(endless).toBool()) {
+        answer.pieces.clear();
+        answer.error = tr("The server sends more than a show may have. Is this address the right one?");
         return;
     }
     if (reply.url().host().isEmpty()) {

@@ -11,5 +11,7 @@ namespace vantrel {
 /// processors, the window would stand still for as long as those threads wait for one.
 void drawSmoothly(QPainter& painter, const QRectF& target, const QPixmap& picture, const QRectF& part);
 void drawSmoothly(QPainter& painter, const QRectF& target, const QPixmap& picture);
+/// The same of a box with round corners and softened edges, by the painter's pen and brush.
+void drawRounded(QPainter& painter, const QRectF& box, double radius);
 
 } // namespace vantrel

@@ -24,10 +24,12 @@
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
 #include <QSignalSpy>
+#include <QTableView>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QThreadPool>
 
+#include <algorithm>
 #include <sys/stat.h>
 
 using namespace vantrel;
@@ -285,6 +287,33 @@ private Q_SLOTS:
         m_server.goOn();
         auto* dialog = m_window.findChild<ShowTableDialog*>(QStringLiteral("EarlierStatesDialog"));
         QTRY_VERIFY(!dialog->model()->rows().isEmpty());
+        dialog->reject();
+    }
+
+    /// What cannot be read any more cannot be loaded, and need not stay in the list for ever.
+    void aDamagedShowCanBeDeleted()
+    {
+        const QString folder = m_server.stateFolder() + QStringLiteral("/shows");
+        const QString path = folder + QStringLiteral("/broken.show");
+        QFile file(path);
+        QVERIFY(QDir().mkpath(folder));
+        QVERIFY(file.open(QIODevice::WriteOnly) && file.write("{") == 1);
+        file.close();
+        m_shows->shelf()->openShows();
+        auto* dialog = m_window.findChild<ShowTableDialog*>(QStringLiteral("ShowsDialog"));
+        const auto row = [dialog] {
+            const auto& rows = dialog->model()->rows();
+            const auto at = std::ranges::find(rows, QStringLiteral("broken"), &ShowTableModel::Row::id);
+            return at == rows.end() ? -1 : int(at - rows.begin());
+        };
+        QTRY_VERIFY(row() >= 0);
+        dialog->findChild<QTableView*>()->selectRow(row());
+        QVERIFY(!dialog->acceptButton()->isEnabled());
+        dialog->findChild<PushButton*>(QStringLiteral("ShowsDialog-delete-button"))->click();
+        auto* question = dialog->findChild<ConfirmationDialog*>(QStringLiteral("DeleteShowDialog"));
+        QVERIFY(question);
+        question->acceptButton()->click();
+        QTRY_VERIFY(row() < 0 && !QFile::exists(path));
         dialog->reject();
     }
 

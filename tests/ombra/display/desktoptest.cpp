@@ -90,6 +90,10 @@ private:
         m_ombra->setMediaFolder(m_folder.path());
         m_ombra->setOptions(options + QStringList{QStringLiteral("--no-sound")});
         QVERIFY(m_ombra->start());
+        meetServer();
+    }
+    void meetServer()
+    {
         m_peer = std::make_unique<LinkPeer>(m_ombra->ports().link);
         QVERIFY(m_peer->socket.waitForConnected(patience));
         m_peer->send(R"([{"op":"get","path":""}])");
@@ -195,6 +199,8 @@ private Q_SLOTS:
                    seen.pixel(size.width() / 2, size.height() / 2) == red;
         };
         const std::string select = outputs + "1/methods/selectModeline";
+        QTRY_VERIFY_WITH_TIMEOUT(timesLogged("DUMMY0 shows") > 0, patience);
+        const int otherOpened = timesLogged("DUMMY0 shows");
         invoke(select, R"({"modelineId":"edid-1280x720p59.86"})");
         QTRY_COMPARE_WITH_TIMEOUT(of(1, "width"), std::string("1280"), patience);
         QCOMPARE(of(1, "confirmSeconds") + " " + of(1, "modelineId"), std::string("15 edid-1280x720p59.86"));
@@ -208,7 +214,16 @@ private Q_SLOTS:
         QTRY_COMPARE_WITH_TIMEOUT(of(1, "modelineId"), std::string("1280x720p50"), patience);
         QVERIFY(soon([&] { return shows("DUMMY1 shows 1280 x 720 at 50 Hz", 1, {1280, 720}); }));
         QTRY_COMPARE_WITH_TIMEOUT(of(1, "screenRate"), std::string("50"), patience);
+        QCOMPARE(timesLogged("DUMMY0 shows"), otherOpened); // it stood
         invoke(outputs + "1/methods/keepMode", "{}");
+        QTRY_COMPARE_WITH_TIMEOUT(of(1, "confirmSeconds"), std::string("0"), patience);
+        m_ombra->kill();
+        QCOMPARE(m_desktop.modeOf(1), QStringLiteral("1280x720+640"));
+        QVERIFY(m_ombra->restart());
+        QTRY_COMPARE_WITH_TIMEOUT(m_desktop.modeOf(1), QStringLiteral("640x360+640"), patience);
+        meetServer();
+        invoke(select, R"({"modelineId":"edid-1280x720p59.86"})");
+        QTRY_COMPARE_WITH_TIMEOUT(of(1, "width"), std::string("1280"), patience);
         m_ombra->stop();
         QTRY_COMPARE_WITH_TIMEOUT(m_desktop.modeOf(1), QStringLiteral("640x360+640"), patience);
     }

@@ -455,6 +455,36 @@ private Q_SLOTS:
         QCOMPARE(value(program + "/properties/state"), std::string("play"));
     }
 
+    /// What another show has at the place that its program plays comes on air here only with its library.
+    void playersAloneTakeNoOtherMedium()
+    {
+        const auto show = [](const char* file) {
+            const QByteArray settings =
+                "{'SIDE/media':'" + media + "','SIDE/state':'play','SIDE/volume':0.5}";
+            const QByteArray library =
+                "{'collections':{'1':{'slots':{'1':{'contentUrl':'file:///" + QByteArray(file) + "'}}}}}";
+            QByteArray text =
+                "{'format':'halcyra-show','version':1,'settings':" + settings + ",'library':" + library + "}";
+            text.replace("SIDE", QByteArray::fromStdString(program + "/properties"));
+            return text.replace('\'', '"');
+        };
+        const char* slot =
+            R"([{"op":"add","path":"/collections/1/slots/1","value":{"contentUrl":"file:///a.mp4"}}])";
+        QCOMPARE(m_live->request("PATCH", "/medialibrary", slot).status, 200);
+        const QByteArray import = "/show/current?include=playback";
+        QCOMPARE(m_live->request("POST", import, show("b.mp4")).status, 200);
+        QVERIFY(settled());
+        QCOMPARE(value(program + "/properties/volume"), std::string("0.5"));
+        QCOMPARE(value(program + "/properties/waitsToPlay"), std::string("false"));
+        QVERIFY2(notice().find("Program stays as it is: ") != std::string::npos, notice().c_str());
+        QCOMPARE(m_live->request("POST", import, show("a.mp4")).status, 200);
+        QVERIFY(m_live->waitFor([&] {
+            m_peer->read();
+            return value(program + "/properties/waitsToPlay") == "true";
+        }));
+        QVERIFY(notice().find("stays as it is") == std::string::npos);
+    }
+
     void firstVersionLoads()
     {
         QFile sample(QFINDTESTDATA("ombra/show/first.show"));

@@ -3,15 +3,21 @@
 #include "tests/support/testmain.h"
 #include "tests/tarn/logcapture.h"
 
+#include <QDeadlineTimer>
 #include <QTest>
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/ip/multicast.hpp>
 #include <boost/asio/ip/udp.hpp>
 
 #include <algorithm>
+#include <cstring>
 #include <memory>
+#include <net/if.h>
 #include <optional>
+#include <sched.h>
+#include <sys/ioctl.h>
 #include <thread>
+#include <unistd.h>
 
 using namespace vantrel;
 
@@ -93,6 +99,7 @@ private Q_SLOTS:
     void passesOverNonsense();
     void answersOnlyWhatItIsAsked();
     void refusesAForeignAddress();
+    void answersOnANetworkThatComesLater();
 };
 
 void TestNetworkLocator::findsServers_data()
@@ -280,6 +287,35 @@ void TestNetworkLocator::answersOnlyWhatItIsAsked()
     const std::size_t count = asker.receive_from(boost::asio::buffer(buffer), from);
     QCOMPARE(std::string(buffer, count), std::string("{\"peer\":{\"name\":\"x\"}}"));
     QCOMPARE(asker.available(), std::size_t{0});
+}
+
+/// In a network of its own, whose one interface is up only once the server is there.
+void TestNetworkLocator::answersOnANetworkThatComesLater()
+{
+    const NetworkPeer server{"127.0.0.1", {{"id", "1"}}};
+    bool isAlone = false, wasHeard = true;
+    std::vector<NetworkPeer> seen;
+    std::thread([&] {
+        isAlone = ::unshare(CLONE_NEWNET) == 0;
+        if (!isAlone)
+            return;
+        constexpr quint16 port = 11062; // nobody else is there
+        Servers late(port);
+        wasHeard = late.add("0.0.0.0", server.attributes);
+        late.start();
+        ifreq loopback{};
+        std::strcpy(loopback.ifr_name, "lo");
+        loopback.ifr_flags = IFF_UP | IFF_RUNNING;
+        const int any = ::socket(AF_INET, SOCK_DGRAM, 0);
+        ::ioctl(any, SIOCSIFFLAGS, &loopback);
+        ::close(any);
+        for (const QDeadlineTimer limit(10000); seen.empty() && !limit.hasExpired();)
+            seen = found(port);
+    }).join();
+    if (!isAlone)
+        QSKIP("only root makes a network of its own");
+    QVERIFY(!wasHeard);
+    QCOMPARE(seen, std::vector<NetworkPeer>{server});
 }
 
 void TestNetworkLocator::refusesAForeignAddress()

@@ -1,4 +1,4 @@
-#include "ombra/show/atomicfile.h"
+#include "ombra/base/atomicfile.h"
 
 #include <cerrno>
 #include <cstring>
