@@ -40,7 +40,7 @@ AbstractDiffApiCommand::AbstractDiffApiCommand(QUndoCommand* parent)
 AbstractDiffApiCommand::~AbstractDiffApiCommand()
 {
     constexpr std::size_t few = 500; // operations
-    if (m_edit->redo.size() + m_edit->undo.size() > few)
+    if (m_edit->making.isValid() || m_edit->redo.size() + m_edit->undo.size() > few)
         aside::letGo(std::move(m_edit));
 }
 

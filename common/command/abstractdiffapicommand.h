@@ -22,8 +22,8 @@ public:
     void setRedoPatch(const Patch& patch) { m_edit->redo = patch; }
     /// Also makes the command undoable.
     void setUndoPatch(const Patch& patch);
-    const Patch& redoPatch() const { return m_edit->redo; }
-    const Patch& undoPatch() const { return m_edit->undo; }
+    const Patch& redoPatch() const { return settled().redo; }
+    const Patch& undoPatch() const { return settled().undo; }
     bool isUndoSupported() const { return m_undoSupported; }
 
     void redo() override;
@@ -41,6 +41,11 @@ protected:
     void setEdit(LibraryEdit edit);
 
 private:
+    const LibraryEdit& settled() const
+    {
+        m_edit->settle();
+        return *m_edit;
+    }
     void send(EditDirection direction);
     void handleAnswer(EditDirection direction, const DiffApiError& answer);
 

@@ -2,9 +2,12 @@
 
 #include "common/command/commandlogging.h"
 #include "common/command/refusal.h"
+#include "common/media/library/aside.h"
 #include "common/media/library/medialibraryapi.h"
 #include "common/session/session.h"
 #include "tarn/media/medialibrary.h"
+
+#include <QtConcurrentRun>
 
 #include <algorithm>
 #include <array>
@@ -67,7 +70,7 @@ PatchBase baseOf(const Json& document, const Patch& patch)
 
 /// Both ways of an edit. Without an inverse of its own it is taken back as it was done.
 bool rehearsed(const MediaLibrary& library, const std::function<bool(MediaLibrary&)>& edit,
-               const std::function<bool(MediaLibrary&)>& inverse, LibraryEdit& made)
+               const std::function<bool(MediaLibrary&)>& inverse, MadeEdit& made)
 {
     const Ref<MediaLibrary> after = edited(library, edit);
     const Ref<MediaLibrary> undone = after && inverse ? edited(*after, inverse) : Ref<MediaLibrary>();
@@ -84,6 +87,7 @@ bool rehearsed(const MediaLibrary& library, const std::function<bool(MediaLibrar
     made.before = DeferredBase([before](const Patch& patch) { return baseOf(before, patch); });
     made.after = DeferredBase([done](const Patch& patch) { return baseOf(done, patch); });
     made.document = before;
+    made.made = after;
     return true;
 }
 
@@ -136,25 +140,61 @@ bool LibraryEditCommand::rehearse(const MediaLibrary* library, const QString& te
 bool LibraryEditCommand::rehearse(const MediaLibrary* library, const QString& text, const Edit& edit,
                                   const Edit& inverse)
 {
+    const Ref<const MediaLibrary> on = libraryFor(library, text);
+    LibraryEdit made;
+    made.rehearse = [edit, inverse](MadeEdit& anew, const MediaLibrary& other) {
+        return rehearsed(other, edit, inverse, anew);
+    };
+    if (!on || !made.rehearse(made, *on))
+        return false;
+    take(std::move(made), text);
+    return true;
+}
+
+bool LibraryEditCommand::rehearseMany(const MediaLibrary* library, const QString& text, qsizetype records,
+                                      const Fits& fits, const Edit& edit)
+{
+    constexpr qsizetype few = 200;
+    const Edit whole = [fits, edit](MediaLibrary& copy) { return fits(copy) && edit(copy); };
+    if (records <= few)
+        return rehearse(library, text, whole);
+    const Ref<const MediaLibrary> on = libraryFor(library, text);
+    if (!on || !fits(*on))
+        return false;
+    LibraryEdit made;
+    made.rehearse = [whole](MadeEdit& anew, const MediaLibrary& other) {
+        return rehearsed(other, whole, nullptr, anew);
+    };
+    made.making =
+        QtConcurrent::run(&aside::edits(), [rehearse = made.rehearse, copy = makeRef<MediaLibrary>(*on)] {
+            MadeEdit anew;
+            if (rehearse(anew, *copy))
+                anew.lookUpBases();
+            return anew;
+        });
+    take(std::move(made), text);
+    return true;
+}
+
+/// The library to rehearse on; null where nothing can be edited now, which the operator is told.
+Ref<const MediaLibrary> LibraryEditCommand::libraryFor(const MediaLibrary* library, const QString& text)
+{
     if (!hasApi()) {
         tellNotDone(text, tr("There is no connection to the server."));
-        return false;
+        return {};
     }
     if (!library || !isLibraryRead(text))
-        return false;
+        return {};
     m_wasRehearsed = true;
-    const auto again = [edit, inverse](LibraryEdit& made, const MediaLibrary& on) {
-        return rehearsed(on, edit, inverse, made);
-    };
-    LibraryEdit made;
     const Ref<const MediaLibrary> expected = expectedOf(library);
-    if (!again(made, expected ? *expected : *library))
-        return false;
-    made.rehearse = again;
-    setEdit(std::move(made));
+    return expected ? expected : Ref<const MediaLibrary>(makeRef<MediaLibrary>(*library));
+}
+
+void LibraryEditCommand::take(LibraryEdit edit, const QString& text)
+{
+    setEdit(std::move(edit));
     setText(text);
     setInitialized(true);
-    return true;
 }
 
 } // namespace vantrel

@@ -33,6 +33,12 @@ QThreadPool& files()
     return *pool;
 }
 
+QThreadPool& edits()
+{
+    static const std::unique_ptr<QThreadPool> pool = poolOf(1);
+    return *pool;
+}
+
 QThreadPool& remover()
 {
     static const std::unique_ptr<QThreadPool> pool = poolOf(1);

@@ -14,6 +14,9 @@ QThreadPool& pool();
 /// pool's: Qt's painter shares out work there and waits for it, and would wait for that disk.
 QThreadPool& files();
 
+/// A thread for what the operator does to the library, who sees nothing of it until that is worked out.
+QThreadPool& edits();
+
 /// To be called first by what runs there. Qt's own priorities mean nothing here.
 void giveWay();
 

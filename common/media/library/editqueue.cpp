@@ -4,6 +4,7 @@
 #include "common/media/library/medialibraryapi.h"
 #include "tarn/media/medialibrary.h"
 
+#include <QFutureWatcher>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QNetworkReply>
@@ -90,8 +91,23 @@ void EditQueue::submit(const std::shared_ptr<LibraryEdit>& edit, EditDirection d
 {
     m_edits.push_back({edit, direction, std::move(answered)});
     outdateExpected();
-    Q_EMIT submitted();
+    if (edit->isMade())
+        Q_EMIT submitted();
+    else
+        await(edit);
     proceed();
+}
+
+/// Whoever asks for the library meanwhile waits for it.
+void EditQueue::await(const std::shared_ptr<LibraryEdit>& edit)
+{
+    auto* const watcher = new QFutureWatcher<MadeEdit>(this);
+    connect(watcher, &QFutureWatcherBase::finished, this, [this, watcher] {
+        watcher->deleteLater();
+        Q_EMIT submitted();
+        proceed();
+    });
+    watcher->setFuture(edit->making);
 }
 
 /// Holds on to no library of before either.
@@ -105,13 +121,16 @@ Ref<const MediaLibrary> EditQueue::expected() const
 {
     const Json present = m_api->libraryJson();
     if (!m_expected || !m_expectedOf.sameNode(present)) {
-        const auto library = makeRef<MediaLibrary>(m_api->library());
+        auto library = makeRef<MediaLibrary>(m_api->library());
         for (const Entry& entry : m_edits) {
+            entry.edit->settle();
             // What the library shows already, or what somebody else has overtaken, holds no more.
             const Json shown = library->toJson();
             const bool isMadeOnIt =
                 entry.direction == EditDirection::Redo && entry.edit->document.sameNode(shown);
-            if (isMadeOnIt || entry.base().holds(shown))
+            if (isMadeOnIt && entry.edit->made)
+                library = makeRef<MediaLibrary>(*entry.edit->made);
+            else if (isMadeOnIt || entry.base().holds(shown))
                 library->applyDiff(entry.patch());
         }
         m_expected = library;
@@ -130,7 +149,7 @@ void EditQueue::proceed()
         m_patience.stop();
         m_state = State::Idle;
     }
-    while (m_state == State::Idle && !m_edits.empty())
+    while (m_state == State::Idle && !m_edits.empty() && m_edits.front().edit->isMade())
         sendFirst();
 }
 
@@ -152,12 +171,14 @@ bool EditQueue::hasSettled() const
 bool EditQueue::prepare(Entry& entry)
 {
     LibraryEdit& edit = *entry.edit;
+    edit.settle();
     if (entry.direction == EditDirection::Undo && edit.refused) {
         dropFirst(); // there is nothing to undo, and that was said
         return false;
     }
     const Json now = m_api->libraryJson();
     const Json madeOn = std::exchange(edit.document, Json());
+    edit.made = {};
     if ((entry.direction == EditDirection::Redo && madeOn.sameNode(now)) || entry.base().holds(now))
         return true;
     if (isDone(entry, now)) {
@@ -175,7 +196,7 @@ bool EditQueue::prepare(Entry& entry)
         refuseFirst(overtaken);
         return false;
     }
-    LibraryEdit anew;
+    MadeEdit anew;
     if (!edit.rehearse(anew, m_api->library())) {
         refuseFirst(tr("The library has changed meanwhile, and it does not fit any more."));
         return false;
@@ -190,10 +211,9 @@ bool EditQueue::prepare(Entry& entry)
         return false;
     }
     outdateExpected();
-    edit.redo = anew.redo;
-    edit.undo = anew.undo;
-    edit.before = anew.before;
-    edit.after = anew.after;
+    anew.document = {};
+    anew.made = {};
+    static_cast<MadeEdit&>(edit) = std::move(anew);
     return true;
 }
 
@@ -307,7 +327,8 @@ EditQueue::Entry EditQueue::takeFirst()
 {
     Entry entry = std::move(m_edits.front());
     m_edits.pop_front();
-    entry.edit->lookUpBases();
+    if (!entry.edit->making.isValid())
+        entry.edit->lookUpBases();
     outdateExpected();
     m_patience.stop();
     m_awaited.reset();

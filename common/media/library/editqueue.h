@@ -62,6 +62,7 @@ private:
         Overtaken, // the server refused it for a change that the library does not show yet
     };
 
+    void await(const std::shared_ptr<LibraryEdit>& edit);
     void outdateExpected();
     bool prepare(Entry& entry);
     bool isDone(const Entry& entry, const Json& library) const;

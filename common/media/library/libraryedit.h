@@ -2,7 +2,9 @@
 
 #include "common/media/library/diffapierror.h"
 #include "tarn/json/patchbase.h"
+#include "tarn/media/medialibrary.h"
 
+#include <QFuture>
 #include <QString>
 
 #include <functional>
@@ -10,8 +12,6 @@
 #include <utility>
 
 namespace vantrel {
-
-class MediaLibrary;
 
 enum class EditDirection { Redo, Undo };
 
@@ -39,21 +39,45 @@ private:
     mutable PatchBase m_base;
 };
 
-/// An edit of the library in both directions. The command that an operator ran and the queue share it, so
-/// that an undo that waits behind its redo is the undo of what the redo became.
-struct LibraryEdit
+/// What an edit comes to on one library.
+struct MadeEdit
 {
-    QString text; // for the operator
     Patch redo;
     Patch undo;
     DeferredBase before; // what redo was made on
     DeferredBase after;  // what undo was made on
-    /// Makes all of the above anew for another library; false when the edit has no meaning there. Empty where
-    /// an edit is nothing but its patches.
-    std::function<bool(LibraryEdit& edit, const MediaLibrary& library)> rehearse;
-    Json document;        // that redo was made on, until it is sent: there it fits, which nobody need look up
-    bool refused = false; // the last redo changed nothing: there is nothing to undo
+    // What redo was made on, and what that makes of it, until it is sent: there it fits, which nobody need
+    // look up or work out.
+    Json document;
+    Ref<const MediaLibrary> made;
 
+    /// Lets go of the documents that the bases are looked up in.
+    void lookUpBases() const
+    {
+        before.of(redo);
+        after.of(undo);
+    }
+};
+
+/// An edit of the library in both directions. The command that an operator ran and the queue share it, so
+/// that an undo that waits behind its redo is the undo of what the redo became.
+struct LibraryEdit : MadeEdit
+{
+    QString text; // for the operator
+    /// Makes it anew for another library; false when the edit has no meaning there. Empty where an edit is
+    /// nothing but its patches.
+    std::function<bool(MadeEdit& edit, const MediaLibrary& library)> rehearse;
+    bool refused = false; // the last redo changed nothing: there is nothing to undo
+    /// Of thousands of records it is made on a thread. Until settle() there is nothing of it here.
+    QFuture<MadeEdit> making;
+
+    bool isMade() const { return !making.isValid() || making.isFinished(); }
+    /// Takes over what was made on a thread; waits for it.
+    void settle()
+    {
+        if (making.isValid())
+            static_cast<MadeEdit&>(*this) = making.takeResult();
+    }
     const Patch& patch(EditDirection direction) const
     {
         return direction == EditDirection::Redo ? redo : undo;
@@ -61,12 +85,6 @@ struct LibraryEdit
     const PatchBase& base(EditDirection direction) const
     {
         return direction == EditDirection::Redo ? before.of(redo) : after.of(undo);
-    }
-    /// Lets go of the documents that the bases are looked up in.
-    void lookUpBases() const
-    {
-        base(EditDirection::Redo);
-        base(EditDirection::Undo);
     }
 };
 

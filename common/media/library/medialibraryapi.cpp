@@ -2,13 +2,12 @@
 
 #include "common/media/address/medialogging.h"
 #include "common/media/library/editqueue.h"
-#include "common/media/library/librarychanges.h"
+#include "common/media/library/librarymessage.h"
 #include "common/media/library/libraryreading.h"
 #include "common/media/library/turn.h"
 #include "tarn/media/medialibrary.h"
 
 #include <QElapsedTimer>
-#include <QFutureWatcher>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
 #include <QNetworkRequest>
@@ -36,15 +35,6 @@ constexpr int streamOpeningTime = 1000;
 // A server that speaks each second and says nothing for so long has gone, in milliseconds.
 constexpr int streamSilence = 3500;
 
-/// A server may number its messages: the first operation of the patch tells what the library has become.
-std::optional<qint64> messageRevision(const Json& patch)
-{
-    const Json* first = patch.at(0);
-    const Json* revision = first ? first->find("revision") : nullptr;
-    return revision && revision->type() == JsonType::Int ? std::optional<qint64>(revision->asInt())
-                                                         : std::nullopt;
-}
-
 } // namespace
 
 MediaLibraryApi::MediaLibraryApi(const QString& host, QNetworkAccessManager* manager, MediaLibrary* library,
@@ -58,6 +48,10 @@ MediaLibraryApi::MediaLibraryApi(const QString& host, QNetworkAccessManager* man
     , m_turn(new Turn(this))
     , m_silence(new QTimer(this))
 {
+    connect(&m_large, &QFutureWatcherBase::finished, this, [this] {
+        takeLargeMessage();
+        m_turn->ask(); // for those behind it
+    });
     connect(m_turn, &Turn::come, this, [this] {
         takeMessages();
         onStreamData();
@@ -227,8 +221,9 @@ void MediaLibraryApi::onStreamEnded(QNetworkReply* stream)
 void MediaLibraryApi::loseStream()
 {
     m_isDeaf = true;
-    if (m_turn->isAsked()) { // what the server has said stands
+    if (m_isLargeRead || m_turn->isAsked()) { // what the server has said stands
         m_turn->stop();
+        takeLargeMessage();
         takeMessages();
     }
     setReading(Reading::Awaited);
@@ -238,8 +233,8 @@ void MediaLibraryApi::loseStream()
 
 void MediaLibraryApi::onStreamData()
 {
-    if (!m_stream || !m_stream->isOpen() || m_turn->isAsked()) // what has come is taken first
-        return;
+    if (!m_stream || !m_stream->isOpen() || m_isLargeRead || m_turn->isAsked())
+        return; // what has come is taken first
     // Much that comes at once is taken in turns, in between which the window goes on.
     constexpr qint64 inOneTurn = 256 * 1024;
     const QByteArray bytes = m_stream->read(inOneTurn);
@@ -271,9 +266,10 @@ void MediaLibraryApi::takeMessages()
     constexpr qint64 inOneTurn = 4; // milliseconds
     QElapsedTimer clock;
     clock.start();
-    const bool isAll = m_events.parse([this](const QByteArray& data) { handleMessage(data); },
-                                      [this, &clock] { return m_isDeaf || clock.elapsed() < inOneTurn; });
-    if (!isAll)
+    const bool isAll = m_events.parse(
+        [this](const QByteArray& data) { handleMessage(data); },
+        [this, &clock] { return !m_isLargeRead && (m_isDeaf || clock.elapsed() < inOneTurn); });
+    if (!isAll && !m_isLargeRead)
         m_turn->ask();
 }
 
@@ -281,27 +277,37 @@ void MediaLibraryApi::handleMessage(const QByteArray& data)
 {
     if (data.isNull())
         return missMessage();
-    Json json;
-    Patch patch;
-    std::string error;
-    if (!Json::parseString({data.constData(), static_cast<std::size_t>(data.size())}, json, &error) ||
-        !Patch::fromJson(json, patch, &error)) {
-        qCWarning(lcMedia) << "Failed to parse message: " << shortened(data) << error.c_str();
+    if (data.size() <= LibraryMessage::atOnce || m_isDeaf)
+        return takeMessage(LibraryMessage::read(data));
+    m_isLargeRead = true; // those behind it wait
+    m_large.setFuture(LibraryMessage::start(data, *m_library));
+}
+
+void MediaLibraryApi::takeLargeMessage()
+{
+    if (std::exchange(m_isLargeRead, false))
+        takeMessage(m_large.future().takeResult());
+}
+
+void MediaLibraryApi::takeMessage(const LibraryMessage& message)
+{
+    if (!message.isSound) {
+        qCWarning(lcMedia) << "Failed to parse message: " << message.error.c_str();
         return;
     }
-    const std::optional<qint64> revision = messageRevision(json);
+    const std::optional<qint64> revision = message.revision;
     if (revision && m_revision && *revision <= *m_revision)
         return; // the fetched library holds it
     if (m_fetches > 0) {
-        m_meanwhile.push_back({patch, revision});
-        m_meanwhileBytes += data.size();
+        m_meanwhile.push_back({message.patch, revision});
+        m_meanwhileBytes += message.size;
     }
     const bool hasGap = revision && m_revision && *revision > *m_revision + 1;
     if (revision)
         m_revision = revision;
     // What the server sends is what it did: what does not fit, or follows on something else, shows that some
     // of it was missed.
-    const bool fits = applyMediaLibraryPatch(patch);
+    const bool fits = apply(message);
     if ((hasGap || !fits) && isCurrent())
         requestMediaLibrary();
 }
@@ -315,22 +321,19 @@ void MediaLibraryApi::missMessage()
         requestMediaLibrary();
 }
 
-bool MediaLibraryApi::applyMediaLibraryPatch(const Patch& patch)
+bool MediaLibraryApi::apply(const LibraryMessage& message)
 {
-    const LibraryChanges changes = LibraryChanges::fromPatch(patch);
+    const bool isAnother = message.changes.isAnotherLibrary();
     std::optional<LibraryReading::Remains> remains;
-    if (changes.isAnotherLibrary())
+    if (isAnother || message.after)
         remains.emplace(*m_library);
-    std::string error;
-    if (m_library->applyDiff(patch, &error) != 0) {
-        qCDebug(lcMedia) << "Patch does not fit the library: " << shortened(QByteArray::fromStdString(error));
+    if (!message.apply(*m_library))
         return false;
-    }
-    if (remains) {
+    if (isAnother) {
         Q_EMIT mediaLibraryReplaced();
         Q_EMIT mediaLibraryChanged();
     } else {
-        emitLibraryChanges(changes);
+        emitLibraryChanges(message.changes);
     }
     return true;
 }

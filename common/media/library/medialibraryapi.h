@@ -1,6 +1,7 @@
 #pragma once
 
 #include "common/media/library/eventstream.h"
+#include "common/media/library/librarymessage.h"
 #include "common/media/library/libraryunread.h"
 #include "tarn/json/json.h"
 #include "tarn/json/patch.h"
@@ -11,6 +12,7 @@
 #include "tarn/ref.h"
 
 #include <QByteArrayList>
+#include <QFutureWatcher>
 #include <QJsonDocument>
 #include <QList>
 #include <QObject>
@@ -31,7 +33,6 @@ namespace vantrel {
 class EditQueue;
 class MediaLibrary;
 class Turn;
-struct LibraryChanges;
 struct LibraryReading;
 
 using CollectionAndIndex = std::pair<MediaCollection, int>;
@@ -94,7 +95,7 @@ public:
 
     /// What a message of the stream does: changes the library, then tells what the patch touched, collections
     /// before playlists. False, and nothing changes or is told, when the patch does not fit.
-    bool applyMediaLibraryPatch(const Patch& patch);
+    bool applyMediaLibraryPatch(const Patch& patch) { return apply(LibraryMessage::of(patch)); }
 
     /// The bytes that patchMediaLibrary() sends; false when the patch has no JSON form.
     static bool patchBody(const Patch& patch, QByteArray* body);
@@ -145,6 +146,9 @@ private:
     void onStreamData();
     void takeMessages();
     void handleMessage(const QByteArray& data);
+    void takeLargeMessage();
+    void takeMessage(const LibraryMessage& message);
+    bool apply(const LibraryMessage& message);
     void missMessage();
     void emitLibraryChanges(const LibraryChanges& changes);
     void emitCollectionChanges(const LibraryChanges& changes);
@@ -174,6 +178,8 @@ private:
     std::optional<qint64> m_revision;
     Reading m_reading = Reading::Awaited;
     QString m_readingError; // plain text without a full stop
+    QFutureWatcher<LibraryMessage> m_large;
+    bool m_isLargeRead = false; // m_large reads one
     EditQueue* const m_edits;
     Turn* const m_turn;      // of the messages that have come and are not taken yet
     QTimer* const m_silence; // runs while a stream is open whose server says each second that it is there

@@ -2,8 +2,11 @@
 #include "common/command/libraryeditcommand.h"
 #include "common/media/edit/playlist/addmediatoplaylistcommand.h"
 #include "common/media/edit/playlist/renumberplaylistcommand.h"
+#include "common/media/edit/slot/addmediatocollectioncommand.h"
 #include "common/media/edit/slot/insertcollectioncommand.h"
 #include "common/media/edit/slot/renamecollectioncommand.h"
+#include "common/media/edit/slot/renameslotcommand.h"
+#include "common/media/items/guimediaslot.h"
 #include "common/media/library/editqueue.h"
 #include "common/media/library/medialibraryapi.h"
 #include "common/media/library/medialibraryprovider.h"
@@ -52,6 +55,41 @@ private Q_SLOTS:
         QCOMPARE(server.name(1), QStringLiteral("name 1"));
         QCOMPARE(server.peer.http.count("PATCH", "/medialibrary"), 8);
         QCOMPARE(said(), QStringList());
+    }
+
+    /// An edit of many slots is worked out on a thread, and keeps its place among the others all the same.
+    void manySlotsKeepTheirPlace()
+    {
+        constexpr int many = 1000;
+        QList<GuiMediaSlot> medias(many);
+        for (GuiMediaSlot& media : medias)
+            media.setName(QStringLiteral("mine"));
+        Server server;
+        QVERIFY(server.connect());
+        const auto nameOf = [&server](int slot) {
+            const MediaSlot* const found = std::as_const(*server.library).findSlot(1, slot);
+            return found ? QString::fromStdString(found->getName()) : QString();
+        };
+        QUndoStack* const stack = server.peer.session->getQUndoStack();
+        QVERIFY(server.run<AddMediaToCollectionCommand>(1, 1, medias));
+        QVERIFY(server.run<RenameSlotCommand>(1, many, QStringLiteral("last")));
+        QTRY_VERIFY(server.isIdle());
+        QCOMPARE(nameOf(1), QStringLiteral("mine"));
+        QCOMPARE(nameOf(many), QStringLiteral("last"));
+        stack->undo();
+        stack->undo();
+        QTRY_VERIFY(server.isIdle());
+        QCOMPARE(nameOf(1), QString());
+        stack->redo();
+        stack->undo(); // before that is worked out
+        QTRY_VERIFY(server.isIdle());
+        QCOMPARE(nameOf(1), QString());
+        expectWarning(QStringLiteral("Redo failed! "));
+        QVERIFY(server.run<AddMediaToCollectionCommand>(1, 1, medias));
+        server.edit(R"([{"op":"add","path":"/collections/1/slots/9","value":{"name":"theirs"}}])");
+        QTRY_VERIFY(server.isIdle());
+        QCOMPARE(nameOf(9), QStringLiteral("theirs"));
+        QCOMPARE(nameOf(1), QString());
     }
 
     /// Somebody else is faster: what has still a meaning is done, what would overwrite is refused aloud.

@@ -117,6 +117,7 @@ private Q_SLOTS:
     void emissionOrder();
     void patchThatDoesNotFit();
     void streamInPieces();
+    void largeMessagesKeepTheirPlace();
     void streamEnds();
     void writes();
 
@@ -236,6 +237,33 @@ void TestMediaLibraryApi::streamInPieces()
     server.send("data: nonsense\n\n");
     server.send("data: [{\"op\":\"remove\",\"path\":\"/collections/2\"}]\n\n");
     QTRY_COMPARE(recorder.told(), QStringLiteral("c-2 changed"));
+}
+
+/// One that is read on a thread is taken before those behind it, and on top of what has come by other ways.
+void TestMediaLibraryApi::largeMessagesKeepTheirPlace()
+{
+    constexpr int many = 1000;
+    const auto library = test::makeLibrary(1, 1);
+    MediaLibraryApi api(QStringLiteral("127.0.0.1"), &m_manager, library.get());
+    const auto edited = makeRef<MediaLibrary>(*library);
+    for (int slot = 2; slot <= many; ++slot)
+        edited->findCollection(1)->insertMediaSlot(slot, test::makeSlot("many"), true);
+    Patch patch;
+    Patch::diff(library->toJson(), edited->toJson(), patch);
+    const auto nameOf = [&library](int slot) {
+        const MediaSlot* const found = std::as_const(*library).findSlot(1, slot);
+        return found ? found->getName() : std::string();
+    };
+    api.receive(
+        "data: " + QByteArray::fromStdString(patch.toString()) +
+        "\n\ndata: [{\"op\":\"replace\",\"path\":\"/collections/1/slots/900/name\",\"value\":\"new\"}]\n\n");
+    Patch meanwhile;
+    QVERIFY(Patch::parseString(
+        R"([{"op":"replace","path":"/collections/1/slots/1/name","value":"meanwhile"}])", meanwhile));
+    QVERIFY(api.applyMediaLibraryPatch(meanwhile));
+    QTRY_COMPARE(nameOf(900), std::string("new"));
+    QCOMPARE(nameOf(1), std::string("meanwhile"));
+    QCOMPARE(nameOf(many), std::string("many"));
 }
 
 void TestMediaLibraryApi::streamEnds()

@@ -11,29 +11,30 @@ bool AddMediaToCollectionCommand::init(const MediaLibrary* library, int collecti
 {
     const QString text =
         "Add media to slot " + QString::number(firstSlot) + " in collection " + QString::number(collection);
-    return rehearse(library, tr(text.toUtf8().constData()), [=](MediaLibrary& copy) {
-        if (medias.isEmpty()) {
+    const auto fits = [=, count = medias.size()](const MediaLibrary& on) {
+        if (count == 0) {
             qCWarning(lcCommand) << "No medias to add to collection";
             return false;
         }
-        MediaCollection* target = copy.findCollection(collection);
-        if (!target) {
+        if (!on.findCollection(collection)) {
             qCWarning(lcCommand) << "Unable to find collection";
             return false;
         }
-        if (firstSlot + medias.size() - 1 > MediaCollection::getMediaSlotIndexMax()) {
+        if (firstSlot < MediaCollection::slotIndexMin ||
+            firstSlot + count - 1 > MediaCollection::getMediaSlotIndexMax()) {
             qCWarning(lcCommand) << "Not enough slots to add media";
             return false;
         }
-        int slot = firstSlot;
-        for (const GuiMediaSlot& media : medias) {
-            if (!target->insertMediaSlot(slot++, media.toSdkMediaSlot(), true)) {
-                qCWarning(lcCommand) << "Not enough slots to add media";
-                return false;
-            }
-        }
         return true;
-    });
+    };
+    const auto edit = [=](MediaLibrary& copy) {
+        MediaCollection* const target = copy.findCollection(collection);
+        int slot = firstSlot;
+        for (const GuiMediaSlot& media : medias)
+            target->insertMediaSlot(slot++, media.toSdkMediaSlot(), true);
+        return true;
+    };
+    return rehearseMany(library, tr(text.toUtf8().constData()), medias.size(), fits, edit);
 }
 
 } // namespace vantrel

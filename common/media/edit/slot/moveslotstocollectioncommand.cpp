@@ -4,6 +4,7 @@
 #include "common/media/edit/playlist/followslots.h"
 #include "tarn/media/medialibrary.h"
 
+#include <algorithm>
 #include <map>
 #include <utility>
 #include <vector>
@@ -17,8 +18,8 @@ bool MoveSlotsToCollectionCommand::init(const MediaLibrary* library, const QList
         from.size() == 1
             ? tr("Move 1 slot to %1 in collection %2").arg(toSlot).arg(collection)
             : tr("Move %1 slots to %2 in collection %3").arg(from.size()).arg(toSlot).arg(collection);
-    return rehearse(library, text, [=](MediaLibrary& copy) {
-        if (!std::as_const(copy).findCollection(collection)) {
+    const auto fits = [=](const MediaLibrary& on) {
+        if (!on.findCollection(collection)) {
             qCWarning(lcCommand) << "Unable to find collection";
             return false;
         }
@@ -27,20 +28,22 @@ bool MoveSlotsToCollectionCommand::init(const MediaLibrary* library, const QList
             qCWarning(lcCommand) << "Not enough slots to move to";
             return false;
         }
+        const bool areThere = std::ranges::all_of(
+            from, [&on](const MediaAddress& each) { return on.findSlot(each.collection, each.slot); });
+        if (!areThere)
+            qCWarning(lcCommand) << "Unable to find source slot";
+        return areThere;
+    };
+    const auto edit = [=](MediaLibrary& copy) {
         std::vector<MediaSlot> moved; // all of them first: they may lie where others go
         std::map<MediaAddress, MediaAddress> addresses;
         for (const MediaAddress& address : from) {
-            const MediaSlot* slot = std::as_const(copy).findSlot(address.collection, address.slot);
-            if (!slot) {
-                qCWarning(lcCommand) << "Unable to find source slot";
-                return false;
-            }
             addresses[address] = MediaAddress(collection, toSlot + static_cast<int>(moved.size()));
-            moved.push_back(*slot);
+            moved.push_back(*std::as_const(copy).findSlot(address.collection, address.slot));
         }
         for (const MediaAddress& address : from)
             copy.findCollection(address.collection)->insertMediaSlot(address.slot, MediaSlot(), true);
-        MediaCollection* target = copy.findCollection(collection);
+        MediaCollection* const target = copy.findCollection(collection);
         int to = toSlot;
         for (const MediaSlot& slot : moved)
             target->insertMediaSlot(to++, slot, true);
@@ -49,7 +52,8 @@ bool MoveSlotsToCollectionCommand::init(const MediaLibrary* library, const QList
             return now == addresses.end() ? MediaAddress() : now->second;
         });
         return true;
-    });
+    };
+    return rehearseMany(library, text, from.size(), fits, edit);
 }
 
 } // namespace vantrel
