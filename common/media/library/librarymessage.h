@@ -2,6 +2,7 @@
 
 #include "common/media/library/librarychanges.h"
 #include "tarn/json/patch.h"
+#include "tarn/media/medialibrary.h"
 #include "tarn/ref.h"
 
 #include <QByteArray>
@@ -10,8 +11,6 @@
 #include <optional>
 
 namespace vantrel {
-
-class MediaLibrary;
 
 /// What a message of the event stream does to the library. One that changes thousands of slots is read on a
 /// worker thread, and there done on a copy of the library, which takes the library's place if that is still
