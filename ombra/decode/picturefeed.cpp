@@ -73,6 +73,9 @@ void PictureFeed::seekAfresh(double time)
 {
     m_queue.clear();
     m_taken.reset();
+    m_goOnAt.reset();
+    m_beginGrows = false;
+    ++m_jumps;
     m_first = true;
     m_clock = 0;
     m_status.ended = false;
@@ -83,7 +86,7 @@ void PictureFeed::seekAfresh(double time)
 bool PictureFeed::holds(double time) const
 {
     const std::lock_guard lock(m_mutex);
-    return !m_seekTo && !known(time).empty();
+    return !m_seekTo && (!known(time).empty() || !from(m_begin, time, m_beginIsWhole).empty());
 }
 
 std::deque<Picture> PictureFeed::known(double time) const
@@ -91,25 +94,52 @@ std::deque<Picture> PictureFeed::known(double time) const
     std::deque<Picture> known = m_queue;
     if (m_taken)
         known.push_front(*m_taken);
+    return from(std::move(known), time, m_status.ended);
+}
+
+std::deque<Picture> PictureFeed::from(std::deque<Picture> pictures, double time, bool isToTheEnd)
+{
     const auto later = std::ranges::find_if(
-        known, [&](const Picture& picture) { return picture.time > time + PictureReader::tolerance; });
-    const bool isLast = later == known.end() && m_status.ended;
-    if (later == known.begin() || (later == known.end() && !isLast))
+        pictures, [&](const Picture& picture) { return picture.time > time + PictureReader::tolerance; });
+    if (later == pictures.begin() || (later == pictures.end() && !isToTheEnd))
         return {};
-    known.erase(known.begin(), std::prev(later));
-    return known;
+    const auto shown = std::prev(later);
+    if (later != pictures.end() && time >= shown->time + shown->duration + PictureReader::tolerance)
+        return {}; // passed over
+    pictures.erase(pictures.begin(), shown);
+    return pictures;
 }
 
 /// Whether the picture of the time is at hand, and then the queue begins with it.
 bool PictureFeed::reuse(double time)
 {
-    std::deque<Picture> pictures = known(time);
-    if (pictures.empty())
+    if (std::deque<Picture> pictures = known(time); !pictures.empty()) {
+        m_queue = std::move(pictures);
+    } else if (pictures = from(m_begin, time, m_beginIsWhole); !pictures.empty()) {
+        m_queue = std::move(pictures);
+        m_status.endTime = m_queue.back().time + m_queue.back().duration;
+        m_status.ended = m_beginIsWhole;
+        m_goOnAt = m_beginIsWhole ? std::nullopt : std::optional(m_status.endTime);
+        m_beginGrows = false;
+        ++m_jumps;
+    } else {
         return false;
+    }
     m_clock = 0;
-    m_queue = std::move(pictures);
     m_taken.reset();
     return true;
+}
+
+/// What comes first, and as many after it as are decoded ahead.
+void PictureFeed::noteBegin(const Picture& picture, bool sought)
+{
+    if (sought && m_begin.empty())
+        m_beginGrows = true;
+    const bool isNext = m_begin.empty() || picture.time <= m_begin.back().time + m_begin.back().duration +
+                                                               PictureReader::tolerance;
+    m_beginGrows = m_beginGrows && isNext && !isFull(m_begin);
+    if (m_beginGrows)
+        m_begin.push_back(picture);
 }
 
 std::optional<Picture> PictureFeed::take(double time)
@@ -156,18 +186,25 @@ void PictureFeed::decode()
     std::unique_lock lock(m_mutex);
     std::unique_ptr<PictureReader> reader = open(lock);
     while (reader && !m_stop) {
-        if (!m_seekTo && (isFull() || m_status.ended || m_status.failed)) {
+        if (!m_seekTo && (isFull(m_queue) || m_status.ended || m_status.failed)) {
             m_work.wait(lock);
             continue;
         }
         const std::optional<double> target = std::exchange(m_seekTo, std::nullopt);
+        const unsigned jumps = m_jumps;
         Picture picture;
         const bool found = read(lock, *reader, target, picture);
-        if (!m_seekTo && !m_stop)
+        if (jumps == m_jumps && !m_stop)
             accept(lock, found, std::move(picture), target.has_value());
     }
     lock.unlock(); // a disk may take its time to close a file
     reader.reset();
+}
+
+/// False where there is none after what was kept.
+bool PictureFeed::goOn(PictureReader& reader, double time, double clock, Picture& out)
+{
+    return reader.seek(std::max(time, clock), out) && out.time > time - PictureReader::tolerance;
 }
 
 bool PictureFeed::read(std::unique_lock<std::mutex>& lock, PictureReader& reader,
@@ -175,9 +212,11 @@ bool PictureFeed::read(std::unique_lock<std::mutex>& lock, PictureReader& reader
 {
     const double clock = m_clock;
     const bool behind = clock > m_status.endTime + patience;
+    const std::optional<double> goOnAt = std::exchange(m_goOnAt, std::nullopt);
     lock.unlock();
     const auto begin = std::chrono::steady_clock::now();
     const bool found = target   ? reader.seek(*target, out)
+                       : goOnAt ? goOn(reader, *goOnAt, behind ? clock : 0, out)
                        : behind ? reader.catchUp(clock, out)
                                 : reader.next(out);
     const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - begin;
@@ -193,14 +232,14 @@ void PictureFeed::noteLoad(double seconds, double ofPictures)
         m_status.load += (seconds / ofPictures - m_status.load) * std::min(1.0, ofPictures);
 }
 
-bool PictureFeed::isFull() const
+bool PictureFeed::isFull(const std::deque<Picture>& pictures)
 {
-    if (m_queue.size() < aheadAtLeast)
+    if (pictures.size() < aheadAtLeast)
         return false;
     std::size_t bytes = 0;
-    for (const Picture& picture : m_queue)
+    for (const Picture& picture : pictures)
         bytes += picture.image->bytes();
-    return m_queue.size() >= ahead || bytes + bytes / m_queue.size() > roomAhead;
+    return pictures.size() >= ahead || bytes + bytes / pictures.size() > roomAhead;
 }
 
 std::unique_ptr<PictureReader> PictureFeed::open(std::unique_lock<std::mutex>& lock)
@@ -228,8 +267,10 @@ void PictureFeed::accept(std::unique_lock<std::mutex>& lock, bool found, Picture
     }
     if (!found) {
         m_status.ended = true;
+        m_beginIsWhole = m_beginIsWhole || std::exchange(m_beginGrows, false);
         return;
     }
+    noteBegin(picture, sought);
     m_status.endTime = picture.time + picture.duration;
     m_queue.push_back(std::move(picture));
     if (sought) {

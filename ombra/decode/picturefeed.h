@@ -61,9 +61,13 @@ private:
     void decode();
     bool read(std::unique_lock<std::mutex>& lock, PictureReader& reader, std::optional<double> target,
               Picture& out);
+    static bool goOn(PictureReader& reader, double time, double clock, Picture& out);
     void noteLoad(double seconds, double ofPictures);
     std::unique_ptr<PictureReader> open(std::unique_lock<std::mutex>& lock);
-    bool isFull() const;
+    static bool isFull(const std::deque<Picture>& pictures);
+    void noteBegin(const Picture& picture, bool sought);
+    /// From such on as are decoded one after the other, what shows the time; empty where that is not known.
+    static std::deque<Picture> from(std::deque<Picture> pictures, double time, bool isToTheEnd);
     void seekAfresh(double time);
     /// What is decoded from the picture of the time on; empty where that is not at hand.
     std::deque<Picture> known(double time) const;
@@ -82,6 +86,12 @@ private:
     std::condition_variable m_work;
     std::deque<Picture> m_queue;
     std::optional<Picture> m_taken; // the one taken last, while it lies directly before the queue
+    /// The first ones of what was asked for at first, where what is cued begins when it is taken: kept, so
+    /// that nobody waits then. m_beginIsWhole: there is no other after them.
+    std::deque<Picture> m_begin;
+    bool m_beginIsWhole = false, m_beginGrows = false;
+    std::optional<double> m_goOnAt; // after those: the reader is elsewhere
+    unsigned m_jumps = 0;           // what is read while there is another one is of nobody
     std::optional<double> m_seekTo; // asked for, not begun
     bool m_first = true;            // the next picture is the first after a seek
     double m_clock = 0;             // seconds, asked for last in going on from there

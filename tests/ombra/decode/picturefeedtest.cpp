@@ -95,6 +95,34 @@ private Q_SLOTS:
         QCOMPARE(picture->time, 1.0);
     }
 
+    /// What is cued plays on preview until it is taken, from its beginning: that is there at once.
+    void keepsItsBeginning()
+    {
+        QSemaphore gate(100);
+        PictureFeed feed(
+            {}, 1, "gated", [] {},
+            [&](const MediaSource&, const std::atomic<bool>&, std::string*) {
+                return std::make_unique<GatedReader>(gate);
+            });
+        feed.start();
+        const auto opened = qScopeGuard([&] { gate.release(100); });
+        const auto shows = [&](int index) {
+            const std::optional<Picture> picture = feed.take(1 + index / 25.0);
+            return picture && qRound(picture->time * 25) == 25 + index;
+        };
+        for (int i = 0; i < 95; ++i)
+            QVERIFY2(QTest::qWaitFor([&] { return shows(i); }), qPrintable(QString::number(i)));
+        QTRY_COMPARE(gate.available(), 0); // the feed is in the middle of one that nobody will want
+        QVERIFY(feed.holds(1));
+        feed.seek(1);
+        for (int i = 0; i < 6; ++i)
+            QVERIFY2(shows(i), qPrintable(QString::number(i)));
+        gate.release(100);
+        for (int i = 6; i < 30; ++i)
+            QVERIFY2(QTest::qWaitFor([&] { return shows(i); }), qPrintable(QString::number(i)));
+        QVERIFY(!feed.holds(3));
+    }
+
     /// Pictures of 40 ms that are there at once, and some that take 30 ms each.
     void tellsHowMuchOfTheTimeItTakes()
     {
