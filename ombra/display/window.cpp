@@ -128,7 +128,8 @@ void Window::findRate()
     SDL_DisplayMode mode;
     double rate = m_wish.place.rate;
     if (rate < slowestRate || rate > fastestRate)
-        rate = SDL_GetWindowDisplayMode(m_window, &mode) == 0 ? mode.refresh_rate : 0;
+        rate = SDL_GetDesktopDisplayMode(SDL_GetWindowDisplayIndex(m_window), &mode) == 0 ? mode.refresh_rate
+                                                                                          : 0;
     m_rate = rate < slowestRate || rate > fastestRate ? usualRate : rate;
 }
 

@@ -245,6 +245,20 @@ private Q_SLOTS:
         }
     }
 
+    /// A window that is moved to another screen goes by that one's beat.
+    void goesByTheRateOfItsScreen()
+    {
+        m_ombra->stop();
+        QVERIFY(m_desktop.light(1, "480x270", right));
+        startServer({QStringLiteral("--display"), QStringLiteral("window")});
+        QVERIFY(soon([&] { return at(left) == red && std::stod(of(1, "screenRate")) == 60; }));
+        m_desktop.moveWindow(left + QPoint(320, 90), right - QPoint(200, 150)); // its middle counts
+        QTRY_COMPARE_WITH_TIMEOUT(of(1, "screenRate"), std::string("50"), patience);
+        QVERIFY(soon([&] { return at(right) == red; }));
+        m_ombra->stop();
+        QVERIFY(m_desktop.light(1, "640x360", right));
+    }
+
     /// A desktop that hangs holds up nobody, and is told as no screen.
     void survivesAHangingDesktop()
     {

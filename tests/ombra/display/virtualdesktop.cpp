@@ -32,7 +32,7 @@ Section "Monitor"
   HorizSync 5-1000
   VertRefresh 5-200
   Modeline "640x360" 17.19 640 648 712 752 360 363 368 381
-  Modeline "480x270" 12.00 480 488 536 640 270 273 278 312
+  Modeline "480x270" 12.00 480 488 536 720 270 273 278 333
 EndSection
 Section "Screen"
   Identifier "screen"
@@ -147,13 +147,27 @@ void VirtualDesktop::end()
     m_server.waitForFinished();
 }
 
+unsigned long VirtualDesktop::windowAt(QPoint at) const
+{
+    ::Window window = None;
+    int x = 0, y = 0;
+    XTranslateCoordinates(m_connection->display, m_connection->root(), m_connection->root(), at.x(), at.y(),
+                          &x, &y, &window);
+    return window;
+}
+
+void VirtualDesktop::moveWindow(QPoint at, QPoint to)
+{
+    XMoveWindow(m_connection->display, windowAt(at), to.x(), to.y());
+    XSync(m_connection->display, False);
+}
+
 bool VirtualDesktop::takesKeys(QPoint at) const
 {
     ::Display* display = m_connection->display;
-    ::Window window = None, focus = None;
-    int x = 0, y = 0, revert = 0, count = 0;
-    XTranslateCoordinates(display, m_connection->root(), m_connection->root(), at.x(), at.y(), &x, &y,
-                          &window);
+    const ::Window window = windowAt(at);
+    ::Window focus = None;
+    int revert = 0, count = 0;
     XGetInputFocus(display, &focus, &revert);
     XWMHints* hints = XGetWMHints(display, window);
     bool takes = window == None || focus == window || !hints || !(hints->flags & InputHint) || hints->input;

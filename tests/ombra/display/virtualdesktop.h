@@ -34,12 +34,15 @@ public:
     void end();
     QString modeOf(int output) const;
     QImage grab(const QRect& area) const;
+    /// Moves the window that stands there.
+    void moveWindow(QPoint at, QPoint to);
     /// Whether the window that stands there has the keyboard, or would take it.
     bool takesKeys(QPoint at) const;
 
 private:
     struct Connection;
 
+    unsigned long windowAt(QPoint at) const; // 0 for none
     const QTemporaryDir m_folder;
     QString m_name, m_trouble;
     QProcess m_server;
