@@ -25,6 +25,8 @@ CLIPS = {"bars.mov": "smptehdbars", "numbers.mov": "testsrc2", "colours.mov": "r
 STILL = len(CLIPS) + 1  # its slot: "still.png" is the last by name
 SAMPLE, SETTLE = 5, 60  # seconds between two looks at memory; until what is loaded once has been
 GROWTH, NOISE = 20, 8  # MB an hour, and at least
+# A driver of SDL's that nobody hears. It takes powers of two alone, and has too little room for what it rounds up to.
+SOUND = {"SDL_AUDIODRIVER": "dummy", "SDL_AUDIO_SAMPLES": "512"}
 OUTPUT = "/device/system/gpus/0/outputs/0/properties/"
 
 
@@ -118,7 +120,7 @@ def main():
         make_media(folder / "media")
         screen = Screen(*SIZE)
         log = folder / "log"
-        server, ports = start_ombra(screen, folder, "--sound", "--log", log, *sys.argv[2:], SDL_AUDIODRIVER="dummy")
+        server, ports = start_ombra(screen, folder, "--sound", "--log", log, *sys.argv[2:], **SOUND)
         try:
             post_list(ports)
             link = Link("127.0.0.1", int(ports["link"]))
