@@ -106,7 +106,10 @@ bool FrameScaler::draw(const DecodedPicture& picture, const Placement& at, const
                     care};
     const bool isCut =
         at.x0 != at.left || at.y0 != at.top || at.x1 - at.x0 != at.width || at.y1 - at.y0 != at.height;
-    if (picture.quarterTurns == 0 && !isCut && !wish.hasAlpha && !wish.isDeep &&
+    // Between formats of RGB it takes the room behind the lines along.
+    const bool isRgb =
+        av_pix_fmt_desc_get(static_cast<AVPixelFormat>(frame.format))->flags & AV_PIX_FMT_FLAG_RGB;
+    if (picture.quarterTurns == 0 && !isCut && !wish.hasAlpha && !wish.isDeep && !isRgb &&
         isWholeBlocks(at.width, target.bytesPerPixel()))
         return convert(frame, wish,
                        target.pixels + static_cast<std::ptrdiff_t>(at.top) * target.bytesPerLine +

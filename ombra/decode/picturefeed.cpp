@@ -86,7 +86,7 @@ void PictureFeed::seekAfresh(double time)
 bool PictureFeed::holds(double time) const
 {
     const std::lock_guard lock(m_mutex);
-    return !m_seekTo && (!known(time).empty() || !from(m_begin, time, m_beginIsWhole).empty());
+    return !m_seekTo && !known(time).empty();
 }
 
 std::deque<Picture> PictureFeed::known(double time) const
@@ -119,6 +119,7 @@ bool PictureFeed::reuse(double time)
         m_queue = std::move(pictures);
         m_status.endTime = m_queue.back().time + m_queue.back().duration;
         m_status.ended = m_beginIsWhole;
+        m_status.failed = false; // what is kept can be shown, and the rest may be whole by now
         m_goOnAt = m_beginIsWhole ? std::nullopt : std::optional(m_status.endTime);
         m_beginGrows = false;
         ++m_jumps;
@@ -221,7 +222,7 @@ bool PictureFeed::read(std::unique_lock<std::mutex>& lock, PictureReader& reader
                                 : reader.next(out);
     const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - begin;
     lock.lock();
-    if (found && !target)
+    if (found && !target && !goOnAt)
         noteLoad(taken.count(), out.time + out.duration - m_status.endTime);
     return found;
 }

@@ -23,7 +23,6 @@ namespace vantrel::ombra {
 namespace {
 
 constexpr std::size_t layersAtMost = 4;
-constexpr float screenGamma = 2.4F; // of BT.1886: light by values
 
 void tell(void*, pl_log_level level, const char* text)
 {
@@ -168,7 +167,7 @@ public:
         else if (count > 0)
             paintMixed(moment, count, ground, target);
         else
-            clear(frame.fbo, ground.color);
+            clear(frame.fbo, ground.dimmed(1 - moment.dipped));
         return pl_swapchain_submit_frame(m_swapchain);
     }
 
@@ -317,7 +316,8 @@ private:
             whole += moment.layers[i].share;
         }
         for (std::size_t i = 0; i < 3; ++i) {
-            const float color = ground.mixesLight ? std::pow(ground.color[i], screenGamma) : ground.color[i];
+            const float color =
+                ground.mixesLight ? std::pow(ground.color[i], float(screenGamma)) : ground.color[i];
             rest[i] = color * static_cast<float>(std::max(0.0, 1 - whole));
         }
         addUp(count, shares, rest, ground.mixesLight, target.planes[0].texture);

@@ -298,6 +298,8 @@ Fate Display::present(Window& window, const Place& place)
         const bool isPainted = changes && paint(window, now, isCard);
         if (changes)
             refused = isPainted ? 0 : refused + 1;
+        if (changes && !isPainted)
+            window.expose(); // it is still to be painted
         if (refused > givenUpAfter * window.rate() && m_kind == Kind::FullScreen) {
             Log::write(LogLevel::Warning, "vantrel.display",
                        "the graphics card takes no pictures any more: the screen is opened anew");

@@ -13,7 +13,6 @@ namespace {
 
 constexpr std::size_t layersAtMost = 4;
 constexpr unsigned whole = 1 << 15; // of a share
-constexpr double screenGamma = 2.4; // of BT.1886: light by values
 
 using Color = std::array<float, 3>;
 
@@ -83,14 +82,14 @@ public:
         else if (count > 0)
             paintMixed(moment, count, ground, area);
         else
-            area.fill(0, 0, area.width, area.height, pixelOf(ground.color));
+            area.fill(0, 0, area.width, area.height, pixelOf(ground.dimmed(1 - moment.dipped)));
         return true;
     }
 
     void swap() override
     {
         if (m_own)
-            SDL_BlitSurface(m_own, nullptr, SDL_GetWindowSurface(m_window), nullptr);
+            SDL_BlitSurface(m_own, nullptr, surfaceOfWindow(), nullptr);
         SDL_UpdateWindowSurface(m_window);
     }
 
@@ -105,10 +104,16 @@ private:
         std::vector<std::uint8_t> pixels{};
     };
 
+    SDL_Surface* surfaceOfWindow() const
+    {
+        const std::lock_guard lock(windowPixels());
+        return SDL_GetWindowSurface(m_window);
+    }
+
     /// The window's own, or one that is turned into such where those have other values.
     SDL_Surface* surfaceToPaint()
     {
-        SDL_Surface* surface = SDL_GetWindowSurface(m_window);
+        SDL_Surface* surface = surfaceOfWindow();
         const bool serves = surface && (surface->format->format == SDL_PIXELFORMAT_RGB888 ||
                                         surface->format->format == SDL_PIXELFORMAT_ARGB8888);
         const bool fits = m_own && surface && m_own->w == surface->w && m_own->h == surface->h;
@@ -232,6 +237,12 @@ private:
 };
 
 } // namespace
+
+std::mutex& windowPixels()
+{
+    static std::mutex mutex;
+    return mutex;
+}
 
 std::unique_ptr<Painter> makeProcessorPainter(SDL_Window* window)
 {

@@ -1,6 +1,7 @@
 #include "ombra/display/screens.h"
 
 #include "ombra/base/fail.h"
+#include "ombra/display/processorpainter.h"
 
 #include <SDL.h>
 #include <algorithm>
@@ -194,7 +195,7 @@ bool Screens::startVideo(std::string* error)
     SDL_DisableScreenSaver();
     SDL_ShowCursor(SDL_DISABLE);
     m_hasVideo = true;
-    m_hasCard = m_paintBy == PaintBy::Card || !isOnX() || hasGraphicsCard();
+    m_hasCard = m_paintBy == PaintBy::Card || !isOnX() || hasGraphicsCard(m_connection);
     return true;
 }
 
@@ -213,7 +214,11 @@ void Screens::endVideo()
 void Screens::handleEvents()
 {
     SDL_Event event;
-    while (m_hasVideo && SDL_PollEvent(&event)) {
+    const auto poll = [&event] {
+        const std::lock_guard lock(windowPixels());
+        return SDL_PollEvent(&event) != 0;
+    };
+    while (m_hasVideo && poll()) {
         if (event.type == SDL_QUIT)
             m_connection.isLost = true;
         const bool isOtherScreen =

@@ -37,9 +37,11 @@ bool isSoftwareRenderer(const std::string& name)
 
 } // namespace
 
-bool hasGraphicsCard()
+bool hasGraphicsCard(DesktopConnection& connection)
 {
     SDL_Window* window = SDL_CreateWindow("", 0, 0, 16, 16, SDL_WINDOW_OPENGL | SDL_WINDOW_HIDDEN);
+    if (window)
+        surviveLoss(window, connection);
     SDL_GLContext context = window ? SDL_GL_CreateContext(window) : nullptr;
     const bool hasOne =
         context && SDL_GL_MakeCurrent(window, context) == 0 && !isSoftwareRenderer(rendererName());

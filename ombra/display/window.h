@@ -26,7 +26,7 @@ struct Place
 };
 
 /// Whether one paints here, and not a driver that makes believe so. The thread that has SDL's video.
-bool hasGraphicsCard();
+bool hasGraphicsCard(DesktopConnection& connection);
 
 /// The window of a display, without borders over a whole screen or as one on a desktop, and its painter. It
 /// takes no input but that it may be closed on a desktop. Screens makes and ends it; all else is for the
@@ -77,6 +77,7 @@ public:
     Fate fate() const;
     /// Whether it is to be painted although its picture has not changed.
     bool takeExposed() { return m_isExposed.exchange(false); }
+    void expose() { m_isExposed = true; }
     std::string description() const;
 
 private:

@@ -325,7 +325,8 @@ private Q_SLOTS:
         const Track left(all, 0, 2);
         QVERIFY2(isTooSlow() || left.step() < steps(440), qPrintable(QString::number(left.step())));
         const QStringList pauses = left.silences();
-        QVERIFY2(isTooSlow() || near(pauses.value(1).section(u'+', 1).toDouble(), 0.03, 0.2),
+        // The fades around it take of the silence, and what the device is late of the clock.
+        QVERIFY2(isTooSlow() || near(pauses.value(1).section(u'+', 1).toDouble(), 0.03, 0.5),
                  qPrintable(pauses.join(u' ')));
     }
 
