@@ -98,6 +98,7 @@ struct NetworkResponder::Impl : std::enable_shared_from_this<Impl>
     Interfaces joined;                                 // by that ear
     std::map<unsigned int, std::shared_ptr<Ear>> ears; // of IPv6, by the interface, whatever addresses it has
     asio::steady_timer nextLook;
+    bool hasEnded = false;
     std::string text;
     std::optional<Clock::time_point> textMade;
     error_code error; // the last one, of opening
@@ -121,7 +122,7 @@ void NetworkResponder::Impl::lookEachTime()
     constexpr std::chrono::seconds pause{2};
     nextLook.expires_after(pause);
     nextLook.async_wait([self = shared_from_this()](const error_code& failed) {
-        if (failed)
+        if (failed || self->hasEnded) // its time may have been over when it ended
             return;
         self->look();
         self->lookEachTime();
@@ -222,6 +223,7 @@ void NetworkResponder::Impl::answer(Ear& ear, std::size_t count)
 
 void NetworkResponder::Impl::end()
 {
+    hasEnded = true;
     nextLook.cancel();
     if (ear4)
         ear4->close();

@@ -70,6 +70,10 @@ QNetworkReply* ShowService::ask(const QString& command, const QByteArray& method
                           path == QLatin1String("/show/current")
                               ? QStringLiteral("application/x-www-form-urlencoded")
                               : QStringLiteral("application/json"));
+    constexpr int patience =
+        15'000; // milliseconds; a show is made before it comes, and is followed on the screen
+    if (method == "GET" && path != QLatin1String("/show/current"))
+        request.setTransferTimeout(patience);
     QNetworkAccessManager* network = m_session->getQNetworkAccessManager();
     QNetworkReply* reply = method == "GET"    ? network->get(request)
                            : method == "POST" ? network->post(request, body)
