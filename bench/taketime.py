@@ -53,6 +53,15 @@ def start_halcyra(folder, ports):
     return window, Robot(port_of(output))
 
 
+def cut_directly(robot):
+    """Pressed until it stands: the button is there before the window knows its channel."""
+    button = "TakeControls-DirectCut-Button"
+    end = time.monotonic() + PATIENCE
+    while not robot.find(button).get("checked") and time.monotonic() < end:
+        robot.mouse("click", robot.find(button))
+        time.sleep(0.3)
+
+
 def take(robot, screen, row):
     """Seconds from the click to the other colour."""
     color = list(COLORS.values())[row]
@@ -79,8 +88,8 @@ def main():
             for side in (PROGRAM, PREVIEW):
                 link.replace(side + "/properties/endAction", "repeat")
             link.play(PROGRAM, 1)
-            robot.mouse("click", robot.find("TakeControls-DirectCut-Button"))
             until(lambda: is_of(screen.pixels(960, 540, 1)[0], COLORS["blue"]), "program's first medium")
+            cut_directly(robot)
             times = sorted(RATE * take(robot, screen, 1 - i % 2) for i in range(takes))
         finally:
             stop(window, server, screen.process)
