@@ -8,6 +8,7 @@
 #include "common/views/collectionnumbers.h"
 #include "common/views/media/collectionpanes.h"
 #include "common/views/mediapanelwidget.h"
+#include "common/views/slotclipboard.h"
 #include "common/views/slotdrops.h"
 #include "common/views/slotmove.h"
 #include "tests/common/command/scriptedlibrary.h"
@@ -15,6 +16,9 @@
 #include "tests/support/testmain.h"
 
 #include <QAction>
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QMimeData>
 
 #include <algorithm>
 
@@ -186,6 +190,31 @@ private Q_SLOTS:
         QCOMPARE(panes.slotModel()->collection(), 8);
         panes.setCurrent(0);
         QCOMPARE(panes.slotModel()->collection(), 2);
+    }
+
+    /// What the server refuses is not lost: it can be pasted again.
+    void theCutIsKeptUntilItIsTaken()
+    {
+        QWidget window;
+        ImplMediaCollectionManager manager;
+        SlotDrops drops(m_server->session(), &manager, &window);
+        drops.setCollection(2);
+        copySlots(*m_server->session()->mediaLibraryModel(), 1, {1, 2}, true);
+        m_server->refusal = 507;
+        expectWarning(QStringLiteral("Redo failed! the disk is full"));
+        pasteSlots(&drops, 7);
+        pasteSlots(&drops, 7); // by the same key, held
+        QVERIFY(wasTold(QStringLiteral("They are on their way already.")));
+        QTRY_VERIFY(m_server->isIdle());
+        QVERIFY(m_server->urlOf(2, 7).empty());
+        m_server->refusal = 0;
+        pasteSlots(&drops, 7);
+        QTRY_COMPARE(m_server->urlOf(2, 8), std::string("file:///clips/c1s2.mp4"));
+        const auto isCleared = [] {
+            const QMimeData* const data = QGuiApplication::clipboard()->mimeData();
+            return !data || data->formats().isEmpty();
+        };
+        QTRY_VERIFY(isCleared());
     }
 
 private:
