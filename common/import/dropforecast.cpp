@@ -122,7 +122,8 @@ void DropForecast::place(const MediaCollectionManager& manager, int collection, 
 {
     const int end = manager.lastSlotInCollection(collection);
     if (!manager.holdsCollection(collection)) {
-        fault = translated("Collection %1 is not in the library any more.").arg(collection);
+        fault = collection < 0 ? translated("Its collection is not in the library any more.")
+                               : translated("Collection %1 is not in the library any more.").arg(collection);
         return;
     }
     if (slot < 0 || slot + count - 1 > end) {

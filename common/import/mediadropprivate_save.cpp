@@ -46,7 +46,8 @@ bool MediaDropPrivate::hasRoom()
     const qsizetype slotCount = storedSlotCount();
     const MediaCollectionManager* const manager = m_creator->mediaCollectionManager();
     if (manager && !manager->holdsCollection(m_collection)) {
-        addFault(tr("Collection %1 is not in the library any more.").arg(m_collection));
+        addFault(m_collection < 0 ? tr("Its collection is not in the library any more.")
+                                  : tr("Collection %1 is not in the library any more.").arg(m_collection));
         return false;
     }
     if (manager && m_startSlot >= 0 &&

@@ -25,7 +25,11 @@ Q_LOGGING_CATEGORY(log, "vantrel.qml")
 
 QString titleOf(const MediaDrop& drop)
 {
-    return DropDialog::tr("Drop on slot %1 of collection %2").arg(drop.startSlot()).arg(drop.collection());
+    return drop.collection() < 0
+               ? DropDialog::tr("Drop on slot %1 of a collection that is gone").arg(drop.startSlot())
+               : DropDialog::tr("Drop on slot %1 of collection %2")
+                     .arg(drop.startSlot())
+                     .arg(drop.collection());
 }
 
 } // namespace

@@ -1,11 +1,13 @@
 #pragma once
 
+#include "tarn/media/mediacollection.h"
 #include "tarn/ref.h"
 
 #include <QObject>
 #include <QPointer>
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace vantrel {
@@ -27,7 +29,11 @@ public:
         : m_number(std::move(number))
     {
     }
+    /// -1 while it is gone.
     int number() const { return *m_number; }
+    /// False, and the operator is told that nothing comes of it, where it is gone.
+    Q_INVOKABLE bool isThere(const QString& what) const { return isThere(m_number, what); }
+    static bool isThere(const Number& number, const QString& what);
 
 Q_SIGNALS:
     void numberChanged();
@@ -50,7 +56,8 @@ public:
     explicit CollectionNumbers(Session* session, QObject* parent = nullptr);
     ~CollectionNumbers() override;
 
-    /// Stays in step as long as somebody holds it. Of a collection that goes it is the last number.
+    /// Stays in step as long as somebody holds it: -1 while the collection is gone, since another one may get
+    /// its number, and the new one when it comes back, as by an undo.
     Number follow(int collection);
 
 Q_SIGNALS:
@@ -58,14 +65,24 @@ Q_SIGNALS:
     void changed();
 
 private:
+    /// One for each collection.
+    struct Followed
+    {
+        std::weak_ptr<int> number;
+        std::optional<MediaCollection> gone; // what it held last
+    };
+
     void followLibrary();
-    void look();
+    /// isOther: the library was read anew, so that anything may have happened in between.
+    void look(bool isOther);
+    bool renumber(Followed& followed, const MediaLibrary& before, const MediaLibrary& now,
+                  bool isOther) const;
     Ref<const MediaLibrary> expected() const;
 
     Session* m_session;
     QPointer<const MediaLibraryApi> m_api;
-    std::vector<std::weak_ptr<int>> m_followed; // one for each collection
-    Ref<const MediaLibrary> m_known;            // null while nobody follows anything
+    std::vector<Followed> m_followed;
+    Ref<const MediaLibrary> m_known; // null while nobody follows anything
 };
 
 } // namespace vantrel

@@ -396,7 +396,8 @@ void MediaPanelWidget::askForName()
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setValue(0, collectionName());
     connect(dialog, &TextInputDialog::valuesConfirmed, this, [this, collection](const QStringList& values) {
-        m_manager->renameCollection(*collection, values.value(0));
+        if (FollowedCollection::isThere(collection, tr("Rename collection")))
+            m_manager->renameCollection(*collection, values.value(0));
     });
     dialog->open();
 }
@@ -404,7 +405,9 @@ void MediaPanelWidget::askForName()
 void MediaPanelWidget::askForRemoval()
 {
     const auto collection = m_drops->numbers().follow(selectedCollection());
-    const auto title = [collection] { return tr("Remove collection %1?").arg(*collection); };
+    const auto title = [collection] {
+        return *collection < 0 ? tr("The collection is gone") : tr("Remove collection %1?").arg(*collection);
+    };
     auto* dialog = new ConfirmationDialog(
         title(),
         tr("\"%1\" goes with all its slots. Playlists that play them lose their media. It can be undone.")
@@ -413,8 +416,10 @@ void MediaPanelWidget::askForRemoval()
     dialog->setObjectNames(QStringLiteral("MediaPanel-remove-collection"));
     dialog->setAcceptClass(QStringLiteral("red"));
     dialog->setAttribute(Qt::WA_DeleteOnClose);
-    connect(dialog, &ZTDialog::confirmed, this,
-            [this, collection] { m_manager->removeCollection(*collection); });
+    connect(dialog, &ZTDialog::confirmed, this, [this, collection] {
+        if (FollowedCollection::isThere(collection, tr("Remove collection")))
+            m_manager->removeCollection(*collection);
+    });
     connect(&m_drops->numbers(), &CollectionNumbers::changed, dialog,
             [dialog, title] { dialog->setTitle(title()); });
     dialog->open();

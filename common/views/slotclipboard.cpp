@@ -9,6 +9,8 @@
 #include <QGuiApplication>
 #include <QMimeData>
 
+#include <memory>
+
 namespace vantrel {
 
 namespace {
@@ -42,15 +44,21 @@ QString copySlots(const MediaLibraryModel& library, int collection, const QList<
 
 void pasteSlots(SlotDrops* drops, int number)
 {
+    static std::weak_ptr<const QByteArray> pasted; // the cut that the server has yet to take
     const QMimeData* const data = QGuiApplication::clipboard()->mimeData();
-    const QByteArray cut = data ? data->data(cutFormat) : QByteArray();
-    // Where they were they are no more.
+    const auto cut = std::make_shared<const QByteArray>(data ? data->data(cutFormat) : QByteArray());
+    const bool isCut = !cut->isEmpty();
+    if (const auto other = pasted.lock(); isCut && other && *other == *cut)
+        return tellNotDone(translated("Paste slots"), translated("They are on their way already."));
+    // Where they were they are no more; what is refused can be pasted again.
     const auto letGo = [cut] {
         QClipboard* const clipboard = QGuiApplication::clipboard();
-        if (!cut.isEmpty() && clipboard->mimeData() && clipboard->mimeData()->data(cutFormat) == cut)
+        if (!cut->isEmpty() && clipboard->mimeData() && clipboard->mimeData()->data(cutFormat) == *cut)
             clipboard->clear();
     };
-    if (!data || !drops->paste(data, !cut.isEmpty(), number, letGo))
+    if (isCut)
+        pasted = cut;
+    if (!data || !drops->paste(data, isCut, number, letGo))
         tellNotDone(translated("Paste slots"),
                     translated("There are no slots on the clipboard. Copy some first."));
 }

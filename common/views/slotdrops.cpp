@@ -8,6 +8,8 @@
 #include "common/media/edit/mediacollectionmanager.h"
 #include "common/media/items/guimediaslot.h"
 #include "common/media/items/mimedata.h"
+#include "common/media/library/editqueue.h"
+#include "common/media/library/medialibraryapi.h"
 #include "common/media/library/medialibraryprovider.h"
 #include "common/session/session.h"
 #include "common/views/dropreview.h"
@@ -108,13 +110,20 @@ void SlotDrops::want(bool isCopy, bool isMove)
     m_room = {-1, -1};
 }
 
-bool SlotDrops::paste(const QMimeData* data, bool isMove, int slot, const std::function<void()>& stored)
+bool SlotDrops::paste(const QMimeData* data, bool isMove, int slot, const std::function<void()>& taken)
 {
     if (!begin(data))
         return false;
     m_keysCount = false;
     want(!isMove, isMove);
-    m_stored = stored;
+    m_stored = [session = m_session, taken] {
+        const MediaLibraryApi* const api = session ? session->getMediaLibraryApi() : nullptr;
+        if (api)
+            api->edits()->followLast([taken](const DiffApiError& answer) {
+                if (answer.success)
+                    taken();
+            });
+    };
     drop(roomFrom(slot));
     end();
     return true;

@@ -57,9 +57,9 @@ public:
     const DropForecast& aim(int slot);
     void drop(int slot);
     void end();
-    /// Drops it at the first room from the slot on; false for what is none of ours. stored: called once it is
-    /// there, which may take a look of the operator.
-    bool paste(const QMimeData* data, bool isMove, int slot, const std::function<void()>& stored);
+    /// Drops it at the first room from the slot on; false for what is none of ours. taken: called once the
+    /// server has taken it, for which the operator may have to look at it first; let go of where it is not.
+    bool paste(const QMimeData* data, bool isMove, int slot, const std::function<void()>& taken);
 
     // Of whoever drops by other ways; what they make of it is taken as what is dropped here.
     ImageSequenceCreator* creator() { return &m_creator; }

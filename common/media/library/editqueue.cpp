@@ -110,6 +110,18 @@ void EditQueue::await(const std::shared_ptr<LibraryEdit>& edit)
     watcher->setFuture(edit->making);
 }
 
+void EditQueue::followLast(const EditAnswered& answered)
+{
+    if (m_edits.empty())
+        return;
+    EditAnswered& last = m_edits.back().answered;
+    last = [sender = std::exchange(last, nullptr), answered](const DiffApiError& answer) {
+        if (sender)
+            sender(answer);
+        answered(answer);
+    };
+}
+
 /// Holds on to no library of before either.
 void EditQueue::outdateExpected()
 {

@@ -29,6 +29,8 @@ public:
     ~EditQueue() override;
 
     void submit(const std::shared_ptr<LibraryEdit>& edit, EditDirection direction, EditAnswered answered);
+    /// Told beside its sender of what becomes of the edit that was submitted last; of none where none waits.
+    void followLast(const EditAnswered& answered);
     bool isEmpty() const { return m_edits.empty(); }
     /// The library with what is under way: what the next edit is made on. Worked out once for each change.
     Ref<const MediaLibrary> expected() const;

@@ -307,8 +307,7 @@ void MediaLibraryApi::takeMessage(const LibraryMessage& message)
         m_revision = revision;
     // What the server sends is what it did: what does not fit, or follows on something else, shows that some
     // of it was missed.
-    const bool fits = apply(message);
-    if ((hasGap || !fits) && isCurrent())
+    if ((!apply(message) || hasGap) && isCurrent())
         requestMediaLibrary();
 }
 
@@ -319,6 +318,11 @@ void MediaLibraryApi::missMessage()
         m_isBehind = true;
     else
         requestMediaLibrary();
+}
+
+bool MediaLibraryApi::applyMediaLibraryPatch(const Patch& patch)
+{
+    return apply(LibraryMessage::of(patch));
 }
 
 bool MediaLibraryApi::apply(const LibraryMessage& message)

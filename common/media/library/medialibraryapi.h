@@ -95,7 +95,7 @@ public:
 
     /// What a message of the stream does: changes the library, then tells what the patch touched, collections
     /// before playlists. False, and nothing changes or is told, when the patch does not fit.
-    bool applyMediaLibraryPatch(const Patch& patch) { return apply(LibraryMessage::of(patch)); }
+    bool applyMediaLibraryPatch(const Patch& patch);
 
     /// The bytes that patchMediaLibrary() sends; false when the patch has no JSON form.
     static bool patchBody(const Patch& patch, QByteArray* body);

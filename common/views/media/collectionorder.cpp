@@ -26,20 +26,11 @@ Ref<const MediaLibrary> expectedOf(const Session* session)
     return api ? Ref<const MediaLibrary>(api->expectedLibrary()) : nullptr;
 }
 
-CollectionOrder::Numbers turnedRound(const CollectionOrder::Numbers& numbers)
-{
-    CollectionOrder::Numbers back;
-    for (const auto& [from, to] : numbers)
-        back.emplace(to, from);
-    return back;
-}
-
 } // namespace
 
-CollectionOrder::CollectionOrder(Session* session, Follow follow, QObject* parent)
+CollectionOrder::CollectionOrder(Session* session, QObject* parent)
     : QObject(parent)
     , m_session(session)
-    , m_follow(std::move(follow))
 {
 }
 
@@ -96,16 +87,8 @@ void CollectionOrder::move(int collection, int before)
     if (const QString why = obstacleOf(numbers); !why.isEmpty())
         return tellNotDone(tr("Order of the collections"), why);
     auto command = std::make_unique<MoveCollectionCommand>();
-    if (!command->init(m_session->mediaLibrary(), collection, before))
-        return;
-    const auto follow = [this, numbers, stands = true](EditDirection direction, bool isDone) mutable {
-        const bool isMoved = (direction == EditDirection::Redo) == isDone;
-        if (isMoved != std::exchange(stands, isMoved))
-            m_follow(isMoved ? numbers : turnedRound(numbers));
-    };
-    connect(command.get(), &AbstractDiffApiCommand::answered, this, follow);
-    if (submit(m_session->getQUndoStack(), std::move(command)))
-        m_follow(numbers);
+    if (command->init(m_session->mediaLibrary(), collection, before))
+        submit(m_session->getQUndoStack(), std::move(command));
 }
 
 void CollectionOrder::step(int collection, int direction)

@@ -3,7 +3,6 @@
 #include <QObject>
 #include <QVariantMap>
 
-#include <functional>
 #include <map>
 
 namespace vantrel {
@@ -19,12 +18,9 @@ class CollectionOrder : public QObject
 public:
     /// The new numbers by the old ones, of all collections that get another.
     using Numbers = std::map<int, int>;
-    /// Who shows a collection by its number goes along with it: called when an edit leaves, and the other way
-    /// round when it was refused or undone.
-    using Follow = std::function<void(const Numbers&)>;
 
     /// session: null has no server; else it must outlive this.
-    CollectionOrder(Session* session, Follow follow, QObject* parent = nullptr);
+    explicit CollectionOrder(Session* session, QObject* parent = nullptr);
 
     /// What it would do to put the collection in front of another, or with -1 behind all: "isPossible", and a
     /// sentence as "text". Neither where it stands there already.
@@ -38,7 +34,6 @@ private:
     QString obstacleOf(const Numbers& numbers) const;
 
     Session* m_session;
-    Follow m_follow;
 };
 
 } // namespace vantrel

@@ -13,9 +13,11 @@ const QString currentKey = QStringLiteral("Window/MediaCurrent");
 
 } // namespace
 
-CollectionPanes::CollectionPanes(MediaLibraryModel* library, SlotGridModel::IsUsed isUsed, QObject* parent)
+CollectionPanes::CollectionPanes(MediaLibraryModel* library, CollectionNumbers& numbers,
+                                 SlotGridModel::IsUsed isUsed, QObject* parent)
     : QAbstractListModel(parent)
     , m_library(library)
+    , m_numbers(numbers)
     , m_isUsed(std::move(isUsed))
 {
     const QStringList shown = storedValue(shownKey, QStringList()).toStringList();
@@ -24,16 +26,46 @@ CollectionPanes::CollectionPanes(MediaLibraryModel* library, SlotGridModel::IsUs
     if (m_panes.empty())
         m_panes.push_back(makePane(-1));
     m_current = std::clamp(storedValue(currentKey, 0).toInt(), 0, count() - 1);
+    connect(&m_numbers, &CollectionNumbers::changed, this, &CollectionPanes::renumber);
 }
 
 CollectionPanes::~CollectionPanes() = default;
 
-std::unique_ptr<SlotGridModel> CollectionPanes::makePane(int collection)
+CollectionPanes::Pane CollectionPanes::makePane(int collection)
 {
-    auto pane = std::make_unique<SlotGridModel>(m_library, m_isUsed);
-    pane->setCollection(collection);
-    connect(pane.get(), &SlotGridModel::collectionChanged, this, &CollectionPanes::noteShown);
-    return pane;
+    auto model = std::make_unique<SlotGridModel>(m_library, m_isUsed);
+    model->setCollection(collection);
+    connect(model.get(), &SlotGridModel::collectionChanged, this, [this, shown = model.get()] {
+        follow(shown);
+        noteShown();
+    });
+    return {.model = std::move(model), .number = m_numbers.follow(collection)};
+}
+
+void CollectionPanes::follow(const SlotGridModel* model)
+{
+    const int collection = model->collection();
+    const CollectionNumbers::Number number = m_numbers.follow(collection);
+    const auto pane = std::ranges::find(m_panes, model, [](const Pane& each) { return each.model.get(); });
+    // What has just been found out may have led it on.
+    if (pane != m_panes.end() && model->collection() == collection)
+        pane->number = number;
+}
+
+void CollectionPanes::renumber()
+{
+    for (std::size_t i = 0; i < m_panes.size(); ++i) {
+        SlotGridModel* const model = m_panes[i].model.get();
+        const int number = *m_panes[i].number;
+        if (number == model->collection())
+            continue;
+        if (number < 0)
+            follow(model); // it shows whatever has its number
+        else if (static_cast<int>(i) == m_current)
+            Q_EMIT currentRenumbered(number);
+        else
+            model->setCollection(number);
+    }
 }
 
 int CollectionPanes::rowCount(const QModelIndex& parent) const
@@ -45,7 +77,7 @@ QVariant CollectionPanes::data(const QModelIndex& index, int role) const
 {
     if (!index.isValid() || index.row() >= count() || role != SlotModelRole)
         return {};
-    return QVariant::fromValue(m_panes[static_cast<std::size_t>(index.row())].get());
+    return QVariant::fromValue(m_panes[static_cast<std::size_t>(index.row())].model.get());
 }
 
 QHash<int, QByteArray> CollectionPanes::roleNames() const
@@ -64,8 +96,8 @@ void CollectionPanes::setCurrent(int pane)
 
 bool CollectionPanes::shows(int collection) const
 {
-    return std::ranges::any_of(m_panes,
-                               [collection](const auto& pane) { return pane->collection() == collection; });
+    return std::ranges::any_of(
+        m_panes, [collection](const Pane& pane) { return pane.model->collection() == collection; });
 }
 
 void CollectionPanes::open(int collection)
@@ -87,7 +119,7 @@ void CollectionPanes::close(int pane)
         return;
     beginRemoveRows({}, pane, pane);
     // Once what shows it has let go of it.
-    m_panes[static_cast<std::size_t>(pane)].release()->deleteLater();
+    m_panes[static_cast<std::size_t>(pane)].model.release()->deleteLater();
     m_panes.erase(m_panes.begin() + pane);
     endRemoveRows();
     if (pane < m_current || m_current == count())
@@ -98,20 +130,11 @@ void CollectionPanes::close(int pane)
     noteShown();
 }
 
-void CollectionPanes::renumber(const std::map<int, int>& numbers)
-{
-    for (const auto& pane : m_panes) {
-        const auto number = numbers.find(pane->collection());
-        if (pane.get() != slotModel() && number != numbers.end())
-            pane->setCollection(number->second);
-    }
-}
-
 void CollectionPanes::noteShown()
 {
     QStringList shown;
-    for (const auto& pane : m_panes)
-        shown.append(QString::number(pane->collection()));
+    for (const Pane& pane : m_panes)
+        shown.append(QString::number(pane.model->collection()));
     storeValue(shownKey, shown);
     ++m_revision;
     Q_EMIT shownChanged();
@@ -119,8 +142,8 @@ void CollectionPanes::noteShown()
 
 void CollectionPanes::refreshUse()
 {
-    for (const auto& pane : m_panes)
-        pane->refreshUse();
+    for (const Pane& pane : m_panes)
+        pane.model->refreshUse();
 }
 
 } // namespace vantrel

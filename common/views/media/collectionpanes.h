@@ -1,10 +1,10 @@
 #pragma once
 
+#include "common/views/collectionnumbers.h"
 #include "common/views/media/slotgridmodel.h"
 
 #include <QAbstractListModel>
 
-#include <map>
 #include <memory>
 #include <vector>
 
@@ -12,7 +12,7 @@ namespace vantrel {
 
 /// The collections that stand side by side in the MEDIA tab ("collectionPanes"), from left to right: each has
 /// its slots, and one is what the keys and the list of collections mean. At least one. Kept in the settings.
-/// The view owns it; main thread only.
+/// Each stays with its collection when that gets another number. The view owns it; main thread only.
 class CollectionPanes : public QAbstractListModel
 {
     Q_OBJECT
@@ -28,8 +28,9 @@ public:
     static constexpr int SlotModelRole = 257;
     static constexpr int most = 4;
 
-    /// The library must outlive this.
-    CollectionPanes(MediaLibraryModel* library, SlotGridModel::IsUsed isUsed, QObject* parent = nullptr);
+    /// The library and the numbers must outlive this.
+    CollectionPanes(MediaLibraryModel* library, CollectionNumbers& numbers, SlotGridModel::IsUsed isUsed,
+                    QObject* parent = nullptr);
     ~CollectionPanes() override;
 
     int rowCount(const QModelIndex& parent = {}) const override;
@@ -39,7 +40,7 @@ public:
     int count() const { return static_cast<int>(m_panes.size()); }
     int current() const { return m_current; }
     void setCurrent(int pane);
-    SlotGridModel* slotModel() const { return m_panes[static_cast<std::size_t>(m_current)].get(); }
+    SlotGridModel* slotModel() const { return m_panes[static_cast<std::size_t>(m_current)].model.get(); }
     int revision() const { return m_revision; }
 
     /// Whether one of them shows the collection.
@@ -49,9 +50,6 @@ public:
     /// Nothing for the last one.
     Q_INVOKABLE void close(int pane);
 
-    /// Collections have got other numbers, by their old ones: all but the current pane go with theirs.
-    void renumber(const std::map<int, int>& numbers);
-
 public Q_SLOTS:
     /// What the playlists play has changed.
     void refreshUse();
@@ -60,14 +58,25 @@ Q_SIGNALS:
     void countChanged();
     void currentChanged();
     void shownChanged();
+    /// The collection of the current pane has another number: whoever chose it is to choose that one.
+    void currentRenumbered(int collection);
 
 private:
-    std::unique_ptr<SlotGridModel> makePane(int collection);
+    struct Pane
+    {
+        std::unique_ptr<SlotGridModel> model;
+        CollectionNumbers::Number number;
+    };
+
+    Pane makePane(int collection);
+    void follow(const SlotGridModel* model);
+    void renumber();
     void noteShown();
 
     MediaLibraryModel* m_library;
+    CollectionNumbers& m_numbers;
     SlotGridModel::IsUsed m_isUsed;
-    std::vector<std::unique_ptr<SlotGridModel>> m_panes;
+    std::vector<Pane> m_panes;
     int m_current = 0;
     int m_revision = 0;
 };

@@ -93,13 +93,15 @@ void MediaView::setContext()
         return playlists && !playlists->slotEntries(slot).isEmpty();
     };
     m_collections = new CollectionSelectorModel(m_sources.provider, this);
-    m_panes = new CollectionPanes(m_sources.library, isUsed, this);
+    auto* actions = new MediaActions(m_view, m_sources.library, m_sources.session, m_view);
+    m_panes = new CollectionPanes(m_sources.library, actions->drops()->numbers(), isUsed, m_view);
+    connect(m_panes, &CollectionPanes::currentRenumbered, m_collections,
+            &CollectionSelectorModel::selectComing);
     followPlaylists();
     QQmlContext* context = m_view->rootContext();
     context->setContextProperty(QStringLiteral("collectionModel"),
                                 new SortedCollectionSelectorModel(m_collections, this));
     context->setContextProperty(QStringLiteral("collectionPanes"), m_panes);
-    auto* actions = new MediaActions(m_view, m_sources.library, m_sources.session, m_view);
     connect(actions, &MediaActions::connectRequested, this, &MediaView::connectRequested);
     context->setContextProperty(QStringLiteral("mediaActions"), actions);
     // Views that are put in the place of ours find the library and the ways into it by these names.
@@ -112,14 +114,7 @@ void MediaView::setContext()
         QStringLiteral("fileChoice"),
         new FileChoice(m_sources.library, session ? session->fileSystemProvider() : nullptr, m_view));
     context->setContextProperty(QStringLiteral("playlistAdditions"), new PlaylistAdditions(session, m_view));
-    const auto follow = [this](const CollectionOrder::Numbers& numbers) {
-        const auto chosen = numbers.find(m_collections->selectedCollectionIndex());
-        m_panes->renumber(numbers);
-        if (chosen != numbers.end())
-            m_collections->selectComing(chosen->second);
-    };
-    context->setContextProperty(QStringLiteral("collectionOrder"),
-                                new CollectionOrder(session, follow, m_view));
+    context->setContextProperty(QStringLiteral("collectionOrder"), new CollectionOrder(session, m_view));
     const SlotDetails::Sources known{.library = m_sources.library,
                                      .provider = m_sources.provider,
                                      .playlists = m_sources.playlists,

@@ -144,7 +144,7 @@ private Q_SLOTS:
         QTRY_VERIFY(!m_hand->live.library()->collection(LiveSession::collection));
         m_hand->reviewed()->acceptButton()->click();
         QCOMPARE(m_hand->reviewed()->description(),
-                 QStringLiteral("Collection 7 is not in the library any more."));
+                 QStringLiteral("Its collection is not in the library any more."));
         QVERIFY(!m_hand->reviewed()->acceptButton()->isEnabled());
         m_hand->reviewed()->reject();
         QTRY_VERIFY(!m_hand->reviewed());

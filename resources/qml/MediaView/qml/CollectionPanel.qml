@@ -29,14 +29,17 @@ ShrinkableFrame {
         const dialog = dialogs.openRenameDialog(qsTr("Rename collection"), qsTr("New name of “%1”").arg(name),
                                                 qsTr("RENAME"), name)
         dialog.setObjectNames("MediaView-rename-collection")
-        dialog.valuesConfirmed.connect(function(values) { commandCenter.renameCollection(collection.number, values[0]) })
+        dialog.valuesConfirmed.connect(function(values) {
+            if (collection.isThere(qsTr("Rename collection")))
+                commandCenter.renameCollection(collection.number, values[0])
+        })
     }
     function duplicate(number) { choosesAdded = commandCenter.copyCollection(number, -1) }
     function askRemove(number) {
         if (!mediaActions.isEditable || number < 0)
             return
         const collection = mediaActions.follow(number)
-        const title = () => qsTr("Remove collection %1?").arg(collection.number)
+        const title = () => collection.number < 0 ? qsTr("The collection is gone") : qsTr("Remove collection %1?").arg(collection.number)
         const dialog = dialogs.openConfirmationDialog(
             title(),
             qsTr("“%1” goes with all its slots. Playlists that play them lose their media. It can be undone.").arg(collectionModel.nameOf(number)),
@@ -45,7 +48,10 @@ ShrinkableFrame {
         const tell = () => dialog.windowTitle = title()
         collection.numberChanged.connect(tell)
         dialog.finished.connect(() => collection.numberChanged.disconnect(tell))
-        dialog.confirmed.connect(function() { commandCenter.removeCollection(collection.number) })
+        dialog.confirmed.connect(function() {
+            if (collection.isThere(qsTr("Remove collection")))
+                commandCenter.removeCollection(collection.number)
+        })
     }
     function step(number, direction) {
         if (mediaActions.isEditable && number >= 0)
