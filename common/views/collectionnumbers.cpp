@@ -148,6 +148,8 @@ void CollectionNumbers::look(bool isOther)
         m_known = {};
         return;
     }
+    if (!isOther && m_api && m_api->edits()->isMaking())
+        return; // it is looked at once that is made
     const Ref<const MediaLibrary> now = expected();
     if (!now)
         return;

@@ -311,8 +311,9 @@ void SlotDrops::giveUp(MediaDrop* drop)
 /// Its files are sent once their slots stand.
 void SlotDrops::follow(MediaDrop* drop)
 {
-    const auto await = [this](const QString& path, int collection, int slot, const QUrl& media) {
-        m_awaiting.insert(path, {m_numbers.follow(collection), slot, media});
+    const auto await = [this, number = m_made.value(drop).collection](const QString& path, int, int slot,
+                                                                      const QUrl& media) {
+        m_awaiting.insert(path, {number, slot, media});
     };
     connect(drop, &MediaDrop::mediaSlotSaved, this, [await](const QString& media, int collection, int slot) {
         await(QUrl(media).toLocalFile(), collection, slot, QUrl(media));

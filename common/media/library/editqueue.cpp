@@ -98,6 +98,11 @@ void EditQueue::submit(const std::shared_ptr<LibraryEdit>& edit, EditDirection d
     proceed();
 }
 
+bool EditQueue::isMaking() const
+{
+    return !std::ranges::all_of(m_edits, [](const Entry& entry) { return entry.edit->isMade(); });
+}
+
 /// Whoever asks for the library meanwhile waits for it.
 void EditQueue::await(const std::shared_ptr<LibraryEdit>& edit)
 {
@@ -339,8 +344,12 @@ EditQueue::Entry EditQueue::takeFirst()
 {
     Entry entry = std::move(m_edits.front());
     m_edits.pop_front();
-    if (!entry.edit->making.isValid())
+    if (entry.edit->isMade()) {
+        entry.edit->settle();
         entry.edit->lookUpBases();
+        entry.edit->document = {};
+        entry.edit->made = {};
+    }
     outdateExpected();
     m_patience.stop();
     m_awaited.reset();

@@ -32,6 +32,9 @@ public:
     /// Told beside its sender of what becomes of the edit that was submitted last; of none where none waits.
     void followLast(const EditAnswered& answered);
     bool isEmpty() const { return m_edits.empty(); }
+    /// Whether one of them is still worked out: who asks for expected() now waits for it, and submitted()
+    /// comes.
+    bool isMaking() const;
     /// The library with what is under way: what the next edit is made on. Worked out once for each change.
     Ref<const MediaLibrary> expected() const;
 

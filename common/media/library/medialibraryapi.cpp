@@ -233,8 +233,13 @@ void MediaLibraryApi::loseStream()
 
 void MediaLibraryApi::onStreamData()
 {
-    if (!m_stream || !m_stream->isOpen() || m_isLargeRead || m_turn->isAsked())
-        return; // what has come is taken first
+    if (!m_stream || !m_stream->isOpen())
+        return;
+    if (m_isLargeRead || m_turn->isAsked()) { // what has come is taken first
+        if (m_silence->isActive())
+            m_silence->start(); // it is not silent
+        return;
+    }
     // Much that comes at once is taken in turns, in between which the window goes on.
     constexpr qint64 inOneTurn = 256 * 1024;
     const QByteArray bytes = m_stream->read(inOneTurn);

@@ -4,6 +4,7 @@
 #include "common/ui/style/fontsizefollower.h"
 #include "common/ui/style/iconcache.h"
 #include "common/ui/style/mediaicon.h"
+#include "common/ui/style/smoothpicture.h"
 #include "common/ui/style/stylesheet.h"
 #include "tarn/media/mediaenums.h"
 
@@ -203,7 +204,7 @@ void SlotFace::paintBox(QPainter* painter) const
     painter->setBrush(fill);
     painter->setPen(hasEdge ? QPen(getColor(m_isAimed ? colors::Zt_orange : colors::Zt_blue_lighter), 1)
                             : QPen(Qt::NoPen));
-    painter->drawRoundedRect(box, radius, radius);
+    drawRounded(*painter, box, radius);
     painter->setRenderHint(QPainter::Antialiasing, false);
 }
 
@@ -218,7 +219,7 @@ void SlotFace::paintPlace(QPainter* painter, const Layout& at) const
     painter->setRenderHint(QPainter::Antialiasing);
     painter->setPen(dashes);
     painter->setBrush(Qt::NoBrush);
-    painter->drawRoundedRect(QRectF(box).adjusted(0.5, 0.5, -0.5, -0.5), radius, radius);
+    drawRounded(*painter, QRectF(box).adjusted(0.5, 0.5, -0.5, -0.5), radius);
     painter->setRenderHint(QPainter::Antialiasing, false);
     const colors::ColorCode ink = m_isAimed ? colors::White : colors::Zt_white_50;
     if (m_isTable) {
