@@ -54,7 +54,7 @@ constexpr const char* usage =
     "  --decode-by-card   videos are decoded by the graphics card (VA-API) where it can; the processor does "
     "the "
     "rest,\n"
-    "                     and all of it where the card fails\n"
+    "                     and what it gives no pictures of\n"
     "  --sound            program's sound on the machine's own sound device, or on the one of that name, or "
     "part "
     "of it;\n"

@@ -336,6 +336,8 @@ void Session::connectMediaLibraryApi()
     // The order of the connections is the order in which models and providers learn of a change.
     MediaLibraryModel* model = m_mediaLibraryModel.get();
     connect(api, &Api::mediaLibraryReplaced, model, &MediaLibraryModel::reset);
+    connect(api, &Api::changesStarted, model, &MediaLibraryModel::onChangesStarted);
+    connect(api, &Api::changesFinished, model, &MediaLibraryModel::onChangesFinished);
     connect(api, &Api::mediaCollectionChanged, model, &MediaLibraryModel::onCollectionChanged);
     connect(api, &Api::mediaCollectionAdded, model, &MediaLibraryModel::onCollectionAdded);
     connect(api, &Api::mediaCollectionRemoved, model, &MediaLibraryModel::onCollectionRemoved);

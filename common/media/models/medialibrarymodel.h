@@ -132,6 +132,10 @@ public Q_SLOTS:
     void onCollectionChanged(uint index);
     void onCollectionRemoved(uint index);
     void onCollectionAdded(uint index);
+    /// Slots that change between the two and follow each other are told of at once: views have to do with
+    /// each word, and with thousands of them for long.
+    void onChangesStarted();
+    void onChangesFinished();
     void onMediaAdded(vantrel::MediaAddress address);
     void onMediaChanged(vantrel::MediaAddress address);
     void onMediaRemoved(vantrel::MediaAddress address);
@@ -155,6 +159,8 @@ private:
     Item makeCollection(int collection);
     void updateCollectionSlots(MediaLibraryItem& item, int collection);
     void updateSlot(const MediaAddress& address);
+    void tellLater(const MediaAddress& slot);
+    void tellChanged();
     void setSlot(MediaLibraryItem& collection, int row, const MediaSlot* record);
     void indexUrls(const MediaLibraryItem& collection);
     void forgetSlots(const MediaLibraryItem& collection);
@@ -192,8 +198,11 @@ private:
     UrlIndex m_rowsByUrl;
     Turn m_turn;                // of indexing
     bool m_urlsIndexed = false; // since somebody asked for a URL
-    std::size_t m_indexed = 0;  // collections, until all are
-    QSet<QUrl> m_toTell;        // as soon as they are
+    bool m_isChanging = false;
+    MediaAddress m_firstChanged{}; // of those that are not told of yet, up to
+    int m_lastChanged = -1;
+    std::size_t m_indexed = 0; // collections, until all are
+    QSet<QUrl> m_toTell;       // as soon as they are
     Mark m_previewMark;
     Mark m_programMark;
 };

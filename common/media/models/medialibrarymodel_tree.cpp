@@ -65,6 +65,7 @@ int MediaLibraryModel::slotBefore(int collection, int number) const
 
 void MediaLibraryModel::reset()
 {
+    m_lastChanged = -1;
     beginResetModel();
     // To free those of a large library takes time.
     aside::letGo(std::make_shared<const std::tuple<std::vector<Item>, UrlIndex, RecentItems>>(
@@ -232,6 +233,7 @@ void MediaLibraryModel::onCollectionChanged(uint index)
 
 void MediaLibraryModel::onCollectionAdded(uint index)
 {
+    tellChanged();
     const auto number = static_cast<int>(index);
     if (rowOf(number) >= 0)
         onCollectionRemoved(index); // it was replaced as a whole
@@ -246,6 +248,7 @@ void MediaLibraryModel::onCollectionAdded(uint index)
 
 void MediaLibraryModel::onCollectionRemoved(uint index)
 {
+    tellChanged();
     const int row = rowOf(static_cast<int>(index));
     if (row < 0)
         return;
@@ -272,7 +275,7 @@ void MediaLibraryModel::onMediaRemoved(MediaAddress address)
     if (!row.isValid())
         return;
     setSlot(*m_collections[static_cast<std::size_t>(row.parent().row())], row.row(), nullptr);
-    emitDataChangedForRow(row);
+    tellLater(address);
 }
 
 void MediaLibraryModel::updateSlot(const MediaAddress& address)
@@ -286,13 +289,46 @@ void MediaLibraryModel::updateSlot(const MediaAddress& address)
     MediaLibraryItem& collection = *m_collections[static_cast<std::size_t>(collectionRow)];
     if (address.slot < collection.childCount()) {
         setSlot(collection, address.slot, record);
-        emitDataChangedForRow(slotIndex(address));
+        tellLater(address);
         return;
     }
+    tellChanged();
     beginInsertRows(index(collectionRow, 0), collection.childCount(), address.slot);
     collection.setChildCount(address.slot + 1);
     setSlot(collection, address.slot, record);
     endInsertRows();
+}
+
+void MediaLibraryModel::onChangesStarted()
+{
+    m_isChanging = true;
+}
+
+void MediaLibraryModel::onChangesFinished()
+{
+    m_isChanging = false;
+    tellChanged();
+}
+
+void MediaLibraryModel::tellLater(const MediaAddress& slot)
+{
+    const bool follows =
+        m_lastChanged >= 0 && slot.collection == m_firstChanged.collection && slot.slot == m_lastChanged + 1;
+    if (!follows) {
+        tellChanged();
+        m_firstChanged = slot;
+    }
+    m_lastChanged = slot.slot;
+    if (!m_isChanging)
+        tellChanged();
+}
+
+void MediaLibraryModel::tellChanged()
+{
+    const int last = std::exchange(m_lastChanged, -1);
+    const QModelIndex first = last < 0 ? QModelIndex() : slotIndex(m_firstChanged);
+    if (first.isValid())
+        Q_EMIT dataChanged(first.siblingAtColumn(0), index(last, ColumnCount - 1, first.parent()));
 }
 
 QStringList MediaLibraryModel::mimeTypes() const
