@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <utility>
 
 extern "C" {
 #include <libavutil/channel_layout.h>
@@ -49,10 +50,11 @@ SoundStream::SoundStream(int channels, int rate, int deviceFrames)
     : m_channels(std::max(1, channels))
     , m_rate(std::max(1, rate))
     , m_deviceDelay(static_cast<double>(deviceFrames) / m_rate)
-    , m_delay(leastDelay(rate, deviceFrames))
+    , m_delay({static_cast<float>(leastDelay(rate, deviceFrames)), 0})
     , m_resampler(makeResampler(m_channels, m_rate))
     , m_ring(m_channels, static_cast<std::size_t>(m_rate * ringSeconds))
     , m_mix(m_channels)
+    , m_followed(m_delay)
     , m_seams(m_channels)
 {
 }
@@ -83,6 +85,16 @@ void SoundStream::play(const HeardMoment& moment)
     resample(m_mix.mix(moment, begin));
 }
 
+/// The delay that holds. What it was moved by at once is owed, whatever a device that asks early or late
+/// makes of the moment.
+double SoundStream::followDelay()
+{
+    const Delay before = std::exchange(m_followed, m_delay.load());
+    if (m_followed.moves != before.moves)
+        m_owed += before.seconds - m_followed.seconds;
+    return m_followed.seconds + m_owed;
+}
+
 /// Compares when the next sound would be heard with when it is to be, and sets how fast it is played. The
 /// frame of the moment to begin with: 0, but where that is so far apart that frames are left out, or put in.
 std::int64_t SoundStream::correct(const HeardMoment& moment)
@@ -93,19 +105,19 @@ std::int64_t SoundStream::correct(const HeardMoment& moment)
     const double next = static_cast<double>(m_ring.written()) / m_rate + m_deviceDelay;
     const Clock::time_point zero{Clock::duration(m_zero.load())};
     const double length = static_cast<double>(moment.frames) / Sound::sampleRate;
-    const double late = Seconds(zero - moment.end).count() + next + inside + length - m_delay;
+    const double late = Seconds(zero - moment.end).count() + next + inside + length - followDelay();
     const double elapsed = m_playedTo ? Seconds(moment.end - *m_playedTo).count() : 0;
     m_toldLate = late;
-    std::int64_t begin = 0;
-    const bool goes = m_goes.exchange(false);
-    if (!m_servo.note(late, elapsed) || goes) {
-        begin = std::llround(late * Sound::sampleRate);
-        begin = std::max(begin, -static_cast<std::int64_t>(ringSeconds / 2 * Sound::sampleRate));
-        if (goes &&
-            begin > static_cast<std::int64_t>(moment.frames)) // this one is left out, and more to come
-            m_goes = true;
+    const bool isBeyond = !m_servo.note(late, elapsed);
+    if (isBeyond)
         m_servo.corrected();
-    }
+    const double apart = m_owed + (isBeyond ? late : 0);
+    const std::int64_t begin = std::max(std::llround(apart * Sound::sampleRate),
+                                        -static_cast<long long>(ringSeconds / 2 * Sound::sampleRate));
+    // What is longer than this moment is left out of those that come; beyond what the servo takes, it tells
+    // anew.
+    const auto leftOut = std::min(begin, static_cast<std::int64_t>(moment.frames));
+    m_owed = isBeyond ? 0 : m_owed - static_cast<double>(leftOut) / Sound::sampleRate;
     m_toldRate = m_servo.rate();
     swr_set_compensation(m_resampler.get(), -static_cast<int>(std::lround(m_servo.rate() * parts)), parts);
     return begin;

@@ -7,6 +7,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <cstdint>
 #include <memory>
 #include <optional>
 
@@ -27,14 +28,11 @@ public:
     ~SoundStream();
     SoundStream(const SoundStream&) = delete;
 
-    /// Seconds from a moment to when it is heard. Any thread; what is heard goes over to it unnoticed.
-    void setDelay(double seconds) { m_delay = seconds; }
-    /// The same, heard at once: sound is left out, or silence put in.
-    void goTo(double seconds)
-    {
-        m_delay = seconds;
-        m_goes = true;
-    }
+    /// Seconds from a moment to when it is heard. One thread at a time; what is heard goes over to it
+    /// unnoticed.
+    void setDelay(double seconds) { m_delay = {static_cast<float>(seconds), m_delay.load().moves}; }
+    /// The same, heard at once: so much sound is left out, or silence put in, as the two differ.
+    void goTo(double seconds) { m_delay = {static_cast<float>(seconds), m_delay.load().moves + 1}; }
     /// The least that this device makes possible, while moments come as the mixer makes them.
     static double leastDelay(int rate, int deviceFrames);
 
@@ -56,14 +54,20 @@ private:
         void operator()(SwrContext* context) const;
     };
 
+    struct Delay
+    {
+        float seconds;
+        std::uint32_t moves; // how often it was gone to at once
+    };
+
     std::int64_t correct(const HeardMoment& moment);
+    double followDelay();
     void resample(std::span<const float> samples);
     double waiting() const;
 
     const int m_channels, m_rate;
     const double m_deviceDelay; // seconds from fill() to what is heard, as far as that is known
-    std::atomic<double> m_delay;
-    std::atomic<bool> m_goes{false}; // to the delay, at once
+    std::atomic<Delay> m_delay;
     std::unique_ptr<SwrContext, FreeResampler> m_resampler;
     SoundRing m_ring;
 
@@ -72,6 +76,8 @@ private:
     DriftServo m_servo;
     std::vector<float> m_resampled;
     std::optional<Clock::time_point> m_playedTo;
+    Delay m_followed;  // the delay as it was last
+    double m_owed = 0; // seconds to be left out at once; below 0: of silence to be put in
 
     // Of the device's thread:
     SeamFilter m_seams;

@@ -46,7 +46,8 @@ public:
         return playing(from, to);
     };
     std::function<bool(double)> mixes = [](double) { return true; };
-    double jitter = 0;           // seconds by which rounds are late
+    std::function<double(double)> asksLate = [](double) { return 0; }; // seconds, while it plays in time
+    double jitter = 0;                                                 // seconds by which rounds are late
     double told = 0;             // seconds: the largest difference from the delay in the second half
     std::vector<float> heard;    // of the first channels
     std::vector<double> heardAt; // seconds, of each device frame
@@ -85,7 +86,7 @@ public:
                     told = std::max(told, std::abs(m_stream.late()));
                 continue;
             }
-            m_stream.fill(block, at(askAt));
+            m_stream.fill(block, at(askAt + asksLate(askAt)));
             for (int i = 0; keeps && i < atOnce; ++i) {
                 heard.push_back(block[std::size_t(i * m_channels)]);
                 heardAt.push_back(askAt + m_deviceStep * (1 + double(i) / atOnce));
@@ -112,11 +113,12 @@ public:
         }
         return largest;
     }
-    /// Seconds by which the tone is heard after the delay, at a time: by its phase, around there.
-    double lateness(double time) const
+    /// Seconds by which the tone is heard after the least delay and some more, at a time: by its phase,
+    /// around there.
+    double lateness(double time, double more = 0) const
     {
         double sine = 0, cosine = 0;
-        const double delay = SoundStream::leastDelay(m_rate, atOnce);
+        const double delay = SoundStream::leastDelay(m_rate, atOnce) + more;
         for (std::size_t i = 0; i < heard.size(); ++i) {
             if (std::abs(heardAt[i] - time) > 0.05)
                 continue;
@@ -164,6 +166,34 @@ private Q_SLOTS:
         QVERIFY2(room.told < 0.0008, qPrintable(QString::number(room.told)));
         QVERIFY2(std::abs(room.stream().rate() + error) < 0.0001,
                  qPrintable(QString::number(room.stream().rate())));
+    }
+
+    /// As the operator moves it against the pictures: by as much as that, however late the device asks.
+    void isMovedAtOnce_data()
+    {
+        QTest::addColumn<double>("by"); // seconds
+        QTest::newRow("later") << 0.03;
+        QTest::newRow("earlier") << -0.03;
+        QTest::newRow("by several rounds") << -0.25;
+    }
+
+    void isMovedAtOnce()
+    {
+        QFETCH(double, by);
+        Room room(2, 0.0001);
+        const double least = SoundStream::leastDelay(Sound::sampleRate, atOnce);
+        room.stream().setDelay(least + 0.3);
+        room.asksLate = [](double now) { return now > 4.9 && now < 5.1 ? 0.015 : 0; };
+        bool isMoved = false;
+        room.sounding = [&](std::int64_t from, std::int64_t to) {
+            if (from > Sound::sampleAt(5.0) && !std::exchange(isMoved, true))
+                room.stream().goTo(least + 0.3 + by);
+            return Room::playing(from, to);
+        };
+        room.run(7);
+        const double late = room.lateness(5.6, 0.3 + by);
+        QVERIFY2(std::abs(late) < 0.004, qPrintable(QString::number(late)));
+        QVERIFY(room.largestStep(0) < stepOfTone + stepOfFade);
     }
 
     void isHeardWhole()
