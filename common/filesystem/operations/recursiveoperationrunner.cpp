@@ -18,7 +18,7 @@ constexpr int fallbackTick = 50;       // milliseconds; what wakes the runner is
 constexpr int progressInterval = 1000; // milliseconds
 constexpr qint64 sliceTime = 5;        // milliseconds of making or letting go before the window may breathe
 constexpr int discardedAtOnce = 100;
-constexpr qsizetype maxSettling = 128;
+constexpr qsizetype maxSettling = 384; // so many files may be open meanwhile: a process has 1024
 
 qint64 now()
 {
