@@ -28,7 +28,8 @@ using namespace vantrel::ombra;
 constexpr const char* usage =
     "usage: ombra --media DIR --state DIR [--bind ADDR] [--http-port N] [--link-port N] [--preview-port N]\n"
     "             [--ftp-port N] [--host-name NAME]... [--no-discovery] [--simulate-outputs] [--log FILE]\n"
-    "             [--display [window]] [--display-preview] [--paint-by card|processor] [--decode-by-card]\n"
+    "             [--display [window]] [--display-preview] [--paint-by card|processor]\n"
+    "             [--decode-by card|processor]\n"
     "             [--sound [DEVICE]]... [--no-sound] [--sound-offset MS] [--sound-preview [DEVICE]]\n"
     "       ombra --sound-devices\n"
     "\n"
@@ -51,10 +52,8 @@ constexpr const char* usage =
     "one, as "
     "the machine\n"
     "                     has it; this says so\n"
-    "  --decode-by-card   videos are decoded by the graphics card (VA-API) where it can; the processor does "
-    "the "
-    "rest,\n"
-    "                     and what it gives no pictures of\n"
+    "  --decode-by WHAT   videos are decoded by the \"card\" (VA-API) where it can and as long as it does,\n"
+    "                     by the processor elsewhere, as the log says; or by the \"processor\" alone (card)\n"
     "  --sound            program's sound on the machine's own sound device, or on the one of that name, or "
     "part "
     "of it;\n"
@@ -91,6 +90,7 @@ struct Arguments
 {
     ServerOptions server;
     bool noSound = false;
+    bool decodesByCard = true;
     std::string log;
 };
 
@@ -136,10 +136,16 @@ bool parseOption(std::string_view name, const char* value, Arguments& arguments)
     return true;
 }
 
+bool parseIsCard(const char* text, bool& out)
+{
+    out = std::strcmp(text, "card") == 0;
+    return out || std::strcmp(text, "processor") == 0;
+}
+
 bool parsePaintBy(const char* text, PaintBy& out)
 {
-    const bool isCard = std::strcmp(text, "card") == 0;
-    if (!isCard && std::strcmp(text, "processor") != 0)
+    bool isCard = false;
+    if (!parseIsCard(text, isCard))
         return false;
     out = isCard ? PaintBy::Card : PaintBy::Processor;
     return true;
@@ -158,8 +164,9 @@ std::optional<Arguments> parseArguments(int argc, char** argv)
             const bool isWindow = i + 1 < argc && std::strcmp(argv[i + 1], "window") == 0;
             arguments.server.screen = isWindow ? ServerOptions::Screen::Window : ServerOptions::Screen::Full;
             i += isWindow ? 1 : 0;
-        } else if (std::strcmp(argv[i], "--decode-by-card") == 0) {
-            GraphicsCard::allow();
+        } else if (std::strcmp(argv[i], "--decode-by") == 0 && i + 1 < argc &&
+                   parseIsCard(argv[i + 1], arguments.decodesByCard)) {
+            ++i;
         } else if (std::strcmp(argv[i], "--display-preview") == 0) {
             arguments.server.showsPreview = true;
         } else if (std::strcmp(argv[i], "--paint-by") == 0 && i + 1 < argc &&
@@ -277,6 +284,8 @@ int main(int argc, char** argv)
     if (!arguments)
         return 2;
     const LogToFile log(arguments->log);
+    if (arguments->decodesByCard)
+        GraphicsCard::allow();
     try {
         const int code = serve(arguments->server);
         if (SoundOut::isHanging() || ProgramOut::isHanging()) {

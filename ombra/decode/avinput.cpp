@@ -179,7 +179,7 @@ int AvInput::quarterTurns() const
     return std::isfinite(angle) ? (static_cast<int>(std::lround(-angle / 90)) % 4 + 4) % 4 : 0;
 }
 
-AvPtr<AVCodecContext> AvInput::openDecoder(AVStream* stream, std::string* error) const
+AvPtr<AVCodecContext> AvInput::openDecoder(AVStream* stream, std::string* error, GraphicsCard* card) const
 {
     const AVCodec* codec = decoderOf(stream);
     if (!codec) {
@@ -191,8 +191,8 @@ AvPtr<AVCodecContext> AvInput::openDecoder(AVStream* stream, std::string* error)
     if (result >= 0) {
         decoder->pkt_timebase = stream->time_base;
         decoder->thread_count = stream == m_audio || isStill() ? 1 : 2;
-        if (stream == m_video && !isStill())
-            GraphicsCard::offerTo(*decoder);
+        if (card)
+            card->offerTo(*decoder);
         result = avcodec_open2(decoder.get(), codec, nullptr);
     }
     if (result < 0) {
@@ -203,7 +203,8 @@ AvPtr<AVCodecContext> AvInput::openDecoder(AVStream* stream, std::string* error)
 }
 
 bool AvInput::feedDecoder(AVCodecContext* decoder, const AVStream* stream, AVPacket* packet, bool& draining,
-                          const std::function<void(const AVPacket&)>& before) const
+                          const std::function<void(const AVPacket&)>& before,
+                          const std::function<bool(int)>& goesOn) const
 {
     if (draining)
         return false;
@@ -222,6 +223,8 @@ bool AvInput::feedDecoder(AVCodecContext* decoder, const AVStream* stream, AVPac
             before(*packet);
         const int sent = ours ? avcodec_send_packet(decoder, packet) : 0;
         av_packet_unref(packet);
+        if (sent < 0 && goesOn && !goesOn(sent))
+            return false;
         if (sent < 0)
             ++damaged;
         else if (ours)

@@ -11,6 +11,8 @@
 
 namespace vantrel::ombra {
 
+class GraphicsCard;
+
 /// An opened media file and its stream of pictures or sound. It reads that one file only: what a play list or
 /// a reference inside it names is refused. One thread at a time.
 class AvInput
@@ -37,14 +39,16 @@ public:
     double duration() const;  // seconds, of the pictures where they have one
     int quarterTurns() const; // clockwise, by which the pictures are to be turned
 
-    /// A decoder for a stream, by the graphics card where that does it (GraphicsCard); null, and the reason,
-    /// where there is none.
-    AvPtr<AVCodecContext> openDecoder(AVStream* stream, std::string* error) const;
+    /// A decoder for a stream, by a graphics card where one is given and does it; null, and the reason, where
+    /// there is none.
+    AvPtr<AVCodecContext> openDecoder(AVStream* stream, std::string* error,
+                                      GraphicsCard* card = nullptr) const;
     /// One more packet of the stream for its decoder, or the word that there are no more, which sets
     /// draining; false when it has both had, and where nothing more can be read. Each packet is shown to
-    /// before first.
+    /// before first, and goesOn asked where the decoder refuses one, with its code.
     bool feedDecoder(AVCodecContext* decoder, const AVStream* stream, AVPacket* packet, bool& draining,
-                     const std::function<void(const AVPacket&)>& before = {}) const;
+                     const std::function<void(const AVPacket&)>& before = {},
+                     const std::function<bool(int)>& goesOn = {}) const;
 
 private:
     explicit AvInput(const std::atomic<bool>& stop)

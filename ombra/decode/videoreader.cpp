@@ -1,7 +1,5 @@
 #include "ombra/decode/videoreader.h"
 
-#include "ombra/decode/graphicscard.h"
-
 #include <algorithm>
 #include <cmath>
 
@@ -25,15 +23,13 @@ double onGrid(double time, double fps)
 
 std::unique_ptr<VideoReader> VideoReader::open(std::unique_ptr<AvInput> input, std::string* error)
 {
-    AvPtr<AVCodecContext> decoder = input->openDecoder(input->video(), error);
-    if (!decoder)
-        return nullptr;
-    return std::unique_ptr<VideoReader>(new VideoReader(std::move(input), std::move(decoder)));
+    std::unique_ptr<VideoReader> reader(new VideoReader(std::move(input)));
+    return reader->openDecoder(error) ? std::move(reader) : nullptr;
 }
 
-VideoReader::VideoReader(std::unique_ptr<AvInput> input, AvPtr<AVCodecContext> decoder)
+VideoReader::VideoReader(std::unique_ptr<AvInput> input)
     : m_input(std::move(input))
-    , m_decoder(std::move(decoder))
+    , m_card(m_input->format()->url)
     , m_packet(av_packet_alloc())
     , m_current(av_frame_alloc())
     , m_ahead(av_frame_alloc())
@@ -43,9 +39,29 @@ VideoReader::VideoReader(std::unique_ptr<AvInput> input, AvPtr<AVCodecContext> d
 {
 }
 
+bool VideoReader::openDecoder(std::string* error)
+{
+    const bool isForCard = !m_card.hasFailed() && !m_input->isStill();
+    AvPtr<AVCodecContext> decoder =
+        m_input->openDecoder(m_input->video(), error, isForCard ? &m_card : nullptr);
+    if (!decoder)
+        return false;
+    m_decoder = std::move(decoder);
+    return true;
+}
+
 bool VideoReader::seek(double time, Picture& out)
 {
     time = std::max(0.0, time);
+    if (find(time, out))
+        return true;
+    if (!m_input->stopped())
+        m_card.fail("no picture came of it");
+    return leaveCard() && walkFromKey(time) && deliver(out);
+}
+
+bool VideoReader::find(double time, Picture& out)
+{
     if (m_atStart && !decodeAhead())
         return false;
     const double from = m_hasCurrent ? m_currentTime : 0;
@@ -69,12 +85,21 @@ bool VideoReader::walkFromKey(double time)
 
 bool VideoReader::next(Picture& out)
 {
+    const bool isFirst = !m_hasCurrent;
+    const double before = m_currentTime;
+    if (goOn(out))
+        return true;
+    return leaveCard() && walkFromKey(isFirst ? 0 : before) && (isFirst ? deliver(out) : goOn(out));
+}
+
+bool VideoReader::goOn(Picture& out)
+{
     m_atStart = false;
     if (!m_hasAhead && !decodeAhead())
         return false;
     stepAhead();
     decodeAhead(); // tells how long this one stands; there is none after the last
-    return deliver(out);
+    return !isCardLost() && deliver(out);
 }
 
 bool VideoReader::catchUp(double time, Picture& out)
@@ -84,7 +109,19 @@ bool VideoReader::catchUp(double time, Picture& out)
     m_skipUntil = target;
     const bool found = (m_hasAhead || decodeAhead()) && (stepAhead(), walkTo(target));
     m_skipUntil = 0;
-    return found && deliver(out);
+    return (found && deliver(out)) || (leaveCard() && walkFromKey(target) && deliver(out));
+}
+
+/// Where the card has failed: another decoder, which begins anew. What is wanted is to be sought then.
+bool VideoReader::leaveCard()
+{
+    if (!isCardLost() || m_input->stopped() || !openDecoder(nullptr))
+        return false;
+    m_hasCurrent = m_hasAhead = m_draining = false;
+    if (m_start || m_untimed)
+        return true;
+    rewind();
+    return decodeAhead(); // where the medium begins
 }
 
 void VideoReader::stepAhead()
@@ -111,7 +148,7 @@ bool VideoReader::reposition(double time)
         m_lastTime = -1;
         if (decodeAhead() && !m_untimed && m_aheadTime <= time + tolerance)
             return true;
-        if (m_input->stopped())
+        if (m_input->stopped() || isCardLost())
             return false;
     }
     rewind();
@@ -136,7 +173,7 @@ bool VideoReader::walkTo(double time)
 {
     for (;;) {
         if (!m_hasAhead && !decodeAhead())
-            return m_hasCurrent && !m_input->stopped();
+            return m_hasCurrent && !m_input->stopped() && !isCardLost();
         if (m_hasCurrent && m_aheadTime > time + std::min(tolerance, 0.25 / m_fps))
             return true;
         stepAhead();
@@ -145,7 +182,7 @@ bool VideoReader::walkTo(double time)
 
 bool VideoReader::decodeAhead()
 {
-    for (;;) {
+    while (!isCardLost()) {
         const int result = avcodec_receive_frame(m_decoder.get(), m_ahead.get());
         if (result == AVERROR(EAGAIN)) {
             if (!feedDecoder())
@@ -154,8 +191,10 @@ bool VideoReader::decodeAhead()
         }
         if (result == AVERROR_EOF || m_input->stopped())
             return false;
-        if (result < 0)
-            continue; // a picture that did not decode; the next packet brings another
+        if (result < 0) {
+            isSurvived(result); // a picture that did not decode; the next packet brings another
+            continue;
+        }
         const std::int64_t stamp = m_ahead->best_effort_timestamp;
         if (stamp == AV_NOPTS_VALUE) {
             m_untimed = true;
@@ -170,14 +209,26 @@ bool VideoReader::decodeAhead()
         m_hasAhead = true;
         return true;
     }
+    return false;
 }
 
 bool VideoReader::feedDecoder()
 {
     return m_input->feedDecoder(
-        m_decoder.get(), m_input->video(), m_packet.get(), m_draining, [this](const AVPacket& packet) {
+        m_decoder.get(), m_input->video(), m_packet.get(), m_draining,
+        [this](const AVPacket& packet) {
             m_decoder->skip_frame = isSkipped(packet) ? AVDISCARD_NONREF : AVDISCARD_DEFAULT;
-        });
+        },
+        [this](int error) { return isSurvived(error); });
+}
+
+/// Of what a decoder could not do. Media are damaged, and where one is begun in its middle something is
+/// usually missing: a card that does not decode says no more than that either, but in the middle of pictures.
+bool VideoReader::isSurvived(int error)
+{
+    if (error != AVERROR_INVALIDDATA || m_lastTime >= 0)
+        m_card.fail(avErrorText(error));
+    return !isCardLost();
 }
 
 bool VideoReader::isSkipped(const AVPacket& packet) const
@@ -186,20 +237,10 @@ bool VideoReader::isSkipped(const AVPacket& packet) const
            static_cast<double>(packet.pts) * av_q2d(m_input->video()->time_base) - *m_start < m_skipUntil;
 }
 
-/// The same picture, by a decoder that begins anew.
-bool VideoReader::deliverByProcessor(Picture& out)
-{
-    AvPtr<AVCodecContext> decoder = m_input->openDecoder(m_input->video(), nullptr);
-    if (!decoder)
-        return false;
-    m_decoder = std::move(decoder);
-    return walkFromKey(m_currentTime) && deliver(out);
-}
-
 bool VideoReader::deliver(Picture& out)
 {
-    if (!GraphicsCard::fetch(*m_current))
-        return deliverByProcessor(out);
+    if (!m_card.fetch(*m_current))
+        return false;
     out.image = makePicture(*m_current, m_turns, m_input->video()->sample_aspect_ratio);
     const double current = onGrid(m_currentTime, m_fps);
     const double ahead = m_hasAhead ? onGrid(m_aheadTime, m_fps) : 0;

@@ -1,13 +1,15 @@
 #pragma once
 
 #include "ombra/decode/avinput.h"
+#include "ombra/decode/graphicscard.h"
 #include "ombra/decode/picturereader.h"
 #include "tarn/media/mediaenums.h"
 
 namespace vantrel::ombra {
 
 /// The pictures of a video file, found exactly: a seek goes to a key picture before the time and decodes from
-/// there. Damaged packets are skipped.
+/// there. Damaged packets are skipped. Where a graphics card decodes and fails the processor goes on, with
+/// the very picture that was asked for.
 class VideoReader : public PictureReader
 {
 public:
@@ -25,11 +27,19 @@ public:
     bool catchUp(double time, Picture& out) override;
 
 private:
-    VideoReader(std::unique_ptr<AvInput> input, AvPtr<AVCodecContext> decoder);
+    explicit VideoReader(std::unique_ptr<AvInput> input);
+
+    /// By the card, unless that has failed.
+    bool openDecoder(std::string* error);
+    bool isCardLost() const { return m_decoder->opaque && m_card.hasFailed(); }
+    bool leaveCard();
+    bool find(double time, Picture& out);
+    bool goOn(Picture& out);
 
     /// Decodes into m_ahead and sets its time; false at the end or when stopped.
     bool decodeAhead();
     bool feedDecoder();
+    bool isSurvived(int error);
     bool reposition(double time);
     void rewind();
     /// From m_ahead on, the last picture at or before the time, into m_current.
@@ -38,9 +48,9 @@ private:
     void stepAhead();
     bool isSkipped(const AVPacket& packet) const;
     bool deliver(Picture& out);
-    bool deliverByProcessor(Picture& out);
 
     std::unique_ptr<AvInput> m_input;
+    GraphicsCard m_card;
     AvPtr<AVCodecContext> m_decoder;
     AvPtr<AVPacket> m_packet;
     AvPtr<AVFrame> m_current; // the one delivered last

@@ -1,12 +1,14 @@
 #include "ombra/decode/avhandles.h"
 #include "ombra/decode/graphicscard.h"
 #include "ombra/decode/picturereader.h"
+#include "tarn/log/log.h"
 #include "tarn/media/mediaenums.h"
 #include "tests/ombra/decode/testmedia.h"
 #include "tests/support/testmain.h"
 
 #include <QFile>
 #include <QRect>
+#include <QScopeGuard>
 
 #include <sys/stat.h>
 
@@ -20,6 +22,35 @@ QStringList words(const char* text)
 {
     return QString::fromLatin1(text).split(u' ', Qt::SkipEmptyParts);
 }
+
+/// Decodes so many pictures, and gives so many of them out.
+class FailingDevice : public DecodingDevice
+{
+public:
+    FailingDevice(int decoded, int given)
+        : m_given(given)
+    {
+        left() = decoded;
+    }
+    void offerTo(AVCodecContext& decoder) override
+    {
+        ++m_offers;
+        decoder.get_buffer2 = [](AVCodecContext* of, AVFrame* frame, int flags) {
+            return left()-- > 0 ? avcodec_default_get_buffer2(of, frame, flags) : AVERROR(EIO);
+        };
+        GraphicsCard::note(decoder, true);
+    }
+    int fetch(AVFrame& /*frame*/) override { return m_given-- > 0 ? 0 : AVERROR(EIO); }
+    int offers() const { return m_offers; }
+
+private:
+    static std::atomic<int>& left()
+    {
+        static std::atomic<int> pictures;
+        return pictures;
+    }
+    int m_given, m_offers = 0;
+};
 
 } // namespace
 
@@ -370,20 +401,50 @@ private Q_SLOTS:
         QVERIFY(reader->seek(1.9, picture));
     }
 
-    /// Where there is no card, and where one gives nothing out.
+    void goesBackToTheProcessor_data()
+    {
+        QTest::addColumn<int>("decoded");
+        QTest::addColumn<int>("given");
+        QTest::newRow("decodes nothing") << 0 << 0;
+        QTest::newRow("fails in decoding") << 24 << 1000;
+        QTest::newRow("gives nothing out") << 1000 << 0;
+        QTest::newRow("fails in giving out") << 1000 << 24;
+    }
+
+    /// Wherever a card fails, no picture is missing or doubled, and that medium is not offered to it again.
     void goesBackToTheProcessor()
     {
-        GraphicsCard::allow();
-        const auto reader = open("gop.mp4");
-        QVERIFY2(reader, m_error.c_str());
-        Picture picture;
-        QVERIFY(reader->seek(1, picture));
-        QCOMPARE(numberOn(picture.image), 25);
-        const AvPtr<AVFrame> lost(av_frame_alloc());
-        lost->format = AV_PIX_FMT_VAAPI;
-        QVERIFY(!GraphicsCard::fetch(*lost));
-        QVERIFY(reader->next(picture));
-        QCOMPARE(numberOn(picture.image), 26);
+        QFETCH(int, decoded);
+        QFETCH(int, given);
+        std::atomic<int> lines{0};
+        Log::setSink([&](LogLevel level, const LogLoc&, std::string_view, std::string_view) {
+            lines += level == LogLevel::Warning;
+        });
+        const auto asBefore = qScopeGuard([] {
+            GraphicsCard::allow(nullptr);
+            Log::setSink({});
+        });
+        auto device = std::make_unique<FailingDevice>(decoded, given);
+        const FailingDevice& card = *device;
+        GraphicsCard::allow(std::move(device));
+        const QByteArray name = QByteArray(QTest::currentDataTag()).replace(' ', '-') + ".mp4";
+        QVERIFY(QFile::copy(QString::fromStdString(m_media.file("gop.mp4")),
+                            QString::fromStdString(m_media.file(name.constData()))));
+        for (int opened = 0; opened < 2; ++opened) {
+            const auto reader = open(name.constData());
+            QVERIFY2(reader, m_error.c_str());
+            Picture picture;
+            QVERIFY(reader->seek(0.4, picture));
+            QCOMPARE(numberOn(picture.image), 10);
+            for (int number = 11; number < 50; ++number) {
+                QVERIFY(reader->next(picture));
+                QCOMPARE(numberOn(picture.image), number);
+                QVERIFY(qAbs(picture.time - number / 25.0) < 1e-6 && qAbs(picture.duration - 0.04) < 1e-6);
+            }
+            QVERIFY(!reader->next(picture));
+        }
+        QCOMPARE(card.offers(), 1);
+        QCOMPARE(lines.load(), 1);
     }
 
     void opensNoOtherFile()
