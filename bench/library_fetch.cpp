@@ -66,8 +66,8 @@ bool post(const OmbraProcess& server, const std::string& text)
            reply->error() == QNetworkReply::NoError;
 }
 
-/// On the heap, once nothing is under way: the session before this one is freed on threads, and so is the text
-/// of a library that has been read.
+/// On the heap, once nothing is under way: the session before this one is freed on threads, and so is the
+/// text of a library that has been read.
 double settledBytes()
 {
     constexpr double steady = 64 * 1024;
