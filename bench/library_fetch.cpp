@@ -2,6 +2,7 @@
 // until a view can show it, how long the main thread stands still, and what the session holds for a slot.
 #include "bench/json_library.h"
 #include "common/media/items/guimediaslot.h"
+#include "common/media/library/aside.h"
 #include "common/media/library/medialibraryapi.h"
 #include "common/media/library/medialibraryprovider.h"
 #include "common/media/models/medialibrarymodel.h"
@@ -19,6 +20,8 @@
 #include <QStandardPaths>
 #include <QTest>
 #include <QTimer>
+
+#include <cmath>
 
 using namespace vantrel;
 using namespace vantrel::bench;
@@ -63,6 +66,20 @@ bool post(const OmbraProcess& server, const std::string& text)
            reply->error() == QNetworkReply::NoError;
 }
 
+/// On the heap, once nothing is under way: the session before this one is freed on threads, and so is the
+/// text of a library that has been read.
+double settledBytes()
+{
+    constexpr double steady = 64 * 1024;
+    for (double before = 0, now = heapBytes();; before = now, now = heapBytes()) {
+        if (std::abs(now - before) < steady)
+            return now;
+        QTest::qWait(200);
+        for (QThreadPool* pool : {&aside::pool(), &aside::remover(), QThreadPool::globalInstance()})
+            pool->waitForDone();
+    }
+}
+
 struct Fetch
 {
     double ms = 0;
@@ -86,9 +103,9 @@ void lookAtAll(const Session& session)
 
 bool fetch(const OmbraProcess& server, Fetch& result)
 {
+    const double before = settledBytes();
     auto session = std::make_unique<Session>();
     Session::initializeWith(session.get(), server.ports());
-    const double before = heapBytes();
     Heartbeat heart;
     bool filled = false;
     QObject::connect(session.get(), &Session::connected, &heart, [&] {
@@ -105,11 +122,11 @@ bool fetch(const OmbraProcess& server, Fetch& result)
     result.ms = heart.elapsedMs();
     QTest::qWait(200); // what is left to do would show as a pause
     result.pauseMs = heart.longestMs();
-    result.bytes = heapBytes() - before;
+    result.bytes = settledBytes() - before;
     if (session->mediaLibrary()->getCollections().size() != 1000)
         return false;
     lookAtAll(*session);
-    result.visited = heapBytes() - before;
+    result.visited = settledBytes() - before;
     return true;
 }
 
@@ -126,7 +143,7 @@ int main(int argc, char** argv)
         std::fprintf(stderr, "no server with the library\n");
         return 1;
     }
-    const double empty = heapBytes();
+    const double empty = settledBytes();
     double json = 0;
     {
         Json document;
@@ -144,8 +161,8 @@ int main(int argc, char** argv)
         std::fprintf(
             stderr, "fetch: %.0f ms, pause %.1f ms, %.0f bytes a slot, %.0f when looked at, JSON %.0f\n",
             one.ms, one.pauseMs, one.bytes / shape.slots, one.visited / shape.slots, json / shape.slots);
-        best = {std::min(best.ms, one.ms), std::min(best.pauseMs, one.pauseMs),
-                std::min(best.bytes, one.bytes), std::min(best.visited, one.visited)};
+        // The last one finds what is made once, and nothing of the request that brought the library.
+        best = {std::min(best.ms, one.ms), std::min(best.pauseMs, one.pauseMs), one.bytes, one.visited};
     }
     report("library/first-fetch", "the limit of 1 s", best.ms, 1000, "ms", 1000 / best.ms, 1);
     report("library/first-fetch-longest-pause", "the limit of 100 ms", best.pauseMs, 100, "ms",
