@@ -86,31 +86,44 @@ bool ImageSequenceCreator::saveCandidates(const QList<ImageSequenceCandidate>& c
                            << startingSlot << "of collection" << collection;
         return false;
     }
-    int slot = startingSlot;
-    for (const ImageSequenceCandidate& candidate : candidates)
-        saveCandidate(candidate, collection, slot++);
+    m_manager->addMedias(collection, startingSlot, slotsOf(candidates, collection, startingSlot));
+    fetchMetadata(candidates);
     return true;
 }
 
-void ImageSequenceCreator::saveCandidate(const ImageSequenceCandidate& candidate, int collection, int slot)
+QList<GuiMediaSlot> ImageSequenceCreator::slotsOf(const QList<ImageSequenceCandidate>& candidates,
+                                                  int collection, int startingSlot)
 {
-    qCInfo(lcMedia) << "Saving image sequence" << candidate << "to" << collection << ":" << slot;
-    GuiMediaSlot media;
-    media.setAddress(MediaAddress(collection, slot));
-    media.setName(candidate.name);
-    media.setContentUrl(candidate.id);
-    media.setDuration(candidate.duration());
-    media.setFrameRate(candidate.fps);
-    media.setFirstFrame(static_cast<int>(candidate.startFrame));
-    media.setLastFrame(static_cast<int>(candidate.endFrame));
-    m_manager->addMedia(collection, slot, media);
+    QList<GuiMediaSlot> medias;
+    medias.reserve(candidates.size());
+    for (const ImageSequenceCandidate& candidate : candidates) {
+        const MediaAddress address(collection, startingSlot + static_cast<int>(medias.size()));
+        if (medias.size() < mostLogged)
+            qCInfo(lcMedia) << "Saving image sequence" << candidate << "to" << collection << ":"
+                            << address.slot;
+        GuiMediaSlot media;
+        media.setAddress(address);
+        media.setName(candidate.name);
+        media.setContentUrl(candidate.id);
+        media.setDuration(candidate.duration());
+        media.setFrameRate(candidate.fps);
+        media.setFirstFrame(static_cast<int>(candidate.startFrame));
+        media.setLastFrame(static_cast<int>(candidate.endFrame));
+        medias.append(std::move(media));
+    }
+    return medias;
+}
 
+void ImageSequenceCreator::fetchMetadata(const QList<ImageSequenceCandidate>& candidates) const
+{
     MediaDataAggregator* const aggregator = m_session ? m_session->mediaDataAggregator() : nullptr;
     if (!aggregator)
         return;
-    qCDebug(lcMedia) << "Requesting metadata for image sequence" << candidate.id;
-    aggregator->invalidateData(candidate.id, false);
-    aggregator->refreshData(candidate.id);
+    for (const ImageSequenceCandidate& candidate : candidates) {
+        qCDebug(lcMedia) << "Requesting metadata for image sequence" << candidate.id;
+        aggregator->invalidateData(candidate.id, false);
+        aggregator->refreshData(candidate.id);
+    }
 }
 
 } // namespace vantrel

@@ -12,6 +12,7 @@
 
 namespace vantrel {
 
+class GuiMediaSlot;
 class MediaCollectionManager;
 class Session;
 struct ImageSequenceInfo;
@@ -36,6 +37,11 @@ public:
     QList<ImageSequenceCandidate> fromPaths(const QList<QString>& paths) const;
     /// In consecutive slots. False, and nothing stored, where there is no room for all.
     bool saveCandidates(const QList<ImageSequenceCandidate>& candidates, int collection, int startingSlot);
+    /// What these slots hold then, for who stores them together with others and calls fetchMetadata().
+    static QList<GuiMediaSlot> slotsOf(const QList<ImageSequenceCandidate>& candidates, int collection,
+                                       int startingSlot);
+    /// What the server tells of them.
+    void fetchMetadata(const QList<ImageSequenceCandidate>& candidates) const;
 
 Q_SIGNALS:
     void fileSystemReaderChanged();
@@ -43,7 +49,6 @@ Q_SIGNALS:
 private:
     QList<ImageSequenceCandidate> createCandidates(const std::vector<ImageSequenceInfo>& infos) const;
     std::vector<std::filesystem::path> list(const std::filesystem::path& path) const;
-    void saveCandidate(const ImageSequenceCandidate& candidate, int collection, int slot);
 
     Session* m_session;
     MediaCollectionManager* m_manager;

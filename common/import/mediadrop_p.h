@@ -80,9 +80,8 @@ public:
     void moveSlots(const QList<int>& sourceSlots, int collection, int& current);
     void moveSlot(int collection, int from, int to);
     void saveMediaToSlot(const GuiMediaSlot& item, int collection, int slot);
-    void saveMediasToSlot(const QList<GuiMediaSlot>& medias, int collection, int slot);
-    bool saveImageSequences(const QList<ImageSequenceCandidate>& candidates, int collection, int slot);
-    void saveStillImages(const QList<images::StillImage>& stills, int collection, int slot);
+    void saveFound(int& current);
+    static QList<GuiMediaSlot> slotsOf(const QList<images::StillImage>& stills, int collection, int slot);
 
     MediaDrop* m_owner;
     AsyncFileSystemReader* m_reader;

@@ -68,14 +68,6 @@ void MediaDropPrivate::save()
         qCDebug(lcMedia) << "Drop is not ready. Aborting the save request.";
         return;
     }
-    QList<ImageSequenceCandidate> candidates;
-    QList<StillImage> stills;
-    for (const images::ImagesResult& result : std::as_const(m_imageResults)) {
-        if (result.isSequence())
-            candidates.append(result.getImageSequence());
-        else if (result.type() == images::ImageResultType::StillImage)
-            stills += result.stillImages();
-    }
     if (!hasRoom())
         return;
     MediaCollectionManager* const manager = m_creator->mediaCollectionManager();
@@ -83,14 +75,7 @@ void MediaDropPrivate::save()
         return;
     int current = m_startSlot;
     moveSlots(m_collectionSlots, m_collection, current);
-    if (!m_medias.isEmpty())
-        saveMediasToSlot(m_medias, m_collection, current);
-    current += static_cast<int>(m_medias.size());
-    if (!candidates.isEmpty() && saveImageSequences(candidates, m_collection, current))
-        current += static_cast<int>(candidates.size());
-    if (!stills.isEmpty())
-        saveStillImages(stills, m_collection, current);
-    current += static_cast<int>(stills.size());
+    saveFound(current);
     manager->endStep();
     qCInfo(lcMedia) << "Drop saved from slot" << m_startSlot << "to" << current - 1;
     Q_EMIT m_owner->saved();
@@ -147,30 +132,49 @@ void MediaDropPrivate::saveMediaToSlot(const GuiMediaSlot& item, int collection,
     Q_EMIT m_owner->mediaSlotSaved(mediaUrlToString(item.contentUrl()), collection, slot);
 }
 
-void MediaDropPrivate::saveMediasToSlot(const QList<GuiMediaSlot>& medias, int collection, int slot)
+/// Media, sequences and stills, in one addition: of thousands a second one would hold the window until the
+/// first is worked out.
+void MediaDropPrivate::saveFound(int& current)
 {
-    qCInfo(lcMedia) << "Saving" << medias.size() << " medias to collection" << collection << "and slot"
-                    << slot;
-    m_creator->mediaCollectionManager()->addMedias(collection, slot, medias);
-    for (const GuiMediaSlot& media : medias)
-        Q_EMIT m_owner->mediaSlotSaved(mediaUrlToString(media.contentUrl()), collection, slot++);
+    QList<ImageSequenceCandidate> candidates;
+    QList<StillImage> stills;
+    for (const images::ImagesResult& result : std::as_const(m_imageResults)) {
+        if (result.isSequence())
+            candidates.append(result.getImageSequence());
+        else if (result.type() == images::ImageResultType::StillImage)
+            stills += result.stillImages();
+    }
+    const int firstMedia = current;
+    const int firstSequence = firstMedia + static_cast<int>(m_medias.size());
+    const int firstStill = firstSequence + static_cast<int>(candidates.size());
+    if (!m_medias.isEmpty())
+        qCInfo(lcMedia) << "Saving" << m_medias.size() << " medias to collection" << m_collection
+                        << "and slot" << firstMedia;
+    if (!candidates.isEmpty())
+        qCInfo(lcMedia) << "Saving" << candidates.size() << "image sequence(s) to collection" << m_collection
+                        << "and slot" << firstSequence;
+    if (!stills.isEmpty())
+        qCInfo(lcMedia) << "Saving" << stills.size() << "still image(s) to collection" << m_collection
+                        << "and slot" << firstStill;
+    const QList<GuiMediaSlot> all = m_medias +
+                                    ImageSequenceCreator::slotsOf(candidates, m_collection, firstSequence) +
+                                    slotsOf(stills, m_collection, firstStill);
+    current += static_cast<int>(all.size());
+    if (all.isEmpty())
+        return;
+    m_creator->mediaCollectionManager()->addMedias(m_collection, firstMedia, all);
+    m_creator->fetchMetadata(candidates);
+    for (qsizetype i = 0; i < m_medias.size(); ++i)
+        Q_EMIT m_owner->mediaSlotSaved(mediaUrlToString(m_medias[i].contentUrl()), m_collection,
+                                       firstMedia + static_cast<int>(i));
+    if (!candidates.isEmpty())
+        Q_EMIT m_owner->imageSequencesSaved(candidates, m_collection, firstSequence);
+    for (qsizetype i = 0; i < stills.size(); ++i)
+        Q_EMIT m_owner->stillImageSaved(stills[i], m_collection, firstStill + static_cast<int>(i));
 }
 
-bool MediaDropPrivate::saveImageSequences(const QList<ImageSequenceCandidate>& candidates, int collection,
-                                          int slot)
+QList<GuiMediaSlot> MediaDropPrivate::slotsOf(const QList<StillImage>& stills, int collection, int slot)
 {
-    qCInfo(lcMedia) << "Saving" << candidates.size() << "image sequence(s) to collection" << collection
-                    << "and slot" << slot;
-    const bool isSaved = m_creator->saveCandidates(candidates, collection, slot);
-    if (isSaved)
-        Q_EMIT m_owner->imageSequencesSaved(candidates, collection, slot);
-    return isSaved;
-}
-
-void MediaDropPrivate::saveStillImages(const QList<StillImage>& stills, int collection, int slot)
-{
-    qCInfo(lcMedia) << "Saving" << stills.size() << "still image(s) to collection" << collection << "and slot"
-                    << slot;
     QList<GuiMediaSlot> medias;
     medias.reserve(stills.size());
     for (const StillImage& still : stills) {
@@ -186,9 +190,7 @@ void MediaDropPrivate::saveStillImages(const QList<StillImage>& stills, int coll
                                                         : MediaDurationType::Manual);
         medias.append(std::move(media));
     }
-    m_creator->mediaCollectionManager()->addMedias(collection, slot, medias);
-    for (const StillImage& still : stills)
-        Q_EMIT m_owner->stillImageSaved(still, collection, slot++);
+    return medias;
 }
 
 void MediaDropPrivate::cancel()

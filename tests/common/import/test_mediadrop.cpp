@@ -117,7 +117,7 @@ private Q_SLOTS:
         drop->save();
         QCOMPARE(m_collections.shown(), QStringLiteral("20 a.mov, 21 b.mov, 22 s.%04d.exr, 23 logo_v1.png, "
                                                        "24 logo_v2.png"));
-        QCOMPARE(m_collections.done.join(u'|'), QStringLiteral("begin|add 20 x2|add 22 x1|add 23 x2|end"));
+        QCOMPARE(m_collections.done.join(u'|'), QStringLiteral("begin|add 20 x5|end"));
         QCOMPARE(m_collections.content[20].duration(), 2.5);
         const GuiMediaSlot slot = m_collections.content[22];
         QCOMPARE(slot.firstFrame().value_or(0), 1);
