@@ -171,8 +171,8 @@ private:
     std::unique_ptr<LinkPeer> m_peer;
     enum Media { Brief = 1, Left, Right, Short, Stereo };
     static constexpr double level = 0.5;
-    /// The largest step of a tone, with some room for a device that is slow and what two fades add: one of the
-    /// mixture's, and one where the device runs dry on a machine that is busy.
+    /// The largest step of a tone, with some room for a device that is slow and what two fades add: one of
+    /// the mixture's, and one where the device runs dry on a machine that is busy.
     static double steps(double frequency) { return level * (2 * pi * frequency / rate * 1.02 + 4 / 240.0); }
 
 private Q_SLOTS:
