@@ -9,6 +9,7 @@
 #include <QTest>
 
 #include <cmath>
+#include <functional>
 #include <numeric>
 
 using namespace vantrel::ombra::test;
@@ -160,8 +161,26 @@ private:
         return m_device->heard();
     }
 
-    /// A sanitizer makes it too slow for a device, which it says.
-    bool isTooSlow() { return slowness > 1 && m_ombra->output().contains(" gaps"); }
+    /// Too slow for a device, which it says: with a sanitizer, or for a moment where the machine has other
+    /// work.
+    bool hasGaps() { return m_ombra->output().contains(" gaps"); }
+    bool isTooSlow() { return slowness > 1 && hasGaps(); }
+
+    /// What a device gets while something is played; anew where it got none in time, but no more than twice.
+    QByteArray record(const std::function<void()>& playing, int channels = 2)
+    {
+        QByteArray all;
+        for (int attempt = 0; attempt < 3 && !QTest::currentTestFailed(); ++attempt) {
+            init();
+            startWithDevice(channels);
+            if (!QTest::currentTestFailed())
+                playing();
+            all = heard();
+            if (!hasGaps())
+                break;
+        }
+        return all;
+    }
 
     const TestMedia m_media;
     const QTemporaryDir m_folder;
@@ -218,11 +237,12 @@ private Q_SLOTS:
     {
         QFETCH(int, slot);
         QFETCH(int, channels);
-        startWithDevice(channels);
-        write("endAction", "\"repeat\"");
-        play(slot);
-        hears(4);
-        const QByteArray got = heard();
+        const auto playing = [&] {
+            write("endAction", "\"repeat\"");
+            play(slot);
+            hears(4);
+        };
+        const QByteArray got = record(playing, channels);
         if (isTooSlow())
             QSKIP("a sanitizer");
         const Track left(got, 0, channels), right(got, 1, channels);
@@ -242,27 +262,27 @@ private Q_SLOTS:
 
     void neverClicks()
     {
-        startWithDevice();
-        play(Stereo);
-        playsTo(0.5);
-        write("muted", "true");
-        playsTo(1);
-        write("muted", "false");
-        write("volume", "0.5");
-        playsTo(1.5);
-        invoke("program/methods/seekMedia", R"({"mediaPosition":10.0007})");
-        playsTo(10.5);
-        write("state", "\"pause\"");
-        hears(0.4);
-        write("state", "\"play\"");
-        playsTo(11);
-        play(Stereo);
-        QTRY_VERIFY_WITH_TIMEOUT(position() < 5 && position() > 0.5, patience);
-        write("state", "\"stop\"");
-        hears(0.4);
-        play(Brief);
-        playsTo(1.2);
-        const QByteArray all = heard();
+        const QByteArray all = record([this] {
+            play(Stereo);
+            playsTo(0.5);
+            write("muted", "true");
+            playsTo(1);
+            write("muted", "false");
+            write("volume", "0.5");
+            playsTo(1.5);
+            invoke("program/methods/seekMedia", R"({"mediaPosition":10.0007})");
+            playsTo(10.5);
+            write("state", "\"pause\"");
+            hears(0.4);
+            write("state", "\"play\"");
+            playsTo(11);
+            play(Stereo);
+            QTRY_VERIFY_WITH_TIMEOUT(position() < 5 && position() > 0.5, patience);
+            write("state", "\"stop\"");
+            hears(0.4);
+            play(Brief);
+            playsTo(1.2);
+        });
         if (isTooSlow())
             QSKIP("a sanitizer");
         const Track left(all, 0, 2);
@@ -280,16 +300,16 @@ private Q_SLOTS:
 
     void crossfades()
     {
-        startWithDevice();
-        play(Left);
-        playsTo(0.3);
-        play(Right, "preview");
-        hears(0.5);
-        invoke("methods/take", R"({"transitionType":"crossfade","transitionDuration":2})");
-        hears(3);
-        invoke("methods/take", R"({"transitionType":"crossfade","transitionDuration":0.3})");
-        hears(1);
-        const QByteArray all = heard();
+        const QByteArray all = record([this] {
+            play(Left);
+            playsTo(0.3);
+            play(Right, "preview");
+            hears(0.5);
+            invoke("methods/take", R"({"transitionType":"crossfade","transitionDuration":2})");
+            hears(3);
+            invoke("methods/take", R"({"transitionType":"crossfade","transitionDuration":0.3})");
+            hears(1);
+        });
         if (isTooSlow())
             QSKIP("a sanitizer");
         const Track left(all, 0, 2), right(all, 1, 2);
@@ -312,23 +332,26 @@ private Q_SLOTS:
     /// As the operator sets it, at once, and without a click.
     void isMovedAgainstThePictures()
     {
-        startWithDevice();
-        play(Left);
-        playsTo(0.5);
-        const auto silences = [this] { return Track(m_device->heard(), 0, 2).silences().size(); };
-        const auto before = silences();
-        write("audioOffset", "0.03"); // little enough to be caught up by and by, which nobody waits for
-        hears(1);
-        QCOMPARE(silences(), before + 1);
-        write("audioOffset", "0");
-        hears(1);
-        const QByteArray all = heard();
+        double movedAt = 0;
+        const QByteArray all = record([&] {
+            play(Left);
+            playsTo(0.5);
+            movedAt = m_device->seconds();
+            write("audioOffset", "0.03"); // little enough to be caught up by and by, which nobody waits for
+            hears(1);
+            write("audioOffset", "0");
+            hears(1);
+        });
+        if (isTooSlow())
+            QSKIP("a sanitizer");
         const Track left(all, 0, 2);
-        QVERIFY2(isTooSlow() || left.step() < steps(440), qPrintable(QString::number(left.step())));
-        const QStringList pauses = left.silences();
-        // The first fade takes of the silence.
-        const double silent = pauses.value(1).section(u'+', 1).toDouble();
-        QVERIFY2(isTooSlow() || std::abs(silent - 0.025) < 0.003, qPrintable(pauses.join(u' ')));
+        QVERIFY2(left.step() < steps(440), qPrintable(QString::number(left.step())));
+        const QStringList pauses = left.silences(); // before it, and the one that is put in
+        QVERIFY2(pauses.size() == 2, qPrintable(pauses.join(u' ')));
+        const double begin = pauses[1].section(u'+', 0, 0).toDouble();
+        const double silent = pauses[1].section(u'+', 1).toDouble();
+        QVERIFY2(begin > movedAt && begin < movedAt + 1, qPrintable(pauses[1]));
+        QVERIFY2(std::abs(silent - 0.025) < 0.003, qPrintable(pauses[1])); // the first fade takes of it
     }
 
     /// On a device of its own, by its own volume.
