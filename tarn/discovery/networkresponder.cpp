@@ -13,6 +13,7 @@
 #include <chrono>
 #include <map>
 #include <netinet/in.h>
+#include <set>
 #include <sys/socket.h>
 #include <vector>
 
@@ -70,6 +71,15 @@ struct Ear
     std::array<char, discovery::maxDatagram> buffer{};
 };
 
+/// Whether the ear takes part in the group on an interface from now on, or no more.
+bool setGroup(Ear& ear, int option, unsigned int interface)
+{
+    ip_mreqn group{};
+    group.imr_multiaddr.s_addr = htonl(asio::ip::make_address_v4(discovery::group).to_uint());
+    group.imr_ifindex = static_cast<int>(interface);
+    return ::setsockopt(ear.socket.native_handle(), IPPROTO_IP, option, &group, sizeof group) == 0;
+}
+
 } // namespace
 
 struct NetworkResponder::Impl : std::enable_shared_from_this<Impl>
@@ -95,7 +105,7 @@ struct NetworkResponder::Impl : std::enable_shared_from_this<Impl>
     asio::ip::address bound;
     unsigned short port = 0;
     std::shared_ptr<Ear> ear4;
-    Interfaces joined;                                 // by that ear
+    std::set<unsigned int> joined;                     // by that ear, whatever addresses they have
     std::map<unsigned int, std::shared_ptr<Ear>> ears; // of IPv6, by the interface, whatever addresses it has
     asio::steady_timer nextLook;
     bool hasEnded = false;
@@ -162,19 +172,23 @@ void NetworkResponder::Impl::hearV4(const Interfaces& present)
         ::setsockopt(ear4->socket.native_handle(), IPPROTO_IP, IP_MULTICAST_ALL, &all, sizeof all);
         receive(ear4);
     }
-    std::erase_if(joined, [&present](const NetworkInterface& one) {
-        return std::ranges::find(present, one) == present.end(); // it may come back
-    });
+    std::set<unsigned int> ours;
     for (const NetworkInterface& at : present) {
         // The loopback interface has all addresses of 127.0.0.0/8, and names one.
         const bool isLoopback = at.address.is_v4() && at.address.is_loopback() && bound.is_loopback();
-        const bool isOurs = bound.is_unspecified() || bound == at.address || isLoopback;
-        if (!at.address.is_v4() || !isOurs || std::ranges::find(joined, at) != joined.end())
-            continue;
-        error_code failed;
-        ear4->socket.set_option(asio::ip::multicast::join_group(group, at.address.to_v4()), failed);
-        if (!failed || failed == asio::error::address_in_use) // by another address of that interface
-            joined.push_back(at);
+        if (at.address.is_v4() && (bound.is_unspecified() || bound == at.address || isLoopback))
+            ours.insert(at.index);
+    }
+    // A socket takes part in twenty groups or so, those of interfaces that are gone for good among them.
+    std::erase_if(joined, [&](unsigned int one) {
+        const bool isGone = !ours.contains(one);
+        if (isGone)
+            setGroup(*ear4, IP_DROP_MEMBERSHIP, one);
+        return isGone;
+    });
+    for (const unsigned int one : ours) {
+        if (!joined.contains(one) && setGroup(*ear4, IP_ADD_MEMBERSHIP, one))
+            joined.insert(one);
     }
 }
 

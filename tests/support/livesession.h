@@ -7,6 +7,7 @@
 #include "common/session/link/connectionhandler.h"
 #include "common/session/session.h"
 #include "tests/support/ombraprocess.h"
+#include "tests/support/patience.h"
 
 #include <QSignalSpy>
 #include <QTest>
@@ -32,8 +33,9 @@ public:
             return session->isConnected() && session->getMediaLibraryApi() && !loaded.isEmpty() &&
                    session->serverFilesModel();
         };
-        return QTest::qWaitFor(isReady) && manager.insertCollection(collection, QStringLiteral("Seven")) &&
-               QTest::qWaitFor([this] { return bool(library()->collection(collection)); });
+        return QTest::qWaitFor(isReady, longestWait) &&
+               manager.insertCollection(collection, QStringLiteral("Seven")) &&
+               QTest::qWaitFor([this] { return bool(library()->collection(collection)); }, longestWait);
     }
     const MediaLibraryProvider* library() const { return session->mediaLibraryProvider(); }
 

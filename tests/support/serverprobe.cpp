@@ -15,7 +15,7 @@ namespace vantrel::test {
 
 namespace {
 
-constexpr int patienceMs = 5000;
+constexpr int patienceMs = 20000;
 
 } // namespace
 

@@ -3,7 +3,9 @@
 #include "common/media/library/editqueue.h"
 #include "common/media/library/medialibraryapi.h"
 #include "tarn/media/medialibrary.h"
+#include "tarn/scene/scene.h"
 #include "tests/common/session/scriptedpeer.h"
+#include "tests/support/patience.h"
 
 #include <QTest>
 #include <QUndoStack>
@@ -56,8 +58,15 @@ struct ScriptedLibrary
     }
     bool connect()
     {
-        return peer.connect() &&
-               QTest::qWaitFor([this] { return peer.session->getMediaLibraryApi()->isCurrent(); });
+        const auto isRead = [this] { return api()->isCurrent() && peer.link.socket; };
+        if (!peer.connect() || !QTest::qWaitFor(isRead, longestWait))
+            return false;
+        // One that never says a word counts as silent after a second, and gets no more edits.
+        peer.send(R"([{"op":"add","path":"/device/channels/0","value":{"type":"Channel"}}])");
+        const auto isHeard = [this] {
+            return peer.session->getScene()->findObject("/device/channels/0") != nullptr;
+        };
+        return QTest::qWaitFor(isHeard, longestWait);
     }
     template <typename Command, typename... Args>
     bool run(Args... args)

@@ -1,5 +1,8 @@
+#include "common/media/edit/slot/addmediatocollectioncommand.h"
+#include "common/media/items/guimediaslot.h"
 #include "common/media/items/guiplaylistentry.h"
 #include "common/media/items/mimedata.h"
+#include "common/media/library/aside.h"
 #include "common/media/models/playlist/playlisteditormodel.h"
 #include "common/media/models/playlist/playlistlibrarymodel.h"
 #include "common/media/models/playlist/playlistselectionmodel.h"
@@ -11,6 +14,7 @@
 
 #include <QAbstractItemModelTester>
 #include <QMimeData>
+#include <QSemaphore>
 
 namespace vantrel::test {
 
@@ -59,7 +63,7 @@ private:
                 QCoreApplication::sendPostedEvents(model); // gestures that wait for their turn
                 return server.isIdle();
             };
-            return QTest::qWaitFor(isDone) &&
+            return QTest::qWaitFor(isDone, longestWait) &&
                    server.library->toJson() == server.peer.session->mediaLibrary()->toJson();
         }
 
@@ -197,6 +201,21 @@ private Q_SLOTS:
         QCOMPARE(e.model->getEntry(e.row(0))->endAction(), EndAction::Pause);
         QCOMPARE(e.model->getEntry(e.row(1))->endAction(), EndAction::Next);
         QCOMPARE(saidCount(), 0);
+    }
+
+    /// Nobody waits at the window for what thousands of slots come to.
+    void movesBesideAnEditOfThousands()
+    {
+        Editor e;
+        QVERIFY(e.connect());
+        QSemaphore isDone;
+        aside::edits().start([&isDone] { isDone.tryAcquire(1, longestWait); }); // holds the edit's thread
+        QVERIFY(e.server.run<AddMediaToCollectionCommand>(1, 20, QList<GuiMediaSlot>(1000)));
+        e.model->doMoveDown({e.row(0)});
+        QVERIFY(e.server.api()->edits()->isMaking());
+        isDone.release();
+        QVERIFY(e.settle());
+        QTRY_COMPARE(e.shown(), QStringLiteral("2=s2 2.1=s1 3=s3"));
     }
 
     /// A move that is held down goes on with the entry; what else is done to an entry on its way is refused.

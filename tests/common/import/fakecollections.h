@@ -2,6 +2,7 @@
 
 #include "common/media/edit/mediacollectionmanager.h"
 #include "common/media/items/guimediaslot.h"
+#include "tests/support/patience.h"
 
 #include <QMap>
 #include <QStringList>

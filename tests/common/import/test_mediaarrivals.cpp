@@ -2,6 +2,7 @@
 #include "common/filesystem/schedule/filesystemoperations.h"
 #include "common/import/mediaarrivals.h"
 #include "tests/common/filesystem/fakefilesystem.h"
+#include "tests/support/patience.h"
 #include "tests/support/testmain.h"
 
 #include <QTest>

@@ -102,8 +102,8 @@ struct Opened
             const QQuickItem* item = view->quickWindow()->activeFocusItem();
             return item && item->objectName().endsWith(QLatin1String("-input"));
         };
-        isThere = QTest::qWaitFor([this] { return dialog->isVisible(); }) &&
-                  QTest::qWaitForWindowActive(dialog) && QTest::qWaitFor(hasKeys);
+        isThere = QTest::qWaitFor([this] { return dialog->isVisible(); }, longestWait) &&
+                  QTest::qWaitForWindowActive(dialog) && QTest::qWaitFor(hasKeys, longestWait);
     }
     void key(Qt::Key pressed, Qt::KeyboardModifiers held = Qt::NoModifier)
     {

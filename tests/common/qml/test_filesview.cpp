@@ -9,6 +9,7 @@
 #include "common/views/files/filesview.h"
 #include "tests/common/ui/testsettings.h"
 #include "tests/support/fakefiles.h"
+#include "tests/support/patience.h"
 #include "tests/support/testmain.h"
 
 #include <QApplication>

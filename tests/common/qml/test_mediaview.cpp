@@ -14,6 +14,7 @@
 #include "tests/support/fakefiles.h"
 #include "tests/support/librarymaker.h"
 #include "tests/support/mediamirror.h"
+#include "tests/support/patience.h"
 #include "tests/support/testmain.h"
 #include "tests/support/threadwork.h"
 

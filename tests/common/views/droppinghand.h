@@ -5,6 +5,7 @@
 #include "common/ui/toolkit/pushbutton.h"
 #include "common/views/slotdrops.h"
 #include "tests/support/livesession.h"
+#include "tests/support/patience.h"
 
 #include <QApplication>
 #include <QDataStream>
@@ -58,10 +59,11 @@ public:
     }
     static bool approve()
     {
-        if (!QTest::qWaitFor([] { return reviewed() && reviewed()->acceptButton()->isEnabled(); }))
+        const auto isAsking = [] { return reviewed() && reviewed()->acceptButton()->isEnabled(); };
+        if (!QTest::qWaitFor(isAsking, longestWait))
             return false;
         reviewed()->acceptButton()->click();
-        return QTest::qWaitFor([] { return !reviewed(); });
+        return QTest::qWaitFor([] { return !reviewed(); }, longestWait);
     }
     void makePicture(const QString& name) const
     {

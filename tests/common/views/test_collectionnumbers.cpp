@@ -47,7 +47,7 @@ public:
     {
         edit(*library);
         api()->requestMediaLibrary();
-        return QTest::qWaitFor([this] { return api()->isCurrent(); });
+        return QTest::qWaitFor([this] { return api()->isCurrent(); }, longestWait);
     }
     Session* session() const { return peer.session; }
     std::string urlOf(int collection, int slot) const

@@ -10,6 +10,7 @@
 #include "tests/common/views/slotpanel.h"
 #include "tests/support/librarymaker.h"
 #include "tests/support/mocknetworkaccessmanager.h"
+#include "tests/support/patience.h"
 #include "tests/support/testmain.h"
 
 #include <QAbstractItemModelTester>

@@ -18,6 +18,7 @@
 #include "common/views/playlistwidget.h"
 #include "tarn/json/patch.h"
 #include "tests/common/playback/playerfixture.h"
+#include "tests/support/patience.h"
 
 #include <QAction>
 #include <QComboBox>

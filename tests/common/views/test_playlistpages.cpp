@@ -11,6 +11,7 @@
 #include "tarn/json/patch.h"
 #include "tarn/media/medialibrary.h"
 #include "tests/common/playback/playerfixture.h"
+#include "tests/support/patience.h"
 
 #include <QAbstractItemModelTester>
 #include <QAction>

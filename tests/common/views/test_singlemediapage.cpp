@@ -10,6 +10,7 @@
 #include "common/views/playlistwidget.h"
 #include "common/views/singlemediawidget.h"
 #include "tests/common/playback/playerfixture.h"
+#include "tests/support/patience.h"
 
 using namespace vantrel;
 using test::PlayerFixture;

@@ -152,7 +152,7 @@ private Q_SLOTS:
             other.setName(QString::fromLatin1(name));
             other.setContentUrl(QUrl(QStringLiteral("file:///other.mov")));
             hand.live.manager.addMedias(LiveSession::collection, slot, {other});
-            return QTest::qWaitFor([&] { return bool(hand.slot(slot)); });
+            return QTest::qWaitFor([&] { return bool(hand.slot(slot)); }, longestWait);
         };
         QVERIFY(put(3, "Walk-in"));
         QVERIFY(hand.drop({QStringLiteral("sounds")}, 3));

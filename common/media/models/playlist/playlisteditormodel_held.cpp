@@ -45,8 +45,11 @@ void PlaylistEditorModel::setLibraryApi(const MediaLibraryApi* api)
         disconnect(m_api->edits(), nullptr, this, nullptr);
     m_api = api;
     // Once the edit that follows is under way as well.
-    if (api)
+    if (api) {
         connect(api->edits(), &EditQueue::dropped, this, &PlaylistEditorModel::resume, Qt::QueuedConnection);
+        connect(api->edits(), &EditQueue::submitted, this, &PlaylistEditorModel::resume,
+                Qt::QueuedConnection);
+    }
     resume();
 }
 
@@ -55,11 +58,13 @@ bool PlaylistEditorModel::areEditsUnderWay() const
     return m_api && library() == &m_api->library() && !m_api->edits()->isEmpty();
 }
 
-/// Whether the list shows all that is under way.
+/// Whether the list shows all that is under way. What that comes to is not waited for.
 bool PlaylistEditorModel::isSettled() const
 {
     if (!areEditsUnderWay())
         return true;
+    if (m_api->edits()->isMaking())
+        return false;
     const Ref<const MediaLibrary> expected = m_api->expectedLibrary();
     const Playlist* then = std::as_const(*expected).findPlaylist(number());
     const Playlist* now = list();
@@ -154,7 +159,8 @@ void PlaylistEditorModel::directPlay(bool preview, const QModelIndex& index, int
         qCWarning(lcMedia) << "Invalid index for doDirectPlay";
         return;
     }
-    const bool isThere = m_held.isEmpty() && areStill({getEntryAddress(index)});
+    const bool isMaking = areEditsUnderWay() && m_api->edits()->isMaking();
+    const bool isThere = m_held.isEmpty() && !isMaking && areStill({getEntryAddress(index)});
     if (isThere)
         directPlayAddress(preview, getEntryAddress(index), channel);
     else
