@@ -13,6 +13,13 @@ namespace vantrel {
 
 namespace {
 
+bool playTheSame(const MediaSlot& a, const MediaSlot& b)
+{
+    const Json* const one = a.toJson().find("contentUrl");
+    const Json* const other = b.toJson().find("contentUrl");
+    return one && other && *one == *other;
+}
+
 /// Nothing but what it holds tells one collection from another.
 bool isSame(const MediaCollection* a, const MediaCollection* b)
 {
@@ -27,7 +34,7 @@ bool isSame(const MediaCollection* a, const MediaCollection* b)
         const auto& [otherNumber, otherSlot] = *other;
         if (number != otherNumber)
             return false;
-        if (!slot.toJson().sameNode(otherSlot.toJson()) && slot.getUrl() != otherSlot.getUrl())
+        if (!slot.toJson().sameNode(otherSlot.toJson()) && !playTheSame(slot, otherSlot))
             return false;
         ++other;
     }
@@ -38,7 +45,7 @@ bool haveSlotsInCommon(const MediaCollection& a, const MediaCollection& b)
 {
     return std::ranges::any_of(a.getSlots(), [&b](const auto& each) {
         const MediaSlot* const other = b.getSlots().get(each.first);
-        return other && !other->getUrl().empty() && other->getUrl() == each.second.getUrl();
+        return other && playTheSame(*other, each.second) && !other->getUrl().empty();
     });
 }
 
@@ -122,7 +129,11 @@ void CollectionNumbers::followLibrary()
 Ref<const MediaLibrary> CollectionNumbers::expected() const
 {
     const MediaLibraryApi* const api = m_session ? m_session->getMediaLibraryApi() : nullptr;
-    return api ? makeRef<MediaLibrary>(*api->expectedLibrary()) : Ref<MediaLibrary>();
+    if (!api)
+        return {};
+    // Where none of them moves a collection the library tells as well: to work out what thousands of slots
+    // will be would hold the window.
+    return makeRef<MediaLibrary>(api->edits()->movesCollections() ? *api->expectedLibrary() : api->library());
 }
 
 CollectionNumbers::Number CollectionNumbers::follow(int collection)

@@ -51,6 +51,8 @@ public:
         both(&Api::mediaAdded, &MediaLibraryModel::onMediaAdded, &MediaLibraryProvider::onSlotAdded);
         both(&Api::mediaChanged, &MediaLibraryModel::onMediaChanged, &MediaLibraryProvider::onSlotChanged);
         both(&Api::mediaRemoved, &MediaLibraryModel::onMediaRemoved, &MediaLibraryProvider::onSlotRemoved);
+        QObject::connect(&source, &Api::changesStarted, &model, &MediaLibraryModel::onChangesStarted);
+        QObject::connect(&source, &Api::changesFinished, &model, &MediaLibraryModel::onChangesFinished);
         toPlaylists(&source, &Api::changesStarted, &PlaylistProvider::onChangesStarted);
         toPlaylists(&source, &Api::changesFinished, &PlaylistProvider::onChangesFinished);
         toPlaylists(&source, &Api::playlistAdded, &PlaylistProvider::onPlaylistAdded);

@@ -56,6 +56,8 @@ QFuture<LibraryMessage> LibraryMessage::start(const QByteArray& data, const Medi
         message.after = makeRef<MediaLibrary>(*on);
         if (!message.isSound || message.after->applyDiff(message.patch) != 0)
             message.after = {};
+        if (message.after)
+            const MediaLibrary settled(*message.after); // what a first copy costs is paid here
         return message;
     });
 }

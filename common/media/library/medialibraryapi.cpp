@@ -1,6 +1,7 @@
 #include "common/media/library/medialibraryapi.h"
 
 #include "common/media/address/medialogging.h"
+#include "common/media/library/aside.h"
 #include "common/media/library/editqueue.h"
 #include "common/media/library/librarymessage.h"
 #include "common/media/library/libraryreading.h"
@@ -290,8 +291,11 @@ void MediaLibraryApi::handleMessage(const QByteArray& data)
 
 void MediaLibraryApi::takeLargeMessage()
 {
-    if (std::exchange(m_isLargeRead, false))
-        takeMessage(m_large.future().takeResult());
+    if (!std::exchange(m_isLargeRead, false))
+        return;
+    auto message = std::make_shared<const LibraryMessage>(m_large.future().takeResult());
+    takeMessage(*message);
+    aside::letGo(std::move(message)); // to free thousands of operations takes time
 }
 
 void MediaLibraryApi::takeMessage(const LibraryMessage& message)

@@ -159,6 +159,7 @@ private:
     Item makeCollection(int collection);
     void updateCollectionSlots(MediaLibraryItem& item, int collection);
     void updateSlot(const MediaAddress& address);
+    void addRows(int collectionRow);
     void tellLater(const MediaAddress& slot);
     void tellChanged();
     void setSlot(MediaLibraryItem& collection, int row, const MediaSlot* record);

@@ -287,15 +287,29 @@ void MediaLibraryModel::updateSlot(const MediaAddress& address)
         return;
     }
     MediaLibraryItem& collection = *m_collections[static_cast<std::size_t>(collectionRow)];
+    const MediaSlot* const shown = collection.records().get(address.slot);
+    if (shown && shown->toJson().sameNode(record->toJson()))
+        return; // it came with others
     if (address.slot < collection.childCount()) {
         setSlot(collection, address.slot, record);
         tellLater(address);
         return;
     }
     tellChanged();
-    beginInsertRows(index(collectionRow, 0), collection.childCount(), address.slot);
-    collection.setChildCount(address.slot + 1);
-    setSlot(collection, address.slot, record);
+    addRows(collectionRow);
+}
+
+/// All that the library has behind the last row: views have to do with each insertion.
+void MediaLibraryModel::addRows(int collectionRow)
+{
+    MediaLibraryItem& collection = *m_collections[static_cast<std::size_t>(collectionRow)];
+    const MediaCollection& record = *std::as_const(*m_library).findCollection(collection.number());
+    const int first = collection.childCount();
+    beginInsertRows(index(collectionRow, 0), first, rowsFor(record) - 1);
+    collection.setChildCount(rowsFor(record));
+    const MediaLibraryItem::Records& records = record.getSlots().records();
+    for (auto added = records.lower_bound(first); added != records.end(); ++added)
+        setSlot(collection, added->first, &added->second);
     endInsertRows();
 }
 

@@ -414,22 +414,47 @@ void SlotGridModel::leaveOthers(int first, int last)
             before->getName() != now.getName())
             others.push_back(slot);
     }
-    const bool isAnew = others.size() > mostRuns;
+    std::vector<std::pair<int, int>> runs; // of rows side by side, first and last
+    for (const int slot : others) {
+        if (const int row = rowOf(slot); !runs.empty() && runs.back().second == row - 1)
+            runs.back().second = row;
+        else
+            runs.emplace_back(row, row);
+    }
+    const bool isAnew = runs.size() > mostRuns;
     if (isAnew)
         beginResetModel(); // what is selected is told by what has been seen
     for (const auto& [slot, now] : changed)
         m_seen->findCollection(m_collection)->insertMediaSlot(slot, now, true);
     if (isAnew)
         return endResetModel();
-    for (const int slot : others) {
-        const int row = rowOf(slot);
-        beginRemoveRows({}, row, row);
-        m_rows.erase(m_rows.begin() + row);
-        endRemoveRows();
-        beginInsertRows({}, row, row);
-        m_rows.insert(m_rows.begin() + row, {slot, slot, Row::Media});
-        endInsertRows();
+    for (auto run = runs.rbegin(); run != runs.rend(); ++run)
+        replaceRows(run->first, run->second);
+}
+
+/// By what a look finds there now, but for free places, which it joins to those beside them.
+void SlotGridModel::replaceRows(int first, int last)
+{
+    Rows others;
+    for (int row = first; row <= last; ++row) {
+        const int slot = slotAt(row);
+        const bool isMedia = holdsMedia(slot);
+        if (isMedia ? !passes(slot) : isFiltered())
+            continue;
+        const bool isFree = !isMedia && m_library->nextSlot(m_collection, slot) != slot;
+        if (isFree && !others.empty() && others.back().kind == Row::Free && others.back().last == slot - 1)
+            others.back().last = slot;
+        else
+            others.push_back({slot, slot, isMedia ? Row::Media : isFree ? Row::Free : Row::Empty});
     }
+    beginRemoveRows({}, first, last);
+    m_rows.erase(m_rows.begin() + first, m_rows.begin() + last + 1);
+    endRemoveRows();
+    if (others.empty())
+        return;
+    beginInsertRows({}, first, first + static_cast<int>(others.size()) - 1);
+    m_rows.insert(m_rows.begin() + first, others.begin(), others.end());
+    endInsertRows();
 }
 
 void SlotGridModel::refresh()

@@ -137,6 +137,7 @@ private:
     void onLibraryAnew();
     void onRowsCame(const QModelIndex& parent);
     void leaveOthers(int first, int last);
+    void replaceRows(int first, int last);
     QString keyOf(int slot) const;
     bool isAsShown(int slot) const;
     bool isFiltered() const;

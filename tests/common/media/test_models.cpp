@@ -52,6 +52,7 @@ private Q_SLOTS:
     void addresses();
     void indexesParse();
     void oneRowIsTold();
+    void slotsOfOneEditAreToldAtOnce();
     void selectorKeepsItsChoice();
     void tenThousandSlots();
 };
@@ -202,6 +203,25 @@ void TestModels::oneRowIsTold()
     QCOMPARE(told(), QStringLiteral("3"));
     mirror.model.onThumbnailUpdate(QUrl(QStringLiteral("file:///clips/c1s3.mp4")));
     QCOMPARE(told(), QString());
+}
+
+/// Views have to do with each word: a drop of thousands of slots would hold the window for ten pictures.
+void TestModels::slotsOfOneEditAreToldAtOnce()
+{
+    MediaMirror mirror(test::makeLibrary(1, 5));
+    QSignalSpy added(&mirror.model, &QAbstractItemModel::rowsInserted);
+    int changes = 0;
+    connect(&mirror.model, &QAbstractItemModel::dataChanged, this,
+            [&changes](const QModelIndex& first) { changes += first.parent().isValid(); });
+    mirror.edit([](MediaLibrary& library) {
+        for (int slot = 3; slot <= 5; ++slot)
+            library.findSlot(1, slot)->setName("other");
+        for (int slot = 6; slot <= 300; ++slot)
+            library.getCollection(1)->insertMediaSlot(slot, test::makeSlot("new"), true);
+    });
+    QCOMPARE(mirror.model.rowCount(mirror.model.collectionIndex(1)), 301);
+    QCOMPARE(added.size(), 1);
+    QCOMPARE(changes, 1);
 }
 
 void TestModels::selectorKeepsItsChoice()
