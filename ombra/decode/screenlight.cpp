@@ -60,22 +60,6 @@ double toneMapped(double light, double peak)
     return pqLight(mapped * whole);
 }
 
-double peakOf(const AVFrame& frame)
-{
-    if (const AVFrameSideData* data = av_frame_get_side_data(&frame, AV_FRAME_DATA_CONTENT_LIGHT_LEVEL)) {
-        const auto* level = reinterpret_cast<const AVContentLightMetadata*>(data->data);
-        if (level->MaxCLL > 0)
-            return std::clamp(double(level->MaxCLL), white, pqPeak);
-    }
-    if (const AVFrameSideData* data =
-            av_frame_get_side_data(&frame, AV_FRAME_DATA_MASTERING_DISPLAY_METADATA)) {
-        const auto* display = reinterpret_cast<const AVMasteringDisplayMetadata*>(data->data);
-        if (display->has_luminance && display->max_luminance.num > 0)
-            return std::clamp(av_q2d(display->max_luminance), white, pqPeak);
-    }
-    return pqPeak;
-}
-
 std::size_t stepOf(float light, float most)
 {
     const float at = std::sqrt(std::max(0.0F, light / most)) * float(steps - 1) + 0.5F;
@@ -100,10 +84,28 @@ ScreenLight::Kind ScreenLight::kindOf(const AVFrame& frame)
     }
 }
 
+double ScreenLight::peakOf(const AVFrame& frame)
+{
+    if (kindOf(frame) == Kind::Hlg)
+        return hlgPeak;
+    if (const AVFrameSideData* data = av_frame_get_side_data(&frame, AV_FRAME_DATA_CONTENT_LIGHT_LEVEL)) {
+        const auto* level = reinterpret_cast<const AVContentLightMetadata*>(data->data);
+        if (level->MaxCLL > 0)
+            return std::clamp(double(level->MaxCLL), white, pqPeak);
+    }
+    if (const AVFrameSideData* data =
+            av_frame_get_side_data(&frame, AV_FRAME_DATA_MASTERING_DISPLAY_METADATA)) {
+        const auto* display = reinterpret_cast<const AVMasteringDisplayMetadata*>(data->data);
+        if (display->has_luminance && display->max_luminance.num > 0)
+            return std::clamp(av_q2d(display->max_luminance), white, pqPeak);
+    }
+    return pqPeak;
+}
+
 void ScreenLight::follow(const AVFrame& frame)
 {
     const Kind kind = kindOf(frame);
-    const double peak = kind == Kind::Pq ? peakOf(frame) : hlgPeak;
+    const double peak = peakOf(frame);
     m_isWide = frame.color_primaries == AVCOL_PRI_BT2020 || frame.color_primaries == AVCOL_PRI_UNSPECIFIED;
     if (kind != m_kind || peak != m_peak)
         makeTables(kind, peak);

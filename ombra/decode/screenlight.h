@@ -17,6 +17,8 @@ class ScreenLight
 public:
     enum class Kind { Usual, Linear, Pq, Hlg };
     static Kind kindOf(const AVFrame& frame);
+    /// cd/m² of the brightest that a frame of a larger range may have.
+    static double peakOf(const AVFrame& frame);
 
     /// For frames like that one; keeps what it knows from one to the next.
     void follow(const AVFrame& frame);

@@ -3,6 +3,7 @@
 #include "ombra/base/fail.h"
 #include "ombra/decode/decodedpicture.h"
 #include "ombra/decode/placement.h"
+#include "ombra/decode/screenlight.h"
 #include "ombra/display/framemap.h"
 #include "tarn/log/log.h"
 
@@ -23,6 +24,7 @@ namespace vantrel::ombra {
 namespace {
 
 constexpr std::size_t layersAtMost = 4;
+constexpr float darkest = 1e-6F; // cd/m², of screens and pictures: black is black
 
 void tell(void*, pl_log_level level, const char* text)
 {
@@ -36,15 +38,35 @@ pl_color_space screenColors()
     pl_color_space space = {};
     space.primaries = PL_COLOR_PRIM_BT_709;
     space.transfer = PL_COLOR_TRC_BT_1886;
+    space.hdr.min_luma = darkest;
+    space.hdr.max_luma = PL_COLOR_SDR_WHITE; // only beside it is the other believed
     return space;
 }
 
 /// Values that are made for a screen go there unchanged, whatever its primaries are called; the others are
 /// turned into such.
-pl_color_space imageColors(const pl_color_space& told)
+pl_color_space imageColors(pl_color_space told, const AVFrame& frame)
 {
-    return told.transfer == PL_COLOR_TRC_LINEAR || pl_color_transfer_is_hdr(told.transfer) ? told
-                                                                                           : screenColors();
+    if (pl_color_transfer_is_hdr(told.transfer)) {
+        told.hdr = {};
+        told.hdr.min_luma = darkest;
+        told.hdr.max_luma = static_cast<float>(ScreenLight::peakOf(frame));
+        return told;
+    }
+    const bool isLinear = told.transfer == PL_COLOR_TRC_LINEAR;
+    told.hdr = screenColors().hdr;
+    return isLinear ? told : screenColors();
+}
+
+/// As ScreenLight does it.
+pl_color_map_params toneMapping()
+{
+    pl_color_map_params params = pl_color_map_default_params;
+    params.tone_mapping_function = &pl_tone_map_bt2390;
+    params.tone_mapping_param = 0.5; // where BT.2390 has its knee
+    params.tone_mapping_mode = PL_TONE_MAP_MAX;
+    params.gamut_mode = PL_GAMUT_CLIP;
+    return params;
 }
 
 /// The nearest format that the renderer reads, with the same matrix and range.
@@ -145,6 +167,7 @@ public:
         m_params.deband_params = nullptr;
         m_params.peak_detect_params = nullptr;
         m_params.dither_params = nullptr;
+        m_params.color_map_params = &m_toneMapping;
         m_params.disable_linear_scaling = bySoftware;
         return (m_swapchain && m_renderer && m_dispatch) || fail(error, "OpenGL gives no way to paint here");
     }
@@ -218,7 +241,7 @@ private:
             if (source.image.repr.alpha == PL_ALPHA_INDEPENDENT)
                 source.image.repr.alpha = PL_ALPHA_PREMULTIPLIED;
         }
-        source.image.color = imageColors(source.image.color);
+        source.image.color = imageColors(source.image.color, frame);
         return true;
     }
 
@@ -234,6 +257,8 @@ private:
                   {m_params.background_color[0], m_params.background_color[1], m_params.background_color[2]});
             return;
         }
+        if (source.image.color.transfer == PL_COLOR_TRC_LINEAR)
+            target.color.transfer = PL_COLOR_TRC_SRGB;
         const Placement at = place({.width = m_width,
                                     .height = m_height,
                                     .scaling = layer.scaling,
@@ -381,6 +406,7 @@ private:
     pl_renderer m_renderer = nullptr;
     pl_dispatch m_dispatch = nullptr;
     pl_render_params m_params{};
+    const pl_color_map_params m_toneMapping = toneMapping();
     std::array<Source, layersAtMost> m_sources;
     pl_tex m_uncut = nullptr;
     int m_width = 0, m_height = 0; // pixels of the window

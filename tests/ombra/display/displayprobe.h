@@ -96,6 +96,9 @@ protected:
         QVERIFY(make(QStringLiteral("green.png"),
                      QStringLiteral("color=0x00ff00:s=640x360:d=0.04,format=rgb24"),
                      {QStringLiteral("-frames:v"), QStringLiteral("1")}));
+        QVERIFY(make(QStringLiteral("light.exr"),
+                     QStringLiteral("color=0x2e8008:s=640x360:d=0.04,format=gbrpf32le"),
+                     {QStringLiteral("-frames:v"), QStringLiteral("1")}));
     }
 
     void startServer(const QStringList& options)
