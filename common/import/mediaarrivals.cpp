@@ -8,6 +8,7 @@
 #include "common/media/address/medialogging.h"
 #include "common/media/address/showntext.h"
 
+#include <QElapsedTimer>
 #include <QSet>
 
 #include <algorithm>
@@ -63,6 +64,7 @@ MediaArrivals::MediaArrivals(FileSystemProvider* fileSystems, FileSystemOperatio
     , m_fileSystems(fileSystems)
     , m_operations(operations)
 {
+    connect(&m_turn, &Turn::come, this, &MediaArrivals::sendSome);
     m_pace.setSingleShot(true);
     m_pace.setInterval(100ms);
     connect(&m_pace, &QTimer::timeout, this, &MediaArrivals::changed);
@@ -235,14 +237,63 @@ OperationPtr MediaArrivals::send(const QString& localPath, FileSystem::ItemType 
                : nullptr;
 }
 
-bool MediaArrivals::bringFile(const QString& localPath, const QUrl& media)
+void MediaArrivals::bringFiles(const QList<Upload>& uploads, QObject* context,
+                               const std::function<void(const QStringList&)>& sent)
 {
-    const OperationPtr operation = send(localPath, FileSystem::File);
-    if (!operation)
-        return false;
-    const QUrl url =
-        QUrl::fromLocalFile(targetOf(*m_fileSystems->getFileSystem(serverName), localPath, false));
-    noteProgress(url, media, 0);
+    FileSystem* const server = m_fileSystems ? m_fileSystems->getFileSystem(serverName) : nullptr;
+    for (const Upload& upload : uploads) {
+        if (server)
+            noteProgress(QUrl::fromLocalFile(targetOf(*server, upload.localPath, false)), upload.media, 0);
+    }
+    m_batches.push_back({server, uploads, context, sent});
+    if (m_batches.size() == 1) // else it is at it
+        sendSome();
+}
+
+/// An operation, and what the log says of it, takes a while: thousands would hold the window.
+void MediaArrivals::sendSome()
+{
+    constexpr qint64 sliceTime = 4; // milliseconds
+    QElapsedTimer clock;
+    clock.start();
+    while (!m_batches.empty()) {
+        Batch& batch = m_batches.front();
+        for (; batch.next < batch.uploads.size(); ++batch.next) {
+            if (clock.elapsed() >= sliceTime)
+                return m_turn.ask();
+            const QString fault = bringFile(batch.uploads[batch.next], batch.server);
+            if (!fault.isEmpty())
+                batch.faults.append(fault);
+        }
+        const Batch done = std::move(batch);
+        m_batches.pop_front();
+        if (done.context)
+            done.sent(done.faults);
+    }
+}
+
+/// Why it was not sent; empty where it was.
+QString MediaArrivals::bringFile(const Upload& upload, FileSystem* server)
+{
+    const QString name = shownText(getNameInPath(upload.localPath));
+    if (!server)
+        return tr("\"%1\" was not sent: the connection to the server was lost.").arg(name);
+    const QUrl url = QUrl::fromLocalFile(targetOf(*server, upload.localPath, false));
+    const QUrl media = upload.media;
+    const FileSystem* const present = m_fileSystems->getFileSystem(serverName);
+    const bool isThere = this->isThere(upload.localPath, FileSystem::File);
+    const bool isMeant = !present || present == server;
+    const OperationPtr operation =
+        isThere && isMeant ? m_operations->copy(m_fileSystems->getFileSystem(localName), upload.localPath,
+                                                server, server->defaultRootPath())
+                           : nullptr;
+    if (!operation) {
+        noteEnd(url, media);
+        Q_EMIT settled(url, false);
+        return (isMeant ? tr("\"%1\" was not sent: it is not there any more.")
+                        : tr("\"%1\" was not sent: the application has turned to another server."))
+            .arg(name);
+    }
     connect(operation.get(), &BaseOperation::progressChanged, this,
             [this, url, media](double, double to) { noteProgress(url, media, to); });
     // Whole or not, from now on the server says what there is.
@@ -254,7 +305,7 @@ bool MediaArrivals::bringFile(const QString& localPath, const QUrl& media)
                 else
                     lookForAnother(url);
             });
-    return true;
+    return {};
 }
 
 void MediaArrivals::noteProgress(const QUrl& file, const QUrl& media, double share)

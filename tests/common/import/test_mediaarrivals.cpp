@@ -113,8 +113,11 @@ private Q_SLOTS:
         Copies copies;
         MediaArrivals arrivals(&disks, &copies);
         const QUrl pattern = QUrl::fromLocalFile(QStringLiteral("/s.%04d.png"));
-        QVERIFY(arrivals.bringFile(QStringLiteral("/in/s.0001.png"), pattern));
-        QVERIFY(arrivals.bringFile(QStringLiteral("/in/s.0002.png"), pattern));
+        QObject context;
+        arrivals.bringFiles(
+            {{QStringLiteral("/in/s.0001.png"), pattern}, {QStringLiteral("/in/s.0002.png"), pattern}},
+            &context, [](const QStringList&) {});
+        QTRY_COMPARE(copies.begun.size(), 2);
         Q_EMIT copies.begun[0]->progressChanged(0, 0.5);
         Q_EMIT copies.begun[0]->operationStopped();
         Q_EMIT copies.begun[1]->progressChanged(0, 0.25);
