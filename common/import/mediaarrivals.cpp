@@ -246,8 +246,7 @@ void MediaArrivals::bringFiles(const QList<Upload>& uploads, QObject* context,
             noteProgress(QUrl::fromLocalFile(targetOf(*server, upload.localPath, false)), upload.media, 0);
     }
     m_batches.push_back({server, uploads, context, sent});
-    if (m_batches.size() == 1) // else it is at it
-        sendSome();
+    m_turn.ask(); // this one has had the slots to make
 }
 
 /// An operation, and what the log says of it, takes a while: thousands would hold the window.
