@@ -203,9 +203,8 @@ void MediaArrivals::add(Plan& plan, const MediaEntry& entry) const
         return leaveOut(tr("it is neither a picture nor video nor sound."));
     FileSystem& server = *plan.server;
     const QString target = targetOf(server, entry.path, isDirectory);
-    const FileSystem::ItemType there =
-        std::max(server.getType(target), server.getType(targetOf(server, entry.path, !isDirectory)));
-    if (there != FileSystem::Unknown || m_progress.contains(QUrl::fromLocalFile(target)))
+    if (server.getType(targetOf(server, entry.path, false)) != FileSystem::Unknown || // of whatever kind
+        m_progress.contains(QUrl::fromLocalFile(target)))
         return leaveOut(tr("the server holds something of this name. Drop that one, or give this one another "
                            "name."));
     if (isDirectory) {
