@@ -8,6 +8,7 @@
 #include "common/media/address/medialogging.h"
 #include "common/media/address/showntext.h"
 
+#include <QElapsedTimer>
 #include <QSet>
 
 #include <algorithm>
@@ -63,6 +64,7 @@ MediaArrivals::MediaArrivals(FileSystemProvider* fileSystems, FileSystemOperatio
     , m_fileSystems(fileSystems)
     , m_operations(operations)
 {
+    connect(&m_turn, &Turn::come, this, &MediaArrivals::sendSome);
     m_pace.setSingleShot(true);
     m_pace.setInterval(100ms);
     connect(&m_pace, &QTimer::timeout, this, &MediaArrivals::changed);
@@ -201,9 +203,8 @@ void MediaArrivals::add(Plan& plan, const MediaEntry& entry) const
         return leaveOut(tr("it is neither a picture nor video nor sound."));
     FileSystem& server = *plan.server;
     const QString target = targetOf(server, entry.path, isDirectory);
-    const FileSystem::ItemType there =
-        std::max(server.getType(target), server.getType(targetOf(server, entry.path, !isDirectory)));
-    if (there != FileSystem::Unknown || m_progress.contains(QUrl::fromLocalFile(target)))
+    if (server.getType(targetOf(server, entry.path, false)) != FileSystem::Unknown || // of whatever kind
+        m_progress.contains(QUrl::fromLocalFile(target)))
         return leaveOut(tr("the server holds something of this name. Drop that one, or give this one another "
                            "name."));
     if (isDirectory) {
@@ -235,14 +236,62 @@ OperationPtr MediaArrivals::send(const QString& localPath, FileSystem::ItemType 
                : nullptr;
 }
 
-bool MediaArrivals::bringFile(const QString& localPath, const QUrl& media)
+void MediaArrivals::bringFiles(const QList<Upload>& uploads, QObject* context,
+                               const std::function<void(const QStringList&)>& sent)
 {
-    const OperationPtr operation = send(localPath, FileSystem::File);
-    if (!operation)
-        return false;
-    const QUrl url =
-        QUrl::fromLocalFile(targetOf(*m_fileSystems->getFileSystem(serverName), localPath, false));
-    noteProgress(url, media, 0);
+    FileSystem* const server = m_fileSystems ? m_fileSystems->getFileSystem(serverName) : nullptr;
+    for (const Upload& upload : uploads) {
+        if (server)
+            noteProgress(QUrl::fromLocalFile(targetOf(*server, upload.localPath, false)), upload.media, 0);
+    }
+    m_batches.push_back({server, uploads, context, sent});
+    m_turn.ask(); // this one has had the slots to make
+}
+
+/// An operation, and what the log says of it, takes a while: thousands would hold the window.
+void MediaArrivals::sendSome()
+{
+    constexpr qint64 sliceTime = 4; // milliseconds
+    QElapsedTimer clock;
+    clock.start();
+    while (!m_batches.empty()) {
+        Batch& batch = m_batches.front();
+        for (; batch.next < batch.uploads.size(); ++batch.next) {
+            if (clock.elapsed() >= sliceTime)
+                return m_turn.ask();
+            const QString fault = bringFile(batch.uploads[batch.next], batch.server);
+            if (!fault.isEmpty())
+                batch.faults.append(fault);
+        }
+        const Batch done = std::move(batch);
+        m_batches.pop_front();
+        if (done.context)
+            done.sent(done.faults);
+    }
+}
+
+/// Why it was not sent; empty where it was.
+QString MediaArrivals::bringFile(const Upload& upload, FileSystem* server)
+{
+    const QString name = shownText(getNameInPath(upload.localPath));
+    if (!server)
+        return tr("\"%1\" was not sent: the connection to the server was lost.").arg(name);
+    const QUrl url = QUrl::fromLocalFile(targetOf(*server, upload.localPath, false));
+    const QUrl media = upload.media;
+    const FileSystem* const present = m_fileSystems->getFileSystem(serverName);
+    const bool isThere = this->isThere(upload.localPath, FileSystem::File);
+    const bool isMeant = !present || present == server;
+    const OperationPtr operation =
+        isThere && isMeant ? m_operations->copy(m_fileSystems->getFileSystem(localName), upload.localPath,
+                                                server, server->defaultRootPath())
+                           : nullptr;
+    if (!operation) {
+        noteEnd(url, media);
+        Q_EMIT settled(url, false);
+        return (isMeant ? tr("\"%1\" was not sent: it is not there any more.")
+                        : tr("\"%1\" was not sent: the application has turned to another server."))
+            .arg(name);
+    }
     connect(operation.get(), &BaseOperation::progressChanged, this,
             [this, url, media](double, double to) { noteProgress(url, media, to); });
     // Whole or not, from now on the server says what there is.
@@ -254,7 +303,7 @@ bool MediaArrivals::bringFile(const QString& localPath, const QUrl& media)
                 else
                     lookForAnother(url);
             });
-    return true;
+    return {};
 }
 
 void MediaArrivals::noteProgress(const QUrl& file, const QUrl& media, double share)

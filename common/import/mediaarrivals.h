@@ -4,14 +4,17 @@
 #include "common/filesystem/operations/baseoperation.h"
 #include "common/import/pendingdrops.h"
 #include "common/import/slotpayload.h"
+#include "common/media/library/turn.h"
 
 #include <QHash>
 #include <QObject>
+#include <QPointer>
 #include <QStringList>
 #include <QTimer>
 #include <QUrl>
 #include <QWeakPointer>
 
+#include <deque>
 #include <functional>
 #include <optional>
 
@@ -39,6 +42,14 @@ public:
         QString fault;           // why nothing of it can be done
     };
 
+    /// A file of this computer on its way to the slots that name the media, of which it is one picture where
+    /// they name a sequence.
+    struct Upload
+    {
+        QString localPath;
+        QUrl media;
+    };
+
     MediaArrivals(FileSystemProvider* fileSystems, FileSystemOperations* operations,
                   QObject* parent = nullptr);
 
@@ -55,9 +66,11 @@ public:
               const std::function<void(const Plan&)>& next);
     /// Whether that is still what is there. Minutes may lie between a plan and what becomes of it.
     bool isFile(const QString& localPath) const { return isThere(localPath, FileSystem::File); }
-    /// Sends the file off; the slots that play it show how far it is. media: what these slots name, of which
-    /// the file is one picture where they name a sequence. False when it is not there any more.
-    bool bringFile(const QString& localPath, const QUrl& media);
+    /// Sends the files off, of many some in each turn; their slots show at once how far they are. sent:
+    /// called once all are in the queue of file work, with a sentence for each that is not, while the context
+    /// lives.
+    void bringFiles(const QList<Upload>& uploads, QObject* context,
+                    const std::function<void(const QStringList& faults)>& sent);
     /// ended is called with its path on the server once all of it is there, or with an empty one and why not.
     void bringDirectory(const QString& localPath,
                         const std::function<void(const QString& path, const QString& fault)>& ended);
@@ -88,6 +101,16 @@ private:
         double arrived = 0; // of the pictures
     };
 
+    struct Batch
+    {
+        FileSystem* server; // for which they were meant
+        QList<Upload> uploads;
+        QPointer<QObject> context;
+        std::function<void(const QStringList&)> sent;
+        qsizetype next = 0;
+        QStringList faults = {};
+    };
+
     void lookAtServer(const std::shared_ptr<Question>& question);
     void end(std::shared_ptr<Question> question, const Plan& plan);
     Plan answer(const Question& question) const;
@@ -95,6 +118,8 @@ private:
     static QString targetOf(const FileSystem& server, const QString& localPath, bool isDirectory);
     bool isThere(const QString& localPath, FileSystem::ItemType type) const;
     OperationPtr send(const QString& localPath, FileSystem::ItemType type);
+    void sendSome();
+    QString bringFile(const Upload& upload, FileSystem* server);
     void lookForAnother(const QUrl& media);
     void noteProgress(const QUrl& file, const QUrl& media, double share);
     void noteEnd(const QUrl& file, const QUrl& media);
@@ -104,6 +129,8 @@ private:
     FileSystemOperations* m_operations;
     QHash<QUrl, double> m_progress; // of files, from 0 to 1
     QHash<QUrl, Whole> m_wholes;
+    std::deque<Batch> m_batches; // not sent off yet
+    Turn m_turn;                 // of sending them
     QTimer m_pace;
     PendingDrops m_pending;
 };

@@ -343,19 +343,19 @@ void SlotDrops::follow(MediaDrop* drop)
 void SlotDrops::send(const MediaDrop& drop)
 {
     const MediaArrivals::Plan plan = m_made.value(&drop).plan;
-    QStringList faults;
+    QList<MediaArrivals::Upload> uploads;
     for (qsizetype i = 0; i < plan.uploads.size(); ++i) {
-        const QString& path = plan.files[i].path;
-        const auto awaiting = m_awaiting.constFind(path);
-        if (awaiting == m_awaiting.cend() || m_arrivals->bringFile(plan.uploads[i], awaiting->media))
-            continue; // the operator has left it out, or it is on its way
-        m_awaiting.remove(path);
-        faults.append(
-            tr("\"%1\" was not sent: it is not there any more.").arg(shownText(getNameInPath(path))));
+        const auto awaiting = m_awaiting.constFind(plan.files[i].path);
+        if (awaiting != m_awaiting.cend()) // else the operator has left it out
+            uploads.append({plan.uploads[i], awaiting->media});
     }
-    tell(faults);
-    bringDirectories(plan.directories, m_numbers.follow(drop.collection()),
-                     drop.startSlot() + drop.storedSlotCount());
+    const auto bringRest = [this, directories = plan.directories,
+                            number = m_numbers.follow(drop.collection()),
+                            slot = drop.startSlot() + drop.storedSlotCount()](const QStringList& faults) {
+        tell(faults);
+        bringDirectories(directories, number, slot);
+    };
+    m_arrivals->bringFiles(uploads, this, bringRest);
 }
 
 /// Minutes may lie between the drop and its approval.

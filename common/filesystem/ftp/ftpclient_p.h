@@ -99,6 +99,7 @@ private:
     bool m_isFollowUpDue = false;            // the next transfer that is asked for is to be one
     int m_transferId = 0;                    // of the last one that was active
     FtpListing m_listing;                    // of the active LIST
+    FtpListing m_endedListing;               // of the one that is over, until it is told
     std::optional<ClientListing> m_prepared; // of the listing that is being told
     QHash<QString, Kinds> m_listed;          // by directory, without a "/" at its end, and name
     Kinds m_pathTypes;                       // what was made here, by path, likewise

@@ -377,7 +377,7 @@ void FtpClientPrivate::onFtpListInfo(const FtpListing& listing)
 
 void FtpClientPrivate::finishFileListing(bool succeeded)
 {
-    FtpListing listing = std::exchange(m_listing, {});
+    FtpListing listing = std::exchange(m_endedListing, {});
     if (succeeded)
         m_listed[pathKey(listing.path)] = std::move(listing.kinds);
     qCDebug(lcFtp) << "Finished directory" << listing.path << "listing with" << listing.entries.size()
@@ -427,6 +427,9 @@ void FtpClientPrivate::onFtpCommandFinished(int id, bool error, qint64 done, qin
     }
     if (request.id == 0 || id != request.id)
         return;
+    // Who hears that the client is free may ask for the next one at once.
+    if (request.command == QFtp::List)
+        m_endedListing = std::exchange(m_listing, {});
     if (error || m_followUp.id == 0) {
         clearActiveCommand();
         finishCommand(request, !error && !request.aborted);
@@ -450,10 +453,11 @@ void FtpClientPrivate::finishCommand(const CommandRequest& request, bool succeed
             m_worker->disconnectServer(); // nothing can be done with it; it is tried again later
         return;
     case QFtp::List:
-        if (request.id == m_listing.id)
+        if (request.id == m_endedListing.id)
             return finishFileListing(succeeded);
         qCWarning(lcFtp) << "FTP list operation" << request.id
-                         << "finished, but it didn't match the last file listing operation" << m_listing.id;
+                         << "finished, but it didn't match the last file listing operation"
+                         << m_endedListing.id;
         return;
     case QFtp::Get:
         Q_EMIT m_q->readFinished(path, succeeded);

@@ -296,8 +296,11 @@ void FtpWorker::onCommandFinished(int id, QFtp::Error error, const QString& text
     }
     if (isTransfer)
         returnDevice(error != QFtp::NoError);
-    if (id == m_listing.id)
-        Q_EMIT listInfo(std::exchange(m_listing, {}));
+    if (id == m_listing.id) {
+        const FtpListing listing = std::exchange(m_listing, {});
+        // A part of one is no answer; a large one would be freed on the main thread.
+        Q_EMIT listInfo(m_hasFailed ? FtpListing{id, listing.path, {}, {}, {}} : listing);
+    }
     Q_EMIT commandFinished(id, error != QFtp::NoError, reached.first, reached.second);
 }
 

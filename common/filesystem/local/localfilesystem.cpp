@@ -72,8 +72,6 @@ FileSystem::ItemType LocalFileSystem::getType(QString path)
     if (!m_private->knock().answersForItem(path))
         return m_private->typeOf(path);
     const QFileInfo info(path);
-    if (!info.exists())
-        return Unknown;
     if (info.isFile())
         return File;
     return info.isDir() ? Directory : Unknown;

@@ -7,6 +7,8 @@ bool FileSystem::requestMetadataAlone(const QString& filePath, FileMetadata& res
     return requestMetadata(filePath, result);
 }
 
+void FileSystem::giveUpListing(const QString&) {}
+
 qint64 FileSystem::availableBytes(const QString&) const
 {
     return -1;

@@ -46,6 +46,9 @@ public:
                                             QList<vantrel::FileSystemDirectory>& result) = 0;
     /// The media files, which replace the result; otherwise as getDirectories().
     Q_INVOKABLE virtual bool getFiles(QString directoryPath, QList<vantrel::FileSystemFile>& result) = 0;
+    /// Whoever was told to wait for directoryChanged does so no more: what is still being read of it may be
+    /// left there. Others who wait for the same hear directoryChanged, and ask again.
+    virtual void giveUpListing(const QString& directoryPath);
     Q_INVOKABLE virtual ItemType getType(QString path) = 0;
     /// False when nothing is known; fileMetadataChanged comes once something is.
     Q_INVOKABLE virtual bool requestMetadata(QString filePath, vantrel::FileMetadata& result) = 0;

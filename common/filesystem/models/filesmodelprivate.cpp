@@ -95,6 +95,8 @@ void FilesModelPrivate::setDirectoryPath(const QString& path)
     if (wanted == m_path)
         return;
     qCInfo(lcFileSystem) << "Files model is using new directory:" << wanted;
+    if (m_isWaiting && !isAtTop())
+        m_fileSystem->giveUpListing(m_path);
     m_path = wanted;
     m_isNewPlace = true;
     m_known.clear();

@@ -115,6 +115,7 @@ void AsyncFileSystemReader::dropListers()
         if (!lister)
             return;
         lister->disconnect();
+        lister->stop();
         lister.release()->deleteLater();
     };
     drop(m_current);

@@ -37,6 +37,11 @@ RecursiveDirectoryLister::RecursiveDirectoryLister(FileSystem* fileSystem, const
     connect(fileSystem, &FileSystem::isLoadingChanged, this, &RecursiveDirectoryLister::wake);
 }
 
+RecursiveDirectoryLister::~RecursiveDirectoryLister()
+{
+    giveUpInFlight();
+}
+
 void RecursiveDirectoryLister::start()
 {
     qCDebug(lcFileSystem) << "Starting listing directories for path" << m_directoryPath;
@@ -87,7 +92,7 @@ void RecursiveDirectoryLister::stopRequests(bool success)
     m_timer.stop();
     disconnect(m_following);
     m_queue.clear();
-    m_inFlight.clear();
+    giveUpInFlight();
     m_isValid = success;
     m_hasFinished = true;
     m_isRunning = false;
@@ -97,6 +102,14 @@ void RecursiveDirectoryLister::stopRequests(bool success)
         Q_EMIT hasFinishedChanged();
     if (self)
         Q_EMIT isRunningChanged();
+}
+
+/// A folder of a million files would be listed for a minute that nobody waits for, and hold up all others.
+void RecursiveDirectoryLister::giveUpInFlight()
+{
+    const QString path = std::exchange(m_inFlight, {});
+    if (!path.isEmpty() && m_fileSystem)
+        m_fileSystem->giveUpListing(path);
 }
 
 void RecursiveDirectoryLister::wake()

@@ -44,6 +44,7 @@ public:
     /// depthLimit: how many levels are read, 1 being the directory alone; 0: all.
     RecursiveDirectoryLister(FileSystem* fileSystem, const QString& path, qint64 depthLimit,
                              QObject* parent = nullptr);
+    ~RecursiveDirectoryLister() override;
 
     QString directoryPath() const { return m_directoryPath; }
     qint64 depthLimit() const { return m_depthLimit; }
@@ -82,6 +83,7 @@ private:
     bool askForNext();
     void savePathContent(const QString& path, const Content& content);
     void stopRequests(bool success);
+    void giveUpInFlight();
     void wake();
     bool parseDirectory(const QString& path, qint64 depth, DirectoryItem& item) const;
 

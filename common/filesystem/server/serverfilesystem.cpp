@@ -51,6 +51,11 @@ bool ServerFileSystem::getFiles(QString directoryPath, QList<FileSystemFile>& re
     return m_private->getFiles(directoryPath, result);
 }
 
+void ServerFileSystem::giveUpListing(const QString& directoryPath)
+{
+    m_private->giveUpListing(directoryPath);
+}
+
 FileSystem::ItemType ServerFileSystem::getType(QString path)
 {
     const std::optional<ClientFileSystemInfo> entry = m_private->listings().entry(path);

@@ -35,6 +35,7 @@ public:
     bool isLoading() const override;
     bool getDirectories(QString directoryPath, QList<FileSystemDirectory>& result) override;
     bool getFiles(QString directoryPath, QList<FileSystemFile>& result) override;
+    void giveUpListing(const QString& directoryPath) override;
     ItemType getType(QString path) override;
     bool requestMetadata(QString filePath, FileMetadata& result) override;
     bool requestMetadataAlone(const QString& filePath, FileMetadata& result) override;

@@ -37,6 +37,7 @@ public:
 
     bool getDirectories(const QString& path, QList<FileSystemDirectory>& result);
     bool getFiles(const QString& path, QList<FileSystemFile>& result);
+    void giveUpListing(const QString& path);
     bool isValidDirectoryPath(const QString& path) const;
     qint64 getFileSize(const QString& path) const { return m_listings.fileSize(path); }
     void giveUp(const QString& message);
@@ -112,6 +113,8 @@ private:
     ServerCommands m_commands;
     ServerMetadata m_metadata;
     QString m_wantedPath;         // asked for while the client was busy; the last one counts
+    QString m_listedPath;         // what the client lists for whoever reads; empty for nothing
+    QString m_givenUpPath;        // the same, once nobody wants it
     bool m_isToldLoading = false; // the last that isLoadingChanged() said
 };
 

@@ -40,8 +40,11 @@ void ServerFileSystemPrivate::onServerConnectionChanged(bool connected)
     qCInfo(lcFileSystem) << "Server is now" << (connected ? "connected" : "disconnected");
     const Session* session = Session::instance();
     m_metadata.setAggregator(connected && session ? session->mediaDataAggregator() : nullptr);
-    if (!connected)
-        m_listings.markAllUnanswered();
+    if (connected)
+        return;
+    m_listings.markAllUnanswered();
+    m_listedPath.clear();
+    m_givenUpPath.clear();
 }
 
 void ServerFileSystemPrivate::onClienIsLoadingChanged()
@@ -107,6 +110,7 @@ QList<ClientFileSystemInfo> ServerFileSystemPrivate::requestDirectoryListing(con
     m_listings.noteRequest(path);
     if (m_client->list(path)) {
         qCDebug(lcFileSystem) << "Requested server directory listing for path" << path;
+        m_listedPath = path;
         *requested = true;
     } else {
         qCWarning(lcFileSystem) << "Failed to request directory list from a server";
@@ -137,6 +141,9 @@ bool ServerFileSystemPrivate::getDirectoryListing(const QString& path, QList<Cli
 void ServerFileSystemPrivate::onListFinished(const QString& path, const QList<ClientFileSystemInfo>& entries,
                                              bool succeeded)
 {
+    const bool isGivenUp = std::exchange(m_givenUpPath, {}) == path;
+    if (m_listedPath == path)
+        m_listedPath.clear();
     if (succeeded) {
         m_invalidPaths.remove(withoutTrailingSlash(path));
         m_listings.store(path, m_client->takeListing(entries));
@@ -148,12 +155,27 @@ void ServerFileSystemPrivate::onListFinished(const QString& path, const QList<Cl
     m_listings.noteNoAnswer(path);
     if (!m_client->isServerConnected())
         return; // nothing was said of the path
+    if (isGivenUp) {
+        // Who waits for it all the same, or was told nothing since it was on its way, asks again.
+        Q_EMIT m_q->directoryChanged(FileSystemDirectory::fromFullPath(path));
+        return;
+    }
     if (wasAnswered)
         qCWarning(lcFileSystem) << "Received invalid directory listing for a path that was requested earlier:"
                                 << path;
     else
         m_invalidPaths.insert(withoutTrailingSlash(path));
     Q_EMIT m_q->invalidDirectoryPathRequest(path);
+}
+
+/// What operations list is theirs to give up.
+void ServerFileSystemPrivate::giveUpListing(const QString& path)
+{
+    if (m_listedPath.isEmpty() || !m_givenUpPath.isEmpty() || !isSamePath(m_listedPath, path))
+        return;
+    qCDebug(lcFileSystem) << "Giving up the listing of" << path;
+    m_givenUpPath = m_listedPath;
+    m_client->abort();
 }
 
 bool ServerFileSystemPrivate::isValidDirectoryPath(const QString& path) const

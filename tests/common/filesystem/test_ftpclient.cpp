@@ -26,6 +26,7 @@ private Q_SLOTS:
     void cleanup();
     void oneThingAtATime();
     void listsAtOnce();
+    void listsNextWhenFree();
     void links();
     void names();
     void comesBack();
@@ -152,6 +153,24 @@ void TestFtpClient::listsAtOnce()
     QVERIFY(QTest::qWaitFor([&] { return !listed.isEmpty(); }));
     QVERIFY(listed.first().at(2).toBool());
     QVERIFY(!m_client->isLoading());
+    disconnect(m_client.get(), nullptr, this, nullptr);
+}
+
+/// Who hears that the client is free and asks for the next takes nothing from whoever has asked before.
+void TestFtpClient::listsNextWhenFree()
+{
+    QVERIFY(open());
+    QStringList listed;
+    connect(m_client.get(), &FtpClient::listFinished, this,
+            [&](const QString& path, const auto&, bool succeeded) {
+                listed << path + (succeeded ? QString() : QStringLiteral(" failed"));
+            });
+    bool isAsked = false;
+    connect(m_client.get(), &FtpClient::isLoadingChanged, this, [&](bool isLoading) {
+        isAsked = isAsked || (!isLoading && m_client->list(QStringLiteral("/b")));
+    });
+    QVERIFY(m_client->list(QStringLiteral("/a")));
+    QTRY_COMPARE(listed, QStringList({QStringLiteral("/a"), QStringLiteral("/b")}));
     disconnect(m_client.get(), nullptr, this, nullptr);
 }
 

@@ -30,12 +30,16 @@ public:
     FileSystem* getLocalFileSystem() override { return &local; }
     FileSystem* getFileSystem(QString kind) override
     {
-        return kind == QStringLiteral("local") ? &local : isConnected ? &server : nullptr;
+        if (kind == QStringLiteral("local"))
+            return &local;
+        return isElsewhere ? &other : isConnected ? &server : nullptr;
     }
 
     SlowDisk local;
     test::FakeFileSystem server;
+    test::FakeFileSystem other;
     bool isConnected = true;
+    bool isElsewhere = false;
 };
 
 class Copy : public BaseOperation
@@ -113,8 +117,11 @@ private Q_SLOTS:
         Copies copies;
         MediaArrivals arrivals(&disks, &copies);
         const QUrl pattern = QUrl::fromLocalFile(QStringLiteral("/s.%04d.png"));
-        QVERIFY(arrivals.bringFile(QStringLiteral("/in/s.0001.png"), pattern));
-        QVERIFY(arrivals.bringFile(QStringLiteral("/in/s.0002.png"), pattern));
+        QObject context;
+        arrivals.bringFiles(
+            {{QStringLiteral("/in/s.0001.png"), pattern}, {QStringLiteral("/in/s.0002.png"), pattern}},
+            &context, [](const QStringList&) {});
+        QTRY_COMPARE(copies.begun.size(), 2);
         Q_EMIT copies.begun[0]->progressChanged(0, 0.5);
         Q_EMIT copies.begun[0]->operationStopped();
         Q_EMIT copies.begun[1]->progressChanged(0, 0.25);
@@ -124,6 +131,32 @@ private Q_SLOTS:
         Q_EMIT copies.begun[1]->operationStopped();
         QCOMPARE(arrivals.textOf(pattern), QString());
         QVERIFY(arrivals.isEmpty());
+    }
+
+    /// Thousands are sent in many turns, between which the application may turn to another server.
+    void sendsToTheServerThatWasMeant()
+    {
+        Disks disks;
+        Copies copies;
+        MediaArrivals arrivals(&disks, &copies);
+        QObject context;
+        QList<MediaArrivals::Upload> uploads;
+        for (int i = 0; i < 20000; ++i) {
+            const QString name = QStringLiteral("/%1.wav").arg(i);
+            uploads.append({name, QUrl::fromLocalFile(name)});
+        }
+        QStringList told;
+        bool isSent = false;
+        arrivals.bringFiles(uploads, &context, [&](const QStringList& faults) {
+            told = faults;
+            isSent = true;
+        });
+        QVERIFY(!isSent && arrivals.progressOf(uploads.last().media) == 0);
+        disks.isElsewhere = true;
+        QTRY_VERIFY(isSent);
+        QCOMPARE(told.size() + copies.begun.size(), uploads.size());
+        QVERIFY(told.value(told.size() - 1).contains(QStringLiteral("another server")));
+        QCOMPARE(arrivals.progressOf(uploads.last().media), -1);
     }
 };
 

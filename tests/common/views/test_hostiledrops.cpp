@@ -56,7 +56,6 @@ private Q_SLOTS:
         QFETCH(bool, isLocal);
         // Of what it is at in that moment.
         allowWarnings(QStringLiteral("Aborting rest of the operations"));
-        allowWarnings(QStringLiteral("didn't match the last file listing operation"));
         const QString folder =
             isLocal ? path(QStringLiteral("many")) : m_hand->server.mediaFolder() + QStringLiteral("/many");
         QVERIFY(QDir().mkpath(folder));
