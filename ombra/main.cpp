@@ -1,3 +1,4 @@
+#include "ombra/base/memory.h"
 #include "ombra/base/version.h"
 #include "ombra/decode/graphicscard.h"
 #include "ombra/programout.h"
@@ -15,7 +16,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <malloc.h>
 #include <memory>
 #include <optional>
 #include <string_view>
@@ -219,17 +219,6 @@ public:
     LogToFile(const LogToFile&) = delete;
     LogToFile& operator=(const LogToFile&) = delete;
 };
-
-/// No thread is to share its memory's lock with one that gives way, which may hold it for long. What is as
-/// large as a picture comes from the system and goes back there at once: each medium has threads of its own,
-/// whose arenas would keep the holes between its pictures, and grow by the hour.
-void arrangeMemory()
-{
-#ifdef __GLIBC__
-    mallopt(M_ARENA_MAX, 64);
-    mallopt(M_MMAP_THRESHOLD, 128 * 1024);
-#endif
-}
 
 int listSoundDevices()
 {
