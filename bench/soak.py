@@ -25,8 +25,7 @@ CLIPS = {"bars.mov": "smptehdbars", "numbers.mov": "testsrc2", "colours.mov": "r
 STILL = len(CLIPS) + 1  # its slot: "still.png" is the last by name
 SAMPLE, SETTLE = 5, 60  # seconds between two looks at memory; until what is loaded once has been
 GROWTH, NOISE = 20, 8  # MB an hour, and at least
-# A driver of SDL's that nobody hears. It takes powers of two alone, and has too little room for what it rounds up to.
-SOUND = {"SDL_AUDIODRIVER": "dummy", "SDL_AUDIO_SAMPLES": "512"}
+SOUND = {"SDL_AUDIODRIVER": "dummy"}  # nobody hears it
 OUTPUT = "/device/system/gpus/0/outputs/0/properties/"
 
 

@@ -1,3 +1,4 @@
+#include "ombra/base/memory.h"
 #include "ombra/base/version.h"
 #include "ombra/decode/graphicscard.h"
 #include "ombra/programout.h"
@@ -15,7 +16,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <malloc.h>
 #include <memory>
 #include <optional>
 #include <string_view>
@@ -219,14 +219,6 @@ public:
     LogToFile(const LogToFile&) = delete;
     LogToFile& operator=(const LogToFile&) = delete;
 };
-
-/// No thread is to share its memory's lock with one that gives way, which may hold it for long.
-void arrangeMemory()
-{
-#ifdef __GLIBC__
-    mallopt(M_ARENA_MAX, 64);
-#endif
-}
 
 int listSoundDevices()
 {

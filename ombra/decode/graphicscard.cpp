@@ -60,8 +60,7 @@ private:
             const int made = av_hwdevice_ctx_create(&m_device, AV_HWDEVICE_TYPE_VAAPI, nullptr, options, 0);
             av_dict_free(&options);
             Log::write(LogLevel::Info, "vantrel.decode",
-                       made < 0 ? "the processor decodes, since no graphics card does here (VA-API): " +
-                                      avErrorText(made)
+                       made < 0 ? "the processor decodes: no graphics card of this machine does (VA-API)"
                                 : "the graphics card decodes what it can");
         });
         return m_device;

@@ -1,5 +1,6 @@
 #include "ombra/decode/picturefeed.h"
 
+#include "ombra/base/memory.h"
 #include "tarn/log/log.h"
 
 #include <algorithm>
@@ -200,6 +201,7 @@ void PictureFeed::decode()
     }
     lock.unlock(); // a disk may take its time to close a file
     reader.reset();
+    giveBackMemory(); // what other media of other sizes would not fit into
 }
 
 /// False where there is none after what was kept.

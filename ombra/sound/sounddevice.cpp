@@ -13,7 +13,7 @@ namespace vantrel::ombra {
 
 namespace {
 
-constexpr int usualFramesAtOnce = 480; // a hundredth of a second
+constexpr int usualFramesAtOnce = 512; // some drivers write past their room where it is no power of two
 
 /// SDL opens one device at a time; who hangs meanwhile is waited for only so long.
 std::timed_mutex opening;
