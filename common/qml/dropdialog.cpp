@@ -54,6 +54,7 @@ DropDialog::DropDialog(MediaDrop* drop, QWidget* parent)
             reject();
     };
     connect(drop, &MediaDrop::collectionChanged, this, [this, drop] { setTitle(titleOf(*drop)); });
+    connect(&m_turn, &Turn::come, this, &DropDialog::prepare);
     connect(drop, &MediaDrop::saved, this, &QDialog::accept);
     connect(drop, &MediaDrop::canceled, this, leave);
     connect(drop, &QObject::destroyed, this, leave);
@@ -99,29 +100,28 @@ void DropDialog::build()
     m_view->setContent(m_component->url(), m_component, root);
     if (const auto* item = m_view->rootObject())
         connect(item, &QQuickItem::implicitHeightChanged, this, &DropDialog::fit);
-    prepare(0);
+    m_turn.ask();
 }
 
-/// All in one turn would be seen in the pictures of the channels: each list makes its rows in one of its own,
-/// before the dialog is shown.
-void DropDialog::prepare(int list)
+/// All in one turn would be seen in the pictures of the channels: each list, and then its rows, are made in
+/// one of their own, before the dialog is shown.
+void DropDialog::prepare()
 {
-    QTimer::singleShot(0, this, [this, list] {
-        if (!m_drop)
-            return reject();
-        QQuickItem* const root = m_view->rootObject();
-        if (root && list == 0) {
-            fitToContent();
-            root->setSize(m_view->size());
-        }
-        QVariant isMore;
-        if (root)
-            QMetaObject::invokeMethod(root, "fill", Q_RETURN_ARG(QVariant, isMore), Q_ARG(QVariant, list));
-        if (isMore.toBool())
-            prepare(list + 1);
-        else
-            show();
-    });
+    constexpr int lists = 3;
+    QQuickItem* const root = m_view->rootObject();
+    if (!m_drop)
+        return reject();
+    if (root && m_step == lists) {
+        fitToContent();
+        root->setSize(m_view->size());
+    }
+    QVariant isMore;
+    if (root)
+        QMetaObject::invokeMethod(root, "fill", Q_RETURN_ARG(QVariant, isMore), Q_ARG(QVariant, m_step++));
+    if (isMore.toBool())
+        m_turn.ask();
+    else
+        show();
 }
 
 void DropDialog::showEvent(QShowEvent* event)

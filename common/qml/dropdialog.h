@@ -4,6 +4,7 @@
 #include "common/import/imagesequencecandidatemodel.h"
 #include "common/import/mediacandidatemodel.h"
 #include "common/import/stillimagecandidatemodel.h"
+#include "common/media/library/turn.h"
 #include "common/ui/toolkit/ztdialog.h"
 
 #include <QPointer>
@@ -45,7 +46,7 @@ protected:
 
 private:
     void build();
-    void prepare(int list);
+    void prepare();
     void take(const CandidateModel& model);
     void updateAccept();
     void fit();
@@ -57,6 +58,8 @@ private:
     StillImageCandidateModel m_stills;
     QuickView* m_view;
     QQmlComponent* m_component;
+    Turn m_turn; // in which a part of the view is made
+    int m_step = 0;
     DropForecast m_forecast;
     QPoint m_place; // where it was put, until somebody moves it
     bool m_isSound = true;
