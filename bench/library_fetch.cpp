@@ -22,6 +22,7 @@
 #include <QTimer>
 
 #include <cmath>
+#include <utility>
 
 using namespace vantrel;
 using namespace vantrel::bench;
@@ -71,13 +72,16 @@ bool post(const OmbraProcess& server, const std::string& text)
 double settledBytes()
 {
     constexpr double steady = 64 * 1024;
-    for (double before = 0, now = heapBytes();; before = now, now = heapBytes()) {
+    constexpr int looks = 100;
+    double before = 0, now = heapBytes();
+    for (int look = 0; look < looks; ++look, before = std::exchange(now, heapBytes())) {
         if (std::abs(now - before) < steady)
             return now;
         QTest::qWait(200);
         for (QThreadPool* pool : {&aside::pool(), &aside::remover(), QThreadPool::globalInstance()})
             pool->waitForDone();
     }
+    qFatal("the session does not come to rest");
 }
 
 struct Fetch

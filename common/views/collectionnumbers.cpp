@@ -129,11 +129,7 @@ void CollectionNumbers::followLibrary()
 Ref<const MediaLibrary> CollectionNumbers::expected() const
 {
     const MediaLibraryApi* const api = m_session ? m_session->getMediaLibraryApi() : nullptr;
-    if (!api)
-        return {};
-    // Where none of them moves a collection the library tells as well: to work out what thousands of slots
-    // will be would hold the window.
-    return makeRef<MediaLibrary>(api->edits()->movesCollections() ? *api->expectedLibrary() : api->library());
+    return api ? makeRef<MediaLibrary>(*api->expectedLibrary()) : Ref<MediaLibrary>();
 }
 
 CollectionNumbers::Number CollectionNumbers::follow(int collection)

@@ -349,10 +349,15 @@ void SlotDrops::send(const MediaDrop& drop)
         if (awaiting != m_awaiting.cend()) // else the operator has left it out
             uploads.append({plan.uploads[i], awaiting->media});
     }
-    const auto bringRest = [this, directories = plan.directories,
+    const auto bringRest = [this, directories = plan.directories, meant = plan.server,
                             number = m_numbers.follow(drop.collection()),
                             slot = drop.startSlot() + drop.storedSlotCount()](const QStringList& faults) {
         tell(faults);
+        if (!directories.isEmpty() && meant != server())
+            return refuse(server() ? tr("The folders that came with it were not sent: the application has "
+                                        "turned to another server. Drop them again.")
+                                   : tr("The folders that came with it were not sent: the connection to the "
+                                        "server was lost. Drop them again."));
         bringDirectories(directories, number, slot);
     };
     m_arrivals->bringFiles(uploads, this, bringRest);

@@ -60,7 +60,8 @@ private:
             const int made = av_hwdevice_ctx_create(&m_device, AV_HWDEVICE_TYPE_VAAPI, nullptr, options, 0);
             av_dict_free(&options);
             Log::write(LogLevel::Info, "vantrel.decode",
-                       made < 0 ? "the processor decodes: no graphics card of this machine does (VA-API)"
+                       made < 0 ? "the processor decodes: no graphics card can be had by VA-API (" +
+                                      avErrorText(made) + "); it takes a driver, and the right to /dev/dri"
                                 : "the graphics card decodes what it can");
         });
         return m_device;
@@ -103,6 +104,15 @@ Shared& shared()
     return *all;
 }
 
+/// Another file of that name is another medium.
+std::string keyOf(const std::string& url)
+{
+    const std::string file = url.starts_with("file:") ? url.substr(5) : url;
+    std::error_code code;
+    const auto changed = std::filesystem::last_write_time(file, code);
+    return file + '\n' + std::to_string(changed.time_since_epoch().count());
+}
+
 std::shared_ptr<DecodingDevice> deviceFor(const std::string& medium)
 {
     const std::lock_guard lock(shared().mutex);
@@ -124,12 +134,13 @@ void GraphicsCard::allow(std::unique_ptr<DecodingDevice> device)
 
 GraphicsCard::GraphicsCard(std::string medium)
     : m_medium(std::move(medium))
+    , m_key(keyOf(m_medium))
 {
 }
 
 void GraphicsCard::offerTo(AVCodecContext& decoder)
 {
-    m_device = deviceFor(m_medium);
+    m_device = deviceFor(m_key);
     if (!m_device)
         return;
     decoder.opaque = this;
@@ -156,7 +167,7 @@ void GraphicsCard::fail(const std::string& why)
     m_hasFailed = true;
     {
         const std::lock_guard lock(shared().mutex);
-        shared().failed.insert(m_medium);
+        shared().failed.insert(m_key);
     }
     Log::write(LogLevel::Warning, "vantrel.decode",
                "the graphics card did not decode '" + std::filesystem::path(m_medium).filename().string() +

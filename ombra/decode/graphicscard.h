@@ -45,7 +45,7 @@ public:
     bool hasFailed() const { return m_hasFailed; }
 
 private:
-    const std::string m_medium;
+    const std::string m_medium, m_key;
     std::shared_ptr<DecodingDevice> m_device; // that it was offered by
     std::atomic<bool> m_decodes{false};
     bool m_hasFailed = false;

@@ -168,7 +168,7 @@ void probePictures(std::unique_ptr<AvInput> input, double sound, MediaInfo& info
     if (info.type == MediaType::VideoFile && sound > info.duration + AudioReader::padding)
         info.duration = sound; // it plays on behind the pictures
     std::string why;
-    const auto reader = VideoReader::open(std::move(input), &why);
+    const auto reader = VideoReader::open(std::move(input), &why, VideoReader::Decoding::ByProcessor);
     Picture picture;
     info.playable = reader && reader->seek(0, picture);
     if (!reader)

@@ -66,7 +66,8 @@ Ref<DecodedPicture> decodeStill(const std::filesystem::path& file, const std::at
             *error = "there is no picture in it";
         return nullptr;
     }
-    const std::unique_ptr<VideoReader> reader = VideoReader::open(std::move(input), error);
+    const std::unique_ptr<VideoReader> reader =
+        VideoReader::open(std::move(input), error, VideoReader::Decoding::ByProcessor);
     return reader ? firstPicture(*reader, error) : nullptr;
 }
 

@@ -21,14 +21,16 @@ double onGrid(double time, double fps)
 
 } // namespace
 
-std::unique_ptr<VideoReader> VideoReader::open(std::unique_ptr<AvInput> input, std::string* error)
+std::unique_ptr<VideoReader> VideoReader::open(std::unique_ptr<AvInput> input, std::string* error,
+                                               Decoding decoding)
 {
-    std::unique_ptr<VideoReader> reader(new VideoReader(std::move(input)));
+    std::unique_ptr<VideoReader> reader(new VideoReader(std::move(input), decoding));
     return reader->openDecoder(error) ? std::move(reader) : nullptr;
 }
 
-VideoReader::VideoReader(std::unique_ptr<AvInput> input)
+VideoReader::VideoReader(std::unique_ptr<AvInput> input, Decoding decoding)
     : m_input(std::move(input))
+    , m_decoding(decoding)
     , m_card(m_input->format()->url)
     , m_packet(av_packet_alloc())
     , m_current(av_frame_alloc())
@@ -41,7 +43,7 @@ VideoReader::VideoReader(std::unique_ptr<AvInput> input)
 
 bool VideoReader::openDecoder(std::string* error)
 {
-    const bool isForCard = !m_card.hasFailed() && !m_input->isStill();
+    const bool isForCard = m_decoding == Decoding::Usual && !m_card.hasFailed() && !m_input->isStill();
     AvPtr<AVCodecContext> decoder =
         m_input->openDecoder(m_input->video(), error, isForCard ? &m_card : nullptr);
     if (!decoder)
@@ -55,7 +57,8 @@ bool VideoReader::seek(double time, Picture& out)
     time = std::max(0.0, time);
     if (find(time, out))
         return true;
-    if (!m_input->stopped())
+    const AVIOContext* disk = m_input->format()->pb;
+    if (!m_input->stopped() && !(disk && disk->error)) // one that is gone says nothing of the card
         m_card.fail("no picture came of it");
     return leaveCard() && walkFromKey(time) && deliver(out);
 }
@@ -117,7 +120,7 @@ bool VideoReader::leaveCard()
 {
     if (!isCardLost() || m_input->stopped() || !openDecoder(nullptr))
         return false;
-    m_hasCurrent = m_hasAhead = m_draining = false;
+    m_atStart = m_hasCurrent = m_hasAhead = m_draining = false;
     if (m_start || m_untimed)
         return true;
     rewind();

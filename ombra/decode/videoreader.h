@@ -13,8 +13,13 @@ namespace vantrel::ombra {
 class VideoReader : public PictureReader
 {
 public:
+    /// Who decodes: for a look at one picture a card takes longer than the processor, and threads that give
+    /// way would hold it up for others.
+    enum class Decoding { Usual, ByProcessor };
+
     /// Null, and the reason, when the input's pictures have no decoder.
-    static std::unique_ptr<VideoReader> open(std::unique_ptr<AvInput> input, std::string* error);
+    static std::unique_ptr<VideoReader> open(std::unique_ptr<AvInput> input, std::string* error,
+                                             Decoding decoding = Decoding::Usual);
 
     MediaType type() const override
     {
@@ -27,7 +32,7 @@ public:
     bool catchUp(double time, Picture& out) override;
 
 private:
-    explicit VideoReader(std::unique_ptr<AvInput> input);
+    VideoReader(std::unique_ptr<AvInput> input, Decoding decoding);
 
     /// By the card, unless that has failed.
     bool openDecoder(std::string* error);
@@ -50,6 +55,7 @@ private:
     bool deliver(Picture& out);
 
     std::unique_ptr<AvInput> m_input;
+    const Decoding m_decoding;
     GraphicsCard m_card;
     AvPtr<AVCodecContext> m_decoder;
     AvPtr<AVPacket> m_packet;

@@ -176,7 +176,8 @@ void NetworkResponder::Impl::hearV4(const Interfaces& present)
     for (const NetworkInterface& at : present) {
         // The loopback interface has all addresses of 127.0.0.0/8, and names one.
         const bool isLoopback = at.address.is_v4() && at.address.is_loopback() && bound.is_loopback();
-        if (at.address.is_v4() && (bound.is_unspecified() || bound == at.address || isLoopback))
+        if (at.index != 0 && at.address.is_v4() &&
+            (bound.is_unspecified() || bound == at.address || isLoopback))
             ours.insert(at.index);
     }
     // A socket takes part in twenty groups or so, those of interfaces that are gone for good among them.

@@ -103,23 +103,6 @@ bool EditQueue::isMaking() const
     return !std::ranges::all_of(m_edits, [](const Entry& entry) { return entry.edit->isMade(); });
 }
 
-bool EditQueue::movesCollections() const
-{
-    const auto isInside = [](const PatchOp& op) {
-        const auto reachesIn = [](const Path& path) {
-            constexpr std::size_t wholeDepth = 2; // "/collections/1"
-            return path.size() > wholeDepth || (path.size() == wholeDepth && path[0].text() == "playlists");
-        };
-        return reachesIn(op.path) && (op.from.empty() || reachesIn(op.from));
-    };
-    return !std::ranges::all_of(m_edits, [&](const Entry& entry) {
-        if (!entry.edit->isMade())
-            return false;
-        entry.edit->settle();
-        return std::ranges::all_of(entry.patch(), isInside);
-    });
-}
-
 /// Whoever asks for the library meanwhile waits for it.
 void EditQueue::await(const std::shared_ptr<LibraryEdit>& edit)
 {

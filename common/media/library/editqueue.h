@@ -35,8 +35,6 @@ public:
     /// Whether one of them is still worked out: who asks for expected() now waits for it, and submitted()
     /// comes.
     bool isMaking() const;
-    /// Whether one of them may give collections other numbers: most change what is in them.
-    bool movesCollections() const;
     /// The library with what is under way: what the next edit is made on. Worked out once for each change.
     Ref<const MediaLibrary> expected() const;
 

@@ -430,6 +430,8 @@ void SlotGridModel::leaveOthers(int first, int last)
         return endResetModel();
     for (auto run = runs.rbegin(); run != runs.rend(); ++run)
         replaceRows(run->first, run->second);
+    if (!runs.empty())
+        refresh(); // how many there are, and free places beside them
 }
 
 /// By what a look finds there now, but for free places, which it joins to those beside them.

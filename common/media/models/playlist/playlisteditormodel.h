@@ -133,6 +133,7 @@ private:
         QDeadlineTimer patience;
     };
     bool isSettled() const;
+    bool isReady(const Held& held) const;
     bool areStill(const QList<EntryAddress>& addresses) const;
     bool areStillOrTells(const QString& title, const QList<EntryAddress>& addresses) const;
     void move(const QList<QModelIndex>& indexes, int steps);

@@ -190,9 +190,18 @@ void PlaylistEditorModel::dropExpired()
         perform(m_held.takeFirst());
 }
 
+/// A move waits for all that is under way, a play for what becomes of its entry.
+bool PlaylistEditorModel::isReady(const Held& held) const
+{
+    if (held.kind == Held::Kind::Move || !areEditsUnderWay())
+        return isSettled();
+    const QPersistentModelIndex row = held.rows.value(0);
+    return !m_api->edits()->isMaking() && row.isValid() && areStill({getEntryAddress(row)});
+}
+
 void PlaylistEditorModel::resume()
 {
-    while (!m_held.isEmpty() && isSettled())
+    while (!m_held.isEmpty() && isReady(m_held.first()))
         perform(m_held.takeFirst());
 }
 
