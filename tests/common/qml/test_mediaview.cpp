@@ -81,6 +81,13 @@ private Q_SLOTS:
         QTRY_COMPARE(shown(model), QStringLiteral("1 3 9")); // what is left out is not free
         QCOMPARE(model.total(), 5);
         model.setUnusedOnly(false);
+        mirror.edit([](MediaLibrary& library) {
+            library.getCollection(1)->insertMediaSlot(9, MediaSlot(), true); // one alone
+        });
+        QTRY_COMPARE(model.count(), 4);
+        mirror.edit([](MediaLibrary& library) {
+            library.getCollection(1)->insertMediaSlot(9, makeSlot("nine"), true);
+        });
         model.setSearchText(QStringLiteral("4"));
         QTRY_VERIFY(shown(model).contains(u'4') && !shown(model).contains(u'6'));
         model.setSearchText({});

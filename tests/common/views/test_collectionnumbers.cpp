@@ -1,4 +1,6 @@
 #include "common/media/edit/implmediacollectionmanager.h"
+#include "common/media/edit/slot/movecollectioncommand.h"
+#include "common/media/edit/slot/renameslotcommand.h"
 #include "common/media/library/medialibraryprovider.h"
 #include "common/media/models/collectionselectormodel.h"
 #include "common/media/models/medialibrarymodel.h"
@@ -106,6 +108,19 @@ private Q_SLOTS:
             library.findCollection(5)->setName("Renamed");
         });
         QCOMPARE(*two, 5); // its removal was undone
+    }
+
+    /// Those of this window from the moment in which they leave, also behind others that are under way.
+    void ownMovesAreFollowedAtOnce()
+    {
+        CollectionNumbers numbers(m_server->session());
+        const CollectionNumbers::Number one = numbers.follow(1), three = numbers.follow(3);
+        m_server->isMute = true;
+        QVERIFY(m_server->run<RenameSlotCommand>(3, 1, QStringLiteral("Renamed")));
+        QVERIFY(m_server->run<MoveCollectionCommand>(3, 1)); // whose numbers all exist before and after
+        QTRY_COMPARE(*three, 1);
+        QCOMPARE(*one, 2);
+        QVERIFY(!m_server->isIdle());
     }
 
     void whatHappenedUnheardIsToldApart()
