@@ -125,11 +125,14 @@ void CollectionNumbers::followLibrary()
     connect(api->edits(), &EditQueue::dropped, this, look);
 }
 
-/// With the edits that are under way; a copy, since the library itself goes on.
+/// With the edits that are under way where some of them move collections; a copy, since the library itself
+/// goes on.
 Ref<const MediaLibrary> CollectionNumbers::expected() const
 {
     const MediaLibraryApi* const api = m_session ? m_session->getMediaLibraryApi() : nullptr;
-    return api ? makeRef<MediaLibrary>(*api->expectedLibrary()) : Ref<MediaLibrary>();
+    if (!api)
+        return {};
+    return makeRef<MediaLibrary>(api->edits()->movesCollections() ? *api->expectedLibrary() : api->library());
 }
 
 CollectionNumbers::Number CollectionNumbers::follow(int collection)
@@ -143,8 +146,10 @@ CollectionNumbers::Number CollectionNumbers::follow(int collection)
             return known;
     }
     m_followed.push_back({.number = number, .gone = {}});
-    if (!m_known)
+    if (!m_known) {
         m_known = expected();
+        m_isAhead = m_api && m_api->edits()->movesCollections();
+    }
     return number;
 }
 
@@ -157,7 +162,20 @@ void CollectionNumbers::look(bool isOther)
     }
     if (!isOther && m_api && m_api->edits()->isMaking())
         return; // it is looked at once that is made
-    const Ref<const MediaLibrary> now = expected();
+    // Edits that move no collection are left out, since to work out what thousands of slots will be takes
+    // time: what comes before one that does is known without it.
+    if (const bool isAhead = m_api && m_api->edits()->movesCollections();
+        isAhead && !std::exchange(m_isAhead, isAhead) && m_known) {
+        step(makeRef<MediaLibrary>(m_api->library()), isOther);
+        m_known = m_api->edits()->expectedBeforeMoves();
+    } else {
+        m_isAhead = isAhead;
+    }
+    step(expected(), isOther);
+}
+
+void CollectionNumbers::step(const Ref<const MediaLibrary>& now, bool isOther)
+{
     if (!now)
         return;
     const Ref<const MediaLibrary> before = std::exchange(m_known, now);

@@ -75,6 +75,7 @@ private:
     void followLibrary();
     /// isOther: the library was read anew, so that anything may have happened in between.
     void look(bool isOther);
+    void step(const Ref<const MediaLibrary>& now, bool isOther);
     bool renumber(Followed& followed, const MediaLibrary& before, const MediaLibrary& now,
                   bool isOther) const;
     Ref<const MediaLibrary> expected() const;
@@ -83,6 +84,7 @@ private:
     QPointer<const MediaLibraryApi> m_api;
     std::vector<Followed> m_followed;
     Ref<const MediaLibrary> m_known; // null while nobody follows anything
+    bool m_isAhead = false;          // with edits that are under way
 };
 
 } // namespace vantrel

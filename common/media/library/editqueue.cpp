@@ -69,6 +69,21 @@ bool isRecordKept(const Json& before, const Json& after, const Path& place)
     return from && to && count(*to) >= count(*from);
 }
 
+/// Others change lists, or what is in one collection: a move changes what is in several.
+bool mayMoveCollections(const Patch& patch)
+{
+    const Path* first = nullptr;
+    const auto staysInside = [&first](const Path& path) {
+        if (path.size() < 2 || path[0].text() != "collections")
+            return path.size() >= 2 && path[0].text() == "playlists";
+        first = first ? first : &path;
+        return path.size() > 2 && path[1].text() == (*first)[1].text();
+    };
+    return !std::ranges::all_of(patch, [&](const PatchOp& op) {
+        return staysInside(op.path) && (op.from.empty() || staysInside(op.from));
+    });
+}
+
 } // namespace
 
 EditQueue::EditQueue(MediaLibraryApi* api)
@@ -138,22 +153,39 @@ Ref<const MediaLibrary> EditQueue::expected() const
 {
     const Json present = m_api->libraryJson();
     if (!m_expected || !m_expectedOf.sameNode(present)) {
-        auto library = makeRef<MediaLibrary>(m_api->library());
-        for (const Entry& entry : m_edits) {
-            entry.edit->settle();
-            // What the library shows already, or what somebody else has overtaken, holds no more.
-            const Json shown = library->toJson();
-            const bool isMadeOnIt =
-                entry.direction == EditDirection::Redo && entry.edit->document.sameNode(shown);
-            if (isMadeOnIt && entry.edit->made)
-                library = makeRef<MediaLibrary>(*entry.edit->made);
-            else if (isMadeOnIt || entry.base().holds(shown))
-                library->applyDiff(entry.patch());
-        }
-        m_expected = library;
+        m_expected = with(m_edits.size());
         m_expectedOf = present;
     }
     return m_expected;
+}
+
+/// The library with the first so many.
+Ref<MediaLibrary> EditQueue::with(std::size_t count) const
+{
+    auto library = makeRef<MediaLibrary>(m_api->library());
+    for (std::size_t i = 0; i < count; ++i) {
+        const Entry& entry = m_edits[i];
+        entry.edit->settle();
+        // What the library shows already, or what somebody else has overtaken, holds no more.
+        const Json shown = library->toJson();
+        const bool isMadeOnIt =
+            entry.direction == EditDirection::Redo && entry.edit->document.sameNode(shown);
+        if (isMadeOnIt && entry.edit->made)
+            library = makeRef<MediaLibrary>(*entry.edit->made);
+        else if (isMadeOnIt || entry.base().holds(shown))
+            library->applyDiff(entry.patch());
+    }
+    return library;
+}
+
+/// How many are under way before the first that may give collections other numbers.
+std::size_t EditQueue::beforeMoves() const
+{
+    const auto found = std::ranges::find_if(m_edits, [](const Entry& entry) {
+        entry.edit->settle();
+        return mayMoveCollections(entry.patch());
+    });
+    return static_cast<std::size_t>(found - m_edits.begin());
 }
 
 void EditQueue::proceed()

@@ -37,6 +37,10 @@ public:
     bool isMaking() const;
     /// The library with what is under way: what the next edit is made on. Worked out once for each change.
     Ref<const MediaLibrary> expected() const;
+    /// Whether one of them may give collections other numbers: most change what is in one of them.
+    bool movesCollections() const { return beforeMoves() < m_edits.size(); }
+    /// The library with those only that are under way before the first of these.
+    Ref<const MediaLibrary> expectedBeforeMoves() const { return with(beforeMoves()); }
 
     /// The library has changed, or was read: what waits for that goes on.
     void proceed();
@@ -67,6 +71,8 @@ private:
         Overtaken, // the server refused it for a change that the library does not show yet
     };
 
+    std::size_t beforeMoves() const;
+    Ref<MediaLibrary> with(std::size_t count) const;
     void await(const std::shared_ptr<LibraryEdit>& edit);
     void outdateExpected();
     bool prepare(Entry& entry);

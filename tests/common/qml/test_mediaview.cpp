@@ -81,6 +81,7 @@ private Q_SLOTS:
         QTRY_COMPARE(shown(model), QStringLiteral("1 3 9")); // what is left out is not free
         QCOMPARE(model.total(), 5);
         model.setUnusedOnly(false);
+        QTRY_VERIFY(shown(model).endsWith(QStringLiteral("9 [10 – 9999 free]")) && model.count() == 5);
         mirror.edit([](MediaLibrary& library) {
             library.getCollection(1)->insertMediaSlot(9, MediaSlot(), true); // one alone
         });

@@ -1,6 +1,7 @@
 #include "common/media/edit/implmediacollectionmanager.h"
+#include "common/media/edit/slot/addmediatocollectioncommand.h"
 #include "common/media/edit/slot/movecollectioncommand.h"
-#include "common/media/edit/slot/renameslotcommand.h"
+#include "common/media/items/guimediaslot.h"
 #include "common/media/library/medialibraryprovider.h"
 #include "common/media/models/collectionselectormodel.h"
 #include "common/media/models/medialibrarymodel.h"
@@ -116,7 +117,7 @@ private Q_SLOTS:
         CollectionNumbers numbers(m_server->session());
         const CollectionNumbers::Number one = numbers.follow(1), three = numbers.follow(3);
         m_server->isMute = true;
-        QVERIFY(m_server->run<RenameSlotCommand>(3, 1, QStringLiteral("Renamed")));
+        QVERIFY(m_server->run<AddMediaToCollectionCommand>(3, 5, QList<GuiMediaSlot>(2)));
         QVERIFY(m_server->run<MoveCollectionCommand>(3, 1)); // whose numbers all exist before and after
         QTRY_COMPARE(*three, 1);
         QCOMPARE(*one, 2);
