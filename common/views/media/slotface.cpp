@@ -255,7 +255,7 @@ void SlotFace::paintPlace(QPainter* painter, const Layout& at) const
 
 void SlotFace::paintScreen(QPainter* painter, const QRect& screen)
 {
-    painter->fillRect(screen, getColor(colors::Zt_black_30));
+    fillThrough(*painter, screen, getColor(colors::Zt_black_30));
     const auto thumbnail = m_thumbnail.value<QPixmap>();
     if (thumbnail.isNull()) {
         const int side = qRound(screen.height() * (m_isTable ? 0.6 : 0.4));
