@@ -49,4 +49,9 @@ void drawRounded(QPainter& painter, const QRectF& box, double radius)
                 [&] { painter.drawRoundedRect(box, radius, radius); });
 }
 
+void fillThrough(QPainter& painter, const QRect& box, const QColor& colour)
+{
+    drawInBands(painter, box, bandLines, [&] { painter.fillRect(box, colour); });
+}
+
 } // namespace vantrel

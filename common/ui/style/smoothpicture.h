@@ -1,7 +1,9 @@
 #pragma once
 
+class QColor;
 class QPainter;
 class QPixmap;
+class QRect;
 class QRectF;
 
 namespace vantrel {
@@ -13,5 +15,7 @@ void drawSmoothly(QPainter& painter, const QRectF& target, const QPixmap& pictur
 void drawSmoothly(QPainter& painter, const QRectF& target, const QPixmap& picture);
 /// The same of a box with round corners and softened edges, by the painter's pen and brush.
 void drawRounded(QPainter& painter, const QRectF& box, double radius);
+/// The same of a box in a colour that lets what lies below through.
+void fillThrough(QPainter& painter, const QRect& box, const QColor& colour);
 
 } // namespace vantrel

@@ -15,6 +15,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <utility>
 
 namespace vantrel {
 
@@ -56,6 +57,14 @@ void drawText(QPainter* painter, const QRect& place, const QFont& font, colors::
                       QFontMetrics(font).elidedText(text, elide, place.width()));
 }
 
+/// The drawing that a face had before its last one, for the next face to draw into: where a whole view is
+/// drawn anew, fresh memory for each would take longer than the drawing.
+QImage& spareImage()
+{
+    static QImage image;
+    return image;
+}
+
 } // namespace
 
 SlotFace::SlotFace(QQuickItem* parent)
@@ -90,9 +99,10 @@ QSGNode* SlotFace::updatePaintNode(QSGNode* old, UpdatePaintNodeData*)
         m_isDrawn = false;
     }
     if (!m_isDrawn || node->rect() != boundingRect()) {
-        const QImage image = drawing();
+        QImage image = drawing();
         node->setTexture(window()->createTextureFromImage(image, QQuickWindow::TextureIsOpaque));
         node->setSourceRect(image.rect());
+        spareImage() = std::exchange(m_image, std::move(image));
         node->setRect(boundingRect());
         m_isDrawn = true;
     }
@@ -103,7 +113,10 @@ QImage SlotFace::drawing()
 {
     const qreal ratio = window()->effectiveDevicePixelRatio();
     // Nothing shines through: what lies below need not be drawn.
-    QImage image((size() * ratio).toSize(), QImage::Format_RGB32);
+    const QSize size = (this->size() * ratio).toSize();
+    QImage image = std::exchange(spareImage(), {});
+    if (image.size() != size)
+        image = QImage(size, QImage::Format_RGB32);
     image.setDevicePixelRatio(ratio);
     image.fill(getColor(colors::Slate_grey_800));
     QPainter painter(&image);
@@ -242,7 +255,7 @@ void SlotFace::paintPlace(QPainter* painter, const Layout& at) const
 
 void SlotFace::paintScreen(QPainter* painter, const QRect& screen)
 {
-    painter->fillRect(screen, getColor(colors::Zt_black_30));
+    fillThrough(*painter, screen, getColor(colors::Zt_black_30));
     const auto thumbnail = m_thumbnail.value<QPixmap>();
     if (thumbnail.isNull()) {
         const int side = qRound(screen.height() * (m_isTable ? 0.6 : 0.4));

@@ -2,6 +2,7 @@
 
 #include "common/session/settings/fontsize.h"
 
+#include <QImage>
 #include <QPixmap>
 #include <QQuickItem>
 
@@ -85,6 +86,7 @@ private:
     void paintTexts(QPainter* painter, const Layout& at) const;
 
     bool m_isDrawn = false;
+    QImage m_image; // what was drawn last
     bool m_isTable = false;
     int m_textSize = static_cast<int>(FontSize::Medium);
     int m_slot = 0;
