@@ -125,6 +125,12 @@ void CollectionNumbers::followLibrary()
     connect(api->edits(), &EditQueue::dropped, this, look);
 }
 
+/// Whether some edit that is under way may give collections other numbers.
+bool CollectionNumbers::isAnyMoving() const
+{
+    return m_api && m_api->edits()->movesCollections();
+}
+
 /// With the edits that are under way where some of them move collections; a copy, since the library itself
 /// goes on.
 Ref<const MediaLibrary> CollectionNumbers::expected() const
@@ -132,7 +138,7 @@ Ref<const MediaLibrary> CollectionNumbers::expected() const
     const MediaLibraryApi* const api = m_session ? m_session->getMediaLibraryApi() : nullptr;
     if (!api)
         return {};
-    return makeRef<MediaLibrary>(api->edits()->movesCollections() ? *api->expectedLibrary() : api->library());
+    return makeRef<MediaLibrary>(m_isAhead ? *api->expectedLibrary() : api->library());
 }
 
 CollectionNumbers::Number CollectionNumbers::follow(int collection)
@@ -147,8 +153,8 @@ CollectionNumbers::Number CollectionNumbers::follow(int collection)
     }
     m_followed.push_back({.number = number, .gone = {}});
     if (!m_known) {
+        m_isAhead = isAnyMoving();
         m_known = expected();
-        m_isAhead = m_api && m_api->edits()->movesCollections();
     }
     return number;
 }
@@ -164,12 +170,10 @@ void CollectionNumbers::look(bool isOther)
         return; // it is looked at once that is made
     // Edits that move no collection are left out, since to work out what thousands of slots will be takes
     // time: what comes before one that does is known without it.
-    if (const bool isAhead = m_api && m_api->edits()->movesCollections();
-        isAhead && !std::exchange(m_isAhead, isAhead) && m_known) {
+    const bool wasAhead = std::exchange(m_isAhead, isAnyMoving());
+    if (m_isAhead && !wasAhead && m_known) {
         step(makeRef<MediaLibrary>(m_api->library()), isOther);
         m_known = m_api->edits()->expectedBeforeMoves();
-    } else {
-        m_isAhead = isAhead;
     }
     step(expected(), isOther);
 }

@@ -78,6 +78,7 @@ private:
     void step(const Ref<const MediaLibrary>& now, bool isOther);
     bool renumber(Followed& followed, const MediaLibrary& before, const MediaLibrary& now,
                   bool isOther) const;
+    bool isAnyMoving() const;
     Ref<const MediaLibrary> expected() const;
 
     Session* m_session;
